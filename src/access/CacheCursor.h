@@ -1,0 +1,42 @@
+#pragma once
+
+#include "access/ProfileCursor.h"
+#include "base/KvbDatavar.h"
+
+#include <cstddef>
+#include <list>
+#include <vector>
+
+namespace tavix {
+
+/// A self-contained copy of a whole result, readable after its source was given back. Two things are as they are on
+/// purpose: a result without rows has no columns, and next() after the end begins again at the first row.
+class CacheCursor final : public ProfileCursor {
+  public:
+    /// Reads `source` to its end. What the source throws passes through.
+    explicit CacheCursor(ProfileCursor& source);
+
+    bool next() override;
+    [[nodiscard]] int getColumnCount() const override;
+    [[nodiscard]] KvbString getColumnName(int column) const override;
+    /// Null, and every value while no row is current, gives an empty text.
+    [[nodiscard]] KvbString getColumnValue(int column) const override;
+    [[nodiscard]] int getColumnInt(int column) const override;
+    [[nodiscard]] double getColumnDouble(int column) const override;
+    [[nodiscard]] bool isColumnNull(int column) const override;
+    [[nodiscard]] bool isColumnValid(int column) const override;
+
+    [[nodiscard]] std::size_t getRowCount() const { return m_rows.size(); }
+    /// Replaces a value of the current row; without one, or outside its columns, nothing happens.
+    void setColumnValue(int column, KvbDatavar value);
+
+  private:
+    using Row = std::vector<KvbDatavar>;
+    [[nodiscard]] const KvbDatavar* cell(int column) const;
+
+    std::list<Row> m_rows;
+    std::list<Row>::iterator m_current = m_rows.end();
+    std::vector<KvbString> m_names;
+};
+
+} // namespace tavix

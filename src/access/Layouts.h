@@ -1,0 +1,91 @@
+#pragma once
+
+#include "base/Metrics.h"
+
+#include <span>
+#include <string_view>
+
+/// The columns of every repository cursor, by number. The enumerators are what readers pass to getColumnValue and its
+/// kin; the tables in Layouts.cpp give each column its heading and the expression that queries it, in the same order.
+/// docs/cursors.md lists them for people.
+namespace tavix::layout {
+
+struct Column {
+    int index;
+    std::string_view name; ///< the heading, as getColumnName gives it
+    std::string_view sql;  ///< what the query selects; empty where the cursor is not read from a query
+};
+
+struct Layout {
+    std::string_view operation; ///< the PrViewer operation that yields it
+    std::span<const Column> columns;
+};
+
+enum Reports { ReportId, ReportName, ReportDescription, ReportFolderId, ReportRunCount, ReportLastRunId,
+               ReportLastRunDate };
+enum Report { ReportRowId, ReportRowName, ReportRowDescription, ReportRowCreated };
+enum Jobs { JobRunId, JobDate, JobDescription, JobTables, JobRecords };
+enum DsnList { DsnId, DsnName, DsnKind, DsnTables };
+/// TableKindLetter is Y, S or D. TableFilter is the condition of a filtered table, TableAlternateFilter the text to
+/// show when that is empty.
+enum TableList { TableKindLetter, TableId, TableName, TableObjectName, TableSchema, TableCatalog, TableBase,
+                 TableFilter, TableQuery, TableAlternateFilter, TableTotalRecords, TableProcessedRecords,
+                 TableFields, TableDamagedRecords };
+
+/// Columns 0 to 2 of all four field lists.
+enum FieldListHead { FieldId, FieldName, FieldTypeCode };
+/// Where the metrics with ids 0 to 23 begin.
+inline constexpr int kFieldListMetrics = 3;
+inline constexpr int kFieldListPkrMetrics = 5;
+inline constexpr int kCollectionFieldListMetrics = 8;
+inline constexpr int kCollectionFieldListPkrMetrics = 10;
+/// Counts of stored key and redundancy analyses.
+enum FieldListPkr { PkrKeyAnalyses = 3, PkrRedundancies = 4 };
+/// Where a collection's field comes from, in both collection lists.
+enum CollectionFieldSource { SourceDsn = 3, SourceCatalog, SourceSchema, SourceObject, SourceTable };
+enum CollectionFieldListPkr { CollectionPkrKeyAnalyses = 8, CollectionPkrRedundancies = 9 };
+/// What follows the metrics, counted from the column after the last metric, in all four field lists: the number of
+/// rows of the value and of the pattern distribution, the ids of the table, and the rule of the quantiles.
+enum FieldListTail { TailFreqCount, TailPatternCount, TailTableId, TailQuantileRule };
+
+[[nodiscard]] constexpr int tailColumn(int firstMetric, FieldListTail tail) {
+    return firstMetric + static_cast<int>(kMetricCount) + tail;
+}
+
+enum TextFileFields { TextFieldOrdinal, TextFieldName };
+enum Collections { CollectionId, CollectionName, CollectionDescription, CollectionFields };
+/// The collections that hold the fields of one table, one row for each pair.
+enum CollectionsForTable { TableCollectionFieldId, TableCollectionId, TableCollectionName };
+
+enum FreqDist { FreqValue, FreqCount };
+enum PatternDist { PatternRank, PatternText, PatternCountColumn };
+enum Percentiles { PercentileInterval, PercentileValue };
+/// OutlierSideLetter is L or H; OutlierFence 0 inside, 1 beyond 1.5, 2 beyond 3.0 times the quartiles' distance.
+enum Outliers { OutlierSideLetter, OutlierPosition, OutlierValue, OutlierCount, OutlierFence };
+
+/// Then the 24 metrics.
+enum FieldHistoryHead { HistoryRunId, HistoryDate, HistoryDescription };
+inline constexpr int kFieldHistoryMetrics = 3;
+/// LogLevelCode is 0 information, 1 warning, 2 error.
+enum ExecutionLog { LogDate, LogLevelCode, LogTable, LogText };
+
+enum Alerts { AlertId, AlertDsn, AlertCatalog, AlertSchema, AlertTable, AlertInput, AlertObject, AlertDescription,
+              AlertMetric, AlertReserved, AlertKindLetter, AlertTypeCode, AlertKey };
+enum AlertProperties { AlertPropertyName, AlertPropertyValue };
+
+enum Notes { NoteId, NoteDate, NoteCategory, NoteUser, NoteText, NoteCategoryId };
+enum NoteCategories { CategoryId, CategoryName };
+enum Charts { ChartId, ChartName, ChartDescription };
+enum ChartProperties { ChartPropertyName, ChartPropertyPosition, ChartPropertyValue };
+
+enum KeyAnalysis { KeyOtherFieldId, KeyFieldName, KeyDsn, KeyCatalog, KeySchema, KeyTable, KeyMatchPercent };
+enum KeyAnalysisOutliers { KeyOutlierValue, KeyOutlierCount };
+
+enum RdaCfgs { RdaId, RdaName, RdaDescription, RdaFields };
+enum RdaCfgFields { RdaFieldId, RdaFieldName, RdaFieldDsn, RdaFieldCatalog, RdaFieldSchema, RdaFieldTable };
+enum Tasks { TaskId, TaskKind, TaskFieldId, TaskDefinition };
+
+/// Every layout, in the order of the documentation.
+[[nodiscard]] std::span<const Layout> all();
+
+} // namespace tavix::layout

@@ -1,0 +1,192 @@
+#pragma once
+
+#include "access/PrViewerDrillCursor.h"
+#include "access/ProfileCursor.h"
+#include "base/KvbString.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace tavix {
+
+class PrViewDisplayMessage;
+class OrvintaPatternGen;
+
+/// How a text file was read, as getTextFileInfo tells it.
+struct TextFileInfo {
+    KvbString path;
+    char delimiter = ',';
+    bool hasHeader = true;
+    KvbString encoding;
+    std::int64_t size = 0;
+};
+
+/// A session with a profile repository. Ordinary failures are a false result or a null cursor; getErrorString() then
+/// says why. Ids are those of the repository; table and field ids name the same object in every run. "Run" is what
+/// the names below call a job, for a report is a job with its runs: getJobs lists runs.
+///
+/// Operations that concern values, metrics and structure speak of the current run. Cursor layouts: access/Layouts.h.
+class PrViewer {
+  public:
+    struct Release {
+        void operator()(PrViewer* viewer) const { viewer->release(); }
+    };
+    using Handle = std::unique_ptr<PrViewer, Release>;
+    [[nodiscard]] static Handle create();
+
+    // Session. The connection string is "sqlite:PATH" or a plain path. Opening writes nothing; the operations that
+    // change the repository open it for writing when they are called.
+    bool init(const KvbString& connection);
+    bool close();
+    void release();
+    [[nodiscard]] KvbString getErrorString() const;
+
+    // Report: a job and, once one is set up, its latest run.
+    /// Every job of the repository, for a shell's list.
+    [[nodiscard]] ProfileCursorHandle getReports();
+    /// `folderId` is -1 when the report lies in no folder; `text` is its description.
+    bool reportGetReportInfo(int jobId, int& folderId, KvbString& text);
+    bool setCurrentJobSetup(int jobId);
+    [[nodiscard]] ProfileCursorHandle getReport(int jobId);
+    /// `path` joins the folders' names with "/"; `text` is the folder's own name.
+    bool folderGetPathFromId(int folderId, KvbString& path, KvbString& text);
+
+    // Runs of the current job.
+    [[nodiscard]] ProfileCursorHandle getJobs();
+    /// -1 on failure.
+    [[nodiscard]] int getJobCount();
+    /// The current run; -1 when there is none.
+    [[nodiscard]] int getCurrentJob() const;
+    bool setCurrentJob(int runId);
+    bool getJobInfo(int runId, double& date, KvbString& description);
+    /// Deletes the runs of the current job with `first` <= id <= `last`; -1 stands for no bound. `job` -1 is the
+    /// current job. At least one run must stay.
+    bool deleteJobs(int first, int last, int job);
+
+    // Structure of the current run.
+    [[nodiscard]] ProfileCursorHandle getDSNList();
+    [[nodiscard]] ProfileCursorHandle getTableList(int dataSourceId);
+    [[nodiscard]] ProfileCursorHandle getFieldList(int tableId);
+    [[nodiscard]] ProfileCursorHandle getFieldListPKR(int tableId);
+    /// `kind` is the table's letter: Y plain, S query, D filter.
+    bool getFieldInfo(int fieldId, KvbString& dataSource, KvbString& catalog, KvbString& schema, KvbString& table,
+                      KvbString& object, char& kind, KvbString& field, int& tableId);
+    bool getDrilldownInfo(int fieldId, KvbString& dataSource, KvbString& catalog, KvbString& schema, KvbString& table,
+                          KvbString& object, char& kind, KvbString& field, KvbString& query, int& tableId,
+                          KvbString& filter);
+    bool getTextFileInfo(int tableId, TextFileInfo& info);
+    [[nodiscard]] ProfileCursorHandle getTextFileFieldInfo(int tableId);
+
+    // Collections of fields, across all jobs of the repository.
+    [[nodiscard]] ProfileCursorHandle getGlobalCollections();
+    [[nodiscard]] ProfileCursorHandle getGlobalCollFieldList(int collectionId);
+    [[nodiscard]] ProfileCursorHandle getGlobalCollFieldListPKR(int collectionId);
+    [[nodiscard]] ProfileCursorHandle getGlobalCollForTable(int tableId);
+    bool refreshGlobalCollForTable(int tableId);
+    bool createGlobalCollFieldMapping(int collectionId, int fieldId);
+
+    // Catalogue of metrics and of the expression language's functions.
+    [[nodiscard]] int getNumMetrics() const;
+    [[nodiscard]] KvbString getMetricDescription(int metricId) const;
+    [[nodiscard]] int getFunctionCount() const;
+    bool getFunctionInfo(int index, KvbString& name, KvbString& parameterTypes, char& returnType,
+                         KvbString& description, int& count1, int& count2);
+
+    // Values. `filter` is a filter text; empty for none.
+    [[nodiscard]] ProfileCursorHandle getFreqDist(int fieldId, const KvbString& filter);
+    [[nodiscard]] ProfileCursorHandle getPatternDist(int fieldId, const KvbString& filter);
+    [[nodiscard]] ProfileCursorHandle getPercentiles(int fieldId);
+    [[nodiscard]] ProfileCursorHandle getOutliers(int fieldId);
+    /// Numbers of rows; -1 on failure.
+    [[nodiscard]] int getFreqDistCount(int fieldId);
+    [[nodiscard]] int getPatternDistCount(int fieldId);
+    [[nodiscard]] int getPercentilesCount(int fieldId);
+    bool getOutliersCount(int fieldId, int& low, int& high);
+    /// Sum of all counts; -1 on failure.
+    [[nodiscard]] std::int64_t getFreqDistSum(int fieldId);
+    [[nodiscard]] KvbString getAbbreviatedPattern(const KvbString& pattern) const;
+
+    // History over the runs of the current job, oldest first; `limit` is the number of latest runs, 0 for all.
+    [[nodiscard]] ProfileCursorHandle getFieldHistory(const KvbString& dataSource, const KvbString& catalog,
+                                                      const KvbString& schema, const KvbString& table,
+                                                      const KvbString& object, const KvbString& field, int limit);
+    [[nodiscard]] ProfileCursorHandle getCustomMetricHistory(const KvbString& key);
+    [[nodiscard]] ProfileCursorHandle getBusinessRuleHistory(const KvbString& key);
+    /// What the current run reported while it was made.
+    [[nodiscard]] ProfileCursorHandle getExecutionLog();
+
+    // Rules.
+    [[nodiscard]] ProfileCursorHandle getCustomMetrics(int tableId);
+    [[nodiscard]] ProfileCursorHandle getCustomMetricInputFields(const KvbString& key);
+    [[nodiscard]] ProfileCursorHandle getBusinessRules(int tableId);
+    [[nodiscard]] ProfileCursorHandle getBusinessRuleRowLog(int tableId, int ruleId, bool all);
+
+    // Alerts.
+    [[nodiscard]] ProfileCursorHandle getAlerts();
+    [[nodiscard]] ProfileCursorHandle getAlertProperties(int alertId);
+
+    // Notes. `kind` is 'T' for a table, 'C' for a collection; `order` 1 newest first, else oldest first.
+    [[nodiscard]] ProfileCursorHandle getTableNotes(int ownerId, char kind, int order);
+    [[nodiscard]] ProfileCursorHandle getFieldNotes(int fieldId, int order);
+    [[nodiscard]] ProfileCursorHandle getNoteCategories();
+    /// `categoryId` -1 for none. The new note's time is now.
+    bool createNewTableNote(int ownerId, char kind, int categoryId, const KvbString& user, const KvbString& text);
+    bool createNewFieldNote(int fieldId, int categoryId, const KvbString& user, const KvbString& text);
+    bool deleteTableNote(int noteId);
+    bool deleteFieldNote(int noteId);
+    bool createNewNoteCategory(const KvbString& name);
+    bool editNoteCategory(int categoryId, const KvbString& name);
+    /// Its notes stay, without a category.
+    bool deleteNoteCategory(int categoryId);
+
+    // Charts. `chartId` is -1 to make a new one and then receives its id.
+    [[nodiscard]] ProfileCursorHandle getTableCharts(int tableId);
+    [[nodiscard]] ProfileCursorHandle getCategoryCharts(int category);
+    [[nodiscard]] ProfileCursorHandle getChartProperties(int chartId);
+    bool createEditTableChart(int& chartId, int tableId, const KvbString& name, const KvbString& description);
+    bool createEditCategoryChart(int& chartId, int category, const KvbString& name, const KvbString& description);
+    bool deleteChart(int chartId);
+    bool clearChartProperties(int chartId);
+    bool addChartProperty(int chartId, const KvbString& name, int position, const KvbString& value);
+
+    // Primary key / foreign key analysis of the current run.
+    [[nodiscard]] ProfileCursorHandle getPKFKAnalysis(int fieldId);
+    [[nodiscard]] ProfileCursorHandle getPKFKAnalysisOutliers(int fieldId, int otherFieldId);
+    bool generatePKFKAnalysis(int fieldId, int otherFieldId);
+    bool deletePKFKAnalysis(int fieldId, int otherFieldId);
+
+    // Redundant data analysis.
+    [[nodiscard]] ProfileCursorHandle getRdaCfgs();
+    [[nodiscard]] ProfileCursorHandle getRdaCfg(int cfgId);
+    [[nodiscard]] ProfileCursorHandle getRdaCfgFields(int cfgId);
+    [[nodiscard]] ProfileCursorHandle getRdaResults(int cfgId, int leftFieldId, int rightFieldId);
+    [[nodiscard]] ProfileCursorHandle getRedundantAnalysisCommon(int cfgId, int leftFieldId, int rightFieldId);
+    [[nodiscard]] ProfileCursorHandle getRedundantAnalysisLeft(int cfgId, int leftFieldId, int rightFieldId);
+    [[nodiscard]] ProfileCursorHandle getRedundantAnalysisRight(int cfgId, int leftFieldId, int rightFieldId);
+    /// Receives the new configuration's id.
+    bool createRdaCfg(const KvbString& name, const KvbString& description, int& cfgId);
+    bool updateRdaCfg(int cfgId, const KvbString& name, const KvbString& description);
+    bool deleteRdaCfg(int cfgId);
+    bool createFldRdaMap(int cfgId, int fieldId);
+    bool deleteAllRdaMaps(int cfgId);
+
+    // Tasks of the job generator.
+    [[nodiscard]] ProfileCursorHandle getTaskList(int jobId);
+
+    // Drill-down to the source rows. `exact` false takes the value as a pattern.
+    [[nodiscard]] PrViewerDrillCursorHandle drillDown(int fieldId, const KvbString& value, bool exact,
+                                                      PrViewDisplayMessage* sink, OrvintaPatternGen* patterns);
+    [[nodiscard]] ProfileCursorHandle drillDownMatch(int fieldId, const KvbString& value, PrViewDisplayMessage* sink,
+                                                     int mode);
+
+    static void freeProfileCursor(ProfileCursor* cursor);
+    static void freeDrillDown(PrViewerDrillCursor* cursor);
+
+  private:
+    PrViewer();
+    ~PrViewer();
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+} // namespace tavix

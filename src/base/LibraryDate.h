@@ -1,0 +1,35 @@
+#pragma once
+
+#include "base/Clock.h"
+
+#include <locale>
+#include <string>
+
+namespace tavix {
+
+/// The repository library's date form: a double that counts days since 1899-12-30 00:00, local time.
+using LibraryDate = double;
+
+struct DateParts {
+    int year = 0;
+    int month = 0; ///< 1 to 12
+    int day = 0;   ///< 1 to 31
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+
+    bool operator==(const DateParts&) const = default;
+};
+
+/// The local wall-clock time of an instant in the process's time zone.
+[[nodiscard]] LibraryDate toLibraryDate(UtcTime time);
+/// Split, rounded to the nearest second. Dates outside the years 1 to 9999 give all zeros.
+[[nodiscard]] DateParts decompose(LibraryDate date);
+/// The locale's date-and-time form, "%c".
+[[nodiscard]] std::string formatDateTime(const DateParts& parts, const std::locale& locale);
+/// The locale that the user's environment names; the classic one when the environment names none that exists.
+[[nodiscard]] std::locale userLocale();
+/// ISO 8601 in UTC, to the second: "2026-11-21T08:15:00Z".
+[[nodiscard]] std::string formatIsoUtc(UtcTime time);
+
+} // namespace tavix

@@ -1,0 +1,95 @@
+#include "base/NumberText.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace tavix {
+
+namespace {
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+} // namespace
+
+std::string formatInteger(std::int64_t value) {
+    std::array<char, 24> buffer{};
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
+    return {buffer.data(), end};
+}
+
+std::string formatReal(double value) {
+    std::array<char, 40> buffer{};
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value == 0.0 ? 0.0 : value).ptr;
+    return {buffer.data(), end};
+}
+
+std::string formatFixed(double value, int places) {
+    std::array<char, 400> buffer{};
+    const auto end =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed, places).ptr;
+    std::string text(buffer.data(), end);
+    if (text.starts_with('-') && text.find_first_not_of("-0.") == std::string::npos)
+        text.erase(0, 1);
+    return text;
+}
+
+std::optional<double> parseNumber(std::string_view text) {
+    if (text.starts_with('+')) {
+        text.remove_prefix(1);
+        if (text.starts_with('-'))
+            return std::nullopt;
+    }
+    const std::string_view unsignedText = text.starts_with('-') ? text.substr(1) : text;
+    // from_chars would also take "inf" and "nan", which are words to us.
+    if (unsignedText.empty() || !(isDigit(unsignedText.front()) || unsignedText.front() == '.'))
+        return std::nullopt;
+    double value = 0;
+    const auto [end, status] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (status != std::errc() || end != text.data() + text.size() || !std::isfinite(value))
+        return std::nullopt;
+    return value;
+}
+
+std::optional<std::int64_t> parseInteger(std::string_view text) {
+    if (text.starts_with('+')) {
+        text.remove_prefix(1);
+        if (text.starts_with('-'))
+            return std::nullopt;
+    }
+    std::int64_t value = 0;
+    const auto [end, status] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (status != std::errc() || end != text.data() + text.size())
+        return std::nullopt;
+    return value;
+}
+
+std::int64_t decimalPrefix(std::string_view text) {
+    const auto start = text.find_first_not_of(" \t\n\v\f\r");
+    if (start == std::string_view::npos)
+        return 0;
+    text.remove_prefix(start);
+    if (text.size() > 1 && text.front() == '+' && isDigit(text[1]))
+        text.remove_prefix(1);
+    std::int64_t value = 0;
+    const auto status = std::from_chars(text.data(), text.data() + text.size(), value).ec;
+    if (status == std::errc::result_out_of_range)
+        return text.front() == '-' ? std::numeric_limits<std::int64_t>::min()
+                                   : std::numeric_limits<std::int64_t>::max();
+    return status == std::errc() ? value : 0;
+}
+
+std::int64_t saturateToInt64(double value) {
+    if (std::isnan(value))
+        return 0;
+    if (value >= 9223372036854775808.0)
+        return std::numeric_limits<std::int64_t>::max();
+    if (value < -9223372036854775808.0)
+        return std::numeric_limits<std::int64_t>::min();
+    return static_cast<std::int64_t>(value);
+}
+
+} // namespace tavix

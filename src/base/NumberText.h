@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// Numbers to text and back without asking the process locale: a decimal point is always '.'.
+namespace tavix {
+
+[[nodiscard]] std::string formatInteger(std::int64_t value);
+/// The shortest text that reads back as the same value ("0.1", "1e+20"); "nan", "inf", "-inf" for the others.
+[[nodiscard]] std::string formatReal(double value);
+/// As printf's "%.<places>f"; a result of zero has no minus sign.
+[[nodiscard]] std::string formatFixed(double value, int places);
+
+/// The number that the whole text denotes: sign, digits, decimal point, exponent; nothing else, no blanks, finite.
+[[nodiscard]] std::optional<double> parseNumber(std::string_view text);
+/// The integer that the whole text denotes: sign and digits, within 64 bits.
+[[nodiscard]] std::optional<std::int64_t> parseInteger(std::string_view text);
+/// Plain decimal conversion: leading white space, sign, then as many digits as follow; 0 when there are none;
+/// clamped to 64 bits. The rule by which settings are read.
+[[nodiscard]] std::int64_t decimalPrefix(std::string_view text);
+/// Cut toward zero and clamped; NaN gives 0.
+[[nodiscard]] std::int64_t saturateToInt64(double value);
+
+} // namespace tavix

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "base/Result.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace tavix {
+
+/// Text values by section and key. Sections and keys are compared without regard to case.
+class SettingsStore {
+  public:
+    virtual ~SettingsStore() = default;
+
+    /// The value; "" when there is none.
+    [[nodiscard]] virtual std::string read(std::string_view section, std::string_view key) const = 0;
+    /// The new value is read back at once by this store even when keeping it fails.
+    virtual Status write(std::string_view section, std::string_view key, std::string_view value) = 0;
+};
+
+/// A store in one INI-like UTF-8 file. The file is read once, on opening, and replaced as a whole on every write, so
+/// that a crash leaves the old or the new one. A file that does not exist is an empty store; one that cannot be read,
+/// is no text, or is larger than 4 MiB is an error, and stays untouched.
+[[nodiscard]] Result<std::unique_ptr<SettingsStore>> openSettingsFile(const std::string& path);
+
+/// Where the user's settings file lies: $TAVIX_SETTINGS, else $XDG_CONFIG_HOME/tavix/settings.ini, else
+/// ~/.config/tavix/settings.ini.
+[[nodiscard]] std::string defaultSettingsPath();
+
+/// A store that lives as long as the object.
+[[nodiscard]] std::unique_ptr<SettingsStore> makeMemorySettings();
+
+} // namespace tavix

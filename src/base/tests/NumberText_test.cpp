@@ -1,0 +1,56 @@
+#include "base/NumberText.h"
+
+#include "base/KvbDatavar.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <limits>
+
+namespace tavix {
+namespace {
+
+TEST(NumberText, RealsReadBackEqualAndIgnoreTheProcessLocale) {
+    const char* before = std::setlocale(LC_NUMERIC, nullptr);
+    const std::string saved = before ? before : "C";
+    std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
+    EXPECT_EQ(formatReal(0.1), "0.1");
+    EXPECT_EQ(formatReal(-0.0), "0");
+    EXPECT_EQ(formatReal(1e20), "1e+20");
+    EXPECT_EQ(parseNumber(formatReal(0.1 + 0.2)), 0.1 + 0.2);
+    EXPECT_EQ(formatFixed(2.345, 2), "2.35");
+    EXPECT_EQ(formatFixed(-0.001, 2), "0.00");
+    std::setlocale(LC_NUMERIC, saved.c_str());
+}
+
+TEST(NumberText, OnlyWholeFiniteNumbersAreNumbers) {
+    for (const char* text : {"1", "-1.5", "+2", ".5", "1e3", "007"})
+        EXPECT_TRUE(parseNumber(text)) << text;
+    for (const char* text : {"", " 1", "1 ", "1,5", "nan", "inf", "-inf", "0x10", "+-1", "1e999", "-", "."})
+        EXPECT_FALSE(parseNumber(text)) << text;
+}
+
+TEST(NumberText, SettingsConversionTakesThePrefixAndSaturates) {
+    EXPECT_EQ(decimalPrefix("45"), 45);
+    EXPECT_EQ(decimalPrefix("  12abc"), 12);
+    EXPECT_EQ(decimalPrefix("-7"), -7);
+    EXPECT_EQ(decimalPrefix("+7"), 7);
+    EXPECT_EQ(decimalPrefix("abc"), 0);
+    EXPECT_EQ(decimalPrefix(""), 0);
+    EXPECT_EQ(decimalPrefix("99999999999999999999"), std::numeric_limits<std::int64_t>::max());
+}
+
+TEST(KvbDatavar, ConvertsOnRead) {
+    EXPECT_TRUE(KvbDatavar().isNull());
+    EXPECT_TRUE(KvbDatavar().toText().isNull());
+    EXPECT_EQ(KvbDatavar("12").toInt(), 12);
+    EXPECT_EQ(KvbDatavar("12.75").toInt(), 12);
+    EXPECT_EQ(KvbDatavar("abc").toInt(), 0);
+    EXPECT_EQ(KvbDatavar(2.5).toText(), KvbString("2.5"));
+    EXPECT_EQ(KvbDatavar(std::int64_t{5'000'000'000}).toInt(), std::numeric_limits<int>::max());
+    EXPECT_EQ(KvbDatavar("5000000000").toInt64(), 5'000'000'000);
+    EXPECT_EQ(KvbDatavar(KvbString()).toDouble(), 0.0);
+}
+
+} // namespace
+} // namespace tavix

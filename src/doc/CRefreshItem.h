@@ -1,0 +1,23 @@
+#pragma once
+
+namespace tavix {
+
+/// What a refresh notification says; the numbers travel between panes and to the shell.
+enum class RefreshHint {
+    CollectionsRefreshed = 1, ///< the field collections of every table were refreshed
+    DocumentReset = 3,        ///< the document is "Untitled" again
+    RunLoaded = 4,            ///< a report, or another run of it, was loaded
+    OptionsChanged = 5,       ///< the Options dialog was closed with OK
+    TaskListLost = 6,         ///< the post-load check or a run change could not restore the task list
+    HistoryDeletion = 7,      ///< run history is about to be deleted
+};
+
+/// A pane that takes part in refreshing.
+class CRefreshItem {
+  public:
+    virtual ~CRefreshItem() = default;
+    /// `sender` is the pane that caused it, null for the document; `parameter` belongs to the hint, mostly 0.
+    virtual void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) = 0;
+};
+
+} // namespace tavix

@@ -1,0 +1,128 @@
+#pragma once
+
+#include "access/PrViewer.h"
+#include "base/Messages.h"
+#include "base/SettingsStore.h"
+#include "doc/CRefreshItem.h"
+
+#include <array>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tavix {
+
+/// One metric of the report as the user wants to see it. Its index in the list is its id.
+struct MetricDisplay {
+    std::string description;
+    bool shown = false;
+    int position = 0; ///< its place in the user's order; equal places keep the order of the ids
+
+    bool operator==(const MetricDisplay&) const = default;
+};
+
+/// The filter that holds for the whole report.
+struct ReportFilterState {
+    std::array<std::string, 8> texts;
+    int first = -1;
+    int second = -1;
+
+    bool operator==(const ReportFilterState&) const = default;
+};
+
+/// The frame that shows the document, as the document sees it.
+class DocumentFrame {
+  public:
+    virtual ~DocumentFrame() = default;
+    /// While set, hint 6 is not passed on.
+    virtual void SetLoading(bool loading) = 0;
+    virtual void Broadcast(RefreshHint hint) = 0;
+};
+
+/// The pane that keeps the task list, as the document sees it.
+class TaskListKeeper {
+  public:
+    virtual ~TaskListKeeper() = default;
+    /// False when no task list can be made.
+    virtual bool Create() = 0;
+    virtual void Save() = 0;
+    virtual bool Restore() = 0;
+    /// The tasks stored with the report; may throw GenException while reading.
+    virtual void Load(ProfileCursor& tasks) = 0;
+};
+
+/// What the delete-history dialog answers.
+struct HistoryDeletion {
+    int bound = -1;    ///< runs up to this id are deleted
+    int runAfter = -1; ///< the run to show when the current one is among them
+};
+
+/// The one document of the viewer: the repository session, the current report and run, and what holds for the whole
+/// report. Failures are shown through the message seam and leave everything as it was.
+class CTavixDoc {
+  public:
+    /// All references must outlive the document.
+    CTavixDoc(DocumentFrame& frame, SettingsStore& settings, Messages& messages);
+    ~CTavixDoc();
+    CTavixDoc(const CTavixDoc&) = delete;
+    CTavixDoc& operator=(const CTavixDoc&) = delete;
+
+    /// Optional; must outlive the document or be taken back with null.
+    void SetTaskListKeeper(TaskListKeeper* keeper) { m_tasks = keeper; }
+
+    /// Opens a report in place of the present one. When it fails the document has no report.
+    bool OpenReport(const KvbString& connection, int jobId);
+    /// No report, no session, the title "Untitled"; broadcasts nothing.
+    void Clear();
+    /// True with nothing done when `runId` is current already.
+    bool SetCurrentJob(int runId);
+    /// `ask` shows the delete-history dialog; false means that it was not closed with OK.
+    void DeleteHistory(const std::function<bool(HistoryDeletion&)>& ask);
+    /// After the Options dialog was closed with OK: keeps `metrics` as the display list, writes it to the settings and
+    /// broadcasts hint 5.
+    void ApplyOptions(std::vector<MetricDisplay> metrics);
+    /// Called once, shortly after a report was loaded: false when the task list could not be restored.
+    bool PostLoadCheck();
+
+    [[nodiscard]] bool HasReport() const { return m_jobId != -1; }
+    [[nodiscard]] int GetJobId() const { return m_jobId; }
+    /// The current run; -1 without a report.
+    [[nodiscard]] int GetCurrentJob() const { return m_currentRun; }
+    [[nodiscard]] int GetRunCount() const { return m_runCount; }
+    /// The report's name; "Untitled" without a report.
+    [[nodiscard]] const std::string& GetTitle() const { return m_title; }
+    /// The report text that the shell gave.
+    [[nodiscard]] const std::string& GetText() const { return m_text; }
+    void SetText(std::string text) { m_text = std::move(text); }
+    /// Path of the report's folder; "" when it lies in none.
+    [[nodiscard]] const std::string& GetFolderPath() const { return m_folderPath; }
+    [[nodiscard]] const std::vector<MetricDisplay>& GetMetrics() const { return m_metrics; }
+    [[nodiscard]] const ReportFilterState& GetFilterState() const { return m_filter; }
+    void SetFilterState(ReportFilterState state) { m_filter = std::move(state); }
+    /// The session; null without a report.
+    [[nodiscard]] PrViewer* GetViewer() const { return m_viewer.get(); }
+    [[nodiscard]] SettingsStore& GetSettings() const { return m_settings; }
+    [[nodiscard]] Messages& GetMessages() const { return m_messages; }
+
+  private:
+    void LoadMetricDisplayList();
+    void WarnWithLibraryText(std::string_view leadIn) const;
+    bool ReloadTaskList();
+
+    DocumentFrame& m_frame;
+    SettingsStore& m_settings;
+    Messages& m_messages;
+    TaskListKeeper* m_tasks = nullptr;
+    PrViewer::Handle m_viewer;
+    int m_jobId = -1;
+    int m_currentRun = -1;
+    int m_runCount = 0;
+    std::string m_title = "Untitled";
+    std::string m_text;
+    std::string m_folderPath;
+    std::vector<MetricDisplay> m_metrics;
+    ReportFilterState m_filter;
+    bool m_taskListHeld = true;
+};
+
+} // namespace tavix

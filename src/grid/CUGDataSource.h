@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tavix {
+
+enum class CellAlignment { Left, Right, Center };
+
+/// How a cell's text is meant.
+enum class CellState : std::uint8_t {
+    Ordinary,
+    Null,    ///< stands for a null value: shown apart from a text of the same letters
+    Unknown, ///< stands for a figure that does not exist
+};
+
+/// Small pictures a cell may carry beside its text; drawn by the grid.
+enum class CellIcon : std::uint8_t { None, Field, FieldInLookup, KeyAnalysis, Redundancy, Table, Source, Collection };
+
+struct GridCell {
+    std::string text; ///< UTF-8
+    CellAlignment alignment = CellAlignment::Left;
+    CellState state = CellState::Ordinary;
+    CellIcon icon = CellIcon::None;
+    bool alertMark = false;
+
+    bool operator==(const GridCell&) const = default;
+};
+
+struct GridColumn {
+    std::string heading;
+    int width = 120; ///< pixels at 96 dpi
+    CellAlignment alignment = CellAlignment::Left;
+    int parameter = -1; ///< carried by the heading cell
+    bool locked = false; ///< stays in view when the grid scrolls sideways
+    std::string toolTip;
+
+    bool operator==(const GridColumn&) const = default;
+};
+
+/// The rows behind a grid. The grid asks for what it paints and nothing else.
+class CUGDataSource {
+  public:
+    virtual ~CUGDataSource() = default;
+
+    [[nodiscard]] virtual int GetColumnCount() const = 0;
+    [[nodiscard]] virtual std::int64_t GetRowCount() const = 0;
+    [[nodiscard]] virtual GridColumn GetColumn(int column) const = 0;
+    [[nodiscard]] virtual GridCell GetCell(int column, std::int64_t row) const = 0;
+    /// False when the rows cannot be sorted by this column; they then stay as they are.
+    virtual bool Sort(int column, bool descending) = 0;
+};
+
+} // namespace tavix

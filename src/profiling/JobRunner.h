@@ -1,0 +1,60 @@
+#pragma once
+
+#include "base/Clock.h"
+#include "base/Result.h"
+#include "profiling/JobDescription.h"
+#include "source/RowReader.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tavix::profiling {
+
+/// What a watcher is told, some ten times a second.
+struct ProgressState {
+    std::string table;
+    std::size_t tableIndex = 0;
+    std::size_t tableCount = 0;
+    std::int64_t rows = 0;      ///< of this table so far
+    std::int64_t bytesDone = 0; ///< of all tables
+    std::int64_t bytesTotal = 0;
+    double seconds = 0;         ///< since the run began
+    enum class Phase { Reading, Counting, Storing } phase = Phase::Reading;
+};
+
+class ProgressWatcher {
+  public:
+    virtual ~ProgressWatcher() = default;
+    /// False cancels the run; nothing of it is kept.
+    virtual bool progress(const ProgressState& state) = 0;
+};
+
+struct TableOutcome {
+    std::string name;
+    std::int64_t rows = 0;
+    std::size_t fields = 0;
+    std::int64_t damagedRows = 0;
+    std::vector<source::DamagedRow> damage; ///< the first ones
+};
+
+struct RunOutcome {
+    bool cancelled = false;
+    int jobId = -1;
+    int runId = -1;
+    double seconds = 0;
+    std::vector<TableOutcome> tables;
+};
+
+struct RunOptions {
+    std::string description; ///< of the run
+    ProgressWatcher* watcher = nullptr;
+    const Clock* clock = nullptr; ///< the system's when null
+};
+
+/// Profiles every table of the job and stores the result as one new run in the repository at `repositoryPath`, which
+/// is made when it does not exist. On an error or a cancellation the repository is as it was.
+[[nodiscard]] Result<RunOutcome> runJob(const JobDescription& job, const std::string& repositoryPath,
+                                        const RunOptions& options = {});
+
+} // namespace tavix::profiling

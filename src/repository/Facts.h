@@ -1,0 +1,115 @@
+#pragma once
+
+#include "base/Clock.h"
+#include "base/KvbDatavar.h"
+#include "base/Metrics.h"
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// What a run of a job says about tables and fields: the plain values that the runner hands to a RunWriter.
+namespace tavix::repository {
+
+/// How a data source is reached; the number stands in the repository.
+enum class SourceKind {
+    Odbc = 0, ///< through a data source name
+    File = 4, ///< files read by our own readers
+};
+
+/// What a table is. The letter stands in the repository and in alert rows.
+enum class TableKind : char {
+    Plain = 'Y',
+    Query = 'S',  ///< the rows of an SQL query
+    Filter = 'D', ///< the rows of another table that pass a condition
+};
+
+/// How a text file was read.
+struct TextFileFacts {
+    std::string path; ///< absolute
+    char delimiter = ',';
+    bool hasHeader = true;
+    std::string encoding = "UTF-8";
+    bool byteOrderMark = false;
+    std::int64_t size = 0; ///< bytes
+    UtcTime modified{};
+
+    bool operator==(const TextFileFacts&) const = default;
+};
+
+struct TableFacts {
+    std::string dataSource;
+    SourceKind sourceKind = SourceKind::File;
+    std::string catalog;
+    std::string schema;
+    std::string name;       ///< of the table; for a filter its base table, empty when that is a query
+    std::string objectName; ///< of a query or filter; empty for a plain table
+    TableKind kind = TableKind::Plain;
+    std::string query;
+    std::string filter;
+    std::string alternateFilter;
+    bool isTextFile = false;
+    TextFileFacts textFile; ///< when isTextFile
+    std::int64_t totalRecords = 0;
+    std::int64_t processedRecords = 0;
+    std::int64_t damagedRecords = 0; ///< rows that were not as they should be; the execution log lists them
+};
+
+/// One row of a distribution. The text is borrowed.
+struct ValueCount {
+    std::string_view value; ///< empty when null
+    std::uint64_t count = 0;
+    bool isNull = false;
+};
+
+struct Percentile {
+    std::string interval; ///< "5%"
+    KvbString value;
+};
+
+enum class OutlierSide : char { Low = 'L', High = 'H' };
+
+/// How far out an outlier lies: beyond 1.5 or 3.0 times the distance of the quartiles.
+enum class Fence { Inside = 0, Outer15 = 1, Outer30 = 2 };
+
+struct Outlier {
+    OutlierSide side = OutlierSide::Low;
+    int position = 0; ///< from 0, the farthest out first
+    KvbString value;
+    std::uint64_t count = 0;
+    Fence fence = Fence::Inside;
+};
+
+struct FieldFacts {
+    std::string name;
+    int ordinal = 0;   ///< from 1, in the order of the table
+    char typeCode = 0; ///< S text, I integer, R real, D date/time, B boolean; 0 when it has no value to tell
+    std::array<KvbDatavar, kMetricCount> metrics;
+    /// Which rule gave the median and the percentiles, as docs/definitions.md names it; empty when there are none.
+    std::string quantileRule;
+    std::vector<Percentile> percentiles;
+    std::vector<Outlier> outliers;
+    /// In the order in which they are shown: count descending, then null first, then value by code point.
+    std::span<const ValueCount> values;
+    std::span<const ValueCount> patterns;
+};
+
+enum class LogLevel { Info = 0, Warning = 1, Error = 2 };
+
+struct FieldAddress {
+    std::string table; ///< display name: the object name, else the table name
+    std::string field;
+
+    bool operator==(const FieldAddress&) const = default;
+};
+
+struct CollectionFacts {
+    std::string name;
+    std::string description;
+    std::vector<FieldAddress> fields;
+};
+
+} // namespace tavix::repository

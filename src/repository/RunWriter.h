@@ -1,0 +1,51 @@
+#pragma once
+
+#include "base/Result.h"
+#include "repository/Facts.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace tavix::repository {
+
+struct RunDescription {
+    std::string job;            ///< name; the job is made when the repository has none of this name
+    std::string jobDescription; ///< kept when not empty
+    std::string description;    ///< of this run
+    UtcTime started{};
+};
+
+/// Writes one run of a job. Everything happens in one transaction: until commit() succeeds nobody sees any of it, and
+/// when the process dies before that the repository is as if the run had never begun. Any failing call ends the run:
+/// what follows fails too, and nothing is kept.
+class RunWriter {
+  public:
+    /// Opens or makes the repository at `path` and begins. Another writer is waited for, then an error.
+    [[nodiscard]] static Result<std::unique_ptr<RunWriter>> begin(const std::string& path,
+                                                                  const RunDescription& description);
+    /// Rolls back unless committed.
+    ~RunWriter();
+    RunWriter(const RunWriter&) = delete;
+    RunWriter& operator=(const RunWriter&) = delete;
+
+    [[nodiscard]] int runId() const;
+    [[nodiscard]] int jobId() const;
+
+    /// Begins a table; its fields follow by addField. Returns the table's id.
+    [[nodiscard]] Result<int> addTable(const TableFacts& table);
+    [[nodiscard]] Status addField(int tableId, const FieldFacts& field);
+    /// A line of the run's execution log; `tableId` 0 for the run as a whole.
+    [[nodiscard]] Status addLog(int tableId, LogLevel level, std::string_view text);
+    /// Makes the collection or adds to the one of this name; its fields must stand in tables of this run.
+    [[nodiscard]] Status addCollection(const CollectionFacts& collection);
+
+    [[nodiscard]] Status commit(UtcTime finished);
+
+  private:
+    struct Impl;
+    explicit RunWriter(std::unique_ptr<Impl> impl);
+    std::unique_ptr<Impl> m_impl;
+};
+
+} // namespace tavix::repository

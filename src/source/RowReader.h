@@ -1,0 +1,55 @@
+#pragma once
+
+#include "base/Result.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace tavix::source {
+
+/// One cell of a block. The bytes are UTF-8 and live until the reader is destroyed.
+struct Cell {
+    const char* data = nullptr;
+    std::uint32_t size = 0;
+    bool isNull = true;
+};
+
+enum class Damage {
+    TooFewCells,  ///< the missing cells are null
+    TooManyCells, ///< the extra cells are cut
+    BadBytes,     ///< each became U+FFFD
+    OpenQuote,    ///< the quote took the rest of the file
+};
+
+struct DamagedRow {
+    std::int64_t line = 0; ///< in the file, from 1, where the row begins
+    Damage damage = Damage::TooFewCells;
+    std::size_t cells = 0; ///< found in the row
+};
+
+/// The next rows of a table, column by column: columns[c][r] is row r of column c.
+struct RowBlock {
+    std::vector<std::vector<Cell>> columns;
+    std::size_t rows = 0;
+};
+
+/// A table read once from its first row to its last, in blocks.
+class RowReader {
+  public:
+    virtual ~RowReader() = default;
+
+    [[nodiscard]] virtual std::span<const std::string> columnNames() const = 0;
+    /// Fills `block`, reusing its memory; false at the end of the table.
+    [[nodiscard]] virtual Result<bool> read(RowBlock& block) = 0;
+    /// Of the source, for progress: how much was read and how much there is, in bytes or rows; total 0 when unknown.
+    [[nodiscard]] virtual std::int64_t position() const = 0;
+    [[nodiscard]] virtual std::int64_t total() const = 0;
+    /// The damaged rows met so far; the list is cut after its first 1,000, the count is not.
+    [[nodiscard]] virtual std::span<const DamagedRow> damagedRows() const = 0;
+    [[nodiscard]] virtual std::int64_t damagedRowCount() const = 0;
+};
+
+} // namespace tavix::source
