@@ -10,10 +10,16 @@
 /// docs/cursors.md lists them for people.
 namespace tavix::layout {
 
+enum class Form {
+    Plain,
+    Date, ///< stored as milliseconds in UTC, read as a date of the library
+};
+
 struct Column {
     int index;
     std::string_view name; ///< the heading, as getColumnName gives it
     std::string_view sql;  ///< what the query selects; empty where the cursor is not read from a query
+    Form form = Form::Plain;
 };
 
 struct Layout {
@@ -21,16 +27,36 @@ struct Layout {
     std::span<const Column> columns;
 };
 
-enum Reports { ReportId, ReportName, ReportDescription, ReportFolderId, ReportRunCount, ReportLastRunId,
-               ReportLastRunDate };
+enum Reports {
+    ReportId,
+    ReportName,
+    ReportDescription,
+    ReportFolderId,
+    ReportRunCount,
+    ReportLastRunId,
+    ReportLastRunDate
+};
 enum Report { ReportRowId, ReportRowName, ReportRowDescription, ReportRowCreated };
 enum Jobs { JobRunId, JobDate, JobDescription, JobTables, JobRecords };
 enum DsnList { DsnId, DsnName, DsnKind, DsnTables };
 /// TableKindLetter is Y, S or D. TableFilter is the condition of a filtered table, TableAlternateFilter the text to
 /// show when that is empty.
-enum TableList { TableKindLetter, TableId, TableName, TableObjectName, TableSchema, TableCatalog, TableBase,
-                 TableFilter, TableQuery, TableAlternateFilter, TableTotalRecords, TableProcessedRecords,
-                 TableFields, TableDamagedRecords };
+enum TableList {
+    TableKindLetter,
+    TableId,
+    TableName,
+    TableObjectName,
+    TableSchema,
+    TableCatalog,
+    TableBase,
+    TableFilter,
+    TableQuery,
+    TableAlternateFilter,
+    TableTotalRecords,
+    TableProcessedRecords,
+    TableFields,
+    TableDamagedRecords
+};
 
 /// Columns 0 to 2 of all four field lists.
 enum FieldListHead { FieldId, FieldName, FieldTypeCode };
@@ -69,8 +95,21 @@ inline constexpr int kFieldHistoryMetrics = 3;
 /// LogLevelCode is 0 information, 1 warning, 2 error.
 enum ExecutionLog { LogDate, LogLevelCode, LogTable, LogText };
 
-enum Alerts { AlertId, AlertDsn, AlertCatalog, AlertSchema, AlertTable, AlertInput, AlertObject, AlertDescription,
-              AlertMetric, AlertReserved, AlertKindLetter, AlertTypeCode, AlertKey };
+enum Alerts {
+    AlertId,
+    AlertDsn,
+    AlertCatalog,
+    AlertSchema,
+    AlertTable,
+    AlertInput,
+    AlertObject,
+    AlertDescription,
+    AlertMetric,
+    AlertReserved,
+    AlertKindLetter,
+    AlertTypeCode,
+    AlertKey
+};
 enum AlertProperties { AlertPropertyName, AlertPropertyValue };
 
 enum Notes { NoteId, NoteDate, NoteCategory, NoteUser, NoteText, NoteCategoryId };
@@ -87,5 +126,7 @@ enum Tasks { TaskId, TaskKind, TaskFieldId, TaskDefinition };
 
 /// Every layout, in the order of the documentation.
 [[nodiscard]] std::span<const Layout> all();
+/// The one of this operation, which must be listed.
+[[nodiscard]] const Layout& of(std::string_view operation);
 
 } // namespace tavix::layout

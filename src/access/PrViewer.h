@@ -9,6 +9,7 @@
 
 namespace tavix {
 
+class Clock;
 class PrViewDisplayMessage;
 class OrvintaPatternGen;
 
@@ -32,13 +33,16 @@ class PrViewer {
         void operator()(PrViewer* viewer) const { viewer->release(); }
     };
     using Handle = std::unique_ptr<PrViewer, Release>;
-    [[nodiscard]] static Handle create();
+    /// `clock` dates new notes and must outlive the viewer; the system's when null.
+    [[nodiscard]] static Handle create(const Clock* clock = nullptr);
 
     // Session. The connection string is "sqlite:PATH" or a plain path. Opening writes nothing; the operations that
-    // change the repository open it for writing when they are called.
+    // change the repository open it for writing when they are called. A failing operation leaves the session and the
+    // current job and run as they were.
     bool init(const KvbString& connection);
     bool close();
     void release();
+    /// The text of the last failure; it stays until the next failure or until init() succeeds.
     [[nodiscard]] KvbString getErrorString() const;
 
     // Report: a job and, once one is set up, its latest run.
@@ -51,7 +55,7 @@ class PrViewer {
     /// `path` joins the folders' names with "/"; `text` is the folder's own name.
     bool folderGetPathFromId(int folderId, KvbString& path, KvbString& text);
 
-    // Runs of the current job.
+    // Runs of the current job, the latest first.
     [[nodiscard]] ProfileCursorHandle getJobs();
     /// -1 on failure.
     [[nodiscard]] int getJobCount();
@@ -63,7 +67,7 @@ class PrViewer {
     /// current job. At least one run must stay.
     bool deleteJobs(int first, int last, int job);
 
-    // Structure of the current run.
+    // Structure of the current run. `dataSourceId` -1 stands for all.
     [[nodiscard]] ProfileCursorHandle getDSNList();
     [[nodiscard]] ProfileCursorHandle getTableList(int dataSourceId);
     [[nodiscard]] ProfileCursorHandle getFieldList(int tableId);
@@ -77,11 +81,13 @@ class PrViewer {
     bool getTextFileInfo(int tableId, TextFileInfo& info);
     [[nodiscard]] ProfileCursorHandle getTextFileFieldInfo(int tableId);
 
-    // Collections of fields, across all jobs of the repository.
+    // Collections of fields, across all jobs of the repository. A field's metrics are those of the current run if it
+    // has the field, else those of the latest run that does, else null.
     [[nodiscard]] ProfileCursorHandle getGlobalCollections();
     [[nodiscard]] ProfileCursorHandle getGlobalCollFieldList(int collectionId);
     [[nodiscard]] ProfileCursorHandle getGlobalCollFieldListPKR(int collectionId);
     [[nodiscard]] ProfileCursorHandle getGlobalCollForTable(int tableId);
+    /// Takes fields of the table out of all collections when no run has them any more.
     bool refreshGlobalCollForTable(int tableId);
     bool createGlobalCollFieldMapping(int collectionId, int fieldId);
 

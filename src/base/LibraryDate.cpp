@@ -58,8 +58,8 @@ std::string formatDateTime(const DateParts& parts, const std::locale& locale) {
     time.tm_hour = parts.hour;
     time.tm_min = parts.minute;
     time.tm_sec = parts.second;
-    const std::chrono::weekday weekday{
-        sys_days{std::chrono::year{parts.year} / static_cast<unsigned>(parts.month) / static_cast<unsigned>(parts.day)}};
+    const std::chrono::weekday weekday{sys_days{std::chrono::year{parts.year} / static_cast<unsigned>(parts.month) /
+                                                static_cast<unsigned>(parts.day)}};
     time.tm_wday = static_cast<int>(weekday.c_encoding());
     time.tm_isdst = -1;
     std::ostringstream out;

@@ -22,8 +22,14 @@ std::string formatInteger(std::int64_t value) {
 }
 
 std::string formatReal(double value) {
+    // The shortest text would write 100000 as 1e+05; people read plain digits as far as they can be counted.
+    constexpr double kPlainFrom = 1e-5;
+    constexpr double kPlainBelow = 1e15;
+    const double size = std::abs(value);
+    const auto form = size == 0.0 || (size >= kPlainFrom && size < kPlainBelow) ? std::chars_format::fixed
+                                                                                : std::chars_format::general;
     std::array<char, 40> buffer{};
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value == 0.0 ? 0.0 : value).ptr;
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), size == 0.0 ? 0.0 : value, form).ptr;
     return {buffer.data(), end};
 }
 

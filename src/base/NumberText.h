@@ -9,7 +9,8 @@
 namespace tavix {
 
 [[nodiscard]] std::string formatInteger(std::int64_t value);
-/// The shortest text that reads back as the same value ("0.1", "1e+20"); "nan", "inf", "-inf" for the others.
+/// The shortest text that reads back as the same value: plain digits from 0.00001 to below 10^15 ("0.1", "100000"),
+/// else as short as can be ("1e+20"); "nan", "inf", "-inf" for the others.
 [[nodiscard]] std::string formatReal(double value);
 /// As printf's "%.<places>f"; a result of zero has no minus sign.
 [[nodiscard]] std::string formatFixed(double value, int places);

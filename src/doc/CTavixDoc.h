@@ -4,22 +4,19 @@
 #include "base/Messages.h"
 #include "base/SettingsStore.h"
 #include "doc/CRefreshItem.h"
+#include "doc/MetricDisplay.h"
+#include "doc/RunInfo.h"
 
 #include <array>
 #include <functional>
+#include <map>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tavix {
-
-/// One metric of the report as the user wants to see it. Its index in the list is its id.
-struct MetricDisplay {
-    std::string description;
-    bool shown = false;
-    int position = 0; ///< its place in the user's order; equal places keep the order of the ids
-
-    bool operator==(const MetricDisplay&) const = default;
-};
 
 /// The filter that holds for the whole report.
 struct ReportFilterState {
@@ -46,6 +43,7 @@ class TaskListKeeper {
     /// False when no task list can be made.
     virtual bool Create() = 0;
     virtual void Save() = 0;
+    /// Brings back what Save kept for the report that is open; true when nothing was kept for it.
     virtual bool Restore() = 0;
     /// The tasks stored with the report; may throw GenException while reading.
     virtual void Load(ProfileCursor& tasks) = 0;
@@ -56,6 +54,9 @@ struct HistoryDeletion {
     int bound = -1;    ///< runs up to this id are deleted
     int runAfter = -1; ///< the run to show when the current one is among them
 };
+
+/// The names of the collections that hold a field, by field id, each list in the library's order.
+using CollectionsByField = std::map<int, std::vector<std::string>>;
 
 /// The one document of the viewer: the repository session, the current report and run, and what holds for the whole
 /// report. Failures are shown through the message seam and leave everything as it was.
@@ -79,10 +80,21 @@ class CTavixDoc {
     /// `ask` shows the delete-history dialog; false means that it was not closed with OK.
     void DeleteHistory(const std::function<bool(HistoryDeletion&)>& ask);
     /// After the Options dialog was closed with OK: keeps `metrics` as the display list, writes it to the settings and
-    /// broadcasts hint 5.
-    void ApplyOptions(std::vector<MetricDisplay> metrics);
+    /// broadcasts hint 5. `saved` is how writing the other options went: there is one message for both.
+    void ApplyOptions(std::vector<MetricDisplay> metrics, const Status& saved = {});
     /// Called once, shortly after a report was loaded: false when the task list could not be restored.
     bool PostLoadCheck();
+
+    /// The runs of the report as the library lists them; nothing, after a message, when they cannot be read.
+    [[nodiscard]] std::optional<std::vector<RunInfo>> GetRuns() const;
+
+    /// The collections of one table's fields: one query for a table, kept until the collections or the run change. A
+    /// table whose collections cannot be read has none, and is asked for again. Valid until the next non-const call.
+    [[nodiscard]] const CollectionsByField& GetCollectionsOfTable(int tableId);
+    /// The collections of one field of that table; none for a field that is in none.
+    [[nodiscard]] const std::vector<std::string>& GetCollectionsOfField(int tableId, int fieldId);
+    /// To be called when collections have changed: forgets those that are kept and broadcasts hint 1.
+    void CollectionsRefreshed();
 
     [[nodiscard]] bool HasReport() const { return m_jobId != -1; }
     [[nodiscard]] int GetJobId() const { return m_jobId; }
@@ -97,6 +109,8 @@ class CTavixDoc {
     /// Path of the report's folder; "" when it lies in none.
     [[nodiscard]] const std::string& GetFolderPath() const { return m_folderPath; }
     [[nodiscard]] const std::vector<MetricDisplay>& GetMetrics() const { return m_metrics; }
+    /// The ids of the metrics that are shown, in the user's order.
+    [[nodiscard]] std::vector<int> ShownMetrics() const { return shownMetrics(m_metrics); }
     [[nodiscard]] const ReportFilterState& GetFilterState() const { return m_filter; }
     void SetFilterState(ReportFilterState state) { m_filter = std::move(state); }
     /// The session; null without a report.
@@ -105,9 +119,12 @@ class CTavixDoc {
     [[nodiscard]] Messages& GetMessages() const { return m_messages; }
 
   private:
-    void LoadMetricDisplayList();
-    void WarnWithLibraryText(std::string_view leadIn) const;
-    bool ReloadTaskList();
+    void Warn(std::string_view leadIn, std::string_view libraryText) const;
+    bool SetUp(PrViewer& viewer, int jobId);
+    void LoadMetricDisplayList(const PrViewer& viewer);
+    void ReloadTaskList();
+    void RefreshRunCount();
+    void EnterRun(int runId);
 
     DocumentFrame& m_frame;
     SettingsStore& m_settings;
@@ -117,12 +134,12 @@ class CTavixDoc {
     int m_jobId = -1;
     int m_currentRun = -1;
     int m_runCount = 0;
-    std::string m_title = "Untitled";
+    std::string m_title;
     std::string m_text;
     std::string m_folderPath;
     std::vector<MetricDisplay> m_metrics;
     ReportFilterState m_filter;
-    bool m_taskListHeld = true;
+    std::map<int, CollectionsByField> m_collections; ///< by table id
 };
 
 } // namespace tavix

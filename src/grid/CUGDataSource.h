@@ -15,7 +15,20 @@ enum class CellState : std::uint8_t {
 };
 
 /// Small pictures a cell may carry beside its text; drawn by the grid.
-enum class CellIcon : std::uint8_t { None, Field, FieldInLookup, KeyAnalysis, Redundancy, Table, Source, Collection };
+enum class CellIcon : std::uint8_t {
+    None,
+    Field,
+    FieldInLookup, ///< a field that some collection holds
+    KeyAnalysis,
+    Redundancy,
+    Table,
+    QueryTable,
+    FilterTable,
+    Source,
+    Catalog,
+    Schema,
+    Collection,
+};
 
 struct GridCell {
     std::string text; ///< UTF-8
@@ -31,7 +44,7 @@ struct GridColumn {
     std::string heading;
     int width = 120; ///< pixels at 96 dpi
     CellAlignment alignment = CellAlignment::Left;
-    int parameter = -1; ///< carried by the heading cell
+    int parameter = -1;  ///< carried by the heading cell
     bool locked = false; ///< stays in view when the grid scrolls sideways
     std::string toolTip;
 
@@ -47,6 +60,8 @@ class CUGDataSource {
     [[nodiscard]] virtual std::int64_t GetRowCount() const = 0;
     [[nodiscard]] virtual GridColumn GetColumn(int column) const = 0;
     [[nodiscard]] virtual GridCell GetCell(int column, std::int64_t row) const = 0;
+    /// What the row stands for, whatever the order of the rows; a grid keeps its selection by it while it sorts.
+    [[nodiscard]] virtual std::int64_t GetRowKey(std::int64_t row) const { return row; }
     /// False when the rows cannot be sorted by this column; they then stay as they are.
     virtual bool Sort(int column, bool descending) = 0;
 };

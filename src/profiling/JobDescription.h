@@ -12,8 +12,8 @@ namespace tavix::profiling {
 
 /// A table of a job: a text file for now.
 struct TableDescription {
-    std::string name; ///< unique in the job; a file's name without its ending unless stated
-    std::string path; ///< absolute
+    std::string name;              ///< unique in the job; a file's name without its ending unless stated
+    std::string path;              ///< absolute
     std::optional<char> delimiter; ///< found in the file when not stated
     bool hasHeader = true;
 

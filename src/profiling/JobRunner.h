@@ -19,7 +19,7 @@ struct ProgressState {
     std::int64_t rows = 0;      ///< of this table so far
     std::int64_t bytesDone = 0; ///< of all tables
     std::int64_t bytesTotal = 0;
-    double seconds = 0;         ///< since the run began
+    double seconds = 0; ///< since the run began
     enum class Phase { Reading, Counting, Storing } phase = Phase::Reading;
 };
 

@@ -14,6 +14,8 @@ struct RunDescription {
     std::string jobDescription; ///< kept when not empty
     std::string description;    ///< of this run
     UtcTime started{};
+    /// Tells when the lines of the execution log were written; the system's when null.
+    const Clock* clock = nullptr;
 };
 
 /// Writes one run of a job. Everything happens in one transaction: until commit() succeeds nobody sees any of it, and

@@ -4,13 +4,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace tavix::source {
 
-/// One cell of a block. The bytes are UTF-8 and live until the reader is destroyed.
+/// One cell of a block. The bytes are UTF-8 and live as long as the block that holds the cell is neither filled again
+/// nor destroyed.
 struct Cell {
     const char* data = nullptr;
     std::uint32_t size = 0;
@@ -30,10 +32,11 @@ struct DamagedRow {
     std::size_t cells = 0; ///< found in the row
 };
 
-/// The next rows of a table, column by column: columns[c][r] is row r of column c.
+/// The next rows of a table, column by column: columns[c][r] is row r of column c; only the first `rows` count.
 struct RowBlock {
     std::vector<std::vector<Cell>> columns;
     std::size_t rows = 0;
+    std::shared_ptr<const void> text; ///< owns the bytes of the cells
 };
 
 /// A table read once from its first row to its last, in blocks.
@@ -42,12 +45,13 @@ class RowReader {
     virtual ~RowReader() = default;
 
     [[nodiscard]] virtual std::span<const std::string> columnNames() const = 0;
-    /// Fills `block`, reusing its memory; false at the end of the table.
+    /// Fills `block`, reusing its memory; false at the end of the table, and then the block is empty.
     [[nodiscard]] virtual Result<bool> read(RowBlock& block) = 0;
     /// Of the source, for progress: how much was read and how much there is, in bytes or rows; total 0 when unknown.
     [[nodiscard]] virtual std::int64_t position() const = 0;
     [[nodiscard]] virtual std::int64_t total() const = 0;
-    /// The damaged rows met so far; the list is cut after its first 1,000, the count is not.
+    /// The damaged rows met so far; the list is cut after its first 1,000, the count is not. A row that is damaged in
+    /// two ways stands in the list twice and counts once.
     [[nodiscard]] virtual std::span<const DamagedRow> damagedRows() const = 0;
     [[nodiscard]] virtual std::int64_t damagedRowCount() const = 0;
 };

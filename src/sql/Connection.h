@@ -21,6 +21,8 @@ enum class OpenMode {
 /// What a step of a statement came to.
 enum class Step { Row, Done, Failed };
 
+enum class ValueType { Null, Integer, Real, Text, Blob };
+
 class Connection;
 
 /// A prepared statement, borrowed from its connection's pool and given back on destruction. Parameters are numbered
@@ -50,8 +52,10 @@ class Statement {
 
     [[nodiscard]] int columnCount() const;
     [[nodiscard]] std::string_view columnName(int column) const;
-    [[nodiscard]] bool isNull(int column) const;
-    [[nodiscard]] bool isReal(int column) const;
+    /// Of the current row's value; a column has no type of its own.
+    [[nodiscard]] ValueType type(int column) const;
+    [[nodiscard]] bool isNull(int column) const { return type(column) == ValueType::Null; }
+    [[nodiscard]] bool isReal(int column) const { return type(column) == ValueType::Real; }
     [[nodiscard]] std::int64_t integer(int column) const;
     [[nodiscard]] double real(int column) const;
     /// Valid until the next step. A real must be asked for by real(): its text is the store's affair.
@@ -85,6 +89,21 @@ class Connection {
     [[nodiscard]] Result<Statement> prepare(std::string_view sql);
     /// The first column of the first row of a statement without parameters; an error when it has no row.
     [[nodiscard]] Result<std::int64_t> queryInteger(std::string_view sql);
+
+    /// Who made the store (0: nobody said) and which version of their schema it has.
+    [[nodiscard]] Result<std::int64_t> applicationId() { return queryInteger("PRAGMA application_id"); }
+    [[nodiscard]] Result<std::int64_t> schemaVersion() { return queryInteger("PRAGMA user_version"); }
+    /// To be called within the transaction that makes or changes the schema.
+    [[nodiscard]] Status setApplicationId(std::int32_t id);
+    [[nodiscard]] Status setSchemaVersion(std::int32_t version);
+    /// Whether there is no table, view or index at all.
+    [[nodiscard]] Result<bool> isEmpty();
+    /// Lets readers and a writer work at once from now on; kept in the file.
+    [[nodiscard]] Status enableConcurrency();
+    /// Gives at most `pages` unused pages back to the file system. True when there are more.
+    [[nodiscard]] Result<bool> freeSpace(int pages);
+    /// Moves what was written into the main file, if no reader stands in the way.
+    void checkpoint();
 
     [[nodiscard]] std::int64_t lastInsertId() const;
     [[nodiscard]] std::int64_t changes() const;

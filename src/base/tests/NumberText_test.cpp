@@ -1,6 +1,5 @@
-#include "base/NumberText.h"
-
 #include "base/KvbDatavar.h"
+#include "base/NumberText.h"
 
 #include <gtest/gtest.h>
 
@@ -17,6 +16,10 @@ TEST(NumberText, RealsReadBackEqualAndIgnoreTheProcessLocale) {
     EXPECT_EQ(formatReal(0.1), "0.1");
     EXPECT_EQ(formatReal(-0.0), "0");
     EXPECT_EQ(formatReal(1e20), "1e+20");
+    EXPECT_EQ(formatReal(100000.0), "100000");
+    EXPECT_EQ(formatReal(-123456789012345.0), "-123456789012345");
+    EXPECT_EQ(formatReal(0.0000123), "0.0000123");
+    EXPECT_EQ(formatReal(1.0 / 3.0), "0.3333333333333333");
     EXPECT_EQ(parseNumber(formatReal(0.1 + 0.2)), 0.1 + 0.2);
     EXPECT_EQ(formatFixed(2.345, 2), "2.35");
     EXPECT_EQ(formatFixed(-0.001, 2), "0.00");

@@ -1,5 +1,4 @@
 #include "base/SettingsStore.h"
-
 #include "base/tests/TempFolder.h"
 
 #include <gtest/gtest.h>

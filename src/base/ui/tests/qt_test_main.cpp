@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <QApplication>
 #include <QFont>
+
+#include <gtest/gtest.h>
 
 #include <cstdio>
 #include <string>

@@ -1,0 +1,286 @@
+#include "access/Layouts.h"
+
+#include <algorithm>
+#include <array>
+#include <deque>
+#include <string>
+#include <vector>
+
+namespace tavix::layout {
+
+namespace {
+
+// The short names of tables in the expressions: j job, r run, rt run_table, t profiled_table, d data_source,
+// rf run_field, f field, c collection, m an entry of a collection or of a redundancy, n note, g note_category,
+// h chart, p property, percentile or outlier, l execution_log, a alert, k key_analysis, x redundancy, w task.
+
+constexpr std::array kReports{
+    Column{ReportId, "Id", "j.id"},
+    Column{ReportName, "Name", "j.name"},
+    Column{ReportDescription, "Description", "j.description"},
+    Column{ReportFolderId, "Folder Id", "COALESCE(j.folder, -1)"},
+    Column{ReportRunCount, "Runs", "(SELECT COUNT(*) FROM run WHERE job = j.id)"},
+    Column{ReportLastRunId, "Last Run Id", "(SELECT MAX(id) FROM run WHERE job = j.id)"},
+    Column{ReportLastRunDate, "Last Run", "(SELECT started FROM run WHERE job = j.id ORDER BY id DESC LIMIT 1)",
+           Form::Date},
+};
+constexpr std::array kReport{
+    Column{ReportRowId, "Id", "j.id"},
+    Column{ReportRowName, "Name", "j.name"},
+    Column{ReportRowDescription, "Description", "j.description"},
+    Column{ReportRowCreated, "Created", "j.created", Form::Date},
+};
+constexpr std::array kJobs{
+    Column{JobRunId, "Run Id", "r.id"},
+    Column{JobDate, "Date", "r.started", Form::Date},
+    Column{JobDescription, "Description", "r.description"},
+    Column{JobTables, "Tables", "r.tables"},
+    Column{JobRecords, "Records", "r.records"},
+};
+constexpr std::array kDsnList{
+    Column{DsnId, "Id", "d.id"},
+    Column{DsnName, "Name", "d.name"},
+    Column{DsnKind, "Kind", "d.kind"},
+    Column{DsnTables, "Tables", "COUNT(*)"},
+};
+constexpr std::array kTableList{
+    Column{TableKindLetter, "Kind", "t.kind"},
+    Column{TableId, "Id", "t.id"},
+    Column{TableName, "Table Name", "t.name"},
+    Column{TableObjectName, "Object Name", "t.object_name"},
+    Column{TableSchema, "Schema", "t.schema"},
+    Column{TableCatalog, "Catalog", "t.catalog"},
+    Column{TableBase, "Base", "CASE WHEN t.kind <> 'D' THEN '' WHEN t.name <> '' THEN t.name ELSE 'SQL query' END"},
+    Column{TableFilter, "Filter", "rt.filter"},
+    Column{TableQuery, "Query", "rt.query"},
+    Column{TableAlternateFilter, "Alternate Filter", "rt.alternate_filter"},
+    Column{TableTotalRecords, "Total Records", "rt.total_records"},
+    Column{TableProcessedRecords, "Processed Records", "rt.processed_records"},
+    Column{TableFields, "Fields", "rt.fields"},
+    Column{TableDamagedRecords, "Damaged Records", "rt.damaged_records"},
+};
+
+constexpr std::array kFieldHead{
+    Column{FieldId, "Field Id", "f.id"},
+    Column{FieldName, "Field Name", "f.name"},
+    Column{FieldTypeCode, "Type", "rf.type_code"},
+};
+constexpr std::array kFieldSource{
+    Column{SourceDsn, "Data Source", "d.name"},  Column{SourceCatalog, "Catalog", "t.catalog"},
+    Column{SourceSchema, "Schema", "t.schema"},  Column{SourceObject, "Object Name", "t.object_name"},
+    Column{SourceTable, "Table Name", "t.name"},
+};
+constexpr std::array kAnalysisCounts{
+    Column{PkrKeyAnalyses, "Key Analyses",
+           "(SELECT COUNT(*) FROM key_analysis k WHERE k.run = rf.run AND k.field = rf.field)"},
+    Column{PkrRedundancies, "Redundant Data Analyses",
+           "(SELECT COUNT(*) FROM redundancy_field m2 WHERE m2.field = f.id)"},
+};
+constexpr std::array kFieldTail{
+    Column{TailFreqCount, "Distinct Rows", "COALESCE(rf.value_rows, 0)"},
+    Column{TailPatternCount, "Pattern Rows", "COALESCE(rf.pattern_rows, 0)"},
+    Column{TailTableId, "Table Id", "f.table_id"},
+    Column{TailQuantileRule, "Quantile Rule", "rf.quantile_rule"},
+};
+
+constexpr std::array kTextFileFields{
+    Column{TextFieldOrdinal, "Ordinal", "rf.position"},
+    Column{TextFieldName, "Field Name", "f.name"},
+};
+constexpr std::array kCollections{
+    Column{CollectionId, "Id", "c.id"},
+    Column{CollectionName, "Name", "c.name"},
+    Column{CollectionDescription, "Description", "c.description"},
+    Column{CollectionFields, "Fields", "(SELECT COUNT(*) FROM collection_field WHERE collection = c.id)"},
+};
+constexpr std::array kCollectionsForTable{
+    Column{TableCollectionFieldId, "Field Id", "m.field"},
+    Column{TableCollectionId, "Collection Id", "c.id"},
+    Column{TableCollectionName, "Collection", "c.name"},
+};
+constexpr std::array kFreqDist{
+    Column{FreqValue, "Value", ""},
+    Column{FreqCount, "Count", ""},
+};
+constexpr std::array kPatternDist{
+    Column{PatternRank, "Rank", ""},
+    Column{PatternText, "Pattern", ""},
+    Column{PatternCountColumn, "Count", ""},
+};
+constexpr std::array kPercentiles{
+    Column{PercentileInterval, "Interval", "p.interval"},
+    Column{PercentileValue, "Value", "p.value"},
+};
+constexpr std::array kOutliers{
+    Column{OutlierSideLetter, "Side", "p.side"}, Column{OutlierPosition, "Position", "p.position"},
+    Column{OutlierValue, "Value", "p.value"},    Column{OutlierCount, "Count", "p.count"},
+    Column{OutlierFence, "Fence", "p.fence"},
+};
+constexpr std::array kHistoryHead{
+    Column{HistoryRunId, "Run Id", "r.id"},
+    Column{HistoryDate, "Date", "r.started", Form::Date},
+    Column{HistoryDescription, "Description", "r.description"},
+};
+constexpr std::array kExecutionLog{
+    Column{LogDate, "Date", "l.logged", Form::Date},
+    Column{LogLevelCode, "Level", "l.level"},
+    Column{LogTable, "Table", "CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END"},
+    Column{LogText, "Text", "l.text"},
+};
+constexpr std::array kAlerts{
+    Column{AlertId, "Id", "a.id"},
+    Column{AlertDsn, "Data Source", "d.name"},
+    Column{AlertCatalog, "Catalog", "t.catalog"},
+    Column{AlertSchema, "Schema", "t.schema"},
+    Column{AlertTable, "Table Name", "t.name"},
+    Column{AlertInput, "Input", "f.name"},
+    Column{AlertObject, "Object Name", "t.object_name"},
+    Column{AlertDescription, "Description", "a.description"},
+    Column{AlertMetric, "Metric", "a.metric"},
+    Column{AlertReserved, "Reserved", "NULL"},
+    Column{AlertKindLetter, "Kind", "t.kind"},
+    Column{AlertTypeCode, "Type", "a.type_code"},
+    Column{AlertKey, "Key", "a.watched_key"},
+};
+constexpr std::array kAlertProperties{
+    Column{AlertPropertyName, "Name", "p.name"},
+    Column{AlertPropertyValue, "Value", "p.value"},
+};
+constexpr std::array kNotes{
+    Column{NoteId, "Id", "n.id"},
+    Column{NoteDate, "Date", "n.written", Form::Date},
+    Column{NoteCategory, "Category", "g.name"},
+    Column{NoteUser, "User", "n.author"},
+    Column{NoteText, "Text", "n.text"},
+    Column{NoteCategoryId, "Category Id", "COALESCE(n.category, -1)"},
+};
+constexpr std::array kNoteCategories{
+    Column{CategoryId, "Id", "g.id"},
+    Column{CategoryName, "Name", "g.name"},
+};
+constexpr std::array kCharts{
+    Column{ChartId, "Id", "h.id"},
+    Column{ChartName, "Name", "h.name"},
+    Column{ChartDescription, "Description", "h.description"},
+};
+constexpr std::array kChartProperties{
+    Column{ChartPropertyName, "Name", "p.name"},
+    Column{ChartPropertyPosition, "Position", "p.position"},
+    Column{ChartPropertyValue, "Value", "p.value"},
+};
+constexpr std::array kKeyAnalysis{
+    Column{KeyOtherFieldId, "Field Id", "k.other_field"},
+    Column{KeyFieldName, "Field Name", "f.name"},
+    Column{KeyDsn, "Data Source", "d.name"},
+    Column{KeyCatalog, "Catalog", "t.catalog"},
+    Column{KeySchema, "Schema", "t.schema"},
+    Column{KeyTable, "Table Name", "CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END"},
+    Column{KeyMatchPercent, "Match Percentage", "k.match_percent"},
+};
+constexpr std::array kKeyAnalysisOutliers{
+    Column{KeyOutlierValue, "Value", ""},
+    Column{KeyOutlierCount, "Count", ""},
+};
+constexpr std::array kRdaCfgs{
+    Column{RdaId, "Id", "x.id"},
+    Column{RdaName, "Name", "x.name"},
+    Column{RdaDescription, "Description", "x.description"},
+    Column{RdaFields, "Fields", "(SELECT COUNT(*) FROM redundancy_field WHERE redundancy = x.id)"},
+};
+constexpr std::array kRdaCfgFields{
+    Column{RdaFieldId, "Field Id", "f.id"},
+    Column{RdaFieldName, "Field Name", "f.name"},
+    Column{RdaFieldDsn, "Data Source", "d.name"},
+    Column{RdaFieldCatalog, "Catalog", "t.catalog"},
+    Column{RdaFieldSchema, "Schema", "t.schema"},
+    Column{RdaFieldTable, "Table Name", "CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END"},
+};
+constexpr std::array kTasks{
+    Column{TaskId, "Id", "w.id"},
+    Column{TaskKind, "Kind", "w.kind"},
+    Column{TaskFieldId, "Field Id", "COALESCE(w.field, -1)"},
+    Column{TaskDefinition, "Definition", "w.definition"},
+};
+
+/// Layouts that hold the metrics are put together of parts; their columns are numbered as they follow each other.
+class Composer {
+  public:
+    Composer& add(std::span<const Column> part) {
+        for (Column column : part) {
+            column.index = static_cast<int>(m_columns.size());
+            m_columns.push_back(column);
+        }
+        return *this;
+    }
+
+    Composer& addMetrics() {
+        // A deque keeps the texts where they are while it grows.
+        static std::deque<std::string> expressions;
+        for (const MetricInfo& metric : metricCatalogue()) {
+            expressions.push_back("rf." + std::string(metric.column));
+            m_columns.push_back({static_cast<int>(m_columns.size()), metric.name, expressions.back()});
+        }
+        return *this;
+    }
+
+    [[nodiscard]] std::vector<Column> take() { return std::move(m_columns); }
+
+  private:
+    std::vector<Column> m_columns;
+};
+
+std::vector<Layout> makeAll() {
+    static const auto fields = Composer().add(kFieldHead).addMetrics().add(kFieldTail).take();
+    static const auto fieldsPkr = Composer().add(kFieldHead).add(kAnalysisCounts).addMetrics().add(kFieldTail).take();
+    static const auto collected = Composer().add(kFieldHead).add(kFieldSource).addMetrics().add(kFieldTail).take();
+    static const auto collectedPkr =
+        Composer().add(kFieldHead).add(kFieldSource).add(kAnalysisCounts).addMetrics().add(kFieldTail).take();
+    static const auto history = Composer().add(kHistoryHead).addMetrics().take();
+    return {
+        {"getReports", kReports},
+        {"getReport", kReport},
+        {"getJobs", kJobs},
+        {"getDSNList", kDsnList},
+        {"getTableList", kTableList},
+        {"getFieldList", fields},
+        {"getFieldListPKR", fieldsPkr},
+        {"getTextFileFieldInfo", kTextFileFields},
+        {"getGlobalCollections", kCollections},
+        {"getGlobalCollFieldList", collected},
+        {"getGlobalCollFieldListPKR", collectedPkr},
+        {"getGlobalCollForTable", kCollectionsForTable},
+        {"getFreqDist", kFreqDist},
+        {"getPatternDist", kPatternDist},
+        {"getPercentiles", kPercentiles},
+        {"getOutliers", kOutliers},
+        {"getFieldHistory", history},
+        {"getExecutionLog", kExecutionLog},
+        {"getAlerts", kAlerts},
+        {"getAlertProperties", kAlertProperties},
+        {"getTableNotes", kNotes},
+        {"getFieldNotes", kNotes},
+        {"getNoteCategories", kNoteCategories},
+        {"getTableCharts", kCharts},
+        {"getCategoryCharts", kCharts},
+        {"getChartProperties", kChartProperties},
+        {"getPKFKAnalysis", kKeyAnalysis},
+        {"getPKFKAnalysisOutliers", kKeyAnalysisOutliers},
+        {"getRdaCfgs", kRdaCfgs},
+        {"getRdaCfg", kRdaCfgs},
+        {"getRdaCfgFields", kRdaCfgFields},
+        {"getTaskList", kTasks},
+    };
+}
+
+} // namespace
+
+std::span<const Layout> all() {
+    static const std::vector<Layout> layouts = makeAll();
+    return layouts;
+}
+
+const Layout& of(std::string_view operation) {
+    return *std::ranges::find(all(), operation, &Layout::operation);
+}
+
+} // namespace tavix::layout

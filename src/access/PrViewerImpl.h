@@ -1,0 +1,82 @@
+#pragma once
+
+#include "access/DistributionCursor.h"
+#include "access/Layouts.h"
+#include "access/PrViewer.h"
+#include "access/StatementCursor.h"
+#include "base/Clock.h"
+#include "base/Result.h"
+
+#include <functional>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+/// What the files that implement PrViewer share.
+namespace tavix {
+
+/// The SQL of an operation: the columns of its layout, then `rest` (FROM and what follows).
+struct Query {
+    Query(std::string_view operation, std::string_view rest);
+
+    const layout::Layout& layout;
+    std::string sql;
+};
+
+struct PrViewer::Impl {
+    std::string path;
+    std::shared_ptr<ViewerSession> session;
+    int job = -1;
+    int run = -1;
+    KvbString error;
+    SystemClock systemClock;
+    const Clock* clock = nullptr;
+
+    /// Keeps the text for getErrorString().
+    bool fail(const Error& failure);
+    ProfileCursorHandle failCursor(const Error& failure);
+    /// Keeps the text of a failure; whether it was none.
+    bool conclude(const Status& outcome) { return outcome.ok() || fail(outcome.error()); }
+    ProfileCursorHandle unavailable(std::string_view what);
+
+    /// Cursors that are still held fail from now on. No job and no run is current.
+    void endSession();
+    /// A cursor in the middle of its rows keeps its connection at the state in which it began. After a change the
+    /// viewer itself goes on with a new connection then, so that it sees what it did.
+    void refreshSession();
+
+    // What an operation needs; the error says what is missing.
+    [[nodiscard]] Status requireSession() const;
+    [[nodiscard]] Status requireJob() const;
+    /// Also that the current run still is there.
+    [[nodiscard]] Status requireRun() const;
+    [[nodiscard]] Status requireTable(int table) const; ///< in the current run
+    [[nodiscard]] Status requireExisting(std::string_view sql, int id, std::string_view what) const;
+
+    [[nodiscard]] sql::Connection& connection() const { return *session->connection; }
+    /// The cursor of a query with integer parameters; null when `ready` or the query fails.
+    ProfileCursorHandle open(const Status& ready, const Query& query, std::initializer_list<std::int64_t> parameters);
+    ProfileCursorHandle open(const Query& query, sql::Statement statement);
+    /// The statement with its integer parameters bound.
+    [[nodiscard]] Result<sql::Statement> bound(std::string_view sql,
+                                               std::initializer_list<std::int64_t> parameters) const;
+    /// The first value of the one row that is expected; `missing` says so when there is none.
+    [[nodiscard]] Result<std::int64_t> integer(std::string_view sql, std::initializer_list<std::int64_t> parameters,
+                                               std::string_view missing) const;
+
+    /// A number that the current run keeps for a field; `sql` takes the run and the field.
+    [[nodiscard]] Result<std::int64_t> fieldNumber(std::string_view sql, int field) const;
+    /// As an operation gives it: -1 on failure.
+    std::int64_t giveNumber(const Result<std::int64_t>& number);
+    ProfileCursorHandle openDistribution(std::string_view operation, const repository::DistributionKey& key,
+                                         const Result<std::int64_t>& rows);
+
+    /// Opens the repository for writing and runs `work` in one transaction.
+    bool change(const std::function<Status(sql::Connection&)>& work);
+};
+
+/// "There is no <what> with the number <id>."
+[[nodiscard]] Error noSuch(std::string_view what, std::int64_t id);
+[[nodiscard]] int clampToInt(std::int64_t value);
+
+} // namespace tavix

@@ -1,0 +1,185 @@
+#include "access/PrViewerImpl.h"
+
+#include <fmt/format.h>
+
+namespace tavix {
+
+namespace {
+
+constexpr std::string_view kValueRows = "SELECT value_rows FROM run_field WHERE run = ?1 AND field = ?2";
+constexpr std::string_view kPatternRows = "SELECT pattern_rows FROM run_field WHERE run = ?1 AND field = ?2";
+constexpr std::string_view kValueSum = "SELECT value_sum FROM run_field WHERE run = ?1 AND field = ?2";
+// These come to a row for every field of the run, and to none for a field that it does not have.
+constexpr std::string_view kPercentileRows =
+    "SELECT (SELECT COUNT(*) FROM percentile p WHERE p.run = rf.run AND p.field = rf.field) FROM run_field rf "
+    "WHERE rf.run = ?1 AND rf.field = ?2";
+constexpr std::string_view kLowOutliers =
+    "SELECT (SELECT COUNT(*) FROM outlier p WHERE p.run = rf.run AND p.field = rf.field AND p.side = 'L') "
+    "FROM run_field rf WHERE rf.run = ?1 AND rf.field = ?2";
+constexpr std::string_view kHighOutliers =
+    "SELECT (SELECT COUNT(*) FROM outlier p WHERE p.run = rf.run AND p.field = rf.field AND p.side = 'H') "
+    "FROM run_field rf WHERE rf.run = ?1 AND rf.field = ?2";
+
+constexpr std::string_view kFilters = "Filters are";
+
+} // namespace
+
+Result<std::int64_t> PrViewer::Impl::fieldNumber(std::string_view sql, int field) const {
+    if (auto ready = requireRun(); !ready)
+        return ready.error();
+    return integer(sql, {run, field}, fmt::format("There is no field with the number {} in this run.", field));
+}
+
+std::int64_t PrViewer::Impl::giveNumber(const Result<std::int64_t>& number) {
+    if (number)
+        return *number;
+    fail(number.error());
+    return -1;
+}
+
+ProfileCursorHandle PrViewer::Impl::openDistribution(std::string_view operation, const repository::DistributionKey& key,
+                                                     const Result<std::int64_t>& rows) {
+    if (!rows)
+        return failCursor(rows.error());
+    auto cursor = DistributionCursor::open(session, key, *rows, layout::of(operation));
+    if (!cursor)
+        return failCursor(cursor.error());
+    return ProfileCursorHandle(cursor->release());
+}
+
+ProfileCursorHandle PrViewer::getFreqDist(int fieldId, const KvbString& filter) {
+    if (!filter.isEmpty())
+        return m_impl->unavailable(kFilters);
+    return m_impl->openDistribution("getFreqDist", {m_impl->run, fieldId, repository::DistributionKind::Values},
+                                    m_impl->fieldNumber(kValueRows, fieldId));
+}
+
+ProfileCursorHandle PrViewer::getPatternDist(int fieldId, const KvbString& filter) {
+    if (!filter.isEmpty())
+        return m_impl->unavailable(kFilters);
+    return m_impl->openDistribution("getPatternDist", {m_impl->run, fieldId, repository::DistributionKind::Patterns},
+                                    m_impl->fieldNumber(kPatternRows, fieldId));
+}
+
+ProfileCursorHandle PrViewer::getPercentiles(int fieldId) {
+    static const Query kQuery("getPercentiles",
+                              "FROM percentile p WHERE p.run = ?1 AND p.field = ?2 ORDER BY p.position");
+    auto found = m_impl->fieldNumber(kValueRows, fieldId);
+    return m_impl->open(found ? Status{} : Status{found.error()}, kQuery, {m_impl->run, fieldId});
+}
+
+ProfileCursorHandle PrViewer::getOutliers(int fieldId) {
+    static const Query kQuery("getOutliers", "FROM outlier p WHERE p.run = ?1 AND p.field = ?2 "
+                                             "ORDER BY p.side DESC, p.position");
+    auto found = m_impl->fieldNumber(kValueRows, fieldId);
+    return m_impl->open(found ? Status{} : Status{found.error()}, kQuery, {m_impl->run, fieldId});
+}
+
+int PrViewer::getFreqDistCount(int fieldId) {
+    return clampToInt(m_impl->giveNumber(m_impl->fieldNumber(kValueRows, fieldId)));
+}
+
+int PrViewer::getPatternDistCount(int fieldId) {
+    return clampToInt(m_impl->giveNumber(m_impl->fieldNumber(kPatternRows, fieldId)));
+}
+
+int PrViewer::getPercentilesCount(int fieldId) {
+    return clampToInt(m_impl->giveNumber(m_impl->fieldNumber(kPercentileRows, fieldId)));
+}
+
+bool PrViewer::getOutliersCount(int fieldId, int& low, int& high) {
+    auto lows = m_impl->fieldNumber(kLowOutliers, fieldId);
+    if (!lows)
+        return m_impl->fail(lows.error());
+    auto highs = m_impl->fieldNumber(kHighOutliers, fieldId);
+    if (!highs)
+        return m_impl->fail(highs.error());
+    low = clampToInt(*lows);
+    high = clampToInt(*highs);
+    return true;
+}
+
+std::int64_t PrViewer::getFreqDistSum(int fieldId) {
+    return m_impl->giveNumber(m_impl->fieldNumber(kValueSum, fieldId));
+}
+
+ProfileCursorHandle PrViewer::getFieldHistory(const KvbString& dataSource, const KvbString& catalog,
+                                              const KvbString& schema, const KvbString& table, const KvbString& object,
+                                              const KvbString& field, int limit) {
+    static const Query kQuery("getFieldHistory",
+                              "FROM run_field rf JOIN run r ON r.id = rf.run WHERE rf.field IN (SELECT f.id "
+                              "FROM data_source d JOIN profiled_table t ON t.data_source = d.id "
+                              "JOIN field f ON f.table_id = t.id WHERE d.name = ?1 AND t.catalog = ?2 AND "
+                              "t.schema = ?3 AND t.name = ?4 AND t.object_name = ?5 AND f.name = ?6) AND rf.run IN "
+                              "(SELECT id FROM run WHERE job = ?7 ORDER BY id DESC LIMIT ?8) "
+                              "ORDER BY r.id, rf.field");
+    if (auto ready = m_impl->requireJob(); !ready)
+        return m_impl->failCursor(ready.error());
+    auto statement = m_impl->connection().prepare(kQuery.sql);
+    if (!statement)
+        return m_impl->failCursor(statement.error());
+    int parameter = 0;
+    for (const KvbString* text : {&dataSource, &catalog, &schema, &table, &object, &field})
+        statement->bind(++parameter, text->view());
+    statement->bind(7, m_impl->job).bind(8, limit > 0 ? limit : -1);
+    return m_impl->open(kQuery, std::move(*statement));
+}
+
+ProfileCursorHandle PrViewer::getExecutionLog() {
+    static const Query kQuery("getExecutionLog", "FROM execution_log l LEFT JOIN profiled_table t ON t.id = l.table_id "
+                                                 "WHERE l.run = ?1 ORDER BY l.position");
+    return m_impl->open(m_impl->requireRun(), kQuery, {m_impl->run});
+}
+
+ProfileCursorHandle PrViewer::getAlerts() {
+    static const Query kQuery("getAlerts", "FROM alert a JOIN profiled_table t ON t.id = a.table_id "
+                                           "JOIN data_source d ON d.id = t.data_source "
+                                           "LEFT JOIN field f ON f.id = a.field ORDER BY a.id");
+    return m_impl->open(m_impl->requireSession(), kQuery, {});
+}
+
+ProfileCursorHandle PrViewer::getAlertProperties(int alertId) {
+    static const Query kQuery("getAlertProperties", "FROM alert_property p WHERE p.alert = ?1 ORDER BY p.position");
+    return m_impl->open(m_impl->requireExisting("SELECT 1 FROM alert WHERE id = ?1", alertId, "alert"), kQuery,
+                        {alertId});
+}
+
+ProfileCursorHandle PrViewer::getTaskList(int jobId) {
+    static const Query kQuery("getTaskList", "FROM task w WHERE w.job = ?1 ORDER BY w.id");
+    return m_impl->open(m_impl->requireExisting("SELECT 1 FROM job WHERE id = ?1", jobId, "report"), kQuery, {jobId});
+}
+
+ProfileCursorHandle PrViewer::getCustomMetricHistory(const KvbString&) {
+    return m_impl->unavailable("Custom metrics are");
+}
+
+ProfileCursorHandle PrViewer::getCustomMetrics(int) {
+    return m_impl->unavailable("Custom metrics are");
+}
+
+ProfileCursorHandle PrViewer::getCustomMetricInputFields(const KvbString&) {
+    return m_impl->unavailable("Custom metrics are");
+}
+
+ProfileCursorHandle PrViewer::getBusinessRuleHistory(const KvbString&) {
+    return m_impl->unavailable("Business rules are");
+}
+
+ProfileCursorHandle PrViewer::getBusinessRules(int) {
+    return m_impl->unavailable("Business rules are");
+}
+
+ProfileCursorHandle PrViewer::getBusinessRuleRowLog(int, int, bool) {
+    return m_impl->unavailable("Business rules are");
+}
+
+PrViewerDrillCursorHandle PrViewer::drillDown(int, const KvbString&, bool, PrViewDisplayMessage*, OrvintaPatternGen*) {
+    (void)m_impl->unavailable("Drilling down to the source is");
+    return nullptr;
+}
+
+ProfileCursorHandle PrViewer::drillDownMatch(int, const KvbString&, PrViewDisplayMessage*, int) {
+    return m_impl->unavailable("Drilling down to the source is");
+}
+
+} // namespace tavix

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "access/Layouts.h"
+#include "access/ProfileCursor.h"
+#include "base/Result.h"
+#include "sql/Connection.h"
+
+#include <memory>
+
+namespace tavix {
+
+/// The open repository of a viewer. Cursors share it, so that one that outlives its viewer fails instead of crashing.
+struct ViewerSession {
+    std::unique_ptr<sql::Connection> connection;
+    std::shared_ptr<bool> closed; ///< set when the viewer closes; one for all connections that it has used
+};
+
+/// The rows of a query, read one by one as they are asked for.
+class StatementCursor final : public ProfileCursor {
+  public:
+    /// Reads the first row at once, so that a query that cannot run fails here. `statement` is bound and belongs to
+    /// the session; its columns are those of the layout.
+    [[nodiscard]] static Result<std::unique_ptr<StatementCursor>>
+    open(std::shared_ptr<ViewerSession> session, sql::Statement statement, const layout::Layout& layout);
+
+    bool next() override;
+    [[nodiscard]] int getColumnCount() const override;
+    [[nodiscard]] KvbString getColumnName(int column) const override;
+    [[nodiscard]] KvbString getColumnValue(int column) const override;
+    [[nodiscard]] int getColumnInt(int column) const override;
+    [[nodiscard]] double getColumnDouble(int column) const override;
+    [[nodiscard]] bool isColumnNull(int column) const override;
+    [[nodiscard]] bool isColumnValid(int column) const override;
+
+  private:
+    enum class Position { BeforeFirst, OnRow, AtEnd };
+
+    StatementCursor(std::shared_ptr<ViewerSession> session, sql::Statement statement, const layout::Layout& layout,
+                    bool hasRow);
+    /// Whether there is a value to read.
+    [[nodiscard]] bool holds(int column) const;
+    [[nodiscard]] bool isDate(int column) const;
+    [[nodiscard]] double date(int column) const;
+
+    std::shared_ptr<ViewerSession> m_session; // before the statement, which must go first
+    sql::Statement m_statement;
+    const layout::Layout& m_layout;
+    Position m_position;
+};
+
+} // namespace tavix

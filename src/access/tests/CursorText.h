@@ -1,0 +1,24 @@
+#pragma once
+
+#include "access/ProfileCursor.h"
+
+#include <string>
+#include <vector>
+
+namespace tavix::testing {
+
+/// The rest of a cursor as a user would read it: a text per row, cells parted by '|', null as "<null>".
+inline std::vector<std::string> rowsOf(ProfileCursor& cursor) {
+    std::vector<std::string> rows;
+    while (cursor.next()) {
+        std::string& row = rows.emplace_back();
+        for (int column = 0; column < cursor.getColumnCount(); ++column) {
+            if (column > 0)
+                row += '|';
+            row += cursor.isColumnNull(column) ? "<null>" : cursor.getColumnValue(column).str();
+        }
+    }
+    return rows;
+}
+
+} // namespace tavix::testing

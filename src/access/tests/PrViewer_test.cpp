@@ -1,0 +1,289 @@
+#include "access/CacheCursor.h"
+#include "access/Layouts.h"
+#include "access/tests/PrViewerFixture.h"
+#include "base/GenException.h"
+#include "base/LibraryDate.h"
+#include "repository/RunWriter.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace tavix {
+namespace {
+
+using tavix::testing::PrViewerTest;
+using tavix::testing::SampleRepository;
+using tavix::testing::TempFolder;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST_F(PrViewerTest, EveryOperationFailsWithTextWithoutASession) {
+    auto viewer = PrViewer::create();
+    EXPECT_EQ(viewer->getErrorString(), KvbString(""));
+    EXPECT_EQ(viewer->getCurrentJob(), -1);
+    KvbString text;
+    int id = -1;
+    double date = 0;
+    TextFileInfo file;
+    EXPECT_FALSE(viewer->close());
+    EXPECT_EQ(viewer->getErrorString(), KvbString("No repository is open."));
+    EXPECT_FALSE(viewer->setCurrentJobSetup(1) || viewer->reportGetReportInfo(1, id, text) || viewer->setCurrentJob(1));
+    EXPECT_FALSE(viewer->folderGetPathFromId(1, text, text) || viewer->getJobInfo(1, date, text));
+    EXPECT_FALSE(viewer->deleteJobs(-1, 1, -1) || viewer->getTextFileInfo(1, file) || viewer->deleteChart(1));
+    EXPECT_FALSE(viewer->createNewNoteCategory("x") || viewer->createGlobalCollFieldMapping(1, 1));
+    EXPECT_FALSE(viewer->getReports() || viewer->getJobs() || viewer->getDSNList() || viewer->getTableList(1));
+    EXPECT_FALSE(viewer->getFieldList(1) || viewer->getGlobalCollections() || viewer->getFreqDist(1, ""));
+    EXPECT_FALSE(viewer->getFieldHistory("", "", "", "", "", "", 0) || viewer->getExecutionLog());
+    EXPECT_FALSE(viewer->getTableNotes(1, 'T', 1) || viewer->getRdaCfgs() || viewer->getPKFKAnalysis(1));
+    EXPECT_EQ(viewer->getJobCount(), -1);
+    EXPECT_EQ(viewer->getFreqDistSum(1), -1);
+    EXPECT_EQ(viewer->getErrorString(), KvbString("No repository is open."));
+}
+
+TEST_F(PrViewerTest, ListsReports) {
+    auto cursor = m_viewer->getReports();
+    ASSERT_TRUE(cursor && cursor->next());
+    EXPECT_EQ(cursor->getColumnInt(layout::ReportId), m_sample.inventoryJob);
+    ASSERT_TRUE(cursor->next());
+    EXPECT_EQ(cursor->getColumnValue(layout::ReportName), KvbString("Sales"));
+    EXPECT_EQ(cursor->getColumnInt(layout::ReportRunCount), 3);
+    EXPECT_EQ(cursor->getColumnInt(layout::ReportLastRunId), m_sample.salesRuns[2]);
+    EXPECT_EQ(cursor->getColumnDouble(layout::ReportLastRunDate), toLibraryDate(SampleRepository::runTime(2)));
+    EXPECT_FALSE(cursor->next());
+    EXPECT_FALSE(cursor->next());
+    int folder = 0;
+    KvbString text;
+    EXPECT_TRUE(m_viewer->reportGetReportInfo(m_sample.salesJob, folder, text));
+    EXPECT_EQ(folder, -1);
+    EXPECT_EQ(text, KvbString("Customers and their orders"));
+    EXPECT_FALSE(m_viewer->reportGetReportInfo(99, folder, text));
+    EXPECT_EQ(error(), "There is no report with the number 99.");
+    expectFailure(!m_viewer->getReport(99), "There is no report with the number 99.");
+    expectFailure(!m_viewer->setCurrentJobSetup(99), "There is no report with the number 99.");
+    EXPECT_EQ(m_viewer->getCurrentJob(), m_sample.salesRuns[2]) << "a failure changes nothing";
+    expectFailure(!m_viewer->folderGetPathFromId(1, text, text), "There is no folder with the number 1.");
+}
+
+TEST_F(PrViewerTest, ListsAndSwitchesRuns) {
+    EXPECT_EQ(m_viewer->getJobCount(), 3);
+    auto runs = m_viewer->getJobs();
+    ASSERT_TRUE(runs && runs->next());
+    EXPECT_EQ(runs->getColumnInt(layout::JobRunId), m_sample.salesRuns[2]) << "the latest first";
+    EXPECT_EQ(runs->getColumnDouble(layout::JobDate), toLibraryDate(SampleRepository::runTime(2)));
+    EXPECT_EQ(runs->getColumnValue(layout::JobDescription), KvbString(""));
+    ASSERT_TRUE(runs->next());
+    EXPECT_EQ(runs->getColumnValue(layout::JobDescription), KvbString("February"));
+    EXPECT_EQ(runs->getColumnInt(layout::JobTables), 7);
+
+    EXPECT_EQ(ids(m_viewer->getTableList(-1)).size(), 7U);
+    EXPECT_TRUE(m_viewer->setCurrentJob(m_sample.salesRuns[0]));
+    EXPECT_EQ(ids(m_viewer->getTableList(-1)).size(), 6U);
+    expectFailure(!m_viewer->getFieldList(table("late orders")), "There is no table with the number 7 in this run.");
+    expectFailure(!m_viewer->setCurrentJob(m_sample.inventoryRun), "The report has no run with the number 4.");
+    EXPECT_EQ(m_viewer->getCurrentJob(), m_sample.salesRuns[0]);
+    double date = 0;
+    KvbString description;
+    EXPECT_TRUE(m_viewer->getJobInfo(m_sample.salesRuns[0], date, description));
+    EXPECT_EQ(description, KvbString("January"));
+    EXPECT_FALSE(m_viewer->getJobInfo(-1, date, description));
+}
+
+TEST_F(PrViewerTest, ListsDataSourcesAndTables) {
+    EXPECT_THAT(read(m_viewer->getDSNList()), ElementsAre("1|Warehouse|0|6", "2|/data/files|4|1"));
+    EXPECT_THAT(read(m_viewer->getTableList(2)), ElementsAre("Y|6|airports||||||||5|5|2|2"));
+    auto tables = read(m_viewer->getTableList(1));
+    ASSERT_EQ(tables.size(), 6U);
+    EXPECT_EQ(tables[0], "Y|1|customers||public|crm|||||1000|1000|7|0");
+    EXPECT_EQ(tables[4], "D|5|customers|german customers|public|crm|customers|country = 'DE'|||1000|120|1|0");
+    EXPECT_EQ(tables[5], "D|7||late orders|||SQL query||SELECT * FROM orders|days late > 3|100|9|1|0");
+    expectFailure(!m_viewer->getTableList(9), "There is no data source with the number 9.");
+}
+
+TEST_F(PrViewerTest, FieldListsHoldTheMetricsWhereTheirReadersLook) {
+    auto plain = m_viewer->getFieldList(table("customers"));
+    auto pkr = m_viewer->getFieldListPKR(table("customers"));
+    ASSERT_TRUE(plain && pkr);
+    for (int position = 0; position < 3; ++position) {
+        ASSERT_TRUE(plain->next());
+        ASSERT_TRUE(pkr->next());
+    }
+    EXPECT_EQ(plain->getColumnInt(layout::FieldId), field("customers/balance"));
+    EXPECT_EQ(plain->getColumnValue(layout::FieldTypeCode), KvbString("R"));
+    for (int metric = 0; metric < static_cast<int>(kMetricCount); ++metric) {
+        EXPECT_EQ(plain->getColumnName(layout::kFieldListMetrics + metric), m_viewer->getMetricDescription(metric));
+        EXPECT_EQ(pkr->getColumnName(layout::kFieldListPkrMetrics + metric), m_viewer->getMetricDescription(metric));
+        EXPECT_EQ(plain->getColumnValue(layout::kFieldListMetrics + metric),
+                  pkr->getColumnValue(layout::kFieldListPkrMetrics + metric));
+    }
+    auto metric = [&](MetricId id) { return layout::kFieldListMetrics + static_cast<int>(index(id)); };
+    EXPECT_EQ(plain->getColumnValue(metric(MetricId::Mean)), KvbString("12.3456789")) << "not the store's own text";
+    EXPECT_EQ(plain->getColumnValue(metric(MetricId::MaximumValue)), KvbString("1e+20"));
+    EXPECT_EQ(plain->getColumnInt(metric(MetricId::MaximumValue)), std::numeric_limits<int>::max());
+    EXPECT_TRUE(plain->isColumnNull(metric(MetricId::DefinedLength)));
+    EXPECT_TRUE(plain->getColumnValue(metric(MetricId::DefinedLength)).isNull());
+    auto tail = [](layout::FieldListTail column) { return layout::tailColumn(layout::kFieldListMetrics, column); };
+    EXPECT_EQ(plain->getColumnInt(tail(layout::TailFreqCount)), 4);
+    EXPECT_EQ(plain->getColumnInt(tail(layout::TailTableId)), table("customers"));
+    EXPECT_EQ(plain->getColumnValue(tail(layout::TailQuantileRule)), KvbString("linear"));
+    EXPECT_EQ(plain->getColumnCount(), tail(layout::TailQuantileRule) + 1);
+    EXPECT_FALSE(plain->isColumnValid(plain->getColumnCount()));
+    EXPECT_TRUE(plain->getColumnValue(-1).isNull());
+
+    pkr = m_viewer->getFieldListPKR(table("suppliers"));
+    ASSERT_TRUE(pkr && pkr->next());
+    EXPECT_EQ(pkr->getColumnInt(layout::PkrKeyAnalyses), 1);
+    EXPECT_EQ(pkr->getColumnInt(layout::PkrRedundancies), 1);
+    ASSERT_TRUE(pkr->next());
+    EXPECT_EQ(pkr->getColumnInt(layout::PkrKeyAnalyses), 0);
+}
+
+TEST_F(PrViewerTest, TellsWhatAFieldAndATextFileIs) {
+    KvbString source;
+    KvbString catalog;
+    KvbString schema;
+    KvbString name;
+    KvbString object;
+    KvbString fieldName;
+    char kind = 0;
+    int tableId = 0;
+    ASSERT_TRUE(m_viewer->getFieldInfo(field("german customers/id"), source, catalog, schema, name, object, kind,
+                                       fieldName, tableId));
+    EXPECT_EQ(object, KvbString("german customers"));
+    EXPECT_EQ(name, KvbString("customers"));
+    EXPECT_EQ(kind, 'D');
+    EXPECT_EQ(tableId, table("german customers"));
+    EXPECT_FALSE(m_viewer->getFieldInfo(999, source, catalog, schema, name, object, kind, fieldName, tableId));
+
+    TextFileInfo info;
+    ASSERT_TRUE(m_viewer->getTextFileInfo(table("airports"), info)) << error();
+    EXPECT_EQ(info.path, KvbString("/data/files/airports.csv"));
+    EXPECT_EQ(info.size, 4321);
+    EXPECT_TRUE(info.hasHeader);
+    EXPECT_THAT(read(m_viewer->getTextFileFieldInfo(table("airports"))), ElementsAre("1|code", "2|latitude"));
+    expectFailure(!m_viewer->getTextFileFieldInfo(table("customers")), "The table was not read from a text file.");
+}
+
+TEST_F(PrViewerTest, ReadsDistributions) {
+    EXPECT_THAT(read(m_viewer->getFreqDist(field("customers/name"), "")),
+                ElementsAre("Ada|400", "Grace|302", "<null>|228", "|50", "   |20"));
+    EXPECT_EQ(m_viewer->getFreqDistSum(field("customers/name")), 1000);
+    EXPECT_EQ(m_viewer->getFreqDistCount(field("customers/city")), 151);
+    EXPECT_THAT(read(m_viewer->getPatternDist(field("airports/code"), "")), ElementsAre("1|AAA|3", "2|999|1"));
+    EXPECT_EQ(m_viewer->getPatternDistCount(field("customers/remark")), 0);
+    EXPECT_THAT(read(m_viewer->getPatternDist(field("customers/remark"), "")), IsEmpty());
+    auto ids = m_viewer->getFreqDist(field("customers/id"), "");
+    ASSERT_TRUE(ids && ids->next());
+    EXPECT_EQ(ids->getColumnInt(layout::FreqValue), 1);
+    EXPECT_EQ(ids->getColumnDouble(layout::FreqCount), 1.0);
+    expectFailure(!m_viewer->getFreqDist(field("customers/id"), "value = 1"),
+                  "Filters are not available in this version.");
+    expectFailure(!m_viewer->getFreqDist(999, ""), "There is no field with the number 999 in this run.");
+    EXPECT_EQ(m_viewer->getFreqDistCount(999), -1);
+    EXPECT_EQ(m_viewer->getAbbreviatedPattern("99999-aa"), KvbString("9{5}-aa"));
+}
+
+TEST_F(PrViewerTest, ReadsPercentilesOutliersHistoryAndLog) {
+    int balance = field("customers/balance");
+    EXPECT_EQ(m_viewer->getPercentilesCount(balance), 5);
+    auto percentiles = read(m_viewer->getPercentiles(balance));
+    EXPECT_EQ(percentiles.front(), "5%|-3.5");
+    EXPECT_EQ(percentiles.back(), "95%|<null>");
+    EXPECT_EQ(m_viewer->getPercentilesCount(field("customers/name")), 0);
+    int low = 0;
+    int high = 0;
+    ASSERT_TRUE(m_viewer->getOutliersCount(balance, low, high));
+    EXPECT_EQ(low, 3);
+    EXPECT_EQ(high, 5);
+    EXPECT_THAT(read(m_viewer->getOutliers(balance)),
+                ElementsAre("L|0|-900|1|2", "L|1|-899|1|0", "L|2|-898|1|0", "H|0|9000|2|1", "H|1|8999|2|1",
+                            "H|2|8998|2|0", "H|3|8997|2|0", "H|4|8996|2|0"));
+    EXPECT_FALSE(m_viewer->getOutliersCount(999, low, high));
+
+    auto history = m_viewer->getFieldHistory("Warehouse", "crm", "public", "customers", "", "name", 2);
+    ASSERT_TRUE(history);
+    CacheCursor cached(*history);
+    ASSERT_EQ(cached.getRowCount(), 2U);
+    ASSERT_TRUE(cached.next());
+    EXPECT_EQ(cached.getColumnInt(layout::HistoryRunId), m_sample.salesRuns[1]) << "oldest first, latest two";
+    EXPECT_EQ(cached.getColumnInt(layout::kFieldHistoryMetrics + 2), 229);
+    EXPECT_EQ(read(m_viewer->getFieldHistory("Warehouse", "crm", "public", "customers", "", "name", 0)).size(), 3U);
+    EXPECT_EQ(read(m_viewer->getFieldHistory("Warehouse", "", "", "", "late orders", "days", 0)).size(), 2U);
+
+    auto log = m_viewer->getExecutionLog();
+    ASSERT_TRUE(log && log->next());
+    EXPECT_TRUE(log->isColumnNull(layout::LogTable));
+    EXPECT_EQ(log->getColumnDouble(layout::LogDate), toLibraryDate(SampleRepository::runTime(2)));
+    ASSERT_TRUE(log->next());
+    EXPECT_EQ(log->getColumnValue(layout::LogTable), KvbString("airports"));
+    EXPECT_EQ(log->getColumnInt(layout::LogLevelCode), 1);
+}
+
+TEST_F(PrViewerTest, WhatIsNotBuiltSaysSo) {
+    KvbString text;
+    char letter = 0;
+    int number = 0;
+    auto unavailable = [&](bool failed) {
+        EXPECT_TRUE(failed);
+        EXPECT_THAT(error(), ::testing::EndsWith("not available in this version."));
+    };
+    unavailable(!m_viewer->getCustomMetrics(1));
+    unavailable(!m_viewer->getBusinessRules(1));
+    unavailable(!m_viewer->getRdaResults(1, 1, 2));
+    unavailable(!m_viewer->drillDown(1, "x", true, nullptr, nullptr));
+    unavailable(!m_viewer->generatePKFKAnalysis(1, 2));
+    unavailable(m_viewer->getFunctionCount() == -1);
+    unavailable(!m_viewer->getFunctionInfo(0, text, text, letter, text, number, number));
+    unavailable(!m_viewer->getDrilldownInfo(1, text, text, text, text, text, letter, text, text, number, text));
+    EXPECT_THAT(read(m_viewer->getAlerts()), IsEmpty());
+    EXPECT_FALSE(m_viewer->getAlertProperties(1));
+    EXPECT_THAT(read(m_viewer->getTaskList(m_sample.salesJob)), IsEmpty());
+}
+
+TEST_F(PrViewerTest, CursorsThatOutliveTheSessionFailAndDoNotCrash) {
+    auto tables = m_viewer->getTableList(-1);
+    auto values = m_viewer->getFreqDist(field("customers/id"), "");
+    ASSERT_TRUE(tables && values && tables->next() && values->next());
+    m_viewer.reset();
+    EXPECT_THROW(tables->next(), GenException);
+    EXPECT_THROW(values->next(), GenException);
+}
+
+TEST(Distributions, ALongOneIsReadBlockByBlockInOrder) {
+    TempFolder folder;
+    const std::string path = folder.file("long.tavix");
+    std::vector<std::string> texts;
+    for (int number = 0; number < 10'000; ++number)
+        texts.push_back("value " + std::to_string(number));
+    std::vector<repository::ValueCount> rows;
+    for (std::size_t number = 0; number < texts.size(); ++number)
+        rows.push_back({texts[number], 20'000 - number, false});
+    auto writer = repository::RunWriter::begin(path, {"Job", "", "", {}});
+    ASSERT_TRUE(writer);
+    repository::TableFacts table;
+    table.name = "t";
+    auto id = (*writer)->addTable(table);
+    repository::FieldFacts facts;
+    facts.name = "f";
+    facts.values = rows;
+    ASSERT_TRUE((*writer)->addField(*id, facts));
+    int job = (*writer)->jobId();
+    ASSERT_TRUE((*writer)->commit({}));
+
+    auto viewer = PrViewer::create();
+    ASSERT_TRUE(viewer->init(path) && viewer->setCurrentJobSetup(job));
+    auto cursor = viewer->getFreqDist(1, "");
+    ASSERT_TRUE(cursor);
+    std::size_t row = 0;
+    for (; cursor->next(); ++row) {
+        ASSERT_EQ(cursor->getColumnValue(0).view(), texts[row]);
+        ASSERT_EQ(cursor->getColumnInt(1), static_cast<int>(20'000 - row));
+    }
+    EXPECT_EQ(row, texts.size());
+    EXPECT_FALSE(cursor->next());
+    EXPECT_TRUE(cursor->isColumnNull(0));
+}
+
+} // namespace
+} // namespace tavix

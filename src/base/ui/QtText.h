@@ -1,0 +1,34 @@
+#pragma once
+
+#include "base/KvbString.h"
+
+#include <QString>
+
+#include <string>
+#include <string_view>
+
+/// Between the UTF-8 of everything below the widgets and Qt's own text. Bytes that are no UTF-8 become U+FFFD.
+namespace tavix {
+
+[[nodiscard]] inline QString toQString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+[[nodiscard]] inline QString toQString(const std::string& text) {
+    return toQString(std::string_view(text));
+}
+
+[[nodiscard]] inline QString toQString(const char* text) {
+    return QString::fromUtf8(text);
+}
+
+/// Null gives a null QString.
+[[nodiscard]] inline QString toQString(const KvbString& text) {
+    return text.isNull() ? QString() : toQString(text.view());
+}
+
+[[nodiscard]] inline std::string toUtf8(const QString& text) {
+    return text.toUtf8().toStdString();
+}
+
+} // namespace tavix

@@ -1,0 +1,76 @@
+#include "base/ui/Theme.h"
+
+#include "base/ui/QtText.h"
+
+#include <algorithm>
+
+namespace tavix {
+
+namespace {
+
+struct Scheme {
+    QRgb window, base, alternate, button, text, placeholder, disabled, tip, highlight, highlighted, link;
+};
+
+constexpr Scheme kLight = {0xfff3f4f6, 0xffffffff, 0xfff6f7f9, 0xfffafbfc, 0xff1f2328, 0xff6b7280,
+                           0xff9aa1ab, 0xffffffff, 0xff2563b8, 0xffffffff, 0xff1d5fae};
+constexpr Scheme kDark = {0xff26282c, 0xff1c1e21, 0xff222428, 0xff33363b, 0xffe4e6e9, 0xff9aa1ab,
+                          0xff767c85, 0xff33363b, 0xff3b78c9, 0xffffffff, 0xff7db3f2};
+
+QPalette paletteOf(const Scheme& scheme) {
+    // The constructor derives the shades of frames and bevels from the button and window colours.
+    QPalette palette(QColor::fromRgb(scheme.button), QColor::fromRgb(scheme.window));
+    const auto set = [&palette](QPalette::ColorRole role, QRgb normal, QRgb disabled) {
+        palette.setColor(role, QColor::fromRgb(normal));
+        palette.setColor(QPalette::Disabled, role, QColor::fromRgb(disabled));
+    };
+    set(QPalette::Window, scheme.window, scheme.window);
+    set(QPalette::Base, scheme.base, scheme.window);
+    set(QPalette::AlternateBase, scheme.alternate, scheme.window);
+    set(QPalette::Button, scheme.button, scheme.window);
+    set(QPalette::WindowText, scheme.text, scheme.disabled);
+    set(QPalette::Text, scheme.text, scheme.disabled);
+    set(QPalette::ButtonText, scheme.text, scheme.disabled);
+    set(QPalette::PlaceholderText, scheme.placeholder, scheme.disabled);
+    set(QPalette::ToolTipBase, scheme.tip, scheme.tip);
+    set(QPalette::ToolTipText, scheme.text, scheme.text);
+    set(QPalette::Highlight, scheme.highlight, scheme.disabled);
+    set(QPalette::HighlightedText, scheme.highlighted, scheme.window);
+    set(QPalette::Link, scheme.link, scheme.disabled);
+    return palette;
+}
+
+} // namespace
+
+QFont toQFont(const DataFont& chosen, const QFont& own) {
+    QFont font(own);
+    if (!chosen.name.empty())
+        font.setFamilies({toQString(chosen.name)});
+    font.setPointSizeF(std::clamp(chosen.tenthsOfPoint, 10, 2000) / 10.0);
+    font.setBold(chosen.bold);
+    font.setItalic(chosen.italic);
+    return font;
+}
+
+bool isDark(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
+}
+
+QColor mixed(const QColor& from, const QColor& to, double share) {
+    const auto part = [share](int a, int b) { return static_cast<int>(a + (b - a) * std::clamp(share, 0.0, 1.0)); };
+    return {part(from.red(), to.red()), part(from.green(), to.green()), part(from.blue(), to.blue())};
+}
+
+QColor quietText(const QPalette& palette) {
+    return mixed(palette.color(QPalette::WindowText), palette.color(QPalette::Window), 0.35);
+}
+
+QPalette lightPalette() {
+    return paletteOf(kLight);
+}
+
+QPalette darkPalette() {
+    return paletteOf(kDark);
+}
+
+} // namespace tavix

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace tavix::cli {
+
+/// What the program ends with. The numbers are a promise to scripts.
+enum class ExitCode {
+    Ok = 0,
+    Usage = 2,     ///< wrong arguments or a wrong job file
+    Source = 3,    ///< a file to profile, the repository or the output failed
+    Cancelled = 4, ///< by the user; nothing was changed
+};
+
+/// Ends the running command. CommandLine alone catches it, shows its text and turns it into the exit code.
+class CommandError : public std::runtime_error {
+  public:
+    CommandError(ExitCode code, const std::string& text) : std::runtime_error(text), m_code(code) {}
+
+    [[nodiscard]] ExitCode code() const { return m_code; }
+
+  private:
+    ExitCode m_code;
+};
+
+/// The reader of our output went away, as `head` does: no failure, and nothing to say.
+class OutputClosed {};
+
+} // namespace tavix::cli

@@ -1,0 +1,159 @@
+#include "cli/CommandLine.h"
+
+#include "base/GenException.h"
+#include "cli/CommandError.h"
+#include "cli/Console.h"
+#include "cli/DeleteHistoryCommand.h"
+#include "cli/FieldsCommand.h"
+#include "cli/HelpFormatter.h"
+#include "cli/Interruption.h"
+#include "cli/JobsCommand.h"
+#include "cli/ProfileCommand.h"
+#include "cli/RunsCommand.h"
+#include "cli/ShowCommand.h"
+#include "cli/TablesCommand.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <csignal>
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace tavix::cli {
+
+namespace {
+
+constexpr const char* kAbout =
+    "Profiles tables and shows what is in them: the values of every field with their counts, patterns,\n"
+    "percentiles, outliers and twenty-four metrics, run after run, kept in a repository file.";
+
+constexpr const char* kFooter =
+    "Examples:\n"
+    "  tavix profile sales.csv customers.csv -R profile.tavix    profile two files\n"
+    "  tavix tables -R profile.tavix                             what was profiled\n"
+    "  tavix fields -R profile.tavix --table sales               the fields of a table\n"
+    "  tavix show -R profile.tavix --field sales.city            everything about a field\n"
+    "  tavix show -R profile.tavix --field sales.city --values --format csv -o city.csv\n"
+    "\n"
+    "\"tavix COMMAND --help\" tells more about a command.\n"
+    "Results go to standard output, messages to standard error.\n"
+    "Exit codes: 0 done; 2 wrong arguments or job file; 3 a source, the repository or the output failed;\n"
+    "4 cancelled.";
+
+using Commands = std::vector<std::unique_ptr<Command>>;
+
+Commands makeCommands() {
+    Commands commands;
+    commands.push_back(std::make_unique<ProfileCommand>());
+    commands.push_back(std::make_unique<JobsCommand>());
+    commands.push_back(std::make_unique<RunsCommand>());
+    commands.push_back(std::make_unique<TablesCommand>());
+    commands.push_back(std::make_unique<FieldsCommand>());
+    commands.push_back(std::make_unique<ShowCommand>());
+    commands.push_back(std::make_unique<DeleteHistoryCommand>());
+    return commands;
+}
+
+/// Every command has these as its own, so that its help shows them and they may stand before or behind it.
+void addCommonOptions(CLI::App& app, CommonOptions& options) {
+    constexpr const char* kGroup = "Common options";
+    // Made anew, so that it stands here and not before the command's own.
+    app.set_help_flag();
+    app.set_help_flag("-h,--help", "Print this help and exit")->group(kGroup);
+    static const std::map<std::string, Format> kFormats{
+        {"text", Format::Text}, {"json", Format::Json}, {"csv", Format::Csv}};
+    app.add_option("-R,--repository", options.repository, "The repository: a file, or sqlite:FILE")
+        ->type_name("FILE")
+        ->group(kGroup);
+    app.add_option("--format", options.format, "text (default), json or csv")
+        ->transform(CLI::Transformer(kFormats).description(""))
+        ->type_name("FORMAT")
+        ->check(CLI::IsMember(
+                    {static_cast<int>(Format::Text), static_cast<int>(Format::Json), static_cast<int>(Format::Csv)})
+                    .description(""))
+        ->group(kGroup);
+    app.add_option("-o,--output", options.outputPath, "Write the result to this file, whole or not at all")
+        ->type_name("FILE")
+        ->group(kGroup);
+    app.add_flag("--spreadsheet", options.spreadsheet,
+                 "In csv: put ' before text that a spreadsheet would take for a formula (=, +, -, @)")
+        ->group(kGroup);
+}
+
+ExitCode runGuarded(Command& command, const CommonOptions& options) {
+    try {
+        if (options.spreadsheet && options.format != Format::Csv)
+            throw CommandError(ExitCode::Usage, "--spreadsheet goes with --format csv");
+        command.run(options);
+        return ExitCode::Ok;
+    } catch (const OutputClosed&) {
+        return ExitCode::Ok;
+    } catch (const CommandError& error) {
+        say(error.what());
+        return error.code();
+    } catch (const GenException& error) {
+        say(error.what());
+    } catch (const std::bad_alloc&) {
+        say("there is not enough memory");
+    } catch (const std::exception& error) {
+        say(fmt::format("unexpected failure: {}", error.what()));
+    }
+    return ExitCode::Source;
+}
+
+/// What is wrong with the arguments, and where to read on.
+void sayUsage(const CLI::App& program, const CLI::ParseError& error) {
+    const std::vector<const CLI::App*> used =
+        program.get_subcommands([](const CLI::App* sub) { return sub->parsed() && !sub->get_name().empty(); });
+    const std::vector<std::string> unknown = program.remaining();
+    if (used.empty() && !unknown.empty())
+        say(fmt::format("there is no command \"{}\"", unknown.front()));
+    else
+        say(error.what());
+    sayPlain(fmt::format("See \"tavix {}--help\".", used.empty() ? "" : used.front()->get_name() + " "));
+}
+
+} // namespace
+
+int runCommandLine(int argc, const char* const* argv) {
+    // A reader that goes away shows as a failed write and not as a signal.
+    std::signal(SIGPIPE, SIG_IGN);
+    watchForInterruption();
+
+    CommonOptions options;
+    Commands commands = makeCommands();
+    CLI::App program(kAbout, "tavix");
+    program.formatter(std::make_shared<HelpFormatter>());
+    program.set_version_flag("--version", "tavix " TAVIX_VERSION);
+    program.require_subcommand(1);
+    program.footer(kFooter);
+    addCommonOptions(program, options);
+    std::vector<std::pair<CLI::App*, Command*>> declared;
+    for (const std::unique_ptr<Command>& command : commands) {
+        CLI::App* app = command->declare(program);
+        addCommonOptions(*app, options);
+        declared.emplace_back(app, command.get());
+    }
+
+    if (argc <= 1) {
+        sayPlain(program.help());
+        return static_cast<int>(ExitCode::Usage);
+    }
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::Success& wanted) {
+        return program.exit(wanted); // help or version
+    } catch (const CLI::ParseError& error) {
+        sayUsage(program, error);
+        return static_cast<int>(ExitCode::Usage);
+    }
+    const auto chosen = std::find_if(declared.begin(), declared.end(), [](const auto& d) { return d.first->parsed(); });
+    return static_cast<int>(runGuarded(*chosen->second, options));
+}
+
+} // namespace tavix::cli

@@ -1,0 +1,57 @@
+#include "cli/CsvTableWriter.h"
+
+#include "base/NumberText.h"
+
+namespace tavix::cli {
+
+namespace {
+
+bool looksLikeFormula(std::string_view text) {
+    return std::string_view("=+-@\t\r").find(text.front()) != std::string_view::npos && !parseNumber(text);
+}
+
+} // namespace
+
+void CsvTableWriter::begin(const Section& section) {
+    m_line.clear();
+    for (const Column& column : section.columns) {
+        if (!m_line.empty())
+            m_line += ',';
+        appendText(column.key);
+    }
+    m_line += '\n';
+    m_output.write(m_line);
+}
+
+void CsvTableWriter::row(std::span<const KvbDatavar> cells) {
+    m_line.clear();
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        if (i > 0)
+            m_line += ',';
+        if (!cells[i].isNull())
+            appendText(cells[i].toText().view());
+    }
+    m_line += '\n';
+    m_output.write(m_line);
+}
+
+void CsvTableWriter::appendText(std::string_view text) {
+    const bool mark = m_spreadsheet && !text.empty() && looksLikeFormula(text);
+    if (!text.empty() && text.find_first_of(",\"\r\n") == std::string_view::npos) {
+        if (mark)
+            m_line += '\'';
+        m_line += text;
+        return;
+    }
+    m_line += '"';
+    if (mark)
+        m_line += '\'';
+    for (const char c : text) {
+        if (c == '"')
+            m_line += '"';
+        m_line += c;
+    }
+    m_line += '"';
+}
+
+} // namespace tavix::cli

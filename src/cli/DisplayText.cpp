@@ -1,0 +1,108 @@
+#include "cli/DisplayText.h"
+
+#include <fmt/format.h>
+#include <unicode/uchar.h>
+#include <unicode/utf8.h>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace tavix::cli {
+
+namespace {
+
+constexpr UChar32 kReplacement = 0xFFFD;
+
+/// The character at `position`, which moves behind it; U+FFFD for a byte that begins none.
+UChar32 nextCharacter(std::string_view text, std::size_t& position) {
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+    auto offset = static_cast<std::int64_t>(position);
+    const auto length = static_cast<std::int64_t>(text.size());
+    UChar32 character = 0;
+    U8_NEXT(bytes, offset, length, character);
+    position = static_cast<std::size_t>(offset);
+    return character < 0 ? kReplacement : character;
+}
+
+std::size_t characterWidth(UChar32 character) {
+    if (character >= 0x20 && character < 0x7F)
+        return 1;
+    switch (u_charType(character)) {
+    case U_NON_SPACING_MARK:
+    case U_ENCLOSING_MARK:
+    case U_FORMAT_CHAR:
+    case U_CONTROL_CHAR:
+        return 0;
+    default:
+        break;
+    }
+    const int width = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
+    return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
+}
+
+bool isHarmful(UChar32 character) {
+    return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0x200E || character == 0x200F ||
+           (character >= 0x2028 && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
+}
+
+void appendEscape(std::string& out, UChar32 character) {
+    switch (character) {
+    case '\n':
+        out += "\\n";
+        return;
+    case '\r':
+        out += "\\r";
+        return;
+    case '\t':
+        out += "\\t";
+        return;
+    default:
+        break;
+    }
+    const auto number = static_cast<unsigned>(character);
+    out += number < 0x100 ? fmt::format("\\x{:02x}", number) : fmt::format("\\u{:04x}", number);
+}
+
+} // namespace
+
+std::size_t displayWidth(std::string_view text) {
+    std::size_t width = 0;
+    for (std::size_t position = 0; position < text.size();)
+        width += characterWidth(nextCharacter(text, position));
+    return width;
+}
+
+std::string printable(std::string_view text) {
+    if (std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7F; }))
+        return std::string(text);
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t position = 0; position < text.size();) {
+        const std::size_t begin = position;
+        const UChar32 character = nextCharacter(text, position);
+        if (isHarmful(character))
+            appendEscape(out, character);
+        else if (character == kReplacement)
+            out += "\uFFFD";
+        else
+            out += text.substr(begin, position - begin);
+    }
+    return out;
+}
+
+std::string cutToWidth(std::string_view text, std::size_t width) {
+    if (text.size() <= width)
+        return std::string(text);
+    std::size_t used = 0;
+    std::size_t fitting = 0; // bytes that leave room for the ellipsis
+    for (std::size_t position = 0; position < text.size();) {
+        used += characterWidth(nextCharacter(text, position));
+        if (used > width)
+            return width == 0 ? std::string() : std::string(text.substr(0, fitting)) + "…";
+        if (used + 1 <= width)
+            fitting = position;
+    }
+    return std::string(text);
+}
+
+} // namespace tavix::cli

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// Text for a terminal: how wide it is there, and made harmless.
+namespace tavix::cli {
+
+/// The columns that `text` takes: two for wide East Asian characters, none for marks that join the one before.
+[[nodiscard]] std::size_t displayWidth(std::string_view text);
+
+/// Control characters as escapes ("\n", "\x1b"), so that a value can neither break a table nor steer the terminal;
+/// likewise the characters that turn the direction of writing. A byte that is no UTF-8 becomes U+FFFD.
+[[nodiscard]] std::string printable(std::string_view text);
+
+/// `text` when it fits into `width` columns; else its beginning and "…".
+[[nodiscard]] std::string cutToWidth(std::string_view text, std::size_t width);
+
+} // namespace tavix::cli

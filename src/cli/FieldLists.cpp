@@ -1,0 +1,223 @@
+#include "cli/FieldLists.h"
+
+#include "access/Layouts.h"
+#include "cli/DateText.h"
+#include "cli/FieldTypes.h"
+#include "cli/Session.h"
+
+#include <fmt/format.h>
+
+#include <array>
+
+namespace tavix::cli {
+
+namespace {
+
+constexpr int kPercentPlaces = 2;
+/// How a null among values reads in text.
+constexpr const char* kNullValue = "(null value)";
+
+/// Which metrics hold a value of the field, and which a word; the others are figures.
+Column::Kind kindOf(MetricId id) {
+    switch (id) {
+    case MetricId::MinimumValue:
+    case MetricId::MaximumValue:
+    case MetricId::Median:
+    case MetricId::Mode:
+        return Column::Kind::TypedValue;
+    case MetricId::DefinedType:
+    case MetricId::ActualType:
+    case MetricId::PrimaryKey:
+    case MetricId::Nullable:
+        return Column::Kind::Text;
+    default:
+        return Column::Kind::Number;
+    }
+}
+
+std::vector<MetricId> metricsOf(MetricChoice choice) {
+    if (choice == MetricChoice::Main)
+        return {MetricId::Count,        MetricId::UniqueCount,  MetricId::NullCount,   MetricId::BlankCount,
+                MetricId::PatternCount, MetricId::MinimumValue, MetricId::MaximumValue};
+    std::vector<MetricId> all;
+    for (const MetricInfo& info : metricCatalogue())
+        all.push_back(info.id);
+    return all;
+}
+
+KvbDatavar typeCell(const ProfileCursor& fields) {
+    const KvbString code = fields.getColumnValue(layout::FieldTypeCode);
+    const std::string_view name = code.isEmpty() ? std::string_view() : fieldTypeName(code.view().front());
+    return name.empty() ? KvbDatavar() : KvbDatavar(std::string(name));
+}
+
+Section metricsSection(const std::vector<MetricId>& metrics) {
+    Section section{"metrics", "Metrics", {{"field", "Field"}, {"type", "Type"}}, false, "-", 1};
+    for (const MetricId id : metrics) {
+        const MetricInfo& info = metricCatalogue()[index(id)];
+        section.columns.push_back({std::string(info.column), std::string(info.name), kindOf(id)});
+    }
+    return section;
+}
+
+Row metricsRow(const ProfileCursor& fields, const std::vector<MetricId>& metrics) {
+    Row row{fields.getColumnValue(layout::FieldName), typeCell(fields)};
+    for (const MetricId id : metrics)
+        row.emplace_back(fields.getColumnValue(layout::kFieldListMetrics + static_cast<int>(id)));
+    return row;
+}
+
+std::string titleOf(std::string_view what, const FieldEntry& field, std::int64_t limit, std::int64_t count) {
+    std::string title = fmt::format("{} of {}.{}", what, field.table.name, field.name);
+    if (count > limit)
+        title += fmt::format(" (first {} of {})", limit, count);
+    return title;
+}
+
+/// What `count` is a share of: every row of the table.
+KvbDatavar percentOf(std::int64_t count, std::int64_t rows) {
+    return rows > 0 ? KvbDatavar(100.0 * static_cast<double>(count) / static_cast<double>(rows)) : KvbDatavar();
+}
+
+std::int64_t wholeNumber(const ProfileCursor& cursor, int column) {
+    return KvbDatavar(cursor.getColumnValue(column)).toInt64();
+}
+
+Column::Kind valueKind(const FieldEntry& field) {
+    return isNumericTypeCode(field.typeCode) ? Column::Kind::Number : Column::Kind::Text;
+}
+
+std::int64_t rowsOf(Session& session, const FieldEntry& field) {
+    const std::int64_t rows = session.viewer().getFreqDistSum(field.id);
+    session.check(rows >= 0);
+    return rows;
+}
+
+KvbDatavar fenceCell(int fence) {
+    switch (fence) {
+    case 1:
+        return 1.5;
+    case 2:
+        return 3.0;
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+void listMetrics(Session& session, Listing& listing, const TableEntry& table, MetricChoice choice) {
+    const std::vector<MetricId> metrics = metricsOf(choice);
+    Section section = metricsSection(metrics);
+    section.title = fmt::format("Fields of {}", table.name);
+    listing.begin(section);
+    const ProfileCursorHandle fields = session.checked(session.viewer().getFieldList(table.id));
+    while (fields->next())
+        listing.row(metricsRow(*fields, metrics));
+    listing.end();
+}
+
+void listMetrics(Session& session, Listing& listing, const FieldEntry& field) {
+    const std::vector<MetricId> metrics = metricsOf(MetricChoice::All);
+    Section section = metricsSection(metrics);
+    section.title = titleOf("Metrics", field, kNoLimit, 0);
+    section.isRecord = true;
+    section.columns.push_back({"quantile_rule", "Quantile Rule"});
+    listing.begin(section);
+    const ProfileCursorHandle fields = session.checked(session.viewer().getFieldList(field.table.id));
+    while (fields->next()) {
+        if (fields->getColumnInt(layout::FieldId) != field.id)
+            continue;
+        Row row = metricsRow(*fields, metrics);
+        row.emplace_back(
+            fields->getColumnValue(layout::tailColumn(layout::kFieldListMetrics, layout::TailQuantileRule)));
+        listing.row(row);
+        break;
+    }
+    listing.end();
+}
+
+void listValues(Session& session, Listing& listing, const FieldEntry& field, std::int64_t limit) {
+    const std::int64_t rows = rowsOf(session, field);
+    const int count = session.viewer().getFreqDistCount(field.id);
+    session.check(count >= 0);
+    listing.begin({"values",
+                   titleOf("Values", field, limit, count),
+                   {{"value", "Value"},
+                    {"count", "Count", Column::Kind::Number},
+                    {"percent_of_rows", "% of rows", Column::Kind::Number, kPercentPlaces}},
+                   false,
+                   kNullValue});
+    const ProfileCursorHandle values = session.checked(session.viewer().getFreqDist(field.id, KvbString("")));
+    for (std::int64_t shown = 0; shown < limit && values->next(); ++shown) {
+        const std::int64_t times = wholeNumber(*values, layout::FreqCount);
+        listing.row(Row{values->getColumnValue(layout::FreqValue), times, percentOf(times, rows)});
+    }
+    listing.end();
+}
+
+void listPatterns(Session& session, Listing& listing, const FieldEntry& field, std::int64_t limit) {
+    const std::int64_t rows = rowsOf(session, field);
+    const int count = session.viewer().getPatternDistCount(field.id);
+    session.check(count >= 0);
+    listing.begin({"patterns",
+                   titleOf("Patterns", field, limit, count),
+                   {{"rank", "Rank", Column::Kind::Number},
+                    {"pattern", "Pattern"},
+                    {"short_form", "Short form"},
+                    {"count", "Count", Column::Kind::Number},
+                    {"percent_of_rows", "% of rows", Column::Kind::Number, kPercentPlaces}}});
+    const ProfileCursorHandle patterns = session.checked(session.viewer().getPatternDist(field.id, KvbString("")));
+    for (std::int64_t shown = 0; shown < limit && patterns->next(); ++shown) {
+        const KvbString pattern = patterns->getColumnValue(layout::PatternText);
+        const std::int64_t times = wholeNumber(*patterns, layout::PatternCountColumn);
+        listing.row(Row{wholeNumber(*patterns, layout::PatternRank), pattern,
+                        session.viewer().getAbbreviatedPattern(pattern), times, percentOf(times, rows)});
+    }
+    listing.end();
+}
+
+void listPercentiles(Session& session, Listing& listing, const FieldEntry& field, std::int64_t limit) {
+    listing.begin({"percentiles",
+                   titleOf("Percentiles", field, kNoLimit, 0),
+                   {{"percentile", "Percentile"}, {"value", "Value", valueKind(field)}}});
+    const ProfileCursorHandle percentiles = session.checked(session.viewer().getPercentiles(field.id));
+    for (std::int64_t shown = 0; shown < limit && percentiles->next(); ++shown)
+        listing.row(Row{percentiles->getColumnValue(layout::PercentileInterval),
+                        percentiles->getColumnValue(layout::PercentileValue)});
+    listing.end();
+}
+
+void listOutliers(Session& session, Listing& listing, const FieldEntry& field, std::int64_t limit) {
+    listing.begin({"outliers",
+                   titleOf("Outliers", field, kNoLimit, 0),
+                   {{"side", "Side"},
+                    {"position", "Position", Column::Kind::Number},
+                    {"value", "Value", valueKind(field)},
+                    {"count", "Count", Column::Kind::Number},
+                    {"beyond_fence", "Beyond fence", Column::Kind::Number, 1}}});
+    const ProfileCursorHandle outliers = session.checked(session.viewer().getOutliers(field.id));
+    for (std::int64_t shown = 0; shown < limit && outliers->next(); ++shown) {
+        const bool isLow = outliers->getColumnValue(layout::OutlierSideLetter) == KvbString("L");
+        listing.row(Row{isLow ? "low" : "high", outliers->getColumnInt(layout::OutlierPosition) + 1,
+                        outliers->getColumnValue(layout::OutlierValue), wholeNumber(*outliers, layout::OutlierCount),
+                        fenceCell(outliers->getColumnInt(layout::OutlierFence))});
+    }
+    listing.end();
+}
+
+void listLog(Session& session, Listing& listing, std::int64_t limit) {
+    constexpr std::array<std::string_view, 3> kLevels{"information", "warning", "error"};
+    listing.begin(
+        {"log", "Execution log", {{"date", "Date"}, {"level", "Level"}, {"table", "Table"}, {"text", "Text"}}});
+    const ProfileCursorHandle log = session.checked(session.viewer().getExecutionLog());
+    for (std::int64_t shown = 0; shown < limit && log->next(); ++shown) {
+        const auto level = static_cast<std::size_t>(log->getColumnInt(layout::LogLevelCode));
+        listing.row(Row{dateText(log->getColumnDouble(layout::LogDate)),
+                        std::string(level < kLevels.size() ? kLevels[level] : "?"),
+                        KvbString(log->getColumnValue(layout::LogTable).view()), log->getColumnValue(layout::LogText)});
+    }
+    listing.end();
+}
+
+} // namespace tavix::cli

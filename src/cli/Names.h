@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+/// How the names that a user types find what is stored. Names match exactly.
+namespace tavix::cli {
+
+/// The position of `wanted` in `names`. Throws CommandError when there is none or more than one, naming what there is;
+/// `what` is the kind of thing ("job").
+[[nodiscard]] std::size_t pickByName(std::string_view what, std::string_view wanted,
+                                     std::span<const std::string> names);
+
+/// `names` quoted and joined by commas; the first ten, then how many more.
+[[nodiscard]] std::string listNames(std::span<const std::string> names);
+
+/// A way to read "TABLE.FIELD".
+struct FieldAddress {
+    std::string table;
+    std::string field;
+
+    bool operator==(const FieldAddress&) const = default;
+};
+
+/// Every way to read `text` as TABLE.FIELD with one of `tables`, the longest first, since both names may contain dots.
+/// Either part may stand in double quotes, in which "" is a quote.
+[[nodiscard]] std::vector<FieldAddress> readFieldAddress(std::string_view text, std::span<const std::string> tables);
+
+} // namespace tavix::cli

@@ -1,0 +1,39 @@
+#include "cli/RunsCommand.h"
+
+#include "access/Layouts.h"
+#include "cli/DateText.h"
+#include "cli/Session.h"
+
+#include <CLI/App.hpp>
+
+namespace tavix::cli {
+
+CLI::App* RunsCommand::declare(CLI::App& program) {
+    CLI::App* command = program.add_subcommand("runs", "List the runs of a job");
+    command->add_option("-j,--job", m_job, "The job; may be left out when there is only one")->type_name("NAME");
+    command->footer("Example:\n  tavix runs -R profile.tavix --job sales");
+    return command;
+}
+
+void RunsCommand::run(const CommonOptions& options) {
+    Session session(options.repository);
+    session.selectJob(m_job);
+    Listing listing(options);
+    listing.begin({"runs",
+                   "Runs",
+                   {{"run", "Run", Column::Kind::Number},
+                    {"date", "Date"},
+                    {"tables", "Tables", Column::Kind::Number},
+                    {"records", "Records", Column::Kind::Number},
+                    {"description", "Description"}}});
+    const ProfileCursorHandle runs = session.checked(session.viewer().getJobs());
+    while (runs->next())
+        listing.row(Row{runs->getColumnInt(layout::JobRunId), dateText(runs->getColumnDouble(layout::JobDate)),
+                        KvbDatavar(runs->getColumnValue(layout::JobTables)).toInt64(),
+                        KvbDatavar(runs->getColumnValue(layout::JobRecords)).toInt64(),
+                        KvbString(runs->getColumnValue(layout::JobDescription).view())});
+    listing.end();
+    listing.finish();
+}
+
+} // namespace tavix::cli

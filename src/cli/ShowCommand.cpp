@@ -1,0 +1,149 @@
+#include "cli/ShowCommand.h"
+
+#include "access/Layouts.h"
+#include "cli/CommandError.h"
+#include "cli/DateText.h"
+#include "cli/RunChoice.h"
+#include "cli/Session.h"
+#include "cli/TablesCommand.h"
+
+#include <CLI/App.hpp>
+
+#include <algorithm>
+
+namespace tavix::cli {
+
+namespace {
+
+/// How many values and patterns the overview of a field begins with.
+constexpr std::int64_t kOverviewRows = 20;
+
+} // namespace
+
+CLI::App* ShowCommand::declare(CLI::App& program) {
+    CLI::App* command =
+        program.add_subcommand("show", "Show a run, the metrics of a table, or everything about a field");
+    command->add_option("-t,--table", m_table, "The table: the metrics of its fields")->type_name("NAME");
+    command
+        ->add_option("-f,--field", m_field,
+                     "The field, as TABLE.FIELD, or as FIELD beside --table. A name may contain dots; names in "
+                     "double quotes are taken as they are")
+        ->type_name("T.F");
+    constexpr const char* kLists = "Lists (several may be given; without one a field shows them all)";
+    command->add_flag("--metrics", m_metrics, "The 24 standard metrics")->group(kLists);
+    command->add_flag("--values", m_values, "The value distribution, most frequent first")->group(kLists);
+    command->add_flag("--patterns", m_patterns, "The pattern distribution, most frequent first")->group(kLists);
+    command->add_flag("--percentiles", m_percentiles, "The percentiles")->group(kLists);
+    command->add_flag("--outliers", m_outliers, "The lowest and the highest values")->group(kLists);
+    command->add_flag("--log", m_log, "What the run reported while it was made")->group(kLists);
+    command->add_option("-n,--limit", m_limit, "At most so many rows of each list")
+        ->type_name("N")
+        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
+    addRunChoice(*command, m_job, m_run);
+    command->footer("A field without a list shows its metrics, the first 20 values and patterns, percentiles and\n"
+                    "outliers. A list that is asked for by name is written whole, unless --limit says otherwise.\n\n"
+                    "Examples:\n"
+                    "  tavix show -R profile.tavix\n"
+                    "  tavix show -R profile.tavix --table airports\n"
+                    "  tavix show -R profile.tavix --field airports.state\n"
+                    "  tavix show -R profile.tavix --field airports.state --values --format csv -o states.csv\n"
+                    "  tavix show -R profile.tavix --job sales --run 3 --log");
+    return command;
+}
+
+void ShowCommand::run(const CommonOptions& options) {
+    checkChoice(options);
+    Session session(options.repository);
+    session.selectJob(m_job);
+    session.selectRun(m_run);
+    if (m_field)
+        showField(session, options);
+    else if (m_table)
+        showTable(session, options);
+    else
+        showRun(session, options);
+}
+
+void ShowCommand::checkChoice(const CommonOptions& options) const {
+    const int fieldLists = m_values + m_patterns + m_percentiles + m_outliers;
+    if (fieldLists > 0 && !m_field)
+        throw CommandError(ExitCode::Usage,
+                           "values, patterns, percentiles and outliers belong to a field: name it with --field");
+    if (m_metrics && !m_field && !m_table)
+        throw CommandError(ExitCode::Usage, "metrics of what? Name a table with --table or a field with --field");
+    if (m_log && (m_field || m_table))
+        throw CommandError(ExitCode::Usage, "the log belongs to the run: leave --table and --field out");
+    if (options.format == Format::Csv && m_field && fieldLists + m_metrics != 1)
+        throw CommandError(ExitCode::Usage, "a CSV file holds one list: choose one of --metrics, --values, "
+                                            "--patterns, --percentiles and --outliers");
+    if (options.format == Format::Csv && !m_field && !m_table && !m_log)
+        throw CommandError(ExitCode::Usage,
+                           "a CSV file holds one list: add --table, --field or --log, or use \"tavix tables\"");
+}
+
+std::int64_t ShowCommand::limitOr(std::int64_t limit) const {
+    return m_limit.value_or(limit);
+}
+
+void ShowCommand::showRun(Session& session, const CommonOptions& options) const {
+    if (m_log) {
+        Listing listing(options);
+        listLog(session, listing, limitOr(kNoLimit));
+        listing.finish();
+        return;
+    }
+    const int runId = session.viewer().getCurrentJob();
+    Listing listing(options, Sections::Several);
+    listing.begin(
+        {"run",
+         "Run",
+         {{"job", "Job"}, {"run", "Run", Column::Kind::Number}, {"date", "Date"}, {"description", "Description"}},
+         true});
+    if (runId >= 0) {
+        double date = 0;
+        KvbString description;
+        session.check(session.viewer().getJobInfo(runId, date, description));
+        listing.row(Row{session.jobName(), runId, dateText(date), KvbString(description.view())});
+    }
+    listing.end();
+    listTables(session, listing);
+    listLog(session, listing, limitOr(kOverviewRows));
+    listing.finish();
+}
+
+void ShowCommand::showTable(Session& session, const CommonOptions& options) const {
+    const TableEntry table = session.table(*m_table);
+    Listing listing(options);
+    listMetrics(session, listing, table, MetricChoice::All);
+    listing.finish();
+}
+
+void ShowCommand::showField(Session& session, const CommonOptions& options) const {
+    using List = void (*)(Session&, Listing&, const FieldEntry&, std::int64_t);
+    struct Choice {
+        bool wanted;
+        std::int64_t overview;
+        List list;
+    };
+    const bool all = !m_metrics && !m_values && !m_patterns && !m_percentiles && !m_outliers;
+    const std::vector<Choice> choices{
+        {m_metrics, kNoLimit,
+         [](Session& session_, Listing& listing, const FieldEntry& field, std::int64_t) {
+             listMetrics(session_, listing, field);
+         }},
+        {m_values, kOverviewRows, listValues},
+        {m_patterns, kOverviewRows, listPatterns},
+        {m_percentiles, kNoLimit, listPercentiles},
+        {m_outliers, kNoLimit, listOutliers},
+    };
+    const auto wanted = std::count_if(choices.begin(), choices.end(), [](const Choice& c) { return c.wanted; });
+
+    const FieldEntry field = session.field(*m_field, m_table);
+    Listing listing(options, wanted == 1 ? Sections::One : Sections::Several);
+    for (const Choice& choice : choices)
+        if (all || choice.wanted)
+            choice.list(session, listing, field, limitOr(all ? choice.overview : kNoLimit));
+    listing.finish();
+}
+
+} // namespace tavix::cli

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "cli/Command.h"
+#include "cli/FieldLists.h"
+
+#include <optional>
+#include <vector>
+
+namespace tavix::cli {
+
+/// `tavix show`: a run, a table's metrics or everything about one field.
+class ShowCommand final : public Command {
+  public:
+    CLI::App* declare(CLI::App& program) override;
+    void run(const CommonOptions& options) override;
+
+  private:
+    void checkChoice(const CommonOptions& options) const;
+    void showRun(Session& session, const CommonOptions& options) const;
+    void showTable(Session& session, const CommonOptions& options) const;
+    void showField(Session& session, const CommonOptions& options) const;
+    [[nodiscard]] std::int64_t limitOr(std::int64_t limit) const;
+
+    std::optional<std::string> m_job;
+    std::optional<int> m_run;
+    std::optional<std::string> m_table;
+    std::optional<std::string> m_field;
+    std::optional<std::int64_t> m_limit;
+    bool m_metrics = false;
+    bool m_values = false;
+    bool m_patterns = false;
+    bool m_percentiles = false;
+    bool m_outliers = false;
+    bool m_log = false;
+};
+
+} // namespace tavix::cli

@@ -1,0 +1,59 @@
+#include "cli/TablesCommand.h"
+
+#include "cli/RunChoice.h"
+#include "cli/Session.h"
+
+#include <CLI/App.hpp>
+
+namespace tavix::cli {
+
+namespace {
+
+std::string_view kindName(char letter) {
+    switch (letter) {
+    case 'S':
+        return "query";
+    case 'D':
+        return "filter";
+    default:
+        return "table";
+    }
+}
+
+} // namespace
+
+void listTables(Session& session, Listing& listing) {
+    listing.begin({"tables",
+                   "Tables",
+                   {{"table", "Table"},
+                    {"kind", "Kind"},
+                    {"fields", "Fields", Column::Kind::Number},
+                    {"records", "Records", Column::Kind::Number},
+                    {"processed_records", "Processed", Column::Kind::Number},
+                    {"damaged_records", "Damaged", Column::Kind::Number},
+                    {"data_source", "Data source"}}});
+    for (const TableEntry& table : session.tables())
+        listing.row(Row{table.name, std::string(kindName(table.kind)), table.fields, table.totalRecords,
+                        table.processedRecords, table.damagedRecords, table.dataSource});
+    listing.end();
+}
+
+CLI::App* TablesCommand::declare(CLI::App& program) {
+    CLI::App* command = program.add_subcommand("tables", "List the tables of a run");
+    addRunChoice(*command, m_job, m_run);
+    command->footer("Examples:\n"
+                    "  tavix tables -R profile.tavix\n"
+                    "  tavix tables -R profile.tavix --job sales --run 3 --format json");
+    return command;
+}
+
+void TablesCommand::run(const CommonOptions& options) {
+    Session session(options.repository);
+    session.selectJob(m_job);
+    session.selectRun(m_run);
+    Listing listing(options);
+    listTables(session, listing);
+    listing.finish();
+}
+
+} // namespace tavix::cli

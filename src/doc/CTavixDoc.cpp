@@ -1,0 +1,285 @@
+#include "doc/CTavixDoc.h"
+
+#include "access/Layouts.h"
+#include "base/GenException.h"
+
+#include <algorithm>
+
+namespace tavix {
+
+namespace {
+
+constexpr std::string_view kUntitled = "Untitled";
+constexpr std::string_view kConnectFailed = "Error occurred while connecting to the repository:";
+constexpr std::string_view kRetrieveFailed = "Error occurred while retrieving the profiling report:";
+constexpr std::string_view kOpenFailed = "Error occurred while opening the profiling report:";
+constexpr std::string_view kLoadRunFailed = "Error occurred while loading the report run:";
+constexpr std::string_view kDeleteFailed = "Error occurred while deleting history:";
+constexpr std::string_view kTaskListFailed = "Error occurred while retrieving task list:";
+constexpr std::string_view kNoTaskList = "Unable to create task list";
+constexpr std::string_view kNoHistory = "Error occurred while retrieving report history";
+
+/// Why `call` failed, in the library's words; nothing when it succeeded. The library fails by answering false or by
+/// throwing, and the viewer makes no difference.
+template <typename Call>
+std::optional<std::string> failureOf(const PrViewer& viewer, Call&& call) {
+    try {
+        if (call())
+            return std::nullopt;
+        return viewer.getErrorString().str();
+    } catch (const GenException& failure) {
+        return failure.getText().str();
+    }
+}
+
+/// Raises the frame's loading flag while the views take in a run.
+class LoadingFlag {
+  public:
+    explicit LoadingFlag(DocumentFrame& frame) : m_frame(frame) { m_frame.SetLoading(true); }
+    ~LoadingFlag() { m_frame.SetLoading(false); }
+    LoadingFlag(const LoadingFlag&) = delete;
+    LoadingFlag& operator=(const LoadingFlag&) = delete;
+
+  private:
+    DocumentFrame& m_frame;
+};
+
+} // namespace
+
+CTavixDoc::CTavixDoc(DocumentFrame& frame, SettingsStore& settings, Messages& messages)
+    : m_frame(frame), m_settings(settings), m_messages(messages), m_title(kUntitled) {}
+
+CTavixDoc::~CTavixDoc() {
+    if (m_viewer)
+        m_viewer->close();
+}
+
+void CTavixDoc::Warn(std::string_view leadIn, std::string_view libraryText) const {
+    std::string text(leadIn);
+    text.append("\n\n").append(libraryText);
+    m_messages.warn(text);
+}
+
+bool CTavixDoc::OpenReport(const KvbString& connection, int jobId) {
+    Clear();
+    const auto busy = m_messages.busy();
+    PrViewer::Handle viewer = PrViewer::create();
+    if (const auto failure = failureOf(*viewer, [&] { return viewer->init(connection); })) {
+        Warn(kConnectFailed, *failure);
+        return false;
+    }
+    if (!SetUp(*viewer, jobId)) {
+        viewer->close();
+        Clear();
+        return false;
+    }
+    m_viewer = std::move(viewer);
+    m_jobId = jobId;
+    ReloadTaskList();
+    return true;
+}
+
+bool CTavixDoc::SetUp(PrViewer& viewer, int jobId) {
+    int folderId = -1;
+    KvbString description;
+    if (const auto failure =
+            failureOf(viewer, [&] { return viewer.reportGetReportInfo(jobId, folderId, description); })) {
+        Warn(kRetrieveFailed, *failure);
+        return false;
+    }
+    const auto failure = failureOf(viewer, [&] {
+        if (!viewer.setCurrentJobSetup(jobId))
+            return false;
+        ProfileCursorHandle report = viewer.getReport(jobId);
+        if (!report)
+            return false;
+        if (report->next())
+            m_title = report->getColumnValue(layout::ReportRowName).str();
+        report.reset();
+        KvbString path;
+        KvbString folder;
+        if (folderId != -1 && !viewer.folderGetPathFromId(folderId, path, folder))
+            return false;
+        m_folderPath = path.str();
+        m_currentRun = viewer.getCurrentJob();
+        m_runCount = viewer.getJobCount();
+        if (m_runCount < 0)
+            return false;
+        LoadMetricDisplayList(viewer);
+        return true;
+    });
+    if (failure)
+        Warn(kOpenFailed, *failure);
+    return !failure;
+}
+
+void CTavixDoc::LoadMetricDisplayList(const PrViewer& viewer) {
+    m_metrics.assign(static_cast<std::size_t>(std::max(viewer.getNumMetrics(), 0)), {});
+    int id = 0;
+    for (MetricDisplay& metric : m_metrics)
+        metric.description = viewer.getMetricDescription(id++).str();
+    readMetricChoices(m_settings, m_metrics);
+}
+
+void CTavixDoc::Clear() {
+    if (m_viewer)
+        m_viewer->close();
+    m_viewer.reset();
+    m_jobId = -1;
+    m_currentRun = -1;
+    m_runCount = 0;
+    m_title = kUntitled;
+    m_text.clear();
+    m_folderPath.clear();
+    m_metrics.clear();
+    m_filter = {};
+    m_collections.clear();
+}
+
+bool CTavixDoc::SetCurrentJob(int runId) {
+    if (runId == m_currentRun)
+        return true;
+    if (!m_viewer)
+        return false;
+    if (m_tasks)
+        m_tasks->Save();
+    const auto busy = m_messages.busy();
+    if (const auto failure = failureOf(*m_viewer, [&] { return m_viewer->setCurrentJob(runId); })) {
+        Warn(kLoadRunFailed, *failure);
+        return false;
+    }
+    EnterRun(runId);
+    return true;
+}
+
+void CTavixDoc::EnterRun(int runId) {
+    m_currentRun = runId;
+    m_filter = {};
+    m_collections.clear();
+    RefreshRunCount();
+    ReloadTaskList();
+    {
+        const LoadingFlag loading(m_frame);
+        m_frame.Broadcast(RefreshHint::RunLoaded);
+    }
+    if (m_tasks && !m_tasks->Restore())
+        m_frame.Broadcast(RefreshHint::TaskListLost);
+}
+
+void CTavixDoc::DeleteHistory(const std::function<bool(HistoryDeletion&)>& ask) {
+    if (!m_viewer)
+        return;
+    HistoryDeletion deletion;
+    // A negative bound would mean to the library that there is none.
+    if (!ask(deletion) || deletion.bound < 0)
+        return;
+    m_frame.Broadcast(RefreshHint::HistoryDeletion);
+    if (m_tasks)
+        m_tasks->Save();
+    const auto busy = m_messages.busy();
+    if (const auto failure = failureOf(*m_viewer, [&] { return m_viewer->deleteJobs(-1, deletion.bound, -1); })) {
+        Warn(kDeleteFailed, *failure);
+        return;
+    }
+    if (deletion.bound < m_currentRun) {
+        RefreshRunCount();
+        return;
+    }
+    if (const auto failure = failureOf(*m_viewer, [&] { return m_viewer->setCurrentJob(deletion.runAfter); })) {
+        m_frame.Broadcast(RefreshHint::TaskListLost);
+        Warn(kLoadRunFailed, *failure);
+        return;
+    }
+    EnterRun(deletion.runAfter);
+}
+
+void CTavixDoc::ApplyOptions(std::vector<MetricDisplay> metrics, const Status& saved) {
+    const auto written = writeMetricChoices(m_settings, metrics);
+    if (const Status& outcome = saved ? written : saved; !outcome)
+        m_messages.warn(outcome.error().text);
+    if (HasReport())
+        m_metrics = std::move(metrics);
+    m_frame.Broadcast(RefreshHint::OptionsChanged);
+}
+
+bool CTavixDoc::PostLoadCheck() {
+    return !m_tasks || !HasReport() || m_tasks->Restore();
+}
+
+void CTavixDoc::ReloadTaskList() {
+    if (!m_tasks)
+        return;
+    if (!m_tasks->Create()) {
+        m_messages.warn(kNoTaskList);
+        return;
+    }
+    const auto failure = failureOf(*m_viewer, [&] {
+        const ProfileCursorHandle tasks = m_viewer->getTaskList(m_jobId);
+        if (tasks)
+            m_tasks->Load(*tasks);
+        return tasks != nullptr;
+    });
+    if (failure)
+        Warn(kTaskListFailed, *failure);
+}
+
+void CTavixDoc::RefreshRunCount() {
+    // The number is only shown; when it cannot be read the old one stays.
+    int count = -1;
+    if (!failureOf(*m_viewer, [&] { return (count = m_viewer->getJobCount()) >= 0; }))
+        m_runCount = count;
+}
+
+std::optional<std::vector<RunInfo>> CTavixDoc::GetRuns() const {
+    std::vector<RunInfo> runs;
+    if (!m_viewer)
+        return runs;
+    const auto failure = failureOf(*m_viewer, [&] {
+        const ProfileCursorHandle jobs = m_viewer->getJobs();
+        if (!jobs)
+            return false;
+        while (jobs->next())
+            runs.push_back({jobs->getColumnInt(layout::JobRunId), jobs->getColumnDouble(layout::JobDate),
+                            jobs->getColumnValue(layout::JobDescription).str()});
+        return true;
+    });
+    if (failure) {
+        m_messages.warn(kNoHistory);
+        return std::nullopt;
+    }
+    return runs;
+}
+
+const CollectionsByField& CTavixDoc::GetCollectionsOfTable(int tableId) {
+    static const CollectionsByField kNone;
+    if (!m_viewer)
+        return kNone;
+    if (const auto known = m_collections.find(tableId); known != m_collections.end())
+        return known->second;
+    CollectionsByField collections;
+    const auto failure = failureOf(*m_viewer, [&] {
+        const ProfileCursorHandle rows = m_viewer->getGlobalCollForTable(tableId);
+        if (!rows)
+            return false;
+        while (rows->next())
+            collections[rows->getColumnInt(layout::TableCollectionFieldId)].push_back(
+                rows->getColumnValue(layout::TableCollectionName).str());
+        return true;
+    });
+    // The names only annotate a list that is shown all the same, so that a failure is no reason for a message.
+    return failure ? kNone : m_collections.insert_or_assign(tableId, std::move(collections)).first->second;
+}
+
+const std::vector<std::string>& CTavixDoc::GetCollectionsOfField(int tableId, int fieldId) {
+    static const std::vector<std::string> kNone;
+    const CollectionsByField& collections = GetCollectionsOfTable(tableId);
+    const auto found = collections.find(fieldId);
+    return found == collections.end() ? kNone : found->second;
+}
+
+void CTavixDoc::CollectionsRefreshed() {
+    m_collections.clear();
+    m_frame.Broadcast(RefreshHint::CollectionsRefreshed);
+}
+
+} // namespace tavix

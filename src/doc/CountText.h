@@ -1,0 +1,32 @@
+#pragma once
+
+#include "base/NumberText.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace tavix {
+
+/// A count as people read it, in groups of three digits: "1,234,567".
+[[nodiscard]] inline std::string groupedCount(std::int64_t count) {
+    std::string digits = formatInteger(count);
+    const std::size_t first = digits.starts_with('-') ? 1 : 0;
+    for (std::size_t at = digits.size(); at > first + 3;) {
+        at -= 3;
+        digits.insert(at, 1, ',');
+    }
+    return digits;
+}
+
+/// A count with what it counts: "1 table", "3 tables".
+[[nodiscard]] inline std::string countOf(std::int64_t count, std::string_view noun) {
+    std::string text = groupedCount(count);
+    text += ' ';
+    text += noun;
+    if (count != 1)
+        text += 's';
+    return text;
+}
+
+} // namespace tavix

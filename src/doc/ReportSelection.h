@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tavix {
+
+/// What the navigator shows; the number is the page's index and the document's mode value.
+enum class NavigatorPage { Tables = 0, Collections = 1, Analyses = 2 };
+
+/// Everything that names one table of the report and says how large it is.
+struct TableIdentity {
+    int id = -1;
+    char kind = 'Y'; ///< Y plain, S query, D filter
+    std::string dataSource;
+    std::string catalog;
+    std::string schema;
+    std::string name;       ///< of the table; for a filter its base table
+    std::string objectName; ///< of a query-based or filter-based table; empty for a plain one
+    std::string baseTable;  ///< not empty for a filter-based table
+    std::string query;
+    std::string filter;
+    std::int64_t totalRecords = 0;
+    std::int64_t processedRecords = 0;
+
+    /// The object name, else the plain name.
+    [[nodiscard]] const std::string& displayName() const { return objectName.empty() ? name : objectName; }
+
+    bool operator==(const TableIdentity&) const = default;
+};
+
+/// What is selected in the navigator.
+struct ReportSelection {
+    enum class Kind { Nothing, Table, Collection, Analysis };
+
+    Kind kind = Kind::Nothing;
+    TableIdentity table; ///< when kind is Table
+    int id = -1;         ///< of the collection or analysis
+    std::string name;    ///< of the collection or analysis
+    int fieldId = -1;    ///< the selected field of the table or collection; -1 without one
+    std::string fieldName;
+
+    bool operator==(const ReportSelection&) const = default;
+};
+
+} // namespace tavix

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "base/LibraryDate.h"
+
+#include <locale>
+#include <string>
+#include <vector>
+
+namespace tavix {
+
+/// A run of the current job, as lists of runs show it.
+struct RunInfo {
+    int id = -1;
+    LibraryDate date = 0;
+    std::string description;
+
+    [[nodiscard]] std::string DateText(const std::locale& locale) const {
+        return formatDateTime(decompose(date), locale);
+    }
+
+    bool operator==(const RunInfo&) const = default;
+};
+
+} // namespace tavix

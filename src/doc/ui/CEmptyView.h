@@ -1,0 +1,30 @@
+#pragma once
+
+#include "doc/CRefreshItem.h"
+
+#include <QWidget>
+
+class QLabel;
+
+namespace tavix {
+
+/// Fills the report pane while nothing that has figures is selected, and says what to do about it.
+class CEmptyView final : public QWidget, public CRefreshItem {
+    Q_OBJECT
+  public:
+    explicit CEmptyView(QWidget* parent = nullptr);
+
+    void SetText(const QString& title, const QString& advice);
+    void Refresh(CRefreshItem*, RefreshHint, int) override {}
+
+  protected:
+    void changeEvent(QEvent* event) override;
+
+  private:
+    void ApplyColors();
+
+    QLabel* m_title;
+    QLabel* m_advice;
+};
+
+} // namespace tavix

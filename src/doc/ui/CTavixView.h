@@ -1,0 +1,89 @@
+#pragma once
+
+#include "doc/CRefreshItem.h"
+#include "doc/CTavixDoc.h"
+#include "doc/CViewSite.h"
+#include "doc/ui/CTavixMain.h"
+
+#include <QTimer>
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+class QSplitter;
+class QStackedWidget;
+
+namespace tavix {
+
+class CEmptyView;
+class CTables;
+class CTabStdMet;
+class CTavixApp;
+
+/// The one window that a shell embeds: navigator on the left, report pane on the right. It owns the document and
+/// carries refresh notifications and commands to whom they concern.
+class CTavixView final : public QWidget, public CRefreshItem, public DocumentFrame, public CViewSite {
+    Q_OBJECT
+  public:
+    /// Application and messages must outlive the view.
+    CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent = nullptr);
+    ~CTavixView() override;
+
+    /// Called when the viewer wants run history to be deleted. Without one it deletes by itself.
+    void SetDeleteHistoryRequest(std::function<void()> request) { m_deleteHistoryRequest = std::move(request); }
+    /// Called after the current run or the list of runs may have changed.
+    void SetRunsChanged(std::function<void()> changed) { m_runsChanged = std::move(changed); }
+
+    /// Opens the job's report in place of the present one and keeps `text` with it. False, after a message, leaves
+    /// the view empty.
+    bool LoadReportForJob(const std::string& text, int jobId, const KvbString& connection);
+    /// `connectionType` is exactly "ODBC" or "KVTK", else false.
+    bool SelectTable(const std::string& dataSource, const std::string& connectionType, const std::string& qualifier1,
+                     const std::string& qualifier2, const std::string& table);
+    /// Asks which runs, and deletes them.
+    void DeleteHistory();
+    [[nodiscard]] CTavixMain& GetTavixMain() { return m_main; }
+    [[nodiscard]] CTables& GetNavigator() { return *m_navigator; }
+    void SetInternalFocus();
+
+    void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) override;
+
+    void SetLoading(bool loading) override { m_loading = loading; }
+    void Broadcast(RefreshHint hint) override { Broadcast(nullptr, hint, 0); }
+
+    CTavixDoc& GetTavixDoc() override { return *m_document; }
+    bool IsLoading() const override { return m_loading; }
+    NavigatorPage GetMode() const override { return m_mode; }
+    const ReportSelection& GetSelection() const override { return m_selection; }
+    void SelectionChanged(NavigatorPage page, const ReportSelection& selection) override;
+    void Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) override;
+
+    void OnNew();
+    void OnRefreshCollections();
+    [[nodiscard]] bool CanRefreshCollections() const { return m_mode == NavigatorPage::Collections; }
+    void OnOptions();
+    void OnDeleteHistory();
+    [[nodiscard]] bool CanDeleteHistory() const;
+
+  private:
+    void AfterLoad();
+    void ShowReportPane();
+
+    std::unique_ptr<CTavixDoc> m_document;
+    CTavixMain m_main;
+    QSplitter* m_splitter;
+    CTables* m_navigator = nullptr;
+    QStackedWidget* m_reportPane;
+    CEmptyView* m_empty;
+    CTabStdMet* m_metrics = nullptr;
+    QTimer m_afterLoad;
+    NavigatorPage m_mode = NavigatorPage::Tables;
+    ReportSelection m_selection;
+    bool m_loading = false;
+    std::function<void()> m_deleteHistoryRequest;
+    std::function<void()> m_runsChanged;
+};
+
+} // namespace tavix

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "grid/CUGDataSource.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace tavix {
+
+/// What copying rows of a grid puts on the clipboard: cells separated by a tab character, each row ended by "\r\n",
+/// in the order given. The line of headings, if wanted, comes first.
+[[nodiscard]] std::string copyRows(const CUGDataSource& source, std::span<const std::int64_t> rows, bool withHeadings);
+
+} // namespace tavix

@@ -1,0 +1,35 @@
+#include "grid/GridCopy.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace tavix {
+namespace {
+
+class Numbered : public CUGDataSource {
+  public:
+    int GetColumnCount() const override { return 2; }
+    std::int64_t GetRowCount() const override { return 3; }
+    GridColumn GetColumn(int column) const override {
+        GridColumn heading;
+        heading.heading = column == 0 ? "Field Name" : "Größe";
+        return heading;
+    }
+    GridCell GetCell(int column, std::int64_t row) const override {
+        GridCell cell;
+        cell.text = (column == 0 ? "f" : "v") + std::to_string(row);
+        return cell;
+    }
+    bool Sort(int, bool) override { return false; }
+};
+
+TEST(GridCopy, cellsByTabRowsEndedByCarriageReturnAndLineFeed) {
+    const std::array<std::int64_t, 2> rows = {2, 0};
+    EXPECT_EQ("f2\tv2\r\nf0\tv0\r\n", copyRows(Numbered(), rows, false));
+    EXPECT_EQ("Field Name\tGröße\r\nf2\tv2\r\nf0\tv0\r\n", copyRows(Numbered(), rows, true));
+    EXPECT_EQ("", copyRows(Numbered(), {}, false));
+}
+
+} // namespace
+} // namespace tavix

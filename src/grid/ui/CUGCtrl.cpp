@@ -1,0 +1,332 @@
+#include "grid/ui/CUGCtrl.h"
+
+#include "base/ui/QtText.h"
+#include "grid/GridCopy.h"
+#include "grid/ui/CellDelegate.h"
+#include "grid/ui/GridHeader.h"
+#include "grid/ui/GridModel.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QItemSelectionModel>
+#include <QMenu>
+#include <QScrollBar>
+#include <QStyle>
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace tavix {
+
+namespace {
+
+// Typing looks at no more rows than this, so that a key press never waits.
+constexpr int kSearchedRows = 200'000;
+
+} // namespace
+
+CUGCtrl::CUGCtrl(QWidget* parent) : QTableView(parent), m_model(new GridModel(this)), m_locked(new QTableView(this)) {
+    setModel(m_model);
+    SetUpView(*this);
+    setHorizontalScrollMode(ScrollPerPixel);
+    setTabKeyNavigation(false);
+    setFrameShape(QFrame::NoFrame);
+
+    m_locked->setModel(m_model);
+    m_locked->setSelectionModel(selectionModel());
+    SetUpView(*m_locked);
+    m_locked->setFrameShape(QFrame::NoFrame);
+    m_locked->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_locked->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_locked->setHorizontalScrollMode(ScrollPerPixel);
+    m_locked->setFocusProxy(this);
+    m_locked->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_locked->setObjectName(QStringLiteral("lockedColumns"));
+    m_locked->hide();
+    viewport()->stackUnder(m_locked);
+    ApplyFont();
+
+    connect(m_locked, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& at) { ShowMenu(m_locked->viewport()->mapToGlobal(at)); });
+    connect(m_locked, &QTableView::doubleClicked, this,
+            [this](const QModelIndex& index) { Q_EMIT RowActivated(index.row()); });
+    connect(this, &QTableView::doubleClicked, this,
+            [this](const QModelIndex& index) { Q_EMIT RowActivated(index.row()); });
+    connect(m_locked->verticalScrollBar(), &QScrollBar::valueChanged, verticalScrollBar(), &QScrollBar::setValue);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, m_locked->verticalScrollBar(), &QScrollBar::setValue);
+    for (QTableView* view : {static_cast<QTableView*>(this), m_locked}) {
+        QTableView* other = view == this ? m_locked : this;
+        connect(view->horizontalHeader(), &QHeaderView::sectionClicked, this, &CUGCtrl::ToggleSort);
+        connect(view->horizontalHeader(), &QHeaderView::sectionResized, this,
+                [this, other](int column, int, int width) {
+                    // Hiding a column in one view resizes it to 0 there.
+                    if (width > 0 && !other->isColumnHidden(column) && other->columnWidth(column) != width)
+                        other->setColumnWidth(column, width);
+                    PlaceLockedView();
+                });
+    }
+    connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            [this](const QModelIndex& current) { Q_EMIT CurrentRowChanged(current.isValid() ? current.row() : -1); });
+}
+
+void CUGCtrl::SetUpView(QTableView& view) {
+    view.setHorizontalHeader(new GridHeader(&view));
+    // A click on a heading sorts; it does not select the whole column.
+    disconnect(view.horizontalHeader(), &QHeaderView::sectionPressed, &view, nullptr);
+    disconnect(view.horizontalHeader(), &QHeaderView::sectionEntered, &view, nullptr);
+    view.setItemDelegate(new CellDelegate(*m_model, &view));
+    view.verticalHeader()->hide();
+    view.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    view.setSelectionBehavior(SelectRows);
+    view.setSelectionMode(ExtendedSelection);
+    view.setEditTriggers(NoEditTriggers);
+    view.setAlternatingRowColors(true);
+    view.setShowGrid(false);
+    view.setWordWrap(false);
+    view.setCornerButtonEnabled(false);
+}
+
+void CUGCtrl::SetSource(CUGDataSource* source) {
+    m_model->setSource(source);
+    ApplyColumns();
+}
+
+void CUGCtrl::SourceChanged() {
+    m_model->sourceChanged();
+    ApplyColumns();
+}
+
+void CUGCtrl::ApplyFont() {
+    const int height = std::max(fontMetrics().height(), 16) + 10;
+    for (QTableView* view : {static_cast<QTableView*>(this), m_locked}) {
+        view->verticalHeader()->setMinimumSectionSize(height);
+        view->verticalHeader()->setDefaultSectionSize(height);
+    }
+}
+
+void CUGCtrl::ApplyColumns() {
+    const int locked = LockedColumns();
+    for (int column = 0; column < m_model->columnCount(); ++column) {
+        setColumnWidth(column, Scaled(m_model->source()->GetColumn(column).width));
+        m_locked->setColumnHidden(column, column >= locked);
+    }
+    m_sortColumn = -1;
+    m_sortDescending = false;
+    ShowSortArrow();
+    PlaceLockedView();
+}
+
+void CUGCtrl::ShowSortArrow() {
+    for (QTableView* view : {static_cast<QTableView*>(this), m_locked}) {
+        view->horizontalHeader()->setSortIndicatorShown(true);
+        view->horizontalHeader()->setSortIndicator(m_sortColumn,
+                                                   m_sortDescending ? Qt::DescendingOrder : Qt::AscendingOrder);
+    }
+}
+
+int CUGCtrl::Scaled(int pixels) const {
+    return pixels * logicalDpiX() / 96;
+}
+
+std::vector<int> CUGCtrl::GetColumnWidths() const {
+    std::vector<int> widths;
+    for (int column = 0; column < m_model->columnCount(); ++column)
+        widths.push_back(columnWidth(column) * 96 / logicalDpiX());
+    return widths;
+}
+
+void CUGCtrl::SetColumnWidths(const std::vector<int>& widths) {
+    const int columns = std::min(m_model->columnCount(), static_cast<int>(widths.size()));
+    for (int column = 0; column < columns; ++column)
+        setColumnWidth(column, Scaled(std::clamp(widths[static_cast<std::size_t>(column)], 20, 4000)));
+}
+
+std::int64_t CUGCtrl::GetCurrentRow() const {
+    return currentIndex().isValid() ? currentIndex().row() : -1;
+}
+
+void CUGCtrl::SelectRow(std::int64_t row) {
+    if (row < 0 || row >= m_model->rowCount())
+        return;
+    const QModelIndex index = m_model->index(static_cast<int>(row), 0);
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    scrollTo(index);
+}
+
+std::vector<std::int64_t> CUGCtrl::GetSelectedRows() const {
+    std::vector<std::int64_t> rows;
+    // Ranges, not indexes: everything selected is one range, however many rows it has.
+    for (const QItemSelectionRange& range : selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.push_back(row);
+    }
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return rows;
+}
+
+void CUGCtrl::ToggleSort(int column) {
+    SortBy(column, m_sortColumn == column && !m_sortDescending);
+    // A clicked heading moves the arrow by itself, whether or not the rows could be sorted.
+    ShowSortArrow();
+}
+
+void CUGCtrl::SortBy(int column, bool descending) {
+    CUGDataSource* source = m_model->source();
+    if (!source || m_model->rowCount() < 2)
+        return;
+    std::unordered_set<std::int64_t> selected;
+    for (const std::int64_t row : GetSelectedRows())
+        selected.insert(source->GetRowKey(row));
+    const std::int64_t current = GetCurrentRow();
+    const std::int64_t currentKey = current < 0 ? -1 : source->GetRowKey(current);
+    if (!source->Sort(column, descending))
+        return;
+
+    m_sortColumn = column;
+    m_sortDescending = descending;
+    ShowSortArrow();
+    QItemSelection selection;
+    QModelIndex newCurrent;
+    for (int row = 0; row < m_model->rowCount() && (!selected.empty() || current >= 0); ++row) {
+        const std::int64_t key = source->GetRowKey(row);
+        if (selected.count(key) != 0)
+            selection.select(m_model->index(row, 0), m_model->index(row, m_model->columnCount() - 1));
+        if (current >= 0 && key == currentKey)
+            newCurrent = m_model->index(row, std::max(0, currentIndex().column()));
+    }
+    m_model->orderChanged();
+    selectionModel()->setCurrentIndex(newCurrent, QItemSelectionModel::NoUpdate);
+    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    if (newCurrent.isValid())
+        scrollTo(newCurrent);
+}
+
+void CUGCtrl::CopySelection(bool withHeadings) const {
+    const std::vector<std::int64_t> rows = GetSelectedRows();
+    if (m_model->source() && !rows.empty())
+        QApplication::clipboard()->setText(toQString(copyRows(*m_model->source(), rows, withHeadings)));
+}
+
+void CUGCtrl::keyPressEvent(QKeyEvent* event) {
+    const bool control = event->modifiers().testFlag(Qt::ControlModifier);
+    if (control && event->key() == Qt::Key_C) {
+        CopySelection(event->modifiers().testFlag(Qt::ShiftModifier));
+        return;
+    }
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && GetCurrentRow() >= 0) {
+        Q_EMIT RowActivated(GetCurrentRow());
+        return;
+    }
+    QTableView::keyPressEvent(event);
+}
+
+void CUGCtrl::keyboardSearch(const QString& typed) {
+    const bool goesOn = m_sinceTyped.isValid() && m_sinceTyped.elapsed() < QApplication::keyboardInputInterval();
+    m_sinceTyped.start();
+    m_typed = goesOn ? m_typed + typed : typed;
+    // One letter again and again walks through the names that begin with it.
+    const bool repeated = m_typed.count(m_typed.at(0), Qt::CaseInsensitive) == m_typed.size();
+    const QString wanted = repeated ? m_typed.left(1) : m_typed;
+    const int rows = std::min(m_model->rowCount(), kSearchedRows);
+    const int start = std::max(0, currentIndex().row()) + (repeated && currentIndex().isValid() ? 1 : 0);
+    for (int step = 0; step < rows; ++step) {
+        const int row = (start + step) % rows;
+        const QString name = m_model->index(row, 0).data().toString();
+        if (name.startsWith(wanted, Qt::CaseInsensitive)) {
+            SelectRow(row);
+            return;
+        }
+    }
+}
+
+void CUGCtrl::contextMenuEvent(QContextMenuEvent* event) {
+    if (event->reason() == QContextMenuEvent::Keyboard && currentIndex().isValid())
+        ShowMenu(viewport()->mapToGlobal(visualRect(currentIndex()).bottomLeft()));
+    else
+        ShowMenu(event->globalPos());
+}
+
+void CUGCtrl::ShowMenu(const QPoint& globalPosition) {
+    QMenu menu(this);
+    menu.addActions(actions());
+    if (!actions().isEmpty())
+        menu.addSeparator();
+    const bool selected = selectionModel()->hasSelection();
+    QAction* copy = menu.addAction(QStringLiteral("&Copy"), QKeySequence(Qt::CTRL | Qt::Key_C), this,
+                                   [this] { CopySelection(false); });
+    copy->setEnabled(selected);
+    QAction* withHeadings =
+        menu.addAction(QStringLiteral("Copy with &Headings"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C), this,
+                       [this] { CopySelection(true); });
+    withHeadings->setEnabled(selected);
+    QAction* all =
+        menu.addAction(QStringLiteral("Select &All"), QKeySequence(Qt::CTRL | Qt::Key_A), this, &QTableView::selectAll);
+    all->setEnabled(m_model->rowCount() > 0);
+    if (const int column = currentIndex().column(); column >= 0 && m_model->rowCount() > 1) {
+        menu.addSeparator();
+        const QString heading = toQString(m_model->source()->GetColumn(column).heading);
+        menu.addAction(QStringLiteral("&Sort by %1").arg(QString(heading).replace(u'&', QStringLiteral("&&"))), this,
+                       [this, column] { ToggleSort(column); });
+    }
+    menu.exec(globalPosition);
+}
+
+int CUGCtrl::LockedColumns() const {
+    int locked = 0;
+    while (locked < m_model->columnCount() && m_model->source()->GetColumn(locked).locked)
+        ++locked;
+    return locked;
+}
+
+int CUGCtrl::LockedWidth() const {
+    int width = 0;
+    for (int column = 0, locked = LockedColumns(); column < locked; ++column)
+        width += columnWidth(column);
+    return width;
+}
+
+void CUGCtrl::PlaceLockedView() {
+    const int width = LockedWidth();
+    // Unscrolled, the columns below are the same; a pane narrower than the locked columns has no room for both.
+    const bool needed = width > 0 && horizontalScrollBar()->value() > 0 && width < viewport()->width();
+    if (needed) {
+        m_locked->horizontalHeader()->setFixedHeight(horizontalHeader()->height());
+        m_locked->setGeometry(frameWidth(), frameWidth(), width, viewport()->height() + horizontalHeader()->height());
+        m_locked->verticalScrollBar()->setValue(verticalScrollBar()->value());
+    }
+    m_locked->setVisible(needed);
+}
+
+void CUGCtrl::resizeEvent(QResizeEvent* event) {
+    QTableView::resizeEvent(event);
+    PlaceLockedView();
+}
+
+void CUGCtrl::changeEvent(QEvent* event) {
+    QTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        ApplyFont();
+}
+
+void CUGCtrl::scrollContentsBy(int dx, int dy) {
+    QTableView::scrollContentsBy(dx, dy);
+    if (dx != 0)
+        PlaceLockedView();
+}
+
+void CUGCtrl::scrollTo(const QModelIndex& index, ScrollHint hint) {
+    if (index.column() < LockedColumns()) {
+        // Always in view sideways.
+        const int sideways = horizontalScrollBar()->value();
+        QTableView::scrollTo(index, hint);
+        horizontalScrollBar()->setValue(sideways);
+        return;
+    }
+    QTableView::scrollTo(index, hint);
+    if (const int hidden = LockedWidth() - visualRect(index).left(); hidden > 0)
+        horizontalScrollBar()->setValue(horizontalScrollBar()->value() - hidden);
+}
+
+} // namespace tavix

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "grid/CUGDataSource.h"
+
+#include <QElapsedTimer>
+#include <QTableView>
+
+#include <vector>
+
+namespace tavix {
+
+class GridModel;
+
+/// The one grid: the rows of a CUGDataSource, of which only those on the screen are fetched. Whole rows are selected.
+/// A click on a heading sorts where the source can; leading locked columns stay in view; typing finds a row by its
+/// first column; Ctrl+C copies the selected rows, Ctrl+Shift+C with the headings. Actions added to the widget come
+/// first in its context menu.
+class CUGCtrl final : public QTableView {
+    Q_OBJECT
+  public:
+    explicit CUGCtrl(QWidget* parent = nullptr);
+
+    /// Not owned; must outlive the grid or be taken back with null.
+    void SetSource(CUGDataSource* source);
+    /// To be called when the source's rows or columns are others now. Widths, selection and sorting start anew.
+    void SourceChanged();
+
+    /// In pixels at 96 dpi, one per column, so that an owner can keep and give back what the user dragged.
+    [[nodiscard]] std::vector<int> GetColumnWidths() const;
+    /// Entries beyond the columns are ignored; columns beyond the entries keep the source's width.
+    void SetColumnWidths(const std::vector<int>& widths);
+
+    /// -1 without one.
+    [[nodiscard]] std::int64_t GetCurrentRow() const;
+    void SelectRow(std::int64_t row);
+    /// Ascending order of the rows on the screen.
+    [[nodiscard]] std::vector<std::int64_t> GetSelectedRows() const;
+    void SortBy(int column, bool descending);
+    void CopySelection(bool withHeadings) const;
+
+    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
+    void keyboardSearch(const QString& typed) override;
+
+  Q_SIGNALS:
+    void CurrentRowChanged(qint64 row);
+    /// Enter or a double click.
+    void RowActivated(qint64 row);
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+
+  private:
+    void SetUpView(QTableView& view);
+    void ApplyFont();
+    void ApplyColumns();
+    void PlaceLockedView();
+    void ShowSortArrow();
+    void ToggleSort(int column);
+    void ShowMenu(const QPoint& globalPosition);
+    [[nodiscard]] int LockedColumns() const;
+    [[nodiscard]] int LockedWidth() const;
+    [[nodiscard]] int Scaled(int pixels) const;
+
+    GridModel* m_model;
+    QTableView* m_locked; ///< the locked columns again, over the scrolled ones
+    int m_sortColumn = -1;
+    bool m_sortDescending = false;
+    QString m_typed;
+    QElapsedTimer m_sinceTyped;
+};
+
+} // namespace tavix

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QStyledItemDelegate>
+
+namespace tavix {
+
+class GridModel;
+
+/// Draws a cell from one fetch: picture, text, the look of null and unknown, the alert corner. The tooltip shows what
+/// does not fit.
+class CellDelegate final : public QStyledItemDelegate {
+    Q_OBJECT
+  public:
+    CellDelegate(const GridModel& model, QObject* parent) : QStyledItemDelegate(parent), m_model(model) {}
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override;
+
+  private:
+    const GridModel& m_model;
+};
+
+} // namespace tavix

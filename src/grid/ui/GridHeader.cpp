@@ -1,0 +1,89 @@
+#include "grid/ui/GridHeader.h"
+
+#include "base/ui/Theme.h"
+#include "grid/ui/Tints.h"
+
+#include <QPainter>
+
+namespace tavix {
+
+namespace {
+
+constexpr int kPadding = 8;
+constexpr int kArrow = 8;
+// Columns this narrow hold a single letter, which then stands in their middle.
+constexpr int kNarrow = 40;
+
+void paintArrow(QPainter& painter, const QRectF& rect, bool descending, const QColor& color) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(color, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    const QPointF middle = rect.center();
+    const double height = descending ? 2.0 : -2.0;
+    painter.drawPolyline(QPolygonF{{middle.x() - 3.5, middle.y() - height},
+                                   {middle.x(), middle.y() + height},
+                                   {middle.x() + 3.5, middle.y() - height}});
+    painter.restore();
+}
+
+} // namespace
+
+GridHeader::GridHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
+    setSectionsClickable(true);
+    setHighlightSections(false);
+    setSectionsMovable(false);
+    setMinimumSectionSize(20);
+    setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    setMouseTracking(true);
+}
+
+QSize GridHeader::sizeHint() const {
+    return {QHeaderView::sizeHint().width(), fontMetrics().height() + 14};
+}
+
+void GridHeader::paintEvent(QPaintEvent* event) {
+    QHeaderView::paintEvent(event);
+    // The area beyond the last column belongs to the heading row as well.
+    const int end = length() - offset();
+    if (end >= viewport()->width())
+        return;
+    QPainter painter(viewport());
+    const QRect rest(qMax(0, end), 0, viewport()->width() - qMax(0, end), viewport()->height());
+    painter.fillRect(rest, palette().color(QPalette::Window));
+    painter.fillRect(QRect(rest.left(), rest.bottom(), rest.width(), 1), tint::line(palette()));
+}
+
+void GridHeader::paintSection(QPainter* painter, const QRect& rect, int section) const {
+    const QPalette& colors = palette();
+    const QColor line = tint::line(colors);
+    painter->save();
+    painter->fillRect(rect, colors.color(QPalette::Window));
+    painter->fillRect(QRect(rect.left(), rect.bottom(), rect.width(), 1), line);
+    painter->fillRect(QRect(rect.right(), rect.top() + 7, 1, rect.height() - 14), line);
+
+    const bool narrow = rect.width() < kNarrow;
+    const bool sorted = isSortIndicatorShown() && sortIndicatorSection() == section;
+    QRect textRect = narrow ? rect : rect.adjusted(kPadding, 0, -kPadding, -1);
+    if (sorted) {
+        const QRectF arrow = narrow ? QRectF(rect.left(), rect.bottom() - 7, rect.width(), 5)
+                                    : QRectF(rect.right() - kPadding - kArrow + 3, rect.top(), kArrow, rect.height());
+        paintArrow(*painter, arrow, sortIndicatorOrder() == Qt::DescendingOrder, colors.color(QPalette::WindowText));
+        if (!narrow)
+            textRect.setRight(textRect.right() - kArrow - 2);
+    }
+    const auto alignment =
+        narrow
+            ? Qt::Alignment(Qt::AlignCenter)
+            : Qt::Alignment(model()->headerData(section, orientation(), Qt::TextAlignmentRole).value<Qt::Alignment>());
+    QFont headingFont = font();
+    headingFont.setWeight(QFont::DemiBold);
+    painter->setFont(headingFont);
+    painter->setPen(sorted ? colors.color(QPalette::WindowText)
+                           : mixed(colors.color(QPalette::WindowText), colors.color(QPalette::Window), 0.25));
+    const QString text = model()->headerData(section, orientation(), Qt::DisplayRole).toString();
+    painter->drawText(textRect, static_cast<int>(alignment) | Qt::TextSingleLine,
+                      QFontMetrics(headingFont).elidedText(text, Qt::ElideRight, textRect.width()));
+    painter->restore();
+}
+
+} // namespace tavix

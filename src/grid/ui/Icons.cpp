@@ -1,0 +1,208 @@
+#include "grid/ui/Icons.h"
+
+#include "grid/ui/Tints.h"
+
+#include <QPainterPath>
+
+namespace tavix {
+
+namespace {
+
+// All shapes are drawn in a square of 16 units.
+class IconPainter {
+  public:
+    IconPainter(QPainter& painter, const QPalette& palette, bool onSelection)
+        : m_painter(painter),
+          m_accent(tint::accent(palette)),
+          m_warm(tint::accentWarm(palette)),
+          m_cool(tint::accentCool(palette)) {
+        if (onSelection)
+            m_accent = m_warm = m_cool = palette.color(QPalette::HighlightedText);
+    }
+
+    [[nodiscard]] const QColor& accent() const { return m_accent; }
+    [[nodiscard]] const QColor& cool() const { return m_cool; }
+
+    void field(bool inLookup) {
+        stroke(m_accent);
+        m_painter.drawRoundedRect(QRectF(5.5, 1.5, 5, 13), 1.2, 1.2);
+        m_painter.drawLine(QPointF(5.5, 5.5), QPointF(10.5, 5.5));
+        m_painter.drawLine(QPointF(5.5, 10), QPointF(10.5, 10));
+        if (inLookup) {
+            fill(m_cool);
+            m_painter.drawEllipse(QPointF(12.2, 12.2), 3, 3);
+        }
+    }
+
+    void table() {
+        stroke(m_accent);
+        m_painter.setBrush(wash(m_accent));
+        m_painter.drawRoundedRect(QRectF(1.5, 2.5, 13, 11), 1.5, 1.5);
+        m_painter.drawLine(QPointF(1.5, 6), QPointF(14.5, 6));
+        m_painter.drawLine(QPointF(1.5, 9.75), QPointF(14.5, 9.75));
+        m_painter.drawLine(QPointF(6, 6), QPointF(6, 13.5));
+    }
+
+    void badge(const QPolygonF& shape) {
+        fill(m_warm);
+        m_painter.drawPolygon(shape);
+    }
+
+    void filterTable() {
+        table();
+        badge({{8.5, 9}, {15.5, 9}, {13, 12}, {13, 15}, {11, 15}, {11, 12}});
+    }
+
+    void queryTable() {
+        table();
+        badge({{10, 8.5}, {15.5, 12}, {10, 15.5}});
+    }
+
+    void source() {
+        const QColor color = m_cool;
+        stroke(color);
+        m_painter.setBrush(wash(color));
+        QPainterPath body;
+        body.moveTo(2.5, 4);
+        body.lineTo(2.5, 12);
+        body.cubicTo(2.5, 15.2, 13.5, 15.2, 13.5, 12);
+        body.lineTo(13.5, 4);
+        m_painter.drawPath(body);
+        m_painter.drawEllipse(QRectF(2.5, 1.7, 11, 4.6));
+        m_painter.setBrush(Qt::NoBrush);
+        QPainterPath ring;
+        ring.moveTo(2.5, 8);
+        ring.cubicTo(2.5, 11.2, 13.5, 11.2, 13.5, 8);
+        m_painter.drawPath(ring);
+    }
+
+    void folder(const QColor& color) {
+        stroke(color);
+        m_painter.setBrush(wash(color));
+        m_painter.drawPolygon(QPolygonF{{1.5, 13.5}, {1.5, 3}, {6, 3}, {7.5, 5}, {14.5, 5}, {14.5, 13.5}});
+    }
+
+    void collection() {
+        const QColor color = m_warm;
+        stroke(color);
+        m_painter.setBrush(wash(color));
+        m_painter.drawRoundedRect(QRectF(1.5, 5.5, 9, 9), 1.5, 1.5);
+        m_painter.setBrush(Qt::NoBrush);
+        m_painter.drawPolyline(QPolygonF{{4, 3.2}, {12.8, 3.2}, {12.8, 12}});
+        m_painter.drawPolyline(QPolygonF{{6.5, 1}, {15, 1}, {15, 9.5}});
+    }
+
+    void key() {
+        stroke(m_warm, 1.5);
+        m_painter.drawEllipse(QPointF(5, 8), 3.2, 3.2);
+        m_painter.drawLine(QPointF(8.2, 8), QPointF(14.5, 8));
+        m_painter.drawLine(QPointF(14, 8), QPointF(14, 11.5));
+        m_painter.drawLine(QPointF(11, 8), QPointF(11, 10.5));
+    }
+
+    void redundancy() {
+        const QColor color = m_cool;
+        stroke(color, 1.3);
+        m_painter.setBrush(wash(color));
+        m_painter.drawEllipse(QPointF(6, 8), 4.5, 4.5);
+        m_painter.drawEllipse(QPointF(10, 8), 4.5, 4.5);
+    }
+
+  private:
+    void stroke(const QColor& color, double width = 1.1) {
+        m_painter.setPen(QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        m_painter.setBrush(Qt::NoBrush);
+    }
+    void fill(const QColor& color) {
+        m_painter.setPen(Qt::NoPen);
+        m_painter.setBrush(color);
+    }
+    static QColor wash(QColor color) {
+        color.setAlphaF(0.16F);
+        return color;
+    }
+
+    QPainter& m_painter;
+    QColor m_accent;
+    QColor m_warm;
+    QColor m_cool;
+};
+
+} // namespace
+
+void paintIcon(QPainter& painter, const QRectF& rect, CellIcon icon, const QPalette& palette, bool onSelection) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(rect.topLeft());
+    painter.scale(rect.width() / 16.0, rect.height() / 16.0);
+    IconPainter draw(painter, palette, onSelection);
+    switch (icon) {
+    case CellIcon::None:
+        break;
+    case CellIcon::Field:
+        draw.field(false);
+        break;
+    case CellIcon::FieldInLookup:
+        draw.field(true);
+        break;
+    case CellIcon::KeyAnalysis:
+        draw.key();
+        break;
+    case CellIcon::Redundancy:
+        draw.redundancy();
+        break;
+    case CellIcon::Table:
+        draw.table();
+        break;
+    case CellIcon::QueryTable:
+        draw.queryTable();
+        break;
+    case CellIcon::FilterTable:
+        draw.filterTable();
+        break;
+    case CellIcon::Source:
+        draw.source();
+        break;
+    case CellIcon::Catalog:
+        draw.folder(draw.cool());
+        break;
+    case CellIcon::Schema:
+        draw.folder(draw.accent());
+        break;
+    case CellIcon::Collection:
+        draw.collection();
+        break;
+    }
+    painter.restore();
+}
+
+QString iconMeaning(CellIcon icon) {
+    switch (icon) {
+    case CellIcon::None:
+    case CellIcon::Field:
+        return {};
+    case CellIcon::FieldInLookup:
+        return QStringLiteral("Member of a collection");
+    case CellIcon::KeyAnalysis:
+        return QStringLiteral("Has primary key/foreign key analyses");
+    case CellIcon::Redundancy:
+        return QStringLiteral("Has redundant data analyses");
+    case CellIcon::Table:
+        return QStringLiteral("Table");
+    case CellIcon::QueryTable:
+        return QStringLiteral("Table from an SQL query");
+    case CellIcon::FilterTable:
+        return QStringLiteral("Filtered table");
+    case CellIcon::Source:
+        return QStringLiteral("Data source");
+    case CellIcon::Catalog:
+        return QStringLiteral("Catalog");
+    case CellIcon::Schema:
+        return QStringLiteral("Schema");
+    case CellIcon::Collection:
+        return QStringLiteral("Collection");
+    }
+    return {};
+}
+
+} // namespace tavix

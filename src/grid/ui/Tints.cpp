@@ -1,0 +1,27 @@
+#include "grid/ui/Tints.h"
+
+#include "base/ui/Theme.h"
+
+namespace tavix::tint {
+
+QColor line(const QPalette& palette) {
+    return mixed(palette.color(QPalette::Window), palette.color(QPalette::WindowText), isDark(palette) ? 0.16 : 0.14);
+}
+
+QColor alert(const QPalette& palette) {
+    return isDark(palette) ? QColor(255, 122, 89) : QColor(217, 72, 38);
+}
+
+QColor accent(const QPalette& palette) {
+    return isDark(palette) ? QColor(110, 168, 254) : QColor(37, 99, 200);
+}
+
+QColor accentWarm(const QPalette& palette) {
+    return isDark(palette) ? QColor(240, 180, 90) : QColor(190, 120, 20);
+}
+
+QColor accentCool(const QPalette& palette) {
+    return isDark(palette) ? QColor(92, 201, 170) : QColor(20, 135, 105);
+}
+
+} // namespace tavix::tint

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QColor>
+#include <QPalette>
+
+/// Colours that are no palette roles of their own, derived from the palette so that they suit a light and a dark one.
+namespace tavix::tint {
+
+/// Hair lines between areas.
+[[nodiscard]] QColor line(const QPalette& palette);
+/// Marks a figure that an alert watches.
+[[nodiscard]] QColor alert(const QPalette& palette);
+/// The colour of small pictures.
+[[nodiscard]] QColor accent(const QPalette& palette);
+[[nodiscard]] QColor accentWarm(const QPalette& palette);
+[[nodiscard]] QColor accentCool(const QPalette& palette);
+
+} // namespace tavix::tint

@@ -1,0 +1,171 @@
+#include "base/ui/QtText.h"
+#include "grid/CellOrder.h"
+#include "grid/ui/CUGCtrl.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QHeaderView>
+#include <QScrollBar>
+#include <QTest>
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <set>
+
+namespace tavix {
+namespace {
+
+// Rows named row0, row1, ... over columns of which the first is locked; notes which cells were asked for.
+class Rows : public CUGDataSource {
+  public:
+    explicit Rows(int rows, int columns = 3) : m_columns(columns) {
+        for (int row = 0; row < rows; ++row)
+            m_order.push_back(row);
+    }
+    int GetColumnCount() const override { return m_columns; }
+    std::int64_t GetRowCount() const override { return static_cast<std::int64_t>(m_order.size()); }
+    GridColumn GetColumn(int column) const override {
+        GridColumn heading;
+        heading.heading = "H" + std::to_string(column);
+        heading.width = 130;
+        heading.locked = column == 0;
+        return heading;
+    }
+    GridCell GetCell(int column, std::int64_t row) const override {
+        asked.insert(row);
+        GridCell cell;
+        cell.text = Text(column, m_order[static_cast<std::size_t>(row)]);
+        return cell;
+    }
+    std::int64_t GetRowKey(std::int64_t row) const override { return m_order[static_cast<std::size_t>(row)]; }
+    bool Sort(int column, bool descending) override {
+        if (column == 2)
+            return false;
+        std::stable_sort(m_order.begin(), m_order.end(), [&](int a, int b) {
+            const CellOrderKey left(Text(column, a));
+            const CellOrderKey right(Text(column, b));
+            return descending ? right < left : left < right;
+        });
+        return true;
+    }
+    mutable std::set<std::int64_t> asked;
+
+  private:
+    static std::string Text(int column, int row) {
+        return column == 0 ? "row" + std::to_string(row) : std::to_string((row * 7) % 10);
+    }
+    int m_columns;
+    std::vector<int> m_order;
+};
+
+std::string firstColumn(const CUGCtrl& grid) {
+    std::string text;
+    for (int row = 0; row < grid.model()->rowCount(); ++row)
+        text += toUtf8(grid.model()->index(row, 0).data().toString()) + " ";
+    return text;
+}
+
+void clickHeading(CUGCtrl& grid, int column) {
+    QHeaderView* header = grid.horizontalHeader();
+    const QPoint at(header->sectionViewportPosition(column) + 20, header->height() / 2);
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, at);
+}
+
+TEST(CUGCtrl, headingClickSortsTogglesAndKeepsTheSelectedRow) {
+    Rows rows(5);
+    CUGCtrl grid;
+    grid.SetSource(&rows);
+    grid.resize(600, 300);
+    grid.show();
+    grid.SelectRow(3);
+
+    clickHeading(grid, 1);
+    EXPECT_EQ("row0 row3 row2 row1 row4 ", firstColumn(grid));
+    EXPECT_EQ(1, grid.GetCurrentRow());
+    EXPECT_THAT(grid.GetSelectedRows(), testing::ElementsAre(1));
+
+    clickHeading(grid, 1);
+    EXPECT_EQ("row4 row1 row2 row3 row0 ", firstColumn(grid));
+    EXPECT_THAT(grid.GetSelectedRows(), testing::ElementsAre(3));
+
+    // A column that cannot be sorted by leaves rows and arrow alone.
+    clickHeading(grid, 2);
+    EXPECT_EQ("row4 row1 row2 row3 row0 ", firstColumn(grid));
+    EXPECT_EQ(1, grid.horizontalHeader()->sortIndicatorSection());
+}
+
+TEST(CUGCtrl, keysCopyTheSelectedRows) {
+    Rows rows(4);
+    CUGCtrl grid;
+    grid.SetSource(&rows);
+    grid.show();
+    grid.SelectRow(1);
+    QTest::keyClick(&grid, Qt::Key_Down, Qt::ShiftModifier);
+    QTest::keyClick(&grid, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ("row1\t7\t7\r\nrow2\t4\t4\r\n", toUtf8(QApplication::clipboard()->text()));
+    QTest::keyClick(&grid, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ("H0\tH1\tH2\r\nrow1\t7\t7\r\nrow2\t4\t4\r\n", toUtf8(QApplication::clipboard()->text()));
+}
+
+TEST(CUGCtrl, typingFindsByTheFirstColumn) {
+    Rows rows(30);
+    CUGCtrl grid;
+    grid.SetSource(&rows);
+    grid.show();
+    QTest::keyClicks(&grid, QStringLiteral("row17"));
+    EXPECT_EQ(17, grid.GetCurrentRow());
+    qint64 activated = -1;
+    QObject::connect(&grid, &CUGCtrl::RowActivated, [&](qint64 row) { activated = row; });
+    QTest::keyClick(&grid, Qt::Key_Return);
+    EXPECT_EQ(17, activated);
+}
+
+TEST(CUGCtrl, fetchesOnlyWhatItPaints) {
+    Rows rows(1'000'000);
+    CUGCtrl grid;
+    grid.SetSource(&rows);
+    grid.resize(400, 300);
+    grid.show();
+    grid.grab();
+    EXPECT_LT(rows.asked.size(), 20U);
+    EXPECT_GT(rows.asked.size(), 3U);
+}
+
+TEST(CUGCtrl, lockedColumnStaysInViewWhenScrolledSideways) {
+    Rows rows(5, 12);
+    CUGCtrl grid;
+    grid.SetSource(&rows);
+    grid.resize(500, 300);
+    grid.show();
+    auto* locked = grid.findChild<QTableView*>(QStringLiteral("lockedColumns"));
+    ASSERT_NE(nullptr, locked);
+    EXPECT_FALSE(locked->isVisible());
+
+    grid.SelectRow(2);
+    for (int i = 0; i < 11; ++i)
+        QTest::keyClick(&grid, Qt::Key_Right);
+    EXPECT_GT(grid.horizontalScrollBar()->value(), 0);
+    EXPECT_TRUE(locked->isVisible());
+    EXPECT_EQ(130, locked->width());
+    // Walking back, no cell is left hidden below the locked one.
+    for (int column = 10; column >= 1; --column) {
+        QTest::keyClick(&grid, Qt::Key_Left);
+        EXPECT_EQ(column, grid.currentIndex().column());
+        EXPECT_GE(grid.visualRect(grid.currentIndex()).left(), 130);
+    }
+}
+
+TEST(CUGCtrl, widthsAreTheSourcesUntilTheUserDragsThem) {
+    Rows rows(2);
+    CUGCtrl grid;
+    grid.SetSource(&rows);
+    EXPECT_THAT(grid.GetColumnWidths(), testing::ElementsAre(130, 130, 130));
+    grid.SetColumnWidths({200, 5, 60, 70, 80});
+    EXPECT_THAT(grid.GetColumnWidths(), testing::ElementsAre(200, 20, 60));
+    grid.SourceChanged();
+    EXPECT_THAT(grid.GetColumnWidths(), testing::ElementsAre(130, 130, 130));
+}
+
+} // namespace
+} // namespace tavix

@@ -1,0 +1,208 @@
+#include "host/TavixHost.h"
+
+#include "access/Layouts.h"
+#include "access/PrViewer.h"
+#include "base/GenException.h"
+#include "doc/CTavixApp.h"
+#include "doc/Settings.h"
+#include "doc/ui/CTavixView.h"
+
+#include <QPointer>
+
+#include <utility>
+
+namespace Veldra::Solenne::Tavix {
+
+namespace {
+
+// A session of its own that ends with the scope, whatever is thrown.
+class PrivateSession {
+  public:
+    explicit PrivateSession(const tavix::KvbString& connection)
+        : m_viewer(tavix::PrViewer::create()), m_open(m_viewer->init(connection)) {}
+    ~PrivateSession() {
+        try {
+            m_viewer->close();
+        } catch (const tavix::GenException&) {
+            // The answer is known; a session that ends badly changes nothing about it.
+        }
+    }
+    PrivateSession(const PrivateSession&) = delete;
+    PrivateSession& operator=(const PrivateSession&) = delete;
+
+    [[nodiscard]] bool isOpen() const { return m_open; }
+    tavix::PrViewer* operator->() { return m_viewer.get(); }
+
+  private:
+    tavix::PrViewer::Handle m_viewer;
+    bool m_open;
+};
+
+std::string dateText(tavix::LibraryDate date) {
+    return tavix::formatDateTime(tavix::decompose(date), tavix::userLocale());
+}
+
+} // namespace
+
+struct TavixHost::Window {
+    QPointer<tavix::CTavixView> view;
+};
+
+TavixHost::TavixHost(tavix::Messages& messages)
+    : m_app(std::make_unique<tavix::CTavixApp>()), m_messages(messages), m_window(std::make_unique<Window>()) {}
+
+TavixHost::TavixHost(tavix::Messages& messages, std::unique_ptr<tavix::SettingsStore> settings)
+    : m_app(std::make_unique<tavix::CTavixApp>(std::move(settings))),
+      m_messages(messages),
+      m_window(std::make_unique<Window>()) {}
+
+TavixHost::~TavixHost() {
+    DestroyWindowCore();
+}
+
+tavix::CTavixView* TavixHost::View() const {
+    return m_window->view;
+}
+
+QWidget* TavixHost::BuildWindowCore(QWidget* parent) {
+    DestroyWindowCore();
+    auto* view = new tavix::CTavixView(*m_app, m_messages, parent);
+    m_window->view = view;
+    view->SetDeleteHistoryRequest([this] { DeleteHistory(); });
+    view->SetRunsChanged([this] {
+        for (const RunsChangedHandler& handler : RunsChangedEvent)
+            handler(*this);
+    });
+    for (const WindowCreatedHandler& handler : OnTavixWindowCreated)
+        handler(*this);
+    return view;
+}
+
+void TavixHost::DestroyWindowCore() {
+    delete View();
+}
+
+bool TavixHost::ReportExists(int jobId, const TavixConnection* connection) {
+    if (!connection)
+        return false;
+    try {
+        PrivateSession session(connection->GetConnectionString());
+        int folderId = -1;
+        tavix::KvbString text;
+        return session.isOpen() && session->reportGetReportInfo(jobId, folderId, text);
+    } catch (const tavix::GenException&) {
+        return false;
+    }
+}
+
+tavix::Result<std::vector<TavixReportInfo>> TavixHost::GetReports(const TavixConnection& connection) {
+    using namespace tavix::layout;
+    try {
+        PrivateSession session(connection.GetConnectionString());
+        if (!session.isOpen())
+            return tavix::Error{session->getErrorString().str()};
+        const tavix::ProfileCursorHandle rows = session->getReports();
+        if (!rows)
+            return tavix::Error{session->getErrorString().str()};
+        std::vector<TavixReportInfo> reports;
+        while (rows->next()) {
+            TavixReportInfo& report = reports.emplace_back();
+            report.JobID = rows->getColumnInt(ReportId);
+            report.Name = rows->getColumnValue(ReportName).str();
+            report.Description = rows->getColumnValue(ReportDescription).str();
+            report.RunCount = rows->getColumnInt(ReportRunCount);
+            if (!rows->isColumnNull(ReportLastRunDate))
+                report.LastRun = dateText(rows->getColumnDouble(ReportLastRunDate));
+        }
+        return reports;
+    } catch (const tavix::GenException& exception) {
+        return tavix::Error{exception.getText().str()};
+    }
+}
+
+bool TavixHost::LoadReportForJob(const std::string& text, int jobId, const TavixConnection* connection) {
+    return View() && connection && View()->LoadReportForJob(text, jobId, connection->GetConnectionString());
+}
+
+std::vector<TavixRunInfo> TavixHost::GetJobRuns() const {
+    std::vector<TavixRunInfo> list;
+    if (!View())
+        return list;
+    const auto runs = View()->GetTavixDoc().GetRuns();
+    if (!runs)
+        return list;
+    const std::locale locale = tavix::userLocale();
+    for (const tavix::RunInfo& run : *runs)
+        list.push_back({run.id, run.description, run.DateText(locale), run.date});
+    return list;
+}
+
+int TavixHost::GetCurrentRun() const {
+    return View() ? View()->GetTavixDoc().GetCurrentJob() : -1;
+}
+
+bool TavixHost::SetCurrentRun(int runId) {
+    return View() && View()->GetTavixDoc().SetCurrentJob(runId);
+}
+
+bool TavixHost::SelectTable(const std::string& dataSource, const std::string& connectionType,
+                            const std::string& qualifier1, const std::string& qualifier2, const std::string& table) {
+    return View() && View()->SelectTable(dataSource, connectionType, qualifier1, qualifier2, table);
+}
+
+void TavixHost::DeleteHistory() {
+    for (const DeleteHistoryHandler& handler : DeleteHistoryEvent) {
+        handler([this] {
+            if (View())
+                View()->DeleteHistory();
+        });
+    }
+}
+
+void TavixHost::SetInternalFocus() {
+    if (View())
+        View()->SetInternalFocus();
+}
+
+std::vector<TavixCommandInfo> TavixHost::GetCommands() {
+    std::vector<TavixCommandInfo> list;
+    for (const tavix::TavixCommand& command : tavix::CTavixMain::Commands()) {
+        const std::size_t split = command.text.find('\n');
+        list.push_back({static_cast<int>(command.id), std::string(command.text.substr(split + 1)),
+                        std::string(command.text.substr(0, split))});
+    }
+    return list;
+}
+
+bool TavixHost::ExecuteCommand(int commandId) {
+    return View() && View()->GetTavixMain().Execute(commandId);
+}
+
+TavixCommandState TavixHost::ExecuteUpdateUICommand(int commandId) const {
+    if (!View())
+        return {};
+    const tavix::CommandState state = View()->GetTavixMain().Update(commandId);
+    return {state.handled, state.enabled, state.checked};
+}
+
+std::string TavixHost::GetReportTitle() const {
+    return View() ? View()->GetTavixDoc().GetTitle() : "Untitled";
+}
+
+bool TavixHost::HasReport() const {
+    return View() && View()->GetTavixDoc().HasReport();
+}
+
+tavix::SettingsStore& TavixHost::GetSettings() const {
+    return m_app->GetSettings();
+}
+
+bool TavixHost::ShowsWelcomeAtStart() const {
+    return !tavix::readFlag(m_app->GetSettings(), tavix::Setting::HideWelcomeDialog);
+}
+
+const std::string& TavixHost::GetStartProblem() const {
+    return m_app->GetStartProblem();
+}
+
+} // namespace Veldra::Solenne::Tavix

@@ -1,0 +1,212 @@
+#include "base/tests/TempFolder.h"
+#include "base/ui/QtText.h"
+#include "host/TavixHost.h"
+#include "support/SampleRepository.h"
+
+#include <QLabel>
+#include <QStackedWidget>
+#include <QTabBar>
+#include <QTableView>
+#include <QTest>
+#include <QTreeView>
+
+#include <gmock/gmock.h>
+
+namespace Veldra::Solenne::Tavix {
+namespace {
+
+using tavix::toUtf8;
+using ::testing::ElementsAre;
+
+// Collects the words of every box, so that a test sees the ones that it did not expect as well.
+class RecordedMessages final : public tavix::Messages {
+  public:
+    void warn(std::string_view text, std::string_view) override { texts.emplace_back(text); }
+    Answer ask(std::string_view text, std::string_view, Answer preset) override {
+        texts.emplace_back(text);
+        return preset;
+    }
+    std::unique_ptr<Busy> busy() override { return std::make_unique<Busy>(); }
+    std::vector<std::string> texts;
+};
+
+class PathConnection final : public TavixConnection {
+  public:
+    explicit PathConnection(std::string path) : m_path(std::move(path)) {}
+    tavix::KvbString GetConnectionString() const override { return m_path; }
+
+  private:
+    std::string m_path;
+};
+
+class HostOverSample : public ::testing::Test {
+  protected:
+    HostOverSample()
+        : m_sample(tavix::testing::SampleRepository::build(m_folder.file("sample.tavix"))),
+          m_connection(m_sample.path),
+          m_host(m_messages, tavix::makeMemorySettings()) {
+        m_view = m_host.BuildWindowCore(nullptr);
+        m_view->resize(1200, 700);
+        m_view->show();
+    }
+    ~HostOverSample() override {
+        m_host.DestroyWindowCore();
+        EXPECT_THAT(m_messages.texts, ElementsAre());
+    }
+
+    bool load() { return m_host.LoadReportForJob("text", m_sample.salesJob, &m_connection); }
+    [[nodiscard]] QTreeView& tree(int page) {
+        return *m_view->findChild<QTreeView*>(QStringLiteral("page%1").arg(page));
+    }
+    [[nodiscard]] QWidget& metrics() { return *m_view->findChild<QWidget*>(QStringLiteral("standardMetrics")); }
+    [[nodiscard]] QTableView& grid() { return *metrics().findChild<QTableView*>(); }
+    [[nodiscard]] std::string title() { return toUtf8(metrics().findChild<QLabel*>()->text()); }
+    [[nodiscard]] std::string selected(int page) { return toUtf8(tree(page).currentIndex().data().toString()); }
+
+    tavix::testing::TempFolder m_folder;
+    tavix::testing::SampleRepository m_sample;
+    PathConnection m_connection;
+    RecordedMessages m_messages;
+    TavixHost m_host;
+    QWidget* m_view = nullptr;
+};
+
+TEST_F(HostOverSample, reportExistsAsksInASessionOfItsOwn) {
+    EXPECT_TRUE(TavixHost::ReportExists(m_sample.salesJob, &m_connection));
+    EXPECT_FALSE(TavixHost::ReportExists(4711, &m_connection));
+    EXPECT_FALSE(TavixHost::ReportExists(m_sample.salesJob, nullptr));
+    const PathConnection nowhere(m_folder.file("none.tavix"));
+    EXPECT_FALSE(TavixHost::ReportExists(m_sample.salesJob, &nowhere));
+}
+
+TEST_F(HostOverSample, reportsAndRunsAreListed) {
+    const auto reports = TavixHost::GetReports(m_connection);
+    ASSERT_TRUE(reports.ok());
+    std::vector<std::string> lines;
+    for (const TavixReportInfo& report : *reports)
+        lines.push_back(report.Name + " " + std::to_string(report.RunCount));
+    EXPECT_THAT(lines, ::testing::UnorderedElementsAre("Sales 3", "Inventory 1"));
+    EXPECT_FALSE(TavixHost::GetReports(PathConnection(m_folder.file("none.tavix"))).ok());
+
+    EXPECT_TRUE(m_host.GetJobRuns().empty());
+    EXPECT_EQ(-1, m_host.GetCurrentRun());
+    ASSERT_TRUE(load());
+    EXPECT_EQ(3U, m_host.GetJobRuns().size());
+    EXPECT_EQ(m_sample.salesRuns.back(), m_host.GetCurrentRun());
+    EXPECT_EQ("Sales", m_host.GetReportTitle());
+}
+
+TEST_F(HostOverSample, aFailedLoadLeavesTheViewEmptyAndUsable) {
+    EXPECT_FALSE(m_host.LoadReportForJob("text", m_sample.salesJob, nullptr));
+    ASSERT_TRUE(load());
+    EXPECT_FALSE(m_host.LoadReportForJob("text", 4711, &m_connection));
+    ASSERT_EQ(1U, m_messages.texts.size());
+    EXPECT_THAT(m_messages.texts.front(), ::testing::StartsWith("Error occurred while "));
+    m_messages.texts.clear();
+    EXPECT_EQ("Untitled", m_host.GetReportTitle());
+    EXPECT_EQ(0, tree(0).model()->rowCount());
+    EXPECT_TRUE(load());
+}
+
+TEST_F(HostOverSample, aTableIsSelectedByNameAndShown) {
+    ASSERT_TRUE(load());
+    EXPECT_FALSE(m_host.SelectTable("Warehouse", "odbc", "crm", "public", "customers"));
+    EXPECT_FALSE(m_host.SelectTable("Warehouse", "KVTK", "crm", "public", "customers"));
+    ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
+    EXPECT_EQ("customers", selected(0));
+    EXPECT_EQ("customers", title());
+    EXPECT_GT(grid().model()->rowCount(), 3);
+    EXPECT_EQ(28, grid().model()->columnCount());
+    EXPECT_FALSE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "nothing"));
+}
+
+TEST_F(HostOverSample, somethingIsShownSoonAfterLoading) {
+    ASSERT_TRUE(load());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return metrics().isVisible(); }, 5000));
+    EXPECT_GT(grid().model()->rowCount(), 0);
+}
+
+TEST_F(HostOverSample, selectionSurvivesAChangeOfRunWhereTheTableExists) {
+    ASSERT_TRUE(load());
+    ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "", "dbo", "suppliers"));
+    tree(0).expand(tree(0).currentIndex());
+    int changes = 0;
+    m_host.RunsChangedEvent.push_back([&changes](TavixHost&) { ++changes; });
+    EXPECT_TRUE(m_host.SetCurrentRun(m_host.GetCurrentRun()));
+    EXPECT_EQ(0, changes);
+
+    ASSERT_TRUE(m_host.SetCurrentRun(m_sample.salesRuns.front()));
+    EXPECT_EQ(1, changes);
+    EXPECT_EQ("suppliers", selected(0));
+    EXPECT_TRUE(tree(0).isExpanded(tree(0).currentIndex()));
+    EXPECT_EQ("suppliers", title());
+
+    ASSERT_TRUE(m_host.SetCurrentRun(m_sample.salesRuns.back()));
+    ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "", "", "late orders"));
+    ASSERT_TRUE(m_host.SetCurrentRun(m_sample.salesRuns.front()));
+    EXPECT_EQ("Warehouse", selected(0));
+    EXPECT_FALSE(metrics().isVisible());
+}
+
+TEST_F(HostOverSample, keysWalkFromATableToItsFieldAndTheGridFollows) {
+    ASSERT_TRUE(load());
+    ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
+    m_host.SetInternalFocus();
+    QTest::keyClick(&tree(0), Qt::Key_Right);
+    QTest::keyClick(&tree(0), Qt::Key_Down);
+    QTest::keyClick(&tree(0), Qt::Key_Down);
+    EXPECT_EQ(1, grid().currentIndex().row());
+    EXPECT_EQ(selected(0), toUtf8(grid().model()->index(1, 0).data().toString()));
+    EXPECT_EQ("customers", title());
+}
+
+TEST_F(HostOverSample, commandsFollowTheNavigatorsPage) {
+    const int refresh = static_cast<int>(CommandId::RefreshCollections);
+    ASSERT_TRUE(load());
+    EXPECT_EQ((TavixCommandState{true, false, false}), m_host.ExecuteUpdateUICommand(refresh));
+    EXPECT_TRUE(m_host.ExecuteCommand(refresh));
+    m_view->findChild<QTabBar*>()->setCurrentIndex(1);
+    EXPECT_EQ((TavixCommandState{true, true, false}), m_host.ExecuteUpdateUICommand(refresh));
+    QTest::keyClick(&tree(1), Qt::Key_Down);
+    EXPECT_EQ("Amounts", selected(1));
+    EXPECT_EQ("Amounts", title());
+    EXPECT_TRUE(m_host.ExecuteCommand(refresh));
+    EXPECT_EQ("Amounts", title());
+
+    EXPECT_FALSE(m_host.ExecuteCommand(1));
+    EXPECT_EQ(TavixCommandState{}, m_host.ExecuteUpdateUICommand(1));
+    EXPECT_EQ(4U, TavixHost::GetCommands().size());
+    EXPECT_TRUE(m_host.ExecuteCommand(static_cast<int>(CommandId::New)));
+    EXPECT_FALSE(m_host.HasReport());
+    EXPECT_FALSE(metrics().isVisible());
+}
+
+TEST_F(HostOverSample, deletingHistoryIsTheShellsToAllow) {
+    EXPECT_FALSE(m_host.ExecuteUpdateUICommand(static_cast<int>(CommandId::DeleteHistory)).Enabled);
+    ASSERT_TRUE(load());
+    EXPECT_TRUE(m_host.ExecuteUpdateUICommand(static_cast<int>(CommandId::DeleteHistory)).Enabled);
+    m_host.DeleteHistory();
+    int asked = 0;
+    m_host.DeleteHistoryEvent.push_back([&asked](const std::function<void()>&) { ++asked; });
+    m_host.ExecuteCommand(static_cast<int>(CommandId::DeleteHistory));
+    m_host.DeleteHistory();
+    EXPECT_EQ(2, asked);
+    EXPECT_EQ(3U, m_host.GetJobRuns().size());
+}
+
+TEST_F(HostOverSample, windowsCanBeMadeAgainAndDieWithTheirParent) {
+    int created = 0;
+    m_host.OnTavixWindowCreated.push_back([&created](TavixHost&) { ++created; });
+    for (int round = 0; round < 3; ++round) {
+        auto parent = std::make_unique<QWidget>();
+        m_host.BuildWindowCore(parent.get());
+        ASSERT_TRUE(load());
+        parent.reset();
+        EXPECT_FALSE(m_host.HasReport());
+        EXPECT_FALSE(load());
+    }
+    EXPECT_EQ(3, created);
+}
+
+} // namespace
+} // namespace Veldra::Solenne::Tavix

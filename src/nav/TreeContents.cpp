@@ -1,0 +1,337 @@
+#include "nav/TreeContents.h"
+
+#include "access/Layouts.h"
+#include "access/PrViewer.h"
+#include "base/GenException.h"
+#include "base/NumberText.h"
+#include "doc/CountText.h"
+
+namespace tavix {
+
+namespace {
+
+TreeNode& append(TreeNode& parent, TreeNodeKind kind, int id, std::string name) {
+    auto node = std::make_unique<TreeNode>();
+    node->kind = kind;
+    node->id = id;
+    node->name = std::move(name);
+    node->parent = &parent;
+    node->row = static_cast<int>(parent.children.size());
+    parent.children.push_back(std::move(node));
+    return *parent.children.back();
+}
+
+std::string text(const ProfileCursor& cursor, int column) {
+    return cursor.getColumnValue(column).str();
+}
+
+std::int64_t count(const ProfileCursor& cursor, int column) {
+    return cursor.isColumnNull(column) ? -1 : saturateToInt64(cursor.getColumnDouble(column));
+}
+
+// The node for a catalog or schema below `parent`; `parent` itself when the table has none.
+TreeNode& enter(TreeNode& parent, TreeNodeKind kind, const std::string& name) {
+    if (name.empty())
+        return parent;
+    // Tables of one schema mostly follow each other.
+    for (auto child = parent.children.rbegin(); child != parent.children.rend(); ++child) {
+        if ((*child)->kind == kind && (*child)->name == name)
+            return **child;
+    }
+    TreeNode& node = append(parent, kind, -1, name);
+    node.mayHaveChildren = true;
+    node.fetched = true;
+    return node;
+}
+
+TableIdentity readTable(const ProfileCursor& cursor, const std::string& dataSource) {
+    using namespace layout;
+    TableIdentity table;
+    const std::string kind = text(cursor, TableKindLetter);
+    table.kind = kind.empty() ? 'Y' : kind.front();
+    table.id = cursor.getColumnInt(TableId);
+    table.dataSource = dataSource;
+    table.catalog = text(cursor, TableCatalog);
+    table.schema = text(cursor, TableSchema);
+    table.name = text(cursor, TableName);
+    table.objectName = text(cursor, TableObjectName);
+    table.baseTable = text(cursor, TableBase);
+    table.query = text(cursor, TableQuery);
+    table.filter = text(cursor, TableFilter);
+    if (table.filter.empty())
+        table.filter = text(cursor, TableAlternateFilter);
+    table.totalRecords = count(cursor, TableTotalRecords);
+    table.processedRecords = count(cursor, TableProcessedRecords);
+    return table;
+}
+
+std::string typeWord(const std::string& code) {
+    if (code.empty())
+        return {};
+    switch (code.front()) {
+    case 'S':
+        return "text";
+    case 'I':
+        return "integer";
+    case 'R':
+        return "real";
+    case 'D':
+        return "date";
+    case 'B':
+        return "boolean";
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+TreeNodeKey TreeNode::key() const {
+    const bool named = kind == TreeNodeKind::Catalog || kind == TreeNodeKind::Schema;
+    return {kind, id, named ? name : std::string()};
+}
+
+TreeContents::TreeContents(NavigatorPage page) : m_page(page) {
+    Reset(nullptr);
+}
+
+void TreeContents::Reset(PrViewer* viewer) {
+    m_viewer = viewer;
+    m_root = std::make_unique<TreeNode>();
+    m_root->mayHaveChildren = viewer != nullptr;
+    m_root->fetched = viewer == nullptr;
+}
+
+bool TreeContents::Fetch(TreeNode& node) {
+    if (node.fetched)
+        return true;
+    node.fetched = true;
+    bool done = false;
+    try {
+        switch (node.kind) {
+        case TreeNodeKind::Root:
+            done = m_page == NavigatorPage::Tables        ? FetchDataSources(node)
+                   : m_page == NavigatorPage::Collections ? FetchCollections(node)
+                                                          : FetchAnalyses(node);
+            break;
+        case TreeNodeKind::DataSource:
+            done = FetchTables(node);
+            break;
+        case TreeNodeKind::Table:
+            done = FetchFields(node);
+            break;
+        case TreeNodeKind::Collection:
+            done = FetchCollectionFields(node);
+            break;
+        default:
+            return true;
+        }
+        if (!done)
+            m_error = m_viewer->getErrorString().str();
+    } catch (const GenException& exception) {
+        m_error = exception.getText().str();
+        done = false;
+    }
+    if (!done)
+        node.children.clear();
+    return done;
+}
+
+bool TreeContents::FetchDataSources(TreeNode& node) {
+    const ProfileCursorHandle cursor = m_viewer->getDSNList();
+    if (!cursor)
+        return false;
+    while (cursor->next()) {
+        TreeNode& source =
+            append(node, TreeNodeKind::DataSource, cursor->getColumnInt(layout::DsnId), text(*cursor, layout::DsnName));
+        source.sourceKind = cursor->getColumnInt(layout::DsnKind);
+        source.count = count(*cursor, layout::DsnTables);
+        source.mayHaveChildren = source.count != 0;
+    }
+    return true;
+}
+
+bool TreeContents::FetchTables(TreeNode& node) {
+    const ProfileCursorHandle cursor = m_viewer->getTableList(node.id);
+    if (!cursor)
+        return false;
+    while (cursor->next()) {
+        TableIdentity identity = readTable(*cursor, node.name);
+        TreeNode& catalog = enter(node, TreeNodeKind::Catalog, identity.catalog);
+        TreeNode& schema = enter(catalog, TreeNodeKind::Schema, identity.schema);
+        TreeNode& table = append(schema, TreeNodeKind::Table, identity.id, identity.displayName());
+        table.count = identity.totalRecords;
+        table.mayHaveChildren = count(*cursor, layout::TableFields) != 0;
+        table.table = std::move(identity);
+    }
+    return true;
+}
+
+bool TreeContents::FetchFields(TreeNode& node) {
+    const ProfileCursorHandle cursor = m_viewer->getFieldList(node.id);
+    if (!cursor)
+        return false;
+    while (cursor->next()) {
+        TreeNode& field =
+            append(node, TreeNodeKind::Field, cursor->getColumnInt(layout::FieldId), text(*cursor, layout::FieldName));
+        field.typeCode = text(*cursor, layout::FieldTypeCode);
+    }
+    return true;
+}
+
+bool TreeContents::FetchCollections(TreeNode& node) {
+    const ProfileCursorHandle cursor = m_viewer->getGlobalCollections();
+    if (!cursor)
+        return false;
+    while (cursor->next()) {
+        TreeNode& collection = append(node, TreeNodeKind::Collection, cursor->getColumnInt(layout::CollectionId),
+                                      text(*cursor, layout::CollectionName));
+        collection.count = count(*cursor, layout::CollectionFields);
+        collection.mayHaveChildren = collection.count != 0;
+    }
+    return true;
+}
+
+bool TreeContents::FetchCollectionFields(TreeNode& node) {
+    const ProfileCursorHandle cursor = m_viewer->getGlobalCollFieldList(node.id);
+    if (!cursor)
+        return false;
+    while (cursor->next()) {
+        TreeNode& field = append(node, TreeNodeKind::CollectionField, cursor->getColumnInt(layout::FieldId),
+                                 text(*cursor, layout::FieldName));
+        const std::string object = text(*cursor, layout::SourceObject);
+        field.origin = object.empty() ? text(*cursor, layout::SourceTable) : object;
+    }
+    return true;
+}
+
+bool TreeContents::FetchAnalyses(TreeNode& node) {
+    const ProfileCursorHandle cursor = m_viewer->getRdaCfgs();
+    if (!cursor)
+        return false;
+    while (cursor->next()) {
+        TreeNode& analysis =
+            append(node, TreeNodeKind::Analysis, cursor->getColumnInt(layout::RdaId), text(*cursor, layout::RdaName));
+        analysis.count = count(*cursor, layout::RdaFields);
+    }
+    return true;
+}
+
+void TreeContents::Open(TreeNode& node) {
+    if (m_opener)
+        m_opener(node);
+    else
+        Fetch(node);
+}
+
+TreePath TreeContents::pathOf(const TreeNode& node) {
+    TreePath path;
+    for (const TreeNode* at = &node; at->parent; at = at->parent)
+        path.insert(path.begin(), at->key());
+    return path;
+}
+
+TreeNode* TreeContents::Find(const TreePath& path) {
+    TreeNode* node = m_root.get();
+    for (const TreeNodeKey& key : path) {
+        Open(*node);
+        TreeNode* next = nullptr;
+        for (const auto& child : node->children) {
+            if (child->key() == key) {
+                next = child.get();
+                break;
+            }
+        }
+        if (!next)
+            return nullptr;
+        node = next;
+    }
+    return node;
+}
+
+TreeNode* TreeContents::FindFirstTable() {
+    return FindFirstTable(*m_root);
+}
+
+TreeNode* TreeContents::FindFirstTable(TreeNode& node) {
+    Open(node);
+    for (const auto& child : node.children) {
+        if (child->kind == TreeNodeKind::Table)
+            return child.get();
+        if (TreeNode* table = FindFirstTable(*child))
+            return table;
+    }
+    return nullptr;
+}
+
+TreeNode* TreeContents::FindTable(const std::string& dataSource, const std::string& qualifier1,
+                                  const std::string& qualifier2, const std::string& table, int mode) {
+    Open(*m_root);
+    for (const auto& source : m_root->children) {
+        if (source->name == dataSource && source->sourceKind == mode)
+            return FindTableBelow(*source, qualifier1, qualifier2, table);
+    }
+    return nullptr;
+}
+
+TreeNode* TreeContents::FindTableBelow(TreeNode& node, const std::string& qualifier1, const std::string& qualifier2,
+                                       const std::string& table) {
+    Open(node);
+    for (const auto& child : node.children) {
+        const bool entered = (child->kind == TreeNodeKind::Catalog && child->name == qualifier1) ||
+                             (child->kind == TreeNodeKind::Schema && child->name == qualifier2);
+        if (entered) {
+            if (TreeNode* found = FindTableBelow(*child, qualifier1, qualifier2, table))
+                return found;
+        }
+        if (child->kind == TreeNodeKind::Table && child->name == table)
+            return child.get();
+    }
+    return nullptr;
+}
+
+std::string countText(const TreeNode& node) {
+    switch (node.kind) {
+    case TreeNodeKind::Table:
+        return node.count < 0 ? std::string() : groupedCount(node.count);
+    case TreeNodeKind::DataSource:
+        return node.count < 0 ? std::string() : countOf(node.count, "table");
+    case TreeNodeKind::Collection:
+    case TreeNodeKind::Analysis:
+        return node.count < 0 ? std::string() : countOf(node.count, "field");
+    case TreeNodeKind::Field:
+        return typeWord(node.typeCode);
+    case TreeNodeKind::CollectionField:
+        return node.origin;
+    default:
+        return {};
+    }
+}
+
+ReportSelection selectionOf(const TreeNode& node) {
+    ReportSelection selection;
+    const TreeNode* owner = &node;
+    if (node.kind == TreeNodeKind::Field || node.kind == TreeNodeKind::CollectionField) {
+        selection.fieldId = node.id;
+        selection.fieldName = node.name;
+        owner = node.parent;
+    }
+    switch (owner->kind) {
+    case TreeNodeKind::Table:
+        selection.kind = ReportSelection::Kind::Table;
+        selection.table = owner->table;
+        break;
+    case TreeNodeKind::Collection:
+    case TreeNodeKind::Analysis:
+        selection.kind = owner->kind == TreeNodeKind::Collection ? ReportSelection::Kind::Collection
+                                                                 : ReportSelection::Kind::Analysis;
+        selection.id = owner->id;
+        selection.name = owner->name;
+        break;
+    default:
+        break;
+    }
+    return selection;
+}
+
+} // namespace tavix

@@ -1,0 +1,139 @@
+#include "access/PrViewer.h"
+#include "base/tests/TempFolder.h"
+#include "nav/CollectionRefresh.h"
+#include "nav/TreeContents.h"
+#include "support/SampleRepository.h"
+
+#include <gtest/gtest.h>
+
+namespace tavix {
+namespace {
+
+// The tree as a user would see it with everything down to `depth` opened.
+std::string shown(TreeContents& contents, TreeNode& node, int depth, int level = 0) {
+    std::string text;
+    contents.Fetch(node);
+    for (const auto& child : node.children) {
+        const std::string count = countText(*child);
+        text += std::string(static_cast<std::size_t>(level) * 2, ' ') + child->name +
+                (count.empty() ? "" : " [" + count + "]") + "\n";
+        if (depth > 1)
+            text += shown(contents, *child, depth - 1, level + 1);
+    }
+    return text;
+}
+
+class TreeContentsOfSample : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        m_sample = testing::SampleRepository::build(m_folder.file("sample.tavix"));
+        m_viewer = PrViewer::create();
+        ASSERT_TRUE(m_viewer->init(m_sample.path));
+        ASSERT_TRUE(m_viewer->setCurrentJobSetup(m_sample.salesJob));
+        m_tables.Reset(m_viewer.get());
+        m_collections.Reset(m_viewer.get());
+    }
+    void TearDown() override { m_viewer->close(); }
+
+    testing::TempFolder m_folder;
+    testing::SampleRepository m_sample;
+    PrViewer::Handle m_viewer;
+    TreeContents m_tables{NavigatorPage::Tables};
+    TreeContents m_collections{NavigatorPage::Collections};
+};
+
+TEST_F(TreeContentsOfSample, tablesStandBelowTheirCatalogAndSchema) {
+    const std::string text = shown(m_tables, m_tables.root(), 4);
+    EXPECT_NE(std::string::npos, text.find("Warehouse ["));
+    EXPECT_NE(std::string::npos, text.find("  crm\n    public\n      customers ["));
+    EXPECT_NE(std::string::npos, text.find("  dbo\n    suppliers ["));
+    EXPECT_NE(std::string::npos, text.find("\n  orders [1,000]\n"));
+    EXPECT_NE(std::string::npos, text.find("/data/files [1 table]\n  airports ["));
+}
+
+TEST_F(TreeContentsOfSample, nodesAreFetchedWhenTheyAreOpened) {
+    m_tables.Fetch(m_tables.root());
+    ASSERT_EQ(2U, m_tables.root().children.size());
+    for (const auto& source : m_tables.root().children) {
+        EXPECT_TRUE(source->mayHaveChildren);
+        EXPECT_FALSE(source->fetched);
+        EXPECT_TRUE(source->children.empty());
+    }
+}
+
+TEST_F(TreeContentsOfSample, selectionKnowsTheTableAndItsField) {
+    TreeNode* table = m_tables.FindTable("Warehouse", "crm", "public", "german customers", 0);
+    ASSERT_NE(nullptr, table);
+    ReportSelection selection = selectionOf(*table);
+    EXPECT_EQ(ReportSelection::Kind::Table, selection.kind);
+    EXPECT_EQ(m_sample.tables.at("german customers"), selection.table.id);
+    EXPECT_EQ('D', selection.table.kind);
+    EXPECT_EQ("german customers", selection.table.objectName);
+    EXPECT_EQ("customers", selection.table.name);
+    EXPECT_FALSE(selection.table.baseTable.empty());
+    EXPECT_FALSE(selection.table.filter.empty());
+
+    ASSERT_TRUE(m_tables.Fetch(*table));
+    ASSERT_FALSE(table->children.empty());
+    selection = selectionOf(*table->children.front());
+    EXPECT_EQ(ReportSelection::Kind::Table, selection.kind);
+    EXPECT_EQ(table->children.front()->id, selection.fieldId);
+    EXPECT_EQ(ReportSelection::Kind::Nothing, selectionOf(*m_tables.root().children.front()).kind);
+}
+
+TEST_F(TreeContentsOfSample, findTableIsExact) {
+    EXPECT_NE(nullptr, m_tables.FindTable("Warehouse", "crm", "public", "customers", 0));
+    EXPECT_NE(nullptr, m_tables.FindTable("Warehouse", "", "dbo", "suppliers", 0));
+    EXPECT_NE(nullptr, m_tables.FindTable("Warehouse", "", "", "big orders", 0));
+    EXPECT_NE(nullptr, m_tables.FindTable("/data/files", "", "", "airports", 4));
+    EXPECT_EQ(nullptr, m_tables.FindTable("/data/files", "", "", "airports", 0));
+    EXPECT_EQ(nullptr, m_tables.FindTable("warehouse", "crm", "public", "customers", 0));
+    EXPECT_EQ(nullptr, m_tables.FindTable("Warehouse", "CRM", "public", "customers", 0));
+    EXPECT_EQ(nullptr, m_tables.FindTable("Warehouse", "crm", "private", "customers", 0));
+    EXPECT_EQ(nullptr, m_tables.FindTable("Warehouse", "crm", "public", "Customers", 0));
+    EXPECT_EQ(nullptr, m_tables.FindTable("", "", "", "", 0));
+}
+
+TEST_F(TreeContentsOfSample, aPathIsFoundAgainInAnotherRunWhereTheObjectExists) {
+    TreeNode* late = m_tables.FindTable("Warehouse", "", "", "late orders", 0);
+    TreeNode* customers = m_tables.FindTable("Warehouse", "crm", "public", "customers", 0);
+    ASSERT_TRUE(late && customers);
+    const TreePath latePath = TreeContents::pathOf(*late);
+    const TreePath customersPath = TreeContents::pathOf(*customers);
+
+    ASSERT_TRUE(m_viewer->setCurrentJob(m_sample.salesRuns.front()));
+    m_tables.Reset(m_viewer.get());
+    EXPECT_EQ(nullptr, m_tables.Find(latePath));
+    TreeNode* found = m_tables.Find(customersPath);
+    ASSERT_NE(nullptr, found);
+    EXPECT_EQ(m_sample.tables.at("customers"), found->id);
+}
+
+TEST_F(TreeContentsOfSample, collectionsTellTheirFields) {
+    const std::string text = shown(m_collections, m_collections.root(), 2);
+    EXPECT_NE(std::string::npos, text.find("Amounts ["));
+    EXPECT_NE(std::string::npos, text.find("Customer keys ["));
+    ASSERT_FALSE(m_collections.root().children.empty());
+    const ReportSelection selection = selectionOf(*m_collections.root().children.front());
+    EXPECT_EQ(ReportSelection::Kind::Collection, selection.kind);
+    EXPECT_EQ(m_sample.collections.at(selection.name), selection.id);
+}
+
+TEST_F(TreeContentsOfSample, aRepositoryThatIsGoneIsAnErrorAndNoTree) {
+    m_tables.Fetch(m_tables.root());
+    m_viewer->close();
+    EXPECT_FALSE(m_tables.Fetch(*m_tables.root().children.front()));
+    EXPECT_FALSE(m_tables.GetErrorText().empty());
+    EXPECT_TRUE(m_tables.root().children.front()->children.empty());
+    EXPECT_FALSE(refreshCollectionsOfAllTables(*m_viewer).ok());
+}
+
+TEST(TreeContents, withoutASessionThereIsNothing) {
+    TreeContents contents(NavigatorPage::Tables);
+    EXPECT_TRUE(contents.Fetch(contents.root()));
+    EXPECT_TRUE(contents.root().children.empty());
+    EXPECT_EQ(nullptr, contents.FindFirstTable());
+}
+
+} // namespace
+} // namespace tavix

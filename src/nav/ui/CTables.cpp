@@ -1,0 +1,209 @@
+#include "nav/ui/CTables.h"
+
+#include "access/PrViewer.h"
+#include "base/ui/QtText.h"
+#include "doc/CTavixDoc.h"
+#include "nav/CollectionRefresh.h"
+#include "nav/ui/TreeDelegate.h"
+#include "nav/ui/TreeModel.h"
+
+#include <QStackedWidget>
+#include <QTabBar>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+namespace tavix {
+
+namespace {
+
+constexpr std::array<const char*, 3> kPageTitles = {"Tables", "Collections", "Redundant Data Analyses"};
+
+// Where there is no room for all titles, the long last one gives way.
+class PageTabs final : public QTabBar {
+  public:
+    using QTabBar::QTabBar;
+
+  protected:
+    QSize minimumTabSizeHint(int index) const override {
+        return index + 1 < count() ? tabSizeHint(index) : QTabBar::minimumTabSizeHint(index);
+    }
+};
+
+void collectExpanded(const QTreeView& view, TreeModel& model, const QModelIndex& parent,
+                     std::vector<TreePath>& expanded) {
+    for (int row = 0; row < model.rowCount(parent); ++row) {
+        const QModelIndex index = model.index(row, 0, parent);
+        if (!view.isExpanded(index))
+            continue;
+        expanded.push_back(TreeContents::pathOf(*model.node(index)));
+        collectExpanded(view, model, index, expanded);
+    }
+}
+
+} // namespace
+
+CTables::CTables(CViewSite& site, QWidget* parent)
+    : QWidget(parent), m_site(site), m_tabs(new PageTabs(this)), m_stack(new QStackedWidget(this)) {
+    setObjectName(QStringLiteral("navigator"));
+    m_tabs->setDocumentMode(true);
+    m_tabs->setDrawBase(false);
+    m_tabs->setExpanding(false);
+    m_tabs->setElideMode(Qt::ElideRight);
+    m_tabs->setUsesScrollButtons(false);
+    m_tabs->setAccessibleName(QStringLiteral("Navigator pages"));
+    for (std::size_t i = 0; i < m_pages.size(); ++i) {
+        const QString title = toQString(kPageTitles[i]);
+        m_pages[i] = MakePage(static_cast<NavigatorPage>(i));
+        m_pages[i].view->setAccessibleName(title);
+        m_tabs->setTabToolTip(m_tabs->addTab(title), title);
+        m_stack->addWidget(m_pages[i].view);
+    }
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_tabs);
+    layout->addWidget(m_stack, 1);
+    connect(m_tabs, &QTabBar::currentChanged, this, [this](int index) {
+        m_stack->setCurrentIndex(index);
+        TellSelection();
+    });
+}
+
+CTables::~CTables() = default;
+
+CTables::Page CTables::MakePage(NavigatorPage number) {
+    Page made{new TreeModel(number, this), new QTreeView(this)};
+    made.view->setObjectName(QStringLiteral("page%1").arg(static_cast<int>(number)));
+    made.view->setModel(made.model);
+    made.view->setItemDelegate(new TreeDelegate(made.view));
+    made.view->setHeaderHidden(true);
+    made.view->setUniformRowHeights(true);
+    made.view->setFrameShape(QFrame::NoFrame);
+    made.view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    made.view->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    made.view->setIndentation(18);
+    connect(made.view->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { TellSelection(); });
+    connect(made.model, &TreeModel::FetchFailed, this, [this](const QString& text) {
+        m_site.GetTavixDoc().GetMessages().warn("The contents of the report cannot be read:\n\n" + toUtf8(text));
+    });
+    return made;
+}
+
+NavigatorPage CTables::GetPage() const {
+    return static_cast<NavigatorPage>(m_tabs->currentIndex());
+}
+
+void CTables::ShowPage(NavigatorPage number) {
+    m_tabs->setCurrentIndex(static_cast<int>(number));
+}
+
+void CTables::SetInternalFocus() {
+    m_stack->currentWidget()->setFocus(Qt::TabFocusReason);
+}
+
+void CTables::Refresh(CRefreshItem*, RefreshHint hint, int) {
+    switch (hint) {
+    case RefreshHint::CollectionsRefreshed:
+        Reload(page(NavigatorPage::Collections));
+        break;
+    case RefreshHint::DocumentReset:
+    case RefreshHint::RunLoaded:
+        for (Page& each : m_pages)
+            Reload(each);
+        break;
+    default:
+        return;
+    }
+    TellSelection();
+}
+
+CTables::PageState CTables::StateOf(Page& each) const {
+    PageState state;
+    if (const TreeNode* node = each.model->node(each.view->currentIndex()))
+        state.selected = TreeContents::pathOf(*node);
+    collectExpanded(*each.view, *each.model, {}, state.expanded);
+    return state;
+}
+
+void CTables::Reload(Page& each) {
+    m_reloading = true;
+    const PageState state = StateOf(each);
+    each.model->reset(m_site.GetTavixDoc().GetViewer());
+    if (each.model->canFetchMore({}))
+        each.model->fetchMore({});
+    for (const TreePath& path : state.expanded)
+        each.view->expand(each.model->find(path));
+    if (state.expanded.empty())
+        OpenTopLevel(each);
+    TreePath wanted = state.selected;
+    QModelIndex index;
+    // Of an object that is gone, the nearest one above it is as good a place as any.
+    while (!wanted.empty() && !(index = each.model->find(wanted)).isValid())
+        wanted.pop_back();
+    if (index.isValid()) {
+        each.view->setCurrentIndex(index);
+        each.view->scrollTo(index);
+    }
+    m_reloading = false;
+}
+
+// A single data source says nothing by itself: its tables are what one comes for.
+void CTables::OpenTopLevel(Page& each) {
+    for (QModelIndex at; each.model->rowCount(at) == 1 && each.model->contents().page() == NavigatorPage::Tables;) {
+        at = each.model->index(0, 0, at);
+        if (each.model->node(at)->kind == TreeNodeKind::Table)
+            break;
+        each.view->expand(at);
+    }
+}
+
+void CTables::TellSelection() {
+    if (m_reloading)
+        return;
+    Page& shown = page(GetPage());
+    const TreeNode* node = shown.model->node(shown.view->currentIndex());
+    m_site.SelectionChanged(GetPage(), node ? selectionOf(*node) : ReportSelection());
+}
+
+bool CTables::SelectNode(Page& each, const TreeNode* node) {
+    const QModelIndex index = each.model->indexOf(node);
+    if (!index.isValid())
+        return false;
+    each.view->setCurrentIndex(index);
+    each.view->scrollTo(index);
+    return true;
+}
+
+bool CTables::SelectTable(const std::string& dataSource, const std::string& qualifier1, const std::string& qualifier2,
+                          const std::string& table, int mode) {
+    ShowPage(NavigatorPage::Tables);
+    Page& tables = page(NavigatorPage::Tables);
+    tables.view->setCurrentIndex({});
+    return SelectNode(tables, tables.model->contents().FindTable(dataSource, qualifier1, qualifier2, table, mode));
+}
+
+void CTables::SelectSomething() {
+    Page& shown = page(GetPage());
+    // A tree that receives the focus makes its first node the current one, which is no choice of the user's.
+    const TreeNode* current = shown.model->node(shown.view->currentIndex());
+    if (current && selectionOf(*current).kind != ReportSelection::Kind::Nothing)
+        return;
+    if (GetPage() == NavigatorPage::Tables)
+        SelectNode(shown, shown.model->contents().FindFirstTable());
+}
+
+bool CTables::RefreshCollections() {
+    CTavixDoc& document = m_site.GetTavixDoc();
+    PrViewer* viewer = document.GetViewer();
+    if (!viewer)
+        return false;
+    const std::unique_ptr<Messages::Busy> busy = document.GetMessages().busy();
+    if (const Status refreshed = refreshCollectionsOfAllTables(*viewer); !refreshed) {
+        document.GetMessages().warn("Unable to refresh collections:\n\n" + refreshed.error().text);
+        return false;
+    }
+    document.CollectionsRefreshed();
+    return true;
+}
+
+} // namespace tavix

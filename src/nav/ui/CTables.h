@@ -1,0 +1,69 @@
+#pragma once
+
+#include "doc/CRefreshItem.h"
+#include "doc/CViewSite.h"
+#include "nav/TreeContents.h"
+
+#include <QWidget>
+
+#include <array>
+#include <string>
+#include <vector>
+
+class QStackedWidget;
+class QTabBar;
+class QTreeView;
+
+namespace tavix {
+
+class TreeModel;
+
+/// The navigator: the pages "Tables", "Collections" and "Redundant Data Analyses", each a tree. What is selected is
+/// told to the site. Selection and opened branches survive a change of run where the objects still exist.
+class CTables final : public QWidget, public CRefreshItem {
+    Q_OBJECT
+  public:
+    /// The site must outlive the navigator.
+    explicit CTables(CViewSite& site, QWidget* parent = nullptr);
+    ~CTables() override;
+
+    void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) override;
+
+    /// Shows the tables page and selects the table; false when there is none of that name, which says nothing to the
+    /// user. `mode` is the kind of the data source.
+    bool SelectTable(const std::string& dataSource, const std::string& qualifier1, const std::string& qualifier2,
+                     const std::string& table, int mode);
+    /// Selects the first table when nothing that has figures is selected.
+    void SelectSomething();
+    /// Looks up the collections of every table anew and broadcasts hint 1; false, after a message, when that fails.
+    bool RefreshCollections();
+    [[nodiscard]] NavigatorPage GetPage() const;
+    void ShowPage(NavigatorPage page);
+    void SetInternalFocus();
+
+  private:
+    struct Page {
+        TreeModel* model = nullptr;
+        QTreeView* view = nullptr;
+    };
+    struct PageState {
+        TreePath selected;
+        std::vector<TreePath> expanded;
+    };
+
+    Page MakePage(NavigatorPage page);
+    [[nodiscard]] Page& page(NavigatorPage page) { return m_pages[static_cast<std::size_t>(page)]; }
+    [[nodiscard]] PageState StateOf(Page& page) const;
+    void Reload(Page& page);
+    void OpenTopLevel(Page& page);
+    void TellSelection();
+    bool SelectNode(Page& page, const TreeNode* node);
+
+    CViewSite& m_site;
+    QTabBar* m_tabs;
+    QStackedWidget* m_stack;
+    std::array<Page, 3> m_pages;
+    bool m_reloading = false;
+};
+
+} // namespace tavix

@@ -1,0 +1,132 @@
+#include "nav/ui/TreeModel.h"
+
+#include "base/ui/QtText.h"
+#include "grid/CUGDataSource.h"
+#include "nav/InformationText.h"
+
+namespace tavix {
+
+namespace {
+
+CellIcon iconOf(const TreeNode& node) {
+    switch (node.kind) {
+    case TreeNodeKind::DataSource:
+        return CellIcon::Source;
+    case TreeNodeKind::Catalog:
+        return CellIcon::Catalog;
+    case TreeNodeKind::Schema:
+        return CellIcon::Schema;
+    case TreeNodeKind::Table:
+        return node.table.kind == 'S'   ? CellIcon::QueryTable
+               : node.table.kind == 'D' ? CellIcon::FilterTable
+                                        : CellIcon::Table;
+    case TreeNodeKind::Field:
+    case TreeNodeKind::CollectionField:
+        return CellIcon::Field;
+    case TreeNodeKind::Collection:
+        return CellIcon::Collection;
+    case TreeNodeKind::Analysis:
+        return CellIcon::Redundancy;
+    case TreeNodeKind::Root:
+        break;
+    }
+    return CellIcon::None;
+}
+
+} // namespace
+
+TreeModel::TreeModel(NavigatorPage page, QObject* parent) : QAbstractItemModel(parent), m_contents(page) {
+    m_contents.SetOpener([this](TreeNode& node) { fetchMore(indexOf(&node)); });
+}
+
+void TreeModel::reset(PrViewer* viewer) {
+    beginResetModel();
+    m_contents.Reset(viewer);
+    endResetModel();
+}
+
+TreeNode& TreeModel::nodeAt(const QModelIndex& index) const {
+    return index.isValid() ? *static_cast<TreeNode*>(index.internalPointer()) : m_contents.root();
+}
+
+TreeNode* TreeModel::node(const QModelIndex& index) const {
+    return index.isValid() ? static_cast<TreeNode*>(index.internalPointer()) : nullptr;
+}
+
+QModelIndex TreeModel::indexOf(const TreeNode* node) const {
+    if (!node || !node->parent)
+        return {};
+    return createIndex(node->row, 0, node);
+}
+
+QModelIndex TreeModel::find(const TreePath& path) {
+    return indexOf(m_contents.Find(path));
+}
+
+QModelIndex TreeModel::index(int row, int column, const QModelIndex& parent) const {
+    if (column != 0 || row < 0 || row >= rowCount(parent))
+        return {};
+    return createIndex(row, 0, nodeAt(parent).children[static_cast<std::size_t>(row)].get());
+}
+
+QModelIndex TreeModel::parent(const QModelIndex& child) const {
+    return child.isValid() ? indexOf(nodeAt(child).parent) : QModelIndex();
+}
+
+int TreeModel::rowCount(const QModelIndex& parent) const {
+    return static_cast<int>(nodeAt(parent).children.size());
+}
+
+int TreeModel::columnCount(const QModelIndex&) const {
+    return 1;
+}
+
+bool TreeModel::hasChildren(const QModelIndex& parent) const {
+    const TreeNode& node = nodeAt(parent);
+    return node.fetched ? !node.children.empty() : node.mayHaveChildren;
+}
+
+bool TreeModel::canFetchMore(const QModelIndex& parent) const {
+    return !nodeAt(parent).fetched;
+}
+
+void TreeModel::fetchMore(const QModelIndex& parent) {
+    TreeNode& node = nodeAt(parent);
+    if (node.fetched)
+        return;
+    // How many rows come is known only after the query, and views want to be told before they see them.
+    const bool done = m_contents.Fetch(node);
+    auto children = std::move(node.children);
+    node.children.clear();
+    if (!children.empty()) {
+        beginInsertRows(parent, 0, static_cast<int>(children.size()) - 1);
+        node.children = std::move(children);
+        endInsertRows();
+    }
+    if (!done)
+        Q_EMIT FetchFailed(toQString(m_contents.GetErrorText()));
+}
+
+QVariant TreeModel::data(const QModelIndex& index, int role) const {
+    const TreeNode* node = this->node(index);
+    if (!node)
+        return {};
+    switch (role) {
+    case Qt::DisplayRole:
+        return toQString(node->name);
+    case CountTextRole:
+        return toQString(countText(*node));
+    case Qt::AccessibleTextRole:
+        return toQString(node->name + " " + countText(*node));
+    case IconRole:
+        return static_cast<int>(iconOf(*node));
+    case Qt::ToolTipRole:
+        if (node->kind == TreeNodeKind::Table)
+            return toQString(informationText(node->table)).trimmed();
+        return toQString(node->name);
+    default:
+        return {};
+    }
+}
+
+} // namespace tavix

@@ -1,0 +1,46 @@
+#include "pattern/CharacterPattern.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace tavix::pattern {
+namespace {
+
+TEST(CharacterPattern, FollowsTheGeneralCategories) {
+    EXPECT_EQ(characterPattern("Jan-2021, 12:30"), "Aaa-9999, 99:99");
+    EXPECT_EQ(characterPattern(""), "");
+    EXPECT_EQ(characterPattern("Ärger ß"), "Aaaaa a");
+    EXPECT_EQ(characterPattern("\u01C5"), "A") << "title case";
+    EXPECT_EQ(characterPattern("\u02B0\u4E2D"), "aa") << "modifier and other letters";
+    EXPECT_EQ(characterPattern("\u0664\U0001D7D8"), "99") << "digits of other scripts";
+    EXPECT_EQ(characterPattern("\u00BD\u2163\u20AC"), "\u00BD\u2163\u20AC") << "other numbers and signs stay";
+    EXPECT_EQ(characterPattern(std::string("a\0b\t", 4)), std::string("a\0a\t", 4));
+    EXPECT_EQ(characterPattern("x\xFFy\xE4"), "a\xFF"
+                                              "a\xE4")
+        << "bytes that are no text stay";
+}
+
+TEST(CharacterPattern, AppendsToWhatIsThere) {
+    std::string buffer = "kept ";
+    appendCharacterPattern(buffer, "Öl1");
+    EXPECT_EQ(buffer, "kept Aa9");
+}
+
+TEST(ShortPattern, CountsRunsOfFourOrMore) {
+    EXPECT_EQ(shortPattern("999"), "999");
+    EXPECT_EQ(shortPattern("9999"), "9{4}");
+    EXPECT_EQ(shortPattern("Aaaaaa 99999-9999"), "Aa{5} 9{5}-9{4}");
+    EXPECT_EQ(shortPattern("\u20AC\u20AC\u20AC\u20AC\u20AC"), "\u20AC{5}");
+    EXPECT_EQ(shortPattern(""), "");
+    EXPECT_EQ(shortPattern(std::string(12345, 'a')), "a{12345}");
+}
+
+TEST(ShortPattern, KeepsBracesOfTheTextApart) {
+    EXPECT_EQ(shortPattern("9{9}"), "9{{1}9}");
+    EXPECT_EQ(shortPattern("{{{{{"), "{{5}");
+    EXPECT_NE(shortPattern("9{9}"), shortPattern("999999999"));
+}
+
+} // namespace
+} // namespace tavix::pattern

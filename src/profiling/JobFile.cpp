@@ -1,0 +1,187 @@
+#include "profiling/JobChecks.h"
+#include "profiling/JobDescription.h"
+#include "profiling/JobSchema.h"
+#include "profiling/YamlDocument.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <set>
+#include <system_error>
+
+namespace tavix::profiling {
+
+namespace {
+
+using nlohmann::json;
+
+constexpr std::size_t kLargestFile = std::size_t{1} << 20;
+
+Result<std::string> readWhole(const std::string& path) {
+    const auto failure = [&](int code) {
+        return Error{fmt::format("\"{}\" cannot be read: {}", path, std::generic_category().message(code))};
+    };
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), &std::fclose);
+    if (!file)
+        return failure(errno);
+    std::string text(kLargestFile + 1, '\0');
+    text.resize(std::fread(text.data(), 1, text.size(), file.get()));
+    if (std::ferror(file.get()) != 0)
+        return failure(errno);
+    if (text.size() > kLargestFile)
+        return Error{fmt::format("\"{}\" is too large for a job file: more than 1 MiB", path)};
+    return text;
+}
+
+/// A document that follows the schema as the description of a job.
+class JobBuilder {
+  public:
+    JobBuilder(const YamlDocument& document, std::filesystem::path folder)
+        : m_document(document), m_folder(std::move(folder)) {}
+
+    /// Throws a DocumentProblem.
+    JobDescription build() {
+        const json& root = m_document.value;
+        m_job.name = root.at("job").get<std::string>();
+        m_job.description = root.value("description", "");
+        m_job.repository = repositoryText(root.value("repository", ""));
+        const json& tables = root.at("tables");
+        for (std::size_t i = 0; i < tables.size(); ++i)
+            addTable(tables[i], pointerTo("/tables", std::to_string(i)));
+        m_job.dataSource = root.contains("source")
+                               ? root.at("source").get<std::string>()
+                               : std::filesystem::path(m_job.tables.front().path).parent_path().string();
+        if (const auto collections = root.find("collections"); collections != root.end())
+            for (std::size_t i = 0; i < collections->size(); ++i)
+                addCollection((*collections)[i], pointerTo("/collections", std::to_string(i)));
+        return std::move(m_job);
+    }
+
+  private:
+    [[noreturn]] void fail(const std::string& pointer, std::string text) const {
+        throw DocumentProblem{m_document.valuePositions.at(pointer), std::move(text)};
+    }
+
+    [[nodiscard]] std::string absolute(const std::string& path) const {
+        return (m_folder / path).lexically_normal().string();
+    }
+
+    [[nodiscard]] std::string repositoryText(const std::string& text) const {
+        constexpr std::string_view kSqlite = "sqlite:";
+        if (text.empty() || text.starts_with("postgresql:") || text.starts_with("postgres:"))
+            return text;
+        return text.starts_with(kSqlite) ? std::string(kSqlite) + absolute(text.substr(kSqlite.size()))
+                                         : absolute(text);
+    }
+
+    void addTable(const json& entry, const std::string& pointer) {
+        TableDescription table;
+        const std::filesystem::path file = absolute(entry.at("file").get<std::string>());
+        table.path = file.string();
+        table.name = entry.contains("name") ? entry.at("name").get<std::string>() : file.stem().string();
+        const std::string namePointer = pointerTo(pointer, entry.contains("name") ? "name" : "file");
+        if (table.name.empty())
+            fail(namePointer, "this is not the name of a file");
+        if (std::find(m_names.begin(), m_names.end(), table.name) != m_names.end())
+            fail(namePointer, fmt::format("there is already a table \"{}\"; give this one another name", table.name));
+        if (entry.contains("delimiter"))
+            table.delimiter = delimiterOf(entry.at("delimiter").get<std::string>(), pointerTo(pointer, "delimiter"));
+        table.hasHeader = entry.value("header", true);
+        m_names.push_back(table.name);
+        m_job.tables.push_back(std::move(table));
+    }
+
+    [[nodiscard]] char delimiterOf(const std::string& text, const std::string& pointer) const {
+        if (text == "tab")
+            return '\t';
+        const char c = text.front();
+        if (text.size() != 1 || c == '"' || c == '\r' || c == '\n')
+            fail(pointer, "a delimiter is one ASCII character other than a quote and a line end");
+        return c;
+    }
+
+    void addCollection(const json& entry, const std::string& pointer) {
+        repository::CollectionFacts collection;
+        collection.name = entry.at("name").get<std::string>();
+        collection.description = entry.value("description", "");
+        if (!m_collections.insert(collection.name).second)
+            fail(pointerTo(pointer, "name"), fmt::format("there is already a collection \"{}\"", collection.name));
+        const std::string fieldsPointer = pointerTo(pointer, "fields");
+        const json& fields = entry.at("fields");
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+            const std::string place = pointerTo(fieldsPointer, std::to_string(i));
+            const auto address = addressOf(fields[i], place);
+            if (std::find(collection.fields.begin(), collection.fields.end(), address) != collection.fields.end())
+                fail(place, fmt::format("the field \"{}.{}\" stands twice", address.table, address.field));
+            collection.fields.push_back(address);
+        }
+        m_job.collections.push_back(std::move(collection));
+    }
+
+    [[nodiscard]] repository::FieldAddress addressOf(const json& entry, const std::string& pointer) const {
+        if (entry.is_object()) {
+            const auto table = entry.at("table").get<std::string>();
+            if (std::find(m_names.begin(), m_names.end(), table) == m_names.end())
+                failUnknownTable(table, pointerTo(pointer, "table"));
+            return {table, entry.at("field").get<std::string>()};
+        }
+        const auto text = entry.get<std::string>();
+        // Names of tables may hold dots: the longest that fits is meant.
+        const std::string* best = nullptr;
+        for (const std::string& name : m_names)
+            if (text.size() > name.size() + 1 && text.starts_with(name) && text[name.size()] == '.' &&
+                (!best || name.size() > best->size()))
+                best = &name;
+        if (best)
+            return {*best, text.substr(best->size() + 1)};
+        const auto dot = text.find('.');
+        if (dot == std::string::npos || dot == 0 || dot + 1 == text.size())
+            fail(pointer, fmt::format("\"{}\" does not name a field: expected table.field", text));
+        failUnknownTable(text.substr(0, dot), pointer);
+    }
+
+    [[noreturn]] void failUnknownTable(const std::string& table, const std::string& pointer) const {
+        fail(pointer, fmt::format("the job has no table \"{}\"{}", table, suggestion(table, m_names)));
+    }
+
+    const YamlDocument& m_document;
+    std::filesystem::path m_folder;
+    JobDescription m_job;
+    std::vector<std::string> m_names;
+    std::set<std::string> m_collections;
+};
+
+Error located(const std::string& path, const DocumentProblem& problem) {
+    return Error{fmt::format("{}:{}:{}: {}", path, problem.position.line, problem.position.column, problem.text)};
+}
+
+} // namespace
+
+Result<JobDescription> readJobFile(const std::string& path) {
+    const auto text = readWhole(path);
+    if (!text)
+        return text.error();
+    const auto parsed = parseYaml(*text);
+    if (const auto* problem = std::get_if<DocumentProblem>(&parsed))
+        return located(path, *problem);
+    const auto& document = std::get<YamlDocument>(parsed);
+    if (document.value.is_null())
+        return Error{fmt::format("{}:1:1: the file describes no job", path)};
+    if (const auto problem = findSchemaProblem(document))
+        return located(path, *problem);
+    std::error_code failure;
+    const auto folder = std::filesystem::absolute(path, failure).parent_path();
+    if (failure)
+        return Error{fmt::format("\"{}\" cannot be found: {}", path, failure.message())};
+    try {
+        return JobBuilder(document, folder).build();
+    } catch (const DocumentProblem& problem) {
+        return located(path, problem);
+    }
+}
+
+} // namespace tavix::profiling

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "source/RowReader.h"
+#include "source/TextArena.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace tavix::profiling {
+
+/// Counts how often each value of a column occurs. Rows cost no allocation: only a value that is met for the first
+/// time is copied.
+class ValueCounter {
+  public:
+    struct Entry {
+        const char* data = nullptr;
+        std::uint64_t count = 0;
+        std::uint32_t size = 0;
+        std::uint32_t hash = 0;
+
+        [[nodiscard]] std::string_view text() const { return {data, size}; }
+    };
+
+    ValueCounter();
+
+    void count(std::span<const source::Cell> cells);
+    void add(std::string_view text, std::uint64_t count);
+
+    /// The distinct values in the order in which they were first met, null not among them. Their texts live as long
+    /// as the counter.
+    [[nodiscard]] std::span<const Entry> entries() const { return m_entries; }
+    [[nodiscard]] std::uint64_t nullCount() const { return m_nullCount; }
+    /// Gives back the memory that only counting needs; nothing can be counted after it.
+    void finish();
+
+  private:
+    void addHashed(const char* data, std::uint32_t size, std::uint64_t hash, std::uint64_t count);
+    void grow();
+
+    std::vector<std::uint32_t> m_slots; ///< index into m_entries plus one, 0 when free; open addressing
+    std::vector<Entry> m_entries;
+    source::TextArena m_texts;
+    std::uint64_t m_nullCount = 0;
+};
+
+} // namespace tavix::profiling

@@ -1,0 +1,184 @@
+#include "profiling/YamlDocument.h"
+
+#include "base/NumberText.h"
+#include "source/Utf8.h"
+
+#include <fmt/format.h>
+#include <yaml-cpp/depthguard.h>
+#include <yaml-cpp/eventhandler.h>
+#include <yaml-cpp/yaml.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <sstream>
+
+namespace tavix::profiling {
+
+namespace {
+
+constexpr int kDeepest = 32;
+constexpr std::size_t kMostValues = 200'000;
+
+FilePosition positionOf(const YAML::Mark& mark) {
+    return mark.is_null() ? FilePosition{} : FilePosition{mark.line + 1, mark.column + 1};
+}
+
+FilePosition positionOf(std::string_view text, std::size_t offset) {
+    const std::string_view before = text.substr(0, offset);
+    const auto lineStart = before.rfind('\n');
+    return {static_cast<int>(std::count(before.begin(), before.end(), '\n')) + 1,
+            static_cast<int>(lineStart == std::string_view::npos ? offset + 1 : offset - lineStart)};
+}
+
+template <std::size_t N>
+bool isOneOf(const std::string& word, const std::array<std::string_view, N>& words) {
+    return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+nlohmann::json plainScalar(const std::string& word) {
+    if (isOneOf<5>(word, {"", "~", "null", "Null", "NULL"}))
+        return nullptr;
+    if (isOneOf<3>(word, {"true", "True", "TRUE"}))
+        return true;
+    if (isOneOf<3>(word, {"false", "False", "FALSE"}))
+        return false;
+    if (const auto integer = parseInteger(word))
+        return *integer;
+    if (const auto real = parseNumber(word))
+        return *real;
+    return word;
+}
+
+class Converter {
+  public:
+    explicit Converter(YamlDocument& document) : m_document(document) {}
+
+    nlohmann::json convert(const YAML::Node& node, const std::string& pointer, int depth) {
+        if (depth > kDeepest)
+            throw DocumentProblem{positionOf(node.Mark()), "the nesting is too deep"};
+        if (++m_values > kMostValues)
+            throw DocumentProblem{positionOf(node.Mark()),
+                                  "the file has too many values; are there aliases of aliases?"};
+        // Nothing has no place of its own; its key has.
+        const auto entry = m_document.entryPositions.find(pointer);
+        m_document.valuePositions.emplace(pointer, node.IsNull() && entry != m_document.entryPositions.end()
+                                                       ? entry->second
+                                                       : positionOf(node.Mark()));
+        switch (node.Type()) {
+        case YAML::NodeType::Scalar:
+            return scalar(node);
+        case YAML::NodeType::Sequence:
+            return sequence(node, pointer, depth);
+        case YAML::NodeType::Map:
+            return map(node, pointer, depth);
+        case YAML::NodeType::Null:
+        case YAML::NodeType::Undefined:
+            break;
+        }
+        return nullptr;
+    }
+
+  private:
+    static nlohmann::json scalar(const YAML::Node& node) {
+        const std::string& tag = node.Tag();
+        if (tag == "?" || tag.empty())
+            return plainScalar(node.Scalar());
+        if (tag == "!" || tag == "tag:yaml.org,2002:str")
+            return node.Scalar();
+        throw DocumentProblem{positionOf(node.Mark()), fmt::format("the tag \"{}\" is not known here", tag)};
+    }
+
+    nlohmann::json sequence(const YAML::Node& node, const std::string& pointer, int depth) {
+        auto list = nlohmann::json::array();
+        for (const YAML::Node& item : node) {
+            const std::string place = pointerTo(pointer, std::to_string(list.size()));
+            m_document.entryPositions.emplace(place, positionOf(item.Mark()));
+            list.push_back(convert(item, place, depth + 1));
+        }
+        return list;
+    }
+
+    nlohmann::json map(const YAML::Node& node, const std::string& pointer, int depth) {
+        auto object = nlohmann::json::object();
+        for (const auto& entry : node) {
+            const FilePosition position = positionOf(entry.first.Mark());
+            if (!entry.first.IsScalar())
+                throw DocumentProblem{position, "a key must be a word or a text"};
+            const std::string& key = entry.first.Scalar();
+            if (object.contains(key))
+                throw DocumentProblem{position, fmt::format("the key \"{}\" stands twice", key)};
+            const std::string place = pointerTo(pointer, key);
+            m_document.entryPositions.emplace(place, position);
+            object[key] = convert(entry.second, place, depth + 1);
+        }
+        return object;
+    }
+
+    YamlDocument& m_document;
+    std::size_t m_values = 0;
+};
+
+/// Refuses a second document. YAML::LoadAll cannot be used for it: it never ends on stray text like "{a},".
+class SingleDocument final : public YAML::EventHandler {
+  public:
+    void OnDocumentStart(const YAML::Mark& mark) override {
+        if (++m_documents > 1)
+            throw DocumentProblem{positionOf(mark), "there is more than one document in the file"};
+    }
+    void OnDocumentEnd() override {}
+    void OnNull(const YAML::Mark&, YAML::anchor_t) override {}
+    void OnAlias(const YAML::Mark&, YAML::anchor_t) override {}
+    void OnScalar(const YAML::Mark&, const std::string&, YAML::anchor_t, const std::string&) override {}
+    void OnSequenceStart(const YAML::Mark&, const std::string&, YAML::anchor_t, YAML::EmitterStyle::value) override {}
+    void OnSequenceEnd() override {}
+    void OnMapStart(const YAML::Mark&, const std::string&, YAML::anchor_t, YAML::EmitterStyle::value) override {}
+    void OnMapEnd() override {}
+
+  private:
+    int m_documents = 0;
+};
+
+void requireSingleDocument(const std::string& text) {
+    std::istringstream stream(text);
+    YAML::Parser parser(stream);
+    SingleDocument handler;
+    if (parser.HandleNextDocument(handler))
+        parser.HandleNextDocument(handler);
+}
+
+} // namespace
+
+std::string pointerTo(const std::string& parent, std::string_view key) {
+    std::string pointer = parent + "/";
+    for (const char c : key) {
+        if (c == '~')
+            pointer += "~0";
+        else if (c == '/')
+            pointer += "~1";
+        else
+            pointer += c;
+    }
+    return pointer;
+}
+
+std::variant<YamlDocument, DocumentProblem> parseYaml(const std::string& text) {
+    if (const std::size_t good = source::validUtf8Prefix(text); good != text.size())
+        return DocumentProblem{positionOf(text, good), "this is not UTF-8 text"};
+    if (const std::size_t zero = text.find('\0'); zero != std::string::npos)
+        return DocumentProblem{positionOf(text, zero), "this is not text"};
+    try {
+        requireSingleDocument(text);
+        YamlDocument document;
+        document.value = Converter(document).convert(YAML::Load(text), "", 0);
+        return document;
+    } catch (const DocumentProblem& problem) {
+        return problem;
+    } catch (const YAML::DeepRecursion& error) {
+        return DocumentProblem{positionOf(error.mark), "the nesting is too deep"};
+    } catch (const YAML::Exception& error) {
+        return DocumentProblem{positionOf(error.mark), error.msg};
+    }
+}
+
+} // namespace tavix::profiling

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "base/Result.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <variant>
+
+namespace tavix::profiling {
+
+/// A place in a text file, both from 1.
+struct FilePosition {
+    int line = 1;
+    int column = 1;
+
+    auto operator<=>(const FilePosition&) const = default;
+};
+
+/// What is wrong with a document, and where.
+struct DocumentProblem {
+    FilePosition position;
+    std::string text;
+};
+
+/// A YAML document as plain values, with the place of each.
+struct YamlDocument {
+    nlohmann::json value;
+    /// By JSON pointer: of an element of a list where it begins, of an entry of a map where its key does.
+    std::unordered_map<std::string, FilePosition> entryPositions;
+    std::unordered_map<std::string, FilePosition> valuePositions; ///< where the value itself begins
+};
+
+/// The pointer of an entry of the map or list at `parent`.
+[[nodiscard]] std::string pointerTo(const std::string& parent, std::string_view key);
+
+/// Reads one YAML document. Words become null, booleans and numbers as YAML 1.2 has it, anything in quotes stays
+/// text. Refused: text that is no UTF-8, a key that stands twice, keys that are no words, nesting beyond 32 levels, and
+/// more than 200,000 values, which only aliases of aliases reach in a file of reasonable size.
+[[nodiscard]] std::variant<YamlDocument, DocumentProblem> parseYaml(const std::string& text);
+
+} // namespace tavix::profiling

@@ -1,0 +1,97 @@
+#include "profiling/tests/DumpFigures.h"
+
+#include "profiling/FieldFigures.h"
+#include "source/TextFileReader.h"
+
+#include <nlohmann/json.hpp>
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <stdexcept>
+
+namespace tavix::profiling::testing {
+
+namespace {
+
+using nlohmann::json;
+
+json figure(const KvbDatavar& value) {
+    if (value.isNull())
+        return nullptr;
+    if (const auto* integer = std::get_if<std::int64_t>(&value.storage()))
+        return *integer;
+    if (const auto* real = std::get_if<double>(&value.storage()))
+        return *real;
+    return value.toText().str();
+}
+
+json rowsOf(std::span<const repository::ValueCount> rows) {
+    auto list = json::array();
+    for (const auto& row : rows)
+        list.push_back({row.isNull ? json(nullptr) : json(row.value), row.count});
+    return list;
+}
+
+json fieldJson(const repository::FieldFacts& facts) {
+    json metrics;
+    for (const MetricInfo& metric : metricCatalogue())
+        metrics[std::string(metric.column)] = figure(facts.metrics[index(metric.id)]);
+    auto percentiles = json::array();
+    for (const auto& percentile : facts.percentiles)
+        percentiles.push_back({percentile.interval, percentile.value.str()});
+    auto outliers = json::array();
+    for (const auto& outlier : facts.outliers)
+        outliers.push_back({std::string(1, static_cast<char>(outlier.side)), outlier.position, outlier.value.str(),
+                            outlier.count, static_cast<int>(outlier.fence)});
+    return {{"name", facts.name},
+            {"type", facts.typeCode == 0 ? std::string() : std::string(1, facts.typeCode)},
+            {"rule", facts.quantileRule},
+            {"metrics", metrics},
+            {"percentiles", percentiles},
+            {"outliers", outliers},
+            {"values", rowsOf(facts.values)},
+            {"patterns", rowsOf(facts.patterns)}};
+}
+
+} // namespace
+
+std::string dumpFigures(const std::string& path) {
+    auto reader = source::TextFileReader::open(path, {});
+    if (!reader)
+        throw std::runtime_error(reader.error().text);
+    std::vector<ValueCounter> counters((*reader)->columnNames().size());
+    source::RowBlock block;
+    std::size_t rows = 0;
+    for (;;) {
+        const auto more = (*reader)->read(block);
+        if (!more)
+            throw std::runtime_error(more.error().text);
+        if (!*more)
+            break;
+        rows += block.rows;
+        for (std::size_t c = 0; c < counters.size(); ++c)
+            counters[c].count(std::span(block.columns[c].data(), block.rows));
+    }
+    auto fields = json::array();
+    for (std::size_t c = 0; c < counters.size(); ++c)
+        fields.push_back(
+            fieldJson(computeFigures(counters[c], (*reader)->columnNames()[c], static_cast<int>(c) + 1).facts));
+    return json{{"rows", rows}, {"fields", fields}}.dump();
+}
+
+std::string checkWithPython(const std::string& path, const std::string& dumpPath) {
+    std::ofstream(dumpPath, std::ios::binary) << dumpFigures(path);
+    const std::string command =
+        "/usr/bin/python3 '" TAVIX_SOURCE_DIR "/tests/figures/check_figures.py' '" + path + "' '" + dumpPath + "' 2>&1";
+    std::FILE* pipe = ::popen(command.c_str(), "r");
+    if (!pipe)
+        throw std::runtime_error("no pipe");
+    std::string output;
+    std::array<char, 4096> buffer{};
+    while (const std::size_t got = std::fread(buffer.data(), 1, buffer.size(), pipe))
+        output.append(buffer.data(), got);
+    return ::pclose(pipe) == 0 ? std::string() : output;
+}
+
+} // namespace tavix::profiling::testing

@@ -1,0 +1,175 @@
+#include "base/tests/TempFolder.h"
+#include "profiling/JobDescription.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace tavix::profiling {
+namespace {
+
+class JobFile : public ::testing::Test {
+  protected:
+    Result<JobDescription> read(std::string_view text) {
+        std::ofstream(m_path, std::ios::binary) << text;
+        return readJobFile(m_path);
+    }
+    /// What is wrong, without the name of the file.
+    std::string problem(std::string_view text) {
+        const auto job = read(text);
+        if (job)
+            return "nothing";
+        const std::string& error = job.error().text;
+        return error.starts_with(m_path + ":") ? error.substr(m_path.size() + 1) : error;
+    }
+
+    testing::TempFolder m_folder;
+    std::string m_path = m_folder.file("job.yaml");
+};
+
+TEST_F(JobFile, EveryKeyArrives) {
+    const auto job = read(R"(job: "Year 2024"
+description: Says why
+repository: out/../profiles.tavix
+source: Files
+tables:
+  - {file: one.csv}
+  - {file: /data/two.x.txt, name: a.b, delimiter: tab, header: false}
+  - {file: sub/three.csv, delimiter: "|"}
+collections:
+  - name: Keys
+    description: All keys
+    fields: [one.id, a.b.c.d, {table: three, field: "x.y"}]
+)");
+    ASSERT_TRUE(job.ok()) << job.error().text;
+    EXPECT_EQ(job->name, "Year 2024");
+    EXPECT_EQ(job->description, "Says why");
+    EXPECT_EQ(job->repository, m_folder.file("profiles.tavix"));
+    EXPECT_EQ(job->dataSource, "Files");
+    const std::vector<TableDescription> tables = {{"one", m_folder.file("one.csv"), std::nullopt, true},
+                                                  {"a.b", "/data/two.x.txt", '\t', false},
+                                                  {"three", m_folder.file("sub/three.csv"), '|', true}};
+    EXPECT_EQ(job->tables, tables);
+    ASSERT_EQ(job->collections.size(), 1U);
+    const std::vector<repository::FieldAddress> fields = {{"one", "id"}, {"a.b", "c.d"}, {"three", "x.y"}};
+    EXPECT_EQ(job->collections[0].fields, fields);
+    EXPECT_EQ(read("job: j\ntables: [{file: a.csv}]")->dataSource, m_folder.path().string());
+    EXPECT_EQ(read("job: j\nrepository: sqlite:r.db\ntables: [{file: a.csv}]")->repository,
+              "sqlite:" + m_folder.file("r.db"));
+}
+
+TEST_F(JobFile, MistakesAreNamedWithTheirPlace) {
+    const std::string good = "job: j\ntables:\n  - file: a.csv\n";
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"", "1:1: the file describes no job"},
+        {"# nothing\n", "1:1: the file describes no job"},
+        {"just words", "1:1: expected a map with the keys job and tables"},
+        {"job: j\n", "1:1: the key \"tables\" is missing"},
+        {"job: j\ntables: []\n", "2:9: \"tables\": expected a list of at least one table"},
+        {"job: 12\ntables: [{file: a}]\n", "1:6: \"job\": expected the name of the job, a text"},
+        {"job:\ntables: [{file: a}]\n", "1:1: \"job\": expected the name of the job, a text"},
+        {"job: j\ntabels:\n  - file: a.csv\n", "2:1: unknown key \"tabels\" (did you mean \"tables\"?)"},
+        {good + "  - fiel: b.csv\n", "4:5: unknown key \"fiel\" (did you mean \"file\"?)"},
+        {good + "colections: []\n", "4:1: unknown key \"colections\" (did you mean \"collections\"?)"},
+        {good + "whatever/it~is: 1\n", "4:1: unknown key \"whatever/it~is\""},
+        {good + "    delimiter: ',,'\n",
+         "4:16: \"tables[0].delimiter\": expected one character, or the word tab; found in the file unless stated"},
+        {good + "    delimiter: '\"'\n", "4:16: a delimiter is one ASCII character other than a quote and a line end"},
+        {good + "    delimiter: \u00E4\n",
+         "4:16: a delimiter is one ASCII character other than a quote and a line end"},
+        {good + "    header: 'no'\n", "4:13: \"tables[0].header\": expected true when the first row holds the names of "
+                                      "the columns, or false; true unless stated"},
+        {good + "  - file: sub/a.csv\n", "4:11: there is already a table \"a\"; give this one another name"},
+        {good + "    name: b\n    name: c\n", "5:5: the key \"name\" stands twice"},
+        {good + "collections:\n  - name: c\n    fields: [b.x]\n",
+         "6:14: the job has no table \"b\" (did you mean \"a\"?)"},
+        {good + "collections:\n  - name: c\n    fields: [a.x, a.x]\n", "6:19: the field \"a.x\" stands twice"},
+        {good + "collections:\n  - name: c\n    fields: [ax]\n",
+         "6:14: \"ax\" does not name a field: expected table.field"},
+        {good + "collections:\n  - name: c\n    fields: [{tabel: a, field: x}]\n",
+         "6:15: unknown key \"tabel\" (did you mean \"table\"?)"},
+        {good + "collections:\n  - {name: c, fields: [a.x]}\n  - {name: c, fields: [a.y]}\n",
+         "6:12: there is already a collection \"c\""},
+        {good + "collections: 5\n", "4:14: \"collections\": expected a list of collections"},
+        {"job: j\ntables: [", "2:1: end of sequence flow not found"},
+        {"job: j\ntables: *none\n", "2:9: the referenced anchor is not defined"},
+        {"job: !!binary aGk=\ntables: [{file: a}]", "1:6: the tag \"tag:yaml.org,2002:binary\" is not known here"},
+        {"? [a]\n: b\n", "1:3: a key must be a word or a text"},
+        {good + "---\njob: k\n", "4:1: there is more than one document in the file"},
+        {"job: j\nna\xFFme: x\n", "2:3: this is not UTF-8 text"},
+        {std::string("job: j\n\0", 8), "2:1: this is not text"},
+    };
+    for (const auto& [text, expected] : cases)
+        EXPECT_EQ(problem(text), expected) << text;
+}
+
+TEST_F(JobFile, AFileThatCannotBeReadIsAnError) {
+    EXPECT_THAT(readJobFile(m_folder.file("none")).error().text, ::testing::EndsWith("No such file or directory"));
+    EXPECT_THAT(readJobFile(m_folder.path().string()).error().text, ::testing::EndsWith("Is a directory"));
+    EXPECT_THAT(problem("job: j\n#" + std::string(1 << 20, 'x')), ::testing::EndsWith("more than 1 MiB"));
+}
+
+TEST_F(JobFile, HostileFilesEndSoonAndWithAnError) {
+    std::string bomb = "a0: &a0 [x,x,x,x,x,x,x,x,x,x]\n";
+    for (int i = 1; i < 12; ++i) {
+        const std::string before = "*a" + std::to_string(i - 1);
+        bomb += "a" + std::to_string(i) + ": &a" + std::to_string(i) + " [";
+        for (int k = 0; k < 10; ++k)
+            bomb += before + (k < 9 ? "," : "]\n");
+    }
+    EXPECT_THAT(problem(bomb), ::testing::HasSubstr("too many values"));
+    EXPECT_THAT(problem(std::string(50'000, '[')), ::testing::EndsWith("the nesting is too deep"));
+    EXPECT_THAT(problem("job: &j [*j]\n"), ::testing::HasSubstr("the nesting is too deep"));
+    for (const std::string piece :
+         {"[", "{", "{a: ", "- ", "? ", "a: ", "\"", "&a ", "!", "'", "|\n", "%", "a:\n ", "{a,b},"}) {
+        std::string text;
+        while (text.size() < 60'000)
+            text += piece;
+        EXPECT_NE(problem(text), "nothing") << piece;
+    }
+}
+
+TEST_F(JobFile, DamagedFilesAreErrorsOrJobs) {
+    std::ifstream demo(TAVIX_SOURCE_DIR "/share/examples/demo.yaml", std::ios::binary);
+    std::stringstream whole;
+    whole << demo.rdbuf();
+    std::mt19937 random(3);
+    for (int i = 0; i < 300; ++i) {
+        std::string text = whole.str();
+        for (std::size_t n = random() % 4 + 1; n > 0; --n) {
+            const std::size_t at = random() % text.size();
+            if (random() % 2 == 0)
+                text[at] = static_cast<char>(random());
+            else
+                text.erase(at, random() % 20);
+        }
+        if (const auto job = read(text); job) {
+            EXPECT_FALSE(job->name.empty() || job->tables.empty());
+        } else {
+            EXPECT_FALSE(job.error().text.empty());
+        }
+    }
+}
+
+TEST(DescribeFiles, NamesTablesAfterFiles) {
+    const std::vector<std::string> files = {"/data/a.csv", "/data/b.tar.txt"};
+    const auto job = describeFiles(files, "", ';', false);
+    ASSERT_TRUE(job.ok());
+    EXPECT_EQ(job->name, "a");
+    EXPECT_EQ(job->dataSource, "/data");
+    const std::vector<TableDescription> tables = {{"a", "/data/a.csv", ';', false},
+                                                  {"b.tar", "/data/b.tar.txt", ';', false}};
+    EXPECT_EQ(job->tables, tables);
+    const std::vector<std::string> same = {"/x/a.csv", "/y/a.txt"};
+    EXPECT_EQ(describeFiles(same, "J", std::nullopt, true).error().text,
+              "Two tables of the job \"J\" have the name \"a\".");
+    EXPECT_FALSE(describeFiles({}, "J", std::nullopt, true).ok());
+}
+
+} // namespace
+} // namespace tavix::profiling

@@ -1,0 +1,134 @@
+#include "base/tests/TempFolder.h"
+#include "profiling/JobRunner.h"
+#include "sql/Connection.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace tavix::profiling {
+namespace {
+
+class RunJob : public ::testing::Test {
+  protected:
+    std::string write(const std::string& name, std::string_view content) {
+        std::ofstream(m_folder.file(name), std::ios::binary) << content;
+        return m_folder.file(name);
+    }
+    JobDescription job(std::vector<std::string> files) { return *describeFiles(files, "Job", std::nullopt, true); }
+
+    /// The rows of a query over the stored repository, cells parted by '|'.
+    std::string stored(std::string_view query) {
+        auto connection = sql::Connection::openFile(m_repository, sql::OpenMode::Read);
+        if (!connection)
+            return connection.error().text;
+        auto statement = (*connection)->prepare(query);
+        if (!statement)
+            return statement.error().text;
+        std::string out;
+        while (statement->step() == sql::Step::Row) {
+            for (int c = 0; c < statement->columnCount(); ++c)
+                out += std::string(c == 0 ? "" : "|") + std::string(statement->text(c));
+            out += "\n";
+        }
+        return out;
+    }
+
+    testing::TempFolder m_folder;
+    std::string m_repository = m_folder.file("r.tavix");
+};
+
+class FixedClock final : public Clock {
+  public:
+    [[nodiscard]] UtcTime now() const override { return UtcTime(std::chrono::milliseconds(1'700'000'000'000)); }
+};
+
+/// Cancels at its nth call.
+class Canceller final : public ProgressWatcher {
+  public:
+    explicit Canceller(int calls) : m_left(calls) {}
+    bool progress(const ProgressState& state) override {
+        last = state;
+        return --m_left > 0;
+    }
+    ProgressState last;
+
+  private:
+    int m_left;
+};
+
+TEST_F(RunJob, StoresTablesFieldsDamageAndCollections) {
+    JobDescription description = job({write("a.csv", "id,x\n1,y\n2\n3,z,!\n"), write("b.csv", "ref\n1\n1\n")});
+    description.collections = {{"Keys", "", {{"a", "id"}, {"b", "ref"}}}};
+    const FixedClock clock;
+    const auto run = runJob(description, m_repository, {"first", nullptr, &clock});
+    ASSERT_TRUE(run.ok()) << run.error().text;
+    ASSERT_EQ(run->tables.size(), 2U);
+    EXPECT_FALSE(run->cancelled);
+    EXPECT_EQ(run->tables[0].rows, 3);
+    EXPECT_EQ(run->tables[0].damagedRows, 2);
+    EXPECT_EQ(run->tables[0].damage[1].line, 4);
+    EXPECT_EQ(stored("SELECT job, description, started, tables, records FROM v_runs"),
+              "Job|first|2023-11-14T22:13:20.000Z|2|5\n");
+    EXPECT_EQ(stored("SELECT table_name, total_records, damaged_records, data_source FROM v_tables ORDER BY table_id"),
+              "a|3|2|" + m_folder.path().string() + "\nb|2|0|" + m_folder.path().string() + "\n");
+    EXPECT_EQ(stored("SELECT table_name, field_name, type_code, count, null_count, unique_count, minimum_value, "
+                     "maximum_value, median FROM v_fields ORDER BY field_id"),
+              "a|id|I|3|0|3|1|3|2\na|x|S|3|1|2|y|z|y\nb|ref|I|2|0|1|1|1|1\n");
+    EXPECT_EQ(stored("SELECT text FROM v_log WHERE level = 1"),
+              "Line 3: 1 cell instead of 2; the missing ones are null.\n"
+              "Line 4: 3 cells instead of 2; the extra ones are cut.\n"
+              "Damaged rows: 2 of 3.\n");
+    EXPECT_EQ(stored("SELECT collection, count(*) FROM v_collections GROUP BY collection"), "Keys|2\n");
+
+    ASSERT_TRUE(runJob(description, m_repository).ok());
+    EXPECT_EQ(stored("SELECT count(*), count(DISTINCT job) FROM v_runs"), "2|1\n");
+}
+
+TEST_F(RunJob, WhatIsWrongIsFoundBeforeAnythingIsWritten) {
+    const std::string a = write("a.csv", "id,name\n1,x\n");
+    const auto error = [&](const JobDescription& description) {
+        const auto run = runJob(description, m_repository);
+        return run ? std::string("none") : run.error().text;
+    };
+    EXPECT_THAT(error(job({a, m_folder.file("none.csv")})),
+                ::testing::AllOf(::testing::StartsWith("Table \"none\": "), ::testing::HasSubstr("No such file")));
+    EXPECT_THAT(error(job({a, write("empty.csv", "")})), ::testing::EndsWith("is empty"));
+    JobDescription unknown = job({a});
+    unknown.collections = {{"C", "", {{"a", "nmae"}}}};
+    EXPECT_EQ(error(unknown), "Collection \"C\": the table \"a\" has no field \"nmae\" (did you mean \"name\"?).");
+    unknown.collections = {{"C", "", {{"b", "id"}}}};
+    EXPECT_EQ(error(unknown), "Collection \"C\": the job has no table \"b\" (did you mean \"a\"?).");
+    EXPECT_EQ(error({}), "The job has no name.");
+    JobDescription nothing;
+    nothing.name = "N";
+    EXPECT_EQ(error(nothing), "The job \"N\" has no tables.");
+    EXPECT_FALSE(std::filesystem::exists(m_repository));
+}
+
+TEST_F(RunJob, ACancelledRunLeavesNothing) {
+    const JobDescription description = job({write("a.csv", "id\n1\n2\n")});
+    ASSERT_TRUE(runJob(description, m_repository).ok());
+    for (int calls = 1; calls <= 3; ++calls) {
+        Canceller watcher(calls);
+        const auto run = runJob(description, m_repository, {"", &watcher, nullptr});
+        ASSERT_TRUE(run.ok()) << run.error().text;
+        EXPECT_TRUE(run->cancelled) << calls;
+        EXPECT_EQ(run->runId, -1);
+        EXPECT_EQ(watcher.last.bytesTotal, 7);
+        EXPECT_EQ(stored("SELECT count(*) FROM v_runs"), "1\n");
+    }
+}
+
+TEST_F(RunJob, AFileWithoutRowsIsATable) {
+    ASSERT_TRUE(runJob(job({write("a.csv", "id,x\n")}), m_repository).ok());
+    EXPECT_EQ(stored("SELECT field_name, count, minimum_value IS NULL, unique_percent IS NULL FROM v_fields"),
+              "id|0|1|1\nx|0|1|1\n");
+}
+
+} // namespace
+} // namespace tavix::profiling

@@ -1,0 +1,93 @@
+#include "repository/DistributionStore.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+namespace tavix::repository {
+
+namespace {
+
+constexpr std::size_t kHashesPerChunk = std::size_t{128} * 1024;
+
+std::string_view letter(const DistributionKind& kind) {
+    static_assert(sizeof(DistributionKind) == 1);
+    return {reinterpret_cast<const char*>(&kind), 1};
+}
+
+} // namespace
+
+Status storeDistribution(sql::Connection& connection, const DistributionKey& key, std::span<const ValueCount> rows) {
+    if (rows.empty())
+        return {};
+    auto insert = connection.prepare("INSERT INTO distribution_block(run, field, kind, other_field, block, first_row, "
+                                     "rows, sum, bytes_present, payload) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10)");
+    if (!insert)
+        return insert.error();
+    DistributionPacker packer(rows);
+    for (std::int64_t block = 0;; ++block) {
+        auto packed = packer.next();
+        if (!packed)
+            return packed.error();
+        if (!*packed)
+            return {};
+        insert->bind(1, key.run).bind(2, key.field).bind(3, letter(key.kind)).bind(4, key.otherField).bind(5, block);
+        insert->bind(6, static_cast<std::int64_t>(packer.firstRow()));
+        insert->bind(7, static_cast<std::int64_t>(packer.rowCount()));
+        insert->bind(8, static_cast<std::int64_t>(packer.sum()));
+        insert->bindBlob(9, packer.presence()).bindBlob(10, packer.payload());
+        if (auto done = insert->run(); !done)
+            return done;
+    }
+}
+
+Status storeValueHashes(sql::Connection& connection, int run, int field, std::span<const ValueCount> rows) {
+    std::vector<std::uint64_t> hashes = sortedHashes(rows);
+    if (hashes.empty())
+        return {};
+    auto insert = connection.prepare("INSERT INTO value_hash(run, field, chunk, hashes) VALUES(?1,?2,?3,?4)");
+    if (!insert)
+        return insert.error();
+    std::span<const std::uint64_t> rest(hashes);
+    for (std::int64_t chunk = 0; !rest.empty(); ++chunk) {
+        auto part = rest.first(std::min(kHashesPerChunk, rest.size()));
+        insert->bind(1, run).bind(2, field).bind(3, chunk).bindBlob(4, std::as_bytes(part));
+        if (auto done = insert->run(); !done)
+            return done;
+        rest = rest.subspan(part.size());
+    }
+    return {};
+}
+
+Result<bool> DistributionReader::next() {
+    if (m_rowsRead >= m_expectedRows)
+        return false;
+    auto select = m_connection.prepare("SELECT rows, first_row, payload FROM distribution_block WHERE run = ?1 AND "
+                                       "field = ?2 AND kind = ?3 AND other_field = ?4 AND block = ?5");
+    if (!select)
+        return select.error();
+    select->bind(1, m_key.run).bind(2, m_key.field).bind(3, letter(m_key.kind)).bind(4, m_key.otherField);
+    switch (select->bind(5, m_nextBlock).step()) {
+    case sql::Step::Failed:
+        return Error{m_connection.errorText()};
+    case sql::Step::Done:
+        return Error{"A part of a stored distribution is missing. The run may have been deleted."};
+    case sql::Step::Row:
+        break;
+    }
+    auto payload = select->blob(2);
+    m_bytes.assign(payload.begin(), payload.end());
+    auto block = UnpackedBlock::parse(m_bytes);
+    if (!block)
+        return block.error();
+    auto rows = static_cast<std::int64_t>(block->rowCount());
+    if (rows == 0 || rows != select->integer(0) || m_rowsRead != select->integer(1) ||
+        m_rowsRead + rows > m_expectedRows)
+        return Error{"A stored distribution is damaged."};
+    m_block = std::move(*block);
+    m_rowsRead += rows;
+    ++m_nextBlock;
+    return true;
+}
+
+} // namespace tavix::repository

@@ -1,0 +1,49 @@
+#include "repository/Existence.h"
+
+#include <fmt/format.h>
+
+namespace tavix::repository {
+
+namespace {
+
+Error missing(std::string_view what, int id) {
+    return Error{fmt::format("There is no {} with the number {}.", what, id)};
+}
+
+} // namespace
+
+Status requireRow(sql::Connection& connection, std::string_view sql, int id, std::string_view what) {
+    auto select = connection.prepare(sql);
+    if (!select)
+        return select.error();
+    switch (select->bind(1, id).step()) {
+    case sql::Step::Row:
+        return {};
+    case sql::Step::Done:
+        return missing(what, id);
+    default:
+        return Error{connection.errorText()};
+    }
+}
+
+Status requireTable(sql::Connection& connection, int table) {
+    return requireRow(connection, "SELECT 1 FROM profiled_table WHERE id = ?1", table, "table");
+}
+
+Status requireField(sql::Connection& connection, int field) {
+    return requireRow(connection, "SELECT 1 FROM field WHERE id = ?1", field, "field");
+}
+
+Status requireCollection(sql::Connection& connection, int collection) {
+    return requireRow(connection, "SELECT 1 FROM collection WHERE id = ?1", collection, "collection");
+}
+
+Status changeRow(sql::Connection& connection, sql::Statement& statement, int id, std::string_view what) {
+    if (auto done = statement.run(); !done)
+        return done;
+    if (connection.changes() == 0)
+        return missing(what, id);
+    return {};
+}
+
+} // namespace tavix::repository

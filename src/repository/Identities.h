@@ -1,0 +1,22 @@
+#pragma once
+
+#include "base/Result.h"
+#include "repository/Facts.h"
+#include "sql/Connection.h"
+
+#include <string_view>
+
+/// The ids of jobs, data sources, tables and fields. They name the same object in every run of every job.
+namespace tavix::repository {
+
+/// What a table is called in text: the object name, else the table name.
+[[nodiscard]] std::string_view displayName(const TableFacts& table);
+
+// Each finds the id or makes it, within the caller's transaction.
+[[nodiscard]] Result<int> jobIdentity(sql::Connection& connection, std::string_view name, std::string_view description,
+                                      UtcTime now);
+[[nodiscard]] Result<int> dataSourceIdentity(sql::Connection& connection, std::string_view name, SourceKind kind);
+[[nodiscard]] Result<int> tableIdentity(sql::Connection& connection, int dataSource, const TableFacts& table);
+[[nodiscard]] Result<int> fieldIdentity(sql::Connection& connection, int table, std::string_view name);
+
+} // namespace tavix::repository

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "base/Result.h"
+#include "repository/Facts.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+/// The packed form of a distribution: blocks of rows as docs/formats/distribution.md describes them.
+namespace tavix::repository {
+
+inline constexpr std::size_t kRowsPerBlock = 4096;
+/// A block ends early rather than hold more text than this; only a single longer value may exceed it.
+inline constexpr std::size_t kTextPerBlock = std::size_t{1} << 20;
+inline constexpr std::size_t kLongestValue = std::size_t{256} << 20;
+
+/// One bit for each byte that occurs in a text of the block: byte b is bit b % 8 of entry b / 8.
+using BytePresence = std::array<std::byte, 32>;
+
+/// Cuts a distribution into blocks, one after the other. The rows are borrowed, never copied as a whole.
+class DistributionPacker {
+  public:
+    explicit DistributionPacker(std::span<const ValueCount> rows) : m_rows(rows) {}
+
+    /// Packs the next block; false at the end. Fails on a value beyond kLongestValue and on a second null.
+    [[nodiscard]] Result<bool> next();
+
+    // Of the block that next() made; valid until the next call.
+    [[nodiscard]] std::span<const std::byte> payload() const { return m_payload; }
+    [[nodiscard]] const BytePresence& presence() const { return m_presence; }
+    [[nodiscard]] std::size_t firstRow() const { return m_first; }
+    [[nodiscard]] std::size_t rowCount() const { return m_next - m_first; }
+    [[nodiscard]] std::uint64_t sum() const { return m_sum; }
+
+  private:
+    std::span<const ValueCount> m_rows;
+    std::size_t m_first = 0;
+    std::size_t m_next = 0;
+    std::uint64_t m_sum = 0;
+    BytePresence m_presence{};
+    std::vector<std::byte> m_payload;
+    bool m_sawNull = false;
+};
+
+/// The rows of one packed block. Any bytes may be given: what is no whole, unharmed block of this version is an error.
+class UnpackedBlock {
+  public:
+    /// `bytes` are borrowed and must live as long as the block is read.
+    [[nodiscard]] static Result<UnpackedBlock> parse(std::span<const std::byte> bytes);
+
+    [[nodiscard]] std::size_t rowCount() const { return m_rows; }
+    /// `row` must be below rowCount(). The text is borrowed from the bytes.
+    [[nodiscard]] ValueCount at(std::size_t row) const;
+
+  private:
+    std::span<const std::byte> m_counts;
+    std::span<const std::byte> m_text;
+    std::size_t m_countWidth = 1;
+    std::size_t m_rows = 0;
+    std::optional<std::size_t> m_nullRow;
+    std::vector<std::uint32_t> m_ends; ///< where each text ends
+};
+
+/// The 64-bit hash by which values are matched without their texts.
+[[nodiscard]] std::uint64_t hashValue(std::string_view value);
+
+/// The hashes of all values but null, ascending.
+[[nodiscard]] std::vector<std::uint64_t> sortedHashes(std::span<const ValueCount> rows);
+
+} // namespace tavix::repository

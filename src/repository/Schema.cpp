@@ -1,0 +1,94 @@
+#include "repository/Schema.h"
+
+#include "repository/RunDeletion.h"
+
+#include <fmt/format.h>
+
+namespace tavix::repository {
+
+namespace {
+
+constexpr std::string_view kStoreScheme = "sqlite:";
+
+// Writers wait for each other. Readers wait for nobody in the ordinary course, so a long wait would only hide that the
+// file is held by something else.
+constexpr std::chrono::milliseconds kWriterPatience(5000);
+constexpr std::chrono::milliseconds kReaderPatience(1000);
+
+/// Whether the store is an empty one that may be made a repository; an error unless it is that or ours already.
+Result<bool> isFresh(sql::Connection& connection, sql::OpenMode mode) {
+    auto mark = connection.applicationId();
+    if (!mark)
+        return mark.error();
+    if (*mark == kApplicationId)
+        return false;
+    auto empty = connection.isEmpty();
+    if (!empty)
+        return empty.error();
+    if (*mark != 0 || !*empty)
+        return Error{fmt::format("\"{}\" is a database of another program, not a repository.", connection.path())};
+    if (mode != sql::OpenMode::Create)
+        return Error{fmt::format("\"{}\" is empty: no run was ever stored in it.", connection.path())};
+    return true;
+}
+
+Status migrate(sql::Connection& connection, std::span<const char* const> steps) {
+    auto transaction = sql::Transaction::begin(connection);
+    if (!transaction)
+        return transaction.error();
+    // Asked again: another program may have done the work while this one waited.
+    auto version = connection.schemaVersion();
+    if (!version)
+        return version.error();
+    for (auto next = static_cast<std::size_t>(*version); next < steps.size(); ++next) {
+        if (auto done = connection.execute(steps[next]); !done)
+            return done;
+    }
+    if (auto marked = connection.setApplicationId(kApplicationId); !marked)
+        return marked;
+    if (auto marked = connection.setSchemaVersion(static_cast<std::int32_t>(steps.size())); !marked)
+        return marked;
+    return transaction->commit();
+}
+
+} // namespace
+
+Status prepareSchema(sql::Connection& connection, sql::OpenMode mode, std::span<const char* const> steps) {
+    auto fresh = isFresh(connection, mode);
+    if (!fresh)
+        return fresh.error();
+    auto version = connection.schemaVersion();
+    if (!version)
+        return version.error();
+    auto newest = static_cast<std::int64_t>(steps.size());
+    if (*version > newest)
+        return Error{fmt::format("The repository \"{}\" was made by a newer version of this program (its format is {}, "
+                                 "this program knows formats up to {}).",
+                                 connection.path(), *version, newest)};
+    if (*version < kOldestReadable && !*fresh)
+        return Error{fmt::format("The repository \"{}\" is damaged: it does not tell its format.", connection.path())};
+    if (mode == sql::OpenMode::Read)
+        return {};
+    if (auto enabled = connection.enableConcurrency(); !enabled)
+        return enabled;
+    return *version < newest ? migrate(connection, steps) : Status{};
+}
+
+Result<std::unique_ptr<sql::Connection>> openRepository(const std::string& path, sql::OpenMode mode) {
+    if (path.starts_with("postgresql:") || path.starts_with("postgres:"))
+        return Error{"This build has no support for PostgreSQL repositories. Name a repository file instead."};
+    std::string file = path.starts_with(kStoreScheme) ? path.substr(kStoreScheme.size()) : path;
+    auto connection =
+        sql::Connection::openFile(file, mode, mode == sql::OpenMode::Read ? kReaderPatience : kWriterPatience);
+    if (!connection)
+        return connection;
+    if (auto prepared = prepareSchema(**connection, mode, schemaSteps()); !prepared)
+        return prepared.error();
+    if (mode != sql::OpenMode::Read) {
+        if (auto swept = sweepDeletedRuns(**connection); !swept)
+            return swept.error();
+    }
+    return connection;
+}
+
+} // namespace tavix::repository

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "base/Result.h"
+#include "sql/Connection.h"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+/// The tables of a repository and their versions. docs/formats/repository.md describes them.
+namespace tavix::repository {
+
+/// "Tavx": marks a SQLite file as one of ours.
+inline constexpr std::int32_t kApplicationId = 0x54617678;
+
+/// The oldest version that can be read as it is. A step that takes away what a query needs raises it.
+inline constexpr std::int32_t kOldestReadable = 1;
+
+/// The scripts that lead from version n to n + 1, from 0 on. What stands in a published one is never changed.
+[[nodiscard]] std::span<const char* const> schemaSteps();
+
+/// Opens the repository at `path`, which may begin with "sqlite:", and checks that it is one, of a version that this
+/// program knows. For writing, an older version is brought up to date in one transaction, and a deletion that was cut
+/// short is finished; Create makes the repository when there is no file or an empty one. Nothing is changed in a file
+/// that is not ours.
+[[nodiscard]] Result<std::unique_ptr<sql::Connection>> openRepository(const std::string& path, sql::OpenMode mode);
+
+/// The check and the migration alone, for a list of steps.
+[[nodiscard]] Status prepareSchema(sql::Connection& connection, sql::OpenMode mode, std::span<const char* const> steps);
+
+} // namespace tavix::repository

@@ -1,0 +1,134 @@
+#include "shell/Screenshots.h"
+
+#include "base/ui/QtText.h"
+#include "shell/ShellOptions.h"
+#include "shell/ShellWindow.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QDir>
+#include <QEventLoop>
+#include <QKeyEvent>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QTimer>
+#include <QTreeView>
+
+#include <cstdio>
+
+namespace tavix::shell {
+
+namespace {
+
+// Longer than what the viewer puts off until a report is on the screen.
+constexpr int kSettleMilliseconds = 500;
+
+void settle() {
+    QEventLoop loop;
+    QTimer::singleShot(kSettleMilliseconds, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+class Album {
+  public:
+    explicit Album(const QString& folder) : m_folder(folder) {
+        if (!m_folder.mkpath(QStringLiteral("."))) {
+            std::fprintf(stderr, "tavix-shell: cannot make the folder %s\n", qUtf8Printable(folder));
+            m_ok = false;
+        }
+    }
+
+    void take(QWidget& widget, const QString& name) {
+        const QString path = m_folder.filePath(name + QStringLiteral(".png"));
+        if (m_ok && widget.grab().save(path)) {
+            std::printf("%s\n", qUtf8Printable(path));
+            return;
+        }
+        if (m_ok)
+            std::fprintf(stderr, "tavix-shell: cannot write %s\n", qUtf8Printable(path));
+        m_ok = false;
+    }
+
+    [[nodiscard]] bool ok() const { return m_ok; }
+
+  private:
+    QDir m_folder;
+    bool m_ok = true;
+};
+
+// Opens a modal dialog through a command of the viewer and photographs it, page by page where it has pages.
+void takeDialog(Veldra::Solenne::Tavix::TavixHost& host, CommandId id, Album& album, const QString& name) {
+    QTimer::singleShot(kSettleMilliseconds, qApp, [&album, name] {
+        QWidget* dialog = QApplication::activeModalWidget();
+        if (!dialog)
+            return;
+        auto* pages = dialog->findChild<QTabWidget*>();
+        if (!pages)
+            album.take(*dialog, name);
+        for (int page = 0; pages && page < pages->count(); ++page) {
+            pages->setCurrentIndex(page);
+            album.take(*dialog, QStringLiteral("%1-%2").arg(name).arg(page + 1));
+        }
+        dialog->close();
+    });
+    host.ExecuteCommand(static_cast<int>(id));
+}
+
+void pressDown(QWidget& widget) {
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Down, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &press);
+}
+
+void takeNavigatorPages(ShellWindow& window, Album& album) {
+    auto* navigator = window.findChild<QWidget*>(QStringLiteral("navigator"));
+    auto* tabs = navigator ? navigator->findChild<QTabBar*>() : nullptr;
+    if (!tabs)
+        return;
+    tabs->setCurrentIndex(1);
+    if (auto* tree = navigator->findChild<QTreeView*>(QStringLiteral("page1"))) {
+        tree->setFocus();
+        tree->setCurrentIndex(tree->model()->index(0, 0));
+        tree->expand(tree->currentIndex());
+    }
+    settle();
+    album.take(window, QStringLiteral("collection"));
+    tabs->setCurrentIndex(0);
+    if (auto* tree = navigator->findChild<QTreeView*>(QStringLiteral("page0"))) {
+        tree->setFocus();
+        tree->expand(tree->currentIndex());
+        for (int i = 0; i < 3; ++i)
+            pressDown(*tree);
+    }
+    settle();
+    album.take(window, QStringLiteral("field"));
+}
+
+} // namespace
+
+bool takeScreenshots(ShellWindow& window, Veldra::Solenne::Tavix::TavixHost& host, const ShellOptions& options) {
+    Album album(toQString(options.screenshots));
+    window.resize(1280, 800);
+    window.show();
+    settle();
+    album.take(window, QStringLiteral("welcome"));
+    if (options.repository.empty() || !album.ok())
+        return album.ok();
+    if (!window.openRepository(toQString(options.repository)))
+        return false;
+    if (!options.job.empty() && !window.openReportNamed(options.job))
+        return false;
+    window.showReports();
+    settle();
+    album.take(window, QStringLiteral("reports"));
+    if (!window.showReport())
+        return album.ok();
+    settle();
+    album.take(window, QStringLiteral("table"));
+    takeNavigatorPages(window, album);
+    takeDialog(host, CommandId::Options, album, QStringLiteral("options"));
+    if (host.ExecuteUpdateUICommand(static_cast<int>(CommandId::DeleteHistory)).Enabled)
+        takeDialog(host, CommandId::DeleteHistory, album, QStringLiteral("delete-history"));
+    return album.ok();
+}
+
+} // namespace tavix::shell

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "shell/ShellOptions.h"
+
+#include <QProxyStyle>
+
+namespace tavix::shell {
+
+/// A calm, flat look over Qt's own Fusion style, in the palette's colours, light or dark.
+class ShellStyle final : public QProxyStyle {
+    Q_OBJECT
+  public:
+    ShellStyle();
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override;
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override;
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                            const QWidget* widget) const override;
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                         const QWidget* widget) const override;
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
+                           const QWidget* widget) const override;
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* returned) const override;
+};
+
+/// Style, colours and font for the whole program.
+void applyLook(Scheme scheme);
+
+} // namespace tavix::shell

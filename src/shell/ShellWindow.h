@@ -1,0 +1,85 @@
+#pragma once
+
+#include "base/Messages.h"
+#include "host/TavixHost.h"
+#include "shell/ShellState.h"
+
+#include <QMainWindow>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class QAction;
+class QComboBox;
+class QLabel;
+class QMenu;
+class QStackedWidget;
+
+namespace tavix::shell {
+
+class JobListPage;
+class WelcomePage;
+
+/// The shell's one window: a welcome page, the list of a repository's reports, and the viewer. It drives the viewer
+/// through its host alone.
+class ShellWindow final : public QMainWindow {
+    Q_OBJECT
+  public:
+    /// Both must outlive the window.
+    ShellWindow(Veldra::Solenne::Tavix::TavixHost& host, Messages& messages);
+    ~ShellWindow() override;
+
+    /// Shows its reports, or its report when there is one only. False, after a message, leaves everything as it was.
+    bool openRepository(const QString& path);
+    /// The one opened last, when there is one.
+    void openLastRepository();
+    /// False, after a message, when the repository has no report of that name.
+    bool openReportNamed(const std::string& job);
+    /// The open report, else the first one; false, after a message, when there is none that can be shown.
+    bool showReport();
+    void showReports();
+    void showWelcome();
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+  private:
+    void makeActions();
+    void makeToolBar();
+    void askForRepository();
+    bool readReports(const std::string& path, std::vector<Veldra::Solenne::Tavix::TavixReportInfo>& reports);
+    bool openReport(int jobId);
+    void reload();
+    void fillRecent();
+    void fillRuns();
+    void chooseRun(int index);
+    void updateState();
+    void updateCommands();
+    void restoreWindow();
+    QAction* command(CommandId id);
+
+    Veldra::Solenne::Tavix::TavixHost& m_host;
+    Messages& m_messages;
+    ShellState m_state;
+    std::string m_repository; ///< "" while none is open
+    std::vector<Veldra::Solenne::Tavix::TavixReportInfo> m_reports;
+    int m_jobId = -1;
+
+    QStackedWidget* m_pages;
+    WelcomePage* m_welcome;
+    JobListPage* m_jobs;
+    QWidget* m_view;
+    QMenu* m_recentMenu = nullptr;
+    QAction* m_reportsAction = nullptr;
+    QAction* m_reloadAction = nullptr;
+    std::vector<QAction*> m_commands;
+    QAction* m_runActions[2] = {};
+    QComboBox* m_runs = nullptr;
+    QLabel* m_place;
+    QLabel* m_counts;
+};
+
+} // namespace tavix::shell

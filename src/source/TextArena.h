@@ -1,0 +1,60 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace tavix::source {
+
+/// Bytes that stay where they are until the arena is cleared or destroyed; moving the arena does not move them.
+class TextArena {
+  public:
+    /// Room for `size` bytes, not initialised.
+    [[nodiscard]] char* allocate(std::size_t size) {
+        if (size > m_left)
+            grow(size);
+        char* at = m_next;
+        m_next += size;
+        m_left -= size;
+        return at;
+    }
+    /// Gives back the end of the latest allocation.
+    void giveBack(std::size_t size) {
+        m_next -= size;
+        m_left += size;
+    }
+    [[nodiscard]] const char* keep(std::string_view text) {
+        char* at = allocate(text.size());
+        if (!text.empty())
+            std::memcpy(at, text.data(), text.size());
+        return at;
+    }
+    void clear() {
+        m_chunks.clear();
+        m_next = nullptr;
+        m_left = 0;
+        m_chunkSize = kFirstChunk;
+    }
+
+  private:
+    static constexpr std::size_t kFirstChunk = std::size_t{1} << 12;
+    static constexpr std::size_t kLargestChunk = std::size_t{1} << 20;
+
+    void grow(std::size_t size) {
+        const std::size_t chunk = std::max(size, m_chunkSize);
+        m_chunkSize = std::min(m_chunkSize * 2, kLargestChunk);
+        m_chunks.push_back(std::make_unique_for_overwrite<char[]>(chunk));
+        m_next = m_chunks.back().get();
+        m_left = chunk;
+    }
+
+    std::vector<std::unique_ptr<char[]>> m_chunks;
+    char* m_next = nullptr;
+    std::size_t m_left = 0;
+    std::size_t m_chunkSize = kFirstChunk;
+};
+
+} // namespace tavix::source

@@ -1,0 +1,309 @@
+#include "source/TextFileReader.h"
+
+#include "source/DelimiterSniffer.h"
+#include "source/TextArena.h"
+#include "source/Utf8.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+#include <unordered_set>
+#include <utility>
+
+namespace tavix::source {
+
+namespace {
+
+constexpr std::size_t kPieceSize = std::size_t{1} << 20;
+constexpr std::size_t kLargestPiece = std::size_t{1} << 31;
+constexpr std::size_t kBlockRows = std::size_t{1} << 15;
+constexpr std::size_t kBlockCells = std::size_t{1} << 21;
+constexpr std::size_t kListedDamage = 1000;
+
+std::string systemText(int code) {
+    return std::generic_category().message(code);
+}
+
+/// Names without duplicates and gaps; the first of two equal ones keeps its name.
+std::vector<std::string> uniqueNames(const std::vector<std::string>& found) {
+    std::unordered_set<std::string> taken(found.begin(), found.end());
+    std::unordered_set<std::string> used;
+    std::vector<std::string> names;
+    names.reserve(found.size());
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const std::string base = found[i].empty() ? fmt::format("Column{}", i + 1) : found[i];
+        std::string name = base;
+        // A made name must not take one that a later column has by right.
+        for (int k = 2; used.contains(name) || (name != found[i] && taken.contains(name)); ++k)
+            name = fmt::format("{} ({})", base, k);
+        used.insert(name);
+        names.push_back(std::move(name));
+    }
+    return names;
+}
+
+} // namespace
+
+struct TextFileReader::Piece {
+    std::unique_ptr<char[]> bytes;
+    std::size_t capacity = 0;
+    std::size_t size = 0;
+    bool isValid = true; ///< UTF-8 throughout
+    TextArena arena;     ///< cells that had to be rewritten
+};
+
+TextFileReader::TextFileReader(std::string path, int file) : m_path(std::move(path)), m_file(file) {}
+
+TextFileReader::~TextFileReader() {
+    ::close(m_file);
+}
+
+Error TextFileReader::failure(std::string_view what) const {
+    return Error{fmt::format("\"{}\" {}", m_path, what)};
+}
+
+Result<std::unique_ptr<TextFileReader>> TextFileReader::open(const std::string& path, const TextFileOptions& options) {
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return Error{fmt::format("\"{}\" cannot be opened: {}", path, systemText(errno))};
+    std::unique_ptr<TextFileReader> reader(new TextFileReader(path, file));
+    if (Status status = reader->begin(options); !status)
+        return status.error();
+    return reader;
+}
+
+Status TextFileReader::begin(const TextFileOptions& options) {
+    struct stat info {};
+    if (::fstat(m_file, &info) != 0)
+        return failure("cannot be read: " + systemText(errno));
+    if (S_ISDIR(info.st_mode))
+        return failure("is a folder, not a text file");
+    m_isRegular = S_ISREG(info.st_mode);
+    m_size = m_isRegular ? static_cast<std::int64_t>(info.st_size) : 0;
+    m_modified = UtcTime(std::chrono::seconds(info.st_mtim.tv_sec) +
+                         std::chrono::floor<std::chrono::milliseconds>(std::chrono::nanoseconds(info.st_mtim.tv_nsec)));
+    ::posix_fadvise(m_file, 0, 0, POSIX_FADV_SEQUENTIAL);
+    if (Status status = refill(); !status)
+        return status;
+
+    const char* text = m_piece->bytes.get();
+    const std::string_view start(text, m_piece->size);
+    if (start.starts_with("\xFF\xFE") || start.starts_with("\xFE\xFF"))
+        return failure("is in UTF-16; only UTF-8 is read");
+    m_hasMark = start.starts_with("\xEF\xBB\xBF");
+    const char* first = text + (m_hasMark ? 3 : 0);
+    if (start.find_first_not_of("\r\n", m_hasMark ? 3 : 0) == std::string_view::npos && m_scanner->isLast())
+        return failure("is empty");
+    m_delimiter =
+        options.delimiter ? *options.delimiter : sniffDelimiter(first, text + m_piece->size, m_scanner->isLast());
+    m_scanner.emplace(first, text + m_piece->size, m_delimiter, m_scanner->isLast());
+    return findColumns(options.hasHeader);
+}
+
+Status TextFileReader::findColumns(bool hasHeader) {
+    // Lines without anything in front of the first row say nothing; without a header they may be rows of a one-column
+    // file, and are read again as such.
+    const char* const firstLine = m_scanner->position();
+    std::vector<RawCell> cells;
+    ScannedRow row;
+    for (;;) {
+        if (m_scanner->isAtEnd() && m_scanner->isLast())
+            return failure("is empty");
+        cells.clear();
+        row = m_scanner->scan([&](std::size_t, const RawCell& cell) { cells.push_back(cell); });
+        if (row.end == RowEnd::Unfinished) {
+            if (Status status = refill(); !status)
+                return status;
+        } else if (row.isEmptyLine) {
+            ++m_line;
+        } else {
+            break;
+        }
+    }
+    std::vector<std::string> found(cells.size());
+    if (hasHeader) {
+        bool hadBadBytes = false;
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            const Cell cell = rewritten(cells[i], hadBadBytes);
+            found[i].assign(cell.data, cell.size);
+        }
+        noteDamage(row, hadBadBytes);
+        m_line += row.lines;
+    } else {
+        const bool isInFirstPiece = firstLine >= m_piece->bytes.get() && firstLine <= m_scanner->position();
+        const char* again = isInFirstPiece ? firstLine : m_piece->bytes.get();
+        m_scanner.emplace(again, m_scanner->end(), m_delimiter, m_scanner->isLast());
+        m_line = 1;
+    }
+    m_names = uniqueNames(found);
+    m_isEmptyLineRow = m_names.size() == 1;
+    m_rowLimit = std::clamp<std::size_t>(kBlockCells / m_names.size(), 1, kBlockRows);
+    return {};
+}
+
+std::shared_ptr<TextFileReader::Piece> TextFileReader::freePiece(std::size_t capacity) {
+    for (auto& piece : m_pieces)
+        if (piece.use_count() == 1 && piece->capacity >= capacity) {
+            piece->arena.clear();
+            return piece;
+        }
+    // What is too small now would only be kept for nothing.
+    std::erase_if(m_pieces, [&](const auto& piece) { return piece->capacity < capacity; });
+    auto piece = std::make_shared<Piece>();
+    piece->bytes = std::make_unique_for_overwrite<char[]>(capacity + RowScanner::kPadding);
+    piece->capacity = capacity;
+    m_pieces.push_back(piece);
+    return piece;
+}
+
+Status TextFileReader::refill() {
+    const std::size_t rest = m_scanner ? static_cast<std::size_t>(m_scanner->end() - m_scanner->position()) : 0;
+    const std::size_t capacity = std::max(kPieceSize, rest * 2);
+    if (capacity > kLargestPiece)
+        return failure(fmt::format("has a row of more than 1 GiB, which begins in line {}", m_line));
+    const std::shared_ptr<Piece> piece = freePiece(capacity);
+    if (rest > 0)
+        std::memcpy(piece->bytes.get(), m_scanner->position(), rest);
+    piece->size = rest;
+    bool isLast = false;
+    while (piece->size < piece->capacity) {
+        const ssize_t got = ::read(m_file, piece->bytes.get() + piece->size, piece->capacity - piece->size);
+        if (got < 0) {
+            if (errno == EINTR)
+                continue;
+            return failure("cannot be read: " + systemText(errno));
+        }
+        if (got == 0) {
+            isLast = true;
+            break;
+        }
+        piece->size += static_cast<std::size_t>(got);
+        m_bytesRead += got;
+    }
+    if (isLast && m_isRegular && m_bytesRead != m_size)
+        return failure("changed its size while it was read");
+    std::memset(piece->bytes.get() + piece->size, 0, RowScanner::kPadding);
+    const std::string_view text(piece->bytes.get(), piece->size);
+    const std::size_t judged = piece->size - (isLast ? 0 : unfinishedUtf8Tail(text));
+    piece->isValid = validUtf8Prefix(text.substr(0, judged)) == judged;
+    m_piece = piece;
+    m_scanner.emplace(text.data(), text.data() + text.size(), m_delimiter, isLast);
+    return {};
+}
+
+Cell TextFileReader::rewritten(const RawCell& cell, bool& hadBadBytes) {
+    const char* data = cell.data;
+    std::size_t size = cell.size;
+    if (cell.hasDoubledQuotes || cell.tailSize > 0) {
+        char* const at = m_piece->arena.allocate(cell.size + cell.tailSize);
+        char* to = at;
+        for (std::size_t i = 0; i < cell.size; ++i) {
+            *to++ = cell.data[i];
+            if (cell.data[i] == '"' && i + 1 < cell.size)
+                ++i;
+        }
+        std::memcpy(to, cell.data + cell.size + 1, cell.tailSize);
+        to += cell.tailSize;
+        data = at;
+        size = static_cast<std::size_t>(to - at);
+    }
+    if (!m_piece->isValid && validUtf8Prefix({data, size}) != size) {
+        hadBadBytes = true;
+        char* const at = m_piece->arena.allocate(size * 3);
+        const std::size_t repaired = repairUtf8({data, size}, at);
+        m_piece->arena.giveBack(size * 3 - repaired);
+        data = at;
+        size = repaired;
+    }
+    return {data, static_cast<std::uint32_t>(size), size == 0 && !cell.isQuoted};
+}
+
+void TextFileReader::noteDamage(const ScannedRow& row, bool hadBadBytes) {
+    const auto note = [&](Damage damage) {
+        if (m_damaged.size() < kListedDamage)
+            m_damaged.push_back({m_line, damage, row.cells});
+    };
+    const bool isTooShort = row.cells < m_names.size();
+    const bool isTooLong = !m_names.empty() && row.cells > m_names.size();
+    if (!isTooShort && !isTooLong && !hadBadBytes && !row.isQuoteOpen)
+        return;
+    ++m_damagedCount;
+    if (isTooShort)
+        note(Damage::TooFewCells);
+    if (isTooLong)
+        note(Damage::TooManyCells);
+    if (hadBadBytes)
+        note(Damage::BadBytes);
+    if (row.isQuoteOpen)
+        note(Damage::OpenQuote);
+}
+
+void TextFileReader::reserve(RowBlock& block) {
+    block.columns.resize(m_names.size());
+    m_targets.resize(m_names.size());
+    for (std::size_t c = 0; c < m_names.size(); ++c) {
+        if (block.columns[c].size() < m_rowLimit)
+            block.columns[c].resize(m_rowLimit);
+        m_targets[c] = block.columns[c].data();
+    }
+}
+
+void TextFileReader::finishRow(const ScannedRow& row, RowBlock& block, std::size_t rowIndex) {
+    bool hadBadBytes = false;
+    for (const Rewrite& rewrite : m_rewrites)
+        block.columns[rewrite.column][rowIndex] = rewritten(rewrite.cell, hadBadBytes);
+    for (std::size_t c = row.cells; c < m_names.size(); ++c)
+        block.columns[c][rowIndex] = Cell{};
+    if (row.cells != m_names.size() || hadBadBytes || row.isQuoteOpen)
+        noteDamage(row, hadBadBytes);
+}
+
+Result<bool> TextFileReader::read(RowBlock& block) {
+    block.text.reset();
+    block.rows = 0;
+    reserve(block);
+    const std::size_t columns = m_names.size();
+    std::size_t rows = 0;
+    while (rows < m_rowLimit) {
+        if (m_scanner->isAtEnd() && m_scanner->isLast())
+            break;
+        m_rewrites.clear();
+        const bool rewriteAll = !m_piece->isValid;
+        const ScannedRow row = m_scanner->scan([&](std::size_t index, const RawCell& cell) {
+            if (index >= columns)
+                return;
+            m_targets[index][rows] = {cell.data, static_cast<std::uint32_t>(cell.size),
+                                      cell.size == 0 && !cell.isQuoted};
+            if (rewriteAll || cell.hasDoubledQuotes || cell.tailSize > 0)
+                m_rewrites.push_back({index, cell});
+        });
+        if (row.end == RowEnd::Unfinished) {
+            if (rows > 0)
+                break; // the next block begins with it, in a piece of its own
+            if (Status status = refill(); !status)
+                return status.error();
+            continue;
+        }
+        if (!row.isEmptyLine || m_isEmptyLineRow) {
+            if (!m_rewrites.empty() || row.cells != columns || row.isQuoteOpen)
+                finishRow(row, block, rows);
+            ++rows;
+        }
+        m_line += row.lines;
+    }
+    block.rows = rows;
+    block.text = m_piece;
+    return rows > 0;
+}
+
+std::int64_t TextFileReader::position() const {
+    return m_bytesRead - (m_scanner->end() - m_scanner->position());
+}
+
+} // namespace tavix::source

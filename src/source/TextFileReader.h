@@ -1,0 +1,88 @@
+#pragma once
+
+#include "base/Clock.h"
+#include "source/RowReader.h"
+#include "source/RowScanner.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavix::source {
+
+struct TextFileOptions {
+    std::optional<char> delimiter; ///< found in the first rows when not stated
+    bool hasHeader = true;         ///< otherwise the columns are named Column1, Column2, ...
+};
+
+/// Reads a delimited text file in UTF-8 (RFC 4180, and what files in the wild make of it: docs/definitions.md). The
+/// file is read in pieces that belong to the blocks; nothing else grows with it but the longest row.
+class TextFileReader final : public RowReader {
+  public:
+    /// Opens the file and reads its first piece: delimiter, byte order mark and column names are known then. An error
+    /// for a file that cannot be read, a folder, an empty file, one in UTF-16. Header names are kept as they stand,
+    /// but an empty one becomes ColumnN, and one that an earlier column has gets " (2)", " (3)", ...
+    [[nodiscard]] static Result<std::unique_ptr<TextFileReader>> open(const std::string& path,
+                                                                      const TextFileOptions& options);
+    ~TextFileReader() override;
+    TextFileReader(const TextFileReader&) = delete;
+    TextFileReader& operator=(const TextFileReader&) = delete;
+
+    [[nodiscard]] std::span<const std::string> columnNames() const override { return m_names; }
+    /// An error too when the file turns out to have changed its size, or a row is longer than 1 GiB.
+    [[nodiscard]] Result<bool> read(RowBlock& block) override;
+    [[nodiscard]] std::int64_t position() const override;
+    [[nodiscard]] std::int64_t total() const override { return m_size; }
+    [[nodiscard]] std::span<const DamagedRow> damagedRows() const override { return m_damaged; }
+    [[nodiscard]] std::int64_t damagedRowCount() const override { return m_damagedCount; }
+
+    /// 0 when the lines are not split.
+    [[nodiscard]] char delimiter() const { return m_delimiter; }
+    [[nodiscard]] bool hasByteOrderMark() const { return m_hasMark; }
+    [[nodiscard]] UtcTime modified() const { return m_modified; }
+
+  private:
+    struct Piece;
+    struct Rewrite {
+        std::size_t column = 0;
+        RawCell cell;
+    };
+
+    TextFileReader(std::string path, int file);
+    Status begin(const TextFileOptions& options);
+    Status findColumns(bool hasHeader);
+    /// Moves to a piece that holds what was not consumed and as much again from the file, or more.
+    Status refill();
+    [[nodiscard]] std::shared_ptr<Piece> freePiece(std::size_t capacity);
+    [[nodiscard]] Cell rewritten(const RawCell& cell, bool& hadBadBytes);
+    void reserve(RowBlock& block);
+    void finishRow(const ScannedRow& row, RowBlock& block, std::size_t rowIndex);
+    void noteDamage(const ScannedRow& row, bool hadBadBytes);
+    [[nodiscard]] Error failure(std::string_view what) const;
+
+    std::string m_path;
+    int m_file;
+    std::int64_t m_size = 0;
+    bool m_isRegular = false;
+    UtcTime m_modified{};
+    char m_delimiter = '\0';
+    bool m_hasMark = false;
+    bool m_isEmptyLineRow = false;
+    std::vector<std::string> m_names;
+
+    std::int64_t m_bytesRead = 0;
+    std::vector<std::shared_ptr<Piece>> m_pieces;
+    std::shared_ptr<Piece> m_piece;
+    std::optional<RowScanner> m_scanner; ///< over m_piece
+    std::vector<Cell*> m_targets;        ///< the columns of the block that is being filled
+    std::vector<Rewrite> m_rewrites;     ///< cells of the current row that do not stand in the file as they are
+    std::size_t m_rowLimit = 0;
+
+    std::int64_t m_line = 1; ///< where the next row begins
+    std::vector<DamagedRow> m_damaged;
+    std::int64_t m_damagedCount = 0;
+};
+
+} // namespace tavix::source

@@ -1,0 +1,64 @@
+#include "sql/ConnectionImpl.h"
+
+#include <fmt/format.h>
+#include <sqlite3.h>
+
+#include <cstring>
+
+namespace tavix::sql {
+
+namespace {
+
+std::string describeIo(int code, int systemError, const std::string& path) {
+    std::string reason = systemError != 0 ? fmt::format(": {}", std::strerror(systemError)) : std::string();
+    switch (code) {
+    case SQLITE_IOERR_WRITE:
+    case SQLITE_IOERR_FSYNC:
+    case SQLITE_IOERR_TRUNCATE:
+    case SQLITE_IOERR_SHMSIZE:
+        return fmt::format("The repository \"{}\" could not be written{}.", path, reason);
+    case SQLITE_IOERR_SHORT_READ:
+        return fmt::format("The repository \"{}\" is damaged: a part of the file is missing.", path);
+    default:
+        return fmt::format("The repository \"{}\" could not be read or written{}.", path, reason);
+    }
+}
+
+} // namespace
+
+std::string describeError(int code, std::string_view message, int systemError, const std::string& path) {
+    switch (code & 0xff) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return fmt::format("The repository \"{}\" is in use by another program. Try again later.", path);
+    case SQLITE_FULL:
+        return fmt::format("The repository \"{}\" could not be written: the disk is full.", path);
+    case SQLITE_CORRUPT:
+        return fmt::format("The repository \"{}\" is damaged.", path);
+    case SQLITE_NOTADB:
+        return fmt::format("The file \"{}\" is not a repository: it is no database.", path);
+    case SQLITE_READONLY:
+    case SQLITE_PERM:
+        return fmt::format("The repository \"{}\" cannot be written: the file or its folder is read-only.", path);
+    case SQLITE_CANTOPEN:
+        return fmt::format("The repository \"{}\" cannot be opened{}.", path,
+                           systemError != 0 ? fmt::format(": {}", std::strerror(systemError)) : std::string());
+    case SQLITE_IOERR:
+        return describeIo(code, systemError, path);
+    case SQLITE_INTERRUPT:
+        return "The operation was interrupted.";
+    case SQLITE_NOMEM:
+        return "There is not enough memory.";
+    case SQLITE_TOOBIG:
+        return "A value is too long to be stored.";
+    case SQLITE_CONSTRAINT:
+        return fmt::format("The repository \"{}\" refuses the values: {}.", path, message);
+    case SQLITE_SCHEMA:
+    case SQLITE_ERROR:
+        return fmt::format("The repository \"{}\" is not built as it should be: {}.", path, message);
+    default:
+        return fmt::format("The repository \"{}\" failed: {}.", path, message);
+    }
+}
+
+} // namespace tavix::sql

@@ -1,0 +1,57 @@
+#include "tabs/MetricText.h"
+
+#include "base/Metrics.h"
+#include "base/NumberText.h"
+
+namespace tavix {
+
+namespace {
+
+constexpr std::size_t kLongText = 7;
+constexpr int kMostPlaces = 6;
+
+bool isRounded(int metricId) {
+    switch (static_cast<MetricId>(metricId)) {
+    case MetricId::Mean:
+    case MetricId::StandardDeviation:
+    case MetricId::StandardError:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+std::string metricText(int metricId, std::string_view typeCode, std::string_view value) {
+    std::string text(value);
+    if (!isRounded(metricId) || (typeCode != "I" && typeCode != "R") || text.size() < kLongText)
+        return text;
+    const auto number = parseNumber(value);
+    if (!number)
+        return text;
+    int places = kMostPlaces;
+    do {
+        text = formatFixed(*number, places);
+        --places;
+    } while (text.size() >= kLongText && places >= 0);
+    return text;
+}
+
+CellAlignment metricAlignment(int metricId) {
+    switch (static_cast<MetricId>(metricId)) {
+    case MetricId::MinimumValue:
+    case MetricId::MaximumValue:
+    case MetricId::Mode:
+    case MetricId::DefinedType:
+    case MetricId::DefinedLength:
+    case MetricId::PrimaryKey:
+    case MetricId::Nullable:
+    case MetricId::ActualType:
+        return CellAlignment::Left;
+    default:
+        return CellAlignment::Right;
+    }
+}
+
+} // namespace tavix

@@ -1,0 +1,232 @@
+#include "tabs/StdMetRows.h"
+
+#include "access/Layouts.h"
+#include "access/PrViewer.h"
+#include "base/GenException.h"
+#include "base/NumberText.h"
+#include "doc/MetricDisplay.h"
+#include "grid/CellOrder.h"
+#include "tabs/MetricText.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace tavix {
+
+namespace {
+
+constexpr int kFieldColumn = 0;
+constexpr int kOriginColumn = 1;
+constexpr int kMetricColumns = 2;
+constexpr int kTextWidth = 130;
+constexpr int kIconWidth = 25;
+
+std::string text(const ProfileCursor& cursor, int column) {
+    return cursor.getColumnValue(column).str();
+}
+
+int kindCode(std::string_view letter) {
+    return letter == "Y" ? 1 : letter == "S" ? 2 : letter == "D" ? 4 : 0;
+}
+
+bool belongsTo(const ProfileCursor& alert, const TableIdentity& table) {
+    using namespace layout;
+    return text(alert, AlertTypeCode) == "SM" &&
+           kindCode(text(alert, AlertKindLetter)) == kindCode(std::string_view(&table.kind, 1)) &&
+           text(alert, AlertDsn) == table.dataSource && text(alert, AlertCatalog) == table.catalog &&
+           text(alert, AlertSchema) == table.schema && text(alert, AlertTable) == table.name &&
+           text(alert, AlertObject) == table.objectName;
+}
+
+// Where a collection's field comes from. A catalog is told only where there is a schema.
+std::string sourceText(const ProfileCursor& cursor) {
+    using namespace layout;
+    std::string source = text(cursor, SourceDsn);
+    const std::string schema = text(cursor, SourceSchema);
+    const std::string catalog = text(cursor, SourceCatalog);
+    if (!schema.empty()) {
+        if (!catalog.empty())
+            source += "." + catalog;
+        source += "." + schema;
+    }
+    const std::string object = text(cursor, SourceObject);
+    return source + "." + (object.empty() ? text(cursor, SourceTable) : object);
+}
+
+GridColumn column(std::string heading, int width, CellAlignment alignment = CellAlignment::Left) {
+    GridColumn result;
+    result.heading = std::move(heading);
+    result.width = width;
+    result.alignment = alignment;
+    return result;
+}
+
+GridCell iconCell(int count, CellIcon icon) {
+    GridCell cell;
+    cell.alignment = CellAlignment::Center;
+    if (count > 0)
+        cell.icon = icon;
+    return cell;
+}
+
+} // namespace
+
+void StdMetRows::Clear() {
+    m_columns.clear();
+    m_rows.clear();
+    m_shown.clear();
+    m_marks.clear();
+    m_error.clear();
+}
+
+bool StdMetRows::Fill(PrViewer& viewer, const ReportSelection& selection, std::span<const MetricDisplay> metrics,
+                      const CollectionsByField& collections) {
+    Clear();
+    const bool isTable = selection.kind == ReportSelection::Kind::Table;
+    m_isCollection = selection.kind == ReportSelection::Kind::Collection;
+    if (!isTable && !m_isCollection)
+        return true;
+    MakeColumns(metrics);
+    bool done = false;
+    try {
+        if (isTable)
+            ReadAlertMarks(viewer, selection.table);
+        done = ReadFields(viewer, selection, collections);
+        if (!done)
+            m_error = viewer.getErrorString().str();
+    } catch (const GenException& exception) {
+        m_error = exception.getText().str();
+    }
+    if (!done)
+        m_rows.clear();
+    return done;
+}
+
+void StdMetRows::MakeColumns(std::span<const MetricDisplay> metrics) {
+    m_columns.push_back(column("Field Name", kTextWidth));
+    m_columns.back().locked = true;
+    m_columns.push_back(column(m_isCollection ? "Source" : "Collections", kTextWidth));
+    m_shown = shownMetrics(metrics);
+    for (const int id : m_shown) {
+        m_columns.push_back(column(metrics[static_cast<std::size_t>(id)].description, kTextWidth, metricAlignment(id)));
+        m_columns.back().parameter = id;
+    }
+    m_columns.push_back(column("P", kIconWidth, CellAlignment::Center));
+    m_columns.back().toolTip = "Primary key/foreign key analyses";
+    m_columns.push_back(column("R", kIconWidth, CellAlignment::Center));
+    m_columns.back().toolTip = "Redundant data analyses";
+}
+
+// Marks are an addition to the figures: without them the figures are shown all the same.
+void StdMetRows::ReadAlertMarks(PrViewer& viewer, const TableIdentity& table) {
+    const ProfileCursorHandle alerts = viewer.getAlerts();
+    while (alerts && alerts->next()) {
+        if (!belongsTo(*alerts, table))
+            continue;
+        if (const auto metric = parseInteger(text(*alerts, layout::AlertMetric)))
+            m_marks.emplace(text(*alerts, layout::AlertInput), static_cast<int>(*metric));
+    }
+}
+
+bool StdMetRows::ReadFields(PrViewer& viewer, const ReportSelection& selection, const CollectionsByField& collections) {
+    const ProfileCursorHandle fields =
+        m_isCollection ? viewer.getGlobalCollFieldListPKR(selection.id) : viewer.getFieldListPKR(selection.table.id);
+    if (!fields)
+        return false;
+    while (fields->next())
+        m_rows.push_back(ReadRow(*fields, collections));
+    return true;
+}
+
+StdMetRows::Row StdMetRows::ReadRow(const ProfileCursor& cursor, const CollectionsByField& collections) const {
+    using namespace layout;
+    const int metrics = m_isCollection ? kCollectionFieldListPkrMetrics : kFieldListPkrMetrics;
+    Row row;
+    row.fieldId = cursor.getColumnInt(FieldId);
+    row.fieldName = text(cursor, FieldName);
+    row.typeCode = text(cursor, FieldTypeCode);
+    row.definedLength = text(cursor, metrics + static_cast<int>(MetricId::DefinedLength));
+    row.cells.reserve(m_columns.size());
+
+    const auto membership = collections.find(row.fieldId);
+    const bool isMember = !m_isCollection && membership != collections.end() && !membership->second.empty();
+    GridCell name;
+    name.text = row.fieldName;
+    name.icon = isMember ? CellIcon::FieldInLookup : CellIcon::Field;
+    row.cells.push_back(std::move(name));
+    GridCell origin;
+    if (m_isCollection)
+        origin.text = sourceText(cursor);
+    else if (isMember)
+        origin.text = fmt::format("{}", fmt::join(membership->second, ", "));
+    row.cells.push_back(std::move(origin));
+
+    for (const int id : m_shown) {
+        GridCell cell;
+        const KvbString value = cursor.getColumnValue(metrics + id);
+        if (value.isNull()) {
+            cell.text = kUnknownMetric;
+            cell.state = CellState::Unknown;
+        } else {
+            cell.text = metricText(id, row.typeCode, value.view());
+        }
+        cell.alignment = metricAlignment(id);
+        cell.alertMark = !m_marks.empty() && m_marks.count({row.fieldName, id}) != 0;
+        row.cells.push_back(std::move(cell));
+    }
+    const int keyAnalyses = m_isCollection ? int{CollectionPkrKeyAnalyses} : int{PkrKeyAnalyses};
+    const int redundancies = m_isCollection ? int{CollectionPkrRedundancies} : int{PkrRedundancies};
+    row.cells.push_back(iconCell(cursor.getColumnInt(keyAnalyses), CellIcon::KeyAnalysis));
+    row.cells.push_back(iconCell(cursor.getColumnInt(redundancies), CellIcon::Redundancy));
+    return row;
+}
+
+int StdMetRows::GetFieldId(std::int64_t row) const {
+    return m_rows.at(static_cast<std::size_t>(row)).fieldId;
+}
+
+const std::string& StdMetRows::GetFieldName(std::int64_t row) const {
+    return m_rows.at(static_cast<std::size_t>(row)).fieldName;
+}
+
+std::int64_t StdMetRows::FindField(int fieldId) const {
+    const auto found =
+        std::find_if(m_rows.begin(), m_rows.end(), [fieldId](const Row& row) { return row.fieldId == fieldId; });
+    return found == m_rows.end() ? -1 : found - m_rows.begin();
+}
+
+GridColumn StdMetRows::GetColumn(int column) const {
+    return m_columns.at(static_cast<std::size_t>(column));
+}
+
+GridCell StdMetRows::GetCell(int column, std::int64_t row) const {
+    return m_rows.at(static_cast<std::size_t>(row)).cells.at(static_cast<std::size_t>(column));
+}
+
+bool StdMetRows::Sort(int column, bool descending) {
+    if (column < 0 || column >= GetColumnCount())
+        return false;
+    const auto at = static_cast<std::size_t>(column);
+    struct Keyed {
+        CellOrderKey key;
+        Row row;
+    };
+    std::vector<Keyed> keyed;
+    keyed.reserve(m_rows.size());
+    for (Row& row : m_rows) {
+        // Columns of pictures sort by whether there is one.
+        const GridCell& cell = row.cells[at];
+        const bool isPicture = column >= kMetricColumns + static_cast<int>(m_shown.size());
+        CellOrderKey key(isPicture ? (cell.icon == CellIcon::None ? "0" : "1") : std::string_view(cell.text));
+        keyed.push_back({std::move(key), std::move(row)});
+    }
+    std::stable_sort(keyed.begin(), keyed.end(), [descending](const Keyed& a, const Keyed& b) {
+        return descending ? b.key < a.key : a.key < b.key;
+    });
+    for (std::size_t i = 0; i < keyed.size(); ++i)
+        m_rows[i] = std::move(keyed[i].row);
+    return true;
+}
+
+} // namespace tavix

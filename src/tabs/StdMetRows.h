@@ -1,0 +1,63 @@
+#pragma once
+
+#include "doc/CTavixDoc.h"
+#include "doc/ReportSelection.h"
+#include "grid/CUGDataSource.h"
+
+#include <set>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tavix {
+
+/// The rows of the standard metrics tab: one for each field of a table or collection, one column for each shown
+/// metric. Rows come in the order of the field list until they are sorted.
+class StdMetRows final : public CUGDataSource {
+  public:
+    /// Reads the rows of the selected table or collection with the shown ones of `metrics` as columns; any other
+    /// selection gives no rows. False when the repository fails: GetErrorText() then says why, and there are no rows.
+    /// `collections` are those of the table's fields.
+    bool Fill(PrViewer& viewer, const ReportSelection& selection, std::span<const MetricDisplay> metrics,
+              const CollectionsByField& collections);
+    /// No rows and no columns.
+    void Clear();
+    [[nodiscard]] const std::string& GetErrorText() const { return m_error; }
+
+    [[nodiscard]] int GetFieldId(std::int64_t row) const;
+    [[nodiscard]] const std::string& GetFieldName(std::int64_t row) const;
+    /// The row of that field; -1 when there is none.
+    [[nodiscard]] std::int64_t FindField(int fieldId) const;
+
+    [[nodiscard]] int GetColumnCount() const override { return static_cast<int>(m_columns.size()); }
+    [[nodiscard]] std::int64_t GetRowCount() const override { return static_cast<std::int64_t>(m_rows.size()); }
+    [[nodiscard]] GridColumn GetColumn(int column) const override;
+    [[nodiscard]] GridCell GetCell(int column, std::int64_t row) const override;
+    [[nodiscard]] std::int64_t GetRowKey(std::int64_t row) const override { return GetFieldId(row); }
+    bool Sort(int column, bool descending) override;
+
+  private:
+    struct Row {
+        int fieldId = -1;
+        std::string fieldName;
+        std::string typeCode;
+        std::string definedLength;
+        std::vector<GridCell> cells;
+    };
+    using Mark = std::pair<std::string, int>; ///< field name and metric id
+
+    void ReadAlertMarks(PrViewer& viewer, const TableIdentity& table);
+    bool ReadFields(PrViewer& viewer, const ReportSelection& selection, const CollectionsByField& collections);
+    [[nodiscard]] Row ReadRow(const ProfileCursor& cursor, const CollectionsByField& collections) const;
+    void MakeColumns(std::span<const MetricDisplay> metrics);
+
+    std::vector<GridColumn> m_columns;
+    std::vector<Row> m_rows;
+    std::vector<int> m_shown; ///< metric ids in the order of their columns
+    std::set<Mark> m_marks;
+    bool m_isCollection = false;
+    std::string m_error;
+};
+
+} // namespace tavix

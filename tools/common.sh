@@ -1,0 +1,53 @@
+# Shared by the scripts of the project; to be sourced by bash.
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+jobs=$(nproc)
+
+heading() {
+    printf '\n== %s\n' "$*"
+}
+
+die() {
+    printf '%s: %s\n' "$(basename "$0")" "$*" >&2
+    exit 1
+}
+
+# Every C++ file of ours, one a line, relative to the root.
+sources() {
+    (cd "$root" && find src tests bench -type f \( -name '*.cpp' -o -name '*.h' \) | LC_ALL=C sort)
+}
+
+# quietly LOG COMMAND...: runs it with its output in LOG, which is shown when it fails. Meanwhile a terminal shows the
+# latest line of it, anything else a dot now and then.
+quietly() {
+    local log=$1 child ticks=0
+    shift
+    mkdir -p "$(dirname "$log")"
+    "$@" >"$log" 2>&1 &
+    child=$!
+    while kill -0 "$child" 2>/dev/null; do
+        sleep 0.2
+        ticks=$((ticks + 1))
+        if [[ -t 2 ]]; then
+            printf '\r\033[K%.70s' "$(tail -n 1 "$log")" >&2
+        elif ((ticks % 50 == 0)); then
+            printf '.' >&2
+        fi
+    done
+    if [[ -t 2 ]]; then
+        printf '\r\033[K' >&2
+    elif ((ticks >= 50)); then
+        printf '\n' >&2
+    fi
+    if ! wait "$child"; then
+        tail -n 60 "$log" >&2
+        die "failed: $* (whole output in $log)"
+    fi
+}
+
+# build PRESET: configures and builds it below build/.
+build() {
+    local preset=$1
+    quietly "$root/build/$preset-configure.log" cmake -S "$root" --preset "$preset"
+    quietly "$root/build/$preset-build.log" cmake --build "$root/build/$preset" -j "$jobs"
+}
