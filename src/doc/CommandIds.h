@@ -2,12 +2,43 @@
 
 namespace tavix {
 
-/// The commands that a shell may route into the viewer, by number.
+/// The commands that a shell may route into the viewer, by number. Not every one has somebody who handles it.
 enum class CommandId {
     New = 57600,
+    Print = 57607,
+
+    Export = 32774,
+    ViewStatistics = 32783,
+    HelpTopics = 32787,
+    ToggleTableInformation = 32810,
+    AddTableNote = 32818,
+    AddFieldNote = 32819,
+    Alerts = 32829,
+    Filter = 32832,
+    StopFiltering = 32834,
+    NoteCategories = 32838,
+    ReloadRulex = 32839,
+    Maintenance = 32843,
+    NewHorizontalTabGroup = 32871,
+    NewVerticalTabGroup = 32873,
+    PreviousTabGroup = 32875,
+    NextTabGroup = 32877,
+    DetachTabs = 32898,
     RefreshCollections = 32904,
+    AddVisualization = 32909,
+
     Options = 40001,
     DeleteHistory = 40002,
+    NarrowNavigator = 40003,
+    WidenNavigator = 40004,
+    NarrowTableInformation = 40005,
+    WidenTableInformation = 40006,
+};
+
+/// What panes post to the view beside commands.
+enum class PrivateMessage {
+    LastTabStop = 32771,
+    CloseTableInformation = 32772,
 };
 
 } // namespace tavix
