@@ -35,10 +35,4 @@ enum class CommandId {
     WidenTableInformation = 40006,
 };
 
-/// What panes post to the view beside commands.
-enum class PrivateMessage {
-    LastTabStop = 32771,
-    CloseTableInformation = 32772,
-};
-
 } // namespace tavix

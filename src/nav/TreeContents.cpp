@@ -44,6 +44,8 @@ TreeNode& enter(TreeNode& parent, TreeNodeKind kind, const std::string& name) {
     return node;
 }
 
+} // namespace
+
 TableIdentity readTable(const ProfileCursor& cursor, const std::string& dataSource) {
     using namespace layout;
     TableIdentity table;
@@ -64,6 +66,8 @@ TableIdentity readTable(const ProfileCursor& cursor, const std::string& dataSour
     table.processedRecords = count(cursor, TableProcessedRecords);
     return table;
 }
+
+namespace {
 
 std::string typeWord(const std::string& code) {
     if (code.empty())

@@ -11,6 +11,7 @@
 namespace tavix {
 
 class PrViewer;
+class ProfileCursor;
 
 enum class TreeNodeKind { Root, DataSource, Catalog, Schema, Table, Field, Collection, CollectionField, Analysis };
 
@@ -95,6 +96,8 @@ class TreeContents {
     std::string m_error;
 };
 
+/// The table of the row at which a list of tables stands.
+[[nodiscard]] TableIdentity readTable(const ProfileCursor& cursor, const std::string& dataSource);
 /// What the node tells beside its name: "3,376", "10 fields", a field's type; "" for nothing.
 [[nodiscard]] std::string countText(const TreeNode& node);
 /// What is selected when this node is.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "doc/CRefreshItem.h"
+#include "doc/CReportPane.h"
 
 #include <QWidget>
 
@@ -9,13 +9,14 @@ class QLabel;
 namespace tavix {
 
 /// Fills the report pane while nothing that has figures is selected, and says what to do about it.
-class CEmptyView final : public QWidget, public CRefreshItem {
+class CEmptyView final : public QWidget, public CReportPane {
     Q_OBJECT
   public:
     explicit CEmptyView(QWidget* parent = nullptr);
 
     void SetText(const QString& title, const QString& advice);
     void Refresh(CRefreshItem*, RefreshHint, int) override {}
+    QWidget* GetLastTabStop() override { return nullptr; }
 
   protected:
     void changeEvent(QEvent* event) override;

@@ -2,6 +2,7 @@
 
 #include "doc/CRefreshItem.h"
 #include "doc/CViewSite.h"
+#include "doc/CommandTarget.h"
 #include "nav/TreeContents.h"
 
 #include <QWidget>
@@ -20,7 +21,7 @@ class TreeModel;
 
 /// The navigator: the pages "Tables", "Collections" and "Redundant Data Analyses", each a tree. What is selected is
 /// told to the site. Selection and opened branches survive a change of run where the objects still exist.
-class CTables final : public QWidget, public CRefreshItem {
+class CTables final : public QWidget, public CRefreshItem, public CommandTarget {
     Q_OBJECT
   public:
     /// The site must outlive the navigator.

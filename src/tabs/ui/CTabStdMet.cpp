@@ -85,6 +85,10 @@ void CTabStdMet::Refresh(CRefreshItem*, RefreshHint hint, int) {
     }
 }
 
+QWidget* CTabStdMet::GetLastTabStop() {
+    return m_stack->currentWidget() == m_grid ? m_grid : nullptr;
+}
+
 void CTabStdMet::ShowSelection() {
     if (!showsSameRows(m_shown, m_site.GetSelection())) {
         Fill();

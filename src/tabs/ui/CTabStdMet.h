@@ -1,6 +1,6 @@
 #pragma once
 
-#include "doc/CRefreshItem.h"
+#include "doc/CReportPane.h"
 #include "doc/CViewSite.h"
 #include "tabs/StdMetRows.h"
 
@@ -16,7 +16,7 @@ namespace tavix {
 class CUGCtrl;
 
 /// The standard metrics of the selected table or collection: a line that names it, and a grid with one row a field.
-class CTabStdMet final : public QWidget, public CRefreshItem {
+class CTabStdMet final : public QWidget, public CReportPane {
     Q_OBJECT
   public:
     /// The site must outlive the tab.
@@ -24,6 +24,7 @@ class CTabStdMet final : public QWidget, public CRefreshItem {
     ~CTabStdMet() override;
 
     void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) override;
+    QWidget* GetLastTabStop() override;
     /// Shows what the site has selected now. Rows are read anew only when it is another table or collection.
     void ShowSelection();
 

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "doc/CRefreshItem.h"
+#include "doc/CommandTarget.h"
+
+class QWidget;
+
+namespace tavix {
+
+/// What fills the report pane.
+class CReportPane : public CRefreshItem, public CommandTarget {
+  public:
+    /// The last control that takes the keyboard; null without one.
+    [[nodiscard]] virtual QWidget* GetLastTabStop() = 0;
+};
+
+} // namespace tavix

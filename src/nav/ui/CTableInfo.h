@@ -1,0 +1,38 @@
+#pragma once
+
+#include "doc/CRefreshItem.h"
+#include "doc/CViewSite.h"
+#include "doc/CommandTarget.h"
+#include "nav/SelectionInformation.h"
+
+#include <QWidget>
+
+class QPlainTextEdit;
+class QToolButton;
+
+namespace tavix {
+
+/// The table information pane: what is known about the selected table or field, to be read and copied.
+class CTableInfo final : public QWidget, public CRefreshItem, public CommandTarget {
+    Q_OBJECT
+  public:
+    /// The site must outlive the pane.
+    explicit CTableInfo(CViewSite& site, QWidget* parent = nullptr);
+
+    void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) override;
+    /// Shows what the site has selected now.
+    void ShowSelection();
+    /// Where the Tab key comes from into the pane.
+    void ComeAfter(QWidget* before);
+
+  Q_SIGNALS:
+    void CloseRequested();
+
+  private:
+    CViewSite& m_site;
+    SelectionInformation m_information;
+    QPlainTextEdit* m_text;
+    QToolButton* m_close;
+};
+
+} // namespace tavix
