@@ -125,6 +125,10 @@ bool takeScreenshots(ShellWindow& window, Veldra::Solenne::Tavix::TavixHost& hos
     settle();
     album.take(window, QStringLiteral("table"));
     takeNavigatorPages(window, album);
+    if (!host.ExecuteUpdateUICommand(static_cast<int>(CommandId::ToggleTableInformation)).Checked)
+        host.ExecuteCommand(static_cast<int>(CommandId::ToggleTableInformation));
+    settle();
+    album.take(window, QStringLiteral("table-information"));
     takeDialog(host, CommandId::Options, album, QStringLiteral("options"));
     if (host.ExecuteUpdateUICommand(static_cast<int>(CommandId::DeleteHistory)).Enabled)
         takeDialog(host, CommandId::DeleteHistory, album, QStringLiteral("delete-history"));

@@ -44,6 +44,19 @@ QString counted(std::size_t count, const QString& noun) {
     return QStringLiteral("%1 %2%3").arg(count).arg(noun, count == 1 ? QString() : QStringLiteral("s"));
 }
 
+bool isAboutPanes(int commandId) {
+    switch (static_cast<CommandId>(commandId)) {
+    case CommandId::ToggleTableInformation:
+    case CommandId::NarrowNavigator:
+    case CommandId::WidenNavigator:
+    case CommandId::NarrowTableInformation:
+    case CommandId::WidenTableInformation:
+        return true;
+    default:
+        return false;
+    }
+}
+
 QString droppedFile(const QMimeData* data) {
     const QList<QUrl> urls = data->urls();
     return urls.size() == 1 && urls.front().isLocalFile() ? urls.front().toLocalFile() : QString();
@@ -115,8 +128,10 @@ void ShellWindow::makeActions() {
     file->addAction(QStringLiteral("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), this, &QWidget::close);
 
     QMenu* report = menuBar()->addMenu(QStringLiteral("&Report"));
+    QMenu* view = menuBar()->addMenu(QStringLiteral("&View"));
     for (const TavixCommandInfo& info : TavixHost::GetCommands()) {
-        QAction* action = report->addAction(toQString(info.Text), this, [this, id = info.Id] {
+        QMenu* menu = isAboutPanes(info.Id) ? view : report;
+        QAction* action = menu->addAction(toQString(info.Text), this, [this, id = info.Id] {
             m_host.ExecuteCommand(id);
             updateState();
         });
@@ -124,6 +139,12 @@ void ShellWindow::makeActions() {
         action->setStatusTip(toQString(info.StatusText));
         m_commands.push_back(action);
     }
+    command(CommandId::ToggleTableInformation)->setCheckable(true);
+    command(CommandId::ToggleTableInformation)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
+    command(CommandId::NarrowNavigator)->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Left));
+    command(CommandId::WidenNavigator)->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Right));
+    command(CommandId::NarrowTableInformation)->setShortcut(QKeySequence(Qt::ALT | Qt::SHIFT | Qt::Key_Right));
+    command(CommandId::WidenTableInformation)->setShortcut(QKeySequence(Qt::ALT | Qt::SHIFT | Qt::Key_Left));
     command(CommandId::Options)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
     command(CommandId::Options)->setIcon(shellIcon(ShellIcon::Options));
     command(CommandId::Options)->setIconText(QStringLiteral(" Options"));
@@ -138,7 +159,8 @@ void ShellWindow::makeActions() {
         report->addAction(QStringLiteral("&Newer Run"), QKeySequence(Qt::ALT | Qt::Key_Up), this, [step] { step(-1); });
     m_runActions[1] = report->addAction(QStringLiteral("Ol&der Run"), QKeySequence(Qt::ALT | Qt::Key_Down), this,
                                         [step] { step(1); });
-    connect(report, &QMenu::aboutToShow, this, &ShellWindow::updateCommands);
+    for (const QMenu* menu : {report, view})
+        connect(menu, &QMenu::aboutToShow, this, &ShellWindow::updateCommands);
 
     QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
     help->addAction(QStringLiteral("&About Tavix"), this, [this] {
@@ -341,6 +363,7 @@ void ShellWindow::updateCommands() {
         const int id = action->data().toInt();
         const auto state = m_host.ExecuteUpdateUICommand(id);
         action->setEnabled(state.Enabled && (reportShown || id == static_cast<int>(CommandId::Options)));
+        action->setChecked(state.Checked);
     }
     m_runActions[0]->setEnabled(reportShown && m_runs->currentIndex() > 0);
     m_runActions[1]->setEnabled(reportShown && m_runs->currentIndex() + 1 < m_runs->count());

@@ -3,48 +3,62 @@
 #include "doc/ui/CTavixView.h"
 
 #include <array>
+#include <vector>
 
 namespace tavix {
 
 namespace {
 
-constexpr std::array<TavixCommand, 4> kCommands = {{
-    {CommandId::New, "Close the report\nNew", &CTavixView::OnNew, nullptr},
-    {CommandId::RefreshCollections, "Look up the collections of every table anew\nRefresh Collections",
-     &CTavixView::OnRefreshCollections, &CTavixView::CanRefreshCollections},
-    {CommandId::Options, "Choose metrics, limits and fonts\nOptions...", &CTavixView::OnOptions, nullptr},
-    {CommandId::DeleteHistory, "Delete old runs of this report\nDelete History...", &CTavixView::OnDeleteHistory,
-     &CTavixView::CanDeleteHistory},
+constexpr std::array<CommandRow<CTavixMain>, 2> kCommands = {{
+    {{CommandId::Options, "Choose metrics, limits and fonts\nOptions..."}, &CTavixMain::OnOptions},
+    {{CommandId::DeleteHistory, "Delete old runs of this report\nDelete History..."},
+     &CTavixMain::OnDeleteHistory,
+     &CTavixMain::CanDeleteHistory},
 }};
 
-const TavixCommand* find(int commandId) {
-    for (const TavixCommand& command : kCommands) {
-        if (static_cast<int>(command.id) == commandId)
-            return &command;
-    }
-    return nullptr;
-}
+constexpr std::span<const CommandRow<CTavixMain>> kRows(kCommands);
 
 } // namespace
 
 std::span<const TavixCommand> CTavixMain::Commands() {
-    return kCommands;
+    static const std::vector<TavixCommand> kAll = [] {
+        std::vector<TavixCommand> all;
+        for (const CommandRow<CTavixView>& row : CTavixView::CommandRows())
+            all.push_back(row.command);
+        for (const CommandRow<CTavixMain>& row : kRows)
+            all.push_back(row.command);
+        return all;
+    }();
+    return kAll;
 }
 
 bool CTavixMain::Execute(int commandId) {
-    const TavixCommand* command = find(commandId);
-    if (!command)
-        return false;
-    if (Update(commandId).enabled)
-        (m_view.*command->handler)();
-    return true;
+    return m_view.ExecuteCommand(commandId) || execute(kRows, *this, commandId);
 }
 
 CommandState CTavixMain::Update(int commandId) const {
-    const TavixCommand* command = find(commandId);
-    if (!command)
-        return {};
-    return {.handled = true, .enabled = !command->isEnabled || (m_view.*command->isEnabled)(), .checked = false};
+    const CommandState state = m_view.UpdateCommand(commandId);
+    return state.handled ? state : stateOf(kRows, *this, commandId);
+}
+
+void CTavixMain::OnOptions() {
+    m_view.OnOptions();
+}
+
+void CTavixMain::OnDeleteHistory() {
+    m_view.OnDeleteHistory();
+}
+
+bool CTavixMain::CanDeleteHistory() const {
+    return m_view.CanDeleteHistory();
+}
+
+bool CTavixMain::HasTitle() const {
+    return m_view.GetTavixDoc().HasReport();
+}
+
+bool CTavixMain::HasCurrentItem() const {
+    return HasTitle() && m_view.GetItemCode() != -1;
 }
 
 } // namespace tavix

@@ -1,14 +1,18 @@
 #include "doc/ui/CTavixView.h"
 
+#include "access/Layouts.h"
+#include "base/GenException.h"
 #include "doc/CTavixApp.h"
+#include "doc/ItemCode.h"
+#include "doc/PaneChain.h"
+#include "doc/PaneMemory.h"
 #include "doc/ui/CDeleteHistoryDlg.h"
 #include "doc/ui/CEmptyView.h"
 #include "doc/ui/COptionsSheet.h"
+#include "nav/ui/CTableInfo.h"
 #include "nav/ui/CTables.h"
 #include "tabs/ui/CTabStdMet.h"
 
-#include <QHBoxLayout>
-#include <QSplitter>
 #include <QStackedWidget>
 
 namespace tavix {
@@ -16,34 +20,47 @@ namespace tavix {
 namespace {
 
 constexpr int kAfterLoadMilliseconds = 250;
-// Of four parts of the width, the navigator has one.
-constexpr int kNavigatorShare = 1;
-constexpr int kReportShare = 3;
+constexpr int kKeyStep = 24;
+
+constexpr std::array<CommandRow<CTavixView>, 7> kCommands = {{
+    {{CommandId::New, "Close the report\nNew"}, &CTavixView::OnNew},
+    {{CommandId::ToggleTableInformation, "Show or hide what is known about the table\nTable Information"},
+     &CTavixView::OnToggleTableInformation,
+     &CTavixView::CanToggleTableInformation,
+     &CTavixView::IsTableInformationShown},
+    {{CommandId::NarrowNavigator, "Make the navigator narrower\nNarrower Navigator"},
+     &CTavixView::OnMoveSplitter<Splitter::Left, -kKeyStep>},
+    {{CommandId::WidenNavigator, "Make the navigator wider\nWider Navigator"},
+     &CTavixView::OnMoveSplitter<Splitter::Left, kKeyStep>},
+    {{CommandId::NarrowTableInformation, "Make the table information narrower\nNarrower Table Information"},
+     &CTavixView::OnMoveSplitter<Splitter::Right, kKeyStep>,
+     &CTavixView::IsTableInformationShown},
+    {{CommandId::WidenTableInformation, "Make the table information wider\nWider Table Information"},
+     &CTavixView::OnMoveSplitter<Splitter::Right, -kKeyStep>,
+     &CTavixView::IsTableInformationShown},
+    {{CommandId::RefreshCollections, "Look up the collections of every table anew\nRefresh Collections"},
+     &CTavixView::OnRefreshCollections,
+     &CTavixView::CanRefreshCollections},
+}};
 
 } // namespace
 
 CTavixView::CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent)
-    : QWidget(parent),
+    : SplitFrame(parent),
       m_document(app.StartDocument(*this, messages)),
       m_main(*this),
-      m_splitter(new QSplitter(Qt::Horizontal, this)),
-      m_reportPane(new QStackedWidget),
+      m_reportPane(new QStackedWidget(this)),
       m_empty(new CEmptyView) {
     setObjectName(QStringLiteral("tavixView"));
-    m_navigator = new CTables(*this);
+    m_reportPane->setObjectName(QStringLiteral("reportPane"));
+    m_navigator = new CTables(*this, this);
     m_metrics = new CTabStdMet(*this);
     m_reportPane->addWidget(m_empty);
     m_reportPane->addWidget(m_metrics);
-    m_splitter->addWidget(m_navigator);
-    m_splitter->addWidget(m_reportPane);
-    m_splitter->setStretchFactor(0, kNavigatorShare);
-    m_splitter->setStretchFactor(1, kReportShare);
-    m_splitter->setSizes({kNavigatorShare * 1000, kReportShare * 1000});
-    m_splitter->setChildrenCollapsible(false);
-    m_splitter->setHandleWidth(1);
-    auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_splitter);
+    const PaneMemory memory = readPaneMemory(m_document->GetSettings());
+    m_wantsInfo = memory.showsInfo;
+    SetRatios(memory.ratios);
+    SetPanes(m_navigator, m_reportPane);
 
     m_afterLoad.setSingleShot(true);
     m_afterLoad.setInterval(kAfterLoadMilliseconds);
@@ -54,9 +71,11 @@ CTavixView::CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent
 // The panes go before the document that they read.
 CTavixView::~CTavixView() {
     m_afterLoad.stop();
+    SetPanes(nullptr, nullptr);
+    SetInfoPane(nullptr);
     delete m_navigator;
-    delete m_metrics;
-    delete m_empty;
+    delete m_info;
+    delete m_reportPane;
 }
 
 bool CTavixView::LoadReportForJob(const std::string& text, int jobId, const KvbString& connection) {
@@ -68,6 +87,8 @@ bool CTavixView::LoadReportForJob(const std::string& text, int jobId, const KvbS
     SetLoading(true);
     Broadcast(RefreshHint::RunLoaded);
     SetLoading(false);
+    if (m_wantsInfo && !m_info && HasLoadedTables())
+        OpenTableInformation();
     m_afterLoad.start();
     return true;
 }
@@ -101,13 +122,7 @@ void CTavixView::Refresh(CRefreshItem*, RefreshHint hint, int) {
 }
 
 void CTavixView::Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) {
-    if (m_loading && hint == RefreshHint::TaskListLost)
-        return;
-    for (CRefreshItem* item : {static_cast<CRefreshItem*>(this), static_cast<CRefreshItem*>(m_navigator),
-                               static_cast<CRefreshItem*>(m_metrics), static_cast<CRefreshItem*>(m_empty)}) {
-        if (item != sender)
-            item->Refresh(sender, hint, parameter);
-    }
+    refreshPanes(RefreshOrder(), sender, hint, parameter, m_loading);
     if (m_loading)
         ShowReportPane();
 }
@@ -115,8 +130,11 @@ void CTavixView::Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter
 void CTavixView::SelectionChanged(NavigatorPage page, const ReportSelection& selection) {
     m_mode = page;
     m_selection = selection;
-    if (!m_loading)
-        ShowReportPane();
+    if (m_loading)
+        return;
+    ShowReportPane();
+    if (m_info)
+        m_info->ShowSelection();
 }
 
 void CTavixView::ShowReportPane() {
@@ -136,6 +154,96 @@ void CTavixView::ShowReportPane() {
         m_empty->SetText(QStringLiteral("No table selected"),
                          QStringLiteral("Select a table on the left to see the metrics of its fields."));
     m_reportPane->setCurrentWidget(m_empty);
+}
+
+std::span<const CommandRow<CTavixView>> CTavixView::CommandRows() {
+    return kCommands;
+}
+
+// The metrics keep their place behind an empty pane, and must not keep figures that hold no more.
+std::array<CRefreshItem*, 4> CTavixView::RefreshOrder() {
+    return {this, m_navigator, m_info, m_metrics};
+}
+
+std::array<CommandTarget*, 3> CTavixView::CommandOrder() const {
+    return {m_navigator, m_info, &GetReportPane()};
+}
+
+bool CTavixView::ExecuteCommand(int commandId) {
+    return offerCommand(CommandOrder(), commandId) || execute(CommandRows(), *this, commandId);
+}
+
+CommandState CTavixView::UpdateCommand(int commandId) const {
+    const CommandState state = askCommand(CommandOrder(), commandId);
+    return state.handled ? state : stateOf(CommandRows(), *this, commandId);
+}
+
+CReportPane& CTavixView::GetReportPane() const {
+    if (m_reportPane->currentWidget() == m_metrics)
+        return *m_metrics;
+    return *m_empty;
+}
+
+int CTavixView::GetItemCode() const {
+    return itemCode(m_reportPane->currentWidget() == m_metrics ? ReportPaneKind::Table : ReportPaneKind::Empty, 0);
+}
+
+void CTavixView::OnToggleTableInformation() {
+    if (m_info)
+        CloseTableInformation();
+    else
+        OpenTableInformation();
+    m_wantsInfo = m_info != nullptr;
+    Remember();
+}
+
+void CTavixView::OpenTableInformation() {
+    m_info = new CTableInfo(*this, this);
+    // The pane cannot go while its own button is being clicked.
+    connect(
+        m_info, &CTableInfo::CloseRequested, this,
+        [this] {
+            if (m_info)
+                OnToggleTableInformation();
+        },
+        Qt::QueuedConnection);
+    SetInfoPane(m_info);
+    m_info->show();
+    // Before the report pane, with whose last control the view ends for the keyboard.
+    QWidget* last = m_navigator;
+    for (QWidget* next = nextInFocusChain(); next != this; next = next->nextInFocusChain()) {
+        if (m_navigator->isAncestorOf(next) && next->focusPolicy() & Qt::TabFocus)
+            last = next;
+    }
+    m_info->ComeAfter(last);
+}
+
+void CTavixView::CloseTableInformation() {
+    const bool hadFocus = m_info && m_info->isAncestorOf(focusWidget());
+    SetInfoPane(nullptr);
+    delete m_info;
+    m_info = nullptr;
+    if (hadFocus)
+        SetInternalFocus();
+}
+
+// A frame that is not remembered is no loss worth a message.
+void CTavixView::Remember() {
+    (void)writePaneMemory(m_document->GetSettings(), {GetRatios(), m_wantsInfo});
+}
+
+bool CTavixView::HasLoadedTables() const {
+    PrViewer* viewer = m_document->GetViewer();
+    try {
+        const ProfileCursorHandle sources = viewer ? viewer->getDSNList() : ProfileCursorHandle();
+        while (sources && sources->next()) {
+            if (sources->getColumnInt(layout::DsnTables) > 0)
+                return true;
+        }
+    } catch (const GenException&) {
+        // The navigator, which reads the same, has said it.
+    }
+    return false;
 }
 
 void CTavixView::OnNew() {

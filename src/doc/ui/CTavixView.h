@@ -3,28 +3,36 @@
 #include "doc/CRefreshItem.h"
 #include "doc/CTavixDoc.h"
 #include "doc/CViewSite.h"
+#include "doc/CommandTarget.h"
 #include "doc/ui/CTavixMain.h"
+#include "doc/ui/SplitFrame.h"
 
 #include <QTimer>
-#include <QWidget>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <string>
 
-class QSplitter;
 class QStackedWidget;
 
 namespace tavix {
 
 class CEmptyView;
+class CReportPane;
+class CTableInfo;
 class CTables;
 class CTabStdMet;
 class CTavixApp;
 
-/// The one window that a shell embeds: navigator on the left, report pane on the right. It owns the document and
-/// carries refresh notifications and commands to whom they concern.
-class CTavixView final : public QWidget, public CRefreshItem, public DocumentFrame, public CViewSite {
+/// The one window that a shell embeds: navigator on the left, report pane beside it, and on the right, if the user
+/// wants it, the table information. It owns the document and carries refresh notifications and commands to whom they
+/// concern.
+class CTavixView final : public SplitFrame,
+                         public CRefreshItem,
+                         public CommandTarget,
+                         public DocumentFrame,
+                         public CViewSite {
     Q_OBJECT
   public:
     /// Application and messages must outlive the view.
@@ -60,28 +68,55 @@ class CTavixView final : public QWidget, public CRefreshItem, public DocumentFra
     void SelectionChanged(NavigatorPage page, const ReportSelection& selection) override;
     void Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) override;
 
+    /// Offers the command to the panes, then looks among the view's own.
+    bool ExecuteCommand(int commandId) override;
+    CommandState UpdateCommand(int commandId) const override;
+    [[nodiscard]] static std::span<const CommandRow<CTavixView>> CommandRows();
+    /// Who is told of a refresh, in order; null for a pane that is not there.
+    [[nodiscard]] std::array<CRefreshItem*, 4> RefreshOrder();
+    /// The panes to which commands are offered, in order; null for a pane that is not there.
+    [[nodiscard]] std::array<CommandTarget*, 3> CommandOrder() const;
+    [[nodiscard]] CReportPane& GetReportPane() const;
+    /// The code of the tab that is showing, see itemCode().
+    [[nodiscard]] int GetItemCode() const;
+
     void OnNew();
+    void OnToggleTableInformation();
+    [[nodiscard]] bool CanToggleTableInformation() const { return m_mode != NavigatorPage::Collections; }
+    [[nodiscard]] bool IsTableInformationShown() const { return m_info != nullptr; }
+    void CloseTableInformation();
+    template <Splitter splitter, int by>
+    void OnMoveSplitter() {
+        MoveSplitter(splitter, by);
+    }
     void OnRefreshCollections();
     [[nodiscard]] bool CanRefreshCollections() const { return m_mode == NavigatorPage::Collections; }
     void OnOptions();
     void OnDeleteHistory();
     [[nodiscard]] bool CanDeleteHistory() const;
 
+  protected:
+    void RatiosChanged() override { Remember(); }
+
   private:
     void AfterLoad();
+    void OpenTableInformation();
+    void Remember();
+    [[nodiscard]] bool HasLoadedTables() const;
     void ShowReportPane();
 
     std::unique_ptr<CTavixDoc> m_document;
     CTavixMain m_main;
-    QSplitter* m_splitter;
     CTables* m_navigator = nullptr;
     QStackedWidget* m_reportPane;
     CEmptyView* m_empty;
     CTabStdMet* m_metrics = nullptr;
+    CTableInfo* m_info = nullptr;
     QTimer m_afterLoad;
     NavigatorPage m_mode = NavigatorPage::Tables;
     ReportSelection m_selection;
     bool m_loading = false;
+    bool m_wantsInfo = false; ///< as the user left it
     std::function<void()> m_deleteHistoryRequest;
     std::function<void()> m_runsChanged;
 };
