@@ -17,7 +17,8 @@ std::optional<ShellOptions> parseShellOptions(int argc, const char* const* argv,
     app.add_option("--scheme", scheme, "Colours: light or dark; without it those of the desktop")
         ->check(CLI::IsMember({"light", "dark"}))
         ->option_text("light|dark");
-    app.footer("In the window: Ctrl+O opens a repository, Ctrl+J lists its reports, F5 reads everything again.");
+    app.footer("In the window: Ctrl+O opens a repository, Ctrl+J lists its reports, Ctrl+I shows what is known about "
+               "the table, F5 reads everything again.");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

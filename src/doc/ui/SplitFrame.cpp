@@ -75,9 +75,9 @@ void SplitFrame::LayOut() {
 void SplitFrame::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const auto paintBar = [&](int x) {
-        painter.fillRect(x, 0, kSplitterWidth, height(), palette().color(QPalette::Button));
+        painter.fillRect(x, 0, kSplitterWidth, height(), palette().color(QPalette::Window));
         painter.fillRect(x, 0, 1, height(), palette().color(QPalette::Light));
-        painter.fillRect(x + kSplitterWidth - 1, 0, 1, height(), palette().color(QPalette::Dark));
+        painter.fillRect(x + kSplitterWidth - 1, 0, 1, height(), palette().color(QPalette::Mid));
     };
     paintBar(m_layout.leftSplitter);
     if (m_layout.hasInfo)

@@ -58,6 +58,37 @@ TEST_F(ShellOverSample, aRepositoryShowsItsReportsAndEnterOpensOne) {
     EXPECT_THAT(m_messages.texts, ElementsAre());
 }
 
+TEST_F(ShellOverSample, theViewMenuFollowsThePanes) {
+    const auto action = [this](const char* text) {
+        for (QAction* each : m_window.findChildren<QAction*>()) {
+            if (toUtf8(each->text()) == text)
+                return each;
+        }
+        throw std::runtime_error(std::string("no action ") + text);
+    };
+    QAction* information = action("Table Information");
+    QAction* wider = action("Wider Table Information");
+    EXPECT_FALSE(information->isEnabled());
+    ASSERT_TRUE(open(m_sample.path));
+    ASSERT_TRUE(m_window.openReportNamed("Sales"));
+    EXPECT_TRUE(information->isEnabled());
+    EXPECT_FALSE(information->isChecked());
+    EXPECT_FALSE(wider->isEnabled());
+    information->trigger();
+    EXPECT_TRUE(information->isChecked());
+    auto* pane = m_window.findChild<QWidget*>(QStringLiteral("tableInformation"));
+    ASSERT_TRUE(pane);
+    const int before = pane->width();
+    wider->trigger();
+    // A share of the width is cut to whole pixels.
+    EXPECT_NEAR(before + 24, pane->width(), 1);
+    QTest::mouseClick(pane->findChild<QWidget*>(QStringLiteral("closeTableInformation")), Qt::LeftButton);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(m_host.ExecuteUpdateUICommand(32810).Checked);
+    information->trigger();
+    EXPECT_TRUE(information->isChecked());
+}
+
 TEST_F(ShellOverSample, runsAreListedNewestFirstAndFollowTheKeys) {
     ASSERT_TRUE(open(m_sample.path));
     ASSERT_TRUE(m_window.openReportNamed("Sales"));

@@ -103,9 +103,9 @@ TEST_F(ViewOverSample, theCursorTellsWhereABarIs) {
 TEST_F(ViewOverSample, barsArePaintedInTheirThreeColours) {
     toggle();
     QPalette palette = m_view->palette();
-    palette.setColor(QPalette::Button, Qt::red);
+    palette.setColor(QPalette::Window, Qt::red);
     palette.setColor(QPalette::Light, Qt::green);
-    palette.setColor(QPalette::Dark, Qt::blue);
+    palette.setColor(QPalette::Mid, Qt::blue);
     m_view->setPalette(palette);
     const QImage image = m_view->grab().toImage();
     for (const int bar : {248, 796}) {
