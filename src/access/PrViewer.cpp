@@ -131,10 +131,12 @@ bool PrViewer::folderGetPathFromId(int folderId, KvbString& path, KvbString& tex
     bool found = false;
     sql::Step step = select->step();
     for (; step == sql::Step::Row; step = select->step()) {
-        std::string name(select->text(0));
-        joined = found ? name + "/" + joined : name;
-        if (!found)
+        const std::string_view name = select->text(0);
+        if (found)
+            joined.insert(0, "/");
+        else
             own = name;
+        joined.insert(0, name);
         found = true;
     }
     if (step == sql::Step::Failed)

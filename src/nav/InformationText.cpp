@@ -39,7 +39,7 @@ class Lines {
         m_text += kLineEnd;
     }
     void add(std::string_view label, std::int64_t value) { add(label, formatInteger(value)); }
-    [[nodiscard]] std::string take() { return std::move(m_text); }
+    [[nodiscard]] const std::string& text() const { return m_text; }
 
   private:
     std::string m_text;
@@ -89,7 +89,7 @@ void addTable(Lines& lines, const TableIdentity& table, std::string_view typeLab
 std::string informationText(const TableIdentity& table) {
     Lines lines;
     addTable(lines, table, "Type: ");
-    return "Name: " + lines.take();
+    return "Name: " + lines.text();
 }
 
 std::string informationText(const TableIdentity& table, const FieldInformation& field) {
@@ -97,9 +97,9 @@ std::string informationText(const TableIdentity& table, const FieldInformation& 
     lines.add("Field: ", field.name);
     lines.add("Defined type: ", field.definedType);
     lines.add("Defined length: ", field.definedLength);
-    std::string head = lines.take();
-    addTable(lines, table, "Parent type: ");
-    return head + "Parent name: " + lines.take();
+    Lines parent;
+    addTable(parent, table, "Parent type: ");
+    return lines.text() + "Parent name: " + parent.text();
 }
 
 } // namespace tavix

@@ -86,7 +86,7 @@ KvbDatavar OrderedNumbers::mean() const {
         for (std::size_t i = 0; i < size(); ++i)
             sum += static_cast<WideInteger>(m_integers[i]) * static_cast<WideInteger>(m_counts[i]);
         const auto total = static_cast<WideInteger>(m_ranks.total());
-        if (sum % total == 0)
+        if (total != 0 && sum % total == 0)
             return static_cast<std::int64_t>(sum / total);
         return numberFigure(static_cast<double>(static_cast<long double>(sum) / static_cast<long double>(total)));
     }

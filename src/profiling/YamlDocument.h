@@ -16,6 +16,7 @@ struct FilePosition {
     int line = 1;
     int column = 1;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): a misreading of clang-tidy 14.
     auto operator<=>(const FilePosition&) const = default;
 };
 
@@ -26,7 +27,7 @@ struct DocumentProblem {
 };
 
 /// A YAML document as plain values, with the place of each.
-struct YamlDocument {
+struct YamlDocument { // NOLINT(bugprone-exception-escape): the JSON value moves without throwing
     nlohmann::json value;
     /// By JSON pointer: of an element of a list where it begins, of an entry of a map where its key does.
     std::unordered_map<std::string, FilePosition> entryPositions;

@@ -10,7 +10,7 @@ namespace tavix::source {
 namespace {
 
 constexpr std::size_t kSampleRows = 1000;
-constexpr std::ptrdiff_t kSampleBytes = 256 * 1024;
+constexpr std::ptrdiff_t kSampleBytes = 256 << 10;
 
 struct Fit {
     std::size_t rows = 0;

@@ -1,11 +1,16 @@
 #include "source/Utf8.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 
 namespace tavix::source {
 
 namespace {
+
+/// U+FFFD in UTF-8.
+constexpr std::array<char, 3> kReplacement = {'\xEF', '\xBF', '\xBD'};
 
 unsigned byteAt(std::string_view text, std::size_t at) {
     return static_cast<unsigned char>(text[at]);
@@ -78,8 +83,7 @@ std::size_t repairUtf8(std::string_view text, char* out) {
         to += good;
         i += good;
         if (i < text.size()) {
-            std::memcpy(to, "\xEF\xBF\xBD", 3);
-            to += 3;
+            to = std::copy(kReplacement.begin(), kReplacement.end(), to);
             ++i;
         }
     }
