@@ -11,6 +11,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QToolBar>
+#include <QToolButton>
 
 #include <algorithm>
 
@@ -24,6 +25,12 @@ ShellActions::ShellActions(QMainWindow& window, TavixHost& host, ShellState& sta
     : QObject(&window), m_window(window), m_host(host), m_state(state) {
     makeActions();
     makeToolBar();
+    // A narrow window puts what it has no room for behind these buttons, which Qt leaves without words.
+    for (auto* more : window.findChildren<QToolButton*>()) {
+        if (more->objectName() == QLatin1String("qt_menubar_ext_button") ||
+            more->objectName() == QLatin1String("qt_toolbar_ext_button"))
+            more->setAccessibleName(QStringLiteral("More"));
+    }
 }
 
 void ShellActions::makeActions() {
