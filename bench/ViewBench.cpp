@@ -280,9 +280,9 @@ void expandTable(benchmark::State& state) {
     window.selectFirstTable();
     QTreeView& tree = window.tree();
     const QModelIndex source = tree.currentIndex().parent();
-    int row = 1;
+    int row = 1; // each table once: there are more of them than iterations
     for (auto _ : state) {
-        tree.expand(tree.model()->index(row++ % kTables, 0, source));
+        tree.expand(tree.model()->index(row++, 0, source));
         window.paint();
     }
 }
@@ -313,7 +313,7 @@ BENCHMARK(bareOpen)->Unit(benchmark::kMillisecond);
 BENCHMARK(viewLoad)->Unit(benchmark::kMillisecond);
 BENCHMARK(viewPaint)->Unit(benchmark::kMillisecond);
 BENCHMARK(viewLoadAndPaint)->Args({1, 1})->Args({kTables, kFieldsPerTable})->Unit(benchmark::kMillisecond);
-BENCHMARK(expandTable)->Unit(benchmark::kMillisecond);
+BENCHMARK(expandTable)->Iterations(500)->Unit(benchmark::kMillisecond);
 BENCHMARK(ratio)->Unit(benchmark::kMillisecond);
 
 } // namespace
