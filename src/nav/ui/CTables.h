@@ -12,11 +12,11 @@
 #include <vector>
 
 class QStackedWidget;
-class QTabBar;
-class QTreeView;
 
 namespace tavix {
 
+class NavigatorTabs;
+class NavigatorTree;
 class TreeModel;
 
 /// The navigator: the pages "Tables", "Collections" and "Redundant Data Analyses", each a tree. What is selected is
@@ -38,6 +38,9 @@ class CTables final : public QWidget, public CRefreshItem, public CommandTarget 
     void SelectSomething();
     /// Looks up the collections of every table anew and broadcasts hint 1; false, after a message, when that fails.
     bool RefreshCollections();
+    /// Adds the field that is selected on the page that is showing; 1 when it was added, 0 without a field or, after a
+    /// message, when it could not be added.
+    int AddSelectedFieldToCollection(int collectionId);
     [[nodiscard]] NavigatorPage GetPage() const;
     void ShowPage(NavigatorPage page);
     void SetInternalFocus();
@@ -45,7 +48,7 @@ class CTables final : public QWidget, public CRefreshItem, public CommandTarget 
   private:
     struct Page {
         TreeModel* model = nullptr;
-        QTreeView* view = nullptr;
+        NavigatorTree* view = nullptr;
     };
     struct PageState {
         TreePath selected;
@@ -61,7 +64,7 @@ class CTables final : public QWidget, public CRefreshItem, public CommandTarget 
     bool SelectNode(Page& page, const TreeNode* node);
 
     CViewSite& m_site;
-    QTabBar* m_tabs;
+    NavigatorTabs* m_tabs;
     QStackedWidget* m_stack;
     std::array<Page, 3> m_pages;
     bool m_reloading = false;
