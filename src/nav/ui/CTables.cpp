@@ -1,6 +1,7 @@
 #include "nav/ui/CTables.h"
 
 #include "access/PrViewer.h"
+#include "base/GenException.h"
 #include "base/ui/QtText.h"
 #include "doc/CTavixDoc.h"
 #include "nav/CollectionRefresh.h"
@@ -58,6 +59,8 @@ CTables::CTables(CViewSite& site, QWidget* parent)
         m_tabs->setTabToolTip(m_tabs->addTab(title), title);
         m_stack->addWidget(m_pages[i].view);
     }
+    // The tree is where a Tab from outside enters; the row of pages comes after it.
+    setTabOrder(m_pages.back().view, m_tabs);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -98,7 +101,32 @@ void CTables::ShowPage(NavigatorPage number) {
 }
 
 void CTables::SetInternalFocus() {
-    m_stack->currentWidget()->setFocus(Qt::TabFocusReason);
+    GetPageControl()->setFocus(Qt::TabFocusReason);
+}
+
+QWidget* CTables::GetPageControl() const {
+    return m_stack->currentWidget();
+}
+
+int CTables::AddSelectedFieldToCollection(int collectionId) {
+    const Page& shown = page(GetPage());
+    const TreeNode* node = shown.model->node(shown.view->currentIndex());
+    const int fieldId = node ? selectionOf(*node).fieldId : -1;
+    if (fieldId == -1)
+        return 0;
+    Messages& messages = m_site.GetTavixDoc().GetMessages();
+    PrViewer& viewer = *m_site.GetTavixDoc().GetViewer();
+    try {
+        if (!viewer.createGlobalCollFieldMapping(collectionId, fieldId)) {
+            messages.warn("Unable to create field collection mapping:\n\n" + viewer.getErrorString().str());
+            return 0;
+        }
+    } catch (const GenException& failure) {
+        messages.warn("Unable to add field to collection:\n\n" + failure.getText().str());
+        return 0;
+    }
+    m_site.GetTavixDoc().CollectionsRefreshed();
+    return 1;
 }
 
 void CTables::Refresh(CRefreshItem*, RefreshHint hint, int) {

@@ -37,9 +37,14 @@ class CTables final : public QWidget, public CRefreshItem {
     void SelectSomething();
     /// Looks up the collections of every table anew and broadcasts hint 1; false, after a message, when that fails.
     bool RefreshCollections();
+    /// Adds the field that is selected on the page that is showing; 1 when it was added, 0 without a field or, after a
+    /// message, when it could not be added.
+    int AddSelectedFieldToCollection(int collectionId);
     [[nodiscard]] NavigatorPage GetPage() const;
     void ShowPage(NavigatorPage page);
     void SetInternalFocus();
+    /// The tree of the page that is showing.
+    [[nodiscard]] QWidget* GetPageControl() const;
 
   private:
     struct Page {
