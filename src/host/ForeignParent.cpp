@@ -159,9 +159,11 @@ bool ForeignParent::nativeEventFilter(const QByteArray&, void* message, qintptr*
     if ((event->response_type & ~kSentByProgram) != XCB_DESTROY_NOTIFY)
         return false;
     const auto* destroyed = static_cast<const xcb_destroy_notify_event_t*>(message);
-    if (destroyed->window == m_window && Lost)
+    if (destroyed->window == m_window && Lost) {
+        // The call may end this object; the copy outlives it.
         QMetaObject::invokeMethod(
-            this, [this] { Lost(); }, Qt::QueuedConnection);
+            this, [lost = Lost] { lost(); }, Qt::QueuedConnection);
+    }
     return false;
 }
 
