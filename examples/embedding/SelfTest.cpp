@@ -103,6 +103,21 @@ bool isAsLargeAsItsPlace(XlibShell& shell) {
            view.width == place.width && view.height == place.height;
 }
 
+// Keys go where a test sends them only once the window manager has the window in its frame and shows it.
+bool isManaged(XlibShell& shell) {
+    Display* display = shell.display();
+    Atom type = 0;
+    int format = 0;
+    unsigned long count = 0;
+    unsigned long left = 0;
+    unsigned char* value = nullptr;
+    const int result = XGetWindowProperty(display, shell.topLevel(), XInternAtom(display, "WM_STATE", False), 0, 1,
+                                          False, AnyPropertyType, &type, &format, &count, &left, &value);
+    if (value)
+        XFree(value);
+    return result == Success && type != 0 && isAsLargeAsItsPlace(shell);
+}
+
 int childrenOf(Display* display, Window window, Window* first = nullptr) {
     Window root = 0;
     Window parent = 0;
@@ -186,6 +201,7 @@ void testCommands(XlibShell& shell, const Sample& sample, int job) {
 
 void testFocus(XlibShell& shell, User& user) {
     TavixHost& host = shell.host();
+    check(shell.stepUntil([&] { return isManaged(shell); }), "a window manager shows the window");
     shell.focusField(XlibShell::Field::Before);
     check(shell.stepUntil([&] { return shell.hasKeyboard() && !host.HasFocus(); }), "the shell has the keyboard");
     user.press(XK_Tab);

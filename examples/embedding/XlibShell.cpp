@@ -47,8 +47,12 @@ bool XlibShell::open() {
     hints.flags = InputHint;
     hints.input = True;
     XSetWMHints(m_display, m_topLevel, &hints);
-    XSelectInput(m_display, m_topLevel,
-                 StructureNotifyMask | ExposureMask | KeyPressMask | FocusChangeMask | ButtonPressMask);
+    XSelectInput(m_display, m_topLevel, StructureNotifyMask | FocusChangeMask);
+    // The fields have a window beside the viewer's: the keys of a window that has the focus go to the one below it that
+    // is under the pointer, and that would be the viewer.
+    m_strip = XCreateSimpleWindow(m_display, m_topLevel, 0, 0, kFirstWidth, kStripHeight, 0, 0, background);
+    XSelectInput(m_display, m_strip, ExposureMask | KeyPressMask | FocusChangeMask | ButtonPressMask);
+    XMapWindow(m_display, m_strip);
     m_place = XCreateSimpleWindow(m_display, m_topLevel, 0, kStripHeight, kFirstWidth, kFirstHeight - kStripHeight, 0,
                                   0, background);
     XMapWindow(m_display, m_place);
@@ -66,14 +70,14 @@ void XlibShell::closeViewFirst() {
     m_view = 0;
     if (m_topLevel)
         XDestroyWindow(m_display, m_topLevel);
-    m_topLevel = m_place = 0;
+    m_topLevel = m_strip = m_place = 0;
     m_hasKeyboard = false;
     XSync(m_display, False);
 }
 
 void XlibShell::closeWindowFirst() {
     XDestroyWindow(m_display, m_topLevel);
-    m_topLevel = m_place = 0;
+    m_topLevel = m_strip = m_place = 0;
     m_hasKeyboard = false;
     XSync(m_display, False);
 }
@@ -84,8 +88,10 @@ void XlibShell::OnNoMoreTabStops(tv::FocusNavigation request) {
 
 void XlibShell::focusField(Field field) {
     m_field = field;
-    XSetInputFocus(m_display, m_topLevel, RevertToParent, CurrentTime);
-    XFlush(m_display);
+    XWindowAttributes strip;
+    // A window that is not on the screen cannot have the keyboard; the window manager gives it when it is.
+    if (m_strip && XGetWindowAttributes(m_display, m_strip, &strip) && strip.map_state == IsViewable)
+        XSetInputFocus(m_display, m_strip, RevertToParent, CurrentTime);
     paint();
 }
 
@@ -97,6 +103,7 @@ void XlibShell::resize(int width, int height) {
 void XlibShell::layOut(int width, int height) {
     const auto placeWidth = static_cast<unsigned>(std::max(width, 1));
     const auto placeHeight = static_cast<unsigned>(std::max(height - kStripHeight, 1));
+    XResizeWindow(m_display, m_strip, placeWidth, kStripHeight);
     XMoveResizeWindow(m_display, m_place, 0, kStripHeight, placeWidth, placeHeight);
     if (m_view)
         XResizeWindow(m_display, m_view, placeWidth, placeHeight);
@@ -104,21 +111,20 @@ void XlibShell::layOut(int width, int height) {
 }
 
 void XlibShell::paint() {
-    if (!m_topLevel)
+    if (!m_strip)
         return;
     GC context = DefaultGC(m_display, DefaultScreen(m_display));
-    XClearArea(m_display, m_topLevel, 0, 0, 0, kStripHeight, False);
+    XClearWindow(m_display, m_strip);
     const char* names[] = {"Before", "After"};
     for (int i = 0; i < 2; ++i) {
         const int left = 8 + i * (kFieldWidth + 8);
-        XDrawRectangle(m_display, m_topLevel, context, left, 8, kFieldWidth, kStripHeight - 16);
+        XDrawRectangle(m_display, m_strip, context, left, 8, kFieldWidth, kStripHeight - 16);
         if (m_hasKeyboard && static_cast<int>(m_field) == i)
-            XDrawRectangle(m_display, m_topLevel, context, left + 2, 10, kFieldWidth - 4, kStripHeight - 20);
-        XDrawString(m_display, m_topLevel, context, left + 10, 26, names[i], static_cast<int>(std::strlen(names[i])));
+            XDrawRectangle(m_display, m_strip, context, left + 2, 10, kFieldWidth - 4, kStripHeight - 20);
+        XDrawString(m_display, m_strip, context, left + 10, 26, names[i], static_cast<int>(std::strlen(names[i])));
     }
     const char* advice = "Tab: into the viewer and out of it   T: table   O: options   N: new   L: load   Q: quit";
-    XDrawString(m_display, m_topLevel, context, 2 * kFieldWidth + 40, 26, advice,
-                static_cast<int>(std::strlen(advice)));
+    XDrawString(m_display, m_strip, context, 2 * kFieldWidth + 40, 26, advice, static_cast<int>(std::strlen(advice)));
     XFlush(m_display);
 }
 
@@ -135,11 +141,24 @@ void XlibShell::handleKey(XKeyEvent& key) {
         onLetter(static_cast<char>('a' + (symbol - XK_a)));
 }
 
+void XlibShell::handleFocus(const XFocusChangeEvent& change) {
+    if (change.window == m_strip) {
+        m_hasKeyboard = change.type == FocusIn;
+        paint();
+        return;
+    }
+    // The window manager gives the keyboard to the top-level window. The viewer may have taken it since, by a click.
+    const bool isOurs = change.detail == NotifyNonlinear || change.detail == NotifyAncestor;
+    if (change.type == FocusIn && isOurs && !m_host.HasFocus())
+        focusField(m_field);
+}
+
 void XlibShell::handleEvents() {
     while (XPending(m_display) > 0) {
         XEvent event;
         XNextEvent(m_display, &event);
-        if (event.xany.window != m_topLevel || m_topLevel == 0)
+        // What is still on its way from a window that is gone.
+        if (m_topLevel == 0)
             continue;
         switch (event.type) {
         case ConfigureNotify:
@@ -150,12 +169,7 @@ void XlibShell::handleEvents() {
             break;
         case FocusIn:
         case FocusOut:
-            // What happens between windows below ours is not about our fields.
-            if (event.xfocus.detail == NotifyPointer || event.xfocus.detail == NotifyPointerRoot)
-                break;
-            m_hasKeyboard = event.type == FocusIn && event.xfocus.detail != NotifyVirtual &&
-                            event.xfocus.detail != NotifyNonlinearVirtual;
-            paint();
+            handleFocus(event.xfocus);
             break;
         case KeyPress:
             handleKey(event.xkey);

@@ -65,16 +65,18 @@ class XlibShell final : public tv::TavixKeyboardSite {
   private:
     void handleEvents();
     void handleKey(XKeyEvent& key);
+    void handleFocus(const XFocusChangeEvent& change);
     void layOut(int width, int height);
     void paint();
 
     tv::TavixEventLoop& m_loop;
     Display* m_display;
     Window m_topLevel = 0;
+    Window m_strip = 0;
     Window m_place = 0;
     Window m_view = 0;
     Field m_field = Field::Before;
-    bool m_hasKeyboard = false;
+    bool m_hasKeyboard = false; ///< the strip has it
     bool m_closed = false;
     Atom m_deleteWindow;
     tv::TavixHost m_host;
