@@ -22,6 +22,7 @@ using tv::TavixHost;
 
 constexpr int kNoJob = 123456;
 constexpr int kMostTabs = 20;
+constexpr int kQuietSteps = 8;
 constexpr int kWarmUpRounds = 30;
 // A window of the viewer costs megabytes; one kept a round would show after a few rounds.
 constexpr long kGrowthAllowedKilobytes = 4096;
@@ -103,19 +104,28 @@ bool isAsLargeAsItsPlace(XlibShell& shell) {
            view.width == place.width && view.height == place.height;
 }
 
-// Keys go where a test sends them only once the window manager has the window in its frame and shows it.
-bool isManaged(XlibShell& shell) {
-    Display* display = shell.display();
+bool hasProperty(Display* display, Window window, const char* name) {
     Atom type = 0;
     int format = 0;
     unsigned long count = 0;
     unsigned long left = 0;
     unsigned char* value = nullptr;
-    const int result = XGetWindowProperty(display, shell.topLevel(), XInternAtom(display, "WM_STATE", False), 0, 1,
-                                          False, AnyPropertyType, &type, &format, &count, &left, &value);
+    const int result = XGetWindowProperty(display, window, XInternAtom(display, name, False), 0, 1, False,
+                                          AnyPropertyType, &type, &format, &count, &left, &value);
     if (value)
         XFree(value);
-    return result == Success && type != 0 && isAsLargeAsItsPlace(shell);
+    return result == Success && type != 0;
+}
+
+// One that is still starting may miss a window that is made meanwhile.
+bool windowManagerRuns(XlibShell& shell) {
+    return shell.stepUntil(
+        [&] { return hasProperty(shell.display(), DefaultRootWindow(shell.display()), "_NET_SUPPORTING_WM_CHECK"); });
+}
+
+// Keys go where a test sends them only once the window manager has the window in its frame and shows it.
+bool isManaged(XlibShell& shell) {
+    return hasProperty(shell.display(), shell.topLevel(), "WM_STATE") && isAsLargeAsItsPlace(shell);
 }
 
 int childrenOf(Display* display, Window window, Window* first = nullptr) {
@@ -199,6 +209,27 @@ void testCommands(XlibShell& shell, const Sample& sample, int job) {
           "and a report can be loaded again");
 }
 
+// How many times Tab was pressed until the viewer had the keyboard no more. A press is over when it has moved the focus
+// on the screen or out of the viewer, and nothing is painted any more.
+int tabUntilOutside(XlibShell& shell, User& user, bool backwards) {
+    int presses = 0;
+    while (shell.host().HasFocus() && presses < kMostTabs) {
+        auto image = pixels(shell);
+        user.press(XK_Tab, backwards);
+        ++presses;
+        if (!shell.stepUntil([&] { return !shell.host().HasFocus() || pixels(shell) != image; }))
+            return 0;
+        for (int quiet = 0; shell.host().HasFocus() && quiet < kQuietSteps; ++quiet) {
+            shell.step();
+            auto now = pixels(shell);
+            if (now != image)
+                quiet = 0;
+            image = std::move(now);
+        }
+    }
+    return presses;
+}
+
 void testFocus(XlibShell& shell, User& user) {
     TavixHost& host = shell.host();
     check(shell.stepUntil([&] { return isManaged(shell); }), "a window manager shows the window");
@@ -212,23 +243,12 @@ void testFocus(XlibShell& shell, User& user) {
     user.press(XK_Down);
     check(shell.stepUntil([&] { return pixels(shell) != before; }), "and its keys arrive there");
 
-    int tabs = 0;
-    for (; host.HasFocus() && tabs < kMostTabs; ++tabs) {
-        user.press(XK_Tab);
-        // There is nothing to wait for when Tab stays inside, so the key is given time to be handled.
-        for (int i = 0; i < 5; ++i)
-            shell.step();
-    }
+    const int tabs = tabUntilOutside(shell, user, false);
     check(tabs >= 2 && shell.stepUntil([&] { return shell.hasKeyboard(); }) && shell.field() == XlibShell::Field::After,
           "Tab walks through the viewer and out of it forwards");
     user.press(XK_Tab, true);
     check(shell.stepUntil([&] { return host.HasFocus(); }), "Shift+Tab comes back in");
-    int backs = 0;
-    for (; host.HasFocus() && backs < kMostTabs; ++backs) {
-        user.press(XK_Tab, true);
-        for (int i = 0; i < 5; ++i)
-            shell.step();
-    }
+    const int backs = tabUntilOutside(shell, user, true);
     check(backs == tabs && shell.stepUntil([&] { return shell.hasKeyboard(); }) &&
               shell.field() == XlibShell::Field::Before,
           "and walks out of it backwards, by as many stops");
@@ -318,6 +338,8 @@ bool runSelfTest(tv::TavixEventLoop& loop, const Sample& sample) {
         User user(shell);
         int created = 0;
         shell.host().OnTavixWindowCreated.Attach([&created](TavixHost&) { ++created; });
+        if (!check(windowManagerRuns(shell), "there is a window manager"))
+            return false;
         if (!check(shell.open() && created == 1, "the view is made, and says so"))
             return false;
         Window child = 0;
@@ -343,14 +365,19 @@ bool runRepeated(tv::TavixEventLoop& loop, const Sample& sample, int times) {
     const FileConnection connection(sample.repository);
     const int job = jobOf(connection);
     XlibShell shell(loop);
+    if (!windowManagerRuns(shell))
+        return check(false, "there is a window manager");
     long warm = 0;
     for (int round = 0; round < times + kWarmUpRounds; ++round) {
         if (round == kWarmUpRounds)
             warm = residentKilobytes();
-        if (!shell.open() || !shell.host().LoadReportForJob("text", job, &connection) ||
-            !shell.host().SelectTable(sample.source, "KVTK", "", "", sample.table) ||
-            !shell.stepUntil([&shell] { return isAsLargeAsItsPlace(shell); }))
-            return check(false, "a view is made and shows a report");
+        if (!shell.open())
+            return check(false, "a view is made");
+        if (!shell.host().LoadReportForJob("text", job, &connection) ||
+            !shell.host().SelectTable(sample.source, "KVTK", "", "", sample.table))
+            return check(false, "it shows a report");
+        if (!shell.stepUntil([&shell] { return isAsLargeAsItsPlace(shell); }))
+            return check(false, "it fills its place");
         if (round % 2 == 1) {
             shell.closeWindowFirst();
             shell.stepUntil([&shell] { return !shell.host().HasReport(); });

@@ -35,6 +35,15 @@ bool isWindow(xcb_connection_t* display, xcb_window_t window) {
     return reply && reply->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT;
 }
 
+// In the toolkit's units. Its own object for a foreign window learns the size only later.
+QSize sizeOf(xcb_connection_t* display, xcb_window_t window) {
+    xcb_generic_error_t* error = nullptr;
+    const ReplyPointer<xcb_get_geometry_reply_t> reply(
+        xcb_get_geometry_reply(display, xcb_get_geometry(display, window), &error));
+    const ReplyPointer<xcb_generic_error_t> freed(error);
+    return reply ? QSize(reply->width, reply->height) / qGuiApp->devicePixelRatio() : QSize();
+}
+
 // From the window up to its last ancestor below the root; empty when it is gone.
 std::vector<xcb_window_t> ancestry(xcb_connection_t* display, xcb_window_t window) {
     std::vector<xcb_window_t> path;
@@ -85,7 +94,7 @@ ForeignParent::ForeignParent(QWidget& view, NativeWindow parent)
     m_view.setWindowFlags(Qt::FramelessWindowHint);
     m_window = static_cast<NativeWindow>(m_view.winId());
     m_view.windowHandle()->setParent(m_parent.get());
-    m_view.setGeometry(QRect(QPoint(0, 0), m_parent->geometry().size()));
+    m_view.setGeometry(QRect(QPoint(0, 0), sizeOf(connection(), static_cast<xcb_window_t>(parent))));
     m_view.show();
     qApp->installEventFilter(this);
     qApp->installNativeEventFilter(this);
