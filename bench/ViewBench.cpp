@@ -1,5 +1,6 @@
 #include "base/tests/TempFolder.h"
 #include "host/TavixHost.h"
+#include "host/TavixQtWindow.h"
 #include "repository/RunWriter.h"
 #include "shell/ShellStyle.h"
 
@@ -95,7 +96,9 @@ class ConsoleMessages final : public Messages {
 class FileConnection final : public TavixConnection {
   public:
     explicit FileConnection(std::string path) : m_path(std::move(path)) {}
-    [[nodiscard]] KvbString GetConnectionString() const override { return m_path; }
+    [[nodiscard]] std::string GetName() const override { return m_path; }
+    [[nodiscard]] std::string GetKind() const override { return "SQLite"; }
+    [[nodiscard]] std::string GetConnectionString() const override { return m_path; }
 
   private:
     std::string m_path;
@@ -104,13 +107,13 @@ class FileConnection final : public TavixConnection {
 /// A window that is on the (offscreen) screen, without a report.
 class Window : private QObject {
   public:
-    Window() : m_host(m_messages, makeMemorySettings()), m_view(m_host.BuildWindowCore(nullptr)) {
+    Window() : m_host(m_messages, makeMemorySettings()), m_view(Veldra::Solenne::Tavix::TavixQtWindow::Build(m_host, nullptr)) {
         m_view->resize(1280, 800);
         m_view->show();
         tree().viewport()->installEventFilter(this);
         QApplication::processEvents();
     }
-    ~Window() override { m_host.DestroyWindowCore(); }
+    ~Window() override { m_host.Dispose(); }
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
 

@@ -6,8 +6,9 @@
 #include "doc/CTavixApp.h"
 #include "doc/Settings.h"
 #include "doc/ui/CTavixView.h"
-
-#include <QPointer>
+#include "host/HostWindow.h"
+#include "host/KeyMessage.h"
+#include "host/TavixQtWindow.h"
 
 #include <utility>
 
@@ -44,42 +45,66 @@ std::string dateText(tavix::LibraryDate date) {
 
 } // namespace
 
-struct TavixHost::Window {
-    QPointer<tavix::CTavixView> view;
-};
+TavixHost::TavixHost()
+    : m_app(std::make_unique<tavix::CTavixApp>()), m_messages(nullptr), m_window(std::make_unique<Window>()) {}
 
 TavixHost::TavixHost(tavix::Messages& messages)
-    : m_app(std::make_unique<tavix::CTavixApp>()), m_messages(messages), m_window(std::make_unique<Window>()) {}
+    : m_app(std::make_unique<tavix::CTavixApp>()), m_messages(&messages), m_window(std::make_unique<Window>()) {}
 
 TavixHost::TavixHost(tavix::Messages& messages, std::unique_ptr<tavix::SettingsStore> settings)
     : m_app(std::make_unique<tavix::CTavixApp>(std::move(settings))),
-      m_messages(messages),
+      m_messages(&messages),
       m_window(std::make_unique<Window>()) {}
 
 TavixHost::~TavixHost() {
-    DestroyWindowCore();
+    Dispose();
 }
 
 tavix::CTavixView* TavixHost::View() const {
     return m_window->view;
 }
 
-QWidget* TavixHost::BuildWindowCore(QWidget* parent) {
-    DestroyWindowCore();
-    auto* view = new tavix::CTavixView(*m_app, m_messages, parent);
-    m_window->view = view;
-    view->SetDeleteHistoryRequest([this] { DeleteHistory(); });
-    view->SetRunsChanged([this] {
-        for (const RunsChangedHandler& handler : RunsChangedEvent)
-            handler(*this);
-    });
-    for (const WindowCreatedHandler& handler : OnTavixWindowCreated)
-        handler(*this);
-    return view;
+tavix::Messages& TavixHost::GetMessages() const {
+    return m_messages ? *m_messages : m_window->boxes;
 }
 
-void TavixHost::DestroyWindowCore() {
-    delete View();
+void TavixHost::AddView(tavix::CTavixView& view) {
+    m_window->view = &view;
+    m_window->boxes.setWindow(&view);
+    view.SetDeleteHistoryRequest([this] { DeleteHistory(); });
+    view.SetCredentialsRequest([this] { GetAuthSvrCredentials(); });
+    view.SetRunsChanged([this] { RunsChangedEvent.Raise(*this); });
+}
+
+NativeWindow TavixHost::BuildWindowCore(NativeWindow parent) {
+    Dispose();
+    auto view = std::make_unique<tavix::CTavixView>(*m_app, GetMessages(), nullptr);
+    m_window->parent = ForeignParent::Embed(*view, parent);
+    if (!m_window->parent)
+        return 0;
+    m_window->parent->OfferKey = [this](const QKeyEvent& key) {
+        return m_window->keyboard && TellSiteAtLastStop(toNativeMessage(key, m_window->parent->GetWindow()));
+    };
+    m_window->parent->Lost = [window = m_window.get()] { window->DestroyWhenIdle(); };
+    AddView(*view.release());
+    OnTavixWindowCreated.Raise(*this);
+    return m_window->parent ? m_window->parent->GetWindow() : 0;
+}
+
+QWidget* TavixQtWindow::Build(TavixHost& host, QWidget* parent) {
+    host.Dispose();
+    host.AddView(*new tavix::CTavixView(*host.m_app, host.GetMessages(), parent));
+    host.OnTavixWindowCreated.Raise(host);
+    return host.View();
+}
+
+void TavixHost::DestroyWindowCore(NativeWindow window) {
+    if (window != 0 && m_window->parent && m_window->parent->GetWindow() == window)
+        Dispose();
+}
+
+void TavixHost::Dispose() {
+    m_window->Destroy();
 }
 
 bool TavixHost::ReportExists(int jobId, const TavixConnection* connection) {
@@ -90,7 +115,7 @@ bool TavixHost::ReportExists(int jobId, const TavixConnection* connection) {
         int folderId = -1;
         tavix::KvbString text;
         return session.isOpen() && session->reportGetReportInfo(jobId, folderId, text);
-    } catch (const tavix::GenException&) {
+    } catch (const std::exception&) {
         return false;
     }
 }
@@ -150,18 +175,23 @@ bool TavixHost::SelectTable(const std::string& dataSource, const std::string& co
     return View() && View()->SelectTable(dataSource, connectionType, qualifier1, qualifier2, table);
 }
 
-void TavixHost::DeleteHistory() {
-    for (const DeleteHistoryHandler& handler : DeleteHistoryEvent) {
-        handler([this] {
-            if (View())
-                View()->DeleteHistory();
-        });
-    }
+int TavixHost::AddCurrentFieldToCollection(int collectionId) {
+    return View() ? View()->AddCurrentFieldToCollection(collectionId) : 0;
 }
 
-void TavixHost::SetInternalFocus() {
+void TavixHost::DeleteHistory() {
+    // A handler may keep the callback until the user has answered, and the view may be gone by then.
+    DeleteHistoryEvent.Raise([view = m_window->view] {
+        if (view)
+            view->DeleteHistory();
+    });
+}
+
+void TavixHost::GetAuthSvrCredentials() {
+    TavixAuthSvrInfo info;
+    GetAuthSvrCreds.Raise(info);
     if (View())
-        View()->SetInternalFocus();
+        View()->SetAuthSvrCreds(info.UserID, info.Password);
 }
 
 std::vector<TavixCommandInfo> TavixHost::GetCommands() {
@@ -182,7 +212,8 @@ TavixCommandState TavixHost::ExecuteUpdateUICommand(int commandId) const {
     if (!View())
         return {};
     const tavix::CommandState state = View()->GetTavixMain().Update(commandId);
-    return {state.handled, state.enabled, state.checked};
+    const bool allowed = commandId != static_cast<int>(CommandId::DeleteHistory) || DeleteHistoryEvent.HasHandlers();
+    return {state.handled, state.enabled && allowed, state.checked};
 }
 
 std::string TavixHost::GetReportTitle() const {

@@ -1,18 +1,16 @@
 #pragma once
 
-#include "base/KvbString.h"
-#include "base/LibraryDate.h"
 #include "base/Messages.h"
 #include "base/Result.h"
 #include "base/SettingsStore.h"
-#include "doc/CommandIds.h"
+#include "host/NativeMessage.h"
+#include "host/TavixEvent.h"
+#include "host/TavixRecords.h"
 
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
-
-class QWidget;
 
 namespace tavix {
 class CTavixApp;
@@ -21,61 +19,15 @@ class CTavixView;
 
 namespace Veldra::Solenne::Tavix {
 
-using tavix::CommandId;
-
-/// One run of a profiling job.
-struct TavixRunInfo {
-    int ID = 0;
-    std::string Description;
-    std::string Date; ///< the locale's date and time form
-    tavix::LibraryDate DateObject = 0;
-
-    bool operator==(const TavixRunInfo&) const = default;
-};
-
-/// One report of a repository: a job with its runs.
-struct TavixReportInfo {
-    int JobID = 0;
-    std::string Name;
-    std::string Description;
-    int RunCount = 0;
-    std::string LastRun; ///< the locale's date and time form; empty without a run
-
-    bool operator==(const TavixReportInfo&) const = default;
-};
-
-/// A command of the viewer, for menus.
-struct TavixCommandInfo {
-    int Id = 0;
-    std::string Text;
-    std::string StatusText;
-};
-
-struct TavixCommandState {
-    bool Handled = false;
-    bool Enabled = false;
-    bool Checked = false;
-
-    bool operator==(const TavixCommandState&) const = default;
-};
-
-/// Where a repository is; the shell's object.
-class TavixConnection {
-  public:
-    virtual ~TavixConnection() = default;
-    [[nodiscard]] virtual tavix::KvbString GetConnectionString() const = 0;
-};
-
-/// The viewer as a desktop shell sees it. All calls belong to the thread of the user interface. The window is handed
-/// out as a QWidget, so that this header serves shells that are built with Qt.
+/// The viewer as a desktop shell sees it, whatever the shell's toolkit. All calls belong to the one thread on which the
+/// toolkit of the viewer was started (TavixEventLoop), and none may be made from within another one's handler other
+/// than those that only ask. Before a window is built and after it is gone every operation answers as it does without
+/// a report.
 class TavixHost {
   public:
-    using WindowCreatedHandler = std::function<void(TavixHost&)>;
-    /// Receives a callback that performs the deletion.
-    using DeleteHistoryHandler = std::function<void(const std::function<void()>& perform)>;
-    using RunsChangedHandler = std::function<void(TavixHost&)>;
-
-    /// Settings from the user's settings file. The messages must outlive the host.
+    /// Settings from the user's settings file, messages as boxes over the viewer.
+    TavixHost();
+    /// Messages go to the shell; they must outlive the host.
     explicit TavixHost(tavix::Messages& messages);
     /// Settings in a store of the caller's.
     TavixHost(tavix::Messages& messages, std::unique_ptr<tavix::SettingsStore> settings);
@@ -83,39 +35,71 @@ class TavixHost {
     TavixHost(const TavixHost&) = delete;
     TavixHost& operator=(const TavixHost&) = delete;
 
-    /// Handlers are called in the order in which they were attached.
-    std::vector<WindowCreatedHandler> OnTavixWindowCreated;
-    std::vector<DeleteHistoryHandler> DeleteHistoryEvent;
+    /// Once for each window, after it exists.
+    TavixEvent<TavixHost&> OnTavixWindowCreated;
+    /// Handlers receive a callback that asks the user which runs to delete, and deletes them. A shell without a handler
+    /// does not allow it: the command is disabled then.
+    TavixEvent<const std::function<void()>&> DeleteHistoryEvent;
+    /// Handlers fill in the empty record.
+    TavixEvent<TavixAuthSvrInfo&> GetAuthSvrCreds;
     /// The list of runs or the current run may be another.
-    std::vector<RunsChangedHandler> RunsChangedEvent;
+    TavixEvent<TavixHost&> RunsChangedEvent;
 
-    /// The view, a child of `parent` and owned by it. A host has one window at a time.
-    QWidget* BuildWindowCore(QWidget* parent);
-    void DestroyWindowCore();
+    /// Makes the view as a child of `parent`, fills it, shows it, and answers its window, which the shell may move and
+    /// resize. 0 when `parent` is no window, or on a windowing system that cannot put a window into one of another
+    /// toolkit. A host has one window at a time: the one before is destroyed.
+    [[nodiscard]] NativeWindow BuildWindowCore(NativeWindow parent);
+    /// Does nothing when the window is not this host's. When the shell destroys `parent` first, the view goes by
+    /// itself.
+    void DestroyWindowCore(NativeWindow window);
+    /// Destroys the view, whatever its window is.
+    void Dispose();
+    /// Whether the message was handled; see NativeMessageId.
+    bool WndProc(NativeMessage& message);
 
-    /// Never throws and never shows a message: whatever goes wrong is false. Null is false.
+    /// False when nobody handles the command.
+    bool ExecuteCommand(int commandId);
+    [[nodiscard]] TavixCommandState ExecuteUpdateUICommand(int commandId) const;
+    [[nodiscard]] static std::vector<TavixCommandInfo> GetCommands();
+
+    /// In a session of its own. Never throws and never shows a message: whatever goes wrong is false. Null is false.
     [[nodiscard]] static bool ReportExists(int jobId, const TavixConnection* connection);
     /// Every report of the repository, in a session of its own.
     [[nodiscard]] static tavix::Result<std::vector<TavixReportInfo>> GetReports(const TavixConnection& connection);
-    /// False, after a message, leaves the view empty. Null is false and touches nothing.
+    /// False, after a message, leaves the view empty. Null is false and touches nothing. The connection is asked during
+    /// the call and not kept.
     bool LoadReportForJob(const std::string& text, int jobId, const TavixConnection* connection);
     /// In the order of the repository; empty without a report.
     [[nodiscard]] std::vector<TavixRunInfo> GetJobRuns() const;
     /// -1 without a report.
     [[nodiscard]] int GetCurrentRun() const;
+    /// True with nothing done when the run is current already; false, after a message, leaves the run as it was.
     bool SetCurrentRun(int runId);
     /// `connectionType` is exactly "ODBC" or "KVTK", else false.
     bool SelectTable(const std::string& dataSource, const std::string& connectionType, const std::string& qualifier1,
                      const std::string& qualifier2, const std::string& table);
+    /// Adds the field that is selected; 0 when none is, or, after a message, when it could not be added.
+    int AddCurrentFieldToCollection(int collectionId);
+
+    /// Whether the keyboard is with the view or a control in it.
+    [[nodiscard]] bool HasFocus() const;
+    /// Gives the keyboard to the tree of the navigator page that is showing.
+    void SetInternalFocus();
+    /// Gives the keyboard to the last tab stop for FocusNavigation::Last, else to the first; false without a window.
+    bool TabInto(FocusNavigation request);
+    /// Null for none; must outlive the host or be taken back. Without one Tab goes round within the viewer.
+    void SetKeyboardSite(TavixKeyboardSite* site);
+    /// For a shell that sees the keys before the viewer does: Tab on the last tab stop and Shift+Tab on the first go to
+    /// the keyboard site, any other key-down to the control that has the keyboard. Whether it was handled.
+    bool TranslateAccelerator(const NativeMessage& message);
+    /// Hands a key message to the control that has the keyboard. Whether it was handled.
+    bool ConvertMessage(const NativeMessage& message);
+
     /// Raises DeleteHistoryEvent.
     void DeleteHistory();
-    /// Focuses the tree of the navigator page that is showing.
-    void SetInternalFocus();
-
-    [[nodiscard]] static std::vector<TavixCommandInfo> GetCommands();
-    /// False when nobody handles the command.
-    bool ExecuteCommand(int commandId);
-    [[nodiscard]] TavixCommandState ExecuteUpdateUICommand(int commandId) const;
+    /// Raises GetAuthSvrCreds with an empty record and keeps what the handlers filled in. The viewer does the same when
+    /// it opens a repository server whose connection string lacks user or password.
+    void GetAuthSvrCredentials();
 
     /// "Untitled" without a report.
     [[nodiscard]] std::string GetReportTitle() const;
@@ -128,11 +112,17 @@ class TavixHost {
     [[nodiscard]] const std::string& GetStartProblem() const;
 
   private:
-    std::unique_ptr<tavix::CTavixApp> m_app;
-    tavix::Messages& m_messages;
+    friend class TavixQtWindow;
     struct Window;
-    std::unique_ptr<Window> m_window;
+
     [[nodiscard]] tavix::CTavixView* View() const;
+    void AddView(tavix::CTavixView& view);
+    [[nodiscard]] tavix::Messages& GetMessages() const;
+    bool TellSiteAtLastStop(const NativeMessage& message);
+
+    std::unique_ptr<tavix::CTavixApp> m_app;
+    tavix::Messages* m_messages; ///< the shell's; null for boxes of our own
+    std::unique_ptr<Window> m_window;
 };
 
 } // namespace Veldra::Solenne::Tavix

@@ -1,6 +1,7 @@
 #include "shell/ShellWindow.h"
 
 #include "base/ui/QtText.h"
+#include "host/TavixQtWindow.h"
 #include "shell/JobListPage.h"
 #include "shell/ShellActions.h"
 #include "shell/WelcomePage.h"
@@ -28,7 +29,9 @@ namespace {
 class FileConnection final : public Veldra::Solenne::Tavix::TavixConnection {
   public:
     explicit FileConnection(std::string path) : m_path(std::move(path)) {}
-    [[nodiscard]] KvbString GetConnectionString() const override { return m_path; }
+    [[nodiscard]] std::string GetName() const override { return toUtf8(QFileInfo(toQString(m_path)).fileName()); }
+    [[nodiscard]] std::string GetKind() const override { return "SQLite"; }
+    [[nodiscard]] std::string GetConnectionString() const override { return m_path; }
 
   private:
     std::string m_path;
@@ -53,7 +56,7 @@ ShellWindow::ShellWindow(TavixHost& host, Messages& messages)
       m_pages(new QStackedWidget(this)),
       m_welcome(new WelcomePage),
       m_jobs(new JobListPage),
-      m_view(host.BuildWindowCore(m_pages)),
+      m_view(Veldra::Solenne::Tavix::TavixQtWindow::Build(host, m_pages)),
       m_place(new QLabel(this)),
       m_counts(new QLabel(this)) {
     setAcceptDrops(true);
@@ -78,19 +81,19 @@ ShellWindow::ShellWindow(TavixHost& host, Messages& messages)
         if (m_pages->currentWidget() == m_jobs)
             openReport(jobId);
     });
-    m_host.RunsChangedEvent.push_back([this](TavixHost&) {
+    m_runsChanged = m_host.RunsChangedEvent.Attach([this](TavixHost&) {
         m_actions->fillRuns();
         updateState();
     });
-    m_host.DeleteHistoryEvent.push_back([](const std::function<void()>& perform) { perform(); });
+    m_deleteHistory = m_host.DeleteHistoryEvent.Attach([](const std::function<void()>& perform) { perform(); });
     restoreWindow();
     showWelcome();
 }
 
 ShellWindow::~ShellWindow() {
-    m_host.RunsChangedEvent.clear();
-    m_host.DeleteHistoryEvent.clear();
-    m_host.DestroyWindowCore();
+    m_host.RunsChangedEvent.Detach(m_runsChanged);
+    m_host.DeleteHistoryEvent.Detach(m_deleteHistory);
+    m_host.Dispose();
 }
 
 void ShellWindow::askForRepository() {

@@ -3,6 +3,7 @@
 #include "access/Layouts.h"
 #include "base/GenException.h"
 #include "doc/CTavixApp.h"
+#include "doc/ConnectionCredentials.h"
 #include "doc/ItemCode.h"
 #include "doc/PaneChain.h"
 #include "doc/PaneMemory.h"
@@ -78,8 +79,16 @@ CTavixView::~CTavixView() {
     delete m_reportPane;
 }
 
+void CTavixView::SetAuthSvrCreds(const std::string& userId, const std::string& password) {
+    m_userId = userId;
+    m_password = password;
+}
+
 bool CTavixView::LoadReportForJob(const std::string& text, int jobId, const KvbString& connection) {
-    if (!m_document->OpenReport(connection, jobId)) {
+    const bool asks = lacksCredentials(connection.view());
+    if (asks && m_credentialsRequest)
+        m_credentialsRequest();
+    if (!m_document->OpenReport(asks ? withCredentials(connection.view(), m_userId, m_password) : connection, jobId)) {
         OnNew();
         return false;
     }
@@ -111,6 +120,24 @@ bool CTavixView::SelectTable(const std::string& dataSource, const std::string& c
 
 void CTavixView::SetInternalFocus() {
     m_navigator->SetInternalFocus();
+}
+
+QWidget* CTavixView::GetFirstTabStop() {
+    return m_navigator->GetPageControl();
+}
+
+QWidget* CTavixView::GetLastTabStop() {
+    QWidget* last = nullptr;
+    for (QWidget* next = nextInFocusChain(); next != this; next = next->nextInFocusChain()) {
+        if (m_reportPane->isAncestorOf(next) && next->isVisibleTo(this) && next->isEnabled() && !next->focusProxy() &&
+            next->focusPolicy() & Qt::TabFocus)
+            last = next;
+    }
+    return last ? last : GetFirstTabStop();
+}
+
+int CTavixView::AddCurrentFieldToCollection(int collectionId) {
+    return m_reportPane->currentWidget() == m_metrics ? m_navigator->AddSelectedFieldToCollection(collectionId) : 0;
 }
 
 void CTavixView::Refresh(CRefreshItem*, RefreshHint hint, int) {

@@ -43,6 +43,10 @@ class CTavixView final : public SplitFrame,
     void SetDeleteHistoryRequest(std::function<void()> request) { m_deleteHistoryRequest = std::move(request); }
     /// Called after the current run or the list of runs may have changed.
     void SetRunsChanged(std::function<void()> changed) { m_runsChanged = std::move(changed); }
+    /// Called when a repository server wants a user or a password that the connection string lacks; whoever is called
+    /// answers through SetAuthSvrCreds. The string is never shown, and neither are these two.
+    void SetCredentialsRequest(std::function<void()> request) { m_credentialsRequest = std::move(request); }
+    void SetAuthSvrCreds(const std::string& userId, const std::string& password);
 
     /// Opens the job's report in place of the present one and keeps `text` with it. False, after a message, leaves
     /// the view empty.
@@ -55,6 +59,14 @@ class CTavixView final : public SplitFrame,
     [[nodiscard]] CTavixMain& GetTavixMain() { return m_main; }
     [[nodiscard]] CTables& GetNavigator() { return *m_navigator; }
     void SetInternalFocus();
+    /// Where a Tab enters the view: the tree of the navigator page that is showing.
+    [[nodiscard]] QWidget* GetFirstTabStop();
+    /// The last control of the report pane that takes the keyboard, else the first tab stop.
+    [[nodiscard]] QWidget* GetLastTabStop();
+    /// Adds the field that is selected to the collection; 0 when none is, or, after a message, when it fails.
+    int AddCurrentFieldToCollection(int collectionId);
+    /// The document's session; null without a report.
+    [[nodiscard]] PrViewer* GetViewer() const { return m_document->GetViewer(); }
 
     void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) override;
 
@@ -119,6 +131,9 @@ class CTavixView final : public SplitFrame,
     bool m_wantsInfo = false; ///< as the user left it
     std::function<void()> m_deleteHistoryRequest;
     std::function<void()> m_runsChanged;
+    std::function<void()> m_credentialsRequest;
+    std::string m_userId;
+    std::string m_password;
 };
 
 } // namespace tavix

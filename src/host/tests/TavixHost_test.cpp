@@ -1,6 +1,7 @@
 #include "base/tests/TempFolder.h"
 #include "base/ui/QtText.h"
 #include "host/TavixHost.h"
+#include "host/TavixQtWindow.h"
 #include "support/SampleRepository.h"
 
 #include <QLabel>
@@ -33,7 +34,9 @@ class RecordedMessages final : public tavix::Messages {
 class PathConnection final : public TavixConnection {
   public:
     explicit PathConnection(std::string path) : m_path(std::move(path)) {}
-    tavix::KvbString GetConnectionString() const override { return m_path; }
+    std::string GetName() const override { return "Sample"; }
+    std::string GetKind() const override { return "SQLite"; }
+    std::string GetConnectionString() const override { return m_path; }
 
   private:
     std::string m_path;
@@ -45,12 +48,12 @@ class HostOverSample : public ::testing::Test {
         : m_sample(tavix::testing::SampleRepository::build(m_folder.file("sample.tavix"))),
           m_connection(m_sample.path),
           m_host(m_messages, tavix::makeMemorySettings()) {
-        m_view = m_host.BuildWindowCore(nullptr);
+        m_view = TavixQtWindow::Build(m_host, nullptr);
         m_view->resize(1200, 700);
         m_view->show();
     }
     ~HostOverSample() override {
-        m_host.DestroyWindowCore();
+        m_host.Dispose();
         EXPECT_THAT(m_messages.texts, ElementsAre());
     }
 
@@ -131,7 +134,7 @@ TEST_F(HostOverSample, selectionSurvivesAChangeOfRunWhereTheTableExists) {
     ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "", "dbo", "suppliers"));
     tree(0).expand(tree(0).currentIndex());
     int changes = 0;
-    m_host.RunsChangedEvent.push_back([&changes](TavixHost&) { ++changes; });
+    m_host.RunsChangedEvent.Attach([&changes](TavixHost&) { ++changes; });
     EXPECT_TRUE(m_host.SetCurrentRun(m_host.GetCurrentRun()));
     EXPECT_EQ(0, changes);
 
@@ -184,10 +187,11 @@ TEST_F(HostOverSample, commandsFollowTheNavigatorsPage) {
 TEST_F(HostOverSample, deletingHistoryIsTheShellsToAllow) {
     EXPECT_FALSE(m_host.ExecuteUpdateUICommand(static_cast<int>(CommandId::DeleteHistory)).Enabled);
     ASSERT_TRUE(load());
-    EXPECT_TRUE(m_host.ExecuteUpdateUICommand(static_cast<int>(CommandId::DeleteHistory)).Enabled);
+    EXPECT_FALSE(m_host.ExecuteUpdateUICommand(static_cast<int>(CommandId::DeleteHistory)).Enabled);
     m_host.DeleteHistory();
     int asked = 0;
-    m_host.DeleteHistoryEvent.push_back([&asked](const std::function<void()>&) { ++asked; });
+    m_host.DeleteHistoryEvent.Attach([&asked](const std::function<void()>&) { ++asked; });
+    EXPECT_TRUE(m_host.ExecuteUpdateUICommand(static_cast<int>(CommandId::DeleteHistory)).Enabled);
     m_host.ExecuteCommand(static_cast<int>(CommandId::DeleteHistory));
     m_host.DeleteHistory();
     EXPECT_EQ(2, asked);
@@ -196,10 +200,10 @@ TEST_F(HostOverSample, deletingHistoryIsTheShellsToAllow) {
 
 TEST_F(HostOverSample, windowsCanBeMadeAgainAndDieWithTheirParent) {
     int created = 0;
-    m_host.OnTavixWindowCreated.push_back([&created](TavixHost&) { ++created; });
+    m_host.OnTavixWindowCreated.Attach([&created](TavixHost&) { ++created; });
     for (int round = 0; round < 3; ++round) {
         auto parent = std::make_unique<QWidget>();
-        m_host.BuildWindowCore(parent.get());
+        TavixQtWindow::Build(m_host, parent.get());
         ASSERT_TRUE(load());
         parent.reset();
         EXPECT_FALSE(m_host.HasReport());

@@ -43,6 +43,8 @@ CTables::CTables(CViewSite& site, QWidget* parent)
         m_tabs->setTabToolTip(m_tabs->addTab(title), title);
         m_stack->addWidget(m_pages[i].view);
     }
+    // The tree is where a Tab from outside enters; the row of pages comes after it.
+    setTabOrder(m_pages.back().view, m_tabs);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -81,7 +83,11 @@ void CTables::ShowPage(NavigatorPage number) {
 }
 
 void CTables::SetInternalFocus() {
-    m_stack->currentWidget()->setFocus(Qt::TabFocusReason);
+    GetPageControl()->setFocus(Qt::TabFocusReason);
+}
+
+QWidget* CTables::GetPageControl() const {
+    return m_stack->currentWidget();
 }
 
 void CTables::Refresh(CRefreshItem*, RefreshHint hint, int) {

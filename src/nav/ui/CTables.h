@@ -44,6 +44,8 @@ class CTables final : public QWidget, public CRefreshItem, public CommandTarget 
     [[nodiscard]] NavigatorPage GetPage() const;
     void ShowPage(NavigatorPage page);
     void SetInternalFocus();
+    /// The tree of the page that is showing.
+    [[nodiscard]] QWidget* GetPageControl() const;
 
   private:
     struct Page {

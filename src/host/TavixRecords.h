@@ -1,0 +1,83 @@
+#pragma once
+
+#include "base/LibraryDate.h"
+#include "doc/CommandIds.h"
+
+#include <string>
+
+namespace Veldra::Solenne::Tavix {
+
+using tavix::CommandId;
+/// The numbers of all commands, for ExecuteCommand and ExecuteUpdateUICommand.
+using TavixCommandConstants = tavix::CommandId;
+
+/// One run of a profiling job.
+struct TavixRunInfo {
+    int ID = 0;
+    std::string Description;
+    std::string Date; ///< the locale's date and time form
+    tavix::LibraryDate DateObject = 0;
+
+    bool operator==(const TavixRunInfo&) const = default;
+};
+
+/// What a repository server wants to know.
+struct TavixAuthSvrInfo {
+    std::string UserID;
+    std::string Password;
+
+    bool operator==(const TavixAuthSvrInfo&) const = default;
+};
+
+/// One report of a repository: a job with its runs.
+struct TavixReportInfo {
+    int JobID = 0;
+    std::string Name;
+    std::string Description;
+    int RunCount = 0;
+    std::string LastRun; ///< the locale's date and time form; empty without a run
+
+    bool operator==(const TavixReportInfo&) const = default;
+};
+
+/// A command of the viewer, for menus.
+struct TavixCommandInfo {
+    int Id = 0;
+    std::string Text;
+    std::string StatusText;
+};
+
+struct TavixCommandState {
+    bool Handled = false;
+    bool Enabled = false;
+    bool Checked = false;
+
+    bool operator==(const TavixCommandState&) const = default;
+};
+
+/// Where a repository is; the shell's object. The operations stand in this order, and the third one is what the viewer
+/// asks; the destructor comes last so that it takes no place before them.
+class TavixConnection {
+  public:
+    /// What the shell calls the repository.
+    [[nodiscard]] virtual std::string GetName() const = 0;
+    /// What stores it, as "SQLite".
+    [[nodiscard]] virtual std::string GetKind() const = 0;
+    /// "sqlite:PATH", a plain path, or the URI of a server. It is asked for anew whenever it is needed.
+    [[nodiscard]] virtual std::string GetConnectionString() const = 0;
+    virtual ~TavixConnection() = default;
+};
+
+/// The way in which the keyboard enters the viewer.
+enum class FocusNavigation { First, Last, Next, Previous };
+
+/// The shell's side of the keyboard.
+class TavixKeyboardSite {
+  public:
+    virtual ~TavixKeyboardSite() = default;
+    /// The user pressed Tab on the last tab stop (Next) or Shift+Tab on the first one (Previous): the shell gives the
+    /// keyboard to what comes after or before the viewer.
+    virtual void OnNoMoreTabStops(FocusNavigation request) = 0;
+};
+
+} // namespace Veldra::Solenne::Tavix
