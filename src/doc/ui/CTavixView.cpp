@@ -127,12 +127,7 @@ QWidget* CTavixView::GetFirstTabStop() {
 }
 
 QWidget* CTavixView::GetLastTabStop() {
-    QWidget* last = nullptr;
-    for (QWidget* next = nextInFocusChain(); next != this; next = next->nextInFocusChain()) {
-        if (m_reportPane->isAncestorOf(next) && next->isVisibleTo(this) && next->isEnabled() && !next->focusProxy() &&
-            next->focusPolicy() & Qt::TabFocus)
-            last = next;
-    }
+    QWidget* last = GetReportPane().GetLastTabStop();
     return last ? last : GetFirstTabStop();
 }
 
