@@ -65,6 +65,18 @@ TableIdentity readTable(const ProfileCursor& cursor, const std::string& dataSour
     return table;
 }
 
+// The node below it, else the one beside it, else beside one above; null behind the last.
+const TreeNode* nextLoaded(const TreeNode* node) {
+    if (!node->children.empty())
+        return node->children.front().get();
+    for (; node->parent; node = node->parent) {
+        const auto beside = static_cast<std::size_t>(node->row) + 1;
+        if (beside < node->parent->children.size())
+            return node->parent->children[beside].get();
+    }
+    return nullptr;
+}
+
 std::string typeWord(const std::string& code) {
     if (code.empty())
         return {};
@@ -288,6 +300,27 @@ TreeNode* TreeContents::FindTableBelow(TreeNode& node, const std::string& qualif
             return child.get();
     }
     return nullptr;
+}
+
+TreeNode* TreeContents::FindLoaded(const TreeNode* from, bool skipFirst,
+                                   const std::function<bool(const TreeNode&)>& wanted) const {
+    const TreeNode* const start = from ? from : m_root.get();
+    const TreeNode* at = start;
+    if (skipFirst || at == m_root.get())
+        at = nextLoaded(at);
+    // The root stands between the last node and the first one.
+    for (bool around = false;; at = nextLoaded(at)) {
+        if (!at) {
+            if (around)
+                return nullptr;
+            around = true;
+            at = m_root.get();
+        } else if (at != m_root.get() && wanted(*at)) {
+            return const_cast<TreeNode*>(at);
+        }
+        if (around && at == start)
+            return nullptr;
+    }
 }
 
 std::string countText(const TreeNode& node) {

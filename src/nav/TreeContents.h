@@ -75,6 +75,10 @@ class TreeContents {
     /// there is none. `mode` is the kind of the data source.
     [[nodiscard]] TreeNode* FindTable(const std::string& dataSource, const std::string& qualifier1,
                                       const std::string& qualifier2, const std::string& table, int mode);
+    /// The next node that is wanted in the order of the tree, among those that are fetched: from `from` on, or behind
+    /// it with `skipFirst`, once around the whole tree. Null when there is none. From the top for a null `from`.
+    [[nodiscard]] TreeNode* FindLoaded(const TreeNode* from, bool skipFirst,
+                                       const std::function<bool(const TreeNode&)>& wanted) const;
 
   private:
     void Open(TreeNode& node);

@@ -10,15 +10,13 @@
 #include <string>
 #include <vector>
 
-class QAction;
-class QComboBox;
 class QLabel;
-class QMenu;
 class QStackedWidget;
 
 namespace tavix::shell {
 
 class JobListPage;
+class ShellActions;
 class WelcomePage;
 
 /// The shell's one window: a welcome page, the list of a repository's reports, and the viewer. It drives the viewer
@@ -47,19 +45,12 @@ class ShellWindow final : public QMainWindow {
     void dropEvent(QDropEvent* event) override;
 
   private:
-    void makeActions();
-    void makeToolBar();
     void askForRepository();
     bool readReports(const std::string& path, std::vector<Veldra::Solenne::Tavix::TavixReportInfo>& reports);
     bool openReport(int jobId);
     void reload();
-    void fillRecent();
-    void fillRuns();
-    void chooseRun(int index);
     void updateState();
-    void updateCommands();
     void restoreWindow();
-    QAction* command(CommandId id);
 
     Veldra::Solenne::Tavix::TavixHost& m_host;
     Messages& m_messages;
@@ -67,19 +58,14 @@ class ShellWindow final : public QMainWindow {
     std::string m_repository; ///< "" while none is open
     std::vector<Veldra::Solenne::Tavix::TavixReportInfo> m_reports;
     int m_jobId = -1;
-    int m_runsChanged = 0;   ///< the tokens of our handlers
+    int m_runsChanged = 0; ///< the tokens of our handlers
     int m_deleteHistory = 0;
 
+    ShellActions* m_actions;
     QStackedWidget* m_pages;
     WelcomePage* m_welcome;
     JobListPage* m_jobs;
     QWidget* m_view;
-    QMenu* m_recentMenu = nullptr;
-    QAction* m_reportsAction = nullptr;
-    QAction* m_reloadAction = nullptr;
-    std::vector<QAction*> m_commands;
-    QAction* m_runActions[2] = {};
-    QComboBox* m_runs = nullptr;
     QLabel* m_place;
     QLabel* m_counts;
 };

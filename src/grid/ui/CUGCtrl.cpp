@@ -43,6 +43,7 @@ CUGCtrl::CUGCtrl(QWidget* parent) : QTableView(parent), m_model(new GridModel(th
     m_locked->setFocusProxy(this);
     m_locked->setContextMenuPolicy(Qt::CustomContextMenu);
     m_locked->setObjectName(QStringLiteral("lockedColumns"));
+    m_locked->setAccessibleName(QStringLiteral("Locked columns"));
     m_locked->hide();
     viewport()->stackUnder(m_locked);
     ApplyFont();

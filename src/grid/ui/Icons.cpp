@@ -3,6 +3,7 @@
 #include "grid/ui/Tints.h"
 
 #include <QPainterPath>
+#include <QPixmapCache>
 
 namespace tavix {
 
@@ -128,9 +129,7 @@ class IconPainter {
     QColor m_cool;
 };
 
-} // namespace
-
-void paintIcon(QPainter& painter, const QRectF& rect, CellIcon icon, const QPalette& palette, bool onSelection) {
+void drawIcon(QPainter& painter, const QRectF& rect, CellIcon icon, const QPalette& palette, bool onSelection) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(rect.topLeft());
@@ -174,6 +173,33 @@ void paintIcon(QPainter& painter, const QRectF& rect, CellIcon icon, const QPale
         break;
     }
     painter.restore();
+}
+
+} // namespace
+
+void paintIcon(QPainter& painter, const QRectF& rect, CellIcon icon, const QPalette& palette, bool onSelection) {
+    // A painter that scales, as a printer's does, wants lines and areas.
+    if (painter.transform().type() > QTransform::TxTranslate || !painter.device())
+        return drawIcon(painter, rect, icon, palette, onSelection);
+    const qreal scale = painter.device()->devicePixelRatio();
+    const QString key = QStringLiteral("tavix icon %1 %2 %3 %4 %5 %6")
+                            .arg(static_cast<int>(icon))
+                            .arg(onSelection)
+                            .arg(palette.cacheKey())
+                            .arg(static_cast<int>(palette.currentColorGroup()))
+                            .arg(rect.width())
+                            .arg(scale);
+    QPixmap picture;
+    if (!QPixmapCache::find(key, &picture)) {
+        picture = QPixmap((rect.size() * scale).toSize());
+        picture.setDevicePixelRatio(scale);
+        picture.fill(Qt::transparent);
+        QPainter inside(&picture);
+        drawIcon(inside, QRectF({}, rect.size()), icon, palette, onSelection);
+        inside.end();
+        QPixmapCache::insert(key, picture);
+    }
+    painter.drawPixmap(rect.topLeft(), picture);
 }
 
 QString iconMeaning(CellIcon icon) {

@@ -2,8 +2,10 @@
 #include "base/tests/TempFolder.h"
 #include "nav/CollectionRefresh.h"
 #include "nav/TreeContents.h"
+#include "support/RunScript.h"
 #include "support/SampleRepository.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 namespace tavix {
@@ -92,6 +94,65 @@ TEST_F(TreeContentsOfSample, findTableIsExact) {
     EXPECT_EQ(nullptr, m_tables.FindTable("Warehouse", "crm", "private", "customers", 0));
     EXPECT_EQ(nullptr, m_tables.FindTable("Warehouse", "crm", "public", "Customers", 0));
     EXPECT_EQ(nullptr, m_tables.FindTable("", "", "", "", 0));
+}
+
+// Names that occur more than once along the way, so that each comparison decides something.
+TEST_F(TreeContentsOfSample, findTableWalksCatalogsAndSchemasInTheirOrder) {
+    testing::runScript(m_sample.path, fmt::format(R"(
+        CREATE TEMP TABLE made(catalog, schema, name, object);
+        INSERT INTO made VALUES('a', 's', 't', ''), ('b', 's', 't', ''), ('b', '', 't', ''), ('', 's', 't', ''),
+                               ('', 'b', 't', ''), ('', '', 't', 'shown as'), ('', '', 'shown as', '');
+        INSERT INTO profiled_table(data_source, kind, catalog, schema, name, object_name)
+            SELECT (SELECT id FROM data_source WHERE name = 'Warehouse'), CASE object WHEN '' THEN 'Y' ELSE 'S' END,
+                   catalog, schema, name, object FROM made;
+        INSERT INTO run_table(run, table_id, position, total_records, processed_records, damaged_records, fields,
+                              query, filter, alternate_filter)
+            SELECT {}, id, 100 + id, 0, 0, 0, 0, '', '', '' FROM profiled_table WHERE name IN ('t', 'shown as');)",
+                                                  m_sample.salesRuns.back()));
+    const auto where = [this](const char* first, const char* second, const char* table) -> std::string {
+        const TreeNode* found = m_tables.FindTable("Warehouse", first, second, table, 0);
+        if (!found)
+            return "nothing";
+        return found->table.catalog + "." + found->table.schema + "." + found->table.name + "." +
+               found->table.objectName;
+    };
+    EXPECT_EQ("a.s.t.", where("a", "s", "t"));
+    EXPECT_EQ("b.s.t.", where("b", "s", "t"));
+    EXPECT_EQ(".s.t.", where("", "s", "t"));
+    // The first qualifier names catalogs and the second one schemas, never the other way round.
+    EXPECT_EQ("nothing", where("s", "", "t"));
+    EXPECT_EQ(".b.t.", where("", "b", "t"));
+    EXPECT_EQ("b..t.", where("b", "", "t"));
+    EXPECT_EQ("nothing", where("a", "S", "t"));
+    // A schema without a catalog is on the way whatever the first qualifier is.
+    EXPECT_EQ(".s.t.", where("A", "s", "t"));
+    // What is shown counts: the plain name of a query's table is not.
+    EXPECT_EQ("nothing", where("", "", "t"));
+    EXPECT_EQ("..t.shown as", where("", "", "shown as"));
+}
+
+TEST_F(TreeContentsOfSample, loadedNamesAreFoundOnceAroundTheTree) {
+    const auto next = [this](const TreeNode* from, bool skip, const std::string& name) -> const TreeNode* {
+        return m_tables.FindLoaded(from, skip, [&name](const TreeNode& node) { return node.name == name; });
+    };
+    EXPECT_EQ(nullptr, next(nullptr, false, "customers"));
+    TreeNode* customers = m_tables.FindTable("Warehouse", "crm", "public", "customers", 0);
+    TreeNode* suppliers = m_tables.FindTable("Warehouse", "", "dbo", "suppliers", 0);
+    ASSERT_TRUE(customers && suppliers);
+    EXPECT_EQ(nullptr, next(nullptr, false, "id"));
+    ASSERT_TRUE(m_tables.Fetch(*customers));
+    ASSERT_TRUE(m_tables.Fetch(*suppliers));
+    const TreeNode* first = next(nullptr, false, "id");
+    ASSERT_NE(nullptr, first);
+    EXPECT_EQ(customers, first->parent);
+    EXPECT_EQ(first, next(first, false, "id"));
+    const TreeNode* second = next(first, true, "id");
+    ASSERT_NE(nullptr, second);
+    EXPECT_EQ(suppliers, second->parent);
+    EXPECT_EQ(first, next(second, true, "id"));
+    EXPECT_EQ(suppliers, next(suppliers, true, "suppliers"));
+    EXPECT_EQ(nullptr, next(second, true, "nobody"));
+    EXPECT_EQ(nullptr, next(nullptr, true, "nobody"));
 }
 
 TEST_F(TreeContentsOfSample, aPathIsFoundAgainInAnotherRunWhereTheObjectExists) {

@@ -1,16 +1,16 @@
 #include "nav/ui/CTables.h"
 
 #include "access/PrViewer.h"
-#include "base/GenException.h"
+#include "base/ui/ChoiceMenu.h"
 #include "base/ui/QtText.h"
 #include "doc/CTavixDoc.h"
+#include "doc/CollectionMembers.h"
 #include "nav/CollectionRefresh.h"
-#include "nav/ui/TreeDelegate.h"
+#include "nav/ui/NavigatorTabs.h"
+#include "nav/ui/NavigatorTree.h"
 #include "nav/ui/TreeModel.h"
 
 #include <QStackedWidget>
-#include <QTabBar>
-#include <QTreeView>
 #include <QVBoxLayout>
 
 namespace tavix {
@@ -19,18 +19,7 @@ namespace {
 
 constexpr std::array<const char*, 3> kPageTitles = {"Tables", "Collections", "Redundant Data Analyses"};
 
-// Where there is no room for all titles, the long last one gives way.
-class PageTabs final : public QTabBar {
-  public:
-    using QTabBar::QTabBar;
-
-  protected:
-    QSize minimumTabSizeHint(int index) const override {
-        return index + 1 < count() ? tabSizeHint(index) : QTabBar::minimumTabSizeHint(index);
-    }
-};
-
-void collectExpanded(const QTreeView& view, TreeModel& model, const QModelIndex& parent,
+void collectExpanded(const NavigatorTree& view, TreeModel& model, const QModelIndex& parent,
                      std::vector<TreePath>& expanded) {
     for (int row = 0; row < model.rowCount(parent); ++row) {
         const QModelIndex index = model.index(row, 0, parent);
@@ -44,13 +33,8 @@ void collectExpanded(const QTreeView& view, TreeModel& model, const QModelIndex&
 } // namespace
 
 CTables::CTables(CViewSite& site, QWidget* parent)
-    : QWidget(parent), m_site(site), m_tabs(new PageTabs(this)), m_stack(new QStackedWidget(this)) {
+    : QWidget(parent), m_site(site), m_tabs(new NavigatorTabs(this)), m_stack(new QStackedWidget(this)) {
     setObjectName(QStringLiteral("navigator"));
-    m_tabs->setDocumentMode(true);
-    m_tabs->setDrawBase(false);
-    m_tabs->setExpanding(false);
-    m_tabs->setElideMode(Qt::ElideRight);
-    m_tabs->setUsesScrollButtons(false);
     m_tabs->setAccessibleName(QStringLiteral("Navigator pages"));
     for (std::size_t i = 0; i < m_pages.size(); ++i) {
         const QString title = toQString(kPageTitles[i]);
@@ -75,16 +59,14 @@ CTables::CTables(CViewSite& site, QWidget* parent)
 CTables::~CTables() = default;
 
 CTables::Page CTables::MakePage(NavigatorPage number) {
-    Page made{new TreeModel(number, this), new QTreeView(this)};
+    Page made{new TreeModel(number, this), new NavigatorTree(this)};
     made.view->setObjectName(QStringLiteral("page%1").arg(static_cast<int>(number)));
     made.view->setModel(made.model);
-    made.view->setItemDelegate(new TreeDelegate(made.view));
-    made.view->setHeaderHidden(true);
-    made.view->setUniformRowHeights(true);
-    made.view->setFrameShape(QFrame::NoFrame);
-    made.view->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    made.view->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    made.view->setIndentation(18);
+    QMenu& collections = made.view->GetCollectionMenu();
+    connect(&collections, &QMenu::aboutToShow, this, [this, &collections] {
+        fillChoiceMenu(collections, collectionChoices(m_site.GetTavixDoc()), QStringLiteral("There are no collections"),
+                       [this](int collection) { AddSelectedFieldToCollection(collection); });
+    });
     connect(made.view->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { TellSelection(); });
     connect(made.model, &TreeModel::FetchFailed, this, [this](const QString& text) {
         m_site.GetTavixDoc().GetMessages().warn("The contents of the report cannot be read:\n\n" + toUtf8(text));
@@ -106,27 +88,6 @@ void CTables::SetInternalFocus() {
 
 QWidget* CTables::GetPageControl() const {
     return m_stack->currentWidget();
-}
-
-int CTables::AddSelectedFieldToCollection(int collectionId) {
-    const Page& shown = page(GetPage());
-    const TreeNode* node = shown.model->node(shown.view->currentIndex());
-    const int fieldId = node ? selectionOf(*node).fieldId : -1;
-    if (fieldId == -1)
-        return 0;
-    Messages& messages = m_site.GetTavixDoc().GetMessages();
-    PrViewer& viewer = *m_site.GetTavixDoc().GetViewer();
-    try {
-        if (!viewer.createGlobalCollFieldMapping(collectionId, fieldId)) {
-            messages.warn("Unable to create field collection mapping:\n\n" + viewer.getErrorString().str());
-            return 0;
-        }
-    } catch (const GenException& failure) {
-        messages.warn("Unable to add field to collection:\n\n" + failure.getText().str());
-        return 0;
-    }
-    m_site.GetTavixDoc().CollectionsRefreshed();
-    return 1;
 }
 
 void CTables::Refresh(CRefreshItem*, RefreshHint hint, int) {
@@ -218,6 +179,13 @@ void CTables::SelectSomething() {
         return;
     if (GetPage() == NavigatorPage::Tables)
         SelectNode(shown, shown.model->contents().FindFirstTable());
+}
+
+int CTables::AddSelectedFieldToCollection(int collectionId) {
+    const Page& shown = page(GetPage());
+    const TreeNode* node = shown.model->node(shown.view->currentIndex());
+    const int fieldId = node ? selectionOf(*node).fieldId : -1;
+    return fieldId == -1 ? 0 : addFieldsToCollection(m_site.GetTavixDoc(), collectionId, {&fieldId, 1});
 }
 
 bool CTables::RefreshCollections() {

@@ -11,11 +11,11 @@
 #include <vector>
 
 class QStackedWidget;
-class QTabBar;
-class QTreeView;
 
 namespace tavix {
 
+class NavigatorTabs;
+class NavigatorTree;
 class TreeModel;
 
 /// The navigator: the pages "Tables", "Collections" and "Redundant Data Analyses", each a tree. What is selected is
@@ -49,7 +49,7 @@ class CTables final : public QWidget, public CRefreshItem {
   private:
     struct Page {
         TreeModel* model = nullptr;
-        QTreeView* view = nullptr;
+        NavigatorTree* view = nullptr;
     };
     struct PageState {
         TreePath selected;
@@ -65,7 +65,7 @@ class CTables final : public QWidget, public CRefreshItem {
     bool SelectNode(Page& page, const TreeNode* node);
 
     CViewSite& m_site;
-    QTabBar* m_tabs;
+    NavigatorTabs* m_tabs;
     QStackedWidget* m_stack;
     std::array<Page, 3> m_pages;
     bool m_reloading = false;

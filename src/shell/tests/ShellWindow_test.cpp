@@ -1,7 +1,4 @@
-#include "base/tests/TempFolder.h"
-#include "base/ui/QtText.h"
-#include "shell/ShellWindow.h"
-#include "support/SampleRepository.h"
+#include "shell/tests/ShellOverSample.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -16,34 +13,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using Veldra::Solenne::Tavix::TavixHost;
-
-class RecordedMessages final : public Messages {
-  public:
-    void warn(std::string_view text, std::string_view) override { texts.emplace_back(text); }
-    Answer ask(std::string_view, std::string_view, Answer preset) override { return preset; }
-    std::unique_ptr<Busy> busy() override { return std::make_unique<Busy>(); }
-    std::vector<std::string> texts;
-};
-
-class ShellOverSample : public ::testing::Test {
-  protected:
-    ShellOverSample()
-        : m_sample(tavix::testing::SampleRepository::build(m_folder.file("sample.tavix"))),
-          m_host(m_messages, makeMemorySettings()),
-          m_window(m_host, m_messages) {
-        m_window.show();
-    }
-
-    [[nodiscard]] std::string title() const { return toUtf8(m_window.windowTitle()); }
-    bool open(const std::string& path) { return m_window.openRepository(toQString(path)); }
-
-    tavix::testing::TempFolder m_folder;
-    tavix::testing::SampleRepository m_sample;
-    RecordedMessages m_messages;
-    TavixHost m_host;
-    ShellWindow m_window;
-};
 
 TEST_F(ShellOverSample, aRepositoryShowsItsReportsAndEnterOpensOne) {
     EXPECT_EQ("Tavix", title());

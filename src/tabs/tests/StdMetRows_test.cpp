@@ -1,14 +1,19 @@
 #include "access/PrViewer.h"
 #include "base/Metrics.h"
 #include "base/tests/TempFolder.h"
+#include "support/RunScript.h"
 #include "support/SampleRepository.h"
 #include "tabs/StdMetRows.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
+
+#include <functional>
 
 namespace tavix {
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::StartsWith;
 
 std::vector<MetricDisplay> metrics(const std::vector<MetricId>& shownInOrder) {
@@ -143,6 +148,113 @@ TEST_F(StdMetRowsOfSample, nothingSelectedIsNothing) {
     ASSERT_TRUE(m_rows.Fill(*m_viewer, {}, metrics({MetricId::Mean}), {}));
     EXPECT_EQ(0, m_rows.GetColumnCount());
     EXPECT_EQ(0, m_rows.GetRowCount());
+}
+
+// Alerts are kept by the names of what they watch, so that the identity of the shown table decides, part by part.
+class AlertMarks : public StdMetRowsOfSample {
+  protected:
+    void SetUp() override {
+        StdMetRowsOfSample::SetUp();
+        m_customers.table.dataSource = "Warehouse";
+        m_customers.table.catalog = "crm";
+        m_customers.table.schema = "public";
+    }
+    void alert(const std::string& table, const std::string& field, MetricId metric, const std::string& type = "SM") {
+        testing::runScript(m_sample.path,
+                           fmt::format("INSERT INTO alert(table_id, field, metric, type_code) VALUES({}, {}, {}, '{}')",
+                                       m_sample.tables.at(table), m_sample.fields.at(table + "/" + field),
+                                       static_cast<int>(metric), type));
+    }
+    /// "field:metric id" of every marked cell.
+    std::vector<std::string> marked(const ReportSelection& selection) {
+        EXPECT_TRUE(m_rows.Fill(*m_viewer, selection, metrics({MetricId::Count, MetricId::NullCount}), {}));
+        std::vector<std::string> marks;
+        for (std::int64_t row = 0; row < m_rows.GetRowCount(); ++row) {
+            for (int column = 0; column < m_rows.GetColumnCount(); ++column) {
+                if (m_rows.GetCell(column, row).alertMark)
+                    marks.push_back(fmt::format("{}:{}", m_rows.GetFieldName(row), m_rows.GetColumn(column).parameter));
+            }
+        }
+        return marks;
+    }
+    std::vector<std::string> markedAs(const ReportSelection& base, const std::function<void(TableIdentity&)>& change) {
+        ReportSelection changed = base;
+        change(changed.table);
+        return marked(changed);
+    }
+};
+
+TEST_F(AlertMarks, markTheCellOfTheirFieldAndMetric) {
+    EXPECT_THAT(marked(m_customers), ElementsAre());
+    alert("customers", "id", MetricId::Count);
+    alert("customers", "name", MetricId::NullCount);
+    alert("customers", "name", MetricId::NullCount);
+    alert("customers", "since", MetricId::Mean); // not among the shown metrics
+    alert("customers", "city", MetricId::Count, "CM");
+    alert("customers", "city", MetricId::NullCount, "BR");
+    testing::runScript(m_sample.path, fmt::format("INSERT INTO alert(table_id, type_code) VALUES({}, 'SM')",
+                                                  m_sample.tables.at("customers")));
+    EXPECT_THAT(marked(m_customers), ElementsAre("id:0", "name:2"));
+}
+
+TEST_F(AlertMarks, belongToTheTableOfTheSameIdentityOnly) {
+    alert("customers", "id", MetricId::Count);
+    ASSERT_THAT(marked(m_customers), ElementsAre("id:0"));
+    const std::vector<std::function<void(TableIdentity&)>> nearMisses = {
+        [](TableIdentity& table) { table.kind = 'S'; },
+        [](TableIdentity& table) { table.kind = 'D'; },
+        [](TableIdentity& table) { table.kind = '?'; },
+        [](TableIdentity& table) { table.dataSource = "warehouse"; },
+        [](TableIdentity& table) { table.catalog.clear(); },
+        [](TableIdentity& table) { table.catalog = "CRM"; },
+        [](TableIdentity& table) { table.schema.clear(); },
+        [](TableIdentity& table) { table.schema = "public "; },
+        [](TableIdentity& table) { table.name = "customer"; },
+        [](TableIdentity& table) { table.objectName = "customers"; },
+    };
+    for (std::size_t i = 0; i < nearMisses.size(); ++i)
+        EXPECT_THAT(markedAs(m_customers, nearMisses[i]), ElementsAre()) << i;
+}
+
+TEST_F(AlertMarks, anEmptyCatalogOrSchemaMatchesOnlyAnEmptyOne) {
+    ReportSelection orders = m_customers;
+    orders.table = {};
+    orders.table.id = m_sample.tables.at("orders");
+    orders.table.dataSource = "Warehouse";
+    orders.table.name = "orders";
+    alert("orders", "note", MetricId::NullCount);
+    EXPECT_THAT(marked(orders), ElementsAre("note:2"));
+    EXPECT_THAT(markedAs(orders, [](TableIdentity& table) { table.catalog = "crm"; }), ElementsAre());
+    EXPECT_THAT(markedAs(orders, [](TableIdentity& table) { table.schema = "public"; }), ElementsAre());
+}
+
+TEST_F(AlertMarks, tellAQueryAndAFilterFromTheTableBelow) {
+    alert("german customers", "id", MetricId::Count);
+    EXPECT_THAT(marked(m_customers), ElementsAre());
+    ReportSelection german = m_customers;
+    german.table.id = m_sample.tables.at("german customers");
+    german.table.kind = 'D';
+    german.table.objectName = "german customers";
+    EXPECT_THAT(marked(german), ElementsAre("id:0"));
+    EXPECT_THAT(markedAs(german, [](TableIdentity& table) { table.objectName.clear(); }), ElementsAre());
+    EXPECT_THAT(markedAs(german, [](TableIdentity& table) { table.kind = 'Y'; }), ElementsAre());
+
+    alert("big orders", "amount", MetricId::NullCount);
+    ReportSelection big = m_customers;
+    big.table = {};
+    big.table.id = m_sample.tables.at("big orders");
+    big.table.kind = 'S';
+    big.table.dataSource = "Warehouse";
+    big.table.objectName = "big orders";
+    EXPECT_THAT(marked(big), ElementsAre("amount:2"));
+}
+
+TEST_F(AlertMarks, areNotDrawnForACollection) {
+    alert("customers", "id", MetricId::Count);
+    ReportSelection keys = m_keys;
+    keys.table = m_customers.table;
+    EXPECT_THAT(marked(keys), ElementsAre());
+    ASSERT_GT(m_rows.GetRowCount(), 0);
 }
 
 } // namespace

@@ -1,9 +1,11 @@
 #include "tabs/ui/CTabStdMet.h"
 
 #include "access/PrViewer.h"
+#include "base/ui/ChoiceMenu.h"
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
 #include "doc/CTavixDoc.h"
+#include "doc/CollectionMembers.h"
 #include "doc/CountText.h"
 #include "grid/ui/CUGCtrl.h"
 
@@ -38,7 +40,8 @@ CTabStdMet::CTabStdMet(CViewSite& site, QWidget* parent)
       m_detail(new QLabel(this)),
       m_stack(new QStackedWidget(this)),
       m_grid(new CUGCtrl(this)),
-      m_note(new QLabel(this)) {
+      m_note(new QLabel(this)),
+      m_collectionMenu(new QMenu(QStringLiteral("&Add to Collection"), this)) {
     setObjectName(QStringLiteral("standardMetrics"));
     QFont titleFont = font();
     titleFont.setPointSizeF(titleFont.pointSizeF() * 1.25);
@@ -52,6 +55,8 @@ CTabStdMet::CTabStdMet(CViewSite& site, QWidget* parent)
     m_note->setAlignment(Qt::AlignCenter);
     m_note->setWordWrap(true);
     m_grid->setAccessibleName(QStringLiteral("Standard metrics"));
+    m_grid->addAction(m_collectionMenu->menuAction());
+    connect(m_collectionMenu, &QMenu::aboutToShow, this, &CTabStdMet::FillCollectionMenu);
     m_stack->addWidget(m_grid);
     m_stack->addWidget(m_note);
 
@@ -97,6 +102,10 @@ void CTabStdMet::ShowSelection() {
 void CTabStdMet::Fill() {
     CTavixDoc& document = m_site.GetTavixDoc();
     const std::unique_ptr<Messages::Busy> busy = document.GetMessages().busy();
+    // Rows that are read anew keep the one that the user was at.
+    const std::int64_t currentRow = m_grid->GetCurrentRow();
+    const bool sameRows = currentRow >= 0 && showsSameRows(m_shown, m_site.GetSelection());
+    const int currentField = sameRows ? m_rows.GetFieldId(currentRow) : -1;
     KeepWidths();
     m_grid->SetSource(nullptr);
     m_shown = m_site.GetSelection();
@@ -125,6 +134,8 @@ void CTabStdMet::Fill() {
     m_stack->setCurrentWidget(note.empty() ? static_cast<QWidget*>(m_grid) : m_note);
     ShowHeader();
     SelectField();
+    if (const std::int64_t row = m_rows.FindField(currentField); row >= 0)
+        m_grid->SelectRow(row);
 }
 
 void CTabStdMet::ShowHeader() {
@@ -156,6 +167,22 @@ void CTabStdMet::KeepWidths() {
         else
             m_widths.erase(column.heading);
     }
+}
+
+std::vector<int> CTabStdMet::SelectedFields() const {
+    std::vector<int> fields;
+    for (const std::int64_t row : m_grid->GetSelectedRows())
+        fields.push_back(m_rows.GetFieldId(row));
+    return fields;
+}
+
+void CTabStdMet::FillCollectionMenu() {
+    const std::vector<int> fields = SelectedFields();
+    if (fields.empty())
+        return fillChoiceMenu(*m_collectionMenu, {}, QStringLiteral("No field is selected"), {});
+    CTavixDoc& document = m_site.GetTavixDoc();
+    fillChoiceMenu(*m_collectionMenu, collectionChoices(document), QStringLiteral("There are no collections"),
+                   [&document, fields](int collection) { addFieldsToCollection(document, collection, fields); });
 }
 
 } // namespace tavix

@@ -9,6 +9,7 @@
 #include <map>
 
 class QLabel;
+class QMenu;
 class QStackedWidget;
 
 namespace tavix {
@@ -32,6 +33,8 @@ class CTabStdMet final : public QWidget, public CRefreshItem {
     void ShowHeader();
     void SelectField();
     void KeepWidths();
+    [[nodiscard]] std::vector<int> SelectedFields() const;
+    void FillCollectionMenu();
 
     CViewSite& m_site;
     StdMetRows m_rows;
@@ -41,6 +44,7 @@ class CTabStdMet final : public QWidget, public CRefreshItem {
     QStackedWidget* m_stack;
     CUGCtrl* m_grid;
     QLabel* m_note;
+    QMenu* m_collectionMenu;
     std::map<std::string, int> m_widths; ///< what the user dragged, by heading
 };
 

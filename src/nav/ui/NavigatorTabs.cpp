@@ -1,0 +1,77 @@
+#include "nav/ui/NavigatorTabs.h"
+
+#include <QStyleOptionTab>
+#include <QStylePainter>
+
+#include <algorithm>
+
+namespace tavix {
+
+namespace {
+
+// On each side of a title.
+constexpr int kMostPadding = 12;
+constexpr int kLeastPadding = 4;
+
+} // namespace
+
+NavigatorTabs::NavigatorTabs(QWidget* parent) : QTabBar(parent) {
+    setDocumentMode(true);
+    setDrawBase(false);
+    setExpanding(false);
+    setElideMode(Qt::ElideRight);
+    setUsesScrollButtons(false);
+}
+
+int NavigatorTabs::TextWidth(int index) const {
+    return fontMetrics().horizontalAdvance(tabText(index));
+}
+
+int NavigatorTabs::Padding() const {
+    int texts = 0;
+    for (int i = 0; i < count(); ++i)
+        texts += TextWidth(i);
+    return count() == 0 ? kMostPadding : std::clamp((width() - texts) / (2 * count()), kLeastPadding, kMostPadding);
+}
+
+QSize NavigatorTabs::tabSizeHint(int index) const {
+    return {TextWidth(index) + 2 * Padding(), QTabBar::tabSizeHint(index).height()};
+}
+
+QSize NavigatorTabs::minimumTabSizeHint(int index) const {
+    int longest = 0;
+    for (int i = 0; i < count(); ++i)
+        longest = TextWidth(i) > TextWidth(longest) ? i : longest;
+    return index == longest ? QTabBar::minimumTabSizeHint(index) : tabSizeHint(index);
+}
+
+bool NavigatorTabs::IsCut() const {
+    for (int i = 0; i < count(); ++i) {
+        if (tabRect(i).width() < TextWidth(i) + 2 * kLeastPadding)
+            return true;
+    }
+    return false;
+}
+
+// The style would cut a title that does not leave the style's own space free.
+void NavigatorTabs::paintEvent(QPaintEvent*) {
+    QStylePainter painter(this);
+    for (int i = 0; i < count(); ++i) {
+        QStyleOptionTab option;
+        initStyleOption(&option, i);
+        option.rect = tabRect(i);
+        painter.drawControl(QStyle::CE_TabBarTabShape, option);
+        const QRect room = option.rect.adjusted(kLeastPadding, 0, -kLeastPadding, 0);
+        const QString title = fontMetrics().elidedText(tabText(i), Qt::ElideRight, room.width());
+        painter.drawItemText(room, Qt::AlignCenter | Qt::TextSingleLine, palette(), isEnabled(), title,
+                             foregroundRole());
+        if (i == currentIndex() && hasFocus()) {
+            QStyleOptionFocusRect focus;
+            focus.initFrom(this);
+            focus.rect = option.rect.adjusted(1, 1, -1, -2);
+            painter.drawPrimitive(QStyle::PE_FrameFocusRect, focus);
+        }
+    }
+}
+
+} // namespace tavix

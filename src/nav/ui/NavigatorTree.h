@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QTreeView>
+
+class QAction;
+class QMenu;
+
+namespace tavix {
+
+class TreeModel;
+
+/// The tree of one page of the navigator. Typing finds a name among the nodes that are loaded, opened or not; Ctrl+C
+/// copies the name of the current node. Its context menu also adds a field to a collection.
+class NavigatorTree final : public QTreeView {
+    Q_OBJECT
+  public:
+    explicit NavigatorTree(QWidget* parent = nullptr);
+
+    void keyboardSearch(const QString& typed) override;
+    /// The submenu is shown for fields; who connects to its aboutToShow fills it.
+    [[nodiscard]] QMenu& GetCollectionMenu() { return *m_collectionMenu; }
+    void CopyName() const;
+
+  protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+  private:
+    [[nodiscard]] TreeModel* Model() const;
+
+    QMenu* m_collectionMenu;
+    QAction* m_copy;
+    QString m_typed;
+    QElapsedTimer m_sinceTyped;
+};
+
+} // namespace tavix

@@ -1,0 +1,164 @@
+#include "base/tests/ScriptedMessages.h"
+#include "base/tests/TempFolder.h"
+#include "base/ui/QtText.h"
+#include "doc/CTavixDoc.h"
+#include "nav/ui/CTables.h"
+#include "nav/ui/NavigatorTabs.h"
+#include "nav/ui/NavigatorTree.h"
+#include "support/SampleRepository.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QMenu>
+#include <QTest>
+
+#include <gmock/gmock.h>
+
+namespace tavix {
+namespace {
+
+using ::testing::ElementsAre;
+
+/// The frame around the navigator: what was selected, and refreshes passed on to it.
+class Site final : public CViewSite, public DocumentFrame {
+  public:
+    Site(SettingsStore& settings, Messages& messages) : document(*this, settings, messages) {}
+
+    CTavixDoc& GetTavixDoc() override { return document; }
+    [[nodiscard]] bool IsLoading() const override { return false; }
+    [[nodiscard]] NavigatorPage GetMode() const override { return mode; }
+    [[nodiscard]] const ReportSelection& GetSelection() const override { return selection; }
+    void SelectionChanged(NavigatorPage page, const ReportSelection& now) override {
+        mode = page;
+        selection = now;
+    }
+    void Broadcast(CRefreshItem*, RefreshHint hint, int) override { Broadcast(hint); }
+    void SetLoading(bool) override {}
+    void Broadcast(RefreshHint hint) override {
+        if (navigator)
+            navigator->Refresh(nullptr, hint, 0);
+    }
+
+    CTables* navigator = nullptr;
+    NavigatorPage mode = NavigatorPage::Tables;
+    ReportSelection selection;
+    CTavixDoc document;
+};
+
+class NavigatorOverSample : public ::testing::Test {
+  protected:
+    NavigatorOverSample() {
+        m_site.navigator = &m_navigator;
+        m_navigator.resize(320, 600);
+        m_navigator.show();
+    }
+    ~NavigatorOverSample() override { m_site.navigator = nullptr; }
+    void SetUp() override {
+        ASSERT_TRUE(m_site.document.OpenReport(m_sample.path, m_sample.salesJob));
+        m_site.Broadcast(RefreshHint::RunLoaded);
+    }
+
+    [[nodiscard]] NavigatorTree& tree(int page = 0) {
+        return *m_navigator.findChild<NavigatorTree*>(QStringLiteral("page%1").arg(page));
+    }
+    [[nodiscard]] std::string current(int page = 0) { return toUtf8(tree(page).currentIndex().data().toString()); }
+    /// Opens customers and selects its field in that row.
+    void selectFieldOfCustomers(int row) {
+        ASSERT_TRUE(m_navigator.SelectTable("Warehouse", "crm", "public", "customers", 0));
+        const QModelIndex table = tree().currentIndex();
+        tree().expand(table);
+        tree().setCurrentIndex(tree().model()->index(row, 0, table));
+        ASSERT_NE(-1, m_site.selection.fieldId);
+    }
+    [[nodiscard]] int fieldsOfFirstCollection() {
+        QAbstractItemModel& model = *tree(1).model();
+        const QModelIndex first = model.index(0, 0);
+        if (model.canFetchMore(first))
+            model.fetchMore(first);
+        return model.rowCount(first);
+    }
+    [[nodiscard]] std::vector<std::string> membership() {
+        return m_site.document.GetCollectionsOfField(m_sample.tables.at("customers"),
+                                                     m_sample.fields.at("customers/name"));
+    }
+
+    testing::TempFolder m_folder;
+    testing::SampleRepository m_sample = testing::SampleRepository::build(m_folder.file("sample.tavix"));
+    std::unique_ptr<SettingsStore> m_settings = makeMemorySettings();
+    testing::ScriptedMessages m_messages;
+    Site m_site{*m_settings, m_messages};
+    CTables m_navigator{m_site};
+};
+
+TEST_F(NavigatorOverSample, pageTitlesAreWholeWhereThereIsRoomAndToldInAnyCase) {
+    auto* tabs = m_navigator.findChild<NavigatorTabs*>();
+    ASSERT_EQ(3, tabs->count());
+    EXPECT_EQ("Tables", toUtf8(tabs->tabText(0)));
+    EXPECT_EQ("Collections", toUtf8(tabs->tabText(1)));
+    EXPECT_EQ("Redundant Data Analyses", toUtf8(tabs->tabText(2)));
+    EXPECT_EQ("Redundant Data Analyses", toUtf8(tabs->tabToolTip(2)));
+    EXPECT_FALSE(tabs->IsCut());
+    EXPECT_LE(tabs->tabRect(2).right(), tabs->width());
+    m_navigator.resize(160, 600);
+    EXPECT_TRUE(tabs->IsCut());
+    EXPECT_GE(tabs->tabRect(0).width(), tabs->fontMetrics().horizontalAdvance(QStringLiteral("Tables")));
+}
+
+TEST_F(NavigatorOverSample, theSelectedFieldGoesIntoACollectionAndThePageShowsIt) {
+    const int amounts = m_sample.collections.at("Amounts");
+    EXPECT_EQ(0, m_navigator.AddSelectedFieldToCollection(amounts));
+    ASSERT_TRUE(m_navigator.SelectTable("Warehouse", "crm", "public", "customers", 0));
+    EXPECT_EQ(0, m_navigator.AddSelectedFieldToCollection(amounts));
+
+    selectFieldOfCustomers(1);
+    ASSERT_EQ("name", m_site.selection.fieldName);
+    EXPECT_EQ(1, m_navigator.AddSelectedFieldToCollection(amounts));
+    EXPECT_THAT(membership(), ElementsAre("Amounts"));
+    EXPECT_EQ("name", current());
+    EXPECT_EQ(3, fieldsOfFirstCollection());
+
+    m_messages.expectWarn("Unable to create field collection mapping:\n\nThe collection has this field already.");
+    EXPECT_EQ(0, m_navigator.AddSelectedFieldToCollection(amounts));
+    EXPECT_EQ(3, fieldsOfFirstCollection());
+}
+
+TEST_F(NavigatorOverSample, theMenuOfAFieldListsTheCollections) {
+    selectFieldOfCustomers(1);
+    QMenu& menu = tree().GetCollectionMenu();
+    Q_EMIT menu.aboutToShow();
+    std::vector<std::string> names;
+    for (const QAction* action : menu.actions())
+        names.push_back(toUtf8(action->text()));
+    ASSERT_THAT(names, ElementsAre("Amounts", "Customer keys"));
+    menu.actions().at(1)->trigger();
+    EXPECT_THAT(membership(), ElementsAre("Customer keys"));
+}
+
+TEST_F(NavigatorOverSample, typingFindsLoadedNamesOpenedOrNotAndCopyTakesTheName) {
+    selectFieldOfCustomers(1);
+    tree().collapseAll();
+    tree().setCurrentIndex(tree().model()->index(0, 0));
+    tree().setFocus();
+    QTest::keyClicks(&tree(), QStringLiteral("BALA"));
+    EXPECT_EQ("balance", current());
+    EXPECT_TRUE(tree().isExpanded(tree().currentIndex().parent()));
+    QTest::keyClick(&tree(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ("balance", toUtf8(QApplication::clipboard()->text()));
+    // Fields of tables that nobody opened are not fetched for a search.
+    QTest::keyClicks(&tree(), QStringLiteral("zzz"));
+    EXPECT_EQ("balance", current());
+}
+
+TEST_F(NavigatorOverSample, selectTableOpensTheWayAndAFailureSelectsNothing) {
+    m_navigator.ShowPage(NavigatorPage::Collections);
+    ASSERT_TRUE(m_navigator.SelectTable("/data/files", "", "", "airports", 4));
+    EXPECT_EQ(NavigatorPage::Tables, m_navigator.GetPage());
+    EXPECT_EQ("airports", current());
+    EXPECT_TRUE(tree().isExpanded(tree().currentIndex().parent()));
+    EXPECT_FALSE(m_navigator.SelectTable("/data/files", "", "", "airports", 0));
+    EXPECT_EQ("", current());
+    EXPECT_EQ(ReportSelection::Kind::Nothing, m_site.selection.kind);
+}
+
+} // namespace
+} // namespace tavix

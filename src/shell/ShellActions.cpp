@@ -1,0 +1,183 @@
+#include "shell/ShellActions.h"
+
+#include "base/ui/QtText.h"
+#include "shell/ShellIcons.h"
+#include "shell/ShellState.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QToolBar>
+#include <QToolButton>
+
+#include <algorithm>
+
+namespace tavix::shell {
+
+using Veldra::Solenne::Tavix::TavixCommandInfo;
+using Veldra::Solenne::Tavix::TavixHost;
+using Veldra::Solenne::Tavix::TavixRunInfo;
+
+ShellActions::ShellActions(QMainWindow& window, TavixHost& host, ShellState& state)
+    : QObject(&window), m_window(window), m_host(host), m_state(state) {
+    makeActions();
+    makeToolBar();
+    // A narrow window puts what it has no room for behind these buttons, which Qt leaves without words.
+    for (auto* more : window.findChildren<QToolButton*>()) {
+        if (more->objectName() == QLatin1String("qt_menubar_ext_button") ||
+            more->objectName() == QLatin1String("qt_toolbar_ext_button"))
+            more->setAccessibleName(QStringLiteral("More"));
+    }
+}
+
+void ShellActions::makeActions() {
+    QMenu* file = m_window.menuBar()->addMenu(QStringLiteral("&File"));
+    m_open = file->addAction(shellIcon(ShellIcon::Open), QStringLiteral("&Open Repository..."), QKeySequence::Open,
+                             this, &ShellActions::openRequested);
+    m_open->setIconText(QStringLiteral(" Open"));
+    m_recentMenu = file->addMenu(QStringLiteral("Open &Recent"));
+    connect(m_recentMenu, &QMenu::aboutToShow, this, &ShellActions::fillRecent);
+    file->addSeparator();
+    m_reportsAction = file->addAction(shellIcon(ShellIcon::Reports), QStringLiteral("Reports of the Repositor&y"),
+                                      QKeySequence(Qt::CTRL | Qt::Key_J), this, &ShellActions::reportsRequested);
+    m_reportsAction->setIconText(QStringLiteral(" Reports"));
+    m_reloadAction = file->addAction(shellIcon(ShellIcon::Reload), QStringLiteral("Re&load"), QKeySequence(Qt::Key_F5),
+                                     this, &ShellActions::reloadRequested);
+    m_reloadAction->setIconText(QStringLiteral(" Reload"));
+    file->addSeparator();
+    file->addAction(QStringLiteral("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), &m_window, &QWidget::close);
+
+    QMenu* report = m_window.menuBar()->addMenu(QStringLiteral("&Report"));
+    for (const TavixCommandInfo& info : TavixHost::GetCommands()) {
+        QAction* action = report->addAction(toQString(info.Text), this, [this, id = info.Id] {
+            m_host.ExecuteCommand(id);
+            Q_EMIT changed();
+        });
+        action->setData(info.Id);
+        action->setStatusTip(toQString(info.StatusText));
+        m_commands.push_back(action);
+    }
+    command(CommandId::Options)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    command(CommandId::Options)->setIcon(shellIcon(ShellIcon::Options));
+    command(CommandId::Options)->setIconText(QStringLiteral(" Options"));
+    command(CommandId::DeleteHistory)->setIcon(shellIcon(ShellIcon::DeleteHistory));
+    report->addSeparator();
+    const auto step = [this](int by) {
+        const int row = m_runs->currentIndex() + by;
+        if (row >= 0 && row < m_runs->count())
+            chooseRun(row);
+    };
+    m_runActions[0] =
+        report->addAction(QStringLiteral("&Newer Run"), QKeySequence(Qt::ALT | Qt::Key_Up), this, [step] { step(-1); });
+    m_runActions[1] = report->addAction(QStringLiteral("Ol&der Run"), QKeySequence(Qt::ALT | Qt::Key_Down), this,
+                                        [step] { step(1); });
+    connect(report, &QMenu::aboutToShow, this, [this] { update(m_repositoryOpen, m_reportShown); });
+
+    QMenu* help = m_window.menuBar()->addMenu(QStringLiteral("&Help"));
+    help->addAction(QStringLiteral("&About Tavix"), this, [this] {
+        QMessageBox::about(&m_window, QStringLiteral("About Tavix"),
+                           QStringLiteral("<h3>Tavix %1</h3><p>Looks at data profiles: what tables hold, field by "
+                                          "field.</p><p>Free software under the GNU General Public License, version 3 "
+                                          "or later.</p>")
+                               .arg(QStringLiteral(TAVIX_VERSION)));
+    });
+}
+
+QAction* ShellActions::command(CommandId id) {
+    const auto found = std::find_if(m_commands.begin(), m_commands.end(), [id](const QAction* action) {
+        return action->data().toInt() == static_cast<int>(id);
+    });
+    return *found;
+}
+
+void ShellActions::makeToolBar() {
+    QToolBar* bar = m_window.addToolBar(QStringLiteral("Main"));
+    bar->setObjectName(QStringLiteral("mainToolBar"));
+    bar->setMovable(false);
+    bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    bar->setIconSize({18, 18});
+    bar->setContextMenuPolicy(Qt::PreventContextMenu);
+    bar->addAction(m_open);
+    bar->addAction(m_reportsAction);
+    bar->addAction(m_reloadAction);
+    auto* space = new QWidget(bar);
+    space->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    bar->addWidget(space);
+    auto* label = new QLabel(QStringLiteral("R&un:  "), bar);
+    bar->addWidget(label);
+    m_runs = new QComboBox(bar);
+    m_runs->setAccessibleName(QStringLiteral("Run"));
+    m_runs->setToolTip(QStringLiteral("The run whose figures are shown"));
+    m_runs->setMinimumWidth(300);
+    m_runs->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    m_runs->setMaximumWidth(460);
+    label->setBuddy(m_runs);
+    connect(m_runs, &QComboBox::activated, this, &ShellActions::chooseRun);
+    bar->addWidget(m_runs);
+    bar->addSeparator();
+    bar->addAction(command(CommandId::Options));
+}
+
+void ShellActions::fillRecent() {
+    m_recentMenu->clear();
+    for (const std::string& path : m_state.recentRepositories()) {
+        const QString file = toQString(path);
+        m_recentMenu->addAction(QString(file).replace(u'&', QStringLiteral("&&")), this,
+                                [this, file] { Q_EMIT repositoryChosen(file); });
+    }
+    if (m_recentMenu->isEmpty())
+        m_recentMenu->addAction(QStringLiteral("None yet"))->setEnabled(false);
+}
+
+void ShellActions::fillRuns() {
+    std::vector<TavixRunInfo> runs = m_host.GetJobRuns();
+    std::stable_sort(runs.begin(), runs.end(), [](const TavixRunInfo& a, const TavixRunInfo& b) {
+        return a.DateObject != b.DateObject ? a.DateObject > b.DateObject : a.ID > b.ID;
+    });
+    m_runs->clear();
+    for (const TavixRunInfo& run : runs) {
+        const QString date = toQString(run.Date);
+        m_runs->addItem(run.Description.empty()
+                            ? date
+                            : QStringLiteral("%1  ·  %2").arg(date, toQString(run.Description).simplified()),
+                        run.ID);
+    }
+    m_runs->setCurrentIndex(m_runs->findData(m_host.GetCurrentRun()));
+}
+
+void ShellActions::chooseRun(int index) {
+    m_host.SetCurrentRun(m_runs->itemData(index).toInt());
+    // A run that could not be loaded leaves the old one current.
+    m_runs->setCurrentIndex(m_runs->findData(m_host.GetCurrentRun()));
+    Q_EMIT changed();
+}
+
+void ShellActions::update(bool repositoryOpen, bool reportShown) {
+    m_repositoryOpen = repositoryOpen;
+    m_reportShown = reportShown;
+    if (!m_host.HasReport())
+        m_runs->clear();
+    m_reportsAction->setEnabled(repositoryOpen);
+    m_reloadAction->setEnabled(repositoryOpen);
+    m_runs->setEnabled(reportShown && m_runs->count() > 0);
+    for (QAction* action : m_commands) {
+        const int id = action->data().toInt();
+        const auto state = m_host.ExecuteUpdateUICommand(id);
+        action->setEnabled(state.Enabled && (reportShown || id == static_cast<int>(CommandId::Options)));
+    }
+    m_runActions[0]->setEnabled(reportShown && m_runs->currentIndex() > 0);
+    m_runActions[1]->setEnabled(reportShown && m_runs->currentIndex() + 1 < m_runs->count());
+}
+
+QString ShellActions::currentRun() const {
+    return m_runs->currentText();
+}
+
+int ShellActions::runCount() const {
+    return m_runs->count();
+}
+
+} // namespace tavix::shell

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "host/TavixHost.h"
+
+#include <QObject>
+
+#include <vector>
+
+class QAction;
+class QComboBox;
+class QMainWindow;
+class QMenu;
+
+namespace tavix::shell {
+
+class ShellState;
+
+/// The menus and the toolbar of the shell's window: its own actions, the commands of the viewer, and the runs.
+class ShellActions final : public QObject {
+    Q_OBJECT
+  public:
+    /// All must outlive the actions, of which the window becomes the parent.
+    ShellActions(QMainWindow& window, Veldra::Solenne::Tavix::TavixHost& host, ShellState& state);
+
+    /// Enables what can be done now.
+    void update(bool repositoryOpen, bool reportShown);
+    /// Lists the host's runs, the newest first.
+    void fillRuns();
+    /// As it is listed; "" without one.
+    [[nodiscard]] QString currentRun() const;
+    [[nodiscard]] int runCount() const;
+
+  Q_SIGNALS:
+    void openRequested();
+    void repositoryChosen(const QString& path);
+    void reportsRequested();
+    void reloadRequested();
+    /// A command of the viewer was carried out, or another run was chosen.
+    void changed();
+
+  private:
+    void makeActions();
+    void makeToolBar();
+    void fillRecent();
+    void chooseRun(int index);
+    QAction* command(CommandId id);
+
+    QMainWindow& m_window;
+    Veldra::Solenne::Tavix::TavixHost& m_host;
+    ShellState& m_state;
+    bool m_repositoryOpen = false;
+    bool m_reportShown = false;
+    QMenu* m_recentMenu = nullptr;
+    QAction* m_open = nullptr;
+    QAction* m_reportsAction = nullptr;
+    QAction* m_reloadAction = nullptr;
+    std::vector<QAction*> m_commands;
+    QAction* m_runActions[2] = {};
+    QComboBox* m_runs = nullptr;
+};
+
+} // namespace tavix::shell
