@@ -107,7 +107,9 @@ class FileConnection final : public TavixConnection {
 /// A window that is on the (offscreen) screen, without a report.
 class Window : private QObject {
   public:
-    Window() : m_host(m_messages, makeMemorySettings()), m_view(Veldra::Solenne::Tavix::TavixQtWindow::Build(m_host, nullptr)) {
+    Window()
+        : m_host(m_messages, makeMemorySettings()),
+          m_view(Veldra::Solenne::Tavix::TavixQtWindow::Build(m_host, nullptr)) {
         m_view->resize(1280, 800);
         m_view->show();
         tree().viewport()->installEventFilter(this);

@@ -74,7 +74,6 @@ bool TavixHost::ConvertMessage(const NativeMessage& message) {
     if (!event)
         return false;
     QWidget* focused = View()->focusWidget() ? View()->focusWidget() : View()->GetFirstTabStop();
-    event->setAccepted(false);
     QCoreApplication::sendEvent(focused, event.get());
     return event->isAccepted();
 }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cstring>
 
 namespace tavix::profiling {
 
@@ -29,7 +28,7 @@ std::uint64_t keyOf(double value) {
 /// The first eight bytes, so that most comparisons never touch the text.
 std::uint64_t prefixOf(std::string_view text) {
     std::array<char, 8> bytes{};
-    std::memcpy(bytes.data(), text.data(), std::min(text.size(), bytes.size()));
+    std::copy_n(text.data(), std::min(text.size(), bytes.size()), bytes.data());
     std::uint64_t word = 0;
     for (const char byte : bytes)
         word = word << 8 | static_cast<unsigned char>(byte);

@@ -58,7 +58,7 @@ class ShellWindow final : public QMainWindow {
     std::string m_repository; ///< "" while none is open
     std::vector<Veldra::Solenne::Tavix::TavixReportInfo> m_reports;
     int m_jobId = -1;
-    int m_runsChanged = 0;   ///< the tokens of our handlers
+    int m_runsChanged = 0; ///< the tokens of our handlers
     int m_deleteHistory = 0;
 
     ShellActions* m_actions;

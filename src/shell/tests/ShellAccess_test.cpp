@@ -8,6 +8,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDropEvent>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -18,6 +19,7 @@
 #include <QTabBar>
 #include <QTableView>
 #include <QTest>
+#include <QTimer>
 #include <QTreeView>
 
 #include <gmock/gmock.h>
@@ -151,6 +153,49 @@ TEST_F(ShellAccess, theKeysLeadFromReportsToRunsAndBack) {
     EXPECT_EQ(m_sample.salesRuns.at(1), m_host.GetCurrentRun());
     press(Qt::Key_J, Qt::ControlModifier);
     EXPECT_EQ("sample.tavix - Tavix", title());
+    EXPECT_THAT(m_messages.texts, ElementsAre());
+}
+
+// Whoever has no mouse opens a context menu with a key; it adds what is selected to a collection.
+TEST_F(ShellAccess, contextMenusOpenWithAKeyAndAddFieldsToCollections) {
+    openSales();
+    const auto chooseSecondCollection = [](QWidget* widget) {
+        std::vector<std::string> entries;
+        QTimer::singleShot(0, qApp, [&entries] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            if (!menu)
+                return;
+            for (const QAction* action : menu->actions())
+                entries.push_back(toUtf8(action->text()));
+            QMenu* collections = menu->actions().front()->menu();
+            if (collections) {
+                Q_EMIT collections->aboutToShow();
+                collections->actions().at(1)->trigger();
+            }
+            menu->close();
+        });
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(1, 1), widget->mapToGlobal(QPoint(1, 1)));
+        QApplication::sendEvent(widget, &event);
+        return entries;
+    };
+    const auto collectionsOfRow = [this](int row) { return toUtf8(grid()->model()->index(row, 1).data().toString()); };
+    ASSERT_EQ("name", toUtf8(grid()->model()->index(1, 0).data().toString()));
+    EXPECT_EQ("", collectionsOfRow(1));
+
+    grid()->setFocus();
+    grid()->selectRow(1);
+    QTest::keyClick(grid(), Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ("&Add to Collection", chooseSecondCollection(grid()).at(0));
+    EXPECT_EQ("Customer keys", collectionsOfRow(1));
+    EXPECT_EQ("Amounts, Customer keys", collectionsOfRow(2));
+    EXPECT_EQ("", collectionsOfRow(3));
+
+    const QModelIndex table = tree()->currentIndex();
+    EXPECT_THAT(chooseSecondCollection(tree()), ElementsAre("&Copy Name"));
+    tree()->expand(table);
+    tree()->setCurrentIndex(tree()->model()->index(3, 0, table));
+    EXPECT_THAT(chooseSecondCollection(tree()), ElementsAre("&Add to Collection", "&Copy Name"));
+    EXPECT_EQ("Customer keys", collectionsOfRow(3));
     EXPECT_THAT(m_messages.texts, ElementsAre());
 }
 
