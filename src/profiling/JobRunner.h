@@ -53,7 +53,8 @@ struct RunOptions {
 };
 
 /// Profiles every table of the job and stores the result as one new run in the repository at `repositoryPath`, which
-/// is made when it does not exist. On an error or a cancellation the repository is as it was.
+/// is made when it does not exist. On an error or a cancellation nothing of the run is kept; a repository that was made
+/// for it stays, empty.
 [[nodiscard]] Result<RunOutcome> runJob(const JobDescription& job, const std::string& repositoryPath,
                                         const RunOptions& options = {});
 

@@ -7,6 +7,7 @@
 #include "doc/CTavixDoc.h"
 #include "doc/CollectionMembers.h"
 #include "doc/CountText.h"
+#include "doc/Settings.h"
 #include "grid/ui/CUGCtrl.h"
 
 #include <QHBoxLayout>
@@ -111,6 +112,7 @@ void CTabStdMet::Fill() {
     const bool sameRows = currentRow >= 0 && showsSameRows(m_shown, m_site.GetSelection());
     const int currentField = sameRows ? m_rows.GetFieldId(currentRow) : -1;
     KeepWidths();
+    m_grid->setFont(toQFont(readStatFont(document.GetSettings()), font()));
     m_grid->SetSource(nullptr);
     m_shown = m_site.GetSelection();
     m_rows.Clear();

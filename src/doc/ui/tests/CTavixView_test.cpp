@@ -10,6 +10,7 @@
 #include <QPlainTextEdit>
 #include <QStackedWidget>
 #include <QTabBar>
+#include <QTableView>
 #include <QTest>
 #include <QToolButton>
 
@@ -171,6 +172,17 @@ TEST_F(ViewOverSample, aNarrowWindowAndAWideNavigatorLeaveNoPaneBelowNothing) {
             EXPECT_GE(spans()[static_cast<std::size_t>(number)], 0);
     }
     EXPECT_THAT(spans(), ElementsAre(0, 0, 5, 0, 4, 0));
+}
+
+TEST_F(ViewOverSample, figuresAreShownInTheFontThatWasChosen) {
+    ASSERT_TRUE(load());
+    SettingsStore& settings = m_view->GetTavixDoc().GetSettings();
+    ASSERT_TRUE(settings.write("TAVIX", "StatFontSize", "145"));
+    ASSERT_TRUE(settings.write("TAVIX", "StatFontIsBold", "y"));
+    m_view->Broadcast(RefreshHint::OptionsChanged);
+    const QFont font = pane("standardMetrics")->findChild<QTableView*>()->font();
+    EXPECT_DOUBLE_EQ(font.pointSizeF(), 14.5);
+    EXPECT_TRUE(font.bold());
 }
 
 TEST_F(ViewOverSample, paneOrderOfHintsCommandsKeyboardAndEnd) {
