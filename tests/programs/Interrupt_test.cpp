@@ -55,7 +55,7 @@ TEST(Interrupt, EndsWithFourAndKeepsNothingOfTheRun) {
     EXPECT_THAT(files, ::testing::UnorderedElementsAre("r.tavix", "small.csv", "big.csv"));
 }
 
-TEST(Interrupt, ANewRepositoryIsNotLeftBehind) {
+TEST(Interrupt, ANewRepositoryHoldsNoJob) {
     const TempFolder folder;
     writeBigTable(folder.file("big.csv"));
     Program program(tavixCommand({"profile", folder.file("big.csv"), "-R", folder.file("new.tavix")}));
