@@ -20,8 +20,8 @@ struct TableIdentity {
     std::string baseTable;  ///< not empty for a filter-based table
     std::string query;
     std::string filter;
-    std::int64_t totalRecords = 0;
-    std::int64_t processedRecords = 0;
+    std::int64_t totalRecords = 0;     ///< -1 when it is not known
+    std::int64_t processedRecords = 0; ///< -1 when it is not known
 
     /// The object name, else the plain name.
     [[nodiscard]] const std::string& displayName() const { return objectName.empty() ? name : objectName; }

@@ -38,7 +38,11 @@ class Lines {
         m_text += value;
         m_text += kLineEnd;
     }
-    void add(std::string_view label, std::int64_t value) { add(label, formatInteger(value)); }
+    /// A number that is not known has no line.
+    void add(std::string_view label, std::int64_t value) {
+        if (value >= 0)
+            add(label, formatInteger(value));
+    }
     [[nodiscard]] const std::string& text() const { return m_text; }
 
   private:

@@ -5,6 +5,7 @@
 #include "base/GenException.h"
 #include "base/NumberText.h"
 #include "doc/CountText.h"
+#include "doc/FieldRecords.h"
 
 namespace tavix {
 
@@ -45,27 +46,6 @@ TreeNode& enter(TreeNode& parent, TreeNodeKind kind, const std::string& name) {
 }
 
 } // namespace
-
-TableIdentity readTable(const ProfileCursor& cursor, const std::string& dataSource) {
-    using namespace layout;
-    TableIdentity table;
-    const std::string kind = text(cursor, TableKindLetter);
-    table.kind = kind.empty() ? 'Y' : kind.front();
-    table.id = cursor.getColumnInt(TableId);
-    table.dataSource = dataSource;
-    table.catalog = text(cursor, TableCatalog);
-    table.schema = text(cursor, TableSchema);
-    table.name = text(cursor, TableName);
-    table.objectName = text(cursor, TableObjectName);
-    table.baseTable = text(cursor, TableBase);
-    table.query = text(cursor, TableQuery);
-    table.filter = text(cursor, TableFilter);
-    if (table.filter.empty())
-        table.filter = text(cursor, TableAlternateFilter);
-    table.totalRecords = count(cursor, TableTotalRecords);
-    table.processedRecords = count(cursor, TableProcessedRecords);
-    return table;
-}
 
 namespace {
 

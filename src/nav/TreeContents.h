@@ -100,8 +100,6 @@ class TreeContents {
     std::string m_error;
 };
 
-/// The table of the row at which a list of tables stands.
-[[nodiscard]] TableIdentity readTable(const ProfileCursor& cursor, const std::string& dataSource);
 /// What the node tells beside its name: "3,376", "10 fields", a field's type; "" for nothing.
 [[nodiscard]] std::string countText(const TreeNode& node);
 /// What is selected when this node is.

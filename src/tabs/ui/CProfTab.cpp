@@ -1,0 +1,33 @@
+#include "tabs/ui/CProfTab.h"
+
+namespace tavix {
+
+CProfTab::CProfTab(CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent)
+    : QWidget(parent), m_site(site), m_subject(subject), m_isTornOff(isTornOff) {}
+
+void CProfTab::SubjectChanged() {
+    MakeStale();
+}
+
+void CProfTab::Refresh(CRefreshItem*, RefreshHint hint, int) {
+    if (RefillsOn(hint))
+        MakeStale();
+}
+
+void CProfTab::MakeStale() {
+    m_isStale = true;
+    if (!isVisible())
+        return;
+    m_isStale = false;
+    const bool same = isSameObject(m_filledFor, m_subject.selection);
+    m_filledFor = m_subject.selection;
+    Fill(same);
+}
+
+void CProfTab::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (m_isStale)
+        MakeStale();
+}
+
+} // namespace tavix
