@@ -28,7 +28,12 @@ enum class CellIcon : std::uint8_t {
     Catalog,
     Schema,
     Collection,
+    BeyondFence,    ///< an outlier; stands at the cell's right edge, so that the values stay in line
+    FarBeyondFence, ///< an extreme outlier; likewise
 };
+
+/// A cell without a bar.
+inline constexpr double kNoBar = -1;
 
 struct GridCell {
     std::string text; ///< UTF-8
@@ -36,6 +41,7 @@ struct GridCell {
     CellState state = CellState::Ordinary;
     CellIcon icon = CellIcon::None;
     bool alertMark = false;
+    double bar = kNoBar; ///< the share of the cell's width that a bar behind the text takes, 0 to 1; none below 0
 
     bool operator==(const GridCell&) const = default;
 };

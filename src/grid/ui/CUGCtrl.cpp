@@ -143,6 +143,14 @@ void CUGCtrl::SetColumnWidths(const std::vector<int>& widths) {
         setColumnWidth(column, Scaled(std::clamp(widths[static_cast<std::size_t>(column)], 20, 4000)));
 }
 
+void CUGCtrl::SetShowsInvisible(bool shows) {
+    m_showsInvisible = shows;
+    for (QTableView* view : {static_cast<QTableView*>(this), m_locked}) {
+        static_cast<CellDelegate*>(view->itemDelegate())->setShowsInvisible(shows);
+        view->viewport()->update();
+    }
+}
+
 std::int64_t CUGCtrl::GetCurrentRow() const {
     return currentIndex().isValid() ? currentIndex().row() : -1;
 }

@@ -30,6 +30,10 @@ class CUGCtrl final : public QTableView {
     /// Entries beyond the columns are ignored; columns beyond the entries keep the source's width.
     void SetColumnWidths(const std::vector<int>& widths);
 
+    /// Whether characters without a mark of their own are drawn as signs. What is copied stays as it is.
+    void SetShowsInvisible(bool shows);
+    [[nodiscard]] bool ShowsInvisible() const { return m_showsInvisible; }
+
     /// -1 without one.
     [[nodiscard]] std::int64_t GetCurrentRow() const;
     void SelectRow(std::int64_t row);
@@ -69,6 +73,7 @@ class CUGCtrl final : public QTableView {
     QTableView* m_locked; ///< the locked columns again, over the scrolled ones
     int m_sortColumn = -1;
     bool m_sortDescending = false;
+    bool m_showsInvisible = false;
     QString m_typed;
     QElapsedTimer m_sinceTyped;
 };

@@ -2,6 +2,7 @@
 
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
+#include "grid/InvisibleText.h"
 #include "grid/ui/GridModel.h"
 #include "grid/ui/Icons.h"
 #include "grid/ui/Tints.h"
@@ -12,6 +13,7 @@
 #include <QToolTip>
 
 #include <algorithm>
+#include <cmath>
 
 namespace tavix {
 
@@ -20,16 +22,30 @@ namespace {
 constexpr int kPadding = 8;
 constexpr int kIconGap = 6;
 constexpr int kAlertCorner = 7;
+constexpr int kBarMargin = 2;
 // A cell shows one line; more of a long value is neither measured nor drawn.
 constexpr std::size_t kShownBytes = 512;
 
+bool breaksLine(QChar c) {
+    return (c >= u'\t' && c <= u'\r') || c == QChar(0x85) || c == QChar::LineSeparator ||
+           c == QChar::ParagraphSeparator;
+}
+
 QString singleLine(const std::string& text) {
     QString line = toQString(std::string_view(text).substr(0, kShownBytes));
-    for (QChar& c : line) {
-        if (c == QLatin1Char('\n') || c == QLatin1Char('\r') || c == QLatin1Char('\t'))
-            c = QLatin1Char(' ');
-    }
+    std::replace_if(line.begin(), line.end(), breaksLine, QChar(u' '));
     return line;
+}
+
+bool isAtRightEdge(CellIcon icon) {
+    return icon == CellIcon::BeyondFence || icon == CellIcon::FarBeyondFence;
+}
+
+// From the left; a share that is not nothing is seen, however small.
+QRect barRect(const QRect& rect, double share) {
+    const QRect room = rect.adjusted(kBarMargin, kBarMargin, -kBarMargin, -kBarMargin);
+    const int width = static_cast<int>(std::ceil(std::min(share, 1.0) * room.width()));
+    return {room.left(), room.top(), width, room.height()};
 }
 
 struct CellGeometry {
@@ -42,7 +58,10 @@ CellGeometry layOut(const QRect& rect, const GridCell& cell) {
     if (cell.icon == CellIcon::None)
         return geometry;
     const int top = rect.top() + (rect.height() - kIconSize) / 2;
-    if (cell.text.empty()) {
+    if (isAtRightEdge(cell.icon)) {
+        geometry.icon = QRect(rect.right() - kPadding - kIconSize + 3, top, kIconSize, kIconSize);
+        geometry.text.setRight(geometry.icon.left() - kIconGap);
+    } else if (cell.text.empty()) {
         geometry.icon = QRect(rect.left() + (rect.width() - kIconSize) / 2, top, kIconSize, kIconSize);
     } else {
         geometry.icon = QRect(rect.left() + kPadding - 2, top, kIconSize, kIconSize);
@@ -53,6 +72,12 @@ CellGeometry layOut(const QRect& rect, const GridCell& cell) {
 
 } // namespace
 
+// What stands for null or for an unknown figure is no text of the data.
+QString CellDelegate::shownText(const GridCell& cell) const {
+    return m_showsInvisible && cell.state == CellState::Ordinary ? toQString(showInvisible(cell.text, kShownBytes))
+                                                                 : singleLine(cell.text);
+}
+
 void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
     const GridCell cell = m_model.cell(index);
     const QPalette& colors = option.palette;
@@ -60,12 +85,12 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     painter->save();
     painter->setClipRect(option.rect);
 
-    if (selected)
-        painter->fillRect(option.rect, colors.color(QPalette::Highlight));
-    else if (option.features.testFlag(QStyleOptionViewItem::Alternate))
-        painter->fillRect(option.rect, colors.color(QPalette::AlternateBase));
-    else
-        painter->fillRect(option.rect, colors.color(QPalette::Base));
+    const bool alternate = option.features.testFlag(QStyleOptionViewItem::Alternate);
+    const QColor background =
+        colors.color(selected ? QPalette::Highlight : (alternate ? QPalette::AlternateBase : QPalette::Base));
+    painter->fillRect(option.rect, background);
+    if (cell.bar >= 0)
+        painter->fillRect(barRect(option.rect, cell.bar), tint::bar(colors, background, selected));
 
     const CellGeometry geometry = layOut(option.rect, cell);
     if (cell.icon != CellIcon::None)
@@ -86,7 +111,7 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     }
     painter->setFont(font);
     painter->setPen(textColor);
-    const QString text = singleLine(cell.text);
+    const QString text = shownText(cell);
     painter->drawText(geometry.text, static_cast<int>(toQtAlignment(cell.alignment)) | Qt::TextSingleLine,
                       QFontMetrics(font).elidedText(text, Qt::ElideRight, geometry.text.width()));
 
@@ -104,7 +129,7 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
 QSize CellDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
     const GridCell cell = m_model.cell(index);
     const int icon = cell.icon == CellIcon::None ? 0 : kIconSize + kIconGap;
-    return {2 * kPadding + icon + option.fontMetrics.horizontalAdvance(singleLine(cell.text)),
+    return {2 * kPadding + icon + option.fontMetrics.horizontalAdvance(shownText(cell)),
             std::max(kIconSize, option.fontMetrics.height()) + 8};
 }
 
@@ -116,8 +141,11 @@ bool CellDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const Q
     const QRect textRect = layOut(option.rect, cell).text;
     QStringList lines;
     // A value with markup in it is shown as the text it is.
-    if (option.fontMetrics.horizontalAdvance(singleLine(cell.text)) > textRect.width())
-        lines << toQString(std::string_view(cell.text).substr(0, 4 * kShownBytes)).toHtmlEscaped();
+    if (option.fontMetrics.horizontalAdvance(shownText(cell)) > textRect.width())
+        lines << (m_showsInvisible && cell.state == CellState::Ordinary
+                      ? toQString(showInvisible(cell.text, 4 * kShownBytes))
+                      : toQString(std::string_view(cell.text).substr(0, 4 * kShownBytes)))
+                     .toHtmlEscaped();
     if (const QString meaning = iconMeaning(cell.icon); !meaning.isEmpty())
         lines << meaning;
     if (cell.alertMark)

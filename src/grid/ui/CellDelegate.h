@@ -6,12 +6,14 @@ namespace tavix {
 
 class GridModel;
 
-/// Draws a cell from one fetch: picture, text, the look of null and unknown, the alert corner. The tooltip shows what
-/// does not fit.
+/// Draws a cell from one fetch: bar, picture, text, the look of null and unknown, the alert corner. The tooltip shows
+/// what does not fit.
 class CellDelegate final : public QStyledItemDelegate {
     Q_OBJECT
   public:
     CellDelegate(const GridModel& model, QObject* parent) : QStyledItemDelegate(parent), m_model(model) {}
+
+    void setShowsInvisible(bool shows) { m_showsInvisible = shows; }
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
@@ -19,7 +21,10 @@ class CellDelegate final : public QStyledItemDelegate {
                    const QModelIndex& index) override;
 
   private:
+    [[nodiscard]] QString shownText(const GridCell& cell) const;
+
     const GridModel& m_model;
+    bool m_showsInvisible = false;
 };
 
 } // namespace tavix

@@ -109,6 +109,15 @@ class IconPainter {
         m_painter.drawEllipse(QPointF(10, 8), 4.5, 4.5);
     }
 
+    // A point beyond a line, or beyond two.
+    void beyond(int fences) {
+        stroke(m_warm, 1.3);
+        for (int fence = 0; fence < fences; ++fence)
+            m_painter.drawLine(QPointF(4.5 + 3 * fence, 3), QPointF(4.5 + 3 * fence, 13));
+        fill(m_warm);
+        m_painter.drawEllipse(QPointF(12, 8), 2.2, 2.2);
+    }
+
   private:
     void stroke(const QColor& color, double width = 1.1) {
         m_painter.setPen(QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
@@ -171,6 +180,12 @@ void drawIcon(QPainter& painter, const QRectF& rect, CellIcon icon, const QPalet
     case CellIcon::Collection:
         draw.collection();
         break;
+    case CellIcon::BeyondFence:
+        draw.beyond(1);
+        break;
+    case CellIcon::FarBeyondFence:
+        draw.beyond(2);
+        break;
     }
     painter.restore();
 }
@@ -227,6 +242,10 @@ QString iconMeaning(CellIcon icon) {
         return QStringLiteral("Schema");
     case CellIcon::Collection:
         return QStringLiteral("Collection");
+    case CellIcon::BeyondFence:
+        return QStringLiteral("Beyond 1.5 times the interquartile range");
+    case CellIcon::FarBeyondFence:
+        return QStringLiteral("Beyond 3 times the interquartile range");
     }
     return {};
 }

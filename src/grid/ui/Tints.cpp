@@ -12,6 +12,15 @@ QColor alert(const QPalette& palette) {
     return isDark(palette) ? QColor(255, 122, 89) : QColor(217, 72, 38);
 }
 
+QColor bar(const QPalette& palette, const QColor& background, bool onSelection) {
+    // Text on the selection's colour stays legible only on one that is farther from it.
+    if (onSelection) {
+        const bool lightText = palette.color(QPalette::HighlightedText).lightness() > 127;
+        return mixed(background, QColor(lightText ? Qt::black : Qt::white), 0.22);
+    }
+    return mixed(background, accent(palette), isDark(palette) ? 0.32 : 0.20);
+}
+
 QColor accent(const QPalette& palette) {
     return isDark(palette) ? QColor(110, 168, 254) : QColor(37, 99, 200);
 }

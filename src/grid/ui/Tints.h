@@ -10,6 +10,8 @@ namespace tavix::tint {
 [[nodiscard]] QColor line(const QPalette& palette);
 /// Marks a figure that an alert watches.
 [[nodiscard]] QColor alert(const QPalette& palette);
+/// A bar behind the text of a cell, on the colour that the cell is filled with. Text keeps its contrast upon it.
+[[nodiscard]] QColor bar(const QPalette& palette, const QColor& background, bool onSelection);
 /// The colour of small pictures.
 [[nodiscard]] QColor accent(const QPalette& palette);
 [[nodiscard]] QColor accentWarm(const QPalette& palette);

@@ -1,0 +1,87 @@
+#include "grid/InvisibleText.h"
+
+#include <unicode/uchar.h>
+#include <unicode/utf8.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace tavix {
+
+namespace {
+
+constexpr std::string_view kBlank = "·";
+constexpr std::string_view kTab = "→";
+constexpr std::string_view kNoBreakSpace = "⍽";
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+constexpr UChar32 kDelete = 0x7F;
+constexpr UChar32 kPictures = 0x2400;
+constexpr UChar32 kDeletePicture = 0x2421;
+constexpr UChar32 kBrailleBlank = 0x2800;
+
+void append(std::string& text, UChar32 character) {
+    char bytes[U8_MAX_LENGTH];
+    std::int32_t length = 0;
+    U8_APPEND_UNSAFE(bytes, length, character);
+    text.append(bytes, static_cast<std::size_t>(length));
+}
+
+// Everything without a mark of its own beyond ASCII. Some format characters, as the Arabic number signs, have one.
+bool isInvisible(UChar32 character) {
+    switch (u_charType(character)) {
+    case U_SPACE_SEPARATOR:
+    case U_LINE_SEPARATOR:
+    case U_PARAGRAPH_SEPARATOR:
+    case U_CONTROL_CHAR:
+        return true;
+    case U_FORMAT_CHAR:
+        return u_hasBinaryProperty(character, UCHAR_PREPENDED_CONCATENATION_MARK) == 0;
+    default:
+        return u_hasBinaryProperty(character, UCHAR_DEFAULT_IGNORABLE_CODE_POINT) != 0 || character == kBrailleBlank;
+    }
+}
+
+void appendVisible(std::string& text, UChar32 character) {
+    if (character == '\t')
+        text += kTab;
+    else if (character < ' ')
+        append(text, kPictures + character);
+    else if (character < kDelete)
+        text += static_cast<char>(character);
+    else if (character == kDelete)
+        append(text, kDeletePicture);
+    else if (character == 0xA0)
+        text += kNoBreakSpace;
+    else if (isInvisible(character))
+        text += fmt::format("‹U+{:04X}›", static_cast<std::uint32_t>(character));
+    else
+        append(text, character);
+}
+
+} // namespace
+
+std::string showInvisible(std::string_view text, std::size_t mostBytes) {
+    const std::size_t leading = std::min(text.find_first_not_of(' '), text.size());
+    const std::size_t trailing = leading == text.size() ? leading : text.find_last_not_of(' ') + 1;
+    const std::size_t end = std::min(text.size(), mostBytes);
+    std::string shown;
+    shown.reserve(end);
+    // The character that the end cuts through is looked at as a whole.
+    const auto size = static_cast<std::int64_t>(text.size());
+    for (std::int64_t at = 0; at < static_cast<std::int64_t>(end);) {
+        const auto start = static_cast<std::size_t>(at);
+        UChar32 character = 0;
+        U8_NEXT(text.data(), at, size, character);
+        if (character < 0)
+            shown += kReplacement;
+        else if (character == ' ' && (start < leading || start >= trailing))
+            shown += kBlank;
+        else
+            appendVisible(shown, character);
+    }
+    return shown;
+}
+
+} // namespace tavix

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "grid/CUGDataSource.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavix {
+
+/// What stands for a null value, in state Null.
+inline constexpr std::string_view kNullValue = "(null value)";
+/// What a list shows, in state Unknown, of a field for which its figures were not calculated.
+inline constexpr std::string_view kNotCalculated = "(Not calculated)";
+
+/// Rows of a list that are held in memory. A class derived from it keeps one record for each row, in the order in which
+/// they were read, and makes cells of them when they are asked for; this one keeps the order on the screen. A row's key
+/// is the index of its record.
+class ListRows : public CUGDataSource {
+  public:
+    /// Why the last filling failed, as it is to be shown; "" when it did not.
+    [[nodiscard]] const std::string& GetErrorText() const { return m_error; }
+    /// A sentence that says why there are no rows; "" when there are.
+    [[nodiscard]] std::string GetEmptyText() const;
+    /// The one row is a message in the first column and stands for nothing.
+    [[nodiscard]] bool IsPlaceholder() const { return m_isPlaceholder; }
+
+    [[nodiscard]] int GetColumnCount() const override { return static_cast<int>(m_columns.size()); }
+    [[nodiscard]] std::int64_t GetRowCount() const override { return static_cast<std::int64_t>(m_order.size()); }
+    [[nodiscard]] GridColumn GetColumn(int column) const override;
+    [[nodiscard]] GridCell GetCell(int column, std::int64_t row) const override;
+    [[nodiscard]] std::int64_t GetRowKey(std::int64_t row) const override { return Record(row); }
+    /// Numbers by value, then texts; equal rows stay in their order.
+    bool Sort(int column, bool descending) override;
+
+  protected:
+    static constexpr std::int64_t kNoPin = -1;
+
+    /// `columns` may be none until ShowColumns() is called; `emptyText` is what GetEmptyText() says.
+    ListRows(std::span<const GridColumn> columns, std::string_view emptyText);
+
+    void ShowColumns(std::vector<GridColumn> columns) { m_columns = std::move(columns); }
+    void SetEmptyText(std::string_view text) { m_emptyText = text; }
+    /// There are `count` records now. The pinned one stays last whenever the rows are sorted by the first column.
+    void ShowRecords(std::size_t count, std::int64_t pinned = kNoPin);
+    void ShowPlaceholder();
+    /// Keeps the rows and the reason, after a lead-in and a blank line; false.
+    bool Fail(std::string_view leadIn, std::string_view reason);
+    /// The index of the record that a row shows.
+    [[nodiscard]] std::uint32_t Record(std::int64_t row) const { return m_order.at(static_cast<std::size_t>(row)); }
+
+  private:
+    [[nodiscard]] virtual GridCell CellOf(int column, std::size_t record) const = 0;
+
+    std::vector<GridColumn> m_columns;
+    std::vector<std::uint32_t> m_order;
+    std::int64_t m_pinned = kNoPin;
+    bool m_isPlaceholder = false;
+    std::string m_emptyText;
+    std::string m_error;
+};
+
+/// A cell of text; null is shown as kNullValue.
+[[nodiscard]] GridCell valueCell(const class KvbString& value, CellAlignment alignment = CellAlignment::Left);
+
+} // namespace tavix
