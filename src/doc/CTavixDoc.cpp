@@ -202,6 +202,11 @@ void CTavixDoc::ApplyOptions(std::vector<MetricDisplay> metrics, const Status& s
     m_frame.Broadcast(RefreshHint::OptionsChanged);
 }
 
+int CTavixDoc::TabOf(ReportPaneKind view, NavigatorPage mode) const {
+    const auto open = m_tabs.find({view, mode});
+    return open == m_tabs.end() ? -1 : open->second;
+}
+
 bool CTavixDoc::PostLoadCheck() {
     return !m_tasks || !HasReport() || m_tasks->Restore();
 }

@@ -4,7 +4,9 @@
 #include "base/Messages.h"
 #include "base/SettingsStore.h"
 #include "doc/CRefreshItem.h"
+#include "doc/ItemCode.h"
 #include "doc/MetricDisplay.h"
+#include "doc/ReportSelection.h"
 #include "doc/RunInfo.h"
 
 #include <array>
@@ -113,12 +115,18 @@ class CTavixDoc {
     [[nodiscard]] std::vector<int> ShownMetrics() const { return shownMetrics(m_metrics); }
     [[nodiscard]] const ReportFilterState& GetFilterState() const { return m_filter; }
     void SetFilterState(ReportFilterState state) { m_filter = std::move(state); }
+    /// The tab that was open last in views of that kind on the tables page; -1 when none was.
+    [[nodiscard]] int GetTab(ReportPaneKind view) const { return TabOf(view, NavigatorPage::Tables); }
+    /// The same for the collections page.
+    [[nodiscard]] int GetCollectionTab(ReportPaneKind view) const { return TabOf(view, NavigatorPage::Collections); }
+    void SetTab(ReportPaneKind view, NavigatorPage mode, int tabIndex) { m_tabs[{view, mode}] = tabIndex; }
     /// The session; null without a report.
     [[nodiscard]] PrViewer* GetViewer() const { return m_viewer.get(); }
     [[nodiscard]] SettingsStore& GetSettings() const { return m_settings; }
     [[nodiscard]] Messages& GetMessages() const { return m_messages; }
 
   private:
+    [[nodiscard]] int TabOf(ReportPaneKind view, NavigatorPage mode) const;
     void Warn(std::string_view leadIn, std::string_view libraryText) const;
     bool SetUp(PrViewer& viewer, int jobId);
     void LoadMetricDisplayList(const PrViewer& viewer);
@@ -139,7 +147,8 @@ class CTavixDoc {
     std::string m_folderPath;
     std::vector<MetricDisplay> m_metrics;
     ReportFilterState m_filter;
-    std::map<int, CollectionsByField> m_collections; ///< by table id
+    std::map<std::pair<ReportPaneKind, NavigatorPage>, int> m_tabs; ///< the tab that was open last
+    std::map<int, CollectionsByField> m_collections;                ///< by table id
 };
 
 } // namespace tavix

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "doc/CRefreshItem.h"
+#include "doc/NavigateRequest.h"
 #include "doc/ReportSelection.h"
 
 namespace tavix {
@@ -19,6 +20,12 @@ class CViewSite {
     [[nodiscard]] virtual const ReportSelection& GetSelection() const = 0;
     /// The navigator has another selection or shows another page.
     virtual void SelectionChanged(NavigatorPage page, const ReportSelection& selection) = 0;
+    /// Selects a field of the selected table or collection; false when it has none of that id.
+    virtual bool SelectField(int fieldId) = 0;
+    /// Goes to a figure of a table; false, without a message, when there is no such table.
+    virtual bool Navigate(const NavigateRequest& request) = 0;
+    /// What is known about the table or field, for a dialog; "" when it is neither or cannot be read.
+    [[nodiscard]] virtual std::string GetDetailsText(const ReportSelection& selection) = 0;
     /// Tells every pane but the sender.
     virtual void Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) = 0;
 };

@@ -33,6 +33,7 @@ enum class CommandId {
     WidenNavigator = 40004,
     NarrowTableInformation = 40005,
     WidenTableInformation = 40006,
+    ShowInvisible = 40007,
 };
 
 } // namespace tavix

@@ -1,9 +1,8 @@
 #include "grid/InvisibleText.h"
 
+#include <fmt/format.h>
 #include <unicode/uchar.h>
 #include <unicode/utf8.h>
-
-#include <fmt/format.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -68,12 +67,13 @@ std::string showInvisible(std::string_view text, std::size_t mostBytes) {
     const std::size_t end = std::min(text.size(), mostBytes);
     std::string shown;
     shown.reserve(end);
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
     // The character that the end cuts through is looked at as a whole.
     const auto size = static_cast<std::int64_t>(text.size());
     for (std::int64_t at = 0; at < static_cast<std::int64_t>(end);) {
         const auto start = static_cast<std::size_t>(at);
         UChar32 character = 0;
-        U8_NEXT(text.data(), at, size, character);
+        U8_NEXT(bytes, at, size, character);
         if (character < 0)
             shown += kReplacement;
         else if (character == ' ' && (start < leading || start >= trailing))

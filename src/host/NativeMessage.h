@@ -17,6 +17,7 @@ inline constexpr std::uint32_t SystemKeyDown = 0x0104; ///< a key with Alt held;
 inline constexpr std::uint32_t SystemKeyUp = 0x0105;   ///< a key with Alt held; WParam: the key
 inline constexpr std::uint32_t Command = 0x0111;       ///< WParam: a command number
 inline constexpr std::uint32_t LastTabStop = 32771;    ///< Result: not 0 when the report pane has a last tab stop
+inline constexpr std::uint32_t CloseTableInformation = 32772; ///< closes the pane; handled also when it is not open
 } // namespace NativeMessageId
 
 /// The numbers of keys. Letters and digits have the number of their upper-case ASCII character, the function keys F1

@@ -94,6 +94,9 @@ bool TavixHost::WndProc(NativeMessage& message) {
     case NativeMessageId::LastTabStop:
         message.Result = View()->GetLastTabStop() != View()->GetFirstTabStop();
         return true;
+    case NativeMessageId::CloseTableInformation:
+        View()->OnCloseTableInformation();
+        return true;
     default:
         return ConvertMessage(message);
     }

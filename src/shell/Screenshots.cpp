@@ -22,10 +22,12 @@ namespace {
 
 // Longer than what the viewer puts off until a report is on the screen.
 constexpr int kSettleMilliseconds = 500;
+// Enough for what was clicked to be laid out and painted.
+constexpr int kPaintMilliseconds = 60;
 
-void settle() {
+void settle(int milliseconds = kSettleMilliseconds) {
     QEventLoop loop;
-    QTimer::singleShot(kSettleMilliseconds, &loop, &QEventLoop::quit);
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
     loop.exec();
 }
 
@@ -79,19 +81,46 @@ void pressDown(QWidget& widget) {
     QApplication::sendEvent(&widget, &press);
 }
 
+QString fileName(const QString& caption) {
+    QString name;
+    for (const QChar c : caption.toLower()) {
+        if (c.isLetterOrNumber())
+            name += c;
+        else if (!name.endsWith(u'-'))
+            name += u'-';
+    }
+    return name;
+}
+
+// Every tab of the view that is showing.
+void takeTabs(ShellWindow& window, Album& album, const QString& name) {
+    const auto* pane = window.findChild<QWidget*>(QStringLiteral("reportPane"));
+    auto* strip = pane ? pane->findChild<QTabBar*>(QStringLiteral("tabStrip")) : nullptr;
+    for (int tab = 0; strip && tab < strip->count(); ++tab) {
+        strip->setCurrentIndex(tab);
+        settle(kPaintMilliseconds);
+        album.take(window, QStringLiteral("%1-%2-%3").arg(name).arg(tab + 1).arg(fileName(strip->tabText(tab))));
+    }
+    if (strip)
+        strip->setCurrentIndex(0);
+}
+
 void takeNavigatorPages(ShellWindow& window, Album& album) {
     auto* navigator = window.findChild<QWidget*>(QStringLiteral("navigator"));
     auto* tabs = navigator ? navigator->findChild<QTabBar*>() : nullptr;
     if (!tabs)
         return;
-    tabs->setCurrentIndex(1);
-    if (auto* tree = navigator->findChild<QTreeView*>(QStringLiteral("page1"))) {
-        tree->setFocus();
-        tree->setCurrentIndex(tree->model()->index(0, 0));
-        tree->expand(tree->currentIndex());
+    takeTabs(window, album, QStringLiteral("table"));
+    for (const int page : {2, 1}) {
+        tabs->setCurrentIndex(page);
+        if (auto* tree = navigator->findChild<QTreeView*>(QStringLiteral("page%1").arg(page))) {
+            tree->setFocus();
+            tree->setCurrentIndex(tree->model()->index(0, 0));
+            tree->expand(tree->currentIndex());
+        }
+        settle(kPaintMilliseconds);
+        album.take(window, page == 1 ? QStringLiteral("collection") : QStringLiteral("analyses"));
     }
-    settle();
-    album.take(window, QStringLiteral("collection"));
     tabs->setCurrentIndex(0);
     if (auto* tree = navigator->findChild<QTreeView*>(QStringLiteral("page0"))) {
         tree->setFocus();
@@ -99,8 +128,8 @@ void takeNavigatorPages(ShellWindow& window, Album& album) {
         for (int i = 0; i < 3; ++i)
             pressDown(*tree);
     }
-    settle();
-    album.take(window, QStringLiteral("field"));
+    settle(kPaintMilliseconds);
+    takeTabs(window, album, QStringLiteral("field"));
 }
 
 } // namespace
@@ -123,7 +152,6 @@ bool takeScreenshots(ShellWindow& window, Veldra::Solenne::Tavix::TavixHost& hos
     if (!window.showReport())
         return album.ok();
     settle();
-    album.take(window, QStringLiteral("table"));
     takeNavigatorPages(window, album);
     if (!host.ExecuteUpdateUICommand(static_cast<int>(CommandId::ToggleTableInformation)).Checked)
         host.ExecuteCommand(static_cast<int>(CommandId::ToggleTableInformation));

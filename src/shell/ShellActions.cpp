@@ -5,7 +5,9 @@
 #include "shell/ShellState.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QComboBox>
+#include <QEvent>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMenuBar>
@@ -23,13 +25,15 @@ using Veldra::Solenne::Tavix::TavixRunInfo;
 
 namespace {
 
-bool isAboutPanes(int commandId) {
+bool isAboutView(int commandId) {
     switch (static_cast<CommandId>(commandId)) {
     case CommandId::ToggleTableInformation:
     case CommandId::NarrowNavigator:
     case CommandId::WidenNavigator:
     case CommandId::NarrowTableInformation:
     case CommandId::WidenTableInformation:
+    case CommandId::ShowInvisible:
+    case CommandId::DetachTabs:
         return true;
     default:
         return false;
@@ -42,6 +46,7 @@ ShellActions::ShellActions(QMainWindow& window, TavixHost& host, ShellState& sta
     : QObject(&window), m_window(window), m_host(host), m_state(state) {
     makeActions();
     makeToolBar();
+    qApp->installEventFilter(this);
     // A narrow window puts what it has no room for behind these buttons, which Qt leaves without words.
     for (auto* more : window.findChildren<QToolButton*>()) {
         if (more->objectName() == QLatin1String("qt_menubar_ext_button") ||
@@ -70,7 +75,7 @@ void ShellActions::makeActions() {
     QMenu* report = m_window.menuBar()->addMenu(QStringLiteral("&Report"));
     QMenu* view = m_window.menuBar()->addMenu(QStringLiteral("&View"));
     for (const TavixCommandInfo& info : TavixHost::GetCommands()) {
-        QMenu* menu = isAboutPanes(info.Id) ? view : report;
+        QMenu* menu = isAboutView(info.Id) ? view : report;
         QAction* action = menu->addAction(toQString(info.Text), this, [this, id = info.Id] {
             m_host.ExecuteCommand(id);
             Q_EMIT changed();
@@ -81,6 +86,12 @@ void ShellActions::makeActions() {
     }
     command(CommandId::ToggleTableInformation)->setCheckable(true);
     command(CommandId::ToggleTableInformation)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
+    command(CommandId::ShowInvisible)->setCheckable(true);
+    command(CommandId::ShowInvisible)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_I));
+    command(CommandId::DetachTabs)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_D));
+    // One of the two at a time is enabled.
+    for (const CommandId note : {CommandId::AddTableNote, CommandId::AddFieldNote})
+        command(note)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N));
     command(CommandId::NarrowNavigator)->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Left));
     command(CommandId::WidenNavigator)->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Right));
     command(CommandId::NarrowTableInformation)->setShortcut(QKeySequence(Qt::ALT | Qt::SHIFT | Qt::Key_Right));
@@ -145,6 +156,13 @@ void ShellActions::makeToolBar() {
     bar->addWidget(m_runs);
     bar->addSeparator();
     bar->addAction(command(CommandId::Options));
+}
+
+// What a shortcut may do depends on what is selected in the viewer by the time it is pressed.
+bool ShellActions::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride)
+        update(m_repositoryOpen, m_reportShown);
+    return QObject::eventFilter(watched, event);
 }
 
 void ShellActions::fillRecent() {

@@ -38,6 +38,9 @@ class ShellActions final : public QObject {
     /// A command of the viewer was carried out, or another run was chosen.
     void changed();
 
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
     void makeActions();
     void makeToolBar();

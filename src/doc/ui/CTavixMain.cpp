@@ -1,6 +1,8 @@
 #include "doc/ui/CTavixMain.h"
 
 #include "doc/ui/CTavixView.h"
+#include "tabs/ui/CFieldView.h"
+#include "tabs/ui/CTableView.h"
 
 #include <array>
 #include <vector>
@@ -27,6 +29,13 @@ std::span<const TavixCommand> CTavixMain::Commands() {
             all.push_back(row.command);
         for (const CommandRow<CTavixMain>& row : kRows)
             all.push_back(row.command);
+        // A command that both views know is one command.
+        for (const CommandRow<CTableView>& row : CTableView::CommandRows())
+            all.push_back(row.command);
+        for (const CommandRow<CFieldView>& row : CFieldView::CommandRows()) {
+            if (!findCommand(CTableView::CommandRows(), static_cast<int>(row.command.id)))
+                all.push_back(row.command);
+        }
         return all;
     }();
     return kAll;

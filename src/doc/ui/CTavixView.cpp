@@ -4,6 +4,7 @@
 #include "base/GenException.h"
 #include "doc/CTavixApp.h"
 #include "doc/ConnectionCredentials.h"
+#include "doc/DisplaySettings.h"
 #include "doc/ItemCode.h"
 #include "doc/PaneChain.h"
 #include "doc/PaneMemory.h"
@@ -12,7 +13,7 @@
 #include "doc/ui/COptionsSheet.h"
 #include "nav/ui/CTableInfo.h"
 #include "nav/ui/CTables.h"
-#include "tabs/ui/CTabStdMet.h"
+#include "tabs/ui/TearOff.h"
 
 #include <QStackedWidget>
 
@@ -23,7 +24,7 @@ namespace {
 constexpr int kAfterLoadMilliseconds = 250;
 constexpr int kKeyStep = 24;
 
-constexpr std::array<CommandRow<CTavixView>, 7> kCommands = {{
+constexpr std::array<CommandRow<CTavixView>, 8> kCommands = {{
     {{CommandId::New, "Close the report\nNew"}, &CTavixView::OnNew},
     {{CommandId::ToggleTableInformation, "Show or hide what is known about the table\nTable Information"},
      &CTavixView::OnToggleTableInformation,
@@ -42,6 +43,11 @@ constexpr std::array<CommandRow<CTavixView>, 7> kCommands = {{
     {{CommandId::RefreshCollections, "Look up the collections of every table anew\nRefresh Collections"},
      &CTavixView::OnRefreshCollections,
      &CTavixView::CanRefreshCollections},
+    {{CommandId::ShowInvisible, "Show signs for blanks at the ends and for characters without a shape of their own\n"
+                                "Invisible Characters"},
+     &CTavixView::OnShowInvisible,
+     nullptr,
+     &CTavixView::ShowsInvisible},
 }};
 
 } // namespace
@@ -55,9 +61,7 @@ CTavixView::CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent
     setObjectName(QStringLiteral("tavixView"));
     m_reportPane->setObjectName(QStringLiteral("reportPane"));
     m_navigator = new CTables(*this, this);
-    m_metrics = new CTabStdMet(*this);
     m_reportPane->addWidget(m_empty);
-    m_reportPane->addWidget(m_metrics);
     const PaneMemory memory = readPaneMemory(m_document->GetSettings());
     m_wantsInfo = memory.showsInfo;
     SetRatios(memory.ratios);
@@ -72,6 +76,10 @@ CTavixView::CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent
 // The panes go before the document that they read.
 CTavixView::~CTavixView() {
     m_afterLoad.stop();
+    for (const QPointer<CTearOff>& window : m_tearOffs)
+        delete window;
+    for (const QPointer<CReportView>& view : m_leaving)
+        delete view;
     SetPanes(nullptr, nullptr);
     SetInfoPane(nullptr);
     delete m_navigator;
@@ -88,6 +96,10 @@ bool CTavixView::LoadReportForJob(const std::string& text, int jobId, const KvbS
     const bool asks = lacksCredentials(connection.view());
     if (asks && m_credentialsRequest)
         m_credentialsRequest();
+    // Ids of another repository or job name other things; a detached view must not show them as its own.
+    if (jobId != m_document->GetJobId() || connection.view() != m_connection)
+        CloseTearOffs();
+    m_connection = connection.str();
     if (!m_document->OpenReport(asks ? withCredentials(connection.view(), m_userId, m_password) : connection, jobId)) {
         OnNew();
         return false;
@@ -132,13 +144,19 @@ QWidget* CTavixView::GetLastTabStop() {
 }
 
 int CTavixView::AddCurrentFieldToCollection(int collectionId) {
-    return m_reportPane->currentWidget() == m_metrics ? m_navigator->AddSelectedFieldToCollection(collectionId) : 0;
+    if (auto* field = qobject_cast<CFieldView*>(m_view))
+        return field->AddToCollection(collectionId);
+    return m_view ? m_navigator->AddSelectedFieldToCollection(collectionId) : 0;
 }
 
 void CTavixView::Refresh(CRefreshItem*, RefreshHint hint, int) {
-    if (hint == RefreshHint::DocumentReset)
+    if (hint == RefreshHint::DocumentReset) {
         m_afterLoad.stop();
+        CloseTearOffs();
+    }
     const bool mayChangeRuns = hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded;
+    if (mayChangeRuns)
+        m_details.Forget();
     if (mayChangeRuns && m_runsChanged)
         m_runsChanged();
 }
@@ -159,14 +177,97 @@ void CTavixView::SelectionChanged(NavigatorPage page, const ReportSelection& sel
         m_info->ShowSelection();
 }
 
+bool CTavixView::SelectField(int fieldId) {
+    return m_navigator->SelectField(fieldId);
+}
+
+bool CTavixView::Navigate(const NavigateRequest& request) {
+    if (!m_navigator->SelectTable(request.dataSource, request.catalog, request.schema, request.table, request.mode))
+        return false;
+    auto* table = qobject_cast<CTableView*>(m_view);
+    if (!table)
+        return false;
+    if (request.metricKind == "SM")
+        table->OpenStandardMetric(request.rowId, request.metricId);
+    else if (request.metricKind == "CM")
+        table->SelectTab(CTableView::CustomMetrics);
+    else if (request.metricKind == "BR")
+        table->SelectTab(CTableView::BusinessRules);
+    table->FocusContents();
+    table->update();
+    return true;
+}
+
+std::string CTavixView::GetDetailsText(const ReportSelection& selection) {
+    PrViewer* viewer = m_document->GetViewer();
+    if (!viewer)
+        return {};
+    const Result<std::string> text = m_details.TextOf(*viewer, selection);
+    return text ? *text : std::string();
+}
+
+void CTavixView::RemoveReportView() {
+    if (!m_view)
+        return;
+    std::erase_if(m_leaving, [](const QPointer<CReportView>& view) { return view.isNull(); });
+    m_reportPane->removeWidget(m_view);
+    // It may be its own click or key that led to here.
+    m_view->setParent(nullptr);
+    m_view->deleteLater();
+    m_leaving.emplace_back(m_view);
+    m_view = nullptr;
+}
+
+void CTavixView::ReplaceReportView(ReportPaneKind kind) {
+    const bool hadFocus = m_view && m_view->isAncestorOf(focusWidget());
+    RemoveReportView();
+    if (kind == ReportPaneKind::Table)
+        m_view = new CTableView(*this, false);
+    else
+        m_view = new CFieldView(*this, false);
+    connect(m_view, &CReportView::DetachRequested, this, &CTavixView::Detach);
+    m_reportPane->addWidget(m_view);
+    m_reportPane->setCurrentWidget(m_view);
+    if (hadFocus)
+        m_view->FocusContents();
+}
+
+void CTavixView::Detach() {
+    CTearOff* window = nullptr;
+    if (m_view->GetKind() == ReportPaneKind::Table)
+        window = new CTableTearOff(*this, this);
+    else
+        window = new CFieldTearOff(*this, this);
+    m_tearOffs.emplace_back(window);
+    window->Open(*m_view);
+}
+
+std::vector<CTearOff*> CTavixView::TearOffs() const {
+    std::vector<CTearOff*> open;
+    for (const QPointer<CTearOff>& window : m_tearOffs) {
+        if (window)
+            open.push_back(window);
+    }
+    return open;
+}
+
+void CTavixView::CloseTearOffs() {
+    for (CTearOff* window : TearOffs())
+        window->close();
+    m_tearOffs.clear();
+}
+
 void CTavixView::ShowReportPane() {
     const bool hasFigures =
         m_selection.kind == ReportSelection::Kind::Table || m_selection.kind == ReportSelection::Kind::Collection;
     if (hasFigures) {
-        m_metrics->ShowSelection();
-        m_reportPane->setCurrentWidget(m_metrics);
+        if (m_view && m_view->Suits(*this))
+            m_view->ShowSelection();
+        else
+            ReplaceReportView(m_selection.fieldId == -1 ? ReportPaneKind::Table : ReportPaneKind::Field);
         return;
     }
+    RemoveReportView();
     if (!m_document->HasReport())
         m_empty->SetText(QStringLiteral("No report is open"), {});
     else if (m_mode == NavigatorPage::Collections)
@@ -182,9 +283,11 @@ std::span<const CommandRow<CTavixView>> CTavixView::CommandRows() {
     return kCommands;
 }
 
-// The metrics keep their place behind an empty pane, and must not keep figures that hold no more.
-std::array<CRefreshItem*, 4> CTavixView::RefreshOrder() {
-    return {this, m_navigator, m_info, m_metrics};
+std::vector<CRefreshItem*> CTavixView::RefreshOrder() {
+    std::vector<CRefreshItem*> order = {this, m_navigator, m_info, &GetReportPane()};
+    for (CTearOff* window : TearOffs())
+        order.push_back(window);
+    return order;
 }
 
 std::array<CommandTarget*, 3> CTavixView::CommandOrder() const {
@@ -201,13 +304,26 @@ CommandState CTavixView::UpdateCommand(int commandId) const {
 }
 
 CReportPane& CTavixView::GetReportPane() const {
-    if (m_reportPane->currentWidget() == m_metrics)
-        return *m_metrics;
+    if (m_view)
+        return *m_view;
     return *m_empty;
 }
 
 int CTavixView::GetItemCode() const {
-    return itemCode(m_reportPane->currentWidget() == m_metrics ? ReportPaneKind::Table : ReportPaneKind::Empty, 0);
+    return m_view ? itemCode(m_view->GetKind(), m_view->GetCurrentTab()) : itemCode(ReportPaneKind::Empty, 0);
+}
+
+void CTavixView::OnShowInvisible() {
+    if (const Status written = writeShowsInvisible(m_document->GetSettings(), !ShowsInvisible()); !written)
+        m_document->GetMessages().warn(written.error().text);
+    if (m_view)
+        m_view->ApplyDisplay();
+    for (CTearOff* window : TearOffs())
+        window->ApplyDisplay();
+}
+
+bool CTavixView::ShowsInvisible() const {
+    return readShowsInvisible(m_document->GetSettings());
 }
 
 void CTavixView::OnToggleTableInformation() {
@@ -219,16 +335,15 @@ void CTavixView::OnToggleTableInformation() {
     Remember();
 }
 
+void CTavixView::OnCloseTableInformation() {
+    if (m_info)
+        OnToggleTableInformation();
+}
+
 void CTavixView::OpenTableInformation() {
     m_info = new CTableInfo(*this, this);
     // The pane cannot go while its own button is being clicked.
-    connect(
-        m_info, &CTableInfo::CloseRequested, this,
-        [this] {
-            if (m_info)
-                OnToggleTableInformation();
-        },
-        Qt::QueuedConnection);
+    connect(m_info, &CTableInfo::CloseRequested, this, &CTavixView::OnCloseTableInformation, Qt::QueuedConnection);
     SetInfoPane(m_info);
     m_info->show();
     // Before the report pane, with whose last control the view ends for the keyboard.

@@ -4,15 +4,19 @@
 #include "doc/CTavixDoc.h"
 #include "doc/CViewSite.h"
 #include "doc/CommandTarget.h"
+#include "doc/ItemCode.h"
 #include "doc/ui/CTavixMain.h"
 #include "doc/ui/SplitFrame.h"
+#include "nav/SelectionInformation.h"
 
+#include <QPointer>
 #include <QTimer>
 
 #include <array>
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 class QStackedWidget;
 
@@ -20,10 +24,11 @@ namespace tavix {
 
 class CEmptyView;
 class CReportPane;
+class CReportView;
 class CTableInfo;
 class CTables;
-class CTabStdMet;
 class CTavixApp;
+class CTearOff;
 
 /// The one window that a shell embeds: navigator on the left, report pane beside it, and on the right, if the user
 /// wants it, the table information. It owns the document and carries refresh notifications and commands to whom they
@@ -78,14 +83,18 @@ class CTavixView final : public SplitFrame,
     NavigatorPage GetMode() const override { return m_mode; }
     const ReportSelection& GetSelection() const override { return m_selection; }
     void SelectionChanged(NavigatorPage page, const ReportSelection& selection) override;
+    bool SelectField(int fieldId) override;
+    bool Navigate(const NavigateRequest& request) override;
+    std::string GetDetailsText(const ReportSelection& selection) override;
     void Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) override;
 
     /// Offers the command to the panes, then looks among the view's own.
     bool ExecuteCommand(int commandId) override;
     CommandState UpdateCommand(int commandId) const override;
     [[nodiscard]] static std::span<const CommandRow<CTavixView>> CommandRows();
-    /// Who is told of a refresh, in order; null for a pane that is not there.
-    [[nodiscard]] std::array<CRefreshItem*, 4> RefreshOrder();
+    /// Who is told of a refresh, in order: the panes, null for one that is not there, then the windows of detached
+    /// views.
+    [[nodiscard]] std::vector<CRefreshItem*> RefreshOrder();
     /// The panes to which commands are offered, in order; null for a pane that is not there.
     [[nodiscard]] std::array<CommandTarget*, 3> CommandOrder() const;
     [[nodiscard]] CReportPane& GetReportPane() const;
@@ -96,7 +105,7 @@ class CTavixView final : public SplitFrame,
     void OnToggleTableInformation();
     [[nodiscard]] bool CanToggleTableInformation() const { return m_mode != NavigatorPage::Collections; }
     [[nodiscard]] bool IsTableInformationShown() const { return m_info != nullptr; }
-    void CloseTableInformation();
+    void OnCloseTableInformation();
     template <Splitter splitter, int by>
     void OnMoveSplitter() {
         MoveSplitter(splitter, by);
@@ -104,6 +113,8 @@ class CTavixView final : public SplitFrame,
     void OnRefreshCollections();
     [[nodiscard]] bool CanRefreshCollections() const { return m_mode == NavigatorPage::Collections; }
     void OnOptions();
+    void OnShowInvisible();
+    [[nodiscard]] bool ShowsInvisible() const;
     void OnDeleteHistory();
     [[nodiscard]] bool CanDeleteHistory() const;
 
@@ -113,20 +124,30 @@ class CTavixView final : public SplitFrame,
   private:
     void AfterLoad();
     void OpenTableInformation();
+    void CloseTableInformation();
     void Remember();
     [[nodiscard]] bool HasLoadedTables() const;
     void ShowReportPane();
+    void ReplaceReportView(ReportPaneKind kind);
+    void RemoveReportView();
+    void Detach();
+    [[nodiscard]] std::vector<CTearOff*> TearOffs() const;
+    void CloseTearOffs();
 
     std::unique_ptr<CTavixDoc> m_document;
     CTavixMain m_main;
     CTables* m_navigator = nullptr;
     QStackedWidget* m_reportPane;
     CEmptyView* m_empty;
-    CTabStdMet* m_metrics = nullptr;
+    CReportView* m_view = nullptr;                ///< null while the empty view is shown
+    std::vector<QPointer<CReportView>> m_leaving; ///< replaced, and deleted as soon as their last event is over
     CTableInfo* m_info = nullptr;
     QTimer m_afterLoad;
     NavigatorPage m_mode = NavigatorPage::Tables;
     ReportSelection m_selection;
+    SelectionInformation m_details;
+    std::vector<QPointer<CTearOff>> m_tearOffs;
+    std::string m_connection; ///< of the report that is open, to know another one from the same
     bool m_loading = false;
     bool m_wantsInfo = false; ///< as the user left it
     std::function<void()> m_deleteHistoryRequest;

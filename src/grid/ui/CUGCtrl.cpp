@@ -64,11 +64,21 @@ CUGCtrl::CUGCtrl(QWidget* parent) : QTableView(parent), m_model(new GridModel(th
                     // Hiding a column in one view resizes it to 0 there.
                     if (width > 0 && !other->isColumnHidden(column) && other->columnWidth(column) != width)
                         other->setColumnWidth(column, width);
+                    if (width > 0)
+                        ColumnDragged(column, width);
                     PlaceLockedView();
                 });
     }
+    // A drag is many changes of width and one that is kept.
+    m_keepWidths.setSingleShot(true);
+    m_keepWidths.setInterval(500);
+    connect(&m_keepWidths, &QTimer::timeout, this, &CUGCtrl::KeepDraggedWidths);
     connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this](const QModelIndex& current) { Q_EMIT CurrentRowChanged(current.isValid() ? current.row() : -1); });
+}
+
+CUGCtrl::~CUGCtrl() {
+    KeepDraggedWidths();
 }
 
 void CUGCtrl::SetUpView(QTableView& view) {
@@ -107,11 +117,16 @@ void CUGCtrl::ApplyFont() {
 }
 
 void CUGCtrl::ApplyColumns() {
+    KeepDraggedWidths();
     const int locked = LockedColumns();
+    m_placingColumns = true;
     for (int column = 0; column < m_model->columnCount(); ++column) {
-        setColumnWidth(column, Scaled(m_model->source()->GetColumn(column).width));
+        const GridColumn shown = m_model->source()->GetColumn(column);
+        const std::optional<int> dragged = m_widths ? m_widths->Read(shown.heading) : std::nullopt;
+        setColumnWidth(column, Scaled(dragged.value_or(shown.width)));
         m_locked->setColumnHidden(column, column >= locked);
     }
+    m_placingColumns = false;
     m_sortColumn = -1;
     m_sortDescending = false;
     ShowSortArrow();
@@ -130,17 +145,28 @@ int CUGCtrl::Scaled(int pixels) const {
     return pixels * logicalDpiX() / 96;
 }
 
-std::vector<int> CUGCtrl::GetColumnWidths() const {
-    std::vector<int> widths;
-    for (int column = 0; column < m_model->columnCount(); ++column)
-        widths.push_back(columnWidth(column) * 96 / logicalDpiX());
-    return widths;
+void CUGCtrl::SetWidthMemory(std::unique_ptr<ColumnWidthMemory> memory) {
+    m_widths = std::move(memory);
+    ApplyColumns();
 }
 
-void CUGCtrl::SetColumnWidths(const std::vector<int>& widths) {
-    const int columns = std::min(m_model->columnCount(), static_cast<int>(widths.size()));
-    for (int column = 0; column < columns; ++column)
-        setColumnWidth(column, Scaled(std::clamp(widths[static_cast<std::size_t>(column)], 20, 4000)));
+void CUGCtrl::ColumnDragged(int column, int width) {
+    if (m_placingColumns || !m_widths || column >= m_model->columnCount())
+        return;
+    m_dragged[m_model->source()->GetColumn(column).heading] = width * 96 / logicalDpiX();
+    m_keepWidths.start();
+}
+
+void CUGCtrl::KeepDraggedWidths() {
+    m_keepWidths.stop();
+    for (const auto& [heading, width] : m_dragged)
+        m_widths->Keep(heading, width);
+    m_dragged.clear();
+}
+
+void CUGCtrl::hideEvent(QHideEvent* event) {
+    KeepDraggedWidths();
+    QTableView::hideEvent(event);
 }
 
 void CUGCtrl::SetShowsInvisible(bool shows) {
@@ -161,6 +187,11 @@ void CUGCtrl::SelectRow(std::int64_t row) {
     const QModelIndex index = m_model->index(static_cast<int>(row), 0);
     selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     scrollTo(index);
+}
+
+void CUGCtrl::ShowColumn(int column) {
+    if (GetCurrentRow() >= 0)
+        scrollTo(m_model->index(static_cast<int>(GetCurrentRow()), column));
 }
 
 std::vector<std::int64_t> CUGCtrl::GetSelectedRows() const {
@@ -226,6 +257,11 @@ void CUGCtrl::keyPressEvent(QKeyEvent* event) {
     }
     if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && GetCurrentRow() >= 0) {
         Q_EMIT RowActivated(GetCurrentRow());
+        return;
+    }
+    // These step through the tabs of the view around the grid.
+    if (control && (event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown)) {
+        event->ignore();
         return;
     }
     QTableView::keyPressEvent(event);

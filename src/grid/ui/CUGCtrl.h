@@ -1,10 +1,15 @@
 #pragma once
 
 #include "grid/CUGDataSource.h"
+#include "grid/ColumnWidthMemory.h"
 
 #include <QElapsedTimer>
 #include <QTableView>
+#include <QTimer>
 
+#include <map>
+#include <memory>
+#include <string>
 #include <vector>
 
 namespace tavix {
@@ -19,16 +24,15 @@ class CUGCtrl final : public QTableView {
     Q_OBJECT
   public:
     explicit CUGCtrl(QWidget* parent = nullptr);
+    ~CUGCtrl() override;
 
     /// Not owned; must outlive the grid or be taken back with null.
     void SetSource(CUGDataSource* source);
     /// To be called when the source's rows or columns are others now. Widths, selection and sorting start anew.
     void SourceChanged();
 
-    /// In pixels at 96 dpi, one per column, so that an owner can keep and give back what the user dragged.
-    [[nodiscard]] std::vector<int> GetColumnWidths() const;
-    /// Entries beyond the columns are ignored; columns beyond the entries keep the source's width.
-    void SetColumnWidths(const std::vector<int>& widths);
+    /// Where widths that the user drags are kept and found again; may be null. Owned.
+    void SetWidthMemory(std::unique_ptr<ColumnWidthMemory> memory);
 
     /// Whether characters without a mark of their own are drawn as signs. What is copied stays as it is.
     void SetShowsInvisible(bool shows);
@@ -37,6 +41,8 @@ class CUGCtrl final : public QTableView {
     /// -1 without one.
     [[nodiscard]] std::int64_t GetCurrentRow() const;
     void SelectRow(std::int64_t row);
+    /// Scrolls sideways until the column is in view.
+    void ShowColumn(int column);
     /// Ascending order of the rows on the screen.
     [[nodiscard]] std::vector<std::int64_t> GetSelectedRows() const;
     void SortBy(int column, bool descending);
@@ -55,12 +61,15 @@ class CUGCtrl final : public QTableView {
     void contextMenuEvent(QContextMenuEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
 
   private:
     void SetUpView(QTableView& view);
     void ApplyFont();
     void ApplyColumns();
+    void ColumnDragged(int column, int width);
+    void KeepDraggedWidths();
     void PlaceLockedView();
     void ShowSortArrow();
     void ToggleSort(int column);
@@ -76,6 +85,10 @@ class CUGCtrl final : public QTableView {
     bool m_showsInvisible = false;
     QString m_typed;
     QElapsedTimer m_sinceTyped;
+    std::unique_ptr<ColumnWidthMemory> m_widths;
+    std::map<std::string, int> m_dragged; ///< by heading, not yet kept
+    QTimer m_keepWidths;
+    bool m_placingColumns = false;
 };
 
 } // namespace tavix

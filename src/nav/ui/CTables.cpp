@@ -171,6 +171,26 @@ bool CTables::SelectTable(const std::string& dataSource, const std::string& qual
     return SelectNode(tables, tables.model->contents().FindTable(dataSource, qualifier1, qualifier2, table, mode));
 }
 
+bool CTables::SelectField(int fieldId) {
+    Page& shown = page(GetPage());
+    const auto isField = [](const TreeNode& node) {
+        return node.kind == TreeNodeKind::Field || node.kind == TreeNodeKind::CollectionField;
+    };
+    TreeNode* owner = shown.model->node(shown.view->currentIndex());
+    if (owner && isField(*owner))
+        owner = owner->parent;
+    if (!owner || selectionOf(*owner).kind == ReportSelection::Kind::Nothing)
+        return false;
+    const QModelIndex parent = shown.model->indexOf(owner);
+    if (shown.model->canFetchMore(parent))
+        shown.model->fetchMore(parent);
+    for (const std::unique_ptr<TreeNode>& child : owner->children) {
+        if (isField(*child) && child->id == fieldId)
+            return SelectNode(shown, child.get());
+    }
+    return false;
+}
+
 void CTables::SelectSomething() {
     Page& shown = page(GetPage());
     // A tree that receives the focus makes its first node the current one, which is no choice of the user's.

@@ -34,6 +34,9 @@ class CTables final : public QWidget, public CRefreshItem, public CommandTarget 
     /// user. `mode` is the kind of the data source.
     bool SelectTable(const std::string& dataSource, const std::string& qualifier1, const std::string& qualifier2,
                      const std::string& table, int mode);
+    /// Selects the field of that id below the table or collection that is selected on the page that is showing, or to
+    /// which the selected field belongs; false when there is none.
+    bool SelectField(int fieldId);
     /// Selects the first table when nothing that has figures is selected.
     void SelectSomething();
     /// Looks up the collections of every table anew and broadcasts hint 1; false, after a message, when that fails.

@@ -1,12 +1,7 @@
 #pragma once
 
-#include "doc/CReportPane.h"
-#include "doc/CViewSite.h"
 #include "tabs/StdMetRows.h"
-
-#include <QWidget>
-
-#include <map>
+#include "tabs/ui/CProfTab.h"
 
 class QLabel;
 class QMenu;
@@ -16,37 +11,30 @@ namespace tavix {
 
 class CUGCtrl;
 
-/// The standard metrics of the selected table or collection: a line that names it, and a grid with one row a field.
-class CTabStdMet final : public QWidget, public CReportPane {
+/// The standard metrics of a table's or collection's fields: a grid with one row a field.
+class CTabStdMet final : public CProfTab {
     Q_OBJECT
   public:
-    /// The site must outlive the tab.
-    explicit CTabStdMet(CViewSite& site, QWidget* parent = nullptr);
+    CTabStdMet(CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent = nullptr);
     ~CTabStdMet() override;
 
-    void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) override;
     QWidget* GetLastTabStop() override;
-    /// Shows what the site has selected now. Rows are read anew only when it is another table or collection.
-    void ShowSelection();
+    /// Makes the field's row the current one and brings the metric's column into view; -1 stands for no metric.
+    void SelectMetric(int fieldId, int metricId);
+
+  protected:
+    [[nodiscard]] bool RefillsOn(RefreshHint hint) const override;
+    void Fill(bool isSameObject) override;
 
   private:
-    void Fill();
-    void ShowHeader();
-    void SelectField();
-    void KeepWidths();
     [[nodiscard]] std::vector<int> SelectedFields() const;
     void FillCollectionMenu();
 
-    CViewSite& m_site;
     StdMetRows m_rows;
-    ReportSelection m_shown;
-    QLabel* m_title;
-    QLabel* m_detail;
     QStackedWidget* m_stack;
     CUGCtrl* m_grid;
     QLabel* m_note;
     QMenu* m_collectionMenu;
-    std::map<std::string, int> m_widths; ///< what the user dragged, by heading
 };
 
 } // namespace tavix

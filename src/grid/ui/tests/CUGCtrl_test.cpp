@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 namespace tavix {
@@ -156,15 +157,41 @@ TEST(CUGCtrl, lockedColumnStaysInViewWhenScrolledSideways) {
     }
 }
 
-TEST(CUGCtrl, widthsAreTheSourcesUntilTheUserDragsThem) {
+class Memory final : public ColumnWidthMemory {
+  public:
+    explicit Memory(std::map<std::string, int>& kept) : m_kept(kept) {}
+    std::optional<int> Read(const std::string& heading) const override {
+        const auto width = m_kept.find(heading);
+        return width == m_kept.end() ? std::nullopt : std::optional<int>(width->second);
+    }
+    void Keep(const std::string& heading, int width) override { m_kept[heading] = width; }
+
+  private:
+    std::map<std::string, int>& m_kept;
+};
+
+TEST(CUGCtrl, widthsAreTheSourcesUntilTheUserDragsThemAndThenRemembered) {
+    std::map<std::string, int> kept;
     Rows rows(2);
-    CUGCtrl grid;
-    grid.SetSource(&rows);
-    EXPECT_THAT(grid.GetColumnWidths(), testing::ElementsAre(130, 130, 130));
-    grid.SetColumnWidths({200, 5, 60, 70, 80});
-    EXPECT_THAT(grid.GetColumnWidths(), testing::ElementsAre(200, 20, 60));
-    grid.SourceChanged();
-    EXPECT_THAT(grid.GetColumnWidths(), testing::ElementsAre(130, 130, 130));
+    {
+        CUGCtrl grid;
+        grid.SetWidthMemory(std::make_unique<Memory>(kept));
+        grid.SetSource(&rows);
+        EXPECT_EQ(130, grid.columnWidth(1));
+        EXPECT_TRUE(kept.empty()) << "placing the columns is no choice of the user's";
+        grid.setColumnWidth(1, 60);
+        grid.setColumnWidth(1, 61);
+        grid.SourceChanged();
+        EXPECT_EQ(61, grid.columnWidth(1));
+        grid.setColumnWidth(2, 200);
+    }
+    EXPECT_THAT(kept, testing::UnorderedElementsAre(testing::Pair("H1", 61), testing::Pair("H2", 200)));
+    CUGCtrl again;
+    again.SetSource(&rows);
+    again.SetWidthMemory(std::make_unique<Memory>(kept));
+    EXPECT_EQ(130, again.columnWidth(0));
+    EXPECT_EQ(61, again.columnWidth(1));
+    EXPECT_EQ(200, again.columnWidth(2));
 }
 
 } // namespace

@@ -32,6 +32,9 @@ class Site final : public CViewSite, public DocumentFrame {
         mode = page;
         selection = now;
     }
+    bool SelectField(int fieldId) override { return navigator && navigator->SelectField(fieldId); }
+    bool Navigate(const NavigateRequest&) override { return false; }
+    std::string GetDetailsText(const ReportSelection&) override { return {}; }
     void Broadcast(CRefreshItem*, RefreshHint hint, int) override { Broadcast(hint); }
     void SetLoading(bool) override {}
     void Broadcast(RefreshHint hint) override {

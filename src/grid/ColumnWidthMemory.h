@@ -1,0 +1,17 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace tavix {
+
+/// Keeps the widths that the user dragged, by heading, for a grid.
+class ColumnWidthMemory {
+  public:
+    virtual ~ColumnWidthMemory() = default;
+    /// In pixels at 96 dpi; nothing for a column that the user left alone.
+    [[nodiscard]] virtual std::optional<int> Read(const std::string& heading) const = 0;
+    virtual void Keep(const std::string& heading, int width) = 0;
+};
+
+} // namespace tavix

@@ -1,0 +1,39 @@
+#include "tabs/StoredColumnWidths.h"
+
+#include "base/NumberText.h"
+
+namespace tavix {
+
+namespace {
+
+constexpr std::string_view kSection = "COLUMNS";
+constexpr int kNarrowest = 20;
+constexpr int kWidest = 4000;
+
+} // namespace
+
+// Only letters and digits, so that no heading is at odds with the form of the file.
+std::string StoredColumnWidths::KeyOf(const std::string& heading) const {
+    std::string key = m_grid + ".";
+    for (const char c : heading) {
+        const bool isPlain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+        if (isPlain)
+            key += c;
+    }
+    return key;
+}
+
+std::optional<int> StoredColumnWidths::Read(const std::string& heading) const {
+    const auto width = parseInteger(m_store.read(kSection, KeyOf(heading)));
+    if (!width || *width < kNarrowest || *width > kWidest)
+        return std::nullopt;
+    return static_cast<int>(*width);
+}
+
+// A width that cannot be kept is no loss worth a message.
+void StoredColumnWidths::Keep(const std::string& heading, int width) {
+    if (Read(heading) != width)
+        (void)m_store.write(kSection, KeyOf(heading), formatInteger(width));
+}
+
+} // namespace tavix

@@ -1,0 +1,83 @@
+#include "tabs/SubjectText.h"
+
+#include "base/NumberText.h"
+#include "doc/CountText.h"
+
+namespace tavix {
+
+namespace {
+
+constexpr std::string_view kSeparator = "  ·  ";
+
+class Facts {
+  public:
+    void add(std::string_view fact) {
+        if (fact.empty())
+            return;
+        if (!m_text.empty())
+            m_text += kSeparator;
+        m_text += fact;
+    }
+    [[nodiscard]] const std::string& text() const { return m_text; }
+
+  private:
+    std::string m_text;
+};
+
+std::string recordsText(const TableIdentity& table) {
+    if (table.totalRecords < 0)
+        return {};
+    std::string text = countOf(table.totalRecords, "record");
+    if (table.processedRecords >= 0 && table.processedRecords != table.totalRecords)
+        text += ", " + groupedCount(table.processedRecords) + (table.kind == 'D' ? " filtered" : " sampled");
+    return text;
+}
+
+std::int64_t countOfMetric(const FieldRecord& field, MetricId id) {
+    return parseInteger(field.metrics[static_cast<std::size_t>(id)].view()).value_or(-1);
+}
+
+} // namespace
+
+std::string_view typeWord(std::string_view typeCode) {
+    if (typeCode == "S")
+        return "text";
+    if (typeCode == "I")
+        return "integer";
+    if (typeCode == "R")
+        return "real";
+    if (typeCode == "D")
+        return "date/time";
+    if (typeCode == "B")
+        return "boolean";
+    return "";
+}
+
+std::string titleOf(const ReportSubject& subject) {
+    if (subject.selection.fieldId != -1)
+        return subject.field ? subject.field->name : subject.selection.fieldName;
+    return subject.selection.kind == ReportSelection::Kind::Table ? subject.table.displayName()
+                                                                  : subject.selection.name;
+}
+
+std::string detailOf(const ReportSubject& subject) {
+    Facts facts;
+    if (subject.selection.fieldId == -1) {
+        if (subject.selection.kind == ReportSelection::Kind::Table)
+            facts.add(recordsText(subject.table));
+        return facts.text();
+    }
+    if (subject.table.id != -1)
+        facts.add(subject.table.displayName());
+    if (!subject.field)
+        return facts.text();
+    facts.add(typeWord(subject.field->typeCode));
+    facts.add(recordsText(subject.table));
+    if (const std::int64_t distinct = countOfMetric(*subject.field, MetricId::UniqueCount); distinct >= 0)
+        facts.add(countOf(distinct, "distinct value"));
+    if (const std::int64_t nulls = countOfMetric(*subject.field, MetricId::NullCount); nulls > 0)
+        facts.add(countOf(nulls, "null"));
+    return facts.text();
+}
+
+} // namespace tavix

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "tabs/ReportSubject.h"
+
+#include <string>
+#include <string_view>
+
+namespace tavix {
+
+/// The name of what is shown.
+[[nodiscard]] std::string titleOf(const ReportSubject& subject);
+/// What percentages are shares of, and what a sample must not be taken for: where it comes from, how many records
+/// there are and how many were processed, how many distinct values and nulls a field has.
+[[nodiscard]] std::string detailOf(const ReportSubject& subject);
+/// The word for a field's type code; "" for a field without a type.
+[[nodiscard]] std::string_view typeWord(std::string_view typeCode);
+
+} // namespace tavix

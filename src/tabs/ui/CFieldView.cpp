@@ -1,0 +1,67 @@
+#include "tabs/ui/CFieldView.h"
+
+#include "doc/CTavixDoc.h"
+#include "doc/CollectionMembers.h"
+#include "tabs/ui/CTabColProf.h"
+#include "tabs/ui/CTabFreqDist.h"
+#include "tabs/ui/CTabNotes.h"
+#include "tabs/ui/CTabPKFK.h"
+
+#include <array>
+
+namespace tavix {
+
+namespace {
+
+constexpr std::array<CommandRow<CFieldView>, 2> kCommands = {{
+    {{CommandId::AddFieldNote, "Add a note to the field notes list\nAdd Note to Field..."},
+     &CFieldView::OnAddNote,
+     &CFieldView::CanAddNote},
+    {{CommandId::DetachTabs, "Detach current tabs view\nDetach View"}, &CFieldView::OnDetach, &CFieldView::CanDetach},
+}};
+
+} // namespace
+
+CFieldView::CFieldView(CViewSite& site, bool isTornOff, QWidget* parent)
+    : CReportView(site, ReportPaneKind::Field, isTornOff, parent),
+      m_notes(new CTabNotes(site, GetSubject(), isTornOff)) {
+    setObjectName(QStringLiteral("fieldView"));
+    const auto code = [](Tab tab) { return itemCode(ReportPaneKind::Field, tab); };
+    AddTab(new CTabColProf(site, GetSubject(), isTornOff, code(ColumnProfiling)), "Column Profiling");
+    AddTab(new CTabFreqDist(site, GetSubject(), isTornOff, code(Frequency)), "Frequency Distribution");
+    AddTab(new CTabFreqDist(site, GetSubject(), isTornOff, code(Patterns)), "Pattern Frequency Distribution");
+    AddTab(new CTabColProf(site, GetSubject(), isTornOff, code(Percentiles)), "Percentiles");
+    AddTab(new CTabColProf(site, GetSubject(), isTornOff, code(Outliers)), "Outliers");
+    AddTab(new CTabPKFK(site, GetSubject(), isTornOff), "Primary Key/Foreign Key Analysis");
+    AddTab(m_notes, "Notes");
+    Start();
+}
+
+std::span<const CommandRow<CFieldView>> CFieldView::CommandRows() {
+    return kCommands;
+}
+
+int CFieldView::AddToCollection(int collectionId) {
+    const int fieldId = GetSubject().selection.fieldId;
+    return fieldId == -1 ? 0 : addFieldsToCollection(Site().GetTavixDoc(), collectionId, {&fieldId, 1});
+}
+
+bool CFieldView::ExecuteCommand(int commandId) {
+    return CReportView::ExecuteCommand(commandId) || execute(CommandRows(), *this, commandId);
+}
+
+CommandState CFieldView::UpdateCommand(int commandId) const {
+    const CommandState state = CReportView::UpdateCommand(commandId);
+    return state.handled ? state : stateOf(CommandRows(), *this, commandId);
+}
+
+void CFieldView::OnAddNote() {
+    SelectTab(Notes);
+    m_notes->AddNote();
+}
+
+void CFieldView::OnDetach() {
+    Q_EMIT DetachRequested();
+}
+
+} // namespace tavix

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "doc/CommandTarget.h"
+#include "tabs/ui/CReportView.h"
+
+#include <span>
+
+namespace tavix {
+
+class CTabNotes;
+
+/// What is known about a field.
+class CFieldView final : public CReportView {
+    Q_OBJECT
+  public:
+    enum Tab { ColumnProfiling, Frequency, Patterns, Percentiles, Outliers, KeyAnalysis, Notes };
+
+    /// The site must outlive the view.
+    CFieldView(CViewSite& site, bool isTornOff, QWidget* parent = nullptr);
+
+    /// 1 when the field was added, 0 without a field or, after a message, when it could not be added.
+    int AddToCollection(int collectionId);
+
+    bool ExecuteCommand(int commandId) override;
+    CommandState UpdateCommand(int commandId) const override;
+    [[nodiscard]] static std::span<const CommandRow<CFieldView>> CommandRows();
+
+    void OnAddNote();
+    [[nodiscard]] bool CanAddNote() const { return GetSubject().field.has_value(); }
+    void OnDetach();
+    [[nodiscard]] bool CanDetach() const { return !IsTornOff(); }
+
+  private:
+    CTabNotes* m_notes;
+};
+
+} // namespace tavix

@@ -1,0 +1,100 @@
+#include "tabs/ui/CProfTabCtrl.h"
+
+#include "base/ui/Theme.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+#include <QTimer>
+
+namespace tavix {
+
+namespace {
+
+constexpr int kPadding = 11;
+constexpr int kRest = 2; // how much lower a tab begins that is not selected
+
+} // namespace
+
+CProfTabCtrl::CProfTabCtrl(QWidget* parent) : QTabBar(parent) {
+    setObjectName(QStringLiteral("tabStrip"));
+    setAccessibleName(QStringLiteral("Tabs of the view"));
+    setFixedHeight(qMax(kHeight * logicalDpiY() / 96, fontMetrics().height() + 5));
+    setExpanding(false);
+    setDrawBase(false);
+    setUsesScrollButtons(true);
+    setFocusPolicy(Qt::TabFocus);
+    connect(this, &QTabBar::tabBarDoubleClicked, this, &CProfTabCtrl::TabDoubleClicked, Qt::QueuedConnection);
+}
+
+void CProfTabCtrl::InsertTab(int index, const QString& caption, int image) {
+    const int at = insertTab(index, caption);
+    setTabData(at, image);
+}
+
+void CProfTabCtrl::SetCaption(int index, const QString& caption) {
+    if (tabText(index) != caption)
+        setTabText(index, caption);
+}
+
+// Selected or not, a tab has the width of its caption in bold, so that none moves when another is selected.
+QSize CProfTabCtrl::tabSizeHint(int index) const {
+    QFont bold = font();
+    bold.setWeight(QFont::DemiBold);
+    const QString caption = QString(tabText(index)).remove(u'&');
+    return {QFontMetrics(bold).horizontalAdvance(caption) + 2 * kPadding, height()};
+}
+
+CProfTabCtrl::Colors CProfTabCtrl::ColorsNow() const {
+    const QPalette& own = palette();
+    if (!isDark(own))
+        return {Qt::white, {223, 223, 223}, Qt::black, {127, 127, 127}, {223, 223, 223}, Qt::black};
+    const QColor base = own.color(QPalette::Base);
+    const QColor text = own.color(QPalette::Text);
+    return {base, mixed(base, text, 0.16), mixed(base, text, 0.55), mixed(base, text, 0.40), mixed(base, text, 0.16),
+            text};
+}
+
+// Painted into the widget's own buffer, which the toolkit copies to the screen as a whole.
+void CProfTabCtrl::paintEvent(QPaintEvent*) {
+    const Colors colors = ColorsNow();
+    QPainter painter(this);
+    painter.fillRect(rect(), colors.background);
+    painter.fillRect(QRect(0, height() - 2, width(), 1), colors.upperLine);
+    painter.fillRect(QRect(0, height() - 1, width(), 1), colors.lowerLine);
+    for (int i = 0; i < count(); ++i) {
+        if (i != currentIndex() && isTabVisible(i))
+            PaintTab(painter, i, colors);
+    }
+    if (currentIndex() >= 0)
+        PaintTab(painter, currentIndex(), colors);
+}
+
+void CProfTabCtrl::PaintTab(QPainter& painter, int index, const Colors& colors) const {
+    const bool selected = index == currentIndex();
+    QRect face = tabRect(index);
+    // Neighbours share the line between them.
+    face.setRight(face.right() + 1);
+    face.setTop(selected ? 0 : kRest);
+    face.setBottom(selected ? height() - 1 : height() - 3);
+    painter.fillRect(face, colors.face);
+    painter.setPen(colors.outline);
+    painter.drawLine(face.topLeft(), face.bottomLeft());
+    painter.drawLine(face.topLeft(), face.topRight());
+    painter.drawLine(face.topRight(), face.bottomRight());
+    if (selected)
+        painter.fillRect(QRect(face.left() + 1, 1, face.width() - 2, 2), palette().color(QPalette::Highlight));
+
+    QFont captionFont = font();
+    captionFont.setWeight(selected ? QFont::DemiBold : QFont::Normal);
+    painter.setFont(captionFont);
+    painter.setPen(colors.text);
+    const QRect captionRect = face.adjusted(1, selected ? 2 : 0, -1, 0);
+    painter.drawText(captionRect, Qt::AlignCenter | Qt::TextSingleLine, tabText(index));
+    if (selected && hasFocus()) {
+        QPen dots(colors.text, 1, Qt::DotLine);
+        painter.setPen(dots);
+        painter.drawRect(face.adjusted(3, 4, -4, -3));
+    }
+}
+
+} // namespace tavix

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QTabBar>
+
+#include <vector>
+
+namespace tavix {
+
+/// The strip of tabs at the top of a view: arrow keys, Home and End move along it, a press of the mouse selects.
+class CProfTabCtrl final : public QTabBar {
+    Q_OBJECT
+  public:
+    static constexpr int kHeight = 22; ///< pixels at 96 dpi
+
+    explicit CProfTabCtrl(QWidget* parent = nullptr);
+
+    /// `image` is an index for the view, -1 for none.
+    void InsertTab(int index, const QString& caption, int image = -1);
+    void SelectTab(int index) { setCurrentIndex(index); }
+    [[nodiscard]] int GetCurrentTab() const { return currentIndex(); }
+    void SetCaption(int index, const QString& caption);
+
+  Q_SIGNALS:
+    /// Posted: the strip has done with the double click when it arrives.
+    void TabDoubleClicked(int index);
+
+  protected:
+    [[nodiscard]] QSize tabSizeHint(int index) const override;
+    [[nodiscard]] QSize minimumTabSizeHint(int index) const override { return tabSizeHint(index); }
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    struct Colors {
+        QColor background;
+        QColor face;
+        QColor outline;
+        QColor upperLine;
+        QColor lowerLine;
+        QColor text;
+    };
+    [[nodiscard]] Colors ColorsNow() const;
+    void PaintTab(QPainter& painter, int index, const Colors& colors) const;
+};
+
+} // namespace tavix

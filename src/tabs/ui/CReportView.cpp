@@ -1,0 +1,236 @@
+#include "tabs/ui/CReportView.h"
+
+#include "access/PrViewer.h"
+#include "base/NumberText.h"
+#include "base/ui/QtText.h"
+#include "doc/CTavixDoc.h"
+#include "doc/DisplaySettings.h"
+#include "drill/ui/CDetailsDlg.h"
+#include "grid/ui/CUGCtrl.h"
+#include "tabs/StoredColumnWidths.h"
+#include "tabs/SubjectText.h"
+#include "tabs/ui/CProfTab.h"
+#include "tabs/ui/CProfTabCtrl.h"
+#include "tabs/ui/ViewHeader.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+namespace tavix {
+
+CReportView::CReportView(CViewSite& site, ReportPaneKind kind, bool isTornOff, QWidget* parent)
+    : QWidget(parent),
+      m_site(site),
+      m_kind(kind),
+      m_mode(site.GetMode()),
+      m_isTornOff(isTornOff),
+      m_strip(new CProfTabCtrl(this)),
+      m_header(new ViewHeader(this)),
+      m_pages(new QStackedWidget(this)),
+      m_note(new QLabel(m_pages)) {
+    m_note->setTextFormat(Qt::PlainText);
+    m_note->setAlignment(Qt::AlignCenter);
+    m_note->setWordWrap(true);
+    m_note->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_pages->addWidget(m_note);
+    if (isTornOff)
+        m_header->HideButtons();
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_strip);
+    layout->addWidget(m_header);
+    layout->addWidget(m_pages, 1);
+    connect(m_header, &ViewHeader::DetailsClicked, this, &CReportView::ShowDetails);
+    connect(m_header, &ViewHeader::DetachClicked, this, &CReportView::DetachRequested);
+}
+
+// The tabs read the subject and must go before it.
+CReportView::~CReportView() {
+    for (CProfTab* tab : m_tabs)
+        delete tab;
+}
+
+void CReportView::AddTab(CProfTab* tab, std::string_view caption) {
+    const int index = GetTabCount();
+    m_tabs.push_back(tab);
+    m_captions.push_back(toQString(caption));
+    m_pages->addWidget(tab);
+    m_strip->InsertTab(index, m_captions.back());
+    connect(tab, &CProfTab::CaptionChanged, this, [this, index] { m_strip->SetCaption(index, CaptionOf(index)); });
+    int number = 0;
+    for (CUGCtrl* grid : tab->findChildren<CUGCtrl*>()) {
+        std::string name = toUtf8(tab->objectName());
+        if (number > 0)
+            name += formatInteger(number);
+        ++number;
+        grid->SetWidthMemory(std::make_unique<StoredColumnWidths>(m_site.GetTavixDoc().GetSettings(), std::move(name)));
+    }
+}
+
+void CReportView::Start() {
+    const CTavixDoc& document = m_site.GetTavixDoc();
+    const int remembered =
+        m_mode == NavigatorPage::Collections ? document.GetCollectionTab(m_kind) : document.GetTab(m_kind);
+    const int first = remembered >= 0 && remembered < GetTabCount() ? remembered : 0;
+    m_strip->SelectTab(first);
+    ApplyDisplay();
+    if (!m_isTornOff)
+        ReadSubject(m_site.GetSelection());
+    ShowTab(first);
+    connect(m_strip, &QTabBar::currentChanged, this, [this](int index) {
+        m_site.GetTavixDoc().SetTab(m_kind, m_mode, index);
+        ShowTab(index);
+    });
+}
+
+QString CReportView::CaptionOf(int index) const {
+    return m_captions[static_cast<std::size_t>(index)];
+}
+
+bool CReportView::Suits(const CViewSite& site) const {
+    const ReportSelection& selection = site.GetSelection();
+    const bool hasReport =
+        selection.kind == ReportSelection::Kind::Table || selection.kind == ReportSelection::Kind::Collection;
+    const ReportPaneKind kind = selection.fieldId == -1 ? ReportPaneKind::Table : ReportPaneKind::Field;
+    return hasReport && kind == m_kind && site.GetMode() == m_mode;
+}
+
+void CReportView::ShowSelection() {
+    if (m_isTornOff || m_subject.selection == m_site.GetSelection())
+        return;
+    ReadSubject(m_site.GetSelection());
+    ShowTab(GetCurrentTab());
+    for (CProfTab* tab : m_tabs)
+        tab->SubjectChanged();
+}
+
+void CReportView::ReadSubject(const ReportSelection& selection) {
+    m_subject = {selection, {}, {}};
+    m_missing.clear();
+    PrViewer* viewer = m_site.GetTavixDoc().GetViewer();
+    if (selection.kind == ReportSelection::Kind::Table)
+        m_subject.table = selection.table;
+    if (m_kind == ReportPaneKind::Field && viewer) {
+        if (auto field = m_records.Find(*viewer, selection))
+            m_subject.field = **field;
+        else
+            m_missing = field.error().text;
+        if (auto table = m_records.TableOf(*viewer, selection))
+            m_subject.table = std::move(*table);
+    }
+    ShowHeader();
+}
+
+// What a window keeps may have other figures in another run, or none.
+void CReportView::ReadSubjectAgain() {
+    ReportSelection selection = m_subject.selection;
+    PrViewer* viewer = m_site.GetTavixDoc().GetViewer();
+    std::string missing;
+    if (viewer && selection.kind == ReportSelection::Kind::Table) {
+        if (auto table = findTable(*viewer, selection.table.id, selection.table.dataSource))
+            selection.table = std::move(*table);
+        else
+            missing = table.error().text;
+    }
+    ReadSubject(selection);
+    if (!missing.empty())
+        m_missing = missing;
+}
+
+void CReportView::ShowHeader() {
+    m_header->SetText(toQString(titleOf(m_subject)), toQString(detailOf(m_subject)));
+}
+
+void CReportView::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) {
+    const bool isReloaded = hint == RefreshHint::RunLoaded || hint == RefreshHint::DocumentReset;
+    if (isReloaded || hint == RefreshHint::CollectionsRefreshed)
+        m_records.Forget();
+    if (isReloaded && !m_isTornOff && !Suits(m_site))
+        return; // The frame is about to put another view in this one's place.
+    const ReportSelection before = m_subject.selection;
+    if (isReloaded) {
+        const bool follows = !m_isTornOff || before.kind == ReportSelection::Kind::Nothing;
+        if (follows)
+            ReadSubject(m_site.GetSelection());
+        else
+            ReadSubjectAgain();
+        ShowTab(GetCurrentTab());
+    }
+    const bool isOther = !isSameObject(before, m_subject.selection);
+    for (CProfTab* tab : m_tabs) {
+        if (isOther)
+            tab->SubjectChanged();
+        else
+            tab->Refresh(sender, hint, parameter);
+    }
+}
+
+int CReportView::GetCurrentTab() const {
+    return m_strip->GetCurrentTab();
+}
+
+void CReportView::SelectTab(int index) {
+    m_strip->SelectTab(index);
+}
+
+void CReportView::ShowTab(int index) {
+    for (int i = 0; i < GetTabCount(); ++i)
+        GetTab(i).SetActive(i == index);
+    m_note->setText(toQString(m_missing));
+    if (m_missing.empty())
+        m_pages->setCurrentWidget(&GetTab(index));
+    else
+        m_pages->setCurrentWidget(m_note);
+}
+
+void CReportView::FocusContents() {
+    QWidget* main = m_missing.empty() ? GetTab(GetCurrentTab()).GetMainControl() : nullptr;
+    (main ? main : m_strip)->setFocus(Qt::OtherFocusReason);
+}
+
+void CReportView::ApplyDisplay() {
+    const bool showsInvisible = readShowsInvisible(m_site.GetTavixDoc().GetSettings());
+    for (CUGCtrl* grid : findChildren<CUGCtrl*>())
+        grid->SetShowsInvisible(showsInvisible);
+}
+
+QWidget* CReportView::GetLastTabStop() {
+    QWidget* last = m_missing.empty() ? GetTab(GetCurrentTab()).GetLastTabStop() : nullptr;
+    if (!last)
+        last = m_header->GetLastTabStop();
+    return last ? last : m_strip;
+}
+
+bool CReportView::ExecuteCommand(int commandId) {
+    return GetTab(GetCurrentTab()).ExecuteCommand(commandId);
+}
+
+CommandState CReportView::UpdateCommand(int commandId) const {
+    return GetTab(GetCurrentTab()).UpdateCommand(commandId);
+}
+
+void CReportView::ShowDetails() {
+    const std::string text = m_site.GetDetailsText(m_subject.selection);
+    if (!text.empty())
+        CDetailsDlg::Show(text, *this);
+}
+
+void CReportView::StepTab(int by) {
+    SelectTab((GetCurrentTab() + by + GetTabCount()) % GetTabCount());
+    FocusContents();
+}
+
+void CReportView::keyPressEvent(QKeyEvent* event) {
+    const bool isControl = event->modifiers().testFlag(Qt::ControlModifier);
+    if (isControl && (event->key() == Qt::Key_Tab || event->key() == Qt::Key_PageDown))
+        StepTab(1);
+    else if (isControl && (event->key() == Qt::Key_Backtab || event->key() == Qt::Key_PageUp))
+        StepTab(-1);
+    else
+        QWidget::keyPressEvent(event);
+}
+
+} // namespace tavix

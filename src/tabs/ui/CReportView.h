@@ -1,0 +1,93 @@
+#pragma once
+
+#include "doc/CReportPane.h"
+#include "doc/CViewSite.h"
+#include "doc/FieldRecords.h"
+#include "doc/ItemCode.h"
+#include "tabs/ReportSubject.h"
+
+#include <QWidget>
+
+#include <string_view>
+#include <vector>
+
+class QLabel;
+class QStackedWidget;
+
+namespace tavix {
+
+class CProfTab;
+class CProfTabCtrl;
+class ViewHeader;
+
+/// A strip of tabs over what they show, of which one is seen. In the frame it follows what is selected there; torn off
+/// it keeps the table, collection or field that was selected when it came to be, in whatever run is current.
+class CReportView : public QWidget, public CReportPane {
+    Q_OBJECT
+  public:
+    ~CReportView() override;
+
+    [[nodiscard]] ReportPaneKind GetKind() const { return m_kind; }
+    /// Whether the site's selection is one that this view, made for a table or a field on one page of the navigator,
+    /// can show.
+    [[nodiscard]] bool Suits(const CViewSite& site) const;
+    /// Shows what the site has selected now.
+    void ShowSelection();
+    [[nodiscard]] const ReportSubject& GetSubject() const { return m_subject; }
+
+    [[nodiscard]] int GetCurrentTab() const;
+    void SelectTab(int index);
+    [[nodiscard]] CProfTab& GetTab(int index) const { return *m_tabs[static_cast<std::size_t>(index)]; }
+    [[nodiscard]] int GetTabCount() const { return static_cast<int>(m_tabs.size()); }
+    /// Gives the keyboard to what the visible tab shows.
+    void FocusContents();
+    /// Reads anew how figures are to be displayed.
+    void ApplyDisplay();
+
+    void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) override;
+    QWidget* GetLastTabStop() override;
+    /// Offers the command to the visible tab.
+    bool ExecuteCommand(int commandId) override;
+    CommandState UpdateCommand(int commandId) const override;
+
+  Q_SIGNALS:
+    void DetachRequested();
+
+  protected:
+    CReportView(CViewSite& site, ReportPaneKind kind, bool isTornOff, QWidget* parent);
+
+    [[nodiscard]] CViewSite& Site() const { return m_site; }
+    [[nodiscard]] bool IsTornOff() const { return m_isTornOff; }
+    /// In the order of the strip. Owned.
+    void AddTab(CProfTab* tab, std::string_view caption);
+    /// After the last tab was added: opens the one that the document remembers.
+    void Start();
+    /// The caption of a tab with what it says beside its name.
+    virtual QString CaptionOf(int index) const;
+
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    void ReadSubject(const ReportSelection& selection);
+    void ReadSubjectAgain();
+    void ShowHeader();
+    void ShowTab(int index);
+    void ShowDetails();
+    void StepTab(int by);
+
+    CViewSite& m_site;
+    ReportPaneKind m_kind;
+    NavigatorPage m_mode;
+    bool m_isTornOff;
+    ReportSubject m_subject;
+    FieldRecords m_records;
+    std::string m_missing; ///< why the subject cannot be shown
+    CProfTabCtrl* m_strip;
+    ViewHeader* m_header;
+    QStackedWidget* m_pages;
+    QLabel* m_note;
+    std::vector<CProfTab*> m_tabs;
+    std::vector<QString> m_captions;
+};
+
+} // namespace tavix

@@ -1,0 +1,64 @@
+#include "tabs/ui/CTableView.h"
+
+#include "tabs/ui/CTabAlerts.h"
+#include "tabs/ui/CTabBusRule.h"
+#include "tabs/ui/CTabCustMet.h"
+#include "tabs/ui/CTabStdMet.h"
+#include "tabs/ui/CTabTblNotes.h"
+#include "tabs/ui/CTabTblVis.h"
+
+#include <array>
+
+namespace tavix {
+
+namespace {
+
+constexpr std::array<CommandRow<CTableView>, 2> kCommands = {{
+    {{CommandId::AddTableNote, "Add a note to the table notes list\nAdd Note to Table..."}, &CTableView::OnAddNote},
+    {{CommandId::DetachTabs, "Detach current tabs view\nDetach View"}, &CTableView::OnDetach, &CTableView::CanDetach},
+}};
+
+} // namespace
+
+CTableView::CTableView(CViewSite& site, bool isTornOff, QWidget* parent)
+    : CReportView(site, ReportPaneKind::Table, isTornOff, parent),
+      m_metrics(new CTabStdMet(site, GetSubject(), isTornOff)),
+      m_notes(new CTabTblNotes(site, GetSubject(), isTornOff)) {
+    setObjectName(QStringLiteral("tableView"));
+    AddTab(m_metrics, "Standard Metrics");
+    AddTab(new CTabCustMet(site, GetSubject(), isTornOff), "Custom Metrics");
+    AddTab(new CTabBusRule(site, GetSubject(), isTornOff), "Business Rules");
+    AddTab(new CTabAlerts(site, GetSubject(), isTornOff), "Alerts");
+    AddTab(new CTabTblVis(site, GetSubject(), isTornOff), "Visualizations");
+    AddTab(m_notes, "Notes");
+    Start();
+}
+
+std::span<const CommandRow<CTableView>> CTableView::CommandRows() {
+    return kCommands;
+}
+
+void CTableView::OpenStandardMetric(int fieldId, int metricId) {
+    SelectTab(StandardMetrics);
+    m_metrics->SelectMetric(fieldId, metricId);
+}
+
+bool CTableView::ExecuteCommand(int commandId) {
+    return CReportView::ExecuteCommand(commandId) || execute(CommandRows(), *this, commandId);
+}
+
+CommandState CTableView::UpdateCommand(int commandId) const {
+    const CommandState state = CReportView::UpdateCommand(commandId);
+    return state.handled ? state : stateOf(CommandRows(), *this, commandId);
+}
+
+void CTableView::OnAddNote() {
+    SelectTab(Notes);
+    m_notes->AddNote();
+}
+
+void CTableView::OnDetach() {
+    Q_EMIT DetachRequested();
+}
+
+} // namespace tavix

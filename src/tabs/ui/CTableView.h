@@ -1,0 +1,38 @@
+#pragma once
+
+#include "doc/CommandTarget.h"
+#include "tabs/ui/CReportView.h"
+
+#include <span>
+
+namespace tavix {
+
+class CTabStdMet;
+class CTabTblNotes;
+
+/// What is known about a table, or about the fields of a collection.
+class CTableView final : public CReportView {
+    Q_OBJECT
+  public:
+    enum Tab { StandardMetrics, CustomMetrics, BusinessRules, Alerts, Visualizations, Notes };
+
+    /// The site must outlive the view.
+    CTableView(CViewSite& site, bool isTornOff, QWidget* parent = nullptr);
+
+    /// Opens the standard metrics at that field and metric.
+    void OpenStandardMetric(int fieldId, int metricId);
+
+    bool ExecuteCommand(int commandId) override;
+    CommandState UpdateCommand(int commandId) const override;
+    [[nodiscard]] static std::span<const CommandRow<CTableView>> CommandRows();
+
+    void OnAddNote();
+    void OnDetach();
+    [[nodiscard]] bool CanDetach() const { return !IsTornOff(); }
+
+  private:
+    CTabStdMet* m_metrics;
+    CTabTblNotes* m_notes;
+};
+
+} // namespace tavix

@@ -1,0 +1,124 @@
+#include "tabs/ui/ViewHeader.h"
+
+#include "base/ui/Theme.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QIcon>
+#include <QLabel>
+#include <QPainter>
+#include <QPixmap>
+#include <QToolButton>
+
+namespace tavix {
+
+namespace {
+
+constexpr int kIcon = 16;
+
+template <typename Draw>
+QIcon drawn(const QColor& normal, const QColor& hot, double scale, Draw draw) {
+    QIcon icon;
+    for (const bool isHot : {false, true}) {
+        QPixmap pixmap(QSize(kIcon, kIcon) * scale);
+        pixmap.setDevicePixelRatio(scale);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(isHot ? hot : normal, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        draw(painter);
+        painter.end();
+        icon.addPixmap(pixmap, isHot ? QIcon::Active : QIcon::Normal);
+    }
+    return icon;
+}
+
+void drawDetails(QPainter& painter) {
+    painter.drawRoundedRect(QRectF(2.5, 1.5, 11, 13), 1.5, 1.5);
+    for (const double y : {5.0, 8.0, 11.0})
+        painter.drawLine(QPointF(5, y), QPointF(11, y));
+}
+
+void drawDetach(QPainter& painter) {
+    painter.drawPolyline(QPolygonF{{7, 4.5}, {2.5, 4.5}, {2.5, 13.5}, {11.5, 13.5}, {11.5, 9}});
+    painter.drawLine(QPointF(7, 9), QPointF(13.5, 2.5));
+    painter.drawPolyline(QPolygonF{{9.5, 2.5}, {13.5, 2.5}, {13.5, 6.5}});
+}
+
+} // namespace
+
+ViewHeader::ViewHeader(QWidget* parent)
+    : QWidget(parent),
+      m_title(new QLabel(this)),
+      m_detail(new QLabel(this)),
+      m_details(new QToolButton(this)),
+      m_detach(new QToolButton(this)) {
+    QFont titleFont = font();
+    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.25);
+    titleFont.setWeight(QFont::DemiBold);
+    m_title->setFont(titleFont);
+    for (QLabel* label : {m_title, m_detail}) {
+        // Names come from the data.
+        label->setTextFormat(Qt::PlainText);
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        // A long name must not widen the pane.
+        label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    }
+    m_title->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+    m_title->setMinimumWidth(40);
+    m_details->setObjectName(QStringLiteral("detailsButton"));
+    m_details->setToolTip(QStringLiteral("Details"));
+    m_detach->setObjectName(QStringLiteral("detachButton"));
+    m_detach->setToolTip(QStringLiteral("Detach"));
+    for (QToolButton* button : {m_details, m_detach}) {
+        button->setAccessibleName(button->toolTip());
+        button->setAutoRaise(true);
+        button->setIconSize({kIcon, kIcon});
+        button->setFocusPolicy(Qt::TabFocus);
+    }
+    connect(m_details, &QToolButton::clicked, this, &ViewHeader::DetailsClicked);
+    connect(m_detach, &QToolButton::clicked, this, &ViewHeader::DetachClicked);
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(12, 7, 8, 7);
+    layout->setSpacing(12);
+    layout->addWidget(m_title);
+    layout->addWidget(m_detail, 1, Qt::AlignBottom);
+    layout->addWidget(m_details);
+    layout->setSpacing(4);
+    layout->addWidget(m_detach);
+    ApplyLook();
+}
+
+void ViewHeader::SetText(const QString& title, const QString& detail) {
+    m_title->setText(title);
+    m_detail->setText(QStringLiteral("  ") + detail);
+    m_detail->setToolTip(detail);
+}
+
+void ViewHeader::HideButtons() {
+    m_details->hide();
+    m_detach->hide();
+}
+
+QWidget* ViewHeader::GetLastTabStop() const {
+    return m_detach->isHidden() ? nullptr : m_detach;
+}
+
+void ViewHeader::ApplyLook() {
+    QPalette quiet = palette();
+    quiet.setColor(QPalette::WindowText, quietText(palette()));
+    m_detail->setPalette(quiet);
+    const QColor normal = quietText(palette());
+    const QColor hot = palette().color(QPalette::Highlight);
+    m_details->setIcon(drawn(normal, hot, devicePixelRatioF(), drawDetails));
+    m_detach->setIcon(drawn(normal, hot, devicePixelRatioF(), drawDetach));
+}
+
+void ViewHeader::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        ApplyLook();
+}
+
+} // namespace tavix

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QWidget>
+
+class QLabel;
+class QToolButton;
+
+namespace tavix {
+
+/// The line above the tabs' contents: what is shown, what percentages are shares of, and what can be done with the
+/// view.
+class ViewHeader final : public QWidget {
+    Q_OBJECT
+  public:
+    explicit ViewHeader(QWidget* parent = nullptr);
+
+    void SetText(const QString& title, const QString& detail);
+    void HideButtons();
+    /// The last button that takes the keyboard; null when they are hidden.
+    [[nodiscard]] QWidget* GetLastTabStop() const;
+
+  Q_SIGNALS:
+    void DetailsClicked();
+    void DetachClicked();
+
+  protected:
+    void changeEvent(QEvent* event) override;
+
+  private:
+    void ApplyLook();
+
+    QLabel* m_title;
+    QLabel* m_detail;
+    QToolButton* m_details;
+    QToolButton* m_detach;
+};
+
+} // namespace tavix
