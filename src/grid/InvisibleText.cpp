@@ -1,9 +1,8 @@
 #include "grid/InvisibleText.h"
 
+#include <fmt/format.h>
 #include <unicode/uchar.h>
 #include <unicode/utf8.h>
-
-#include <fmt/format.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -73,7 +72,10 @@ std::string showInvisible(std::string_view text, std::size_t mostBytes) {
     for (std::int64_t at = 0; at < static_cast<std::int64_t>(end);) {
         const auto start = static_cast<std::size_t>(at);
         UChar32 character = 0;
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion" // inside the macro
         U8_NEXT(text.data(), at, size, character);
+#pragma GCC diagnostic pop
         if (character < 0)
             shown += kReplacement;
         else if (character == ' ' && (start < leading || start >= trailing))

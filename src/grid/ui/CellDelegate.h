@@ -1,5 +1,7 @@
 #pragma once
 
+#include "grid/CUGDataSource.h"
+
 #include <QStyledItemDelegate>
 
 namespace tavix {
