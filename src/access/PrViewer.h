@@ -135,9 +135,12 @@ class PrViewer {
     [[nodiscard]] ProfileCursorHandle getTableNotes(int ownerId, char kind, int order);
     [[nodiscard]] ProfileCursorHandle getFieldNotes(int fieldId, int order);
     [[nodiscard]] ProfileCursorHandle getNoteCategories();
-    /// `categoryId` -1 for none. The new note's time is now.
+    /// `categoryId` -1 for none. The new note's time is now. Texts and names: base/NoteText.h.
     bool createNewTableNote(int ownerId, char kind, int categoryId, const KvbString& user, const KvbString& text);
     bool createNewFieldNote(int fieldId, int categoryId, const KvbString& user, const KvbString& text);
+    /// The note keeps its user and its time.
+    bool editTableNote(int noteId, int categoryId, const KvbString& text);
+    bool editFieldNote(int noteId, int categoryId, const KvbString& text);
     bool deleteTableNote(int noteId);
     bool deleteFieldNote(int noteId);
     bool createNewNoteCategory(const KvbString& name);

@@ -65,6 +65,18 @@ bool PrViewer::createNewFieldNote(int fieldId, int categoryId, const KvbString& 
     });
 }
 
+bool PrViewer::editTableNote(int noteId, int categoryId, const KvbString& text) {
+    return m_impl->change([&](sql::Connection& connection) {
+        return repository::editTableNote(connection, noteId, categoryId, text.view());
+    });
+}
+
+bool PrViewer::editFieldNote(int noteId, int categoryId, const KvbString& text) {
+    return m_impl->change([&](sql::Connection& connection) {
+        return repository::editFieldNote(connection, noteId, categoryId, text.view());
+    });
+}
+
 bool PrViewer::deleteTableNote(int noteId) {
     return m_impl->change([=](sql::Connection& connection) { return repository::deleteTableNote(connection, noteId); });
 }

@@ -10,6 +10,7 @@ enum class RefreshHint {
     OptionsChanged = 5,       ///< the Options dialog was closed with OK
     TaskListLost = 6,         ///< the post-load check or a run change could not restore the task list
     HistoryDeletion = 7,      ///< run history is about to be deleted
+    NotesChanged = 8,         ///< a pane has changed notes or their categories
 };
 
 /// A pane that takes part in refreshing.

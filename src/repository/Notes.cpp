@@ -1,5 +1,6 @@
 #include "repository/Notes.h"
 
+#include "base/NoteText.h"
 #include "repository/Existence.h"
 
 #include <fmt/format.h>
@@ -33,27 +34,62 @@ Status deleteById(sql::Connection& connection, std::string_view sql, int id, std
 
 /// `id` -1 for a category that is still to be made.
 Status requireFreeName(sql::Connection& connection, std::string_view name, int id) {
-    if (name.empty())
-        return Error{"A note category needs a name."};
-    auto select = connection.prepare("SELECT 1 FROM note_category WHERE name = ?1 AND id <> ?2");
+    auto select = connection.prepare("SELECT name FROM note_category WHERE id <> ?1");
     if (!select)
         return select.error();
-    switch (select->bind(1, name).bind(2, id).step()) {
+    select->bind(1, id);
+    for (sql::Step step = select->step();; step = select->step()) {
+        if (step == sql::Step::Done)
+            return {};
+        if (step != sql::Step::Row)
+            return Error{connection.errorText()};
+        if (const std::string_view other = select->text(0); isSameNoteCategory(other, name))
+            return Error{fmt::format("There is a note category \"{}\" already.", other)};
+    }
+}
+
+Status requireOwner(sql::Connection& connection, NoteOwner kind, int owner) {
+    return kind == NoteOwner::Table ? requireTable(connection, owner) : requireCollection(connection, owner);
+}
+
+/// No foreign key watches over what a note of a table or collection speaks of.
+Status requireOwnerOf(sql::Connection& connection, int note) {
+    auto select = connection.prepare("SELECT owner_kind, owner FROM table_note WHERE id = ?1");
+    if (!select)
+        return select.error();
+    switch (select->bind(1, note).step()) {
     case sql::Step::Row:
-        return Error{fmt::format("There is a note category \"{}\" already.", name)};
+        return requireOwner(connection, select->text(0) == "C" ? NoteOwner::Collection : NoteOwner::Table,
+                            static_cast<int>(select->integer(1)));
     case sql::Step::Done:
-        return {};
+        return {}; // the change itself says that there is no such note
     default:
         return Error{connection.errorText()};
     }
+}
+
+Status changeNote(sql::Connection& connection, std::string_view sql, int note, int category, std::string_view text) {
+    const std::string tidied = tidyNote(text);
+    if (auto checked = checkNote(tidied); !checked)
+        return checked;
+    if (auto checked = requireCategory(connection, category); !checked)
+        return checked;
+    auto update = connection.prepare(sql);
+    if (!update)
+        return update.error();
+    bindCategory(*update, 2, category);
+    update->bind(1, note).bind(3, std::string_view(tidied));
+    return changeRow(connection, *update, note, "note");
 }
 
 } // namespace
 
 Status addTableNote(sql::Connection& connection, NoteOwner kind, int owner, int category, std::string_view author,
                     std::string_view text, UtcTime written) {
-    Status exists = kind == NoteOwner::Table ? requireTable(connection, owner) : requireCollection(connection, owner);
-    if (!exists)
+    const std::string tidied = tidyNote(text);
+    if (auto checked = checkNote(tidied); !checked)
+        return checked;
+    if (auto exists = requireOwner(connection, kind, owner); !exists)
         return exists;
     if (auto checked = requireCategory(connection, category); !checked)
         return checked;
@@ -64,12 +100,16 @@ Status addTableNote(sql::Connection& connection, NoteOwner kind, int owner, int 
     char letter = static_cast<char>(kind);
     insert->bind(1, std::string_view(&letter, 1)).bind(2, owner);
     bindCategory(*insert, 3, category);
-    insert->bind(4, author).bind(5, static_cast<std::int64_t>(written.time_since_epoch().count())).bind(6, text);
+    insert->bind(4, author).bind(5, static_cast<std::int64_t>(written.time_since_epoch().count()));
+    insert->bind(6, std::string_view(tidied));
     return insert->run();
 }
 
 Status addFieldNote(sql::Connection& connection, int field, int category, std::string_view author,
                     std::string_view text, UtcTime written) {
+    const std::string tidied = tidyNote(text);
+    if (auto checked = checkNote(tidied); !checked)
+        return checked;
     if (auto exists = requireField(connection, field); !exists)
         return exists;
     if (auto checked = requireCategory(connection, category); !checked)
@@ -80,8 +120,19 @@ Status addFieldNote(sql::Connection& connection, int field, int category, std::s
         return insert.error();
     insert->bind(1, field);
     bindCategory(*insert, 2, category);
-    insert->bind(3, author).bind(4, static_cast<std::int64_t>(written.time_since_epoch().count())).bind(5, text);
+    insert->bind(3, author).bind(4, static_cast<std::int64_t>(written.time_since_epoch().count()));
+    insert->bind(5, std::string_view(tidied));
     return insert->run();
+}
+
+Status editTableNote(sql::Connection& connection, int note, int category, std::string_view text) {
+    if (auto exists = requireOwnerOf(connection, note); !exists)
+        return exists;
+    return changeNote(connection, "UPDATE table_note SET category = ?2, text = ?3 WHERE id = ?1", note, category, text);
+}
+
+Status editFieldNote(sql::Connection& connection, int note, int category, std::string_view text) {
+    return changeNote(connection, "UPDATE field_note SET category = ?2, text = ?3 WHERE id = ?1", note, category, text);
 }
 
 Status deleteTableNote(sql::Connection& connection, int note) {
@@ -93,21 +144,27 @@ Status deleteFieldNote(sql::Connection& connection, int note) {
 }
 
 Status addNoteCategory(sql::Connection& connection, std::string_view name) {
-    if (auto checked = requireFreeName(connection, name, -1); !checked)
+    const std::string tidied = tidyNoteCategory(name);
+    if (auto checked = checkNoteCategory(tidied); !checked)
+        return checked;
+    if (auto checked = requireFreeName(connection, tidied, -1); !checked)
         return checked;
     auto insert = connection.prepare("INSERT INTO note_category(name) VALUES(?1)");
     if (!insert)
         return insert.error();
-    return insert->bind(1, name).run();
+    return insert->bind(1, std::string_view(tidied)).run();
 }
 
 Status renameNoteCategory(sql::Connection& connection, int category, std::string_view name) {
-    if (auto checked = requireFreeName(connection, name, category); !checked)
+    const std::string tidied = tidyNoteCategory(name);
+    if (auto checked = checkNoteCategory(tidied); !checked)
+        return checked;
+    if (auto checked = requireFreeName(connection, tidied, category); !checked)
         return checked;
     auto update = connection.prepare("UPDATE note_category SET name = ?2 WHERE id = ?1");
     if (!update)
         return update.error();
-    update->bind(1, category).bind(2, name);
+    update->bind(1, category).bind(2, std::string_view(tidied));
     return changeRow(connection, *update, category, kCategory);
 }
 

@@ -2,6 +2,7 @@
 #include "access/tests/PrViewerFixture.h"
 #include "base/LibraryDate.h"
 #include "repository/RunWriter.h"
+#include "support/RunScript.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -100,6 +101,65 @@ TEST_F(PrViewerTest, NotesAreKeptDatedAndOrdered) {
     auto fieldNotes = read(m_viewer->getFieldNotes(field("customers/balance"), 1));
     ASSERT_EQ(fieldNotes.size(), 1U) << "a note outlives its category";
     EXPECT_THAT(fieldNotes[0], ::testing::EndsWith("<null>|ada|Signs are right.|-1"));
+}
+
+TEST_F(PrViewerTest, AnEditedNoteKeepsItsUserAndItsDate) {
+    const int question = m_sample.noteCategories.at("Question");
+    const auto notes = [&] { return read(m_viewer->getTableNotes(table("customers"), 'T', 0)); };
+    const auto fieldNotes = [&] { return read(m_viewer->getFieldNotes(field("customers/balance"), 0)); };
+    const std::vector<std::string> before = notes();
+    ASSERT_EQ(before.size(), 2U);
+    ASSERT_THAT(before[0], ::testing::EndsWith("|Question|ada|Why so many nulls?|" + std::to_string(question)));
+    const std::string start = before[0].substr(0, before[0].find("|Question"));
+
+    ASSERT_TRUE(m_viewer->editTableNote(1, -1, "Answered:\r\nthey are new.\n\n")) << error();
+    EXPECT_THAT(notes(), ElementsAre(start + "|<null>|ada|Answered:\nthey are new.|-1", before[1]));
+    ASSERT_TRUE(m_viewer->editFieldNote(1, m_sample.noteCategories.at("Decision"), "Keep")) << error();
+    EXPECT_THAT(fieldNotes(), ElementsAre(::testing::HasSubstr("|Decision|ada|Keep|")));
+
+    const std::vector<std::string> now = notes();
+    expectFailure(!m_viewer->editTableNote(1, 99, "x"), "There is no note category with the number 99.");
+    expectFailure(!m_viewer->editTableNote(99, -1, "x"), "There is no note with the number 99.");
+    expectFailure(!m_viewer->editFieldNote(99, -1, "x"), "There is no note with the number 99.");
+    expectFailure(!m_viewer->editTableNote(1, -1, " \n\t"), "A note needs a text.");
+    expectFailure(!m_viewer->editFieldNote(1, -1, std::string(20001, 'x')),
+                  "The note is too long: 20001 characters, and 20000 is the most.");
+    expectFailure(!m_viewer->createNewTableNote(table("customers"), 'T', -1, "me", ""), "A note needs a text.");
+    expectFailure(!m_viewer->createNewFieldNote(field("customers/id"), -1, "me", "\xff"),
+                  "The note is not valid UTF-8.");
+    EXPECT_EQ(notes(), now);
+}
+
+TEST_F(PrViewerTest, NotesOfWhatVanishedAreErrors) {
+    const int amounts = m_sample.collections.at("Amounts");
+    auto notes = m_viewer->getTableNotes(amounts, 'C', 0);
+    ASSERT_TRUE(notes && notes->next());
+    const int note = notes->getColumnInt(layout::NoteId);
+    notes.reset();
+    testing::runScript(m_sample.path, "DELETE FROM collection_field WHERE collection = " + std::to_string(amounts) +
+                                          "; DELETE FROM collection WHERE id = " + std::to_string(amounts));
+    const std::string missing = "There is no collection with the number " + std::to_string(amounts) + ".";
+    expectFailure(!m_viewer->getTableNotes(amounts, 'C', 0), missing);
+    expectFailure(!m_viewer->createNewTableNote(amounts, 'C', -1, "me", "text"), missing);
+    expectFailure(!m_viewer->editTableNote(note, -1, "text"), missing);
+    EXPECT_TRUE(m_viewer->deleteTableNote(note)) << error();
+    expectFailure(!m_viewer->getFieldNotes(999, 0), "There is no field with the number 999.");
+}
+
+TEST_F(PrViewerTest, NoteCategoriesHaveNamesThatDiffer) {
+    const int question = m_sample.noteCategories.at("Question");
+    expectFailure(!m_viewer->createNewNoteCategory(" \t\n"), "A note category needs a name.");
+    expectFailure(!m_viewer->createNewNoteCategory("  QUESTION "), "There is a note category \"Question\" already.");
+    expectFailure(!m_viewer->editNoteCategory(question, "decision"), "There is a note category \"Decision\" already.");
+    expectFailure(!m_viewer->createNewNoteCategory(std::string(100, 'x')),
+                  "The name of the category is too long: 100 characters, and 60 is the most.");
+    expectFailure(!m_viewer->editNoteCategory(99, "x"), "There is no note category with the number 99.");
+    expectFailure(!m_viewer->deleteNoteCategory(99), "There is no note category with the number 99.");
+    ASSERT_TRUE(m_viewer->editNoteCategory(question, "question")) << "its own name in other letters: " << error();
+    ASSERT_TRUE(m_viewer->createNewNoteCategory(" To  do ")) << error();
+    EXPECT_THAT(
+        read(m_viewer->getNoteCategories()),
+        ElementsAre(::testing::EndsWith("|Decision"), ::testing::EndsWith("|To do"), ::testing::EndsWith("|question")));
 }
 
 TEST_F(PrViewerTest, ChartsKeepTheirPropertiesInOrder) {

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QDialog>
+
+#include <functional>
+#include <string>
+
+class QLineEdit;
+
+namespace tavix {
+
+/// Asks for the name of a category, and stays open until one could be stored.
+class CNoteCategoryNameDlg final : public QDialog {
+    Q_OBJECT
+  public:
+    /// `store` says by itself why a name cannot be stored.
+    CNoteCategoryNameDlg(const QString& title, const QString& name, std::function<bool(const std::string&)> store,
+                         QWidget* parent = nullptr);
+
+    [[nodiscard]] std::string Name() const;
+
+    void accept() override;
+
+  private:
+    std::function<bool(const std::string&)> m_store;
+    QLineEdit* m_name;
+};
+
+} // namespace tavix
