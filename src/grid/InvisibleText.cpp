@@ -1,9 +1,9 @@
 #include "grid/InvisibleText.h"
 
-#include <unicode/uchar.h>
-#include <unicode/utf8.h>
-
 #include <fmt/format.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -15,7 +15,6 @@ namespace {
 constexpr std::string_view kBlank = "·";
 constexpr std::string_view kTab = "→";
 constexpr std::string_view kNoBreakSpace = "⍽";
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 constexpr UChar32 kDelete = 0x7F;
 constexpr UChar32 kPictures = 0x2400;
 constexpr UChar32 kDeletePicture = 0x2421;
@@ -65,18 +64,18 @@ void appendVisible(std::string& text, UChar32 character) {
 std::string showInvisible(std::string_view text, std::size_t mostBytes) {
     const std::size_t leading = std::min(text.find_first_not_of(' '), text.size());
     const std::size_t trailing = leading == text.size() ? leading : text.find_last_not_of(' ') + 1;
-    const std::size_t end = std::min(text.size(), mostBytes);
+    std::size_t end = std::min(text.size(), mostBytes);
+    // The character that the end cuts through is looked at as a whole.
+    while (end > 0 && end < text.size() && U8_IS_TRAIL(text[end]) && end - mostBytes < U8_MAX_LENGTH)
+        ++end;
+    const auto characters = icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(end)));
+    const auto firstInner = static_cast<std::int32_t>(std::min(leading, end));
+    const std::int32_t afterInner = characters.length() - static_cast<std::int32_t>(end - std::min(trailing, end));
     std::string shown;
     shown.reserve(end);
-    // The character that the end cuts through is looked at as a whole.
-    const auto size = static_cast<std::int64_t>(text.size());
-    for (std::int64_t at = 0; at < static_cast<std::int64_t>(end);) {
-        const auto start = static_cast<std::size_t>(at);
-        UChar32 character = 0;
-        U8_NEXT(text.data(), at, size, character);
-        if (character < 0)
-            shown += kReplacement;
-        else if (character == ' ' && (start < leading || start >= trailing))
+    for (std::int32_t at = 0; at < characters.length(); at = characters.moveIndex32(at, 1)) {
+        const UChar32 character = characters.char32At(at);
+        if (character == ' ' && (at < firstInner || at >= afterInner))
             shown += kBlank;
         else
             appendVisible(shown, character);
