@@ -1,12 +1,13 @@
 #pragma once
 
+#include "base/KvbString.h"
 #include "grid/CUGDataSource.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tavix {
@@ -39,10 +40,10 @@ class ListRows : public CUGDataSource {
   protected:
     static constexpr std::int64_t kNoPin = -1;
 
-    /// `columns` may be none until ShowColumns() is called; `emptyText` is what GetEmptyText() says.
-    ListRows(std::span<const GridColumn> columns, std::string_view emptyText);
+    explicit ListRows(std::vector<GridColumn> columns, std::string_view emptyText = {})
+        : m_columns(std::move(columns)), m_emptyText(emptyText) {}
 
-    void ShowColumns(std::vector<GridColumn> columns) { m_columns = std::move(columns); }
+    void SetToolTip(int column, std::string text);
     void SetEmptyText(std::string_view text) { m_emptyText = text; }
     /// There are `count` records now. The pinned one stays last whenever the rows are sorted by the first column.
     void ShowRecords(std::size_t count, std::int64_t pinned = kNoPin);
@@ -63,7 +64,11 @@ class ListRows : public CUGDataSource {
     std::string m_error;
 };
 
-/// A cell of text; null is shown as kNullValue.
-[[nodiscard]] GridCell valueCell(const class KvbString& value, CellAlignment alignment = CellAlignment::Left);
+[[nodiscard]] GridColumn listColumn(std::string_view heading, int width, CellAlignment = CellAlignment::Left);
+[[nodiscard]] GridCell textCell(std::string_view text, CellAlignment = CellAlignment::Left);
+/// Null is shown as kNullValue.
+[[nodiscard]] GridCell valueCell(const KvbString& value);
+/// A percentage with two places and a bar that is `bar` of the cell's width.
+[[nodiscard]] GridCell percentCell(double percent, double bar);
 
 } // namespace tavix

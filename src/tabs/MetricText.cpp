@@ -3,6 +3,8 @@
 #include "base/Metrics.h"
 #include "base/NumberText.h"
 
+#include <algorithm>
+
 namespace tavix {
 
 namespace {
@@ -36,6 +38,14 @@ std::string metricText(int metricId, std::string_view typeCode, std::string_view
         --places;
     } while (text.size() >= kLongText && places >= 0);
     return text;
+}
+
+double metricBar(int metricId, std::string_view value) {
+    const auto id = static_cast<MetricId>(metricId);
+    if (id != MetricId::UniquePercent && id != MetricId::PercentNull)
+        return kNoBar;
+    const auto percent = parseNumber(value);
+    return percent ? std::clamp(*percent / 100, 0.0, 1.0) : kNoBar;
 }
 
 CellAlignment metricAlignment(int metricId) {

@@ -13,6 +13,8 @@ inline constexpr std::string_view kUnknownMetric = "(Unknown)";
 /// The value of a metric as it is shown. Mean and deviations of numeric fields (type codes I and R) that are long are
 /// rounded to as many decimal places, 6 at most, as leave fewer than 7 characters; everything else stays as it is.
 [[nodiscard]] std::string metricText(int metricId, std::string_view typeCode, std::string_view value);
+/// The share that a metric's value, a percentage of all rows, takes of a bar; kNoBar for what is no percentage.
+[[nodiscard]] double metricBar(int metricId, std::string_view value);
 /// Texts, types and places to the left, figures to the right.
 [[nodiscard]] CellAlignment metricAlignment(int metricId);
 

@@ -170,6 +170,7 @@ StdMetRows::Row StdMetRows::ReadRow(const ProfileCursor& cursor, const Collectio
             cell.state = CellState::Unknown;
         } else {
             cell.text = metricText(id, row.typeCode, value.view());
+            cell.bar = metricBar(id, value.view());
         }
         cell.alignment = metricAlignment(id);
         cell.alertMark = !m_marks.empty() && m_marks.count({row.fieldName, id}) != 0;

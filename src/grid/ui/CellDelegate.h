@@ -7,6 +7,7 @@
 namespace tavix {
 
 class GridModel;
+struct GridCell;
 
 /// Draws a cell from one fetch: bar, picture, text, the look of null and unknown, the alert corner. The tooltip shows
 /// what does not fit.

@@ -1,6 +1,8 @@
 #include "base/ui/QtText.h"
+#include "base/ui/Theme.h"
 #include "grid/CellOrder.h"
 #include "grid/ui/CUGCtrl.h"
+#include "grid/ui/Tints.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -11,6 +13,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <set>
 
@@ -192,6 +195,89 @@ TEST(CUGCtrl, widthsAreTheSourcesUntilTheUserDragsThemAndThenRemembered) {
     EXPECT_EQ(130, again.columnWidth(0));
     EXPECT_EQ(61, again.columnWidth(1));
     EXPECT_EQ(200, again.columnWidth(2));
+}
+
+// Three rows: a figure with half a bar, a text with blanks around it, a null value.
+class Drawn : public Rows {
+  public:
+    Drawn() : Rows(3, 1) {}
+    GridCell GetCell(int, std::int64_t row) const override {
+        GridCell cell;
+        cell.text = row == 0 ? "5" : row == 1 ? " a\tb " : " null ";
+        cell.alignment = CellAlignment::Right;
+        cell.bar = row == 0 ? 0.5 : kNoBar;
+        cell.state = row == 2 ? CellState::Null : CellState::Ordinary;
+        return cell;
+    }
+    bool Sort(int, bool) override { return false; }
+};
+
+QImage picture(CUGCtrl& grid, int row) {
+    return grid.viewport()->grab(grid.visualRect(grid.model()->index(row, 0))).toImage();
+}
+
+TEST(CUGCtrl, aBarTakesItsShareOfTheCell) {
+    for (const QPalette& palette : {lightPalette(), darkPalette()}) {
+        Drawn rows;
+        CUGCtrl grid;
+        grid.setPalette(palette);
+        grid.SetSource(&rows);
+        grid.resize(400, 300);
+        grid.show();
+        for (const bool selected : {false, true}) {
+            if (selected)
+                grid.SelectRow(0);
+            const QImage image = picture(grid, 0);
+            const QColor background = palette.color(selected ? QPalette::Highlight : QPalette::Base);
+            const QColor bar = tint::bar(palette, background, selected);
+            const QColor text = palette.color(selected ? QPalette::HighlightedText : QPalette::Text);
+            const int middle = image.height() / 2;
+            EXPECT_EQ(bar, image.pixelColor(image.width() / 4, middle));
+            EXPECT_EQ(background, image.pixelColor(image.width() * 5 / 8, middle));
+            EXPECT_GT(std::abs(bar.lightness() - text.lightness()), 90);
+            EXPECT_NE(bar, background);
+        }
+        EXPECT_NE(tint::bar(palette, palette.color(QPalette::Base), false),
+                  picture(grid, 1).pixelColor(10, picture(grid, 1).height() / 2));
+    }
+}
+
+TEST(CUGCtrl, invisibleCharactersAreSeenOnDemandAndCopiedAsTheyAre) {
+    Drawn rows;
+    CUGCtrl grid;
+    grid.SetSource(&rows);
+    grid.show();
+    const QImage text = picture(grid, 1);
+    const QImage null = picture(grid, 2);
+    grid.SetShowsInvisible(true);
+    EXPECT_TRUE(grid.ShowsInvisible());
+    EXPECT_NE(text, picture(grid, 1));
+    EXPECT_EQ(null, picture(grid, 2));
+    grid.SelectRow(1);
+    grid.CopySelection(false);
+    EXPECT_EQ(" a\tb \r\n", toUtf8(QApplication::clipboard()->text()));
+    grid.clearSelection();
+    grid.setCurrentIndex({});
+    grid.SetShowsInvisible(false);
+    EXPECT_EQ(text, picture(grid, 1));
+}
+
+TEST(CUGCtrl, oneRowIsNotSortedAndAnotherColumnStartsAscending) {
+    Rows one(1);
+    CUGCtrl grid;
+    grid.SetSource(&one);
+    grid.resize(600, 300);
+    grid.show();
+    clickHeading(grid, 1);
+    EXPECT_EQ(-1, grid.horizontalHeader()->sortIndicatorSection());
+
+    Rows rows(5);
+    grid.SetSource(&rows);
+    clickHeading(grid, 1);
+    clickHeading(grid, 1);
+    clickHeading(grid, 0);
+    EXPECT_EQ("row0 row1 row2 row3 row4 ", firstColumn(grid));
+    EXPECT_EQ(Qt::AscendingOrder, grid.horizontalHeader()->sortIndicatorOrder());
 }
 
 } // namespace

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "tabs/ListRows.h"
+
+namespace tavix {
+
+class PrViewer;
+
+/// The visualizations that are stored with one table.
+class ChartRows final : public ListRows {
+  public:
+    ChartRows();
+
+    /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
+    bool Fill(PrViewer& viewer, int tableId);
+    void Clear();
+
+    [[nodiscard]] int GetChartId(std::int64_t row) const { return m_charts.at(Record(row)).id; }
+
+  private:
+    struct Chart {
+        int id = -1;
+        std::string name;
+        std::string description;
+    };
+
+    [[nodiscard]] GridCell CellOf(int column, std::size_t record) const override;
+
+    std::vector<Chart> m_charts;
+};
+
+} // namespace tavix

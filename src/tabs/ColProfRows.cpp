@@ -1,0 +1,45 @@
+#include "tabs/ColProfRows.h"
+
+#include "tabs/MetricText.h"
+
+namespace tavix {
+
+namespace {
+
+constexpr int kWidth = 180;
+
+GridCell metricCell(int id, const FieldRecord& field) {
+    const auto at = static_cast<std::size_t>(id);
+    if (at >= field.metrics.size() || field.metrics[at].isNull()) {
+        GridCell cell = textCell(kUnknownMetric);
+        cell.state = CellState::Unknown;
+        return cell;
+    }
+    const std::string_view value = field.metrics[at].view();
+    GridCell cell = textCell(metricText(id, field.typeCode, value));
+    cell.bar = metricBar(id, value);
+    return cell;
+}
+
+} // namespace
+
+ColProfRows::ColProfRows() : ListRows({listColumn("Metric Name", kWidth), listColumn("Metric Value", kWidth)}) {}
+
+void ColProfRows::Fill(const FieldRecord& field, std::span<const MetricDisplay> metrics) {
+    m_metrics.clear();
+    for (const int id : metricOrder(metrics))
+        m_metrics.push_back({id, metrics[static_cast<std::size_t>(id)].description, metricCell(id, field)});
+    ShowRecords(m_metrics.size());
+}
+
+void ColProfRows::Clear() {
+    m_metrics.clear();
+    ShowRecords(0);
+}
+
+GridCell ColProfRows::CellOf(int column, std::size_t record) const {
+    const Metric& metric = m_metrics.at(record);
+    return column == 0 ? textCell(metric.name) : metric.value;
+}
+
+} // namespace tavix

@@ -1,0 +1,59 @@
+#include "tabs/Distribution.h"
+
+#include "access/Layouts.h"
+#include "base/NumberText.h"
+
+#include <limits>
+
+namespace tavix {
+
+namespace {
+
+// A cursor gives 32-bit integers, doubles and texts; doubles are exact for every count that a field can have.
+std::int64_t countOf(const ProfileCursor& rows, int column) {
+    return saturateToInt64(rows.getColumnDouble(column));
+}
+
+void add(std::int64_t& sum, std::int64_t count) {
+    if (__builtin_add_overflow(sum, count, &sum))
+        sum = count < 0 ? std::numeric_limits<std::int64_t>::min() : std::numeric_limits<std::int64_t>::max();
+}
+
+bool isFull(const Distribution& distribution, std::int64_t limit) {
+    return static_cast<std::int64_t>(distribution.entries.size()) >= limit;
+}
+
+} // namespace
+
+Distribution readValueDistribution(ProfileCursor& rows, std::int64_t limit, std::optional<std::int64_t> knownTotal) {
+    Distribution distribution;
+    std::int64_t shown = 0;
+    std::int64_t all = 0;
+    // The limit is asked first: the row after the last one shown may stand in a block of its own.
+    while (!(knownTotal && isFull(distribution, limit)) && rows.next()) {
+        const std::int64_t count = countOf(rows, layout::FreqCount);
+        add(all, count);
+        if (isFull(distribution, limit))
+            continue;
+        distribution.entries.push_back({rows.getColumnValue(layout::FreqValue), count});
+        add(shown, count);
+    }
+    distribution.total = knownTotal.value_or(all);
+    distribution.other = distribution.total > shown ? distribution.total - shown : 0;
+    return distribution;
+}
+
+Distribution readPatternDistribution(ProfileCursor& rows, std::int64_t limit) {
+    Distribution distribution;
+    while (rows.next()) {
+        const std::int64_t count = countOf(rows, layout::PatternCountColumn);
+        add(distribution.total, count);
+        if (isFull(distribution, limit))
+            add(distribution.other, count);
+        else
+            distribution.entries.push_back({rows.getColumnValue(layout::PatternText), count});
+    }
+    return distribution;
+}
+
+} // namespace tavix

@@ -1,0 +1,77 @@
+#include "tabs/DistributionRows.h"
+
+#include "base/NumberText.h"
+
+#include <algorithm>
+
+namespace tavix {
+
+namespace {
+
+constexpr int kWidth = 150;
+constexpr std::string_view kOther = "Other";
+
+std::vector<GridColumn> withFigures(std::vector<GridColumn> columns) {
+    columns.push_back(listColumn("Count", kWidth, CellAlignment::Right));
+    columns.push_back(listColumn("Percentage", kWidth, CellAlignment::Right));
+    return columns;
+}
+
+} // namespace
+
+DistributionRows::DistributionRows(std::vector<GridColumn> valueColumns)
+    : ListRows(withFigures(valueColumns)), m_countColumn(static_cast<int>(valueColumns.size())) {}
+
+void DistributionRows::Show(Distribution distribution) {
+    m_distribution = std::move(distribution);
+    m_largest = 0;
+    for (const Distribution::Entry& entry : m_distribution.entries)
+        m_largest = std::max(m_largest, entry.count);
+    const std::size_t entries = m_distribution.entries.size();
+    if (m_distribution.other != 0)
+        ShowRecords(entries + 1, static_cast<std::int64_t>(entries));
+    else
+        ShowRecords(entries);
+}
+
+void DistributionRows::ShowNotCalculated() {
+    Show({});
+    ShowPlaceholder();
+}
+
+void DistributionRows::Clear() {
+    SetEmptyText({});
+    Show({});
+}
+
+bool DistributionRows::IsOther(std::int64_t row) const {
+    return !IsPlaceholder() && IsOtherRecord(Record(row));
+}
+
+KvbString DistributionRows::GetValue(std::int64_t row) const {
+    return IsPlaceholder() || IsOther(row) ? KvbString() : Entry(Record(row)).value;
+}
+
+std::int64_t DistributionRows::GetOtherRow() const {
+    for (std::int64_t row = m_distribution.other != 0 ? GetRowCount() - 1 : -1; row >= 0; --row) {
+        if (IsOther(row))
+            return row;
+    }
+    return -1;
+}
+
+GridCell DistributionRows::CellOf(int column, std::size_t record) const {
+    const bool isOther = IsOtherRecord(record);
+    if (column < m_countColumn)
+        return !isOther ? EntryCell(column, record) : textCell(column == 0 ? kOther : std::string_view());
+    const std::int64_t count = isOther ? m_distribution.other : Entry(record).count;
+    if (column == m_countColumn)
+        return textCell(formatInteger(count), CellAlignment::Right);
+    if (m_distribution.total == 0)
+        return textCell({}, CellAlignment::Right);
+    const auto part = static_cast<double>(count);
+    const double bar = isOther || m_largest <= 0 ? kNoBar : std::max(0.0, part / static_cast<double>(m_largest));
+    return percentCell(part / static_cast<double>(m_distribution.total) * 100, bar);
+}
+
+} // namespace tavix

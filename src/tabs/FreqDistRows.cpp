@@ -1,0 +1,43 @@
+#include "tabs/FreqDistRows.h"
+
+#include "access/PrViewer.h"
+#include "base/GenException.h"
+
+namespace tavix {
+
+namespace {
+
+constexpr int kWidth = 150;
+constexpr std::string_view kFailed = "Error occurred while retrieving frequency distribution:";
+
+} // namespace
+
+FreqDistRows::FreqDistRows() : DistributionRows({listColumn("Value", kWidth)}) {}
+
+bool FreqDistRows::Fill(PrViewer& viewer, const FieldRecord& field, const KvbString& filter, std::int64_t limit) try {
+    if (field.freqCount < 1) {
+        ShowNotCalculated();
+        return true;
+    }
+    std::optional<std::int64_t> total;
+    if (filter.isEmpty()) {
+        total = viewer.getFreqDistSum(field.id);
+        if (*total < 0)
+            return Fail(kFailed, viewer.getErrorString().view());
+    }
+    const ProfileCursorHandle rows = viewer.getFreqDist(field.id, filter);
+    if (!rows)
+        return Fail(kFailed, viewer.getErrorString().view());
+    Show(readValueDistribution(*rows, limit, total));
+    SetPercentOf(total ? "Share of all processed records" : "Share of what passes the filter");
+    SetEmptyText("No value passes the filter.");
+    return true;
+} catch (const GenException& failure) {
+    return Fail(kFailed, failure.getText().view());
+}
+
+GridCell FreqDistRows::EntryCell(int, std::size_t entry) const {
+    return valueCell(Entry(entry).value);
+}
+
+} // namespace tavix

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "tabs/ListRows.h"
+
+#include <array>
+#include <optional>
+
+namespace tavix {
+
+class PrViewer;
+class ProfileCursor;
+
+/// The lowest and the highest values of one field side by side: the n-th of each share a row, and where there are
+/// fewer of one than of the other its cells are empty. Values beyond a fence carry a picture.
+class OutlierRows final : public ListRows {
+  public:
+    OutlierRows();
+
+    /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
+    bool Fill(PrViewer& viewer, int fieldId);
+    void Clear();
+
+    /// The value that a cell shows, which may be null; nothing for an empty cell and for a placeholder.
+    [[nodiscard]] std::optional<KvbString> GetValue(int column, std::int64_t row) const;
+
+  private:
+    struct Outlier {
+        KvbString value;
+        int fence = 0;
+    };
+    using Pair = std::array<std::optional<Outlier>, 2>; ///< low, high
+
+    [[nodiscard]] static std::vector<Pair> ReadPairs(ProfileCursor& rows);
+    [[nodiscard]] GridCell CellOf(int column, std::size_t record) const override;
+
+    std::vector<Pair> m_pairs;
+};
+
+} // namespace tavix

@@ -1,0 +1,45 @@
+#include "tabs/PatternDistRows.h"
+
+#include "access/PrViewer.h"
+#include "base/GenException.h"
+
+namespace tavix {
+
+namespace {
+
+constexpr int kWidth = 150;
+constexpr std::string_view kFailed = "Error occurred while retrieving pattern distribution:";
+
+} // namespace
+
+PatternDistRows::PatternDistRows()
+    : DistributionRows({listColumn("Pattern", kWidth), listColumn("Alternate", kWidth)}) {}
+
+bool PatternDistRows::Fill(PrViewer& viewer, int fieldId, const KvbString& filter, std::int64_t limit) try {
+    const int count = viewer.getPatternDistCount(fieldId);
+    if (count == 0) {
+        m_alternates.clear();
+        ShowNotCalculated();
+        return true;
+    }
+    const ProfileCursorHandle rows = count > 0 ? viewer.getPatternDist(fieldId, filter) : nullptr;
+    if (!rows)
+        return Fail(kFailed, viewer.getErrorString().view());
+    Distribution distribution = readPatternDistribution(*rows, limit);
+    std::vector<std::string> alternates;
+    for (const Distribution::Entry& entry : distribution.entries)
+        alternates.push_back(viewer.getAbbreviatedPattern(entry.value).str());
+    m_alternates = std::move(alternates);
+    SetPercentOf(filter.isEmpty() ? "Share of all records that are not null" : "Share of what passes the filter");
+    SetEmptyText("No pattern passes the filter.");
+    Show(std::move(distribution));
+    return true;
+} catch (const GenException& failure) {
+    return Fail(kFailed, failure.getText().view());
+}
+
+GridCell PatternDistRows::EntryCell(int column, std::size_t entry) const {
+    return column == 0 ? valueCell(Entry(entry).value) : textCell(m_alternates.at(entry));
+}
+
+} // namespace tavix

@@ -1,0 +1,61 @@
+#include "tabs/TableAlertRows.h"
+
+#include "access/Layouts.h"
+#include "access/PrViewer.h"
+#include "base/GenException.h"
+#include "tabs/CAlertDisplayHelper.h"
+
+namespace tavix {
+
+namespace {
+
+constexpr std::string_view kFailed = "Error occurred while retrieving alert list:";
+constexpr std::string_view kNone = "No alert is defined for this table.";
+
+std::string text(const ProfileCursor& alert, int column) {
+    return alert.getColumnValue(column).str();
+}
+
+bool belongsTo(const ProfileCursor& alert, const TableIdentity& table) {
+    using namespace layout;
+    const std::string object = text(alert, AlertObject);
+    return text(alert, AlertDsn) == table.dataSource && text(alert, AlertCatalog) == table.catalog &&
+           text(alert, AlertSchema) == table.schema &&
+           (object.empty() ? text(alert, AlertTable) : object) == table.displayName();
+}
+
+} // namespace
+
+TableAlertRows::TableAlertRows()
+    : ListRows({listColumn("Description", 300), listColumn("Type", 120), listColumn("Input", 180)}, kNone) {}
+
+bool TableAlertRows::Fill(PrViewer& viewer, const TableIdentity& table) try {
+    const ProfileCursorHandle rows = viewer.getAlerts();
+    if (!rows)
+        return Fail(kFailed, viewer.getErrorString().view());
+    const CAlertDisplayHelper words;
+    std::vector<Alert> alerts;
+    while (rows->next()) {
+        if (!belongsTo(*rows, table))
+            continue;
+        alerts.push_back({rows->getColumnInt(layout::AlertId), text(*rows, layout::AlertDescription),
+                          CAlertDisplayHelper::TypeWord(text(*rows, layout::AlertTypeCode)), words.InputText(*rows)});
+    }
+    m_alerts = std::move(alerts);
+    ShowRecords(m_alerts.size());
+    return true;
+} catch (const GenException& failure) {
+    return Fail(kFailed, failure.getText().view());
+}
+
+void TableAlertRows::Clear() {
+    m_alerts.clear();
+    ShowRecords(0);
+}
+
+GridCell TableAlertRows::CellOf(int column, std::size_t record) const {
+    const Alert& alert = m_alerts.at(record);
+    return textCell(column == 0 ? alert.description : column == 1 ? alert.type : std::string_view(alert.input));
+}
+
+} // namespace tavix

@@ -1,0 +1,139 @@
+#include "support/RunScript.h"
+#include "tabs/ColProfRows.h"
+#include "tabs/OutlierRows.h"
+#include "tabs/PercentileRows.h"
+#include "tabs/PkFkRows.h"
+#include "tabs/tests/RowsText.h"
+#include "tabs/tests/SampleViewer.h"
+
+#include <gmock/gmock.h>
+
+namespace tavix {
+namespace {
+
+using ::testing::ElementsAre;
+using testing::headingsOf;
+using testing::lineOf;
+using testing::linesOf;
+using ::testing::StartsWith;
+
+using FieldRows = testing::SampleViewer;
+
+TEST_F(FieldRows, columnProfilingShowsEveryMetricInTheUsersOrder) {
+    std::vector<MetricDisplay> metrics;
+    for (const MetricInfo& metric : metricCatalogue())
+        metrics.push_back({std::string(metric.name), false, 1});
+    metrics[index(MetricId::StandardDeviation)].position = 0;
+    metrics[index(MetricId::PercentNull)].shown = true;
+
+    ColProfRows rows;
+    rows.Fill(field("customers/balance"), metrics);
+    EXPECT_EQ("Metric Name:180|Metric Value:180", headingsOf(rows));
+    ASSERT_EQ(24, rows.GetRowCount());
+    EXPECT_EQ("Standard Deviation|1234567", lineOf(rows, 0));
+    EXPECT_EQ("Count|1000", lineOf(rows, 1));
+    EXPECT_EQ("Mean|12.346", lineOf(rows, 11));
+    EXPECT_EQ("Median|1.5", lineOf(rows, 12));
+    EXPECT_EQ("Precision|(Unknown)?", lineOf(rows, 20));
+    EXPECT_EQ(static_cast<int>(MetricId::StandardDeviation), rows.GetMetricId(0));
+
+    // Of a text field no figure is rounded, and percentages of all rows have a bar.
+    FieldRecord text = field("customers/name");
+    text.metrics[index(MetricId::Mean)] = "12.3456789";
+    rows.Fill(text, metrics);
+    EXPECT_EQ("Mean|12.3456789", lineOf(rows, 11));
+    EXPECT_EQ("Unique Percent|0.4[0.00]", lineOf(rows, 22));
+    EXPECT_EQ("Percent Null|22.8[0.23]", lineOf(rows, 23));
+    text.metrics[index(MetricId::PercentNull)] = "not a number";
+    rows.Fill(text, metrics);
+    EXPECT_EQ("Percent Null|not a number", lineOf(rows, 23));
+    rows.Clear();
+    EXPECT_EQ(0, rows.GetRowCount());
+}
+
+TEST_F(FieldRows, percentilesShowIntervalsAndValuesAndTheirRule) {
+    PercentileRows rows;
+    ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/balance")));
+    EXPECT_EQ("Interval:180|Value:180", headingsOf(rows));
+    EXPECT_EQ("Value, by linear", rows.GetColumn(1).toolTip);
+    EXPECT_THAT(linesOf(rows), ElementsAre("5%|-3.5", "25%|-3.5", "50%|1.5", "75%|12.3456789", "95%|(null value)~"));
+    EXPECT_TRUE(rows.GetValue(4).isNull());
+    ASSERT_TRUE(rows.Sort(1, true));
+    EXPECT_EQ("95%|(null value)~", lineOf(rows, 0));
+    EXPECT_EQ(4, rows.GetRowKey(0));
+
+    ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/name")));
+    EXPECT_THAT(linesOf(rows), ElementsAre("(Not calculated)?|"));
+    EXPECT_TRUE(rows.IsPlaceholder());
+}
+
+TEST_F(FieldRows, theNthLowestAndHighestValueShareARow) {
+    OutlierRows rows;
+    ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/balance").id));
+    EXPECT_EQ("Minimum Values:180|Maximum Values:180", headingsOf(rows));
+    const std::string beyond = fmt::format("<{}>", static_cast<int>(CellIcon::BeyondFence));
+    const std::string farBeyond = fmt::format("<{}>", static_cast<int>(CellIcon::FarBeyondFence));
+    EXPECT_THAT(linesOf(rows), ElementsAre("-900" + farBeyond + "|9000" + beyond, "-899|8999" + beyond, "-898|8998",
+                                           "|8997", "|8996"));
+    EXPECT_EQ(KvbString("-898"), rows.GetValue(0, 2));
+    EXPECT_EQ(std::nullopt, rows.GetValue(0, 3));
+    EXPECT_EQ(KvbString("8997"), rows.GetValue(1, 3));
+
+    ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/name").id));
+    EXPECT_THAT(linesOf(rows), ElementsAre("(Not calculated)?|"));
+    EXPECT_EQ(std::nullopt, rows.GetValue(0, 0));
+}
+
+TEST_F(FieldRows, damagedOutliersAreLeftOut) {
+    const int balance = field("customers/balance").id;
+    testing::runScript(m_sample.path,
+                       fmt::format("UPDATE outlier SET value = NULL WHERE field = {0} AND side = 'L' AND position = 1;"
+                                   "UPDATE outlier SET position = 2000000000 WHERE field = {0} AND side = 'H' AND "
+                                   "position = 3;"
+                                   "UPDATE outlier SET position = -5 WHERE field = {0} AND side = 'H' AND position = 4",
+                                   balance));
+    OutlierRows rows;
+    ASSERT_TRUE(rows.Fill(*m_viewer, balance));
+    ASSERT_EQ(3, rows.GetRowCount());
+    EXPECT_THAT(lineOf(rows, 1), StartsWith("(null value)~|8999"));
+    EXPECT_EQ(KvbString(), rows.GetValue(0, 1));
+}
+
+TEST_F(FieldRows, keyAnalysesTellWhereTheOtherFieldIs) {
+    PkFkRows rows;
+    ASSERT_TRUE(rows.Fill(*m_viewer, m_sample.fields.at("suppliers/id")));
+    EXPECT_EQ("Field Name:100|Table Name:100|Schema Name:100|Catalog Name:100|Data Source Name:115|"
+              ">Match Percentage:115",
+              headingsOf(rows));
+    EXPECT_THAT(linesOf(rows), ElementsAre("id|customers|public|crm|Warehouse|>60.00[0.60]"));
+    EXPECT_EQ(m_sample.fields.at("customers/id"), rows.GetOtherFieldId(0));
+    EXPECT_EQ("", rows.GetEmptyText());
+
+    ASSERT_TRUE(rows.Fill(*m_viewer, m_sample.fields.at("customers/name")));
+    EXPECT_EQ(0, rows.GetRowCount());
+    EXPECT_EQ("No primary key/foreign key analysis of this field is stored.", rows.GetEmptyText());
+}
+
+TEST_F(FieldRows, aFailureLeavesTheRowsThatAreShown) {
+    const FieldRecord balance = field("customers/balance");
+    PercentileRows percentiles;
+    OutlierRows outliers;
+    PkFkRows keys;
+    ASSERT_TRUE(percentiles.Fill(*m_viewer, balance));
+    ASSERT_TRUE(outliers.Fill(*m_viewer, balance.id));
+    ASSERT_TRUE(keys.Fill(*m_viewer, m_sample.fields.at("suppliers/id")));
+    m_viewer->close();
+    EXPECT_FALSE(percentiles.Fill(*m_viewer, balance));
+    EXPECT_FALSE(outliers.Fill(*m_viewer, balance.id));
+    EXPECT_FALSE(keys.Fill(*m_viewer, m_sample.fields.at("suppliers/id")));
+    EXPECT_EQ(5, percentiles.GetRowCount());
+    EXPECT_EQ(5, outliers.GetRowCount());
+    EXPECT_EQ(1, keys.GetRowCount());
+    const std::string reason = "\n\n" + m_viewer->getErrorString().str();
+    EXPECT_EQ("Error occurred while retrieving percentiles:" + reason, percentiles.GetErrorText());
+    EXPECT_EQ("Error occurred while retrieving outliers:" + reason, outliers.GetErrorText());
+    EXPECT_EQ("Error occurred while retrieving analysis results:" + reason, keys.GetErrorText());
+}
+
+} // namespace
+} // namespace tavix

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "grid/CUGDataSource.h"
+
+#include <fmt/format.h>
+
+#include <string>
+#include <vector>
+
+namespace tavix::testing {
+
+/// A row as it is seen: "text|text", with "?" behind what is unknown, "~" behind what stands for null, "<n>" for a
+/// picture and "[share]" for a bar; right-aligned texts begin with ">".
+inline std::string lineOf(const CUGDataSource& rows, std::int64_t row) {
+    std::string line;
+    for (int column = 0; column < rows.GetColumnCount(); ++column) {
+        const GridCell cell = rows.GetCell(column, row);
+        line += column > 0 ? "|" : "";
+        line += cell.alignment == CellAlignment::Right ? ">" : "";
+        line += cell.text;
+        line += cell.state == CellState::Unknown ? "?" : cell.state == CellState::Null ? "~" : "";
+        if (cell.icon != CellIcon::None)
+            line += fmt::format("<{}>", static_cast<int>(cell.icon));
+        if (cell.bar >= 0)
+            line += fmt::format("[{:.2f}]", cell.bar);
+    }
+    return line;
+}
+
+inline std::vector<std::string> linesOf(const CUGDataSource& rows) {
+    std::vector<std::string> lines;
+    for (std::int64_t row = 0; row < rows.GetRowCount(); ++row)
+        lines.push_back(lineOf(rows, row));
+    return lines;
+}
+
+/// "heading:width" of every column, with ">" before headings to the right.
+inline std::string headingsOf(const CUGDataSource& rows) {
+    std::string text;
+    for (int column = 0; column < rows.GetColumnCount(); ++column) {
+        const GridColumn heading = rows.GetColumn(column);
+        text += fmt::format("{}{}{}:{}", column > 0 ? "|" : "", heading.alignment == CellAlignment::Right ? ">" : "",
+                            heading.heading, heading.width);
+    }
+    return text;
+}
+
+} // namespace tavix::testing
