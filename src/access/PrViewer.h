@@ -26,7 +26,8 @@ struct TextFileInfo {
 /// says why. Ids are those of the repository; table and field ids name the same object in every run. "Run" is what
 /// the names below call a job, for a report is a job with its runs: getJobs lists runs.
 ///
-/// Operations that concern values, metrics and structure speak of the current run. Cursor layouts: access/Layouts.h.
+/// Operations that concern values, metrics and structure speak of the current run; the values of a field that it does
+/// not have are those of the latest run that does, as in collections. Cursor layouts: access/Layouts.h.
 class PrViewer {
   public:
     struct Release {

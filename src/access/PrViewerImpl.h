@@ -64,12 +64,16 @@ struct PrViewer::Impl {
     [[nodiscard]] Result<std::int64_t> integer(std::string_view sql, std::initializer_list<std::int64_t> parameters,
                                                std::string_view missing) const;
 
-    /// A number that the current run keeps for a field; `sql` takes the run and the field.
+    /// The current run if it has the field, else the latest of any report that does.
+    [[nodiscard]] Result<int> runOfField(int field) const;
+    /// A number that this run keeps for the field; `sql` takes the run and the field.
     [[nodiscard]] Result<std::int64_t> fieldNumber(std::string_view sql, int field) const;
     /// As an operation gives it: -1 on failure.
     std::int64_t giveNumber(const Result<std::int64_t>& number);
     ProfileCursorHandle openDistribution(std::string_view operation, const repository::DistributionKey& key,
                                          const Result<std::int64_t>& rows);
+    ProfileCursorHandle openFieldDistribution(std::string_view operation, int field,
+                                              repository::DistributionKind kind, std::string_view rowsSql);
 
     /// Opens the repository for writing and runs `work` in one transaction.
     bool change(const std::function<Status(sql::Connection&)>& work);

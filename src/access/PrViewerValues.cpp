@@ -20,14 +20,28 @@ constexpr std::string_view kHighOutliers =
     "SELECT (SELECT COUNT(*) FROM outlier p WHERE p.run = rf.run AND p.field = rf.field AND p.side = 'H') "
     "FROM run_field rf WHERE rf.run = ?1 AND rf.field = ?2";
 
+// Collections show fields of other reports too: those have the values of the latest run that knows them.
+constexpr std::string_view kRunOfField =
+    "SELECT run FROM run_field WHERE field = ?2 AND run IN (SELECT id FROM run) ORDER BY run = ?1 DESC, run DESC LIMIT 1";
+
 constexpr std::string_view kFilters = "Filters are";
 
 } // namespace
 
-Result<std::int64_t> PrViewer::Impl::fieldNumber(std::string_view sql, int field) const {
+Result<int> PrViewer::Impl::runOfField(int field) const {
     if (auto ready = requireRun(); !ready)
         return ready.error();
-    return integer(sql, {run, field}, fmt::format("There is no field with the number {} in this run.", field));
+    auto found = integer(kRunOfField, {run, field}, fmt::format("There is no field with the number {}.", field));
+    if (!found)
+        return found.error();
+    return static_cast<int>(*found);
+}
+
+Result<std::int64_t> PrViewer::Impl::fieldNumber(std::string_view sql, int field) const {
+    auto ofRun = runOfField(field);
+    if (!ofRun)
+        return ofRun.error();
+    return integer(sql, {*ofRun, field}, fmt::format("There is no field with the number {}.", field));
 }
 
 std::int64_t PrViewer::Impl::giveNumber(const Result<std::int64_t>& number) {
@@ -47,32 +61,39 @@ ProfileCursorHandle PrViewer::Impl::openDistribution(std::string_view operation,
     return ProfileCursorHandle(cursor->release());
 }
 
+ProfileCursorHandle PrViewer::Impl::openFieldDistribution(std::string_view operation, int field,
+                                                          repository::DistributionKind kind, std::string_view rowsSql) {
+    auto ofRun = runOfField(field);
+    if (!ofRun)
+        return failCursor(ofRun.error());
+    return openDistribution(operation, {*ofRun, field, kind}, fieldNumber(rowsSql, field));
+}
+
 ProfileCursorHandle PrViewer::getFreqDist(int fieldId, const KvbString& filter) {
     if (!filter.isEmpty())
         return m_impl->unavailable(kFilters);
-    return m_impl->openDistribution("getFreqDist", {m_impl->run, fieldId, repository::DistributionKind::Values},
-                                    m_impl->fieldNumber(kValueRows, fieldId));
+    return m_impl->openFieldDistribution("getFreqDist", fieldId, repository::DistributionKind::Values, kValueRows);
 }
 
 ProfileCursorHandle PrViewer::getPatternDist(int fieldId, const KvbString& filter) {
     if (!filter.isEmpty())
         return m_impl->unavailable(kFilters);
-    return m_impl->openDistribution("getPatternDist", {m_impl->run, fieldId, repository::DistributionKind::Patterns},
-                                    m_impl->fieldNumber(kPatternRows, fieldId));
+    return m_impl->openFieldDistribution("getPatternDist", fieldId, repository::DistributionKind::Patterns,
+                                         kPatternRows);
 }
 
 ProfileCursorHandle PrViewer::getPercentiles(int fieldId) {
     static const Query kQuery("getPercentiles",
                               "FROM percentile p WHERE p.run = ?1 AND p.field = ?2 ORDER BY p.position");
-    auto found = m_impl->fieldNumber(kValueRows, fieldId);
-    return m_impl->open(found ? Status{} : Status{found.error()}, kQuery, {m_impl->run, fieldId});
+    auto ofRun = m_impl->runOfField(fieldId);
+    return ofRun ? m_impl->open({}, kQuery, {*ofRun, fieldId}) : m_impl->failCursor(ofRun.error());
 }
 
 ProfileCursorHandle PrViewer::getOutliers(int fieldId) {
     static const Query kQuery("getOutliers", "FROM outlier p WHERE p.run = ?1 AND p.field = ?2 "
                                              "ORDER BY p.side DESC, p.position");
-    auto found = m_impl->fieldNumber(kValueRows, fieldId);
-    return m_impl->open(found ? Status{} : Status{found.error()}, kQuery, {m_impl->run, fieldId});
+    auto ofRun = m_impl->runOfField(fieldId);
+    return ofRun ? m_impl->open({}, kQuery, {*ofRun, fieldId}) : m_impl->failCursor(ofRun.error());
 }
 
 int PrViewer::getFreqDistCount(int fieldId) {

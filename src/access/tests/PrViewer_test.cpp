@@ -179,8 +179,11 @@ TEST_F(PrViewerTest, ReadsDistributions) {
     EXPECT_EQ(ids->getColumnDouble(layout::FreqCount), 1.0);
     expectFailure(!m_viewer->getFreqDist(field("customers/id"), "value = 1"),
                   "Filters are not available in this version.");
-    expectFailure(!m_viewer->getFreqDist(999, ""), "There is no field with the number 999 in this run.");
+    expectFailure(!m_viewer->getFreqDist(999, ""), "There is no field with the number 999.");
     EXPECT_EQ(m_viewer->getFreqDistCount(999), -1);
+    // Collections show fields of other reports.
+    EXPECT_THAT(read(m_viewer->getFreqDist(field("parts/Column 1"), "")), ElementsAre("bolt|1", "nut|1"));
+    EXPECT_EQ(m_viewer->getFreqDistSum(field("parts/Column 1")), 2);
     EXPECT_EQ(m_viewer->getAbbreviatedPattern("99999-aa"), KvbString("9{5}-aa"));
 }
 

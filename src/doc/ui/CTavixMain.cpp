@@ -2,6 +2,7 @@
 
 #include "doc/ui/CTavixView.h"
 #include "tabs/ui/CFieldView.h"
+#include "tabs/ui/CNoteCategoriesDlg.h"
 #include "tabs/ui/CTableView.h"
 
 #include <array>
@@ -11,11 +12,14 @@ namespace tavix {
 
 namespace {
 
-constexpr std::array<CommandRow<CTavixMain>, 2> kCommands = {{
+constexpr std::array<CommandRow<CTavixMain>, 3> kCommands = {{
     {{CommandId::Options, "Choose metrics, limits and fonts\nOptions..."}, &CTavixMain::OnOptions},
     {{CommandId::DeleteHistory, "Delete old runs of this report\nDelete History..."},
      &CTavixMain::OnDeleteHistory,
      &CTavixMain::CanDeleteHistory},
+    {{CommandId::NoteCategories, "Add, edit, and delete note categories.\nNote Categories..."},
+     &CTavixMain::OnNoteCategories,
+     &CTavixMain::HasTitle},
 }};
 
 constexpr std::span<const CommandRow<CTavixMain>> kRows(kCommands);
@@ -56,6 +60,11 @@ void CTavixMain::OnOptions() {
 
 void CTavixMain::OnDeleteHistory() {
     m_view.OnDeleteHistory();
+}
+
+void CTavixMain::OnNoteCategories() {
+    if (CNoteCategoriesDlg::Run(m_view.GetTavixDoc(), &m_view))
+        m_view.Broadcast(RefreshHint::NotesChanged);
 }
 
 bool CTavixMain::CanDeleteHistory() const {

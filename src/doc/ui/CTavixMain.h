@@ -21,6 +21,7 @@ class CTavixMain {
 
     void OnOptions();
     void OnDeleteHistory();
+    void OnNoteCategories();
     [[nodiscard]] bool CanDeleteHistory() const;
     [[nodiscard]] bool HasTitle() const;
     /// There is something that export and print could act on.

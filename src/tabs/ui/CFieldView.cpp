@@ -55,6 +55,10 @@ CommandState CFieldView::UpdateCommand(int commandId) const {
     return state.handled ? state : stateOf(CommandRows(), *this, commandId);
 }
 
+bool CFieldView::CanAddNote() const {
+    return m_notes->CanAddNote();
+}
+
 void CFieldView::OnAddNote() {
     SelectTab(Notes);
     m_notes->AddNote();

@@ -26,7 +26,7 @@ class CFieldView final : public CReportView {
     [[nodiscard]] static std::span<const CommandRow<CFieldView>> CommandRows();
 
     void OnAddNote();
-    [[nodiscard]] bool CanAddNote() const { return GetSubject().field.has_value(); }
+    [[nodiscard]] bool CanAddNote() const;
     void OnDetach();
     [[nodiscard]] bool CanDetach() const { return !IsTornOff(); }
 

@@ -14,7 +14,9 @@ namespace tavix {
 namespace {
 
 constexpr std::array<CommandRow<CTableView>, 2> kCommands = {{
-    {{CommandId::AddTableNote, "Add a note to the table notes list\nAdd Note to Table..."}, &CTableView::OnAddNote},
+    {{CommandId::AddTableNote, "Add a note to the table notes list\nAdd Note to Table..."},
+     &CTableView::OnAddNote,
+     &CTableView::CanAddNote},
     {{CommandId::DetachTabs, "Detach current tabs view\nDetach View"}, &CTableView::OnDetach, &CTableView::CanDetach},
 }};
 
@@ -50,6 +52,10 @@ bool CTableView::ExecuteCommand(int commandId) {
 CommandState CTableView::UpdateCommand(int commandId) const {
     const CommandState state = CReportView::UpdateCommand(commandId);
     return state.handled ? state : stateOf(CommandRows(), *this, commandId);
+}
+
+bool CTableView::CanAddNote() const {
+    return m_notes->CanAddNote();
 }
 
 void CTableView::OnAddNote() {

@@ -27,6 +27,7 @@ class CTableView final : public CReportView {
     [[nodiscard]] static std::span<const CommandRow<CTableView>> CommandRows();
 
     void OnAddNote();
+    [[nodiscard]] bool CanAddNote() const;
     void OnDetach();
     [[nodiscard]] bool CanDetach() const { return !IsTornOff(); }
 
