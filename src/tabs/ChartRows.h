@@ -13,7 +13,7 @@ class ChartRows final : public ListRows {
 
     /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
     bool Fill(PrViewer& viewer, int tableId);
-    void Clear();
+    void Clear() override;
 
     [[nodiscard]] int GetChartId(std::int64_t row) const { return m_charts.at(Record(row)).id; }
 

@@ -12,7 +12,7 @@ class ColProfRows final : public ListRows {
     ColProfRows();
 
     void Fill(const FieldRecord& field, std::span<const MetricDisplay> metrics);
-    void Clear();
+    void Clear() override;
 
     [[nodiscard]] int GetMetricId(std::int64_t row) const { return m_metrics.at(Record(row)).id; }
 

@@ -19,7 +19,7 @@ std::vector<GridColumn> withFigures(std::vector<GridColumn> columns) {
 
 } // namespace
 
-DistributionRows::DistributionRows(std::vector<GridColumn> valueColumns)
+DistributionRows::DistributionRows(const std::vector<GridColumn>& valueColumns)
     : ListRows(withFigures(valueColumns)), m_countColumn(static_cast<int>(valueColumns.size())) {}
 
 void DistributionRows::Show(Distribution distribution) {

@@ -12,7 +12,7 @@ class PrViewer;
 /// when the rows are sorted by the first column, and takes part in every other order.
 class DistributionRows : public ListRows {
   public:
-    void Clear();
+    void Clear() override;
 
     /// The row that sums what is not shown.
     [[nodiscard]] bool IsOther(std::int64_t row) const;
@@ -25,7 +25,7 @@ class DistributionRows : public ListRows {
 
   protected:
     /// The count's column, after those of the value; the percentage follows it.
-    explicit DistributionRows(std::vector<GridColumn> valueColumns);
+    explicit DistributionRows(const std::vector<GridColumn>& valueColumns);
 
     /// What the percentages are a share of, in words.
     void SetPercentOf(std::string_view text) { SetToolTip(m_countColumn + 1, std::string(text)); }

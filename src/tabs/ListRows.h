@@ -22,6 +22,8 @@ inline constexpr std::string_view kNotCalculated = "(Not calculated)";
 /// is the index of its record.
 class ListRows : public CUGDataSource {
   public:
+    /// No rows.
+    virtual void Clear() = 0;
     /// Why the last filling failed, as it is to be shown; "" when it did not.
     [[nodiscard]] const std::string& GetErrorText() const { return m_error; }
     /// A sentence that says why there are no rows; "" when there are.

@@ -18,7 +18,7 @@ class OutlierRows final : public ListRows {
 
     /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
     bool Fill(PrViewer& viewer, int fieldId);
-    void Clear();
+    void Clear() override;
 
     /// The value that a cell shows, which may be null; nothing for an empty cell and for a placeholder.
     [[nodiscard]] std::optional<KvbString> GetValue(int column, std::int64_t row) const;

@@ -14,7 +14,7 @@ class PercentileRows final : public ListRows {
 
     /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
     bool Fill(PrViewer& viewer, const FieldRecord& field);
-    void Clear();
+    void Clear() override;
 
     /// Null for a percentile without a value. Only of a row that is no placeholder.
     [[nodiscard]] const KvbString& GetValue(std::int64_t row) const { return m_percentiles.at(Record(row)).value; }

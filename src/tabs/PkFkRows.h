@@ -13,7 +13,7 @@ class PkFkRows final : public ListRows {
 
     /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
     bool Fill(PrViewer& viewer, int fieldId);
-    void Clear();
+    void Clear() override;
 
     [[nodiscard]] int GetOtherFieldId(std::int64_t row) const { return m_analyses.at(Record(row)).otherFieldId; }
     [[nodiscard]] const std::string& GetFieldName(std::int64_t row) const {

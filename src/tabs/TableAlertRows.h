@@ -15,7 +15,7 @@ class TableAlertRows final : public ListRows {
 
     /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
     bool Fill(PrViewer& viewer, const TableIdentity& table);
-    void Clear();
+    void Clear() override;
 
     [[nodiscard]] int GetAlertId(std::int64_t row) const { return m_alerts.at(Record(row)).id; }
 

@@ -1,0 +1,88 @@
+#include "tabs/ui/CListTab.h"
+
+#include "base/ui/QtText.h"
+#include "base/ui/Theme.h"
+#include "doc/CTavixDoc.h"
+#include "doc/Settings.h"
+#include "grid/ui/CUGCtrl.h"
+
+#include <QLabel>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+namespace tavix {
+
+CListTab::CListTab(const char* name, CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent)
+    : CProfTab(site, subject, isTornOff, parent),
+      m_stack(new QStackedWidget(this)),
+      m_grid(new CUGCtrl(this)),
+      m_note(new QLabel(this)) {
+    setObjectName(toQString(name).toLower().remove(u' '));
+    m_grid->setAccessibleName(toQString(name));
+    m_note->setObjectName(QStringLiteral("note"));
+    // Reasons quote the data.
+    m_note->setTextFormat(Qt::PlainText);
+    m_note->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_note->setAlignment(Qt::AlignCenter);
+    m_note->setWordWrap(true);
+    m_note->setMargin(12);
+    m_stack->addWidget(m_grid);
+    m_stack->addWidget(m_note);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_stack);
+}
+
+// The grid must not ask for rows while they are torn down.
+CListTab::~CListTab() {
+    m_grid->SetSource(nullptr);
+}
+
+QWidget* CListTab::GetLastTabStop() {
+    return m_stack->currentWidget() == m_grid ? m_grid : nullptr;
+}
+
+void CListTab::TakeRows(std::unique_ptr<ListRows> rows) {
+    m_grid->SetSource(rows.get());
+    m_rows = std::move(rows);
+}
+
+void CListTab::Fill(bool isSameObject) {
+    if (!m_rows)
+        return;
+    CTavixDoc& document = Site().GetTavixDoc();
+    PrViewer* viewer = document.GetViewer();
+    const std::string obstacle = viewer ? GetObstacle() : std::string();
+    bool failed = false;
+    {
+        const std::unique_ptr<Messages::Busy> busy = document.GetMessages().busy();
+        if (!viewer || !obstacle.empty())
+            m_rows->Clear();
+        else
+            failed = !FillRows(*viewer);
+    }
+    if (failed) {
+        // A tab may be filled while it is being shown, when it is too early for a box.
+        QMetaObject::invokeMethod(
+            this, [&document, text = m_rows->GetErrorText()] { document.GetMessages().warn(text); },
+            Qt::QueuedConnection);
+        if (isSameObject)
+            return;
+    }
+    const std::string note = failed ? m_rows->GetErrorText() : obstacle;
+    if (failed)
+        m_rows->Clear();
+    const std::int64_t current = isSameObject ? m_grid->GetCurrentRow() : -1;
+    m_grid->setFont(toQFont(readStatFont(document.GetSettings()), font()));
+    m_grid->SourceChanged();
+    m_grid->SelectRow(current);
+    ShowNote(!note.empty() || !viewer ? note : m_rows->GetEmptyText());
+    RowsChanged();
+}
+
+void CListTab::ShowNote(const std::string& note) {
+    m_note->setText(toQString(note));
+    m_stack->setCurrentWidget(note.empty() ? static_cast<QWidget*>(m_grid) : m_note);
+}
+
+} // namespace tavix

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "tabs/ListRows.h"
+#include "tabs/ui/CProfTab.h"
+
+#include <memory>
+#include <utility>
+
+class QLabel;
+class QStackedWidget;
+
+namespace tavix {
+
+class CUGCtrl;
+class PrViewer;
+
+/// A tab that is one list: a grid, or a sentence that says why it would be empty. A class derived from it makes the
+/// rows and fills them.
+class CListTab : public CProfTab {
+    Q_OBJECT
+  public:
+    ~CListTab() override;
+
+    QWidget* GetLastTabStop() override;
+
+  protected:
+    /// `name` is the list's for screen readers, and for what is remembered of it.
+    CListTab(const char* name, CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent);
+
+    /// Takes the list's rows; what is given back lives until the next call.
+    template <typename Rows>
+    Rows& ShowRows(std::unique_ptr<Rows> rows) {
+        Rows& kept = *rows;
+        TakeRows(std::move(rows));
+        return kept;
+    }
+    [[nodiscard]] CUGCtrl& Grid() const { return *m_grid; }
+
+    void Fill(bool isSameObject) final;
+    /// Why there is nothing to read for the subject; "" when there is.
+    [[nodiscard]] virtual std::string GetObstacle() const = 0;
+    /// Fills the rows anew; false, with the rows as they were, when the repository fails.
+    virtual bool FillRows(PrViewer& viewer) = 0;
+    /// Called after each filling.
+    virtual void RowsChanged() {}
+
+  private:
+    void TakeRows(std::unique_ptr<ListRows> rows);
+    void ShowNote(const std::string& note);
+
+    std::unique_ptr<ListRows> m_rows; ///< null until the derived class has some
+    QStackedWidget* m_stack;
+    CUGCtrl* m_grid;
+    QLabel* m_note;
+};
+
+} // namespace tavix
