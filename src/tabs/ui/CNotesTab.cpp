@@ -85,7 +85,7 @@ CNotesTab::CNotesTab(CViewSite& site, const ReportSubject& subject, bool isTornO
     m_splitter->addWidget(m_grid);
     m_splitter->addWidget(MakeReadingPane());
     m_splitter->setChildrenCollapsible(false);
-    m_splitter->setHandleWidth(5);
+    m_splitter->setHandleWidth(1);
     m_splitter->setStretchFactor(0, 3);
     m_splitter->setStretchFactor(1, 2);
     m_emptyPage = MakeEmptyPage();
@@ -265,10 +265,9 @@ void CNotesTab::Fill(bool isSameObject) {
         document.GetMessages().warn("Error occurred while retrieving notes:\n\n" + m_rows.GetErrorText());
 }
 
-/// A width that was set stands beside the stretching until that begins anew.
+/// Others keep the widths that the user gave them; the notes take what is left.
 void CNotesTab::FitLastColumn() {
-    m_grid->horizontalHeader()->setStretchLastSection(false);
-    m_grid->horizontalHeader()->setStretchLastSection(true);
+    m_grid->horizontalHeader()->setSectionResizeMode(m_rows.GetColumnCount() - 1, QHeaderView::Stretch);
 }
 
 /// The note that should be selected, and the row beside which the user was if there is no such note.
