@@ -21,7 +21,7 @@ struct ColumnInfo {
     int width;
 };
 
-constexpr std::array<ColumnInfo, 4> kColumns = {{{"Date", 170}, {"Category", 110}, {"User", 90}, {"Note", 400}}};
+constexpr std::array<ColumnInfo, 4> kColumns = {{{"Date", 190}, {"Category", 110}, {"User", 90}, {"Note", 400}}};
 
 constexpr int kNewestFirst = 1;
 constexpr int kOldestFirst = 0;

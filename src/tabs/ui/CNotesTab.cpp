@@ -80,12 +80,12 @@ CNotesTab::CNotesTab(CViewSite& site, const ReportSubject& subject, bool isTornO
     MakeActions();
     m_grid->setObjectName(QStringLiteral("notes"));
     m_grid->setAccessibleName(tr("Notes"));
-    m_grid->horizontalHeader()->setStretchLastSection(true);
     m_grid->SetSource(&m_rows);
+    FitLastColumn();
     m_splitter->addWidget(m_grid);
     m_splitter->addWidget(MakeReadingPane());
     m_splitter->setChildrenCollapsible(false);
-    m_splitter->setHandleWidth(5);
+    m_splitter->setHandleWidth(1);
     m_splitter->setStretchFactor(0, 3);
     m_splitter->setStretchFactor(1, 2);
     m_emptyPage = MakeEmptyPage();
@@ -256,12 +256,18 @@ void CNotesTab::Fill(bool isSameObject) {
     m_isUnreadable = viewer && !filled && m_rows.GetRowCount() == 0;
     m_grid->SourceChanged();
     m_grid->SetColumnWidths(widths);
+    FitLastColumn();
     ShowRows(m_showsLatest ? m_rows.GetLatestNote() : currentNote,
              isSameObject ? std::max<std::int64_t>(currentRow, 0) : 0);
     m_showsLatest = false;
     busy.reset();
     if (viewer && !filled)
         document.GetMessages().warn("Error occurred while retrieving notes:\n\n" + m_rows.GetErrorText());
+}
+
+/// Others keep the widths that the user gave them; the notes take what is left.
+void CNotesTab::FitLastColumn() {
+    m_grid->horizontalHeader()->setSectionResizeMode(m_rows.GetColumnCount() - 1, QHeaderView::Stretch);
 }
 
 /// The note that should be selected, and the row beside which the user was if there is no such note.

@@ -43,6 +43,7 @@ class CNotesTab : public CProfTab {
     [[nodiscard]] QWidget* MakeToolRow();
     [[nodiscard]] QWidget* MakeReadingPane();
     [[nodiscard]] QWidget* MakeEmptyPage();
+    void FitLastColumn();
     void ShowRows(int note, std::int64_t row);
     void ShowNote(std::int64_t row);
     void ShowActions();
