@@ -153,6 +153,9 @@ void CUGCtrl::SetWidthMemory(std::unique_ptr<ColumnWidthMemory> memory) {
 void CUGCtrl::ColumnDragged(int column, int width) {
     if (m_placingColumns || !m_widths || column >= m_model->columnCount())
         return;
+    // What takes the room that is left was not dragged.
+    if (horizontalHeader()->sectionResizeMode(column) == QHeaderView::Stretch)
+        return;
     m_dragged[m_model->source()->GetColumn(column).heading] = width * 96 / logicalDpiX();
     m_keepWidths.start();
 }

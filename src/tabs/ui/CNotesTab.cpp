@@ -247,7 +247,6 @@ void CNotesTab::Fill(bool isSameObject) {
     const std::int64_t currentRow = m_grid->GetCurrentRow();
     const int currentNote = isSameObject && currentRow >= 0 ? m_rows.GetNote(currentRow).id : -1;
     PrViewer* viewer = document.GetViewer();
-    const std::vector<int> widths = m_grid->GetColumnWidths();
     m_filled = m_subjectOf(Subject());
     if (!isSameObject || !viewer)
         m_rows.Clear();
@@ -255,7 +254,6 @@ void CNotesTab::Fill(bool isSameObject) {
         viewer && m_rows.Fill(*viewer, m_filled, readFlag(document.GetSettings(), Setting::NotesSortOrder));
     m_isUnreadable = viewer && !filled && m_rows.GetRowCount() == 0;
     m_grid->SourceChanged();
-    m_grid->SetColumnWidths(widths);
     FitLastColumn();
     ShowRows(m_showsLatest ? m_rows.GetLatestNote() : currentNote,
              isSameObject ? std::max<std::int64_t>(currentRow, 0) : 0);

@@ -42,6 +42,9 @@ class Site final : public CViewSite, public DocumentFrame {
     NavigatorPage GetMode() const override { return NavigatorPage::Tables; }
     const ReportSelection& GetSelection() const override { return m_selection; }
     void SelectionChanged(NavigatorPage, const ReportSelection&) override {}
+    bool SelectField(int) override { return false; }
+    bool Navigate(const NavigateRequest&) override { return false; }
+    std::string GetDetailsText(const ReportSelection&) override { return {}; }
     void Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) override {
         sent.push_back(hint);
         for (CRefreshItem* item : listeners)
