@@ -8,6 +8,7 @@
 #include "cli/HelpFormatter.h"
 #include "cli/Interruption.h"
 #include "cli/JobsCommand.h"
+#include "cli/NotesCommand.h"
 #include "cli/ProfileCommand.h"
 #include "cli/RunsCommand.h"
 #include "cli/ShowCommand.h"
@@ -55,6 +56,7 @@ Commands makeCommands() {
     commands.push_back(std::make_unique<TablesCommand>());
     commands.push_back(std::make_unique<FieldsCommand>());
     commands.push_back(std::make_unique<ShowCommand>());
+    commands.push_back(std::make_unique<NotesCommand>());
     commands.push_back(std::make_unique<DeleteHistoryCommand>());
     return commands;
 }

@@ -63,6 +63,29 @@ void appendEscape(std::string& out, UChar32 character) {
     out += number < 0x100 ? fmt::format("\\x{:02x}", number) : fmt::format("\\u{:04x}", number);
 }
 
+/// Appends a text without line ends to `lines`.
+void fold(std::string_view paragraph, std::size_t width, std::vector<std::string>& lines) {
+    std::size_t start = 0;   // of the line
+    std::size_t lastGap = 0; // behind the last blank at which the line may end
+    std::size_t used = 0;
+    for (std::size_t position = 0; position < paragraph.size();) {
+        const std::size_t begin = position;
+        const std::size_t taken = characterWidth(nextCharacter(paragraph, position));
+        if (used + taken > width && begin > start && paragraph[begin] != ' ') {
+            const std::size_t end = lastGap > start ? lastGap : begin;
+            std::string_view line = paragraph.substr(start, end - start);
+            line = line.substr(0, line.find_last_not_of(' ') + 1);
+            lines.emplace_back(line);
+            start = end;
+            used = displayWidth(paragraph.substr(start, begin - start));
+        }
+        used += taken;
+        if (paragraph[begin] == ' ')
+            lastGap = position;
+    }
+    lines.emplace_back(paragraph.substr(start));
+}
+
 } // namespace
 
 std::size_t displayWidth(std::string_view text) {
@@ -88,6 +111,16 @@ std::string printable(std::string_view text) {
             out += text.substr(begin, position - begin);
     }
     return out;
+}
+
+std::vector<std::string> foldToWidth(std::string_view text, std::size_t width) {
+    std::vector<std::string> lines;
+    for (std::size_t start = 0; start <= text.size();) {
+        const std::size_t end = std::min(text.find('\n', start), text.size());
+        fold(printable(text.substr(start, end - start)), width, lines);
+        start = end + 1;
+    }
+    return lines;
 }
 
 std::string cutToWidth(std::string_view text, std::size_t width) {

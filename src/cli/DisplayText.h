@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Text for a terminal: how wide it is there, and made harmless.
 namespace tavix::cli {
@@ -16,5 +17,9 @@ namespace tavix::cli {
 
 /// `text` when it fits into `width` columns; else its beginning and "…".
 [[nodiscard]] std::string cutToWidth(std::string_view text, std::size_t width);
+
+/// `text` as lines of at most `width` columns, made harmless: folded at its line ends and between words, and within a
+/// word that is longer than a line. At least one line.
+[[nodiscard]] std::vector<std::string> foldToWidth(std::string_view text, std::size_t width);
 
 } // namespace tavix::cli

@@ -19,6 +19,8 @@ struct Column {
         Number,
         /// A value of a field: a figure in the rows whose `typeColumn` says integer or real, else text.
         TypedValue,
+        /// Text that people write, in the last column: text shows all of it, folded into lines.
+        Prose,
     };
 
     std::string key;   ///< the name in JSON and CSV

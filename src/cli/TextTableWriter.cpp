@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::size_t kRowsForWidths = 1000;
 constexpr std::size_t kWidestCell = 60;
+constexpr std::size_t kWidestProse = 72;
 constexpr std::string_view kGap = "  ";
 
 } // namespace
@@ -65,9 +66,15 @@ TextTableWriter::Cell TextTableWriter::makeCell(const KvbDatavar& value, const C
         cell.text = m_section.nullText;
     else if (const double* real = std::get_if<double>(&value.storage()); real && column.places >= 0)
         cell.text = formatFixed(*real, column.places);
-    else
+    else if (column.kind == Column::Kind::Prose) {
+        cell.more = foldToWidth(value.toText().view(), kWidestProse);
+        cell.text = std::move(cell.more.front());
+        cell.more.erase(cell.more.begin());
+    } else
         cell.text = cutToWidth(printable(value.toText().view()), kWidestCell);
     cell.width = displayWidth(cell.text);
+    for (const std::string& line : cell.more)
+        cell.width = std::max(cell.width, displayWidth(line));
     cell.right = column.kind == Column::Kind::Number;
     return cell;
 }
@@ -103,6 +110,16 @@ void TextTableWriter::writeRow(std::span<const Cell> cells) {
     }
     m_line.erase(m_line.find_last_not_of(' ') + 1);
     m_line += '\n';
+    if (!cells.empty() && !cells.back().more.empty()) {
+        std::size_t indent = 0;
+        for (std::size_t i = 0; i + 1 < cells.size(); ++i)
+            indent += m_widths[i] + kGap.size();
+        for (const std::string& line : cells.back().more) {
+            if (!line.empty())
+                m_line.append(indent, ' ').append(line);
+            m_line += '\n';
+        }
+    }
     m_output.write(m_line);
 }
 

@@ -4,8 +4,9 @@
 
 namespace tavix::cli {
 
-/// Aligned columns for reading. Control characters are shown as escapes, long cells are cut with "…", null as
-/// the section has it. The widths follow from the first rows; a later, wider cell pushes its line to the right.
+/// Aligned columns for reading. Control characters are shown as escapes, long cells are cut with "…" and
+/// prose is folded, null is as the section has it. The widths follow from the first rows; a later, wider cell pushes
+/// its line to the right.
 class TextTableWriter final : public TableWriter {
   public:
     TextTableWriter(Output& output, Sections sections) : m_output(output), m_several(sections == Sections::Several) {}
@@ -20,6 +21,7 @@ class TextTableWriter final : public TableWriter {
         std::string text;
         std::size_t width = 0;
         bool right = false;
+        std::vector<std::string> more = {}; ///< further lines, of the last column
     };
     [[nodiscard]] Cell makeCell(const KvbDatavar& value, const Column& column) const;
     void writeWaiting();

@@ -15,7 +15,7 @@ class PrViewer;
 class NoteRows final : public CUGDataSource {
   public:
     /// Dates are shown in the form of `locale`.
-    explicit NoteRows(std::locale locale = userLocale()) : m_locale(std::move(locale)) {}
+    explicit NoteRows(const std::locale& locale = userLocale()) : m_locale(locale) {}
 
     /// Reads the notes, the newest first or the oldest. False when the repository fails: GetErrorText() then says why,
     /// and the rows are those of before.

@@ -279,11 +279,52 @@ TEST_F(CommandLine, DeletingHistoryKeepsTheLatestAndNeedsAWord) {
     EXPECT_EQ(asJson({"show", "--field", "people.id", "--values"}).size(), 4U);
 }
 
+TEST_F(CommandLine, NotesAreAddedAndListed) {
+    EXPECT_THAT(asJson({"notes", "--table", "people"}), IsEmpty());
+    EXPECT_EQ(run({"notes", "--table", "people"}).out, "(none)\n");
+    const json added =
+        asJson({"notes", "--table", "people", "--add", "Two\r\nlines, \"quoted\" ", "--category", "Todo"});
+    ASSERT_EQ(added.size(), 1U);
+    EXPECT_EQ(added[0]["note"], "Two\nlines, \"quoted\"");
+    EXPECT_EQ(added[0]["category"], "Todo");
+    EXPECT_FALSE(added[0]["user"].get<std::string>().empty());
+    const json second = asJson({"notes", "--table", "people", "--add", "=plain"});
+    ASSERT_EQ(second.size(), 1U) << "the new one alone";
+    EXPECT_TRUE(second[0]["category"].is_null());
+    // Another spelling of a category that is there already.
+    ASSERT_EQ(asJson({"notes", "-f", "people.city", "--add", "of a field", "--category", " TODO "})[0]["category"],
+              "Todo");
+
+    ASSERT_EQ(profile().exitCode, 0);
+    EXPECT_EQ(asJson({"notes", "--table", "people"}), json::array({added[0], second[0]})) << "notes outlive a run";
+    EXPECT_EQ(asJson({"notes", "--table", "people", "--field", "city"}).size(), 1U);
+    const std::vector<CsvRow> csv = asCsv({"notes", "--table", "people"});
+    ASSERT_EQ(csv.size(), 3U);
+    EXPECT_THAT(csv[0], ElementsAre("date", "category", "user", "note"));
+    EXPECT_EQ(csv[1][3], "Two\nlines, \"quoted\"");
+    EXPECT_EQ(csv[2][1], std::nullopt);
+    EXPECT_THAT(run({"notes", "--table", "people"}).out, ::testing::ContainsRegex("  Two\n +lines, \"quoted\"\n"));
+}
+
+TEST_F(CommandLine, WrongNotesAreRefusedAndLeaveNothing) {
+    expectFailure(2, {"notes"}, "notes of what?");
+    expectFailure(2, {"notes", "--table", "people", "--category", "x"}, "--category goes with --add");
+    expectFailure(2, {"notes", "--table", "people", "--add", " \n"}, "A note needs a text.");
+    expectFailure(2, {"notes", "--table", "people", "--add", std::string(20001, 'x')}, "20000 is the most");
+    expectFailure(2, {"notes", "--table", "people", "--add", "\xff"}, "not valid UTF-8");
+    expectFailure(2, {"notes", "--table", "people", "--add", "x", "--category", ""}, "needs a name");
+    expectFailure(2, {"notes", "--table", "nix", "--add", "x", "--category", "New"}, "there is no table \"nix\"");
+    expectFailure(3, {"notes", "--table", "people", "--add", "x", "-o", m_folder.file("none/out")}, "cannot write");
+    EXPECT_THAT(asJson({"notes", "--table", "people"}), IsEmpty());
+    // None of them has made its category: the first spelling that is stored is this one.
+    EXPECT_EQ(asJson({"notes", "--table", "people", "--add", "x", "--category", "NEW"})[0]["category"], "NEW");
+}
+
 TEST_F(CommandLine, HelpAndVersionAreEnough) {
     const Outcome help = runTavix({"--help"});
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_EQ(help.err, "");
-    for (const char* command : {"profile", "jobs", "runs", "tables", "fields", "show", "delete-history"}) {
+    for (const char* command : {"profile", "jobs", "runs", "tables", "fields", "show", "notes", "delete-history"}) {
         EXPECT_THAT(help.out, HasSubstr(command));
         const Outcome own = runTavix({command, "--help"});
         EXPECT_EQ(own.exitCode, 0);

@@ -35,5 +35,17 @@ TEST(DisplayText, CutTextFitsAndKeepsWholeCharacters) {
     EXPECT_EQ(cutToWidth("abc", 0), "");
 }
 
+TEST(DisplayText, ProseIsFoldedBetweenWords) {
+    using Lines = std::vector<std::string>;
+    EXPECT_EQ(foldToWidth("", 5), Lines({""}));
+    EXPECT_EQ(foldToWidth("ab cd ef", 5), Lines({"ab cd", "ef"}));
+    EXPECT_EQ(foldToWidth("ab cd   ef", 6), Lines({"ab cd", "ef"}));
+    EXPECT_EQ(foldToWidth("one\n\ntwo\n", 5), Lines({"one", "", "two", ""}));
+    EXPECT_EQ(foldToWidth("a longestword b", 6), Lines({"a", "longes", "tword", "b"}));
+    EXPECT_EQ(foldToWidth("日本語 x", 4), Lines({"日本", "語 x"}));
+    EXPECT_EQ(foldToWidth("\x1b[2J x", 20), Lines({"\\x1b[2J x"}));
+    EXPECT_EQ(foldToWidth("日本", 1), Lines({"日", "本"})) << "a character too wide still comes";
+}
+
 } // namespace
 } // namespace tavix::cli

@@ -53,6 +53,20 @@ TEST(TextTableWriter, AlignsByDisplayWidthAndNumbersToTheRight) {
     EXPECT_EQ(written({}, {{kValues, {}}}), "(none)\n");
 }
 
+TEST(TextTableWriter, ProseGoesOnBelowItself) {
+    const Section notes{"notes", "Notes", {{"user", "User"}, {"note", "Note", Column::Kind::Prose}}};
+    const std::string word(40, 'x');
+    EXPECT_EQ(written({}, {{notes, {{"ada", "one\n\ntwo"}, {"grace", word + " " + word}, {"bob", KvbDatavar()}}}}),
+              "User   Note\n"
+              "-----  ----------------------------------------\n"
+              "ada    one\n"
+              "\n"
+              "       two\n"
+              "grace  " +
+                  word + "\n       " + word + "\nbob    -\n");
+    EXPECT_EQ(written({Format::Csv}, {{notes, {{"ada", "one\n\ntwo"}}}}), "user,note\nada,\"one\n\ntwo\"\n");
+}
+
 TEST(TextTableWriter, RowsBehindTheSettledWidthsStillCome) {
     std::vector<Row> rows(1500, Row{"ab", 1});
     rows.push_back({"much wider", 123456});

@@ -324,7 +324,7 @@ void CNotesTab::AddNote() {
 }
 
 void CNotesTab::EditNote(std::int64_t row) {
-    if (row < 0 || row >= m_rows.GetRowCount())
+    if (row < 0 || row >= m_rows.GetRowCount() || !Site().GetTavixDoc().GetViewer())
         return;
     const Note note = m_rows.GetNote(row);
     CNoteDlg dialog(Site().GetTavixDoc(), m_filled, note, toQString(m_rows.DateText(note)), window());
