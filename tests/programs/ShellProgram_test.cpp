@@ -62,7 +62,8 @@ TEST_F(ShellProgram, drawsItsWindowsIntoFiles) {
     const Outcome outcome = runShell({sample.path, "--job", "Sales", "--scheme", "light", "--screenshots", m_pictures});
     ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
     const std::map<std::string, Picture> found = pictures();
-    for (const char* name : {"welcome", "reports", "table", "collection", "field"}) {
+    for (const char* name : {"welcome", "reports", "table-1-standard-metrics", "collection", "analyses",
+                             "field-2-frequency-distribution"}) {
         const auto picture = found.find(std::string(name) + ".png");
         ASSERT_NE(picture, found.end()) << name;
         EXPECT_EQ(picture->second.width, 1280U) << name;

@@ -2,6 +2,7 @@
 
 #include "access/Layouts.h"
 #include "base/GenException.h"
+#include "base/ui/QtText.h"
 #include "doc/CTavixApp.h"
 #include "doc/ConnectionCredentials.h"
 #include "doc/DisplaySettings.h"
@@ -257,6 +258,30 @@ void CTavixView::CloseTearOffs() {
     m_tearOffs.clear();
 }
 
+void CTavixView::ShowEmptyView() {
+    struct Words {
+        const char* nothing;
+        const char* nothingAdvice;
+        const char* choose;
+        const char* chooseAdvice;
+    };
+    static constexpr std::array<Words, 3> kWords = {{
+        {"This report has no tables", "The run that is shown has not profiled any.", "No table selected",
+         "Select a table on the left to see the metrics of its fields."},
+        {"There are no collections", "A job file can define collections of fields that belong together.",
+         "No collection selected", "Select a collection on the left to compare its fields."},
+        {"There are no redundant data analyses", "An analysis compares the values of fields that may hold the same.",
+         "No results to show", "This version lists the analyses of the repository, and does not show their results."},
+    }};
+    const Words& words = kWords[static_cast<std::size_t>(m_mode)];
+    if (!m_document->HasReport())
+        m_empty->SetText(QStringLiteral("No report is open"), {});
+    else if (m_navigator->IsPageEmpty())
+        m_empty->SetText(toQString(words.nothing), toQString(words.nothingAdvice));
+    else
+        m_empty->SetText(toQString(words.choose), toQString(words.chooseAdvice));
+}
+
 void CTavixView::ShowReportPane() {
     const bool hasFigures =
         m_selection.kind == ReportSelection::Kind::Table || m_selection.kind == ReportSelection::Kind::Collection;
@@ -268,14 +293,7 @@ void CTavixView::ShowReportPane() {
         return;
     }
     RemoveReportView();
-    if (!m_document->HasReport())
-        m_empty->SetText(QStringLiteral("No report is open"), {});
-    else if (m_mode == NavigatorPage::Collections)
-        m_empty->SetText(QStringLiteral("No collection selected"),
-                         QStringLiteral("Select a collection on the left to compare its fields."));
-    else
-        m_empty->SetText(QStringLiteral("No table selected"),
-                         QStringLiteral("Select a table on the left to see the metrics of its fields."));
+    ShowEmptyView();
     m_reportPane->setCurrentWidget(m_empty);
 }
 

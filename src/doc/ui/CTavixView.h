@@ -128,6 +128,7 @@ class CTavixView final : public SplitFrame,
     void Remember();
     [[nodiscard]] bool HasLoadedTables() const;
     void ShowReportPane();
+    void ShowEmptyView();
     void ReplaceReportView(ReportPaneKind kind);
     void RemoveReportView();
     void Detach();

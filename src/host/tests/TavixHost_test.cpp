@@ -63,9 +63,17 @@ class HostOverSample : public ::testing::Test {
     [[nodiscard]] QTreeView& tree(int page) {
         return *m_view->findChild<QTreeView*>(QStringLiteral("page%1").arg(page));
     }
-    [[nodiscard]] QWidget& metrics() { return *m_view->findChild<QWidget*>(QStringLiteral("standardMetrics")); }
-    [[nodiscard]] QTableView& grid() { return *metrics().findChild<QTableView*>(); }
-    [[nodiscard]] std::string title() { return toUtf8(metrics().findChild<QLabel*>()->text()); }
+    [[nodiscard]] bool isShown(const char* name) {
+        const auto* widget = m_view->findChild<QWidget*>(QLatin1String(name));
+        return widget && widget->isVisible();
+    }
+    /// The list of the tab of that name.
+    [[nodiscard]] QTableView& grid(const char* tab = "standardMetrics") {
+        return *m_view->findChild<QWidget*>(QLatin1String(tab))->findChild<QTableView*>();
+    }
+    [[nodiscard]] std::string title() {
+        return toUtf8(m_view->findChild<QLabel*>(QStringLiteral("viewTitle"))->text());
+    }
     [[nodiscard]] std::string selected(int page) { return toUtf8(tree(page).currentIndex().data().toString()); }
 
     tavix::testing::TempFolder m_folder;
@@ -127,7 +135,7 @@ TEST_F(HostOverSample, aTableIsSelectedByNameAndShown) {
 
 TEST_F(HostOverSample, somethingIsShownSoonAfterLoading) {
     ASSERT_TRUE(load());
-    EXPECT_TRUE(QTest::qWaitFor([this] { return metrics().isVisible(); }, 5000));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return isShown("standardMetrics"); }, 5000));
     EXPECT_GT(grid().model()->rowCount(), 0);
 }
 
@@ -150,19 +158,28 @@ TEST_F(HostOverSample, selectionSurvivesAChangeOfRunWhereTheTableExists) {
     ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "", "", "late orders"));
     ASSERT_TRUE(m_host.SetCurrentRun(m_sample.salesRuns.front()));
     EXPECT_EQ("Warehouse", selected(0));
-    EXPECT_FALSE(metrics().isVisible());
+    EXPECT_FALSE(isShown("standardMetrics"));
 }
 
-TEST_F(HostOverSample, keysWalkFromATableToItsFieldAndTheGridFollows) {
+TEST_F(HostOverSample, keysWalkFromATableToItsFieldsAndTheViewsFollow) {
     ASSERT_TRUE(load());
     ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
     m_host.SetInternalFocus();
     QTest::keyClick(&tree(0), Qt::Key_Right);
     QTest::keyClick(&tree(0), Qt::Key_Down);
     QTest::keyClick(&tree(0), Qt::Key_Down);
-    EXPECT_EQ(1, grid().currentIndex().row());
-    EXPECT_EQ(selected(0), toUtf8(grid().model()->index(1, 0).data().toString()));
+    EXPECT_EQ("name", selected(0));
+    EXPECT_EQ("name", title());
+    EXPECT_TRUE(isShown("fieldView"));
+    EXPECT_EQ(nullptr, m_view->findChild<QWidget*>(QStringLiteral("tableView")));
+    QTest::keyClick(&tree(0), Qt::Key_Left);
     EXPECT_EQ("customers", title());
+    // Enter on a field of the table opens it.
+    grid().setFocus();
+    grid().selectRow(2);
+    QTest::keyClick(&grid(), Qt::Key_Return);
+    EXPECT_EQ("balance", selected(0));
+    EXPECT_EQ("balance", title());
 }
 
 TEST_F(HostOverSample, commandsFollowTheNavigatorsPage) {
@@ -180,10 +197,10 @@ TEST_F(HostOverSample, commandsFollowTheNavigatorsPage) {
 
     EXPECT_FALSE(m_host.ExecuteCommand(1));
     EXPECT_EQ(TavixCommandState{}, m_host.ExecuteUpdateUICommand(1));
-    EXPECT_EQ(9U, TavixHost::GetCommands().size());
+    EXPECT_EQ(14U, TavixHost::GetCommands().size());
     EXPECT_TRUE(m_host.ExecuteCommand(static_cast<int>(CommandId::New)));
     EXPECT_FALSE(m_host.HasReport());
-    EXPECT_FALSE(metrics().isVisible());
+    EXPECT_FALSE(isShown("standardMetrics"));
 }
 
 TEST_F(HostOverSample, deletingHistoryIsTheShellsToAllow) {

@@ -78,6 +78,11 @@ NavigatorPage CTables::GetPage() const {
     return static_cast<NavigatorPage>(m_tabs->currentIndex());
 }
 
+bool CTables::IsPageEmpty() const {
+    const TreeModel& shown = *m_pages[static_cast<std::size_t>(GetPage())].model;
+    return shown.rowCount() == 0 && !shown.canFetchMore({});
+}
+
 void CTables::ShowPage(NavigatorPage number) {
     m_tabs->setCurrentIndex(static_cast<int>(number));
 }

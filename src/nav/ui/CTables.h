@@ -45,6 +45,8 @@ class CTables final : public QWidget, public CRefreshItem, public CommandTarget 
     /// message, when it could not be added.
     int AddSelectedFieldToCollection(int collectionId);
     [[nodiscard]] NavigatorPage GetPage() const;
+    /// Whether the page that is showing lists anything.
+    [[nodiscard]] bool IsPageEmpty() const;
     void ShowPage(NavigatorPage page);
     void SetInternalFocus();
     /// The tree of the page that is showing.

@@ -195,6 +195,7 @@ TEST_F(ShellAccess, contextMenusOpenWithAKeyAndAddFieldsToCollections) {
     tree()->expand(table);
     tree()->setCurrentIndex(tree()->model()->index(3, 0, table));
     EXPECT_THAT(chooseSecondCollection(tree()), ElementsAre("&Add to Collection", "&Copy Name"));
+    tree()->setCurrentIndex(table);
     EXPECT_EQ("Customer keys", collectionsOfRow(3));
     EXPECT_THAT(m_messages.texts, ElementsAre());
 }

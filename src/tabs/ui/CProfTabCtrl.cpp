@@ -4,13 +4,13 @@
 
 #include <QPaintEvent>
 #include <QPainter>
-#include <QTimer>
+#include <QToolButton>
 
 namespace tavix {
 
 namespace {
 
-constexpr int kPadding = 11;
+constexpr int kPadding = 8;
 constexpr int kRest = 2; // how much lower a tab begins that is not selected
 
 } // namespace
@@ -23,6 +23,14 @@ CProfTabCtrl::CProfTabCtrl(QWidget* parent) : QTabBar(parent) {
     setDrawBase(false);
     setUsesScrollButtons(true);
     setFocusPolicy(Qt::TabFocus);
+    // They lie over captions that have no room.
+    for (auto* arrow : findChildren<QToolButton*>()) {
+        arrow->setAutoFillBackground(true);
+        arrow->setBackgroundRole(QPalette::Base);
+        arrow->setAccessibleName(arrow->objectName().contains(QLatin1String("Left"))
+                                     ? QStringLiteral("Tabs to the left")
+                                     : QStringLiteral("Tabs to the right"));
+    }
     connect(this, &QTabBar::tabBarDoubleClicked, this, &CProfTabCtrl::TabDoubleClicked, Qt::QueuedConnection);
 }
 

@@ -53,6 +53,8 @@ ViewHeader::ViewHeader(QWidget* parent)
       m_detail(new QLabel(this)),
       m_details(new QToolButton(this)),
       m_detach(new QToolButton(this)) {
+    m_title->setObjectName(QStringLiteral("viewTitle"));
+    m_detail->setObjectName(QStringLiteral("viewDetail"));
     QFont titleFont = font();
     titleFont.setPointSizeF(titleFont.pointSizeF() * 1.25);
     titleFont.setWeight(QFont::DemiBold);
@@ -81,11 +83,10 @@ ViewHeader::ViewHeader(QWidget* parent)
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(12, 7, 8, 7);
-    layout->setSpacing(12);
-    layout->addWidget(m_title);
-    layout->addWidget(m_detail, 1, Qt::AlignBottom);
-    layout->addWidget(m_details);
     layout->setSpacing(4);
+    layout->addWidget(m_title);
+    layout->addWidget(m_detail, 1);
+    layout->addWidget(m_details);
     layout->addWidget(m_detach);
     ApplyLook();
 }
