@@ -23,6 +23,25 @@ namespace {
 
 // Typing looks at no more rows than this, so that a key press never waits.
 constexpr int kSearchedRows = 200'000;
+// Sorting this many rows takes long enough to show that it goes on.
+constexpr int kManyRows = 100'000;
+
+class WaitCursor {
+  public:
+    explicit WaitCursor(bool shown) : m_shown(shown) {
+        if (shown)
+            QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    }
+    ~WaitCursor() {
+        if (m_shown)
+            QGuiApplication::restoreOverrideCursor();
+    }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+
+  private:
+    bool m_shown;
+};
 
 } // namespace
 
@@ -219,6 +238,7 @@ void CUGCtrl::SortBy(int column, bool descending) {
     CUGDataSource* source = m_model->source();
     if (!source || m_model->rowCount() < 2)
         return;
+    const WaitCursor wait(m_model->rowCount() >= kManyRows);
     std::unordered_set<std::int64_t> selected;
     for (const std::int64_t row : GetSelectedRows())
         selected.insert(source->GetRowKey(row));
