@@ -5,10 +5,6 @@
 
 namespace tavix {
 
-std::string_view KindWord(DistributionKind kind) {
-    return kind == DistributionKind::Frequency ? "Frequency" : "Pattern";
-}
-
 std::vector<std::string> ComparisonInput::Fields(DistributionKind kind) {
     const std::string word(KindWord(kind));
     return {word + " value", word + " count"};

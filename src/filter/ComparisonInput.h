@@ -1,6 +1,7 @@
 #pragma once
 
 #include "filter/CCondition.h"
+#include "filter/DistributionKind.h"
 
 #include <string>
 #include <string_view>
@@ -8,11 +9,6 @@
 #include <vector>
 
 namespace tavix {
-
-/// The two distributions that can be filtered.
-enum class DistributionKind { Frequency, Pattern };
-/// "Frequency" or "Pattern".
-[[nodiscard]] std::string_view KindWord(DistributionKind kind);
 
 /// How the values of a comparison are entered.
 enum class ValueMode { Single = 0, Multiple = 1 };
