@@ -254,6 +254,12 @@ TEST_F(Dialog, OkRefusesAnUnfinishedList) {
     model.AddLeftParenthesis();
     messages.expectWarn("Invalid expression: Extra left parenthesis", "Invalid Value");
     EXPECT_FALSE(model.Accept());
+    // The list does not matter to a user who writes the code.
+    ASSERT_TRUE(model.SetEditMode(true));
+    EXPECT_TRUE(model.Accept());
+    EXPECT_EQ(model.FilterText(),
+              "Cannot display expression:\r\n\r\nCondition list contains an extra left parenthesis");
+    ASSERT_TRUE(model.SetEditMode(false));
     CCondition closing = onCount(FilterOperation::EqualTo, {"1"});
     closing.rightParen = true;
     model.LoadText(expectedText("extra_right.filter"));

@@ -112,6 +112,14 @@ TEST(ValueFilter, ReadsAsAUserWouldWriteIt) {
 
     EXPECT_EQ(words(first, {"a"}, ValueChoice::Keep), firstWords + "Value equal to \"a\"");
     EXPECT_EQ(words(first, {"a"}, ValueChoice::Exclude), firstWords + "(Value not equal to \"a\" OR\r\nValue is null)");
+    // Conditions that say what goes are added to with OR, which needs no parentheses.
+    const std::string removing = filterOf(
+        {onValue(Operation::IsNull), kOr, onValue(Operation::EqualTo, {"b"}), kAnd, onCount(Operation::EqualTo, {"1"})},
+        FilterAction::RemovePassing);
+    const std::string removingWords = "Value is null OR\r\nValue equal to \"b\" AND\r\nCount equal to 1 OR\r\n";
+    EXPECT_EQ(words(removing, {"a"}, ValueChoice::Exclude), removingWords + "Value equal to \"a\"");
+    EXPECT_EQ(words(removing, {"a"}, ValueChoice::Keep),
+              removingWords + "Value not equal to \"a\" OR\r\nValue is null");
     const auto twice = FilterByValues(*FilterByValues(first, kFrequency, {null}, ValueChoice::Exclude), kFrequency,
                                       {"a"}, ValueChoice::Keep);
     EXPECT_EQ(wordsOf(twice), firstWords + "Value is not null AND\r\nValue equal to \"a\"");
