@@ -1,0 +1,66 @@
+#include "filter/FilterFile.h"
+
+#include "filter/Characters.h"
+#include "filter/FilterMessages.h"
+
+#include <array>
+#include <filesystem>
+#include <istream>
+#include <ostream>
+
+namespace tavix {
+
+namespace {
+
+Error failure(const filter_messages::Message& message) {
+    return {std::string(message.text)};
+}
+
+/// A folder can be opened like a file and only then fails to be read.
+bool isFolder(const std::string& path) {
+    std::error_code code;
+    return std::filesystem::is_directory(path, code);
+}
+
+} // namespace
+
+Result<std::ifstream> openFilterToRead(const std::string& path) {
+    std::ifstream file;
+    if (!isFolder(path))
+        file.open(path, std::ios::binary);
+    if (!file.is_open())
+        return failure(filter_messages::kCannotOpen);
+    return file;
+}
+
+Result<std::ofstream> openFilterToWrite(const std::string& path) {
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    if (!file.is_open())
+        return failure(filter_messages::kCannotOpen);
+    return file;
+}
+
+Result<std::string> readFilter(std::istream& file) {
+    std::array<char, 2> header{};
+    if (!file.read(header.data(), header.size()))
+        return failure(filter_messages::kNoFilterFile);
+    const auto low = static_cast<unsigned char>(header[0]);
+    const auto high = static_cast<unsigned char>(header[1]);
+    std::string text(static_cast<std::size_t>(low) | static_cast<std::size_t>(high) << 8u, '\0');
+    if (!file.read(text.data(), static_cast<std::streamsize>(text.size())))
+        return failure(filter_messages::kCutFilterFile);
+    return RepairedText(text);
+}
+
+Status writeFilter(std::ostream& file, std::string_view text) {
+    const std::size_t length = text.size() & 0xFFFFu;
+    const std::array<char, 2> header = {static_cast<char>(length & 0xFFu), static_cast<char>(length >> 8u)};
+    file.write(header.data(), header.size());
+    file.write(text.data(), static_cast<std::streamsize>(length));
+    file.flush();
+    if (!file)
+        return failure(filter_messages::kCannotWrite);
+    return {};
+}
+
+} // namespace tavix

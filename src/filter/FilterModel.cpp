@@ -1,0 +1,250 @@
+#include "filter/FilterModel.h"
+
+#include "filter/ConditionBlock.h"
+#include "filter/FilterFile.h"
+#include "filter/FilterMessages.h"
+
+#include <stdexcept>
+#include <utility>
+
+namespace tavix {
+
+namespace {
+
+void warn(Messages& messages, const filter_messages::Message& message) {
+    messages.warn(message.text, message.caption);
+}
+
+bool hasLoneLineFeed(std::string_view text) {
+    for (std::size_t at = text.find('\n'); at != std::string_view::npos; at = text.find('\n', at + 1))
+        if (at == 0 || text[at - 1] != '\r')
+            return true;
+    return false;
+}
+
+std::string withLineFeeds(std::string_view text) {
+    std::string result;
+    for (std::size_t at = 0; at < text.size(); ++at)
+        if (!text.substr(at).starts_with("\r\n"))
+            result += text[at];
+    return result;
+}
+
+std::string withCarriageReturns(std::string_view text) {
+    std::string result;
+    for (const char c : withLineFeeds(text)) {
+        if (c == '\n')
+            result += '\r';
+        result += c;
+    }
+    return result;
+}
+
+const filter_messages::Message& messageOf(ConditionFault fault) {
+    switch (fault) {
+    case ConditionFault::ExtraRightParenthesis:
+        return filter_messages::kExtraRight;
+    case ConditionFault::ExtraLeftParenthesis:
+        return filter_messages::kExtraLeft;
+    case ConditionFault::EndsWithConnector:
+        break;
+    }
+    return filter_messages::kEndsWithConnector;
+}
+
+} // namespace
+
+FilterModel::FilterModel(Messages& messages, DistributionKind kind, std::string_view filterText)
+    : m_messages(messages), m_kind(kind) {
+    LoadText(filterText);
+}
+
+FilterModel::Controls FilterModel::Enabled() const {
+    if (m_editMode)
+        return {.comparison = false, .display = false, .action = false, .editing = true};
+    Controls controls;
+    controls.undo = !m_conditions.empty();
+    const CCondition* last = m_conditions.empty() ? nullptr : &m_conditions.back();
+    const bool operandNext = !last || last->conditionType == ConditionType::Connector ||
+                             (last->conditionType == ConditionType::Parenthesis && last->leftParen);
+    controls.addCondition = operandNext;
+    controls.leftParenthesis = operandNext;
+    controls.connectors = !operandNext;
+    controls.rightParenthesis = !operandNext && m_parentheses.left > m_parentheses.right;
+    return controls;
+}
+
+std::string FilterModel::BoxText() const {
+    if (m_editMode)
+        return m_editText;
+    return m_display == FilterDisplay::PlainText ? BuildPlainText(m_conditions)
+                                                 : BuildExpression(m_conditions, m_action);
+}
+
+const CCondition& FilterModel::Condition(int index) const {
+    if (index < 0 || static_cast<std::size_t>(index) >= m_conditions.size())
+        throw std::invalid_argument("There is no such condition.");
+    return m_conditions[static_cast<std::size_t>(index)];
+}
+
+FilterFocus FilterModel::AddCondition() {
+    if (!Enabled().addCondition)
+        return FilterFocus::Stays;
+    switch (input.FindMissing()) {
+    case ComparisonInput::Missing::Field:
+        warn(m_messages, filter_messages::kNoField);
+        return FilterFocus::FieldList;
+    case ComparisonInput::Missing::Operation:
+        warn(m_messages, filter_messages::kNoOperation);
+        return FilterFocus::OperationList;
+    case ComparisonInput::Missing::Values:
+        warn(m_messages, filter_messages::kNoValues);
+        return FilterFocus::ValueList;
+    case ComparisonInput::Missing::Nothing:
+        break;
+    }
+    Append(input.Comparison());
+    return FilterFocus::Stays;
+}
+
+void FilterModel::Append(CCondition condition) {
+    m_parentheses.left += condition.leftParen ? 1 : 0;
+    m_parentheses.right += condition.rightParen ? 1 : 0;
+    m_conditions.push_back(std::move(condition));
+}
+
+void FilterModel::AppendParenthesis(bool left) {
+    CCondition condition;
+    condition.conditionType = ConditionType::Parenthesis;
+    condition.leftParen = left;
+    condition.rightParen = !left;
+    Append(std::move(condition));
+}
+
+void FilterModel::AddLeftParenthesis() {
+    if (Enabled().leftParenthesis)
+        AppendParenthesis(true);
+}
+
+void FilterModel::AddRightParenthesis() {
+    if (Enabled().rightParenthesis)
+        AppendParenthesis(false);
+}
+
+void FilterModel::AddConnector(Connector connector) {
+    if (!Enabled().connectors)
+        return;
+    CCondition condition;
+    condition.conditionType = ConditionType::Connector;
+    condition.connector = connector;
+    Append(std::move(condition));
+}
+
+void FilterModel::Undo() {
+    if (!Enabled().undo)
+        return;
+    m_parentheses.left -= m_conditions.back().leftParen ? 1 : 0;
+    m_parentheses.right -= m_conditions.back().rightParen ? 1 : 0;
+    m_conditions.pop_back();
+}
+
+void FilterModel::Clear() {
+    if (!Enabled().undo)
+        return;
+    m_conditions.clear();
+    m_parentheses = {};
+}
+
+void FilterModel::ChooseAction(FilterAction action) {
+    if (Enabled().action)
+        m_action = action;
+}
+
+void FilterModel::ChooseDisplay(FilterDisplay display) {
+    if (Enabled().display)
+        m_display = display;
+}
+
+bool FilterModel::SetEditMode(bool on) {
+    if (on == m_editMode)
+        return true;
+    if (!on && m_edited &&
+        m_messages.ask(filter_messages::kLeaveEditMode.text, filter_messages::kLeaveEditMode.caption) ==
+            Messages::Answer::No)
+        return false;
+    m_display = FilterDisplay::ExpressionCode;
+    m_editText = on ? BuildExpression(m_conditions, m_action) : std::string();
+    m_editMode = on;
+    m_edited = false;
+    return true;
+}
+
+void FilterModel::EditBox(std::string text) {
+    if (!m_editMode || withLineFeeds(text) == withLineFeeds(m_editText))
+        return;
+    // A line feed alone may be part of a quoted value, and a box cannot tell the two line ends apart.
+    if (!hasLoneLineFeed(m_editText))
+        text = withCarriageReturns(text);
+    m_editText = std::move(text);
+    m_edited = true;
+}
+
+bool FilterModel::Load(const std::string& path) {
+    auto file = openFilterToRead(path);
+    if (!file) {
+        m_messages.warn(file.error().text, filter_messages::kCannotOpen.caption);
+        return false;
+    }
+    const auto text = readFilter(*file);
+    if (!text) {
+        m_messages.warn(text.error().text, filter_messages::kNoFilterFile.caption);
+        return false;
+    }
+    LoadText(*text);
+    return true;
+}
+
+bool FilterModel::Save(const std::string& path) {
+    auto file = openFilterToWrite(path);
+    if (!file) {
+        m_messages.warn(file.error().text, filter_messages::kCannotOpen.caption);
+        return false;
+    }
+    if (const Status written = writeFilter(*file, ComposeText()); !written) {
+        m_messages.warn(written.error().text, filter_messages::kCannotWrite.caption);
+        return false;
+    }
+    return true;
+}
+
+void FilterModel::LoadText(std::string_view filterText) {
+    ParsedFilter parsed = ParseConditionBlock(filterText, m_action);
+    m_conditions = std::move(parsed.conditions);
+    m_parentheses = CountParentheses(m_conditions);
+    m_action = parsed.action;
+    m_filterText = std::move(parsed.text);
+    m_editMode = !parsed.understood;
+    m_edited = m_editMode;
+    m_editText = m_editMode ? m_filterText : std::string();
+    m_display = m_editMode ? FilterDisplay::ExpressionCode : FilterDisplay::PlainText;
+    if (m_editMode)
+        return;
+    input.ResetValue();
+}
+
+std::string FilterModel::ComposeText() const {
+    if (m_editMode)
+        return m_editText;
+    return WriteConditionBlock(m_conditions) + BuildExpression(m_conditions, m_action);
+}
+
+bool FilterModel::Accept() {
+    if (const auto fault = FindFault(m_conditions); fault && !m_editMode) {
+        warn(m_messages, messageOf(*fault));
+        return false;
+    }
+    m_filterText = ComposeText();
+    return true;
+}
+
+} // namespace tavix

@@ -1,0 +1,37 @@
+#include "filter/FilterFile.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <sstream>
+
+// Any bytes as a ".flt" file: a text or an error, never more text than the length says, and what was read can be
+// written and read again.
+
+namespace tavix {
+namespace {
+
+void readFilterBytes(const std::string& bytes) {
+    std::istringstream file(bytes);
+    const auto text = readFilter(file);
+    if (!text)
+        return;
+    // A byte that is no UTF-8 takes three as U+FFFD.
+    if (text->size() > 3 * (bytes.size() - 2))
+        std::abort();
+    std::ostringstream again;
+    if (!writeFilter(again, *text))
+        std::abort();
+    std::istringstream copy(again.str());
+    const auto back = readFilter(copy);
+    if (!back || (text->size() <= 0xFFFF && *back != *text))
+        std::abort();
+}
+
+} // namespace
+} // namespace tavix
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    tavix::readFilterBytes({reinterpret_cast<const char*>(data), size});
+    return 0;
+}
