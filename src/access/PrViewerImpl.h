@@ -72,8 +72,8 @@ struct PrViewer::Impl {
     std::int64_t giveNumber(const Result<std::int64_t>& number);
     ProfileCursorHandle openDistribution(std::string_view operation, const repository::DistributionKey& key,
                                          const Result<std::int64_t>& rows);
-    ProfileCursorHandle openFieldDistribution(std::string_view operation, int field,
-                                              repository::DistributionKind kind, std::string_view rowsSql);
+    ProfileCursorHandle openFieldDistribution(std::string_view operation, int field, repository::DistributionKind kind,
+                                              std::string_view rowsSql);
 
     /// Opens the repository for writing and runs `work` in one transaction.
     bool change(const std::function<Status(sql::Connection&)>& work);

@@ -21,8 +21,8 @@ constexpr std::string_view kHighOutliers =
     "FROM run_field rf WHERE rf.run = ?1 AND rf.field = ?2";
 
 // Collections show fields of other reports too: those have the values of the latest run that knows them.
-constexpr std::string_view kRunOfField =
-    "SELECT run FROM run_field WHERE field = ?2 AND run IN (SELECT id FROM run) ORDER BY run = ?1 DESC, run DESC LIMIT 1";
+constexpr std::string_view kRunOfField = "SELECT run FROM run_field WHERE field = ?2 AND run IN (SELECT id FROM run) "
+                                         "ORDER BY run = ?1 DESC, run DESC LIMIT 1";
 
 constexpr std::string_view kFilters = "Filters are";
 

@@ -1,7 +1,6 @@
-#include "doc/FieldRecords.h"
-
 #include "access/PrViewer.h"
 #include "base/tests/TempFolder.h"
+#include "doc/FieldRecords.h"
 #include "support/SampleRepository.h"
 
 #include <gmock/gmock.h>

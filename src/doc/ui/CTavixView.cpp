@@ -156,8 +156,6 @@ void CTavixView::Refresh(CRefreshItem*, RefreshHint hint, int) {
         CloseTearOffs();
     }
     const bool mayChangeRuns = hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded;
-    if (mayChangeRuns)
-        m_details.Forget();
     if (mayChangeRuns && m_runsChanged)
         m_runsChanged();
 }
@@ -200,11 +198,7 @@ bool CTavixView::Navigate(const NavigateRequest& request) {
 }
 
 std::string CTavixView::GetDetailsText(const ReportSelection& selection) {
-    PrViewer* viewer = m_document->GetViewer();
-    if (!viewer)
-        return {};
-    const Result<std::string> text = m_details.TextOf(*viewer, selection);
-    return text ? *text : std::string();
+    return m_navigator->GetInformationText(selection);
 }
 
 void CTavixView::RemoveReportView() {

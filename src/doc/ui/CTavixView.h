@@ -7,7 +7,6 @@
 #include "doc/ItemCode.h"
 #include "doc/ui/CTavixMain.h"
 #include "doc/ui/SplitFrame.h"
-#include "nav/SelectionInformation.h"
 
 #include <QPointer>
 #include <QTimer>
@@ -146,7 +145,6 @@ class CTavixView final : public SplitFrame,
     QTimer m_afterLoad;
     NavigatorPage m_mode = NavigatorPage::Tables;
     ReportSelection m_selection;
-    SelectionInformation m_details;
     std::vector<QPointer<CTearOff>> m_tearOffs;
     std::string m_connection; ///< of the report that is open, to know another one from the same
     bool m_loading = false;

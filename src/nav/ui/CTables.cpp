@@ -96,6 +96,7 @@ QWidget* CTables::GetPageControl() const {
 }
 
 void CTables::Refresh(CRefreshItem*, RefreshHint hint, int) {
+    m_information.Forget();
     switch (hint) {
     case RefreshHint::CollectionsRefreshed:
         Reload(page(NavigatorPage::Collections));
@@ -194,6 +195,14 @@ bool CTables::SelectField(int fieldId) {
             return SelectNode(shown, child.get());
     }
     return false;
+}
+
+std::string CTables::GetInformationText(const ReportSelection& selection) {
+    PrViewer* viewer = m_site.GetTavixDoc().GetViewer();
+    if (!viewer)
+        return {};
+    const Result<std::string> text = m_information.TextOf(*viewer, selection);
+    return text ? *text : std::string();
 }
 
 void CTables::SelectSomething() {

@@ -3,6 +3,7 @@
 #include "doc/CRefreshItem.h"
 #include "doc/CViewSite.h"
 #include "doc/CommandTarget.h"
+#include "nav/SelectionInformation.h"
 #include "nav/TreeContents.h"
 
 #include <QWidget>
@@ -37,6 +38,8 @@ class CTables final : public QWidget, public CRefreshItem, public CommandTarget 
     /// Selects the field of that id below the table or collection that is selected on the page that is showing, or to
     /// which the selected field belongs; false when there is none.
     bool SelectField(int fieldId);
+    /// What is known about the table or field; "" when it is neither or cannot be read.
+    [[nodiscard]] std::string GetInformationText(const ReportSelection& selection);
     /// Selects the first table when nothing that has figures is selected.
     void SelectSomething();
     /// Looks up the collections of every table anew and broadcasts hint 1; false, after a message, when that fails.
@@ -74,6 +77,7 @@ class CTables final : public QWidget, public CRefreshItem, public CommandTarget 
     NavigatorTabs* m_tabs;
     QStackedWidget* m_stack;
     std::array<Page, 3> m_pages;
+    SelectionInformation m_information;
     bool m_reloading = false;
 };
 
