@@ -1,0 +1,44 @@
+#include "expression/Matcher.h"
+
+#include <re2/re2.h>
+
+namespace tavix::expression {
+
+namespace {
+
+constexpr std::int64_t kMostMemory = std::int64_t{8} << 20;
+
+re2::RE2::Options options() {
+    re2::RE2::Options made;
+    made.set_log_errors(false);
+    made.set_max_mem(kMostMemory);
+    made.set_dot_nl(true);
+    return made;
+}
+
+class RegularExpression : public Matcher {
+  public:
+    explicit RegularExpression(std::string_view pattern)
+        : m_expression(re2::StringPiece(pattern.data(), pattern.size()), options()) {}
+
+    [[nodiscard]] bool isGood() const { return m_expression.ok(); }
+    [[nodiscard]] const std::string& reason() const { return m_expression.error(); }
+    [[nodiscard]] bool matches(std::string_view text, Scratch& /*scratch*/) const override {
+        return re2::RE2::FullMatch(re2::StringPiece(text.data(), text.size()), m_expression);
+    }
+
+  private:
+    re2::RE2 m_expression;
+};
+
+} // namespace
+
+std::shared_ptr<const Matcher> makeRegularExpression(std::string_view pattern, std::string& reason) {
+    auto made = std::make_shared<RegularExpression>(pattern);
+    if (made->isGood())
+        return made;
+    reason = made->reason();
+    return nullptr;
+}
+
+} // namespace tavix::expression
