@@ -152,8 +152,10 @@ class TextComparison : public Predicate {
 class FoldedEquality : public Predicate {
   public:
     explicit FoldedEquality(const Node& node)
-        : m_isLower(isCallOf(node.child(0), "lower")), m_isEqual(node.comparison == Comparison::Equal),
-          m_operand(makeOperand(node.child(0).child(0))), m_constant(node.child(1).text) {
+        : m_isLower(isCallOf(node.child(0), "lower")),
+          m_isEqual(node.comparison == Comparison::Equal),
+          m_operand(makeOperand(node.child(0).child(0))),
+          m_constant(node.child(1).text) {
         for (std::size_t i = 0; i < m_map.size(); ++i) {
             const char c = static_cast<char>(i);
             (m_isLower ? lowerAscii : upperAscii)(&c, 1, &m_map[i]);

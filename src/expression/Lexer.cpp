@@ -48,11 +48,9 @@ class Scanner {
     explicit Scanner(std::string_view text) : m_text(text) {}
 
     Tokens run() {
-        if (m_text.size() > kLongestExpression) {
-            fail(m_position, fmt::format("the expression is longer than {} bytes", kLongestExpression));
-            return std::move(m_tokens);
-        }
-        while (skipBlanks() && m_at < m_text.size() && token()) {
+        const bool isGood = m_text.size() <= kLongestExpression ||
+                            fail(m_position, fmt::format("the expression is longer than {} bytes", kLongestExpression));
+        while (isGood && skipBlanks() && m_at < m_text.size() && token()) {
         }
         m_tokens.list.push_back({TokenKind::End, m_position, {}, false});
         return std::move(m_tokens);

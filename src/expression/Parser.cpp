@@ -43,7 +43,7 @@ class Reader {
         if (isEmpty())
             return {nullptr, ExpressionError{"the expression is empty", 1, 1}};
         Tree tree = isWord("if") || isWord("return") ? statement() : expression();
-        if (tree && current().kind != TokenKind::End)
+        if (tree && (current().kind != TokenKind::End || m_tokens.error))
             tree = unexpected("the end of the expression");
         if (!tree)
             return {nullptr, std::move(m_error)};

@@ -19,16 +19,26 @@ re2::RE2::Options options() {
 class RegularExpression : public Matcher {
   public:
     explicit RegularExpression(std::string_view pattern)
-        : m_expression(re2::StringPiece(pattern.data(), pattern.size()), options()) {}
+        : m_expression(re2::StringPiece(pattern.data(), pattern.size()), options()) {
+        m_hasRange = m_expression.ok() && m_expression.PossibleMatchRange(&m_lowest, &m_highest, kRangeLength);
+    }
 
     [[nodiscard]] bool isGood() const { return m_expression.ok(); }
     [[nodiscard]] const std::string& reason() const { return m_expression.error(); }
     [[nodiscard]] bool matches(std::string_view text, Scratch& /*scratch*/) const override {
+        // Where the pattern begins with fixed characters, order alone decides most texts.
+        if (m_hasRange && (text < m_lowest || text > m_highest))
+            return false;
         return re2::RE2::FullMatch(re2::StringPiece(text.data(), text.size()), m_expression);
     }
 
   private:
+    static constexpr int kRangeLength = 8;
+
     re2::RE2 m_expression;
+    bool m_hasRange = false;
+    std::string m_lowest;
+    std::string m_highest;
 };
 
 } // namespace

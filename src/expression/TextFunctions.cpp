@@ -162,6 +162,8 @@ Value replace(Arguments arguments, Scratch& scratch) {
     std::string& out = scratch.builder();
     while (rest.size() >= from.size()) {
         const void* const found = memmem(rest.data(), rest.size(), from.data(), from.size());
+        if (!found && rest.size() == arguments[0].text.size())
+            return arguments[0];
         if (!found)
             break;
         const auto at = static_cast<std::size_t>(static_cast<const char*>(found) - rest.data());

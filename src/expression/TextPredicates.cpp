@@ -19,9 +19,8 @@ class EachText : public Predicate {
     void narrow(Frame& frame, RowSet& rows, bool wanted) override {
         const Vector& vector = m_operand->evaluate(frame, rows);
         dropNulls(rows, vector);
-        withTexts(vector, [&](auto texts) {
-            rows.keepIf([&](std::uint32_t row) { return m_test(texts[row]) == wanted; });
-        });
+        withTexts(vector,
+                  [&](auto texts) { rows.keepIf([&](std::uint32_t row) { return m_test(texts[row]) == wanted; }); });
     }
 
   private:
@@ -48,9 +47,8 @@ class ContainsPredicate : public Predicate {
             return;
         }
         withTexts(vector, [&](auto texts) {
-            rows.keepIf([&](std::uint32_t row) {
-                return (m_search.find(texts[row]) != ByteSearch::kNotFound) == wanted;
-            });
+            rows.keepIf(
+                [&](std::uint32_t row) { return (m_search.find(texts[row]) != ByteSearch::kNotFound) == wanted; });
         });
     }
 

@@ -18,7 +18,7 @@ struct Vector {
     const char* bytes = nullptr;
     const std::uint32_t* ends = nullptr;
     const std::string_view* texts = nullptr;
-    bool isAscii = false; ///< no byte of any text is above 0x7F
+    bool isAscii = false;                   ///< no byte of any text is above 0x7F
     const std::int64_t* integers = nullptr; ///< also dates
     const double* reals = nullptr;
     const std::uint8_t* booleans = nullptr;

@@ -63,6 +63,10 @@ Wildcard::Piece Wildcard::makePiece(std::string_view bytes) {
 bool Wildcard::matches(std::string_view text, Scratch& scratch) const {
     if (text.size() < m_shortest)
         return false;
+    // A first byte that is fixed decides most texts.
+    const std::string& first = m_pieces.front().bytes;
+    if (!first.empty() && first.front() != '?' && first.front() != text.front())
+        return false;
     // Without '?', or where each character is a byte, bytes tell the same as characters.
     if (!m_hasAnyCharacter || isAscii(text))
         return matchesBytes(text, scratch);

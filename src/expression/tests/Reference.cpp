@@ -185,7 +185,8 @@ std::string encode(const Text& text) {
 std::string Generator::rowText(bool onlyAscii) {
     static const std::array<std::string, 16> kAscii{"a", "A", "b", "B", "k", "1", "5", "9",
                                                     "0", " ", ".", "-", "e", "*", "?", "\t"};
-    static const std::array<std::string, 10> kOther{"é", "É", "ß", "İ", "\u212A", "🙂", "\u0085", "\u00A0", "\xC3", "ǆ"};
+    static const std::array<std::string, 10> kOther{"é",    "É",      "ß",      "İ",    "\u212A",
+                                                    "🙂", "\u0085", "\u00A0", "\xC3", "ǆ"};
     std::string out;
     for (std::size_t i = below(9); i > 0; --i)
         out += onlyAscii || below(4) > 0 ? kAscii[below(kAscii.size())] : kOther[below(kOther.size())];
@@ -218,7 +219,8 @@ Expression Generator::call(const std::string& name, const std::vector<Expression
 }
 
 Expression Generator::part(int depth) {
-    return depth > 0 && below(4) == 0 ? text(depth - 1) : quoted(below(3) > 0 ? rowText(true).substr(0, below(3)) : "é");
+    return depth > 0 && below(4) == 0 ? text(depth - 1)
+                                      : quoted(below(3) > 0 ? rowText(true).substr(0, below(3)) : "é");
 }
 
 Expression Generator::text(int depth) {
@@ -295,13 +297,14 @@ Expression Generator::integer(int depth) {
         });
     case 2: {
         const bool ignoresCase = below(2) == 0;
-        return call("compare",
-                    {text(depth - 1), part(depth), {ignoresCase ? "true" : "FALSE", [](const Row&) { return Value(true); }}},
-                    [ignoresCase](const auto& v) {
-                        const auto fold = [&](const Text& text) { return ignoresCase ? lower(text) : text; };
-                        const int o = order(fold(textOf(v[0])), fold(textOf(v[1])));
-                        return Value(std::int64_t{o < 0 ? -1 : o > 0 ? 1 : 0});
-                    });
+        return call(
+            "compare",
+            {text(depth - 1), part(depth), {ignoresCase ? "true" : "FALSE", [](const Row&) { return Value(true); }}},
+            [ignoresCase](const auto& v) {
+                const auto fold = [&](const Text& text) { return ignoresCase ? lower(text) : text; };
+                const int o = order(fold(textOf(v[0])), fold(textOf(v[1])));
+                return Value(std::int64_t{o < 0 ? -1 : o > 0 ? 1 : 0});
+            });
     }
     default: {
         const Expression left = integer(depth - 1);
@@ -369,7 +372,7 @@ Expression Generator::compare(const Expression& left, const Expression& right) {
                 if (isNull(a) || isNull(b))
                     return Value();
                 const int o = compareAny(a, b);
-                const std::array<bool, 6> answers{o == 0, o != 0, o < 0, o <= 0, o > 0, o >= 0};
+                const std::array<bool, 6> answers{o == 0, o != 0, o<0, o <= 0, o> 0, o >= 0};
                 return Value(answers[sign]);
             }};
 }
@@ -428,9 +431,8 @@ Expression Generator::condition(int depth) {
         std::vector<Expression> members{text(depth - 1)};
         for (std::size_t i = 1 + below(12); i > 0; --i)
             members.push_back(part(below(5) == 0 ? depth : 0));
-        return call("inlist", members, [](const auto& v) {
-            return Value(std::find(v.begin() + 1, v.end(), v[0]) != v.end());
-        });
+        return call("inlist", members,
+                    [](const auto& v) { return Value(std::find(v.begin() + 1, v.end(), v[0]) != v.end()); });
     }
     case 9: {
         std::string pattern;
@@ -448,7 +450,8 @@ Expression Generator::condition(int depth) {
     case 11:
         return call("isnumber", {text(depth - 1)}, [](const auto& v) { return Value(isNumber(textOf(v[0]))); });
     case 12:
-        return call("isblank", {text(depth - 1)}, [](const auto& v) { return Value(std::ranges::all_of(textOf(v[0]), isSpace)); });
+        return call("isblank", {text(depth - 1)},
+                    [](const auto& v) { return Value(std::ranges::all_of(textOf(v[0]), isSpace)); });
     default:
         return compare(text(depth - 1), text(depth - 1));
     }
@@ -461,8 +464,11 @@ Expression Generator::program(int depth) {
     const Expression yes = condition(depth - 2);
     const Expression no = program(depth - 1);
     const bool isStatement = no.text.starts_with("if");
-    return {"if " + test.text + " then\r\n   return " + yes.text + "\r\nelse" + (isStatement ? " " : " return ") + no.text,
-            [test, yes, no](const Row& row) { return truth(test.meaning(row)) == true ? yes.meaning(row) : no.meaning(row); }};
+    return {"if " + test.text + " then\r\n   return " + yes.text + "\r\nelse" + (isStatement ? " " : " return ") +
+                no.text,
+            [test, yes, no](const Row& row) {
+                return truth(test.meaning(row)) == true ? yes.meaning(row) : no.meaning(row);
+            }};
 }
 
 } // namespace tavix::expression::reference

@@ -17,9 +17,9 @@ using Text = std::u32string;
 using Value = std::variant<std::monostate, bool, std::int64_t, double, Text>;
 
 struct Row {
-    Value value;  ///< `Value`, text
-    Value other;  ///< `Other`, text
-    Value count;  ///< `Count`, integer, never null
+    Value value; ///< `Value`, text
+    Value other; ///< `Other`, text
+    Value count; ///< `Count`, integer, never null
     /// Set when an operation has no result that a program could give; the row is then not compared.
     mutable bool hasFailed = false;
 };
