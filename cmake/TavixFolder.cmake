@@ -11,6 +11,9 @@ if(TAVIX_SANITIZE)
   target_compile_options(tavix_options INTERFACE -Wno-maybe-uninitialized)
   target_link_options(tavix_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(TAVIX_FUZZ)
+  target_compile_options(tavix_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 target_include_directories(tavix_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 
 # tavix_library(base SOURCES a.cpp b.cpp DEPS fmt::fmt): the target tavix_base. A folder x/ui is named x_ui.

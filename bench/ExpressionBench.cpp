@@ -1,0 +1,170 @@
+#include "expression/BlockEvaluator.h"
+
+#include <benchmark/benchmark.h>
+#include <fmt/format.h>
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <iostream>
+#include <numeric>
+#include <random>
+#include <string>
+#include <vector>
+
+/// What it costs to filter a distribution of five million values that lies in memory in blocks. The peer is the same
+/// condition in SQL over the same rows: with TAVIX_BENCH_ROWS naming an SQLite file that has a table
+/// freq(rank, value, cnt), its rows are taken instead of made up ones.
+namespace tavix::expression {
+namespace {
+
+constexpr std::size_t kValues = 5'000'000;
+constexpr std::size_t kRowsPerBlock = 4096;
+
+struct StoredBlock {
+    std::string bytes;
+    std::vector<std::uint32_t> ends;
+    std::vector<std::uint64_t> counts;
+};
+
+class Distribution {
+  public:
+    Distribution() {
+        const char* const file = std::getenv("TAVIX_BENCH_ROWS");
+        if (file)
+            read(file);
+        else
+            makeUp();
+    }
+
+    [[nodiscard]] const std::vector<StoredBlock>& blocks() const { return m_blocks; }
+
+  private:
+    void add(std::string_view value, std::uint64_t count) {
+        if (m_blocks.empty() || m_blocks.back().ends.size() == kRowsPerBlock)
+            m_blocks.emplace_back();
+        StoredBlock& block = m_blocks.back();
+        block.bytes += value;
+        block.ends.push_back(static_cast<std::uint32_t>(block.bytes.size()));
+        block.counts.push_back(count);
+    }
+
+    void read(const char* file) {
+        sqlite3* database = nullptr;
+        sqlite3_stmt* rows = nullptr;
+        if (sqlite3_open_v2(file, &database, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK ||
+            sqlite3_prepare_v2(database, "SELECT value, cnt FROM freq ORDER BY rank", -1, &rows, nullptr) !=
+                SQLITE_OK) {
+            std::cerr << file << ": " << sqlite3_errmsg(database) << '\n';
+            std::exit(1);
+        }
+        while (sqlite3_step(rows) == SQLITE_ROW)
+            add({reinterpret_cast<const char*>(sqlite3_column_text(rows, 0)),
+                 static_cast<std::size_t>(sqlite3_column_bytes(rows, 0))},
+                static_cast<std::uint64_t>(sqlite3_column_int64(rows, 1)));
+        sqlite3_finalize(rows);
+        sqlite3_close(database);
+    }
+
+    /// Numbers, codes, names and texts in equal parts, a few of them frequent.
+    void makeUp() {
+        static constexpr std::array<std::string_view, 8> kSyllables{"ba", "den", "kor", "li", "mus", "ta", "rel", "vi"};
+        std::vector<std::uint32_t> order(kValues);
+        std::iota(order.begin(), order.end(), 0U);
+        std::shuffle(order.begin(), order.end(), std::mt19937(5));
+        std::uint64_t rank = 0;
+        for (const std::uint32_t x : order) {
+            const std::uint64_t count = 1 + kValues / 20 / ++rank;
+            switch (x % 4) {
+            case 0:
+                add(std::to_string(std::uint64_t{x} * 13), count);
+                break;
+            case 1:
+                add(fmt::format("K{:05X}-{:03}", x, x % 997), count);
+                break;
+            case 2:
+                add(fmt::format("{}{}.{}", kSyllables[x % 8], kSyllables[x / 8 % 8], x), count);
+                break;
+            default:
+                add(rank == 778 ? "aBc" : fmt::format("Abc {}", x), count);
+            }
+        }
+    }
+
+    std::vector<StoredBlock> m_blocks;
+};
+
+const Distribution& distribution() {
+    static const Distribution made;
+    return made;
+}
+
+void filter(benchmark::State& state, const char* text) {
+    const std::vector<Field> fields{{"Value", Type::Text}, {"Count", Type::Integer}};
+    const Compiled compiled = compile(text, fields, Wanted::Condition);
+    if (!compiled.ok()) {
+        state.SkipWithError(describe(compiled.error).c_str());
+        return;
+    }
+    const std::vector<StoredBlock>& blocks = distribution().blocks();
+    BlockEvaluator evaluator(*compiled.program);
+    std::size_t rows = 0;
+    std::uint64_t sum = 0;
+    for ([[maybe_unused]] const auto& round : state) {
+        rows = 0;
+        sum = 0;
+        for (const StoredBlock& stored : blocks) {
+            const std::array<BlockColumn, 2> columns{BlockColumn{stored.bytes, stored.ends, {}, {}},
+                                                     BlockColumn{{}, {}, stored.counts, {}}};
+            const auto passing = evaluator.passing({stored.ends.size(), columns});
+            rows += passing.size();
+            for (const std::uint32_t row : passing)
+                sum += stored.counts[row];
+        }
+        benchmark::DoNotOptimize(sum);
+    }
+    state.counters["rows"] = static_cast<double>(rows);
+    state.counters["sum"] = static_cast<double>(sum);
+}
+
+struct Case {
+    const char* name;
+    const char* text;
+};
+
+constexpr std::array<Case, 19> kCases{{
+    {"equal", "lower(`Value`) == 'abc'"},
+    {"contains", "instr(`Value`,'5') != 0"},
+    {"wildcard", "match_string(`Value`,'K*1?5*9')"},
+    {"count", "`Count` > 10"},
+    {"three", "`Count` > 1 and (lower(`Value`) == 'abc' or instr(`Value`,'5') != 0)"},
+    {"begins", "compare(left(`Value`,3),'Abc',false) == 0"},
+    {"begins_folded", "compare(left(`Value`,3),'abc',true) == 0"},
+    {"ends", "compare(right(`Value`,2),'17',false) == 0"},
+    {"longer", "length(`Value`) > 9"},
+    {"not_upper", "upper(`Value`) != `Value`"},
+    {"contains_folded", "instr(lower(`Value`),'bc 1') != 0"},
+    {"greater", "`Value` > 'K5'"},
+    {"numeric", "isnumber(`Value`)"},
+    {"control", "has_control_chars(`Value`)"},
+    {"list", "inlist(`Value`,'13','26','aBc','K00001-001')"},
+    {"regular", "matches(`Value`,'K[0-9A-F]+-\\d*7')"},
+    {"number", "tonumber(`Value`) > 50000000"},
+    {"replaced", "length(replace(`Value`,'5','')) < 6"},
+    {"remainder", "`Count` % 2 == 0"},
+}};
+
+} // namespace
+} // namespace tavix::expression
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    for (const auto& one : tavix::expression::kCases)
+        benchmark::RegisterBenchmark(one.name, tavix::expression::filter, one.text)->Unit(benchmark::kMillisecond);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

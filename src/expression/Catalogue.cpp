@@ -1,0 +1,116 @@
+#include "expression/Catalogue.h"
+
+#include "expression/NumberFunctions.h"
+#include "expression/TextFunctions.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tavix::expression {
+
+namespace {
+
+namespace number = number_functions;
+namespace text = text_functions;
+
+// In the order of their names, by which they are found.
+constexpr auto kFunctions = std::to_array<Function>({
+    {"abs", "r", 'r', "The number without its sign.", 1, 1, Form::Plain, number::absolute},
+    {"adddays", "dr", 'd', "The date that lies so many days later, or earlier when the number is negative.", 2, 2,
+     Form::Plain, number::addDays},
+    {"ceil", "r", 'r', "The smallest whole number that is not below the number.", 1, 1, Form::Plain, number::ceiling},
+    {"char", "i", 's', "The character with the code point: char(92) is a backslash. Null when there is none.", 1, 1,
+     Form::Plain, text::character},
+    {"coalesce", "aa", 'a', "The first argument that is not null; null when all are.", 1, kMostArguments,
+     Form::FirstNonNull, nullptr},
+    {"compare", "ssb", 'i',
+     "-1, 0 or 1: whether the first text stands before the second, equals it or stands behind it, by code point. With "
+     "true as the third argument upper and lower case are the same.",
+     2, 3, Form::Plain, text::compare},
+    {"concat", "ss", 's', "The texts one after the other.", 1, kMostArguments, Form::Plain, text::concat},
+    {"contains", "ss", 'b', "Whether the second text occurs in the first.", 2, 2, Form::Plain, text::contains},
+    {"datediff", "dd", 'i', "Days from the first date to the second, whatever the times of day.", 2, 2, Form::Plain,
+     number::dateDifference},
+    {"day", "d", 'i', "The day of the month, 1 to 31.", 1, 1, Form::Plain, number::day},
+    {"ends_with", "ss", 'b', "Whether the first text ends with the second.", 2, 2, Form::Plain, text::endsWith},
+    {"floor", "r", 'r', "The largest whole number that is not above the number.", 1, 1, Form::Plain, number::floor},
+    {"has_control_chars", "s", 'b', "Whether the text holds a control character: code points 0 to 31 and 127 to 159.",
+     1, 1, Form::Plain, text::hasControlCharacters},
+    {"hour", "d", 'i', "The hour, 0 to 23.", 1, 1, Form::Plain, number::hour},
+    {"ifnull", "aa", 'a', "The first argument; the second when the first is null.", 2, 2, Form::FirstNonNull, nullptr},
+    {"inlist", "aa", 'b', "Whether the first argument equals one of the others.", 2, kMostArguments, Form::InList,
+     nullptr},
+    {"instr", "ssi", 'i',
+     "Where the second text begins in the first, counted in characters from 1; 0 when it does not occur. The third "
+     "argument is the character to begin the search at.",
+     2, 3, Form::Plain, text::instr},
+    {"isblank", "s", 'b', "Whether the text is empty or white space throughout.", 1, 1, Form::Plain, text::isBlank},
+    {"isdate", "s", 'b', "Whether the text is a date, such as 2026-11-21 or 2026-11-21T08:15:00.", 1, 1, Form::Plain,
+     text::isDate},
+    {"isinteger", "s", 'b', "Whether the text is an integer of at most 64 bits: a sign and digits.", 1, 1, Form::Plain,
+     text::isInteger},
+    {"isnull", "a", 'b', "Whether the argument is null.", 1, 1, Form::IsNull, nullptr},
+    {"isnumber", "s", 'b',
+     "Whether the text is a number: sign, digits, decimal point, exponent; no blanks and no group signs.", 1, 1,
+     Form::Plain, text::isNumber},
+    {"left", "si", 's', "So many characters from the beginning of the text.", 2, 2, Form::Plain, text::left},
+    {"length", "s", 'i', "The number of characters.", 1, 1, Form::Plain, text::length},
+    {"lower", "s", 's', "The text with each character in lower case.", 1, 1, Form::Plain, text::lower},
+    {"lpad", "sis", 's', "The text filled on the left up to so many characters, with blanks or with the third text.", 2,
+     3, Form::Plain, text::padLeft},
+    {"ltrim", "s", 's', "The text without white space at its beginning.", 1, 1, Form::Plain, text::ltrim},
+    {"match_string", "ss", 'b',
+     "Whether the whole text fits the pattern, in which * stands for any characters or none and ? for exactly one.", 2,
+     2, Form::Wildcard, text::matchString},
+    {"matches", "sS", 'b',
+     "Whether the whole text fits the regular expression, which has to be a fixed text. The syntax is that of RE2, "
+     "without back references; .* before and behind it searches within the text.",
+     2, 2, Form::Regular, nullptr},
+    {"max", "aa", 'a', "The greatest of the arguments.", 1, kMostArguments, Form::OneType, number::greatest},
+    {"min", "aa", 'a', "The smallest of the arguments.", 1, kMostArguments, Form::OneType, number::least},
+    {"minute", "d", 'i', "The minute, 0 to 59.", 1, 1, Form::Plain, number::minute},
+    {"mod", "rr", 'r', "What is left of the first number when it is divided by the second; null when that is 0.", 2, 2,
+     Form::Plain, number::remainder},
+    {"month", "d", 'i', "The month, 1 to 12.", 1, 1, Form::Plain, number::month},
+    {"nullif", "aa", 'a', "Null when both arguments are equal, else the first.", 2, 2, Form::OneType, number::nullIf},
+    {"power", "rr", 'r', "The first number to the power of the second.", 2, 2, Form::Plain, number::power},
+    {"replace", "sss", 's', "The first text with the third in place of each occurrence of the second.", 3, 3,
+     Form::Plain, text::replace},
+    {"right", "si", 's', "So many characters from the end of the text.", 2, 2, Form::Plain, text::right},
+    {"round", "ri", 'r', "The number rounded to so many decimal places, none by default; halves away from zero.", 1, 2,
+     Form::Plain, number::round},
+    {"rpad", "sis", 's', "The text filled on the right up to so many characters, with blanks or with the third text.",
+     2, 3, Form::Plain, text::padRight},
+    {"rtrim", "s", 's', "The text without white space at its end.", 1, 1, Form::Plain, text::rtrim},
+    {"second", "d", 'i', "The second, 0 to 59.", 1, 1, Form::Plain, number::second},
+    {"sqrt", "r", 'r', "The square root; null of a negative number.", 1, 1, Form::Plain, number::squareRoot},
+    {"starts_with", "ss", 'b', "Whether the first text begins with the second.", 2, 2, Form::Plain, text::startsWith},
+    {"substring", "sii", 's',
+     "The characters from the given one on, counted from 1; all of them, or so many as the third argument says.", 2, 3,
+     Form::Plain, text::substring},
+    {"todate", "d", 'd', "The text as a date; null when it is none.", 1, 1, Form::Plain, number::same},
+    {"tointeger", "i", 'i', "The number, or the text as a number, cut to an integer; null when it is none.", 1, 1,
+     Form::Plain, number::same},
+    {"tonumber", "r", 'r', "The text as a number; null when it is none.", 1, 1, Form::Plain, number::same},
+    {"totext", "s", 's', "The argument as a text.", 1, 1, Form::Plain, number::same},
+    {"trim", "s", 's', "The text without white space at both ends.", 1, 1, Form::Plain, text::trim},
+    {"trunc", "r", 'r', "The number without its decimal places.", 1, 1, Form::Plain, number::truncate},
+    {"upper", "s", 's', "The text with each character in upper case.", 1, 1, Form::Plain, text::upper},
+    {"weekday", "d", 'i', "The day of the week, 1 for Monday to 7 for Sunday.", 1, 1, Form::Plain, number::weekday},
+    {"year", "d", 'i', "The year.", 1, 1, Form::Plain, number::year},
+});
+
+static_assert(std::ranges::is_sorted(kFunctions, {}, &Function::name));
+
+} // namespace
+
+std::span<const Function> functions() {
+    return kFunctions;
+}
+
+const Function* findFunction(std::string_view name) {
+    const auto found = std::ranges::lower_bound(kFunctions, name, {}, &Function::name);
+    return found != kFunctions.end() && found->name == name ? &*found : nullptr;
+}
+
+} // namespace tavix::expression

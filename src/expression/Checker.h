@@ -1,0 +1,36 @@
+#pragma once
+
+#include "expression/ExpressionError.h"
+#include "expression/Node.h"
+#include "expression/Syntax.h"
+
+#include <optional>
+#include <span>
+#include <string>
+
+namespace tavix::expression {
+
+/// A field that an expression may name.
+struct Field {
+    std::string name;
+    Type type = Type::Text;
+
+    bool operator==(const Field&) const = default;
+};
+
+/// What the caller wants of an expression.
+enum class Wanted : std::uint8_t {
+    Condition, ///< true or false
+    Value,     ///< a value of any type
+};
+
+struct Checked {
+    NodePtr tree; ///< null when there is an error
+    std::optional<ExpressionError> error;
+};
+
+/// Settles names and types, and evaluates what is constant. A field is found by its exact name, else by its name in any
+/// case when only one has it.
+[[nodiscard]] Checked check(const Syntax& syntax, std::span<const Field> fields, Wanted wanted);
+
+} // namespace tavix::expression

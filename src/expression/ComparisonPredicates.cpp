@@ -1,0 +1,225 @@
+#include "expression/Characters.h"
+#include "expression/Conversion.h"
+#include "expression/Operand.h"
+#include "expression/Predicate.h"
+#include "expression/TextOperators.h"
+
+#include <array>
+#include <cstring>
+#include <functional>
+
+namespace tavix::expression {
+
+namespace {
+
+/// Calls with the operator as a type of its own, so that each loop is compiled for one of them.
+template <typename Use>
+void withOperator(Comparison comparison, bool wanted, Use use) {
+    const auto either = [&](auto positive, auto negative) {
+        if (wanted)
+            use(positive);
+        else
+            use(negative);
+    };
+    switch (comparison) {
+    case Comparison::Equal:
+        return either(std::equal_to<>(), std::not_equal_to<>());
+    case Comparison::NotEqual:
+        return either(std::not_equal_to<>(), std::equal_to<>());
+    case Comparison::Less:
+        return either(std::less<>(), std::greater_equal<>());
+    case Comparison::LessOrEqual:
+        return either(std::less_equal<>(), std::greater<>());
+    case Comparison::Greater:
+        return either(std::greater<>(), std::less_equal<>());
+    case Comparison::GreaterOrEqual:
+        return either(std::greater_equal<>(), std::less<>());
+    }
+}
+
+/// Two expressions of one type, or an integer and a real.
+class PairComparison : public Predicate {
+  public:
+    explicit PairComparison(const Node& node)
+        : m_comparison(node.comparison), m_left(makeOperand(node.child(0))), m_right(makeOperand(node.child(1))) {}
+
+    void narrow(Frame& frame, RowSet& rows, bool wanted) override {
+        const Vector& left = m_left->evaluate(frame, rows);
+        const Vector& right = m_right->evaluate(frame, rows);
+        dropNulls(rows, left);
+        dropNulls(rows, right);
+        withOperator(m_comparison, wanted, [&](auto compare) {
+            if (left.type == Type::Text && !left.isConstant && !right.isConstant)
+                narrowTexts(rows, left, right, compare);
+            else
+                rows.keepIf([&](std::uint32_t row) { return compare(compareValues(left.at(row), right.at(row)), 0); });
+        });
+    }
+
+  private:
+    template <typename Compare>
+    static void narrowTexts(RowSet& rows, const Vector& left, const Vector& right, Compare compare) {
+        withTexts(left, [&](auto leftTexts) {
+            withTexts(right, [&](auto rightTexts) {
+                rows.keepIf([&](std::uint32_t row) {
+                    const std::string_view a = leftTexts[row];
+                    const std::string_view b = rightTexts[row];
+                    if constexpr (std::is_same_v<Compare, std::equal_to<>>)
+                        return a == b;
+                    else if constexpr (std::is_same_v<Compare, std::not_equal_to<>>)
+                        return a != b;
+                    else
+                        return compare(a.compare(b), 0);
+                });
+            });
+        });
+    }
+
+    Comparison m_comparison;
+    OperandPtr m_left;
+    OperandPtr m_right;
+};
+
+/// Integers, reals or dates against a constant.
+class NumberComparison : public Predicate {
+  public:
+    explicit NumberComparison(const Node& node)
+        : m_comparison(node.comparison), m_operand(makeOperand(node.child(0))), m_constant(node.child(1).constant) {}
+
+    void narrow(Frame& frame, RowSet& rows, bool wanted) override {
+        const Vector& vector = m_operand->evaluate(frame, rows);
+        dropNulls(rows, vector);
+        withOperator(m_comparison, wanted, [&](auto compare) {
+            if (vector.type == Type::Real || m_constant.type == Type::Real)
+                narrowReals(rows, vector, compare);
+            else
+                rows.keepIf([compare, values = vector.integers, constant = m_constant.integer](std::uint32_t row) {
+                    return compare(values[row], constant);
+                });
+        });
+    }
+
+  private:
+    template <typename Compare>
+    void narrowReals(RowSet& rows, const Vector& vector, Compare compare) const {
+        const double constant =
+            m_constant.type == Type::Real ? m_constant.real : static_cast<double>(m_constant.integer);
+        if (vector.type == Type::Real)
+            rows.keepIf([&](std::uint32_t row) { return compare(vector.reals[row], constant); });
+        else
+            rows.keepIf(
+                [&](std::uint32_t row) { return compare(static_cast<double>(vector.integers[row]), constant); });
+    }
+
+    Comparison m_comparison;
+    OperandPtr m_operand;
+    Value m_constant;
+};
+
+/// Texts against a constant.
+class TextComparison : public Predicate {
+  public:
+    explicit TextComparison(const Node& node)
+        : m_comparison(node.comparison), m_operand(makeOperand(node.child(0))), m_constant(node.child(1).text) {}
+
+    void narrow(Frame& frame, RowSet& rows, bool wanted) override {
+        const Vector& vector = m_operand->evaluate(frame, rows);
+        dropNulls(rows, vector);
+        const std::string_view constant = m_constant;
+        withOperator(m_comparison, wanted, [&](auto compare) {
+            withTexts(vector, [&](auto texts) {
+                rows.keepIf([compare, texts, constant](std::uint32_t row) {
+                    const std::string_view text = texts[row];
+                    using Compare = decltype(compare);
+                    if constexpr (std::is_same_v<Compare, std::equal_to<>>)
+                        return text == constant;
+                    else if constexpr (std::is_same_v<Compare, std::not_equal_to<>>)
+                        return text != constant;
+                    else
+                        return compare(text.compare(constant), 0);
+                });
+            });
+        });
+    }
+
+  private:
+    Comparison m_comparison;
+    OperandPtr m_operand;
+    std::string_view m_constant;
+};
+
+/// lower(x) or upper(x), equal to a constant or not: the length decides most rows, and no text is made.
+class FoldedEquality : public Predicate {
+  public:
+    explicit FoldedEquality(const Node& node)
+        : m_isLower(isCallOf(node.child(0), "lower")),
+          m_isEqual(node.comparison == Comparison::Equal),
+          m_operand(makeOperand(node.child(0).child(0))),
+          m_constant(node.child(1).text) {
+        for (std::size_t i = 0; i < m_map.size(); ++i) {
+            const char c = static_cast<char>(i);
+            (m_isLower ? lowerAscii : upperAscii)(&c, 1, &m_map[i]);
+        }
+    }
+
+    void narrow(Frame& frame, RowSet& rows, bool wanted) override {
+        const Vector& vector = m_operand->evaluate(frame, rows);
+        dropNulls(rows, vector);
+        const bool isWanted = wanted == m_isEqual;
+        withTexts(vector, [&](auto texts) {
+            if (vector.isAscii)
+                rows.keepIf([&](std::uint32_t row) { return equalsAscii(texts[row]) == isWanted; });
+            else
+                rows.keepIf([&](std::uint32_t row) { return equals(texts[row]) == isWanted; });
+        });
+    }
+
+  private:
+    [[nodiscard]] bool equalsAscii(std::string_view text) const {
+        if (text.size() != m_constant.size())
+            return false;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            if (m_map[static_cast<unsigned char>(text[i])] != m_constant[i])
+                return false;
+        }
+        return true;
+    }
+    [[nodiscard]] bool equals(std::string_view text) {
+        // No character is more than three times as long in the other case.
+        if (text.size() > m_constant.size() * 3 || m_constant.size() > text.size() * 3)
+            return false;
+        if (expression::isAscii(text))
+            return equalsAscii(text);
+        m_folded.clear();
+        (m_isLower ? appendLower : appendUpper)(m_folded, text);
+        return m_folded == m_constant;
+    }
+
+    bool m_isLower;
+    bool m_isEqual;
+    OperandPtr m_operand;
+    std::string_view m_constant;
+    std::array<char, 256> m_map{};
+    std::string m_folded;
+};
+
+} // namespace
+
+PredicatePtr makeComparison(const Node& node) {
+    const Node& left = node.child(0);
+    const Node& right = node.child(1);
+    if (left.isConstant() || !right.isConstant() || right.constant.isNull())
+        return std::make_unique<PairComparison>(node);
+    if (left.type == Type::Text) {
+        const bool isFolded = isCallOf(left, "lower") || isCallOf(left, "upper");
+        const bool isEquality = node.comparison == Comparison::Equal || node.comparison == Comparison::NotEqual;
+        if (isFolded && isEquality)
+            return std::make_unique<FoldedEquality>(node);
+        return std::make_unique<TextComparison>(node);
+    }
+    if (isNumber(left.type) || left.type == Type::Date)
+        return std::make_unique<NumberComparison>(node);
+    return std::make_unique<PairComparison>(node);
+}
+
+} // namespace tavix::expression

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "expression/Block.h"
+#include "expression/RowSet.h"
+#include "expression/Scratch.h"
+#include "expression/Vector.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tavix::expression {
+
+/// What the operators share while they work on one block.
+class Frame {
+  public:
+    void begin(const Block& block);
+
+    [[nodiscard]] const Block& block() const { return *m_block; }
+    [[nodiscard]] std::size_t rows() const { return m_block->rows; }
+    [[nodiscard]] Scratch& scratch() { return m_scratch; }
+    /// Whether all texts of the column are ASCII; looked at once for each block.
+    [[nodiscard]] bool isAscii(std::size_t column);
+
+    /// Takes a failure that a function has left in the scratch as one of this row.
+    void collectFailure(std::uint32_t row) {
+        if (m_scratch.hasFailed())
+            markFailed(row);
+    }
+    [[nodiscard]] bool hasFailures() const { return m_failures > 0; }
+    [[nodiscard]] bool isFailed(std::uint32_t row) const { return m_failed[row] != 0; }
+    [[nodiscard]] std::size_t failures() const { return m_failures; }
+    [[nodiscard]] std::uint32_t firstFailedRow() const { return m_firstFailed; }
+    [[nodiscard]] const std::string& firstFailure() const { return m_firstFailure; }
+
+    /// A set of rows that is put back when the guard ends.
+    class Loan {
+      public:
+        explicit Loan(Frame& frame);
+        Loan(const Loan&) = delete;
+        Loan& operator=(const Loan&) = delete;
+        ~Loan() { --m_frame.m_lent; }
+        [[nodiscard]] RowSet& rows() { return *m_rows; }
+
+      private:
+        Frame& m_frame;
+        RowSet* m_rows;
+    };
+
+  private:
+    void markFailed(std::uint32_t row);
+
+    const Block* m_block = nullptr;
+    Scratch m_scratch;
+    std::vector<std::int8_t> m_ascii; ///< of each column: -1 not known yet
+    std::vector<std::uint8_t> m_failed;
+    std::size_t m_failures = 0;
+    std::uint32_t m_firstFailed = 0;
+    std::string m_firstFailure;
+    std::vector<std::unique_ptr<RowSet>> m_sets;
+    std::size_t m_lent = 0;
+};
+
+} // namespace tavix::expression

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "expression/Scratch.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace tavix::expression {
+
+/// A pattern of a program, made ready once: what texts does it match? Shared by all evaluators, so without state.
+class Matcher {
+  public:
+    Matcher() = default;
+    Matcher(const Matcher&) = delete;
+    Matcher& operator=(const Matcher&) = delete;
+    virtual ~Matcher() = default;
+
+    /// Tells in `scratch` when it gives up.
+    [[nodiscard]] virtual bool matches(std::string_view text, Scratch& scratch) const = 0;
+};
+
+/// A regular expression that has to match the whole text, in time linear in it; null, with the reason, when the pattern
+/// is none.
+[[nodiscard]] std::shared_ptr<const Matcher> makeRegularExpression(std::string_view pattern, std::string& reason);
+
+} // namespace tavix::expression

@@ -1,0 +1,126 @@
+#include "expression/NumberFunctions.h"
+
+#include "expression/Conversion.h"
+#include "expression/DateText.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tavix::expression::number_functions {
+
+namespace {
+
+Value pick(Arguments arguments, int sign) {
+    const Value* best = &arguments.front();
+    for (const Value& argument : arguments) {
+        if (compareValues(argument, *best) * sign > 0)
+            best = &argument;
+    }
+    return *best;
+}
+
+/// Units of `seconds` within the day.
+std::int64_t inDay(const Value& date, std::int64_t seconds) {
+    return (date.integer - dayOf(date.integer) * kTicksPerDay) / kTicksPerSecond / seconds;
+}
+
+} // namespace
+
+Value absolute(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofReal(std::fabs(arguments[0].real));
+}
+
+Value addDays(Arguments arguments, Scratch& /*scratch*/) {
+    constexpr double kMostDays = 4'000'000;
+    const double days = arguments[1].real;
+    if (!(std::fabs(days) <= kMostDays))
+        return {};
+    const double whole = std::trunc(days);
+    const auto part = static_cast<std::int64_t>(std::llround((days - whole) * static_cast<double>(kTicksPerDay)));
+    const std::int64_t ticks = arguments[0].integer + static_cast<std::int64_t>(whole) * kTicksPerDay + part;
+    return isSupportedDate(ticks) ? Value::ofDate(ticks) : Value{};
+}
+
+Value ceiling(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofReal(std::ceil(arguments[0].real));
+}
+
+Value dateDifference(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofInteger(dayOf(arguments[1].integer) - dayOf(arguments[0].integer));
+}
+
+Value day(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofInteger(calendarDay(arguments[0].integer).day);
+}
+
+Value floor(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofReal(std::floor(arguments[0].real));
+}
+
+Value greatest(Arguments arguments, Scratch& /*scratch*/) {
+    return pick(arguments, 1);
+}
+
+Value hour(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofInteger(inDay(arguments[0], 3600));
+}
+
+Value least(Arguments arguments, Scratch& /*scratch*/) {
+    return pick(arguments, -1);
+}
+
+Value minute(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofInteger(inDay(arguments[0], 60) % 60);
+}
+
+Value month(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofInteger(calendarDay(arguments[0].integer).month);
+}
+
+Value nullIf(Arguments arguments, Scratch& /*scratch*/) {
+    return compareValues(arguments[0], arguments[1]) == 0 ? Value{} : arguments[0];
+}
+
+Value power(Arguments arguments, Scratch& /*scratch*/) {
+    return finite(std::pow(arguments[0].real, arguments[1].real));
+}
+
+Value remainder(Arguments arguments, Scratch& /*scratch*/) {
+    return finite(std::fmod(arguments[0].real, arguments[1].real));
+}
+
+Value round(Arguments arguments, Scratch& /*scratch*/) {
+    constexpr std::int64_t kMostPlaces = 15;
+    const double value = arguments[0].real;
+    const std::int64_t places = arguments.size() > 1 ? std::clamp(arguments[1].integer, -kMostPlaces, kMostPlaces) : 0;
+    const double unit = std::pow(10.0, static_cast<double>(std::abs(places)));
+    const double rounded = places < 0 ? std::round(value / unit) * unit : std::round(value * unit) / unit;
+    // A value too large to be scaled has no such places.
+    return Value::ofReal(std::isfinite(rounded) ? rounded : value);
+}
+
+Value same(Arguments arguments, Scratch& /*scratch*/) {
+    return arguments[0];
+}
+
+Value second(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofInteger(inDay(arguments[0], 1) % 60);
+}
+
+Value squareRoot(Arguments arguments, Scratch& /*scratch*/) {
+    return finite(std::sqrt(arguments[0].real));
+}
+
+Value truncate(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofReal(std::trunc(arguments[0].real));
+}
+
+Value weekday(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofInteger(calendarDay(arguments[0].integer).weekday);
+}
+
+Value year(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofInteger(calendarDay(arguments[0].integer).year);
+}
+
+} // namespace tavix::expression::number_functions

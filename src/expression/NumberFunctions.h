@@ -1,0 +1,36 @@
+#pragma once
+
+#include "expression/Scratch.h"
+#include "expression/Value.h"
+
+#include <span>
+
+/// The implementations behind the catalogue's functions over numbers and dates, and those that take any type.
+namespace tavix::expression::number_functions {
+
+using Arguments = std::span<const Value>;
+
+Value absolute(Arguments arguments, Scratch& scratch);
+Value addDays(Arguments arguments, Scratch& scratch);
+Value ceiling(Arguments arguments, Scratch& scratch);
+Value dateDifference(Arguments arguments, Scratch& scratch);
+Value day(Arguments arguments, Scratch& scratch);
+Value floor(Arguments arguments, Scratch& scratch);
+Value greatest(Arguments arguments, Scratch& scratch);
+Value hour(Arguments arguments, Scratch& scratch);
+Value least(Arguments arguments, Scratch& scratch);
+Value minute(Arguments arguments, Scratch& scratch);
+Value month(Arguments arguments, Scratch& scratch);
+Value nullIf(Arguments arguments, Scratch& scratch);
+Value power(Arguments arguments, Scratch& scratch);
+Value remainder(Arguments arguments, Scratch& scratch);
+Value round(Arguments arguments, Scratch& scratch);
+/// The argument itself: the conversion to the parameter's type is all that there is to do.
+Value same(Arguments arguments, Scratch& scratch);
+Value second(Arguments arguments, Scratch& scratch);
+Value squareRoot(Arguments arguments, Scratch& scratch);
+Value truncate(Arguments arguments, Scratch& scratch);
+Value weekday(Arguments arguments, Scratch& scratch);
+Value year(Arguments arguments, Scratch& scratch);
+
+} // namespace tavix::expression::number_functions

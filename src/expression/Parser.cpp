@@ -1,0 +1,345 @@
+#include "expression/Parser.h"
+
+#include "expression/Lexer.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+namespace tavix::expression {
+
+namespace {
+
+using Tree = std::unique_ptr<Syntax>;
+
+struct ComparisonSign {
+    TokenKind token;
+    Comparison comparison;
+};
+constexpr std::array<ComparisonSign, 6> kComparisons{{{TokenKind::Equal, Comparison::Equal},
+                                                      {TokenKind::NotEqual, Comparison::NotEqual},
+                                                      {TokenKind::Less, Comparison::Less},
+                                                      {TokenKind::LessOrEqual, Comparison::LessOrEqual},
+                                                      {TokenKind::Greater, Comparison::Greater},
+                                                      {TokenKind::GreaterOrEqual, Comparison::GreaterOrEqual}}};
+
+struct ArithmeticSign {
+    TokenKind token;
+    Arithmetic arithmetic;
+};
+constexpr std::array<ArithmeticSign, 2> kSums{
+    {{TokenKind::Plus, Arithmetic::Add}, {TokenKind::Minus, Arithmetic::Subtract}}};
+constexpr std::array<ArithmeticSign, 3> kProducts{{{TokenKind::Times, Arithmetic::Multiply},
+                                                   {TokenKind::Divide, Arithmetic::Divide},
+                                                   {TokenKind::Percent, Arithmetic::Remainder}}};
+
+/// Recursive descent. A function that returns null has left its error in m_error.
+class Reader {
+  public:
+    explicit Reader(Tokens tokens) : m_tokens(std::move(tokens)) {}
+
+    Parsed run() {
+        if (isEmpty())
+            return {nullptr, ExpressionError{"the expression is empty", 1, 1}};
+        Tree tree = isWord("if") || isWord("return") ? statement() : expression();
+        if (tree && (current().kind != TokenKind::End || m_tokens.error))
+            tree = unexpected("the end of the expression");
+        if (!tree)
+            return {nullptr, std::move(m_error)};
+        return {std::move(tree), std::nullopt};
+    }
+
+  private:
+    [[nodiscard]] bool isEmpty() const { return m_tokens.list.size() == 1 && !m_tokens.error; }
+    [[nodiscard]] const Token& current() const { return m_tokens.list[m_next]; }
+    [[nodiscard]] bool isAt(TokenKind kind) const { return current().kind == kind; }
+    [[nodiscard]] bool isWord(std::string_view word) const { return isAt(TokenKind::Word) && current().text == word; }
+
+    const Token& take() {
+        const Token& token = current();
+        m_doubtful = token.hasDoubtfulEnd ? &token : m_doubtful;
+        if (token.kind != TokenKind::End)
+            ++m_next;
+        return token;
+    }
+    bool accept(TokenKind kind) {
+        const bool isIt = isAt(kind);
+        if (isIt)
+            take();
+        return isIt;
+    }
+    bool acceptWord(std::string_view word) {
+        const bool isIt = isWord(word);
+        if (isIt)
+            take();
+        return isIt;
+    }
+
+    Tree fail(Position at, std::string message) {
+        if (m_error)
+            return nullptr;
+        if (m_doubtful)
+            message += fmt::format(" (the text in line {}, column {} goes on behind its \\'; a text cannot end in a "
+                                   "backslash, write concat('...', char(92)))",
+                                   m_doubtful->at.line, m_doubtful->at.column);
+        m_error = ExpressionError{std::move(message), at.line, at.column};
+        return nullptr;
+    }
+    Tree unexpected(std::string_view wanted) {
+        // Where the tokens end early, the reason for that is the better message.
+        if (isAt(TokenKind::End) && m_tokens.error) {
+            m_error = m_tokens.error;
+            return nullptr;
+        }
+        return fail(current().at, fmt::format("expected {}, found {}", wanted, describe(current())));
+    }
+
+    /// Counts one level of nesting for as long as it lives.
+    class Level {
+      public:
+        explicit Level(int& depth) : m_depth(depth) { ++m_depth; }
+        Level(const Level&) = delete;
+        Level& operator=(const Level&) = delete;
+        ~Level() { --m_depth; }
+        [[nodiscard]] bool isTooDeep() const { return m_depth > kDeepestNesting; }
+
+      private:
+        int& m_depth;
+    };
+    Tree tooDeep() {
+        return fail(current().at, fmt::format("the expression is nested deeper than {} levels", kDeepestNesting));
+    }
+
+    static Tree make(SyntaxKind kind, Position at) {
+        auto tree = std::make_unique<Syntax>();
+        tree->kind = kind;
+        tree->at = at;
+        return tree;
+    }
+
+    Tree statement() {
+        const Level level(m_depth);
+        if (level.isTooDeep())
+            return tooDeep();
+        if (acceptWord("return"))
+            return expression();
+        if (!isWord("if"))
+            return unexpected("\"if\" or \"return\"");
+        return ifStatement();
+    }
+
+    /// A chain of else-if is one level, however long it is.
+    Tree ifStatement() {
+        Tree tree = make(SyntaxKind::If, current().at);
+        while (acceptWord("if")) {
+            Tree condition = expression();
+            if (!condition)
+                return nullptr;
+            if (!acceptWord("then"))
+                return unexpected("\"then\"");
+            Tree value = statement();
+            if (!value)
+                return nullptr;
+            adopt(*tree, std::move(condition));
+            adopt(*tree, std::move(value));
+            if (!acceptWord("else"))
+                return tree;
+        }
+        Tree last = statement();
+        if (!last)
+            return nullptr;
+        adopt(*tree, std::move(last));
+        return tree;
+    }
+
+    Tree expression() {
+        const Level level(m_depth);
+        if (level.isTooDeep())
+            return tooDeep();
+        return list(SyntaxKind::Or, "or", &Reader::conjunction);
+    }
+    Tree conjunction() { return list(SyntaxKind::And, "and", &Reader::negation); }
+
+    Tree list(SyntaxKind kind, std::string_view word, Tree (Reader::*part)()) {
+        Tree first = (this->*part)();
+        if (!first || !isWord(word))
+            return first;
+        Tree tree = make(kind, first->at);
+        adopt(*tree, std::move(first));
+        while (acceptWord(word)) {
+            Tree next = (this->*part)();
+            if (!next)
+                return nullptr;
+            adopt(*tree, std::move(next));
+        }
+        return tree;
+    }
+
+    Tree negation() {
+        if (!isWord("not"))
+            return comparison();
+        const Position at = current().at;
+        bool isNegated = false;
+        while (acceptWord("not"))
+            isNegated = !isNegated;
+        Tree inner = comparison();
+        // Two negations are none, but what they stand before has to be a condition all the same.
+        return inner ? wrap(SyntaxKind::Not, at,
+                            isNegated ? std::move(inner) : wrap(SyntaxKind::Not, at, std::move(inner)))
+                     : nullptr;
+    }
+    static Tree wrap(SyntaxKind kind, Position at, Tree inner) {
+        Tree tree = make(kind, at);
+        adopt(*tree, std::move(inner));
+        return tree;
+    }
+    static void adopt(Syntax& parent, Tree child) {
+        parent.depth = std::max(parent.depth, child->depth + 1);
+        parent.children.push_back(std::move(child));
+    }
+
+    [[nodiscard]] const ComparisonSign* comparisonSign() const {
+        for (const ComparisonSign& sign : kComparisons) {
+            if (isAt(sign.token))
+                return &sign;
+        }
+        return nullptr;
+    }
+
+    Tree comparison() {
+        Tree left = sum();
+        const ComparisonSign* sign = comparisonSign();
+        if (!left || !sign)
+            return left;
+        Tree tree = make(SyntaxKind::Compare, take().at);
+        tree->comparison = sign->comparison;
+        Tree right = sum();
+        if (!right)
+            return nullptr;
+        if (comparisonSign())
+            return fail(current().at, "comparisons cannot be chained; join them with \"and\" or use parentheses");
+        adopt(*tree, std::move(left));
+        adopt(*tree, std::move(right));
+        return tree;
+    }
+
+    Tree sum() { return chain(kSums, &Reader::product); }
+    Tree product() { return chain(kProducts, &Reader::signedValue); }
+
+    /// A chain nests to the left, so each of its signs is a level of the tree.
+    template <std::size_t N>
+    Tree chain(const std::array<ArithmeticSign, N>& signs, Tree (Reader::*part)()) {
+        Tree tree = (this->*part)();
+        while (tree) {
+            const ArithmeticSign* found = nullptr;
+            for (const ArithmeticSign& sign : signs)
+                found = isAt(sign.token) ? &sign : found;
+            if (!found)
+                return tree;
+            if (tree->depth > kDeepestNesting)
+                return tooDeep();
+            Tree whole = make(SyntaxKind::Arithmetic, take().at);
+            whole->arithmetic = found->arithmetic;
+            Tree right = (this->*part)();
+            if (!right)
+                return nullptr;
+            adopt(*whole, std::move(tree));
+            adopt(*whole, std::move(right));
+            tree = std::move(whole);
+        }
+        return tree;
+    }
+
+    Tree signedValue() {
+        const Position at = current().at;
+        bool isSigned = false;
+        bool isNegative = false;
+        while (isAt(TokenKind::Minus) || isAt(TokenKind::Plus)) {
+            isSigned = true;
+            isNegative = isNegative != (take().kind == TokenKind::Minus);
+        }
+        Tree inner = primary();
+        if (!inner || !isSigned)
+            return inner;
+        if (inner->kind == SyntaxKind::Number) {
+            if (isNegative && inner->text.starts_with('-'))
+                inner->text.erase(0, 1);
+            else if (isNegative)
+                inner->text.insert(0, 1, '-');
+            inner->at = at;
+            return inner;
+        }
+        return wrap(SyntaxKind::Negate, at,
+                    isNegative ? std::move(inner) : wrap(SyntaxKind::Negate, at, std::move(inner)));
+    }
+
+    Tree leaf(SyntaxKind kind) {
+        const Token& token = take();
+        Tree tree = make(kind, token.at);
+        tree->text = token.text;
+        return tree;
+    }
+
+    Tree primary() {
+        switch (current().kind) {
+        case TokenKind::Number:
+            return leaf(SyntaxKind::Number);
+        case TokenKind::Text:
+            return leaf(SyntaxKind::Text);
+        case TokenKind::Field:
+            return leaf(SyntaxKind::Field);
+        case TokenKind::Word:
+            return word();
+        case TokenKind::LeftParenthesis: {
+            take();
+            Tree inner = expression();
+            if (inner && !accept(TokenKind::RightParenthesis))
+                return unexpected("\")\"");
+            return inner;
+        }
+        default:
+            return unexpected("a value");
+        }
+    }
+
+    Tree word() {
+        const std::string& name = current().text;
+        if (name == "true" || name == "false" || name == "null")
+            return leaf(SyntaxKind::Word);
+        for (const std::string_view keyword : {"if", "then", "else", "return", "and", "or", "not"}) {
+            if (name == keyword)
+                return unexpected("a value");
+        }
+        Tree call = leaf(SyntaxKind::Call);
+        if (!accept(TokenKind::LeftParenthesis))
+            return fail(call->at,
+                        fmt::format("{} is a name without \"(\"; fields stand in grave accents, texts in single quotes",
+                                    call->text));
+        if (accept(TokenKind::RightParenthesis))
+            return call;
+        do {
+            Tree argument = expression();
+            if (!argument)
+                return nullptr;
+            adopt(*call, std::move(argument));
+        } while (accept(TokenKind::Comma));
+        if (!accept(TokenKind::RightParenthesis))
+            return unexpected("\",\" or \")\"");
+        return call;
+    }
+
+    Tokens m_tokens;
+    std::size_t m_next = 0;
+    int m_depth = 0;
+    const Token* m_doubtful = nullptr;
+    std::optional<ExpressionError> m_error;
+};
+
+} // namespace
+
+Parsed parse(std::string_view text) {
+    return Reader(tokenize(text)).run();
+}
+
+} // namespace tavix::expression

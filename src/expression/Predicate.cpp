@@ -1,0 +1,205 @@
+#include "expression/Predicate.h"
+
+#include "expression/Conversion.h"
+#include "expression/Operand.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace tavix::expression {
+
+namespace {
+
+class ConstantPredicate : public Predicate {
+  public:
+    explicit ConstantPredicate(const Value& value) : m_value(value) {}
+    void narrow(Frame& /*frame*/, RowSet& rows, bool wanted) override {
+        if (m_value.isNull() || m_value.boolean != wanted)
+            rows.clear();
+    }
+
+  private:
+    Value m_value;
+};
+
+class NotPredicate : public Predicate {
+  public:
+    explicit NotPredicate(const Node& node) : m_inner(makePredicate(node.child(0))) {}
+    void narrow(Frame& frame, RowSet& rows, bool wanted) override { m_inner->narrow(frame, rows, !wanted); }
+
+  private:
+    PredicatePtr m_inner;
+};
+
+/// Marks rows that were found by one of several ways, and gives all of them in the end.
+class Union {
+  public:
+    explicit Union(std::size_t rows) : m_marks(rows) {}
+    void add(const RowSet& rows) {
+        rows.forEach([this](std::uint32_t row) { m_marks[row] = 1; });
+    }
+    [[nodiscard]] bool holds(std::uint32_t row) const { return m_marks[row] != 0; }
+
+  private:
+    std::vector<std::uint8_t> m_marks;
+};
+
+/// "and" and "or". What is true of all parts narrows from one to the next; what is true of some is asked of the rows
+/// that no part before it has found.
+class Junction : public Predicate {
+  public:
+    explicit Junction(const Node& node) : m_isAnd(node.kind == NodeKind::And) {
+        for (const NodePtr& child : node.children)
+            m_parts.push_back(makePredicate(*child));
+    }
+
+    void narrow(Frame& frame, RowSet& rows, bool wanted) override {
+        if (m_isAnd != wanted) {
+            narrowToSome(frame, rows, wanted);
+            return;
+        }
+        for (const PredicatePtr& part : m_parts) {
+            if (rows.isEmpty())
+                return;
+            part->narrow(frame, rows, wanted);
+        }
+    }
+
+  private:
+    void narrowToSome(Frame& frame, RowSet& rows, bool wanted) {
+        Union found(frame.rows());
+        Frame::Loan rest(frame);
+        Frame::Loan part(frame);
+        rest.rows().assign(rows);
+        for (const PredicatePtr& predicate : m_parts) {
+            if (rest.rows().isEmpty())
+                break;
+            part.rows().assign(rest.rows());
+            predicate->narrow(frame, part.rows(), wanted);
+            found.add(part.rows());
+            rest.rows().keepIf([&](std::uint32_t row) { return !found.holds(row); });
+        }
+        rows.keepIf([&](std::uint32_t row) { return found.holds(row); });
+    }
+
+    bool m_isAnd;
+    std::vector<PredicatePtr> m_parts;
+};
+
+class Choice : public Predicate {
+  public:
+    explicit Choice(const Node& node) {
+        for (const NodePtr& child : node.children)
+            m_parts.push_back(makePredicate(*child));
+    }
+
+    void narrow(Frame& frame, RowSet& rows, bool wanted) override {
+        Union found(frame.rows());
+        Frame::Loan rest(frame);
+        Frame::Loan part(frame);
+        rest.rows().assign(rows);
+        const std::size_t last = m_parts.size() - 1;
+        for (std::size_t i = 0; i < last && !rest.rows().isEmpty(); i += 2) {
+            part.rows().assign(rest.rows());
+            m_parts[i]->narrow(frame, part.rows(), true);
+            Union taken(frame.rows());
+            taken.add(part.rows());
+            rest.rows().keepIf([&](std::uint32_t row) { return !taken.holds(row); });
+            m_parts[i + 1]->narrow(frame, part.rows(), wanted);
+            found.add(part.rows());
+        }
+        m_parts[last]->narrow(frame, rest.rows(), wanted);
+        found.add(rest.rows());
+        rows.keepIf([&](std::uint32_t row) { return found.holds(row); });
+    }
+
+  private:
+    std::vector<PredicatePtr> m_parts;
+};
+
+class NullPredicate : public Predicate {
+  public:
+    explicit NullPredicate(const Node& node) : m_operand(makeOperand(node.child(0))) {}
+    void narrow(Frame& frame, RowSet& rows, bool wanted) override {
+        const Vector& vector = m_operand->evaluate(frame, rows);
+        if (!vector.isConstant && !vector.nulls) {
+            if (wanted)
+                rows.clear();
+            return;
+        }
+        rows.keepIf([&](std::uint32_t row) { return vector.isNull(row) == wanted; });
+    }
+
+  private:
+    OperandPtr m_operand;
+};
+
+/// Any operand of type Boolean.
+class TruthPredicate : public Predicate {
+  public:
+    explicit TruthPredicate(const Node& node) : m_operand(makeOperand(node)) {}
+    void narrow(Frame& frame, RowSet& rows, bool wanted) override {
+        const Vector& vector = m_operand->evaluate(frame, rows);
+        dropNulls(rows, vector);
+        rows.keepIf([&](std::uint32_t row) { return vector.at(row).boolean == wanted; });
+    }
+
+  private:
+    OperandPtr m_operand;
+};
+
+/// inlist of what is no constant text.
+class ListPredicate : public Predicate {
+  public:
+    explicit ListPredicate(const Node& node) {
+        for (const NodePtr& child : node.children)
+            m_operands.push_back(makeOperand(*child));
+    }
+
+    void narrow(Frame& frame, RowSet& rows, bool wanted) override {
+        m_columns.clear();
+        for (const OperandPtr& operand : m_operands)
+            m_columns.push_back(&operand->evaluate(frame, rows));
+        for (const Vector* column : m_columns)
+            dropNulls(rows, *column);
+        rows.keepIf([&](std::uint32_t row) {
+            const Value subject = m_columns.front()->at(row);
+            return wanted == std::any_of(m_columns.begin() + 1, m_columns.end(), [&](const Vector* member) {
+                       return compareValues(subject, member->at(row)) == 0;
+                   });
+        });
+    }
+
+  private:
+    std::vector<OperandPtr> m_operands;
+    std::vector<const Vector*> m_columns;
+};
+
+} // namespace
+
+PredicatePtr makePredicate(const Node& node) {
+    switch (node.kind) {
+    case NodeKind::Constant:
+        return std::make_unique<ConstantPredicate>(node.constant);
+    case NodeKind::Not:
+        return std::make_unique<NotPredicate>(node);
+    case NodeKind::And:
+    case NodeKind::Or:
+        return std::make_unique<Junction>(node);
+    case NodeKind::If:
+        return std::make_unique<Choice>(node);
+    case NodeKind::IsNull:
+        return std::make_unique<NullPredicate>(node);
+    case NodeKind::Compare:
+        return makeComparison(node);
+    default:
+        break;
+    }
+    if (PredicatePtr test = makeTextTest(node))
+        return test;
+    if (node.kind == NodeKind::InList)
+        return std::make_unique<ListPredicate>(node);
+    return std::make_unique<TruthPredicate>(node);
+}
+
+} // namespace tavix::expression

@@ -1,0 +1,54 @@
+#include "expression/Matcher.h"
+
+#include <re2/re2.h>
+
+namespace tavix::expression {
+
+namespace {
+
+constexpr std::int64_t kMostMemory = std::int64_t{8} << 20;
+
+re2::RE2::Options options() {
+    re2::RE2::Options made;
+    made.set_log_errors(false);
+    made.set_max_mem(kMostMemory);
+    made.set_dot_nl(true);
+    return made;
+}
+
+class RegularExpression : public Matcher {
+  public:
+    explicit RegularExpression(std::string_view pattern)
+        : m_expression(re2::StringPiece(pattern.data(), pattern.size()), options()) {
+        m_hasRange = m_expression.ok() && m_expression.PossibleMatchRange(&m_lowest, &m_highest, kRangeLength);
+    }
+
+    [[nodiscard]] bool isGood() const { return m_expression.ok(); }
+    [[nodiscard]] const std::string& reason() const { return m_expression.error(); }
+    [[nodiscard]] bool matches(std::string_view text, Scratch& /*scratch*/) const override {
+        // Where the pattern begins with fixed characters, order alone decides most texts.
+        if (m_hasRange && (text < m_lowest || text > m_highest))
+            return false;
+        return re2::RE2::FullMatch(re2::StringPiece(text.data(), text.size()), m_expression);
+    }
+
+  private:
+    static constexpr int kRangeLength = 8;
+
+    re2::RE2 m_expression;
+    bool m_hasRange = false;
+    std::string m_lowest;
+    std::string m_highest;
+};
+
+} // namespace
+
+std::shared_ptr<const Matcher> makeRegularExpression(std::string_view pattern, std::string& reason) {
+    auto made = std::make_shared<RegularExpression>(pattern);
+    if (made->isGood())
+        return made;
+    reason = made->reason();
+    return nullptr;
+}
+
+} // namespace tavix::expression

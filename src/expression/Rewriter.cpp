@@ -1,0 +1,119 @@
+#include "expression/Rewriter.h"
+
+#include "expression/Interpreter.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace tavix::expression {
+
+namespace {
+
+std::optional<std::int64_t> fixedInteger(const Node& node) {
+    if (!node.isConstant() || node.constant.type != Type::Integer)
+        return std::nullopt;
+    return node.constant.integer;
+}
+
+Comparison mirrored(Comparison comparison) {
+    switch (comparison) {
+    case Comparison::Less:
+        return Comparison::Greater;
+    case Comparison::LessOrEqual:
+        return Comparison::GreaterOrEqual;
+    case Comparison::Greater:
+        return Comparison::Less;
+    case Comparison::GreaterOrEqual:
+        return Comparison::LessOrEqual;
+    default:
+        return comparison;
+    }
+}
+
+NodePtr callOf(const char* name, Type type, NodePtr first, NodePtr second = nullptr) {
+    NodePtr node = makeNode(NodeKind::Call, type);
+    node->function = findFunction(name);
+    node->children.push_back(std::move(first));
+    if (second)
+        node->children.push_back(std::move(second));
+    return node;
+}
+
+/// compare(a, b, ...) against 0.
+NodePtr rewriteCompare(NodePtr node) {
+    Node& call = *node->children[0];
+    const bool hasCase = call.children.size() > 2;
+    if (hasCase && (!call.child(2).isConstant() || call.child(2).constant.isNull()))
+        return node;
+    const bool ignoresCase = hasCase && call.child(2).constant.boolean;
+    NodePtr left = std::move(call.children[0]);
+    NodePtr right = std::move(call.children[1]);
+    if (ignoresCase) {
+        left = fold(callOf("lower", Type::Text, std::move(left)));
+        right = fold(callOf("lower", Type::Text, std::move(right)));
+    }
+    node->children[0] = std::move(left);
+    node->children[1] = std::move(right);
+    return node;
+}
+
+/// Whether "position, compared so with the number" says that there is one (true), that there is none (false), or more.
+std::optional<bool> asksForOccurrence(Comparison comparison, std::int64_t number) {
+    if (number == 0) {
+        if (comparison == Comparison::NotEqual || comparison == Comparison::Greater)
+            return true;
+        if (comparison == Comparison::Equal || comparison == Comparison::LessOrEqual)
+            return false;
+    }
+    if (number == 1 && comparison == Comparison::GreaterOrEqual)
+        return true;
+    if (number == 1 && comparison == Comparison::Less)
+        return false;
+    return std::nullopt;
+}
+
+NodePtr rewriteInstr(NodePtr node, bool occurs) {
+    Node& call = *node->children[0];
+    NodePtr contains = callOf("contains", Type::Boolean, std::move(call.children[0]), std::move(call.children[1]));
+    if (occurs)
+        return contains;
+    NodePtr negated = makeNode(NodeKind::Not, Type::Boolean);
+    negated->children.push_back(std::move(contains));
+    return negated;
+}
+
+} // namespace
+
+NodePtr fold(NodePtr node) {
+    const auto isConstant = [](const NodePtr& child) { return child->isConstant(); };
+    if (node->isConstant() || node->kind == NodeKind::Field || !std::ranges::all_of(node->children, isConstant))
+        return node;
+    Scratch scratch;
+    const Value value = Interpreter(scratch).evaluate(*node, {});
+    if (scratch.hasFailed())
+        return node;
+    NodePtr constant = makeConstant(value);
+    constant->type = node->type;
+    return constant;
+}
+
+NodePtr rewrite(NodePtr node) {
+    if (node->kind != NodeKind::Compare)
+        return node;
+    if (node->child(0).isConstant() && !node->child(1).isConstant()) {
+        std::swap(node->children[0], node->children[1]);
+        node->comparison = mirrored(node->comparison);
+    }
+    const auto number = fixedInteger(node->child(1));
+    if (!number)
+        return node;
+    if (isCallOf(node->child(0), "compare") && *number == 0)
+        return rewriteCompare(std::move(node));
+    if (isCallOf(node->child(0), "instr") && node->child(0).children.size() == 2) {
+        if (const auto occurs = asksForOccurrence(node->comparison, *number))
+            return rewriteInstr(std::move(node), *occurs);
+    }
+    return node;
+}
+
+} // namespace tavix::expression

@@ -1,0 +1,78 @@
+#include "expression/Scratch.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace tavix::expression {
+
+namespace {
+
+constexpr std::size_t kChunk = std::size_t{64} << 10;
+/// What all texts of one row, or of one block of rows, may take together.
+constexpr std::size_t kMostMemory = std::size_t{256} << 20;
+/// Chunks beyond this are given back, so that one large row does not cost its memory for ever.
+constexpr std::size_t kKept = std::size_t{4} << 20;
+
+} // namespace
+
+void Scratch::clear() {
+    std::size_t kept = 0;
+    std::size_t size = 0;
+    while (kept < m_chunks.size() && (size += m_chunks[kept].size) <= kKept)
+        ++kept;
+    m_chunks.resize(kept);
+    m_chunk = 0;
+    m_used = 0;
+    m_total = 0;
+    if (m_builder.capacity() > kKept)
+        m_builder = std::string();
+}
+
+char* Scratch::allocate(std::size_t size) {
+    if (size > kLongestText) {
+        fail("a text would grow too long");
+        return nullptr;
+    }
+    m_total += size;
+    if (m_total > kMostMemory) {
+        fail("the texts that are made take too much memory");
+        return nullptr;
+    }
+    while (m_chunk < m_chunks.size() && m_chunks[m_chunk].size - m_used < size) {
+        ++m_chunk;
+        m_used = 0;
+    }
+    if (m_chunk == m_chunks.size()) {
+        const std::size_t wanted = std::max(kChunk, size);
+        m_chunks.push_back({std::make_unique_for_overwrite<char[]>(wanted), wanted});
+        m_used = 0;
+    }
+    char* const bytes = m_chunks[m_chunk].bytes.get() + m_used;
+    m_used += size;
+    return bytes;
+}
+
+std::string_view Scratch::keep(std::string_view text) {
+    char* const bytes = text.empty() ? nullptr : allocate(text.size());
+    if (!bytes)
+        return {};
+    std::memcpy(bytes, text.data(), text.size());
+    return {bytes, text.size()};
+}
+
+std::string& Scratch::builder() {
+    m_builder.clear();
+    return m_builder;
+}
+
+void Scratch::fail(std::string message) {
+    if (m_failure.empty())
+        m_failure = std::move(message);
+}
+
+std::string Scratch::takeFailure() {
+    return std::exchange(m_failure, std::string());
+}
+
+} // namespace tavix::expression

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "expression/ExpressionError.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tavix::expression {
+
+enum class Comparison : std::uint8_t { Equal, NotEqual, Less, LessOrEqual, Greater, GreaterOrEqual };
+enum class Arithmetic : std::uint8_t { Add, Subtract, Multiply, Divide, Remainder };
+
+enum class SyntaxKind : std::uint8_t {
+    Number,
+    Text,
+    Word,  ///< true, false, null
+    Field, ///< by its name
+    Call,
+    Not,
+    Negate,
+    And, ///< two or more children
+    Or,  ///< two or more children
+    Compare,
+    Arithmetic,
+    If, ///< condition, value, condition, value, ..., and the value of the last else, if there is one
+};
+
+/// What was written, before names and types are looked at.
+struct Syntax {
+    SyntaxKind kind = SyntaxKind::Word;
+    Position at;
+    std::string text; ///< of a number, text, word, field or function
+    Comparison comparison = Comparison::Equal;
+    Arithmetic arithmetic = Arithmetic::Add;
+    int depth = 1; ///< levels of the tree from here down
+    std::vector<std::unique_ptr<Syntax>> children;
+};
+
+} // namespace tavix::expression

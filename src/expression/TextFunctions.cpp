@@ -1,0 +1,204 @@
+#include "expression/TextFunctions.h"
+
+#include "base/NumberText.h"
+#include "expression/DateText.h"
+#include "expression/TextOperators.h"
+#include "expression/Wildcard.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+namespace tavix::expression::text_functions {
+
+namespace {
+
+constexpr std::size_t kLongestPattern = 4096;
+
+/// The text that a mapping appends to an empty one.
+template <typename Append>
+Value mapped(std::string_view text, Scratch& scratch, Append append) {
+    std::string& out = scratch.builder();
+    append(out, text);
+    return Value::ofText(scratch.keep(out));
+}
+
+/// Appends unless that would make the text too long to keep.
+bool appendBounded(std::string& out, std::string_view part) {
+    if (part.size() > kLongestText - std::min(kLongestText, out.size())) {
+        out.resize(kLongestText + 1);
+        return false;
+    }
+    out.append(part);
+    return true;
+}
+
+Value padded(Arguments arguments, Scratch& scratch, bool onTheLeft) {
+    const std::string_view text = arguments[0].text;
+    const std::string_view fill = arguments.size() > 2 ? arguments[2].text : std::string_view(" ");
+    auto missing = arguments[1].integer - static_cast<std::int64_t>(countCharacters(text));
+    if (missing <= 0 || fill.empty())
+        return arguments[0];
+    std::string& out = scratch.builder();
+    if (!onTheLeft)
+        out.append(text);
+    const auto each = static_cast<std::int64_t>(countCharacters(fill));
+    for (; missing > 0; missing -= each) {
+        if (!appendBounded(out, missing < each ? leftOf(fill, missing) : fill))
+            break;
+    }
+    if (onTheLeft)
+        appendBounded(out, text);
+    return Value::ofText(scratch.keep(out));
+}
+
+} // namespace
+
+Value character(Arguments arguments, Scratch& scratch) {
+    const std::int64_t code = arguments[0].integer;
+    if (code < 0 || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF))
+        return {};
+    std::string& out = scratch.builder();
+    appendCharacter(out, static_cast<std::int32_t>(code));
+    return Value::ofText(scratch.keep(out));
+}
+
+Value compare(Arguments arguments, Scratch& scratch) {
+    std::string_view left = arguments[0].text;
+    std::string_view right = arguments[1].text;
+    if (arguments.size() > 2 && arguments[2].boolean) {
+        left = mapped(left, scratch, appendLower).text;
+        right = mapped(right, scratch, appendLower).text;
+    }
+    const int order = compareTexts(left, right);
+    return Value::ofInteger(order < 0 ? -1 : order > 0 ? 1 : 0);
+}
+
+Value concat(Arguments arguments, Scratch& scratch) {
+    std::string& out = scratch.builder();
+    for (const Value& part : arguments) {
+        if (!appendBounded(out, part.text))
+            break;
+    }
+    return Value::ofText(scratch.keep(out));
+}
+
+Value contains(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofBoolean(positionOf(arguments[0].text, arguments[1].text) != 0);
+}
+
+Value endsWith(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofBoolean(arguments[0].text.ends_with(arguments[1].text));
+}
+
+Value hasControlCharacters(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofBoolean(hasControlCharacter(arguments[0].text));
+}
+
+Value instr(Arguments arguments, Scratch& /*scratch*/) {
+    if (arguments.size() < 3)
+        return Value::ofInteger(positionOf(arguments[0].text, arguments[1].text));
+    const std::int64_t first = std::max<std::int64_t>(1, arguments[2].integer);
+    const std::string_view text = arguments[0].text;
+    const std::string_view rest = text.substr(offsetOfCharacter(text, static_cast<std::size_t>(first - 1)));
+    const std::int64_t position = positionOf(rest, arguments[1].text);
+    const auto skipped = static_cast<std::int64_t>(countCharacters(text.substr(0, text.size() - rest.size())));
+    return Value::ofInteger(position == 0 ? 0 : position + skipped);
+}
+
+Value isBlank(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofBoolean(isBlankText(arguments[0].text));
+}
+
+Value isDate(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofBoolean(parseDate(arguments[0].text).has_value());
+}
+
+Value isInteger(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofBoolean(parseInteger(arguments[0].text).has_value());
+}
+
+Value isNumber(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofBoolean(isNumberText(arguments[0].text));
+}
+
+Value left(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofText(leftOf(arguments[0].text, arguments[1].integer));
+}
+
+Value length(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofInteger(static_cast<std::int64_t>(countCharacters(arguments[0].text)));
+}
+
+Value lower(Arguments arguments, Scratch& scratch) {
+    return mapped(arguments[0].text, scratch, appendLower);
+}
+
+Value ltrim(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofText(trimLeft(arguments[0].text));
+}
+
+Value matchString(Arguments arguments, Scratch& scratch) {
+    if (arguments[1].text.size() > kLongestPattern) {
+        scratch.fail("a wildcard pattern is too long");
+        return {};
+    }
+    return Value::ofBoolean(Wildcard(arguments[1].text).matches(arguments[0].text, scratch));
+}
+
+Value padLeft(Arguments arguments, Scratch& scratch) {
+    return padded(arguments, scratch, true);
+}
+
+Value padRight(Arguments arguments, Scratch& scratch) {
+    return padded(arguments, scratch, false);
+}
+
+Value replace(Arguments arguments, Scratch& scratch) {
+    std::string_view rest = arguments[0].text;
+    const std::string_view from = arguments[1].text;
+    if (from.empty())
+        return arguments[0];
+    std::string& out = scratch.builder();
+    while (rest.size() >= from.size()) {
+        const void* const found = memmem(rest.data(), rest.size(), from.data(), from.size());
+        if (!found && rest.size() == arguments[0].text.size())
+            return arguments[0];
+        if (!found)
+            break;
+        const auto at = static_cast<std::size_t>(static_cast<const char*>(found) - rest.data());
+        if (!appendBounded(out, rest.substr(0, at)) || !appendBounded(out, arguments[2].text))
+            break;
+        rest.remove_prefix(at + from.size());
+    }
+    appendBounded(out, rest);
+    return Value::ofText(scratch.keep(out));
+}
+
+Value right(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofText(rightOf(arguments[0].text, arguments[1].integer));
+}
+
+Value rtrim(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofText(trimRight(arguments[0].text));
+}
+
+Value startsWith(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofBoolean(arguments[0].text.starts_with(arguments[1].text));
+}
+
+Value substring(Arguments arguments, Scratch& /*scratch*/) {
+    const std::int64_t all = std::numeric_limits<std::int64_t>::max();
+    return Value::ofText(
+        substringOf(arguments[0].text, arguments[1].integer, arguments.size() > 2 ? arguments[2].integer : all));
+}
+
+Value trim(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofText(trimLeft(trimRight(arguments[0].text)));
+}
+
+Value upper(Arguments arguments, Scratch& scratch) {
+    return mapped(arguments[0].text, scratch, appendUpper);
+}
+
+} // namespace tavix::expression::text_functions

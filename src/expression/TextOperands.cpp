@@ -1,0 +1,172 @@
+#include "expression/Operand.h"
+#include "expression/TextFunctions.h"
+#include "expression/TextOperators.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+
+namespace tavix::expression {
+
+namespace {
+
+/// lower and upper. A block of ASCII texts is mapped in one go.
+class MappedOperand : public Operand {
+  public:
+    explicit MappedOperand(const Node& node)
+        : m_isLower(isCallOf(node, "lower")), m_source(makeOperand(node.child(0))) {}
+
+    const Vector& evaluate(Frame& frame, const RowSet& rows) override {
+        const Vector& source = m_source->evaluate(frame, rows);
+        if (source.ends && source.isAscii && rows.isDense() && frame.rows() > 0)
+            return mapBlock(source, source.ends[frame.rows() - 1]);
+        m_results.begin(Type::Text, frame.rows());
+        const auto call = m_isLower ? text_functions::lower : text_functions::upper;
+        rows.forEach([&](std::uint32_t row) {
+            const Value value = source.at(row);
+            m_results.set(row, value.isNull() ? value : call({&value, 1}, frame.scratch()));
+            frame.collectFailure(row);
+        });
+        m_results.vector().isAscii = source.isAscii;
+        return m_results.vector();
+    }
+
+  private:
+    const Vector& mapBlock(const Vector& source, std::size_t size) {
+        if (m_bytes.size() < size)
+            m_bytes.resize(size);
+        (m_isLower ? lowerAscii : upperAscii)(source.bytes, size, m_bytes.data());
+        m_block = source;
+        m_block.bytes = m_bytes.data();
+        return m_block;
+    }
+
+    bool m_isLower;
+    OperandPtr m_source;
+    std::vector<char> m_bytes;
+    Vector m_block;
+    Results m_results;
+};
+
+/// A function whose result is a part of its text, so that nothing is copied. `Cut` is called with a text and whether
+/// that is known to be ASCII.
+template <typename Cut>
+class CutOperand : public Operand {
+  public:
+    CutOperand(const Node& text, Cut cut) : m_source(makeOperand(text)), m_cut(cut) {}
+
+    const Vector& evaluate(Frame& frame, const RowSet& rows) override {
+        const Vector& source = m_source->evaluate(frame, rows);
+        m_results.begin(Type::Text, frame.rows());
+        std::string_view* const out = m_results.texts();
+        withTexts(source, [&](auto texts) {
+            if (source.isAscii)
+                rows.forEach([&](std::uint32_t row) { out[row] = m_cut(texts[row], true); });
+            else
+                rows.forEach([&](std::uint32_t row) { out[row] = m_cut(texts[row], false); });
+        });
+        m_results.takeNulls(source);
+        m_results.vector().isAscii = source.isAscii;
+        return m_results.vector();
+    }
+
+  private:
+    OperandPtr m_source;
+    Cut m_cut;
+    Results m_results;
+};
+
+template <typename Cut>
+OperandPtr makeCut(const Node& text, Cut cut) {
+    return std::make_unique<CutOperand<Cut>>(text, cut);
+}
+
+class LengthOperand : public Operand {
+  public:
+    explicit LengthOperand(const Node& text) : m_source(makeOperand(text)) {}
+
+    const Vector& evaluate(Frame& frame, const RowSet& rows) override {
+        const Vector& source = m_source->evaluate(frame, rows);
+        m_results.begin(Type::Integer, frame.rows());
+        std::int64_t* const out = m_results.integers();
+        withTexts(source, [&](auto texts) {
+            const auto store = [&](std::uint32_t row, std::size_t size) { out[row] = static_cast<std::int64_t>(size); };
+            if (source.isAscii)
+                rows.forEach([&](std::uint32_t row) { store(row, texts[row].size()); });
+            else
+                rows.forEach([&](std::uint32_t row) { store(row, countCharacters(texts[row])); });
+        });
+        m_results.takeNulls(source);
+        return m_results.vector();
+    }
+
+  private:
+    OperandPtr m_source;
+    Results m_results;
+};
+
+std::optional<std::int64_t> fixedInteger(const Node& node) {
+    if (!node.isConstant() || node.constant.type != Type::Integer)
+        return std::nullopt;
+    return node.constant.integer;
+}
+
+OperandPtr makeLeft(const Node& node, std::int64_t count) {
+    const auto bytes = static_cast<std::size_t>(std::max<std::int64_t>(0, count));
+    return makeCut(node.child(0), [count, bytes](std::string_view text, bool isAscii) {
+        return isAscii ? std::string_view(text.data(), std::min(bytes, text.size())) : leftOf(text, count);
+    });
+}
+
+OperandPtr makeRight(const Node& node, std::int64_t count) {
+    const auto bytes = static_cast<std::size_t>(std::max<std::int64_t>(0, count));
+    return makeCut(node.child(0), [count, bytes](std::string_view text, bool isAscii) {
+        if (!isAscii)
+            return rightOf(text, count);
+        const std::size_t size = std::min(bytes, text.size());
+        return std::string_view(text.data() + (text.size() - size), size);
+    });
+}
+
+OperandPtr makeSubstring(const Node& node, std::int64_t first, std::int64_t count) {
+    return makeCut(node.child(0), [first, count](std::string_view text, bool isAscii) {
+        if (!isAscii || first < 1)
+            return substringOf(text, first, count);
+        const std::size_t begin = std::min(static_cast<std::size_t>(first - 1), text.size());
+        return text.substr(begin, static_cast<std::size_t>(std::max<std::int64_t>(0, count)));
+    });
+}
+
+} // namespace
+
+OperandPtr makeTextOperand(const Node& node) {
+    const Node& text = node.child(0);
+    if (text.isConstant())
+        return nullptr;
+    if (isCallOf(node, "lower") || isCallOf(node, "upper"))
+        return std::make_unique<MappedOperand>(node);
+    if (isCallOf(node, "length"))
+        return std::make_unique<LengthOperand>(text);
+    if (isCallOf(node, "trim"))
+        return makeCut(text, [](std::string_view whole, bool) { return trimLeft(trimRight(whole)); });
+    if (isCallOf(node, "ltrim"))
+        return makeCut(text, [](std::string_view whole, bool) { return trimLeft(whole); });
+    if (isCallOf(node, "rtrim"))
+        return makeCut(text, [](std::string_view whole, bool) { return trimRight(whole); });
+    const auto second = node.children.size() > 1 ? fixedInteger(node.child(1)) : std::nullopt;
+    if (!second)
+        return nullptr;
+    if (isCallOf(node, "left"))
+        return makeLeft(node, *second);
+    if (isCallOf(node, "right"))
+        return makeRight(node, *second);
+    if (isCallOf(node, "substring")) {
+        const auto third = node.children.size() > 2 ? fixedInteger(node.child(2))
+                                                    : std::optional(std::numeric_limits<std::int64_t>::max());
+        if (third)
+            return makeSubstring(node, *second, *third);
+    }
+    return nullptr;
+}
+
+} // namespace tavix::expression

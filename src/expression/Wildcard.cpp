@@ -1,0 +1,161 @@
+#include "expression/Wildcard.h"
+
+#include "expression/Characters.h"
+
+namespace tavix::expression {
+
+namespace {
+
+/// Steps in one text before matching gives up: a fraction of a second.
+constexpr std::size_t kMostSteps = std::size_t{1} << 26;
+
+constexpr std::string_view kGaveUp = "a text is too long for its wildcard pattern";
+
+/// Characters as numbers; a byte of no character becomes a number beyond all characters.
+std::u32string decode(std::string_view text) {
+    constexpr char32_t kBytes = 0x110000;
+    std::u32string out;
+    out.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        const auto byte = static_cast<unsigned char>(text[at]);
+        const std::int32_t character = nextCharacter(text, at);
+        out += character < 0 ? kBytes + byte : static_cast<char32_t>(character);
+    }
+    return out;
+}
+
+} // namespace
+
+Wildcard::Wildcard(std::string_view pattern) : m_pattern(pattern) {
+    std::size_t begin = 0;
+    while (true) {
+        const std::size_t star = pattern.find('*', begin);
+        const bool isLast = star == std::string_view::npos;
+        const std::string_view bytes = pattern.substr(begin, isLast ? star : star - begin);
+        // Empty pieces matter at both ends only, where they leave the text open.
+        if (m_pieces.empty() || isLast || !bytes.empty())
+            m_pieces.push_back(makePiece(bytes));
+        m_hasAnyCharacter = m_hasAnyCharacter || m_pieces.back().hasAnyCharacter;
+        m_shortest += bytes.size();
+        if (isLast)
+            return;
+        m_hasStar = true;
+        begin = star + 1;
+    }
+}
+
+Wildcard::Piece Wildcard::makePiece(std::string_view bytes) {
+    std::size_t longest = 0;
+    std::size_t longestAt = 0;
+    for (std::size_t begin = 0; begin <= bytes.size();) {
+        std::size_t end = bytes.find('?', begin);
+        end = end == std::string_view::npos ? bytes.size() : end;
+        if (end - begin > longest) {
+            longest = end - begin;
+            longestAt = begin;
+        }
+        begin = end + 1;
+    }
+    return {std::string(bytes), ByteSearch(bytes.substr(longestAt, longest)), longestAt,
+            bytes.find('?') != std::string_view::npos};
+}
+
+bool Wildcard::matches(std::string_view text, Scratch& scratch) const {
+    if (text.size() < m_shortest)
+        return false;
+    // A first byte that is fixed decides most texts.
+    const std::string& first = m_pieces.front().bytes;
+    if (!first.empty() && first.front() != '?' && first.front() != text.front())
+        return false;
+    // Without '?', or where each character is a byte, bytes tell the same as characters.
+    if (!m_hasAnyCharacter || isAscii(text))
+        return matchesBytes(text, scratch);
+    return matchesCharacters(text, scratch);
+}
+
+bool Wildcard::isAt(const Piece& piece, const char* place) {
+    if (!piece.hasAnyCharacter)
+        return std::memcmp(place, piece.bytes.data(), piece.bytes.size()) == 0;
+    for (std::size_t i = 0; i < piece.bytes.size(); ++i) {
+        if (piece.bytes[i] != '?' && piece.bytes[i] != place[i])
+            return false;
+    }
+    return true;
+}
+
+/// The first place for a piece from `at` on, which moves behind it; nothing may reach beyond `end`.
+bool Wildcard::findPiece(const Piece& piece, std::string_view text, std::size_t& at, std::size_t end,
+                         std::size_t& steps) {
+    while (end - at >= piece.bytes.size()) {
+        // The anchor may begin only so late that the rest of the piece still fits.
+        const std::size_t behind = piece.bytes.size() - piece.anchorAt - piece.anchor.needle().size();
+        const std::size_t hit = piece.anchor.find(text.substr(0, end - behind), at + piece.anchorAt);
+        if (hit == ByteSearch::kNotFound)
+            return false;
+        at = hit - piece.anchorAt;
+        if (!piece.hasAnyCharacter || isAt(piece, text.data() + at)) {
+            at += piece.bytes.size();
+            return true;
+        }
+        ++at;
+        steps += piece.bytes.size();
+        if (steps > kMostSteps)
+            return false;
+    }
+    return false;
+}
+
+bool Wildcard::matchesBytes(std::string_view text, Scratch& scratch) const {
+    const Piece& first = m_pieces.front();
+    const Piece& last = m_pieces.back();
+    if (!m_hasStar)
+        return text.size() == m_shortest && isAt(first, text.data());
+    if (text.size() < m_shortest || !isAt(first, text.data()) ||
+        !isAt(last, text.data() + text.size() - last.bytes.size()))
+        return false;
+    std::size_t at = first.bytes.size();
+    const std::size_t end = text.size() - last.bytes.size();
+    std::size_t steps = 0;
+    for (std::size_t i = 1; i + 1 < m_pieces.size(); ++i) {
+        if (!findPiece(m_pieces[i], text, at, end, steps)) {
+            if (steps > kMostSteps)
+                scratch.fail(std::string(kGaveUp));
+            return false;
+        }
+    }
+    return true;
+}
+
+bool Wildcard::matchesCharacters(std::string_view text, Scratch& scratch) const {
+    const std::u32string pattern = decode(m_pattern);
+    const std::u32string characters = decode(text);
+    constexpr std::size_t kNone = std::u32string::npos;
+    std::size_t p = 0;
+    std::size_t t = 0;
+    std::size_t star = kNone; // the last one met; taking more for an earlier one never helps
+    std::size_t resume = 0;
+    std::size_t steps = 0;
+    while (t < characters.size()) {
+        if (++steps > kMostSteps) {
+            scratch.fail(std::string(kGaveUp));
+            return false;
+        }
+        if (p < pattern.size() && pattern[p] == U'*') {
+            star = p++;
+            resume = t;
+        } else if (p < pattern.size() && (pattern[p] == U'?' || pattern[p] == characters[t])) {
+            ++p;
+            ++t;
+        } else if (star != kNone) {
+            p = star + 1;
+            t = ++resume;
+        } else {
+            return false;
+        }
+    }
+    while (p < pattern.size() && pattern[p] == U'*')
+        ++p;
+    return p == pattern.size();
+}
+
+} // namespace tavix::expression
