@@ -67,3 +67,20 @@ function(tavix_ui_tests folder)
   gtest_discover_tests(${target} TEST_PREFIX "${folder}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT 120)
 endfunction()
+
+# tavix_fuzzer(filter condition_block SOURCES a.cpp): the program fuzz_condition_block over the folder's library. What it
+# starts from lies in tests/corpus/condition_block, or in tests/corpus.
+function(tavix_fuzzer folder name)
+  if(NOT TAVIX_FUZZ)
+    return()
+  endif()
+  cmake_parse_arguments(ARG "" "" "SOURCES" ${ARGN})
+  add_executable(fuzz_${name} ${ARG_SOURCES})
+  set_target_properties(fuzz_${name} PROPERTIES AUTOMOC OFF)
+  target_link_libraries(fuzz_${name} PRIVATE tavix_${folder})
+  target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+  if(NOT TARGET fuzzers)
+    add_custom_target(fuzzers)
+  endif()
+  add_dependencies(fuzzers fuzz_${name})
+endfunction()
