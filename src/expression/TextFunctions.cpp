@@ -33,6 +33,9 @@ bool appendBounded(std::string& out, std::string_view part) {
     return true;
 }
 
+// A wrong length must not make megabytes of every row.
+constexpr std::int64_t kMostPadding = 65'536;
+
 Value padded(Arguments arguments, Scratch& scratch, bool onTheLeft) {
     const std::string_view text = arguments[0].text;
     const std::string_view fill = arguments.size() > 2 ? arguments[2].text : std::string_view(" ");
@@ -40,7 +43,7 @@ Value padded(Arguments arguments, Scratch& scratch, bool onTheLeft) {
     if (arguments[1].integer <= present || fill.empty())
         return arguments[0];
     std::int64_t missing = arguments[1].integer - present;
-    if (missing > static_cast<std::int64_t>(kLongestText)) {
+    if (missing > kMostPadding) {
         scratch.fail("a text would grow too long");
         return {};
     }

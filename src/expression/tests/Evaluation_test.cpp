@@ -265,6 +265,8 @@ TEST(Evaluation, TextsThatGrowWithoutEndAreReported) {
         text = "replace(" + text + ", 'c', 'cccccccccc')";
     EXPECT_EQ(evaluated(text, kRow), "a text would grow too long");
     EXPECT_EQ(evaluated("lpad(`Value`, 9223372036854775807)", kRow), "a text would grow too long");
+    EXPECT_EQ(evaluated("length(rpad('a', 65537))", kRow), "65537");
+    EXPECT_EQ(evaluated("length(rpad('a', 65538))", kRow), "a text would grow too long");
 }
 
 } // namespace
