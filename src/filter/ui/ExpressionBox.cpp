@@ -136,6 +136,11 @@ void ExpressionBox::keyPressEvent(QKeyEvent* event) {
         Offer(false);
 }
 
+// While names are offered the key takes one.
+bool ExpressionBox::focusNextPrevChild(bool next) {
+    return !m_completer->popup()->isVisible() && QPlainTextEdit::focusNextPrevChild(next);
+}
+
 void ExpressionBox::Offer(bool wasAskedFor) {
     QAbstractItemView* popup = m_completer->popup();
     const std::string written = toUtf8(Text().left(textCursor().position()));

@@ -30,6 +30,7 @@ class ExpressionBox final : public QPlainTextEdit {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
 
   private:
     [[nodiscard]] QTextCursor CursorAt(const expression::ExpressionError& error) const;

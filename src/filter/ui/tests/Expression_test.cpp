@@ -151,7 +151,7 @@ TEST_F(EditMode, pastesFunctionsFieldsAndWhatIsOnTheClipboard) {
     click("functions");
     EXPECT_EQ("instr(/*string*/, /*string*/, /*integer*/)", text());
     EXPECT_EQ(text(), toUtf8(QApplication::clipboard()->text()));
-    EXPECT_TRUE(box().hasFocus());
+    EXPECT_EQ(&box(), dialog->focusWidget());
     inNextDialog([](QWidget& over) {
         auto& names = child<QListWidget>(over, "fields");
         EXPECT_EQ("Value", toUtf8(names.item(0)->text()));

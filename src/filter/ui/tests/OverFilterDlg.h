@@ -78,7 +78,7 @@ class OverFilterDlg : public ::testing::Test {
         auto& edit = child<QLineEdit>(*dialog, "value");
         edit.setFocus();
         edit.selectAll();
-        QTest::keyClicks(&edit, QLatin1String(value));
+        QTest::keyClicks(&edit, toQString(value));
     }
     void add(const char* operation, const char* value, const char* field = "Frequency value") {
         choose("field", field);
