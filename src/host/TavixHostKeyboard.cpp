@@ -4,6 +4,12 @@
 #include "host/TavixHost.h"
 
 #include <QApplication>
+#include <QKeyEvent>
+
+// Declared only by the test library of Qt, which sends keys as this class does.
+Q_GUI_EXPORT bool qt_sendShortcutOverrideEvent(QObject* receiver, ulong time, int key, Qt::KeyboardModifiers modifiers,
+                                               const QString& text = QString(), bool repeated = false,
+                                               ushort count = 1);
 
 namespace Veldra::Solenne::Tavix {
 
@@ -74,6 +80,10 @@ bool TavixHost::ConvertMessage(const NativeMessage& message) {
     if (!event)
         return false;
     QWidget* focused = View()->focusWidget() ? View()->focusWidget() : View()->GetFirstTabStop();
+    // A key that a shortcut stands for never gets to the control, as when the windowing system had sent it.
+    if (event->type() == QEvent::KeyPress &&
+        qt_sendShortcutOverrideEvent(focused, event->timestamp(), event->key(), event->modifiers(), event->text()))
+        return true;
     QCoreApplication::sendEvent(focused, event.get());
     return event->isAccepted();
 }

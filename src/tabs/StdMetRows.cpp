@@ -16,9 +16,7 @@ namespace tavix {
 
 namespace {
 
-constexpr int kFieldColumn = 0;
-constexpr int kOriginColumn = 1;
-constexpr int kMetricColumns = 2;
+constexpr int kMetricColumns = 2; // after the field's name and its origin
 constexpr int kTextWidth = 130;
 constexpr int kIconWidth = 25;
 

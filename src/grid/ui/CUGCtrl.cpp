@@ -127,6 +127,16 @@ void CUGCtrl::SourceChanged() {
     ApplyColumns();
 }
 
+void CUGCtrl::RowsRefilled() {
+    const bool isSorted = m_sortColumn >= 0;
+    const bool descending = m_sortDescending;
+    SourceChanged();
+    for (int column = 0; column < m_model->columnCount() && isSorted; ++column) {
+        if (m_model->source()->GetColumn(column).heading == m_sortHeading)
+            return SortBy(column, descending);
+    }
+}
+
 void CUGCtrl::ApplyFont() {
     const int height = std::max(fontMetrics().height(), 16) + 10;
     for (QTableView* view : {static_cast<QTableView*>(this), m_locked}) {
@@ -248,6 +258,7 @@ void CUGCtrl::SortBy(int column, bool descending) {
         return;
 
     m_sortColumn = column;
+    m_sortHeading = source->GetColumn(column).heading;
     m_sortDescending = descending;
     ShowSortArrow();
     QItemSelection selection;

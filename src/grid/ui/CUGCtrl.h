@@ -30,6 +30,8 @@ class CUGCtrl final : public QTableView {
     void SetSource(CUGDataSource* source);
     /// To be called when the source's rows or columns are others now. Widths, selection and sorting start anew.
     void SourceChanged();
+    /// The same for rows that were read anew of what is shown already: they are sorted as the user had them.
+    void RowsRefilled();
 
     /// Where widths that the user drags are kept and found again; may be null. Owned.
     void SetWidthMemory(std::unique_ptr<ColumnWidthMemory> memory);
@@ -81,6 +83,7 @@ class CUGCtrl final : public QTableView {
     GridModel* m_model;
     QTableView* m_locked; ///< the locked columns again, over the scrolled ones
     int m_sortColumn = -1;
+    std::string m_sortHeading; ///< of that column, which may stand elsewhere when rows are read anew
     bool m_sortDescending = false;
     bool m_showsInvisible = false;
     QString m_typed;

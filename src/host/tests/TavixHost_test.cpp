@@ -9,6 +9,7 @@
 #include <QTabBar>
 #include <QTableView>
 #include <QTest>
+#include <QTimer>
 #include <QTreeView>
 
 #include <gmock/gmock.h>
@@ -316,6 +317,24 @@ TEST_F(HostOverSample, tabLeavesAtBothEndsAndNowhereElse) {
     m_host.SetKeyboardSite(nullptr);
     m_host.TranslateAccelerator(key(NativeKey::Tab));
     EXPECT_EQ(2U, site.requests.size());
+}
+
+TEST_F(HostOverSample, keysOfAShellReachShortcutsToo) {
+    ASSERT_TRUE(load());
+    ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
+    ASSERT_TRUE(m_host.TabInto(FocusNavigation::First));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return m_host.HasFocus(); }));
+    m_view->findChild<QTabBar*>(QStringLiteral("tabStrip"))->setCurrentIndex(5);
+    grid("tableNotes").setFocus();
+    QString opened;
+    QTimer::singleShot(0, qApp, [&opened] {
+        if (QWidget* dialog = QApplication::activeModalWidget()) {
+            opened = dialog->metaObject()->className();
+            dialog->close();
+        }
+    });
+    EXPECT_TRUE(m_host.TranslateAccelerator(key(NativeKey::Insert)));
+    EXPECT_EQ("tavix::CNoteDlg", toUtf8(opened));
 }
 
 TEST_F(HostOverSample, messagesReachTheControlThatHasTheKeyboard) {

@@ -82,7 +82,10 @@ void CListTab::Fill(bool isSameObject) {
         m_rows->Clear();
     const std::int64_t current = isSameObject ? m_grid->GetCurrentRow() : -1;
     m_grid->setFont(toQFont(readStatFont(document.GetSettings()), font()));
-    m_grid->SourceChanged();
+    if (isSameObject)
+        m_grid->RowsRefilled();
+    else
+        m_grid->SourceChanged();
     m_grid->SelectRow(current);
     ShowNote(!note.empty() || !viewer ? note : m_rows->GetEmptyText());
     RowsChanged();

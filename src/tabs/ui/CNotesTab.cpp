@@ -253,7 +253,10 @@ void CNotesTab::Fill(bool isSameObject) {
     const bool filled =
         viewer && m_rows.Fill(*viewer, m_filled, readFlag(document.GetSettings(), Setting::NotesSortOrder));
     m_isUnreadable = viewer && !filled && m_rows.GetRowCount() == 0;
-    m_grid->SourceChanged();
+    if (isSameObject)
+        m_grid->RowsRefilled();
+    else
+        m_grid->SourceChanged();
     FitLastColumn();
     ShowRows(m_showsLatest ? m_rows.GetLatestNote() : currentNote,
              isSameObject ? std::max<std::int64_t>(currentRow, 0) : 0);

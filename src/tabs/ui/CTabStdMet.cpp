@@ -34,6 +34,7 @@ CTabStdMet::CTabStdMet(CViewSite& site, const ReportSubject& subject, bool isTor
     m_note->setAlignment(Qt::AlignCenter);
     m_note->setWordWrap(true);
     m_grid->setAccessibleName(QStringLiteral("Standard metrics"));
+    m_grid->SetSource(&m_rows);
     m_grid->addAction(m_collectionMenu->menuAction());
     connect(m_collectionMenu, &QMenu::aboutToShow, this, &CTabStdMet::FillCollectionMenu);
     // A window of its own keeps what it shows.
@@ -88,9 +89,11 @@ void CTabStdMet::Fill(bool isSameObject) {
         return;
     }
     m_grid->setFont(toQFont(readStatFont(document.GetSettings()), font()));
-    m_grid->SetSource(nullptr);
     m_rows = std::move(rows);
-    m_grid->SetSource(&m_rows);
+    if (isSameObject)
+        m_grid->RowsRefilled();
+    else
+        m_grid->SourceChanged();
 
     std::string note;
     if (failed)

@@ -160,6 +160,21 @@ TEST(CUGCtrl, lockedColumnStaysInViewWhenScrolledSideways) {
     }
 }
 
+TEST(CUGCtrl, rowsReadAnewStayInTheOrderThatTheUserChose) {
+    Rows rows(12);
+    CUGCtrl grid;
+    grid.SetSource(&rows);
+    grid.SortBy(1, true);
+    const QString first = grid.model()->index(0, 0).data().toString();
+    ASSERT_NE("row0", toUtf8(first));
+    rows = Rows(12);
+    grid.RowsRefilled();
+    EXPECT_EQ(first, grid.model()->index(0, 0).data().toString());
+    rows = Rows(12);
+    grid.SourceChanged();
+    EXPECT_EQ("row0", toUtf8(grid.model()->index(0, 0).data().toString()));
+}
+
 class Memory final : public ColumnWidthMemory {
   public:
     explicit Memory(std::map<std::string, int>& kept) : m_kept(kept) {}
