@@ -10,20 +10,24 @@ namespace tavix {
 
 Result<std::unique_ptr<DistributionCursor>> DistributionCursor::open(std::shared_ptr<ViewerSession> session,
                                                                      const repository::DistributionKey& key,
-                                                                     std::int64_t rows, const layout::Layout& layout) {
-    std::unique_ptr<DistributionCursor> cursor(new DistributionCursor(std::move(session), key, rows, layout));
+                                                                     std::int64_t rows, const layout::Layout& layout,
+                                                                     std::unique_ptr<DistributionFilter> filter) {
+    std::unique_ptr<DistributionCursor> cursor(
+        new DistributionCursor(std::move(session), key, rows, layout, std::move(filter)));
     if (auto first = cursor->m_reader.next(); !first)
         return first.error();
     return cursor;
 }
 
 DistributionCursor::DistributionCursor(std::shared_ptr<ViewerSession> session, const repository::DistributionKey& key,
-                                       std::int64_t rows, const layout::Layout& layout)
+                                       std::int64_t rows, const layout::Layout& layout,
+                                       std::unique_ptr<DistributionFilter> filter)
     : m_session(std::move(session)),
       m_reader(*m_session->connection, key, rows),
       m_layout(layout),
       m_hasRank(key.kind == repository::DistributionKind::Patterns),
-      m_total(rows) {}
+      m_total(rows),
+      m_filter(std::move(filter)) {}
 
 bool DistributionCursor::next() {
     if (m_rank >= m_total) {
@@ -32,16 +36,44 @@ bool DistributionCursor::next() {
     }
     if (*m_session->closed)
         throw GenException("The repository was closed while a result was being read.");
-    if (m_nextInBlock == m_reader.block().rowCount()) {
-        auto more = m_reader.next();
-        if (!more || !*more) {
+    while (m_nextInBlock == m_rowsInBlock) {
+        if (!enterBlock()) {
             m_rank = m_total + 1;
-            throw GenException(more ? KvbString("A stored distribution is damaged.") : KvbString(more.error().text));
+            return false;
         }
-        m_nextInBlock = 0;
     }
-    m_row = m_reader.block().at(m_nextInBlock++);
-    ++m_rank;
+    const std::size_t row = m_filter ? m_passing[m_nextInBlock] : m_nextInBlock;
+    ++m_nextInBlock;
+    m_row = m_reader.block().at(row);
+    m_rank = m_reader.firstRow() + static_cast<std::int64_t>(row) + 1;
+    return true;
+}
+
+bool DistributionCursor::enterBlock() {
+    const auto fail = [&](const Error& error) {
+        m_rank = m_total + 1;
+        throw GenException(error.text);
+    };
+    // open() has read the first block.
+    if (m_isEntered) {
+        if (m_filter && m_filter->isDone())
+            return false;
+        auto more = m_reader.next();
+        if (!more)
+            fail(more.error());
+        if (!*more)
+            return false;
+    }
+    m_isEntered = true;
+    m_nextInBlock = 0;
+    m_rowsInBlock = m_reader.block().rowCount();
+    if (m_filter) {
+        auto passing = m_filter->passing(m_reader.block(), m_reader.firstRow());
+        if (!passing)
+            fail(passing.error());
+        m_passing = *passing;
+        m_rowsInBlock = m_passing.size();
+    }
     return true;
 }
 
@@ -79,6 +111,10 @@ bool DistributionCursor::isColumnNull(int column) const {
 
 bool DistributionCursor::isColumnValid(int column) const {
     return column >= 0 && column < getColumnCount();
+}
+
+KvbString DistributionCursor::getWarning() const {
+    return m_filter ? m_filter->warning() : KvbString();
 }
 
 DistributionCursor::Role DistributionCursor::role(int column) const {

@@ -48,6 +48,8 @@ class DistributionReader {
     [[nodiscard]] Result<bool> next();
     /// The block that next() read; valid until the next call.
     [[nodiscard]] const UnpackedBlock& block() const { return m_block; }
+    /// The number of its first row in the distribution, from 0.
+    [[nodiscard]] std::int64_t firstRow() const { return m_rowsRead - static_cast<std::int64_t>(m_block.rowCount()); }
 
   private:
     sql::Connection& m_connection;

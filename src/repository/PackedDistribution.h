@@ -56,6 +56,17 @@ class UnpackedBlock {
     /// `row` must be below rowCount(). The text is borrowed from the bytes.
     [[nodiscard]] ValueCount at(std::size_t row) const;
 
+    // The block as columns, for operators that look at all rows at once. Borrowed like the texts of at().
+    /// The texts one after the other, and where each ends; null is an empty text here.
+    [[nodiscard]] std::string_view text() const {
+        return {reinterpret_cast<const char*>(m_text.data()), m_text.size()};
+    }
+    [[nodiscard]] std::span<const std::uint32_t> ends() const { return m_ends; }
+    [[nodiscard]] std::optional<std::size_t> nullRow() const { return m_nullRow; }
+    [[nodiscard]] std::uint64_t countAt(std::size_t row) const;
+    /// Writes the counts of the rows from `first` on, as many as `counts` is long.
+    void readCounts(std::size_t first, std::span<std::uint64_t> counts) const;
+
   private:
     std::span<const std::byte> m_counts;
     std::span<const std::byte> m_text;
