@@ -47,12 +47,6 @@ void store(std::byte* target, std::size_t width, std::uint64_t number) {
     std::memcpy(target, &number, width);
 }
 
-std::uint64_t load(const std::byte* source, std::size_t width) {
-    std::uint64_t number = 0;
-    std::memcpy(&number, source, width);
-    return number;
-}
-
 /// Calls with a number of the type that has this width, so that each loop is compiled for one of them.
 template <typename Use>
 void withWidth(std::size_t width, Use use) {
@@ -184,17 +178,8 @@ Result<UnpackedBlock> UnpackedBlock::parse(std::span<const std::byte> bytes) {
 }
 
 ValueCount UnpackedBlock::at(std::size_t row) const {
-    std::size_t begin = row == 0 ? 0 : m_ends[row - 1];
-    ValueCount result;
-    result.count = countAt(row);
-    result.isNull = m_nullRow == row;
-    if (!result.isNull)
-        result.value = {reinterpret_cast<const char*>(m_text.data()) + begin, m_ends[row] - begin};
-    return result;
-}
-
-std::uint64_t UnpackedBlock::countAt(std::size_t row) const {
-    return load(m_counts.data() + row * m_countWidth, m_countWidth);
+    const bool isNull = m_nullRow == row;
+    return {isNull ? std::string_view() : valueAt(row), countAt(row), isNull};
 }
 
 void UnpackedBlock::readCounts(std::size_t first, std::span<std::uint64_t> counts) const {
