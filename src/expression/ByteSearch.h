@@ -55,6 +55,31 @@ class ByteSearch {
         return kNotFound;
     }
 
+    /// Whether it occurs in a text behind which, up to `readable`, lie bytes that may be read.
+    [[nodiscard]] bool occursIn(std::string_view text, [[maybe_unused]] const char* readable) const {
+        const std::size_t size = m_needle.size();
+        if (text.size() < size || size == 0)
+            return size == 0;
+#if defined(__SSE2__)
+        // Most values are short, and then all places are compared at once, without a loop.
+        const std::size_t places = text.size() - size + 1;
+        if (places <= 16 && size <= kShort && static_cast<std::size_t>(readable - text.data()) >= size + 15) {
+            const __m128i begins = _mm_cmpeq_epi8(_mm_set1_epi8(m_needle.front()), load(text.data()));
+            const __m128i ends = _mm_cmpeq_epi8(_mm_set1_epi8(m_needle.back()), load(text.data() + size - 1));
+            auto hits = static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_and_si128(begins, ends)));
+            hits &= (1U << places) - 1;
+            if (size <= 2)
+                return hits != 0;
+            for (; hits != 0; hits &= hits - 1) {
+                if (isAt(text.data() + __builtin_ctz(hits)))
+                    return true;
+            }
+            return false;
+        }
+#endif
+        return find(text) != kNotFound;
+    }
+
   private:
     /// Up to here comparing at every place that looks right costs no more than a bounded number of steps a byte.
     static constexpr std::size_t kShort = 32;

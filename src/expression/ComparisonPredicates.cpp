@@ -7,6 +7,8 @@
 #include <array>
 #include <cstring>
 #include <functional>
+#include <string>
+#include <type_traits>
 
 namespace tavix::expression {
 
@@ -37,6 +39,15 @@ void withOperator(Comparison comparison, bool wanted, Use use) {
     }
 }
 
+/// Equality of texts looks at their lengths first; an order cannot.
+template <typename Compare>
+bool compareTextsBy(Compare compare, std::string_view left, std::string_view right) {
+    if constexpr (std::is_same_v<Compare, std::equal_to<>> || std::is_same_v<Compare, std::not_equal_to<>>)
+        return compare(left, right);
+    else
+        return compare(left.compare(right), 0);
+}
+
 /// Two expressions of one type, or an integer and a real.
 class PairComparison : public Predicate {
   public:
@@ -61,16 +72,8 @@ class PairComparison : public Predicate {
     static void narrowTexts(RowSet& rows, const Vector& left, const Vector& right, Compare compare) {
         withTexts(left, [&](auto leftTexts) {
             withTexts(right, [&](auto rightTexts) {
-                rows.keepIf([&](std::uint32_t row) {
-                    const std::string_view a = leftTexts[row];
-                    const std::string_view b = rightTexts[row];
-                    if constexpr (std::is_same_v<Compare, std::equal_to<>>)
-                        return a == b;
-                    else if constexpr (std::is_same_v<Compare, std::not_equal_to<>>)
-                        return a != b;
-                    else
-                        return compare(a.compare(b), 0);
-                });
+                rows.keepIf(
+                    [&](std::uint32_t row) { return compareTextsBy(compare, leftTexts[row], rightTexts[row]); });
             });
         });
     }
@@ -129,14 +132,7 @@ class TextComparison : public Predicate {
         withOperator(m_comparison, wanted, [&](auto compare) {
             withTexts(vector, [&](auto texts) {
                 rows.keepIf([compare, texts, constant](std::uint32_t row) {
-                    const std::string_view text = texts[row];
-                    using Compare = decltype(compare);
-                    if constexpr (std::is_same_v<Compare, std::equal_to<>>)
-                        return text == constant;
-                    else if constexpr (std::is_same_v<Compare, std::not_equal_to<>>)
-                        return text != constant;
-                    else
-                        return compare(text.compare(constant), 0);
+                    return compareTextsBy(compare, texts[row], constant);
                 });
             });
         });

@@ -92,13 +92,12 @@ class Scanner {
     bool skipBlanks() {
         while (m_at < m_text.size()) {
             const char c = m_text[m_at];
-            if (c == ' ' || (c >= '\t' && c <= '\r')) {
+            const bool isPastedBlank = startsWith("\xC2\xA0") || startsWith("\xEF\xBB\xBF");
+            if (c == ' ' || (c >= '\t' && c <= '\r') || isPastedBlank) {
                 advance();
             } else if (startsWith("/*")) {
                 if (!skipComment())
                     return false;
-            } else if (startsWith("\xC2\xA0") || startsWith("\xEF\xBB\xBF")) {
-                advance(); // blanks that come along with pasted text
             } else {
                 break;
             }

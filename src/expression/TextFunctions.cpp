@@ -1,12 +1,12 @@
 #include "expression/TextFunctions.h"
 
 #include "base/NumberText.h"
+#include "expression/ByteSearch.h"
 #include "expression/DateText.h"
 #include "expression/TextOperators.h"
 #include "expression/Wildcard.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 
 namespace tavix::expression::text_functions {
@@ -36,9 +36,14 @@ bool appendBounded(std::string& out, std::string_view part) {
 Value padded(Arguments arguments, Scratch& scratch, bool onTheLeft) {
     const std::string_view text = arguments[0].text;
     const std::string_view fill = arguments.size() > 2 ? arguments[2].text : std::string_view(" ");
-    auto missing = arguments[1].integer - static_cast<std::int64_t>(countCharacters(text));
-    if (missing <= 0 || fill.empty())
+    const auto present = static_cast<std::int64_t>(countCharacters(text));
+    if (arguments[1].integer <= present || fill.empty())
         return arguments[0];
+    std::int64_t missing = arguments[1].integer - present;
+    if (missing > static_cast<std::int64_t>(kLongestText)) {
+        scratch.fail("a text would grow too long");
+        return {};
+    }
     std::string& out = scratch.builder();
     if (!onTheLeft)
         out.append(text);
@@ -160,17 +165,14 @@ Value replace(Arguments arguments, Scratch& scratch) {
     if (from.empty())
         return arguments[0];
     std::string& out = scratch.builder();
-    while (rest.size() >= from.size()) {
-        const void* const found = memmem(rest.data(), rest.size(), from.data(), from.size());
-        if (!found && rest.size() == arguments[0].text.size())
-            return arguments[0];
-        if (!found)
-            break;
-        const auto at = static_cast<std::size_t>(static_cast<const char*>(found) - rest.data());
+    const ByteSearch search(from);
+    for (std::size_t at = search.find(rest); at != ByteSearch::kNotFound; at = search.find(rest)) {
         if (!appendBounded(out, rest.substr(0, at)) || !appendBounded(out, arguments[2].text))
             break;
         rest.remove_prefix(at + from.size());
     }
+    if (rest.size() == arguments[0].text.size())
+        return arguments[0];
     appendBounded(out, rest);
     return Value::ofText(scratch.keep(out));
 }

@@ -33,7 +33,8 @@ PredicatePtr makeEach(const Node& text, Test test) {
     return std::make_unique<EachText<Test>>(text, std::move(test));
 }
 
-/// Whether a constant occurs in a text. A whole block is searched in one go, and what is found told apart by row.
+/// Whether a constant occurs in a text. A block of longer texts is searched in one go, and what is found told apart by
+/// row.
 class ContainsPredicate : public Predicate {
   public:
     ContainsPredicate(const Node& text, std::string_view part) : m_operand(makeOperand(text)), m_search(part) {}
@@ -41,9 +42,8 @@ class ContainsPredicate : public Predicate {
     void narrow(Frame& frame, RowSet& rows, bool wanted) override {
         const Vector& vector = m_operand->evaluate(frame, rows);
         dropNulls(rows, vector);
-        if (vector.ends && rows.isDense() && !m_search.needle().empty()) {
-            searchBlock(vector, frame.rows());
-            rows.keepIf([&](std::uint32_t row) { return (m_found[row] != 0) == wanted; });
+        if (vector.ends && frame.rows() > 0) {
+            narrowAdjacent(vector, frame.rows(), rows, wanted);
             return;
         }
         withTexts(vector, [&](auto texts) {
@@ -53,6 +53,18 @@ class ContainsPredicate : public Predicate {
     }
 
   private:
+    void narrowAdjacent(const Vector& vector, std::size_t count, RowSet& rows, bool wanted) {
+        constexpr std::size_t kLong = 48;
+        const std::size_t size = vector.ends[count - 1];
+        if (size > count * kLong && rows.isDense() && !m_search.needle().empty()) {
+            searchBlock(vector, count);
+            rows.keepIf([&](std::uint32_t row) { return (m_found[row] != 0) == wanted; });
+            return;
+        }
+        const AdjacentTexts texts{vector.bytes, vector.ends};
+        const char* const readable = vector.bytes + size;
+        rows.keepIf([&](std::uint32_t row) { return m_search.occursIn(texts[row], readable) == wanted; });
+    }
     void searchBlock(const Vector& vector, std::size_t rows) {
         m_found.assign(rows, 0);
         const std::uint32_t* const ends = vector.ends;

@@ -75,7 +75,7 @@ bool Wildcard::matches(std::string_view text, Scratch& scratch) const {
 
 bool Wildcard::isAt(const Piece& piece, const char* place) {
     if (!piece.hasAnyCharacter)
-        return std::memcmp(place, piece.bytes.data(), piece.bytes.size()) == 0;
+        return piece.bytes.empty() || std::memcmp(place, piece.bytes.data(), piece.bytes.size()) == 0;
     for (std::size_t i = 0; i < piece.bytes.size(); ++i) {
         if (piece.bytes[i] != '?' && piece.bytes[i] != place[i])
             return false;

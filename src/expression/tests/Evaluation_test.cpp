@@ -146,6 +146,7 @@ TEST(Evaluation, TextFunctionsCountCharacters) {
                   {"starts_with('abc', 'ab') and ends_with('abc', 'bc') and contains('abc', '')", "true"},
                   {"has_control_chars('a\u0085')", "true"},
                   {"has_control_chars('a\u00A0')", "false"},
+                  {"lpad('a', -9223372036854775808)", "'a'"},
                   {"char(55296)", "null"}});
 }
 

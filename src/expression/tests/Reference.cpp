@@ -113,12 +113,18 @@ Text replaced(const Text& text, const Text& from, const Text& to) {
     return out;
 }
 
-bool fits(const Text& text, std::size_t t, const Text& pattern, std::size_t p) {
-    if (p == pattern.size())
-        return t == text.size();
-    if (pattern[p] == U'*')
-        return fits(text, t, pattern, p + 1) || (t < text.size() && fits(text, t + 1, pattern, p));
-    return t < text.size() && (pattern[p] == U'?' || pattern[p] == text[t]) && fits(text, t + 1, pattern, p + 1);
+/// Whether the text fits, by way of all beginnings of the text against all beginnings of the pattern.
+bool fits(const Text& text, const Text& pattern) {
+    std::vector<bool> before(text.size() + 1); // which beginnings of the text fit the pattern so far
+    before[0] = true;
+    for (const char32_t sign : pattern) {
+        std::vector<bool> now(text.size() + 1);
+        now[0] = sign == U'*' && before[0];
+        for (std::size_t t = 0; t < text.size(); ++t)
+            now[t + 1] = sign == U'*' ? now[t] || before[t + 1] : (sign == U'?' || sign == text[t]) && before[t];
+        before = now;
+    }
+    return before[text.size()];
 }
 
 bool isControl(char32_t c) {
@@ -442,7 +448,7 @@ Expression Generator::condition(int depth) {
         if (std::ranges::any_of(decode(pattern), [](char32_t c) { return c >= kBytes; }))
             pattern = "*é?";
         return call("match_string", {text(depth - 1), below(4) > 0 ? quoted(pattern) : part(depth)},
-                    [](const auto& v) { return Value(fits(textOf(v[0]), 0, textOf(v[1]), 0)); });
+                    [](const auto& v) { return Value(fits(textOf(v[0]), textOf(v[1]))); });
     }
     case 10:
         return call("has_control_chars", {text(depth - 1)},
