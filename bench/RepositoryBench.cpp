@@ -14,9 +14,9 @@
 #include <vector>
 
 /// What it costs to open a report, a list of tables or fields, and a long distribution, beside the same SQL on the bare
-/// SQLite interface in the same process; and to walk a filtered distribution of five million values. The walk's rows are
-/// made up, or taken from the table freq(rank, value, cnt) of the SQLite file that TAVIX_BENCH_ROWS names; that file is
-/// then the peer, asked the same in SQL.
+/// SQLite interface in the same process; and to walk a filtered distribution of five million values. The walk's rows
+/// are made up, or taken from the table freq(rank, value, cnt) of the SQLite file that TAVIX_BENCH_ROWS names; that
+/// file is then the peer, asked the same in SQL.
 namespace tavix {
 namespace {
 

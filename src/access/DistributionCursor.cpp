@@ -26,55 +26,49 @@ DistributionCursor::DistributionCursor(std::shared_ptr<ViewerSession> session, c
       m_reader(*m_session->connection, key, rows),
       m_layout(layout),
       m_hasRank(key.kind == repository::DistributionKind::Patterns),
-      m_total(rows),
       m_filter(std::move(filter)) {}
 
 bool DistributionCursor::next() {
-    if (m_rank >= m_total) {
-        m_rank = m_total + 1;
-        return false;
-    }
-    if (*m_session->closed)
-        throw GenException("The repository was closed while a result was being read.");
+    m_isOnRow = false;
     while (m_nextInBlock == m_rowsInBlock) {
-        if (!enterBlock()) {
-            m_rank = m_total + 1;
+        if (m_isDone || !enterBlock())
             return false;
-        }
     }
-    const std::size_t row = m_filter ? m_passing[m_nextInBlock] : m_nextInBlock;
+    requireOpen();
+    m_row = m_filter ? m_passing[m_nextInBlock] : m_nextInBlock;
     ++m_nextInBlock;
-    m_row = m_reader.block().at(row);
-    m_rank = m_reader.firstRow() + static_cast<std::int64_t>(row) + 1;
+    m_isOnRow = true;
     return true;
 }
 
 bool DistributionCursor::enterBlock() {
-    const auto fail = [&](const Error& error) {
-        m_rank = m_total + 1;
-        throw GenException(error.text);
-    };
+    m_isDone = true; // unless nothing fails
+    m_nextInBlock = m_rowsInBlock = 0;
     // open() has read the first block.
     if (m_isEntered) {
-        if (m_filter && m_filter->isDone())
+        if (!m_reader.hasMore() || (m_filter && m_filter->isDone()))
             return false;
+        requireOpen();
         auto more = m_reader.next();
         if (!more)
-            fail(more.error());
-        if (!*more)
-            return false;
+            throw GenException(more.error().text);
     }
     m_isEntered = true;
-    m_nextInBlock = 0;
-    m_rowsInBlock = m_reader.block().rowCount();
+    const repository::UnpackedBlock& block = m_reader.block();
     if (m_filter) {
-        auto passing = m_filter->passing(m_reader.block(), m_reader.firstRow());
+        auto passing = m_filter->passing(block, m_reader.firstRow());
         if (!passing)
-            fail(passing.error());
+            throw GenException(passing.error().text);
         m_passing = *passing;
-        m_rowsInBlock = m_passing.size();
     }
+    m_rowsInBlock = m_filter ? m_passing.size() : block.rowCount();
+    m_isDone = false;
     return true;
+}
+
+void DistributionCursor::requireOpen() const {
+    if (*m_session->closed)
+        throw GenException("The repository was closed while a result was being read.");
 }
 
 int DistributionCursor::getColumnCount() const {
@@ -86,10 +80,10 @@ KvbString DistributionCursor::getColumnName(int column) const {
 }
 
 KvbString DistributionCursor::getColumnValue(int column) const {
-    Role shown = role(column);
-    if (shown == Role::None || (shown == Role::Value && m_row.isNull))
+    const Role shown = role(column);
+    if (shown == Role::None || isNullValue(shown))
         return {};
-    return shown == Role::Value ? KvbString(m_row.value) : KvbString(formatInteger(number(shown)));
+    return shown == Role::Value ? KvbString(m_reader.block().valueAt(m_row)) : KvbString(formatInteger(number(shown)));
 }
 
 int DistributionCursor::getColumnInt(int column) const {
@@ -105,8 +99,8 @@ double DistributionCursor::getColumnDouble(int column) const {
 }
 
 bool DistributionCursor::isColumnNull(int column) const {
-    Role shown = role(column);
-    return shown == Role::None || (shown == Role::Value && m_row.isNull);
+    const Role shown = role(column);
+    return shown == Role::None || isNullValue(shown);
 }
 
 bool DistributionCursor::isColumnValid(int column) const {
@@ -118,14 +112,19 @@ KvbString DistributionCursor::getWarning() const {
 }
 
 DistributionCursor::Role DistributionCursor::role(int column) const {
-    if (!isColumnValid(column) || m_rank < 1 || m_rank > m_total)
+    if (!m_isOnRow || !isColumnValid(column))
         return Role::None;
     constexpr Role kRoles[] = {Role::Rank, Role::Value, Role::Count};
     return kRoles[m_hasRank ? column : column + 1];
 }
 
+bool DistributionCursor::isNullValue(Role shown) const {
+    return shown == Role::Value && m_reader.block().nullRow() == m_row;
+}
+
 std::int64_t DistributionCursor::number(Role shown) const {
-    return shown == Role::Rank ? m_rank : static_cast<std::int64_t>(m_row.count);
+    return shown == Role::Rank ? m_reader.firstRow() + static_cast<std::int64_t>(m_row) + 1
+                               : static_cast<std::int64_t>(m_reader.block().countAt(m_row));
 }
 
 } // namespace tavix

@@ -37,20 +37,23 @@ class DistributionCursor final : public ProfileCursor {
     bool enterBlock();
     /// What a column of the current row shows; None outside the columns and the rows.
     [[nodiscard]] Role role(int column) const;
+    [[nodiscard]] bool isNullValue(Role shown) const;
     [[nodiscard]] std::int64_t number(Role shown) const;
+    /// Throws when the viewer was closed.
+    void requireOpen() const;
 
     std::shared_ptr<ViewerSession> m_session;
     repository::DistributionReader m_reader;
     const layout::Layout& m_layout;
     bool m_hasRank;
-    std::int64_t m_total;
     std::unique_ptr<DistributionFilter> m_filter; ///< null for all rows
     bool m_isEntered = false;                     ///< whether the rows of the first block are being walked
+    bool m_isDone = false;                        ///< at the end, or after a failure
     std::span<const std::uint32_t> m_passing;     ///< with a filter: the rows of the block that pass
     std::size_t m_rowsInBlock = 0;                ///< that pass
     std::size_t m_nextInBlock = 0;                ///< of them, the one that next() comes to
-    std::int64_t m_rank = 0; ///< of the current row in the whole distribution, from 1; beyond the total at the end
-    repository::ValueCount m_row;
+    bool m_isOnRow = false;
+    std::size_t m_row = 0; ///< of the block; only when there is a current row
 };
 
 } // namespace tavix
