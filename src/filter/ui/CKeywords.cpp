@@ -16,6 +16,7 @@
 #include <QTextDocument>
 #include <QVBoxLayout>
 
+#include <array>
 #include <utility>
 
 namespace tavix {
@@ -69,20 +70,23 @@ CKeywords::CKeywords(std::vector<FilterFunction> functions, QWidget* parent)
 
 void CKeywords::FillList() {
     const QString wanted = m_search->text().trimmed();
-    m_names->clear();
+    // What begins so is most likely what is meant; then come the names and last the descriptions that hold it.
+    std::array<std::vector<std::size_t>, 3> found;
     for (std::size_t i = 0; i < m_functions.size(); ++i) {
         const QString name = toQString(m_functions[i].name);
-        if (!name.contains(wanted, Qt::CaseInsensitive) &&
-            !toQString(m_functions[i].description).contains(wanted, Qt::CaseInsensitive))
-            continue;
-        auto* item = new QListWidgetItem(name, m_names);
-        item->setData(Qt::UserRole, static_cast<int>(i));
-        // What begins with what was typed is most likely what is meant.
-        if (!m_names->currentItem() && name.startsWith(wanted, Qt::CaseInsensitive))
-            m_names->setCurrentItem(item);
+        if (name.startsWith(wanted, Qt::CaseInsensitive))
+            found[0].push_back(i);
+        else if (name.contains(wanted, Qt::CaseInsensitive))
+            found[1].push_back(i);
+        else if (toQString(m_functions[i].description).contains(wanted, Qt::CaseInsensitive))
+            found[2].push_back(i);
     }
-    if (!m_names->currentItem())
-        m_names->setCurrentRow(0);
+    m_names->clear();
+    for (const std::vector<std::size_t>& group : found) {
+        for (const std::size_t i : group)
+            (new QListWidgetItem(toQString(m_functions[i].name), m_names))->setData(Qt::UserRole, static_cast<int>(i));
+    }
+    m_names->setCurrentRow(0);
     ShowFunction();
 }
 

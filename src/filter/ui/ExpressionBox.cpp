@@ -36,6 +36,7 @@ int unitsBefore(const QString& line, int column) {
 ExpressionBox::ExpressionBox(QWidget* parent)
     : QPlainTextEdit(parent), m_completer(new QCompleter(this)), m_names(new QStringListModel(this)) {
     setTabChangesFocus(true);
+    setReadOnly(true);
     m_completer->setModel(m_names);
     m_completer->setWidget(this);
     m_completer->setCaseSensitivity(Qt::CaseInsensitive);

@@ -189,10 +189,18 @@ void CTabFreqDist::RowsChanged() {
 void CTabFreqDist::ShowFilterLine() {
     const bool hadFocus = m_line->isAncestorOf(focusWidget()) && m_line->isVisible();
     m_line->setVisible(IsFiltered());
-    if (IsFiltered())
-        m_line->ShowFilter(toQString(FilterSummary(GetFilter())), toQString(m_failure));
-    else if (hadFocus)
-        Grid().setFocus();
+    if (!IsFiltered()) {
+        if (hadFocus)
+            Grid().setFocus();
+        return;
+    }
+    const QString summary = tr("Only rows with: %1").arg(toQString(FilterSummary(GetFilter())));
+    if (!m_failure.empty())
+        m_line->ShowText(tr("The filter cannot be applied: %1").arg(toQString(m_failure)), true);
+    else if (!m_rows->GetWarning().empty())
+        m_line->ShowText(QStringLiteral("%1  %2").arg(toQString(m_rows->GetWarning()), summary), true);
+    else
+        m_line->ShowText(summary, false);
 }
 
 void CTabFreqDist::ShowActions() {

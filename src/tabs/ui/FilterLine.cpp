@@ -47,19 +47,17 @@ FilterLine::FilterLine(QWidget* parent)
     ApplyColors();
 }
 
-void FilterLine::ShowFilter(const QString& summary, const QString& failure) {
-    m_isFailure = !failure.isEmpty();
-    m_words =
-        (m_isFailure ? tr("The filter cannot be applied: %1").arg(failure) : tr("Only rows with: %1").arg(summary))
-            .simplified();
+void FilterLine::ShowText(const QString& words, bool isAlarming) {
+    m_isAlarming = isAlarming;
+    m_words = words.simplified();
     const QString tip = m_words.size() > kLongestTip ? m_words.left(kLongestTip) + QChar(0x2026) : m_words;
     m_text->setToolTip(QStringLiteral("<p>%1</p>").arg(tip.toHtmlEscaped()));
     m_text->setAccessibleName(tip);
     ApplyColors();
-    ShowText();
+    FitText();
 }
 
-void FilterLine::ShowText() {
+void FilterLine::FitText() {
     // Of a filter with a million values only so much is ever measured.
     const QString start = m_words.left(kLongestTip);
     m_text->setText(fontMetrics().elidedText(start, Qt::ElideRight, m_text->width()));
@@ -71,7 +69,8 @@ QWidget* FilterLine::GetLastTabStop() const {
 
 void FilterLine::ApplyColors() {
     QPalette colors = palette();
-    colors.setColor(QPalette::WindowText, m_isFailure ? tint::alert(palette()) : palette().color(QPalette::WindowText));
+    colors.setColor(QPalette::WindowText,
+                    m_isAlarming ? tint::alert(palette()) : palette().color(QPalette::WindowText));
     m_text->setPalette(colors);
 }
 
@@ -80,14 +79,14 @@ void FilterLine::changeEvent(QEvent* event) {
     if (event->type() == QEvent::PaletteChange)
         ApplyColors();
     else if (event->type() == QEvent::FontChange)
-        ShowText();
+        FitText();
 }
 
 void FilterLine::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     // The layout has yet to give the text its width.
     layout()->activate();
-    ShowText();
+    FitText();
 }
 
 void FilterLine::paintEvent(QPaintEvent*) {

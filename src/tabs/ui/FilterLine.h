@@ -13,8 +13,8 @@ class FilterLine final : public QWidget {
   public:
     explicit FilterLine(QWidget* parent = nullptr);
 
-    /// `summary` says which rows stay. With a `failure`, why the filter could not be applied, that is told instead.
-    void ShowFilter(const QString& summary, const QString& failure);
+    /// With `isAlarming` the words are of the colour of a figure that an alert watches.
+    void ShowText(const QString& words, bool isAlarming);
     [[nodiscard]] QWidget* GetLastTabStop() const;
 
   Q_SIGNALS:
@@ -28,13 +28,13 @@ class FilterLine final : public QWidget {
 
   private:
     void ApplyColors();
-    void ShowText();
+    void FitText();
 
     QLabel* m_text;
     QPushButton* m_edit;
     QPushButton* m_stop;
     QString m_words;
-    bool m_isFailure = false;
+    bool m_isAlarming = false;
 };
 
 } // namespace tavix
