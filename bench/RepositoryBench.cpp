@@ -6,12 +6,17 @@
 #include <fmt/format.h>
 #include <sqlite3.h>
 
+#include <array>
 #include <cstdlib>
+#include <deque>
 #include <iostream>
-#include <optional>
+#include <string>
+#include <vector>
 
 /// What it costs to open a report, a list of tables or fields, and a long distribution, beside the same SQL on the bare
-/// SQLite interface in the same process.
+/// SQLite interface in the same process; and to walk a filtered distribution of five million values. The walk's rows
+/// are made up, or taken from the table freq(rank, value, cnt) of the SQLite file that TAVIX_BENCH_ROWS names; that
+/// file is then the peer, asked the same in SQL.
 namespace tavix {
 namespace {
 
@@ -212,6 +217,152 @@ void writeLong(benchmark::State& state) {
         benchmark::DoNotOptimize(withLongDistribution());
 }
 
+// Distributions to be filtered.
+
+sqlite3_stmt* prepareOn(sqlite3*& database, const char* path, const std::string& sql) {
+    sqlite3_stmt* statement = nullptr;
+    if (sqlite3_open_v2(path, &database, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK ||
+        sqlite3_prepare_v2(database, sql.c_str(), -1, &statement, nullptr) != SQLITE_OK) {
+        std::cerr << path << ": " << sqlite3_errmsg(database) << '\n';
+        std::exit(1);
+    }
+    return statement;
+}
+
+const char* benchRows() {
+    return std::getenv("TAVIX_BENCH_ROWS");
+}
+
+struct Texts {
+    std::deque<std::string> texts;
+    std::vector<repository::ValueCount> rows;
+
+    void add(std::string text, std::uint64_t count) {
+        texts.push_back(std::move(text));
+        rows.push_back({texts.back(), count, false});
+    }
+};
+
+/// Numbers, codes and words in equal parts, a few of them frequent.
+Texts madeUpRows() {
+    Texts made;
+    for (std::uint64_t rank = 1; rank <= kLongDistribution; ++rank) {
+        const std::uint64_t x = rank * 2'654'435'761 % 4'294'967'291;
+        const std::uint64_t count = 1 + kLongDistribution / 20 / rank;
+        switch (rank % 3) {
+        case 0:
+            made.add(std::to_string(x), count);
+            break;
+        case 1:
+            made.add(fmt::format("K{:05X}-{:03}", x % 1'048'576, x % 997), count);
+            break;
+        default:
+            made.add(rank == 776 ? "aBc" : fmt::format("Abc {}", x), count);
+        }
+    }
+    return made;
+}
+
+Texts readRows(const char* path) {
+    Texts read;
+    sqlite3* database = nullptr;
+    sqlite3_stmt* rows = prepareOn(database, path, "SELECT value, cnt FROM freq ORDER BY rank");
+    while (sqlite3_step(rows) == SQLITE_ROW)
+        read.add({reinterpret_cast<const char*>(sqlite3_column_text(rows, 0)),
+                  static_cast<std::size_t>(sqlite3_column_bytes(rows, 0))},
+                 static_cast<std::uint64_t>(sqlite3_column_int64(rows, 1)));
+    sqlite3_finalize(rows);
+    sqlite3_close(database);
+    return read;
+}
+
+const std::string& withFilteredDistribution() {
+    static const std::string path = [] {
+        std::string made = folder().file("filtered.tavix");
+        const Texts texts = benchRows() ? readRows(benchRows()) : madeUpRows();
+        repository::FieldFacts field = fieldFacts(0);
+        field.values = texts.rows;
+        auto writer = need(repository::RunWriter::begin(made, {"job", "", "", {}}));
+        const int table = need(writer->addTable(tableFacts(0)));
+        need(writer->addField(table, field));
+        need(writer->commit({}));
+        return made;
+    }();
+    return path;
+}
+
+/// The rows that pass and the sum of their counts, as a tab's percentages need them.
+void filterWalk(benchmark::State& state, const char* filter) {
+    auto viewer = openReport(withFilteredDistribution());
+    std::int64_t rows = 0;
+    double sum = 0;
+    for (auto _ : state) {
+        rows = 0;
+        sum = 0;
+        auto cursor = viewer->getFreqDist(1, filter);
+        if (!cursor) {
+            state.SkipWithError(viewer->getErrorString().str().c_str());
+            return;
+        }
+        for (; cursor->next(); ++rows)
+            sum += cursor->getColumnDouble(1);
+    }
+    state.counters["rows"] = static_cast<double>(rows);
+    state.counters["sum"] = sum;
+}
+
+void filterFirst100(benchmark::State& state, const char* filter) {
+    auto viewer = openReport(withFilteredDistribution());
+    for (auto _ : state)
+        benchmark::DoNotOptimize(drain(*viewer->getFreqDist(1, filter), 100));
+}
+
+void filterRaw(benchmark::State& state, const char* condition) {
+    sqlite3* database = nullptr;
+    sqlite3_stmt* statement =
+        prepareOn(database, benchRows(), fmt::format("SELECT count(*), sum(cnt) FROM freq WHERE {}", condition));
+    for (auto _ : state) {
+        sqlite3_step(statement);
+        state.counters["rows"] = sqlite3_column_double(statement, 0);
+        state.counters["sum"] = sqlite3_column_double(statement, 1);
+        sqlite3_reset(statement);
+    }
+    sqlite3_finalize(statement);
+    sqlite3_close(database);
+}
+
+struct FilterCase {
+    const char* name;
+    const char* filter;
+    const char* condition; ///< the same in SQL
+};
+
+constexpr std::array<FilterCase, 9> kFilters{{
+    {"equal", "lower(`Value`) == 'abc'", "lower(value) = 'abc'"},
+    {"contains", "instr(`Value`,'5') != 0", "instr(value,'5') != 0"},
+    {"wildcard", "match_string(`Value`,'*12*4?')", "value GLOB '*12*4?'"},
+    {"wildcard_begins", "match_string(`Value`,'K*1?5*9')", "value GLOB 'K*1?5*9'"},
+    {"three", "`Count` > 1 and (lower(`Value`) == 'abc' or instr(`Value`,'5') != 0)",
+     "cnt > 1 AND (lower(value) = 'abc' OR instr(value,'5') != 0)"},
+    {"three_texts", "instr(`Value`,'5') != 0 and (lower(`Value`) == 'abc' or match_string(`Value`,'*12*4?'))",
+     "instr(value,'5') != 0 AND (lower(value) = 'abc' OR value GLOB '*12*4?')"},
+    {"count", "`Count` > 10", "cnt > 10"},
+    {"count_below", "`Count` < 3", "cnt < 3"},
+    {"everything", "true", "1"},
+}};
+
+void registerFilters() {
+    for (const FilterCase& one : kFilters) {
+        benchmark::RegisterBenchmark((std::string("filter/") + one.name).c_str(), filterWalk, one.filter)
+            ->Unit(benchmark::kMillisecond);
+        if (benchRows())
+            benchmark::RegisterBenchmark((std::string("filterRaw/") + one.name).c_str(), filterRaw, one.condition)
+                ->Unit(benchmark::kMillisecond);
+    }
+    benchmark::RegisterBenchmark("filterFirst100/contains", filterFirst100, "instr(`Value`,'5') != 0")
+        ->Unit(benchmark::kMillisecond);
+}
+
 BENCHMARK(openJob)->Arg(10)->Arg(1000)->Unit(benchmark::kMillisecond);
 BENCHMARK(tableListRaw)->Unit(benchmark::kMillisecond);
 BENCHMARK(tableList)->Unit(benchmark::kMillisecond);
@@ -223,4 +374,11 @@ BENCHMARK(first1000OfLong)->Unit(benchmark::kMillisecond);
 } // namespace
 } // namespace tavix
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    tavix::registerFilters();
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

@@ -17,6 +17,7 @@ CacheCursor::CacheCursor(ProfileCursor& source) {
     m_names.reserve(static_cast<std::size_t>(columns));
     for (int column = 0; column < columns; ++column)
         m_names.push_back(source.getColumnName(column));
+    m_warning = source.getWarning();
 }
 
 bool CacheCursor::next() {

@@ -25,6 +25,7 @@ class CacheCursor final : public ProfileCursor {
     [[nodiscard]] double getColumnDouble(int column) const override;
     [[nodiscard]] bool isColumnNull(int column) const override;
     [[nodiscard]] bool isColumnValid(int column) const override;
+    [[nodiscard]] KvbString getWarning() const override { return m_warning; }
 
     [[nodiscard]] std::size_t getRowCount() const { return m_rows.size(); }
     /// Replaces a value of the current row; without one, or outside its columns, nothing happens.
@@ -37,6 +38,7 @@ class CacheCursor final : public ProfileCursor {
     std::list<Row> m_rows;
     std::list<Row>::iterator m_current = m_rows.end();
     std::vector<KvbString> m_names;
+    KvbString m_warning;
 };
 
 } // namespace tavix

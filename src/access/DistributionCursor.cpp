@@ -10,39 +10,65 @@ namespace tavix {
 
 Result<std::unique_ptr<DistributionCursor>> DistributionCursor::open(std::shared_ptr<ViewerSession> session,
                                                                      const repository::DistributionKey& key,
-                                                                     std::int64_t rows, const layout::Layout& layout) {
-    std::unique_ptr<DistributionCursor> cursor(new DistributionCursor(std::move(session), key, rows, layout));
+                                                                     std::int64_t rows, const layout::Layout& layout,
+                                                                     std::unique_ptr<DistributionFilter> filter) {
+    std::unique_ptr<DistributionCursor> cursor(
+        new DistributionCursor(std::move(session), key, rows, layout, std::move(filter)));
     if (auto first = cursor->m_reader.next(); !first)
         return first.error();
     return cursor;
 }
 
 DistributionCursor::DistributionCursor(std::shared_ptr<ViewerSession> session, const repository::DistributionKey& key,
-                                       std::int64_t rows, const layout::Layout& layout)
+                                       std::int64_t rows, const layout::Layout& layout,
+                                       std::unique_ptr<DistributionFilter> filter)
     : m_session(std::move(session)),
       m_reader(*m_session->connection, key, rows),
       m_layout(layout),
       m_hasRank(key.kind == repository::DistributionKind::Patterns),
-      m_total(rows) {}
+      m_filter(std::move(filter)) {}
 
 bool DistributionCursor::next() {
-    if (m_rank >= m_total) {
-        m_rank = m_total + 1;
-        return false;
+    m_isOnRow = false;
+    while (m_nextInBlock == m_rowsInBlock) {
+        if (m_isDone || !enterBlock())
+            return false;
     }
+    requireOpen();
+    m_row = m_filter ? m_passing[m_nextInBlock] : m_nextInBlock;
+    ++m_nextInBlock;
+    m_isOnRow = true;
+    return true;
+}
+
+bool DistributionCursor::enterBlock() {
+    m_isDone = true; // unless nothing fails
+    m_nextInBlock = m_rowsInBlock = 0;
+    // open() has read the first block.
+    if (m_isEntered) {
+        if (!m_reader.hasMore() || (m_filter && m_filter->isDone()))
+            return false;
+        requireOpen();
+        auto more = m_reader.next();
+        if (!more)
+            throw GenException(more.error().text);
+    }
+    m_isEntered = true;
+    const repository::UnpackedBlock& block = m_reader.block();
+    if (m_filter) {
+        auto passing = m_filter->passing(block, m_reader.firstRow());
+        if (!passing)
+            throw GenException(passing.error().text);
+        m_passing = *passing;
+    }
+    m_rowsInBlock = m_filter ? m_passing.size() : block.rowCount();
+    m_isDone = false;
+    return true;
+}
+
+void DistributionCursor::requireOpen() const {
     if (*m_session->closed)
         throw GenException("The repository was closed while a result was being read.");
-    if (m_nextInBlock == m_reader.block().rowCount()) {
-        auto more = m_reader.next();
-        if (!more || !*more) {
-            m_rank = m_total + 1;
-            throw GenException(more ? KvbString("A stored distribution is damaged.") : KvbString(more.error().text));
-        }
-        m_nextInBlock = 0;
-    }
-    m_row = m_reader.block().at(m_nextInBlock++);
-    ++m_rank;
-    return true;
 }
 
 int DistributionCursor::getColumnCount() const {
@@ -54,10 +80,10 @@ KvbString DistributionCursor::getColumnName(int column) const {
 }
 
 KvbString DistributionCursor::getColumnValue(int column) const {
-    Role shown = role(column);
-    if (shown == Role::None || (shown == Role::Value && m_row.isNull))
+    const Role shown = role(column);
+    if (shown == Role::None || isNullValue(shown))
         return {};
-    return shown == Role::Value ? KvbString(m_row.value) : KvbString(formatInteger(number(shown)));
+    return shown == Role::Value ? KvbString(m_reader.block().valueAt(m_row)) : KvbString(formatInteger(number(shown)));
 }
 
 int DistributionCursor::getColumnInt(int column) const {
@@ -73,23 +99,32 @@ double DistributionCursor::getColumnDouble(int column) const {
 }
 
 bool DistributionCursor::isColumnNull(int column) const {
-    Role shown = role(column);
-    return shown == Role::None || (shown == Role::Value && m_row.isNull);
+    const Role shown = role(column);
+    return shown == Role::None || isNullValue(shown);
 }
 
 bool DistributionCursor::isColumnValid(int column) const {
     return column >= 0 && column < getColumnCount();
 }
 
+KvbString DistributionCursor::getWarning() const {
+    return m_filter ? m_filter->warning() : KvbString();
+}
+
 DistributionCursor::Role DistributionCursor::role(int column) const {
-    if (!isColumnValid(column) || m_rank < 1 || m_rank > m_total)
+    if (!m_isOnRow || !isColumnValid(column))
         return Role::None;
     constexpr Role kRoles[] = {Role::Rank, Role::Value, Role::Count};
     return kRoles[m_hasRank ? column : column + 1];
 }
 
+bool DistributionCursor::isNullValue(Role shown) const {
+    return shown == Role::Value && m_reader.block().nullRow() == m_row;
+}
+
 std::int64_t DistributionCursor::number(Role shown) const {
-    return shown == Role::Rank ? m_rank : static_cast<std::int64_t>(m_row.count);
+    return shown == Role::Rank ? m_reader.firstRow() + static_cast<std::int64_t>(m_row) + 1
+                               : static_cast<std::int64_t>(m_reader.block().countAt(m_row));
 }
 
 } // namespace tavix

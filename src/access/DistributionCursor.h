@@ -1,5 +1,6 @@
 #pragma once
 
+#include "access/DistributionFilter.h"
 #include "access/StatementCursor.h"
 #include "repository/DistributionStore.h"
 
@@ -7,16 +8,15 @@
 
 namespace tavix {
 
-/// The rows of a stored distribution, in the order in which they are shown; a block is read when its first row is
-/// asked for.
+/// The rows of a stored distribution, or those that a filter lets pass, in the order in which they are shown; a block
+/// is read when its first row is asked for.
 class DistributionCursor final : public ProfileCursor {
   public:
     /// Reads the first block at once, so that a distribution that cannot be read fails here. `rows` is its length;
-    /// the layout is that of getFreqDist, getPatternDist or getPKFKAnalysisOutliers.
-    [[nodiscard]] static Result<std::unique_ptr<DistributionCursor>> open(std::shared_ptr<ViewerSession> session,
-                                                                          const repository::DistributionKey& key,
-                                                                          std::int64_t rows,
-                                                                          const layout::Layout& layout);
+    /// the layout is that of getFreqDist, getPatternDist or getPKFKAnalysisOutliers. Without a filter all rows pass.
+    [[nodiscard]] static Result<std::unique_ptr<DistributionCursor>>
+    open(std::shared_ptr<ViewerSession> session, const repository::DistributionKey& key, std::int64_t rows,
+         const layout::Layout& layout, std::unique_ptr<DistributionFilter> filter);
 
     bool next() override;
     [[nodiscard]] int getColumnCount() const override;
@@ -26,24 +26,34 @@ class DistributionCursor final : public ProfileCursor {
     [[nodiscard]] double getColumnDouble(int column) const override;
     [[nodiscard]] bool isColumnNull(int column) const override;
     [[nodiscard]] bool isColumnValid(int column) const override;
+    [[nodiscard]] KvbString getWarning() const override;
 
   private:
     enum class Role { None, Rank, Value, Count };
 
     DistributionCursor(std::shared_ptr<ViewerSession> session, const repository::DistributionKey& key,
-                       std::int64_t rows, const layout::Layout& layout);
+                       std::int64_t rows, const layout::Layout& layout, std::unique_ptr<DistributionFilter> filter);
+    /// Comes to the next block, of which perhaps no row passes; false behind the last one.
+    bool enterBlock();
     /// What a column of the current row shows; None outside the columns and the rows.
     [[nodiscard]] Role role(int column) const;
+    [[nodiscard]] bool isNullValue(Role shown) const;
     [[nodiscard]] std::int64_t number(Role shown) const;
+    /// Throws when the viewer was closed.
+    void requireOpen() const;
 
     std::shared_ptr<ViewerSession> m_session;
     repository::DistributionReader m_reader;
     const layout::Layout& m_layout;
     bool m_hasRank;
-    std::int64_t m_total;
-    std::int64_t m_rank = 0;       ///< of the current row, from 1; beyond the total at the end
-    std::size_t m_nextInBlock = 0; ///< the row of the block that next() comes to
-    repository::ValueCount m_row;
+    std::unique_ptr<DistributionFilter> m_filter; ///< null for all rows
+    bool m_isEntered = false;                     ///< whether the rows of the first block are being walked
+    bool m_isDone = false;                        ///< at the end, or after a failure
+    std::span<const std::uint32_t> m_passing;     ///< with a filter: the rows of the block that pass
+    std::size_t m_rowsInBlock = 0;                ///< that pass
+    std::size_t m_nextInBlock = 0;                ///< of them, the one that next() comes to
+    bool m_isOnRow = false;
+    std::size_t m_row = 0; ///< of the block; only when there is a current row
 };
 
 } // namespace tavix

@@ -92,14 +92,20 @@ class PrViewer {
     bool refreshGlobalCollForTable(int tableId);
     bool createGlobalCollFieldMapping(int collectionId, int fieldId);
 
-    // Catalogue of metrics and of the expression language's functions.
+    // Catalogue of metrics and of the expression language's functions, which need no session.
     [[nodiscard]] int getNumMetrics() const;
     [[nodiscard]] KvbString getMetricDescription(int metricId) const;
     [[nodiscard]] int getFunctionCount() const;
+    /// `parameterTypes` has a letter for each parameter and `returnType` is one: a any, b boolean, d date, i integer,
+    /// r real, s text, S a text that is written out. A call has at least `count1` and at most `count2` arguments; where
+    /// they are more than the letters, the last letter goes on. False for an index outside 0 to getFunctionCount() - 1.
     bool getFunctionInfo(int index, KvbString& name, KvbString& parameterTypes, char& returnType,
                          KvbString& description, int& count1, int& count2);
 
-    // Values. `filter` is a filter text; empty for none.
+    // Values. `filter` is a filter text, expression code with or without its condition block; empty for none. Its
+    // fields are `Value`, in patterns the pattern, and `Count`. Rows pass in stored order and keep their rank. A text
+    // that is no condition is a failure that names line and column. Rows that the filter cannot be evaluated for do not
+    // pass, and the cursor's getWarning() tells of them.
     [[nodiscard]] ProfileCursorHandle getFreqDist(int fieldId, const KvbString& filter);
     [[nodiscard]] ProfileCursorHandle getPatternDist(int fieldId, const KvbString& filter);
     [[nodiscard]] ProfileCursorHandle getPercentiles(int fieldId);

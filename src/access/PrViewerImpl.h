@@ -71,9 +71,11 @@ struct PrViewer::Impl {
     /// As an operation gives it: -1 on failure.
     std::int64_t giveNumber(const Result<std::int64_t>& number);
     ProfileCursorHandle openDistribution(std::string_view operation, const repository::DistributionKey& key,
-                                         const Result<std::int64_t>& rows);
+                                         const Result<std::int64_t>& rows,
+                                         std::unique_ptr<DistributionFilter> filter = nullptr);
+    /// `filter` is a filter text; empty for all rows.
     ProfileCursorHandle openFieldDistribution(std::string_view operation, int field, repository::DistributionKind kind,
-                                              std::string_view rowsSql);
+                                              std::string_view rowsSql, const KvbString& filter);
 
     /// Opens the repository for writing and runs `work` in one transaction.
     bool change(const std::function<Status(sql::Connection&)>& work);

@@ -1,4 +1,5 @@
 #include "access/PrViewerImpl.h"
+#include "expression/Catalogue.h"
 #include "pattern/CharacterPattern.h"
 #include "repository/Collections.h"
 #include "repository/Existence.h"
@@ -183,13 +184,21 @@ KvbString PrViewer::getMetricDescription(int metricId) const {
 }
 
 int PrViewer::getFunctionCount() const {
-    (void)m_impl->unavailable("The expression language is");
-    return -1;
+    return static_cast<int>(expression::functions().size());
 }
 
-bool PrViewer::getFunctionInfo(int, KvbString&, KvbString&, char&, KvbString&, int&, int&) {
-    (void)m_impl->unavailable("The expression language is");
-    return false;
+bool PrViewer::getFunctionInfo(int index, KvbString& name, KvbString& parameterTypes, char& returnType,
+                               KvbString& description, int& count1, int& count2) {
+    if (index < 0 || index >= getFunctionCount())
+        return m_impl->fail(noSuch("function", index));
+    const expression::Function& function = expression::functions()[static_cast<std::size_t>(index)];
+    name = function.name;
+    parameterTypes = function.parameters;
+    returnType = function.result;
+    description = function.description;
+    count1 = function.minimum;
+    count2 = function.maximum;
+    return true;
 }
 
 KvbString PrViewer::getAbbreviatedPattern(const KvbString& pattern) const {

@@ -24,8 +24,6 @@ constexpr std::string_view kHighOutliers =
 constexpr std::string_view kRunOfField = "SELECT run FROM run_field WHERE field = ?2 AND run IN (SELECT id FROM run) "
                                          "ORDER BY run = ?1 DESC, run DESC LIMIT 1";
 
-constexpr std::string_view kFilters = "Filters are";
-
 } // namespace
 
 Result<int> PrViewer::Impl::runOfField(int field) const {
@@ -52,34 +50,40 @@ std::int64_t PrViewer::Impl::giveNumber(const Result<std::int64_t>& number) {
 }
 
 ProfileCursorHandle PrViewer::Impl::openDistribution(std::string_view operation, const repository::DistributionKey& key,
-                                                     const Result<std::int64_t>& rows) {
+                                                     const Result<std::int64_t>& rows,
+                                                     std::unique_ptr<DistributionFilter> filter) {
     if (!rows)
         return failCursor(rows.error());
-    auto cursor = DistributionCursor::open(session, key, *rows, layout::of(operation));
+    auto cursor = DistributionCursor::open(session, key, *rows, layout::of(operation), std::move(filter));
     if (!cursor)
         return failCursor(cursor.error());
     return ProfileCursorHandle(cursor->release());
 }
 
 ProfileCursorHandle PrViewer::Impl::openFieldDistribution(std::string_view operation, int field,
-                                                          repository::DistributionKind kind, std::string_view rowsSql) {
+                                                          repository::DistributionKind kind, std::string_view rowsSql,
+                                                          const KvbString& filter) {
     auto ofRun = runOfField(field);
     if (!ofRun)
         return failCursor(ofRun.error());
-    return openDistribution(operation, {*ofRun, field, kind}, fieldNumber(rowsSql, field));
+    std::unique_ptr<DistributionFilter> compiled;
+    if (!filter.isEmpty()) {
+        auto result = DistributionFilter::compile(filter.view());
+        if (!result)
+            return failCursor(result.error());
+        compiled = std::move(*result);
+    }
+    return openDistribution(operation, {*ofRun, field, kind}, fieldNumber(rowsSql, field), std::move(compiled));
 }
 
 ProfileCursorHandle PrViewer::getFreqDist(int fieldId, const KvbString& filter) {
-    if (!filter.isEmpty())
-        return m_impl->unavailable(kFilters);
-    return m_impl->openFieldDistribution("getFreqDist", fieldId, repository::DistributionKind::Values, kValueRows);
+    return m_impl->openFieldDistribution("getFreqDist", fieldId, repository::DistributionKind::Values, kValueRows,
+                                         filter);
 }
 
 ProfileCursorHandle PrViewer::getPatternDist(int fieldId, const KvbString& filter) {
-    if (!filter.isEmpty())
-        return m_impl->unavailable(kFilters);
     return m_impl->openFieldDistribution("getPatternDist", fieldId, repository::DistributionKind::Patterns,
-                                         kPatternRows);
+                                         kPatternRows, filter);
 }
 
 ProfileCursorHandle PrViewer::getPercentiles(int fieldId) {

@@ -24,6 +24,9 @@ class ProfileCursor {
     [[nodiscard]] virtual bool isColumnNull(int column) const = 0;
     /// False for a column that the cursor does not have.
     [[nodiscard]] virtual bool isColumnValid(int column) const = 0;
+    /// What a user has to know about the rows that were passed so far: that a filter could not be evaluated for some of
+    /// them, which are left out. Null when there is nothing to tell, which is so for every result without a filter.
+    [[nodiscard]] virtual KvbString getWarning() const { return {}; }
 };
 
 struct ProfileCursorFree {

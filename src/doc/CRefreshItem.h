@@ -11,6 +11,7 @@ enum class RefreshHint {
     TaskListLost = 6,         ///< the post-load check or a run change could not restore the task list
     HistoryDeletion = 7,      ///< run history is about to be deleted
     NotesChanged = 8,         ///< a pane has changed notes or their categories
+    FilterChanged = 9,        ///< a pane has changed a filter of the field whose id is the parameter
 };
 
 /// A pane that takes part in refreshing.

@@ -133,6 +133,7 @@ void CTavixDoc::Clear() {
     m_folderPath.clear();
     m_metrics.clear();
     m_filter = {};
+    m_fieldFilters.Clear();
     m_collections.clear();
 }
 

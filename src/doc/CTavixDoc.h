@@ -4,6 +4,7 @@
 #include "base/Messages.h"
 #include "base/SettingsStore.h"
 #include "doc/CRefreshItem.h"
+#include "doc/FieldFilters.h"
 #include "doc/ItemCode.h"
 #include "doc/MetricDisplay.h"
 #include "doc/ReportSelection.h"
@@ -115,6 +116,9 @@ class CTavixDoc {
     [[nodiscard]] std::vector<int> ShownMetrics() const { return shownMetrics(m_metrics); }
     [[nodiscard]] const ReportFilterState& GetFilterState() const { return m_filter; }
     void SetFilterState(ReportFilterState state) { m_filter = std::move(state); }
+    /// The filters of the report's distributions; kept over its runs.
+    [[nodiscard]] FieldFilters& GetFieldFilters() { return m_fieldFilters; }
+    [[nodiscard]] const FieldFilters& GetFieldFilters() const { return m_fieldFilters; }
     /// The tab that was open last in views of that kind on the tables page; -1 when none was.
     [[nodiscard]] int GetTab(ReportPaneKind view) const { return TabOf(view, NavigatorPage::Tables); }
     /// The same for the collections page.
@@ -147,6 +151,7 @@ class CTavixDoc {
     std::string m_folderPath;
     std::vector<MetricDisplay> m_metrics;
     ReportFilterState m_filter;
+    FieldFilters m_fieldFilters;
     std::map<std::pair<ReportPaneKind, NavigatorPage>, int> m_tabs; ///< the tab that was open last
     std::map<int, CollectionsByField> m_collections;                ///< by table id
 };

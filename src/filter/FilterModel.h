@@ -80,13 +80,14 @@ class FilterModel {
     /// OK. True when the dialog can close: FilterText() then is the new filter text. False after a message; the focus
     /// then goes to the condition area.
     [[nodiscard]] bool Accept();
+    /// The filter text of what is there now, valid or not, as Save writes it.
+    [[nodiscard]] std::string ComposeText() const;
     /// What Accept left; before that, what the parser left of the text that was opened or loaded.
     [[nodiscard]] const std::string& FilterText() const { return m_filterText; }
 
   private:
     void Append(CCondition condition);
     void AppendParenthesis(bool left);
-    [[nodiscard]] std::string ComposeText() const;
 
     Messages& m_messages;
     DistributionKind m_kind;

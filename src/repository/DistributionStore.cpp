@@ -60,7 +60,7 @@ Status storeValueHashes(sql::Connection& connection, int run, int field, std::sp
 }
 
 Result<bool> DistributionReader::next() {
-    if (m_rowsRead >= m_expectedRows)
+    if (!hasMore())
         return false;
     auto select = m_connection.prepare("SELECT rows, first_row, payload FROM distribution_block WHERE run = ?1 AND "
                                        "field = ?2 AND kind = ?3 AND other_field = ?4 AND block = ?5");

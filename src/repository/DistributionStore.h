@@ -46,8 +46,12 @@ class DistributionReader {
     /// Reads the next block; false after the last one. Fails on a block that is missing or damaged, as when the run
     /// was deleted meanwhile.
     [[nodiscard]] Result<bool> next();
+    /// Whether there is a block behind those that were read.
+    [[nodiscard]] bool hasMore() const { return m_rowsRead < m_expectedRows; }
     /// The block that next() read; valid until the next call.
     [[nodiscard]] const UnpackedBlock& block() const { return m_block; }
+    /// The number of its first row in the distribution, from 0.
+    [[nodiscard]] std::int64_t firstRow() const { return m_rowsRead - static_cast<std::int64_t>(m_block.rowCount()); }
 
   private:
     sql::Connection& m_connection;

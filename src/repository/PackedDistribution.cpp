@@ -47,9 +47,25 @@ void store(std::byte* target, std::size_t width, std::uint64_t number) {
     std::memcpy(target, &number, width);
 }
 
-std::uint64_t load(const std::byte* source, std::size_t width) {
-    std::uint64_t number = 0;
-    std::memcpy(&number, source, width);
+/// Calls with a number of the type that has this width, so that each loop is compiled for one of them.
+template <typename Use>
+void withWidth(std::size_t width, Use use) {
+    switch (width) {
+    case 1:
+        return use(std::uint8_t{});
+    case 2:
+        return use(std::uint16_t{});
+    case 4:
+        return use(std::uint32_t{});
+    default:
+        return use(std::uint64_t{});
+    }
+}
+
+template <typename Number>
+Number loadAs(const std::byte* source, std::size_t position) {
+    Number number = 0;
+    std::memcpy(&number, source + position * sizeof number, sizeof number);
     return number;
 }
 
@@ -149,24 +165,28 @@ Result<UnpackedBlock> UnpackedBlock::parse(std::span<const std::byte> bytes) {
     const std::byte* lengths = bytes.data() + sizeof header + countBytes;
     block.m_ends.resize(rows);
     std::uint64_t end = 0;
-    for (std::size_t row = 0; row < rows; ++row) {
-        end += load(lengths + row * header.lengthWidth, header.lengthWidth);
-        // Each length fits 32 bits and there are few rows, so that the sum cannot overflow; it is checked at the end.
-        block.m_ends[row] = static_cast<std::uint32_t>(std::min<std::uint64_t>(end, header.textBytes));
-    }
+    withWidth(header.lengthWidth, [&](auto width) {
+        for (std::size_t row = 0; row < rows; ++row) {
+            end += loadAs<decltype(width)>(lengths, row);
+            // Each length fits 32 bits and there are few rows, so that the sum cannot overflow 64; it is checked below.
+            block.m_ends[row] = static_cast<std::uint32_t>(end);
+        }
+    });
     if (end != header.textBytes)
         return damaged;
     return block;
 }
 
 ValueCount UnpackedBlock::at(std::size_t row) const {
-    std::size_t begin = row == 0 ? 0 : m_ends[row - 1];
-    ValueCount result;
-    result.count = load(m_counts.data() + row * m_countWidth, m_countWidth);
-    result.isNull = m_nullRow == row;
-    if (!result.isNull)
-        result.value = {reinterpret_cast<const char*>(m_text.data()) + begin, m_ends[row] - begin};
-    return result;
+    const bool isNull = m_nullRow == row;
+    return {isNull ? std::string_view() : valueAt(row), countAt(row), isNull};
+}
+
+void UnpackedBlock::readCounts(std::size_t first, std::span<std::uint64_t> counts) const {
+    withWidth(m_countWidth, [&](auto width) {
+        for (std::size_t row = 0; row < counts.size(); ++row)
+            counts[row] = loadAs<decltype(width)>(m_counts.data(), first + row);
+    });
 }
 
 std::uint64_t hashValue(std::string_view value) {

@@ -6,8 +6,10 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <vector>
 
 /// The packed form of a distribution: blocks of rows as docs/formats/distribution.md describes them.
@@ -56,7 +58,42 @@ class UnpackedBlock {
     /// `row` must be below rowCount(). The text is borrowed from the bytes.
     [[nodiscard]] ValueCount at(std::size_t row) const;
 
+    // The block as columns, for operators that look at all rows at once. Borrowed like the texts of at().
+    /// The texts one after the other, and where each ends; null is an empty text here.
+    [[nodiscard]] std::string_view text() const {
+        return {reinterpret_cast<const char*>(m_text.data()), m_text.size()};
+    }
+    [[nodiscard]] std::span<const std::uint32_t> ends() const { return m_ends; }
+    [[nodiscard]] std::optional<std::size_t> nullRow() const { return m_nullRow; }
+    [[nodiscard]] std::uint64_t countAt(std::size_t row) const {
+        const std::byte* const place = m_counts.data() + row * m_countWidth;
+        // A width known to the compiler makes each of these one load.
+        switch (m_countWidth) {
+        case 1:
+            return load<std::uint8_t>(place);
+        case 2:
+            return load<std::uint16_t>(place);
+        case 4:
+            return load<std::uint32_t>(place);
+        default:
+            return load<std::uint64_t>(place);
+        }
+    }
+    [[nodiscard]] std::string_view valueAt(std::size_t row) const {
+        const std::size_t begin = row == 0 ? 0 : m_ends[row - 1];
+        return text().substr(begin, m_ends[row] - begin);
+    }
+    /// Writes the counts of the rows from `first` on, as many as `counts` is long.
+    void readCounts(std::size_t first, std::span<std::uint64_t> counts) const;
+
   private:
+    template <typename Number>
+    static std::uint64_t load(const std::byte* place) {
+        Number number = 0;
+        std::memcpy(&number, place, sizeof number);
+        return number;
+    }
+
     std::span<const std::byte> m_counts;
     std::span<const std::byte> m_text;
     std::size_t m_countWidth = 1;

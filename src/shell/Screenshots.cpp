@@ -4,11 +4,15 @@
 #include "shell/ShellOptions.h"
 #include "shell/ShellWindow.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QComboBox>
 #include <QDialog>
 #include <QDir>
 #include <QEventLoop>
 #include <QKeyEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTimer>
@@ -105,6 +109,70 @@ void takeTabs(ShellWindow& window, Album& album, const QString& name) {
         strip->setCurrentIndex(0);
 }
 
+void press(const QWidget& dialog, const char* button) {
+    if (auto* found = dialog.findChild<QAbstractButton*>(QLatin1String(button)))
+        found->click();
+}
+
+void chooseEntry(const QWidget& dialog, const char* list, int entry) {
+    if (auto* found = dialog.findChild<QComboBox*>(QLatin1String(list)))
+        found->setCurrentIndex(entry);
+}
+
+// The filter dialog empty, with a condition in words and in code, and while an expression is written; it is left with
+// the condition.
+void takeFilterDialog(QDialog& dialog, Album& album) {
+    constexpr int kCount = 1;
+    constexpr int kGreater = 1;
+    album.take(dialog, QStringLiteral("filter"));
+    chooseEntry(dialog, "field", kCount);
+    chooseEntry(dialog, "operation", kGreater);
+    if (auto* value = dialog.findChild<QLineEdit*>(QStringLiteral("value")))
+        value->setText(QStringLiteral("1"));
+    press(dialog, "addCondition");
+    album.take(dialog, QStringLiteral("filter-conditions"));
+    press(dialog, "code");
+    album.take(dialog, QStringLiteral("filter-code"));
+    press(dialog, "editMode");
+    auto* box = dialog.findChild<QPlainTextEdit*>(QStringLiteral("expression"));
+    const QString code = box ? box->toPlainText() : QString();
+    if (box)
+        box->setPlainText(QStringLiteral("lower(`Value`) = 'abc'\nor `Count` > 1000"));
+    settle();
+    album.take(dialog, QStringLiteral("filter-edit"));
+    QTimer::singleShot(kSettleMilliseconds, &dialog, [&dialog, &album] {
+        QWidget* functions = QApplication::activeModalWidget();
+        if (!functions || functions == &dialog)
+            return;
+        album.take(*functions, QStringLiteral("filter-functions"));
+        functions->close();
+    });
+    press(dialog, "functions");
+    if (box)
+        box->setPlainText(code);
+    dialog.accept();
+}
+
+void takeFilter(ShellWindow& window, Veldra::Solenne::Tavix::TavixHost& host, Album& album) {
+    const auto* pane = window.findChild<QWidget*>(QStringLiteral("reportPane"));
+    auto* strip = pane ? pane->findChild<QTabBar*>(QStringLiteral("tabStrip")) : nullptr;
+    if (!strip)
+        return;
+    strip->setCurrentIndex(1);
+    settle(kPaintMilliseconds);
+    if (host.ExecuteUpdateUICommand(static_cast<int>(CommandId::Filter)).Enabled) {
+        QTimer::singleShot(kSettleMilliseconds, qApp, [&album] {
+            if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
+                takeFilterDialog(*dialog, album);
+        });
+        host.ExecuteCommand(static_cast<int>(CommandId::Filter));
+        settle(kPaintMilliseconds);
+        album.take(window, QStringLiteral("field-filtered"));
+        host.ExecuteCommand(static_cast<int>(CommandId::StopFiltering));
+    }
+    strip->setCurrentIndex(0);
+}
+
 void takeNavigatorPages(ShellWindow& window, Album& album) {
     auto* navigator = window.findChild<QWidget*>(QStringLiteral("navigator"));
     auto* tabs = navigator ? navigator->findChild<QTabBar*>() : nullptr;
@@ -153,6 +221,7 @@ bool takeScreenshots(ShellWindow& window, Veldra::Solenne::Tavix::TavixHost& hos
         return album.ok();
     settle();
     takeNavigatorPages(window, album);
+    takeFilter(window, host, album);
     if (!host.ExecuteUpdateUICommand(static_cast<int>(CommandId::ToggleTableInformation)).Checked)
         host.ExecuteCommand(static_cast<int>(CommandId::ToggleTableInformation));
     settle();

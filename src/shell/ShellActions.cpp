@@ -92,6 +92,8 @@ void ShellActions::makeActions() {
     // One of the two at a time is enabled.
     for (const CommandId note : {CommandId::AddTableNote, CommandId::AddFieldNote})
         command(note)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N));
+    command(CommandId::Filter)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
+    command(CommandId::StopFiltering)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F));
     command(CommandId::NarrowNavigator)->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Left));
     command(CommandId::WidenNavigator)->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Right));
     command(CommandId::NarrowTableInformation)->setShortcut(QKeySequence(Qt::ALT | Qt::SHIFT | Qt::Key_Right));

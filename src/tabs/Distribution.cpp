@@ -38,6 +38,7 @@ Distribution readValueDistribution(ProfileCursor& rows, std::int64_t limit, std:
         distribution.entries.push_back({rows.getColumnValue(layout::FreqValue), count});
         add(shown, count);
     }
+    distribution.warning = rows.getWarning().str();
     distribution.total = knownTotal.value_or(all);
     distribution.other = distribution.total > shown ? distribution.total - shown : 0;
     return distribution;
@@ -53,6 +54,7 @@ Distribution readPatternDistribution(ProfileCursor& rows, std::int64_t limit) {
         else
             distribution.entries.push_back({rows.getColumnValue(layout::PatternText), count});
     }
+    distribution.warning = rows.getWarning().str();
     return distribution;
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace tavix {
@@ -17,6 +18,7 @@ struct Distribution {
     std::vector<Entry> entries;
     std::int64_t total = 0; ///< of all counts: what percentages are a share of
     std::int64_t other = 0; ///< the count of the "Other" row; there is none for 0
+    std::string warning;    ///< of rows that a filter left out for another reason than its condition; "" without
 };
 
 /// The first `limit` values of a getFreqDist cursor. With the known total of the field the walk stops there; without

@@ -22,6 +22,8 @@ class DistributionRows : public ListRows {
     [[nodiscard]] std::int64_t GetOtherRow() const;
     /// What the percentages are a share of.
     [[nodiscard]] std::int64_t GetTotal() const { return m_distribution.total; }
+    /// Of rows for which the filter could not be evaluated; "" without.
+    [[nodiscard]] const std::string& GetWarning() const { return m_distribution.warning; }
 
   protected:
     /// The count's column, after those of the value; the percentage follows it.

@@ -5,10 +5,12 @@
 #include "base/LibraryDate.h"
 #include "repository/RunWriter.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <map>
 
 namespace tavix {
 namespace {
@@ -177,8 +179,6 @@ TEST_F(PrViewerTest, ReadsDistributions) {
     ASSERT_TRUE(ids && ids->next());
     EXPECT_EQ(ids->getColumnInt(layout::FreqValue), 1);
     EXPECT_EQ(ids->getColumnDouble(layout::FreqCount), 1.0);
-    expectFailure(!m_viewer->getFreqDist(field("customers/id"), "value = 1"),
-                  "Filters are not available in this version.");
     expectFailure(!m_viewer->getFreqDist(999, ""), "There is no field with the number 999.");
     EXPECT_EQ(m_viewer->getFreqDistCount(999), -1);
     // Collections show fields of other reports.
@@ -236,12 +236,38 @@ TEST_F(PrViewerTest, WhatIsNotBuiltSaysSo) {
     unavailable(!m_viewer->getRdaResults(1, 1, 2));
     unavailable(!m_viewer->drillDown(1, "x", true, nullptr, nullptr));
     unavailable(!m_viewer->generatePKFKAnalysis(1, 2));
-    unavailable(m_viewer->getFunctionCount() == -1);
-    unavailable(!m_viewer->getFunctionInfo(0, text, text, letter, text, number, number));
     unavailable(!m_viewer->getDrilldownInfo(1, text, text, text, text, text, letter, text, text, number, text));
     EXPECT_THAT(read(m_viewer->getAlerts()), IsEmpty());
     EXPECT_FALSE(m_viewer->getAlertProperties(1));
     EXPECT_THAT(read(m_viewer->getTaskList(m_sample.salesJob)), IsEmpty());
+}
+
+TEST_F(PrViewerTest, ListsTheFunctionsOfTheLanguage) {
+    auto viewer = PrViewer::create();
+    KvbString name;
+    KvbString parameters;
+    KvbString description;
+    char result = 0;
+    int count1 = 0;
+    int count2 = 0;
+    std::map<std::string, std::string> signatures;
+    for (int index = 0; index < viewer->getFunctionCount(); ++index) {
+        ASSERT_TRUE(viewer->getFunctionInfo(index, name, parameters, result, description, count1, count2));
+        EXPECT_FALSE(description.isEmpty()) << name.view();
+        EXPECT_EQ(parameters.view().find_first_not_of("abdirsS"), std::string::npos) << name.view();
+        EXPECT_NE(std::string_view("abdirs").find(result), std::string::npos) << name.view();
+        EXPECT_LE(count1, count2);
+        signatures[name.str()] = fmt::format("{}({}) {} {}", result, parameters.view(), count1, count2);
+    }
+    EXPECT_EQ(signatures.size(), static_cast<std::size_t>(viewer->getFunctionCount()));
+    EXPECT_EQ(signatures.at("isnull"), "b(a) 1 1");
+    EXPECT_EQ(signatures.at("left"), "s(si) 2 2");
+    EXPECT_EQ(signatures.at("compare"), "i(ssb) 2 3");
+    EXPECT_EQ(signatures.at("matches"), "b(sS) 2 2");
+    EXPECT_FALSE(viewer->getFunctionInfo(-1, name, parameters, result, description, count1, count2));
+    EXPECT_FALSE(
+        viewer->getFunctionInfo(viewer->getFunctionCount(), name, parameters, result, description, count1, count2));
+    EXPECT_FALSE(viewer->getErrorString().isEmpty());
 }
 
 TEST_F(PrViewerTest, CursorsThatOutliveTheSessionFailAndDoNotCrash) {

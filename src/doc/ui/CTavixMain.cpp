@@ -3,6 +3,7 @@
 #include "doc/ui/CTavixView.h"
 #include "tabs/ui/CFieldView.h"
 #include "tabs/ui/CNoteCategoriesDlg.h"
+#include "tabs/ui/CTabFreqDist.h"
 #include "tabs/ui/CTableView.h"
 
 #include <array>
@@ -40,6 +41,8 @@ std::span<const TavixCommand> CTavixMain::Commands() {
             if (!findCommand(CTableView::CommandRows(), static_cast<int>(row.command.id)))
                 all.push_back(row.command);
         }
+        for (const CommandRow<CTabFreqDist>& row : CTabFreqDist::CommandRows())
+            all.push_back(row.command);
         return all;
     }();
     return kAll;

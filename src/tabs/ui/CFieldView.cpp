@@ -24,12 +24,14 @@ constexpr std::array<CommandRow<CFieldView>, 2> kCommands = {{
 
 CFieldView::CFieldView(CViewSite& site, bool isTornOff, QWidget* parent)
     : CReportView(site, ReportPaneKind::Field, isTornOff, parent),
+      m_values(new CTabFreqDist(site, GetSubject(), isTornOff, itemCode(ReportPaneKind::Field, Frequency))),
+      m_patterns(new CTabFreqDist(site, GetSubject(), isTornOff, itemCode(ReportPaneKind::Field, Patterns))),
       m_notes(new CTabNotes(site, GetSubject(), isTornOff)) {
     setObjectName(QStringLiteral("fieldView"));
     const auto code = [](Tab tab) { return itemCode(ReportPaneKind::Field, tab); };
     AddTab(new CTabColProf(site, GetSubject(), isTornOff, code(ColumnProfiling)), "Column Profiling");
-    AddTab(new CTabFreqDist(site, GetSubject(), isTornOff, code(Frequency)), "Frequency Distribution");
-    AddTab(new CTabFreqDist(site, GetSubject(), isTornOff, code(Patterns)), "Pattern Frequency Distribution");
+    AddTab(m_values, "Frequency Distribution");
+    AddTab(m_patterns, "Pattern Frequency Distribution");
     AddTab(new CTabColProf(site, GetSubject(), isTornOff, code(Percentiles)), "Percentiles");
     AddTab(new CTabColProf(site, GetSubject(), isTornOff, code(Outliers)), "Outliers");
     AddTab(new CTabPKFK(site, GetSubject(), isTornOff), "Primary Key/Foreign Key Analysis");
@@ -39,6 +41,12 @@ CFieldView::CFieldView(CViewSite& site, bool isTornOff, QWidget* parent)
 
 std::span<const CommandRow<CFieldView>> CFieldView::CommandRows() {
     return kCommands;
+}
+
+QString CFieldView::CaptionOf(int index) const {
+    const QString caption = CReportView::CaptionOf(index);
+    const CTabFreqDist* tab = index == Frequency ? m_values : index == Patterns ? m_patterns : nullptr;
+    return tab && tab->IsFiltered() ? tr("%1 (Filtered)").arg(caption) : caption;
 }
 
 int CFieldView::AddToCollection(int collectionId) {

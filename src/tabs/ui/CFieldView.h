@@ -7,6 +7,7 @@
 
 namespace tavix {
 
+class CTabFreqDist;
 class CTabNotes;
 
 /// What is known about a field.
@@ -30,7 +31,12 @@ class CFieldView final : public CReportView {
     void OnDetach();
     [[nodiscard]] bool CanDetach() const { return !IsTornOff(); }
 
+  protected:
+    QString CaptionOf(int index) const override;
+
   private:
+    CTabFreqDist* m_values;
+    CTabFreqDist* m_patterns;
     CTabNotes* m_notes;
 };
 

@@ -30,7 +30,15 @@ CListTab::CListTab(const char* name, CViewSite& site, const ReportSubject& subje
     m_stack->addWidget(m_note);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_stack);
+    layout->setSpacing(0);
+    layout->addWidget(m_stack, 1);
+}
+
+void CListTab::AddAbove(QWidget& widget) {
+    static_cast<QVBoxLayout*>(layout())->insertWidget(0, &widget);
+    const QList<QWidget*> inside = widget.findChildren<QWidget*>();
+    if (!inside.isEmpty())
+        setTabOrder(inside.back(), m_grid);
 }
 
 // The grid must not ask for rows while they are torn down.

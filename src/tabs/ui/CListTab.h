@@ -35,6 +35,8 @@ class CListTab : public CProfTab {
         return kept;
     }
     [[nodiscard]] CUGCtrl& Grid() const { return *m_grid; }
+    /// Puts a widget above the list, and before it for the Tab key. It becomes the tab's.
+    void AddAbove(QWidget& widget);
 
     void Fill(bool isSameObject) final;
     /// Why there is nothing to read for the subject; "" when there is.

@@ -142,6 +142,8 @@ void CReportView::ReadSubjectAgain() {
 
 void CReportView::ShowHeader() {
     m_header->SetText(toQString(titleOf(m_subject)), toQString(detailOf(m_subject)));
+    for (int i = 0; i < GetTabCount(); ++i)
+        m_strip->SetCaption(i, CaptionOf(i));
 }
 
 void CReportView::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) {

@@ -70,6 +70,7 @@ class CReportView : public QWidget, public CReportPane {
   private:
     void ReadSubject(const ReportSelection& selection);
     void ReadSubjectAgain();
+    /// Title and captions.
     void ShowHeader();
     void ShowTab(int index);
     void ShowDetails();

@@ -1,10 +1,27 @@
 #include "tabs/ui/CTabFreqDist.h"
 
+#include "access/PrViewer.h"
+#include "base/ui/QtText.h"
 #include "doc/CTavixDoc.h"
 #include "doc/Settings.h"
+#include "filter/ExpressionCheck.h"
+#include "filter/FilterMemory.h"
+#include "filter/FilterSummary.h"
+#include "filter/FunctionList.h"
+#include "filter/ValueFilter.h"
+#include "filter/ui/CFilterDlg.h"
 #include "grid/ui/CUGCtrl.h"
 #include "tabs/FreqDistRows.h"
 #include "tabs/PatternDistRows.h"
+#include "tabs/ui/FilterLine.h"
+
+#include <QAction>
+#include <QItemSelectionModel>
+#include <QPointer>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <array>
 
 namespace tavix {
 
@@ -12,21 +29,129 @@ namespace {
 
 constexpr int kFrequencyDistribution = 6;
 
+constexpr std::array<CommandRow<CTabFreqDist>, 2> kCommands = {{
+    {{CommandId::Filter, "Filter the contents of the report\nFilter..."},
+     &CTabFreqDist::OnFilter,
+     &CTabFreqDist::CanFilter},
+    {{CommandId::StopFiltering, "Stop filtering the report\nStop Filtering"},
+     &CTabFreqDist::OnStopFiltering,
+     &CTabFreqDist::CanStopFiltering},
+}};
+
 } // namespace
 
 CTabFreqDist::CTabFreqDist(CViewSite& site, const ReportSubject& subject, bool isTornOff, int itemCode, QWidget* parent)
     : CListTab(itemCode == kFrequencyDistribution ? "Frequency Distribution" : "Pattern Frequency Distribution", site,
-               subject, isTornOff, parent) {
-    const auto limit = [this] { return readInteger(Site().GetTavixDoc().GetSettings(), Setting::MaxFreqVals); };
-    if (itemCode == kFrequencyDistribution) {
-        auto& rows = ShowRows(std::make_unique<FreqDistRows>());
-        m_fill = [this, limit, &rows](PrViewer& viewer) { return rows.Fill(viewer, *Subject().field, {}, limit()); };
-        m_rows = &rows;
-    } else {
-        auto& rows = ShowRows(std::make_unique<PatternDistRows>());
-        m_fill = [this, limit, &rows](PrViewer& viewer) { return rows.Fill(viewer, Subject().field->id, {}, limit()); };
-        m_rows = &rows;
+               subject, isTornOff, parent),
+      m_kind(itemCode == kFrequencyDistribution ? DistributionKind::Frequency : DistributionKind::Pattern),
+      m_line(new FilterLine(this)),
+      m_filter(new QAction(tr("&Filter..."), this)),
+      m_stop(new QAction(tr("S&top Filtering"), this)),
+      m_keep(new QAction(this)),
+      m_exclude(new QAction(this)) {
+    if (m_kind == DistributionKind::Frequency)
+        m_rows = &ShowRows(std::make_unique<FreqDistRows>());
+    else
+        m_rows = &ShowRows(std::make_unique<PatternDistRows>());
+    AddAbove(*m_line);
+    MakeActions();
+    ShowFilterLine();
+}
+
+void CTabFreqDist::MakeActions() {
+    m_filter->setObjectName(QStringLiteral("filter"));
+    m_stop->setObjectName(QStringLiteral("stopFiltering"));
+    m_keep->setObjectName(QStringLiteral("filterToValue"));
+    m_exclude->setObjectName(QStringLiteral("excludeValue"));
+    auto* separator = new QAction(this);
+    separator->setSeparator(true);
+    Grid().addActions({m_keep, m_exclude, separator, m_filter, m_stop});
+    connect(m_filter, &QAction::triggered, this, &CTabFreqDist::OnFilter);
+    connect(m_stop, &QAction::triggered, this, &CTabFreqDist::OnStopFiltering);
+    connect(m_keep, &QAction::triggered, this, [this] { FilterToSelected(ValueChoice::Keep); });
+    connect(m_exclude, &QAction::triggered, this, [this] { FilterToSelected(ValueChoice::Exclude); });
+    connect(m_line, &FilterLine::EditClicked, this, &CTabFreqDist::OnFilter);
+    connect(m_line, &FilterLine::StopClicked, this, &CTabFreqDist::OnStopFiltering);
+    connect(Grid().selectionModel(), &QItemSelectionModel::selectionChanged, this, &CTabFreqDist::ShowActions);
+}
+
+std::span<const CommandRow<CTabFreqDist>> CTabFreqDist::CommandRows() {
+    return kCommands;
+}
+
+bool CTabFreqDist::ExecuteCommand(int commandId) {
+    return execute(CommandRows(), *this, commandId);
+}
+
+CommandState CTabFreqDist::UpdateCommand(int commandId) const {
+    return stateOf(CommandRows(), *this, commandId);
+}
+
+const std::string& CTabFreqDist::GetFilter() const {
+    static const std::string kNone;
+    const FieldFilters& filters = Site().GetTavixDoc().GetFieldFilters();
+    return Subject().field ? filters.Get(Subject().field->id, m_kind) : kNone;
+}
+
+bool CTabFreqDist::CanFilter() const {
+    return Subject().field && m_loadedField == Subject().field->id && Site().GetTavixDoc().GetViewer();
+}
+
+void CTabFreqDist::OnFilter() {
+    if (!CanFilter())
+        return;
+    CTavixDoc& document = Site().GetTavixDoc();
+    const int field = Subject().field->id;
+    CFilterDlg dialog(document.GetMessages(), document.GetSettings(), m_kind, GetFilter(),
+                      ReadFunctions(*document.GetViewer()), window());
+    const QPointer<CTabFreqDist> alive(this);
+    if (dialog.exec() == QDialog::Accepted && alive)
+        SetFilter(field, dialog.GetFilterText());
+}
+
+void CTabFreqDist::OnStopFiltering() {
+    if (CanStopFiltering())
+        SetFilter(Subject().field->id, {});
+}
+
+void CTabFreqDist::FilterToSelected(ValueChoice choice) {
+    if (!CanFilter())
+        return;
+    std::vector<KvbString> values;
+    for (const std::int64_t row : Grid().GetSelectedRows()) {
+        if (!m_rows->IsOther(row))
+            values.push_back(m_rows->GetValue(row));
     }
+    Messages& messages = Site().GetTavixDoc().GetMessages();
+    Result<std::string> filter = FilterByValues(GetFilter(), m_kind, values, choice);
+    if (!filter)
+        return messages.warn(filter.error().text);
+    // More values than an expression can name, for example.
+    if (const auto error = FindExpressionError(*filter))
+        return messages.warn("These values cannot be filtered:\n\n" + error->message);
+    SetFilter(Subject().field->id, std::move(*filter));
+}
+
+void CTabFreqDist::SetFilter(int fieldId, std::string filter) {
+    CTavixDoc& document = Site().GetTavixDoc();
+    // The filter does its work also when the settings cannot be written.
+    (void)FilterMemory(document.GetSettings()).Remember(m_kind, filter);
+    document.GetFieldFilters().Set(fieldId, m_kind, std::move(filter));
+    Q_EMIT CaptionChanged();
+    SubjectChanged();
+    ShowFilterLine();
+    // The field may also be shown in windows of its own.
+    Site().Broadcast(this, RefreshHint::FilterChanged, fieldId);
+}
+
+void CTabFreqDist::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) {
+    if (hint != RefreshHint::FilterChanged)
+        return CListTab::Refresh(sender, hint, parameter);
+    if (!Subject().field || Subject().field->id != parameter || m_appliedFilter == GetFilter())
+        return;
+    Q_EMIT CaptionChanged();
+    SubjectChanged();
+    ShowFilterLine();
 }
 
 bool CTabFreqDist::RefillsOn(RefreshHint hint) const {
@@ -39,12 +164,68 @@ std::string CTabFreqDist::GetObstacle() const {
 }
 
 bool CTabFreqDist::FillRows(PrViewer& viewer) {
-    return m_fill(viewer);
+    const FieldRecord& field = *Subject().field;
+    const std::int64_t limit = readInteger(Site().GetTavixDoc().GetSettings(), Setting::MaxFreqVals);
+    m_appliedFilter = GetFilter();
+    const KvbString filter(m_appliedFilter);
+    const bool filled = m_kind == DistributionKind::Frequency
+                            ? static_cast<FreqDistRows&>(*m_rows).Fill(viewer, field, filter, limit)
+                            : static_cast<PatternDistRows&>(*m_rows).Fill(viewer, field.id, filter, limit);
+    // A filter that fails must be there to be corrected.
+    if (filled || IsFiltered())
+        m_loadedField = field.id;
+    m_failure = filled ? std::string() : viewer.getErrorString().str();
+    ShowFilterLine();
+    return filled;
 }
 
 void CTabFreqDist::RowsChanged() {
     Grid().setContextMenuPolicy(!IsTornOff() && !m_rows->IsPlaceholder() ? Qt::DefaultContextMenu
                                                                          : Qt::PreventContextMenu);
+    ShowFilterLine();
+    ShowActions();
+}
+
+void CTabFreqDist::ShowFilterLine() {
+    const bool hadFocus = m_line->isAncestorOf(focusWidget()) && m_line->isVisible();
+    m_line->setVisible(IsFiltered());
+    if (!IsFiltered()) {
+        if (hadFocus)
+            Grid().setFocus();
+        return;
+    }
+    const QString summary = tr("Only rows with: %1").arg(toQString(FilterSummary(GetFilter())));
+    if (!m_failure.empty())
+        m_line->ShowText(tr("The filter cannot be applied: %1").arg(toQString(m_failure)), true);
+    else if (!m_rows->GetWarning().empty())
+        m_line->ShowText(QStringLiteral("%1  %2").arg(toQString(m_rows->GetWarning()), summary), true);
+    else
+        m_line->ShowText(summary, false);
+}
+
+void CTabFreqDist::ShowActions() {
+    const std::vector<std::int64_t> selected = Grid().GetSelectedRows();
+    // "Other" stands for no value that could be named.
+    const bool hasOther = m_rows->GetOtherRow() >= 0 && std::any_of(selected.begin(), selected.end(),
+                                                                    [this](auto row) { return m_rows->IsOther(row); });
+    const bool canChoose = CanFilter() && !selected.empty() && !hasOther && !m_rows->IsPlaceholder();
+    const bool several = selected.size() > 1;
+    if (m_kind == DistributionKind::Frequency) {
+        m_keep->setText(several ? tr("Filter to T&hese Values") : tr("Filter to T&his Value"));
+        m_exclude->setText(several ? tr("&Exclude These Values") : tr("&Exclude This Value"));
+    } else {
+        m_keep->setText(several ? tr("Filter to T&hese Patterns") : tr("Filter to T&his Pattern"));
+        m_exclude->setText(several ? tr("&Exclude These Patterns") : tr("&Exclude This Pattern"));
+    }
+    m_keep->setEnabled(canChoose);
+    m_exclude->setEnabled(canChoose);
+    m_filter->setEnabled(CanFilter());
+    m_stop->setEnabled(CanStopFiltering());
+}
+
+QWidget* CTabFreqDist::GetLastTabStop() {
+    QWidget* last = CListTab::GetLastTabStop();
+    return last || !m_line->isVisibleTo(this) ? last : m_line->GetLastTabStop();
 }
 
 } // namespace tavix

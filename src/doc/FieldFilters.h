@@ -1,0 +1,33 @@
+#pragma once
+
+#include "doc/DistributionKind.h"
+
+#include <map>
+#include <string>
+#include <utility>
+
+namespace tavix {
+
+/// The filter texts of a report's fields, one for each distribution. A field's id names the same field in every run, so
+/// a filter stays while its user goes from run to run to compare what it leaves; another report begins without any.
+class FieldFilters {
+  public:
+    /// "" for no filter. Valid until the next Set.
+    [[nodiscard]] const std::string& Get(int fieldId, DistributionKind kind) const {
+        static const std::string kNone;
+        const auto found = m_texts.find({fieldId, kind});
+        return found == m_texts.end() ? kNone : found->second;
+    }
+    void Set(int fieldId, DistributionKind kind, std::string text) {
+        if (text.empty())
+            m_texts.erase({fieldId, kind});
+        else
+            m_texts[{fieldId, kind}] = std::move(text);
+    }
+    void Clear() { m_texts.clear(); }
+
+  private:
+    std::map<std::pair<int, DistributionKind>, std::string> m_texts;
+};
+
+} // namespace tavix

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "base/Result.h"
+#include "filter/FunctionTexts.h"
+
+#include <vector>
+
+namespace tavix {
+
+class PrViewer;
+
+/// The functions of the expression language as the repository library lists them; fails with its text.
+[[nodiscard]] Result<std::vector<FilterFunction>> ReadFunctions(PrViewer& viewer);
+
+} // namespace tavix

@@ -1,0 +1,41 @@
+#include "filter/ExpressionCheck.h"
+
+#include <gtest/gtest.h>
+
+namespace tavix {
+namespace {
+
+TEST(ExpressionCheck, tellsWhereAnExpressionIsWrong) {
+    for (const char* good : {"", "`Count` > 10", "/*{{BEGIN CONDITIONS\r\n}}END CONDITIONS*/\r\n`Value` == 'a'",
+                             "if isnull(`Value`) then\n   return false\nelse\n   return true\n"})
+        EXPECT_FALSE(FindExpressionError(good)) << good;
+    struct Case {
+        const char* text;
+        int line;
+        int column;
+    };
+    for (const Case& each : {Case{" ", 1, 1}, Case{"`Count` > 10 and\n  nofunction(`Value`)", 2, 3},
+                             Case{"'Ä€😀' == `Vlaue`", 1, 10}, Case{"lower(`Value`) == 'a\\'", 1, 19}}) {
+        const auto error = FindExpressionError(each.text);
+        ASSERT_TRUE(error) << each.text;
+        EXPECT_EQ(each.line, error->line) << each.text;
+        EXPECT_EQ(each.column, error->column) << each.text;
+        EXPECT_FALSE(error->message.empty());
+    }
+}
+
+TEST(ExpressionCheck, findsTheNameThatIsBeingWritten) {
+    const struct {
+        const char* written;
+        const char* name;
+    } cases[] = {{"", ""},       {"lo", "lo"},         {"not LoW", "LoW"},     {"lower(", ""},
+                 {"'left", ""},  {"'a' == le", "le"},  {"'it\\'s le", ""},     {"'a\\\\' le", ""},
+                 {"`Val", ""},   {"`Value` le", "le"}, {"/* le", ""},          {"/* a */le", "le"},
+                 {"/*/ le", ""}, {"12e", ""},          {"x < 10 or ri", "ri"}, {"If", ""},
+                 {"ifn", "ifn"}, {"has_c", "has_c"},   {"`a``b` le", "le"},    {"4 / le", "le"}};
+    for (const auto& each : cases)
+        EXPECT_EQ(each.name, NameBeingWritten(each.written)) << each.written;
+}
+
+} // namespace
+} // namespace tavix

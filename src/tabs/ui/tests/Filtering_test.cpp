@@ -1,0 +1,319 @@
+#include "access/PrViewer.h"
+#include "base/tests/ScriptedMessages.h"
+#include "base/tests/TempFolder.h"
+#include "base/ui/QtText.h"
+#include "doc/CTavixDoc.h"
+#include "filter/FilterMemory.h"
+#include "filter/ui/CFilterDlg.h"
+#include "grid/ui/CUGCtrl.h"
+#include "support/SampleRepository.h"
+#include "tabs/ui/CFieldView.h"
+#include "tabs/ui/CTabFreqDist.h"
+#include "tabs/ui/FilterLine.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTabBar>
+#include <QTest>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+namespace tavix {
+namespace {
+
+constexpr int kFilter = 32832;
+constexpr int kStopFiltering = 32834;
+
+class Site final : public CViewSite, public DocumentFrame {
+  public:
+    Site(SettingsStore& settings, Messages& messages) : document(*this, settings, messages) {}
+
+    CTavixDoc& GetTavixDoc() override { return document; }
+    [[nodiscard]] bool IsLoading() const override { return false; }
+    [[nodiscard]] NavigatorPage GetMode() const override { return NavigatorPage::Tables; }
+    [[nodiscard]] const ReportSelection& GetSelection() const override { return selection; }
+    void SelectionChanged(NavigatorPage, const ReportSelection&) override {}
+    bool SelectField(int) override { return false; }
+    bool Navigate(const NavigateRequest&) override { return false; }
+    [[nodiscard]] std::string GetDetailsText(const ReportSelection&) override { return {}; }
+    void Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) override {
+        for (CRefreshItem* item : listeners)
+            item->Refresh(sender, hint, parameter);
+    }
+    void SetLoading(bool) override {}
+    void Broadcast(RefreshHint hint) override { Broadcast(nullptr, hint, 0); }
+
+    std::vector<CRefreshItem*> listeners;
+    ReportSelection selection;
+    CTavixDoc document;
+};
+
+/// A field on the screen, and hands.
+class Filtering : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(m_site.document.OpenReport(m_sample.path, m_sample.salesJob));
+        select("name");
+        m_view = std::make_unique<CFieldView>(m_site, false);
+        m_site.listeners.push_back(m_view.get());
+        m_view->resize(900, 500);
+        m_view->show();
+        QApplication::setActiveWindow(m_view.get());
+        ASSERT_TRUE(QTest::qWaitForWindowActive(m_view.get()));
+        m_view->SelectTab(CFieldView::Frequency);
+    }
+    void select(const std::string& field) {
+        m_site.selection = {};
+        m_site.selection.kind = ReportSelection::Kind::Table;
+        m_site.selection.table.id = m_sample.tables.at("customers");
+        m_site.selection.fieldId = m_sample.fields.at("customers/" + field);
+        if (m_view)
+            m_view->ShowSelection();
+    }
+    CTabFreqDist& tab() { return dynamic_cast<CTabFreqDist&>(m_view->GetTab(m_view->GetCurrentTab())); }
+    CUGCtrl& grid() { return *tab().findChild<CUGCtrl*>(); }
+    /// The rows as they are copied.
+    std::string rows(CUGCtrl& grid) {
+        std::string text;
+        for (int row = 0; row < grid.model()->rowCount(); ++row) {
+            for (int column = 0; column < grid.model()->columnCount(); ++column)
+                text += toUtf8(grid.model()->index(row, column).data().toString()) + '|';
+            text += '\n';
+        }
+        return text;
+    }
+    std::string rows() { return rows(grid()); }
+    std::string caption(int index) {
+        return toUtf8(m_view->findChild<QTabBar*>(QStringLiteral("tabStrip"))->tabText(index));
+    }
+    /// "" while it is not there.
+    std::string line(CTabFreqDist& tab) {
+        auto* line = tab.findChild<FilterLine*>();
+        return line->isVisible() ? toUtf8(line->findChild<QLabel*>()->accessibleName()) : "";
+    }
+    std::string line() { return line(tab()); }
+    /// What of filter and stop can be done.
+    std::string commands() {
+        const CommandState filter = m_view->UpdateCommand(kFilter);
+        const CommandState stop = m_view->UpdateCommand(kStopFiltering);
+        EXPECT_TRUE(filter.handled && stop.handled);
+        return std::string(filter.enabled ? "filter " : "") + (stop.enabled ? "stop" : "");
+    }
+    QAction& action(const char* name) { return *tab().findChild<QAction*>(QLatin1String(name)); }
+    void choose(const std::vector<int>& chosen, const char* name) {
+        grid().clearSelection();
+        for (const int row : chosen)
+            grid().selectionModel()->select(grid().model()->index(row, 0),
+                                            QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        ASSERT_TRUE(action(name).isEnabled());
+        action(name).trigger();
+    }
+    void set(const std::string& filter) {
+        m_site.document.GetFieldFilters().Set(m_site.selection.fieldId, DistributionKind::Frequency, filter);
+    }
+    void shoot(const char* name) {
+        const QString folder = qEnvironmentVariable("TAVIX_SHOTS");
+        QCoreApplication::processEvents();
+        if (!folder.isEmpty())
+            m_view->grab().save(QStringLiteral("%1/%2.png").arg(folder, QLatin1String(name)));
+    }
+
+    testing::TempFolder m_folder;
+    testing::SampleRepository m_sample = testing::SampleRepository::build(m_folder.file("sample.tavix"));
+    std::unique_ptr<SettingsStore> m_settings = makeMemorySettings();
+    testing::ScriptedMessages m_messages;
+    Site m_site{*m_settings, m_messages};
+    std::unique_ptr<CFieldView> m_view;
+};
+
+TEST_F(Filtering, goesByTheDialogAndTheListSaysSo) {
+    EXPECT_EQ("filter ", commands());
+    EXPECT_EQ("Frequency Distribution", caption(CFieldView::Frequency));
+    const std::string all = rows();
+    const auto withDialog = [](const std::function<void(QDialog&)>& act) {
+        QTimer::singleShot(0, qApp, [act] {
+            auto* dialog = qobject_cast<CFilterDlg*>(QApplication::activeModalWidget());
+            ASSERT_NE(nullptr, dialog);
+            act(*dialog);
+        });
+    };
+    withDialog([](QDialog& dialog) {
+        EXPECT_EQ("Frequency value", toUtf8(dialog.findChild<QComboBox*>(QStringLiteral("field"))->itemText(0)));
+        dialog.findChild<QComboBox*>(QStringLiteral("field"))->setCurrentIndex(1);
+        dialog.findChild<QComboBox*>(QStringLiteral("operation"))->setCurrentIndex(1);
+        dialog.findChild<QLineEdit*>(QStringLiteral("value"))->setText(QStringLiteral("299"));
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("addCondition")), Qt::LeftButton);
+        dialog.accept();
+    });
+    EXPECT_TRUE(m_view->ExecuteCommand(kFilter));
+    // Shares are of what passes.
+    EXPECT_EQ("Ada|400|56.98|\nGrace|302|43.02|\n", rows());
+    EXPECT_EQ("Frequency Distribution (Filtered)", caption(CFieldView::Frequency));
+    EXPECT_EQ("Pattern Frequency Distribution", caption(CFieldView::Patterns));
+    EXPECT_EQ("Only rows with: Count greater than 299", line());
+    EXPECT_EQ("filter stop", commands());
+    shoot("filtered");
+    m_view->SelectTab(CFieldView::Patterns);
+    EXPECT_EQ("filter ", commands());
+    EXPECT_EQ("", line());
+    m_view->SelectTab(CFieldView::Frequency);
+
+    // It opens again as it is, and Cancel changes nothing.
+    withDialog([](QDialog& dialog) {
+        EXPECT_EQ("Count greater than 299", toUtf8(dialog.findChild<QPlainTextEdit*>()->toPlainText()));
+        dialog.reject();
+    });
+    EXPECT_TRUE(m_view->ExecuteCommand(kFilter));
+    EXPECT_EQ("filter stop", commands());
+    EXPECT_EQ(1U, FilterMemory(*m_settings).Recent(DistributionKind::Frequency).size());
+    EXPECT_TRUE(m_view->ExecuteCommand(kStopFiltering));
+    EXPECT_EQ(all, rows());
+    EXPECT_EQ("", line());
+    EXPECT_EQ("Frequency Distribution", caption(CFieldView::Frequency));
+    EXPECT_EQ("filter ", commands());
+}
+
+TEST_F(Filtering, goesByTheValuesThatAreSelected) {
+    EXPECT_FALSE(action("filterToValue").isEnabled());
+    ASSERT_EQ("Ada", toUtf8(grid().model()->index(0, 0).data().toString()));
+    choose({0, 1}, "filterToValue");
+    EXPECT_EQ("Ada|400|56.98|\nGrace|302|43.02|\n", rows());
+    EXPECT_EQ("Only rows with: (Value equal to \"Ada\" OR Value equal to \"Grace\")", line());
+    choose({0}, "excludeValue");
+    EXPECT_EQ("Grace|302|100.00|\n", rows());
+    auto* stop = tab().findChild<QPushButton*>(QStringLiteral("stopFilter"));
+    stop->setFocus();
+    QTest::keyClick(stop, Qt::Key_Space);
+    EXPECT_EQ("", line());
+    EXPECT_TRUE(grid().hasFocus());
+
+    // Null is a value too.
+    const std::string all = rows();
+    int null = 0;
+    while (toUtf8(grid().model()->index(null, 0).data().toString()) != "(null value)")
+        ++null;
+    choose({null}, "excludeValue");
+    EXPECT_EQ("Only rows with: Value is not null", line());
+    EXPECT_EQ(std::string::npos, rows().find("(null value)"));
+    choose({0}, "filterToValue");
+    EXPECT_EQ("Ada|400|100.00|\n", rows());
+    // Nothing is left: the sentence says why, and the way out stays within reach.
+    choose({0}, "excludeValue");
+    EXPECT_EQ("No value passes the filter.", toUtf8(tab().findChild<QLabel*>(QStringLiteral("note"))->text()));
+    EXPECT_EQ(stop, tab().GetLastTabStop());
+    QTest::mouseClick(stop, Qt::LeftButton);
+    EXPECT_EQ(all, rows());
+
+    // A filter that was written as an expression cannot be extended.
+    set("`Count` > 0");
+    tab().SubjectChanged();
+    m_messages.expectWarn("The filter was written as an expression, so that no value can be added to it. Edit the "
+                          "expression, or stop filtering first.");
+    choose({0}, "filterToValue");
+    EXPECT_EQ("Only rows with: `Count` > 0", line());
+}
+
+TEST_F(Filtering, takesNoPartInWhatIsNoValue) {
+    ASSERT_TRUE(m_settings->write("TAVIX", "MaxFreqVals", "2"));
+    select("city");
+    ASSERT_EQ("Other", toUtf8(grid().model()->index(2, 0).data().toString()));
+    grid().SelectRow(2);
+    EXPECT_FALSE(action("filterToValue").isEnabled());
+    grid().SelectRow(1);
+    EXPECT_TRUE(action("filterToValue").isEnabled());
+    EXPECT_EQ("Filter to This Value", toUtf8(action("filterToValue").text().remove(u'&')));
+    grid().selectAll();
+    EXPECT_FALSE(action("excludeValue").isEnabled());
+    m_view->SelectTab(CFieldView::Patterns);
+    grid().SelectRow(0);
+    EXPECT_EQ("Exclude This Pattern", toUtf8(action("excludeValue").text().remove(u'&')));
+    action("filterToValue").trigger();
+    EXPECT_EQ(1, grid().model()->rowCount());
+    EXPECT_EQ("Pattern Frequency Distribution (Filtered)", caption(CFieldView::Patterns));
+    EXPECT_EQ("Frequency Distribution", caption(CFieldView::Frequency));
+    // A field without the distribution has nothing to filter, and a run without the field neither.
+    select("remark");
+    EXPECT_FALSE(action("filterToValue").isEnabled());
+    m_site.document.Clear();
+    m_site.Broadcast(RefreshHint::DocumentReset);
+    EXPECT_EQ("", commands());
+}
+
+TEST_F(Filtering, staysWithItsFieldOverRunsAndEndsWithTheReport) {
+    choose({1}, "filterToValue");
+    EXPECT_EQ("Grace|302|100.00|\n", rows());
+    select("city");
+    EXPECT_EQ("Frequency Distribution", caption(CFieldView::Frequency));
+    EXPECT_EQ("", line());
+    select("name");
+    EXPECT_EQ("Frequency Distribution (Filtered)", caption(CFieldView::Frequency));
+    EXPECT_EQ("Grace|302|100.00|\n", rows());
+    ASSERT_TRUE(m_site.document.SetCurrentJob(m_sample.salesRuns[0]));
+    EXPECT_EQ("Grace|300|100.00|\n", rows());
+    EXPECT_EQ("Frequency Distribution (Filtered)", caption(CFieldView::Frequency));
+    EXPECT_EQ("Only rows with: Value equal to \"Grace\"", line());
+    ASSERT_TRUE(m_site.document.OpenReport(m_sample.path, m_sample.salesJob));
+    m_site.Broadcast(RefreshHint::RunLoaded);
+    EXPECT_EQ("Frequency Distribution", caption(CFieldView::Frequency));
+    EXPECT_EQ("", line());
+}
+
+TEST_F(Filtering, isTheSameInEveryWindowOfTheField) {
+    CFieldView torn(m_site, true);
+    m_site.listeners.push_back(&torn);
+    torn.resize(900, 500);
+    torn.show();
+    torn.Refresh(nullptr, RefreshHint::RunLoaded, 0);
+    torn.SelectTab(CFieldView::Frequency);
+    auto& other = dynamic_cast<CTabFreqDist&>(torn.GetTab(CFieldView::Frequency));
+    const int busy = m_messages.busyCount();
+    choose({0}, "filterToValue");
+    EXPECT_EQ(busy + 2, m_messages.busyCount());
+    EXPECT_EQ("Ada|400|100.00|\n", rows(*other.findChild<CUGCtrl*>()));
+    EXPECT_EQ("Only rows with: Value equal to \"Ada\"", line(other));
+    QTest::mouseClick(other.findChild<QPushButton*>(QStringLiteral("stopFilter")), Qt::LeftButton);
+    EXPECT_EQ("", line());
+    EXPECT_EQ(rows(*other.findChild<CUGCtrl*>()), rows());
+    EXPECT_EQ("Frequency Distribution", caption(CFieldView::Frequency));
+    m_site.listeners.pop_back();
+}
+
+TEST_F(Filtering, thatFailsLeavesWhatIsShownAndCanBeCorrected) {
+    const std::string shown = rows();
+    set("`Count` > ");
+    PrViewer& viewer = *m_site.document.GetViewer();
+    EXPECT_FALSE(viewer.getFreqDist(m_site.selection.fieldId, "`Count` > "));
+    const std::string reason = viewer.getErrorString().str();
+    const std::string message = "Error occurred while retrieving frequency distribution:\n\n" + reason;
+    m_messages.expectWarn(message);
+    tab().SubjectChanged();
+    QApplication::processEvents();
+    EXPECT_EQ(0U, m_messages.pending());
+    EXPECT_EQ(shown, rows());
+    EXPECT_EQ("The filter cannot be applied: " + reason, line());
+    EXPECT_EQ("filter stop", commands());
+    shoot("filter-fails");
+    // Also when nothing could be shown before.
+    select("city");
+    m_messages.expectWarn(message);
+    select("name");
+    QApplication::processEvents();
+    EXPECT_EQ("filter stop", commands());
+    EXPECT_TRUE(m_view->ExecuteCommand(kStopFiltering));
+    EXPECT_EQ(shown, rows());
+
+    // Rows that cannot be evaluated are missing, and that is told.
+    set("`Count` * 9223372036854775807 > 0");
+    tab().SubjectChanged();
+    EXPECT_NE(std::string::npos, line().find("`Count` * 9223372036854775807 > 0")) << line();
+    EXPECT_FALSE(line().starts_with("Only rows with")) << line();
+}
+
+} // namespace
+} // namespace tavix
