@@ -5,6 +5,7 @@
 #include "cli/Console.h"
 #include "cli/DeleteHistoryCommand.h"
 #include "cli/FieldsCommand.h"
+#include "cli/FunctionsCommand.h"
 #include "cli/HelpFormatter.h"
 #include "cli/Interruption.h"
 #include "cli/JobsCommand.h"
@@ -57,6 +58,7 @@ Commands makeCommands() {
     commands.push_back(std::make_unique<FieldsCommand>());
     commands.push_back(std::make_unique<ShowCommand>());
     commands.push_back(std::make_unique<NotesCommand>());
+    commands.push_back(std::make_unique<FunctionsCommand>());
     commands.push_back(std::make_unique<DeleteHistoryCommand>());
     return commands;
 }

@@ -1,8 +1,12 @@
 #include "cli/FieldLists.h"
 
 #include "access/Layouts.h"
+#include "base/NumberText.h"
+#include "cli/CommandError.h"
+#include "cli/Console.h"
 #include "cli/DateText.h"
 #include "cli/FieldTypes.h"
+#include "cli/Interruption.h"
 #include "cli/Session.h"
 
 #include <fmt/format.h>
@@ -74,7 +78,7 @@ std::string titleOf(std::string_view what, const FieldEntry& field, std::int64_t
     return title;
 }
 
-/// What `count` is a share of: every row of the table.
+/// `rows` is what `count` is a share of.
 KvbDatavar percentOf(std::int64_t count, std::int64_t rows) {
     return rows > 0 ? KvbDatavar(100.0 * static_cast<double>(count) / static_cast<double>(rows)) : KvbDatavar();
 }
@@ -87,9 +91,73 @@ Column::Kind valueKind(const FieldEntry& field) {
     return isNumericTypeCode(field.typeCode) ? Column::Kind::Number : Column::Kind::Text;
 }
 
-std::int64_t rowsOf(Session& session, const FieldEntry& field) {
-    const std::int64_t rows = session.viewer().getFreqDistSum(field.id);
-    session.check(rows >= 0);
+/// One of the two distributions of a field.
+struct DistributionAccess {
+    ProfileCursorHandle (PrViewer::*open)(int field, const KvbString& filter);
+    int (PrViewer::*count)(int field);
+    int countColumn;
+};
+
+constexpr DistributionAccess kValues{&PrViewer::getFreqDist, &PrViewer::getFreqDistCount, layout::FreqCount};
+constexpr DistributionAccess kPatterns{&PrViewer::getPatternDist, &PrViewer::getPatternDistCount,
+                                       layout::PatternCountColumn};
+
+/// The rows to be listed, and what percentages are a share of.
+struct ChosenRows {
+    ProfileCursorHandle cursor;
+    std::int64_t count = 0; ///< of rows, whatever the limit
+    std::int64_t total = 0; ///< of their counts; without a filter, all rows of the table
+    std::string title;
+    Column percent;
+};
+
+ChosenRows openAll(Session& session, const FieldEntry& field, const DistributionAccess& access) {
+    PrViewer& viewer = session.viewer();
+    ChosenRows rows;
+    rows.total = viewer.getFreqDistSum(field.id);
+    session.check(rows.total >= 0);
+    rows.count = (viewer.*access.count)(field.id);
+    session.check(rows.count >= 0);
+    rows.cursor = session.checked((viewer.*access.open)(field.id, KvbString("")));
+    rows.percent = {"percent_of_rows", "% of rows", Column::Kind::Number, kPercentPlaces};
+    return rows;
+}
+
+/// Only a second walk lists the rows: the first percentage needs the sum of all.
+ChosenRows openFiltered(Session& session, const FieldEntry& field, const DistributionAccess& access,
+                        const std::string& filter) {
+    PrViewer& viewer = session.viewer();
+    ChosenRows rows;
+    const ProfileCursorHandle sums = (viewer.*access.open)(field.id, filter);
+    if (!sums) {
+        const std::string reason = viewer.getErrorString().str();
+        // What can be read without the filter fails because of it.
+        (void)session.checked((viewer.*access.open)(field.id, KvbString("")));
+        throw CommandError(ExitCode::Usage, reason);
+    }
+    for (; sums->next(); ++rows.count) {
+        stopIfInterrupted();
+        rows.total += saturateToInt64(sums->getColumnDouble(access.countColumn));
+    }
+    if (const KvbString warning = sums->getWarning(); !warning.isNull())
+        say(warning.view());
+    rows.cursor = session.checked((viewer.*access.open)(field.id, filter));
+    rows.percent = {"percent_of_filtered_rows", "% of filtered rows", Column::Kind::Number, kPercentPlaces};
+    return rows;
+}
+
+/// `what` is what the rows are called in the title.
+ChosenRows openRows(Session& session, const FieldEntry& field, const DistributionAccess& access,
+                    const RowChoice& choice, std::string_view what) {
+    const bool isFiltered = !choice.filter.empty();
+    ChosenRows rows =
+        isFiltered ? openFiltered(session, field, access, choice.filter) : openAll(session, field, access);
+    rows.title = titleOf(what, field, choice.limit, rows.count);
+    if (isFiltered) {
+        const int all = (session.viewer().*access.count)(field.id);
+        session.check(all >= 0);
+        rows.title += fmt::format(", filtered: {} of {}", rows.count, all);
+    }
     return rows;
 }
 
@@ -137,42 +205,35 @@ void listMetrics(Session& session, Listing& listing, const FieldEntry& field) {
     listing.end();
 }
 
-void listValues(Session& session, Listing& listing, const FieldEntry& field, std::int64_t limit) {
-    const std::int64_t rows = rowsOf(session, field);
-    const int count = session.viewer().getFreqDistCount(field.id);
-    session.check(count >= 0);
+void listValues(Session& session, Listing& listing, const FieldEntry& field, const RowChoice& choice) {
+    ChosenRows rows = openRows(session, field, kValues, choice, "Values");
     listing.begin({"values",
-                   titleOf("Values", field, limit, count),
-                   {{"value", "Value"},
-                    {"count", "Count", Column::Kind::Number},
-                    {"percent_of_rows", "% of rows", Column::Kind::Number, kPercentPlaces}},
+                   rows.title,
+                   {{"value", "Value"}, {"count", "Count", Column::Kind::Number}, rows.percent},
                    false,
                    kNullValue});
-    const ProfileCursorHandle values = session.checked(session.viewer().getFreqDist(field.id, KvbString("")));
-    for (std::int64_t shown = 0; shown < limit && values->next(); ++shown) {
-        const std::int64_t times = wholeNumber(*values, layout::FreqCount);
-        listing.row(Row{values->getColumnValue(layout::FreqValue), times, percentOf(times, rows)});
+    for (std::int64_t shown = 0; shown < choice.limit && rows.cursor->next(); ++shown) {
+        const std::int64_t times = wholeNumber(*rows.cursor, layout::FreqCount);
+        listing.row(Row{rows.cursor->getColumnValue(layout::FreqValue), times, percentOf(times, rows.total)});
     }
     listing.end();
 }
 
-void listPatterns(Session& session, Listing& listing, const FieldEntry& field, std::int64_t limit) {
-    const std::int64_t rows = rowsOf(session, field);
-    const int count = session.viewer().getPatternDistCount(field.id);
-    session.check(count >= 0);
+void listPatterns(Session& session, Listing& listing, const FieldEntry& field, const RowChoice& choice) {
+    ChosenRows rows = openRows(session, field, kPatterns, choice, "Patterns");
     listing.begin({"patterns",
-                   titleOf("Patterns", field, limit, count),
+                   rows.title,
                    {{"rank", "Rank", Column::Kind::Number},
                     {"pattern", "Pattern"},
                     {"short_form", "Short form"},
                     {"count", "Count", Column::Kind::Number},
-                    {"percent_of_rows", "% of rows", Column::Kind::Number, kPercentPlaces}}});
-    const ProfileCursorHandle patterns = session.checked(session.viewer().getPatternDist(field.id, KvbString("")));
-    for (std::int64_t shown = 0; shown < limit && patterns->next(); ++shown) {
-        const KvbString pattern = patterns->getColumnValue(layout::PatternText);
-        const std::int64_t times = wholeNumber(*patterns, layout::PatternCountColumn);
-        listing.row(Row{wholeNumber(*patterns, layout::PatternRank), pattern,
-                        session.viewer().getAbbreviatedPattern(pattern), times, percentOf(times, rows)});
+                    rows.percent}});
+    const ProfileCursor& patterns = *rows.cursor;
+    for (std::int64_t shown = 0; shown < choice.limit && rows.cursor->next(); ++shown) {
+        const KvbString pattern = patterns.getColumnValue(layout::PatternText);
+        const std::int64_t times = wholeNumber(patterns, layout::PatternCountColumn);
+        listing.row(Row{wholeNumber(patterns, layout::PatternRank), pattern,
+                        session.viewer().getAbbreviatedPattern(pattern), times, percentOf(times, rows.total)});
     }
     listing.end();
 }

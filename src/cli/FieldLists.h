@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <string>
 
 /// The lists that a field's profile consists of. Each is written as one section.
 namespace tavix::cli {
@@ -23,8 +24,14 @@ inline constexpr std::int64_t kNoLimit = std::numeric_limits<std::int64_t>::max(
 void listMetrics(Session& session, Listing& listing, const TableEntry& table, MetricChoice choice);
 /// All metrics of one field, as a record.
 void listMetrics(Session& session, Listing& listing, const FieldEntry& field);
-void listValues(Session& session, Listing& listing, const FieldEntry& field, std::int64_t limit);
-void listPatterns(Session& session, Listing& listing, const FieldEntry& field, std::int64_t limit);
+/// Which rows of a distribution are listed. Rows that the filter text cannot be evaluated for are told on standard
+/// error.
+struct RowChoice {
+    std::int64_t limit = kNoLimit;
+    std::string filter = {}; ///< empty lets all pass
+};
+void listValues(Session& session, Listing& listing, const FieldEntry& field, const RowChoice& choice);
+void listPatterns(Session& session, Listing& listing, const FieldEntry& field, const RowChoice& choice);
 void listPercentiles(Session& session, Listing& listing, const FieldEntry& field, std::int64_t limit);
 void listOutliers(Session& session, Listing& listing, const FieldEntry& field, std::int64_t limit);
 /// What the current run reported while it was made.

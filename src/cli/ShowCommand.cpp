@@ -3,6 +3,7 @@
 #include "access/Layouts.h"
 #include "cli/CommandError.h"
 #include "cli/DateText.h"
+#include "cli/FilterArgument.h"
 #include "cli/RunChoice.h"
 #include "cli/Session.h"
 #include "cli/TablesCommand.h"
@@ -10,6 +11,7 @@
 #include <CLI/App.hpp>
 
 #include <algorithm>
+#include <functional>
 
 namespace tavix::cli {
 
@@ -36,6 +38,11 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
     command->add_flag("--percentiles", m_percentiles, "The percentiles")->group(kLists);
     command->add_flag("--outliers", m_outliers, "The lowest and the highest values")->group(kLists);
     command->add_flag("--log", m_log, "What the run reported while it was made")->group(kLists);
+    command
+        ->add_option("--filter", m_filter,
+                     "Only the values, or patterns, that meet this condition: a \".flt\" file, a text file, or the "
+                     "expression itself, with the fields `Value` and `Count`. Without a list: --values")
+        ->type_name("FILE|TEXT");
     command->add_option("-n,--limit", m_limit, "At most so many rows of each list")
         ->type_name("N")
         ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
@@ -47,6 +54,7 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
                     "  tavix show -R profile.tavix --table airports\n"
                     "  tavix show -R profile.tavix --field airports.state\n"
                     "  tavix show -R profile.tavix --field airports.state --values --format csv -o states.csv\n"
+                    "  tavix show -R profile.tavix --field airports.state --filter 'length(`Value`) != 2'\n"
                     "  tavix show -R profile.tavix --job sales --run 3 --log");
     return command;
 }
@@ -69,11 +77,16 @@ void ShowCommand::checkChoice(const CommonOptions& options) const {
     if (fieldLists > 0 && !m_field)
         throw CommandError(ExitCode::Usage,
                            "values, patterns, percentiles and outliers belong to a field: name it with --field");
+    if (m_filter && !m_field)
+        throw CommandError(ExitCode::Usage, "a filter belongs to the values of a field: name it with --field");
+    if (m_filter && (m_metrics || m_percentiles || m_outliers))
+        throw CommandError(ExitCode::Usage, "a filter applies to --values and --patterns alone: metrics, percentiles "
+                                            "and outliers are those of all rows");
     if (m_metrics && !m_field && !m_table)
         throw CommandError(ExitCode::Usage, "metrics of what? Name a table with --table or a field with --field");
     if (m_log && (m_field || m_table))
         throw CommandError(ExitCode::Usage, "the log belongs to the run: leave --table and --field out");
-    if (options.format == Format::Csv && m_field && fieldLists + m_metrics != 1)
+    if (options.format == Format::Csv && m_field && fieldLists + m_metrics != 1 && !(m_filter && fieldLists == 0))
         throw CommandError(ExitCode::Usage, "a CSV file holds one list: choose one of --metrics, --values, "
                                             "--patterns, --percentiles and --outliers");
     if (options.format == Format::Csv && !m_field && !m_table && !m_log)
@@ -119,30 +132,43 @@ void ShowCommand::showTable(Session& session, const CommonOptions& options) cons
 }
 
 void ShowCommand::showField(Session& session, const CommonOptions& options) const {
-    using List = void (*)(Session&, Listing&, const FieldEntry&, std::int64_t);
     struct Choice {
         bool wanted;
         std::int64_t overview;
-        List list;
+        std::function<void(Listing&, const FieldEntry&, std::int64_t limit)> list;
     };
-    const bool all = !m_metrics && !m_values && !m_patterns && !m_percentiles && !m_outliers;
+    const std::string filter = m_filter ? filterTextOf(*m_filter) : std::string();
+    const bool onlyValues = m_filter && !m_patterns;
+    const bool all = !m_filter && !m_metrics && !m_values && !m_patterns && !m_percentiles && !m_outliers;
     const std::vector<Choice> choices{
         {m_metrics, kNoLimit,
-         [](Session& session_, Listing& listing, const FieldEntry& field, std::int64_t) {
-             listMetrics(session_, listing, field);
+         [&](Listing& listing, const FieldEntry& field, std::int64_t) { listMetrics(session, listing, field); }},
+        {m_values || onlyValues, kOverviewRows,
+         [&](Listing& listing, const FieldEntry& field, std::int64_t limit) {
+             listValues(session, listing, field, {limit, filter});
          }},
-        {m_values, kOverviewRows, listValues},
-        {m_patterns, kOverviewRows, listPatterns},
-        {m_percentiles, kNoLimit, listPercentiles},
-        {m_outliers, kNoLimit, listOutliers},
+        {m_patterns, kOverviewRows,
+         [&](Listing& listing, const FieldEntry& field, std::int64_t limit) {
+             listPatterns(session, listing, field, {limit, filter});
+         }},
+        {m_percentiles, kNoLimit,
+         [&](Listing& listing, const FieldEntry& field, std::int64_t limit) {
+             listPercentiles(session, listing, field, limit);
+         }},
+        {m_outliers, kNoLimit,
+         [&](Listing& listing, const FieldEntry& field, std::int64_t limit) {
+             listOutliers(session, listing, field, limit);
+         }},
     };
     const auto wanted = std::count_if(choices.begin(), choices.end(), [](const Choice& c) { return c.wanted; });
+    // In text only a title can say that the list is not the whole.
+    const bool isTitled = options.format == Format::Text && !filter.empty();
 
     const FieldEntry field = session.field(*m_field, m_table);
-    Listing listing(options, wanted == 1 ? Sections::One : Sections::Several);
+    Listing listing(options, wanted == 1 && !isTitled ? Sections::One : Sections::Several);
     for (const Choice& choice : choices)
         if (all || choice.wanted)
-            choice.list(session, listing, field, limitOr(all ? choice.overview : kNoLimit));
+            choice.list(listing, field, limitOr(all ? choice.overview : kNoLimit));
     listing.finish();
 }
 

@@ -25,6 +25,7 @@ class ShowCommand final : public Command {
     std::optional<int> m_run;
     std::optional<std::string> m_table;
     std::optional<std::string> m_field;
+    std::optional<std::string> m_filter;
     std::optional<std::int64_t> m_limit;
     bool m_metrics = false;
     bool m_values = false;

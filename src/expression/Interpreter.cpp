@@ -129,7 +129,7 @@ Value Interpreter::evaluateOperator(const Node& node, std::span<const Value> row
     case NodeKind::Negate:
         return negate(left, m_scratch);
     case NodeKind::Matches:
-        return Value::ofBoolean(node.matcher->matches(left.text, m_scratch));
+        return Value::ofBoolean(node.matcher->matches(left.text, false, m_scratch));
     default:
         return {};
     }

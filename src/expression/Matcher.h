@@ -16,8 +16,11 @@ class Matcher {
     Matcher& operator=(const Matcher&) = delete;
     virtual ~Matcher() = default;
 
-    /// Tells in `scratch` when it gives up.
-    [[nodiscard]] virtual bool matches(std::string_view text, Scratch& scratch) const = 0;
+    /// `isAscii`: whether the text is known to be ASCII. Tells in `scratch` when it gives up.
+    [[nodiscard]] virtual bool matches(std::string_view text, bool isAscii, Scratch& scratch) const = 0;
+    /// Bytes that every text that matches holds; empty when none are known. Looking for them spares most texts the
+    /// rest.
+    [[nodiscard]] virtual std::string_view requiredPart() const { return {}; }
 };
 
 /// A regular expression that has to match the whole text, in time linear in it; null, with the reason, when the pattern

@@ -25,7 +25,7 @@ class RegularExpression : public Matcher {
 
     [[nodiscard]] bool isGood() const { return m_expression.ok(); }
     [[nodiscard]] const std::string& reason() const { return m_expression.error(); }
-    [[nodiscard]] bool matches(std::string_view text, Scratch& /*scratch*/) const override {
+    [[nodiscard]] bool matches(std::string_view text, bool /*isAscii*/, Scratch& /*scratch*/) const override {
         // Where the pattern begins with fixed characters, order alone decides most texts.
         if (m_hasRange && (text < m_lowest || text > m_highest))
             return false;

@@ -151,7 +151,7 @@ Value matchString(Arguments arguments, Scratch& scratch) {
         scratch.fail("a wildcard pattern is too long");
         return {};
     }
-    return Value::ofBoolean(Wildcard(arguments[1].text).matches(arguments[0].text, scratch));
+    return Value::ofBoolean(Wildcard(arguments[1].text).matches(arguments[0].text, false, scratch));
 }
 
 Value padLeft(Arguments arguments, Scratch& scratch) {

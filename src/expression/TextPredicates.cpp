@@ -89,24 +89,39 @@ class ContainsPredicate : public Predicate {
 
 class MatchPredicate : public Predicate {
   public:
-    explicit MatchPredicate(const Node& node) : m_operand(makeOperand(node.child(0))), m_matcher(*node.matcher) {}
+    explicit MatchPredicate(const Node& node)
+        : m_operand(makeOperand(node.child(0))),
+          m_matcher(*node.matcher),
+          m_required(m_matcher.requiredPart()),
+          m_isWorthSearching(m_required.needle().size() > 1) {}
 
     void narrow(Frame& frame, RowSet& rows, bool wanted) override {
         const Vector& vector = m_operand->evaluate(frame, rows);
         dropNulls(rows, vector);
-        Scratch& scratch = frame.scratch();
-        withTexts(vector, [&](auto texts) {
+        const auto matches = [&](std::uint32_t row, std::string_view text) {
+            const bool isMatch = m_matcher.matches(text, vector.isAscii, frame.scratch());
+            frame.collectFailure(row);
+            return isMatch;
+        };
+        if (m_isWorthSearching && vector.ends && frame.rows() > 0) {
+            const AdjacentTexts texts{vector.bytes, vector.ends};
+            const char* const readable = vector.bytes + vector.ends[frame.rows() - 1];
             rows.keepIf([&](std::uint32_t row) {
-                const bool matches = m_matcher.matches(texts[row], scratch);
-                frame.collectFailure(row);
-                return matches == wanted;
+                const std::string_view text = texts[row];
+                return (m_required.occursIn(text, readable) && matches(row, text)) == wanted;
             });
+            return;
+        }
+        withTexts(vector, [&](auto texts) {
+            rows.keepIf([&](std::uint32_t row) { return matches(row, texts[row]) == wanted; });
         });
     }
 
   private:
     OperandPtr m_operand;
     const Matcher& m_matcher;
+    ByteSearch m_required;
+    bool m_isWorthSearching; ///< a single byte is found in too many texts
 };
 
 PredicatePtr makeListTest(const Node& node) {

@@ -11,6 +11,10 @@ constexpr std::size_t kMostSteps = std::size_t{1} << 26;
 
 constexpr std::string_view kGaveUp = "a text is too long for its wildcard pattern";
 
+bool isSign(char c) {
+    return c == '*' || c == '?';
+}
+
 /// Characters as numbers; a byte of no character becomes a number beyond all characters.
 std::u32string decode(std::string_view text) {
     constexpr char32_t kBytes = 0x110000;
@@ -26,7 +30,10 @@ std::u32string decode(std::string_view text) {
 
 } // namespace
 
-Wildcard::Wildcard(std::string_view pattern) : m_pattern(pattern) {
+Wildcard::Wildcard(std::string_view pattern)
+    : m_pattern(pattern),
+      m_isFirstFixed(!pattern.empty() && !isSign(pattern.front())),
+      m_isLastFixed(!pattern.empty() && !isSign(pattern.back())) {
     std::size_t begin = 0;
     while (true) {
         const std::size_t star = pattern.find('*', begin);
@@ -60,17 +67,29 @@ Wildcard::Piece Wildcard::makePiece(std::string_view bytes) {
             bytes.find('?') != std::string_view::npos};
 }
 
-bool Wildcard::matches(std::string_view text, Scratch& scratch) const {
+bool Wildcard::matches(std::string_view text, bool isAscii, Scratch& scratch) const {
     if (text.size() < m_shortest)
         return false;
-    // A first byte that is fixed decides most texts.
-    const std::string& first = m_pieces.front().bytes;
-    if (!first.empty() && first.front() != '?' && first.front() != text.front())
-        return false;
+    // Bytes at the ends that are fixed decide most texts, and both together, without a branch between, the best.
+    if (m_isFirstFixed || m_isLastFixed) {
+        const bool isFirstRight = !m_isFirstFixed || text.front() == m_pattern.front();
+        const bool isLastRight = !m_isLastFixed || text.back() == m_pattern.back();
+        if (static_cast<int>(isFirstRight) + static_cast<int>(isLastRight) != 2)
+            return false;
+    }
     // Without '?', or where each character is a byte, bytes tell the same as characters.
-    if (!m_hasAnyCharacter || isAscii(text))
+    if (!m_hasAnyCharacter || isAscii || expression::isAscii(text))
         return matchesBytes(text, scratch);
     return matchesCharacters(text, scratch);
+}
+
+std::string_view Wildcard::requiredPart() const {
+    std::string_view longest;
+    for (const Piece& piece : m_pieces) {
+        if (piece.anchor.needle().size() > longest.size())
+            longest = piece.anchor.needle();
+    }
+    return longest;
 }
 
 bool Wildcard::isAt(const Piece& piece, const char* place) {

@@ -15,7 +15,8 @@ class Wildcard final : public Matcher {
   public:
     explicit Wildcard(std::string_view pattern);
 
-    [[nodiscard]] bool matches(std::string_view text, Scratch& scratch) const override;
+    [[nodiscard]] bool matches(std::string_view text, bool isAscii, Scratch& scratch) const override;
+    [[nodiscard]] std::string_view requiredPart() const override;
 
   private:
     /// What stands between two stars: bytes, where '?' stands for one character.
@@ -37,6 +38,8 @@ class Wildcard final : public Matcher {
     std::vector<Piece> m_pieces; ///< those at both ends are bound to the ends of the text
     bool m_hasStar = false;
     bool m_hasAnyCharacter = false;
+    bool m_isFirstFixed = false; ///< whether the first byte of any match is that of the pattern
+    bool m_isLastFixed = false;
     std::size_t m_shortest = 0; ///< bytes that any match has at least
 };
 

@@ -108,6 +108,8 @@ TEST_F(CommandLine, EveryListReadsTheSameInJsonAndCsv) {
         {"show", "--field", "people.id", "--metrics"},
         {"show", "--field", "people.name", "--values"},
         {"show", "--field", "people.name", "--patterns"},
+        {"show", "--field", "people.name", "--filter", "`Value` != 'Bob'"},
+        {"show", "--field", "people.name", "--patterns", "--filter", "`Count` == 1", "--limit", "2"},
         {"show", "--field", "people.id", "--percentiles"},
         {"show", "--field", "people.id", "--outliers"},
     };
@@ -157,6 +159,57 @@ TEST_F(CommandLine, FiguresAreThoseOfTheFile) {
                 AllOf(HasSubstr("(null value)"), HasSubstr("two\\nlines")));
     EXPECT_THAT(run({"show", "--field", "people.note.text", "--values", "--format", "csv", "--spreadsheet"}).out,
                 HasSubstr("\n'=1+1,"));
+}
+
+TEST_F(CommandLine, AFilterLetsSomeRowsPassAndTheListSaysSo) {
+    const std::vector<std::string> show{"show", "--field", "people.city", "--filter"};
+    const auto with = [&](const std::string& filter) {
+        std::vector<std::string> arguments = show;
+        arguments.push_back(filter);
+        return arguments;
+    };
+    const json filtered = asJson(with("not isnull(`Value`)"));
+    ASSERT_EQ(filtered.size(), 2U);
+    EXPECT_EQ(filtered[0]["value"], "Bern");
+    EXPECT_DOUBLE_EQ(filtered[0]["percent_of_filtered_rows"], 200.0 / 3);
+    EXPECT_FALSE(filtered[0].contains("percent_of_rows"));
+    EXPECT_EQ(asJson(with(""))[0]["percent_of_rows"], 50.0) << "an empty filter is none";
+    EXPECT_THAT(asJson(with("false")), IsEmpty());
+    EXPECT_EQ(asJson({"show", "--field", "people.city", "--patterns", "--filter", "`Value` == 'Aaa'"})[0]["rank"], 2);
+    EXPECT_THAT(run(with("`Count` == 1")).out,
+                AllOf(StartsWith("Values of people.city, filtered: 2 of 3\n"), HasSubstr("% of filtered rows")));
+
+    // The block's comment ends early for the language alone.
+    const std::string text = "/*{{BEGIN CONDITIONS\r\nVALUES=\"*/\"\r\n}}END CONDITIONS*/\r\nif isnull(`Value`) "
+                             "then\r\n   return false\r\nelse\r\n   return true\r\n";
+    write("some.FLT", std::string{static_cast<char>(text.size()), 0} + text + "beyond");
+    EXPECT_EQ(asJson(with(m_folder.file("some.FLT"))), filtered);
+    write("some.txt", "\xEF\xBB\xBFnot isnull(`Value`)\n");
+    EXPECT_EQ(asJson(with(m_folder.file("some.txt"))), filtered);
+    write("cut.flt", std::string{100, 0} + text.substr(0, 50));
+    expectFailure(3, with(m_folder.file("cut.flt")), "cut.flt: Invalid or corrupt filter file");
+    expectFailure(2, with("none.flt"), "there is no file \"none.flt\"");
+    expectFailure(3, with("/dev/zero"), "at most");
+    expectFailure(2, with("`Value` ==\n  nix"), "The filter is not understood: line 2, column 3");
+    expectFailure(2, with(std::string(5000, '(')), "The filter is not understood: line 1");
+    expectFailure(2, {"show", "--filter", "true"}, "name it with --field");
+    expectFailure(2, {"show", "--field", "people.city", "--metrics", "--filter", "true"}, "--values and --patterns");
+    const Outcome failing = run(with("9223372036854775806 + `Count` > 5"));
+    EXPECT_EQ(failing.exitCode, 0);
+    EXPECT_THAT(failing.err,
+                HasSubstr("tavix: The filter could not be evaluated for 1 row, which is left out. Row 1:"));
+    EXPECT_THAT(failing.out, HasSubstr("filtered: 2 of 3"));
+}
+
+TEST_F(CommandLine, TheFunctionsOfFiltersAreListed) {
+    const Outcome outcome = runTavix({"functions", "--format", "json"});
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
+    const json functions = json::parse(outcome.out);
+    const auto compare = std::find_if(functions.begin(), functions.end(),
+                                      [](const json& function) { return function["function"] == "compare"; });
+    ASSERT_NE(compare, functions.end());
+    EXPECT_EQ((*compare)["parameters"], "string, string[, boolean]");
+    EXPECT_EQ((*compare)["result"], "integer");
 }
 
 TEST_F(CommandLine, AFieldWithoutAListShowsEverything) {
@@ -324,7 +377,8 @@ TEST_F(CommandLine, HelpAndVersionAreEnough) {
     const Outcome help = runTavix({"--help"});
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_EQ(help.err, "");
-    for (const char* command : {"profile", "jobs", "runs", "tables", "fields", "show", "notes", "delete-history"}) {
+    for (const char* command :
+         {"profile", "jobs", "runs", "tables", "fields", "show", "functions", "notes", "delete-history"}) {
         EXPECT_THAT(help.out, HasSubstr(command));
         const Outcome own = runTavix({command, "--help"});
         EXPECT_EQ(own.exitCode, 0);

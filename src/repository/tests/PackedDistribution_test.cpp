@@ -36,6 +36,16 @@ void expectRoundTrip(const std::vector<ValueCount>& rows, std::size_t blockCount
     for (const Bytes& bytes : blocks) {
         auto block = UnpackedBlock::parse(bytes);
         ASSERT_TRUE(block) << block.error().text;
+        // As columns, from the second row on.
+        std::vector<std::uint64_t> counts(block->rowCount() - 1);
+        block->readCounts(1, counts);
+        for (std::size_t later = 0; later < counts.size(); ++later) {
+            const ValueCount& expected = rows[row + later + 1];
+            ASSERT_EQ(counts[later], expected.count);
+            ASSERT_EQ(block->valueAt(later + 1), expected.value);
+            ASSERT_EQ(block->nullRow() == later + 1, expected.isNull);
+        }
+        ASSERT_EQ(block->ends().back(), block->text().size());
         for (std::size_t inBlock = 0; inBlock < block->rowCount(); ++inBlock, ++row) {
             ValueCount read = block->at(inBlock);
             ASSERT_EQ(read.value, rows[row].value);

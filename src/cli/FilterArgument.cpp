@@ -1,0 +1,71 @@
+#include "cli/FilterArgument.h"
+
+#include "cli/CommandError.h"
+#include "filter/FilterFile.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+
+namespace tavix::cli {
+
+namespace {
+
+/// More than any expression with its condition block; a device has no end at all.
+constexpr std::size_t kLongestFile = std::size_t{4} << 20;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+bool isFilterFileName(const std::string& path) {
+    std::string ending = std::filesystem::path(path).extension().string();
+    for (char& c : ending)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return ending.size() > 1 && ending.substr(1) == kFilterFileExtension;
+}
+
+[[noreturn]] void fail(const std::string& path, std::string_view reason) {
+    throw CommandError(ExitCode::Source, fmt::format("{}: {}", path, reason));
+}
+
+std::string readFilterFile(const std::string& path) {
+    auto file = openFilterToRead(path);
+    if (!file)
+        fail(path, file.error().text);
+    auto text = readFilter(*file);
+    if (!text)
+        fail(path, text.error().text);
+    return std::move(*text);
+}
+
+std::string readTextFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::string text(kLongestFile + 1, '\0');
+    if (file)
+        file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    if (file.bad() || !file.is_open())
+        fail(path, "the filter cannot be read");
+    text.resize(static_cast<std::size_t>(file.gcount()));
+    if (text.size() > kLongestFile)
+        fail(path, fmt::format("a filter has at most {} bytes", kLongestFile));
+    if (text.starts_with(kByteOrderMark))
+        text.erase(0, kByteOrderMark.size());
+    return text;
+}
+
+} // namespace
+
+std::string filterTextOf(const std::string& argument) {
+    // A long expression is no path, and asking for one is an error and not a "no".
+    std::error_code error;
+    const auto status = std::filesystem::status(argument, error);
+    const bool isFile = !error && std::filesystem::exists(status) && !std::filesystem::is_directory(status);
+    if (isFilterFileName(argument)) {
+        if (!isFile)
+            throw CommandError(ExitCode::Usage, fmt::format("there is no file \"{}\"", argument));
+        return readFilterFile(argument);
+    }
+    return isFile ? readTextFile(argument) : argument;
+}
+
+} // namespace tavix::cli

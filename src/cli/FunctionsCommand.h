@@ -1,0 +1,14 @@
+#pragma once
+
+#include "cli/Command.h"
+
+namespace tavix::cli {
+
+/// `tavix functions`: what the expression language of filters offers. Needs no repository.
+class FunctionsCommand final : public Command {
+  public:
+    CLI::App* declare(CLI::App& program) override;
+    void run(const CommonOptions& options) override;
+};
+
+} // namespace tavix::cli
