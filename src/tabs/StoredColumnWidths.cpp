@@ -12,13 +12,16 @@ constexpr int kWidest = 4000;
 
 } // namespace
 
-// Only letters and digits, so that no heading is at odds with the form of the file.
+// Letters and digits stand for themselves, anything else for its number, so that no heading is at odds with the form of
+// the file and no two headings share a width.
 std::string StoredColumnWidths::KeyOf(const std::string& heading) const {
     std::string key = m_grid + ".";
     for (const char c : heading) {
         const bool isPlain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
         if (isPlain)
             key += c;
+        else
+            key += "_" + formatInteger(static_cast<unsigned char>(c)) + "_";
     }
     return key;
 }

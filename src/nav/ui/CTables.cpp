@@ -32,19 +32,18 @@ void collectExpanded(const NavigatorTree& view, TreeModel& model, const QModelIn
 
 } // namespace
 
-CTables::CTables(CViewSite& site, QWidget* parent)
-    : QWidget(parent), m_site(site), m_tabs(new NavigatorTabs(this)), m_stack(new QStackedWidget(this)) {
+CTables::CTables(CViewSite& site, QWidget* parent) : QWidget(parent), m_site(site), m_stack(new QStackedWidget(this)) {
     setObjectName(QStringLiteral("navigator"));
-    m_tabs->setAccessibleName(QStringLiteral("Navigator pages"));
     for (std::size_t i = 0; i < m_pages.size(); ++i) {
-        const QString title = toQString(kPageTitles[i]);
         m_pages[i] = MakePage(static_cast<NavigatorPage>(i));
-        m_pages[i].view->setAccessibleName(title);
-        m_tabs->setTabToolTip(m_tabs->addTab(title), title);
+        m_pages[i].view->setAccessibleName(toQString(kPageTitles[i]));
         m_stack->addWidget(m_pages[i].view);
     }
-    // The tree is where a Tab from outside enters; the row of pages comes after it.
-    setTabOrder(m_pages.back().view, m_tabs);
+    // The tree is where a Tab from outside enters; the row of pages comes after it, as it is made after it.
+    m_tabs = new NavigatorTabs(this);
+    m_tabs->setAccessibleName(QStringLiteral("Navigator pages"));
+    for (const char* title : kPageTitles)
+        m_tabs->setTabToolTip(m_tabs->addTab(toQString(title)), toQString(title));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);

@@ -74,7 +74,7 @@ class CTables final : public QWidget, public CRefreshItem, public CommandTarget 
     bool SelectNode(Page& page, const TreeNode* node);
 
     CViewSite& m_site;
-    NavigatorTabs* m_tabs;
+    NavigatorTabs* m_tabs = nullptr;
     QStackedWidget* m_stack;
     std::array<Page, 3> m_pages;
     SelectionInformation m_information;

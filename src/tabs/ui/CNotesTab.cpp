@@ -69,15 +69,14 @@ CNotesTab::CNotesTab(CViewSite& site, const ReportSubject& subject, bool isTornO
       m_edit(new QAction(tr("&Edit..."), this)),
       m_delete(new QAction(tr("&Delete..."), this)),
       m_categories(new QAction(tr("Ca&tegories..."), this)),
-      m_addFirst(new QPushButton(tr("&Add Note..."), this)),
-      m_count(new QLabel(this)),
-      m_empty(new QLabel(this)),
-      m_stack(new QStackedWidget(this)),
-      m_grid(new CUGCtrl(this)),
-      m_heading(new QLabel(this)),
-      m_text(new QPlainTextEdit(this)),
-      m_splitter(new QSplitter(Qt::Vertical, this)) {
+      m_count(new QLabel(this)) {
     MakeActions();
+    // What is made first is reached first with the keyboard: from the top down.
+    QWidget* tools = MakeToolRow();
+    m_stack = new QStackedWidget(this);
+    m_splitter = new QSplitter(Qt::Vertical, this);
+    m_grid = new CUGCtrl(this);
+    m_grid->addActions({m_edit, m_delete, m_add, m_categories});
     m_grid->setObjectName(QStringLiteral("notes"));
     m_grid->setAccessibleName(tr("Notes"));
     m_grid->SetSource(&m_rows);
@@ -96,7 +95,7 @@ CNotesTab::CNotesTab(CViewSite& site, const ReportSubject& subject, bool isTornO
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(MakeToolRow());
+    layout->addWidget(tools);
     layout->addWidget(m_stack, 1);
 
     connect(m_grid, &CUGCtrl::CurrentRowChanged, this, &CNotesTab::ShowNote);
@@ -129,7 +128,6 @@ void CNotesTab::MakeActions() {
     m_categories->setToolTip(tr("Add, rename and delete categories"));
     for (QAction* action : {m_edit, m_delete})
         action->setShortcutContext(Qt::WidgetShortcut);
-    m_grid->addActions({m_edit, m_delete, m_add, m_categories});
     connect(m_add, &QAction::triggered, this, &CNotesTab::AddNote);
     connect(m_edit, &QAction::triggered, this, [this] { EditNote(m_grid->GetCurrentRow()); });
     connect(m_delete, &QAction::triggered, this, &CNotesTab::DeleteNotes);
@@ -154,6 +152,8 @@ QWidget* CNotesTab::MakeReadingPane() {
     auto* pane = new QWidget(this);
     pane->setAutoFillBackground(true);
     pane->setBackgroundRole(QPalette::Base);
+    m_heading = new QLabel(pane);
+    m_text = new QPlainTextEdit(pane);
     m_heading->setTextFormat(Qt::PlainText);
     m_heading->setWordWrap(true);
     m_text->setObjectName(QStringLiteral("noteText"));
@@ -175,14 +175,15 @@ QWidget* CNotesTab::MakeEmptyPage() {
     auto* page = new QWidget(this);
     page->setAutoFillBackground(true);
     page->setBackgroundRole(QPalette::Base);
+    m_empty = new QLabel(page);
+    // The button above has the letter.
+    m_addFirst = new QPushButton(tr("Add Note..."), page);
     m_empty->setObjectName(QStringLiteral("emptySentence"));
     m_empty->setTextFormat(Qt::PlainText);
     m_empty->setAlignment(Qt::AlignCenter);
     m_empty->setWordWrap(true);
     m_addFirst->setObjectName(QStringLiteral("addFirst"));
     m_addFirst->setAccessibleName(m_add->toolTip());
-    // The button above has the letter.
-    m_addFirst->setText(tr("Add Note..."));
     connect(m_addFirst, &QPushButton::clicked, m_add, &QAction::trigger);
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(2 * kMargin, 2 * kMargin, 2 * kMargin, 2 * kMargin);

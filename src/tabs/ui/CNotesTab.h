@@ -62,15 +62,15 @@ class CNotesTab : public CProfTab {
     QAction* m_edit;
     QAction* m_delete;
     QAction* m_categories;
-    QPushButton* m_addFirst;
     QLabel* m_count;
-    QLabel* m_empty;
-    QStackedWidget* m_stack;
-    QWidget* m_emptyPage;
-    CUGCtrl* m_grid;
-    QLabel* m_heading;
-    QPlainTextEdit* m_text;
-    QSplitter* m_splitter;
+    QStackedWidget* m_stack = nullptr;
+    QSplitter* m_splitter = nullptr;
+    CUGCtrl* m_grid = nullptr;
+    QLabel* m_heading = nullptr;
+    QPlainTextEdit* m_text = nullptr;
+    QWidget* m_emptyPage = nullptr;
+    QLabel* m_empty = nullptr;
+    QPushButton* m_addFirst = nullptr;
 };
 
 } // namespace tavix

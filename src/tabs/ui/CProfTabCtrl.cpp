@@ -2,6 +2,7 @@
 
 #include "base/ui/Theme.h"
 
+#include <QKeyEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QToolButton>
@@ -11,7 +12,8 @@ namespace tavix {
 namespace {
 
 constexpr int kPadding = 8;
-constexpr int kRest = 2; // how much lower a tab begins that is not selected
+constexpr int kNarrowest = 72; // of a tab whose caption is cut
+constexpr int kRest = 2;       // how much lower a tab begins that is not selected
 
 } // namespace
 
@@ -27,6 +29,8 @@ CProfTabCtrl::CProfTabCtrl(QWidget* parent) : QTabBar(parent) {
     for (auto* arrow : findChildren<QToolButton*>()) {
         arrow->setAutoFillBackground(true);
         arrow->setBackgroundRole(QPalette::Base);
+        // The arrow keys do what they do.
+        arrow->setFocusPolicy(Qt::NoFocus);
         arrow->setAccessibleName(arrow->objectName().contains(QLatin1String("Left"))
                                      ? QStringLiteral("Tabs to the left")
                                      : QStringLiteral("Tabs to the right"));
@@ -50,6 +54,18 @@ QSize CProfTabCtrl::tabSizeHint(int index) const {
     bold.setWeight(QFont::DemiBold);
     const QString caption = QString(tabText(index)).remove(u'&');
     return {QFontMetrics(bold).horizontalAdvance(caption) + 2 * kPadding, height()};
+}
+
+QSize CProfTabCtrl::minimumTabSizeHint(int index) const {
+    const QSize whole = tabSizeHint(index);
+    return {qMin(whole.width(), kNarrowest * logicalDpiX() / 96), whole.height()};
+}
+
+void CProfTabCtrl::tabLayoutChange() {
+    for (int i = 0; i < count(); ++i) {
+        const bool isCut = tabRect(i).width() < tabSizeHint(i).width();
+        setTabToolTip(i, isCut ? tabText(i) : QString());
+    }
 }
 
 CProfTabCtrl::Colors CProfTabCtrl::ColorsNow() const {
@@ -77,6 +93,15 @@ void CProfTabCtrl::paintEvent(QPaintEvent*) {
         PaintTab(painter, currentIndex(), colors);
 }
 
+void CProfTabCtrl::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Home)
+        SelectTab(0);
+    else if (event->key() == Qt::Key_End)
+        SelectTab(count() - 1);
+    else
+        QTabBar::keyPressEvent(event);
+}
+
 void CProfTabCtrl::PaintTab(QPainter& painter, int index, const Colors& colors) const {
     const bool selected = index == currentIndex();
     QRect face = tabRect(index);
@@ -97,7 +122,9 @@ void CProfTabCtrl::PaintTab(QPainter& painter, int index, const Colors& colors) 
     painter.setFont(captionFont);
     painter.setPen(colors.text);
     const QRect captionRect = face.adjusted(1, selected ? 2 : 0, -1, 0);
-    painter.drawText(captionRect, Qt::AlignCenter | Qt::TextSingleLine, tabText(index));
+    const int room = captionRect.width() - kPadding;
+    painter.drawText(captionRect, Qt::AlignCenter | Qt::TextSingleLine,
+                     painter.fontMetrics().elidedText(tabText(index), Qt::ElideRight, room));
     if (selected && hasFocus()) {
         QPen dots(colors.text, 1, Qt::DotLine);
         painter.setPen(dots);

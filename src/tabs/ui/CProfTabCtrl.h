@@ -6,7 +6,8 @@
 
 namespace tavix {
 
-/// The strip of tabs at the top of a view: arrow keys, Home and End move along it, a press of the mouse selects.
+/// The strip of tabs at the top of a view: arrow keys, Home and End move along it, a press of the mouse selects. Where
+/// there is not room for all captions the longest are cut, and told by their tips; only then there are arrows.
 class CProfTabCtrl final : public QTabBar {
     Q_OBJECT
   public:
@@ -26,8 +27,10 @@ class CProfTabCtrl final : public QTabBar {
 
   protected:
     [[nodiscard]] QSize tabSizeHint(int index) const override;
-    [[nodiscard]] QSize minimumTabSizeHint(int index) const override { return tabSizeHint(index); }
+    [[nodiscard]] QSize minimumTabSizeHint(int index) const override;
+    void tabLayoutChange() override;
     void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     struct Colors {

@@ -81,7 +81,9 @@ void CReportView::Start() {
         ReadSubject(m_site.GetSelection());
     ShowTab(first);
     connect(m_strip, &QTabBar::currentChanged, this, [this](int index) {
-        m_site.GetTavixDoc().SetTab(m_kind, m_mode, index);
+        // What is looked at beside the frame is not where one goes on in it.
+        if (!m_isTornOff)
+            m_site.GetTavixDoc().SetTab(m_kind, m_mode, index);
         ShowTab(index);
     });
 }
@@ -132,8 +134,11 @@ void CReportView::ReadSubjectAgain() {
     if (viewer && selection.kind == ReportSelection::Kind::Table) {
         if (auto table = findTable(*viewer, selection.table.id, selection.table.dataSource))
             selection.table = std::move(*table);
-        else
+        else {
             missing = table.error().text;
+            // Its size was another run's.
+            selection.table.totalRecords = selection.table.processedRecords = -1;
+        }
     }
     ReadSubject(selection);
     if (!missing.empty())

@@ -26,7 +26,9 @@ void CTearOff::Open(const QWidget& view) {
     const QRect desktop = view.screen()->availableVirtualGeometry();
     const ScreenRect place = placeTearOff({corner.x(), corner.y(), view.width(), view.height()},
                                           {desktop.x(), desktop.y(), desktop.width(), desktop.height()});
-    setGeometry(place.x, place.y, place.width, place.height);
+    resize(place.width, place.height);
+    // With its frame, so that the title can be reached.
+    move(place.x, place.y);
     show();
     m_view->Refresh(nullptr, RefreshHint::RunLoaded, 0);
     m_view->FocusContents();

@@ -1,18 +1,9 @@
-#include "base/tests/ScriptedMessages.h"
-#include "base/tests/TempFolder.h"
-#include "base/ui/QtText.h"
 #include "doc/CReportPane.h"
-#include "doc/CTavixApp.h"
-#include "doc/ui/CTavixView.h"
-#include "nav/ui/CTables.h"
-#include "support/SampleRepository.h"
+#include "doc/ui/tests/ViewOverSample.h"
 
 #include <QPlainTextEdit>
 #include <QStackedWidget>
-#include <QTabBar>
 #include <QTableView>
-#include <QTest>
-#include <QToolButton>
 
 #include <gmock/gmock.h>
 
@@ -24,19 +15,15 @@ using ::testing::StartsWith;
 
 constexpr int kToggle = 32810;
 
-class ViewOverSample : public ::testing::Test {
+class PanesOverSample : public testing::ViewOverSample {
   protected:
-    ViewOverSample()
-        : m_sample(testing::SampleRepository::build(m_folder.file("sample.tavix"))), m_app(makeMemorySettings()) {
-        makeView();
-    }
+    PanesOverSample() { m_view->resize(1000, 500); }
 
-    void makeView() {
-        m_view = std::make_unique<CTavixView>(m_app, m_messages);
+    void makeViewAgain() {
+        m_view.reset();
+        makeView();
         m_view->resize(1000, 500);
-        m_view->show();
     }
-    bool load() { return m_view->LoadReportForJob("text", m_sample.salesJob, m_sample.path); }
     bool toggle() { return m_view->GetTavixMain().Execute(kToggle); }
     CommandState toggleState() { return m_view->GetTavixMain().Update(kToggle); }
     QWidget* pane(const char* name) { return m_view->findChild<QWidget*>(QLatin1String(name)); }
@@ -56,15 +43,9 @@ class ViewOverSample : public ::testing::Test {
         }
         return all;
     }
-
-    testing::TempFolder m_folder;
-    testing::SampleRepository m_sample;
-    testing::ScriptedMessages m_messages;
-    CTavixApp m_app;
-    std::unique_ptr<CTavixView> m_view;
 };
 
-TEST_F(ViewOverSample, aBarFollowsTheMouseAndTheRatioLastsOverResizes) {
+TEST_F(PanesOverSample, aBarFollowsTheMouseAndTheRatioLastsOverResizes) {
     EXPECT_THAT(spans(), ElementsAre(0, 248, 255, 745));
     press(250);
     ASSERT_TRUE(pane("ghostBar")->isVisible());
@@ -85,12 +66,11 @@ TEST_F(ViewOverSample, aBarFollowsTheMouseAndTheRatioLastsOverResizes) {
     EXPECT_EQ(0.003, m_view->GetRatios().left);
     EXPECT_THAT(spans(), ElementsAre(0, 1, 8, 992));
 
-    m_view.reset();
-    makeView();
+    makeViewAgain();
     EXPECT_THAT(spans(), ElementsAre(0, 1, 8, 992)) << "remembered";
 }
 
-TEST_F(ViewOverSample, theCursorTellsWhereABarIs) {
+TEST_F(PanesOverSample, theCursorTellsWhereABarIs) {
     move(251);
     EXPECT_EQ(Qt::SizeHorCursor, m_view->cursor().shape());
     EXPECT_EQ(Qt::ArrowCursor, pane("navigator")->cursor().shape());
@@ -101,7 +81,7 @@ TEST_F(ViewOverSample, theCursorTellsWhereABarIs) {
     release(254);
 }
 
-TEST_F(ViewOverSample, barsArePaintedInTheirThreeColours) {
+TEST_F(PanesOverSample, barsArePaintedInTheirThreeColours) {
     toggle();
     QPalette palette = m_view->palette();
     palette.setColor(QPalette::Window, Qt::red);
@@ -119,7 +99,7 @@ TEST_F(ViewOverSample, barsArePaintedInTheirThreeColours) {
     }
 }
 
-TEST_F(ViewOverSample, theInformationComesGoesAndKeepsItsWidth) {
+TEST_F(PanesOverSample, theInformationComesGoesAndKeepsItsWidth) {
     ASSERT_TRUE(load());
     EXPECT_EQ(nullptr, info());
     EXPECT_EQ((CommandState{true, true, false}), toggleState());
@@ -152,15 +132,14 @@ TEST_F(ViewOverSample, theInformationComesGoesAndKeepsItsWidth) {
     m_view->GetTavixMain().Execute(57600);
     EXPECT_EQ("", infoText());
 
-    m_view.reset();
-    makeView();
+    makeViewAgain();
     EXPECT_EQ(nullptr, info()) << "no table is loaded";
     ASSERT_TRUE(load());
     ASSERT_TRUE(info()) << "as the user left it";
     EXPECT_EQ(273, info()->width());
 }
 
-TEST_F(ViewOverSample, aNarrowWindowAndAWideNavigatorLeaveNoPaneBelowNothing) {
+TEST_F(PanesOverSample, aNarrowWindowAndAWideNavigatorLeaveNoPaneBelowNothing) {
     m_view->SetRatios({0.95, 0.2});
     toggle();
     EXPECT_GT(spans()[1], 700);
@@ -174,7 +153,7 @@ TEST_F(ViewOverSample, aNarrowWindowAndAWideNavigatorLeaveNoPaneBelowNothing) {
     EXPECT_THAT(spans(), ElementsAre(0, 0, 5, 0, 4, 0));
 }
 
-TEST_F(ViewOverSample, figuresAreShownInTheFontThatWasChosen) {
+TEST_F(PanesOverSample, figuresAreShownInTheFontThatWasChosen) {
     ASSERT_TRUE(load());
     SettingsStore& settings = m_view->GetTavixDoc().GetSettings();
     ASSERT_TRUE(settings.write("TAVIX", "StatFontSize", "145"));
@@ -186,7 +165,7 @@ TEST_F(ViewOverSample, figuresAreShownInTheFontThatWasChosen) {
     EXPECT_TRUE(font.bold());
 }
 
-TEST_F(ViewOverSample, paneOrderOfHintsCommandsKeyboardAndEnd) {
+TEST_F(PanesOverSample, paneOrderOfHintsCommandsKeyboardAndEnd) {
     ASSERT_TRUE(load());
     toggle();
     const auto widget = [](auto* item) { return dynamic_cast<QWidget*>(item); };

@@ -1,7 +1,7 @@
 #include "base/tests/ScriptedMessages.h"
 #include "base/tests/TempFolder.h"
 #include "base/ui/QtText.h"
-#include "doc/CTavixDoc.h"
+#include "doc/tests/TestSite.h"
 #include "nav/ui/CTables.h"
 #include "nav/ui/NavigatorTabs.h"
 #include "nav/ui/NavigatorTree.h"
@@ -19,43 +19,13 @@ namespace {
 
 using ::testing::ElementsAre;
 
-/// The frame around the navigator: what was selected, and refreshes passed on to it.
-class Site final : public CViewSite, public DocumentFrame {
-  public:
-    Site(SettingsStore& settings, Messages& messages) : document(*this, settings, messages) {}
-
-    CTavixDoc& GetTavixDoc() override { return document; }
-    [[nodiscard]] bool IsLoading() const override { return false; }
-    [[nodiscard]] NavigatorPage GetMode() const override { return mode; }
-    [[nodiscard]] const ReportSelection& GetSelection() const override { return selection; }
-    void SelectionChanged(NavigatorPage page, const ReportSelection& now) override {
-        mode = page;
-        selection = now;
-    }
-    bool SelectField(int fieldId) override { return navigator && navigator->SelectField(fieldId); }
-    bool Navigate(const NavigateRequest&) override { return false; }
-    std::string GetDetailsText(const ReportSelection&) override { return {}; }
-    void Broadcast(CRefreshItem*, RefreshHint hint, int) override { Broadcast(hint); }
-    void SetLoading(bool) override {}
-    void Broadcast(RefreshHint hint) override {
-        if (navigator)
-            navigator->Refresh(nullptr, hint, 0);
-    }
-
-    CTables* navigator = nullptr;
-    NavigatorPage mode = NavigatorPage::Tables;
-    ReportSelection selection;
-    CTavixDoc document;
-};
-
 class NavigatorOverSample : public ::testing::Test {
   protected:
     NavigatorOverSample() {
-        m_site.navigator = &m_navigator;
+        m_site.listeners = {&m_navigator};
         m_navigator.resize(320, 600);
         m_navigator.show();
     }
-    ~NavigatorOverSample() override { m_site.navigator = nullptr; }
     void SetUp() override {
         ASSERT_TRUE(m_site.document.OpenReport(m_sample.path, m_sample.salesJob));
         m_site.Broadcast(RefreshHint::RunLoaded);
@@ -89,7 +59,7 @@ class NavigatorOverSample : public ::testing::Test {
     testing::SampleRepository m_sample = testing::SampleRepository::build(m_folder.file("sample.tavix"));
     std::unique_ptr<SettingsStore> m_settings = makeMemorySettings();
     testing::ScriptedMessages m_messages;
-    Site m_site{*m_settings, m_messages};
+    testing::TestSite m_site{*m_settings, m_messages};
     CTables m_navigator{m_site};
 };
 

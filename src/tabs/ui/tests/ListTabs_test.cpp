@@ -1,9 +1,9 @@
 #include "base/tests/ScriptedMessages.h"
 #include "base/tests/TempFolder.h"
 #include "base/ui/QtText.h"
-#include "doc/CTavixDoc.h"
 #include "doc/FieldRecords.h"
 #include "doc/Settings.h"
+#include "doc/tests/TestSite.h"
 #include "grid/ui/CUGCtrl.h"
 #include "support/RunScript.h"
 #include "support/SampleRepository.h"
@@ -28,26 +28,6 @@ namespace tavix {
 namespace {
 
 using ::testing::ElementsAre;
-
-class Site final : public CViewSite, public DocumentFrame {
-  public:
-    Site(SettingsStore& settings, Messages& messages) : document(*this, settings, messages) {}
-
-    CTavixDoc& GetTavixDoc() override { return document; }
-    [[nodiscard]] bool IsLoading() const override { return false; }
-    [[nodiscard]] NavigatorPage GetMode() const override { return NavigatorPage::Tables; }
-    [[nodiscard]] const ReportSelection& GetSelection() const override { return selection; }
-    void SelectionChanged(NavigatorPage, const ReportSelection&) override {}
-    bool SelectField(int) override { return false; }
-    bool Navigate(const NavigateRequest&) override { return false; }
-    [[nodiscard]] std::string GetDetailsText(const ReportSelection&) override { return {}; }
-    void Broadcast(CRefreshItem*, RefreshHint, int) override {}
-    void SetLoading(bool) override {}
-    void Broadcast(RefreshHint) override {}
-
-    ReportSelection selection;
-    CTavixDoc document;
-};
 
 class ListTabs : public ::testing::Test {
   protected:
@@ -92,7 +72,7 @@ class ListTabs : public ::testing::Test {
     testing::SampleRepository m_sample = testing::SampleRepository::build(m_folder.file("sample.tavix"));
     std::unique_ptr<SettingsStore> m_settings = makeMemorySettings();
     testing::ScriptedMessages m_messages;
-    Site m_site{*m_settings, m_messages};
+    testing::TestSite m_site{*m_settings, m_messages};
     ReportSubject m_subject;
 };
 

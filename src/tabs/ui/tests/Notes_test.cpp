@@ -5,6 +5,7 @@
 #include "base/ui/Theme.h"
 #include "doc/CTavixApp.h"
 #include "doc/Settings.h"
+#include "doc/tests/TestSite.h"
 #include "grid/ui/CUGCtrl.h"
 #include "support/SampleRepository.h"
 #include "tabs/ui/CNoteCategoriesDlg.h"
@@ -32,34 +33,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-class Site final : public CViewSite, public DocumentFrame {
-  public:
-    Site(const CTavixApp& app, Messages& messages) : m_document(app.StartDocument(*this, messages)) {}
-
-    CTavixDoc& GetTavixDoc() override { return *m_document; }
-    bool IsLoading() const override { return false; }
-    NavigatorPage GetMode() const override { return NavigatorPage::Tables; }
-    const ReportSelection& GetSelection() const override { return m_selection; }
-    void SelectionChanged(NavigatorPage, const ReportSelection&) override {}
-    bool SelectField(int) override { return false; }
-    bool Navigate(const NavigateRequest&) override { return false; }
-    std::string GetDetailsText(const ReportSelection&) override { return {}; }
-    void Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) override {
-        sent.push_back(hint);
-        for (CRefreshItem* item : listeners)
-            item->Refresh(sender, hint, parameter);
-    }
-    void SetLoading(bool) override {}
-    void Broadcast(RefreshHint hint) override { Broadcast(nullptr, hint, 0); }
-
-    std::vector<CRefreshItem*> listeners;
-    std::vector<RefreshHint> sent;
-
-  private:
-    ReportSelection m_selection;
-    std::unique_ptr<CTavixDoc> m_document;
-};
 
 template <typename Widget>
 Widget& child(QWidget& window, const char* name) {
@@ -124,7 +97,7 @@ class Script {
 
 class NotesTabs : public ::testing::Test {
   protected:
-    NotesTabs() : m_app(makeMemorySettings()), m_site(m_app, m_messages) {
+    NotesTabs() : m_app(makeMemorySettings()), m_site(m_app.GetSettings(), m_messages) {
         if (!m_site.GetTavixDoc().OpenReport(m_sample.path, m_sample.salesJob))
             throw std::runtime_error("the sample does not open");
         Select("customers");
@@ -168,7 +141,7 @@ class NotesTabs : public ::testing::Test {
     testing::SampleRepository m_sample = testing::SampleRepository::build(m_folder.file("sample.tavix"));
     testing::ScriptedMessages m_messages;
     CTavixApp m_app;
-    Site m_site;
+    testing::TestSite m_site;
     ReportSubject m_subject;
     Script m_script;
 };

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "doc/CTavixDoc.h"
+#include "doc/CViewSite.h"
+
+#include <string>
+#include <vector>
+
+namespace tavix::testing {
+
+/// The frame around panes under test. It remembers what the pane told it, and passes broadcasts on to the listeners.
+class TestSite final : public CViewSite, public DocumentFrame {
+  public:
+    /// Both must outlive the site.
+    TestSite(SettingsStore& settings, Messages& messages) : document(*this, settings, messages) {}
+
+    CTavixDoc& GetTavixDoc() override { return document; }
+    [[nodiscard]] bool IsLoading() const override { return false; }
+    [[nodiscard]] NavigatorPage GetMode() const override { return mode; }
+    [[nodiscard]] const ReportSelection& GetSelection() const override { return selection; }
+    void SelectionChanged(NavigatorPage page, const ReportSelection& now) override {
+        mode = page;
+        selection = now;
+    }
+    bool SelectField(int) override { return false; }
+    bool Navigate(const NavigateRequest&) override { return false; }
+    [[nodiscard]] std::string GetDetailsText(const ReportSelection&) override { return {}; }
+    void Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) override {
+        sent.push_back(hint);
+        for (CRefreshItem* item : listeners)
+            item->Refresh(sender, hint, parameter);
+    }
+    void SetLoading(bool) override {}
+    void Broadcast(RefreshHint hint) override { Broadcast(nullptr, hint, 0); }
+
+    std::vector<CRefreshItem*> listeners;
+    std::vector<RefreshHint> sent;
+    NavigatorPage mode = NavigatorPage::Tables;
+    ReportSelection selection;
+    CTavixDoc document;
+};
+
+} // namespace tavix::testing

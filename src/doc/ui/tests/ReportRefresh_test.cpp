@@ -1,0 +1,150 @@
+// Which tab asks the repository, when, and what becomes of a failure.
+#include "access/PrViewer.h"
+#include "doc/ui/tests/ViewOverSample.h"
+#include "support/RunScript.h"
+
+#include <gmock/gmock.h>
+
+namespace tavix {
+namespace {
+
+using ::testing::ElementsAre;
+using testing::ViewOverSample;
+
+class ReportRefresh : public ViewOverSample {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(load());
+        ASSERT_TRUE(selectField("customers", "city"));
+    }
+    void breakPatterns() {
+        testing::runScript(m_sample.path, "UPDATE distribution_block SET payload = x'00' WHERE kind = 'P'");
+    }
+    /// The words for a pattern distribution that cannot be read.
+    std::string patternMessage() {
+        PrViewer& viewer = *m_view->GetViewer();
+        (void)viewer.getPatternDist(m_sample.fields.at("customers/city"), {});
+        return "Error occurred while retrieving pattern distribution:\n\n" + viewer.getErrorString().str();
+    }
+    /// Messages that were put off come now.
+    static void settle() { QCoreApplication::processEvents(); }
+};
+
+// A message that nobody announced fails the test: whoever asked for the broken lists too early would be heard.
+TEST_F(ReportRefresh, aTabThatIsNotSeenAsksNothing) {
+    breakPatterns();
+    const std::string message = patternMessage();
+    ASSERT_TRUE(selectField("customers", "name"));
+    ASSERT_TRUE(setRun(0));
+    ASSERT_TRUE(setRun(2));
+    for (const RefreshHint hint : {RefreshHint::CollectionsRefreshed, RefreshHint::RunLoaded,
+                                   RefreshHint::OptionsChanged, RefreshHint::TaskListLost})
+        m_view->Broadcast(hint);
+    for (const int index : {CFieldView::Frequency, CFieldView::Percentiles, CFieldView::Outliers, CFieldView::Notes})
+        report().SelectTab(index);
+    settle();
+
+    m_messages.expectWarn(message);
+    report().SelectTab(CFieldView::Patterns);
+    settle();
+    EXPECT_EQ(0U, m_messages.pending());
+    // Once: going away and coming back is no reason to say it again.
+    report().SelectTab(CFieldView::Frequency);
+    report().SelectTab(CFieldView::Patterns);
+    settle();
+    EXPECT_FALSE(tab().findChild<QLabel*>(QStringLiteral("note"))->text().isEmpty());
+}
+
+TEST_F(ReportRefresh, aFailureIsToldOnceByTheViewAndByEachWindowAndLeavesWhatIsShown) {
+    report().SelectTab(CFieldView::Patterns);
+    const int shown = rows(tab());
+    ASSERT_GT(shown, 0);
+    CTearOff& window = detach();
+    EXPECT_EQ(shown, rows(window.GetView().GetTab(CFieldView::Patterns)));
+    breakPatterns();
+    m_messages.expectWarn(patternMessage());
+    m_messages.expectWarn(patternMessage());
+    ASSERT_TRUE(setRun(1));
+    settle();
+    EXPECT_EQ(0U, m_messages.pending());
+    EXPECT_EQ(shown, rows(tab()));
+    EXPECT_TRUE(grid(tab()).isVisible());
+    EXPECT_EQ(shown, rows(window.GetView().GetTab(CFieldView::Patterns)));
+}
+
+TEST_F(ReportRefresh, metricsThatCannotBeReadAreTold) {
+    ASSERT_TRUE(selectTable("customers"));
+    ASSERT_EQ(7, rows(tab()));
+    testing::runScript(m_sample.path, "ALTER TABLE run_field RENAME COLUMN null_count TO renamed");
+    (void)m_view->GetViewer()->getFieldList(m_sample.tables.at("customers"));
+    const std::string message =
+        "Error occurred while retrieving the standard metrics:\n\n" + m_view->GetViewer()->getErrorString().str();
+    m_messages.expectWarn(message);
+    m_view->Broadcast(RefreshHint::OptionsChanged);
+    settle();
+    EXPECT_EQ(0U, m_messages.pending());
+    EXPECT_EQ(7, rows(tab()));
+    EXPECT_TRUE(grid(tab()).isVisible());
+}
+
+TEST_F(ReportRefresh, eachTabFillsAgainOnItsHintsAlone) {
+    using enum RefreshHint;
+    const RefreshHint all[] = {CollectionsRefreshed, OptionsChanged, TaskListLost, HistoryDeletion, NotesChanged};
+    // Every filling shows the wait cursor once.
+    const auto refilling = [&] {
+        std::vector<RefreshHint> hints;
+        for (const RefreshHint hint : all) {
+            const int before = m_messages.busyCount();
+            m_view->Broadcast(hint);
+            if (m_messages.busyCount() != before)
+                hints.push_back(hint);
+        }
+        return hints;
+    };
+    const auto ofField = [&](int index) {
+        report().SelectTab(index);
+        return refilling();
+    };
+    EXPECT_THAT(ofField(CFieldView::ColumnProfiling), ElementsAre(TaskListLost));
+    EXPECT_THAT(ofField(CFieldView::Frequency), ElementsAre(OptionsChanged, TaskListLost));
+    EXPECT_THAT(ofField(CFieldView::Patterns), ElementsAre(OptionsChanged, TaskListLost));
+    EXPECT_THAT(ofField(CFieldView::Percentiles), ElementsAre(TaskListLost));
+    EXPECT_THAT(ofField(CFieldView::Outliers), ElementsAre(TaskListLost));
+    EXPECT_THAT(ofField(CFieldView::KeyAnalysis), ElementsAre(OptionsChanged));
+    EXPECT_THAT(ofField(CFieldView::Notes), ElementsAre(OptionsChanged, NotesChanged));
+    ASSERT_TRUE(selectTable("customers"));
+    EXPECT_THAT(refilling(), ElementsAre(CollectionsRefreshed, OptionsChanged));
+    report().SelectTab(CTableView::Visualizations);
+    EXPECT_THAT(refilling(), ElementsAre(OptionsChanged));
+    report().SelectTab(CTableView::CustomMetrics);
+    EXPECT_THAT(refilling(), ElementsAre());
+}
+
+TEST_F(ReportRefresh, whatIsShownIsReadOnceWhenSomethingElseIsSelectedOrLoaded) {
+    const auto readings = [this](const auto& action) {
+        const int before = m_messages.busyCount();
+        action();
+        return m_messages.busyCount() - before;
+    };
+    report().SelectTab(CFieldView::Outliers);
+    EXPECT_EQ(1, readings([this] { ASSERT_TRUE(m_view->SelectField(m_sample.fields.at("customers/balance"))); }));
+    EXPECT_EQ("9000", cell(tab(), 0, 1));
+    EXPECT_EQ(0, readings([this] { ASSERT_TRUE(m_view->SelectField(m_sample.fields.at("customers/balance"))); }));
+    EXPECT_EQ(1, readings([this] { m_view->Broadcast(RefreshHint::RunLoaded); }));
+    // A view of the other kind comes in its place.
+    EXPECT_EQ(1, readings([this] { selectCollection(0); }));
+    EXPECT_EQ(2, rows(tab()));
+}
+
+TEST_F(ReportRefresh, aRunWithoutTheFieldsTableLeavesNothingOfItOnTheScreen) {
+    ASSERT_TRUE(selectField("late orders", "days"));
+    ASSERT_TRUE(setRun(0));
+    EXPECT_NE(ReportSelection::Kind::Table, m_view->GetSelection().kind);
+    EXPECT_TRUE(isEmptyViewShown());
+    ASSERT_TRUE(selectField("customers", "city"));
+    ASSERT_TRUE(setRun(2));
+    EXPECT_EQ("city  customers  ·  text  ·  1,000 records  ·  150 distinct values  ·  7 nulls", header(report()));
+}
+
+} // namespace
+} // namespace tavix

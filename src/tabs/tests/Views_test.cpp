@@ -1,0 +1,175 @@
+// What a view says above its tabs, where a detached one goes, and what is remembered of a grid.
+#include "tabs/StoredColumnWidths.h"
+#include "tabs/SubjectText.h"
+#include "tabs/TearOffPlacement.h"
+
+#include <gtest/gtest.h>
+
+namespace tavix {
+namespace {
+
+ReportSubject tableSubject(char kind, std::int64_t total, std::int64_t processed) {
+    ReportSubject subject;
+    subject.selection.kind = ReportSelection::Kind::Table;
+    subject.table = {7, kind, "Warehouse", "crm", "public", "orders", "", "", "", "", total, processed};
+    subject.selection.table = subject.table;
+    return subject;
+}
+
+ReportSubject fieldSubject(const char* typeCode, KvbString distinct, KvbString nulls) {
+    ReportSubject subject = tableSubject('Y', 1000, 1000);
+    subject.selection.fieldId = 3;
+    subject.selection.fieldName = "as selected";
+    FieldRecord field;
+    field.id = 3;
+    field.name = "amount";
+    field.typeCode = typeCode;
+    field.metrics[static_cast<std::size_t>(MetricId::UniqueCount)] = std::move(distinct);
+    field.metrics[static_cast<std::size_t>(MetricId::NullCount)] = std::move(nulls);
+    subject.field = std::move(field);
+    return subject;
+}
+
+TEST(SubjectText, aTableSaysHowManyRecordsThereAreAndHowManyWereTaken) {
+    const struct {
+        char kind;
+        std::int64_t total;
+        std::int64_t processed;
+        const char* text;
+    } cases[] = {
+        {'Y', 0, 0, "0 records"},
+        {'Y', 1, 1, "1 record"},
+        {'Y', 1'234'567, 1'234'567, "1,234,567 records"},
+        {'Y', 1000, 100, "1,000 records, 100 sampled"},
+        {'D', 1000, 120, "1,000 records, 120 filtered"},
+        {'S', 1000, 0, "1,000 records, 0 sampled"},
+        {'Y', 1000, -1, "1,000 records"},
+        {'Y', -1, 100, ""},
+    };
+    for (const auto& each : cases)
+        EXPECT_EQ(each.text, detailOf(tableSubject(each.kind, each.total, each.processed)));
+    ReportSubject query = tableSubject('S', 50, 50);
+    EXPECT_EQ("orders", titleOf(query));
+    query.table.objectName = "big orders";
+    EXPECT_EQ("big orders", titleOf(query));
+}
+
+TEST(SubjectText, aFieldSaysWhereItComesFromAndWhatItsSharesAreOf) {
+    EXPECT_EQ("amount", titleOf(fieldSubject("R", "3", "0")));
+    const struct {
+        ReportSubject subject;
+        const char* text;
+    } cases[] = {
+        {fieldSubject("R", "3", "0"), "orders  ·  real  ·  1,000 records  ·  3 distinct values"},
+        {fieldSubject("S", "1", "1"), "orders  ·  text  ·  1,000 records  ·  1 distinct value  ·  1 null"},
+        {fieldSubject("", "0", "1000"), "orders  ·  1,000 records  ·  0 distinct values  ·  1,000 nulls"},
+        {fieldSubject("D", KvbString(), KvbString()), "orders  ·  date/time  ·  1,000 records"},
+        {fieldSubject("?", "many", "-5"), "orders  ·  1,000 records"},
+    };
+    for (const auto& each : cases)
+        EXPECT_EQ(each.text, detailOf(each.subject));
+
+    // A field that the run does not have is named as it was selected; one of another report has no size.
+    ReportSubject gone = fieldSubject("R", "3", "0");
+    gone.field.reset();
+    EXPECT_EQ("as selected", titleOf(gone));
+    EXPECT_EQ("orders", detailOf(gone));
+    ReportSubject foreign = fieldSubject("I", "3", "0");
+    foreign.table.totalRecords = foreign.table.processedRecords = -1;
+    EXPECT_EQ("orders  ·  integer  ·  3 distinct values", detailOf(foreign));
+    foreign.table = {};
+    foreign.table.totalRecords = -1;
+    EXPECT_EQ("integer  ·  3 distinct values", detailOf(foreign));
+}
+
+TEST(SubjectText, aCollectionHasItsNameAndNothingElse) {
+    ReportSubject collection;
+    collection.selection.kind = ReportSelection::Kind::Collection;
+    collection.selection.id = 2;
+    collection.selection.name = "Amounts";
+    EXPECT_EQ("Amounts", titleOf(collection));
+    EXPECT_EQ("", detailOf(collection));
+    collection.selection.fieldId = 3;
+    collection.selection.fieldName = "balance";
+    EXPECT_EQ("balance", titleOf(collection));
+}
+
+TEST(TearOffPlacement, staysInsideTheRightAndTheUpperEdgeAndKeepsItsSize) {
+    constexpr ScreenRect kDesktop = {0, 0, 1920, 1080};
+    constexpr ScreenRect kSecondScreen = {-1280, -200, 3200, 1280};
+    const struct {
+        ScreenRect view;
+        ScreenRect desktop;
+        ScreenRect placed;
+    } cases[] = {
+        {{300, 200, 800, 600}, kDesktop, {350, 150, 800, 600}},
+        {{0, 1000, 800, 600}, kDesktop, {50, 950, 800, 600}},
+        {{1070, 200, 800, 600}, kDesktop, {1120, 150, 800, 600}},
+        {{1071, 200, 800, 600}, kDesktop, {1120, 150, 800, 600}},
+        {{1120, 0, 800, 600}, kDesktop, {1120, 0, 800, 600}},
+        {{300, 50, 800, 600}, kDesktop, {350, 0, 800, 600}},
+        {{300, 49, 800, 600}, kDesktop, {350, 0, 800, 600}},
+        {{-1280, -190, 800, 600}, kSecondScreen, {-1230, -200, 800, 600}},
+        {{1900, 100, 800, 600}, kSecondScreen, {1120, 50, 800, 600}},
+    };
+    for (const auto& each : cases)
+        EXPECT_EQ(each.placed, placeTearOff(each.view, each.desktop)) << each.view.x << ", " << each.view.y;
+}
+
+TEST(StoredColumnWidths, areKeptByGridAndHeading) {
+    const auto store = makeMemorySettings();
+    StoredColumnWidths widths(*store, "outliers");
+    StoredColumnWidths others(*store, "outliers1");
+    EXPECT_EQ(std::nullopt, widths.Read("Count"));
+    widths.Keep("Count", 77);
+    widths.Keep("1.5/3.0", 33);
+    widths.Keep("Null %", 44);
+    others.Keep("Count", 99);
+    EXPECT_EQ(77, StoredColumnWidths(*store, "outliers").Read("Count"));
+    EXPECT_EQ(33, widths.Read("1.5/3.0"));
+    EXPECT_EQ(44, widths.Read("Null %"));
+    EXPECT_EQ(99, others.Read("Count"));
+    EXPECT_EQ(std::nullopt, others.Read("Null %"));
+    widths.Keep("Count", 78);
+    EXPECT_EQ(78, widths.Read("Count"));
+}
+
+// Two headings that differ in signs alone, or that have none but signs, are two columns all the same.
+TEST(StoredColumnWidths, headingsOfSignsOrOfOtherScriptsAreToldApart) {
+    const auto store = makeMemorySettings();
+    StoredColumnWidths widths(*store, "grid");
+    const char* headings[] = {"Percent", "% Percent", "%", "P", "#", "[x]=1", "x 1", "Größe", "Gre", "数", "値", ""};
+    int width = 100;
+    for (const char* heading : headings)
+        widths.Keep(heading, width++);
+    width = 100;
+    for (const char* heading : headings)
+        EXPECT_EQ(width++, widths.Read(heading)) << heading;
+}
+
+TEST(StoredColumnWidths, whatSomebodyWroteIntoTheFileIsNoWidthUnlessItCanBeOne) {
+    const auto store = makeMemorySettings();
+    StoredColumnWidths widths(*store, "grid");
+    widths.Keep("Count", 100);
+    const struct {
+        const char* written;
+        std::optional<int> read;
+    } cases[] = {{"20", 20},
+                 {"4000", 4000},
+                 {"19", {}},
+                 {"4001", {}},
+                 {"-100", {}},
+                 {"", {}},
+                 {"wide", {}},
+                 {"100px", {}},
+                 {"1e2", {}},
+                 {"0", {}},
+                 {"99999999999999999999", {}}};
+    for (const auto& each : cases) {
+        ASSERT_TRUE(store->write("COLUMNS", "grid.Count", each.written));
+        EXPECT_EQ(each.read, widths.Read("Count")) << each.written;
+    }
+}
+
+} // namespace
+} // namespace tavix
