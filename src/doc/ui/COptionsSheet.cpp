@@ -21,6 +21,7 @@ COptionsSheet::COptionsSheet(OptionsModel model, Messages& messages, QWidget* pa
       m_knowledge(new CKnowledgePage(m_model.values)) {
     setWindowTitle(tr("Options"));
     m_pages->setObjectName(QStringLiteral("pages"));
+    m_pages->setAccessibleName(tr("Pages of the options"));
     m_pages->addTab(m_general, tr("&General"));
     m_pages->addTab(m_metrics, tr("&Metrics"));
     m_pages->addTab(m_knowledge, tr("&Knowledge Base"));

@@ -364,6 +364,30 @@ TEST_F(HostOverSample, messagesReachTheControlThatHasTheKeyboard) {
     EXPECT_FALSE(m_host.WndProc(message));
 }
 
+TEST_F(HostOverSample, privateMessagesAskForTheLastStopAndCloseTheInformation) {
+    const auto send = [this](std::uint32_t number) {
+        NativeMessage message;
+        message.Message = number;
+        EXPECT_TRUE(m_host.WndProc(message));
+        return message.Result;
+    };
+    EXPECT_EQ(0, send(32771)) << "nothing is open";
+    ASSERT_TRUE(load());
+    ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
+    auto& strip = *m_view->findChild<QTabBar*>(QStringLiteral("tabStrip"));
+    for (int tab = 0; tab < strip.count(); ++tab) {
+        strip.setCurrentIndex(tab);
+        EXPECT_NE(0, send(32771)) << tab;
+    }
+    EXPECT_EQ(0, send(32772)) << "nothing to close is no failure";
+    EXPECT_FALSE(isShown("tableInformation"));
+    ASSERT_TRUE(m_host.ExecuteCommand(32810));
+    ASSERT_TRUE(isShown("tableInformation"));
+    send(32772);
+    EXPECT_FALSE(isShown("tableInformation"));
+    EXPECT_FALSE(m_host.ExecuteUpdateUICommand(32810).Checked);
+}
+
 TEST_F(HostOverSample, withoutAWindowEveryOperationAnswersAndDoesNothing) {
     m_host.DestroyWindowCore(4711);
     ASSERT_TRUE(load());

@@ -1,25 +1,23 @@
 // Who cannot see the window or has no mouse.
+#include "base/ui/tests/NamedControls.h"
 #include "shell/tests/ShellOverSample.h"
 
-#include <QAbstractButton>
-#include <QAbstractItemView>
-#include <QAbstractSpinBox>
-#include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
 #include <QContextMenuEvent>
+#include <QDialog>
 #include <QDropEvent>
-#include <QHeaderView>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QTabBar>
+#include <QTabWidget>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 #include <QTreeView>
 
 #include <gmock/gmock.h>
@@ -29,26 +27,9 @@
 namespace tavix::shell {
 namespace {
 
+using tavix::testing::namedControls;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-
-std::string accessibleName(QWidget* widget) {
-    QAccessibleInterface* const seen = QAccessible::queryAccessibleInterface(widget);
-    return seen ? toUtf8(seen->text(QAccessible::Name)) : std::string();
-}
-
-bool isInteractive(const QWidget* widget) {
-    // The list behind a chooser speaks for it, and a heading belongs to its grid.
-    if (qobject_cast<const QHeaderView*>(widget) || widget->window()->windowType() == Qt::Popup)
-        return false;
-    // The corner of a grid is switched off.
-    if (widget->inherits("QTableCornerButton"))
-        return false;
-    return (widget->focusPolicy() & Qt::TabFocus) || qobject_cast<const QAbstractButton*>(widget) ||
-           qobject_cast<const QAbstractItemView*>(widget) || qobject_cast<const QComboBox*>(widget) ||
-           qobject_cast<const QLineEdit*>(widget) || qobject_cast<const QAbstractSpinBox*>(widget) ||
-           qobject_cast<const QTabBar*>(widget);
-}
 
 class ShellAccess : public ShellOverSample {
   protected:
@@ -92,18 +73,46 @@ class ShellAccess : public ShellOverSample {
     }
 };
 
+TEST_F(ShellAccess, everyControlOfEveryDialogHasAName) {
+    openSales();
+    const auto openBy = [](const auto& act, int controls) {
+        int seen = 0;
+        QString title;
+        QTimer::singleShot(0, qApp, [&seen, &title] {
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            if (!dialog)
+                return;
+            title = dialog->windowTitle();
+            auto* pages = dialog->findChild<QTabWidget*>();
+            for (int page = 1; pages && page < pages->count(); ++page)
+                pages->setCurrentIndex(page);
+            seen = namedControls(*dialog);
+            dialog->reject();
+        });
+        act();
+        EXPECT_GE(seen, controls) << toUtf8(title);
+        EXPECT_NE("", toUtf8(title));
+    };
+    const auto command = [this](int id) { return [this, id] { m_host.ExecuteCommand(id); }; };
+    openBy(command(40001), 20);
+    openBy(command(40002), 3);
+    openBy(command(32818), 4);
+    openBy(command(32838), 4);
+    openBy([this] { m_window.findChild<QToolButton*>(QStringLiteral("detailsButton"))->click(); }, 3);
+}
+
 TEST_F(ShellAccess, everyControlHasAName) {
     openSales();
-    int seen = 0;
-    for (QWidget* widget : m_window.findChildren<QWidget*>()) {
-        if (!isInteractive(widget))
-            continue;
-        ++seen;
-        EXPECT_NE("", accessibleName(widget))
-            << widget->metaObject()->className() << " " << toUtf8(widget->objectName()) << " in "
-            << widget->parentWidget()->metaObject()->className();
-    }
-    EXPECT_GT(seen, 10);
+    EXPECT_GT(namedControls(m_window), 10);
+    // Whatever is selected, and in a window of its own.
+    tree()->expand(tree()->currentIndex());
+    tree()->setCurrentIndex(tree()->model()->index(0, 0, tree()->currentIndex()));
+    ASSERT_TRUE(m_host.ExecuteCommand(32898));
+    EXPECT_GT(namedControls(m_window), 30);
+    m_window.showReports();
+    namedControls(m_window);
+    m_window.showWelcome();
+    namedControls(m_window);
     // Every entry of every menu can be read, and reached by a letter of its own menu.
     for (const QAction* title : m_window.menuBar()->actions()) {
         std::set<QString> letters;

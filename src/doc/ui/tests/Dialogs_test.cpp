@@ -1,5 +1,6 @@
 #include "base/tests/ScriptedMessages.h"
 #include "base/ui/Theme.h"
+#include "base/ui/tests/NamedControls.h"
 #include "doc/ui/CDeleteHistoryDlg.h"
 #include "doc/ui/COptionsSheet.h"
 #include "doc/ui/CRunListDlg.h"
@@ -167,6 +168,7 @@ TEST(DeleteHistoryDlg, AsksBeforeItDeletesAndTellsWhatIsShownAfterwards) {
 
 TEST(RunListDlg, SelectsTheCurrentRunAndIsUsedByKeys) {
     CRunListDlg dialog(threeRuns(), 5);
+    EXPECT_GE(testing::namedControls(dialog), 3);
     show(dialog);
     auto* table = child<CRunTable>(dialog, "runs");
     EXPECT_EQ(table->headerItem()->text(0), QStringLiteral("Date/time"));

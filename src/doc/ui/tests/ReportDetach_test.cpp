@@ -1,10 +1,9 @@
 // The two buttons of a view: the text about what it shows, and a window of its own.
 #include "doc/ui/tests/ViewOverSample.h"
-#include "drill/ui/CDetailsDlg.h"
 #include "support/RunScript.h"
 
 #include <QClipboard>
-#include <QDialogButtonBox>
+#include <QDialog>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
@@ -32,8 +31,8 @@ class ReportDetach : public ViewOverSample {
     std::string details() {
         std::string text;
         QTimer::singleShot(0, qApp, [this, &text] {
-            auto* dialog = qobject_cast<CDetailsDlg*>(QApplication::activeModalWidget());
-            if (!dialog)
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            if (!dialog || dialog->objectName() != QStringLiteral("details"))
                 return;
             EXPECT_EQ("Details", toUtf8(dialog->windowTitle()));
             EXPECT_EQ(QRect(report().mapToGlobal(QPoint(0, 0)), report().size()), dialog->geometry());

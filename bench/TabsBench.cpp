@@ -1,0 +1,232 @@
+#include "access/PrViewer.h"
+#include "base/tests/TempFolder.h"
+#include "bench/BenchWindow.h"
+#include "grid/ui/CUGCtrl.h"
+
+#include <QTabBar>
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <map>
+
+/// What it takes until a wide table, a wide collection or a long distribution is on the screen, each beside the same
+/// statements on the bare SQLite interface, or the same rows through the cursor.
+namespace tavix::bench {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int kWideTable = 2000;
+constexpr int kCollectionTables = 50;
+constexpr int kFieldsOfEach = 40;
+constexpr int kLongDistribution = 5'000'000;
+constexpr int kFirstRows = 100;
+
+const testing::TempFolder& folder() {
+    static const testing::TempFolder made;
+    return made;
+}
+
+void addTable(repository::RunWriter& writer, const std::string& name, int fields) {
+    repository::TableFacts table;
+    table.dataSource = "bench";
+    table.name = name;
+    table.totalRecords = table.processedRecords = 1'000'000;
+    const int id = need(writer.addTable(table));
+    for (int field = 0; field < fields; ++field)
+        need(writer.addField(id, fieldFacts(field)));
+}
+
+/// "table 0" has 2,000 fields; the collection "wide" holds every field of 50 tables more.
+const std::string& wideRepository() {
+    static const std::string path = [] {
+        std::string file = folder().file("wide.tavix");
+        auto writer = need(repository::RunWriter::begin(file, {"job", "", "", {}}));
+        addTable(*writer, "table 0", kWideTable);
+        repository::CollectionFacts collection{"wide", "", {}};
+        for (int number = 0; number < kCollectionTables; ++number) {
+            const std::string name = fmt::format("other {}", number);
+            addTable(*writer, name, kFieldsOfEach);
+            for (int field = 0; field < kFieldsOfEach; ++field)
+                collection.fields.push_back({name, fmt::format("field {}", field)});
+        }
+        need(writer->addCollection(collection));
+        need(writer->commit({}));
+        return file;
+    }();
+    return path;
+}
+
+/// "table 0" has a field of that many distinct values, and a short one after it.
+const std::string& longRepository() {
+    static const std::string path = [] {
+        std::string file = folder().file("long.tavix");
+        auto writer = need(repository::RunWriter::begin(file, {"job", "", "", {}}));
+        repository::TableFacts table;
+        table.dataSource = "bench";
+        table.name = "table 0";
+        table.totalRecords = table.processedRecords = kLongDistribution;
+        const int id = need(writer->addTable(table));
+        std::vector<std::string> texts(kLongDistribution);
+        std::vector<repository::ValueCount> values(kLongDistribution);
+        for (int i = 0; i < kLongDistribution; ++i) {
+            texts[static_cast<std::size_t>(i)] = fmt::format("value {:07}", i);
+            values[static_cast<std::size_t>(i)] = {texts[static_cast<std::size_t>(i)], 1, false};
+        }
+        repository::FieldFacts field = fieldFacts(0);
+        field.values = values;
+        need(writer->addField(id, field));
+        repository::FieldFacts second = fieldFacts(1);
+        second.values = std::span(values).first(1000);
+        need(writer->addField(id, second));
+        need(writer->commit({}));
+        return file;
+    }();
+    return path;
+}
+
+/// The report is open and nothing of it selected yet.
+class OpenReport : public Window {
+  public:
+    explicit OpenReport(const std::string& path) { load(path); }
+
+    void selectTable() {
+        selectFirstTable();
+        paint();
+    }
+    /// The node of the page at those rows, opened as far as is needed.
+    QModelIndex node(int page, std::initializer_list<int> path) {
+        QTreeView& pageTree = *view().findChild<QTreeView*>(QStringLiteral("page%1").arg(page));
+        QModelIndex index;
+        for (const int row : path) {
+            if (pageTree.model()->canFetchMore(index))
+                pageTree.model()->fetchMore(index);
+            index = pageTree.model()->index(row, 0, index);
+        }
+        return index;
+    }
+    void select(int page, const QModelIndex& index) {
+        view().findChild<QWidget*>(QStringLiteral("navigator"))->findChild<QTabBar*>()->setCurrentIndex(page);
+        view().findChild<QTreeView*>(QStringLiteral("page%1").arg(page))->setCurrentIndex(index);
+        QApplication::processEvents();
+    }
+    void openTab(int index) {
+        view().findChild<QTabBar*>(QStringLiteral("tabStrip"))->setCurrentIndex(index);
+        QApplication::processEvents();
+    }
+};
+
+/// Milliseconds that `act` takes.
+template <typename Act>
+double measured(Act act) {
+    const auto begun = Clock::now();
+    act();
+    return std::chrono::duration<double, std::milli>(Clock::now() - begun).count();
+}
+
+/// Shows it again and again, by turns with its statements on the bare interface. `away` selects something else.
+template <typename Show, typename Away>
+void besideItsStatements(benchmark::State& state, const std::string& path, Show show, Away away) {
+    std::vector<std::string> statements;
+    {
+        const Recording recording;
+        OpenReport recorded(path);
+        recorded.clear();
+        recorded.load(path);
+        const std::size_t before = recording.statements().size();
+        show(recorded);
+        const std::vector<std::string> all = recording.statements();
+        statements.assign(all.begin() + static_cast<std::ptrdiff_t>(before), all.end());
+    }
+    OpenReport window(path);
+    double bare = 0;
+    double shown = 0;
+    for (auto _ : state) {
+        bare += measured([&] { benchmark::DoNotOptimize(openOnBareInterface(path, statements)); });
+        away(window);
+        shown += measured([&] { show(window); });
+    }
+    const auto rounds = static_cast<double>(state.iterations());
+    state.counters["ms shown"] = shown / rounds;
+    state.counters["ms sql"] = bare / rounds;
+    state.counters["shown/sql"] = shown / bare;
+    state.counters["statements"] = static_cast<double>(statements.size());
+}
+
+void showWideTable(benchmark::State& state) {
+    besideItsStatements(
+        state, wideRepository(), [](OpenReport& window) { window.selectTable(); },
+        [](OpenReport& window) { window.select(0, window.node(0, {0})); });
+}
+
+void showWideCollection(benchmark::State& state) {
+    besideItsStatements(
+        state, wideRepository(), [](OpenReport& window) { window.select(1, window.node(1, {0})); },
+        [](OpenReport& window) { window.select(0, window.node(0, {0})); });
+}
+
+/// The frequency tab at the default limit against the first rows through the cursor.
+void openLongDistribution(benchmark::State& state) {
+    const std::string& path = longRepository();
+    OpenReport window(path);
+    const QModelIndex field = window.node(0, {0, 0, 0});
+    window.select(0, field);
+    PrViewer::Handle viewer = PrViewer::create();
+    if (!viewer->init(path) || !viewer->setCurrentJobSetup(1))
+        std::exit(1);
+    double cursor = 0;
+    double tab = 0;
+    for (auto _ : state) {
+        window.openTab(0);
+        cursor += measured([&] {
+            const ProfileCursorHandle rows = viewer->getFreqDist(1, {});
+            std::size_t bytes = 0;
+            for (int row = 0; row < kFirstRows && rows->next(); ++row)
+                bytes += rows->getColumnValue(0).view().size();
+            benchmark::DoNotOptimize(bytes);
+        });
+        tab += measured([&] { window.openTab(1); });
+    }
+    const auto* list =
+        window.view().findChild<QWidget*>(QStringLiteral("frequencydistribution"))->findChild<CUGCtrl*>();
+    const auto rounds = static_cast<double>(state.iterations());
+    state.counters["rows"] = list->model()->rowCount();
+    state.counters["ms tab"] = tab / rounds;
+    state.counters["ms cursor"] = cursor / rounds;
+    state.counters["tab/cursor"] = tab / cursor;
+    viewer->close();
+}
+
+/// From one field to the next, to the picture, at that tab.
+void walkFields(benchmark::State& state) {
+    OpenReport window(wideRepository());
+    const QModelIndex table = window.node(0, {0, 0});
+    window.select(0, window.node(0, {0, 0, 0}));
+    window.openTab(static_cast<int>(state.range(0)));
+    int row = 0;
+    for (auto _ : state) {
+        row = (row + 1) % kWideTable;
+        window.select(0, table.model()->index(row, 0, table));
+    }
+}
+
+/// From a table to one of its fields and back: the view is another one each time. Two changes a round.
+void changeOfView(benchmark::State& state) {
+    OpenReport window(longRepository());
+    const QModelIndex table = window.node(0, {0, 0});
+    const QModelIndex field = window.node(0, {0, 0, 1});
+    for (auto _ : state) {
+        window.select(0, field);
+        window.select(0, table);
+    }
+}
+
+BENCHMARK(showWideTable)->Unit(benchmark::kMillisecond);
+BENCHMARK(showWideCollection)->Unit(benchmark::kMillisecond);
+BENCHMARK(openLongDistribution)->Unit(benchmark::kMillisecond);
+BENCHMARK(walkFields)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(changeOfView)->Unit(benchmark::kMillisecond);
+
+} // namespace
+} // namespace tavix::bench
