@@ -70,10 +70,7 @@ void CListTab::Fill(bool isSameObject) {
             failed = !FillRows(*viewer);
     }
     if (failed) {
-        // A tab may be filled while it is being shown, when it is too early for a box.
-        QMetaObject::invokeMethod(
-            this, [&document, text = m_rows->GetErrorText()] { document.GetMessages().warn(text); },
-            Qt::QueuedConnection);
+        WarnSoon(m_rows->GetErrorText());
         if (isSameObject)
             return;
     }

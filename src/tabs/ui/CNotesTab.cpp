@@ -264,7 +264,7 @@ void CNotesTab::Fill(bool isSameObject) {
     m_showsLatest = false;
     busy.reset();
     if (viewer && !filled)
-        document.GetMessages().warn("Error occurred while retrieving notes:\n\n" + m_rows.GetErrorText());
+        WarnSoon("Error occurred while retrieving notes:\n\n" + m_rows.GetErrorText());
 }
 
 /// Others keep the widths that the user gave them; the notes take what is left.

@@ -1,5 +1,7 @@
 #include "tabs/ui/CProfTab.h"
 
+#include "doc/CTavixDoc.h"
+
 namespace tavix {
 
 CProfTab::CProfTab(CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent)
@@ -22,6 +24,12 @@ void CProfTab::MakeStale() {
     const bool same = isSameObject(m_filledFor, m_subject.selection);
     m_filledFor = m_subject.selection;
     Fill(same);
+}
+
+void CProfTab::WarnSoon(const std::string& text) {
+    Messages& messages = m_site.GetTavixDoc().GetMessages();
+    QMetaObject::invokeMethod(
+        this, [&messages, text] { messages.warn(text); }, Qt::QueuedConnection);
 }
 
 void CProfTab::showEvent(QShowEvent* event) {

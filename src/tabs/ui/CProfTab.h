@@ -7,6 +7,8 @@
 
 #include <QWidget>
 
+#include <string>
+
 namespace tavix {
 
 /// One tab of a view. It fills itself when it is seen and its contents are stale, never before: a tab that nobody opens
@@ -38,6 +40,10 @@ class CProfTab : public QWidget, public CRefreshItem, public CommandTarget {
     /// Called while the tab is visible. With `isSameObject` false what is displayed belongs to another table or field
     /// and must go even when nothing new can be read; else a failure leaves the display as it is.
     virtual void Fill(bool isSameObject) = 0;
+
+    /// Shows a message as soon as what is going on is over: a tab may be filled while it is being shown, when it is too
+    /// early for a box.
+    void WarnSoon(const std::string& text);
 
     [[nodiscard]] CViewSite& Site() const { return m_site; }
     [[nodiscard]] const ReportSubject& Subject() const { return m_subject; }

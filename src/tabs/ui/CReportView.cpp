@@ -45,6 +45,8 @@ CReportView::CReportView(CViewSite& site, ReportPaneKind kind, bool isTornOff, Q
     layout->addWidget(m_pages, 1);
     connect(m_header, &ViewHeader::DetailsClicked, this, &CReportView::ShowDetails);
     connect(m_header, &ViewHeader::DetachClicked, this, &CReportView::DetachRequested);
+    if (!isTornOff)
+        connect(m_strip, &CProfTabCtrl::TabDoubleClicked, this, &CReportView::DetachRequested);
 }
 
 // The tabs read the subject and must go before it.

@@ -84,10 +84,10 @@ void CTabStdMet::Fill(bool isSameObject) {
         viewer && rows.Fill(*viewer, selection, document.GetMetrics(),
                             isCollection ? kNoCollections : document.GetCollectionsOfTable(selection.table.id));
     const bool failed = viewer && !filled;
-    if (failed && isSameObject && m_rows.GetRowCount() > 0) {
-        document.GetMessages().warn(kReadFailed + rows.GetErrorText());
+    if (failed)
+        WarnSoon(kReadFailed + rows.GetErrorText());
+    if (failed && isSameObject && m_rows.GetRowCount() > 0)
         return;
-    }
     m_grid->setFont(toQFont(readStatFont(document.GetSettings()), font()));
     m_rows = std::move(rows);
     if (isSameObject)
