@@ -156,8 +156,8 @@ PredicatePtr makeTextTest(const Node& node) {
     const Node& text = node.child(0);
     if (node.kind == NodeKind::Matches)
         return std::make_unique<MatchPredicate>(node);
-    if (node.kind == NodeKind::InList)
-        return node.hasList ? makeListTest(node) : nullptr;
+    if (node.kind == NodeKind::InList && node.hasList)
+        return makeListTest(node);
     if (node.kind != NodeKind::Call)
         return nullptr;
     if (node.children.size() == 1)

@@ -39,6 +39,12 @@ void DistributionRows::ShowNotCalculated() {
     ShowPlaceholder();
 }
 
+void DistributionRows::SetNotes(std::string_view percentOf, std::string_view emptyText, const KvbString& warning) {
+    const std::string more = warning.isNull() ? std::string() : "\n" + warning.str();
+    SetToolTip(m_countColumn + 1, std::string(percentOf) + more);
+    SetEmptyText(std::string(emptyText) + more);
+}
+
 void DistributionRows::Clear() {
     SetEmptyText({});
     Show({});

@@ -29,8 +29,9 @@ class DistributionRows : public ListRows {
     /// The count's column, after those of the value; the percentage follows it.
     explicit DistributionRows(const std::vector<GridColumn>& valueColumns);
 
-    /// What the percentages are a share of, in words.
-    void SetPercentOf(std::string_view text) { SetToolTip(m_countColumn + 1, std::string(text)); }
+    /// What the percentages are a share of, in words, and why there are no rows when there are none. Both go on with
+    /// `warning`, the cursor's.
+    void SetNotes(std::string_view percentOf, std::string_view emptyText, const KvbString& warning);
     void Show(Distribution distribution);
     void ShowNotCalculated();
     /// The cell of an entry in a column before the count's.

@@ -29,8 +29,8 @@ bool FreqDistRows::Fill(PrViewer& viewer, const FieldRecord& field, const KvbStr
     if (!rows)
         return Fail(kFailed, viewer.getErrorString().view());
     Show(readValueDistribution(*rows, limit, total));
-    SetPercentOf(total ? "Share of all processed records" : "Share of what passes the filter");
-    SetEmptyText("No value passes the filter.");
+    SetNotes(total ? "Share of all processed records" : "Share of what passes the filter",
+             "No value passes the filter.", rows->getWarning());
     return true;
 } catch (const GenException& failure) {
     return Fail(kFailed, failure.getText().view());

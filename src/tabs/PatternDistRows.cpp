@@ -30,8 +30,8 @@ bool PatternDistRows::Fill(PrViewer& viewer, int fieldId, const KvbString& filte
     for (const Distribution::Entry& entry : distribution.entries)
         alternates.push_back(viewer.getAbbreviatedPattern(entry.value).str());
     m_alternates = std::move(alternates);
-    SetPercentOf(filter.isEmpty() ? "Share of all records that are not null" : "Share of what passes the filter");
-    SetEmptyText("No pattern passes the filter.");
+    SetNotes(filter.isEmpty() ? "Share of all records that are not null" : "Share of what passes the filter",
+             "No pattern passes the filter.", rows->getWarning());
     Show(std::move(distribution));
     return true;
 } catch (const GenException& failure) {

@@ -171,6 +171,20 @@ TEST_F(FreqDist, otherStaysLastOnlyWhereValuesAreSorted) {
     EXPECT_FALSE(rows.Sort(-1, false));
 }
 
+TEST_F(FreqDist, aFilterLeavesSharesOfWhatPassesAndTellsWhatItCouldNotJudge) {
+    FreqDistRows rows;
+    const FieldRecord name = field("customers/name");
+    ASSERT_TRUE(rows.Fill(*m_viewer, name, "`Count` > 300 or isnull(`Value`)", 2)) << rows.GetErrorText();
+    EXPECT_THAT(linesOf(rows), ElementsAre("Ada|>400|>43.01[1.00]", "Grace|>302|>32.47[0.76]", "Other|>228|>24.52"));
+    ASSERT_TRUE(rows.Fill(*m_viewer, name, "9223372036854775800 + `Count` > 5", 2)) << rows.GetErrorText();
+    EXPECT_EQ(0, rows.GetRowCount());
+    EXPECT_THAT(rows.GetEmptyText(),
+                StartsWith("No value passes the filter.\nThe filter could not be evaluated for 5"));
+    EXPECT_THAT(rows.GetColumn(2).toolTip, StartsWith("Share of what passes the filter\nThe filter could not"));
+    EXPECT_FALSE(rows.Fill(*m_viewer, name, "`Nix` > 1", 2));
+    EXPECT_THAT(rows.GetErrorText(), ::testing::EndsWith("line 1, column 1: there is no field `Nix`"));
+}
+
 TEST_F(FreqDist, aFieldWithoutDataSaysSoInOneRow) {
     FreqDistRows rows;
     FieldRecord none = field("customers/name");
