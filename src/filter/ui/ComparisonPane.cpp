@@ -161,20 +161,15 @@ void ComparisonPane::ShowInput() {
     m_caseInsensitive->setChecked(input.CaseInsensitive());
     m_wildcard->setChecked(input.Wildcard());
 
-    // One by one: a control that is disabled within a disabled pane is drawn as if it were not.
-    const bool isBuilding = m_model.Enabled().comparison;
     const ComparisonInput::Enabled enabled = input.Controls();
-    for (QLabel* label : findChildren<QLabel*>())
-        label->setEnabled(isBuilding);
-    m_field->setEnabled(isBuilding);
-    m_operation->setEnabled(isBuilding);
-    m_single->setEnabled(isBuilding && enabled.singleMode);
-    m_multiple->setEnabled(isBuilding && enabled.multipleMode);
-    m_value->setEnabled(isBuilding && enabled.singleValue);
-    m_valueList->setEnabled(isBuilding && enabled.valueList);
-    m_values->setEnabled(isBuilding && enabled.valueList);
-    m_caseInsensitive->setEnabled(isBuilding && enabled.caseInsensitive);
-    m_wildcard->setEnabled(isBuilding && enabled.wildcard);
+    m_single->setEnabled(enabled.singleMode);
+    m_multiple->setEnabled(enabled.multipleMode);
+    m_value->setEnabled(enabled.singleValue);
+    m_valueList->setEnabled(enabled.valueList);
+    m_values->setEnabled(enabled.valueList);
+    m_caseInsensitive->setEnabled(enabled.caseInsensitive);
+    m_wildcard->setEnabled(enabled.wildcard);
+    setEnabled(m_model.Enabled().comparison);
     m_isShowing = false;
 }
 
