@@ -14,6 +14,7 @@ namespace {
 
 std::vector<expression::Field> fieldsOfDistribution() {
     std::vector<expression::Field> fields;
+    fields.reserve(kFilterFields.size());
     for (const FilterField& field : kFilterFields)
         fields.push_back({std::string(field.name),
                           field.type == FieldTypeCode::Count ? expression::Type::Integer : expression::Type::Text});

@@ -119,24 +119,11 @@ void chooseEntry(const QWidget& dialog, const char* list, int entry) {
         found->setCurrentIndex(entry);
 }
 
-// The filter dialog empty, with a condition in words and in code, and while an expression is written; it is left with
-// the condition.
-void takeFilterDialog(QDialog& dialog, Album& album) {
-    constexpr int kCount = 1;
-    constexpr int kGreater = 1;
+// The filter dialog empty and while an expression is written, with the functions that are offered.
+void takeFilterEditing(QDialog& dialog, Album& album) {
     album.take(dialog, QStringLiteral("filter"));
-    chooseEntry(dialog, "field", kCount);
-    chooseEntry(dialog, "operation", kGreater);
-    if (auto* value = dialog.findChild<QLineEdit*>(QStringLiteral("value")))
-        value->setText(QStringLiteral("1"));
-    press(dialog, "addCondition");
-    album.take(dialog, QStringLiteral("filter-conditions"));
-    press(dialog, "code");
-    album.take(dialog, QStringLiteral("filter-code"));
     press(dialog, "editMode");
-    auto* box = dialog.findChild<QPlainTextEdit*>(QStringLiteral("expression"));
-    const QString code = box ? box->toPlainText() : QString();
-    if (box)
+    if (auto* box = dialog.findChild<QPlainTextEdit*>(QStringLiteral("expression")))
         box->setPlainText(QStringLiteral("lower(`Value`) = 'abc'\nor `Count` > 1000"));
     settle();
     album.take(dialog, QStringLiteral("filter-edit"));
@@ -148,8 +135,21 @@ void takeFilterDialog(QDialog& dialog, Album& album) {
         functions->close();
     });
     press(dialog, "functions");
-    if (box)
-        box->setPlainText(code);
+    dialog.reject();
+}
+
+// The same with a condition, in words and in code; it is left with the condition.
+void takeFilterConditions(QDialog& dialog, Album& album) {
+    constexpr int kCount = 1;
+    constexpr int kGreater = 1;
+    chooseEntry(dialog, "field", kCount);
+    chooseEntry(dialog, "operation", kGreater);
+    if (auto* value = dialog.findChild<QLineEdit*>(QStringLiteral("value")))
+        value->setText(QStringLiteral("1"));
+    press(dialog, "addCondition");
+    album.take(dialog, QStringLiteral("filter-conditions"));
+    press(dialog, "code");
+    album.take(dialog, QStringLiteral("filter-code"));
     dialog.accept();
 }
 
@@ -161,11 +161,13 @@ void takeFilter(ShellWindow& window, Veldra::Solenne::Tavix::TavixHost& host, Al
     strip->setCurrentIndex(1);
     settle(kPaintMilliseconds);
     if (host.ExecuteUpdateUICommand(static_cast<int>(CommandId::Filter)).Enabled) {
-        QTimer::singleShot(kSettleMilliseconds, qApp, [&album] {
-            if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
-                takeFilterDialog(*dialog, album);
-        });
-        host.ExecuteCommand(static_cast<int>(CommandId::Filter));
+        for (const auto take : {takeFilterEditing, takeFilterConditions}) {
+            QTimer::singleShot(kSettleMilliseconds, qApp, [&album, take] {
+                if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
+                    take(*dialog, album);
+            });
+            host.ExecuteCommand(static_cast<int>(CommandId::Filter));
+        }
         settle(kPaintMilliseconds);
         album.take(window, QStringLiteral("field-filtered"));
         host.ExecuteCommand(static_cast<int>(CommandId::StopFiltering));

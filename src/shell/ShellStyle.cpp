@@ -69,6 +69,29 @@ void drawButton(QPainter* painter, const QStyleOption& option, bool isDefault) {
     drawBox(painter, option.rect, fill, border);
 }
 
+void drawRadioButton(QPainter* painter, const QStyleOption& option) {
+    const QPalette& colors = option.palette;
+    const bool enabled = option.state.testFlag(QStyle::State_Enabled);
+    const int edge = std::min(option.rect.width(), option.rect.height());
+    QRectF circle(0, 0, edge - 1, edge - 1);
+    circle.moveCenter(QRectF(option.rect).center());
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    const bool filled = enabled && option.state.testFlag(QStyle::State_On);
+    painter->setPen(filled ? colors.color(QPalette::Highlight)
+                           : mixed(colors.color(QPalette::Base), colors.color(QPalette::Text), enabled ? 0.4 : 0.25));
+    painter->setBrush(filled ? colors.color(QPalette::Highlight)
+                             : colors.color(enabled ? QPalette::Base : QPalette::Window));
+    painter->drawEllipse(circle);
+    if (option.state.testFlag(QStyle::State_On)) {
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(colors.color(enabled ? QPalette::HighlightedText : QPalette::Text));
+        const double inset = edge * 0.3;
+        painter->drawEllipse(circle.adjusted(inset, inset, -inset, -inset));
+    }
+    painter->restore();
+}
+
 void drawCheckBox(QPainter* painter, const QStyleOption& option) {
     const QPalette& colors = option.palette;
     const bool enabled = option.state.testFlag(QStyle::State_Enabled);
@@ -186,6 +209,9 @@ void ShellStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
     case PE_IndicatorCheckBox:
     case PE_IndicatorItemViewItemCheck:
         drawCheckBox(painter, *option);
+        return;
+    case PE_IndicatorRadioButton:
+        drawRadioButton(painter, *option);
         return;
     case PE_PanelItemViewItem:
         if (option->state.testFlag(State_Selected)) {

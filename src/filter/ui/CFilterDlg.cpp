@@ -233,6 +233,7 @@ void CFilterDlg::ShowModel() {
     const FilterModel::Controls enabled = m_model.Enabled();
     m_comparison->ShowInput();
     m_add->setEnabled(enabled.addCondition);
+    m_add->setToolTip(enabled.connectors ? tr("Choose AND or OR before another condition") : m_add->accessibleName());
     m_left->setEnabled(enabled.leftParenthesis);
     m_right->setEnabled(enabled.rightParenthesis);
     m_and->setEnabled(enabled.connectors);

@@ -196,7 +196,7 @@ void CTabFreqDist::ShowFilterLine() {
     }
     const QString summary = tr("Only rows with: %1").arg(toQString(FilterSummary(GetFilter())));
     if (!m_failure.empty())
-        m_line->ShowText(tr("The filter cannot be applied: %1").arg(toQString(m_failure)), true);
+        m_line->ShowText(tr("Not filtered. %1").arg(toQString(m_failure)), true);
     else if (!m_rows->GetWarning().empty())
         m_line->ShowText(QStringLiteral("%1  %2").arg(toQString(m_rows->GetWarning()), summary), true);
     else

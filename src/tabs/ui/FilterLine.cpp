@@ -36,6 +36,9 @@ FilterLine::FilterLine(QWidget* parent)
     m_stop->setObjectName(QStringLiteral("stopFilter"));
     m_stop->setAccessibleName(tr("Stop filtering"));
     m_stop->setToolTip(m_stop->accessibleName());
+    // A line of text and no more, whatever height buttons have elsewhere.
+    for (QPushButton* button : {m_edit, m_stop})
+        button->setFixedHeight(fontMetrics().height() + 2 * kGap);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(kMargin, kGap, kMargin, kGap + 1);
     layout->setSpacing(6);

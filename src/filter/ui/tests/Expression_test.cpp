@@ -38,7 +38,8 @@ TEST_F(EditMode, disablesWhatBuildsConditionsAndAsksBeforeEditsAreLost) {
     add("equal to", "a");
     click("editMode");
     for (const char* off : {"addCondition", "and", "or", "undo", "clear", "leftParenthesis", "rightParenthesis",
-                            "field", "operation", "value", "plainText", "code", "passes", "fails"})
+                            "field", "operation", "single", "multiple", "value", "valueList", "caseInsensitive",
+                            "wildcard", "plainText", "code", "passes", "fails"})
         EXPECT_FALSE(child<QWidget>(*dialog, off).isEnabled()) << off;
     for (const char* on : {"functions", "fields", "copy", "paste", "filters", "load", "save"})
         EXPECT_TRUE(button(on).isEnabled()) << on;
@@ -180,6 +181,7 @@ TEST_F(EditMode, isLegibleInTheDark) {
     open("if left(`Value`, 3) = 'abc' then\r\n   return true\r\nelse\r\n   return false\r\n");
     shoot(*dialog, "dark-error");
     EXPECT_NE("No errors.", toUtf8(child<QLabel>(*dialog, "error").text()));
+    EXPECT_FALSE(button("valueList").isEnabled());
     dialog->close();
     QApplication::setPalette(before);
 }

@@ -296,7 +296,7 @@ TEST_F(Filtering, thatFailsLeavesWhatIsShownAndCanBeCorrected) {
     QApplication::processEvents();
     EXPECT_EQ(0U, m_messages.pending());
     EXPECT_EQ(shown, rows());
-    EXPECT_EQ("The filter cannot be applied: " + reason, line());
+    EXPECT_EQ("Not filtered. " + reason, line());
     EXPECT_EQ("filter stop", commands());
     shoot("filter-fails");
     // Also when nothing could be shown before.
