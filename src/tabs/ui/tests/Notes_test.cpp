@@ -253,10 +253,12 @@ TEST_F(NotesTabs, AFailingRepositoryLeavesWhatIsShown) {
     m_site.GetTavixDoc().GetViewer()->close();
     m_messages.expectWarn("Error occurred while retrieving notes:\n\nNo repository is open.");
     tab->Refresh(nullptr, RefreshHint::RunLoaded, 0);
+    QCoreApplication::processEvents();
     EXPECT_EQ(notes(*tab).size(), 2U);
     Select("suppliers");
     m_messages.expectWarn("Error occurred while retrieving notes:\n\nNo repository is open.");
     tab->SubjectChanged();
+    QCoreApplication::processEvents();
     EXPECT_THAT(notes(*tab), IsEmpty()) << "notes of another table must not stay";
     EXPECT_EQ(child<QLabel>(*tab, "emptySentence").text(), QStringLiteral("The notes cannot be read."));
     m_site.GetTavixDoc().Clear();
