@@ -160,7 +160,7 @@ class Run {
             auto programs = compileTable(*table, reader.columnNames());
             if (!programs)
                 return programs.error();
-            passes.push_back(std::make_unique<TablePass>(*table, reader.columnNames(), *std::move(programs)));
+            passes.push_back(std::make_unique<TablePass>(*table, reader.columnNames(), std::move(programs).value()));
         }
         if (Status status = read(base, reader, passes); !status || m_reporter.isCancelled())
             return status;

@@ -68,7 +68,7 @@ Result<Program> compileOne(const ExpressionText& text, const std::string& what, 
                            Wanted wanted) {
     expression::Compiled compiled = expression::compile(text.text, fields, wanted);
     if (compiled.ok())
-        return *std::move(compiled.program);
+        return std::move(*compiled.program);
     std::string hint;
     if (!compiled.error.missingField.empty()) {
         std::vector<std::string> names;
@@ -93,7 +93,7 @@ class Compiler {
                                     m_fields, Wanted::Condition);
             if (!where)
                 return where.error();
-            m_programs.where = *std::move(where);
+            m_programs.where = std::move(where).value();
         }
         if (Status status = findKey(); !status)
             return status.error();
@@ -105,7 +105,7 @@ class Compiler {
                 compileOne(rule.condition, fmt::format("the rule \"{}\"", rule.name), m_fields, Wanted::Condition);
             if (!program)
                 return program.error();
-            m_programs.rules.push_back(*std::move(program));
+            m_programs.rules.push_back(std::move(program).value());
         }
         return std::move(m_programs);
     }
@@ -134,7 +134,7 @@ class Compiler {
         if ((metric.figure == Figure::Sum || metric.figure == Figure::Average) && !isSummable(program->type()))
             return Error{fmt::format("{}{}: a number is wanted here, and this is of type {}", metric.expression.place,
                                      what, expression::typeName(program->type()))};
-        m_programs.metrics.push_back(*std::move(program));
+        m_programs.metrics.push_back(std::move(program).value());
         if (!m_programs.figures.empty())
             addFigure(m_programs.metrics.size() - 1);
         return {};
