@@ -12,7 +12,8 @@ namespace {
 
 // The short names of tables in the expressions: j job, r run, rt run_table, t profiled_table, d data_source,
 // rf run_field, f field, c collection, m an entry of a collection or of a redundancy, n note, g note_category,
-// h chart, p property, percentile or outlier, l execution_log, a alert, k key_analysis, x redundancy, w task.
+// h chart, p property, percentile or outlier, l execution_log, a alert, k key_analysis, x redundancy, w task,
+// cm custom_metric, b business_rule, v what a run says of one of these, i an input of it.
 
 constexpr std::array kReports{
     Column{ReportId, "Id", "j.id"},
@@ -120,6 +121,63 @@ constexpr std::array kHistoryHead{
     Column{HistoryRunId, "Run Id", "r.id"},
     Column{HistoryDate, "Date", "r.started", Form::Date},
     Column{HistoryDescription, "Description", "r.description"},
+};
+constexpr std::array kCustomMetrics{
+    Column{CustomMetricId, "Id", "cm.id"},
+    Column{CustomMetricName, "Custom Metric", "cm.name"},
+    Column{CustomMetricKey, "Key", "'M' || cm.id"},
+    Column{CustomMetricFigure, "Figure", "v.figure"},
+    Column{CustomMetricOutputName, "Output Name", "v.output_name"},
+    Column{CustomMetricOutputValue, "Output Value", "v.value"},
+    Column{CustomMetricExpression, "Expression", "v.expression"},
+    Column{CustomMetricInputs, "Inputs",
+           "(SELECT group_concat(name, ',') FROM (SELECT f.name AS name FROM custom_metric_input i JOIN field f ON "
+           "f.id = i.field WHERE i.run = v.run AND i.metric = v.metric GROUP BY f.id ORDER BY MIN(i.position)))"},
+    Column{CustomMetricUsedRows, "Used Rows", "v.used_rows"},
+    Column{CustomMetricErrorRows, "Error Rows", "v.error_rows"},
+    Column{CustomMetricTableId, "Table Id", "v.table_id"},
+    Column{CustomMetricKind, "Kind", "v.kind"},
+};
+constexpr std::array kCustomMetricInputFields{
+    Column{MetricInputFieldId, "Field Id", "f.id"},
+    Column{MetricInputFieldName, "Field Name", "f.name"},
+    Column{MetricInputMetric, "Metric", "i.standard_metric"},
+};
+constexpr std::array kCustomMetricHistory{
+    Column{HistoryRunId, "Run Id", "r.id"},
+    Column{HistoryDate, "Date", "r.started", Form::Date},
+    Column{HistoryDescription, "Description", "r.description"},
+    Column{MetricHistoryOutputName, "Output Name", "v.output_name"},
+    Column{MetricHistoryOutputValue, "Output Value", "v.value"},
+    Column{MetricHistoryExpression, "Expression", "v.expression"},
+    Column{MetricHistoryUsedRows, "Used Rows", "v.used_rows"},
+    Column{MetricHistoryErrorRows, "Error Rows", "v.error_rows"},
+};
+constexpr std::array kBusinessRules{
+    Column{RuleId, "Id", "b.id"},
+    Column{RuleKey, "Key", "'B' || b.id"},
+    Column{RuleName, "Name", "b.name"},
+    Column{RuleCondition, "Condition", "v.condition"},
+    Column{RuleFailedRows, "Failed Rows", "v.failed_rows"},
+    Column{RuleCheckedRows, "Checked Rows", "v.checked_rows"},
+    Column{RuleInputs, "Inputs",
+           "(SELECT group_concat(name, ',') FROM (SELECT f.name AS name FROM rule_input i JOIN field f "
+           "ON f.id = i.field WHERE i.run = v.run AND i.rule = v.rule ORDER BY i.position))"},
+    Column{RuleErrorRows, "Error Rows", "v.error_rows"},
+    Column{RuleLoggedRows, "Logged Rows", "v.logged_rows"},
+    Column{RuleTableId, "Table Id", "v.table_id"},
+};
+constexpr std::array kBusinessRuleHistory{
+    Column{HistoryRunId, "Run Id", "r.id"},
+    Column{HistoryDate, "Date", "r.started", Form::Date},
+    Column{HistoryDescription, "Description", "r.description"},
+    Column{RuleHistoryCondition, "Condition", "v.condition"},
+    Column{RuleHistoryFailedRows, "Failed Rows", "v.failed_rows"},
+    Column{RuleHistoryCheckedRows, "Checked Rows", "v.checked_rows"},
+    Column{RuleHistoryErrorRows, "Error Rows", "v.error_rows"},
+};
+constexpr std::array kBusinessRuleRowLog{
+    Column{RuleRowNumber, "Row", ""},
 };
 constexpr std::array kExecutionLog{
     Column{LogDate, "Date", "l.logged", Form::Date},
@@ -254,6 +312,12 @@ std::vector<Layout> makeAll() {
         {"getPercentiles", kPercentiles},
         {"getOutliers", kOutliers},
         {"getFieldHistory", history},
+        {"getCustomMetrics", kCustomMetrics},
+        {"getCustomMetricInputFields", kCustomMetricInputFields},
+        {"getCustomMetricHistory", kCustomMetricHistory},
+        {"getBusinessRules", kBusinessRules},
+        {"getBusinessRuleHistory", kBusinessRuleHistory},
+        {"getBusinessRuleRowLog", kBusinessRuleRowLog},
         {"getExecutionLog", kExecutionLog},
         {"getAlerts", kAlerts},
         {"getAlertProperties", kAlertProperties},

@@ -92,6 +92,52 @@ enum Outliers { OutlierSideLetter, OutlierPosition, OutlierValue, OutlierCount, 
 /// Then the 24 metrics.
 enum FieldHistoryHead { HistoryRunId, HistoryDate, HistoryDescription };
 inline constexpr int kFieldHistoryMetrics = 3;
+/// CustomMetricFigure is count, sum, average, min, max or metric; CustomMetricKind rows or metrics: what it is computed
+/// from. Inputs are the names of the fields, joined by commas.
+enum CustomMetrics {
+    CustomMetricId,
+    CustomMetricName,
+    CustomMetricKey,
+    CustomMetricFigure,
+    CustomMetricOutputName,
+    CustomMetricOutputValue,
+    CustomMetricExpression,
+    CustomMetricInputs,
+    CustomMetricUsedRows,
+    CustomMetricErrorRows,
+    CustomMetricTableId,
+    CustomMetricKind
+};
+/// MetricInputMetric is the number of the field's metric that is read; null when its rows are.
+enum CustomMetricInputFields { MetricInputFieldId, MetricInputFieldName, MetricInputMetric };
+/// Columns 0 to 2 are those of every history.
+enum CustomMetricHistory {
+    MetricHistoryOutputName = HistoryDescription + 1,
+    MetricHistoryOutputValue,
+    MetricHistoryExpression,
+    MetricHistoryUsedRows,
+    MetricHistoryErrorRows
+};
+enum BusinessRules {
+    RuleId,
+    RuleKey,
+    RuleName,
+    RuleCondition,
+    RuleFailedRows,
+    RuleCheckedRows,
+    RuleInputs,
+    RuleErrorRows,
+    RuleLoggedRows,
+    RuleTableId
+};
+enum BusinessRuleHistory {
+    RuleHistoryCondition = HistoryDescription + 1,
+    RuleHistoryFailedRows,
+    RuleHistoryCheckedRows,
+    RuleHistoryErrorRows
+};
+/// Then the fields of the row log.
+enum BusinessRuleRowLog { RuleRowNumber };
 /// LogLevelCode is 0 information, 1 warning, 2 error.
 enum ExecutionLog { LogDate, LogLevelCode, LogTable, LogText };
 

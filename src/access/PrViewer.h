@@ -128,11 +128,16 @@ class PrViewer {
     /// What the current run reported while it was made.
     [[nodiscard]] ProfileCursorHandle getExecutionLog();
 
-    // Rules.
+    // Custom metrics and business rules of the current run; `tableId` -1 stands for all tables. A run that was made
+    // before there were any has none. Keys name the same thing in every run.
     [[nodiscard]] ProfileCursorHandle getCustomMetrics(int tableId);
+    /// Nothing for a key that the run does not know.
     [[nodiscard]] ProfileCursorHandle getCustomMetricInputFields(const KvbString& key);
     [[nodiscard]] ProfileCursorHandle getBusinessRules(int tableId);
-    [[nodiscard]] ProfileCursorHandle getBusinessRuleRowLog(int tableId, int ruleId, bool all);
+    /// The rows that violate a rule, as many of the first ones as the run has kept, from the one with the index `first`
+    /// on, which counts from 0. A column holds the row's number, then follow the fields of the table's key and, if
+    /// `withInputs`, the fields that the condition reads.
+    [[nodiscard]] ProfileCursorHandle getBusinessRuleRowLog(int ruleId, int first, bool withInputs);
 
     // Alerts.
     [[nodiscard]] ProfileCursorHandle getAlerts();

@@ -50,13 +50,18 @@ struct PrViewer::Impl {
     [[nodiscard]] Status requireJob() const;
     /// Also that the current run still is there.
     [[nodiscard]] Status requireRun() const;
-    [[nodiscard]] Status requireTable(int table) const; ///< in the current run
+    [[nodiscard]] Status requireTable(int table) const;      ///< in the current run
+    [[nodiscard]] Status requireTableOrAll(int table) const; ///< -1 is all of the current run
     [[nodiscard]] Status requireExisting(std::string_view sql, int id, std::string_view what) const;
 
     [[nodiscard]] sql::Connection& connection() const { return *session->connection; }
     /// The cursor of a query with integer parameters; null when `ready` or the query fails.
     ProfileCursorHandle open(const Status& ready, const Query& query, std::initializer_list<std::int64_t> parameters);
     ProfileCursorHandle open(const Query& query, sql::Statement statement);
+    /// Custom metrics and rules: nothing in a repository that is older than they are.
+    [[nodiscard]] Result<bool> knowsRules() const;
+    ProfileCursorHandle openRules(const Status& ready, const Query& query,
+                                  std::initializer_list<std::int64_t> parameters);
     /// The statement with its integer parameters bound.
     [[nodiscard]] Result<sql::Statement> bound(std::string_view sql,
                                                std::initializer_list<std::int64_t> parameters) const;

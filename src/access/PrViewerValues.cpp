@@ -174,30 +174,6 @@ ProfileCursorHandle PrViewer::getTaskList(int jobId) {
     return m_impl->open(m_impl->requireExisting("SELECT 1 FROM job WHERE id = ?1", jobId, "report"), kQuery, {jobId});
 }
 
-ProfileCursorHandle PrViewer::getCustomMetricHistory(const KvbString&) {
-    return m_impl->unavailable("Custom metrics are");
-}
-
-ProfileCursorHandle PrViewer::getCustomMetrics(int) {
-    return m_impl->unavailable("Custom metrics are");
-}
-
-ProfileCursorHandle PrViewer::getCustomMetricInputFields(const KvbString&) {
-    return m_impl->unavailable("Custom metrics are");
-}
-
-ProfileCursorHandle PrViewer::getBusinessRuleHistory(const KvbString&) {
-    return m_impl->unavailable("Business rules are");
-}
-
-ProfileCursorHandle PrViewer::getBusinessRules(int) {
-    return m_impl->unavailable("Business rules are");
-}
-
-ProfileCursorHandle PrViewer::getBusinessRuleRowLog(int, int, bool) {
-    return m_impl->unavailable("Business rules are");
-}
-
 PrViewerDrillCursorHandle PrViewer::drillDown(int, const KvbString&, bool, PrViewDisplayMessage*, OrvintaPatternGen*) {
     (void)m_impl->unavailable("Drilling down to the source is");
     return nullptr;

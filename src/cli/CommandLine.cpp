@@ -11,6 +11,7 @@
 #include "cli/JobsCommand.h"
 #include "cli/NotesCommand.h"
 #include "cli/ProfileCommand.h"
+#include "cli/RulesCommand.h"
 #include "cli/RunsCommand.h"
 #include "cli/ShowCommand.h"
 #include "cli/TablesCommand.h"
@@ -57,6 +58,7 @@ Commands makeCommands() {
     commands.push_back(std::make_unique<TablesCommand>());
     commands.push_back(std::make_unique<FieldsCommand>());
     commands.push_back(std::make_unique<ShowCommand>());
+    commands.push_back(std::make_unique<RulesCommand>());
     commands.push_back(std::make_unique<NotesCommand>());
     commands.push_back(std::make_unique<FunctionsCommand>());
     commands.push_back(std::make_unique<DeleteHistoryCommand>());

@@ -121,7 +121,10 @@ profiling::JobDescription ProfileCommand::describeJobFile(const std::string& pat
     if (!m_job.empty() || !m_delimiter.empty() || m_noHeader)
         throw CommandError(ExitCode::Usage,
                            "--job, --delimiter and --no-header are for text files; a job file says these itself");
-    return orUsageError(profiling::readJobFile(path));
+    profiling::JobDescription job = orUsageError(profiling::readJobFile(path));
+    if (Status status = profiling::checkFields(job); !status)
+        throw CommandError(ExitCode::Usage, status.error().text);
+    return job;
 }
 
 profiling::JobDescription ProfileCommand::describe() const {

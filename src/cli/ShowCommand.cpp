@@ -4,6 +4,7 @@
 #include "cli/CommandError.h"
 #include "cli/DateText.h"
 #include "cli/FilterArgument.h"
+#include "cli/RuleLists.h"
 #include "cli/RunChoice.h"
 #include "cli/Session.h"
 #include "cli/TablesCommand.h"
@@ -25,7 +26,8 @@ constexpr std::int64_t kOverviewRows = 20;
 CLI::App* ShowCommand::declare(CLI::App& program) {
     CLI::App* command =
         program.add_subcommand("show", "Show a run, the metrics of a table, or everything about a field");
-    command->add_option("-t,--table", m_table, "The table: the metrics of its fields")->type_name("NAME");
+    command->add_option("-t,--table", m_table, "The table: the metrics of its fields, its custom metrics and rules")
+        ->type_name("NAME");
     command
         ->add_option("-f,--field", m_field,
                      "The field, as TABLE.FIELD, or as FIELD beside --table. A name may contain dots; names in "
@@ -37,6 +39,8 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
     command->add_flag("--patterns", m_patterns, "The pattern distribution, most frequent first")->group(kLists);
     command->add_flag("--percentiles", m_percentiles, "The percentiles")->group(kLists);
     command->add_flag("--outliers", m_outliers, "The lowest and the highest values")->group(kLists);
+    command->add_flag("--custom-metrics", m_customMetrics, "The custom metrics of a table")->group(kLists);
+    command->add_flag("--rules", m_rules, "The business rules of a table")->group(kLists);
     command->add_flag("--log", m_log, "What the run reported while it was made")->group(kLists);
     command
         ->add_option("--filter", m_filter,
@@ -47,15 +51,19 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
         ->type_name("N")
         ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
     addRunChoice(*command, m_job, m_run);
-    command->footer("A field without a list shows its metrics, the first 20 values and patterns, percentiles and\n"
-                    "outliers. A list that is asked for by name is written whole, unless --limit says otherwise.\n\n"
-                    "Examples:\n"
-                    "  tavix show -R profile.tavix\n"
-                    "  tavix show -R profile.tavix --table airports\n"
-                    "  tavix show -R profile.tavix --field airports.state\n"
-                    "  tavix show -R profile.tavix --field airports.state --values --format csv -o states.csv\n"
-                    "  tavix show -R profile.tavix --field airports.state --filter 'length(`Value`) != 2'\n"
-                    "  tavix show -R profile.tavix --job sales --run 3 --log");
+    command->footer(
+        "A table without a list shows, as text, the metrics of its fields and what it has of custom metrics\n"
+        "and rules; as json or csv the metrics alone.\n"
+        "A field without a list shows its metrics, the first 20 values and patterns, percentiles and\n"
+        "outliers. A list that is asked for by name is written whole, unless --limit says otherwise.\n\n"
+        "Examples:\n"
+        "  tavix show -R profile.tavix\n"
+        "  tavix show -R profile.tavix --table airports\n"
+        "  tavix show -R profile.tavix --table airports --rules --format json\n"
+        "  tavix show -R profile.tavix --field airports.state\n"
+        "  tavix show -R profile.tavix --field airports.state --values --format csv -o states.csv\n"
+        "  tavix show -R profile.tavix --field airports.state --filter 'length(`Value`) != 2'\n"
+        "  tavix show -R profile.tavix --job sales --run 3 --log");
     return command;
 }
 
@@ -84,6 +92,11 @@ void ShowCommand::checkChoice(const CommonOptions& options) const {
                                             "and outliers are those of all rows");
     if (m_metrics && !m_field && !m_table)
         throw CommandError(ExitCode::Usage, "metrics of what? Name a table with --table or a field with --field");
+    if ((m_customMetrics || m_rules) && (m_field || !m_table))
+        throw CommandError(ExitCode::Usage, "custom metrics and rules belong to a table: name it with --table");
+    if (options.format == Format::Csv && m_table && !m_field && m_metrics + m_customMetrics + m_rules > 1)
+        throw CommandError(ExitCode::Usage,
+                           "a CSV file holds one list: choose one of --metrics, --custom-metrics and --rules");
     if (m_log && (m_field || m_table))
         throw CommandError(ExitCode::Usage, "the log belongs to the run: leave --table and --field out");
     if (options.format == Format::Csv && m_field && fieldLists + m_metrics != 1 && !(m_filter && fieldLists == 0))
@@ -126,8 +139,19 @@ void ShowCommand::showRun(Session& session, const CommonOptions& options) const 
 
 void ShowCommand::showTable(Session& session, const CommonOptions& options) const {
     const TableEntry table = session.table(*m_table);
-    Listing listing(options);
-    listMetrics(session, listing, table, MetricChoice::All);
+    const int wanted = m_metrics + m_customMetrics + m_rules;
+    // Programs get the same list whatever the table has.
+    const bool isOverview = wanted == 0 && options.format == Format::Text;
+    const bool withMetrics = m_metrics || wanted == 0;
+    const bool withCustom = m_customMetrics || (isOverview && hasCustomMetrics(session, table));
+    const bool withRules = m_rules || (isOverview && hasRules(session, table));
+    Listing listing(options, withMetrics + withCustom + withRules > 1 ? Sections::Several : Sections::One);
+    if (withMetrics)
+        listMetrics(session, listing, table, MetricChoice::All);
+    if (withCustom)
+        listCustomMetrics(session, listing, table);
+    if (withRules)
+        listRules(session, listing, &table);
     listing.finish();
 }
 

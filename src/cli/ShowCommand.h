@@ -32,6 +32,8 @@ class ShowCommand final : public Command {
     bool m_patterns = false;
     bool m_percentiles = false;
     bool m_outliers = false;
+    bool m_customMetrics = false;
+    bool m_rules = false;
     bool m_log = false;
 };
 

@@ -65,7 +65,7 @@ class Builder {
     }
     NodePtr fail(Position at, std::string message) {
         if (!m_error)
-            m_error = ExpressionError{std::move(message), at.line, at.column};
+            m_error = ExpressionError{std::move(message), at.line, at.column, {}};
         return nullptr;
     }
 
@@ -109,8 +109,12 @@ class Builder {
 
     NodePtr field(const Syntax& syntax) {
         const auto found = findField(syntax.text);
-        if (!found)
-            return fail(syntax.at, fmt::format("there is no field `{}`", syntax.text));
+        if (!found) {
+            if (!m_error)
+                m_error = ExpressionError{fmt::format("there is no field `{}`", syntax.text), syntax.at.line,
+                                          syntax.at.column, std::string(syntax.text)};
+            return nullptr;
+        }
         NodePtr node = makeNode(NodeKind::Field, m_fields[*found].type);
         node->field = *found;
         node->text = m_fields[*found].name;

@@ -37,6 +37,35 @@ std::size_t distance(std::string_view a, std::string_view b) {
     return last[b.size()];
 }
 
+/// The first name that stands twice.
+template <typename Entries>
+const std::string* repeatedName(const Entries& entries) {
+    std::set<std::string_view> names;
+    for (const auto& entry : entries)
+        if (!names.insert(entry.name).second)
+            return &entry.name;
+    return nullptr;
+}
+
+Status checkTable(const JobDescription& job, const TableDescription& table, std::span<const std::string> known) {
+    if (table.isFiltered()) {
+        const auto base = std::find_if(job.tables.begin(), job.tables.end(),
+                                       [&](const TableDescription& other) { return other.name == table.basedOn; });
+        if (base == job.tables.end())
+            return Error{fmt::format("{}Table \"{}\" is based on \"{}\", which the job does not have{}.",
+                                     table.where.place, table.name, table.basedOn, suggestion(table.basedOn, known))};
+        if (base->isFiltered())
+            return Error{fmt::format("{}Table \"{}\" is based on the filtered table \"{}\". Base it on \"{}\" and join "
+                                     "the conditions with \"and\".",
+                                     table.where.place, table.name, table.basedOn, base->basedOn)};
+    }
+    if (const std::string* name = repeatedName(table.metrics))
+        return Error{fmt::format("Table \"{}\" has two custom metrics \"{}\".", table.name, *name)};
+    if (const std::string* name = repeatedName(table.rules))
+        return Error{fmt::format("Table \"{}\" has two rules \"{}\".", table.name, *name)};
+    return {};
+}
+
 } // namespace
 
 std::string nearestWord(std::string_view word, std::span<const std::string> known) {
@@ -72,6 +101,9 @@ Status checkJob(const JobDescription& job) {
             return Error{fmt::format("Two tables of the job \"{}\" have the name \"{}\".", job.name, table.name)};
         known.push_back(table.name);
     }
+    for (const TableDescription& table : job.tables)
+        if (Status status = checkTable(job, table, known); !status)
+            return status;
     for (const auto& collection : job.collections)
         for (const auto& address : collection.fields)
             if (!names.contains(address.table))

@@ -9,6 +9,24 @@
 
 namespace tavix::profiling {
 
+std::string_view figureWord(Figure figure) {
+    switch (figure) {
+    case Figure::Count:
+        return "count";
+    case Figure::Sum:
+        return "sum";
+    case Figure::Average:
+        return "average";
+    case Figure::Minimum:
+        return "min";
+    case Figure::Maximum:
+        return "max";
+    case Figure::Metric:
+        return "metric";
+    }
+    return {};
+}
+
 Result<JobDescription> describeFiles(std::span<const std::string> files, const std::string& name,
                                      std::optional<char> delimiter, bool hasHeader) {
     if (files.empty())

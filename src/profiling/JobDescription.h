@@ -6,16 +6,60 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tavix::profiling {
 
-/// A table of a job: a text file for now.
+/// How many violating rows of a rule a run keeps unless the job says otherwise.
+inline constexpr std::size_t kRowLogLimit = 1000;
+
+/// An expression of a job. docs/expressions.md is the language.
+struct ExpressionText {
+    std::string text;
+    std::string place; ///< "FILE:LINE:COLUMN: " where it stands; empty when it comes from no file
+
+    bool operator==(const ExpressionText&) const = default;
+};
+
+/// What a custom metric makes of its expression: count the rows for which it is true, aggregate its values over the
+/// rows, or evaluate it once over the table's metrics.
+enum class Figure { Count, Sum, Average, Minimum, Maximum, Metric };
+
+/// The word for it in job files and in the repository.
+[[nodiscard]] std::string_view figureWord(Figure figure);
+
+struct CustomMetricDescription {
+    std::string name; ///< unique in the table
+    std::string outputName;
+    Figure figure = Figure::Count;
+    ExpressionText expression;
+
+    bool operator==(const CustomMetricDescription&) const = default;
+};
+
+/// A condition that every row of a table has to meet.
+struct RuleDescription {
+    std::string name; ///< unique in the table
+    ExpressionText condition;
+    std::size_t rowLogLimit = kRowLogLimit;
+
+    bool operator==(const RuleDescription&) const = default;
+};
+
+/// A table of a job: a text file, or the rows of another table of the job that pass a condition.
 struct TableDescription {
     std::string name;              ///< unique in the job; a file's name without its ending unless stated
-    std::string path;              ///< absolute
+    std::string path;              ///< absolute; empty for a filtered table
     std::optional<char> delimiter; ///< found in the file when not stated
     bool hasHeader = true;
+    std::string basedOn{}; ///< of a filtered table: the table of this job whose rows it filters
+    ExpressionText where{};
+    std::vector<std::string> key{}; ///< the fields by which people know a row
+    std::vector<CustomMetricDescription> metrics{};
+    std::vector<RuleDescription> rules{};
+
+    [[nodiscard]] bool isFiltered() const { return !basedOn.empty(); }
 
     bool operator==(const TableDescription&) const = default;
 };

@@ -1,6 +1,7 @@
 #include "profiling/JobChecks.h"
 #include "profiling/JobDescription.h"
 #include "profiling/JobSchema.h"
+#include "profiling/TableEntry.h"
 #include "profiling/YamlDocument.h"
 
 #include <fmt/format.h>
@@ -40,8 +41,10 @@ Result<std::string> readWhole(const std::string& path) {
 /// A document that follows the schema as the description of a job.
 class JobBuilder {
   public:
-    JobBuilder(const YamlDocument& document, std::filesystem::path folder)
-        : m_document(document), m_folder(std::move(folder)) {}
+    JobBuilder(const YamlDocument& document, const std::string& file, const std::filesystem::path& folder)
+        : m_document(document),
+          m_folder(folder),
+          m_tables(document, file, folder, document.value.value("row log limit", kRowLogLimit)) {}
 
     /// Throws a DocumentProblem.
     JobDescription build() {
@@ -52,9 +55,11 @@ class JobBuilder {
         const json& tables = root.at("tables");
         for (std::size_t i = 0; i < tables.size(); ++i)
             addTable(tables[i], pointerTo("/tables", std::to_string(i)));
-        m_job.dataSource = root.contains("source")
-                               ? root.at("source").get<std::string>()
-                               : std::filesystem::path(m_job.tables.front().path).parent_path().string();
+        for (std::size_t i = 0; i < tables.size(); ++i)
+            if (m_job.tables[i].isFiltered())
+                checkBase(m_job.tables[i], pointerTo(pointerTo("/tables", std::to_string(i)), "based on"));
+        m_job.dataSource = root.contains("source") ? root.at("source").get<std::string>()
+                                                   : std::filesystem::path(firstFile()).parent_path().string();
         if (const auto collections = root.find("collections"); collections != root.end())
             for (std::size_t i = 0; i < collections->size(); ++i)
                 addCollection((*collections)[i], pointerTo("/collections", std::to_string(i)));
@@ -62,6 +67,13 @@ class JobBuilder {
     }
 
   private:
+    /// There is one: a filtered table is based on it.
+    [[nodiscard]] const std::string& firstFile() const {
+        return std::find_if(m_job.tables.begin(), m_job.tables.end(),
+                            [](const TableDescription& table) { return !table.isFiltered(); })
+            ->path;
+    }
+
     [[noreturn]] void fail(const std::string& pointer, std::string text) const {
         throw DocumentProblem{m_document.valuePositions.at(pointer), std::move(text)};
     }
@@ -79,29 +91,23 @@ class JobBuilder {
     }
 
     void addTable(const json& entry, const std::string& pointer) {
-        TableDescription table;
-        const std::filesystem::path file = absolute(entry.at("file").get<std::string>());
-        table.path = file.string();
-        table.name = entry.contains("name") ? entry.at("name").get<std::string>() : file.stem().string();
-        const std::string namePointer = pointerTo(pointer, entry.contains("name") ? "name" : "file");
-        if (table.name.empty())
-            fail(namePointer, "this is not the name of a file");
+        TableDescription table = m_tables.read(entry, pointer);
         if (std::find(m_names.begin(), m_names.end(), table.name) != m_names.end())
-            fail(namePointer, fmt::format("there is already a table \"{}\"; give this one another name", table.name));
-        if (entry.contains("delimiter"))
-            table.delimiter = delimiterOf(entry.at("delimiter").get<std::string>(), pointerTo(pointer, "delimiter"));
-        table.hasHeader = entry.value("header", true);
+            fail(pointerTo(pointer, entry.contains("name") ? "name" : "file"),
+                 fmt::format("there is already a table \"{}\"; give this one another name", table.name));
         m_names.push_back(table.name);
         m_job.tables.push_back(std::move(table));
     }
 
-    [[nodiscard]] char delimiterOf(const std::string& text, const std::string& pointer) const {
-        if (text == "tab")
-            return '\t';
-        const char c = text.front();
-        if (text.size() != 1 || c == '"' || c == '\r' || c == '\n')
-            fail(pointer, "a delimiter is one ASCII character other than a quote and a line end");
-        return c;
+    void checkBase(const TableDescription& table, const std::string& pointer) const {
+        const auto base = std::find(m_names.begin(), m_names.end(), table.basedOn);
+        if (base == m_names.end())
+            failUnknownTable(table.basedOn, pointer);
+        const TableDescription& found = m_job.tables[static_cast<std::size_t>(base - m_names.begin())];
+        if (found.isFiltered())
+            fail(pointer, fmt::format("\"{}\" is a filtered table itself; base this one on \"{}\" and join the "
+                                      "conditions with \"and\"",
+                                      table.basedOn, found.basedOn));
     }
 
     void addCollection(const json& entry, const std::string& pointer) {
@@ -150,6 +156,7 @@ class JobBuilder {
 
     const YamlDocument& m_document;
     std::filesystem::path m_folder;
+    TableEntry m_tables;
     JobDescription m_job;
     std::vector<std::string> m_names;
     std::set<std::string> m_collections;
@@ -178,7 +185,7 @@ Result<JobDescription> readJobFile(const std::string& path) {
     if (failure)
         return Error{fmt::format("\"{}\" cannot be found: {}", path, failure.message())};
     try {
-        return JobBuilder(document, folder).build();
+        return JobBuilder(document, path, folder).build();
     } catch (const DocumentProblem& problem) {
         return located(path, problem);
     }

@@ -2,6 +2,8 @@
 
 #include "profiling/FieldFigures.h"
 #include "profiling/JobChecks.h"
+#include "profiling/TablePass.h"
+#include "profiling/TablePrograms.h"
 #include "profiling/ValueCounter.h"
 #include "repository/RunWriter.h"
 #include "source/TextFileReader.h"
@@ -70,6 +72,27 @@ Result<std::unique_ptr<TextFileReader>> openTable(const TableDescription& table)
     return TextFileReader::open(table.path, {table.delimiter, table.hasHeader});
 }
 
+using Columns = std::span<const std::string>;
+
+/// The table and those that are based on it, in the order of the job.
+std::vector<const TableDescription*> tablesOver(const JobDescription& job, const TableDescription& base) {
+    std::vector<const TableDescription*> tables{&base};
+    for (const TableDescription& table : job.tables)
+        if (table.basedOn == base.name && table.isFiltered())
+            tables.push_back(&table);
+    return tables;
+}
+
+Status checkFieldsOver(const JobDescription& job, const TableDescription& base, Columns columns) {
+    for (const TableDescription* table : tablesOver(job, base)) {
+        if (auto compiled = compileTable(*table, columns); !compiled)
+            return compiled.error();
+        if (Status status = checkCollectionFields(job, table->name, columns); !status)
+            return status;
+    }
+    return {};
+}
+
 /// The steps of one run; each returns at once when the watcher has cancelled, which is no error.
 class Run {
   public:
@@ -91,6 +114,8 @@ class Run {
         m_writer = std::move(*writer);
         for (std::size_t i = 0; i < m_job.tables.size() && !m_reporter.isCancelled(); ++i) {
             m_reporter.state.tableIndex = i;
+            if (m_job.tables[i].isFiltered())
+                continue; // made of the rows of another one, while those pass by
             if (Status status = profile(m_job.tables[i]); !status)
                 return status.error();
         }
@@ -112,40 +137,45 @@ class Run {
         if (Status status = checkJob(m_job); !status)
             return status;
         for (const TableDescription& table : m_job.tables) {
+            if (table.isFiltered())
+                continue;
             auto reader = openTable(table);
             if (!reader)
                 return Error{fmt::format("Table \"{}\": {}", table.name, reader.error().text)};
             m_reporter.state.bytesTotal += (*reader)->total();
-            if (Status status = checkCollectionFields(m_job, table.name, (*reader)->columnNames()); !status)
+            if (Status status = checkFieldsOver(m_job, table, (*reader)->columnNames()); !status)
                 return status;
         }
         return {};
     }
 
-    Status profile(const TableDescription& table) {
-        auto opened = openTable(table);
+    /// A table of the job and the filtered ones over it, in one pass over its source.
+    Status profile(const TableDescription& base) {
+        auto opened = openTable(base);
         if (!opened)
-            return Error{fmt::format("Table \"{}\": {}", table.name, opened.error().text)};
+            return Error{fmt::format("Table \"{}\": {}", base.name, opened.error().text)};
         TextFileReader& reader = **opened;
-        std::vector<ValueCounter> counters(reader.columnNames().size());
-        TableOutcome result;
-        result.name = table.name;
-        result.fields = counters.size();
-        if (Status status = count(table, reader, counters, result.rows); !status || m_reporter.isCancelled())
+        std::vector<std::unique_ptr<TablePass>> passes;
+        for (const TableDescription* table : tablesOver(m_job, base)) {
+            auto programs = compileTable(*table, reader.columnNames());
+            if (!programs)
+                return programs.error();
+            passes.push_back(std::make_unique<TablePass>(*table, reader.columnNames(), std::move(programs).value()));
+        }
+        if (Status status = read(base, reader, passes); !status || m_reporter.isCancelled())
             return status;
-        result.damagedRows = reader.damagedRowCount();
-        result.damage.assign(reader.damagedRows().begin(), reader.damagedRows().end());
-        if (Status status = store(table, reader, counters, result); !status)
-            return status;
+        for (const auto& pass : passes) {
+            if (Status status = store(*pass, base, reader, passes.front()->rows()); !status || m_reporter.isCancelled())
+                return status;
+        }
         m_bytesBefore += reader.position();
-        m_outcome.tables.push_back(std::move(result));
         return {};
     }
 
-    Status count(const TableDescription& table, TextFileReader& reader, std::vector<ValueCounter>& counters,
-                 std::int64_t& rows) {
+    Status read(const TableDescription& base, TextFileReader& reader,
+                std::span<const std::unique_ptr<TablePass>> passes) {
         ProgressState& state = m_reporter.state;
-        state.table = table.name;
+        state.table = base.name;
         state.rows = 0;
         state.phase = ProgressState::Phase::Reading;
         if (!m_reporter.report(true))
@@ -154,37 +184,52 @@ class Run {
         for (;;) {
             const auto more = reader.read(block);
             if (!more)
-                return Error{fmt::format("Table \"{}\": {}", table.name, more.error().text)};
-            // A column at a time, so that one hash table is in the cache.
-            for (std::size_t c = 0; c < counters.size() && *more; ++c)
-                counters[c].count(std::span(block.columns[c].data(), block.rows));
-            rows += static_cast<std::int64_t>(block.rows);
-            state.rows = rows;
+                return Error{fmt::format("Table \"{}\": {}", base.name, more.error().text)};
+            for (const auto& pass : passes)
+                if (*more)
+                    pass->take(block, state.rows + 1);
+            state.rows += static_cast<std::int64_t>(block.rows);
             state.bytesDone = m_bytesBefore + reader.position();
             if (!m_reporter.report() || !*more)
                 return {};
         }
     }
 
-    Status store(const TableDescription& table, const TextFileReader& reader, std::vector<ValueCounter>& counters,
-                 const TableOutcome& result) {
-        const auto id = m_writer->addTable(factsOf(table, reader, result));
+    Status store(TablePass& pass, const TableDescription& base, const TextFileReader& reader,
+                 std::int64_t rowsOfSource) {
+        const TableDescription& table = pass.description();
+        TableOutcome result;
+        result.name = table.name;
+        result.rows = pass.rows();
+        result.fields = pass.columns().size();
+        if (!table.isFiltered()) {
+            result.damagedRows = reader.damagedRowCount();
+            result.damage.assign(reader.damagedRows().begin(), reader.damagedRows().end());
+        }
+        const auto id = m_writer->addTable(factsOf(table, base, reader, result, rowsOfSource));
         if (!id)
             return id.error();
-        for (std::size_t c = 0; c < counters.size(); ++c) {
+        for (std::size_t c = 0; c < pass.columns().size(); ++c) {
             m_reporter.state.phase = ProgressState::Phase::Counting;
             if (!m_reporter.report())
                 return {};
-            counters[c].finish();
-            const FieldFigures figures = computeFigures(counters[c], reader.columnNames()[c], static_cast<int>(c) + 1);
+            ValueCounter& counter = pass.counter(c);
+            counter.finish();
+            const FieldFigures figures = computeFigures(counter, pass.columns()[c], static_cast<int>(c) + 1);
             m_reporter.state.phase = ProgressState::Phase::Storing;
             if (!m_reporter.report())
                 return {};
             if (Status status = m_writer->addField(*id, figures.facts); !status)
                 return status;
-            counters[c] = ValueCounter(); // wide tables: what is stored needs no memory
+            pass.keepMetrics(c, figures.facts.metrics);
+            counter = ValueCounter(); // wide tables: what is stored needs no memory
         }
-        return logDamage(*id, reader, result);
+        if (Status status = pass.storeRules(*m_writer, *id); !status)
+            return status;
+        if (Status status = logDamage(*id, reader, result); !status)
+            return status;
+        m_outcome.tables.push_back(std::move(result));
+        return {};
     }
 
     Status logDamage(int tableId, const TextFileReader& reader, const TableOutcome& result) {
@@ -201,19 +246,26 @@ class Run {
                                             isListCut ? "; the first ones are listed" : ""));
     }
 
-    [[nodiscard]] repository::TableFacts factsOf(const TableDescription& table, const TextFileReader& reader,
-                                                 const TableOutcome& result) const {
+    [[nodiscard]] repository::TableFacts factsOf(const TableDescription& table, const TableDescription& base,
+                                                 const TextFileReader& reader, const TableOutcome& result,
+                                                 std::int64_t rowsOfSource) const {
         repository::TableFacts facts;
         facts.dataSource = m_job.dataSource;
         facts.name = table.name;
         facts.isTextFile = true;
-        facts.textFile.path = table.path;
+        facts.textFile.path = base.path;
         facts.textFile.delimiter = reader.delimiter();
-        facts.textFile.hasHeader = table.hasHeader;
+        facts.textFile.hasHeader = base.hasHeader;
         facts.textFile.byteOrderMark = reader.hasByteOrderMark();
         facts.textFile.size = reader.total();
         facts.textFile.modified = reader.modified();
-        facts.totalRecords = result.rows;
+        if (table.isFiltered()) {
+            facts.name = table.basedOn;
+            facts.objectName = table.name;
+            facts.kind = repository::TableKind::Filter;
+            facts.filter = table.where.text;
+        }
+        facts.totalRecords = rowsOfSource;
         facts.processedRecords = result.rows;
         facts.damagedRecords = result.damagedRows;
         return facts;
@@ -240,6 +292,17 @@ class Run {
 };
 
 } // namespace
+
+Status checkFields(const JobDescription& job) {
+    for (const TableDescription& table : job.tables) {
+        if (table.isFiltered())
+            continue;
+        if (const auto reader = openTable(table); reader)
+            if (Status status = checkFieldsOver(job, table, (*reader)->columnNames()); !status)
+                return status;
+    }
+    return {};
+}
 
 Result<RunOutcome> runJob(const JobDescription& job, const std::string& repositoryPath, const RunOptions& options) {
     return Run(job, options).execute(repositoryPath);

@@ -32,11 +32,15 @@ class ProgressWatcher {
 
 struct TableOutcome {
     std::string name;
-    std::int64_t rows = 0;
+    std::int64_t rows = 0; ///< that the table has, of a filtered one those that passed
     std::size_t fields = 0;
     std::int64_t damagedRows = 0;
     std::vector<source::DamagedRow> damage; ///< the first ones
 };
+
+/// Whether keys, collections and the fields in expressions fit the tables that they speak of. A table that cannot be
+/// opened is passed over here; runJob says so, as it says all that this finds.
+[[nodiscard]] Status checkFields(const JobDescription& job);
 
 struct RunOutcome {
     bool cancelled = false;

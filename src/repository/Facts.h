@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -95,6 +96,44 @@ struct FieldFacts {
     /// In the order in which they are shown: count descending, then null first, then value by code point.
     std::span<const ValueCount> values;
     std::span<const ValueCount> patterns;
+};
+
+/// What a custom metric reads: a field's values, or one of its metrics.
+struct MetricInput {
+    std::string field;
+    std::optional<MetricId> metric;
+
+    bool operator==(const MetricInput&) const = default;
+};
+
+struct CustomMetricFacts {
+    std::string name;
+    std::string outputName;
+    bool isOverMetrics = false; ///< computed from the table's other metrics, else from its rows
+    std::string figure;         ///< count, sum, average, min, max; metric when it is computed from metrics
+    std::string expression;
+    std::vector<MetricInput> inputs;
+    KvbDatavar value;
+    std::int64_t usedRows = 0;  ///< rows that took part; of no meaning over metrics
+    std::int64_t errorRows = 0; ///< rows that could not be evaluated
+};
+
+/// A row that violates a rule.
+struct RuleRow {
+    std::int64_t record = 0; ///< its number in the source, from 1
+    std::vector<KvbString> values;
+};
+
+struct BusinessRuleFacts {
+    std::string name;
+    std::string condition;
+    std::vector<std::string> inputs; ///< fields of the table
+    std::int64_t checkedRows = 0;
+    std::int64_t failedRows = 0;         ///< rows for which the condition is not true, those that failed among them
+    std::int64_t errorRows = 0;          ///< rows for which it could not be evaluated
+    std::vector<std::string> logColumns; ///< of the row log: the key, then inputs that are no part of it
+    std::size_t keyColumns = 0;
+    std::vector<RuleRow> log; ///< the first violations
 };
 
 enum class LogLevel { Info = 0, Warning = 1, Error = 2 };

@@ -35,6 +35,21 @@ constexpr std::array kSweptTables{
     SweptTable{"DELETE FROM execution_log WHERE run = ?1 AND position IN "
                "(SELECT position FROM execution_log WHERE run = ?1 LIMIT ?2)",
                kRowsPerStep},
+    SweptTable{"DELETE FROM rule_row WHERE run = ?1 AND (rule, position) IN "
+               "(SELECT rule, position FROM rule_row WHERE run = ?1 LIMIT ?2)",
+               kRowsPerStep},
+    SweptTable{"DELETE FROM rule_input WHERE run = ?1 AND (rule, position) IN "
+               "(SELECT rule, position FROM rule_input WHERE run = ?1 LIMIT ?2)",
+               kRowsPerStep},
+    SweptTable{"DELETE FROM run_rule WHERE run = ?1 AND (table_id, position) IN "
+               "(SELECT table_id, position FROM run_rule WHERE run = ?1 LIMIT ?2)",
+               kRowsPerStep},
+    SweptTable{"DELETE FROM custom_metric_input WHERE run = ?1 AND (metric, position) IN "
+               "(SELECT metric, position FROM custom_metric_input WHERE run = ?1 LIMIT ?2)",
+               kRowsPerStep},
+    SweptTable{"DELETE FROM run_custom_metric WHERE run = ?1 AND (table_id, position) IN "
+               "(SELECT table_id, position FROM run_custom_metric WHERE run = ?1 LIMIT ?2)",
+               kRowsPerStep},
     SweptTable{"DELETE FROM run_field WHERE run = ?1 AND (table_id, position) IN "
                "(SELECT table_id, position FROM run_field WHERE run = ?1 LIMIT ?2)",
                kRowsPerStep},

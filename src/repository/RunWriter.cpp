@@ -1,8 +1,10 @@
 #include "repository/RunWriter.h"
 
+#include "repository/BindValue.h"
 #include "repository/Collections.h"
 #include "repository/DistributionStore.h"
 #include "repository/Identities.h"
+#include "repository/RuleStore.h"
 #include "repository/Schema.h"
 
 #include <fmt/format.h>
@@ -19,30 +21,15 @@ std::int64_t milliseconds(UtcTime time) {
     return time.time_since_epoch().count();
 }
 
-void bindText(sql::Statement& statement, int parameter, const KvbString& text) {
-    if (text.isNull())
-        statement.bindNull(parameter);
-    else
-        statement.bind(parameter, text.view());
-}
-
-void bindValue(sql::Statement& statement, int parameter, const KvbDatavar& value) {
-    const KvbDatavar::Storage& storage = value.storage();
-    if (const auto* integer = std::get_if<std::int64_t>(&storage))
-        statement.bind(parameter, *integer);
-    else if (const auto* real = std::get_if<double>(&storage))
-        statement.bind(parameter, *real);
-    else if (const auto* text = std::get_if<std::string>(&storage))
-        statement.bind(parameter, std::string_view(*text));
-    else
-        statement.bindNull(parameter);
-}
-
 std::int64_t sumOf(std::span<const ValueCount> rows) {
     std::uint64_t sum = 0;
     for (const ValueCount& row : rows)
         sum += row.count;
     return static_cast<std::int64_t>(sum);
+}
+
+Error noTable(int tableId) {
+    return Error{fmt::format("There is no table {} in this run.", tableId)};
 }
 
 constexpr int kFirstMetricParameter = 6;
@@ -64,6 +51,8 @@ struct RunWriter::Impl {
     struct Table {
         std::string name;
         int fields = 0;
+        int metrics = 0;
+        int rules = 0;
     };
 
     std::unique_ptr<sql::Connection> connection;
@@ -98,6 +87,8 @@ struct RunWriter::Impl {
     Status storeField(int tableId, int field, const FieldFacts& facts);
     Status storePercentiles(int field, std::span<const Percentile> percentiles);
     Status storeOutliers(int field, std::span<const Outlier> outliers);
+    Status addCustomMetric(int tableId, const CustomMetricFacts& facts);
+    Status addBusinessRule(int tableId, const BusinessRuleFacts& facts);
     Status addLog(int tableId, LogLevel level, std::string_view text);
     Status addCollection(const CollectionFacts& facts);
     Result<int> findField(const FieldAddress& address);
@@ -160,7 +151,7 @@ Status RunWriter::Impl::storeTable(int table, const TableFacts& facts) {
 Status RunWriter::Impl::addField(int tableId, const FieldFacts& facts) {
     auto table = tables.find(tableId);
     if (table == tables.end())
-        return Error{fmt::format("There is no table {} in this run.", tableId)};
+        return noTable(tableId);
     auto field = fieldIdentity(*connection, tableId, facts.name);
     if (!field)
         return field.error();
@@ -224,6 +215,26 @@ Status RunWriter::Impl::storeOutliers(int field, std::span<const Outlier> outlie
         if (auto done = insert->run(); !done)
             return done;
     }
+    return {};
+}
+
+Status RunWriter::Impl::addCustomMetric(int tableId, const CustomMetricFacts& facts) {
+    auto table = tables.find(tableId);
+    if (table == tables.end())
+        return noTable(tableId);
+    if (auto stored = storeCustomMetric(*connection, {run, tableId, ++table->second.metrics}, facts); !stored)
+        return Error{fmt::format("The custom metric \"{}\" of \"{}\" could not be stored. {}", facts.name,
+                                 table->second.name, stored.error().text)};
+    return {};
+}
+
+Status RunWriter::Impl::addBusinessRule(int tableId, const BusinessRuleFacts& facts) {
+    auto table = tables.find(tableId);
+    if (table == tables.end())
+        return noTable(tableId);
+    if (auto stored = storeBusinessRule(*connection, {run, tableId, ++table->second.rules}, facts); !stored)
+        return Error{fmt::format("The rule \"{}\" of \"{}\" could not be stored. {}", facts.name, table->second.name,
+                                 stored.error().text)};
     return {};
 }
 
@@ -342,6 +353,18 @@ Status RunWriter::addField(int tableId, const FieldFacts& field) {
     if (auto open = m_impl->requireOpen(); !open)
         return open;
     return m_impl->conclude(m_impl->addField(tableId, field));
+}
+
+Status RunWriter::addCustomMetric(int tableId, const CustomMetricFacts& metric) {
+    if (auto open = m_impl->requireOpen(); !open)
+        return open;
+    return m_impl->conclude(m_impl->addCustomMetric(tableId, metric));
+}
+
+Status RunWriter::addBusinessRule(int tableId, const BusinessRuleFacts& rule) {
+    if (auto open = m_impl->requireOpen(); !open)
+        return open;
+    return m_impl->conclude(m_impl->addBusinessRule(tableId, rule));
 }
 
 Status RunWriter::addLog(int tableId, LogLevel level, std::string_view text) {

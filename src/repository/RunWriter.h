@@ -37,6 +37,9 @@ class RunWriter {
     /// Begins a table; its fields follow by addField. Returns the table's id.
     [[nodiscard]] Result<int> addTable(const TableFacts& table);
     [[nodiscard]] Status addField(int tableId, const FieldFacts& field);
+    /// The fields that these read must have been added. Names are unique within the table.
+    [[nodiscard]] Status addCustomMetric(int tableId, const CustomMetricFacts& metric);
+    [[nodiscard]] Status addBusinessRule(int tableId, const BusinessRuleFacts& rule);
     /// A line of the run's execution log; `tableId` 0 for the run as a whole.
     [[nodiscard]] Status addLog(int tableId, LogLevel level, std::string_view text);
     /// Makes the collection or adds to the one of this name; its fields must stand in tables of this run.

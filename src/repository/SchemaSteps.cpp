@@ -1,4 +1,5 @@
 #include "repository/Schema.h"
+#include "repository/SchemaVersion2.h"
 
 #include <array>
 
@@ -338,11 +339,10 @@ SELECT c.id AS collection_id, c.name AS collection, c.description, m.field AS fi
 FROM collection c JOIN collection_field m ON m.collection = c.id JOIN field f ON f.id = m.field;
 )sql";
 
-constexpr std::array kSteps{kVersion1};
-
 } // namespace
 
 std::span<const char* const> schemaSteps() {
+    static const std::array kSteps{kVersion1, kSchemaVersion2};
     return kSteps;
 }
 

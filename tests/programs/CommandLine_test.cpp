@@ -292,6 +292,53 @@ TEST_F(CommandLine, JobFilesAreCheckedBeforeAnythingRuns) {
     EXPECT_EQ(runCount(), 1U);
 }
 
+TEST_F(CommandLine, RulesAndCustomMetricsOfAJobAreListed) {
+    write("job.yaml", "job: checked\n"
+                      "row log limit: 1\n"
+                      "tables:\n"
+                      "  - file: people.csv\n"
+                      "    key: [id]\n"
+                      "    custom metrics:\n"
+                      "      - {name: From Bern, output: people, count: \"`city` == 'Bern'\"}\n"
+                      "    rules:\n"
+                      "      - {name: Has a city, condition: \"not isnull(`city`)\"}\n"
+                      "      - {name: Plain name, condition: \"matches(`name`, '[A-Z][a-z]+')\"}\n"
+                      "  - name: bernese\n"
+                      "    based on: people\n"
+                      "    where: \"`city` == 'Bern'\"\n"
+                      "    rules: [{name: Plain name, condition: 'true'}]\n");
+    ASSERT_EQ(run({"profile", m_folder.file("job.yaml")}).exitCode, 0);
+    const json tables = asJson({"tables", "--job", "checked"});
+    ASSERT_EQ(tables.size(), 2U);
+    EXPECT_EQ(tables[1]["kind"], "filter");
+    EXPECT_EQ(tables[1]["records"], 4);
+    EXPECT_EQ(tables[1]["processed_records"], 2);
+
+    const json shown = asJson({"show", "--job", "checked", "--table", "people", "--custom-metrics", "--rules"});
+    EXPECT_EQ(shown["custom_metrics"][0]["output"], "people");
+    EXPECT_EQ(shown["custom_metrics"][0]["value"], 2);
+    EXPECT_EQ(shown["rules"].size(), 2U);
+    EXPECT_EQ(shown["rules"][1]["failed_rows"], 2);
+    EXPECT_EQ(shown["rules"][1]["percent_of_rows"], 50.0);
+    EXPECT_TRUE(asJson({"show", "--job", "checked", "--table", "people"}).is_array()) << "as without rules";
+    EXPECT_EQ(asJson({"rules", "--job", "checked"}).size(), 3U);
+    const Outcome text = run({"show", "--job", "checked", "--table", "people"});
+    EXPECT_THAT(text.out, AllOf(HasSubstr("Custom metrics of people"), HasSubstr("Rules of people")));
+
+    EXPECT_EQ(asCsv({"rules", "--job", "checked", "--table", "people", "--rule", "Plain name"}),
+              readCsv("row_number,id,name\n3,3,\"Cid, the \"\"old\"\"\"\n"));
+    EXPECT_THAT(run({"rules", "--job", "checked", "--table", "people", "--rule", "Plain name"}).err,
+                HasSubstr("the run kept the first 1 of 2 rows"));
+    expectFailure(2, {"rules", "--job", "checked", "--rule", "Plain name"}, "\"people\", \"bernese\"");
+    expectFailure(2, {"rules", "--job", "checked", "--rule", "Plane name"}, "\"Plain name\"");
+    expectFailure(2, {"rules", "--job", "checked", "--limit", "3"}, "--rule");
+    expectFailure(2, {"show", "--job", "checked", "--rules"}, "--table");
+
+    write("wrong.yaml", "job: checked\ntables:\n  - file: people.csv\n"
+                        "    rules: [{name: R, condition: \"`town` == 'Bern'\"}]\n");
+    expectFailure(2, {"profile", m_folder.file("wrong.yaml")}, "wrong.yaml:4:34: the rule \"R\": line 1, column 1: ");
+}
+
 TEST_F(CommandLine, DamagedRowsAreCountedAndNamed) {
     write("broken.csv", "a,b\n1,2\n3\n4,5,6\n");
     const Outcome outcome = run({"profile", m_folder.file("broken.csv"), "--format", "json"});

@@ -231,8 +231,6 @@ TEST_F(PrViewerTest, WhatIsNotBuiltSaysSo) {
         EXPECT_TRUE(failed);
         EXPECT_THAT(error(), ::testing::EndsWith("not available in this version."));
     };
-    unavailable(!m_viewer->getCustomMetrics(1));
-    unavailable(!m_viewer->getBusinessRules(1));
     unavailable(!m_viewer->getRdaResults(1, 1, 2));
     unavailable(!m_viewer->drillDown(1, "x", true, nullptr, nullptr));
     unavailable(!m_viewer->generatePKFKAnalysis(1, 2));

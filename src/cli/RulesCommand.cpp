@@ -1,0 +1,56 @@
+#include "cli/RulesCommand.h"
+
+#include "cli/CommandError.h"
+#include "cli/Console.h"
+#include "cli/FieldLists.h"
+#include "cli/RuleLists.h"
+#include "cli/RunChoice.h"
+#include "cli/Session.h"
+
+#include <CLI/App.hpp>
+#include <fmt/format.h>
+
+namespace tavix::cli {
+
+CLI::App* RulesCommand::declare(CLI::App& program) {
+    CLI::App* command = program.add_subcommand("rules", "List the business rules, or the rows that violate one");
+    command->add_option("-t,--table", m_table, "Only the rules of this table")->type_name("NAME");
+    command->add_option("--rule", m_rule, "The rows that violate this rule, as many of the first ones as were kept")
+        ->type_name("NAME");
+    command->add_option("-n,--limit", m_limit, "At most so many rows")
+        ->type_name("N")
+        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
+    addRunChoice(*command, m_job, m_run);
+    command->footer(
+        "A row violates a rule unless the rule's condition is true. Its number is the one in its source, from\n"
+        "1 and without the heading; then come the fields of the table's key and those that the condition\n"
+        "reads. How many rows are kept of each rule is said in the job file.\n\n"
+        "Examples:\n"
+        "  tavix rules -R profile.tavix\n"
+        "  tavix rules -R profile.tavix --table orders --rule \"Price is positive\" --format csv");
+    return command;
+}
+
+void RulesCommand::run(const CommonOptions& options) {
+    if (m_limit && !m_rule)
+        throw CommandError(ExitCode::Usage, "the limit is for the rows of a rule: name it with --rule");
+    Session session(options.repository);
+    session.selectJob(m_job);
+    session.selectRun(m_run);
+    const std::optional<TableEntry> table = m_table ? std::optional(session.table(*m_table)) : std::nullopt;
+    const TableEntry* const chosen = table ? &*table : nullptr;
+    if (!m_rule) {
+        Listing listing(options);
+        listRules(session, listing, chosen);
+        listing.finish();
+        return;
+    }
+    const RuleEntry rule = findRule(session, *m_rule, chosen);
+    Listing listing(options);
+    listViolations(session, listing, rule, m_limit.value_or(kNoLimit));
+    listing.finish();
+    if (rule.loggedRows < rule.failedRows)
+        say(fmt::format("the run kept the first {} of {} rows", rule.loggedRows, rule.failedRows));
+}
+
+} // namespace tavix::cli

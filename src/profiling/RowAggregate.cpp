@@ -1,0 +1,82 @@
+#include "profiling/RowAggregate.h"
+
+#include "base/NumberText.h"
+#include "expression/Conversion.h"
+#include "profiling/OrderedNumbers.h"
+
+#include <cmath>
+#include <limits>
+
+namespace tavix::profiling {
+
+using expression::Type;
+using expression::Value;
+
+void RowAggregate::add(const Value& value) {
+    if (value.isNull())
+        return;
+    if (m_figure == Figure::Minimum || m_figure == Figure::Maximum)
+        addExtreme(value);
+    else
+        addNumber(value);
+}
+
+void RowAggregate::addNumber(const Value& value) {
+    if (value.type == Type::Integer) {
+        m_integers += value.integer;
+    } else if (value.type == Type::Real) {
+        m_reals += value.real;
+        m_hasReals = true;
+    } else if (const auto integer = parseInteger(value.text)) {
+        m_integers += *integer;
+    } else if (const auto real = parseNumber(value.text)) {
+        m_reals += *real;
+        m_hasReals = true;
+    } else {
+        return;
+    }
+    ++m_used;
+}
+
+void RowAggregate::addExtreme(const Value& value) {
+    if (++m_used > 1) {
+        const int order = expression::compareValues(value, m_extreme);
+        if (m_figure == Figure::Minimum ? order >= 0 : order <= 0)
+            return;
+    }
+    m_extreme = value;
+    if (value.type == Type::Text) {
+        m_extremeText = value.text;
+        m_extreme.text = m_extremeText;
+    }
+}
+
+KvbDatavar RowAggregate::result() const {
+    if (m_used == 0)
+        return {};
+    if (m_figure == Figure::Minimum || m_figure == Figure::Maximum)
+        return figureOf(m_extreme);
+    const bool isExact = !m_hasReals && m_integers >= std::numeric_limits<std::int64_t>::min() &&
+                         m_integers <= std::numeric_limits<std::int64_t>::max();
+    if (m_figure == Figure::Sum && isExact)
+        return static_cast<std::int64_t>(m_integers);
+    const long double sum = static_cast<long double>(m_integers) + m_reals;
+    const auto figure = static_cast<double>(m_figure == Figure::Sum ? sum : sum / static_cast<long double>(m_used));
+    return std::isfinite(figure) ? numberFigure(figure) : KvbDatavar();
+}
+
+KvbDatavar figureOf(const Value& value) {
+    expression::Scratch scratch;
+    switch (value.type) {
+    case Type::Integer:
+        return value.integer;
+    case Type::Real:
+        return numberFigure(value.real);
+    case Type::Null:
+        return {};
+    default:
+        return std::string(expression::convert(value, Type::Text, scratch).text);
+    }
+}
+
+} // namespace tavix::profiling

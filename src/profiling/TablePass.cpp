@@ -1,0 +1,219 @@
+#include "profiling/TablePass.h"
+
+#include "expression/RowEvaluator.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <numeric>
+
+namespace tavix::profiling {
+
+namespace {
+
+std::vector<bool> columnsOf(std::span<const expression::Program* const> programs, std::size_t columns) {
+    std::vector<bool> used(columns);
+    for (const expression::Program* program : programs)
+        for (const std::size_t column : usedColumns(*program))
+            used[column] = true;
+    return used;
+}
+
+std::vector<bool> whereColumns(const TablePrograms& programs, std::size_t columns) {
+    std::vector<const expression::Program*> list;
+    if (programs.where)
+        list.push_back(&*programs.where);
+    return columnsOf(list, columns);
+}
+
+std::vector<bool> ruleColumns(const TableDescription& table, const TablePrograms& programs, std::size_t columns) {
+    std::vector<const expression::Program*> list;
+    for (std::size_t i = 0; i < programs.metrics.size(); ++i)
+        if (table.metrics[i].figure != Figure::Metric)
+            list.push_back(&programs.metrics[i]);
+    for (const expression::Program& rule : programs.rules)
+        list.push_back(&rule);
+    return columnsOf(list, columns);
+}
+
+/// The key, then the inputs of the rule that are no part of it.
+std::vector<std::size_t> logColumns(const std::vector<std::size_t>& key, const expression::Program& rule) {
+    std::vector<std::size_t> columns = key;
+    for (const std::size_t column : usedColumns(rule))
+        if (std::find(key.begin(), key.end(), column) == key.end())
+            columns.push_back(column);
+    return columns;
+}
+
+} // namespace
+
+TablePass::TablePass(const TableDescription& description, std::span<const std::string> columns, TablePrograms programs)
+    : m_description(description),
+      m_columns(columns),
+      m_programs(std::move(programs)),
+      m_counters(columns.size()),
+      m_whereColumns(whereColumns(m_programs, columns.size())),
+      m_ruleColumns(ruleColumns(description, m_programs, columns.size())) {
+    if (m_programs.where)
+        m_where.emplace(*m_programs.where);
+    for (std::size_t i = 0; i < m_programs.metrics.size(); ++i) {
+        const Figure figure = description.metrics[i].figure;
+        m_metricPasses.push_back(
+            figure == Figure::Metric ? nullptr : std::make_unique<MetricPass>(figure, m_programs.metrics[i]));
+        m_hasRowPrograms = m_hasRowPrograms || figure != Figure::Metric;
+    }
+    for (std::size_t i = 0; i < m_programs.rules.size(); ++i)
+        m_rulePasses.push_back(std::make_unique<RulePass>(
+            m_programs.rules[i], logColumns(m_programs.key, m_programs.rules[i]), description.rules[i].rowLogLimit));
+    m_hasRowPrograms = m_hasRowPrograms || !m_rulePasses.empty();
+    if (!m_programs.figures.empty())
+        m_metrics.resize(columns.size());
+}
+
+void TablePass::take(const source::RowBlock& block, std::int64_t firstRecord) {
+    if ((m_where || m_hasRowPrograms) && m_allRows.size() < block.rows) {
+        m_allRows.resize(block.rows);
+        std::iota(m_allRows.begin(), m_allRows.end(), 0U);
+    }
+    if (m_where) {
+        select(block, firstRecord);
+        countSelected(block);
+        m_rows += static_cast<std::int64_t>(m_selectedRows.size());
+    } else {
+        // A column at a time, so that one hash table is in the cache.
+        for (std::size_t c = 0; c < m_counters.size(); ++c)
+            m_counters[c].count(std::span(block.columns[c].data(), block.rows));
+        m_rows += static_cast<std::int64_t>(block.rows);
+    }
+    if (m_hasRowPrograms)
+        evaluate(block, firstRecord);
+}
+
+void TablePass::select(const source::RowBlock& block, std::int64_t firstRecord) {
+    m_selectedRows.clear();
+    for (std::size_t first = 0; first < block.rows;) {
+        const auto rest =
+            std::span<const std::uint32_t>(m_allRows).subspan(first, std::min(BlockColumns::kRows, block.rows - first));
+        const auto taken = m_whereColumns.take(block, rest);
+        const RowSlice slice{block, rest.first(taken.rows), *taken.block, firstRecord};
+        for (const std::uint32_t row : m_where->passing(slice))
+            m_selectedRows.push_back(rest[row]);
+        first += taken.rows;
+    }
+}
+
+void TablePass::countSelected(const source::RowBlock& block) {
+    m_cells.resize(m_selectedRows.size());
+    for (std::size_t c = 0; c < m_counters.size(); ++c) {
+        const std::vector<source::Cell>& cells = block.columns[c];
+        for (std::size_t i = 0; i < m_selectedRows.size(); ++i)
+            m_cells[i] = cells[m_selectedRows[i]];
+        m_counters[c].count(m_cells);
+    }
+}
+
+void TablePass::evaluate(const source::RowBlock& block, std::int64_t firstRecord) {
+    const auto rows = m_where ? std::span<const std::uint32_t>(m_selectedRows)
+                              : std::span<const std::uint32_t>(m_allRows).first(block.rows);
+    for (std::size_t first = 0; first < rows.size();) {
+        const auto rest = rows.subspan(first, std::min(BlockColumns::kRows, rows.size() - first));
+        const auto taken = m_ruleColumns.take(block, rest);
+        const RowSlice slice{block, rest.first(taken.rows), *taken.block, firstRecord};
+        for (const auto& metric : m_metricPasses)
+            if (metric)
+                metric->take(slice);
+        for (const auto& rule : m_rulePasses)
+            rule->take(slice);
+        first += taken.rows;
+    }
+}
+
+void TablePass::keepMetrics(std::size_t column, const std::array<KvbDatavar, kMetricCount>& metrics) {
+    if (!m_metrics.empty())
+        m_metrics[column] = metrics;
+}
+
+Status TablePass::storeRules(repository::RunWriter& writer, int tableId) {
+    if (m_where)
+        if (Status status = log(writer, tableId, "The condition of the table", m_where->failures()); !status)
+            return status;
+    if (Status status = storeMetrics(writer, tableId); !status)
+        return status;
+    for (std::size_t i = 0; i < m_rulePasses.size(); ++i) {
+        RulePass& pass = *m_rulePasses[i];
+        const RuleDescription& rule = m_description.rules[i];
+        repository::BusinessRuleFacts facts;
+        facts.name = rule.name;
+        facts.condition = rule.condition.text;
+        for (const std::size_t column : usedColumns(m_programs.rules[i]))
+            facts.inputs.push_back(m_columns[column]);
+        facts.checkedRows = pass.checkedRows();
+        facts.failedRows = pass.failedRows();
+        facts.errorRows = pass.failures().count();
+        for (const std::size_t column : pass.logColumns())
+            facts.logColumns.push_back(m_columns[column]);
+        facts.keyColumns = m_programs.key.size();
+        facts.log = pass.takeLog();
+        if (Status status = writer.addBusinessRule(tableId, facts); !status)
+            return status;
+        if (Status status = log(writer, tableId, fmt::format("The rule \"{}\"", rule.name), pass.failures()); !status)
+            return status;
+    }
+    return {};
+}
+
+Status TablePass::storeMetrics(repository::RunWriter& writer, int tableId) {
+    // The figures in the order in which the programs over metrics have their fields.
+    std::vector<KvbDatavar> figures;
+    for (const TableFigure& figure : m_programs.figures)
+        if (figure.column)
+            figures.push_back(m_metrics[*figure.column][index(figure.metric)]);
+        else if (figures.empty())
+            figures.emplace_back(m_rows);
+    for (std::size_t i = 0; i < m_metricPasses.size(); ++i) {
+        const CustomMetricDescription& metric = m_description.metrics[i];
+        repository::CustomMetricFacts facts;
+        facts.name = metric.name;
+        facts.outputName = metric.outputName;
+        facts.isOverMetrics = metric.figure == Figure::Metric;
+        facts.figure = figureWord(metric.figure);
+        facts.expression = metric.expression.text;
+        facts.inputs = m_programs.inputsOf(i, facts.isOverMetrics, m_columns);
+        std::string failure;
+        if (const auto& pass = m_metricPasses[i]) {
+            facts.value = pass->result();
+            facts.usedRows = pass->usedRows();
+            facts.errorRows = pass->failures().count();
+        } else {
+            std::vector<expression::Value> values;
+            for (const KvbDatavar& figure : figures)
+                values.push_back(expression::Value::ofCell(figure));
+            expression::RowEvaluator evaluator(m_programs.metrics[i]);
+            facts.value = figureOf(evaluator.evaluate(values));
+            failure = evaluator.failure();
+        }
+        if (!m_programs.figures.empty())
+            figures.push_back(facts.value);
+        if (Status status = writer.addCustomMetric(tableId, facts); !status)
+            return status;
+        const std::string what = fmt::format("The custom metric \"{}\"", metric.name);
+        if (!failure.empty())
+            if (Status status = writer.addLog(tableId, repository::LogLevel::Warning,
+                                              fmt::format("{} could not be evaluated: {}", what, failure));
+                !status)
+                return status;
+        if (const auto& pass = m_metricPasses[i])
+            if (Status status = log(writer, tableId, what, pass->failures()); !status)
+                return status;
+    }
+    return {};
+}
+
+Status TablePass::log(repository::RunWriter& writer, int tableId, const std::string& what,
+                      const RowFailures& failures) const {
+    if (failures.count() == 0)
+        return {};
+    return writer.addLog(tableId, repository::LogLevel::Warning, fmt::format("{}: {}.", what, failures.text()));
+}
+
+} // namespace tavix::profiling

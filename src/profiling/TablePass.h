@@ -1,0 +1,67 @@
+#pragma once
+
+#include "profiling/BlockColumns.h"
+#include "profiling/RowPrograms.h"
+#include "profiling/TablePrograms.h"
+#include "profiling/ValueCounter.h"
+#include "repository/RunWriter.h"
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace tavix::profiling {
+
+/// One table while the rows of its source pass by: the counters of its fields, its condition when it is a filtered one,
+/// its custom metrics and its rules. Any number of tables may look at the same rows.
+class TablePass {
+  public:
+    /// `description` and `columns` must outlive the pass.
+    TablePass(const TableDescription& description, std::span<const std::string> columns, TablePrograms programs);
+
+    /// `firstRecord` is the number of the block's first row in its source, from 1.
+    void take(const source::RowBlock& block, std::int64_t firstRecord);
+
+    [[nodiscard]] const TableDescription& description() const { return m_description; }
+    [[nodiscard]] std::span<const std::string> columns() const { return m_columns; }
+    [[nodiscard]] ValueCounter& counter(std::size_t column) { return m_counters[column]; }
+    /// Rows that belong to the table.
+    [[nodiscard]] std::int64_t rows() const { return m_rows; }
+
+    /// A field's figures, for the custom metrics over metrics.
+    void keepMetrics(std::size_t column, const std::array<KvbDatavar, kMetricCount>& metrics);
+    /// Stores custom metrics and rules and logs what could not be evaluated. The table's fields must stand in the
+    /// writer, and their figures must have been kept.
+    [[nodiscard]] Status storeRules(repository::RunWriter& writer, int tableId);
+
+  private:
+    void select(const source::RowBlock& block, std::int64_t firstRecord);
+    void countSelected(const source::RowBlock& block);
+    void evaluate(const source::RowBlock& block, std::int64_t firstRecord);
+    Status storeMetrics(repository::RunWriter& writer, int tableId);
+    Status log(repository::RunWriter& writer, int tableId, const std::string& what, const RowFailures& failures) const;
+
+    const TableDescription& m_description;
+    std::span<const std::string> m_columns;
+    TablePrograms m_programs;
+    std::vector<ValueCounter> m_counters;
+    std::int64_t m_rows = 0;
+
+    std::optional<ConditionPass> m_where;
+    BlockColumns m_whereColumns;
+    std::vector<std::uint32_t> m_allRows;      ///< 0, 1, 2, ...
+    std::vector<std::uint32_t> m_selectedRows; ///< of the current block
+    std::vector<source::Cell> m_cells;
+
+    BlockColumns m_ruleColumns;
+    std::vector<std::unique_ptr<MetricPass>> m_metricPasses; ///< beside the description's; null over metrics
+    std::vector<std::unique_ptr<RulePass>> m_rulePasses;
+    bool m_hasRowPrograms = false;
+    std::vector<std::array<KvbDatavar, kMetricCount>> m_metrics; ///< by column, when a custom metric needs them
+};
+
+} // namespace tavix::profiling

@@ -1,0 +1,190 @@
+#include "profiling/TablePrograms.h"
+
+#include "profiling/JobChecks.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace tavix::profiling {
+
+namespace {
+
+using expression::Field;
+using expression::Program;
+using expression::Type;
+using expression::Wanted;
+
+/// Whether the result of an expression can be summed up: a text counts as the number that it is.
+bool isSummable(Type type) {
+    return type != Type::Boolean && type != Type::Date;
+}
+
+Type typeOf(MetricId metric) {
+    switch (metric) {
+    case MetricId::Mean:
+    case MetricId::StandardDeviation:
+    case MetricId::StandardError:
+    case MetricId::UniquePercent:
+    case MetricId::PercentNull:
+        return Type::Real;
+    case MetricId::MinimumValue:
+    case MetricId::MaximumValue:
+    case MetricId::Median:
+    case MetricId::Mode:
+    case MetricId::DefinedType:
+    case MetricId::ActualType:
+    case MetricId::PrimaryKey:
+    case MetricId::Nullable:
+        return Type::Text;
+    default:
+        return Type::Integer;
+    }
+}
+
+/// Of the value of a custom metric, for those that are computed from it.
+Type typeOf(Figure figure, const Program& program) {
+    if (figure == Figure::Count)
+        return Type::Integer;
+    return figure == Figure::Sum || figure == Figure::Average ? Type::Real : program.type();
+}
+
+std::vector<TableFigure> tableFigures(std::span<const std::string> columns) {
+    std::vector<TableFigure> figures{{"Records", Type::Integer, {}, MetricId::Count}};
+    for (std::size_t c = 0; c < columns.size(); ++c)
+        for (const MetricInfo& info : metricCatalogue())
+            figures.push_back({fmt::format("{}:{}", columns[c], info.name), typeOf(info.id), c, info.id});
+    return figures;
+}
+
+std::vector<Field> fieldsOf(std::span<const TableFigure> figures) {
+    std::vector<Field> fields;
+    for (const TableFigure& figure : figures)
+        fields.push_back({figure.name, figure.type});
+    return fields;
+}
+
+Result<Program> compileOne(const ExpressionText& text, const std::string& what, std::span<const Field> fields,
+                           Wanted wanted) {
+    expression::Compiled compiled = expression::compile(text.text, fields, wanted);
+    if (compiled.ok())
+        return std::move(*compiled.program);
+    std::string hint;
+    if (!compiled.error.missingField.empty()) {
+        std::vector<std::string> names;
+        for (const Field& field : fields)
+            names.push_back(field.name);
+        hint = suggestion(compiled.error.missingField, names);
+    }
+    return Error{fmt::format("{}{}: {}{}", text.place, what, expression::describe(compiled.error), hint)};
+}
+
+/// Compiles what a table has, one kind after the other.
+class Compiler {
+  public:
+    Compiler(const TableDescription& table, std::span<const std::string> columns) : m_table(table), m_columns(columns) {
+        for (const std::string& name : columns)
+            m_fields.push_back({name, Type::Text});
+    }
+
+    Result<TablePrograms> compile() {
+        if (m_table.isFiltered()) {
+            auto where = compileOne(m_table.where, fmt::format("the condition of the table \"{}\"", m_table.name),
+                                    m_fields, Wanted::Condition);
+            if (!where)
+                return where.error();
+            m_programs.where = std::move(where).value();
+        }
+        if (Status status = findKey(); !status)
+            return status.error();
+        for (const CustomMetricDescription& metric : m_table.metrics)
+            if (Status status = add(metric); !status)
+                return status.error();
+        for (const RuleDescription& rule : m_table.rules) {
+            auto program =
+                compileOne(rule.condition, fmt::format("the rule \"{}\"", rule.name), m_fields, Wanted::Condition);
+            if (!program)
+                return program.error();
+            m_programs.rules.push_back(std::move(program).value());
+        }
+        return std::move(m_programs);
+    }
+
+  private:
+    Status findKey() {
+        for (const std::string& name : m_table.key) {
+            const auto column = std::find(m_columns.begin(), m_columns.end(), name);
+            if (column == m_columns.end())
+                return Error{fmt::format("The key of the table \"{}\": there is no field \"{}\"{}.", m_table.name, name,
+                                         suggestion(name, m_columns))};
+            m_programs.key.push_back(static_cast<std::size_t>(column - m_columns.begin()));
+        }
+        return {};
+    }
+
+    Status add(const CustomMetricDescription& metric) {
+        const std::string what = fmt::format("the custom metric \"{}\"", metric.name);
+        const bool isOverMetrics = metric.figure == Figure::Metric;
+        if (isOverMetrics && m_programs.figures.empty())
+            beginFigures();
+        auto program = compileOne(metric.expression, what, isOverMetrics ? m_figureFields : m_fields,
+                                  metric.figure == Figure::Count ? Wanted::Condition : Wanted::Value);
+        if (!program)
+            return program.error();
+        if ((metric.figure == Figure::Sum || metric.figure == Figure::Average) && !isSummable(program->type()))
+            return Error{fmt::format("{}{}: a number is wanted here, and this is of type {}", metric.expression.place,
+                                     what, expression::typeName(program->type()))};
+        m_programs.metrics.push_back(std::move(program).value());
+        if (!m_programs.figures.empty())
+            addFigure(m_programs.metrics.size() - 1);
+        return {};
+    }
+
+    /// Only tables with metrics over metrics pay for it.
+    void beginFigures() {
+        m_programs.figures = tableFigures(m_columns);
+        m_figureFields = fieldsOf(m_programs.figures);
+        for (std::size_t i = 0; i < m_programs.metrics.size(); ++i)
+            addFigure(i);
+    }
+    void addFigure(std::size_t metric) {
+        const CustomMetricDescription& description = m_table.metrics[metric];
+        const Type type = typeOf(description.figure, m_programs.metrics[metric]);
+        m_programs.figures.push_back({description.name, type, {}, MetricId::Count});
+        m_figureFields.push_back({description.name, type});
+    }
+
+    const TableDescription& m_table;
+    std::span<const std::string> m_columns;
+    std::vector<Field> m_fields;
+    std::vector<Field> m_figureFields;
+    TablePrograms m_programs;
+};
+
+} // namespace
+
+std::vector<std::size_t> usedColumns(const Program& program) {
+    std::vector<std::size_t> used;
+    for (std::size_t field = 0; field < program.fields().size(); ++field)
+        if (program.uses(field))
+            used.push_back(field);
+    return used;
+}
+
+std::vector<repository::MetricInput> TablePrograms::inputsOf(std::size_t metric, bool isOverMetrics,
+                                                             std::span<const std::string> columns) const {
+    std::vector<repository::MetricInput> inputs;
+    for (const std::size_t used : usedColumns(metrics[metric])) {
+        if (!isOverMetrics)
+            inputs.push_back({columns[used], {}});
+        else if (figures[used].column)
+            inputs.push_back({columns[*figures[used].column], figures[used].metric});
+    }
+    return inputs;
+}
+
+Result<TablePrograms> compileTable(const TableDescription& table, std::span<const std::string> columns) {
+    return Compiler(table, columns).compile();
+}
+
+} // namespace tavix::profiling
