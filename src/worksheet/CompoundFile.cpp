@@ -100,9 +100,9 @@ Status CompoundFile::write(std::string_view bytes) {
 
 Status CompoundFile::commit() {
     errno = 0;
-    const bool complete = gsf_output_close(m_container->stream.get()) &&
-                          gsf_output_close(GSF_OUTPUT(m_container->root.get())) &&
-                          gsf_output_close(m_container->file.get());
+    // The container closes its file as well, which leaves ours open.
+    const bool complete =
+        gsf_output_close(m_container->stream.get()) && gsf_output_close(GSF_OUTPUT(m_container->root.get()));
     // Some of it reaches the file only now, and the container does not look at all of its own writes.
     if (!complete || std::fflush(m_file) != 0 || std::ferror(m_file) != 0)
         return failure(errno);

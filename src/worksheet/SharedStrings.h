@@ -41,10 +41,10 @@ class SharedStrings {
     std::vector<Recent> m_recent;
     std::size_t m_recentBytes = 0;
     std::uint32_t m_count = 0;
-    std::string m_first;    ///< data of the SST record once that is complete
-    std::string m_record;   ///< data of the record that is being filled, and before it its header
-    bool m_inFirst = true;  ///< m_record is the SST record
-    Spool m_continuations;  ///< complete CONTINUE records
+    std::string m_first;   ///< data of the SST record once that is complete
+    std::string m_record;  ///< data of the record that is being filled, and before it its header
+    bool m_inFirst = true; ///< m_record is the SST record
+    Spool m_continuations; ///< complete CONTINUE records
 };
 
 } // namespace tavix::worksheet

@@ -103,9 +103,9 @@ class Sheet {
     WorkbookStore* m_store;
     std::string m_name;
     std::vector<std::unique_ptr<SheetPart>> m_parts;
-    std::int64_t m_firstRow = 0;   ///< of the last part, counted over all parts
-    std::int64_t m_headerRows = 0; ///< rows of the last part that repeat the header
-    std::int64_t m_row = 0;        ///< the current one, counted over all parts
+    std::int64_t m_firstRow = 0;       ///< of the last part, counted over all parts
+    std::int64_t m_headerRows = 0;     ///< rows of the last part that repeat the header
+    std::int64_t m_row = 0;            ///< the current one, counted over all parts
     std::vector<CellContent> m_cells;  ///< of the current row, by column
     std::vector<CellContent> m_header; ///< header cells of the first row
     std::string m_buffer;

@@ -47,8 +47,8 @@ Status checkSheetName(std::string_view name) {
     if (text.isEmpty())
         return Error{"The worksheet has no name"};
     if (text.length() > kMaxSheetNameLength)
-        return Error{fmt::format("The worksheet name \"{}\" is longer than {} characters", utf8Of(text),
-                                 kMaxSheetNameLength)};
+        return Error{
+            fmt::format("The worksheet name \"{}\" is longer than {} characters", utf8Of(text), kMaxSheetNameLength)};
     for (std::int32_t at = 0; at < text.length(); ++at)
         if (isForbidden(text[at]))
             return Error{fmt::format("The worksheet name \"{}\" has a character that is not allowed in it", name)};

@@ -80,8 +80,8 @@ Result<std::string_view> SpoolStore::read(const Chunk& chunk, std::string& buffe
     buffer.resize(chunk.size);
     std::size_t done = 0;
     while (done < chunk.size) {
-        const ssize_t count = ::pread(m_file, buffer.data() + done, chunk.size - done,
-                                      chunk.position + static_cast<std::int64_t>(done));
+        const ssize_t count =
+            ::pread(m_file, buffer.data() + done, chunk.size - done, chunk.position + static_cast<std::int64_t>(done));
         if (count < 0 && errno == EINTR)
             continue;
         if (count <= 0)

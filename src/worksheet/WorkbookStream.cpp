@@ -41,8 +41,8 @@ void putWindow(std::string& out) {
     put16(out, 0x0038); // scroll bars and sheet tabs
     put16(out, 0);      // the first sheet is shown
     put16(out, 0);
-    put16(out, 1);      // one is selected
-    put16(out, 600);    // thousandths of the window's width for the tabs
+    put16(out, 1);   // one is selected
+    put16(out, 600); // thousandths of the window's width for the tabs
 }
 
 void putSheetEntry(std::string& out, const std::string& name, std::int64_t position) {
@@ -78,8 +78,8 @@ std::string globals(const std::vector<SheetImage>& sheets, const std::vector<std
 
 void putColumnWidths(std::string& out, const ColumnWidths& widths) {
     for (std::size_t column = 0; column < widths.set.size(); ++column) {
-        const double wanted = widths.set[column] >= 0 ? widths.set[column]
-                                                      : std::max(kUsualWidth, widths.content[column] + kMargin);
+        const double wanted =
+            widths.set[column] >= 0 ? widths.set[column] : std::max(kUsualWidth, widths.content[column] + kMargin);
         if (wanted == kUsualWidth)
             continue;
         putHeader(out, RecordId::ColInfo, 12);
