@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -32,22 +34,33 @@ enum class RecordId : std::uint16_t {
 inline constexpr std::size_t kRecordHeaderBytes = 4;
 inline constexpr std::size_t kMaxRecordBytes = 8224; ///< of the data behind the header
 
-/// Appends little-endian numbers.
+/// Appends a number, little-endian.
+template <typename Unsigned>
+void putNumber(std::string& out, Unsigned value) {
+    std::array<char, sizeof(Unsigned)> bytes;
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<char>(value >> (8 * i) & 0xFFu);
+    out.append(bytes.data(), bytes.size());
+}
 inline void put8(std::string& out, std::uint32_t value) {
     out += static_cast<char>(value & 0xFFu);
 }
 inline void put16(std::string& out, std::uint32_t value) {
-    put8(out, value);
-    put8(out, value >> 8u);
+    putNumber(out, static_cast<std::uint16_t>(value));
 }
 inline void put32(std::string& out, std::uint32_t value) {
-    put16(out, value);
-    put16(out, value >> 16u);
+    putNumber(out, value);
 }
 inline void putReal(std::string& out, double value) {
-    const auto bits = std::bit_cast<std::uint64_t>(value);
-    put32(out, static_cast<std::uint32_t>(bits));
-    put32(out, static_cast<std::uint32_t>(bits >> 32u));
+    putNumber(out, std::bit_cast<std::uint64_t>(value));
+}
+inline void putUnits(std::string& out, std::u16string_view units) {
+    if constexpr (std::endian::native == std::endian::little) {
+        out.append(reinterpret_cast<const char*>(units.data()), 2 * units.size());
+    } else {
+        for (char16_t unit : units)
+            put16(out, unit);
+    }
 }
 
 /// Appends the header of a record whose data, of exactly so many bytes, follows.

@@ -18,11 +18,6 @@ constexpr std::size_t kTextHeaderBytes = 3;
 
 enum TextFlags : std::uint32_t { kNarrow = 0, kWide = 1 };
 
-void putUnits(std::string& out, std::u16string_view units) {
-    for (char16_t unit : units)
-        put16(out, unit);
-}
-
 /// Bytes of the first character, which stays with the header so that no record ends in a header alone.
 std::size_t firstCharacterBytes(const CellText& text) {
     if (text.length() == 0)

@@ -7,7 +7,6 @@
 #include "worksheet/SheetPart.h"
 #include "worksheet/Styles.h"
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>

@@ -5,8 +5,6 @@
 #include <fmt/format.h>
 #include <unicode/unistr.h>
 
-#include <algorithm>
-
 namespace tavix::worksheet {
 
 namespace {

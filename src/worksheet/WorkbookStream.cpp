@@ -55,8 +55,7 @@ void putSheetEntry(std::string& out, const std::string& name, std::int64_t posit
     put8(out, static_cast<std::uint32_t>(text.length()));
     put8(out, text.wide() ? 1 : 0);
     if (text.wide())
-        for (char16_t unit : text.units())
-            put16(out, unit);
+        putUnits(out, text.units());
     else
         out += text.narrow();
 }
