@@ -36,7 +36,7 @@ const std::vector<Row>& rows() {
                 {{fmt::format("Customer {}", number), fmt::format("M\u00FCnchen, Stra\u00DFe {}", number * 7),
                   fmt::format("\u6771\u4EAC {}", number * 13), "active"},
                  number * 0.37,
-                 number * 11});
+                 std::int64_t{number} * 11});
         return made;
     }();
     return all;

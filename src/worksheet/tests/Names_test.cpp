@@ -25,10 +25,8 @@ TEST(CellName, NamesAndCellsFitEachOther) {
 }
 
 TEST(CellName, WhatIsNoNameIsAnError) {
-    for (const char* name :
-         {"", "A", "1", "A0", "A-1", "A+1", " A1", "A1 ", "A1B", "AAAA1", "$A$1", "A1.0", "A1:B2", "A1000000000000",
-          "\xC3\x84"
-          "1"})
+    for (const char* name : {"", "A", "1", "A0", "A-1", "A+1", " A1", "A1 ", "A1B", "AAAA1", "$A$1", "A1.0", "A1:B2",
+                             "A1000000000000", "\u00C41"})
         EXPECT_FALSE(parseCellName(name)) << name;
     EXPECT_EQ(parseCellName(std::string(5000, 'A')).error().text.size(),
               40 + std::string("\"\" is not the name of a cell").size());

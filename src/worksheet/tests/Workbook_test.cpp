@@ -48,7 +48,7 @@ TEST(CellText, KeepsAtMostWhatACellHolds) {
         pairs += "\U0001F600";
     for (const Case& c :
          {Case{std::string(32'767, 'a'), 32'767, false, false}, Case{std::string(32'768, 'a'), 32'767, false, true},
-          Case{"x" + std::string(10'000'000, 'a'), 32'767, false, true}, Case{pairs, 32'766, true, true},
+          Case{"x" + std::string(1'000'000, 'a'), 32'767, false, true}, Case{pairs, 32'766, true, true},
           Case{"x" + pairs, 32'767, true, true}, Case{pairs + std::string(1'000'000, 'a'), 32'766, true, true},
           Case{broken, 32'767, true, true}, Case{"\u00FF", 1, false, false}, Case{"\u0100", 1, true, false},
           Case{"\xF0\x9F", 1, true, false}, Case{"", 0, false, false}}) {
@@ -164,7 +164,7 @@ TEST(Workbook, MemoryMakesNoDifferenceToTheFile) {
             EXPECT_TRUE(more.putNumber({row, 1}, row));
         }
         EXPECT_TRUE(book.save(folder.file(name)));
-        const std::string first = contentOf(folder.file(name));
+        std::string first = contentOf(folder.file(name));
         EXPECT_TRUE(book.save(folder.file(name)));
         EXPECT_EQ(contentOf(folder.file(name)), first);
         EXPECT_TRUE(more.putText({30'000, 0}, "after the save"));
