@@ -103,7 +103,7 @@ Status CompoundFile::commit() {
     // The container closes its file as well, which leaves ours open.
     const bool complete =
         gsf_output_close(m_container->stream.get()) && gsf_output_close(GSF_OUTPUT(m_container->root.get()));
-    // Some of it reaches the file only now, and the container does not look at all of its own writes.
+    // What is still buffered reaches the file only now.
     if (!complete || std::fflush(m_file) != 0 || std::ferror(m_file) != 0)
         return failure(errno);
     m_container.reset();

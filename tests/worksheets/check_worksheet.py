@@ -81,7 +81,7 @@ def with_libreoffice(path, folder):
     subprocess.run(
         ["soffice", "--headless", "-env:UserInstallation=file://" + os.path.join(folder, "profile"),
          "--convert-to", out, "--outdir", folder, path],
-        check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=300)
+        check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=100)
     sheets = {}
     start = os.path.splitext(os.path.basename(path))[0] + "-"
     csv.field_size_limit(1 << 20)

@@ -131,6 +131,18 @@ TEST(Workbook, RowsBeyondASheetContinueOnTheNextOne) {
     EXPECT_TRUE(book.save(folder.file("limit.xls")));
 }
 
+TEST(Workbook, ARowThatTurnsOutToHaveNoPlaceLeavesTheRowsBeforeItFinal) {
+    Workbook book;
+    Sheet& sheet = *book.sheet("Sheet1");
+    ASSERT_TRUE(sheet.putHeader({0, 0}, "Head"));
+    ASSERT_TRUE(sheet.putNumber({7, 0}, 1));
+    // A thousand sheets would hold it without their headers and notes.
+    EXPECT_FALSE(sheet.putNumber({1000 * 65'536 - 1, 0}, 2));
+    EXPECT_FALSE(sheet.putNumber({7, 0}, 3));
+    const testing::TempFolder folder;
+    EXPECT_TRUE(book.save(folder.file("x.xls")));
+}
+
 TEST(Workbook, CellsOfARowComeInAnyOrderAndCanBeReplaced) {
     const testing::TempFolder folder;
     auto save = [&folder](bool backwards) {
