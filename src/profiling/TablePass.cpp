@@ -36,6 +36,19 @@ std::vector<bool> ruleColumns(const TableDescription& table, const TablePrograms
     return columnsOf(list, columns);
 }
 
+/// The value of a custom metric over metrics; null, with the reason in `failure`, when it has none.
+KvbDatavar evaluateOver(const std::vector<KvbDatavar>& figures, const expression::Program& program,
+                        std::string& failure) {
+    std::vector<expression::Value> values;
+    values.reserve(figures.size());
+    for (const KvbDatavar& figure : figures)
+        values.push_back(expression::Value::ofCell(figure));
+    expression::RowEvaluator evaluator(program);
+    KvbDatavar value = figureOf(evaluator.evaluate(values));
+    failure = evaluator.failure();
+    return value;
+}
+
 /// The key, then the inputs of the rule that are no part of it.
 std::vector<std::size_t> logColumns(const std::vector<std::size_t>& key, const expression::Program& rule) {
     std::vector<std::size_t> columns = key;
@@ -185,12 +198,7 @@ Status TablePass::storeMetrics(repository::RunWriter& writer, int tableId) {
             facts.usedRows = pass->usedRows();
             facts.errorRows = pass->failures().count();
         } else {
-            std::vector<expression::Value> values;
-            for (const KvbDatavar& figure : figures)
-                values.push_back(expression::Value::ofCell(figure));
-            expression::RowEvaluator evaluator(m_programs.metrics[i]);
-            facts.value = figureOf(evaluator.evaluate(values));
-            failure = evaluator.failure();
+            facts.value = evaluateOver(figures, m_programs.metrics[i], failure);
         }
         if (!m_programs.figures.empty())
             figures.push_back(facts.value);
