@@ -46,6 +46,7 @@ class ListRows : public CUGDataSource {
         : m_columns(std::move(columns)), m_emptyText(emptyText) {}
 
     void SetToolTip(int column, std::string text);
+    void SetColumns(std::vector<GridColumn> columns) { m_columns = std::move(columns); }
     void SetEmptyText(std::string_view text) { m_emptyText = text; }
     /// There are `count` records now. The pinned one stays last whenever the rows are sorted by the first column.
     void ShowRecords(std::size_t count, std::int64_t pinned = kNoPin);

@@ -111,7 +111,7 @@ class Walk {
     void lookAt(CProfTab& tab) {
         ++m_seen.tabs;
         ASSERT_TRUE(tab.isVisible());
-        auto* grid = tab.findChild<CUGCtrl*>();
+        auto* grid = qobject_cast<CUGCtrl*>(tab.GetMainControl());
         if (grid && grid->isVisible()) {
             ++m_seen.lists;
             ASSERT_GT(grid->model()->rowCount(), 0) << "an empty list and no sentence";

@@ -7,6 +7,7 @@
 #include "grid/ui/CUGCtrl.h"
 
 #include <QLabel>
+#include <QSplitter>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -41,12 +42,32 @@ void CListTab::AddAbove(QWidget& widget) {
         setTabOrder(inside.back(), m_grid);
 }
 
+void CListTab::AddBelow(QWidget& widget, QWidget* last) {
+    auto* splitter = new QSplitter(Qt::Vertical, this);
+    splitter->setChildrenCollapsible(false);
+    splitter->setHandleWidth(1);
+    static_cast<QVBoxLayout*>(layout())->replaceWidget(m_stack, splitter);
+    splitter->addWidget(m_stack);
+    splitter->addWidget(&widget);
+    splitter->setStretchFactor(0, 3);
+    splitter->setStretchFactor(1, 2);
+    static_cast<QVBoxLayout*>(layout())->setStretchFactor(splitter, 1);
+    m_below = &widget;
+    m_lastBelow = last;
+}
+
 // The grid must not ask for rows while they are torn down.
 CListTab::~CListTab() {
     m_grid->SetSource(nullptr);
 }
 
 QWidget* CListTab::GetLastTabStop() {
+    if (m_stack->currentWidget() != m_grid)
+        return nullptr;
+    return m_lastBelow ? m_lastBelow : m_grid;
+}
+
+QWidget* CListTab::GetMainControl() {
     return m_stack->currentWidget() == m_grid ? m_grid : nullptr;
 }
 
@@ -91,6 +112,8 @@ void CListTab::Fill(bool isSameObject) {
 void CListTab::ShowNote(const std::string& note) {
     m_note->setText(toQString(note));
     m_stack->setCurrentWidget(note.empty() ? static_cast<QWidget*>(m_grid) : m_note);
+    if (m_below)
+        m_below->setVisible(note.empty());
 }
 
 } // namespace tavix

@@ -22,6 +22,7 @@ class CListTab : public CProfTab {
     ~CListTab() override;
 
     QWidget* GetLastTabStop() override;
+    QWidget* GetMainControl() override;
 
   protected:
     /// `name` is the list's for screen readers, and for what is remembered of it.
@@ -37,6 +38,10 @@ class CListTab : public CProfTab {
     [[nodiscard]] CUGCtrl& Grid() const { return *m_grid; }
     /// Puts a widget above the list, and before it for the Tab key. It becomes the tab's.
     void AddAbove(QWidget& widget);
+
+    /// Puts a widget below the list, seen while the list is. `last` is its last control that takes the keyboard. It
+    /// becomes the tab's.
+    void AddBelow(QWidget& widget, QWidget* last);
 
     void Fill(bool isSameObject) final;
     /// Why there is nothing to read for the subject; "" when there is.
@@ -54,6 +59,8 @@ class CListTab : public CProfTab {
     QStackedWidget* m_stack;
     CUGCtrl* m_grid;
     QLabel* m_note;
+    QWidget* m_below = nullptr;
+    QWidget* m_lastBelow = nullptr;
 };
 
 } // namespace tavix

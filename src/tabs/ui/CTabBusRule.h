@@ -1,15 +1,32 @@
 #pragma once
 
-#include "tabs/ui/CSentenceTab.h"
+#include "tabs/RuleRows.h"
+#include "tabs/ui/CListTab.h"
 
 namespace tavix {
 
-/// The business rules of a table. No run measures any today.
-class CTabBusRule final : public CSentenceTab {
+class LowerLists;
+
+/// The business rules of a table, and below them the history of the one that is selected and the rows that violate it.
+class CTabBusRule final : public CListTab {
     Q_OBJECT
   public:
-    CTabBusRule(CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent = nullptr)
-        : CSentenceTab("This report has no business rules.", site, subject, isTornOff, parent) {}
+    CTabBusRule(CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent = nullptr);
+    ~CTabBusRule() override;
+
+  protected:
+    [[nodiscard]] bool RefillsOn(RefreshHint hint) const override;
+    [[nodiscard]] std::string GetObstacle() const override;
+    bool FillRows(PrViewer& viewer) override;
+    void RowsChanged() override;
+
+  private:
+    void ShowDetails(std::int64_t row);
+
+    BusinessRuleRows& m_rows;
+    BusinessRuleHistoryRows m_history;
+    RuleLogRows m_log;
+    LowerLists* m_lower;
 };
 
 } // namespace tavix

@@ -185,8 +185,8 @@ TEST_F(ListTabs, listsOfATableAndPlainSentencesWhereThereIsNothing) {
     const auto charts = open<CTabTblVis>();
     EXPECT_EQ("Nulls", cell(*charts, 0, 0));
     EXPECT_EQ("No alert is defined for this table.", note(*open<CTabAlerts>()));
-    EXPECT_EQ("This report has no custom metrics.", note(*open<CTabCustMet>()));
-    EXPECT_EQ("This report has no business rules.", note(*open<CTabBusRule>()));
+    EXPECT_EQ("The job of this report defines no custom metrics for this table.", note(*open<CTabCustMet>()));
+    EXPECT_EQ("The job of this report defines no business rules for this table.", note(*open<CTabBusRule>()));
     select("suppliers", "id");
     const auto keys = open<CTabPKFK>();
     EXPECT_EQ("60.00", cell(*keys, 0, 5));

@@ -1,0 +1,217 @@
+#include "tabs/RuleRows.h"
+
+#include "access/Layouts.h"
+#include "access/PrViewer.h"
+#include "base/GenException.h"
+#include "base/LibraryDate.h"
+#include "base/NumberText.h"
+#include "tabs/MetricText.h"
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+
+namespace tavix {
+
+namespace {
+
+constexpr std::string_view kMetricsFailed = "Error occurred while retrieving custom metrics:";
+constexpr std::string_view kRulesFailed = "Error occurred while retrieving business rules:";
+constexpr std::string_view kLogFailed = "Error occurred while retrieving the rows that violate the rule:";
+constexpr std::string_view kNoMetrics = "The job of this report defines no custom metrics for this table.";
+constexpr std::string_view kNoRules = "The job of this report defines no business rules for this table.";
+constexpr int kDateWidth = 190;
+constexpr int kCountWidth = 110;
+
+std::string text(const ProfileCursor& cursor, int column) {
+    return cursor.getColumnValue(column).str();
+}
+
+std::int64_t count(const ProfileCursor& cursor, int column) {
+    return cursor.isColumnNull(column) ? 0 : saturateToInt64(cursor.getColumnDouble(column));
+}
+
+GridColumn countColumn(std::string_view heading) {
+    return listColumn(heading, kCountWidth, CellAlignment::Right);
+}
+
+GridCell countCell(std::int64_t number) {
+    return textCell(formatInteger(number), CellAlignment::Right);
+}
+
+// A figure that could not be computed is no text of the data.
+GridCell figureCell(const KvbString& value) {
+    GridCell cell = textCell(value.isNull() ? kUnknownMetric : value.view(), CellAlignment::Right);
+    if (value.isNull())
+        cell.state = CellState::Unknown;
+    return cell;
+}
+
+GridCell shareCell(std::int64_t failed, std::int64_t checked) {
+    if (checked <= 0)
+        return textCell({}, CellAlignment::Right);
+    const double share = static_cast<double>(failed) / static_cast<double>(checked);
+    return percentCell(share * 100, share);
+}
+
+GridCell dateCell(const ProfileCursor& cursor, const std::locale& locale) {
+    return textCell(formatDateTime(decompose(cursor.getColumnDouble(layout::HistoryDate)), locale));
+}
+
+using ReadRow = std::function<std::vector<GridCell>(const ProfileCursor&)>;
+
+// Nothing when the repository fails before the first row; throws as the cursor does.
+std::optional<std::vector<std::vector<GridCell>>> readAll(const ProfileCursorHandle& cursor, const ReadRow& readRow) {
+    if (!cursor)
+        return std::nullopt;
+    std::vector<std::vector<GridCell>> rows;
+    while (cursor->next())
+        rows.push_back(readRow(*cursor));
+    return rows;
+}
+
+} // namespace
+
+void CellRows::Clear() {
+    Show({});
+}
+
+void CellRows::Show(std::vector<Cells> rows) {
+    m_rows = std::move(rows);
+    ShowRecords(m_rows.size());
+}
+
+GridCell CellRows::CellOf(int column, std::size_t record) const {
+    return m_rows.at(record).at(static_cast<std::size_t>(column));
+}
+
+CustomMetricRows::CustomMetricRows()
+    : CellRows({listColumn("Custom Metric", 180), listColumn("Output Name", 150),
+                listColumn("Value", 130, CellAlignment::Right), listColumn("Figure", 80), listColumn("Expression", 300),
+                listColumn("Input Fields", 180), countColumn("Rows Used"), countColumn("Rows in Error")},
+               kNoMetrics) {}
+
+bool CustomMetricRows::Fill(PrViewer& viewer, int tableId) try {
+    using namespace layout;
+    std::vector<std::string> keys;
+    auto rows = readAll(viewer.getCustomMetrics(tableId), [&keys](const ProfileCursor& metric) {
+        keys.push_back(text(metric, CustomMetricKey));
+        return Cells{textCell(text(metric, CustomMetricName)),
+                     textCell(text(metric, CustomMetricOutputName)),
+                     figureCell(metric.getColumnValue(CustomMetricOutputValue)),
+                     textCell(text(metric, CustomMetricFigure)),
+                     textCell(text(metric, CustomMetricExpression)),
+                     textCell(text(metric, CustomMetricInputs)),
+                     countCell(count(metric, CustomMetricUsedRows)),
+                     countCell(count(metric, CustomMetricErrorRows))};
+    });
+    if (!rows)
+        return Fail(kMetricsFailed, viewer.getErrorString().view());
+    m_keys = std::move(keys);
+    Show(std::move(*rows));
+    return true;
+} catch (const GenException& failure) {
+    return Fail(kMetricsFailed, failure.getText().view());
+}
+
+BusinessRuleRows::BusinessRuleRows()
+    : CellRows({listColumn("Business Rule", 180), countColumn("Failed Rows"), countColumn("Percentage"),
+                countColumn("Checked Rows"), countColumn("Rows in Error"), listColumn("Condition", 300),
+                listColumn("Input Fields", 180)},
+               kNoRules) {
+    SetToolTip(2, "Share of the rows that were checked");
+}
+
+bool BusinessRuleRows::Fill(PrViewer& viewer, int tableId) try {
+    using namespace layout;
+    std::vector<Rule> rules;
+    auto rows = readAll(viewer.getBusinessRules(tableId), [&rules](const ProfileCursor& rule) {
+        const std::int64_t failed = count(rule, RuleFailedRows);
+        const std::int64_t checked = count(rule, RuleCheckedRows);
+        rules.push_back({rule.getColumnInt(RuleId), text(rule, RuleKey), failed, count(rule, RuleLoggedRows)});
+        return Cells{textCell(text(rule, RuleName)),
+                     countCell(failed),
+                     shareCell(failed, checked),
+                     countCell(checked),
+                     countCell(count(rule, RuleErrorRows)),
+                     textCell(text(rule, RuleCondition)),
+                     textCell(text(rule, RuleInputs))};
+    });
+    if (!rows)
+        return Fail(kRulesFailed, viewer.getErrorString().view());
+    m_rules = std::move(rules);
+    Show(std::move(*rows));
+    return true;
+} catch (const GenException& failure) {
+    return Fail(kRulesFailed, failure.getText().view());
+}
+
+CustomMetricHistoryRows::CustomMetricHistoryRows(std::locale locale)
+    : CellRows({listColumn("Run", kDateWidth), listColumn("Description", 180),
+                listColumn("Value", 130, CellAlignment::Right), countColumn("Rows Used"), countColumn("Rows in Error"),
+                listColumn("Expression", 300)}),
+      m_locale(std::move(locale)) {}
+
+bool CustomMetricHistoryRows::Fill(PrViewer& viewer, const std::string& key) try {
+    using namespace layout;
+    auto rows = readAll(viewer.getCustomMetricHistory(key), [this](const ProfileCursor& run) {
+        return Cells{dateCell(run, m_locale),
+                     textCell(text(run, HistoryDescription)),
+                     figureCell(run.getColumnValue(MetricHistoryOutputValue)),
+                     countCell(count(run, MetricHistoryUsedRows)),
+                     countCell(count(run, MetricHistoryErrorRows)),
+                     textCell(text(run, MetricHistoryExpression))};
+    });
+    if (!rows)
+        return Fail(kMetricsFailed, viewer.getErrorString().view());
+    std::reverse(rows->begin(), rows->end());
+    Show(std::move(*rows));
+    return true;
+} catch (const GenException& failure) {
+    return Fail(kMetricsFailed, failure.getText().view());
+}
+
+BusinessRuleHistoryRows::BusinessRuleHistoryRows(std::locale locale)
+    : CellRows({listColumn("Run", kDateWidth), listColumn("Description", 180), countColumn("Failed Rows"),
+                countColumn("Percentage"), countColumn("Checked Rows"), listColumn("Condition", 300)}),
+      m_locale(std::move(locale)) {}
+
+bool BusinessRuleHistoryRows::Fill(PrViewer& viewer, const std::string& key) try {
+    using namespace layout;
+    auto rows = readAll(viewer.getBusinessRuleHistory(key), [this](const ProfileCursor& run) {
+        const std::int64_t failed = count(run, RuleHistoryFailedRows);
+        const std::int64_t checked = count(run, RuleHistoryCheckedRows);
+        return Cells{dateCell(run, m_locale), textCell(text(run, HistoryDescription)),
+                     countCell(failed),       shareCell(failed, checked),
+                     countCell(checked),      textCell(text(run, RuleHistoryCondition))};
+    });
+    if (!rows)
+        return Fail(kRulesFailed, viewer.getErrorString().view());
+    std::reverse(rows->begin(), rows->end());
+    Show(std::move(*rows));
+    return true;
+} catch (const GenException& failure) {
+    return Fail(kRulesFailed, failure.getText().view());
+}
+
+bool RuleLogRows::Fill(PrViewer& viewer, int ruleId) try {
+    const ProfileCursorHandle cursor = viewer.getBusinessRuleRowLog(ruleId, 0, true);
+    if (!cursor)
+        return Fail(kLogFailed, viewer.getErrorString().view());
+    std::vector<GridColumn> columns = {countColumn(cursor->getColumnName(layout::RuleRowNumber).view())};
+    for (int column = 1; column < cursor->getColumnCount(); ++column)
+        columns.push_back(listColumn(cursor->getColumnName(column).view(), 150));
+    auto rows = readAll(cursor, [](const ProfileCursor& row) {
+        Cells cells = {countCell(count(row, layout::RuleRowNumber))};
+        for (int column = 1; column < row.getColumnCount(); ++column)
+            cells.push_back(valueCell(row.getColumnValue(column)));
+        return cells;
+    });
+    SetColumns(std::move(columns));
+    Show(std::move(*rows));
+    return true;
+} catch (const GenException& failure) {
+    return Fail(kLogFailed, failure.getText().view());
+}
+
+} // namespace tavix

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "tabs/ListRows.h"
+
+#include <locale>
+#include <string>
+#include <vector>
+
+namespace tavix {
+
+class PrViewer;
+
+/// Rows whose cells are kept as they are shown.
+class CellRows : public ListRows {
+  public:
+    void Clear() override;
+
+  protected:
+    using Cells = std::vector<GridCell>;
+
+    using ListRows::ListRows;
+    void Show(std::vector<Cells> rows);
+
+  private:
+    [[nodiscard]] GridCell CellOf(int column, std::size_t record) const final;
+
+    std::vector<Cells> m_rows;
+};
+
+/// The custom metrics of a table and what they came to in the current run.
+class CustomMetricRows final : public CellRows {
+  public:
+    CustomMetricRows();
+
+    /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
+    bool Fill(PrViewer& viewer, int tableId);
+    [[nodiscard]] const std::string& GetKey(std::int64_t row) const { return m_keys.at(Record(row)); }
+
+  private:
+    std::vector<std::string> m_keys; ///< by record
+};
+
+/// The business rules of a table and how many rows violate them in the current run.
+class BusinessRuleRows final : public CellRows {
+  public:
+    struct Rule {
+        int id = -1;
+        std::string key;
+        std::int64_t failed = 0;
+        std::int64_t logged = 0; ///< rows of which the run kept the contents
+    };
+
+    BusinessRuleRows();
+
+    /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
+    bool Fill(PrViewer& viewer, int tableId);
+    [[nodiscard]] const Rule& GetRule(std::int64_t row) const { return m_rules.at(Record(row)); }
+
+  private:
+    std::vector<Rule> m_rules; ///< by record
+};
+
+/// One custom metric in the runs of the report, the latest first.
+class CustomMetricHistoryRows final : public CellRows {
+  public:
+    /// Dates are shown as the locale has them.
+    explicit CustomMetricHistoryRows(std::locale locale);
+
+    bool Fill(PrViewer& viewer, const std::string& key);
+
+  private:
+    std::locale m_locale;
+};
+
+/// One rule in the runs of the report, the latest first.
+class BusinessRuleHistoryRows final : public CellRows {
+  public:
+    explicit BusinessRuleHistoryRows(std::locale locale);
+
+    bool Fill(PrViewer& viewer, const std::string& key);
+
+  private:
+    std::locale m_locale;
+};
+
+/// The rows that violate a rule, as far as the run has kept them: row number, key fields, input fields.
+class RuleLogRows final : public CellRows {
+  public:
+    RuleLogRows() : CellRows(std::vector<GridColumn>()) {}
+
+    bool Fill(PrViewer& viewer, int ruleId);
+};
+
+} // namespace tavix
