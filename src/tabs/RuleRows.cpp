@@ -146,11 +146,11 @@ bool BusinessRuleRows::Fill(PrViewer& viewer, int tableId) try {
     return Fail(kRulesFailed, failure.getText().view());
 }
 
-CustomMetricHistoryRows::CustomMetricHistoryRows(std::locale locale)
+CustomMetricHistoryRows::CustomMetricHistoryRows(const std::locale& locale)
     : CellRows({listColumn("Run", kDateWidth), listColumn("Description", 180),
                 listColumn("Value", 130, CellAlignment::Right), countColumn("Rows Used"), countColumn("Rows in Error"),
                 listColumn("Expression", 300)}),
-      m_locale(std::move(locale)) {}
+      m_locale(locale) {}
 
 bool CustomMetricHistoryRows::Fill(PrViewer& viewer, const std::string& key) try {
     using namespace layout;
@@ -171,10 +171,10 @@ bool CustomMetricHistoryRows::Fill(PrViewer& viewer, const std::string& key) try
     return Fail(kMetricsFailed, failure.getText().view());
 }
 
-BusinessRuleHistoryRows::BusinessRuleHistoryRows(std::locale locale)
+BusinessRuleHistoryRows::BusinessRuleHistoryRows(const std::locale& locale)
     : CellRows({listColumn("Run", kDateWidth), listColumn("Description", 180), countColumn("Failed Rows"),
                 countColumn("Percentage"), countColumn("Checked Rows"), listColumn("Condition", 300)}),
-      m_locale(std::move(locale)) {}
+      m_locale(locale) {}
 
 bool BusinessRuleHistoryRows::Fill(PrViewer& viewer, const std::string& key) try {
     using namespace layout;

@@ -64,7 +64,7 @@ class BusinessRuleRows final : public CellRows {
 class CustomMetricHistoryRows final : public CellRows {
   public:
     /// Dates are shown as the locale has them.
-    explicit CustomMetricHistoryRows(std::locale locale);
+    explicit CustomMetricHistoryRows(const std::locale& locale);
 
     bool Fill(PrViewer& viewer, const std::string& key);
 
@@ -75,7 +75,7 @@ class CustomMetricHistoryRows final : public CellRows {
 /// One rule in the runs of the report, the latest first.
 class BusinessRuleHistoryRows final : public CellRows {
   public:
-    explicit BusinessRuleHistoryRows(std::locale locale);
+    explicit BusinessRuleHistoryRows(const std::locale& locale);
 
     bool Fill(PrViewer& viewer, const std::string& key);
 
