@@ -46,7 +46,7 @@ void CListTab::AddBelow(QWidget& widget, QWidget* last) {
     auto* splitter = new QSplitter(Qt::Vertical, this);
     splitter->setChildrenCollapsible(false);
     splitter->setHandleWidth(1);
-    static_cast<QVBoxLayout*>(layout())->replaceWidget(m_stack, splitter);
+    delete layout()->replaceWidget(m_stack, splitter); // the item, not the widget
     splitter->addWidget(m_stack);
     splitter->addWidget(&widget);
     splitter->setStretchFactor(0, 3);
