@@ -45,17 +45,26 @@ class WaitCursor {
 
 } // namespace
 
-CUGCtrl::CUGCtrl(QWidget* parent) : QTableView(parent), m_model(new GridModel(this)), m_locked(new QTableView(this)) {
+CUGCtrl::CUGCtrl(QWidget* parent) : QTableView(parent), m_model(new GridModel(this)) {
     setModel(m_model);
     SetUpView(*this);
     setHorizontalScrollMode(ScrollPerPixel);
     setTabKeyNavigation(false);
-    setFrameShape(QFrame::NoFrame);
+    ApplyFont();
+    // A drag is many changes of width and one that is kept.
+    m_keepWidths.setSingleShot(true);
+    m_keepWidths.setInterval(500);
+    connect(&m_keepWidths, &QTimer::timeout, this, &CUGCtrl::KeepDraggedWidths);
+    connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            [this](const QModelIndex& current) { Q_EMIT CurrentRowChanged(current.isValid() ? current.row() : -1); });
+}
 
+// Most lists have no locked columns, and a second view costs as much as the first.
+void CUGCtrl::MakeLockedView() {
+    m_locked = new QTableView(this);
     m_locked->setModel(m_model);
     m_locked->setSelectionModel(selectionModel());
     SetUpView(*m_locked);
-    m_locked->setFrameShape(QFrame::NoFrame);
     m_locked->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_locked->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_locked->setHorizontalScrollMode(ScrollPerPixel);
@@ -66,34 +75,10 @@ CUGCtrl::CUGCtrl(QWidget* parent) : QTableView(parent), m_model(new GridModel(th
     m_locked->hide();
     viewport()->stackUnder(m_locked);
     ApplyFont();
-
     connect(m_locked, &QWidget::customContextMenuRequested, this,
             [this](const QPoint& at) { ShowMenu(m_locked->viewport()->mapToGlobal(at)); });
-    connect(m_locked, &QTableView::doubleClicked, this,
-            [this](const QModelIndex& index) { Q_EMIT RowActivated(index.row()); });
-    connect(this, &QTableView::doubleClicked, this,
-            [this](const QModelIndex& index) { Q_EMIT RowActivated(index.row()); });
     connect(m_locked->verticalScrollBar(), &QScrollBar::valueChanged, verticalScrollBar(), &QScrollBar::setValue);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, m_locked->verticalScrollBar(), &QScrollBar::setValue);
-    for (QTableView* view : {static_cast<QTableView*>(this), m_locked}) {
-        QTableView* other = view == this ? m_locked : this;
-        connect(view->horizontalHeader(), &QHeaderView::sectionClicked, this, &CUGCtrl::ToggleSort);
-        connect(view->horizontalHeader(), &QHeaderView::sectionResized, this,
-                [this, other](int column, int, int width) {
-                    // Hiding a column in one view resizes it to 0 there.
-                    if (width > 0 && !other->isColumnHidden(column) && other->columnWidth(column) != width)
-                        other->setColumnWidth(column, width);
-                    if (width > 0)
-                        ColumnDragged(column, width);
-                    PlaceLockedView();
-                });
-    }
-    // A drag is many changes of width and one that is kept.
-    m_keepWidths.setSingleShot(true);
-    m_keepWidths.setInterval(500);
-    connect(&m_keepWidths, &QTimer::timeout, this, &CUGCtrl::KeepDraggedWidths);
-    connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-            [this](const QModelIndex& current) { Q_EMIT CurrentRowChanged(current.isValid() ? current.row() : -1); });
 }
 
 CUGCtrl::~CUGCtrl() {
@@ -115,6 +100,26 @@ void CUGCtrl::SetUpView(QTableView& view) {
     view.setShowGrid(false);
     view.setWordWrap(false);
     view.setCornerButtonEnabled(false);
+    view.setFrameShape(QFrame::NoFrame);
+    connect(&view, &QTableView::doubleClicked, this,
+            [this](const QModelIndex& index) { Q_EMIT RowActivated(index.row()); });
+    connect(view.horizontalHeader(), &QHeaderView::sectionClicked, this, &CUGCtrl::ToggleSort);
+    connect(view.horizontalHeader(), &QHeaderView::sectionResized, this, [this, &view](int column, int, int width) {
+        QTableView* other = &view == this ? m_locked : this;
+        // Hiding a column in one view resizes it to 0 there.
+        if (width > 0 && other && !other->isColumnHidden(column) && other->columnWidth(column) != width)
+            other->setColumnWidth(column, width);
+        if (width > 0)
+            ColumnDragged(column, width);
+        PlaceLockedView();
+    });
+}
+
+std::vector<QTableView*> CUGCtrl::Views() {
+    std::vector<QTableView*> views = {this};
+    if (m_locked)
+        views.push_back(m_locked);
+    return views;
 }
 
 void CUGCtrl::SetSource(CUGDataSource* source) {
@@ -139,7 +144,7 @@ void CUGCtrl::RowsRefilled() {
 
 void CUGCtrl::ApplyFont() {
     const int height = std::max(fontMetrics().height(), 16) + 10;
-    for (QTableView* view : {static_cast<QTableView*>(this), m_locked}) {
+    for (QTableView* view : Views()) {
         view->verticalHeader()->setMinimumSectionSize(height);
         view->verticalHeader()->setDefaultSectionSize(height);
     }
@@ -148,12 +153,15 @@ void CUGCtrl::ApplyFont() {
 void CUGCtrl::ApplyColumns() {
     KeepDraggedWidths();
     const int locked = LockedColumns();
+    if (locked > 0 && !m_locked)
+        MakeLockedView();
     m_placingColumns = true;
     for (int column = 0; column < m_model->columnCount(); ++column) {
         const GridColumn shown = m_model->source()->GetColumn(column);
         const std::optional<int> dragged = m_widths ? m_widths->Read(shown.heading) : std::nullopt;
         setColumnWidth(column, Scaled(dragged.value_or(shown.width)));
-        m_locked->setColumnHidden(column, column >= locked);
+        if (m_locked)
+            m_locked->setColumnHidden(column, column >= locked);
     }
     m_placingColumns = false;
     m_sortColumn = -1;
@@ -163,7 +171,7 @@ void CUGCtrl::ApplyColumns() {
 }
 
 void CUGCtrl::ShowSortArrow() {
-    for (QTableView* view : {static_cast<QTableView*>(this), m_locked}) {
+    for (QTableView* view : Views()) {
         view->horizontalHeader()->setSortIndicatorShown(true);
         view->horizontalHeader()->setSortIndicator(m_sortColumn,
                                                    m_sortDescending ? Qt::DescendingOrder : Qt::AscendingOrder);
@@ -203,7 +211,7 @@ void CUGCtrl::hideEvent(QHideEvent* event) {
 
 void CUGCtrl::SetShowsInvisible(bool shows) {
     m_showsInvisible = shows;
-    for (QTableView* view : {static_cast<QTableView*>(this), m_locked}) {
+    for (QTableView* view : Views()) {
         static_cast<CellDelegate*>(view->itemDelegate())->setShowsInvisible(shows);
         view->viewport()->update();
     }
@@ -367,6 +375,8 @@ int CUGCtrl::LockedWidth() const {
 }
 
 void CUGCtrl::PlaceLockedView() {
+    if (!m_locked)
+        return;
     const int width = LockedWidth();
     // Unscrolled, the columns below are the same; a pane narrower than the locked columns has no room for both.
     const bool needed = width > 0 && horizontalScrollBar()->value() > 0 && width < viewport()->width();

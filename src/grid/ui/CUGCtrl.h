@@ -68,6 +68,8 @@ class CUGCtrl final : public QTableView {
 
   private:
     void SetUpView(QTableView& view);
+    void MakeLockedView();
+    [[nodiscard]] std::vector<QTableView*> Views();
     void ApplyFont();
     void ApplyColumns();
     void ColumnDragged(int column, int width);
@@ -81,7 +83,7 @@ class CUGCtrl final : public QTableView {
     [[nodiscard]] int Scaled(int pixels) const;
 
     GridModel* m_model;
-    QTableView* m_locked; ///< the locked columns again, over the scrolled ones
+    QTableView* m_locked = nullptr; ///< the locked columns again, over the scrolled ones; null without any
     int m_sortColumn = -1;
     std::string m_sortHeading; ///< of that column, which may stand elsewhere when rows are read anew
     bool m_sortDescending = false;
