@@ -172,8 +172,7 @@ bool CTabFreqDist::FillRows(PrViewer& viewer) {
                             ? static_cast<FreqDistRows&>(*m_rows).Fill(viewer, field, filter, limit)
                             : static_cast<PatternDistRows&>(*m_rows).Fill(viewer, field.id, filter, limit);
     // A filter that fails must be there to be corrected.
-    if (filled || IsFiltered())
-        m_loadedField = field.id;
+    m_loadedField = filled || IsFiltered() ? std::optional(field.id) : std::nullopt;
     m_failure = filled ? std::string() : viewer.getErrorString().str();
     ShowFilterLine();
     return filled;
