@@ -1,5 +1,6 @@
 #include "source/TextFileReader.h"
 
+#include "source/CellText.h"
 #include "source/DelimiterSniffer.h"
 #include "source/TextArena.h"
 #include "source/Utf8.h"
@@ -198,30 +199,7 @@ Status TextFileReader::refill() {
 }
 
 Cell TextFileReader::rewritten(const RawCell& cell, bool& hadBadBytes) {
-    const char* data = cell.data;
-    std::size_t size = cell.size;
-    if (cell.hasDoubledQuotes || cell.tailSize > 0) {
-        char* const at = m_piece->arena.allocate(cell.size + cell.tailSize);
-        char* to = at;
-        for (std::size_t i = 0; i < cell.size; ++i) {
-            *to++ = cell.data[i];
-            if (cell.data[i] == '"' && i + 1 < cell.size)
-                ++i;
-        }
-        std::memcpy(to, cell.data + cell.size + 1, cell.tailSize);
-        to += cell.tailSize;
-        data = at;
-        size = static_cast<std::size_t>(to - at);
-    }
-    if (!m_piece->isValid && validUtf8Prefix({data, size}) != size) {
-        hadBadBytes = true;
-        char* const at = m_piece->arena.allocate(size * 3);
-        const std::size_t repaired = repairUtf8({data, size}, at);
-        m_piece->arena.giveBack(size * 3 - repaired);
-        data = at;
-        size = repaired;
-    }
-    return {data, static_cast<std::uint32_t>(size), size == 0 && !cell.isQuoted};
+    return cellText(cell, m_piece->isValid, m_piece->arena, hadBadBytes);
 }
 
 void TextFileReader::noteDamage(const ScannedRow& row, bool hadBadBytes) {
