@@ -35,9 +35,13 @@ bool areSame(const DrillTable& table, std::span<const std::string> names) {
                       [](const std::string& name, const DrillTable::Column& column) { return name == column.name; });
 }
 
-std::string fileWarning(const DrillTable& table, std::int64_t size, UtcTime modified,
-                        std::span<const std::string> names) {
+/// `reader` has opened the file.
+template <typename Reader>
+std::string fileWarning(const DrillTable& table, const Reader& reader) {
     const DrillTable::TextFile& file = *table.file;
+    const std::int64_t size = reader.fileSize();
+    const UtcTime modified = reader.modified();
+    const std::span<const std::string> names = reader.columnNames();
     std::string text;
     if (size != file.size)
         text = fmt::format("\"{}\" changed since the run: it had {} bytes and has {} now.", file.path,
@@ -100,23 +104,28 @@ Result<DrillSource> openTextFile(const DrillTable& table, const WantedRows& want
     if (std::filesystem::exists(file.path, ignored) && std::filesystem::is_other(file.path, ignored))
         return Error{fmt::format("\"{}\" is no file that can be read again.", file.path)};
     const TextFileOptions options{file.delimiter, file.hasHeader};
-    auto opened = TextFileReader::open(file.path, options);
-    if (!opened)
-        return opened.error();
-    std::unique_ptr<TextFileReader> reader = std::move(opened).value();
-    const auto column = findColumn(table, reader->columnNames());
-    if (!column)
-        return column.error();
-    source.warning = fileWarning(table, reader->total(), reader->modified(), reader->columnNames());
-    if (wanted.kind == WantedRows::Kind::Value && file.encoding == kSearchedEncoding &&
-        TextFileSearch::canFind(wanted.text)) {
-        auto search = TextFileSearch::open(file.path, options, *column, wanted.text);
+    const bool isSearch = wanted.kind == WantedRows::Kind::Value && file.encoding == kSearchedEncoding &&
+                          TextFileSearch::canFind(wanted.text);
+    if (isSearch) {
+        auto search = TextFileSearch::open(file.path, options);
         if (!search)
             return search.error();
+        source.warning = fileWarning(table, **search);
+        const auto column = findColumn(table, (*search)->columnNames());
+        if (!column)
+            return column.error();
+        (*search)->find(*column, wanted.text);
         source.reader = std::move(search).value();
     } else {
-        source.reader = std::move(reader);
+        auto reader = TextFileReader::open(file.path, options);
+        if (!reader)
+            return reader.error();
+        source.warning = fileWarning(table, **reader);
+        const auto column = findColumn(table, (*reader)->columnNames());
+        if (!column)
+            return column.error();
         source.tests.push_back(cellTest(*column, wanted));
+        source.reader = std::move(reader).value();
     }
     return source;
 }

@@ -52,8 +52,7 @@ Section sectionOf(const PrViewerDrillCursor& rows) {
 } // namespace
 
 CLI::App* RowsCommand::declare(CLI::App& program) {
-    CLI::App* command =
-        program.add_subcommand("rows", "Show the rows of the source behind a value or pattern");
+    CLI::App* command = program.add_subcommand("rows", "Show the rows of the source behind a value or pattern");
     command->add_option("field", m_field, "The field, as TABLE.FIELD, or as FIELD beside --table")
         ->required()
         ->type_name("T.F");

@@ -23,6 +23,7 @@ namespace {
 
 /// Small enough to stay in the processor's cache between the copy from the system and the search.
 constexpr std::size_t kPieceSize = std::size_t{1} << 18;
+constexpr std::size_t kFirstPiece = std::size_t{1} << 16;
 constexpr std::size_t kLargestPiece = std::size_t{1} << 31;
 /// What one read() looks through at most, and how many rows it gives.
 constexpr std::int64_t kTurn = std::int64_t{8} << 20;
@@ -43,8 +44,7 @@ bool TextFileSearch::canFind(std::string_view value) {
            value.find(kReplacement) == std::string_view::npos;
 }
 
-TextFileSearch::TextFileSearch(std::string path, int file, std::string value)
-    : m_path(std::move(path)), m_file(file), m_value(std::move(value)) {}
+TextFileSearch::TextFileSearch(std::string path, int file) : m_path(std::move(path)), m_file(file) {}
 
 TextFileSearch::~TextFileSearch() {
     ::close(m_file);
@@ -54,29 +54,28 @@ Error TextFileSearch::failure(std::string_view what) const {
     return Error{fmt::format("\"{}\" {}", m_path, what)};
 }
 
-Result<std::unique_ptr<TextFileSearch>> TextFileSearch::open(const std::string& path, const TextFileOptions& options,
-                                                             std::size_t column, std::string value) {
+Result<std::unique_ptr<TextFileSearch>> TextFileSearch::open(const std::string& path, const TextFileOptions& options) {
     struct stat info {};
     if (::stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode) && !S_ISDIR(info.st_mode))
         return Error{fmt::format("\"{}\" is no file that can be read again", path)};
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0)
         return Error{fmt::format("\"{}\" cannot be opened: {}", path, std::generic_category().message(errno))};
-    std::unique_ptr<TextFileSearch> search(new TextFileSearch(path, file, std::move(value)));
-    if (Status status = search->begin(options, column); !status)
+    std::unique_ptr<TextFileSearch> search(new TextFileSearch(path, file));
+    if (Status status = search->begin(options); !status)
         return status.error();
     return search;
 }
 
-Status TextFileSearch::begin(const TextFileOptions& options, std::size_t column) {
+Status TextFileSearch::begin(const TextFileOptions& options) {
     // How the file is divided is the reader's to say.
-    auto reader = TextFileReader::open(m_path, options);
+    TextFileOptions beginning = options;
+    if (options.delimiter)
+        beginning.pieceSize = kFirstPiece;
+    auto reader = TextFileReader::open(m_path, beginning);
     if (!reader)
         return reader.error();
     m_names.assign((*reader)->columnNames().begin(), (*reader)->columnNames().end());
-    if (column >= m_names.size())
-        return failure(fmt::format("has no column {}", column + 1));
-    m_column = column;
     m_delimiter = (*reader)->delimiter() == '\0' ? '\n' : (*reader)->delimiter();
     m_size = (*reader)->total();
     m_modified = (*reader)->modified();
@@ -87,10 +86,15 @@ Status TextFileSearch::begin(const TextFileOptions& options, std::size_t column)
         return failure("cannot be read: " + std::generic_category().message(errno));
     if (static_cast<std::int64_t>(info.st_size) != m_size)
         return failure("changed its size while it was read");
+    return {};
+}
+
+void TextFileSearch::find(std::size_t column, std::string value) {
+    m_column = column;
+    m_value = std::move(value);
     // What is no UTF-8 is nowhere: every such byte is read as another text.
     if (validUtf8Prefix(m_value) == m_value.size() && static_cast<std::int64_t>(m_value.size()) <= m_size)
         restrictTo({{m_firstRow, m_size}});
-    return {};
 }
 
 void TextFileSearch::restrictTo(std::vector<FileRange> ranges) {

@@ -31,15 +31,19 @@ class TextFileSearch final : public RowReader {
     /// may be doubled in the file), U+FFFD (which stands for other bytes).
     [[nodiscard]] static bool canFind(std::string_view value);
 
-    /// `column` counts from 0; `value` must be one that canFind() accepts. The options are those with which the file is
-    /// read otherwise. Fails as TextFileReader does, and for what is no regular file.
-    [[nodiscard]] static Result<std::unique_ptr<TextFileSearch>>
-    open(const std::string& path, const TextFileOptions& options, std::size_t column, std::string value);
+    /// The options are those with which the file is read otherwise. Fails as TextFileReader does, and for what is no
+    /// regular file.
+    [[nodiscard]] static Result<std::unique_ptr<TextFileSearch>> open(const std::string& path,
+                                                                      const TextFileOptions& options);
     ~TextFileSearch() override;
     TextFileSearch(const TextFileSearch&) = delete;
     TextFileSearch& operator=(const TextFileSearch&) = delete;
 
-    /// Looks only here: ascending, without overlap, behind the heading. To be called before the first read().
+    /// What to look for, to be called once, before the first read(). `column` counts from 0 and is one of the file's;
+    /// `value` is one that canFind() accepts.
+    void find(std::size_t column, std::string value);
+    /// Looks only here: ascending, without overlap, behind the heading. To be called between find() and the first
+    /// read().
     void restrictTo(std::vector<FileRange> ranges);
 
     [[nodiscard]] std::span<const std::string> columnNames() const override { return m_names; }
@@ -57,8 +61,8 @@ class TextFileSearch final : public RowReader {
     [[nodiscard]] std::int64_t firstRow() const { return m_firstRow; }
 
   private:
-    TextFileSearch(std::string path, int file, std::string value);
-    Status begin(const TextFileOptions& options, std::size_t column);
+    TextFileSearch(std::string path, int file);
+    Status begin(const TextFileOptions& options);
     void startRange();
     [[nodiscard]] bool isRangeDone() const { return m_isLast && m_resume == m_end && !m_mustTake; }
     /// Keeps what stands behind the last known row start and reads on.

@@ -52,9 +52,12 @@ std::vector<Row> read(const std::string& path, const TextFileOptions& options) {
 
 std::vector<Row> found(const std::string& path, const TextFileOptions& options, std::size_t column,
                        const std::string& value) {
-    auto search = TextFileSearch::open(path, options, column, value);
+    auto search = TextFileSearch::open(path, options);
     EXPECT_TRUE(search.ok()) << search.error().text;
-    return search ? rowsOf(**search) : std::vector<Row>();
+    if (!search)
+        return {};
+    (*search)->find(column, value);
+    return rowsOf(**search);
 }
 
 std::vector<Row> chosen(const std::vector<Row>& rows, std::size_t column, const std::string& value) {
@@ -186,8 +189,9 @@ TEST(TextFileSearch, LooksOnlyWhereItIsTold) {
     const TempFolder folder;
     const std::string path = folder.file("f.csv");
     std::ofstream(path, std::ios::binary) << "a,b\nx,1\nx,2\ny,3\nx,4\n";
-    auto search = TextFileSearch::open(path, {}, 0, "x");
+    auto search = TextFileSearch::open(path, {});
     ASSERT_TRUE(search.ok());
+    (*search)->find(0, "x");
     EXPECT_EQ((*search)->firstRow(), 4);
     (*search)->restrictTo({{4, 8}, {8, 8}, {12, 20}});
     EXPECT_EQ(rowsOf(**search), (std::vector<Row>{{{{false, "x"}, {false, "1"}}}, {{{false, "x"}, {false, "4"}}}}));
@@ -197,17 +201,17 @@ TEST(TextFileSearch, LooksOnlyWhereItIsTold) {
 TEST(TextFileSearch, SaysWhatIsWrongWithTheFile) {
     const TempFolder folder;
     const std::string path = folder.file("f.csv");
-    const auto error = [&](const std::string& file, std::size_t column) {
-        const auto search = TextFileSearch::open(file, {}, column, "x");
+    const auto error = [&](const std::string& file) {
+        const auto search = TextFileSearch::open(file, {});
         return search ? std::string("none") : search.error().text;
     };
-    EXPECT_EQ(error(path, 0), "\"" + path + "\" cannot be opened: No such file or directory");
-    EXPECT_EQ(error(folder.path().string(), 0), "\"" + folder.path().string() + "\" is a folder, not a text file");
-    EXPECT_EQ(error("/dev/null", 0), "\"/dev/null\" is no file that can be read again");
+    EXPECT_EQ(error(path), "\"" + path + "\" cannot be opened: No such file or directory");
+    EXPECT_EQ(error(folder.path().string()), "\"" + folder.path().string() + "\" is a folder, not a text file");
+    EXPECT_EQ(error("/dev/null"), "\"/dev/null\" is no file that can be read again");
     std::ofstream(path, std::ios::binary) << "a,b\n" << std::string(3'000'000, '\n') << "x,1\n";
-    EXPECT_EQ(error(path, 2), "\"" + path + "\" has no column 3");
-    auto search = TextFileSearch::open(path, {}, 0, "x");
+    auto search = TextFileSearch::open(path, {});
     ASSERT_TRUE(search.ok());
+    (*search)->find(0, "x");
     std::filesystem::resize_file(path, 2'000'000);
     RowBlock block;
     const auto more = (*search)->read(block);
