@@ -15,7 +15,6 @@ namespace tavix::source {
 
 namespace {
 
-constexpr std::size_t kPieceSize = std::size_t{1} << 20;
 constexpr std::size_t kLargestPiece = std::size_t{1} << 31;
 constexpr std::size_t kBlockRows = std::size_t{1} << 15;
 constexpr std::size_t kBlockCells = std::size_t{1} << 21;
@@ -79,6 +78,7 @@ Result<std::unique_ptr<TextFileReader>> TextFileReader::open(const std::string& 
 
 Status TextFileReader::begin(const TextFileOptions& options) {
     m_quote = options.quote;
+    m_pieceSize = std::max<std::size_t>(options.pieceSize, 16); // a byte order mark stands in the first one
     if (Status status = refill(); !status)
         return status;
     const char* text = m_piece->bytes.get();
@@ -96,7 +96,7 @@ Status TextFileReader::begin(const TextFileOptions& options) {
 Status TextFileReader::findColumns(const TextFileOptions& options) {
     // Lines without anything in front of the first row say nothing; without a header they may be rows of a one-column
     // file, and are read again as such.
-    const char* const firstLine = m_scanner->position();
+    const char* firstLine = m_scanner->position();
     std::vector<RawCell> cells;
     ScannedRow row;
     for (;;) {
@@ -105,8 +105,11 @@ Status TextFileReader::findColumns(const TextFileOptions& options) {
         cells.clear();
         row = m_scanner->scan([&](std::size_t, const RawCell& cell) { cells.push_back(cell); });
         if (row.end == RowEnd::Unfinished) {
+            m_scanner.emplace(firstLine, m_scanner->end(), m_delimiter, m_scanner->isLast(), m_quote);
+            m_line = 1;
             if (Status status = refill(); !status)
                 return status;
+            firstLine = m_scanner->position();
         } else if (row.isEmptyLine) {
             ++m_line;
         } else {
@@ -126,9 +129,7 @@ Status TextFileReader::findColumns(const TextFileOptions& options) {
         noteDamage(row, hadBadBytes);
         m_line += row.lines;
     } else {
-        const bool isInFirstPiece = firstLine >= m_piece->bytes.get() && firstLine <= m_scanner->position();
-        const char* again = isInFirstPiece ? firstLine : m_piece->bytes.get();
-        m_scanner.emplace(again, m_scanner->end(), m_delimiter, m_scanner->isLast(), m_quote);
+        m_scanner.emplace(firstLine, m_scanner->end(), m_delimiter, m_scanner->isLast(), m_quote);
         m_line = 1;
         found.assign(cells.size(), {});
     }
@@ -155,7 +156,7 @@ std::shared_ptr<TextFileReader::Piece> TextFileReader::freePiece(std::size_t cap
 
 Status TextFileReader::refill() {
     const std::size_t rest = m_scanner ? static_cast<std::size_t>(m_scanner->end() - m_scanner->position()) : 0;
-    const std::size_t capacity = std::max(kPieceSize, rest * 2);
+    const std::size_t capacity = std::max(m_pieceSize, rest * 2);
     if (capacity > kLargestPiece)
         return failure(fmt::format("has a row of more than 1 GiB, which begins in line {}", m_line));
     const std::shared_ptr<Piece> piece = freePiece(capacity);

@@ -14,11 +14,12 @@
 namespace tavix::source {
 
 struct TextFileOptions {
-    std::optional<char> delimiter;       ///< found in the first rows when not stated
-    bool hasHeader = true;               ///< otherwise the columns are named Column1, Column2, ...
-    bool findHeader = false;             ///< the first row decides instead: see looksLikeNames
-    const CEncoding* encoding = nullptr; ///< found in the file when null
-    char quote = '"';                    ///< 0: quotes mean nothing
+    std::optional<char> delimiter;                ///< found in the first rows when not stated
+    bool hasHeader = true;                        ///< otherwise the columns are named Column1, Column2, ...
+    bool findHeader = false;                      ///< the first row decides instead: see looksLikeNames
+    const CEncoding* encoding = nullptr;          ///< found in the file when null
+    char quote = '"';                             ///< 0: quotes mean nothing
+    std::size_t pieceSize = std::size_t{1} << 20; ///< bytes that are read at once; rows may be longer
 };
 
 /// Whether a first row holds names of columns rather than data: none of its cells has a digit but no letter, as numbers
@@ -74,6 +75,7 @@ class TextFileReader final : public RowReader {
 
     std::unique_ptr<TextInput> m_input;
     char m_quote = '"';
+    std::size_t m_pieceSize = 0;
     char m_delimiter = '\0';
     bool m_hasMark = false;
     bool m_hasHeader = true;
