@@ -18,7 +18,6 @@ namespace {
 constexpr std::size_t kLargestPiece = std::size_t{1} << 31;
 constexpr std::size_t kBlockRows = std::size_t{1} << 15;
 constexpr std::size_t kBlockCells = std::size_t{1} << 21;
-constexpr std::size_t kListedDamage = 1000;
 constexpr std::size_t kMostColumns = 100'000;
 
 /// Names without duplicates and gaps; the first of two equal ones keeps its name.
@@ -206,7 +205,7 @@ Cell TextFileReader::rewritten(const RawCell& cell, bool& hadBadBytes) {
 void TextFileReader::noteDamage(const ScannedRow& row, bool hadBadBytes) {
     const auto note = [&](Damage damage) {
         if (m_damaged.size() < kListedDamage)
-            m_damaged.push_back({m_line, damage, row.cells});
+            m_damaged.push_back({m_line, damage, row.cells, 0});
     };
     const bool isTooShort = row.cells < m_names.size();
     const bool isTooLong = !m_names.empty() && row.cells > m_names.size();
@@ -246,6 +245,7 @@ void TextFileReader::finishRow(const ScannedRow& row, RowBlock& block, std::size
 Result<bool> TextFileReader::read(RowBlock& block) {
     block.text.reset();
     block.rows = 0;
+    block.records.clear();
     reserve(block);
     const std::size_t columns = m_names.size();
     std::size_t rows = 0;

@@ -50,6 +50,7 @@ class TextFileReader final : public RowReader {
     /// 0 when the lines are not split.
     [[nodiscard]] char delimiter() const { return m_delimiter; }
     [[nodiscard]] bool hasHeader() const { return m_hasHeader; }
+    [[nodiscard]] const std::string& path() const { return m_input->path(); }
     [[nodiscard]] const FoundEncoding& encoding() const { return m_input->encoding(); }
     [[nodiscard]] bool hasByteOrderMark() const { return m_hasMark; }
     [[nodiscard]] UtcTime modified() const { return m_input->modified(); }

@@ -27,6 +27,7 @@ class TextInput {
     /// error when the file turns out to have been changed since it was opened.
     [[nodiscard]] Result<std::size_t> read(char* target, std::size_t size);
 
+    [[nodiscard]] const std::string& path() const { return m_path; }
     [[nodiscard]] const FoundEncoding& encoding() const { return m_encoding; }
     /// Bytes of the file; 0 when it does not say, as a pipe does not.
     [[nodiscard]] std::int64_t size() const { return m_size; }
