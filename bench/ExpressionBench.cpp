@@ -116,8 +116,10 @@ void filter(benchmark::State& state, const char* text) {
         rows = 0;
         sum = 0;
         for (const StoredBlock& stored : blocks) {
+            // Counts fall.
+            const bool isUniform = stored.counts.front() == stored.counts.back();
             const std::array<BlockColumn, 2> columns{BlockColumn{stored.bytes, stored.ends, {}, {}},
-                                                     BlockColumn{{}, {}, stored.counts, {}}};
+                                                     BlockColumn{{}, {}, stored.counts, {}, isUniform}};
             const auto passing = evaluator.passing({stored.ends.size(), columns});
             rows += passing.size();
             for (const std::uint32_t row : passing)

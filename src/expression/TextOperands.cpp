@@ -1,3 +1,4 @@
+#include "expression/ByteSearch.h"
 #include "expression/Operand.h"
 #include "expression/TextFunctions.h"
 #include "expression/TextOperators.h"
@@ -105,6 +106,37 @@ class LengthOperand : public Operand {
     Results m_results;
 };
 
+/// instr of a fixed text.
+class PositionOperand : public Operand {
+  public:
+    PositionOperand(const Node& text, std::string_view part) : m_source(makeOperand(text)), m_search(part) {}
+
+    const Vector& evaluate(Frame& frame, const RowSet& rows) override {
+        const Vector& source = m_source->evaluate(frame, rows);
+        m_results.begin(Type::Integer, frame.rows());
+        std::int64_t* const out = m_results.integers();
+        const char* const readable =
+            source.ends && frame.rows() > 0 ? source.bytes + source.ends[frame.rows() - 1] : nullptr;
+        withTexts(source, [&](auto texts) {
+            rows.forEach([&](std::uint32_t row) {
+                const std::string_view text = texts[row];
+                const std::size_t at = readable ? m_search.findIn(text, readable) : m_search.find(text);
+                if (at == ByteSearch::kNotFound)
+                    out[row] = 0;
+                else
+                    out[row] = static_cast<std::int64_t>(source.isAscii ? at : countCharacters(text.substr(0, at))) + 1;
+            });
+        });
+        m_results.takeNulls(source);
+        return m_results.vector();
+    }
+
+  private:
+    OperandPtr m_source;
+    ByteSearch m_search;
+    Results m_results;
+};
+
 std::optional<std::int64_t> fixedInteger(const Node& node) {
     if (!node.isConstant() || node.constant.type != Type::Integer)
         return std::nullopt;
@@ -153,6 +185,8 @@ OperandPtr makeTextOperand(const Node& node) {
         return makeCut(text, [](std::string_view whole, bool) { return trimLeft(whole); });
     if (isCallOf(node, "rtrim"))
         return makeCut(text, [](std::string_view whole, bool) { return trimRight(whole); });
+    if (isCallOf(node, "instr") && node.children.size() == 2 && isFixedText(node.child(1)))
+        return std::make_unique<PositionOperand>(text, node.child(1).text);
     const auto second = node.children.size() > 1 ? fixedInteger(node.child(1)) : std::nullopt;
     if (!second)
         return nullptr;
