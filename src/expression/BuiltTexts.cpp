@@ -1,3 +1,4 @@
+#include "expression/AdjacentResults.h"
 #include "expression/ByteSearch.h"
 #include "expression/Operand.h"
 #include "expression/TextOperators.h"
@@ -10,51 +11,6 @@
 namespace tavix::expression {
 
 namespace {
-
-/// Texts that are made one after the other in one piece of memory.
-class AdjacentResults {
-  public:
-    /// Beyond this the texts are made row by row, where each is bounded.
-    static constexpr std::size_t kMostBytes = std::size_t{8} << 20;
-
-    /// Room for `size` bytes and some more, which copying in steps may overwrite.
-    void begin(std::size_t rows, std::size_t size) {
-        if (m_bytes.size() < size + kStep)
-            m_bytes.resize(size + kStep);
-        m_ends.resize(rows);
-        m_size = 0;
-    }
-    void append(std::string_view text) {
-        std::memcpy(m_bytes.data() + m_size, text.data(), text.size());
-        m_size += text.size();
-    }
-    /// The same for a text behind which, up to `readable`, lie bytes that may be read: most are copied in one step.
-    void append(std::string_view text, const char* readable) {
-        if (text.size() > kStep || static_cast<std::size_t>(readable - text.data()) < kStep)
-            return append(text);
-        std::memcpy(m_bytes.data() + m_size, text.data(), kStep);
-        m_size += text.size();
-    }
-    void end(std::uint32_t row) { m_ends[row] = static_cast<std::uint32_t>(m_size); }
-
-    const Vector& vector(const std::uint8_t* nulls, bool isAscii) {
-        m_vector = Vector{};
-        m_vector.type = Type::Text;
-        m_vector.bytes = m_bytes.data();
-        m_vector.ends = m_ends.data();
-        m_vector.nulls = nulls;
-        m_vector.isAscii = isAscii;
-        return m_vector;
-    }
-
-  private:
-    static constexpr std::size_t kStep = 16;
-
-    std::vector<char> m_bytes;
-    std::vector<std::uint32_t> m_ends;
-    std::size_t m_size = 0;
-    Vector m_vector;
-};
 
 /// The function row by row, for texts of another form or too large ones.
 class RowByRow {
@@ -114,7 +70,7 @@ class ReplaceOperand : public Operand {
         std::uint32_t row = 0;
         std::size_t done = 0; // bytes of the block
         const auto copyUpTo = [&](std::size_t end) {
-            m_results.append(bytes.substr(done, end - done), bytes.data() + bytes.size());
+            m_results.append(bytes.substr(done, end - done), source.readable);
             done = end;
         };
         const auto replaceAt = [&](std::size_t at) {
@@ -178,16 +134,10 @@ class ConcatOperand : public Operand {
                 nulls = mergedNulls(nulls, column->nulls, frame.rows());
             m_readers.push_back(Reader(*column));
         }
-        std::uint32_t next = 0; // rows that are not asked for are empty
-        rows.forEach([&](std::uint32_t row) {
-            for (; next < row; ++next)
-                m_results.end(next);
+        m_results.makeEach(rows, [&](std::uint32_t row) {
             for (const Reader& reader : m_readers)
                 m_results.append(reader[row]);
-            m_results.end(next++);
         });
-        for (; next < frame.rows(); ++next)
-            m_results.end(next);
         return m_results.vector(nulls, isAllAscii);
     }
 
@@ -236,11 +186,77 @@ class ConcatOperand : public Operand {
     RowByRow m_rowByRow;
 };
 
+/// lpad and rpad to a fixed size with a fixed ASCII character, of ASCII texts.
+class PadOperand : public Operand {
+  public:
+    PadOperand(const Node& node, std::size_t size, char fill)
+        : m_isLeft(isCallOf(node, "lpad")), m_size(size), m_fill(fill), m_rowByRow(node) {
+        for (const NodePtr& child : node.children)
+            m_arguments.push_back(makeOperand(*child));
+    }
+
+    const Vector& evaluate(Frame& frame, const RowSet& rows) override {
+        const Vector& source = m_arguments.front()->evaluate(frame, rows);
+        std::size_t longest = rows.size() * m_size;
+        if (source.isAscii)
+            withTexts(source,
+                      [&](auto texts) { rows.forEach([&](std::uint32_t row) { longest += texts[row].size(); }); });
+        if (!source.isAscii || longest > AdjacentResults::kMostBytes) {
+            m_columns.assign(1, &source);
+            for (std::size_t i = 1; i < m_arguments.size(); ++i)
+                m_columns.push_back(&m_arguments[i]->evaluate(frame, rows));
+            return m_rowByRow.evaluate(frame, rows, m_columns);
+        }
+        m_results.begin(frame.rows(), longest);
+        withTexts(source, [&](auto texts) {
+            m_results.makeEach(rows, [&](std::uint32_t row) {
+                const std::string_view text = texts[row];
+                const std::size_t missing = text.size() < m_size ? m_size - text.size() : 0;
+                if (m_isLeft)
+                    m_results.append(missing, m_fill);
+                m_results.append(text, source.readable);
+                if (!m_isLeft)
+                    m_results.append(missing, m_fill);
+            });
+        });
+        return m_results.vector(source.nulls, true);
+    }
+
+  private:
+    bool m_isLeft;
+    std::size_t m_size;
+    char m_fill;
+    std::vector<OperandPtr> m_arguments;
+    std::vector<const Vector*> m_columns;
+    AdjacentResults m_results;
+    RowByRow m_rowByRow;
+};
+
+OperandPtr makePad(const Node& node) {
+    constexpr std::int64_t kMostPadding = 1000;
+    const Node& size = node.child(1);
+    if (node.child(0).isConstant() || !size.isConstant() || size.constant.isNull())
+        return nullptr;
+    if (size.constant.integer < 0 || size.constant.integer > kMostPadding)
+        return nullptr;
+    std::string_view fill = " ";
+    if (node.children.size() > 2) {
+        if (!isFixedText(node.child(2)))
+            return nullptr;
+        fill = node.child(2).text;
+    }
+    if (fill.size() != 1 || !isAscii(fill))
+        return nullptr;
+    return std::make_unique<PadOperand>(node, static_cast<std::size_t>(size.constant.integer), fill.front());
+}
+
 } // namespace
 
 OperandPtr makeBuiltText(const Node& node) {
     if (isCallOf(node, "concat"))
         return std::make_unique<ConcatOperand>(node);
+    if (isCallOf(node, "lpad") || isCallOf(node, "rpad"))
+        return makePad(node);
     if (isCallOf(node, "replace") && !node.child(0).isConstant() && isFixedText(node.child(1)) &&
         isFixedText(node.child(2)) && !node.child(1).text.empty())
         return std::make_unique<ReplaceOperand>(node);

@@ -166,9 +166,11 @@ class States {
 
 std::optional<ByteAutomaton> ByteAutomaton::build(std::string_view pattern) {
     const std::optional<PatternPart> parsed = parseSimplePattern(pattern);
-    if (!parsed)
-        return std::nullopt;
-    const Places places(*parsed);
+    return parsed ? build(*parsed) : std::nullopt;
+}
+
+std::optional<ByteAutomaton> ByteAutomaton::build(const PatternPart& pattern) {
+    const Places places(pattern);
     if (places.areTooMany())
         return std::nullopt;
     ByteAutomaton made;

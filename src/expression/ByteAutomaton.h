@@ -9,6 +9,8 @@
 
 namespace tavix::expression {
 
+struct PatternPart;
+
 /// A regular expression of the usual kind as one table that is walked byte by byte, several times as fast on short
 /// texts as a general matcher. It knows ASCII only.
 class ByteAutomaton {
@@ -18,6 +20,9 @@ class ByteAutomaton {
     /// None for a pattern that needs more than characters, classes, groups, choices and repetition, and for one whose
     /// table would be large. The pattern has to be correct; its syntax is that of RE2, with '.' for any character.
     [[nodiscard]] static std::optional<ByteAutomaton> build(std::string_view pattern);
+
+    /// The same of a tree; only its size may be a reason for none.
+    [[nodiscard]] static std::optional<ByteAutomaton> build(const PatternPart& pattern);
 
     /// Whether the whole text matches; Unknown when that depends on a byte above 0x7F.
     [[nodiscard]] Answer matches(std::string_view text) const {

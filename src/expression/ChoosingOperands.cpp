@@ -1,5 +1,6 @@
 #include "expression/Operand.h"
 #include "expression/Predicate.h"
+#include "expression/TextKey.h"
 
 #include <vector>
 
@@ -124,7 +125,10 @@ class NullIfOperand : public Operand {
         m_vector = m_source->evaluate(frame, rows);
         m_nulls.assign(frame.rows(), 0);
         withTexts(m_vector, [&](auto texts) {
-            rows.forEach([&](std::uint32_t row) { m_nulls[row] = texts[row] == m_member ? 1 : 0; });
+            rows.forEach([&](std::uint32_t row) {
+                const std::string_view text = texts[row];
+                m_nulls[row] = m_member.equals(text, textKey(text, m_vector.readable)) ? 1 : 0;
+            });
         });
         if (m_vector.nulls)
             rows.forEach([&](std::uint32_t row) { m_nulls[row] |= m_vector.nulls[row]; });
@@ -134,7 +138,7 @@ class NullIfOperand : public Operand {
 
   private:
     OperandPtr m_source;
-    std::string_view m_member;
+    KeyedText m_member;
     std::vector<std::uint8_t> m_nulls;
     Vector m_vector;
 };

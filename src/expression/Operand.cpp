@@ -144,6 +144,7 @@ class FieldOperand : public Operand {
         } else {
             m_vector.bytes = column.bytes.data();
             m_vector.ends = column.ends.data();
+            m_vector.readable = column.bytes.data() + column.bytes.size();
             m_vector.isAscii = frame.isAscii(m_node.field);
         }
         return m_vector;
