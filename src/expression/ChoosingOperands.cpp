@@ -122,14 +122,20 @@ class NullIfOperand : public Operand {
     NullIfOperand(const Node& text, std::string_view member) : m_source(makeOperand(text)), m_member(member) {}
 
     const Vector& evaluate(Frame& frame, const RowSet& rows) override {
-        m_vector = m_source->evaluate(frame, rows);
-        m_nulls.assign(frame.rows(), 0);
-        withTexts(m_vector, [&](auto texts) {
+        const Vector& source = m_source->evaluate(frame, rows);
+        m_nulls.resize(frame.rows());
+        std::uint8_t found = 0;
+        withTexts(source, [&](auto texts) {
             rows.forEach([&](std::uint32_t row) {
                 const std::string_view text = texts[row];
-                m_nulls[row] = m_member.equals(text, textKey(text, m_vector.readable)) ? 1 : 0;
+                const bool isMember = m_member.equals(text, textKey(text, source.readable));
+                m_nulls[row] = isMember ? 1 : 0;
+                found |= m_nulls[row];
             });
         });
+        if (found == 0)
+            return source;
+        m_vector = source;
         if (m_vector.nulls)
             rows.forEach([&](std::uint32_t row) { m_nulls[row] |= m_vector.nulls[row]; });
         m_vector.nulls = m_nulls.data();

@@ -4,6 +4,7 @@
 #include "expression/TextKey.h"
 #include "expression/TextOperators.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -140,15 +141,19 @@ class ShortListPredicate : public Predicate {
             rows.keepIf([&](std::uint32_t row) {
                 const std::string_view text = texts[row];
                 const std::uint64_t key = textKey(text, vector.readable);
-                bool isFound = false;
+                bool isLikely = false;
                 for (const KeyedText& member : m_members)
-                    isFound |= member.equals(text, key);
-                return isFound == wanted;
+                    isLikely |= member.key() == key;
+                return (isLikely && isMember(text, key)) == wanted;
             });
         });
     }
 
   private:
+    [[nodiscard]] bool isMember(std::string_view text, std::uint64_t key) const {
+        return std::ranges::any_of(m_members, [&](const KeyedText& member) { return member.equals(text, key); });
+    }
+
     OperandPtr m_operand;
     std::vector<KeyedText> m_members;
 };
