@@ -29,7 +29,8 @@ enum class DrillEnd {
 struct DrillResult {
     DrillRows rows; ///< what was read, however it ended
     DrillEnd end = DrillEnd::Complete;
-    std::string reason; ///< why it failed, in the library's words
+    std::string reason;  ///< why it failed, in the library's words
+    std::string warning; ///< what the library has to say of the rows beside
 };
 
 /// Called now and then with the number of rows read so far; false asks to stop.

@@ -1,5 +1,6 @@
 #include "drill/DrillTexts.h"
 
+#include "access/SourceChange.h"
 #include "doc/CountText.h"
 #include "grid/FoldCase.h"
 
@@ -39,9 +40,8 @@ std::string drillStatus(const DrillResult& result, std::optional<std::int64_t> i
     case DrillEnd::Complete:
         break;
     }
-    if (inRun && *inRun != rows)
-        return groupedCount(*inRun) + " in the run, " + groupedCount(rows) + " now: the source changed since";
-    return countOf(rows, "row");
+    const std::string change = inRun ? sourceChangeText(*inRun, rows) : std::string();
+    return change.empty() ? countOf(rows, "row") : change;
 }
 
 } // namespace tavix
