@@ -1,5 +1,6 @@
 #include "source/TextFileReader.h"
 
+#include "source/CellText.h"
 #include "source/DelimiterSniffer.h"
 #include "source/TextArena.h"
 #include "source/Utf8.h"
@@ -20,7 +21,6 @@ namespace tavix::source {
 
 namespace {
 
-constexpr std::size_t kPieceSize = std::size_t{1} << 20;
 constexpr std::size_t kLargestPiece = std::size_t{1} << 31;
 constexpr std::size_t kBlockRows = std::size_t{1} << 15;
 constexpr std::size_t kBlockCells = std::size_t{1} << 21;
@@ -88,6 +88,7 @@ Status TextFileReader::begin(const TextFileOptions& options) {
     m_size = m_isRegular ? static_cast<std::int64_t>(info.st_size) : 0;
     m_modified = UtcTime(std::chrono::seconds(info.st_mtim.tv_sec) +
                          std::chrono::floor<std::chrono::milliseconds>(std::chrono::nanoseconds(info.st_mtim.tv_nsec)));
+    m_pieceSize = std::max<std::size_t>(options.pieceSize, 1);
     ::posix_fadvise(m_file, 0, 0, POSIX_FADV_SEQUENTIAL);
     if (Status status = refill(); !status)
         return status;
@@ -164,7 +165,7 @@ std::shared_ptr<TextFileReader::Piece> TextFileReader::freePiece(std::size_t cap
 
 Status TextFileReader::refill() {
     const std::size_t rest = m_scanner ? static_cast<std::size_t>(m_scanner->end() - m_scanner->position()) : 0;
-    const std::size_t capacity = std::max(kPieceSize, rest * 2);
+    const std::size_t capacity = std::max(m_pieceSize, rest * 2);
     if (capacity > kLargestPiece)
         return failure(fmt::format("has a row of more than 1 GiB, which begins in line {}", m_line));
     const std::shared_ptr<Piece> piece = freePiece(capacity);
@@ -198,30 +199,7 @@ Status TextFileReader::refill() {
 }
 
 Cell TextFileReader::rewritten(const RawCell& cell, bool& hadBadBytes) {
-    const char* data = cell.data;
-    std::size_t size = cell.size;
-    if (cell.hasDoubledQuotes || cell.tailSize > 0) {
-        char* const at = m_piece->arena.allocate(cell.size + cell.tailSize);
-        char* to = at;
-        for (std::size_t i = 0; i < cell.size; ++i) {
-            *to++ = cell.data[i];
-            if (cell.data[i] == '"' && i + 1 < cell.size)
-                ++i;
-        }
-        std::memcpy(to, cell.data + cell.size + 1, cell.tailSize);
-        to += cell.tailSize;
-        data = at;
-        size = static_cast<std::size_t>(to - at);
-    }
-    if (!m_piece->isValid && validUtf8Prefix({data, size}) != size) {
-        hadBadBytes = true;
-        char* const at = m_piece->arena.allocate(size * 3);
-        const std::size_t repaired = repairUtf8({data, size}, at);
-        m_piece->arena.giveBack(size * 3 - repaired);
-        data = at;
-        size = repaired;
-    }
-    return {data, static_cast<std::uint32_t>(size), size == 0 && !cell.isQuoted};
+    return cellText(cell, m_piece->isValid, m_piece->arena, hadBadBytes);
 }
 
 void TextFileReader::noteDamage(const ScannedRow& row, bool hadBadBytes) {

@@ -13,8 +13,9 @@
 namespace tavix::source {
 
 struct TextFileOptions {
-    std::optional<char> delimiter; ///< found in the first rows when not stated
-    bool hasHeader = true;         ///< otherwise the columns are named Column1, Column2, ...
+    std::optional<char> delimiter;                ///< found in the first rows when not stated
+    bool hasHeader = true;                        ///< otherwise the columns are named Column1, Column2, ...
+    std::size_t pieceSize = std::size_t{1} << 20; ///< how much is read at once; less when little will be read at all
 };
 
 /// Reads a delimited text file in UTF-8 (RFC 4180, and what files in the wild make of it: docs/definitions.md). The
@@ -41,6 +42,7 @@ class TextFileReader final : public RowReader {
     /// 0 when the lines are not split.
     [[nodiscard]] char delimiter() const { return m_delimiter; }
     [[nodiscard]] bool hasByteOrderMark() const { return m_hasMark; }
+    [[nodiscard]] std::int64_t fileSize() const { return m_size; }
     [[nodiscard]] UtcTime modified() const { return m_modified; }
 
   private:
@@ -66,6 +68,7 @@ class TextFileReader final : public RowReader {
     int m_file;
     std::int64_t m_size = 0;
     bool m_isRegular = false;
+    std::size_t m_pieceSize = 0;
     UtcTime m_modified{};
     char m_delimiter = '\0';
     bool m_hasMark = false;
