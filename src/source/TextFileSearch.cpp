@@ -166,6 +166,8 @@ Result<bool> TextFileSearch::read(RowBlock& block) {
             ++m_range;
             startRange();
         } else if (!search(block, *arena)) {
+            if (block.rows > 0)
+                break; // who asks for few rows does not wait for more
             if (Status status = refill(); !status)
                 return status.error();
         }

@@ -47,8 +47,8 @@ class TextFileSearch final : public RowReader {
     void restrictTo(std::vector<FileRange> ranges);
 
     [[nodiscard]] std::span<const std::string> columnNames() const override { return m_names; }
-    /// Comes back after a few MiB, with or without rows, so that its caller can tell of progress: the end of the table
-    /// is when it says false.
+    /// Comes back with the next rows, or after a few MiB without any, so that its caller can tell of progress: the end
+    /// of the table is when it says false.
     [[nodiscard]] Result<bool> read(RowBlock& block) override;
     [[nodiscard]] std::int64_t position() const override { return m_searched; }
     [[nodiscard]] std::int64_t total() const override { return m_total; }
