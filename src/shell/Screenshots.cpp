@@ -5,6 +5,7 @@
 #include "shell/ShellWindow.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
@@ -14,10 +15,12 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTabBar>
+#include <QTableView>
 #include <QTabWidget>
 #include <QTimer>
 #include <QTreeView>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace tavix::shell {
@@ -96,6 +99,28 @@ QString fileName(const QString& caption) {
     return name;
 }
 
+// The source rows behind the first row of the list that is showing, through the list's own menu entry.
+void takeDrillThrough(ShellWindow& window, Album& album, const QString& name) {
+    for (auto* list : window.findChildren<QTableView*>()) {
+        const QList<QAction*> actions = list->actions();
+        const auto action = std::find_if(actions.begin(), actions.end(), [](const QAction* each) {
+            return each->objectName() == QLatin1String("drillThrough");
+        });
+        if (!list->isVisible() || action == actions.end())
+            continue;
+        list->setCurrentIndex(list->model()->index(0, 0));
+        settle(kPaintMilliseconds);
+        (*action)->trigger();
+        settle();
+        if (auto* rows = window.findChild<QDialog*>(QStringLiteral("drillThru"))) {
+            album.take(*rows, name);
+            rows->close();
+            settle(kPaintMilliseconds);
+        }
+        return;
+    }
+}
+
 // Every tab of the view that is showing.
 void takeTabs(ShellWindow& window, Album& album, const QString& name) {
     const auto* pane = window.findChild<QWidget*>(QStringLiteral("reportPane"));
@@ -103,7 +128,9 @@ void takeTabs(ShellWindow& window, Album& album, const QString& name) {
     for (int tab = 0; strip && tab < strip->count(); ++tab) {
         strip->setCurrentIndex(tab);
         settle(kPaintMilliseconds);
-        album.take(window, QStringLiteral("%1-%2-%3").arg(name).arg(tab + 1).arg(fileName(strip->tabText(tab))));
+        const QString caption = fileName(strip->tabText(tab));
+        album.take(window, QStringLiteral("%1-%2-%3").arg(name).arg(tab + 1).arg(caption));
+        takeDrillThrough(window, album, QStringLiteral("drill-through-%1").arg(caption));
     }
     if (strip)
         strip->setCurrentIndex(0);

@@ -65,7 +65,7 @@ class DrillThru : public ::testing::Test {
 };
 
 TEST_F(DrillThru, showsRowsSortedAndGivesTheCursorBack) {
-    m_frame.setGeometry(100, 100, 1000, 700);
+    m_frame.setGeometry(100, 30, 600, 540); // the screen has 800 by 600
     m_frame.show();
     FakeSource source = sampleSource({"b", "a"});
     source.rows[0][0] = KvbString("10");
