@@ -27,7 +27,8 @@ bool endsWith(std::string_view path, std::string_view ending) {
 }
 
 bool isTooLong(const std::string& path) {
-    return path.size() >= PATH_MAX || std::filesystem::path(path).filename().string().size() + kPartEnding.size() > NAME_MAX;
+    return path.size() >= PATH_MAX ||
+           std::filesystem::path(path).filename().string().size() + kPartEnding.size() > NAME_MAX;
 }
 
 // Lines into a file beside the one that they are to become.

@@ -15,13 +15,14 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTabBar>
-#include <QTableView>
 #include <QTabWidget>
+#include <QTableView>
 #include <QTimer>
 #include <QTreeView>
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 
 namespace tavix::shell {
 
@@ -99,7 +100,7 @@ QString fileName(const QString& caption) {
     return name;
 }
 
-// The source rows behind the first row of the list that is showing, through the list's own menu entry.
+// The source rows behind a row of the list that is showing, through the list's own menu entry.
 void takeDrillThrough(ShellWindow& window, Album& album, const QString& name) {
     for (auto* list : window.findChildren<QTableView*>()) {
         const QList<QAction*> actions = list->actions();
@@ -108,14 +109,18 @@ void takeDrillThrough(ShellWindow& window, Album& album, const QString& name) {
         });
         if (!list->isVisible() || action == actions.end())
             continue;
-        list->setCurrentIndex(list->model()->index(0, 0));
-        settle(kPaintMilliseconds);
-        (*action)->trigger();
-        settle();
-        if (auto* rows = window.findChild<QDialog*>(QStringLiteral("drillThru"))) {
-            album.take(*rows, name);
-            rows->close();
+        // A rule that no row violates is no picture.
+        bool isTaken = false;
+        for (int row = 0; row < list->model()->rowCount() && !isTaken; ++row) {
+            list->setCurrentIndex(list->model()->index(row, 0));
+            (*action)->trigger();
             settle(kPaintMilliseconds);
+            // Gone at once, so that the next one found is another.
+            const std::unique_ptr<QDialog> rows(window.findChild<QDialog*>(QStringLiteral("drillThru")));
+            const auto* print = rows ? rows->findChild<QAbstractButton*>(QStringLiteral("print")) : nullptr;
+            isTaken = print && print->isEnabled();
+            if (isTaken)
+                album.take(*rows, name);
         }
         return;
     }

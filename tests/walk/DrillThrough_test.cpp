@@ -10,6 +10,7 @@
 #include "profiling/JobDescription.h"
 #include "profiling/JobRunner.h"
 #include "tabs/ui/CFieldView.h"
+#include "tabs/ui/CProfTab.h"
 #include "tabs/ui/CTableView.h"
 #include "tabs/ui/TearOff.h"
 
@@ -19,6 +20,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -35,7 +37,7 @@ class DrillThroughWalk : public ::testing::Test {
     void SetUp() override {
         write("people.csv", "id,city,size\n1,Rome,5\n2,Bonn,7\n3,,9\n4,Rome,700\n5,Oslo,\n6,rome,6\n");
         write("job.yaml", "job: People\ntables:\n  - file: people.csv\n    key: [id]\n    rules:\n"
-                          "      - {name: Has a city, condition: \"notnull(`city`)\"}\n");
+                          "      - {name: Has a city, condition: \"not isnull(`city`)\"}\n");
         const auto job = profiling::readJobFile(m_folder.file("job.yaml"));
         if (!job.ok())
             throw std::runtime_error(job.error().text);
@@ -50,7 +52,8 @@ class DrillThroughWalk : public ::testing::Test {
     void write(const char* name, const std::string& text) { std::ofstream(m_folder.file(name)) << text; }
 
     void selectField(const std::string& name) {
-        const ProfileCursorHandle fields = m_view.GetTavixDoc().GetViewer()->getFieldList(m_view.GetSelection().table.id);
+        const ProfileCursorHandle fields =
+            m_view.GetTavixDoc().GetViewer()->getFieldList(m_view.GetSelection().table.id);
         while (fields->next()) {
             if (fields->getColumnValue(layout::FieldName).str() == name) {
                 ASSERT_TRUE(m_view.SelectField(fields->getColumnInt(layout::FieldId)));
@@ -119,8 +122,8 @@ TEST_F(DrillThroughWalk, valuesPatternsAndOutliers) {
 
     CUGCtrl& patterns = openTab(kPatterns);
     doubleClick(patterns, rowOf(patterns, "Aaaa"), 0);
-    EXPECT_THAT(takeWindow(), ElementsAre("Pattern Frequency Distribution Drill Through", "4 rows", "1|Rome|5", "2|Bonn|7",
-                                          "4|Rome|700", "5|Oslo|"));
+    EXPECT_THAT(takeWindow(), ElementsAre("Pattern Frequency Distribution Drill Through", "4 rows", "1|Rome|5",
+                                          "2|Bonn|7", "4|Rome|700", "5|Oslo|"));
 
     selectField("size");
     CUGCtrl& outliers = openTab(kOutliers);
@@ -133,7 +136,10 @@ TEST_F(DrillThroughWalk, valuesPatternsAndOutliers) {
 TEST_F(DrillThroughWalk, rulesShowTheRowsThatTheRunKept) {
     auto& table = dynamic_cast<CReportView&>(m_view.GetReportPane());
     table.SelectTab(CTableView::BusinessRules);
-    CUGCtrl& rules = *table.GetTab(CTableView::BusinessRules).findChild<CUGCtrl*>();
+    // Two more lists stand below that of the rules.
+    const auto grids = table.GetTab(CTableView::BusinessRules).findChildren<CUGCtrl*>();
+    const auto isRules = [](const CUGCtrl* grid) { return grid->accessibleName() == QLatin1String("Business Rules"); };
+    CUGCtrl& rules = **std::find_if(grids.begin(), grids.end(), isRules);
     doubleClick(rules, 0, 0);
     EXPECT_THAT(takeWindow(), ElementsAre("Business Rule Violation Drill Through", "1 row", "3|"));
 }
