@@ -19,6 +19,7 @@ namespace tavix {
 namespace {
 
 constexpr std::string_view kFileError = "File Error";
+constexpr std::string_view kPartEnding = ".part"; ///< of a file as long as it is written
 constexpr std::size_t kBufferBytes = std::size_t{1} << 20;
 
 bool endsWith(std::string_view path, std::string_view ending) {
@@ -26,7 +27,8 @@ bool endsWith(std::string_view path, std::string_view ending) {
 }
 
 bool isTooLong(const std::string& path) {
-    return path.size() >= PATH_MAX || std::filesystem::path(path).filename().string().size() > NAME_MAX;
+    return path.size() >= PATH_MAX ||
+           std::filesystem::path(path).filename().string().size() + kPartEnding.size() > NAME_MAX;
 }
 
 // Lines into a file beside the one that they are to become.
@@ -34,7 +36,7 @@ class LineFile {
   public:
     explicit LineFile(const std::string& path)
         : m_path(path),
-          m_part(path + ".part"),
+          m_part(path + std::string(kPartEnding)),
           m_file(std::fopen(m_part.c_str(), "wb")),
           m_wasOpened(m_file != nullptr) {
         m_buffer.reserve(kBufferBytes);

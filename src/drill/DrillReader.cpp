@@ -22,14 +22,6 @@ kvbType typeOf(const ProfileCursor&, int) {
 }
 
 template <typename Cursor>
-std::string warningOf(const Cursor& cursor) {
-    if constexpr (requires { cursor.getWarning(); })
-        return cursor.getWarning().str();
-    else
-        return {};
-}
-
-template <typename Cursor>
 DrillEnd readRows(Cursor& cursor, int first, std::int64_t limit, const DrillWatch& watch, DrillRows& rows) {
     const int columns = cursor.getColumnCount();
     while (cursor.next()) {
@@ -55,7 +47,7 @@ void read(Cursor& cursor, DrillSourceMode mode, std::int64_t limit, const DrillW
     // Rows of no columns are nothing to look at.
     if (!result.rows.columns().empty())
         result.end = readRows(cursor, first, limit, watch, result.rows);
-    result.warning = warningOf(cursor);
+    result.warning = cursor.getWarning().str();
 }
 
 } // namespace

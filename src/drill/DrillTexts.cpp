@@ -6,6 +6,30 @@
 
 namespace tavix {
 
+namespace {
+
+std::string countStatus(const DrillResult& result, std::optional<std::int64_t> inRun) {
+    const std::int64_t rows = result.rows.count();
+    switch (result.end) {
+    case DrillEnd::LimitReached:
+        // Whether the source has more is known only from the run.
+        if (inRun && *inRun == rows)
+            return countOf(rows, "row");
+        return "The first " + countOf(rows, "row") + (inRun && *inRun > rows ? " of " + groupedCount(*inRun) : "") +
+               ": the limit in the options is reached";
+    case DrillEnd::Cancelled:
+        return "Cancelled: the first " + countOf(rows, "row");
+    case DrillEnd::Failed:
+        return "Incomplete: the first " + countOf(rows, "row");
+    case DrillEnd::Complete:
+        break;
+    }
+    const std::string change = inRun ? sourceChangeText(*inRun, rows) : std::string();
+    return change.empty() ? countOf(rows, "row") : change;
+}
+
+} // namespace
+
 std::string_view drillTitle(DrillOrigin origin) {
     switch (origin) {
     case DrillOrigin::Frequency:
@@ -25,23 +49,12 @@ bool isDrillOffered(const SettingsStore& settings) {
 }
 
 std::string drillStatus(const DrillResult& result, std::optional<std::int64_t> inRun) {
-    const std::int64_t rows = result.rows.count();
-    switch (result.end) {
-    case DrillEnd::LimitReached:
-        // Whether the source has more is known only from the run.
-        if (inRun && *inRun == rows)
-            return countOf(rows, "row");
-        return "The first " + countOf(rows, "row") + (inRun && *inRun > rows ? " of " + groupedCount(*inRun) : "") +
-               ": the limit in the options is reached";
-    case DrillEnd::Cancelled:
-        return "Cancelled: the first " + countOf(rows, "row");
-    case DrillEnd::Failed:
-        return "Incomplete: the first " + countOf(rows, "row") + (result.reason.empty() ? "" : ". " + result.reason);
-    case DrillEnd::Complete:
-        break;
+    std::string status = countStatus(result, inRun);
+    for (const std::string& more : {result.reason, result.warning}) {
+        if (!more.empty())
+            status += (status.ends_with('.') ? " " : ". ") + more;
     }
-    const std::string change = inRun ? sourceChangeText(*inRun, rows) : std::string();
-    return change.empty() ? countOf(rows, "row") : change;
+    return status;
 }
 
 } // namespace tavix

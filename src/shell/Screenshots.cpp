@@ -5,6 +5,7 @@
 #include "shell/ShellWindow.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
@@ -16,10 +17,13 @@
 #include <QStackedWidget>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QTableView>
 #include <QTimer>
 #include <QTreeView>
 
+#include <algorithm>
 #include <cstdio>
+#include <memory>
 
 namespace tavix::shell {
 
@@ -103,13 +107,41 @@ QTabBar* tabStrip(const ShellWindow& window) {
     return pane ? pane->currentWidget()->findChild<QTabBar*>(QStringLiteral("tabStrip")) : nullptr;
 }
 
+// The source rows behind a row of the list that is showing, through the list's own menu entry.
+void takeDrillThrough(ShellWindow& window, Album& album, const QString& name) {
+    for (auto* list : window.findChildren<QTableView*>()) {
+        const QList<QAction*> actions = list->actions();
+        const auto action = std::find_if(actions.begin(), actions.end(), [](const QAction* each) {
+            return each->objectName() == QLatin1String("drillThrough");
+        });
+        if (!list->isVisible() || action == actions.end())
+            continue;
+        // A rule that no row violates is no picture.
+        bool isTaken = false;
+        for (int row = 0; row < list->model()->rowCount() && !isTaken; ++row) {
+            list->setCurrentIndex(list->model()->index(row, 0));
+            (*action)->trigger();
+            settle(kPaintMilliseconds);
+            // Gone at once, so that the next one found is another.
+            const std::unique_ptr<QDialog> rows(window.findChild<QDialog*>(QStringLiteral("drillThru")));
+            const auto* print = rows ? rows->findChild<QAbstractButton*>(QStringLiteral("print")) : nullptr;
+            isTaken = print && print->isEnabled();
+            if (isTaken)
+                album.take(*rows, name);
+        }
+        return;
+    }
+}
+
 // Every tab of the view that is showing.
 void takeTabs(ShellWindow& window, Album& album, const QString& name) {
     auto* strip = tabStrip(window);
     for (int tab = 0; strip && tab < strip->count(); ++tab) {
         strip->setCurrentIndex(tab);
         settle(kPaintMilliseconds);
-        album.take(window, QStringLiteral("%1-%2-%3").arg(name).arg(tab + 1).arg(fileName(strip->tabText(tab))));
+        const QString caption = fileName(strip->tabText(tab));
+        album.take(window, QStringLiteral("%1-%2-%3").arg(name).arg(tab + 1).arg(caption));
+        takeDrillThrough(window, album, QStringLiteral("drill-through-%1").arg(caption));
     }
     if (strip)
         strip->setCurrentIndex(0);

@@ -150,7 +150,9 @@ TEST(DrillTexts, theStatusSaysWhyThereAreTheseRows) {
     result.end = DrillEnd::Failed;
     result.reason = "The file is gone.";
     EXPECT_EQ(drillStatus(result, 5000), "Incomplete: the first 1,198 rows. The file is gone.");
-    result.end = DrillEnd::Cancelled;
+    result = {std::move(result.rows), DrillEnd::Complete, "", "The file is newer than the run."};
+    EXPECT_EQ(drillStatus(result, 1198), "1,198 rows. The file is newer than the run.");
+    result = {std::move(result.rows), DrillEnd::Cancelled, "", ""};
     EXPECT_EQ(drillStatus(result, 5000), "Cancelled: the first 1,198 rows");
 }
 

@@ -18,8 +18,8 @@ namespace {
 constexpr std::int64_t kMeasuredRows = 1000;
 // A cell shows one line; more of a long value is not drawn.
 constexpr std::size_t kShownBytes = 512;
-constexpr double kPaddingInLetters = 0.6;
-constexpr double kWidestShare = 0.5; ///< of a page, for one column
+constexpr double kPaddingInLetters = 1.0;
+constexpr double kWidestShare = 0.4; ///< of a page, for one column
 constexpr double kRowHeight = 1.45;  ///< in lines
 
 QString oneLine(std::string_view text) {

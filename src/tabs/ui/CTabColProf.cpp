@@ -69,7 +69,7 @@ std::optional<KvbString> CTabColProf::OutlierToDrill() const {
 
 void CTabColProf::OnDrillThrough() {
     if (const auto value = OutlierToDrill())
-        m_drill.OpenValue(*Subject().field, *value, DrillOrigin::Outliers);
+        m_drill.OpenValue(Subject(), *value, DrillOrigin::Outliers);
 }
 
 bool CTabColProf::RefillsOn(RefreshHint hint) const {

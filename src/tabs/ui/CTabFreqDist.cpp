@@ -132,9 +132,9 @@ void CTabFreqDist::OnDrillThrough() {
         return;
     const KvbString value = m_rows->GetValue(Grid().GetCurrentRow());
     if (m_kind == DistributionKind::Frequency)
-        m_drill.OpenValue(*Subject().field, value, DrillOrigin::Frequency);
+        m_drill.OpenValue(Subject(), value, DrillOrigin::Frequency);
     else
-        m_drill.OpenPattern(*Subject().field, value);
+        m_drill.OpenPattern(Subject(), value);
 }
 
 void CTabFreqDist::FilterToSelected(ValueChoice choice) {

@@ -2,13 +2,16 @@
 
 #include "base/GenException.h"
 #include "doc/CTavixDoc.h"
+#include "doc/CountText.h"
 #include "drill/ui/DrillProgress.h"
 #include "tabs/ListRows.h"
 
 #include <QAction>
 #include <QWidget>
 
+#include <string_view>
 #include <utility>
+#include <variant>
 
 namespace tavix {
 
@@ -23,6 +26,10 @@ std::string shortened(std::string_view text) {
     while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80)
         --end;
     return std::string(text.substr(0, end)) + "\u2026";
+}
+
+bool isSample(const TableIdentity& table) {
+    return table.kind != 'D' && table.processedRecords >= 0 && table.processedRecords != table.totalRecords;
 }
 
 // Windows go with the viewer, not with the tab, which may be closed or show something else meanwhile.
@@ -66,26 +73,34 @@ QAction* DrillThrough::MakeAction() const {
     return action;
 }
 
-void DrillThrough::OpenValue(const FieldRecord& field, const KvbString& value, DrillOrigin origin) const {
-    const std::string shown = value.isNull() ? std::string(kNullValue) : "\u201C" + shortened(value.view()) + "\u201D";
-    OpenRows(field, value, false, origin, field.name + ": " + shown);
+void DrillThrough::OpenValue(const ReportSubject& subject, const KvbString& value, DrillOrigin origin) const {
+    OpenRows(subject, value, false, origin,
+             value.isNull() ? std::string(kNullValue) : "\u201C" + shortened(value.view()) + "\u201D");
 }
 
-void DrillThrough::OpenPattern(const FieldRecord& field, const KvbString& pattern) const {
-    OpenRows(field, pattern, true, DrillOrigin::PatternFrequency,
-             field.name + ": pattern \u201C" + shortened(pattern.view()) + "\u201D");
+void DrillThrough::OpenPattern(const ReportSubject& subject, const KvbString& pattern) const {
+    OpenRows(subject, pattern, true, DrillOrigin::PatternFrequency,
+             "pattern \u201C" + shortened(pattern.view()) + "\u201D");
 }
 
-void DrillThrough::OpenRows(const FieldRecord& field, const KvbString& value, bool isPattern, DrillOrigin origin,
-                            const std::string& subject) const {
-    if (!IsOffered())
+void DrillThrough::OpenRows(const ReportSubject& subject, const KvbString& value, bool isPattern, DrillOrigin origin,
+                            const std::string& words) const {
+    if (!IsOffered() || !subject.field)
         return;
+    const FieldRecord& field = *subject.field;
     DrillRequest request;
     request.origin = origin;
     request.context = field.name;
-    request.subject = subject;
-    Open(std::move(request), [&](PrViewer& viewer, PrViewDisplayMessage& sink) {
-        return DrillCursor(viewer.drillDown(field.id, value, isPattern, &sink, nullptr));
+    request.subject = field.name + ": " + words;
+    // A sample has fewer rows than the source, which is no change of it.
+    if (!isSample(subject.table)) {
+        PrViewer& viewer = *m_site.GetTavixDoc().GetViewer();
+        if (const std::int64_t count = viewer.getDrillDownCount(field.id, value, isPattern); count >= 0)
+            request.inRun = count;
+    }
+    const int id = field.id;
+    Open(std::move(request), [id, &value, isPattern](PrViewer& viewer, PrViewDisplayMessage& sink) {
+        return DrillCursor(viewer.drillDown(id, value, isPattern, &sink, nullptr));
     });
 }
 
@@ -97,6 +112,9 @@ void DrillThrough::OpenRule(const BusinessRuleRows::Rule& rule, const std::strin
     request.mode = DrillSourceMode::RuleLog;
     request.context = name;
     request.subject = name;
+    if (rule.logged < rule.failed)
+        request.subject += ": the first " + groupedCount(rule.logged) + " of " + groupedCount(rule.failed) + " rows";
+    request.inRun = rule.logged;
     Open(std::move(request), [&rule](PrViewer& viewer, PrViewDisplayMessage&) {
         return DrillCursor(viewer.getBusinessRuleRowLog(rule.id, 0, true));
     });

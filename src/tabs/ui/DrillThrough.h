@@ -2,8 +2,8 @@
 
 #include "base/KvbString.h"
 #include "doc/CViewSite.h"
-#include "doc/FieldRecord.h"
 #include "drill/ui/CDrillThru.h"
+#include "tabs/ReportSubject.h"
 #include "tabs/RuleRows.h"
 
 #include <functional>
@@ -27,17 +27,18 @@ class DrillThrough {
     /// An entry for the tab's context menu; it calls nothing by itself.
     [[nodiscard]] QAction* MakeAction() const;
 
-    /// The rows in which the field has the value; null stands for those without one.
-    void OpenValue(const FieldRecord& field, const KvbString& value, DrillOrigin origin) const;
+    /// The rows in which the subject's field has the value; null stands for those without one.
+    void OpenValue(const ReportSubject& subject, const KvbString& value, DrillOrigin origin) const;
     /// The rows in which the field's value has the pattern.
-    void OpenPattern(const FieldRecord& field, const KvbString& pattern) const;
+    void OpenPattern(const ReportSubject& subject, const KvbString& pattern) const;
     /// The rows that violated the rule, as far as the run has kept them.
     void OpenRule(const BusinessRuleRows::Rule& rule, const std::string& name) const;
 
   private:
-    void Open(DrillRequest request, const std::function<DrillCursor(PrViewer&, PrViewDisplayMessage&)>& openCursor) const;
-    void OpenRows(const FieldRecord& field, const KvbString& value, bool isPattern, DrillOrigin origin,
-                  const std::string& subject) const;
+    void Open(DrillRequest request,
+              const std::function<DrillCursor(PrViewer&, PrViewDisplayMessage&)>& openCursor) const;
+    void OpenRows(const ReportSubject& subject, const KvbString& value, bool isPattern, DrillOrigin origin,
+                  const std::string& words) const;
 
     CViewSite& m_site;
     QWidget& m_tab;

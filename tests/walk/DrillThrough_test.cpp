@@ -1,0 +1,201 @@
+// From the figures of a report to the rows of its source.
+#include "access/Layouts.h"
+#include "base/tests/ScriptedMessages.h"
+#include "base/tests/TempFolder.h"
+#include "base/ui/QtText.h"
+#include "doc/CTavixApp.h"
+#include "doc/ui/CTavixView.h"
+#include "drill/ui/CDrillThru.h"
+#include "grid/ui/CUGCtrl.h"
+#include "profiling/JobDescription.h"
+#include "profiling/JobRunner.h"
+#include "tabs/ui/CFieldView.h"
+#include "tabs/ui/CProfTab.h"
+#include "tabs/ui/CTableView.h"
+#include "tabs/ui/TearOff.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QTest>
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+namespace tavix {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Lines = std::vector<std::string>;
+
+class DrillThroughWalk : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        write("people.csv", "id,city,size\n1,Rome,5\n2,Bonn,7\n3,,9\n4,Rome,700\n5,Oslo,\n6,rome,6\n");
+        write("job.yaml", "job: People\ntables:\n  - file: people.csv\n    key: [id]\n    rules:\n"
+                          "      - {name: Has a city, condition: \"not isnull(`city`)\"}\n");
+        const auto job = profiling::readJobFile(m_folder.file("job.yaml"));
+        if (!job.ok())
+            throw std::runtime_error(job.error().text);
+        const auto outcome = profiling::runJob(*job, m_folder.file("people.tavix"));
+        if (!outcome.ok())
+            throw std::runtime_error(outcome.error().text);
+        m_view.resize(1000, 600);
+        m_view.show();
+        ASSERT_TRUE(m_view.LoadReportForJob("", outcome->jobId, m_folder.file("people.tavix")));
+        ASSERT_TRUE(QTest::qWaitFor([this] { return m_view.findChild<CTableView*>() != nullptr; }));
+    }
+    void write(const char* name, const std::string& text) { std::ofstream(m_folder.file(name)) << text; }
+
+    void selectField(const std::string& name) {
+        const ProfileCursorHandle fields =
+            m_view.GetTavixDoc().GetViewer()->getFieldList(m_view.GetSelection().table.id);
+        while (fields->next()) {
+            if (fields->getColumnValue(layout::FieldName).str() == name) {
+                ASSERT_TRUE(m_view.SelectField(fields->getColumnInt(layout::FieldId)));
+                return;
+            }
+        }
+        FAIL() << "no field " << name;
+    }
+    CUGCtrl& openTab(int tab) {
+        auto& view = dynamic_cast<CReportView&>(m_view.GetReportPane());
+        view.SelectTab(tab);
+        return *view.GetTab(tab).findChild<CUGCtrl*>();
+    }
+    static void doubleClick(CUGCtrl& grid, int row, int column) {
+        grid.scrollTo(grid.model()->index(row, column));
+        const QPoint at = grid.visualRect(grid.model()->index(row, column)).center();
+        QTest::mouseClick(grid.viewport(), Qt::LeftButton, Qt::NoModifier, at);
+        QTest::mouseDClick(grid.viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    }
+    static int rowOf(const CUGCtrl& grid, const std::string& text) {
+        for (int row = 0; row < grid.model()->rowCount(); ++row) {
+            if (toUtf8(grid.model()->index(row, 0).data().toString()) == text)
+                return row;
+        }
+        throw std::runtime_error("no row " + text);
+    }
+    /// The rows of the window that is open, which is closed; its title and its status come first.
+    Lines takeWindow() {
+        const auto windows = m_view.findChildren<CDrillThru*>();
+        Lines lines;
+        for (CDrillThru* window : windows) {
+            lines.push_back(toUtf8(window->windowTitle()));
+            lines.push_back(toUtf8(window->findChild<QLabel*>(QStringLiteral("status"))->text()));
+            const CDrillThruDataSrc& source = window->GetSource();
+            for (std::int64_t row = 0; row < source.GetRowCount(); ++row) {
+                std::string line;
+                for (int column = 0; column < source.GetColumnCount(); ++column)
+                    line += (column > 0 ? "|" : "") + source.GetCell(column, row).text;
+                lines.push_back(line);
+            }
+            delete window;
+        }
+        return lines;
+    }
+
+    testing::TempFolder m_folder;
+    testing::ScriptedMessages m_messages;
+    CTavixApp m_app{makeMemorySettings()};
+    CTavixView m_view{m_app, m_messages};
+};
+
+constexpr int kValues = CFieldView::Frequency;
+constexpr int kPatterns = CFieldView::Patterns;
+constexpr int kOutliers = CFieldView::Outliers;
+
+TEST_F(DrillThroughWalk, valuesPatternsAndOutliers) {
+    selectField("city");
+    CUGCtrl& values = openTab(kValues);
+    doubleClick(values, rowOf(values, "Rome"), 1);
+    EXPECT_THAT(takeWindow(), ElementsAre("Frequency Distribution Drill Through", "2 rows", "1|Rome|5", "4|Rome|700"));
+    doubleClick(values, rowOf(values, "(null value)"), 0);
+    EXPECT_THAT(takeWindow(), ElementsAre("Frequency Distribution Drill Through", "1 row", "3||9"));
+    values.SelectRow(rowOf(values, "rome"));
+    QTest::keyClick(&values, Qt::Key_Return);
+    EXPECT_THAT(takeWindow(), ElementsAre("Frequency Distribution Drill Through", "1 row", "6|rome|6"));
+
+    CUGCtrl& patterns = openTab(kPatterns);
+    doubleClick(patterns, rowOf(patterns, "Aaaa"), 0);
+    EXPECT_THAT(takeWindow(), ElementsAre("Pattern Frequency Distribution Drill Through", "4 rows", "1|Rome|5",
+                                          "2|Bonn|7", "4|Rome|700", "5|Oslo|"));
+
+    selectField("size");
+    CUGCtrl& outliers = openTab(kOutliers);
+    doubleClick(outliers, 0, 1);
+    EXPECT_THAT(takeWindow(), ElementsAre("Outliers Drill Through", "1 row", "4|Rome|700"));
+    doubleClick(outliers, 0, 0);
+    EXPECT_THAT(takeWindow(), ElementsAre("Outliers Drill Through", "1 row", "1|Rome|5"));
+}
+
+TEST_F(DrillThroughWalk, rulesShowTheRowsThatTheRunKept) {
+    auto& table = dynamic_cast<CReportView&>(m_view.GetReportPane());
+    table.SelectTab(CTableView::BusinessRules);
+    // Two more lists stand below that of the rules.
+    const auto grids = table.GetTab(CTableView::BusinessRules).findChildren<CUGCtrl*>();
+    const auto isRules = [](const CUGCtrl* grid) { return grid->accessibleName() == QLatin1String("Business Rules"); };
+    CUGCtrl& rules = **std::find_if(grids.begin(), grids.end(), isRules);
+    doubleClick(rules, 0, 0);
+    EXPECT_THAT(takeWindow(), ElementsAre("Business Rule Violation Drill Through", "1 row", "3|"));
+}
+
+TEST_F(DrillThroughWalk, theSourceMayHaveChangedOrGone) {
+    selectField("city");
+    CUGCtrl& values = openTab(kValues);
+    write("people.csv", "id,city,size\n1,Rome,5\n2,Bonn,7\n3,,9\n4,Rome,700\n5,Oslo,\n6,rome,6\n7,Rome,1\n");
+    doubleClick(values, rowOf(values, "Rome"), 0);
+    Lines lines = takeWindow();
+    ASSERT_EQ(lines.size(), 5U);
+    EXPECT_THAT(lines[1], ::testing::StartsWith("2 in the run, 3 now: the source changed since"));
+
+    std::filesystem::remove(m_folder.file("people.csv"));
+    PrViewer& viewer = *m_view.GetTavixDoc().GetViewer();
+    ASSERT_FALSE(viewer.drillDown(m_view.GetSelection().fieldId, KvbString("Rome"), false, nullptr, nullptr));
+    m_messages.expectWarn("Drill through information is unavailable for this item.\n\n" + viewer.getErrorString().str(),
+                          "Error");
+    doubleClick(values, rowOf(values, "Rome"), 0);
+    EXPECT_THAT(takeWindow(), IsEmpty());
+}
+
+TEST_F(DrillThroughWalk, notForSummaryRowsAndNotWithThatConnectionType) {
+    ASSERT_TRUE(m_app.GetSettings().write("TAVIX", "MaxFreqVals", "1").ok());
+    selectField("city");
+    CUGCtrl& values = openTab(kValues);
+    const auto* action = dynamic_cast<CReportView&>(m_view.GetReportPane())
+                             .GetTab(kValues)
+                             .findChild<QAction*>(QStringLiteral("drillThrough"));
+    values.SelectRow(0);
+    EXPECT_TRUE(action->isEnabled());
+    doubleClick(values, rowOf(values, "Other"), 0);
+    EXPECT_FALSE(action->isEnabled());
+    EXPECT_THAT(takeWindow(), IsEmpty());
+    ASSERT_TRUE(m_app.GetSettings().write("Settings", "ConnectionType", "ctdd").ok());
+    doubleClick(values, 0, 0);
+    EXPECT_THAT(takeWindow(), IsEmpty());
+}
+
+TEST_F(DrillThroughWalk, severalWindowsAlsoFromDetachedTabs) {
+    selectField("city");
+    CUGCtrl& values = openTab(kValues);
+    doubleClick(values, rowOf(values, "Bonn"), 0);
+    m_view.ExecuteCommand(static_cast<int>(CommandId::DetachTabs));
+    auto* detached = m_view.findChild<CTearOff*>();
+    ASSERT_TRUE(detached);
+    CReportView& view = detached->GetView();
+    view.SelectTab(kValues);
+    CUGCtrl& grid = *view.GetTab(kValues).findChild<CUGCtrl*>();
+    doubleClick(grid, rowOf(grid, "Oslo"), 0);
+    detached->close();
+    // Neither needs the tab that opened it, nor the report.
+    m_view.GetTavixDoc().Clear();
+    EXPECT_THAT(takeWindow(), ElementsAre("Frequency Distribution Drill Through", "1 row", "2|Bonn|7",
+                                          "Frequency Distribution Drill Through", "1 row", "5|Oslo|"));
+}
+
+} // namespace
+} // namespace tavix
