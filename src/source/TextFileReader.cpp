@@ -1,5 +1,6 @@
 #include "source/TextFileReader.h"
 
+#include "source/CellText.h"
 #include "source/DelimiterSniffer.h"
 #include "source/TextArena.h"
 #include "source/Utf8.h"
@@ -19,6 +20,7 @@ constexpr std::size_t kLargestPiece = std::size_t{1} << 31;
 constexpr std::size_t kBlockRows = std::size_t{1} << 15;
 constexpr std::size_t kBlockCells = std::size_t{1} << 21;
 constexpr std::size_t kMostColumns = 100'000;
+constexpr std::size_t kMarkSize = 16; ///< no byte order mark is longer
 
 /// Names without duplicates and gaps; the first of two equal ones keeps its name.
 std::vector<std::string> uniqueNames(const std::vector<std::string>& found) {
@@ -66,7 +68,7 @@ bool looksLikeNames(std::span<const std::string> cells) {
 }
 
 Result<std::unique_ptr<TextFileReader>> TextFileReader::open(const std::string& path, const TextFileOptions& options) {
-    auto input = TextInput::open(path, options.encoding, options.isPreview);
+    auto input = TextInput::open(path, options.encoding, std::max(options.pieceSize, kMarkSize), options.isPreview);
     if (!input)
         return input.error();
     std::unique_ptr<TextFileReader> reader(new TextFileReader(std::move(*input)));
@@ -77,7 +79,7 @@ Result<std::unique_ptr<TextFileReader>> TextFileReader::open(const std::string& 
 
 Status TextFileReader::begin(const TextFileOptions& options) {
     m_quote = options.quote;
-    m_pieceSize = std::max<std::size_t>(options.pieceSize, 16); // a byte order mark stands in the first one
+    m_pieceSize = std::max(options.pieceSize, kMarkSize);
     if (options.isPreview)
         m_pieceSize = TextInput::kSample * 3 + 1; // no encoding makes more of a byte, so that one piece holds it all
     if (Status status = refill(); !status)
@@ -183,30 +185,7 @@ Status TextFileReader::refill() {
 }
 
 Cell TextFileReader::rewritten(const RawCell& cell, bool& hadBadBytes) {
-    const char* data = cell.data;
-    std::size_t size = cell.size;
-    if (cell.hasDoubledQuotes || cell.tailSize > 0) {
-        char* const at = m_piece->arena.allocate(cell.size + cell.tailSize);
-        char* to = at;
-        for (std::size_t i = 0; i < cell.size; ++i) {
-            *to++ = cell.data[i];
-            if (cell.data[i] == m_quote && i + 1 < cell.size)
-                ++i;
-        }
-        std::memcpy(to, cell.data + cell.size + 1, cell.tailSize);
-        to += cell.tailSize;
-        data = at;
-        size = static_cast<std::size_t>(to - at);
-    }
-    if (!m_piece->isValid && validUtf8Prefix({data, size}) != size) {
-        hadBadBytes = true;
-        char* const at = m_piece->arena.allocate(size * 3);
-        const std::size_t repaired = repairUtf8({data, size}, at);
-        m_piece->arena.giveBack(size * 3 - repaired);
-        data = at;
-        size = repaired;
-    }
-    return {data, static_cast<std::uint32_t>(size), size == 0 && !cell.isQuoted};
+    return cellText(cell, m_piece->isValid, m_quote, m_piece->arena, hadBadBytes);
 }
 
 void TextFileReader::noteDamage(const ScannedRow& row, bool hadBadBytes) {

@@ -60,6 +60,7 @@ class TextFileReader final : public RowReader {
     [[nodiscard]] bool isCut() const { return m_input->isCut(); }
     [[nodiscard]] const FoundEncoding& encoding() const { return m_input->encoding(); }
     [[nodiscard]] bool hasByteOrderMark() const { return m_hasMark; }
+    [[nodiscard]] std::int64_t fileSize() const { return m_input->size(); }
     [[nodiscard]] UtcTime modified() const { return m_input->modified(); }
 
   private:

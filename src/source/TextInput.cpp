@@ -39,17 +39,18 @@ Error TextInput::failure(std::string_view what) const {
     return Error{fmt::format("\"{}\" {}", m_path, what)};
 }
 
-Result<std::unique_ptr<TextInput>> TextInput::open(const std::string& path, const CEncoding* encoding, bool isPreview) {
+Result<std::unique_ptr<TextInput>> TextInput::open(const std::string& path, const CEncoding* encoding,
+                                                   std::size_t beginning, bool isPreview) {
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0)
         return Error{fmt::format("\"{}\" cannot be opened: {}", path, systemText(errno))};
     std::unique_ptr<TextInput> input(new TextInput(path, file));
-    if (Status status = input->begin(encoding, isPreview); !status)
+    if (Status status = input->begin(encoding, beginning, isPreview); !status)
         return status.error();
     return input;
 }
 
-Status TextInput::begin(const CEncoding* encoding, bool isPreview) {
+Status TextInput::begin(const CEncoding* encoding, std::size_t beginning, bool isPreview) {
     struct stat info {};
     if (::fstat(m_file, &info) != 0)
         return failure("cannot be read: " + systemText(errno));
@@ -59,7 +60,8 @@ Status TextInput::begin(const CEncoding* encoding, bool isPreview) {
     m_size = S_ISREG(info.st_mode) ? static_cast<std::int64_t>(info.st_size) : 0;
     m_modified = modifiedTime(info);
     ::posix_fadvise(m_file, 0, 0, POSIX_FADV_SEQUENTIAL);
-    m_chunk.resize(m_size > 0 ? std::min(kSample, static_cast<std::size_t>(m_size) + 1) : kSample);
+    const std::size_t wanted = encoding ? std::min(beginning, kSample) : kSample;
+    m_chunk.resize(m_size > 0 ? std::min(wanted, static_cast<std::size_t>(m_size) + 1) : wanted);
     const auto got = readBytes(m_chunk.data(), m_chunk.size());
     if (!got)
         return got.error();

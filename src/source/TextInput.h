@@ -19,10 +19,10 @@ class TextInput {
     /// How much of a file is looked at before it is read, and all that there is of it in a preview.
     static constexpr std::size_t kSample = std::size_t{1} << 20;
 
-    /// Opens the file and looks at its beginning. `encoding` is found in there when null. An error for a file that
-    /// cannot be read and for a folder.
+    /// Opens the file and looks at its first MiB, where the encoding is found; a stated `encoding` needs no more than
+    /// `beginning` bytes of it. An error for a file that cannot be read and for a folder.
     [[nodiscard]] static Result<std::unique_ptr<TextInput>> open(const std::string& path, const CEncoding* encoding,
-                                                                 bool isPreview = false);
+                                                                 std::size_t beginning, bool isPreview = false);
     ~TextInput();
     TextInput(const TextInput&) = delete;
     TextInput& operator=(const TextInput&) = delete;
@@ -44,7 +44,7 @@ class TextInput {
 
   private:
     TextInput(std::string path, int file);
-    Status begin(const CEncoding* encoding, bool isPreview);
+    Status begin(const CEncoding* encoding, std::size_t beginning, bool isPreview);
     Result<std::size_t> readBytes(char* target, std::size_t size);
     Result<std::size_t> readDecoded(char* target, std::size_t size);
     Status readChunk();
