@@ -53,6 +53,21 @@ function(tavix_tests folder)
                        PROPERTIES TIMEOUT 120)
 endfunction()
 
+# Tests that start a database server: the program tavix_source_server_tests, one test to CTest, so that it starts once.
+function(tavix_server_tests folder)
+  if(NOT TAVIX_TESTS)
+    return()
+  endif()
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPS" ${ARGN})
+  set(target tavix_${folder}_server_tests)
+  add_executable(${target} ${ARG_SOURCES})
+  set_target_properties(${target} PROPERTIES AUTOMOC OFF)
+  target_link_libraries(${target} PRIVATE tavix_${folder} ${ARG_DEPS} tavix_test_support GTest::gmock GTest::gtest_main)
+  target_compile_definitions(${target} PRIVATE TAVIX_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
+  add_test(NAME ${folder}.servers COMMAND ${target})
+  set_tests_properties(${folder}.servers PROPERTIES TIMEOUT 300)
+endfunction()
+
 # Widget tests: their main makes a QApplication on the offscreen platform and fails a test on a Qt warning.
 function(tavix_ui_tests folder)
   if(NOT TAVIX_TESTS)

@@ -1,5 +1,6 @@
 #include "access/DrillSource.h"
 
+#include "base/Encodings.h"
 #include "base/NumberText.h"
 #include "expression/ExpressionError.h"
 #include "source/TextFileReader.h"
@@ -22,7 +23,6 @@ using source::TextFileOptions;
 using source::TextFileReader;
 using source::TextFileSearch;
 
-constexpr std::string_view kSearchedEncoding = "UTF-8";
 constexpr std::size_t kListedColumns = 10;
 
 std::string listOf(std::span<const std::string> names) {
@@ -103,8 +103,11 @@ Result<DrillSource> openTextFile(const DrillTable& table, const WantedRows& want
     std::error_code ignored;
     if (std::filesystem::exists(file.path, ignored) && std::filesystem::is_other(file.path, ignored))
         return Error{fmt::format("\"{}\" is no file that can be read again.", file.path)};
-    const TextFileOptions options{file.delimiter, file.hasHeader};
-    const bool isSearch = wanted.kind == WantedRows::Kind::Value && file.encoding == kSearchedEncoding &&
+    TextFileOptions options;
+    options.delimiter = file.delimiter;
+    options.hasHeader = file.hasHeader;
+    options.encoding = findEncoding(file.encoding);
+    const bool isSearch = wanted.kind == WantedRows::Kind::Value && options.encoding == &encodingUtf8() &&
                           TextFileSearch::canFind(wanted.text);
     if (isSearch) {
         auto search = TextFileSearch::open(file.path, options);

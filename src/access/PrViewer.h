@@ -137,8 +137,8 @@ class PrViewer {
     [[nodiscard]] ProfileCursorHandle getCustomMetricInputFields(const KvbString& key);
     [[nodiscard]] ProfileCursorHandle getBusinessRules(int tableId);
     /// The rows that violate a rule, as many of the first ones as the run has kept, from the one with the index `first`
-    /// on, which counts from 0. A column holds the row's number, then follow the fields of the table's key and, if
-    /// `withInputs`, the fields that the condition reads.
+    /// on, which counts from 0. Three columns of bookkeeping (number of the row in its table, id of the rule, index)
+    /// come first, then the fields of the table's key and, if `withInputs`, the fields that the condition reads.
     [[nodiscard]] ProfileCursorHandle getBusinessRuleRowLog(int ruleId, int first, bool withInputs);
 
     // Alerts.

@@ -54,6 +54,8 @@ struct TableFacts {
     std::string alternateFilter;
     bool isTextFile = false;
     TextFileFacts textFile; ///< when isTextFile
+    /// Of a table that was read from a database: how it was reached, such as "DSN=shop", without user and password.
+    std::optional<std::string> connection;
     std::int64_t totalRecords = 0;
     std::int64_t processedRecords = 0;
     std::int64_t damagedRecords = 0; ///< rows that were not as they should be; the execution log lists them

@@ -130,7 +130,7 @@ Status RunWriter::Impl::storeTable(int table, const TableFacts& facts) {
     auto insert = connection->prepare(
         "INSERT INTO run_table(run, position, table_id, total_records, processed_records, damaged_records, query, "
         "filter, alternate_filter, file_path, file_delimiter, file_header, file_encoding, file_byte_order_mark, "
-        "file_size, file_modified) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10,?11,?12,?13,?14,?15,?16)");
+        "file_size, file_modified, connection) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10,?11,?12,?13,?14,?15,?16,?17)");
     if (!insert)
         return insert.error();
     insert->bind(1, run).bind(2, static_cast<std::int64_t>(tables.size() + 1)).bind(3, table);
@@ -145,6 +145,10 @@ Status RunWriter::Impl::storeTable(int table, const TableFacts& facts) {
         for (int parameter = 10; parameter <= 16; ++parameter)
             insert->bindNull(parameter);
     }
+    if (facts.connection)
+        insert->bind(17, *facts.connection);
+    else
+        insert->bindNull(17);
     return insert->run();
 }
 

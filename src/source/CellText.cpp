@@ -6,7 +6,7 @@
 
 namespace tavix::source {
 
-Cell cellText(const RawCell& raw, bool isValid, TextArena& arena, bool& hadBadBytes) {
+Cell cellText(const RawCell& raw, bool isValid, char quote, TextArena& arena, bool& hadBadBytes) {
     const char* data = raw.data;
     std::size_t size = raw.size;
     if (raw.hasDoubledQuotes || raw.tailSize > 0) {
@@ -14,7 +14,7 @@ Cell cellText(const RawCell& raw, bool isValid, TextArena& arena, bool& hadBadBy
         char* to = at;
         for (std::size_t i = 0; i < raw.size; ++i) {
             *to++ = raw.data[i];
-            if (raw.data[i] == '"' && i + 1 < raw.size)
+            if (raw.data[i] == quote && i + 1 < raw.size)
                 ++i;
         }
         std::memcpy(to, raw.data + raw.size + 1, raw.tailSize);

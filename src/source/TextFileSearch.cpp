@@ -314,12 +314,12 @@ void TextFileSearch::keepIfWanted(RowBlock& block, TextArena& arena) {
     bool ignored = false;
     if (m_column >= m_cells.size())
         return;
-    const Cell found = cellText(m_cells[m_column], false, arena, ignored);
+    const Cell found = cellText(m_cells[m_column], false, '"', arena, ignored);
     if (std::string_view(found.data, found.size) != m_value)
         return;
     for (std::size_t c = 0; c < m_names.size(); ++c) {
         Cell& cell = block.columns[c][block.rows];
-        cell = c < m_cells.size() ? cellText(m_cells[c], false, arena, ignored) : Cell{};
+        cell = c < m_cells.size() ? cellText(m_cells[c], false, '"', arena, ignored) : Cell{};
         if (!cell.isNull)
             cell.data = arena.keep({cell.data, cell.size});
     }

@@ -60,6 +60,28 @@ TEST(RunWriter, NothingIsSeenBeforeCommitAndAllOfItAfter) {
     EXPECT_EQ(ask(path, "SELECT COUNT(*) FROM run_table"), 1);
 }
 
+TEST(RunWriter, KeepsHowATableOfADatabaseWasReached) {
+    TempFolder folder;
+    const std::string path = folder.file("r.tavix");
+    {
+        auto old = sql::Connection::openFile(path, sql::OpenMode::Create);
+        ASSERT_TRUE(old && prepareSchema(**old, sql::OpenMode::Create, schemaSteps().first(2)));
+    }
+    auto writer = RunWriter::begin(path, {"Job", "", "", {}});
+    ASSERT_TRUE(writer) << writer.error().text;
+    TableFacts table;
+    table.name = "file";
+    ASSERT_TRUE((*writer)->addTable(table));
+    table.name = "orders";
+    table.sourceKind = SourceKind::Odbc;
+    table.connection = "DSN=shop";
+    ASSERT_TRUE((*writer)->addTable(table));
+    ASSERT_TRUE((*writer)->commit({}));
+    EXPECT_EQ(ask(path, "SELECT COUNT(*) FROM v_tables v JOIN run_table t ON t.run = v.run AND t.table_id = v.table_id "
+                        "WHERE t.connection IS CASE v.table_name WHEN 'orders' THEN 'DSN=shop' END"),
+              2);
+}
+
 TEST(RunWriter, AFailedCallEndsTheRun) {
     TempFolder folder;
     const std::string path = folder.file("r.tavix");

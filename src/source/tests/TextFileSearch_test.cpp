@@ -1,3 +1,4 @@
+#include "base/Encodings.h"
 #include "base/tests/TempFolder.h"
 #include "source/TextFileSearch.h"
 
@@ -135,7 +136,7 @@ TEST(TextFileSearch, FindsTheRowsThatAFullReadFinds) {
         std::ofstream(path, std::ios::binary)
             << (files.below(2) == 0 ? files.nasty(delimiter) : files.regular(delimiter));
         const TextFileOptions options{files.below(12) == 0 ? std::optional('\0') : std::optional(delimiter),
-                                      files.below(3) != 0};
+                                      files.below(3) != 0, false, &encodingUtf8()};
         auto opened = TextFileReader::open(path, options);
         if (!opened)
             continue;

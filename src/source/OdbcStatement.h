@@ -1,0 +1,65 @@
+#pragma once
+
+#include "base/Result.h"
+#include "source/Credentials.h"
+#include "source/DeclaredColumn.h"
+#include "source/OdbcConnection.h"
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tavix::source {
+
+/// The error of a statement that its KeepGoing cancelled.
+inline constexpr const char* kCancelled = "cancelled";
+
+/// A statement of a connection, which must outlive it.
+class OdbcStatement {
+  public:
+    using Row = std::vector<std::optional<std::string>>;
+
+    [[nodiscard]] static Result<OdbcStatement> create(const OdbcConnection& connection);
+    ~OdbcStatement() { release(); }
+    OdbcStatement(OdbcStatement&& other) noexcept
+        : m_connection(other.m_connection), m_handle(std::exchange(other.m_handle, nullptr)) {}
+    OdbcStatement& operator=(OdbcStatement&&) = delete;
+
+    /// So that the columns of its result can be asked for.
+    [[nodiscard]] Status prepare(const std::string& sql);
+    /// `parameters` are texts, or null.
+    [[nodiscard]] Status execute(const std::string& sql, std::span<const std::optional<std::string>> parameters,
+                                 const KeepGoing& keepGoing);
+    // The catalogue. Names are taken as they are, not as patterns; the result may hold more than was asked for.
+    [[nodiscard]] Status listTables();
+    [[nodiscard]] Status listColumns(const std::string& catalog, const std::string& schema, const std::string& table);
+    [[nodiscard]] Status listKeys(const std::string& catalog, const std::string& schema, const std::string& table);
+
+    [[nodiscard]] Result<std::vector<DeclaredColumn>> resultColumns() const;
+    /// The heading of a column of the result, from 0; empty when there is none.
+    [[nodiscard]] std::string heading(std::size_t column) const;
+    [[nodiscard]] std::size_t columnCount() const;
+    /// What is left of a small result, up to `limit` rows. Texts are cut after 32,000 bytes.
+    [[nodiscard]] Result<std::vector<Row>> rows(std::size_t limit);
+
+    /// May be called from any thread while another one waits for this statement.
+    void cancel() const;
+    [[nodiscard]] void* handle() const { return m_handle; }
+    [[nodiscard]] Error failure() const;
+
+  private:
+    explicit OdbcStatement(const OdbcConnection& connection) : m_connection(&connection) {}
+    void release();
+    [[nodiscard]] std::string pattern(const std::string& name) const;
+
+    const OdbcConnection* m_connection;
+    void* m_handle = nullptr;
+};
+
+/// The kind behind a type code of ODBC.
+[[nodiscard]] DeclaredColumn::Kind kindOfType(int code);
+
+} // namespace tavix::source

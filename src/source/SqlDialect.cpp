@@ -1,0 +1,118 @@
+#include "source/SqlDialect.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+namespace tavix::source {
+
+namespace {
+
+using Kind = DeclaredColumn::Kind;
+using Snapshot = SqlDialect::Snapshot;
+
+constexpr SqlDialect kUnknown{};
+
+// From ClickHouse on, by what the makers document of the equality of texts.
+constexpr std::array kDialects = {
+    // A cursor's plan is made for all of its rows, since all are read.
+    SqlDialect{"PostgreSQL", Snapshot::RepeatableRead, true, true, true, true,
+               "SET default_transaction_read_only = on; SET cursor_tuple_fraction = 1", " COLLATE \"C\""},
+    SqlDialect{"SQLite", Snapshot::Transaction, true, true, true, true, {}, " COLLATE BINARY"},
+    SqlDialect{"ClickHouse", Snapshot::None, false, false, false, true},
+    SqlDialect{"Trino", Snapshot::None, false, false, false, true},
+    SqlDialect{"Presto", Snapshot::None, false, false, false, true},
+    SqlDialect{"Spark", Snapshot::None, false, false, false, true},
+};
+
+bool isInteger(std::string_view text) {
+    if (text.starts_with('-'))
+        text.remove_prefix(1);
+    return !text.empty() && text.size() <= 18 && (text.front() != '0' || text.size() == 1) &&
+           std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+} // namespace
+
+std::optional<std::size_t> DeclaredColumn::longestText() const {
+    constexpr std::int64_t kLongestText = 4000;
+    switch (kind) {
+    case Kind::Integer:
+    case Kind::Boolean:
+        return 24;
+    case Kind::Real:
+        return 40;
+    case Kind::Uuid:
+        return 40;
+    case Kind::Date:
+    case Kind::Time:
+    case Kind::Timestamp:
+        return 64;
+    case Kind::Text:
+    case Kind::FixedText:
+        if (length && *length > 0 && *length <= kLongestText)
+            return static_cast<std::size_t>(*length) * 4;
+        return std::nullopt;
+    case Kind::Decimal:
+        if (length && *length > 0 && *length <= kLongestText)
+            return static_cast<std::size_t>(*length) + 8;
+        return std::nullopt;
+    default:
+        return std::nullopt;
+    }
+}
+
+std::string SqlDialect::textOf(const std::string& name, const DeclaredColumn& column) const {
+    if (!writesText)
+        return name;
+    // What a column of a database file holds is up to each row; bytes are shown as hexadecimal digits.
+    if (snapshot == Snapshot::Transaction)
+        return fmt::format("CASE typeof({0}) WHEN 'blob' THEN hex({0}) ELSE CAST({0} AS TEXT) END", name);
+    // A cast to text takes the blanks away that a text of fixed length has at its end.
+    if (column.kind == Kind::FixedText)
+        return fmt::format("CASE WHEN {0} IS NULL THEN NULL ELSE concat({0}) END", name);
+    return fmt::format("CAST({} AS text)", name);
+}
+
+std::optional<std::string> SqlDialect::whyInexact(const DeclaredColumn& column) const {
+    if (writesText)
+        return std::nullopt;
+    switch (column.kind) {
+    case Kind::Integer:
+    case Kind::Decimal:
+    case Kind::Date:
+    case Kind::Boolean:
+    case Kind::Uuid:
+        return std::nullopt;
+    case Kind::Text:
+    case Kind::LongText:
+        if (isTextExact)
+            return std::nullopt;
+        [[fallthrough]];
+    case Kind::FixedText:
+        return fmt::format("the engine may take texts of \"{}\" for equal that differ in case or in blanks",
+                           column.name);
+    default:
+        return fmt::format("values of \"{}\" ({}) may be equal and read differently", column.name, column.typeName);
+    }
+}
+
+std::string SqlDialect::indexCondition(const std::string& name, const DeclaredColumn& column,
+                                       std::string_view text) const {
+    if (!writesText)
+        return {};
+    if (column.kind == Kind::Text || column.kind == Kind::LongText)
+        return fmt::format("{} = ?", name);
+    if (column.kind == Kind::Integer && isInteger(text))
+        return fmt::format("{} = CAST(? AS {})", name, snapshot == Snapshot::Transaction ? "INTEGER" : "bigint");
+    return {};
+}
+
+const SqlDialect& dialectOf(std::string_view product) {
+    const auto found = std::find_if(kDialects.begin(), kDialects.end(),
+                                    [&](const SqlDialect& dialect) { return product.starts_with(dialect.product); });
+    return found == kDialects.end() ? kUnknown : *found;
+}
+
+} // namespace tavix::source
