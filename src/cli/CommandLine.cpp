@@ -7,6 +7,7 @@
 #include "cli/FieldsCommand.h"
 #include "cli/FunctionsCommand.h"
 #include "cli/HelpFormatter.h"
+#include "cli/InspectCommand.h"
 #include "cli/Interruption.h"
 #include "cli/JobsCommand.h"
 #include "cli/NotesCommand.h"
@@ -38,6 +39,7 @@ constexpr const char* kAbout =
 
 constexpr const char* kFooter =
     "Examples:\n"
+    "  tavix inspect sales.csv                                   how a file would be read\n"
     "  tavix profile sales.csv customers.csv -R profile.tavix    profile two files\n"
     "  tavix tables -R profile.tavix                             what was profiled\n"
     "  tavix fields -R profile.tavix --table sales               the fields of a table\n"
@@ -54,6 +56,7 @@ using Commands = std::vector<std::unique_ptr<Command>>;
 
 Commands makeCommands() {
     Commands commands;
+    commands.push_back(std::make_unique<InspectCommand>());
     commands.push_back(std::make_unique<ProfileCommand>());
     commands.push_back(std::make_unique<JobsCommand>());
     commands.push_back(std::make_unique<RunsCommand>());

@@ -24,19 +24,6 @@ bool isJobFile(const std::string& path) {
     return ending == ".yaml" || ending == ".yml";
 }
 
-/// A file that is not there is a failing source and no wrong usage, so it is told apart before the job is described.
-void requireFiles(const std::vector<std::string>& files) {
-    for (const std::string& file : files) {
-        std::error_code error;
-        const std::filesystem::file_status status = std::filesystem::status(file, error);
-        if (!std::filesystem::exists(status))
-            throw CommandError(ExitCode::Source, fmt::format("cannot read \"{}\": {}", file,
-                                                             error ? error.message() : std::string("no such file")));
-        if (std::filesystem::is_directory(status))
-            throw CommandError(ExitCode::Source, fmt::format("cannot read \"{}\": it is a folder", file));
-    }
-}
-
 /// The file behind what the user or the job file gave.
 std::string repositoryFile(const std::string& text) {
     constexpr std::string_view kScheme = "sqlite:";
@@ -60,10 +47,13 @@ void listOutcome(Listing& listing, const profiling::JobDescription& job, const p
                     {"table", "Table"},
                     {"fields", "Fields", Column::Kind::Number},
                     {"records", "Records", Column::Kind::Number},
-                    {"damaged_records", "Damaged", Column::Kind::Number}}});
+                    {"damaged_records", "Damaged", Column::Kind::Number},
+                    {"total_records", "Total", Column::Kind::Number},
+                    {"sample", "Sample"}}});
     for (const profiling::TableOutcome& table : outcome.tables)
         listing.row(Row{job.name, outcome.runId, table.name, static_cast<std::int64_t>(table.fields), table.rows,
-                        table.damagedRows});
+                        table.damagedRows, table.rowsOfSource,
+                        table.sample.empty() ? KvbDatavar() : KvbDatavar(table.sample)});
     listing.end();
 }
 
@@ -76,24 +66,11 @@ std::string fileOf(const profiling::JobDescription& job, const std::string& tabl
 
 } // namespace
 
-std::optional<char> parseDelimiter(const std::string& text) {
-    struct Name {
-        std::string_view text;
-        char delimiter;
-    };
-    constexpr std::array<Name, 5> kNames{
-        {{"comma", ','}, {"semicolon", ';'}, {"tab", '\t'}, {"\\t", '\t'}, {"pipe", '|'}}};
-    for (const Name& name : kNames)
-        if (text == name.text)
-            return name.delimiter;
-    if (text.size() != 1 || text == "\"" || text == "\n" || text == "\r" || text.front() < 0 || text.front() == 0)
-        return std::nullopt;
-    return text.front();
-}
-
 CLI::App* ProfileCommand::declare(CLI::App& program) {
     CLI::App* command = program.add_subcommand("profile", "Profile text files, or what a job file names, as a new run");
-    command->add_option("FILE", m_files, "Text files (CSV and kin, UTF-8), or one job file (.yaml, .yml)")
+    command
+        ->add_option("FILE", m_files,
+                     "Text files (CSV and kin), patterns in quotes ('*.csv'), or one job file (.yaml, .yml)")
         ->required()
         ->type_name("");
     command
@@ -101,16 +78,18 @@ CLI::App* ProfileCommand::declare(CLI::App& program) {
                      "The job that gets the run; made when it is new. Without it the first file's name")
         ->type_name("NAME");
     command
-        ->add_option("--delimiter", m_delimiter,
-                     "What separates cells: a character, or comma, semicolon, tab, pipe. Without it, found in the file")
-        ->type_name("C");
-    command->add_flag("--no-header", m_noHeader, "The first line holds data and not the names of the fields");
+        ->add_option("--one-table", m_oneTable,
+                     "All files have the same columns and make one table of this name; without it, each is a table")
+        ->type_name("NAME");
+    m_reading.declare(*command);
+    m_reading.declareSample(*command);
     command->add_option("--description", m_description, "A remark that is kept with the run")->type_name("TEXT");
     command->footer("The repository is a file; it is made when it does not exist. Profiling a job again adds a run.\n"
                     "A run is stored whole or not at all, however the program ends.\n\n"
                     "Examples:\n"
                     "  tavix profile sales.csv customers.csv -R profile.tavix --job sales\n"
-                    "  tavix profile export.txt -R profile.tavix --delimiter tab --no-header\n"
+                    "  tavix profile export.txt -R profile.tavix --delimiter tab --no-header --encoding 1252\n"
+                    "  tavix profile 'sales/2024-*.csv' -R profile.tavix --one-table sales --every 10\n"
                     "  tavix profile job.yaml");
     return command;
 }
@@ -118,9 +97,10 @@ CLI::App* ProfileCommand::declare(CLI::App& program) {
 profiling::JobDescription ProfileCommand::describeJobFile(const std::string& path) const {
     if (m_files.size() > 1)
         throw CommandError(ExitCode::Usage, "a job file stands alone: it names the files to profile itself");
-    if (!m_job.empty() || !m_delimiter.empty() || m_noHeader)
+    if (!m_job.empty() || !m_oneTable.empty() || m_reading.isAnyGiven())
         throw CommandError(ExitCode::Usage,
-                           "--job, --delimiter and --no-header are for text files; a job file says these itself");
+                           "--job, --one-table and what says how files are read and sampled are for text "
+                           "files; a job file says these itself");
     profiling::JobDescription job = orUsageError(profiling::readJobFile(path));
     if (Status status = profiling::checkFields(job); !status)
         throw CommandError(ExitCode::Usage, status.error().text);
@@ -128,20 +108,11 @@ profiling::JobDescription ProfileCommand::describeJobFile(const std::string& pat
 }
 
 profiling::JobDescription ProfileCommand::describe() const {
-    requireFiles(m_files);
+    (void)existingFiles(m_files); // throws for what is not there
     const auto jobFile = std::find_if(m_files.begin(), m_files.end(), isJobFile);
     if (jobFile != m_files.end())
         return describeJobFile(*jobFile);
-    std::optional<char> delimiter;
-    if (!m_delimiter.empty()) {
-        delimiter = parseDelimiter(m_delimiter);
-        if (!delimiter)
-            throw CommandError(ExitCode::Usage,
-                               fmt::format("\"{}\" cannot separate cells: give one ASCII character, or comma, "
-                                           "semicolon, tab or pipe",
-                                           m_delimiter));
-    }
-    return orUsageError(profiling::describeFiles(m_files, m_job, delimiter, !m_noHeader));
+    return orUsageError(profiling::describeFiles(m_files, m_job, m_reading.reading(), m_oneTable));
 }
 
 void ProfileCommand::run(const CommonOptions& options) {

@@ -1,9 +1,10 @@
 #pragma once
 
 #include "cli/Command.h"
+#include "cli/ReadingOptions.h"
 #include "profiling/JobRunner.h"
 
-#include <optional>
+#include <string>
 #include <vector>
 
 namespace tavix::cli {
@@ -20,13 +21,9 @@ class ProfileCommand final : public Command {
 
     std::vector<std::string> m_files;
     std::string m_job;
-    std::string m_delimiter;
+    std::string m_oneTable;
     std::string m_description;
-    bool m_noHeader = false;
+    ReadingOptions m_reading;
 };
-
-/// The character that "--delimiter" means: itself, or one of comma, semicolon, tab, pipe, "\t". Nothing when it is none
-/// that can separate cells.
-[[nodiscard]] std::optional<char> parseDelimiter(const std::string& text);
 
 } // namespace tavix::cli

@@ -59,6 +59,8 @@ Status checkTable(const JobDescription& job, const TableDescription& table, std:
                                      "the conditions with \"and\".",
                                      table.where.place, table.name, table.basedOn, base->basedOn)};
     }
+    if (table.delimiter && *table.delimiter == table.quote)
+        return Error{fmt::format("Table \"{}\": the delimiter and the quote are two characters.", table.name)};
     if (const std::string* name = repeatedName(table.metrics))
         return Error{fmt::format("Table \"{}\" has two custom metrics \"{}\".", table.name, *name)};
     if (const std::string* name = repeatedName(table.rules))
@@ -87,6 +89,13 @@ std::string nearestWord(std::string_view word, std::span<const std::string> know
 std::string suggestion(std::string_view word, std::span<const std::string> known) {
     const std::string nearest = nearestWord(word, known);
     return nearest.empty() ? std::string() : fmt::format(" (did you mean \"{}\"?)", nearest);
+}
+
+std::string unknownEncoding(std::string_view name) {
+    std::vector<std::string> known;
+    for (const CEncoding& encoding : encodingCatalogue())
+        known.emplace_back(encoding.name);
+    return fmt::format("there is no encoding \"{}\"{}", name, suggestion(name, known));
 }
 
 Status checkJob(const JobDescription& job) {

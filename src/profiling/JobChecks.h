@@ -10,6 +10,9 @@
 
 namespace tavix::profiling {
 
+/// What is wrong with a name that is none of an encoding, with the nearest that is.
+[[nodiscard]] std::string unknownEncoding(std::string_view name);
+
 /// A job can run: it has a name and tables, table names are unique, collections name tables of the job.
 [[nodiscard]] Status checkJob(const JobDescription& job);
 

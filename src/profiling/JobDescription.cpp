@@ -1,5 +1,6 @@
 #include "profiling/JobDescription.h"
 
+#include "profiling/FilePatterns.h"
 #include "profiling/JobChecks.h"
 
 #include <fmt/format.h>
@@ -28,26 +29,40 @@ std::string_view figureWord(Figure figure) {
 }
 
 Result<JobDescription> describeFiles(std::span<const std::string> files, const std::string& name,
-                                     std::optional<char> delimiter, bool hasHeader) {
+                                     const TableDescription& reading, const std::string& oneTable) {
     if (files.empty())
         return Error{"No file to profile was named."};
     JobDescription job;
+    std::vector<std::string> paths;
+    std::vector<std::string> named;
     for (const std::string& file : files) {
         std::error_code failure;
         const auto path = std::filesystem::absolute(file, failure).lexically_normal();
         if (failure)
             return Error{fmt::format("\"{}\" cannot be found: {}", file, failure.message())};
-        TableDescription table;
-        table.path = path.string();
-        table.name = path.stem().string();
-        table.delimiter = delimiter;
-        table.hasHeader = hasHeader;
-        if (table.name.empty())
-            return Error{fmt::format("\"{}\" is no name of a file.", file)};
+        auto matching = matchingFiles(path.string());
+        if (!matching)
+            return matching.error();
+        named.push_back(path.string());
+        paths.insert(paths.end(), matching->begin(), matching->end());
+    }
+    TableDescription table = reading;
+    if (!oneTable.empty()) {
+        table.name = oneTable;
+        table.path = joinedPaths(named);
+        table.files = paths;
         job.tables.push_back(std::move(table));
+    } else {
+        for (const std::string& path : paths) {
+            table.path = path;
+            table.name = std::filesystem::path(path).stem().string();
+            if (table.name.empty())
+                return Error{fmt::format("\"{}\" is no name of a file.", path)};
+            job.tables.push_back(table);
+        }
     }
     job.name = name.empty() ? job.tables.front().name : name;
-    job.dataSource = std::filesystem::path(job.tables.front().path).parent_path().string();
+    job.dataSource = std::filesystem::path(paths.front()).parent_path().string();
     if (Status status = checkJob(job); !status)
         return status.error();
     return job;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "base/Encodings.h"
 #include "base/Result.h"
 #include "repository/Facts.h"
+#include "source/Sample.h"
 
 #include <optional>
 #include <span>
@@ -47,10 +49,11 @@ struct RuleDescription {
     bool operator==(const RuleDescription&) const = default;
 };
 
-/// A table of a job: a text file, or the rows of another table of the job that pass a condition.
+/// A table of a job: a text file, several with the same columns, or the rows of another table of the job that pass a
+/// condition.
 struct TableDescription {
     std::string name;              ///< unique in the job; a file's name without its ending unless stated
-    std::string path;              ///< absolute; empty for a filtered table
+    std::string path;              ///< absolute; of several files how they were named; empty for a filtered table
     std::optional<char> delimiter; ///< found in the file when not stated
     bool hasHeader = true;
     std::string basedOn{}; ///< of a filtered table: the table of this job whose rows it filters
@@ -58,6 +61,11 @@ struct TableDescription {
     std::vector<std::string> key{}; ///< the fields by which people know a row
     std::vector<CustomMetricDescription> metrics{};
     std::vector<RuleDescription> rules{};
+    std::vector<std::string> files{};    ///< absolute, when the table is made of several
+    bool findHeader = false;             ///< the first row tells whether it is a header
+    const CEncoding* encoding = nullptr; ///< found in the file when null
+    char quote = '"';                    ///< 0: none
+    source::Sample sample{};             ///< a filtered table has that of the table that it is based on
 
     [[nodiscard]] bool isFiltered() const { return !basedOn.empty(); }
 
@@ -78,8 +86,10 @@ struct JobDescription {
 /// to the file. Errors read "FILE:LINE:COLUMN: what is wrong". Files beyond 1 MiB are refused.
 [[nodiscard]] Result<JobDescription> readJobFile(const std::string& path);
 
-/// A job over text files as they are. An empty `name` takes the first file's name without its ending.
+/// A job over text files as they are: names, or patterns with `*`, `?` and `[...]`, each file a table that is read as
+/// `reading` says. An empty `name` takes the first table's name. All files make one table when `oneTable` names it.
 [[nodiscard]] Result<JobDescription> describeFiles(std::span<const std::string> files, const std::string& name,
-                                                   std::optional<char> delimiter, bool hasHeader);
+                                                   const TableDescription& reading = {},
+                                                   const std::string& oneTable = {});
 
 } // namespace tavix::profiling

@@ -55,9 +55,9 @@ class JobBuilder {
         const json& tables = root.at("tables");
         for (std::size_t i = 0; i < tables.size(); ++i)
             addTable(tables[i], pointerTo("/tables", std::to_string(i)));
-        for (std::size_t i = 0; i < tables.size(); ++i)
+        for (std::size_t i = 0; i < m_job.tables.size(); ++i)
             if (m_job.tables[i].isFiltered())
-                checkBase(m_job.tables[i], pointerTo(pointerTo("/tables", std::to_string(i)), "based on"));
+                checkBase(m_job.tables[i], pointerTo(m_pointers[i], "based on"));
         m_job.dataSource = root.contains("source") ? root.at("source").get<std::string>()
                                                    : std::filesystem::path(firstFile()).parent_path().string();
         if (const auto collections = root.find("collections"); collections != root.end())
@@ -69,9 +69,9 @@ class JobBuilder {
   private:
     /// There is one: a filtered table is based on it.
     [[nodiscard]] const std::string& firstFile() const {
-        return std::find_if(m_job.tables.begin(), m_job.tables.end(),
-                            [](const TableDescription& table) { return !table.isFiltered(); })
-            ->path;
+        const auto table = std::find_if(m_job.tables.begin(), m_job.tables.end(),
+                                        [](const TableDescription& one) { return !one.isFiltered(); });
+        return table->files.empty() ? table->path : table->files.front();
     }
 
     [[noreturn]] void fail(const std::string& pointer, std::string text) const {
@@ -91,12 +91,16 @@ class JobBuilder {
     }
 
     void addTable(const json& entry, const std::string& pointer) {
-        TableDescription table = m_tables.read(entry, pointer);
-        if (std::find(m_names.begin(), m_names.end(), table.name) != m_names.end())
-            fail(pointerTo(pointer, entry.contains("name") ? "name" : "file"),
-                 fmt::format("there is already a table \"{}\"; give this one another name", table.name));
-        m_names.push_back(table.name);
-        m_job.tables.push_back(std::move(table));
+        for (TableDescription& table : m_tables.read(entry, pointer)) {
+            if (std::find(m_names.begin(), m_names.end(), table.name) != m_names.end())
+                fail(entry.contains("name")   ? pointerTo(pointer, "name")
+                     : entry.contains("file") ? pointerTo(pointer, "file")
+                                              : pointer,
+                     fmt::format("there is already a table \"{}\"; give this one another name", table.name));
+            m_names.push_back(table.name);
+            m_pointers.push_back(pointer);
+            m_job.tables.push_back(std::move(table));
+        }
     }
 
     void checkBase(const TableDescription& table, const std::string& pointer) const {
@@ -159,6 +163,7 @@ class JobBuilder {
     TableEntry m_tables;
     JobDescription m_job;
     std::vector<std::string> m_names;
+    std::vector<std::string> m_pointers; ///< where each table stands
     std::set<std::string> m_collections;
 };
 

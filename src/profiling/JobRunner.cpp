@@ -2,17 +2,21 @@
 
 #include "profiling/FieldFigures.h"
 #include "profiling/JobChecks.h"
+#include "profiling/TableFiles.h"
 #include "profiling/TablePass.h"
 #include "profiling/TablePrograms.h"
 #include "profiling/ValueCounter.h"
 #include "repository/RunWriter.h"
-#include "source/TextFileReader.h"
+#include "source/SampledReader.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 namespace tavix::profiling {
@@ -21,9 +25,10 @@ namespace {
 
 using Timer = std::chrono::steady_clock;
 using source::DamagedRow;
-using source::TextFileReader;
+using source::RowReader;
 
 constexpr auto kReportInterval = std::chrono::milliseconds(100);
+constexpr std::size_t kListedFiles = 1000;
 
 /// Tells the watcher what it should know, but not more often than it can show.
 class Reporter {
@@ -52,24 +57,26 @@ class Reporter {
     bool m_isCancelled = false;
 };
 
-std::string damageText(const DamagedRow& row, std::size_t columns) {
-    const auto cells =
-        fmt::format("Line {}: {} {} instead of {}", row.line, row.cells, row.cells == 1 ? "cell" : "cells", columns);
-    switch (row.damage) {
-    case source::Damage::TooFewCells:
-        return cells + "; the missing ones are null.";
-    case source::Damage::TooManyCells:
-        return cells + "; the extra ones are cut.";
-    case source::Damage::BadBytes:
-        return fmt::format("Line {}: bytes that are no UTF-8; each became U+FFFD.", row.line);
-    case source::Damage::OpenQuote:
-        return fmt::format("Line {}: a quote that is never closed takes the rest of the file.", row.line);
-    }
-    return {};
-}
+/// A table's files, opened, and the rows of them that are profiled.
+struct OpenedTable {
+    std::unique_ptr<RowReader> reader;
+    source::FileSetReader* files = nullptr;
+    source::SampledReader* sampled = nullptr; ///< when there is a sample
+};
 
-Result<std::unique_ptr<TextFileReader>> openTable(const TableDescription& table) {
-    return TextFileReader::open(table.path, {table.delimiter, table.hasHeader});
+Result<OpenedTable> openTable(const TableDescription& table) {
+    auto files = openFiles(table);
+    if (!files)
+        return files.error();
+    OpenedTable opened;
+    opened.files = files->get();
+    opened.reader = std::move(*files);
+    if (table.sample.kind != source::Sample::Kind::All) {
+        auto sampled = std::make_unique<source::SampledReader>(std::move(opened.reader), table.sample);
+        opened.sampled = sampled.get();
+        opened.reader = std::move(sampled);
+    }
+    return opened;
 }
 
 using Columns = std::span<const std::string>;
@@ -139,22 +146,28 @@ class Run {
         for (const TableDescription& table : m_job.tables) {
             if (table.isFiltered())
                 continue;
-            auto reader = openTable(table);
-            if (!reader)
-                return Error{fmt::format("Table \"{}\": {}", table.name, reader.error().text)};
-            m_reporter.state.bytesTotal += (*reader)->total();
-            if (Status status = checkFieldsOver(m_job, table, (*reader)->columnNames()); !status)
+            auto opened = openTable(table);
+            if (!opened)
+                return Error{fmt::format("Table \"{}\": {}", table.name, opened.error().text)};
+            if (Status status = opened->files->checkColumns(); !status)
+                return Error{fmt::format("Table \"{}\": {}", table.name, status.error().text)};
+            m_reporter.state.bytesTotal += opened->reader->total();
+            if (Status status = checkFieldsOver(m_job, table, opened->reader->columnNames()); !status)
                 return status;
+            // What does not know its size, as a pipe, cannot be opened twice.
+            if (opened->reader->total() == 0)
+                m_opened.emplace(&table, std::move(*opened));
         }
         return {};
     }
 
     /// A table of the job and the filtered ones over it, in one pass over its source.
     Status profile(const TableDescription& base) {
-        auto opened = openTable(base);
+        const auto kept = m_opened.find(&base);
+        auto opened = kept != m_opened.end() ? Result<OpenedTable>(std::move(kept->second)) : openTable(base);
         if (!opened)
             return Error{fmt::format("Table \"{}\": {}", base.name, opened.error().text)};
-        TextFileReader& reader = **opened;
+        RowReader& reader = *opened->reader;
         std::vector<std::unique_ptr<TablePass>> passes;
         for (const TableDescription* table : tablesOver(m_job, base)) {
             auto programs = compileTable(*table, reader.columnNames());
@@ -165,15 +178,15 @@ class Run {
         if (Status status = read(base, reader, passes); !status || m_reporter.isCancelled())
             return status;
         for (const auto& pass : passes) {
-            if (Status status = store(*pass, base, reader, passes.front()->rows()); !status || m_reporter.isCancelled())
+            const std::int64_t rows = opened->sampled ? opened->sampled->rowsSeen() : passes.front()->rows();
+            if (Status status = store(*pass, base, *opened, rows); !status || m_reporter.isCancelled())
                 return status;
         }
         m_bytesBefore += reader.position();
         return {};
     }
 
-    Status read(const TableDescription& base, TextFileReader& reader,
-                std::span<const std::unique_ptr<TablePass>> passes) {
+    Status read(const TableDescription& base, RowReader& reader, std::span<const std::unique_ptr<TablePass>> passes) {
         ProgressState& state = m_reporter.state;
         state.table = base.name;
         state.rows = 0;
@@ -195,18 +208,23 @@ class Run {
         }
     }
 
-    Status store(TablePass& pass, const TableDescription& base, const TextFileReader& reader,
-                 std::int64_t rowsOfSource) {
+    Status store(TablePass& pass, const TableDescription& base, const OpenedTable& opened, std::int64_t rowsOfSource) {
         const TableDescription& table = pass.description();
         TableOutcome result;
         result.name = table.name;
         result.rows = pass.rows();
+        result.rowsOfSource = rowsOfSource;
+        result.sample = base.sample.text();
         result.fields = pass.columns().size();
         if (!table.isFiltered()) {
+            const RowReader& reader = *opened.reader;
             result.damagedRows = reader.damagedRowCount();
             result.damage.assign(reader.damagedRows().begin(), reader.damagedRows().end());
+            result.encoding = opened.files->encodingOf(0).name;
+            if (opened.files->files().size() > 1)
+                result.files = opened.files->files();
         }
-        const auto id = m_writer->addTable(factsOf(table, base, reader, result, rowsOfSource));
+        const auto id = m_writer->addTable(factsOf(table, base, *opened.files, result));
         if (!id)
             return id.error();
         for (std::size_t c = 0; c < pass.columns().size(); ++c) {
@@ -226,46 +244,58 @@ class Run {
         }
         if (Status status = pass.storeRules(*m_writer, *id); !status)
             return status;
-        if (Status status = logDamage(*id, reader, result); !status)
+        if (Status status = logSource(*id, *opened.files, result); !status)
+            return status;
+        if (Status status = logDamage(*id, *opened.files, result); !status)
             return status;
         m_outcome.tables.push_back(std::move(result));
         return {};
     }
 
-    Status logDamage(int tableId, const TextFileReader& reader, const TableOutcome& result) {
+    /// Which rows and which files the figures are of, when they are not those of one file.
+    Status logSource(int tableId, const source::FileSetReader& files, const TableOutcome& result) {
+        if (!result.sample.empty())
+            if (Status status = m_writer->addLog(
+                    tableId, repository::LogLevel::Info,
+                    fmt::format("Sample: {}; {} of {} rows.", result.sample, result.rows, result.rowsOfSource));
+                !status)
+                return status;
+        for (std::size_t i = 0; i < std::min(result.files.size(), kListedFiles); ++i)
+            if (Status status =
+                    m_writer->addLog(tableId, repository::LogLevel::Info,
+                                     fmt::format("File {}: {} rows.", result.files[i], files.rowsOfFiles()[i]));
+                !status)
+                return status;
+        return {};
+    }
+
+    Status logDamage(int tableId, const source::FileSetReader& files, const TableOutcome& result) {
         for (const DamagedRow& row : result.damage)
-            if (Status status = m_writer->addLog(tableId, repository::LogLevel::Warning,
-                                                 damageText(row, reader.columnNames().size()));
+            if (Status status = m_writer->addLog(tableId, repository::LogLevel::Warning, damageText(row, files));
                 !status)
                 return status;
         if (result.damagedRows == 0)
             return {};
         const bool isListCut = result.damagedRows > static_cast<std::int64_t>(result.damage.size());
         return m_writer->addLog(tableId, repository::LogLevel::Warning,
-                                fmt::format("Damaged rows: {} of {}{}.", result.damagedRows, result.rows,
+                                fmt::format("Damaged rows: {} of {}{}.", result.damagedRows, result.rowsOfSource,
                                             isListCut ? "; the first ones are listed" : ""));
     }
 
     [[nodiscard]] repository::TableFacts factsOf(const TableDescription& table, const TableDescription& base,
-                                                 const TextFileReader& reader, const TableOutcome& result,
-                                                 std::int64_t rowsOfSource) const {
+                                                 const source::FileSetReader& files, const TableOutcome& result) const {
         repository::TableFacts facts;
         facts.dataSource = m_job.dataSource;
         facts.name = table.name;
         facts.isTextFile = true;
-        facts.textFile.path = base.path;
-        facts.textFile.delimiter = reader.delimiter();
-        facts.textFile.hasHeader = base.hasHeader;
-        facts.textFile.byteOrderMark = reader.hasByteOrderMark();
-        facts.textFile.size = reader.total();
-        facts.textFile.modified = reader.modified();
+        facts.textFile = fileFacts(base, files);
         if (table.isFiltered()) {
             facts.name = table.basedOn;
             facts.objectName = table.name;
             facts.kind = repository::TableKind::Filter;
             facts.filter = table.where.text;
         }
-        facts.totalRecords = rowsOfSource;
+        facts.totalRecords = result.rowsOfSource;
         facts.processedRecords = result.rows;
         facts.damagedRecords = result.damagedRows;
         return facts;
@@ -287,7 +317,8 @@ class Run {
     std::string m_description;
     Reporter m_reporter;
     std::unique_ptr<repository::RunWriter> m_writer;
-    std::int64_t m_bytesBefore = 0; ///< of the tables that are done
+    std::map<const TableDescription*, OpenedTable> m_opened; ///< what is opened once only
+    std::int64_t m_bytesBefore = 0;                          ///< of the tables that are done
     RunOutcome m_outcome;
 };
 
@@ -297,8 +328,11 @@ Status checkFields(const JobDescription& job) {
     for (const TableDescription& table : job.tables) {
         if (table.isFiltered())
             continue;
-        if (const auto reader = openTable(table); reader)
-            if (Status status = checkFieldsOver(job, table, (*reader)->columnNames()); !status)
+        std::error_code failure;
+        if (table.files.empty() && !std::filesystem::is_regular_file(table.path, failure))
+            continue; // to look into a pipe would be to take from it
+        if (const auto opened = openTable(table); opened)
+            if (Status status = checkFieldsOver(job, table, opened->reader->columnNames()); !status)
                 return status;
     }
     return {};

@@ -32,10 +32,14 @@ class ProgressWatcher {
 
 struct TableOutcome {
     std::string name;
-    std::int64_t rows = 0; ///< that the table has, of a filtered one those that passed
+    std::int64_t rows = 0;         ///< that were profiled, of a filtered table those that passed
+    std::int64_t rowsOfSource = 0; ///< that were read; more than were profiled of a sample and of a filtered table
+    std::string sample;            ///< which rows a sample took; empty for all
     std::size_t fields = 0;
     std::int64_t damagedRows = 0;
     std::vector<source::DamagedRow> damage; ///< the first ones
+    std::vector<std::string> files;         ///< of a table of several: what the damage counts
+    std::string encoding = "UTF-8";         ///< of the first file
 };
 
 /// Whether keys, collections and the fields in expressions fit the tables that they speak of. A table that cannot be

@@ -21,7 +21,8 @@ KvbString loggedText(const source::Cell& cell) {
 }
 
 std::int64_t recordOf(const RowSlice& slice, std::uint32_t row) {
-    return slice.firstRecord + slice.rows[row];
+    const std::vector<std::int64_t>& records = slice.block.records;
+    return records.empty() ? slice.firstRecord + slice.rows[row] : records[slice.rows[row]];
 }
 
 } // namespace

@@ -1,11 +1,15 @@
 #include "profiling/TableEntry.h"
 
 #include "expression/Parser.h"
+#include "profiling/FilePatterns.h"
+#include "profiling/JobChecks.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <utility>
 
 namespace tavix::profiling {
 
@@ -16,6 +20,23 @@ using nlohmann::json;
 constexpr std::array kFigures{Figure::Count,   Figure::Sum,     Figure::Average,
                               Figure::Minimum, Figure::Maximum, Figure::Metric};
 
+source::Sample sampleOf(const json& entry) {
+    using Kind = source::Sample::Kind;
+    source::Sample sample;
+    if (entry.contains("first")) {
+        sample.kind = Kind::First;
+        sample.number = entry.at("first").get<std::int64_t>();
+    } else if (entry.contains("every")) {
+        sample.kind = Kind::Every;
+        sample.number = entry.at("every").get<std::int64_t>();
+    } else {
+        sample.kind = Kind::Random;
+        sample.percent = entry.at("percent").get<double>();
+        sample.seed = entry.value("seed", std::uint64_t{1});
+    }
+    return sample;
+}
+
 template <typename Entry>
 bool hasName(const std::vector<Entry>& entries, const std::string& name) {
     return std::any_of(entries.begin(), entries.end(), [&](const Entry& entry) { return entry.name == name; });
@@ -23,12 +44,18 @@ bool hasName(const std::vector<Entry>& entries, const std::string& name) {
 
 } // namespace
 
-TableDescription TableEntry::read(const json& entry, const std::string& pointer) const {
-    TableDescription table;
+std::vector<TableDescription> TableEntry::read(const json& entry, const std::string& pointer) const {
+    std::vector<TableDescription> tables;
     if (entry.contains("based on"))
-        readFilter(table, entry, pointer);
+        readFilter(tables.emplace_back(), entry, pointer);
     else
-        readFile(table, entry, pointer);
+        tables = readFiles(entry, pointer);
+    for (TableDescription& table : tables)
+        readChecks(table, entry, pointer);
+    return tables;
+}
+
+void TableEntry::readChecks(TableDescription& table, const json& entry, const std::string& pointer) const {
     if (const auto key = entry.find("key"); key != entry.end()) {
         for (std::size_t i = 0; i < key->size(); ++i) {
             auto field = (*key)[i].get<std::string>();
@@ -42,29 +69,108 @@ TableDescription TableEntry::read(const json& entry, const std::string& pointer)
         readMetrics(table, *metrics, pointerTo(pointer, "custom metrics"));
     if (const auto rules = entry.find("rules"); rules != entry.end())
         readRules(table, *rules, pointerTo(pointer, "rules"));
-    return table;
 }
 
 void TableEntry::fail(const std::string& pointer, std::string text) const {
     throw DocumentProblem{m_document.valuePositions.at(pointer), std::move(text)};
 }
 
-void TableEntry::readFile(TableDescription& table, const json& entry, const std::string& pointer) const {
+std::vector<std::string> TableEntry::matching(const std::string& path, const std::string& pointer) const {
+    auto files = matchingFiles((m_folder / path).lexically_normal().string());
+    if (!files)
+        fail(pointer, files.error().text);
+    return std::move(files).value();
+}
+
+std::vector<TableDescription> TableEntry::readFiles(const json& entry, const std::string& pointer) const {
     if (entry.contains("where"))
         fail(pointerTo(pointer, "where"),
              "\"where\" belongs to a filtered table: add \"based on\" with a table's name");
-    const std::filesystem::path file = (m_folder / entry.at("file").get<std::string>()).lexically_normal();
-    table.path = file.string();
-    table.name = entry.contains("name") ? entry.at("name").get<std::string>() : file.stem().string();
+    for (const auto& [one, other] :
+         {std::pair("file", "files"), std::pair("file", "folder"), std::pair("files", "folder")})
+        if (entry.contains(one) && entry.contains(other))
+            fail(pointerTo(pointer, other), fmt::format("a table has either \"{}\" or \"{}\"", one, other));
+    TableDescription table;
+    readReading(table, entry, pointer);
+    if (entry.contains("name"))
+        table.name = entry.at("name").get<std::string>();
+    std::vector<TableDescription> tables;
+    if (!entry.contains("file")) {
+        readSeveral(table, entry, pointer);
+        tables.push_back(std::move(table));
+        return tables;
+    }
+    const auto path = entry.at("file").get<std::string>();
+    const std::vector<std::string> files = matching(path, pointerTo(pointer, "file"));
+    if (!table.name.empty() && isPattern((m_folder / path).string()))
+        fail(pointerTo(pointer, "name"),
+             "a pattern makes a table of each file, and a name fits one; for one table of all write files: [PATTERN]");
+    for (const std::string& file : files) {
+        TableDescription& one = tables.emplace_back(table);
+        one.path = file;
+        if (one.name.empty())
+            one.name = std::filesystem::path(file).stem().string();
+        if (one.name.empty())
+            fail(pointerTo(pointer, "file"), "this is not the name of a file");
+    }
+    return tables;
+}
+
+void TableEntry::readSeveral(TableDescription& table, const json& entry, const std::string& pointer) const {
+    if (entry.contains("folder")) {
+        auto folder = (m_folder / entry.at("folder").get<std::string>()).lexically_normal();
+        if (!folder.has_filename())
+            folder = folder.parent_path();
+        auto files = filesOfFolder(folder.string());
+        if (!files)
+            fail(pointerTo(pointer, "folder"), files.error().text);
+        table.files = std::move(files).value();
+        table.path = folder.string();
+        if (table.name.empty())
+            table.name = folder.filename().string();
+        return;
+    }
     if (table.name.empty())
-        fail(pointerTo(pointer, "file"), "this is not the name of a file");
+        fail(pointer, "the key \"name\" is missing; a table of several files has it");
+    std::vector<std::string> named;
+    const json& list = entry.at("files");
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        const auto path = list[i].get<std::string>();
+        named.push_back((m_folder / path).lexically_normal().string());
+        const auto files = matching(path, pointerTo(pointerTo(pointer, "files"), std::to_string(i)));
+        table.files.insert(table.files.end(), files.begin(), files.end());
+    }
+    table.path = joinedPaths(named);
+}
+
+void TableEntry::readReading(TableDescription& table, const json& entry, const std::string& pointer) const {
     if (entry.contains("delimiter"))
         table.delimiter = delimiterOf(entry.at("delimiter").get<std::string>(), pointerTo(pointer, "delimiter"));
-    table.hasHeader = entry.value("header", true);
+    if (const auto header = entry.find("header"); header != entry.end()) {
+        table.findHeader = header->is_string();
+        table.hasHeader = table.findHeader || header->get<bool>();
+    }
+    if (const auto encoding = entry.find("encoding"); encoding != entry.end()) {
+        const auto name = encoding->get<std::string>();
+        table.encoding = findEncoding(name);
+        if (!table.encoding)
+            fail(pointerTo(pointer, "encoding"), unknownEncoding(name));
+    }
+    if (const auto quote = entry.find("quote"); quote != entry.end()) {
+        const auto text = quote->get<std::string>();
+        table.quote = text == "none" ? '\0' : text.front();
+        if (text != "none" && (text.size() != 1 || text == "\r" || text == "\n"))
+            fail(pointerTo(pointer, "quote"), "a quote is one ASCII character, or the word none");
+    }
+    if (table.delimiter && *table.delimiter == table.quote)
+        fail(pointerTo(pointer, entry.contains("quote") ? "quote" : "delimiter"),
+             "the delimiter and the quote are two characters");
+    if (const auto sample = entry.find("sample"); sample != entry.end())
+        table.sample = sampleOf(*sample);
 }
 
 void TableEntry::readFilter(TableDescription& table, const json& entry, const std::string& pointer) const {
-    for (const char* key : {"file", "delimiter", "header"})
+    for (const char* key : {"file", "files", "folder", "delimiter", "header", "encoding", "quote", "sample"})
         if (entry.contains(key))
             fail(pointerTo(pointer, key),
                  fmt::format("a filtered table has the rows of another one; leave \"{}\" out", key));

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace tavix::profiling {
 
@@ -18,11 +19,16 @@ class TableEntry {
 
     /// The table at `pointer`. Throws a DocumentProblem. What the tables of a job have to do with each other is not
     /// looked at.
-    [[nodiscard]] TableDescription read(const nlohmann::json& entry, const std::string& pointer) const;
+    /// A pattern of files makes a table of each.
+    [[nodiscard]] std::vector<TableDescription> read(const nlohmann::json& entry, const std::string& pointer) const;
 
   private:
     [[noreturn]] void fail(const std::string& pointer, std::string text) const;
-    void readFile(TableDescription& table, const nlohmann::json& entry, const std::string& pointer) const;
+    std::vector<TableDescription> readFiles(const nlohmann::json& entry, const std::string& pointer) const;
+    void readSeveral(TableDescription& table, const nlohmann::json& entry, const std::string& pointer) const;
+    void readReading(TableDescription& table, const nlohmann::json& entry, const std::string& pointer) const;
+    void readChecks(TableDescription& table, const nlohmann::json& entry, const std::string& pointer) const;
+    [[nodiscard]] std::vector<std::string> matching(const std::string& path, const std::string& pointer) const;
     void readFilter(TableDescription& table, const nlohmann::json& entry, const std::string& pointer) const;
     void readMetrics(TableDescription& table, const nlohmann::json& list, const std::string& pointer) const;
     void readRules(TableDescription& table, const nlohmann::json& list, const std::string& pointer) const;

@@ -13,13 +13,21 @@ Result<std::unique_ptr<FileSetReader>> FileSetReader::open(std::vector<std::stri
     auto first = TextFileReader::open(set->m_files.front(), options);
     if (!first)
         return first.error();
-    set->m_current = std::move(*first);
+    set->begin(std::move(*first));
     set->m_names.assign(set->m_current->columnNames().begin(), set->m_current->columnNames().end());
     set->m_options.hasHeader = set->m_current->hasHeader();
     set->m_options.findHeader = false;
-    set->m_total = set->m_current->total();
-    set->takeDamage();
     return set;
+}
+
+void FileSetReader::begin(std::unique_ptr<TextFileReader> reader) {
+    m_current = std::move(reader);
+    m_rows.push_back(0);
+    m_encodings.push_back(m_current->encoding().encoding);
+    m_modified = std::max(m_modified, m_current->modified());
+    m_sizeOpened += m_current->total();
+    m_damageTaken = 0;
+    takeDamage();
 }
 
 Status FileSetReader::compare(const TextFileReader& reader) const {
@@ -44,7 +52,7 @@ Status FileSetReader::checkColumns() {
             return status;
         total += (*reader)->total();
     }
-    m_total = total;
+    m_sizeOfAll = total;
     return {};
 }
 
@@ -52,7 +60,7 @@ void FileSetReader::takeDamage() {
     const auto listed = m_current->damagedRows();
     for (; m_damageTaken < listed.size() && m_damaged.size() < kListedDamage; ++m_damageTaken) {
         m_damaged.push_back(listed[m_damageTaken]);
-        m_damaged.back().file = m_index;
+        m_damaged.back().file = m_rows.size() - 1;
     }
 }
 
@@ -63,20 +71,16 @@ Result<bool> FileSetReader::read(RowBlock& block) {
             return more;
         takeDamage();
         m_rows.back() += static_cast<std::int64_t>(block.rows);
-        if (*more || m_index + 1 == m_files.size())
+        if (*more || m_rows.size() == m_files.size())
             return more;
-        auto next = TextFileReader::open(m_files[m_index + 1], m_options);
+        auto next = TextFileReader::open(m_files[m_rows.size()], m_options);
         if (!next)
             return next.error();
         if (Status status = compare(**next); !status)
             return status.error();
         m_bytesBefore += m_current->position();
         m_damagedBefore += m_current->damagedRowCount();
-        m_damageTaken = 0;
-        m_current = std::move(*next);
-        m_rows.push_back(0);
-        ++m_index;
-        takeDamage();
+        begin(std::move(*next));
     }
 }
 

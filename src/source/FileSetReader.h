@@ -2,6 +2,7 @@
 
 #include "source/TextFileReader.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,7 +25,7 @@ class FileSetReader final : public RowReader {
     [[nodiscard]] std::span<const std::string> columnNames() const override { return m_names; }
     [[nodiscard]] Result<bool> read(RowBlock& block) override;
     [[nodiscard]] std::int64_t position() const override { return m_bytesBefore + m_current->position(); }
-    [[nodiscard]] std::int64_t total() const override { return m_total; }
+    [[nodiscard]] std::int64_t total() const override { return std::max(m_sizeOpened, m_sizeOfAll); }
     [[nodiscard]] std::span<const DamagedRow> damagedRows() const override { return m_damaged; }
     [[nodiscard]] std::int64_t damagedRowCount() const override {
         return m_damagedBefore + m_current->damagedRowCount();
@@ -33,6 +34,10 @@ class FileSetReader final : public RowReader {
     [[nodiscard]] const std::vector<std::string>& files() const { return m_files; }
     /// Rows of each file that was read to its end.
     [[nodiscard]] const std::vector<std::int64_t>& rowsOfFiles() const { return m_rows; }
+    /// Of a file that was opened by open() or read().
+    [[nodiscard]] const CEncoding& encodingOf(std::size_t file) const { return *m_encodings[file]; }
+    /// When the latest of these was changed.
+    [[nodiscard]] UtcTime modified() const { return m_modified; }
     /// The file that is being read: the first one until read() was called.
     [[nodiscard]] const TextFileReader& current() const { return *m_current; }
 
@@ -40,15 +45,18 @@ class FileSetReader final : public RowReader {
     FileSetReader(std::vector<std::string> files, const TextFileOptions& options)
         : m_files(std::move(files)), m_options(options) {}
     [[nodiscard]] Status compare(const TextFileReader& reader) const;
+    void begin(std::unique_ptr<TextFileReader> reader);
     void takeDamage();
 
     std::vector<std::string> m_files;
     TextFileOptions m_options;
     std::vector<std::string> m_names;
     std::unique_ptr<TextFileReader> m_current;
-    std::size_t m_index = 0;
-    std::vector<std::int64_t> m_rows{0};
-    std::int64_t m_total = 0;
+    std::vector<std::int64_t> m_rows;
+    std::vector<const CEncoding*> m_encodings;
+    UtcTime m_modified{};
+    std::int64_t m_sizeOpened = 0; ///< of the files that were begun
+    std::int64_t m_sizeOfAll = 0;  ///< when checkColumns() was called
     std::int64_t m_bytesBefore = 0;
     std::vector<DamagedRow> m_damaged;
     std::size_t m_damageTaken = 0; ///< of the current file's list

@@ -1,34 +1,13 @@
 #pragma once
 
 #include "source/RowReader.h"
+#include "source/Sample.h"
 
 #include <cstdint>
 #include <memory>
-#include <string>
+#include <utility>
 
 namespace tavix::source {
-
-/// Which rows of a table are taken.
-struct Sample {
-    enum class Kind {
-        All,
-        First,  ///< the first `number` rows
-        Every,  ///< rows 1, 1 + number, 1 + 2 * number, ...
-        Random, ///< each row with the probability `percent` / 100, the same rows for the same seed
-    };
-
-    Kind kind = Kind::All;
-    std::int64_t number = 0;
-    double percent = 0;
-    std::uint64_t seed = 0;
-
-    bool operator==(const Sample&) const = default;
-
-    /// `record` counts from 1.
-    [[nodiscard]] bool takes(std::int64_t record) const;
-    /// "the first 1000 rows", "every 10th row", "a random 5 % of the rows, seed 42"; empty for all.
-    [[nodiscard]] std::string text() const;
-};
 
 /// The rows of another reader that a sample takes. All rows are read, so that it is known how many there are.
 class SampledReader final : public RowReader {

@@ -68,7 +68,7 @@ bool looksLikeNames(std::span<const std::string> cells) {
 }
 
 Result<std::unique_ptr<TextFileReader>> TextFileReader::open(const std::string& path, const TextFileOptions& options) {
-    auto input = TextInput::open(path, options.encoding, std::max(options.pieceSize, kMarkSize));
+    auto input = TextInput::open(path, options.encoding, std::max(options.pieceSize, kMarkSize), options.isPreview);
     if (!input)
         return input.error();
     std::unique_ptr<TextFileReader> reader(new TextFileReader(std::move(*input)));
@@ -80,6 +80,8 @@ Result<std::unique_ptr<TextFileReader>> TextFileReader::open(const std::string& 
 Status TextFileReader::begin(const TextFileOptions& options) {
     m_quote = options.quote;
     m_pieceSize = std::max(options.pieceSize, kMarkSize);
+    if (options.isPreview)
+        m_pieceSize = TextInput::kSample * 3 + 1; // no encoding makes more of a byte, so that one piece holds it all
     if (Status status = refill(); !status)
         return status;
     const char* text = m_piece->bytes.get();
@@ -88,6 +90,8 @@ Status TextFileReader::begin(const TextFileOptions& options) {
     const char* first = text + (m_hasMark ? 3 : 0);
     if (start.find_first_not_of("\r\n", m_hasMark ? 3 : 0) == std::string_view::npos && m_scanner->isLast())
         return failure("is empty");
+    if (options.isPreview)
+        m_previewText = start.substr(m_hasMark ? 3 : 0);
     m_delimiter = options.delimiter ? *options.delimiter
                                     : sniffDelimiter(first, text + m_piece->size, m_scanner->isLast(), m_quote);
     m_scanner.emplace(first, text + m_piece->size, m_delimiter, m_scanner->isLast(), m_quote);
@@ -125,7 +129,8 @@ Status TextFileReader::findColumns(const TextFileOptions& options) {
         const Cell cell = rewritten(cells[i], hadBadBytes);
         found[i].assign(cell.data, cell.size);
     }
-    m_hasHeader = options.findHeader ? looksLikeNames(found) : options.hasHeader;
+    m_looksLikeNames = source::looksLikeNames(found);
+    m_hasHeader = options.findHeader ? m_looksLikeNames : options.hasHeader;
     if (m_hasHeader) {
         noteDamage(row, hadBadBytes);
         m_line += row.lines;
@@ -156,6 +161,8 @@ std::shared_ptr<TextFileReader::Piece> TextFileReader::freePiece(std::size_t cap
 }
 
 Status TextFileReader::refill() {
+    if (m_scanner && m_input->isCut())
+        return failure("has a first row of more than 1 MiB");
     const std::size_t rest = m_scanner ? static_cast<std::size_t>(m_scanner->end() - m_scanner->position()) : 0;
     const std::size_t capacity = std::max(m_pieceSize, rest * 2);
     if (capacity > kLargestPiece)
@@ -167,7 +174,7 @@ Status TextFileReader::refill() {
     if (!got)
         return got.error();
     piece->size = rest + *got;
-    const bool isLast = piece->size < capacity;
+    const bool isLast = piece->size < capacity && !m_input->isCut();
     std::memset(piece->bytes.get() + piece->size, 0, RowScanner::kPadding);
     const std::string_view text(piece->bytes.get(), piece->size);
     const std::size_t judged = piece->size - (isLast ? 0 : unfinishedUtf8Tail(text));
@@ -242,7 +249,7 @@ Result<bool> TextFileReader::read(RowBlock& block) {
                 m_rewrites.push_back({index, cell});
         });
         if (row.end == RowEnd::Unfinished) {
-            if (rows > 0)
+            if (rows > 0 || m_input->isCut())
                 break; // the next block begins with it, in a piece of its own
             if (Status status = refill(); !status)
                 return status.error();

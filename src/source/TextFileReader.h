@@ -20,6 +20,7 @@ struct TextFileOptions {
     const CEncoding* encoding = nullptr;          ///< found in the file when null
     char quote = '"';                             ///< 0: quotes mean nothing
     std::size_t pieceSize = std::size_t{1} << 20; ///< bytes that are read at once; rows may be longer
+    bool isPreview = false;                       ///< of a longer file only the rows that end in its first MiB are read
 };
 
 /// Whether a first row holds names of columns rather than data: none of its cells has a digit but no letter, as numbers
@@ -50,7 +51,13 @@ class TextFileReader final : public RowReader {
     /// 0 when the lines are not split.
     [[nodiscard]] char delimiter() const { return m_delimiter; }
     [[nodiscard]] bool hasHeader() const { return m_hasHeader; }
+    /// Whether the first row does, be it a header or not.
+    [[nodiscard]] bool looksLikeNames() const { return m_looksLikeNames; }
     [[nodiscard]] const std::string& path() const { return m_input->path(); }
+    /// All text of a preview without its byte order mark, with readable bytes behind it as RowScanner wants them.
+    [[nodiscard]] std::string_view previewText() const { return m_previewText; }
+    /// Whether the file goes on behind a preview.
+    [[nodiscard]] bool isCut() const { return m_input->isCut(); }
     [[nodiscard]] const FoundEncoding& encoding() const { return m_input->encoding(); }
     [[nodiscard]] bool hasByteOrderMark() const { return m_hasMark; }
     [[nodiscard]] std::int64_t fileSize() const { return m_input->size(); }
@@ -81,7 +88,9 @@ class TextFileReader final : public RowReader {
     char m_delimiter = '\0';
     bool m_hasMark = false;
     bool m_hasHeader = true;
+    bool m_looksLikeNames = true;
     bool m_isEmptyLineRow = false;
+    std::string_view m_previewText;
     std::vector<std::string> m_names;
 
     std::vector<std::shared_ptr<Piece>> m_pieces;

@@ -16,7 +16,6 @@ namespace tavix::source {
 
 namespace {
 
-constexpr std::size_t kSample = std::size_t{1} << 20;
 constexpr std::size_t kChunk = std::size_t{1} << 18;
 
 std::string systemText(int code) {
@@ -41,17 +40,17 @@ Error TextInput::failure(std::string_view what) const {
 }
 
 Result<std::unique_ptr<TextInput>> TextInput::open(const std::string& path, const CEncoding* encoding,
-                                                   std::size_t beginning) {
+                                                   std::size_t beginning, bool isPreview) {
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0)
         return Error{fmt::format("\"{}\" cannot be opened: {}", path, systemText(errno))};
     std::unique_ptr<TextInput> input(new TextInput(path, file));
-    if (Status status = input->begin(encoding, beginning); !status)
+    if (Status status = input->begin(encoding, beginning, isPreview); !status)
         return status.error();
     return input;
 }
 
-Status TextInput::begin(const CEncoding* encoding, std::size_t beginning) {
+Status TextInput::begin(const CEncoding* encoding, std::size_t beginning, bool isPreview) {
     struct stat info {};
     if (::fstat(m_file, &info) != 0)
         return failure("cannot be read: " + systemText(errno));
@@ -67,8 +66,10 @@ Status TextInput::begin(const CEncoding* encoding, std::size_t beginning) {
     if (!got)
         return got.error();
     m_isFileDone = *got < m_chunk.size();
+    m_isCut = isPreview && !m_isFileDone;
     m_raw = std::string_view(m_chunk).substr(0, *got);
     m_encoding = encoding ? stateEncoding(*encoding, m_raw) : detectEncoding(m_raw, m_isFileDone);
+    m_isFileDone = m_isFileDone || m_isCut;
     if (m_encoding.encoding == &encodingUtf8())
         return {};
     auto decoder = TextDecoder::open(*m_encoding.encoding);

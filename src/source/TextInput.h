@@ -16,10 +16,13 @@ namespace tavix::source {
 /// are no UTF-8.
 class TextInput {
   public:
+    /// How much of a file is looked at before it is read, and all that there is of it in a preview.
+    static constexpr std::size_t kSample = std::size_t{1} << 20;
+
     /// Opens the file and looks at its first MiB, where the encoding is found; a stated `encoding` needs no more than
     /// `beginning` bytes of it. An error for a file that cannot be read and for a folder.
     [[nodiscard]] static Result<std::unique_ptr<TextInput>> open(const std::string& path, const CEncoding* encoding,
-                                                                 std::size_t beginning);
+                                                                 std::size_t beginning, bool isPreview = false);
     ~TextInput();
     TextInput(const TextInput&) = delete;
     TextInput& operator=(const TextInput&) = delete;
@@ -30,6 +33,8 @@ class TextInput {
 
     [[nodiscard]] const std::string& path() const { return m_path; }
     [[nodiscard]] const FoundEncoding& encoding() const { return m_encoding; }
+    /// A preview that leaves something out.
+    [[nodiscard]] bool isCut() const { return m_isCut; }
     /// Bytes of the file; 0 when it does not say, as a pipe does not.
     [[nodiscard]] std::int64_t size() const { return m_size; }
     [[nodiscard]] UtcTime modified() const { return m_modified; }
@@ -39,7 +44,7 @@ class TextInput {
 
   private:
     TextInput(std::string path, int file);
-    Status begin(const CEncoding* encoding, std::size_t beginning);
+    Status begin(const CEncoding* encoding, std::size_t beginning, bool isPreview);
     Result<std::size_t> readBytes(char* target, std::size_t size);
     Result<std::size_t> readDecoded(char* target, std::size_t size);
     Status readChunk();
@@ -52,10 +57,11 @@ class TextInput {
     std::int64_t m_bytesRead = 0;
     FoundEncoding m_encoding;
 
-    std::string m_chunk;         ///< of the file: its beginning at first, later what is to be decoded
-    std::string_view m_raw;      ///< what was not taken of m_chunk
-    std::string_view m_text;     ///< decoded and not taken
-    bool m_isFileDone = false;   ///< m_raw is the last of it
+    std::string m_chunk;       ///< of the file: its beginning at first, later what is to be decoded
+    std::string_view m_raw;    ///< what was not taken of m_chunk
+    std::string_view m_text;   ///< decoded and not taken
+    bool m_isFileDone = false; ///< m_raw is the last of it
+    bool m_isCut = false;
     std::int64_t m_rawTaken = 0; ///< of the file
     std::int64_t m_handedOut = 0;
     std::unique_ptr<TextDecoder> m_decoder; ///< null for UTF-8

@@ -83,7 +83,7 @@ TEST_F(JobFile, MistakesAreNamedWithTheirPlace) {
         {good + "    delimiter: \u00E4\n",
          "4:16: a delimiter is one ASCII character other than a quote and a line end"},
         {good + "    header: 'no'\n", "4:13: \"tables[0].header\": expected true when the first row holds the names of "
-                                      "the columns, or false; true unless stated"},
+                                      "the columns, false, or auto; true unless stated"},
         {good + "  - file: sub/a.csv\n", "4:11: there is already a table \"a\"; give this one another name"},
         {good + "    name: b\n    name: c\n", "5:5: the key \"name\" stands twice"},
         {good + "collections:\n  - name: c\n    fields: [b.x]\n",
@@ -109,8 +109,8 @@ TEST_F(JobFile, MistakesAreNamedWithTheirPlace) {
         {good + "  - {name: f, based on: a, where: true}\n",
          "4:35: \"tables[1].where\": expected the condition that the rows of a filtered table meet, a text in the "
          "expression language"},
-        {good + "  - name: b\n",
-         "4:5: \"tables[1]\": expected a table: a map with the key file, or with the keys name, based on and where"},
+        {good + "  - name: b\n", "4:5: \"tables[1]\": expected a table: a map with the key file, files or folder, or "
+                                 "with the keys name, based on and where"},
         {good + "    rules:\n      - {name: r, condition: '`x` > (1'}\n",
          "5:30: in the expression, line 1, column 9: expected \")\", found the end"},
         {good + "    rules:\n      - {name: r, condition: 'true'}\n      - {name: r, condition: 'true'}\n",
@@ -185,7 +185,10 @@ TEST_F(JobFile, DamagedFilesAreErrorsOrJobs) {
 
 TEST(DescribeFiles, NamesTablesAfterFiles) {
     const std::vector<std::string> files = {"/data/a.csv", "/data/b.tar.txt"};
-    const auto job = describeFiles(files, "", ';', false);
+    TableDescription reading;
+    reading.delimiter = ';';
+    reading.hasHeader = false;
+    const auto job = describeFiles(files, "", reading);
     ASSERT_TRUE(job.ok());
     EXPECT_EQ(job->name, "a");
     EXPECT_EQ(job->dataSource, "/data");
@@ -193,9 +196,8 @@ TEST(DescribeFiles, NamesTablesAfterFiles) {
                                                   {"b.tar", "/data/b.tar.txt", ';', false}};
     EXPECT_EQ(job->tables, tables);
     const std::vector<std::string> same = {"/x/a.csv", "/y/a.txt"};
-    EXPECT_EQ(describeFiles(same, "J", std::nullopt, true).error().text,
-              "Two tables of the job \"J\" have the name \"a\".");
-    EXPECT_FALSE(describeFiles({}, "J", std::nullopt, true).ok());
+    EXPECT_EQ(describeFiles(same, "J").error().text, "Two tables of the job \"J\" have the name \"a\".");
+    EXPECT_FALSE(describeFiles({}, "J").ok());
 }
 
 } // namespace

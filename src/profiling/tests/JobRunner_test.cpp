@@ -19,7 +19,7 @@ class RunJob : public ::testing::Test {
         std::ofstream(m_folder.file(name), std::ios::binary) << content;
         return m_folder.file(name);
     }
-    JobDescription job(std::vector<std::string> files) { return *describeFiles(files, "Job", std::nullopt, true); }
+    JobDescription job(std::vector<std::string> files) { return *describeFiles(files, "Job"); }
 
     /// The rows of a query over the stored repository, cells parted by '|'.
     std::string stored(std::string_view query) {

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "profiling/JobDescription.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace tavix::cli {
+
+/// The options that say how text files are read, as "profile" and "inspect" have them.
+class ReadingOptions {
+  public:
+    void declare(CLI::App& command);
+    /// Which rows are profiled.
+    void declareSample(CLI::App& command);
+    /// Whether the user gave one of them.
+    [[nodiscard]] bool isAnyGiven() const;
+    /// A table without a name and a file. Throws CommandError.
+    [[nodiscard]] profiling::TableDescription reading() const;
+
+  private:
+    [[nodiscard]] source::Sample sample() const;
+
+    std::string m_delimiter;
+    std::string m_header;
+    bool m_noHeader = false;
+    std::string m_encoding;
+    std::string m_quote;
+    std::optional<std::int64_t> m_first;
+    std::optional<std::int64_t> m_every;
+    std::optional<double> m_percent;
+    std::optional<std::uint64_t> m_seed;
+};
+
+/// The character that "--delimiter" means: itself, or one of comma, semicolon, tab, pipe, "\t". Nothing when it is none
+/// that can separate cells.
+[[nodiscard]] std::optional<char> parseDelimiter(const std::string& text);
+
+/// The files behind names and patterns, absolute. Throws CommandError for one that does not exist and for a folder.
+[[nodiscard]] std::vector<std::string> existingFiles(const std::vector<std::string>& names);
+
+} // namespace tavix::cli

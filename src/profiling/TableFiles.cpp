@@ -1,0 +1,60 @@
+#include "profiling/TableFiles.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+
+namespace tavix::profiling {
+
+using source::DamagedRow;
+using source::FileSetReader;
+
+source::TextFileOptions textOptions(const TableDescription& table) {
+    source::TextFileOptions options;
+    options.delimiter = table.delimiter;
+    options.hasHeader = table.hasHeader;
+    options.findHeader = table.findHeader;
+    options.encoding = table.encoding;
+    options.quote = table.quote;
+    return options;
+}
+
+Result<std::unique_ptr<FileSetReader>> openFiles(const TableDescription& table) {
+    return FileSetReader::open(table.files.empty() ? std::vector<std::string>{table.path} : table.files,
+                               textOptions(table));
+}
+
+repository::TextFileFacts fileFacts(const TableDescription& table, const FileSetReader& reader) {
+    const source::TextFileReader& last = reader.current();
+    repository::TextFileFacts facts;
+    facts.path = table.path;
+    facts.delimiter = last.delimiter();
+    facts.hasHeader = last.hasHeader();
+    facts.encoding = last.encoding().encoding->name;
+    facts.byteOrderMark = last.hasByteOrderMark();
+    facts.size = reader.total();
+    facts.modified = reader.modified();
+    return facts;
+}
+
+std::string damageText(const DamagedRow& row, const FileSetReader& reader) {
+    const std::size_t columns = reader.columnNames().size();
+    std::string place = fmt::format("Line {}", row.line);
+    if (reader.files().size() > 1)
+        place =
+            fmt::format("{}, line {}", std::filesystem::path(reader.files()[row.file]).filename().string(), row.line);
+    const auto cells = fmt::format("{} {} instead of {}", row.cells, row.cells == 1 ? "cell" : "cells", columns);
+    switch (row.damage) {
+    case source::Damage::TooFewCells:
+        return fmt::format("{}: {}; the missing ones are null.", place, cells);
+    case source::Damage::TooManyCells:
+        return fmt::format("{}: {}; the extra ones are cut.", place, cells);
+    case source::Damage::BadBytes:
+        return fmt::format("{}: bytes that are no {}; each became U+FFFD.", place, reader.encodingOf(row.file).name);
+    case source::Damage::OpenQuote:
+        return fmt::format("{}: a quote that is never closed takes the rest of the file.", place);
+    }
+    return {};
+}
+
+} // namespace tavix::profiling

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "profiling/JobDescription.h"
+#include "repository/Facts.h"
+#include "source/FileSetReader.h"
+
+#include <memory>
+#include <string>
+
+namespace tavix::profiling {
+
+/// How a table's files are to be read.
+[[nodiscard]] source::TextFileOptions textOptions(const TableDescription& table);
+
+/// Opens the file or files of a table that is no filtered one.
+[[nodiscard]] Result<std::unique_ptr<source::FileSetReader>> openFiles(const TableDescription& table);
+
+/// How they were read, when all are.
+[[nodiscard]] repository::TextFileFacts fileFacts(const TableDescription& table, const source::FileSetReader& reader);
+
+/// A damaged row in words: "Line 3: ...", of several files with the name of its own.
+[[nodiscard]] std::string damageText(const source::DamagedRow& row, const source::FileSetReader& reader);
+
+} // namespace tavix::profiling
