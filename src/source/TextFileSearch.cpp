@@ -37,6 +37,13 @@ std::uint64_t from(std::size_t first) {
     return first < ByteWindow::kSize ? ~std::uint64_t{0} << first : 0;
 }
 
+/// Bit i: an odd number of the bits up to and with i is set.
+std::uint64_t prefixXor(std::uint64_t bits) {
+    for (unsigned step = 1; step < ByteWindow::kSize; step *= 2)
+        bits ^= bits << step;
+    return bits;
+}
+
 } // namespace
 
 bool TextFileSearch::canFind(std::string_view value) {
@@ -198,44 +205,73 @@ void TextFileSearch::judgeWindow(const char* limit) {
     const auto size = std::min<std::size_t>(static_cast<std::size_t>(limit - text), ByteWindow::kSize);
     const std::uint64_t valid = ~from(size);
     const ByteWindow window(text);
-    const std::uint64_t quotes = window.positionsOf('"') & valid;
+    const ByteWindow shifted(text + m_value.size() - 1);
     const std::uint64_t lineFeeds = window.positionsOf('\n');
     const std::uint64_t returns = window.positionsOf('\r');
     const std::uint64_t beforeFeeds = lineFeeds >> 1 | (text[ByteWindow::kSize] == '\n' ? kLastBit : 0);
-    /// Those outside quotes that lie behind m_rowStart.
-    std::uint64_t lineEnds = (lineFeeds | (returns & ~beforeFeeds)) & valid;
-    const auto goToRowOf = [&](std::size_t place) {
-        if (const std::uint64_t before = lineEnds & ~from(place); before != 0)
-            m_rowStart = text + ByteWindow::kSize - std::countl_zero(before);
-    };
-    const ByteWindow shifted(text + m_value.size() - 1);
-    const std::uint64_t candidates = window.positionsOf(m_value.front(), shifted, m_value.back()) & valid;
-
+    Marks marks;
+    marks.text = text;
+    marks.quotes = window.positionsOf('"') & valid;
+    marks.lineEnds = (lineFeeds | (returns & ~beforeFeeds)) & valid;
+    marks.candidates = window.positionsOf(m_value.front(), shifted, m_value.back()) & valid;
     m_resume = text + size;
-    for (std::uint64_t marks = quotes | candidates; marks != 0;) {
-        const auto place = static_cast<std::size_t>(std::countr_zero(marks));
-        marks &= marks - 1;
-        const char* const at = text + place;
+    if (marks.quotes != 0 && size == ByteWindow::kSize &&
+        judgeRegular(marks, window.positionsOf(m_delimiter) | lineFeeds | returns))
+        return;
+    judgeOneByOne(marks);
+}
+
+bool TextFileSearch::judgeRegular(const Marks& marks, std::uint64_t separators) {
+    const std::uint64_t inside = prefixXor(marks.quotes) ^ (m_isQuoted ? ~std::uint64_t{0} : 0);
+    const std::uint64_t opening = marks.quotes & inside;
+    const std::uint64_t closing = marks.quotes & ~inside;
+    const std::uint64_t behindSeparator = separators << 1 | (isSeparator(marks.text[-1]) ? 1 : 0);
+    const std::uint64_t beforeSeparator = separators >> 1 | (isSeparator(marks.text[ByteWindow::kSize]) ? kLastBit : 0);
+    // Two quotes side by side are a doubled one, which is as good as one that closes and one that opens.
+    const std::uint64_t odd =
+        (opening & ~(behindSeparator | marks.quotes << 1)) | (closing & ~(beforeSeparator | marks.quotes >> 1));
+    if (odd != 0)
+        return false;
+    const std::uint64_t lineEnds = marks.lineEnds & ~inside;
+    std::uint64_t candidates = marks.candidates & ((behindSeparator & ~inside) | opening << 1 | 1);
+    for (; candidates != 0; candidates &= candidates - 1) {
+        const auto place = static_cast<std::size_t>(std::countr_zero(candidates));
+        if (!looksLikeCell(marks.text + place, (inside >> place & 1) != 0))
+            continue;
+        goToRow(marks.text, lineEnds & ~from(place));
+        m_mustTake = true;
+        return true;
+    }
+    goToRow(marks.text, lineEnds);
+    m_isQuoted = (inside & kLastBit) != 0;
+    return true;
+}
+
+void TextFileSearch::judgeOneByOne(Marks marks) {
+    for (std::uint64_t left = marks.quotes | marks.candidates; left != 0;) {
+        const auto place = static_cast<std::size_t>(std::countr_zero(left));
+        left &= left - 1;
+        const char* const at = marks.text + place;
         if (*at != '"') {
-            if (!looksLikeCell(at))
+            if (!looksLikeCell(at, m_isQuoted))
                 continue;
             if (!m_isQuoted)
-                goToRowOf(place);
+                goToRow(marks.text, marks.lineEnds & ~from(place));
             m_mustTake = true;
             return;
         }
         if (!m_isQuoted) {
             // Elsewhere than at the beginning of a cell a quote is a character like others.
             if (isSeparator(at[-1])) {
-                goToRowOf(place);
+                goToRow(marks.text, marks.lineEnds & ~from(place));
                 m_isQuoted = true;
             }
         } else if (at + 1 < m_end && at[1] == '"') {
-            marks &= from(place + 2);
+            left &= from(place + 2);
             m_resume = std::max(m_resume, at + 2);
         } else {
             m_isQuoted = false;
-            lineEnds &= from(place + 1);
+            marks.lineEnds &= from(place + 1);
             // Text behind the closing quote is a part of the cell, which thus stands nowhere in one piece.
             if (at + 1 < m_end && !isSeparator(at[1])) {
                 m_mustTake = true;
@@ -244,16 +280,21 @@ void TextFileSearch::judgeWindow(const char* limit) {
         }
     }
     if (!m_isQuoted)
-        goToRowOf(ByteWindow::kSize);
+        goToRow(marks.text, marks.lineEnds);
 }
 
-bool TextFileSearch::looksLikeCell(const char* at) const {
+void TextFileSearch::goToRow(const char* text, std::uint64_t lineEnds) {
+    if (lineEnds != 0)
+        m_rowStart = text + ByteWindow::kSize - std::countl_zero(lineEnds);
+}
+
+bool TextFileSearch::looksLikeCell(const char* at, bool isQuoted) const {
     const std::size_t size = m_value.size();
     if (static_cast<std::size_t>(m_end - at) < size)
         return false;
     const char* const end = at + size;
-    const bool isWhole = m_isQuoted ? at[-1] == '"' && (end == m_end || *end == '"')
-                                    : isSeparator(at[-1]) && (end == m_end || isSeparator(*end));
+    const bool isWhole = isQuoted ? at[-1] == '"' && (end == m_end || *end == '"')
+                                  : isSeparator(at[-1]) && (end == m_end || isSeparator(*end));
     return isWhole && std::memcmp(at, m_value.data(), size) == 0;
 }
 

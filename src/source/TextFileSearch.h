@@ -71,8 +71,19 @@ class TextFileSearch final : public RowReader {
     bool search(RowBlock& block, TextArena& arena);
     /// Judges the bytes at m_resume, at most one window and not beyond `limit`.
     void judgeWindow(const char* limit);
-    /// `at` is in a quoted cell, or outside, as m_isQuoted says.
-    [[nodiscard]] bool looksLikeCell(const char* at) const;
+    /// What stands where in a window of text: bit i for byte i.
+    struct Marks {
+        const char* text = nullptr;
+        std::uint64_t quotes = 0;
+        std::uint64_t lineEnds = 0;   ///< of a pair the second
+        std::uint64_t candidates = 0; ///< the value may begin
+    };
+    /// All at once, if every quote opens or closes a cell or is doubled; else false, and nothing was judged.
+    bool judgeRegular(const Marks& marks, std::uint64_t separators);
+    void judgeOneByOne(Marks marks);
+    /// The last of these line ends, if there are some, ends the row before the one at m_rowStart.
+    void goToRow(const char* text, std::uint64_t lineEnds);
+    [[nodiscard]] bool looksLikeCell(const char* at, bool isQuoted) const;
     /// Takes the row at m_rowStart apart; false when its end is not there yet.
     bool takeRow(RowBlock& block, TextArena& arena);
     void keepIfWanted(RowBlock& block, TextArena& arena);
