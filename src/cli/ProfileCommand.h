@@ -16,6 +16,7 @@ class ProfileCommand final : public Command {
 
   private:
     [[nodiscard]] profiling::JobDescription describe() const;
+    void explain(const profiling::JobDescription& job, const CommonOptions& options) const;
     [[nodiscard]] profiling::JobDescription describeJobFile(const std::string& path) const;
 
     std::vector<std::string> m_files;
@@ -23,6 +24,7 @@ class ProfileCommand final : public Command {
     std::string m_delimiter;
     std::string m_description;
     bool m_noHeader = false;
+    bool m_explain = false;
 };
 
 /// The character that "--delimiter" means: itself, or one of comma, semicolon, tab, pipe, "\t". Nothing when it is none

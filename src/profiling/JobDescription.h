@@ -2,6 +2,7 @@
 
 #include "base/Result.h"
 #include "repository/Facts.h"
+#include "source/DatabaseTable.h"
 
 #include <optional>
 #include <span>
@@ -47,6 +48,18 @@ struct RuleDescription {
     bool operator==(const RuleDescription&) const = default;
 };
 
+/// A database that tables of a job are read from.
+struct SourceDescription {
+    std::string name;       ///< unique in the job
+    std::string connection; ///< the name of an ODBC data source, or a connection string without a password
+
+    bool operator==(const SourceDescription&) const = default;
+};
+
+/// The environment variable that holds the password for a source; with an empty name, for all that have none of their
+/// own.
+[[nodiscard]] std::string passwordVariable(const std::string& source);
+
 /// A table of a job: a text file, or the rows of another table of the job that pass a condition.
 struct TableDescription {
     std::string name;              ///< unique in the job; a file's name without its ending unless stated
@@ -58,8 +71,12 @@ struct TableDescription {
     std::vector<std::string> key{}; ///< the fields by which people know a row
     std::vector<CustomMetricDescription> metrics{};
     std::vector<RuleDescription> rules{};
+    std::string source{}; ///< of a table of a database: the name of the job's source
+    source::TableRequest database{};
+    bool isCountedByRows = false; ///< its rows are read even if the engine can count
 
     [[nodiscard]] bool isFiltered() const { return !basedOn.empty(); }
+    [[nodiscard]] bool isDatabase() const { return !source.empty(); }
 
     bool operator==(const TableDescription&) const = default;
 };
@@ -69,9 +86,10 @@ struct JobDescription {
     std::string name;
     std::string description;
     std::string repository; ///< where the results go; "" when the command says so
-    std::string dataSource; ///< name of the data source; the folder of the first file unless stated
+    std::string dataSource; ///< name of the text files' data source; the folder of the first file unless stated
     std::vector<TableDescription> tables;
     std::vector<repository::CollectionFacts> collections;
+    std::vector<SourceDescription> sources{};
 };
 
 /// Reads a YAML job file, checked against the schema that is shipped as share/job.schema.json. Paths in it are relative

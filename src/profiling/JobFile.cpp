@@ -1,3 +1,4 @@
+#include "profiling/DatabaseEntry.h"
 #include "profiling/JobChecks.h"
 #include "profiling/JobDescription.h"
 #include "profiling/JobSchema.h"
@@ -52,6 +53,7 @@ class JobBuilder {
         m_job.name = root.at("job").get<std::string>();
         m_job.description = root.value("description", "");
         m_job.repository = repositoryText(root.value("repository", ""));
+        m_job.sources = readSources(m_document);
         const json& tables = root.at("tables");
         for (std::size_t i = 0; i < tables.size(); ++i)
             addTable(tables[i], pointerTo("/tables", std::to_string(i)));
@@ -67,11 +69,12 @@ class JobBuilder {
     }
 
   private:
-    /// There is one: a filtered table is based on it.
-    [[nodiscard]] const std::string& firstFile() const {
-        return std::find_if(m_job.tables.begin(), m_job.tables.end(),
-                            [](const TableDescription& table) { return !table.isFiltered(); })
-            ->path;
+    /// Empty when all tables come from databases.
+    [[nodiscard]] std::string firstFile() const {
+        const auto table = std::find_if(m_job.tables.begin(), m_job.tables.end(), [](const TableDescription& one) {
+            return !one.isFiltered() && !one.isDatabase();
+        });
+        return table == m_job.tables.end() ? std::string() : table->path;
     }
 
     [[noreturn]] void fail(const std::string& pointer, std::string text) const {
@@ -93,7 +96,9 @@ class JobBuilder {
     void addTable(const json& entry, const std::string& pointer) {
         TableDescription table = m_tables.read(entry, pointer);
         if (std::find(m_names.begin(), m_names.end(), table.name) != m_names.end())
-            fail(pointerTo(pointer, entry.contains("name") ? "name" : "file"),
+            fail(pointerTo(pointer, entry.contains("name")    ? "name"
+                                    : entry.contains("table") ? "table"
+                                                              : "file"),
                  fmt::format("there is already a table \"{}\"; give this one another name", table.name));
         m_names.push_back(table.name);
         m_job.tables.push_back(std::move(table));
@@ -178,6 +183,8 @@ Result<JobDescription> readJobFile(const std::string& path) {
     const auto& document = std::get<YamlDocument>(parsed);
     if (document.value.is_null())
         return Error{fmt::format("{}:1:1: the file describes no job", path)};
+    if (const auto problem = findPassword(document))
+        return located(path, *problem);
     if (const auto problem = findSchemaProblem(document))
         return located(path, *problem);
     std::error_code failure;

@@ -1,11 +1,14 @@
 #include "profiling/JobRunner.h"
 
+#include "profiling/Databases.h"
+#include "profiling/EngineCount.h"
 #include "profiling/FieldFigures.h"
 #include "profiling/JobChecks.h"
 #include "profiling/TablePass.h"
 #include "profiling/TablePrograms.h"
 #include "profiling/ValueCounter.h"
 #include "repository/RunWriter.h"
+#include "source/OdbcReader.h"
 #include "source/TextFileReader.h"
 
 #include <fmt/format.h>
@@ -52,18 +55,18 @@ class Reporter {
     bool m_isCancelled = false;
 };
 
-std::string damageText(const DamagedRow& row, std::size_t columns) {
-    const auto cells =
-        fmt::format("Line {}: {} {} instead of {}", row.line, row.cells, row.cells == 1 ? "cell" : "cells", columns);
+std::string damageText(const DamagedRow& row, std::size_t columns, std::string_view place) {
+    const auto cells = fmt::format("{} {}: {} {} instead of {}", place, row.line, row.cells,
+                                   row.cells == 1 ? "cell" : "cells", columns);
     switch (row.damage) {
     case source::Damage::TooFewCells:
         return cells + "; the missing ones are null.";
     case source::Damage::TooManyCells:
         return cells + "; the extra ones are cut.";
     case source::Damage::BadBytes:
-        return fmt::format("Line {}: bytes that are no UTF-8; each became U+FFFD.", row.line);
+        return fmt::format("{} {}: bytes that are no UTF-8; each became U+FFFD.", place, row.line);
     case source::Damage::OpenQuote:
-        return fmt::format("Line {}: a quote that is never closed takes the rest of the file.", row.line);
+        return fmt::format("{} {}: a quote that is never closed takes the rest of the file.", place, row.line);
     }
     return {};
 }
@@ -100,6 +103,7 @@ class Run {
         : m_job(job),
           m_clock(options.clock ? options.clock : &m_systemClock),
           m_description(options.description),
+          m_databases(job, options.askCredentials),
           m_reporter(options.watcher, job.tables.size()) {}
 
     Result<RunOutcome> execute(const std::string& repositoryPath) {
@@ -139,6 +143,11 @@ class Run {
         for (const TableDescription& table : m_job.tables) {
             if (table.isFiltered())
                 continue;
+            if (table.isDatabase()) {
+                if (Status status = checkDatabase(table); !status)
+                    return status;
+                continue;
+            }
             auto reader = openTable(table);
             if (!reader)
                 return Error{fmt::format("Table \"{}\": {}", table.name, reader.error().text)};
@@ -149,42 +158,127 @@ class Run {
         return {};
     }
 
+    Status checkDatabase(const TableDescription& table) {
+        const auto opened = m_databases.open(table);
+        if (!opened)
+            return Error{fmt::format("Table \"{}\": {}", table.name, opened.error().text)};
+        return checkFieldsOver(m_job, table, opened->table.columnNames());
+    }
+
+    using Passes = std::vector<std::unique_ptr<TablePass>>;
+
+    Result<Passes> passesOver(const TableDescription& base, Columns columns) {
+        Passes passes;
+        for (const TableDescription* table : tablesOver(m_job, base)) {
+            auto programs = compileTable(*table, columns);
+            if (!programs)
+                return programs.error();
+            passes.push_back(std::make_unique<TablePass>(*table, columns, std::move(programs).value()));
+        }
+        return passes;
+    }
+
+    /// As profile(), for a table of a database. All that is asked of it sees one state of its data.
+    Status profileDatabase(const TableDescription& base) {
+        auto opened = m_databases.open(base);
+        if (!opened)
+            return Error{fmt::format("Table \"{}\": {}", base.name, opened.error().text)};
+        auto passes = passesOver(base, opened->table.columnNames());
+        if (!passes)
+            return passes.error();
+        opened->connection->beginSnapshot();
+        TableOutcome damage;
+        const Status status = readDatabase(base, *opened, *passes, damage);
+        opened->connection->endSnapshot();
+        if (m_reporter.isCancelled())
+            return {};
+        if (!status)
+            return Error{fmt::format("Table \"{}\": {}", base.name, status.error().text)};
+        for (const auto& pass : *passes) {
+            repository::TableFacts facts;
+            addDatabaseFacts(facts, pass->description(), base, *opened);
+            if (Status stored = storeDatabase(*pass, facts, *opened, passes->front()->rows(), damage);
+                !stored || m_reporter.isCancelled())
+                return stored;
+        }
+        return {};
+    }
+
+    Status readDatabase(const TableDescription& base, const OpenedDatabaseTable& opened, const Passes& passes,
+                        TableOutcome& damage) {
+        const source::KeepGoing keepGoing = [this] { return m_reporter.report(); };
+        if (!whyRowsAreRead(m_job, base, opened.table)) {
+            beginReading(base);
+            const auto counted = countInEngine(opened, *passes.front(), keepGoing,
+                                               [this](std::int64_t rows) { m_reporter.state.rows = rows; });
+            if (!counted || *counted)
+                return counted ? Status{} : Status{counted.error()};
+        }
+        auto reader = source::OdbcReader::open(*opened.connection, opened.table.rows(), opened.table.columns(),
+                                               opened.table.columnNames(), keepGoing);
+        if (!reader)
+            return reader.error();
+        const Status status = read(base, **reader, passes);
+        damage.damagedRows = (*reader)->damagedRowCount();
+        damage.damage.assign((*reader)->damagedRows().begin(), (*reader)->damagedRows().end());
+        return status;
+    }
+
+    Status storeDatabase(TablePass& pass, repository::TableFacts& facts, const OpenedDatabaseTable& opened,
+                         std::int64_t rowsOfSource, const TableOutcome& damage) {
+        TableOutcome result;
+        if (!pass.description().isFiltered())
+            result = damage;
+        result.name = pass.description().name;
+        result.place = "Row";
+        result.rows = pass.rows();
+        result.fields = pass.columns().size();
+        facts.totalRecords = rowsOfSource;
+        facts.processedRecords = result.rows;
+        facts.damagedRecords = result.damagedRows;
+        return storeTable(pass, facts, opened.table.columns(), std::move(result));
+    }
+
     /// A table of the job and the filtered ones over it, in one pass over its source.
     Status profile(const TableDescription& base) {
+        if (base.isDatabase())
+            return profileDatabase(base);
         auto opened = openTable(base);
         if (!opened)
             return Error{fmt::format("Table \"{}\": {}", base.name, opened.error().text)};
         TextFileReader& reader = **opened;
-        std::vector<std::unique_ptr<TablePass>> passes;
-        for (const TableDescription* table : tablesOver(m_job, base)) {
-            auto programs = compileTable(*table, reader.columnNames());
-            if (!programs)
-                return programs.error();
-            passes.push_back(std::make_unique<TablePass>(*table, reader.columnNames(), std::move(programs).value()));
-        }
-        if (Status status = read(base, reader, passes); !status || m_reporter.isCancelled())
-            return status;
-        for (const auto& pass : passes) {
-            if (Status status = store(*pass, base, reader, passes.front()->rows()); !status || m_reporter.isCancelled())
+        auto passes = passesOver(base, reader.columnNames());
+        if (!passes)
+            return passes.error();
+        if (Status status = read(base, reader, *passes); !status || m_reporter.isCancelled())
+            return status ? status : Status{Error{fmt::format("Table \"{}\": {}", base.name, status.error().text)}};
+        for (const auto& pass : *passes) {
+            if (Status status = store(*pass, base, reader, passes->front()->rows());
+                !status || m_reporter.isCancelled())
                 return status;
         }
         m_bytesBefore += reader.position();
         return {};
     }
 
-    Status read(const TableDescription& base, TextFileReader& reader,
+    void beginReading(const TableDescription& base) {
+        m_reporter.state.table = base.name;
+        m_reporter.state.rows = 0;
+        m_reporter.state.phase = ProgressState::Phase::Reading;
+        m_reporter.report(true);
+    }
+
+    Status read(const TableDescription& base, source::RowReader& reader,
                 std::span<const std::unique_ptr<TablePass>> passes) {
         ProgressState& state = m_reporter.state;
-        state.table = base.name;
-        state.rows = 0;
-        state.phase = ProgressState::Phase::Reading;
-        if (!m_reporter.report(true))
+        beginReading(base);
+        if (m_reporter.isCancelled())
             return {};
         source::RowBlock block;
         for (;;) {
             const auto more = reader.read(block);
             if (!more)
-                return Error{fmt::format("Table \"{}\": {}", base.name, more.error().text)};
+                return more.error();
             for (const auto& pass : passes)
                 if (*more)
                     pass->take(block, state.rows + 1);
@@ -206,7 +300,14 @@ class Run {
             result.damagedRows = reader.damagedRowCount();
             result.damage.assign(reader.damagedRows().begin(), reader.damagedRows().end());
         }
-        const auto id = m_writer->addTable(factsOf(table, base, reader, result, rowsOfSource));
+        const auto facts = factsOf(table, base, reader, result, rowsOfSource);
+        return storeTable(pass, facts, {}, std::move(result));
+    }
+
+    /// `declared`: the columns as a catalogue has them, or none.
+    Status storeTable(TablePass& pass, const repository::TableFacts& facts,
+                      std::span<const source::DeclaredColumn> declared, TableOutcome result) {
+        const auto id = m_writer->addTable(facts);
         if (!id)
             return id.error();
         for (std::size_t c = 0; c < pass.columns().size(); ++c) {
@@ -215,7 +316,9 @@ class Run {
                 return {};
             ValueCounter& counter = pass.counter(c);
             counter.finish();
-            const FieldFigures figures = computeFigures(counter, pass.columns()[c], static_cast<int>(c) + 1);
+            FieldFigures figures = computeFigures(counter, pass.columns()[c], static_cast<int>(c) + 1);
+            if (!declared.empty())
+                addDeclaration(figures.facts, declared[c]);
             m_reporter.state.phase = ProgressState::Phase::Storing;
             if (!m_reporter.report())
                 return {};
@@ -226,16 +329,16 @@ class Run {
         }
         if (Status status = pass.storeRules(*m_writer, *id); !status)
             return status;
-        if (Status status = logDamage(*id, reader, result); !status)
+        if (Status status = logDamage(*id, result); !status)
             return status;
         m_outcome.tables.push_back(std::move(result));
         return {};
     }
 
-    Status logDamage(int tableId, const TextFileReader& reader, const TableOutcome& result) {
+    Status logDamage(int tableId, const TableOutcome& result) {
         for (const DamagedRow& row : result.damage)
             if (Status status = m_writer->addLog(tableId, repository::LogLevel::Warning,
-                                                 damageText(row, reader.columnNames().size()));
+                                                 damageText(row, result.fields, result.place));
                 !status)
                 return status;
         if (result.damagedRows == 0)
@@ -285,6 +388,7 @@ class Run {
     SystemClock m_systemClock;
     const Clock* m_clock;
     std::string m_description;
+    Databases m_databases;
     Reporter m_reporter;
     std::unique_ptr<repository::RunWriter> m_writer;
     std::int64_t m_bytesBefore = 0; ///< of the tables that are done
@@ -295,7 +399,7 @@ class Run {
 
 Status checkFields(const JobDescription& job) {
     for (const TableDescription& table : job.tables) {
-        if (table.isFiltered())
+        if (table.isFiltered() || table.isDatabase())
             continue;
         if (const auto reader = openTable(table); reader)
             if (Status status = checkFieldsOver(job, table, (*reader)->columnNames()); !status)

@@ -1,6 +1,7 @@
 #include "profiling/TableEntry.h"
 
 #include "expression/Parser.h"
+#include "profiling/DatabaseEntry.h"
 
 #include <fmt/format.h>
 
@@ -27,6 +28,8 @@ TableDescription TableEntry::read(const json& entry, const std::string& pointer)
     TableDescription table;
     if (entry.contains("based on"))
         readFilter(table, entry, pointer);
+    else if (isDatabaseEntry(entry))
+        readDatabaseEntry(table, m_document, entry, pointer);
     else
         readFile(table, entry, pointer);
     if (const auto key = entry.find("key"); key != entry.end()) {
@@ -53,6 +56,10 @@ void TableEntry::readFile(TableDescription& table, const json& entry, const std:
     if (entry.contains("where"))
         fail(pointerTo(pointer, "where"),
              "\"where\" belongs to a filtered table: add \"based on\" with a table's name");
+    for (const char* key : {"source", "schema", "catalog", "counted by"})
+        if (entry.contains(key))
+            fail(pointerTo(pointer, key),
+                 fmt::format("\"{}\" belongs to a table of a database; this is a text file", key));
     const std::filesystem::path file = (m_folder / entry.at("file").get<std::string>()).lexically_normal();
     table.path = file.string();
     table.name = entry.contains("name") ? entry.at("name").get<std::string>() : file.stem().string();
@@ -64,7 +71,8 @@ void TableEntry::readFile(TableDescription& table, const json& entry, const std:
 }
 
 void TableEntry::readFilter(TableDescription& table, const json& entry, const std::string& pointer) const {
-    for (const char* key : {"file", "delimiter", "header"})
+    for (const char* key :
+         {"file", "delimiter", "header", "source", "table", "query", "schema", "catalog", "counted by"})
         if (entry.contains(key))
             fail(pointerTo(pointer, key),
                  fmt::format("a filtered table has the rows of another one; leave \"{}\" out", key));
