@@ -207,8 +207,10 @@ class Run {
     Status readDatabase(const TableDescription& base, const OpenedDatabaseTable& opened, const Passes& passes,
                         TableOutcome& damage) {
         const source::KeepGoing keepGoing = [this] { return m_reporter.report(); };
+        beginReading(base);
+        if (m_reporter.isCancelled())
+            return {};
         if (!whyRowsAreRead(m_job, base, opened.table)) {
-            beginReading(base);
             const auto counted = countInEngine(opened, *passes.front(), keepGoing,
                                                [this](std::int64_t rows) { m_reporter.state.rows = rows; });
             if (!counted || *counted)

@@ -237,7 +237,10 @@ TEST_F(DatabaseRuns, WhatIsWrongIsSaidAndNothingIsStored) {
 /// Cancels once a table is being read.
 class Canceller final : public ProgressWatcher {
   public:
-    bool progress(const ProgressState& state) override { return state.table.empty(); }
+    bool progress(const ProgressState& state) override { return state.table.empty() || ++m_calls < 3; }
+
+  private:
+    int m_calls = 0;
 };
 
 TEST_F(DatabaseRuns, AreCancelledWhileTheServerWorks) {
