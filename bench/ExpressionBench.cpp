@@ -116,8 +116,10 @@ void filter(benchmark::State& state, const char* text) {
         rows = 0;
         sum = 0;
         for (const StoredBlock& stored : blocks) {
+            // Counts fall.
+            const bool isUniform = stored.counts.front() == stored.counts.back();
             const std::array<BlockColumn, 2> columns{BlockColumn{stored.bytes, stored.ends, {}, {}},
-                                                     BlockColumn{{}, {}, stored.counts, {}}};
+                                                     BlockColumn{{}, {}, stored.counts, {}, isUniform}};
             const auto passing = evaluator.passing({stored.ends.size(), columns});
             rows += passing.size();
             for (const std::uint32_t row : passing)
@@ -134,7 +136,7 @@ struct Case {
     const char* text;
 };
 
-constexpr std::array<Case, 19> kCases{{
+constexpr std::array<Case, 42> kCases{{
     {"equal", "lower(`Value`) == 'abc'"},
     {"contains", "instr(`Value`,'5') != 0"},
     {"wildcard", "match_string(`Value`,'K*1?5*9')"},
@@ -154,6 +156,29 @@ constexpr std::array<Case, 19> kCases{{
     {"number", "tonumber(`Value`) > 50000000"},
     {"replaced", "length(replace(`Value`,'5','')) < 6"},
     {"remainder", "`Count` % 2 == 0"},
+    {"upper", "upper(`Value`) == 'ABC'"},
+    {"upper_greater", "upper(`Value`) > 'K5'"},
+    {"substring", "substring(`Value`,2,3) > 'bc '"},
+    {"joined", "length(concat(`Value`,'x',left(`Value`,2))) > 12"},
+    {"trimmed", "trim(`Value`) != `Value`"},
+    {"rounded", "round(tonumber(`Value`) / 7, 2) > 1000.5"},
+    {"rounded_count", "round(`Count` / 3, 1) > 2"},
+    {"year", "year(todate(`Value`)) == 2020"},
+    {"between", "`Value` >= 'K2' and `Value` <= 'K5'"},
+    {"list_of_parts", "inlist(lower(left(`Value`,2)),'ab','k0','ba')"},
+    {"choice", "if length(`Value`) > 9 then return `Value` > 'K' else return `Count` > 1"},
+    {"arithmetic", "(length(`Value`) * 3 + `Count`) % 7 == 2"},
+    {"not_wildcard", "not match_string(`Value`,'*a?c*')"},
+    {"regular_search", "matches(`Value`,'.*[0-9]{3}-[0-9]+')"},
+    {"regular_choice", "matches(`Value`,'(bad|kor)[a-z]*\\.(1|2)\\d+')"},
+    {"position", "instr(`Value`,'-') > 5"},
+    {"filled", "lpad(`Value`,12,'0') > '00000K'"},
+    {"some", "contains(`Value`,'a') or contains(`Value`,'F') or ends_with(`Value`,'7')"},
+    {"first_not_null", "coalesce(nullif(`Value`,'13'),'x') == 'x'"},
+    {"integer", "isinteger(`Value`)"},
+    {"replaced_word", "replace(`Value`,'Abc','xy') > 'xy 5'"},
+    {"absolute", "abs(`Count` - 10) < 3"},
+    {"occurrences", "length(`Value`) - length(replace(`Value`,'1','')) == 2"},
 }};
 
 } // namespace

@@ -177,7 +177,9 @@ constexpr std::array kBusinessRuleHistory{
     Column{RuleHistoryErrorRows, "Error Rows", "v.error_rows"},
 };
 constexpr std::array kBusinessRuleRowLog{
-    Column{RuleRowNumber, "Row", ""},
+    Column{RuleRowNumber, "Row", "l.record"},
+    Column{RuleRowRuleId, "Rule Id", "l.rule"},
+    Column{RuleRowPosition, "Position", "l.position"},
 };
 constexpr std::array kExecutionLog{
     Column{LogDate, "Date", "l.logged", Form::Date},

@@ -136,8 +136,9 @@ enum BusinessRuleHistory {
     RuleHistoryCheckedRows,
     RuleHistoryErrorRows
 };
-/// Then the fields of the row log.
-enum BusinessRuleRowLog { RuleRowNumber };
+/// Then the fields of the row log, from RuleRowFirstField on. The position is the row's index among those that the run
+/// has kept.
+enum BusinessRuleRowLog { RuleRowNumber, RuleRowRuleId, RuleRowPosition, RuleRowFirstField };
 /// LogLevelCode is 0 information, 1 warning, 2 error.
 enum ExecutionLog { LogDate, LogLevelCode, LogTable, LogText };
 

@@ -76,6 +76,8 @@ class PrViewer {
     /// `kind` is the table's letter: Y plain, S query, D filter.
     bool getFieldInfo(int fieldId, KvbString& dataSource, KvbString& catalog, KvbString& schema, KvbString& table,
                       KvbString& object, char& kind, KvbString& field, int& tableId);
+    /// What a drill-down needs to know: the same, the text of an SQL query, and the condition of a filtered table, as
+    /// the latest run that has the field says.
     bool getDrilldownInfo(int fieldId, KvbString& dataSource, KvbString& catalog, KvbString& schema, KvbString& table,
                           KvbString& object, char& kind, KvbString& field, KvbString& query, int& tableId,
                           KvbString& filter);
@@ -135,8 +137,8 @@ class PrViewer {
     [[nodiscard]] ProfileCursorHandle getCustomMetricInputFields(const KvbString& key);
     [[nodiscard]] ProfileCursorHandle getBusinessRules(int tableId);
     /// The rows that violate a rule, as many of the first ones as the run has kept, from the one with the index `first`
-    /// on, which counts from 0. A column holds the row's number, then follow the fields of the table's key and, if
-    /// `withInputs`, the fields that the condition reads.
+    /// on, which counts from 0. Three columns of bookkeeping (number of the row in its table, id of the rule, index)
+    /// come first, then the fields of the table's key and, if `withInputs`, the fields that the condition reads.
     [[nodiscard]] ProfileCursorHandle getBusinessRuleRowLog(int ruleId, int first, bool withInputs);
 
     // Alerts.
@@ -194,11 +196,22 @@ class PrViewer {
     // Tasks of the job generator.
     [[nodiscard]] ProfileCursorHandle getTaskList(int jobId);
 
-    // Drill-down to the source rows. `exact` false takes the value as a pattern.
-    [[nodiscard]] PrViewerDrillCursorHandle drillDown(int fieldId, const KvbString& value, bool exact,
+    // Drill-down to the rows of the source, with all columns of the table, in the source's order. Of a filtered table
+    // only those that pass its condition. The rows are read from the source as it is now: a cursor's getWarning() says
+    // when it changed since the run. `sink` may be null; it is told of progress within next(), can stop the reading,
+    // and must outlive the cursor. The cursors do not need the repository, and stay valid when the viewer closes.
+    /// The rows with a value, or, if `isPattern`, those whose value has this character pattern, given in full. A null
+    /// `value` stands for the rows in which the field is null. An empty one stands for empty texts; when the run has
+    /// none in this field, for null too, since a list of values that was read as plain texts shows both alike.
+    /// `patterns` is not looked at: patterns are formed as the run formed them.
+    [[nodiscard]] PrViewerDrillCursorHandle drillDown(int fieldId, const KvbString& value, bool isPattern,
                                                       PrViewDisplayMessage* sink, OrvintaPatternGen* patterns);
+    /// The rows with a value, from the one with the index `first` on, which counts from 0. Null as above.
     [[nodiscard]] ProfileCursorHandle drillDownMatch(int fieldId, const KvbString& value, PrViewDisplayMessage* sink,
-                                                     int mode);
+                                                     int first);
+    /// How often the run has counted the value or pattern that drillDown would look for, 0 when it does not know it; -1
+    /// on failure. What the source has now is compared with it: access/SourceChange.h.
+    [[nodiscard]] std::int64_t getDrillDownCount(int fieldId, const KvbString& value, bool isPattern);
 
     static void freeProfileCursor(ProfileCursor* cursor);
     static void freeDrillDown(PrViewerDrillCursor* cursor);

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "access/DistributionCursor.h"
+#include "access/DrillSource.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
+#include "access/SourceRows.h"
 #include "access/StatementCursor.h"
 #include "base/Clock.h"
 #include "base/Result.h"
@@ -81,6 +83,14 @@ struct PrViewer::Impl {
     /// `filter` is a filter text; empty for all rows.
     ProfileCursorHandle openFieldDistribution(std::string_view operation, int field, repository::DistributionKind kind,
                                               std::string_view rowsSql, const KvbString& filter);
+
+    // Drill-down. `ofRun` is a run that has the field.
+    /// The row of what the run says of the field's table.
+    [[nodiscard]] Result<sql::Statement> tableOfField(int ofRun, int field) const;
+    [[nodiscard]] Result<DrillTable> drillTable(int ofRun, int field) const;
+    [[nodiscard]] Result<WantedRows> wantedRows(int ofRun, int field, const KvbString& value, bool isPattern) const;
+    [[nodiscard]] Result<SourceRows> sourceRows(int field, const KvbString& value, bool isPattern,
+                                                PrViewDisplayMessage* sink) const;
 
     /// Opens the repository for writing and runs `work` in one transaction.
     bool change(const std::function<Status(sql::Connection&)>& work);

@@ -110,9 +110,10 @@ ProfileCursorHandle PrViewer::getBusinessRuleRowLog(int ruleId, int first, bool 
     if (const auto keys = static_cast<std::size_t>(std::max<std::int64_t>(0, columns->integer(1)));
         !withInputs && keys < fields->size())
         fields->resize(keys);
-    auto rows = m_impl->bound("SELECT l.record, l.row_values FROM rule_row l WHERE l.run = ?1 AND l.rule = ?2 AND "
-                              "l.position >= ?3 ORDER BY l.position",
-                              {m_impl->run, ruleId, first});
+    auto rows = m_impl->bound(
+        "SELECT l.record, l.rule, l.position, l.row_values FROM rule_row l WHERE l.run = ?1 AND l.rule = ?2 AND "
+        "l.position >= ?3 ORDER BY l.position",
+        {m_impl->run, ruleId, first});
     if (!rows)
         return m_impl->failCursor(rows.error());
     auto cursor = RuleRowCursor::open(m_impl->session, std::move(*rows), std::move(fields).value());

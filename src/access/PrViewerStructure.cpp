@@ -80,12 +80,6 @@ bool PrViewer::getFieldInfo(int fieldId, KvbString& dataSource, KvbString& catal
     return true;
 }
 
-bool PrViewer::getDrilldownInfo(int, KvbString&, KvbString&, KvbString&, KvbString&, KvbString&, char&, KvbString&,
-                                KvbString&, int&, KvbString&) {
-    (void)m_impl->unavailable("Drilling down to the source is");
-    return false;
-}
-
 bool PrViewer::getTextFileInfo(int tableId, TextFileInfo& info) {
     if (auto ready = m_impl->requireTable(tableId); !ready)
         return m_impl->fail(ready.error());

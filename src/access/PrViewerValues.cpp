@@ -174,13 +174,4 @@ ProfileCursorHandle PrViewer::getTaskList(int jobId) {
     return m_impl->open(m_impl->requireExisting("SELECT 1 FROM job WHERE id = ?1", jobId, "report"), kQuery, {jobId});
 }
 
-PrViewerDrillCursorHandle PrViewer::drillDown(int, const KvbString&, bool, PrViewDisplayMessage*, OrvintaPatternGen*) {
-    (void)m_impl->unavailable("Drilling down to the source is");
-    return nullptr;
-}
-
-ProfileCursorHandle PrViewer::drillDownMatch(int, const KvbString&, PrViewDisplayMessage*, int) {
-    return m_impl->unavailable("Drilling down to the source is");
-}
-
 } // namespace tavix

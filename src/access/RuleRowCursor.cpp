@@ -12,10 +12,14 @@ namespace tavix {
 
 namespace {
 
-enum StoredRow { StoredRecord, StoredValues };
+using namespace layout;
+
+constexpr int kStoredValues = RuleRowFirstField;
 constexpr std::array kStoredColumns{
-    layout::Column{StoredRecord, "Row", "l.record"},
-    layout::Column{StoredValues, "Values", "l.row_values"},
+    Column{RuleRowNumber, "Row", "l.record"},
+    Column{RuleRowRuleId, "Rule Id", "l.rule"},
+    Column{RuleRowPosition, "Position", "l.position"},
+    Column{kStoredValues, "Values", "l.row_values"},
 };
 constexpr layout::Layout kStored{"", kStoredColumns};
 
@@ -36,24 +40,25 @@ bool RuleRowCursor::next() {
     m_values.clear();
     if (!m_rows->next())
         return false;
-    auto values = repository::readTextList(m_rows->getColumnValue(StoredValues).view());
+    auto values = repository::readTextList(m_rows->getColumnValue(kStoredValues).view());
     if (!values)
         throw GenException(values.error().text);
     m_values = std::move(values).value();
     m_values.resize(m_fields.size());
-    m_values.insert(m_values.begin(), m_rows->getColumnValue(StoredRecord));
+    for (int column = RuleRowFirstField - 1; column >= 0; --column)
+        m_values.insert(m_values.begin(), m_rows->getColumnValue(column));
     return true;
 }
 
 int RuleRowCursor::getColumnCount() const {
-    return static_cast<int>(m_fields.size()) + 1;
+    return static_cast<int>(m_fields.size()) + RuleRowFirstField;
 }
 
 KvbString RuleRowCursor::getColumnName(int column) const {
     if (!isColumnValid(column))
         return {};
-    return column == layout::RuleRowNumber ? KvbString(kStoredColumns[StoredRecord].name)
-                                           : m_fields[static_cast<std::size_t>(column) - 1];
+    const auto at = static_cast<std::size_t>(column);
+    return column < RuleRowFirstField ? KvbString(kStoredColumns[at].name) : m_fields[at - RuleRowFirstField];
 }
 
 KvbString RuleRowCursor::getColumnValue(int column) const {

@@ -11,11 +11,12 @@
 
 namespace tavix {
 
-/// The rows that violate a rule: the row's number, then a column for each field of the rule's row log.
+/// The rows that violate a rule: the bookkeeping columns of layout::BusinessRuleRowLog, then a column for each field of
+/// the rule's row log.
 class RuleRowCursor final : public ProfileCursor {
   public:
-    /// `statement` is bound and belongs to the session; it gives the number of a row and its stored values, of which
-    /// those for `fields` are shown.
+    /// `statement` is bound and belongs to the session; it gives the bookkeeping columns of a row and then its stored
+    /// values, of which those for `fields` are shown.
     [[nodiscard]] static Result<std::unique_ptr<RuleRowCursor>>
     open(std::shared_ptr<ViewerSession> session, sql::Statement statement, std::vector<KvbString> fields);
 
@@ -33,7 +34,7 @@ class RuleRowCursor final : public ProfileCursor {
 
     std::unique_ptr<StatementCursor> m_rows;
     std::vector<KvbString> m_fields;
-    std::vector<KvbString> m_values; ///< of the current row; the number first
+    std::vector<KvbString> m_values; ///< of the current row; the bookkeeping first
 };
 
 } // namespace tavix

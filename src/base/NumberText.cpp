@@ -21,6 +21,16 @@ std::string formatInteger(std::int64_t value) {
     return {buffer.data(), end};
 }
 
+std::string formatGrouped(std::int64_t value) {
+    std::string text = formatInteger(value);
+    const std::size_t sign = value < 0 ? 1 : 0;
+    for (std::size_t end = text.size(); end > sign + 3;) {
+        end -= 3;
+        text.insert(end, 1, ',');
+    }
+    return text;
+}
+
 std::string formatReal(double value) {
     // The shortest text would write 100000 as 1e+05; people read plain digits as far as they can be counted.
     constexpr double kPlainFrom = 1e-5;

@@ -9,6 +9,8 @@
 namespace tavix {
 
 [[nodiscard]] std::string formatInteger(std::int64_t value);
+/// With a comma after every three digits: "3,000,000".
+[[nodiscard]] std::string formatGrouped(std::int64_t value);
 /// The shortest text that reads back as the same value: plain digits from 0.00001 to below 10^15 ("0.1", "100000"),
 /// else as short as can be ("1e+20"); "nan", "inf", "-inf" for the others.
 [[nodiscard]] std::string formatReal(double value);

@@ -11,6 +11,7 @@
 #include "cli/JobsCommand.h"
 #include "cli/NotesCommand.h"
 #include "cli/ProfileCommand.h"
+#include "cli/RowsCommand.h"
 #include "cli/RulesCommand.h"
 #include "cli/RunsCommand.h"
 #include "cli/ShowCommand.h"
@@ -42,6 +43,7 @@ constexpr const char* kFooter =
     "  tavix fields -R profile.tavix --table sales               the fields of a table\n"
     "  tavix show -R profile.tavix --field sales.city            everything about a field\n"
     "  tavix show -R profile.tavix --field sales.city --values --format csv -o city.csv\n"
+    "  tavix rows -R profile.tavix sales.city --value Berlin     the rows behind a value\n"
     "\n"
     "\"tavix COMMAND --help\" tells more about a command.\n"
     "Results go to standard output, messages to standard error.\n"
@@ -58,6 +60,7 @@ Commands makeCommands() {
     commands.push_back(std::make_unique<TablesCommand>());
     commands.push_back(std::make_unique<FieldsCommand>());
     commands.push_back(std::make_unique<ShowCommand>());
+    commands.push_back(std::make_unique<RowsCommand>());
     commands.push_back(std::make_unique<RulesCommand>());
     commands.push_back(std::make_unique<NotesCommand>());
     commands.push_back(std::make_unique<FunctionsCommand>());

@@ -121,15 +121,16 @@ void listViolations(Session& session, Listing& listing, const RuleEntry& rule, s
                     {{"row_number", "Row", Column::Kind::Number}},
                     false,
                     "(null value)"};
-    for (int column = 1; column < rows->getColumnCount(); ++column) {
+    for (int column = layout::RuleRowFirstField; column < rows->getColumnCount(); ++column) {
         const std::string name = rows->getColumnName(column).str();
         section.columns.push_back({name, name});
     }
     listing.begin(section);
     Row row(section.columns.size());
     for (std::int64_t shown = 0; shown < limit && rows->next(); ++shown) {
-        for (std::size_t column = 0; column < row.size(); ++column)
-            row[column] = rows->getColumnValue(static_cast<int>(column));
+        row[0] = rows->getColumnValue(layout::RuleRowNumber);
+        for (std::size_t at = 1; at < row.size(); ++at)
+            row[at] = rows->getColumnValue(layout::RuleRowFirstField + static_cast<int>(at) - 1);
         listing.row(row);
     }
     listing.end();

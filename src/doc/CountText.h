@@ -10,13 +10,7 @@ namespace tavix {
 
 /// A count as people read it, in groups of three digits: "1,234,567".
 [[nodiscard]] inline std::string groupedCount(std::int64_t count) {
-    std::string digits = formatInteger(count);
-    const std::size_t first = digits.starts_with('-') ? 1 : 0;
-    for (std::size_t at = digits.size(); at > first + 3;) {
-        at -= 3;
-        digits.insert(at, 1, ',');
-    }
-    return digits;
+    return formatGrouped(count);
 }
 
 /// A count with what it counts: "1 table", "3 tables".

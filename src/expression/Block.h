@@ -16,6 +16,8 @@ struct BlockColumn {
     std::span<const std::uint64_t> counts;
     /// Not 0 for a row that is null; empty when no row is.
     std::span<const std::uint8_t> nulls;
+    /// Whether all rows hold the first number; the others need not be there then.
+    bool isUniform = false;
 };
 
 /// A few thousand rows, as a distribution stores them. Everything is borrowed.

@@ -55,29 +55,52 @@ class ByteSearch {
         return kNotFound;
     }
 
-    /// Whether it occurs in a text behind which, up to `readable`, lie bytes that may be read.
-    [[nodiscard]] bool occursIn(std::string_view text, [[maybe_unused]] const char* readable) const {
-        const std::size_t size = m_needle.size();
-        if (text.size() < size || size == 0)
-            return size == 0;
+    /// Calls with each place of a needle that is a single byte.
+    template <typename Visit>
+    void forEachByte(std::string_view text, Visit visit) const {
+        const char byte = m_needle.front();
+        std::size_t at = 0;
 #if defined(__SSE2__)
-        // Most values are short, and then all places are compared at once, without a loop.
-        const std::size_t places = text.size() - size + 1;
-        if (places <= 16 && size <= kShort && static_cast<std::size_t>(readable - text.data()) >= size + 15) {
-            const __m128i begins = _mm_cmpeq_epi8(_mm_set1_epi8(m_needle.front()), load(text.data()));
-            const __m128i ends = _mm_cmpeq_epi8(_mm_set1_epi8(m_needle.back()), load(text.data() + size - 1));
-            auto hits = static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_and_si128(begins, ends)));
-            hits &= (1U << places) - 1;
-            if (size <= 2)
-                return hits != 0;
-            for (; hits != 0; hits &= hits - 1) {
-                if (isAt(text.data() + __builtin_ctz(hits)))
-                    return true;
-            }
-            return false;
+        const __m128i wanted = _mm_set1_epi8(byte);
+        for (; at + 16 <= text.size(); at += 16) {
+            auto hits = static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(wanted, load(text.data() + at))));
+            for (; hits != 0; hits &= hits - 1)
+                visit(at + static_cast<std::size_t>(__builtin_ctz(hits)));
         }
 #endif
-        return find(text) != kNotFound;
+        for (; at < text.size(); ++at) {
+            if (text[at] == byte)
+                visit(at);
+        }
+    }
+
+    /// The first occurrence in a text behind which, up to `readable`, lie bytes that may be read.
+    [[nodiscard]] std::size_t findIn(std::string_view text, [[maybe_unused]] const char* readable) const {
+        const std::size_t size = m_needle.size();
+        if (text.size() < size || size == 0)
+            return size == 0 ? 0 : kNotFound;
+#if defined(__SSE2__)
+        // Most values are short, and then all places are compared at once, without a loop.
+        if (areComparedAtOnce(text, readable)) {
+            for (std::uint32_t hits = placesIn(text); hits != 0; hits &= hits - 1) {
+                const auto hit = static_cast<std::size_t>(__builtin_ctz(hits));
+                if (size <= 2 || isAt(text.data() + hit))
+                    return hit;
+            }
+            return kNotFound;
+        }
+#endif
+        return find(text);
+    }
+
+    /// Whether it occurs there.
+    [[nodiscard]] bool occursIn(std::string_view text, const char* readable) const {
+#if defined(__SSE2__)
+        const std::size_t size = m_needle.size();
+        if (size > 0 && size <= 2 && text.size() >= size && areComparedAtOnce(text, readable))
+            return placesIn(text) != 0;
+#endif
+        return findIn(text, readable) != kNotFound;
     }
 
   private:
@@ -87,6 +110,21 @@ class ByteSearch {
 #if defined(__SSE2__)
     static __m128i load(const char* bytes) {
         return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+    }
+#endif
+#if defined(__SSE2__)
+    [[nodiscard]] bool areComparedAtOnce(std::string_view text, const char* readable) const {
+        const std::size_t size = m_needle.size();
+        return text.size() - size + 1 <= 16 && size <= kShort &&
+               static_cast<std::size_t>(readable - text.data()) >= size + 15;
+    }
+    /// A bit for each place at which the first and the last byte are right.
+    [[nodiscard]] std::uint32_t placesIn(std::string_view text) const {
+        const std::size_t size = m_needle.size();
+        const __m128i begins = _mm_cmpeq_epi8(_mm_set1_epi8(m_needle.front()), load(text.data()));
+        const __m128i ends = _mm_cmpeq_epi8(_mm_set1_epi8(m_needle.back()), load(text.data() + size - 1));
+        const auto hits = static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_and_si128(begins, ends)));
+        return hits & ((1U << (text.size() - size + 1)) - 1);
     }
 #endif
     [[nodiscard]] bool isAt(const char* place) const {

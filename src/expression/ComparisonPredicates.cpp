@@ -2,6 +2,7 @@
 #include "expression/Conversion.h"
 #include "expression/Operand.h"
 #include "expression/Predicate.h"
+#include "expression/TextKey.h"
 #include "expression/TextOperators.h"
 
 #include <array>
@@ -39,10 +40,19 @@ void withOperator(Comparison comparison, bool wanted, Use use) {
     }
 }
 
-/// Equality of texts looks at their lengths first; an order cannot.
 template <typename Compare>
-bool compareTextsBy(Compare compare, std::string_view left, std::string_view right) {
-    if constexpr (std::is_same_v<Compare, std::equal_to<>> || std::is_same_v<Compare, std::not_equal_to<>>)
+inline constexpr bool kAsksForEquality =
+    std::is_same_v<Compare, std::equal_to<>> || std::is_same_v<Compare, std::not_equal_to<>>;
+
+/// Most texts differ within the first eight bytes.
+template <typename Compare>
+bool compareTextsBy(Compare compare, std::string_view left, const char* leftReadable, std::string_view right,
+                    const char* rightReadable) {
+    const std::uint64_t leftKey = textKey(left, leftReadable);
+    const std::uint64_t rightKey = textKey(right, rightReadable);
+    if (leftKey != rightKey)
+        return compare(leftKey, rightKey);
+    if constexpr (kAsksForEquality<Compare>)
         return compare(left, right);
     else
         return compare(left.compare(right), 0);
@@ -72,8 +82,9 @@ class PairComparison : public Predicate {
     static void narrowTexts(RowSet& rows, const Vector& left, const Vector& right, Compare compare) {
         withTexts(left, [&](auto leftTexts) {
             withTexts(right, [&](auto rightTexts) {
-                rows.keepIf(
-                    [&](std::uint32_t row) { return compareTextsBy(compare, leftTexts[row], rightTexts[row]); });
+                rows.keepIf([&](std::uint32_t row) {
+                    return compareTextsBy(compare, leftTexts[row], left.readable, rightTexts[row], right.readable);
+                });
             });
         });
     }
@@ -128,11 +139,17 @@ class TextComparison : public Predicate {
     void narrow(Frame& frame, RowSet& rows, bool wanted) override {
         const Vector& vector = m_operand->evaluate(frame, rows);
         dropNulls(rows, vector);
-        const std::string_view constant = m_constant;
+        const KeyedText constant = m_constant;
+        const char* const readable = vector.readable;
         withOperator(m_comparison, wanted, [&](auto compare) {
             withTexts(vector, [&](auto texts) {
-                rows.keepIf([compare, texts, constant](std::uint32_t row) {
-                    return compareTextsBy(compare, texts[row], constant);
+                rows.keepIf([compare, texts, constant, readable](std::uint32_t row) {
+                    const std::string_view text = texts[row];
+                    const std::uint64_t key = textKey(text, readable);
+                    if constexpr (kAsksForEquality<decltype(compare)>)
+                        return compare(constant.equals(text, key), true);
+                    else
+                        return compare(constant.order(text, key), 0);
                 });
             });
         });
@@ -141,7 +158,7 @@ class TextComparison : public Predicate {
   private:
     Comparison m_comparison;
     OperandPtr m_operand;
-    std::string_view m_constant;
+    KeyedText m_constant;
 };
 
 /// lower(x) or upper(x), equal to a constant or not: the length decides most rows, and no text is made.

@@ -89,14 +89,18 @@ Value remainder(Arguments arguments, Scratch& /*scratch*/) {
     return finite(std::fmod(arguments[0].real, arguments[1].real));
 }
 
-Value round(Arguments arguments, Scratch& /*scratch*/) {
-    constexpr std::int64_t kMostPlaces = 15;
-    const double value = arguments[0].real;
-    const std::int64_t places = arguments.size() > 1 ? std::clamp(arguments[1].integer, -kMostPlaces, kMostPlaces) : 0;
-    const double unit = std::pow(10.0, static_cast<double>(std::abs(places)));
-    const double rounded = places < 0 ? std::round(value / unit) * unit : std::round(value * unit) / unit;
+Places::Places(std::int64_t places)
+    : m_unit(std::pow(10.0, static_cast<double>(std::abs(std::clamp(places, -kMost, kMost))))), m_isWhole(places < 0) {}
+
+double Places::round(double value) const {
+    const double rounded = m_isWhole ? std::round(value / m_unit) * m_unit : std::round(value * m_unit) / m_unit;
     // A value too large to be scaled has no such places.
-    return Value::ofReal(std::isfinite(rounded) ? rounded : value);
+    return std::isfinite(rounded) ? rounded : value;
+}
+
+Value round(Arguments arguments, Scratch& /*scratch*/) {
+    const Places places(arguments.size() > 1 ? arguments[1].integer : 0);
+    return Value::ofReal(places.round(arguments[0].real));
 }
 
 Value same(Arguments arguments, Scratch& /*scratch*/) {

@@ -3,12 +3,25 @@
 #include "expression/Scratch.h"
 #include "expression/Value.h"
 
+#include <cstdint>
 #include <span>
 
 /// The implementations behind the catalogue's functions over numbers and dates, and those that take any type.
 namespace tavix::expression::number_functions {
 
 using Arguments = std::span<const Value>;
+
+/// Rounds to a number of decimal places, of whole ones when it is negative; halves away from zero.
+class Places {
+  public:
+    explicit Places(std::int64_t places);
+    [[nodiscard]] double round(double value) const;
+
+  private:
+    static constexpr std::int64_t kMost = 15;
+    double m_unit;
+    bool m_isWhole;
+};
 
 Value absolute(Arguments arguments, Scratch& scratch);
 Value addDays(Arguments arguments, Scratch& scratch);

@@ -5,7 +5,6 @@
 #include "expression/Interpreter.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace tavix::expression {
 
@@ -67,6 +66,40 @@ void Results::set(std::uint32_t row, const Value& value) {
     }
 }
 
+void Results::take(const RowSet& rows, const Vector& from) {
+    if (from.isConstant || from.nulls || from.type != m_vector.type)
+        rows.forEach([&](std::uint32_t row) { set(row, from.at(row)); });
+    else
+        takeValues(rows, from);
+}
+
+void Results::takeValues(const RowSet& rows, const Vector& from) {
+    if (from.isConstant) {
+        rows.forEach([&](std::uint32_t row) { set(row, from.constant); });
+        return;
+    }
+    const auto copy = [&](auto* to, const auto* values) {
+        rows.forEach([&](std::uint32_t row) { to[row] = values[row]; });
+    };
+    switch (from.type) {
+    case Type::Text:
+        withTexts(from, [&](auto texts) { rows.forEach([&](std::uint32_t row) { m_texts[row] = texts[row]; }); });
+        break;
+    case Type::Integer:
+    case Type::Date:
+        copy(m_integers.data(), from.integers);
+        break;
+    case Type::Real:
+        copy(m_reals.data(), from.reals);
+        break;
+    case Type::Boolean:
+        copy(m_booleans.data(), from.booleans);
+        break;
+    case Type::Null:
+        break;
+    }
+}
+
 namespace {
 
 class ConstantOperand : public Operand {
@@ -87,7 +120,7 @@ Value cellAt(const BlockColumn& column, std::uint32_t row) {
     if (!column.nulls.empty() && column.nulls[row] != 0)
         return {};
     if (!column.counts.empty())
-        return Value::ofInteger(static_cast<std::int64_t>(column.counts[row]));
+        return Value::ofInteger(static_cast<std::int64_t>(column.counts[column.isUniform ? 0 : row]));
     return Value::ofText(AdjacentTexts{column.bytes.data(), column.ends.data()}[row]);
 }
 
@@ -103,11 +136,15 @@ class FieldOperand : public Operand {
         m_vector = Vector{};
         m_vector.type = m_node.type;
         m_vector.nulls = column.nulls.empty() ? nullptr : column.nulls.data();
-        if (isCount) {
+        if (isCount && column.isUniform) {
+            m_same.assign(frame.rows(), static_cast<std::int64_t>(column.counts.front()));
+            m_vector.integers = m_same.data();
+        } else if (isCount) {
             m_vector.integers = reinterpret_cast<const std::int64_t*>(column.counts.data());
         } else {
             m_vector.bytes = column.bytes.data();
             m_vector.ends = column.ends.data();
+            m_vector.readable = column.bytes.data() + column.bytes.size();
             m_vector.isAscii = frame.isAscii(m_node.field);
         }
         return m_vector;
@@ -126,6 +163,7 @@ class FieldOperand : public Operand {
 
     const Node& m_node;
     Vector m_vector;
+    std::vector<std::int64_t> m_same;
     Results m_results;
 };
 
@@ -189,76 +227,6 @@ class CallOperand : public Operand {
     Results m_results;
 };
 
-class ArithmeticOperand : public Operand {
-  public:
-    explicit ArithmeticOperand(const Node& node)
-        : m_node(node), m_left(makeOperand(node.child(0))), m_right(makeOperand(node.child(1))) {}
-
-    const Vector& evaluate(Frame& frame, const RowSet& rows) override {
-        const Vector& left = m_left->evaluate(frame, rows);
-        const Vector& right = m_right->evaluate(frame, rows);
-        m_results.begin(m_node.type, frame.rows());
-        if (m_node.type == Type::Integer && left.integers && isCalculated(rows, left, right))
-            return m_results.vector();
-        rows.forEach([&](std::uint32_t row) {
-            const Value a = left.at(row);
-            const Value b = right.at(row);
-            const bool isNull = a.isNull() || b.isNull();
-            m_results.set(row, isNull ? Value{} : calculate(m_node.arithmetic, a, b, frame.scratch()));
-            frame.collectFailure(row);
-        });
-        return m_results.vector();
-    }
-
-  private:
-    /// An integer and a constant, as in `Count` % 2, while nothing overflows and nothing is divided by 0.
-    bool isCalculated(const RowSet& rows, const Vector& left, const Vector& right) {
-        if (!right.isConstant || right.constant.isNull() || left.nulls)
-            return false;
-        const std::int64_t* const in = left.integers;
-        const std::int64_t constant = right.constant.integer;
-        std::int64_t* const out = m_results.integers();
-        bool isTooLarge = false;
-        switch (m_node.arithmetic) {
-        case Arithmetic::Add:
-            rows.forEach(
-                [&](std::uint32_t row) { isTooLarge |= __builtin_add_overflow(in[row], constant, &out[row]); });
-            break;
-        case Arithmetic::Subtract:
-            rows.forEach(
-                [&](std::uint32_t row) { isTooLarge |= __builtin_sub_overflow(in[row], constant, &out[row]); });
-            break;
-        case Arithmetic::Multiply:
-            rows.forEach(
-                [&](std::uint32_t row) { isTooLarge |= __builtin_mul_overflow(in[row], constant, &out[row]); });
-            break;
-        default:
-            if (constant <= 0)
-                return false;
-            divide(rows, in, constant);
-            break;
-        }
-        return !isTooLarge;
-    }
-    void divide(const RowSet& rows, const std::int64_t* in, std::int64_t constant) {
-        std::int64_t* const out = m_results.integers();
-        // Small numbers, which counts mostly are, divide several times as fast in 32 bits.
-        const bool isSmall = constant <= std::numeric_limits<std::int32_t>::max();
-        rows.forEach([&](std::uint32_t row) {
-            const std::int64_t value = in[row];
-            if (isSmall && value >= 0 && value <= std::numeric_limits<std::int32_t>::max())
-                out[row] = static_cast<std::int32_t>(value) % static_cast<std::int32_t>(constant);
-            else
-                out[row] = value % constant;
-        });
-    }
-
-    const Node& m_node;
-    OperandPtr m_left;
-    OperandPtr m_right;
-    Results m_results;
-};
-
 class NegateOperand : public Operand {
   public:
     explicit NegateOperand(const Node& node) : m_type(node.type), m_source(makeOperand(node.child(0))) {}
@@ -280,40 +248,10 @@ class NegateOperand : public Operand {
     Results m_results;
 };
 
-/// Each further argument only for the rows that are still null.
-class FirstNonNullOperand : public Operand {
+/// What has no operators of its own, as a pattern asked of a text that never changes but could not be asked beforehand.
+class InterpretedOperand : public Operand {
   public:
-    explicit FirstNonNullOperand(const Node& node) : m_type(node.type) {
-        for (const NodePtr& child : node.children)
-            m_arguments.push_back(makeOperand(*child));
-    }
-
-    const Vector& evaluate(Frame& frame, const RowSet& rows) override {
-        m_results.begin(m_type, frame.rows());
-        Frame::Loan rest(frame);
-        rest.rows().assign(rows);
-        for (const OperandPtr& argument : m_arguments) {
-            const Vector& column = argument->evaluate(frame, rest.rows());
-            rest.rows().forEach([&](std::uint32_t row) {
-                if (!column.isNull(row))
-                    m_results.set(row, column.at(row));
-            });
-            rest.rows().keepIf([&](std::uint32_t row) { return column.isNull(row); });
-        }
-        rest.rows().forEach([&](std::uint32_t row) { m_results.set(row, Value{}); });
-        return m_results.vector();
-    }
-
-  private:
-    Type m_type;
-    std::vector<OperandPtr> m_arguments;
-    Results m_results;
-};
-
-/// A condition whose value is an argument, as in isnull(a and b): the one place where rows are walked by the tree.
-class ConditionOperand : public Operand {
-  public:
-    explicit ConditionOperand(const Node& node) : m_node(node) { collectFields(node); }
+    explicit InterpretedOperand(const Node& node) : m_node(node) { collectFields(node); }
 
     const Vector& evaluate(Frame& frame, const RowSet& rows) override {
         Interpreter interpreter(frame.scratch());
@@ -353,17 +291,19 @@ OperandPtr makeOperand(const Node& node) {
     case NodeKind::Convert:
         return std::make_unique<ConvertOperand>(node);
     case NodeKind::Call:
-        if (OperandPtr special = makeTextOperand(node))
-            return special;
+        for (const auto make : {makeTextOperand, makeBuiltText, makeNumberFunction, makeChoosing}) {
+            if (OperandPtr special = make(node))
+                return special;
+        }
         return std::make_unique<CallOperand>(node);
     case NodeKind::Arithmetic:
-        return std::make_unique<ArithmeticOperand>(node);
+        return makeArithmetic(node);
     case NodeKind::Negate:
         return std::make_unique<NegateOperand>(node);
-    case NodeKind::FirstNonNull:
-        return std::make_unique<FirstNonNullOperand>(node);
     default:
-        return std::make_unique<ConditionOperand>(node);
+        if (OperandPtr choosing = makeChoosing(node))
+            return choosing;
+        return std::make_unique<InterpretedOperand>(node);
     }
 }
 

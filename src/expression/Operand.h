@@ -32,6 +32,10 @@ class Results {
     /// For a block of so many rows.
     void begin(Type type, std::size_t rows);
     void set(std::uint32_t row, const Value& value);
+    /// The rows' values of a vector of the same type, or of one that is null throughout.
+    void take(const RowSet& rows, const Vector& from);
+    /// The same where none of the rows is null.
+    void takeValues(const RowSet& rows, const Vector& from);
     [[nodiscard]] std::string_view* texts() { return m_texts.data(); }
     [[nodiscard]] std::int64_t* integers() { return m_integers.data(); }
     [[nodiscard]] double* reals() { return m_reals.data(); }
@@ -53,5 +57,12 @@ class Results {
 
 /// Those for functions over texts; null when the node is no call for which there is one.
 [[nodiscard]] OperandPtr makeTextOperand(const Node& node);
+/// Those that put texts together; null when the node is no call of one.
+[[nodiscard]] OperandPtr makeBuiltText(const Node& node);
+/// Those for functions of one number; null when the node is no call of one.
+[[nodiscard]] OperandPtr makeNumberFunction(const Node& node);
+[[nodiscard]] OperandPtr makeArithmetic(const Node& node);
+/// Those that choose among values: if, coalesce, nullif and conditions as values; null when the node is none of these.
+[[nodiscard]] OperandPtr makeChoosing(const Node& node);
 
 } // namespace tavix::expression

@@ -175,9 +175,48 @@ class ListPredicate : public Predicate {
     std::vector<const Vector*> m_columns;
 };
 
-} // namespace
+/// A condition on numbers alone. Where a block holds the same number in all rows, as most blocks of counts do, one row
+/// tells for all.
+class UniformPredicate : public Predicate {
+  public:
+    UniformPredicate(PredicatePtr inner, std::vector<std::size_t> fields)
+        : m_inner(std::move(inner)), m_fields(std::move(fields)) {}
 
-PredicatePtr makePredicate(const Node& node) {
+    void narrow(Frame& frame, RowSet& rows, bool wanted) override {
+        const auto isUniform = [&](std::size_t field) {
+            const BlockColumn& column = frame.block().columns[field];
+            return column.isUniform && column.nulls.empty();
+        };
+        if (rows.isEmpty() || !std::ranges::all_of(m_fields, isUniform))
+            return m_inner->narrow(frame, rows, wanted);
+        const std::uint32_t first = rows.first();
+        Frame::Loan one(frame);
+        one.rows().assign(rows);
+        one.rows().keepFirst();
+        m_inner->narrow(frame, one.rows(), wanted);
+        if (frame.hasFailures() && frame.isFailed(first))
+            m_inner->narrow(frame, rows, wanted); // each row is to be told as one that failed
+        else if (one.rows().isEmpty())
+            rows.clear();
+    }
+
+  private:
+    PredicatePtr m_inner;
+    std::vector<std::size_t> m_fields;
+};
+
+/// Gathers the fields; false when one of them is a text.
+bool collectNumberFields(const Node& node, std::vector<std::size_t>& fields) {
+    if (node.kind == NodeKind::Field) {
+        if (node.type != Type::Integer)
+            return false;
+        fields.push_back(node.field);
+    }
+    return std::ranges::all_of(node.children,
+                               [&](const NodePtr& child) { return collectNumberFields(*child, fields); });
+}
+
+PredicatePtr makePlainPredicate(const Node& node) {
     switch (node.kind) {
     case NodeKind::Constant:
         return std::make_unique<ConstantPredicate>(node.constant);
@@ -200,6 +239,18 @@ PredicatePtr makePredicate(const Node& node) {
     if (node.kind == NodeKind::InList)
         return std::make_unique<ListPredicate>(node);
     return std::make_unique<TruthPredicate>(node);
+}
+
+} // namespace
+
+PredicatePtr makePredicate(const Node& node) {
+    PredicatePtr plain = makePlainPredicate(node);
+    const bool isTest = node.kind == NodeKind::Compare || node.kind == NodeKind::InList ||
+                        node.kind == NodeKind::Call || node.kind == NodeKind::Matches;
+    std::vector<std::size_t> fields;
+    if (!isTest || !collectNumberFields(node, fields) || fields.empty())
+        return plain;
+    return std::make_unique<UniformPredicate>(std::move(plain), std::move(fields));
 }
 
 } // namespace tavix::expression

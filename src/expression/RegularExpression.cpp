@@ -1,6 +1,9 @@
+#include "expression/ByteAutomaton.h"
 #include "expression/Matcher.h"
 
 #include <re2/re2.h>
+
+#include <optional>
 
 namespace tavix::expression {
 
@@ -20,12 +23,19 @@ class RegularExpression : public Matcher {
   public:
     explicit RegularExpression(std::string_view pattern)
         : m_expression(re2::StringPiece(pattern.data(), pattern.size()), options()) {
+        if (m_expression.ok())
+            m_automaton = ByteAutomaton::build(pattern);
         m_hasRange = m_expression.ok() && m_expression.PossibleMatchRange(&m_lowest, &m_highest, kRangeLength);
     }
 
     [[nodiscard]] bool isGood() const { return m_expression.ok(); }
     [[nodiscard]] const std::string& reason() const { return m_expression.error(); }
     [[nodiscard]] bool matches(std::string_view text, bool /*isAscii*/, Scratch& /*scratch*/) const override {
+        if (m_automaton) {
+            const ByteAutomaton::Answer answer = m_automaton->matches(text);
+            if (answer != ByteAutomaton::Answer::Unknown)
+                return answer == ByteAutomaton::Answer::Yes;
+        }
         // Where the pattern begins with fixed characters, order alone decides most texts.
         if (m_hasRange && (text < m_lowest || text > m_highest))
             return false;
@@ -36,6 +46,7 @@ class RegularExpression : public Matcher {
     static constexpr int kRangeLength = 8;
 
     re2::RE2 m_expression;
+    std::optional<ByteAutomaton> m_automaton; ///< of most patterns; it asks m_expression about texts that are not ASCII
     bool m_hasRange = false;
     std::string m_lowest;
     std::string m_highest;

@@ -32,6 +32,16 @@ class RowSet {
 
     [[nodiscard]] std::size_t size() const { return m_size; }
     [[nodiscard]] bool isEmpty() const { return m_size == 0; }
+    /// Only to be asked when there are any.
+    [[nodiscard]] std::uint32_t first() const { return m_isFull ? 0 : m_rows.front(); }
+    /// Only the first row, when there are any.
+    void keepFirst() {
+        if (isEmpty())
+            return;
+        m_rows.front() = first();
+        m_size = 1;
+        m_isFull = m_rows.size() == 1;
+    }
     /// Whether a pass over the whole block is cheaper than one over these rows.
     [[nodiscard]] bool isDense() const { return m_isFull || m_size * 2 > m_rows.size(); }
 

@@ -1,3 +1,5 @@
+#include "expression/AdjacentResults.h"
+#include "expression/ByteSearch.h"
 #include "expression/Operand.h"
 #include "expression/TextFunctions.h"
 #include "expression/TextOperators.h"
@@ -20,6 +22,8 @@ class MappedOperand : public Operand {
         const Vector& source = m_source->evaluate(frame, rows);
         if (source.ends && source.isAscii && rows.isDense() && frame.rows() > 0)
             return mapBlock(source, source.ends[frame.rows() - 1]);
+        if (source.isAscii)
+            return mapEach(source, frame, rows);
         m_results.begin(Type::Text, frame.rows());
         const auto call = m_isLower ? text_functions::lower : text_functions::upper;
         rows.forEach([&](std::uint32_t row) {
@@ -27,17 +31,31 @@ class MappedOperand : public Operand {
             m_results.set(row, value.isNull() ? value : call({&value, 1}, frame.scratch()));
             frame.collectFailure(row);
         });
-        m_results.vector().isAscii = source.isAscii;
         return m_results.vector();
     }
 
   private:
+    /// ASCII texts of any form. They are parts of a block's, so not more than it.
+    const Vector& mapEach(const Vector& source, const Frame& frame, const RowSet& rows) {
+        std::size_t size = 0;
+        withTexts(source, [&](auto texts) { rows.forEach([&](std::uint32_t row) { size += texts[row].size(); }); });
+        m_adjacent.begin(frame.rows(), size);
+        const auto map = m_isLower ? lowerAscii : upperAscii;
+        withTexts(source, [&](auto texts) {
+            m_adjacent.makeEach(rows, [&](std::uint32_t row) {
+                const std::string_view text = texts[row];
+                map(text.data(), text.size(), m_adjacent.extend(text.size()));
+            });
+        });
+        return m_adjacent.vector(source.nulls, true);
+    }
     const Vector& mapBlock(const Vector& source, std::size_t size) {
         if (m_bytes.size() < size)
             m_bytes.resize(size);
         (m_isLower ? lowerAscii : upperAscii)(source.bytes, size, m_bytes.data());
         m_block = source;
         m_block.bytes = m_bytes.data();
+        m_block.readable = m_bytes.data() + size;
         return m_block;
     }
 
@@ -45,6 +63,7 @@ class MappedOperand : public Operand {
     OperandPtr m_source;
     std::vector<char> m_bytes;
     Vector m_block;
+    AdjacentResults m_adjacent;
     Results m_results;
 };
 
@@ -67,6 +86,7 @@ class CutOperand : public Operand {
         });
         m_results.takeNulls(source);
         m_results.vector().isAscii = source.isAscii;
+        m_results.vector().readable = source.readable;
         return m_results.vector();
     }
 
@@ -89,6 +109,14 @@ class LengthOperand : public Operand {
         const Vector& source = m_source->evaluate(frame, rows);
         m_results.begin(Type::Integer, frame.rows());
         std::int64_t* const out = m_results.integers();
+        if (source.isAscii && source.ends && rows.isDense() && frame.rows() > 0) {
+            // A loop of its own, which the compiler turns into vector instructions.
+            out[0] = source.ends[0];
+            for (std::size_t row = 1; row < frame.rows(); ++row)
+                out[row] = std::int64_t{source.ends[row] - source.ends[row - 1]};
+            m_results.takeNulls(source);
+            return m_results.vector();
+        }
         withTexts(source, [&](auto texts) {
             const auto store = [&](std::uint32_t row, std::size_t size) { out[row] = static_cast<std::int64_t>(size); };
             if (source.isAscii)
@@ -102,6 +130,37 @@ class LengthOperand : public Operand {
 
   private:
     OperandPtr m_source;
+    Results m_results;
+};
+
+/// instr of a fixed text.
+class PositionOperand : public Operand {
+  public:
+    PositionOperand(const Node& text, std::string_view part) : m_source(makeOperand(text)), m_search(part) {}
+
+    const Vector& evaluate(Frame& frame, const RowSet& rows) override {
+        const Vector& source = m_source->evaluate(frame, rows);
+        m_results.begin(Type::Integer, frame.rows());
+        std::int64_t* const out = m_results.integers();
+        const char* const readable =
+            source.ends && frame.rows() > 0 ? source.bytes + source.ends[frame.rows() - 1] : nullptr;
+        withTexts(source, [&](auto texts) {
+            rows.forEach([&](std::uint32_t row) {
+                const std::string_view text = texts[row];
+                const std::size_t at = readable ? m_search.findIn(text, readable) : m_search.find(text);
+                if (at == ByteSearch::kNotFound)
+                    out[row] = 0;
+                else
+                    out[row] = static_cast<std::int64_t>(source.isAscii ? at : countCharacters(text.substr(0, at))) + 1;
+            });
+        });
+        m_results.takeNulls(source);
+        return m_results.vector();
+    }
+
+  private:
+    OperandPtr m_source;
+    ByteSearch m_search;
     Results m_results;
 };
 
@@ -153,6 +212,8 @@ OperandPtr makeTextOperand(const Node& node) {
         return makeCut(text, [](std::string_view whole, bool) { return trimLeft(whole); });
     if (isCallOf(node, "rtrim"))
         return makeCut(text, [](std::string_view whole, bool) { return trimRight(whole); });
+    if (isCallOf(node, "instr") && node.children.size() == 2 && isFixedText(node.child(1)))
+        return std::make_unique<PositionOperand>(text, node.child(1).text);
     const auto second = node.children.size() > 1 ? fixedInteger(node.child(1)) : std::nullopt;
     if (!second)
         return nullptr;

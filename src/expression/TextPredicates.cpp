@@ -1,8 +1,10 @@
 #include "expression/ByteSearch.h"
 #include "expression/Operand.h"
 #include "expression/Predicate.h"
+#include "expression/TextKey.h"
 #include "expression/TextOperators.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -124,17 +126,42 @@ class MatchPredicate : public Predicate {
     bool m_isWorthSearching; ///< a single byte is found in too many texts
 };
 
+/// inlist of a few fixed texts.
+class ShortListPredicate : public Predicate {
+  public:
+    static constexpr std::size_t kMost = 8;
+
+    explicit ShortListPredicate(const Node& node)
+        : m_operand(makeOperand(node.child(0))), m_members(node.list.begin(), node.list.end()) {}
+
+    void narrow(Frame& frame, RowSet& rows, bool wanted) override {
+        const Vector& vector = m_operand->evaluate(frame, rows);
+        dropNulls(rows, vector);
+        withTexts(vector, [&](auto texts) {
+            rows.keepIf([&](std::uint32_t row) {
+                const std::string_view text = texts[row];
+                const std::uint64_t key = textKey(text, vector.readable);
+                bool isLikely = false;
+                for (const KeyedText& member : m_members)
+                    isLikely |= member.key() == key;
+                return (isLikely && isMember(text, key)) == wanted;
+            });
+        });
+    }
+
+  private:
+    [[nodiscard]] bool isMember(std::string_view text, std::uint64_t key) const {
+        return std::ranges::any_of(m_members, [&](const KeyedText& member) { return member.equals(text, key); });
+    }
+
+    OperandPtr m_operand;
+    std::vector<KeyedText> m_members;
+};
+
 PredicatePtr makeListTest(const Node& node) {
-    constexpr std::size_t kFew = 8;
-    if (node.list.size() > kFew)
-        return makeEach(node.child(0), [&list = node.list](std::string_view text) { return list.contains(text); });
-    std::vector<std::string_view> members(node.list.begin(), node.list.end());
-    return makeEach(node.child(0), [members = std::move(members)](std::string_view text) {
-        bool isFound = false;
-        for (const std::string_view member : members)
-            isFound = isFound || text == member;
-        return isFound;
-    });
+    if (node.list.size() <= ShortListPredicate::kMost)
+        return std::make_unique<ShortListPredicate>(node);
+    return makeEach(node.child(0), [&list = node.list](std::string_view text) { return list.contains(text); });
 }
 
 PredicatePtr makeUnaryTest(const Node& node) {

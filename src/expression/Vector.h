@@ -18,6 +18,7 @@ struct Vector {
     const char* bytes = nullptr;
     const std::uint32_t* ends = nullptr;
     const std::string_view* texts = nullptr;
+    const char* readable = nullptr;         ///< of `bytes`, up to where they may be read; null when that is not known
     bool isAscii = false;                   ///< no byte of any text is above 0x7F
     const std::int64_t* integers = nullptr; ///< also dates
     const double* reals = nullptr;

@@ -1,6 +1,7 @@
 #include "expression/Wildcard.h"
 
 #include "expression/Characters.h"
+#include "expression/SimplePattern.h"
 
 namespace tavix::expression {
 
@@ -13,6 +14,26 @@ constexpr std::string_view kGaveUp = "a text is too long for its wildcard patter
 
 bool isSign(char c) {
     return c == '*' || c == '?';
+}
+
+PatternPart asPart(std::string_view pattern) {
+    PatternPart all;
+    for (const char c : pattern) {
+        PatternPart one;
+        one.kind = PatternPart::Kind::Bytes;
+        if (isSign(c))
+            one.bytes.set();
+        else
+            one.bytes.set(static_cast<unsigned char>(c));
+        if (c == '*') {
+            PatternPart many;
+            many.kind = PatternPart::Kind::Repeat;
+            many.parts.push_back(one);
+            one = many;
+        }
+        all.parts.push_back(std::move(one));
+    }
+    return all;
 }
 
 /// Characters as numbers; a byte of no character becomes a number beyond all characters.
@@ -45,10 +66,13 @@ Wildcard::Wildcard(std::string_view pattern)
         m_hasAnyCharacter = m_hasAnyCharacter || m_pieces.back().hasAnyCharacter;
         m_shortest += bytes.size();
         if (isLast)
-            return;
+            break;
         m_hasStar = true;
         begin = star + 1;
     }
+    // With '?' between stars a search would try many places.
+    if (m_hasAnyCharacter && m_pieces.size() > 2 && isAscii(pattern))
+        m_automaton = ByteAutomaton::build(asPart(pattern));
 }
 
 Wildcard::Piece Wildcard::makePiece(std::string_view bytes) {
@@ -76,6 +100,11 @@ bool Wildcard::matches(std::string_view text, bool isAscii, Scratch& scratch) co
         const bool isLastRight = !m_isLastFixed || text.back() == m_pattern.back();
         if (static_cast<int>(isFirstRight) + static_cast<int>(isLastRight) != 2)
             return false;
+    }
+    if (m_automaton) {
+        const ByteAutomaton::Answer answer = m_automaton->matches(text);
+        if (answer != ByteAutomaton::Answer::Unknown)
+            return answer == ByteAutomaton::Answer::Yes;
     }
     // Without '?', or where each character is a byte, bytes tell the same as characters.
     if (!m_hasAnyCharacter || isAscii || expression::isAscii(text))

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "expression/ByteAutomaton.h"
 #include "expression/ByteSearch.h"
 #include "expression/Matcher.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,7 +37,8 @@ class Wildcard final : public Matcher {
     [[nodiscard]] bool matchesCharacters(std::string_view text, Scratch& scratch) const;
 
     std::string m_pattern;
-    std::vector<Piece> m_pieces; ///< those at both ends are bound to the ends of the text
+    std::vector<Piece> m_pieces;              ///< those at both ends are bound to the ends of the text
+    std::optional<ByteAutomaton> m_automaton; ///< for ASCII texts, where it is the faster way
     bool m_hasStar = false;
     bool m_hasAnyCharacter = false;
     bool m_isFirstFixed = false; ///< whether the first byte of any match is that of the pattern

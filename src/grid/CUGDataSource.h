@@ -2,15 +2,19 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace tavix {
 
 enum class CellAlignment { Left, Right, Center };
 
+/// What stands for a null value, in state Null.
+inline constexpr std::string_view kNullValue = "(null value)";
+
 /// How a cell's text is meant.
 enum class CellState : std::uint8_t {
     Ordinary,
-    Null,    ///< stands for a null value: shown apart from a text of the same letters
+    Null,    ///< stands for a null value: shown apart from a text of the same letters; kNullValue without a text
     Unknown, ///< stands for a figure that does not exist
 };
 

@@ -15,6 +15,16 @@ std::string_view letter(const DistributionKind& kind) {
     return {reinterpret_cast<const char*>(&kind), 1};
 }
 
+/// The block may hold the text: all of its bytes occur.
+bool mayHold(std::span<const std::byte> presence, std::string_view text) {
+    if (presence.size() != std::tuple_size_v<BytePresence>)
+        return true;
+    return std::all_of(text.begin(), text.end(), [&](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return (static_cast<unsigned>(presence[byte / 8]) >> (byte % 8) & 1) != 0;
+    });
+}
+
 } // namespace
 
 Status storeDistribution(sql::Connection& connection, const DistributionKey& key, std::span<const ValueCount> rows) {
@@ -57,6 +67,32 @@ Status storeValueHashes(sql::Connection& connection, int run, int field, std::sp
         rest = rest.subspan(part.size());
     }
     return {};
+}
+
+Result<std::uint64_t> countOfText(sql::Connection& connection, const DistributionKey& key, std::string_view text) {
+    auto select = connection.prepare("SELECT bytes_present, payload FROM distribution_block WHERE run = ?1 AND "
+                                     "field = ?2 AND kind = ?3 AND other_field = ?4 ORDER BY block");
+    if (!select)
+        return select.error();
+    select->bind(1, key.run).bind(2, key.field).bind(3, letter(key.kind)).bind(4, key.otherField);
+    std::vector<std::byte> bytes;
+    for (;;) {
+        const sql::Step step = select->step();
+        if (step == sql::Step::Failed)
+            return Error{connection.errorText()};
+        if (step == sql::Step::Done)
+            return std::uint64_t{0};
+        if (!mayHold(select->blob(0), text))
+            continue;
+        const auto payload = select->blob(1);
+        bytes.assign(payload.begin(), payload.end());
+        const auto block = UnpackedBlock::parse(bytes);
+        if (!block)
+            return block.error();
+        for (std::size_t row = 0; row < block->rowCount(); ++row)
+            if (block->valueAt(row) == text && block->nullRow() != row)
+                return block->countAt(row);
+    }
 }
 
 Result<bool> DistributionReader::next() {

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace tavix::repository {
@@ -32,6 +33,11 @@ struct DistributionKey {
                                        std::span<const ValueCount> rows);
 [[nodiscard]] Status storeValueHashes(sql::Connection& connection, int run, int field,
                                       std::span<const ValueCount> rows);
+
+/// How often a text stands in a stored distribution: 0 when it does not. Blocks without the text's bytes are passed
+/// over.
+[[nodiscard]] Result<std::uint64_t> countOfText(sql::Connection& connection, const DistributionKey& key,
+                                                std::string_view text);
 
 /// Reads a stored distribution block by block. No statement stays open between two blocks, so that a reader that is
 /// left half-way stands in nobody's way.

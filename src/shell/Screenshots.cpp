@@ -13,6 +13,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QStackedWidget>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTimer>
@@ -96,10 +97,15 @@ QString fileName(const QString& caption) {
     return name;
 }
 
+/// Of the view that is showing; null when none is.
+QTabBar* tabStrip(const ShellWindow& window) {
+    const auto* pane = window.findChild<QStackedWidget*>(QStringLiteral("reportPane"));
+    return pane ? pane->currentWidget()->findChild<QTabBar*>(QStringLiteral("tabStrip")) : nullptr;
+}
+
 // Every tab of the view that is showing.
 void takeTabs(ShellWindow& window, Album& album, const QString& name) {
-    const auto* pane = window.findChild<QWidget*>(QStringLiteral("reportPane"));
-    auto* strip = pane ? pane->findChild<QTabBar*>(QStringLiteral("tabStrip")) : nullptr;
+    auto* strip = tabStrip(window);
     for (int tab = 0; strip && tab < strip->count(); ++tab) {
         strip->setCurrentIndex(tab);
         settle(kPaintMilliseconds);
@@ -154,8 +160,7 @@ void takeFilterConditions(QDialog& dialog, Album& album) {
 }
 
 void takeFilter(ShellWindow& window, Veldra::Solenne::Tavix::TavixHost& host, Album& album) {
-    const auto* pane = window.findChild<QWidget*>(QStringLiteral("reportPane"));
-    auto* strip = pane ? pane->findChild<QTabBar*>(QStringLiteral("tabStrip")) : nullptr;
+    auto* strip = tabStrip(window);
     if (!strip)
         return;
     strip->setCurrentIndex(1);

@@ -26,9 +26,9 @@ struct Fit {
     }
 };
 
-Fit tryDelimiter(const char* begin, const char* end, char delimiter, bool isLast) {
+Fit tryDelimiter(const char* begin, const char* end, char delimiter, bool isLast, char quote) {
     Fit fit;
-    RowScanner scanner(begin, end, delimiter, isLast);
+    RowScanner scanner(begin, end, delimiter, isLast, quote);
     while (fit.rows < kSampleRows && !scanner.isAtEnd()) {
         const ScannedRow row = scanner.scan([](std::size_t, const RawCell&) {});
         if (row.end == RowEnd::Unfinished)
@@ -46,16 +46,16 @@ Fit tryDelimiter(const char* begin, const char* end, char delimiter, bool isLast
 
 } // namespace
 
-char sniffDelimiter(const char* begin, const char* end, bool isLast) {
+char sniffDelimiter(const char* begin, const char* end, bool isLast, char quote) {
     const char* sampleEnd = begin + std::min(end - begin, kSampleBytes);
     // A sample that ends within the text must not take its last piece of a row for a row.
     const bool isWhole = isLast && sampleEnd == end;
     char best = '\0';
     Fit bestFit;
     for (const char candidate : {',', ';', '\t', '|'}) {
-        Fit fit = tryDelimiter(begin, sampleEnd, candidate, isWhole);
+        Fit fit = tryDelimiter(begin, sampleEnd, candidate, isWhole, quote);
         if (fit.rows == 0 && sampleEnd != end)
-            fit = tryDelimiter(begin, end, candidate, isLast); // a first row longer than the sample
+            fit = tryDelimiter(begin, end, candidate, isLast, quote); // a first row longer than the sample
         if (fit.isPossible() && (best == '\0' || fit.isBetterThan(bestFit))) {
             best = candidate;
             bestFit = fit;

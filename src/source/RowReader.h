@@ -30,13 +30,18 @@ struct DamagedRow {
     std::int64_t line = 0; ///< in the file, from 1, where the row begins
     Damage damage = Damage::TooFewCells;
     std::size_t cells = 0; ///< found in the row
+    std::size_t file = 0;  ///< of a table of several files, from 0
 };
+
+/// How many damaged rows a reader lists.
+inline constexpr std::size_t kListedDamage = 1000;
 
 /// The next rows of a table, column by column: columns[c][r] is row r of column c; only the first `rows` count.
 struct RowBlock {
     std::vector<std::vector<Cell>> columns;
     std::size_t rows = 0;
-    std::shared_ptr<const void> text; ///< owns the bytes of the cells
+    std::vector<std::int64_t> records; ///< the rows' numbers in the source, from 1; empty when none was left out
+    std::shared_ptr<const void> text;  ///< owns the bytes of the cells
 };
 
 /// A table read once from its first row to its last, in blocks.
@@ -50,7 +55,7 @@ class RowReader {
     /// Of the source, for progress: how much was read and how much there is, in bytes or rows; total 0 when unknown.
     [[nodiscard]] virtual std::int64_t position() const = 0;
     [[nodiscard]] virtual std::int64_t total() const = 0;
-    /// The damaged rows met so far; the list is cut after its first 1,000, the count is not. A row that is damaged in
+    /// The damaged rows met so far; the list is cut after kListedDamage, the count is not. A row that is damaged in
     /// two ways stands in the list twice and counts once.
     [[nodiscard]] virtual std::span<const DamagedRow> damagedRows() const = 0;
     [[nodiscard]] virtual std::int64_t damagedRowCount() const = 0;

@@ -16,7 +16,7 @@ struct RawCell {
     const char* data = nullptr;
     std::size_t size = 0;
     bool isQuoted = false;
-    bool hasDoubledQuotes = false; ///< "" within, to be read as one
+    bool hasDoubledQuotes = false; ///< two quotes within, to be read as one
     std::size_t tailSize = 0; ///< of the text between the closing quote, which stands behind `data`, and the separator
 };
 
@@ -39,9 +39,13 @@ class RowScanner {
   public:
     static constexpr std::size_t kPadding = 64;
 
-    /// `delimiter` 0: every line is one cell. `isLast`: the file ends where the text does.
-    RowScanner(const char* begin, const char* end, char delimiter, bool isLast)
-        : m_delimiter(delimiter == '\0' ? '\n' : delimiter), m_isLast(isLast), m_pos(begin), m_end(end) {
+    /// `delimiter` 0: every line is one cell. `isLast`: the file ends where the text does. `quote` 0: none.
+    RowScanner(const char* begin, const char* end, char delimiter, bool isLast, char quote = '"')
+        : m_delimiter(delimiter == '\0' ? '\n' : delimiter),
+          m_isLast(isLast),
+          m_quote(quote == '\0' ? kNoQuote : static_cast<unsigned char>(quote)),
+          m_pos(begin),
+          m_end(end) {
         load(begin);
     }
 
@@ -62,7 +66,7 @@ class RowScanner {
                 return unfinished();
             const char* separator = nullptr;
             RawCell cell;
-            if (p < m_end && *p == '"') {
+            if (p < m_end && static_cast<unsigned char>(*p) == m_quote) {
                 if (!scanQuoted(p + 1, cell, separator, row))
                     return unfinished();
             } else {
@@ -103,7 +107,7 @@ class RowScanner {
         cell.isQuoted = true;
         cell.data = begin;
         for (;;) {
-            close = static_cast<const char*>(std::memchr(p, '"', static_cast<std::size_t>(m_end - p)));
+            close = static_cast<const char*>(std::memchr(p, m_quote, static_cast<std::size_t>(m_end - p)));
             if (!close) {
                 if (!m_isLast)
                     return false;
@@ -113,7 +117,7 @@ class RowScanner {
             }
             if (close + 1 == m_end && !m_isLast)
                 return false;
-            if (close + 1 == m_end || close[1] != '"')
+            if (close + 1 == m_end || static_cast<unsigned char>(close[1]) != m_quote)
                 break;
             cell.hasDoubledQuotes = true;
             p = close + 2;
@@ -174,8 +178,11 @@ class RowScanner {
 #endif
     }
 
+    static constexpr int kNoQuote = -1;
+
     char m_delimiter;
     bool m_isLast;
+    int m_quote;
     const char* m_pos;
     const char* m_end;
     const char* m_window = nullptr;

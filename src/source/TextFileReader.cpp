@@ -1,18 +1,14 @@
 #include "source/TextFileReader.h"
 
+#include "source/CellText.h"
 #include "source/DelimiterSniffer.h"
 #include "source/TextArena.h"
 #include "source/Utf8.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
-#include <system_error>
 #include <unordered_set>
 #include <utility>
 
@@ -20,15 +16,11 @@ namespace tavix::source {
 
 namespace {
 
-constexpr std::size_t kPieceSize = std::size_t{1} << 20;
 constexpr std::size_t kLargestPiece = std::size_t{1} << 31;
 constexpr std::size_t kBlockRows = std::size_t{1} << 15;
 constexpr std::size_t kBlockCells = std::size_t{1} << 21;
-constexpr std::size_t kListedDamage = 1000;
-
-std::string systemText(int code) {
-    return std::generic_category().message(code);
-}
+constexpr std::size_t kMostColumns = 100'000;
+constexpr std::size_t kMarkSize = 16; ///< no byte order mark is longer
 
 /// Names without duplicates and gaps; the first of two equal ones keeps its name.
 std::vector<std::string> uniqueNames(const std::vector<std::string>& found) {
@@ -58,58 +50,54 @@ struct TextFileReader::Piece {
     TextArena arena;     ///< cells that had to be rewritten
 };
 
-TextFileReader::TextFileReader(std::string path, int file) : m_path(std::move(path)), m_file(file) {}
+TextFileReader::TextFileReader(std::unique_ptr<TextInput> input) : m_input(std::move(input)) {}
 
-TextFileReader::~TextFileReader() {
-    ::close(m_file);
-}
+TextFileReader::~TextFileReader() = default;
 
-Error TextFileReader::failure(std::string_view what) const {
-    return Error{fmt::format("\"{}\" {}", m_path, what)};
+bool looksLikeNames(std::span<const std::string> cells) {
+    return std::none_of(cells.begin(), cells.end(), [](const std::string& cell) {
+        bool hasDigit = false;
+        bool hasLetter = false;
+        for (const char c : cell) {
+            hasDigit = hasDigit || (c >= '0' && c <= '9');
+            // Beyond ASCII nearly everything that names are written in is a letter.
+            hasLetter = hasLetter || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c < 0;
+        }
+        return hasDigit && !hasLetter;
+    });
 }
 
 Result<std::unique_ptr<TextFileReader>> TextFileReader::open(const std::string& path, const TextFileOptions& options) {
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0)
-        return Error{fmt::format("\"{}\" cannot be opened: {}", path, systemText(errno))};
-    std::unique_ptr<TextFileReader> reader(new TextFileReader(path, file));
+    auto input = TextInput::open(path, options.encoding, std::max(options.pieceSize, kMarkSize));
+    if (!input)
+        return input.error();
+    std::unique_ptr<TextFileReader> reader(new TextFileReader(std::move(*input)));
     if (Status status = reader->begin(options); !status)
         return status.error();
     return reader;
 }
 
 Status TextFileReader::begin(const TextFileOptions& options) {
-    struct stat info {};
-    if (::fstat(m_file, &info) != 0)
-        return failure("cannot be read: " + systemText(errno));
-    if (S_ISDIR(info.st_mode))
-        return failure("is a folder, not a text file");
-    m_isRegular = S_ISREG(info.st_mode);
-    m_size = m_isRegular ? static_cast<std::int64_t>(info.st_size) : 0;
-    m_modified = UtcTime(std::chrono::seconds(info.st_mtim.tv_sec) +
-                         std::chrono::floor<std::chrono::milliseconds>(std::chrono::nanoseconds(info.st_mtim.tv_nsec)));
-    ::posix_fadvise(m_file, 0, 0, POSIX_FADV_SEQUENTIAL);
+    m_quote = options.quote;
+    m_pieceSize = std::max(options.pieceSize, kMarkSize);
     if (Status status = refill(); !status)
         return status;
-
     const char* text = m_piece->bytes.get();
     const std::string_view start(text, m_piece->size);
-    if (start.starts_with("\xFF\xFE") || start.starts_with("\xFE\xFF"))
-        return failure("is in UTF-16; only UTF-8 is read");
     m_hasMark = start.starts_with("\xEF\xBB\xBF");
     const char* first = text + (m_hasMark ? 3 : 0);
     if (start.find_first_not_of("\r\n", m_hasMark ? 3 : 0) == std::string_view::npos && m_scanner->isLast())
         return failure("is empty");
-    m_delimiter =
-        options.delimiter ? *options.delimiter : sniffDelimiter(first, text + m_piece->size, m_scanner->isLast());
-    m_scanner.emplace(first, text + m_piece->size, m_delimiter, m_scanner->isLast());
-    return findColumns(options.hasHeader);
+    m_delimiter = options.delimiter ? *options.delimiter
+                                    : sniffDelimiter(first, text + m_piece->size, m_scanner->isLast(), m_quote);
+    m_scanner.emplace(first, text + m_piece->size, m_delimiter, m_scanner->isLast(), m_quote);
+    return findColumns(options);
 }
 
-Status TextFileReader::findColumns(bool hasHeader) {
+Status TextFileReader::findColumns(const TextFileOptions& options) {
     // Lines without anything in front of the first row say nothing; without a header they may be rows of a one-column
     // file, and are read again as such.
-    const char* const firstLine = m_scanner->position();
+    const char* firstLine = m_scanner->position();
     std::vector<RawCell> cells;
     ScannedRow row;
     for (;;) {
@@ -118,28 +106,33 @@ Status TextFileReader::findColumns(bool hasHeader) {
         cells.clear();
         row = m_scanner->scan([&](std::size_t, const RawCell& cell) { cells.push_back(cell); });
         if (row.end == RowEnd::Unfinished) {
+            m_scanner.emplace(firstLine, m_scanner->end(), m_delimiter, m_scanner->isLast(), m_quote);
+            m_line = 1;
             if (Status status = refill(); !status)
                 return status;
+            firstLine = m_scanner->position();
         } else if (row.isEmptyLine) {
             ++m_line;
         } else {
             break;
         }
     }
+    if (cells.size() > kMostColumns)
+        return failure(fmt::format("has {} columns; more than {} are not read", cells.size(), kMostColumns));
     std::vector<std::string> found(cells.size());
-    if (hasHeader) {
-        bool hadBadBytes = false;
-        for (std::size_t i = 0; i < cells.size(); ++i) {
-            const Cell cell = rewritten(cells[i], hadBadBytes);
-            found[i].assign(cell.data, cell.size);
-        }
+    bool hadBadBytes = false;
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        const Cell cell = rewritten(cells[i], hadBadBytes);
+        found[i].assign(cell.data, cell.size);
+    }
+    m_hasHeader = options.findHeader ? looksLikeNames(found) : options.hasHeader;
+    if (m_hasHeader) {
         noteDamage(row, hadBadBytes);
         m_line += row.lines;
     } else {
-        const bool isInFirstPiece = firstLine >= m_piece->bytes.get() && firstLine <= m_scanner->position();
-        const char* again = isInFirstPiece ? firstLine : m_piece->bytes.get();
-        m_scanner.emplace(again, m_scanner->end(), m_delimiter, m_scanner->isLast());
+        m_scanner.emplace(firstLine, m_scanner->end(), m_delimiter, m_scanner->isLast(), m_quote);
         m_line = 1;
+        found.assign(cells.size(), {});
     }
     m_names = uniqueNames(found);
     m_isEmptyLineRow = m_names.size() == 1;
@@ -164,70 +157,34 @@ std::shared_ptr<TextFileReader::Piece> TextFileReader::freePiece(std::size_t cap
 
 Status TextFileReader::refill() {
     const std::size_t rest = m_scanner ? static_cast<std::size_t>(m_scanner->end() - m_scanner->position()) : 0;
-    const std::size_t capacity = std::max(kPieceSize, rest * 2);
+    const std::size_t capacity = std::max(m_pieceSize, rest * 2);
     if (capacity > kLargestPiece)
         return failure(fmt::format("has a row of more than 1 GiB, which begins in line {}", m_line));
     const std::shared_ptr<Piece> piece = freePiece(capacity);
     if (rest > 0)
         std::memcpy(piece->bytes.get(), m_scanner->position(), rest);
-    piece->size = rest;
-    bool isLast = false;
-    while (piece->size < piece->capacity) {
-        const ssize_t got = ::read(m_file, piece->bytes.get() + piece->size, piece->capacity - piece->size);
-        if (got < 0) {
-            if (errno == EINTR)
-                continue;
-            return failure("cannot be read: " + systemText(errno));
-        }
-        if (got == 0) {
-            isLast = true;
-            break;
-        }
-        piece->size += static_cast<std::size_t>(got);
-        m_bytesRead += got;
-    }
-    if (isLast && m_isRegular && m_bytesRead != m_size)
-        return failure("changed its size while it was read");
+    const auto got = m_input->read(piece->bytes.get() + rest, capacity - rest);
+    if (!got)
+        return got.error();
+    piece->size = rest + *got;
+    const bool isLast = piece->size < capacity;
     std::memset(piece->bytes.get() + piece->size, 0, RowScanner::kPadding);
     const std::string_view text(piece->bytes.get(), piece->size);
     const std::size_t judged = piece->size - (isLast ? 0 : unfinishedUtf8Tail(text));
     piece->isValid = validUtf8Prefix(text.substr(0, judged)) == judged;
     m_piece = piece;
-    m_scanner.emplace(text.data(), text.data() + text.size(), m_delimiter, isLast);
+    m_scanner.emplace(text.data(), text.data() + text.size(), m_delimiter, isLast, m_quote);
     return {};
 }
 
 Cell TextFileReader::rewritten(const RawCell& cell, bool& hadBadBytes) {
-    const char* data = cell.data;
-    std::size_t size = cell.size;
-    if (cell.hasDoubledQuotes || cell.tailSize > 0) {
-        char* const at = m_piece->arena.allocate(cell.size + cell.tailSize);
-        char* to = at;
-        for (std::size_t i = 0; i < cell.size; ++i) {
-            *to++ = cell.data[i];
-            if (cell.data[i] == '"' && i + 1 < cell.size)
-                ++i;
-        }
-        std::memcpy(to, cell.data + cell.size + 1, cell.tailSize);
-        to += cell.tailSize;
-        data = at;
-        size = static_cast<std::size_t>(to - at);
-    }
-    if (!m_piece->isValid && validUtf8Prefix({data, size}) != size) {
-        hadBadBytes = true;
-        char* const at = m_piece->arena.allocate(size * 3);
-        const std::size_t repaired = repairUtf8({data, size}, at);
-        m_piece->arena.giveBack(size * 3 - repaired);
-        data = at;
-        size = repaired;
-    }
-    return {data, static_cast<std::uint32_t>(size), size == 0 && !cell.isQuoted};
+    return cellText(cell, m_piece->isValid, m_quote, m_piece->arena, hadBadBytes);
 }
 
 void TextFileReader::noteDamage(const ScannedRow& row, bool hadBadBytes) {
     const auto note = [&](Damage damage) {
         if (m_damaged.size() < kListedDamage)
-            m_damaged.push_back({m_line, damage, row.cells});
+            m_damaged.push_back({m_line, damage, row.cells, 0});
     };
     const bool isTooShort = row.cells < m_names.size();
     const bool isTooLong = !m_names.empty() && row.cells > m_names.size();
@@ -267,6 +224,7 @@ void TextFileReader::finishRow(const ScannedRow& row, RowBlock& block, std::size
 Result<bool> TextFileReader::read(RowBlock& block) {
     block.text.reset();
     block.rows = 0;
+    block.records.clear();
     reserve(block);
     const std::size_t columns = m_names.size();
     std::size_t rows = 0;
@@ -303,7 +261,7 @@ Result<bool> TextFileReader::read(RowBlock& block) {
 }
 
 std::int64_t TextFileReader::position() const {
-    return m_bytesRead - (m_scanner->end() - m_scanner->position());
+    return m_input->position(static_cast<std::size_t>(m_scanner->end() - m_scanner->position()));
 }
 
 } // namespace tavix::source

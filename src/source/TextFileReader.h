@@ -3,6 +3,7 @@
 #include "base/Clock.h"
 #include "source/RowReader.h"
 #include "source/RowScanner.h"
+#include "source/TextInput.h"
 
 #include <memory>
 #include <optional>
@@ -13,17 +14,25 @@
 namespace tavix::source {
 
 struct TextFileOptions {
-    std::optional<char> delimiter; ///< found in the first rows when not stated
-    bool hasHeader = true;         ///< otherwise the columns are named Column1, Column2, ...
+    std::optional<char> delimiter;                ///< found in the first rows when not stated
+    bool hasHeader = true;                        ///< otherwise the columns are named Column1, Column2, ...
+    bool findHeader = false;                      ///< the first row decides instead: see looksLikeNames
+    const CEncoding* encoding = nullptr;          ///< found in the file when null
+    char quote = '"';                             ///< 0: quotes mean nothing
+    std::size_t pieceSize = std::size_t{1} << 20; ///< bytes that are read at once; rows may be longer
 };
 
-/// Reads a delimited text file in UTF-8 (RFC 4180, and what files in the wild make of it: docs/definitions.md). The
-/// file is read in pieces that belong to the blocks; nothing else grows with it but the longest row.
+/// Whether a first row holds names of columns rather than data: none of its cells has a digit but no letter, as numbers
+/// and dates do.
+[[nodiscard]] bool looksLikeNames(std::span<const std::string> cells);
+
+/// Reads a delimited text file (RFC 4180, and what files in the wild make of it: docs/definitions.md). The file is read
+/// in pieces that belong to the blocks; nothing else grows with it but the longest row.
 class TextFileReader final : public RowReader {
   public:
-    /// Opens the file and reads its first piece: delimiter, byte order mark and column names are known then. An error
-    /// for a file that cannot be read, a folder, an empty file, one in UTF-16. Header names are kept as they stand,
-    /// but an empty one becomes ColumnN, and one that an earlier column has gets " (2)", " (3)", ...
+    /// Opens the file and reads its first piece: encoding, delimiter and column names are known then. An error for a
+    /// file that cannot be read, a folder, an empty file, one of more than 100,000 columns. Header names are kept as
+    /// they stand, but an empty one becomes ColumnN, and one that an earlier column has gets " (2)", " (3)", ...
     [[nodiscard]] static Result<std::unique_ptr<TextFileReader>> open(const std::string& path,
                                                                       const TextFileOptions& options);
     ~TextFileReader() override;
@@ -31,17 +40,21 @@ class TextFileReader final : public RowReader {
     TextFileReader& operator=(const TextFileReader&) = delete;
 
     [[nodiscard]] std::span<const std::string> columnNames() const override { return m_names; }
-    /// An error too when the file turns out to have changed its size, or a row is longer than 1 GiB.
+    /// An error too when the file turns out to have been changed, or a row is longer than 1 GiB.
     [[nodiscard]] Result<bool> read(RowBlock& block) override;
     [[nodiscard]] std::int64_t position() const override;
-    [[nodiscard]] std::int64_t total() const override { return m_size; }
+    [[nodiscard]] std::int64_t total() const override { return m_input->size(); }
     [[nodiscard]] std::span<const DamagedRow> damagedRows() const override { return m_damaged; }
     [[nodiscard]] std::int64_t damagedRowCount() const override { return m_damagedCount; }
 
     /// 0 when the lines are not split.
     [[nodiscard]] char delimiter() const { return m_delimiter; }
+    [[nodiscard]] bool hasHeader() const { return m_hasHeader; }
+    [[nodiscard]] const std::string& path() const { return m_input->path(); }
+    [[nodiscard]] const FoundEncoding& encoding() const { return m_input->encoding(); }
     [[nodiscard]] bool hasByteOrderMark() const { return m_hasMark; }
-    [[nodiscard]] UtcTime modified() const { return m_modified; }
+    [[nodiscard]] std::int64_t fileSize() const { return m_input->size(); }
+    [[nodiscard]] UtcTime modified() const { return m_input->modified(); }
 
   private:
     struct Piece;
@@ -50,9 +63,9 @@ class TextFileReader final : public RowReader {
         RawCell cell;
     };
 
-    TextFileReader(std::string path, int file);
+    explicit TextFileReader(std::unique_ptr<TextInput> input);
     Status begin(const TextFileOptions& options);
-    Status findColumns(bool hasHeader);
+    Status findColumns(const TextFileOptions& options);
     /// Moves to a piece that holds what was not consumed and as much again from the file, or more.
     Status refill();
     [[nodiscard]] std::shared_ptr<Piece> freePiece(std::size_t capacity);
@@ -60,19 +73,17 @@ class TextFileReader final : public RowReader {
     void reserve(RowBlock& block);
     void finishRow(const ScannedRow& row, RowBlock& block, std::size_t rowIndex);
     void noteDamage(const ScannedRow& row, bool hadBadBytes);
-    [[nodiscard]] Error failure(std::string_view what) const;
+    [[nodiscard]] Error failure(std::string_view what) const { return m_input->failure(what); }
 
-    std::string m_path;
-    int m_file;
-    std::int64_t m_size = 0;
-    bool m_isRegular = false;
-    UtcTime m_modified{};
+    std::unique_ptr<TextInput> m_input;
+    char m_quote = '"';
+    std::size_t m_pieceSize = 0;
     char m_delimiter = '\0';
     bool m_hasMark = false;
+    bool m_hasHeader = true;
     bool m_isEmptyLineRow = false;
     std::vector<std::string> m_names;
 
-    std::int64_t m_bytesRead = 0;
     std::vector<std::shared_ptr<Piece>> m_pieces;
     std::shared_ptr<Piece> m_piece;
     std::optional<RowScanner> m_scanner; ///< over m_piece

@@ -1,10 +1,11 @@
 #include "tabs/ListRows.h"
 
 #include "base/NumberText.h"
-#include "grid/CellOrder.h"
+#include "grid/CellSort.h"
 
 #include <algorithm>
 #include <numeric>
+#include <span>
 
 namespace tavix {
 
@@ -30,21 +31,20 @@ std::string ListRows::GetEmptyText() const {
 bool ListRows::Sort(int column, bool descending) {
     if (column < 0 || column >= GetColumnCount() || m_isPlaceholder)
         return false;
-    struct Keyed {
-        CellOrderKey key;
-        std::uint32_t record;
-    };
     const std::int64_t pinned = column == 0 ? m_pinned : kNoPin;
-    std::vector<Keyed> keyed;
-    keyed.reserve(m_order.size());
+    std::vector<std::uint32_t> records;
+    std::vector<std::string> texts;
     for (const std::uint32_t record : m_order) {
-        if (record != pinned)
-            keyed.push_back({CellOrderKey(CellOf(column, record).text), record});
+        if (record == pinned)
+            continue;
+        records.push_back(record);
+        texts.push_back(CellOf(column, record).text);
     }
-    std::stable_sort(keyed.begin(), keyed.end(), [descending](const Keyed& a, const Keyed& b) {
-        return descending ? b.key < a.key : a.key < b.key;
-    });
-    std::transform(keyed.begin(), keyed.end(), m_order.begin(), [](const Keyed& each) { return each.record; });
+    const auto textsFrom = [&texts](std::uint32_t first, std::span<std::string_view> wanted) {
+        std::copy_n(texts.begin() + first, wanted.size(), wanted.begin());
+    };
+    const auto order = sortedByText(static_cast<std::uint32_t>(texts.size()), textsFrom, descending);
+    std::transform(order.begin(), order.end(), m_order.begin(), [&records](std::uint32_t at) { return records[at]; });
     if (pinned != kNoPin)
         m_order.back() = static_cast<std::uint32_t>(pinned);
     return true;

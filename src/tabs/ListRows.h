@@ -12,8 +12,6 @@
 
 namespace tavix {
 
-/// What stands for a null value, in state Null.
-inline constexpr std::string_view kNullValue = "(null value)";
 /// What a list shows, in state Unknown, of a field for which its figures were not calculated.
 inline constexpr std::string_view kNotCalculated = "(Not calculated)";
 

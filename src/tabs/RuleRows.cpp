@@ -199,11 +199,11 @@ bool RuleLogRows::Fill(PrViewer& viewer, int ruleId) try {
     if (!cursor)
         return Fail(kLogFailed, viewer.getErrorString().view());
     std::vector<GridColumn> columns = {countColumn(cursor->getColumnName(layout::RuleRowNumber).view())};
-    for (int column = 1; column < cursor->getColumnCount(); ++column)
+    for (int column = layout::RuleRowFirstField; column < cursor->getColumnCount(); ++column)
         columns.push_back(listColumn(cursor->getColumnName(column).view(), 150));
     auto rows = readAll(cursor, [](const ProfileCursor& row) {
         Cells cells = {countCell(count(row, layout::RuleRowNumber))};
-        for (int column = 1; column < row.getColumnCount(); ++column)
+        for (int column = layout::RuleRowFirstField; column < row.getColumnCount(); ++column)
             cells.push_back(valueCell(row.getColumnValue(column)));
         return cells;
     });

@@ -71,7 +71,7 @@ TEST_F(RuleTabs, showWhatTheRunFoundAndHowItWasBefore) {
     view.resize(1000, 600);
     view.show();
     ASSERT_TRUE(view.LoadReportForJob("", job, m_repository));
-    ASSERT_TRUE(QTest::qWaitFor([&view] { return view.findChild<CTableView*>() != nullptr; }));
+    ASSERT_TRUE(QTest::qWaitFor([&view] { return view.findChild<CTableView*>()->isVisible(); }));
     auto& table = *view.findChild<CTableView*>();
 
     table.SelectTab(CTableView::CustomMetrics);

@@ -106,17 +106,18 @@ TEST_F(PrViewerRulesTest, HistoriesAreThoseOfTheReport) {
 }
 
 TEST_F(PrViewerRulesTest, TheRowLogHasTheKeyAndOnDemandTheInputs) {
-    EXPECT_THAT(read(m_viewer->getBusinessRuleRowLog(1, 0, true)), ElementsAre("100|0|x", "101|1|<null>", "102|2|x"));
-    EXPECT_THAT(read(m_viewer->getBusinessRuleRowLog(1, 2, false)), ElementsAre("102|2"));
+    EXPECT_THAT(read(m_viewer->getBusinessRuleRowLog(1, 0, true)),
+                ElementsAre("100|1|0|0|x", "101|1|1|1|<null>", "102|1|2|2|x"));
+    EXPECT_THAT(read(m_viewer->getBusinessRuleRowLog(1, 2, false)), ElementsAre("102|1|2|2"));
     auto cursor = m_viewer->getBusinessRuleRowLog(1, 1, true);
     ASSERT_TRUE(cursor);
-    EXPECT_EQ(cursor->getColumnCount(), 3);
-    EXPECT_EQ(cursor->getColumnName(0), KvbString("Row"));
-    EXPECT_EQ(cursor->getColumnName(2), KvbString("x"));
-    EXPECT_TRUE(cursor->isColumnNull(1)) << "before the first row";
+    EXPECT_EQ(cursor->getColumnCount(), layout::RuleRowFirstField + 2);
+    EXPECT_EQ(cursor->getColumnName(layout::RuleRowNumber), KvbString("Row"));
+    EXPECT_EQ(cursor->getColumnName(layout::RuleRowFirstField + 1), KvbString("x"));
+    EXPECT_TRUE(cursor->isColumnNull(layout::RuleRowFirstField)) << "before the first row";
     ASSERT_TRUE(cursor->next());
-    EXPECT_EQ(cursor->getColumnInt(1), 1);
-    EXPECT_TRUE(cursor->isColumnNull(2) && cursor->isColumnNull(3) && cursor->isColumnNull(-1));
+    EXPECT_EQ(cursor->getColumnInt(layout::RuleRowFirstField), 1);
+    EXPECT_TRUE(cursor->isColumnNull(4) && cursor->isColumnNull(5) && cursor->isColumnNull(-1));
     expectFailure(!m_viewer->getBusinessRuleRowLog(77, 0, true), "This run has no rule with that number.");
 
     cursor.reset(); // it would keep the session at what it sees

@@ -224,17 +224,12 @@ TEST_F(PrViewerTest, ReadsPercentilesOutliersHistoryAndLog) {
 }
 
 TEST_F(PrViewerTest, WhatIsNotBuiltSaysSo) {
-    KvbString text;
-    char letter = 0;
-    int number = 0;
     auto unavailable = [&](bool failed) {
         EXPECT_TRUE(failed);
         EXPECT_THAT(error(), ::testing::EndsWith("not available in this version."));
     };
     unavailable(!m_viewer->getRdaResults(1, 1, 2));
-    unavailable(!m_viewer->drillDown(1, "x", true, nullptr, nullptr));
     unavailable(!m_viewer->generatePKFKAnalysis(1, 2));
-    unavailable(!m_viewer->getDrilldownInfo(1, text, text, text, text, text, letter, text, text, number, text));
     EXPECT_THAT(read(m_viewer->getAlerts()), IsEmpty());
     EXPECT_FALSE(m_viewer->getAlertProperties(1));
     EXPECT_THAT(read(m_viewer->getTaskList(m_sample.salesJob)), IsEmpty());

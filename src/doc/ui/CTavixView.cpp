@@ -71,6 +71,7 @@ CTavixView::CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent
     m_afterLoad.setSingleShot(true);
     m_afterLoad.setInterval(kAfterLoadMilliseconds);
     connect(&m_afterLoad, &QTimer::timeout, this, &CTavixView::AfterLoad);
+    (void)KeptView(ReportPaneKind::Table);
     ShowReportPane();
 }
 
@@ -79,8 +80,6 @@ CTavixView::~CTavixView() {
     m_afterLoad.stop();
     for (const QPointer<CTearOff>& window : m_tearOffs)
         delete window;
-    for (const QPointer<CReportView>& view : m_leaving)
-        delete view;
     SetPanes(nullptr, nullptr);
     SetInfoPane(nullptr);
     delete m_navigator;
@@ -201,27 +200,23 @@ std::string CTavixView::GetDetailsText(const ReportSelection& selection) {
     return m_navigator->GetInformationText(selection);
 }
 
-void CTavixView::RemoveReportView() {
-    if (!m_view)
-        return;
-    std::erase_if(m_leaving, [](const QPointer<CReportView>& view) { return view.isNull(); });
-    m_reportPane->removeWidget(m_view);
-    // It may be its own click or key that led to here.
-    m_view->setParent(nullptr);
-    m_view->deleteLater();
-    m_leaving.emplace_back(m_view);
-    m_view = nullptr;
+CReportView& CTavixView::KeptView(ReportPaneKind kind) {
+    CReportView*& view = kind == ReportPaneKind::Table ? m_tableView : m_fieldView;
+    if (!view) {
+        if (kind == ReportPaneKind::Table)
+            view = new CTableView(*this, false, m_reportPane);
+        else
+            view = new CFieldView(*this, false, m_reportPane);
+        connect(view, &CReportView::DetachRequested, this, &CTavixView::Detach);
+        m_reportPane->addWidget(view);
+    }
+    return *view;
 }
 
-void CTavixView::ReplaceReportView(ReportPaneKind kind) {
+void CTavixView::ShowReportView(ReportPaneKind kind) {
     const bool hadFocus = m_view && m_view->isAncestorOf(focusWidget());
-    RemoveReportView();
-    if (kind == ReportPaneKind::Table)
-        m_view = new CTableView(*this, false);
-    else
-        m_view = new CFieldView(*this, false);
-    connect(m_view, &CReportView::DetachRequested, this, &CTavixView::Detach);
-    m_reportPane->addWidget(m_view);
+    m_view = &KeptView(kind);
+    m_view->TakeUp();
     m_reportPane->setCurrentWidget(m_view);
     if (hadFocus)
         m_view->FocusContents();
@@ -283,10 +278,10 @@ void CTavixView::ShowReportPane() {
         if (m_view && m_view->Suits(*this))
             m_view->ShowSelection();
         else
-            ReplaceReportView(m_selection.fieldId == -1 ? ReportPaneKind::Table : ReportPaneKind::Field);
+            ShowReportView(m_selection.fieldId == -1 ? ReportPaneKind::Table : ReportPaneKind::Field);
         return;
     }
-    RemoveReportView();
+    m_view = nullptr;
     ShowEmptyView();
     m_reportPane->setCurrentWidget(m_empty);
 }

@@ -128,8 +128,8 @@ class CTavixView final : public SplitFrame,
     [[nodiscard]] bool HasLoadedTables() const;
     void ShowReportPane();
     void ShowEmptyView();
-    void ReplaceReportView(ReportPaneKind kind);
-    void RemoveReportView();
+    void ShowReportView(ReportPaneKind kind);
+    [[nodiscard]] CReportView& KeptView(ReportPaneKind kind);
     void Detach();
     [[nodiscard]] std::vector<CTearOff*> TearOffs() const;
     void CloseTearOffs();
@@ -139,8 +139,10 @@ class CTavixView final : public SplitFrame,
     CTables* m_navigator = nullptr;
     QStackedWidget* m_reportPane;
     CEmptyView* m_empty;
-    CReportView* m_view = nullptr;                ///< null while the empty view is shown
-    std::vector<QPointer<CReportView>> m_leaving; ///< replaced, and deleted as soon as their last event is over
+    // Made once and kept, for their tabs cost more than all that is read to fill them.
+    CReportView* m_tableView = nullptr;
+    CReportView* m_fieldView = nullptr;
+    CReportView* m_view = nullptr; ///< the one that is shown; null while the empty view is
     CTableInfo* m_info = nullptr;
     QTimer m_afterLoad;
     NavigatorPage m_mode = NavigatorPage::Tables;

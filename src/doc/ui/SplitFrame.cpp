@@ -1,5 +1,7 @@
 #include "doc/ui/SplitFrame.h"
 
+#include <QApplication>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -99,6 +101,7 @@ void SplitFrame::mousePressEvent(QMouseEvent* event) {
     }
     m_dragged = splitter;
     m_dragX = x;
+    qApp->installEventFilter(this);
     ShowGhost();
 }
 
@@ -127,6 +130,16 @@ void SplitFrame::hideEvent(QHideEvent* event) {
     EndDrag();
 }
 
+bool SplitFrame::eventFilter(QObject* watched, QEvent* event) {
+    const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
+    if (!isKey || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Escape)
+        return QWidget::eventFilter(watched, event);
+    event->accept();
+    if (event->type() == QEvent::KeyPress)
+        EndDrag();
+    return true;
+}
+
 void SplitFrame::MoveSplitter(Splitter splitter, int by) {
     if (splitter == Splitter::None || (splitter == Splitter::Right && !m_layout.hasInfo))
         return;
@@ -148,6 +161,7 @@ void SplitFrame::ShowGhost() {
 
 void SplitFrame::EndDrag() {
     m_dragged = Splitter::None;
+    qApp->removeEventFilter(this);
     m_ghost->hide();
 }
 

@@ -33,6 +33,8 @@ class SplitFrame : public QWidget {
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    /// While a bar is dragged Escape, whoever has the keyboard, leaves it where it was.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     void LayOut();

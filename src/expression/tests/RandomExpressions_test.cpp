@@ -1,4 +1,6 @@
 #include "expression/BlockEvaluator.h"
+#include "expression/BlockValues.h"
+#include "expression/Conversion.h"
 #include "expression/RowEvaluator.h"
 #include "expression/tests/Reference.h"
 
@@ -14,19 +16,21 @@ const std::vector<Field> kFields{{"Value", Type::Text}, {"Other", Type::Text}, {
 /// The same rows in the three forms in which they are evaluated.
 class Rows {
   public:
-    Rows(reference::Generator& generator, std::size_t count, bool onlyAscii, bool isLong) {
+    Rows(reference::Generator& generator, std::size_t count, bool onlyAscii, bool isLong, bool isUniform) {
         m_parts = isLong ? 20 : 1;
         for (std::size_t i = 0; i < count; ++i) {
             reference::Row row;
             row.value = addText(generator, onlyAscii, 0);
             row.other = addText(generator, onlyAscii, 1);
-            m_counts.push_back(generator.below(8));
+            m_counts.push_back(isUniform && i > 0 ? m_counts.front() : generator.below(8));
             row.count = static_cast<std::int64_t>(m_counts.back());
             m_rows.push_back(std::move(row));
         }
         for (std::size_t i = 0; i < 2; ++i)
             m_columns.push_back({m_bytes[i], m_ends[i], {}, m_nulls[i]});
-        m_columns.push_back({{}, {}, m_counts, {}});
+        // Of the same number throughout, one is enough.
+        const std::span<const std::uint64_t> counts(m_counts);
+        m_columns.push_back({{}, {}, isUniform ? counts.first(1) : counts, {}, isUniform});
     }
 
     [[nodiscard]] const std::vector<reference::Row>& rows() const { return m_rows; }
@@ -69,7 +73,7 @@ TEST(RandomExpressions, BothEvaluatorsSayWhatTheObviousOneSays) {
     reference::Generator generator(kSeed);
     std::vector<Rows> blocks;
     for (int i = 0; i < 8; ++i)
-        blocks.emplace_back(generator, kRows, i % 2 == 0, i >= 6);
+        blocks.emplace_back(generator, kRows, i % 2 == 0, i >= 6, i == 2 || i == 5);
     std::size_t passed = 0;
     std::size_t failed = 0;
     for (int i = 0; i < kExpressions; ++i) {
@@ -110,6 +114,43 @@ TEST(RandomExpressions, BothEvaluatorsSayWhatTheObviousOneSays) {
     // Random conditions that were always false would prove little.
     EXPECT_GT(passed, kExpressions * kRows / 5);
     EXPECT_LT(failed, kExpressions * kRows / 50);
+}
+
+TEST(RandomExpressions, ABlockHasTheValuesOfItsRows) {
+    constexpr std::size_t kRows = 60;
+    reference::Generator generator(kSeed + 1);
+    std::vector<Rows> blocks;
+    for (int i = 0; i < 4; ++i)
+        blocks.emplace_back(generator, kRows, i % 2 == 0, i == 3, i == 1);
+    std::size_t compared = 0;
+    for (int i = 0; i < 1500; ++i) {
+        const auto value = [&, kind = generator.below(3)] {
+            const int depth = 1 + i % 3;
+            return (kind == 0   ? generator.text(depth)
+                    : kind == 1 ? generator.integer(depth)
+                                : generator.real(depth))
+                .text;
+        };
+        const std::string text = generator.below(2) == 0 ? "return " + value()
+                                                         : "if " + generator.condition(1).text + " then return " +
+                                                               value() + " else return " + value();
+        const Compiled compiled = compile(text, kFields, Wanted::Value);
+        ASSERT_TRUE(compiled.ok()) << describe(compiled.error) << "\n" << text;
+        RowEvaluator rowEvaluator(*compiled.program);
+        BlockValues blockValues(*compiled.program);
+        const Rows& rows = blocks[generator.below(blocks.size())];
+        const Vector& values = blockValues.evaluate(rows.block());
+        for (std::uint32_t r = 0; r < kRows; ++r) {
+            const Value expected = rowEvaluator.evaluate(rows.cells(r));
+            if (rowEvaluator.hasFailed() || blockValues.isFailed(r))
+                continue;
+            ++compared;
+            const Value found = values.at(r);
+            ASSERT_EQ(found.isNull(), expected.isNull()) << text << "\nrow " << r;
+            ASSERT_TRUE(expected.isNull() || compareValues(found, expected) == 0) << text << "\nrow " << r;
+        }
+    }
+    EXPECT_GT(compared, 80'000U);
 }
 
 } // namespace

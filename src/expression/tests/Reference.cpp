@@ -192,7 +192,7 @@ std::string Generator::rowText(bool onlyAscii) {
     static const std::array<std::string, 16> kAscii{"a", "A", "b", "B", "k", "1", "5", "9",
                                                     "0", " ", ".", "-", "e", "*", "?", "\t"};
     static const std::array<std::string, 10> kOther{"é",    "É",      "ß",      "İ",    "\u212A",
-                                                    "🙂", "\u0085", "\u00A0", "\xC3", "ǆ"};
+                                                    "🙂", "\u0085", "\u00A0", "\xF8", "ǆ"};
     std::string out;
     for (std::size_t i = below(9); i > 0; --i)
         out += onlyAscii || below(4) > 0 ? kAscii[below(kAscii.size())] : kOther[below(kOther.size())];
@@ -242,7 +242,7 @@ Expression Generator::text(int depth) {
     }
     const Expression inner = text(depth - 1);
     const std::int64_t count = static_cast<std::int64_t>(below(6)) - 1;
-    switch (below(13)) {
+    switch (below(14)) {
     case 0:
         return call("lower", {inner}, [](const auto& v) { return Value(lower(textOf(v[0]))); });
     case 1:
@@ -281,6 +281,9 @@ Expression Generator::text(int depth) {
     case 11:
         return call("max", {inner, part(depth)},
                     [](const auto& v) { return order(textOf(v[0]), textOf(v[1])) < 0 ? v[1] : v[0]; });
+    case 12:
+        return call("nullif", {inner, part(depth)},
+                    [](const auto& v) { return textOf(v[0]) == textOf(v[1]) ? Value() : v[0]; });
     default:
         return call("totext", {any(depth - 1)}, [](const auto& v) { return toText(v[0]); });
     }
@@ -347,6 +350,18 @@ Expression Generator::real(int depth) {
             const auto number = parseNumber(encode(textOf(v[0])));
             return number ? Value(*number) : Value();
         });
+    if (depth > 0 && below(3) == 0) {
+        const Expression inner = real(depth - 1);
+        switch (below(3)) {
+        case 0:
+            return call("abs", {inner}, [](const auto& v) { return Value(std::fabs(toReal(v[0]))); });
+        case 1:
+            return call("floor", {inner}, [](const auto& v) { return Value(std::floor(toReal(v[0]))); });
+        default:
+            return call("round", {inner, number(1)},
+                        [](const auto& v) { return Value(std::round(toReal(v[0]) * 10) / 10); });
+        }
+    }
     const Expression left = integer(depth - 1);
     const Expression right = integer(depth - 1);
     return {"(" + left.text + " / " + right.text + ")", [left, right](const Row& row) {

@@ -74,6 +74,8 @@ CellGeometry layOut(const QRect& rect, const GridCell& cell) {
 
 // What stands for null or for an unknown figure is no text of the data.
 QString CellDelegate::shownText(const GridCell& cell) const {
+    if (cell.state == CellState::Null && cell.text.empty())
+        return toQString(kNullValue);
     return m_showsInvisible && cell.state == CellState::Ordinary ? toQString(showInvisible(cell.text, kShownBytes))
                                                                  : singleLine(cell.text);
 }

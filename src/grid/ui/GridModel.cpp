@@ -14,7 +14,9 @@ constexpr std::int64_t kMostRows = 50'000'000;
 
 QString accessibleText(const GridCell& cell) {
     QStringList parts;
-    if (!cell.text.empty())
+    if (cell.state == CellState::Null && cell.text.empty())
+        parts << toQString(kNullValue);
+    else if (!cell.text.empty())
         parts << toQString(cell.text);
     if (const QString meaning = iconMeaning(cell.icon); !meaning.isEmpty())
         parts << meaning;

@@ -64,6 +64,14 @@ constexpr std::string_view operator""_raw(const char* text, std::size_t size) {
     return {text, size};
 }
 
+TextFileOptions stated(const char* encoding) {
+    return {std::nullopt, true, false, findEncoding(encoding)};
+}
+
+TextFileOptions quoted(char quote) {
+    return {',', true, false, nullptr, quote};
+}
+
 TEST(TextFileReader, ReadsWhatFilesInTheWildHold) {
     const std::vector<Case> cases = {
         {"plain, last line without an end", "a,b\n1,2\n3,4", "a|b|\n1|2|\n3|4|"},
@@ -78,8 +86,30 @@ TEST(TextFileReader, ReadsWhatFilesInTheWildHold) {
          "a|b|c|\n\n\n|1|~|\n1|2|3|\n1|2|3|\n2:short(2)\n5:long(5)"},
         {"an open quote", "a,b\n1,2\n3,\"4\n5,6\n", "a|b|\n1|2|\n3|4\n5,6\n|\n3:quote(2)"},
         {"bytes that are no text", "a,b\n\xFF\xE2\x82,\xC3\xA4\n\"\x80\"\"\",2\n",
-         "a|b|\n\uFFFD\uFFFD\uFFFD|\u00E4|\n\uFFFD\"|2|\n2:bytes(2)\n3:bytes(2)"},
-        {"damaged in two ways", "a,b\n\xFF\n1,2\n", "a|b|\n\uFFFD|~|\n1|2|\n2:short(1)\n2:bytes(1)"},
+         "a|b|\n\uFFFD\uFFFD\uFFFD|\u00E4|\n\uFFFD\"|2|\n2:bytes(2)\n3:bytes(2)", stated("UTF-8")},
+        {"damaged in two ways", "a,b\n\xFF\n1,2\n", "a|b|\n\uFFFD|~|\n1|2|\n2:short(1)\n2:bytes(1)", stated("UTF-8")},
+        {"a few bad bytes among much good UTF-8", "a,b\n\xC3\xA4\xC3\xB6,\xFF\n",
+         "a|b|\n\u00E4\u00F6|\uFFFD|\n2:bytes(2)"},
+        {"more bad bytes than good: windows-1252", "a,b\n\xE4\xF6,\x80\n", "a|b|\n\u00E4\u00F6|\u20AC|"},
+        {"a stated code page", "a\n\xE4\n", "a|\n\u0434|", stated("windows-1251")},
+        {"EBCDIC, whose commas and line ends are other bytes", "\x81\x6B\x82\x25\xF1\x6B\x25", "a|b|\n1|~|",
+         stated("cp37")},
+        {"Shift_JIS, where a bar is the second byte of a character", "a|b\n\x83\x7C|1\n\x83\n",
+         "a|b|\n\u30DD|1|\n\uFFFD|~|\n3:short(1)\n3:bytes(1)", stated("sjis")},
+        {"UTF-16 with a mark", "\xFF\xFE\"\0a\0\"\0,\0b\0\n\0\xE4\0,\0\x3D\xD8\x00\xDE\n\0"_raw,
+         "a|b|\n\u00E4|\U0001F600|"},
+        {"UTF-16, big end first, without one", "\0a\0;\0b\0\r\0\n\0\x31\0;\0\x32"_raw, "a|b|\n1|2|"},
+        {"UTF-16 with half a pair and an odd byte at the end", "\xFF\xFE\x61\0\n\0\x3D\xD8\n\0\x62\0\n\0x"_raw,
+         "a|\n\uFFFD|\nb|\n\uFFFD|\n2:bytes(1)\n4:bytes(1)"},
+        {"UTF-32", "\0\0\xFE\xFF\0\0\0a\0\0\0\n\0\x01\xF6\0"_raw, "a|\n\U0001F600|"},
+        {"a mark decides the order of a stated UTF-16", "\xFE\xFF\0a\0\n\0\x31"_raw, "a|\n1|", stated("UTF-16LE")},
+        {"another quote", "a,b\n'1,''2',\"3\n", "a|b|\n1,'2|\"3|", quoted('\'')},
+        {"no quotes", "a,b\n\"1,2\"\n", "a|b|\n\"1|2\"|", quoted('\0')},
+        {"a first row of names, found", "year,b2\n1,2\n", "year|b2|\n1|2|", {std::nullopt, true, true}},
+        {"a first row of data, found",
+         "x,2024-01-31\ny,2\n",
+         "Column1|Column2|\nx|2024-01-31|\ny|2|",
+         {std::nullopt, true, true}},
         {"empty lines in two columns", "\n\na,b\n\n1,2\n\r\n\n3\n", "a|b|\n1|2|\n3|~|\n8:short(1)"},
         {"empty lines in one column", "a\n\n1\n\n", "a|\n~|\n1|\n~|"},
         {"empty lines before the first row of one column", "\n1\n", "Column1|\n~|\n1|", {std::nullopt, false}},
@@ -96,10 +126,6 @@ TEST(TextFileReader, ReadsWhatFilesInTheWildHold) {
         {"nothing", "", "\"F\" is empty"},
         {"only line ends", "\r\n\n", "\"F\" is empty"},
         {"only a mark", "\xEF\xBB\xBF", "\"F\" is empty"},
-        {"UTF-16",
-         "\xFF\xFE"
-         "a\0"_raw,
-         "\"F\" is in UTF-16; only UTF-8 is read"},
     };
     TempFolder folder;
     const std::string path = folder.file("f");
@@ -140,6 +166,81 @@ TEST(TextFileReader, ReadsAPipe) {
     std::thread writer([&] { write(path, "a,b\n1,2\n"); });
     EXPECT_EQ(printed(TextFileReader::open(path, {})), "a|b|\n1|2|");
     writer.join();
+}
+
+TEST(TextFileReader, ReadsEveryEncodingInPiecesAsAWhole) {
+    // What is longer than a chunk of the file, the units of a decoder and a piece, with characters at odd places.
+    std::u16string text = u"a,b\n";
+    std::string expected = "a|b|";
+    for (int i = 0; i < 90'000; ++i) {
+        const std::string n = std::to_string(i);
+        text += std::u16string(n.begin(), n.end()) + (i % 3 == 0 ? u",\U0001F600\u00E4\n" : u",\u20ACx\n");
+        expected += "\n" + n + (i % 3 == 0 ? "|\U0001F600\u00E4|" : "|\u20ACx|");
+    }
+    std::string little;
+    std::string big;
+    for (const char16_t c : text) {
+        little += {static_cast<char>(c & 0xFF), static_cast<char>(c >> 8)};
+        big += {static_cast<char>(c >> 8), static_cast<char>(c & 0xFF)};
+    }
+    TempFolder folder;
+    for (const std::string& content : {little, big}) {
+        auto reader = TextFileReader::open(write(folder.file("wide"), content), {});
+        ASSERT_TRUE(reader.ok());
+        EXPECT_EQ((*reader)->encoding().reason, EncodingReason::ZeroBytes);
+        TextFileReader& read = **reader;
+        EXPECT_TRUE(printed(reader) == expected);
+        EXPECT_EQ(read.position(), read.total());
+    }
+}
+
+TEST(TextFileReader, NoticesEveryChangeOfAFileThatIsBeingRead) {
+    TempFolder folder;
+    std::string large = "a,b\n";
+    while (large.size() < 3'000'000)
+        large += "some text,and more\n";
+    const std::string path = write(folder.file("f"), large);
+    auto grown = TextFileReader::open(path, {});
+    std::ofstream(path, std::ios::app) << "1,2\n";
+    EXPECT_THAT(printed(grown), ::testing::EndsWith("changed its size while it was read"));
+    auto changed = TextFileReader::open(path, {});
+    const auto time = std::filesystem::last_write_time(path);
+    std::fstream(path, std::ios::in | std::ios::out) << "x,y\n";
+    std::filesystem::last_write_time(path, time + std::chrono::seconds(2));
+    EXPECT_THAT(printed(changed), ::testing::EndsWith("was changed while it was read"));
+}
+
+TEST(TextFileReader, HugeCellsAndManyColumnsAreRead) {
+    TempFolder folder;
+    const std::string huge(std::size_t{50} << 20, 'x');
+    auto reader = TextFileReader::open(write(folder.file("cell"), "a,b\n1,\"" + huge + "\"\n2,3\n"), {});
+    ASSERT_TRUE(reader.ok());
+    RowBlock block;
+    std::size_t rows = 0;
+    std::size_t longest = 0;
+    while (*(*reader)->read(block))
+        for (std::size_t r = 0; r < block.rows; ++r, ++rows)
+            longest = std::max<std::size_t>(longest, block.columns[1][r].size);
+    EXPECT_EQ(rows, 2U);
+    EXPECT_EQ(longest, huge.size());
+
+    std::string wide;
+    for (int row = 0; row < 200; ++row)
+        for (int column = 0; column < 20'000; ++column)
+            wide += (row == 0 ? "c" : "") + std::to_string(column) + (column == 19'999 ? "\n" : ",");
+    auto many = TextFileReader::open(write(folder.file("wide"), wide), {});
+    ASSERT_TRUE(many.ok());
+    rows = 0;
+    while (*(*many)->read(block)) {
+        EXPECT_EQ(block.columns.size(), 20'000U);
+        EXPECT_EQ(std::string(block.columns[19'999][0].data, block.columns[19'999][0].size), "19999");
+        rows += block.rows;
+    }
+    EXPECT_EQ(rows, 199U);
+    EXPECT_EQ((*many)->damagedRowCount(), 0);
+
+    EXPECT_THAT(printed(TextFileReader::open(write(folder.file("f"), std::string(100'000, ',')), {})),
+                ::testing::EndsWith("has 100001 columns; more than 100000 are not read"));
 }
 
 TEST(TextFileReader, RowsAcrossPiecesAndBlocksStayWhole) {

@@ -11,6 +11,16 @@ void CProfTab::SubjectChanged() {
     MakeStale();
 }
 
+void CProfTab::Forget() {
+    m_isStale = true;
+    m_filledFor = {};
+}
+
+void CProfTab::FillIfSeen() {
+    if (m_isStale)
+        MakeStale();
+}
+
 void CProfTab::Refresh(CRefreshItem*, RefreshHint hint, int) {
     if (RefillsOn(hint))
         MakeStale();
@@ -34,8 +44,7 @@ void CProfTab::WarnSoon(const std::string& text) {
 
 void CProfTab::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
-    if (m_isStale)
-        MakeStale();
+    FillIfSeen();
 }
 
 } // namespace tavix

@@ -21,6 +21,9 @@ class CProfTab : public QWidget, public CRefreshItem, public CommandTarget {
 
     /// The view shows something else now.
     void SubjectChanged();
+    /// What is displayed has nothing to do with the subject any more. It is read anew when the tab is seen.
+    void Forget();
+    void FillIfSeen();
     /// Hints that concern the tab make its contents stale.
     void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) override;
     /// Set while the tab is the one that is selected in its view.

@@ -15,6 +15,7 @@
 
 #include <QKeyEvent>
 #include <QLabel>
+#include <QSignalBlocker>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -73,21 +74,36 @@ void CReportView::AddTab(CProfTab* tab, std::string_view caption) {
 }
 
 void CReportView::Start() {
-    const CTavixDoc& document = m_site.GetTavixDoc();
-    const int remembered =
-        m_mode == NavigatorPage::Collections ? document.GetCollectionTab(m_kind) : document.GetTab(m_kind);
-    const int first = remembered >= 0 && remembered < GetTabCount() ? remembered : 0;
-    m_strip->SelectTab(first);
     ApplyDisplay();
-    if (!m_isTornOff)
-        ReadSubject(m_site.GetSelection());
-    ShowTab(first);
+    m_strip->SelectTab(RememberedTab());
+    ShowTab(GetCurrentTab());
     connect(m_strip, &QTabBar::currentChanged, this, [this](int index) {
         // What is looked at beside the frame is not where one goes on in it.
         if (!m_isTornOff)
             m_site.GetTavixDoc().SetTab(m_kind, m_mode, index);
         ShowTab(index);
     });
+}
+
+void CReportView::TakeUp() {
+    m_mode = m_site.GetMode();
+    m_records.Forget();
+    for (CProfTab* tab : m_tabs)
+        tab->Forget();
+    ApplyDisplay();
+    ReadSubject(m_site.GetSelection());
+    {
+        const QSignalBlocker blocker(m_strip);
+        m_strip->SelectTab(RememberedTab());
+    }
+    ShowTab(GetCurrentTab());
+    GetTab(GetCurrentTab()).FillIfSeen();
+}
+
+int CReportView::RememberedTab() const {
+    const CTavixDoc& document = m_site.GetTavixDoc();
+    const int tab = m_mode == NavigatorPage::Collections ? document.GetCollectionTab(m_kind) : document.GetTab(m_kind);
+    return tab >= 0 && tab < GetTabCount() ? tab : 0;
 }
 
 QString CReportView::CaptionOf(int index) const {

@@ -33,6 +33,10 @@ class CReportView : public QWidget, public CReportPane {
     [[nodiscard]] bool Suits(const CViewSite& site) const;
     /// Shows what the site has selected now.
     void ShowSelection();
+    /// Shows what the site has selected now as a view made for it would, with the tab that the document remembers:
+    /// what was shown before is forgotten. Nothing is told to a view that the frame does not show, so this comes first
+    /// when it is shown again.
+    void TakeUp();
     [[nodiscard]] const ReportSubject& GetSubject() const { return m_subject; }
 
     [[nodiscard]] int GetCurrentTab() const;
@@ -60,7 +64,7 @@ class CReportView : public QWidget, public CReportPane {
     [[nodiscard]] bool IsTornOff() const { return m_isTornOff; }
     /// In the order of the strip. Owned.
     void AddTab(CProfTab* tab, std::string_view caption);
-    /// After the last tab was added: opens the one that the document remembers.
+    /// After the last tab was added.
     void Start();
     /// The caption of a tab with what it says beside its name.
     virtual QString CaptionOf(int index) const;
@@ -68,6 +72,7 @@ class CReportView : public QWidget, public CReportPane {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
+    [[nodiscard]] int RememberedTab() const;
     void ReadSubject(const ReportSelection& selection);
     void ReadSubjectAgain();
     /// Title and captions.

@@ -6,6 +6,8 @@
 #include "grid/ui/CUGCtrl.h"
 #include "tabs/ui/LowerLists.h"
 
+#include <QAction>
+
 namespace tavix {
 
 namespace {
@@ -30,10 +32,15 @@ CTabBusRule::CTabBusRule(CViewSite& site, const ReportSubject& subject, bool isT
     : CListTab("Business Rules", site, subject, isTornOff, parent),
       m_rows(ShowRows(std::make_unique<BusinessRuleRows>())),
       m_history(userLocale()),
-      m_lower(new LowerLists({"History of the rule", kLogHeading})) {
+      m_lower(new LowerLists({"History of the rule", kLogHeading})),
+      m_drill(site, *this),
+      m_drillThrough(m_drill.MakeAction()) {
     m_lower->Grid(kHistory).SetSource(&m_history);
     m_lower->Grid(kLog).SetSource(&m_log);
     AddBelow(*m_lower, &m_lower->Grid(kLog));
+    Grid().addAction(m_drillThrough);
+    connect(m_drillThrough, &QAction::triggered, this, &CTabBusRule::OnDrillThrough);
+    connect(&Grid(), &CUGCtrl::RowActivated, this, &CTabBusRule::OnDrillThrough);
     connect(&Grid(), &CUGCtrl::CurrentRowChanged, this, &CTabBusRule::ShowDetails);
 }
 
@@ -63,7 +70,20 @@ void CTabBusRule::RowsChanged() {
     ShowDetails(Grid().GetCurrentRow());
 }
 
+bool CTabBusRule::CanDrillThrough() const {
+    const std::int64_t row = Grid().GetCurrentRow();
+    return m_drill.IsOffered() && row >= 0 && row < m_rows.GetRowCount();
+}
+
+void CTabBusRule::OnDrillThrough() {
+    if (!CanDrillThrough())
+        return;
+    const std::int64_t row = Grid().GetCurrentRow();
+    m_drill.OpenRule(m_rows.GetRule(row), m_rows.GetCell(0, row).text);
+}
+
 void CTabBusRule::ShowDetails(std::int64_t row) {
+    m_drillThrough->setEnabled(CanDrillThrough());
     PrViewer* viewer = Site().GetTavixDoc().GetViewer();
     m_lower->SetHeading(kLog, kLogHeading);
     if (!viewer || row < 0 || row >= m_rows.GetRowCount()) {

@@ -2,6 +2,7 @@
 
 #include "tabs/RuleRows.h"
 #include "tabs/ui/CListTab.h"
+#include "tabs/ui/DrillThrough.h"
 
 namespace tavix {
 
@@ -22,11 +23,15 @@ class CTabBusRule final : public CListTab {
 
   private:
     void ShowDetails(std::int64_t row);
+    [[nodiscard]] bool CanDrillThrough() const;
+    void OnDrillThrough();
 
     BusinessRuleRows& m_rows;
     BusinessRuleHistoryRows m_history;
     RuleLogRows m_log;
     LowerLists* m_lower;
+    DrillThrough m_drill;
+    QAction* m_drillThrough;
 };
 
 } // namespace tavix

@@ -1,9 +1,13 @@
 #include "tabs/ui/CTabColProf.h"
 
 #include "doc/CTavixDoc.h"
+#include "grid/ui/CUGCtrl.h"
 #include "tabs/ColProfRows.h"
 #include "tabs/OutlierRows.h"
 #include "tabs/PercentileRows.h"
+
+#include <QAction>
+#include <QItemSelectionModel>
 
 namespace tavix {
 
@@ -20,7 +24,7 @@ const char* nameOf(int itemCode) {
 } // namespace
 
 CTabColProf::CTabColProf(CViewSite& site, const ReportSubject& subject, bool isTornOff, int itemCode, QWidget* parent)
-    : CListTab(nameOf(itemCode), site, subject, isTornOff, parent) {
+    : CListTab(nameOf(itemCode), site, subject, isTornOff, parent), m_drill(site, *this) {
     switch (itemCode) {
     case kColumnProfiling:
         m_fill = [this, &rows = ShowRows(std::make_unique<ColProfRows>())](PrViewer&) {
@@ -34,13 +38,38 @@ CTabColProf::CTabColProf(CViewSite& site, const ReportSubject& subject, bool isT
         };
         break;
     case kOutliers:
-        m_fill = [this, &rows = ShowRows(std::make_unique<OutlierRows>())](PrViewer& viewer) {
-            return rows.Fill(viewer, Subject().field->id);
-        };
+        MakeOutliers();
         break;
     default:
         break;
     }
+}
+
+void CTabColProf::MakeOutliers() {
+    m_outliers = &ShowRows(std::make_unique<OutlierRows>());
+    m_fill = [this](PrViewer& viewer) { return m_outliers->Fill(viewer, Subject().field->id); };
+    QAction* action = m_drill.MakeAction();
+    Grid().addAction(action);
+    connect(action, &QAction::triggered, this, &CTabColProf::OnDrillThrough);
+    connect(&Grid(), &CUGCtrl::RowActivated, this, &CTabColProf::OnDrillThrough);
+    const auto showAction = [this, action] { action->setEnabled(OutlierToDrill().has_value()); };
+    connect(Grid().selectionModel(), &QItemSelectionModel::currentChanged, this, showAction);
+    connect(Grid().model(), &QAbstractItemModel::modelReset, this, showAction);
+    showAction();
+}
+
+// A row holds two values; the one that the keyboard or the mouse is at is meant.
+std::optional<KvbString> CTabColProf::OutlierToDrill() const {
+    const QModelIndex at = Grid().currentIndex();
+    if (!m_outliers || !Subject().field || !m_drill.IsOffered() || !at.isValid() ||
+        at.row() >= m_outliers->GetRowCount())
+        return std::nullopt;
+    return m_outliers->GetValue(at.column(), at.row());
+}
+
+void CTabColProf::OnDrillThrough() {
+    if (const auto value = OutlierToDrill())
+        m_drill.OpenValue(*Subject().field, *value, DrillOrigin::Outliers);
 }
 
 bool CTabColProf::RefillsOn(RefreshHint hint) const {

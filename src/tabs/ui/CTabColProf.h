@@ -1,10 +1,14 @@
 #pragma once
 
 #include "tabs/ui/CListTab.h"
+#include "tabs/ui/DrillThrough.h"
 
 #include <functional>
+#include <optional>
 
 namespace tavix {
+
+class OutlierRows;
 
 /// Three tabs of a field, by item code: 5 every metric with its value, 8 percentiles, 9 outliers. Any other code
 /// gives no columns.
@@ -20,7 +24,13 @@ class CTabColProf final : public CListTab {
     bool FillRows(PrViewer& viewer) override;
 
   private:
+    void MakeOutliers();
+    [[nodiscard]] std::optional<KvbString> OutlierToDrill() const;
+    void OnDrillThrough();
+
     std::function<bool(PrViewer&)> m_fill;
+    DrillThrough m_drill;
+    OutlierRows* m_outliers = nullptr; ///< the list's, in the tab of outliers
 };
 
 } // namespace tavix

@@ -44,7 +44,9 @@ CTabFreqDist::CTabFreqDist(CViewSite& site, const ReportSubject& subject, bool i
     : CListTab(itemCode == kFrequencyDistribution ? "Frequency Distribution" : "Pattern Frequency Distribution", site,
                subject, isTornOff, parent),
       m_kind(itemCode == kFrequencyDistribution ? DistributionKind::Frequency : DistributionKind::Pattern),
+      m_drill(site, *this),
       m_line(new FilterLine(this)),
+      m_drillThrough(m_drill.MakeAction()),
       m_filter(new QAction(tr("&Filter..."), this)),
       m_stop(new QAction(tr("S&top Filtering"), this)),
       m_keep(new QAction(this)),
@@ -63,9 +65,14 @@ void CTabFreqDist::MakeActions() {
     m_stop->setObjectName(QStringLiteral("stopFiltering"));
     m_keep->setObjectName(QStringLiteral("filterToValue"));
     m_exclude->setObjectName(QStringLiteral("excludeValue"));
-    auto* separator = new QAction(this);
-    separator->setSeparator(true);
-    Grid().addActions({m_keep, m_exclude, separator, m_filter, m_stop});
+    const auto separator = [this] {
+        auto* made = new QAction(this);
+        made->setSeparator(true);
+        return made;
+    };
+    Grid().addActions({m_drillThrough, separator(), m_keep, m_exclude, separator(), m_filter, m_stop});
+    connect(m_drillThrough, &QAction::triggered, this, &CTabFreqDist::OnDrillThrough);
+    connect(&Grid(), &CUGCtrl::RowActivated, this, &CTabFreqDist::OnDrillThrough);
     connect(m_filter, &QAction::triggered, this, &CTabFreqDist::OnFilter);
     connect(m_stop, &QAction::triggered, this, &CTabFreqDist::OnStopFiltering);
     connect(m_keep, &QAction::triggered, this, [this] { FilterToSelected(ValueChoice::Keep); });
@@ -112,6 +119,22 @@ void CTabFreqDist::OnFilter() {
 void CTabFreqDist::OnStopFiltering() {
     if (CanStopFiltering())
         SetFilter(Subject().field->id, {});
+}
+
+bool CTabFreqDist::CanDrillThrough() const {
+    const std::int64_t row = Grid().GetCurrentRow();
+    return m_drill.IsOffered() && Subject().field && row >= 0 && row < m_rows->GetRowCount() &&
+           !m_rows->IsPlaceholder() && !m_rows->IsOther(row);
+}
+
+void CTabFreqDist::OnDrillThrough() {
+    if (!CanDrillThrough())
+        return;
+    const KvbString value = m_rows->GetValue(Grid().GetCurrentRow());
+    if (m_kind == DistributionKind::Frequency)
+        m_drill.OpenValue(*Subject().field, value, DrillOrigin::Frequency);
+    else
+        m_drill.OpenPattern(*Subject().field, value);
 }
 
 void CTabFreqDist::FilterToSelected(ValueChoice choice) {
@@ -172,8 +195,7 @@ bool CTabFreqDist::FillRows(PrViewer& viewer) {
                             ? static_cast<FreqDistRows&>(*m_rows).Fill(viewer, field, filter, limit)
                             : static_cast<PatternDistRows&>(*m_rows).Fill(viewer, field.id, filter, limit);
     // A filter that fails must be there to be corrected.
-    if (filled || IsFiltered())
-        m_loadedField = field.id;
+    m_loadedField = filled || IsFiltered() ? std::optional(field.id) : std::nullopt;
     m_failure = filled ? std::string() : viewer.getErrorString().str();
     ShowFilterLine();
     return filled;
@@ -217,6 +239,7 @@ void CTabFreqDist::ShowActions() {
         m_keep->setText(several ? tr("Filter to T&hese Patterns") : tr("Filter to T&his Pattern"));
         m_exclude->setText(several ? tr("&Exclude These Patterns") : tr("&Exclude This Pattern"));
     }
+    m_drillThrough->setEnabled(CanDrillThrough() && !several);
     m_keep->setEnabled(canChoose);
     m_exclude->setEnabled(canChoose);
     m_filter->setEnabled(CanFilter());

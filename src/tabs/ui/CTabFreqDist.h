@@ -2,6 +2,7 @@
 
 #include "doc/DistributionKind.h"
 #include "tabs/ui/CListTab.h"
+#include "tabs/ui/DrillThrough.h"
 
 #include <optional>
 #include <span>
@@ -47,6 +48,8 @@ class CTabFreqDist final : public CListTab {
     void MakeActions();
     void ShowActions();
     void ShowFilterLine();
+    void OnDrillThrough();
+    [[nodiscard]] bool CanDrillThrough() const;
     void FilterToSelected(ValueChoice choice);
     void SetFilter(int fieldId, std::string filter);
 
@@ -55,7 +58,9 @@ class CTabFreqDist final : public CListTab {
     std::optional<int> m_loadedField;   ///< whose rows are shown, or would be but for its filter
     std::string m_appliedFilter;        ///< that of the last filling
     std::string m_failure;              ///< why that did not come about
+    DrillThrough m_drill;
     FilterLine* m_line;
+    QAction* m_drillThrough;
     QAction* m_filter;
     QAction* m_stop;
     QAction* m_keep;

@@ -70,6 +70,17 @@ TEST_F(PanesOverSample, aBarFollowsTheMouseAndTheRatioLastsOverResizes) {
     EXPECT_THAT(spans(), ElementsAre(0, 1, 8, 992)) << "remembered";
 }
 
+TEST_F(PanesOverSample, escapeLeavesADraggedBarWhereItWas) {
+    m_view->SetInternalFocus();
+    press(250);
+    move(402);
+    QTest::keyClick(m_view->GetFirstTabStop(), Qt::Key_Escape);
+    EXPECT_FALSE(pane("ghostBar")->isVisible());
+    move(410);
+    release(410);
+    EXPECT_THAT(spans(), ElementsAre(0, 248, 255, 745));
+}
+
 TEST_F(PanesOverSample, theCursorTellsWhereABarIs) {
     move(251);
     EXPECT_EQ(Qt::SizeHorCursor, m_view->cursor().shape());

@@ -72,6 +72,23 @@ TEST_F(ReportRefresh, aFailureIsToldOnceByTheViewAndByEachWindowAndLeavesWhatIsS
     EXPECT_EQ(shown, rows(window.GetView().GetTab(CFieldView::Patterns)));
 }
 
+// The frame keeps its views; what they held must not be taken for what the next report has.
+TEST_F(ReportRefresh, aReportThatIsOpenedAfterAnotherShowsNothingOfIt) {
+    report().SelectTab(CFieldView::Patterns);
+    ASSERT_GT(rows(tab()), 0);
+    breakPatterns();
+    const std::string message = patternMessage();
+    m_view->OnNew();
+    ASSERT_TRUE(load());
+    m_messages.expectWarn(message);
+    ASSERT_TRUE(selectField("customers", "city"));
+    report().SelectTab(CFieldView::Patterns);
+    settle();
+    EXPECT_EQ(0U, m_messages.pending());
+    EXPECT_FALSE(grid(tab()).isVisible());
+    EXPECT_FALSE(tab().findChild<QLabel*>(QStringLiteral("note"))->text().isEmpty());
+}
+
 TEST_F(ReportRefresh, metricsThatCannotBeReadAreTold) {
     ASSERT_TRUE(selectTable("customers"));
     ASSERT_EQ(7, rows(tab()));

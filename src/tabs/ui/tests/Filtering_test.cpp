@@ -61,6 +61,7 @@ class Filtering : public ::testing::Test {
         ASSERT_TRUE(m_site.document.OpenReport(m_sample.path, m_sample.salesJob));
         select("name");
         m_view = std::make_unique<CFieldView>(m_site, false);
+        m_view->TakeUp();
         m_site.listeners.push_back(m_view.get());
         m_view->resize(900, 500);
         m_view->show();

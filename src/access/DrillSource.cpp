@@ -1,0 +1,151 @@
+#include "access/DrillSource.h"
+
+#include "base/Encodings.h"
+#include "base/NumberText.h"
+#include "expression/ExpressionError.h"
+#include "source/TextFileReader.h"
+#include "source/TextFileSearch.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <span>
+#include <string_view>
+#include <utility>
+
+namespace tavix {
+
+namespace {
+
+using source::TextFileOptions;
+using source::TextFileReader;
+using source::TextFileSearch;
+
+constexpr std::size_t kListedColumns = 10;
+
+std::string listOf(std::span<const std::string> names) {
+    std::string list = fmt::format("\"{}\"", fmt::join(names.first(std::min(names.size(), kListedColumns)), "\", \""));
+    return names.size() > kListedColumns ? list + fmt::format(" and {} more", names.size() - kListedColumns) : list;
+}
+
+bool areSame(const DrillTable& table, std::span<const std::string> names) {
+    return std::equal(names.begin(), names.end(), table.columns.begin(), table.columns.end(),
+                      [](const std::string& name, const DrillTable::Column& column) { return name == column.name; });
+}
+
+/// `reader` has opened the file.
+template <typename Reader>
+std::string fileWarning(const DrillTable& table, const Reader& reader) {
+    const DrillTable::TextFile& file = *table.file;
+    const std::int64_t size = reader.fileSize();
+    const UtcTime modified = reader.modified();
+    const std::span<const std::string> names = reader.columnNames();
+    std::string text;
+    if (size != file.size)
+        text = fmt::format("\"{}\" changed since the run: it had {} bytes and has {} now.", file.path,
+                           formatGrouped(file.size), formatGrouped(size));
+    else if (modified != file.modified)
+        text = fmt::format("\"{}\" was written anew since the run; its size is the same.", file.path);
+    if (!areSame(table, names))
+        text += fmt::format("{}The columns are others than in the run: {}.", text.empty() ? "" : " ", listOf(names));
+    return text;
+}
+
+/// The place of the field among the columns that the source has today.
+Result<std::size_t> findColumn(const DrillTable& table, std::span<const std::string> names) {
+    const auto found = std::find(names.begin(), names.end(), table.field);
+    if (found == names.end())
+        return Error{fmt::format("\"{}\" has no column \"{}\" any more; it has {}.",
+                                 table.file ? table.file->path : table.name, table.field, listOf(names))};
+    return static_cast<std::size_t>(found - names.begin());
+}
+
+void describeColumns(const DrillTable& table, DrillSource& source) {
+    for (const std::string& name : source.reader->columnNames()) {
+        const auto known = std::find_if(table.columns.begin(), table.columns.end(),
+                                        [&](const DrillTable::Column& column) { return column.name == name; });
+        source.types.push_back(known == table.columns.end() ? kvbType::Text : known->type);
+    }
+}
+
+Status addCondition(const DrillTable& table, DrillSource& source) {
+    if (table.filter.empty())
+        return {};
+    std::vector<expression::Field> fields;
+    for (const std::string& name : source.reader->columnNames())
+        fields.push_back({name, expression::Type::Text});
+    const expression::Compiled compiled = expression::compile(table.filter, fields, expression::Wanted::Condition);
+    if (!compiled.ok())
+        return Error{
+            fmt::format("The condition of the table \"{}\": {}", table.name, expression::describe(compiled.error))};
+    source.tests.push_back(makeConditionTest(*compiled.program));
+    return {};
+}
+
+std::unique_ptr<RowTest> cellTest(std::size_t column, const WantedRows& wanted) {
+    switch (wanted.kind) {
+    case WantedRows::Kind::Null:
+        return makeNullTest(column);
+    case WantedRows::Kind::Pattern:
+        return makePatternTest(column, wanted.text);
+    case WantedRows::Kind::Value:
+        break;
+    }
+    return makeValueTest(column, wanted.text);
+}
+
+Result<DrillSource> openTextFile(const DrillTable& table, const WantedRows& wanted) {
+    const DrillTable::TextFile& file = *table.file;
+    DrillSource source;
+    source.name = std::filesystem::path(file.path).filename().string();
+    std::error_code ignored;
+    if (std::filesystem::exists(file.path, ignored) && std::filesystem::is_other(file.path, ignored))
+        return Error{fmt::format("\"{}\" is no file that can be read again.", file.path)};
+    TextFileOptions options;
+    options.delimiter = file.delimiter;
+    options.hasHeader = file.hasHeader;
+    options.encoding = findEncoding(file.encoding);
+    const bool isSearch = wanted.kind == WantedRows::Kind::Value && options.encoding == &encodingUtf8() &&
+                          TextFileSearch::canFind(wanted.text);
+    if (isSearch) {
+        auto search = TextFileSearch::open(file.path, options);
+        if (!search)
+            return search.error();
+        source.warning = fileWarning(table, **search);
+        const auto column = findColumn(table, (*search)->columnNames());
+        if (!column)
+            return column.error();
+        (*search)->find(*column, wanted.text);
+        source.reader = std::move(search).value();
+    } else {
+        auto reader = TextFileReader::open(file.path, options);
+        if (!reader)
+            return reader.error();
+        source.warning = fileWarning(table, **reader);
+        const auto column = findColumn(table, (*reader)->columnNames());
+        if (!column)
+            return column.error();
+        source.tests.push_back(cellTest(*column, wanted));
+        source.reader = std::move(reader).value();
+    }
+    return source;
+}
+
+} // namespace
+
+Result<DrillSource> openDrillSource(const DrillTable& table, const WantedRows& wanted) {
+    if (!table.file)
+        return Error{fmt::format("The rows of \"{}\" cannot be read again: the run does not say from where they came.",
+                                 table.name)};
+    auto source = openTextFile(table, wanted);
+    if (!source)
+        return source;
+    describeColumns(table, *source);
+    if (Status status = addCondition(table, *source); !status)
+        return status.error();
+    return source;
+}
+
+} // namespace tavix

@@ -1,0 +1,205 @@
+#include "access/DrillSource.h"
+#include "access/PrViewerImpl.h"
+#include "access/SourceRowCursors.h"
+#include "repository/DistributionStore.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace tavix {
+
+namespace {
+
+// ?1 is the run, ?2 the field.
+constexpr std::string_view kTableOfField =
+    "SELECT d.name, t.catalog, t.schema, t.name, t.object_name, t.kind, f.name, rt.query, t.id, rt.filter, "
+    "rt.file_path, rt.file_delimiter, rt.file_header, rt.file_encoding, rt.file_size, rt.file_modified "
+    "FROM field f JOIN profiled_table t ON t.id = f.table_id JOIN data_source d ON d.id = t.data_source "
+    "JOIN run_table rt ON rt.run = ?1 AND rt.table_id = t.id WHERE f.id = ?2";
+enum TableColumn {
+    DataSource,
+    Catalog,
+    Schema,
+    Table,
+    Object,
+    Kind,
+    Field,
+    QueryText,
+    TableNumber,
+    Filter,
+    FilePath,
+    FileDelimiter,
+    FileHeader,
+    FileEncoding,
+    FileSize,
+    FileModified,
+};
+
+constexpr std::string_view kColumnsOfTable =
+    "SELECT f.name, rf.type_code FROM run_field rf JOIN field f ON f.id = rf.field "
+    "WHERE rf.run = ?1 AND rf.table_id = ?2 ORDER BY rf.position";
+
+constexpr std::string_view kNulls = "SELECT COALESCE(null_count, 0) FROM run_field WHERE run = ?1 AND field = ?2";
+// Lengths are those of texts, of which one is empty when the least is 0.
+constexpr std::string_view kHasEmptyText =
+    "SELECT COALESCE(minimum_length = 0, 0) FROM run_field WHERE run = ?1 AND field = ?2";
+
+kvbType typeOf(std::string_view code) {
+    if (code == "I")
+        return kvbType::Integer;
+    return code == "R" ? kvbType::Real : kvbType::Text;
+}
+
+char letterOf(std::string_view text) {
+    return text.empty() ? '\0' : text.front();
+}
+
+DrillTable::TextFile textFileOf(const sql::Statement& row) {
+    DrillTable::TextFile file;
+    file.path = row.text(FilePath);
+    file.delimiter = letterOf(row.text(FileDelimiter));
+    file.hasHeader = row.integer(FileHeader) != 0;
+    file.encoding = row.text(FileEncoding);
+    file.size = row.integer(FileSize);
+    file.modified = UtcTime(std::chrono::milliseconds(row.integer(FileModified)));
+    return file;
+}
+
+} // namespace
+
+Result<sql::Statement> PrViewer::Impl::tableOfField(int ofRun, int field) const {
+    auto select = bound(kTableOfField, {ofRun, field});
+    if (!select)
+        return select;
+    switch (select->step()) {
+    case sql::Step::Row:
+        return select;
+    case sql::Step::Done:
+        return noSuch("field", field);
+    default:
+        return Error{connection().errorText()};
+    }
+}
+
+Result<DrillTable> PrViewer::Impl::drillTable(int ofRun, int field) const {
+    DrillTable table;
+    int tableId = -1;
+    {
+        const auto row = tableOfField(ofRun, field);
+        if (!row)
+            return row.error();
+        table.name = row->text(Object).empty() ? row->text(Table) : row->text(Object);
+        table.field = row->text(Field);
+        table.filter = row->text(Filter);
+        if (!row->isNull(FilePath))
+            table.file = textFileOf(*row);
+        tableId = static_cast<int>(row->integer(TableNumber));
+    }
+    auto columns = bound(kColumnsOfTable, {ofRun, tableId});
+    if (!columns)
+        return columns.error();
+    for (;;) {
+        switch (columns->step()) {
+        case sql::Step::Row:
+            table.columns.push_back({std::string(columns->text(0)), typeOf(columns->text(1))});
+            break;
+        case sql::Step::Done:
+            return table;
+        default:
+            return Error{connection().errorText()};
+        }
+    }
+}
+
+Result<WantedRows> PrViewer::Impl::wantedRows(int ofRun, int field, const KvbString& value, bool isPattern) const {
+    if (value.isNull())
+        return WantedRows{WantedRows::Kind::Null, {}};
+    if (isPattern)
+        return WantedRows{WantedRows::Kind::Pattern, value.str()};
+    if (value.isEmpty()) {
+        const auto hasEmpty = integer(kHasEmptyText, {ofRun, field}, "The run was deleted. Choose another one.");
+        if (!hasEmpty)
+            return hasEmpty.error();
+        if (*hasEmpty == 0)
+            return WantedRows{WantedRows::Kind::Null, {}};
+    }
+    return WantedRows{WantedRows::Kind::Value, value.str()};
+}
+
+Result<SourceRows> PrViewer::Impl::sourceRows(int field, const KvbString& value, bool isPattern,
+                                              PrViewDisplayMessage* sink) const {
+    const auto ofRun = runOfField(field);
+    if (!ofRun)
+        return ofRun.error();
+    const auto table = drillTable(*ofRun, field);
+    if (!table)
+        return table.error();
+    const auto wanted = wantedRows(*ofRun, field, value, isPattern);
+    if (!wanted)
+        return wanted.error();
+    auto source = openDrillSource(*table, *wanted);
+    if (!source)
+        return source.error();
+    return SourceRows(std::move(source).value(), sink);
+}
+
+bool PrViewer::getDrilldownInfo(int fieldId, KvbString& dataSource, KvbString& catalog, KvbString& schema,
+                                KvbString& table, KvbString& object, char& kind, KvbString& field, KvbString& query,
+                                int& tableId, KvbString& filter) {
+    const auto ofRun = m_impl->runOfField(fieldId);
+    if (!ofRun)
+        return m_impl->fail(ofRun.error());
+    const auto row = m_impl->tableOfField(*ofRun, fieldId);
+    if (!row)
+        return m_impl->fail(row.error());
+    dataSource = row->text(DataSource);
+    catalog = row->text(Catalog);
+    schema = row->text(Schema);
+    table = row->text(Table);
+    object = row->text(Object);
+    kind = letterOf(row->text(Kind));
+    field = row->text(Field);
+    query = row->text(QueryText);
+    tableId = static_cast<int>(row->integer(TableNumber));
+    filter = row->text(Filter);
+    return true;
+}
+
+PrViewerDrillCursorHandle PrViewer::drillDown(int fieldId, const KvbString& value, bool isPattern,
+                                              PrViewDisplayMessage* sink, OrvintaPatternGen*) {
+    auto rows = m_impl->sourceRows(fieldId, value, isPattern, sink);
+    if (!rows) {
+        m_impl->fail(rows.error());
+        return nullptr;
+    }
+    return PrViewerDrillCursorHandle(new DrillRowCursor(std::move(rows).value()));
+}
+
+ProfileCursorHandle PrViewer::drillDownMatch(int fieldId, const KvbString& value, PrViewDisplayMessage* sink,
+                                             int first) {
+    auto rows = m_impl->sourceRows(fieldId, value, false, sink);
+    if (!rows)
+        return m_impl->failCursor(rows.error());
+    return ProfileCursorHandle(new MatchRowCursor(std::move(rows).value(), std::max(first, 0)));
+}
+
+std::int64_t PrViewer::getDrillDownCount(int fieldId, const KvbString& value, bool isPattern) {
+    const auto ofRun = m_impl->runOfField(fieldId);
+    if (!ofRun)
+        return m_impl->giveNumber(ofRun.error());
+    const auto wanted = m_impl->wantedRows(*ofRun, fieldId, value, isPattern);
+    if (!wanted)
+        return m_impl->giveNumber(wanted.error());
+    if (wanted->kind == WantedRows::Kind::Null)
+        return m_impl->giveNumber(m_impl->fieldNumber(kNulls, fieldId));
+    using repository::DistributionKind;
+    const auto kind = wanted->kind == WantedRows::Kind::Pattern ? DistributionKind::Patterns : DistributionKind::Values;
+    const auto count = repository::countOfText(m_impl->connection(), {*ofRun, fieldId, kind}, wanted->text);
+    if (!count)
+        return m_impl->giveNumber(count.error());
+    constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
+    return static_cast<std::int64_t>(std::min(*count, static_cast<std::uint64_t>(kMost)));
+}
+
+} // namespace tavix

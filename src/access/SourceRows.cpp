@@ -1,0 +1,76 @@
+#include "access/SourceRows.h"
+
+#include "access/PrViewDisplayMessage.h"
+#include "base/GenException.h"
+
+#include <fmt/format.h>
+
+#include <numeric>
+#include <utility>
+
+namespace tavix {
+
+SourceRows::SourceRows(DrillSource source, PrViewDisplayMessage* sink)
+    : m_source(std::move(source)),
+      m_sink(sink),
+      m_names(m_source.reader->columnNames().begin(), m_source.reader->columnNames().end()) {}
+
+bool SourceRows::next() {
+    m_isOnRow = false;
+    while (m_next == m_rows.size()) {
+        if (!m_source.reader)
+            return false;
+        if (!readBlock()) {
+            m_rows.clear();
+            m_next = 0;
+            m_block = {};
+            m_source.reader.reset();
+            return false;
+        }
+    }
+    ++m_next;
+    m_isOnRow = true;
+    return true;
+}
+
+bool SourceRows::readBlock() {
+    m_rows.clear();
+    m_next = 0;
+    source::RowReader& reader = *m_source.reader;
+    if (m_sink && !m_sink->progress(fmt::format("Reading {}", m_source.name), reader.position(), reader.total()))
+        return false;
+    const auto more = reader.read(m_block);
+    if (!more) {
+        m_source.reader.reset();
+        throw GenException(more.error().text);
+    }
+    m_isComplete = !*more;
+    if (!*more)
+        return false;
+    m_rows.resize(m_block.rows);
+    std::iota(m_rows.begin(), m_rows.end(), 0U);
+    for (const auto& test : m_source.tests)
+        test->narrow(m_block, m_rows);
+    return true;
+}
+
+KvbString SourceRows::warning() const {
+    return m_source.warning.empty() ? KvbString() : KvbString(m_source.warning);
+}
+
+KvbString SourceRows::name(int column) const {
+    return has(column) ? KvbString(m_names[static_cast<std::size_t>(column)]) : KvbString();
+}
+
+kvbType SourceRows::type(int column) const {
+    return has(column) ? m_source.types[static_cast<std::size_t>(column)] : kvbType::Text;
+}
+
+KvbString SourceRows::value(int column) const {
+    if (!m_isOnRow || !has(column))
+        return {};
+    const source::Cell& cell = m_block.columns[static_cast<std::size_t>(column)][m_rows[m_next - 1]];
+    return cell.isNull ? KvbString() : KvbString(std::string_view(cell.data, cell.size));
+}
+
+} // namespace tavix

@@ -1,0 +1,131 @@
+#include "cli/RowsCommand.h"
+
+#include "access/Layouts.h"
+#include "access/SourceChange.h"
+#include "base/NumberText.h"
+#include "cli/CommandError.h"
+#include "cli/Console.h"
+#include "cli/Interruption.h"
+#include "cli/ReadingLine.h"
+#include "cli/RunChoice.h"
+#include "cli/Session.h"
+
+#include <CLI/App.hpp>
+#include <fmt/format.h>
+
+#include <vector>
+
+namespace tavix::cli {
+
+namespace {
+
+/// As many as the window shows unless told otherwise.
+constexpr std::int64_t kUsualLimit = 1000;
+
+/// The pattern whose short form is `text`; `text` itself when no pattern of the field has it.
+std::string fullPattern(Session& session, const FieldEntry& field, const std::string& text) {
+    if (text.find('{') == std::string::npos)
+        return text;
+    const std::int64_t known = session.viewer().getDrillDownCount(field.id, text, true);
+    session.check(known >= 0);
+    if (known > 0)
+        return text;
+    const ProfileCursorHandle patterns = session.checked(session.viewer().getPatternDist(field.id, KvbString("")));
+    while (patterns->next()) {
+        const KvbString pattern = patterns->getColumnValue(layout::PatternText);
+        if (session.viewer().getAbbreviatedPattern(pattern) == KvbString(text))
+            return pattern.str();
+    }
+    return text;
+}
+
+Section sectionOf(const PrViewerDrillCursor& rows) {
+    Section section{"rows", "Rows", {}, false, "(null value)"};
+    for (int column = 0; column < rows.getColumnCount(); ++column) {
+        const std::string name = rows.getColumnName(column).str();
+        const bool isText = rows.getColumnType(column) == kvbType::Text;
+        section.columns.push_back({name, name, isText ? Column::Kind::Text : Column::Kind::Number});
+    }
+    return section;
+}
+
+} // namespace
+
+CLI::App* RowsCommand::declare(CLI::App& program) {
+    CLI::App* command = program.add_subcommand("rows", "Show the rows of the source behind a value or pattern");
+    command->add_option("field", m_field, "The field, as TABLE.FIELD, or as FIELD beside --table")
+        ->required()
+        ->type_name("T.F");
+    command->add_option("-t,--table", m_table, "The field's table")->type_name("NAME");
+    command->add_option("--value", m_value, "The rows with this value, exactly; \"\" are the empty texts")
+        ->type_name("TEXT");
+    command->add_flag("--null", m_null, "The rows without a value");
+    command->add_option("--pattern", m_pattern, "The rows whose value has this pattern, in full or in its short form")
+        ->type_name("PATTERN");
+    command->add_option("-n,--limit", m_limit, "At most so many rows (1000)")
+        ->type_name("N")
+        ->default_val(kUsualLimit)
+        ->default_str("")
+        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
+    addRunChoice(*command, m_job, m_run);
+    command->footer(
+        "The rows are read from the source as it is now, which standard error tells when it is another than\n"
+        "the run has read, or when it has the value another number of times.\n\n"
+        "Examples:\n"
+        "  tavix rows -R profile.tavix airports.state --value TX\n"
+        "  tavix rows -R profile.tavix airports.city --null --limit 20\n"
+        "  tavix rows -R profile.tavix airports.zip --pattern '9{5}' --format csv -o rows.csv");
+    return command;
+}
+
+KvbString RowsCommand::wanted(Session& session, const FieldEntry& field) const {
+    if (m_null)
+        return {};
+    if (m_pattern)
+        return fullPattern(session, field, *m_pattern);
+    return *m_value;
+}
+
+void RowsCommand::run(const CommonOptions& options) {
+    if ((m_value ? 1 : 0) + (m_pattern ? 1 : 0) + (m_null ? 1 : 0) != 1)
+        throw CommandError(ExitCode::Usage, "which rows? Give one of --value, --null and --pattern");
+    Session session(options.repository);
+    session.selectJob(m_job);
+    session.selectRun(m_run);
+    const FieldEntry field = session.field(m_field, m_table);
+    const KvbString value = wanted(session, field);
+    // The library takes an empty value for null where there are no empty texts, of which alone the pattern is empty.
+    const bool isPattern = m_pattern.has_value() || (m_value && m_value->empty());
+    ReadingLine line;
+    const PrViewerDrillCursorHandle rows = session.viewer().drillDown(field.id, value, isPattern, &line, nullptr);
+    session.check(rows != nullptr);
+
+    Listing listing(options);
+    listing.begin(sectionOf(*rows));
+    std::int64_t shown = 0;
+    std::vector<KvbDatavar> cells;
+    while (shown < m_limit && rows->next()) {
+        cells.clear();
+        for (int column = 0; column < rows->getColumnCount(); ++column)
+            cells.emplace_back(rows->getColumnValue(column));
+        listing.row(cells);
+        ++shown;
+    }
+    stopIfInterrupted();
+    listing.end();
+    listing.finish();
+
+    if (!rows->getWarning().isNull())
+        say(rows->getWarning().view());
+    const std::int64_t inRun = session.viewer().getDrillDownCount(field.id, value, isPattern);
+    session.check(inRun >= 0);
+    if (rows->isComplete()) {
+        if (const std::string change = sourceChangeText(inRun, shown); !change.empty())
+            say(change);
+    } else if (inRun > shown) {
+        say(fmt::format("the first {} rows of {} in the run; --limit N shows more", formatGrouped(shown),
+                        formatGrouped(inRun)));
+    }
+}
+
+} // namespace tavix::cli

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "base/KvbString.h"
+#include "cli/Command.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace tavix::cli {
+
+class Session;
+struct FieldEntry;
+
+/// `tavix rows`: the source rows that have a value, a null or a pattern in a field.
+class RowsCommand final : public Command {
+  public:
+    CLI::App* declare(CLI::App& program) override;
+    void run(const CommonOptions& options) override;
+
+  private:
+    /// What is looked for; null for null rows.
+    [[nodiscard]] KvbString wanted(Session& session, const FieldEntry& field) const;
+
+    std::string m_field;
+    std::optional<std::string> m_table;
+    std::optional<std::string> m_value;
+    std::optional<std::string> m_pattern;
+    bool m_null = false;
+    std::int64_t m_limit = 0;
+    std::optional<std::string> m_job;
+    std::optional<int> m_run;
+};
+
+} // namespace tavix::cli

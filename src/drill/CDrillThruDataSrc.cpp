@@ -1,0 +1,117 @@
+#include "drill/CDrillThruDataSrc.h"
+
+#include "grid/CellSort.h"
+#include "grid/FoldCase.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tavix {
+
+namespace {
+
+constexpr int kDefaultWidth = 120;
+constexpr int kMostWidth = 360;
+// About a letter of the data font, and what the heading's arrow and the cell's margins take.
+constexpr int kLetterWidth = 7;
+constexpr int kMargins = 30;
+constexpr std::uint32_t kMeasuredRows = 200;
+
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+class Finder {
+  public:
+    explicit Finder(std::string_view wanted) : m_folded(foldCase(wanted)), m_isAscii(isAscii(m_folded)) {}
+
+    [[nodiscard]] bool isIn(std::string_view text) const {
+        // Folding changes letters beyond ASCII only to letters beyond ASCII, but for a few signs.
+        if (!m_isAscii)
+            return foldCase(text).find(m_folded) != std::string::npos;
+        return std::search(text.begin(), text.end(), m_folded.begin(), m_folded.end(),
+                           [](char a, char b) { return lower(a) == b; }) != text.end();
+    }
+
+  private:
+    std::string m_folded;
+    bool m_isAscii;
+};
+
+} // namespace
+
+void CDrillThruDataSrc::SetRows(DrillRows rows) {
+    m_rows = std::move(rows);
+    m_order = {};
+    m_sortColumn = -1;
+    m_descending = false;
+    m_widths.clear();
+    for (std::size_t column = 0; column < m_rows.columns().size(); ++column)
+        m_widths.push_back(WidthOf(column));
+}
+
+// Wider than usual where what is read first needs it.
+int CDrillThruDataSrc::WidthOf(std::size_t column) const {
+    std::size_t letters = m_rows.columns()[column].name.size();
+    for (std::uint32_t row = 0; row < std::min(kMeasuredRows, m_rows.count()); ++row)
+        letters = std::max(letters, m_rows.cell(static_cast<int>(column), row).text.size());
+    const auto shown = static_cast<int>(std::min<std::size_t>(letters, kMostWidth));
+    return std::clamp(shown * kLetterWidth + kMargins, kDefaultWidth, kMostWidth);
+}
+
+GridColumn CDrillThruDataSrc::GetColumn(int column) const {
+    const auto at = static_cast<std::size_t>(column);
+    GridColumn shown;
+    shown.heading = m_rows.columns().at(at).name;
+    shown.width = m_widths.at(at);
+    shown.alignment = isNumeric(GetType(column)) ? CellAlignment::Right : CellAlignment::Left;
+    return shown;
+}
+
+GridCell CDrillThruDataSrc::GetCell(int column, std::int64_t row) const {
+    const DrillRows::Cell cell = GetText(column, row);
+    GridCell shown;
+    shown.text = cell.text;
+    shown.alignment = isNumeric(GetType(column)) ? CellAlignment::Right : CellAlignment::Left;
+    shown.state = cell.isNull ? CellState::Null : CellState::Ordinary;
+    return shown;
+}
+
+bool CDrillThruDataSrc::Sort(int column, bool descending) {
+    if (m_rows.count() < 2 || column < 0 || column >= GetColumnCount())
+        return false;
+    const auto textsFrom = [this, column](std::uint32_t first, std::span<std::string_view> texts) {
+        m_rows.texts(column, first, texts);
+    };
+    m_order = sortedByText(m_rows.count(), textsFrom, descending);
+    m_sortColumn = column;
+    m_descending = descending;
+    return true;
+}
+
+CDrillThruDataSrc::SortArrow CDrillThruDataSrc::GetSortArrow(int column) const {
+    if (column != m_sortColumn)
+        return SortArrow::None;
+    return m_descending ? SortArrow::Down : SortArrow::Up;
+}
+
+std::optional<CellPlace> findText(const CDrillThruDataSrc& source, std::string_view text, CellPlace from,
+                                  SearchDirection direction, bool beyond) {
+    const std::int64_t columns = source.GetColumnCount();
+    const std::int64_t cells = source.GetRowCount() * columns;
+    if (text.empty() || cells == 0)
+        return std::nullopt;
+    const Finder finder(text);
+    const std::int64_t step = direction == SearchDirection::Forward ? 1 : -1;
+    std::int64_t at = std::clamp<std::int64_t>(from.row * columns + from.column, 0, cells - 1);
+    if (beyond)
+        at = (at + step + cells) % cells;
+    for (std::int64_t left = cells; left > 0; --left, at = (at + step + cells) % cells) {
+        const CellPlace place{at / columns, static_cast<int>(at % columns)};
+        if (finder.isIn(source.GetText(place.column, place.row).text))
+            return place;
+    }
+    return std::nullopt;
+}
+
+} // namespace tavix

@@ -1,0 +1,269 @@
+#include "drill/ui/CDrillThru.h"
+
+#include "base/ui/QtText.h"
+#include "base/ui/Theme.h"
+#include "doc/DisplaySettings.h"
+#include "doc/Settings.h"
+#include "drill/DrillOutput.h"
+#include "drill/ui/DrillPrint.h"
+#include "drill/ui/DrillProgress.h"
+#include "grid/ui/CUGCtrl.h"
+
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QIcon>
+#include <QItemSelectionModel>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QPushButton>
+#include <QScreen>
+#include <QShortcut>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
+
+namespace tavix {
+
+namespace {
+
+constexpr int kMargin = 12;
+constexpr QSize kUsualSize(900, 560);
+constexpr int kSmallestWidth = 420;
+// A search in this many cells takes long enough to show that it goes on.
+constexpr std::int64_t kManyCells = 1'000'000;
+
+// As wide as the columns need, within reason.
+QSize sizeFor(const CDrillThruDataSrc& source, const QScreen* screen) {
+    int width = 60;
+    for (int column = 0; column < source.GetColumnCount(); ++column)
+        width += source.GetColumn(column).width;
+    const QSize most = screen ? screen->availableSize() * 9 / 10 : kUsualSize;
+    return QSize(std::clamp(width, kSmallestWidth + 180, kUsualSize.width() + 200), kUsualSize.height()).boundedTo(most);
+}
+
+QToolButton* arrowButton(Qt::ArrowType arrow, const QString& name, const QString& keys, QWidget* parent) {
+    auto* button = new QToolButton(parent);
+    button->setArrowType(arrow);
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::TabFocus);
+    button->setAccessibleName(name);
+    button->setToolTip(QStringLiteral("%1 (%2)").arg(name, keys));
+    return button;
+}
+
+} // namespace
+
+CDrillThru::CDrillThru(DrillRequest request, DrillProgress& progress, SettingsStore& settings, Messages& messages,
+                       QWidget* parent)
+    : QDialog(parent, Qt::Window), m_settings(settings), m_messages(messages), m_context(request.context) {
+    AskPath = [this] { return ChoosePath(); };
+    AskPrinter = [this](QPrinter& printer) { return ChoosePrinter(printer); };
+    setObjectName(QStringLiteral("drillThru"));
+    setWindowTitle(toQString(drillTitle(request.origin)));
+    if (parent)
+        setWindowIcon(parent->window()->windowIcon());
+    MakeControls(request.subject);
+    m_grid->setFont(toQFont(readStatFont(m_settings), font()));
+    m_grid->SetShowsInvisible(readShowsInvisible(m_settings));
+    ReadRows(std::move(request), progress);
+    m_grid->SetSource(&m_source);
+    const bool hasRows = m_source.GetRowCount() > 0;
+    m_export->setEnabled(hasRows);
+    m_print->setEnabled(hasRows);
+    m_find->setEnabled(hasRows);
+    m_grid->SortBy(0, false);
+    m_grid->SelectRow(0);
+    m_grid->setFocus();
+}
+
+// The grid must not ask for rows while they are torn down.
+CDrillThru::~CDrillThru() {
+    m_grid->SetSource(nullptr);
+}
+
+CDrillThru* CDrillThru::Show(DrillRequest request, DrillProgress& progress, SettingsStore& settings, Messages& messages,
+                             QWidget* parent, const QWidget& over) {
+    auto* window = new CDrillThru(std::move(request), progress, settings, messages, parent);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    const QWidget& frame = *over.window();
+    window->resize(sizeFor(window->m_source, frame.screen()));
+    QRect place(QPoint(), window->size());
+    place.moveCenter(frame.geometry().center());
+    if (const QScreen* screen = frame.screen()) {
+        const QRect room = screen->availableGeometry();
+        place.moveLeft(std::max(room.left(), std::min(place.left(), room.right() - place.width())));
+        place.moveTop(std::max(room.top(), std::min(place.top(), room.bottom() - place.height())));
+    }
+    window->move(place.topLeft());
+    window->show();
+    if (window->m_failed)
+        messages.warn(kDrillUnavailable, kDrillErrorCaption);
+    return window;
+}
+
+void CDrillThru::MakeControls(const std::string& subject) {
+    m_subject = new QLabel(toQString(subject).simplified(), this);
+    m_subject->setObjectName(QStringLiteral("subject"));
+    // It quotes the data.
+    m_subject->setTextFormat(Qt::PlainText);
+    m_subject->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_subject->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    QFont strong = m_subject->font();
+    strong.setWeight(QFont::DemiBold);
+    m_subject->setFont(strong);
+
+    m_find = new QLineEdit(this);
+    m_find->setObjectName(QStringLiteral("find"));
+    m_find->setPlaceholderText(tr("Find in all columns (Ctrl+F)"));
+    m_find->setAccessibleName(tr("Find in all columns"));
+    m_find->setClearButtonEnabled(true);
+    m_find->setMinimumWidth(240);
+    m_find->setMaxLength(1000);
+    m_notFound = new QLabel(tr("Not found"), this);
+    m_notFound->setObjectName(QStringLiteral("notFound"));
+    m_notFound->hide();
+    QToolButton* previous = arrowButton(Qt::UpArrow, tr("Find previous"), tr("Shift+F3"), this);
+    QToolButton* next = arrowButton(Qt::DownArrow, tr("Find next"), tr("F3"), this);
+
+    m_grid = new CUGCtrl(this);
+    m_grid->setAccessibleName(tr("Rows of the source"));
+    m_status = new QLabel(this);
+    m_status->setObjectName(QStringLiteral("status"));
+    m_status->setTextFormat(Qt::PlainText);
+    m_status->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_status->setWordWrap(true);
+    auto* buttons = new QDialogButtonBox(this);
+    m_export = buttons->addButton(tr("&Export..."), QDialogButtonBox::ActionRole);
+    m_print = buttons->addButton(tr("&Print..."), QDialogButtonBox::ActionRole);
+    QPushButton* close = buttons->addButton(tr("&Close"), QDialogButtonBox::RejectRole);
+    m_export->setObjectName(QStringLiteral("export"));
+    m_print->setObjectName(QStringLiteral("print"));
+    close->setObjectName(QStringLiteral("close"));
+    // Enter belongs to the list and to the search.
+    for (QAbstractButton* button : buttons->buttons())
+        static_cast<QPushButton*>(button)->setAutoDefault(false);
+
+    auto* above = new QHBoxLayout();
+    above->setContentsMargins(kMargin, kMargin, kMargin, kMargin - 2);
+    above->addWidget(m_subject, 1);
+    above->addWidget(m_notFound);
+    above->addWidget(m_find);
+    above->addWidget(previous);
+    above->addWidget(next);
+    auto* below = new QHBoxLayout();
+    below->setContentsMargins(kMargin, kMargin - 2, kMargin, kMargin);
+    below->addWidget(m_status, 1);
+    below->addWidget(buttons);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(above);
+    layout->addWidget(m_grid, 1);
+    layout->addLayout(below);
+    setMinimumWidth(kSmallestWidth);
+
+    connect(close, &QPushButton::clicked, this, &QDialog::close);
+    connect(m_export, &QAbstractButton::clicked, this, &CDrillThru::Export);
+    connect(m_print, &QAbstractButton::clicked, this, &CDrillThru::Print);
+    connect(m_find, &QLineEdit::textChanged, this, [this] { Find(SearchDirection::Forward, false); });
+    connect(next, &QToolButton::clicked, this, [this] { Find(SearchDirection::Forward, true); });
+    connect(previous, &QToolButton::clicked, this, [this] { Find(SearchDirection::Backward, true); });
+    const auto onKey = [this](const QKeySequence& keys, auto&& act) {
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, act);
+    };
+    onKey(QKeySequence::Find, [this] {
+        m_find->setFocus(Qt::ShortcutFocusReason);
+        m_find->selectAll();
+    });
+    onKey(Qt::Key_F3, [this] { Find(SearchDirection::Forward, true); });
+    onKey(Qt::SHIFT | Qt::Key_F3, [this] { Find(SearchDirection::Backward, true); });
+}
+
+void CDrillThru::ReadRows(DrillRequest request, DrillProgress& progress) {
+    const std::int64_t limit = readInteger(m_settings, Setting::MaxDrillThruRows);
+    DrillResult result = readDrillRows(std::move(request.cursor), request.mode, limit,
+                                       [&progress](std::int64_t rows) { return progress.Found(rows); });
+    m_failed = result.end == DrillEnd::Failed;
+    m_status->setText(toQString(drillStatus(result, request.inRun)));
+    m_source.SetRows(std::move(result.rows));
+}
+
+void CDrillThru::Find(SearchDirection direction, bool beyond) {
+    const std::int64_t cells = m_source.GetRowCount() * m_source.GetColumnCount();
+    const auto busy = cells >= kManyCells ? m_messages.busy() : nullptr;
+    const QModelIndex current = m_grid->currentIndex();
+    const CellPlace from = current.isValid() ? CellPlace{current.row(), current.column()} : CellPlace{};
+    const auto found = findText(m_source, toUtf8(m_find->text()), from, direction, beyond);
+    m_notFound->setVisible(!found && !m_find->text().isEmpty());
+    if (!found)
+        return;
+    const QModelIndex index = m_grid->model()->index(static_cast<int>(found->row), found->column);
+    m_grid->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    m_grid->scrollTo(index);
+}
+
+void CDrillThru::keyPressEvent(QKeyEvent* event) {
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isEnter && m_find->hasFocus())
+        return Find(event->modifiers().testFlag(Qt::ShiftModifier) ? SearchDirection::Backward : SearchDirection::Forward,
+                    true);
+    // The first Escape empties the search, the next closes the window.
+    if (event->key() == Qt::Key_Escape && m_find->hasFocus() && !m_find->text().isEmpty()) {
+        m_find->clear();
+        return m_grid->setFocus();
+    }
+    QDialog::keyPressEvent(event);
+}
+
+QString CDrillThru::ChoosePath() {
+    QFileDialog dialog(this, tr("Export"), toQString(drillFolder(m_settings)));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    // The question is ours, since it comes whichever way a path was given.
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    const QStringList parts = toQString(kDrillFilePatterns).split(u'|', Qt::SkipEmptyParts);
+    QStringList filters;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2)
+        filters << QStringLiteral("%1 (%2)").arg(parts[i].section(QStringLiteral(" ("), 0, 0),
+                                                 QString(parts[i + 1]).replace(u';', u' '));
+    dialog.setNameFilters(filters);
+    dialog.setDefaultSuffix(toQString(kDrillFileExtension));
+    connect(&dialog, &QFileDialog::filterSelected, &dialog, [&dialog](const QString& filter) {
+        dialog.setDefaultSuffix(filter.contains(QLatin1String("*.xls")) ? QStringLiteral("xls")
+                                                                        : toQString(kDrillFileExtension));
+    });
+    dialog.selectFile(toQString(drillFileName(m_context)));
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+void CDrillThru::Export() {
+    if (const QString path = AskPath(); !path.isEmpty())
+        saveDrillRows(m_source, QFile::encodeName(path).toStdString(), m_context, m_messages);
+}
+
+bool CDrillThru::ChoosePrinter(QPrinter& printer) {
+    QPrintDialog dialog(&printer, this);
+    dialog.setWindowTitle(tr("Print"));
+    dialog.setOption(QAbstractPrintDialog::PrintPageRange);
+    return dialog.exec() == QDialog::Accepted;
+}
+
+void CDrillThru::Print() {
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setDocName(toQString(kDrillPrintJob));
+    if (m_source.GetColumnCount() > 6)
+        printer.setPageOrientation(QPageLayout::Landscape);
+    if (!AskPrinter(printer))
+        return;
+    const auto busy = m_messages.busy();
+    if (!printDrillRows(m_source, m_subject->text(), m_grid->font(), printer))
+        m_messages.warn("The printer cannot be started.", "Print");
+}
+
+} // namespace tavix

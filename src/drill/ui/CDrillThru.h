@@ -1,0 +1,83 @@
+#pragma once
+
+#include "base/Messages.h"
+#include "base/SettingsStore.h"
+#include "drill/CDrillThruDataSrc.h"
+#include "drill/DrillTexts.h"
+
+#include <QDialog>
+
+#include <functional>
+#include <optional>
+#include <string>
+
+class QAbstractButton;
+class QLabel;
+class QLineEdit;
+class QPrinter;
+
+namespace tavix {
+
+class CUGCtrl;
+class DrillProgress;
+
+/// What a drill-through window is opened with.
+struct DrillRequest {
+    DrillOrigin origin = DrillOrigin::Frequency;
+    DrillCursor cursor;
+    DrillSourceMode mode = DrillSourceMode::Rows;
+    std::string context;               ///< name of the table or field, for files
+    std::string subject;               ///< which rows these are, for people
+    std::optional<std::int64_t> inRun; ///< how many the run counted, if that is known
+};
+
+/// The source rows behind a figure. The window reads them while it is made, up to MaxDrillThruRows, gives the cursor
+/// back and keeps them until it is closed; it needs neither the repository nor the tab that opened it. Several may be
+/// open at once.
+class CDrillThru final : public QDialog {
+    Q_OBJECT
+  public:
+    /// Reads the rows. `progress` is the sink that the cursor was opened with, and is not needed afterwards; settings
+    /// and messages must outlive the window.
+    CDrillThru(DrillRequest request, DrillProgress& progress, SettingsStore& settings, Messages& messages,
+               QWidget* parent);
+    ~CDrillThru() override;
+
+    /// Makes a window that deletes itself, centred over `over`, and shows it. When the source failed it is there with
+    /// the rows read so far, and the user has been told. It goes with `parent`, at the latest.
+    static CDrillThru* Show(DrillRequest request, DrillProgress& progress, SettingsStore& settings, Messages& messages,
+                            QWidget* parent, const QWidget& over);
+
+    [[nodiscard]] const CDrillThruDataSrc& GetSource() const { return m_source; }
+    /// Asks for the file to save in; "" for none. By default a dialog, which tests replace.
+    std::function<QString()> AskPath;
+    /// Lets the user choose printer and pages; false for none. By default a dialog, which tests replace.
+    std::function<bool(QPrinter&)> AskPrinter;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    void MakeControls(const std::string& subject);
+    void ReadRows(DrillRequest request, DrillProgress& progress);
+    void Find(SearchDirection direction, bool beyond);
+    void Export();
+    void Print();
+    [[nodiscard]] QString ChoosePath();
+    [[nodiscard]] bool ChoosePrinter(QPrinter& printer);
+
+    SettingsStore& m_settings;
+    Messages& m_messages;
+    std::string m_context;
+    CDrillThruDataSrc m_source;
+    bool m_failed = false;
+    QLabel* m_subject = nullptr;
+    QLineEdit* m_find = nullptr;
+    QLabel* m_notFound = nullptr;
+    CUGCtrl* m_grid = nullptr;
+    QLabel* m_status = nullptr;
+    QAbstractButton* m_export = nullptr;
+    QAbstractButton* m_print = nullptr;
+};
+
+} // namespace tavix

@@ -1,0 +1,227 @@
+#include "drill/ui/CDrillThru.h"
+
+#include "base/tests/ScriptedMessages.h"
+#include "base/tests/TempFolder.h"
+#include "base/ui/QtText.h"
+#include "base/ui/tests/NamedControls.h"
+#include "drill/tests/FakeCursors.h"
+#include "drill/ui/DrillProgress.h"
+#include "grid/ui/CUGCtrl.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QClipboard>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPrinter>
+#include <QTest>
+#include <QTimer>
+
+#include <gmock/gmock.h>
+
+namespace tavix {
+namespace {
+
+using testing::FakeSource;
+using testing::openDrill;
+using testing::openProfile;
+using testing::sampleSource;
+using ::testing::ElementsAre;
+
+class DrillThru : public ::testing::Test {
+  protected:
+    CDrillThru* open(DrillCursor cursor, DrillOrigin origin = DrillOrigin::Frequency,
+                     std::optional<std::int64_t> inRun = {}, DrillSourceMode mode = DrillSourceMode::Rows) {
+        DrillRequest request;
+        request.origin = origin;
+        request.cursor = std::move(cursor);
+        request.mode = mode;
+        request.context = "city";
+        request.subject = "city: <b>Berlin</b>";
+        request.inRun = inRun;
+        DrillProgress progress(m_messages, &m_frame);
+        return CDrillThru::Show(std::move(request), progress, *m_settings, m_messages, &m_frame, m_frame);
+    }
+    static CUGCtrl& grid(const CDrillThru& window) { return *window.findChild<CUGCtrl*>(); }
+    static QAbstractButton& button(const CDrillThru& window, const char* name) {
+        return *window.findChild<QAbstractButton*>(QLatin1String(name));
+    }
+    static std::string status(const CDrillThru& window) {
+        return toUtf8(window.findChild<QLabel*>(QStringLiteral("status"))->text());
+    }
+    static std::vector<std::string> column(const CDrillThru& window, int at) {
+        std::vector<std::string> texts;
+        for (int row = 0; row < grid(window).model()->rowCount(); ++row)
+            texts.push_back(toUtf8(grid(window).model()->index(row, at).data().toString()));
+        return texts;
+    }
+
+    std::unique_ptr<SettingsStore> m_settings = makeMemorySettings();
+    testing::ScriptedMessages m_messages;
+    testing::TempFolder m_folder;
+    QWidget m_frame;
+};
+
+TEST_F(DrillThru, showsRowsSortedAndGivesTheCursorBack) {
+    m_frame.setGeometry(100, 100, 1000, 700);
+    m_frame.show();
+    FakeSource source = sampleSource({"b", "a"});
+    source.rows[0][0] = KvbString("10");
+    source.rows[1][0] = KvbString("9");
+    const CDrillThru& window = *open(openDrill(source), DrillOrigin::Outliers);
+    EXPECT_EQ(source.released, 1);
+    EXPECT_EQ(toUtf8(window.windowTitle()), "Outliers Drill Through");
+    EXPECT_FALSE(window.isModal());
+    EXPECT_LE((window.geometry().center() - m_frame.geometry().center()).manhattanLength(), 2);
+    EXPECT_THAT(column(window, 0), ElementsAre("9", "10"));
+    EXPECT_EQ(window.GetSource().GetSortArrow(0), CDrillThruDataSrc::SortArrow::Up);
+    EXPECT_EQ(toUtf8(window.findChild<QLabel*>(QStringLiteral("subject"))->text()), "city: <b>Berlin</b>");
+    EXPECT_EQ(status(window), "2 rows");
+    EXPECT_TRUE(button(window, "export").isEnabled() && button(window, "print").isEnabled());
+    EXPECT_EQ(grid(window).GetSelectedRows(), std::vector<std::int64_t>{0});
+    EXPECT_TRUE(grid(window).verticalHeader()->isHidden());
+    EXPECT_GT(testing::namedControls(const_cast<CDrillThru&>(window)), 5);
+}
+
+TEST_F(DrillThru, withoutRowsThereIsNothingToExportOrPrint) {
+    FakeSource source = sampleSource({});
+    const CDrillThru& window = *open(openProfile(source), DrillOrigin::Frequency, 3);
+    EXPECT_FALSE(button(window, "export").isEnabled() || button(window, "print").isEnabled());
+    EXPECT_TRUE(button(window, "close").isEnabled());
+    EXPECT_EQ(window.GetSource().GetSortArrow(0), CDrillThruDataSrc::SortArrow::None);
+    EXPECT_EQ(grid(window).model()->columnCount(), 3);
+    EXPECT_EQ(status(window), "3 in the run, 0 now: the source changed since");
+    EXPECT_EQ(source.released, 1);
+}
+
+TEST_F(DrillThru, severalAreOpenAtOnceEachWithItsRows) {
+    ASSERT_TRUE(m_settings->write("TAVIX", "MaxDrillThruRows", "2").ok());
+    FakeSource first = sampleSource({"a", "b", "c"});
+    FakeSource second{{"Row", "Rule Id", "Position", "id"}, {}, {{"9", "1", "0", "x"}}};
+    QPointer<CDrillThru> one = open(openDrill(first), DrillOrigin::Frequency, 3);
+    QPointer<CDrillThru> two =
+        open(openProfile(second), DrillOrigin::BusinessRule, {}, DrillSourceMode::RuleLog);
+    EXPECT_EQ(toUtf8(two->windowTitle()), "Business Rule Violation Drill Through");
+    EXPECT_THAT(column(*one, 2), ElementsAre("a", "b"));
+    EXPECT_EQ(status(*one), "The first 2 rows of 3: the limit in the options is reached");
+    EXPECT_THAT(column(*two, 0), ElementsAre("x"));
+    QTest::keyClick(two, Qt::Key_Escape);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(two);
+    ASSERT_TRUE(one);
+    button(*one, "close").click();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(one);
+}
+
+TEST_F(DrillThru, aFailureIsSaidAndWhatWasReadStays) {
+    FakeSource source = sampleSource({"a", "b", "c"});
+    source.failsAt = 2;
+    m_messages.expectWarn("Drill through information is unavailable for this item.", "Error");
+    const CDrillThru& window = *open(openDrill(source));
+    EXPECT_EQ(source.released, 1);
+    EXPECT_THAT(column(window, 2), ElementsAre("a", "b"));
+    EXPECT_EQ(status(window), "Incomplete: the first 2 rows. The source is gone.");
+}
+
+TEST_F(DrillThru, headingsSortAndToggle) {
+    FakeSource source = sampleSource({"b", "a", "C"});
+    const CDrillThru& window = *open(openDrill(source));
+    QHeaderView& header = *grid(window).horizontalHeader();
+    const auto click = [&header](int section) {
+        const QPoint at(header.sectionViewportPosition(section) + 20, header.height() / 2);
+        QTest::mouseClick(header.viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    };
+    click(2);
+    EXPECT_THAT(column(window, 2), ElementsAre("a", "b", "C"));
+    click(2);
+    EXPECT_THAT(column(window, 2), ElementsAre("C", "b", "a"));
+    EXPECT_EQ(window.GetSource().GetSortArrow(2), CDrillThruDataSrc::SortArrow::Down);
+    click(0);
+    EXPECT_THAT(column(window, 0), ElementsAre("0", "1", "2"));
+}
+
+TEST_F(DrillThru, typingFindsCellsOfAllColumns) {
+    FakeSource source = sampleSource({"alpha", "beta", "Alphabet"});
+    CDrillThru& window = *open(openDrill(source));
+    QApplication::setActiveWindow(&window);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(&window, Qt::Key_F, Qt::ControlModifier);
+    auto& find = *window.findChild<QLineEdit*>(QStringLiteral("find"));
+    ASSERT_TRUE(find.hasFocus());
+    const auto current = [&window] {
+        const QModelIndex at = grid(window).currentIndex();
+        return std::pair(at.row(), at.column());
+    };
+    QTest::keyClicks(&find, QStringLiteral("alpha"));
+    EXPECT_EQ(current(), std::pair(0, 2));
+    QTest::keyClick(&find, Qt::Key_Return);
+    EXPECT_EQ(current(), std::pair(2, 2));
+    EXPECT_EQ(grid(window).GetSelectedRows(), std::vector<std::int64_t>{2});
+    QTest::keyClick(&find, Qt::Key_F3, Qt::ShiftModifier);
+    EXPECT_EQ(current(), std::pair(0, 2));
+    const auto& notFound = *window.findChild<QLabel*>(QStringLiteral("notFound"));
+    EXPECT_FALSE(notFound.isVisible());
+    QTest::keyClicks(&find, QStringLiteral("q"));
+    EXPECT_TRUE(notFound.isVisible());
+    EXPECT_EQ(current(), std::pair(0, 2));
+    QTest::keyClick(&find, Qt::Key_Escape);
+    EXPECT_TRUE(window.isVisible() && find.text().isEmpty() && grid(window).hasFocus());
+    EXPECT_FALSE(notFound.isVisible());
+}
+
+TEST_F(DrillThru, exportsCopiesAndPrints) {
+    FakeSource source = sampleSource({"a, b"});
+    CDrillThru& window = *open(openDrill(source));
+    window.AskPath = [] { return QString(); };
+    button(window, "export").click();
+    const std::string path = m_folder.file("rows.csv");
+    window.AskPath = [&path] { return toQString(path); };
+    button(window, "export").click();
+    QFile file(toQString(path));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll().toStdString(), "\"id\",\"price\",\"name\"\n0,0.5,\"a, b\"\n");
+
+    grid(window).selectAll();
+    QTest::keyClick(&grid(window), Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(toUtf8(QApplication::clipboard()->text()), "id\tprice\tname\r\n0\t0.5\ta, b\r\n");
+
+    const QString pdf = toQString(m_folder.file("rows.pdf"));
+    QString job;
+    window.AskPrinter = [&](QPrinter& printer) {
+        job = printer.docName();
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(pdf);
+        return true;
+    };
+    button(window, "print").click();
+    EXPECT_EQ(toUtf8(job), "Profile - Drill Through");
+    QFile printed(pdf);
+    ASSERT_TRUE(printed.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(printed.readAll().startsWith("%PDF"));
+}
+
+TEST_F(DrillThru, aLongReadingCanBeCancelled) {
+    DrillProgress progress(m_messages, &m_frame);
+    EXPECT_TRUE(progress.progress("Reading", 1, 100));
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << "shown before it is worth while";
+    // Cancels as soon as the dialog is there.
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [] {
+        if (QWidget* dialog = QApplication::activeModalWidget())
+            QTest::keyClick(dialog, Qt::Key_Escape);
+    });
+    poll.start(5);
+    QElapsedTimer since;
+    since.start();
+    while (progress.progress("Reading", 50, 100) && since.elapsed() < 20'000) {
+    }
+    EXPECT_TRUE(progress.WasCancelled());
+    EXPECT_FALSE(progress.Found(7));
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+}
+
+} // namespace
+} // namespace tavix

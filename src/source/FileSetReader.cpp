@@ -1,0 +1,83 @@
+#include "source/FileSetReader.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace tavix::source {
+
+Result<std::unique_ptr<FileSetReader>> FileSetReader::open(std::vector<std::string> files,
+                                                           const TextFileOptions& options) {
+    std::unique_ptr<FileSetReader> set(new FileSetReader(std::move(files), options));
+    auto first = TextFileReader::open(set->m_files.front(), options);
+    if (!first)
+        return first.error();
+    set->m_current = std::move(*first);
+    set->m_names.assign(set->m_current->columnNames().begin(), set->m_current->columnNames().end());
+    set->m_options.hasHeader = set->m_current->hasHeader();
+    set->m_options.findHeader = false;
+    set->m_total = set->m_current->total();
+    set->takeDamage();
+    return set;
+}
+
+Status FileSetReader::compare(const TextFileReader& reader) const {
+    const auto names = reader.columnNames();
+    const auto [mine, theirs] = std::mismatch(m_names.begin(), m_names.end(), names.begin(), names.end());
+    if (mine == m_names.end() && theirs == names.end())
+        return {};
+    const std::string all = fmt::format("the files of a table have the same columns, but \"{}\" has", m_files.front());
+    if (m_names.size() != names.size())
+        return Error{fmt::format("{} {} and \"{}\" {}", all, m_names.size(), reader.path(), names.size())};
+    return Error{fmt::format("{} \"{}\" where \"{}\" has \"{}\", in column {}", all, *mine, reader.path(), *theirs,
+                             mine - m_names.begin() + 1)};
+}
+
+Status FileSetReader::checkColumns() {
+    std::int64_t total = m_current->total();
+    for (std::size_t i = 1; i < m_files.size(); ++i) {
+        const auto reader = TextFileReader::open(m_files[i], m_options);
+        if (!reader)
+            return reader.error();
+        if (Status status = compare(**reader); !status)
+            return status;
+        total += (*reader)->total();
+    }
+    m_total = total;
+    return {};
+}
+
+void FileSetReader::takeDamage() {
+    const auto listed = m_current->damagedRows();
+    for (; m_damageTaken < listed.size() && m_damaged.size() < kListedDamage; ++m_damageTaken) {
+        m_damaged.push_back(listed[m_damageTaken]);
+        m_damaged.back().file = m_index;
+    }
+}
+
+Result<bool> FileSetReader::read(RowBlock& block) {
+    for (;;) {
+        auto more = m_current->read(block);
+        if (!more)
+            return more;
+        takeDamage();
+        m_rows.back() += static_cast<std::int64_t>(block.rows);
+        if (*more || m_index + 1 == m_files.size())
+            return more;
+        auto next = TextFileReader::open(m_files[m_index + 1], m_options);
+        if (!next)
+            return next.error();
+        if (Status status = compare(**next); !status)
+            return status.error();
+        m_bytesBefore += m_current->position();
+        m_damagedBefore += m_current->damagedRowCount();
+        m_damageTaken = 0;
+        m_current = std::move(*next);
+        m_rows.push_back(0);
+        ++m_index;
+        takeDamage();
+    }
+}
+
+} // namespace tavix::source

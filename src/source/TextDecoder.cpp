@@ -1,0 +1,92 @@
+#include "source/TextDecoder.h"
+
+#include <fmt/format.h>
+#include <unicode/ucnv.h>
+#include <unicode/ucnv_cb.h>
+#include <unicode/utf16.h>
+
+#include <cstddef>
+
+namespace tavix::source {
+
+namespace {
+
+constexpr std::size_t kUnits = std::size_t{1} << 15;
+/// A lone low surrogate, which no converter gives by itself: what stands for damage until it becomes kNoUtf8.
+constexpr char16_t kDamage = 0xDFFF;
+constexpr char kNoUtf8 = '\xFF';
+
+void markDamage(const void* /*context*/, UConverterToUnicodeArgs* arguments, const char* /*bytes*/,
+                std::int32_t /*length*/, UConverterCallbackReason reason, UErrorCode* status) {
+    if (reason > UCNV_IRREGULAR)
+        return; // the converter is reset, closed or cloned
+    *status = U_ZERO_ERROR;
+    ucnv_cbToUWriteUChars(arguments, &kDamage, 1, 0, status);
+}
+
+char* putCharacter(char* to, char32_t c) {
+    if (c < 0x800) {
+        *to++ = static_cast<char>(0xC0U | (c >> 6U));
+    } else {
+        if (c < 0x10000) {
+            *to++ = static_cast<char>(0xE0U | (c >> 12U));
+        } else {
+            *to++ = static_cast<char>(0xF0U | (c >> 18U));
+            *to++ = static_cast<char>(0x80U | ((c >> 12U) & 0x3FU));
+        }
+        *to++ = static_cast<char>(0x80U | ((c >> 6U) & 0x3FU));
+    }
+    *to++ = static_cast<char>(0x80U | (c & 0x3FU));
+    return to;
+}
+
+} // namespace
+
+TextDecoder::TextDecoder(UConverter* converter)
+    : m_converter(converter), m_units(kUnits), m_text(kUnits * 3 + 4, '\0') {}
+
+TextDecoder::~TextDecoder() {
+    ucnv_close(m_converter);
+}
+
+Result<std::unique_ptr<TextDecoder>> TextDecoder::open(const CEncoding& encoding) {
+    UErrorCode status = U_ZERO_ERROR;
+    UConverter* converter = ucnv_open(encoding.converter, &status);
+    if (U_SUCCESS(status))
+        ucnv_setToUCallBack(converter, &markDamage, nullptr, nullptr, nullptr, &status);
+    if (U_FAILURE(status)) {
+        ucnv_close(converter);
+        return Error{fmt::format("the encoding {} cannot be read: {}", encoding.name, u_errorName(status))};
+    }
+    return std::unique_ptr<TextDecoder>(new TextDecoder(converter));
+}
+
+std::string_view TextDecoder::decode(std::string_view& bytes, bool isLast) {
+    const char* source = bytes.data();
+    const char* const sourceEnd = source + bytes.size();
+    char16_t* units = m_units.data();
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_toUnicode(m_converter, &units, units + m_units.size(), &source, sourceEnd, nullptr, isLast ? 1 : 0, &status);
+    m_hasMore = status == U_BUFFER_OVERFLOW_ERROR;
+    bytes.remove_prefix(static_cast<std::size_t>(source - bytes.data()));
+
+    char* to = m_text.data();
+    for (const char16_t* unit = m_units.data(); unit != units; ++unit) {
+        const char16_t c = *unit;
+        if (c < 0x80)
+            *to++ = static_cast<char>(c);
+        else if (!U16_IS_SURROGATE(c))
+            to = putCharacter(to, c);
+        else if (U16_IS_SURROGATE_LEAD(c))
+            m_high = c;
+        else if (m_high != 0) {
+            to = putCharacter(to, static_cast<char32_t>(U16_GET_SUPPLEMENTARY(m_high, c)));
+            m_high = 0;
+        } else {
+            *to++ = kNoUtf8;
+        }
+    }
+    return {m_text.data(), static_cast<std::size_t>(to - m_text.data())};
+}
+
+} // namespace tavix::source

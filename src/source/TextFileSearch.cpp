@@ -1,0 +1,288 @@
+#include "source/TextFileSearch.h"
+
+#include "source/ByteWindow.h"
+#include "source/CellText.h"
+#include "source/TextArena.h"
+#include "source/Utf8.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <bit>
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+#include <utility>
+
+namespace tavix::source {
+
+namespace {
+
+/// Small enough to stay in the processor's cache between the copy from the system and the search.
+constexpr std::size_t kPieceSize = std::size_t{1} << 18;
+constexpr std::size_t kFirstPiece = std::size_t{1} << 16;
+constexpr std::size_t kLargestPiece = std::size_t{1} << 31;
+/// What one read() looks through at most, and how many rows it gives.
+constexpr std::int64_t kTurn = std::int64_t{8} << 20;
+constexpr std::size_t kTurnRows = 1024;
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+
+constexpr std::uint64_t kLastBit = std::uint64_t{1} << 63;
+
+/// The bits from `first` on.
+std::uint64_t from(std::size_t first) {
+    return first < ByteWindow::kSize ? ~std::uint64_t{0} << first : 0;
+}
+
+} // namespace
+
+bool TextFileSearch::canFind(std::string_view value) {
+    return !value.empty() && value.find('"') == std::string_view::npos &&
+           value.find(kReplacement) == std::string_view::npos;
+}
+
+TextFileSearch::TextFileSearch(std::string path, int file) : m_path(std::move(path)), m_file(file) {}
+
+TextFileSearch::~TextFileSearch() {
+    ::close(m_file);
+}
+
+Error TextFileSearch::failure(std::string_view what) const {
+    return Error{fmt::format("\"{}\" {}", m_path, what)};
+}
+
+Result<std::unique_ptr<TextFileSearch>> TextFileSearch::open(const std::string& path, const TextFileOptions& options) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode) && !S_ISDIR(info.st_mode))
+        return Error{fmt::format("\"{}\" is no file that can be read again", path)};
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return Error{fmt::format("\"{}\" cannot be opened: {}", path, std::generic_category().message(errno))};
+    std::unique_ptr<TextFileSearch> search(new TextFileSearch(path, file));
+    if (Status status = search->begin(options); !status)
+        return status.error();
+    return search;
+}
+
+Status TextFileSearch::begin(const TextFileOptions& options) {
+    // How the file is divided is the reader's to say.
+    TextFileOptions beginning = options;
+    if (options.delimiter)
+        beginning.pieceSize = kFirstPiece;
+    auto reader = TextFileReader::open(m_path, beginning);
+    if (!reader)
+        return reader.error();
+    m_names.assign((*reader)->columnNames().begin(), (*reader)->columnNames().end());
+    m_delimiter = (*reader)->delimiter() == '\0' ? '\n' : (*reader)->delimiter();
+    m_size = (*reader)->total();
+    m_modified = (*reader)->modified();
+    m_firstRow = (*reader)->position();
+    m_rowLimit = std::clamp<std::size_t>((std::size_t{1} << 20) / m_names.size(), 1, kTurnRows);
+    struct stat info {};
+    if (::fstat(m_file, &info) != 0)
+        return failure("cannot be read: " + std::generic_category().message(errno));
+    if (static_cast<std::int64_t>(info.st_size) != m_size)
+        return failure("changed its size while it was read");
+    return {};
+}
+
+void TextFileSearch::find(std::size_t column, std::string value) {
+    m_column = column;
+    m_value = std::move(value);
+    // What is no UTF-8 is nowhere: every such byte is read as another text.
+    if (validUtf8Prefix(m_value) == m_value.size() && static_cast<std::int64_t>(m_value.size()) <= m_size)
+        restrictTo({{m_firstRow, m_size}});
+}
+
+void TextFileSearch::restrictTo(std::vector<FileRange> ranges) {
+    m_ranges = std::move(ranges);
+    m_total = 0;
+    for (const FileRange& range : m_ranges)
+        m_total += range.end - range.begin;
+    m_range = 0;
+    startRange();
+}
+
+void TextFileSearch::startRange() {
+    if (m_range < m_ranges.size())
+        m_offset = m_ranges[m_range].begin;
+    m_rowStart = m_resume = m_end = nullptr;
+    m_isLast = m_isQuoted = m_mustTake = false;
+}
+
+Status TextFileSearch::refill() {
+    const auto kept = static_cast<std::size_t>(m_end - m_rowStart);
+    const auto judged = static_cast<std::size_t>(m_resume - m_rowStart);
+    const std::size_t wanted = std::max(kPieceSize, kept * 2);
+    if (wanted > kLargestPiece)
+        return failure("has a row of more than 1 GiB");
+    if (wanted > m_capacity) {
+        auto buffer = std::make_unique_for_overwrite<char[]>(1 + wanted + m_value.size() + 2 * RowScanner::kPadding);
+        if (kept > 0)
+            std::memcpy(buffer.get() + 1, m_rowStart, kept);
+        m_buffer = std::move(buffer);
+        m_capacity = wanted;
+    } else if (kept > 0) {
+        std::memmove(m_buffer.get() + 1, m_rowStart, kept);
+    }
+    char* const text = m_buffer.get() + 1;
+    text[-1] = '\n';
+    const std::int64_t rangeEnd = m_ranges[m_range].end;
+    std::size_t size = kept;
+    while (size < m_capacity && m_offset < rangeEnd) {
+        const auto most = std::min(static_cast<std::int64_t>(m_capacity - size), rangeEnd - m_offset);
+        const ssize_t got = ::pread(m_file, text + size, static_cast<std::size_t>(most), m_offset);
+        if (got < 0) {
+            if (errno == EINTR)
+                continue;
+            return failure("cannot be read: " + std::generic_category().message(errno));
+        }
+        if (got == 0)
+            return failure("changed its size while it was read");
+        size += static_cast<std::size_t>(got);
+        m_offset += got;
+        m_searched += got;
+    }
+    m_isLast = m_offset == rangeEnd;
+    std::memset(text + size, 0, m_value.size() + 2 * RowScanner::kPadding);
+    m_rowStart = text;
+    m_resume = text + judged;
+    m_end = text + size;
+    return {};
+}
+
+Result<bool> TextFileSearch::read(RowBlock& block) {
+    auto arena = std::make_shared<TextArena>();
+    block.rows = 0;
+    block.columns.resize(m_names.size());
+    for (std::vector<Cell>& column : block.columns)
+        column.resize(std::max(column.size(), m_rowLimit));
+    const std::int64_t turnEnd = m_searched + kTurn;
+    while (m_range < m_ranges.size() && block.rows < m_rowLimit && m_searched < turnEnd) {
+        if (isRangeDone()) {
+            ++m_range;
+            startRange();
+        } else if (!search(block, *arena)) {
+            if (block.rows > 0)
+                break; // who asks for few rows does not wait for more
+            if (Status status = refill(); !status)
+                return status.error();
+        }
+    }
+    block.text = std::move(arena);
+    return block.rows > 0 || m_range < m_ranges.size();
+}
+
+bool TextFileSearch::search(RowBlock& block, TextArena& arena) {
+    // A byte is judged by itself, by the one before and by the value and a byte behind it.
+    const auto behind = static_cast<std::ptrdiff_t>(m_isLast ? 0 : m_value.size() + 2);
+    if (!m_end || m_end - m_rowStart < behind)
+        return false;
+    const char* const limit = m_end - behind;
+    for (;;) {
+        if (m_mustTake && !takeRow(block, arena))
+            return false;
+        if (block.rows == m_rowLimit)
+            return true;
+        if (m_resume >= limit)
+            return m_isLast;
+        judgeWindow(limit);
+    }
+}
+
+void TextFileSearch::judgeWindow(const char* limit) {
+    const char* const text = m_resume;
+    const auto size = std::min<std::size_t>(static_cast<std::size_t>(limit - text), ByteWindow::kSize);
+    const std::uint64_t valid = ~from(size);
+    const ByteWindow window(text);
+    const std::uint64_t quotes = window.positionsOf('"') & valid;
+    const std::uint64_t lineFeeds = window.positionsOf('\n');
+    const std::uint64_t returns = window.positionsOf('\r');
+    const std::uint64_t beforeFeeds = lineFeeds >> 1 | (text[ByteWindow::kSize] == '\n' ? kLastBit : 0);
+    /// Those outside quotes that lie behind m_rowStart.
+    std::uint64_t lineEnds = (lineFeeds | (returns & ~beforeFeeds)) & valid;
+    const auto goToRowOf = [&](std::size_t place) {
+        if (const std::uint64_t before = lineEnds & ~from(place); before != 0)
+            m_rowStart = text + ByteWindow::kSize - std::countl_zero(before);
+    };
+    const ByteWindow shifted(text + m_value.size() - 1);
+    const std::uint64_t candidates = window.positionsOf(m_value.front(), shifted, m_value.back()) & valid;
+
+    m_resume = text + size;
+    for (std::uint64_t marks = quotes | candidates; marks != 0;) {
+        const auto place = static_cast<std::size_t>(std::countr_zero(marks));
+        marks &= marks - 1;
+        const char* const at = text + place;
+        if (*at != '"') {
+            if (!looksLikeCell(at))
+                continue;
+            if (!m_isQuoted)
+                goToRowOf(place);
+            m_mustTake = true;
+            return;
+        }
+        if (!m_isQuoted) {
+            // Elsewhere than at the beginning of a cell a quote is a character like others.
+            if (isSeparator(at[-1])) {
+                goToRowOf(place);
+                m_isQuoted = true;
+            }
+        } else if (at + 1 < m_end && at[1] == '"') {
+            marks &= from(place + 2);
+            m_resume = std::max(m_resume, at + 2);
+        } else {
+            m_isQuoted = false;
+            lineEnds &= from(place + 1);
+            // Text behind the closing quote is a part of the cell, which thus stands nowhere in one piece.
+            if (at + 1 < m_end && !isSeparator(at[1])) {
+                m_mustTake = true;
+                return;
+            }
+        }
+    }
+    if (!m_isQuoted)
+        goToRowOf(ByteWindow::kSize);
+}
+
+bool TextFileSearch::looksLikeCell(const char* at) const {
+    const std::size_t size = m_value.size();
+    if (static_cast<std::size_t>(m_end - at) < size)
+        return false;
+    const char* const end = at + size;
+    const bool isWhole = m_isQuoted ? at[-1] == '"' && (end == m_end || *end == '"')
+                                    : isSeparator(at[-1]) && (end == m_end || isSeparator(*end));
+    return isWhole && std::memcmp(at, m_value.data(), size) == 0;
+}
+
+bool TextFileSearch::takeRow(RowBlock& block, TextArena& arena) {
+    RowScanner scanner(m_rowStart, m_end, m_delimiter, m_isLast);
+    m_cells.clear();
+    const ScannedRow row = scanner.scan([&](std::size_t, const RawCell& cell) { m_cells.push_back(cell); });
+    if (row.end == RowEnd::Unfinished)
+        return false;
+    m_rowStart = m_resume = scanner.position();
+    m_isQuoted = m_mustTake = false;
+    keepIfWanted(block, arena);
+    return true;
+}
+
+void TextFileSearch::keepIfWanted(RowBlock& block, TextArena& arena) {
+    bool ignored = false;
+    if (m_column >= m_cells.size())
+        return;
+    const Cell found = cellText(m_cells[m_column], false, '"', arena, ignored);
+    if (std::string_view(found.data, found.size) != m_value)
+        return;
+    for (std::size_t c = 0; c < m_names.size(); ++c) {
+        Cell& cell = block.columns[c][block.rows];
+        cell = c < m_cells.size() ? cellText(m_cells[c], false, '"', arena, ignored) : Cell{};
+        if (!cell.isNull)
+            cell.data = arena.keep({cell.data, cell.size});
+    }
+    ++block.rows;
+}
+
+} // namespace tavix::source

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "base/Clock.h"
+#include "base/Result.h"
+#include "source/EncodingDetector.h"
+#include "source/TextDecoder.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace tavix::source {
+
+/// A text file from its first byte to its last as UTF-8, whatever encoding it is in. Damage stays in it as bytes that
+/// are no UTF-8.
+class TextInput {
+  public:
+    /// Opens the file and looks at its first MiB, where the encoding is found; a stated `encoding` needs no more than
+    /// `beginning` bytes of it. An error for a file that cannot be read and for a folder.
+    [[nodiscard]] static Result<std::unique_ptr<TextInput>> open(const std::string& path, const CEncoding* encoding,
+                                                                 std::size_t beginning);
+    ~TextInput();
+    TextInput(const TextInput&) = delete;
+    TextInput& operator=(const TextInput&) = delete;
+
+    /// Fills `target` with what follows and returns how much that is: less than `size` at the end of the file only. An
+    /// error when the file turns out to have been changed since it was opened.
+    [[nodiscard]] Result<std::size_t> read(char* target, std::size_t size);
+
+    [[nodiscard]] const std::string& path() const { return m_path; }
+    [[nodiscard]] const FoundEncoding& encoding() const { return m_encoding; }
+    /// Bytes of the file; 0 when it does not say, as a pipe does not.
+    [[nodiscard]] std::int64_t size() const { return m_size; }
+    [[nodiscard]] UtcTime modified() const { return m_modified; }
+    /// Bytes of the file that what was read takes, save for its last `rest` bytes; about so many when it was decoded.
+    [[nodiscard]] std::int64_t position(std::size_t rest) const;
+    [[nodiscard]] Error failure(std::string_view what) const;
+
+  private:
+    TextInput(std::string path, int file);
+    Status begin(const CEncoding* encoding, std::size_t beginning);
+    Result<std::size_t> readBytes(char* target, std::size_t size);
+    Result<std::size_t> readDecoded(char* target, std::size_t size);
+    Status readChunk();
+    Status checkUnchanged() const;
+
+    std::string m_path;
+    int m_file;
+    std::int64_t m_size = 0;
+    UtcTime m_modified{};
+    std::int64_t m_bytesRead = 0;
+    FoundEncoding m_encoding;
+
+    std::string m_chunk;         ///< of the file: its beginning at first, later what is to be decoded
+    std::string_view m_raw;      ///< what was not taken of m_chunk
+    std::string_view m_text;     ///< decoded and not taken
+    bool m_isFileDone = false;   ///< m_raw is the last of it
+    std::int64_t m_rawTaken = 0; ///< of the file
+    std::int64_t m_handedOut = 0;
+    std::unique_ptr<TextDecoder> m_decoder; ///< null for UTF-8
+};
+
+} // namespace tavix::source

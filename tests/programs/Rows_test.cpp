@@ -1,0 +1,93 @@
+#include "Program.h"
+#include "base/tests/TempFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+namespace tavix::testing {
+namespace {
+
+using ::testing::HasSubstr;
+
+/// A job over orders.csv and a table of its rows with a price above 2.
+class RowsOfASource : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        write("orders.csv", "id,city,price\n1,Bern,2.5\n2,,3\n3,\"\",1\n4,Bern,\n5,\"a\nb\",7\n12345,x,8\n");
+        write("job.yaml", "job: J\ntables:\n  - file: orders.csv\n  - name: dear\n    based on: orders\n"
+                          "    where: \"`price` > 2\"\n");
+        const Outcome profiled = runTavix({"profile", m_folder.file("job.yaml"), "-R", m_repository});
+        ASSERT_EQ(profiled.exitCode, 0) << profiled.err;
+    }
+
+    void write(const std::string& name, const std::string& text) const {
+        std::ofstream(m_folder.file(name), std::ios::binary) << text;
+    }
+    [[nodiscard]] Outcome run(std::vector<std::string> arguments, const std::string& format = "csv") const {
+        arguments.insert(arguments.begin(), "rows");
+        arguments.insert(arguments.end(), {"--format", format, "-R", m_repository});
+        return runTavix(std::move(arguments));
+    }
+
+    TempFolder m_folder;
+    std::string m_repository = m_folder.file("r.tavix");
+};
+
+TEST_F(RowsOfASource, AreThoseBehindTheFigureInEveryFormat) {
+    const std::string head = "id,city,price\n";
+    const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
+        {{"orders.city", "--value", "Bern"}, "1,Bern,2.5\n4,Bern,\n"},
+        {{"dear.city", "--value", "Bern"}, "1,Bern,2.5\n"},
+        {{"city", "--table", "orders", "--null"}, "2,,3\n"},
+        {{"orders.city", "--value", ""}, "3,\"\",1\n"},
+        {{"orders.price", "--value", ""}, ""},
+        {{"orders.city", "--value", "a\nb"}, "5,\"a\nb\",7\n"},
+        {{"orders.id", "--pattern", "9{5}"}, "12345,x,8\n"},
+        {{"dear.id", "--pattern", "9"}, "1,Bern,2.5\n2,,3\n5,\"a\nb\",7\n"},
+        {{"orders.city", "--value", "\xFF"}, ""},
+        {{"orders.city", "--value", "Bern", "--limit", "0"}, ""},
+        {{"orders.city", "--value", "Bern", "--limit", "9223372036854775807"}, "1,Bern,2.5\n4,Bern,\n"},
+    };
+    for (const auto& [arguments, rows] : cases) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+        EXPECT_EQ(outcome.out, head + rows) << ::testing::PrintToString(arguments);
+    }
+    EXPECT_EQ(run({"orders.id", "--value", "5"}, "json").out,
+              "[\n  {\"id\": 5, \"city\": \"a\\nb\", \"price\": 7}\n]\n");
+    EXPECT_THAT(run({"orders.id", "--value", "2"}, "text").out, HasSubstr("(null value)"));
+}
+
+TEST_F(RowsOfASource, SayWhenTheSourceOrTheCountIsAnother) {
+    EXPECT_EQ(run({"orders.city", "--value", "Bern"}).err, "");
+    EXPECT_EQ(run({"orders.city", "--value", "Bern", "--limit", "1"}).err,
+              "tavix: the first 1 rows of 2 in the run; --limit N shows more\n");
+    write("orders.csv", "id,city,price\n1,Bern,2.5\n");
+    const Outcome less = run({"orders.city", "--value", "Bern"});
+    EXPECT_EQ(less.exitCode, 0);
+    EXPECT_EQ(less.out, "id,city,price\n1,Bern,2.5\n");
+    EXPECT_THAT(less.err, HasSubstr("changed since the run: it had 65 bytes and has 25 now."));
+    EXPECT_THAT(less.err, HasSubstr("2 in the run, 1 now: the source changed since\n"));
+    EXPECT_THAT(run({"orders.city", "--value", "Bern", "--limit", "1"}).err,
+                ::testing::Not(HasSubstr("now: the source")));
+    std::filesystem::remove(m_folder.file("orders.csv"));
+    const Outcome gone = run({"orders.city", "--value", "Bern", "-o", m_folder.file("out.csv")});
+    EXPECT_EQ(gone.exitCode, 3);
+    EXPECT_THAT(gone.err, HasSubstr("cannot be opened: No such file or directory"));
+    EXPECT_FALSE(std::filesystem::exists(m_folder.file("out.csv")));
+}
+
+TEST_F(RowsOfASource, NeedExactlyOneChoice) {
+    for (const auto& arguments : std::vector<std::vector<std::string>>{
+             {"orders.city"}, {"orders.city", "--null", "--value", "x"}, {"orders.nix", "--null"}, {"--null"}}) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.exitCode, 2) << ::testing::PrintToString(arguments);
+        EXPECT_EQ(outcome.out, "");
+    }
+}
+
+} // namespace
+} // namespace tavix::testing
