@@ -13,10 +13,11 @@ constexpr std::size_t kShownRows = 5;
 
 std::string rowText(const source::DamagedRow& row, const profiling::TableOutcome& outcome) {
     const std::size_t fields = outcome.fields;
+    const char* const word = outcome.place == "Row" ? "row" : "line";
     const std::string place =
         outcome.files.empty()
-            ? fmt::format("line {}", row.line)
-            : fmt::format("{} line {}", std::filesystem::path(outcome.files[row.file]).filename().string(), row.line);
+            ? fmt::format("{} {}", word, row.line)
+            : fmt::format("{} {} {}", std::filesystem::path(outcome.files[row.file]).filename().string(), word, row.line);
     switch (row.damage) {
     case source::Damage::TooFewCells:
         return fmt::format("{}: too few cells ({} of {})", place, row.cells, fields);

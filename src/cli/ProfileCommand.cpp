@@ -4,6 +4,8 @@
 #include "cli/Console.h"
 #include "cli/DamageReport.h"
 #include "cli/ProgressLine.h"
+#include "cli/SourceCredentials.h"
+#include "profiling/Databases.h"
 #include "profiling/JobDescription.h"
 
 #include <CLI/App.hpp>
@@ -59,7 +61,7 @@ void listOutcome(Listing& listing, const profiling::JobDescription& job, const p
 
 std::string fileOf(const profiling::JobDescription& job, const std::string& table) {
     for (const profiling::TableDescription& description : job.tables)
-        if (description.name == table)
+        if (description.name == table && !description.isDatabase())
             return std::filesystem::path(description.path).filename().string();
     return table;
 }
@@ -84,13 +86,17 @@ CLI::App* ProfileCommand::declare(CLI::App& program) {
     m_reading.declare(*command);
     m_reading.declareSample(*command);
     command->add_option("--description", m_description, "A remark that is kept with the run")->type_name("TEXT");
+    command->add_flag(
+        "--explain", m_explain,
+        "Show what databases would be asked, and why rows are read where they cannot count; nothing is run");
     command->footer("The repository is a file; it is made when it does not exist. Profiling a job again adds a run.\n"
                     "A run is stored whole or not at all, however the program ends.\n\n"
                     "Examples:\n"
                     "  tavix profile sales.csv customers.csv -R profile.tavix --job sales\n"
                     "  tavix profile export.txt -R profile.tavix --delimiter tab --no-header --encoding 1252\n"
                     "  tavix profile 'sales/2024-*.csv' -R profile.tavix --one-table sales --every 10\n"
-                    "  tavix profile job.yaml");
+                    "  tavix profile job.yaml\n"
+                    "  tavix profile job.yaml --explain");
     return command;
 }
 
@@ -115,8 +121,34 @@ profiling::JobDescription ProfileCommand::describe() const {
     return orUsageError(profiling::describeFiles(m_files, m_job, m_reading.reading(), m_oneTable));
 }
 
+void ProfileCommand::explain(const profiling::JobDescription& job, const CommonOptions& options) const {
+    const auto tables = profiling::explainJob(job, sourceCredentials());
+    if (!tables)
+        throw CommandError(ExitCode::Source, tables.error().text);
+    Listing listing(options);
+    listing.begin({"statements",
+                   "Statements",
+                   {{"table", "Table"},
+                    {"source", "Source"},
+                    {"rows_read", "Rows are read because"},
+                    {"statement", "Statement", Column::Kind::Prose}}});
+    for (const profiling::TableExplanation& table : *tables) {
+        const KvbDatavar reason = table.reason.empty() ? KvbDatavar() : KvbDatavar(table.reason);
+        if (table.statements.empty())
+            listing.row(Row{table.table, table.source, reason, KvbDatavar()});
+        for (const std::string& statement : table.statements)
+            listing.row(Row{table.table, table.source, reason, statement});
+    }
+    listing.end();
+    listing.finish();
+}
+
 void ProfileCommand::run(const CommonOptions& options) {
     const profiling::JobDescription job = describe();
+    if (m_explain) {
+        explain(job, options);
+        return;
+    }
     const std::string repository = repositoryFile(options.repository.empty() ? job.repository : options.repository);
     if (repository.empty())
         throw CommandError(ExitCode::Usage, "where shall the run go? Name a repository with --repository FILE");
@@ -126,6 +158,7 @@ void ProfileCommand::run(const CommonOptions& options) {
         profiling::RunOptions runOptions;
         runOptions.description = m_description;
         runOptions.watcher = &progress;
+        runOptions.askCredentials = sourceCredentials();
         return profiling::runJob(job, repository, runOptions);
     }();
     if (!result)

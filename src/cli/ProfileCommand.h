@@ -17,6 +17,7 @@ class ProfileCommand final : public Command {
 
   private:
     [[nodiscard]] profiling::JobDescription describe() const;
+    void explain(const profiling::JobDescription& job, const CommonOptions& options) const;
     [[nodiscard]] profiling::JobDescription describeJobFile(const std::string& path) const;
 
     std::vector<std::string> m_files;
@@ -24,6 +25,7 @@ class ProfileCommand final : public Command {
     std::string m_oneTable;
     std::string m_description;
     ReadingOptions m_reading;
+    bool m_explain = false;
 };
 
 } // namespace tavix::cli

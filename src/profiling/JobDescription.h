@@ -3,6 +3,7 @@
 #include "base/Encodings.h"
 #include "base/Result.h"
 #include "repository/Facts.h"
+#include "source/DatabaseTable.h"
 #include "source/Sample.h"
 
 #include <optional>
@@ -49,8 +50,20 @@ struct RuleDescription {
     bool operator==(const RuleDescription&) const = default;
 };
 
-/// A table of a job: a text file, several with the same columns, or the rows of another table of the job that pass a
-/// condition.
+/// A database that tables of a job are read from.
+struct SourceDescription {
+    std::string name;       ///< unique in the job
+    std::string connection; ///< the name of an ODBC data source, or a connection string without a password
+
+    bool operator==(const SourceDescription&) const = default;
+};
+
+/// The environment variable that holds the password for a source; with an empty name, for all that have none of their
+/// own.
+[[nodiscard]] std::string passwordVariable(const std::string& source);
+
+/// A table of a job: a text file, several with the same columns, a table or query of a database, or the rows of
+/// another table of the job that pass a condition.
 struct TableDescription {
     std::string name;              ///< unique in the job; a file's name without its ending unless stated
     std::string path;              ///< absolute; of several files how they were named; empty for a filtered table
@@ -66,8 +79,12 @@ struct TableDescription {
     const CEncoding* encoding = nullptr; ///< found in the file when null
     char quote = '"';                    ///< 0: none
     source::Sample sample{};             ///< a filtered table has that of the table that it is based on
+    std::string source{}; ///< of a table of a database: the name of the job's source
+    source::TableRequest database{};
+    bool isCountedByRows = false; ///< its rows are read even if the engine can count
 
     [[nodiscard]] bool isFiltered() const { return !basedOn.empty(); }
+    [[nodiscard]] bool isDatabase() const { return !source.empty(); }
 
     bool operator==(const TableDescription&) const = default;
 };
@@ -77,9 +94,10 @@ struct JobDescription {
     std::string name;
     std::string description;
     std::string repository; ///< where the results go; "" when the command says so
-    std::string dataSource; ///< name of the data source; the folder of the first file unless stated
+    std::string dataSource; ///< name of the text files' data source; the folder of the first file unless stated
     std::vector<TableDescription> tables;
     std::vector<repository::CollectionFacts> collections;
+    std::vector<SourceDescription> sources{};
 };
 
 /// Reads a YAML job file, checked against the schema that is shipped as share/job.schema.json. Paths in it are relative

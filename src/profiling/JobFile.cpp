@@ -1,3 +1,4 @@
+#include "profiling/DatabaseEntry.h"
 #include "profiling/JobChecks.h"
 #include "profiling/JobDescription.h"
 #include "profiling/JobSchema.h"
@@ -52,6 +53,7 @@ class JobBuilder {
         m_job.name = root.at("job").get<std::string>();
         m_job.description = root.value("description", "");
         m_job.repository = repositoryText(root.value("repository", ""));
+        m_job.sources = readSources(m_document);
         const json& tables = root.at("tables");
         for (std::size_t i = 0; i < tables.size(); ++i)
             addTable(tables[i], pointerTo("/tables", std::to_string(i)));
@@ -67,10 +69,13 @@ class JobBuilder {
     }
 
   private:
-    /// There is one: a filtered table is based on it.
-    [[nodiscard]] const std::string& firstFile() const {
-        const auto table = std::find_if(m_job.tables.begin(), m_job.tables.end(),
-                                        [](const TableDescription& one) { return !one.isFiltered(); });
+    /// Empty when all tables come from databases.
+    [[nodiscard]] std::string firstFile() const {
+        const auto table = std::find_if(m_job.tables.begin(), m_job.tables.end(), [](const TableDescription& one) {
+            return !one.isFiltered() && !one.isDatabase();
+        });
+        if (table == m_job.tables.end())
+            return {};
         return table->files.empty() ? table->path : table->files.front();
     }
 
@@ -93,9 +98,10 @@ class JobBuilder {
     void addTable(const json& entry, const std::string& pointer) {
         for (TableDescription& table : m_tables.read(entry, pointer)) {
             if (std::find(m_names.begin(), m_names.end(), table.name) != m_names.end())
-                fail(entry.contains("name")   ? pointerTo(pointer, "name")
-                     : entry.contains("file") ? pointerTo(pointer, "file")
-                                              : pointer,
+                fail(entry.contains("name")    ? pointerTo(pointer, "name")
+                     : entry.contains("table") ? pointerTo(pointer, "table")
+                     : entry.contains("file")  ? pointerTo(pointer, "file")
+                                               : pointer,
                      fmt::format("there is already a table \"{}\"; give this one another name", table.name));
             m_names.push_back(table.name);
             m_pointers.push_back(pointer);
@@ -183,6 +189,8 @@ Result<JobDescription> readJobFile(const std::string& path) {
     const auto& document = std::get<YamlDocument>(parsed);
     if (document.value.is_null())
         return Error{fmt::format("{}:1:1: the file describes no job", path)};
+    if (const auto problem = findPassword(document))
+        return located(path, *problem);
     if (const auto problem = findSchemaProblem(document))
         return located(path, *problem);
     std::error_code failure;

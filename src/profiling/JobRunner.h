@@ -3,10 +3,12 @@
 #include "base/Clock.h"
 #include "base/Result.h"
 #include "profiling/JobDescription.h"
+#include "source/Credentials.h"
 #include "source/RowReader.h"
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tavix::profiling {
@@ -32,6 +34,7 @@ class ProgressWatcher {
 
 struct TableOutcome {
     std::string name;
+    std::string_view place = "Line"; ///< what the number of a damaged row counts
     std::int64_t rows = 0;         ///< that were profiled, of a filtered table those that passed
     std::int64_t rowsOfSource = 0; ///< that were read; more than were profiled of a sample and of a filtered table
     std::string sample;            ///< which rows a sample took; empty for all
@@ -42,8 +45,8 @@ struct TableOutcome {
     std::string encoding = "UTF-8";         ///< of the first file
 };
 
-/// Whether keys, collections and the fields in expressions fit the tables that they speak of. A table that cannot be
-/// opened is passed over here; runJob says so, as it says all that this finds.
+/// Whether keys, collections and the fields in expressions fit the tables that they speak of. A table of a database,
+/// and one that cannot be opened, is passed over here; runJob says so, as it says all that this finds.
 [[nodiscard]] Status checkFields(const JobDescription& job);
 
 struct RunOutcome {
@@ -58,6 +61,7 @@ struct RunOptions {
     std::string description; ///< of the run
     ProgressWatcher* watcher = nullptr;
     const Clock* clock = nullptr; ///< the system's when null
+    source::AskCredentials askCredentials{};
 };
 
 /// Profiles every table of the job and stores the result as one new run in the repository at `repositoryPath`, which

@@ -1,6 +1,7 @@
 #include "profiling/TableEntry.h"
 
 #include "expression/Parser.h"
+#include "profiling/DatabaseEntry.h"
 #include "profiling/FilePatterns.h"
 #include "profiling/JobChecks.h"
 
@@ -48,6 +49,8 @@ std::vector<TableDescription> TableEntry::read(const json& entry, const std::str
     std::vector<TableDescription> tables;
     if (entry.contains("based on"))
         readFilter(tables.emplace_back(), entry, pointer);
+    else if (isDatabaseEntry(entry))
+        readDatabaseEntry(tables.emplace_back(), m_document, entry, pointer);
     else
         tables = readFiles(entry, pointer);
     for (TableDescription& table : tables)
@@ -86,6 +89,10 @@ std::vector<TableDescription> TableEntry::readFiles(const json& entry, const std
     if (entry.contains("where"))
         fail(pointerTo(pointer, "where"),
              "\"where\" belongs to a filtered table: add \"based on\" with a table's name");
+    for (const char* key : {"source", "schema", "catalog", "counted by"})
+        if (entry.contains(key))
+            fail(pointerTo(pointer, key),
+                 fmt::format("\"{}\" belongs to a table of a database; this is a text file", key));
     for (const auto& [one, other] :
          {std::pair("file", "files"), std::pair("file", "folder"), std::pair("files", "folder")})
         if (entry.contains(one) && entry.contains(other))
@@ -170,7 +177,8 @@ void TableEntry::readReading(TableDescription& table, const json& entry, const s
 }
 
 void TableEntry::readFilter(TableDescription& table, const json& entry, const std::string& pointer) const {
-    for (const char* key : {"file", "files", "folder", "delimiter", "header", "encoding", "quote", "sample"})
+    for (const char* key : {"file", "files", "folder", "delimiter", "header", "encoding", "quote", "sample", "source",
+                            "table", "query", "schema", "catalog", "counted by"})
         if (entry.contains(key))
             fail(pointerTo(pointer, key),
                  fmt::format("a filtered table has the rows of another one; leave \"{}\" out", key));

@@ -29,6 +29,8 @@ class TablePass {
     [[nodiscard]] const TableDescription& description() const { return m_description; }
     [[nodiscard]] std::span<const std::string> columns() const { return m_columns; }
     [[nodiscard]] ValueCounter& counter(std::size_t column) { return m_counters[column]; }
+    /// Instead of take(): the counters were filled by other means, from this many rows.
+    void setRows(std::int64_t rows) { m_rows = rows; }
     /// Rows that belong to the table.
     [[nodiscard]] std::int64_t rows() const { return m_rows; }
 

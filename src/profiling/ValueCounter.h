@@ -28,6 +28,7 @@ class ValueCounter {
 
     void count(std::span<const source::Cell> cells);
     void add(std::string_view text, std::uint64_t count);
+    void addNulls(std::uint64_t count) { m_nullCount += count; }
 
     /// The distinct values in the order in which they were first met, null not among them. Their texts live as long
     /// as the counter.

@@ -109,8 +109,9 @@ TEST_F(JobFile, MistakesAreNamedWithTheirPlace) {
         {good + "  - {name: f, based on: a, where: true}\n",
          "4:35: \"tables[1].where\": expected the condition that the rows of a filtered table meet, a text in the "
          "expression language"},
-        {good + "  - name: b\n", "4:5: \"tables[1]\": expected a table: a map with the key file, files or folder, or "
-                                 "with the keys name, based on and where"},
+        {good + "  - name: b\n",
+         "4:5: \"tables[1]\": expected a table: a map with the key file, files or folder, with the key table, with the "
+         "keys name and query, or with the keys name, based on and where"},
         {good + "    rules:\n      - {name: r, condition: '`x` > (1'}\n",
          "5:30: in the expression, line 1, column 9: expected \")\", found the end"},
         {good + "    rules:\n      - {name: r, condition: 'true'}\n      - {name: r, condition: 'true'}\n",

@@ -1,0 +1,113 @@
+#include "cli/SourceCredentials.h"
+
+#include "base/LoginName.h"
+#include "cli/Console.h"
+#include "cli/DisplayText.h"
+#include "cli/Interruption.h"
+
+#include <fmt/format.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+
+namespace tavix::cli {
+
+namespace {
+
+using source::Credentials;
+
+constexpr std::size_t kLongestAnswer = 1000;
+
+std::optional<std::string> variable(const std::string& name) {
+    const char* const value = std::getenv(name.c_str());
+    return value ? std::optional<std::string>(value) : std::nullopt;
+}
+
+/// The source's own variable, else the one for all; `which` is USER or PASSWORD.
+std::optional<std::string> fromEnvironment(const std::string& source, const std::string& which) {
+    const std::string prefix = "TAVIX_SOURCE_PASSWORD";
+    const std::string own = profiling::passwordVariable(source).substr(prefix.size());
+    if (auto value = variable("TAVIX_SOURCE_" + which + own))
+        return value;
+    return variable("TAVIX_SOURCE_" + which);
+}
+
+/// Keeps the terminal from showing what is typed, as long as it lives.
+class Hidden {
+  public:
+    Hidden() {
+        m_isOn = ::tcgetattr(STDIN_FILENO, &m_before) == 0;
+        termios hidden = m_before;
+        hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        if (m_isOn)
+            m_isOn = ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden) == 0;
+    }
+    ~Hidden() {
+        if (m_isOn)
+            ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &m_before);
+    }
+    Hidden(const Hidden&) = delete;
+    Hidden& operator=(const Hidden&) = delete;
+
+  private:
+    termios m_before{};
+    bool m_isOn = false;
+};
+
+/// A line from the terminal; nothing at its end and after an interruption.
+std::optional<std::string> answer(const std::string& question) {
+    std::fputs(question.c_str(), stderr);
+    std::fflush(stderr);
+    std::string line;
+    for (;;) {
+        char c = 0;
+        const ssize_t got = ::read(STDIN_FILENO, &c, 1);
+        if (got < 0 && errno == EINTR && !isInterrupted())
+            continue;
+        if (got <= 0)
+            return std::nullopt;
+        if (c == '\n')
+            return line;
+        if (line.size() < kLongestAnswer)
+            line += c;
+    }
+}
+
+std::optional<Credentials> askAtTerminal(const std::string& source, const std::string& refusal) {
+    if (::isatty(STDIN_FILENO) == 0)
+        return std::nullopt;
+    say(printable(refusal));
+    const std::string usual = fromEnvironment(source, "USER").value_or(loginName());
+    auto user = answer(fmt::format("User for \"{}\" [{}]: ", printable(source), printable(usual)));
+    if (!user)
+        return std::nullopt;
+    std::optional<std::string> password;
+    {
+        const Hidden hidden;
+        password = answer("Password: ");
+    }
+    std::fputs("\n", stderr);
+    if (!password)
+        return std::nullopt;
+    return Credentials{user->empty() ? usual : *user, *password};
+}
+
+} // namespace
+
+source::AskCredentials sourceCredentials() {
+    return [](const std::string& source, const std::string& refusal) -> std::optional<Credentials> {
+        if (!refusal.empty())
+            return askAtTerminal(source, refusal);
+        const auto user = fromEnvironment(source, "USER");
+        const auto password = fromEnvironment(source, "PASSWORD");
+        if (!user && !password)
+            return std::nullopt;
+        return Credentials{user.value_or(std::string()), password.value_or(std::string())};
+    };
+}
+
+} // namespace tavix::cli
