@@ -7,6 +7,7 @@
 #include "profiling/JobDescription.h"
 
 #include <CLI/App.hpp>
+#include <CLI/Validators.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -16,6 +17,8 @@
 namespace tavix::cli {
 
 namespace {
+
+constexpr unsigned kMostThreads = 256;
 
 bool isJobFile(const std::string& path) {
     std::string ending = std::filesystem::path(path).extension().string();
@@ -106,6 +109,15 @@ CLI::App* ProfileCommand::declare(CLI::App& program) {
         ->type_name("C");
     command->add_flag("--no-header", m_noHeader, "The first line holds data and not the names of the fields");
     command->add_option("--description", m_description, "A remark that is kept with the run")->type_name("TEXT");
+    command->add_option("--threads", m_threads, "How many threads work. Without it, as many as the machine has cores")
+        ->check(CLI::Range(1U, kMostThreads))
+        ->type_name("N");
+    command
+        ->add_option("--memory", m_memory,
+                     "How much memory the run may take, as 500M or 2G. Without it, half of the machine's; what needs "
+                     "more goes to a temporary file in TMPDIR, or beside the repository")
+        ->transform(CLI::AsSizeValue(false))
+        ->type_name("SIZE");
     command->footer("The repository is a file; it is made when it does not exist. Profiling a job again adds a run.\n"
                     "A run is stored whole or not at all, however the program ends.\n\n"
                     "Examples:\n"
@@ -155,6 +167,8 @@ void ProfileCommand::run(const CommonOptions& options) {
         profiling::RunOptions runOptions;
         runOptions.description = m_description;
         runOptions.watcher = &progress;
+        runOptions.threads = m_threads;
+        runOptions.memory = m_memory;
         return profiling::runJob(job, repository, runOptions);
     }();
     if (!result)

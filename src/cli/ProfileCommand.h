@@ -3,6 +3,7 @@
 #include "cli/Command.h"
 #include "profiling/JobRunner.h"
 
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -23,6 +24,8 @@ class ProfileCommand final : public Command {
     std::string m_delimiter;
     std::string m_description;
     bool m_noHeader = false;
+    unsigned m_threads = 0;
+    std::uint64_t m_memory = 0;
 };
 
 /// The character that "--delimiter" means: itself, or one of comma, semicolon, tab, pipe, "\t". Nothing when it is none

@@ -1,56 +1,28 @@
 #include "profiling/JobRunner.h"
 
-#include "profiling/FieldFigures.h"
 #include "profiling/JobChecks.h"
-#include "profiling/TablePass.h"
+#include "profiling/RunEngine.h"
+#include "profiling/RunReporter.h"
 #include "profiling/TablePrograms.h"
-#include "profiling/ValueCounter.h"
 #include "repository/RunWriter.h"
+#include "repository/Schema.h"
 #include "source/TextFileReader.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
-#include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <thread>
 #include <utility>
 
 namespace tavix::profiling {
 
 namespace {
 
-using Timer = std::chrono::steady_clock;
 using source::DamagedRow;
 using source::TextFileReader;
-
-constexpr auto kReportInterval = std::chrono::milliseconds(100);
-
-/// Tells the watcher what it should know, but not more often than it can show.
-class Reporter {
-  public:
-    Reporter(ProgressWatcher* watcher, std::size_t tableCount) : m_watcher(watcher) { state.tableCount = tableCount; }
-
-    /// False once the watcher has cancelled. `now`: do not wait for the interval.
-    bool report(bool now = false) {
-        const auto time = Timer::now();
-        if (!m_watcher || m_isCancelled || (!now && time - m_last < kReportInterval))
-            return !m_isCancelled;
-        m_last = time;
-        state.seconds = seconds();
-        m_isCancelled = !m_watcher->progress(state);
-        return !m_isCancelled;
-    }
-    [[nodiscard]] bool isCancelled() const { return m_isCancelled; }
-    [[nodiscard]] double seconds() const { return std::chrono::duration<double>(Timer::now() - m_start).count(); }
-
-    ProgressState state;
-
-  private:
-    ProgressWatcher* m_watcher;
-    Timer::time_point m_start = Timer::now();
-    Timer::time_point m_last{};
-    bool m_isCancelled = false;
-};
 
 std::string damageText(const DamagedRow& row, std::size_t columns) {
     const auto cells =
@@ -93,45 +65,101 @@ Status checkFieldsOver(const JobDescription& job, const TableDescription& base, 
     return {};
 }
 
-/// The steps of one run; each returns at once when the watcher has cancelled, which is no error.
+/// Bytes; half of what the machine has when nothing is stated.
+std::size_t memoryOf(const RunOptions& options) {
+    if (options.memory > 0)
+        return options.memory;
+    const auto pages = ::sysconf(_SC_PHYS_PAGES);
+    const auto pageSize = ::sysconf(_SC_PAGE_SIZE);
+    constexpr std::size_t kWhenUnknown = std::size_t{1} << 30;
+    return pages > 0 && pageSize > 0 ? static_cast<std::size_t>(pages) / 2 * static_cast<std::size_t>(pageSize)
+                                     : kWhenUnknown;
+}
+
+std::string spillFolderOf(const RunOptions& options, const std::string& repositoryPath) {
+    if (!options.spillFolder.empty())
+        return options.spillFolder;
+    if (const char* const folder = std::getenv("TMPDIR"); folder && *folder)
+        return folder;
+    const std::filesystem::path parent = std::filesystem::path(repositoryPath).parent_path();
+    return parent.empty() ? "." : parent.string();
+}
+
+RunEngine::Settings engineSettings(const RunOptions& options, const std::string& repositoryPath) {
+    const unsigned threads = options.threads > 0 ? options.threads : std::max(1U, std::thread::hardware_concurrency());
+    return {threads, memoryOf(options), spillFolderOf(options, repositoryPath)};
+}
+
+/// A table that was read and waits to be stored.
+struct FinishedTable {
+    std::shared_ptr<const std::vector<std::string>> columns; ///< borrowed by the pass
+    std::unique_ptr<TablePass> pass;
+    repository::TableFacts facts;
+    TableOutcome outcome;
+    std::vector<FieldFigures> fields;
+};
+
+/// About the memory that a field's facts take, what is packed not among it.
+std::size_t sizeOf(const repository::FieldFacts& facts) {
+    std::size_t size = sizeof(FieldFigures) + sizeof(PackedResult);
+    for (const auto& percentile : facts.percentiles)
+        size += sizeof percentile + percentile.value.str().size();
+    for (const auto& outlier : facts.outliers)
+        size += sizeof outlier + outlier.value.str().size();
+    return size;
+}
+
+/// The steps of one run: every table is read and its figures are computed, and only then, in one transaction, all is
+/// stored. A step that the watcher stops fails with StopSignal::stopped(), which execute() turns into an outcome.
 class Run {
   public:
-    Run(const JobDescription& job, const RunOptions& options)
+    Run(const JobDescription& job, const RunOptions& options, const std::string& repositoryPath)
         : m_job(job),
           m_clock(options.clock ? options.clock : &m_systemClock),
           m_description(options.description),
-          m_reporter(options.watcher, job.tables.size()) {}
+          m_repositoryPath(repositoryPath),
+          m_started(m_clock->now()),
+          m_reporter(options.watcher, job.tables.size()),
+          m_engine(engineSettings(options, repositoryPath), [this] { return m_reporter.report(); }) {}
 
-    Result<RunOutcome> execute(const std::string& repositoryPath) {
-        if (Status status = check(); !status)
-            return status.error();
-        if (!m_reporter.report(true))
-            return outcome();
-        auto writer = repository::RunWriter::begin(repositoryPath,
-                                                   {m_job.name, m_job.description, m_description, m_clock->now()});
-        if (!writer)
-            return writer.error();
-        m_writer = std::move(*writer);
-        for (std::size_t i = 0; i < m_job.tables.size() && !m_reporter.isCancelled(); ++i) {
-            m_reporter.state.tableIndex = i;
-            if (m_job.tables[i].isFiltered())
-                continue; // made of the rows of another one, while those pass by
-            if (Status status = profile(m_job.tables[i]); !status)
-                return status.error();
-        }
-        if (m_reporter.isCancelled())
-            return outcome();
-        for (const auto& collection : m_job.collections)
-            if (Status status = m_writer->addCollection(collection); !status)
-                return status.error();
-        if (!m_reporter.report(true))
-            return outcome();
-        if (Status status = m_writer->commit(m_clock->now()); !status)
+    Result<RunOutcome> execute() {
+        Status status = steps();
+        if (!status && !m_reporter.isCancelled())
             return status.error();
         return outcome();
     }
 
   private:
+    Status steps() {
+        if (Status status = check(); !status)
+            return status;
+        if (Status status = goOn(); !status)
+            return status;
+        // Whether it can be written is better known before hours of reading than after them.
+        if (auto connection = repository::openRepository(m_repositoryPath, sql::OpenMode::Create); !connection)
+            return connection.error();
+        for (std::size_t i = 0; i < m_job.tables.size(); ++i) {
+            m_reporter.state.tableIndex = i;
+            if (m_job.tables[i].isFiltered())
+                continue; // made of the rows of another one, while those pass by
+            if (Status status = profile(m_job.tables[i]); !status)
+                return status;
+            if (m_factsSize > m_engine.plan().facts())
+                if (Status status = storeFinished(); !status)
+                    return status;
+        }
+        if (Status status = storeFinished(); !status)
+            return status;
+        for (const auto& collection : m_job.collections)
+            if (Status status = m_writer->addCollection(collection); !status)
+                return status;
+        if (Status status = goOn(); !status)
+            return status;
+        return m_writer->commit(m_clock->now());
+    }
+
+    Status goOn() { return m_reporter.report(true) ? Status{} : Status{StopSignal::stopped()}; }
+
     /// Finds what is wrong before anything is written: the description itself, files, names of fields.
     Status check() {
         if (Status status = checkJob(m_job); !status)
@@ -155,87 +183,109 @@ class Run {
         if (!opened)
             return Error{fmt::format("Table \"{}\": {}", base.name, opened.error().text)};
         TextFileReader& reader = **opened;
-        std::vector<std::unique_ptr<TablePass>> passes;
+        const auto names = reader.columnNames();
+        const auto columns = std::make_shared<const std::vector<std::string>>(names.begin(), names.end());
+        TablePasses passes;
         for (const TableDescription* table : tablesOver(m_job, base)) {
-            auto programs = compileTable(*table, reader.columnNames());
+            auto programs = compileTable(*table, *columns);
             if (!programs)
                 return programs.error();
-            passes.push_back(std::make_unique<TablePass>(*table, reader.columnNames(), std::move(programs).value()));
+            passes.push_back(std::make_unique<TablePass>(*table, *columns, std::move(programs).value()));
         }
-        if (Status status = read(base, reader, passes); !status || m_reporter.isCancelled())
+        if (Status status = read(base, reader, passes); !status)
             return status;
-        for (const auto& pass : passes) {
-            if (Status status = store(*pass, base, reader, passes.front()->rows()); !status || m_reporter.isCancelled())
+        const std::int64_t rowsOfSource = passes.front()->rows();
+        for (auto& pass : passes)
+            if (Status status = figure(std::move(pass), columns, base, reader, rowsOfSource); !status)
                 return status;
-        }
         m_bytesBefore += reader.position();
         return {};
     }
 
-    Status read(const TableDescription& base, TextFileReader& reader,
-                std::span<const std::unique_ptr<TablePass>> passes) {
+    Status read(const TableDescription& base, TextFileReader& reader, const TablePasses& passes) {
         ProgressState& state = m_reporter.state;
         state.table = base.name;
         state.rows = 0;
         state.phase = ProgressState::Phase::Reading;
-        if (!m_reporter.report(true))
-            return {};
-        source::RowBlock block;
-        for (;;) {
-            const auto more = reader.read(block);
-            if (!more)
-                return Error{fmt::format("Table \"{}\": {}", base.name, more.error().text)};
-            for (const auto& pass : passes)
-                if (*more)
-                    pass->take(block, state.rows + 1);
-            state.rows += static_cast<std::int64_t>(block.rows);
+        if (Status status = goOn(); !status)
+            return status;
+        const Status status = m_engine.count(reader, passes, [&](std::size_t rows) {
+            state.rows += static_cast<std::int64_t>(rows);
             state.bytesDone = m_bytesBefore + reader.position();
-            if (!m_reporter.report() || !*more)
-                return {};
-        }
-    }
-
-    Status store(TablePass& pass, const TableDescription& base, const TextFileReader& reader,
-                 std::int64_t rowsOfSource) {
-        const TableDescription& table = pass.description();
-        TableOutcome result;
-        result.name = table.name;
-        result.rows = pass.rows();
-        result.fields = pass.columns().size();
-        if (!table.isFiltered()) {
-            result.damagedRows = reader.damagedRowCount();
-            result.damage.assign(reader.damagedRows().begin(), reader.damagedRows().end());
-        }
-        const auto id = m_writer->addTable(factsOf(table, base, reader, result, rowsOfSource));
-        if (!id)
-            return id.error();
-        for (std::size_t c = 0; c < pass.columns().size(); ++c) {
-            m_reporter.state.phase = ProgressState::Phase::Counting;
-            if (!m_reporter.report())
-                return {};
-            ValueCounter& counter = pass.counter(c);
-            counter.finish();
-            const FieldFigures figures = computeFigures(counter, pass.columns()[c], static_cast<int>(c) + 1);
-            m_reporter.state.phase = ProgressState::Phase::Storing;
-            if (!m_reporter.report())
-                return {};
-            if (Status status = m_writer->addField(*id, figures.facts); !status)
-                return status;
-            pass.keepMetrics(c, figures.facts.metrics);
-            counter = ValueCounter(); // wide tables: what is stored needs no memory
-        }
-        if (Status status = pass.storeRules(*m_writer, *id); !status)
-            return status;
-        if (Status status = logDamage(*id, reader, result); !status)
-            return status;
-        m_outcome.tables.push_back(std::move(result));
+        });
+        if (!status)
+            return Error{fmt::format("Table \"{}\": {}", base.name, status.error().text)};
         return {};
     }
 
-    Status logDamage(int tableId, const TextFileReader& reader, const TableOutcome& result) {
+    Status figure(std::unique_ptr<TablePass> pass, std::shared_ptr<const std::vector<std::string>> columns,
+                  const TableDescription& base, const TextFileReader& reader, std::int64_t rowsOfSource) {
+        m_reporter.state.phase = ProgressState::Phase::Counting;
+        auto fields = m_engine.figures(*pass);
+        if (!fields)
+            return Error{fmt::format("Table \"{}\": {}", pass->description().name, fields.error().text)};
+        FinishedTable table;
+        table.fields = std::move(*fields);
+        const TableDescription& description = pass->description();
+        table.outcome.name = description.name;
+        table.outcome.rows = pass->rows();
+        table.outcome.fields = pass->columns().size();
+        if (!description.isFiltered()) {
+            table.outcome.damagedRows = reader.damagedRowCount();
+            table.outcome.damage.assign(reader.damagedRows().begin(), reader.damagedRows().end());
+        }
+        table.facts = factsOf(description, base, reader, table.outcome, rowsOfSource);
+        for (std::size_t c = 0; c < table.fields.size(); ++c) {
+            pass->keepMetrics(c, table.fields[c].facts.metrics);
+            m_factsSize += sizeOf(table.fields[c].facts);
+        }
+        table.columns = std::move(columns);
+        table.pass = std::move(pass);
+        m_finished.push_back(std::move(table));
+        return {};
+    }
+
+    /// Begins the transaction, unless it was begun, and stores what waits.
+    Status storeFinished() {
+        m_reporter.state.phase = ProgressState::Phase::Storing;
+        if (!m_writer) {
+            auto writer = repository::RunWriter::begin(m_repositoryPath,
+                                                       {m_job.name, m_job.description, m_description, m_started});
+            if (!writer)
+                return writer.error();
+            m_writer = std::move(*writer);
+        }
+        for (FinishedTable& table : m_finished) {
+            m_reporter.state.table = table.outcome.name;
+            if (Status status = store(table); !status)
+                return status;
+        }
+        m_finished.clear();
+        m_factsSize = 0;
+        return {};
+    }
+
+    Status store(FinishedTable& table) {
+        const auto id = m_writer->addTable(table.facts);
+        if (!id)
+            return id.error();
+        for (FieldFigures& field : table.fields) {
+            field.packed->mayGoOn = [this] { return m_reporter.report(); };
+            if (Status status = m_writer->addField(*id, field.facts); !status)
+                return status;
+            field = {};
+        }
+        if (Status status = table.pass->storeRules(*m_writer, *id); !status)
+            return status;
+        if (Status status = logDamage(*id, table.columns->size(), table.outcome); !status)
+            return status;
+        m_outcome.tables.push_back(std::move(table.outcome));
+        return {};
+    }
+
+    Status logDamage(int tableId, std::size_t columns, const TableOutcome& result) {
         for (const DamagedRow& row : result.damage)
-            if (Status status = m_writer->addLog(tableId, repository::LogLevel::Warning,
-                                                 damageText(row, reader.columnNames().size()));
+            if (Status status = m_writer->addLog(tableId, repository::LogLevel::Warning, damageText(row, columns));
                 !status)
                 return status;
         if (result.damagedRows == 0)
@@ -285,7 +335,12 @@ class Run {
     SystemClock m_systemClock;
     const Clock* m_clock;
     std::string m_description;
-    Reporter m_reporter;
+    const std::string& m_repositoryPath;
+    UtcTime m_started;
+    RunReporter m_reporter;
+    RunEngine m_engine;
+    std::vector<FinishedTable> m_finished;
+    std::size_t m_factsSize = 0; ///< of m_finished
     std::unique_ptr<repository::RunWriter> m_writer;
     std::int64_t m_bytesBefore = 0; ///< of the tables that are done
     RunOutcome m_outcome;
@@ -305,7 +360,7 @@ Status checkFields(const JobDescription& job) {
 }
 
 Result<RunOutcome> runJob(const JobDescription& job, const std::string& repositoryPath, const RunOptions& options) {
-    return Run(job, options).execute(repositoryPath);
+    return Run(job, options, repositoryPath).execute();
 }
 
 } // namespace tavix::profiling

@@ -54,11 +54,16 @@ struct RunOptions {
     std::string description; ///< of the run
     ProgressWatcher* watcher = nullptr;
     const Clock* clock = nullptr; ///< the system's when null
+    unsigned threads = 0;         ///< 0: as many as the machine has cores
+    std::size_t memory = 0;       ///< bytes; 0: half of the machine's. What needs more goes to a temporary file
+    /// Where that file lies, which has no name; empty: $TMPDIR, or else the folder of the repository.
+    std::string spillFolder = {};
 };
 
 /// Profiles every table of the job and stores the result as one new run in the repository at `repositoryPath`, which
 /// is made when it does not exist. On an error or a cancellation nothing of the run is kept; a repository that was made
-/// for it stays, empty.
+/// for it stays, empty. Others may write to the repository while the tables are read; they have to wait only while the
+/// run is stored. Threads and memory change how long it takes, but no figure.
 [[nodiscard]] Result<RunOutcome> runJob(const JobDescription& job, const std::string& repositoryPath,
                                         const RunOptions& options = {});
 

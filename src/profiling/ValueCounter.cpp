@@ -126,6 +126,14 @@ void ValueCounter::finish() {
     m_slots = {};
 }
 
+void ValueCounter::dropValues() {
+    m_entries = {};
+    m_texts.clear();
+    m_textBytes = 0;
+    m_slots.assign(kFirstSlots, 0);
+    m_slots.shrink_to_fit();
+}
+
 inline void ValueCounter::addHashed(const char* data, std::uint32_t size, std::uint64_t hash, std::uint64_t count) {
     const auto shortHash = static_cast<std::uint32_t>(hash >> 32);
     const std::size_t mask = m_slots.size() - 1;
@@ -133,6 +141,7 @@ inline void ValueCounter::addHashed(const char* data, std::uint32_t size, std::u
         const std::uint32_t slot = m_slots[at];
         if (slot == 0) {
             m_entries.push_back({m_texts.keep({data, size}), count, size, shortHash});
+            m_textBytes += size;
             m_slots[at] = static_cast<std::uint32_t>(m_entries.size());
             if (m_entries.size() * 2 > m_slots.size())
                 grow();

@@ -28,6 +28,7 @@ class ValueCounter {
 
     void count(std::span<const source::Cell> cells);
     void add(std::string_view text, std::uint64_t count);
+    void addNulls(std::uint64_t count) { m_nullCount += count; }
 
     /// The distinct values in the order in which they were first met, null not among them. Their texts live as long
     /// as the counter.
@@ -35,6 +36,13 @@ class ValueCounter {
     [[nodiscard]] std::uint64_t nullCount() const { return m_nullCount; }
     /// Gives back the memory that only counting needs; nothing can be counted after it.
     void finish();
+    /// Forgets the values and gives back their memory; the nulls stay, and counting can go on.
+    void dropValues();
+    [[nodiscard]] std::size_t textBytes() const { return m_textBytes; }
+    /// Bytes of memory in use, those included that a growing list takes for a moment.
+    [[nodiscard]] std::size_t memory() const {
+        return m_slots.size() * sizeof(std::uint32_t) + m_entries.capacity() * sizeof(Entry) + m_textBytes;
+    }
 
   private:
     void addHashed(const char* data, std::uint32_t size, std::uint64_t hash, std::uint64_t count);
@@ -43,6 +51,7 @@ class ValueCounter {
     std::vector<std::uint32_t> m_slots; ///< index into m_entries plus one, 0 when free; open addressing
     std::vector<Entry> m_entries;
     source::TextArena m_texts;
+    std::size_t m_textBytes = 0;
     std::uint64_t m_nullCount = 0;
 };
 
