@@ -72,6 +72,10 @@ json fieldJson(const repository::FieldFacts& facts) {
 
 } // namespace
 
+std::string dumpField(const FieldFigures& figures) {
+    return fieldJson(figures.facts).dump();
+}
+
 std::string dumpFigures(const std::string& path) {
     auto reader = source::TextFileReader::open(path, {});
     if (!reader)
