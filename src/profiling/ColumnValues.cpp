@@ -2,6 +2,9 @@
 
 #include "profiling/KeyedSort.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace tavix::profiling {
 
 namespace {
@@ -10,12 +13,44 @@ constexpr std::size_t kOutputBuffer = std::size_t{64} << 10;
 
 } // namespace
 
+void ColumnValues::unite() {
+    for (ValueCounter& other : m_others)
+        m_counter.absorb(std::move(other));
+    m_others.clear();
+}
+
+std::size_t ColumnValues::memory() const {
+    std::size_t memory = m_counter.memory();
+    for (const ValueCounter& other : m_others)
+        memory += other.memory();
+    return memory;
+}
+
+std::size_t ColumnValues::valuesInMemory() const {
+    std::size_t values = m_counter.entries().size();
+    for (const ValueCounter& other : m_others)
+        values += other.entries().size();
+    return values;
+}
+
 std::size_t ColumnValues::spillingTakes() const {
-    return m_counter.entries().size() * 2 * sizeof(Keyed) + kOutputBuffer;
+    std::size_t values = m_counter.entries().size();
+    for (const ValueCounter& other : m_others)
+        values = std::max(values, other.entries().size());
+    return values * 2 * sizeof(Keyed) + kOutputBuffer;
 }
 
 Status ColumnValues::spill(SpillFile& file, StopSignal& stop) {
-    const auto entries = m_counter.entries();
+    if (Status status = spill(m_counter, file, stop); !status)
+        return status;
+    for (ValueCounter& other : m_others)
+        if (Status status = spill(other, file, stop); !status)
+            return status;
+    return {};
+}
+
+Status ColumnValues::spill(ValueCounter& counter, SpillFile& file, StopSignal& stop) {
+    const auto entries = counter.entries();
     if (entries.empty())
         return {};
     std::vector<Keyed> order;
@@ -35,12 +70,13 @@ Status ColumnValues::spill(SpillFile& file, StopSignal& stop) {
     auto run = output.finish();
     if (!run)
         return run.error();
-    m_counter.dropValues();
+    counter.dropValues();
     return m_runs.add(file, std::move(*run));
 }
 
 void ColumnValues::clear(SpillFile& file) {
     m_counter = ValueCounter();
+    m_others.clear();
     m_runs.release(file);
 }
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <future>
 #include <utility>
 
 namespace tavix::profiling {
@@ -17,6 +18,7 @@ namespace {
 using Entries = std::span<const ValueCounter::Entry>;
 
 constexpr std::size_t kEntriesAtOnce = 4096;
+constexpr std::size_t kWorthAThread = 10'000; ///< distinct values
 constexpr std::size_t kLeastMemory = std::size_t{64} << 10;
 
 struct KindInfo {
@@ -61,19 +63,26 @@ class FieldWork {
         ValueCounter& counter = m_values.counter();
         counter.finish();
         const Entries entries = counter.entries();
-        for (std::size_t i = 0; i < entries.size(); i += kEntriesAtOnce)
-            if (Status status = survey(entries.subspan(i, std::min(kEntriesAtOnce, entries.size() - i))); !status)
-                return status;
-        if (Status status = finishSurvey(); !status)
-            return status;
-        if (Status status = packHashes(entries, *m_figures.packed, m_context.stop); !status)
-            return status;
         std::vector<Keyed> spare;
-        std::vector<Keyed> order = sortedByText(entries, spare, m_context.stop);
-        if (Status status =
-                packByCount(entries, order, m_nulls, m_figures.packed->values, m_context.store, m_context.stop);
-            !status)
-            return status;
+        std::vector<Keyed> order;
+        const auto look = [&] { return surveyInMemory(entries); };
+        const auto sort = [&] {
+            order = sortedByText(entries, spare, m_context.stop);
+            return packByCount(entries, order, m_nulls, m_figures.packed->values, m_context.store, m_context.stop);
+        };
+        if (m_context.mayFork && entries.size() > kWorthAThread) {
+            auto looking = std::async(std::launch::async, look);
+            Status sorted = sort();
+            if (Status looked = looking.get(); !looked)
+                return looked;
+            if (!sorted)
+                return sorted;
+        } else {
+            if (Status looked = look(); !looked)
+                return looked;
+            if (Status sorted = sort(); !sorted)
+                return sorted;
+        }
         if (entries.empty())
             return {};
         if (m_form != KeyForm::None) {
@@ -119,6 +128,15 @@ class FieldWork {
             return runs.error();
         RunWalk walk(**runs, m_context.file, m_part);
         return computeOrderFigures(m_figures.facts, walk, m_form, participants(), m_context.stop);
+    }
+
+    Status surveyInMemory(Entries entries) {
+        for (std::size_t i = 0; i < entries.size(); i += kEntriesAtOnce)
+            if (Status status = survey(entries.subspan(i, std::min(kEntriesAtOnce, entries.size() - i))); !status)
+                return status;
+        if (Status status = finishSurvey(); !status)
+            return status;
+        return packHashes(entries, *m_figures.packed, m_context.stop);
     }
 
     Status survey(Entries entries) {
@@ -309,10 +327,10 @@ class FieldWork {
 } // namespace
 
 std::size_t figuringTakes(const ColumnValues& values) {
-    // Twice the keyed rows and their order, or twice the hashes; and the patterns, which are spilled, or as long as
-    // the texts at most.
-    constexpr std::size_t kPerValue = 2 * sizeof(Keyed) + 2 * sizeof(std::uint64_t);
-    return values.counter().entries().size() * kPerValue + values.counter().textBytes() + kLeastMemory;
+    // Twice the keyed rows and their order, and with a second thread at the same time twice the hashes. A part of it
+    // is for the patterns, which are spilled beyond that.
+    constexpr std::size_t kPerValue = 2 * sizeof(Keyed) + 3 * sizeof(std::uint64_t) + 2 * sizeof(std::uint32_t);
+    return values.valuesInMemory() * kPerValue + kLeastMemory;
 }
 
 Result<FieldFigures> computeFigures(ColumnValues& values, const std::string& name, int ordinal,

@@ -22,8 +22,8 @@ struct FigureContext {
     SpillFile& file;
     ByteStore& store; ///< keeps what is packed
     StopSignal& stop;
-    std::size_t memory =
-        0; ///< bytes that lists may take which would grow with the values, of a spilled column at least
+    std::size_t memory = 0; ///< bytes for lists that grow with the values: all of a spilled column, else the patterns
+    bool mayFork = false;   ///< a second thread may be started for a long column
 };
 
 /// How much memory computeFigures() takes for a moment beside the values, when they are in memory.

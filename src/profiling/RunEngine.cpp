@@ -22,9 +22,8 @@ std::vector<ColumnValues*> columnsOf(const TablePasses& passes) {
 std::vector<std::size_t> byMemory(std::span<ColumnValues* const> columns) {
     std::vector<std::size_t> order(columns.size());
     std::iota(order.begin(), order.end(), 0U);
-    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-        return columns[a]->counter().memory() > columns[b]->counter().memory();
-    });
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return columns[a]->memory() > columns[b]->memory(); });
     return order;
 }
 
@@ -38,7 +37,8 @@ RunEngine::RunEngine(const Settings& settings, std::function<bool()> poll)
       m_gate(m_plan.figuring()),
       m_pool(settings.threads) {}
 
-void RunEngine::begin(const TablePasses& passes, const source::RowBlock& block, std::int64_t firstRecord) {
+void RunEngine::begin(const TablePasses& passes, const source::RowBlock& block, std::int64_t firstRecord,
+                      std::uint32_t parts) {
     const bool havePrograms =
         std::any_of(passes.begin(), passes.end(), [](const auto& pass) { return pass->hasPrograms(); });
     if (havePrograms) {
@@ -49,13 +49,19 @@ void RunEngine::begin(const TablePasses& passes, const source::RowBlock& block, 
             pass->prepare(block, firstRecord);
     }
     const std::size_t columns = passes.front()->columns().size();
-    m_pool.start(columns * passes.size(),
-                 [&passes, &block, columns](std::size_t i) { passes[i / columns]->countColumn(block, i % columns); });
+    m_pool.start(columns * passes.size() * parts, [&passes, &block, columns, parts](std::size_t i) {
+        const std::size_t column = i / parts;
+        passes[column / columns]->countColumn(block, column % columns, static_cast<std::uint32_t>(i % parts));
+    });
 }
 
 Status RunEngine::count(source::RowReader& reader, const TablePasses& passes,
                         const std::function<void(std::size_t)>& took) {
     const std::vector<ColumnValues*> columns = columnsOf(passes);
+    // Too few columns would leave threads without work.
+    const std::uint32_t parts = columns.size() < 2 * std::size_t{m_pool.threads()} ? m_pool.threads() : 1;
+    for (ColumnValues* column : columns)
+        column->divide(parts);
     // While one block is counted the next one is read; alone a thread does better to count what it has just read.
     const bool readsAhead = m_pool.threads() > 1;
     std::array<source::RowBlock, 2> blocks;
@@ -65,7 +71,7 @@ Status RunEngine::count(source::RowReader& reader, const TablePasses& passes,
     while (more && *more) {
         const source::RowBlock& block = blocks[current];
         const std::size_t rows = block.rows;
-        begin(passes, block, record);
+        begin(passes, block, record, parts);
         if (readsAhead) {
             try {
                 more = reader.read(blocks[1 - current]);
@@ -91,14 +97,14 @@ Status RunEngine::count(source::RowReader& reader, const TablePasses& passes,
 Status RunEngine::spillWhatIsTooMuch(std::span<ColumnValues* const> columns) {
     std::size_t memory = 0;
     for (const ColumnValues* column : columns)
-        memory += column->counter().memory();
+        memory += column->memory();
     if (memory <= m_plan.counting())
         return {};
     std::vector<ColumnValues*> chosen;
     for (const std::size_t i : byMemory(columns)) {
-        if (memory <= m_plan.afterSpilling() || columns[i]->counter().entries().empty())
+        if (memory <= m_plan.afterSpilling() || columns[i]->valuesInMemory() == 0)
             break;
-        memory -= columns[i]->counter().memory();
+        memory -= columns[i]->memory();
         chosen.push_back(columns[i]);
     }
     return divide(chosen.size(), [&](std::size_t i) -> Status {
@@ -138,13 +144,16 @@ Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass) {
         ColumnValues& values = *columns[c];
         const std::size_t share = m_plan.figuring() / m_pool.threads();
         const bool isTooLarge = values.isSpilled() || figuringTakes(values) > m_plan.figuring();
-        const auto memory =
-            m_gate.take(isTooLarge ? std::max(share, values.spillingTakes()) : figuringTakes(values), m_stop);
-        if (isTooLarge)
+        const std::size_t takes = isTooLarge ? std::max(share, values.spillingTakes()) : figuringTakes(values);
+        const auto memory = m_gate.take(takes, m_stop);
+        if (isTooLarge) {
             if (Status spilled = values.spill(m_file, m_stop); !spilled)
                 return spilled;
+        }
+        values.unite();
+        const bool mayFork = columns.size() < m_pool.threads();
         auto figures = computeFigures(values, pass.columns()[c], static_cast<int>(c) + 1,
-                                      {m_file, m_store, m_stop, isTooLarge ? share : figuringTakes(values)});
+                                      {m_file, m_store, m_stop, share, mayFork});
         if (!figures)
             return figures.error();
         values.clear(m_file);

@@ -43,7 +43,7 @@ class RunEngine {
     [[nodiscard]] const MemoryPlan& plan() const { return m_plan; }
 
   private:
-    void begin(const TablePasses& passes, const source::RowBlock& block, std::int64_t firstRecord);
+    void begin(const TablePasses& passes, const source::RowBlock& block, std::int64_t firstRecord, std::uint32_t parts);
     Status spillWhatIsTooMuch(std::span<ColumnValues* const> columns);
     /// Calls work(i) for every i below `count` by all threads, until one fails.
     Status divide(std::size_t count, const std::function<Status(std::size_t)>& work);

@@ -95,16 +95,16 @@ void TablePass::prepare(const source::RowBlock& block, std::int64_t firstRecord)
         evaluate(block, firstRecord);
 }
 
-void TablePass::countColumn(const source::RowBlock& block, std::size_t column) {
+void TablePass::countColumn(const source::RowBlock& block, std::size_t column, std::uint32_t part) {
     const std::vector<source::Cell>& cells = block.columns[column];
-    ValueCounter& counter = m_values[column].counter();
+    ColumnValues& values = m_values[column];
     if (!m_where)
-        return counter.count(std::span(cells.data(), block.rows));
+        return values.count(std::span(cells.data(), block.rows), part);
     thread_local std::vector<source::Cell> selected;
     selected.resize(m_selectedRows.size());
     for (std::size_t i = 0; i < selected.size(); ++i)
         selected[i] = cells[m_selectedRows[i]];
-    counter.count(selected);
+    values.count(selected, part);
 }
 
 void TablePass::select(const source::RowBlock& block, std::int64_t firstRecord) {

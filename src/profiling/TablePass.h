@@ -25,9 +25,9 @@ class TablePass {
 
     /// A block of rows is taken in two steps. The first finds the rows that belong to the table and hands them to
     /// metrics and rules; `firstRecord` is the number of the block's first row in its source, from 1. The second
-    /// counts a column; several threads may count, each another column.
+    /// counts a column, or a part of its values (ColumnValues.h); several threads may count, each something else.
     void prepare(const source::RowBlock& block, std::int64_t firstRecord);
-    void countColumn(const source::RowBlock& block, std::size_t column);
+    void countColumn(const source::RowBlock& block, std::size_t column, std::uint32_t part);
     /// Whether the first step is work that is worth a thread.
     [[nodiscard]] bool hasPrograms() const { return m_where || m_hasRowPrograms; }
 

@@ -99,7 +99,7 @@ std::string dumpFigures(const std::string& path) {
     StopSignal stop;
     for (std::size_t c = 0; c < columns.size(); ++c) {
         const auto figures = need(computeFigures(columns[c], (*reader)->columnNames()[c], static_cast<int>(c) + 1,
-                                                 {file, store, stop, std::size_t{1} << 30}));
+                                                 {file, store, stop, std::size_t{1} << 30, false}));
         fields.push_back(fieldJson(figures.facts));
     }
     return json{{"rows", rows}, {"fields", fields}}.dump();
