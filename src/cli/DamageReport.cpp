@@ -17,7 +17,8 @@ std::string rowText(const source::DamagedRow& row, const profiling::TableOutcome
     const std::string place =
         outcome.files.empty()
             ? fmt::format("{} {}", word, row.line)
-            : fmt::format("{} {} {}", std::filesystem::path(outcome.files[row.file]).filename().string(), word, row.line);
+            : fmt::format("{} {} {}", std::filesystem::path(outcome.files[row.file]).filename().string(), word,
+                          row.line);
     switch (row.damage) {
     case source::Damage::TooFewCells:
         return fmt::format("{}: too few cells ({} of {})", place, row.cells, fields);

@@ -9,6 +9,7 @@
 #include "profiling/JobDescription.h"
 
 #include <CLI/App.hpp>
+#include <CLI/Validators.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -18,6 +19,8 @@
 namespace tavix::cli {
 
 namespace {
+
+constexpr unsigned kMostThreads = 256;
 
 bool isJobFile(const std::string& path) {
     std::string ending = std::filesystem::path(path).extension().string();
@@ -89,6 +92,15 @@ CLI::App* ProfileCommand::declare(CLI::App& program) {
     command->add_flag(
         "--explain", m_explain,
         "Show what databases would be asked, and why rows are read where they cannot count; nothing is run");
+    command->add_option("--threads", m_threads, "How many threads work. Without it, as many as the machine has cores")
+        ->check(CLI::Range(1U, kMostThreads))
+        ->type_name("N");
+    command
+        ->add_option("--memory", m_memory,
+                     "How much memory the run may take, as 500M or 2G. Without it, half of the machine's; what needs "
+                     "more goes to a temporary file in TMPDIR, or beside the repository")
+        ->transform(CLI::AsSizeValue(false))
+        ->type_name("SIZE");
     command->footer("The repository is a file; it is made when it does not exist. Profiling a job again adds a run.\n"
                     "A run is stored whole or not at all, however the program ends.\n\n"
                     "Examples:\n"
@@ -159,6 +171,8 @@ void ProfileCommand::run(const CommonOptions& options) {
         runOptions.description = m_description;
         runOptions.watcher = &progress;
         runOptions.askCredentials = sourceCredentials();
+        runOptions.threads = m_threads;
+        runOptions.memory = m_memory;
         return profiling::runJob(job, repository, runOptions);
     }();
     if (!result)

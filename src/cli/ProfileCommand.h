@@ -4,6 +4,7 @@
 #include "cli/ReadingOptions.h"
 #include "profiling/JobRunner.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,8 @@ class ProfileCommand final : public Command {
     std::string m_oneTable;
     std::string m_description;
     ReadingOptions m_reading;
+    unsigned m_threads = 0;
+    std::uint64_t m_memory = 0;
     bool m_explain = false;
 };
 

@@ -24,8 +24,8 @@ std::optional<std::uint64_t> countIn(const Cell& cell) {
 }
 
 /// The rows that the column has; nothing when what came is no exact count of them.
-Result<std::optional<std::uint64_t>> countColumn(const OpenedDatabaseTable& opened, std::size_t column,
-                                                 ValueCounter& counter, const source::KeepGoing& keepGoing,
+Result<std::optional<std::uint64_t>> countColumn(const OpenedDatabaseTable& opened, std::size_t column, TablePass& pass,
+                                                 RunEngine& engine, const source::KeepGoing& keepGoing,
                                                  const std::function<void(std::int64_t)>& counted) {
     DeclaredColumn number;
     number.kind = DeclaredColumn::Kind::Integer;
@@ -36,6 +36,7 @@ Result<std::optional<std::uint64_t>> countColumn(const OpenedDatabaseTable& open
         return reader.error();
     std::uint64_t rows = 0;
     source::RowBlock block;
+    ValueCounter& counter = pass.values(column).counter();
     for (;;) {
         const auto more = (*reader)->read(block);
         if (!more)
@@ -54,6 +55,8 @@ Result<std::optional<std::uint64_t>> countColumn(const OpenedDatabaseTable& open
             rows += *count;
         }
         counted(static_cast<std::int64_t>(rows));
+        if (Status status = engine.spillWhatIsTooMuch(pass); !status)
+            return status.error();
     }
     if ((*reader)->damagedRowCount() > 0)
         return std::optional<std::uint64_t>();
@@ -62,16 +65,15 @@ Result<std::optional<std::uint64_t>> countColumn(const OpenedDatabaseTable& open
 
 } // namespace
 
-Result<bool> countInEngine(const OpenedDatabaseTable& opened, TablePass& pass, const source::KeepGoing& keepGoing,
-                           const std::function<void(std::int64_t)>& counted) {
+Result<bool> countInEngine(const OpenedDatabaseTable& opened, TablePass& pass, RunEngine& engine,
+                           const source::KeepGoing& keepGoing, const std::function<void(std::int64_t)>& counted) {
     std::optional<std::uint64_t> rows;
     for (std::size_t c = 0; c < pass.columns().size(); ++c) {
-        const auto found = countColumn(opened, c, pass.counter(c), keepGoing, counted);
+        const auto found = countColumn(opened, c, pass, engine, keepGoing, counted);
         if (!found)
             return found.error();
         if (!*found || (rows && **found != *rows)) {
-            for (std::size_t done = 0; done <= c; ++done)
-                pass.counter(done) = ValueCounter();
+            engine.forget(pass);
             return false;
         }
         rows = *found;

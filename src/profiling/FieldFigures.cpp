@@ -1,28 +1,25 @@
 #include "profiling/FieldFigures.h"
 
-#include "pattern/CharacterPattern.h"
-#include "profiling/OrderedNumbers.h"
-#include "profiling/ValueKind.h"
-#include "profiling/ValueOrder.h"
-
-#include <fmt/format.h>
+#include "profiling/DistributionOrder.h"
+#include "profiling/LargeIntegers.h"
+#include "profiling/NumberFigure.h"
+#include "profiling/RunBuffer.h"
+#include "profiling/ValueSurvey.h"
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <optional>
+#include <future>
 #include <utility>
 
 namespace tavix::profiling {
 
 namespace {
 
-using repository::FieldFacts;
-using repository::Outlier;
-using repository::OutlierSide;
-using repository::ValueCount;
+using Entries = std::span<const ValueCounter::Entry>;
 
-constexpr std::array<unsigned, 15> kIntervals = {1, 5, 10, 20, 25, 30, 40, 50, 60, 70, 75, 80, 90, 95, 99};
+constexpr std::size_t kEntriesAtOnce = 4096;
+constexpr std::size_t kWorthAThread = 10'000; ///< distinct values
+constexpr std::size_t kLeastMemory = std::size_t{64} << 10;
 
 struct KindInfo {
     ValueKind kind;
@@ -36,193 +33,309 @@ constexpr std::array<KindInfo, 5> kKinds = {{{ValueKind::Text, 'S', "text"},
                                              {ValueKind::Date, 'D', "date"},
                                              {ValueKind::Boolean, 'B', "boolean"}}};
 
-bool isNumber(ValueKind kind) {
-    return kind == ValueKind::Integer || kind == ValueKind::Real;
-}
-
-/// The narrowest kind that holds what is of kind `a` and what is of kind `b`.
-ValueKind join(ValueKind a, ValueKind b) {
-    if (a == b || b == ValueKind::None)
-        return a;
-    if (a == ValueKind::None)
-        return b;
-    return isNumber(a) && isNumber(b) ? ValueKind::Real : ValueKind::Text;
-}
-
-std::uint32_t codePoints(std::string_view text) {
-    return static_cast<std::uint32_t>(std::count_if(
-        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80; }));
-}
-
 std::int64_t asInteger(std::uint64_t value) {
     return static_cast<std::int64_t>(value);
 }
 
-/// What one walk over the distinct values finds out.
-struct Survey {
-    ValueKind kind = ValueKind::None;
-    std::uint64_t rows = 0; ///< without null
-    std::uint64_t blankRows = 0;
-    std::uint32_t shortest = 0;
-    std::uint32_t longest = 0;
-};
-
-Survey survey(Entries entries, ValueCounter& patterns) {
-    Survey found;
-    found.shortest = entries.empty() ? 0 : UINT32_MAX;
-    std::string buffer;
-    for (const ValueCounter::Entry& entry : entries) {
-        const std::string_view text = entry.text();
-        found.rows += entry.count;
-        const std::uint32_t length = codePoints(text);
-        found.shortest = std::min(found.shortest, length);
-        found.longest = std::max(found.longest, length);
-        if (isBlank(text))
-            found.blankRows += entry.count;
-        if (found.kind != ValueKind::Text)
-            found.kind = join(found.kind, kindOf(text));
-        buffer.clear();
-        pattern::appendCharacterPattern(buffer, text);
-        patterns.add(buffer, entry.count);
-    }
-    return found;
-}
-
-std::vector<ValueCount> distribution(Entries entries, std::span<const std::uint32_t> order, std::uint64_t nullCount) {
-    std::vector<ValueCount> rows;
-    rows.reserve(order.size() + 1);
-    bool isNullPlaced = nullCount == 0;
-    for (const std::uint32_t index : order) {
-        if (!isNullPlaced && entries[index].count <= nullCount) {
-            rows.push_back({{}, nullCount, true});
-            isNullPlaced = true;
-        }
-        rows.push_back({entries[index].text(), entries[index].count, false});
-    }
-    if (!isNullPlaced)
-        rows.push_back({{}, nullCount, true});
-    return rows;
-}
-
-/// Figures that follow from the values in their order: minimum to percentiles and outliers.
-class OrderFigures {
+class FieldWork {
   public:
-    OrderFigures(FieldFacts& facts, Entries entries, std::span<const std::uint32_t> order, ValueKind kind)
-        : m_facts(facts), m_entries(entries), m_order(order), m_ranks(entries, order) {
-        if (isNumber(kind))
-            m_numbers.emplace(entries, order, kind);
+    FieldWork(ColumnValues& values, const std::string& name, int ordinal, const FigureContext& context)
+        : m_values(values),
+          m_context(context),
+          m_part(std::max(context.memory / 4, kLeastMemory)),
+          m_nulls(values.counter().nullCount()) {
+        m_figures.facts.name = name;
+        m_figures.facts.ordinal = ordinal;
+        m_figures.packed = std::make_unique<PackedResult>(context.store);
+        m_figures.facts.packed = m_figures.packed.get();
     }
 
-    void compute() {
-        set(MetricId::MinimumValue, textAt(0));
-        set(MetricId::MaximumValue, textAt(m_order.size() - 1));
-        set(MetricId::Mode, textAt(modePlace()));
-        set(MetricId::Median, quantile(50));
-        m_facts.quantileRule = m_numbers ? kLinearRule : kNearestRule;
-        for (const unsigned percent : kIntervals)
-            m_facts.percentiles.push_back({fmt::format("{}%", percent), quantile(percent).toText()});
-        if (m_numbers)
-            setMoments();
-        addOutliers(OutlierSide::Low);
-        addOutliers(OutlierSide::High);
+    Result<FieldFigures> compute() {
+        if (Status status = m_values.isSpilled() ? workOnRuns() : workInMemory(); !status)
+            return status.error();
+        return std::move(m_figures);
     }
 
   private:
-    void set(MetricId metric, KvbDatavar value) { m_facts.metrics[index(metric)] = std::move(value); }
-    [[nodiscard]] const ValueCounter::Entry& entryAt(std::size_t place) const { return m_entries[m_order[place]]; }
-    [[nodiscard]] std::string textAt(std::size_t place) const { return std::string(entryAt(place).text()); }
+    void set(MetricId metric, KvbDatavar value) { m_figures.facts.metrics[index(metric)] = std::move(value); }
 
-    [[nodiscard]] KvbDatavar quantile(unsigned percent) const {
-        return m_numbers ? m_numbers->quantile(percent) : KvbDatavar(textAt(m_ranks.nearest(percent)));
+    Status workInMemory() {
+        ValueCounter& counter = m_values.counter();
+        counter.finish();
+        const Entries entries = counter.entries();
+        std::vector<Keyed> spare;
+        std::vector<Keyed> order;
+        const auto look = [&] { return surveyInMemory(entries); };
+        const auto sort = [&] {
+            order = sortedByText(entries, spare, m_context.stop);
+            return packByCount(entries, order, m_nulls, m_figures.packed->values, m_context.store, m_context.stop);
+        };
+        if (m_context.mayFork && entries.size() > kWorthAThread) {
+            auto looking = std::async(std::launch::async, look);
+            Status sorted = sort();
+            if (Status looked = looking.get(); !looked)
+                return looked;
+            if (!sorted)
+                return sorted;
+        } else {
+            if (Status looked = look(); !looked)
+                return looked;
+            if (Status sorted = sort(); !sorted)
+                return sorted;
+        }
+        if (entries.empty())
+            return {};
+        if (m_form != KeyForm::None) {
+            keyByValue(entries, order);
+            sortByKey(order, spare, m_context.stop);
+            if (m_form == KeyForm::LargeInteger)
+                orderLargeIntegers(order, entries);
+        }
+        spare = {};
+        EntryWalk walk(entries, order);
+        return computeOrderFigures(m_figures.facts, walk, m_form, participants(), m_context.stop);
     }
 
-    [[nodiscard]] std::size_t modePlace() const {
-        std::size_t mode = 0;
-        for (std::size_t place = 1; place < m_order.size(); ++place)
-            if (entryAt(place).count > entryAt(mode).count)
-                mode = place;
-        return mode;
+    /// The same, when the values have to be merged from the lists in the file.
+    Status workOnRuns() {
+        if (Status status = m_values.spill(m_context.file, m_context.stop); !status)
+            return status;
+        {
+            RunBuffer hashes(m_context.file, RunOrder::Key, m_part, m_context.stop);
+            RunBuffer byCount(m_context.file, RunOrder::Key, m_part, m_context.stop);
+            RunWalk byText(m_values.runs(), m_context.file, m_part);
+            if (Status status = walkRuns(byText, hashes, byCount); !status)
+                return status;
+            if (Status status = finishSurvey(); !status)
+                return status;
+            if (Status status = packMergedHashes(hashes); !status)
+                return status;
+            const auto runs = byCount.finish();
+            if (!runs)
+                return runs.error();
+            if (Status status = packMergedByCount(**runs, m_nulls, m_figures.packed->values, merging()); !status)
+                return status;
+        }
+        RunWalk byText(m_values.runs(), m_context.file, m_part);
+        if (m_form == KeyForm::None)
+            return computeOrderFigures(m_figures.facts, byText, m_form, participants(), m_context.stop);
+        const RunOrder order = m_form == KeyForm::LargeInteger ? RunOrder::KeyInteger : RunOrder::Key;
+        RunBuffer byValue(m_context.file, order, m_part, m_context.stop);
+        if (Status status = fillByValue(byText, byValue); !status)
+            return status;
+        const auto runs = byValue.finish();
+        if (!runs)
+            return runs.error();
+        RunWalk walk(**runs, m_context.file, m_part);
+        return computeOrderFigures(m_figures.facts, walk, m_form, participants(), m_context.stop);
     }
 
-    void setMoments() {
-        set(MetricId::Mean, m_numbers->mean());
-        if (const auto deviation = m_numbers->deviation()) {
-            set(MetricId::StandardDeviation, numberFigure(*deviation));
-            set(MetricId::StandardError, numberFigure(*deviation / std::sqrt(static_cast<double>(m_ranks.total()))));
+    Status surveyInMemory(Entries entries) {
+        for (std::size_t i = 0; i < entries.size(); i += kEntriesAtOnce)
+            if (Status status = survey(entries.subspan(i, std::min(kEntriesAtOnce, entries.size() - i))); !status)
+                return status;
+        if (Status status = finishSurvey(); !status)
+            return status;
+        return packHashes(entries, *m_figures.packed, m_context.stop);
+    }
+
+    Status survey(Entries entries) {
+        if (m_context.stop.isStopped())
+            return StopSignal::stopped();
+        m_survey.take(entries);
+        ColumnValues& patterns = m_survey.patterns();
+        if (patterns.counter().memory() > m_part)
+            return patterns.spill(m_context.file, m_context.stop);
+        return {};
+    }
+
+    Status walkRuns(ValueWalk& walk, RunBuffer& hashes, RunBuffer& byCount) {
+        if (Status status = walk.rewind(); !status)
+            return status;
+        std::vector<ValueCounter::Entry> entries;
+        for (;;) {
+            const auto rows = walk.next();
+            if (!rows)
+                return rows.error();
+            if (rows->empty())
+                return {};
+            entries.clear();
+            for (std::size_t i = 0; i < rows->size(); ++i) {
+                const std::string_view text = walk.text(i);
+                const std::uint64_t count = (*rows)[i].count;
+                entries.push_back({text.data(), count, static_cast<std::uint32_t>(text.size()), 0});
+                if (Status status = hashes.add({repository::hashValue(text), 1, {}}); !status)
+                    return status;
+                if (Status status = byCount.add({~count, count, text}); !status)
+                    return status;
+            }
+            if (Status status = survey(entries); !status)
+                return status;
         }
     }
 
-    void addOutliers(OutlierSide side) {
-        const std::size_t count = std::min(kOutliersPerSide, m_order.size());
-        for (std::size_t i = 0; i < count; ++i) {
-            const std::size_t place = side == OutlierSide::Low ? i : m_order.size() - 1 - i;
-            const auto fence = m_numbers ? m_numbers->fenceOf(place) : repository::Fence::Inside;
-            m_facts.outliers.push_back(
-                {side, static_cast<int>(i), KvbString(entryAt(place).text()), entryAt(place).count, fence});
+    Status packMergedHashes(RunBuffer& hashes) {
+        const auto runs = hashes.finish();
+        if (!runs)
+            return runs.error();
+        RunMerge merge = (*runs)->merge(m_context.file, m_part);
+        std::vector<std::uint64_t> chunk;
+        for (;;) {
+            const auto more = merge.next();
+            if (!more)
+                return more.error();
+            if (*more)
+                chunk.push_back(merge.record().key);
+            if (chunk.size() == repository::kHashesPerChunk || (!*more && !chunk.empty())) {
+                if (m_context.stop.isStopped())
+                    return StopSignal::stopped();
+                if (Status status = m_figures.packed->addHashes(chunk); !status)
+                    return status;
+                chunk.clear();
+            }
+            if (!*more)
+                return {};
         }
     }
 
-    FieldFacts& m_facts;
-    Entries m_entries;
-    std::span<const std::uint32_t> m_order;
-    Ranks m_ranks;
-    std::optional<OrderedNumbers> m_numbers;
+    Status fillByValue(ValueWalk& walk, RunBuffer& byValue) {
+        if (Status status = walk.rewind(); !status)
+            return status;
+        for (;;) {
+            const auto rows = walk.next();
+            if (!rows)
+                return rows.error();
+            if (rows->empty())
+                return {};
+            if (m_context.stop.isStopped())
+                return StopSignal::stopped();
+            for (std::size_t i = 0; i < rows->size(); ++i) {
+                const std::string_view text = walk.text(i);
+                if (text.empty() || isBlank(text))
+                    continue;
+                if (Status status = byValue.add({keyOf(text, m_form), (*rows)[i].count, text}); !status)
+                    return status;
+            }
+        }
+    }
+
+    /// Gives the values that take part their keys and takes the others out.
+    void keyByValue(Entries entries, std::vector<Keyed>& order) const {
+        // In the order of the entries, for their texts lie one behind the other.
+        std::vector<std::uint64_t> keys(entries.size());
+        const bool hasOthers = m_survey.emptyRows() + m_survey.blankRows() > 0;
+        std::vector<bool> isOther(hasOthers ? entries.size() : 0);
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            const std::string_view text = entries[i].text();
+            if (hasOthers && (text.empty() || isBlank(text)))
+                isOther[i] = true;
+            else
+                keys[i] = keyOf(text, m_form);
+        }
+        if (hasOthers)
+            std::erase_if(order, [&](const Keyed& row) { return isOther[row.index]; });
+        for (Keyed& row : order)
+            row.key = keys[row.index];
+    }
+
+    [[nodiscard]] std::uint64_t participants() const {
+        return m_form == KeyForm::None ? m_survey.rows()
+                                       : m_survey.rows() - m_survey.emptyRows() - m_survey.blankRows();
+    }
+
+    [[nodiscard]] Merging merging() const { return {m_context.file, m_context.store, m_context.stop, m_part}; }
+
+    /// Packs the patterns and sets the figures that need no order.
+    Status finishSurvey() {
+        m_survey.finish();
+        m_form = keyForm(m_survey.kind(), m_survey.fits64());
+        if (Status status = packPatterns(); !status)
+            return status;
+        const std::uint64_t rows = m_survey.rows() + m_nulls;
+        set(MetricId::Count, asInteger(rows));
+        set(MetricId::UniqueCount, asInteger(m_survey.values()));
+        set(MetricId::NullCount, asInteger(m_nulls));
+        set(MetricId::NonNullCount, asInteger(m_survey.rows()));
+        set(MetricId::BlankCount, asInteger(m_survey.blankRows()));
+        set(MetricId::PatternCount, m_figures.packed->patternRows());
+        set(MetricId::Ordinal, m_figures.facts.ordinal);
+        if (rows > 0) {
+            const auto share = [&](std::uint64_t part) {
+                return numberFigure(100.0 * static_cast<double>(part) / static_cast<double>(rows));
+            };
+            set(MetricId::UniquePercent, share(m_survey.values()));
+            set(MetricId::PercentNull, share(m_nulls));
+        }
+        for (const KindInfo& info : kKinds)
+            if (info.kind == m_survey.kind()) {
+                m_figures.facts.typeCode = info.code;
+                set(MetricId::ActualType, info.word);
+            }
+        if (m_survey.values() > 0) {
+            set(MetricId::MinimumLength, asInteger(m_survey.shortest()));
+            set(MetricId::MaximumLength, asInteger(m_survey.longest()));
+        }
+        if (m_survey.kind() == ValueKind::Real)
+            set(MetricId::Precision, m_survey.decimalPlaces());
+        return {};
+    }
+
+    Status packPatterns() {
+        ColumnValues& patterns = m_survey.patterns();
+        PackedRows& packed = m_figures.packed->patterns;
+        if (!patterns.isSpilled()) {
+            patterns.counter().finish();
+            std::vector<Keyed> spare;
+            const Entries entries = patterns.counter().entries();
+            const std::vector<Keyed> order = sortedByText(entries, spare, m_context.stop);
+            Status status = packByCount(entries, order, 0, packed, m_context.store, m_context.stop);
+            patterns.clear(m_context.file);
+            return status;
+        }
+        if (Status status = patterns.spill(m_context.file, m_context.stop); !status)
+            return status;
+        RunBuffer byCount(m_context.file, RunOrder::Key, m_part, m_context.stop);
+        RunMerge merge = patterns.runs().merge(m_context.file, m_part);
+        for (std::size_t i = 0;; ++i) {
+            if (i % kEntriesAtOnce == 0 && m_context.stop.isStopped())
+                return StopSignal::stopped();
+            const auto more = merge.next();
+            if (!more)
+                return more.error();
+            if (!*more)
+                break;
+            const RunRecord& record = merge.record();
+            if (Status status = byCount.add({~record.count, record.count, record.text}); !status)
+                return status;
+        }
+        patterns.clear(m_context.file);
+        const auto runs = byCount.finish();
+        if (!runs)
+            return runs.error();
+        return packMergedByCount(**runs, 0, packed, merging());
+    }
+
+    ColumnValues& m_values;
+    FigureContext m_context;
+    std::size_t m_part;
+    std::uint64_t m_nulls;
+    ValueSurvey m_survey;
+    KeyForm m_form = KeyForm::None;
+    FieldFigures m_figures;
 };
 
 } // namespace
 
-FieldFigures computeFigures(const ValueCounter& counter, const std::string& name, int ordinal) {
-    FieldFigures figures;
-    const Entries entries = counter.entries();
-    const Survey found = survey(entries, figures.patternCounter);
-    figures.patternCounter.finish();
-    const Entries patterns = figures.patternCounter.entries();
-    const std::uint64_t rows = found.rows + counter.nullCount();
+std::size_t figuringTakes(const ColumnValues& values) {
+    // Twice the keyed rows and their order, and with a second thread at the same time twice the hashes. A part of it
+    // is for the patterns, which are spilled beyond that.
+    constexpr std::size_t kPerValue = 2 * sizeof(Keyed) + 3 * sizeof(std::uint64_t) + 2 * sizeof(std::uint32_t);
+    return values.valuesInMemory() * kPerValue + kLeastMemory;
+}
 
-    FieldFacts& facts = figures.facts;
-    facts.name = name;
-    facts.ordinal = ordinal;
-    const auto set = [&](MetricId metric, KvbDatavar value) { facts.metrics[index(metric)] = std::move(value); };
-    set(MetricId::Count, asInteger(rows));
-    set(MetricId::UniqueCount, asInteger(entries.size()));
-    set(MetricId::NullCount, asInteger(counter.nullCount()));
-    set(MetricId::NonNullCount, asInteger(found.rows));
-    set(MetricId::BlankCount, asInteger(found.blankRows));
-    set(MetricId::PatternCount, asInteger(patterns.size()));
-    set(MetricId::Ordinal, ordinal);
-    if (rows > 0) {
-        const auto share = [&](std::uint64_t part) {
-            return numberFigure(100.0 * static_cast<double>(part) / static_cast<double>(rows));
-        };
-        set(MetricId::UniquePercent, share(entries.size()));
-        set(MetricId::PercentNull, share(counter.nullCount()));
-    }
-    if (const auto* kind =
-            std::find_if(kKinds.begin(), kKinds.end(), [&](const KindInfo& info) { return info.kind == found.kind; });
-        kind != kKinds.end()) {
-        facts.typeCode = kind->code;
-        set(MetricId::ActualType, kind->word);
-    }
-
-    const std::vector<std::uint32_t> byText = orderByText(entries);
-    figures.values = distribution(entries, orderByCount(entries, byText), counter.nullCount());
-    figures.patterns = distribution(patterns, orderByCount(patterns, orderByText(patterns)), 0);
-    facts.values = figures.values;
-    facts.patterns = figures.patterns;
-    if (entries.empty())
-        return figures;
-
-    set(MetricId::MinimumLength, std::int64_t{found.shortest});
-    set(MetricId::MaximumLength, std::int64_t{found.longest});
-    const std::vector<std::uint32_t> byValue = orderByValue(entries, byText, found.kind);
-    OrderFigures(facts, entries, byValue, found.kind).compute();
-    if (found.kind == ValueKind::Real) {
-        std::int64_t places = 0;
-        for (const std::uint32_t i : byValue)
-            places = std::max(places, decimalPlaces(entries[i].text()));
-        set(MetricId::Precision, places);
-    }
-    return figures;
+Result<FieldFigures> computeFigures(ColumnValues& values, const std::string& name, int ordinal,
+                                    const FigureContext& context) {
+    return FieldWork(values, name, ordinal, context).compute();
 }
 
 } // namespace tavix::profiling

@@ -1,31 +1,38 @@
 #pragma once
 
-#include "profiling/ValueCounter.h"
+#include "base/Result.h"
+#include "profiling/ColumnValues.h"
+#include "profiling/OrderFigures.h"
+#include "profiling/PackedResult.h"
 #include "repository/Facts.h"
 
+#include <memory>
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace tavix::profiling {
 
-/// The names of the two rules for the median and the percentiles, as docs/definitions.md explains them.
-inline constexpr std::string_view kLinearRule = "linear interpolation (R type 7)";
-inline constexpr std::string_view kNearestRule = "nearest rank";
-
-/// How many of the lowest and of the highest distinct values are kept as outliers.
-inline constexpr std::size_t kOutliersPerSide = 10;
-
-/// Everything that a run says about one field, and the memory that `facts` borrows.
+/// Everything that a run says about one field. `facts` borrows `packed`.
 struct FieldFigures {
     repository::FieldFacts facts;
-    std::vector<repository::ValueCount> values;
-    std::vector<repository::ValueCount> patterns;
-    ValueCounter patternCounter; ///< holds the texts of the patterns
+    std::unique_ptr<PackedResult> packed;
 };
 
-/// Computes the figures of a column from its counted values, once per distinct value. The texts of the values stay
-/// borrowed from `counter`. `ordinal` counts from 1.
-[[nodiscard]] FieldFigures computeFigures(const ValueCounter& counter, const std::string& name, int ordinal);
+/// What computing takes from outside.
+struct FigureContext {
+    SpillFile& file;
+    ByteStore& store; ///< keeps what is packed
+    StopSignal& stop;
+    std::size_t memory = 0; ///< bytes for lists that grow with the values: all of a spilled column, else the patterns
+    bool mayFork = false;   ///< a second thread may be started for a long column
+};
+
+/// How much memory computeFigures() takes for a moment beside the values, when they are in memory.
+[[nodiscard]] std::size_t figuringTakes(const ColumnValues& values);
+
+/// Computes the figures of a column from its counted values, once per distinct value, and packs them. The values are
+/// used up. They are the same figures and blocks whether the values lie in memory or were spilled. `ordinal` counts
+/// from 1. Fails when a file fails, and with StopSignal::stopped().
+[[nodiscard]] Result<FieldFigures> computeFigures(ColumnValues& values, const std::string& name, int ordinal,
+                                                  const FigureContext& context);
 
 } // namespace tavix::profiling

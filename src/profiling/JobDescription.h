@@ -79,7 +79,7 @@ struct TableDescription {
     const CEncoding* encoding = nullptr; ///< found in the file when null
     char quote = '"';                    ///< 0: none
     source::Sample sample{};             ///< a filtered table has that of the table that it is based on
-    std::string source{}; ///< of a table of a database: the name of the job's source
+    std::string source{};                ///< of a table of a database: the name of the job's source
     source::TableRequest database{};
     bool isCountedByRows = false; ///< its rows are read even if the engine can count
 

@@ -1,83 +1,30 @@
 #include "profiling/JobRunner.h"
 
-#include "profiling/FieldFigures.h"
+#include "profiling/Databases.h"
+#include "profiling/EngineCount.h"
 #include "profiling/JobChecks.h"
-#include "profiling/TableFiles.h"
-#include "profiling/TablePass.h"
+#include "profiling/OpenedSource.h"
+#include "profiling/RunEngine.h"
+#include "profiling/RunReporter.h"
 #include "profiling/TablePrograms.h"
-#include "profiling/ValueCounter.h"
 #include "repository/RunWriter.h"
-#include "source/SampledReader.h"
+#include "repository/Schema.h"
+#include "source/OdbcReader.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <memory>
-#include <system_error>
+#include <span>
+#include <thread>
 #include <utility>
 
 namespace tavix::profiling {
 
 namespace {
-
-using Timer = std::chrono::steady_clock;
-using source::DamagedRow;
-using source::RowReader;
-
-constexpr auto kReportInterval = std::chrono::milliseconds(100);
-constexpr std::size_t kListedFiles = 1000;
-
-/// Tells the watcher what it should know, but not more often than it can show.
-class Reporter {
-  public:
-    Reporter(ProgressWatcher* watcher, std::size_t tableCount) : m_watcher(watcher) { state.tableCount = tableCount; }
-
-    /// False once the watcher has cancelled. `now`: do not wait for the interval.
-    bool report(bool now = false) {
-        const auto time = Timer::now();
-        if (!m_watcher || m_isCancelled || (!now && time - m_last < kReportInterval))
-            return !m_isCancelled;
-        m_last = time;
-        state.seconds = seconds();
-        m_isCancelled = !m_watcher->progress(state);
-        return !m_isCancelled;
-    }
-    [[nodiscard]] bool isCancelled() const { return m_isCancelled; }
-    [[nodiscard]] double seconds() const { return std::chrono::duration<double>(Timer::now() - m_start).count(); }
-
-    ProgressState state;
-
-  private:
-    ProgressWatcher* m_watcher;
-    Timer::time_point m_start = Timer::now();
-    Timer::time_point m_last{};
-    bool m_isCancelled = false;
-};
-
-/// A table's files, opened, and the rows of them that are profiled.
-struct OpenedTable {
-    std::unique_ptr<RowReader> reader;
-    source::FileSetReader* files = nullptr;
-    source::SampledReader* sampled = nullptr; ///< when there is a sample
-};
-
-Result<OpenedTable> openTable(const TableDescription& table) {
-    auto files = openFiles(table);
-    if (!files)
-        return files.error();
-    OpenedTable opened;
-    opened.files = files->get();
-    opened.reader = std::move(*files);
-    if (table.sample.kind != source::Sample::Kind::All) {
-        auto sampled = std::make_unique<source::SampledReader>(std::move(opened.reader), table.sample);
-        opened.sampled = sampled.get();
-        opened.reader = std::move(sampled);
-    }
-    return opened;
-}
 
 using Columns = std::span<const std::string>;
 
@@ -100,205 +47,302 @@ Status checkFieldsOver(const JobDescription& job, const TableDescription& base, 
     return {};
 }
 
-/// The steps of one run; each returns at once when the watcher has cancelled, which is no error.
+/// Bytes; half of what the machine has when nothing is stated.
+std::size_t memoryOf(const RunOptions& options) {
+    if (options.memory > 0)
+        return options.memory;
+    const auto pages = ::sysconf(_SC_PHYS_PAGES);
+    const auto pageSize = ::sysconf(_SC_PAGE_SIZE);
+    constexpr std::size_t kWhenUnknown = std::size_t{1} << 30;
+    return pages > 0 && pageSize > 0 ? static_cast<std::size_t>(pages) / 2 * static_cast<std::size_t>(pageSize)
+                                     : kWhenUnknown;
+}
+
+std::string spillFolderOf(const RunOptions& options, const std::string& repositoryPath) {
+    if (!options.spillFolder.empty())
+        return options.spillFolder;
+    if (const char* const folder = std::getenv("TMPDIR"); folder && *folder)
+        return folder;
+    const std::filesystem::path parent = std::filesystem::path(repositoryPath).parent_path();
+    return parent.empty() ? "." : parent.string();
+}
+
+RunEngine::Settings engineSettings(const RunOptions& options, const std::string& repositoryPath) {
+    const unsigned threads = options.threads > 0 ? options.threads : std::max(1U, std::thread::hardware_concurrency());
+    return {threads, memoryOf(options), spillFolderOf(options, repositoryPath)};
+}
+
+/// A table that was read and waits to be stored.
+struct FinishedTable {
+    std::shared_ptr<const std::vector<std::string>> columns; ///< borrowed by the pass
+    std::unique_ptr<TablePass> pass;
+    TableReport report;
+    std::vector<FieldFigures> fields;
+};
+
+/// About the memory that a field's facts take, what is packed not among it.
+std::size_t sizeOf(const repository::FieldFacts& facts) {
+    std::size_t size = sizeof(FieldFigures) + sizeof(PackedResult);
+    for (const auto& percentile : facts.percentiles)
+        size += sizeof percentile + percentile.value.str().size();
+    for (const auto& outlier : facts.outliers)
+        size += sizeof outlier + outlier.value.str().size();
+    return size;
+}
+
+/// The steps of one run: every table is read and its figures are computed, and only then, in one transaction, all is
+/// stored. A step that the watcher stops fails with StopSignal::stopped(), which execute() turns into an outcome.
 class Run {
   public:
-    Run(const JobDescription& job, const RunOptions& options)
+    Run(const JobDescription& job, const RunOptions& options, const std::string& repositoryPath)
         : m_job(job),
           m_clock(options.clock ? options.clock : &m_systemClock),
           m_description(options.description),
-          m_reporter(options.watcher, job.tables.size()) {}
+          m_repositoryPath(repositoryPath),
+          m_started(m_clock->now()),
+          m_databases(job, options.askCredentials),
+          m_reporter(options.watcher, job.tables.size()),
+          m_engine(engineSettings(options, repositoryPath), [this] { return m_reporter.report(); }) {}
 
-    Result<RunOutcome> execute(const std::string& repositoryPath) {
-        if (Status status = check(); !status)
-            return status.error();
-        if (!m_reporter.report(true))
-            return outcome();
-        auto writer = repository::RunWriter::begin(repositoryPath,
-                                                   {m_job.name, m_job.description, m_description, m_clock->now()});
-        if (!writer)
-            return writer.error();
-        m_writer = std::move(*writer);
-        for (std::size_t i = 0; i < m_job.tables.size() && !m_reporter.isCancelled(); ++i) {
-            m_reporter.state.tableIndex = i;
-            if (m_job.tables[i].isFiltered())
-                continue; // made of the rows of another one, while those pass by
-            if (Status status = profile(m_job.tables[i]); !status)
-                return status.error();
-        }
-        if (m_reporter.isCancelled())
-            return outcome();
-        for (const auto& collection : m_job.collections)
-            if (Status status = m_writer->addCollection(collection); !status)
-                return status.error();
-        if (!m_reporter.report(true))
-            return outcome();
-        if (Status status = m_writer->commit(m_clock->now()); !status)
+    Result<RunOutcome> execute() {
+        Status status = steps();
+        if (!status && !m_reporter.isCancelled())
             return status.error();
         return outcome();
     }
 
   private:
-    /// Finds what is wrong before anything is written: the description itself, files, names of fields.
+    Status steps() {
+        if (Status status = check(); !status)
+            return status;
+        if (Status status = goOn(); !status)
+            return status;
+        // Whether it can be written is better known before hours of reading than after them.
+        if (auto connection = repository::openRepository(m_repositoryPath, sql::OpenMode::Create); !connection)
+            return connection.error();
+        for (std::size_t i = 0; i < m_job.tables.size(); ++i) {
+            m_reporter.state.tableIndex = i;
+            if (m_job.tables[i].isFiltered())
+                continue; // made of the rows of another one, while those pass by
+            if (Status status = profile(m_job.tables[i]); !status)
+                return status;
+            if (m_factsSize > m_engine.plan().facts())
+                if (Status status = storeFinished(); !status)
+                    return status;
+        }
+        if (Status status = storeFinished(); !status)
+            return status;
+        for (const auto& collection : m_job.collections)
+            if (Status status = m_writer->addCollection(collection); !status)
+                return status;
+        if (Status status = goOn(); !status)
+            return status;
+        return m_writer->commit(m_clock->now());
+    }
+
+    Status goOn() { return m_reporter.report(true) ? Status{} : Status{StopSignal::stopped()}; }
+
+    /// Finds what is wrong before anything is written: the description itself, files, databases, names of fields.
     Status check() {
         if (Status status = checkJob(m_job); !status)
             return status;
         for (const TableDescription& table : m_job.tables) {
             if (table.isFiltered())
                 continue;
-            auto opened = openTable(table);
-            if (!opened)
-                return Error{fmt::format("Table \"{}\": {}", table.name, opened.error().text)};
-            if (Status status = opened->files->checkColumns(); !status)
-                return Error{fmt::format("Table \"{}\": {}", table.name, status.error().text)};
-            m_reporter.state.bytesTotal += opened->reader->total();
-            if (Status status = checkFieldsOver(m_job, table, opened->reader->columnNames()); !status)
+            if (Status status = table.isDatabase() ? checkDatabase(table) : checkFiles(table); !status)
                 return status;
-            // What does not know its size, as a pipe, cannot be opened twice.
-            if (opened->reader->total() == 0)
-                m_opened.emplace(&table, std::move(*opened));
         }
         return {};
     }
 
+    Status checkFiles(const TableDescription& table) {
+        auto opened = openTable(table);
+        if (!opened)
+            return failureIn(table, opened.error());
+        if (Status status = opened->files->checkColumns(); !status)
+            return failureIn(table, status.error());
+        m_reporter.state.bytesTotal += opened->reader->total();
+        if (Status status = checkFieldsOver(m_job, table, opened->reader->columnNames()); !status)
+            return status;
+        // What does not know its size, as a pipe, cannot be opened twice.
+        if (opened->reader->total() == 0)
+            m_opened.emplace(&table, std::move(*opened));
+        return {};
+    }
+
+    Status checkDatabase(const TableDescription& table) {
+        const auto opened = m_databases.open(table);
+        if (!opened)
+            return failureIn(table, opened.error());
+        return checkFieldsOver(m_job, table, opened->table.columnNames());
+    }
+
+    static Error failureIn(const TableDescription& table, const Error& error) {
+        return {fmt::format("Table \"{}\": {}", table.name, error.text)};
+    }
+
+    using SharedColumns = std::shared_ptr<const std::vector<std::string>>;
+
     /// A table of the job and the filtered ones over it, in one pass over its source.
     Status profile(const TableDescription& base) {
-        const auto kept = m_opened.find(&base);
-        auto opened = kept != m_opened.end() ? Result<OpenedTable>(std::move(kept->second)) : openTable(base);
-        if (!opened)
-            return Error{fmt::format("Table \"{}\": {}", base.name, opened.error().text)};
-        RowReader& reader = *opened->reader;
-        std::vector<std::unique_ptr<TablePass>> passes;
+        m_reporter.state.table = base.name;
+        m_reporter.state.rows = 0;
+        m_reporter.state.phase = ProgressState::Phase::Reading;
+        if (Status status = goOn(); !status)
+            return status;
+        return base.isDatabase() ? profileDatabase(base) : profileFiles(base);
+    }
+
+    Result<TablePasses> passesOver(const TableDescription& base, const SharedColumns& columns) {
+        TablePasses passes;
         for (const TableDescription* table : tablesOver(m_job, base)) {
-            auto programs = compileTable(*table, reader.columnNames());
+            auto programs = compileTable(*table, *columns);
             if (!programs)
                 return programs.error();
-            passes.push_back(std::make_unique<TablePass>(*table, reader.columnNames(), std::move(programs).value()));
+            passes.push_back(std::make_unique<TablePass>(*table, *columns, std::move(programs).value()));
         }
-        if (Status status = read(base, reader, passes); !status || m_reporter.isCancelled())
-            return status;
-        for (const auto& pass : passes) {
-            const std::int64_t rows = opened->sampled ? opened->sampled->rowsSeen() : passes.front()->rows();
-            if (Status status = store(*pass, base, *opened, rows); !status || m_reporter.isCancelled())
+        return passes;
+    }
+
+    Status profileFiles(const TableDescription& base) {
+        const auto kept = m_opened.find(&base);
+        auto opened = kept != m_opened.end() ? Result<OpenedFiles>(std::move(kept->second)) : openTable(base);
+        if (!opened)
+            return failureIn(base, opened.error());
+        source::RowReader& reader = *opened->reader;
+        const auto names = reader.columnNames();
+        const auto columns = std::make_shared<const std::vector<std::string>>(names.begin(), names.end());
+        auto passes = passesOver(base, columns);
+        if (!passes)
+            return passes.error();
+        if (Status status = read(reader, *passes); !status)
+            return failureIn(base, status.error());
+        const std::int64_t rowsOfBase = passes->front()->rows();
+        for (auto& pass : *passes) {
+            TableReport report = reportOfFiles(m_job, pass->description(), base, *opened, pass->rows(), rowsOfBase);
+            if (Status status = figure(std::move(pass), columns, std::move(report), {}); !status)
                 return status;
         }
         m_bytesBefore += reader.position();
         return {};
     }
 
-    Status read(const TableDescription& base, RowReader& reader, std::span<const std::unique_ptr<TablePass>> passes) {
-        ProgressState& state = m_reporter.state;
-        state.table = base.name;
-        state.rows = 0;
-        state.phase = ProgressState::Phase::Reading;
-        if (!m_reporter.report(true))
-            return {};
-        source::RowBlock block;
-        for (;;) {
-            const auto more = reader.read(block);
-            if (!more)
-                return Error{fmt::format("Table \"{}\": {}", base.name, more.error().text)};
-            for (const auto& pass : passes)
-                if (*more)
-                    pass->take(block, state.rows + 1);
-            state.rows += static_cast<std::int64_t>(block.rows);
-            state.bytesDone = m_bytesBefore + reader.position();
-            if (!m_reporter.report() || !*more)
-                return {};
+    /// All that is asked of the database sees one state of its data.
+    Status profileDatabase(const TableDescription& base) {
+        auto opened = m_databases.open(base);
+        if (!opened)
+            return failureIn(base, opened.error());
+        const auto& names = opened->table.columnNames();
+        const auto columns = std::make_shared<const std::vector<std::string>>(names.begin(), names.end());
+        auto passes = passesOver(base, columns);
+        if (!passes)
+            return passes.error();
+        TableOutcome damage;
+        damage.fields = columns->size();
+        opened->connection->beginSnapshot();
+        const Status status = readDatabase(base, *opened, *passes, damage);
+        opened->connection->endSnapshot();
+        if (!status)
+            return failureIn(base, status.error());
+        const std::int64_t rowsOfBase = passes->front()->rows();
+        for (auto& pass : *passes) {
+            repository::TableFacts facts;
+            addDatabaseFacts(facts, pass->description(), base, *opened);
+            TableReport report =
+                reportOfDatabase(pass->description(), std::move(facts), pass->rows(), rowsOfBase, damage);
+            if (Status stored = figure(std::move(pass), columns, std::move(report), opened->table.columns()); !stored)
+                return stored;
         }
+        return {};
     }
 
-    Status store(TablePass& pass, const TableDescription& base, const OpenedTable& opened, std::int64_t rowsOfSource) {
-        const TableDescription& table = pass.description();
-        TableOutcome result;
-        result.name = table.name;
-        result.rows = pass.rows();
-        result.rowsOfSource = rowsOfSource;
-        result.sample = base.sample.text();
-        result.fields = pass.columns().size();
-        if (!table.isFiltered()) {
-            const RowReader& reader = *opened.reader;
-            result.damagedRows = reader.damagedRowCount();
-            result.damage.assign(reader.damagedRows().begin(), reader.damagedRows().end());
-            result.encoding = opened.files->encodingOf(0).name;
-            if (opened.files->files().size() > 1)
-                result.files = opened.files->files();
+    Status readDatabase(const TableDescription& base, const OpenedDatabaseTable& opened, const TablePasses& passes,
+                        TableOutcome& damage) {
+        const source::KeepGoing keepGoing = [this] { return m_reporter.report(); };
+        if (!whyRowsAreRead(m_job, base, opened.table)) {
+            const auto counted = countInEngine(opened, *passes.front(), m_engine, keepGoing,
+                                               [this](std::int64_t rows) { m_reporter.state.rows = rows; });
+            if (!counted || *counted)
+                return counted ? Status{} : Status{counted.error()};
         }
-        const auto id = m_writer->addTable(factsOf(table, base, *opened.files, result));
+        auto reader = source::OdbcReader::open(*opened.connection, opened.table.rows(), opened.table.columns(),
+                                               opened.table.columnNames(), keepGoing);
+        if (!reader)
+            return reader.error();
+        const Status status = read(**reader, passes);
+        damage.damagedRows = (*reader)->damagedRowCount();
+        damage.damage.assign((*reader)->damagedRows().begin(), (*reader)->damagedRows().end());
+        return status;
+    }
+
+    Status read(source::RowReader& reader, const TablePasses& passes) {
+        ProgressState& state = m_reporter.state;
+        return m_engine.count(reader, passes, [&](std::size_t rows) {
+            state.rows += static_cast<std::int64_t>(rows);
+            state.bytesDone = m_bytesBefore + reader.position();
+        });
+    }
+
+    /// `declared`: the columns as a catalogue has them, or none.
+    Status figure(std::unique_ptr<TablePass> pass, const SharedColumns& columns, TableReport report,
+                  std::span<const source::DeclaredColumn> declared) {
+        m_reporter.state.phase = ProgressState::Phase::Counting;
+        auto fields = m_engine.figures(*pass);
+        if (!fields)
+            return failureIn(pass->description(), fields.error());
+        FinishedTable table;
+        table.fields = std::move(*fields);
+        table.report = std::move(report);
+        table.report.outcome.fields = columns->size();
+        for (std::size_t c = 0; c < table.fields.size(); ++c) {
+            if (!declared.empty())
+                addDeclaration(table.fields[c].facts, declared[c]);
+            pass->keepMetrics(c, table.fields[c].facts.metrics);
+            m_factsSize += sizeOf(table.fields[c].facts);
+        }
+        table.columns = columns;
+        table.pass = std::move(pass);
+        m_finished.push_back(std::move(table));
+        return {};
+    }
+
+    /// Begins the transaction, unless it was begun, and stores what waits.
+    Status storeFinished() {
+        m_reporter.state.phase = ProgressState::Phase::Storing;
+        if (!m_writer) {
+            auto writer = repository::RunWriter::begin(m_repositoryPath,
+                                                       {m_job.name, m_job.description, m_description, m_started});
+            if (!writer)
+                return writer.error();
+            m_writer = std::move(*writer);
+        }
+        for (FinishedTable& table : m_finished) {
+            m_reporter.state.table = table.report.outcome.name;
+            if (Status status = store(table); !status)
+                return status;
+        }
+        m_finished.clear();
+        m_factsSize = 0;
+        return {};
+    }
+
+    Status store(FinishedTable& table) {
+        const auto id = m_writer->addTable(table.report.facts);
         if (!id)
             return id.error();
-        for (std::size_t c = 0; c < pass.columns().size(); ++c) {
-            m_reporter.state.phase = ProgressState::Phase::Counting;
-            if (!m_reporter.report())
-                return {};
-            ValueCounter& counter = pass.counter(c);
-            counter.finish();
-            const FieldFigures figures = computeFigures(counter, pass.columns()[c], static_cast<int>(c) + 1);
-            m_reporter.state.phase = ProgressState::Phase::Storing;
-            if (!m_reporter.report())
-                return {};
-            if (Status status = m_writer->addField(*id, figures.facts); !status)
+        for (FieldFigures& field : table.fields) {
+            field.packed->mayGoOn = [this] { return m_reporter.report(); };
+            if (Status status = m_writer->addField(*id, field.facts); !status)
                 return status;
-            pass.keepMetrics(c, figures.facts.metrics);
-            counter = ValueCounter(); // wide tables: what is stored needs no memory
+            field = {};
         }
-        if (Status status = pass.storeRules(*m_writer, *id); !status)
+        if (Status status = table.pass->storeRules(*m_writer, *id); !status)
             return status;
-        if (Status status = logSource(*id, *opened.files, result); !status)
-            return status;
-        if (Status status = logDamage(*id, *opened.files, result); !status)
-            return status;
-        m_outcome.tables.push_back(std::move(result));
+        for (const LogLine& line : table.report.log)
+            if (Status status = m_writer->addLog(*id, line.level, line.text); !status)
+                return status;
+        m_outcome.tables.push_back(std::move(table.report.outcome));
         return {};
-    }
-
-    /// Which rows and which files the figures are of, when they are not those of one file.
-    Status logSource(int tableId, const source::FileSetReader& files, const TableOutcome& result) {
-        if (!result.sample.empty())
-            if (Status status = m_writer->addLog(
-                    tableId, repository::LogLevel::Info,
-                    fmt::format("Sample: {}; {} of {} rows.", result.sample, result.rows, result.rowsOfSource));
-                !status)
-                return status;
-        for (std::size_t i = 0; i < std::min(result.files.size(), kListedFiles); ++i)
-            if (Status status =
-                    m_writer->addLog(tableId, repository::LogLevel::Info,
-                                     fmt::format("File {}: {} rows.", result.files[i], files.rowsOfFiles()[i]));
-                !status)
-                return status;
-        return {};
-    }
-
-    Status logDamage(int tableId, const source::FileSetReader& files, const TableOutcome& result) {
-        for (const DamagedRow& row : result.damage)
-            if (Status status = m_writer->addLog(tableId, repository::LogLevel::Warning, damageText(row, files));
-                !status)
-                return status;
-        if (result.damagedRows == 0)
-            return {};
-        const bool isListCut = result.damagedRows > static_cast<std::int64_t>(result.damage.size());
-        return m_writer->addLog(tableId, repository::LogLevel::Warning,
-                                fmt::format("Damaged rows: {} of {}{}.", result.damagedRows, result.rowsOfSource,
-                                            isListCut ? "; the first ones are listed" : ""));
-    }
-
-    [[nodiscard]] repository::TableFacts factsOf(const TableDescription& table, const TableDescription& base,
-                                                 const source::FileSetReader& files, const TableOutcome& result) const {
-        repository::TableFacts facts;
-        facts.dataSource = m_job.dataSource;
-        facts.name = table.name;
-        facts.isTextFile = true;
-        facts.textFile = fileFacts(base, files);
-        if (table.isFiltered()) {
-            facts.name = table.basedOn;
-            facts.objectName = table.name;
-            facts.kind = repository::TableKind::Filter;
-            facts.filter = table.where.text;
-        }
-        facts.totalRecords = result.rowsOfSource;
-        facts.processedRecords = result.rows;
-        facts.damagedRecords = result.damagedRows;
-        return facts;
     }
 
     RunOutcome outcome() {
@@ -315,9 +359,15 @@ class Run {
     SystemClock m_systemClock;
     const Clock* m_clock;
     std::string m_description;
-    Reporter m_reporter;
+    const std::string& m_repositoryPath;
+    UtcTime m_started;
+    Databases m_databases;
+    RunReporter m_reporter;
+    RunEngine m_engine;
+    std::vector<FinishedTable> m_finished;
+    std::size_t m_factsSize = 0; ///< of m_finished
     std::unique_ptr<repository::RunWriter> m_writer;
-    std::map<const TableDescription*, OpenedTable> m_opened; ///< what is opened once only
+    std::map<const TableDescription*, OpenedFiles> m_opened; ///< what is opened once only
     std::int64_t m_bytesBefore = 0;                          ///< of the tables that are done
     RunOutcome m_outcome;
 };
@@ -326,7 +376,7 @@ class Run {
 
 Status checkFields(const JobDescription& job) {
     for (const TableDescription& table : job.tables) {
-        if (table.isFiltered())
+        if (table.isFiltered() || table.isDatabase())
             continue;
         std::error_code failure;
         if (table.files.empty() && !std::filesystem::is_regular_file(table.path, failure))
@@ -339,7 +389,7 @@ Status checkFields(const JobDescription& job) {
 }
 
 Result<RunOutcome> runJob(const JobDescription& job, const std::string& repositoryPath, const RunOptions& options) {
-    return Run(job, options).execute(repositoryPath);
+    return Run(job, options, repositoryPath).execute();
 }
 
 } // namespace tavix::profiling

@@ -35,9 +35,9 @@ class ProgressWatcher {
 struct TableOutcome {
     std::string name;
     std::string_view place = "Line"; ///< what the number of a damaged row counts
-    std::int64_t rows = 0;         ///< that were profiled, of a filtered table those that passed
-    std::int64_t rowsOfSource = 0; ///< that were read; more than were profiled of a sample and of a filtered table
-    std::string sample;            ///< which rows a sample took; empty for all
+    std::int64_t rows = 0;           ///< that were profiled, of a filtered table those that passed
+    std::int64_t rowsOfSource = 0;   ///< that were read; more than were profiled of a sample and of a filtered table
+    std::string sample;              ///< which rows a sample took; empty for all
     std::size_t fields = 0;
     std::int64_t damagedRows = 0;
     std::vector<source::DamagedRow> damage; ///< the first ones
@@ -62,11 +62,16 @@ struct RunOptions {
     ProgressWatcher* watcher = nullptr;
     const Clock* clock = nullptr; ///< the system's when null
     source::AskCredentials askCredentials{};
+    unsigned threads = 0;   ///< 0: as many as the machine has cores
+    std::size_t memory = 0; ///< bytes; 0: half of the machine's. What needs more goes to a temporary file
+    /// Where that file lies, which has no name; empty: $TMPDIR, or else the folder of the repository.
+    std::string spillFolder = {};
 };
 
 /// Profiles every table of the job and stores the result as one new run in the repository at `repositoryPath`, which
 /// is made when it does not exist. On an error or a cancellation nothing of the run is kept; a repository that was made
-/// for it stays, empty.
+/// for it stays, empty. Others may write to the repository while the tables are read; they have to wait only while the
+/// run is stored. Threads and memory change how long it takes, but no figure.
 [[nodiscard]] Result<RunOutcome> runJob(const JobDescription& job, const std::string& repositoryPath,
                                         const RunOptions& options = {});
 

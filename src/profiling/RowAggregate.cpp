@@ -2,7 +2,7 @@
 
 #include "base/NumberText.h"
 #include "expression/Conversion.h"
-#include "profiling/OrderedNumbers.h"
+#include "profiling/NumberFigure.h"
 
 #include <cmath>
 #include <limits>

@@ -64,7 +64,7 @@ TablePass::TablePass(const TableDescription& description, std::span<const std::s
     : m_description(description),
       m_columns(columns),
       m_programs(std::move(programs)),
-      m_counters(columns.size()),
+      m_values(columns.size()),
       m_whereColumns(whereColumns(m_programs, columns.size())),
       m_ruleColumns(ruleColumns(description, m_programs, columns.size())) {
     if (m_programs.where)
@@ -83,23 +83,28 @@ TablePass::TablePass(const TableDescription& description, std::span<const std::s
         m_metrics.resize(columns.size());
 }
 
-void TablePass::take(const source::RowBlock& block, std::int64_t firstRecord) {
-    if ((m_where || m_hasRowPrograms) && m_allRows.size() < block.rows) {
+void TablePass::prepare(const source::RowBlock& block, std::int64_t firstRecord) {
+    if (hasPrograms() && m_allRows.size() < block.rows) {
         m_allRows.resize(block.rows);
         std::iota(m_allRows.begin(), m_allRows.end(), 0U);
     }
-    if (m_where) {
+    if (m_where)
         select(block, firstRecord);
-        countSelected(block);
-        m_rows += static_cast<std::int64_t>(m_selectedRows.size());
-    } else {
-        // A column at a time, so that one hash table is in the cache.
-        for (std::size_t c = 0; c < m_counters.size(); ++c)
-            m_counters[c].count(std::span(block.columns[c].data(), block.rows));
-        m_rows += static_cast<std::int64_t>(block.rows);
-    }
+    m_rows += static_cast<std::int64_t>(m_where ? m_selectedRows.size() : block.rows);
     if (m_hasRowPrograms)
         evaluate(block, firstRecord);
+}
+
+void TablePass::countColumn(const source::RowBlock& block, std::size_t column, std::uint32_t part) {
+    const std::vector<source::Cell>& cells = block.columns[column];
+    ColumnValues& values = m_values[column];
+    if (!m_where)
+        return values.count(std::span(cells.data(), block.rows), part);
+    thread_local std::vector<source::Cell> selected;
+    selected.resize(m_selectedRows.size());
+    for (std::size_t i = 0; i < selected.size(); ++i)
+        selected[i] = cells[m_selectedRows[i]];
+    values.count(selected, part);
 }
 
 void TablePass::select(const source::RowBlock& block, std::int64_t firstRecord) {
@@ -112,16 +117,6 @@ void TablePass::select(const source::RowBlock& block, std::int64_t firstRecord) 
         for (const std::uint32_t row : m_where->passing(slice))
             m_selectedRows.push_back(rest[row]);
         first += taken.rows;
-    }
-}
-
-void TablePass::countSelected(const source::RowBlock& block) {
-    m_cells.resize(m_selectedRows.size());
-    for (std::size_t c = 0; c < m_counters.size(); ++c) {
-        const std::vector<source::Cell>& cells = block.columns[c];
-        for (std::size_t i = 0; i < m_selectedRows.size(); ++i)
-            m_cells[i] = cells[m_selectedRows[i]];
-        m_counters[c].count(m_cells);
     }
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "profiling/BlockColumns.h"
+#include "profiling/ColumnValues.h"
 #include "profiling/RowPrograms.h"
 #include "profiling/TablePrograms.h"
-#include "profiling/ValueCounter.h"
 #include "repository/RunWriter.h"
 
 #include <array>
@@ -23,13 +23,18 @@ class TablePass {
     /// `description` and `columns` must outlive the pass.
     TablePass(const TableDescription& description, std::span<const std::string> columns, TablePrograms programs);
 
-    /// `firstRecord` is the number of the block's first row in its source, from 1.
-    void take(const source::RowBlock& block, std::int64_t firstRecord);
+    /// A block of rows is taken in two steps. The first finds the rows that belong to the table and hands them to
+    /// metrics and rules; `firstRecord` is the number of the block's first row in its source, from 1. The second
+    /// counts a column, or a part of its values (ColumnValues.h); several threads may count, each something else.
+    void prepare(const source::RowBlock& block, std::int64_t firstRecord);
+    void countColumn(const source::RowBlock& block, std::size_t column, std::uint32_t part);
+    /// Whether the first step is work that is worth a thread.
+    [[nodiscard]] bool hasPrograms() const { return m_where || m_hasRowPrograms; }
 
     [[nodiscard]] const TableDescription& description() const { return m_description; }
     [[nodiscard]] std::span<const std::string> columns() const { return m_columns; }
-    [[nodiscard]] ValueCounter& counter(std::size_t column) { return m_counters[column]; }
-    /// Instead of take(): the counters were filled by other means, from this many rows.
+    [[nodiscard]] ColumnValues& values(std::size_t column) { return m_values[column]; }
+    /// Instead of taking blocks: the values were counted by other means, in this many rows.
     void setRows(std::int64_t rows) { m_rows = rows; }
     /// Rows that belong to the table.
     [[nodiscard]] std::int64_t rows() const { return m_rows; }
@@ -42,7 +47,6 @@ class TablePass {
 
   private:
     void select(const source::RowBlock& block, std::int64_t firstRecord);
-    void countSelected(const source::RowBlock& block);
     void evaluate(const source::RowBlock& block, std::int64_t firstRecord);
     Status storeMetrics(repository::RunWriter& writer, int tableId);
     Status log(repository::RunWriter& writer, int tableId, const std::string& what, const RowFailures& failures) const;
@@ -50,14 +54,13 @@ class TablePass {
     const TableDescription& m_description;
     std::span<const std::string> m_columns;
     TablePrograms m_programs;
-    std::vector<ValueCounter> m_counters;
+    std::vector<ColumnValues> m_values;
     std::int64_t m_rows = 0;
 
     std::optional<ConditionPass> m_where;
     BlockColumns m_whereColumns;
     std::vector<std::uint32_t> m_allRows;      ///< 0, 1, 2, ...
     std::vector<std::uint32_t> m_selectedRows; ///< of the current block
-    std::vector<source::Cell> m_cells;
 
     BlockColumns m_ruleColumns;
     std::vector<std::unique_ptr<MetricPass>> m_metricPasses; ///< beside the description's; null over metrics

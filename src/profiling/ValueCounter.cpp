@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 #include <random>
+#include <utility>
 
 namespace tavix::profiling {
 
@@ -93,6 +94,15 @@ inline bool areEqual(const char* left, const char* right, std::size_t size) {
 ValueCounter::ValueCounter() : m_slots(kFirstSlots) {}
 
 void ValueCounter::count(std::span<const source::Cell> cells) {
+    countCells<false>(cells, 0, 1);
+}
+
+void ValueCounter::countPart(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts) {
+    countCells<true>(cells, part, parts);
+}
+
+template <bool kIsPart>
+void ValueCounter::countCells(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts) {
     const Seeds& seed = seeds();
     std::array<std::uint64_t, kBatch> hashes;
     std::array<const source::Cell*, kBatch> present;
@@ -100,15 +110,22 @@ void ValueCounter::count(std::span<const source::Cell> cells) {
         const auto batch = cells.subspan(start, std::min(kBatch, cells.size() - start));
         const std::size_t mask = m_slots.size() - 1;
         std::size_t n = 0;
+        std::size_t nulls = 0;
         for (const source::Cell& cell : batch) {
-            if (cell.isNull)
+            if (cell.isNull) {
+                ++nulls;
                 continue;
+            }
             const std::uint64_t hash = hashOf(seed, cell.data, cell.size);
+            // By the half of the hash that does not choose the slot.
+            if (kIsPart && (hash & 0xFFFFFFFF) * parts >> 32 != part)
+                continue;
             __builtin_prefetch(&m_slots[(hash >> 32) & mask]);
             hashes[n] = hash;
             present[n++] = &cell;
         }
-        m_nullCount += batch.size() - n;
+        if (part == 0)
+            m_nullCount += nulls;
         if (m_entries.size() > kManyEntries)
             for (std::size_t i = 0; i < n; ++i)
                 if (const std::uint32_t slot = m_slots[(hashes[i] >> 32) & mask]; slot != 0)
@@ -126,6 +143,26 @@ void ValueCounter::finish() {
     m_slots = {};
 }
 
+void ValueCounter::absorb(ValueCounter&& other) {
+    finish();
+    m_entries.insert(m_entries.end(), other.m_entries.begin(), other.m_entries.end());
+    m_absorbedTexts.push_back(std::move(other.m_texts));
+    for (source::TextArena& texts : other.m_absorbedTexts)
+        m_absorbedTexts.push_back(std::move(texts));
+    m_textBytes += other.m_textBytes;
+    m_nullCount += other.m_nullCount;
+    other = ValueCounter();
+}
+
+void ValueCounter::dropValues() {
+    m_entries = {};
+    m_texts.clear();
+    m_absorbedTexts.clear();
+    m_textBytes = 0;
+    m_slots.assign(kFirstSlots, 0);
+    m_slots.shrink_to_fit();
+}
+
 inline void ValueCounter::addHashed(const char* data, std::uint32_t size, std::uint64_t hash, std::uint64_t count) {
     const auto shortHash = static_cast<std::uint32_t>(hash >> 32);
     const std::size_t mask = m_slots.size() - 1;
@@ -133,6 +170,7 @@ inline void ValueCounter::addHashed(const char* data, std::uint32_t size, std::u
         const std::uint32_t slot = m_slots[at];
         if (slot == 0) {
             m_entries.push_back({m_texts.keep({data, size}), count, size, shortHash});
+            m_textBytes += size;
             m_slots[at] = static_cast<std::uint32_t>(m_entries.size());
             if (m_entries.size() * 2 > m_slots.size())
                 grow();

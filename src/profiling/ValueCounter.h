@@ -27,6 +27,9 @@ class ValueCounter {
     ValueCounter();
 
     void count(std::span<const source::Cell> cells);
+    /// Counts those of the values that fall to one of `parts` counters; the nulls fall to part 0. So several counters
+    /// share the values of a column, and no value is in two of them.
+    void countPart(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts);
     void add(std::string_view text, std::uint64_t count);
     void addNulls(std::uint64_t count) { m_nullCount += count; }
 
@@ -36,14 +39,26 @@ class ValueCounter {
     [[nodiscard]] std::uint64_t nullCount() const { return m_nullCount; }
     /// Gives back the memory that only counting needs; nothing can be counted after it.
     void finish();
+    /// Takes over values, none of which is here already, with the other's nulls. Then nothing can be counted any more.
+    void absorb(ValueCounter&& other);
+    /// Forgets the values and gives back their memory; the nulls stay, and counting can go on.
+    void dropValues();
+    /// Bytes of memory in use, those included that a growing list takes for a moment.
+    [[nodiscard]] std::size_t memory() const {
+        return m_slots.size() * sizeof(std::uint32_t) + m_entries.capacity() * sizeof(Entry) + m_textBytes;
+    }
 
   private:
+    template <bool kIsPart>
+    void countCells(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts);
     void addHashed(const char* data, std::uint32_t size, std::uint64_t hash, std::uint64_t count);
     void grow();
 
     std::vector<std::uint32_t> m_slots; ///< index into m_entries plus one, 0 when free; open addressing
     std::vector<Entry> m_entries;
     source::TextArena m_texts;
+    std::vector<source::TextArena> m_absorbedTexts;
+    std::size_t m_textBytes = 0;
     std::uint64_t m_nullCount = 0;
 };
 

@@ -8,11 +8,30 @@ namespace tavix::repository {
 
 namespace {
 
-constexpr std::size_t kHashesPerChunk = std::size_t{128} * 1024;
-
 std::string_view letter(const DistributionKind& kind) {
     static_assert(sizeof(DistributionKind) == 1);
     return {reinterpret_cast<const char*>(&kind), 1};
+}
+
+Result<sql::Statement> insertBlock(sql::Connection& connection, const DistributionKey& key) {
+    auto insert = connection.prepare("INSERT INTO distribution_block(run, field, kind, other_field, block, first_row, "
+                                     "rows, sum, bytes_present, payload) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10)");
+    if (insert)
+        insert->bind(1, key.run).bind(2, key.field).bind(3, letter(key.kind)).bind(4, key.otherField);
+    return insert;
+}
+
+Status storeBlock(sql::Statement& insert, std::int64_t number, const PackedBlock& block) {
+    insert.bind(5, number).bind(6, block.firstRow).bind(7, block.rows).bind(8, static_cast<std::int64_t>(block.sum));
+    insert.bindBlob(9, block.presence).bindBlob(10, block.payload);
+    return insert.run();
+}
+
+Result<sql::Statement> insertHashes(sql::Connection& connection, int run, int field) {
+    auto insert = connection.prepare("INSERT INTO value_hash(run, field, chunk, hashes) VALUES(?1,?2,?3,?4)");
+    if (insert)
+        insert->bind(1, run).bind(2, field);
+    return insert;
 }
 
 /// The block may hold the text: all of its bytes occur.
@@ -30,23 +49,33 @@ bool mayHold(std::span<const std::byte> presence, std::string_view text) {
 Status storeDistribution(sql::Connection& connection, const DistributionKey& key, std::span<const ValueCount> rows) {
     if (rows.empty())
         return {};
-    auto insert = connection.prepare("INSERT INTO distribution_block(run, field, kind, other_field, block, first_row, "
-                                     "rows, sum, bytes_present, payload) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10)");
+    auto insert = insertBlock(connection, key);
     if (!insert)
         return insert.error();
     DistributionPacker packer(rows);
-    for (std::int64_t block = 0;; ++block) {
-        auto packed = packer.next();
+    for (std::int64_t number = 0;; ++number) {
+        const auto packed = packer.next();
         if (!packed)
             return packed.error();
         if (!*packed)
             return {};
-        insert->bind(1, key.run).bind(2, key.field).bind(3, letter(key.kind)).bind(4, key.otherField).bind(5, block);
-        insert->bind(6, static_cast<std::int64_t>(packer.firstRow()));
-        insert->bind(7, static_cast<std::int64_t>(packer.rowCount()));
-        insert->bind(8, static_cast<std::int64_t>(packer.sum()));
-        insert->bindBlob(9, packer.presence()).bindBlob(10, packer.payload());
-        if (auto done = insert->run(); !done)
+        if (Status done = storeBlock(*insert, number, packer.block()); !done)
+            return done;
+    }
+}
+
+Status storePacked(sql::Connection& connection, const DistributionKey& key, PackedField& field) {
+    auto insert = insertBlock(connection, key);
+    if (!insert)
+        return insert.error();
+    PackedBlock block;
+    for (std::int64_t number = 0;; ++number) {
+        const auto more = key.kind == DistributionKind::Patterns ? field.nextPatterns(block) : field.nextValues(block);
+        if (!more)
+            return more.error();
+        if (!*more)
+            return {};
+        if (Status done = storeBlock(*insert, number, block); !done)
             return done;
     }
 }
@@ -55,13 +84,13 @@ Status storeValueHashes(sql::Connection& connection, int run, int field, std::sp
     std::vector<std::uint64_t> hashes = sortedHashes(rows);
     if (hashes.empty())
         return {};
-    auto insert = connection.prepare("INSERT INTO value_hash(run, field, chunk, hashes) VALUES(?1,?2,?3,?4)");
+    auto insert = insertHashes(connection, run, field);
     if (!insert)
         return insert.error();
     std::span<const std::uint64_t> rest(hashes);
     for (std::int64_t chunk = 0; !rest.empty(); ++chunk) {
         auto part = rest.first(std::min(kHashesPerChunk, rest.size()));
-        insert->bind(1, run).bind(2, field).bind(3, chunk).bindBlob(4, std::as_bytes(part));
+        insert->bind(3, chunk).bindBlob(4, std::as_bytes(part));
         if (auto done = insert->run(); !done)
             return done;
         rest = rest.subspan(part.size());
@@ -69,29 +98,20 @@ Status storeValueHashes(sql::Connection& connection, int run, int field, std::sp
     return {};
 }
 
-Result<std::uint64_t> countOfText(sql::Connection& connection, const DistributionKey& key, std::string_view text) {
-    auto select = connection.prepare("SELECT bytes_present, payload FROM distribution_block WHERE run = ?1 AND "
-                                     "field = ?2 AND kind = ?3 AND other_field = ?4 ORDER BY block");
-    if (!select)
-        return select.error();
-    select->bind(1, key.run).bind(2, key.field).bind(3, letter(key.kind)).bind(4, key.otherField);
-    std::vector<std::byte> bytes;
-    for (;;) {
-        const sql::Step step = select->step();
-        if (step == sql::Step::Failed)
-            return Error{connection.errorText()};
-        if (step == sql::Step::Done)
-            return std::uint64_t{0};
-        if (!mayHold(select->blob(0), text))
-            continue;
-        const auto payload = select->blob(1);
-        bytes.assign(payload.begin(), payload.end());
-        const auto block = UnpackedBlock::parse(bytes);
-        if (!block)
-            return block.error();
-        for (std::size_t row = 0; row < block->rowCount(); ++row)
-            if (block->valueAt(row) == text && block->nullRow() != row)
-                return block->countAt(row);
+Status storePackedHashes(sql::Connection& connection, int run, int field, PackedField& packed) {
+    auto insert = insertHashes(connection, run, field);
+    if (!insert)
+        return insert.error();
+    std::span<const std::byte> part;
+    for (std::int64_t chunk = 0;; ++chunk) {
+        const auto more = packed.nextHashes(part);
+        if (!more)
+            return more.error();
+        if (!*more)
+            return {};
+        insert->bind(3, chunk).bindBlob(4, part);
+        if (auto done = insert->run(); !done)
+            return done;
     }
 }
 
@@ -124,6 +144,32 @@ Result<bool> DistributionReader::next() {
     m_rowsRead += rows;
     ++m_nextBlock;
     return true;
+}
+
+Result<std::uint64_t> countOfText(sql::Connection& connection, const DistributionKey& key, std::string_view text) {
+    auto select = connection.prepare("SELECT bytes_present, payload FROM distribution_block WHERE run = ?1 AND "
+                                     "field = ?2 AND kind = ?3 AND other_field = ?4 ORDER BY block");
+    if (!select)
+        return select.error();
+    select->bind(1, key.run).bind(2, key.field).bind(3, letter(key.kind)).bind(4, key.otherField);
+    std::vector<std::byte> bytes;
+    for (;;) {
+        const sql::Step step = select->step();
+        if (step == sql::Step::Failed)
+            return Error{connection.errorText()};
+        if (step == sql::Step::Done)
+            return std::uint64_t{0};
+        if (!mayHold(select->blob(0), text))
+            continue;
+        const auto payload = select->blob(1);
+        bytes.assign(payload.begin(), payload.end());
+        const auto block = UnpackedBlock::parse(bytes);
+        if (!block)
+            return block.error();
+        for (std::size_t row = 0; row < block->rowCount(); ++row)
+            if (block->valueAt(row) == text && block->nullRow() != row)
+                return block->countAt(row);
+    }
 }
 
 } // namespace tavix::repository

@@ -3,6 +3,7 @@
 #include "base/Result.h"
 #include "repository/Facts.h"
 #include "repository/PackedDistribution.h"
+#include "repository/PackedField.h"
 #include "sql/Connection.h"
 
 #include <cstdint>
@@ -31,6 +32,9 @@ struct DistributionKey {
 /// Within the caller's transaction. The rows must be in the order in which they are shown.
 [[nodiscard]] Status storeDistribution(sql::Connection& connection, const DistributionKey& key,
                                        std::span<const ValueCount> rows);
+/// The same for what was packed beforehand.
+[[nodiscard]] Status storePacked(sql::Connection& connection, const DistributionKey& key, PackedField& field);
+[[nodiscard]] Status storePackedHashes(sql::Connection& connection, int run, int field, PackedField& packed);
 [[nodiscard]] Status storeValueHashes(sql::Connection& connection, int run, int field,
                                       std::span<const ValueCount> rows);
 

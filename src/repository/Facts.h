@@ -15,6 +15,8 @@
 /// What a run of a job says about tables and fields: the plain values that the runner hands to a RunWriter.
 namespace tavix::repository {
 
+class PackedField;
+
 /// How a data source is reached; the number stands in the repository.
 enum class SourceKind {
     Odbc = 0, ///< through a data source name
@@ -98,6 +100,8 @@ struct FieldFacts {
     /// In the order in which they are shown: count descending, then null first, then value by code point.
     std::span<const ValueCount> values;
     std::span<const ValueCount> patterns;
+    /// Where not null, the two distributions are here instead. Borrowed.
+    PackedField* packed = nullptr;
 };
 
 /// What a custom metric reads: a field's values, or one of its metrics.

@@ -43,8 +43,10 @@ std::uint8_t widthFor(std::uint64_t largest) {
     return largest <= 0xFFFFFFFF ? 4 : 8;
 }
 
-void store(std::byte* target, std::size_t width, std::uint64_t number) {
-    std::memcpy(target, &number, width);
+template <typename Number>
+void storeAs(std::byte* target, std::size_t position, std::uint64_t number) {
+    const auto narrow = static_cast<Number>(number);
+    std::memcpy(target + position * sizeof narrow, &narrow, sizeof narrow);
 }
 
 /// Calls with a number of the type that has this width, so that each loop is compiled for one of them.
@@ -75,63 +77,87 @@ bool isWidth(std::size_t width, std::size_t largest) {
 
 } // namespace
 
-Result<bool> DistributionPacker::next() {
-    m_first = m_next;
-    if (m_first == m_rows.size())
-        return false;
-    BlockHeader header;
-    std::array<bool, 256> present{};
-    std::uint64_t largestCount = 0;
-    std::size_t longest = 0;
-    std::size_t text = 0;
-    m_sum = 0;
-    for (; m_next < m_rows.size() && m_next - m_first < kRowsPerBlock; ++m_next) {
-        const ValueCount& row = m_rows[m_next];
-        std::size_t length = row.isNull ? 0 : row.value.size();
-        if (length > kLongestValue)
-            return Error{fmt::format("A value of {} bytes is too long to be stored.", length)};
-        if (m_next > m_first && text + length > kTextPerBlock)
-            break;
-        if (row.isNull) {
-            if (m_sawNull)
-                return Error{"A distribution has null twice."};
-            m_sawNull = true;
-            header.nullRow = static_cast<std::uint32_t>(m_next - m_first);
-        }
-        for (std::size_t position = 0; position < length; ++position)
-            present[static_cast<unsigned char>(row.value[position])] = true;
-        text += length;
-        longest = std::max(longest, length);
-        largestCount = std::max(largestCount, row.count);
-        m_sum += row.count;
+Status BlockPacker::add(const ValueCount& row) {
+    const std::size_t length = row.isNull ? 0 : row.value.size();
+    if (length > kLongestValue)
+        return Error{fmt::format("A value of {} bytes is too long to be stored.", length)};
+    if (row.isNull) {
+        if (m_sawNull)
+            return Error{"A distribution has null twice."};
+        m_sawNull = true;
+        m_hasNull = true;
+        m_nullRow = static_cast<std::uint32_t>(m_counts.size());
     }
-    header.countWidth = widthFor(largestCount);
-    header.lengthWidth = widthFor(longest);
-    header.rows = static_cast<std::uint32_t>(rowCount());
-    header.textBytes = static_cast<std::uint32_t>(text);
+    m_counts.push_back(row.count);
+    m_lengths.push_back(static_cast<std::uint32_t>(length));
+    if (length > 0)
+        m_text.append(row.value.data(), length);
+    m_largestCount = std::max(m_largestCount, row.count);
+    m_longest = std::max(m_longest, m_lengths.back());
+    return {};
+}
 
-    m_presence.fill(std::byte{0});
-    for (std::size_t value = 0; value < present.size(); ++value) {
+PackedBlock BlockPacker::finish() {
+    BlockHeader header;
+    header.countWidth = widthFor(m_largestCount);
+    header.lengthWidth = widthFor(m_longest);
+    header.rows = static_cast<std::uint32_t>(m_counts.size());
+    header.textBytes = static_cast<std::uint32_t>(m_text.size());
+    if (m_hasNull)
+        header.nullRow = m_nullRow;
+
+    PackedBlock block;
+    block.firstRow = m_firstRow;
+    block.rows = static_cast<std::int64_t>(m_counts.size());
+    std::array<bool, 256> present{};
+    for (const char byte : m_text)
+        present[static_cast<unsigned char>(byte)] = true;
+    for (std::size_t value = 0; value < present.size(); ++value)
         if (present[value])
-            m_presence[value / 8] |= std::byte{1} << (value % 8);
-    }
-    m_payload.resize(sizeof(BlockHeader) + rowCount() * (header.countWidth + std::size_t{header.lengthWidth}) + text);
-    std::byte* counts = m_payload.data() + sizeof(BlockHeader);
-    std::byte* lengths = counts + rowCount() * header.countWidth;
-    std::byte* bytes = lengths + rowCount() * header.lengthWidth;
-    for (const ValueCount& row : m_rows.subspan(m_first, rowCount())) {
-        std::size_t length = row.isNull ? 0 : row.value.size();
-        store(counts, header.countWidth, row.count);
-        store(lengths, header.lengthWidth, length);
-        counts += header.countWidth;
-        lengths += header.lengthWidth;
-        if (length != 0)
-            std::memcpy(bytes, row.value.data(), length);
-        bytes += length;
-    }
+            block.presence[value / 8] |= std::byte{1} << (value % 8);
+
+    const std::size_t rows = m_counts.size();
+    m_payload.resize(sizeof header + rows * (header.countWidth + std::size_t{header.lengthWidth}) + m_text.size());
+    std::byte* const counts = m_payload.data() + sizeof header;
+    std::byte* const lengths = counts + rows * header.countWidth;
+    withWidth(header.countWidth, [&](auto width) {
+        for (std::size_t row = 0; row < rows; ++row) {
+            block.sum += m_counts[row];
+            storeAs<decltype(width)>(counts, row, m_counts[row]);
+        }
+    });
+    withWidth(header.lengthWidth, [&](auto width) {
+        for (std::size_t row = 0; row < rows; ++row)
+            storeAs<decltype(width)>(lengths, row, m_lengths[row]);
+    });
+    if (!m_text.empty())
+        std::memcpy(lengths + rows * header.lengthWidth, m_text.data(), m_text.size());
     std::memcpy(m_payload.data(), &header, sizeof header);
     header.checksum = checksum(m_payload);
     std::memcpy(m_payload.data(), &header, sizeof header);
+    block.payload = m_payload;
+
+    m_firstRow += block.rows;
+    m_counts.clear();
+    m_lengths.clear();
+    m_text.clear();
+    m_largestCount = 0;
+    m_longest = 0;
+    m_hasNull = false;
+    return block;
+}
+
+Result<bool> DistributionPacker::next() {
+    for (; m_next < m_rows.size(); ++m_next) {
+        const ValueCount& row = m_rows[m_next];
+        if (!m_packer.hasRoomFor(row.isNull ? 0 : row.value.size()))
+            break;
+        if (Status status = m_packer.add(row); !status)
+            return status.error();
+    }
+    if (m_packer.isEmpty())
+        return false;
+    m_block = m_packer.finish();
     return true;
 }
 

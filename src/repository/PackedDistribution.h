@@ -9,6 +9,7 @@
 #include <cstring>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -23,6 +24,41 @@ inline constexpr std::size_t kLongestValue = std::size_t{256} << 20;
 /// One bit for each byte that occurs in a text of the block: byte b is bit b % 8 of entry b / 8.
 using BytePresence = std::array<std::byte, 32>;
 
+/// A block with what stands beside it in the repository.
+struct PackedBlock {
+    std::int64_t firstRow = 0; ///< its first row's number in the distribution, from 0
+    std::int64_t rows = 0;
+    std::uint64_t sum = 0; ///< of the counts
+    BytePresence presence{};
+    std::span<const std::byte> payload; ///< borrowed
+};
+
+/// Packs rows that come one by one, in the order in which they are shown. What a block holds depends on the rows alone.
+class BlockPacker {
+  public:
+    /// Whether a text of this length goes into the block that is being filled; when not, finish() has to come first.
+    [[nodiscard]] bool hasRoomFor(std::size_t length) const {
+        return m_counts.size() < kRowsPerBlock && (m_counts.empty() || m_text.size() + length <= kTextPerBlock);
+    }
+    [[nodiscard]] bool isEmpty() const { return m_counts.empty(); }
+    /// Copies the row. Fails on a value beyond kLongestValue and on a second null.
+    [[nodiscard]] Status add(const ValueCount& row);
+    /// Packs the rows and begins the next block. The payload lives until the next call.
+    [[nodiscard]] PackedBlock finish();
+
+  private:
+    std::vector<std::uint64_t> m_counts;
+    std::vector<std::uint32_t> m_lengths;
+    std::string m_text;
+    std::int64_t m_firstRow = 0;
+    std::uint64_t m_largestCount = 0;
+    std::uint32_t m_longest = 0;
+    std::uint32_t m_nullRow = 0;
+    bool m_hasNull = false; ///< in this block
+    bool m_sawNull = false;
+    std::vector<std::byte> m_payload;
+};
+
 /// Cuts a distribution into blocks, one after the other. The rows are borrowed, never copied as a whole.
 class DistributionPacker {
   public:
@@ -31,21 +67,14 @@ class DistributionPacker {
     /// Packs the next block; false at the end. Fails on a value beyond kLongestValue and on a second null.
     [[nodiscard]] Result<bool> next();
 
-    // Of the block that next() made; valid until the next call.
-    [[nodiscard]] std::span<const std::byte> payload() const { return m_payload; }
-    [[nodiscard]] const BytePresence& presence() const { return m_presence; }
-    [[nodiscard]] std::size_t firstRow() const { return m_first; }
-    [[nodiscard]] std::size_t rowCount() const { return m_next - m_first; }
-    [[nodiscard]] std::uint64_t sum() const { return m_sum; }
+    /// What next() made; valid until the next call.
+    [[nodiscard]] const PackedBlock& block() const { return m_block; }
 
   private:
     std::span<const ValueCount> m_rows;
-    std::size_t m_first = 0;
     std::size_t m_next = 0;
-    std::uint64_t m_sum = 0;
-    BytePresence m_presence{};
-    std::vector<std::byte> m_payload;
-    bool m_sawNull = false;
+    BlockPacker m_packer;
+    PackedBlock m_block;
 };
 
 /// The rows of one packed block. Any bytes may be given: what is no whole, unharmed block of this version is an error.

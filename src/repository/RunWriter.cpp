@@ -167,10 +167,18 @@ Status RunWriter::Impl::addField(int tableId, const FieldFacts& facts) {
         return stored;
     if (auto stored = storeOutliers(*field, facts.outliers); !stored)
         return stored;
-    if (auto stored = storeDistribution(*connection, {run, *field, DistributionKind::Values}, facts.values); !stored)
+    const DistributionKey values{run, *field, DistributionKind::Values};
+    const DistributionKey patterns{run, *field, DistributionKind::Patterns};
+    if (facts.packed) {
+        if (auto stored = storePacked(*connection, values, *facts.packed); !stored)
+            return stored;
+        if (auto stored = storePacked(*connection, patterns, *facts.packed); !stored)
+            return stored;
+        return storePackedHashes(*connection, run, *field, *facts.packed);
+    }
+    if (auto stored = storeDistribution(*connection, values, facts.values); !stored)
         return stored;
-    if (auto stored = storeDistribution(*connection, {run, *field, DistributionKind::Patterns}, facts.patterns);
-        !stored)
+    if (auto stored = storeDistribution(*connection, patterns, facts.patterns); !stored)
         return stored;
     return storeValueHashes(*connection, run, *field, facts.values);
 }
@@ -184,10 +192,12 @@ Status RunWriter::Impl::storeField(int tableId, int field, const FieldFacts& fac
     for (std::size_t metric = 0; metric < kMetricCount; ++metric)
         bindValue(*insert, kFirstMetricParameter + static_cast<int>(metric), facts.metrics[metric]);
     insert->bind(kFirstTailParameter, facts.quantileRule);
-    insert->bind(kFirstTailParameter + 1, static_cast<std::int64_t>(facts.values.size()));
-    insert->bind(kFirstTailParameter + 2, sumOf(facts.values));
-    insert->bind(kFirstTailParameter + 3, static_cast<std::int64_t>(facts.patterns.size()));
-    insert->bind(kFirstTailParameter + 4, sumOf(facts.patterns));
+    const PackedField* const packed = facts.packed;
+    const auto asInteger = [](auto number) { return static_cast<std::int64_t>(number); };
+    insert->bind(kFirstTailParameter + 1, packed ? packed->valueRows() : asInteger(facts.values.size()));
+    insert->bind(kFirstTailParameter + 2, packed ? asInteger(packed->valueSum()) : sumOf(facts.values));
+    insert->bind(kFirstTailParameter + 3, packed ? packed->patternRows() : asInteger(facts.patterns.size()));
+    insert->bind(kFirstTailParameter + 4, packed ? asInteger(packed->patternSum()) : sumOf(facts.patterns));
     return insert->run();
 }
 

@@ -9,12 +9,20 @@
 #include <cstdio>
 #include <fstream>
 #include <stdexcept>
+#include <utility>
 
 namespace tavix::profiling::testing {
 
 namespace {
 
 using nlohmann::json;
+
+template <typename Value>
+Value need(Result<Value> result) {
+    if (!result)
+        throw std::runtime_error(result.error().text);
+    return std::move(result).value();
+}
 
 json figure(const KvbDatavar& value) {
     if (value.isNull())
@@ -26,10 +34,18 @@ json figure(const KvbDatavar& value) {
     return value.toText().str();
 }
 
-json rowsOf(std::span<const repository::ValueCount> rows) {
+/// The rows of packed blocks; next(block) as in PackedField.
+template <typename Next>
+json rowsOf(const Next& next) {
     auto list = json::array();
-    for (const auto& row : rows)
-        list.push_back({row.isNull ? json(nullptr) : json(row.value), row.count});
+    repository::PackedBlock packed;
+    while (need(next(packed))) {
+        const auto block = need(repository::UnpackedBlock::parse(packed.payload));
+        for (std::size_t i = 0; i < block.rowCount(); ++i) {
+            const auto row = block.at(i);
+            list.push_back({row.isNull ? json(nullptr) : json(row.value), row.count});
+        }
+    }
     return list;
 }
 
@@ -50,17 +66,21 @@ json fieldJson(const repository::FieldFacts& facts) {
             {"metrics", metrics},
             {"percentiles", percentiles},
             {"outliers", outliers},
-            {"values", rowsOf(facts.values)},
-            {"patterns", rowsOf(facts.patterns)}};
+            {"values", rowsOf([&](auto& block) { return facts.packed->nextValues(block); })},
+            {"patterns", rowsOf([&](auto& block) { return facts.packed->nextPatterns(block); })}};
 }
 
 } // namespace
+
+std::string dumpField(const FieldFigures& figures) {
+    return fieldJson(figures.facts).dump();
+}
 
 std::string dumpFigures(const std::string& path) {
     auto reader = source::TextFileReader::open(path, {});
     if (!reader)
         throw std::runtime_error(reader.error().text);
-    std::vector<ValueCounter> counters((*reader)->columnNames().size());
+    std::vector<ColumnValues> columns((*reader)->columnNames().size());
     source::RowBlock block;
     std::size_t rows = 0;
     for (;;) {
@@ -70,13 +90,18 @@ std::string dumpFigures(const std::string& path) {
         if (!*more)
             break;
         rows += block.rows;
-        for (std::size_t c = 0; c < counters.size(); ++c)
-            counters[c].count(std::span(block.columns[c].data(), block.rows));
+        for (std::size_t c = 0; c < columns.size(); ++c)
+            columns[c].counter().count(std::span(block.columns[c].data(), block.rows));
     }
     auto fields = json::array();
-    for (std::size_t c = 0; c < counters.size(); ++c)
-        fields.push_back(
-            fieldJson(computeFigures(counters[c], (*reader)->columnNames()[c], static_cast<int>(c) + 1).facts));
+    SpillFile file("/tmp");
+    ByteStore store(file, std::size_t{1} << 30);
+    StopSignal stop;
+    for (std::size_t c = 0; c < columns.size(); ++c) {
+        const auto figures = need(computeFigures(columns[c], (*reader)->columnNames()[c], static_cast<int>(c) + 1,
+                                                 {file, store, stop, std::size_t{1} << 30, false}));
+        fields.push_back(fieldJson(figures.facts));
+    }
     return json{{"rows", rows}, {"fields", fields}}.dump();
 }
 

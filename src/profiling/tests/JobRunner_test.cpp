@@ -5,9 +5,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tavix::profiling {
@@ -122,6 +124,53 @@ TEST_F(RunJob, ACancelledRunLeavesNothing) {
         EXPECT_EQ(watcher.last.bytesTotal, 7);
         EXPECT_EQ(stored("SELECT count(*) FROM v_runs"), "1\n");
     }
+}
+
+/// Another program that writes to the repository while tables are read.
+class Neighbour final : public ProgressWatcher {
+  public:
+    explicit Neighbour(std::string path) : m_path(std::move(path)) {}
+    bool progress(const ProgressState& state) override {
+        if (state.phase != ProgressState::Phase::Reading)
+            return true;
+        auto connection = sql::Connection::openFile(m_path, sql::OpenMode::Write, std::chrono::milliseconds(0));
+        auto transaction = sql::Transaction::begin(**connection);
+        written += transaction && transaction->commit() ? 1 : 0;
+        return true;
+    }
+    int written = 0;
+
+  private:
+    std::string m_path;
+};
+
+TEST_F(RunJob, OthersWriteWhileTablesAreRead) {
+    const JobDescription description = job({write("a.csv", "id\n1\n"), write("b.csv", "id\n1\n")});
+    ASSERT_TRUE(runJob(description, m_repository).ok());
+    Neighbour neighbour(m_repository);
+    const auto run = runJob(description, m_repository, {"", &neighbour, nullptr});
+    ASSERT_TRUE(run.ok()) << run.error().text;
+    EXPECT_EQ(neighbour.written, 3) << "before the first table, and at the beginning of both";
+    EXPECT_EQ(stored("SELECT count(*) FROM v_runs"), "2\n");
+}
+
+TEST_F(RunJob, ManyTablesInLittleMemoryAreStoredWhole) {
+    std::vector<std::string> files;
+    std::string rows = "id,text\n";
+    for (int i = 0; i < 3000; ++i)
+        rows += std::to_string(i) + ",text " + std::to_string(i % 700) + "\n";
+    for (int i = 0; i < 12; ++i)
+        files.push_back(write("t" + std::to_string(i) + ".csv", rows));
+    RunOptions options;
+    options.memory = 1;
+    options.threads = 3;
+    ASSERT_TRUE(runJob(job(files), m_repository, options).ok());
+    EXPECT_EQ(stored("SELECT count(*), min(unique_count), max(unique_count), sum(value_sum) FROM v_fields"),
+              "24|700|3000|72000\n");
+    EXPECT_EQ(stored("SELECT sum(rows), count(DISTINCT first_row) FROM distribution_block WHERE kind = 'V'"),
+              "44400|1\n");
+    for (const auto& entry : std::filesystem::directory_iterator(m_folder.path()))
+        EXPECT_TRUE(entry.path().extension() == ".csv" || entry.path() == m_repository) << entry.path();
 }
 
 TEST_F(RunJob, AFileWithoutRowsIsATable) {

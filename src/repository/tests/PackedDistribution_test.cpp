@@ -25,7 +25,7 @@ std::vector<Bytes> pack(std::span<const ValueCount> rows) {
         }
         if (!*more)
             return blocks;
-        blocks.emplace_back(packer.payload().begin(), packer.payload().end());
+        blocks.emplace_back(packer.block().payload.begin(), packer.block().payload.end());
     }
 }
 
@@ -95,8 +95,8 @@ TEST(PackedDistribution, PresenceHoldsExactlyTheBytesOfTheTexts) {
     expected[0] = std::byte{1};
     expected['b' / 8] = std::byte{1} << ('b' % 8);
     expected[31] = std::byte{0x80};
-    EXPECT_EQ(packer.presence(), expected);
-    EXPECT_EQ(packer.sum(), 3U);
+    EXPECT_EQ(packer.block().presence, expected);
+    EXPECT_EQ(packer.block().sum, 3U);
 }
 
 TEST(PackedDistribution, EveryFlippedBitIsNoticed) {

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "base/Result.h"
+#include "profiling/SpillFile.h"
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace tavix::profiling {
+
+/// Keeps pieces of bytes until a run is written: in memory as long as there is room, in a file from then on. May be
+/// used by several threads at once, one piece by one at a time.
+class ByteStore {
+  public:
+    class Piece {
+        friend class ByteStore;
+        std::unique_ptr<std::byte[]> m_bytes; ///< or, when null,
+        std::uint64_t m_offset = 0;           ///< in the file
+        std::uint32_t m_size = 0;
+    };
+
+    ByteStore(SpillFile& file, std::size_t memory) : m_file(file), m_memory(memory) {}
+
+    [[nodiscard]] Result<Piece> keep(std::span<const std::byte> bytes);
+    /// The bytes of a piece, which live as long as the piece is kept and `buffer` is left alone.
+    [[nodiscard]] Result<std::span<const std::byte>> read(const Piece& piece, std::vector<std::byte>& buffer) const;
+    void drop(Piece& piece);
+
+    [[nodiscard]] std::size_t memoryInUse() const { return m_inUse; }
+
+  private:
+    SpillFile& m_file;
+    std::size_t m_memory;
+    std::atomic<std::size_t> m_inUse{0};
+};
+
+} // namespace tavix::profiling

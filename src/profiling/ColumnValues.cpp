@@ -1,0 +1,83 @@
+#include "profiling/ColumnValues.h"
+
+#include "profiling/KeyedSort.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tavix::profiling {
+
+namespace {
+
+constexpr std::size_t kOutputBuffer = std::size_t{64} << 10;
+
+} // namespace
+
+void ColumnValues::unite() {
+    for (ValueCounter& other : m_others)
+        m_counter.absorb(std::move(other));
+    m_others.clear();
+}
+
+std::size_t ColumnValues::memory() const {
+    std::size_t memory = m_counter.memory();
+    for (const ValueCounter& other : m_others)
+        memory += other.memory();
+    return memory;
+}
+
+std::size_t ColumnValues::valuesInMemory() const {
+    std::size_t values = m_counter.entries().size();
+    for (const ValueCounter& other : m_others)
+        values += other.entries().size();
+    return values;
+}
+
+std::size_t ColumnValues::spillingTakes() const {
+    std::size_t values = m_counter.entries().size();
+    for (const ValueCounter& other : m_others)
+        values = std::max(values, other.entries().size());
+    return values * 2 * sizeof(Keyed) + kOutputBuffer;
+}
+
+Status ColumnValues::spill(SpillFile& file, StopSignal& stop) {
+    if (Status status = spill(m_counter, file, stop); !status)
+        return status;
+    for (ValueCounter& other : m_others)
+        if (Status status = spill(other, file, stop); !status)
+            return status;
+    return {};
+}
+
+Status ColumnValues::spill(ValueCounter& counter, SpillFile& file, StopSignal& stop) {
+    const auto entries = counter.entries();
+    if (entries.empty())
+        return {};
+    std::vector<Keyed> order;
+    {
+        std::vector<Keyed> spare;
+        order = sortedByText(entries, spare, stop);
+    }
+    RunOutput output(file, kOutputBuffer);
+    constexpr std::size_t kBetweenStops = 4096;
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        if (i % kBetweenStops == 0 && stop.isStopped())
+            return StopSignal::stopped();
+        const auto& entry = entries[order[i].index];
+        if (Status status = output.add({0, entry.count, entry.text()}); !status)
+            return status;
+    }
+    auto run = output.finish();
+    if (!run)
+        return run.error();
+    counter.dropValues();
+    return m_runs.add(file, std::move(*run));
+}
+
+void ColumnValues::clear(SpillFile& file) {
+    m_counter = ValueCounter();
+    m_others.clear();
+    m_runs.release(file);
+}
+
+} // namespace tavix::profiling

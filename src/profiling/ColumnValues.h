@@ -1,0 +1,58 @@
+#pragma once
+
+#include "base/Result.h"
+#include "profiling/StopSignal.h"
+#include "profiling/ValueCounter.h"
+#include "profiling/ValueRuns.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace tavix::profiling {
+
+/// The counted values of a column: those in memory, and sorted lists of those that there was no room for. A value may
+/// stand in several of them.
+class ColumnValues {
+  public:
+    [[nodiscard]] ValueCounter& counter() { return m_counter; }
+    [[nodiscard]] const ValueCounter& counter() const { return m_counter; }
+
+    /// From now on `parts` counters share the values, so that as many threads can count. Before the first value only.
+    void divide(std::uint32_t parts) { m_others.resize(parts - 1); }
+    [[nodiscard]] std::uint32_t parts() const { return static_cast<std::uint32_t>(m_others.size()) + 1; }
+    void count(std::span<const source::Cell> cells, std::uint32_t part) {
+        if (m_others.empty())
+            m_counter.count(cells);
+        else
+            (part == 0 ? m_counter : m_others[part - 1]).countPart(cells, part, parts());
+    }
+    /// Makes counter() hold all values that are in memory; nothing can be counted after it.
+    void unite();
+
+    /// Of all counters.
+    [[nodiscard]] std::size_t memory() const;
+    [[nodiscard]] std::size_t valuesInMemory() const;
+
+    /// Whether some of the values lie in the file; then only merged() knows all of them.
+    [[nodiscard]] bool isSpilled() const { return !m_runs.isEmpty(); }
+    /// Moves what is in memory to the file. For a moment it takes as much again as spillingTakes() says.
+    [[nodiscard]] Status spill(SpillFile& file, StopSignal& stop);
+    [[nodiscard]] std::size_t spillingTakes() const;
+
+    /// What lies in the file. Merged it gives all values in the order of their texts, each once, null not among them,
+    /// when what is in memory was spilled before.
+    [[nodiscard]] const RunSet& runs() const { return m_runs; }
+    /// Forgets everything.
+    void clear(SpillFile& file);
+
+  private:
+    Status spill(ValueCounter& counter, SpillFile& file, StopSignal& stop);
+
+    ValueCounter m_counter;
+    std::vector<ValueCounter> m_others;
+    RunSet m_runs{RunOrder::Text};
+};
+
+} // namespace tavix::profiling

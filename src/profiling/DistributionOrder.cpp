@@ -1,0 +1,124 @@
+#include "profiling/DistributionOrder.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tavix::profiling {
+
+namespace {
+
+using Entries = std::span<const ValueCounter::Entry>;
+
+constexpr std::size_t kRowsBetweenStops = 4096;
+
+/// Indexes of entries by count from the highest down; equal counts stay in the order of `byText`.
+std::vector<std::uint32_t> orderByCount(Entries entries, std::span<const Keyed> byText) {
+    // Most counts are small: those are dealt into buckets, and only the few large ones sorted.
+    constexpr std::uint32_t kBuckets = 256;
+    std::array<std::size_t, kBuckets> starts{};
+    std::vector<std::uint32_t> order;
+    order.reserve(byText.size());
+    for (const Keyed& row : byText) {
+        if (row.count < kBuckets)
+            ++starts[kBuckets - 1 - row.count];
+        else
+            order.push_back(row.index);
+    }
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::uint32_t a, std::uint32_t b) { return entries[a].count > entries[b].count; });
+    std::size_t next = order.size();
+    for (std::size_t& start : starts) {
+        const std::size_t size = start;
+        start = next;
+        next += size;
+    }
+    order.resize(byText.size());
+    for (const Keyed& row : byText)
+        if (row.count < kBuckets)
+            order[starts[kBuckets - 1 - row.count]++] = row.index;
+    return order;
+}
+
+/// Puts null where it belongs among rows that come by count.
+class NullRow {
+  public:
+    explicit NullRow(std::uint64_t count) : m_count(count) {}
+
+    Status addBefore(std::uint64_t count, PackedRows& rows, ByteStore& store) {
+        return m_count > 0 && count <= m_count ? add(rows, store) : Status{};
+    }
+    Status add(PackedRows& rows, ByteStore& store) {
+        if (m_count == 0)
+            return {};
+        const std::uint64_t count = m_count;
+        m_count = 0;
+        return rows.add(store, {{}, count, true});
+    }
+
+  private:
+    std::uint64_t m_count; ///< 0 once it is placed
+};
+
+} // namespace
+
+Status packByCount(Entries entries, std::span<const Keyed> byText, std::uint64_t nulls, PackedRows& rows,
+                   ByteStore& store, StopSignal& stop) {
+    constexpr std::size_t kAhead = 12;
+    const std::vector<std::uint32_t> order = orderByCount(entries, byText);
+    NullRow null(nulls);
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        if (i % kRowsBetweenStops == 0 && stop.isStopped())
+            return StopSignal::stopped();
+        if (i + 2 * kAhead < order.size())
+            __builtin_prefetch(&entries[order[i + 2 * kAhead]]);
+        if (i + kAhead < order.size())
+            __builtin_prefetch(entries[order[i + kAhead]].data);
+        const ValueCounter::Entry& entry = entries[order[i]];
+        if (Status status = null.addBefore(entry.count, rows, store); !status)
+            return status;
+        if (Status status = rows.add(store, {entry.text(), entry.count, false}); !status)
+            return status;
+    }
+    if (Status status = null.add(rows, store); !status)
+        return status;
+    return rows.finish(store);
+}
+
+Status packHashes(Entries entries, PackedResult& packed, StopSignal& stop) {
+    std::vector<std::uint64_t> hashes(entries.size());
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        hashes[i] = repository::hashValue(entries[i].text());
+    sortNumbers(hashes, stop);
+    std::span<const std::uint64_t> rest(hashes);
+    while (!rest.empty()) {
+        const auto chunk = rest.first(std::min(repository::kHashesPerChunk, rest.size()));
+        if (Status status = packed.addHashes(chunk); !status)
+            return status;
+        rest = rest.subspan(chunk.size());
+    }
+    return {};
+}
+
+Status packMergedByCount(const RunSet& runs, std::uint64_t nulls, PackedRows& rows, const Merging& merging) {
+    RunMerge merge = runs.merge(merging.file, merging.memory);
+    NullRow null(nulls);
+    for (std::size_t i = 0;; ++i) {
+        if (i % kRowsBetweenStops == 0 && merging.stop.isStopped())
+            return StopSignal::stopped();
+        const auto more = merge.next();
+        if (!more)
+            return more.error();
+        if (!*more)
+            break;
+        const RunRecord& record = merge.record();
+        if (Status status = null.addBefore(record.count, rows, merging.store); !status)
+            return status;
+        if (Status status = rows.add(merging.store, {record.text, record.count, false}); !status)
+            return status;
+    }
+    if (Status status = null.add(rows, merging.store); !status)
+        return status;
+    return rows.finish(merging.store);
+}
+
+} // namespace tavix::profiling

@@ -1,0 +1,235 @@
+#include "profiling/KeyedSort.h"
+
+#include "profiling/ValueRuns.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string_view>
+
+namespace tavix::profiling {
+
+namespace {
+
+using Entries = std::span<const ValueCounter::Entry>;
+
+constexpr std::size_t kInsertion = 40;     ///< so few are sorted by moving them one by one
+constexpr std::size_t kComparing = 400;    ///< so few are compared
+constexpr std::size_t kInCache = 1U << 15; ///< more are dealt out by their first byte, until a part fits the cache
+constexpr unsigned kBytes = 8;
+
+std::uint64_t keyOf(const Keyed& row) {
+    return row.key;
+}
+std::uint64_t keyOf(std::uint64_t row) {
+    return row;
+}
+
+template <typename Row>
+void insertionSort(std::span<Row> rows) {
+    for (std::size_t i = 1; i < rows.size(); ++i) {
+        const Row moving = rows[i];
+        std::size_t at = i;
+        for (; at > 0 && keyOf(moving) < keyOf(rows[at - 1]); --at)
+            rows[at] = rows[at - 1];
+        rows[at] = moving;
+    }
+}
+
+template <typename Row>
+class RadixSort {
+  public:
+    explicit RadixSort(StopSignal& stop) : m_stop(stop) {}
+
+    /// Stable. `spare` is as long as `rows`. Bytes above `byte` are the same in all keys.
+    void sort(std::span<Row> rows, std::span<Row> spare, unsigned byte) {
+        if (rows.size() <= kInsertion)
+            return insertionSort(rows);
+        if (rows.size() <= kComparing) {
+            std::stable_sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) { return keyOf(a) < keyOf(b); });
+            return;
+        }
+        if (rows.size() <= kInCache)
+            return sortInCache(rows, spare, byte);
+        if (m_stop.isStopped())
+            return;
+        std::array<std::size_t, 257> starts{};
+        const unsigned shift = byte * 8;
+        for (const Row& row : rows)
+            ++starts[(keyOf(row) >> shift & 0xFF) + 1];
+        if (std::find(starts.begin(), starts.end(), rows.size()) != starts.end()) {
+            if (byte > 0)
+                sort(rows, spare, byte - 1);
+            return;
+        }
+        for (std::size_t i = 1; i < starts.size(); ++i)
+            starts[i] += starts[i - 1];
+        std::array<std::size_t, 256> next{};
+        std::copy_n(starts.begin(), next.size(), next.begin());
+        for (const Row& row : rows)
+            spare[next[keyOf(row) >> shift & 0xFF]++] = row;
+        std::memcpy(static_cast<void*>(rows.data()), spare.data(), rows.size_bytes());
+        if (byte > 0)
+            for (std::size_t i = 0; i + 1 < starts.size(); ++i)
+                sort(rows.subspan(starts[i], starts[i + 1] - starts[i]),
+                     spare.subspan(starts[i], starts[i + 1] - starts[i]), byte - 1);
+    }
+
+  private:
+    /// From the last byte to the first, leaving out those that all keys share.
+    static void sortInCache(std::span<Row> rows, std::span<Row> spare, unsigned byte) {
+        std::array<std::array<std::uint32_t, 256>, kBytes> counts;
+        for (unsigned b = 0; b <= byte; ++b)
+            counts[b].fill(0);
+        for (const Row& row : rows)
+            for (unsigned b = 0; b <= byte; ++b)
+                ++counts[b][keyOf(row) >> (b * 8) & 0xFF];
+        std::span<Row> from = rows;
+        std::span<Row> to = spare;
+        for (unsigned b = 0; b <= byte; ++b) {
+            auto& starts = counts[b];
+            if (starts[keyOf(from.front()) >> (b * 8) & 0xFF] == rows.size())
+                continue;
+            std::uint32_t next = 0;
+            for (std::uint32_t& start : starts) {
+                const std::uint32_t size = start;
+                start = next;
+                next += size;
+            }
+            for (const Row& row : from)
+                to[starts[keyOf(row) >> (b * 8) & 0xFF]++] = row;
+            std::swap(from, to);
+        }
+        if (from.data() != rows.data())
+            std::memcpy(static_cast<void*>(rows.data()), from.data(), rows.size_bytes());
+    }
+
+    StopSignal& m_stop;
+};
+
+/// How many bytes all texts have in common at their beginning.
+std::size_t commonPrefix(Entries entries) {
+    const std::string_view first = entries.front().text();
+    std::size_t common = first.size();
+    for (const ValueCounter::Entry& entry : entries) {
+        common = std::min<std::size_t>(common, entry.size);
+        if (std::memcmp(first.data(), entry.data, common) != 0) {
+            std::size_t same = 0;
+            while (first[same] == entry.data[same])
+                ++same;
+            common = same;
+        }
+        if (common == 0)
+            return 0;
+    }
+    return common;
+}
+
+/// Sorts by eight bytes at a time, and then only what these did not tell apart.
+class TextSort {
+  public:
+    TextSort(Entries entries, std::vector<Keyed>& rows, std::vector<Keyed>& spare, StopSignal& stop)
+        : m_entries(entries), m_rows(rows), m_spare(spare), m_stop(stop) {}
+
+    void sort(std::size_t from) {
+        RadixSort<Keyed>(m_stop).sort(m_rows, std::span(m_spare).first(m_rows.size()), kBytes - 1);
+        std::vector<Range> ranges{{0, static_cast<std::uint32_t>(m_rows.size()), static_cast<std::uint32_t>(from)}};
+        std::vector<Range> open;
+        while (!ranges.empty() && !m_stop.isStopped()) {
+            open.clear();
+            for (const Range& range : ranges)
+                findEqual(range, open);
+            for (const Range& range : open)
+                loadKeys(range);
+            ranges.clear();
+            for (const Range& range : open) {
+                const auto rows = std::span(m_rows).subspan(range.begin, range.size);
+                if (hasEnded(range)) {
+                    // Texts that differ only in how many zero bytes they end with, or begin with after this.
+                    std::sort(rows.begin(), rows.end(), [&](const Keyed& a, const Keyed& b) {
+                        return m_entries[a.index].text() < m_entries[b.index].text();
+                    });
+                    continue;
+                }
+                RadixSort<Keyed>(m_stop).sort(rows, std::span(m_spare).subspan(range.begin, range.size), kBytes - 1);
+                ranges.push_back(range);
+            }
+        }
+    }
+
+  private:
+    struct Range {
+        std::uint32_t begin = 0;
+        std::uint32_t size = 0;
+        std::uint32_t from = 0; ///< of the bytes in the keys
+    };
+
+    /// What the keys of a sorted range leave open.
+    void findEqual(const Range& range, std::vector<Range>& open) const {
+        const std::uint32_t end = range.begin + range.size;
+        for (std::uint32_t i = range.begin; i + 1 < end;) {
+            std::uint32_t next = i + 1;
+            while (next < end && m_rows[next].key == m_rows[i].key)
+                ++next;
+            if (next - i > 1)
+                open.push_back({i, next - i, range.from + kBytes});
+            i = next;
+        }
+    }
+
+    void loadKeys(const Range& range) {
+        constexpr std::size_t kAhead = 16;
+        const std::size_t end = range.begin + range.size;
+        for (std::size_t i = range.begin; i < end; ++i) {
+            // Neighbours of the range come soon, too.
+            if (i + 2 * kAhead < m_rows.size())
+                __builtin_prefetch(&m_entries[m_rows[i + 2 * kAhead].index]);
+            if (i + kAhead < m_rows.size())
+                __builtin_prefetch(m_entries[m_rows[i + kAhead].index].data);
+            m_rows[i].key = prefixOf(m_entries[m_rows[i].index].text(), range.from);
+        }
+    }
+
+    [[nodiscard]] bool hasEnded(const Range& range) const {
+        const auto rows = std::span(m_rows).subspan(range.begin, range.size);
+        return std::any_of(rows.begin(), rows.end(),
+                           [&](const Keyed& row) { return row.key == 0 && m_entries[row.index].size < range.from; });
+    }
+
+    Entries m_entries;
+    std::vector<Keyed>& m_rows;
+    std::vector<Keyed>& m_spare;
+    StopSignal& m_stop;
+};
+
+} // namespace
+
+void sortByKey(std::span<Keyed> rows, std::vector<Keyed>& spare, StopSignal& stop) {
+    const auto isBefore = [](const Keyed& a, const Keyed& b) { return a.key < b.key; };
+    if (std::is_sorted(rows.begin(), rows.end(), isBefore))
+        return;
+    if (spare.size() < rows.size())
+        spare.resize(rows.size());
+    RadixSort<Keyed>(stop).sort(rows, std::span(spare).first(rows.size()), kBytes - 1);
+}
+
+std::vector<Keyed> sortedByText(Entries entries, std::vector<Keyed>& spare, StopSignal& stop) {
+    std::vector<Keyed> rows(entries.size());
+    if (entries.empty())
+        return rows;
+    const std::size_t from = commonPrefix(entries);
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        rows[i] = {prefixOf(entries[i].text(), from), static_cast<std::uint32_t>(i),
+                   static_cast<std::uint32_t>(std::min<std::uint64_t>(entries[i].count, Keyed::kLargeCount))};
+    if (spare.size() < rows.size())
+        spare.resize(rows.size());
+    TextSort(entries, rows, spare, stop).sort(from);
+    return rows;
+}
+
+void sortNumbers(std::vector<std::uint64_t>& numbers, StopSignal& stop) {
+    std::vector<std::uint64_t> spare(numbers.size());
+    RadixSort<std::uint64_t>(stop).sort(numbers, spare, kBytes - 1);
+}
+
+} // namespace tavix::profiling

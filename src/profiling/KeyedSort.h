@@ -1,0 +1,36 @@
+#pragma once
+
+#include "profiling/StopSignal.h"
+#include "profiling/ValueCounter.h"
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+/// Sorting by radix what is too much to be compared.
+namespace tavix::profiling {
+
+/// A distinct value by its place among the entries, with what it is sorted by.
+struct Keyed {
+    static constexpr std::uint32_t kLargeCount = UINT32_MAX;
+
+    std::uint64_t key = 0;
+    std::uint32_t index = 0;
+    std::uint32_t count = 0; ///< kLargeCount when the entry has to be asked
+
+    [[nodiscard]] std::uint64_t countIn(std::span<const ValueCounter::Entry> entries) const {
+        return count == kLargeCount ? entries[index].count : count;
+    }
+};
+
+/// By the key; what has the same key stays in its order. `spare` is memory that may be used. When it is stopped the
+/// order is any.
+void sortByKey(std::span<Keyed> rows, std::vector<Keyed>& spare, StopSignal& stop);
+
+/// All entries in the order of the bytes of their texts, which is by code point. The keys mean nothing.
+[[nodiscard]] std::vector<Keyed> sortedByText(std::span<const ValueCounter::Entry> entries, std::vector<Keyed>& spare,
+                                              StopSignal& stop);
+
+void sortNumbers(std::vector<std::uint64_t>& numbers, StopSignal& stop);
+
+} // namespace tavix::profiling

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "profiling/StopSignal.h"
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <mutex>
+
+namespace tavix::profiling {
+
+/// How the memory that a run may take is divided. What is not named is for the blocks that are read, and for the store.
+class MemoryPlan {
+  public:
+    /// `bytes` may be any number; below some 64 MB the fixed costs of a run exceed it.
+    explicit MemoryPlan(std::size_t bytes) : m_bytes(bytes) {}
+
+    /// Counted values, while a table is read.
+    [[nodiscard]] std::size_t counting() const { return m_bytes / 3; }
+    /// When that is exceeded, columns are spilled until so much is left.
+    [[nodiscard]] std::size_t afterSpilling() const { return m_bytes / 8; }
+    /// What computing figures takes beside the values, over all threads.
+    [[nodiscard]] std::size_t figuring() const { return m_bytes / 3; }
+    /// Packed distributions that wait to be stored.
+    [[nodiscard]] std::size_t packed() const { return m_bytes / 8; }
+    /// Figures that wait to be stored.
+    [[nodiscard]] std::size_t facts() const { return m_bytes / 16; }
+
+  private:
+    std::size_t m_bytes;
+};
+
+/// Lets threads take memory only as long as there is enough for all; one alone gets whatever it asks for.
+class MemoryGate {
+  public:
+    explicit MemoryGate(std::size_t bytes) : m_bytes(bytes) {}
+
+    class Pass {
+      public:
+        Pass(MemoryGate& gate, std::size_t bytes) : m_gate(gate), m_size(bytes) {}
+        ~Pass() { m_gate.giveBack(m_size); }
+        Pass(const Pass&) = delete;
+        Pass& operator=(const Pass&) = delete;
+
+      private:
+        MemoryGate& m_gate;
+        std::size_t m_size;
+    };
+
+    /// Waits for the memory, or until it is stopped.
+    [[nodiscard]] Pass take(std::size_t bytes, StopSignal& stop) {
+        std::unique_lock lock(m_mutex);
+        const auto fits = [&] { return m_taken == 0 || m_taken + bytes <= m_bytes; };
+        while (!m_givenBack.wait_for(lock, std::chrono::milliseconds(50), fits) && !stop.isStopped()) {
+        }
+        m_taken += bytes;
+        return {*this, bytes};
+    }
+
+  private:
+    void giveBack(std::size_t bytes) {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_taken -= bytes;
+        }
+        m_givenBack.notify_all();
+    }
+
+    std::size_t m_bytes;
+    std::size_t m_taken = 0;
+    std::mutex m_mutex;
+    std::condition_variable m_givenBack;
+};
+
+} // namespace tavix::profiling

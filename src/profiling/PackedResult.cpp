@@ -1,0 +1,88 @@
+#include "profiling/PackedResult.h"
+
+#include "profiling/StopSignal.h"
+
+#include <utility>
+
+namespace tavix::profiling {
+
+Status PackedRows::pack(ByteStore& store) {
+    Block block;
+    block.facts = m_packer.finish();
+    auto piece = store.keep(block.facts.payload);
+    if (!piece)
+        return piece.error();
+    block.payload = std::move(*piece);
+    block.facts.payload = {};
+    m_blocks.push_back(std::move(block));
+    return {};
+}
+
+Status PackedRows::add(ByteStore& store, const repository::ValueCount& row) {
+    if (!m_packer.hasRoomFor(row.isNull ? 0 : row.value.size()))
+        if (Status status = pack(store); !status)
+            return status;
+    ++m_rows;
+    m_sum += row.count;
+    return m_packer.add(row);
+}
+
+Status PackedRows::finish(ByteStore& store) {
+    Status status = m_packer.isEmpty() ? Status{} : pack(store);
+    m_packer = {};
+    return status;
+}
+
+Result<bool> PackedRows::next(ByteStore& store, repository::PackedBlock& block) {
+    if (m_next > 0)
+        store.drop(m_blocks[m_next - 1].payload);
+    if (m_next == m_blocks.size())
+        return false;
+    const Block& following = m_blocks[m_next++];
+    const auto payload = store.read(following.payload, m_buffer);
+    if (!payload)
+        return payload.error();
+    block = following.facts;
+    block.payload = *payload;
+    return true;
+}
+
+Status PackedResult::addHashes(std::span<const std::uint64_t> chunk) {
+    auto piece = m_store.keep(std::as_bytes(chunk));
+    if (!piece)
+        return piece.error();
+    m_hashes.push_back(std::move(*piece));
+    return {};
+}
+
+Status PackedResult::goOn() const {
+    return mayGoOn && !mayGoOn() ? Status{StopSignal::stopped()} : Status{};
+}
+
+Result<bool> PackedResult::nextValues(repository::PackedBlock& block) {
+    if (Status status = goOn(); !status)
+        return status.error();
+    return values.next(m_store, block);
+}
+
+Result<bool> PackedResult::nextPatterns(repository::PackedBlock& block) {
+    if (Status status = goOn(); !status)
+        return status.error();
+    return patterns.next(m_store, block);
+}
+
+Result<bool> PackedResult::nextHashes(std::span<const std::byte>& chunk) {
+    if (Status status = goOn(); !status)
+        return status.error();
+    if (m_nextHashes > 0)
+        m_store.drop(m_hashes[m_nextHashes - 1]);
+    if (m_nextHashes == m_hashes.size())
+        return false;
+    const auto bytes = m_store.read(m_hashes[m_nextHashes++], m_buffer);
+    if (!bytes)
+        return bytes.error();
+    chunk = *bytes;
+    return true;
+}
+
+} // namespace tavix::profiling

@@ -1,0 +1,64 @@
+#include "profiling/ValueKey.h"
+
+#include <bit>
+
+namespace tavix::profiling {
+
+namespace {
+
+constexpr std::uint64_t kSignBit = std::uint64_t{1} << 63;
+
+std::uint64_t keyOf(std::int64_t value) {
+    return static_cast<std::uint64_t>(value) ^ kSignBit;
+}
+
+std::uint64_t keyOf(double value) {
+    const auto bits = std::bit_cast<std::uint64_t>(value == 0.0 ? 0.0 : value);
+    return (bits & kSignBit) != 0 ? ~bits : bits | kSignBit;
+}
+
+} // namespace
+
+KeyForm keyForm(ValueKind kind, bool fits64) {
+    switch (kind) {
+    case ValueKind::Boolean:
+        return KeyForm::Boolean;
+    case ValueKind::Integer:
+        return fits64 ? KeyForm::Integer : KeyForm::LargeInteger;
+    case ValueKind::Real:
+        return KeyForm::Double;
+    case ValueKind::Date:
+        return KeyForm::Date;
+    case ValueKind::None:
+    case ValueKind::Text:
+        break;
+    }
+    return KeyForm::None;
+}
+
+std::uint64_t keyOf(std::string_view text, KeyForm form) {
+    switch (form) {
+    case KeyForm::Boolean:
+        return booleanValue(text) ? 1 : 0;
+    case KeyForm::Integer:
+        return keyOf(integerValue(text).value_or(0));
+    case KeyForm::Double:
+    case KeyForm::LargeInteger:
+        return keyOf(realValue(text));
+    case KeyForm::Date:
+        return keyOf(dateValue(text));
+    case KeyForm::None:
+        break;
+    }
+    return 0;
+}
+
+std::int64_t integerOfKey(std::uint64_t key) {
+    return static_cast<std::int64_t>(key ^ kSignBit);
+}
+
+double doubleOfKey(std::uint64_t key) {
+    return std::bit_cast<double>((key & kSignBit) != 0 ? key ^ kSignBit : ~key);
+}
+
+} // namespace tavix::profiling

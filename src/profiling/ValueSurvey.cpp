@@ -1,0 +1,97 @@
+#include "profiling/ValueSurvey.h"
+
+#include "pattern/CharacterPattern.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace tavix::profiling {
+
+namespace {
+
+/// Integers of fewer characters are within 64 bits.
+constexpr std::size_t kSurely64 = 18;
+
+bool isNumber(ValueKind kind) {
+    return kind == ValueKind::Integer || kind == ValueKind::Real;
+}
+
+/// The narrowest kind that holds what is of kind `a` and what is of kind `b`.
+ValueKind join(ValueKind a, ValueKind b) {
+    if (a == b || b == ValueKind::None)
+        return a;
+    if (a == ValueKind::None)
+        return b;
+    return isNumber(a) && isNumber(b) ? ValueKind::Real : ValueKind::Text;
+}
+
+/// Bytes less those that continue a character.
+std::uint64_t codePoints(std::string_view text) {
+    constexpr std::uint64_t kLowBits = 0x0101010101010101U;
+    std::uint64_t count = text.size();
+    std::size_t at = 0;
+    for (; at + 8 <= text.size(); at += 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + at, sizeof word);
+        count -= static_cast<std::uint64_t>(std::popcount((word >> 7) & ~(word >> 6) & kLowBits));
+    }
+    for (; at < text.size(); ++at)
+        count -= (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80 ? 1 : 0;
+    return count;
+}
+
+bool mayBeBlank(std::string_view text) {
+    const auto first = static_cast<unsigned char>(text.front());
+    return first <= ' ' || first >= 0x7F;
+}
+
+} // namespace
+
+void ValueSurvey::take(std::span<const ValueCounter::Entry> values) {
+    for (const ValueCounter::Entry& entry : values) {
+        const std::string_view text = entry.text();
+        ++m_values;
+        m_rows += entry.count;
+        const std::uint64_t length = codePoints(text);
+        m_shortest = std::min(m_shortest, length);
+        m_longest = std::max(m_longest, length);
+        if (text.empty())
+            m_emptyRows += entry.count;
+        else if (mayBeBlank(text) && isBlank(text))
+            m_blankRows += entry.count;
+        else if (m_kind != ValueKind::Text)
+            takeKind(text);
+        takePattern(text, entry.count);
+    }
+}
+
+void ValueSurvey::takeKind(std::string_view text) {
+    const ValueKind kind = kindOf(text);
+    m_kind = join(m_kind, kind);
+    if (kind == ValueKind::Real)
+        m_decimalPlaces = std::max(m_decimalPlaces, profiling::decimalPlaces(text));
+    else if (kind == ValueKind::Integer && text.size() > kSurely64 && !integerValue(text))
+        m_fits64 = false;
+}
+
+void ValueSurvey::takePattern(std::string_view text, std::uint64_t count) {
+    m_pattern.clear();
+    pattern::appendCharacterPattern(m_pattern, text);
+    if (m_pattern == m_lastPattern) {
+        m_lastCount += count;
+        return;
+    }
+    if (m_lastCount > 0)
+        m_patterns.counter().add(m_lastPattern, m_lastCount);
+    m_lastPattern.swap(m_pattern);
+    m_lastCount = count;
+}
+
+void ValueSurvey::finish() {
+    if (m_lastCount > 0)
+        m_patterns.counter().add(m_lastPattern, m_lastCount);
+    m_lastCount = 0;
+}
+
+} // namespace tavix::profiling

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "base/Result.h"
+#include "profiling/ColumnValues.h"
+#include "profiling/ValueKind.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace tavix::profiling {
+
+/// What one walk over the distinct values of a column finds out, in whatever order they come.
+class ValueSurvey {
+  public:
+    void take(std::span<const ValueCounter::Entry> values);
+    /// To be called after the last value.
+    void finish();
+
+    [[nodiscard]] ColumnValues& patterns() { return m_patterns; }
+    [[nodiscard]] ValueKind kind() const { return m_kind; }
+    /// Of integers: all are within 64 bits.
+    [[nodiscard]] bool fits64() const { return m_fits64; }
+    [[nodiscard]] std::uint64_t values() const { return m_values; }
+    [[nodiscard]] std::uint64_t rows() const { return m_rows; }
+    [[nodiscard]] std::uint64_t emptyRows() const { return m_emptyRows; }
+    [[nodiscard]] std::uint64_t blankRows() const { return m_blankRows; }
+    [[nodiscard]] std::uint64_t shortest() const { return m_shortest; } ///< code points
+    [[nodiscard]] std::uint64_t longest() const { return m_longest; }
+    [[nodiscard]] std::int64_t decimalPlaces() const { return m_decimalPlaces; } ///< the most that a real has
+
+  private:
+    void takeKind(std::string_view text);
+    void takePattern(std::string_view text, std::uint64_t count);
+
+    ColumnValues m_patterns;
+    std::string m_pattern;
+    std::string m_lastPattern; ///< counted together, for patterns come in rows
+    std::uint64_t m_lastCount = 0;
+
+    ValueKind m_kind = ValueKind::None;
+    bool m_fits64 = true;
+    std::uint64_t m_values = 0;
+    std::uint64_t m_rows = 0;
+    std::uint64_t m_emptyRows = 0;
+    std::uint64_t m_blankRows = 0;
+    std::uint64_t m_shortest = UINT64_MAX;
+    std::uint64_t m_longest = 0;
+    std::int64_t m_decimalPlaces = 0;
+};
+
+} // namespace tavix::profiling

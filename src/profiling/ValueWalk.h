@@ -1,0 +1,76 @@
+#pragma once
+
+#include "base/Result.h"
+#include "profiling/KeyedSort.h"
+#include "profiling/ValueRuns.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavix::profiling {
+
+/// The distinct values of a column in some order, some at a time; as often as needed from the beginning.
+class ValueWalk {
+  public:
+    struct Row {
+        std::uint64_t key = 0; ///< see ValueKey.h; of a walk by text of no meaning
+        std::uint64_t count = 0;
+    };
+
+    virtual ~ValueWalk() = default;
+
+    [[nodiscard]] virtual Status rewind() = 0;
+    /// The next rows, none at the end; valid until the next call.
+    [[nodiscard]] virtual Result<std::span<const Row>> next() = 0;
+    /// Of a row of those that next() gave.
+    [[nodiscard]] virtual std::string_view text(std::size_t row) const = 0;
+};
+
+/// Over values in memory. What it is made from must outlive it.
+class EntryWalk final : public ValueWalk {
+  public:
+    EntryWalk(std::span<const ValueCounter::Entry> entries, std::span<const Keyed> order)
+        : m_entries(entries), m_order(order) {}
+
+    [[nodiscard]] Status rewind() override;
+    [[nodiscard]] Result<std::span<const Row>> next() override;
+    [[nodiscard]] std::string_view text(std::size_t row) const override {
+        return m_entries[m_order[m_first + row].index].text();
+    }
+
+  private:
+    std::span<const ValueCounter::Entry> m_entries;
+    std::span<const Keyed> m_order;
+    std::size_t m_first = 0;
+    std::vector<Row> m_rows;
+};
+
+/// Over sorted lists in a file.
+class RunWalk final : public ValueWalk {
+  public:
+    RunWalk(const RunSet& runs, const SpillFile& file, std::size_t memory)
+        : m_runs(runs), m_file(file), m_memory(memory) {}
+
+    [[nodiscard]] Status rewind() override;
+    [[nodiscard]] Result<std::span<const Row>> next() override;
+    [[nodiscard]] std::string_view text(std::size_t row) const override {
+        const std::size_t begin = row == 0 ? 0 : m_ends[row - 1];
+        return std::string_view(m_texts).substr(begin, m_ends[row] - begin);
+    }
+
+  private:
+    const RunSet& m_runs;
+    const SpillFile& m_file;
+    std::size_t m_memory;
+    std::optional<RunMerge> m_merge;
+    std::vector<Row> m_rows;
+    std::string m_texts;
+    std::vector<std::size_t> m_ends;
+};
+
+} // namespace tavix::profiling

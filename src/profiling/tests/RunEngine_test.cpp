@@ -1,0 +1,134 @@
+#include "base/tests/TempFolder.h"
+#include "profiling/RunEngine.h"
+#include "profiling/tests/DumpFigures.h"
+#include "profiling/tests/RandomTable.h"
+#include "profiling/tests/SlowFigures.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <locale>
+#include <string>
+#include <vector>
+
+namespace tavix::profiling {
+namespace {
+
+using nlohmann::json;
+using testing::TableRows;
+
+class CommaPoint final : public std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+class EngineOfRandomTables : public ::testing::Test {
+  protected:
+    /// The figures of all columns as one text, to the last bit.
+    json figures(const TableRows& table, unsigned threads, std::size_t memory, std::size_t rowsPerBlock) {
+        std::vector<std::string> names;
+        for (std::size_t c = 0; c < table.size(); ++c)
+            names.push_back("f" + std::to_string(c));
+        const TableDescription description;
+        RunEngine engine({threads, memory, m_folder.path().string()}, {});
+        TablePasses passes;
+        passes.push_back(std::make_unique<TablePass>(description, names, TablePrograms{}));
+        testing::TableReader reader(table, names, rowsPerBlock);
+        std::size_t rows = 0;
+        const Status counted = engine.count(reader, passes, [&](std::size_t taken) { rows += taken; });
+        EXPECT_TRUE(counted.ok()) << counted.error().text;
+        EXPECT_EQ(rows, table.front().size());
+        auto fields = engine.figures(*passes.front());
+        if (!fields) {
+            ADD_FAILURE() << fields.error().text;
+            return {};
+        }
+        auto list = json::array();
+        for (const FieldFigures& field : *fields)
+            list.push_back(json::parse(testing::dumpField(field)));
+        EXPECT_TRUE(std::filesystem::is_empty(m_folder.path())) << "a temporary file has a name";
+        return list;
+    }
+
+    tavix::testing::TempFolder m_folder;
+};
+
+constexpr std::size_t kMuch = std::size_t{1} << 30;
+
+TEST_F(EngineOfRandomTables, FiguresAreThoseOfAnObviousComputation) {
+    std::mt19937 random(11);
+    for (const std::size_t rows : {0, 1, 2, 3, 50, 1500}) {
+        const TableRows table = testing::randomTable(random, rows);
+        const json found = figures(table, 1, kMuch, 400);
+        for (std::size_t c = 0; c < table.size(); ++c)
+            EXPECT_EQ(testing::difference(
+                          testing::slowFigures(table[c], "f" + std::to_string(c), static_cast<int>(c) + 1), found[c]),
+                      "")
+                << "column " << c << " of " << rows << " rows";
+    }
+}
+
+TEST_F(EngineOfRandomTables, ThreadsMemoryBlocksAndLocaleChangeNothing) {
+    std::mt19937 random(12);
+    const std::locale before = std::locale::global(std::locale(std::locale::classic(), new CommaPoint));
+    for (const std::size_t rows : {1, 700, 6000}) {
+        const TableRows table = testing::randomTable(random, rows);
+        const std::string expected = figures(table, 1, kMuch, 100'000).dump();
+        // One byte spills after every block, so that lists are merged several times over.
+        EXPECT_EQ(figures(table, 1, 1, rows / 300 + 1).dump(), expected);
+        EXPECT_EQ(figures(table, 2, 1, 97).dump(), expected);
+        EXPECT_EQ(figures(table, 2, kMuch, 1 + rows / 50).dump(), expected);
+        EXPECT_EQ(figures(table, 3, std::size_t{4} << 20, 256).dump(), expected);
+        EXPECT_EQ(figures(table, 4, std::size_t{1} << 20, 1000).dump(), expected);
+        EXPECT_EQ(figures(table, 4, kMuch, 64).dump(), expected);
+    }
+    std::locale::global(before);
+}
+
+TEST_F(EngineOfRandomTables, StopsWhereverItIs) {
+    std::mt19937 random(13);
+    const TableRows table = testing::randomTable(random, 3000);
+    const std::vector<std::string> names(table.size(), "f");
+    const TableDescription description;
+    for (const std::size_t memory : {std::size_t{1}, kMuch}) {
+        bool isDone = false;
+        int polls = 1;
+        for (; !isDone; polls = polls * 3 / 2 + 1) {
+            int left = polls;
+            RunEngine engine({2, memory, m_folder.path().string()}, [&] { return --left > 0; });
+            TablePasses passes;
+            passes.push_back(std::make_unique<TablePass>(description, names, TablePrograms{}));
+            testing::TableReader reader(table, names, 500);
+            Status status = engine.count(reader, passes, [](std::size_t) {});
+            if (status) {
+                auto fields = engine.figures(*passes.front());
+                isDone = fields.ok();
+                if (!isDone)
+                    status = fields.error();
+            }
+            if (!isDone) {
+                EXPECT_EQ(status.error(), StopSignal::stopped());
+            }
+        }
+        EXPECT_GT(polls, 8) << "nothing was stopped on the way";
+    }
+}
+
+TEST_F(EngineOfRandomTables, AFullDiskIsAClearError) {
+    std::mt19937 random(14);
+    const TableRows table = testing::randomTable(random, 3000);
+    const std::vector<std::string> names(table.size(), "f");
+    const TableDescription description;
+    RunEngine engine({2, 1, m_folder.file("none")}, {});
+    TablePasses passes;
+    passes.push_back(std::make_unique<TablePass>(description, names, TablePrograms{}));
+    testing::TableReader reader(table, names, 500);
+    const Status status = engine.count(reader, passes, [](std::size_t) {});
+    ASSERT_FALSE(status.ok());
+    EXPECT_NE(status.error().text.find("temporary file in \"" + m_folder.file("none")), std::string::npos)
+        << status.error().text;
+}
+
+} // namespace
+} // namespace tavix::profiling
