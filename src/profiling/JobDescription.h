@@ -56,10 +56,6 @@ struct SourceDescription {
     bool operator==(const SourceDescription&) const = default;
 };
 
-/// The environment variable that holds the password for a source; with an empty name, for all that have none of their
-/// own.
-[[nodiscard]] std::string passwordVariable(const std::string& source);
-
 /// A table of a job: a text file, or the rows of another table of the job that pass a condition.
 struct TableDescription {
     std::string name;              ///< unique in the job; a file's name without its ending unless stated
