@@ -3,6 +3,8 @@
 #include "base/Encodings.h"
 #include "base/NumberText.h"
 #include "expression/ExpressionError.h"
+#include "source/ConnectionText.h"
+#include "source/OdbcReader.h"
 #include "source/TextFileReader.h"
 #include "source/TextFileSearch.h"
 
@@ -133,13 +135,49 @@ Result<DrillSource> openTextFile(const DrillTable& table, const WantedRows& want
     return source;
 }
 
+/// The engine finds the rows with a value or null; patterns are looked for here.
+Result<DrillSource> openDatabase(const DrillTable& table, const WantedRows& wanted, const source::AskCredentials& ask,
+                                 const source::KeepGoing& keepGoing) {
+    const DrillTable::Database& database = *table.database;
+    DrillSource source;
+    source.name = database.source;
+    const auto text = source::ConnectionText::parse(database.connection);
+    if (!text)
+        return text.error();
+    auto connection = source::OdbcConnection::open(database.source, *text, ask);
+    if (!connection)
+        return connection.error();
+    source.connection = std::move(*connection);
+    const auto found = source::DatabaseTable::resolve(*source.connection, database.address);
+    if (!found)
+        return found.error();
+    const auto column = findColumn(table, found->columnNames());
+    if (!column)
+        return column.error();
+    if (!areSame(table, found->columnNames()))
+        source.warning = fmt::format("The columns are others than in the run: {}.", listOf(found->columnNames()));
+    std::optional<std::string> value;
+    if (wanted.kind == WantedRows::Kind::Value)
+        value = wanted.text;
+    const source::SqlText statement =
+        wanted.kind == WantedRows::Kind::Pattern ? found->rows() : found->matches(*column, value);
+    auto reader =
+        source::OdbcReader::open(*source.connection, statement, found->columns(), found->columnNames(), keepGoing);
+    if (!reader)
+        return reader.error();
+    source.reader = std::move(*reader);
+    source.tests.push_back(cellTest(*column, wanted));
+    return source;
+}
+
 } // namespace
 
-Result<DrillSource> openDrillSource(const DrillTable& table, const WantedRows& wanted) {
-    if (!table.file)
+Result<DrillSource> openDrillSource(const DrillTable& table, const WantedRows& wanted,
+                                    const source::AskCredentials& ask, const source::KeepGoing& keepGoing) {
+    if (!table.file && !table.database)
         return Error{fmt::format("The rows of \"{}\" cannot be read again: the run does not say from where they came.",
                                  table.name)};
-    auto source = openTextFile(table, wanted);
+    auto source = table.file ? openTextFile(table, wanted) : openDatabase(table, wanted, ask, keepGoing);
     if (!source)
         return source;
     describeColumns(table, *source);

@@ -4,6 +4,9 @@
 #include "access/RowTest.h"
 #include "base/Clock.h"
 #include "base/Result.h"
+#include "source/Credentials.h"
+#include "source/DatabaseTable.h"
+#include "source/OdbcConnection.h"
 #include "source/RowReader.h"
 
 #include <cstdint>
@@ -40,15 +43,23 @@ struct DrillTable {
         UtcTime modified{};
     };
 
+    struct Database {
+        std::string source;     ///< its name
+        std::string connection; ///< how it was reached, without user and password
+        source::TableRequest address;
+    };
+
     std::string name;  ///< as shown
     std::string field; ///< the one that is drilled into
     std::vector<Column> columns;
     std::string filter; ///< the condition of a filtered table; empty for others
     std::optional<TextFile> file;
+    std::optional<Database> database;
 };
 
 /// The rows of a source, and which of them to pass on.
 struct DrillSource {
+    std::unique_ptr<source::OdbcConnection> connection; ///< of a database; outlives the reader
     std::unique_ptr<source::RowReader> reader;
     std::vector<std::unique_ptr<RowTest>> tests; ///< in this order; none for what the reader itself decides
     std::vector<kvbType> types;                  ///< of the reader's columns
@@ -57,6 +68,9 @@ struct DrillSource {
 };
 
 /// Opens the source that the run read. Errors say what stands in the way: it is gone, or has no such column any more.
-[[nodiscard]] Result<DrillSource> openDrillSource(const DrillTable& table, const WantedRows& wanted);
+/// `ask` and `keepGoing` are for databases; both may be empty.
+[[nodiscard]] Result<DrillSource> openDrillSource(const DrillTable& table, const WantedRows& wanted,
+                                                  const source::AskCredentials& ask,
+                                                  const source::KeepGoing& keepGoing);
 
 } // namespace tavix

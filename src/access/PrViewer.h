@@ -3,6 +3,7 @@
 #include "access/PrViewerDrillCursor.h"
 #include "access/ProfileCursor.h"
 #include "base/KvbString.h"
+#include "source/Credentials.h"
 
 #include <cstdint>
 #include <memory>
@@ -195,6 +196,9 @@ class PrViewer {
 
     // Tasks of the job generator.
     [[nodiscard]] ProfileCursorHandle getTaskList(int jobId);
+
+    /// Who answers when a database wants a user and a password for a drill-down; the environment alone until then.
+    void setSourceCredentials(source::AskCredentials ask);
 
     // Drill-down to the rows of the source, with all columns of the table, in the source's order. Of a filtered table
     // only those that pass its condition. The rows are read from the source as it is now: a cursor's getWarning() says

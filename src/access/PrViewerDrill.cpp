@@ -1,4 +1,5 @@
 #include "access/DrillSource.h"
+#include "access/PrViewDisplayMessage.h"
 #include "access/PrViewerImpl.h"
 #include "access/SourceRowCursors.h"
 #include "repository/DistributionStore.h"
@@ -14,8 +15,8 @@ namespace {
 // ?1 is the run, ?2 the field.
 constexpr std::string_view kTableOfField =
     "SELECT d.name, t.catalog, t.schema, t.name, t.object_name, t.kind, f.name, rt.query, t.id, rt.filter, "
-    "rt.file_path, rt.file_delimiter, rt.file_header, rt.file_encoding, rt.file_size, rt.file_modified "
-    "FROM field f JOIN profiled_table t ON t.id = f.table_id JOIN data_source d ON d.id = t.data_source "
+    "rt.file_path, rt.file_delimiter, rt.file_header, rt.file_encoding, rt.file_size, rt.file_modified, "
+    "{connection} FROM field f JOIN profiled_table t ON t.id = f.table_id JOIN data_source d ON d.id = t.data_source "
     "JOIN run_table rt ON rt.run = ?1 AND rt.table_id = t.id WHERE f.id = ?2";
 enum TableColumn {
     DataSource,
@@ -34,7 +35,10 @@ enum TableColumn {
     FileEncoding,
     FileSize,
     FileModified,
+    Connection,
 };
+/// From this version on a repository says how a database was reached.
+constexpr std::int64_t kFirstWithConnections = 3;
 
 constexpr std::string_view kColumnsOfTable =
     "SELECT f.name, rf.type_code FROM run_field rf JOIN field f ON f.id = rf.field "
@@ -66,10 +70,26 @@ DrillTable::TextFile textFileOf(const sql::Statement& row) {
     return file;
 }
 
+DrillTable::Database databaseOf(const sql::Statement& row) {
+    DrillTable::Database database{std::string(row.text(DataSource)), std::string(row.text(Connection)), {}};
+    if (row.text(QueryText).empty())
+        database.address = {
+            std::string(row.text(Catalog)), std::string(row.text(Schema)), std::string(row.text(Table)), {}};
+    else
+        database.address.query = row.text(QueryText);
+    return database;
+}
+
 } // namespace
 
 Result<sql::Statement> PrViewer::Impl::tableOfField(int ofRun, int field) const {
-    auto select = bound(kTableOfField, {ofRun, field});
+    const auto version = connection().schemaVersion();
+    if (!version)
+        return version.error();
+    std::string sql(kTableOfField);
+    constexpr std::string_view kPlace = "{connection}";
+    sql.replace(sql.find(kPlace), kPlace.size(), *version < kFirstWithConnections ? "NULL" : "rt.connection");
+    auto select = bound(sql, {ofRun, field});
     if (!select)
         return select;
     switch (select->step()) {
@@ -94,6 +114,8 @@ Result<DrillTable> PrViewer::Impl::drillTable(int ofRun, int field) const {
         table.filter = row->text(Filter);
         if (!row->isNull(FilePath))
             table.file = textFileOf(*row);
+        else if (!row->isNull(Connection))
+            table.database = databaseOf(*row);
         tableId = static_cast<int>(row->integer(TableNumber));
     }
     auto columns = bound(kColumnsOfTable, {ofRun, tableId});
@@ -138,10 +160,17 @@ Result<SourceRows> PrViewer::Impl::sourceRows(int field, const KvbString& value,
     const auto wanted = wantedRows(*ofRun, field, value, isPattern);
     if (!wanted)
         return wanted.error();
-    auto source = openDrillSource(*table, *wanted);
+    source::KeepGoing keepGoing;
+    if (sink)
+        keepGoing = [sink, name = table->name] { return sink->progress("Reading " + name, 0, 0); };
+    auto source = openDrillSource(*table, *wanted, askCredentials, keepGoing);
     if (!source)
         return source.error();
     return SourceRows(std::move(source).value(), sink);
+}
+
+void PrViewer::setSourceCredentials(source::AskCredentials ask) {
+    m_impl->askCredentials = std::move(ask);
 }
 
 bool PrViewer::getDrilldownInfo(int fieldId, KvbString& dataSource, KvbString& catalog, KvbString& schema,

@@ -33,6 +33,9 @@ struct PrViewer::Impl {
     KvbString error;
     SystemClock systemClock;
     const Clock* clock = nullptr;
+    source::AskCredentials askCredentials = [](const std::string& name, const std::string& refusal) {
+        return refusal.empty() ? source::credentialsFromEnvironment(name) : std::nullopt;
+    };
 
     /// Keeps the text for getErrorString().
     bool fail(const Error& failure);

@@ -2,6 +2,7 @@
 
 #include "access/PrViewDisplayMessage.h"
 #include "base/GenException.h"
+#include "source/Credentials.h"
 
 #include <fmt/format.h>
 
@@ -42,6 +43,8 @@ bool SourceRows::readBlock() {
     const auto more = reader.read(m_block);
     if (!more) {
         m_source.reader.reset();
+        if (more.error().text == source::kCancelled)
+            return false;
         throw GenException(more.error().text);
     }
     m_isComplete = !*more;

@@ -9,6 +9,7 @@
 #include "cli/ReadingLine.h"
 #include "cli/RunChoice.h"
 #include "cli/Session.h"
+#include "cli/SourceCredentials.h"
 
 #include <CLI/App.hpp>
 #include <fmt/format.h>
@@ -96,6 +97,7 @@ void RowsCommand::run(const CommonOptions& options) {
     const KvbString value = wanted(session, field);
     // The library takes an empty value for null where there are no empty texts, of which alone the pattern is empty.
     const bool isPattern = m_pattern.has_value() || (m_value && m_value->empty());
+    session.viewer().setSourceCredentials(sourceCredentials());
     ReadingLine line;
     const PrViewerDrillCursorHandle rows = session.viewer().drillDown(field.id, value, isPattern, &line, nullptr);
     session.check(rows != nullptr);

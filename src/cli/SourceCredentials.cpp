@@ -11,8 +11,7 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
-#include <map>
+#include <optional>
 
 namespace tavix::cli {
 
@@ -21,20 +20,6 @@ namespace {
 using source::Credentials;
 
 constexpr std::size_t kLongestAnswer = 1000;
-
-std::optional<std::string> variable(const std::string& name) {
-    const char* const value = std::getenv(name.c_str());
-    return value ? std::optional<std::string>(value) : std::nullopt;
-}
-
-/// The source's own variable, else the one for all; `which` is USER or PASSWORD.
-std::optional<std::string> fromEnvironment(const std::string& source, const std::string& which) {
-    const std::string prefix = "TAVIX_SOURCE_PASSWORD";
-    const std::string own = profiling::passwordVariable(source).substr(prefix.size());
-    if (auto value = variable("TAVIX_SOURCE_" + which + own))
-        return value;
-    return variable("TAVIX_SOURCE_" + which);
-}
 
 /// Keeps the terminal from showing what is typed, as long as it lives.
 class Hidden {
@@ -77,12 +62,13 @@ std::optional<std::string> answer(const std::string& question) {
     }
 }
 
-std::optional<Credentials> askAtTerminal(const std::string& source, const std::string& refusal) {
+std::optional<Credentials> askAtTerminal(const std::string& name, const std::string& refusal) {
     if (::isatty(STDIN_FILENO) == 0)
         return std::nullopt;
     say(printable(refusal));
-    const std::string usual = fromEnvironment(source, "USER").value_or(loginName());
-    auto user = answer(fmt::format("User for \"{}\" [{}]: ", printable(source), printable(usual)));
+    const auto known = source::credentialsFromEnvironment(name);
+    const std::string usual = known && !known->user.empty() ? known->user : loginName();
+    auto user = answer(fmt::format("User for \"{}\" [{}]: ", printable(name), printable(usual)));
     if (!user)
         return std::nullopt;
     std::optional<std::string> password;
@@ -99,14 +85,10 @@ std::optional<Credentials> askAtTerminal(const std::string& source, const std::s
 } // namespace
 
 source::AskCredentials sourceCredentials() {
-    return [](const std::string& source, const std::string& refusal) -> std::optional<Credentials> {
+    return [](const std::string& name, const std::string& refusal) -> std::optional<Credentials> {
         if (!refusal.empty())
-            return askAtTerminal(source, refusal);
-        const auto user = fromEnvironment(source, "USER");
-        const auto password = fromEnvironment(source, "PASSWORD");
-        if (!user && !password)
-            return std::nullopt;
-        return Credentials{user.value_or(std::string()), password.value_or(std::string())};
+            return askAtTerminal(name, refusal);
+        return source::credentialsFromEnvironment(name);
     };
 }
 

@@ -2,6 +2,7 @@
 
 #include "profiling/JobChecks.h"
 #include "source/ConnectionText.h"
+#include "source/Credentials.h"
 
 #include <fmt/format.h>
 
@@ -20,10 +21,10 @@ constexpr std::array<const char*, 4> kPasswordKeys = {"password", "pwd", "passwd
     throw DocumentProblem{document.valuePositions.at(pointer), std::move(text)};
 }
 
-std::string refusal(const std::string& source) {
+std::string refusal(const std::string& name) {
     return fmt::format("a password does not belong in a job file: put it into the environment variable {} or {}, or "
                        "leave it out and type it when you are asked for it",
-                       passwordVariable(source), passwordVariable({}));
+                       source::passwordVariable(name), source::passwordVariable({}));
 }
 
 std::vector<std::string> namesOf(const json& root) {

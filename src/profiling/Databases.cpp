@@ -14,18 +14,6 @@ using repository::TableKind;
 using source::DatabaseTable;
 using source::DeclaredColumn;
 
-std::string passwordVariable(const std::string& source) {
-    std::string name = "TAVIX_SOURCE_PASSWORD";
-    if (!source.empty())
-        name += '_';
-    for (const char c : source) {
-        const bool isLower = c >= 'a' && c <= 'z';
-        const bool isPlain = (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-        name += isLower ? static_cast<char>(c - 'a' + 'A') : isPlain ? c : '_';
-    }
-    return name;
-}
-
 Result<OpenedDatabaseTable> Databases::open(const TableDescription& table) {
     const auto source = std::find_if(m_job.sources.begin(), m_job.sources.end(),
                                      [&](const SourceDescription& one) { return one.name == table.source; });

@@ -58,10 +58,6 @@ struct SourceDescription {
     bool operator==(const SourceDescription&) const = default;
 };
 
-/// The environment variable that holds the password for a source; with an empty name, for all that have none of their
-/// own.
-[[nodiscard]] std::string passwordVariable(const std::string& source);
-
 /// A table of a job: a text file, several with the same columns, a table or query of a database, or the rows of
 /// another table of the job that pass a condition.
 struct TableDescription {

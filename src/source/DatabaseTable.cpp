@@ -179,7 +179,7 @@ SqlText DatabaseTable::matches(std::size_t column, const std::optional<std::stri
         text.sql += fmt::format("{}{} = ?", dialect.textOf(name, m_columns[column]), dialect.exactCollation);
         text.parameters.push_back(value);
     }
-    if (dialect.isModern)
+    if (dialect.isModern && limit > 0)
         text.sql += fmt::format(" LIMIT {}", limit);
     return text;
 }

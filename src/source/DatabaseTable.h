@@ -46,9 +46,10 @@ class DatabaseTable {
     [[nodiscard]] SqlText counts(std::size_t column) const;
     /// Why the engine cannot do that with the outcome that reading the rows has; nothing when it can.
     [[nodiscard]] std::optional<std::string> whyNotCounted() const;
-    /// The rows that hold the value; up to `limit` of them where the engine can be told so. An engine without a text
-    /// form may give more rows than those: whoever reads compares again.
-    [[nodiscard]] SqlText matches(std::size_t column, const std::optional<std::string>& value, std::size_t limit) const;
+    /// The rows that hold the value; where the engine can be told so up to `limit` of them, if that is not 0. An engine
+    /// without a text form may give more rows than those: whoever reads compares again.
+    [[nodiscard]] SqlText matches(std::size_t column, const std::optional<std::string>& value,
+                                  std::size_t limit = 0) const;
 
   private:
     explicit DatabaseTable(const OdbcConnection& connection) : m_connection(&connection) {}

@@ -14,9 +14,6 @@
 
 namespace tavix::source {
 
-/// The error of a statement that its KeepGoing cancelled.
-inline constexpr const char* kCancelled = "cancelled";
-
 /// A statement of a connection, which must outlive it.
 class OdbcStatement {
   public:
