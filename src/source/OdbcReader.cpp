@@ -22,7 +22,6 @@ constexpr std::size_t kMostAtOnce = 512;
 /// Of a value that may be longer; what is longer costs calls of its own.
 constexpr std::size_t kUsualLength = 1024;
 constexpr std::size_t kLongest = std::size_t{1} << 30;
-constexpr std::size_t kListedDamage = 1000;
 
 std::size_t terminatorSize(bool isWide) {
     return isWide ? sizeof(SQLWCHAR) : 1;
