@@ -4,6 +4,7 @@
 #include "base/NumberText.h"
 #include "expression/ExpressionError.h"
 #include "source/ConnectionText.h"
+#include "source/FileSetReader.h"
 #include "source/OdbcReader.h"
 #include "source/TextFileReader.h"
 #include "source/TextFileSearch.h"
@@ -21,8 +22,8 @@ namespace tavix {
 
 namespace {
 
+using source::FileSetReader;
 using source::TextFileOptions;
-using source::TextFileReader;
 using source::TextFileSearch;
 
 constexpr std::size_t kListedColumns = 10;
@@ -37,11 +38,10 @@ bool areSame(const DrillTable& table, std::span<const std::string> names) {
                       [](const std::string& name, const DrillTable::Column& column) { return name == column.name; });
 }
 
-/// `reader` has opened the file.
+/// `reader` has opened the file, or the files, of `size` bytes.
 template <typename Reader>
-std::string fileWarning(const DrillTable& table, const Reader& reader) {
+std::string fileWarning(const DrillTable& table, const Reader& reader, std::int64_t size) {
     const DrillTable::TextFile& file = *table.file;
-    const std::int64_t size = reader.fileSize();
     const UtcTime modified = reader.modified();
     const std::span<const std::string> names = reader.columnNames();
     std::string text;
@@ -50,6 +50,8 @@ std::string fileWarning(const DrillTable& table, const Reader& reader) {
                            formatGrouped(file.size), formatGrouped(size));
     else if (modified != file.modified)
         text = fmt::format("\"{}\" was written anew since the run; its size is the same.", file.path);
+    if (table.isSampled)
+        text += fmt::format("{}The run counted a sample of the rows; these are all.", text.empty() ? "" : " ");
     if (!areSame(table, names))
         text += fmt::format("{}The columns are others than in the run: {}.", text.empty() ? "" : " ", listOf(names));
     return text;
@@ -98,40 +100,65 @@ std::unique_ptr<RowTest> cellTest(std::size_t column, const WantedRows& wanted) 
     return makeValueTest(column, wanted.text);
 }
 
-Result<DrillSource> openTextFile(const DrillTable& table, const WantedRows& wanted) {
-    const DrillTable::TextFile& file = *table.file;
-    DrillSource source;
-    source.name = std::filesystem::path(file.path).filename().string();
-    std::error_code ignored;
-    if (std::filesystem::exists(file.path, ignored) && std::filesystem::is_other(file.path, ignored))
-        return Error{fmt::format("\"{}\" is no file that can be read again.", file.path)};
+TextFileOptions optionsOf(const DrillTable::TextFile& file) {
     TextFileOptions options;
     options.delimiter = file.delimiter;
     options.hasHeader = file.hasHeader;
     options.encoding = findEncoding(file.encoding);
-    const bool isSearch = wanted.kind == WantedRows::Kind::Value && options.encoding == &encodingUtf8() &&
-                          TextFileSearch::canFind(wanted.text);
-    if (isSearch) {
-        auto search = TextFileSearch::open(file.path, options);
-        if (!search)
-            return search.error();
-        source.warning = fileWarning(table, **search);
-        const auto column = findColumn(table, (*search)->columnNames());
-        if (!column)
-            return column.error();
-        (*search)->find(*column, wanted.text);
-        source.reader = std::move(search).value();
-    } else {
-        auto reader = TextFileReader::open(file.path, options);
-        if (!reader)
-            return reader.error();
-        source.warning = fileWarning(table, **reader);
-        const auto column = findColumn(table, (*reader)->columnNames());
-        if (!column)
-            return column.error();
-        source.tests.push_back(cellTest(*column, wanted));
-        source.reader = std::move(reader).value();
+    options.quote = file.quote;
+    return options;
+}
+
+/// Takes an opened file, or files, and says what is wrong with them. The place of the field among the columns.
+template <typename Reader>
+Result<std::size_t> examine(const DrillTable& table, const Reader& reader, std::int64_t size, DrillSource& source) {
+    source.warning = fileWarning(table, reader, size);
+    return findColumn(table, reader.columnNames());
+}
+
+Status openSearch(const DrillTable& table, const WantedRows& wanted, DrillSource& source) {
+    auto search = TextFileSearch::open(table.file->path, optionsOf(*table.file));
+    if (!search)
+        return search.error();
+    const auto column = examine(table, **search, (*search)->fileSize(), source);
+    if (!column)
+        return column.error();
+    (*search)->find(*column, wanted.text);
+    source.reader = std::move(search).value();
+    return {};
+}
+
+/// Every row is taken apart.
+Status openFiles(const DrillTable& table, const WantedRows& wanted, DrillSource& source) {
+    const DrillTable::TextFile& file = *table.file;
+    auto files = FileSetReader::open(file.files.empty() ? std::vector{file.path} : file.files, optionsOf(file));
+    if (!files)
+        return files.error();
+    if (Status status = (*files)->checkColumns(); !status)
+        return status;
+    const auto column = examine(table, **files, (*files)->total(), source);
+    if (!column)
+        return column.error();
+    source.tests.push_back(cellTest(*column, wanted));
+    source.reader = std::move(files).value();
+    return {};
+}
+
+Result<DrillSource> openTextFile(const DrillTable& table, const WantedRows& wanted) {
+    const DrillTable::TextFile& file = *table.file;
+    DrillSource source;
+    source.name = std::filesystem::path(file.path).filename().string();
+    for (const std::string& path : file.files.empty() ? std::vector{file.path} : file.files) {
+        std::error_code ignored;
+        if (std::filesystem::exists(path, ignored) && std::filesystem::is_other(path, ignored))
+            return Error{fmt::format("\"{}\" is no file that can be read again.", path)};
     }
+    const bool isSearch = wanted.kind == WantedRows::Kind::Value && file.files.empty() &&
+                          findEncoding(file.encoding) == &encodingUtf8() &&
+                          TextFileSearch::canFind(wanted.text, file.quote);
+    const Status opened = isSearch ? openSearch(table, wanted, source) : openFiles(table, wanted, source);
+    if (!opened)
+        return opened.error();
     return source;
 }
 

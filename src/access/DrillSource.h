@@ -39,8 +39,10 @@ struct DrillTable {
         char delimiter = ','; ///< 0: the lines are not split
         bool hasHeader = true;
         std::string encoding;
-        std::int64_t size = 0;
+        std::int64_t size = 0; ///< of all files
         UtcTime modified{};
+        char quote = '"';                 ///< 0: none
+        std::vector<std::string> files{}; ///< when there are several; `path` then says how they were named
     };
 
     struct Database {
@@ -55,6 +57,7 @@ struct DrillTable {
     std::string filter; ///< the condition of a filtered table; empty for others
     std::optional<TextFile> file;
     std::optional<Database> database;
+    bool isSampled = false; ///< the run counted some of the rows only
 };
 
 /// The rows of a source, and which of them to pass on.

@@ -214,7 +214,9 @@ class PrViewer {
     [[nodiscard]] ProfileCursorHandle drillDownMatch(int fieldId, const KvbString& value, PrViewDisplayMessage* sink,
                                                      int first);
     /// How often the run has counted the value or pattern that drillDown would look for, 0 when it does not know it; -1
-    /// on failure. What the source has now is compared with it: access/SourceChange.h.
+    /// on failure, and kSampleOnly when it counted a sample of the rows, which says nothing of all. What the source has
+    /// now is compared with it: access/SourceChange.h.
+    static constexpr std::int64_t kSampleOnly = -2;
     [[nodiscard]] std::int64_t getDrillDownCount(int fieldId, const KvbString& value, bool isPattern);
 
     static void freeProfileCursor(ProfileCursor* cursor);

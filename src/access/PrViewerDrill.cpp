@@ -16,7 +16,12 @@ namespace {
 constexpr std::string_view kTableOfField =
     "SELECT d.name, t.catalog, t.schema, t.name, t.object_name, t.kind, f.name, rt.query, t.id, rt.filter, "
     "rt.file_path, rt.file_delimiter, rt.file_header, rt.file_encoding, rt.file_size, rt.file_modified, "
-    "{connection} FROM field f JOIN profiled_table t ON t.id = f.table_id JOIN data_source d ON d.id = t.data_source "
+    "{connection}, "
+    // A filtered table has the sample of the one that it is based on, and that one alone shows it.
+    "EXISTS (SELECT 1 FROM run_table b JOIN profiled_table bt ON bt.id = b.table_id WHERE b.run = rt.run AND "
+    "b.processed_records <> b.total_records AND bt.kind = 'Y' AND bt.data_source = t.data_source AND "
+    "bt.catalog = t.catalog AND bt.schema = t.schema AND bt.name = t.name) "
+    "FROM field f JOIN profiled_table t ON t.id = f.table_id JOIN data_source d ON d.id = t.data_source "
     "JOIN run_table rt ON rt.run = ?1 AND rt.table_id = t.id WHERE f.id = ?2";
 enum TableColumn {
     DataSource,
@@ -36,9 +41,13 @@ enum TableColumn {
     FileSize,
     FileModified,
     Connection,
+    IsSampled,
 };
 /// From this version on a repository says how a database was reached.
-constexpr std::int64_t kFirstWithConnections = 3;
+constexpr std::int64_t kConnectionsSince = 3;
+
+/// The version that first knew the files of a table.
+constexpr std::int64_t kFilesSince = 4;
 
 constexpr std::string_view kColumnsOfTable =
     "SELECT f.name, rf.type_code FROM run_field rf JOIN field f ON f.id = rf.field "
@@ -88,7 +97,7 @@ Result<sql::Statement> PrViewer::Impl::tableOfField(int ofRun, int field) const 
         return version.error();
     std::string sql(kTableOfField);
     constexpr std::string_view kPlace = "{connection}";
-    sql.replace(sql.find(kPlace), kPlace.size(), *version < kFirstWithConnections ? "NULL" : "rt.connection");
+    sql.replace(sql.find(kPlace), kPlace.size(), *version < kConnectionsSince ? "NULL" : "rt.connection");
     auto select = bound(sql, {ofRun, field});
     if (!select)
         return select;
@@ -102,6 +111,30 @@ Result<sql::Statement> PrViewer::Impl::tableOfField(int ofRun, int field) const 
     }
 }
 
+Status PrViewer::Impl::readFiles(int ofRun, int table, DrillTable::TextFile& file) const {
+    const auto version = connection().schemaVersion();
+    if (!version)
+        return version.error();
+    if (*version < kFilesSince)
+        return {};
+    auto files =
+        bound("SELECT path, quote FROM run_file WHERE run = ?1 AND table_id = ?2 ORDER BY position", {ofRun, table});
+    if (!files)
+        return files.error();
+    sql::Step step = files->step();
+    for (; step == sql::Step::Row; step = files->step()) {
+        file.files.emplace_back(files->text(0));
+        file.quote = letterOf(files->text(1));
+    }
+    if (step == sql::Step::Failed)
+        return Error{connection().errorText()};
+    if (file.files.size() == 1) {
+        file.path = file.files.front();
+        file.files.clear();
+    }
+    return {};
+}
+
 Result<DrillTable> PrViewer::Impl::drillTable(int ofRun, int field) const {
     DrillTable table;
     int tableId = -1;
@@ -112,12 +145,16 @@ Result<DrillTable> PrViewer::Impl::drillTable(int ofRun, int field) const {
         table.name = row->text(Object).empty() ? row->text(Table) : row->text(Object);
         table.field = row->text(Field);
         table.filter = row->text(Filter);
+        table.isSampled = row->integer(IsSampled) != 0;
         if (!row->isNull(FilePath))
             table.file = textFileOf(*row);
         else if (!row->isNull(Connection))
             table.database = databaseOf(*row);
         tableId = static_cast<int>(row->integer(TableNumber));
     }
+    if (table.file)
+        if (Status status = readFiles(ofRun, tableId, *table.file); !status)
+            return status.error();
     auto columns = bound(kColumnsOfTable, {ofRun, tableId});
     if (!columns)
         return columns.error();
@@ -220,6 +257,11 @@ std::int64_t PrViewer::getDrillDownCount(int fieldId, const KvbString& value, bo
     const auto wanted = m_impl->wantedRows(*ofRun, fieldId, value, isPattern);
     if (!wanted)
         return m_impl->giveNumber(wanted.error());
+    const auto row = m_impl->tableOfField(*ofRun, fieldId);
+    if (!row)
+        return m_impl->giveNumber(row.error());
+    if (row->integer(IsSampled) != 0)
+        return kSampleOnly;
     if (wanted->kind == WantedRows::Kind::Null)
         return m_impl->giveNumber(m_impl->fieldNumber(kNulls, fieldId));
     using repository::DistributionKind;

@@ -90,6 +90,8 @@ struct PrViewer::Impl {
     // Drill-down. `ofRun` is a run that has the field.
     /// The row of what the run says of the field's table.
     [[nodiscard]] Result<sql::Statement> tableOfField(int ofRun, int field) const;
+    /// Reads which files there are and how they were quoted, if the repository knows it.
+    Status readFiles(int ofRun, int table, DrillTable::TextFile& file) const;
     [[nodiscard]] Result<DrillTable> drillTable(int ofRun, int field) const;
     [[nodiscard]] Result<WantedRows> wantedRows(int ofRun, int field, const KvbString& value, bool isPattern) const;
     [[nodiscard]] Result<SourceRows> sourceRows(int field, const KvbString& value, bool isPattern,

@@ -7,7 +7,7 @@
 namespace tavix {
 
 std::string sourceChangeText(std::int64_t inRun, std::int64_t now) {
-    if (inRun == now)
+    if (inRun == now || inRun < 0)
         return {};
     return fmt::format("{} in the run, {} now: the source changed since", formatGrouped(inRun), formatGrouped(now));
 }

@@ -28,7 +28,7 @@ std::string fullPattern(Session& session, const FieldEntry& field, const std::st
     if (text.find('{') == std::string::npos)
         return text;
     const std::int64_t known = session.viewer().getDrillDownCount(field.id, text, true);
-    session.check(known >= 0);
+    session.check(known >= 0 || known == PrViewer::kSampleOnly);
     if (known > 0)
         return text;
     const ProfileCursorHandle patterns = session.checked(session.viewer().getPatternDist(field.id, KvbString("")));
@@ -120,7 +120,7 @@ void RowsCommand::run(const CommonOptions& options) {
     if (!rows->getWarning().isNull())
         say(rows->getWarning().view());
     const std::int64_t inRun = session.viewer().getDrillDownCount(field.id, value, isPattern);
-    session.check(inRun >= 0);
+    session.check(inRun >= 0 || inRun == PrViewer::kSampleOnly);
     if (rows->isComplete()) {
         if (const std::string change = sourceChangeText(inRun, shown); !change.empty())
             say(change);

@@ -34,6 +34,8 @@ repository::TextFileFacts fileFacts(const TableDescription& table, const FileSet
     facts.byteOrderMark = last.hasByteOrderMark();
     facts.size = reader.total();
     facts.modified = reader.modified();
+    facts.quote = table.quote;
+    facts.files = table.files;
     return facts;
 }
 

@@ -39,6 +39,8 @@ struct TextFileFacts {
     bool byteOrderMark = false;
     std::int64_t size = 0; ///< bytes
     UtcTime modified{};
+    char quote = '"';                 ///< 0: none
+    std::vector<std::string> files{}; ///< when the table is made of several, in their order
 
     bool operator==(const TextFileFacts&) const = default;
 };

@@ -83,6 +83,7 @@ struct RunWriter::Impl {
     Status start(const RunDescription& description);
     Result<int> addTable(const TableFacts& facts);
     Status storeTable(int table, const TableFacts& facts);
+    Status storeFiles(int table, const TableFacts& facts);
     Status addField(int tableId, const FieldFacts& facts);
     Status storeField(int tableId, int field, const FieldFacts& facts);
     Status storePercentiles(int field, std::span<const Percentile> percentiles);
@@ -121,6 +122,8 @@ Result<int> RunWriter::Impl::addTable(const TableFacts& facts) {
         return Error{fmt::format("The table \"{}\" is in the run twice.", displayName(facts))};
     if (auto stored = storeTable(*table, facts); !stored)
         return stored.error();
+    if (auto stored = storeFiles(*table, facts); !stored)
+        return stored.error();
     tables[*table].name = displayName(facts);
     records += facts.processedRecords;
     return table;
@@ -150,6 +153,24 @@ Status RunWriter::Impl::storeTable(int table, const TableFacts& facts) {
     else
         insert->bindNull(17);
     return insert->run();
+}
+
+Status RunWriter::Impl::storeFiles(int table, const TableFacts& facts) {
+    if (!facts.isTextFile)
+        return {};
+    auto insert =
+        connection->prepare("INSERT INTO run_file(run, table_id, position, path, quote) VALUES(?1,?2,?3,?4,?5)");
+    if (!insert)
+        return insert.error();
+    const TextFileFacts& file = facts.textFile;
+    const std::span<const std::string> paths = file.files.empty() ? std::span(&file.path, 1) : std::span(file.files);
+    const std::string_view quote(&file.quote, file.quote == '\0' ? 0 : 1);
+    insert->bind(1, run).bind(2, table).bind(5, quote);
+    std::int64_t position = 0;
+    for (const std::string& path : paths)
+        if (auto done = insert->bind(3, ++position).bind(4, path).run(); !done)
+            return done;
+    return {};
 }
 
 Status RunWriter::Impl::addField(int tableId, const FieldFacts& facts) {

@@ -1,6 +1,7 @@
 #include "repository/Schema.h"
 #include "repository/SchemaVersion2.h"
 #include "repository/SchemaVersion3.h"
+#include "repository/SchemaVersion4.h"
 
 #include <array>
 
@@ -343,7 +344,7 @@ FROM collection c JOIN collection_field m ON m.collection = c.id JOIN field f ON
 } // namespace
 
 std::span<const char* const> schemaSteps() {
-    static const std::array kSteps{kVersion1, kSchemaVersion2, kSchemaVersion3};
+    static const std::array kSteps{kVersion1, kSchemaVersion2, kSchemaVersion3, kSchemaVersion4};
     return kSteps;
 }
 

@@ -46,8 +46,8 @@ std::uint64_t prefixXor(std::uint64_t bits) {
 
 } // namespace
 
-bool TextFileSearch::canFind(std::string_view value) {
-    return !value.empty() && value.find('"') == std::string_view::npos &&
+bool TextFileSearch::canFind(std::string_view value, char quote) {
+    return !value.empty() && (quote == '\0' || value.find(quote) == std::string_view::npos) &&
            value.find(kReplacement) == std::string_view::npos;
 }
 
@@ -84,6 +84,7 @@ Status TextFileSearch::begin(const TextFileOptions& options) {
         return reader.error();
     m_names.assign((*reader)->columnNames().begin(), (*reader)->columnNames().end());
     m_delimiter = (*reader)->delimiter() == '\0' ? '\n' : (*reader)->delimiter();
+    m_quote = options.quote;
     m_size = (*reader)->total();
     m_modified = (*reader)->modified();
     m_firstRow = (*reader)->position();
@@ -211,7 +212,7 @@ void TextFileSearch::judgeWindow(const char* limit) {
     const std::uint64_t beforeFeeds = lineFeeds >> 1 | (text[ByteWindow::kSize] == '\n' ? kLastBit : 0);
     Marks marks;
     marks.text = text;
-    marks.quotes = window.positionsOf('"') & valid;
+    marks.quotes = m_quote == '\0' ? 0 : window.positionsOf(m_quote) & valid;
     marks.lineEnds = (lineFeeds | (returns & ~beforeFeeds)) & valid;
     marks.candidates = window.positionsOf(m_value.front(), shifted, m_value.back()) & valid;
     m_resume = text + size;
@@ -252,7 +253,7 @@ void TextFileSearch::judgeOneByOne(Marks marks) {
         const auto place = static_cast<std::size_t>(std::countr_zero(left));
         left &= left - 1;
         const char* const at = marks.text + place;
-        if (*at != '"') {
+        if ((marks.quotes >> place & 1) == 0) {
             if (!looksLikeCell(at, m_isQuoted))
                 continue;
             if (!m_isQuoted)
@@ -266,7 +267,7 @@ void TextFileSearch::judgeOneByOne(Marks marks) {
                 goToRow(marks.text, marks.lineEnds & ~from(place));
                 m_isQuoted = true;
             }
-        } else if (at + 1 < m_end && at[1] == '"') {
+        } else if (at + 1 < m_end && at[1] == m_quote) {
             left &= from(place + 2);
             m_resume = std::max(m_resume, at + 2);
         } else {
@@ -293,13 +294,13 @@ bool TextFileSearch::looksLikeCell(const char* at, bool isQuoted) const {
     if (static_cast<std::size_t>(m_end - at) < size)
         return false;
     const char* const end = at + size;
-    const bool isWhole = isQuoted ? at[-1] == '"' && (end == m_end || *end == '"')
+    const bool isWhole = isQuoted ? at[-1] == m_quote && (end == m_end || *end == m_quote)
                                   : isSeparator(at[-1]) && (end == m_end || isSeparator(*end));
     return isWhole && std::memcmp(at, m_value.data(), size) == 0;
 }
 
 bool TextFileSearch::takeRow(RowBlock& block, TextArena& arena) {
-    RowScanner scanner(m_rowStart, m_end, m_delimiter, m_isLast);
+    RowScanner scanner(m_rowStart, m_end, m_delimiter, m_isLast, m_quote);
     m_cells.clear();
     const ScannedRow row = scanner.scan([&](std::size_t, const RawCell& cell) { m_cells.push_back(cell); });
     if (row.end == RowEnd::Unfinished)
@@ -314,12 +315,12 @@ void TextFileSearch::keepIfWanted(RowBlock& block, TextArena& arena) {
     bool ignored = false;
     if (m_column >= m_cells.size())
         return;
-    const Cell found = cellText(m_cells[m_column], false, '"', arena, ignored);
+    const Cell found = cellText(m_cells[m_column], false, m_quote, arena, ignored);
     if (std::string_view(found.data, found.size) != m_value)
         return;
     for (std::size_t c = 0; c < m_names.size(); ++c) {
         Cell& cell = block.columns[c][block.rows];
-        cell = c < m_cells.size() ? cellText(m_cells[c], false, '"', arena, ignored) : Cell{};
+        cell = c < m_cells.size() ? cellText(m_cells[c], false, m_quote, arena, ignored) : Cell{};
         if (!cell.isNull)
             cell.data = arena.keep({cell.data, cell.size});
     }

@@ -29,7 +29,7 @@ class TextFileSearch final : public RowReader {
   public:
     /// Whether bytes alone find the text. The others are for a reader of every row: nothing to look for, quotes (they
     /// may be doubled in the file), U+FFFD (which stands for other bytes).
-    [[nodiscard]] static bool canFind(std::string_view value);
+    [[nodiscard]] static bool canFind(std::string_view value, char quote);
 
     /// The options are those with which the file is read otherwise. Fails as TextFileReader does, and for what is no
     /// regular file.
@@ -94,6 +94,7 @@ class TextFileSearch final : public RowReader {
     int m_file;
     std::string m_value;
     std::size_t m_column = 0;
+    char m_quote = '"';      ///< 0: none
     char m_delimiter = '\0'; ///< '\n' when lines are not split
     std::vector<std::string> m_names;
     std::int64_t m_size = 0;

@@ -80,6 +80,26 @@ TEST_F(RowsOfASource, SayWhenTheSourceOrTheCountIsAnother) {
     EXPECT_FALSE(std::filesystem::exists(m_folder.file("out.csv")));
 }
 
+TEST_F(RowsOfASource, AreReadAsTheJobReadThem) {
+    write("a.csv", "k;v\n'x;y';1\nx;\"2\"\n");
+    write("b.csv", "k;v\n'x;y';3\n");
+    write("c.csv", "k;v\n\xC4;4\n");
+    write("sets.yaml", "job: S\ntables:\n  - {name: set, files: ['[ab].csv'], quote: \"'\"}\n"
+                       "  - {name: latin, file: c.csv, encoding: windows-1252}\n"
+                       "  - {name: part, file: a.csv, quote: \"'\", sample: {first: 1}}\n");
+    const Outcome profiled = runTavix({"profile", m_folder.file("sets.yaml"), "-R", m_repository});
+    ASSERT_EQ(profiled.exitCode, 0) << profiled.err;
+    const auto rows = [&](const std::string& field, const std::string& value) {
+        const Outcome outcome = run({field, "--value", value, "--job", "S"});
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+        return outcome.out + outcome.err;
+    };
+    EXPECT_EQ(rows("set.k", "x;y"), "k,v\nx;y,1\nx;y,3\n");
+    EXPECT_EQ(rows("set.v", "\"2\""), "k,v\nx,\"\"\"2\"\"\"\n");
+    EXPECT_EQ(rows("latin.k", "\xC3\x84"), "k,v\n\xC3\x84,4\n");
+    EXPECT_EQ(rows("part.k", "x;y"), "k,v\nx;y,1\ntavix: The run counted a sample of the rows; these are all.\n");
+}
+
 TEST_F(RowsOfASource, NeedExactlyOneChoice) {
     for (const auto& arguments : std::vector<std::vector<std::string>>{
              {"orders.city"}, {"orders.city", "--null", "--value", "x"}, {"orders.nix", "--null"}, {"--null"}}) {

@@ -82,6 +82,33 @@ TEST(RunWriter, KeepsHowATableOfADatabaseWasReached) {
               2);
 }
 
+TEST(RunWriter, KeepsTheFilesOfATable) {
+    TempFolder folder;
+    const std::string path = folder.file("r.tavix");
+    {
+        auto old = sql::Connection::openFile(path, sql::OpenMode::Create);
+        ASSERT_TRUE(old && prepareSchema(**old, sql::OpenMode::Create, schemaSteps().first(3)));
+    }
+    auto writer = RunWriter::begin(path, {"Job", "", "", {}});
+    ASSERT_TRUE(writer) << writer.error().text;
+    TableFacts table;
+    table.name = "one";
+    table.isTextFile = true;
+    table.textFile.path = "/data/one.csv";
+    ASSERT_TRUE((*writer)->addTable(table));
+    table.name = "set";
+    table.textFile.path = "/data/*.csv";
+    table.textFile.quote = '\0';
+    table.textFile.files = {"/data/b.csv", "/data/a.csv"};
+    const auto set = (*writer)->addTable(table);
+    ASSERT_TRUE(set);
+    ASSERT_TRUE((*writer)->commit({}));
+    EXPECT_EQ(ask(path, "SELECT COUNT(*) FROM run_file WHERE (path, position, quote) IN (VALUES "
+                        "('/data/one.csv', 1, '\"'), ('/data/b.csv', 1, ''), ('/data/a.csv', 2, ''))"),
+              3);
+    EXPECT_EQ(ask(path, "SELECT COUNT(*) FROM run_file"), 3);
+}
+
 TEST(RunWriter, AFailedCallEndsTheRun) {
     TempFolder folder;
     const std::string path = folder.file("r.tavix");

@@ -136,7 +136,7 @@ TEST(TextFileSearch, FindsTheRowsThatAFullReadFinds) {
         std::ofstream(path, std::ios::binary)
             << (files.below(2) == 0 ? files.nasty(delimiter) : files.regular(delimiter));
         const TextFileOptions options{files.below(12) == 0 ? std::optional('\0') : std::optional(delimiter),
-                                      files.below(3) != 0, false, &encodingUtf8()};
+                                      files.below(3) != 0, false, &encodingUtf8(), "\"\"\"'"[files.below(5)]};
         auto opened = TextFileReader::open(path, options);
         if (!opened)
             continue;
@@ -147,7 +147,7 @@ TEST(TextFileSearch, FindsTheRowsThatAFullReadFinds) {
             if (!row.cells[column].first)
                 values.insert(row.cells[column].second);
         for (const std::string& value : values) {
-            if (!TextFileSearch::canFind(value))
+            if (!TextFileSearch::canFind(value, options.quote))
                 continue;
             const std::vector<Row> expected = chosen(rows, column, value);
             ASSERT_EQ(found(path, options, column, value), expected)
