@@ -22,7 +22,6 @@ constexpr std::size_t kMostAtOnce = 512;
 /// Of a value that may be longer; what is longer costs calls of its own.
 constexpr std::size_t kUsualLength = 1024;
 constexpr std::size_t kLongest = std::size_t{1} << 30;
-constexpr std::size_t kListedDamage = 1000;
 
 std::size_t terminatorSize(bool isWide) {
     return isWide ? sizeof(SQLWCHAR) : 1;
@@ -194,7 +193,7 @@ Status OdbcReader::takeRow(RowBlock& block, std::size_t fetchedRow) {
     if (m_isRowDamaged) {
         ++m_damagedCount;
         if (m_damaged.size() < kListedDamage)
-            m_damaged.push_back({m_rows, Damage::BadBytes, m_columns.size()});
+            m_damaged.push_back({m_rows, Damage::BadBytes, m_columns.size(), 0});
     }
     return {};
 }

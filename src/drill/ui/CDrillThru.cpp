@@ -44,7 +44,8 @@ QSize sizeFor(const CDrillThruDataSrc& source, const QScreen* screen) {
     for (int column = 0; column < source.GetColumnCount(); ++column)
         width += source.GetColumn(column).width;
     const QSize most = screen ? screen->availableSize() * 9 / 10 : kUsualSize;
-    return QSize(std::clamp(width, kSmallestWidth + 180, kUsualSize.width() + 200), kUsualSize.height()).boundedTo(most);
+    return QSize(std::clamp(width, kSmallestWidth + 180, kUsualSize.width() + 200), kUsualSize.height())
+        .boundedTo(most);
 }
 
 QToolButton* arrowButton(Qt::ArrowType arrow, const QString& name, const QString& keys, QWidget* parent) {
@@ -211,7 +212,8 @@ void CDrillThru::Find(SearchDirection direction, bool beyond) {
 void CDrillThru::keyPressEvent(QKeyEvent* event) {
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (isEnter && m_find->hasFocus())
-        return Find(event->modifiers().testFlag(Qt::ShiftModifier) ? SearchDirection::Backward : SearchDirection::Forward,
+        return Find(event->modifiers().testFlag(Qt::ShiftModifier) ? SearchDirection::Backward
+                                                                   : SearchDirection::Forward,
                     true);
     // The first Escape empties the search, the next closes the window.
     if (event->key() == Qt::Key_Escape && m_find->hasFocus() && !m_find->text().isEmpty()) {

@@ -35,7 +35,8 @@ class DrillThrough {
     void OpenRule(const BusinessRuleRows::Rule& rule, const std::string& name) const;
 
   private:
-    void Open(DrillRequest request, const std::function<DrillCursor(PrViewer&, PrViewDisplayMessage&)>& openCursor) const;
+    void Open(DrillRequest request,
+              const std::function<DrillCursor(PrViewer&, PrViewDisplayMessage&)>& openCursor) const;
     void OpenRows(const FieldRecord& field, const KvbString& value, bool isPattern, DrillOrigin origin,
                   const std::string& subject) const;
 

@@ -1,10 +1,9 @@
-#include "drill/ui/CDrillThru.h"
-
 #include "base/tests/ScriptedMessages.h"
 #include "base/tests/TempFolder.h"
 #include "base/ui/QtText.h"
 #include "base/ui/tests/NamedControls.h"
 #include "drill/tests/FakeCursors.h"
+#include "drill/ui/CDrillThru.h"
 #include "drill/ui/DrillProgress.h"
 #include "grid/ui/CUGCtrl.h"
 
@@ -24,11 +23,11 @@
 namespace tavix {
 namespace {
 
+using ::testing::ElementsAre;
 using testing::FakeSource;
 using testing::openDrill;
 using testing::openProfile;
 using testing::sampleSource;
-using ::testing::ElementsAre;
 
 class DrillThru : public ::testing::Test {
   protected:
@@ -101,8 +100,7 @@ TEST_F(DrillThru, severalAreOpenAtOnceEachWithItsRows) {
     FakeSource first = sampleSource({"a", "b", "c"});
     FakeSource second{{"Row", "Rule Id", "Position", "id"}, {}, {{"9", "1", "0", "x"}}};
     QPointer<CDrillThru> one = open(openDrill(first), DrillOrigin::Frequency, 3);
-    QPointer<CDrillThru> two =
-        open(openProfile(second), DrillOrigin::BusinessRule, {}, DrillSourceMode::RuleLog);
+    QPointer<CDrillThru> two = open(openProfile(second), DrillOrigin::BusinessRule, {}, DrillSourceMode::RuleLog);
     EXPECT_EQ(toUtf8(two->windowTitle()), "Business Rule Violation Drill Through");
     EXPECT_THAT(column(*one, 2), ElementsAre("a", "b"));
     EXPECT_EQ(status(*one), "The first 2 rows of 3: the limit in the options is reached");
