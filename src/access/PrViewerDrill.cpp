@@ -46,7 +46,7 @@ enum TableColumn {
 /// From this version on a repository says how a database was reached.
 constexpr std::int64_t kConnectionsSince = 3;
 
-/// The version that first knew the files of a table.
+/// From this version on it names the files of a table.
 constexpr std::int64_t kFilesSince = 4;
 
 constexpr std::string_view kColumnsOfTable =

@@ -37,4 +37,20 @@ const MetricInfo* findMetric(int id) {
                                                                   : nullptr;
 }
 
+bool isOfSampleAlone(MetricId id) {
+    switch (id) {
+    case MetricId::UniqueCount:
+    case MetricId::PatternCount:
+    case MetricId::MinimumValue:
+    case MetricId::MaximumValue:
+    case MetricId::MinimumLength:
+    case MetricId::MaximumLength:
+    case MetricId::Precision:
+    case MetricId::UniquePercent:
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace tavix

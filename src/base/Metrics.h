@@ -48,6 +48,12 @@ struct MetricInfo {
 /// The metric with this number; null for a number outside the catalogue.
 [[nodiscard]] const MetricInfo* findMetric(int id);
 
+/// Whether a sample of a table's rows tells this metric of the sample alone: the rows that were left out may hold
+/// lower, higher, shorter, longer and further values.
+[[nodiscard]] bool isOfSampleAlone(MetricId id);
+/// What stands behind the name of such a metric.
+inline constexpr std::string_view kOfSampleAlone = " (sample)";
+
 [[nodiscard]] constexpr std::size_t index(MetricId id) {
     return static_cast<std::size_t>(id);
 }

@@ -55,13 +55,32 @@ KvbDatavar typeCell(const ProfileCursor& fields) {
     return name.empty() ? KvbDatavar() : KvbDatavar(std::string(name));
 }
 
-Section metricsSection(const std::vector<MetricId>& metrics) {
+Section metricsSection(const std::vector<MetricId>& metrics, bool isSample) {
     Section section{"metrics", "Metrics", {{"field", "Field"}, {"type", "Type"}}, false, "-", 1};
     for (const MetricId id : metrics) {
         const MetricInfo& info = metricCatalogue()[index(id)];
-        section.columns.push_back({std::string(info.column), std::string(info.name), kindOf(id)});
+        std::string title(info.name);
+        if (isSample && isOfSampleAlone(id))
+            title += kOfSampleAlone;
+        section.columns.push_back({std::string(info.column), std::move(title), kindOf(id)});
     }
     return section;
+}
+
+/// Which rows the figures are of, when not of all.
+std::string sampleText(const TableEntry& table) {
+    if (!table.isSample)
+        return {};
+    return table.kind == 'D'
+               ? std::string(", of a sample")
+               : fmt::format(", a sample of {} of {} records", table.processedRecords, table.totalRecords);
+}
+
+/// A list of figures of a sample says so where titles are not seen.
+void saySample(const TableEntry& table) {
+    if (table.isSample)
+        say(fmt::format("{}{}: unique, minimum and maximum figures are those of the sampled records alone", table.name,
+                        sampleText(table)));
 }
 
 Row metricsRow(const ProfileCursor& fields, const std::vector<MetricId>& metrics) {
@@ -176,8 +195,9 @@ KvbDatavar fenceCell(int fence) {
 
 void listMetrics(Session& session, Listing& listing, const TableEntry& table, MetricChoice choice) {
     const std::vector<MetricId> metrics = metricsOf(choice);
-    Section section = metricsSection(metrics);
-    section.title = fmt::format("Fields of {}", table.name);
+    Section section = metricsSection(metrics, table.isSample);
+    section.title = fmt::format("Fields of {}{}", table.name, sampleText(table));
+    saySample(table);
     listing.begin(section);
     const ProfileCursorHandle fields = session.checked(session.viewer().getFieldList(table.id));
     while (fields->next())
@@ -187,8 +207,9 @@ void listMetrics(Session& session, Listing& listing, const TableEntry& table, Me
 
 void listMetrics(Session& session, Listing& listing, const FieldEntry& field) {
     const std::vector<MetricId> metrics = metricsOf(MetricChoice::All);
-    Section section = metricsSection(metrics);
-    section.title = titleOf("Metrics", field, kNoLimit, 0);
+    Section section = metricsSection(metrics, field.table.isSample);
+    section.title = titleOf("Metrics", field, kNoLimit, 0) + sampleText(field.table);
+    saySample(field.table);
     section.isRecord = true;
     section.columns.push_back({"quantile_rule", "Quantile Rule"});
     listing.begin(section);

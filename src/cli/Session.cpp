@@ -38,6 +38,8 @@ TableEntry readTable(const ProfileCursor& cursor, const std::string& dataSource)
     table.totalRecords = wholeNumber(cursor, layout::TableTotalRecords);
     table.processedRecords = wholeNumber(cursor, layout::TableProcessedRecords);
     table.damagedRecords = wholeNumber(cursor, layout::TableDamagedRecords);
+    table.base = cursor.getColumnValue(layout::TableBase).str();
+    table.isSample = table.kind != 'D' && table.processedRecords < table.totalRecords;
     return table;
 }
 
@@ -100,6 +102,11 @@ std::vector<TableEntry> Session::tables() {
         while (cursor->next())
             tables.push_back(readTable(*cursor, dataSource));
     }
+    for (TableEntry& table : tables)
+        if (table.kind == 'D')
+            table.isSample = std::any_of(tables.begin(), tables.end(), [&](const TableEntry& base) {
+                return base.isSample && base.name == table.base && base.dataSource == table.dataSource;
+            });
     return tables;
 }
 

@@ -28,6 +28,8 @@ struct TableEntry {
     std::int64_t totalRecords = 0;
     std::int64_t processedRecords = 0;
     std::int64_t damagedRecords = 0;
+    std::string base;      ///< of a filtered table
+    bool isSample = false; ///< its figures are those of a sample of its rows, or of its base's
 };
 
 struct FieldEntry {

@@ -31,10 +31,12 @@ void listTables(Session& session, Listing& listing) {
                     {"records", "Records", Column::Kind::Number},
                     {"processed_records", "Processed", Column::Kind::Number},
                     {"damaged_records", "Damaged", Column::Kind::Number},
-                    {"data_source", "Data source"}}});
+                    {"data_source", "Data source"},
+                    {"sampled", "Sampled"}}});
     for (const TableEntry& table : session.tables())
         listing.row(Row{table.name, std::string(kindName(table.kind)), table.fields, table.totalRecords,
-                        table.processedRecords, table.damagedRecords, table.dataSource});
+                        table.processedRecords, table.damagedRecords, table.dataSource,
+                        std::string(table.isSample ? "yes" : "no")});
     listing.end();
 }
 

@@ -23,6 +23,10 @@ struct TableIdentity {
     std::int64_t totalRecords = 0;     ///< -1 when it is not known
     std::int64_t processedRecords = 0; ///< -1 when it is not known
 
+    /// Whether its figures are those of a sample of its rows.
+    [[nodiscard]] bool isSample() const {
+        return kind != 'D' && processedRecords >= 0 && processedRecords < totalRecords;
+    }
     /// The object name, else the plain name.
     [[nodiscard]] const std::string& displayName() const { return objectName.empty() ? name : objectName; }
 

@@ -36,7 +36,7 @@ const CEncoding* encodingByZeros(std::string_view start) {
         first += start[2 * i] == '\0' ? 1 : 0;
         second += start[2 * i + 1] == '\0' ? 1 : 0;
     }
-    const auto isSide = [&](std::size_t many, std::size_t few) { return many * 8 >= pairs && few * 4 <= many; };
+    const auto isSide = [&](std::size_t many, std::size_t few) { return many * 8 >= pairs && few * 8 <= many; };
     if (pairs < 2)
         return nullptr;
     return isSide(second, first) ? &encodingUtf16(false) : isSide(first, second) ? &encodingUtf16(true) : nullptr;

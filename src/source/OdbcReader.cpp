@@ -193,7 +193,7 @@ Status OdbcReader::takeRow(RowBlock& block, std::size_t fetchedRow) {
     if (m_isRowDamaged) {
         ++m_damagedCount;
         if (m_damaged.size() < kListedDamage)
-            m_damaged.push_back({m_rows, Damage::BadBytes, m_columns.size()});
+            m_damaged.push_back({m_rows, Damage::BadBytes, m_columns.size(), 0});
     }
     return {};
 }

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -26,13 +27,16 @@ constexpr std::size_t kMarkSize = 16; ///< no byte order mark is longer
 std::vector<std::string> uniqueNames(const std::vector<std::string>& found) {
     std::unordered_set<std::string> taken(found.begin(), found.end());
     std::unordered_set<std::string> used;
+    std::unordered_map<std::string, int> next;
     std::vector<std::string> names;
     names.reserve(found.size());
     for (std::size_t i = 0; i < found.size(); ++i) {
         const std::string base = found[i].empty() ? fmt::format("Column{}", i + 1) : found[i];
         std::string name = base;
-        // A made name must not take one that a later column has by right.
-        for (int k = 2; used.contains(name) || (name != found[i] && taken.contains(name)); ++k)
+        // A made name must not take one that a later column has by right. The count goes on where it was, for all of
+        // many columns may have one name.
+        for (int& k = next.try_emplace(base, 2).first->second;
+             used.contains(name) || (name != found[i] && taken.contains(name)); ++k)
             name = fmt::format("{} ({})", base, k);
         used.insert(name);
         names.push_back(std::move(name));

@@ -25,10 +25,13 @@ GridCell metricCell(int id, const FieldRecord& field) {
 
 ColProfRows::ColProfRows() : ListRows({listColumn("Metric Name", kWidth), listColumn("Metric Value", kWidth)}) {}
 
-void ColProfRows::Fill(const FieldRecord& field, std::span<const MetricDisplay> metrics) {
+void ColProfRows::Fill(const FieldRecord& field, std::span<const MetricDisplay> metrics, bool isSample) {
     m_metrics.clear();
-    for (const int id : metricOrder(metrics))
+    for (const int id : metricOrder(metrics)) {
         m_metrics.push_back({id, metrics[static_cast<std::size_t>(id)].description, metricCell(id, field)});
+        if (isSample && isOfSampleAlone(static_cast<MetricId>(id)))
+            m_metrics.back().name += kOfSampleAlone;
+    }
     ShowRecords(m_metrics.size());
 }
 

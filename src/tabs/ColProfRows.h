@@ -11,7 +11,8 @@ class ColProfRows final : public ListRows {
   public:
     ColProfRows();
 
-    void Fill(const FieldRecord& field, std::span<const MetricDisplay> metrics);
+    /// `isSample`: names tell which metrics are those of the sampled records alone.
+    void Fill(const FieldRecord& field, std::span<const MetricDisplay> metrics, bool isSample = false);
     void Clear() override;
 
     [[nodiscard]] int GetMetricId(std::int64_t row) const { return m_metrics.at(Record(row)).id; }

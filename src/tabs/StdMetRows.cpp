@@ -85,7 +85,7 @@ bool StdMetRows::Fill(PrViewer& viewer, const ReportSelection& selection, std::s
     m_isCollection = selection.kind == ReportSelection::Kind::Collection;
     if (!isTable && !m_isCollection)
         return true;
-    MakeColumns(metrics);
+    MakeColumns(metrics, isTable && selection.table.isSample());
     bool done = false;
     try {
         if (isTable)
@@ -101,7 +101,7 @@ bool StdMetRows::Fill(PrViewer& viewer, const ReportSelection& selection, std::s
     return done;
 }
 
-void StdMetRows::MakeColumns(std::span<const MetricDisplay> metrics) {
+void StdMetRows::MakeColumns(std::span<const MetricDisplay> metrics, bool isSample) {
     m_columns.push_back(column("Field Name", kTextWidth));
     m_columns.back().locked = true;
     m_columns.push_back(column(m_isCollection ? "Source" : "Collections", kTextWidth));
@@ -109,6 +109,10 @@ void StdMetRows::MakeColumns(std::span<const MetricDisplay> metrics) {
     for (const int id : m_shown) {
         m_columns.push_back(column(metrics[static_cast<std::size_t>(id)].description, kTextWidth, metricAlignment(id)));
         m_columns.back().parameter = id;
+        if (isSample && isOfSampleAlone(static_cast<MetricId>(id))) {
+            m_columns.back().heading += kOfSampleAlone;
+            m_columns.back().toolTip = "Of the sampled records alone: those that were left out may tell otherwise";
+        }
     }
     m_columns.push_back(column("P", kIconWidth, CellAlignment::Center));
     m_columns.back().toolTip = "Primary key/foreign key analyses";

@@ -50,7 +50,7 @@ class StdMetRows final : public CUGDataSource {
     void ReadAlertMarks(PrViewer& viewer, const TableIdentity& table);
     bool ReadFields(PrViewer& viewer, const ReportSelection& selection, const CollectionsByField& collections);
     [[nodiscard]] Row ReadRow(const ProfileCursor& cursor, const CollectionsByField& collections) const;
-    void MakeColumns(std::span<const MetricDisplay> metrics);
+    void MakeColumns(std::span<const MetricDisplay> metrics, bool isSample);
 
     std::vector<GridColumn> m_columns;
     std::vector<Row> m_rows;
