@@ -2,6 +2,7 @@
 
 #include "base/GenException.h"
 #include "cli/CommandError.h"
+#include "cli/CompareCommand.h"
 #include "cli/Console.h"
 #include "cli/DeleteHistoryCommand.h"
 #include "cli/FieldsCommand.h"
@@ -58,6 +59,7 @@ Commands makeCommands() {
     commands.push_back(std::make_unique<TablesCommand>());
     commands.push_back(std::make_unique<FieldsCommand>());
     commands.push_back(std::make_unique<ShowCommand>());
+    commands.push_back(std::make_unique<CompareCommand>());
     commands.push_back(std::make_unique<RulesCommand>());
     commands.push_back(std::make_unique<NotesCommand>());
     commands.push_back(std::make_unique<FunctionsCommand>());
