@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <string>
 #include <utility>
 
 namespace tavix {
@@ -44,6 +45,7 @@ class MatchTable {
     void clear() {
         std::fill(m_slots.begin(), m_slots.end(), Slot());
         m_used = m_open = 0;
+        m_openRows = 0;
     }
     [[nodiscard]] std::size_t slots() const { return m_slots.size(); }
     [[nodiscard]] bool isFull() const { return m_used * 4 >= m_slots.size() * 3; }
@@ -54,19 +56,28 @@ class MatchTable {
         slot = {hash.tag, static_cast<std::uint64_t>(count)};
         ++m_used;
         ++m_open;
+        m_openRows += count;
     }
     /// The count of a text, which counts as met from now on; 0 when there is none.
     std::int64_t meet(const Hash& hash) {
         Slot& slot = find(hash);
         if (slot.isFree())
             return 0;
-        m_open -= slot.isMet() ? 0 : 1;
+        const auto count = static_cast<std::int64_t>(slot.count & ~kMet);
+        if (!slot.isMet()) {
+            --m_open;
+            m_openRows -= count;
+        }
         slot.count |= kMet;
-        return static_cast<std::int64_t>(slot.count & ~kMet);
+        return count;
     }
     [[nodiscard]] bool isMet(const Hash& hash) { return find(hash).isMet(); }
+    void prefetch(const Hash& hash) const {
+        __builtin_prefetch(&m_slots[static_cast<std::size_t>(hash.place) & m_mask], 1);
+    }
     /// How many were not met.
     [[nodiscard]] std::size_t open() const { return m_open; }
+    [[nodiscard]] std::int64_t openRows() const { return m_openRows; }
 
   private:
     static constexpr std::uint64_t kMet = std::uint64_t{1} << 63;
@@ -89,6 +100,7 @@ class MatchTable {
     std::size_t m_mask;
     std::size_t m_used = 0;
     std::size_t m_open = 0;
+    std::int64_t m_openRows = 0;
 };
 
 KvbString shortened(std::string_view text, bool isNull) {
@@ -181,6 +193,7 @@ class Comparison {
           m_kept(m_isKeptBefore ? before : after),
           m_passing(m_isKeptBefore ? after : before),
           m_table(slotsFor(m_kept.size(), limits.memory)),
+          m_top(limits.top),
           m_fill(std::max<std::int64_t>(1, static_cast<std::int64_t>(m_table.slots() * 7 / 10))),
           m_moved(limits.top, {static_cast<double>(before.rows()), static_cast<double>(after.rows())}),
           m_onlyKept(limits.top, {}),
@@ -204,24 +217,57 @@ class Comparison {
     DistributionChanges::Group& ofPassing() { return m_isKeptBefore ? m_changes.appeared : m_changes.vanished; }
 
     template <typename List>
-    void add(DistributionChanges::Group& group, List& list, std::string_view text, bool isNull, std::int64_t kept,
-             std::int64_t passing) const {
-        const std::int64_t before = m_isKeptBefore ? kept : passing;
-        const std::int64_t after = m_isKeptBefore ? passing : kept;
-        ++group.texts;
-        group.rowsBefore += before;
-        group.rowsAfter += after;
+    static void offer(List& list, std::string_view text, bool isNull, std::int64_t before, std::int64_t after) {
         if (list.mayTake(before, after))
             list.offer({shortened(text, isNull), before, after});
     }
+    void moved(std::string_view text, bool isNull, std::int64_t kept, std::int64_t passing) {
+        const std::int64_t before = m_isKeptBefore ? kept : passing;
+        const std::int64_t after = m_isKeptBefore ? passing : kept;
+        ++m_changes.moved.texts;
+        m_changes.moved.rowsBefore += before;
+        m_changes.moved.rowsAfter += after;
+        offer(m_moved, text, isNull, before, after);
+    }
+    void onlyPassing(std::string_view text, bool isNull, std::int64_t count) {
+        ++ofPassing().texts;
+        (m_isKeptBefore ? ofPassing().rowsAfter : ofPassing().rowsBefore) += count;
+        offer(m_onlyPassing, text, isNull, m_isKeptBefore ? 0 : count, m_isKeptBefore ? count : 0);
+    }
+    /// As the table tells it, so that the texts need not all be walked again.
+    void countOnlyKept() {
+        ofKept().texts += static_cast<std::int64_t>(m_table.open());
+        (m_isKeptBefore ? ofKept().rowsBefore : ofKept().rowsAfter) += m_table.openRows();
+    }
 
-    /// Calls `visit(hash, text, isNull, count)` for the texts of a part until it gives false.
+    /// Calls `visit(hash, text, isNull, count)` for the texts of a part until it gives false. Their places in the table
+    /// are far from each other, so that memory is asked for many of them before the first is looked at.
     template <typename Visit>
-    static void walkPart(CountedTexts& side, std::uint64_t part, std::uint64_t parts, const Visit& visit) {
+    void walkPart(CountedTexts& side, std::uint64_t part, std::uint64_t parts, const Visit& visit) {
+        m_batch.clear();
+        m_batchText.clear();
+        bool goesOn = true;
+        const auto work = [&] {
+            for (const Waiting& one : m_batch) {
+                const std::string_view text = std::string_view(m_batchText).substr(one.begin, one.length);
+                if (goesOn && !visit(one.hash, text, one.isNull, one.count))
+                    goesOn = false;
+            }
+            m_batch.clear();
+            m_batchText.clear();
+            return goesOn;
+        };
         side.walk([&](std::string_view text, bool isNull, std::int64_t count) {
             const Hash hash(text, isNull);
-            return count <= 0 || hash.part(parts) != part || visit(hash, text, isNull, count);
+            if (count <= 0 || hash.part(parts) != part)
+                return true;
+            m_table.prefetch(hash);
+            const std::string_view kept = text.substr(0, kLongestText + 1);
+            m_batch.push_back({hash, count, m_batchText.size(), kept.size(), isNull});
+            m_batchText += kept;
+            return m_batch.size() < kBatch || work();
         });
+        work();
     }
 
     void matchPart(std::uint64_t part, std::uint64_t parts) {
@@ -241,31 +287,46 @@ class Comparison {
         walkPart(m_passing, part, parts, [&](const Hash& hash, std::string_view text, bool isNull, std::int64_t count) {
             const std::int64_t kept = m_table.meet(hash);
             if (kept == 0)
-                add(ofPassing(), m_onlyPassing, text, isNull, 0, count);
+                onlyPassing(text, isNull, count);
             else if (kept != count)
-                add(m_changes.moved, m_moved, text, isNull, kept, count);
+                moved(text, isNull, kept, count);
             return true;
         });
-        std::size_t open = m_table.open();
-        if (open == 0)
+        countOnlyKept();
+        std::size_t wanted = std::min(m_table.open(), m_top);
+        if (wanted == 0)
             return;
+        // They come with the most frequent first.
         walkPart(m_kept, part, parts, [&](const Hash& hash, std::string_view text, bool isNull, std::int64_t count) {
             if (m_table.isMet(hash))
                 return true;
-            add(ofKept(), m_onlyKept, text, isNull, count, 0);
-            return --open > 0;
+            offer(m_onlyKept, text, isNull, m_isKeptBefore ? count : 0, m_isKeptBefore ? 0 : count);
+            return --wanted > 0;
         });
     }
+
+    static constexpr std::size_t kBatch = 256;
+
+    struct Waiting {
+        Hash hash;
+        std::int64_t count;
+        std::size_t begin; ///< in m_batchText
+        std::size_t length;
+        bool isNull;
+    };
 
     bool m_isKeptBefore;
     CountedTexts& m_kept;
     CountedTexts& m_passing;
     MatchTable m_table;
+    std::size_t m_top;
     std::int64_t m_fill; ///< how many texts a part should have
     TopList<MovedFarther> m_moved;
     TopList<MoreFrequent> m_onlyKept;
     TopList<MoreFrequent> m_onlyPassing;
     DistributionChanges m_changes;
+    std::vector<Waiting> m_batch;
+    std::string m_batchText; ///< of each as much as may be shown
 };
 
 } // namespace
