@@ -99,9 +99,12 @@ class ChangeList {
     static KvbDatavar percent(const std::optional<double>& share) { return share ? KvbDatavar(*share) : KvbDatavar(); }
 
     [[nodiscard]] KvbDatavar itemOf(const RunChange& change) const {
-        if (m_isText && change.subject == RunChange::Subject::Value && change.item.isNull())
+        using Subject = RunChange::Subject;
+        if (!m_isText || !change.item.isNull())
+            return change.item;
+        if (change.subject == Subject::Value)
             return "(null value)";
-        return change.item;
+        return change.subject == Subject::Values || change.subject == Subject::Patterns ? "(all)" : KvbDatavar();
     }
 
     void beginFor(const RunChange& change) {
