@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Result.h"
+#include "repository/AlertFacts.h"
 #include "repository/Facts.h"
 
 #include <optional>
@@ -58,6 +59,7 @@ struct TableDescription {
     std::vector<std::string> key{}; ///< the fields by which people know a row
     std::vector<CustomMetricDescription> metrics{};
     std::vector<RuleDescription> rules{};
+    std::vector<repository::AlertFacts> alerts{};
 
     [[nodiscard]] bool isFiltered() const { return !basedOn.empty(); }
 

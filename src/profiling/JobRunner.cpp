@@ -1,5 +1,6 @@
 #include "profiling/JobRunner.h"
 
+#include "profiling/AlertEntry.h"
 #include "profiling/FieldFigures.h"
 #include "profiling/JobChecks.h"
 #include "profiling/TablePass.h"
@@ -89,6 +90,8 @@ Status checkFieldsOver(const JobDescription& job, const TableDescription& base, 
             return compiled.error();
         if (Status status = checkCollectionFields(job, table->name, columns); !status)
             return status;
+        if (Status status = checkAlertFields(*table, columns); !status)
+            return status;
     }
     return {};
 }
@@ -124,6 +127,8 @@ class Run {
         for (const auto& collection : m_job.collections)
             if (Status status = m_writer->addCollection(collection); !status)
                 return status.error();
+        if (Status status = m_writer->setAlerts(alertsOf(m_job)); !status)
+            return status.error();
         if (!m_reporter.report(true))
             return outcome();
         if (Status status = m_writer->commit(m_clock->now()); !status)

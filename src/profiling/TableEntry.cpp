@@ -1,6 +1,7 @@
 #include "profiling/TableEntry.h"
 
 #include "expression/Parser.h"
+#include "profiling/AlertEntry.h"
 
 #include <fmt/format.h>
 
@@ -42,6 +43,8 @@ TableDescription TableEntry::read(const json& entry, const std::string& pointer)
         readMetrics(table, *metrics, pointerTo(pointer, "custom metrics"));
     if (const auto rules = entry.find("rules"); rules != entry.end())
         readRules(table, *rules, pointerTo(pointer, "rules"));
+    if (const auto alerts = entry.find("alerts"); alerts != entry.end())
+        AlertEntries(m_document, table).read(*alerts, pointerTo(pointer, "alerts"));
     return table;
 }
 
