@@ -1,9 +1,11 @@
 #include "cli/ProfileCommand.h"
 
+#include "cli/AlertLists.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
 #include "cli/DamageReport.h"
 #include "cli/ProgressLine.h"
+#include "cli/Session.h"
 #include "profiling/JobDescription.h"
 
 #include <CLI/App.hpp>
@@ -106,6 +108,12 @@ CLI::App* ProfileCommand::declare(CLI::App& program) {
         ->type_name("C");
     command->add_flag("--no-header", m_noHeader, "The first line holds data and not the names of the fields");
     command->add_option("--description", m_description, "A remark that is kept with the run")->type_name("TEXT");
+    command
+        ->add_option("--fail-at", m_failAt,
+                     "warning or error: end with exit code 1 when the run raises an alert of this level or a higher "
+                     "one. The run is stored all the same")
+        ->type_name("LEVEL")
+        ->check(CLI::IsMember({"warning", "error"}).description(""));
     command->footer("The repository is a file; it is made when it does not exist. Profiling a job again adds a run.\n"
                     "A run is stored whole or not at all, however the program ends.\n\n"
                     "Examples:\n"
@@ -168,6 +176,17 @@ void ProfileCommand::run(const CommonOptions& options) {
                     result->seconds));
     listOutcome(listing, job, *result);
     listing.finish();
+    checkAlerts(repository, *result);
+}
+
+void ProfileCommand::checkAlerts(const std::string& repository, const profiling::RunOutcome& outcome) const {
+    Session session(repository);
+    session.check(session.viewer().setCurrentJobSetup(outcome.jobId));
+    session.check(session.viewer().setCurrentJob(outcome.runId));
+    const std::vector<AlertState> alerts = readAlertStates(session.viewer(), outcome.jobId);
+    sayAlerts(alerts);
+    if (const auto level = parseAlertLevel(m_failAt))
+        failOnAlerts(alerts, *level);
 }
 
 } // namespace tavix::cli

@@ -16,12 +16,14 @@ class ProfileCommand final : public Command {
 
   private:
     [[nodiscard]] profiling::JobDescription describe() const;
+    void checkAlerts(const std::string& repository, const profiling::RunOutcome& outcome) const;
     [[nodiscard]] profiling::JobDescription describeJobFile(const std::string& path) const;
 
     std::vector<std::string> m_files;
     std::string m_job;
     std::string m_delimiter;
     std::string m_description;
+    std::string m_failAt;
     bool m_noHeader = false;
 };
 
