@@ -53,14 +53,15 @@ void listAlerts(const CommonOptions& options, const std::vector<AlertState>& ale
                     {"input", "Input"},
                     {"figure", "Figure", Column::Kind::Number},
                     {"reference", "Reference", Column::Kind::Number},
-                    {"condition", "Condition"},
-                    {"description", "Description", Column::Kind::Prose}}});
+                    {"description", "Description"},
+                    {"condition", "Condition", Column::Kind::Prose}}});
     for (const AlertState& alert : alerts) {
-        const bool isDescribed = options.format != Format::Text || alert.description != alert.sentence;
+        // Without a description of its own an alert has its condition there.
+        const bool isDescribed = alert.description != alert.sentence;
         listing.row(Row{stateWord(alert), alert.rule ? std::string(alertLevelWord(alert.rule->level)) : KvbDatavar(),
                         alert.table, std::string(alertTypeWord(alert.subject)), alert.input, cell(alert.figure),
-                        cell(alert.verdict.reference), conditionOf(alert),
-                        isDescribed ? KvbDatavar(alert.description) : KvbDatavar("")});
+                        cell(alert.verdict.reference), isDescribed ? KvbDatavar(alert.description) : KvbDatavar(),
+                        conditionOf(alert)});
     }
     listing.end();
     listing.finish();
@@ -88,9 +89,9 @@ void failOnAlerts(const std::vector<AlertState>& alerts, AlertLevel level) {
     const auto raised =
         std::count_if(alerts.begin(), alerts.end(), [&](const AlertState& alert) { return alert.isRaisedAt(level); });
     if (raised > 0)
-        throw CommandError(ExitCode::Alert, fmt::format("{} {} raised at level {}{}", raised,
-                                                        raised == 1 ? "alert is" : "alerts are", alertLevelWord(level),
-                                                        level == AlertLevel::Warning ? " or above" : ""));
+        throw CommandError(ExitCode::Alert,
+                           fmt::format("{} {} raised at level {}{}", raised, raised == 1 ? "alert is" : "alerts are",
+                                       alertLevelWord(level), level == AlertLevel::Warning ? " or above" : ""));
 }
 
 } // namespace tavix::cli

@@ -14,7 +14,8 @@ CLI::App* AlertsCommand::declare(CLI::App& program) {
     CLI::App* command = program.add_subcommand("alerts", "List the alerts of a job, and which of them a run raises");
     command->add_option("-t,--table", m_table, "Only the alerts of this table")->type_name("NAME");
     command->add_flag("--raised", m_raised, "Only the alerts that are raised");
-    command->add_option("--fail-at", m_failAt, "warning or error: end with exit code 1 when one is raised at this level")
+    command
+        ->add_option("--fail-at", m_failAt, "warning or error: end with exit code 1 when one is raised at this level")
         ->type_name("LEVEL")
         ->check(CLI::IsMember({"warning", "error"}).description(""));
     addRunChoice(*command, m_job, m_run);

@@ -4,6 +4,7 @@
 #include "cli/CommandError.h"
 #include "cli/Console.h"
 #include "cli/DamageReport.h"
+#include "cli/DryRun.h"
 #include "cli/ProgressLine.h"
 #include "cli/Session.h"
 #include "profiling/JobDescription.h"
@@ -114,6 +115,8 @@ CLI::App* ProfileCommand::declare(CLI::App& program) {
                      "one. The run is stored all the same")
         ->type_name("LEVEL")
         ->check(CLI::IsMember({"warning", "error"}).description(""));
+    command->add_flag("--dry-run", m_dryRun,
+                      "Only say what would be read and computed, and how long the last run took; write nothing");
     command->footer("The repository is a file; it is made when it does not exist. Profiling a job again adds a run.\n"
                     "A run is stored whole or not at all, however the program ends.\n\n"
                     "Examples:\n"
@@ -157,6 +160,10 @@ void ProfileCommand::run(const CommonOptions& options) {
     const std::string repository = repositoryFile(options.repository.empty() ? job.repository : options.repository);
     if (repository.empty())
         throw CommandError(ExitCode::Usage, "where shall the run go? Name a repository with --repository FILE");
+    if (m_dryRun) {
+        listPlan(options, job, repository);
+        return;
+    }
     Listing listing(options);
     Result<profiling::RunOutcome> result = [&] {
         ProgressLine progress;

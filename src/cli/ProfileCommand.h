@@ -25,6 +25,7 @@ class ProfileCommand final : public Command {
     std::string m_description;
     std::string m_failAt;
     bool m_noHeader = false;
+    bool m_dryRun = false;
 };
 
 /// The character that "--delimiter" means: itself, or one of comma, semicolon, tab, pipe, "\t". Nothing when it is none

@@ -98,8 +98,7 @@ class Reader {
             state.input = name == m_names.end() ? key : name->second;
             state.metric = property("METRIC");
             if (isRule)
-                figures = state.subject == AlertSubject::CustomMetric ? customFigures(key)
-                                                                      : ruleFigures(key, rule);
+                figures = state.subject == AlertSubject::CustomMetric ? customFigures(key) : ruleFigures(key, rule);
         }
         if (!isRule)
             return state;

@@ -13,12 +13,12 @@ class PrViewer;
 /// An alert of the repository and what the current run makes of it.
 struct AlertState {
     int id = -1;
-    int job = -1;           ///< that defined it; -1 when it does not say
+    int job = -1; ///< that defined it; -1 when it does not say
     std::string dataSource;
-    std::string table;      ///< as shown
+    std::string table; ///< as shown
     AlertSubject subject = AlertSubject::StandardMetric;
-    std::string input;      ///< the field, or the name of the custom metric or rule
-    std::string metric;     ///< the metric's name, of a custom metric that of its value; empty for a rule
+    std::string input;  ///< the field, or the name of the custom metric or rule
+    std::string metric; ///< the metric's name, of a custom metric that of its value; empty for a rule
     std::string description;
     std::optional<AlertRule> rule; ///< nothing when its properties make no rule
     std::string sentence;          ///< the condition in words
@@ -31,8 +31,8 @@ struct AlertState {
 };
 
 /// The alerts that a job has defined, in the order in which it did, checked against the current run and those of its
-/// job before it. Nothing about them is stored with a run: an earlier run is checked against the alerts of today. Throws
-/// GenException when the repository fails.
+/// job before it. Nothing about them is stored with a run: an earlier run is checked against the alerts of today.
+/// Throws GenException when the repository fails.
 [[nodiscard]] std::vector<AlertState> readAlertStates(PrViewer& viewer, int job);
 
 } // namespace tavix
