@@ -37,6 +37,7 @@ constexpr std::array kJobs{
     Column{JobDescription, "Description", "r.description"},
     Column{JobTables, "Tables", "r.tables"},
     Column{JobRecords, "Records", "r.records"},
+    Column{JobSeconds, "Seconds", "(r.finished - r.started) / 1000.0"},
 };
 constexpr std::array kDsnList{
     Column{DsnId, "Id", "d.id"},

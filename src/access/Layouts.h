@@ -37,7 +37,7 @@ enum Reports {
     ReportLastRunDate
 };
 enum Report { ReportRowId, ReportRowName, ReportRowDescription, ReportRowCreated };
-enum Jobs { JobRunId, JobDate, JobDescription, JobTables, JobRecords };
+enum Jobs { JobRunId, JobDate, JobDescription, JobTables, JobRecords, JobSeconds };
 enum DsnList { DsnId, DsnName, DsnKind, DsnTables };
 /// TableKindLetter is Y, S or D. TableFilter is the condition of a filtered table, TableAlternateFilter the text to
 /// show when that is empty.

@@ -8,6 +8,7 @@ namespace tavix::cli {
 /// What the program ends with. The numbers are a promise to scripts.
 enum class ExitCode {
     Ok = 0,
+    Alert = 1,     ///< done, and an alert is raised at the level that was asked for
     Usage = 2,     ///< wrong arguments or a wrong job file
     Source = 3,    ///< a file to profile, the repository or the output failed
     Cancelled = 4, ///< by the user; nothing was changed

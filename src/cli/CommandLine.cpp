@@ -1,7 +1,9 @@
 #include "cli/CommandLine.h"
 
 #include "base/GenException.h"
+#include "cli/AlertsCommand.h"
 #include "cli/CommandError.h"
+#include "cli/CompareCommand.h"
 #include "cli/Console.h"
 #include "cli/DeleteHistoryCommand.h"
 #include "cli/FieldsCommand.h"
@@ -49,8 +51,8 @@ constexpr const char* kFooter =
     "\n"
     "\"tavix COMMAND --help\" tells more about a command.\n"
     "Results go to standard output, messages to standard error.\n"
-    "Exit codes: 0 done; 2 wrong arguments or job file; 3 a source, the repository or the output failed;\n"
-    "4 cancelled.";
+    "Exit codes: 0 done; 1 done, and an alert is raised (--fail-at); 2 wrong arguments or job file;\n"
+    "3 a source, the repository or the output failed; 4 cancelled.";
 
 using Commands = std::vector<std::unique_ptr<Command>>;
 
@@ -64,7 +66,9 @@ Commands makeCommands() {
     commands.push_back(std::make_unique<FieldsCommand>());
     commands.push_back(std::make_unique<ShowCommand>());
     commands.push_back(std::make_unique<RowsCommand>());
+    commands.push_back(std::make_unique<CompareCommand>());
     commands.push_back(std::make_unique<RulesCommand>());
+    commands.push_back(std::make_unique<AlertsCommand>());
     commands.push_back(std::make_unique<NotesCommand>());
     commands.push_back(std::make_unique<FunctionsCommand>());
     commands.push_back(std::make_unique<DeleteHistoryCommand>());

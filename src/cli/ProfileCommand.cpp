@@ -1,9 +1,12 @@
 #include "cli/ProfileCommand.h"
 
+#include "cli/AlertLists.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
 #include "cli/DamageReport.h"
+#include "cli/DryRun.h"
 #include "cli/ProgressLine.h"
+#include "cli/Session.h"
 #include "cli/SourceCredentials.h"
 #include "profiling/Databases.h"
 #include "profiling/JobDescription.h"
@@ -101,6 +104,14 @@ CLI::App* ProfileCommand::declare(CLI::App& program) {
                      "more goes to a temporary file in TMPDIR, or beside the repository")
         ->transform(CLI::AsSizeValue(false))
         ->type_name("SIZE");
+    command
+        ->add_option("--fail-at", m_failAt,
+                     "warning or error: end with exit code 1 when the run raises an alert of this level or a higher "
+                     "one. The run is stored all the same")
+        ->type_name("LEVEL")
+        ->check(CLI::IsMember({"warning", "error"}).description(""));
+    command->add_flag("--dry-run", m_dryRun,
+                      "Only say what would be read and computed, and how long the last run took; write nothing");
     command->footer("The repository is a file; it is made when it does not exist. Profiling a job again adds a run.\n"
                     "A run is stored whole or not at all, however the program ends.\n\n"
                     "Examples:\n"
@@ -164,6 +175,10 @@ void ProfileCommand::run(const CommonOptions& options) {
     const std::string repository = repositoryFile(options.repository.empty() ? job.repository : options.repository);
     if (repository.empty())
         throw CommandError(ExitCode::Usage, "where shall the run go? Name a repository with --repository FILE");
+    if (m_dryRun) {
+        listPlan(options, job, repository);
+        return;
+    }
     Listing listing(options);
     Result<profiling::RunOutcome> result = [&] {
         ProgressLine progress;
@@ -186,6 +201,17 @@ void ProfileCommand::run(const CommonOptions& options) {
                     result->seconds));
     listOutcome(listing, job, *result);
     listing.finish();
+    checkAlerts(repository, *result);
+}
+
+void ProfileCommand::checkAlerts(const std::string& repository, const profiling::RunOutcome& outcome) const {
+    Session session(repository);
+    session.check(session.viewer().setCurrentJobSetup(outcome.jobId));
+    session.check(session.viewer().setCurrentJob(outcome.runId));
+    const std::vector<AlertState> alerts = readAlertStates(session.viewer(), outcome.jobId);
+    sayAlerts(alerts);
+    if (const auto level = parseAlertLevel(m_failAt))
+        failOnAlerts(alerts, *level);
 }
 
 } // namespace tavix::cli

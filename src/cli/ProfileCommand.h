@@ -19,6 +19,7 @@ class ProfileCommand final : public Command {
   private:
     [[nodiscard]] profiling::JobDescription describe() const;
     void explain(const profiling::JobDescription& job, const CommonOptions& options) const;
+    void checkAlerts(const std::string& repository, const profiling::RunOutcome& outcome) const;
     [[nodiscard]] profiling::JobDescription describeJobFile(const std::string& path) const;
 
     std::vector<std::string> m_files;
@@ -28,7 +29,9 @@ class ProfileCommand final : public Command {
     ReadingOptions m_reading;
     unsigned m_threads = 0;
     std::uint64_t m_memory = 0;
+    std::string m_failAt;
     bool m_explain = false;
+    bool m_dryRun = false;
 };
 
 } // namespace tavix::cli

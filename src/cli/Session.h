@@ -46,6 +46,7 @@ class Session {
     explicit Session(const std::string& repository);
 
     [[nodiscard]] PrViewer& viewer() { return *m_viewer; }
+    [[nodiscard]] int jobId() const { return m_job.id; }
     [[nodiscard]] const std::string& jobName() const { return m_job.name; }
 
     /// Makes a job and its latest run current; without a name the only job that there is.

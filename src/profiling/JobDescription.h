@@ -2,6 +2,7 @@
 
 #include "base/Encodings.h"
 #include "base/Result.h"
+#include "repository/AlertFacts.h"
 #include "repository/Facts.h"
 #include "source/DatabaseTable.h"
 #include "source/Sample.h"
@@ -78,6 +79,7 @@ struct TableDescription {
     std::string source{};                ///< of a table of a database: the name of the job's source
     source::TableRequest database{};
     bool isCountedByRows = false; ///< its rows are read even if the engine can count
+    std::vector<repository::AlertFacts> alerts{};
 
     [[nodiscard]] bool isFiltered() const { return !basedOn.empty(); }
     [[nodiscard]] bool isDatabase() const { return !source.empty(); }

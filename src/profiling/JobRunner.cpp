@@ -1,5 +1,6 @@
 #include "profiling/JobRunner.h"
 
+#include "profiling/AlertEntry.h"
 #include "profiling/Databases.h"
 #include "profiling/EngineCount.h"
 #include "profiling/JobChecks.h"
@@ -42,6 +43,8 @@ Status checkFieldsOver(const JobDescription& job, const TableDescription& base, 
         if (auto compiled = compileTable(*table, columns); !compiled)
             return compiled.error();
         if (Status status = checkCollectionFields(job, table->name, columns); !status)
+            return status;
+        if (Status status = checkAlertFields(*table, columns); !status)
             return status;
     }
     return {};
@@ -135,6 +138,8 @@ class Run {
         for (const auto& collection : m_job.collections)
             if (Status status = m_writer->addCollection(collection); !status)
                 return status;
+        if (Status status = m_writer->setAlerts(alertsOf(m_job)); !status)
+            return status;
         if (Status status = goOn(); !status)
             return status;
         return m_writer->commit(m_clock->now());

@@ -1,6 +1,7 @@
 #include "profiling/TableEntry.h"
 
 #include "expression/Parser.h"
+#include "profiling/AlertEntry.h"
 #include "profiling/DatabaseEntry.h"
 #include "profiling/FilePatterns.h"
 #include "profiling/JobChecks.h"
@@ -72,6 +73,8 @@ void TableEntry::readChecks(TableDescription& table, const json& entry, const st
         readMetrics(table, *metrics, pointerTo(pointer, "custom metrics"));
     if (const auto rules = entry.find("rules"); rules != entry.end())
         readRules(table, *rules, pointerTo(pointer, "rules"));
+    if (const auto alerts = entry.find("alerts"); alerts != entry.end())
+        AlertEntries(m_document, table).read(*alerts, pointerTo(pointer, "alerts"));
 }
 
 void TableEntry::fail(const std::string& pointer, std::string text) const {

@@ -1,5 +1,6 @@
 #include "repository/RunWriter.h"
 
+#include "repository/AlertStore.h"
 #include "repository/BindValue.h"
 #include "repository/Collections.h"
 #include "repository/DistributionStore.h"
@@ -12,6 +13,7 @@
 #include <map>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace tavix::repository {
 
@@ -93,6 +95,8 @@ struct RunWriter::Impl {
     Status addLog(int tableId, LogLevel level, std::string_view text);
     Status addCollection(const CollectionFacts& facts);
     Result<int> findField(const FieldAddress& address);
+    Status setAlerts(std::span<const AlertFacts> alerts);
+    Result<StoredAlert> placeOf(const AlertFacts& facts);
     Status finish(UtcTime finished);
 };
 
@@ -332,6 +336,43 @@ Status RunWriter::Impl::addCollection(const CollectionFacts& facts) {
     return {};
 }
 
+Result<StoredAlert> RunWriter::Impl::placeOf(const AlertFacts& facts) {
+    StoredAlert alert;
+    alert.facts = &facts;
+    for (const auto& [id, table] : tables)
+        if (table.name == facts.table)
+            alert.table = id;
+    if (facts.subject != AlertSubject::StandardMetric)
+        return alert;
+    auto select = connection->prepare(
+        "SELECT f.id, f.name FROM run_field rf JOIN field f ON f.id = rf.field WHERE rf.run = ?1 AND rf.table_id = ?2 "
+        "AND ?3 IN ('', f.name) ORDER BY rf.position LIMIT 1");
+    if (!select)
+        return select.error();
+    switch (select->bind(1, run).bind(2, alert.table).bind(3, facts.field).step()) {
+    case sql::Step::Row:
+        alert.field = static_cast<int>(select->integer(0));
+        alert.fieldName = select->text(1);
+        return alert;
+    case sql::Step::Failed:
+        return Error{connection->errorText()};
+    default:
+        return Error{
+            fmt::format("An alert watches the field \"{}\", which \"{}\" does not have.", facts.field, facts.table)};
+    }
+}
+
+Status RunWriter::Impl::setAlerts(std::span<const AlertFacts> alerts) {
+    std::vector<StoredAlert> stored;
+    for (const AlertFacts& facts : alerts) {
+        auto place = placeOf(facts);
+        if (!place)
+            return place.error();
+        stored.push_back(std::move(*place));
+    }
+    return replaceAlerts(*connection, job, stored);
+}
+
 Status RunWriter::Impl::finish(UtcTime finished) {
     auto count = connection->prepare("UPDATE run_table SET fields = ?3 WHERE run = ?1 AND table_id = ?2");
     if (!count)
@@ -412,6 +453,12 @@ Status RunWriter::addCollection(const CollectionFacts& collection) {
     if (auto open = m_impl->requireOpen(); !open)
         return open;
     return m_impl->conclude(m_impl->addCollection(collection));
+}
+
+Status RunWriter::setAlerts(std::span<const AlertFacts> alerts) {
+    if (auto open = m_impl->requireOpen(); !open)
+        return open;
+    return m_impl->conclude(m_impl->setAlerts(alerts));
 }
 
 Status RunWriter::commit(UtcTime finished) {

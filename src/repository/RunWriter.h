@@ -1,9 +1,11 @@
 #pragma once
 
 #include "base/Result.h"
+#include "repository/AlertFacts.h"
 #include "repository/Facts.h"
 
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -44,6 +46,8 @@ class RunWriter {
     [[nodiscard]] Status addLog(int tableId, LogLevel level, std::string_view text);
     /// Makes the collection or adds to the one of this name; its fields must stand in tables of this run.
     [[nodiscard]] Status addCollection(const CollectionFacts& collection);
+    /// Puts these in the place of the alerts that the job had. What they watch must stand in this run.
+    [[nodiscard]] Status setAlerts(std::span<const AlertFacts> alerts);
 
     [[nodiscard]] Status commit(UtcTime finished);
 

@@ -24,6 +24,13 @@ bool belongsTo(const ProfileCursor& alert, const TableIdentity& table) {
            (object.empty() ? text(alert, AlertTable) : object) == table.displayName();
 }
 
+CAlertDisplayHelper::NamesByKey namesOf(ProfileCursor& cursor, int key, int name) {
+    CAlertDisplayHelper::NamesByKey names;
+    while (cursor.next())
+        names[text(cursor, key)] = text(cursor, name);
+    return names;
+}
+
 } // namespace
 
 TableAlertRows::TableAlertRows()
@@ -33,7 +40,12 @@ bool TableAlertRows::Fill(PrViewer& viewer, const TableIdentity& table) try {
     const ProfileCursorHandle rows = viewer.getAlerts();
     if (!rows)
         return Fail(kFailed, viewer.getErrorString().view());
-    const CAlertDisplayHelper words;
+    const ProfileCursorHandle metrics = viewer.getCustomMetrics(table.id);
+    const ProfileCursorHandle rules = metrics ? viewer.getBusinessRules(table.id) : nullptr;
+    if (!rules)
+        return Fail(kFailed, viewer.getErrorString().view());
+    const CAlertDisplayHelper words(namesOf(*metrics, layout::CustomMetricKey, layout::CustomMetricName),
+                                    namesOf(*rules, layout::RuleKey, layout::RuleName));
     std::vector<Alert> alerts;
     while (rows->next()) {
         if (!belongsTo(*rows, table))

@@ -162,6 +162,48 @@ TEST_F(JobFile, HostileFilesEndSoonAndWithAnError) {
     }
 }
 
+TEST_F(JobFile, AlertsArriveAndMistakesInThemAreNamed) {
+    const std::string head =
+        "job: J\ntables:\n  - file: t.csv\n    rules: [{name: R, condition: 'true'}]\n    alerts:\n";
+    const auto job = read(head + "      - {field: [a, b], metric: Mean, change: 2.5 %, runs: 3}\n"
+                                 "      - {rule: R, figure: percent, not in: [1, 2], level: error, description: D}\n");
+    ASSERT_TRUE(job.ok()) << job.error().text;
+    const repository::AlertFacts mean{"t", AlertSubject::StandardMetric,
+                                      "a", MetricId::Mean,
+                                      "",  {AlertComparison::ChangedByPercent, false, 2.5, 0, 3},
+                                      ""};
+    repository::AlertFacts other = mean;
+    other.field = "b";
+    const repository::AlertFacts rule{"t", AlertSubject::BusinessRule,
+                                      "",  MetricId::Count,
+                                      "R", {AlertComparison::Inside, true, 1, 2, 1, AlertLevel::Error},
+                                      "D"};
+    EXPECT_EQ(job->tables[0].alerts, (std::vector{mean, other, rule}));
+
+    struct Case {
+        const char* entry;
+        const char* problem;
+    };
+    const std::vector<Case> cases{
+        {"{field: a, metric: Mena, max: 1}", "6:28: there is no metric \"Mena\" (did you mean \"Mean\"?)"},
+        {"{field: a, metric: Actual Type, max: 1}", "6:28: \"Actual Type\" is no number"},
+        {"{metric: Mean, max: 1}", "6:18: which field? Without \"field\" the metric of a table is Records"},
+        {"{rule: S, max: 1}", "6:16: table \"t\" has no rule \"S\" (did you mean \"R\"?)"},
+        {"{custom metric: R, max: 1}", "6:25: table \"t\" has no custom metric \"R\""},
+        {"{rule: R, field: a, max: 1}", "6:26: \"field\" goes with \"metric\""},
+        {"{metric: Records, range: [2, 1]}", "6:34: the first number of a range is the smaller one"},
+        {"{metric: Records, max: 1, runs: 2}", "6:41: \"runs\" goes with \"change\""},
+        {"{metric: Records, change: 1.2.3%}", "6:35: a change is a number or, in percent, a text such as \"20 %\""},
+        {"{metric: Records, level: bad, max: 1}",
+         "6:34: \"tables[0].alerts[0].level\": expected warning or error; warning unless stated"},
+        {"{metric: Records, max: 1, min: 2}",
+         "6:9: \"tables[0].alerts[0]\": expected an alert: a map with one of metric, "
+         "custom metric, rule and one of max, min, range, not, not in, change"},
+    };
+    for (const Case& one : cases)
+        EXPECT_EQ(problem(head + "      - " + one.entry + "\n"), one.problem);
+}
+
 TEST_F(JobFile, DamagedFilesAreErrorsOrJobs) {
     std::ifstream demo(TAVIX_SOURCE_DIR "/share/examples/demo.yaml", std::ios::binary);
     std::stringstream whole;

@@ -1,0 +1,167 @@
+#include "base/AlertRule.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace tavix {
+
+namespace {
+
+constexpr int kComparisons = 7;
+constexpr int kAbsoluteComparisons = 5;
+
+struct SubjectWords {
+    AlertSubject subject;
+    std::string_view code;
+    std::string_view word;
+};
+constexpr std::array kSubjects{SubjectWords{AlertSubject::StandardMetric, "SM", "Standard Metric"},
+                               SubjectWords{AlertSubject::CustomMetric, "CM", "Custom Metric"},
+                               SubjectWords{AlertSubject::BusinessRule, "BR", "Business Rule"}};
+
+const SubjectWords& wordsOf(AlertSubject subject) {
+    return kSubjects[static_cast<std::size_t>(subject)];
+}
+
+// `code` is in capitals.
+bool equalsInAnyCase(std::string_view text, std::string_view code) {
+    return std::equal(text.begin(), text.end(), code.begin(), code.end(), [](char a, char b) {
+        return (a >= 'a' && a <= 'z' ? static_cast<char>(a - 'a' + 'A') : a) == b;
+    });
+}
+
+std::string thresholdText(double value) {
+    return fmt::format("{:.15g}", value);
+}
+
+std::string conditionText(const AlertRule& rule) {
+    const std::string first = thresholdText(rule.value1);
+    switch (rule.comparison) {
+    case AlertComparison::Greater:
+        return "is greater than " + first;
+    case AlertComparison::Less:
+        return "is less than " + first;
+    case AlertComparison::Equal:
+        return "is equal to " + first;
+    case AlertComparison::Outside:
+        return fmt::format("is outside the range {} to {}", first, thresholdText(rule.value2));
+    case AlertComparison::Inside:
+        return fmt::format("is inside the range {} to {}", first, thresholdText(rule.value2));
+    case AlertComparison::ChangedBy:
+        return "has changed by more than " + first;
+    case AlertComparison::ChangedByPercent:
+        break;
+    }
+    return fmt::format("has changed by more than {}%", first);
+}
+
+bool isBeyond(const AlertRule& rule, double figure, double reference) {
+    const bool isInside = figure >= rule.value1 && figure <= rule.value2;
+    switch (rule.comparison) {
+    case AlertComparison::Greater:
+        return figure > rule.value1;
+    case AlertComparison::Less:
+        return figure < rule.value1;
+    case AlertComparison::Equal:
+        return figure == rule.value1;
+    case AlertComparison::Outside:
+        return !isInside;
+    case AlertComparison::Inside:
+        return isInside;
+    case AlertComparison::ChangedBy:
+        return std::abs(figure - reference) > rule.value1;
+    case AlertComparison::ChangedByPercent:
+        break;
+    }
+    return std::abs(figure - reference) * 100 > rule.value1 * std::abs(reference);
+}
+
+} // namespace
+
+std::string_view alertTypeCode(AlertSubject subject) {
+    return wordsOf(subject).code;
+}
+
+AlertSubject alertSubjectOf(std::string_view typeCode) {
+    if (equalsInAnyCase(typeCode, "CM"))
+        return AlertSubject::CustomMetric;
+    return equalsInAnyCase(typeCode, "BR") ? AlertSubject::BusinessRule : AlertSubject::StandardMetric;
+}
+
+std::string_view alertTypeWord(AlertSubject subject) {
+    return wordsOf(subject).word;
+}
+
+bool isChange(AlertComparison comparison) {
+    return comparison == AlertComparison::ChangedBy || comparison == AlertComparison::ChangedByPercent;
+}
+
+bool isRange(AlertComparison comparison) {
+    return comparison == AlertComparison::Outside || comparison == AlertComparison::Inside;
+}
+
+std::string_view alertLevelWord(AlertLevel level) {
+    return level == AlertLevel::Error ? "error" : "warning";
+}
+
+int alertCode(AlertSubject subject, const AlertRule& rule) {
+    const int code = static_cast<int>(rule.comparison);
+    if (subject != AlertSubject::BusinessRule)
+        return code;
+    if (isChange(rule.comparison))
+        return code - kAbsoluteComparisons + 2 * kAbsoluteComparisons + (rule.ofFailedPercent ? 2 : 0);
+    return code + (rule.ofFailedPercent ? kAbsoluteComparisons : 0);
+}
+
+bool setAlertCode(AlertRule& rule, AlertSubject subject, int code) {
+    for (const bool ofFailedPercent : {false, true})
+        for (int comparison = 0; comparison < kComparisons; ++comparison) {
+            AlertRule candidate = rule;
+            candidate.comparison = static_cast<AlertComparison>(comparison);
+            candidate.ofFailedPercent = ofFailedPercent;
+            if (alertCode(subject, candidate) != code)
+                continue;
+            rule = candidate;
+            return true;
+        }
+    return false;
+}
+
+std::string alertSentence(AlertSubject subject, const AlertRule& rule, std::string_view metric,
+                          std::string_view input) {
+    const std::string condition = conditionText(rule);
+    switch (subject) {
+    case AlertSubject::CustomMetric:
+        return fmt::format("{} for custom metric {} {}", metric, input, condition);
+    case AlertSubject::BusinessRule:
+        return fmt::format("{} for business rule {} {}",
+                           rule.ofFailedPercent ? "Percentage of failed rows" : "Failed row count", input, condition);
+    case AlertSubject::StandardMetric:
+        break;
+    }
+    return fmt::format("{} for field {} {}", metric, input, condition);
+}
+
+AlertVerdict checkAlert(const AlertRule& rule, std::optional<double> figure, std::span<const double> earlier) {
+    AlertVerdict verdict;
+    if (isChange(rule.comparison)) {
+        earlier = earlier.first(std::min(earlier.size(), static_cast<std::size_t>(std::max(1, rule.runs))));
+        double sum = 0;
+        for (const double one : earlier)
+            sum += one;
+        if (!earlier.empty())
+            verdict.reference = sum / static_cast<double>(earlier.size());
+        if (!verdict.reference)
+            return verdict;
+    }
+    if (!figure)
+        return verdict;
+    verdict.state = isBeyond(rule, *figure, verdict.reference.value_or(0)) ? AlertVerdict::State::Raised
+                                                                           : AlertVerdict::State::Quiet;
+    return verdict;
+}
+
+} // namespace tavix

@@ -1,0 +1,97 @@
+#include "cli/AlertLists.h"
+
+#include "base/NumberText.h"
+#include "cli/Command.h"
+#include "cli/CommandError.h"
+#include "cli/Console.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace tavix::cli {
+
+namespace {
+
+using State = AlertVerdict::State;
+
+KvbDatavar cell(const std::optional<double>& number) {
+    if (!number)
+        return {};
+    // Most figures count something.
+    const std::int64_t whole = saturateToInt64(*number);
+    return static_cast<double>(whole) == *number ? KvbDatavar(whole) : KvbDatavar(*number);
+}
+
+std::string stateWord(const AlertState& alert) {
+    if (alert.isRaised())
+        return "raised";
+    return alert.verdict.state == State::Quiet ? "quiet" : "unknown";
+}
+
+std::string conditionOf(const AlertState& alert) {
+    return alert.sentence.empty() ? std::string("Unable to retrieve alert properties") : alert.sentence;
+}
+
+} // namespace
+
+std::optional<AlertLevel> parseAlertLevel(const std::string& word) {
+    for (const AlertLevel level : {AlertLevel::Warning, AlertLevel::Error})
+        if (word == alertLevelWord(level))
+            return level;
+    return std::nullopt;
+}
+
+void listAlerts(const CommonOptions& options, const std::vector<AlertState>& alerts) {
+    Listing listing(options);
+    listing.begin({"alerts",
+                   "Alerts",
+                   {{"state", "State"},
+                    {"level", "Level"},
+                    {"table", "Table"},
+                    {"type", "Type"},
+                    {"input", "Input"},
+                    {"figure", "Figure", Column::Kind::Number},
+                    {"reference", "Reference", Column::Kind::Number},
+                    {"description", "Description"},
+                    {"condition", "Condition", Column::Kind::Prose}}});
+    for (const AlertState& alert : alerts) {
+        // Without a description of its own an alert has its condition there.
+        const bool isDescribed = alert.description != alert.sentence;
+        listing.row(Row{stateWord(alert), alert.rule ? std::string(alertLevelWord(alert.rule->level)) : KvbDatavar(),
+                        alert.table, std::string(alertTypeWord(alert.subject)), alert.input, cell(alert.figure),
+                        cell(alert.verdict.reference), isDescribed ? KvbDatavar(alert.description) : KvbDatavar(),
+                        conditionOf(alert)});
+    }
+    listing.end();
+    listing.finish();
+}
+
+void sayAlerts(const std::vector<AlertState>& alerts) {
+    for (const AlertState& alert : alerts) {
+        if (alert.verdict.state == State::Quiet)
+            continue;
+        const std::string what = fmt::format("{}: {}", alert.table, conditionOf(alert));
+        if (!alert.isRaised()) {
+            // Before there is a second run, nothing can have changed.
+            if (alert.rule && !isChange(alert.rule->comparison))
+                say(fmt::format("alert not checked, there is no such figure: {}", what));
+            continue;
+        }
+        std::string figure = fmt::format("it is {}", formatReal(*alert.figure));
+        if (alert.verdict.reference)
+            figure += fmt::format(", was {}", formatReal(*alert.verdict.reference));
+        say(fmt::format("{}: {} ({})", alertLevelWord(alert.rule->level), what, figure));
+    }
+}
+
+void failOnAlerts(const std::vector<AlertState>& alerts, AlertLevel level) {
+    const auto raised =
+        std::count_if(alerts.begin(), alerts.end(), [&](const AlertState& alert) { return alert.isRaisedAt(level); });
+    if (raised > 0)
+        throw CommandError(ExitCode::Alert,
+                           fmt::format("{} {} raised at level {}{}", raised, raised == 1 ? "alert is" : "alerts are",
+                                       alertLevelWord(level), level == AlertLevel::Warning ? " or above" : ""));
+}
+
+} // namespace tavix::cli

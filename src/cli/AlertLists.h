@@ -1,0 +1,24 @@
+#pragma once
+
+#include "filter/AlertStates.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tavix::cli {
+
+struct CommonOptions;
+
+/// "warning" or "error"; nothing for another word.
+[[nodiscard]] std::optional<AlertLevel> parseAlertLevel(const std::string& word);
+
+void listAlerts(const CommonOptions& options, const std::vector<AlertState>& alerts);
+
+/// Says on standard error which alerts are raised and which could not be checked, in their order.
+void sayAlerts(const std::vector<AlertState>& alerts);
+
+/// Throws CommandError with ExitCode::Alert when an alert is raised at this level or a higher one.
+void failOnAlerts(const std::vector<AlertState>& alerts, AlertLevel level);
+
+} // namespace tavix::cli

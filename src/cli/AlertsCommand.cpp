@@ -1,0 +1,48 @@
+#include "cli/AlertsCommand.h"
+
+#include "cli/AlertLists.h"
+#include "cli/RunChoice.h"
+#include "cli/Session.h"
+
+#include <CLI/App.hpp>
+
+#include <algorithm>
+
+namespace tavix::cli {
+
+CLI::App* AlertsCommand::declare(CLI::App& program) {
+    CLI::App* command = program.add_subcommand("alerts", "List the alerts of a job, and which of them a run raises");
+    command->add_option("-t,--table", m_table, "Only the alerts of this table")->type_name("NAME");
+    command->add_flag("--raised", m_raised, "Only the alerts that are raised");
+    command
+        ->add_option("--fail-at", m_failAt, "warning or error: end with exit code 1 when one is raised at this level")
+        ->type_name("LEVEL")
+        ->check(CLI::IsMember({"warning", "error"}).description(""));
+    addRunChoice(*command, m_job, m_run);
+    command->footer(
+        "A job file defines alerts; each run of it replaces those of the job. An alert is raised, quiet, or\n"
+        "unknown: then the run has no such figure, or there is no earlier run for a change. The reference is\n"
+        "what a change is measured against. An earlier run is checked against the alerts of today.\n\n"
+        "Examples:\n"
+        "  tavix alerts -R profile.tavix\n"
+        "  tavix alerts -R profile.tavix --job sales --run 3 --raised --format json");
+    return command;
+}
+
+void AlertsCommand::run(const CommonOptions& options) {
+    Session session(options.repository);
+    session.selectJob(m_job);
+    session.selectRun(m_run);
+    std::vector<AlertState> alerts = readAlertStates(session.viewer(), session.jobId());
+    if (m_table) {
+        const std::string table = session.table(*m_table).name;
+        std::erase_if(alerts, [&](const AlertState& alert) { return alert.table != table; });
+    }
+    if (m_raised)
+        std::erase_if(alerts, [](const AlertState& alert) { return !alert.isRaised(); });
+    listAlerts(options, alerts);
+    if (const auto level = parseAlertLevel(m_failAt))
+        failOnAlerts(alerts, *level);
+}
+
+} // namespace tavix::cli

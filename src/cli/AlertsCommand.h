@@ -1,0 +1,23 @@
+#pragma once
+
+#include "cli/Command.h"
+
+#include <optional>
+
+namespace tavix::cli {
+
+/// `tavix alerts`: the alerts of a job and which of them a run raises.
+class AlertsCommand final : public Command {
+  public:
+    CLI::App* declare(CLI::App& program) override;
+    void run(const CommonOptions& options) override;
+
+  private:
+    std::optional<std::string> m_job;
+    std::optional<int> m_run;
+    std::optional<std::string> m_table;
+    std::string m_failAt;
+    bool m_raised = false;
+};
+
+} // namespace tavix::cli

@@ -1,0 +1,224 @@
+#include "cli/CompareCommand.h"
+
+#include "cli/CommandError.h"
+#include "cli/Console.h"
+#include "cli/Interruption.h"
+#include "cli/Names.h"
+#include "cli/Session.h"
+#include "doc/RunComparison.h"
+
+#include <CLI/App.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace tavix::cli {
+
+namespace {
+
+constexpr int kPercentPlaces = 2;
+constexpr std::size_t kMostTop = 100'000;
+
+std::string_view wordOf(RunChange::Subject subject) {
+    using Subject = RunChange::Subject;
+    switch (subject) {
+    case Subject::Table:
+        return "table";
+    case Subject::Field:
+        return "field";
+    case Subject::Records:
+        return "records";
+    case Subject::Metric:
+        return "metric";
+    case Subject::CustomMetric:
+        return "custom metric";
+    case Subject::Expression:
+        return "expression";
+    case Subject::Rule:
+        return "rule";
+    case Subject::Condition:
+        return "condition";
+    case Subject::Values:
+        return "values";
+    case Subject::Value:
+        return "value";
+    case Subject::Patterns:
+        return "patterns";
+    case Subject::Pattern:
+        break;
+    }
+    return "pattern";
+}
+
+std::string_view wordOf(RunChange::Kind kind) {
+    switch (kind) {
+    case RunChange::Kind::New:
+        return "new";
+    case RunChange::Kind::Vanished:
+        return "vanished";
+    case RunChange::Kind::Changed:
+        break;
+    }
+    return "changed";
+}
+
+/// Writes the changes: for programs as one list, for people as one for each table and field.
+class ChangeList {
+  public:
+    explicit ChangeList(const CommonOptions& options)
+        : m_isText(options.format == Format::Text), m_listing(options, m_isText ? Sections::Several : Sections::One) {
+        if (!m_isText)
+            begin("");
+    }
+
+    void add(const RunChange& change) {
+        if (m_isText)
+            beginFor(change);
+        Row row;
+        if (!m_isText) {
+            row.emplace_back(change.table);
+            row.emplace_back(change.field.empty() ? KvbDatavar() : KvbDatavar(change.field));
+        }
+        row.emplace_back(std::string(wordOf(change.subject)));
+        row.emplace_back(std::string(wordOf(change.kind)));
+        row.push_back(itemOf(change));
+        row.insert(row.end(), {change.before, change.after, differenceOf(change), percent(change.percentBefore),
+                               percent(change.percentAfter)});
+        m_listing.row(row);
+    }
+
+    void finish() {
+        if (!m_isText || m_isOpen)
+            m_listing.end();
+        else
+            m_listing.begin({"changes", "No difference", {}});
+        m_listing.finish();
+    }
+
+  private:
+    static KvbDatavar percent(const std::optional<double>& share) { return share ? KvbDatavar(*share) : KvbDatavar(); }
+
+    [[nodiscard]] KvbDatavar itemOf(const RunChange& change) const {
+        using Subject = RunChange::Subject;
+        if (!m_isText || !change.item.isNull())
+            return change.item;
+        if (change.subject == Subject::Value)
+            return "(null value)";
+        return change.subject == Subject::Values || change.subject == Subject::Patterns ? "(all)" : KvbDatavar();
+    }
+
+    void beginFor(const RunChange& change) {
+        std::string title = change.field.empty() ? change.table : fmt::format("{}.{}", change.table, change.field);
+        if (m_isOpen && title == m_title)
+            return;
+        if (m_isOpen)
+            m_listing.end();
+        m_title = std::move(title);
+        begin(m_title);
+    }
+
+    void begin(const std::string& title) {
+        Section section{"changes", title, {}};
+        if (!m_isText)
+            section.columns = {{"table", "Table"}, {"field", "Field"}};
+        const Column::Kind number = Column::Kind::Number;
+        // Cells that are numbers are written as such; a text that looks like one is a value of a text field.
+        const Column::Kind figure = m_isText ? number : Column::Kind::Text;
+        section.columns.insert(section.columns.end(), {{"what", "What"},
+                                                       {"change", "Change"},
+                                                       {"item", "Item"},
+                                                       {"before", "Before", figure},
+                                                       {"after", "After", figure},
+                                                       {"difference", "Difference", figure},
+                                                       {"percent_before", "% before", number, kPercentPlaces},
+                                                       {"percent_after", "% after", number, kPercentPlaces}});
+        m_listing.begin(section);
+        m_isOpen = true;
+    }
+
+    bool m_isText;
+    Listing m_listing;
+    bool m_isOpen = false;
+    std::string m_title;
+};
+
+} // namespace
+
+CLI::App* CompareCommand::declare(CLI::App& program) {
+    CLI::App* command = program.add_subcommand("compare", "Say what differs between two runs of a job");
+    command->add_option("-j,--job", m_job, "The job; may be left out when there is only one")->type_name("NAME");
+    command
+        ->add_option("--run", m_runs,
+                     "Given twice: the two runs, the earlier first. Given once: that run and the one before it. "
+                     "Else the last two runs")
+        ->type_name("N")
+        ->allow_extra_args(false);
+    command->add_option("-t,--table", m_table, "Only this table")->type_name("NAME");
+    command
+        ->add_option("--top", m_top,
+                     "So many of the new, the vanished and the most moved values and patterns of each field; 10 unless "
+                     "given. 0 leaves values and patterns out, which is quick")
+        ->type_name("N")
+        ->check(CLI::Validator(CLI::Range(std::int64_t{0}, static_cast<std::int64_t>(kMostTop))).description(""));
+    command->footer(
+        "Lists what changed and nothing else: tables and fields that are new or have vanished, numbers of\n"
+        "records, metrics, custom metrics, rules, and for each field the new, the vanished and the most moved\n"
+        "values and patterns with their rows and shares of the rows. The order is fixed and no time or run\n"
+        "number is written, so that two results can be compared by diff.\n\n"
+        "Examples:\n"
+        "  tavix compare -R profile.tavix --job sales\n"
+        "  tavix compare -R profile.tavix --job sales --run 3 --run 7 --top 20 --format csv -o changes.csv");
+    return command;
+}
+
+CompareCommand::Runs CompareCommand::chooseRuns(Session& session) const {
+    std::vector<int> known; // the latest first
+    for (const RunEntry& run : session.runs())
+        known.push_back(run.id);
+    if (m_runs.size() > 2)
+        throw CommandError(ExitCode::Usage, "two runs can be compared: give --run at most twice");
+    if (m_runs.size() == 2)
+        return {m_runs[0], m_runs[1]};
+    auto after = known.begin();
+    if (!m_runs.empty()) {
+        session.selectRun(m_runs.front());
+        after = std::find(known.begin(), known.end(), m_runs.front());
+    }
+    if (after == known.end() || after + 1 == known.end())
+        throw CommandError(
+            ExitCode::Usage,
+            m_runs.empty()
+                ? fmt::format("job \"{}\" has one run only; there is nothing to compare it with", session.jobName())
+                : fmt::format("run {} is the first of job \"{}\"; there is nothing to compare it with", m_runs.front(),
+                              session.jobName()));
+    return {*(after + 1), *after};
+}
+
+void CompareCommand::run(const CommonOptions& options) {
+    // A session for each run, so that neither has to go to and fro.
+    Session before(options.repository);
+    Session after(options.repository);
+    before.selectJob(m_job);
+    after.selectJob(m_job);
+    const Runs runs = chooseRuns(after);
+    before.selectRun(runs.before);
+    after.selectRun(runs.after);
+    if (m_table) {
+        std::vector<std::string> names;
+        for (Session* session : {&after, &before})
+            for (const TableEntry& table : session->tables())
+                if (std::find(names.begin(), names.end(), table.name) == names.end())
+                    names.push_back(table.name);
+        (void)pickByName("table", *m_table, names);
+    }
+    say(fmt::format("run {} of job \"{}\" compared with run {}", runs.before, after.jobName(), runs.after));
+    ChangeList list(options);
+    RunComparisonOptions comparison;
+    comparison.top = static_cast<std::size_t>(m_top);
+    comparison.table = m_table;
+    comparison.pulse = [] { stopIfInterrupted(); };
+    compareRuns(before.viewer(), after.viewer(), comparison, [&](const RunChange& change) { list.add(change); });
+    list.finish();
+}
+
+} // namespace tavix::cli

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "base/Result.h"
+#include "profiling/JobDescription.h"
+#include "profiling/YamlDocument.h"
+
+#include <span>
+#include <string>
+#include <vector>
+
+namespace tavix::profiling {
+
+/// Reads the alerts of a job file's table, which follow the schema. The table's custom metrics and rules must have been
+/// read.
+class AlertEntries {
+  public:
+    AlertEntries(const YamlDocument& document, TableDescription& table) : m_document(document), m_table(table) {}
+
+    /// Adds them to the table. Throws a DocumentProblem.
+    void read(const nlohmann::json& list, const std::string& pointer);
+
+  private:
+    [[noreturn]] void fail(const std::string& pointer, std::string text) const;
+    void readEntry(const nlohmann::json& entry, const std::string& pointer);
+    void readFigure(repository::AlertFacts& alert, const nlohmann::json& entry, const std::string& pointer) const;
+    void readCondition(AlertRule& rule, const nlohmann::json& entry, const std::string& pointer) const;
+    [[nodiscard]] MetricId metricOf(const nlohmann::json& entry, const std::string& pointer) const;
+
+    const YamlDocument& m_document;
+    TableDescription& m_table;
+};
+
+/// The fields that the table's alerts watch exist.
+[[nodiscard]] Status checkAlertFields(const TableDescription& table, std::span<const std::string> columns);
+
+/// Of all tables, in the order of the job.
+[[nodiscard]] std::vector<repository::AlertFacts> alertsOf(const JobDescription& job);
+
+} // namespace tavix::profiling
