@@ -271,7 +271,7 @@ class Run {
                                                opened.table.columnNames(), keepGoing);
         if (!reader)
             return reader.error();
-        const Status status = read(**reader, passes);
+        Status status = read(**reader, passes);
         damage.damagedRows = (*reader)->damagedRowCount();
         damage.damage.assign((*reader)->damagedRows().begin(), (*reader)->damagedRows().end());
         return status;
