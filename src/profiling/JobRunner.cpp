@@ -121,8 +121,10 @@ class Run {
         if (Status status = goOn(); !status)
             return status;
         // Whether it can be written is better known before hours of reading than after them.
-        if (auto connection = repository::openRepository(m_repositoryPath, sql::OpenMode::Create); !connection)
-            return connection.error();
+        auto repository = repository::openRepository(m_repositoryPath, sql::OpenMode::Create);
+        if (!repository)
+            return repository.error();
+        m_repository = std::move(*repository);
         for (std::size_t i = 0; i < m_job.tables.size(); ++i) {
             m_reporter.state.tableIndex = i;
             if (m_job.tables[i].isFiltered())
@@ -274,7 +276,7 @@ class Run {
                                                opened.table.columnNames(), keepGoing);
         if (!reader)
             return reader.error();
-        const Status status = read(**reader, passes);
+        Status status = read(**reader, passes);
         damage.damagedRows = (*reader)->damagedRowCount();
         damage.damage.assign((*reader)->damagedRows().begin(), (*reader)->damagedRows().end());
         return status;
@@ -371,6 +373,8 @@ class Run {
     RunEngine m_engine;
     std::vector<FinishedTable> m_finished;
     std::size_t m_factsSize = 0; ///< of m_finished
+    /// Kept, for the last one that closes a repository has to tidy it, and that takes as long as a small table.
+    std::unique_ptr<sql::Connection> m_repository;
     std::unique_ptr<repository::RunWriter> m_writer;
     std::map<const TableDescription*, OpenedFiles> m_opened; ///< what is opened once only
     std::int64_t m_bytesBefore = 0;                          ///< of the tables that are done
