@@ -11,9 +11,10 @@ namespace tavix {
 Result<std::unique_ptr<DistributionCursor>> DistributionCursor::open(std::shared_ptr<ViewerSession> session,
                                                                      const repository::DistributionKey& key,
                                                                      std::int64_t rows, const layout::Layout& layout,
-                                                                     std::unique_ptr<DistributionFilter> filter) {
+                                                                     std::unique_ptr<DistributionFilter> filter,
+                                                                     PrViewDisplayMessage* sink) {
     std::unique_ptr<DistributionCursor> cursor(
-        new DistributionCursor(std::move(session), key, rows, layout, std::move(filter)));
+        new DistributionCursor(std::move(session), key, rows, layout, std::move(filter), sink));
     if (auto first = cursor->m_reader.next(); !first)
         return first.error();
     return cursor;
@@ -21,10 +22,12 @@ Result<std::unique_ptr<DistributionCursor>> DistributionCursor::open(std::shared
 
 DistributionCursor::DistributionCursor(std::shared_ptr<ViewerSession> session, const repository::DistributionKey& key,
                                        std::int64_t rows, const layout::Layout& layout,
-                                       std::unique_ptr<DistributionFilter> filter)
+                                       std::unique_ptr<DistributionFilter> filter, PrViewDisplayMessage* sink)
     : m_session(std::move(session)),
       m_reader(*m_session->connection, key, rows),
       m_layout(layout),
+      m_rows(rows),
+      m_sink(sink),
       m_hasRank(key.kind == repository::DistributionKind::Patterns),
       m_filter(std::move(filter)) {}
 
@@ -48,6 +51,7 @@ bool DistributionCursor::enterBlock() {
     if (m_isEntered) {
         if (!m_reader.hasMore() || (m_filter && m_filter->isDone()))
             return false;
+        report();
         requireOpen();
         auto more = m_reader.next();
         if (!more)
@@ -64,6 +68,12 @@ bool DistributionCursor::enterBlock() {
     m_rowsInBlock = m_filter ? m_passing.size() : block.rowCount();
     m_isDone = false;
     return true;
+}
+
+void DistributionCursor::report() const {
+    const std::int64_t passed = m_reader.firstRow() + static_cast<std::int64_t>(m_reader.block().rowCount());
+    if (m_sink && !m_sink->progress(m_filter ? "Filtering" : "Reading", passed, m_rows))
+        throw GenException("The reading was stopped.");
 }
 
 void DistributionCursor::requireOpen() const {

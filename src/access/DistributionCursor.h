@@ -1,6 +1,7 @@
 #pragma once
 
 #include "access/DistributionFilter.h"
+#include "access/PrViewDisplayMessage.h"
 #include "access/StatementCursor.h"
 #include "repository/DistributionStore.h"
 
@@ -14,9 +15,11 @@ class DistributionCursor final : public ProfileCursor {
   public:
     /// Reads the first block at once, so that a distribution that cannot be read fails here. `rows` is its length;
     /// the layout is that of getFreqDist, getPatternDist or getPKFKAnalysisOutliers. Without a filter all rows pass.
+    /// `sink` may be null; it is told between blocks how many rows were looked at, and when it stops the walk, next()
+    /// throws.
     [[nodiscard]] static Result<std::unique_ptr<DistributionCursor>>
     open(std::shared_ptr<ViewerSession> session, const repository::DistributionKey& key, std::int64_t rows,
-         const layout::Layout& layout, std::unique_ptr<DistributionFilter> filter);
+         const layout::Layout& layout, std::unique_ptr<DistributionFilter> filter, PrViewDisplayMessage* sink);
 
     bool next() override;
     [[nodiscard]] int getColumnCount() const override;
@@ -32,19 +35,24 @@ class DistributionCursor final : public ProfileCursor {
     enum class Role { None, Rank, Value, Count };
 
     DistributionCursor(std::shared_ptr<ViewerSession> session, const repository::DistributionKey& key,
-                       std::int64_t rows, const layout::Layout& layout, std::unique_ptr<DistributionFilter> filter);
+                       std::int64_t rows, const layout::Layout& layout, std::unique_ptr<DistributionFilter> filter,
+                       PrViewDisplayMessage* sink);
     /// Comes to the next block, of which perhaps no row passes; false behind the last one.
     bool enterBlock();
     /// What a column of the current row shows; None outside the columns and the rows.
     [[nodiscard]] Role role(int column) const;
     [[nodiscard]] bool isNullValue(Role shown) const;
     [[nodiscard]] std::int64_t number(Role shown) const;
+    /// Tells the sink; throws when the walk is not to go on.
+    void report() const;
     /// Throws when the viewer was closed.
     void requireOpen() const;
 
     std::shared_ptr<ViewerSession> m_session;
     repository::DistributionReader m_reader;
     const layout::Layout& m_layout;
+    std::int64_t m_rows; ///< all of the distribution
+    PrViewDisplayMessage* m_sink;
     bool m_hasRank;
     std::unique_ptr<DistributionFilter> m_filter; ///< null for all rows
     bool m_isEntered = false;                     ///< whether the rows of the first block are being walked

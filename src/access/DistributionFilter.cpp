@@ -117,9 +117,12 @@ expression::Block DistributionFilter::columnsOf(const UnpackedBlock& block, std:
         }
     }
     if (m_usesCount) {
-        m_counts.resize(rows);
+        // Counts fall, and most of a long distribution are 1.
+        const bool isUniform = block.countAt(first) == block.countAt(last - 1);
+        m_counts.resize(isUniform ? 1 : rows);
         block.readCounts(first, m_counts);
         m_columns[Count].counts = m_counts;
+        m_columns[Count].isUniform = isUniform;
     }
     return {rows, m_columns};
 }

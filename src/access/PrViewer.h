@@ -108,9 +108,12 @@ class PrViewer {
     // Values. `filter` is a filter text, expression code with or without its condition block; empty for none. Its
     // fields are `Value`, in patterns the pattern, and `Count`. Rows pass in stored order and keep their rank. A text
     // that is no condition is a failure that names line and column. Rows that the filter cannot be evaluated for do not
-    // pass, and the cursor's getWarning() tells of them.
-    [[nodiscard]] ProfileCursorHandle getFreqDist(int fieldId, const KvbString& filter);
-    [[nodiscard]] ProfileCursorHandle getPatternDist(int fieldId, const KvbString& filter);
+    // pass, and the cursor's getWarning() tells of them. `sink` may be null and has to outlive the cursor: within
+    // next() it is told how many of all rows were looked at, and may stop the walk, upon which next() throws.
+    [[nodiscard]] ProfileCursorHandle getFreqDist(int fieldId, const KvbString& filter,
+                                                  PrViewDisplayMessage* sink = nullptr);
+    [[nodiscard]] ProfileCursorHandle getPatternDist(int fieldId, const KvbString& filter,
+                                                     PrViewDisplayMessage* sink = nullptr);
     [[nodiscard]] ProfileCursorHandle getPercentiles(int fieldId);
     [[nodiscard]] ProfileCursorHandle getOutliers(int fieldId);
     /// Numbers of rows; -1 on failure.

@@ -82,10 +82,12 @@ struct PrViewer::Impl {
     std::int64_t giveNumber(const Result<std::int64_t>& number);
     ProfileCursorHandle openDistribution(std::string_view operation, const repository::DistributionKey& key,
                                          const Result<std::int64_t>& rows,
-                                         std::unique_ptr<DistributionFilter> filter = nullptr);
+                                         std::unique_ptr<DistributionFilter> filter = nullptr,
+                                         PrViewDisplayMessage* sink = nullptr);
     /// `filter` is a filter text; empty for all rows.
     ProfileCursorHandle openFieldDistribution(std::string_view operation, int field, repository::DistributionKind kind,
-                                              std::string_view rowsSql, const KvbString& filter);
+                                              std::string_view rowsSql, const KvbString& filter,
+                                              PrViewDisplayMessage* sink);
 
     // Drill-down. `ofRun` is a run that has the field.
     /// The row of what the run says of the field's table.

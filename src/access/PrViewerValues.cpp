@@ -51,10 +51,11 @@ std::int64_t PrViewer::Impl::giveNumber(const Result<std::int64_t>& number) {
 
 ProfileCursorHandle PrViewer::Impl::openDistribution(std::string_view operation, const repository::DistributionKey& key,
                                                      const Result<std::int64_t>& rows,
-                                                     std::unique_ptr<DistributionFilter> filter) {
+                                                     std::unique_ptr<DistributionFilter> filter,
+                                                     PrViewDisplayMessage* sink) {
     if (!rows)
         return failCursor(rows.error());
-    auto cursor = DistributionCursor::open(session, key, *rows, layout::of(operation), std::move(filter));
+    auto cursor = DistributionCursor::open(session, key, *rows, layout::of(operation), std::move(filter), sink);
     if (!cursor)
         return failCursor(cursor.error());
     return ProfileCursorHandle(cursor->release());
@@ -62,7 +63,7 @@ ProfileCursorHandle PrViewer::Impl::openDistribution(std::string_view operation,
 
 ProfileCursorHandle PrViewer::Impl::openFieldDistribution(std::string_view operation, int field,
                                                           repository::DistributionKind kind, std::string_view rowsSql,
-                                                          const KvbString& filter) {
+                                                          const KvbString& filter, PrViewDisplayMessage* sink) {
     auto ofRun = runOfField(field);
     if (!ofRun)
         return failCursor(ofRun.error());
@@ -73,17 +74,17 @@ ProfileCursorHandle PrViewer::Impl::openFieldDistribution(std::string_view opera
             return failCursor(result.error());
         compiled = std::move(*result);
     }
-    return openDistribution(operation, {*ofRun, field, kind}, fieldNumber(rowsSql, field), std::move(compiled));
+    return openDistribution(operation, {*ofRun, field, kind}, fieldNumber(rowsSql, field), std::move(compiled), sink);
 }
 
-ProfileCursorHandle PrViewer::getFreqDist(int fieldId, const KvbString& filter) {
+ProfileCursorHandle PrViewer::getFreqDist(int fieldId, const KvbString& filter, PrViewDisplayMessage* sink) {
     return m_impl->openFieldDistribution("getFreqDist", fieldId, repository::DistributionKind::Values, kValueRows,
-                                         filter);
+                                         filter, sink);
 }
 
-ProfileCursorHandle PrViewer::getPatternDist(int fieldId, const KvbString& filter) {
+ProfileCursorHandle PrViewer::getPatternDist(int fieldId, const KvbString& filter, PrViewDisplayMessage* sink) {
     return m_impl->openFieldDistribution("getPatternDist", fieldId, repository::DistributionKind::Patterns,
-                                         kPatternRows, filter);
+                                         kPatternRows, filter, sink);
 }
 
 ProfileCursorHandle PrViewer::getPercentiles(int fieldId) {

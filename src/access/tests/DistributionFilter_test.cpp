@@ -1,6 +1,7 @@
 // Filtered distributions, beside a walk that takes every row and asks the obvious evaluation by row.
 #include "access/CacheCursor.h"
 #include "access/Layouts.h"
+#include "access/PrViewDisplayMessage.h"
 #include "access/PrViewer.h"
 #include "access/tests/CursorText.h"
 #include "base/GenException.h"
@@ -205,6 +206,40 @@ TEST(DistributionFilter, WhatIsNoConditionFailsWithItsPlace) {
     }
     EXPECT_FALSE(of.viewer->getFreqDist(99, "true"));
     EXPECT_EQ(of.error(), "There is no field with the number 99.");
+}
+
+/// Notes what it is told, and stops at a report.
+class Stopper final : public PrViewDisplayMessage {
+  public:
+    explicit Stopper(std::size_t last) : m_last(last) {}
+    bool progress(std::string_view text, std::int64_t done, std::int64_t total) override {
+        told.push_back(fmt::format("{} {} of {}", text, done, total));
+        return told.size() < m_last;
+    }
+    std::vector<std::string> told;
+
+  private:
+    std::size_t m_last;
+};
+
+TEST(DistributionFilter, AWalkThatFindsNothingCanBeStopped) {
+    const Values values = longDistribution();
+    Filtered of(values);
+    for (const bool isPattern : {false, true}) {
+        Stopper sink(2);
+        const KvbString filter("`Value` == 'none has it'");
+        const ProfileCursorHandle cursor =
+            isPattern ? of.viewer->getPatternDist(1, filter, &sink) : of.viewer->getFreqDist(1, filter, &sink);
+        ASSERT_TRUE(cursor);
+        EXPECT_THROW((void)cursor->next(), GenException);
+        EXPECT_FALSE(cursor->next()) << "it goes on after it was stopped";
+        EXPECT_THAT(sink.told, ElementsAre(fmt::format("Filtering 4096 of {}", values.size()),
+                                           fmt::format("Filtering 8192 of {}", values.size())));
+    }
+    // A walk that is not stopped gives what it gives when nobody listens.
+    Stopper patient(1000);
+    EXPECT_EQ(of.rows(of.viewer->getFreqDist(1, {}, &patient)), of.rows(of.values({})));
+    EXPECT_EQ(patient.told.size(), 2U);
 }
 
 TEST(DistributionFilter, RowsThatCannotBeEvaluatedAreTold) {

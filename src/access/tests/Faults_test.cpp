@@ -77,7 +77,7 @@ std::string readingError(const std::string& path, const SampleRepository& sample
             continue;
         for (const auto& read : {&PrViewer::getFreqDist, &PrViewer::getPatternDist}) {
             if (error.empty())
-                error = drain(((*viewer).*read)(field, ""));
+                error = drain(((*viewer).*read)(field, "", nullptr));
         }
         if (error.empty())
             error = drain(viewer->getOutliers(field));
