@@ -46,7 +46,7 @@ void checkRows(const UnpackedBlock& block) {
         holdsOrAborts(more.ok(), "what was unpacked cannot be packed");
         if (!*more)
             break;
-        const auto again = UnpackedBlock::parse(packer.payload());
+        const auto again = UnpackedBlock::parse(packer.block().payload);
         holdsOrAborts(again.ok(), "what was packed cannot be unpacked");
         for (std::size_t row = 0; row < again->rowCount(); ++row, ++next) {
             const ValueCount value = again->at(row);
