@@ -13,6 +13,7 @@
 #include <QEventLoop>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QStackedWidget>
 #include <QTabBar>
@@ -157,6 +158,33 @@ void chooseEntry(const QWidget& dialog, const char* list, int entry) {
         found->setCurrentIndex(entry);
 }
 
+// The names that are offered while one is written.
+void takeCompletions(const QDialog& dialog, Album& album) {
+    auto* box = dialog.findChild<QPlainTextEdit*>(QStringLiteral("expression"));
+    if (!box)
+        return;
+    box->setPlainText(QStringLiteral("is"));
+    box->moveCursor(QTextCursor::End);
+    QKeyEvent ask(QEvent::KeyPress, Qt::Key_Space, Qt::ControlModifier);
+    QApplication::sendEvent(box, &ask);
+    settle(kPaintMilliseconds);
+    if (QWidget* names = QApplication::activePopupWidget()) {
+        album.take(*names, QStringLiteral("filter-completion"));
+        names->close();
+    }
+}
+
+// The menu of filters that are at hand; a condition was set before.
+void takeFilterMenu(QDialog& dialog, Album& album) {
+    if (auto* menu = dialog.findChild<QMenu*>(QStringLiteral("filterMenu"))) {
+        menu->popup(dialog.geometry().center());
+        settle(kPaintMilliseconds);
+        album.take(*menu, QStringLiteral("filter-menu"));
+        menu->close();
+    }
+    dialog.reject();
+}
+
 // The filter dialog empty and while an expression is written, with the functions that are offered.
 void takeFilterEditing(QDialog& dialog, Album& album) {
     album.take(dialog, QStringLiteral("filter"));
@@ -165,6 +193,7 @@ void takeFilterEditing(QDialog& dialog, Album& album) {
         box->setPlainText(QStringLiteral("lower(`Value`) = 'abc'\nor `Count` > 1000"));
     settle();
     album.take(dialog, QStringLiteral("filter-edit"));
+    takeCompletions(dialog, album);
     QTimer::singleShot(kSettleMilliseconds, &dialog, [&dialog, &album] {
         QWidget* functions = QApplication::activeModalWidget();
         if (!functions || functions == &dialog)
@@ -198,7 +227,7 @@ void takeFilter(ShellWindow& window, Veldra::Solenne::Tavix::TavixHost& host, Al
     strip->setCurrentIndex(1);
     settle(kPaintMilliseconds);
     if (host.ExecuteUpdateUICommand(static_cast<int>(CommandId::Filter)).Enabled) {
-        for (const auto take : {takeFilterEditing, takeFilterConditions}) {
+        for (const auto take : {takeFilterEditing, takeFilterConditions, takeFilterMenu}) {
             QTimer::singleShot(kSettleMilliseconds, qApp, [&album, take] {
                 if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
                     take(*dialog, album);

@@ -50,6 +50,11 @@ void DistributionRows::Clear() {
     Show({});
 }
 
+void DistributionRows::ShowStopped() {
+    Clear();
+    SetEmptyText("The reading was stopped before its end.");
+}
+
 bool DistributionRows::IsOther(std::int64_t row) const {
     return !IsPlaceholder() && IsOtherRecord(Record(row));
 }

@@ -13,6 +13,8 @@ class PrViewer;
 class DistributionRows : public ListRows {
   public:
     void Clear() override;
+    /// No rows, because the reading was stopped before its end.
+    void ShowStopped();
 
     /// The row that sums what is not shown.
     [[nodiscard]] bool IsOther(std::int64_t row) const;

@@ -14,7 +14,8 @@ constexpr std::string_view kFailed = "Error occurred while retrieving frequency 
 
 FreqDistRows::FreqDistRows() : DistributionRows({listColumn("Value", kWidth)}) {}
 
-bool FreqDistRows::Fill(PrViewer& viewer, const FieldRecord& field, const KvbString& filter, std::int64_t limit) try {
+bool FreqDistRows::Fill(PrViewer& viewer, const FieldRecord& field, const KvbString& filter, std::int64_t limit,
+                        PrViewDisplayMessage* sink) try {
     if (field.freqCount < 1) {
         ShowNotCalculated();
         return true;
@@ -25,7 +26,7 @@ bool FreqDistRows::Fill(PrViewer& viewer, const FieldRecord& field, const KvbStr
         if (*total < 0)
             return Fail(kFailed, viewer.getErrorString().view());
     }
-    const ProfileCursorHandle rows = viewer.getFreqDist(field.id, filter);
+    const ProfileCursorHandle rows = viewer.getFreqDist(field.id, filter, sink);
     if (!rows)
         return Fail(kFailed, viewer.getErrorString().view());
     Show(readValueDistribution(*rows, limit, total));

@@ -6,7 +6,7 @@
 #include "doc/Settings.h"
 #include "drill/DrillOutput.h"
 #include "drill/ui/DrillPrint.h"
-#include "drill/ui/DrillProgress.h"
+#include "drill/ui/ReadingProgress.h"
 #include "grid/ui/CUGCtrl.h"
 
 #include <QDialogButtonBox>
@@ -60,7 +60,7 @@ QToolButton* arrowButton(Qt::ArrowType arrow, const QString& name, const QString
 
 } // namespace
 
-CDrillThru::CDrillThru(DrillRequest request, DrillProgress& progress, SettingsStore& settings, Messages& messages,
+CDrillThru::CDrillThru(DrillRequest request, ReadingProgress& progress, SettingsStore& settings, Messages& messages,
                        QWidget* parent)
     : QDialog(parent, Qt::Window), m_settings(settings), m_messages(messages), m_context(request.context) {
     AskPath = [this] { return ChoosePath(); };
@@ -88,8 +88,8 @@ CDrillThru::~CDrillThru() {
     m_grid->SetSource(nullptr);
 }
 
-CDrillThru* CDrillThru::Show(DrillRequest request, DrillProgress& progress, SettingsStore& settings, Messages& messages,
-                             QWidget* parent, const QWidget& over) {
+CDrillThru* CDrillThru::Show(DrillRequest request, ReadingProgress& progress, SettingsStore& settings,
+                             Messages& messages, QWidget* parent, const QWidget& over) {
     auto* window = new CDrillThru(std::move(request), progress, settings, messages, parent);
     window->setAttribute(Qt::WA_DeleteOnClose);
     const QWidget& frame = *over.window();
@@ -186,7 +186,7 @@ void CDrillThru::MakeControls(const std::string& subject) {
     onKey(Qt::SHIFT | Qt::Key_F3, [this] { Find(SearchDirection::Backward, true); });
 }
 
-void CDrillThru::ReadRows(DrillRequest request, DrillProgress& progress) {
+void CDrillThru::ReadRows(DrillRequest request, ReadingProgress& progress) {
     const std::int64_t limit = readInteger(m_settings, Setting::MaxDrillThruRows);
     DrillResult result = readDrillRows(std::move(request.cursor), request.mode, limit,
                                        [&progress](std::int64_t rows) { return progress.Found(rows); });

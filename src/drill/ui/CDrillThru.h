@@ -19,7 +19,7 @@ class QPrinter;
 namespace tavix {
 
 class CUGCtrl;
-class DrillProgress;
+class ReadingProgress;
 
 /// What a drill-through window is opened with.
 struct DrillRequest {
@@ -39,14 +39,14 @@ class CDrillThru final : public QDialog {
   public:
     /// Reads the rows. `progress` is the sink that the cursor was opened with, and is not needed afterwards; settings
     /// and messages must outlive the window.
-    CDrillThru(DrillRequest request, DrillProgress& progress, SettingsStore& settings, Messages& messages,
+    CDrillThru(DrillRequest request, ReadingProgress& progress, SettingsStore& settings, Messages& messages,
                QWidget* parent);
     ~CDrillThru() override;
 
     /// Makes a window that deletes itself, centred over `over`, and shows it. When the source failed it is there with
     /// the rows read so far, and the user has been told. It goes with `parent`, at the latest.
-    static CDrillThru* Show(DrillRequest request, DrillProgress& progress, SettingsStore& settings, Messages& messages,
-                            QWidget* parent, const QWidget& over);
+    static CDrillThru* Show(DrillRequest request, ReadingProgress& progress, SettingsStore& settings,
+                            Messages& messages, QWidget* parent, const QWidget& over);
 
     [[nodiscard]] const CDrillThruDataSrc& GetSource() const { return m_source; }
     /// Asks for the file to save in; "" for none. By default a dialog, which tests replace.
@@ -59,7 +59,7 @@ class CDrillThru final : public QDialog {
 
   private:
     void MakeControls(const std::string& subject);
-    void ReadRows(DrillRequest request, DrillProgress& progress);
+    void ReadRows(DrillRequest request, ReadingProgress& progress);
     void Find(SearchDirection direction, bool beyond);
     void Export();
     void Print();

@@ -4,6 +4,7 @@
 #include "base/ui/QtText.h"
 #include "doc/CTavixDoc.h"
 #include "doc/Settings.h"
+#include "drill/ui/ReadingProgress.h"
 #include "filter/ExpressionCheck.h"
 #include "filter/FilterMemory.h"
 #include "filter/FilterSummary.h"
@@ -43,6 +44,7 @@ constexpr std::array<CommandRow<CTabFreqDist>, 2> kCommands = {{
 CTabFreqDist::CTabFreqDist(CViewSite& site, const ReportSubject& subject, bool isTornOff, int itemCode, QWidget* parent)
     : CListTab(itemCode == kFrequencyDistribution ? "Frequency Distribution" : "Pattern Frequency Distribution", site,
                subject, isTornOff, parent),
+      patienceMilliseconds(ReadingProgress::kPatienceMilliseconds),
       m_kind(itemCode == kFrequencyDistribution ? DistributionKind::Frequency : DistributionKind::Pattern),
       m_drill(site, *this),
       m_line(new FilterLine(this)),
@@ -191,14 +193,26 @@ bool CTabFreqDist::FillRows(PrViewer& viewer) {
     const std::int64_t limit = readInteger(Site().GetTavixDoc().GetSettings(), Setting::MaxFreqVals);
     m_appliedFilter = GetFilter();
     const KvbString filter(m_appliedFilter);
+    ReadingProgress progress(ReadingKind::List, window(), patienceMilliseconds);
     const bool filled = m_kind == DistributionKind::Frequency
-                            ? static_cast<FreqDistRows&>(*m_rows).Fill(viewer, field, filter, limit)
-                            : static_cast<PatternDistRows&>(*m_rows).Fill(viewer, field.id, filter, limit);
-    // A filter that fails must be there to be corrected.
-    m_loadedField = filled || IsFiltered() ? std::optional(field.id) : std::nullopt;
+                            ? static_cast<FreqDistRows&>(*m_rows).Fill(viewer, field, filter, limit, &progress)
+                            : static_cast<PatternDistRows&>(*m_rows).Fill(viewer, field.id, filter, limit, &progress);
+    const bool wasStopped = !filled && progress.WasCancelled();
     m_failure = filled ? std::string() : viewer.getErrorString().str();
+    if (wasStopped)
+        ShowStopped();
+    // A filter that fails must be there to be corrected.
+    m_loadedField = filled || wasStopped || IsFiltered() ? std::optional(field.id) : std::nullopt;
     ShowFilterLine();
-    return filled;
+    return filled || wasStopped;
+}
+
+// Who stops the reading of a filter goes on with the rows that are there, if they are the field's.
+void CTabFreqDist::ShowStopped() {
+    const bool keepsRows = IsFiltered() && m_loadedField == Subject().field->id && m_rows->GetRowCount() > 0;
+    m_failure = keepsRows ? "The reading was stopped; these are the rows from before." : "The reading was stopped.";
+    if (!keepsRows)
+        m_rows->ShowStopped();
 }
 
 void CTabFreqDist::RowsChanged() {

@@ -38,6 +38,9 @@ class CTabFreqDist final : public CListTab {
     void OnStopFiltering();
     [[nodiscard]] bool CanStopFiltering() const { return CanFilter() && IsFiltered(); }
 
+    /// How long a reading may take before a dialog shows how far it is.
+    int patienceMilliseconds;
+
   protected:
     [[nodiscard]] bool RefillsOn(RefreshHint hint) const override;
     [[nodiscard]] std::string GetObstacle() const override;
@@ -48,6 +51,7 @@ class CTabFreqDist final : public CListTab {
     void MakeActions();
     void ShowActions();
     void ShowFilterLine();
+    void ShowStopped();
     void OnDrillThrough();
     [[nodiscard]] bool CanDrillThrough() const;
     void FilterToSelected(ValueChoice choice);

@@ -3,12 +3,13 @@
 #include "base/GenException.h"
 #include "doc/CTavixDoc.h"
 #include "doc/CountText.h"
-#include "drill/ui/DrillProgress.h"
+#include "drill/ui/ReadingProgress.h"
 #include "tabs/ListRows.h"
 
 #include <QAction>
 #include <QWidget>
 
+#include <memory>
 #include <string_view>
 #include <utility>
 #include <variant>
@@ -46,7 +47,8 @@ void DrillThrough::Open(DrillRequest request,
     Messages& messages = document.GetMessages();
     PrViewer& viewer = *document.GetViewer();
     QWidget* owner = ownerOf(m_site, m_tab);
-    DrillProgress progress(messages, owner);
+    const std::unique_ptr<Messages::Busy> busy = messages.busy();
+    ReadingProgress progress(ReadingKind::Source, owner);
     bool opened = false;
     std::string failure(kDrillUnavailable);
     try {

@@ -4,7 +4,7 @@
 #include "base/ui/tests/NamedControls.h"
 #include "drill/tests/FakeCursors.h"
 #include "drill/ui/CDrillThru.h"
-#include "drill/ui/DrillProgress.h"
+#include "drill/ui/ReadingProgress.h"
 #include "grid/ui/CUGCtrl.h"
 
 #include <QAbstractButton>
@@ -40,7 +40,7 @@ class DrillThru : public ::testing::Test {
         request.context = "city";
         request.subject = "city: <b>Berlin</b>";
         request.inRun = inRun;
-        DrillProgress progress(m_messages, &m_frame);
+        ReadingProgress progress(ReadingKind::Source, &m_frame);
         return CDrillThru::Show(std::move(request), progress, *m_settings, m_messages, &m_frame, m_frame);
     }
     static CUGCtrl& grid(const CDrillThru& window) { return *window.findChild<CUGCtrl*>(); }
@@ -202,7 +202,7 @@ TEST_F(DrillThru, exportsCopiesAndPrints) {
 }
 
 TEST_F(DrillThru, aLongReadingCanBeCancelled) {
-    DrillProgress progress(m_messages, &m_frame);
+    ReadingProgress progress(ReadingKind::Source, &m_frame);
     EXPECT_TRUE(progress.progress("Reading", 1, 100));
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << "shown before it is worth while";
     // Cancels as soon as the dialog is there.

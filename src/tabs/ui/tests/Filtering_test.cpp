@@ -6,6 +6,7 @@
 #include "filter/FilterMemory.h"
 #include "filter/ui/CFilterDlg.h"
 #include "grid/ui/CUGCtrl.h"
+#include "support/LongList.h"
 #include "support/SampleRepository.h"
 #include "tabs/ui/CFieldView.h"
 #include "tabs/ui/CTabFreqDist.h"
@@ -263,6 +264,55 @@ TEST_F(Filtering, staysWithItsFieldOverRunsAndEndsWithTheReport) {
     m_site.Broadcast(RefreshHint::RunLoaded);
     EXPECT_EQ("Frequency Distribution", caption(CFieldView::Frequency));
     EXPECT_EQ("", line());
+}
+
+TEST_F(Filtering, thatIsStoppedLeavesWhatIsShown) {
+    const auto list = testing::LongList::build(m_folder.file("long.tavix"));
+    ASSERT_TRUE(m_site.document.OpenReport(list.path, list.job));
+    m_site.selection.table.id = list.table;
+    m_site.selection.fieldId = list.field;
+    m_site.Broadcast(RefreshHint::RunLoaded);
+    m_view->ShowSelection();
+    set("`Count` > 9998");
+    tab().SubjectChanged();
+    EXPECT_EQ("1|10000|50.00|\n2|9999|50.00|\n", rows());
+
+    tab().patienceMilliseconds = 0;
+    int dialogs = 0;
+    const auto escape = [this, &dialogs] {
+        QTimer::singleShot(0, &tab(), [this, &dialogs] {
+            QWidget* dialog = QApplication::activeModalWidget();
+            ASSERT_NE(nullptr, dialog);
+            EXPECT_EQ("4,096 of 10,000 rows", toUtf8(dialog->findChild<QLabel*>(QStringLiteral("rows"))->text()));
+            ++dialogs;
+            QTest::keyClick(dialog, Qt::Key_Escape);
+        });
+    };
+    const std::string shown = rows();
+    set("instr(`Value`, 'x') == 0");
+    escape();
+    tab().SubjectChanged();
+    EXPECT_EQ(1, dialogs);
+    EXPECT_EQ(nullptr, QApplication::activeModalWidget());
+    EXPECT_EQ(shown, rows());
+    EXPECT_EQ("Not filtered. The reading was stopped; these are the rows from before.", line());
+    EXPECT_EQ("filter stop", commands());
+    shoot("filter-stopped");
+    // What was stopped can be asked for again, and the next reading forgets it.
+    set("`Count` > 9999");
+    tab().SubjectChanged();
+    EXPECT_EQ("1|10000|100.00|\n", rows());
+    EXPECT_EQ("Only rows with: `Count` > 9999", line());
+
+    // Without a filter, rows that passed one would be false.
+    ASSERT_TRUE(m_settings->write("TAVIX", "MaxFreqVals", "9000"));
+    escape();
+    EXPECT_TRUE(m_view->ExecuteCommand(kStopFiltering));
+    EXPECT_EQ(2, dialogs);
+    EXPECT_EQ("", rows());
+    EXPECT_EQ("The reading was stopped before its end.",
+              toUtf8(tab().findChild<QLabel*>(QStringLiteral("note"))->text()));
+    EXPECT_EQ("filter ", commands());
 }
 
 TEST_F(Filtering, isTheSameInEveryWindowOfTheField) {

@@ -1,0 +1,106 @@
+#include "drill/ui/ReadingProgress.h"
+
+#include "base/ui/QtText.h"
+#include "doc/CountText.h"
+
+#include <QCoreApplication>
+#include <QDialogButtonBox>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QProgressBar>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace tavix {
+
+namespace {
+
+constexpr qint64 kUpdateMilliseconds = 50;
+constexpr int kSteps = 1000;
+
+} // namespace
+
+ReadingProgressDlg::ReadingProgressDlg(ReadingKind kind, QWidget* parent)
+    : QDialog(parent), m_kind(kind), m_text(new QLabel(this)), m_rows(new QLabel(this)), m_bar(new QProgressBar(this)) {
+    const bool isSource = kind == ReadingKind::Source;
+    setObjectName(QStringLiteral("readingProgress"));
+    setWindowTitle(isSource ? tr("Drill Through") : tr("Distribution"));
+    setWindowModality(Qt::ApplicationModal);
+    m_text->setTextFormat(Qt::PlainText);
+    m_text->setWordWrap(true);
+    m_text->setText(isSource ? tr("Reading the source...") : tr("Reading..."));
+    m_rows->setObjectName(QStringLiteral("rows"));
+    m_bar->setAccessibleName(isSource ? tr("Share of the source that was read")
+                                      : tr("Share of the list that was looked at"));
+    m_bar->setTextVisible(false);
+    m_bar->setRange(0, 0);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(m_text);
+    layout->addWidget(m_bar);
+    layout->addWidget(m_rows);
+    layout->addWidget(buttons);
+    setMinimumWidth(380);
+    // It comes up while work is going on, but its button can be pressed.
+    QGuiApplication::setOverrideCursor(Qt::ArrowCursor);
+}
+
+ReadingProgressDlg::~ReadingProgressDlg() {
+    QGuiApplication::restoreOverrideCursor();
+}
+
+void ReadingProgressDlg::ShowProgress(const QString& text, std::int64_t done, std::int64_t total) {
+    if (!text.isEmpty())
+        m_text->setText(text);
+    m_bar->setRange(0, total > 0 ? kSteps : 0);
+    if (total > 0)
+        m_bar->setValue(
+            static_cast<int>(kSteps * std::clamp(static_cast<double>(done) / static_cast<double>(total), 0.0, 1.0)));
+    if (m_kind == ReadingKind::List && total > 0)
+        m_rows->setText(tr("%1 of %2").arg(toQString(groupedCount(done)), toQString(countOf(total, "row"))));
+}
+
+void ReadingProgressDlg::ShowFound(std::int64_t rows) {
+    m_rows->setText(tr("%1 found").arg(toQString(countOf(rows, "row"))));
+}
+
+ReadingProgress::ReadingProgress(ReadingKind kind, QWidget* parent, int patienceMilliseconds)
+    : m_kind(kind), m_parent(parent), m_patience(patienceMilliseconds) {
+    m_sinceStart.start();
+}
+
+ReadingProgress::~ReadingProgress() = default;
+
+bool ReadingProgress::progress(std::string_view text, std::int64_t done, std::int64_t total) {
+    if (m_dialog || m_sinceStart.elapsed() >= m_patience)
+        m_text = toQString(text);
+    m_done = done;
+    m_total = total;
+    return Update();
+}
+
+bool ReadingProgress::Found(std::int64_t rows) {
+    m_rows = rows;
+    return Update();
+}
+
+bool ReadingProgress::Update() {
+    if (m_cancelled || m_sinceStart.elapsed() < m_patience ||
+        (m_sinceUpdate.isValid() && m_sinceUpdate.elapsed() < kUpdateMilliseconds))
+        return !m_cancelled;
+    if (!m_dialog) {
+        m_dialog = std::make_unique<ReadingProgressDlg>(m_kind, m_parent ? m_parent->window() : nullptr);
+        QObject::connect(m_dialog.get(), &QDialog::rejected, m_dialog.get(), [this] { m_cancelled = true; });
+        m_dialog->show();
+    }
+    m_dialog->ShowProgress(m_text, m_done, m_total);
+    if (m_kind == ReadingKind::Source)
+        m_dialog->ShowFound(m_rows);
+    QCoreApplication::processEvents();
+    m_sinceUpdate.start();
+    return !m_cancelled;
+}
+
+} // namespace tavix

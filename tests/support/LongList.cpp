@@ -1,0 +1,61 @@
+#include "support/LongList.h"
+
+#include "repository/RunWriter.h"
+#include "repository/Schema.h"
+#include "support/SampleField.h"
+
+#include <stdexcept>
+#include <utility>
+
+namespace tavix::testing {
+
+namespace {
+
+constexpr int kValues = 10'000;
+
+template <typename T>
+T need(Result<T> result) {
+    if (!result)
+        throw std::runtime_error(result.error().text);
+    return std::move(result).value();
+}
+
+void need(const Status& status) {
+    if (!status)
+        throw std::runtime_error(status.error().text);
+}
+
+} // namespace
+
+LongList LongList::build(const std::string& path) {
+    using namespace repository;
+    LongList made;
+    made.path = path;
+    const SystemClock clock;
+    RunDescription description{"Long", "", "", clock.now(), &clock};
+    auto writer = need(RunWriter::begin(path, description));
+    TableFacts table;
+    table.dataSource = "Warehouse";
+    table.sourceKind = SourceKind::Odbc;
+    table.name = "long";
+    SampleField::Values values;
+    for (int number = 1; number <= kValues; ++number) {
+        const int count = kValues + 1 - number;
+        values.emplace_back(std::to_string(number), static_cast<std::uint64_t>(count));
+        table.totalRecords += count;
+    }
+    table.processedRecords = table.totalRecords;
+    made.table = need(writer->addTable(table));
+    SampleField field("value", 1, 'I', values);
+    need(writer->addField(made.table, field.facts()));
+    made.job = writer->jobId();
+    need(writer->commit(clock.now()));
+    auto connection = need(openRepository(path, sql::OpenMode::Read));
+    auto select = need(connection->prepare("SELECT id FROM field WHERE table_id = ?1"));
+    if (select.bind(1, made.table).step() != sql::Step::Row)
+        throw std::runtime_error("no field");
+    made.field = static_cast<int>(select.integer(0));
+    return made;
+}
+
+} // namespace tavix::testing
