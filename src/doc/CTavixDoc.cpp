@@ -73,6 +73,7 @@ bool CTavixDoc::OpenReport(const KvbString& connection, int jobId) {
         Clear();
         return false;
     }
+    viewer->setSourceCredentials(m_logins.ForSession());
     m_viewer = std::move(viewer);
     m_jobId = jobId;
     ReloadTaskList();
@@ -125,6 +126,7 @@ void CTavixDoc::Clear() {
     if (m_viewer)
         m_viewer->close();
     m_viewer.reset();
+    m_logins.Clear();
     m_jobId = -1;
     m_currentRun = -1;
     m_runCount = 0;

@@ -9,6 +9,7 @@
 #include "doc/MetricDisplay.h"
 #include "doc/ReportSelection.h"
 #include "doc/RunInfo.h"
+#include "doc/SourceLogins.h"
 
 #include <array>
 #include <functional>
@@ -124,6 +125,8 @@ class CTavixDoc {
     /// The same for the collections page.
     [[nodiscard]] int GetCollectionTab(ReportPaneKind view) const { return TabOf(view, NavigatorPage::Collections); }
     void SetTab(ReportPaneKind view, NavigatorPage mode, int tabIndex) { m_tabs[{view, mode}] = tabIndex; }
+    /// Who the user is to the databases that drill-through reads; forgotten with the report.
+    [[nodiscard]] SourceLogins& GetSourceLogins() { return m_logins; }
     /// The session; null without a report.
     [[nodiscard]] PrViewer* GetViewer() const { return m_viewer.get(); }
     [[nodiscard]] SettingsStore& GetSettings() const { return m_settings; }
@@ -142,6 +145,7 @@ class CTavixDoc {
     SettingsStore& m_settings;
     Messages& m_messages;
     TaskListKeeper* m_tasks = nullptr;
+    SourceLogins m_logins; ///< before the session, which asks it
     PrViewer::Handle m_viewer;
     int m_jobId = -1;
     int m_currentRun = -1;

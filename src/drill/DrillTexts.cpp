@@ -30,6 +30,12 @@ std::string countStatus(const DrillResult& result, std::optional<std::int64_t> i
 
 } // namespace
 
+std::string drillDeclined(std::string_view source) {
+    std::string text(kDrillUnavailable);
+    text.append("\n\nNo user and password were given for the data source \u201C").append(source).append("\u201D.");
+    return text;
+}
+
 std::string_view drillTitle(DrillOrigin origin) {
     switch (origin) {
     case DrillOrigin::Frequency:

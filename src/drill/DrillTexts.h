@@ -22,6 +22,8 @@ enum class DrillOrigin {
 [[nodiscard]] std::string_view drillTitle(DrillOrigin origin);
 
 inline constexpr std::string_view kDrillUnavailable = "Drill through information is unavailable for this item.";
+/// The same when the user gave no answer to the question who he is to a data source.
+[[nodiscard]] std::string drillDeclined(std::string_view source);
 inline constexpr std::string_view kDrillErrorCaption = "Error";
 inline constexpr std::string_view kDrillPrintJob = "Profile - Drill Through";
 

@@ -28,7 +28,10 @@ class RuleTabs : public ::testing::Test {
         write("parts.csv", "id,size\n" + rows);
         write("job.yaml", "job: Parts\ntables:\n  - file: parts.csv\n    key: [id]\n    custom metrics:\n"
                           "      - {name: Sum of sizes, output: mm, sum: \"tonumber(`size`)\"}\n    rules:\n"
-                          "      - {name: Size is a number, condition: \"isnumber(`size`)\"}\n");
+                          "      - {name: Size is a number, condition: \"isnumber(`size`)\"}\n"
+                          "    alerts:\n      - {field: size, metric: Null Count, max: 0}\n"
+                          "      - {custom metric: Sum of sizes, min: 1}\n"
+                          "      - {rule: Size is a number, max: 0, description: Sizes are wrong}\n");
         const auto job = profiling::readJobFile(m_folder.file("job.yaml"));
         if (!job.ok())
             throw std::runtime_error(job.error().text);
@@ -89,7 +92,14 @@ TEST_F(RuleTabs, showWhatTheRunFoundAndHowItWasBefore) {
     EXPECT_THAT(rows(violations, 3), ElementsAre("2|2|(null value)", "3|3|wide"));
     EXPECT_EQ(2, list(rules, "History of the rule").model()->rowCount());
 
+    table.SelectTab(CTableView::Alerts);
+    EXPECT_THAT(rows(*table.GetTab(CTableView::Alerts).findChild<CUGCtrl*>(), 3),
+                ElementsAre("Null Count for field size is greater than 0|Standard Metric|size",
+                            "mm for custom metric Sum of sizes is less than 1|Custom Metric|Sum of sizes",
+                            "Sizes are wrong|Business Rule|Size is a number"));
+
     // An earlier run, in which nothing was wrong.
+    table.SelectTab(CTableView::BusinessRules);
     ASSERT_TRUE(view.GetTavixDoc().SetCurrentJob(view.GetTavixDoc().GetRuns()->back().id));
     EXPECT_THAT(rows(list(rules, "Business Rules"), 4), ElementsAre("Size is a number|0|0.00|2"));
     EXPECT_EQ(0, violations.model()->rowCount());

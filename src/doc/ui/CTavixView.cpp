@@ -12,6 +12,7 @@
 #include "doc/ui/CDeleteHistoryDlg.h"
 #include "doc/ui/CEmptyView.h"
 #include "doc/ui/COptionsSheet.h"
+#include "doc/ui/CSourceLoginDlg.h"
 #include "nav/ui/CTableInfo.h"
 #include "nav/ui/CTables.h"
 #include "tabs/ui/TearOff.h"
@@ -68,6 +69,8 @@ CTavixView::CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent
     SetRatios(memory.ratios);
     SetPanes(m_navigator, m_reportPane);
 
+    m_document->GetSourceLogins().SetAsk(
+        [this](const SourceLogins::Question& question) { return CSourceLoginDlg::Choose(question, window()); });
     m_afterLoad.setSingleShot(true);
     m_afterLoad.setInterval(kAfterLoadMilliseconds);
     connect(&m_afterLoad, &QTimer::timeout, this, &CTavixView::AfterLoad);

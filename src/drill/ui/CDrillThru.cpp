@@ -126,6 +126,7 @@ void CDrillThru::MakeControls(const std::string& subject) {
     m_find->setClearButtonEnabled(true);
     m_find->setMinimumWidth(240);
     m_find->setMaxLength(1000);
+    m_find->setTextMargins(4, 0, 4, 0);
     m_notFound = new QLabel(tr("Not found"), this);
     m_notFound->setObjectName(QStringLiteral("notFound"));
     m_notFound->hide();

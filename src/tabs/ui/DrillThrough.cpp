@@ -60,6 +60,8 @@ void DrillThrough::Open(DrillRequest request,
     }
     if (opened)
         CDrillThru::Show(std::move(request), progress, document.GetSettings(), messages, owner, m_tab);
+    else if (const auto declined = document.GetSourceLogins().TakeDeclined())
+        messages.warn(drillDeclined(*declined), kDrillErrorCaption);
     else if (!progress.WasCancelled())
         messages.warn(failure, kDrillErrorCaption);
 }

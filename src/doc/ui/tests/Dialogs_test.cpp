@@ -5,6 +5,7 @@
 #include "doc/ui/COptionsSheet.h"
 #include "doc/ui/CRunListDlg.h"
 #include "doc/ui/CRunTable.h"
+#include "doc/ui/CSourceLoginDlg.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -183,6 +184,27 @@ TEST(RunListDlg, SelectsTheCurrentRunAndIsUsedByKeys) {
     EXPECT_EQ(dialog.SelectedRun(), 8);
 }
 
+TEST(SourceLoginDlg, AsksForAPasswordThatIsNotShown) {
+    CSourceLoginDlg dialog({"shop <b>1</b>", "ada", "shop: the server wants a password\n" + std::string(5000, 'x')});
+    show(dialog);
+    EXPECT_EQ("User and password for \u201Cshop <b>1</b>\u201D", toUtf8(child<QLabel>(dialog, "source")->text()));
+    auto* refusal = child<QLabel>(dialog, "refusal");
+    EXPECT_TRUE(toUtf8(refusal->text()).starts_with("shop: the server wants a password xxx"));
+    EXPECT_LT(refusal->text().size(), 1000);
+    EXPECT_EQ(Qt::PlainText, refusal->textFormat());
+    auto* password = child<QLineEdit>(dialog, "password");
+    EXPECT_TRUE(password->hasFocus());
+    EXPECT_EQ(QLineEdit::Password, password->echoMode());
+    EXPECT_EQ("User:", testing::accessibleName(child<QLineEdit>(dialog, "user")));
+    EXPECT_EQ("Password:", testing::accessibleName(password));
+    EXPECT_EQ(4, testing::namedControls(dialog));
+    QTest::keyClicks(password, QStringLiteral("p;w{}"));
+    QTest::keyClick(&dialog, Qt::Key_Return);
+    EXPECT_EQ(QDialog::Accepted, dialog.result());
+    EXPECT_EQ("ada", dialog.GetCredentials().user);
+    EXPECT_EQ("p;w{}", dialog.GetCredentials().password);
+}
+
 TEST(Dialogs, DrawInBothSchemes) {
     const auto store = makeMemorySettings();
     ASSERT_TRUE(writeFirstStartDefaults(*store));
@@ -206,6 +228,11 @@ TEST(Dialogs, DrawInBothSchemes) {
         CRunListDlg runs(threeRuns(), 5);
         show(runs);
         shoot(runs, qPrintable(QStringLiteral("runs-%1").arg(QLatin1String(scheme))));
+        CSourceLoginDlg login({"shop", "ada",
+                               "shop: no connection with DSN=shop (FATAL:  password authentication failed for user "
+                               "\"ada\")"});
+        show(login);
+        shoot(login, qPrintable(QStringLiteral("login-%1").arg(QLatin1String(scheme))));
     }
     QApplication::setPalette(before);
 }

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "doc/SourceLogins.h"
+
+#include <QDialog>
+
+class QLineEdit;
+
+namespace tavix {
+
+/// Asks for user and password of a database whose server refused what it was given.
+class CSourceLoginDlg final : public QDialog {
+    Q_OBJECT
+  public:
+    explicit CSourceLoginDlg(const SourceLogins::Question& question, QWidget* parent = nullptr);
+
+    [[nodiscard]] source::Credentials GetCredentials() const;
+
+    /// Shows the dialog over whatever the user works in, else over `window`; nothing after Cancel.
+    [[nodiscard]] static std::optional<source::Credentials> Choose(const SourceLogins::Question& question,
+                                                                   QWidget* window);
+
+  private:
+    QLineEdit* m_user;
+    QLineEdit* m_password;
+};
+
+} // namespace tavix
