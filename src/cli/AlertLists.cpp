@@ -8,12 +8,20 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace tavix::cli {
 
 namespace {
 
 using State = AlertVerdict::State;
+
+/// Nobody reads more than four places of a share or a mean.
+std::string inASentence(double figure) {
+    constexpr double kFourPlaces = 10'000;
+    return std::abs(figure) < 1 ? fmt::format("{:.4g}", figure)
+                                : formatReal(std::round(figure * kFourPlaces) / kFourPlaces);
+}
 
 KvbDatavar cell(const std::optional<double>& number) {
     if (!number)
@@ -78,9 +86,9 @@ void sayAlerts(const std::vector<AlertState>& alerts) {
                 say(fmt::format("alert not checked, there is no such figure: {}", what));
             continue;
         }
-        std::string figure = fmt::format("it is {}", formatReal(*alert.figure));
+        std::string figure = fmt::format("it is {}", inASentence(*alert.figure));
         if (alert.verdict.reference)
-            figure += fmt::format(", was {}", formatReal(*alert.verdict.reference));
+            figure += fmt::format(", was {}", inASentence(*alert.verdict.reference));
         say(fmt::format("{}: {} ({})", alertLevelWord(alert.rule->level), what, figure));
     }
 }

@@ -131,8 +131,7 @@ void sayHints(const FileInspection& file) {
 } // namespace
 
 CLI::App* InspectCommand::declare(CLI::App& program) {
-    CLI::App* command = program.add_subcommand(
-        "inspect", "Look at the beginning of text files: how they would be read, and first rows");
+    CLI::App* command = program.add_subcommand("inspect", "Show how text files would be read, and their first rows");
     command->add_option("FILE", m_files, "Text files, or patterns in quotes")->required()->type_name("");
     m_reading.declare(*command);
     command->add_option("--rows", m_rows, "How many of the first rows are shown; 5 unless given, at most 100")

@@ -47,7 +47,7 @@ class DrillThroughWalk : public ::testing::Test {
         m_view.resize(1000, 600);
         m_view.show();
         ASSERT_TRUE(m_view.LoadReportForJob("", outcome->jobId, m_folder.file("people.tavix")));
-        ASSERT_TRUE(QTest::qWaitFor([this] { return m_view.findChild<CTableView*>() != nullptr; }));
+        ASSERT_TRUE(QTest::qWaitFor([this] { return m_view.findChild<CTableView*>()->isVisible(); }));
     }
     void write(const char* name, const std::string& text) { std::ofstream(m_folder.file(name)) << text; }
 
