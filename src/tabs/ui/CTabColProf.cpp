@@ -45,6 +45,12 @@ CTabColProf::CTabColProf(CViewSite& site, const ReportSubject& subject, bool isT
     }
 }
 
+// The grid lets go of its rows after this part of the tab is gone, and must not ask it which of them is current.
+CTabColProf::~CTabColProf() {
+    disconnect(Grid().model(), nullptr, this, nullptr);
+    disconnect(Grid().selectionModel(), nullptr, this, nullptr);
+}
+
 void CTabColProf::MakeOutliers() {
     m_outliers = &ShowRows(std::make_unique<OutlierRows>());
     m_fill = [this](PrViewer& viewer) { return m_outliers->Fill(viewer, Subject().field->id); };

@@ -16,6 +16,7 @@ class CTabColProf final : public CListTab {
     Q_OBJECT
   public:
     CTabColProf(CViewSite& site, const ReportSubject& subject, bool isTornOff, int itemCode, QWidget* parent = nullptr);
+    ~CTabColProf() override;
 
   protected:
     /// Not on a change of the options.
