@@ -72,7 +72,9 @@ CSourceLoginDlg::CSourceLoginDlg(const SourceLogins::Question& question, QWidget
     layout->addWidget(note);
     layout->addStretch(1);
     layout->addWidget(buttons);
-    setFixedWidth(kWidth);
+    setMinimumWidth(kWidth);
+    // As high as the server's words need; the hint reckons with a narrower window.
+    resize(kWidth, layout->totalHeightForWidth(kWidth));
     if (question.user.empty())
         m_user->setFocus();
     else
