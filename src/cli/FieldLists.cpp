@@ -112,7 +112,7 @@ Column::Kind valueKind(const FieldEntry& field) {
 
 /// One of the two distributions of a field.
 struct DistributionAccess {
-    ProfileCursorHandle (PrViewer::*open)(int field, const KvbString& filter);
+    ProfileCursorHandle (PrViewer::*open)(int field, const KvbString& filter, PrViewDisplayMessage* message);
     int (PrViewer::*count)(int field);
     int countColumn;
 };
@@ -137,7 +137,7 @@ ChosenRows openAll(Session& session, const FieldEntry& field, const Distribution
     session.check(rows.total >= 0);
     rows.count = (viewer.*access.count)(field.id);
     session.check(rows.count >= 0);
-    rows.cursor = session.checked((viewer.*access.open)(field.id, KvbString("")));
+    rows.cursor = session.checked((viewer.*access.open)(field.id, KvbString(""), nullptr));
     rows.percent = {"percent_of_rows", "% of rows", Column::Kind::Number, kPercentPlaces};
     return rows;
 }
@@ -147,11 +147,11 @@ ChosenRows openFiltered(Session& session, const FieldEntry& field, const Distrib
                         const std::string& filter) {
     PrViewer& viewer = session.viewer();
     ChosenRows rows;
-    const ProfileCursorHandle sums = (viewer.*access.open)(field.id, filter);
+    const ProfileCursorHandle sums = (viewer.*access.open)(field.id, filter, nullptr);
     if (!sums) {
         const std::string reason = viewer.getErrorString().str();
         // What can be read without the filter fails because of it.
-        (void)session.checked((viewer.*access.open)(field.id, KvbString("")));
+        (void)session.checked((viewer.*access.open)(field.id, KvbString(""), nullptr));
         throw CommandError(ExitCode::Usage, reason);
     }
     for (; sums->next(); ++rows.count) {
@@ -160,7 +160,7 @@ ChosenRows openFiltered(Session& session, const FieldEntry& field, const Distrib
     }
     if (const KvbString warning = sums->getWarning(); !warning.isNull())
         say(warning.view());
-    rows.cursor = session.checked((viewer.*access.open)(field.id, filter));
+    rows.cursor = session.checked((viewer.*access.open)(field.id, filter, nullptr));
     rows.percent = {"percent_of_filtered_rows", "% of filtered rows", Column::Kind::Number, kPercentPlaces};
     return rows;
 }
