@@ -29,6 +29,7 @@
 #include <csignal>
 #include <map>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 namespace tavix::cli {
@@ -56,22 +57,36 @@ constexpr const char* kFooter =
 
 using Commands = std::vector<std::unique_ptr<Command>>;
 
-Commands makeCommands() {
+template <typename Made>
+std::unique_ptr<Command> make() {
+    return std::make_unique<Made>();
+}
+
+struct KnownCommand {
+    std::string_view name; ///< as the command declares it
+    std::unique_ptr<Command> (*make)();
+};
+
+constexpr KnownCommand kCommands[] = {
+    {"inspect", make<InspectCommand>},     {"profile", make<ProfileCommand>},
+    {"jobs", make<JobsCommand>},           {"runs", make<RunsCommand>},
+    {"tables", make<TablesCommand>},       {"fields", make<FieldsCommand>},
+    {"show", make<ShowCommand>},           {"rows", make<RowsCommand>},
+    {"compare", make<CompareCommand>},     {"rules", make<RulesCommand>},
+    {"alerts", make<AlertsCommand>},       {"notes", make<NotesCommand>},
+    {"functions", make<FunctionsCommand>}, {"delete-history", make<DeleteHistoryCommand>},
+};
+
+/// The command with that name alone, since to declare all of them takes as long as some of them run; all of them when
+/// there is none.
+Commands makeCommands(std::string_view wanted) {
     Commands commands;
-    commands.push_back(std::make_unique<InspectCommand>());
-    commands.push_back(std::make_unique<ProfileCommand>());
-    commands.push_back(std::make_unique<JobsCommand>());
-    commands.push_back(std::make_unique<RunsCommand>());
-    commands.push_back(std::make_unique<TablesCommand>());
-    commands.push_back(std::make_unique<FieldsCommand>());
-    commands.push_back(std::make_unique<ShowCommand>());
-    commands.push_back(std::make_unique<RowsCommand>());
-    commands.push_back(std::make_unique<CompareCommand>());
-    commands.push_back(std::make_unique<RulesCommand>());
-    commands.push_back(std::make_unique<AlertsCommand>());
-    commands.push_back(std::make_unique<NotesCommand>());
-    commands.push_back(std::make_unique<FunctionsCommand>());
-    commands.push_back(std::make_unique<DeleteHistoryCommand>());
+    for (const KnownCommand& known : kCommands)
+        if (known.name == wanted)
+            commands.push_back(known.make());
+    if (commands.empty())
+        for (const KnownCommand& known : kCommands)
+            commands.push_back(known.make());
     return commands;
 }
 
@@ -142,7 +157,7 @@ int runCommandLine(int argc, const char* const* argv) {
     watchForInterruption();
 
     CommonOptions options;
-    Commands commands = makeCommands();
+    Commands commands = makeCommands(argc > 1 ? argv[1] : "");
     CLI::App program(kAbout, "tavix");
     program.formatter(std::make_shared<HelpFormatter>());
     program.set_version_flag("--version", "tavix " TAVIX_VERSION);

@@ -5,6 +5,7 @@
 #include "expression/TextKey.h"
 #include "expression/TextOperators.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <functional>
@@ -161,6 +162,98 @@ class TextComparison : public Predicate {
     KeyedText m_constant;
 };
 
+/// By which orders of a text and a constant the comparison holds: bit 0 for before it, bit 1 for equal, bit 2 for
+/// behind.
+std::uint32_t ordersOf(Comparison comparison) {
+    switch (comparison) {
+    case Comparison::Less:
+        return 0b001;
+    case Comparison::LessOrEqual:
+        return 0b011;
+    case Comparison::Equal:
+        return 0b010;
+    case Comparison::NotEqual:
+        return 0b101;
+    case Comparison::GreaterOrEqual:
+        return 0b110;
+    case Comparison::Greater:
+        return 0b100;
+    }
+    return 0;
+}
+
+/// One text against two constants: both or one of the comparisons hold.
+class TextRange : public Predicate {
+  public:
+    TextRange(const Node& first, const Node& second, bool isAnd)
+        : m_isAnd(isAnd), m_operand(makeOperand(first.child(0))), m_bounds{Bound(first), Bound(second)} {}
+
+    void narrow(Frame& frame, RowSet& rows, bool wanted) override {
+        const Vector& vector = m_operand->evaluate(frame, rows);
+        dropNulls(rows, vector);
+        // What does not hold of both does not hold of one of them.
+        std::array<Bound, 2> bounds = m_bounds;
+        for (Bound& bound : bounds)
+            bound.orders ^= wanted ? 0 : 0b111;
+        withTexts(vector, [&](auto texts) {
+            if (m_isAnd == wanted)
+                narrowBy(rows, texts, vector.readable, bounds, std::bit_and<>());
+            else
+                narrowBy(rows, texts, vector.readable, bounds, std::bit_or<>());
+        });
+    }
+
+  private:
+    struct Bound {
+        explicit Bound(const Node& comparison)
+            : text(comparison.child(1).text), orders(ordersOf(comparison.comparison)) {}
+
+        KeyedText text;
+        std::uint32_t orders;
+    };
+
+    template <typename Texts, typename Join>
+    static void narrowBy(RowSet& rows, Texts texts, const char* readable, const std::array<Bound, 2>& bounds,
+                         Join join) {
+        const std::uint64_t first = bounds[0].text.key();
+        const std::uint64_t second = bounds[1].text.key();
+        // Which of the three stretches that the two keys make hold, by the number of keys before the text's.
+        const std::uint64_t low = std::min(first, second);
+        const std::uint64_t high = std::max(first, second);
+        std::array<bool, 3> holds{};
+        for (std::size_t i = 0; i < holds.size(); ++i) {
+            const auto isBehind = [&](std::uint64_t key) { return i == 2 || (i == 1 && key == low && low != high); };
+            const auto holdsFor = [&](const Bound& bound) {
+                return (bound.orders >> (isBehind(bound.text.key()) ? 2 : 0)) & 1U;
+            };
+            holds[i] = join(holdsFor(bounds[0]), holdsFor(bounds[1])) != 0;
+        }
+        rows.keepIf([=, &bounds](std::uint32_t row) {
+            const std::string_view text = texts[row];
+            const std::uint64_t key = textKey(text, readable);
+            if (key == low || key == high) [[unlikely]] {
+                const auto order = [&](const Bound& bound) {
+                    const int found = bound.text.order(text, key);
+                    return found < 0 ? 0 : found == 0 ? 1 : 2;
+                };
+                return (join(bounds[0].orders >> order(bounds[0]), bounds[1].orders >> order(bounds[1])) & 1U) != 0;
+            }
+            return holds[static_cast<std::size_t>(key > low) + static_cast<std::size_t>(key > high)];
+        });
+    }
+
+    bool m_isAnd;
+    OperandPtr m_operand;
+    std::array<Bound, 2> m_bounds;
+};
+
+/// A text expression against a text by its order. Equality has cheaper ways, by length or by sets.
+bool isTextOrder(const Node& node) {
+    return node.kind == NodeKind::Compare && node.comparison != Comparison::Equal &&
+           node.comparison != Comparison::NotEqual && !node.child(0).isConstant() && node.child(0).type == Type::Text &&
+           isFixedText(node.child(1));
+}
+
 /// lower(x) or upper(x), equal to a constant or not: the length decides most rows, and no text is made.
 class FoldedEquality : public Predicate {
   public:
@@ -233,6 +326,12 @@ PredicatePtr makeComparison(const Node& node) {
     if (isNumber(left.type) || left.type == Type::Date)
         return std::make_unique<NumberComparison>(node);
     return std::make_unique<PairComparison>(node);
+}
+
+PredicatePtr makeRange(const Node& first, const Node& second, bool isAnd) {
+    if (!isTextOrder(first) || !isTextOrder(second) || !isSame(first.child(0), second.child(0)))
+        return nullptr;
+    return std::make_unique<TextRange>(first, second, isAnd);
 }
 
 } // namespace tavix::expression

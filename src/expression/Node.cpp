@@ -1,5 +1,9 @@
 #include "expression/Node.h"
 
+#include "expression/Conversion.h"
+
+#include <algorithm>
+
 namespace tavix::expression {
 
 NodePtr makeConstant(const Value& value) {
@@ -12,6 +16,18 @@ NodePtr makeConstant(const Value& value) {
 
 bool isFixedText(const Node& node) {
     return node.isConstant() && node.constant.type == Type::Text;
+}
+
+bool isSame(const Node& one, const Node& other) {
+    if (one.kind != other.kind || one.type != other.type)
+        return false;
+    if (one.isConstant())
+        return one.constant.isNull() == other.constant.isNull() &&
+               (one.constant.isNull() || compareValues(one.constant, other.constant) == 0);
+    return one.field == other.field && one.function == other.function && one.comparison == other.comparison &&
+           one.arithmetic == other.arithmetic && one.matcher == other.matcher &&
+           std::ranges::equal(one.children, other.children,
+                              [](const NodePtr& left, const NodePtr& right) { return isSame(*left, *right); });
 }
 
 bool isCallOf(const Node& node, std::string_view function) {

@@ -72,6 +72,9 @@ using NodePtr = std::unique_ptr<Node>;
 /// A constant text; null is none.
 [[nodiscard]] bool isFixedText(const Node& node);
 
+/// Whether the two have the same value in every row, as far as their form shows.
+[[nodiscard]] bool isSame(const Node& one, const Node& other);
+
 /// Whether the node calls the function of that name.
 [[nodiscard]] bool isCallOf(const Node& node, std::string_view function);
 

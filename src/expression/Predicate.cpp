@@ -49,8 +49,14 @@ class Union {
 class Junction : public Predicate {
   public:
     explicit Junction(const Node& node) : m_isAnd(node.kind == NodeKind::And) {
-        for (const NodePtr& child : node.children)
-            m_parts.push_back(makePredicate(*child));
+        for (std::size_t i = 0; i < node.children.size(); ++i) {
+            PredicatePtr pair;
+            if (i + 1 < node.children.size())
+                pair = makeRange(node.child(i), node.child(i + 1), m_isAnd);
+            if (pair)
+                ++i;
+            m_parts.push_back(pair ? std::move(pair) : makePredicate(node.child(i)));
+        }
     }
 
     void narrow(Frame& frame, RowSet& rows, bool wanted) override {

@@ -402,8 +402,11 @@ Expression Generator::junction(int depth) {
     const bool isAnd = below(2) == 0;
     std::vector<Expression> parts;
     std::string text = "(";
+    // At times a range: one text against several fixed ones.
+    const bool isRange = below(3) == 0;
+    const Expression subject = this->text(depth - 1);
     for (std::size_t i = 2 + below(2); i > 0; --i) {
-        parts.push_back(condition(depth - 1));
+        parts.push_back(isRange ? compare(subject, quoted(rowText(true))) : condition(depth - 1));
         text += parts.back().text + (i > 1 ? (isAnd ? " and " : " or ") : ")");
     }
     return {text, [parts, isAnd](const Row& row) {
