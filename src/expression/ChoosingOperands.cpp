@@ -128,7 +128,9 @@ class NullIfOperand : public Operand {
         withTexts(source, [&](auto texts) {
             rows.forEach([&](std::uint32_t row) {
                 const std::string_view text = texts[row];
-                const bool isMember = m_member.equals(text, textKey(text, source.readable));
+                // What stands for null is short, and few different texts are: most need not be read.
+                const bool isMember =
+                    text.size() == m_member.size() && m_member.equals(text, textKey(text, source.readable));
                 m_nulls[row] = isMember ? 1 : 0;
                 found |= m_nulls[row];
             });

@@ -39,6 +39,7 @@ class KeyedText {
     explicit KeyedText(std::string_view text) : m_text(text), m_key(textKey(text, nullptr)) {}
 
     [[nodiscard]] std::uint64_t key() const { return m_key; }
+    [[nodiscard]] std::size_t size() const { return m_text.size(); }
     [[nodiscard]] bool equals(std::string_view text, std::uint64_t key) const {
         return static_cast<int>(key == m_key) + static_cast<int>(text.size() == m_text.size()) == 2 &&
                (text.size() <= 8 || std::memcmp(text.data() + 8, m_text.data() + 8, text.size() - 8) == 0);
