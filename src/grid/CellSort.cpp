@@ -109,7 +109,8 @@ bool makeKeys(std::vector<RadixItem>& numbers) {
         all &= number.note;
         any |= number.note;
         places = std::max(places, number.note & kPlacesMask);
-        largest = std::max(largest, static_cast<std::uint64_t>(std::llabs(static_cast<std::int64_t>(number.key))));
+        const bool isNegative = static_cast<std::int64_t>(number.key) < 0;
+        largest = std::max<std::uint64_t>(largest, isNegative ? 0 - number.key : number.key);
     }
     const bool asIntegers = all != 0 && largest < static_cast<std::uint64_t>(kPowers[kPowers.size() - 1 - places]);
     for (RadixItem& number : numbers) {

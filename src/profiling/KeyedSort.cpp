@@ -113,7 +113,7 @@ std::size_t commonPrefix(Entries entries) {
     std::size_t common = first.size();
     for (const ValueCounter::Entry& entry : entries) {
         common = std::min<std::size_t>(common, entry.size);
-        if (std::memcmp(first.data(), entry.data, common) != 0) {
+        if (common > 0 && std::memcmp(first.data(), entry.data, common) != 0) {
             std::size_t same = 0;
             while (first[same] == entry.data[same])
                 ++same;

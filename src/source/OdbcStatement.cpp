@@ -81,8 +81,10 @@ Result<OdbcStatement> OdbcStatement::create(const OdbcConnection& connection) {
 }
 
 void OdbcStatement::release() {
-    if (m_handle)
+    if (m_handle) {
+        SQLFreeStmt(m_handle, SQL_CLOSE);
         SQLFreeHandle(SQL_HANDLE_STMT, m_handle);
+    }
     m_handle = nullptr;
 }
 
