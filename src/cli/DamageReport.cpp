@@ -14,7 +14,7 @@ constexpr std::size_t kShownRows = 5;
 std::string rowText(const source::DamagedRow& row, const profiling::TableOutcome& outcome) {
     const std::size_t fields = outcome.fields;
     const char* const word = outcome.place == "Row" ? "row" : "line";
-    const std::string place =
+    std::string place =
         outcome.files.empty()
             ? fmt::format("{} {}", word, row.line)
             : fmt::format("{} {} {}", std::filesystem::path(outcome.files[row.file]).filename().string(), word,
