@@ -90,7 +90,7 @@ void readDatabaseEntry(TableDescription& table, const YamlDocument& document, co
     if (std::find(names.begin(), names.end(), table.source) == names.end())
         fail(document, pointerTo(pointer, "source"),
              fmt::format("the job has no source \"{}\"{}", table.source, suggestion(table.source, names)));
-    for (const char* key : {"file", "delimiter", "header"})
+    for (const char* key : {"file", "files", "folder", "delimiter", "header", "encoding", "quote", "sample"})
         if (entry.contains(key))
             fail(document, pointerTo(pointer, key),
                  fmt::format("\"{}\" belongs to a text file; this table is read from a database", key));

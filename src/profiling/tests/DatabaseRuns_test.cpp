@@ -296,6 +296,7 @@ TEST(DatabaseJobs, AreCheckedBeforeAnythingIsConnected) {
         {"{source: s, query: SELECT 1}", "the key \"name\" is missing"},
         {"{source: s, name: n, query: SELECT 1, table: t}", "leave \"table\" out"},
         {"{source: s, table: t, header: false}", "\"header\" belongs to a text file"},
+        {"{source: s, table: t, sample: {every: 2}}", "\"sample\" belongs to a text file"},
         {"{source: s, table: t, where: x}", "\"where\" belongs to a filtered table"},
         {"{file: a.csv, schema: x}", "this is a text file"},
         {"{source: s, table: t, counted by: me}", "engine or rows"},
