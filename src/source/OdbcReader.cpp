@@ -108,7 +108,9 @@ Status OdbcReader::bind(std::span<const DeclaredColumn> columns) {
     if (isLengthKnown)
         m_rowsAtOnce = std::clamp<std::size_t>(kBoundBytes / std::max<std::size_t>(rowBytes, 1), 1, kMostAtOnce);
     const SQLHSTMT handle = m_statement.handle();
-    SQLSetStmtAttr(handle, SQL_ATTR_ROW_ARRAY_SIZE, reinterpret_cast<SQLPOINTER>(m_rowsAtOnce), 0);
+    // The interface passes numbers as pointers.
+    const auto rowsAtOnce = reinterpret_cast<SQLPOINTER>(m_rowsAtOnce); // NOLINT(performance-no-int-to-ptr)
+    SQLSetStmtAttr(handle, SQL_ATTR_ROW_ARRAY_SIZE, rowsAtOnce, 0);
     SQLSetStmtAttr(handle, SQL_ATTR_ROWS_FETCHED_PTR, &m_fetched, 0);
     for (std::size_t c = 0; c < m_columns.size(); ++c) {
         Column& column = m_columns[c];

@@ -119,7 +119,7 @@ Status OdbcStatement::execute(const std::string& sql, std::span<const std::optio
         runInterruptibly([&] { code = SQLExecDirect(m_handle, in(sql), static_cast<SQLINTEGER>(sql.size())); },
                          keepGoing, [&] { cancel(); });
     const bool isDone = SQL_SUCCEEDED(code) || code == SQL_NO_DATA;
-    const Status status = isCancelled ? Status{Error{kCancelled}} : isDone ? Status{} : Status{failure()};
+    Status status = isCancelled ? Status{Error{kCancelled}} : isDone ? Status{} : Status{failure()};
     SQLFreeStmt(m_handle, SQL_RESET_PARAMS);
     return status;
 }

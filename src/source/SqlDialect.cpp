@@ -42,7 +42,6 @@ std::optional<std::size_t> DeclaredColumn::longestText() const {
     case Kind::Boolean:
         return 24;
     case Kind::Real:
-        return 40;
     case Kind::Uuid:
         return 40;
     case Kind::Date:
