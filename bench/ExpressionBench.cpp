@@ -136,7 +136,7 @@ struct Case {
     const char* text;
 };
 
-constexpr std::array<Case, 42> kCases{{
+constexpr std::array<Case, 47> kCases{{
     {"equal", "lower(`Value`) == 'abc'"},
     {"contains", "instr(`Value`,'5') != 0"},
     {"wildcard", "match_string(`Value`,'K*1?5*9')"},
@@ -178,6 +178,11 @@ constexpr std::array<Case, 42> kCases{{
     {"integer", "isinteger(`Value`)"},
     {"replaced_word", "replace(`Value`,'Abc','xy') > 'xy 5'"},
     {"absolute", "abs(`Count` - 10) < 3"},
+    {"list_of_lengths", "inlist(length(`Value`),3,7,9)"},
+    {"long_list", "inlist(`Value`,'13','26','39','52','65','78','91','104','117','130','K00001-001','K00005-005')"},
+    {"greatest", "max(length(`Value`),`Count`) > 9"},
+    {"behind_sign", "substring(`Value`,instr(`Value`,'-')+1) == '017'"},
+    {"position_from", "instr(`Value`,'5',3) > 0"},
     {"occurrences", "length(`Value`) - length(replace(`Value`,'1','')) == 2"},
 }};
 

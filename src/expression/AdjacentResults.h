@@ -71,7 +71,7 @@ class AdjacentResults {
         m_vector.ends = m_ends.data();
         m_vector.readable = m_bytes.data() + m_bytes.size();
         m_vector.nulls = nulls;
-        m_vector.isAscii = isAscii;
+        m_vector.ascii = AsciiAnswer(isAscii);
         return m_vector;
     }
 

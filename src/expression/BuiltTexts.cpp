@@ -1,5 +1,6 @@
 #include "expression/AdjacentResults.h"
 #include "expression/ByteSearch.h"
+#include "expression/JoinedNulls.h"
 #include "expression/Operand.h"
 #include "expression/TextOperators.h"
 
@@ -96,7 +97,7 @@ class ReplaceOperand : public Operand {
             copyUpTo(ends[row]);
             m_results.end(row);
         }
-        return m_results.vector(source.nulls, source.isAscii && m_isReplacementAscii);
+        return m_results.vector(source.nulls, source.isAscii() && m_isReplacementAscii);
     }
 
     OperandPtr m_source;
@@ -126,19 +127,18 @@ class ConcatOperand : public Operand {
             return m_rowByRow.evaluate(frame, rows, m_columns);
         m_results.begin(frame.rows(), size);
         bool isAllAscii = true;
-        const std::uint8_t* nulls = nullptr;
+        m_nulls.begin();
         m_readers.clear();
         for (const Vector* column : m_columns) {
-            isAllAscii = isAllAscii && (column->isConstant ? isAscii(column->constant.text) : column->isAscii);
-            if (column->nulls)
-                nulls = mergedNulls(nulls, column->nulls, frame.rows());
+            isAllAscii = isAllAscii && (column->isConstant ? isAscii(column->constant.text) : column->isAscii());
+            m_nulls.add(*column, frame.rows());
             m_readers.push_back(Reader(*column));
         }
         m_results.makeEach(rows, [&](std::uint32_t row) {
             for (const Reader& reader : m_readers)
                 m_results.append(reader[row]);
         });
-        return m_results.vector(nulls, isAllAscii);
+        return m_results.vector(m_nulls.get(), isAllAscii);
     }
 
   private:
@@ -169,19 +169,11 @@ class ConcatOperand : public Operand {
         }
         return size;
     }
-    const std::uint8_t* mergedNulls(const std::uint8_t* first, const std::uint8_t* second, std::size_t rows) {
-        if (!first)
-            return second;
-        m_nulls.resize(rows);
-        for (std::size_t row = 0; row < rows; ++row)
-            m_nulls[row] = first[row] | second[row];
-        return m_nulls.data();
-    }
 
     std::vector<OperandPtr> m_parts;
     std::vector<const Vector*> m_columns;
     std::vector<Reader> m_readers;
-    std::vector<std::uint8_t> m_nulls;
+    JoinedNulls m_nulls;
     AdjacentResults m_results;
     RowByRow m_rowByRow;
 };
@@ -198,10 +190,10 @@ class PadOperand : public Operand {
     const Vector& evaluate(Frame& frame, const RowSet& rows) override {
         const Vector& source = m_arguments.front()->evaluate(frame, rows);
         std::size_t longest = rows.size() * m_size;
-        if (source.isAscii)
+        if (source.isAscii())
             withTexts(source,
                       [&](auto texts) { rows.forEach([&](std::uint32_t row) { longest += texts[row].size(); }); });
-        if (!source.isAscii || longest > AdjacentResults::kMostBytes) {
+        if (!source.isAscii() || longest > AdjacentResults::kMostBytes) {
             m_columns.assign(1, &source);
             for (std::size_t i = 1; i < m_arguments.size(); ++i)
                 m_columns.push_back(&m_arguments[i]->evaluate(frame, rows));

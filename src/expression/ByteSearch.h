@@ -17,9 +17,18 @@ class ByteSearch {
   public:
     static constexpr std::size_t kNotFound = std::string_view::npos;
 
-    explicit ByteSearch(std::string_view needle) : m_needle(needle) {}
+    explicit ByteSearch(std::string_view needle) : m_needle(needle) {
+#if defined(__SSE2__)
+        if (!m_needle.empty()) {
+            m_first = _mm_set1_epi8(m_needle.front());
+            m_last = _mm_set1_epi8(m_needle.back());
+        }
+#endif
+    }
 
-    [[nodiscard]] const std::string& needle() const { return m_needle; }
+    [[nodiscard]] const std::string& needle() const {
+        return m_needle;
+    }
 
     /// The first occurrence in `text` at or behind `from`.
     [[nodiscard]] std::size_t find(std::string_view text, std::size_t from = 0) const {
@@ -34,8 +43,8 @@ class ByteSearch {
         std::size_t at = from;
 #if defined(__SSE2__)
         // The first and the last byte are compared at sixteen places at once; what lies between decides few of them.
-        const __m128i first = _mm_set1_epi8(m_needle.front());
-        const __m128i last = _mm_set1_epi8(m_needle.back());
+        const __m128i first = m_first;
+        const __m128i last = m_last;
         for (; at + 16 <= end; at += 16) {
             const char* const place = text.data() + at;
             const __m128i begins = _mm_cmpeq_epi8(first, load(place));
@@ -74,33 +83,79 @@ class ByteSearch {
         }
     }
 
-    /// The first occurrence in a text behind which, up to `readable`, lie bytes that may be read.
-    [[nodiscard]] std::size_t findIn(std::string_view text, [[maybe_unused]] const char* readable) const {
-        const std::size_t size = m_needle.size();
-        if (text.size() < size || size == 0)
-            return size == 0 ? 0 : kNotFound;
+    /// The search in many texts that lie within bytes which may be read up to the same place. Most values are short:
+    /// all their places are compared at once, without a loop. What that needs stays in registers when a loop has a
+    /// copy.
+    class ShortTexts {
+      public:
+        [[nodiscard]] std::size_t find(std::string_view text) const {
 #if defined(__SSE2__)
-        // Most values are short, and then all places are compared at once, without a loop.
-        if (areComparedAtOnce(text, readable)) {
-            for (std::uint32_t hits = placesIn(text); hits != 0; hits &= hits - 1) {
-                const auto hit = static_cast<std::size_t>(__builtin_ctz(hits));
-                if (size <= 2 || isAt(text.data() + hit))
-                    return hit;
+            if (fits(text)) {
+                std::uint32_t hits = places(text);
+                if (m_size > 2) {
+                    while (hits != 0 && !m_search.isAt(text.data() + __builtin_ctz(hits)))
+                        hits &= hits - 1;
+                }
+                // Whether there is one is as chance has it, so nothing branches on it.
+                static_assert(kNotFound + 1 == 0);
+                const std::size_t isFound = hits != 0 ? 1 : 0;
+                return ((static_cast<std::size_t>(__builtin_ctz(hits | 0x10000U)) + 1) & (0 - isFound)) - 1;
             }
-            return kNotFound;
+#endif
+            return findElsewhere(text);
         }
-#endif
-        return find(text);
-    }
-
-    /// Whether it occurs there.
-    [[nodiscard]] bool occursIn(std::string_view text, const char* readable) const {
+        [[nodiscard]] bool occursIn(std::string_view text) const {
 #if defined(__SSE2__)
-        const std::size_t size = m_needle.size();
-        if (size > 0 && size <= 2 && text.size() >= size && areComparedAtOnce(text, readable))
-            return placesIn(text) != 0;
+            if (m_size <= 2 && fits(text))
+                return places(text) != 0;
 #endif
-        return findIn(text, readable) != kNotFound;
+            return find(text) != kNotFound;
+        }
+
+      private:
+        friend class ByteSearch;
+        /// Not to take registers from the loops.
+        [[nodiscard, gnu::noinline]] std::size_t findElsewhere(std::string_view text) const {
+            return m_search.find(text);
+        }
+#if defined(__SSE2__)
+        ShortTexts(const ByteSearch& search, const char* readable)
+            : m_search(search),
+              m_first(search.m_first),
+              m_last(search.m_last),
+              m_size(search.m_needle.size()),
+              m_most(m_size > 0 && m_size <= kShort ? 16 : 0),
+              m_readable(readable),
+              m_reach(static_cast<std::ptrdiff_t>(m_size) + 15) {}
+
+        [[nodiscard]] bool fits(std::string_view text) const {
+            // One byte too few is no place at all; with fewer the difference is beyond all bounds.
+            return text.size() - m_size + 1 <= m_most && m_readable - text.data() >= m_reach;
+        }
+        /// A bit for each place at which the first and the last byte are right: all that a needle of up to two has.
+        [[nodiscard]] std::uint32_t places(std::string_view text) const {
+            const __m128i begins = _mm_cmpeq_epi8(m_first, load(text.data()));
+            const __m128i ends = _mm_cmpeq_epi8(m_last, load(text.data() + m_size - 1));
+            const auto hits = static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_and_si128(begins, ends)));
+            return hits & ((1U << (text.size() - m_size + 1)) - 1);
+        }
+
+        const ByteSearch& m_search;
+        __m128i m_first;
+        __m128i m_last;
+        std::size_t m_size;
+        std::size_t m_most;
+        const char* m_readable;
+        std::ptrdiff_t m_reach;
+#else
+        ShortTexts(const ByteSearch& search, const char* /*readable*/) : m_search(search) {}
+
+        const ByteSearch& m_search;
+#endif
+    };
+    /// `readable`: up to where bytes behind the texts may be read. Not to outlive the search.
+    [[nodiscard]] ShortTexts inShortTexts(const char* readable) const {
+        return {*this, readable};
     }
 
   private:
@@ -110,21 +165,6 @@ class ByteSearch {
 #if defined(__SSE2__)
     static __m128i load(const char* bytes) {
         return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-    }
-#endif
-#if defined(__SSE2__)
-    [[nodiscard]] bool areComparedAtOnce(std::string_view text, const char* readable) const {
-        const std::size_t size = m_needle.size();
-        return text.size() - size + 1 <= 16 && size <= kShort &&
-               static_cast<std::size_t>(readable - text.data()) >= size + 15;
-    }
-    /// A bit for each place at which the first and the last byte are right.
-    [[nodiscard]] std::uint32_t placesIn(std::string_view text) const {
-        const std::size_t size = m_needle.size();
-        const __m128i begins = _mm_cmpeq_epi8(_mm_set1_epi8(m_needle.front()), load(text.data()));
-        const __m128i ends = _mm_cmpeq_epi8(_mm_set1_epi8(m_needle.back()), load(text.data() + size - 1));
-        const auto hits = static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_and_si128(begins, ends)));
-        return hits & ((1U << (text.size() - size + 1)) - 1);
     }
 #endif
     [[nodiscard]] bool isAt(const char* place) const {
@@ -137,6 +177,10 @@ class ByteSearch {
     }
 
     std::string m_needle;
+#if defined(__SSE2__)
+    __m128i m_first{};
+    __m128i m_last{};
+#endif
 };
 
 } // namespace tavix::expression

@@ -30,11 +30,11 @@ class FirstNonNullOperand : public Operand {
             found.rows().assign(rest.rows());
             dropNulls(found.rows(), column);
             m_results.takeValues(found.rows(), column);
-            isAscii = isAscii && column.isAscii;
+            isAscii = isAscii && column.isAscii();
             rest.rows().keepIf([&](std::uint32_t row) { return column.isNull(row); });
         }
         rest.rows().forEach([&](std::uint32_t row) { m_results.set(row, Value{}); });
-        m_results.vector().isAscii = isAscii;
+        m_results.vector().ascii = AsciiAnswer(isAscii);
         return m_results.vector();
     }
 
@@ -123,6 +123,8 @@ class NullIfOperand : public Operand {
 
     const Vector& evaluate(Frame& frame, const RowSet& rows) override {
         const Vector& source = m_source->evaluate(frame, rows);
+        if (!mayHaveSize(source, rows, frame.rows(), m_member.size()))
+            return source;
         m_nulls.resize(frame.rows());
         std::uint8_t found = 0;
         withTexts(source, [&](auto texts) {

@@ -140,6 +140,12 @@ class TextComparison : public Predicate {
     void narrow(Frame& frame, RowSet& rows, bool wanted) override {
         const Vector& vector = m_operand->evaluate(frame, rows);
         dropNulls(rows, vector);
+        const bool asksForEquality = m_comparison == Comparison::Equal || m_comparison == Comparison::NotEqual;
+        if (asksForEquality && !mayHaveSize(vector, rows, frame.rows(), m_constant.size())) {
+            if (wanted == (m_comparison == Comparison::Equal))
+                rows.clear();
+            return;
+        }
         const KeyedText constant = m_constant;
         const char* const readable = vector.readable;
         withOperator(m_comparison, wanted, [&](auto compare) {
@@ -273,7 +279,7 @@ class FoldedEquality : public Predicate {
         dropNulls(rows, vector);
         const bool isWanted = wanted == m_isEqual;
         withTexts(vector, [&](auto texts) {
-            if (vector.isAscii)
+            if (vector.isAscii())
                 rows.keepIf([&](std::uint32_t row) { return equalsAscii(texts[row]) == isWanted; });
             else
                 rows.keepIf([&](std::uint32_t row) { return equals(texts[row]) == isWanted; });

@@ -13,6 +13,10 @@ void Frame::begin(const Block& block) {
     m_failures = 0;
 }
 
+bool AsciiAnswer::isYes() const {
+    return m_frame ? m_frame->isAscii(m_column) : m_isYes;
+}
+
 bool Frame::isAscii(std::size_t column) {
     std::int8_t& known = m_ascii[column];
     if (known < 0)

@@ -1,9 +1,13 @@
 #include "expression/Conversion.h"
+#include "expression/JoinedNulls.h"
 #include "expression/NumberFunctions.h"
 #include "expression/Operand.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <type_traits>
+#include <vector>
 
 namespace tavix::expression {
 
@@ -156,6 +160,69 @@ class NumberFunctionOperand : public Operand {
     Results m_results;
 };
 
+/// max or min of numbers or of dates.
+template <typename Number>
+class ExtremeOperand : public Operand {
+  public:
+    explicit ExtremeOperand(const Node& node) : m_type(node.type), m_isGreatest(isCallOf(node, "max")) {
+        for (const NodePtr& child : node.children)
+            m_arguments.push_back(makeOperand(*child));
+    }
+
+    const Vector& evaluate(Frame& frame, const RowSet& rows) override {
+        m_results.begin(m_type, frame.rows());
+        m_nulls.begin();
+        const Vector* best = &m_arguments.front()->evaluate(frame, rows);
+        m_nulls.add(*best, frame.rows());
+        for (std::size_t i = 1; i < m_arguments.size(); ++i) {
+            const Vector& column = m_arguments[i]->evaluate(frame, rows);
+            m_nulls.add(column, frame.rows());
+            if (m_isGreatest)
+                choose(*best, column, rows, [](Number one, Number other) { return other > one ? other : one; });
+            else
+                choose(*best, column, rows, [](Number one, Number other) { return other < one ? other : one; });
+            best = &m_results.vector();
+        }
+        m_results.takeNulls(m_nulls.get());
+        return m_results.vector();
+    }
+
+  private:
+    template <typename Choose>
+    void choose(const Vector& best, const Vector& column, const RowSet& rows, Choose better) {
+        const auto store = [&](Number* out, auto values, auto constant) {
+            withNumbers(best, best.*values, best.constant.*constant, [&](auto one) {
+                withNumbers(column, column.*values, column.constant.*constant, [&](auto other) {
+                    rows.forEach([=](std::uint32_t row) { out[row] = better(one(row), other(row)); });
+                });
+            });
+        };
+        if constexpr (std::is_same_v<Number, double>)
+            store(m_results.reals(), &Vector::reals, &Value::real);
+        else
+            store(m_results.integers(), &Vector::integers, &Value::integer);
+    }
+
+    Type m_type;
+    bool m_isGreatest;
+    std::vector<OperandPtr> m_arguments;
+    JoinedNulls m_nulls;
+    Results m_results;
+};
+
+OperandPtr makeExtreme(const Node& node) {
+    const auto isUsable = [&](const NodePtr& child) {
+        return child->type == node.type && !(child->isConstant() && child->constant.isNull());
+    };
+    if (node.children.size() < 2 || !std::ranges::all_of(node.children, isUsable))
+        return nullptr;
+    if (node.type == Type::Real)
+        return std::make_unique<ExtremeOperand<double>>(node);
+    if (node.type == Type::Integer || node.type == Type::Date)
+        return std::make_unique<ExtremeOperand<std::int64_t>>(node);
+    return nullptr;
+}
+
 template <typename Function>
 OperandPtr makeFunction(const Node& number, Function function) {
     return std::make_unique<NumberFunctionOperand<Function>>(number, function);
@@ -168,6 +235,8 @@ OperandPtr makeArithmetic(const Node& node) {
 }
 
 OperandPtr makeNumberFunction(const Node& node) {
+    if (isCallOf(node, "max") || isCallOf(node, "min"))
+        return makeExtreme(node);
     const Node& number = node.child(0);
     if (number.isConstant() || number.type != Type::Real)
         return nullptr;

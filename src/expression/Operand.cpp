@@ -145,7 +145,7 @@ class FieldOperand : public Operand {
             m_vector.bytes = column.bytes.data();
             m_vector.ends = column.ends.data();
             m_vector.readable = column.bytes.data() + column.bytes.size();
-            m_vector.isAscii = frame.isAscii(m_node.field);
+            m_vector.ascii = AsciiAnswer(frame, m_node.field);
         }
         return m_vector;
     }
@@ -291,7 +291,7 @@ OperandPtr makeOperand(const Node& node) {
     case NodeKind::Convert:
         return std::make_unique<ConvertOperand>(node);
     case NodeKind::Call:
-        for (const auto make : {makeTextOperand, makeBuiltText, makeNumberFunction, makeChoosing}) {
+        for (const auto make : {makeTextOperand, makeMeasuredCut, makeBuiltText, makeNumberFunction, makeChoosing}) {
             if (OperandPtr special = make(node))
                 return special;
         }

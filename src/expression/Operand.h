@@ -41,6 +41,7 @@ class Results {
     [[nodiscard]] double* reals() { return m_reals.data(); }
     /// The nulls of another vector are those of this one, for operands that add none.
     void takeNulls(const Vector& from) { m_vector.nulls = from.nulls; }
+    void takeNulls(const std::uint8_t* nulls) { m_vector.nulls = nulls; }
     [[nodiscard]] Vector& vector() { return m_vector; }
 
   private:
@@ -57,9 +58,12 @@ class Results {
 
 /// Those for functions over texts; null when the node is no call for which there is one.
 [[nodiscard]] OperandPtr makeTextOperand(const Node& node);
+/// Those that cut texts at places which each row has for itself; null when the node is no call of one.
+[[nodiscard]] OperandPtr makeMeasuredCut(const Node& node);
 /// Those that put texts together; null when the node is no call of one.
 [[nodiscard]] OperandPtr makeBuiltText(const Node& node);
-/// Those for functions of one number; null when the node is no call of one.
+/// Those for functions of one number, and for the greatest and the least of several; null when the node is no call of
+/// one.
 [[nodiscard]] OperandPtr makeNumberFunction(const Node& node);
 [[nodiscard]] OperandPtr makeArithmetic(const Node& node);
 /// Those that choose among values: if, coalesce, nullif and conditions as values; null when the node is none of these.

@@ -154,33 +154,6 @@ class TruthPredicate : public Predicate {
     OperandPtr m_operand;
 };
 
-/// inlist of what is no constant text.
-class ListPredicate : public Predicate {
-  public:
-    explicit ListPredicate(const Node& node) {
-        for (const NodePtr& child : node.children)
-            m_operands.push_back(makeOperand(*child));
-    }
-
-    void narrow(Frame& frame, RowSet& rows, bool wanted) override {
-        m_columns.clear();
-        for (const OperandPtr& operand : m_operands)
-            m_columns.push_back(&operand->evaluate(frame, rows));
-        for (const Vector* column : m_columns)
-            dropNulls(rows, *column);
-        rows.keepIf([&](std::uint32_t row) {
-            const Value subject = m_columns.front()->at(row);
-            return wanted == std::any_of(m_columns.begin() + 1, m_columns.end(), [&](const Vector* member) {
-                       return compareValues(subject, member->at(row)) == 0;
-                   });
-        });
-    }
-
-  private:
-    std::vector<OperandPtr> m_operands;
-    std::vector<const Vector*> m_columns;
-};
-
 /// A condition on numbers alone. Where a block holds the same number in all rows, as most blocks of counts do, one row
 /// tells for all.
 class UniformPredicate : public Predicate {
@@ -240,10 +213,10 @@ PredicatePtr makePlainPredicate(const Node& node) {
     default:
         break;
     }
+    if (node.kind == NodeKind::InList)
+        return makeListTest(node);
     if (PredicatePtr test = makeTextTest(node))
         return test;
-    if (node.kind == NodeKind::InList)
-        return std::make_unique<ListPredicate>(node);
     return std::make_unique<TruthPredicate>(node);
 }
 

@@ -29,6 +29,8 @@ using PredicatePtr = std::unique_ptr<Predicate>;
 [[nodiscard]] PredicatePtr makeComparison(const Node& node);
 /// Two neighbours below an "and" or "or" as one operator that reads the rows once; null when there is none for them.
 [[nodiscard]] PredicatePtr makeRange(const Node& first, const Node& second, bool isAnd);
+/// Those that look for a value in a list; `node` is one.
+[[nodiscard]] PredicatePtr makeListTest(const Node& node);
 /// Those that test a text; null when there is none for the node.
 [[nodiscard]] PredicatePtr makeTextTest(const Node& node);
 

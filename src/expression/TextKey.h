@@ -1,5 +1,8 @@
 #pragma once
 
+#include "expression/RowSet.h"
+#include "expression/Vector.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -33,6 +36,19 @@ inline std::uint64_t textKey(std::string_view text, const char* readable) {
     return bytes;
 }
 
+/// The last eight bytes of a text as a number of no order; 0 for a shorter one.
+inline std::uint64_t textTail(std::string_view text, const char* readable) {
+    constexpr std::size_t kBytes = 8;
+    std::uint64_t bytes = 0;
+    if (text.data() && readable && readable - text.data() >= static_cast<std::ptrdiff_t>(kBytes)) {
+        std::memcpy(&bytes, text.data() + (std::max(text.size(), kBytes) - kBytes), kBytes);
+        return bytes & (std::uint64_t{0} - (text.size() >= kBytes ? 1U : 0U));
+    }
+    if (text.size() >= kBytes)
+        std::memcpy(&bytes, text.data() + (text.size() - kBytes), kBytes);
+    return bytes;
+}
+
 /// A fixed text that many are compared with.
 class KeyedText {
   public:
@@ -53,5 +69,19 @@ class KeyedText {
     std::string_view m_text;
     std::uint64_t m_key;
 };
+
+/// Whether any of the rows may hold a text of this size: false for many blocks when the size is a rare one. Reads no
+/// text.
+[[nodiscard]] inline bool mayHaveSize(const Vector& vector, const RowSet& rows, std::size_t blockRows,
+                                      std::size_t size) {
+    if (!vector.ends || !rows.isDense())
+        return true;
+    // One loop without a branch, which the compiler turns into vector instructions.
+    const std::uint32_t* const ends = vector.ends;
+    bool isFound = blockRows > 0 && ends[0] == size;
+    for (std::size_t row = 1; row < blockRows; ++row)
+        isFound |= ends[row] - ends[row - 1] == size;
+    return isFound;
+}
 
 } // namespace tavix::expression

@@ -20,9 +20,9 @@ class MappedOperand : public Operand {
 
     const Vector& evaluate(Frame& frame, const RowSet& rows) override {
         const Vector& source = m_source->evaluate(frame, rows);
-        if (source.ends && source.isAscii && rows.isDense() && frame.rows() > 0)
+        if (source.ends && source.isAscii() && rows.isDense() && frame.rows() > 0)
             return mapBlock(source, source.ends[frame.rows() - 1]);
-        if (source.isAscii)
+        if (source.isAscii())
             return mapEach(source, frame, rows);
         m_results.begin(Type::Text, frame.rows());
         const auto call = m_isLower ? text_functions::lower : text_functions::upper;
@@ -79,13 +79,13 @@ class CutOperand : public Operand {
         m_results.begin(Type::Text, frame.rows());
         std::string_view* const out = m_results.texts();
         withTexts(source, [&](auto texts) {
-            if (source.isAscii)
+            if (source.isAscii())
                 rows.forEach([&](std::uint32_t row) { out[row] = m_cut(texts[row], true); });
             else
                 rows.forEach([&](std::uint32_t row) { out[row] = m_cut(texts[row], false); });
         });
         m_results.takeNulls(source);
-        m_results.vector().isAscii = source.isAscii;
+        m_results.vector().ascii = source.ascii;
         m_results.vector().readable = source.readable;
         return m_results.vector();
     }
@@ -109,7 +109,7 @@ class LengthOperand : public Operand {
         const Vector& source = m_source->evaluate(frame, rows);
         m_results.begin(Type::Integer, frame.rows());
         std::int64_t* const out = m_results.integers();
-        if (source.isAscii && source.ends && rows.isDense() && frame.rows() > 0) {
+        if (source.isAscii() && source.ends && rows.isDense() && frame.rows() > 0) {
             // A loop of its own, which the compiler turns into vector instructions.
             out[0] = source.ends[0];
             for (std::size_t row = 1; row < frame.rows(); ++row)
@@ -119,7 +119,7 @@ class LengthOperand : public Operand {
         }
         withTexts(source, [&](auto texts) {
             const auto store = [&](std::uint32_t row, std::size_t size) { out[row] = static_cast<std::int64_t>(size); };
-            if (source.isAscii)
+            if (source.isAscii())
                 rows.forEach([&](std::uint32_t row) { store(row, texts[row].size()); });
             else
                 rows.forEach([&](std::uint32_t row) { store(row, countCharacters(texts[row])); });
@@ -133,34 +133,77 @@ class LengthOperand : public Operand {
     Results m_results;
 };
 
-/// instr of a fixed text.
+/// instr of a fixed text, from a fixed character on.
 class PositionOperand : public Operand {
   public:
-    PositionOperand(const Node& text, std::string_view part) : m_source(makeOperand(text)), m_search(part) {}
+    PositionOperand(const Node& text, std::string_view part, std::int64_t first)
+        : m_source(makeOperand(text)),
+          m_search(part),
+          m_skipped(static_cast<std::size_t>(std::max<std::int64_t>(1, first) - 1)) {}
 
     const Vector& evaluate(Frame& frame, const RowSet& rows) override {
         const Vector& source = m_source->evaluate(frame, rows);
         m_results.begin(Type::Integer, frame.rows());
         std::int64_t* const out = m_results.integers();
-        const char* const readable =
-            source.ends && frame.rows() > 0 ? source.bytes + source.ends[frame.rows() - 1] : nullptr;
-        withTexts(source, [&](auto texts) {
-            rows.forEach([&](std::uint32_t row) {
-                const std::string_view text = texts[row];
-                const std::size_t at = readable ? m_search.findIn(text, readable) : m_search.find(text);
-                if (at == ByteSearch::kNotFound)
-                    out[row] = 0;
-                else
-                    out[row] = static_cast<std::int64_t>(source.isAscii ? at : countCharacters(text.substr(0, at))) + 1;
+        // What is not found is at -1, so 0.
+        static_assert(ByteSearch::kNotFound + 1 == 0);
+        std::size_t seen = 0;
+        if (m_skipped > 0) {
+            searchBehind(source, rows, out);
+        } else if (source.ends && frame.rows() > 0) {
+            const AdjacentTexts texts{source.bytes, source.ends};
+            const auto search = m_search.inShortTexts(source.bytes + source.ends[frame.rows() - 1]);
+            rows.forEach([&seen, texts, search, out](std::uint32_t row) {
+                const std::size_t place = search.find(texts[row]) + 1;
+                out[row] = static_cast<std::int64_t>(place);
+                seen |= place;
             });
-        });
+        } else {
+            withTexts(source, [&](auto texts) {
+                rows.forEach([&](std::uint32_t row) {
+                    const std::size_t place = m_search.find(texts[row]) + 1;
+                    out[row] = static_cast<std::int64_t>(place);
+                    seen |= place;
+                });
+            });
+        }
+        if (seen > 1 && !source.isAscii())
+            countBefore(source, rows, out);
         m_results.takeNulls(source);
         return m_results.vector();
     }
 
   private:
+    void searchBehind(const Vector& source, const RowSet& rows, std::int64_t* places) const {
+        const bool isAscii = source.isAscii();
+        withTexts(source, [&](auto texts) {
+            const auto search = m_search.inShortTexts(source.ends ? source.readable : nullptr);
+            rows.forEach([places, texts, search, isAscii, skipped = m_skipped](std::uint32_t row) {
+                const std::string_view text = texts[row];
+                const std::size_t begin = isAscii ? std::min(skipped, text.size()) : offsetOfCharacter(text, skipped);
+                const std::size_t place = search.find(text.substr(begin)) + 1;
+                const std::size_t isFound = place != 0 ? 1 : 0;
+                places[row] = static_cast<std::int64_t>(place + (begin & (0 - isFound)));
+            });
+        });
+        if (!isAscii)
+            countBefore(source, rows, places);
+    }
+    /// Makes places in bytes those in characters.
+    static void countBefore(const Vector& source, const RowSet& rows, std::int64_t* places) {
+        withTexts(source, [&](auto texts) {
+            rows.forEach([&](std::uint32_t row) {
+                if (places[row] > 1) {
+                    const auto bytes = static_cast<std::size_t>(places[row] - 1);
+                    places[row] = static_cast<std::int64_t>(countCharacters(texts[row].substr(0, bytes))) + 1;
+                }
+            });
+        });
+    }
+
     OperandPtr m_source;
     ByteSearch m_search;
+    std::size_t m_skipped; ///< characters before the first place
     Results m_results;
 };
 
@@ -168,32 +211,6 @@ std::optional<std::int64_t> fixedInteger(const Node& node) {
     if (!node.isConstant() || node.constant.type != Type::Integer)
         return std::nullopt;
     return node.constant.integer;
-}
-
-OperandPtr makeLeft(const Node& node, std::int64_t count) {
-    const auto bytes = static_cast<std::size_t>(std::max<std::int64_t>(0, count));
-    return makeCut(node.child(0), [count, bytes](std::string_view text, bool isAscii) {
-        return isAscii ? std::string_view(text.data(), std::min(bytes, text.size())) : leftOf(text, count);
-    });
-}
-
-OperandPtr makeRight(const Node& node, std::int64_t count) {
-    const auto bytes = static_cast<std::size_t>(std::max<std::int64_t>(0, count));
-    return makeCut(node.child(0), [count, bytes](std::string_view text, bool isAscii) {
-        if (!isAscii)
-            return rightOf(text, count);
-        const std::size_t size = std::min(bytes, text.size());
-        return std::string_view(text.data() + (text.size() - size), size);
-    });
-}
-
-OperandPtr makeSubstring(const Node& node, std::int64_t first, std::int64_t count) {
-    return makeCut(node.child(0), [first, count](std::string_view text, bool isAscii) {
-        if (!isAscii || first < 1)
-            return substringOf(text, first, count);
-        const std::size_t begin = std::min(static_cast<std::size_t>(first - 1), text.size());
-        return text.substr(begin, static_cast<std::size_t>(std::max<std::int64_t>(0, count)));
-    });
 }
 
 } // namespace
@@ -213,19 +230,27 @@ OperandPtr makeTextOperand(const Node& node) {
     if (isCallOf(node, "rtrim"))
         return makeCut(text, [](std::string_view whole, bool) { return trimRight(whole); });
     if (isCallOf(node, "instr") && node.children.size() == 2 && isFixedText(node.child(1)))
-        return std::make_unique<PositionOperand>(text, node.child(1).text);
+        return std::make_unique<PositionOperand>(text, node.child(1).text, 1);
+    if (isCallOf(node, "instr") && isFixedText(node.child(1))) {
+        if (const auto first = fixedInteger(node.child(2)))
+            return std::make_unique<PositionOperand>(text, node.child(1).text, *first);
+    }
     const auto second = node.children.size() > 1 ? fixedInteger(node.child(1)) : std::nullopt;
     if (!second)
         return nullptr;
     if (isCallOf(node, "left"))
-        return makeLeft(node, *second);
+        return makeCut(
+            text, [count = *second](std::string_view whole, bool isAscii) { return leftOf(whole, count, isAscii); });
     if (isCallOf(node, "right"))
-        return makeRight(node, *second);
+        return makeCut(
+            text, [count = *second](std::string_view whole, bool isAscii) { return rightOf(whole, count, isAscii); });
     if (isCallOf(node, "substring")) {
         const auto third = node.children.size() > 2 ? fixedInteger(node.child(2))
                                                     : std::optional(std::numeric_limits<std::int64_t>::max());
         if (third)
-            return makeSubstring(node, *second, *third);
+            return makeCut(text, [first = *second, count = *third](std::string_view whole, bool isAscii) {
+                return substringOf(whole, first, count, isAscii);
+            });
     }
     return nullptr;
 }

@@ -2,6 +2,7 @@
 
 #include "expression/Characters.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -23,6 +24,26 @@ void upperAscii(const char* from, std::size_t size, char* to);
 /// From character `first` (counted from 1). What lies before the text takes its share of the count: from 0, three
 /// characters are the first two.
 [[nodiscard]] std::string_view substringOf(std::string_view text, std::int64_t first, std::int64_t count);
+
+/// The same for texts that are ASCII throughout, or not.
+[[nodiscard]] inline std::string_view leftOf(std::string_view text, std::int64_t count, bool isAscii) {
+    if (!isAscii)
+        return leftOf(text, count);
+    return {text.data(), std::min(static_cast<std::size_t>(std::max<std::int64_t>(0, count)), text.size())};
+}
+[[nodiscard]] inline std::string_view rightOf(std::string_view text, std::int64_t count, bool isAscii) {
+    if (!isAscii)
+        return rightOf(text, count);
+    const std::size_t size = std::min(static_cast<std::size_t>(std::max<std::int64_t>(0, count)), text.size());
+    return {text.data() + (text.size() - size), size};
+}
+[[nodiscard]] inline std::string_view substringOf(std::string_view text, std::int64_t first, std::int64_t count,
+                                                  bool isAscii) {
+    if (!isAscii || first < 1)
+        return substringOf(text, first, count);
+    const std::size_t begin = std::min(static_cast<std::size_t>(first - 1), text.size());
+    return text.substr(begin, static_cast<std::size_t>(std::max<std::int64_t>(0, count)));
+}
 
 /// White space (the Unicode property White_Space) at one end or both.
 [[nodiscard]] std::string_view trimLeft(std::string_view text);

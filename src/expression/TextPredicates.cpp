@@ -1,10 +1,8 @@
 #include "expression/ByteSearch.h"
 #include "expression/Operand.h"
 #include "expression/Predicate.h"
-#include "expression/TextKey.h"
 #include "expression/TextOperators.h"
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -64,8 +62,8 @@ class ContainsPredicate : public Predicate {
             return;
         }
         const AdjacentTexts texts{vector.bytes, vector.ends};
-        const char* const readable = vector.bytes + size;
-        rows.keepIf([&](std::uint32_t row) { return m_search.occursIn(texts[row], readable) == wanted; });
+        const auto search = m_search.inShortTexts(vector.bytes + size);
+        rows.keepIf([texts, search, wanted](std::uint32_t row) { return search.occursIn(texts[row]) == wanted; });
     }
     void searchBlock(const Vector& vector, std::size_t rows) {
         m_found.assign(rows, 0);
@@ -100,17 +98,18 @@ class MatchPredicate : public Predicate {
     void narrow(Frame& frame, RowSet& rows, bool wanted) override {
         const Vector& vector = m_operand->evaluate(frame, rows);
         dropNulls(rows, vector);
+        const bool isAscii = vector.isAscii();
         const auto matches = [&](std::uint32_t row, std::string_view text) {
-            const bool isMatch = m_matcher.matches(text, vector.isAscii, frame.scratch());
+            const bool isMatch = m_matcher.matches(text, isAscii, frame.scratch());
             frame.collectFailure(row);
             return isMatch;
         };
         if (m_isWorthSearching && vector.ends && frame.rows() > 0) {
             const AdjacentTexts texts{vector.bytes, vector.ends};
-            const char* const readable = vector.bytes + vector.ends[frame.rows() - 1];
-            rows.keepIf([&](std::uint32_t row) {
+            const auto search = m_required.inShortTexts(vector.bytes + vector.ends[frame.rows() - 1]);
+            rows.keepIf([&, search](std::uint32_t row) {
                 const std::string_view text = texts[row];
-                return (m_required.occursIn(text, readable) && matches(row, text)) == wanted;
+                return (search.occursIn(text) && matches(row, text)) == wanted;
             });
             return;
         }
@@ -125,44 +124,6 @@ class MatchPredicate : public Predicate {
     ByteSearch m_required;
     bool m_isWorthSearching; ///< a single byte is found in too many texts
 };
-
-/// inlist of a few fixed texts.
-class ShortListPredicate : public Predicate {
-  public:
-    static constexpr std::size_t kMost = 8;
-
-    explicit ShortListPredicate(const Node& node)
-        : m_operand(makeOperand(node.child(0))), m_members(node.list.begin(), node.list.end()) {}
-
-    void narrow(Frame& frame, RowSet& rows, bool wanted) override {
-        const Vector& vector = m_operand->evaluate(frame, rows);
-        dropNulls(rows, vector);
-        withTexts(vector, [&](auto texts) {
-            rows.keepIf([&](std::uint32_t row) {
-                const std::string_view text = texts[row];
-                const std::uint64_t key = textKey(text, vector.readable);
-                bool isLikely = false;
-                for (const KeyedText& member : m_members)
-                    isLikely |= member.key() == key;
-                return (isLikely && isMember(text, key)) == wanted;
-            });
-        });
-    }
-
-  private:
-    [[nodiscard]] bool isMember(std::string_view text, std::uint64_t key) const {
-        return std::ranges::any_of(m_members, [&](const KeyedText& member) { return member.equals(text, key); });
-    }
-
-    OperandPtr m_operand;
-    std::vector<KeyedText> m_members;
-};
-
-PredicatePtr makeListTest(const Node& node) {
-    if (node.list.size() <= ShortListPredicate::kMost)
-        return std::make_unique<ShortListPredicate>(node);
-    return makeEach(node.child(0), [&list = node.list](std::string_view text) { return list.contains(text); });
-}
 
 PredicatePtr makeUnaryTest(const Node& node) {
     const Node& text = node.child(0);
@@ -183,8 +144,6 @@ PredicatePtr makeTextTest(const Node& node) {
     const Node& text = node.child(0);
     if (node.kind == NodeKind::Matches)
         return std::make_unique<MatchPredicate>(node);
-    if (node.kind == NodeKind::InList && node.hasList)
-        return makeListTest(node);
     if (node.kind != NodeKind::Call)
         return nullptr;
     if (node.children.size() == 1)

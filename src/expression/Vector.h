@@ -8,6 +8,24 @@
 
 namespace tavix::expression {
 
+class Frame;
+
+/// Whether no byte of some texts is above 0x7F. Of a block's column that is looked at when it is first asked, since
+/// many operators need not know.
+class AsciiAnswer {
+  public:
+    AsciiAnswer() = default;
+    explicit AsciiAnswer(bool isYes) : m_isYes(isYes) {}
+    /// The frame has to outlive it.
+    AsciiAnswer(Frame& frame, std::size_t column) : m_frame(&frame), m_column(column) {}
+    [[nodiscard]] bool isYes() const;
+
+  private:
+    Frame* m_frame = nullptr;
+    std::size_t m_column = 0;
+    bool m_isYes = false;
+};
+
 /// The values that an expression has in the rows of a block; only the rows that were asked for hold any. Borrowed from
 /// the block or from the operator that made it.
 struct Vector {
@@ -18,8 +36,8 @@ struct Vector {
     const char* bytes = nullptr;
     const std::uint32_t* ends = nullptr;
     const std::string_view* texts = nullptr;
-    const char* readable = nullptr;         ///< of `bytes`, up to where they may be read; null when that is not known
-    bool isAscii = false;                   ///< no byte of any text is above 0x7F
+    const char* readable = nullptr; ///< of `bytes`, up to where they may be read; null when that is not known
+    AsciiAnswer ascii;
     const std::int64_t* integers = nullptr; ///< also dates
     const double* reals = nullptr;
     const std::uint8_t* booleans = nullptr;
@@ -28,6 +46,7 @@ struct Vector {
     [[nodiscard]] bool isNull(std::uint32_t row) const {
         return isConstant ? constant.isNull() : nulls && nulls[row] != 0;
     }
+    [[nodiscard]] bool isAscii() const { return ascii.isYes(); }
     [[nodiscard]] Value at(std::uint32_t row) const;
 };
 
@@ -39,7 +58,16 @@ struct AdjacentTexts {
     [[nodiscard]] std::uint32_t begin(std::uint32_t row) const { return row == 0 ? 0 : ends[row - 1]; }
     [[nodiscard]] std::string_view operator[](std::uint32_t row) const {
         const std::uint32_t from = begin(row);
+        fetchAhead(from);
         return {bytes + from, ends[row] - from};
+    }
+
+  private:
+    /// A loop over texts waits for memory more than it computes: a block is too short for the processor to see early
+    /// enough where the loop is going. Nothing is read, so the place may lie behind the block.
+    void fetchAhead(std::uint32_t from) const {
+        constexpr std::uintptr_t kAhead = 2048;
+        __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(bytes) + from + kAhead));
     }
 };
 

@@ -194,7 +194,10 @@ std::string Generator::rowText(bool onlyAscii) {
     static const std::array<std::string, 10> kOther{"é",    "É",      "ß",      "İ",    "\u212A",
                                                     "🙂", "\u0085", "\u00A0", "\xF8", "ǆ"};
     std::string out;
-    for (std::size_t i = below(9); i > 0; --i)
+    // Comparisons look at eight bytes at a time: many texts begin alike and end near there.
+    if (below(6) == 0)
+        out = std::string("kkkk5kkk").substr(0, 6 + below(3));
+    for (std::size_t i = below(out.empty() ? 9 : 3); i > 0; --i)
         out += onlyAscii || below(4) > 0 ? kAscii[below(kAscii.size())] : kOther[below(kOther.size())];
     return out;
 }
@@ -264,8 +267,16 @@ Expression Generator::text(int depth) {
             return Value(substring(textOf(v[0]), size - taken + 1, taken));
         });
     case 7:
-        return call("substring", {inner, number(count), number(static_cast<std::int64_t>(below(5)))},
-                    [](const auto& v) { return Value(substring(textOf(v[0]), integerOf(v[1]), integerOf(v[2]))); });
+        return call("substring",
+                    {inner, below(3) > 0 ? number(count) : integer(depth - 1),
+                     below(3) > 0 ? number(static_cast<std::int64_t>(below(5))) : integer(depth - 1)},
+                    [](const auto& v) {
+                        // Beyond these nothing changes, and sums stay small.
+                        const auto first = std::clamp<std::int64_t>(integerOf(v[1]), -100'000, 100'000);
+                        const bool isFar = integerOf(v[1]) < -100'000;
+                        const auto most = isFar ? integerOf(v[2]) + (integerOf(v[1]) + 100'000) : integerOf(v[2]);
+                        return Value(substring(textOf(v[0]), first, std::clamp<std::int64_t>(most, 0, 1'000'000)));
+                    });
     case 8:
         return call("replace", {inner, part(depth), part(depth)},
                     [](const auto& v) { return Value(replaced(textOf(v[0]), textOf(v[1]), textOf(v[2]))); });
@@ -295,7 +306,22 @@ Expression Generator::integer(int depth) {
             return number(static_cast<std::int64_t>(below(12)) - 2);
         return {"`Count`", [](const Row& row) { return row.count; }};
     }
-    switch (below(6)) {
+    switch (below(8)) {
+    case 3:
+        return call("instr", {text(depth - 1), part(depth), below(3) > 0 ? number(1 + below(4)) : integer(depth - 1)},
+                    [](const auto& v) {
+                        const auto size = static_cast<std::int64_t>(textOf(v[0]).size());
+                        const auto from = std::clamp<std::int64_t>(integerOf(v[2]), 1, size + 1) - 1;
+                        const std::size_t at = textOf(v[0]).find(textOf(v[1]), static_cast<std::size_t>(from));
+                        return Value(at == Text::npos ? std::int64_t{0} : static_cast<std::int64_t>(at) + 1);
+                    });
+    case 4: {
+        const bool isMax = below(2) == 0;
+        return call(isMax ? "max" : "min", {integer(depth - 1), integer(depth - 1), number(3)}, [isMax](const auto& v) {
+            const auto [least, greatest] = std::minmax({integerOf(v[0]), integerOf(v[1]), integerOf(v[2])});
+            return Value(isMax ? greatest : least);
+        });
+    }
     case 0:
         return call("length", {text(depth - 1)},
                     [](const auto& v) { return Value(static_cast<std::int64_t>(textOf(v[0]).size())); });
@@ -352,7 +378,10 @@ Expression Generator::real(int depth) {
         });
     if (depth > 0 && below(3) == 0) {
         const Expression inner = real(depth - 1);
-        switch (below(3)) {
+        switch (below(4)) {
+        case 2:
+            return call("min", {inner, integer(depth - 1)},
+                        [](const auto& v) { return Value(std::min(toReal(v[0]), toReal(v[1]))); });
         case 0:
             return call("abs", {inner}, [](const auto& v) { return Value(std::fabs(toReal(v[0]))); });
         case 1:
@@ -369,6 +398,15 @@ Expression Generator::real(int depth) {
                 const Value b = right.meaning(row);
                 return isNull(a) || isNull(b) || integerOf(b) == 0 ? Value() : Value(toReal(a) / toReal(b));
             }};
+}
+
+Expression Generator::numberList(int depth) {
+    std::vector<Expression> members{below(2) == 0 ? integer(depth - 1) : real(depth - 1)};
+    for (std::size_t i = 1 + below(12); i > 0; --i)
+        members.push_back(below(8) == 0 ? integer(depth - 1) : number(static_cast<std::int64_t>(below(20)) - 2));
+    return call("inlist", members, [](const auto& v) {
+        return Value(std::any_of(v.begin() + 1, v.end(), [&](const Value& one) { return compareAny(v[0], one) == 0; }));
+    });
 }
 
 Expression Generator::any(int depth) {
@@ -452,9 +490,11 @@ Expression Generator::condition(int depth) {
         return call("ends_with", {text(depth - 1), part(depth)},
                     [](const auto& v) { return Value(textOf(v[0]).ends_with(textOf(v[1]))); });
     case 8: {
+        if (below(3) == 0)
+            return numberList(depth);
         std::vector<Expression> members{text(depth - 1)};
         for (std::size_t i = 1 + below(12); i > 0; --i)
-            members.push_back(part(below(5) == 0 ? depth : 0));
+            members.push_back(below(3) == 0 ? quoted(rowText(true)) : part(below(5) == 0 ? depth : 0));
         return call("inlist", members,
                     [](const auto& v) { return Value(std::find(v.begin() + 1, v.end(), v[0]) != v.end()); });
     }

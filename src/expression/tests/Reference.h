@@ -56,6 +56,7 @@ class Generator {
     Expression quoted(const std::string& utf8);
     Expression number(std::int64_t value);
     Expression any(int depth);
+    Expression numberList(int depth);
     Expression part(int depth);
 
     std::mt19937 m_random;
