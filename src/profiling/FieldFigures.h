@@ -5,9 +5,11 @@
 #include "profiling/OrderFigures.h"
 #include "profiling/PackedResult.h"
 #include "repository/Facts.h"
+#include "repository/PlacePages.h"
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace tavix::profiling {
 
@@ -15,6 +17,7 @@ namespace tavix::profiling {
 struct FieldFigures {
     repository::FieldFacts facts;
     std::unique_ptr<PackedResult> packed;
+    std::vector<repository::PlacePage> places; ///< not by computeFigures()
 };
 
 /// What computing takes from outside.

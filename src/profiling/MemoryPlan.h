@@ -24,6 +24,8 @@ class MemoryPlan {
     [[nodiscard]] std::size_t figuring() const { return m_bytes / 3; }
     /// Packed distributions that wait to be stored.
     [[nodiscard]] std::size_t packed() const { return m_bytes / 8; }
+    /// In which parts of a file the values of its columns stand.
+    [[nodiscard]] std::size_t places() const { return m_bytes / 16; }
     /// Figures that wait to be stored.
     [[nodiscard]] std::size_t facts() const { return m_bytes / 16; }
 

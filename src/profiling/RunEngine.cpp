@@ -95,6 +95,7 @@ Status RunEngine::count(source::RowReader& reader, const TablePasses& passes,
             return StopSignal::stopped();
         if (Status status = spillWhatIsTooMuch(columns); !status)
             return status;
+        dropPlacesOfTooMuch(columns);
         if (!readsAhead)
             more = reader.read(blocks[current]);
     }
@@ -118,6 +119,19 @@ Status RunEngine::spillWhatIsTooMuch(std::span<ColumnValues* const> columns) {
         const auto pass = m_gate.take(chosen[i]->spillingTakes(), m_stop);
         return chosen[i]->spill(m_file, m_stop);
     });
+}
+
+void RunEngine::dropPlacesOfTooMuch(std::span<ColumnValues* const> columns) const {
+    const auto memory = [&] {
+        std::size_t sum = 0;
+        for (const ColumnValues* column : columns)
+            sum += column->placesMemory();
+        return sum;
+    };
+    while (memory() > m_plan.places())
+        (*std::max_element(columns.begin(), columns.end(), [](const ColumnValues* a, const ColumnValues* b) {
+            return a->placesMemory() < b->placesMemory();
+        }))->dropPlaces();
 }
 
 Status RunEngine::spillWhatIsTooMuch(TablePass& pass) {
@@ -165,11 +179,13 @@ Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass) {
                 return spilled;
         }
         values.unite();
+        std::vector<repository::PlacePage> places = values.takePlaces();
         const bool mayFork = columns.size() < m_pool.threads();
         auto figures = computeFigures(values, pass.columns()[c], static_cast<int>(c) + 1,
                                       {m_file, m_store, m_stop, share, mayFork});
         if (!figures)
             return figures.error();
+        figures->places = std::move(places);
         values.clear(m_file);
         fields[c] = std::move(*figures);
         return {};
