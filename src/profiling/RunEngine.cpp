@@ -165,9 +165,9 @@ Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass) {
                 return spilled;
         }
         values.unite();
-        const bool mayFork = columns.size() < m_pool.threads();
+        const unsigned threads = std::max(1U, m_pool.threads() / static_cast<unsigned>(columns.size()));
         auto figures = computeFigures(values, pass.columns()[c], static_cast<int>(c) + 1,
-                                      {m_file, m_store, m_stop, share, mayFork});
+                                      {m_file, m_store, m_stop, share, threads});
         if (!figures)
             return figures.error();
         values.clear(m_file);
