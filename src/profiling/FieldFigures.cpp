@@ -70,27 +70,42 @@ class FieldWork {
         const unsigned threads = entries.size() > kWorthAThread ? m_context.threads : 1;
         std::vector<Keyed> spare;
         std::vector<Keyed> order;
-        std::optional<ShownRows> shown;
-        // They share nothing but what they only read.
-        const Task survey = [&] { return surveyInMemory(entries); };
-        const Task hash = [&] { return packHashes(entries, *m_figures.packed, m_context.stop); };
-        const Task sort = [&] {
-            order = sortedByText(entries, spare, m_context.stop);
-            shown.emplace(entries, order, m_nulls);
+        if (threads > 1)
+            return workTogether(entries, order, spare, threads);
+        if (Status status = surveyInMemory(entries); !status)
+            return status;
+        if (Status status = packHashes(entries, *m_figures.packed, m_context.stop); !status)
+            return status;
+        order = sortedByText(entries, spare, m_context.stop);
+        {
+            const ShownRows shown(entries, order, m_nulls);
+            if (Status status = shown.pack(0, shown.size(), m_figures.packed->values, m_context.store, m_context.stop);
+                !status)
+                return status;
+        }
+        return figureByValue(entries, order, spare);
+    }
+
+    /// The same by several threads.
+    Status workTogether(Entries entries, std::vector<Keyed>& order, std::vector<Keyed>& spare, unsigned threads) {
+        std::optional<DividedTextSort> sorting;
+        const Task deal = [&] {
+            sorting.emplace(entries, order, spare);
             return Status{};
         };
-        // By several threads the longest one first; by one so that the least memory is in use at once.
-        const std::array<Task, 3> first = threads > 1 ? std::array{sort, hash, survey} : std::array{survey, hash, sort};
-        if (Status status = doTogether(first, threads); !status)
+        const Task survey = [&] { return surveyInMemory(entries); };
+        if (Status status = doTogether(std::array{deal, survey}, threads); !status)
             return status;
-        const Task figure = [&] { return figureByValue(entries, order, spare); };
-        if (threads > 1)
-            return packTogether(*shown, threads, figure);
-        if (Status status = shown->pack(0, shown->size(), m_figures.packed->values, m_context.store, m_context.stop);
-            !status)
+        std::vector<Task> tasks{[&] { return packHashes(entries, *m_figures.packed, m_context.stop); }};
+        for (std::size_t part = 0; part < sorting->parts(); ++part)
+            tasks.emplace_back([&, part] {
+                sorting->sortPart(part, m_context.stop);
+                return Status{};
+            });
+        if (Status status = doTogether(tasks, threads); !status)
             return status;
-        shown.reset();
-        return figure();
+        const ShownRows shown(entries, order, m_nulls);
+        return packTogether(shown, threads, [&] { return figureByValue(entries, order, spare); });
     }
 
     /// Packs the values by several threads, as parts of whole blocks; `other` is done at the same time.

@@ -89,24 +89,6 @@ inline bool areEqual(const char* left, const char* right, std::size_t size) {
     return a == c && b == d;
 }
 
-/// Which hashes fall to a part, by the half that does not choose the slot.
-class Share {
-  public:
-    Share(std::uint64_t part, std::uint64_t parts) {
-        // The thread that comes to the last part has read the next rows meanwhile: an eighth of the work of counting.
-        const std::uint64_t usual = parts == 1 ? kAll : std::min((kAll + kAll / 8) / parts, kAll / (parts - 1));
-        m_begin = part * usual;
-        m_size = part + 1 == parts ? kAll - m_begin : usual;
-    }
-    [[nodiscard]] bool has(std::uint64_t hash) const { return (hash & (kAll - 1)) - m_begin < m_size; }
-
-  private:
-    static constexpr std::uint64_t kAll = std::uint64_t{1} << 32;
-
-    std::uint64_t m_begin;
-    std::uint64_t m_size;
-};
-
 } // namespace
 
 ValueCounter::ValueCounter() : m_slots(kFirstSlots) {}
@@ -122,7 +104,6 @@ void ValueCounter::countPart(std::span<const source::Cell> cells, std::uint32_t 
 template <bool kIsPart>
 void ValueCounter::countCells(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts) {
     const Seeds& seed = seeds();
-    const Share share(part, parts);
     std::array<std::uint64_t, kBatch> hashes;
     std::array<const source::Cell*, kBatch> present;
     for (std::size_t start = 0; start < cells.size(); start += kBatch) {
@@ -136,7 +117,8 @@ void ValueCounter::countCells(std::span<const source::Cell> cells, std::uint32_t
                 continue;
             }
             const std::uint64_t hash = hashOf(seed, cell.data, cell.size);
-            if (kIsPart && !share.has(hash))
+            // By the half of the hash that does not choose the slot.
+            if (kIsPart && (hash & 0xFFFFFFFF) * parts >> 32 != part)
                 continue;
             __builtin_prefetch(&m_slots[(hash >> 32) & mask]);
             hashes[n] = hash;

@@ -28,7 +28,7 @@ class ValueCounter {
 
     void count(std::span<const source::Cell> cells);
     /// Counts those of the values that fall to one of `parts` counters; the nulls fall to part 0. So several counters
-    /// share the values of a column, and no value is in two of them. The last part is the smallest.
+    /// share the values of a column, and no value is in two of them.
     void countPart(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts);
     void add(std::string_view text, std::uint64_t count);
     void addNulls(std::uint64_t count) { m_nullCount += count; }
