@@ -77,12 +77,13 @@ class Batch {
     std::size_t m_rows = 0;
 };
 
-/// Indexes, the one with the most memory first.
-std::vector<std::size_t> byMemory(std::span<ColumnValues* const> columns) {
+/// Indexes, the one with the most of it first.
+std::vector<std::size_t> orderedBy(std::size_t (ColumnValues::*measure)() const,
+                                   std::span<ColumnValues* const> columns) {
     std::vector<std::size_t> order(columns.size());
     std::iota(order.begin(), order.end(), 0U);
     std::stable_sort(order.begin(), order.end(),
-                     [&](std::size_t a, std::size_t b) { return columns[a]->memory() > columns[b]->memory(); });
+                     [&](std::size_t a, std::size_t b) { return (columns[a]->*measure)() > (columns[b]->*measure)(); });
     return order;
 }
 
@@ -163,7 +164,7 @@ Status RunEngine::spillWhatIsTooMuch(std::span<ColumnValues* const> columns) {
     if (memory <= m_plan.counting())
         return {};
     std::vector<ColumnValues*> chosen;
-    for (const std::size_t i : byMemory(columns)) {
+    for (const std::size_t i : orderedBy(&ColumnValues::memory, columns)) {
         if (memory <= m_plan.afterSpilling() || columns[i]->valuesInMemory() == 0)
             break;
         memory -= columns[i]->memory();
@@ -206,7 +207,7 @@ Status RunEngine::divide(std::size_t count, const std::function<Status(std::size
 Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass) {
     const std::vector<ColumnValues*> columns = valuesOf(pass);
     // The long ones first, so that no thread is left alone with one at the end.
-    const std::vector<std::size_t> order = byMemory(columns);
+    const std::vector<std::size_t> order = orderedBy(&ColumnValues::work, columns);
     std::vector<FieldFigures> fields(columns.size());
     Status status = divide(columns.size(), [&](std::size_t i) -> Status {
         const std::size_t c = order[i];
