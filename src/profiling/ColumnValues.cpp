@@ -74,6 +74,15 @@ std::size_t ColumnValues::valuesInMemory() const {
     return values;
 }
 
+std::size_t ColumnValues::work() const {
+    // Sorting costs as much for each value as patterns and types for some characters.
+    constexpr std::size_t kPerValue = 8;
+    std::size_t work = valuesInMemory() * kPerValue + m_counter.textBytes();
+    for (const ValueCounter& other : m_others)
+        work += other.textBytes();
+    return work;
+}
+
 std::size_t ColumnValues::spillingTakes() const {
     std::size_t values = m_counter.entries().size();
     for (const ValueCounter& other : m_others)

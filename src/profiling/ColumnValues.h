@@ -33,6 +33,8 @@ class ColumnValues {
     /// Of all counters.
     [[nodiscard]] std::size_t memory() const;
     [[nodiscard]] std::size_t valuesInMemory() const;
+    /// About how much work the figures of what is in memory are, compared with those of another column.
+    [[nodiscard]] std::size_t work() const;
 
     /// Whether some of the values lie in the file; then only merged() knows all of them.
     [[nodiscard]] bool isSpilled() const { return !m_runs.isEmpty(); }

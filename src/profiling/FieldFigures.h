@@ -26,7 +26,7 @@ struct FigureContext {
     ByteStore& store; ///< keeps what is packed
     StopSignal& stop;
     std::size_t memory = 0; ///< bytes for lists that grow with the values: all of a spilled column, else the patterns
-    bool mayFork = false;   ///< a second thread may be started for a long column
+    unsigned threads = 1;   ///< how many may work on a long column, the caller among them
 };
 
 /// How much memory computeFigures() takes for a moment beside the values, when they are in memory.

@@ -330,8 +330,9 @@ class Run {
     Status storeFinished() {
         m_reporter.state.phase = ProgressState::Phase::Storing;
         if (!m_writer) {
-            auto writer = repository::RunWriter::begin(m_repositoryPath,
-                                                       {m_job.name, m_job.description, m_description, m_started});
+            repository::RunDescription run{m_job.name, m_job.description, m_description, m_started};
+            run.memory = m_engine.plan().storing();
+            auto writer = repository::RunWriter::begin(m_repositoryPath, run);
             if (!writer)
                 return writer.error();
             m_writer = std::move(*writer);

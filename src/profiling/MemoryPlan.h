@@ -10,7 +10,7 @@
 
 namespace tavix::profiling {
 
-/// How the memory that a run may take is divided. What is not named is for the blocks that are read, and for the store.
+/// How the memory that a run may take is divided. What is not named is for the blocks that are read.
 class MemoryPlan {
   public:
     /// `bytes` may be any number; below some 64 MB the fixed costs of a run exceed it.
@@ -28,8 +28,12 @@ class MemoryPlan {
     [[nodiscard]] std::size_t places() const { return m_bytes / 16; }
     /// Figures that wait to be stored.
     [[nodiscard]] std::size_t facts() const { return m_bytes / 16; }
+    /// What the store may hold back before it writes.
+    [[nodiscard]] std::size_t storing() const { return std::max(m_bytes / 16, kLeastForStore); }
 
   private:
+    static constexpr std::size_t kLeastForStore = std::size_t{32} << 20;
+
     std::size_t m_bytes;
 };
 

@@ -53,6 +53,8 @@ class ValueCounter {
     void absorb(ValueCounter&& other);
     /// Forgets the values and gives back their memory; the nulls stay, and counting can go on.
     void dropValues();
+    /// Of all values together.
+    [[nodiscard]] std::size_t textBytes() const { return m_textBytes; }
     /// Bytes of memory in use, those included that a growing list takes for a moment.
     [[nodiscard]] std::size_t memory() const {
         return m_slots.size() * sizeof(std::uint32_t) + m_entries.capacity() * sizeof(Entry) + m_textBytes;

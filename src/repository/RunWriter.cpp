@@ -408,6 +408,9 @@ Result<std::unique_ptr<RunWriter>> RunWriter::begin(const std::string& path, con
     auto impl = std::make_unique<Impl>();
     impl->connection = std::move(*connection);
     impl->clock = description.clock ? description.clock : &impl->systemClock;
+    if (description.memory > 0)
+        if (auto set = impl->connection->setCacheSize(description.memory); !set)
+            return set.error();
     auto transaction = sql::Transaction::begin(*impl->connection);
     if (!transaction)
         return transaction.error();
