@@ -124,6 +124,9 @@ Status openSearch(const DrillTable& table, const WantedRows& wanted, DrillSource
     if (!column)
         return column.error();
     (*search)->find(*column, wanted.text);
+    const auto& places = table.file->places;
+    if (places && places->stamp == (*search)->stamp() && (*search)->total() > 0)
+        (*search)->restrictTo(places->ranges);
     source.reader = std::move(search).value();
     return {};
 }

@@ -4,6 +4,7 @@
 #include "access/RowTest.h"
 #include "base/Clock.h"
 #include "base/Result.h"
+#include "repository/FilePlaces.h"
 #include "source/Credentials.h"
 #include "source/DatabaseTable.h"
 #include "source/OdbcConnection.h"
@@ -43,6 +44,8 @@ struct DrillTable {
         UtcTime modified{};
         char quote = '"';                 ///< 0: none
         std::vector<std::string> files{}; ///< when there are several; `path` then says how they were named
+        /// Where the wanted value stood when the run read the file, if the run knows.
+        std::optional<repository::FoundPlaces> places{};
     };
 
     struct Database {
@@ -51,6 +54,7 @@ struct DrillTable {
         source::TableRequest address;
     };
 
+    int id = -1;
     std::string name;  ///< as shown
     std::string field; ///< the one that is drilled into
     std::vector<Column> columns;

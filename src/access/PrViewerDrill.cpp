@@ -137,7 +137,6 @@ Status PrViewer::Impl::readFiles(int ofRun, int table, DrillTable::TextFile& fil
 
 Result<DrillTable> PrViewer::Impl::drillTable(int ofRun, int field) const {
     DrillTable table;
-    int tableId = -1;
     {
         const auto row = tableOfField(ofRun, field);
         if (!row)
@@ -150,12 +149,12 @@ Result<DrillTable> PrViewer::Impl::drillTable(int ofRun, int field) const {
             table.file = textFileOf(*row);
         else if (!row->isNull(Connection))
             table.database = databaseOf(*row);
-        tableId = static_cast<int>(row->integer(TableNumber));
+        table.id = static_cast<int>(row->integer(TableNumber));
     }
     if (table.file)
-        if (Status status = readFiles(ofRun, tableId, *table.file); !status)
+        if (Status status = readFiles(ofRun, table.id, *table.file); !status)
             return status.error();
-    auto columns = bound(kColumnsOfTable, {ofRun, tableId});
+    auto columns = bound(kColumnsOfTable, {ofRun, table.id});
     if (!columns)
         return columns.error();
     for (;;) {
@@ -191,12 +190,18 @@ Result<SourceRows> PrViewer::Impl::sourceRows(int field, const KvbString& value,
     const auto ofRun = runOfField(field);
     if (!ofRun)
         return ofRun.error();
-    const auto table = drillTable(*ofRun, field);
+    auto table = drillTable(*ofRun, field);
     if (!table)
         return table.error();
     const auto wanted = wantedRows(*ofRun, field, value, isPattern);
     if (!wanted)
         return wanted.error();
+    if (wanted->kind == WantedRows::Kind::Value && table->file) {
+        auto places = repository::findPlaces(connection(), {*ofRun, table->id, field}, wanted->text);
+        if (!places)
+            return places.error();
+        table->file->places = std::move(places).value();
+    }
     source::KeepGoing keepGoing;
     if (sink)
         keepGoing = [sink, name = table->name] { return sink->progress("Reading " + name, 0, 0); };

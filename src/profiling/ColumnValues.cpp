@@ -13,6 +13,24 @@ constexpr std::size_t kOutputBuffer = std::size_t{64} << 10;
 
 } // namespace
 
+void ColumnValues::countRange(std::span<const source::Cell> cells, std::uint32_t part, PlaceMarks* marks) {
+    if (m_others.empty())
+        m_counter.count(cells, marks);
+    else
+        (part == 0 ? m_counter : m_others[part - 1]).countPart(cells, part, parts(), marks);
+}
+
+void ColumnValues::count(std::span<const source::Cell> cells, std::span<const source::RowPlace> places,
+                         std::uint32_t part) {
+    if (m_places.empty())
+        return countRange(cells, part, nullptr);
+    thread_local PlaceMarks marks;
+    for (std::size_t i = 1; i < places.size(); ++i) {
+        countRange(cells.subspan(places[i - 1].row, places[i].row - places[i - 1].row), part, &marks);
+        m_places[part].endRange(marks);
+    }
+}
+
 void ColumnValues::unite() {
     for (ValueCounter& other : m_others)
         m_counter.absorb(std::move(other));
@@ -26,11 +44,43 @@ std::size_t ColumnValues::memory() const {
     return memory;
 }
 
+std::size_t ColumnValues::placesMemory() const {
+    std::size_t memory = 0;
+    for (const ValuePlaces& places : m_places)
+        memory += places.memory();
+    return memory;
+}
+
+void ColumnValues::giveUpPlaces(const ValueCounter& counter) {
+    if (m_places.empty())
+        return;
+    for (const ValueCounter::Entry& entry : counter.entries())
+        if (entry.count > ValueCounter::kMarkedRows)
+            m_places.front().giveUp(repository::placeBucket(std::uint64_t{entry.hash} << 32));
+}
+
+std::vector<repository::PlacePage> ColumnValues::takePlaces() {
+    giveUpPlaces(m_counter);
+    for (const ValueCounter& other : m_others)
+        giveUpPlaces(other);
+    const std::vector<ValuePlaces> places = std::exchange(m_places, {});
+    return places.empty() ? std::vector<repository::PlacePage>() : packPlaces(places);
+}
+
 std::size_t ColumnValues::valuesInMemory() const {
     std::size_t values = m_counter.entries().size();
     for (const ValueCounter& other : m_others)
         values += other.entries().size();
     return values;
+}
+
+std::size_t ColumnValues::work() const {
+    // Sorting costs as much for each value as patterns and types for some characters.
+    constexpr std::size_t kPerValue = 8;
+    std::size_t work = valuesInMemory() * kPerValue + m_counter.textBytes();
+    for (const ValueCounter& other : m_others)
+        work += other.textBytes();
+    return work;
 }
 
 std::size_t ColumnValues::spillingTakes() const {
@@ -70,6 +120,7 @@ Status ColumnValues::spill(ValueCounter& counter, SpillFile& file, StopSignal& s
     auto run = output.finish();
     if (!run)
         return run.error();
+    giveUpPlaces(counter);
     counter.dropValues();
     return m_runs.add(file, std::move(*run));
 }
@@ -77,6 +128,7 @@ Status ColumnValues::spill(ValueCounter& counter, SpillFile& file, StopSignal& s
 void ColumnValues::clear(SpillFile& file) {
     m_counter = ValueCounter();
     m_others.clear();
+    m_places.clear();
     m_runs.release(file);
 }
 

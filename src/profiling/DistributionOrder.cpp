@@ -61,27 +61,47 @@ class NullRow {
 
 } // namespace
 
-Status packByCount(Entries entries, std::span<const Keyed> byText, std::uint64_t nulls, PackedRows& rows,
-                   ByteStore& store, StopSignal& stop) {
+ShownRows::ShownRows(Entries entries, std::span<const Keyed> byText, std::uint64_t nulls)
+    : m_entries(entries), m_order(orderByCount(entries, byText)), m_nulls(nulls) {
+    const auto isHigher = [&](std::uint32_t index) { return m_entries[index].count > m_nulls; };
+    m_nullRow =
+        static_cast<std::size_t>(std::partition_point(m_order.begin(), m_order.end(), isHigher) - m_order.begin());
+}
+
+Status ShownRows::pack(std::size_t first, std::size_t count, PackedRows& rows, ByteStore& store,
+                       StopSignal& stop) const {
+    std::size_t end = first + count;
+    if (m_nulls > 0 && m_nullRow < end) {
+        if (m_nullRow >= first) {
+            if (Status status = packValues(first, m_nullRow, rows, store, stop); !status)
+                return status;
+            if (Status status = rows.add(store, {{}, m_nulls, true}); !status)
+                return status;
+            first = m_nullRow + 1;
+        }
+        --first; // null is no entry
+        --end;
+    }
+    if (Status status = packValues(first, end, rows, store, stop); !status)
+        return status;
+    return rows.finish(store);
+}
+
+Status ShownRows::packValues(std::size_t begin, std::size_t end, PackedRows& rows, ByteStore& store,
+                             StopSignal& stop) const {
     constexpr std::size_t kAhead = 12;
-    const std::vector<std::uint32_t> order = orderByCount(entries, byText);
-    NullRow null(nulls);
-    for (std::size_t i = 0; i < order.size(); ++i) {
+    for (std::size_t i = begin; i < end; ++i) {
         if (i % kRowsBetweenStops == 0 && stop.isStopped())
             return StopSignal::stopped();
-        if (i + 2 * kAhead < order.size())
-            __builtin_prefetch(&entries[order[i + 2 * kAhead]]);
-        if (i + kAhead < order.size())
-            __builtin_prefetch(entries[order[i + kAhead]].data);
-        const ValueCounter::Entry& entry = entries[order[i]];
-        if (Status status = null.addBefore(entry.count, rows, store); !status)
-            return status;
+        if (i + 2 * kAhead < end)
+            __builtin_prefetch(&m_entries[m_order[i + 2 * kAhead]]);
+        if (i + kAhead < end)
+            __builtin_prefetch(m_entries[m_order[i + kAhead]].data);
+        const ValueCounter::Entry& entry = m_entries[m_order[i]];
         if (Status status = rows.add(store, {entry.text(), entry.count, false}); !status)
             return status;
     }
-    if (Status status = null.add(rows, store); !status)
-        return status;
-    return rows.finish(store);
+    return {};
 }
 
 Status packHashes(Entries entries, PackedResult& packed, StopSignal& stop) {

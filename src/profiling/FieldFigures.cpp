@@ -4,11 +4,12 @@
 #include "profiling/LargeIntegers.h"
 #include "profiling/NumberFigure.h"
 #include "profiling/RunBuffer.h"
+#include "profiling/TaskTeam.h"
 #include "profiling/ValueSurvey.h"
 
 #include <algorithm>
 #include <array>
-#include <future>
+#include <optional>
 #include <utility>
 
 namespace tavix::profiling {
@@ -19,6 +20,9 @@ using Entries = std::span<const ValueCounter::Entry>;
 
 constexpr std::size_t kEntriesAtOnce = 4096;
 constexpr std::size_t kWorthAThread = 10'000; ///< distinct values
+/// Of a block that is full by its number of rows whatever its texts are, if none of them is longer.
+constexpr std::size_t kShortText = repository::kTextPerBlock / repository::kRowsPerBlock;
+constexpr std::size_t kRowsPerTask = 16 * repository::kRowsPerBlock;
 constexpr std::size_t kLeastMemory = std::size_t{64} << 10;
 
 struct KindInfo {
@@ -63,26 +67,67 @@ class FieldWork {
         ValueCounter& counter = m_values.counter();
         counter.finish();
         const Entries entries = counter.entries();
+        const unsigned threads = entries.size() > kWorthAThread ? m_context.threads : 1;
         std::vector<Keyed> spare;
         std::vector<Keyed> order;
-        const auto look = [&] { return surveyInMemory(entries); };
-        const auto sort = [&] {
-            order = sortedByText(entries, spare, m_context.stop);
-            return packByCount(entries, order, m_nulls, m_figures.packed->values, m_context.store, m_context.stop);
-        };
-        if (m_context.mayFork && entries.size() > kWorthAThread) {
-            auto looking = std::async(std::launch::async, look);
-            Status sorted = sort();
-            if (Status looked = looking.get(); !looked)
-                return looked;
-            if (!sorted)
-                return sorted;
-        } else {
-            if (Status looked = look(); !looked)
-                return looked;
-            if (Status sorted = sort(); !sorted)
-                return sorted;
+        if (threads > 1)
+            return workTogether(entries, order, spare, threads);
+        if (Status status = surveyInMemory(entries); !status)
+            return status;
+        if (Status status = packHashes(entries, *m_figures.packed, m_context.stop); !status)
+            return status;
+        order = sortedByText(entries, spare, m_context.stop);
+        {
+            const ShownRows shown(entries, order, m_nulls);
+            if (Status status = shown.pack(0, shown.size(), m_figures.packed->values, m_context.store, m_context.stop);
+                !status)
+                return status;
         }
+        return figureByValue(entries, order, spare);
+    }
+
+    /// The same by several threads.
+    Status workTogether(Entries entries, std::vector<Keyed>& order, std::vector<Keyed>& spare, unsigned threads) {
+        std::optional<DividedTextSort> sorting;
+        const Task deal = [&] {
+            sorting.emplace(entries, order, spare);
+            return Status{};
+        };
+        const Task survey = [&] { return surveyInMemory(entries); };
+        if (Status status = doTogether(std::array{deal, survey}, threads); !status)
+            return status;
+        std::vector<Task> tasks{[&] { return packHashes(entries, *m_figures.packed, m_context.stop); }};
+        for (std::size_t part = 0; part < sorting->parts(); ++part)
+            tasks.emplace_back([&, part] {
+                sorting->sortPart(part, m_context.stop);
+                return Status{};
+            });
+        if (Status status = doTogether(tasks, threads); !status)
+            return status;
+        const ShownRows shown(entries, order, m_nulls);
+        return packTogether(shown, threads, [&] { return figureByValue(entries, order, spare); });
+    }
+
+    /// Packs the values by several threads, as parts of whole blocks; `other` is done at the same time.
+    Status packTogether(const ShownRows& shown, unsigned threads, const Task& other) {
+        const bool hasParts = m_survey.longestBytes() <= kShortText;
+        const std::size_t rowsAtOnce = hasParts ? kRowsPerTask : std::max<std::size_t>(shown.size(), 1);
+        std::vector<PackedRows> parts((shown.size() + rowsAtOnce - 1) / rowsAtOnce);
+        std::vector<Task> tasks{other};
+        for (std::size_t i = 0; i < parts.size(); ++i)
+            tasks.emplace_back([&, i] {
+                const std::size_t first = i * rowsAtOnce;
+                return shown.pack(first, std::min(rowsAtOnce, shown.size() - first), parts[i], m_context.store,
+                                  m_context.stop);
+            });
+        Status status = doTogether(tasks, threads);
+        for (PackedRows& part : parts)
+            m_figures.packed->values.append(std::move(part));
+        return status;
+    }
+
+    /// The figures that follow from the values in their order, which stand in `order` by text. Uses it up.
+    Status figureByValue(Entries entries, std::vector<Keyed>& order, std::vector<Keyed>& spare) {
         if (entries.empty())
             return {};
         if (m_form != KeyForm::None) {
@@ -134,9 +179,7 @@ class FieldWork {
         for (std::size_t i = 0; i < entries.size(); i += kEntriesAtOnce)
             if (Status status = survey(entries.subspan(i, std::min(kEntriesAtOnce, entries.size() - i))); !status)
                 return status;
-        if (Status status = finishSurvey(); !status)
-            return status;
-        return packHashes(entries, *m_figures.packed, m_context.stop);
+        return finishSurvey();
     }
 
     Status survey(Entries entries) {
@@ -288,7 +331,8 @@ class FieldWork {
             std::vector<Keyed> spare;
             const Entries entries = patterns.counter().entries();
             const std::vector<Keyed> order = sortedByText(entries, spare, m_context.stop);
-            Status status = packByCount(entries, order, 0, packed, m_context.store, m_context.stop);
+            const ShownRows shown(entries, order, 0);
+            Status status = shown.pack(0, shown.size(), packed, m_context.store, m_context.stop);
             patterns.clear(m_context.file);
             return status;
         }
@@ -327,8 +371,8 @@ class FieldWork {
 } // namespace
 
 std::size_t figuringTakes(const ColumnValues& values) {
-    // Twice the keyed rows and their order, and with a second thread at the same time twice the hashes. A part of it
-    // is for the patterns, which are spilled beyond that.
+    // Twice the keyed rows and their order, and with further threads at the same time twice the hashes, or the keys. A
+    // part of it is for the patterns, which are spilled beyond that.
     constexpr std::size_t kPerValue = 2 * sizeof(Keyed) + 3 * sizeof(std::uint64_t) + 2 * sizeof(std::uint32_t);
     return values.valuesInMemory() * kPerValue + kLeastMemory;
 }

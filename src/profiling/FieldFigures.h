@@ -5,9 +5,11 @@
 #include "profiling/OrderFigures.h"
 #include "profiling/PackedResult.h"
 #include "repository/Facts.h"
+#include "repository/PlacePages.h"
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace tavix::profiling {
 
@@ -15,6 +17,7 @@ namespace tavix::profiling {
 struct FieldFigures {
     repository::FieldFacts facts;
     std::unique_ptr<PackedResult> packed;
+    std::vector<repository::PlacePage> places; ///< not by computeFigures()
 };
 
 /// What computing takes from outside.
@@ -23,7 +26,7 @@ struct FigureContext {
     ByteStore& store; ///< keeps what is packed
     StopSignal& stop;
     std::size_t memory = 0; ///< bytes for lists that grow with the values: all of a spilled column, else the patterns
-    bool mayFork = false;   ///< a second thread may be started for a long column
+    unsigned threads = 1;   ///< how many may work on a long column, the caller among them
 };
 
 /// How much memory computeFigures() takes for a moment beside the values, when they are in memory.

@@ -8,6 +8,7 @@
 #include "profiling/RunEngine.h"
 #include "profiling/RunReporter.h"
 #include "profiling/TablePrograms.h"
+#include "repository/FilePlaces.h"
 #include "repository/RunWriter.h"
 #include "repository/Schema.h"
 #include "source/OdbcReader.h"
@@ -19,6 +20,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <optional>
 #include <span>
 #include <thread>
 #include <utility>
@@ -80,12 +82,16 @@ struct FinishedTable {
     std::shared_ptr<const std::vector<std::string>> columns; ///< borrowed by the pass
     std::unique_ptr<TablePass> pass;
     TableReport report;
+    std::optional<repository::FilePlaces> places;
     std::vector<FieldFigures> fields;
 };
 
-/// About the memory that a field's facts take, what is packed not among it.
-std::size_t sizeOf(const repository::FieldFacts& facts) {
+/// About the memory that a field's figures take, what is packed not among it.
+std::size_t sizeOf(const FieldFigures& field) {
+    const repository::FieldFacts& facts = field.facts;
     std::size_t size = sizeof(FieldFigures) + sizeof(PackedResult);
+    for (const repository::PlacePage& page : field.places)
+        size += sizeof page + page.bytes.size();
     for (const auto& percentile : facts.percentiles)
         size += sizeof percentile + percentile.value.str().size();
     for (const auto& outlier : facts.outliers)
@@ -102,6 +108,7 @@ class Run {
           m_clock(options.clock ? options.clock : &m_systemClock),
           m_description(options.description),
           m_repositoryPath(repositoryPath),
+          m_placesFrom(options.placesFrom),
           m_started(m_clock->now()),
           m_databases(job, options.askCredentials),
           m_reporter(options.watcher, job.tables.size()),
@@ -222,6 +229,9 @@ class Run {
         auto passes = passesOver(base, columns);
         if (!passes)
             return passes.error();
+        if (!opened->sampled && opened->files->files().size() == 1 && reader.total() >= m_placesFrom)
+            for (auto& pass : *passes)
+                pass->keepPlaces();
         if (Status status = read(reader, *passes); !status)
             return failureIn(base, status.error());
         const std::int64_t rowsOfBase = passes->front()->rows();
@@ -229,6 +239,9 @@ class Run {
             TableReport report = reportOfFiles(m_job, pass->description(), base, *opened, pass->rows(), rowsOfBase);
             if (Status status = figure(std::move(pass), columns, std::move(report), {}); !status)
                 return status;
+            FinishedTable& table = m_finished.back();
+            if (auto offsets = table.pass->takeOffsets(); !offsets.empty())
+                table.places = {opened->files->current().stamp(), valueSeeds(), std::move(offsets)};
         }
         m_bytesBefore += reader.position();
         return {};
@@ -305,7 +318,7 @@ class Run {
             if (!declared.empty())
                 addDeclaration(table.fields[c].facts, declared[c]);
             pass->keepMetrics(c, table.fields[c].facts.metrics);
-            m_factsSize += sizeOf(table.fields[c].facts);
+            m_factsSize += sizeOf(table.fields[c]);
         }
         table.columns = columns;
         table.pass = std::move(pass);
@@ -317,8 +330,9 @@ class Run {
     Status storeFinished() {
         m_reporter.state.phase = ProgressState::Phase::Storing;
         if (!m_writer) {
-            auto writer = repository::RunWriter::begin(m_repositoryPath,
-                                                       {m_job.name, m_job.description, m_description, m_started});
+            repository::RunDescription run{m_job.name, m_job.description, m_description, m_started};
+            run.memory = m_engine.plan().storing();
+            auto writer = repository::RunWriter::begin(m_repositoryPath, run);
             if (!writer)
                 return writer.error();
             m_writer = std::move(*writer);
@@ -334,11 +348,14 @@ class Run {
     }
 
     Status store(FinishedTable& table) {
+        if (table.places)
+            table.report.facts.places = &*table.places;
         const auto id = m_writer->addTable(table.report.facts);
         if (!id)
             return id.error();
         for (FieldFigures& field : table.fields) {
             field.packed->mayGoOn = [this] { return m_reporter.report(); };
+            field.facts.places = field.places;
             if (Status status = m_writer->addField(*id, field.facts); !status)
                 return status;
             field = {};
@@ -367,6 +384,7 @@ class Run {
     const Clock* m_clock;
     std::string m_description;
     const std::string& m_repositoryPath;
+    std::int64_t m_placesFrom;
     UtcTime m_started;
     Databases m_databases;
     RunReporter m_reporter;

@@ -128,11 +128,11 @@ std::size_t commonPrefix(Entries entries) {
 /// Sorts by eight bytes at a time, and then only what these did not tell apart.
 class TextSort {
   public:
-    TextSort(Entries entries, std::vector<Keyed>& rows, std::vector<Keyed>& spare, StopSignal& stop)
+    TextSort(Entries entries, std::span<Keyed> rows, std::span<Keyed> spare, StopSignal& stop)
         : m_entries(entries), m_rows(rows), m_spare(spare), m_stop(stop) {}
 
     void sort(std::size_t from) {
-        RadixSort<Keyed>(m_stop).sort(m_rows, std::span(m_spare).first(m_rows.size()), kBytes - 1);
+        RadixSort<Keyed>(m_stop).sort(m_rows, m_spare, kBytes - 1);
         std::vector<Range> ranges{{0, static_cast<std::uint32_t>(m_rows.size()), static_cast<std::uint32_t>(from)}};
         std::vector<Range> open;
         while (!ranges.empty() && !m_stop.isStopped()) {
@@ -143,7 +143,7 @@ class TextSort {
                 loadKeys(range);
             ranges.clear();
             for (const Range& range : open) {
-                const auto rows = std::span(m_rows).subspan(range.begin, range.size);
+                const auto rows = m_rows.subspan(range.begin, range.size);
                 if (hasEnded(range)) {
                     // Texts that differ only in how many zero bytes they end with, or begin with after this.
                     std::sort(rows.begin(), rows.end(), [&](const Keyed& a, const Keyed& b) {
@@ -151,7 +151,7 @@ class TextSort {
                     });
                     continue;
                 }
-                RadixSort<Keyed>(m_stop).sort(rows, std::span(m_spare).subspan(range.begin, range.size), kBytes - 1);
+                RadixSort<Keyed>(m_stop).sort(rows, m_spare.subspan(range.begin, range.size), kBytes - 1);
                 ranges.push_back(range);
             }
         }
@@ -191,16 +191,25 @@ class TextSort {
     }
 
     [[nodiscard]] bool hasEnded(const Range& range) const {
-        const auto rows = std::span(m_rows).subspan(range.begin, range.size);
+        const auto rows = m_rows.subspan(range.begin, range.size);
         return std::any_of(rows.begin(), rows.end(),
                            [&](const Keyed& row) { return row.key == 0 && m_entries[row.index].size < range.from; });
     }
 
     Entries m_entries;
-    std::vector<Keyed>& m_rows;
-    std::vector<Keyed>& m_spare;
+    std::span<Keyed> m_rows;
+    std::span<Keyed> m_spare; ///< as long
     StopSignal& m_stop;
 };
+
+/// Every entry with the eight bytes from `from` on.
+std::vector<Keyed> keyedByText(Entries entries, std::size_t from) {
+    std::vector<Keyed> rows(entries.size());
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        rows[i] = {prefixOf(entries[i].text(), from), static_cast<std::uint32_t>(i),
+                   static_cast<std::uint32_t>(std::min<std::uint64_t>(entries[i].count, Keyed::kLargeCount))};
+    return rows;
+}
 
 } // namespace
 
@@ -214,17 +223,43 @@ void sortByKey(std::span<Keyed> rows, std::vector<Keyed>& spare, StopSignal& sto
 }
 
 std::vector<Keyed> sortedByText(Entries entries, std::vector<Keyed>& spare, StopSignal& stop) {
-    std::vector<Keyed> rows(entries.size());
     if (entries.empty())
-        return rows;
+        return {};
     const std::size_t from = commonPrefix(entries);
-    for (std::size_t i = 0; i < entries.size(); ++i)
-        rows[i] = {prefixOf(entries[i].text(), from), static_cast<std::uint32_t>(i),
-                   static_cast<std::uint32_t>(std::min<std::uint64_t>(entries[i].count, Keyed::kLargeCount))};
+    std::vector<Keyed> rows = keyedByText(entries, from);
     if (spare.size() < rows.size())
         spare.resize(rows.size());
-    TextSort(entries, rows, spare, stop).sort(from);
+    TextSort(entries, rows, std::span(spare).first(rows.size()), stop).sort(from);
     return rows;
+}
+
+DividedTextSort::DividedTextSort(Entries entries, std::vector<Keyed>& rows, std::vector<Keyed>& spare)
+    : m_entries(entries), m_rows(rows), m_spare(spare), m_starts{0} {
+    constexpr std::size_t kParts = 16;
+    constexpr unsigned kShift = (kBytes - 1) * 8;
+    m_prefix = entries.empty() ? 0 : commonPrefix(entries);
+    spare = keyedByText(entries, m_prefix);
+    rows.resize(spare.size());
+    // Dealt by the first byte that differs.
+    std::array<std::size_t, 257> starts{};
+    for (const Keyed& row : spare)
+        ++starts[(row.key >> kShift) + 1];
+    for (std::size_t i = 1; i < starts.size(); ++i) {
+        starts[i] += starts[i - 1];
+        if (starts[i] - m_starts.back() > rows.size() / kParts)
+            m_starts.push_back(starts[i]);
+    }
+    if (m_starts.back() < rows.size())
+        m_starts.push_back(rows.size());
+    for (const Keyed& row : spare)
+        rows[starts[row.key >> kShift]++] = row;
+}
+
+void DividedTextSort::sortPart(std::size_t part, StopSignal& stop) {
+    const std::size_t first = m_starts[part];
+    const std::size_t size = m_starts[part + 1] - first;
+    TextSort(m_entries, std::span(m_rows).subspan(first, size), std::span(m_spare).subspan(first, size), stop)
+        .sort(m_prefix);
 }
 
 void sortNumbers(std::vector<std::uint64_t>& numbers, StopSignal& stop) {

@@ -3,6 +3,7 @@
 #include "profiling/StopSignal.h"
 #include "profiling/ValueCounter.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -30,6 +31,23 @@ void sortByKey(std::span<Keyed> rows, std::vector<Keyed>& spare, StopSignal& sto
 /// All entries in the order of the bytes of their texts, which is by code point. The keys mean nothing.
 [[nodiscard]] std::vector<Keyed> sortedByText(std::span<const ValueCounter::Entry> entries, std::vector<Keyed>& spare,
                                               StopSignal& stop);
+
+/// The same in parts that several threads can sort at once. The entries and the lists must outlive it.
+class DividedTextSort {
+  public:
+    /// Leaves all entries in `rows`, dealt into the parts.
+    DividedTextSort(std::span<const ValueCounter::Entry> entries, std::vector<Keyed>& rows, std::vector<Keyed>& spare);
+
+    [[nodiscard]] std::size_t parts() const { return m_starts.size() - 1; }
+    void sortPart(std::size_t part, StopSignal& stop);
+
+  private:
+    std::span<const ValueCounter::Entry> m_entries;
+    std::vector<Keyed>& m_rows;
+    std::vector<Keyed>& m_spare;
+    std::vector<std::size_t> m_starts; ///< of the parts, and the end
+    std::size_t m_prefix = 0;          ///< bytes that all texts have in common
+};
 
 void sortNumbers(std::vector<std::uint64_t>& numbers, StopSignal& stop);
 

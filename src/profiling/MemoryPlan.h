@@ -10,7 +10,7 @@
 
 namespace tavix::profiling {
 
-/// How the memory that a run may take is divided. What is not named is for the blocks that are read, and for the store.
+/// How the memory that a run may take is divided. What is not named is for the blocks that are read.
 class MemoryPlan {
   public:
     /// `bytes` may be any number; below some 64 MB the fixed costs of a run exceed it.
@@ -24,10 +24,16 @@ class MemoryPlan {
     [[nodiscard]] std::size_t figuring() const { return m_bytes / 3; }
     /// Packed distributions that wait to be stored.
     [[nodiscard]] std::size_t packed() const { return m_bytes / 8; }
+    /// In which parts of a file the values of its columns stand.
+    [[nodiscard]] std::size_t places() const { return m_bytes / 16; }
     /// Figures that wait to be stored.
     [[nodiscard]] std::size_t facts() const { return m_bytes / 16; }
+    /// What the store may hold back before it writes.
+    [[nodiscard]] std::size_t storing() const { return std::max(m_bytes / 16, kLeastForStore); }
 
   private:
+    static constexpr std::size_t kLeastForStore = std::size_t{32} << 20;
+
     std::size_t m_bytes;
 };
 

@@ -33,6 +33,17 @@ Status PackedRows::finish(ByteStore& store) {
     return status;
 }
 
+void PackedRows::append(PackedRows&& following) {
+    m_blocks.reserve(m_blocks.size() + following.m_blocks.size());
+    for (Block& block : following.m_blocks) {
+        block.facts.firstRow += m_rows;
+        m_blocks.push_back(std::move(block));
+    }
+    m_rows += following.m_rows;
+    m_sum += following.m_sum;
+    following.m_blocks.clear();
+}
+
 Result<bool> PackedRows::next(ByteStore& store, repository::PackedBlock& block) {
     if (m_next > 0)
         store.drop(m_blocks[m_next - 1].payload);

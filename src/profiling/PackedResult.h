@@ -16,6 +16,8 @@ class PackedRows {
   public:
     [[nodiscard]] Status add(ByteStore& store, const repository::ValueCount& row);
     [[nodiscard]] Status finish(ByteStore& store);
+    /// Takes over the rows that follow, which were packed elsewhere; both lists must have been finished.
+    void append(PackedRows&& following);
 
     [[nodiscard]] std::int64_t rows() const { return m_rows; }
     [[nodiscard]] std::uint64_t sum() const { return m_sum; }

@@ -47,8 +47,12 @@ class RunEngine {
     [[nodiscard]] const MemoryPlan& plan() const { return m_plan; }
 
   private:
-    void begin(const TablePasses& passes, const source::RowBlock& block, std::int64_t firstRecord, std::uint32_t parts);
+    /// `blocks`: only one when the passes have programs.
+    void begin(const TablePasses& passes, std::span<const source::RowBlock> blocks, std::int64_t firstRecord,
+               std::uint32_t parts);
     Status spillWhatIsTooMuch(std::span<ColumnValues* const> columns);
+    /// Gives up the places of the columns that take most of the memory, when all take too much.
+    void dropPlacesOfTooMuch(std::span<ColumnValues* const> columns) const;
     /// Calls work(i) for every i below `count` by all threads, until one fails.
     Status divide(std::size_t count, const std::function<Status(std::size_t)>& work);
 

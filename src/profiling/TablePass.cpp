@@ -90,6 +90,8 @@ void TablePass::prepare(const source::RowBlock& block, std::int64_t firstRecord)
     }
     if (m_where)
         select(block, firstRecord);
+    if (m_keepsPlaces)
+        takePlaces(block);
     m_rows += static_cast<std::int64_t>(m_where ? m_selectedRows.size() : block.rows);
     if (m_hasRowPrograms)
         evaluate(block, firstRecord);
@@ -99,12 +101,35 @@ void TablePass::countColumn(const source::RowBlock& block, std::size_t column, s
     const std::vector<source::Cell>& cells = block.columns[column];
     ColumnValues& values = m_values[column];
     if (!m_where)
-        return values.count(std::span(cells.data(), block.rows), part);
+        return values.count(std::span(cells.data(), block.rows), block.places, part);
     thread_local std::vector<source::Cell> selected;
     selected.resize(m_selectedRows.size());
     for (std::size_t i = 0; i < selected.size(); ++i)
         selected[i] = cells[m_selectedRows[i]];
-    values.count(selected, part);
+    values.count(selected, m_selectedPlaces, part);
+}
+
+void TablePass::takePlaces(const source::RowBlock& block) {
+    if (block.places.empty()) {
+        m_keepsPlaces = false;
+        m_offsets.clear();
+        for (ColumnValues& values : m_values)
+            values.dropPlaces();
+        return;
+    }
+    if (m_offsets.empty()) {
+        for (ColumnValues& values : m_values)
+            values.keepPlaces();
+        m_offsets.push_back(block.places.front().offset);
+    }
+    for (std::size_t i = 1; i < block.places.size(); ++i)
+        m_offsets.push_back(block.places[i].offset);
+    if (!m_where)
+        return;
+    m_selectedPlaces = block.places;
+    for (source::RowPlace& place : m_selectedPlaces)
+        place.row = static_cast<std::size_t>(std::lower_bound(m_selectedRows.begin(), m_selectedRows.end(), place.row) -
+                                             m_selectedRows.begin());
 }
 
 void TablePass::select(const source::RowBlock& block, std::int64_t firstRecord) {

@@ -12,6 +12,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tavix::profiling {
@@ -28,6 +29,11 @@ class TablePass {
     /// counts a column, or a part of its values (ColumnValues.h); several threads may count, each something else.
     void prepare(const source::RowBlock& block, std::int64_t firstRecord);
     void countColumn(const source::RowBlock& block, std::size_t column, std::uint32_t part);
+    /// To note where in the file the values stand, for a source that says where its rows do; before the first block.
+    void keepPlaces() { m_keepsPlaces = true; }
+    /// Where the ranges begin to which the columns' places refer, and behind them where the last one ends. Empty when
+    /// they are not kept.
+    [[nodiscard]] std::vector<std::int64_t> takeOffsets() { return std::move(m_offsets); }
     /// Whether the first step is work that is worth a thread.
     [[nodiscard]] bool hasPrograms() const { return m_where || m_hasRowPrograms; }
 
@@ -46,6 +52,7 @@ class TablePass {
     [[nodiscard]] Status storeRules(repository::RunWriter& writer, int tableId);
 
   private:
+    void takePlaces(const source::RowBlock& block);
     void select(const source::RowBlock& block, std::int64_t firstRecord);
     void evaluate(const source::RowBlock& block, std::int64_t firstRecord);
     Status storeMetrics(repository::RunWriter& writer, int tableId);
@@ -61,6 +68,10 @@ class TablePass {
     BlockColumns m_whereColumns;
     std::vector<std::uint32_t> m_allRows;      ///< 0, 1, 2, ...
     std::vector<std::uint32_t> m_selectedRows; ///< of the current block
+
+    bool m_keepsPlaces = false;
+    std::vector<std::int64_t> m_offsets;
+    std::vector<source::RowPlace> m_selectedPlaces; ///< of the current block, among m_selectedRows
 
     BlockColumns m_ruleColumns;
     std::vector<std::unique_ptr<MetricPass>> m_metricPasses; ///< beside the description's; null over metrics

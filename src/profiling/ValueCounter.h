@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/TextHash.h"
+#include "profiling/PlaceMarks.h"
 #include "source/RowReader.h"
 #include "source/TextArena.h"
 
@@ -10,6 +12,9 @@
 #include <vector>
 
 namespace tavix::profiling {
+
+/// Not the same in two processes, so that nobody can write a file whose values all fall on one slot.
+[[nodiscard]] const HashSeeds& valueSeeds();
 
 /// Counts how often each value of a column occurs. Rows cost no allocation: only a value that is met for the first
 /// time is copied.
@@ -26,10 +31,15 @@ class ValueCounter {
 
     ValueCounter();
 
-    void count(std::span<const source::Cell> cells);
+    /// A value that is met more often is not marked any more.
+    static constexpr std::uint64_t kMarkedRows = 1024;
+
+    /// With `marks`, these learn which values were met.
+    void count(std::span<const source::Cell> cells, PlaceMarks* marks = nullptr);
     /// Counts those of the values that fall to one of `parts` counters; the nulls fall to part 0. So several counters
     /// share the values of a column, and no value is in two of them.
-    void countPart(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts);
+    void countPart(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts,
+                   PlaceMarks* marks = nullptr);
     void add(std::string_view text, std::uint64_t count);
     void addNulls(std::uint64_t count) { m_nullCount += count; }
 
@@ -43,15 +53,18 @@ class ValueCounter {
     void absorb(ValueCounter&& other);
     /// Forgets the values and gives back their memory; the nulls stay, and counting can go on.
     void dropValues();
+    /// Of all values together.
+    [[nodiscard]] std::size_t textBytes() const { return m_textBytes; }
     /// Bytes of memory in use, those included that a growing list takes for a moment.
     [[nodiscard]] std::size_t memory() const {
         return m_slots.size() * sizeof(std::uint32_t) + m_entries.capacity() * sizeof(Entry) + m_textBytes;
     }
 
   private:
-    template <bool kIsPart>
-    void countCells(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts);
-    void addHashed(const char* data, std::uint32_t size, std::uint64_t hash, std::uint64_t count);
+    template <bool kIsPart, bool kIsMarked>
+    void countCells(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts, PlaceMarks* marks);
+    template <bool kIsMarked>
+    void addHashed(const char* data, std::uint32_t size, std::uint64_t hash, std::uint64_t count, PlaceMarks* marks);
     void grow();
 
     std::vector<std::uint32_t> m_slots; ///< index into m_entries plus one, 0 when free; open addressing

@@ -56,6 +56,7 @@ void ValueSurvey::take(std::span<const ValueCounter::Entry> values) {
         const std::uint64_t length = codePoints(text);
         m_shortest = std::min(m_shortest, length);
         m_longest = std::max(m_longest, length);
+        m_longestBytes = std::max(m_longestBytes, text.size());
         if (text.empty())
             m_emptyRows += entry.count;
         else if (mayBeBlank(text) && isBlank(text))

@@ -4,6 +4,7 @@
 #include "profiling/ColumnValues.h"
 #include "profiling/ValueKind.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -27,6 +28,7 @@ class ValueSurvey {
     [[nodiscard]] std::uint64_t blankRows() const { return m_blankRows; }
     [[nodiscard]] std::uint64_t shortest() const { return m_shortest; } ///< code points
     [[nodiscard]] std::uint64_t longest() const { return m_longest; }
+    [[nodiscard]] std::size_t longestBytes() const { return m_longestBytes; }
     [[nodiscard]] std::int64_t decimalPlaces() const { return m_decimalPlaces; } ///< the most that a real has
 
   private:
@@ -46,6 +48,7 @@ class ValueSurvey {
     std::uint64_t m_blankRows = 0;
     std::uint64_t m_shortest = UINT64_MAX;
     std::uint64_t m_longest = 0;
+    std::size_t m_longestBytes = 0;
     std::int64_t m_decimalPlaces = 0;
 };
 

@@ -16,6 +16,8 @@
 namespace tavix::repository {
 
 class PackedField;
+struct FilePlaces;
+struct PlacePage;
 
 /// How a data source is reached; the number stands in the repository.
 enum class SourceKind {
@@ -60,6 +62,8 @@ struct TableFacts {
     TextFileFacts textFile; ///< when isTextFile
     /// Of a table that was read from a database: how it was reached, such as "DSN=shop", without user and password.
     std::optional<std::string> connection;
+    /// Where the values of its fields can be found again, when that was noted. Borrowed.
+    const FilePlaces* places = nullptr;
     std::int64_t totalRecords = 0;
     std::int64_t processedRecords = 0;
     std::int64_t damagedRecords = 0; ///< rows that were not as they should be; the execution log lists them
@@ -104,6 +108,8 @@ struct FieldFacts {
     std::span<const ValueCount> patterns;
     /// Where not null, the two distributions are here instead. Borrowed.
     PackedField* packed = nullptr;
+    /// In which ranges of the table's places the values stand; none when that was not noted. Borrowed.
+    std::span<const PlacePage> places;
 };
 
 /// What a custom metric reads: a field's values, or one of its metrics.

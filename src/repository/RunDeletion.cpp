@@ -23,6 +23,10 @@ constexpr std::array kSweptTables{
                kBlocksPerStep},
     SweptTable{"DELETE FROM value_hash WHERE id IN (SELECT id FROM value_hash WHERE run = ?1 LIMIT ?2)",
                kBlocksPerStep / 16},
+    SweptTable{"DELETE FROM value_place WHERE id IN (SELECT id FROM value_place WHERE run = ?1 LIMIT ?2)",
+               kBlocksPerStep},
+    SweptTable{"DELETE FROM file_place WHERE id IN (SELECT id FROM file_place WHERE run = ?1 LIMIT ?2)",
+               kBlocksPerStep},
     SweptTable{"DELETE FROM percentile WHERE run = ?1 AND (field, position) IN "
                "(SELECT field, position FROM percentile WHERE run = ?1 LIMIT ?2)",
                kRowsPerStep},

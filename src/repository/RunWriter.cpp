@@ -4,6 +4,7 @@
 #include "repository/BindValue.h"
 #include "repository/Collections.h"
 #include "repository/DistributionStore.h"
+#include "repository/FilePlaces.h"
 #include "repository/Identities.h"
 #include "repository/RuleStore.h"
 #include "repository/Schema.h"
@@ -128,6 +129,9 @@ Result<int> RunWriter::Impl::addTable(const TableFacts& facts) {
         return stored.error();
     if (auto stored = storeFiles(*table, facts); !stored)
         return stored.error();
+    if (facts.places)
+        if (auto stored = storeFilePlaces(*connection, run, *table, *facts.places); !stored)
+            return stored.error();
     tables[*table].name = displayName(facts);
     records += facts.processedRecords;
     return table;
@@ -191,6 +195,8 @@ Status RunWriter::Impl::addField(int tableId, const FieldFacts& facts) {
     if (auto stored = storePercentiles(*field, facts.percentiles); !stored)
         return stored;
     if (auto stored = storeOutliers(*field, facts.outliers); !stored)
+        return stored;
+    if (auto stored = storeValuePlaces(*connection, run, *field, facts.places); !stored)
         return stored;
     const DistributionKey values{run, *field, DistributionKind::Values};
     const DistributionKey patterns{run, *field, DistributionKind::Patterns};
@@ -402,6 +408,9 @@ Result<std::unique_ptr<RunWriter>> RunWriter::begin(const std::string& path, con
     auto impl = std::make_unique<Impl>();
     impl->connection = std::move(*connection);
     impl->clock = description.clock ? description.clock : &impl->systemClock;
+    if (description.memory > 0)
+        if (auto set = impl->connection->setCacheSize(description.memory); !set)
+            return set.error();
     auto transaction = sql::Transaction::begin(*impl->connection);
     if (!transaction)
         return transaction.error();

@@ -4,6 +4,7 @@
 #include "repository/AlertFacts.h"
 #include "repository/Facts.h"
 
+#include <cstddef>
 #include <memory>
 #include <span>
 #include <string>
@@ -18,6 +19,8 @@ struct RunDescription {
     UtcTime started{};
     /// Tells when the lines of the execution log were written; the system's when null.
     const Clock* clock = nullptr;
+    /// Bytes of memory that the transaction may take; 0: as much as any writer. More makes a large run faster.
+    std::size_t memory = 0;
 };
 
 /// Writes one run of a job. Everything happens in one transaction: until commit() succeeds nobody sees any of it, and

@@ -2,6 +2,7 @@
 #include "repository/SchemaVersion2.h"
 #include "repository/SchemaVersion3.h"
 #include "repository/SchemaVersion4.h"
+#include "repository/SchemaVersion5.h"
 
 #include <array>
 
@@ -344,7 +345,7 @@ FROM collection c JOIN collection_field m ON m.collection = c.id JOIN field f ON
 } // namespace
 
 std::span<const char* const> schemaSteps() {
-    static const std::array kSteps{kVersion1, kSchemaVersion2, kSchemaVersion3, kSchemaVersion4};
+    static const std::array kSteps{kVersion1, kSchemaVersion2, kSchemaVersion3, kSchemaVersion4, kSchemaVersion5};
     return kSteps;
 }
 

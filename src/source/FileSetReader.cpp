@@ -70,6 +70,8 @@ Result<bool> FileSetReader::read(RowBlock& block) {
         if (!more)
             return more;
         takeDamage();
+        if (m_files.size() > 1)
+            block.places.clear(); // they do not say in which file
         m_rows.back() += static_cast<std::int64_t>(block.rows);
         if (*more || m_rows.size() == m_files.size())
             return more;

@@ -36,12 +36,23 @@ struct DamagedRow {
 /// How many damaged rows a reader lists.
 inline constexpr std::size_t kListedDamage = 1000;
 
+/// Where a row begins in its file, in bytes.
+struct RowPlace {
+    std::size_t row = 0; ///< of the block
+    std::int64_t offset = 0;
+
+    bool operator==(const RowPlace&) const = default;
+};
+
 /// The next rows of a table, column by column: columns[c][r] is row r of column c; only the first `rows` count.
 struct RowBlock {
     std::vector<std::vector<Cell>> columns;
     std::size_t rows = 0;
     std::vector<std::int64_t> records; ///< the rows' numbers in the source, from 1; empty when none was left out
     std::shared_ptr<const void> text;  ///< owns the bytes of the cells
+    /// From readers that know it, where some of the rows stand in the file: ascending, the first of row 0, the last of
+    /// the row behind the block.
+    std::vector<RowPlace> places;
 };
 
 /// A table read once from its first row to its last, in blocks.

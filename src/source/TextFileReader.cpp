@@ -1,5 +1,6 @@
 #include "source/TextFileReader.h"
 
+#include "base/Encodings.h"
 #include "source/CellText.h"
 #include "source/DelimiterSniffer.h"
 #include "source/TextArena.h"
@@ -21,6 +22,8 @@ constexpr std::size_t kLargestPiece = std::size_t{1} << 31;
 constexpr std::size_t kBlockRows = std::size_t{1} << 15;
 constexpr std::size_t kBlockCells = std::size_t{1} << 21;
 constexpr std::size_t kMostColumns = 100'000;
+/// Of a large file; what notes them grows with them, and a search for a value looks at about as many parts.
+constexpr std::int64_t kMostPlaces = 2048;
 constexpr std::size_t kMarkSize = 16; ///< no byte order mark is longer
 
 /// Names without duplicates and gaps; the first of two equal ones keeps its name.
@@ -88,6 +91,9 @@ Status TextFileReader::begin(const TextFileOptions& options) {
         m_pieceSize = TextInput::kSample * 3 + 1; // no encoding makes more of a byte, so that one piece holds it all
     if (Status status = refill(); !status)
         return status;
+    const bool hasPlaces = m_input->encoding().encoding == &encodingUtf8() && m_input->size() > 0 && !options.isPreview;
+    if (hasPlaces)
+        m_placeEvery = std::max(options.placeEvery, static_cast<std::ptrdiff_t>(m_input->size() / kMostPlaces));
     const char* text = m_piece->bytes.get();
     const std::string_view start(text, m_piece->size);
     m_hasMark = start.starts_with("\xEF\xBB\xBF");
@@ -232,16 +238,26 @@ void TextFileReader::finishRow(const ScannedRow& row, RowBlock& block, std::size
         noteDamage(row, hadBadBytes);
 }
 
+void TextFileReader::notePlace(RowBlock& block, std::size_t row) {
+    if (block.places.empty() || block.places.back().row < row)
+        block.places.push_back({row, position()});
+    m_nextPlace = m_scanner->position() + m_placeEvery;
+}
+
 Result<bool> TextFileReader::read(RowBlock& block) {
     block.text.reset();
     block.rows = 0;
     block.records.clear();
+    block.places.clear();
     reserve(block);
     const std::size_t columns = m_names.size();
     std::size_t rows = 0;
+    m_nextPlace = m_scanner->position();
     while (rows < m_rowLimit) {
         if (m_scanner->isAtEnd() && m_scanner->isLast())
             break;
+        if (m_placeEvery != 0 && m_scanner->position() >= m_nextPlace)
+            notePlace(block, rows);
         m_rewrites.clear();
         const bool rewriteAll = !m_piece->isValid;
         const ScannedRow row = m_scanner->scan([&](std::size_t index, const RawCell& cell) {
@@ -257,6 +273,7 @@ Result<bool> TextFileReader::read(RowBlock& block) {
                 break; // the next block begins with it, in a piece of its own
             if (Status status = refill(); !status)
                 return status.error();
+            m_nextPlace = m_scanner->position();
             continue;
         }
         if (!row.isEmptyLine || m_isEmptyLineRow) {
@@ -267,6 +284,10 @@ Result<bool> TextFileReader::read(RowBlock& block) {
         m_line += row.lines;
     }
     block.rows = rows;
+    if (rows == 0)
+        block.places.clear();
+    else if (m_placeEvery != 0)
+        notePlace(block, rows);
     block.text = m_piece;
     return rows > 0;
 }

@@ -14,13 +14,14 @@
 namespace tavix::source {
 
 struct TextFileOptions {
-    std::optional<char> delimiter;                ///< found in the first rows when not stated
-    bool hasHeader = true;                        ///< otherwise the columns are named Column1, Column2, ...
-    bool findHeader = false;                      ///< the first row decides instead: see looksLikeNames
-    const CEncoding* encoding = nullptr;          ///< found in the file when null
-    char quote = '"';                             ///< 0: quotes mean nothing
-    std::size_t pieceSize = std::size_t{1} << 20; ///< bytes that are read at once; rows may be longer
-    bool isPreview = false;                       ///< of a longer file only the rows that end in its first MiB are read
+    std::optional<char> delimiter;                       ///< found in the first rows when not stated
+    bool hasHeader = true;                               ///< otherwise the columns are named Column1, Column2, ...
+    bool findHeader = false;                             ///< the first row decides instead: see looksLikeNames
+    const CEncoding* encoding = nullptr;                 ///< found in the file when null
+    char quote = '"';                                    ///< 0: quotes mean nothing
+    std::size_t pieceSize = std::size_t{1} << 20;        ///< bytes that are read at once; rows may be longer
+    std::ptrdiff_t placeEvery = std::ptrdiff_t{1} << 15; ///< bytes between two rows whose places are told, or more
+    bool isPreview = false; ///< of a longer file only the rows that end in its first MiB are read
 };
 
 /// Whether a first row holds names of columns rather than data: none of its cells has a digit but no letter, as numbers
@@ -28,7 +29,8 @@ struct TextFileOptions {
 [[nodiscard]] bool looksLikeNames(std::span<const std::string> cells);
 
 /// Reads a delimited text file (RFC 4180, and what files in the wild make of it: docs/definitions.md). The file is read
-/// in pieces that belong to the blocks; nothing else grows with it but the longest row.
+/// in pieces that belong to the blocks; nothing else grows with it but the longest row. Of a regular file in UTF-8 the
+/// blocks say where rows stand.
 class TextFileReader final : public RowReader {
   public:
     /// Opens the file and reads its first piece: encoding, delimiter and column names are known then. An error for a
@@ -62,6 +64,7 @@ class TextFileReader final : public RowReader {
     [[nodiscard]] bool hasByteOrderMark() const { return m_hasMark; }
     [[nodiscard]] std::int64_t fileSize() const { return m_input->size(); }
     [[nodiscard]] UtcTime modified() const { return m_input->modified(); }
+    [[nodiscard]] const FileStamp& stamp() const { return m_input->stamp(); }
 
   private:
     struct Piece;
@@ -78,6 +81,8 @@ class TextFileReader final : public RowReader {
     [[nodiscard]] std::shared_ptr<Piece> freePiece(std::size_t capacity);
     [[nodiscard]] Cell rewritten(const RawCell& cell, bool& hadBadBytes);
     void reserve(RowBlock& block);
+    /// The row that follows is one of those whose places are told.
+    void notePlace(RowBlock& block, std::size_t row);
     void finishRow(const ScannedRow& row, RowBlock& block, std::size_t rowIndex);
     void noteDamage(const ScannedRow& row, bool hadBadBytes);
     [[nodiscard]] Error failure(std::string_view what) const { return m_input->failure(what); }
@@ -85,6 +90,8 @@ class TextFileReader final : public RowReader {
     std::unique_ptr<TextInput> m_input;
     char m_quote = '"';
     std::size_t m_pieceSize = 0;
+    std::ptrdiff_t m_placeEvery = 0; ///< 0: no places
+    const char* m_nextPlace = nullptr;
     char m_delimiter = '\0';
     bool m_hasMark = false;
     bool m_hasHeader = true;

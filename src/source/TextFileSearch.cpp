@@ -94,6 +94,7 @@ Status TextFileSearch::begin(const TextFileOptions& options) {
         return failure("cannot be read: " + std::generic_category().message(errno));
     if (static_cast<std::int64_t>(info.st_size) != m_size)
         return failure("changed its size while it was read");
+    m_stamp = stampOf(info);
     return {};
 }
 

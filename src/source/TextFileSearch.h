@@ -1,6 +1,8 @@
 #pragma once
 
 #include "base/Clock.h"
+#include "source/FileRange.h"
+#include "source/FileStamp.h"
 #include "source/RowReader.h"
 #include "source/RowScanner.h"
 #include "source/TextArena.h"
@@ -13,14 +15,6 @@
 #include <vector>
 
 namespace tavix::source {
-
-/// A part of a file, in bytes. It begins where a row does and ends where one does, or the file.
-struct FileRange {
-    std::int64_t begin = 0;
-    std::int64_t end = 0;
-
-    bool operator==(const FileRange&) const = default;
-};
 
 /// Reads the rows of a delimited text file in UTF-8 that have a given text in one column: the very rows that
 /// TextFileReader gives, but only those near which the text's bytes stand are taken apart. Damaged rows read as they do
@@ -57,6 +51,7 @@ class TextFileSearch final : public RowReader {
 
     [[nodiscard]] std::int64_t fileSize() const { return m_size; }
     [[nodiscard]] UtcTime modified() const { return m_modified; }
+    [[nodiscard]] const FileStamp& stamp() const { return m_stamp; }
     /// Where the first row behind the heading begins.
     [[nodiscard]] std::int64_t firstRow() const { return m_firstRow; }
 
@@ -100,6 +95,7 @@ class TextFileSearch final : public RowReader {
     std::int64_t m_size = 0;
     std::int64_t m_firstRow = 0;
     UtcTime m_modified{};
+    FileStamp m_stamp;
 
     std::vector<FileRange> m_ranges;
     std::size_t m_range = 0;

@@ -59,6 +59,7 @@ Status TextInput::begin(const CEncoding* encoding, std::size_t beginning, bool i
     // Files that the system makes up say 0.
     m_size = S_ISREG(info.st_mode) ? static_cast<std::int64_t>(info.st_size) : 0;
     m_modified = modifiedTime(info);
+    m_stamp = stampOf(info);
     ::posix_fadvise(m_file, 0, 0, POSIX_FADV_SEQUENTIAL);
     const std::size_t wanted = encoding ? std::min(beginning, kSample) : kSample;
     m_chunk.resize(m_size > 0 ? std::min(wanted, static_cast<std::size_t>(m_size) + 1) : wanted);

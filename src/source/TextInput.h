@@ -3,6 +3,7 @@
 #include "base/Clock.h"
 #include "base/Result.h"
 #include "source/EncodingDetector.h"
+#include "source/FileStamp.h"
 #include "source/TextDecoder.h"
 
 #include <cstdint>
@@ -38,6 +39,7 @@ class TextInput {
     /// Bytes of the file; 0 when it does not say, as a pipe does not.
     [[nodiscard]] std::int64_t size() const { return m_size; }
     [[nodiscard]] UtcTime modified() const { return m_modified; }
+    [[nodiscard]] const FileStamp& stamp() const { return m_stamp; }
     /// Bytes of the file that what was read takes, save for its last `rest` bytes; about so many when it was decoded.
     [[nodiscard]] std::int64_t position(std::size_t rest) const;
     [[nodiscard]] Error failure(std::string_view what) const;
@@ -54,6 +56,7 @@ class TextInput {
     int m_file;
     std::int64_t m_size = 0;
     UtcTime m_modified{};
+    FileStamp m_stamp;
     std::int64_t m_bytesRead = 0;
     FoundEncoding m_encoding;
 

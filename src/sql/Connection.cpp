@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <climits>
 #include <utility>
 
 namespace tavix::sql {
@@ -79,6 +81,12 @@ Result<bool> Connection::isEmpty() {
 
 Status Connection::enableConcurrency() {
     return execute("PRAGMA journal_mode = WAL");
+}
+
+Status Connection::setCacheSize(std::size_t bytes) {
+    constexpr std::size_t kKib = 1024;
+    constexpr std::size_t kMostKib = INT_MAX;
+    return execute(fmt::format("PRAGMA cache_size = -{}", std::min(bytes / kKib, kMostKib)));
 }
 
 Result<bool> Connection::freeSpace(int pages) {

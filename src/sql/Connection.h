@@ -100,6 +100,9 @@ class Connection {
     [[nodiscard]] Result<bool> isEmpty();
     /// Lets readers and a writer work at once from now on; kept in the file.
     [[nodiscard]] Status enableConcurrency();
+    /// How many bytes of changed pages a transaction may hold back. A page that has to be written before the end and is
+    /// changed once more makes the commit read everything again that was written after it.
+    [[nodiscard]] Status setCacheSize(std::size_t bytes);
     /// Gives at most `pages` unused pages back to the file system. True when there are more.
     [[nodiscard]] Result<bool> freeSpace(int pages);
     /// Moves what was written into the main file, if no reader stands in the way.

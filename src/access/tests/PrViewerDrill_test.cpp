@@ -5,6 +5,7 @@
 #include "base/GenException.h"
 #include "base/tests/TempFolder.h"
 #include "pattern/CharacterPattern.h"
+#include "repository/FilePlaces.h"
 #include "repository/RunWriter.h"
 #include "source/TextFileReader.h"
 
@@ -77,6 +78,9 @@ class PrViewerDrillTest : public ::testing::Test {
         table.isTextFile = true;
         table.textFile = {
             m_file, (*reader)->delimiter(), hasHeader, "UTF-8", false, (*reader)->total(), (*reader)->modified()};
+        if (m_places)
+            m_places->stamp = (*reader)->stamp();
+        table.places = m_places ? &*m_places : nullptr;
         const auto id = writer.addTable(table);
         ASSERT_TRUE(id) << id.error().text;
         source::RowBlock block;
@@ -85,8 +89,8 @@ class PrViewerDrillTest : public ::testing::Test {
             addField(writer, *id, (*reader)->columnNames()[c], {block.columns[c].data(), block.rows}, c);
     }
 
-    static void addField(RunWriter& writer, int table, const std::string& name, std::span<const source::Cell> cells,
-                         std::size_t column) {
+    void addField(RunWriter& writer, int table, const std::string& name, std::span<const source::Cell> cells,
+                  std::size_t column) {
         std::map<std::string, std::uint64_t> values;
         std::map<std::string, std::uint64_t> patterns;
         std::int64_t nulls = 0;
@@ -114,6 +118,7 @@ class PrViewerDrillTest : public ::testing::Test {
         const auto patternRows = rowsOf(patterns);
         facts.values = valueRows;
         facts.patterns = patternRows;
+        facts.places = m_pages;
         const Status added = writer.addField(table, facts);
         ASSERT_TRUE(added) << added.error().text;
     }
@@ -162,6 +167,8 @@ class PrViewerDrillTest : public ::testing::Test {
     PrViewer::Handle m_viewer = PrViewer::create();
     std::map<std::string, int> m_fields;
     Sink m_sink;
+    std::optional<repository::FilePlaces> m_places; ///< what the run notes of the file, and of all of its fields
+    std::vector<repository::PlacePage> m_pages;
 };
 
 TEST_F(PrViewerDrillTest, GivesTheRowsBehindValuesNullsAndPatterns) {
@@ -198,6 +205,30 @@ TEST_F(PrViewerDrillTest, GivesTheRowsBehindValuesNullsAndPatterns) {
     EXPECT_TRUE(cursor->next());
     EXPECT_EQ(cursor->getColumnValue(1), KvbString("Köln"));
     EXPECT_THAT(m_sink.texts, ElementsAre("Reading orders.csv"));
+}
+
+// The run of this test is wrong about where the value stands, which shows whether it is asked.
+TEST_F(PrViewerDrillTest, LooksWhereTheRunMetAValueWhileTheFileIsTheSame) {
+    const std::string file = "id,city\n1,Bern\n2,Bern\n3,Bern\n";
+    write(file);
+    m_places = {{}, {11, 22}, {8, 15, 22, 29, 29, 29, 29, 29, 29}};
+    repository::PlacePacker packer(8);
+    packer.add(repository::placeBucket(hashText(m_places->seeds, "Bern")), std::vector<std::uint32_t>{1});
+    m_pages = packer.finish();
+    profile();
+    EXPECT_THAT(rows("city", "Bern"), ElementsAre("2"));
+    EXPECT_THAT(rows("city", "none"), IsEmpty());
+    EXPECT_THAT(rows("city", "Aaaa", true), ElementsAre("1", "2", "3")) << "patterns have no places";
+    std::filesystem::permissions(m_file, std::filesystem::perms::owner_all);
+    EXPECT_THAT(rows("city", "Bern"), ElementsAre("1", "2", "3")) << "something was done with the file";
+
+    write(file);
+    profile();
+    EXPECT_THAT(rows("city", "Bern"), ElementsAre("2")) << "the latest run";
+    const auto modified = std::filesystem::last_write_time(m_file);
+    write("id,city\n1,Bern\n2,Bonn\n3,Bern\n");
+    std::filesystem::last_write_time(m_file, modified);
+    EXPECT_THAT(rows("city", "Bern"), ElementsAre("1", "3")) << "size and time are those of the run";
 }
 
 TEST_F(PrViewerDrillTest, AFilteredTableHasOnlyItsOwnRows) {

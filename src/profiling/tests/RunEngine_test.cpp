@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <functional>
 #include <locale>
 #include <string>
 #include <vector>
@@ -84,6 +85,24 @@ TEST_F(EngineOfRandomTables, ThreadsMemoryBlocksAndLocaleChangeNothing) {
         EXPECT_EQ(figures(table, 4, kMuch, 64).dump(), expected);
     }
     std::locale::global(before);
+}
+
+TEST_F(EngineOfRandomTables, ThreadsShareALongColumn) {
+    // Null stands among the values, several parts are packed, and the last value is in a block of its own.
+    constexpr std::size_t kValues = 200'704;
+    const auto longText = [](std::size_t i) { return std::string(300, 'x') + std::to_string(i % 12'000); };
+    const auto name = [](std::size_t i) { return "key " + std::to_string(i * 2654435761U % 4294967291U); };
+    const auto number = [](std::size_t i) { return std::to_string(static_cast<std::int64_t>(i) * 7919 - 500'000); };
+    const auto blank = [&](std::size_t i) { return i % 1000 == 0 ? std::string(i / 1000, ' ') : number(i); };
+    for (const auto& value : std::vector<std::function<std::string(std::size_t)>>{longText, name, number, blank}) {
+        TableRows table(1);
+        for (std::size_t i = 0; i < kValues; ++i)
+            table[0].insert(table[0].end(), i % 5 == 0 ? 3 : 1, value(i));
+        table[0].insert(table[0].begin() + 1234, 2, std::nullopt);
+        const std::string expected = figures(table, 1, kMuch, 100'000).dump();
+        EXPECT_EQ(figures(table, 2, kMuch, 3000).dump(), expected) << value(1);
+        EXPECT_EQ(figures(table, 3, kMuch, 50'000).dump(), expected) << value(1);
+    }
 }
 
 TEST_F(EngineOfRandomTables, StopsWhereverItIs) {

@@ -28,7 +28,7 @@ std::int64_t ask(const std::string& path, const std::string& sql) {
 std::int64_t rowsOfRun(const std::string& path, int run) {
     std::int64_t rows = 0;
     for (const char* table : {"run_table", "run_field", "percentile", "outlier", "distribution_block", "value_hash",
-                              "execution_log", "key_analysis"})
+                              "value_place", "file_place", "execution_log", "key_analysis"})
         rows += ask(path, "SELECT COUNT(*) FROM " + std::string(table) + " WHERE run = " + std::to_string(run));
     return rows;
 }

@@ -1,6 +1,7 @@
 #include "base/Encodings.h"
 #include "base/tests/TempFolder.h"
 #include "source/TextFileSearch.h"
+#include "source/Utf8.h"
 
 #include <gtest/gtest.h>
 
@@ -58,6 +59,32 @@ std::vector<Row> found(const std::string& path, const TextFileOptions& options, 
     if (!search)
         return {};
     (*search)->find(column, value);
+    return rowsOf(**search);
+}
+
+/// Looks only between those places of the reader that have such a row between them.
+std::vector<Row> foundAtPlaces(const std::string& path, TextFileOptions options, std::size_t column,
+                               const std::string& value) {
+    options.placeEvery = 1;
+    options.pieceSize = 64;
+    auto reader = TextFileReader::open(path, options);
+    auto search = TextFileSearch::open(path, options);
+    EXPECT_TRUE(reader.ok() && search.ok());
+    std::vector<FileRange> ranges;
+    RowBlock block;
+    while ((*reader)->read(block).value()) {
+        EXPECT_EQ(block.places.front().row, 0U);
+        EXPECT_EQ(block.places.back().row, block.rows);
+        for (std::size_t i = 1; i < block.places.size(); ++i)
+            for (std::size_t r = block.places[i - 1].row; r < block.places[i].row; ++r) {
+                const Cell& cell = block.columns[column][r];
+                const FileRange range{block.places[i - 1].offset, block.places[i].offset};
+                if (std::string_view(cell.data, cell.size) == value && (ranges.empty() || ranges.back() != range))
+                    ranges.push_back(range);
+            }
+    }
+    (*search)->find(column, value);
+    (*search)->restrictTo(ranges);
     return rowsOf(**search);
 }
 
@@ -152,6 +179,10 @@ TEST(TextFileSearch, FindsTheRowsThatAFullReadFinds) {
             const std::vector<Row> expected = chosen(rows, column, value);
             ASSERT_EQ(found(path, options, column, value), expected)
                 << "seed " << seed << ", column " << column << ", value " << ::testing::PrintToString(value);
+            if (validUtf8Prefix(value) == value.size()) {
+                ASSERT_EQ(foundAtPlaces(path, options, column, value), expected)
+                    << "seed " << seed << ", column " << column << ", value " << ::testing::PrintToString(value);
+            }
             ++compared;
             hits += expected.size();
         }

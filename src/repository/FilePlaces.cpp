@@ -1,0 +1,118 @@
+#include "repository/FilePlaces.h"
+
+#include <cstddef>
+#include <utility>
+
+namespace tavix::repository {
+
+namespace {
+
+/// From this version on a repository knows places.
+constexpr std::int64_t kPlacesSince = 5;
+
+/// Its hash is stored, so that a hash that gives others on another machine is not trusted.
+constexpr std::string_view kProbe = "Tavix";
+
+std::int64_t asStored(std::uint64_t number) {
+    return static_cast<std::int64_t>(number);
+}
+
+std::uint64_t fromStored(std::int64_t number) {
+    return static_cast<std::uint64_t>(number);
+}
+
+/// The ranges by their numbers, neighbours as one; nothing when the file has not so many.
+std::vector<source::FileRange> rangesOf(std::span<const std::uint32_t> numbers, std::span<const std::int64_t> offsets) {
+    std::vector<source::FileRange> ranges;
+    for (const std::uint32_t number : numbers) {
+        const source::FileRange range{offsets[number], offsets[number + 1]};
+        if (!ranges.empty() && ranges.back().end == range.begin)
+            ranges.back().end = range.end;
+        else
+            ranges.push_back(range);
+    }
+    return ranges;
+}
+
+/// The page that holds the bucket, or nothing: then no list of ranges is there.
+Result<std::optional<std::vector<std::uint32_t>>> readRanges(sql::Connection& connection, const PlaceKey& key,
+                                                             std::uint32_t bucket, std::size_t ranges) {
+    using Found = std::optional<std::vector<std::uint32_t>>;
+    auto page = connection.prepare("SELECT first_bucket, ranges FROM value_place WHERE run = ?1 AND field = ?2 AND "
+                                   "first_bucket <= ?3 ORDER BY first_bucket DESC LIMIT 1");
+    if (!page)
+        return page.error();
+    switch (page->bind(1, key.run).bind(2, key.field).bind(3, std::int64_t{bucket}).step()) {
+    case sql::Step::Row:
+        return rangesOfBucket(page->blob(1), static_cast<std::uint32_t>(page->integer(0)), bucket, ranges);
+    case sql::Step::Done:
+        return Found();
+    default:
+        return Error{connection.errorText()};
+    }
+}
+
+} // namespace
+
+Status storeFilePlaces(sql::Connection& connection, int run, int table, const FilePlaces& places) {
+    auto insert = connection.prepare("INSERT INTO file_place(run, table_id, file_size, file_modified, file_changed, "
+                                     "seed_1, seed_2, probe, offsets) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9)");
+    if (!insert)
+        return insert.error();
+    const std::vector<std::byte> offsets = packOffsets(places.offsets);
+    insert->bind(1, run).bind(2, table);
+    insert->bind(3, places.stamp.size).bind(4, places.stamp.modified).bind(5, places.stamp.changed);
+    insert->bind(6, asStored(places.seeds.first)).bind(7, asStored(places.seeds.second));
+    insert->bind(8, asStored(hashText(places.seeds, kProbe))).bindBlob(9, offsets);
+    return insert->run();
+}
+
+Status storeValuePlaces(sql::Connection& connection, int run, int field, std::span<const PlacePage> pages) {
+    if (pages.empty())
+        return {};
+    auto insert = connection.prepare("INSERT INTO value_place(run, field, first_bucket, ranges) VALUES(?1,?2,?3,?4)");
+    if (!insert)
+        return insert.error();
+    insert->bind(1, run).bind(2, field);
+    for (const PlacePage& page : pages)
+        if (Status done = insert->bind(3, std::int64_t{page.firstBucket}).bindBlob(4, page.bytes).run(); !done)
+            return done;
+    return {};
+}
+
+Result<std::optional<FoundPlaces>> findPlaces(sql::Connection& connection, const PlaceKey& key,
+                                              std::string_view value) {
+    const auto version = connection.schemaVersion();
+    if (!version)
+        return version.error();
+    if (*version < kPlacesSince)
+        return std::optional<FoundPlaces>();
+    auto row = connection.prepare("SELECT file_size, file_modified, file_changed, seed_1, seed_2, probe, offsets "
+                                  "FROM file_place WHERE run = ?1 AND table_id = ?2");
+    if (!row)
+        return row.error();
+    switch (row->bind(1, key.run).bind(2, key.table).step()) {
+    case sql::Step::Row:
+        break;
+    case sql::Step::Done:
+        return std::optional<FoundPlaces>();
+    default:
+        return Error{connection.errorText()};
+    }
+    const HashSeeds seeds{fromStored(row->integer(3)), fromStored(row->integer(4))};
+    const auto offsets = unpackOffsets(row->blob(6));
+    if (fromStored(row->integer(5)) != hashText(seeds, kProbe) || !offsets || offsets->empty())
+        return std::optional<FoundPlaces>();
+    const std::uint32_t bucket = placeBucket(hashText(seeds, value));
+    const auto ranges = readRanges(connection, key, bucket, offsets->size() - 1);
+    if (!ranges)
+        return ranges.error();
+    if (!*ranges)
+        return std::optional<FoundPlaces>();
+    FoundPlaces found;
+    found.stamp = {row->integer(0), row->integer(1), row->integer(2)};
+    found.ranges = rangesOf(**ranges, *offsets);
+    return std::optional(std::move(found));
+}
+
+} // namespace tavix::repository
