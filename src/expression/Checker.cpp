@@ -2,6 +2,7 @@
 
 #include "base/NumberText.h"
 #include "expression/Conversion.h"
+#include "expression/Hints.h"
 #include "expression/Rewriter.h"
 #include "expression/TextOperators.h"
 #include "expression/Wildcard.h"
@@ -272,7 +273,8 @@ class Builder {
     NodePtr call(const Syntax& syntax) {
         const Function* function = findFunction(syntax.text);
         if (!function)
-            return fail(syntax.at, fmt::format("there is no function {}", syntax.text));
+            return fail(syntax.at, fmt::format("there is no function {}{}", syntax.text,
+                                               behindSemicolon(hintForFunction(syntax.text))));
         const auto count = static_cast<int>(syntax.children.size());
         if (count < function->minimum || count > function->maximum)
             return fail(syntax.at, wrongCount(*function, count));

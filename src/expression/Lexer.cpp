@@ -127,6 +127,8 @@ class Scanner {
             return quotedText();
         if (c == '`')
             return fieldName();
+        if (startsWith("<>"))
+            return fail(m_position, "\"not equal\" is written !=");
         for (const Sign& sign : kSigns) {
             if (startsWith(sign.text)) {
                 add(sign.kind, std::string(sign.text));
@@ -148,7 +150,12 @@ class Scanner {
         case '&':
             return fail(at, "write \"and\" as a word");
         case '|':
-            return fail(at, "write \"or\" as a word");
+            return fail(at, "write \"or\" as a word, and concat(a, b) to join texts");
+        case '^':
+            return fail(at, "write power(a, b)");
+        case '[':
+        case '{':
+            return fail(at, "fields stand in grave accents");
         default:
             break;
         }

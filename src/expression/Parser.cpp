@@ -1,5 +1,6 @@
 #include "expression/Parser.h"
 
+#include "expression/Hints.h"
 #include "expression/Lexer.h"
 
 #include <fmt/format.h>
@@ -92,7 +93,9 @@ class Reader {
             m_error = m_tokens.error;
             return nullptr;
         }
-        return fail(current().at, fmt::format("expected {}, found {}", wanted, describe(current())));
+        const std::string_view hint = isAt(TokenKind::Word) ? hintForWord(current().text) : std::string_view();
+        return fail(current().at,
+                    fmt::format("expected {}, found {}{}", wanted, describe(current()), behindSemicolon(hint)));
     }
 
     /// Counts one level of nesting for as long as it lives.

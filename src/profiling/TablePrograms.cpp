@@ -132,8 +132,10 @@ class Compiler {
         if (!program)
             return program.error();
         if ((metric.figure == Figure::Sum || metric.figure == Figure::Average) && !isSummable(program->type()))
-            return Error{fmt::format("{}{}: a number is wanted here, and this is of type {}", metric.expression.place,
-                                     what, expression::typeName(program->type()))};
+            return Error{fmt::format(
+                "{}{}: a number is wanted here, and this is of type {}{}", metric.expression.place, what,
+                expression::typeName(program->type()),
+                program->type() == Type::Boolean ? "; \"count\" gives the number of rows for which it is true" : "")};
         m_programs.metrics.push_back(std::move(program).value());
         if (!m_programs.figures.empty())
             addFigure(m_programs.metrics.size() - 1);

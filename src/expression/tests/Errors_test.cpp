@@ -49,6 +49,14 @@ TEST(Errors, SayWhereAndWhy) {
         {"if 1 == 1 return true", "line 1, column 11: expected \"then\", found the word \"return\""},
         {"if 1 == 1 then true", "line 1, column 16: expected \"if\" or \"return\", found the word \"true\""},
         {"nosuch(1)", "line 1, column 1: there is no function nosuch"},
+        {"len(`Value`) > 4", "line 1, column 1: there is no function len; write length"},
+        {"to_number(`Value`) > 4", "line 1, column 1: there is no function to_number; write tonumber"},
+        {"`Value` between 1 and 2", "line 1, column 9: expected the end of the expression, found the word \"between\"; "
+                                    "write value >= a and value <= b"},
+        {"(`Value` is null)", "line 1, column 10: expected \")\", found the word \"is\"; write isnull(value) or not "
+                              "isnull(value)"},
+        {"`Value` <> 'a'", "line 1, column 9: \"not equal\" is written !="},
+        {"`Count` ^ 2 > 4", "line 1, column 9: write power(a, b)"},
         {"isnull()", "line 1, column 1: isnull takes 1 argument, not 0"},
         {"compare('a')", "line 1, column 1: compare takes 2 to 3 arguments, not 1"},
         {"inlist(`Value`)", "line 1, column 1: inlist takes at least 2 arguments, not 1"},

@@ -13,8 +13,9 @@ namespace tavix::expression {
 
 namespace {
 
-constexpr std::array<std::string_view, 8> kTexts{
-    "", "abc", "ABC 12", "-1.5e3", "é\u212A\u0085", "2024-02-29 23:59", "\xC3 *?", "a'b\\"};
+constexpr std::array<std::string_view, 11> kTexts{
+    "",        "abc",   "ABC 12",  "-1.5e3",   "é\u212A\u0085", "2024-02-29 23:59",
+    "\xC3 *?", "a'b\\", "abcdefg", "abcdefgh", "abcdefgh1"};
 
 [[noreturn]] void giveUp(std::string_view why) {
     std::cerr << why << '\n';

@@ -216,7 +216,8 @@ TEST_F(RuleRuns, ExpressionsThatDoNotFitAreNamedWithTheirPlaceBeforeAnythingIsWr
     EXPECT_EQ(problem("    rules: [{name: R, condition: '`amount`'}]\n"),
               "4:34: the rule \"R\": line 1, column 1: a condition is wanted here, and this is of type text");
     EXPECT_EQ(problem("    custom metrics:\n      - {name: M, sum: '`city` == 1'}\n"),
-              "5:24: the custom metric \"M\": a number is wanted here, and this is of type boolean");
+              "5:24: the custom metric \"M\": a number is wanted here, and this is of type boolean; "
+              "\"count\" gives the number of rows for which it is true");
     EXPECT_EQ(problem("    custom metrics:\n      - {name: M, metric: '`amount:Null count` + `Later`'}\n"
                       "      - {name: Later, count: 'true'}\n"),
               "5:27: the custom metric \"M\": line 1, column 23: there is no field `Later`");
