@@ -1,3 +1,4 @@
+#include "base/tests/SourceFolder.h"
 // Two runs of a job compared by the program; what it has to say is written down in tests/programs/compare.
 #include "Program.h"
 #include "base/tests/TempFolder.h"
@@ -14,7 +15,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-const std::filesystem::path kFolder = TAVIX_COMPARE_FOLDER;
+const std::filesystem::path kFolder = testing::sourceFile("tests/programs/compare");
 
 std::string textOf(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);

@@ -1,6 +1,7 @@
 // A walk through everything that two reports show. What it waits for are warnings of the toolkit, which fail a test,
 // messages, faults that the sanitizers find, and tabs that show neither rows nor a sentence.
 #include "base/tests/ScriptedMessages.h"
+#include "base/tests/SourceFolder.h"
 #include "base/tests/TempFolder.h"
 #include "base/ui/QtText.h"
 #include "doc/CTavixApp.h"
@@ -200,7 +201,7 @@ TEST_P(ReportWalk, everythingOfTheSampleRepository) {
 }
 
 TEST_P(ReportWalk, everythingOfTheDemonstration) {
-    const auto job = profiling::readJobFile(TAVIX_SOURCE_DIR "/share/examples/demo.yaml");
+    const auto job = profiling::readJobFile(testing::sourceFile("share/examples/demo.yaml"));
     ASSERT_TRUE(job.ok()) << job.error().text;
     const std::string repository = m_folder.file("demo.tavix");
     const auto run = profiling::runJob(*job, repository);

@@ -1,4 +1,5 @@
 #include "access/Layouts.h"
+#include "base/tests/SourceFolder.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -37,7 +38,7 @@ TEST(Layouts, ColumnsAreNumberedAsTheyFollowEachOther) {
 }
 
 TEST(Layouts, TheDocumentationListsThemAsTheyAre) {
-    std::ifstream file(TAVIX_SOURCE_DIR "/docs/cursors.md");
+    std::ifstream file(testing::sourceFile("docs/cursors.md"));
     std::string text{std::istreambuf_iterator<char>(file), {}};
     auto begin = text.find("## ");
     ASSERT_NE(begin, std::string::npos);

@@ -1,3 +1,4 @@
+#include "base/tests/SourceFolder.h"
 #include "expression/Catalogue.h"
 #include "expression/Program.h"
 
@@ -11,7 +12,7 @@
 namespace tavix::expression {
 namespace {
 
-constexpr const char* kPage = TAVIX_SOURCE_DIR "/docs/expressions.md";
+const std::string kPage = testing::sourceFile("docs/expressions.md");
 constexpr const char* kHeading = "## Functions\n";
 
 std::string_view word(char letter) {

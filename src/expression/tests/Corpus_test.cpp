@@ -1,3 +1,4 @@
+#include "base/tests/SourceFolder.h"
 #include "expression/tests/FuzzEntry.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +12,7 @@ namespace {
 
 TEST(Corpus, EachTextGivesTheSameByRowAndByBlock) {
     std::size_t files = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(TAVIX_SOURCE_DIR "/src/expression/tests/corpus")) {
+    for (const auto& entry : std::filesystem::directory_iterator(testing::sourceFile("src/expression/tests/corpus"))) {
         std::ifstream file(entry.path(), std::ios::binary);
         const std::string text{std::istreambuf_iterator<char>(file), {}};
         SCOPED_TRACE(entry.path().filename().string());

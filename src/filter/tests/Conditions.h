@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/tests/SourceFolder.h"
 #include "filter/FilterText.h"
 
 #include <gtest/gtest.h>
@@ -87,7 +88,7 @@ inline std::string withCrLf(std::string_view text) {
 
 /// A file of tests/expected, its lines ended by CR LF.
 inline std::string expectedText(const std::string& name) {
-    std::ifstream file(TAVIX_SOURCE_DIR "/src/filter/tests/expected/" + name, std::ios::binary);
+    std::ifstream file(sourceFile("src/filter/tests/expected/" + name), std::ios::binary);
     EXPECT_TRUE(file) << name;
     return withCrLf(std::string{std::istreambuf_iterator<char>(file), {}});
 }

@@ -1,5 +1,6 @@
 #include "profiling/tests/DumpFigures.h"
 
+#include "base/tests/SourceFolder.h"
 #include "profiling/FieldFigures.h"
 #include "source/TextFileReader.h"
 
@@ -107,8 +108,8 @@ std::string dumpFigures(const std::string& path) {
 
 std::string checkWithPython(const std::string& path, const std::string& dumpPath) {
     std::ofstream(dumpPath, std::ios::binary) << dumpFigures(path);
-    const std::string command =
-        "/usr/bin/python3 '" TAVIX_SOURCE_DIR "/tests/figures/check_figures.py' '" + path + "' '" + dumpPath + "' 2>&1";
+    const std::string command = "/usr/bin/python3 '" + tavix::testing::sourceFile("tests/figures/check_figures.py") +
+                                "' '" + path + "' '" + dumpPath + "' 2>&1";
     std::FILE* pipe = ::popen(command.c_str(), "r");
     if (!pipe)
         throw std::runtime_error("no pipe");

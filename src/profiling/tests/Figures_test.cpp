@@ -1,3 +1,4 @@
+#include "base/tests/SourceFolder.h"
 #include "base/tests/TempFolder.h"
 #include "profiling/tests/DumpFigures.h"
 
@@ -26,8 +27,9 @@ class FiguresAgainstPython : public ::testing::Test {
 
 TEST_F(FiguresAgainstPython, SampleTables) {
     for (const char* name : {"airports", "routes", "birdstrikes"})
-        EXPECT_EQ(
-            checkWithPython(std::string(TAVIX_SOURCE_DIR "/share/examples/") + name + ".csv", m_folder.file(name)), "")
+        EXPECT_EQ(checkWithPython(tavix::testing::sourceFile(std::string("share/examples/") + name + ".csv"),
+                                  m_folder.file(name)),
+                  "")
             << name;
 }
 

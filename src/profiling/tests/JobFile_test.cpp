@@ -1,3 +1,4 @@
+#include "base/tests/SourceFolder.h"
 #include "base/tests/TempFolder.h"
 #include "profiling/JobDescription.h"
 
@@ -205,7 +206,7 @@ TEST_F(JobFile, AlertsArriveAndMistakesInThemAreNamed) {
 }
 
 TEST_F(JobFile, DamagedFilesAreErrorsOrJobs) {
-    std::ifstream demo(TAVIX_SOURCE_DIR "/share/examples/demo.yaml", std::ios::binary);
+    std::ifstream demo(tavix::testing::sourceFile("share/examples/demo.yaml"), std::ios::binary);
     std::stringstream whole;
     whole << demo.rdbuf();
     std::mt19937 random(3);

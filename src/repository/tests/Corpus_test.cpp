@@ -1,3 +1,4 @@
+#include "base/tests/SourceFolder.h"
 #include "repository/tests/FuzzBlock.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +14,7 @@ namespace {
 TEST(PackedBlockCorpus, EveryFileAndEachBeginningOfItIsReadInBounds) {
     int files = 0;
     for (const auto& file :
-         std::filesystem::directory_iterator(TAVIX_SOURCE_DIR "/src/repository/tests/corpus/packed_block")) {
+         std::filesystem::directory_iterator(testing::sourceFile("src/repository/tests/corpus/packed_block"))) {
         std::ifstream stream(file.path(), std::ios::binary);
         const std::string content((std::istreambuf_iterator<char>(stream)), {});
         for (std::size_t size = 0; size <= content.size(); ++size) {

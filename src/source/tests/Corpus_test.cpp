@@ -1,3 +1,4 @@
+#include "base/tests/SourceFolder.h"
 #include "source/tests/FuzzText.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +14,7 @@ namespace {
 TEST(TextFileCorpus, EveryFileAndEachBeginningOfItIsReadAsTheSlowReaderDoes) {
     int files = 0;
     for (const auto& file :
-         std::filesystem::directory_iterator(TAVIX_SOURCE_DIR "/src/source/tests/corpus/text_file")) {
+         std::filesystem::directory_iterator(testing::sourceFile("src/source/tests/corpus/text_file"))) {
         std::ifstream stream(file.path(), std::ios::binary);
         const std::string content((std::istreambuf_iterator<char>(stream)), {});
         for (std::size_t size = 0; size <= content.size(); ++size)

@@ -1,3 +1,4 @@
+#include "base/tests/SourceFolder.h"
 #include "base/tests/TempFolder.h"
 #include "source/TextFileReader.h"
 
@@ -307,7 +308,7 @@ TEST(TextFileReader, AgreesWithPythonsCsvModule) {
         GTEST_SKIP() << "no /usr/bin/python3 to compare with";
     TempFolder folder;
     for (const char* name : {"airports.csv", "routes.csv", "birdstrikes.csv"})
-        std::filesystem::copy_file(std::string(TAVIX_SOURCE_DIR "/share/examples/") + name, folder.file(name));
+        std::filesystem::copy_file(testing::sourceFile(std::string("share/examples/") + name), folder.file(name));
     const std::vector<std::string> alphabet = {"a",  "\"",   "\"",     ",", ",",    "\n",
                                                "\r", "\r\n", "\u00E4", " ", "\"\"", "bc"};
     std::mt19937 random(42);
@@ -317,7 +318,7 @@ TEST(TextFileReader, AgreesWithPythonsCsvModule) {
             content += alphabet[random() % alphabet.size()];
         write(folder.file(std::to_string(i) + ".csv"), content);
     }
-    const std::string script = TAVIX_SOURCE_DIR "/src/source/tests/read_with_csv.py";
+    const std::string script = testing::sourceFile("src/source/tests/read_with_csv.py");
     ASSERT_EQ(std::system(("/usr/bin/python3 '" + script + "' '" + folder.path().string() + "'").c_str()), 0);
     int compared = 0;
     for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {

@@ -1,3 +1,4 @@
+#include "base/tests/SourceFolder.h"
 #include "base/tests/TempFolder.h"
 #include "worksheet/Workbook.h"
 
@@ -227,8 +228,9 @@ void addRows(Sample& sample) {
 
 /// 0 when the script agrees; what it prints is shown.
 int check(const testing::TempFolder& folder, const std::string& reader) {
-    const std::string command = fmt::format("/usr/bin/python3 '{}/tests/worksheets/check_worksheet.py' {} '{}' 2>&1",
-                                            TAVIX_SOURCE_DIR, reader, folder.path().string());
+    const std::string command =
+        fmt::format("/usr/bin/python3 '{}' {} '{}' 2>&1", testing::sourceFile("tests/worksheets/check_worksheet.py"),
+                    reader, folder.path().string());
     return std::system(command.c_str()); // NOLINT(cert-env33-c,concurrency-mt-unsafe)
 }
 
