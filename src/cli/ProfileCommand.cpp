@@ -194,9 +194,12 @@ void ProfileCommand::run(const CommonOptions& options) {
         throw CommandError(ExitCode::Source, result.error().text);
     if (result->cancelled)
         throw CommandError(ExitCode::Cancelled, "cancelled; nothing was stored");
-    for (const profiling::TableOutcome& table : result->tables)
+    for (const profiling::TableOutcome& table : result->tables) {
         if (const std::string text = damageText(fileOf(job, table.name), table); !text.empty())
             say(text);
+        for (const std::string& remark : table.remarks)
+            say(remark);
+    }
     say(fmt::format("run {} of job \"{}\" is stored in {} ({:.1f} s)", result->runId, job.name, repository,
                     result->seconds));
     listOutcome(listing, job, *result);

@@ -51,6 +51,7 @@ class Builder {
 
     NodePtr result(const Syntax& syntax) { return m_wanted == Wanted::Condition ? condition(syntax) : build(syntax); }
     [[nodiscard]] std::optional<ExpressionError> takeError() { return std::move(m_error); }
+    [[nodiscard]] std::optional<ExpressionError> takeRemark() { return std::move(m_remark); }
 
   private:
     NodePtr build(const Syntax& syntax) {
@@ -206,9 +207,11 @@ class Builder {
     NodePtr comparison(const Syntax& syntax) {
         NodePtr left = build(*syntax.children[0]);
         NodePtr right = left ? build(*syntax.children[1]) : nullptr;
+        const bool isOrder = syntax.comparison != Comparison::Equal && syntax.comparison != Comparison::NotEqual;
+        if (right && isOrder)
+            remarkOnOrder(*left, *right, syntax.at);
         if (!right || !makeComparable(left, right, syntax))
             return nullptr;
-        const bool isOrder = syntax.comparison != Comparison::Equal && syntax.comparison != Comparison::NotEqual;
         if (isOrder && (left->type == Type::Boolean || right->type == Type::Boolean))
             return fail(syntax.at, "true and false have no order; compare them with == or !=");
         NodePtr node = makeNode(NodeKind::Compare, Type::Boolean);
@@ -216,6 +219,22 @@ class Builder {
         node->children.push_back(std::move(left));
         node->children.push_back(std::move(right));
         return node;
+    }
+
+    /// The order of texts is seldom the one that is meant where a number stands beside a text.
+    void remarkOnOrder(const Node& left, const Node& right, Position at) {
+        const bool isTextLeft = left.type == Type::Text;
+        const Node& text = isTextLeft ? left : right;
+        const Node& number = isTextLeft ? right : left;
+        if (m_remark || text.type != Type::Text || text.isConstant() || !isNumber(number.type))
+            return;
+        const std::string name = text.kind == NodeKind::Field ? fmt::format("`{}`", text.text) : "...";
+        m_remark = ExpressionError{fmt::format("this compares texts, among which '9' stands behind '10'; to compare "
+                                               "numbers write tonumber({})",
+                                               name),
+                                   at.line,
+                                   at.column,
+                                   {}};
     }
 
     /// Numbers compare as they are, a number and a text as texts, a date and a text as dates.
@@ -391,6 +410,7 @@ class Builder {
     std::span<const Field> m_fields;
     Wanted m_wanted;
     std::optional<ExpressionError> m_error;
+    std::optional<ExpressionError> m_remark;
 };
 
 } // namespace
@@ -398,7 +418,7 @@ class Builder {
 Checked check(const Syntax& syntax, std::span<const Field> fields, Wanted wanted) {
     Builder builder(fields, wanted);
     NodePtr tree = builder.result(syntax);
-    return {std::move(tree), builder.takeError()};
+    return {std::move(tree), builder.takeError(), builder.takeRemark()};
 }
 
 } // namespace tavix::expression

@@ -27,6 +27,7 @@ enum class Wanted : std::uint8_t {
 struct Checked {
     NodePtr tree; ///< null when there is an error
     std::optional<ExpressionError> error;
+    std::optional<ExpressionError> remark; ///< on the first place that probably does not mean what its author thinks
 };
 
 /// Settles names and types, and evaluates what is constant. A field is found by its exact name, else by its name in any

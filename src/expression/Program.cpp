@@ -133,6 +133,7 @@ Compiled compile(std::string_view text, std::span<const Field> fields, Wanted wa
         compiled.error = *std::move(checked.error);
     else
         compiled.program = Program(std::move(checked.tree), fields);
+    compiled.remark = std::move(checked.remark);
     return compiled;
 }
 

@@ -57,6 +57,8 @@ class Program {
 struct Compiled {
     std::optional<Program> program; ///< none when there is an error
     ExpressionError error;
+    /// On the first place of a program that probably does not mean what its author thinks.
+    std::optional<ExpressionError> remark;
 
     [[nodiscard]] bool ok() const { return program.has_value(); }
 };

@@ -67,6 +67,7 @@ struct AdjacentTexts {
     /// enough where the loop is going. Nothing is read, so the place may lie behind the block.
     void fetchAhead(std::uint32_t from) const {
         constexpr std::uintptr_t kAhead = 2048;
+        // A number, since no pointer may point there. NOLINTNEXTLINE(performance-no-int-to-ptr)
         __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(bytes) + from + kAhead));
     }
 };

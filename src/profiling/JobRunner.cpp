@@ -307,6 +307,10 @@ class Run {
     Status figure(std::unique_ptr<TablePass> pass, const SharedColumns& columns, TableReport report,
                   std::span<const source::DeclaredColumn> declared) {
         m_reporter.state.phase = ProgressState::Phase::Counting;
+        for (const ProgramRemark& remark : pass->remarks()) {
+            report.outcome.remarks.push_back(remark.place + remark.text);
+            report.log.push_back({repository::LogLevel::Warning, remark.text});
+        }
         auto fields = m_engine.figures(*pass);
         if (!fields)
             return failureIn(pass->description(), fields.error());

@@ -43,6 +43,7 @@ struct TableOutcome {
     std::vector<source::DamagedRow> damage; ///< the first ones
     std::vector<std::string> files;         ///< of a table of several: what the damage counts
     std::string encoding = "UTF-8";         ///< of the first file
+    std::vector<std::string> remarks;       ///< on its expressions, each with its place in the job file
 };
 
 /// Whether keys, collections and the fields in expressions fit the tables that they speak of. A table of a database,

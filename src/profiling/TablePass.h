@@ -23,6 +23,7 @@ class TablePass {
   public:
     /// `description` and `columns` must outlive the pass.
     TablePass(const TableDescription& description, std::span<const std::string> columns, TablePrograms programs);
+    [[nodiscard]] const std::vector<ProgramRemark>& remarks() const { return m_programs.remarks; }
 
     /// A block of rows is taken in two steps. The first finds the rows that belong to the table and hands them to
     /// metrics and rules; `firstRecord` is the number of the block's first row in its source, from 1. The second

@@ -65,8 +65,10 @@ std::vector<Field> fieldsOf(std::span<const TableFigure> figures) {
 }
 
 Result<Program> compileOne(const ExpressionText& text, const std::string& what, std::span<const Field> fields,
-                           Wanted wanted) {
+                           Wanted wanted, std::vector<ProgramRemark>& remarks) {
     expression::Compiled compiled = expression::compile(text.text, fields, wanted);
+    if (compiled.remark)
+        remarks.push_back({text.place, fmt::format("{}: {}", what, expression::describe(*compiled.remark))});
     if (compiled.ok())
         return std::move(*compiled.program);
     std::string hint;
@@ -90,7 +92,7 @@ class Compiler {
     Result<TablePrograms> compile() {
         if (m_table.isFiltered()) {
             auto where = compileOne(m_table.where, fmt::format("the condition of the table \"{}\"", m_table.name),
-                                    m_fields, Wanted::Condition);
+                                    m_fields, Wanted::Condition, m_programs.remarks);
             if (!where)
                 return where.error();
             m_programs.where = std::move(where).value();
@@ -101,8 +103,8 @@ class Compiler {
             if (Status status = add(metric); !status)
                 return status.error();
         for (const RuleDescription& rule : m_table.rules) {
-            auto program =
-                compileOne(rule.condition, fmt::format("the rule \"{}\"", rule.name), m_fields, Wanted::Condition);
+            auto program = compileOne(rule.condition, fmt::format("the rule \"{}\"", rule.name), m_fields,
+                                      Wanted::Condition, m_programs.remarks);
             if (!program)
                 return program.error();
             m_programs.rules.push_back(std::move(program).value());
@@ -127,8 +129,9 @@ class Compiler {
         const bool isOverMetrics = metric.figure == Figure::Metric;
         if (isOverMetrics && m_programs.figures.empty())
             beginFigures();
-        auto program = compileOne(metric.expression, what, isOverMetrics ? m_figureFields : m_fields,
-                                  metric.figure == Figure::Count ? Wanted::Condition : Wanted::Value);
+        auto program =
+            compileOne(metric.expression, what, isOverMetrics ? m_figureFields : m_fields,
+                       metric.figure == Figure::Count ? Wanted::Condition : Wanted::Value, m_programs.remarks);
         if (!program)
             return program.error();
         if ((metric.figure == Figure::Sum || metric.figure == Figure::Average) && !isSummable(program->type()))

@@ -21,6 +21,12 @@ struct TableFigure {
     MetricId metric = MetricId::Count; ///< of that column
 };
 
+/// On an expression that probably does not mean what its author thinks.
+struct ProgramRemark {
+    std::string place; ///< in the job file, as in errors
+    std::string text;
+};
+
 /// The expressions of one table, compiled once for a run. Over rows they are compiled for the columns, which are texts.
 struct TablePrograms {
     std::optional<expression::Program> where;
@@ -30,6 +36,7 @@ struct TablePrograms {
     /// What the metrics over metrics are compiled for: "Records", the 24 metrics of each column as "FIELD:METRIC", then
     /// the custom metrics of the table, each for those that follow it. Empty when there is none.
     std::vector<TableFigure> figures;
+    std::vector<ProgramRemark> remarks;
 
     /// The columns, and over metrics the metrics, that the custom metric reads.
     [[nodiscard]] std::vector<repository::MetricInput> inputsOf(std::size_t metric, bool isOverMetrics,

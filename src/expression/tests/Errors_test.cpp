@@ -80,6 +80,23 @@ TEST(Errors, SayWhereAndWhy) {
         EXPECT_EQ(errorOf(one.text), one.error) << one.text;
 }
 
+TEST(Errors, ANumberBesideATextIsRemarkedOn) {
+    const auto remarkOn = [](std::string_view text) {
+        const Compiled compiled = compile(text, kFields, Wanted::Condition);
+        EXPECT_TRUE(compiled.ok()) << text;
+        return compiled.remark ? describe(*compiled.remark) : "none";
+    };
+    EXPECT_EQ(remarkOn("true and 10 < `Value`"),
+              "line 1, column 13: this compares texts, among which '9' stands behind '10'; to compare numbers write "
+              "tonumber(`Value`)");
+    EXPECT_EQ(remarkOn("left(`Value`, 2) >= `Count`"),
+              "line 1, column 18: this compares texts, among which '9' stands behind '10'; to compare numbers write "
+              "tonumber(...)");
+    for (const char* text : {"`Value` == 10", "`Value` > '10'", "`Count` > '10'", "tonumber(`Value`) > 10",
+                             "`Value` * 1 > 10", "`When` > '2026-01-01'"})
+        EXPECT_EQ(remarkOn(text), "none") << text;
+}
+
 TEST(Errors, ValuesOfSeveralTypesHaveNoCommonOne) {
     EXPECT_EQ(errorOf("if true then return 1 else return false", Wanted::Value),
               "line 1, column 35: one result is of type integer and this of type boolean");

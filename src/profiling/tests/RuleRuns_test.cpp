@@ -234,5 +234,17 @@ TEST_F(RuleRuns, LongValuesAreCutInTheRowLog) {
     EXPECT_EQ(stored("SELECT \"values\" FROM v_rule_rows"), "[\"" + std::string(3999, 'x') + "\u2026\"]\n");
 }
 
+TEST_F(RuleRuns, AComparisonOfATextWithANumberIsRemarkedOn) {
+    write("t.csv", "amount,city\n9,a\n10,b\n");
+    const auto outcome = run("job: J\ntables:\n  - file: t.csv\n    rules:\n"
+                             "      - {name: R, condition: '`amount` > 5'}\n"
+                             "      - {name: S, condition: 'tonumber(`amount`) > 5'}\n");
+    ASSERT_TRUE(outcome) << outcome.error().text;
+    const std::string remark = "the rule \"R\": line 1, column 10: this compares texts, among which '9' stands behind "
+                               "'10'; to compare numbers write tonumber(`amount`)";
+    EXPECT_THAT(outcome->tables.front().remarks, ::testing::ElementsAre(m_job + ":5:30: " + remark));
+    EXPECT_THAT(stored("SELECT * FROM v_log"), ::testing::HasSubstr(remark));
+}
+
 } // namespace
 } // namespace tavix::profiling
