@@ -52,17 +52,21 @@ std::size_t ColumnValues::placesMemory() const {
 }
 
 void ColumnValues::giveUpPlaces(const ValueCounter& counter) {
-    if (m_places.empty())
+    if (m_arePlacesClosed || m_places.empty())
         return;
     for (const ValueCounter::Entry& entry : counter.entries())
         if (entry.count > ValueCounter::kMarkedRows)
             m_places.front().giveUp(repository::placeBucket(std::uint64_t{entry.hash} << 32));
 }
 
-std::vector<repository::PlacePage> ColumnValues::takePlaces() {
+void ColumnValues::closePlaces() {
     giveUpPlaces(m_counter);
     for (const ValueCounter& other : m_others)
         giveUpPlaces(other);
+    m_arePlacesClosed = true;
+}
+
+std::vector<repository::PlacePage> ColumnValues::takePlaces() {
     const std::vector<ValuePlaces> places = std::exchange(m_places, {});
     return places.empty() ? std::vector<repository::PlacePage>() : packPlaces(places);
 }
@@ -125,11 +129,15 @@ Status ColumnValues::spill(ValueCounter& counter, SpillFile& file, StopSignal& s
     return m_runs.add(file, std::move(*run));
 }
 
-void ColumnValues::clear(SpillFile& file) {
+void ColumnValues::clearValues(SpillFile& file) {
     m_counter = ValueCounter();
     m_others.clear();
-    m_places.clear();
     m_runs.release(file);
+}
+
+void ColumnValues::clear(SpillFile& file) {
+    clearValues(file);
+    m_places.clear();
 }
 
 } // namespace tavix::profiling

@@ -48,9 +48,13 @@ class ColumnValues {
     /// Of the values' places, 0 when they are not kept.
     [[nodiscard]] std::size_t placesMemory() const;
     void dropPlaces() { m_places.clear(); }
-    /// In which of the ranges, counted over all calls of count(), the values stand; none when that was not kept. As
-    /// long as the values are there.
+    /// To be called when all values were counted, before any is taken away.
+    void closePlaces();
+    /// In which of the ranges, counted over all calls of count(), the values stand; none when that was not kept. They
+    /// were closed before, and another thread may compute with the values meanwhile.
     [[nodiscard]] std::vector<repository::PlacePage> takePlaces();
+    /// Forgets the values, but not their places.
+    void clearValues(SpillFile& file);
     /// Forgets everything.
     void clear(SpillFile& file);
 
@@ -63,6 +67,7 @@ class ColumnValues {
     ValueCounter m_counter;
     std::vector<ValueCounter> m_others;
     std::vector<ValuePlaces> m_places; ///< by part; empty when they are not kept
+    bool m_arePlacesClosed = false;
     RunSet m_runs{RunOrder::Text};
 };
 

@@ -223,7 +223,7 @@ Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass) {
     // The long ones first, so that no thread is left alone with one at the end.
     const std::vector<std::size_t> order = orderedBy(&ColumnValues::work, columns);
     std::vector<FieldFigures> fields(columns.size());
-    Status status = divide(columns.size(), [&](std::size_t i) -> Status {
+    const auto figure = [&](std::size_t i) -> Status {
         const std::size_t c = order[i];
         ColumnValues& values = *columns[c];
         const std::size_t share = m_plan.figuring() / m_pool.threads();
@@ -235,19 +235,33 @@ Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass) {
                 return spilled;
         }
         values.unite();
-        std::vector<repository::PlacePage> places = values.takePlaces();
         const unsigned threads = std::max(1U, m_pool.threads() / static_cast<unsigned>(columns.size()));
         auto figures = computeFigures(values, pass.columns()[c], static_cast<int>(c) + 1,
                                       {m_file, m_store, m_stop, share, threads});
         if (!figures)
             return figures.error();
-        figures->places = std::move(places);
-        values.clear(m_file);
+        values.clearValues(m_file);
         fields[c] = std::move(*figures);
         return {};
+    };
+    // The places need nothing of the figures, and fill the time of a thread that has none to compute any more.
+    Status status = divide(columns.size(), [&](std::size_t i) -> Status {
+        columns[i]->closePlaces();
+        return {};
     });
+    std::vector<std::vector<repository::PlacePage>> places(columns.size());
+    if (status)
+        status = divide(columns.size() * 2, [&](std::size_t i) -> Status {
+            if (i < columns.size())
+                return figure(i);
+            const std::size_t c = order[i - columns.size()];
+            places[c] = columns[c]->takePlaces();
+            return {};
+        });
     if (!status)
         return status.error();
+    for (std::size_t c = 0; c < columns.size(); ++c)
+        fields[c].places = std::move(places[c]);
     return fields;
 }
 
