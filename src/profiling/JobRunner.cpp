@@ -229,7 +229,7 @@ class Run {
         auto passes = passesOver(base, columns);
         if (!passes)
             return passes.error();
-        if (!opened->sampled && opened->files->files().size() == 1 && reader.total() >= m_placesFrom)
+        if (reader.total() >= m_placesFrom)
             for (auto& pass : *passes)
                 pass->keepPlaces();
         if (Status status = read(reader, *passes); !status)

@@ -30,7 +30,7 @@ class TablePass {
     /// counts a column, or a part of its values (ColumnValues.h); several threads may count, each something else.
     void prepare(const source::RowBlock& block, std::int64_t firstRecord);
     void countColumn(const source::RowBlock& block, std::size_t column, std::uint32_t part);
-    /// To note where in the file the values stand, for a source that says where its rows do; before the first block.
+    /// To note where in the file the values stand, if the source says where its rows do; before the first block.
     void keepPlaces() { m_keepsPlaces = true; }
     /// Where the ranges begin to which the columns' places refer, and behind them where the last one ends. Empty when
     /// they are not kept.

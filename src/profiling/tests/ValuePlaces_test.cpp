@@ -1,3 +1,4 @@
+#include "base/Encodings.h"
 #include "base/tests/TempFolder.h"
 #include "profiling/JobRunner.h"
 #include "repository/FilePlaces.h"
@@ -64,10 +65,9 @@ std::vector<std::string> rowsWith(const std::string& path, std::size_t column, c
 
 class ValuePlacesTest : public ::testing::Test {
   protected:
-    void run(const RunOptions& options, bool hasFiltered) {
+    void run(const RunOptions& options, bool hasFiltered, TableDescription table = {}) {
         JobDescription job;
         job.name = "j";
-        TableDescription table;
         table.name = "t";
         table.path = m_path;
         job.tables.push_back(table);
@@ -173,10 +173,28 @@ TEST_F(ValuePlacesTest, OutliveTheValues) {
     EXPECT_FALSE(find(1, 3, "A"));
 }
 
-TEST_F(ValuePlacesTest, ASmallFileHasNone) {
-    std::ofstream(m_path, std::ios::binary) << "id\nneedle\n";
+TEST_F(ValuePlacesTest, AreNotKeptOfWhatCannotBeSearchedByThem) {
+    std::ofstream(m_path, std::ios::binary) << rowsOf(5, true);
+    run(withPlaces(1), false);
+    EXPECT_TRUE(find(1, 1, "row 5"));
     run({}, false);
-    EXPECT_FALSE(find(1, 1, "needle"));
+    EXPECT_FALSE(find(1, 1, "row 5")) << "a small file";
+
+    TableDescription table;
+    table.sample = {source::Sample::Kind::First, 1000, 0};
+    run(withPlaces(2), false, table);
+    EXPECT_FALSE(find(1, 1, "row 5")) << "a sample";
+
+    table = {};
+    table.encoding = findEncoding("ISO-8859-1");
+    run(withPlaces(2), false, table);
+    EXPECT_FALSE(find(1, 1, "row 5")) << "another encoding";
+
+    table = {};
+    std::ofstream(m_folder.file("u.csv"), std::ios::binary) << rowsOf(6, true);
+    table.files = {m_path, m_folder.file("u.csv")};
+    run(withPlaces(2), false, table);
+    EXPECT_FALSE(find(1, 1, "row 5")) << "several files";
 }
 
 } // namespace
