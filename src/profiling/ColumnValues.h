@@ -30,8 +30,11 @@ class ColumnValues {
     /// Makes counter() hold all values that are in memory; nothing can be counted after it.
     void unite();
 
-    /// Of all counters.
+    /// Of all counters, or of one.
     [[nodiscard]] std::size_t memory() const;
+    [[nodiscard]] std::size_t memory(std::uint32_t part) const {
+        return (part == 0 ? m_counter : m_others[part - 1]).memory();
+    }
     [[nodiscard]] std::size_t valuesInMemory() const;
     /// About how much work the figures of what is in memory are, compared with those of another column.
     [[nodiscard]] std::size_t work() const;
@@ -47,6 +50,9 @@ class ColumnValues {
     [[nodiscard]] const RunSet& runs() const { return m_runs; }
     /// Of the values' places, 0 when they are not kept.
     [[nodiscard]] std::size_t placesMemory() const;
+    [[nodiscard]] std::size_t placesMemory(std::uint32_t part) const {
+        return m_places.empty() ? 0 : m_places[part].memory();
+    }
     void dropPlaces() { m_places.clear(); }
     /// To be called when all values were counted, before any is taken away.
     void closePlaces();

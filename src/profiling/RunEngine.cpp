@@ -1,9 +1,9 @@
 #include "profiling/RunEngine.h"
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <numeric>
+#include <optional>
 #include <utility>
 
 namespace tavix::profiling {
@@ -25,56 +25,26 @@ std::vector<ColumnValues*> valuesOf(const TablePasses& passes) {
     return values;
 }
 
-bool havePrograms(const TablePasses& passes) {
-    return std::any_of(passes.begin(), passes.end(), [](const auto& pass) { return pass->hasPrograms(); });
-}
+/// The reader needs a block to fill while one is counted and one waits for the threads that are ahead.
+constexpr std::size_t kBlocksOnTheWay = 3;
 
-constexpr std::size_t kMostBlocks = 8;
-constexpr std::size_t kBatchBytes = std::size_t{16} << 20;
-
-/// Blocks that are counted at one go.
-class Batch {
+/// Lets the other threads of a pool help with a line as long as it lives.
+class Helpers {
   public:
-    Batch(std::size_t mostBlocks, const MemoryPlan& plan, bool& isAtEnd)
-        : m_blocks(mostBlocks), m_bytes(std::min(plan.counting() / 16, kBatchBytes)), m_isAtEnd(isAtEnd) {}
-
-    /// False when there are no rows any more. Blocks are read until they have the number or the size that is wanted.
-    Result<bool> read(source::RowReader& reader) {
-        m_size = 0;
-        m_rows = 0;
-        for (std::size_t bytes = 0; !m_isAtEnd && (m_size == 0 || (m_size < m_blocks.size() && bytes < m_bytes));) {
-            source::RowBlock& block = m_blocks[m_size];
-            const auto more = reader.read(block);
-            if (!more)
-                return more.error();
-            m_isAtEnd = !*more;
-            if (m_isAtEnd)
-                break;
-            m_rows += block.rows;
-            if (++m_size < m_blocks.size())
-                bytes += bytesOf(block);
-        }
-        return m_size > 0;
+    Helpers(WorkerPool& pool, BlockLine& line) : m_pool(pool), m_line(line) {
+        m_line.open();
+        m_pool.start(m_pool.threads() - 1, [&line](std::size_t) { line.help(); });
     }
-    [[nodiscard]] std::span<const source::RowBlock> blocks() const { return {m_blocks.data(), m_size}; }
-    [[nodiscard]] std::size_t rows() const { return m_rows; }
+    ~Helpers() {
+        m_line.close();
+        m_pool.finish();
+    }
+    Helpers(const Helpers&) = delete;
+    Helpers& operator=(const Helpers&) = delete;
 
   private:
-    /// About what the block takes, and its values if they are all new.
-    static std::size_t bytesOf(const source::RowBlock& block) {
-        constexpr std::size_t kPerCell = 64;
-        std::size_t bytes = block.columns.size() * block.rows * kPerCell;
-        for (const auto& cells : block.columns)
-            for (std::size_t row = 0; row < block.rows; ++row)
-                bytes += cells[row].size;
-        return bytes;
-    }
-
-    std::vector<source::RowBlock> m_blocks;
-    std::size_t m_bytes;
-    bool& m_isAtEnd; ///< of the reader
-    std::size_t m_size = 0;
-    std::size_t m_rows = 0;
+    WorkerPool& m_pool;
+    BlockLine& m_line;
 };
 
 /// Indexes, the one with the most of it first.
@@ -97,25 +67,6 @@ RunEngine::RunEngine(const Settings& settings, std::function<bool()> poll)
       m_gate(m_plan.figuring()),
       m_pool(settings.threads) {}
 
-void RunEngine::begin(const TablePasses& passes, std::span<const source::RowBlock> blocks, std::int64_t firstRecord,
-                      std::uint32_t parts) {
-    for (const source::RowBlock& block : blocks) {
-        if (havePrograms(passes)) {
-            m_pool.start(passes.size(), [&](std::size_t i) { passes[i]->prepare(block, firstRecord); });
-            m_pool.finish();
-        } else {
-            for (const auto& pass : passes)
-                pass->prepare(block, firstRecord);
-        }
-    }
-    const std::size_t columns = passes.front()->columns().size();
-    m_pool.start(columns * passes.size() * parts, [&passes, blocks, columns, parts](std::size_t i) {
-        const std::size_t column = i / parts;
-        for (const source::RowBlock& block : blocks)
-            passes[column / columns]->countColumn(block, column % columns, static_cast<std::uint32_t>(i % parts));
-    });
-}
-
 Status RunEngine::count(source::RowReader& reader, const TablePasses& passes,
                         const std::function<void(std::size_t)>& took) {
     const std::vector<ColumnValues*> columns = valuesOf(passes);
@@ -123,39 +74,38 @@ Status RunEngine::count(source::RowReader& reader, const TablePasses& passes,
     const std::uint32_t parts = columns.size() < 2 * std::size_t{m_pool.threads()} ? m_pool.threads() : 1;
     for (ColumnValues* column : columns)
         column->divide(parts);
-    // While some blocks are counted the next ones are read; alone a thread does better to count what it has just read.
-    const bool readsAhead = m_pool.threads() > 1;
-    // Threads that share a column wait for each other less often when they count several blocks at a time.
-    const std::size_t most = parts > 1 && !havePrograms(passes) ? kMostBlocks : 1;
-    bool isAtEnd = false;
-    std::array<Batch, 2> batches{Batch(most, m_plan, isAtEnd), Batch(most, m_plan, isAtEnd)};
-    std::size_t current = 0;
-    std::int64_t record = 1;
-    auto more = batches[current].read(reader);
-    while (more && *more) {
-        const std::size_t rows = batches[current].rows();
-        begin(passes, batches[current].blocks(), record, parts);
-        if (readsAhead) {
-            try {
-                more = batches[1 - current].read(reader);
-            } catch (...) {
-                m_pool.finish(); // which still looks at the other blocks
-                throw;
-            }
-            current = 1 - current;
-        }
-        m_pool.finish();
-        record += static_cast<std::int64_t>(rows);
+    // Alone a thread does best to count what it has just read.
+    const bool isAlone = m_pool.threads() == 1;
+    BlockLine line(passes, isAlone ? 1 : kBlocksOnTheWay, parts);
+    std::optional<Helpers> helpers(std::in_place, m_pool, line);
+    for (;;) {
+        source::RowBlock& block = line.free();
+        const auto more = reader.read(block);
+        if (!more)
+            return more.error();
+        if (!*more)
+            break;
+        const std::size_t rows = block.rows;
+        line.send();
+        if (isAlone)
+            line.finish();
         took(rows);
         if (m_stop.isStopped())
             return StopSignal::stopped();
-        if (Status status = spillWhatIsTooMuch(columns); !status)
-            return status;
-        dropPlacesOfTooMuch(columns);
-        if (!readsAhead)
-            more = batches[current].read(reader);
+        if (const auto memory = line.memory(); memory.values > m_plan.counting() || memory.places > m_plan.places()) {
+            line.finish();
+            helpers.reset();
+            dropPlacesOfTooMuch(columns);
+            if (Status status = spillWhatIsTooMuch(columns); !status)
+                return status;
+            line.measure();
+            helpers.emplace(m_pool, line);
+        }
     }
-    return more ? Status{} : Status{more.error()};
+    line.finish();
+    helpers.reset();
+    dropPlacesOfTooMuch(columns);
+    return spillWhatIsTooMuch(columns);
 }
 
 Status RunEngine::spillWhatIsTooMuch(std::span<ColumnValues* const> columns) {
@@ -223,6 +173,9 @@ Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass) {
     // The long ones first, so that no thread is left alone with one at the end.
     const std::vector<std::size_t> order = orderedBy(&ColumnValues::work, columns);
     std::vector<FieldFigures> fields(columns.size());
+    std::size_t allWork = 1;
+    for (const ColumnValues* column : columns)
+        allWork += column->work();
     const auto figure = [&](std::size_t i) -> Status {
         const std::size_t c = order[i];
         ColumnValues& values = *columns[c];
@@ -234,8 +187,9 @@ Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass) {
             if (Status spilled = values.spill(m_file, m_stop); !spilled)
                 return spilled;
         }
+        // One that has more than a thread's share of the work would keep the others waiting in the end.
+        const auto threads = static_cast<unsigned>(values.work() * m_pool.threads() / allWork) + 1;
         values.unite();
-        const unsigned threads = std::max(1U, m_pool.threads() / static_cast<unsigned>(columns.size()));
         auto figures = computeFigures(values, pass.columns()[c], static_cast<int>(c) + 1,
                                       {m_file, m_store, m_stop, share, threads});
         if (!figures)

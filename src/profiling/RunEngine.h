@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Result.h"
+#include "profiling/BlockLine.h"
 #include "profiling/ByteStore.h"
 #include "profiling/FieldFigures.h"
 #include "profiling/MemoryPlan.h"
@@ -18,8 +19,6 @@
 
 namespace tavix::profiling {
 
-using TablePasses = std::vector<std::unique_ptr<TablePass>>;
-
 /// The work of a run that can be divided: counting the columns of the tables that share a source, and computing the
 /// figures of columns. It keeps within the memory of the run by moving counted values to a temporary file.
 class RunEngine {
@@ -32,7 +31,7 @@ class RunEngine {
     /// `poll` is called by the thread that makes the engine, often, while it works; false stops the work.
     RunEngine(const Settings& settings, std::function<bool()> poll);
 
-    /// Counts all rows of the source for all passes. `took(rows)` is called after each block.
+    /// Counts all rows of the source for all passes. `took(rows)` is called with each block.
     [[nodiscard]] Status count(source::RowReader& reader, const TablePasses& passes,
                                const std::function<void(std::size_t)>& took);
     /// For values that are counted by other means than count(): to be called often, while the columns grow.
@@ -47,9 +46,6 @@ class RunEngine {
     [[nodiscard]] const MemoryPlan& plan() const { return m_plan; }
 
   private:
-    /// `blocks`: only one when the passes have programs.
-    void begin(const TablePasses& passes, std::span<const source::RowBlock> blocks, std::int64_t firstRecord,
-               std::uint32_t parts);
     Status spillWhatIsTooMuch(std::span<ColumnValues* const> columns);
     /// Gives up the places of the columns that take most of the memory, when all take too much.
     void dropPlacesOfTooMuch(std::span<ColumnValues* const> columns) const;

@@ -30,13 +30,15 @@ class TablePass {
     /// counts a column, or a part of its values (ColumnValues.h); several threads may count, each something else.
     void prepare(const source::RowBlock& block, std::int64_t firstRecord);
     void countColumn(const source::RowBlock& block, std::size_t column, std::uint32_t part);
+    /// Whether the first step changes what the second looks at, so that no other block may be in it meanwhile.
+    [[nodiscard]] bool preparingDisturbs(const source::RowBlock& block) const {
+        return m_where || (m_keepsPlaces && (block.places.empty() || m_offsets.empty()));
+    }
     /// To note where in the file the values stand, if the source says where its rows do; before the first block.
     void keepPlaces() { m_keepsPlaces = true; }
     /// Where the ranges begin to which the columns' places refer, and behind them where the last one ends. Empty when
     /// they are not kept.
     [[nodiscard]] std::vector<std::int64_t> takeOffsets() { return std::move(m_offsets); }
-    /// Whether the first step is work that is worth a thread.
-    [[nodiscard]] bool hasPrograms() const { return m_where || m_hasRowPrograms; }
 
     [[nodiscard]] const TableDescription& description() const { return m_description; }
     [[nodiscard]] std::span<const std::string> columns() const { return m_columns; }
@@ -53,6 +55,7 @@ class TablePass {
     [[nodiscard]] Status storeRules(repository::RunWriter& writer, int tableId);
 
   private:
+    [[nodiscard]] bool hasPrograms() const { return m_where || m_hasRowPrograms; }
     void takePlaces(const source::RowBlock& block);
     void select(const source::RowBlock& block, std::int64_t firstRecord);
     void evaluate(const source::RowBlock& block, std::int64_t firstRecord);
