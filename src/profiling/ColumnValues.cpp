@@ -54,9 +54,10 @@ std::size_t ColumnValues::placesMemory() const {
 void ColumnValues::giveUpPlaces(const ValueCounter& counter) {
     if (m_arePlacesClosed || m_places.empty())
         return;
-    for (const ValueCounter::Entry& entry : counter.entries())
-        if (entry.count > ValueCounter::kMarkedRows)
-            m_places.front().giveUp(repository::placeBucket(std::uint64_t{entry.hash} << 32));
+    for (const auto& chunk : counter.entries().chunks())
+        for (const Entry& entry : chunk)
+            if (entry.count > ValueCounter::kMarkedRows)
+                m_places.front().giveUp(repository::placeBucket(std::uint64_t{entry.hash} << 32));
 }
 
 void ColumnValues::closePlaces() {
@@ -104,7 +105,7 @@ Status ColumnValues::spill(SpillFile& file, StopSignal& stop) {
 }
 
 Status ColumnValues::spill(ValueCounter& counter, SpillFile& file, StopSignal& stop) {
-    const auto entries = counter.entries();
+    const EntryList& entries = counter.entries();
     if (entries.empty())
         return {};
     std::vector<Keyed> order;

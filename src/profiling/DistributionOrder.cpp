@@ -7,12 +7,10 @@ namespace tavix::profiling {
 
 namespace {
 
-using Entries = std::span<const ValueCounter::Entry>;
-
 constexpr std::size_t kRowsBetweenStops = 4096;
 
 /// Indexes of entries by count from the highest down; equal counts stay in the order of `byText`.
-std::vector<std::uint32_t> orderByCount(Entries entries, std::span<const Keyed> byText) {
+std::vector<std::uint32_t> orderByCount(const EntryList& entries, std::span<const Keyed> byText) {
     // Most counts are small: those are dealt into buckets, and only the few large ones sorted.
     constexpr std::uint32_t kBuckets = 256;
     std::array<std::size_t, kBuckets> starts{};
@@ -61,7 +59,7 @@ class NullRow {
 
 } // namespace
 
-ShownRows::ShownRows(Entries entries, std::span<const Keyed> byText, std::uint64_t nulls)
+ShownRows::ShownRows(const EntryList& entries, std::span<const Keyed> byText, std::uint64_t nulls)
     : m_entries(entries), m_order(orderByCount(entries, byText)), m_nulls(nulls) {
     const auto isHigher = [&](std::uint32_t index) { return m_entries[index].count > m_nulls; };
     m_nullRow =
@@ -97,14 +95,14 @@ Status ShownRows::packValues(std::size_t begin, std::size_t end, PackedRows& row
             __builtin_prefetch(&m_entries[m_order[i + 2 * kAhead]]);
         if (i + kAhead < end)
             __builtin_prefetch(m_entries[m_order[i + kAhead]].data);
-        const ValueCounter::Entry& entry = m_entries[m_order[i]];
+        const Entry& entry = m_entries[m_order[i]];
         if (Status status = rows.add(store, {entry.text(), entry.count, false}); !status)
             return status;
     }
     return {};
 }
 
-Status packHashes(Entries entries, PackedResult& packed, StopSignal& stop) {
+Status packHashes(const EntryList& entries, PackedResult& packed, StopSignal& stop) {
     std::vector<std::uint64_t> hashes(entries.size());
     for (std::size_t i = 0; i < entries.size(); ++i)
         hashes[i] = repository::hashValue(entries[i].text());

@@ -18,7 +18,7 @@ namespace tavix::profiling {
 class ShownRows {
   public:
     /// `byText` is the order of the entries by text. No row for null when `nulls` is 0.
-    ShownRows(std::span<const ValueCounter::Entry> entries, std::span<const Keyed> byText, std::uint64_t nulls);
+    ShownRows(const EntryList& entries, std::span<const Keyed> byText, std::uint64_t nulls);
 
     [[nodiscard]] std::size_t size() const { return m_order.size() + (m_nulls > 0 ? 1 : 0); }
     /// Packs `count` rows from `first` on and finishes the list. Several threads may pack different rows.
@@ -29,14 +29,14 @@ class ShownRows {
     [[nodiscard]] Status packValues(std::size_t begin, std::size_t end, PackedRows& rows, ByteStore& store,
                                     StopSignal& stop) const;
 
-    std::span<const ValueCounter::Entry> m_entries;
+    const EntryList& m_entries;
     std::vector<std::uint32_t> m_order; ///< null not among them
     std::uint64_t m_nulls;
     std::size_t m_nullRow; ///< where null stands, or would
 };
 
 /// Packs the sorted hashes of values in memory.
-[[nodiscard]] Status packHashes(std::span<const ValueCounter::Entry> entries, PackedResult& packed, StopSignal& stop);
+[[nodiscard]] Status packHashes(const EntryList& entries, PackedResult& packed, StopSignal& stop);
 
 /// What merging takes from outside; `memory` is for buffers.
 struct Merging {

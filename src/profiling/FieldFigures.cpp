@@ -16,8 +16,6 @@ namespace tavix::profiling {
 
 namespace {
 
-using Entries = std::span<const ValueCounter::Entry>;
-
 constexpr std::size_t kEntriesAtOnce = 4096;
 constexpr std::size_t kWorthAThread = 10'000; ///< distinct values
 /// Of a block that is full by its number of rows whatever its texts are, if none of them is longer.
@@ -66,7 +64,7 @@ class FieldWork {
     Status workInMemory() {
         ValueCounter& counter = m_values.counter();
         counter.finish();
-        const Entries entries = counter.entries();
+        const EntryList& entries = counter.entries();
         const unsigned threads = entries.size() > kWorthAThread ? m_context.threads : 1;
         std::vector<Keyed> spare;
         std::vector<Keyed> order;
@@ -87,7 +85,8 @@ class FieldWork {
     }
 
     /// The same by several threads.
-    Status workTogether(Entries entries, std::vector<Keyed>& order, std::vector<Keyed>& spare, unsigned threads) {
+    Status workTogether(const EntryList& entries, std::vector<Keyed>& order, std::vector<Keyed>& spare,
+                        unsigned threads) {
         std::optional<DividedTextSort> sorting;
         const Task deal = [&] {
             sorting.emplace(entries, order, spare);
@@ -127,7 +126,7 @@ class FieldWork {
     }
 
     /// The figures that follow from the values in their order, which stand in `order` by text. Uses it up.
-    Status figureByValue(Entries entries, std::vector<Keyed>& order, std::vector<Keyed>& spare) {
+    Status figureByValue(const EntryList& entries, std::vector<Keyed>& order, std::vector<Keyed>& spare) {
         if (entries.empty())
             return {};
         if (m_form != KeyForm::None) {
@@ -175,14 +174,15 @@ class FieldWork {
         return computeOrderFigures(m_figures.facts, walk, m_form, participants(), m_context.stop);
     }
 
-    Status surveyInMemory(Entries entries) {
-        for (std::size_t i = 0; i < entries.size(); i += kEntriesAtOnce)
-            if (Status status = survey(entries.subspan(i, std::min(kEntriesAtOnce, entries.size() - i))); !status)
-                return status;
+    Status surveyInMemory(const EntryList& entries) {
+        for (std::span<const Entry> rest : entries.chunks())
+            for (; !rest.empty(); rest = rest.subspan(std::min(kEntriesAtOnce, rest.size())))
+                if (Status status = survey(rest.first(std::min(kEntriesAtOnce, rest.size()))); !status)
+                    return status;
         return finishSurvey();
     }
 
-    Status survey(Entries entries) {
+    Status survey(std::span<const Entry> entries) {
         if (m_context.stop.isStopped())
             return StopSignal::stopped();
         m_survey.take(entries);
@@ -195,7 +195,7 @@ class FieldWork {
     Status walkRuns(ValueWalk& walk, RunBuffer& hashes, RunBuffer& byCount) {
         if (Status status = walk.rewind(); !status)
             return status;
-        std::vector<ValueCounter::Entry> entries;
+        std::vector<Entry> entries;
         for (;;) {
             const auto rows = walk.next();
             if (!rows)
@@ -263,7 +263,7 @@ class FieldWork {
     }
 
     /// Gives the values that take part their keys and takes the others out.
-    void keyByValue(Entries entries, std::vector<Keyed>& order) const {
+    void keyByValue(const EntryList& entries, std::vector<Keyed>& order) const {
         // In the order of the entries, for their texts lie one behind the other.
         std::vector<std::uint64_t> keys(entries.size());
         const bool hasOthers = m_survey.emptyRows() + m_survey.blankRows() > 0;
@@ -329,7 +329,7 @@ class FieldWork {
         if (!patterns.isSpilled()) {
             patterns.counter().finish();
             std::vector<Keyed> spare;
-            const Entries entries = patterns.counter().entries();
+            const EntryList& entries = patterns.counter().entries();
             const std::vector<Keyed> order = sortedByText(entries, spare, m_context.stop);
             const ShownRows shown(entries, order, 0);
             Status status = shown.pack(0, shown.size(), packed, m_context.store, m_context.stop);

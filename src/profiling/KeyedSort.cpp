@@ -11,8 +11,6 @@ namespace tavix::profiling {
 
 namespace {
 
-using Entries = std::span<const ValueCounter::Entry>;
-
 constexpr std::size_t kInsertion = 40;     ///< so few are sorted by moving them one by one
 constexpr std::size_t kComparing = 400;    ///< so few are compared
 constexpr std::size_t kInCache = 1U << 15; ///< more are dealt out by their first byte, until a part fits the cache
@@ -108,27 +106,28 @@ class RadixSort {
 };
 
 /// How many bytes all texts have in common at their beginning.
-std::size_t commonPrefix(Entries entries) {
+std::size_t commonPrefix(const EntryList& entries) {
     const std::string_view first = entries.front().text();
     std::size_t common = first.size();
-    for (const ValueCounter::Entry& entry : entries) {
-        common = std::min<std::size_t>(common, entry.size);
-        if (common > 0 && std::memcmp(first.data(), entry.data, common) != 0) {
-            std::size_t same = 0;
-            while (first[same] == entry.data[same])
-                ++same;
-            common = same;
+    for (const auto& chunk : entries.chunks())
+        for (const Entry& entry : chunk) {
+            common = std::min<std::size_t>(common, entry.size);
+            if (common > 0 && std::memcmp(first.data(), entry.data, common) != 0) {
+                std::size_t same = 0;
+                while (first[same] == entry.data[same])
+                    ++same;
+                common = same;
+            }
+            if (common == 0)
+                return 0;
         }
-        if (common == 0)
-            return 0;
-    }
     return common;
 }
 
 /// Sorts by eight bytes at a time, and then only what these did not tell apart.
 class TextSort {
   public:
-    TextSort(Entries entries, std::span<Keyed> rows, std::span<Keyed> spare, StopSignal& stop)
+    TextSort(const EntryList& entries, std::span<Keyed> rows, std::span<Keyed> spare, StopSignal& stop)
         : m_entries(entries), m_rows(rows), m_spare(spare), m_stop(stop) {}
 
     void sort(std::size_t from) {
@@ -196,14 +195,14 @@ class TextSort {
                            [&](const Keyed& row) { return row.key == 0 && m_entries[row.index].size < range.from; });
     }
 
-    Entries m_entries;
+    const EntryList& m_entries;
     std::span<Keyed> m_rows;
     std::span<Keyed> m_spare; ///< as long
     StopSignal& m_stop;
 };
 
 /// Every entry with the eight bytes from `from` on.
-std::vector<Keyed> keyedByText(Entries entries, std::size_t from) {
+std::vector<Keyed> keyedByText(const EntryList& entries, std::size_t from) {
     std::vector<Keyed> rows(entries.size());
     for (std::size_t i = 0; i < entries.size(); ++i)
         rows[i] = {prefixOf(entries[i].text(), from), static_cast<std::uint32_t>(i),
@@ -222,7 +221,7 @@ void sortByKey(std::span<Keyed> rows, std::vector<Keyed>& spare, StopSignal& sto
     RadixSort<Keyed>(stop).sort(rows, std::span(spare).first(rows.size()), kBytes - 1);
 }
 
-std::vector<Keyed> sortedByText(Entries entries, std::vector<Keyed>& spare, StopSignal& stop) {
+std::vector<Keyed> sortedByText(const EntryList& entries, std::vector<Keyed>& spare, StopSignal& stop) {
     if (entries.empty())
         return {};
     const std::size_t from = commonPrefix(entries);
@@ -233,7 +232,7 @@ std::vector<Keyed> sortedByText(Entries entries, std::vector<Keyed>& spare, Stop
     return rows;
 }
 
-DividedTextSort::DividedTextSort(Entries entries, std::vector<Keyed>& rows, std::vector<Keyed>& spare)
+DividedTextSort::DividedTextSort(const EntryList& entries, std::vector<Keyed>& rows, std::vector<Keyed>& spare)
     : m_entries(entries), m_rows(rows), m_spare(spare), m_starts{0} {
     constexpr std::size_t kParts = 16;
     constexpr unsigned kShift = (kBytes - 1) * 8;

@@ -19,7 +19,7 @@ struct Keyed {
     std::uint32_t index = 0;
     std::uint32_t count = 0; ///< kLargeCount when the entry has to be asked
 
-    [[nodiscard]] std::uint64_t countIn(std::span<const ValueCounter::Entry> entries) const {
+    [[nodiscard]] std::uint64_t countIn(const EntryList& entries) const {
         return count == kLargeCount ? entries[index].count : count;
     }
 };
@@ -29,20 +29,19 @@ struct Keyed {
 void sortByKey(std::span<Keyed> rows, std::vector<Keyed>& spare, StopSignal& stop);
 
 /// All entries in the order of the bytes of their texts, which is by code point. The keys mean nothing.
-[[nodiscard]] std::vector<Keyed> sortedByText(std::span<const ValueCounter::Entry> entries, std::vector<Keyed>& spare,
-                                              StopSignal& stop);
+[[nodiscard]] std::vector<Keyed> sortedByText(const EntryList& entries, std::vector<Keyed>& spare, StopSignal& stop);
 
 /// The same in parts that several threads can sort at once. The entries and the lists must outlive it.
 class DividedTextSort {
   public:
     /// Leaves all entries in `rows`, dealt into the parts.
-    DividedTextSort(std::span<const ValueCounter::Entry> entries, std::vector<Keyed>& rows, std::vector<Keyed>& spare);
+    DividedTextSort(const EntryList& entries, std::vector<Keyed>& rows, std::vector<Keyed>& spare);
 
     [[nodiscard]] std::size_t parts() const { return m_starts.size() - 1; }
     void sortPart(std::size_t part, StopSignal& stop);
 
   private:
-    std::span<const ValueCounter::Entry> m_entries;
+    const EntryList& m_entries;
     std::vector<Keyed>& m_rows;
     std::vector<Keyed>& m_spare;
     std::vector<std::size_t> m_starts; ///< of the parts, and the end

@@ -9,7 +9,7 @@
 namespace tavix::profiling {
 
 /// Integers of any size that are sorted by their doubles: puts those of the same double into their order.
-inline void orderLargeIntegers(std::span<Keyed> rows, std::span<const ValueCounter::Entry> entries) {
+inline void orderLargeIntegers(std::span<Keyed> rows, const EntryList& entries) {
     for (std::size_t first = 0; first < rows.size();) {
         std::size_t end = first + 1;
         while (end < rows.size() && rows[end].key == rows[first].key)

@@ -7,7 +7,7 @@ namespace tavix::profiling {
 namespace {
 
 constexpr std::size_t kOutputBuffer = std::size_t{64} << 10;
-constexpr std::size_t kPerRecord = sizeof(ValueCounter::Entry) + 2 * sizeof(Keyed);
+constexpr std::size_t kPerRecord = sizeof(Entry) + 2 * sizeof(Keyed);
 
 } // namespace
 
@@ -17,7 +17,7 @@ Status RunBuffer::add(const RunRecord& record) {
         if (Status status = spill(); !status)
             return status;
     const auto index = static_cast<std::uint32_t>(m_rows.size());
-    m_entries.push_back({m_texts.keep(record.text), record.count, static_cast<std::uint32_t>(record.text.size()), 0});
+    m_entries.add({m_texts.keep(record.text), record.count, static_cast<std::uint32_t>(record.text.size()), 0});
     m_rows.push_back({record.key, index, 0});
     m_textBytes += record.text.size();
     return {};
@@ -33,14 +33,14 @@ Status RunBuffer::spill() {
     for (std::size_t i = 0; i < m_rows.size(); ++i) {
         if (i % 4096 == 0 && m_stop.isStopped())
             return StopSignal::stopped();
-        const ValueCounter::Entry& entry = m_entries[m_rows[i].index];
+        const Entry& entry = m_entries[m_rows[i].index];
         if (Status status = output.add({m_rows[i].key, entry.count, entry.text()}); !status)
             return status;
     }
     auto run = output.finish();
     if (!run)
         return run.error();
-    m_entries.clear();
+    m_entries = {};
     m_rows.clear();
     m_texts.clear();
     m_textBytes = 0;

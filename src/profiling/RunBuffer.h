@@ -34,7 +34,7 @@ class RunBuffer {
     RunOrder m_order;
     std::size_t m_memory;
     StopSignal& m_stop;
-    std::vector<ValueCounter::Entry> m_entries;
+    EntryList m_entries;
     std::vector<Keyed> m_rows;
     std::vector<Keyed> m_spare;
     source::TextArena m_texts;

@@ -58,7 +58,7 @@ template <bool kIsMarked>
     for (std::size_t at = shortHash & mask;; at = (at + 1) & mask) {
         const std::uint32_t slot = m_slots[at];
         if (slot == 0) {
-            m_entries.push_back({m_texts.keep({data, size}), count, size, shortHash});
+            m_entries.add({m_texts.keep({data, size}), count, size, shortHash});
             m_textBytes += size;
             m_slots[at] = static_cast<std::uint32_t>(m_entries.size());
             if constexpr (kIsMarked)
@@ -124,7 +124,7 @@ void ValueCounter::finish() {
 
 void ValueCounter::absorb(ValueCounter&& other) {
     finish();
-    m_entries.insert(m_entries.end(), other.m_entries.begin(), other.m_entries.end());
+    m_entries.join(std::move(other.m_entries));
     m_absorbedTexts.push_back(std::move(other.m_texts));
     for (source::TextArena& texts : other.m_absorbedTexts)
         m_absorbedTexts.push_back(std::move(texts));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/TextHash.h"
+#include "profiling/EntryList.h"
 #include "profiling/PlaceMarks.h"
 #include "source/RowReader.h"
 #include "source/TextArena.h"
@@ -20,15 +21,6 @@ namespace tavix::profiling {
 /// time is copied.
 class ValueCounter {
   public:
-    struct Entry {
-        const char* data = nullptr;
-        std::uint64_t count = 0;
-        std::uint32_t size = 0;
-        std::uint32_t hash = 0;
-
-        [[nodiscard]] std::string_view text() const { return {data, size}; }
-    };
-
     ValueCounter();
 
     /// A value that is met more often is not marked any more.
@@ -43,9 +35,8 @@ class ValueCounter {
     void add(std::string_view text, std::uint64_t count);
     void addNulls(std::uint64_t count) { m_nullCount += count; }
 
-    /// The distinct values in the order in which they were first met, null not among them. Their texts live as long
-    /// as the counter.
-    [[nodiscard]] std::span<const Entry> entries() const { return m_entries; }
+    /// The distinct values, null not among them. Their texts live as long as the counter.
+    [[nodiscard]] const EntryList& entries() const { return m_entries; }
     [[nodiscard]] std::uint64_t nullCount() const { return m_nullCount; }
     /// Gives back the memory that only counting needs; nothing can be counted after it.
     void finish();
@@ -57,7 +48,7 @@ class ValueCounter {
     [[nodiscard]] std::size_t textBytes() const { return m_textBytes; }
     /// Bytes of memory in use, those included that a growing list takes for a moment.
     [[nodiscard]] std::size_t memory() const {
-        return m_slots.size() * sizeof(std::uint32_t) + m_entries.capacity() * sizeof(Entry) + m_textBytes;
+        return m_slots.size() * sizeof(std::uint32_t) + m_entries.memory() + m_textBytes;
     }
 
   private:
@@ -68,7 +59,7 @@ class ValueCounter {
     void grow();
 
     std::vector<std::uint32_t> m_slots; ///< index into m_entries plus one, 0 when free; open addressing
-    std::vector<Entry> m_entries;
+    EntryList m_entries;
     source::TextArena m_texts;
     std::vector<source::TextArena> m_absorbedTexts;
     std::size_t m_textBytes = 0;

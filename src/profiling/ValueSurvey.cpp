@@ -48,8 +48,8 @@ bool mayBeBlank(std::string_view text) {
 
 } // namespace
 
-void ValueSurvey::take(std::span<const ValueCounter::Entry> values) {
-    for (const ValueCounter::Entry& entry : values) {
+void ValueSurvey::take(std::span<const Entry> values) {
+    for (const Entry& entry : values) {
         const std::string_view text = entry.text();
         ++m_values;
         m_rows += entry.count;

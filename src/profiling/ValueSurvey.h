@@ -14,7 +14,7 @@ namespace tavix::profiling {
 /// What one walk over the distinct values of a column finds out, in whatever order they come.
 class ValueSurvey {
   public:
-    void take(std::span<const ValueCounter::Entry> values);
+    void take(std::span<const Entry> values);
     /// To be called after the last value.
     void finish();
 

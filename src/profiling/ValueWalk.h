@@ -34,8 +34,7 @@ class ValueWalk {
 /// Over values in memory. What it is made from must outlive it.
 class EntryWalk final : public ValueWalk {
   public:
-    EntryWalk(std::span<const ValueCounter::Entry> entries, std::span<const Keyed> order)
-        : m_entries(entries), m_order(order) {}
+    EntryWalk(const EntryList& entries, std::span<const Keyed> order) : m_entries(entries), m_order(order) {}
 
     [[nodiscard]] Status rewind() override;
     [[nodiscard]] Result<std::span<const Row>> next() override;
@@ -44,7 +43,7 @@ class EntryWalk final : public ValueWalk {
     }
 
   private:
-    std::span<const ValueCounter::Entry> m_entries;
+    const EntryList& m_entries;
     std::span<const Keyed> m_order;
     std::size_t m_first = 0;
     std::vector<Row> m_rows;

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tavix::profiling {
@@ -39,11 +41,40 @@ TEST(ValueCounter, CountsAsAMapDoes) {
     expected["added"] += 7;
     counter.finish();
     std::map<std::string, std::uint64_t> found;
-    for (const auto& entry : counter.entries())
-        EXPECT_TRUE(found.emplace(entry.text(), entry.count).second) << "twice: " << entry.text();
+    for (const auto& chunk : counter.entries().chunks())
+        for (const Entry& entry : chunk)
+            EXPECT_TRUE(found.emplace(entry.text(), entry.count).second) << "twice: " << entry.text();
     EXPECT_EQ(found, expected);
     EXPECT_EQ(counter.nullCount(), nulls);
     EXPECT_GT(found.size(), 50'000U);
+}
+
+TEST(EntryList, JoinsListsOfAnyLength) {
+    const std::vector<std::size_t> lengths = {0, 1, 3000, 65'535, 65'536, 65'537, 140'000};
+    for (const std::size_t first : lengths)
+        for (const std::size_t second : lengths) {
+            EntryList list;
+            std::uint64_t number = 0;
+            for (; number < first; ++number)
+                list.add({nullptr, number, 0, 0});
+            // A third one finds what the second one left.
+            for (const std::size_t size : {second, std::size_t{70'000}}) {
+                EntryList other;
+                for (std::size_t i = 0; i < size; ++i)
+                    other.add({nullptr, number++, 0, 0});
+                list.join(std::move(other));
+            }
+            ASSERT_EQ(list.size(), number);
+            std::vector<bool> met(number);
+            for (std::size_t i = 0; i < number; ++i)
+                met[list[i].count] = true;
+            EXPECT_EQ(std::count(met.begin(), met.end(), true), static_cast<std::ptrdiff_t>(number))
+                << first << ' ' << second;
+            std::size_t inChunks = 0;
+            for (const auto& chunk : list.chunks())
+                inChunks += chunk.size();
+            EXPECT_EQ(inChunks, number);
+        }
 }
 
 } // namespace
