@@ -92,10 +92,10 @@ class FieldWork {
             sorting.emplace(entries, order, spare);
             return Status{};
         };
-        const Task survey = [&] { return surveyInMemory(entries); };
-        if (Status status = doTogether(std::array{deal, survey}, threads); !status)
+        const Task hash = [&] { return packHashes(entries, *m_figures.packed, m_context.stop); };
+        if (Status status = doTogether(std::array{deal, hash}, threads); !status)
             return status;
-        std::vector<Task> tasks{[&] { return packHashes(entries, *m_figures.packed, m_context.stop); }};
+        std::vector<Task> tasks{[&] { return surveyInMemory(entries); }};
         for (std::size_t part = 0; part < sorting->parts(); ++part)
             tasks.emplace_back([&, part] {
                 sorting->sortPart(part, m_context.stop);
