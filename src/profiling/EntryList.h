@@ -51,11 +51,13 @@ class EntryList {
         m_size += std::exchange(other.m_size, 0);
         other.m_chunks.clear();
     }
+    /// Bytes, with the holes that a list leaves behind while it is short: where many grow alike, none fits another.
     [[nodiscard]] std::size_t memory() const {
-        std::size_t memory = 0;
+        const std::size_t first = m_chunks.empty() ? 0 : m_chunks.front().capacity();
+        std::size_t entries = first < kChunk ? first : 0;
         for (const std::vector<Entry>& chunk : m_chunks)
-            memory += chunk.capacity() * sizeof(Entry);
-        return memory;
+            entries += chunk.capacity();
+        return entries * sizeof(Entry);
     }
 
   private:

@@ -8,7 +8,7 @@ namespace tavix::profiling {
 
 Status PackedRows::pack(ByteStore& store) {
     Block block;
-    block.facts = m_packer.finish();
+    block.facts = m_packer->finish();
     auto piece = store.keep(block.facts.payload);
     if (!piece)
         return piece.error();
@@ -19,17 +19,19 @@ Status PackedRows::pack(ByteStore& store) {
 }
 
 Status PackedRows::add(ByteStore& store, const repository::ValueCount& row) {
-    if (!m_packer.hasRoomFor(row.isNull ? 0 : row.value.size()))
+    if (!m_packer)
+        m_packer.emplace();
+    if (!m_packer->hasRoomFor(row.isNull ? 0 : row.value.size()))
         if (Status status = pack(store); !status)
             return status;
     ++m_rows;
     m_sum += row.count;
-    return m_packer.add(row);
+    return m_packer->add(row);
 }
 
 Status PackedRows::finish(ByteStore& store) {
-    Status status = m_packer.isEmpty() ? Status{} : pack(store);
-    m_packer = {};
+    Status status = !m_packer || m_packer->isEmpty() ? Status{} : pack(store);
+    m_packer.reset(); // Many fields wait for the end of a run, each with what its packer took.
     return status;
 }
 

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace tavix::profiling {
@@ -31,7 +32,7 @@ class PackedRows {
     };
     Status pack(ByteStore& store);
 
-    repository::BlockPacker m_packer;
+    std::optional<repository::BlockPacker> m_packer;
     std::vector<Block> m_blocks;
     std::size_t m_next = 0;
     std::vector<std::byte> m_buffer;

@@ -27,6 +27,8 @@ std::vector<ColumnValues*> valuesOf(const TablePasses& passes) {
 
 /// The reader needs a block to fill while one is counted and one waits for the threads that are ahead.
 constexpr std::size_t kBlocksOnTheWay = 3;
+/// About what a value takes that was not met before, with its place among the others.
+constexpr std::size_t kNewValue = 64;
 
 /// Lets the other threads of a pool help with a line as long as it lives.
 class Helpers {
@@ -78,6 +80,9 @@ Status RunEngine::count(source::RowReader& reader, const TablePasses& passes,
     const bool isAlone = m_pool.threads() == 1;
     BlockLine line(passes, isAlone ? 1 : kBlocksOnTheWay, parts);
     std::optional<Helpers> helpers(std::in_place, m_pool, line);
+    const auto isTooMuch = [&](const BlockLine::Memory& memory, std::size_t onTheWay) {
+        return memory.values + onTheWay > m_plan.counting() || memory.places > m_plan.places();
+    };
     for (;;) {
         source::RowBlock& block = line.free();
         const auto more = reader.read(block);
@@ -86,14 +91,16 @@ Status RunEngine::count(source::RowReader& reader, const TablePasses& passes,
         if (!*more)
             break;
         const std::size_t rows = block.rows;
+        const std::size_t onTheWay = isAlone ? 0 : kBlocksOnTheWay * rows * columns.size() * kNewValue;
         line.send();
         if (isAlone)
             line.finish();
         took(rows);
         if (m_stop.isStopped())
             return StopSignal::stopped();
-        if (const auto memory = line.memory(); memory.values > m_plan.counting() || memory.places > m_plan.places()) {
+        if (isTooMuch(line.memory(), onTheWay))
             line.finish();
+        if (isTooMuch(line.memory(), 0)) {
             helpers.reset();
             dropPlacesOfTooMuch(columns);
             if (Status status = spillWhatIsTooMuch(columns); !status)

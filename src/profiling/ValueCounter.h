@@ -48,7 +48,10 @@ class ValueCounter {
     [[nodiscard]] std::size_t textBytes() const { return m_textBytes; }
     /// Bytes of memory in use, those included that a growing list takes for a moment.
     [[nodiscard]] std::size_t memory() const {
-        return m_slots.size() * sizeof(std::uint32_t) + m_entries.memory() + m_textBytes;
+        std::size_t memory = m_slots.size() * sizeof(std::uint32_t) + m_entries.memory() + m_texts.memory();
+        for (const source::TextArena& texts : m_absorbedTexts)
+            memory += texts.memory();
+        return memory;
     }
 
   private:

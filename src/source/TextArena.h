@@ -32,8 +32,11 @@ class TextArena {
             std::memcpy(at, text.data(), text.size());
         return at;
     }
+    /// Bytes that it has taken, used or not.
+    [[nodiscard]] std::size_t memory() const { return m_memory; }
     void clear() {
         m_chunks.clear();
+        m_memory = 0;
         m_next = nullptr;
         m_left = 0;
         m_chunkSize = kFirstChunk;
@@ -49,11 +52,13 @@ class TextArena {
         m_chunks.push_back(std::make_unique_for_overwrite<char[]>(chunk));
         m_next = m_chunks.back().get();
         m_left = chunk;
+        m_memory += chunk;
     }
 
     std::vector<std::unique_ptr<char[]>> m_chunks;
     char* m_next = nullptr;
     std::size_t m_left = 0;
+    std::size_t m_memory = 0;
     std::size_t m_chunkSize = kFirstChunk;
 };
 

@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::size_t kLargestPiece = std::size_t{1} << 31;
 constexpr std::size_t kBlockRows = std::size_t{1} << 15;
-constexpr std::size_t kBlockCells = std::size_t{1} << 21;
+constexpr std::size_t kBlockCells = std::size_t{1} << 18;
 constexpr std::size_t kMostColumns = 100'000;
 /// Of a large file; what notes them grows with them, and a search for a value looks at about as many parts.
 constexpr std::int64_t kMostPlaces = 2048;
