@@ -5,7 +5,7 @@
 option(TAVIX_STATIC_TOOL "Link the command line program with static libraries where the system has them" ON)
 
 function(tavix_link_statically target)
-  if(NOT TAVIX_STATIC_TOOL OR TAVIX_SANITIZE OR NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  if(NOT TAVIX_STATIC_TOOL OR TAVIX_SANITIZE OR TAVIX_SANITIZE_THREADS OR NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     return()
   endif()
   set(archives)

@@ -7,11 +7,16 @@ target_compile_options(tavix_options INTERFACE $<$<AND:$<CXX_COMPILER_ID:GNU>,$<
 # GCC collects its garbage from 128 MB on, again and again in almost every file of ours, which need 300 to 700.
 target_compile_options(tavix_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:--param=ggc-min-heapsize=524288>)
 if(TAVIX_SANITIZE)
-  target_compile_options(tavix_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
-                                                -fno-omit-frame-pointer)
-  # GCC 12 sees uninitialised members of std::optional where there are none once the sanitizers are on.
-  target_compile_options(tavix_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+  target_compile_options(tavix_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined)
   target_link_options(tavix_options INTERFACE -fsanitize=address,undefined)
+elseif(TAVIX_SANITIZE_THREADS)
+  target_compile_options(tavix_options INTERFACE -fsanitize=thread)
+  target_link_options(tavix_options INTERFACE -fsanitize=thread)
+endif()
+if(TAVIX_SANITIZE OR TAVIX_SANITIZE_THREADS)
+  # GCC 12 sees uninitialised members of std::optional where there are none once the sanitizers are on.
+  target_compile_options(tavix_options INTERFACE -fno-omit-frame-pointer
+                                                $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 endif()
 if(TAVIX_FUZZ)
   # Clang's -Wconversion asks for more than GCC's, by which the code is written.

@@ -101,7 +101,8 @@ Result<std::optional<FoundPlaces>> findPlaces(sql::Connection& connection, const
     }
     const HashSeeds seeds{fromStored(row->integer(3)), fromStored(row->integer(4))};
     const auto offsets = unpackOffsets(row->blob(6));
-    if (fromStored(row->integer(5)) != hashText(seeds, kProbe) || !offsets || offsets->empty())
+    const bool isInFile = offsets && !offsets->empty() && offsets->back() <= row->integer(0);
+    if (fromStored(row->integer(5)) != hashText(seeds, kProbe) || !isInFile)
         return std::optional<FoundPlaces>();
     const std::uint32_t bucket = placeBucket(hashText(seeds, value));
     const auto ranges = readRanges(connection, key, bucket, offsets->size() - 1);

@@ -67,6 +67,8 @@ class NumberReader {
         for (unsigned shift = 0; shift < 64 && !m_bytes.empty(); shift += 7) {
             const auto byte = static_cast<std::uint64_t>(m_bytes.front());
             m_bytes = m_bytes.subspan(1);
+            if (shift == 63 && byte > 1)
+                return std::nullopt;
             number |= (byte & 0x7F) << shift;
             if ((byte & 0x80) == 0)
                 return number;
@@ -155,13 +157,13 @@ std::vector<PlacePage> PlacePacker::finish() {
 std::optional<std::vector<std::uint32_t>> rangesOfBucket(std::span<const std::byte> page, std::uint32_t firstBucket,
                                                          std::uint32_t bucket, std::size_t ranges) {
     auto reader = NumberReader::open(page);
-    if (!reader)
+    if (!reader || firstBucket > bucket)
         return std::nullopt;
     std::uint64_t current = firstBucket;
     while (!reader->isAtEnd()) {
         const auto distance = reader->next();
         const auto size = reader->next();
-        if (!distance || !size || *distance > kPlaceBuckets)
+        if (!distance || !size || *distance >= kPlaceBuckets - current)
             return std::nullopt;
         current += *distance;
         const auto list = reader->take(*size);

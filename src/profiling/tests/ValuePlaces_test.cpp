@@ -173,6 +173,15 @@ TEST_F(ValuePlacesTest, OutliveTheValues) {
     EXPECT_FALSE(find(1, 3, "A"));
 }
 
+TEST_F(ValuePlacesTest, AreNotTakenForAFileThatIsTooShortForThem) {
+    std::ofstream(m_path, std::ios::binary) << rowsOf(7, true);
+    run(withPlaces(1), false);
+    ASSERT_TRUE(find(1, 1, "row 5"));
+    auto damaged = repository::openRepository(m_repository, sql::OpenMode::Write);
+    ASSERT_TRUE(damaged.ok() && (*damaged)->execute("UPDATE file_place SET file_size = file_size - 1"));
+    EXPECT_FALSE(find(1, 1, "row 5"));
+}
+
 TEST_F(ValuePlacesTest, AreNotKeptOfWhatCannotBeSearchedByThem) {
     std::ofstream(m_path, std::ios::binary) << rowsOf(5, true);
     run(withPlaces(1), false);

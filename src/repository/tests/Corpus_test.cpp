@@ -1,5 +1,6 @@
 #include "base/tests/SourceFolder.h"
 #include "repository/tests/FuzzBlock.h"
+#include "repository/tests/FuzzPlaces.h"
 
 #include <gtest/gtest.h>
 
@@ -11,20 +12,29 @@
 namespace tavix::repository {
 namespace {
 
-TEST(PackedBlockCorpus, EveryFileAndEachBeginningOfItIsReadInBounds) {
+/// Each file of a corpus and each beginning of it; how many files there are.
+int runCorpus(const std::string& name, void (*fuzz)(std::span<const std::byte>)) {
     int files = 0;
     for (const auto& file :
-         std::filesystem::directory_iterator(testing::sourceFile("src/repository/tests/corpus/packed_block"))) {
+         std::filesystem::directory_iterator(testing::sourceFile("src/repository/tests/corpus/" + name))) {
         std::ifstream stream(file.path(), std::ios::binary);
         const std::string content((std::istreambuf_iterator<char>(stream)), {});
         for (std::size_t size = 0; size <= content.size(); ++size) {
             // A copy of just this size, so that a read behind the end is seen by the sanitizer.
             const std::string cut(content, 0, size);
-            fuzzBlock(std::as_bytes(std::span(cut.data(), cut.size())));
+            fuzz(std::as_bytes(std::span(cut.data(), cut.size())));
         }
         ++files;
     }
-    EXPECT_GE(files, 6);
+    return files;
+}
+
+TEST(RepositoryCorpus, PackedBlocksAreReadInBounds) {
+    EXPECT_GE(runCorpus("packed_block", fuzzBlock), 6);
+}
+
+TEST(RepositoryCorpus, PlacesAreReadInBoundsAndComeBack) {
+    EXPECT_GE(runCorpus("place_pages", fuzzPlaces), 15);
 }
 
 } // namespace

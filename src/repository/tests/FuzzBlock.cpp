@@ -1,13 +1,12 @@
 #include "repository/tests/FuzzBlock.h"
 
 #include "repository/PackedDistribution.h"
+#include "repository/tests/HoldsOrAborts.h"
 
 #include <xxhash.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
-#include <iostream>
 #include <vector>
 
 namespace tavix::repository {
@@ -17,13 +16,6 @@ namespace {
 // As docs/formats/distribution.md has it.
 constexpr std::size_t kHeader = 24;
 constexpr std::size_t kChecksumAt = 16;
-
-void holdsOrAborts(bool condition, const char* what) {
-    if (condition)
-        return;
-    std::cerr << what << '\n';
-    std::abort();
-}
 
 void checkRows(const UnpackedBlock& block) {
     const std::size_t rows = block.rowCount();

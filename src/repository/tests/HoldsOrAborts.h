@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstdlib>
+#include <iostream>
+
+namespace tavix::repository {
+
+/// For what a fuzzer calls, which has no test framework.
+inline void holdsOrAborts(bool condition, const char* what) {
+    if (condition)
+        return;
+    std::cerr << what << '\n';
+    std::abort();
+}
+
+} // namespace tavix::repository
