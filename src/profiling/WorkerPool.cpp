@@ -35,7 +35,7 @@ void WorkerPool::finish() {
     work();
     std::unique_lock lock(m_mutex);
     m_done.wait(lock, [this] { return m_working == 0; });
-    // A helper that wakes only now finds nothing to do.
+    // A helper that wakes only now stays out, and so touches nothing that the next start() changes.
     m_count = 0;
     if (m_exception)
         std::rethrow_exception(std::exchange(m_exception, nullptr));
@@ -61,7 +61,7 @@ void WorkerPool::help() {
     std::size_t seen = 0;
     std::unique_lock lock(m_mutex);
     for (;;) {
-        m_begun.wait(lock, [&] { return m_quits || m_generation != seen; });
+        m_begun.wait(lock, [&] { return m_quits || (m_count > 0 && m_generation != seen); });
         if (m_quits)
             return;
         seen = m_generation;
