@@ -1,7 +1,7 @@
 #include "profiling/ValueKind.h"
 
+#include "base/Characters.h"
 #include "base/NumberText.h"
-#include "pattern/NextCharacter.h"
 
 #include <unicode/uchar.h>
 
@@ -184,7 +184,7 @@ bool isBlank(std::string_view text) {
         const auto byte = static_cast<unsigned char>(text[at]);
         if (byte > ' ' && byte < 0x7F)
             return false;
-        const std::int32_t character = pattern::nextCharacter(text, at);
+        const std::int32_t character = nextCharacter(text, at);
         if (character < 0 || !u_isUWhiteSpace(character))
             return false;
     }
