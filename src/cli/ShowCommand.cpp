@@ -5,7 +5,6 @@
 #include "cli/DateText.h"
 #include "cli/FilterArgument.h"
 #include "cli/RuleLists.h"
-#include "cli/RunChoice.h"
 #include "cli/Session.h"
 #include "cli/TablesCommand.h"
 
@@ -50,7 +49,7 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
     command->add_option("-n,--limit", m_limit, "At most so many rows of each list")
         ->type_name("N")
         ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
-    addRunChoice(*command, m_job, m_run);
+    m_runChoice.declare(*command);
     command->footer(
         "A table without a list shows, as text, the metrics of its fields and what it has of custom metrics\n"
         "and rules; as json or csv the metrics alone.\n"
@@ -70,8 +69,7 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
 void ShowCommand::run(const CommonOptions& options) {
     checkChoice(options);
     Session session(options.repository);
-    session.selectJob(m_job);
-    session.selectRun(m_run);
+    m_runChoice.select(session);
     if (m_field)
         showField(session, options);
     else if (m_table)

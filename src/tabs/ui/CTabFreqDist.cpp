@@ -180,8 +180,7 @@ void CTabFreqDist::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter
 }
 
 bool CTabFreqDist::RefillsOn(RefreshHint hint) const {
-    return hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded ||
-           hint == RefreshHint::OptionsChanged || hint == RefreshHint::TaskListLost;
+    return CListTab::RefillsOn(hint) || hint == RefreshHint::TaskListLost;
 }
 
 std::string CTabFreqDist::GetObstacle() const {
