@@ -2,11 +2,13 @@
 
 #include "access/Layouts.h"
 #include "cli/CommandError.h"
+#include "cli/Console.h"
 #include "cli/DateText.h"
 #include "cli/FilterArgument.h"
 #include "cli/RuleLists.h"
 #include "cli/Session.h"
 #include "cli/TablesCommand.h"
+#include "filter/ExpressionCheck.h"
 
 #include <CLI/App.hpp>
 
@@ -187,6 +189,8 @@ void ShowCommand::showField(Session& session, const CommonOptions& options) cons
     const bool isTitled = options.format == Format::Text && !filter.empty();
 
     const FieldEntry field = session.field(*m_field, m_table);
+    if (const auto remark = CheckFilterText(filter).remark)
+        say("the filter: " + expression::describe(*remark));
     Listing listing(options, wanted == 1 && !isTitled ? Sections::One : Sections::Several);
     for (const Choice& choice : choices)
         if (all || choice.wanted)

@@ -199,6 +199,10 @@ TEST_F(CommandLine, AFilterLetsSomeRowsPassAndTheListSaysSo) {
     EXPECT_THAT(failing.err,
                 HasSubstr("tavix: The filter could not be evaluated for 1 row, which is left out. Row 1:"));
     EXPECT_THAT(failing.out, HasSubstr("filtered: 2 of 3"));
+    const Outcome remarked = run(with("`Value` > 10"));
+    EXPECT_EQ(remarked.exitCode, 0);
+    EXPECT_THAT(remarked.err, StartsWith("tavix: the filter: line 1, column 9: this compares texts, among which"));
+    EXPECT_EQ(run(with("`Value` > '10'")).err, "");
 }
 
 TEST_F(CommandLine, TheFunctionsOfFiltersAreListed) {
