@@ -117,32 +117,16 @@ ProfileCursorHandle PrViewer::getChartProperties(int chartId) {
 }
 
 bool PrViewer::createEditTableChart(int& chartId, int tableId, const KvbString& name, const KvbString& description) {
-    int made = chartId;
-    bool done = m_impl->change([&](sql::Connection& connection) -> Status {
-        auto chart = repository::putTableChart(connection, chartId, tableId, name.view(), description.view());
-        if (!chart)
-            return chart.error();
-        made = *chart;
-        return {};
+    return m_impl->change(chartId, [&](sql::Connection& connection) {
+        return repository::putTableChart(connection, chartId, tableId, name.view(), description.view());
     });
-    if (done)
-        chartId = made;
-    return done;
 }
 
 bool PrViewer::createEditCategoryChart(int& chartId, int category, const KvbString& name,
                                        const KvbString& description) {
-    int made = chartId;
-    bool done = m_impl->change([&](sql::Connection& connection) -> Status {
-        auto chart = repository::putCategoryChart(connection, chartId, category, name.view(), description.view());
-        if (!chart)
-            return chart.error();
-        made = *chart;
-        return {};
+    return m_impl->change(chartId, [&](sql::Connection& connection) {
+        return repository::putCategoryChart(connection, chartId, category, name.view(), description.view());
     });
-    if (done)
-        chartId = made;
-    return done;
 }
 
 bool PrViewer::deleteChart(int chartId) {
@@ -227,17 +211,9 @@ ProfileCursorHandle PrViewer::getRedundantAnalysisRight(int, int, int) {
 }
 
 bool PrViewer::createRdaCfg(const KvbString& name, const KvbString& description, int& cfgId) {
-    int made = -1;
-    bool done = m_impl->change([&](sql::Connection& connection) -> Status {
-        auto cfg = repository::addRedundancy(connection, name.view(), description.view());
-        if (!cfg)
-            return cfg.error();
-        made = *cfg;
-        return {};
+    return m_impl->change(cfgId, [&](sql::Connection& connection) {
+        return repository::addRedundancy(connection, name.view(), description.view());
     });
-    if (done)
-        cfgId = made;
-    return done;
 }
 
 bool PrViewer::updateRdaCfg(int cfgId, const KvbString& name, const KvbString& description) {

@@ -153,6 +153,20 @@ bool PrViewer::Impl::change(const std::function<Status(sql::Connection&)>& work)
     return true;
 }
 
+bool PrViewer::Impl::change(int& id, const std::function<Result<int>(sql::Connection&)>& work) {
+    int made = id;
+    const bool done = change([&](sql::Connection& connection) -> Status {
+        auto result = work(connection);
+        if (!result)
+            return result.error();
+        made = *result;
+        return {};
+    });
+    if (done)
+        id = made;
+    return done;
+}
+
 Error noSuch(std::string_view what, std::int64_t id) {
     return Error{fmt::format("There is no {} with the number {}.", what, id)};
 }

@@ -101,6 +101,8 @@ struct PrViewer::Impl {
 
     /// Opens the repository for writing and runs `work` in one transaction.
     bool change(const std::function<Status(sql::Connection&)>& work);
+    /// The same for work that gives the id of what it made or changed, which `id` becomes when all of it succeeds.
+    bool change(int& id, const std::function<Result<int>(sql::Connection&)>& work);
 };
 
 /// "There is no <what> with the number <id>."

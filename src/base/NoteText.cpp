@@ -1,37 +1,14 @@
 #include "base/NoteText.h"
 
+#include "base/Characters.h"
+
 #include <fmt/format.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
-#include <unicode/utf8.h>
-
-#include <cstdint>
 
 namespace tavix {
 
 namespace {
-
-/// The character that begins at `at`, which moves behind it; negative where there is no well-formed UTF-8.
-UChar32 nextCharacter(std::string_view text, std::int64_t& at) {
-    const char* bytes = text.data();
-    const auto size = static_cast<std::int64_t>(text.size());
-    UChar32 character = 0;
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wconversion" // inside the macro
-    U8_NEXT(bytes, at, size, character);
-#pragma GCC diagnostic pop
-    return character;
-}
-
-/// `take` receives every character and its bytes.
-template <typename Take>
-void forEachCharacter(std::string_view text, Take take) {
-    for (std::int64_t at = 0; at < static_cast<std::int64_t>(text.size());) {
-        const auto start = static_cast<std::size_t>(at);
-        const UChar32 character = nextCharacter(text, at);
-        take(character, text.substr(start, static_cast<std::size_t>(at) - start));
-    }
-}
 
 bool isLineEnd(UChar32 character) {
     return character == '\n' || character == '\v' || character == '\f' || character == 0x85 || character == 0x2028 ||

@@ -1,7 +1,6 @@
 #include "cli/AlertsCommand.h"
 
 #include "cli/AlertLists.h"
-#include "cli/RunChoice.h"
 #include "cli/Session.h"
 
 #include <CLI/App.hpp>
@@ -18,7 +17,7 @@ CLI::App* AlertsCommand::declare(CLI::App& program) {
         ->add_option("--fail-at", m_failAt, "warning or error: end with exit code 1 when one is raised at this level")
         ->type_name("LEVEL")
         ->check(CLI::IsMember({"warning", "error"}).description(""));
-    addRunChoice(*command, m_job, m_run);
+    m_runChoice.declare(*command);
     command->footer(
         "A job file defines alerts; each run of it replaces those of the job. An alert is raised, quiet, or\n"
         "unknown: then the run has no such figure, or there is no earlier run for a change. The reference is\n"
@@ -31,8 +30,7 @@ CLI::App* AlertsCommand::declare(CLI::App& program) {
 
 void AlertsCommand::run(const CommonOptions& options) {
     Session session(options.repository);
-    session.selectJob(m_job);
-    session.selectRun(m_run);
+    m_runChoice.select(session);
     std::vector<AlertState> alerts = readAlertStates(session.viewer(), session.jobId());
     if (m_table) {
         const std::string table = session.table(*m_table).name;

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "cli/Command.h"
+#include "cli/RunChoice.h"
 
 #include <optional>
+#include <string>
 
 namespace tavix::cli {
 
@@ -13,8 +15,7 @@ class AlertsCommand final : public Command {
     void run(const CommonOptions& options) override;
 
   private:
-    std::optional<std::string> m_job;
-    std::optional<int> m_run;
+    RunChoice m_runChoice;
     std::optional<std::string> m_table;
     std::string m_failAt;
     bool m_raised = false;

@@ -4,6 +4,7 @@
 #include "cli/Console.h"
 #include "cli/Interruption.h"
 #include "cli/Names.h"
+#include "cli/RunChoice.h"
 #include "cli/Session.h"
 #include "doc/RunComparison.h"
 
@@ -146,7 +147,7 @@ class ChangeList {
 
 CLI::App* CompareCommand::declare(CLI::App& program) {
     CLI::App* command = program.add_subcommand("compare", "Say what differs between two runs of a job");
-    command->add_option("-j,--job", m_job, "The job; may be left out when there is only one")->type_name("NAME");
+    addJobChoice(*command, m_job);
     command
         ->add_option("--run", m_runs,
                      "Given twice: the two runs, the earlier first. Given once: that run and the one before it. "

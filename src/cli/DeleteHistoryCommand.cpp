@@ -3,6 +3,7 @@
 #include "cli/CommandError.h"
 #include "cli/Console.h"
 #include "cli/DateText.h"
+#include "cli/RunChoice.h"
 #include "cli/Session.h"
 
 #include <CLI/App.hpp>
@@ -47,7 +48,7 @@ void listRuns(Listing& listing, const std::vector<RunEntry>& runs) {
 
 CLI::App* DeleteHistoryCommand::declare(CLI::App& program) {
     CLI::App* command = program.add_subcommand("delete-history", "Delete old runs of a job for good");
-    command->add_option("-j,--job", m_job, "The job; may be left out when there is only one")->type_name("NAME");
+    addJobChoice(*command, m_job);
     constexpr const char* kWhich = "Which runs (one of these)";
     command->add_option("--up-to", m_upTo, "Delete this run and all before it")->type_name("RUN")->group(kWhich);
     command->add_option("--keep", m_keep, "Keep the latest N runs, delete the others")->type_name("N")->group(kWhich);

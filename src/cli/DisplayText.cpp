@@ -1,11 +1,11 @@
 #include "cli/DisplayText.h"
 
+#include "base/Characters.h"
+
 #include <fmt/format.h>
 #include <unicode/uchar.h>
-#include <unicode/utf8.h>
 
 #include <algorithm>
-#include <cstdint>
 
 namespace tavix::cli {
 
@@ -14,13 +14,8 @@ namespace {
 constexpr UChar32 kReplacement = 0xFFFD;
 
 /// The character at `position`, which moves behind it; U+FFFD for a byte that begins none.
-UChar32 nextCharacter(std::string_view text, std::size_t& position) {
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-    auto offset = static_cast<std::int64_t>(position);
-    const auto length = static_cast<std::int64_t>(text.size());
-    UChar32 character = 0;
-    U8_NEXT(bytes, offset, length, character);
-    position = static_cast<std::size_t>(offset);
+UChar32 nextShown(std::string_view text, std::size_t& position) {
+    const UChar32 character = nextCharacter(text, position);
     return character < 0 ? kReplacement : character;
 }
 
@@ -70,7 +65,7 @@ void fold(std::string_view paragraph, std::size_t width, std::vector<std::string
     std::size_t used = 0;
     for (std::size_t position = 0; position < paragraph.size();) {
         const std::size_t begin = position;
-        const std::size_t taken = characterWidth(nextCharacter(paragraph, position));
+        const std::size_t taken = characterWidth(nextShown(paragraph, position));
         if (used + taken > width && begin > start && paragraph[begin] != ' ') {
             const std::size_t end = lastGap > start ? lastGap : begin;
             std::string_view line = paragraph.substr(start, end - start);
@@ -91,7 +86,7 @@ void fold(std::string_view paragraph, std::size_t width, std::vector<std::string
 std::size_t displayWidth(std::string_view text) {
     std::size_t width = 0;
     for (std::size_t position = 0; position < text.size();)
-        width += characterWidth(nextCharacter(text, position));
+        width += characterWidth(nextShown(text, position));
     return width;
 }
 
@@ -102,7 +97,7 @@ std::string printable(std::string_view text) {
     out.reserve(text.size());
     for (std::size_t position = 0; position < text.size();) {
         const std::size_t begin = position;
-        const UChar32 character = nextCharacter(text, position);
+        const UChar32 character = nextShown(text, position);
         if (isHarmful(character))
             appendEscape(out, character);
         else if (character == kReplacement)
@@ -129,7 +124,7 @@ std::string cutToWidth(std::string_view text, std::size_t width) {
     std::size_t used = 0;
     std::size_t fitting = 0; // bytes that leave room for the ellipsis
     for (std::size_t position = 0; position < text.size();) {
-        used += characterWidth(nextCharacter(text, position));
+        used += characterWidth(nextShown(text, position));
         if (used > width)
             return width == 0 ? std::string() : std::string(text.substr(0, fitting)) + "…";
         if (used + 1 <= width)

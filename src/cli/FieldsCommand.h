@@ -1,8 +1,9 @@
 #pragma once
 
 #include "cli/Command.h"
+#include "cli/RunChoice.h"
 
-#include <optional>
+#include <string>
 
 namespace tavix::cli {
 
@@ -13,8 +14,7 @@ class FieldsCommand final : public Command {
     void run(const CommonOptions& options) override;
 
   private:
-    std::optional<std::string> m_job;
-    std::optional<int> m_run;
+    RunChoice m_runChoice;
     std::string m_table;
 };
 

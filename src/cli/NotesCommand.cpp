@@ -5,7 +5,6 @@
 #include "base/NoteText.h"
 #include "cli/CommandError.h"
 #include "cli/DateText.h"
-#include "cli/RunChoice.h"
 #include "cli/Session.h"
 
 #include <CLI/App.hpp>
@@ -61,7 +60,7 @@ CLI::App* NotesCommand::declare(CLI::App& program) {
     command->add_option("--category", m_category, "Its category, which is made when it is not there")
         ->type_name("NAME")
         ->group(kNew);
-    addRunChoice(*command, m_job, m_run);
+    m_runChoice.declare(*command);
     command->footer("The notes come oldest first. A note that is added is listed alone. Notes belong to the table or\n"
                     "field and not to a run: they are the same in every run that has it.\n\n"
                     "Examples:\n"
@@ -83,8 +82,7 @@ void NotesCommand::run(const CommonOptions& options) {
         checkUsage(checkNoteCategory(tidyNoteCategory(*m_category)));
 
     Session session(options.repository);
-    session.selectJob(m_job);
-    session.selectRun(m_run);
+    m_runChoice.select(session);
     const Subject subject =
         m_field ? Subject{true, session.field(*m_field, m_table).id} : Subject{false, session.table(*m_table).id};
     Listing listing(options);

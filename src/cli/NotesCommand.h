@@ -1,8 +1,10 @@
 #pragma once
 
 #include "cli/Command.h"
+#include "cli/RunChoice.h"
 
 #include <optional>
+#include <string>
 
 namespace tavix::cli {
 
@@ -22,8 +24,7 @@ class NotesCommand final : public Command {
     std::optional<std::string> m_field;
     std::optional<std::string> m_add;
     std::optional<std::string> m_category;
-    std::optional<std::string> m_job;
-    std::optional<int> m_run;
+    RunChoice m_runChoice;
 };
 
 } // namespace tavix::cli

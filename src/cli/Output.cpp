@@ -1,5 +1,6 @@
 #include "cli/Output.h"
 
+#include "base/FileMode.h"
 #include "cli/CommandError.h"
 
 #include <fmt/format.h>
@@ -12,20 +13,6 @@
 #include <system_error>
 
 namespace tavix::cli {
-
-namespace {
-
-/// The permissions of the file that is replaced, or those that a new file gets.
-mode_t wantedMode(const std::string& path) {
-    struct stat status {};
-    if (::stat(path.c_str(), &status) == 0)
-        return status.st_mode & 0777;
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return 0666 & ~mask;
-}
-
-} // namespace
 
 Output::Output() : m_file(stdout) {}
 
@@ -59,7 +46,7 @@ void Output::openBeside(const std::string& path) {
     if (descriptor < 0)
         fail(errno);
     m_temporary = name;
-    if (::fchmod(descriptor, wantedMode(path)) != 0 || !(m_file = ::fdopen(descriptor, "wb"))) {
+    if (::fchmod(descriptor, modeOfReplaced(path)) != 0 || !(m_file = ::fdopen(descriptor, "wb"))) {
         const int error = errno;
         ::close(descriptor);
         ::unlink(m_temporary.c_str());

@@ -7,7 +7,6 @@
 #include "cli/Console.h"
 #include "cli/Interruption.h"
 #include "cli/ReadingLine.h"
-#include "cli/RunChoice.h"
 #include "cli/Session.h"
 #include "cli/SourceCredentials.h"
 
@@ -68,7 +67,7 @@ CLI::App* RowsCommand::declare(CLI::App& program) {
         ->default_val(kUsualLimit)
         ->default_str("")
         ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
-    addRunChoice(*command, m_job, m_run);
+    m_runChoice.declare(*command);
     command->footer(
         "The rows are read from the source as it is now, which standard error tells when it is another than\n"
         "the run has read, or when it has the value another number of times.\n\n"
@@ -91,8 +90,7 @@ void RowsCommand::run(const CommonOptions& options) {
     if ((m_value ? 1 : 0) + (m_pattern ? 1 : 0) + (m_null ? 1 : 0) != 1)
         throw CommandError(ExitCode::Usage, "which rows? Give one of --value, --null and --pattern");
     Session session(options.repository);
-    session.selectJob(m_job);
-    session.selectRun(m_run);
+    m_runChoice.select(session);
     const FieldEntry field = session.field(m_field, m_table);
     const KvbString value = wanted(session, field);
     // The library takes an empty value for null where there are no empty texts, of which alone the pattern is empty.

@@ -2,6 +2,7 @@
 
 #include "base/KvbString.h"
 #include "cli/Command.h"
+#include "cli/RunChoice.h"
 
 #include <cstdint>
 #include <optional>
@@ -28,8 +29,7 @@ class RowsCommand final : public Command {
     std::optional<std::string> m_pattern;
     bool m_null = false;
     std::int64_t m_limit = 0;
-    std::optional<std::string> m_job;
-    std::optional<int> m_run;
+    RunChoice m_runChoice;
 };
 
 } // namespace tavix::cli

@@ -4,7 +4,6 @@
 #include "cli/Console.h"
 #include "cli/FieldLists.h"
 #include "cli/RuleLists.h"
-#include "cli/RunChoice.h"
 #include "cli/Session.h"
 
 #include <CLI/App.hpp>
@@ -20,7 +19,7 @@ CLI::App* RulesCommand::declare(CLI::App& program) {
     command->add_option("-n,--limit", m_limit, "At most so many rows")
         ->type_name("N")
         ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
-    addRunChoice(*command, m_job, m_run);
+    m_runChoice.declare(*command);
     command->footer(
         "A row violates a rule unless the rule's condition is true. Its number is the one in its source, from\n"
         "1 and without the heading; then come the fields of the table's key and those that the condition\n"
@@ -35,8 +34,7 @@ void RulesCommand::run(const CommonOptions& options) {
     if (m_limit && !m_rule)
         throw CommandError(ExitCode::Usage, "the limit is for the rows of a rule: name it with --rule");
     Session session(options.repository);
-    session.selectJob(m_job);
-    session.selectRun(m_run);
+    m_runChoice.select(session);
     const std::optional<TableEntry> table = m_table ? std::optional(session.table(*m_table)) : std::nullopt;
     const TableEntry* const chosen = table ? &*table : nullptr;
     if (!m_rule) {

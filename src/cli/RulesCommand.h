@@ -1,9 +1,11 @@
 #pragma once
 
 #include "cli/Command.h"
+#include "cli/RunChoice.h"
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace tavix::cli {
 
@@ -17,8 +19,7 @@ class RulesCommand final : public Command {
     std::optional<std::string> m_table;
     std::optional<std::string> m_rule;
     std::optional<std::int64_t> m_limit;
-    std::optional<std::string> m_job;
-    std::optional<int> m_run;
+    RunChoice m_runChoice;
 };
 
 } // namespace tavix::cli

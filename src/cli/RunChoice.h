@@ -9,7 +9,22 @@ class App;
 
 namespace tavix::cli {
 
+class Session;
+
+/// The option --job, by which a command says of which job it speaks.
+void addJobChoice(CLI::App& command, std::optional<std::string>& job);
+
 /// The options --job and --run, by which a command says of which run it speaks.
-void addRunChoice(CLI::App& command, std::optional<std::string>& job, std::optional<int>& run);
+class RunChoice {
+  public:
+    /// This must outlive the command.
+    void declare(CLI::App& command);
+    /// Makes the run the session's current one. Throws CommandError.
+    void select(Session& session) const;
+
+  private:
+    std::optional<std::string> m_job;
+    std::optional<int> m_run;
+};
 
 } // namespace tavix::cli

@@ -2,6 +2,7 @@
 
 #include "access/Layouts.h"
 #include "cli/DateText.h"
+#include "cli/RunChoice.h"
 #include "cli/Session.h"
 
 #include <CLI/App.hpp>
@@ -10,7 +11,7 @@ namespace tavix::cli {
 
 CLI::App* RunsCommand::declare(CLI::App& program) {
     CLI::App* command = program.add_subcommand("runs", "List the runs of a job");
-    command->add_option("-j,--job", m_job, "The job; may be left out when there is only one")->type_name("NAME");
+    addJobChoice(*command, m_job);
     command->footer("Example:\n  tavix runs -R profile.tavix --job sales");
     return command;
 }

@@ -2,12 +2,13 @@
 
 #include "access/Layouts.h"
 #include "cli/CommandError.h"
+#include "cli/Console.h"
 #include "cli/DateText.h"
 #include "cli/FilterArgument.h"
 #include "cli/RuleLists.h"
-#include "cli/RunChoice.h"
 #include "cli/Session.h"
 #include "cli/TablesCommand.h"
+#include "filter/ExpressionCheck.h"
 
 #include <CLI/App.hpp>
 
@@ -50,7 +51,7 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
     command->add_option("-n,--limit", m_limit, "At most so many rows of each list")
         ->type_name("N")
         ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
-    addRunChoice(*command, m_job, m_run);
+    m_runChoice.declare(*command);
     command->footer(
         "A table without a list shows, as text, the metrics of its fields and what it has of custom metrics\n"
         "and rules; as json or csv the metrics alone.\n"
@@ -70,8 +71,7 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
 void ShowCommand::run(const CommonOptions& options) {
     checkChoice(options);
     Session session(options.repository);
-    session.selectJob(m_job);
-    session.selectRun(m_run);
+    m_runChoice.select(session);
     if (m_field)
         showField(session, options);
     else if (m_table)
@@ -189,6 +189,8 @@ void ShowCommand::showField(Session& session, const CommonOptions& options) cons
     const bool isTitled = options.format == Format::Text && !filter.empty();
 
     const FieldEntry field = session.field(*m_field, m_table);
+    if (const auto remark = CheckFilterText(filter).remark)
+        say("the filter: " + expression::describe(*remark));
     Listing listing(options, wanted == 1 && !isTitled ? Sections::One : Sections::Several);
     for (const Choice& choice : choices)
         if (all || choice.wanted)

@@ -2,8 +2,10 @@
 
 #include "cli/Command.h"
 #include "cli/FieldLists.h"
+#include "cli/RunChoice.h"
 
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace tavix::cli {
@@ -21,8 +23,7 @@ class ShowCommand final : public Command {
     void showField(Session& session, const CommonOptions& options) const;
     [[nodiscard]] std::int64_t limitOr(std::int64_t limit) const;
 
-    std::optional<std::string> m_job;
-    std::optional<int> m_run;
+    RunChoice m_runChoice;
     std::optional<std::string> m_table;
     std::optional<std::string> m_field;
     std::optional<std::string> m_filter;

@@ -1,6 +1,5 @@
 #include "cli/TablesCommand.h"
 
-#include "cli/RunChoice.h"
 #include "cli/Session.h"
 
 #include <CLI/App.hpp>
@@ -42,7 +41,7 @@ void listTables(Session& session, Listing& listing) {
 
 CLI::App* TablesCommand::declare(CLI::App& program) {
     CLI::App* command = program.add_subcommand("tables", "List the tables of a run");
-    addRunChoice(*command, m_job, m_run);
+    m_runChoice.declare(*command);
     command->footer("Examples:\n"
                     "  tavix tables -R profile.tavix\n"
                     "  tavix tables -R profile.tavix --job sales --run 3 --format json");
@@ -51,8 +50,7 @@ CLI::App* TablesCommand::declare(CLI::App& program) {
 
 void TablesCommand::run(const CommonOptions& options) {
     Session session(options.repository);
-    session.selectJob(m_job);
-    session.selectRun(m_run);
+    m_runChoice.select(session);
     Listing listing(options);
     listTables(session, listing);
     listing.finish();

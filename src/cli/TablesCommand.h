@@ -1,8 +1,7 @@
 #pragma once
 
 #include "cli/Command.h"
-
-#include <optional>
+#include "cli/RunChoice.h"
 
 namespace tavix::cli {
 
@@ -18,8 +17,7 @@ class TablesCommand final : public Command {
     void run(const CommonOptions& options) override;
 
   private:
-    std::optional<std::string> m_job;
-    std::optional<int> m_run;
+    RunChoice m_runChoice;
 };
 
 } // namespace tavix::cli

@@ -1,5 +1,7 @@
 #include "doc/DistributionComparison.h"
 
+#include "base/Characters.h"
+
 #include <xxhash.h>
 
 #include <algorithm>
@@ -103,15 +105,10 @@ class MatchTable {
     std::int64_t m_openRows = 0;
 };
 
-KvbString shortened(std::string_view text, bool isNull) {
+KvbString exampleOf(std::string_view text, bool isNull) {
     if (isNull)
         return {};
-    if (text.size() <= kLongestText)
-        return text;
-    std::size_t end = kLongestText;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
-        --end;
-    return std::string(text.substr(0, end)) + "…";
+    return shortened(text, kLongestText);
 }
 
 bool textIsLess(const KvbString& a, const KvbString& b) {
@@ -219,7 +216,7 @@ class Comparison {
     template <typename List>
     static void offer(List& list, std::string_view text, bool isNull, std::int64_t before, std::int64_t after) {
         if (list.mayTake(before, after))
-            list.offer({shortened(text, isNull), before, after});
+            list.offer({exampleOf(text, isNull), before, after});
     }
     void moved(std::string_view text, bool isNull, std::int64_t kept, std::int64_t passing) {
         const std::int64_t before = m_isKeptBefore ? kept : passing;

@@ -1,5 +1,6 @@
 #include "drill/CDrillThruDataSrc.h"
 
+#include "base/Characters.h"
 #include "grid/CellSort.h"
 #include "grid/FoldCase.h"
 

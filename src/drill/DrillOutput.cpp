@@ -1,5 +1,6 @@
 #include "drill/DrillOutput.h"
 
+#include "base/Characters.h"
 #include "base/NumberText.h"
 #include "doc/CountText.h"
 #include "grid/FoldCase.h"
@@ -191,12 +192,9 @@ std::string drillFileName(std::string_view context) {
     std::replace_if(
         name.begin(), name.end(),
         [](char c) { return static_cast<unsigned char>(c) < ' ' || std::strchr("/\\:*?\"<>|", c) != nullptr; }, '_');
-    // Room for an extension; a letter of several bytes is not cut in two.
+    // Room for an extension.
     constexpr std::size_t kMostBytes = 200;
-    std::size_t end = std::min(name.size(), kMostBytes);
-    while (end > 0 && end < name.size() && (static_cast<unsigned char>(name[end]) & 0xC0U) == 0x80)
-        --end;
-    name.resize(end);
+    name.resize(cutToBytes(name, kMostBytes).size());
     // A name that begins with a point would be hidden.
     return name.empty() || name.front() == '.' ? "drill through" + name : name;
 }

@@ -1,4 +1,4 @@
-#include "expression/Characters.h"
+#include "base/Characters.h"
 #include "expression/Conversion.h"
 #include "expression/Operand.h"
 #include "expression/Predicate.h"
@@ -300,7 +300,7 @@ class FoldedEquality : public Predicate {
         // No character is more than three times as long in the other case.
         if (text.size() > m_constant.size() * 3 || m_constant.size() > text.size() * 3)
             return false;
-        if (expression::isAscii(text))
+        if (tavix::isAscii(text))
             return equalsAscii(text);
         m_folded.clear();
         (m_isLower ? appendLower : appendUpper)(m_folded, text);

@@ -1,7 +1,7 @@
 #include "expression/Conversion.h"
 
+#include "base/DateText.h"
 #include "base/NumberText.h"
-#include "expression/DateText.h"
 #include "expression/TextOperators.h"
 
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
 #include "expression/Frame.h"
 
-#include "expression/Characters.h"
+#include "base/Characters.h"
 
 namespace tavix::expression {
 
@@ -20,7 +20,7 @@ bool AsciiAnswer::isYes() const {
 bool Frame::isAscii(std::size_t column) {
     std::int8_t& known = m_ascii[column];
     if (known < 0)
-        known = expression::isAscii(m_block->columns[column].bytes) ? 1 : 0;
+        known = tavix::isAscii(m_block->columns[column].bytes) ? 1 : 0;
     return known == 1;
 }
 

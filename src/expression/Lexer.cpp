@@ -1,6 +1,6 @@
 #include "expression/Lexer.h"
 
-#include "expression/Characters.h"
+#include "base/Characters.h"
 
 #include <fmt/format.h>
 

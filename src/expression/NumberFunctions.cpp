@@ -1,7 +1,7 @@
 #include "expression/NumberFunctions.h"
 
+#include "base/DateText.h"
 #include "expression/Conversion.h"
-#include "expression/DateText.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,7 @@
 #include "expression/SimplePattern.h"
 
+#include "base/Characters.h"
+
 #include <utility>
 
 namespace tavix::expression {
@@ -26,10 +28,6 @@ bool isLetter(char c) {
 
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
-}
-
-bool isAsciiByte(char c) {
-    return static_cast<unsigned char>(c) < 0x80;
 }
 
 class SimplePatternParser {
@@ -164,7 +162,7 @@ class SimplePatternParser {
             part.bytes = folded(*set);
             return part;
         }
-        if (!isAsciiByte(c) || std::string_view("*+?{}]^$").find(c) != std::string_view::npos)
+        if (!isAscii(c) || std::string_view("*+?{}]^$").find(c) != std::string_view::npos)
             return std::nullopt;
         part.bytes = c == '.' ? ~AsciiSet() : folded(single(c));
         return part;
@@ -201,7 +199,7 @@ class SimplePatternParser {
         default:
             break;
         }
-        if (!isAsciiByte(c) || isLetter(c) || isDigit(c))
+        if (!isAscii(c) || isLetter(c) || isDigit(c))
             return std::nullopt;
         return single(c);
     }
@@ -215,7 +213,7 @@ class SimplePatternParser {
             const char c = m_rest.front();
             m_rest.remove_prefix(1);
             const bool isLast = m_rest.starts_with("]");
-            if (!isAsciiByte(c) || c == '[')
+            if (!isAscii(c) || c == '[')
                 return false;
             if (c == '\\') {
                 const auto members = escaped();
@@ -228,7 +226,7 @@ class SimplePatternParser {
                 return false;
             if (m_rest.size() > 1 && m_rest.front() == '-' && m_rest[1] != ']') {
                 const char last = m_rest[1];
-                if (!isAsciiByte(last) || last < c || last == '\\' || last == '[')
+                if (!isAscii(last) || last < c || last == '\\' || last == '[')
                     return false;
                 set |= range(c, last);
                 m_rest.remove_prefix(2);

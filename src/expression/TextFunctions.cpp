@@ -1,8 +1,8 @@
 #include "expression/TextFunctions.h"
 
+#include "base/DateText.h"
 #include "base/NumberText.h"
 #include "expression/ByteSearch.h"
-#include "expression/DateText.h"
 #include "expression/TextOperators.h"
 #include "expression/Wildcard.h"
 

@@ -76,6 +76,12 @@ void appendUpper(std::string& out, std::string_view text) {
     appendMapped(out, text, upperOf, [](std::int32_t c) { return u_toupper(c); });
 }
 
+std::string lowerText(std::string_view text) {
+    std::string lower;
+    appendLower(lower, text);
+    return lower;
+}
+
 void lowerAscii(const char* from, std::size_t size, char* to) {
     for (std::size_t i = 0; i < size; ++i)
         to[i] = lowerOf(from[i]);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "expression/Characters.h"
+#include "base/Characters.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -14,6 +14,7 @@ namespace tavix::expression {
 /// Each character by its own simple mapping, so that the number of characters stays.
 void appendLower(std::string& out, std::string_view text);
 void appendUpper(std::string& out, std::string_view text);
+[[nodiscard]] std::string lowerText(std::string_view text);
 /// ASCII only, without a branch for each byte: the form for whole blocks.
 void lowerAscii(const char* from, std::size_t size, char* to);
 void upperAscii(const char* from, std::size_t size, char* to);

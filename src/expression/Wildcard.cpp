@@ -1,6 +1,6 @@
 #include "expression/Wildcard.h"
 
-#include "expression/Characters.h"
+#include "base/Characters.h"
 #include "expression/SimplePattern.h"
 
 namespace tavix::expression {
@@ -107,7 +107,7 @@ bool Wildcard::matches(std::string_view text, bool isAscii, Scratch& scratch) co
             return answer == ByteAutomaton::Answer::Yes;
     }
     // Without '?', or where each character is a byte, bytes tell the same as characters.
-    if (!m_hasAnyCharacter || isAscii || expression::isAscii(text))
+    if (!m_hasAnyCharacter || isAscii || tavix::isAscii(text))
         return matchesBytes(text, scratch);
     return matchesCharacters(text, scratch);
 }

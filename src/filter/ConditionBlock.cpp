@@ -1,7 +1,8 @@
 #include "filter/ConditionBlock.h"
 
+#include "base/Characters.h"
 #include "base/NumberText.h"
-#include "filter/Characters.h"
+#include "expression/TextOperators.h"
 
 #include <fmt/format.h>
 
@@ -37,8 +38,11 @@ bool toFlag(std::string_view text) {
 std::vector<std::string> toValues(std::string_view text) {
     std::vector<std::string> values;
     const auto finish = [&](std::string_view token) {
-        if (CharacterCount(token) > 1)
-            values.emplace_back(WithoutEnds(token));
+        const std::size_t characters = countCharacters(token);
+        if (characters < 2)
+            return;
+        const std::size_t begin = offsetOfCharacter(token, 1);
+        values.emplace_back(token.substr(begin, offsetOfCharacter(token, characters - 1) - begin));
     };
     bool quoted = false;
     std::size_t start = 0;
@@ -160,7 +164,7 @@ ParsedFilter ParseConditionBlock(std::string_view filterText, FilterAction actio
     RecordReader records(block.substr(0, end));
     for (CCondition condition; records.read(condition); condition = {})
         parsed.conditions.push_back(std::move(condition));
-    parsed.text = LowerText(filterText);
+    parsed.text = expression::lowerText(filterText);
     parsed.action = actionOf(parsed.text, action);
     return parsed;
 }

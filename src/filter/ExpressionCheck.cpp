@@ -52,14 +52,14 @@ std::size_t endOf(std::string_view text, std::size_t at) {
 
 } // namespace
 
-std::optional<expression::ExpressionError> FindExpressionError(std::string_view filterText) {
+ExpressionCheck CheckFilterText(std::string_view filterText) {
     if (filterText.empty())
-        return std::nullopt;
+        return {};
     const std::vector<expression::Field> fields = fieldsOfDistribution();
     expression::Compiled compiled = expression::compile(filterText, fields, expression::Wanted::Condition);
-    if (compiled.ok())
-        return std::nullopt;
-    return std::move(compiled.error);
+    if (!compiled.ok())
+        return {std::move(compiled.error), {}};
+    return {{}, std::move(compiled.remark)};
 }
 
 std::string_view NameBeingWritten(std::string_view written) {

@@ -1,6 +1,6 @@
 #include "filter/FilterFile.h"
 
-#include "filter/Characters.h"
+#include "base/Characters.h"
 #include "filter/FilterMessages.h"
 
 #include <array>
@@ -20,6 +20,19 @@ Error failure(const filter_messages::Message& message) {
 bool isFolder(const std::string& path) {
     std::error_code code;
     return std::filesystem::is_directory(path, code);
+}
+
+/// Each byte that belongs to no character becomes U+FFFD.
+std::string repaired(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    forEachCharacter(text, [&](std::int32_t character, std::string_view bytes) {
+        if (character < 0)
+            result += "\uFFFD";
+        else
+            result += bytes;
+    });
+    return result;
 }
 
 } // namespace
@@ -49,7 +62,7 @@ Result<std::string> readFilter(std::istream& file) {
     std::string text(static_cast<std::size_t>(low) | static_cast<std::size_t>(high) << 8u, '\0');
     if (!file.read(text.data(), static_cast<std::streamsize>(text.size())))
         return failure(filter_messages::kCutFilterFile);
-    return RepairedText(text);
+    return repaired(text);
 }
 
 Status writeFilter(std::ostream& file, std::string_view text) {

@@ -1,6 +1,6 @@
 #include "filter/FilterMemory.h"
 
-#include "filter/Characters.h"
+#include "expression/TextOperators.h"
 
 #include <fmt/format.h>
 
@@ -101,12 +101,13 @@ using Entry = std::vector<NamedFilter>::iterator;
 
 /// Where a name stands or would stand in the order.
 Entry placeOf(std::vector<NamedFilter>& filters, const std::string& lowerName) {
-    return std::lower_bound(filters.begin(), filters.end(), lowerName,
-                            [](const NamedFilter& f, const std::string& n) { return LowerText(f.name) < n; });
+    return std::lower_bound(filters.begin(), filters.end(), lowerName, [](const NamedFilter& f, const std::string& n) {
+        return expression::lowerText(f.name) < n;
+    });
 }
 
 bool isNamed(const std::vector<NamedFilter>& filters, const Entry& place, const std::string& lowerName) {
-    return place != filters.end() && LowerText(place->name) == lowerName;
+    return place != filters.end() && expression::lowerText(place->name) == lowerName;
 }
 
 std::string encodeNamed(const std::vector<NamedFilter>& filters) {
@@ -126,8 +127,9 @@ std::vector<NamedFilter> FilterMemory::Named(DistributionKind kind) const {
     for (std::size_t i = 0; i + 1 < texts.size(); i += 2)
         filters.push_back({std::move(texts[i]), std::move(texts[i + 1])});
     // The file may have been edited.
-    std::stable_sort(filters.begin(), filters.end(),
-                     [](const NamedFilter& a, const NamedFilter& b) { return LowerText(a.name) < LowerText(b.name); });
+    std::stable_sort(filters.begin(), filters.end(), [](const NamedFilter& a, const NamedFilter& b) {
+        return expression::lowerText(a.name) < expression::lowerText(b.name);
+    });
     return filters;
 }
 
@@ -144,7 +146,7 @@ Status FilterMemory::Keep(DistributionKind kind, std::string_view name, std::str
                                  "in a file instead.",
                                  text.size(), kLongestText)};
     std::vector<NamedFilter> filters = Named(kind);
-    const std::string lower = LowerText(tidy);
+    const std::string lower = expression::lowerText(tidy);
     const Entry place = placeOf(filters, lower);
     if (isNamed(filters, place, lower))
         *place = {tidy, std::string(text)};
@@ -157,7 +159,7 @@ Status FilterMemory::Keep(DistributionKind kind, std::string_view name, std::str
 
 Status FilterMemory::Forget(DistributionKind kind, std::string_view name) {
     std::vector<NamedFilter> filters = Named(kind);
-    const std::string lower = LowerText(tidyName(name));
+    const std::string lower = expression::lowerText(tidyName(name));
     const Entry place = placeOf(filters, lower);
     if (!isNamed(filters, place, lower))
         return {};

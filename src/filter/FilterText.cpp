@@ -1,6 +1,7 @@
 #include "filter/FilterText.h"
 
-#include "filter/Characters.h"
+#include "base/Characters.h"
+#include "expression/TextOperators.h"
 #include "filter/FilterOperations.h"
 
 #include <fmt/format.h>
@@ -94,7 +95,7 @@ class ComparisonCode {
     }
     [[nodiscard]] std::string quoted(std::string_view value) const {
         const std::string escaped = EscapeSingleQuotes(value);
-        return "'" + (m_condition.caseInsensitive ? LowerText(escaped) : escaped) + "'";
+        return "'" + (m_condition.caseInsensitive ? expression::lowerText(escaped) : escaped) + "'";
     }
     [[nodiscard]] std::string operandOf(std::string_view value) const {
         return m_isText ? quoted(value) : std::string(value);
@@ -120,7 +121,7 @@ class ComparisonCode {
     }
 
     [[nodiscard]] std::string endComparison(std::string_view end) const {
-        return fmt::format("compare({}({},{}),'{}',{}) == 0", end, m_field, CharacterCount(firstValue()),
+        return fmt::format("compare({}({},{}),'{}',{}) == 0", end, m_field, countCharacters(firstValue()),
                            EscapeSingleQuotes(firstValue()), m_condition.caseInsensitive);
     }
 

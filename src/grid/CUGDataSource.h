@@ -57,6 +57,7 @@ struct GridColumn {
     int parameter = -1;  ///< carried by the heading cell
     bool locked = false; ///< stays in view when the grid scrolls sideways
     std::string toolTip;
+    bool takesRest = false; ///< wider than `width` where the grid has room, until the user drags it
 
     bool operator==(const GridColumn&) const = default;
 };

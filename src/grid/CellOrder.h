@@ -1,8 +1,12 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace tavix {
 
@@ -23,5 +27,26 @@ class CellOrderKey {
     std::string m_folded;
     std::string m_text;
 };
+
+/// Sorts rows by the text that `textOf` gives of each, which is asked for once; rows of the same text stay in their
+/// order.
+template <typename Row, typename TextOf>
+void sortRowsByText(std::vector<Row>& rows, TextOf textOf, bool descending) {
+    struct Keyed {
+        CellOrderKey key;
+        Row row;
+    };
+    std::vector<Keyed> keyed;
+    keyed.reserve(rows.size());
+    for (Row& row : rows) {
+        CellOrderKey key(textOf(std::as_const(row)));
+        keyed.push_back({std::move(key), std::move(row)});
+    }
+    std::stable_sort(keyed.begin(), keyed.end(), [descending](const Keyed& a, const Keyed& b) {
+        return descending ? b.key < a.key : a.key < b.key;
+    });
+    for (std::size_t i = 0; i < keyed.size(); ++i)
+        rows[i] = std::move(keyed[i].row);
+}
 
 } // namespace tavix

@@ -1,15 +1,12 @@
 #include "grid/FoldCase.h"
 
+#include "base/Characters.h"
+
 #include <unicode/unistr.h>
 
-#include <algorithm>
 #include <cstdint>
 
 namespace tavix {
-
-bool isAscii(std::string_view text) {
-    return std::none_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
-}
 
 std::string foldCase(std::string_view text) {
     std::string folded;

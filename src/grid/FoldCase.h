@@ -5,8 +5,6 @@
 
 namespace tavix {
 
-[[nodiscard]] bool isAscii(std::string_view text);
-
 /// The text as it is compared without regard to case: Unicode's full case folding, which no locale changes.
 [[nodiscard]] std::string foldCase(std::string_view text);
 

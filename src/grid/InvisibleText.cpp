@@ -1,8 +1,9 @@
 #include "grid/InvisibleText.h"
 
+#include "base/Characters.h"
+
 #include <fmt/format.h>
 #include <unicode/uchar.h>
-#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -19,13 +20,6 @@ constexpr UChar32 kDelete = 0x7F;
 constexpr UChar32 kPictures = 0x2400;
 constexpr UChar32 kDeletePicture = 0x2421;
 constexpr UChar32 kBrailleBlank = 0x2800;
-
-void append(std::string& text, UChar32 character) {
-    char bytes[U8_MAX_LENGTH];
-    std::int32_t length = 0;
-    U8_APPEND_UNSAFE(bytes, length, character);
-    text.append(bytes, static_cast<std::size_t>(length));
-}
 
 // Everything without a mark of its own beyond ASCII. Some format characters, as the Arabic number signs, have one.
 bool isInvisible(UChar32 character) {
@@ -46,17 +40,17 @@ void appendVisible(std::string& text, UChar32 character) {
     if (character == '\t')
         text += kTab;
     else if (character < ' ')
-        append(text, kPictures + character);
+        appendCharacter(text, kPictures + character);
     else if (character < kDelete)
         text += static_cast<char>(character);
     else if (character == kDelete)
-        append(text, kDeletePicture);
+        appendCharacter(text, kDeletePicture);
     else if (character == 0xA0)
         text += kNoBreakSpace;
     else if (isInvisible(character))
         text += fmt::format("‹U+{:04X}›", static_cast<std::uint32_t>(character));
     else
-        append(text, character);
+        appendCharacter(text, character);
 }
 
 } // namespace
@@ -67,13 +61,10 @@ std::string showInvisible(std::string_view text, std::size_t mostBytes) {
     const std::size_t end = std::min(text.size(), mostBytes);
     std::string shown;
     shown.reserve(end);
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
     // The character that the end cuts through is looked at as a whole.
-    const auto size = static_cast<std::int64_t>(text.size());
-    for (std::int64_t at = 0; at < static_cast<std::int64_t>(end);) {
-        const auto start = static_cast<std::size_t>(at);
-        UChar32 character = 0;
-        U8_NEXT(bytes, at, size, character);
+    for (std::size_t at = 0; at < end;) {
+        const std::size_t start = at;
+        const UChar32 character = nextCharacter(text, at);
         if (character < 0)
             shown += kReplacement;
         else if (character == ' ' && (start < leading || start >= trailing))

@@ -1,6 +1,6 @@
 #include "pattern/CharacterPattern.h"
 
-#include "pattern/NextCharacter.h"
+#include "base/Characters.h"
 
 #include <fmt/format.h>
 #include <unicode/uchar.h>

@@ -1,5 +1,7 @@
 #include "profiling/RowPrograms.h"
 
+#include "base/Characters.h"
+
 #include <fmt/format.h>
 
 namespace tavix::profiling {
@@ -12,12 +14,7 @@ constexpr std::size_t kLongestLogged = 4000;
 KvbString loggedText(const source::Cell& cell) {
     if (cell.isNull)
         return {};
-    if (cell.size <= kLongestLogged)
-        return std::string(cell.data, cell.size);
-    std::size_t size = kLongestLogged;
-    while (size > 0 && (static_cast<unsigned char>(cell.data[size]) & 0xC0U) == 0x80U)
-        --size;
-    return std::string(cell.data, size) + "\u2026";
+    return shortened({cell.data, cell.size}, kLongestLogged);
 }
 
 std::int64_t recordOf(const RowSlice& slice, std::uint32_t row) {

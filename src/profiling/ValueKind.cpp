@@ -1,12 +1,12 @@
 #include "profiling/ValueKind.h"
 
+#include "base/Characters.h"
+#include "base/DateText.h"
 #include "base/NumberText.h"
-#include "pattern/NextCharacter.h"
 
 #include <unicode/uchar.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstddef>
 
 namespace tavix::profiling {
@@ -66,98 +66,6 @@ ValueKind numberKind(std::string_view text) {
     return isReal ? ValueKind::Real : ValueKind::Integer;
 }
 
-/// Reads an ISO 8601 date piece by piece; every step fails for good once one has failed.
-class DateScanner {
-  public:
-    explicit DateScanner(std::string_view text) : m_text(text) {}
-
-    int number(std::size_t digits, int low, int high) {
-        if (!m_isGood || digitsAt(m_text.substr(0, std::min(m_text.size(), m_at + digits)), m_at) != digits)
-            return fail();
-        int value = 0;
-        for (std::size_t end = m_at + digits; m_at < end; ++m_at)
-            value = value * 10 + (m_text[m_at] - '0');
-        return value < low || value > high ? fail() : value;
-    }
-    void expect(char c) {
-        if (!accept(c))
-            m_isGood = false;
-    }
-    bool accept(char c) {
-        if (!m_isGood || isAtEnd() || m_text[m_at] != c)
-            return false;
-        ++m_at;
-        return true;
-    }
-    /// The digits of a fraction of a second in units of 100 ns; what is finer is cut.
-    std::int64_t fraction() {
-        const std::size_t digits = digitsAt(m_text, m_at);
-        if (digits < 1 || digits > 9)
-            return fail();
-        std::int64_t value = 0;
-        for (std::size_t i = 0; i < 7; ++i)
-            value = value * 10 + (i < digits ? m_text[m_at + i] - '0' : 0);
-        m_at += digits;
-        return value;
-    }
-    int fail() {
-        m_isGood = false;
-        return 0;
-    }
-    [[nodiscard]] bool isAtEnd() const { return m_at == m_text.size(); }
-    [[nodiscard]] bool isGood() const { return m_isGood; }
-
-  private:
-    std::string_view m_text;
-    std::size_t m_at = 0;
-    bool m_isGood = true;
-};
-
-constexpr std::int64_t kTicksPerSecond = 10'000'000;
-
-std::optional<std::int64_t> parseDate(std::string_view text) {
-    DateScanner scan(text);
-    const int year = scan.number(4, 1, 9999);
-    scan.expect('-');
-    const int month = scan.number(2, 1, 12);
-    scan.expect('-');
-    const int day = scan.number(2, 1, 31);
-    if (!scan.isGood())
-        return std::nullopt;
-    const std::chrono::year_month_day date{std::chrono::year{year}, std::chrono::month{static_cast<unsigned>(month)},
-                                           std::chrono::day{static_cast<unsigned>(day)}};
-    if (!date.ok())
-        return std::nullopt;
-    std::int64_t seconds = std::int64_t{86400} * std::chrono::sys_days{date}.time_since_epoch().count();
-    if (scan.isAtEnd())
-        return seconds * kTicksPerSecond;
-    if (!scan.accept('T') && !scan.accept(' '))
-        return std::nullopt;
-    seconds += std::int64_t{3600} * scan.number(2, 0, 23);
-    scan.expect(':');
-    seconds += std::int64_t{60} * scan.number(2, 0, 59);
-    std::int64_t ticks = 0;
-    if (scan.accept(':')) {
-        seconds += scan.number(2, 0, 59);
-        if (scan.accept('.') || scan.accept(','))
-            ticks = scan.fraction();
-    }
-    if (!scan.accept('Z') && !scan.isAtEnd()) {
-        const bool isEast = scan.accept('+');
-        if (!isEast)
-            scan.expect('-');
-        int offset = scan.number(2, 0, 23) * 60;
-        if (!scan.isAtEnd()) {
-            scan.accept(':');
-            offset += scan.number(2, 0, 59);
-        }
-        seconds -= std::int64_t{60} * (isEast ? offset : -offset);
-    }
-    if (!scan.isGood() || !scan.isAtEnd())
-        return std::nullopt;
-    return seconds * kTicksPerSecond + ticks;
-}
-
 std::string_view withoutSign(std::string_view integer) {
     return integer.front() == '+' || integer.front() == '-' ? integer.substr(1) : integer;
 }
@@ -184,7 +92,7 @@ bool isBlank(std::string_view text) {
         const auto byte = static_cast<unsigned char>(text[at]);
         if (byte > ' ' && byte < 0x7F)
             return false;
-        const std::int32_t character = pattern::nextCharacter(text, at);
+        const std::int32_t character = nextCharacter(text, at);
         if (character < 0 || !u_isUWhiteSpace(character))
             return false;
     }

@@ -1,14 +1,21 @@
 #pragma once
 
+#include "base/Clock.h"
 #include "base/KvbDatavar.h"
 #include "base/KvbString.h"
 #include "sql/Connection.h"
 
+#include <cstdint>
 #include <string_view>
 #include <variant>
 
 /// Values of the library as parameters of statements, null among them.
 namespace tavix::repository {
+
+/// As the repository has instants: milliseconds since 1970, UTC.
+[[nodiscard]] inline std::int64_t storedTime(UtcTime time) {
+    return time.time_since_epoch().count();
+}
 
 inline void bindText(sql::Statement& statement, int parameter, const KvbString& text) {
     if (text.isNull())

@@ -1,5 +1,7 @@
 #include "repository/Collections.h"
 
+#include "repository/BindValue.h"
+
 #include <fmt/format.h>
 
 namespace tavix::repository {
@@ -20,7 +22,7 @@ Result<int> collectionIdentity(sql::Connection& connection, std::string_view nam
                                      "CASE WHEN ?2 <> '' THEN ?2 ELSE description END RETURNING id");
     if (!insert)
         return insert.error();
-    insert->bind(1, name).bind(2, description).bind(3, static_cast<std::int64_t>(now.time_since_epoch().count()));
+    insert->bind(1, name).bind(2, description).bind(3, storedTime(now));
     if (insert->step() != sql::Step::Row)
         return Error{connection.errorText()};
     int id = static_cast<int>(insert->integer(0));

@@ -1,5 +1,7 @@
 #include "repository/Identities.h"
 
+#include "repository/BindValue.h"
+
 namespace tavix::repository {
 
 namespace {
@@ -35,7 +37,7 @@ Result<int> jobIdentity(sql::Connection& connection, std::string_view name, std:
     if (!find || !insert || !describe)
         return Error{connection.errorText()};
     find->bind(1, name);
-    insert->bind(1, name).bind(2, static_cast<std::int64_t>(now.time_since_epoch().count()));
+    insert->bind(1, name).bind(2, storedTime(now));
     auto id = findOrMake(connection, *find, *insert);
     if (!id || description.empty())
         return id;

@@ -1,6 +1,7 @@
 #include "repository/Notes.h"
 
 #include "base/NoteText.h"
+#include "repository/BindValue.h"
 #include "repository/Existence.h"
 
 #include <fmt/format.h>
@@ -100,7 +101,7 @@ Status addTableNote(sql::Connection& connection, NoteOwner kind, int owner, int 
     char letter = static_cast<char>(kind);
     insert->bind(1, std::string_view(&letter, 1)).bind(2, owner);
     bindCategory(*insert, 3, category);
-    insert->bind(4, author).bind(5, static_cast<std::int64_t>(written.time_since_epoch().count()));
+    insert->bind(4, author).bind(5, storedTime(written));
     insert->bind(6, std::string_view(tidied));
     return insert->run();
 }
@@ -120,7 +121,7 @@ Status addFieldNote(sql::Connection& connection, int field, int category, std::s
         return insert.error();
     insert->bind(1, field);
     bindCategory(*insert, 2, category);
-    insert->bind(3, author).bind(4, static_cast<std::int64_t>(written.time_since_epoch().count()));
+    insert->bind(3, author).bind(4, storedTime(written));
     insert->bind(5, std::string_view(tidied));
     return insert->run();
 }

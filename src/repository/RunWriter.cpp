@@ -3,11 +3,10 @@
 #include "repository/AlertStore.h"
 #include "repository/BindValue.h"
 #include "repository/Collections.h"
-#include "repository/DistributionStore.h"
-#include "repository/FilePlaces.h"
 #include "repository/Identities.h"
 #include "repository/RuleStore.h"
 #include "repository/Schema.h"
+#include "repository/TableStore.h"
 
 #include <fmt/format.h>
 
@@ -20,32 +19,8 @@ namespace tavix::repository {
 
 namespace {
 
-std::int64_t milliseconds(UtcTime time) {
-    return time.time_since_epoch().count();
-}
-
-std::int64_t sumOf(std::span<const ValueCount> rows) {
-    std::uint64_t sum = 0;
-    for (const ValueCount& row : rows)
-        sum += row.count;
-    return static_cast<std::int64_t>(sum);
-}
-
 Error noTable(int tableId) {
     return Error{fmt::format("There is no table {} in this run.", tableId)};
-}
-
-constexpr int kFirstMetricParameter = 6;
-constexpr int kFirstTailParameter = kFirstMetricParameter + static_cast<int>(kMetricCount);
-
-std::string insertFieldSql() {
-    std::string columns = "INSERT INTO run_field(run, table_id, position, field, type_code";
-    for (const MetricInfo& metric : metricCatalogue())
-        columns += fmt::format(", {}", metric.column);
-    columns += ", quantile_rule, value_rows, value_sum, pattern_rows, pattern_sum) VALUES(?1";
-    for (int parameter = 2; parameter < kFirstTailParameter + 5; ++parameter)
-        columns += fmt::format(",?{}", parameter);
-    return columns + ")";
 }
 
 } // namespace
@@ -67,7 +42,6 @@ struct RunWriter::Impl {
     int logLines = 0;
     std::int64_t records = 0;
     std::map<int, Table> tables;
-    std::string insertField = insertFieldSql();
 
     /// Passes the outcome of a step on; a failed one ends the run.
     template <typename T>
@@ -85,12 +59,7 @@ struct RunWriter::Impl {
 
     Status start(const RunDescription& description);
     Result<int> addTable(const TableFacts& facts);
-    Status storeTable(int table, const TableFacts& facts);
-    Status storeFiles(int table, const TableFacts& facts);
     Status addField(int tableId, const FieldFacts& facts);
-    Status storeField(int tableId, int field, const FieldFacts& facts);
-    Status storePercentiles(int field, std::span<const Percentile> percentiles);
-    Status storeOutliers(int field, std::span<const Outlier> outliers);
     Status addCustomMetric(int tableId, const CustomMetricFacts& facts);
     Status addBusinessRule(int tableId, const BusinessRuleFacts& facts);
     Status addLog(int tableId, LogLevel level, std::string_view text);
@@ -108,7 +77,7 @@ Status RunWriter::Impl::start(const RunDescription& description) {
     auto insert = connection->prepare("INSERT INTO run(job, started, finished, description) VALUES(?1, ?2, ?2, ?3)");
     if (!insert)
         return insert.error();
-    insert->bind(1, *jobId).bind(2, milliseconds(description.started)).bind(3, description.description);
+    insert->bind(1, *jobId).bind(2, storedTime(description.started)).bind(3, description.description);
     if (auto done = insert->run(); !done)
         return done;
     job = *jobId;
@@ -125,60 +94,12 @@ Result<int> RunWriter::Impl::addTable(const TableFacts& facts) {
         return table.error();
     if (tables.contains(*table))
         return Error{fmt::format("The table \"{}\" is in the run twice.", displayName(facts))};
-    if (auto stored = storeTable(*table, facts); !stored)
+    const PlaceInRun place{run, *table, static_cast<int>(tables.size()) + 1};
+    if (auto stored = storeTable(*connection, place, facts); !stored)
         return stored.error();
-    if (auto stored = storeFiles(*table, facts); !stored)
-        return stored.error();
-    if (facts.places)
-        if (auto stored = storeFilePlaces(*connection, run, *table, *facts.places); !stored)
-            return stored.error();
     tables[*table].name = displayName(facts);
     records += facts.processedRecords;
     return table;
-}
-
-Status RunWriter::Impl::storeTable(int table, const TableFacts& facts) {
-    auto insert = connection->prepare(
-        "INSERT INTO run_table(run, position, table_id, total_records, processed_records, damaged_records, query, "
-        "filter, alternate_filter, file_path, file_delimiter, file_header, file_encoding, file_byte_order_mark, "
-        "file_size, file_modified, connection) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10,?11,?12,?13,?14,?15,?16,?17)");
-    if (!insert)
-        return insert.error();
-    insert->bind(1, run).bind(2, static_cast<std::int64_t>(tables.size() + 1)).bind(3, table);
-    insert->bind(4, facts.totalRecords).bind(5, facts.processedRecords).bind(6, facts.damagedRecords);
-    insert->bind(7, facts.query).bind(8, facts.filter).bind(9, facts.alternateFilter);
-    if (facts.isTextFile) {
-        const TextFileFacts& file = facts.textFile;
-        insert->bind(10, file.path).bind(11, std::string_view(&file.delimiter, 1)).bind(12, file.hasHeader ? 1 : 0);
-        insert->bind(13, file.encoding).bind(14, file.byteOrderMark ? 1 : 0).bind(15, file.size);
-        insert->bind(16, milliseconds(file.modified));
-    } else {
-        for (int parameter = 10; parameter <= 16; ++parameter)
-            insert->bindNull(parameter);
-    }
-    if (facts.connection)
-        insert->bind(17, *facts.connection);
-    else
-        insert->bindNull(17);
-    return insert->run();
-}
-
-Status RunWriter::Impl::storeFiles(int table, const TableFacts& facts) {
-    if (!facts.isTextFile)
-        return {};
-    auto insert =
-        connection->prepare("INSERT INTO run_file(run, table_id, position, path, quote) VALUES(?1,?2,?3,?4,?5)");
-    if (!insert)
-        return insert.error();
-    const TextFileFacts& file = facts.textFile;
-    const std::span<const std::string> paths = file.files.empty() ? std::span(&file.path, 1) : std::span(file.files);
-    const std::string_view quote(&file.quote, file.quote == '\0' ? 0 : 1);
-    insert->bind(1, run).bind(2, table).bind(5, quote);
-    std::int64_t position = 0;
-    for (const std::string& path : paths)
-        if (auto done = insert->bind(3, ++position).bind(4, path).run(); !done)
-            return done;
-    return {};
 }
 
 Status RunWriter::Impl::addField(int tableId, const FieldFacts& facts) {
@@ -188,79 +109,11 @@ Status RunWriter::Impl::addField(int tableId, const FieldFacts& facts) {
     auto field = fieldIdentity(*connection, tableId, facts.name);
     if (!field)
         return field.error();
-    if (auto stored = storeField(tableId, *field, facts); !stored)
+    if (auto stored = storeField(*connection, run, tableId, *field, facts); !stored)
         return Error{fmt::format("The field \"{}\" of \"{}\" could not be stored. {}", facts.name, table->second.name,
                                  stored.error().text)};
     ++table->second.fields;
-    if (auto stored = storePercentiles(*field, facts.percentiles); !stored)
-        return stored;
-    if (auto stored = storeOutliers(*field, facts.outliers); !stored)
-        return stored;
-    if (auto stored = storeValuePlaces(*connection, run, *field, facts.places); !stored)
-        return stored;
-    const DistributionKey values{run, *field, DistributionKind::Values};
-    const DistributionKey patterns{run, *field, DistributionKind::Patterns};
-    if (facts.packed) {
-        if (auto stored = storePacked(*connection, values, *facts.packed); !stored)
-            return stored;
-        if (auto stored = storePacked(*connection, patterns, *facts.packed); !stored)
-            return stored;
-        return storePackedHashes(*connection, run, *field, *facts.packed);
-    }
-    if (auto stored = storeDistribution(*connection, values, facts.values); !stored)
-        return stored;
-    if (auto stored = storeDistribution(*connection, patterns, facts.patterns); !stored)
-        return stored;
-    return storeValueHashes(*connection, run, *field, facts.values);
-}
-
-Status RunWriter::Impl::storeField(int tableId, int field, const FieldFacts& facts) {
-    auto insert = connection->prepare(insertField);
-    if (!insert)
-        return insert.error();
-    insert->bind(1, run).bind(2, tableId).bind(3, facts.ordinal).bind(4, field);
-    insert->bind(5, std::string_view(&facts.typeCode, facts.typeCode ? 1 : 0));
-    for (std::size_t metric = 0; metric < kMetricCount; ++metric)
-        bindValue(*insert, kFirstMetricParameter + static_cast<int>(metric), facts.metrics[metric]);
-    insert->bind(kFirstTailParameter, facts.quantileRule);
-    const PackedField* const packed = facts.packed;
-    const auto asInteger = [](auto number) { return static_cast<std::int64_t>(number); };
-    insert->bind(kFirstTailParameter + 1, packed ? packed->valueRows() : asInteger(facts.values.size()));
-    insert->bind(kFirstTailParameter + 2, packed ? asInteger(packed->valueSum()) : sumOf(facts.values));
-    insert->bind(kFirstTailParameter + 3, packed ? packed->patternRows() : asInteger(facts.patterns.size()));
-    insert->bind(kFirstTailParameter + 4, packed ? asInteger(packed->patternSum()) : sumOf(facts.patterns));
-    return insert->run();
-}
-
-Status RunWriter::Impl::storePercentiles(int field, std::span<const Percentile> percentiles) {
-    auto insert =
-        connection->prepare("INSERT INTO percentile(run, field, position, interval, value) VALUES(?1,?2,?3,?4,?5)");
-    if (!insert)
-        return insert.error();
-    int position = 0;
-    for (const Percentile& percentile : percentiles) {
-        insert->bind(1, run).bind(2, field).bind(3, position++).bind(4, percentile.interval);
-        bindText(*insert, 5, percentile.value);
-        if (auto done = insert->run(); !done)
-            return done;
-    }
-    return {};
-}
-
-Status RunWriter::Impl::storeOutliers(int field, std::span<const Outlier> outliers) {
-    auto insert = connection->prepare(
-        "INSERT INTO outlier(run, field, side, position, value, count, fence) VALUES(?1,?2,?3,?4,?5,?6,?7)");
-    if (!insert)
-        return insert.error();
-    for (const Outlier& outlier : outliers) {
-        char side = static_cast<char>(outlier.side);
-        insert->bind(1, run).bind(2, field).bind(3, std::string_view(&side, 1)).bind(4, outlier.position);
-        bindText(*insert, 5, outlier.value);
-        insert->bind(6, static_cast<std::int64_t>(outlier.count)).bind(7, static_cast<int>(outlier.fence));
-        if (auto done = insert->run(); !done)
-            return done;
-    }
-    return {};
+    return storeFieldLists(*connection, run, *field, facts);
 }
 
 Status RunWriter::Impl::addCustomMetric(int tableId, const CustomMetricFacts& facts) {
@@ -295,7 +148,7 @@ Status RunWriter::Impl::addLog(int tableId, LogLevel level, std::string_view tex
         insert->bindNull(3);
     else
         insert->bind(3, tableId);
-    insert->bind(4, milliseconds(clock->now())).bind(5, static_cast<int>(level)).bind(6, text);
+    insert->bind(4, storedTime(clock->now())).bind(5, static_cast<int>(level)).bind(6, text);
     return insert->run();
 }
 
@@ -390,7 +243,7 @@ Status RunWriter::Impl::finish(UtcTime finished) {
     auto update = connection->prepare("UPDATE run SET finished = ?2, tables = ?3, records = ?4 WHERE id = ?1");
     if (!update)
         return update.error();
-    update->bind(1, run).bind(2, milliseconds(finished)).bind(3, static_cast<std::int64_t>(tables.size()));
+    update->bind(1, run).bind(2, storedTime(finished)).bind(3, static_cast<std::int64_t>(tables.size()));
     if (auto done = update->bind(4, records).run(); !done)
         return done;
     return transaction->commit();

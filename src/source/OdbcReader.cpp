@@ -1,5 +1,6 @@
 #include "source/OdbcReader.h"
 
+#include "base/Characters.h"
 #include "source/Interruption.h"
 #include "source/TextArena.h"
 #include "source/Utf8.h"
@@ -25,27 +26,6 @@ constexpr std::size_t kLongest = std::size_t{1} << 30;
 
 std::size_t terminatorSize(bool isWide) {
     return isWide ? sizeof(SQLWCHAR) : 1;
-}
-
-/// Appends a code point, at most four bytes.
-char* append(char* to, std::uint32_t code) {
-    const auto put = [&](std::uint32_t byte) { *to++ = static_cast<char>(byte); };
-    if (code < 0x80) {
-        put(code);
-    } else if (code < 0x800) {
-        put(0xC0 | code >> 6);
-        put(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-        put(0xE0 | code >> 12);
-        put(0x80 | (code >> 6 & 0x3F));
-        put(0x80 | (code & 0x3F));
-    } else {
-        put(0xF0 | code >> 18);
-        put(0x80 | (code >> 12 & 0x3F));
-        put(0x80 | (code >> 6 & 0x3F));
-        put(0x80 | (code & 0x3F));
-    }
-    return to;
 }
 
 } // namespace
@@ -261,12 +241,12 @@ Cell OdbcReader::keepWide(const char* data, std::size_t size) {
         const bool isHigh = first >= 0xD800 && first < 0xDC00;
         const bool isPair = isHigh && i + 1 < units && unit(i + 1) >= 0xDC00 && unit(i + 1) < 0xE000;
         if (isPair) {
-            to = append(to, 0x10000 + ((first - 0xD800) << 10) + (unit(++i) - 0xDC00));
+            to = putCharacter(to, 0x10000 + ((first - 0xD800) << 10) + (unit(++i) - 0xDC00));
         } else if (first >= 0xD800 && first < 0xE000) {
             m_isRowDamaged = true;
-            to = append(to, kReplacement);
+            to = putCharacter(to, kReplacement);
         } else {
-            to = append(to, first);
+            to = putCharacter(to, first);
         }
     }
     const auto used = static_cast<std::size_t>(to - at);

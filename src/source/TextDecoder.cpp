@@ -1,5 +1,7 @@
 #include "source/TextDecoder.h"
 
+#include "base/Characters.h"
+
 #include <fmt/format.h>
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
@@ -22,22 +24,6 @@ void markDamage(const void* /*context*/, UConverterToUnicodeArgs* arguments, con
         return; // the converter is reset, closed or cloned
     *status = U_ZERO_ERROR;
     ucnv_cbToUWriteUChars(arguments, &kDamage, 1, 0, status);
-}
-
-char* putCharacter(char* to, char32_t c) {
-    if (c < 0x800) {
-        *to++ = static_cast<char>(0xC0U | (c >> 6U));
-    } else {
-        if (c < 0x10000) {
-            *to++ = static_cast<char>(0xE0U | (c >> 12U));
-        } else {
-            *to++ = static_cast<char>(0xF0U | (c >> 18U));
-            *to++ = static_cast<char>(0x80U | ((c >> 12U) & 0x3FU));
-        }
-        *to++ = static_cast<char>(0x80U | ((c >> 6U) & 0x3FU));
-    }
-    *to++ = static_cast<char>(0x80U | (c & 0x3FU));
-    return to;
 }
 
 } // namespace
@@ -80,7 +66,7 @@ std::string_view TextDecoder::decode(std::string_view& bytes, bool isLast) {
         else if (U16_IS_SURROGATE_LEAD(c))
             m_high = c;
         else if (m_high != 0) {
-            to = putCharacter(to, static_cast<char32_t>(U16_GET_SUPPLEMENTARY(m_high, c)));
+            to = putCharacter(to, U16_GET_SUPPLEMENTARY(m_high, c));
             m_high = 0;
         } else {
             *to++ = kNoUtf8;

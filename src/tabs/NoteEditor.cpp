@@ -1,13 +1,12 @@
 #include "tabs/NoteEditor.h"
 
 #include "access/PrViewer.h"
+#include "base/Characters.h"
 #include "base/LoginName.h"
 #include "base/Messages.h"
 #include "base/NoteText.h"
 
 #include <fmt/format.h>
-
-#include <algorithm>
 
 namespace tavix {
 
@@ -18,11 +17,8 @@ constexpr std::size_t kQuotedBytes = 200;
 /// The beginning of the note, so that the user sees which one is meant.
 std::string quoted(std::string_view text) {
     const std::string_view line = text.substr(0, text.find('\n'));
-    std::size_t end = std::min(line.size(), kQuotedBytes);
-    // Never half a character.
-    while (end < line.size() && end > 0 && (static_cast<unsigned char>(line[end]) & 0xC0U) == 0x80U)
-        --end;
-    return fmt::format("\"{}{}\"", line.substr(0, end), end < text.size() ? "…" : "");
+    const std::string_view beginning = cutToBytes(line, kQuotedBytes);
+    return fmt::format("\"{}{}\"", beginning, beginning.size() < text.size() ? "…" : "");
 }
 
 } // namespace

@@ -160,24 +160,10 @@ bool NoteRows::Sort(int column, bool descending) {
         });
         return true;
     }
-    struct Keyed {
-        CellOrderKey key;
-        Row row;
+    const auto textOf = [column](const Row& row) -> std::string_view {
+        return column == CategoryColumn ? row.note.category : column == UserColumn ? row.note.user : row.line;
     };
-    std::vector<Keyed> keyed;
-    keyed.reserve(m_rows.size());
-    for (Row& row : m_rows) {
-        const std::string& text = column == CategoryColumn ? row.note.category
-                                  : column == UserColumn   ? row.note.user
-                                                           : row.line;
-        CellOrderKey key(text);
-        keyed.push_back({std::move(key), std::move(row)});
-    }
-    std::stable_sort(keyed.begin(), keyed.end(), [descending](const Keyed& a, const Keyed& b) {
-        return descending ? b.key < a.key : a.key < b.key;
-    });
-    for (std::size_t i = 0; i < keyed.size(); ++i)
-        m_rows[i] = std::move(keyed[i].row);
+    sortRowsByText(m_rows, textOf, descending);
     return true;
 }
 

@@ -211,24 +211,15 @@ bool StdMetRows::Sort(int column, bool descending) {
     if (column < 0 || column >= GetColumnCount())
         return false;
     const auto at = static_cast<std::size_t>(column);
-    struct Keyed {
-        CellOrderKey key;
-        Row row;
-    };
-    std::vector<Keyed> keyed;
-    keyed.reserve(m_rows.size());
-    for (Row& row : m_rows) {
-        // Columns of pictures sort by whether there is one.
+    // Columns of pictures sort by whether there is one.
+    const bool isPicture = column >= kMetricColumns + static_cast<int>(m_shown.size());
+    const auto textOf = [at, isPicture](const Row& row) -> std::string_view {
         const GridCell& cell = row.cells[at];
-        const bool isPicture = column >= kMetricColumns + static_cast<int>(m_shown.size());
-        CellOrderKey key(isPicture ? (cell.icon == CellIcon::None ? "0" : "1") : std::string_view(cell.text));
-        keyed.push_back({std::move(key), std::move(row)});
-    }
-    std::stable_sort(keyed.begin(), keyed.end(), [descending](const Keyed& a, const Keyed& b) {
-        return descending ? b.key < a.key : a.key < b.key;
-    });
-    for (std::size_t i = 0; i < keyed.size(); ++i)
-        m_rows[i] = std::move(keyed[i].row);
+        if (isPicture)
+            return cell.icon == CellIcon::None ? "0" : "1";
+        return cell.text;
+    };
+    sortRowsByText(m_rows, textOf, descending);
     return true;
 }
 

@@ -31,10 +31,16 @@ CAlertDisplayHelper::NamesByKey namesOf(ProfileCursor& cursor, int key, int name
     return names;
 }
 
+GridColumn descriptionColumn() {
+    GridColumn column = listColumn("Description", 300);
+    column.takesRest = true;
+    return column;
+}
+
 } // namespace
 
 TableAlertRows::TableAlertRows()
-    : ListRows({listColumn("Description", 300), listColumn("Type", 120), listColumn("Input", 180)}, kNone) {}
+    : ListRows({descriptionColumn(), listColumn("Type", 120), listColumn("Input", 180)}, kNone) {}
 
 bool TableAlertRows::Fill(PrViewer& viewer, const TableIdentity& table) try {
     const ProfileCursorHandle rows = viewer.getAlerts();

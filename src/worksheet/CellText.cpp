@@ -1,12 +1,12 @@
 #include "worksheet/CellText.h"
 
+#include "base/Characters.h"
 #include "worksheet/Limits.h"
 
 #include <unicode/ustring.h>
 #include <unicode/utf16.h>
 
 #include <algorithm>
-#include <cstring>
 
 namespace tavix::worksheet {
 
@@ -18,30 +18,6 @@ constexpr char16_t kFirstWide = 0x2E80;
 /// No unit takes more bytes of UTF-8 than three, so this many and the start of one character more are enough to fill a
 /// cell and to know that the text is longer.
 constexpr std::size_t kMaxBytesLooked = 3 * (kMaxTextLength + std::size_t{2});
-
-bool isAscii(std::string_view text) {
-    const char* at = text.data();
-    const char* const end = at + text.size();
-    std::uint64_t seen = 0;
-    for (; end - at >= 8; at += 8) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, at, sizeof word);
-        seen |= word;
-    }
-    for (; at != end; ++at)
-        seen |= static_cast<unsigned char>(*at);
-    return (seen & 0x8080808080808080u) == 0;
-}
-
-/// Longer texts lose what no cell can hold, at the start of a character.
-std::string_view boundedStart(std::string_view utf8) {
-    if (utf8.size() <= kMaxBytesLooked)
-        return utf8;
-    std::size_t end = kMaxBytesLooked;
-    for (int back = 0; back < 3 && (static_cast<unsigned char>(utf8[end]) & 0xC0u) == 0x80; ++back)
-        --end;
-    return utf8.substr(0, end);
-}
 
 template <typename View>
 int longestLine(View text, int most) {
@@ -59,7 +35,7 @@ int longestLine(View text, int most) {
 } // namespace
 
 void CellText::assign(std::string_view utf8) {
-    utf8 = boundedStart(utf8);
+    utf8 = cutToBytes(utf8, kMaxBytesLooked);
     if (!isAscii(utf8)) {
         assignUnicode(utf8);
         return;

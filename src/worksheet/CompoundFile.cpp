@@ -1,5 +1,7 @@
 #include "worksheet/CompoundFile.h"
 
+#include "base/FileMode.h"
+
 #include <fmt/format.h>
 #include <gsf/gsf-outfile-msole.h>
 #include <gsf/gsf-output-stdio.h>
@@ -18,16 +20,6 @@ namespace {
 struct Unref {
     void operator()(gpointer object) const { g_object_unref(object); }
 };
-
-/// The permissions of the file that is replaced, or those that a new file gets.
-mode_t wantedMode(const std::string& path) {
-    struct stat status {};
-    if (::stat(path.c_str(), &status) == 0)
-        return status.st_mode & 0777;
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return 0666 & ~mask;
-}
 
 Error writeError(const std::string& path, const std::string& reason) {
     return {fmt::format("Unable to write \"{}\": {}", path, reason)};
@@ -83,7 +75,7 @@ Status CompoundFile::openBeside() {
     if (descriptor < 0)
         return failure(errno);
     m_temporary = name;
-    if (::fchmod(descriptor, wantedMode(m_target)) != 0 || !(m_file = ::fdopen(descriptor, "wb"))) {
+    if (::fchmod(descriptor, modeOfReplaced(m_target)) != 0 || !(m_file = ::fdopen(descriptor, "wb"))) {
         const int code = errno;
         ::close(descriptor);
         return failure(code);

@@ -5,13 +5,10 @@
 #include "base/ui/QtText.h"
 #include "doc/CTavixApp.h"
 #include "doc/ConnectionCredentials.h"
-#include "doc/DisplaySettings.h"
 #include "doc/ItemCode.h"
 #include "doc/PaneChain.h"
 #include "doc/PaneMemory.h"
-#include "doc/ui/CDeleteHistoryDlg.h"
 #include "doc/ui/CEmptyView.h"
-#include "doc/ui/COptionsSheet.h"
 #include "doc/ui/CSourceLoginDlg.h"
 #include "nav/ui/CTableInfo.h"
 #include "nav/ui/CTables.h"
@@ -24,33 +21,6 @@ namespace tavix {
 namespace {
 
 constexpr int kAfterLoadMilliseconds = 250;
-constexpr int kKeyStep = 24;
-
-constexpr std::array<CommandRow<CTavixView>, 8> kCommands = {{
-    {{CommandId::New, "Close the report\nNew"}, &CTavixView::OnNew},
-    {{CommandId::ToggleTableInformation, "Show or hide what is known about the table\nTable Information"},
-     &CTavixView::OnToggleTableInformation,
-     &CTavixView::CanToggleTableInformation,
-     &CTavixView::IsTableInformationShown},
-    {{CommandId::NarrowNavigator, "Make the navigator narrower\nNarrower Navigator"},
-     &CTavixView::OnMoveSplitter<Splitter::Left, -kKeyStep>},
-    {{CommandId::WidenNavigator, "Make the navigator wider\nWider Navigator"},
-     &CTavixView::OnMoveSplitter<Splitter::Left, kKeyStep>},
-    {{CommandId::NarrowTableInformation, "Make the table information narrower\nNarrower Table Information"},
-     &CTavixView::OnMoveSplitter<Splitter::Right, kKeyStep>,
-     &CTavixView::IsTableInformationShown},
-    {{CommandId::WidenTableInformation, "Make the table information wider\nWider Table Information"},
-     &CTavixView::OnMoveSplitter<Splitter::Right, -kKeyStep>,
-     &CTavixView::IsTableInformationShown},
-    {{CommandId::RefreshCollections, "Look up the collections of every table anew\nRefresh Collections"},
-     &CTavixView::OnRefreshCollections,
-     &CTavixView::CanRefreshCollections},
-    {{CommandId::ShowInvisible, "Show signs for blanks at the ends and for characters without a shape of their own\n"
-                                "Invisible Characters"},
-     &CTavixView::OnShowInvisible,
-     nullptr,
-     &CTavixView::ShowsInvisible},
-}};
 
 } // namespace
 
@@ -289,28 +259,11 @@ void CTavixView::ShowReportPane() {
     m_reportPane->setCurrentWidget(m_empty);
 }
 
-std::span<const CommandRow<CTavixView>> CTavixView::CommandRows() {
-    return kCommands;
-}
-
 std::vector<CRefreshItem*> CTavixView::RefreshOrder() {
     std::vector<CRefreshItem*> order = {this, m_navigator, m_info, &GetReportPane()};
     for (CTearOff* window : TearOffs())
         order.push_back(window);
     return order;
-}
-
-std::array<CommandTarget*, 3> CTavixView::CommandOrder() const {
-    return {m_navigator, m_info, &GetReportPane()};
-}
-
-bool CTavixView::ExecuteCommand(int commandId) {
-    return offerCommand(CommandOrder(), commandId) || execute(CommandRows(), *this, commandId);
-}
-
-CommandState CTavixView::UpdateCommand(int commandId) const {
-    const CommandState state = askCommand(CommandOrder(), commandId);
-    return state.handled ? state : stateOf(CommandRows(), *this, commandId);
 }
 
 CReportPane& CTavixView::GetReportPane() const {
@@ -321,33 +274,6 @@ CReportPane& CTavixView::GetReportPane() const {
 
 int CTavixView::GetItemCode() const {
     return m_view ? itemCode(m_view->GetKind(), m_view->GetCurrentTab()) : itemCode(ReportPaneKind::Empty, 0);
-}
-
-void CTavixView::OnShowInvisible() {
-    if (const Status written = writeShowsInvisible(m_document->GetSettings(), !ShowsInvisible()); !written)
-        m_document->GetMessages().warn(written.error().text);
-    if (m_view)
-        m_view->ApplyDisplay();
-    for (CTearOff* window : TearOffs())
-        window->ApplyDisplay();
-}
-
-bool CTavixView::ShowsInvisible() const {
-    return readShowsInvisible(m_document->GetSettings());
-}
-
-void CTavixView::OnToggleTableInformation() {
-    if (m_info)
-        CloseTableInformation();
-    else
-        OpenTableInformation();
-    m_wantsInfo = m_info != nullptr;
-    Remember();
-}
-
-void CTavixView::OnCloseTableInformation() {
-    if (m_info)
-        OnToggleTableInformation();
 }
 
 void CTavixView::OpenTableInformation() {
@@ -391,37 +317,6 @@ bool CTavixView::HasLoadedTables() const {
         // The navigator, which reads the same, has said it.
     }
     return false;
-}
-
-void CTavixView::OnNew() {
-    m_document->Clear();
-    Broadcast(RefreshHint::DocumentReset);
-}
-
-void CTavixView::OnRefreshCollections() {
-    m_navigator->RefreshCollections();
-}
-
-void CTavixView::OnOptions() {
-    COptionsSheet::Run(*m_document, this);
-}
-
-void CTavixView::OnDeleteHistory() {
-    if (m_deleteHistoryRequest)
-        m_deleteHistoryRequest();
-    else
-        DeleteHistory();
-}
-
-bool CTavixView::CanDeleteHistory() const {
-    return m_document->HasReport() && m_document->GetRunCount() > 1;
-}
-
-void CTavixView::DeleteHistory() {
-    m_document->DeleteHistory(
-        [this](HistoryDeletion& deletion) { return CDeleteHistoryDlg::Ask(*m_document, this, deletion); });
-    if (m_runsChanged)
-        m_runsChanged();
 }
 
 } // namespace tavix

@@ -1,4 +1,5 @@
 #include "expression/RowEvaluator.h"
+#include "expression/TextOperators.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -148,6 +149,7 @@ TEST(Evaluation, TextFunctionsCountCharacters) {
                   {"has_control_chars('a\u00A0')", "false"},
                   {"lpad('a', -9223372036854775808)", "'a'"},
                   {"char(55296)", "null"}});
+    EXPECT_EQ(lowerText("ÀÉ\xC3İSS\xFF"), "àé\xC3iss\xFF") << "bytes that are no text stay";
 }
 
 TEST(Evaluation, TestsOfTexts) {

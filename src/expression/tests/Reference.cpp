@@ -1,7 +1,7 @@
 #include "expression/tests/Reference.h"
 
+#include "base/Characters.h"
 #include "base/NumberText.h"
-#include "expression/Characters.h"
 
 #include <unicode/uchar.h>
 

@@ -7,8 +7,10 @@ namespace {
 
 TEST(ExpressionCheck, tellsWhereAnExpressionIsWrong) {
     for (const char* good : {"", "`Count` > 10", "/*{{BEGIN CONDITIONS\r\n}}END CONDITIONS*/\r\n`Value` == 'a'",
-                             "if isnull(`Value`) then\n   return false\nelse\n   return true\n"})
-        EXPECT_FALSE(FindExpressionError(good)) << good;
+                             "if isnull(`Value`) then\n   return false\nelse\n   return true\n"}) {
+        const ExpressionCheck check = CheckFilterText(good);
+        EXPECT_FALSE(check.error || check.remark) << good;
+    }
     struct Case {
         const char* text;
         int line;
@@ -16,12 +18,20 @@ TEST(ExpressionCheck, tellsWhereAnExpressionIsWrong) {
     };
     for (const Case& each : {Case{" ", 1, 1}, Case{"`Count` > 10 and\n  nofunction(`Value`)", 2, 3},
                              Case{"'Ä€😀' == `Vlaue`", 1, 10}, Case{"lower(`Value`) == 'a\\'", 1, 19}}) {
-        const auto error = FindExpressionError(each.text);
+        const auto error = CheckFilterText(each.text).error;
         ASSERT_TRUE(error) << each.text;
         EXPECT_EQ(each.line, error->line) << each.text;
         EXPECT_EQ(each.column, error->column) << each.text;
         EXPECT_FALSE(error->message.empty());
     }
+}
+
+TEST(ExpressionCheck, remarksOnTextsThatAreComparedWithNumbers) {
+    const ExpressionCheck check = CheckFilterText("`Count` > 1 and\n `Value` > 10");
+    EXPECT_FALSE(check.error);
+    ASSERT_TRUE(check.remark);
+    EXPECT_EQ(check.remark->line, 2);
+    EXPECT_EQ(check.remark->column, 10);
 }
 
 TEST(ExpressionCheck, findsTheNameThatIsBeingWritten) {

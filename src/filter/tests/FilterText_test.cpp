@@ -1,4 +1,3 @@
-#include "filter/Characters.h"
 #include "filter/FilterSummary.h"
 #include "filter/tests/Conditions.h"
 
@@ -132,16 +131,6 @@ TEST(FilterText, TheSummaryIsOneLineThatSaysWhatStays) {
               "not (((Value equal to \"abc\" (case insensitive) OR Value equal to \"d e\" (case insensitive)) AND "
               "Count greater than or equal to 10) OR ((Value is null) OR Value not like \"O'*\"))");
     EXPECT_EQ(FilterSummary("  if `Count` > 1\n\n then return  true "), "if `Count` > 1 then return true");
-}
-
-TEST(Characters, BadBytesCountAndStayInPlace) {
-    EXPECT_EQ(CharacterCount("a\xC3(\xF0\x9F\x98"), 6u);
-    EXPECT_EQ(LowerText("ÀÉ\xC3İSS\xFF"), "àé\xC3iss\xFF");
-    EXPECT_EQ(RepairedText("a\xFFü\xE2\x82"), "a\uFFFDü\uFFFD\uFFFD");
-    EXPECT_EQ(WithoutEnds("é"), "");
-    EXPECT_EQ(WithoutEnds("éx"), "");
-    EXPECT_EQ(WithoutEnds("éxü"), "x");
-    EXPECT_EQ(WithoutEnds("\"\xC3\""), "\xC3");
 }
 
 } // namespace

@@ -303,17 +303,25 @@ void CFilterDlg::CheckExpression() {
     if (!m_model.EditMode())
         return;
     const std::string text = toUtf8(m_box->Text());
-    m_fault = FindExpressionError(text);
-    if (!m_fault) {
+    ExpressionCheck check = CheckFilterText(text);
+    if (check.error) {
+        m_box->MarkError(*check.error);
+        ShowFault(std::move(*check.error), {}, tint::alert(palette()));
+    } else if (check.remark) {
+        ShowFault(std::move(*check.remark), tr("Warning: "), m_error->palette().color(QPalette::WindowText));
+    } else {
         m_error->setText(text.empty() ? tr("An empty expression removes the filter.") : tr("No errors."));
-        return;
     }
-    m_box->MarkError(*m_fault);
-    QString words = toQString(expression::describe(*m_fault)).simplified();
+}
+
+/// In the line below the box, from where a click leads to the place.
+void CFilterDlg::ShowFault(expression::ExpressionError fault, const QString& leadIn, const QColor& color) {
+    QString words = leadIn + toQString(expression::describe(fault)).simplified();
     if (words.size() > kLongestError)
         words = words.left(kLongestError) + QChar(0x2026);
     m_error->setText(QStringLiteral("<a href=\"#\" style=\"color:%1; text-decoration:none\">%2</a>")
-                         .arg(tint::alert(palette()).name(), words.replace(0, 1, words[0].toUpper()).toHtmlEscaped()));
+                         .arg(color.name(), words.replace(0, 1, words[0].toUpper()).toHtmlEscaped()));
+    m_fault = std::move(fault);
 }
 
 void CFilterDlg::PasteFunction() {

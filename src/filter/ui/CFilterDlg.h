@@ -61,6 +61,7 @@ class CFilterDlg final : public QDialog {
     void SwitchEditMode(bool on);
     void BoxEdited();
     void CheckExpression();
+    void ShowFault(expression::ExpressionError fault, const QString& leadIn, const QColor& color);
     void PasteFunction();
     void PasteField();
     void Copy();

@@ -45,16 +45,12 @@ class WaitCursor {
 
 } // namespace
 
-CUGCtrl::CUGCtrl(QWidget* parent) : QTableView(parent), m_model(new GridModel(this)) {
+CUGCtrl::CUGCtrl(QWidget* parent) : QTableView(parent), m_model(new GridModel(this)), m_widths(*this, *m_model) {
     setModel(m_model);
     SetUpView(*this);
     setHorizontalScrollMode(ScrollPerPixel);
     setTabKeyNavigation(false);
     ApplyFont();
-    // A drag is many changes of width and one that is kept.
-    m_keepWidths.setSingleShot(true);
-    m_keepWidths.setInterval(500);
-    connect(&m_keepWidths, &QTimer::timeout, this, &CUGCtrl::KeepDraggedWidths);
     connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this](const QModelIndex& current) { Q_EMIT CurrentRowChanged(current.isValid() ? current.row() : -1); });
 }
@@ -79,10 +75,6 @@ void CUGCtrl::MakeLockedView() {
             [this](const QPoint& at) { ShowMenu(m_locked->viewport()->mapToGlobal(at)); });
     connect(m_locked->verticalScrollBar(), &QScrollBar::valueChanged, verticalScrollBar(), &QScrollBar::setValue);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, m_locked->verticalScrollBar(), &QScrollBar::setValue);
-}
-
-CUGCtrl::~CUGCtrl() {
-    KeepDraggedWidths();
 }
 
 void CUGCtrl::SetUpView(QTableView& view) {
@@ -110,7 +102,7 @@ void CUGCtrl::SetUpView(QTableView& view) {
         if (width > 0 && other && !other->isColumnHidden(column) && other->columnWidth(column) != width)
             other->setColumnWidth(column, width);
         if (width > 0)
-            ColumnDragged(column, width);
+            m_widths.Changed(column, width);
         PlaceLockedView();
     });
 }
@@ -151,19 +143,15 @@ void CUGCtrl::ApplyFont() {
 }
 
 void CUGCtrl::ApplyColumns() {
-    KeepDraggedWidths();
     const int locked = LockedColumns();
     if (locked > 0 && !m_locked)
         MakeLockedView();
-    m_placingColumns = true;
-    for (int column = 0; column < m_model->columnCount(); ++column) {
-        const GridColumn shown = m_model->source()->GetColumn(column);
-        const std::optional<int> dragged = m_widths ? m_widths->Read(shown.heading) : std::nullopt;
-        setColumnWidth(column, Scaled(dragged.value_or(shown.width)));
-        if (m_locked)
+    m_widths.Apply();
+    {
+        const ColumnWidths::Placing placing(m_widths);
+        for (int column = 0; m_locked && column < m_model->columnCount(); ++column)
             m_locked->setColumnHidden(column, column >= locked);
     }
-    m_placingColumns = false;
     m_sortColumn = -1;
     m_sortDescending = false;
     ShowSortArrow();
@@ -178,34 +166,13 @@ void CUGCtrl::ShowSortArrow() {
     }
 }
 
-int CUGCtrl::Scaled(int pixels) const {
-    return pixels * logicalDpiX() / 96;
-}
-
 void CUGCtrl::SetWidthMemory(std::unique_ptr<ColumnWidthMemory> memory) {
-    m_widths = std::move(memory);
+    m_widths.SetMemory(std::move(memory));
     ApplyColumns();
 }
 
-void CUGCtrl::ColumnDragged(int column, int width) {
-    if (m_placingColumns || !m_widths || column >= m_model->columnCount())
-        return;
-    // What takes the room that is left was not dragged.
-    if (horizontalHeader()->sectionResizeMode(column) == QHeaderView::Stretch)
-        return;
-    m_dragged[m_model->source()->GetColumn(column).heading] = width * 96 / logicalDpiX();
-    m_keepWidths.start();
-}
-
-void CUGCtrl::KeepDraggedWidths() {
-    m_keepWidths.stop();
-    for (const auto& [heading, width] : m_dragged)
-        m_widths->Keep(heading, width);
-    m_dragged.clear();
-}
-
 void CUGCtrl::hideEvent(QHideEvent* event) {
-    KeepDraggedWidths();
+    m_widths.Keep();
     QTableView::hideEvent(event);
 }
 
@@ -390,6 +357,7 @@ void CUGCtrl::PlaceLockedView() {
 
 void CUGCtrl::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
+    m_widths.FitToView();
     PlaceLockedView();
 }
 

@@ -1,13 +1,11 @@
 #pragma once
 
 #include "grid/CUGDataSource.h"
-#include "grid/ColumnWidthMemory.h"
+#include "grid/ui/ColumnWidths.h"
 
 #include <QElapsedTimer>
 #include <QTableView>
-#include <QTimer>
 
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,7 +22,6 @@ class CUGCtrl final : public QTableView {
     Q_OBJECT
   public:
     explicit CUGCtrl(QWidget* parent = nullptr);
-    ~CUGCtrl() override;
 
     /// Not owned; must outlive the grid or be taken back with null.
     void SetSource(CUGDataSource* source);
@@ -33,7 +30,7 @@ class CUGCtrl final : public QTableView {
     /// The same for rows that were read anew of what is shown already: they are sorted as the user had them.
     void RowsRefilled();
 
-    /// Where widths that the user drags are kept and found again; may be null. Owned.
+    /// Where widths that the user drags are kept and found again; may be null.
     void SetWidthMemory(std::unique_ptr<ColumnWidthMemory> memory);
 
     /// Whether characters without a mark of their own are drawn as signs. What is copied stays as it is.
@@ -72,17 +69,15 @@ class CUGCtrl final : public QTableView {
     [[nodiscard]] std::vector<QTableView*> Views();
     void ApplyFont();
     void ApplyColumns();
-    void ColumnDragged(int column, int width);
-    void KeepDraggedWidths();
     void PlaceLockedView();
     void ShowSortArrow();
     void ToggleSort(int column);
     void ShowMenu(const QPoint& globalPosition);
     [[nodiscard]] int LockedColumns() const;
     [[nodiscard]] int LockedWidth() const;
-    [[nodiscard]] int Scaled(int pixels) const;
 
     GridModel* m_model;
+    ColumnWidths m_widths;
     QTableView* m_locked = nullptr; ///< the locked columns again, over the scrolled ones; null without any
     int m_sortColumn = -1;
     std::string m_sortHeading; ///< of that column, which may stand elsewhere when rows are read anew
@@ -90,10 +85,6 @@ class CUGCtrl final : public QTableView {
     bool m_showsInvisible = false;
     QString m_typed;
     QElapsedTimer m_sinceTyped;
-    std::unique_ptr<ColumnWidthMemory> m_widths;
-    std::map<std::string, int> m_dragged; ///< by heading, not yet kept
-    QTimer m_keepWidths;
-    bool m_placingColumns = false;
 };
 
 } // namespace tavix

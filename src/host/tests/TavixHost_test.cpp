@@ -1,94 +1,14 @@
-#include "base/tests/TempFolder.h"
-#include "base/ui/QtText.h"
-#include "host/TavixHost.h"
-#include "host/TavixQtWindow.h"
-#include "support/SampleRepository.h"
+#include "host/tests/HostOverSample.h"
 
-#include <QLabel>
-#include <QStackedWidget>
 #include <QTabBar>
-#include <QTableView>
 #include <QTest>
-#include <QTimer>
-#include <QTreeView>
-
-#include <gmock/gmock.h>
 
 #include <stdexcept>
 
 namespace Veldra::Solenne::Tavix {
 namespace {
 
-using tavix::toUtf8;
 using ::testing::ElementsAre;
-
-// Collects the words of every box, so that a test sees the ones that it did not expect as well.
-class RecordedMessages final : public tavix::Messages {
-  public:
-    void warn(std::string_view text, std::string_view) override { texts.emplace_back(text); }
-    Answer ask(std::string_view text, std::string_view, Answer preset) override {
-        texts.emplace_back(text);
-        return preset;
-    }
-    std::unique_ptr<Busy> busy() override { return std::make_unique<Busy>(); }
-    std::vector<std::string> texts;
-};
-
-class PathConnection final : public TavixConnection {
-  public:
-    explicit PathConnection(std::string path) : m_path(std::move(path)) {}
-    std::string GetName() const override { return "Sample"; }
-    std::string GetKind() const override { return "SQLite"; }
-    std::string GetConnectionString() const override { return m_path; }
-
-  private:
-    std::string m_path;
-};
-
-class HostOverSample : public ::testing::Test {
-  protected:
-    HostOverSample()
-        : m_sample(tavix::testing::SampleRepository::build(m_folder.file("sample.tavix"))),
-          m_connection(m_sample.path),
-          m_host(m_messages, tavix::makeMemorySettings()) {
-        m_view = TavixQtWindow::Build(m_host, nullptr);
-        m_view->resize(1200, 700);
-        m_view->show();
-    }
-    ~HostOverSample() override {
-        m_host.Dispose();
-        EXPECT_THAT(m_messages.texts, ElementsAre());
-    }
-
-    bool load() { return m_host.LoadReportForJob("text", m_sample.salesJob, &m_connection); }
-    [[nodiscard]] QTreeView& tree(int page) {
-        return *m_view->findChild<QTreeView*>(QStringLiteral("page%1").arg(page));
-    }
-    [[nodiscard]] bool isShown(const char* name) {
-        const auto* widget = m_view->findChild<QWidget*>(QLatin1String(name));
-        return widget && widget->isVisible();
-    }
-    /// The list of the tab of that name.
-    [[nodiscard]] QTableView& grid(const char* tab = "standardMetrics") {
-        return *m_view->findChild<QWidget*>(QLatin1String(tab))->findChild<QTableView*>();
-    }
-    /// What the report pane shows.
-    [[nodiscard]] QWidget* report() {
-        return m_view->findChild<QStackedWidget*>(QStringLiteral("reportPane"))->currentWidget();
-    }
-    [[nodiscard]] std::string title() {
-        const QWidget* shown = report();
-        return toUtf8(shown->findChild<QLabel*>(QStringLiteral("viewTitle"))->text());
-    }
-    [[nodiscard]] std::string selected(int page) { return toUtf8(tree(page).currentIndex().data().toString()); }
-
-    tavix::testing::TempFolder m_folder;
-    tavix::testing::SampleRepository m_sample;
-    PathConnection m_connection;
-    RecordedMessages m_messages;
-    TavixHost m_host;
-    QWidget* m_view = nullptr;
-};
 
 TEST_F(HostOverSample, reportExistsAsksInASessionOfItsOwn) {
     EXPECT_TRUE(TavixHost::ReportExists(m_sample.salesJob, &m_connection));
@@ -282,115 +202,6 @@ TEST_F(HostOverSample, theSelectedFieldGoesIntoACollection) {
     EXPECT_EQ(0, m_host.AddCurrentFieldToCollection(collection));
     EXPECT_THAT(m_messages.texts, ElementsAre(::testing::StartsWith("Unable to create field collection mapping:")));
     m_messages.texts.clear();
-}
-
-class RecordedSite final : public TavixKeyboardSite {
-  public:
-    void OnNoMoreTabStops(FocusNavigation request) override { requests.push_back(request); }
-    std::vector<FocusNavigation> requests;
-};
-
-NativeMessage key(std::uintptr_t number, std::uint32_t modifiers = NativeModifier::None) {
-    NativeMessage message;
-    message.Message = NativeMessageId::KeyDown;
-    message.WParam = number;
-    message.Modifiers = modifiers;
-    return message;
-}
-
-TEST_F(HostOverSample, tabLeavesAtBothEndsAndNowhereElse) {
-    RecordedSite site;
-    m_host.SetKeyboardSite(&site);
-    ASSERT_TRUE(load());
-    ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
-    ASSERT_TRUE(m_host.TabInto(FocusNavigation::First));
-    ASSERT_TRUE(QTest::qWaitFor([this] { return m_host.HasFocus(); }));
-    EXPECT_TRUE(tree(0).hasFocus());
-    EXPECT_TRUE(m_host.TranslateAccelerator(key(NativeKey::Tab)));
-    EXPECT_FALSE(tree(0).hasFocus());
-    EXPECT_THAT(site.requests, ElementsAre());
-    EXPECT_TRUE(m_host.TranslateAccelerator(key(NativeKey::Tab, NativeModifier::Shift)));
-    EXPECT_TRUE(tree(0).hasFocus());
-    EXPECT_THAT(site.requests, ElementsAre());
-    EXPECT_TRUE(m_host.TranslateAccelerator(key(NativeKey::Tab, NativeModifier::Shift)));
-    EXPECT_THAT(site.requests, ElementsAre(FocusNavigation::Previous));
-
-    ASSERT_TRUE(m_host.TabInto(FocusNavigation::Last));
-    EXPECT_FALSE(tree(0).hasFocus());
-    EXPECT_TRUE(m_host.TranslateAccelerator(key(NativeKey::Tab)));
-    EXPECT_THAT(site.requests, ElementsAre(FocusNavigation::Previous, FocusNavigation::Next));
-    m_host.SetKeyboardSite(nullptr);
-    m_host.TranslateAccelerator(key(NativeKey::Tab));
-    EXPECT_EQ(2U, site.requests.size());
-}
-
-TEST_F(HostOverSample, keysOfAShellReachShortcutsToo) {
-    ASSERT_TRUE(load());
-    ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
-    ASSERT_TRUE(m_host.TabInto(FocusNavigation::First));
-    ASSERT_TRUE(QTest::qWaitFor([this] { return m_host.HasFocus(); }));
-    report()->findChild<QTabBar*>(QStringLiteral("tabStrip"))->setCurrentIndex(5);
-    grid("tableNotes").setFocus();
-    QString opened;
-    QTimer::singleShot(0, qApp, [&opened] {
-        if (QWidget* dialog = QApplication::activeModalWidget()) {
-            opened = dialog->metaObject()->className();
-            dialog->close();
-        }
-    });
-    EXPECT_TRUE(m_host.TranslateAccelerator(key(NativeKey::Insert)));
-    EXPECT_EQ("tavix::CNoteDlg", toUtf8(opened));
-}
-
-TEST_F(HostOverSample, messagesReachTheControlThatHasTheKeyboard) {
-    ASSERT_TRUE(load());
-    ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
-    m_host.SetInternalFocus();
-    EXPECT_TRUE(m_host.TranslateAccelerator(key(NativeKey::Right)));
-    EXPECT_TRUE(m_host.ConvertMessage(key(NativeKey::Down)));
-    EXPECT_NE("customers", selected(0));
-    EXPECT_FALSE(m_host.ConvertMessage(key(0)));
-    EXPECT_FALSE(m_host.ConvertMessage(key(0xffffffff)));
-    NativeMessage up = key(NativeKey::Down);
-    up.Message = NativeMessageId::KeyUp;
-    EXPECT_FALSE(m_host.TranslateAccelerator(up));
-
-    NativeMessage message;
-    message.Message = 32771;
-    EXPECT_TRUE(m_host.WndProc(message));
-    EXPECT_NE(0, message.Result);
-    message = {.Message = NativeMessageId::Size, .LParam = (480 << 16) | 640};
-    EXPECT_TRUE(m_host.WndProc(message));
-    EXPECT_EQ(QSize(640, 480), m_view->size());
-    message = {.Message = NativeMessageId::Command, .WParam = 57600};
-    EXPECT_TRUE(m_host.WndProc(message));
-    EXPECT_FALSE(m_host.HasReport());
-    message = {.Message = 1};
-    EXPECT_FALSE(m_host.WndProc(message));
-}
-
-TEST_F(HostOverSample, privateMessagesAskForTheLastStopAndCloseTheInformation) {
-    const auto send = [this](std::uint32_t number) {
-        NativeMessage message;
-        message.Message = number;
-        EXPECT_TRUE(m_host.WndProc(message));
-        return message.Result;
-    };
-    EXPECT_EQ(0, send(32771)) << "nothing is open";
-    ASSERT_TRUE(load());
-    ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
-    auto& strip = *report()->findChild<QTabBar*>(QStringLiteral("tabStrip"));
-    for (int tab = 0; tab < strip.count(); ++tab) {
-        strip.setCurrentIndex(tab);
-        EXPECT_NE(0, send(32771)) << tab;
-    }
-    EXPECT_EQ(0, send(32772)) << "nothing to close is no failure";
-    EXPECT_FALSE(isShown("tableInformation"));
-    ASSERT_TRUE(m_host.ExecuteCommand(32810));
-    ASSERT_TRUE(isShown("tableInformation"));
-    send(32772);
-    EXPECT_FALSE(isShown("tableInformation"));
-    EXPECT_FALSE(m_host.ExecuteUpdateUICommand(32810).Checked);
 }
 
 TEST_F(HostOverSample, withoutAWindowEveryOperationAnswersAndDoesNothing) {

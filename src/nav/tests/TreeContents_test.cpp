@@ -1,9 +1,7 @@
-#include "access/PrViewer.h"
-#include "base/tests/TempFolder.h"
 #include "nav/CollectionRefresh.h"
 #include "nav/TreeContents.h"
 #include "support/RunScript.h"
-#include "support/SampleRepository.h"
+#include "support/SampleViewer.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -25,21 +23,14 @@ std::string shown(TreeContents& contents, TreeNode& node, int depth, int level =
     return text;
 }
 
-class TreeContentsOfSample : public ::testing::Test {
+class TreeContentsOfSample : public testing::SampleViewer {
   protected:
     void SetUp() override {
-        m_sample = testing::SampleRepository::build(m_folder.file("sample.tavix"));
-        m_viewer = PrViewer::create();
-        ASSERT_TRUE(m_viewer->init(m_sample.path));
-        ASSERT_TRUE(m_viewer->setCurrentJobSetup(m_sample.salesJob));
+        ASSERT_NO_FATAL_FAILURE(SampleViewer::SetUp());
         m_tables.Reset(m_viewer.get());
         m_collections.Reset(m_viewer.get());
     }
-    void TearDown() override { m_viewer->close(); }
 
-    testing::TempFolder m_folder;
-    testing::SampleRepository m_sample;
-    PrViewer::Handle m_viewer;
     TreeContents m_tables{NavigatorPage::Tables};
     TreeContents m_collections{NavigatorPage::Collections};
 };

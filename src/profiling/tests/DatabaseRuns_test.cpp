@@ -1,7 +1,6 @@
-#include "base/tests/TempFolder.h"
 #include "profiling/Databases.h"
 #include "profiling/JobRunner.h"
-#include "sql/Connection.h"
+#include "profiling/tests/StoredRuns.h"
 #include "support/PostgresServer.h"
 
 #include <gmock/gmock.h>
@@ -82,7 +81,7 @@ std::optional<source::Credentials> credentials(const std::string& source, const 
     return source::Credentials{PostgresServer::kUser, PostgresServer::kPassword};
 }
 
-class DatabaseRuns : public ::testing::Test {
+class DatabaseRuns : public tavix::testing::StoredRuns {
   protected:
     DatabaseRuns() { world(); }
 
@@ -105,23 +104,6 @@ class DatabaseRuns : public ::testing::Test {
         return m_outcome ? std::string() : m_outcome.error().text;
     }
     std::string run(const std::string& tables) { return run(job(tables)); }
-    /// The rows of a query over the stored repository, cells parted by '|'.
-    std::string stored(const std::string& query) {
-        auto connection = sql::Connection::openFile(m_repository, sql::OpenMode::Read);
-        if (!connection)
-            return connection.error().text;
-        auto statement = (*connection)->prepare(query);
-        if (!statement)
-            return statement.error().text;
-        std::string out;
-        while (statement->step() == sql::Step::Row) {
-            for (int c = 0; c < statement->columnCount(); ++c)
-                out += std::string(c == 0 ? "" : "|") +
-                       (statement->isNull(c) ? std::string("NULL") : std::string(statement->text(c)));
-            out += "\n";
-        }
-        return out;
-    }
     /// Everything that a run found out about the fields of a table, and nothing of where it came from.
     std::string figures(const std::string& table) {
         const std::string of = " WHERE f.table_id = (SELECT table_id FROM v_tables WHERE coalesce(nullif(object_name, "
@@ -141,8 +123,6 @@ class DatabaseRuns : public ::testing::Test {
                       of + " ORDER BY f.id, d.kind, d.block");
     }
 
-    TempFolder m_folder;
-    std::string m_repository = m_folder.file("r.tavix");
     Result<RunOutcome> m_outcome = Error{"no run"};
 };
 

@@ -1,5 +1,5 @@
-#include "base/tests/TempFolder.h"
 #include "profiling/JobRunner.h"
+#include "profiling/tests/StoredRuns.h"
 #include "sql/Connection.h"
 
 #include <gmock/gmock.h>
@@ -7,7 +7,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,33 +14,9 @@
 namespace tavix::profiling {
 namespace {
 
-class RunJob : public ::testing::Test {
+class RunJob : public testing::StoredRuns {
   protected:
-    std::string write(const std::string& name, std::string_view content) {
-        std::ofstream(m_folder.file(name), std::ios::binary) << content;
-        return m_folder.file(name);
-    }
     JobDescription job(std::vector<std::string> files) { return *describeFiles(files, "Job"); }
-
-    /// The rows of a query over the stored repository, cells parted by '|'.
-    std::string stored(std::string_view query) {
-        auto connection = sql::Connection::openFile(m_repository, sql::OpenMode::Read);
-        if (!connection)
-            return connection.error().text;
-        auto statement = (*connection)->prepare(query);
-        if (!statement)
-            return statement.error().text;
-        std::string out;
-        while (statement->step() == sql::Step::Row) {
-            for (int c = 0; c < statement->columnCount(); ++c)
-                out += std::string(c == 0 ? "" : "|") + std::string(statement->text(c));
-            out += "\n";
-        }
-        return out;
-    }
-
-    testing::TempFolder m_folder;
-    std::string m_repository = m_folder.file("r.tavix");
 };
 
 class FixedClock final : public Clock {

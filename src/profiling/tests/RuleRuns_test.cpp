@@ -1,6 +1,5 @@
-#include "base/tests/TempFolder.h"
 #include "profiling/JobRunner.h"
-#include "sql/Connection.h"
+#include "profiling/tests/StoredRuns.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -17,7 +16,7 @@
 namespace tavix::profiling {
 namespace {
 
-class RuleRuns : public ::testing::Test {
+class RuleRuns : public testing::StoredRuns {
   protected:
     Result<RunOutcome> run(std::string_view yaml) {
         std::ofstream(m_job, std::ios::binary) << yaml;
@@ -28,30 +27,8 @@ class RuleRuns : public ::testing::Test {
             return status.error();
         return runJob(*job, m_repository);
     }
-    void write(const std::string& name, std::string_view content) {
-        std::ofstream(m_folder.file(name), std::ios::binary) << content;
-    }
-    /// The rows of a query over the stored repository, cells parted by '|'.
-    std::string stored(std::string_view query) {
-        auto connection = sql::Connection::openFile(m_repository, sql::OpenMode::Read);
-        if (!connection)
-            return connection.error().text;
-        auto statement = (*connection)->prepare(query);
-        if (!statement)
-            return statement.error().text;
-        std::string out;
-        while (statement->step() == sql::Step::Row) {
-            for (int c = 0; c < statement->columnCount(); ++c)
-                out += std::string(c == 0 ? "" : "|") +
-                       (statement->isNull(c) ? std::string("NULL") : std::string(statement->text(c)));
-            out += "\n";
-        }
-        return out;
-    }
     double number(std::string_view query) { return std::stod(stored(query)); }
 
-    testing::TempFolder m_folder;
-    std::string m_repository = m_folder.file("r.tavix");
     std::string m_job = m_folder.file("job.yaml");
 };
 

@@ -1,7 +1,6 @@
-#include "base/tests/TempFolder.h"
 #include "profiling/FileInspection.h"
 #include "profiling/JobRunner.h"
-#include "sql/Connection.h"
+#include "profiling/tests/StoredRuns.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,12 +20,8 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 
 /// Jobs over files that lie in a folder of their own.
-class TextSources : public ::testing::Test {
+class TextSources : public tavix::testing::StoredRuns {
   protected:
-    std::string write(const std::string& name, std::string_view content) {
-        std::ofstream(m_folder.file(name), std::ios::binary) << content;
-        return m_folder.file(name);
-    }
     Result<JobDescription> read(const std::string& tables) {
         return readJobFile(write("job.yaml", "job: j\ntables:\n" + tables));
     }
@@ -48,23 +43,6 @@ class TextSources : public ::testing::Test {
         EXPECT_TRUE(outcome.ok()) << outcome.error().text;
         return outcome ? *outcome : RunOutcome();
     }
-    /// The rows of a query, cells parted by '|'.
-    std::string stored(std::string_view query) {
-        auto connection = sql::Connection::openFile(m_repository, sql::OpenMode::Read);
-        if (!connection)
-            return connection.error().text;
-        auto statement = (*connection)->prepare(query);
-        if (!statement)
-            return statement.error().text;
-        std::string out;
-        while (statement->step() == sql::Step::Row)
-            for (int c = 0; c < statement->columnCount(); ++c)
-                out += std::string(statement->text(c)) + (c + 1 == statement->columnCount() ? "\n" : "|");
-        return out;
-    }
-
-    testing::TempFolder m_folder;
-    std::string m_repository = m_folder.file("r.tavix");
 };
 
 TEST_F(TextSources, APatternMakesATableOfEachFileInTheOrderOfTheirNames) {

@@ -3,6 +3,7 @@
 #include "repository/RunDeletion.h"
 #include "repository/RunWriter.h"
 #include "repository/Schema.h"
+#include "sql/tests/StoredRows.h"
 
 #include <gtest/gtest.h>
 
@@ -11,23 +12,7 @@
 namespace tavix::repository {
 namespace {
 
-/// The rows of a query, cells parted by '|'.
-std::string ask(const std::string& path, std::string_view sql) {
-    auto connection = sql::Connection::openFile(path, sql::OpenMode::Read);
-    if (!connection)
-        return connection.error().text;
-    auto statement = (*connection)->prepare(sql);
-    if (!statement)
-        return statement.error().text;
-    std::string out;
-    while (statement->step() == sql::Step::Row) {
-        for (int c = 0; c < statement->columnCount(); ++c)
-            out += std::string(c == 0 ? "" : "|") +
-                   (statement->isNull(c) ? std::string("NULL") : std::string(statement->text(c)));
-        out += "\n";
-    }
-    return out;
-}
+using testing::storedRows;
 
 class RuleStore : public ::testing::Test {
   protected:
@@ -67,15 +52,16 @@ TEST_F(RuleStore, RunsShareTheIdentityAndKeepTheirFigures) {
         ASSERT_TRUE(writer->addBusinessRule(m_table, sampleRule()));
         ASSERT_TRUE(writer->commit({}));
     }
-    EXPECT_EQ(ask(m_path, "SELECT run, metric_key, metric, output_name, kind, figure, expression, value, used_rows, "
-                          "error_rows FROM v_custom_metrics WHERE table_name = 't' ORDER BY run, metric_key"),
+    EXPECT_EQ(storedRows(m_path,
+                         "SELECT run, metric_key, metric, output_name, kind, figure, expression, value, used_rows, "
+                         "error_rows FROM v_custom_metrics WHERE table_name = 't' ORDER BY run, metric_key"),
               "1|M1|Sum|total|rows|sum|`x` * 2|12.5|9|1\n1|M2|Ratio|Ratio|metrics|metric|`x:Mean`|NULL|NULL|0\n"
               "2|M1|Sum|total|rows|sum|`x` * 2|25.0|9|1\n2|M2|Ratio|Ratio|metrics|metric|`x:Mean`|NULL|NULL|0\n");
-    EXPECT_EQ(ask(m_path, "SELECT run, rule_key, rule, condition, checked_rows, failed_rows, failed_percent, "
-                          "error_rows, logged_rows FROM v_business_rules"),
+    EXPECT_EQ(storedRows(m_path, "SELECT run, rule_key, rule, condition, checked_rows, failed_rows, failed_percent, "
+                                 "error_rows, logged_rows FROM v_business_rules"),
               "1|B1|Positive|`x` > 0|10|3|30.0|1|2\n2|B1|Positive|`x` > 0|10|3|30.0|1|2\n");
-    EXPECT_EQ(ask(m_path, "SELECT position, record, json_extract(columns, '$[0]'), \"values\" FROM v_rule_rows "
-                          "WHERE run = 2"),
+    EXPECT_EQ(storedRows(m_path, "SELECT position, record, json_extract(columns, '$[0]'), \"values\" FROM v_rule_rows "
+                                 "WHERE run = 2"),
               "0|2|id|[\"a\\\"\\n\",null]\n1|7|id|[\"\",\"\u00E4\"]\n");
     const std::vector<KvbString> expected = {"a\"\n", KvbString()};
     EXPECT_EQ(*readTextList(R"(["a\"\n",null])"), expected);
@@ -87,8 +73,8 @@ TEST_F(RuleStore, RunsShareTheIdentityAndKeepTheirFigures) {
     }
     for (const char* table : {"run_custom_metric", "custom_metric_input", "run_rule", "rule_input", "rule_row"}) {
         const std::string count = "SELECT count(*) FROM " + std::string(table);
-        EXPECT_EQ(ask(m_path, count + " WHERE run = 1"), "0\n") << table;
-        EXPECT_NE(ask(m_path, count + " WHERE run = 2"), "0\n") << table;
+        EXPECT_EQ(storedRows(m_path, count + " WHERE run = 1"), "0\n") << table;
+        EXPECT_NE(storedRows(m_path, count + " WHERE run = 2"), "0\n") << table;
     }
 }
 
@@ -124,15 +110,15 @@ TEST_F(RuleStore, AVersion1FileIsReadAsItIsAndBroughtUpToDateByTheNextRun) {
                                   "'')"));
     }
     ASSERT_TRUE(openRepository(m_path, sql::OpenMode::Read));
-    EXPECT_EQ(ask(m_path, "PRAGMA user_version"), "1\n");
+    EXPECT_EQ(storedRows(m_path, "PRAGMA user_version"), "1\n");
     auto writer = begin();
     EXPECT_EQ(m_table, 1) << "the table that was there";
     ASSERT_TRUE(writer->addBusinessRule(m_table, sampleRule()));
     ASSERT_TRUE(writer->commit({}));
-    EXPECT_EQ(ask(m_path, "PRAGMA user_version"), std::to_string(schemaSteps().size()) + "\n");
-    EXPECT_EQ(ask(m_path, "SELECT run, total_records FROM v_tables"), "1|5\n2|0\n");
-    EXPECT_EQ(ask(m_path, "SELECT run, failed_rows FROM v_business_rules"), "2|3\n");
-    EXPECT_EQ(ask(m_path, "SELECT * FROM pragma_foreign_key_check"), "");
+    EXPECT_EQ(storedRows(m_path, "PRAGMA user_version"), std::to_string(schemaSteps().size()) + "\n");
+    EXPECT_EQ(storedRows(m_path, "SELECT run, total_records FROM v_tables"), "1|5\n2|0\n");
+    EXPECT_EQ(storedRows(m_path, "SELECT run, failed_rows FROM v_business_rules"), "2|3\n");
+    EXPECT_EQ(storedRows(m_path, "SELECT * FROM pragma_foreign_key_check"), "");
 }
 
 } // namespace

@@ -1,10 +1,10 @@
 #include "support/RunScript.h"
+#include "support/SampleViewer.h"
 #include "tabs/ColProfRows.h"
 #include "tabs/OutlierRows.h"
 #include "tabs/PercentileRows.h"
 #include "tabs/PkFkRows.h"
 #include "tabs/tests/RowsText.h"
-#include "tabs/tests/SampleViewer.h"
 
 #include <gmock/gmock.h>
 

@@ -1,8 +1,6 @@
-#include "access/PrViewer.h"
 #include "base/Metrics.h"
-#include "base/tests/TempFolder.h"
 #include "support/RunScript.h"
-#include "support/SampleRepository.h"
+#include "support/SampleViewer.h"
 #include "tabs/StdMetRows.h"
 
 #include <fmt/format.h>
@@ -53,24 +51,17 @@ std::string headings(const StdMetRows& rows) {
     return text;
 }
 
-class StdMetRowsOfSample : public ::testing::Test {
+class StdMetRowsOfSample : public testing::SampleViewer {
   protected:
     void SetUp() override {
-        m_sample = testing::SampleRepository::build(m_folder.file("sample.tavix"));
-        m_viewer = PrViewer::create();
-        ASSERT_TRUE(m_viewer->init(m_sample.path));
-        ASSERT_TRUE(m_viewer->setCurrentJobSetup(m_sample.salesJob));
+        ASSERT_NO_FATAL_FAILURE(SampleViewer::SetUp());
         m_customers.kind = ReportSelection::Kind::Table;
         m_customers.table.id = m_sample.tables.at("customers");
         m_customers.table.name = "customers";
         m_keys.kind = ReportSelection::Kind::Collection;
         m_keys.id = m_sample.collections.at("Customer keys");
     }
-    void TearDown() override { m_viewer->close(); }
 
-    testing::TempFolder m_folder;
-    testing::SampleRepository m_sample;
-    PrViewer::Handle m_viewer;
     ReportSelection m_customers;
     ReportSelection m_keys;
     StdMetRows m_rows;

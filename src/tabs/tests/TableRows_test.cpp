@@ -1,9 +1,9 @@
 #include "support/RunScript.h"
+#include "support/SampleViewer.h"
 #include "tabs/CAlertDisplayHelper.h"
 #include "tabs/ChartRows.h"
 #include "tabs/TableAlertRows.h"
 #include "tabs/tests/RowsText.h"
-#include "tabs/tests/SampleViewer.h"
 
 #include <gmock/gmock.h>
 

@@ -76,6 +76,16 @@ void CListTab::TakeRows(std::unique_ptr<ListRows> rows) {
     m_rows = std::move(rows);
 }
 
+bool CListTab::RefillsOn(RefreshHint hint) const {
+    return hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded || hint == RefreshHint::OptionsChanged;
+}
+
+std::string CListTab::ObstacleOfCollection(const char* what) const {
+    if (Subject().table.id != -1)
+        return {};
+    return "A collection has no " + std::string(what) + " of its own; its tables may have some.";
+}
+
 void CListTab::Fill(bool isSameObject) {
     if (!m_rows)
         return;

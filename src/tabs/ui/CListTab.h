@@ -36,6 +36,7 @@ class CListTab : public CProfTab {
         return kept;
     }
     [[nodiscard]] CUGCtrl& Grid() const { return *m_grid; }
+    [[nodiscard]] std::int64_t GetRowCount() const { return m_rows ? m_rows->GetRowCount() : 0; }
     /// Puts a widget above the list, and before it for the Tab key. It becomes the tab's.
     void AddAbove(QWidget& widget);
 
@@ -43,9 +44,13 @@ class CListTab : public CProfTab {
     /// becomes the tab's.
     void AddBelow(QWidget& widget, QWidget* last);
 
+    /// The report, the run or the options have become others.
+    [[nodiscard]] bool RefillsOn(RefreshHint hint) const override;
     void Fill(bool isSameObject) final;
     /// Why there is nothing to read for the subject; "" when there is.
     [[nodiscard]] virtual std::string GetObstacle() const = 0;
+    /// For lists that only tables have: that a collection has no `what`; "" when the subject is a table.
+    [[nodiscard]] std::string ObstacleOfCollection(const char* what) const;
     /// Fills the rows anew; false, with the rows as they were, when the repository fails.
     virtual bool FillRows(PrViewer& viewer) = 0;
     /// Called after each filling.

@@ -7,12 +7,8 @@ namespace tavix {
 CTabAlerts::CTabAlerts(CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent)
     : CListTab("Alerts", site, subject, isTornOff, parent), m_rows(ShowRows(std::make_unique<TableAlertRows>())) {}
 
-bool CTabAlerts::RefillsOn(RefreshHint hint) const {
-    return hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded || hint == RefreshHint::OptionsChanged;
-}
-
 std::string CTabAlerts::GetObstacle() const {
-    return Subject().table.id != -1 ? "" : "A collection has no alerts of its own; its tables may have some.";
+    return ObstacleOfCollection("alerts");
 }
 
 bool CTabAlerts::FillRows(PrViewer& viewer) {

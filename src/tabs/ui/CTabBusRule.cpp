@@ -1,7 +1,6 @@
 #include "tabs/ui/CTabBusRule.h"
 
 #include "base/LibraryDate.h"
-#include "doc/CTavixDoc.h"
 #include "doc/CountText.h"
 #include "grid/ui/CUGCtrl.h"
 #include "tabs/ui/LowerLists.h"
@@ -12,7 +11,7 @@ namespace tavix {
 
 namespace {
 
-constexpr std::size_t kHistory = 0;
+/// The place of the list of rows among those below.
 constexpr std::size_t kLog = 1;
 constexpr const char* kLogHeading = "Rows that violate the rule";
 
@@ -29,45 +28,23 @@ std::string logHeading(const BusinessRuleRows::Rule& rule) {
 } // namespace
 
 CTabBusRule::CTabBusRule(CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent)
-    : CListTab("Business Rules", site, subject, isTornOff, parent),
+    : CListWithDetails("Business Rules", {"History of the rule", kLogHeading}, site, subject, isTornOff, parent),
       m_rows(ShowRows(std::make_unique<BusinessRuleRows>())),
-      m_history(userLocale()),
-      m_lower(new LowerLists({"History of the rule", kLogHeading})),
+      m_history(ShowBelow(std::make_unique<BusinessRuleHistoryRows>(userLocale()))),
+      m_log(ShowBelow(std::make_unique<RuleLogRows>())),
       m_drill(site, *this),
       m_drillThrough(m_drill.MakeAction()) {
-    m_lower->Grid(kHistory).SetSource(&m_history);
-    m_lower->Grid(kLog).SetSource(&m_log);
-    AddBelow(*m_lower, &m_lower->Grid(kLog));
     Grid().addAction(m_drillThrough);
     connect(m_drillThrough, &QAction::triggered, this, &CTabBusRule::OnDrillThrough);
     connect(&Grid(), &CUGCtrl::RowActivated, this, &CTabBusRule::OnDrillThrough);
-    connect(&Grid(), &CUGCtrl::CurrentRowChanged, this, &CTabBusRule::ShowDetails);
-}
-
-// The grids must not ask for rows while they are torn down.
-CTabBusRule::~CTabBusRule() {
-    Grid().disconnect(this);
-    for (const std::size_t list : {kHistory, kLog})
-        m_lower->Grid(list).SetSource(nullptr);
-}
-
-bool CTabBusRule::RefillsOn(RefreshHint hint) const {
-    return hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded || hint == RefreshHint::OptionsChanged;
 }
 
 std::string CTabBusRule::GetObstacle() const {
-    return Subject().table.id != -1 ? "" : "A collection has no business rules of its own; its tables may have some.";
+    return ObstacleOfCollection("business rules");
 }
 
 bool CTabBusRule::FillRows(PrViewer& viewer) {
     return m_rows.Fill(viewer, Subject().table.id);
-}
-
-void CTabBusRule::RowsChanged() {
-    m_lower->SetListFont(Grid().font());
-    if (Grid().GetCurrentRow() < 0)
-        Grid().SelectRow(0);
-    ShowDetails(Grid().GetCurrentRow());
 }
 
 bool CTabBusRule::CanDrillThrough() const {
@@ -82,23 +59,19 @@ void CTabBusRule::OnDrillThrough() {
     m_drill.OpenRule(m_rows.GetRule(row), m_rows.GetCell(0, row).text);
 }
 
-void CTabBusRule::ShowDetails(std::int64_t row) {
+void CTabBusRule::FillDetails(PrViewer& viewer, std::int64_t row) {
+    const BusinessRuleRows::Rule& rule = m_rows.GetRule(row);
+    if (!m_history.Fill(viewer, rule.key))
+        WarnSoon(m_history.GetErrorText());
+    if (!m_log.Fill(viewer, rule.id))
+        WarnSoon(m_log.GetErrorText());
+    Lower().SetHeading(kLog, logHeading(rule));
     m_drillThrough->setEnabled(CanDrillThrough());
-    PrViewer* viewer = Site().GetTavixDoc().GetViewer();
-    m_lower->SetHeading(kLog, kLogHeading);
-    if (!viewer || row < 0 || row >= m_rows.GetRowCount()) {
-        m_history.Clear();
-        m_log.Clear();
-    } else {
-        const BusinessRuleRows::Rule& rule = m_rows.GetRule(row);
-        if (!m_history.Fill(*viewer, rule.key))
-            WarnSoon(m_history.GetErrorText());
-        if (!m_log.Fill(*viewer, rule.id))
-            WarnSoon(m_log.GetErrorText());
-        m_lower->SetHeading(kLog, logHeading(rule));
-    }
-    m_lower->Grid(kHistory).SourceChanged();
-    m_lower->Grid(kLog).SourceChanged();
+}
+
+void CTabBusRule::NoDetails() {
+    Lower().SetHeading(kLog, kLogHeading);
+    m_drillThrough->setEnabled(false);
 }
 
 } // namespace tavix

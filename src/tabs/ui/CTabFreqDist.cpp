@@ -152,7 +152,7 @@ void CTabFreqDist::FilterToSelected(ValueChoice choice) {
     if (!filter)
         return messages.warn(filter.error().text);
     // More values than an expression can name, for example.
-    if (const auto error = FindExpressionError(*filter))
+    if (const auto error = CheckFilterText(*filter).error)
         return messages.warn("These values cannot be filtered:\n\n" + error->message);
     SetFilter(Subject().field->id, std::move(*filter));
 }
@@ -180,8 +180,7 @@ void CTabFreqDist::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter
 }
 
 bool CTabFreqDist::RefillsOn(RefreshHint hint) const {
-    return hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded ||
-           hint == RefreshHint::OptionsChanged || hint == RefreshHint::TaskListLost;
+    return CListTab::RefillsOn(hint) || hint == RefreshHint::TaskListLost;
 }
 
 std::string CTabFreqDist::GetObstacle() const {

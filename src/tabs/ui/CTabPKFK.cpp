@@ -8,10 +8,6 @@ CTabPKFK::CTabPKFK(CViewSite& site, const ReportSubject& subject, bool isTornOff
     : CListTab("Primary Key/Foreign Key Analyses", site, subject, isTornOff, parent),
       m_rows(ShowRows(std::make_unique<PkFkRows>())) {}
 
-bool CTabPKFK::RefillsOn(RefreshHint hint) const {
-    return hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded || hint == RefreshHint::OptionsChanged;
-}
-
 std::string CTabPKFK::GetObstacle() const {
     return Subject().selection.fieldId != -1 ? "" : "No field is selected.";
 }

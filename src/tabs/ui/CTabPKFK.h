@@ -13,7 +13,6 @@ class CTabPKFK final : public CListTab {
     CTabPKFK(CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent = nullptr);
 
   protected:
-    [[nodiscard]] bool RefillsOn(RefreshHint hint) const override;
     [[nodiscard]] std::string GetObstacle() const override;
     bool FillRows(PrViewer& viewer) override;
 

@@ -13,7 +13,6 @@ class CTabTblVis final : public CListTab {
     CTabTblVis(CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent = nullptr);
 
   protected:
-    [[nodiscard]] bool RefillsOn(RefreshHint hint) const override;
     [[nodiscard]] std::string GetObstacle() const override;
     bool FillRows(PrViewer& viewer) override;
 

@@ -1,5 +1,6 @@
 #include "tabs/ui/DrillThrough.h"
 
+#include "base/Characters.h"
 #include "base/GenException.h"
 #include "doc/CTavixDoc.h"
 #include "doc/CountText.h"
@@ -18,16 +19,8 @@ namespace tavix {
 
 namespace {
 
-// A value in a heading; the rows themselves show all of it.
-std::string shortened(std::string_view text) {
-    constexpr std::size_t kMost = 200;
-    if (text.size() <= kMost)
-        return std::string(text);
-    std::size_t end = kMost;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80)
-        --end;
-    return std::string(text.substr(0, end)) + "\u2026";
-}
+// Of a value in a heading; the rows themselves show all of it.
+constexpr std::size_t kMostInHeading = 200;
 
 bool isSample(const TableIdentity& table) {
     return table.kind != 'D' && table.processedRecords >= 0 && table.processedRecords != table.totalRecords;
@@ -79,12 +72,12 @@ QAction* DrillThrough::MakeAction() const {
 
 void DrillThrough::OpenValue(const ReportSubject& subject, const KvbString& value, DrillOrigin origin) const {
     OpenRows(subject, value, false, origin,
-             value.isNull() ? std::string(kNullValue) : "\u201C" + shortened(value.view()) + "\u201D");
+             value.isNull() ? std::string(kNullValue) : "\u201C" + shortened(value.view(), kMostInHeading) + "\u201D");
 }
 
 void DrillThrough::OpenPattern(const ReportSubject& subject, const KvbString& pattern) const {
     OpenRows(subject, pattern, true, DrillOrigin::PatternFrequency,
-             "pattern \u201C" + shortened(pattern.view()) + "\u201D");
+             "pattern \u201C" + shortened(pattern.view(), kMostInHeading) + "\u201D");
 }
 
 void DrillThrough::OpenRows(const ReportSubject& subject, const KvbString& value, bool isPattern, DrillOrigin origin,

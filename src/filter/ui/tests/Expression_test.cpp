@@ -100,8 +100,16 @@ TEST_F(EditMode, tellsWhatIsWrongAndGoesThere) {
     EXPECT_EQ("Line 1, column 8: there is no field `&lt;b&gt;`", errorLine(before));
     EXPECT_EQ("`", toUtf8(box().extraSelections()[0].cursor.selectedText()));
     const std::string second = toUtf8(line.text());
+    box().setPlainText(QStringLiteral("`Count` > 1 and `Value` > 10"));
+    EXPECT_EQ("Warning: line 1, column 25: this compares texts, among which '9' stands behind '10'; to compare numbers "
+              "write tonumber(`Value`)",
+              errorLine(second));
+    EXPECT_TRUE(box().extraSelections().isEmpty()) << "it is no mistake";
+    Q_EMIT line.linkActivated(QStringLiteral("#"));
+    EXPECT_EQ(24, box().textCursor().positionInBlock());
+    const std::string third = toUtf8(line.text());
     box().clear();
-    EXPECT_EQ("An empty expression removes the filter.", errorLine(second));
+    EXPECT_EQ("An empty expression removes the filter.", errorLine(third));
     EXPECT_TRUE(box().extraSelections().isEmpty());
 }
 

@@ -212,6 +212,42 @@ TEST(CUGCtrl, widthsAreTheSourcesUntilTheUserDragsThemAndThenRemembered) {
     EXPECT_EQ(200, again.columnWidth(2));
 }
 
+// The second column takes the room that is left.
+class WithRest : public Rows {
+  public:
+    WithRest() : Rows(2) {}
+    GridColumn GetColumn(int column) const override {
+        GridColumn heading = Rows::GetColumn(column);
+        heading.takesRest = column == 1;
+        return heading;
+    }
+};
+
+TEST(CUGCtrl, aColumnTakesTheRoomThatIsLeftUntilItIsDragged) {
+    std::map<std::string, int> kept;
+    WithRest rows;
+    {
+        CUGCtrl grid;
+        grid.SetWidthMemory(std::make_unique<Memory>(kept));
+        grid.SetSource(&rows);
+        grid.resize(800, 300);
+        grid.show();
+        EXPECT_EQ(800 - 2 * 130, grid.columnWidth(1));
+        grid.resize(300, 300);
+        EXPECT_EQ(130, grid.columnWidth(1)) << "never narrower than its own width";
+        grid.resize(700, 300);
+        grid.setColumnWidth(2, 140);
+        EXPECT_EQ(700 - 2 * 130, grid.columnWidth(1)) << "while another is dragged it stays";
+        grid.SourceChanged();
+        EXPECT_EQ(700 - 130 - 140, grid.columnWidth(1));
+        EXPECT_THAT(kept, testing::ElementsAre(testing::Pair("H2", 140)));
+        grid.setColumnWidth(1, 200);
+        grid.resize(900, 300);
+        EXPECT_EQ(200, grid.columnWidth(1));
+    }
+    EXPECT_EQ(200, kept["H1"]);
+}
+
 // Three rows: a figure with half a bar, a text with blanks around it, a null value.
 class Drawn : public Rows {
   public:

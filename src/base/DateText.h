@@ -5,8 +5,9 @@
 #include <string>
 #include <string_view>
 
-/// Dates as units of 100 ns since 1970-01-01 00:00 UTC, from the year 1 to the year 9999.
-namespace tavix::expression {
+/// Dates as units of 100 ns since 1970-01-01 00:00 UTC, from the year 1 to the year 9999: what a value has to look like
+/// to be one, for profiling as for expressions (docs/definitions.md).
+namespace tavix {
 
 inline constexpr std::int64_t kTicksPerSecond = 10'000'000;
 inline constexpr std::int64_t kTicksPerDay = 86'400 * kTicksPerSecond;
@@ -30,4 +31,4 @@ struct CalendarDay {
 /// Whether the instant lies in the years that are supported.
 [[nodiscard]] bool isSupportedDate(std::int64_t ticks);
 
-} // namespace tavix::expression
+} // namespace tavix

@@ -1,10 +1,10 @@
-#include "expression/DateText.h"
+#include "base/DateText.h"
 
 #include <fmt/format.h>
 
 #include <chrono>
 
-namespace tavix::expression {
+namespace tavix {
 
 namespace {
 
@@ -158,4 +158,4 @@ bool isSupportedDate(std::int64_t ticks) {
     return ticks >= kFirst && ticks < kBehind;
 }
 
-} // namespace tavix::expression
+} // namespace tavix

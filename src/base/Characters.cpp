@@ -1,8 +1,9 @@
-#include "expression/Characters.h"
+#include "base/Characters.h"
 
+#include <algorithm>
 #include <cstring>
 
-namespace tavix::expression {
+namespace tavix {
 
 bool isAscii(std::string_view text) {
     constexpr std::uint64_t kHighBits = 0x8080808080808080U;
@@ -48,4 +49,21 @@ std::size_t offsetOfCharacter(std::string_view text, std::size_t index) {
     return at;
 }
 
-} // namespace tavix::expression
+std::string_view cutToBytes(std::string_view text, std::size_t mostBytes) {
+    if (text.size() <= mostBytes)
+        return text;
+    constexpr std::size_t kMostContinuing = 3;
+    const std::size_t least = mostBytes - std::min(mostBytes, kMostContinuing);
+    std::size_t end = mostBytes;
+    while (end > least && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+        --end;
+    return text.substr(0, end);
+}
+
+std::string shortened(std::string_view text, std::size_t mostBytes) {
+    if (text.size() <= mostBytes)
+        return std::string(text);
+    return std::string(cutToBytes(text, mostBytes)) + "…";
+}
+
+} // namespace tavix

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <unicode/utf8.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// UTF-8 text as a sequence of characters (code points). A byte that belongs to no well-formed character counts as one
+/// by itself, wherever texts are counted, cut, compared or shown: so a cut text keeps its bytes, and no byte of garbage
+/// takes its neighbours along.
+namespace tavix {
+
+[[nodiscard]] inline bool isAscii(char c) {
+    return static_cast<unsigned char>(c) < 0x80;
+}
+
+/// Whether all bytes are below 0x80.
+[[nodiscard]] bool isAscii(std::string_view text);
+
+/// The character that begins at `at` (within the text), which moves behind it. Negative, moving by one byte, where
+/// there is no well-formed UTF-8.
+inline std::int32_t nextCharacter(std::string_view text, std::size_t& at) {
+    if (isAscii(text[at]))
+        return text[at++];
+    auto next = static_cast<std::int64_t>(at);
+    UChar32 character = 0;
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion" // inside the macro
+    U8_NEXT(text.data(), next, static_cast<std::int64_t>(text.size()), character);
+#pragma GCC diagnostic pop
+    at = character < 0 ? at + 1 : static_cast<std::size_t>(next);
+    return character;
+}
+
+/// Calls visit(character, its bytes) for one after the other; the character is negative for a byte that is none.
+template <typename Visit>
+void forEachCharacter(std::string_view text, Visit visit) {
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t start = at;
+        const std::int32_t character = nextCharacter(text, at);
+        visit(character, text.substr(start, at - start));
+    }
+}
+
+/// Writes the one to four bytes of a code point and returns their end.
+inline char* putCharacter(char* to, std::int32_t codePoint) {
+    std::size_t size = 0;
+    U8_APPEND_UNSAFE(to, size, codePoint);
+    return to + size;
+}
+
+/// Appends nothing for a number that is no code point, or half of a surrogate pair.
+void appendCharacter(std::string& out, std::int32_t character);
+
+[[nodiscard]] std::size_t countCharacters(std::string_view text);
+/// The byte at which character number `index` (from 0) begins; the text's size when it has no more than `index`.
+[[nodiscard]] std::size_t offsetOfCharacter(std::string_view text, std::size_t index);
+
+/// The beginning of `text`, `mostBytes` long or, so that no character is cut in two, up to three bytes less.
+[[nodiscard]] std::string_view cutToBytes(std::string_view text, std::size_t mostBytes);
+/// `text` when it has no more than `mostBytes`; else that beginning and "…".
+[[nodiscard]] std::string shortened(std::string_view text, std::size_t mostBytes);
+
+} // namespace tavix

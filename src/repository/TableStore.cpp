@@ -1,0 +1,164 @@
+#include "repository/TableStore.h"
+
+#include "repository/BindValue.h"
+#include "repository/DistributionStore.h"
+#include "repository/FilePlaces.h"
+
+#include <fmt/format.h>
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace tavix::repository {
+
+namespace {
+
+std::int64_t sumOf(std::span<const ValueCount> rows) {
+    std::uint64_t sum = 0;
+    for (const ValueCount& row : rows)
+        sum += row.count;
+    return static_cast<std::int64_t>(sum);
+}
+
+constexpr int kFirstMetricParameter = 6;
+constexpr int kFirstTailParameter = kFirstMetricParameter + static_cast<int>(kMetricCount);
+
+std::string insertFieldSql() {
+    std::string columns = "INSERT INTO run_field(run, table_id, position, field, type_code";
+    for (const MetricInfo& metric : metricCatalogue())
+        columns += fmt::format(", {}", metric.column);
+    columns += ", quantile_rule, value_rows, value_sum, pattern_rows, pattern_sum) VALUES(?1";
+    for (int parameter = 2; parameter < kFirstTailParameter + 5; ++parameter)
+        columns += fmt::format(",?{}", parameter);
+    return columns + ")";
+}
+
+Status storeRow(sql::Connection& connection, const PlaceInRun& place, const TableFacts& facts) {
+    auto insert = connection.prepare(
+        "INSERT INTO run_table(run, position, table_id, total_records, processed_records, damaged_records, query, "
+        "filter, alternate_filter, file_path, file_delimiter, file_header, file_encoding, file_byte_order_mark, "
+        "file_size, file_modified, connection) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10,?11,?12,?13,?14,?15,?16,?17)");
+    if (!insert)
+        return insert.error();
+    insert->bind(1, place.run).bind(2, place.position).bind(3, place.table);
+    insert->bind(4, facts.totalRecords).bind(5, facts.processedRecords).bind(6, facts.damagedRecords);
+    insert->bind(7, facts.query).bind(8, facts.filter).bind(9, facts.alternateFilter);
+    if (facts.isTextFile) {
+        const TextFileFacts& file = facts.textFile;
+        insert->bind(10, file.path).bind(11, std::string_view(&file.delimiter, 1)).bind(12, file.hasHeader ? 1 : 0);
+        insert->bind(13, file.encoding).bind(14, file.byteOrderMark ? 1 : 0).bind(15, file.size);
+        insert->bind(16, storedTime(file.modified));
+    } else {
+        for (int parameter = 10; parameter <= 16; ++parameter)
+            insert->bindNull(parameter);
+    }
+    if (facts.connection)
+        insert->bind(17, *facts.connection);
+    else
+        insert->bindNull(17);
+    return insert->run();
+}
+
+Status storeFiles(sql::Connection& connection, const PlaceInRun& place, const TableFacts& facts) {
+    if (!facts.isTextFile)
+        return {};
+    auto insert =
+        connection.prepare("INSERT INTO run_file(run, table_id, position, path, quote) VALUES(?1,?2,?3,?4,?5)");
+    if (!insert)
+        return insert.error();
+    const TextFileFacts& file = facts.textFile;
+    const std::span<const std::string> paths = file.files.empty() ? std::span(&file.path, 1) : std::span(file.files);
+    const std::string_view quote(&file.quote, file.quote == '\0' ? 0 : 1);
+    insert->bind(1, place.run).bind(2, place.table).bind(5, quote);
+    std::int64_t position = 0;
+    for (const std::string& path : paths)
+        if (auto done = insert->bind(3, ++position).bind(4, path).run(); !done)
+            return done;
+    return {};
+}
+
+Status storePercentiles(sql::Connection& connection, int run, int field, std::span<const Percentile> percentiles) {
+    auto insert =
+        connection.prepare("INSERT INTO percentile(run, field, position, interval, value) VALUES(?1,?2,?3,?4,?5)");
+    if (!insert)
+        return insert.error();
+    int position = 0;
+    for (const Percentile& percentile : percentiles) {
+        insert->bind(1, run).bind(2, field).bind(3, position++).bind(4, percentile.interval);
+        bindText(*insert, 5, percentile.value);
+        if (auto done = insert->run(); !done)
+            return done;
+    }
+    return {};
+}
+
+Status storeOutliers(sql::Connection& connection, int run, int field, std::span<const Outlier> outliers) {
+    auto insert = connection.prepare(
+        "INSERT INTO outlier(run, field, side, position, value, count, fence) VALUES(?1,?2,?3,?4,?5,?6,?7)");
+    if (!insert)
+        return insert.error();
+    for (const Outlier& outlier : outliers) {
+        char side = static_cast<char>(outlier.side);
+        insert->bind(1, run).bind(2, field).bind(3, std::string_view(&side, 1)).bind(4, outlier.position);
+        bindText(*insert, 5, outlier.value);
+        insert->bind(6, static_cast<std::int64_t>(outlier.count)).bind(7, static_cast<int>(outlier.fence));
+        if (auto done = insert->run(); !done)
+            return done;
+    }
+    return {};
+}
+
+} // namespace
+
+Status storeTable(sql::Connection& connection, const PlaceInRun& place, const TableFacts& facts) {
+    if (auto stored = storeRow(connection, place, facts); !stored)
+        return stored;
+    if (auto stored = storeFiles(connection, place, facts); !stored)
+        return stored;
+    return facts.places ? storeFilePlaces(connection, place.run, place.table, *facts.places) : Status{};
+}
+
+Status storeField(sql::Connection& connection, int run, int table, int field, const FieldFacts& facts) {
+    static const std::string kInsert = insertFieldSql();
+    auto insert = connection.prepare(kInsert);
+    if (!insert)
+        return insert.error();
+    insert->bind(1, run).bind(2, table).bind(3, facts.ordinal).bind(4, field);
+    insert->bind(5, std::string_view(&facts.typeCode, facts.typeCode ? 1 : 0));
+    for (std::size_t metric = 0; metric < kMetricCount; ++metric)
+        bindValue(*insert, kFirstMetricParameter + static_cast<int>(metric), facts.metrics[metric]);
+    insert->bind(kFirstTailParameter, facts.quantileRule);
+    const PackedField* const packed = facts.packed;
+    const auto asInteger = [](auto number) { return static_cast<std::int64_t>(number); };
+    insert->bind(kFirstTailParameter + 1, packed ? packed->valueRows() : asInteger(facts.values.size()));
+    insert->bind(kFirstTailParameter + 2, packed ? asInteger(packed->valueSum()) : sumOf(facts.values));
+    insert->bind(kFirstTailParameter + 3, packed ? packed->patternRows() : asInteger(facts.patterns.size()));
+    insert->bind(kFirstTailParameter + 4, packed ? asInteger(packed->patternSum()) : sumOf(facts.patterns));
+    return insert->run();
+}
+
+Status storeFieldLists(sql::Connection& connection, int run, int field, const FieldFacts& facts) {
+    if (auto stored = storePercentiles(connection, run, field, facts.percentiles); !stored)
+        return stored;
+    if (auto stored = storeOutliers(connection, run, field, facts.outliers); !stored)
+        return stored;
+    if (auto stored = storeValuePlaces(connection, run, field, facts.places); !stored)
+        return stored;
+    const DistributionKey values{run, field, DistributionKind::Values};
+    const DistributionKey patterns{run, field, DistributionKind::Patterns};
+    if (facts.packed) {
+        if (auto stored = storePacked(connection, values, *facts.packed); !stored)
+            return stored;
+        if (auto stored = storePacked(connection, patterns, *facts.packed); !stored)
+            return stored;
+        return storePackedHashes(connection, run, field, *facts.packed);
+    }
+    if (auto stored = storeDistribution(connection, values, facts.values); !stored)
+        return stored;
+    if (auto stored = storeDistribution(connection, patterns, facts.patterns); !stored)
+        return stored;
+    return storeValueHashes(connection, run, field, facts.values);
+}
+
+} // namespace tavix::repository

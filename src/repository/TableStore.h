@@ -1,0 +1,20 @@
+#pragma once
+
+#include "base/Result.h"
+#include "repository/Facts.h"
+#include "repository/RuleStore.h"
+#include "sql/Connection.h"
+
+/// What a run says of a table and of its fields, which have their identities already.
+namespace tavix::repository {
+
+// Within the caller's transaction.
+
+/// The table with the files that it was read from, and in which parts of them values stand.
+[[nodiscard]] Status storeTable(sql::Connection& connection, const PlaceInRun& place, const TableFacts& facts);
+/// The field with its metrics.
+[[nodiscard]] Status storeField(sql::Connection& connection, int run, int table, int field, const FieldFacts& facts);
+/// Percentiles, outliers, distributions and hashes of a field that is stored.
+[[nodiscard]] Status storeFieldLists(sql::Connection& connection, int run, int field, const FieldFacts& facts);
+
+} // namespace tavix::repository

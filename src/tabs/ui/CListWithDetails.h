@@ -1,0 +1,46 @@
+#pragma once
+
+#include "tabs/ui/CListTab.h"
+
+#include <vector>
+
+namespace tavix {
+
+class LowerLists;
+
+/// A list, and below it lists that say more about the row that is selected in it. A class derived from it makes the
+/// rows of all and fills them.
+class CListWithDetails : public CListTab {
+    Q_OBJECT
+  public:
+    ~CListWithDetails() override;
+
+  protected:
+    /// `details` are the names of the lists below for screen readers, and their headings.
+    CListWithDetails(const char* name, const std::vector<const char*>& details, CViewSite& site,
+                     const ReportSubject& subject, bool isTornOff, QWidget* parent);
+
+    /// Takes the rows of the next list below, from the left; what is given back lives until the tab ends.
+    template <typename Rows>
+    Rows& ShowBelow(std::unique_ptr<Rows> rows) {
+        Rows& kept = *rows;
+        TakeDetails(std::move(rows));
+        return kept;
+    }
+    [[nodiscard]] LowerLists& Lower() const { return *m_lower; }
+
+    /// Fills the lists below for a row of the list.
+    virtual void FillDetails(PrViewer& viewer, std::int64_t row) = 0;
+    /// Called when there is no such row, and the lists below are empty.
+    virtual void NoDetails() {}
+
+  private:
+    void RowsChanged() final;
+    void TakeDetails(std::unique_ptr<ListRows> rows);
+    void ShowDetails(std::int64_t row);
+
+    LowerLists* m_lower;
+    std::vector<std::unique_ptr<ListRows>> m_details; ///< in the order of the lists
+};
+
+} // namespace tavix
