@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <future>
 #include <optional>
 #include <utility>
 
@@ -84,18 +85,18 @@ class FieldWork {
         return figureByValue(entries, order, spare);
     }
 
-    /// The same by several threads.
+    /// The same by several threads. What takes longest of a step begins first.
     Status workTogether(const EntryList& entries, std::vector<Keyed>& order, std::vector<Keyed>& spare,
                         unsigned threads) {
         std::optional<DividedTextSort> sorting;
+        const Task survey = [&] { return surveyInMemory(entries); };
         const Task deal = [&] {
             sorting.emplace(entries, order, spare);
             return Status{};
         };
-        const Task hash = [&] { return packHashes(entries, *m_figures.packed, m_context.stop); };
-        if (Status status = doTogether(std::array{deal, hash}, threads); !status)
+        if (Status status = doTogether(std::array{survey, deal}, threads); !status)
             return status;
-        std::vector<Task> tasks{[&] { return surveyInMemory(entries); }};
+        std::vector<Task> tasks;
         for (std::size_t part = 0; part < sorting->parts(); ++part)
             tasks.emplace_back([&, part] {
                 sorting->sortPart(part, m_context.stop);
@@ -103,21 +104,34 @@ class FieldWork {
             });
         if (Status status = doTogether(tasks, threads); !status)
             return status;
-        const ShownRows shown(entries, order, m_nulls);
-        return packTogether(shown, threads, [&] { return figureByValue(entries, order, spare); });
+        return packTogether(entries, order, spare, threads);
     }
 
-    /// Packs the values by several threads, as parts of whole blocks; `other` is done at the same time.
-    Status packTogether(const ShownRows& shown, unsigned threads, const Task& other) {
+    /// Packs hashes and, as parts of whole blocks, the values, and computes what follows from their order.
+    Status packTogether(const EntryList& entries, std::vector<Keyed>& order, std::vector<Keyed>& spare,
+                        unsigned threads) {
+        const std::size_t rows = entries.size() + (m_nulls > 0 ? 1 : 0);
         const bool hasParts = m_survey.longestBytes() <= kShortText;
-        const std::size_t rowsAtOnce = hasParts ? kRowsPerTask : std::max<std::size_t>(shown.size(), 1);
-        std::vector<PackedRows> parts((shown.size() + rowsAtOnce - 1) / rowsAtOnce);
-        std::vector<Task> tasks{other};
+        const std::size_t rowsAtOnce = hasParts ? kRowsPerTask : rows;
+        std::vector<PackedRows> parts((rows + rowsAtOnce - 1) / rowsAtOnce);
+        std::optional<ShownRows> inOrder;
+        std::packaged_task<const ShownRows*()> show([&] { return &inOrder.emplace(entries, order, m_nulls); });
+        const std::shared_future<const ShownRows*> shown = show.get_future().share();
+        std::vector<Task> tasks;
+        tasks.emplace_back([&] {
+            show();
+            return Status{};
+        });
+        tasks.emplace_back([&] { return packHashes(entries, *m_figures.packed, m_context.stop); });
+        tasks.emplace_back([&] {
+            shown.get(); // which looks at the order that this uses up
+            return figureByValue(entries, order, spare);
+        });
         for (std::size_t i = 0; i < parts.size(); ++i)
             tasks.emplace_back([&, i] {
                 const std::size_t first = i * rowsAtOnce;
-                return shown.pack(first, std::min(rowsAtOnce, shown.size() - first), parts[i], m_context.store,
-                                  m_context.stop);
+                return shown.get()->pack(first, std::min(rowsAtOnce, rows - first), parts[i], m_context.store,
+                                         m_context.stop);
             });
         Status status = doTogether(tasks, threads);
         for (PackedRows& part : parts)
