@@ -40,6 +40,24 @@ std::int64_t asInteger(std::uint64_t value) {
     return static_cast<std::int64_t>(value);
 }
 
+/// What one task makes and others wait for.
+template <typename Made>
+class Awaited {
+  public:
+    template <typename Make>
+    explicit Awaited(Make make) : m_task(std::move(make)), m_made(m_task.get_future()) {}
+
+    Status make() {
+        m_task();
+        return {};
+    }
+    Made& get() const { return *m_made.get(); }
+
+  private:
+    std::packaged_task<Made*()> m_task;
+    std::shared_future<Made*> m_made;
+};
+
 class FieldWork {
   public:
     FieldWork(ColumnValues& values, const std::string& name, int ordinal, const FigureContext& context)
@@ -85,21 +103,15 @@ class FieldWork {
         return figureByValue(entries, order, spare);
     }
 
-    /// The same by several threads. What takes longest of a step begins first.
+    /// The same by several threads. The tasks of a step are in such an order that what others wait for begins first.
     Status workTogether(const EntryList& entries, std::vector<Keyed>& order, std::vector<Keyed>& spare,
                         unsigned threads) {
         std::optional<DividedTextSort> sorting;
-        const Task survey = [&] { return surveyInMemory(entries); };
-        const Task deal = [&] {
-            sorting.emplace(entries, order, spare);
-            return Status{};
-        };
-        if (Status status = doTogether(std::array{survey, deal}, threads); !status)
-            return status;
-        std::vector<Task> tasks;
-        for (std::size_t part = 0; part < sorting->parts(); ++part)
+        Awaited<DividedTextSort> deal([&] { return &sorting.emplace(entries, order, spare); });
+        std::vector<Task> tasks{[&] { return deal.make(); }, [&] { return surveyInMemory(entries); }};
+        for (std::size_t part = 0; part < DividedTextSort::kParts; ++part)
             tasks.emplace_back([&, part] {
-                sorting->sortPart(part, m_context.stop);
+                deal.get().sortPart(part, m_context.stop);
                 return Status{};
             });
         if (Status status = doTogether(tasks, threads); !status)
@@ -115,23 +127,18 @@ class FieldWork {
         const std::size_t rowsAtOnce = hasParts ? kRowsPerTask : rows;
         std::vector<PackedRows> parts((rows + rowsAtOnce - 1) / rowsAtOnce);
         std::optional<ShownRows> inOrder;
-        std::packaged_task<const ShownRows*()> show([&] { return &inOrder.emplace(entries, order, m_nulls); });
-        const std::shared_future<const ShownRows*> shown = show.get_future().share();
-        std::vector<Task> tasks;
-        tasks.emplace_back([&] {
-            show();
-            return Status{};
-        });
-        tasks.emplace_back([&] { return packHashes(entries, *m_figures.packed, m_context.stop); });
-        tasks.emplace_back([&] {
-            shown.get(); // which looks at the order that this uses up
-            return figureByValue(entries, order, spare);
-        });
+        Awaited<ShownRows> show([&] { return &inOrder.emplace(entries, order, m_nulls); });
+        std::vector<Task> tasks{[&] { return show.make(); },
+                                [&] { return packHashes(entries, *m_figures.packed, m_context.stop); },
+                                [&] {
+                                    show.get(); // It looks at the order that this uses up.
+                                    return figureByValue(entries, order, spare);
+                                }};
         for (std::size_t i = 0; i < parts.size(); ++i)
             tasks.emplace_back([&, i] {
                 const std::size_t first = i * rowsAtOnce;
-                return shown.get()->pack(first, std::min(rowsAtOnce, rows - first), parts[i], m_context.store,
-                                         m_context.stop);
+                return show.get().pack(first, std::min(rowsAtOnce, rows - first), parts[i], m_context.store,
+                                       m_context.stop);
             });
         Status status = doTogether(tasks, threads);
         for (PackedRows& part : parts)

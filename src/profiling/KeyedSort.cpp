@@ -234,7 +234,6 @@ std::vector<Keyed> sortedByText(const EntryList& entries, std::vector<Keyed>& sp
 
 DividedTextSort::DividedTextSort(const EntryList& entries, std::vector<Keyed>& rows, std::vector<Keyed>& spare)
     : m_entries(entries), m_rows(rows), m_spare(spare), m_starts{0} {
-    constexpr std::size_t kParts = 16;
     constexpr unsigned kShift = (kBytes - 1) * 8;
     m_prefix = entries.empty() ? 0 : commonPrefix(entries);
     spare = keyedByText(entries, m_prefix);
@@ -245,7 +244,7 @@ DividedTextSort::DividedTextSort(const EntryList& entries, std::vector<Keyed>& r
         ++starts[(row.key >> kShift) + 1];
     for (std::size_t i = 1; i < starts.size(); ++i) {
         starts[i] += starts[i - 1];
-        if (starts[i] - m_starts.back() > rows.size() / kParts)
+        if (starts[i] - m_starts.back() > rows.size() / (kParts - 1))
             m_starts.push_back(starts[i]);
     }
     if (m_starts.back() < rows.size())
@@ -255,6 +254,8 @@ DividedTextSort::DividedTextSort(const EntryList& entries, std::vector<Keyed>& r
 }
 
 void DividedTextSort::sortPart(std::size_t part, StopSignal& stop) {
+    if (part + 1 >= m_starts.size())
+        return;
     const std::size_t first = m_starts[part];
     const std::size_t size = m_starts[part + 1] - first;
     TextSort(m_entries, std::span(m_rows).subspan(first, size), std::span(m_spare).subspan(first, size), stop)

@@ -37,7 +37,8 @@ class DividedTextSort {
     /// Leaves all entries in `rows`, dealt into the parts.
     DividedTextSort(const EntryList& entries, std::vector<Keyed>& rows, std::vector<Keyed>& spare);
 
-    [[nodiscard]] std::size_t parts() const { return m_starts.size() - 1; }
+    /// At most; those behind the last one have nothing to be sorted.
+    static constexpr std::size_t kParts = 17;
     void sortPart(std::size_t part, StopSignal& stop);
 
   private:
