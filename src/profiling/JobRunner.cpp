@@ -5,6 +5,7 @@
 #include "profiling/EngineCount.h"
 #include "profiling/JobChecks.h"
 #include "profiling/OpenedSource.h"
+#include "profiling/RepositoryOpening.h"
 #include "profiling/RunEngine.h"
 #include "profiling/RunReporter.h"
 #include "profiling/TablePrograms.h"
@@ -112,10 +113,13 @@ class Run {
           m_started(m_clock->now()),
           m_databases(job, options.askCredentials),
           m_reporter(options.watcher, job.tables.size()),
-          m_engine(engineSettings(options, repositoryPath), [this] { return m_reporter.report(); }) {}
+          m_engine(engineSettings(options, repositoryPath),
+                   [this] { return m_reporter.report() && !(m_repository && m_repository->hasFailed()); }) {}
 
     Result<RunOutcome> execute() {
         Status status = steps();
+        if (m_repository && m_repository->hasFailed())
+            status = m_repository->finish();
         if (!status && !m_reporter.isCancelled())
             return status.error();
         return outcome();
@@ -128,10 +132,7 @@ class Run {
         if (Status status = goOn(); !status)
             return status;
         // Whether it can be written is better known before hours of reading than after them.
-        auto repository = repository::openRepository(m_repositoryPath, sql::OpenMode::Create);
-        if (!repository)
-            return repository.error();
-        m_repository = std::move(*repository);
+        m_repository.emplace(m_repositoryPath);
         for (std::size_t i = 0; i < m_job.tables.size(); ++i) {
             m_reporter.state.tableIndex = i;
             if (m_job.tables[i].isFiltered())
@@ -334,6 +335,8 @@ class Run {
     Status storeFinished() {
         m_reporter.state.phase = ProgressState::Phase::Storing;
         if (!m_writer) {
+            if (Status status = m_repository->finish(); !status)
+                return status;
             repository::RunDescription run{m_job.name, m_job.description, m_description, m_started};
             run.memory = m_engine.plan().storing();
             auto writer = repository::RunWriter::begin(m_repositoryPath, run);
@@ -396,7 +399,7 @@ class Run {
     std::vector<FinishedTable> m_finished;
     std::size_t m_factsSize = 0; ///< of m_finished
     /// Kept, for the last one that closes a repository has to tidy it, and that takes as long as a small table.
-    std::unique_ptr<sql::Connection> m_repository;
+    std::optional<RepositoryOpening> m_repository;
     std::unique_ptr<repository::RunWriter> m_writer;
     std::map<const TableDescription*, OpenedFiles> m_opened; ///< what is opened once only
     std::int64_t m_bytesBefore = 0;                          ///< of the tables that are done

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "base/Result.h"
+#include "sql/Connection.h"
+
+#include <future>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace tavix::profiling {
+
+/// Opens the repository of a run while the run begins to read: to make a new one takes as long as to read a small
+/// table. It stays open until the object is destroyed.
+class RepositoryOpening {
+  public:
+    explicit RepositoryOpening(std::string path);
+    RepositoryOpening(const RepositoryOpening&) = delete;
+    RepositoryOpening& operator=(const RepositoryOpening&) = delete;
+
+    /// Whether it is known already that it cannot be opened; finish() tells why.
+    [[nodiscard]] bool hasFailed() const;
+    /// Waits until it is open.
+    [[nodiscard]] Status finish() const;
+
+  private:
+    std::unique_ptr<sql::Connection> m_connection;
+    std::optional<Error> m_failure;
+    std::future<void> m_opening; ///< which sets the others
+};
+
+} // namespace tavix::profiling
