@@ -1,7 +1,5 @@
 #include "profiling/RepositoryOpening.h"
 
-#include "repository/Schema.h"
-
 #include <chrono>
 #include <utility>
 

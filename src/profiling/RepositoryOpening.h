@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Result.h"
-#include "sql/Connection.h"
+#include "repository/Schema.h"
 
 #include <future>
 #include <memory>
