@@ -11,6 +11,7 @@ namespace tavix::profiling {
 namespace {
 
 constexpr std::size_t kFirstSlots = 1024;
+constexpr std::size_t kManySlots = std::size_t{1} << 22;
 constexpr std::size_t kBatch = 64;
 /// From here on the entries do not fit the cache, and fetching them early pays.
 constexpr std::size_t kManyEntries = 20000;
@@ -149,7 +150,8 @@ void ValueCounter::dropValues() {
 }
 
 void ValueCounter::grow() {
-    std::vector<std::uint32_t> slots(m_slots.size() * 4);
+    // A table that is large for what it holds costs more, as fresh memory, than to move its entries once more.
+    std::vector<std::uint32_t> slots(m_slots.size() * (m_slots.size() < kManySlots ? 4 : 2));
     const std::size_t mask = slots.size() - 1;
     for (std::size_t i = 0; i < m_entries.size(); ++i) {
         std::size_t at = m_entries[i].hash & mask;
