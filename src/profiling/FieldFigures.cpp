@@ -392,7 +392,7 @@ class FieldWork {
 } // namespace
 
 std::size_t figuringTakes(const ColumnValues& values) {
-    // Twice the keyed rows and their order, and with further threads at the same time twice the hashes, or the keys. A
+    // Twice the keyed rows and their order, and with further threads at the same time twice the hashes and the keys. A
     // part of it is for the patterns, which are spilled beyond that.
     constexpr std::size_t kPerValue = 2 * sizeof(Keyed) + 3 * sizeof(std::uint64_t) + 2 * sizeof(std::uint32_t);
     return values.valuesInMemory() * kPerValue + kLeastMemory;
