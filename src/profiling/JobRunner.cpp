@@ -5,25 +5,23 @@
 #include "profiling/EngineCount.h"
 #include "profiling/JobChecks.h"
 #include "profiling/OpenedSource.h"
-#include "profiling/RepositoryOpening.h"
 #include "profiling/RunEngine.h"
 #include "profiling/RunReporter.h"
+#include "profiling/RunSettings.h"
+#include "profiling/RunStore.h"
 #include "profiling/TablePrograms.h"
-#include "repository/FilePlaces.h"
 #include "repository/RunWriter.h"
 #include "repository/Schema.h"
 #include "source/OdbcReader.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
-#include <cstdlib>
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
 #include <span>
-#include <thread>
 #include <utility>
 
 namespace tavix::profiling {
@@ -53,73 +51,36 @@ Status checkFieldsOver(const JobDescription& job, const TableDescription& base, 
     return {};
 }
 
-/// Bytes; half of what the machine has when nothing is stated.
-std::size_t memoryOf(const RunOptions& options) {
-    if (options.memory > 0)
-        return options.memory;
-    const auto pages = ::sysconf(_SC_PHYS_PAGES);
-    const auto pageSize = ::sysconf(_SC_PAGE_SIZE);
-    constexpr std::size_t kWhenUnknown = std::size_t{1} << 30;
-    return pages > 0 && pageSize > 0 ? static_cast<std::size_t>(pages) / 2 * static_cast<std::size_t>(pageSize)
-                                     : kWhenUnknown;
+bool areInMemory(const TablePasses& passes) {
+    return std::all_of(passes.begin(), passes.end(), [](const auto& pass) {
+        for (std::size_t c = 0; c < pass->columns().size(); ++c)
+            if (pass->values(c).isSpilled())
+                return false;
+        return true;
+    });
 }
 
-std::string spillFolderOf(const RunOptions& options, const std::string& repositoryPath) {
-    if (!options.spillFolder.empty())
-        return options.spillFolder;
-    if (const char* const folder = std::getenv("TMPDIR"); folder && *folder)
-        return folder;
-    const std::filesystem::path parent = std::filesystem::path(repositoryPath).parent_path();
-    return parent.empty() ? "." : parent.string();
-}
-
-RunEngine::Settings engineSettings(const RunOptions& options, const std::string& repositoryPath) {
-    const unsigned threads = options.threads > 0 ? options.threads : std::max(1U, std::thread::hardware_concurrency());
-    return {threads, memoryOf(options), spillFolderOf(options, repositoryPath)};
-}
-
-/// A table that was read and waits to be stored.
-struct FinishedTable {
-    std::shared_ptr<const std::vector<std::string>> columns; ///< borrowed by the pass
-    std::unique_ptr<TablePass> pass;
-    TableReport report;
-    std::optional<repository::FilePlaces> places;
-    std::vector<FieldFigures> fields;
-};
-
-/// About the memory that a field's figures take, what is packed not among it.
-std::size_t sizeOf(const FieldFigures& field) {
-    const repository::FieldFacts& facts = field.facts;
-    std::size_t size = sizeof(FieldFigures) + sizeof(PackedResult);
-    for (const repository::PlacePage& page : field.places)
-        size += sizeof page + page.bytes.size();
-    for (const auto& percentile : facts.percentiles)
-        size += sizeof percentile + percentile.value.str().size();
-    for (const auto& outlier : facts.outliers)
-        size += sizeof outlier + outlier.value.str().size();
-    return size;
-}
-
-/// The steps of one run: every table is read and its figures are computed, and only then, in one transaction, all is
-/// stored. A step that the watcher stops fails with StopSignal::stopped(), which execute() turns into an outcome.
+/// The steps of one run: every table is read and its figures are computed, and only then, or while those of the last
+/// one are, all is stored in one transaction. A step that the watcher stops fails with StopSignal::stopped(), which
+/// execute() turns into an outcome.
 class Run {
   public:
     Run(const JobDescription& job, const RunOptions& options, const std::string& repositoryPath)
         : m_job(job),
           m_clock(options.clock ? options.clock : &m_systemClock),
-          m_description(options.description),
-          m_repositoryPath(repositoryPath),
           m_placesFrom(options.placesFrom),
-          m_started(m_clock->now()),
           m_databases(job, options.askCredentials),
           m_reporter(options.watcher, job.tables.size()),
           m_engine(engineSettings(options, repositoryPath),
-                   [this] { return m_reporter.report() && !(m_repository && m_repository->hasFailed()); }) {}
+                   [this] { return m_reporter.report() && !m_store.failure(); }),
+          m_store(repositoryPath,
+                  {job.name, job.description, options.description, m_clock->now(), nullptr, m_engine.plan().storing()},
+                  m_reporter, m_engine.stop()) {}
 
     Result<RunOutcome> execute() {
         Status status = steps();
-        if (m_repository && m_repository->hasFailed())
-            status = m_repository->finish();
+        if (const auto failure = m_store.failure())
+            status = *failure;
         if (!status && !m_reporter.isCancelled())
             return status.error();
         return outcome();
@@ -131,28 +92,38 @@ class Run {
             return status;
         if (Status status = goOn(); !status)
             return status;
-        // Whether it can be written is better known before hours of reading than after them.
-        m_repository.emplace(m_repositoryPath);
+        m_store.open();
         for (std::size_t i = 0; i < m_job.tables.size(); ++i) {
             m_reporter.state.tableIndex = i;
             if (m_job.tables[i].isFiltered())
                 continue; // made of the rows of another one, while those pass by
             if (Status status = profile(m_job.tables[i]); !status)
                 return status;
-            if (m_factsSize > m_engine.plan().facts())
-                if (Status status = storeFinished(); !status)
+            if (m_store.waitingSize() > m_engine.plan().facts())
+                if (Status status = m_store.storeWaiting(m_outcome.tables); !status)
                     return status;
         }
-        if (Status status = storeFinished(); !status)
+        if (Status status = m_store.storeWaiting(m_outcome.tables); !status)
             return status;
+        repository::RunWriter& writer = m_store.writer();
         for (const auto& collection : m_job.collections)
-            if (Status status = m_writer->addCollection(collection); !status)
+            if (Status status = writer.addCollection(collection); !status)
                 return status;
-        if (Status status = m_writer->setAlerts(alertsOf(m_job)); !status)
+        if (Status status = writer.setAlerts(alertsOf(m_job)); !status)
             return status;
         if (Status status = goOn(); !status)
             return status;
-        return m_writer->commit(m_clock->now());
+        if (Status status = writer.commit(m_clock->now()); !status)
+            return status;
+        m_outcome.jobId = writer.jobId();
+        m_outcome.runId = writer.runId();
+        return {};
+    }
+
+    /// Whether no table has to be read after this one.
+    bool isLast(const TableDescription& base) const {
+        return std::all_of(m_job.tables.begin() + (&base - m_job.tables.data()) + 1, m_job.tables.end(),
+                           [](const TableDescription& table) { return table.isFiltered(); });
     }
 
     Status goOn() { return m_reporter.report(true) ? Status{} : Status{StopSignal::stopped()}; }
@@ -236,13 +207,16 @@ class Run {
         if (Status status = read(reader, *passes); !status)
             return failureIn(base, status.error());
         const std::int64_t rowsOfBase = passes->front()->rows();
+        const bool storesAlong = isLast(base) && areInMemory(*passes);
         for (auto& pass : *passes) {
-            TableReport report = reportOfFiles(m_job, pass->description(), base, *opened, pass->rows(), rowsOfBase);
-            if (Status status = figure(std::move(pass), columns, std::move(report), {}); !status)
-                return status;
-            FinishedTable& table = m_finished.back();
-            if (auto offsets = table.pass->takeOffsets(); !offsets.empty())
+            FinishedTable table;
+            table.report = reportOfFiles(m_job, pass->description(), base, *opened, pass->rows(), rowsOfBase);
+            if (auto offsets = pass->takeOffsets(); !offsets.empty())
                 table.places = {opened->files->current().stamp(), valueSeeds(), std::move(offsets)};
+            table.columns = columns;
+            table.pass = std::move(pass);
+            if (Status status = figure(std::move(table), {}, storesAlong); !status)
+                return status;
         }
         m_bytesBefore += reader.position();
         return {};
@@ -266,12 +240,15 @@ class Run {
         if (!status)
             return failureIn(base, status.error());
         const std::int64_t rowsOfBase = passes->front()->rows();
+        const bool storesAlong = isLast(base) && areInMemory(*passes);
         for (auto& pass : *passes) {
+            FinishedTable table;
             repository::TableFacts facts;
             addDatabaseFacts(facts, pass->description(), base, *opened);
-            TableReport report =
-                reportOfDatabase(pass->description(), std::move(facts), pass->rows(), rowsOfBase, damage);
-            if (Status stored = figure(std::move(pass), columns, std::move(report), opened->table.columns()); !stored)
+            table.report = reportOfDatabase(pass->description(), std::move(facts), pass->rows(), rowsOfBase, damage);
+            table.columns = columns;
+            table.pass = std::move(pass);
+            if (Status stored = figure(std::move(table), opened->table.columns(), storesAlong); !stored)
                 return stored;
         }
         return {};
@@ -304,84 +281,52 @@ class Run {
         });
     }
 
-    /// `declared`: the columns as a catalogue has them, or none.
-    Status figure(std::unique_ptr<TablePass> pass, const SharedColumns& columns, TableReport report,
-                  std::span<const source::DeclaredColumn> declared) {
+    /// `declared`: the columns as a catalogue has them, or none. `storesAlong`: while figures are computed, those that
+    /// are ready are stored.
+    Status figure(FinishedTable table, std::span<const source::DeclaredColumn> declared, bool storesAlong) {
         m_reporter.state.phase = ProgressState::Phase::Counting;
-        for (const ProgramRemark& remark : pass->remarks()) {
-            report.outcome.remarks.push_back(remark.place + remark.text);
-            report.log.push_back({repository::LogLevel::Warning, remark.text});
+        TablePass& pass = *table.pass;
+        for (const ProgramRemark& remark : pass.remarks()) {
+            table.report.outcome.remarks.push_back(remark.place + remark.text);
+            table.report.log.push_back({repository::LogLevel::Warning, remark.text});
         }
-        auto fields = m_engine.figures(*pass);
+        table.report.outcome.fields = table.columns->size();
+        auto fields = storesAlong ? figuresStoredAlong(table) : figures(table, {});
         if (!fields)
-            return failureIn(pass->description(), fields.error());
-        FinishedTable table;
+            return fields.error();
         table.fields = std::move(*fields);
-        table.report = std::move(report);
-        table.report.outcome.fields = columns->size();
         for (std::size_t c = 0; c < table.fields.size(); ++c) {
             if (!declared.empty())
                 addDeclaration(table.fields[c].facts, declared[c]);
-            pass->keepMetrics(c, table.fields[c].facts.metrics);
-            m_factsSize += sizeOf(table.fields[c]);
+            pass.keepMetrics(c, table.fields[c].facts.metrics);
         }
-        table.columns = columns;
-        table.pass = std::move(pass);
-        m_finished.push_back(std::move(table));
+        m_store.add(std::move(table));
         return {};
     }
 
-    /// Begins the transaction, unless it was begun, and stores what waits.
-    Status storeFinished() {
-        m_reporter.state.phase = ProgressState::Phase::Storing;
-        if (!m_writer) {
-            if (Status status = m_repository->finish(); !status)
-                return status;
-            repository::RunDescription run{m_job.name, m_job.description, m_description, m_started};
-            run.memory = m_engine.plan().storing();
-            auto writer = repository::RunWriter::begin(m_repositoryPath, run);
-            if (!writer)
-                return writer.error();
-            m_writer = std::move(*writer);
-        }
-        for (FinishedTable& table : m_finished) {
-            m_reporter.state.table = table.report.outcome.name;
-            if (Status status = store(table); !status)
-                return status;
-        }
-        m_finished.clear();
-        m_factsSize = 0;
-        return {};
+    Result<std::vector<FieldFigures>> figures(FinishedTable& table, const RunEngine::Along& along) {
+        auto fields = m_engine.figures(*table.pass, along);
+        if (!fields)
+            return failureIn(table.pass->description(), fields.error());
+        return fields;
     }
 
-    Status store(FinishedTable& table) {
-        if (table.places)
-            table.report.facts.places = &*table.places;
-        const auto id = m_writer->addTable(table.report.facts);
-        if (!id)
-            return id.error();
-        for (FieldFigures& field : table.fields) {
-            field.packed->mayGoOn = [this] { return m_reporter.report(); };
-            field.facts.places = field.places;
-            if (Status status = m_writer->addField(*id, field.facts); !status)
-                return status;
-            field = {};
-        }
-        if (Status status = table.pass->storeRules(*m_writer, *id); !status)
-            return status;
-        for (const LogLine& line : table.report.log)
-            if (Status status = m_writer->addLog(*id, line.level, line.text); !status)
-                return status;
-        m_outcome.tables.push_back(std::move(table.report.outcome));
-        return {};
+    Result<std::vector<FieldFigures>> figuresStoredAlong(FinishedTable& table) {
+        auto queue = m_store.storeAlong(table);
+        if (!queue)
+            return queue.error();
+        auto fields = figures(table, {[&] { return (*queue)->store(); },
+                                      [&](FieldFigures& field) {
+                                          (*queue)->put(*table.id, field);
+                                          return (*queue)->store();
+                                      }});
+        if ((*queue)->failure())
+            return *(*queue)->failure();
+        return fields;
     }
 
     RunOutcome outcome() {
         m_outcome.cancelled = m_reporter.isCancelled();
-        if (m_writer && !m_outcome.cancelled) {
-            m_outcome.jobId = m_writer->jobId();
-            m_outcome.runId = m_writer->runId();
-        }
         m_outcome.seconds = m_reporter.seconds();
         return std::move(m_outcome);
     }
@@ -389,18 +334,11 @@ class Run {
     const JobDescription& m_job;
     SystemClock m_systemClock;
     const Clock* m_clock;
-    std::string m_description;
-    const std::string& m_repositoryPath;
     std::int64_t m_placesFrom;
-    UtcTime m_started;
     Databases m_databases;
     RunReporter m_reporter;
     RunEngine m_engine;
-    std::vector<FinishedTable> m_finished;
-    std::size_t m_factsSize = 0; ///< of m_finished
-    /// Kept, for the last one that closes a repository has to tidy it, and that takes as long as a small table.
-    std::optional<RepositoryOpening> m_repository;
-    std::unique_ptr<repository::RunWriter> m_writer;
+    RunStore m_store;
     std::map<const TableDescription*, OpenedFiles> m_opened; ///< what is opened once only
     std::int64_t m_bytesBefore = 0;                          ///< of the tables that are done
     RunOutcome m_outcome;

@@ -28,11 +28,13 @@ class MemoryPlan {
     [[nodiscard]] std::size_t places() const { return m_bytes / 16; }
     /// Figures that wait to be stored.
     [[nodiscard]] std::size_t facts() const { return m_bytes / 16; }
-    /// What the store may hold back before it writes.
-    [[nodiscard]] std::size_t storing() const { return std::max(m_bytes / 16, kLeastForStore); }
+    /// What the store may hold back before it writes. More than that would be written at the end, when nothing else is
+    /// done meanwhile.
+    [[nodiscard]] std::size_t storing() const { return std::clamp(m_bytes / 16, kLeastForStore, kMostForStore); }
 
   private:
     static constexpr std::size_t kLeastForStore = std::size_t{32} << 20;
+    static constexpr std::size_t kMostForStore = std::size_t{64} << 20;
 
     std::size_t m_bytes;
 };

@@ -175,7 +175,7 @@ Status RunEngine::divide(std::size_t count, const std::function<Status(std::size
     return outcome;
 }
 
-Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass) {
+Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass, const Along& along) {
     const std::vector<ColumnValues*> columns = valuesOf(pass);
     // The long ones first, so that no thread is left alone with one at the end.
     const std::vector<std::size_t> order = orderedBy(&ColumnValues::work, columns);
@@ -203,7 +203,7 @@ Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass) {
             return figures.error();
         values.clearValues(m_file);
         fields[c] = std::move(*figures);
-        return {};
+        return along.ready ? along.ready(fields[c]) : Status{};
     };
     // The places need nothing of the figures, and fill the time of a thread that has none to compute any more.
     Status status = divide(columns.size(), [&](std::size_t i) -> Status {
@@ -212,10 +212,12 @@ Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass) {
     });
     std::vector<std::vector<repository::PlacePage>> places(columns.size());
     if (status)
-        status = divide(columns.size() * 2, [&](std::size_t i) -> Status {
-            if (i < columns.size())
-                return figure(i);
-            const std::size_t c = order[i - columns.size()];
+        status = divide(1 + columns.size() * 2, [&](std::size_t i) -> Status {
+            if (i == 0)
+                return along.work ? along.work() : Status{};
+            if (i <= columns.size())
+                return figure(i - 1);
+            const std::size_t c = order[i - columns.size() - 1];
             places[c] = columns[c]->takePlaces();
             return {};
         });

@@ -37,9 +37,15 @@ class RunEngine {
     [[nodiscard]] Status spillWhatIsTooMuch(TablePass& pass);
     /// Leaves no value in the columns, wherever it lies.
     void forget(TablePass& pass);
+    /// What else is done while figures are computed. A failure ends the computing.
+    struct Along {
+        std::function<Status()> work{};               ///< once, by any thread
+        std::function<Status(FieldFigures&)> ready{}; ///< for each column, by the thread that computed it, at once
+    };
     /// The figures of every column of the pass, whose counted values are used up. With StopSignal::stopped() it fails
     /// when it was stopped.
-    [[nodiscard]] Result<std::vector<FieldFigures>> figures(TablePass& pass);
+    [[nodiscard]] Result<std::vector<FieldFigures>> figures(TablePass& pass, const Along& along);
+    [[nodiscard]] Result<std::vector<FieldFigures>> figures(TablePass& pass) { return figures(pass, {}); }
 
     [[nodiscard]] StopSignal& stop() { return m_stop; }
     [[nodiscard]] const MemoryPlan& plan() const { return m_plan; }

@@ -27,7 +27,8 @@ Error noTable(int tableId) {
 
 struct RunWriter::Impl {
     struct Table {
-        std::string name;
+        TableFacts facts; ///< without what it borrows
+        int position = 0; ///< from 1
         int fields = 0;
         int metrics = 0;
         int rules = 0;
@@ -37,10 +38,10 @@ struct RunWriter::Impl {
     std::optional<sql::Transaction> transaction; ///< empty once the run has ended, one way or the other
     const Clock* clock = nullptr;
     SystemClock systemClock;
+    RunDescription description;
     int run = -1;
     int job = -1;
     int logLines = 0;
-    std::int64_t records = 0;
     std::map<int, Table> tables;
 
     /// Passes the outcome of a step on; a failed one ends the run.
@@ -57,33 +58,21 @@ struct RunWriter::Impl {
         return {};
     }
 
-    Status start(const RunDescription& description);
     Result<int> addTable(const TableFacts& facts);
+    Status nameFields(int tableId, std::span<const std::string> names);
+    Status addDistributions(int tableId, std::string_view field, PackedField& packed);
     Status addField(int tableId, const FieldFacts& facts);
     Status addCustomMetric(int tableId, const CustomMetricFacts& facts);
     Status addBusinessRule(int tableId, const BusinessRuleFacts& facts);
     Status addLog(int tableId, LogLevel level, std::string_view text);
     Status addCollection(const CollectionFacts& facts);
     Result<int> findField(const FieldAddress& address);
+    Status findJob();
     Status setAlerts(std::span<const AlertFacts> alerts);
     Result<StoredAlert> placeOf(const AlertFacts& facts);
+    Status storeTables();
     Status finish(UtcTime finished);
 };
-
-Status RunWriter::Impl::start(const RunDescription& description) {
-    auto jobId = jobIdentity(*connection, description.job, description.jobDescription, description.started);
-    if (!jobId)
-        return jobId.error();
-    auto insert = connection->prepare("INSERT INTO run(job, started, finished, description) VALUES(?1, ?2, ?2, ?3)");
-    if (!insert)
-        return insert.error();
-    insert->bind(1, *jobId).bind(2, storedTime(description.started)).bind(3, description.description);
-    if (auto done = insert->run(); !done)
-        return done;
-    job = *jobId;
-    run = static_cast<int>(connection->lastInsertId());
-    return {};
-}
 
 Result<int> RunWriter::Impl::addTable(const TableFacts& facts) {
     auto source = dataSourceIdentity(*connection, facts.dataSource, facts.sourceKind);
@@ -94,12 +83,32 @@ Result<int> RunWriter::Impl::addTable(const TableFacts& facts) {
         return table.error();
     if (tables.contains(*table))
         return Error{fmt::format("The table \"{}\" is in the run twice.", displayName(facts))};
-    const PlaceInRun place{run, *table, static_cast<int>(tables.size()) + 1};
-    if (auto stored = storeTable(*connection, place, facts); !stored)
+    if (auto stored = storeFiles(*connection, run, *table, facts); !stored)
         return stored.error();
-    tables[*table].name = displayName(facts);
-    records += facts.processedRecords;
+    const int position = static_cast<int>(tables.size()) + 1;
+    Table& added = tables[*table];
+    added.position = position;
+    added.facts = facts;
+    added.facts.places = nullptr;
     return table;
+}
+
+Status RunWriter::Impl::nameFields(int tableId, std::span<const std::string> names) {
+    if (!tables.contains(tableId))
+        return noTable(tableId);
+    for (const std::string& name : names)
+        if (auto field = fieldIdentity(*connection, tableId, name); !field)
+            return field.error();
+    return {};
+}
+
+Status RunWriter::Impl::addDistributions(int tableId, std::string_view name, PackedField& packed) {
+    if (!tables.contains(tableId))
+        return noTable(tableId);
+    auto field = fieldIdentity(*connection, tableId, name);
+    if (!field)
+        return field.error();
+    return storePackedField(*connection, run, *field, packed);
 }
 
 Status RunWriter::Impl::addField(int tableId, const FieldFacts& facts) {
@@ -110,7 +119,7 @@ Status RunWriter::Impl::addField(int tableId, const FieldFacts& facts) {
     if (!field)
         return field.error();
     if (auto stored = storeField(*connection, run, tableId, *field, facts); !stored)
-        return Error{fmt::format("The field \"{}\" of \"{}\" could not be stored. {}", facts.name, table->second.name,
+        return Error{fmt::format("The field \"{}\" of \"{}\" could not be stored. {}", facts.name, displayName(table->second.facts),
                                  stored.error().text)};
     ++table->second.fields;
     return storeFieldLists(*connection, run, *field, facts);
@@ -122,7 +131,7 @@ Status RunWriter::Impl::addCustomMetric(int tableId, const CustomMetricFacts& fa
         return noTable(tableId);
     if (auto stored = storeCustomMetric(*connection, {run, tableId, ++table->second.metrics}, facts); !stored)
         return Error{fmt::format("The custom metric \"{}\" of \"{}\" could not be stored. {}", facts.name,
-                                 table->second.name, stored.error().text)};
+                                 displayName(table->second.facts), stored.error().text)};
     return {};
 }
 
@@ -131,7 +140,7 @@ Status RunWriter::Impl::addBusinessRule(int tableId, const BusinessRuleFacts& fa
     if (table == tables.end())
         return noTable(tableId);
     if (auto stored = storeBusinessRule(*connection, {run, tableId, ++table->second.rules}, facts); !stored)
-        return Error{fmt::format("The rule \"{}\" of \"{}\" could not be stored. {}", facts.name, table->second.name,
+        return Error{fmt::format("The rule \"{}\" of \"{}\" could not be stored. {}", facts.name, displayName(table->second.facts),
                                  stored.error().text)};
     return {};
 }
@@ -155,7 +164,7 @@ Status RunWriter::Impl::addLog(int tableId, LogLevel level, std::string_view tex
 Result<int> RunWriter::Impl::findField(const FieldAddress& address) {
     int found = -1;
     for (const auto& [id, table] : tables) {
-        if (table.name != address.table)
+        if (displayName(table.facts) != address.table)
             continue;
         if (found != -1)
             return Error{fmt::format("The run has more than one table \"{}\".", address.table)};
@@ -199,7 +208,7 @@ Result<StoredAlert> RunWriter::Impl::placeOf(const AlertFacts& facts) {
     StoredAlert alert;
     alert.facts = &facts;
     for (const auto& [id, table] : tables)
-        if (table.name == facts.table)
+        if (displayName(table.facts) == facts.table)
             alert.table = id;
     if (facts.subject != AlertSubject::StandardMetric)
         return alert;
@@ -229,22 +238,41 @@ Status RunWriter::Impl::setAlerts(std::span<const AlertFacts> alerts) {
             return place.error();
         stored.push_back(std::move(*place));
     }
+    if (Status found = findJob(); !found)
+        return found;
     return replaceAlerts(*connection, job, stored);
 }
 
+Status RunWriter::Impl::findJob() {
+    auto id = jobIdentity(*connection, description.job, description.jobDescription, description.started);
+    if (!id)
+        return id.error();
+    job = *id;
+    return {};
+}
+
+Status RunWriter::Impl::storeTables() {
+    for (const auto& [id, table] : tables)
+        if (auto stored = storeTable(*connection, {run, id, table.position}, table.facts, table.fields); !stored)
+            return stored;
+    return {};
+}
+
 Status RunWriter::Impl::finish(UtcTime finished) {
-    auto count = connection->prepare("UPDATE run_table SET fields = ?3 WHERE run = ?1 AND table_id = ?2");
-    if (!count)
-        return count.error();
-    for (const auto& [id, table] : tables) {
-        if (auto done = count->bind(1, run).bind(2, id).bind(3, table.fields).run(); !done)
-            return done;
-    }
-    auto update = connection->prepare("UPDATE run SET finished = ?2, tables = ?3, records = ?4 WHERE id = ?1");
-    if (!update)
-        return update.error();
-    update->bind(1, run).bind(2, storedTime(finished)).bind(3, static_cast<std::int64_t>(tables.size()));
-    if (auto done = update->bind(4, records).run(); !done)
+    if (Status stored = storeTables(); !stored)
+        return stored;
+    if (Status found = findJob(); !found)
+        return found;
+    auto insert = connection->prepare("INSERT INTO run(id, job, started, finished, description, tables, records) "
+                                      "VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7)");
+    if (!insert)
+        return insert.error();
+    std::int64_t records = 0;
+    for (const auto& [id, table] : tables)
+        records += table.facts.processedRecords;
+    insert->bind(1, run).bind(2, job).bind(3, storedTime(description.started)).bind(4, storedTime(finished));
+    insert->bind(5, description.description).bind(6, static_cast<std::int64_t>(tables.size())).bind(7, records);
+    if (auto done = insert->run(); !done)
         return done;
     return transaction->commit();
 }
@@ -260,6 +288,7 @@ Result<std::unique_ptr<RunWriter>> RunWriter::begin(const std::string& path, con
         return connection.error();
     auto impl = std::make_unique<Impl>();
     impl->connection = std::move(*connection);
+    impl->description = description;
     impl->clock = description.clock ? description.clock : &impl->systemClock;
     if (description.memory > 0)
         if (auto set = impl->connection->setCacheSize(description.memory); !set)
@@ -268,8 +297,10 @@ Result<std::unique_ptr<RunWriter>> RunWriter::begin(const std::string& path, con
     if (!transaction)
         return transaction.error();
     impl->transaction.emplace(std::move(*transaction));
-    if (auto started = impl->start(description); !started)
-        return started.error();
+    auto run = impl->connection->nextId("run");
+    if (!run)
+        return run.error();
+    impl->run = static_cast<int>(*run);
     return std::unique_ptr<RunWriter>(new RunWriter(std::move(impl)));
 }
 
@@ -285,6 +316,18 @@ Result<int> RunWriter::addTable(const TableFacts& table) {
     if (auto open = m_impl->requireOpen(); !open)
         return open.error();
     return m_impl->conclude(m_impl->addTable(table));
+}
+
+Status RunWriter::nameFields(int tableId, std::span<const std::string> names) {
+    if (auto open = m_impl->requireOpen(); !open)
+        return open;
+    return m_impl->conclude(m_impl->nameFields(tableId, names));
+}
+
+Status RunWriter::addDistributions(int tableId, std::string_view field, PackedField& packed) {
+    if (auto open = m_impl->requireOpen(); !open)
+        return open;
+    return m_impl->conclude(m_impl->addDistributions(tableId, field, packed));
 }
 
 Status RunWriter::addField(int tableId, const FieldFacts& field) {

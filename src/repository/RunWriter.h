@@ -19,7 +19,7 @@ struct RunDescription {
     UtcTime started{};
     /// Tells when the lines of the execution log were written; the system's when null.
     const Clock* clock = nullptr;
-    /// Bytes of memory that the transaction may take; 0: as much as any writer. More makes a large run faster.
+    /// Bytes of memory that the transaction may take; 0: as much as any writer.
     std::size_t memory = 0;
 };
 
@@ -37,10 +37,18 @@ class RunWriter {
     RunWriter& operator=(const RunWriter&) = delete;
 
     [[nodiscard]] int runId() const;
+    /// Once the run is committed.
     [[nodiscard]] int jobId() const;
+
+    // What is written twice within a transaction costs much once it does not fit the memory any more. So large things
+    // had better come before small ones, and the rows of the run and of its tables come last of all.
 
     /// Begins a table; its fields follow by addField. Returns the table's id.
     [[nodiscard]] Result<int> addTable(const TableFacts& table);
+    /// Lets these fields, when they are new, have their ids in this order, whatever order they are added in.
+    [[nodiscard]] Status nameFields(int tableId, std::span<const std::string> names);
+    /// Stores the distributions of a field ahead of addField(), which is to be given the same `packed` then.
+    [[nodiscard]] Status addDistributions(int tableId, std::string_view field, PackedField& packed);
     [[nodiscard]] Status addField(int tableId, const FieldFacts& field);
     /// The fields that these read must have been added. Names are unique within the table.
     [[nodiscard]] Status addCustomMetric(int tableId, const CustomMetricFacts& metric);

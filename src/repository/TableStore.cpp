@@ -34,43 +34,14 @@ std::string insertFieldSql() {
     return columns + ")";
 }
 
-Status storeRow(sql::Connection& connection, const PlaceInRun& place, const TableFacts& facts) {
-    auto insert = connection.prepare(
-        "INSERT INTO run_table(run, position, table_id, total_records, processed_records, damaged_records, query, "
-        "filter, alternate_filter, file_path, file_delimiter, file_header, file_encoding, file_byte_order_mark, "
-        "file_size, file_modified, connection) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10,?11,?12,?13,?14,?15,?16,?17)");
-    if (!insert)
-        return insert.error();
-    insert->bind(1, place.run).bind(2, place.position).bind(3, place.table);
-    insert->bind(4, facts.totalRecords).bind(5, facts.processedRecords).bind(6, facts.damagedRecords);
-    insert->bind(7, facts.query).bind(8, facts.filter).bind(9, facts.alternateFilter);
-    if (facts.isTextFile) {
-        const TextFileFacts& file = facts.textFile;
-        insert->bind(10, file.path).bind(11, std::string_view(&file.delimiter, 1)).bind(12, file.hasHeader ? 1 : 0);
-        insert->bind(13, file.encoding).bind(14, file.byteOrderMark ? 1 : 0).bind(15, file.size);
-        insert->bind(16, storedTime(file.modified));
-    } else {
-        for (int parameter = 10; parameter <= 16; ++parameter)
-            insert->bindNull(parameter);
-    }
-    if (facts.connection)
-        insert->bind(17, *facts.connection);
-    else
-        insert->bindNull(17);
-    return insert->run();
-}
-
-Status storeFiles(sql::Connection& connection, const PlaceInRun& place, const TableFacts& facts) {
-    if (!facts.isTextFile)
-        return {};
+Status storePaths(sql::Connection& connection, int run, int table, const TextFileFacts& file) {
     auto insert =
         connection.prepare("INSERT INTO run_file(run, table_id, position, path, quote) VALUES(?1,?2,?3,?4,?5)");
     if (!insert)
         return insert.error();
-    const TextFileFacts& file = facts.textFile;
     const std::span<const std::string> paths = file.files.empty() ? std::span(&file.path, 1) : std::span(file.files);
     const std::string_view quote(&file.quote, file.quote == '\0' ? 0 : 1);
-    insert->bind(1, place.run).bind(2, place.table).bind(5, quote);
+    insert->bind(1, run).bind(2, table).bind(5, quote);
     std::int64_t position = 0;
     for (const std::string& path : paths)
         if (auto done = insert->bind(3, ++position).bind(4, path).run(); !done)
@@ -111,12 +82,38 @@ Status storeOutliers(sql::Connection& connection, int run, int field, std::span<
 
 } // namespace
 
-Status storeTable(sql::Connection& connection, const PlaceInRun& place, const TableFacts& facts) {
-    if (auto stored = storeRow(connection, place, facts); !stored)
-        return stored;
-    if (auto stored = storeFiles(connection, place, facts); !stored)
-        return stored;
-    return facts.places ? storeFilePlaces(connection, place.run, place.table, *facts.places) : Status{};
+Status storeTable(sql::Connection& connection, const PlaceInRun& place, const TableFacts& facts, int fields) {
+    auto insert = connection.prepare(
+        "INSERT INTO run_table(run, position, table_id, total_records, processed_records, damaged_records, query, "
+        "filter, alternate_filter, file_path, file_delimiter, file_header, file_encoding, file_byte_order_mark, "
+        "file_size, file_modified, connection, fields) "
+        "VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10,?11,?12,?13,?14,?15,?16,?17,?18)");
+    if (!insert)
+        return insert.error();
+    insert->bind(1, place.run).bind(2, place.position).bind(3, place.table);
+    insert->bind(4, facts.totalRecords).bind(5, facts.processedRecords).bind(6, facts.damagedRecords);
+    insert->bind(7, facts.query).bind(8, facts.filter).bind(9, facts.alternateFilter);
+    if (facts.isTextFile) {
+        const TextFileFacts& file = facts.textFile;
+        insert->bind(10, file.path).bind(11, std::string_view(&file.delimiter, 1)).bind(12, file.hasHeader ? 1 : 0);
+        insert->bind(13, file.encoding).bind(14, file.byteOrderMark ? 1 : 0).bind(15, file.size);
+        insert->bind(16, storedTime(file.modified));
+    } else {
+        for (int parameter = 10; parameter <= 16; ++parameter)
+            insert->bindNull(parameter);
+    }
+    if (facts.connection)
+        insert->bind(17, *facts.connection);
+    else
+        insert->bindNull(17);
+    return insert->bind(18, fields).run();
+}
+
+Status storeFiles(sql::Connection& connection, int run, int table, const TableFacts& facts) {
+    if (facts.isTextFile)
+        if (auto stored = storePaths(connection, run, table, facts.textFile); !stored)
+            return stored;
+    return facts.places ? storeFilePlaces(connection, run, table, *facts.places) : Status{};
 }
 
 Status storeField(sql::Connection& connection, int run, int table, int field, const FieldFacts& facts) {
@@ -145,20 +142,21 @@ Status storeFieldLists(sql::Connection& connection, int run, int field, const Fi
         return stored;
     if (auto stored = storeValuePlaces(connection, run, field, facts.places); !stored)
         return stored;
-    const DistributionKey values{run, field, DistributionKind::Values};
-    const DistributionKey patterns{run, field, DistributionKind::Patterns};
-    if (facts.packed) {
-        if (auto stored = storePacked(connection, values, *facts.packed); !stored)
-            return stored;
-        if (auto stored = storePacked(connection, patterns, *facts.packed); !stored)
-            return stored;
-        return storePackedHashes(connection, run, field, *facts.packed);
-    }
-    if (auto stored = storeDistribution(connection, values, facts.values); !stored)
+    if (facts.packed)
+        return storePackedField(connection, run, field, *facts.packed);
+    if (auto stored = storeDistribution(connection, {run, field, DistributionKind::Values}, facts.values); !stored)
         return stored;
-    if (auto stored = storeDistribution(connection, patterns, facts.patterns); !stored)
+    if (auto stored = storeDistribution(connection, {run, field, DistributionKind::Patterns}, facts.patterns); !stored)
         return stored;
     return storeValueHashes(connection, run, field, facts.values);
+}
+
+Status storePackedField(sql::Connection& connection, int run, int field, PackedField& packed) {
+    if (auto stored = storePacked(connection, {run, field, DistributionKind::Values}, packed); !stored)
+        return stored;
+    if (auto stored = storePacked(connection, {run, field, DistributionKind::Patterns}, packed); !stored)
+        return stored;
+    return storePackedHashes(connection, run, field, packed);
 }
 
 } // namespace tavix::repository

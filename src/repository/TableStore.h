@@ -10,11 +10,15 @@ namespace tavix::repository {
 
 // Within the caller's transaction.
 
-/// The table with the files that it was read from, and in which parts of them values stand.
-[[nodiscard]] Status storeTable(sql::Connection& connection, const PlaceInRun& place, const TableFacts& facts);
+[[nodiscard]] Status storeTable(sql::Connection& connection, const PlaceInRun& place, const TableFacts& facts,
+                                int fields);
+/// The files that the table was read from, and in which parts of them values stand.
+[[nodiscard]] Status storeFiles(sql::Connection& connection, int run, int table, const TableFacts& facts);
 /// The field with its metrics.
 [[nodiscard]] Status storeField(sql::Connection& connection, int run, int table, int field, const FieldFacts& facts);
 /// Percentiles, outliers, distributions and hashes of a field that is stored.
 [[nodiscard]] Status storeFieldLists(sql::Connection& connection, int run, int field, const FieldFacts& facts);
+/// Distributions and hashes.
+[[nodiscard]] Status storePackedField(sql::Connection& connection, int run, int field, PackedField& packed);
 
 } // namespace tavix::repository

@@ -107,6 +107,15 @@ void Connection::checkpoint() {
     sqlite3_wal_checkpoint_v2(m_impl->handle, nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
 }
 
+Result<std::int64_t> Connection::nextId(std::string_view table) {
+    auto select = prepare("SELECT COALESCE(MAX(seq), 0) + 1 FROM sqlite_sequence WHERE name = ?1");
+    if (!select)
+        return select.error();
+    if (select->bind(1, table).step() != Step::Row)
+        return Error{errorText()};
+    return select->integer(0);
+}
+
 std::int64_t Connection::lastInsertId() const {
     return sqlite3_last_insert_rowid(m_impl->handle);
 }

@@ -108,6 +108,8 @@ class Connection {
     /// Moves what was written into the main file, if no reader stands in the way.
     void checkpoint();
 
+    /// The id that the next row of a table gets whose ids are never given twice; within a transaction that writes.
+    [[nodiscard]] Result<std::int64_t> nextId(std::string_view table);
     [[nodiscard]] std::int64_t lastInsertId() const;
     [[nodiscard]] std::int64_t changes() const;
     /// The last failure of this connection, in a user's words.

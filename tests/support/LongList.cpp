@@ -48,8 +48,8 @@ LongList LongList::build(const std::string& path) {
     made.table = need(writer->addTable(table));
     SampleField field("value", 1, 'I', values);
     need(writer->addField(made.table, field.facts()));
-    made.job = writer->jobId();
     need(writer->commit(clock.now()));
+    made.job = writer->jobId();
     auto connection = need(openRepository(path, sql::OpenMode::Read));
     auto select = need(connection->prepare("SELECT id FROM field WHERE table_id = ?1"));
     if (select.bind(1, made.table).step() != sql::Step::Row)

@@ -241,9 +241,9 @@ void writeSales(SampleRepository& sample, int number) {
                                 "Whatever names a customer",
                                 {{"customers", "id"}, {"suppliers", "id"}, {"german customers", "id"}}}));
     need(writer->addCollection({"Amounts", "", {{"customers", "balance"}, {"big orders", "amount"}}}));
+    need(writer->commit(clock.now() + std::chrono::seconds(90)));
     sample.salesJob = writer->jobId();
     sample.salesRuns.push_back(writer->runId());
-    need(writer->commit(clock.now() + std::chrono::seconds(90)));
 }
 
 void writeInventory(SampleRepository& sample) {
@@ -251,9 +251,9 @@ void writeInventory(SampleRepository& sample) {
     RunDescription description{"Inventory", "", "", clock.now(), &clock};
     auto writer = need(RunWriter::begin(sample.path, description));
     SampleRun(sample, *writer, 0).addParts();
+    need(writer->commit(clock.now() + std::chrono::seconds(1)));
     sample.inventoryJob = writer->jobId();
     sample.inventoryRun = writer->runId();
-    need(writer->commit(clock.now() + std::chrono::seconds(1)));
 }
 
 int idOf(sql::Connection& connection, const std::string& sql, const std::string& name) {

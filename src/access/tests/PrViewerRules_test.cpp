@@ -29,8 +29,6 @@ class PrViewerRulesTest : public testing::PrViewerTest {
     int write(const char* job, int factor) {
         auto writer = RunWriter::begin(m_sample.path, {job, "", "", testing::SampleRepository::runTime(factor)});
         EXPECT_TRUE(writer) << writer.error().text;
-        if (job == std::string("Shop"))
-            m_job = (*writer)->jobId();
         for (const char* name : {"orders", "returns"}) {
             TableFacts table;
             table.name = name;
@@ -55,6 +53,8 @@ class PrViewerRulesTest : public testing::PrViewerTest {
         EXPECT_TRUE((*writer)->addBusinessRule(m_tables["orders"], rule));
         EXPECT_TRUE((*writer)->addBusinessRule(m_tables["returns"], rule));
         EXPECT_TRUE((*writer)->commit({}));
+        if (job == std::string("Shop"))
+            m_job = (*writer)->jobId();
         return (*writer)->runId();
     }
 

@@ -290,8 +290,8 @@ TEST(Distributions, ALongOneIsReadBlockByBlockInOrder) {
     facts.name = "f";
     facts.values = rows;
     ASSERT_TRUE((*writer)->addField(*id, facts));
-    int job = (*writer)->jobId();
     ASSERT_TRUE((*writer)->commit({}));
+    const int job = (*writer)->jobId();
 
     auto viewer = PrViewer::create();
     ASSERT_TRUE(viewer->init(path) && viewer->setCurrentJobSetup(job));

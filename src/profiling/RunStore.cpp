@@ -1,0 +1,122 @@
+#include "profiling/RunStore.h"
+
+#include <utility>
+
+namespace tavix::profiling {
+
+namespace {
+
+std::size_t sizeOf(const FieldFigures& field) {
+    const repository::FieldFacts& facts = field.facts;
+    std::size_t size = sizeof(FieldFigures) + sizeof(PackedResult);
+    for (const repository::PlacePage& page : field.places)
+        size += sizeof page + page.bytes.size();
+    for (const auto& percentile : facts.percentiles)
+        size += sizeof percentile + percentile.value.str().size();
+    for (const auto& outlier : facts.outliers)
+        size += sizeof outlier + outlier.value.str().size();
+    return size;
+}
+
+} // namespace
+
+RunStore::RunStore(std::string repositoryPath, repository::RunDescription run, RunReporter& reporter, StopSignal& stop)
+    : m_path(std::move(repositoryPath)), m_run(std::move(run)), m_reporter(reporter), m_stop(stop) {}
+
+std::optional<Error> RunStore::failure() const {
+    if (!m_repository || !m_repository->hasFailed())
+        return {};
+    return m_repository->finish().error();
+}
+
+void RunStore::add(FinishedTable table) {
+    for (const FieldFigures& field : table.fields)
+        m_waitingSize += sizeOf(field);
+    m_waiting.push_back(std::move(table));
+}
+
+Status RunStore::storeWaiting(std::vector<TableOutcome>& outcomes) {
+    m_reporter.state.phase = ProgressState::Phase::Storing;
+    if (Status status = begin(); !status)
+        return status;
+    if (Status status = storeDistributions(); !status)
+        return status;
+    for (FinishedTable& table : m_waiting) {
+        if (Status status = store(table); !status)
+            return status;
+        outcomes.push_back(std::move(table.report.outcome));
+    }
+    m_waiting.clear();
+    m_waitingSize = 0;
+    return {};
+}
+
+Result<std::unique_ptr<DistributionQueue>> RunStore::storeAlong(FinishedTable& table) {
+    if (Status status = begin(); !status)
+        return status.error();
+    auto queue = std::make_unique<DistributionQueue>(*m_writer, m_stop);
+    for (FinishedTable& waiting : m_waiting) {
+        if (Status status = beginTable(waiting); !status)
+            return status.error();
+        for (FieldFigures& field : waiting.fields)
+            queue->put(*waiting.id, field);
+    }
+    if (Status status = beginTable(table); !status)
+        return status.error();
+    return queue;
+}
+
+Status RunStore::begin() {
+    if (m_writer)
+        return {};
+    if (Status status = m_repository->finish(); !status)
+        return status;
+    auto writer = repository::RunWriter::begin(m_path, m_run);
+    if (!writer)
+        return writer.error();
+    m_writer = std::move(*writer);
+    return {};
+}
+
+Status RunStore::beginTable(FinishedTable& table) {
+    if (table.id)
+        return {};
+    if (table.places)
+        table.report.facts.places = &*table.places;
+    const auto id = m_writer->addTable(table.report.facts);
+    if (!id)
+        return id.error();
+    table.id = *id;
+    return m_writer->nameFields(*id, *table.columns);
+}
+
+Status RunStore::storeDistributions() {
+    for (FinishedTable& table : m_waiting) {
+        m_reporter.state.table = table.report.outcome.name;
+        if (Status status = beginTable(table); !status)
+            return status;
+        DistributionQueue queue(*m_writer, m_stop);
+        for (FieldFigures& field : table.fields)
+            queue.put(*table.id, field);
+        if (Status status = queue.store(); !status)
+            return status;
+    }
+    return {};
+}
+
+Status RunStore::store(FinishedTable& table) {
+    for (FieldFigures& field : table.fields) {
+        field.facts.places = field.places;
+        if (Status status = m_writer->addField(*table.id, field.facts); !status)
+            return status;
+        field = {};
+    }
+    if (Status status = table.pass->storeRules(*m_writer, *table.id); !status)
+        return status;
+    for (const LogLine& line : table.report.log)
+        if (Status status = m_writer->addLog(*table.id, line.level, line.text); !status)
+            return status;
+    return {};
+}
+
+} // namespace tavix::profiling
