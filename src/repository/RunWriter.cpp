@@ -119,8 +119,8 @@ Status RunWriter::Impl::addField(int tableId, const FieldFacts& facts) {
     if (!field)
         return field.error();
     if (auto stored = storeField(*connection, run, tableId, *field, facts); !stored)
-        return Error{fmt::format("The field \"{}\" of \"{}\" could not be stored. {}", facts.name, displayName(table->second.facts),
-                                 stored.error().text)};
+        return Error{fmt::format("The field \"{}\" of \"{}\" could not be stored. {}", facts.name,
+                                 displayName(table->second.facts), stored.error().text)};
     ++table->second.fields;
     return storeFieldLists(*connection, run, *field, facts);
 }
@@ -140,8 +140,8 @@ Status RunWriter::Impl::addBusinessRule(int tableId, const BusinessRuleFacts& fa
     if (table == tables.end())
         return noTable(tableId);
     if (auto stored = storeBusinessRule(*connection, {run, tableId, ++table->second.rules}, facts); !stored)
-        return Error{fmt::format("The rule \"{}\" of \"{}\" could not be stored. {}", facts.name, displayName(table->second.facts),
-                                 stored.error().text)};
+        return Error{fmt::format("The rule \"{}\" of \"{}\" could not be stored. {}", facts.name,
+                                 displayName(table->second.facts), stored.error().text)};
     return {};
 }
 

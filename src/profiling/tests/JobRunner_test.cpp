@@ -148,6 +148,37 @@ TEST_F(RunJob, ManyTablesInLittleMemoryAreStoredWhole) {
         EXPECT_TRUE(entry.path().extension() == ".csv" || entry.path() == m_repository) << entry.path();
 }
 
+TEST_F(RunJob, StoresTheSameByAnyNumberOfThreads) {
+    std::string rows = "id,name,ten\n";
+    for (int i = 0; i < 20'000; ++i)
+        rows += std::to_string(i) + ",name " + std::to_string(i % 6000) + "," + std::to_string(i % 10) + "\n";
+    JobDescription description = job({write("a.csv", "x\n1\n2\n"), write("b.csv", rows)});
+    TableDescription& filtered = description.tables.emplace_back();
+    filtered.name = "few";
+    filtered.basedOn = "b";
+    filtered.where.text = "`ten` < 3";
+    std::vector<std::string> found;
+    for (const unsigned threads : {1U, 2U, 5U}) {
+        m_repository = m_folder.file(std::to_string(threads) + ".tavix");
+        const FixedClock clock;
+        RunOptions options;
+        options.clock = &clock;
+        options.threads = threads;
+        options.placesFrom = 0;
+        const auto run = runJob(description, m_repository, options);
+        ASSERT_TRUE(run.ok()) << run.error().text;
+        found.push_back(stored("SELECT * FROM v_tables ORDER BY table_id") + stored("SELECT * FROM v_fields") +
+                        stored("SELECT field, kind, block, first_row, rows, sum, hex(payload) FROM distribution_block "
+                               "ORDER BY 1, 2, 3") +
+                        stored("SELECT field, chunk, hex(hashes) FROM value_hash ORDER BY 1, 2") +
+                        stored("SELECT * FROM v_percentiles") + stored("SELECT count(*) FROM value_place"));
+    }
+    EXPECT_EQ(stored("SELECT table_name, object_name, processed_records FROM v_tables ORDER BY table_id"),
+              "a||2\nb||20000\nb|few|6000\n");
+    EXPECT_EQ(found[1], found[0]);
+    EXPECT_EQ(found[2], found[0]);
+}
+
 TEST_F(RunJob, AFileWithoutRowsIsATable) {
     ASSERT_TRUE(runJob(job({write("a.csv", "id,x\n")}), m_repository).ok());
     EXPECT_EQ(stored("SELECT field_name, count, minimum_value IS NULL, unique_percent IS NULL FROM v_fields"),

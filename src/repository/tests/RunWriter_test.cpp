@@ -54,10 +54,13 @@ TEST(RunWriter, NothingIsSeenBeforeCommitAndAllOfItAfter) {
 
     auto dropped = RunWriter::begin(path, {"Job", "", "", {}});
     ASSERT_TRUE(dropped);
-    ASSERT_TRUE((*dropped)->addTable(table));
+    id = (*dropped)->addTable(table);
+    ASSERT_TRUE(id);
+    ASSERT_TRUE((*dropped)->addField(*id, field));
     dropped->reset();
     EXPECT_EQ(ask(path, "SELECT COUNT(*) FROM run"), 1);
     EXPECT_EQ(ask(path, "SELECT COUNT(*) FROM run_table"), 1);
+    EXPECT_EQ(ask(path, "SELECT COUNT(*) FROM run_field"), 1);
 }
 
 TEST(RunWriter, KeepsHowATableOfADatabaseWasReached) {
