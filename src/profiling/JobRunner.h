@@ -74,7 +74,8 @@ struct RunOptions {
 /// Profiles every table of the job and stores the result as one new run in the repository at `repositoryPath`, which
 /// is made when it does not exist. On an error or a cancellation nothing of the run is kept; a repository that was made
 /// for it stays, empty. Others may write to the repository while the tables are read; they have to wait only while the
-/// run is stored. Threads and memory change how long it takes, but no figure.
+/// figures of the last one are computed and the run is stored. Threads and memory change how long it takes, but no
+/// figure.
 [[nodiscard]] Result<RunOutcome> runJob(const JobDescription& job, const std::string& repositoryPath,
                                         const RunOptions& options = {});
 

@@ -1,7 +1,8 @@
 #include "profiling/RunEngine.h"
 
+#include "profiling/FirstFailure.h"
+
 #include <algorithm>
-#include <atomic>
 #include <numeric>
 #include <optional>
 #include <utility>
@@ -157,22 +158,13 @@ void RunEngine::forget(TablePass& pass) {
 }
 
 Status RunEngine::divide(std::size_t count, const std::function<Status(std::size_t)>& work) {
-    std::atomic<bool> hasFailed = false;
-    std::mutex mutex;
-    Status outcome;
+    FirstFailure failure;
     m_pool.start(count, [&](std::size_t i) {
-        if (hasFailed)
-            return;
-        Status status = m_stop.isStopped() ? Status{StopSignal::stopped()} : work(i);
-        if (status)
-            return;
-        const std::lock_guard lock(mutex);
-        if (!hasFailed)
-            outcome = std::move(status);
-        hasFailed = true;
+        if (!failure.hasFailed())
+            failure.keep(m_stop.isStopped() ? Status{StopSignal::stopped()} : work(i));
     });
     m_pool.finish();
-    return outcome;
+    return failure.outcome();
 }
 
 Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass, const Along& along) {

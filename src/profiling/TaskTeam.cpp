@@ -1,28 +1,23 @@
 #include "profiling/TaskTeam.h"
 
+#include "profiling/FirstFailure.h"
+
 #include <algorithm>
 #include <atomic>
 #include <future>
-#include <mutex>
-#include <utility>
 #include <vector>
 
 namespace tavix::profiling {
 
 Status doTogether(std::span<const Task> tasks, unsigned threads) {
     std::atomic<std::size_t> next = 0;
-    std::mutex mutex;
-    Status outcome;
+    FirstFailure failure;
     const auto work = [&] {
         try {
             for (std::size_t i = next++; i < tasks.size(); i = next++) {
-                Status status = tasks[i]();
-                if (status)
-                    continue;
-                next = tasks.size();
-                const std::lock_guard lock(mutex);
-                if (outcome)
-                    outcome = std::move(status);
+                failure.keep(tasks[i]());
+                if (failure.hasFailed())
+                    next = tasks.size();
             }
         } catch (...) {
             next = tasks.size();
@@ -35,7 +30,7 @@ Status doTogether(std::span<const Task> tasks, unsigned threads) {
     work();
     for (std::future<void>& helper : helpers)
         helper.get();
-    return outcome;
+    return failure.outcome();
 }
 
 } // namespace tavix::profiling
