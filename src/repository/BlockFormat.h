@@ -63,7 +63,7 @@ void withWidth(std::size_t width, Use use) {
 
 template <typename Number>
 Number loadAs(const void* source, std::size_t position = 0) {
-    Number number = 0;
+    Number number{};
     std::memcpy(&number, static_cast<const std::byte*>(source) + position * sizeof number, sizeof number);
     return number;
 }

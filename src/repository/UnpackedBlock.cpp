@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <limits>
 
@@ -15,8 +16,37 @@ namespace {
 
 constexpr std::uint8_t kWithoutShared = 1; ///< the version before shared beginnings and numbers of no width
 constexpr std::uint8_t kNewest = 2;
-/// Most texts share less.
-constexpr std::size_t kShortStep = 16;
+
+/// The first bytes of a text, in registers: bytes that were written to memory in several pieces just now are slow to
+/// read again.
+class Beginning {
+  public:
+    static constexpr std::size_t kSize = 32;
+
+    /// Keeps as many bytes as a text shares with the one before it and takes those that follow from its rest. kSize
+    /// bytes must be readable from `rest` on, and as many as are shared before it: the rests of earlier texts, which
+    /// together are no shorter than any of these texts.
+    void change(std::size_t shared, const char* rest) {
+        const std::size_t kept = std::min(shared, kSize);
+        for (std::size_t i = 0; i < m_lanes.size(); ++i) {
+            const auto mask = loadAs<Lane>(kMasks.data() + kSize - kept + i * sizeof(Lane));
+            const auto fresh = loadAs<Lane>(rest - kept + i * sizeof(Lane));
+            m_lanes[i] = (m_lanes[i] & mask) | (fresh & ~mask);
+        }
+    }
+    void store(char* target) const { std::memcpy(target, m_lanes.data(), kSize); }
+
+  private:
+    using Lane [[gnu::vector_size(16)]] = std::uint64_t;
+
+    /// Read from kSize - n on: n bytes of ones, then none.
+    static constexpr std::array<std::uint8_t, 2 * kSize> kMasks = [] {
+        std::array<std::uint8_t, 2 * kSize> masks{};
+        std::fill(masks.begin(), masks.begin() + kSize, std::uint8_t{0xFF});
+        return masks;
+    }();
+    std::array<Lane, kSize / sizeof(Lane)> m_lanes{};
+};
 
 bool isWidth(std::size_t width, std::size_t largest, std::uint8_t version) {
     return width == 0 ? version >= kNewest : std::has_single_bit(width) && width <= largest;
@@ -91,49 +121,45 @@ bool UnpackedBlock::readLengths(const std::byte* lengths, std::size_t width) {
 }
 
 bool UnpackedBlock::rebuildTexts(std::span<const std::byte> shared, std::string_view rests) {
-    std::size_t sum = 0;
-    std::uint32_t begin = 0;
-    std::uint32_t lengthBefore = 0;
-    bool fits = true;
-    for (std::size_t row = 0; row < m_rows; ++row) {
-        const auto size = std::to_integer<std::uint32_t>(shared[row]);
-        const std::uint32_t length = m_ends[row] - begin;
-        fits &= size <= std::min(length, lengthBefore);
-        sum += size;
-        begin = m_ends[row];
-        lengthBefore = length;
-    }
-    // So every rest is no less than nothing and all together are what is stored: nothing below reads beyond it.
-    if (!fits || begin != sum + rests.size())
+    const std::size_t total = m_rows == 0 ? 0 : m_ends.back();
+    if (total > rests.size() + m_rows * kLongestShared)
         return false;
-
-    m_rebuilt = std::make_unique_for_overwrite<char[]>(begin + 2 * kCopySlack);
+    m_rebuilt = std::make_unique_for_overwrite<char[]>(total + 2 * kCopySlack);
     const char* rest = rests.data();
-    const char* const restsEnd = rest + rests.size();
+    std::size_t left = rests.size();
     char* text = m_rebuilt.get();
-    const char* before = text;
-    // Of the texts that have as much in common the first one, for bytes that were written just now are slow to read.
-    const char* source = text;
-    std::size_t sharedBefore = 0;
-    std::uint32_t textBegin = 0;
+    std::size_t lengthBefore = 0;
+    std::size_t begin = 0;
+    Beginning beginning;
     for (std::size_t row = 0; row < m_rows; ++row) {
         const auto size = std::to_integer<std::size_t>(shared[row]);
-        const std::size_t length = m_ends[row] - textBegin;
+        const std::size_t length = m_ends[row] - begin;
         const std::size_t restSize = length - size;
-        source = size > sharedBefore ? before : source;
-        copyWithSlack<kShortStep>(text, source, size);
-        if (static_cast<std::size_t>(restsEnd - rest) >= restSize + kCopySlack)
-            copyWithSlack(text + size, rest, restSize);
-        else
+        if (size > std::min(length, lengthBefore) || left < restSize)
+            return false;
+        if (left >= restSize + kCopySlack) {
+            beginning.change(size, rest);
+            beginning.store(text);
+            if (length > Beginning::kSize) {
+                const std::size_t known = std::max(size, Beginning::kSize);
+                if (size > Beginning::kSize)
+                    copyWithSlack(text + Beginning::kSize, text - lengthBefore + Beginning::kSize,
+                                  size - Beginning::kSize);
+                copyWithSlack(text + known, rest + (known - size), length - known);
+            }
+        } else {
+            // Near the end of what may be read, as all rows from here on are, for which nothing is kept at hand.
+            std::memcpy(text, text - lengthBefore, size);
             std::memcpy(text + size, rest, restSize);
+        }
         rest += restSize;
-        before = text;
+        left -= restSize;
         text += length;
-        sharedBefore = size;
-        textBegin = m_ends[row];
+        lengthBefore = length;
+        begin = m_ends[row];
     }
-    m_text = {m_rebuilt.get(), begin};
-    return true;
+    m_text = {m_rebuilt.get(), total};
+    return left == 0;
 }
 
 ValueCount UnpackedBlock::at(std::size_t row) const {
