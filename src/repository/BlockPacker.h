@@ -6,7 +6,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <vector>
 
@@ -17,20 +16,23 @@ class BlockPacker {
   public:
     /// Whether a text of this length goes into the block that is being filled; when not, finish() has to come first.
     [[nodiscard]] bool hasRoomFor(std::size_t length) const {
-        return m_counts.size() < kRowsPerBlock && (m_counts.empty() || m_textSize + length <= kTextPerBlock);
+        return m_rows < kRowsPerBlock && (m_rows == 0 || m_textSize + length <= kTextPerBlock);
     }
-    [[nodiscard]] bool isEmpty() const { return m_counts.empty(); }
+    [[nodiscard]] bool isEmpty() const { return m_rows == 0; }
     /// Copies the row. Fails on a value beyond kLongestValue and on a second null.
     [[nodiscard]] Status add(const ValueCount& row);
     /// Packs the rows, of which there must be one, and begins the next block. The payload lives until the next call.
     [[nodiscard]] PackedBlock finish();
 
   private:
+    void growRows();
     void growText(std::size_t size);
     std::size_t findShared();
     void writeRests(char* target) const;
     void beginNext();
 
+    // Of each list the first m_rows are of this block.
+    std::size_t m_rows = 0;
     std::vector<std::uint64_t> m_counts;
     std::vector<std::uint32_t> m_lengths;
     std::vector<std::uint8_t> m_shared; ///< with the text before; made by findShared()
@@ -38,10 +40,6 @@ class BlockPacker {
     std::size_t m_textSize = 0;
     std::size_t m_textRoom = 0;
     std::int64_t m_firstRow = 0;
-    std::uint64_t m_largestCount = 0;
-    std::uint64_t m_smallestCount = std::numeric_limits<std::uint64_t>::max();
-    std::uint32_t m_longest = 0;
-    std::uint32_t m_shortest = std::numeric_limits<std::uint32_t>::max();
     std::uint32_t m_nullRow = 0;
     bool m_hasNull = false; ///< in this block
     bool m_sawNull = false;

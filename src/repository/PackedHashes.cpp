@@ -124,7 +124,8 @@ Result<std::vector<std::uint64_t>> unpackHashes(std::span<const std::byte> bytes
         return damaged();
     if (header.version != kVersion)
         return Error{fmt::format("Stored hashes have the form {}, which this program does not know.", header.version)};
-    if (header.count > kHashesPerChunk)
+    // A group takes a byte at least.
+    if (header.count > kHashesPerChunk || header.count > 1 + (bytes.size() - sizeof header) * kGroup)
         return damaged();
 
     std::vector<std::uint64_t> hashes(header.count);
