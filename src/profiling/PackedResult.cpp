@@ -1,6 +1,7 @@
 #include "profiling/PackedResult.h"
 
 #include "profiling/StopSignal.h"
+#include "repository/PackedHashes.h"
 
 #include <utility>
 
@@ -61,7 +62,7 @@ Result<bool> PackedRows::next(ByteStore& store, repository::PackedBlock& block) 
 }
 
 Status PackedResult::addHashes(std::span<const std::uint64_t> chunk) {
-    auto piece = m_store.keep(std::as_bytes(chunk));
+    auto piece = m_store.keep(repository::packSortedHashes(chunk));
     if (!piece)
         return piece.error();
     m_hashes.push_back(std::move(*piece));

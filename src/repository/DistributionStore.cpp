@@ -1,5 +1,7 @@
 #include "repository/DistributionStore.h"
 
+#include "repository/PackedHashes.h"
+
 #include <algorithm>
 #include <cstring>
 #include <string_view>
@@ -90,7 +92,8 @@ Status storeValueHashes(sql::Connection& connection, int run, int field, std::sp
     std::span<const std::uint64_t> rest(hashes);
     for (std::int64_t chunk = 0; !rest.empty(); ++chunk) {
         auto part = rest.first(std::min(kHashesPerChunk, rest.size()));
-        insert->bind(3, chunk).bindBlob(4, std::as_bytes(part));
+        const std::vector<std::byte> packed = packSortedHashes(part);
+        insert->bind(3, chunk).bindBlob(4, packed);
         if (auto done = insert->run(); !done)
             return done;
         rest = rest.subspan(part.size());

@@ -27,7 +27,7 @@ class PackedField {
     /// False behind the last one.
     [[nodiscard]] virtual Result<bool> nextValues(PackedBlock& block) = 0;
     [[nodiscard]] virtual Result<bool> nextPatterns(PackedBlock& block) = 0;
-    /// The hashes of all values but null, ascending: kHashesPerChunk of eight bytes each.
+    /// The hashes of all values but null, ascending: kHashesPerChunk each time, as packSortedHashes() has them.
     [[nodiscard]] virtual Result<bool> nextHashes(std::span<const std::byte>& chunk) = 0;
 };
 

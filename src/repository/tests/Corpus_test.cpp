@@ -1,5 +1,6 @@
 #include "base/tests/SourceFolder.h"
 #include "repository/tests/FuzzBlock.h"
+#include "repository/tests/FuzzHashes.h"
 #include "repository/tests/FuzzPlaces.h"
 
 #include <gtest/gtest.h>
@@ -30,7 +31,11 @@ int runCorpus(const std::string& name, void (*fuzz)(std::span<const std::byte>))
 }
 
 TEST(RepositoryCorpus, PackedBlocksAreReadInBounds) {
-    EXPECT_GE(runCorpus("packed_block", fuzzBlock), 6);
+    EXPECT_GE(runCorpus("packed_block", fuzzBlock), 14);
+}
+
+TEST(RepositoryCorpus, PackedHashesAreReadInBoundsAndComeBack) {
+    EXPECT_GE(runCorpus("packed_hashes", fuzzHashes), 7);
 }
 
 TEST(RepositoryCorpus, PlacesAreReadInBoundsAndComeBack) {

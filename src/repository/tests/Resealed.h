@@ -1,0 +1,27 @@
+#pragma once
+
+#include <xxhash.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <span>
+#include <vector>
+
+namespace tavix::repository {
+
+/// A copy of a packed block or of packed hashes with the checksum that its other bytes need, as
+/// docs/formats/distribution.md has it; what has no room for one comes back as it is.
+inline std::vector<std::byte> resealed(std::span<const std::byte> payload) {
+    constexpr std::size_t kHeader = 24;
+    constexpr std::size_t kChecksumAt = 16;
+    std::vector<std::byte> sealed(payload.begin(), payload.end());
+    if (sealed.size() < kHeader)
+        return sealed;
+    const std::uint64_t seed = XXH3_64bits(sealed.data(), kChecksumAt);
+    const std::uint64_t sum = XXH3_64bits_withSeed(sealed.data() + kHeader, sealed.size() - kHeader, seed);
+    std::memcpy(sealed.data() + kChecksumAt, &sum, sizeof sum);
+    return sealed;
+}
+
+} // namespace tavix::repository
