@@ -37,26 +37,6 @@ std::vector<std::uint32_t> orderByCount(const EntryList& entries, std::span<cons
     return order;
 }
 
-/// Puts null where it belongs among rows that come by count.
-class NullRow {
-  public:
-    explicit NullRow(std::uint64_t count) : m_count(count) {}
-
-    Status addBefore(std::uint64_t count, PackedRows& rows, ByteStore& store) {
-        return m_count > 0 && count <= m_count ? add(rows, store) : Status{};
-    }
-    Status add(PackedRows& rows, ByteStore& store) {
-        if (m_count == 0)
-            return {};
-        const std::uint64_t count = m_count;
-        m_count = 0;
-        return rows.add(store, {{}, count, true});
-    }
-
-  private:
-    std::uint64_t m_count; ///< 0 once it is placed
-};
-
 } // namespace
 
 ShownRows::ShownRows(const EntryList& entries, std::span<const Keyed> byText, std::uint64_t nulls)
@@ -115,28 +95,6 @@ Status packHashes(const EntryList& entries, PackedResult& packed, StopSignal& st
         rest = rest.subspan(chunk.size());
     }
     return {};
-}
-
-Status packMergedByCount(const RunSet& runs, std::uint64_t nulls, PackedRows& rows, const Merging& merging) {
-    RunMerge merge = runs.merge(merging.file, merging.memory);
-    NullRow null(nulls);
-    for (std::size_t i = 0;; ++i) {
-        if (i % kRowsBetweenStops == 0 && merging.stop.isStopped())
-            return StopSignal::stopped();
-        const auto more = merge.next();
-        if (!more)
-            return more.error();
-        if (!*more)
-            break;
-        const RunRecord& record = merge.record();
-        if (Status status = null.addBefore(record.count, rows, merging.store); !status)
-            return status;
-        if (Status status = rows.add(merging.store, {record.text, record.count, false}); !status)
-            return status;
-    }
-    if (Status status = null.add(rows, merging.store); !status)
-        return status;
-    return rows.finish(merging.store);
 }
 
 } // namespace tavix::profiling

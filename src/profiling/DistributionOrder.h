@@ -3,7 +3,7 @@
 #include "base/Result.h"
 #include "profiling/KeyedSort.h"
 #include "profiling/PackedResult.h"
-#include "profiling/ValueRuns.h"
+#include "profiling/StopSignal.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -37,17 +37,5 @@ class ShownRows {
 
 /// Packs the sorted hashes of values in memory.
 [[nodiscard]] Status packHashes(const EntryList& entries, PackedResult& packed, StopSignal& stop);
-
-/// What merging takes from outside; `memory` is for buffers.
-struct Merging {
-    SpillFile& file;
-    ByteStore& store;
-    StopSignal& stop;
-    std::size_t memory = 0;
-};
-
-/// Packs the values of lists that are sorted by count from the highest down, then by text.
-[[nodiscard]] Status packMergedByCount(const RunSet& runs, std::uint64_t nulls, PackedRows& rows,
-                                       const Merging& merging);
 
 } // namespace tavix::profiling

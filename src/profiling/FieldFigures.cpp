@@ -2,6 +2,7 @@
 
 #include "profiling/DistributionOrder.h"
 #include "profiling/LargeIntegers.h"
+#include "profiling/MergedDistribution.h"
 #include "profiling/NumberFigure.h"
 #include "profiling/RunBuffer.h"
 #include "profiling/TaskTeam.h"
@@ -173,7 +174,7 @@ class FieldWork {
                 return status;
             if (Status status = finishSurvey(); !status)
                 return status;
-            if (Status status = packMergedHashes(hashes); !status)
+            if (Status status = packMergedHashes(hashes, *m_figures.packed, merging()); !status)
                 return status;
             const auto runs = byCount.finish();
             if (!runs)
@@ -238,30 +239,6 @@ class FieldWork {
         }
     }
 
-    Status packMergedHashes(RunBuffer& hashes) {
-        const auto runs = hashes.finish();
-        if (!runs)
-            return runs.error();
-        RunMerge merge = (*runs)->merge(m_context.file, m_part);
-        std::vector<std::uint64_t> chunk;
-        for (;;) {
-            const auto more = merge.next();
-            if (!more)
-                return more.error();
-            if (*more)
-                chunk.push_back(merge.record().key);
-            if (chunk.size() == repository::kHashesPerChunk || (!*more && !chunk.empty())) {
-                if (m_context.stop.isStopped())
-                    return StopSignal::stopped();
-                if (Status status = m_figures.packed->addHashes(chunk); !status)
-                    return status;
-                chunk.clear();
-            }
-            if (!*more)
-                return {};
-        }
-    }
-
     Status fillByValue(ValueWalk& walk, RunBuffer& byValue) {
         if (Status status = walk.rewind(); !status)
             return status;
@@ -313,7 +290,7 @@ class FieldWork {
     Status finishSurvey() {
         m_survey.finish();
         m_form = keyForm(m_survey.kind(), m_survey.fits64());
-        if (Status status = packPatterns(); !status)
+        if (Status status = packCounted(m_survey.patterns(), m_figures.packed->patterns, merging()); !status)
             return status;
         const std::uint64_t rows = m_survey.rows() + m_nulls;
         set(MetricId::Count, asInteger(rows));
@@ -342,42 +319,6 @@ class FieldWork {
         if (m_survey.kind() == ValueKind::Real)
             set(MetricId::Precision, m_survey.decimalPlaces());
         return {};
-    }
-
-    Status packPatterns() {
-        ColumnValues& patterns = m_survey.patterns();
-        PackedRows& packed = m_figures.packed->patterns;
-        if (!patterns.isSpilled()) {
-            patterns.counter().finish();
-            std::vector<Keyed> spare;
-            const EntryList& entries = patterns.counter().entries();
-            const std::vector<Keyed> order = sortedByText(entries, spare, m_context.stop);
-            const ShownRows shown(entries, order, 0);
-            Status status = shown.pack(0, shown.size(), packed, m_context.store, m_context.stop);
-            patterns.clear(m_context.file);
-            return status;
-        }
-        if (Status status = patterns.spill(m_context.file, m_context.stop); !status)
-            return status;
-        RunBuffer byCount(m_context.file, RunOrder::Key, m_part, m_context.stop);
-        RunMerge merge = patterns.runs().merge(m_context.file, m_part);
-        for (std::size_t i = 0;; ++i) {
-            if (i % kEntriesAtOnce == 0 && m_context.stop.isStopped())
-                return StopSignal::stopped();
-            const auto more = merge.next();
-            if (!more)
-                return more.error();
-            if (!*more)
-                break;
-            const RunRecord& record = merge.record();
-            if (Status status = byCount.add({~record.count, record.count, record.text}); !status)
-                return status;
-        }
-        patterns.clear(m_context.file);
-        const auto runs = byCount.finish();
-        if (!runs)
-            return runs.error();
-        return packMergedByCount(**runs, 0, packed, merging());
     }
 
     ColumnValues& m_values;

@@ -1,0 +1,126 @@
+#include "profiling/MergedDistribution.h"
+
+#include "profiling/DistributionOrder.h"
+#include "profiling/StopSignal.h"
+
+#include <utility>
+#include <vector>
+
+namespace tavix::profiling {
+
+namespace {
+
+constexpr std::size_t kRowsBetweenStops = 4096;
+
+/// Puts null where it belongs among rows that come by count.
+class NullRow {
+  public:
+    explicit NullRow(std::uint64_t count) : m_count(count) {}
+
+    Status addBefore(std::uint64_t count, PackedRows& rows, ByteStore& store) {
+        return m_count > 0 && count <= m_count ? add(rows, store) : Status{};
+    }
+    Status add(PackedRows& rows, ByteStore& store) {
+        if (m_count == 0)
+            return {};
+        const std::uint64_t count = m_count;
+        m_count = 0;
+        return rows.add(store, {{}, count, true});
+    }
+
+  private:
+    std::uint64_t m_count; ///< 0 once it is placed
+};
+
+/// The values of a spilled column as packMergedByCount() wants them.
+Status sortByCount(const ColumnValues& values, RunBuffer& byCount, const Merging& merging) {
+    RunMerge merge = values.runs().merge(merging.file, merging.memory);
+    for (std::size_t i = 0;; ++i) {
+        if (i % kRowsBetweenStops == 0 && merging.stop.isStopped())
+            return StopSignal::stopped();
+        const auto more = merge.next();
+        if (!more)
+            return more.error();
+        if (!*more)
+            return {};
+        const RunRecord& record = merge.record();
+        if (Status status = byCount.add({~record.count, record.count, record.text}); !status)
+            return status;
+    }
+}
+
+Status packInMemory(ValueCounter& counter, PackedRows& rows, const Merging& merging) {
+    counter.finish();
+    std::vector<Keyed> spare;
+    const std::vector<Keyed> order = sortedByText(counter.entries(), spare, merging.stop);
+    const ShownRows shown(counter.entries(), order, 0);
+    return shown.pack(0, shown.size(), rows, merging.store, merging.stop);
+}
+
+} // namespace
+
+Status packMergedByCount(const RunSet& runs, std::uint64_t nulls, PackedRows& rows, const Merging& merging) {
+    RunMerge merge = runs.merge(merging.file, merging.memory);
+    NullRow null(nulls);
+    for (std::size_t i = 0;; ++i) {
+        if (i % kRowsBetweenStops == 0 && merging.stop.isStopped())
+            return StopSignal::stopped();
+        const auto more = merge.next();
+        if (!more)
+            return more.error();
+        if (!*more)
+            break;
+        const RunRecord& record = merge.record();
+        if (Status status = null.addBefore(record.count, rows, merging.store); !status)
+            return status;
+        if (Status status = rows.add(merging.store, {record.text, record.count, false}); !status)
+            return status;
+    }
+    if (Status status = null.add(rows, merging.store); !status)
+        return status;
+    return rows.finish(merging.store);
+}
+
+Status packMergedHashes(RunBuffer& hashes, PackedResult& packed, const Merging& merging) {
+    const auto runs = hashes.finish();
+    if (!runs)
+        return runs.error();
+    RunMerge merge = (*runs)->merge(merging.file, merging.memory);
+    std::vector<std::uint64_t> chunk;
+    for (;;) {
+        const auto more = merge.next();
+        if (!more)
+            return more.error();
+        if (*more)
+            chunk.push_back(merge.record().key);
+        if (chunk.size() == repository::kHashesPerChunk || (!*more && !chunk.empty())) {
+            if (merging.stop.isStopped())
+                return StopSignal::stopped();
+            if (Status status = packed.addHashes(chunk); !status)
+                return status;
+            chunk.clear();
+        }
+        if (!*more)
+            return {};
+    }
+}
+
+Status packCounted(ColumnValues& values, PackedRows& rows, const Merging& merging) {
+    if (!values.isSpilled()) {
+        Status status = packInMemory(values.counter(), rows, merging);
+        values.clear(merging.file);
+        return status;
+    }
+    if (Status status = values.spill(merging.file, merging.stop); !status)
+        return status;
+    RunBuffer byCount(merging.file, RunOrder::Key, merging.memory, merging.stop);
+    if (Status status = sortByCount(values, byCount, merging); !status)
+        return status;
+    values.clear(merging.file);
+    const auto runs = byCount.finish();
+    if (!runs)
+        return runs.error();
+    return packMergedByCount(**runs, 0, rows, merging);
+}
+
+} // namespace tavix::profiling
