@@ -1,6 +1,7 @@
 #include "drill/CDrillThruDataSrc.h"
 
 #include "base/Characters.h"
+#include "base/FreeMemory.h"
 #include "grid/CellSort.h"
 #include "grid/FoldCase.h"
 
@@ -43,7 +44,7 @@ class Finder {
 
 void CDrillThruDataSrc::SetRows(DrillRows rows) {
     m_rows = std::move(rows);
-    m_order = {};
+    freeMemory(m_order);
     m_sortColumn = -1;
     m_descending = false;
     m_widths.clear();

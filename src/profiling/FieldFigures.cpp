@@ -1,5 +1,6 @@
 #include "profiling/FieldFigures.h"
 
+#include "base/FreeMemory.h"
 #include "profiling/DistributionOrder.h"
 #include "profiling/LargeIntegers.h"
 #include "profiling/MergedDistribution.h"
@@ -157,7 +158,7 @@ class FieldWork {
             if (m_form == KeyForm::LargeInteger)
                 orderLargeIntegers(order, entries);
         }
-        spare = {};
+        freeMemory(spare);
         EntryWalk walk(entries, order);
         return computeOrderFigures(m_figures.facts, walk, m_form, participants(), m_context.stop);
     }

@@ -28,12 +28,12 @@ class MemoryPlan {
     [[nodiscard]] std::size_t places() const { return m_bytes / 16; }
     /// Figures that wait to be stored.
     [[nodiscard]] std::size_t facts() const { return m_bytes / 16; }
-    /// What the store may hold back before it writes. More than that would be written at the end, when nothing else is
-    /// done meanwhile.
+    /// Changed pages that the store may hold back. What it still holds at the end is written when nothing else is done
+    /// meanwhile.
     [[nodiscard]] std::size_t storing() const { return std::clamp(m_bytes / 16, kLeastForStore, kMostForStore); }
 
   private:
-    static constexpr std::size_t kLeastForStore = std::size_t{32} << 20;
+    static constexpr std::size_t kLeastForStore = std::size_t{8} << 20;
     static constexpr std::size_t kMostForStore = std::size_t{64} << 20;
 
     std::size_t m_bytes;

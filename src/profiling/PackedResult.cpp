@@ -1,5 +1,6 @@
 #include "profiling/PackedResult.h"
 
+#include "base/FreeMemory.h"
 #include "profiling/StopSignal.h"
 #include "repository/PackedHashes.h"
 
@@ -50,8 +51,13 @@ void PackedRows::append(PackedRows&& following) {
 Result<bool> PackedRows::next(ByteStore& store, repository::PackedBlock& block) {
     if (m_next > 0)
         store.drop(m_blocks[m_next - 1].payload);
-    if (m_next == m_blocks.size())
+    if (m_next == m_blocks.size()) {
+        // Many fields wait for the end of a run, each with what its reading took.
+        freeMemory(m_blocks);
+        freeMemory(m_buffer);
+        m_next = 0;
         return false;
+    }
     const Block& following = m_blocks[m_next++];
     const auto payload = store.read(following.payload, m_buffer);
     if (!payload)
@@ -90,8 +96,12 @@ Result<bool> PackedResult::nextHashes(std::span<const std::byte>& chunk) {
         return status.error();
     if (m_nextHashes > 0)
         m_store.drop(m_hashes[m_nextHashes - 1]);
-    if (m_nextHashes == m_hashes.size())
+    if (m_nextHashes == m_hashes.size()) {
+        freeMemory(m_hashes);
+        freeMemory(m_buffer);
+        m_nextHashes = 0;
         return false;
+    }
     const auto bytes = m_store.read(m_hashes[m_nextHashes++], m_buffer);
     if (!bytes)
         return bytes.error();

@@ -22,7 +22,7 @@ class PackedRows {
 
     [[nodiscard]] std::int64_t rows() const { return m_rows; }
     [[nodiscard]] std::uint64_t sum() const { return m_sum; }
-    /// Hands out the next block and forgets the one before; false at the end.
+    /// Hands out the next block and forgets the one before; false at the end, and with it all is forgotten.
     [[nodiscard]] Result<bool> next(ByteStore& store, repository::PackedBlock& block);
 
   private:

@@ -1,5 +1,6 @@
 #include "profiling/RunBuffer.h"
 
+#include "base/FreeMemory.h"
 #include "profiling/LargeIntegers.h"
 
 namespace tavix::profiling {
@@ -51,8 +52,8 @@ Result<const RunSet*> RunBuffer::finish() {
     if (Status status = spill(); !status)
         return status.error();
     m_entries = {};
-    m_rows = {};
-    m_spare = {};
+    freeMemory(m_rows);
+    freeMemory(m_spare);
     return static_cast<const RunSet*>(&m_runs);
 }
 

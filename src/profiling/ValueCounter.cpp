@@ -1,5 +1,7 @@
 #include "profiling/ValueCounter.h"
 
+#include "base/FreeMemory.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -126,7 +128,7 @@ void ValueCounter::add(std::string_view text, std::uint64_t count) {
 }
 
 void ValueCounter::finish() {
-    m_slots = {};
+    freeMemory(m_slots);
 }
 
 void ValueCounter::absorb(ValueCounter&& other) {
@@ -145,8 +147,8 @@ void ValueCounter::dropValues() {
     m_texts.clear();
     m_absorbedTexts.clear();
     m_textBytes = 0;
-    m_slots.assign(kFirstSlots, 0);
-    m_slots.shrink_to_fit();
+    freeMemory(m_slots);
+    m_slots.resize(kFirstSlots);
 }
 
 void ValueCounter::grow() {
