@@ -53,7 +53,11 @@ class Awaited {
         m_task();
         return {};
     }
-    Made& get() const { return *m_made.get(); }
+    Made& get(StopSignal& stop) const {
+        while (m_made.wait_for(kBetweenPolls) != std::future_status::ready)
+            (void)stop.isStopped();
+        return *m_made.get();
+    }
 
   private:
     std::packaged_task<Made*()> m_task;
@@ -113,10 +117,10 @@ class FieldWork {
         std::vector<Task> tasks{[&] { return deal.make(); }, [&] { return surveyInMemory(entries); }};
         for (std::size_t part = 0; part < DividedTextSort::kParts; ++part)
             tasks.emplace_back([&, part] {
-                deal.get().sortPart(part, m_context.stop);
+                deal.get(m_context.stop).sortPart(part, m_context.stop);
                 return Status{};
             });
-        if (Status status = doTogether(tasks, threads); !status)
+        if (Status status = doTogether(tasks, threads, m_context.stop); !status)
             return status;
         return packTogether(entries, order, spare, threads);
     }
@@ -133,16 +137,16 @@ class FieldWork {
         std::vector<Task> tasks{[&] { return show.make(); },
                                 [&] { return packHashes(entries, *m_figures.packed, m_context.stop); },
                                 [&] {
-                                    show.get(); // It looks at the order that this uses up.
+                                    show.get(m_context.stop); // It looks at the order that this uses up.
                                     return figureByValue(entries, order, spare);
                                 }};
         for (std::size_t i = 0; i < parts.size(); ++i)
             tasks.emplace_back([&, i] {
                 const std::size_t first = i * rowsAtOnce;
-                return show.get().pack(first, std::min(rowsAtOnce, rows - first), parts[i], m_context.store,
-                                       m_context.stop);
+                return show.get(m_context.stop)
+                    .pack(first, std::min(rowsAtOnce, rows - first), parts[i], m_context.store, m_context.stop);
             });
-        Status status = doTogether(tasks, threads);
+        Status status = doTogether(tasks, threads, m_context.stop);
         for (PackedRows& part : parts)
             m_figures.packed->values.append(std::move(part));
         return status;

@@ -60,7 +60,7 @@ class MemoryGate {
     [[nodiscard]] Pass take(std::size_t bytes, StopSignal& stop) {
         std::unique_lock lock(m_mutex);
         const auto fits = [&] { return m_taken == 0 || m_taken + bytes <= m_bytes; };
-        while (!m_givenBack.wait_for(lock, std::chrono::milliseconds(50), fits) && !stop.isStopped()) {
+        while (!m_givenBack.wait_for(lock, kBetweenPolls, fits) && !stop.isStopped()) {
         }
         m_taken += bytes;
         return {*this, bytes};

@@ -163,7 +163,7 @@ Status RunEngine::divide(std::size_t count, const std::function<Status(std::size
         if (!failure.hasFailed())
             failure.keep(m_stop.isStopped() ? Status{StopSignal::stopped()} : work(i));
     });
-    m_pool.finish();
+    m_pool.finish([&] { (void)m_stop.isStopped(); });
     return failure.outcome();
 }
 

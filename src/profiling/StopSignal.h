@@ -3,11 +3,15 @@
 #include "base/Result.h"
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <thread>
 #include <utility>
 
 namespace tavix::profiling {
+
+/// While a thread waits for others it asks its StopSignal so often, for nobody else may.
+constexpr std::chrono::milliseconds kBetweenPolls{50};
 
 /// Whether the work shall end. Long steps ask some hundred times a second; the thread that made the signal also tells
 /// its watcher then how far things are, and learns from it whether to stop.

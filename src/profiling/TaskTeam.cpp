@@ -9,7 +9,7 @@
 
 namespace tavix::profiling {
 
-Status doTogether(std::span<const Task> tasks, unsigned threads) {
+Status doTogether(std::span<const Task> tasks, unsigned threads, StopSignal& stop) {
     std::atomic<std::size_t> next = 0;
     FirstFailure failure;
     const auto work = [&] {
@@ -28,8 +28,11 @@ Status doTogether(std::span<const Task> tasks, unsigned threads) {
     for (std::size_t i = 1; i < std::min<std::size_t>(threads, tasks.size()); ++i)
         helpers.push_back(std::async(std::launch::async, work));
     work();
-    for (std::future<void>& helper : helpers)
+    for (std::future<void>& helper : helpers) {
+        while (helper.wait_for(kBetweenPolls) != std::future_status::ready)
+            (void)stop.isStopped();
         helper.get();
+    }
     return failure.outcome();
 }
 

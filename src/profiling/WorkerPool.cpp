@@ -1,5 +1,7 @@
 #include "profiling/WorkerPool.h"
 
+#include "profiling/StopSignal.h"
+
 #include <utility>
 
 namespace tavix::profiling {
@@ -31,10 +33,15 @@ void WorkerPool::start(std::size_t count, std::function<void(std::size_t)> task)
     m_begun.notify_all();
 }
 
-void WorkerPool::finish() {
+void WorkerPool::finish(const std::function<void()>& poll) {
     work();
     std::unique_lock lock(m_mutex);
-    m_done.wait(lock, [this] { return m_working == 0; });
+    while (!m_done.wait_for(lock, kBetweenPolls, [this] { return m_working == 0; })) {
+        lock.unlock();
+        if (poll)
+            poll();
+        lock.lock();
+    }
     // A helper that wakes only now stays out, and so touches nothing that the next start() changes.
     m_count = 0;
     if (m_exception)

@@ -26,8 +26,8 @@ class WorkerPool {
     /// finish() the caller may do something else that the tasks do not touch.
     void start(std::size_t count, std::function<void(std::size_t)> task);
     /// Takes part, and returns when every task is done. An exception of a task comes out here; the tasks that had not
-    /// begun are then left out.
-    void finish();
+    /// begun are then left out. `poll` is called some twenty times a second when there is nothing left but to wait.
+    void finish(const std::function<void()>& poll = {});
 
   private:
     void help();

@@ -1,3 +1,4 @@
+#include "profiling/TaskTeam.h"
 #include "profiling/WorkerPool.h"
 
 #include <gtest/gtest.h>
@@ -37,6 +38,51 @@ TEST(WorkerPool, AnExceptionComesOutAndTheNextRoundIsDone) {
         pool.finish();
         EXPECT_EQ(done, 8);
     }
+}
+
+/// Two tasks: the caller's ends when the other one has begun, and that one when the caller has been asked.
+class WaitingForAPoll {
+  public:
+    void task() {
+        if (std::this_thread::get_id() == m_caller) {
+            while (!m_hasBegun)
+                std::this_thread::yield();
+            return;
+        }
+        m_hasBegun = true;
+        while (!m_isPolled)
+            std::this_thread::yield();
+    }
+    void poll() {
+        EXPECT_EQ(std::this_thread::get_id(), m_caller);
+        m_isPolled = true;
+    }
+
+  private:
+    std::thread::id m_caller = std::this_thread::get_id();
+    std::atomic<bool> m_hasBegun = false;
+    std::atomic<bool> m_isPolled = false;
+};
+
+// Only the thread that began a run may ask its user whether to go on, and others may work for long.
+TEST(WorkerPool, PollsWhileItWaitsForTheOthers) {
+    WaitingForAPoll waiting;
+    WorkerPool pool(2);
+    pool.start(2, [&](std::size_t) { waiting.task(); });
+    pool.finish([&] { waiting.poll(); });
+}
+
+TEST(TaskTeam, PollsWhileItWaitsForTheOthers) {
+    WaitingForAPoll waiting;
+    StopSignal stop([&] {
+        waiting.poll();
+        return true;
+    });
+    const std::vector<Task> tasks(2, [&] {
+        waiting.task();
+        return Status{};
+    });
+    EXPECT_TRUE(doTogether(tasks, 2, stop));
 }
 
 } // namespace
