@@ -4,10 +4,14 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <chrono>
+#include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -118,6 +122,24 @@ class Neighbour final : public ProgressWatcher {
   private:
     std::string m_path;
 };
+
+// It is opened while the reading begins, and a table may be long: here it has no end.
+TEST_F(RunJob, ARepositoryThatCannotBeOpenedEndsTheReading) {
+    write("r.tavix", "no repository");
+    const std::string pipe = m_folder.file("endless.csv");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    std::signal(SIGPIPE, SIG_IGN);
+    std::thread endless([&] {
+        std::ofstream out(pipe);
+        const std::string rows(4096, '\n');
+        for (out << "id\n"; out; out << rows)
+            ;
+    });
+    const auto run = runJob(job({pipe}), m_repository);
+    endless.join();
+    ASSERT_FALSE(run.ok());
+    EXPECT_THAT(run.error().text, ::testing::HasSubstr("r.tavix"));
+}
 
 TEST_F(RunJob, OthersWriteWhileTablesAreRead) {
     const JobDescription description = job({write("a.csv", "id\n1\n"), write("b.csv", "id\n1\n")});
