@@ -42,6 +42,8 @@ std::string_view phaseText(profiling::ProgressState::Phase phase) {
     switch (phase) {
     case Phase::Counting:
         return "counting";
+    case Phase::Waiting:
+        return "waiting for another program that writes to the repository";
     case Phase::Storing:
         return "storing";
     case Phase::Reading:

@@ -22,7 +22,12 @@ struct ProgressState {
     std::int64_t bytesDone = 0; ///< of all tables
     std::int64_t bytesTotal = 0;
     double seconds = 0; ///< since the run began
-    enum class Phase { Reading, Counting, Storing } phase = Phase::Reading;
+    enum class Phase {
+        Reading,
+        Counting, ///< computing figures
+        Waiting,  ///< for another program that writes to the repository
+        Storing,
+    } phase = Phase::Reading;
 };
 
 class ProgressWatcher {

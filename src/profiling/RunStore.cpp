@@ -1,10 +1,14 @@
 #include "profiling/RunStore.h"
 
+#include <chrono>
 #include <utility>
 
 namespace tavix::profiling {
 
 namespace {
+
+/// How long another writer is waited for.
+constexpr std::chrono::minutes kPatience{10};
 
 std::size_t sizeOf(const FieldFigures& field) {
     const repository::FieldFacts& facts = field.facts;
@@ -71,7 +75,16 @@ Status RunStore::begin() {
         return {};
     if (Status status = m_repository->finish(); !status)
         return status;
-    auto writer = repository::RunWriter::begin(m_path, m_run);
+    // What was read for hours shall not be lost to another run that is being stored.
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    const auto phase = m_reporter.state.phase;
+    repository::RunDescription run = m_run;
+    run.mayWait = [this, end] {
+        m_reporter.state.phase = ProgressState::Phase::Waiting;
+        return !m_stop.isStopped() && std::chrono::steady_clock::now() < end;
+    };
+    auto writer = repository::RunWriter::begin(m_path, run);
+    m_reporter.state.phase = phase;
     if (!writer)
         return writer.error();
     m_writer = std::move(*writer);

@@ -283,7 +283,7 @@ RunWriter::~RunWriter() = default;
 Result<std::unique_ptr<RunWriter>> RunWriter::begin(const std::string& path, const RunDescription& description) {
     if (description.job.empty())
         return Error{"A run needs the name of its job."};
-    auto connection = openRepository(path, sql::OpenMode::Create);
+    auto connection = openRepository(path, sql::OpenMode::Create, description.mayWait);
     if (!connection)
         return connection.error();
     auto impl = std::make_unique<Impl>();

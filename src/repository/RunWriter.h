@@ -5,6 +5,7 @@
 #include "repository/Facts.h"
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -21,6 +22,8 @@ struct RunDescription {
     const Clock* clock = nullptr;
     /// Bytes of memory that the transaction may take; 0: as much as any writer.
     std::size_t memory = 0;
+    /// Asked some twenty times a second while another program writes; empty: wait 5 seconds.
+    std::function<bool()> mayWait{};
 };
 
 /// Writes one run of a job. Everything happens in one transaction: until commit() succeeds nobody sees any of it, and
@@ -28,7 +31,7 @@ struct RunDescription {
 /// what follows fails too, and nothing is kept.
 class RunWriter {
   public:
-    /// Opens or makes the repository at `path` and begins. Another writer is waited for, then an error.
+    /// Opens or makes the repository at `path` and begins. Another writer is waited for; then it is an error.
     [[nodiscard]] static Result<std::unique_ptr<RunWriter>> begin(const std::string& path,
                                                                   const RunDescription& description);
     /// Rolls back unless committed.

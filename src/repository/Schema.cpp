@@ -74,7 +74,8 @@ Status prepareSchema(sql::Connection& connection, sql::OpenMode mode, std::span<
     return *version < newest ? migrate(connection, steps) : Status{};
 }
 
-Result<std::unique_ptr<sql::Connection>> openRepository(const std::string& path, sql::OpenMode mode) {
+Result<std::unique_ptr<sql::Connection>> openRepository(const std::string& path, sql::OpenMode mode,
+                                                        const std::function<bool()>& mayWait) {
     if (path.starts_with("postgresql:") || path.starts_with("postgres:"))
         return Error{"This build has no support for PostgreSQL repositories. Name a repository file instead."};
     std::string file = path.starts_with(kStoreScheme) ? path.substr(kStoreScheme.size()) : path;
@@ -82,6 +83,8 @@ Result<std::unique_ptr<sql::Connection>> openRepository(const std::string& path,
         sql::Connection::openFile(file, mode, mode == sql::OpenMode::Read ? kReaderPatience : kWriterPatience);
     if (!connection)
         return connection;
+    if (mayWait)
+        (*connection)->waitWhile(mayWait);
     if (auto prepared = prepareSchema(**connection, mode, schemaSteps()); !prepared)
         return prepared.error();
     if (mode != sql::OpenMode::Read) {

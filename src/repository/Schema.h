@@ -4,6 +4,7 @@
 #include "sql/Connection.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -24,7 +25,9 @@ inline constexpr std::int32_t kOldestReadable = 1;
 /// program knows. For writing, an older version is brought up to date in one transaction, and a deletion that was cut
 /// short is finished; Create makes the repository when there is no file or an empty one. Nothing is changed in a file
 /// that is not ours.
-[[nodiscard]] Result<std::unique_ptr<sql::Connection>> openRepository(const std::string& path, sql::OpenMode mode);
+/// Where another program holds it, a writer waits 5 seconds, or as long as `mayWait` says (sql::Connection::waitWhile).
+[[nodiscard]] Result<std::unique_ptr<sql::Connection>> openRepository(const std::string& path, sql::OpenMode mode,
+                                                                      const std::function<bool()>& mayWait = {});
 
 /// The check and the migration alone, for a list of steps.
 [[nodiscard]] Status prepareSchema(sql::Connection& connection, sql::OpenMode mode, std::span<const char* const> steps);

@@ -26,6 +26,20 @@ Error Connection::Impl::fail() {
 Connection::Connection(std::unique_ptr<Impl> impl) : m_impl(std::move(impl)) {}
 Connection::~Connection() = default;
 
+void Connection::waitWhile(std::function<bool()> mayWait) {
+    m_impl->mayWait = std::move(mayWait);
+    sqlite3_busy_handler(
+        m_impl->handle,
+        [](void* impl, int) {
+            constexpr int kMilliseconds = 50;
+            if (!static_cast<Impl*>(impl)->mayWait())
+                return 0;
+            sqlite3_sleep(kMilliseconds);
+            return 1;
+        },
+        m_impl.get());
+}
+
 Status Connection::execute(const std::string& script) {
     if (sqlite3_exec(m_impl->handle, script.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
         return m_impl->fail();

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -82,6 +83,9 @@ class Connection {
     ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
+
+    /// From now on a busy file is waited for as long as `mayWait`, asked some twenty times a second, says so.
+    void waitWhile(std::function<bool()> mayWait);
 
     /// Runs a script of statements without parameters.
     [[nodiscard]] Status execute(const std::string& script);

@@ -2,6 +2,7 @@
 
 #include "sql/Connection.h"
 
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -19,6 +20,7 @@ struct Connection::Impl {
     /// Parsed statements that nobody uses at the moment. The texts come from our own code, so their number is bounded.
     std::map<std::string, std::vector<sqlite3_stmt*>, std::less<>> idle;
     std::string lastError;
+    std::function<bool()> mayWait;
 
     Impl() = default;
     Impl(const Impl&) = delete;

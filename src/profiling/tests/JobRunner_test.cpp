@@ -10,6 +10,8 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <utility>
@@ -148,6 +150,47 @@ TEST_F(RunJob, OthersWriteWhileTablesAreRead) {
     const auto run = runJob(description, m_repository, {"", &neighbour, nullptr});
     ASSERT_TRUE(run.ok()) << run.error().text;
     EXPECT_EQ(neighbour.written, 3) << "before the first table, and at the beginning of both";
+    EXPECT_EQ(stored("SELECT count(*) FROM v_runs"), "2\n");
+}
+
+/// Another program that is writing, and ends when a run waits for it; or else the run is cancelled then.
+class LongWriter final : public ProgressWatcher {
+  public:
+    LongWriter(const std::string& path, bool ends) : m_ends(ends) {
+        m_connection = sql::Connection::openFile(path, sql::OpenMode::Write).value();
+        m_transaction.emplace(sql::Transaction::begin(*m_connection).value());
+    }
+    bool progress(const ProgressState& state) override {
+        if (state.phase != ProgressState::Phase::Waiting)
+            return true;
+        ++waited;
+        if (m_ends)
+            m_transaction.reset();
+        return m_ends;
+    }
+    int waited = 0;
+
+  private:
+    bool m_ends;
+    std::unique_ptr<sql::Connection> m_connection;
+    std::optional<sql::Transaction> m_transaction;
+};
+
+TEST_F(RunJob, WaitsForAnotherWriterUntilItIsCancelled) {
+    const JobDescription description = job({write("a.csv", "id\n1\n")});
+    ASSERT_TRUE(runJob(description, m_repository).ok());
+    {
+        LongWriter writer(m_repository, false);
+        const auto run = runJob(description, m_repository, {"", &writer, nullptr});
+        ASSERT_TRUE(run.ok()) << run.error().text;
+        EXPECT_TRUE(run->cancelled);
+        EXPECT_EQ(writer.waited, 1);
+    }
+    LongWriter writer(m_repository, true);
+    const auto run = runJob(description, m_repository, {"", &writer, nullptr});
+    ASSERT_TRUE(run.ok()) << run.error().text;
+    EXPECT_FALSE(run->cancelled);
+    EXPECT_EQ(writer.waited, 1);
     EXPECT_EQ(stored("SELECT count(*) FROM v_runs"), "2\n");
 }
 
