@@ -32,9 +32,10 @@ class NullRow {
     std::uint64_t m_count; ///< 0 once it is placed
 };
 
-/// The values of a spilled column as packMergedByCount() wants them.
-Status sortByCount(const ColumnValues& values, RunBuffer& byCount, const Merging& merging) {
-    RunMerge merge = values.runs().merge(merging.file, merging.memory);
+/// Calls use(record) for each record of the merged lists.
+template <typename Use>
+Status useMerged(const RunSet& runs, const Merging& merging, Use use) {
+    RunMerge merge = runs.merge(merging.file, merging.memory);
     for (std::size_t i = 0;; ++i) {
         if (i % kRowsBetweenStops == 0 && merging.stop.isStopped())
             return StopSignal::stopped();
@@ -43,8 +44,7 @@ Status sortByCount(const ColumnValues& values, RunBuffer& byCount, const Merging
             return more.error();
         if (!*more)
             return {};
-        const RunRecord& record = merge.record();
-        if (Status status = byCount.add({~record.count, record.count, record.text}); !status)
+        if (Status status = use(merge.record()); !status)
             return status;
     }
 }
@@ -60,49 +60,30 @@ Status packInMemory(ValueCounter& counter, PackedRows& rows, const Merging& merg
 } // namespace
 
 Status packMergedByCount(const RunSet& runs, std::uint64_t nulls, PackedRows& rows, const Merging& merging) {
-    RunMerge merge = runs.merge(merging.file, merging.memory);
     NullRow null(nulls);
-    for (std::size_t i = 0;; ++i) {
-        if (i % kRowsBetweenStops == 0 && merging.stop.isStopped())
-            return StopSignal::stopped();
-        const auto more = merge.next();
-        if (!more)
-            return more.error();
-        if (!*more)
-            break;
-        const RunRecord& record = merge.record();
-        if (Status status = null.addBefore(record.count, rows, merging.store); !status)
-            return status;
-        if (Status status = rows.add(merging.store, {record.text, record.count, false}); !status)
-            return status;
-    }
-    if (Status status = null.add(rows, merging.store); !status)
-        return status;
-    return rows.finish(merging.store);
+    Status status = useMerged(runs, merging, [&](const RunRecord& record) {
+        Status added = null.addBefore(record.count, rows, merging.store);
+        return added ? rows.add(merging.store, {record.text, record.count, false}) : added;
+    });
+    if (status)
+        status = null.add(rows, merging.store);
+    return status ? rows.finish(merging.store) : status;
 }
 
 Status packMergedHashes(RunBuffer& hashes, PackedResult& packed, const Merging& merging) {
     const auto runs = hashes.finish();
     if (!runs)
         return runs.error();
-    RunMerge merge = (*runs)->merge(merging.file, merging.memory);
     std::vector<std::uint64_t> chunk;
-    for (;;) {
-        const auto more = merge.next();
-        if (!more)
-            return more.error();
-        if (*more)
-            chunk.push_back(merge.record().key);
-        if (chunk.size() == repository::kHashesPerChunk || (!*more && !chunk.empty())) {
-            if (merging.stop.isStopped())
-                return StopSignal::stopped();
-            if (Status status = packed.addHashes(chunk); !status)
-                return status;
-            chunk.clear();
-        }
-        if (!*more)
+    Status status = useMerged(**runs, merging, [&](const RunRecord& record) -> Status {
+        chunk.push_back(record.key);
+        if (chunk.size() < repository::kHashesPerChunk)
             return {};
-    }
+        Status added = packed.addHashes(chunk);
+        chunk.clear();
+        return added;
+    });
+    return status && !chunk.empty() ? packed.addHashes(chunk) : status;
 }
 
 Status packCounted(ColumnValues& values, PackedRows& rows, const Merging& merging) {
@@ -114,7 +95,10 @@ Status packCounted(ColumnValues& values, PackedRows& rows, const Merging& mergin
     if (Status status = values.spill(merging.file, merging.stop); !status)
         return status;
     RunBuffer byCount(merging.file, RunOrder::Key, merging.memory, merging.stop);
-    if (Status status = sortByCount(values, byCount, merging); !status)
+    const auto keyedByCount = [&](const RunRecord& record) {
+        return byCount.add({~record.count, record.count, record.text});
+    };
+    if (Status status = useMerged(values.runs(), merging, keyedByCount); !status)
         return status;
     values.clear(merging.file);
     const auto runs = byCount.finish();
