@@ -51,7 +51,16 @@ bool TextFileSearch::canFind(std::string_view value, char quote) {
            value.find(kReplacement) == std::string_view::npos;
 }
 
-TextFileSearch::TextFileSearch(std::string path, int file) : m_path(std::move(path)), m_file(file) {}
+TextFileSearch::TextFileSearch(const TextFileReader& reader, int file)
+    : m_path(reader.path()),
+      m_file(file),
+      m_quote(reader.quote()),
+      m_delimiter(reader.delimiter() == '\0' ? '\n' : reader.delimiter()),
+      m_names(reader.columnNames().begin(), reader.columnNames().end()),
+      m_size(reader.fileSize()),
+      m_firstRow(reader.position()),
+      m_modified(reader.modified()),
+      m_rowLimit(std::clamp<std::size_t>((std::size_t{1} << 20) / m_names.size(), 1, kTurnRows)) {}
 
 TextFileSearch::~TextFileSearch() {
     ::close(m_file);
@@ -65,36 +74,36 @@ Result<std::unique_ptr<TextFileSearch>> TextFileSearch::open(const std::string& 
     struct stat info {};
     if (::stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode) && !S_ISDIR(info.st_mode))
         return Error{fmt::format("\"{}\" is no file that can be read again", path)};
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0)
-        return Error{fmt::format("\"{}\" cannot be opened: {}", path, std::generic_category().message(errno))};
-    std::unique_ptr<TextFileSearch> search(new TextFileSearch(path, file));
-    if (Status status = search->begin(options); !status)
-        return status.error();
-    return search;
-}
-
-Status TextFileSearch::begin(const TextFileOptions& options) {
     // How the file is divided is the reader's to say.
     TextFileOptions beginning = options;
     if (options.delimiter)
         beginning.pieceSize = kFirstPiece;
-    auto reader = TextFileReader::open(m_path, beginning);
+    const auto reader = TextFileReader::open(path, beginning);
     if (!reader)
         return reader.error();
-    m_names.assign((*reader)->columnNames().begin(), (*reader)->columnNames().end());
-    m_delimiter = (*reader)->delimiter() == '\0' ? '\n' : (*reader)->delimiter();
-    m_quote = options.quote;
-    m_size = (*reader)->total();
-    m_modified = (*reader)->modified();
-    m_firstRow = (*reader)->position();
-    m_rowLimit = std::clamp<std::size_t>((std::size_t{1} << 20) / m_names.size(), 1, kTurnRows);
+    return open(**reader);
+}
+
+Result<std::unique_ptr<TextFileSearch>> TextFileSearch::open(const TextFileReader& reader) {
+    const std::string& path = reader.path();
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return Error{fmt::format("\"{}\" cannot be opened: {}", path, std::generic_category().message(errno))};
+    std::unique_ptr<TextFileSearch> search(new TextFileSearch(reader, file));
+    if (Status status = search->begin(reader.stamp()); !status)
+        return status.error();
+    return search;
+}
+
+Status TextFileSearch::begin(const FileStamp& expected) {
     struct stat info {};
     if (::fstat(m_file, &info) != 0)
         return failure("cannot be read: " + std::generic_category().message(errno));
-    if (static_cast<std::int64_t>(info.st_size) != m_size)
-        return failure("changed its size while it was read");
     m_stamp = stampOf(info);
+    if (m_stamp.size != expected.size)
+        return failure("changed its size while it was read");
+    if (m_stamp != expected)
+        return failure("was changed while it was read");
     return {};
 }
 

@@ -29,6 +29,9 @@ class TextFileSearch final : public RowReader {
     /// regular file.
     [[nodiscard]] static Result<std::unique_ptr<TextFileSearch>> open(const std::string& path,
                                                                       const TextFileOptions& options);
+    /// The regular file in UTF-8 that `reader` has opened and not yet read from; another one is an error when it stands
+    /// there by now.
+    [[nodiscard]] static Result<std::unique_ptr<TextFileSearch>> open(const TextFileReader& reader);
     ~TextFileSearch() override;
     TextFileSearch(const TextFileSearch&) = delete;
     TextFileSearch& operator=(const TextFileSearch&) = delete;
@@ -56,8 +59,8 @@ class TextFileSearch final : public RowReader {
     [[nodiscard]] std::int64_t firstRow() const { return m_firstRow; }
 
   private:
-    TextFileSearch(std::string path, int file);
-    Status begin(const TextFileOptions& options);
+    TextFileSearch(const TextFileReader& reader, int file);
+    Status begin(const FileStamp& expected);
     void startRange();
     [[nodiscard]] bool isRangeDone() const { return m_isLast && m_resume == m_end && !m_mustTake; }
     /// Keeps what stands behind the last known row start and reads on.
