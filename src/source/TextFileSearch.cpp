@@ -44,6 +44,19 @@ std::uint64_t prefixXor(std::uint64_t bits) {
     return bits;
 }
 
+/// Behind the last line end of a text without quotes; `otherwise` when there is none.
+const char* lastRowStart(const char* begin, const char* end, const char* otherwise) {
+    const auto last = [](const char* from, const char* to, char byte) {
+        return static_cast<const char*>(::memrchr(from, byte, static_cast<std::size_t>(to - from)));
+    };
+    // Of a pair the second byte ends the line.
+    if (begin < end && end[-1] == '\r' && *end == '\n')
+        --end;
+    const char* const lineFeed = last(begin, end, '\n');
+    const char* const carriageReturn = last(lineFeed ? lineFeed + 1 : begin, end, '\r');
+    return carriageReturn ? carriageReturn + 1 : lineFeed ? lineFeed + 1 : otherwise;
+}
+
 } // namespace
 
 bool TextFileSearch::canFind(std::string_view value, char quote) {
@@ -127,7 +140,7 @@ void TextFileSearch::restrictTo(std::vector<FileRange> ranges) {
 void TextFileSearch::startRange() {
     if (m_range < m_ranges.size())
         m_offset = m_ranges[m_range].begin;
-    m_rowStart = m_resume = m_end = nullptr;
+    m_rowStart = m_resume = m_end = m_nextQuote = nullptr;
     m_isLast = m_isQuoted = m_mustTake = false;
 }
 
@@ -169,6 +182,7 @@ Status TextFileSearch::refill() {
     m_rowStart = text;
     m_resume = text + judged;
     m_end = text + size;
+    m_nextQuote = nullptr;
     return {};
 }
 
@@ -205,10 +219,39 @@ bool TextFileSearch::search(RowBlock& block, TextArena& arena) {
             return false;
         if (block.rows == m_rowLimit)
             return true;
+        if (m_isPlain && !m_isQuoted && m_resume < limit)
+            judgePlain(limit);
+        if (m_mustTake)
+            continue;
         if (m_resume >= limit)
             return m_isLast;
         judgeWindow(limit);
     }
+}
+
+void TextFileSearch::judgePlain(const char* limit) {
+    if (!m_nextQuote || m_nextQuote < m_resume) {
+        const auto left = static_cast<std::size_t>(m_end - m_resume);
+        m_nextQuote = m_quote == '\0' ? m_end : static_cast<const char*>(std::memchr(m_resume, m_quote, left));
+        if (!m_nextQuote)
+            m_nextQuote = m_end;
+    }
+    const char* const begin = m_resume;
+    const char* const end = std::min(limit, m_nextQuote);
+    const std::size_t toLast = m_value.size() - 1;
+    while (end - m_resume >= static_cast<std::ptrdiff_t>(ByteWindow::kSize)) {
+        std::uint64_t candidates =
+            ByteWindow(m_resume).positionsOf(m_value.front(), ByteWindow(m_resume + toLast), m_value.back());
+        while (candidates != 0 && !looksLikeCell(m_resume + std::countr_zero(candidates), false))
+            candidates &= candidates - 1;
+        if (candidates != 0) {
+            m_resume += std::countr_zero(candidates);
+            m_mustTake = true;
+            break;
+        }
+        m_resume += ByteWindow::kSize;
+    }
+    m_rowStart = lastRowStart(begin, m_resume, m_rowStart);
 }
 
 void TextFileSearch::judgeWindow(const char* limit) {
@@ -226,6 +269,7 @@ void TextFileSearch::judgeWindow(const char* limit) {
     marks.lineEnds = (lineFeeds | (returns & ~beforeFeeds)) & valid;
     marks.candidates = window.positionsOf(m_value.front(), shifted, m_value.back()) & valid;
     m_resume = text + size;
+    m_isPlain = marks.quotes == 0;
     if (marks.quotes != 0 && size == ByteWindow::kSize &&
         judgeRegular(marks, window.positionsOf(m_delimiter) | lineFeeds | returns))
         return;

@@ -67,6 +67,9 @@ class TextFileSearch final : public RowReader {
     Status refill();
     /// Goes on until the block is full or the range is done; false when more text is needed.
     bool search(RowBlock& block, TextArena& arena);
+    /// Judges the windows at m_resume that lie before `limit` and before the next quote, up to one where the value may
+    /// be a cell. Not within a quoted cell.
+    void judgePlain(const char* limit);
     /// Judges the bytes at m_resume, at most one window and not beyond `limit`.
     void judgeWindow(const char* limit);
     /// What stands where in a window of text: bit i for byte i.
@@ -111,9 +114,11 @@ class TextFileSearch final : public RowReader {
     const char* m_rowStart = nullptr; ///< the latest place known to begin a row; a line end stands before it
     const char* m_resume = nullptr;   ///< what stands before it has been judged
     const char* m_end = nullptr;
-    bool m_isLast = false;   ///< nothing of the range follows the text
-    bool m_isQuoted = false; ///< m_resume is within a quoted cell
-    bool m_mustTake = false; ///< the row at m_rowStart is to be taken apart once all of it is there
+    const char* m_nextQuote = nullptr; ///< at or behind m_resume, or m_end; null or before m_resume: not known
+    bool m_isLast = false;             ///< nothing of the range follows the text
+    bool m_isQuoted = false;           ///< m_resume is within a quoted cell
+    bool m_isPlain = true;             ///< no quote stood in the last window
+    bool m_mustTake = false;           ///< the row at m_rowStart is to be taken apart once all of it is there
 
     std::vector<RawCell> m_cells;
     std::size_t m_rowLimit = 0;
