@@ -359,24 +359,30 @@ bool TextFileSearch::takeRow(RowBlock& block, TextArena& arena) {
     const ScannedRow row = scanner.scan([&](std::size_t, const RawCell& cell) { m_cells.push_back(cell); });
     if (row.end == RowEnd::Unfinished)
         return false;
+    const std::string_view text(m_rowStart, static_cast<std::size_t>(scanner.position() - m_rowStart));
     m_rowStart = m_resume = scanner.position();
     m_isQuoted = m_mustTake = false;
-    keepIfWanted(block, arena);
+    keepIfWanted(text, block, arena);
     return true;
 }
 
-void TextFileSearch::keepIfWanted(RowBlock& block, TextArena& arena) {
+void TextFileSearch::keepIfWanted(std::string_view row, RowBlock& block, TextArena& arena) {
     bool ignored = false;
     if (m_column >= m_cells.size())
         return;
-    const Cell found = cellText(m_cells[m_column], false, m_quote, arena, ignored);
+    const bool isValid = validUtf8Prefix(row) == row.size();
+    const Cell found = cellText(m_cells[m_column], isValid, m_quote, arena, ignored);
     if (std::string_view(found.data, found.size) != m_value)
         return;
+    const char* const kept = arena.keep(row);
     for (std::size_t c = 0; c < m_names.size(); ++c) {
         Cell& cell = block.columns[c][block.rows];
-        cell = c < m_cells.size() ? cellText(m_cells[c], false, m_quote, arena, ignored) : Cell{};
-        if (!cell.isNull)
-            cell.data = arena.keep({cell.data, cell.size});
+        cell = {};
+        if (c < m_cells.size()) {
+            RawCell& raw = m_cells[c];
+            raw.data = kept + (raw.data - row.data());
+            cell = cellText(raw, isValid, m_quote, arena, ignored);
+        }
     }
     ++block.rows;
 }

@@ -87,7 +87,8 @@ class TextFileSearch final : public RowReader {
     [[nodiscard]] bool looksLikeCell(const char* at, bool isQuoted) const;
     /// Takes the row at m_rowStart apart; false when its end is not there yet.
     bool takeRow(RowBlock& block, TextArena& arena);
-    void keepIfWanted(RowBlock& block, TextArena& arena);
+    /// Of the text `row`, whose cells are m_cells.
+    void keepIfWanted(std::string_view row, RowBlock& block, TextArena& arena);
     [[nodiscard]] bool isSeparator(char c) const { return c == m_delimiter || c == '\n' || c == '\r'; }
     [[nodiscard]] Error failure(std::string_view what) const;
 
