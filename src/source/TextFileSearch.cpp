@@ -44,14 +44,12 @@ std::uint64_t prefixXor(std::uint64_t bits) {
     return bits;
 }
 
-/// Behind the last line end of a text without quotes; `otherwise` when there is none.
+/// Behind the last line end of a text without quotes; `otherwise` when there is none. Of a pair that `end` parts it is
+/// the first byte; the second is met with what follows, before any cell.
 const char* lastRowStart(const char* begin, const char* end, const char* otherwise) {
     const auto last = [](const char* from, const char* to, char byte) {
         return static_cast<const char*>(::memrchr(from, byte, static_cast<std::size_t>(to - from)));
     };
-    // Of a pair the second byte ends the line.
-    if (begin < end && end[-1] == '\r' && *end == '\n')
-        --end;
     const char* const lineFeed = last(begin, end, '\n');
     const char* const carriageReturn = last(lineFeed ? lineFeed + 1 : begin, end, '\r');
     return carriageReturn ? carriageReturn + 1 : lineFeed ? lineFeed + 1 : otherwise;
