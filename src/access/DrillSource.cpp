@@ -24,9 +24,12 @@ namespace {
 
 using source::FileSetReader;
 using source::TextFileOptions;
+using source::TextFileReader;
 using source::TextFileSearch;
 
 constexpr std::size_t kListedColumns = 10;
+/// Of files of which little more than the names of the columns is taken apart; a delimiter is found in no more.
+constexpr std::size_t kPieceOfSearched = std::size_t{1} << 18;
 
 std::string listOf(std::span<const std::string> names) {
     std::string list = fmt::format("\"{}\"", fmt::join(names.first(std::min(names.size(), kListedColumns)), "\", \""));
@@ -131,17 +134,54 @@ Status openSearch(const DrillTable& table, const WantedRows& wanted, DrillSource
     return {};
 }
 
-/// Every row is taken apart.
-Status openFiles(const DrillTable& table, const WantedRows& wanted, DrillSource& source) {
+std::vector<std::string> pathsOf(const DrillTable::TextFile& file) {
+    return file.files.empty() ? std::vector{file.path} : file.files;
+}
+
+/// Of several files a run notes the encoding of the last. If that is what is found in it, the encoding is taken to have
+/// been found in each file, and to be found again.
+bool isEncodingFound(const DrillTable::TextFile& file, const TextFileOptions& noted) {
+    if (file.files.size() < 2)
+        return false;
+    TextFileOptions options = noted;
+    options.encoding = nullptr;
+    const auto last = TextFileReader::open(file.files.back(), options);
+    return last && (*last)->encoding().encoding == noted.encoding;
+}
+
+Result<std::unique_ptr<FileSetReader>> openEqual(const std::vector<std::string>& paths,
+                                                 const TextFileOptions& options) {
+    auto files = FileSetReader::open(paths, options);
+    if (!files)
+        return files;
+    if (Status status = (*files)->checkColumns(); !status)
+        return status.error();
+    return files;
+}
+
+Status openFiles(const DrillTable& table, const WantedRows& wanted, bool isSearch, DrillSource& source) {
     const DrillTable::TextFile& file = *table.file;
-    auto files = FileSetReader::open(file.files.empty() ? std::vector{file.path} : file.files, optionsOf(file));
+    const std::vector<std::string> paths = pathsOf(file);
+    TextFileOptions options = optionsOf(file);
+    if (isSearch)
+        options.pieceSize = kPieceOfSearched;
+    if (isEncodingFound(file, options))
+        options.encoding = nullptr;
+    auto files = openEqual(paths, options);
+    if (!files && paths.size() > 1) {
+        // The delimiter too is noted of the last file alone; it shows no columns in files that have another.
+        options.delimiter.reset();
+        if (auto found = openEqual(paths, options))
+            files = std::move(found);
+    }
     if (!files)
         return files.error();
-    if (Status status = (*files)->checkColumns(); !status)
-        return status;
     const auto column = examine(table, **files, (*files)->total(), source);
     if (!column)
         return column.error();
+    if (isSearch)
+        if (Status status = (*files)->narrowTo(*column, wanted.text); !status)
+            return status;
     source.tests.push_back(cellTest(*column, wanted));
     source.reader = std::move(files).value();
     return {};
@@ -151,15 +191,15 @@ Result<DrillSource> openTextFile(const DrillTable& table, const WantedRows& want
     const DrillTable::TextFile& file = *table.file;
     DrillSource source;
     source.name = std::filesystem::path(file.path).filename().string();
-    for (const std::string& path : file.files.empty() ? std::vector{file.path} : file.files) {
+    for (const std::string& path : pathsOf(file)) {
         std::error_code ignored;
         if (std::filesystem::exists(path, ignored) && std::filesystem::is_other(path, ignored))
             return Error{fmt::format("\"{}\" is no file that can be read again.", path)};
     }
-    const bool isSearch = wanted.kind == WantedRows::Kind::Value && file.files.empty() &&
-                          findEncoding(file.encoding) == &encodingUtf8() &&
-                          TextFileSearch::canFind(wanted.text, file.quote);
-    const Status opened = isSearch ? openSearch(table, wanted, source) : openFiles(table, wanted, source);
+    const bool isSearch = wanted.kind == WantedRows::Kind::Value && TextFileSearch::canFind(wanted.text, file.quote);
+    const bool isOneSearched = isSearch && file.files.empty() && findEncoding(file.encoding) == &encodingUtf8();
+    const Status opened =
+        isOneSearched ? openSearch(table, wanted, source) : openFiles(table, wanted, isSearch, source);
     if (!opened)
         return opened.error();
     return source;

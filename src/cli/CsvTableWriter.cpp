@@ -2,12 +2,21 @@
 
 #include "base/NumberText.h"
 
+#include <algorithm>
+#include <string>
+#include <variant>
+
 namespace tavix::cli {
 
 namespace {
 
 bool looksLikeFormula(std::string_view text) {
     return std::string_view("=+-@\t\r").find(text.front()) != std::string_view::npos && !parseNumber(text);
+}
+
+bool needsQuotes(std::string_view text) {
+    return text.empty() ||
+           std::any_of(text.begin(), text.end(), [](char c) { return c == ',' || c == '"' || c == '\r' || c == '\n'; });
 }
 
 } // namespace
@@ -28,7 +37,9 @@ void CsvTableWriter::row(std::span<const KvbDatavar> cells) {
     for (std::size_t i = 0; i < cells.size(); ++i) {
         if (i > 0)
             m_line += ',';
-        if (!cells[i].isNull())
+        if (const auto* text = std::get_if<std::string>(&cells[i].storage()))
+            appendText(*text);
+        else if (!cells[i].isNull())
             appendText(cells[i].toText().view());
     }
     m_line += '\n';
@@ -37,7 +48,7 @@ void CsvTableWriter::row(std::span<const KvbDatavar> cells) {
 
 void CsvTableWriter::appendText(std::string_view text) {
     const bool mark = m_spreadsheet && !text.empty() && looksLikeFormula(text);
-    if (!text.empty() && text.find_first_of(",\"\r\n") == std::string_view::npos) {
+    if (!needsQuotes(text)) {
         if (mark)
             m_line += '\'';
         m_line += text;

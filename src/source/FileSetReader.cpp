@@ -1,11 +1,20 @@
 #include "source/FileSetReader.h"
 
+#include "base/Encodings.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <utility>
 
 namespace tavix::source {
+
+namespace {
+
+/// Enough of a file for the names of its columns.
+constexpr std::size_t kGlance = std::size_t{1} << 16;
+
+} // namespace
 
 Result<std::unique_ptr<FileSetReader>> FileSetReader::open(std::vector<std::string> files,
                                                            const TextFileOptions& options) {
@@ -42,17 +51,51 @@ Status FileSetReader::compare(const TextFileReader& reader) const {
                              mine - m_names.begin() + 1)};
 }
 
+Result<std::unique_ptr<TextFileReader>> FileSetReader::openNext(std::size_t file,
+                                                                const TextFileOptions& options) const {
+    auto reader = TextFileReader::open(m_files[file], options);
+    if (!reader)
+        return reader;
+    if (Status status = compare(**reader); !status)
+        return status.error();
+    return reader;
+}
+
 Status FileSetReader::checkColumns() {
+    // What the first file is in, most of the others are: only where it does not show the columns it has to be found.
+    TextFileOptions glance = m_options;
+    if (glance.delimiter) {
+        glance.encoding = m_current->encoding().encoding;
+        glance.pieceSize = std::min(glance.pieceSize, kGlance);
+    }
     std::int64_t total = m_current->total();
     for (std::size_t i = 1; i < m_files.size(); ++i) {
-        const auto reader = TextFileReader::open(m_files[i], m_options);
+        auto reader = openNext(i, glance);
+        if (!reader && glance.encoding != m_options.encoding)
+            reader = openNext(i, m_options);
         if (!reader)
             return reader.error();
-        if (Status status = compare(**reader); !status)
-            return status;
         total += (*reader)->total();
+        m_modified = std::max(m_modified, (*reader)->modified());
     }
     m_sizeOfAll = total;
+    return {};
+}
+
+Status FileSetReader::narrowTo(std::size_t column, std::string value) {
+    m_wanted = {column, std::move(value)};
+    return beginSearch();
+}
+
+Status FileSetReader::beginSearch() {
+    m_search.reset();
+    if (!m_wanted || m_current->encoding().encoding != &encodingUtf8() || m_current->fileSize() == 0)
+        return {};
+    auto search = TextFileSearch::open(*m_current);
+    if (!search)
+        return search.error();
+    m_search = std::move(*search);
+    m_search->find(m_wanted->column, m_wanted->value);
     return {};
 }
 
@@ -66,7 +109,7 @@ void FileSetReader::takeDamage() {
 
 Result<bool> FileSetReader::read(RowBlock& block) {
     for (;;) {
-        auto more = m_current->read(block);
+        auto more = m_search ? m_search->read(block) : m_current->read(block);
         if (!more)
             return more;
         takeDamage();
@@ -75,14 +118,14 @@ Result<bool> FileSetReader::read(RowBlock& block) {
         m_rows.back() += static_cast<std::int64_t>(block.rows);
         if (*more || m_rows.size() == m_files.size())
             return more;
-        auto next = TextFileReader::open(m_files[m_rows.size()], m_options);
+        auto next = openNext(m_rows.size(), m_options);
         if (!next)
             return next.error();
-        if (Status status = compare(**next); !status)
-            return status.error();
-        m_bytesBefore += m_current->position();
+        m_bytesBefore = position();
         m_damagedBefore += m_current->damagedRowCount();
         begin(std::move(*next));
+        if (Status status = beginSearch(); !status)
+            return status.error();
     }
 }
 

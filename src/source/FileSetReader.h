@@ -1,9 +1,11 @@
 #pragma once
 
 #include "source/TextFileReader.h"
+#include "source/TextFileSearch.h"
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,13 +20,19 @@ class FileSetReader final : public RowReader {
     [[nodiscard]] static Result<std::unique_ptr<FileSetReader>> open(std::vector<std::string> files,
                                                                      const TextFileOptions& options);
 
-    /// Opens every file for its columns and its size; an error names the first that has others than the first file.
-    /// read() finds the same, but late.
+    /// Opens every file for its columns, size and time; an error names the first that has other columns than the first
+    /// file. read() finds the same, but late.
     [[nodiscard]] Status checkColumns();
+    /// Leaves out, where the bytes of a file tell, rows that have not this text in a column; others may be among those
+    /// that read() gives. To be called before the first read(). `column` counts from 0 and is one of the files';
+    /// `value` is one that TextFileSearch::canFind() accepts. Damaged rows are not listed then.
+    [[nodiscard]] Status narrowTo(std::size_t column, std::string value);
 
     [[nodiscard]] std::span<const std::string> columnNames() const override { return m_names; }
     [[nodiscard]] Result<bool> read(RowBlock& block) override;
-    [[nodiscard]] std::int64_t position() const override { return m_bytesBefore + m_current->position(); }
+    [[nodiscard]] std::int64_t position() const override {
+        return m_bytesBefore + m_current->position() + (m_search ? m_search->position() : 0);
+    }
     [[nodiscard]] std::int64_t total() const override { return std::max(m_sizeOpened, m_sizeOfAll); }
     [[nodiscard]] std::span<const DamagedRow> damagedRows() const override { return m_damaged; }
     [[nodiscard]] std::int64_t damagedRowCount() const override {
@@ -36,7 +44,7 @@ class FileSetReader final : public RowReader {
     [[nodiscard]] const std::vector<std::int64_t>& rowsOfFiles() const { return m_rows; }
     /// Of a file that was opened by open() or read().
     [[nodiscard]] const CEncoding& encodingOf(std::size_t file) const { return *m_encodings[file]; }
-    /// When the latest of these was changed.
+    /// When the latest of the files was changed that were opened.
     [[nodiscard]] UtcTime modified() const { return m_modified; }
     /// The file that is being read: the first one until read() was called.
     [[nodiscard]] const TextFileReader& current() const { return *m_current; }
@@ -46,12 +54,22 @@ class FileSetReader final : public RowReader {
         : m_files(std::move(files)), m_options(options) {}
     [[nodiscard]] Status compare(const TextFileReader& reader) const;
     void begin(std::unique_ptr<TextFileReader> reader);
+    /// Opens it when its columns are those of the table.
+    [[nodiscard]] Result<std::unique_ptr<TextFileReader>> openNext(std::size_t file,
+                                                                   const TextFileOptions& options) const;
+    [[nodiscard]] Status beginSearch();
     void takeDamage();
 
     std::vector<std::string> m_files;
     TextFileOptions m_options;
     std::vector<std::string> m_names;
     std::unique_ptr<TextFileReader> m_current;
+    struct Wanted {
+        std::size_t column = 0;
+        std::string value;
+    };
+    std::optional<Wanted> m_wanted;
+    std::unique_ptr<TextFileSearch> m_search; ///< reads in place of m_current
     std::vector<std::int64_t> m_rows;
     std::vector<const CEncoding*> m_encodings;
     UtcTime m_modified{};

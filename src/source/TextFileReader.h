@@ -52,6 +52,8 @@ class TextFileReader final : public RowReader {
 
     /// 0 when the lines are not split.
     [[nodiscard]] char delimiter() const { return m_delimiter; }
+    /// 0: none.
+    [[nodiscard]] char quote() const { return m_quote; }
     [[nodiscard]] bool hasHeader() const { return m_hasHeader; }
     /// Whether the first row does, be it a header or not.
     [[nodiscard]] bool looksLikeNames() const { return m_looksLikeNames; }

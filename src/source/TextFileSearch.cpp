@@ -44,6 +44,17 @@ std::uint64_t prefixXor(std::uint64_t bits) {
     return bits;
 }
 
+/// Behind the last line end of a text without quotes; `otherwise` when there is none. Of a pair that `end` parts it is
+/// the first byte; the second is met with what follows, before any cell.
+const char* lastRowStart(const char* begin, const char* end, const char* otherwise) {
+    const auto last = [](const char* from, const char* to, char byte) {
+        return static_cast<const char*>(::memrchr(from, byte, static_cast<std::size_t>(to - from)));
+    };
+    const char* const lineFeed = last(begin, end, '\n');
+    const char* const carriageReturn = last(lineFeed ? lineFeed + 1 : begin, end, '\r');
+    return carriageReturn ? carriageReturn + 1 : lineFeed ? lineFeed + 1 : otherwise;
+}
+
 } // namespace
 
 bool TextFileSearch::canFind(std::string_view value, char quote) {
@@ -51,7 +62,16 @@ bool TextFileSearch::canFind(std::string_view value, char quote) {
            value.find(kReplacement) == std::string_view::npos;
 }
 
-TextFileSearch::TextFileSearch(std::string path, int file) : m_path(std::move(path)), m_file(file) {}
+TextFileSearch::TextFileSearch(const TextFileReader& reader, int file)
+    : m_path(reader.path()),
+      m_file(file),
+      m_quote(reader.quote()),
+      m_delimiter(reader.delimiter() == '\0' ? '\n' : reader.delimiter()),
+      m_names(reader.columnNames().begin(), reader.columnNames().end()),
+      m_size(reader.fileSize()),
+      m_firstRow(reader.position()),
+      m_modified(reader.modified()),
+      m_rowLimit(std::clamp<std::size_t>((std::size_t{1} << 20) / m_names.size(), 1, kTurnRows)) {}
 
 TextFileSearch::~TextFileSearch() {
     ::close(m_file);
@@ -65,36 +85,36 @@ Result<std::unique_ptr<TextFileSearch>> TextFileSearch::open(const std::string& 
     struct stat info {};
     if (::stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode) && !S_ISDIR(info.st_mode))
         return Error{fmt::format("\"{}\" is no file that can be read again", path)};
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0)
-        return Error{fmt::format("\"{}\" cannot be opened: {}", path, std::generic_category().message(errno))};
-    std::unique_ptr<TextFileSearch> search(new TextFileSearch(path, file));
-    if (Status status = search->begin(options); !status)
-        return status.error();
-    return search;
-}
-
-Status TextFileSearch::begin(const TextFileOptions& options) {
     // How the file is divided is the reader's to say.
     TextFileOptions beginning = options;
     if (options.delimiter)
         beginning.pieceSize = kFirstPiece;
-    auto reader = TextFileReader::open(m_path, beginning);
+    const auto reader = TextFileReader::open(path, beginning);
     if (!reader)
         return reader.error();
-    m_names.assign((*reader)->columnNames().begin(), (*reader)->columnNames().end());
-    m_delimiter = (*reader)->delimiter() == '\0' ? '\n' : (*reader)->delimiter();
-    m_quote = options.quote;
-    m_size = (*reader)->total();
-    m_modified = (*reader)->modified();
-    m_firstRow = (*reader)->position();
-    m_rowLimit = std::clamp<std::size_t>((std::size_t{1} << 20) / m_names.size(), 1, kTurnRows);
+    return open(**reader);
+}
+
+Result<std::unique_ptr<TextFileSearch>> TextFileSearch::open(const TextFileReader& reader) {
+    const std::string& path = reader.path();
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return Error{fmt::format("\"{}\" cannot be opened: {}", path, std::generic_category().message(errno))};
+    std::unique_ptr<TextFileSearch> search(new TextFileSearch(reader, file));
+    if (Status status = search->begin(reader.stamp()); !status)
+        return status.error();
+    return search;
+}
+
+Status TextFileSearch::begin(const FileStamp& expected) {
     struct stat info {};
     if (::fstat(m_file, &info) != 0)
         return failure("cannot be read: " + std::generic_category().message(errno));
-    if (static_cast<std::int64_t>(info.st_size) != m_size)
-        return failure("changed its size while it was read");
     m_stamp = stampOf(info);
+    if (m_stamp.size != expected.size)
+        return failure("changed its size while it was read");
+    if (m_stamp != expected)
+        return failure("was changed while it was read");
     return {};
 }
 
@@ -118,7 +138,7 @@ void TextFileSearch::restrictTo(std::vector<FileRange> ranges) {
 void TextFileSearch::startRange() {
     if (m_range < m_ranges.size())
         m_offset = m_ranges[m_range].begin;
-    m_rowStart = m_resume = m_end = nullptr;
+    m_rowStart = m_resume = m_end = m_nextQuote = nullptr;
     m_isLast = m_isQuoted = m_mustTake = false;
 }
 
@@ -160,6 +180,7 @@ Status TextFileSearch::refill() {
     m_rowStart = text;
     m_resume = text + judged;
     m_end = text + size;
+    m_nextQuote = nullptr;
     return {};
 }
 
@@ -196,10 +217,39 @@ bool TextFileSearch::search(RowBlock& block, TextArena& arena) {
             return false;
         if (block.rows == m_rowLimit)
             return true;
+        if (m_isPlain && !m_isQuoted && m_resume < limit)
+            judgePlain(limit);
+        if (m_mustTake)
+            continue;
         if (m_resume >= limit)
             return m_isLast;
         judgeWindow(limit);
     }
+}
+
+void TextFileSearch::judgePlain(const char* limit) {
+    if (!m_nextQuote || m_nextQuote < m_resume) {
+        const auto left = static_cast<std::size_t>(m_end - m_resume);
+        m_nextQuote = m_quote == '\0' ? m_end : static_cast<const char*>(std::memchr(m_resume, m_quote, left));
+        if (!m_nextQuote)
+            m_nextQuote = m_end;
+    }
+    const char* const begin = m_resume;
+    const char* const end = std::min(limit, m_nextQuote);
+    const std::size_t toLast = m_value.size() - 1;
+    while (end - m_resume >= static_cast<std::ptrdiff_t>(ByteWindow::kSize)) {
+        std::uint64_t candidates =
+            ByteWindow(m_resume).positionsOf(m_value.front(), ByteWindow(m_resume + toLast), m_value.back());
+        while (candidates != 0 && !looksLikeCell(m_resume + std::countr_zero(candidates), false))
+            candidates &= candidates - 1;
+        if (candidates != 0) {
+            m_resume += std::countr_zero(candidates);
+            m_mustTake = true;
+            break;
+        }
+        m_resume += ByteWindow::kSize;
+    }
+    m_rowStart = lastRowStart(begin, m_resume, m_rowStart);
 }
 
 void TextFileSearch::judgeWindow(const char* limit) {
@@ -217,6 +267,7 @@ void TextFileSearch::judgeWindow(const char* limit) {
     marks.lineEnds = (lineFeeds | (returns & ~beforeFeeds)) & valid;
     marks.candidates = window.positionsOf(m_value.front(), shifted, m_value.back()) & valid;
     m_resume = text + size;
+    m_isPlain = marks.quotes == 0;
     if (marks.quotes != 0 && size == ByteWindow::kSize &&
         judgeRegular(marks, window.positionsOf(m_delimiter) | lineFeeds | returns))
         return;
@@ -306,24 +357,30 @@ bool TextFileSearch::takeRow(RowBlock& block, TextArena& arena) {
     const ScannedRow row = scanner.scan([&](std::size_t, const RawCell& cell) { m_cells.push_back(cell); });
     if (row.end == RowEnd::Unfinished)
         return false;
+    const std::string_view text(m_rowStart, static_cast<std::size_t>(scanner.position() - m_rowStart));
     m_rowStart = m_resume = scanner.position();
     m_isQuoted = m_mustTake = false;
-    keepIfWanted(block, arena);
+    keepIfWanted(text, block, arena);
     return true;
 }
 
-void TextFileSearch::keepIfWanted(RowBlock& block, TextArena& arena) {
+void TextFileSearch::keepIfWanted(std::string_view row, RowBlock& block, TextArena& arena) {
     bool ignored = false;
     if (m_column >= m_cells.size())
         return;
-    const Cell found = cellText(m_cells[m_column], false, m_quote, arena, ignored);
+    const bool isValid = validUtf8Prefix(row) == row.size();
+    const Cell found = cellText(m_cells[m_column], isValid, m_quote, arena, ignored);
     if (std::string_view(found.data, found.size) != m_value)
         return;
+    const char* const kept = arena.keep(row);
     for (std::size_t c = 0; c < m_names.size(); ++c) {
         Cell& cell = block.columns[c][block.rows];
-        cell = c < m_cells.size() ? cellText(m_cells[c], false, m_quote, arena, ignored) : Cell{};
-        if (!cell.isNull)
-            cell.data = arena.keep({cell.data, cell.size});
+        cell = {};
+        if (c < m_cells.size()) {
+            RawCell& raw = m_cells[c];
+            raw.data = kept + (raw.data - row.data());
+            cell = cellText(raw, isValid, m_quote, arena, ignored);
+        }
     }
     ++block.rows;
 }

@@ -29,6 +29,9 @@ class TextFileSearch final : public RowReader {
     /// regular file.
     [[nodiscard]] static Result<std::unique_ptr<TextFileSearch>> open(const std::string& path,
                                                                       const TextFileOptions& options);
+    /// The regular file in UTF-8 that `reader` has opened and not yet read from; another one is an error when it stands
+    /// there by now.
+    [[nodiscard]] static Result<std::unique_ptr<TextFileSearch>> open(const TextFileReader& reader);
     ~TextFileSearch() override;
     TextFileSearch(const TextFileSearch&) = delete;
     TextFileSearch& operator=(const TextFileSearch&) = delete;
@@ -56,14 +59,17 @@ class TextFileSearch final : public RowReader {
     [[nodiscard]] std::int64_t firstRow() const { return m_firstRow; }
 
   private:
-    TextFileSearch(std::string path, int file);
-    Status begin(const TextFileOptions& options);
+    TextFileSearch(const TextFileReader& reader, int file);
+    Status begin(const FileStamp& expected);
     void startRange();
     [[nodiscard]] bool isRangeDone() const { return m_isLast && m_resume == m_end && !m_mustTake; }
     /// Keeps what stands behind the last known row start and reads on.
     Status refill();
     /// Goes on until the block is full or the range is done; false when more text is needed.
     bool search(RowBlock& block, TextArena& arena);
+    /// Judges the windows at m_resume that lie before `limit` and before the next quote, up to one where the value may
+    /// be a cell. Not within a quoted cell.
+    void judgePlain(const char* limit);
     /// Judges the bytes at m_resume, at most one window and not beyond `limit`.
     void judgeWindow(const char* limit);
     /// What stands where in a window of text: bit i for byte i.
@@ -81,7 +87,8 @@ class TextFileSearch final : public RowReader {
     [[nodiscard]] bool looksLikeCell(const char* at, bool isQuoted) const;
     /// Takes the row at m_rowStart apart; false when its end is not there yet.
     bool takeRow(RowBlock& block, TextArena& arena);
-    void keepIfWanted(RowBlock& block, TextArena& arena);
+    /// Of the text `row`, whose cells are m_cells.
+    void keepIfWanted(std::string_view row, RowBlock& block, TextArena& arena);
     [[nodiscard]] bool isSeparator(char c) const { return c == m_delimiter || c == '\n' || c == '\r'; }
     [[nodiscard]] Error failure(std::string_view what) const;
 
@@ -108,9 +115,11 @@ class TextFileSearch final : public RowReader {
     const char* m_rowStart = nullptr; ///< the latest place known to begin a row; a line end stands before it
     const char* m_resume = nullptr;   ///< what stands before it has been judged
     const char* m_end = nullptr;
-    bool m_isLast = false;   ///< nothing of the range follows the text
-    bool m_isQuoted = false; ///< m_resume is within a quoted cell
-    bool m_mustTake = false; ///< the row at m_rowStart is to be taken apart once all of it is there
+    const char* m_nextQuote = nullptr; ///< at or behind m_resume, or m_end; null or before m_resume: not known
+    bool m_isLast = false;             ///< nothing of the range follows the text
+    bool m_isQuoted = false;           ///< m_resume is within a quoted cell
+    bool m_isPlain = true;             ///< no quote stood in the last window
+    bool m_mustTake = false;           ///< the row at m_rowStart is to be taken apart once all of it is there
 
     std::vector<RawCell> m_cells;
     std::size_t m_rowLimit = 0;

@@ -1,10 +1,13 @@
 #include "base/Encodings.h"
 #include "base/tests/TempFolder.h"
+#include "source/FileSetReader.h"
 #include "source/TextFileSearch.h"
 #include "source/Utf8.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -217,6 +220,65 @@ TEST(TextFileSearch, RowsMayLieAcrossTheBordersOfPieces) {
     }
 }
 
+/// ASCII and Latin text as another system may have written it: as it is, marked, or in UTF-16.
+std::string written(const std::string& text, std::size_t way) {
+    if (way == 0)
+        return text;
+    if (way == 1)
+        return "\xEF\xBB\xBF" + text;
+    std::string wide = "\xFF\xFE";
+    for (const char c : text)
+        (wide += c) += '\0';
+    return wide;
+}
+
+// Each file has its own delimiter and encoding; some are searched and some read row by row.
+TEST(TextFileSearch, SeveralFilesGiveTheRowsThatAFullReadGives) {
+    const TempFolder folder;
+    std::size_t compared = 0;
+    std::size_t hits = 0;
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        Files files(seed);
+        std::vector<std::string> paths;
+        bool areSearched = true;
+        for (std::size_t left = 2 + files.below(3); left > 0; --left) {
+            const std::size_t way = files.below(8) / 3;
+            std::string text = files.regular(",;\t|"[files.below(4)]);
+            if (files.below(4) != 0)
+                std::replace(text.begin(), text.end(), '\xFF', 'y');
+            areSearched = areSearched && way < 2 && text.find('\xFF') == std::string::npos;
+            paths.push_back(folder.file("f" + std::to_string(left)));
+            std::ofstream(paths.back(), std::ios::binary) << written(text, way);
+        }
+        TextFileOptions options;
+        options.quote = "\"\"'"[files.below(3)];
+        auto opened = FileSetReader::open(paths, options);
+        ASSERT_TRUE(opened.ok()) << opened.error().text;
+        if (!(*opened)->checkColumns())
+            continue; // of a few rows the delimiter is not told
+        const std::vector<Row> rows = rowsOf(**opened);
+        for (const std::string value : {"ab", "a", "12345678", "a,b", "a\nb",
+                                        "\xC3\xBF"
+                                        "ab",
+                                        "none"}) {
+            const std::size_t column = files.below(3);
+            auto narrowed = FileSetReader::open(paths, options);
+            ASSERT_TRUE((*narrowed)->checkColumns() && (*narrowed)->narrowTo(column, value));
+            const std::vector<Row> left = rowsOf(**narrowed);
+            const std::vector<Row> expected = chosen(rows, column, value);
+            ASSERT_EQ(chosen(left, column, value), expected) << "seed " << seed << ", value " << value;
+            ASSERT_EQ((*narrowed)->position(), (*narrowed)->total()) << "seed " << seed << ", value " << value;
+            if (areSearched) {
+                ASSERT_EQ(left, expected) << "seed " << seed << ", value " << value;
+            }
+            compared += areSearched ? 1 : 0;
+            hits += expected.size();
+        }
+    }
+    EXPECT_GT(compared, 100U);
+    EXPECT_GT(hits, 5000U);
+}
+
 TEST(TextFileSearch, LooksOnlyWhereItIsTold) {
     const TempFolder folder;
     const std::string path = folder.file("f.csv");
@@ -249,6 +311,12 @@ TEST(TextFileSearch, SaysWhatIsWrongWithTheFile) {
     const auto more = (*search)->read(block);
     ASSERT_FALSE(more.ok());
     EXPECT_EQ(more.error().text, "\"" + path + "\" changed its size while it was read");
+    const auto reader = TextFileReader::open(path, {});
+    ASSERT_TRUE(reader.ok());
+    std::filesystem::last_write_time(path, std::filesystem::file_time_type::clock::now() + std::chrono::hours(1));
+    const auto other = TextFileSearch::open(**reader);
+    ASSERT_FALSE(other.ok());
+    EXPECT_EQ(other.error().text, "\"" + path + "\" was changed while it was read");
 }
 
 } // namespace
