@@ -3,6 +3,7 @@
 #include "base/NumberText.h"
 #include "expression/Conversion.h"
 #include "expression/Hints.h"
+#include "expression/MadeNodes.h"
 #include "expression/Rewriter.h"
 #include "expression/TextOperators.h"
 #include "expression/Wildcard.h"
@@ -16,34 +17,6 @@ namespace tavix::expression {
 namespace {
 
 constexpr std::size_t kLongestPattern = 4096;
-
-/// The type that a letter of the catalogue asks for; Null for any.
-Type typeOf(char letter) {
-    switch (letter) {
-    case 'b':
-        return Type::Boolean;
-    case 'd':
-        return Type::Date;
-    case 'i':
-        return Type::Integer;
-    case 'r':
-        return Type::Real;
-    case 's':
-    case 'S':
-        return Type::Text;
-    default:
-        return Type::Null;
-    }
-}
-
-/// Whether a parameter of the type takes an argument of another one.
-bool accepts(Type parameter, Type argument) {
-    if (parameter == argument || argument == Type::Null || parameter == Type::Text)
-        return true;
-    if (isNumber(parameter))
-        return isNumber(argument) || argument == Type::Text;
-    return parameter == Type::Date && argument == Type::Text;
-}
 
 class Builder {
   public:
@@ -163,14 +136,6 @@ class Builder {
                         fmt::format("{} is wanted here, and this is of type {}", typeName(type), typeName(node->type)));
         return brought(std::move(node), type);
     }
-    NodePtr brought(NodePtr node, Type type) {
-        if (node->type == type || node->type == Type::Null)
-            return node;
-        NodePtr conversion = makeNode(NodeKind::Convert, type);
-        conversion->children.push_back(std::move(node));
-        return fold(std::move(conversion));
-    }
-
     NodePtr negation(const Syntax& syntax) {
         const Syntax& inner = *syntax.children.front();
         NodePtr child = build(inner);
@@ -351,17 +316,6 @@ class Builder {
         return node;
     }
 
-    static NodePtr made(NodeKind kind, Type type, std::vector<NodePtr> children) {
-        NodePtr node = makeNode(kind, type);
-        node->children = std::move(children);
-        return node;
-    }
-    static Type typeAmong(const std::vector<NodePtr>& arguments) {
-        const auto typed =
-            std::ranges::find_if(arguments, [](const NodePtr& node) { return node->type != Type::Null; });
-        return typed == arguments.end() ? Type::Null : (*typed)->type;
-    }
-
     bool bringToOneType(std::vector<NodePtr>& arguments, const Function& function, const Syntax& syntax) {
         Type type = Type::Null;
         for (std::size_t i = 0; i < arguments.size(); ++i) {
@@ -378,15 +332,6 @@ class Builder {
         return true;
     }
 
-    static NodePtr inList(std::vector<NodePtr> arguments) {
-        NodePtr node = made(NodeKind::InList, Type::Boolean, std::move(arguments));
-        node->hasList = std::all_of(node->children.begin() + 1, node->children.end(),
-                                    [](const NodePtr& member) { return isFixedText(*member); });
-        for (std::size_t i = 1; node->hasList && i < node->children.size(); ++i)
-            node->list.insert(node->child(i).text);
-        return node;
-    }
-
     NodePtr regular(std::vector<NodePtr> arguments, const Syntax& syntax) {
         std::string reason;
         auto matcher = makeRegularExpression(arguments[1]->text, reason);
@@ -400,13 +345,6 @@ class Builder {
         auto matcher = std::make_shared<Wildcard>(arguments[1]->text);
         return matching(std::move(arguments), std::move(matcher));
     }
-    static NodePtr matching(std::vector<NodePtr> arguments, std::shared_ptr<const Matcher> matcher) {
-        arguments.pop_back();
-        NodePtr node = made(NodeKind::Matches, Type::Boolean, std::move(arguments));
-        node->matcher = std::move(matcher);
-        return node;
-    }
-
     std::span<const Field> m_fields;
     Wanted m_wanted;
     std::optional<ExpressionError> m_error;

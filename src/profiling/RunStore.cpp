@@ -94,9 +94,10 @@ Status RunStore::begin() {
 Status RunStore::beginTable(FinishedTable& table) {
     if (table.id)
         return {};
-    if (table.places)
-        table.report.facts.places = &*table.places;
-    const auto id = m_writer->addTable(table.report.facts);
+    repository::TableFacts& facts = table.report.facts;
+    facts.places = table.places ? &*table.places : nullptr;
+    const auto id = m_writer->addTable(facts);
+    facts.places = nullptr; // The table may move.
     if (!id)
         return id.error();
     table.id = *id;
