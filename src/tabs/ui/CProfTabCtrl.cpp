@@ -12,8 +12,9 @@ namespace tavix {
 namespace {
 
 constexpr int kPadding = 8;
-constexpr int kNarrowest = 72; // of a tab whose caption is cut
-constexpr int kRest = 2;       // how much lower a tab begins that is not selected
+constexpr int kLeastPadding = 4; // before captions are cut
+constexpr int kNarrowest = 72;   // of a tab whose caption is cut
+constexpr int kRest = 2;         // how much lower a tab begins that is not selected
 
 } // namespace
 
@@ -49,15 +50,27 @@ void CProfTabCtrl::SetCaption(int index, const QString& caption) {
 }
 
 // Selected or not, a tab has the width of its caption in bold, so that none moves when another is selected.
-QSize CProfTabCtrl::tabSizeHint(int index) const {
+int CProfTabCtrl::CaptionWidth(int index) const {
     QFont bold = font();
     bold.setWeight(QFont::DemiBold);
-    const QString caption = QString(tabText(index)).remove(u'&');
-    return {QFontMetrics(bold).horizontalAdvance(caption) + 2 * kPadding, height()};
+    return QFontMetrics(bold).horizontalAdvance(QString(tabText(index)).remove(u'&'));
+}
+
+int CProfTabCtrl::PaddingNow() const {
+    int captions = 0;
+    for (int i = 0; i < count(); ++i)
+        captions += isTabVisible(i) ? CaptionWidth(i) : 0;
+    return qBound(kLeastPadding, (width() - captions) / qMax(2 * count(), 1), kPadding);
+}
+
+QSize CProfTabCtrl::tabSizeHint(int index) const {
+    return {CaptionWidth(index) + 2 * PaddingNow(), height()};
 }
 
 QSize CProfTabCtrl::minimumTabSizeHint(int index) const {
     const QSize whole = tabSizeHint(index);
+    if (index == currentIndex())
+        return whole; // Where captions are cut, it is not that of the tab that is looked at.
     return {qMin(whole.width(), kNarrowest * logicalDpiX() / 96), whole.height()};
 }
 
@@ -122,7 +135,7 @@ void CProfTabCtrl::PaintTab(QPainter& painter, int index, const Colors& colors) 
     painter.setFont(captionFont);
     painter.setPen(colors.text);
     const QRect captionRect = face.adjusted(1, selected ? 2 : 0, -1, 0);
-    const int room = captionRect.width() - kPadding;
+    const int room = captionRect.width() - kLeastPadding;
     painter.drawText(captionRect, Qt::AlignCenter | Qt::TextSingleLine,
                      painter.fontMetrics().elidedText(tabText(index), Qt::ElideRight, room));
     if (selected && hasFocus()) {

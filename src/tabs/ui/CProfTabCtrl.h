@@ -33,6 +33,9 @@ class CProfTabCtrl final : public QTabBar {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
+    [[nodiscard]] int CaptionWidth(int index) const;
+    /// On each side of a caption: less where there is no room for more.
+    [[nodiscard]] int PaddingNow() const;
     struct Colors {
         QColor background;
         QColor face;
