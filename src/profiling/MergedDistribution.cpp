@@ -3,7 +3,6 @@
 #include "profiling/DistributionOrder.h"
 #include "profiling/StopSignal.h"
 
-#include <utility>
 #include <vector>
 
 namespace tavix::profiling {

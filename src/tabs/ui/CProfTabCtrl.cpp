@@ -49,7 +49,7 @@ void CProfTabCtrl::SetCaption(int index, const QString& caption) {
         setTabText(index, caption);
 }
 
-// Selected or not, a tab has the width of its caption in bold, so that none moves when another is selected.
+// In bold, selected or not, so that as long as there is room no tab moves when another is selected.
 int CProfTabCtrl::CaptionWidth(int index) const {
     QFont bold = font();
     bold.setWeight(QFont::DemiBold);
