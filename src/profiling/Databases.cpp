@@ -59,6 +59,7 @@ void addDatabaseFacts(TableFacts& facts, const TableDescription& table, const Ta
     facts.sourceKind = repository::SourceKind::Odbc;
     facts.isTextFile = false;
     facts.connection = opened.connection->publicText();
+    facts.connectionUser = opened.connection->statedUser();
     facts.catalog = address.catalog;
     facts.schema = address.schema;
     facts.name = address.table;

@@ -35,7 +35,11 @@ repository::TextFileFacts fileFacts(const TableDescription& table, const FileSet
     facts.size = reader.total();
     facts.modified = reader.modified();
     facts.quote = table.quote;
-    facts.files = table.files;
+    for (std::size_t i = 0; i < table.files.size() && i < reader.forms().size(); ++i) {
+        const source::FileForm& form = reader.forms()[i];
+        facts.files.push_back(
+            {table.files[i], form.delimiter, form.encoding->name, form.hasByteOrderMark, form.size, form.modified});
+    }
     return facts;
 }
 

@@ -32,17 +32,29 @@ enum class TableKind : char {
     Filter = 'D', ///< the rows of another table that pass a condition
 };
 
-/// How a text file was read.
+/// One file of a table, and what was found in it.
+struct FileFacts {
+    std::string path;     ///< absolute
+    char delimiter = ','; ///< 0: the lines were not split
+    std::string encoding = "UTF-8";
+    bool byteOrderMark = false;
+    std::int64_t size = 0; ///< bytes
+    UtcTime modified{};
+
+    bool operator==(const FileFacts&) const = default;
+};
+
+/// How a text file was read. Of a table of several files, how the last one was.
 struct TextFileFacts {
     std::string path; ///< absolute
     char delimiter = ',';
     bool hasHeader = true;
     std::string encoding = "UTF-8";
     bool byteOrderMark = false;
-    std::int64_t size = 0; ///< bytes
+    std::int64_t size = 0; ///< bytes, of all files
     UtcTime modified{};
-    char quote = '"';                 ///< 0: none
-    std::vector<std::string> files{}; ///< when the table is made of several, in their order
+    char quote = '"';               ///< 0: none
+    std::vector<FileFacts> files{}; ///< when the table is made of several, in their order
 
     bool operator==(const TextFileFacts&) const = default;
 };
@@ -62,6 +74,8 @@ struct TableFacts {
     TextFileFacts textFile; ///< when isTextFile
     /// Of a table that was read from a database: how it was reached, such as "DSN=shop", without user and password.
     std::optional<std::string> connection;
+    /// The user that the job names for it; empty when it names none.
+    std::string connectionUser;
     /// Where the values of its fields can be found again, when that was noted. Borrowed.
     const FilePlaces* places = nullptr;
     std::int64_t totalRecords = 0;

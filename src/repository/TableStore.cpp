@@ -34,18 +34,26 @@ std::string insertFieldSql() {
     return columns + ")";
 }
 
-Status storePaths(sql::Connection& connection, int run, int table, const TextFileFacts& file) {
-    auto insert =
-        connection.prepare("INSERT INTO run_file(run, table_id, position, path, quote) VALUES(?1,?2,?3,?4,?5)");
+/// Empty for 0, which means that there is none.
+std::string_view letter(const char& c) {
+    return {&c, c == '\0' ? 0U : 1U};
+}
+
+Status storeForms(sql::Connection& connection, int run, int table, const TextFileFacts& facts) {
+    auto insert = connection.prepare("INSERT INTO run_file(run, table_id, position, path, quote, delimiter, encoding, "
+                                     "byte_order_mark, size, modified) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10)");
     if (!insert)
         return insert.error();
-    const std::span<const std::string> paths = file.files.empty() ? std::span(&file.path, 1) : std::span(file.files);
-    const std::string_view quote(&file.quote, file.quote == '\0' ? 0 : 1);
-    insert->bind(1, run).bind(2, table).bind(5, quote);
+    const FileFacts one{facts.path, facts.delimiter, facts.encoding, facts.byteOrderMark, facts.size, facts.modified};
+    const std::span<const FileFacts> files = facts.files.empty() ? std::span(&one, 1) : std::span(facts.files);
+    insert->bind(1, run).bind(2, table).bind(5, letter(facts.quote));
     std::int64_t position = 0;
-    for (const std::string& path : paths)
-        if (auto done = insert->bind(3, ++position).bind(4, path).run(); !done)
+    for (const FileFacts& file : files) {
+        insert->bind(3, ++position).bind(4, file.path).bind(6, letter(file.delimiter)).bind(7, file.encoding);
+        insert->bind(8, file.byteOrderMark ? 1 : 0).bind(9, file.size).bind(10, storedTime(file.modified));
+        if (auto done = insert->run(); !done)
             return done;
+    }
     return {};
 }
 
@@ -86,8 +94,8 @@ Status storeTable(sql::Connection& connection, const PlaceInRun& place, const Ta
     auto insert = connection.prepare(
         "INSERT INTO run_table(run, position, table_id, total_records, processed_records, damaged_records, query, "
         "filter, alternate_filter, file_path, file_delimiter, file_header, file_encoding, file_byte_order_mark, "
-        "file_size, file_modified, connection, fields) "
-        "VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10,?11,?12,?13,?14,?15,?16,?17,?18)");
+        "file_size, file_modified, connection, connection_user, fields) "
+        "VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10,?11,?12,?13,?14,?15,?16,?17,?18,?19)");
     if (!insert)
         return insert.error();
     insert->bind(1, place.run).bind(2, place.position).bind(3, place.table);
@@ -106,12 +114,16 @@ Status storeTable(sql::Connection& connection, const PlaceInRun& place, const Ta
         insert->bind(17, *facts.connection);
     else
         insert->bindNull(17);
-    return insert->bind(18, fields).run();
+    if (facts.connectionUser.empty())
+        insert->bindNull(18);
+    else
+        insert->bind(18, facts.connectionUser);
+    return insert->bind(19, fields).run();
 }
 
 Status storeFiles(sql::Connection& connection, int run, int table, const TableFacts& facts) {
     if (facts.isTextFile)
-        if (auto stored = storePaths(connection, run, table, facts.textFile); !stored)
+        if (auto stored = storeForms(connection, run, table, facts.textFile); !stored)
             return stored;
     return facts.places ? storeFilePlaces(connection, run, table, *facts.places) : Status{};
 }

@@ -163,4 +163,11 @@ std::string ConnectionText::publicText() const {
     return text;
 }
 
+std::string ConnectionText::user() const {
+    const auto found = std::find_if(m_settings.begin(), m_settings.end(), [](const Setting& setting) {
+        return std::find(kUserKeys.begin(), kUserKeys.end(), lower(setting.key)) != kUserKeys.end();
+    });
+    return found == m_settings.end() ? std::string() : found->value;
+}
+
 } // namespace tavix::source

@@ -28,6 +28,8 @@ class ConnectionText {
     [[nodiscard]] std::string text() const;
     /// Without user, password and the like: what may be stored and shown.
     [[nodiscard]] std::string publicText() const;
+    /// Empty when it names none.
+    [[nodiscard]] std::string user() const;
 
   private:
     struct Setting {

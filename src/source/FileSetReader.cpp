@@ -32,7 +32,8 @@ Result<std::unique_ptr<FileSetReader>> FileSetReader::open(std::vector<std::stri
 void FileSetReader::begin(std::unique_ptr<TextFileReader> reader) {
     m_current = std::move(reader);
     m_rows.push_back(0);
-    m_encodings.push_back(m_current->encoding().encoding);
+    m_forms.push_back({m_current->encoding().encoding, m_current->delimiter(), m_current->hasByteOrderMark(),
+                       m_current->fileSize(), m_current->modified()});
     m_modified = std::max(m_modified, m_current->modified());
     m_sizeOpened += m_current->total();
     m_damageTaken = 0;

@@ -11,6 +11,15 @@
 
 namespace tavix::source {
 
+/// What was found in a file when it was opened.
+struct FileForm {
+    const CEncoding* encoding = nullptr;
+    char delimiter = '\0'; ///< 0: its lines are not split
+    bool hasByteOrderMark = false;
+    std::int64_t size = 0; ///< bytes
+    UtcTime modified{};
+};
+
 /// Text files with the same columns as one table: the rows of the first, then those of the second, and so on. One file
 /// is open at a time.
 class FileSetReader final : public RowReader {
@@ -43,7 +52,9 @@ class FileSetReader final : public RowReader {
     /// Rows of each file that was read to its end.
     [[nodiscard]] const std::vector<std::int64_t>& rowsOfFiles() const { return m_rows; }
     /// Of a file that was opened by open() or read().
-    [[nodiscard]] const CEncoding& encodingOf(std::size_t file) const { return *m_encodings[file]; }
+    [[nodiscard]] const CEncoding& encodingOf(std::size_t file) const { return *m_forms[file].encoding; }
+    /// Of every file that was opened by open() or read(), in their order.
+    [[nodiscard]] const std::vector<FileForm>& forms() const { return m_forms; }
     /// When the latest of the files was changed that were opened.
     [[nodiscard]] UtcTime modified() const { return m_modified; }
     /// The file that is being read: the first one until read() was called.
@@ -71,7 +82,7 @@ class FileSetReader final : public RowReader {
     std::optional<Wanted> m_wanted;
     std::unique_ptr<TextFileSearch> m_search; ///< reads in place of m_current
     std::vector<std::int64_t> m_rows;
-    std::vector<const CEncoding*> m_encodings;
+    std::vector<FileForm> m_forms;
     UtcTime m_modified{};
     std::int64_t m_sizeOpened = 0; ///< of the files that were begun
     std::int64_t m_sizeOfAll = 0;  ///< when checkColumns() was called

@@ -123,7 +123,7 @@ bool isRefusal(const Diagnosis& diagnosis) {
 } // namespace
 
 OdbcConnection::OdbcConnection(std::string name, const ConnectionText& text)
-    : m_name(std::move(name)), m_publicText(text.publicText()), m_dialect(&dialectOf({})) {}
+    : m_name(std::move(name)), m_publicText(text.publicText()), m_statedUser(text.user()), m_dialect(&dialectOf({})) {}
 
 OdbcConnection::~OdbcConnection() {
     endSnapshot();

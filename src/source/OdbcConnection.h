@@ -35,6 +35,8 @@ class OdbcConnection {
 
     [[nodiscard]] const std::string& name() const { return m_name; }
     [[nodiscard]] const std::string& publicText() const { return m_publicText; }
+    /// Whom the connection string names; empty when it names nobody.
+    [[nodiscard]] const std::string& statedUser() const { return m_statedUser; }
     [[nodiscard]] const SqlDialect& dialect() const { return *m_dialect; }
     [[nodiscard]] const DriverTraits& traits() const { return m_traits; }
     /// The engine's name for itself.
@@ -66,6 +68,7 @@ class OdbcConnection {
 
     std::string m_name;
     std::string m_publicText;
+    std::string m_statedUser;
     std::string m_password; ///< to keep it out of messages
     std::string m_product;
     const SqlDialect* m_dialect = nullptr;

@@ -62,7 +62,9 @@ class DrilledRuns : public ::testing::Test {
         table.name = "orders";
         table.isTextFile = true;
         table.textFile = {m_folder.file("*.csv"), delimiter, true, encoding, false, (*reader)->total(),
-                          (*reader)->modified(),  '"',       files};
+                          (*reader)->modified(),  '"'};
+        for (const std::string& file : files)
+            table.textFile.files.push_back({file, delimiter, encoding, false, 0, {}});
         store(**writer, table, **reader);
         show(**writer);
     }

@@ -2,6 +2,7 @@
 #include "repository/RunDeletion.h"
 #include "repository/RunWriter.h"
 #include "repository/Schema.h"
+#include "sql/tests/StoredRows.h"
 #include "support/SampleRepository.h"
 
 #include <gmock/gmock.h>
@@ -13,6 +14,7 @@ namespace tavix::repository {
 namespace {
 
 using tavix::testing::SampleRepository;
+using tavix::testing::storedRows;
 using tavix::testing::TempFolder;
 using ::testing::HasSubstr;
 
@@ -28,7 +30,7 @@ std::int64_t ask(const std::string& path, const std::string& sql) {
 std::int64_t rowsOfRun(const std::string& path, int run) {
     std::int64_t rows = 0;
     for (const char* table : {"run_table", "run_field", "percentile", "outlier", "distribution_block", "value_hash",
-                              "value_place", "file_place", "execution_log", "key_analysis"})
+                              "value_place", "file_place", "run_file", "execution_log", "key_analysis"})
         rows += ask(path, "SELECT COUNT(*) FROM " + std::string(table) + " WHERE run = " + std::to_string(run));
     return rows;
 }
@@ -102,14 +104,17 @@ TEST(RunWriter, KeepsTheFilesOfATable) {
     table.name = "set";
     table.textFile.path = "/data/*.csv";
     table.textFile.quote = '\0';
-    table.textFile.files = {"/data/b.csv", "/data/a.csv"};
+    const UtcTime time{std::chrono::milliseconds(5)};
+    table.textFile.files = {{"/data/b.csv", '\0', "UTF-16LE", true, 7, time},
+                            {"/data/a.csv", ';', "UTF-8", false, 8, time}};
     const auto set = (*writer)->addTable(table);
     ASSERT_TRUE(set);
     ASSERT_TRUE((*writer)->commit({}));
-    EXPECT_EQ(ask(path, "SELECT COUNT(*) FROM run_file WHERE (path, position, quote) IN (VALUES "
-                        "('/data/one.csv', 1, '\"'), ('/data/b.csv', 1, ''), ('/data/a.csv', 2, ''))"),
-              3);
-    EXPECT_EQ(ask(path, "SELECT COUNT(*) FROM run_file"), 3);
+    EXPECT_EQ(storedRows(path, "SELECT position, path, quote, delimiter, encoding, byte_order_mark, size, modified "
+                               "FROM run_file ORDER BY table_id, position"),
+              "1|/data/one.csv|\"|,|UTF-8|0|0|0\n"
+              "1|/data/b.csv|||UTF-16LE|1|7|5\n"
+              "2|/data/a.csv||;|UTF-8|0|8|5\n");
 }
 
 TEST(RunWriter, AFailedCallEndsTheRun) {

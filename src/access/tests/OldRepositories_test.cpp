@@ -1,0 +1,99 @@
+#include "access/PrViewer.h"
+#include "base/tests/TempFolder.h"
+#include "repository/DistributionStore.h"
+#include "repository/Schema.h"
+#include "sql/tests/StoredRows.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+/// Repositories that earlier versions of the program wrote.
+namespace tavix {
+namespace {
+
+using repository::schemaSteps;
+using testing::storedRows;
+using testing::TempFolder;
+
+class OldRepositories : public ::testing::TestWithParam<std::size_t> {
+  protected:
+    [[nodiscard]] std::size_t version() const { return GetParam(); }
+
+    void SetUp() override {
+        std::ofstream(m_source, std::ios::binary) << "id;city\n1;Bern\n2;Ulm\n3;Bern\n4;\n";
+        auto old = sql::Connection::openFile(m_path, sql::OpenMode::Create);
+        ASSERT_TRUE(old &&
+                    repository::prepareSchema(**old, sql::OpenMode::Create, schemaSteps().first(version())).ok());
+        const auto store = [&](const std::string& sql) {
+            const Status done = (*old)->execute(sql.c_str());
+            ASSERT_TRUE(done) << done.error().text << ": " << sql;
+        };
+        const auto modified = std::chrono::time_point_cast<std::chrono::milliseconds>(
+            std::chrono::file_clock::to_sys(std::filesystem::last_write_time(m_source)));
+        store("INSERT INTO job(id, name, created) VALUES(1, 'Job', 0);"
+              "INSERT INTO run(id, job, started, finished) VALUES(1, 1, 0, 0);"
+              "INSERT INTO data_source VALUES(1, 'files', 4);"
+              "INSERT INTO profiled_table VALUES(1, 1, '', '', 'orders', '', 'Y');"
+              "INSERT INTO field VALUES(1, 1, 'id'), (2, 1, 'city');");
+        store(fmt::format(
+            "INSERT INTO run_table(run, position, table_id, total_records, processed_records, damaged_records, query, "
+            "filter, alternate_filter, file_path, file_delimiter, file_header, file_encoding, file_byte_order_mark, "
+            "file_size, file_modified) VALUES(1, 1, 1, 4, 4, 0, '', '', '', '{}', ';', 1, 'UTF-8', 0, {}, {})",
+            m_source, std::filesystem::file_size(m_source), modified.time_since_epoch().count()));
+        for (const int field : {1, 2})
+            store(fmt::format("INSERT INTO run_field(run, table_id, position, field, type_code, null_count, "
+                              "minimum_length, quantile_rule, value_rows, value_sum, pattern_rows, pattern_sum) "
+                              "VALUES(1, 1, {0}, {0}, 'S', 1, 1, '', 0, 0, 0, 0)",
+                              field));
+        const std::vector<repository::ValueCount> cities{{"Bern", 2, false}, {"", 1, true}, {"Ulm", 1, false}};
+        ASSERT_TRUE(repository::storeDistribution(**old, {1, 2, repository::DistributionKind::Values}, cities).ok());
+        if (version() >= 4)
+            store("INSERT INTO run_file VALUES(1, 1, 1, '" + m_source + "', '\"')");
+    }
+
+    std::string drilled(const KvbString& value) {
+        const PrViewer::Handle viewer = PrViewer::create();
+        EXPECT_TRUE(viewer->init(m_path) && viewer->setCurrentJobSetup(1)) << viewer->getErrorString().str();
+        const PrViewerDrillCursorHandle rows = viewer->drillDown(2, value, false, nullptr, nullptr);
+        if (!rows)
+            return viewer->getErrorString().str();
+        std::string text = fmt::format("{} in the run:", viewer->getDrillDownCount(2, value, false));
+        while (rows->next())
+            text += " " + rows->getColumnValue(0).str();
+        return text + rows->getWarning().str();
+    }
+
+    TempFolder m_folder;
+    std::string m_path = m_folder.file("r.tavix");
+    std::string m_source = m_folder.file("orders.csv");
+};
+
+TEST_P(OldRepositories, AreDrilledAsTheyAreAndOnceTheyAreUpToDate) {
+    const auto expectRows = [&] {
+        EXPECT_EQ(drilled("Bern"), "2 in the run: 1 3");
+        EXPECT_EQ(drilled(KvbString()), "1 in the run: 4");
+    };
+    expectRows();
+    EXPECT_EQ(storedRows(m_path, "PRAGMA user_version"), fmt::format("{}\n", version())) << "reading changes nothing";
+    ASSERT_TRUE(repository::openRepository(m_path, sql::OpenMode::Write));
+    EXPECT_EQ(storedRows(m_path, "PRAGMA user_version"), fmt::format("{}\n", schemaSteps().size()));
+    expectRows();
+    EXPECT_EQ(storedRows(m_path, "SELECT total_records, connection_user IS NULL FROM run_table"), "4|1\n");
+    EXPECT_EQ(storedRows(m_path, "SELECT path, quote, delimiter IS NULL, size IS NULL FROM run_file"),
+              version() < 4 ? "" : m_source + "|\"|1|1\n");
+    EXPECT_EQ(storedRows(m_path, "SELECT count(*) FROM moved_file"), "0\n");
+    EXPECT_EQ(storedRows(m_path, "PRAGMA integrity_check"), "ok\n");
+    EXPECT_EQ(storedRows(m_path, "PRAGMA foreign_key_check"), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Versions, OldRepositories, ::testing::Range<std::size_t>(1, 6));
+
+} // namespace
+} // namespace tavix
