@@ -1,5 +1,6 @@
 #include "cli/FilterArgument.h"
 
+#include "base/HeldRepositories.h"
 #include "cli/CommandError.h"
 #include "filter/FilterFile.h"
 
@@ -39,6 +40,8 @@ std::string readFilterFile(const std::string& path) {
 }
 
 std::string readTextFile(const std::string& path) {
+    if (const Status free = requireNotHeld(path); !free)
+        throw CommandError(ExitCode::Usage, free.error().text);
     std::ifstream file(path, std::ios::binary);
     std::string text(kLongestFile + 1, '\0');
     if (file)

@@ -1,6 +1,7 @@
 #include "cli/Output.h"
 
 #include "base/FileMode.h"
+#include "base/HeldRepositories.h"
 #include "cli/CommandError.h"
 
 #include <fmt/format.h>
@@ -19,6 +20,8 @@ Output::Output() : m_file(stdout) {}
 Output::Output(const std::string& path) : m_file(stdout) {
     if (path.empty() || path == "-")
         return;
+    if (const Status free = requireNotHeld(path); !free)
+        throw CommandError(ExitCode::Usage, free.error().text);
     // A link stays a link: what it points at is replaced.
     std::error_code error;
     const std::filesystem::path real = std::filesystem::canonical(path, error);

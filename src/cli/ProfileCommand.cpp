@@ -1,5 +1,6 @@
 #include "cli/ProfileCommand.h"
 
+#include "base/HeldRepositories.h"
 #include "cli/AlertLists.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
@@ -33,11 +34,10 @@ bool isJobFile(const std::string& path) {
 }
 
 /// The file behind what the user or the job file gave.
-std::string repositoryFile(const std::string& text) {
-    constexpr std::string_view kScheme = "sqlite:";
+std::string fileToWrite(const std::string& text) {
     if (text.starts_with("postgres:") || text.starts_with("postgresql:"))
         throw CommandError(ExitCode::Usage, "runs are stored in repository files, not yet on a PostgreSQL server");
-    return text.starts_with(kScheme) ? text.substr(kScheme.size()) : text;
+    return repositoryFile(text);
 }
 
 template <typename Value>
@@ -131,6 +131,7 @@ profiling::JobDescription ProfileCommand::describeJobFile(const std::string& pat
                            "--job, --one-table and what says how files are read and sampled are for text "
                            "files; a job file says these itself");
     profiling::JobDescription job = orUsageError(profiling::readJobFile(path));
+    const HeldRepository held(repositoryFile(job.repository));
     if (Status status = profiling::checkFields(job); !status)
         throw CommandError(ExitCode::Usage, status.error().text);
     return job;
@@ -172,9 +173,10 @@ void ProfileCommand::run(const CommonOptions& options) {
         explain(job, options);
         return;
     }
-    const std::string repository = repositoryFile(options.repository.empty() ? job.repository : options.repository);
+    const std::string repository = fileToWrite(options.repository.empty() ? job.repository : options.repository);
     if (repository.empty())
         throw CommandError(ExitCode::Usage, "where shall the run go? Name a repository with --repository FILE");
+    const HeldRepository held(repository);
     if (m_dryRun) {
         listPlan(options, job, repository);
         return;

@@ -1,5 +1,6 @@
 #include "cli/ReadingOptions.h"
 
+#include "base/HeldRepositories.h"
 #include "cli/CommandError.h"
 #include "profiling/FilePatterns.h"
 #include "profiling/JobChecks.h"
@@ -63,6 +64,8 @@ std::vector<std::string> existingFiles(const std::vector<std::string>& names) {
                 throw CommandError(ExitCode::Source,
                                    fmt::format("cannot read \"{0}\": it is a folder; name its files, as '{0}{1}*'",
                                                shown, shown.ends_with('/') ? "" : "/"));
+            if (const Status free = requireNotHeld(file); !free)
+                failUsage(free.error().text);
             files.push_back(file);
         }
     }

@@ -1,6 +1,7 @@
 #include "drill/DrillOutput.h"
 
 #include "base/Characters.h"
+#include "base/HeldRepositories.h"
 #include "base/NumberText.h"
 #include "doc/CountText.h"
 #include "grid/FoldCase.h"
@@ -203,6 +204,10 @@ bool saveDrillRows(const CDrillThruDataSrc& source, const std::string& path, std
                    Messages& messages) {
     if (isTooLong(path)) {
         messages.warn("Path too long: " + path, kFileError);
+        return false;
+    }
+    if (const Status free = requireNotHeld(path); !free) {
+        messages.warn("Unable to open or create file " + path + "\n\n" + free.error().text, kFileError);
         return false;
     }
     const bool isWorksheet = endsWith(path, ".xls");

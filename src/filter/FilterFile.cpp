@@ -1,6 +1,7 @@
 #include "filter/FilterFile.h"
 
 #include "base/Characters.h"
+#include "base/HeldRepositories.h"
 #include "filter/FilterMessages.h"
 
 #include <array>
@@ -38,6 +39,8 @@ std::string repaired(std::string_view text) {
 } // namespace
 
 Result<std::ifstream> openFilterToRead(const std::string& path) {
+    if (Status free = requireNotHeld(path); !free)
+        return free.error();
     std::ifstream file;
     if (!isFolder(path))
         file.open(path, std::ios::binary);
@@ -47,6 +50,8 @@ Result<std::ifstream> openFilterToRead(const std::string& path) {
 }
 
 Result<std::ofstream> openFilterToWrite(const std::string& path) {
+    if (Status free = requireNotHeld(path); !free)
+        return free.error();
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     if (!file.is_open())
         return failure(filter_messages::kCannotOpen);

@@ -25,7 +25,11 @@ std::size_t sizeOf(const FieldFigures& field) {
 } // namespace
 
 RunStore::RunStore(std::string repositoryPath, repository::RunDescription run, RunReporter& reporter, StopSignal& stop)
-    : m_path(std::move(repositoryPath)), m_run(std::move(run)), m_reporter(reporter), m_stop(stop) {}
+    : m_path(std::move(repositoryPath)),
+      m_held(repositoryFile(m_path)),
+      m_run(std::move(run)),
+      m_reporter(reporter),
+      m_stop(stop) {}
 
 std::optional<Error> RunStore::failure() const {
     if (!m_repository || !m_repository->hasFailed())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/HeldRepositories.h"
 #include "base/Result.h"
 #include "profiling/DistributionQueue.h"
 #include "profiling/FieldFigures.h"
@@ -60,6 +61,7 @@ class RunStore {
     Status store(FinishedTable& table);
 
     const std::string m_path;
+    const HeldRepository m_held; ///< from before the thread that opens it does
     const repository::RunDescription m_run;
     RunReporter& m_reporter;
     StopSignal& m_stop;

@@ -1,5 +1,6 @@
 #include "repository/Schema.h"
 
+#include "base/HeldRepositories.h"
 #include "repository/RunDeletion.h"
 
 #include <fmt/format.h>
@@ -7,8 +8,6 @@
 namespace tavix::repository {
 
 namespace {
-
-constexpr std::string_view kStoreScheme = "sqlite:";
 
 // Writers wait for each other. Readers wait for nobody in the ordinary course, so a long wait would only hide that the
 // file is held by something else.
@@ -71,16 +70,23 @@ Status prepareSchema(sql::Connection& connection, sql::OpenMode mode, std::span<
         return {};
     if (auto enabled = connection.enableConcurrency(); !enabled)
         return enabled;
-    return *version < newest ? migrate(connection, steps) : Status{};
+    if (*version == newest)
+        return {};
+    if (auto done = migrate(connection, steps); !done)
+        return done;
+    // Into the file at once: were the disk full of the log of a first run that then fails, there would be no room for
+    // it, and the log would stay.
+    if (*fresh)
+        connection.checkpoint();
+    return {};
 }
 
 Result<std::unique_ptr<sql::Connection>> openRepository(const std::string& path, sql::OpenMode mode,
                                                         const std::function<bool()>& mayWait) {
     if (path.starts_with("postgresql:") || path.starts_with("postgres:"))
         return Error{"This build has no support for PostgreSQL repositories. Name a repository file instead."};
-    std::string file = path.starts_with(kStoreScheme) ? path.substr(kStoreScheme.size()) : path;
-    auto connection =
-        sql::Connection::openFile(file, mode, mode == sql::OpenMode::Read ? kReaderPatience : kWriterPatience);
+    auto connection = sql::Connection::openFile(repositoryFile(path), mode,
+                                                mode == sql::OpenMode::Read ? kReaderPatience : kWriterPatience);
     if (!connection)
         return connection;
     if (mayWait)

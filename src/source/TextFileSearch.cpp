@@ -1,5 +1,6 @@
 #include "source/TextFileSearch.h"
 
+#include "base/HeldRepositories.h"
 #include "source/ByteWindow.h"
 #include "source/CellText.h"
 #include "source/TextArena.h"
@@ -97,6 +98,8 @@ Result<std::unique_ptr<TextFileSearch>> TextFileSearch::open(const std::string& 
 
 Result<std::unique_ptr<TextFileSearch>> TextFileSearch::open(const TextFileReader& reader) {
     const std::string& path = reader.path();
+    if (Status free = requireNotHeld(path); !free)
+        return free.error();
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0)
         return Error{fmt::format("\"{}\" cannot be opened: {}", path, std::generic_category().message(errno))};

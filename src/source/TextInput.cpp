@@ -1,5 +1,7 @@
 #include "source/TextInput.h"
 
+#include "base/HeldRepositories.h"
+
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
@@ -41,6 +43,8 @@ Error TextInput::failure(std::string_view what) const {
 
 Result<std::unique_ptr<TextInput>> TextInput::open(const std::string& path, const CEncoding* encoding,
                                                    std::size_t beginning, bool isPreview) {
+    if (Status free = requireNotHeld(path); !free)
+        return free.error();
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0)
         return Error{fmt::format("\"{}\" cannot be opened: {}", path, systemText(errno))};

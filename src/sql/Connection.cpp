@@ -17,9 +17,12 @@ Connection::Impl::~Impl() {
     sqlite3_close_v2(handle);
 }
 
+Failure Connection::Impl::failure() const {
+    return {sqlite3_extended_errcode(handle), sqlite3_system_errno(handle), isReader};
+}
+
 Error Connection::Impl::fail() {
-    int code = sqlite3_extended_errcode(handle);
-    lastError = describeError(code, sqlite3_errmsg(handle), sqlite3_system_errno(handle), path);
+    lastError = describeError(failure(), sqlite3_errmsg(handle), path);
     return Error{lastError};
 }
 
@@ -38,6 +41,14 @@ void Connection::waitWhile(std::function<bool()> mayWait) {
             return 1;
         },
         m_impl.get());
+}
+
+void Connection::goOnWhile(std::function<bool()> mayGoOn) {
+    constexpr int kInstructions = 20'000; // about a millisecond
+    m_impl->mayGoOn = std::move(mayGoOn);
+    sqlite3_progress_handler(
+        m_impl->handle, m_impl->mayGoOn ? kInstructions : 0,
+        [](void* impl) { return static_cast<Impl*>(impl)->mayGoOn() ? 0 : 1; }, m_impl.get());
 }
 
 Status Connection::execute(const std::string& script) {
@@ -121,6 +132,20 @@ void Connection::checkpoint() {
     sqlite3_wal_checkpoint_v2(m_impl->handle, nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
 }
 
+Result<std::vector<std::string>> Connection::findDamage(int atMost) {
+    std::vector<std::string> found;
+    auto check = prepare(fmt::format("PRAGMA integrity_check({})", atMost));
+    if (!check)
+        return check.error();
+    Step step = check->step();
+    for (; step == Step::Row; step = check->step())
+        if (check->text(0) != "ok")
+            found.emplace_back(check->text(0));
+    if (step == Step::Failed)
+        return Error{m_impl->lastError};
+    return found;
+}
+
 Result<std::int64_t> Connection::nextId(std::string_view table) {
     auto select = prepare("SELECT COALESCE(MAX(seq), 0) + 1 FROM sqlite_sequence WHERE name = ?1");
     if (!select)
@@ -148,6 +173,19 @@ void Connection::interrupt() {
 
 const std::string& Connection::path() const {
     return m_impl->path;
+}
+
+Result<Snapshot> Snapshot::begin(Connection& connection) {
+    if (auto begun = connection.execute("SAVEPOINT snapshot"); !begun)
+        return begun.error();
+    return Snapshot(connection);
+}
+
+Snapshot::Snapshot(Snapshot&& other) noexcept : m_connection(std::exchange(other.m_connection, nullptr)) {}
+
+Snapshot::~Snapshot() {
+    if (m_connection)
+        (void)m_connection->execute("RELEASE snapshot");
 }
 
 Result<Transaction> Transaction::begin(Connection& connection) {

@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tavix::sql {
 
@@ -87,6 +88,10 @@ class Connection {
     /// From now on a busy file is waited for as long as `mayWait`, asked some twenty times a second, says so.
     void waitWhile(std::function<bool()> mayWait);
 
+    /// From now on running statements ask `mayGoOn` now and then, and fail with "interrupted" when it says no. Empty:
+    /// ask nobody.
+    void goOnWhile(std::function<bool()> mayGoOn);
+
     /// Runs a script of statements without parameters.
     [[nodiscard]] Status execute(const std::string& script);
     /// A statement from the pool, parsed only when this text was not prepared before.
@@ -112,6 +117,9 @@ class Connection {
     /// Moves what was written into the main file, if no reader stands in the way.
     void checkpoint();
 
+    /// Reads the whole file and says what is wrong with it, at most so many things; nothing when it is sound.
+    [[nodiscard]] Result<std::vector<std::string>> findDamage(int atMost);
+
     /// The id that the next row of a table gets whose ids are never given twice; within a transaction that writes.
     [[nodiscard]] Result<std::int64_t> nextId(std::string_view table);
     [[nodiscard]] std::int64_t lastInsertId() const;
@@ -128,6 +136,19 @@ class Connection {
     struct Impl;
     explicit Connection(std::unique_ptr<Impl> impl);
     std::unique_ptr<Impl> m_impl;
+};
+
+/// As long as it lives, all that is read is of one moment. Within a transaction it changes nothing.
+class Snapshot {
+  public:
+    [[nodiscard]] static Result<Snapshot> begin(Connection& connection);
+    Snapshot(Snapshot&&) noexcept;
+    Snapshot& operator=(Snapshot&&) = delete;
+    ~Snapshot();
+
+  private:
+    explicit Snapshot(Connection& connection) : m_connection(&connection) {}
+    Connection* m_connection;
 };
 
 /// Begins at once for writing; rolls back on destruction unless committed.

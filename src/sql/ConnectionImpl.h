@@ -1,9 +1,11 @@
 #pragma once
 
+#include "base/HeldRepositories.h"
 #include "sql/Connection.h"
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,19 +16,31 @@ struct sqlite3_stmt;
 /// What the files of this folder share about a connection.
 namespace tavix::sql {
 
+/// A result code of SQLite's other than success.
+struct Failure {
+    int code = 0; ///< extended
+    int systemError = 0;
+    bool isReader = true; ///< nothing was to be written
+};
+
 struct Connection::Impl {
     sqlite3* handle = nullptr;
     std::string path;
+    bool isReader = true;
+    std::optional<HeldRepository> hold;
     /// Parsed statements that nobody uses at the moment. The texts come from our own code, so their number is bounded.
     std::map<std::string, std::vector<sqlite3_stmt*>, std::less<>> idle;
     std::string lastError;
     std::function<bool()> mayWait;
+    std::function<bool()> mayGoOn;
 
     Impl() = default;
     Impl(const Impl&) = delete;
     Impl& operator=(const Impl&) = delete;
     ~Impl();
 
+    /// Of the call on `handle` that just failed.
+    [[nodiscard]] Failure failure() const;
     /// Keeps and returns the error of the call on `handle` that just failed.
     Error fail();
 };
@@ -43,7 +57,9 @@ struct Statement::State {
     ~State();
 };
 
-/// The failure of `code` (an extended result code) in a user's words.
-[[nodiscard]] std::string describeError(int code, std::string_view message, int systemError, const std::string& path);
+/// In a user's words.
+[[nodiscard]] std::string describeError(const Failure& failure, std::string_view message, const std::string& path);
+/// There is no room on the disk.
+[[nodiscard]] bool isDiskFull(const Failure& failure);
 
 } // namespace tavix::sql

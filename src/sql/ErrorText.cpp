@@ -3,20 +3,23 @@
 #include <fmt/format.h>
 #include <sqlite3.h>
 
+#include <cerrno>
 #include <cstring>
 
 namespace tavix::sql {
 
 namespace {
 
-std::string describeIo(int code, int systemError, const std::string& path) {
-    std::string reason = systemError != 0 ? fmt::format(": {}", std::strerror(systemError)) : std::string();
-    switch (code) {
+std::string describeIo(const Failure& failure, const std::string& path) {
+    std::string reason =
+        failure.systemError != 0 ? fmt::format(": {}", std::strerror(failure.systemError)) : std::string();
+    switch (failure.code) {
     case SQLITE_IOERR_WRITE:
     case SQLITE_IOERR_FSYNC:
     case SQLITE_IOERR_TRUNCATE:
     case SQLITE_IOERR_SHMSIZE:
-        return fmt::format("The repository \"{}\" could not be written{}.", path, reason);
+        return fmt::format("The repository \"{}\" could not be {}{}.", path, failure.isReader ? "read" : "written",
+                           reason);
     case SQLITE_IOERR_SHORT_READ:
         return fmt::format("The repository \"{}\" is damaged: a part of the file is missing.", path);
     default:
@@ -26,13 +29,20 @@ std::string describeIo(int code, int systemError, const std::string& path) {
 
 } // namespace
 
-std::string describeError(int code, std::string_view message, int systemError, const std::string& path) {
-    switch (code & 0xff) {
+bool isDiskFull(const Failure& failure) {
+    const int kind = failure.code & 0xff;
+    return kind == SQLITE_FULL || ((kind == SQLITE_IOERR || kind == SQLITE_CANTOPEN) &&
+                                   (failure.systemError == ENOSPC || failure.systemError == EDQUOT));
+}
+
+std::string describeError(const Failure& failure, std::string_view message, const std::string& path) {
+    if (isDiskFull(failure))
+        return fmt::format("The repository \"{}\" could not be {}: the disk is full.", path,
+                           failure.isReader ? "read" : "written");
+    switch (failure.code & 0xff) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
         return fmt::format("The repository \"{}\" is in use by another program. Try again later.", path);
-    case SQLITE_FULL:
-        return fmt::format("The repository \"{}\" could not be written: the disk is full.", path);
     case SQLITE_CORRUPT:
         return fmt::format("The repository \"{}\" is damaged.", path);
     case SQLITE_NOTADB:
@@ -42,9 +52,10 @@ std::string describeError(int code, std::string_view message, int systemError, c
         return fmt::format("The repository \"{}\" cannot be written: the file or its folder is read-only.", path);
     case SQLITE_CANTOPEN:
         return fmt::format("The repository \"{}\" cannot be opened{}.", path,
-                           systemError != 0 ? fmt::format(": {}", std::strerror(systemError)) : std::string());
+                           failure.systemError != 0 ? fmt::format(": {}", std::strerror(failure.systemError))
+                                                    : std::string());
     case SQLITE_IOERR:
-        return describeIo(code, systemError, path);
+        return describeIo(failure, path);
     case SQLITE_INTERRUPT:
         return "The operation was interrupted.";
     case SQLITE_NOMEM:

@@ -1,15 +1,15 @@
 #include "sql/ConnectionImpl.h"
+#include "sql/FileLocks.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
+#include <utility>
 
 namespace tavix::sql {
 
@@ -53,17 +53,12 @@ std::string toUri(const std::string& path, Access access, bool create) {
     return uri;
 }
 
-/// A file of our store, or one without content. Asked before the store is, which takes a file of one byte for an empty
-/// database and would write over it.
-Status checkContent(const std::string& path) {
-    constexpr std::string_view kMark("SQLite format 3\0", 16);
-    std::array<char, kMark.size()> start{};
-    std::ifstream file(path, std::ios::binary);
-    file.read(start.data(), start.size());
-    auto size = static_cast<std::size_t>(file.gcount());
-    if (size != 0 && std::string_view(start.data(), size) != kMark)
-        return Error{describeError(SQLITE_NOTADB, {}, 0, path)};
-    return {};
+/// SQLite refuses what does not begin as a database does, but takes a file of one byte for an empty one and would write
+/// over it. Only the size is asked for: to open the file here and close it would drop the locks that other connections
+/// of this process hold on it.
+bool isTooSmall(const struct stat& info) {
+    constexpr off_t kSmallestPage = 512;
+    return info.st_size > 0 && info.st_size < kSmallestPage;
 }
 
 /// What is wrong with the file before the store looks into it.
@@ -96,7 +91,9 @@ Status checkFile(const std::string& path, OpenMode mode) {
     if (mode != OpenMode::Read && (::access(path.c_str(), W_OK) != 0 || ::access(parentOf(path).c_str(), W_OK) != 0))
         return Error{
             fmt::format("The repository \"{}\" cannot be written: the file or its folder is read-only.", path)};
-    return checkContent(path);
+    if (isTooSmall(info))
+        return Error{describeError({SQLITE_NOTADB}, {}, path)};
+    return {};
 }
 
 Access readAccess(const std::string& path) {
@@ -127,27 +124,71 @@ bool configure(sqlite3* handle, OpenMode mode, bool isNew, bool keepLog) {
                                kWriterCacheKib));
 }
 
+bool readNumber(sqlite3* handle, const char* sql, std::int64_t& number) {
+    sqlite3_stmt* statement = nullptr;
+    const bool isRead =
+        sqlite3_prepare_v2(handle, sql, -1, &statement, nullptr) == SQLITE_OK && sqlite3_step(statement) == SQLITE_ROW;
+    if (isRead)
+        number = sqlite3_column_int64(statement, 0);
+    sqlite3_finalize(statement);
+    return isRead;
+}
+
+/// Whether the file is shorter than its pages. SQLite notices missing pages, but reads a page that was cut as if it
+/// ended in zeros. With a log beside it the file may be short, as the rest is there.
+bool isCut(sqlite3* handle, const std::string& path) {
+    std::int64_t pages = 0;
+    std::int64_t pageSize = 0;
+    struct stat info {};
+    // As long as it is read, nobody makes it shorter.
+    if (sqlite3_exec(handle, "BEGIN", nullptr, nullptr, nullptr) != SQLITE_OK)
+        return false;
+    const bool isKnown =
+        readNumber(handle, "PRAGMA page_count", pages) && readNumber(handle, "PRAGMA page_size", pageSize);
+    const auto isShort = [&] { return ::stat(path.c_str(), &info) == 0 && info.st_size < pages * pageSize; };
+    // Asked twice: the log may have been moved into the file in between.
+    const bool cut = isKnown && isShort() && !hasContent(path + "-wal") && isShort();
+    sqlite3_exec(handle, "COMMIT", nullptr, nullptr, nullptr);
+    return cut;
+}
+
+/// Opens and configures the handle of `impl`; what failed is to be asked of the handle.
+bool openHandle(sqlite3*& handle, const std::string& path, OpenMode mode, Access access,
+                std::chrono::milliseconds busyTimeout) {
+    bool isNew = mode == OpenMode::Create && !hasContent(path);
+    // A reader does not tidy up after a writer that died: that is the next writer's work.
+    bool keepLog = mode == OpenMode::Read && hasContent(path + "-wal");
+    int flags = SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
+                (access == Access::ReadWrite ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY) |
+                (mode == OpenMode::Create ? SQLITE_OPEN_CREATE : 0);
+    std::string uri = toUri(path, access, mode == OpenMode::Create);
+    if (sqlite3_open_v2(uri.c_str(), &handle, flags, nullptr) != SQLITE_OK)
+        return false;
+    sqlite3_busy_timeout(handle, static_cast<int>(busyTimeout.count()));
+    return configure(handle, mode, isNew, keepLog);
+}
+
 } // namespace
 
 Result<std::unique_ptr<Connection>> Connection::openFile(const std::string& path, OpenMode mode,
                                                          std::chrono::milliseconds busyTimeout) {
     if (auto checked = checkFile(path, mode); !checked)
         return checked.error();
-    bool isNew = mode == OpenMode::Create && !hasContent(path);
-    // A reader does not tidy up after a writer that died: that is the next writer's work.
-    bool keepLog = mode == OpenMode::Read && hasContent(path + "-wal");
-    Access access = mode == OpenMode::Read ? readAccess(path) : Access::ReadWrite;
-
+    useDescriptionLocks();
     auto impl = std::make_unique<Impl>();
     impl->path = path;
-    int flags = SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
-                (access == Access::ReadWrite ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY) |
-                (mode == OpenMode::Create ? SQLITE_OPEN_CREATE : 0);
-    std::string uri = toUri(path, access, mode == OpenMode::Create);
-    if (sqlite3_open_v2(uri.c_str(), &impl->handle, flags, nullptr) != SQLITE_OK)
-        return impl->fail();
-    sqlite3_busy_timeout(impl->handle, static_cast<int>(busyTimeout.count()));
-    if (!configure(impl->handle, mode, isNew, keepLog)) {
+    impl->isReader = mode == OpenMode::Read;
+    impl->hold.emplace(path);
+    Access access = mode == OpenMode::Read ? readAccess(path) : Access::ReadWrite;
+    bool isOpen = openHandle(impl->handle, path, mode, access, busyTimeout);
+    if (!isOpen && mode == OpenMode::Read && access == Access::ReadWrite && isDiskFull(impl->failure()) &&
+        !hasContent(path + "-wal")) {
+        // There is no room for the file that readers and writers share. Nobody can be writing then.
+        sqlite3_close_v2(std::exchange(impl->handle, nullptr));
+        access = Access::Immutable;
+        isOpen = openHandle(impl->handle, path, mode, access, busyTimeout);
+    }
+    if (!isOpen) {
         if (access == Access::ReadOnly && (sqlite3_errcode(impl->handle) & 0xff) == SQLITE_CANTOPEN)
             return Error{fmt::format("The repository \"{}\" was left in the middle of a change and its folder is "
                                      "read-only. Copy it, together with the files beside it, to a folder that can be "
@@ -155,6 +196,8 @@ Result<std::unique_ptr<Connection>> Connection::openFile(const std::string& path
                                      path)};
         return impl->fail();
     }
+    if (isCut(impl->handle, path))
+        return Error{describeError({SQLITE_IOERR_SHORT_READ}, {}, path)};
     return std::unique_ptr<Connection>(new Connection(std::move(impl)));
 }
 

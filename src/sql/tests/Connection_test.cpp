@@ -1,11 +1,13 @@
 #include "base/tests/TempFolder.h"
 #include "sql/Connection.h"
+#include "sql/tests/FullDisk.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <filesystem>
+#include <fstream>
 #include <limits>
 #include <thread>
 
@@ -115,6 +117,28 @@ TEST_F(ConnectionTest, AStoreWithoutRoomSaysThatTheDiskIsFull) {
     auto outcome = insert->run();
     ASSERT_FALSE(outcome);
     EXPECT_THAT(outcome.error().text, HasSubstr("the disk is full"));
+}
+
+TEST_F(ConnectionTest, OnAFullDiskIsRead) {
+    {
+        auto connection = open(OpenMode::Create);
+        ASSERT_TRUE(connection->enableConcurrency());
+        ASSERT_TRUE(connection->execute("CREATE TABLE t(a); INSERT INTO t VALUES(7)"));
+    }
+    const tavix::testing::FullDisk disk(m_folder.path(), 0);
+    {
+        auto reader = open(OpenMode::Read);
+        EXPECT_EQ(*reader->queryInteger("SELECT a FROM t"), 7);
+    }
+    auto writer = Connection::openFile(m_folder.file("a.db"), OpenMode::Write);
+    ASSERT_FALSE(writer);
+    EXPECT_THAT(writer.error().text, HasSubstr("could not be written: the disk is full"));
+    // A log that nobody could move into the file has to be read too, and that needs room.
+    std::filesystem::remove(m_folder.file("a.db-shm"));
+    std::ofstream(m_folder.file("a.db-wal")) << std::string(5000, 'x');
+    auto reader = Connection::openFile(m_folder.file("a.db"), OpenMode::Read);
+    ASSERT_FALSE(reader);
+    EXPECT_THAT(reader.error().text, HasSubstr("could not be read: the disk is full"));
 }
 
 TEST_F(ConnectionTest, FreedPagesAreGivenBackInSteps) {
