@@ -54,6 +54,9 @@ constexpr std::array kSweptTables{
     SweptTable{"DELETE FROM run_custom_metric WHERE run = ?1 AND (table_id, position) IN "
                "(SELECT table_id, position FROM run_custom_metric WHERE run = ?1 LIMIT ?2)",
                kRowsPerStep},
+    SweptTable{"DELETE FROM run_checksum WHERE run = ?1 AND (table_id, part) IN "
+               "(SELECT table_id, part FROM run_checksum WHERE run = ?1 LIMIT ?2)",
+               kRowsPerStep},
     SweptTable{"DELETE FROM run_file WHERE run = ?1 AND (table_id, position) IN "
                "(SELECT table_id, position FROM run_file WHERE run = ?1 LIMIT ?2)",
                kRowsPerStep},

@@ -5,6 +5,7 @@
 #include "repository/Collections.h"
 #include "repository/Identities.h"
 #include "repository/RuleStore.h"
+#include "repository/RunChecksums.h"
 #include "repository/Schema.h"
 #include "repository/TableStore.h"
 
@@ -274,6 +275,8 @@ Status RunWriter::Impl::finish(UtcTime finished) {
     insert->bind(5, description.description).bind(6, static_cast<std::int64_t>(tables.size())).bind(7, records);
     if (auto done = insert->run(); !done)
         return done;
+    if (auto stored = storeRunChecksums(*connection, run); !stored)
+        return stored;
     return transaction->commit();
 }
 

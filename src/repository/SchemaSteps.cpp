@@ -4,6 +4,7 @@
 #include "repository/SchemaVersion4.h"
 #include "repository/SchemaVersion5.h"
 #include "repository/SchemaVersion6.h"
+#include "repository/SchemaVersion7.h"
 
 #include <array>
 
@@ -346,8 +347,8 @@ FROM collection c JOIN collection_field m ON m.collection = c.id JOIN field f ON
 } // namespace
 
 std::span<const char* const> schemaSteps() {
-    static const std::array kSteps{kVersion1,       kSchemaVersion2, kSchemaVersion3,
-                                   kSchemaVersion4, kSchemaVersion5, kSchemaVersion6};
+    static const std::array kSteps{kVersion1,       kSchemaVersion2, kSchemaVersion3, kSchemaVersion4,
+                                   kSchemaVersion5, kSchemaVersion6, kSchemaVersion7};
     return kSteps;
 }
 

@@ -60,8 +60,9 @@ TEST_F(RuleStore, RunsShareTheIdentityAndKeepTheirFigures) {
     EXPECT_EQ(storedRows(m_path, "SELECT run, rule_key, rule, condition, checked_rows, failed_rows, failed_percent, "
                                  "error_rows, logged_rows FROM v_business_rules"),
               "1|B1|Positive|`x` > 0|10|3|30.0|1|2\n2|B1|Positive|`x` > 0|10|3|30.0|1|2\n");
-    EXPECT_EQ(storedRows(m_path, "SELECT position, record, json_extract(columns, '$[0]'), \"values\" FROM v_rule_rows "
-                                 "WHERE run = 2"),
+    EXPECT_EQ(storedRows(m_path,
+                         "SELECT position, record, json_extract(column_names, '$[0]'), row_values FROM v_rule_rows "
+                         "WHERE run = 2"),
               "0|2|id|[\"a\\\"\\n\",null]\n1|7|id|[\"\",\"\u00E4\"]\n");
     const std::vector<KvbString> expected = {"a\"\n", KvbString()};
     EXPECT_EQ(*readTextList(R"(["a\"\n",null])"), expected);

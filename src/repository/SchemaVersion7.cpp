@@ -1,0 +1,175 @@
+#include "repository/SchemaVersion7.h"
+
+namespace tavix::repository {
+
+namespace {
+
+// part: see RunChecksums.cpp; table_id is 0 for the parts of the run itself. Like every per-run table, no foreign key
+// to run. In all views table_name is the name that users see: that of the query or filter, else the table's own.
+constexpr const char* kScript = R"sql(
+CREATE TABLE run_checksum (
+    run INTEGER NOT NULL,
+    table_id INTEGER NOT NULL,
+    part TEXT NOT NULL,
+    form INTEGER NOT NULL,
+    checksum INTEGER NOT NULL,
+    PRIMARY KEY (run, table_id, part)
+) STRICT, WITHOUT ROWID;
+
+DROP VIEW v_runs;
+DROP VIEW v_tables;
+DROP VIEW v_percentiles;
+DROP VIEW v_outliers;
+DROP VIEW v_log;
+DROP VIEW v_collections;
+DROP VIEW v_rule_rows;
+
+CREATE VIEW v_folders AS
+WITH RECURSIVE down(id, parent, name, path, depth) AS (
+    SELECT id, parent, name, name, 0 FROM folder WHERE parent IS NULL
+    UNION ALL
+    SELECT f.id, f.parent, f.name, d.path || '/' || f.name, d.depth + 1
+    FROM down d JOIN folder f ON f.parent = d.id WHERE d.depth < 100
+)
+SELECT id AS folder_id, parent AS parent_id, name AS folder, path FROM down;
+
+CREATE VIEW v_jobs AS
+SELECT j.id AS job_id, j.name AS job, j.description,
+       strftime('%Y-%m-%dT%H:%M:%fZ', j.created / 1000.0, 'unixepoch') AS created, f.path AS folder_path,
+       (SELECT COUNT(*) FROM run r WHERE r.job = j.id) AS runs
+FROM job j LEFT JOIN v_folders f ON f.folder_id = j.folder;
+
+CREATE VIEW v_runs AS
+SELECT r.id AS run, j.name AS job, r.description,
+       strftime('%Y-%m-%dT%H:%M:%fZ', r.started / 1000.0, 'unixepoch') AS started,
+       strftime('%Y-%m-%dT%H:%M:%fZ', r.finished / 1000.0, 'unixepoch') AS finished,
+       r.tables, r.records, j.id AS job_id
+FROM run r JOIN job j ON j.id = r.job;
+
+CREATE VIEW v_tables AS
+SELECT rt.run, j.name AS job, t.id AS table_id, d.name AS data_source, t.catalog, t.schema,
+       CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name,
+       t.object_name, t.kind, rt.total_records, rt.processed_records, rt.damaged_records, rt.fields,
+       rt.query, rt.filter, rt.file_path, t.name AS source_table
+FROM run r JOIN job j ON j.id = r.job JOIN run_table rt ON rt.run = r.id
+JOIN profiled_table t ON t.id = rt.table_id JOIN data_source d ON d.id = t.data_source;
+
+CREATE VIEW v_files AS
+SELECT rt.run, j.name AS job, rt.table_id,
+       CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name,
+       COALESCE(f.position, 1) AS position, COALESCE(f.path, rt.file_path) AS path,
+       COALESCE(f.delimiter, rt.file_delimiter) AS delimiter, f.quote AS quote_character,
+       COALESCE(f.encoding, rt.file_encoding) AS encoding,
+       COALESCE(f.byte_order_mark, rt.file_byte_order_mark) AS byte_order_mark, rt.file_header AS has_header,
+       COALESCE(f.size, rt.file_size) AS file_size,
+       strftime('%Y-%m-%dT%H:%M:%fZ', COALESCE(f.modified, rt.file_modified) / 1000.0, 'unixepoch') AS modified
+FROM run r JOIN job j ON j.id = r.job JOIN run_table rt ON rt.run = r.id
+JOIN profiled_table t ON t.id = rt.table_id
+LEFT JOIN run_file f ON f.run = rt.run AND f.table_id = rt.table_id
+WHERE rt.file_path IS NOT NULL;
+
+CREATE VIEW v_percentiles AS
+SELECT p.run, p.field AS field_id, f.table_id, f.name AS field_name, p.position, p.interval, p.value,
+       j.name AS job, CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name
+FROM percentile p JOIN run r ON r.id = p.run JOIN job j ON j.id = r.job JOIN field f ON f.id = p.field
+JOIN profiled_table t ON t.id = f.table_id;
+
+CREATE VIEW v_outliers AS
+SELECT o.run, o.field AS field_id, f.table_id, f.name AS field_name, o.side, o.position, o.value, o.count, o.fence,
+       j.name AS job, CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name
+FROM outlier o JOIN run r ON r.id = o.run JOIN job j ON j.id = r.job JOIN field f ON f.id = o.field
+JOIN profiled_table t ON t.id = f.table_id;
+
+CREATE VIEW v_log AS
+SELECT l.run, strftime('%Y-%m-%dT%H:%M:%fZ', l.logged / 1000.0, 'unixepoch') AS logged, l.level,
+       l.table_id, l.text, j.name AS job,
+       CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name
+FROM execution_log l JOIN run r ON r.id = l.run JOIN job j ON j.id = r.job
+LEFT JOIN profiled_table t ON t.id = l.table_id;
+
+CREATE VIEW v_rule_rows AS
+SELECT l.run, 'B' || b.id AS rule_key, b.name AS rule, l.position, l.record, v.log_columns AS column_names,
+       l.row_values, j.name AS job, v.table_id,
+       CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name
+FROM run r JOIN job j ON j.id = r.job JOIN rule_row l ON l.run = r.id
+JOIN run_rule v ON v.run = l.run AND v.rule = l.rule JOIN business_rule b ON b.id = l.rule
+JOIN profiled_table t ON t.id = v.table_id;
+
+CREATE VIEW v_collections AS
+SELECT c.id AS collection_id, c.name AS collection, c.description, m.field AS field_id, f.table_id,
+       f.name AS field_name,
+       (SELECT j.name FROM run_field rf JOIN run r ON r.id = rf.run JOIN job j ON j.id = r.job
+        WHERE rf.field = m.field ORDER BY rf.run DESC LIMIT 1) AS job,
+       CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name, m.position
+FROM collection c JOIN collection_field m ON m.collection = c.id JOIN field f ON f.id = m.field
+JOIN profiled_table t ON t.id = f.table_id;
+
+CREATE VIEW v_notes AS
+SELECT 'table' AS about, n.id AS note_id, d.name AS data_source, t.id AS table_id,
+       CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name, NULL AS field_id,
+       NULL AS field_name, NULL AS collection, g.name AS category, n.author,
+       strftime('%Y-%m-%dT%H:%M:%fZ', n.written / 1000.0, 'unixepoch') AS written, n.text
+FROM table_note n JOIN profiled_table t ON t.id = n.owner JOIN data_source d ON d.id = t.data_source
+LEFT JOIN note_category g ON g.id = n.category WHERE n.owner_kind = 'T'
+UNION ALL
+SELECT 'collection', n.id, NULL, NULL, NULL, NULL, NULL, c.name, g.name, n.author,
+       strftime('%Y-%m-%dT%H:%M:%fZ', n.written / 1000.0, 'unixepoch'), n.text
+FROM table_note n JOIN collection c ON c.id = n.owner
+LEFT JOIN note_category g ON g.id = n.category WHERE n.owner_kind = 'C'
+UNION ALL
+SELECT 'field', n.id, d.name, t.id, CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END, f.id, f.name,
+       NULL, g.name, n.author, strftime('%Y-%m-%dT%H:%M:%fZ', n.written / 1000.0, 'unixepoch'), n.text
+FROM field_note n JOIN field f ON f.id = n.field JOIN profiled_table t ON t.id = f.table_id
+JOIN data_source d ON d.id = t.data_source LEFT JOIN note_category g ON g.id = n.category;
+
+CREATE VIEW v_charts AS
+SELECT h.id AS chart_id, h.name AS chart, h.description, h.category AS category_number, h.table_id,
+       CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name
+FROM chart h LEFT JOIN profiled_table t ON t.id = h.table_id;
+
+CREATE VIEW v_chart_properties AS
+SELECT h.id AS chart_id, h.name AS chart, p.id AS property_id, p.name AS property, p.position, p.value
+FROM chart h JOIN chart_property p ON p.chart = h.id;
+
+CREATE VIEW v_key_analyses AS
+SELECT k.run, j.name AS job, t.id AS table_id,
+       CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name, f.id AS field_id,
+       f.name AS field_name, ot.id AS other_table_id,
+       CASE WHEN ot.object_name <> '' THEN ot.object_name ELSE ot.name END AS other_table_name,
+       o.id AS other_field_id, o.name AS other_field_name, k.match_percent, k.unmatched_rows, k.unmatched_sum
+FROM key_analysis k JOIN run r ON r.id = k.run JOIN job j ON j.id = r.job
+JOIN field f ON f.id = k.field JOIN profiled_table t ON t.id = f.table_id
+JOIN field o ON o.id = k.other_field JOIN profiled_table ot ON ot.id = o.table_id;
+
+CREATE VIEW v_redundancies AS
+SELECT x.id AS redundancy_id, x.name AS redundancy, x.description, m.position, f.id AS field_id, f.name AS field_name,
+       t.id AS table_id, CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name
+FROM redundancy x LEFT JOIN redundancy_field m ON m.redundancy = x.id LEFT JOIN field f ON f.id = m.field
+LEFT JOIN profiled_table t ON t.id = f.table_id;
+
+CREATE VIEW v_alerts AS
+SELECT a.id AS alert_id, j.name AS job, d.name AS data_source, t.id AS table_id,
+       CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name, f.id AS field_id,
+       f.name AS field_name, a.type_code, a.watched_key, COALESCE(f.name, m.name, b.name) AS watched_name,
+       a.metric AS metric_number,
+       (SELECT p.value FROM alert_property p WHERE p.alert = a.id AND p.name = 'METRIC') AS metric_text,
+       (SELECT CAST(p.value AS INTEGER) FROM alert_property p WHERE p.alert = a.id AND p.name = 'COMPARE')
+           AS comparison,
+       (SELECT CAST(p.value AS REAL) FROM alert_property p WHERE p.alert = a.id AND p.name = 'VALUE1') AS value_1,
+       (SELECT CAST(p.value AS REAL) FROM alert_property p WHERE p.alert = a.id AND p.name = 'VALUE2') AS value_2,
+       (SELECT p.value FROM alert_property p WHERE p.alert = a.id AND p.name = 'LEVEL') AS level,
+       (SELECT CAST(p.value AS INTEGER) FROM alert_property p WHERE p.alert = a.id AND p.name = 'RUNS') AS runs_before,
+       a.description
+FROM alert a JOIN profiled_table t ON t.id = a.table_id JOIN data_source d ON d.id = t.data_source
+LEFT JOIN job j ON j.id = (SELECT CAST(p.value AS INTEGER) FROM alert_property p
+                           WHERE p.alert = a.id AND p.name = 'JOB')
+LEFT JOIN field f ON f.id = a.field
+LEFT JOIN custom_metric m ON a.type_code = 'CM' AND m.id = CAST(substr(a.watched_key, 2) AS INTEGER)
+LEFT JOIN business_rule b ON a.type_code = 'BR' AND b.id = CAST(substr(a.watched_key, 2) AS INTEGER);
+)sql";
+
+} // namespace
+
+const char* const kSchemaVersion7 = kScript;
+
+} // namespace tavix::repository
