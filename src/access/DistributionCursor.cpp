@@ -72,8 +72,9 @@ bool DistributionCursor::enterBlock() {
 
 void DistributionCursor::report() const {
     const std::int64_t passed = m_reader.firstRow() + static_cast<std::int64_t>(m_reader.block().rowCount());
-    if (m_sink && !m_sink->progress(m_filter ? "Filtering" : "Reading", passed, m_rows))
-        throw GenException("The reading was stopped.");
+    PrViewDisplayMessage* const sink = m_sink ? m_sink : m_session->sink;
+    if (sink && !sink->progress(m_filter ? "Filtering" : "Reading", passed, m_rows))
+        throw GenException(kReadingStopped);
 }
 
 void DistributionCursor::requireOpen() const {

@@ -194,7 +194,7 @@ constexpr std::array kAlerts{
     Column{AlertCatalog, "Catalog", "t.catalog"},
     Column{AlertSchema, "Schema", "t.schema"},
     Column{AlertTable, "Table Name", "t.name"},
-    Column{AlertInput, "Input", "f.name"},
+    Column{AlertInput, "Input", "COALESCE(f.name, cm.name, b.name)"},
     Column{AlertObject, "Object Name", "t.object_name"},
     Column{AlertDescription, "Description", "a.description"},
     Column{AlertMetric, "Metric", "a.metric"},
@@ -202,6 +202,11 @@ constexpr std::array kAlerts{
     Column{AlertKindLetter, "Kind", "t.kind"},
     Column{AlertTypeCode, "Type", "a.type_code"},
     Column{AlertKey, "Key", "a.watched_key"},
+    Column{AlertTableId, "Table Id", "a.table_id"},
+    Column{AlertFieldId, "Field Id", "a.field"},
+    Column{AlertWatchedId, "Watched Id", "COALESCE(cm.id, b.id)"},
+    Column{AlertReportId, "Report Id",
+           "(SELECT CAST(p.value AS INTEGER) FROM alert_property p WHERE p.alert = a.id AND p.name = 'JOB')"},
 };
 constexpr std::array kAlertProperties{
     Column{AlertPropertyName, "Name", "p.name"},

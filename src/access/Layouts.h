@@ -155,7 +155,11 @@ enum Alerts {
     AlertReserved,
     AlertKindLetter,
     AlertTypeCode,
-    AlertKey
+    AlertKey,
+    AlertTableId,
+    AlertFieldId,   ///< null for custom metrics and rules
+    AlertWatchedId, ///< of the custom metric or rule; null for standard metrics
+    AlertReportId,  ///< null for alerts that no job states
 };
 enum AlertProperties { AlertPropertyName, AlertPropertyValue };
 

@@ -55,6 +55,7 @@ bool PrViewer::init(const KvbString& connection) {
     m_impl->session = std::make_shared<ViewerSession>();
     m_impl->session->connection = std::move(*opened);
     m_impl->session->closed = std::make_shared<bool>(false);
+    m_impl->session->sink = m_impl->displayMessage;
     m_impl->path = connection.str();
     m_impl->error = KvbString("");
     return true;
@@ -69,6 +70,13 @@ bool PrViewer::close() {
 
 void PrViewer::release() {
     delete this;
+}
+
+void PrViewer::setDisplayMessage(PrViewDisplayMessage* sink) {
+    m_impl->displayMessage = sink;
+    for (const auto& session : {m_impl->session, m_impl->sessionBefore})
+        if (session)
+            session->sink = sink;
 }
 
 KvbString PrViewer::getErrorString() const {
@@ -107,6 +115,7 @@ bool PrViewer::setCurrentJobSetup(int jobId) {
         return m_impl->fail(latest.error());
     m_impl->job = jobId;
     m_impl->run = static_cast<int>(*latest);
+    m_impl->checkRun();
     return true;
 }
 
@@ -178,7 +187,12 @@ bool PrViewer::setCurrentJob(int runId) {
     if (!found)
         return m_impl->fail(found.error());
     m_impl->run = runId;
+    m_impl->checkRun();
     return true;
+}
+
+KvbString PrViewer::getRunWarning() const {
+    return m_impl->runWarning;
 }
 
 bool PrViewer::getJobInfo(int runId, double& date, KvbString& description) {
@@ -204,6 +218,8 @@ bool PrViewer::deleteJobs(int first, int last, int job) {
     Status ready = job == -1 ? m_impl->requireJob() : m_impl->requireExisting(kFindJob, job, kReport);
     if (!ready)
         return m_impl->fail(ready.error());
+    if (m_impl->changes)
+        return m_impl->fail({"Runs cannot be deleted before the changes that were begun are kept or dropped."});
     auto writer = repository::openRepository(m_impl->path, sql::OpenMode::Write);
     if (!writer)
         return m_impl->fail(writer.error());

@@ -47,6 +47,12 @@ class PrViewer {
     /// The text of the last failure; it stays until the next failure or until init() succeeds.
     [[nodiscard]] KvbString getErrorString() const;
 
+    /// Asked within next() of every ProfileCursor of this viewer that was given no sink of its own, and may stop it:
+    /// then next() throws GenException, "The reading was stopped.". Null, as in the beginning, for none. It must
+    /// outlive the viewer or be taken back. Rows of a source that a drill-down reads end where they are stopped, see
+    /// there.
+    void setDisplayMessage(PrViewDisplayMessage* sink);
+
     // Report: a job and, once one is set up, its latest run.
     /// Every job of the repository, for a shell's list.
     [[nodiscard]] ProfileCursorHandle getReports();
@@ -64,6 +70,9 @@ class PrViewer {
     /// The current run; -1 when there is none.
     [[nodiscard]] int getCurrentJob() const;
     bool setCurrentJob(int runId);
+    /// That the current run is damaged, in words for a user; null when nothing is known of that. Looked at when the run
+    /// becomes current, as far as it costs next to nothing; `tavix check` looks at everything.
+    [[nodiscard]] KvbString getRunWarning() const;
     bool getJobInfo(int runId, double& date, KvbString& description);
     /// Deletes the runs of the current job with `first` <= id <= `last`; -1 stands for no bound. `job` -1 is the
     /// current job. At least one run must stay.
@@ -137,7 +146,7 @@ class PrViewer {
     // Custom metrics and business rules of the current run; `tableId` -1 stands for all tables. A run that was made
     // before there were any has none. Keys name the same thing in every run.
     [[nodiscard]] ProfileCursorHandle getCustomMetrics(int tableId);
-    /// Nothing for a key that the run does not know.
+    /// A key that the repository does not know is a failure; nothing for one that this run does not have.
     [[nodiscard]] ProfileCursorHandle getCustomMetricInputFields(const KvbString& key);
     [[nodiscard]] ProfileCursorHandle getBusinessRules(int tableId);
     /// The rows that violate a rule, as many of the first ones as the run has kept, from the one with the index `first`
@@ -148,6 +157,14 @@ class PrViewer {
     // Alerts.
     [[nodiscard]] ProfileCursorHandle getAlerts();
     [[nodiscard]] ProfileCursorHandle getAlertProperties(int alertId);
+
+    // Several changes as one: until keepChanges() nobody else sees any of them, and this session sees all. Other
+    // writers wait meanwhile, so nobody should be asked anything in between. When one of them fails, keepChanges()
+    // fails too and keeps none. Runs cannot be deleted in between. What is neither kept nor dropped is dropped with the
+    // session.
+    bool beginChanges();
+    bool keepChanges();
+    void dropChanges();
 
     // Notes. `kind` is 'T' for a table, 'C' for a collection; `order` 1 newest first, else oldest first.
     [[nodiscard]] ProfileCursorHandle getTableNotes(int ownerId, char kind, int order);
@@ -180,6 +197,7 @@ class PrViewer {
     [[nodiscard]] ProfileCursorHandle getPKFKAnalysis(int fieldId);
     [[nodiscard]] ProfileCursorHandle getPKFKAnalysisOutliers(int fieldId, int otherFieldId);
     bool generatePKFKAnalysis(int fieldId, int otherFieldId);
+    /// True as well when there is none.
     bool deletePKFKAnalysis(int fieldId, int otherFieldId);
 
     // Redundant data analysis.

@@ -2,8 +2,11 @@
 #include "repository/Analyses.h"
 #include "repository/Charts.h"
 #include "repository/Notes.h"
+#include "repository/Schema.h"
 
 #include <fmt/format.h>
+
+#include <utility>
 
 namespace tavix {
 
@@ -21,6 +24,42 @@ Error badOwner(char kind) {
 }
 
 } // namespace
+
+bool PrViewer::beginChanges() {
+    if (auto ready = m_impl->requireSession(); !ready)
+        return m_impl->fail(ready.error());
+    if (m_impl->changes)
+        return m_impl->fail({"Changes were begun already."});
+    auto writer = repository::openRepository(m_impl->path, sql::OpenMode::Write);
+    if (!writer)
+        return m_impl->fail(writer.error());
+    auto transaction = sql::Transaction::begin(**writer);
+    if (!transaction)
+        return m_impl->fail(transaction.error());
+    auto writing = std::make_shared<ViewerSession>();
+    writing->connection = std::move(*writer);
+    writing->closed = m_impl->session->closed;
+    writing->sink = m_impl->displayMessage;
+    m_impl->sessionBefore = std::exchange(m_impl->session, std::move(writing));
+    m_impl->changes.emplace(std::move(*transaction));
+    m_impl->haveChangesFailed = false;
+    return true;
+}
+
+bool PrViewer::keepChanges() {
+    if (!m_impl->changes)
+        return m_impl->fail({"No changes were begun."});
+    const Status kept = m_impl->haveChangesFailed ? Status{Error{m_impl->error.str()}} : m_impl->changes->commit();
+    m_impl->endChanges();
+    if (kept)
+        m_impl->refreshSession();
+    return m_impl->conclude(kept);
+}
+
+void PrViewer::dropChanges() {
+    if (m_impl->changes)
+        m_impl->endChanges();
+}
 
 ProfileCursorHandle PrViewer::getTableNotes(int ownerId, char kind, int order) {
     constexpr std::string_view kFrom = "FROM table_note n LEFT JOIN note_category g ON g.id = n.category "

@@ -1,6 +1,7 @@
 #include "access/PrViewerImpl.h"
 
 #include "base/KvbDatavar.h"
+#include "repository/RunChecksums.h"
 #include "repository/Schema.h"
 
 #include <fmt/format.h>
@@ -33,12 +34,21 @@ ProfileCursorHandle PrViewer::Impl::unavailable(std::string_view what) {
     return failCursor({fmt::format("{} not available in this version.", what)});
 }
 
+void PrViewer::Impl::endChanges() {
+    changes.reset();
+    session = std::move(sessionBefore);
+    sessionBefore.reset();
+}
+
 void PrViewer::Impl::endSession() {
+    if (sessionBefore)
+        endChanges();
     if (session)
         *session->closed = true;
     session.reset();
     job = -1;
     run = -1;
+    runWarning = {};
 }
 
 void PrViewer::Impl::refreshSession() {
@@ -50,7 +60,13 @@ void PrViewer::Impl::refreshSession() {
     auto fresh = std::make_shared<ViewerSession>();
     fresh->connection = std::move(*opened);
     fresh->closed = session->closed;
+    fresh->sink = displayMessage;
     session = std::move(fresh);
+}
+
+void PrViewer::Impl::checkRun() {
+    const Status sound = repository::checkOpenedRun(connection(), run);
+    runWarning = sound ? KvbString() : KvbString(sound.error().text);
 }
 
 Status PrViewer::Impl::requireSession() const {
@@ -139,6 +155,11 @@ Result<std::int64_t> PrViewer::Impl::integer(std::string_view sql, std::initiali
 bool PrViewer::Impl::change(const std::function<Status(sql::Connection&)>& work) {
     if (auto ready = requireSession(); !ready)
         return fail(ready.error());
+    if (changes) {
+        Status done = work(connection());
+        haveChangesFailed = haveChangesFailed || !done;
+        return conclude(done);
+    }
     auto writer = repository::openRepository(path, sql::OpenMode::Write);
     if (!writer)
         return fail(writer.error());

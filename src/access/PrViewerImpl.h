@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -25,11 +26,24 @@ struct Query {
     std::string sql;
 };
 
+/// What is named by a key, a letter and a number such as "M12".
+struct KeyedKind {
+    char letter;
+    std::string_view what;
+    std::string_view find; ///< a statement with a row for the number of each that there is
+};
+
 struct PrViewer::Impl {
     std::string path;
     std::shared_ptr<ViewerSession> session;
     int job = -1;
     int run = -1;
+    KvbString runWarning;
+    PrViewDisplayMessage* displayMessage = nullptr; ///< null for none
+    /// Changes that are being made as one: the session then speaks through the connection that writes.
+    std::shared_ptr<ViewerSession> sessionBefore; ///< null when there are none
+    std::optional<sql::Transaction> changes;
+    bool haveChangesFailed = false;
     KvbString error;
     SystemClock systemClock;
     const Clock* clock = nullptr;
@@ -50,6 +64,9 @@ struct PrViewer::Impl {
     /// viewer itself goes on with a new connection then, so that it sees what it did.
     void refreshSession();
 
+    /// Sets the warning of the current run.
+    void checkRun();
+
     // What an operation needs; the error says what is missing.
     [[nodiscard]] Status requireSession() const;
     [[nodiscard]] Status requireJob() const;
@@ -67,6 +84,9 @@ struct PrViewer::Impl {
     [[nodiscard]] Result<bool> knowsRules() const;
     ProfileCursorHandle openRules(const Status& ready, const Query& query,
                                   std::initializer_list<std::int64_t> parameters);
+    /// For what a key names; ?1 is its number and ?2 `scope`. An unknown key is a failure.
+    ProfileCursorHandle openKeyed(const Status& ready, const Query& query, const KeyedKind& kind, const KvbString& key,
+                                  std::int64_t scope);
     /// The statement with its integer parameters bound.
     [[nodiscard]] Result<sql::Statement> bound(std::string_view sql,
                                                std::initializer_list<std::int64_t> parameters) const;
@@ -99,7 +119,9 @@ struct PrViewer::Impl {
     [[nodiscard]] Result<SourceRows> sourceRows(int field, const KvbString& value, bool isPattern,
                                                 PrViewDisplayMessage* sink) const;
 
-    /// Opens the repository for writing and runs `work` in one transaction.
+    /// Gives the session back its own connection; what was not committed is gone.
+    void endChanges();
+    /// Opens the repository for writing, unless changes are being made as one, and runs `work` in one transaction.
     bool change(const std::function<Status(sql::Connection&)>& work);
     /// The same for work that gives the id of what it made or changed, which `id` becomes when all of it succeeds.
     bool change(int& id, const std::function<Result<int>(sql::Connection&)>& work);

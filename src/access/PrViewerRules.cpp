@@ -2,6 +2,8 @@
 #include "access/RuleRowCursor.h"
 #include "repository/RuleStore.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 namespace tavix {
@@ -20,6 +22,9 @@ constexpr std::string_view kRulesOfTable =
     "FROM run_table rt JOIN run_rule v ON v.run = rt.run AND v.table_id = rt.table_id "
     "JOIN business_rule b ON b.id = v.rule WHERE rt.run = ?1 AND ?2 IN (-1, rt.table_id) "
     "ORDER BY rt.position, v.position";
+
+constexpr KeyedKind kMetricKeys{'M', "custom metric", "SELECT 1 FROM custom_metric WHERE id = ?1"};
+constexpr KeyedKind kRuleKeys{'B', "business rule", "SELECT 1 FROM business_rule WHERE id = ?1"};
 
 /// The number within a key such as "M12"; -1, which nothing has, when it is no key of this letter.
 std::int64_t idOfKey(const KvbString& key, char letter) {
@@ -52,6 +57,22 @@ ProfileCursorHandle PrViewer::Impl::openRules(const Status& ready, const Query& 
     return open(query, std::move(*statement));
 }
 
+ProfileCursorHandle PrViewer::Impl::openKeyed(const Status& ready, const Query& query, const KeyedKind& kind,
+                                              const KvbString& key, std::int64_t scope) {
+    if (!ready)
+        return failCursor(ready.error());
+    const auto known = knowsRules();
+    if (!known)
+        return failCursor(known.error());
+    const std::string unknown = fmt::format("There is no {} with the key \"{}\".", kind.what, key.view());
+    const std::int64_t id = *known ? idOfKey(key, kind.letter) : -1;
+    if (id < 0)
+        return failCursor({unknown});
+    if (auto found = integer(kind.find, {id}, unknown); !found)
+        return failCursor(found.error());
+    return open({}, query, {id, scope});
+}
+
 Status PrViewer::Impl::requireTableOrAll(int table) const {
     return table == -1 ? requireRun() : requireTable(table);
 }
@@ -63,14 +84,14 @@ ProfileCursorHandle PrViewer::getCustomMetrics(int tableId) {
 
 ProfileCursorHandle PrViewer::getCustomMetricInputFields(const KvbString& key) {
     static const Query kQuery("getCustomMetricInputFields", "FROM custom_metric_input i JOIN field f ON f.id = i.field "
-                                                            "WHERE i.run = ?1 AND i.metric = ?2 ORDER BY i.position");
-    return m_impl->openRules(m_impl->requireRun(), kQuery, {m_impl->run, idOfKey(key, 'M')});
+                                                            "WHERE i.run = ?2 AND i.metric = ?1 ORDER BY i.position");
+    return m_impl->openKeyed(m_impl->requireRun(), kQuery, kMetricKeys, key, m_impl->run);
 }
 
 ProfileCursorHandle PrViewer::getCustomMetricHistory(const KvbString& key) {
     static const Query kQuery("getCustomMetricHistory", "FROM run_custom_metric v JOIN run r ON r.id = v.run "
                                                         "WHERE v.metric = ?1 AND r.job = ?2 ORDER BY r.id");
-    return m_impl->openRules(m_impl->requireJob(), kQuery, {idOfKey(key, 'M'), m_impl->job});
+    return m_impl->openKeyed(m_impl->requireJob(), kQuery, kMetricKeys, key, m_impl->job);
 }
 
 ProfileCursorHandle PrViewer::getBusinessRules(int tableId) {
@@ -81,7 +102,7 @@ ProfileCursorHandle PrViewer::getBusinessRules(int tableId) {
 ProfileCursorHandle PrViewer::getBusinessRuleHistory(const KvbString& key) {
     static const Query kQuery("getBusinessRuleHistory", "FROM run_rule v JOIN run r ON r.id = v.run "
                                                         "WHERE v.rule = ?1 AND r.job = ?2 ORDER BY r.id");
-    return m_impl->openRules(m_impl->requireJob(), kQuery, {idOfKey(key, 'B'), m_impl->job});
+    return m_impl->openKeyed(m_impl->requireJob(), kQuery, kRuleKeys, key, m_impl->job);
 }
 
 ProfileCursorHandle PrViewer::getBusinessRuleRowLog(int ruleId, int first, bool withInputs) {

@@ -158,10 +158,23 @@ ProfileCursorHandle PrViewer::getExecutionLog() {
 }
 
 ProfileCursorHandle PrViewer::getAlerts() {
-    static const Query kQuery("getAlerts", "FROM alert a JOIN profiled_table t ON t.id = a.table_id "
-                                           "JOIN data_source d ON d.id = t.data_source "
-                                           "LEFT JOIN field f ON f.id = a.field ORDER BY a.id");
-    return m_impl->open(m_impl->requireSession(), kQuery, {});
+    const std::string from = "FROM alert a JOIN profiled_table t ON t.id = a.table_id JOIN data_source d ON d.id = "
+                             "t.data_source LEFT JOIN field f ON f.id = a.field ";
+    static const Query kQuery(
+        "getAlerts",
+        from + "LEFT JOIN custom_metric cm ON a.type_code = 'CM' AND cm.id = CAST(substr(a.watched_key, 2) AS INTEGER) "
+               "LEFT JOIN business_rule b ON a.type_code = 'BR' AND b.id = CAST(substr(a.watched_key, 2) AS INTEGER) "
+               "ORDER BY a.id");
+    // Of a repository that is older than rules.
+    static const Query kWithoutRules("getAlerts", from + "LEFT JOIN (SELECT NULL AS id, NULL AS name) cm ON 0 "
+                                                         "LEFT JOIN (SELECT NULL AS id, NULL AS name) b ON 0 "
+                                                         "ORDER BY a.id");
+    if (auto ready = m_impl->requireSession(); !ready)
+        return m_impl->failCursor(ready.error());
+    const auto knowsRules = m_impl->knowsRules();
+    if (!knowsRules)
+        return m_impl->failCursor(knowsRules.error());
+    return m_impl->open({}, *knowsRules ? kQuery : kWithoutRules, {});
 }
 
 ProfileCursorHandle PrViewer::getAlertProperties(int alertId) {

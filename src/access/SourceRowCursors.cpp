@@ -1,14 +1,18 @@
 #include "access/SourceRowCursors.h"
 
+#include "access/StatementCursor.h"
+#include "base/GenException.h"
 #include "base/KvbDatavar.h"
 
 namespace tavix {
 
 bool MatchRowCursor::next() {
-    for (; m_skip > 0; --m_skip)
-        if (!m_rows.next())
-            return false;
-    return m_rows.next();
+    bool isOnRow = m_rows.next();
+    for (; isOnRow && m_skip > 0; --m_skip)
+        isOnRow = m_rows.next();
+    if (!isOnRow && !m_rows.isComplete())
+        throw GenException(kReadingStopped);
+    return isOnRow;
 }
 
 int MatchRowCursor::getColumnInt(int column) const {

@@ -32,6 +32,13 @@ bool StatementCursor::next() {
         return false;
     if (*m_session->closed)
         throw GenException("The repository was closed while a result was being read.");
+    // Between rows, so that a sink may use the viewer.
+    constexpr std::int64_t kRowsPerQuestion = 256;
+    if (m_session->sink && m_rows % kRowsPerQuestion == 0 && !m_session->sink->progress("Reading", m_rows, 0)) {
+        m_position = Position::AtEnd;
+        throw GenException(kReadingStopped);
+    }
+    ++m_rows;
     if (m_position == Position::BeforeFirst) {
         m_position = Position::OnRow;
         return true;

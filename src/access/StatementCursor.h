@@ -1,18 +1,24 @@
 #pragma once
 
 #include "access/Layouts.h"
+#include "access/PrViewDisplayMessage.h"
 #include "access/ProfileCursor.h"
 #include "base/Result.h"
 #include "sql/Connection.h"
 
+#include <cstdint>
 #include <memory>
 
 namespace tavix {
 
+/// How a cursor of any kind says in next() that its sink stopped it.
+inline constexpr const char* kReadingStopped = "The reading was stopped.";
+
 /// The open repository of a viewer. Cursors share it, so that one that outlives its viewer fails instead of crashing.
 struct ViewerSession {
     std::unique_ptr<sql::Connection> connection;
-    std::shared_ptr<bool> closed; ///< set when the viewer closes; one for all connections that it has used
+    std::shared_ptr<bool> closed;         ///< set when the viewer closes; one for all connections that it has used
+    PrViewDisplayMessage* sink = nullptr; ///< asked by every cursor that has none of its own
 };
 
 /// The rows of a query, read one by one as they are asked for.
@@ -46,6 +52,7 @@ class StatementCursor final : public ProfileCursor {
     sql::Statement m_statement;
     const layout::Layout& m_layout;
     Position m_position;
+    std::int64_t m_rows = 0; ///< passed so far
 };
 
 } // namespace tavix

@@ -86,8 +86,12 @@ void NotesCommand::run(const CommonOptions& options) {
     const Subject subject =
         m_field ? Subject{true, session.field(*m_field, m_table).id} : Subject{false, session.table(*m_table).id};
     Listing listing(options);
-    if (m_add)
+    if (m_add) {
+        // A note that cannot be added leaves no new category.
+        session.check(session.viewer().beginChanges());
         subject.add(session, categoryId(session), *m_add);
+        session.check(session.viewer().keepChanges());
+    }
 
     // The one that was added has the highest number.
     int latest = -1;

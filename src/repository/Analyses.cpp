@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view kRedundancy = "redundant data analysis";
 
-/// Removes the rows of both tables; how many analyses that were is left in changes().
+/// Removes the rows of both tables.
 Status removeKeyAnalysis(sql::Connection& connection, int run, int field, int otherField) {
     for (const char* sql : {"DELETE FROM distribution_block WHERE run = ?1 AND field = ?2 AND kind = 'K' AND "
                             "other_field = ?3",
@@ -69,11 +69,7 @@ Status storeKeyAnalysis(sql::Connection& connection, const KeyAnalysis& analysis
 }
 
 Status deleteKeyAnalysis(sql::Connection& connection, int run, int field, int otherField) {
-    if (auto removed = removeKeyAnalysis(connection, run, field, otherField); !removed)
-        return removed;
-    if (connection.changes() == 0)
-        return Error{"There is no key analysis of these two fields."};
-    return {};
+    return removeKeyAnalysis(connection, run, field, otherField);
 }
 
 Result<int> addRedundancy(sql::Connection& connection, std::string_view name, std::string_view description) {

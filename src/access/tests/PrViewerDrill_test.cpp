@@ -132,6 +132,12 @@ TEST_F(PrViewerDrill, MatchingRowsBeginAtAnIndex) {
     EXPECT_EQ(cursor->getColumnDouble(0), 4.0);
     EXPECT_TRUE(cursor->isColumnNull(2));
     EXPECT_FALSE(cursor->isColumnValid(3));
+
+    m_sink.calls = 0;
+    m_sink.allowed = 0;
+    const auto stopped = m_viewer->drillDownMatch(m_fields.at("city"), "Köln", &m_sink, 0);
+    ASSERT_TRUE(stopped);
+    EXPECT_THROW(stopped->next(), GenException) << "a list that was cut reads as a whole one";
 }
 
 TEST_F(PrViewerDrill, ASourceThatChangedStillGivesItsRowsAndSaysSo) {

@@ -8,6 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace tavix {
 namespace {
 
@@ -19,6 +21,7 @@ using namespace repository;
 class PrViewerRulesTest : public testing::PrViewerTest {
   protected:
     void SetUp() override {
+        m_runWithoutRules = write("Shop", 0);
         write("Shop", 1);
         write("Other shop", 5);
         m_lastRun = write("Shop", 2);
@@ -26,6 +29,7 @@ class PrViewerRulesTest : public testing::PrViewerTest {
         ASSERT_TRUE(m_viewer->setCurrentJobSetup(m_job)) << error();
     }
 
+    /// A run without metrics and rules for the factor 0.
     int write(const char* job, int factor) {
         auto writer = RunWriter::begin(m_sample.path, {job, "", "", testing::SampleRepository::runTime(factor)});
         EXPECT_TRUE(writer) << writer.error().text;
@@ -48,10 +52,19 @@ class PrViewerRulesTest : public testing::PrViewerTest {
         BusinessRuleFacts rule{"Positive", "`x` > 0", {"x"}, 10, factor, 0, {"id", "x"}, 1, {}};
         for (int row = 0; row < 3; ++row)
             rule.log.push_back({100 + row, {std::to_string(row), row == 1 ? KvbString() : KvbString("x")}});
-        EXPECT_TRUE((*writer)->addCustomMetric(m_tables["orders"], sum));
-        EXPECT_TRUE((*writer)->addCustomMetric(m_tables["orders"], ratio));
-        EXPECT_TRUE((*writer)->addBusinessRule(m_tables["orders"], rule));
-        EXPECT_TRUE((*writer)->addBusinessRule(m_tables["returns"], rule));
+        if (factor > 0) {
+            EXPECT_TRUE((*writer)->addCustomMetric(m_tables["orders"], sum));
+            EXPECT_TRUE((*writer)->addCustomMetric(m_tables["orders"], ratio));
+            EXPECT_TRUE((*writer)->addBusinessRule(m_tables["orders"], rule));
+            EXPECT_TRUE((*writer)->addBusinessRule(m_tables["returns"], rule));
+        }
+        if (job == std::string("Shop") && factor > 0) {
+            const std::array alerts{
+                AlertFacts{"orders", AlertSubject::StandardMetric, "x", MetricId::NullCount, "", {}, ""},
+                AlertFacts{"orders", AlertSubject::CustomMetric, "", MetricId::Count, "Ratio", {}, ""},
+                AlertFacts{"orders", AlertSubject::BusinessRule, "", MetricId::Count, "Positive", {}, ""}};
+            EXPECT_TRUE((*writer)->setAlerts(alerts));
+        }
         EXPECT_TRUE((*writer)->commit({}));
         if (job == std::string("Shop"))
             m_job = (*writer)->jobId();
@@ -65,6 +78,7 @@ class PrViewerRulesTest : public testing::PrViewerTest {
 
     int m_job = -1;
     int m_lastRun = -1;
+    int m_runWithoutRules = -1;
     int m_ordinal = 0;
     std::map<std::string, int> m_tables;
 };
@@ -87,7 +101,10 @@ TEST_F(PrViewerRulesTest, MetricsAndRulesOfATableOrOfAll) {
     EXPECT_THAT(inputs[0], ::testing::EndsWith("|y|10"));
     EXPECT_THAT(inputs[1], ::testing::EndsWith("|y|12"));
     for (const char* key : {"", "M", "B1", "M01", "M1 ", "M99", "M99999999999999999999"})
-        EXPECT_THAT(read(m_viewer->getCustomMetricInputFields(key)), IsEmpty()) << key;
+        expectFailure(!m_viewer->getCustomMetricInputFields(key),
+                      "There is no custom metric with the key \"" + std::string(key) + "\".");
+    ASSERT_TRUE(m_viewer->setCurrentJob(m_runWithoutRules)) << error();
+    EXPECT_THAT(read(m_viewer->getCustomMetricInputFields("M2")), IsEmpty()) << "this run does not have it";
 }
 
 TEST_F(PrViewerRulesTest, HistoriesAreThoseOfTheReport) {
@@ -103,6 +120,23 @@ TEST_F(PrViewerRulesTest, HistoriesAreThoseOfTheReport) {
     EXPECT_EQ(rule->getColumnInt(layout::RuleHistoryFailedRows), 2);
     EXPECT_EQ(rule->getColumnInt(layout::RuleHistoryCheckedRows), 10);
     EXPECT_FALSE(rule->next());
+    expectFailure(!m_viewer->getCustomMetricHistory("M99"), "There is no custom metric with the key \"M99\".");
+    expectFailure(!m_viewer->getBusinessRuleHistory("M1"), "There is no business rule with the key \"M1\".");
+}
+
+TEST_F(PrViewerRulesTest, AlertsNameWhatTheyWatchAndLeadThere) {
+    const std::string orders = std::to_string(m_tables["orders"]);
+    const std::string job = std::to_string(m_job);
+    auto alerts = read(m_viewer->getAlerts());
+    ASSERT_GE(alerts.size(), 3U);
+    alerts.erase(alerts.begin(), alerts.end() - 3);
+    const int x = ids(m_viewer->getFieldList(m_tables["orders"])).at(1);
+    EXPECT_THAT(alerts[0], ::testing::HasSubstr("|orders|x||"));
+    EXPECT_THAT(alerts[0], ::testing::EndsWith("|SM||" + orders + "|" + std::to_string(x) + "|<null>|" + job));
+    EXPECT_THAT(alerts[1], ::testing::HasSubstr("|orders|Ratio||"));
+    EXPECT_THAT(alerts[1], ::testing::EndsWith("|CM|M2|" + orders + "|<null>|2|" + job));
+    EXPECT_THAT(alerts[2], ::testing::HasSubstr("|orders|Positive||"));
+    EXPECT_THAT(alerts[2], ::testing::EndsWith("|BR|B1|" + orders + "|<null>|1|" + job));
 }
 
 TEST_F(PrViewerRulesTest, TheRowLogHasTheKeyAndOnDemandTheInputs) {
@@ -142,15 +176,16 @@ TEST(PrViewerOldRepository, HasNoRulesAndIsReadAsItIs) {
     }
     auto viewer = PrViewer::create();
     ASSERT_TRUE(viewer->init(path) && viewer->setCurrentJobSetup(1)) << viewer->getErrorString().str();
-    for (const auto& cursor :
-         {viewer->getCustomMetrics(-1).release(), viewer->getBusinessRules(-1).release(),
-          viewer->getCustomMetricHistory("M1").release(), viewer->getBusinessRuleHistory("B1").release(),
-          viewer->getCustomMetricInputFields("M1").release()}) {
+    for (const auto& cursor : {viewer->getCustomMetrics(-1).release(), viewer->getBusinessRules(-1).release(),
+                               viewer->getAlerts().release()}) {
         const ProfileCursorHandle handle(cursor);
         ASSERT_TRUE(handle) << viewer->getErrorString().str();
         EXPECT_FALSE(handle->next());
     }
     EXPECT_FALSE(viewer->getBusinessRuleRowLog(1, 0, true));
+    EXPECT_FALSE(viewer->getCustomMetricHistory("M1"));
+    EXPECT_FALSE(viewer->getBusinessRuleHistory("B1"));
+    EXPECT_FALSE(viewer->getCustomMetricInputFields("M1"));
     auto connection = sql::Connection::openFile(path, sql::OpenMode::Read);
     EXPECT_EQ(*(*connection)->schemaVersion(), 1);
 }

@@ -1,5 +1,6 @@
 #include "access/CacheCursor.h"
 #include "access/Layouts.h"
+#include "access/PrViewDisplayMessage.h"
 #include "access/tests/PrViewerFixture.h"
 #include "base/GenException.h"
 #include "base/LibraryDate.h"
@@ -305,6 +306,27 @@ TEST(Distributions, ALongOneIsReadBlockByBlockInOrder) {
     EXPECT_EQ(row, texts.size());
     EXPECT_FALSE(cursor->next());
     EXPECT_TRUE(cursor->isColumnNull(0));
+
+    struct Refusal final : PrViewDisplayMessage {
+        bool progress(std::string_view, std::int64_t, std::int64_t) override { return false; }
+    } refusal;
+    viewer->setDisplayMessage(&refusal);
+    ASSERT_TRUE(viewer->createNewNoteCategory("of a connection that is opened anew"));
+    for (ProfileCursor* cursorOfAKind :
+         {viewer->getFreqDist(1, "").release(), viewer->getReports().release(), viewer->getTableList(-1).release(),
+          viewer->getFieldList(1).release(), viewer->getNoteCategories().release()}) {
+        const ProfileCursorHandle stopped(cursorOfAKind);
+        ASSERT_TRUE(stopped);
+        try {
+            while (stopped->next()) {
+            }
+            ADD_FAILURE() << stopped->getColumnName(0).view() << " went on to its end";
+        } catch (const GenException& exception) {
+            EXPECT_EQ(exception.getText().str(), "The reading was stopped.");
+        }
+    }
+    viewer->setDisplayMessage(nullptr);
+    EXPECT_TRUE(viewer->getReports()->next());
 }
 
 } // namespace
