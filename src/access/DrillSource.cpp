@@ -197,7 +197,8 @@ Result<DrillSource> openTextFile(const DrillTable& table, const WantedRows& want
             return Error{fmt::format("\"{}\" is no file that can be read again.", path)};
     }
     const bool isSearch = wanted.kind == WantedRows::Kind::Value && TextFileSearch::canFind(wanted.text, file.quote);
-    const bool isOneSearched = isSearch && file.files.empty() && findEncoding(file.encoding) == &encodingUtf8();
+    const bool isOneSearched = isSearch && file.files.empty() && findEncoding(file.encoding) == &encodingUtf8() &&
+                               source::packingOfFile(file.path) == source::Packing::None;
     const Status opened =
         isOneSearched ? openSearch(table, wanted, source) : openFiles(table, wanted, isSearch, source);
     if (!opened)

@@ -1,9 +1,10 @@
 #include "base/SettingsStore.h"
 
+#include "base/FileWriter.h"
+
 #define SI_CONVERT_ICU 1
 #include <SimpleIni.h>
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -86,20 +87,14 @@ class FileSettings final : public SettingsStore {
         std::error_code code;
         if (const auto folder = fs::path(m_path).parent_path(); !folder.empty())
             fs::create_directories(folder, code);
-        const std::string fresh = m_path + ".new";
         std::string bytes;
         m_ini.Save(bytes);
-        std::ofstream out(fresh, std::ios::binary | std::ios::trunc);
-        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        out.close();
-        if (!out) {
-            const int reason = errno;
-            fs::remove(fresh, code);
-            return Error{fmt::format("The settings file {} cannot be written: {}.", m_path, std::strerror(reason))};
-        }
-        fs::rename(fresh, m_path, code);
-        if (code)
-            return Error{fmt::format("The settings file {} cannot be written: {}.", m_path, code.message())};
+        const auto file = FileWriter::open(m_path);
+        Status written = file ? (*file)->write(bytes) : Status(file.error());
+        if (written)
+            written = (*file)->commit();
+        if (!written)
+            return Error{fmt::format("The settings file {} cannot be written: {}.", m_path, written.error().text)};
         return {};
     }
 

@@ -64,7 +64,8 @@ Section filesSection(bool isRecord) {
              {"columns", "Columns", Column::Kind::Number},
              {"rows", "Rows looked at", Column::Kind::Number},
              {"whole_file", "Whole file"},
-             {"damaged_rows", "Damaged rows", Column::Kind::Number}},
+             {"damaged_rows", "Damaged rows", Column::Kind::Number},
+             {"compression", "Compression"}},
             isRecord};
 }
 
@@ -88,7 +89,8 @@ Row fileRow(const FileInspection& file, char quote) {
                static_cast<std::int64_t>(file.columns.size()),
                file.rows,
                yesNo(file.isWhole),
-               file.damagedRows};
+               file.damagedRows,
+               std::string(source::nameOf(file.packing))};
 }
 
 void listColumns(Listing& listing, const std::vector<FileInspection>& files) {

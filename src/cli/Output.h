@@ -1,6 +1,8 @@
 #pragma once
 
-#include <cstdio>
+#include "base/FileWriter.h"
+
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -10,26 +12,20 @@ namespace tavix::cli {
 /// otherwise left as it was. Failures to write throw CommandError; a closed pipe throws OutputClosed.
 class Output {
   public:
-    /// Standard output.
-    Output();
-    /// The file `path`; "" or "-" is standard output. Devices and pipes are written directly.
-    explicit Output(const std::string& path);
-    /// Drops what was not committed.
-    ~Output();
-    Output(const Output&) = delete;
-    Output& operator=(const Output&) = delete;
+    /// The file `path`; "" or "-" is standard output. Devices and pipes are written directly. The file `repository`,
+    /// "" for none, which may begin with "sqlite:", is refused.
+    explicit Output(std::string path, std::string_view repository = {});
 
     void write(std::string_view text);
     /// Puts everything in its place; to be called once, after the last write.
     void commit();
 
   private:
-    void openBeside(const std::string& path);
-    [[noreturn]] void fail(int error) const;
+    [[noreturn]] void failToPrint() const;
+    [[noreturn]] void fail(const std::string& reason) const;
 
-    std::FILE* m_file;
-    std::string m_target;    ///< "" for standard output
-    std::string m_temporary; ///< what becomes m_target; "" when written directly
+    std::string m_path;                 ///< "" for standard output
+    std::unique_ptr<FileWriter> m_file; ///< null for standard output
 };
 
 } // namespace tavix::cli

@@ -181,7 +181,9 @@ void ProfileCommand::run(const CommonOptions& options) {
         listPlan(options, job, repository);
         return;
     }
-    Listing listing(options);
+    CommonOptions resolved = options;
+    resolved.repository = repository;
+    Listing listing(resolved);
     Result<profiling::RunOutcome> result = [&] {
         ProgressLine progress;
         profiling::RunOptions runOptions;

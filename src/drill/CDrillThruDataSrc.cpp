@@ -1,9 +1,8 @@
 #include "drill/CDrillThruDataSrc.h"
 
-#include "base/Characters.h"
 #include "base/FreeMemory.h"
 #include "grid/CellSort.h"
-#include "grid/FoldCase.h"
+#include "grid/FoldedFinder.h"
 
 #include <algorithm>
 #include <utility>
@@ -18,27 +17,6 @@ constexpr int kMostWidth = 360;
 constexpr int kLetterWidth = 7;
 constexpr int kMargins = 30;
 constexpr std::uint32_t kMeasuredRows = 200;
-
-char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-class Finder {
-  public:
-    explicit Finder(std::string_view wanted) : m_folded(foldCase(wanted)), m_isAscii(isAscii(m_folded)) {}
-
-    [[nodiscard]] bool isIn(std::string_view text) const {
-        // Folding changes letters beyond ASCII only to letters beyond ASCII, but for a few signs.
-        if (!m_isAscii)
-            return foldCase(text).find(m_folded) != std::string::npos;
-        return std::search(text.begin(), text.end(), m_folded.begin(), m_folded.end(),
-                           [](char a, char b) { return lower(a) == b; }) != text.end();
-    }
-
-  private:
-    std::string m_folded;
-    bool m_isAscii;
-};
 
 } // namespace
 
@@ -103,7 +81,7 @@ std::optional<CellPlace> findText(const CDrillThruDataSrc& source, std::string_v
     const std::int64_t cells = source.GetRowCount() * columns;
     if (text.empty() || cells == 0)
         return std::nullopt;
-    const Finder finder(text);
+    const FoldedFinder finder(text);
     const std::int64_t step = direction == SearchDirection::Forward ? 1 : -1;
     std::int64_t at = std::clamp<std::int64_t>(from.row * columns + from.column, 0, cells - 1);
     if (beyond)

@@ -1,6 +1,7 @@
 #include "drill/DrillOutput.h"
 
 #include "base/Characters.h"
+#include "base/FileWriter.h"
 #include "base/HeldRepositories.h"
 #include "base/NumberText.h"
 #include "doc/CountText.h"
@@ -8,12 +9,9 @@
 #include "worksheet/Workbook.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <climits>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <memory>
 #include <system_error>
 
 namespace tavix {
@@ -21,115 +19,59 @@ namespace tavix {
 namespace {
 
 constexpr std::string_view kFileError = "File Error";
-constexpr std::string_view kPartEnding = ".part"; ///< of a file as long as it is written
-constexpr std::size_t kBufferBytes = std::size_t{1} << 20;
 
 bool endsWith(std::string_view path, std::string_view ending) {
     return path.size() >= ending.size() && foldCase(path.substr(path.size() - ending.size())) == ending;
 }
 
 bool isTooLong(const std::string& path) {
-    return path.size() >= PATH_MAX ||
-           std::filesystem::path(path).filename().string().size() + kPartEnding.size() > NAME_MAX;
+    return path.size() >= PATH_MAX || std::filesystem::path(path).filename().string().size() > NAME_MAX;
 }
 
-// Lines into a file beside the one that they are to become.
-class LineFile {
-  public:
-    explicit LineFile(const std::string& path)
-        : m_path(path),
-          m_part(path + std::string(kPartEnding)),
-          m_file(std::fopen(m_part.c_str(), "wb")),
-          m_wasOpened(m_file != nullptr) {
-        m_buffer.reserve(kBufferBytes);
-    }
-    ~LineFile() {
-        close();
-        if (m_wasOpened && !m_kept)
-            std::remove(m_part.c_str());
-    }
-    LineFile(const LineFile&) = delete;
-    LineFile& operator=(const LineFile&) = delete;
+/// With a line break instead of the last comma.
+Status putLine(FileWriter& file, std::string& line) {
+    if (!line.empty())
+        line.pop_back();
+    line += '\n';
+    Status put = file.write(line);
+    line.clear();
+    return put;
+}
 
-    [[nodiscard]] bool isOpen() const { return m_file != nullptr; }
+void addCell(std::string& line, std::string_view text, bool quoted) {
+    if (quoted)
+        line += '"';
+    line += text;
+    if (quoted)
+        line += '"';
+    line += ',';
+}
 
-    void put(std::string_view text, bool quoted) {
-        if (quoted)
-            m_buffer += '"';
-        m_buffer += text;
-        if (quoted)
-            m_buffer += '"';
-        m_buffer += ',';
+Status putText(const CDrillThruDataSrc& source, FileWriter& file) {
+    const int columns = source.GetColumnCount();
+    std::string line;
+    for (int column = 0; column < columns; ++column)
+        addCell(line, source.GetRows().columns()[static_cast<std::size_t>(column)].name, true);
+    Status put = putLine(file, line);
+    for (std::int64_t row = 0; put && row < source.GetRowCount(); ++row) {
+        for (int column = 0; column < columns; ++column)
+            addCell(line, source.GetText(column, row).text, !isNumeric(source.GetType(column)));
+        put = putLine(file, line);
     }
-    /// After at least one cell.
-    void endLine() {
-        m_buffer.back() = '\n';
-        if (m_buffer.size() >= kBufferBytes)
-            flush();
-    }
-    /// Puts the file in its place.
-    Status keep() {
-        flush();
-        if (!close())
-            m_ok = false;
-        std::error_code failure;
-        if (m_ok)
-            std::filesystem::rename(m_part, m_path, failure);
-        m_kept = m_ok && !failure;
-        if (m_kept)
-            return {};
-        return Error{failure ? failure.message() : std::string(std::strerror(m_errno))};
-    }
-
-  private:
-    void flush() {
-        if (m_ok && std::fwrite(m_buffer.data(), 1, m_buffer.size(), m_file) != m_buffer.size()) {
-            m_ok = false;
-            m_errno = errno;
-        }
-        m_buffer.clear();
-    }
-    bool close() {
-        if (!m_file)
-            return true;
-        const bool ok = std::fclose(m_file) == 0;
-        if (!ok && m_ok)
-            m_errno = errno;
-        m_file = nullptr;
-        return ok;
-    }
-
-    std::string m_path;
-    std::string m_part;
-    std::FILE* m_file;
-    bool m_wasOpened;
-    std::string m_buffer;
-    bool m_ok = true;
-    int m_errno = 0;
-    bool m_kept = false;
-};
+    return put ? file.commit() : put;
+}
 
 bool saveText(const CDrillThruDataSrc& source, const std::string& path, Messages& messages) {
     const std::string failed = "Unable to open or create file " + path;
-    LineFile file(path);
-    if (!file.isOpen()) {
+    const auto file = FileWriter::open(path, FileWriter::Reader::Require);
+    if (!file) {
         messages.warn(failed, kFileError);
         return false;
     }
-    const int columns = source.GetColumnCount();
-    for (int column = 0; column < columns; ++column)
-        file.put(source.GetRows().columns()[static_cast<std::size_t>(column)].name, true);
-    file.endLine();
-    for (std::int64_t row = 0; row < source.GetRowCount(); ++row) {
-        for (int column = 0; column < columns; ++column)
-            file.put(source.GetText(column, row).text, !isNumeric(source.GetType(column)));
-        file.endLine();
-    }
-    if (const Status kept = file.keep(); !kept) {
-        messages.warn(failed + "\n\n" + kept.error().text, kFileError);
-        return false;
-    }
-    return true;
+    const Status saved = putText(source, **file);
+    if (!saved)
+        messages.warn(failed + "\n\n" + saved.error().text, kFileError);
+    return saved.ok();
 }
 
 Status putCell(worksheet::Range cell, kvbType type, std::string_view text) {

@@ -7,7 +7,6 @@
 #include <array>
 #include <filesystem>
 #include <istream>
-#include <ostream>
 
 namespace tavix {
 
@@ -49,11 +48,11 @@ Result<std::ifstream> openFilterToRead(const std::string& path) {
     return file;
 }
 
-Result<std::ofstream> openFilterToWrite(const std::string& path) {
+Result<std::unique_ptr<FileWriter>> openFilterToWrite(const std::string& path) {
     if (Status free = requireNotHeld(path); !free)
         return free.error();
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    if (!file.is_open())
+    auto file = FileWriter::open(path, FileWriter::Reader::Require);
+    if (!file)
         return failure(filter_messages::kCannotOpen);
     return file;
 }
@@ -70,15 +69,16 @@ Result<std::string> readFilter(std::istream& file) {
     return repaired(text);
 }
 
-Status writeFilter(std::ostream& file, std::string_view text) {
+std::string filterFileBytes(std::string_view text) {
     const std::size_t length = text.size() & 0xFFFFu;
-    const std::array<char, 2> header = {static_cast<char>(length & 0xFFu), static_cast<char>(length >> 8u)};
-    file.write(header.data(), header.size());
-    file.write(text.data(), static_cast<std::streamsize>(length));
-    file.flush();
-    if (!file)
-        return failure(filter_messages::kCannotWrite);
-    return {};
+    std::string bytes = {static_cast<char>(length & 0xFFu), static_cast<char>(length >> 8u)};
+    return bytes.append(text.substr(0, length));
+}
+
+Status writeFilter(FileWriter& file, std::string_view text) {
+    // A failure is final, so the second call returns that of the first.
+    static_cast<void>(file.write(filterFileBytes(text)));
+    return file.commit() ? Status() : failure(filter_messages::kCannotWrite);
 }
 
 } // namespace tavix

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "base/FileWriter.h"
 #include "base/Result.h"
 
 #include <fstream>
 #include <iosfwd>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -14,13 +16,15 @@ inline constexpr std::string_view kFilterFilePatterns = "Filter Files (*.flt)|*.
 inline constexpr std::string_view kFilterFileExtension = "flt";
 
 [[nodiscard]] Result<std::ifstream> openFilterToRead(const std::string& path);
-/// An existing file is emptied.
-[[nodiscard]] Result<std::ofstream> openFilterToWrite(const std::string& path);
+/// An existing file is as it was until writeFilter() succeeds.
+[[nodiscard]] Result<std::unique_ptr<FileWriter>> openFilterToWrite(const std::string& path);
 
-/// Reads what the length says and nothing behind it; bytes that are no UTF-8 become U+FFFD.
+/// Reads what the length says and nothing after it; bytes that are not UTF-8 become U+FFFD.
 [[nodiscard]] Result<std::string> readFilter(std::istream& file);
 /// The length is the number of bytes modulo 65,536, and only so many bytes are written: readers of this format rely on
 /// the two fitting each other, so a longer text is cut.
-Status writeFilter(std::ostream& file, std::string_view text);
+[[nodiscard]] std::string filterFileBytes(std::string_view text);
+/// To be called once for a file.
+Status writeFilter(FileWriter& file, std::string_view text);
 
 } // namespace tavix

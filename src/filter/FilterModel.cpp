@@ -210,7 +210,7 @@ bool FilterModel::Save(const std::string& path) {
         m_messages.warn(file.error().text, filter_messages::kCannotOpen.caption);
         return false;
     }
-    if (const Status written = writeFilter(*file, ComposeText()); !written) {
+    if (const Status written = writeFilter(**file, ComposeText()); !written) {
         m_messages.warn(written.error().text, filter_messages::kCannotWrite.caption);
         return false;
     }

@@ -91,6 +91,7 @@ Result<FileInspection> inspectFile(const TableDescription& table, std::size_t fi
     FileInspection found;
     found.path = table.path;
     found.size = reader.total();
+    found.packing = reader.packing();
     found.isWhole = !reader.isCut();
     found.encoding = reader.encoding();
     found.hasByteOrderMark = reader.hasByteOrderMark();

@@ -3,6 +3,7 @@
 #include "base/KvbDatavar.h"
 #include "profiling/JobDescription.h"
 #include "source/EncodingDetector.h"
+#include "source/Unpacker.h"
 
 #include <cstdint>
 #include <string>
@@ -19,8 +20,9 @@ struct InspectedColumn {
 /// What a text file looks like.
 struct FileInspection {
     std::string path;
-    std::int64_t size = 0; ///< bytes; 0 when the file does not say
-    bool isWhole = true;   ///< else only the rows in its first MiB were looked at
+    std::int64_t size = 0; ///< bytes, compressed as it is; 0 when the file does not say
+    source::Packing packing = source::Packing::None;
+    bool isWhole = true; ///< else only the rows in its first MiB were looked at
     source::FoundEncoding encoding;
     bool hasByteOrderMark = false;
     char delimiter = ','; ///< 0: lines are not split

@@ -75,6 +75,16 @@ Result<std::vector<std::string>> filesOfFolder(const std::string& folder) {
     return files;
 }
 
+std::string tableNameOf(const std::string& path) {
+    std::filesystem::path name = std::filesystem::path(path).filename();
+    std::string ending = name.extension().string();
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    if (ending == ".gz" || ending == ".bz2" || ending == ".xz" || ending == ".zst")
+        name = name.stem();
+    return name.stem().string();
+}
+
 std::string joinedPaths(std::span<const std::string> paths) {
     std::string text;
     for (const std::string& path : paths) {

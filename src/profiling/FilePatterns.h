@@ -20,6 +20,9 @@ namespace tavix::profiling {
 /// when it has none.
 [[nodiscard]] Result<std::vector<std::string>> filesOfFolder(const std::string& folder);
 
+/// The name of a table that is made of the file: the file's without its ending, and without that of a compressed file.
+[[nodiscard]] std::string tableNameOf(const std::string& path);
+
 /// Paths as one text for people.
 [[nodiscard]] std::string joinedPaths(std::span<const std::string> paths);
 

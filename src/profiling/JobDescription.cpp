@@ -55,7 +55,7 @@ Result<JobDescription> describeFiles(std::span<const std::string> files, const s
     } else {
         for (const std::string& path : paths) {
             table.path = path;
-            table.name = std::filesystem::path(path).stem().string();
+            table.name = tableNameOf(path);
             if (table.name.empty())
                 return Error{fmt::format("\"{}\" is no name of a file.", path)};
             job.tables.push_back(table);

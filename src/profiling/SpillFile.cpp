@@ -1,5 +1,7 @@
 #include "profiling/SpillFile.h"
 
+#include "base/NamelessFile.h"
+
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <unistd.h>
@@ -18,19 +20,6 @@ Error failure(const std::string& folder, const char* what, int code) {
                     folder, what, std::generic_category().message(code))};
 }
 
-/// -1, with errno, when the folder does not let one be made.
-int makeNameless(const std::string& folder) {
-    int file = ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
-    if (file >= 0 || (errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL))
-        return file;
-    // A file system without nameless files: the name is taken away before anything is written.
-    std::string name = folder + "/.tavix-spill-XXXXXX";
-    file = ::mkostemp(name.data(), O_CLOEXEC);
-    if (file >= 0)
-        ::unlink(name.c_str());
-    return file;
-}
-
 } // namespace
 
 SpillFile::~SpillFile() {
@@ -42,7 +31,7 @@ Status SpillFile::open() {
     const std::lock_guard lock(m_opening);
     if (m_file >= 0)
         return {};
-    const int file = makeNameless(m_folder);
+    const int file = openNamelessFile(m_folder);
     if (file < 0)
         return failure(m_folder, "made", errno);
     m_file = file;

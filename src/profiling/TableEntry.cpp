@@ -119,7 +119,7 @@ std::vector<TableDescription> TableEntry::readFiles(const json& entry, const std
         TableDescription& one = tables.emplace_back(table);
         one.path = file;
         if (one.name.empty())
-            one.name = std::filesystem::path(file).stem().string();
+            one.name = tableNameOf(file);
         if (one.name.empty())
             fail(pointerTo(pointer, "file"), "this is not the name of a file");
     }

@@ -1,5 +1,6 @@
 #include "shell/Screenshots.h"
 
+#include "base/FileWriter.h"
 #include "base/ui/QtText.h"
 #include "shell/ShellOptions.h"
 #include "shell/ShellWindow.h"
@@ -7,10 +8,12 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QBuffer>
 #include <QComboBox>
 #include <QDialog>
 #include <QDir>
 #include <QEventLoop>
+#include <QFile>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
@@ -52,18 +55,32 @@ class Album {
 
     void take(QWidget& widget, const QString& name) {
         const QString path = m_folder.filePath(name + QStringLiteral(".png"));
-        if (m_ok && widget.grab().save(path)) {
-            std::printf("%s\n", qUtf8Printable(path));
+        if (!m_ok)
             return;
+        if (const Status saved = save(widget, path); saved) {
+            std::printf("%s\n", qUtf8Printable(path));
+        } else {
+            std::fprintf(stderr, "tavix-shell: cannot write %s: %s\n", qUtf8Printable(path),
+                         saved.error().text.c_str());
+            m_ok = false;
         }
-        if (m_ok)
-            std::fprintf(stderr, "tavix-shell: cannot write %s\n", qUtf8Printable(path));
-        m_ok = false;
     }
 
     [[nodiscard]] bool ok() const { return m_ok; }
 
   private:
+    static Status save(QWidget& widget, const QString& path) {
+        QByteArray picture;
+        QBuffer device(&picture);
+        device.open(QIODevice::WriteOnly);
+        widget.grab().save(&device, "PNG");
+        const auto file = FileWriter::open(QFile::encodeName(path).toStdString());
+        if (!file)
+            return file.error();
+        const Status written = (*file)->write({picture.constData(), static_cast<std::size_t>(picture.size())});
+        return written ? (*file)->commit() : written;
+    }
+
     QDir m_folder;
     bool m_ok = true;
 };

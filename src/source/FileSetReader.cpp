@@ -90,7 +90,8 @@ Status FileSetReader::narrowTo(std::size_t column, std::string value) {
 
 Status FileSetReader::beginSearch() {
     m_search.reset();
-    if (!m_wanted || m_current->encoding().encoding != &encodingUtf8() || m_current->fileSize() == 0)
+    if (!m_wanted || m_current->encoding().encoding != &encodingUtf8() || m_current->fileSize() == 0 ||
+        m_current->isPacked())
         return {};
     auto search = TextFileSearch::open(*m_current);
     if (!search)

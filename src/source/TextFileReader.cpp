@@ -3,6 +3,7 @@
 #include "base/Encodings.h"
 #include "source/CellText.h"
 #include "source/DelimiterSniffer.h"
+#include "source/FileContent.h"
 #include "source/TextArena.h"
 #include "source/Utf8.h"
 
@@ -47,6 +48,16 @@ std::vector<std::string> uniqueNames(const std::vector<std::string>& found) {
     return names;
 }
 
+Status checkIsText(const TextInput& input) {
+    const auto content = foreignContent(input.beginning(), input.encoding().reason);
+    if (!content)
+        return {};
+    return input.failure(
+        fmt::format("{} {}, not text{}. State its encoding or delimiter to read it as text all the same.",
+                    input.isPacked() ? "holds" : "is", content->name,
+                    content->advice.empty() ? "" : fmt::format(": {}", content->advice)));
+}
+
 } // namespace
 
 struct TextFileReader::Piece {
@@ -78,6 +89,9 @@ Result<std::unique_ptr<TextFileReader>> TextFileReader::open(const std::string& 
     auto input = TextInput::open(path, options.encoding, std::max(options.pieceSize, kMarkSize), options.isPreview);
     if (!input)
         return input.error();
+    if (!options.encoding && !options.delimiter)
+        if (Status status = checkIsText(**input); !status)
+            return status.error();
     std::unique_ptr<TextFileReader> reader(new TextFileReader(std::move(*input)));
     if (Status status = reader->begin(options); !status)
         return status.error();
@@ -91,7 +105,8 @@ Status TextFileReader::begin(const TextFileOptions& options) {
         m_pieceSize = TextInput::kSample * 3 + 1; // no encoding makes more of a byte, so that one piece holds it all
     if (Status status = refill(); !status)
         return status;
-    const bool hasPlaces = m_input->encoding().encoding == &encodingUtf8() && m_input->size() > 0 && !options.isPreview;
+    const bool hasPlaces = m_input->encoding().encoding == &encodingUtf8() && m_input->size() > 0 &&
+                           !m_input->isPacked() && !options.isPreview;
     if (hasPlaces)
         m_placeEvery = std::max(options.placeEvery, static_cast<std::ptrdiff_t>(m_input->size() / kMostPlaces));
     const char* text = m_piece->bytes.get();

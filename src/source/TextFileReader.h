@@ -29,12 +29,13 @@ struct TextFileOptions {
 [[nodiscard]] bool looksLikeNames(std::span<const std::string> cells);
 
 /// Reads a delimited text file (RFC 4180, and what files in the wild make of it: docs/definitions.md). The file is read
-/// in pieces that belong to the blocks; nothing else grows with it but the longest row. Of a regular file in UTF-8 the
-/// blocks say where rows stand.
+/// in pieces that belong to the blocks; nothing else grows with it but the longest row. Of a regular file in UTF-8 that
+/// is not compressed the blocks say where rows stand.
 class TextFileReader final : public RowReader {
   public:
     /// Opens the file and reads its first piece: encoding, delimiter and column names are known then. An error for a
-    /// file that cannot be read, a folder, an empty file, one of more than 100,000 columns. Header names are kept as
+    /// file that cannot be read, a folder, an empty file, one of more than 100,000 columns, and, unless encoding or
+    /// delimiter is stated, one whose content is not text. Header names are kept as
     /// they stand, but an empty one becomes ColumnN, and one that an earlier column has gets " (2)", " (3)", ...
     [[nodiscard]] static Result<std::unique_ptr<TextFileReader>> open(const std::string& path,
                                                                       const TextFileOptions& options);
@@ -65,6 +66,9 @@ class TextFileReader final : public RowReader {
     [[nodiscard]] const FoundEncoding& encoding() const { return m_input->encoding(); }
     [[nodiscard]] bool hasByteOrderMark() const { return m_hasMark; }
     [[nodiscard]] std::int64_t fileSize() const { return m_input->size(); }
+    /// Whether the file is compressed, so that no place in it is one in its text.
+    [[nodiscard]] bool isPacked() const { return m_input->isPacked(); }
+    [[nodiscard]] Packing packing() const { return m_input->packing(); }
     [[nodiscard]] UtcTime modified() const { return m_input->modified(); }
     [[nodiscard]] const FileStamp& stamp() const { return m_input->stamp(); }
 

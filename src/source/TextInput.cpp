@@ -66,8 +66,7 @@ Status TextInput::begin(const CEncoding* encoding, std::size_t beginning, bool i
     m_stamp = stampOf(info);
     ::posix_fadvise(m_file, 0, 0, POSIX_FADV_SEQUENTIAL);
     const std::size_t wanted = encoding ? std::min(beginning, kSample) : kSample;
-    m_chunk.resize(m_size > 0 ? std::min(wanted, static_cast<std::size_t>(m_size) + 1) : wanted);
-    const auto got = readBytes(m_chunk.data(), m_chunk.size());
+    const auto got = readBeginning(wanted);
     if (!got)
         return got.error();
     m_isFileDone = *got < m_chunk.size();
@@ -116,9 +115,32 @@ Result<std::size_t> TextInput::readBytes(char* target, std::size_t size) {
     return filled;
 }
 
+Result<std::size_t> TextInput::readContent(char* target, std::size_t size) {
+    return m_unpacker ? m_unpacker->read(target, size) : readBytes(target, size);
+}
+
+Result<std::size_t> TextInput::readBeginning(std::size_t wanted) {
+    m_chunk.resize(std::min(kPackingMark, wanted));
+    const auto got = readBytes(m_chunk.data(), m_chunk.size());
+    if (!got)
+        return got;
+    const std::string start = m_chunk.substr(0, *got);
+    if (const Packing packing = packingOf(start); packing != Packing::None) {
+        m_unpacker = std::make_unique<Unpacker>(
+            packing, m_path, start, [this](char* target, std::size_t size) { return readBytes(target, size); });
+        m_chunk.resize(wanted);
+        return m_unpacker->read(m_chunk.data(), m_chunk.size());
+    }
+    if (*got < m_chunk.size())
+        return got;
+    m_chunk.resize(m_size > 0 ? std::clamp(static_cast<std::size_t>(m_size) + 1, *got, wanted) : wanted);
+    const auto rest = readBytes(m_chunk.data() + *got, m_chunk.size() - *got);
+    return rest ? Result<std::size_t>(*got + *rest) : rest;
+}
+
 Status TextInput::readChunk() {
     m_chunk.resize(kChunk);
-    const auto got = readBytes(m_chunk.data(), m_chunk.size());
+    const auto got = readContent(m_chunk.data(), m_chunk.size());
     if (!got)
         return got.error();
     m_isFileDone = *got < m_chunk.size();
@@ -162,7 +184,7 @@ Result<std::size_t> TextInput::read(char* target, std::size_t size) {
     std::size_t filled = first;
     if (filled < size && !m_isFileDone) {
         m_chunk = std::string(); // its last was taken
-        const auto got = readBytes(target + filled, size - filled);
+        const auto got = readContent(target + filled, size - filled);
         if (!got)
             return got.error();
         m_isFileDone = *got < size - filled;
@@ -177,10 +199,13 @@ std::int64_t TextInput::position(std::size_t rest) const {
     const auto kept = static_cast<std::int64_t>(rest);
     if (m_handedOut == 0)
         return 0;
-    if (!m_decoder)
+    if (!m_decoder && !m_unpacker)
         return m_rawTaken - kept;
-    const double share = 1.0 - static_cast<double>(kept) / static_cast<double>(m_handedOut);
-    return static_cast<std::int64_t>(static_cast<double>(m_rawTaken) * share);
+    double share = 1.0 - static_cast<double>(kept) / static_cast<double>(m_handedOut);
+    if (!m_unpacker)
+        return static_cast<std::int64_t>(static_cast<double>(m_rawTaken) * share);
+    share *= static_cast<double>(m_rawTaken) / static_cast<double>(m_unpacker->unpackedBytes());
+    return static_cast<std::int64_t>(static_cast<double>(m_unpacker->packedBytes()) * share);
 }
 
 } // namespace tavix::source

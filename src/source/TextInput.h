@@ -5,6 +5,7 @@
 #include "source/EncodingDetector.h"
 #include "source/FileStamp.h"
 #include "source/TextDecoder.h"
+#include "source/Unpacker.h"
 
 #include <cstdint>
 #include <memory>
@@ -13,8 +14,8 @@
 
 namespace tavix::source {
 
-/// A text file from its first byte to its last as UTF-8, whatever encoding it is in. Damage stays in it as bytes that
-/// are no UTF-8.
+/// A text file from its first byte to its last as UTF-8, whatever encoding it is in, and however it is compressed
+/// (Unpacker.h). Damage stays in it as bytes that are no UTF-8.
 class TextInput {
   public:
     /// How much of a file is looked at before it is read, and all that there is of it in a preview.
@@ -36,18 +37,28 @@ class TextInput {
     [[nodiscard]] const FoundEncoding& encoding() const { return m_encoding; }
     /// A preview that leaves something out.
     [[nodiscard]] bool isCut() const { return m_isCut; }
-    /// Bytes of the file; 0 when it does not say, as a pipe does not.
+    /// Its first bytes, not decoded, as far as open() looked at them. To be asked before the first read().
+    [[nodiscard]] std::string_view beginning() const { return m_raw; }
+    [[nodiscard]] bool isPacked() const { return m_unpacker != nullptr; }
+    [[nodiscard]] Packing packing() const { return m_unpacker ? m_unpacker->packing() : Packing::None; }
+    /// Bytes of the file, packed as it is; 0 when it does not say, as a pipe does not.
     [[nodiscard]] std::int64_t size() const { return m_size; }
     [[nodiscard]] UtcTime modified() const { return m_modified; }
     [[nodiscard]] const FileStamp& stamp() const { return m_stamp; }
-    /// Bytes of the file that what was read takes, save for its last `rest` bytes; about so many when it was decoded.
+    /// Bytes of the file that what was read takes, save for its last `rest` bytes; about so many when it
+    /// was decoded or unpacked.
     [[nodiscard]] std::int64_t position(std::size_t rest) const;
     [[nodiscard]] Error failure(std::string_view what) const;
 
   private:
     TextInput(std::string path, int file);
     Status begin(const CEncoding* encoding, std::size_t beginning, bool isPreview);
+    /// Of the file as it is.
     Result<std::size_t> readBytes(char* target, std::size_t size);
+    /// Of what is in it.
+    Result<std::size_t> readContent(char* target, std::size_t size);
+    /// Into m_chunk, so many bytes of the content or less than it has room for.
+    Result<std::size_t> readBeginning(std::size_t wanted);
     Result<std::size_t> readDecoded(char* target, std::size_t size);
     Status readChunk();
     Status checkUnchanged() const;
@@ -60,12 +71,13 @@ class TextInput {
     std::int64_t m_bytesRead = 0;
     FoundEncoding m_encoding;
 
-    std::string m_chunk;       ///< of the file: its beginning at first, later what is to be decoded
-    std::string_view m_raw;    ///< what was not taken of m_chunk
-    std::string_view m_text;   ///< decoded and not taken
-    bool m_isFileDone = false; ///< m_raw is the last of it
+    std::unique_ptr<Unpacker> m_unpacker; ///< null for a file that is not compressed
+    std::string m_chunk;                  ///< of the content: its beginning at first, later what is to be decoded
+    std::string_view m_raw;               ///< what was not taken of m_chunk
+    std::string_view m_text;              ///< decoded and not taken
+    bool m_isFileDone = false;            ///< m_raw is the last of it
     bool m_isCut = false;
-    std::int64_t m_rawTaken = 0; ///< of the file
+    std::int64_t m_rawTaken = 0; ///< of the content
     std::int64_t m_handedOut = 0;
     std::unique_ptr<TextDecoder> m_decoder; ///< null for UTF-8
 };

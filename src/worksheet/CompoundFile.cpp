@@ -1,17 +1,14 @@
 #include "worksheet/CompoundFile.h"
 
-#include "base/FileMode.h"
-
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <gsf/gsf-outfile-msole.h>
 #include <gsf/gsf-output-stdio.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
-#include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace tavix::worksheet {
 
@@ -34,53 +31,41 @@ struct CompoundFile::Container {
     std::unique_ptr<GsfOutput, Unref> stream;
 };
 
-CompoundFile::CompoundFile(std::string target)
-    : m_target(std::move(target)), m_container(std::make_unique<Container>()) {}
+CompoundFile::CompoundFile(std::string path, std::unique_ptr<FileWriter> writer)
+    : m_path(std::move(path)), m_writer(std::move(writer)), m_container(std::make_unique<Container>()) {}
 
 CompoundFile::~CompoundFile() {
     m_container.reset();
     if (m_file)
         std::fclose(m_file);
-    if (!m_temporary.empty())
-        ::unlink(m_temporary.c_str());
 }
 
 Result<std::unique_ptr<CompoundFile>> CompoundFile::create(const std::string& path, const std::string& streamName) {
-    std::error_code error;
-    const std::filesystem::path real = std::filesystem::canonical(path, error);
-    const std::string target = error ? path : real.string();
-    const std::filesystem::file_status status = std::filesystem::status(target, error);
-    if (std::filesystem::is_directory(status))
-        return writeError(path, "it is a folder");
-    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+    auto writer = FileWriter::open(path, FileWriter::Reader::Require);
+    if (!writer)
+        return writeError(path, writer.error().text);
+    if ((*writer)->isWrittenThrough())
         return writeError(path, "it is not a file");
-
-    std::unique_ptr<CompoundFile> file(new CompoundFile(target));
-    if (Status opened = file->openBeside(); !opened)
+    std::unique_ptr<CompoundFile> file(new CompoundFile(path, std::move(writer).value()));
+    if (Status opened = file->openContainer(streamName); !opened)
         return opened.error();
-    Container& container = *file->m_container;
-    container.file.reset(gsf_output_stdio_new_FILE(file->m_temporary.c_str(), file->m_file, TRUE));
-    if (container.file)
-        container.root.reset(gsf_outfile_msole_new(container.file.get()));
-    if (container.root)
-        container.stream.reset(gsf_outfile_new_child(container.root.get(), streamName.c_str(), FALSE));
-    if (!container.stream)
-        return file->failure(errno);
     return file;
 }
 
-Status CompoundFile::openBeside() {
-    std::string name = m_target + ".XXXXXX";
-    const int descriptor = ::mkstemp(name.data());
-    if (descriptor < 0)
-        return failure(errno);
-    m_temporary = name;
-    if (::fchmod(descriptor, modeOfReplaced(m_target)) != 0 || !(m_file = ::fdopen(descriptor, "wb"))) {
+Status CompoundFile::openContainer(const std::string& streamName) {
+    const int descriptor = ::fcntl(m_writer->descriptor(), F_DUPFD_CLOEXEC, 0);
+    if (descriptor < 0 || !(m_file = ::fdopen(descriptor, "wb"))) {
         const int code = errno;
-        ::close(descriptor);
+        if (descriptor >= 0)
+            ::close(descriptor);
         return failure(code);
     }
-    return {};
+    m_container->file.reset(gsf_output_stdio_new_FILE(m_path.c_str(), m_file, TRUE));
+    if (m_container->file)
+        m_container->root.reset(gsf_outfile_msole_new(m_container->file.get()));
+    if (m_container->root)
+        m_container->stream.reset(gsf_outfile_new_child(m_container->root.get(), streamName.c_str(), FALSE));
+    return m_container->stream ? Status() : failure(errno);
 }
 
 Status CompoundFile::write(std::string_view bytes) {
@@ -103,14 +88,13 @@ Status CompoundFile::commit() {
     m_file = nullptr;
     if (std::fclose(file) != 0)
         return failure(errno);
-    if (std::rename(m_temporary.c_str(), m_target.c_str()) != 0)
-        return failure(errno);
-    m_temporary.clear();
+    if (const Status committed = m_writer->commit(); !committed)
+        return writeError(m_path, committed.error().text);
     return {};
 }
 
 Error CompoundFile::failure(int code) const {
-    return writeError(m_target, std::generic_category().message(code != 0 ? code : EIO));
+    return writeError(m_path, std::generic_category().message(code != 0 ? code : EIO));
 }
 
 } // namespace tavix::worksheet

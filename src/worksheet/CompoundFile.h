@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/FileWriter.h"
 #include "base/Result.h"
 
 #include <cstdio>
@@ -9,15 +10,13 @@
 
 namespace tavix::worksheet {
 
-/// A compound file ([MS-CFB]) with one stream, written beside its place and put there when it is complete: a file that
-/// stands there is replaced as a whole or stays as it is.
+/// A compound file ([MS-CFB]) with one stream, which appears whole or not at all.
 class CompoundFile {
   public:
-    /// Fails when nothing can be written beside `path` or when something other than a file stands there. A link stays
-    /// a link: what it points at is replaced.
+    /// Fails when `path` cannot be written or is a device, which lets nobody go back to the beginning of what he wrote.
     [[nodiscard]] static Result<std::unique_ptr<CompoundFile>> create(const std::string& path,
                                                                       const std::string& streamName);
-    /// Removes what was not committed.
+    /// Drops what was not committed.
     ~CompoundFile();
     CompoundFile(const CompoundFile&) = delete;
     CompoundFile& operator=(const CompoundFile&) = delete;
@@ -29,13 +28,13 @@ class CompoundFile {
   private:
     struct Container; ///< what belongs to the container library
 
-    explicit CompoundFile(std::string target);
-    [[nodiscard]] Status openBeside();
+    CompoundFile(std::string path, std::unique_ptr<FileWriter> writer);
+    [[nodiscard]] Status openContainer(const std::string& streamName);
     [[nodiscard]] Error failure(int code) const;
 
-    std::string m_target;
-    std::string m_temporary; ///< what becomes m_target
-    std::FILE* m_file = nullptr;
+    std::string m_path;
+    std::unique_ptr<FileWriter> m_writer;
+    std::FILE* m_file = nullptr; ///< of m_writer, for the container library
     std::unique_ptr<Container> m_container;
 };
 

@@ -1,13 +1,12 @@
 #include "worksheet/Spool.h"
 
+#include "base/NamelessFile.h"
 #include "worksheet/Limits.h"
 
 #include <fmt/format.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
-#include <filesystem>
 #include <system_error>
 
 namespace tavix::worksheet {
@@ -46,15 +45,9 @@ SpoolStore::Chunk SpoolStore::keep(std::string& bytes) {
 }
 
 Status SpoolStore::openFile() {
-    std::error_code error;
-    std::filesystem::path folder = std::filesystem::temp_directory_path(error);
-    if (error)
-        folder = "/tmp";
-    std::string name = (folder / "tavix-worksheet-XXXXXX").string();
-    m_file = ::mkstemp(name.data());
+    m_file = openNamelessFile(temporaryFolder());
     if (m_file < 0)
         return temporaryFileError(errno);
-    ::unlink(name.c_str());
     return {};
 }
 

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -107,6 +108,48 @@ TEST_F(RowsOfASource, NeedExactlyOneChoice) {
         EXPECT_EQ(outcome.exitCode, 2) << ::testing::PrintToString(arguments);
         EXPECT_EQ(outcome.out, "");
     }
+}
+
+TEST_F(RowsOfASource, OfACompressedFileAreThoseOfTheFileInIt) {
+    const std::string orders = m_folder.file("orders.csv");
+    ASSERT_EQ(std::system(("gzip -c '" + orders + "' > '" + orders + ".gz' && cat '" + orders + ".gz' '" + orders +
+                           ".gz' > '" + m_folder.file("twice.gz") + "'")
+                              .c_str()),
+              0);
+    const std::string repository = m_folder.file("packed.tavix");
+    const Outcome profiled =
+        runTavix({"profile", orders + ".gz", m_folder.file("twice.gz"), "--job", "P", "-R", repository});
+    ASSERT_EQ(profiled.exitCode, 0) << profiled.err;
+    const auto rows = [&](const std::string& field, const std::vector<std::string>& which) {
+        std::vector<std::string> arguments{"rows", field, "-R", repository, "--format", "csv"};
+        arguments.insert(arguments.end(), which.begin(), which.end());
+        const Outcome outcome = runTavix(arguments);
+        EXPECT_EQ(outcome.err, "");
+        return outcome.out;
+    };
+    EXPECT_EQ(rows("orders.city", {"--value", "Bern"}), "id,city,price\n1,Bern,2.5\n4,Bern,\n");
+    EXPECT_EQ(rows("orders.id", {"--pattern", "9{5}"}), "id,city,price\n12345,x,8\n");
+    EXPECT_EQ(rows("twice.price", {"--value", "8"}), "id,city,price\n12345,x,8\n12345,x,8\n");
+    EXPECT_THAT(runTavix({"inspect", orders + ".gz", "--summary", "--format", "json"}).out,
+                HasSubstr("\"compression\": \"gzip\""));
+}
+
+TEST_F(RowsOfASource, AFileThatIsNotTextIsRefusedUnlessItsFormIsStated) {
+    const std::string image = m_folder.file("image.csv");
+    write("image.csv", std::string("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16));
+    const std::string words =
+        "image.csv\" is a PNG image, not text. State its encoding or delimiter to read it as text";
+    for (const char* command : {"inspect", "profile"}) {
+        const Outcome outcome = runTavix({command, image, "-R", m_repository});
+        EXPECT_EQ(outcome.exitCode, 3);
+        EXPECT_THAT(outcome.err, HasSubstr(words));
+        EXPECT_EQ(runTavix({command, image, "-R", m_repository, "--encoding", "1252"}).exitCode, 0);
+        EXPECT_EQ(runTavix({command, image, "-R", m_repository, "--delimiter", "comma"}).exitCode, 0);
+    }
+    write("image.yaml", "job: I\ntables:\n  - file: image.csv\n");
+    EXPECT_THAT(runTavix({"profile", m_folder.file("image.yaml"), "-R", m_repository}).err, HasSubstr(words));
+    write("image.yaml", "job: I\ntables:\n  - file: image.csv\n    encoding: windows-1252\n");
+    EXPECT_EQ(runTavix({"profile", m_folder.file("image.yaml"), "-R", m_repository}).exitCode, 0);
 }
 
 } // namespace

@@ -154,6 +154,11 @@ TEST(Output, AFileAppearsWholeOrStaysAsItWas) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2);
     EXPECT_THROW(Output(folder.file("none/out.csv")), CommandError);
     EXPECT_THROW(Output(folder.path().string()), CommandError);
+    EXPECT_THROW(Output(path, "sqlite:" + folder.file("../" + folder.path().filename().string() + "/out.csv")),
+                 CommandError);
+    EXPECT_THROW(Output(folder.file("link.csv"), path), CommandError);
+    EXPECT_THROW(Output(folder.file("new.tavix-wal"), folder.file("new.tavix")), CommandError);
+    EXPECT_EQ(contentOf(path), "after");
     Output full("/dev/full");
     EXPECT_THROW(
         {

@@ -2,7 +2,10 @@
 #include "base/tests/TempFolder.h"
 #include "drill/DrillOutput.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
@@ -92,9 +95,57 @@ TEST_F(DrillOutput, whatCannotBeWrittenIsSaid) {
     std::filesystem::create_directory(folder);
     put(folder + "/inside", "kept");
     m_messages.expectAsk(folder + " already exists.\nDo you want to replace it?", "Overwrite", Answer::Yes);
-    m_messages.expectWarn("Unable to open or create file " + folder + "\n\nIs a directory", "File Error");
+    m_messages.expectWarn("Unable to open or create file " + folder, "File Error");
     EXPECT_FALSE(saveDrillRows(m_source, folder, "t", m_messages));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder.path()), {}), 1);
+}
+
+TEST_F(DrillOutput, otherFilesOfTheFolderStayAsTheyAre) {
+    const std::string path = m_folder.file("rows.csv");
+    const std::string secret = m_folder.file("secret.txt");
+    put(path + ".part", "mine");
+    ASSERT_TRUE(saveDrillRows(m_source, path, "t", m_messages));
+    EXPECT_EQ(contents(path + ".part"), "mine");
+    put(secret, "secret");
+    std::filesystem::create_symlink("secret.txt", m_folder.file("more.csv.part"));
+    ASSERT_TRUE(saveDrillRows(m_source, m_folder.file("more.csv"), "t", m_messages));
+    EXPECT_EQ(contents(secret), "secret");
+    EXPECT_TRUE(std::filesystem::is_symlink(m_folder.file("more.csv.part")));
+}
+
+TEST_F(DrillOutput, aReplacedFileKeepsItsModeAndItsLinks) {
+    for (const std::string name : {"rows.csv", "rows.xls"}) {
+        const std::string path = m_folder.file(name);
+        const std::string link = m_folder.file("link-" + name);
+        put(path, "old");
+        std::filesystem::permissions(path, std::filesystem::perms(0600));
+        std::filesystem::create_symlink(name, link);
+        m_messages.expectAsk(name == "rows.csv" ? link + " already exists.\nDo you want to replace it?"
+                                                : "Worksheet " + link + " already exists. Overwrite it?",
+                             "Overwrite", Answer::Yes);
+        ASSERT_TRUE(saveDrillRows(m_source, link, "t", m_messages));
+        EXPECT_TRUE(std::filesystem::is_symlink(link));
+        EXPECT_NE(contents(path), "old");
+        EXPECT_EQ(static_cast<int>(std::filesystem::status(path).permissions()), 0600);
+    }
+}
+
+TEST_F(DrillOutput, aPipeIsWrittenThroughAndALongNameTaken) {
+    const std::string pipe = m_folder.file("pipe.txt");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const std::string question = pipe + " already exists.\nDo you want to replace it?";
+    m_messages.expectAsk(question, "Overwrite", Answer::Yes);
+    m_messages.expectWarn("Unable to open or create file " + pipe, "File Error");
+    EXPECT_FALSE(saveDrillRows(m_source, pipe, "t", m_messages));
+    const int reader = ::open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    m_messages.expectAsk(question, "Overwrite", Answer::Yes);
+    EXPECT_TRUE(saveDrillRows(m_source, pipe, "t", m_messages));
+    std::string first(4, '\0');
+    EXPECT_EQ(::read(reader, first.data(), first.size()), 4);
+    EXPECT_EQ(first, "\"id\"");
+    ::close(reader);
+    for (const char* ending : {".csv", ".xls"})
+        EXPECT_TRUE(saveDrillRows(m_source, m_folder.file(std::string(251, 'n') + ending), "t", m_messages));
 }
 
 // What python's xlrd reads of a sheet, a line for each row; cells are joined by "|".

@@ -148,6 +148,13 @@ TEST(CDrillThruDataSrc, findsTextsInEveryCellAndGoesRound) {
     EXPECT_EQ(find("", {0, 0}, Forward, false), "none");
     ASSERT_TRUE(source.Sort(0, true));
     EXPECT_EQ(find("gamma", {2, 1}, Forward, true), "0,0");
+    source.SetRows(rowsOf({{"Hauptstraße", "x"}, {"HAUPTSTRASSE", "\uFB01nis"}}, 2));
+    for (const char* street : {"straße", "Strasse", "STRAẞE"}) {
+        EXPECT_EQ(find(street, {0, 1}, Forward, false), "1,0") << street;
+        EXPECT_EQ(find(street, {1, 1}, Forward, false), "0,0") << street;
+    }
+    EXPECT_EQ(find("\uFB01", {0, 0}, Forward, false), "1,1");
+    EXPECT_EQ(find("fi", {0, 0}, Forward, false), "1,1");
 }
 
 } // namespace

@@ -19,10 +19,7 @@ void readFilterBytes(const std::string& bytes) {
     // A byte that is no UTF-8 takes three as U+FFFD.
     if (text->size() > 3 * (bytes.size() - 2))
         std::abort();
-    std::ostringstream again;
-    if (!writeFilter(again, *text))
-        std::abort();
-    std::istringstream copy(again.str());
+    std::istringstream copy(filterFileBytes(*text));
     const auto back = readFilter(copy);
     if (!back || (text->size() <= 0xFFFF && *back != *text))
         std::abort();

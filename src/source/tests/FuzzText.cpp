@@ -98,12 +98,14 @@ void readWith(const TextFileOptions& options, std::string_view content) {
     }
     TextFileReader& reader = **opened;
     std::optional<std::vector<SlowRow>> expected;
-    if (reader.encoding().encoding == &encodingUtf8())
+    if (reader.encoding().encoding == &encodingUtf8() && !reader.isPacked())
         expected = expectedRows(reader, content.substr(reader.hasByteOrderMark() ? 3 : 0), options.quote);
     static RowBlock block; // so that its memory is made once
     std::size_t rows = 0;
     for (;;) {
         const auto more = reader.read(block);
+        if (!more && reader.isPacked())
+            return;
         holdsOrAborts(more.ok(), "an error in the middle");
         if (!*more)
             break;

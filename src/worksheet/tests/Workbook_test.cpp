@@ -219,7 +219,7 @@ TEST(WorkbookSave, SaysWhereNothingCanBeWritten) {
     const testing::TempFolder folder;
     const Workbook book;
     const std::string path = folder.path().string();
-    EXPECT_EQ(book.save(path).error().text, "Unable to write \"" + path + "\": it is a folder");
+    EXPECT_EQ(book.save(path).error().text, "Unable to write \"" + path + "\": Is a directory");
     EXPECT_EQ(book.save(path + "/none/x.xls").error().text,
               "Unable to write \"" + path + "/none/x.xls\": No such file or directory");
     EXPECT_EQ(book.save("/dev/null").error().text, "Unable to write \"/dev/null\": it is not a file");
