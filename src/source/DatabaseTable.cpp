@@ -2,6 +2,7 @@
 
 #include "source/OdbcCatalogue.h"
 #include "source/OdbcStatement.h"
+#include "source/SqliteText.h"
 
 #include <fmt/format.h>
 
@@ -83,6 +84,10 @@ Status DatabaseTable::resolveQuery() {
         return statement.error();
     if (Status status = statement->prepare(m_address.query); !status)
         return status;
+    if (statement->parameterCount() > 0)
+        return Error{fmt::format("Source \"{}\": the query has a \"?\" outside of quotes, which stands for a "
+                                 "parameter.{}",
+                                 m_connection->name(), m_connection->dialect().questionMarkHint)};
     auto columns = statement->resultColumns();
     if (!columns)
         return columns.error();
@@ -170,6 +175,8 @@ SqlText DatabaseTable::matches(std::size_t column, const std::optional<std::stri
     const std::string& name = m_quoted[column];
     if (!value) {
         text.sql += fmt::format(" WHERE {} IS NULL", name);
+    } else if (dialect.snapshot == SqlDialect::Snapshot::Transaction && !isSentAsItIs(*value)) {
+        return text;
     } else {
         text.sql += " WHERE ";
         if (const std::string first = dialect.indexCondition(name, m_columns[column], *value); !first.empty()) {

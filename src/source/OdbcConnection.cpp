@@ -84,6 +84,12 @@ std::string tidied(std::string text) {
     return out;
 }
 
+/// For a server that refused whoever the driver took for the user.
+std::string userHint(const std::string& source) {
+    return fmt::format(". No user is named for it: give one in the environment variable {}, and the password in {}",
+                       userVariable(source), passwordVariable(source));
+}
+
 struct Diagnosis {
     std::string state;
     std::string text;
@@ -147,8 +153,10 @@ Result<std::unique_ptr<OdbcConnection>> OdbcConnection::open(const std::string& 
             break;
         if (isRefused && ask && attempt < kAttempts)
             credentials = ask(name, status.error().text);
-        if (!isRefused || !ask || attempt == kAttempts || !credentials)
-            return status.error();
+        if (!isRefused || !ask || attempt == kAttempts || !credentials) {
+            const bool isUserKnown = !text.user().empty() || (credentials && !credentials->user.empty());
+            return isRefused && !isUserKnown ? Error{status.error().text + userHint(name)} : status.error();
+        }
     }
     connection->learn();
     return connection;

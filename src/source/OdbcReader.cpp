@@ -2,6 +2,7 @@
 
 #include "base/Characters.h"
 #include "source/Interruption.h"
+#include "source/SqliteText.h"
 #include "source/TextArena.h"
 #include "source/Utf8.h"
 
@@ -217,6 +218,8 @@ Cell OdbcReader::keep(const Column& column, const char* data, std::size_t size) 
 }
 
 Cell OdbcReader::keepText(const char* data, std::size_t size) {
+    if (const auto text = decodedNulText({data, size}))
+        return keepText(text->data(), text->size());
     if (validUtf8Prefix({data, size}) == size)
         return {m_text->arena.keep({data, size}), static_cast<std::uint32_t>(size), false};
     m_isRowDamaged = true;

@@ -164,6 +164,11 @@ std::size_t OdbcStatement::columnCount() const {
     return static_cast<std::size_t>(count);
 }
 
+std::size_t OdbcStatement::parameterCount() const {
+    SQLSMALLINT count = 0;
+    return SQL_SUCCEEDED(SQLNumParams(m_handle, &count)) && count > 0 ? static_cast<std::size_t>(count) : 0;
+}
+
 std::string OdbcStatement::heading(std::size_t column) const {
     std::array<SQLCHAR, 1024> name{};
     SQLSMALLINT size = 0;

@@ -39,6 +39,8 @@ class OdbcStatement {
     /// The heading of a column of the result, from 0; empty when there is none.
     [[nodiscard]] std::string heading(std::size_t column) const;
     [[nodiscard]] std::size_t columnCount() const;
+    /// Of a prepared statement: how many question marks the driver takes for parameters.
+    [[nodiscard]] std::size_t parameterCount() const;
     /// What is left of a small result, up to `limit` rows. Texts are cut after 32,000 bytes.
     [[nodiscard]] Result<std::vector<Row>> rows(std::size_t limit);
 

@@ -1,5 +1,7 @@
 #include "source/SqlDialect.h"
 
+#include "source/SqliteText.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -18,13 +20,19 @@ constexpr SqlDialect kUnknown{};
 constexpr std::array kDialects = {
     // A cursor's plan is made for all of its rows, since all are read.
     SqlDialect{"PostgreSQL", Snapshot::RepeatableRead, true, true, true, true,
-               "SET default_transaction_read_only = on; SET cursor_tuple_fraction = 1", " COLLATE \"C\""},
+               "SET default_transaction_read_only = on; SET cursor_tuple_fraction = 1", " COLLATE \"C\"",
+               " Write a ? b as jsonb_exists(a, b), a ?| b as jsonb_exists_any(a, b), a ?& b as jsonb_exists_all(a, b) "
+               "and a @? b as jsonb_path_exists(a, b)."},
     SqlDialect{"SQLite", Snapshot::Transaction, true, true, true, true, {}, " COLLATE BINARY"},
     SqlDialect{"ClickHouse", Snapshot::None, false, false, false, true},
     SqlDialect{"Trino", Snapshot::None, false, false, false, true},
     SqlDialect{"Presto", Snapshot::None, false, false, false, true},
     SqlDialect{"Spark", Snapshot::None, false, false, false, true},
 };
+
+/// Names of types in PostgreSQL.
+constexpr std::array<std::string_view, 3> kComparableTexts = {"text", "varchar", "name"};
+constexpr std::array<std::string_view, 6> kIntegers = {"int2", "int4", "int8", "smallserial", "serial", "bigserial"};
 
 bool isInteger(std::string_view text) {
     if (text.starts_with('-'))
@@ -65,9 +73,8 @@ std::optional<std::size_t> DeclaredColumn::longestText() const {
 std::string SqlDialect::textOf(const std::string& name, const DeclaredColumn& column) const {
     if (!writesText)
         return name;
-    // What a column of a database file holds is up to each row; bytes are shown as hexadecimal digits.
     if (snapshot == Snapshot::Transaction)
-        return fmt::format("CASE typeof({0}) WHEN 'blob' THEN hex({0}) ELSE CAST({0} AS TEXT) END", name);
+        return sqliteTextOf(name);
     // A cast to text takes the blanks away that a text of fixed length has at its end.
     if (column.kind == Kind::FixedText)
         return fmt::format("CASE WHEN {0} IS NULL THEN NULL ELSE concat({0}) END", name);
@@ -101,10 +108,16 @@ std::string SqlDialect::indexCondition(const std::string& name, const DeclaredCo
                                        std::string_view text) const {
     if (!writesText)
         return {};
-    if (column.kind == Kind::Text || column.kind == Kind::LongText)
+    if (snapshot == Snapshot::Transaction)
+        return sqliteIndexCondition(name, text);
+    // The driver calls many types text or integer that cannot be compared with every text.
+    const auto isOneOf = [&](const auto& names) {
+        return std::find(names.begin(), names.end(), column.typeName) != names.end();
+    };
+    if (isOneOf(kComparableTexts))
         return fmt::format("{} = ?", name);
-    if (column.kind == Kind::Integer && isInteger(text))
-        return fmt::format("{} = CAST(? AS {})", name, snapshot == Snapshot::Transaction ? "INTEGER" : "bigint");
+    if (isOneOf(kIntegers) && isInteger(text))
+        return fmt::format("{} = CAST(? AS bigint)", name);
     return {};
 }
 

@@ -26,6 +26,8 @@ struct SqlDialect {
     std::string_view settings{};
     /// The collation by which texts are equal only when their bytes are, behind a text of textOf(); with a blank.
     std::string_view exactCollation{};
+    /// How its operators with a question mark are written otherwise; with a blank before it.
+    std::string_view questionMarkHint{};
 
     /// A value as the engine writes it. `name` is quoted.
     [[nodiscard]] std::string textOf(const std::string& name, const DeclaredColumn& column) const;

@@ -1,11 +1,8 @@
-#include "base/tests/TempFolder.h"
 #include "source/OdbcCatalogue.h"
-#include "source/OdbcReader.h"
-#include "support/PostgresServer.h"
+#include "source/tests/OdbcWorld.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <map>
@@ -22,82 +19,6 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 
 constexpr const char* kOddTable = "x\"; drop table";
-/// What stands for null in the tests' texts.
-const std::string kNull = "NULL";
-
-/// What all tests of the program share: the driver manager reads its files once.
-struct World {
-    World() { useOdbcFiles(folder, folder.file("t.db"), server.port()); }
-
-    TempFolder folder;
-    PostgresServer server;
-};
-
-World& world() {
-    static World kWorld;
-    return kWorld;
-}
-
-PostgresServer& server() {
-    return world().server;
-}
-
-void runSqlite(const std::string& file, const std::string& sql) {
-    sqlite3* database = nullptr;
-    sqlite3_open(file.c_str(), &database);
-    char* problem = nullptr;
-    const int code = sqlite3_exec(database, sql.c_str(), nullptr, nullptr, &problem);
-    const std::string text = problem ? problem : "";
-    sqlite3_free(problem);
-    sqlite3_close(database);
-    if (code != SQLITE_OK)
-        throw std::runtime_error(text);
-}
-
-Result<std::unique_ptr<OdbcConnection>> connect(const std::string& text, const std::string& password = {}) {
-    const AskCredentials ask = [&](const std::string&, const std::string& refusal) -> std::optional<Credentials> {
-        if (!refusal.empty() || password.empty())
-            return std::nullopt;
-        return Credentials{PostgresServer::kUser, password};
-    };
-    return OdbcConnection::open("shop", *ConnectionText::parse(text), ask);
-}
-
-using Rows = std::vector<std::vector<std::string>>;
-
-/// All rows of a reader; an error's text as the only cell of a last row.
-Rows drain(Result<std::unique_ptr<OdbcReader>> reader, std::size_t* blocks = nullptr) {
-    if (!reader)
-        return {{reader.error().text}};
-    Rows rows;
-    RowBlock block;
-    for (;;) {
-        const auto more = (*reader)->read(block);
-        if (!more) {
-            rows.push_back({more.error().text});
-            return rows;
-        }
-        if (!*more)
-            return rows;
-        if (blocks)
-            ++*blocks;
-        for (std::size_t r = 0; r < block.rows; ++r) {
-            auto& row = rows.emplace_back();
-            for (const auto& column : block.columns)
-                row.push_back(column[r].isNull ? kNull : std::string(column[r].data, column[r].size));
-        }
-    }
-}
-
-Rows sorted(Rows rows) {
-    std::sort(rows.begin(), rows.end());
-    return rows;
-}
-
-Rows read(const OdbcConnection& connection, const DatabaseTable& table, const SqlText& text) {
-    return drain(OdbcReader::open(connection, text, table.columns(), table.columnNames()));
-}
-
 /// A table on each engine with the same rows of every kind of trouble.
 class Engines : public ::testing::TestWithParam<const char*> {
   protected:
