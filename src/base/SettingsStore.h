@@ -19,9 +19,10 @@ class SettingsStore {
     virtual Status write(std::string_view section, std::string_view key, std::string_view value) = 0;
 };
 
-/// A store in one INI-like UTF-8 file. The file is read once, on opening, and replaced as a whole on every write, so
-/// that a crash leaves the old or the new one. A file that does not exist is an empty store; one that cannot be read,
-/// is no text, or is larger than 4 MiB is an error, and stays untouched.
+/// A store in one INI-like UTF-8 file, which several stores and processes may share: reads see what others have
+/// written, and a write changes one value of the current file under a lock (PATH.lock). The file is replaced as a
+/// whole, so that a crash leaves the old or the new one. A file that does not exist is an empty store; one that cannot
+/// be read, is binary, or is larger than 4 MiB is an error, and stays untouched.
 [[nodiscard]] Result<std::unique_ptr<SettingsStore>> openSettingsFile(const std::string& path);
 
 /// Where the user's settings file lies: $TAVIX_SETTINGS, else $XDG_CONFIG_HOME/tavix/settings.ini, else

@@ -2,9 +2,14 @@
 #include "base/tests/TempFolder.h"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string>
+#include <vector>
 
 namespace tavix {
 namespace {
@@ -46,6 +51,76 @@ TEST(SettingsFile, GarbageLinesDoNotHideTheOthers) {
     auto store = openSettingsFile(path);
     ASSERT_TRUE(store);
     EXPECT_EQ((*store)->read("TAVIX", "MaxFreqVals"), "7");
+}
+
+TEST(SettingsFile, TwoStoresKeepWhatEitherOfThemWrites) {
+    const testing::TempFolder folder;
+    const std::string path = folder.file("s.ini");
+    auto first = openSettingsFile(path);
+    auto second = openSettingsFile(path);
+    ASSERT_TRUE(first && second);
+    ASSERT_TRUE((*first)->write("TAVIX", "MaxChartVals", "12"));
+    ASSERT_TRUE((*second)->write("FRAME", "NavigatorShare", "0.3"));
+    ASSERT_TRUE((*second)->write("TAVIX", "MaxFreqVals", "7"));
+    ASSERT_TRUE((*first)->write("FRAME", "TableInformation", "1"));
+    for (const auto* store : {&*first, &*second}) {
+        EXPECT_EQ((*store)->read("TAVIX", "MaxChartVals"), "12");
+        EXPECT_EQ((*store)->read("TAVIX", "MaxFreqVals"), "7");
+        EXPECT_EQ((*store)->read("FRAME", "NavigatorShare"), "0.3");
+        EXPECT_EQ((*store)->read("FRAME", "TableInformation"), "1");
+    }
+    // The later one of the same value counts.
+    ASSERT_TRUE((*second)->write("tavix", "maxchartvals", "13"));
+    EXPECT_EQ((*first)->read("TAVIX", "MaxChartVals"), "13");
+}
+
+TEST(SettingsFile, ProcessesThatWriteAtOnceLoseNothing) {
+    constexpr int kWriters = 3;
+    constexpr int kValues = 40;
+    const testing::TempFolder folder;
+    const std::string path = folder.file("s.ini");
+    std::vector<pid_t> children;
+    for (int writer = 0; writer < kWriters; ++writer) {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            auto store = openSettingsFile(path);
+            bool done = store.ok();
+            for (int value = 0; done && value < kValues; ++value)
+                done = (*store)->write("W" + std::to_string(writer), std::to_string(value), "x").ok();
+            _exit(done ? 0 : 1);
+        }
+        children.push_back(child);
+    }
+    for (const pid_t child : children) {
+        int status = 0;
+        ASSERT_EQ(child, waitpid(child, &status, 0));
+        EXPECT_EQ(0, status);
+    }
+    auto store = openSettingsFile(path);
+    ASSERT_TRUE(store);
+    int lost = 0;
+    for (int writer = 0; writer < kWriters; ++writer) {
+        for (int value = 0; value < kValues; ++value)
+            lost += (*store)->read("W" + std::to_string(writer), std::to_string(value)) == "x" ? 0 : 1;
+    }
+    EXPECT_EQ(0, lost);
+}
+
+TEST(SettingsFile, AValueThatCannotBeKeptIsKeptWithTheNext) {
+    const testing::TempFolder folder;
+    const std::string path = folder.file("s.ini");
+    auto store = openSettingsFile(path);
+    ASSERT_TRUE(store);
+    std::filesystem::create_directory(path);
+    EXPECT_FALSE((*store)->write("TAVIX", "MaxChartVals", "12"));
+    EXPECT_EQ((*store)->read("TAVIX", "MaxChartVals"), "12");
+    std::filesystem::remove(path);
+    ASSERT_TRUE((*store)->write("TAVIX", "MaxFreqVals", "7"));
+    auto again = openSettingsFile(path);
+    ASSERT_TRUE(again);
+    EXPECT_EQ((*again)->read("TAVIX", "MaxChartVals"), "12");
+    EXPECT_EQ((*again)->read("TAVIX", "MaxFreqVals"), "7");
 }
 
 } // namespace
