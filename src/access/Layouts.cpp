@@ -308,6 +308,7 @@ std::vector<Layout> makeAll() {
         {"getJobs", kJobs},
         {"getDSNList", kDsnList},
         {"getTableList", kTableList},
+        {"getTableOfField", kTableList},
         {"getFieldList", fields},
         {"getFieldListPKR", fieldsPkr},
         {"getTextFileFieldInfo", kTextFileFields},

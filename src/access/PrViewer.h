@@ -81,6 +81,8 @@ class PrViewer {
     // Structure of the current run. `dataSourceId` -1 stands for all.
     [[nodiscard]] ProfileCursorHandle getDSNList();
     [[nodiscard]] ProfileCursorHandle getTableList(int dataSourceId);
+    /// One row, the table of the field: as the current run has it, or the latest run with the field.
+    [[nodiscard]] ProfileCursorHandle getTableOfField(int fieldId);
     [[nodiscard]] ProfileCursorHandle getFieldList(int tableId);
     [[nodiscard]] ProfileCursorHandle getFieldListPKR(int tableId);
     /// `kind` is the table's letter: Y plain, S query, D filter.
@@ -193,7 +195,8 @@ class PrViewer {
     bool clearChartProperties(int chartId);
     bool addChartProperty(int chartId, const KvbString& name, int position, const KvbString& value);
 
-    // Primary key / foreign key analysis of the current run.
+    // Primary key / foreign key analysis of the current run. Where it does not have the field, the two cursors are
+    // those of the latest run that does.
     [[nodiscard]] ProfileCursorHandle getPKFKAnalysis(int fieldId);
     [[nodiscard]] ProfileCursorHandle getPKFKAnalysisOutliers(int fieldId, int otherFieldId);
     bool generatePKFKAnalysis(int fieldId, int otherFieldId);

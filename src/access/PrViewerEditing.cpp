@@ -188,18 +188,19 @@ ProfileCursorHandle PrViewer::getPKFKAnalysis(int fieldId) {
                               "FROM key_analysis k JOIN field f ON f.id = k.other_field "
                               "JOIN profiled_table t ON t.id = f.table_id JOIN data_source d ON d.id = t.data_source "
                               "WHERE k.run = ?1 AND k.field = ?2 ORDER BY k.match_percent DESC, k.other_field");
-    auto found = m_impl->fieldNumber("SELECT 1 FROM run_field WHERE run = ?1 AND field = ?2", fieldId);
-    return m_impl->open(found ? Status{} : Status{found.error()}, kQuery, {m_impl->run, fieldId});
+    const auto ofRun = m_impl->runOfField(fieldId);
+    return ofRun ? m_impl->open({}, kQuery, {*ofRun, fieldId}) : m_impl->failCursor(ofRun.error());
 }
 
 ProfileCursorHandle PrViewer::getPKFKAnalysisOutliers(int fieldId, int otherFieldId) {
-    if (auto ready = m_impl->requireRun(); !ready)
-        return m_impl->failCursor(ready.error());
+    const auto ofRun = m_impl->runOfField(fieldId);
+    if (!ofRun)
+        return m_impl->failCursor(ofRun.error());
     auto rows = m_impl->integer("SELECT unmatched_rows FROM key_analysis WHERE run = ?1 AND field = ?2 AND "
                                 "other_field = ?3",
-                                {m_impl->run, fieldId, otherFieldId}, "There is no key analysis of these two fields.");
-    return m_impl->openDistribution(
-        "getPKFKAnalysisOutliers", {m_impl->run, fieldId, repository::DistributionKind::Unmatched, otherFieldId}, rows);
+                                {*ofRun, fieldId, otherFieldId}, "There is no key analysis of these two fields.");
+    return m_impl->openDistribution("getPKFKAnalysisOutliers",
+                                    {*ofRun, fieldId, repository::DistributionKind::Unmatched, otherFieldId}, rows);
 }
 
 bool PrViewer::generatePKFKAnalysis(int, int) {

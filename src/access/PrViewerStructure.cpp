@@ -40,6 +40,14 @@ ProfileCursorHandle PrViewer::getTableList(int dataSourceId) {
     return m_impl->open(ready, kQuery, {m_impl->run, dataSourceId});
 }
 
+ProfileCursorHandle PrViewer::getTableOfField(int fieldId) {
+    static const Query kQuery("getTableOfField",
+                              "FROM run_field rf JOIN run_table rt ON rt.run = rf.run AND rt.table_id = rf.table_id "
+                              "JOIN profiled_table t ON t.id = rt.table_id WHERE rf.run = ?1 AND rf.field = ?2");
+    const auto ofRun = m_impl->runOfField(fieldId);
+    return ofRun ? m_impl->open({}, kQuery, {*ofRun, fieldId}) : m_impl->failCursor(ofRun.error());
+}
+
 ProfileCursorHandle PrViewer::getFieldList(int tableId) {
     static const Query kQuery("getFieldList", kFieldsOfTable);
     return m_impl->open(m_impl->requireTable(tableId), kQuery, {m_impl->run, tableId});

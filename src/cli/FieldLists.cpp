@@ -8,6 +8,7 @@
 #include "cli/FieldTypes.h"
 #include "cli/Interruption.h"
 #include "cli/Session.h"
+#include "doc/DistributionShare.h"
 
 #include <fmt/format.h>
 
@@ -97,9 +98,27 @@ std::string titleOf(std::string_view what, const FieldEntry& field, std::int64_t
     return title;
 }
 
-/// `rows` is what `count` is a share of.
-KvbDatavar percentOf(std::int64_t count, std::int64_t rows) {
-    return rows > 0 ? KvbDatavar(100.0 * static_cast<double>(count) / static_cast<double>(rows)) : KvbDatavar();
+KvbDatavar percentCell(const DistributionShare& share, std::int64_t count) {
+    const std::optional<double> percent = share.PercentOf(count);
+    return percent ? KvbDatavar(*percent) : KvbDatavar();
+}
+
+Column percentColumn(const DistributionShare& share) {
+    return {std::string(share.ColumnKey()), "% " + share.BaseText(), Column::Kind::Number, kPercentPlaces};
+}
+
+/// The rows of all patterns of a field.
+std::int64_t readPatternTotal(Session& session, const FieldEntry& field) {
+    const ProfileCursorHandle fields = session.checked(session.viewer().getFieldList(field.table.id));
+    while (fields->next()) {
+        if (fields->getColumnInt(layout::FieldId) != field.id)
+            continue;
+        std::array<KvbString, kMetricCount> metrics;
+        for (std::size_t i = 0; i < metrics.size(); ++i)
+            metrics[i] = fields->getColumnValue(layout::kFieldListMetrics + static_cast<int>(i));
+        return patternTotal(metrics);
+    }
+    return 0;
 }
 
 std::int64_t wholeNumber(const ProfileCursor& cursor, int column) {
@@ -115,30 +134,32 @@ struct DistributionAccess {
     ProfileCursorHandle (PrViewer::*open)(int field, const KvbString& filter, PrViewDisplayMessage* sink);
     int (PrViewer::*count)(int field);
     int countColumn;
+    DistributionKind kind;
 };
 
-constexpr DistributionAccess kValues{&PrViewer::getFreqDist, &PrViewer::getFreqDistCount, layout::FreqCount};
+constexpr DistributionAccess kValues{&PrViewer::getFreqDist, &PrViewer::getFreqDistCount, layout::FreqCount,
+                                     DistributionKind::Frequency};
 constexpr DistributionAccess kPatterns{&PrViewer::getPatternDist, &PrViewer::getPatternDistCount,
-                                       layout::PatternCountColumn};
+                                       layout::PatternCountColumn, DistributionKind::Pattern};
 
 /// The rows to be listed, and what percentages are a share of.
 struct ChosenRows {
     ProfileCursorHandle cursor;
     std::int64_t count = 0; ///< of rows, whatever the limit
-    std::int64_t total = 0; ///< of their counts; without a filter, all rows of the table
+    DistributionShare share;
     std::string title;
-    Column percent;
 };
 
 ChosenRows openAll(Session& session, const FieldEntry& field, const DistributionAccess& access) {
     PrViewer& viewer = session.viewer();
     ChosenRows rows;
-    rows.total = viewer.getFreqDistSum(field.id);
-    session.check(rows.total >= 0);
+    const std::int64_t total =
+        access.kind == DistributionKind::Pattern ? readPatternTotal(session, field) : viewer.getFreqDistSum(field.id);
+    session.check(total >= 0);
+    rows.share = {access.kind, false, total};
     rows.count = (viewer.*access.count)(field.id);
     session.check(rows.count >= 0);
     rows.cursor = session.checked((viewer.*access.open)(field.id, KvbString(""), nullptr));
-    rows.percent = {"percent_of_rows", "% of rows", Column::Kind::Number, kPercentPlaces};
     return rows;
 }
 
@@ -154,14 +175,15 @@ ChosenRows openFiltered(Session& session, const FieldEntry& field, const Distrib
         (void)session.checked((viewer.*access.open)(field.id, KvbString(""), nullptr));
         throw CommandError(ExitCode::Usage, reason);
     }
+    std::int64_t total = 0;
     for (; sums->next(); ++rows.count) {
         stopIfInterrupted();
-        rows.total += saturateToInt64(sums->getColumnDouble(access.countColumn));
+        total += saturateToInt64(sums->getColumnDouble(access.countColumn));
     }
     if (const KvbString warning = sums->getWarning(); !warning.isNull())
         say(warning.view());
     rows.cursor = session.checked((viewer.*access.open)(field.id, filter, nullptr));
-    rows.percent = {"percent_of_filtered_rows", "% of filtered rows", Column::Kind::Number, kPercentPlaces};
+    rows.share = {access.kind, true, total};
     return rows;
 }
 
@@ -230,12 +252,12 @@ void listValues(Session& session, Listing& listing, const FieldEntry& field, con
     ChosenRows rows = openRows(session, field, kValues, choice, "Values");
     listing.begin({"values",
                    rows.title,
-                   {{"value", "Value"}, {"count", "Count", Column::Kind::Number}, rows.percent},
+                   {{"value", "Value"}, {"count", "Count", Column::Kind::Number}, percentColumn(rows.share)},
                    false,
                    kNullValue});
     for (std::int64_t shown = 0; shown < choice.limit && rows.cursor->next(); ++shown) {
         const std::int64_t times = wholeNumber(*rows.cursor, layout::FreqCount);
-        listing.row(Row{rows.cursor->getColumnValue(layout::FreqValue), times, percentOf(times, rows.total)});
+        listing.row(Row{rows.cursor->getColumnValue(layout::FreqValue), times, percentCell(rows.share, times)});
     }
     listing.end();
 }
@@ -248,13 +270,13 @@ void listPatterns(Session& session, Listing& listing, const FieldEntry& field, c
                     {"pattern", "Pattern"},
                     {"short_form", "Short form"},
                     {"count", "Count", Column::Kind::Number},
-                    rows.percent}});
+                    percentColumn(rows.share)}});
     const ProfileCursor& patterns = *rows.cursor;
     for (std::int64_t shown = 0; shown < choice.limit && rows.cursor->next(); ++shown) {
         const KvbString pattern = patterns.getColumnValue(layout::PatternText);
         const std::int64_t times = wholeNumber(patterns, layout::PatternCountColumn);
         listing.row(Row{wholeNumber(patterns, layout::PatternRank), pattern,
-                        session.viewer().getAbbreviatedPattern(pattern), times, percentOf(times, rows.total)});
+                        session.viewer().getAbbreviatedPattern(pattern), times, percentCell(rows.share, times)});
     }
     listing.end();
 }

@@ -41,7 +41,7 @@ struct DistributionChanges {
         std::int64_t rowsAfter = 0;
         std::vector<ValueChange> top;
     };
-    std::int64_t rowsBefore = 0; ///< of the field, whatever their texts
+    std::int64_t rowsBefore = 0; ///< of all texts
     std::int64_t rowsAfter = 0;
     Group appeared; ///< the most frequent first
     Group vanished; ///< the most frequent first

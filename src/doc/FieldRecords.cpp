@@ -78,6 +78,7 @@ void FieldRecords::Forget() {
     m_id = -1;
     m_fields.clear();
     m_table = {};
+    m_tableOfField = -1;
 }
 
 Status FieldRecords::Read(PrViewer& viewer, const ReportSelection& selection) {
@@ -120,6 +121,8 @@ Result<const FieldRecord*> FieldRecords::Find(PrViewer& viewer, const ReportSele
 Result<TableIdentity> FieldRecords::TableOf(PrViewer& viewer, const ReportSelection& selection) {
     if (selection.kind == ReportSelection::Kind::Table)
         return selection.table;
+    if (m_tableOfField == selection.fieldId)
+        return m_table;
     KvbString source;
     KvbString catalog;
     KvbString schema;
@@ -130,14 +133,15 @@ Result<TableIdentity> FieldRecords::TableOf(PrViewer& viewer, const ReportSelect
     int tableId = -1;
     if (!viewer.getFieldInfo(selection.fieldId, source, catalog, schema, table, object, kind, field, tableId))
         return Error{viewer.getErrorString().str()};
-    if (m_table.id == tableId)
-        return m_table;
-    if (auto found = findTable(viewer, tableId, source.str())) {
-        m_table = std::move(*found);
-        return m_table;
+    try {
+        const ProfileCursorHandle rows = viewer.getTableOfField(selection.fieldId);
+        m_table = rows && rows->next() ? readTable(*rows, source.str()) : TableIdentity{};
+    } catch (const GenException& failure) {
+        return Error{failure.getText().str()};
     }
-    // A table of another report: its names are known, its size is not.
-    m_table = {};
+    m_tableOfField = selection.fieldId;
+    if (m_table.id != -1)
+        return m_table;
     m_table.id = tableId;
     m_table.kind = kind;
     m_table.dataSource = source.str();

@@ -24,8 +24,8 @@ class FieldRecords {
   public:
     /// The record of the selected field; valid until the next call. An error when the run does not have it.
     [[nodiscard]] Result<const FieldRecord*> Find(PrViewer& viewer, const ReportSelection& selection);
-    /// The table to which the selected field belongs. Of a collection's field whose table the run does not have, the
-    /// names alone.
+    /// The table to which the selected field belongs; of a collection's field as the run says whose figures are the
+    /// field's, which may be one of another report. When no run has the field, the names alone.
     [[nodiscard]] Result<TableIdentity> TableOf(PrViewer& viewer, const ReportSelection& selection);
     /// To be called when another report or run was loaded, or collections have changed.
     void Forget();
@@ -36,7 +36,8 @@ class FieldRecords {
     ReportSelection::Kind m_kind = ReportSelection::Kind::Nothing; ///< of what is kept
     int m_id = -1;                                                 ///< of the table or collection
     std::map<int, FieldRecord> m_fields;
-    TableIdentity m_table; ///< of the last field of a collection
+    TableIdentity m_table;   ///< of the last field of a collection
+    int m_tableOfField = -1; ///< which field that is
 };
 
 } // namespace tavix

@@ -6,6 +6,7 @@
 #include "base/Metrics.h"
 #include "base/NumberText.h"
 #include "doc/DistributionComparison.h"
+#include "doc/DistributionShare.h"
 
 #include <algorithm>
 #include <array>
@@ -129,13 +130,13 @@ const Entry* findByName(const std::vector<Entry>& entries, const std::string& na
 /// The distribution of a field in the current run of a session.
 class StoredTexts final : public CountedTexts {
   public:
-    StoredTexts(PrViewer& viewer, int field, bool isPatterns, const std::function<void()>& pulse)
+    StoredTexts(PrViewer& viewer, const Field& field, bool isPatterns, const std::function<void()>& pulse)
         : m_viewer(viewer),
-          m_field(field),
+          m_field(field.id),
           m_isPatterns(isPatterns),
           m_pulse(pulse),
-          m_size(isPatterns ? viewer.getPatternDistCount(field) : viewer.getFreqDistCount(field)),
-          m_rows(viewer.getFreqDistSum(field)) {
+          m_size(isPatterns ? viewer.getPatternDistCount(field.id) : viewer.getFreqDistCount(field.id)),
+          m_rows(isPatterns ? patternTotal(field.metrics) : viewer.getFreqDistSum(field.id)) {
         if (m_size < 0 || m_rows < 0)
             throw GenException(viewer.getErrorString());
     }
@@ -290,8 +291,8 @@ class Comparison {
     }
 
     void compareTexts(const std::string& table, const Field& before, const Field& after, bool isPatterns) {
-        StoredTexts textsBefore(m_before, before.id, isPatterns, m_options.pulse);
-        StoredTexts textsAfter(m_after, after.id, isPatterns, m_options.pulse);
+        StoredTexts textsBefore(m_before, before, isPatterns, m_options.pulse);
+        StoredTexts textsAfter(m_after, after, isPatterns, m_options.pulse);
         const DistributionChanges changes = compareDistributions(textsBefore, textsAfter, {m_options.top});
         const Subject all = isPatterns ? Subject::Patterns : Subject::Values;
         const Subject one = isPatterns ? Subject::Pattern : Subject::Value;
@@ -302,8 +303,9 @@ class Comparison {
                 continue;
             const bool wasThere = kind != Kind::New;
             const bool isThere = kind != Kind::Vanished;
-            const auto percent = [](bool present, std::int64_t part, std::int64_t whole) {
-                return present ? percentOf(part, whole) : std::nullopt;
+            const DistributionKind kindOfTexts = isPatterns ? DistributionKind::Pattern : DistributionKind::Frequency;
+            const auto percent = [kindOfTexts](bool present, std::int64_t part, std::int64_t whole) {
+                return present ? DistributionShare(kindOfTexts, false, whole).PercentOf(part) : std::nullopt;
             };
             const auto number = [](bool present, std::int64_t count) {
                 return present ? KvbDatavar(count) : KvbDatavar();

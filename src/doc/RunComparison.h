@@ -37,7 +37,7 @@ struct RunChange {
     KvbString item;    ///< null for the null value and where there is no name
     KvbDatavar before; ///< null where there is none
     KvbDatavar after;
-    std::optional<double> percentBefore; ///< of the field's rows
+    std::optional<double> percentBefore; ///< of the field's rows; of a pattern, of those that are not null
     std::optional<double> percentAfter;
 };
 

@@ -14,6 +14,12 @@ inline constexpr Message kNoField{"Please select a field type", "Missing Value"}
 inline constexpr Message kNoOperation{"Please select an operation", "Missing Value"};
 inline constexpr Message kNoValues{"Please enter one or more values in the value list", "Missing Value"};
 
+// The condition that was not added stands between the two.
+inline constexpr Message kNotAdded{"The condition that is filled in has not been added to the filter:\n\n",
+                                   "Report Filter"};
+inline constexpr std::string_view kAddItNow = "\n\nAdd it now?";
+inline constexpr std::string_view kAddItWithAnd = "\n\nAdd it now, with AND?";
+
 inline constexpr Message kExtraRight{"Invalid expression: Extra right parenthesis", "Invalid Value"};
 inline constexpr Message kExtraLeft{"Invalid expression: Extra left parenthesis", "Invalid Value"};
 inline constexpr Message kEndsWithConnector{"Invalid expression: Cannot end with AND or OR", "Invalid Value"};

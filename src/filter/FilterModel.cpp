@@ -1,5 +1,6 @@
 #include "filter/FilterModel.h"
 
+#include "base/Characters.h"
 #include "filter/ConditionBlock.h"
 #include "filter/FilterFile.h"
 #include "filter/FilterMessages.h"
@@ -10,6 +11,9 @@
 namespace tavix {
 
 namespace {
+
+// Of a long list of values as much as tells which one it is.
+constexpr std::size_t kMostInQuestion = 400;
 
 void warn(Messages& messages, const filter_messages::Message& message) {
     messages.warn(message.text, message.caption);
@@ -103,8 +107,40 @@ FilterFocus FilterModel::AddCondition() {
     case ComparisonInput::Missing::Nothing:
         break;
     }
-    Append(input.Comparison());
+    m_settled = input.Comparison();
+    Append(*m_settled);
     return FilterFocus::Stays;
+}
+
+std::optional<CCondition> FilterModel::FilledIn() const {
+    if (m_editMode || input.FindMissing() != ComparisonInput::Missing::Nothing)
+        return std::nullopt;
+    CCondition comparison = input.Comparison();
+    // A single value may be empty, but one that was never touched is empty too.
+    if (comparison.values.size() == 1 && comparison.values.front().empty())
+        return std::nullopt;
+    return comparison;
+}
+
+std::optional<CCondition> FilterModel::Pending() const {
+    std::optional<CCondition> comparison = FilledIn();
+    return comparison == m_settled ? std::nullopt : comparison;
+}
+
+void FilterModel::AskAboutPending() {
+    const std::optional<CCondition> pending = Pending();
+    if (!pending)
+        return;
+    m_settled = pending;
+    const bool needsConnector = Enabled().connectors;
+    std::string question(filter_messages::kNotAdded.text);
+    question += shortened(BuildPlainText({*pending}), kMostInQuestion);
+    question += needsConnector ? filter_messages::kAddItWithAnd : filter_messages::kAddItNow;
+    if (m_messages.ask(question, filter_messages::kNotAdded.caption, Messages::Answer::Yes) == Messages::Answer::No)
+        return;
+    if (needsConnector)
+        AddConnector(Connector::And);
+    Append(*pending);
 }
 
 void FilterModel::Append(CCondition condition) {
@@ -230,6 +266,7 @@ void FilterModel::LoadText(std::string_view filterText) {
     if (m_editMode)
         return;
     input.ResetValue();
+    m_settled = FilledIn();
 }
 
 std::string FilterModel::ComposeText() const {
@@ -239,6 +276,7 @@ std::string FilterModel::ComposeText() const {
 }
 
 bool FilterModel::Accept() {
+    AskAboutPending();
     if (const auto fault = FindFault(m_conditions); fault && !m_editMode) {
         warn(m_messages, messageOf(*fault));
         return false;

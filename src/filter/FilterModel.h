@@ -4,6 +4,7 @@
 #include "filter/ComparisonInput.h"
 #include "filter/FilterText.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -53,6 +54,8 @@ class FilterModel {
     // Each of these does nothing while its button is disabled.
     /// Says what is missing and where, or appends the comparison.
     [[nodiscard]] FilterFocus AddCondition();
+    /// The comparison that is filled in, with a value where it takes one, and was neither added nor declined.
+    [[nodiscard]] std::optional<CCondition> Pending() const;
     void AddLeftParenthesis();
     void AddRightParenthesis();
     void AddConnector(Connector connector);
@@ -77,8 +80,9 @@ class FilterModel {
     /// Takes a filter text in place of what is there, and leaves or enters edit mode as the text needs it.
     void LoadText(std::string_view filterText);
 
-    /// OK. True when the dialog can close: FilterText() then is the new filter text. False after a message; the focus
-    /// then goes to the condition area.
+    /// OK. Asks about a pending comparison first; Yes adds it, with AND where the list needs it. True when the dialog
+    /// can close: FilterText() then is the new filter text. False after a message; the focus then goes to the condition
+    /// area.
     [[nodiscard]] bool Accept();
     /// The filter text of what is there now, valid or not, as Save writes it.
     [[nodiscard]] std::string ComposeText() const;
@@ -86,6 +90,8 @@ class FilterModel {
     [[nodiscard]] const std::string& FilterText() const { return m_filterText; }
 
   private:
+    [[nodiscard]] std::optional<CCondition> FilledIn() const;
+    void AskAboutPending();
     void Append(CCondition condition);
     void AppendParenthesis(bool left);
 
@@ -93,6 +99,7 @@ class FilterModel {
     DistributionKind m_kind;
     ConditionList m_conditions;
     ParenthesisCounts m_parentheses;
+    std::optional<CCondition> m_settled; ///< the input when it was last added, declined or done without
     FilterAction m_action = FilterAction::RemoveFailing;
     FilterDisplay m_display = FilterDisplay::PlainText;
     bool m_editMode = false;

@@ -40,7 +40,9 @@ enum class CellIcon : std::uint8_t {
 inline constexpr double kNoBar = -1;
 
 struct GridCell {
-    std::string text; ///< UTF-8
+    std::string text;  ///< UTF-8
+    std::string mark;  ///< a remark beside the text and not part of it: "(sample)"
+    std::string order; ///< what the cell is sorted by in place of its text; "" for the text itself
     CellAlignment alignment = CellAlignment::Left;
     CellState state = CellState::Ordinary;
     CellIcon icon = CellIcon::None;
@@ -50,14 +52,24 @@ struct GridCell {
     bool operator==(const GridCell&) const = default;
 };
 
+/// What the cell is sorted by.
+[[nodiscard]] inline std::string_view orderText(const GridCell& cell) {
+    return cell.order.empty() ? cell.text : cell.order;
+}
+
 struct GridColumn {
     std::string heading;
-    int width = 120; ///< pixels at 96 dpi
+    std::string mark; ///< a remark below the heading and not part of it: "(sample)", "of 373 non-null values"
+    std::string key;  ///< names the column whatever its heading says; "" for the heading itself
+    int width = 120;  ///< pixels at 96 dpi
     CellAlignment alignment = CellAlignment::Left;
     int parameter = -1;  ///< carried by the heading cell
     bool locked = false; ///< stays in view when the grid scrolls sideways
     std::string toolTip;
     bool takesRest = false; ///< wider than `width` where the grid has room, until the user drags it
+
+    /// By what the order and the width that the user gave it are remembered.
+    [[nodiscard]] const std::string& identity() const { return key.empty() ? heading : key; }
 
     bool operator==(const GridColumn&) const = default;
 };

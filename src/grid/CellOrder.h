@@ -1,8 +1,11 @@
 #pragma once
 
+#include "grid/CUGDataSource.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -31,7 +34,7 @@ class CellOrderKey {
 /// Sorts rows by the text that `textOf` gives of each, which is asked for once; rows of the same text stay in their
 /// order.
 template <typename Row, typename TextOf>
-void sortRowsByText(std::vector<Row>& rows, TextOf textOf, bool descending) {
+void sortRowsByText(std::span<Row> rows, TextOf textOf, bool descending) {
     struct Keyed {
         CellOrderKey key;
         Row row;
@@ -47,6 +50,15 @@ void sortRowsByText(std::vector<Row>& rows, TextOf textOf, bool descending) {
     });
     for (std::size_t i = 0; i < keyed.size(); ++i)
         rows[i] = std::move(keyed[i].row);
+}
+
+/// Sorts rows by the cell that `cellOf` gives of each. Figures that do not exist come last in both directions.
+template <typename Row, typename CellOf>
+void sortRowsByCell(std::vector<Row>& rows, CellOf cellOf, bool descending) {
+    const auto unknown = std::stable_partition(
+        rows.begin(), rows.end(), [&cellOf](const Row& row) { return cellOf(row).state != CellState::Unknown; });
+    const auto textOf = [&cellOf](const Row& row) { return std::string(orderText(cellOf(row))); };
+    sortRowsByText(std::span<Row>(rows.begin(), unknown), textOf, descending);
 }
 
 } // namespace tavix

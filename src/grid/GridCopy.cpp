@@ -2,6 +2,10 @@
 
 namespace tavix {
 
+std::string withMark(const std::string& text, const std::string& mark) {
+    return mark.empty() ? text : text + " " + mark;
+}
+
 std::string copyRows(const CUGDataSource& source, std::span<const std::int64_t> rows, bool withHeadings) {
     const int columns = source.GetColumnCount();
     std::string text;
@@ -14,9 +18,15 @@ std::string copyRows(const CUGDataSource& source, std::span<const std::int64_t> 
         text += "\r\n";
     };
     if (withHeadings)
-        line([&](int column) { return source.GetColumn(column).heading; });
+        line([&](int column) {
+            const GridColumn shown = source.GetColumn(column);
+            return withMark(shown.heading, shown.mark);
+        });
     for (const std::int64_t row : rows)
-        line([&](int column) { return source.GetCell(column, row).text; });
+        line([&](int column) {
+            const GridCell cell = source.GetCell(column, row);
+            return withMark(cell.text, cell.mark);
+        });
     return text;
 }
 

@@ -28,9 +28,8 @@ ColProfRows::ColProfRows() : ListRows({listColumn("Metric Name", kWidth), listCo
 void ColProfRows::Fill(const FieldRecord& field, std::span<const MetricDisplay> metrics, bool isSample) {
     m_metrics.clear();
     for (const int id : metricOrder(metrics)) {
-        m_metrics.push_back({id, metrics[static_cast<std::size_t>(id)].description, metricCell(id, field)});
-        if (isSample && isOfSampleAlone(static_cast<MetricId>(id)))
-            m_metrics.back().name += kOfSampleAlone;
+        m_metrics.push_back({id, textCell(metrics[static_cast<std::size_t>(id)].description), metricCell(id, field)});
+        m_metrics.back().name.mark = sampleMark(id, isSample);
     }
     ShowRecords(m_metrics.size());
 }
@@ -42,7 +41,7 @@ void ColProfRows::Clear() {
 
 GridCell ColProfRows::CellOf(int column, std::size_t record) const {
     const Metric& metric = m_metrics.at(record);
-    return column == 0 ? textCell(metric.name) : metric.value;
+    return column == 0 ? metric.name : metric.value;
 }
 
 } // namespace tavix

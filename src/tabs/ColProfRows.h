@@ -11,7 +11,7 @@ class ColProfRows final : public ListRows {
   public:
     ColProfRows();
 
-    /// `isSample`: names tell which metrics are those of the sampled records alone.
+    /// `isSample`: a mark beside the name tells which metrics are those of the sampled records alone.
     void Fill(const FieldRecord& field, std::span<const MetricDisplay> metrics, bool isSample = false);
     void Clear() override;
 
@@ -20,7 +20,7 @@ class ColProfRows final : public ListRows {
   private:
     struct Metric {
         int id = -1;
-        std::string name;
+        GridCell name;
         GridCell value;
     };
 

@@ -22,8 +22,21 @@ std::vector<GridColumn> withFigures(std::vector<GridColumn> columns) {
 DistributionRows::DistributionRows(const std::vector<GridColumn>& valueColumns)
     : ListRows(withFigures(valueColumns)), m_countColumn(static_cast<int>(valueColumns.size())) {}
 
-void DistributionRows::Show(Distribution distribution) {
+void DistributionRows::Show(Distribution distribution, DistributionKind kind, bool isFiltered,
+                            std::string_view emptyText) {
+    const DistributionShare share(kind, isFiltered, distribution.total);
+    const std::string more = distribution.warning.empty() ? std::string() : "\n" + distribution.warning;
+    Take(std::move(distribution), share);
+    SetMark(m_countColumn + 1, share.BaseText());
+    SetToolTip(m_countColumn + 1, "Share " + share.BaseText() + more);
+    SetEmptyText(std::string(emptyText) + more);
+}
+
+void DistributionRows::Take(Distribution distribution, const DistributionShare& share) {
     m_distribution = std::move(distribution);
+    m_share = share;
+    SetMark(m_countColumn + 1, {});
+    SetToolTip(m_countColumn + 1, {});
     m_largest = 0;
     for (const Distribution::Entry& entry : m_distribution.entries)
         m_largest = std::max(m_largest, entry.count);
@@ -35,19 +48,13 @@ void DistributionRows::Show(Distribution distribution) {
 }
 
 void DistributionRows::ShowNotCalculated() {
-    Show({});
+    Take({}, {});
     ShowPlaceholder();
-}
-
-void DistributionRows::SetNotes(std::string_view percentOf, std::string_view emptyText, const KvbString& warning) {
-    const std::string more = warning.isNull() ? std::string() : "\n" + warning.str();
-    SetToolTip(m_countColumn + 1, std::string(percentOf) + more);
-    SetEmptyText(std::string(emptyText) + more);
 }
 
 void DistributionRows::Clear() {
     SetEmptyText({});
-    Show({});
+    Take({}, {});
 }
 
 void DistributionRows::ShowStopped() {
@@ -78,11 +85,12 @@ GridCell DistributionRows::CellOf(int column, std::size_t record) const {
     const std::int64_t count = isOther ? m_distribution.other : Entry(record).count;
     if (column == m_countColumn)
         return textCell(formatInteger(count), CellAlignment::Right);
-    if (m_distribution.total == 0)
+    const std::optional<double> percent = m_share.PercentOf(count);
+    if (!percent)
         return textCell({}, CellAlignment::Right);
-    const auto part = static_cast<double>(count);
-    const double bar = isOther || m_largest <= 0 ? kNoBar : std::max(0.0, part / static_cast<double>(m_largest));
-    return percentCell(part / static_cast<double>(m_distribution.total) * 100, bar);
+    const bool hasBar = !isOther && m_largest > 0;
+    return percentCell(*percent,
+                       hasBar ? std::max(0.0, static_cast<double>(count) / static_cast<double>(m_largest)) : kNoBar);
 }
 
 } // namespace tavix

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "doc/DistributionShare.h"
 #include "doc/FieldRecord.h"
 #include "tabs/Distribution.h"
 #include "tabs/ListRows.h"
@@ -23,7 +24,7 @@ class DistributionRows : public ListRows {
     /// Where the "Other" row stands now; -1 without one.
     [[nodiscard]] std::int64_t GetOtherRow() const;
     /// What the percentages are a share of.
-    [[nodiscard]] std::int64_t GetTotal() const { return m_distribution.total; }
+    [[nodiscard]] std::int64_t GetTotal() const { return m_share.Total(); }
     /// Of rows for which the filter could not be evaluated; "" without.
     [[nodiscard]] const std::string& GetWarning() const { return m_distribution.warning; }
 
@@ -31,20 +32,20 @@ class DistributionRows : public ListRows {
     /// The count's column, after those of the value; the percentage follows it.
     explicit DistributionRows(const std::vector<GridColumn>& valueColumns);
 
-    /// What the percentages are a share of, in words, and why there are no rows when there are none. Both go on with
-    /// `warning`, the cursor's.
-    void SetNotes(std::string_view percentOf, std::string_view emptyText, const KvbString& warning);
-    void Show(Distribution distribution);
+    /// `emptyText` says why there are no rows when there are none.
+    void Show(Distribution distribution, DistributionKind kind, bool isFiltered, std::string_view emptyText);
     void ShowNotCalculated();
     /// The cell of an entry in a column before the count's.
     [[nodiscard]] virtual GridCell EntryCell(int column, std::size_t entry) const = 0;
     [[nodiscard]] const Distribution::Entry& Entry(std::size_t entry) const { return m_distribution.entries[entry]; }
 
   private:
+    void Take(Distribution distribution, const DistributionShare& share);
     [[nodiscard]] GridCell CellOf(int column, std::size_t record) const final;
     [[nodiscard]] bool IsOtherRecord(std::size_t record) const { return record == m_distribution.entries.size(); }
 
     Distribution m_distribution;
+    DistributionShare m_share;
     std::int64_t m_largest = 0; ///< count of the most frequent entry
     int m_countColumn;
 };

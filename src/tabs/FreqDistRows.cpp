@@ -29,9 +29,8 @@ bool FreqDistRows::Fill(PrViewer& viewer, const FieldRecord& field, const KvbStr
     const ProfileCursorHandle rows = viewer.getFreqDist(field.id, filter, sink);
     if (!rows)
         return Fail(kFailed, viewer.getErrorString().view());
-    Show(readValueDistribution(*rows, limit, total));
-    SetNotes(total ? "Share of all processed records" : "Share of what passes the filter",
-             "No value passes the filter.", rows->getWarning());
+    Show(readValueDistribution(*rows, limit, total), DistributionKind::Frequency, !total,
+         "No value passes the filter.");
     return true;
 } catch (const GenException& failure) {
     return Fail(kFailed, failure.getText().view());

@@ -33,18 +33,26 @@ bool ListRows::Sort(int column, bool descending) {
         return false;
     const std::int64_t pinned = column == 0 ? m_pinned : kNoPin;
     std::vector<std::uint32_t> records;
+    std::vector<std::uint32_t> unknown;
     std::vector<std::string> texts;
     for (const std::uint32_t record : m_order) {
         if (record == pinned)
             continue;
+        const GridCell cell = CellOf(column, record);
+        if (cell.state == CellState::Unknown) {
+            unknown.push_back(record);
+            continue;
+        }
         records.push_back(record);
-        texts.push_back(CellOf(column, record).text);
+        texts.emplace_back(orderText(cell));
     }
     const auto textsFrom = [&texts](std::uint32_t first, std::span<std::string_view> wanted) {
         std::copy_n(texts.begin() + first, wanted.size(), wanted.begin());
     };
     const auto order = sortedByText(static_cast<std::uint32_t>(texts.size()), textsFrom, descending);
-    std::transform(order.begin(), order.end(), m_order.begin(), [&records](std::uint32_t at) { return records[at]; });
+    const auto end = std::transform(order.begin(), order.end(), m_order.begin(),
+                                    [&records](std::uint32_t at) { return records[at]; });
+    std::copy(unknown.begin(), unknown.end(), end);
     if (pinned != kNoPin)
         m_order.back() = static_cast<std::uint32_t>(pinned);
     return true;
@@ -52,6 +60,10 @@ bool ListRows::Sort(int column, bool descending) {
 
 void ListRows::SetToolTip(int column, std::string text) {
     m_columns.at(static_cast<std::size_t>(column)).toolTip = std::move(text);
+}
+
+void ListRows::SetMark(int column, std::string text) {
+    m_columns.at(static_cast<std::size_t>(column)).mark = std::move(text);
 }
 
 void ListRows::ShowRecords(std::size_t count, std::int64_t pinned) {

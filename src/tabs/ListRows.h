@@ -34,7 +34,8 @@ class ListRows : public CUGDataSource {
     [[nodiscard]] GridColumn GetColumn(int column) const override;
     [[nodiscard]] GridCell GetCell(int column, std::int64_t row) const override;
     [[nodiscard]] std::int64_t GetRowKey(std::int64_t row) const override { return Record(row); }
-    /// Numbers by value, then texts; equal rows stay in their order.
+    /// Numbers by value, then texts, then figures that do not exist, whatever the direction; equal rows stay in their
+    /// order.
     bool Sort(int column, bool descending) override;
 
   protected:
@@ -44,6 +45,7 @@ class ListRows : public CUGDataSource {
         : m_columns(std::move(columns)), m_emptyText(emptyText) {}
 
     void SetToolTip(int column, std::string text);
+    void SetMark(int column, std::string text);
     void SetColumns(std::vector<GridColumn> columns) { m_columns = std::move(columns); }
     void SetEmptyText(std::string_view text) { m_emptyText = text; }
     /// There are `count` records now. The pinned one stays last whenever the rows are sorted by the first column.

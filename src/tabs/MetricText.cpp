@@ -48,6 +48,12 @@ double metricBar(int metricId, std::string_view value) {
     return percent ? std::clamp(*percent / 100, 0.0, 1.0) : kNoBar;
 }
 
+std::string sampleMark(int metricId, bool isSample) {
+    if (!isSample || !isOfSampleAlone(static_cast<MetricId>(metricId)))
+        return {};
+    return std::string(kOfSampleAlone.substr(kOfSampleAlone.find('(')));
+}
+
 CellAlignment metricAlignment(int metricId) {
     switch (static_cast<MetricId>(metricId)) {
     case MetricId::MinimumValue:

@@ -15,6 +15,9 @@ inline constexpr std::string_view kUnknownMetric = "(Unknown)";
 [[nodiscard]] std::string metricText(int metricId, std::string_view typeCode, std::string_view value);
 /// The share that a metric's value, a percentage of all rows, takes of a bar; kNoBar for what is no percentage.
 [[nodiscard]] double metricBar(int metricId, std::string_view value);
+/// The mark beside the name of a metric that, in a run over a sample, is one of the sampled records alone: "(sample)";
+/// "" for all others.
+[[nodiscard]] std::string sampleMark(int metricId, bool isSample);
 /// Texts, types and places to the left, figures to the right.
 [[nodiscard]] CellAlignment metricAlignment(int metricId);
 

@@ -163,7 +163,7 @@ bool NoteRows::Sort(int column, bool descending) {
     const auto textOf = [column](const Row& row) -> std::string_view {
         return column == CategoryColumn ? row.note.category : column == UserColumn ? row.note.user : row.line;
     };
-    sortRowsByText(m_rows, textOf, descending);
+    sortRowsByText(std::span(m_rows), textOf, descending);
     return true;
 }
 

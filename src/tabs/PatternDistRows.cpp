@@ -31,9 +31,7 @@ bool PatternDistRows::Fill(PrViewer& viewer, int fieldId, const KvbString& filte
     for (const Distribution::Entry& entry : distribution.entries)
         alternates.push_back(viewer.getAbbreviatedPattern(entry.value).str());
     m_alternates = std::move(alternates);
-    SetNotes(filter.isEmpty() ? "Share of all records that are not null" : "Share of what passes the filter",
-             "No pattern passes the filter.", rows->getWarning());
-    Show(std::move(distribution));
+    Show(std::move(distribution), DistributionKind::Pattern, !filter.isEmpty(), "No pattern passes the filter.");
     return true;
 } catch (const GenException& failure) {
     return Fail(kFailed, failure.getText().view());

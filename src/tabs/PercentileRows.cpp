@@ -12,6 +12,11 @@ constexpr int kWidth = 180;
 constexpr int kValueColumn = 1;
 constexpr std::string_view kFailed = "Error occurred while retrieving percentiles:";
 
+/// The figure that an interval such as "2.5 %" begins with.
+std::string figureOf(std::string_view interval) {
+    return std::string(interval.substr(0, interval.find_first_not_of("0123456789.")));
+}
+
 } // namespace
 
 PercentileRows::PercentileRows() : ListRows({listColumn("Interval", kWidth), listColumn("Value", kWidth)}) {}
@@ -46,7 +51,11 @@ void PercentileRows::Clear() {
 
 GridCell PercentileRows::CellOf(int column, std::size_t record) const {
     const Percentile& percentile = m_percentiles.at(record);
-    return column == kValueColumn ? valueCell(percentile.value) : textCell(percentile.interval);
+    if (column == kValueColumn)
+        return valueCell(percentile.value);
+    GridCell cell = textCell(percentile.interval);
+    cell.order = figureOf(percentile.interval);
+    return cell;
 }
 
 } // namespace tavix

@@ -55,7 +55,10 @@ GridCell shareCell(std::int64_t failed, std::int64_t checked) {
 }
 
 GridCell dateCell(const ProfileCursor& cursor, const std::locale& locale) {
-    return textCell(formatDateTime(decompose(cursor.getColumnDouble(layout::HistoryDate)), locale));
+    const double date = cursor.getColumnDouble(layout::HistoryDate);
+    GridCell cell = textCell(formatDateTime(decompose(date), locale));
+    cell.order = formatReal(date);
+    return cell;
 }
 
 using ReadRow = std::function<std::vector<GridCell>(const ProfileCursor&)>;
@@ -93,9 +96,9 @@ CustomMetricRows::CustomMetricRows()
 
 bool CustomMetricRows::Fill(PrViewer& viewer, int tableId) try {
     using namespace layout;
-    std::vector<std::string> keys;
-    auto rows = readAll(viewer.getCustomMetrics(tableId), [&keys](const ProfileCursor& metric) {
-        keys.push_back(text(metric, CustomMetricKey));
+    std::vector<Metric> metrics;
+    auto rows = readAll(viewer.getCustomMetrics(tableId), [&metrics](const ProfileCursor& metric) {
+        metrics.push_back({metric.getColumnInt(CustomMetricId), text(metric, CustomMetricKey)});
         return Cells{textCell(text(metric, CustomMetricName)),
                      textCell(text(metric, CustomMetricOutputName)),
                      figureCell(metric.getColumnValue(CustomMetricOutputValue)),
@@ -107,11 +110,19 @@ bool CustomMetricRows::Fill(PrViewer& viewer, int tableId) try {
     });
     if (!rows)
         return Fail(kMetricsFailed, viewer.getErrorString().view());
-    m_keys = std::move(keys);
+    m_metrics = std::move(metrics);
     Show(std::move(*rows));
     return true;
 } catch (const GenException& failure) {
     return Fail(kMetricsFailed, failure.getText().view());
+}
+
+std::int64_t CustomMetricRows::FindMetric(int metricId) const {
+    for (std::int64_t row = 0; row < GetRowCount(); ++row) {
+        if (m_metrics.at(Record(row)).id == metricId)
+            return row;
+    }
+    return -1;
 }
 
 BusinessRuleRows::BusinessRuleRows()
@@ -144,6 +155,14 @@ bool BusinessRuleRows::Fill(PrViewer& viewer, int tableId) try {
     return true;
 } catch (const GenException& failure) {
     return Fail(kRulesFailed, failure.getText().view());
+}
+
+std::int64_t BusinessRuleRows::FindRule(int ruleId) const {
+    for (std::int64_t row = 0; row < GetRowCount(); ++row) {
+        if (m_rules.at(Record(row)).id == ruleId)
+            return row;
+    }
+    return -1;
 }
 
 CustomMetricHistoryRows::CustomMetricHistoryRows(const std::locale& locale)

@@ -34,10 +34,16 @@ class CustomMetricRows final : public CellRows {
 
     /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
     bool Fill(PrViewer& viewer, int tableId);
-    [[nodiscard]] const std::string& GetKey(std::int64_t row) const { return m_keys.at(Record(row)); }
+    [[nodiscard]] const std::string& GetKey(std::int64_t row) const { return m_metrics.at(Record(row)).key; }
+    /// The row of that metric; -1 when there is none.
+    [[nodiscard]] std::int64_t FindMetric(int metricId) const;
 
   private:
-    std::vector<std::string> m_keys; ///< by record
+    struct Metric {
+        int id = -1;
+        std::string key;
+    };
+    std::vector<Metric> m_metrics; ///< by record
 };
 
 /// The business rules of a table and how many rows violate them in the current run.
@@ -55,6 +61,8 @@ class BusinessRuleRows final : public CellRows {
     /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
     bool Fill(PrViewer& viewer, int tableId);
     [[nodiscard]] const Rule& GetRule(std::int64_t row) const { return m_rules.at(Record(row)); }
+    /// The row of that rule; -1 when there is none.
+    [[nodiscard]] std::int64_t FindRule(int ruleId) const;
 
   private:
     std::vector<Rule> m_rules; ///< by record

@@ -16,7 +16,6 @@ namespace tavix {
 
 namespace {
 
-constexpr int kMetricColumns = 2; // after the field's name and its origin
 constexpr int kTextWidth = 130;
 constexpr int kIconWidth = 25;
 
@@ -65,6 +64,8 @@ GridCell iconCell(int count, CellIcon icon) {
     cell.alignment = CellAlignment::Center;
     if (count > 0)
         cell.icon = icon;
+    // Sorted by whether there is one.
+    cell.order = count > 0 ? "1" : "0";
     return cell;
 }
 
@@ -109,8 +110,10 @@ void StdMetRows::MakeColumns(std::span<const MetricDisplay> metrics, bool isSamp
     for (const int id : m_shown) {
         m_columns.push_back(column(metrics[static_cast<std::size_t>(id)].description, kTextWidth, metricAlignment(id)));
         m_columns.back().parameter = id;
-        if (isSample && isOfSampleAlone(static_cast<MetricId>(id))) {
-            m_columns.back().heading += kOfSampleAlone;
+        if (const MetricInfo* info = findMetric(id))
+            m_columns.back().key = info->column;
+        m_columns.back().mark = sampleMark(id, isSample);
+        if (!m_columns.back().mark.empty()) {
             m_columns.back().toolTip = "Of the sampled records alone: those that were left out may tell otherwise";
         }
     }
@@ -211,15 +214,8 @@ bool StdMetRows::Sort(int column, bool descending) {
     if (column < 0 || column >= GetColumnCount())
         return false;
     const auto at = static_cast<std::size_t>(column);
-    // Columns of pictures sort by whether there is one.
-    const bool isPicture = column >= kMetricColumns + static_cast<int>(m_shown.size());
-    const auto textOf = [at, isPicture](const Row& row) -> std::string_view {
-        const GridCell& cell = row.cells[at];
-        if (isPicture)
-            return cell.icon == CellIcon::None ? "0" : "1";
-        return cell.text;
-    };
-    sortRowsByText(m_rows, textOf, descending);
+    const auto cellOf = [at](const Row& row) -> const GridCell& { return row.cells[at]; };
+    sortRowsByCell(m_rows, cellOf, descending);
     return true;
 }
 

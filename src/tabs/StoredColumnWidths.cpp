@@ -12,11 +12,11 @@ constexpr int kWidest = 4000;
 
 } // namespace
 
-// Letters and digits stand for themselves, anything else for its number, so that no heading is at odds with the form of
-// the file and no two headings share a width.
-std::string StoredColumnWidths::KeyOf(const std::string& heading) const {
+// Letters and digits stand for themselves, anything else for its number, so that no column is at odds with the form of
+// the file and no two share a width.
+std::string StoredColumnWidths::KeyOf(const std::string& column) const {
     std::string key = m_grid + ".";
-    for (const char c : heading) {
+    for (const char c : column) {
         const bool isPlain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
         if (isPlain)
             key += c;
@@ -26,17 +26,17 @@ std::string StoredColumnWidths::KeyOf(const std::string& heading) const {
     return key;
 }
 
-std::optional<int> StoredColumnWidths::Read(const std::string& heading) const {
-    const auto width = parseInteger(m_store.read(kSection, KeyOf(heading)));
+std::optional<int> StoredColumnWidths::Read(const std::string& column) const {
+    const auto width = parseInteger(m_store.read(kSection, KeyOf(column)));
     if (!width || *width < kNarrowest || *width > kWidest)
         return std::nullopt;
     return static_cast<int>(*width);
 }
 
 // A width that cannot be kept is no loss worth a message.
-void StoredColumnWidths::Keep(const std::string& heading, int width) {
-    if (Read(heading) != width)
-        (void)m_store.write(kSection, KeyOf(heading), formatInteger(width));
+void StoredColumnWidths::Keep(const std::string& column, int width) {
+    if (Read(column) != width)
+        (void)m_store.write(kSection, KeyOf(column), formatInteger(width));
 }
 
 } // namespace tavix

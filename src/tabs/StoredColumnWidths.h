@@ -14,11 +14,11 @@ class StoredColumnWidths final : public ColumnWidthMemory {
     /// The store must outlive this; `grid` names the grid among all others.
     StoredColumnWidths(SettingsStore& store, std::string grid) : m_store(store), m_grid(std::move(grid)) {}
 
-    [[nodiscard]] std::optional<int> Read(const std::string& heading) const override;
-    void Keep(const std::string& heading, int width) override;
+    [[nodiscard]] std::optional<int> Read(const std::string& column) const override;
+    void Keep(const std::string& column, int width) override;
 
   private:
-    [[nodiscard]] std::string KeyOf(const std::string& heading) const;
+    [[nodiscard]] std::string KeyOf(const std::string& column) const;
 
     SettingsStore& m_store;
     std::string m_grid;

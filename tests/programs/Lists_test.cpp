@@ -77,6 +77,20 @@ TEST_F(Lists, FiguresAreThoseOfTheFile) {
                 HasSubstr("\n'=1+1,"));
 }
 
+// Null has no pattern: a pattern's share is one of the values that are not null, in the tool as in the window.
+TEST_F(Lists, PatternsAreSharesOfTheValuesThatAreNotNull) {
+    const json patterns = asJson({"show", "--field", "people.city", "--patterns"});
+    ASSERT_EQ(patterns.size(), 2U);
+    EXPECT_EQ(patterns[0]["pattern"], "Aaaa");
+    EXPECT_DOUBLE_EQ(patterns[0]["percent_of_non_null_rows"], 200.0 / 3);
+    EXPECT_FALSE(patterns[0].contains("percent_of_rows"));
+    EXPECT_THAT(run({"show", "--field", "people.city", "--patterns"}).out, HasSubstr("% of 3 non-null values"));
+    EXPECT_THAT(run({"show", "--field", "people.city", "--values"}).out, HasSubstr("% of 4 records"));
+    EXPECT_THAT(run({"show", "--field", "people.city", "--patterns", "--filter", "`Count` == 1"}).out,
+                HasSubstr("% of 1 passing value"));
+    EXPECT_THAT(asJson({"show", "--field", "people.city", "--patterns", "--filter", "false"}), IsEmpty());
+}
+
 TEST_F(Lists, AFilterLetsSomeRowsPassAndTheListSaysSo) {
     const std::vector<std::string> show{"show", "--field", "people.city", "--filter"};
     const auto with = [&](const std::string& filter) {
@@ -93,7 +107,7 @@ TEST_F(Lists, AFilterLetsSomeRowsPassAndTheListSaysSo) {
     EXPECT_THAT(asJson(with("false")), IsEmpty());
     EXPECT_EQ(asJson({"show", "--field", "people.city", "--patterns", "--filter", "`Value` == 'Aaa'"})[0]["rank"], 2);
     EXPECT_THAT(run(with("`Count` == 1")).out,
-                AllOf(StartsWith("Values of people.city, filtered: 2 of 3\n"), HasSubstr("% of filtered rows")));
+                AllOf(StartsWith("Values of people.city, filtered: 2 of 3\n"), HasSubstr("% of 2 passing records")));
 
     // The block's comment ends early for the language alone.
     const std::string text = "/*{{BEGIN CONDITIONS\r\nVALUES=\"*/\"\r\n}}END CONDITIONS*/\r\nif isnull(`Value`) "

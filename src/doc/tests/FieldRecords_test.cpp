@@ -1,6 +1,7 @@
 #include "access/PrViewer.h"
 #include "base/tests/TempFolder.h"
 #include "doc/FieldRecords.h"
+#include "support/RunScript.h"
 #include "support/SampleRepository.h"
 
 #include <gmock/gmock.h>
@@ -67,7 +68,7 @@ TEST_F(FieldRecordsOverSample, recordsAreKeptUntilTheyAreForgotten) {
     EXPECT_FALSE(m_records.Find(*m_viewer, {}));
 }
 
-TEST_F(FieldRecordsOverSample, ofATableInAnotherReportTheNamesAreKnown) {
+TEST_F(FieldRecordsOverSample, aTableInAnotherReportIsAsItsOwnRunHasIt) {
     ASSERT_TRUE(m_viewer->createGlobalCollFieldMapping(m_sample.collections.at("Amounts"),
                                                        m_sample.fields.at("parts/Column 1")));
     const ReportSelection part = ofCollection("Amounts", "parts/Column 1");
@@ -77,7 +78,15 @@ TEST_F(FieldRecordsOverSample, ofATableInAnotherReportTheNamesAreKnown) {
     const auto table = m_records.TableOf(*m_viewer, part);
     ASSERT_TRUE(table);
     EXPECT_EQ("parts", table->name);
-    EXPECT_EQ(-1, table->totalRecords);
+    EXPECT_EQ("/data/files", table->dataSource);
+    EXPECT_EQ(2, table->totalRecords);
+    // Once no run has it, its names are known.
+    testing::runScript(m_sample.path, "DELETE FROM run_field WHERE run = " + std::to_string(m_sample.inventoryRun));
+    m_records.Forget();
+    const auto gone = m_records.TableOf(*m_viewer, part);
+    ASSERT_TRUE(gone);
+    EXPECT_EQ("parts", gone->name);
+    EXPECT_EQ(-1, gone->totalRecords);
     EXPECT_FALSE(findTable(*m_viewer, table->id, table->dataSource));
 }
 

@@ -360,10 +360,11 @@ void CFilterDlg::Save() {
         m_model.Save(toUtf8(path));
 }
 
-// What was just typed is meant to be a condition before the dialog closes.
+// What was just filled in is meant to be a condition before the dialog closes.
 void CFilterDlg::keyPressEvent(QKeyEvent* event) {
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (isEnter && m_comparison->IsInValue() && m_add->isEnabled())
+    const bool isInCondition = m_comparison->IsInValue() || (m_comparison->HasKeyboard() && m_model.Pending());
+    if (isEnter && m_add->isEnabled() && isInCondition && event->modifiers() != Qt::ControlModifier)
         AddCondition();
     else if (isEnter && event->modifiers() == Qt::ControlModifier)
         accept();
@@ -373,9 +374,10 @@ void CFilterDlg::keyPressEvent(QKeyEvent* event) {
 
 void CFilterDlg::accept() {
     if (m_model.Accept())
-        QDialog::accept();
-    else
-        m_comparison->FocusOn(FilterFocus::FieldList);
+        return QDialog::accept();
+    // A condition may have been added on the way.
+    ShowModel();
+    m_comparison->FocusOn(FilterFocus::FieldList);
 }
 
 } // namespace tavix

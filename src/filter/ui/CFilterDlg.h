@@ -27,7 +27,8 @@ class ExpressionBox;
 class FilterMenu;
 
 /// The dialog "Report Filter", in which a user puts together conditions or writes an expression. What holds is decided
-/// by the FilterModel; here it is shown. Enter in the box of the value adds the condition.
+/// by the FilterModel; here it is shown. Enter in the boxes of a condition that is filled in adds it, and OK asks about
+/// one that was not added.
 class CFilterDlg final : public QDialog {
     Q_OBJECT
   public:

@@ -192,6 +192,11 @@ void ComparisonPane::FocusOn(FilterFocus control) {
     }
 }
 
+bool ComparisonPane::HasKeyboard() const {
+    const QWidget* holder = window()->focusWidget();
+    return holder && isAncestorOf(holder);
+}
+
 bool ComparisonPane::IsInValue() const {
     return m_value->hasFocus();
 }

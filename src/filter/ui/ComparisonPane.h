@@ -25,6 +25,8 @@ class ComparisonPane final : public QWidget {
     void FocusOn(FilterFocus control);
     /// Whether the keyboard is in the box of the single value.
     [[nodiscard]] bool IsInValue() const;
+    /// Whether it is in any of the controls.
+    [[nodiscard]] bool HasKeyboard() const;
 
   private:
     void MakeControls();

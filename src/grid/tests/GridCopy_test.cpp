@@ -31,5 +31,24 @@ TEST(GridCopy, cellsByTabRowsEndedByCarriageReturnAndLineFeed) {
     EXPECT_EQ("", copyRows(Numbered(), {}, false));
 }
 
+class Remarked final : public Numbered {
+  public:
+    GridColumn GetColumn(int column) const override {
+        GridColumn heading = Numbered::GetColumn(column);
+        heading.mark = column == 1 ? "(sample)" : "";
+        return heading;
+    }
+    GridCell GetCell(int column, std::int64_t row) const override {
+        GridCell cell = Numbered::GetCell(column, row);
+        cell.mark = column == 0 ? "(sample)" : "";
+        return cell;
+    }
+};
+
+TEST(GridCopy, remarksAreCopiedWithWhatTheyAreSaidOf) {
+    const std::array<std::int64_t, 1> rows = {2};
+    EXPECT_EQ("Field Name\tGröße (sample)\r\nf2 (sample)\tv2\r\n", copyRows(Remarked(), rows, true));
+}
+
 } // namespace
 } // namespace tavix

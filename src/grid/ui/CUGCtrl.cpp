@@ -115,22 +115,25 @@ std::vector<QTableView*> CUGCtrl::Views() {
 }
 
 void CUGCtrl::SetSource(CUGDataSource* source) {
+    m_sortKey.reset();
     m_model->setSource(source);
     ApplyColumns();
 }
 
 void CUGCtrl::SourceChanged() {
+    m_sortKey.reset();
     m_model->sourceChanged();
     ApplyColumns();
 }
 
 void CUGCtrl::RowsRefilled() {
-    const bool isSorted = m_sortColumn >= 0;
-    const bool descending = m_sortDescending;
-    SourceChanged();
-    for (int column = 0; column < m_model->columnCount() && isSorted; ++column) {
-        if (m_model->source()->GetColumn(column).heading == m_sortHeading)
-            return SortBy(column, descending);
+    m_model->sourceChanged();
+    ApplyColumns();
+    for (int column = 0; column < m_model->columnCount() && m_sortKey; ++column) {
+        if (m_model->source()->GetColumn(column).identity() == *m_sortKey) {
+            Sort(column, m_sortDescending);
+            return;
+        }
     }
 }
 
@@ -153,8 +156,9 @@ void CUGCtrl::ApplyColumns() {
             m_locked->setColumnHidden(column, column >= locked);
     }
     m_sortColumn = -1;
-    m_sortDescending = false;
     ShowSortArrow();
+    // Headings may need another height now.
+    updateGeometries();
     PlaceLockedView();
 }
 
@@ -220,9 +224,16 @@ void CUGCtrl::ToggleSort(int column) {
 }
 
 void CUGCtrl::SortBy(int column, bool descending) {
-    CUGDataSource* source = m_model->source();
-    if (!source || m_model->rowCount() < 2)
+    // A single row is in every order; a click on a heading then does nothing.
+    if (m_model->rowCount() < 2 || !Sort(column, descending))
         return;
+    m_sortKey = m_model->source()->GetColumn(column).identity();
+}
+
+bool CUGCtrl::Sort(int column, bool descending) {
+    CUGDataSource* source = m_model->source();
+    if (!source)
+        return false;
     const WaitCursor wait(m_model->rowCount() >= kManyRows);
     std::unordered_set<std::int64_t> selected;
     for (const std::int64_t row : GetSelectedRows())
@@ -230,10 +241,9 @@ void CUGCtrl::SortBy(int column, bool descending) {
     const std::int64_t current = GetCurrentRow();
     const std::int64_t currentKey = current < 0 ? -1 : source->GetRowKey(current);
     if (!source->Sort(column, descending))
-        return;
+        return false;
 
     m_sortColumn = column;
-    m_sortHeading = source->GetColumn(column).heading;
     m_sortDescending = descending;
     ShowSortArrow();
     QItemSelection selection;
@@ -250,6 +260,7 @@ void CUGCtrl::SortBy(int column, bool descending) {
     selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
     if (newCurrent.isValid())
         scrollTo(newCurrent);
+    return true;
 }
 
 void CUGCtrl::CopySelection(bool withHeadings) const {

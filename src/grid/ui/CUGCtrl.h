@@ -7,6 +7,7 @@
 #include <QTableView>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -72,6 +73,7 @@ class CUGCtrl final : public QTableView {
     void PlaceLockedView();
     void ShowSortArrow();
     void ToggleSort(int column);
+    bool Sort(int column, bool descending);
     void ShowMenu(const QPoint& globalPosition);
     [[nodiscard]] int LockedColumns() const;
     [[nodiscard]] int LockedWidth() const;
@@ -79,8 +81,10 @@ class CUGCtrl final : public QTableView {
     GridModel* m_model;
     ColumnWidths m_widths;
     QTableView* m_locked = nullptr; ///< the locked columns again, over the scrolled ones; null without any
-    int m_sortColumn = -1;
-    std::string m_sortHeading; ///< of that column, which may stand elsewhere when rows are read anew
+    int m_sortColumn = -1;          ///< by which the rows are sorted now
+    // What the user chose outlasts rows that cannot be sorted by it, and the column may stand elsewhere when they are
+    // read anew.
+    std::optional<std::string> m_sortKey; ///< the identity of the column
     bool m_sortDescending = false;
     bool m_showsInvisible = false;
     QString m_typed;

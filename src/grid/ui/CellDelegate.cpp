@@ -23,6 +23,8 @@ constexpr int kPadding = 8;
 constexpr int kIconGap = 6;
 constexpr int kAlertCorner = 7;
 constexpr int kBarMargin = 2;
+constexpr int kMarkGap = 5;
+constexpr double kMarkFaintness = 0.45;
 // A cell shows one line; more of a long value is neither measured nor drawn.
 constexpr std::size_t kShownBytes = 512;
 
@@ -113,9 +115,15 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     }
     painter->setFont(font);
     painter->setPen(textColor);
-    const QString text = shownText(cell);
-    painter->drawText(geometry.text, static_cast<int>(toQtAlignment(cell.alignment)) | Qt::TextSingleLine,
-                      QFontMetrics(font).elidedText(text, Qt::ElideRight, geometry.text.width()));
+    const QString text = QFontMetrics(font).elidedText(shownText(cell), Qt::ElideRight, geometry.text.width());
+    const int inLine = static_cast<int>(toQtAlignment(cell.alignment)) | Qt::TextSingleLine;
+    painter->drawText(geometry.text, inLine, text);
+    if (!cell.mark.empty()) {
+        const QRect room = geometry.text.adjusted(QFontMetrics(font).horizontalAdvance(text) + kMarkGap, 0, 0, 0);
+        painter->setPen(mixed(textColor, background, kMarkFaintness));
+        painter->drawText(room, static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter) | Qt::TextSingleLine,
+                          QFontMetrics(font).elidedText(toQString(cell.mark), Qt::ElideRight, room.width()));
+    }
 
     if (option.state.testFlag(QStyle::State_HasFocus)) {
         QColor ring = colors.color(selected ? QPalette::HighlightedText : QPalette::Highlight);
@@ -131,7 +139,8 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
 QSize CellDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
     const GridCell cell = m_model.cell(index);
     const int icon = cell.icon == CellIcon::None ? 0 : kIconSize + kIconGap;
-    return {2 * kPadding + icon + option.fontMetrics.horizontalAdvance(shownText(cell)),
+    const int mark = cell.mark.empty() ? 0 : kMarkGap + option.fontMetrics.horizontalAdvance(toQString(cell.mark));
+    return {2 * kPadding + icon + option.fontMetrics.horizontalAdvance(shownText(cell)) + mark,
             std::max(kIconSize, option.fontMetrics.height()) + 8};
 }
 

@@ -32,7 +32,7 @@ void ColumnWidths::Apply() {
     const Placing placing(*this);
     for (int column = 0; column < m_model.columnCount(); ++column) {
         const GridColumn shown = m_model.source()->GetColumn(column);
-        const std::optional<int> dragged = m_memory ? m_memory->Read(shown.heading) : std::nullopt;
+        const std::optional<int> dragged = m_memory ? m_memory->Read(shown.identity()) : std::nullopt;
         m_view.setColumnWidth(column, Scaled(dragged.value_or(shown.width)));
         if (shown.takesRest && !dragged)
             m_fitted = column;
@@ -59,14 +59,14 @@ void ColumnWidths::Changed(int column, int width) {
         m_fitted = -1;
     if (!m_memory)
         return;
-    m_dragged[m_model.source()->GetColumn(column).heading] = width * 96 / m_view.logicalDpiX();
+    m_dragged[m_model.source()->GetColumn(column).identity()] = width * 96 / m_view.logicalDpiX();
     m_keepSoon.start();
 }
 
 void ColumnWidths::Keep() {
     m_keepSoon.stop();
-    for (const auto& [heading, width] : m_dragged)
-        m_memory->Keep(heading, width);
+    for (const auto& [column, width] : m_dragged)
+        m_memory->Keep(column, width);
     m_dragged.clear();
 }
 

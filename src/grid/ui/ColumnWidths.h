@@ -54,7 +54,7 @@ class ColumnWidths final {
     QTableView& m_view;
     const GridModel& m_model;
     std::unique_ptr<ColumnWidthMemory> m_memory;
-    std::map<std::string, int> m_dragged; ///< by heading, not yet kept
+    std::map<std::string, int> m_dragged; ///< by identity, not yet kept
     QTimer m_keepSoon;
     int m_placing = 0;
     int m_fitted = -1; ///< the column that takes the room that is left; -1 without one

@@ -1,6 +1,7 @@
 #include "grid/ui/GridHeader.h"
 
 #include "base/ui/Theme.h"
+#include "grid/ui/GridModel.h"
 #include "grid/ui/Tints.h"
 
 #include <QPainter>
@@ -11,6 +12,9 @@ namespace {
 
 constexpr int kPadding = 8;
 constexpr int kArrow = 8;
+constexpr double kMarkSize = 0.85;
+// The room above a heading that has a remark below it.
+constexpr int kAboveHeading = 6;
 // Columns this narrow hold a single letter, which then stands in their middle.
 constexpr int kNarrow = 40;
 
@@ -37,11 +41,31 @@ GridHeader::GridHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
     setMouseTracking(true);
 }
 
+QString GridHeader::MarkOf(int section) const {
+    return model()->headerData(section, orientation(), GridModel::kMarkRole).toString();
+}
+
+bool GridHeader::HasMarks() const {
+    for (int section = 0; section < count(); ++section) {
+        if (!MarkOf(section).isEmpty())
+            return true;
+    }
+    return false;
+}
+
+QFont GridHeader::MarkFont() const {
+    QFont small = font();
+    small.setPointSizeF(small.pointSizeF() * kMarkSize);
+    return small;
+}
+
 QSize GridHeader::sizeHint() const {
-    return {QHeaderView::sizeHint().width(), fontMetrics().height() + 14};
+    const int marks = HasMarks() ? QFontMetrics(MarkFont()).height() : 0;
+    return {QHeaderView::sizeHint().width(), fontMetrics().height() + marks + 14};
 }
 
 void GridHeader::paintEvent(QPaintEvent* event) {
+    m_hasMarks = HasMarks();
     QHeaderView::paintEvent(event);
     // The area beyond the last column belongs to the heading row as well.
     const int end = length() - offset();
@@ -64,9 +88,18 @@ void GridHeader::paintSection(QPainter* painter, const QRect& rect, int section)
     const bool narrow = rect.width() < kNarrow;
     const bool sorted = isSortIndicatorShown() && sortIndicatorSection() == section;
     QRect textRect = narrow ? rect : rect.adjusted(kPadding, 0, -kPadding, -1);
+    QRect markRect = textRect;
+    // Where one heading has a remark, all of them stand in the upper line.
+    if (m_hasMarks) {
+        textRect.setTop(rect.top() + kAboveHeading);
+        textRect.setHeight(fontMetrics().height());
+        markRect.setTop(textRect.bottom() + 1);
+        markRect.setHeight(QFontMetrics(MarkFont()).height());
+    }
     if (sorted) {
-        const QRectF arrow = narrow ? QRectF(rect.left(), rect.bottom() - 7, rect.width(), 5)
-                                    : QRectF(rect.right() - kPadding - kArrow + 3, rect.top(), kArrow, rect.height());
+        const QRectF arrow =
+            narrow ? QRectF(rect.left(), rect.bottom() - 7, rect.width(), 5)
+                   : QRectF(rect.right() - kPadding - kArrow + 3, textRect.top(), kArrow, textRect.height());
         paintArrow(*painter, arrow, sortIndicatorOrder() == Qt::DescendingOrder, colors.color(QPalette::WindowText));
         if (!narrow)
             textRect.setRight(textRect.right() - kArrow - 2);
@@ -83,6 +116,13 @@ void GridHeader::paintSection(QPainter* painter, const QRect& rect, int section)
     const QString text = model()->headerData(section, orientation(), Qt::DisplayRole).toString();
     painter->drawText(textRect, static_cast<int>(alignment) | Qt::TextSingleLine,
                       QFontMetrics(headingFont).elidedText(text, Qt::ElideRight, textRect.width()));
+    if (const QString mark = m_hasMarks ? MarkOf(section) : QString(); !mark.isEmpty()) {
+        painter->setFont(MarkFont());
+        painter->setPen(quietText(colors));
+        const int across = static_cast<int>(alignment & Qt::AlignHorizontal_Mask);
+        painter->drawText(markRect, across | Qt::AlignVCenter | Qt::TextSingleLine,
+                          QFontMetrics(MarkFont()).elidedText(mark, Qt::ElideRight, markRect.width()));
+    }
     painter->restore();
 }
 

@@ -1,6 +1,7 @@
 #include "grid/ui/GridModel.h"
 
 #include "base/ui/QtText.h"
+#include "grid/GridCopy.h"
 #include "grid/ui/Icons.h"
 
 #include <algorithm>
@@ -17,7 +18,7 @@ QString accessibleText(const GridCell& cell) {
     if (cell.state == CellState::Null && cell.text.empty())
         parts << toQString(kNullValue);
     else if (!cell.text.empty())
-        parts << toQString(cell.text);
+        parts << toQString(withMark(cell.text, cell.mark));
     if (const QString meaning = iconMeaning(cell.icon); !meaning.isEmpty())
         parts << meaning;
     if (cell.alertMark)
@@ -89,8 +90,12 @@ QVariant GridModel::headerData(int section, Qt::Orientation orientation, int rol
     switch (role) {
     case Qt::DisplayRole:
         return toQString(column.heading);
+    case kMarkRole:
+        return toQString(column.mark);
+    case Qt::AccessibleTextRole:
+        return toQString(withMark(column.heading, column.mark));
     case Qt::ToolTipRole:
-        return toQString(column.toolTip.empty() ? column.heading : column.toolTip);
+        return toQString(column.toolTip.empty() ? withMark(column.heading, column.mark) : column.toolTip);
     case Qt::TextAlignmentRole:
         return QVariant(toQtAlignment(column.alignment));
     default:

@@ -22,6 +22,9 @@ class GridModel final : public QAbstractTableModel {
     /// One fetch for everything a painter needs.
     [[nodiscard]] GridCell cell(const QModelIndex& index) const;
 
+    /// The remark below a heading, see headerData.
+    static constexpr int kMarkRole = Qt::UserRole;
+
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;

@@ -53,5 +53,34 @@ TEST(SelectionInformation, aTableAFieldAndAFieldOfACollectionHaveTheirText) {
     EXPECT_FALSE(information.TextOf(*viewer, selection).ok()) << "the session is closed";
 }
 
+// A collection holds fields of other reports: what they come from is described as their own report does.
+TEST(SelectionInformation, aQueryAndAFilterOfAnotherReportHaveTheirText) {
+    testing::TempFolder folder;
+    const auto sample = testing::SampleRepository::build(folder.file("sample.tavix"));
+    const PrViewer::Handle viewer = PrViewer::create();
+    ASSERT_TRUE(viewer->init(sample.path));
+    const auto textOf = [&](int job, const char* collection, const char* field) {
+        EXPECT_TRUE(viewer->setCurrentJobSetup(job));
+        ReportSelection collected;
+        collected.kind = ReportSelection::Kind::Collection;
+        collected.id = sample.collections.at(collection);
+        collected.fieldId = sample.fields.at(field);
+        const auto text = SelectionInformation().TextOf(*viewer, collected);
+        return text ? *text : text.error().text;
+    };
+    const std::string query = textOf(sample.inventoryJob, "Amounts", "big orders/amount");
+    EXPECT_EQ("Field: amount\r\nDefined type: text\r\nDefined length: \r\nParent name: big orders\r\n"
+              "Parent type: SQL query\r\nData source: Warehouse\r\nTotal records: 50\r\nQuery:\r\n"
+              "SELECT *\r\nFROM orders\r\nWHERE amount > 100\r\n",
+              query);
+    EXPECT_EQ(textOf(sample.salesJob, "Amounts", "big orders/amount"), query);
+    const std::string filter = textOf(sample.inventoryJob, "Customer keys", "german customers/id");
+    EXPECT_THAT(filter, ::testing::EndsWith("Parent type: Filter (based on crm.public.customers)\r\n"
+                                            "Data source: Warehouse\r\nTotal records: 1000\r\n"
+                                            "Filtered records: 120\r\nFilter:\r\ncountry = 'DE'\r\n"));
+    EXPECT_EQ(textOf(sample.salesJob, "Customer keys", "german customers/id"), filter);
+    EXPECT_TRUE(viewer->close());
+}
+
 } // namespace
 } // namespace tavix

@@ -114,7 +114,7 @@ using FreqDist = testing::SampleViewer;
 TEST_F(FreqDist, showsValuesWithTheirShareAndNullApartFromText) {
     FreqDistRows rows;
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/name"), {}, 100));
-    EXPECT_EQ("Value:150|>Count:150|>Percentage:150", headingsOf(rows));
+    EXPECT_EQ("Value:150|>Count:150|>Percentage{of 1,000 records}:150", headingsOf(rows));
     EXPECT_THAT(linesOf(rows),
                 ElementsAre("Ada|>400|>40.00[1.00]", "Grace|>302|>30.20[0.76]", "(null value)~|>228|>22.80[0.57]",
                             "|>50|>5.00[0.12]", "   |>20|>2.00[0.05]"));
@@ -176,11 +176,12 @@ TEST_F(FreqDist, aFilterLeavesSharesOfWhatPassesAndTellsWhatItCouldNotJudge) {
     const FieldRecord name = field("customers/name");
     ASSERT_TRUE(rows.Fill(*m_viewer, name, "`Count` > 300 or isnull(`Value`)", 2)) << rows.GetErrorText();
     EXPECT_THAT(linesOf(rows), ElementsAre("Ada|>400|>43.01[1.00]", "Grace|>302|>32.47[0.76]", "Other|>228|>24.52"));
+    EXPECT_EQ("of 930 passing records", rows.GetColumn(2).mark);
     ASSERT_TRUE(rows.Fill(*m_viewer, name, "9223372036854775800 + `Count` > 5", 2)) << rows.GetErrorText();
     EXPECT_EQ(0, rows.GetRowCount());
     EXPECT_THAT(rows.GetEmptyText(),
                 StartsWith("No value passes the filter.\nThe filter could not be evaluated for 5"));
-    EXPECT_THAT(rows.GetColumn(2).toolTip, StartsWith("Share of what passes the filter\nThe filter could not"));
+    EXPECT_THAT(rows.GetColumn(2).toolTip, StartsWith("Share of 0 passing records\nThe filter could not"));
     EXPECT_FALSE(rows.Fill(*m_viewer, name, "`Nix` > 1", 2));
     EXPECT_THAT(rows.GetErrorText(), ::testing::EndsWith("line 1, column 1: there is no field `Nix`"));
 }
@@ -223,7 +224,7 @@ using PatternDist = testing::SampleViewer;
 TEST_F(PatternDist, showsPatternsWithTheirShortForm) {
     PatternDistRows rows;
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/since").id, {}, 100));
-    EXPECT_EQ("Pattern:150|Alternate:150|>Count:150|>Percentage:150", headingsOf(rows));
+    EXPECT_EQ("Pattern:150|Alternate:150|>Count:150|>Percentage{of 999 non-null values}:150", headingsOf(rows));
     EXPECT_THAT(linesOf(rows), ElementsAre("9999-99-99|9{4}-99-99|>999|>100.00[1.00]"));
     EXPECT_EQ(KvbString("9999-99-99"), rows.GetValue(0));
 
@@ -231,6 +232,11 @@ TEST_F(PatternDist, showsPatternsWithTheirShortForm) {
     // Null has no pattern: 11325 of the 11332 rows have one.
     EXPECT_THAT(linesOf(rows), ElementsAre("Aaaa 99|Aaaa 99|>8685|>76.69[1.00]", "Other||>2640|>23.31"));
     EXPECT_EQ(1, rows.GetOtherRow());
+    EXPECT_EQ("of 11,325 non-null values", rows.GetColumn(3).mark);
+    // What the tool takes for the total, which reads no pattern for it.
+    EXPECT_EQ(rows.GetTotal(), patternTotal(field("customers/city").metrics));
+    ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/remark").id, {}, 1));
+    EXPECT_EQ("", rows.GetColumn(3).mark) << "a list without percentages";
 }
 
 TEST_F(PatternDist, aFieldWithoutPatternsAndAFailure) {

@@ -37,6 +37,10 @@ TEST_F(FieldRows, columnProfilingShowsEveryMetricInTheUsersOrder) {
     EXPECT_EQ("Precision|(Unknown)?", lineOf(rows, 20));
     EXPECT_EQ(static_cast<int>(MetricId::StandardDeviation), rows.GetMetricId(0));
 
+    rows.Fill(field("customers/balance"), metrics, true);
+    EXPECT_EQ("Unique Count (sample)|4", lineOf(rows, 2));
+    EXPECT_EQ("Unique Count", rows.GetCell(0, 2).text) << "the mark stands beside the name";
+
     // Of a text field no figure is rounded, and percentages of all rows have a bar.
     FieldRecord text = field("customers/name");
     text.metrics[index(MetricId::Mean)] = "12.3456789";
@@ -44,6 +48,11 @@ TEST_F(FieldRows, columnProfilingShowsEveryMetricInTheUsersOrder) {
     EXPECT_EQ("Mean|12.3456789", lineOf(rows, 11));
     EXPECT_EQ("Unique Percent|0.4[0.00]", lineOf(rows, 22));
     EXPECT_EQ("Percent Null|22.8[0.23]", lineOf(rows, 23));
+    for (const bool descending : {false, true}) {
+        ASSERT_TRUE(rows.Sort(1, descending));
+        EXPECT_EQ(CellState::Unknown, rows.GetCell(1, 23).state) << "after every figure, whatever the direction";
+        EXPECT_NE(CellState::Unknown, rows.GetCell(1, 0).state);
+    }
     text.metrics[index(MetricId::PercentNull)] = "not a number";
     rows.Fill(text, metrics);
     EXPECT_EQ("Percent Null|not a number", lineOf(rows, 23));
@@ -58,6 +67,17 @@ TEST_F(FieldRows, percentilesShowIntervalsAndValuesAndTheirRule) {
     EXPECT_EQ("Value, by linear", rows.GetColumn(1).toolTip);
     EXPECT_THAT(linesOf(rows), ElementsAre("5%|-3.5", "25%|-3.5", "50%|1.5", "75%|12.3456789", "95%|(null value)~"));
     EXPECT_TRUE(rows.GetValue(4).isNull());
+    for (const int position : {1, 3})
+        testing::runScript(m_sample.path, fmt::format("UPDATE percentile SET interval = '{} %' WHERE field = {} AND "
+                                                      "position = {}",
+                                                      position == 1 ? "10" : "100",
+                                                      m_sample.fields.at("customers/balance"), position));
+    ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/balance")));
+    const std::vector<std::string> inOrder = linesOf(rows);
+    ASSERT_TRUE(rows.Sort(0, true));
+    EXPECT_THAT(linesOf(rows), ElementsAre(inOrder[3], inOrder[4], inOrder[2], inOrder[1], inOrder[0]))
+        << "by the figure, 100 % before 95 %";
+    ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/balance")));
     ASSERT_TRUE(rows.Sort(1, true));
     EXPECT_EQ("95%|(null value)~", lineOf(rows, 0));
     EXPECT_EQ(4, rows.GetRowKey(0));
@@ -112,6 +132,16 @@ TEST_F(FieldRows, keyAnalysesTellWhereTheOtherFieldIs) {
     ASSERT_TRUE(rows.Fill(*m_viewer, m_sample.fields.at("customers/name")));
     EXPECT_EQ(0, rows.GetRowCount());
     EXPECT_EQ("No primary key/foreign key analysis of this field is stored.", rows.GetEmptyText());
+
+    // In a report that has the field by a collection alone, the analyses are those of the field's own run.
+    ASSERT_TRUE(m_viewer->setCurrentJobSetup(m_sample.inventoryJob));
+    const int suppliers = m_sample.fields.at("suppliers/id");
+    ASSERT_TRUE(rows.Fill(*m_viewer, suppliers)) << rows.GetErrorText();
+    EXPECT_THAT(linesOf(rows), ElementsAre("id|customers|public|crm|Warehouse|>60.00[0.60]"));
+    const ProfileCursorHandle outliers = m_viewer->getPKFKAnalysisOutliers(suppliers, rows.GetOtherFieldId(0));
+    ASSERT_TRUE(outliers) << m_viewer->getErrorString().view();
+    ASSERT_TRUE(outliers->next());
+    EXPECT_EQ(KvbString("5001"), outliers->getColumnValue(layout::KeyOutlierValue));
 }
 
 TEST_F(FieldRows, aFailureLeavesTheRowsThatAreShown) {

@@ -18,6 +18,7 @@ inline std::string lineOf(const CUGDataSource& rows, std::int64_t row) {
         line += column > 0 ? "|" : "";
         line += cell.alignment == CellAlignment::Right ? ">" : "";
         line += cell.text;
+        line += cell.mark.empty() ? "" : " " + cell.mark;
         line += cell.state == CellState::Unknown ? "?" : cell.state == CellState::Null ? "~" : "";
         if (cell.icon != CellIcon::None)
             line += fmt::format("<{}>", static_cast<int>(cell.icon));
@@ -34,13 +35,13 @@ inline std::vector<std::string> linesOf(const CUGDataSource& rows) {
     return lines;
 }
 
-/// "heading:width" of every column, with ">" before headings to the right.
+/// "heading:width" of every column, with ">" before headings to the right and "{}" around a remark.
 inline std::string headingsOf(const CUGDataSource& rows) {
     std::string text;
     for (int column = 0; column < rows.GetColumnCount(); ++column) {
         const GridColumn heading = rows.GetColumn(column);
-        text += fmt::format("{}{}{}:{}", column > 0 ? "|" : "", heading.alignment == CellAlignment::Right ? ">" : "",
-                            heading.heading, heading.width);
+        text += fmt::format("{}{}{}{}:{}", column > 0 ? "|" : "", heading.alignment == CellAlignment::Right ? ">" : "",
+                            heading.heading, heading.mark.empty() ? "" : "{" + heading.mark + "}", heading.width);
     }
     return text;
 }

@@ -1,4 +1,5 @@
 #include "base/Metrics.h"
+#include "doc/FieldRecords.h"
 #include "support/RunScript.h"
 #include "support/SampleViewer.h"
 #include "tabs/StdMetRows.h"
@@ -45,7 +46,7 @@ std::string headings(const StdMetRows& rows) {
     std::string text;
     for (int column = 0; column < rows.GetColumnCount(); ++column) {
         const GridColumn heading = rows.GetColumn(column);
-        text += (column ? "|" : "") + heading.heading + ":" + std::to_string(heading.width) + ":" +
+        text += (column ? "|" : "") + heading.heading + heading.mark + ":" + std::to_string(heading.width) + ":" +
                 std::to_string(heading.parameter) + (heading.locked ? ":locked" : "");
     }
     return text;
@@ -79,6 +80,20 @@ TEST_F(StdMetRowsOfSample, shownMetricsAreColumnsInTheUsersOrder) {
     EXPECT_EQ("Field Name:130:-1:locked|Collections:130:-1|Mean:130:10|Count:130:0|P:25:-1|R:25:-1", headings(m_rows));
 }
 
+// In a run over a sample the mark stands beside the name, and the column is the same one.
+TEST_F(StdMetRowsOfSample, metricsOfTheSampleAloneAreMarked) {
+    const auto shown = metrics({MetricId::UniqueCount, MetricId::Mean});
+    ASSERT_TRUE(m_rows.Fill(*m_viewer, m_customers, shown, {}));
+    const std::string unsampled = m_rows.GetColumn(2).identity();
+    ReportSelection orders = m_customers;
+    orders.table = *findTable(*m_viewer, m_sample.tables.at("orders"), "Warehouse");
+    ASSERT_TRUE(m_rows.Fill(*m_viewer, orders, shown, {}));
+    EXPECT_EQ("Field Name:130:-1:locked|Collections:130:-1|Unique Count(sample):130:1|Mean:130:10|P:25:-1|R:25:-1",
+              headings(m_rows));
+    EXPECT_EQ(unsampled, m_rows.GetColumn(2).identity());
+    EXPECT_NE(unsampled, m_rows.GetColumn(3).identity());
+}
+
 TEST_F(StdMetRowsOfSample, fieldsCarryTheirCollectionsPicturesAndUnknownMetrics) {
     const int id = m_sample.fields.at("customers/id");
     const CollectionsByField collections = {{id, {"Customer keys", "Other"}}};
@@ -107,7 +122,7 @@ TEST_F(StdMetRowsOfSample, aCollectionTellsWhereItsFieldsComeFrom) {
     EXPECT_THAT(line(m_rows, row), StartsWith("id<1>|Warehouse.crm.public.customers|"));
 }
 
-TEST_F(StdMetRowsOfSample, sortingPutsNumbersBeforeUnknownAndBackAgain) {
+TEST_F(StdMetRowsOfSample, sortingPutsNumbersBeforeUnknownInBothDirections) {
     ASSERT_TRUE(m_rows.Fill(*m_viewer, m_customers, metrics({MetricId::Mean}), {}));
     ASSERT_TRUE(m_rows.Sort(2, false));
     double last = -1e300;
@@ -124,7 +139,8 @@ TEST_F(StdMetRowsOfSample, sortingPutsNumbersBeforeUnknownAndBackAgain) {
     }
     EXPECT_TRUE(unknownSeen);
     ASSERT_TRUE(m_rows.Sort(2, true));
-    EXPECT_EQ(CellState::Unknown, m_rows.GetCell(2, 0).state);
+    EXPECT_NE(CellState::Unknown, m_rows.GetCell(2, 0).state);
+    EXPECT_EQ(CellState::Unknown, m_rows.GetCell(2, m_rows.GetRowCount() - 1).state);
     EXPECT_FALSE(m_rows.Sort(99, false));
 }
 

@@ -1,7 +1,9 @@
 #include "support/RunScript.h"
+#include "support/SampleRules.h"
 #include "support/SampleViewer.h"
 #include "tabs/CAlertDisplayHelper.h"
 #include "tabs/ChartRows.h"
+#include "tabs/RuleRows.h"
 #include "tabs/TableAlertRows.h"
 #include "tabs/tests/RowsText.h"
 
@@ -70,6 +72,28 @@ TEST_F(TableRows, alertsOfATableGoByItsNames) {
     ASSERT_TRUE(rows.Fill(*m_viewer, elsewhere));
     EXPECT_THAT(linesOf(rows), ElementsAre());
     EXPECT_EQ("No alert is defined for this table.", rows.GetEmptyText());
+}
+
+// As dates: as texts "Sun Feb" would come before "Thu Jan".
+TEST_F(TableRows, historiesAreSortedByTheDateOfTheRun) {
+    testing::addRules(m_sample);
+    CustomMetricHistoryRows metrics(std::locale::classic());
+    BusinessRuleHistoryRows rules(std::locale::classic());
+    ASSERT_TRUE(metrics.Fill(*m_viewer, "M" + std::to_string(testing::ruleId("Spread")))) << metrics.GetErrorText();
+    ASSERT_TRUE(rules.Fill(*m_viewer, "B" + std::to_string(testing::ruleId("Name is known")))) << rules.GetErrorText();
+    const auto columnOf = [](const ListRows& rows) {
+        std::string text;
+        for (std::int64_t row = 0; row < rows.GetRowCount(); ++row)
+            text += rows.GetCell(2, row).text + " ";
+        return text;
+    };
+    EXPECT_EQ("12 11 10 ", columnOf(metrics));
+    ASSERT_TRUE(metrics.Sort(0, false));
+    EXPECT_EQ("10 11 12 ", columnOf(metrics));
+    ASSERT_TRUE(rules.Sort(0, false));
+    EXPECT_EQ("10 11 12 ", columnOf(rules));
+    ASSERT_TRUE(rules.Sort(0, true));
+    EXPECT_EQ("12 11 10 ", columnOf(rules));
 }
 
 TEST_F(TableRows, theInputOfAnAlertIsTheNameBehindItsKey) {

@@ -116,7 +116,7 @@ TEST(TearOffPlacement, staysInsideTheRightAndTheUpperEdgeAndKeepsItsSize) {
         EXPECT_EQ(each.placed, placeTearOff(each.view, each.desktop)) << each.view.x << ", " << each.view.y;
 }
 
-TEST(StoredColumnWidths, areKeptByGridAndHeading) {
+TEST(StoredColumnWidths, areKeptByGridAndColumn) {
     const auto store = makeMemorySettings();
     StoredColumnWidths widths(*store, "outliers");
     StoredColumnWidths others(*store, "outliers1");

@@ -191,6 +191,83 @@ TEST_F(FilterDialog, takesAConditionAndClosesByKeyboardAlone) {
     EXPECT_EQ(QDialog::Rejected, dialog->result());
 }
 
+// A condition that was filled in and never added is not dropped without a word.
+TEST_F(FilterDialog, asksAboutAConditionThatWasNotAdded) {
+    const std::string question =
+        "The condition that is filled in has not been added to the filter:\n\nValue equal to \"Bern\"\n\n"
+        "Add it now?";
+    const auto fillIn = [this] {
+        choose("field", "Frequency value");
+        choose("operation", "equal to");
+        type("Bern");
+    };
+    open();
+    fillIn();
+    messages.expectAsk(question, "Report Filter", Messages::Answer::Yes, Messages::Answer::Yes);
+    dialog->accept();
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_EQ(filterOf({onValue(FilterOperation::EqualTo, {"Bern"})}), dialog->GetFilterText());
+
+    open();
+    fillIn();
+    messages.expectAsk(question, "Report Filter", Messages::Answer::No, Messages::Answer::Yes);
+    dialog->accept();
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_EQ("", dialog->GetFilterText());
+
+    // After AND it is what is missing; what was added, or merely chosen, is not asked about.
+    open(filterOf({onValue(FilterOperation::IsNotNull)}));
+    choose("field", "Frequency value");
+    choose("operation", "equal to");
+    dialog->accept();
+    EXPECT_FALSE(dialog->isVisible());
+    open(filterOf({onValue(FilterOperation::IsNotNull)}));
+    click("and");
+    fillIn();
+    messages.expectAsk(question, "Report Filter", Messages::Answer::Yes, Messages::Answer::Yes);
+    dialog->accept();
+    EXPECT_EQ(filterOf({onValue(FilterOperation::IsNotNull), kAnd, onValue(FilterOperation::EqualTo, {"Bern"})}),
+              dialog->GetFilterText());
+
+    // With a list to which nothing can be added without AND or OR, it says so in place of a question that Yes cannot
+    // answer.
+    open(filterOf({onValue(FilterOperation::IsNotNull)}));
+    fillIn();
+    messages.expectAsk("The condition that is filled in has not been added to the filter:\n\nValue equal to "
+                       "\"Bern\"\n\nAdd it now, with AND?",
+                       "Report Filter", Messages::Answer::Yes, Messages::Answer::Yes);
+    dialog->accept();
+    EXPECT_EQ(filterOf({onValue(FilterOperation::IsNotNull), kAnd, onValue(FilterOperation::EqualTo, {"Bern"})}),
+              dialog->GetFilterText());
+
+    // Conditions that need no value, and lists of values.
+    open();
+    choose("field", "Frequency value");
+    choose("operation", "is null");
+    messages.expectAsk("The condition that is filled in has not been added to the filter:\n\nValue is null\n\n"
+                       "Add it now?",
+                       "Report Filter", Messages::Answer::Yes, Messages::Answer::Yes);
+    dialog->accept();
+    EXPECT_EQ(filterOf({onValue(FilterOperation::IsNull)}), dialog->GetFilterText());
+}
+
+TEST_F(FilterDialog, returnInItsBoxesAddsTheCondition) {
+    for (const char* at : {"value", "operation", "caseInsensitive", "field"}) {
+        open();
+        choose("field", "Frequency value");
+        choose("operation", "equal to");
+        type("Bern");
+        child<QWidget>(*dialog, at).setFocus();
+        QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
+        EXPECT_EQ("Value equal to \"Bern\"", text()) << at;
+        EXPECT_TRUE(dialog->isVisible()) << at;
+        // Nothing is left to add: the same key closes.
+        QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
+        EXPECT_FALSE(dialog->isVisible()) << at;
+        EXPECT_EQ(filterOf({onValue(FilterOperation::EqualTo, {"Bern"})}), dialog->GetFilterText()) << at;
+    }
+}
+
 TEST_F(FilterDialog, refusesAListThatIsNoExpression) {
     open();
     click("leftParenthesis");

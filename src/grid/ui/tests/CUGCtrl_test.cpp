@@ -170,6 +170,17 @@ TEST(CUGCtrl, rowsReadAnewStayInTheOrderThatTheUserChose) {
     rows = Rows(12);
     grid.RowsRefilled();
     EXPECT_EQ(first, grid.model()->index(0, 0).data().toString());
+    EXPECT_EQ(1, grid.horizontalHeader()->sortIndicatorSection());
+    // A filter that leaves one row, or none, is no reason to forget it.
+    for (const int left : {1, 0}) {
+        rows = Rows(left);
+        grid.RowsRefilled();
+        rows = Rows(12);
+        grid.RowsRefilled();
+        EXPECT_EQ(first, grid.model()->index(0, 0).data().toString());
+        EXPECT_EQ(1, grid.horizontalHeader()->sortIndicatorSection());
+        EXPECT_EQ(Qt::DescendingOrder, grid.horizontalHeader()->sortIndicatorOrder());
+    }
     rows = Rows(12);
     grid.SourceChanged();
     EXPECT_EQ("row0", toUtf8(grid.model()->index(0, 0).data().toString()));
@@ -210,6 +221,50 @@ TEST(CUGCtrl, widthsAreTheSourcesUntilTheUserDragsThemAndThenRemembered) {
     EXPECT_EQ(130, again.columnWidth(0));
     EXPECT_EQ(61, again.columnWidth(1));
     EXPECT_EQ(200, again.columnWidth(2));
+}
+
+// A column is the same whatever stands in and below its heading, as in a run over a sample.
+class Remarked : public Rows {
+  public:
+    explicit Remarked(bool isRemarked) : Rows(12), m_isRemarked(isRemarked) {}
+    GridColumn GetColumn(int column) const override {
+        GridColumn heading = Rows::GetColumn(column);
+        heading.key = "column " + std::to_string(column);
+        if (m_isRemarked) {
+            heading.heading += " anew";
+            heading.mark = "(sample)";
+        }
+        return heading;
+    }
+
+  private:
+    bool m_isRemarked;
+};
+
+TEST(CUGCtrl, orderAndWidthBelongToTheColumnNotToItsHeading) {
+    std::map<std::string, int> kept;
+    Remarked rows(false);
+    CUGCtrl grid;
+    grid.SetSource(&rows);
+    grid.SetWidthMemory(std::make_unique<Memory>(kept));
+    grid.resize(600, 300);
+    grid.show();
+    grid.SortBy(1, true);
+    grid.setColumnWidth(1, 77);
+    const std::string sorted = firstColumn(grid);
+    const int height = grid.horizontalHeader()->height();
+    rows = Remarked(true);
+    grid.RowsRefilled();
+    EXPECT_EQ(sorted, firstColumn(grid));
+    EXPECT_EQ(1, grid.horizontalHeader()->sortIndicatorSection());
+    EXPECT_EQ(77, grid.columnWidth(1));
+    EXPECT_GT(grid.horizontalHeader()->height(), height) << "the remark has a line of its own";
+    EXPECT_EQ("H1 anew", toUtf8(grid.model()->headerData(1, Qt::Horizontal).toString()));
+    EXPECT_EQ("H1 anew (sample)",
+              toUtf8(grid.model()->headerData(1, Qt::Horizontal, Qt::AccessibleTextRole).toString()));
+    rows = Remarked(false);
+    grid.RowsRefilled();
+    EXPECT_EQ(height, grid.horizontalHeader()->height());
 }
 
 // The second column takes the room that is left.
