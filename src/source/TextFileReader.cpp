@@ -75,7 +75,8 @@ bool looksLikeNames(std::span<const std::string> cells) {
 }
 
 Result<std::unique_ptr<TextFileReader>> TextFileReader::open(const std::string& path, const TextFileOptions& options) {
-    auto input = TextInput::open(path, options.encoding, std::max(options.pieceSize, kMarkSize), options.isPreview);
+    auto input = TextInput::open(path, options.encoding, std::max(options.pieceSize, kMarkSize), options.isPreview,
+                                 options.keepGoing);
     if (!input)
         return input.error();
     std::unique_ptr<TextFileReader> reader(new TextFileReader(std::move(*input)));
