@@ -26,10 +26,30 @@ void markDamage(const void* /*context*/, UConverterToUnicodeArgs* arguments, con
     ucnv_cbToUWriteUChars(arguments, &kDamage, 1, 0, status);
 }
 
+/// ICU's tables of DOS code pages take three control characters for each other: the byte 1A for 1C, 1C for 7F and 7F
+/// for 1A. In files they are what they are in ASCII.
+bool hasRotatedControls(UConverter* converter) {
+    if (ucnv_getMinCharSize(converter) != 1)
+        return false;
+    constexpr char kDelete = '\x7F';
+    const char* byte = &kDelete;
+    UErrorCode status = U_ZERO_ERROR;
+    const UChar32 found = ucnv_getNextUChar(converter, &byte, byte + 1, &status);
+    ucnv_reset(converter);
+    return U_SUCCESS(status) && found == 0x1A;
+}
+
+char16_t rotatedBack(char16_t c) {
+    return c == 0x1C ? u'\x1A' : c == 0x7F ? u'\x1C' : c == 0x1A ? u'\x7F' : c;
+}
+
 } // namespace
 
 TextDecoder::TextDecoder(UConverter* converter)
-    : m_converter(converter), m_units(kUnits), m_text(kUnits * 3 + 4, '\0') {}
+    : m_converter(converter),
+      m_units(kUnits),
+      m_text(kUnits * 3 + 4, '\0'),
+      m_hasRotatedControls(hasRotatedControls(converter)) {}
 
 TextDecoder::~TextDecoder() {
     ucnv_close(m_converter);
@@ -60,7 +80,7 @@ std::string_view TextDecoder::decode(std::string_view& bytes, bool isLast) {
     for (const char16_t* unit = m_units.data(); unit != units; ++unit) {
         const char16_t c = *unit;
         if (c < 0x80)
-            *to++ = static_cast<char>(c);
+            *to++ = static_cast<char>(m_hasRotatedControls ? rotatedBack(c) : c);
         else if (!U16_IS_SURROGATE(c))
             to = putCharacter(to, c);
         else if (U16_IS_SURROGATE_LEAD(c))

@@ -34,6 +34,7 @@ class TextDecoder {
     UConverter* m_converter;
     std::vector<char16_t> m_units;
     std::string m_text;
+    bool m_hasRotatedControls;
     char16_t m_high = 0; ///< a surrogate whose partner comes with the next call
     bool m_hasMore = false;
 };

@@ -86,7 +86,8 @@ bool looksLikeNames(std::span<const std::string> cells) {
 }
 
 Result<std::unique_ptr<TextFileReader>> TextFileReader::open(const std::string& path, const TextFileOptions& options) {
-    auto input = TextInput::open(path, options.encoding, std::max(options.pieceSize, kMarkSize), options.isPreview);
+    auto input = TextInput::open(path, options.encoding, std::max(options.pieceSize, kMarkSize), options.isPreview,
+                                 options.keepGoing);
     if (!input)
         return input.error();
     if (!options.encoding && !options.delimiter)

@@ -22,6 +22,7 @@ struct TextFileOptions {
     std::size_t pieceSize = std::size_t{1} << 20;        ///< bytes that are read at once; rows may be longer
     std::ptrdiff_t placeEvery = std::ptrdiff_t{1} << 15; ///< bytes between two rows whose places are told, or more
     bool isPreview = false; ///< of a longer file only the rows that end in its first MiB are read
+    KeepGoing keepGoing{};  ///< asked while a pipe has nothing to read; a false is an error
 };
 
 /// Whether a first row holds names of columns rather than data: none of its cells has a digit but no letter, as numbers

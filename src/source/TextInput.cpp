@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,13 +43,15 @@ Error TextInput::failure(std::string_view what) const {
 }
 
 Result<std::unique_ptr<TextInput>> TextInput::open(const std::string& path, const CEncoding* encoding,
-                                                   std::size_t beginning, bool isPreview) {
+                                                   std::size_t beginning, bool isPreview, KeepGoing keepGoing) {
     if (Status free = requireNotHeld(path); !free)
         return free.error();
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    // A named pipe would otherwise wait here, where nothing can end it, until somebody writes to it.
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (file < 0)
         return Error{fmt::format("\"{}\" cannot be opened: {}", path, systemText(errno))};
     std::unique_ptr<TextInput> input(new TextInput(path, file));
+    input->m_keepGoing = std::move(keepGoing);
     if (Status status = input->begin(encoding, beginning, isPreview); !status)
         return status.error();
     return input;
@@ -62,6 +65,7 @@ Status TextInput::begin(const CEncoding* encoding, std::size_t beginning, bool i
         return failure("is a folder, not a text file");
     // Files that the system makes up say 0.
     m_size = S_ISREG(info.st_mode) ? static_cast<std::int64_t>(info.st_size) : 0;
+    m_mayWait = !S_ISREG(info.st_mode);
     m_modified = modifiedTime(info);
     m_stamp = stampOf(info);
     ::posix_fadvise(m_file, 0, 0, POSIX_FADV_SEQUENTIAL);
@@ -94,12 +98,29 @@ Status TextInput::checkUnchanged() const {
     return {};
 }
 
+Status TextInput::waitForBytes() const {
+    constexpr int kPatience = 50; // milliseconds
+    for (;;) {
+        if (m_keepGoing && !m_keepGoing())
+            return Error{kCancelled};
+        pollfd waited{m_file, POLLIN, 0};
+        const int ready = ::poll(&waited, 1, kPatience);
+        if (ready > 0)
+            return {};
+        if (ready < 0 && errno != EINTR)
+            return failure("cannot be read: " + systemText(errno));
+    }
+}
+
 Result<std::size_t> TextInput::readBytes(char* target, std::size_t size) {
     std::size_t filled = 0;
     while (filled < size) {
+        if (m_mayWait)
+            if (Status status = waitForBytes(); !status)
+                return status.error();
         const ssize_t got = ::read(m_file, target + filled, size - filled);
         if (got < 0) {
-            if (errno == EINTR)
+            if (errno == EINTR || errno == EAGAIN)
                 continue;
             return failure("cannot be read: " + systemText(errno));
         }

@@ -2,6 +2,7 @@
 
 #include "base/Clock.h"
 #include "base/Result.h"
+#include "source/Credentials.h"
 #include "source/EncodingDetector.h"
 #include "source/FileStamp.h"
 #include "source/TextDecoder.h"
@@ -23,8 +24,10 @@ class TextInput {
 
     /// Opens the file and looks at its first MiB, where the encoding is found; a stated `encoding` needs no more than
     /// `beginning` bytes of it. An error for a file that cannot be read and for a folder.
+    /// While a pipe has nothing to read, `keepGoing` is asked again and again; a false is an error.
     [[nodiscard]] static Result<std::unique_ptr<TextInput>> open(const std::string& path, const CEncoding* encoding,
-                                                                 std::size_t beginning, bool isPreview = false);
+                                                                 std::size_t beginning, bool isPreview = false,
+                                                                 KeepGoing keepGoing = {});
     ~TextInput();
     TextInput(const TextInput&) = delete;
     TextInput& operator=(const TextInput&) = delete;
@@ -53,6 +56,7 @@ class TextInput {
   private:
     TextInput(std::string path, int file);
     Status begin(const CEncoding* encoding, std::size_t beginning, bool isPreview);
+    Status waitForBytes() const;
     /// Of the file as it is.
     Result<std::size_t> readBytes(char* target, std::size_t size);
     /// Of what is in it.
@@ -65,6 +69,8 @@ class TextInput {
 
     std::string m_path;
     int m_file;
+    KeepGoing m_keepGoing;
+    bool m_mayWait = false; ///< as of a pipe, which may have nothing to read for a while
     std::int64_t m_size = 0;
     UtcTime m_modified{};
     FileStamp m_stamp;

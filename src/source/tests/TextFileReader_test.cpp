@@ -104,6 +104,7 @@ TEST(TextFileReader, ReadsWhatFilesInTheWildHold) {
          "a|\n\uFFFD|\nb|\n\uFFFD|\n2:bytes(1)\n4:bytes(1)"},
         {"UTF-32", "\0\0\xFE\xFF\0\0\0a\0\0\0\n\0\x01\xF6\0"_raw, "a|\n\U0001F600|"},
         {"a mark decides the order of a stated UTF-16", "\xFE\xFF\0a\0\n\0\x31"_raw, "a|\n1|", stated("UTF-16LE")},
+        {"control characters of a DOS code page", "a\n\x7F\n\x1A\n\x1C\n", "a|\n\x7F|\n\x1A|\n\x1C|", stated("cp437")},
         {"another quote", "a,b\n'1,''2',\"3\n", "a|b|\n1,'2|\"3|", quoted('\'')},
         {"no quotes", "a,b\n\"1,2\"\n", "a|b|\n\"1|2\"|", quoted('\0')},
         {"a first row of names, found", "year,b2\n1,2\n", "year|b2|\n1|2|", {std::nullopt, true, true}},
