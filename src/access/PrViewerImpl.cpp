@@ -65,8 +65,9 @@ void PrViewer::Impl::refreshSession() {
 }
 
 void PrViewer::Impl::checkRun() {
-    const Status sound = repository::checkOpenedRun(connection(), run);
-    runWarning = sound ? KvbString() : KvbString(sound.error().text);
+    // Where it cannot be looked at, whatever reads the run says why.
+    const auto damage = repository::describeDamage(connection(), run);
+    runWarning = damage && !damage->empty() ? KvbString(*damage) : KvbString();
 }
 
 Status PrViewer::Impl::requireSession() const {

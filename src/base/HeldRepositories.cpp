@@ -1,5 +1,6 @@
 #include "base/HeldRepositories.h"
 
+#include <fmt/format.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -69,8 +70,9 @@ Status requireNotHeld(const std::string& path) {
     for (const std::string& repository : held().paths)
         for (const char* ending : {"", "-wal", "-shm", "-journal"})
             if (isSameFile(path, repository + ending))
-                return Error{"\"" + path + "\" belongs to the repository \"" + repository +
-                             "\", which is in use. Choose another file."};
+                return Error{
+                    fmt::format("\"{}\" belongs to the repository \"{}\", which is in use. Choose another file.", path,
+                                repository)};
     return {};
 }
 

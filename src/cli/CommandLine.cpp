@@ -1,7 +1,9 @@
 #include "cli/CommandLine.h"
 
 #include "base/GenException.h"
+#include "base/HeldRepositories.h"
 #include "cli/AlertsCommand.h"
+#include "cli/CheckCommand.h"
 #include "cli/CommandError.h"
 #include "cli/CompareCommand.h"
 #include "cli/Console.h"
@@ -29,6 +31,7 @@
 #include <csignal>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -75,6 +78,7 @@ constexpr KnownCommand kCommands[] = {
     {"compare", make<CompareCommand>},     {"rules", make<RulesCommand>},
     {"alerts", make<AlertsCommand>},       {"notes", make<NotesCommand>},
     {"functions", make<FunctionsCommand>}, {"delete-history", make<DeleteHistoryCommand>},
+    {"check", make<CheckCommand>},
 };
 
 /// The command with that name alone, since to declare all of them takes as long as some of them run; all of them when
@@ -120,6 +124,10 @@ ExitCode runGuarded(Command& command, const CommonOptions& options) {
     try {
         if (options.spreadsheet && options.format != Format::Csv)
             throw CommandError(ExitCode::Usage, "--spreadsheet goes with --format csv");
+        // From before the first file is opened: the output or a source may be named like the repository.
+        std::optional<HeldRepository> held;
+        if (!options.repository.empty())
+            held.emplace(repositoryFile(options.repository));
         command.run(options);
         return ExitCode::Ok;
     } catch (const OutputClosed&) {

@@ -3,6 +3,7 @@
 #include "access/Layouts.h"
 #include "base/KvbDatavar.h"
 #include "cli/CommandError.h"
+#include "cli/Console.h"
 #include "cli/Names.h"
 
 #include <fmt/format.h>
@@ -70,17 +71,22 @@ void Session::selectJob(const std::optional<std::string>& name) {
 }
 
 void Session::selectRun(std::optional<int> run) {
-    if (!run || *run == m_viewer->getCurrentJob())
-        return;
+    if (run && *run != m_viewer->getCurrentJob())
+        changeRun(*run);
+    if (const KvbString warning = m_viewer->getRunWarning(); !warning.isNull())
+        say(warning.str());
+}
+
+void Session::changeRun(int run) {
     std::vector<std::string> known;
     for (const RunEntry& entry : runs()) {
-        if (entry.id == *run) {
-            check(m_viewer->setCurrentJob(*run));
+        if (entry.id == run) {
+            check(m_viewer->setCurrentJob(run));
             return;
         }
         known.push_back(fmt::format("{}", entry.id));
     }
-    throw CommandError(ExitCode::Usage, fmt::format("job \"{}\" has no run {}; it has {}", m_job.name, *run,
+    throw CommandError(ExitCode::Usage, fmt::format("job \"{}\" has no run {}; it has {}", m_job.name, run,
                                                     known.empty() ? "none" : listNames(known)));
 }
 

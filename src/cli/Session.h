@@ -51,7 +51,7 @@ class Session {
 
     /// Makes a job and its latest run current; without a name the only job that there is.
     void selectJob(const std::optional<std::string>& name);
-    /// Makes a run of the current job current; without a number the latest stays.
+    /// Makes a run of the current job current; without a number the latest stays. Says when the run is damaged.
     void selectRun(std::optional<int> run);
 
     /// Of the current job, as the repository orders them.
@@ -68,6 +68,7 @@ class Session {
     void check(bool succeeded);
 
   private:
+    void changeRun(int run);
     [[nodiscard]] std::vector<FieldEntry> fieldsOf(const TableEntry& table);
 
     PrViewer::Handle m_viewer;

@@ -111,7 +111,14 @@ bool CTavixDoc::SetUp(PrViewer& viewer, int jobId) {
     });
     if (failure)
         Warn(kOpenFailed, *failure);
+    else
+        WarnOfDamage(viewer);
     return !failure;
+}
+
+void CTavixDoc::WarnOfDamage(const PrViewer& viewer) {
+    if (const KvbString warning = viewer.getRunWarning(); !warning.isNull())
+        m_messages.warn(warning.str());
 }
 
 void CTavixDoc::LoadMetricDisplayList(const PrViewer& viewer) {
@@ -157,6 +164,7 @@ bool CTavixDoc::SetCurrentJob(int runId) {
 
 void CTavixDoc::EnterRun(int runId) {
     m_currentRun = runId;
+    WarnOfDamage(*m_viewer);
     m_filter = {};
     m_collections.clear();
     RefreshRunCount();

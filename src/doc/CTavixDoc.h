@@ -136,6 +136,7 @@ class CTavixDoc {
     [[nodiscard]] int TabOf(ReportPaneKind view, NavigatorPage mode) const;
     void Warn(std::string_view leadIn, std::string_view libraryText) const;
     bool SetUp(PrViewer& viewer, int jobId);
+    void WarnOfDamage(const PrViewer& viewer);
     void LoadMetricDisplayList(const PrViewer& viewer);
     void ReloadTaskList();
     void RefreshRunCount();

@@ -26,6 +26,24 @@ Status requireRow(sql::Connection& connection, std::string_view sql, int id, std
     }
 }
 
+Result<std::int64_t> readNumber(sql::Connection& connection, std::string_view sql,
+                                std::initializer_list<std::int64_t> parameters) {
+    auto select = connection.prepare(sql);
+    if (!select)
+        return select.error();
+    int number = 0;
+    for (std::int64_t parameter : parameters)
+        select->bind(++number, parameter);
+    switch (select->step()) {
+    case sql::Step::Row:
+        return select->integer(0);
+    case sql::Step::Done:
+        return Error{"A row of the repository is missing."};
+    default:
+        return Error{connection.errorText()};
+    }
+}
+
 Status requireTable(sql::Connection& connection, int table) {
     return requireRow(connection, "SELECT 1 FROM profiled_table WHERE id = ?1", table, "table");
 }

@@ -1,6 +1,7 @@
 #include "repository/RepositoryCheck.h"
 
 #include "repository/DistributionStore.h"
+#include "repository/Existence.h"
 #include "repository/PackedHashes.h"
 #include "repository/RunChecksums.h"
 
@@ -50,7 +51,7 @@ class RunCheck {
         auto snapshot = sql::Snapshot::begin(m_connection);
         if (!snapshot)
             return snapshot.error();
-        auto exists = m_connection.queryInteger(fmt::format("SELECT COUNT(*) FROM run WHERE id = {}", m_run.id));
+        auto exists = readNumber(m_connection, "SELECT COUNT(*) FROM run WHERE id = ?1", {m_run.id});
         if (!exists || *exists == 0)
             return exists ? Status{} : Status{exists.error()};
         auto parts = checkedParts(m_connection, m_run.id);
@@ -115,15 +116,16 @@ class RunCheck {
         if (!fields)
             return addProblem(fields.error().text);
         for (const NamedId& field : *fields) {
-            checkDistribution(field, DistributionKind::Values, "value_rows");
-            checkDistribution(field, DistributionKind::Patterns, "pattern_rows");
+            checkDistribution(field, DistributionKind::Values,
+                              "SELECT value_rows FROM run_field WHERE run = ?1 AND field = ?2");
+            checkDistribution(field, DistributionKind::Patterns,
+                              "SELECT pattern_rows FROM run_field WHERE run = ?1 AND field = ?2");
             checkHashes(field);
         }
     }
 
-    void checkDistribution(const NamedId& field, DistributionKind kind, std::string_view rowsColumn) {
-        auto rows = m_connection.queryInteger(
-            fmt::format("SELECT {} FROM run_field WHERE run = {} AND field = {}", rowsColumn, m_run.id, field.id));
+    void checkDistribution(const NamedId& field, DistributionKind kind, std::string_view rowsQuery) {
+        auto rows = readNumber(m_connection, rowsQuery, {m_run.id, field.id});
         if (!rows)
             return addProblem(rows.error().text);
         DistributionReader reader(m_connection, {m_run.id, field.id, kind}, *rows);

@@ -2,6 +2,7 @@
 
 #include "base/Metrics.h"
 #include "repository/BlockFormat.h"
+#include "repository/Existence.h"
 
 #include <fmt/format.h>
 
@@ -226,7 +227,7 @@ Result<std::vector<RunPartKey>> checkedParts(sql::Connection& connection, int ru
         return version.error();
     if (*version < kFirstVersion)
         return found;
-    auto any = connection.queryInteger(fmt::format("SELECT COUNT(*) FROM run_checksum WHERE run = {}", run));
+    auto any = readNumber(connection, "SELECT COUNT(*) FROM run_checksum WHERE run = ?1", {run});
     if (!any)
         return any.error();
     return *any == 0 ? found : partsOf(connection, run);
@@ -250,7 +251,7 @@ Result<bool> isPartSound(sql::Connection& connection, int run, const RunPartKey&
     return *checksum == expected;
 }
 
-Status checkOpenedRun(sql::Connection& connection, int run) {
+Result<std::string> describeDamage(sql::Connection& connection, int run) {
     // The rows of a run that is deleted meanwhile go one after the other.
     auto snapshot = sql::Snapshot::begin(connection);
     if (!snapshot)
@@ -258,13 +259,12 @@ Status checkOpenedRun(sql::Connection& connection, int run) {
     auto keys = checkedParts(connection, run);
     if (!keys)
         return keys.error();
-    auto exists = connection.queryInteger(fmt::format("SELECT COUNT(*) FROM run WHERE id = {}", run));
+    auto exists = readNumber(connection, "SELECT COUNT(*) FROM run WHERE id = ?1", {run});
     if (!exists)
         return exists.error();
     if (keys->empty() || *exists == 0)
-        return {};
-    auto fields =
-        connection.queryInteger(fmt::format("SELECT COALESCE(SUM(fields), 0) FROM run_table WHERE run = {}", run));
+        return std::string();
+    auto fields = readNumber(connection, "SELECT COALESCE(SUM(fields), 0) FROM run_table WHERE run = ?1", {run});
     if (!fields)
         return fields.error();
     for (const RunPartKey& key : *keys) {
@@ -274,10 +274,9 @@ Status checkOpenedRun(sql::Connection& connection, int run) {
         if (!isSound)
             return isSound.error();
         if (!*isSound)
-            return Error{
-                fmt::format("Run {} is damaged ({}). \"tavix check\" tells more.", run, runPartName(key.part))};
+            return fmt::format("Run {} is damaged ({}). \"tavix check\" tells more.", run, runPartName(key.part));
     }
-    return {};
+    return std::string();
 }
 
 } // namespace tavix::repository

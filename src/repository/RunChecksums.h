@@ -3,7 +3,7 @@
 #include "base/Result.h"
 #include "sql/Connection.h"
 
-#include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -36,7 +36,8 @@ struct RunPartKey {
 /// Whether one of these is what was stored. Reads all of its rows.
 [[nodiscard]] Result<bool> isPartSound(sql::Connection& connection, int run, const RunPartKey& key);
 
-/// For opening a run: checks its tables, and their fields when they are few. An error says that the run is damaged.
-[[nodiscard]] Status checkOpenedRun(sql::Connection& connection, int run);
+/// For opening a run: checks its tables, and their fields when they are few. Says that the run is damaged; empty when
+/// that is not known. An error when it cannot be looked at.
+[[nodiscard]] Result<std::string> describeDamage(sql::Connection& connection, int run);
 
 } // namespace tavix::repository

@@ -96,8 +96,9 @@ TEST_F(CommandLine, FailingSourcesAndRepositoriesEndWithThree) {
         EXPECT_FALSE(std::filesystem::exists(m_folder.file("none.tavix")));
     }
     // A file that is no repository is not made one.
-    EXPECT_EQ(runTavix({"profile", m_folder.file("people.csv"), "-R", m_folder.file("people.csv")}).exitCode, 3);
-    EXPECT_EQ(textOf(m_folder.file("people.csv")), kPeople);
+    std::filesystem::copy_file(m_folder.file("people.csv"), m_folder.file("other.csv"));
+    EXPECT_EQ(runTavix({"profile", m_folder.file("people.csv"), "-R", m_folder.file("other.csv")}).exitCode, 3);
+    EXPECT_EQ(textOf(m_folder.file("other.csv")), kPeople);
     expectFailure(3, {"jobs", "-o", m_folder.file("none/out")}, "cannot write");
     expectFailure(3, {"jobs", "-o", "/dev/full"}, "cannot write");
 }

@@ -84,6 +84,16 @@ class TavixDocTest : public ::testing::Test {
     CTavixDoc m_doc{m_around, *m_settings, m_messages};
 };
 
+TEST_F(TavixDocTest, SaysWhichRunIsDamagedAndShowsItAllTheSame) {
+    damage("UPDATE run_field SET null_count = 999 WHERE run = " + std::to_string(m_sample.salesRuns[1]));
+    open();
+    m_messages.expectWarn("Run " + std::to_string(m_sample.salesRuns[1]) +
+                          " is damaged (metrics of fields). \"tavix check\" tells more.");
+    EXPECT_TRUE(m_doc.SetCurrentJob(m_sample.salesRuns[1]));
+    EXPECT_EQ(m_messages.pending(), 0U);
+    EXPECT_EQ(m_doc.GetCurrentJob(), m_sample.salesRuns[1]);
+}
+
 TEST_F(TavixDocTest, OpensTheLatestRunOfAReport) {
     ASSERT_TRUE(m_settings->write("TAVIX", "Metric3", "U"));
     ASSERT_TRUE(m_settings->write("TAVIX", "Metric5", "S-1"));
