@@ -5,12 +5,13 @@
 #include "expression/ExpressionError.h"
 #include "source/ConnectionText.h"
 #include "source/FileSetReader.h"
+#include "source/FileStamp.h"
 #include "source/OdbcReader.h"
+#include "source/ShownName.h"
 #include "source/TextFileReader.h"
 #include "source/TextFileSearch.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -32,7 +33,9 @@ constexpr std::size_t kListedColumns = 10;
 constexpr std::size_t kPieceOfSearched = std::size_t{1} << 18;
 
 std::string listOf(std::span<const std::string> names) {
-    std::string list = fmt::format("\"{}\"", fmt::join(names.first(std::min(names.size(), kListedColumns)), "\", \""));
+    std::string list;
+    for (const std::string& name : names.first(std::min(names.size(), kListedColumns)))
+        list += fmt::format("{}\"{}\"", list.empty() ? "" : ", ", source::shownName(name));
     return names.size() > kListedColumns ? list + fmt::format(" and {} more", names.size() - kListedColumns) : list;
 }
 
@@ -41,22 +44,39 @@ bool areSame(const DrillTable& table, std::span<const std::string> names) {
                       [](const std::string& name, const DrillTable::Column& column) { return name == column.name; });
 }
 
+/// What messages call the source.
+const std::string& shownPath(const DrillTable::TextFile& file) {
+    return file.files.size() == 1 ? file.files.front().place : file.path;
+}
+
+/// "Read from ..." for what was moved.
+std::string moveRemark(const DrillTable::TextFile& file) {
+    const auto moved =
+        std::find_if(file.files.begin(), file.files.end(), [](const auto& one) { return one.place != one.path; });
+    return moved == file.files.end() ? std::string() : fmt::format("Read from \"{}\".", moved->place);
+}
+
+void addSentence(std::string& text, const std::string& sentence) {
+    if (!sentence.empty())
+        text += (text.empty() ? "" : " ") + sentence;
+}
+
 /// `reader` has opened the file, or the files, of `size` bytes.
 template <typename Reader>
 std::string fileWarning(const DrillTable& table, const Reader& reader, std::int64_t size) {
     const DrillTable::TextFile& file = *table.file;
     const UtcTime modified = reader.modified();
     const std::span<const std::string> names = reader.columnNames();
-    std::string text;
+    std::string text = moveRemark(file);
     if (size != file.size)
-        text = fmt::format("\"{}\" changed since the run: it had {} bytes and has {} now.", file.path,
-                           formatGrouped(file.size), formatGrouped(size));
+        addSentence(text, fmt::format("\"{}\" changed since the run: it had {} bytes and has {} now.", shownPath(file),
+                                      formatGrouped(file.size), formatGrouped(size)));
     else if (modified != file.modified)
-        text = fmt::format("\"{}\" was written anew since the run; its size is the same.", file.path);
+        addSentence(text, fmt::format("\"{}\" was written anew since the run; its size is the same.", shownPath(file)));
     if (table.isSampled)
-        text += fmt::format("{}The run counted a sample of the rows; these are all.", text.empty() ? "" : " ");
+        addSentence(text, "The run counted a sample of the rows; these are all.");
     if (!areSame(table, names))
-        text += fmt::format("{}The columns are others than in the run: {}.", text.empty() ? "" : " ", listOf(names));
+        addSentence(text, fmt::format("The columns are others than in the run: {}.", listOf(names)));
     return text;
 }
 
@@ -65,7 +85,7 @@ Result<std::size_t> findColumn(const DrillTable& table, std::span<const std::str
     const auto found = std::find(names.begin(), names.end(), table.field);
     if (found == names.end())
         return Error{fmt::format("\"{}\" has no column \"{}\" any more; it has {}.",
-                                 table.file ? table.file->path : table.name, table.field, listOf(names))};
+                                 table.file ? shownPath(*table.file) : table.name, table.field, listOf(names))};
     return static_cast<std::size_t>(found - names.begin());
 }
 
@@ -103,6 +123,26 @@ std::unique_ptr<RowTest> cellTest(std::size_t column, const WantedRows& wanted) 
     return makeValueTest(column, wanted.text);
 }
 
+/// Whether a file of this encoding reads as garbage in nearly every other.
+bool isWide(const CEncoding* encoding) {
+    return encoding == &encodingUtf16(false) || encoding == &encodingUtf16(true) || encoding == &encodingUtf32(false) ||
+           encoding == &encodingUtf32(true);
+}
+
+/// The encoding that the run noted, unless the file was replaced since and is plainly in another: one encoding's units
+/// are not the other's.
+const CEncoding* encodingOf(const DrillTable::TextFile::File& file) {
+    const CEncoding* const noted = findEncoding(file.encoding);
+    const auto stamp = source::stampAt(file.place);
+    if (!noted || !stamp || file.size < 0 || (stamp->size == file.size && stamp->modifiedTime() == file.modified))
+        return noted;
+    const auto input = source::TextInput::open(file.place, nullptr, source::TextInput::kSample, true);
+    if (!input)
+        return noted;
+    const CEncoding* const found = (*input)->encoding().encoding;
+    return isWide(found) || isWide(noted) ? found : noted;
+}
+
 TextFileOptions optionsOf(const DrillTable::TextFile& file) {
     TextFileOptions options;
     options.delimiter = file.delimiter;
@@ -120,7 +160,7 @@ Result<std::size_t> examine(const DrillTable& table, const Reader& reader, std::
 }
 
 Status openSearch(const DrillTable& table, const WantedRows& wanted, DrillSource& source) {
-    auto search = TextFileSearch::open(table.file->path, optionsOf(*table.file));
+    auto search = TextFileSearch::open(table.file->files.front().place, optionsOf(*table.file));
     if (!search)
         return search.error();
     const auto column = examine(table, **search, (*search)->fileSize(), source);
@@ -134,24 +174,25 @@ Status openSearch(const DrillTable& table, const WantedRows& wanted, DrillSource
     return {};
 }
 
-std::vector<std::string> pathsOf(const DrillTable::TextFile& file) {
-    return file.files.empty() ? std::vector{file.path} : file.files;
+std::vector<std::string> placesOf(const DrillTable::TextFile& file) {
+    std::vector<std::string> places;
+    for (const DrillTable::TextFile::File& one : file.files)
+        places.push_back(one.place);
+    return places;
 }
 
-/// Of several files a run notes the encoding of the last. If that is what is found in it, the encoding is taken to have
-/// been found in each file, and to be found again.
+/// Of several files older runs note the encoding of the last. If that is what is found in it, the encoding is taken to
+/// have been found in each file, and to be found again.
 bool isEncodingFound(const DrillTable::TextFile& file, const TextFileOptions& noted) {
-    if (file.files.size() < 2)
-        return false;
     TextFileOptions options = noted;
     options.encoding = nullptr;
-    const auto last = TextFileReader::open(file.files.back(), options);
+    const auto last = TextFileReader::open(file.files.back().place, options);
     return last && (*last)->encoding().encoding == noted.encoding;
 }
 
-Result<std::unique_ptr<FileSetReader>> openEqual(const std::vector<std::string>& paths,
-                                                 const TextFileOptions& options) {
-    auto files = FileSetReader::open(paths, options);
+Result<std::unique_ptr<FileSetReader>> openEqual(const DrillTable::TextFile& file, const TextFileOptions& options,
+                                                 std::vector<source::StatedForm> forms = {}) {
+    auto files = FileSetReader::open(placesOf(file), options, std::move(forms));
     if (!files)
         return files;
     if (Status status = (*files)->checkColumns(); !status)
@@ -159,21 +200,42 @@ Result<std::unique_ptr<FileSetReader>> openEqual(const std::vector<std::string>&
     return files;
 }
 
+Result<std::unique_ptr<FileSetReader>> openInTheirForms(const DrillTable::TextFile& file,
+                                                        const TextFileOptions& options) {
+    std::vector<source::StatedForm> forms;
+    for (const DrillTable::TextFile::File& one : file.files)
+        forms.push_back({one.delimiter, encodingOf(one)});
+    auto files = openEqual(file, options, forms);
+    if (files || file.files.size() == 1)
+        return files;
+    // A file that was replaced may have another delimiter by now.
+    TextFileOptions found = options;
+    found.delimiter.reset();
+    for (source::StatedForm& form : forms)
+        form.delimiter.reset();
+    auto again = openEqual(file, found, std::move(forms));
+    return again ? std::move(again) : std::move(files);
+}
+
+/// As older runs note them: the delimiter too is that of the last file, and shows no columns in files that have
+/// another.
+Result<std::unique_ptr<FileSetReader>> openAsTheLast(const DrillTable::TextFile& file, TextFileOptions options) {
+    if (isEncodingFound(file, options))
+        options.encoding = nullptr;
+    auto files = openEqual(file, options);
+    if (files)
+        return files;
+    options.delimiter.reset();
+    auto again = openEqual(file, options);
+    return again ? std::move(again) : std::move(files);
+}
+
 Status openFiles(const DrillTable& table, const WantedRows& wanted, bool isSearch, DrillSource& source) {
     const DrillTable::TextFile& file = *table.file;
-    const std::vector<std::string> paths = pathsOf(file);
     TextFileOptions options = optionsOf(file);
     if (isSearch)
         options.pieceSize = kPieceOfSearched;
-    if (isEncodingFound(file, options))
-        options.encoding = nullptr;
-    auto files = openEqual(paths, options);
-    if (!files && paths.size() > 1) {
-        // The delimiter too is noted of the last file alone; it shows no columns in files that have another.
-        options.delimiter.reset();
-        if (auto found = openEqual(paths, options))
-            files = std::move(found);
-    }
+    auto files = file.files.front().delimiter ? openInTheirForms(file, options) : openAsTheLast(file, options);
     if (!files)
         return files.error();
     const auto column = examine(table, **files, (*files)->total(), source);
@@ -191,14 +253,14 @@ Result<DrillSource> openTextFile(const DrillTable& table, const WantedRows& want
     const DrillTable::TextFile& file = *table.file;
     DrillSource source;
     source.name = std::filesystem::path(file.path).filename().string();
-    for (const std::string& path : pathsOf(file)) {
+    for (const std::string& path : placesOf(file)) {
         std::error_code ignored;
         if (std::filesystem::exists(path, ignored) && std::filesystem::is_other(path, ignored))
             return Error{fmt::format("\"{}\" is no file that can be read again.", path)};
     }
     const bool isSearch = wanted.kind == WantedRows::Kind::Value && TextFileSearch::canFind(wanted.text, file.quote);
-    const bool isOneSearched = isSearch && file.files.empty() && findEncoding(file.encoding) == &encodingUtf8() &&
-                               source::packingOfFile(file.path) == source::Packing::None;
+    const bool isOneSearched = isSearch && file.files.size() == 1 && encodingOf(file.files.front()) == &encodingUtf8() &&
+                               source::packingOfFile(file.files.front().place) == source::Packing::None;
     const Status opened =
         isOneSearched ? openSearch(table, wanted, source) : openFiles(table, wanted, isSearch, source);
     if (!opened)
@@ -212,9 +274,11 @@ Result<DrillSource> openDatabase(const DrillTable& table, const WantedRows& want
     const DrillTable::Database& database = *table.database;
     DrillSource source;
     source.name = database.source;
-    const auto text = source::ConnectionText::parse(database.connection);
+    auto text = source::ConnectionText::parse(database.connection);
     if (!text)
         return text.error();
+    if (!database.user.empty())
+        text->setIfAbsent("UID", database.user);
     auto connection = source::OdbcConnection::open(database.source, *text, ask);
     if (!connection)
         return connection.error();

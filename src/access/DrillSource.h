@@ -36,14 +36,22 @@ struct DrillTable {
         kvbType type = kvbType::Text; ///< what the run found its values to be
     };
     struct TextFile {
-        std::string path;
+        struct File {
+            std::string path;              ///< as the run read it
+            std::string place;             ///< where it is now
+            std::optional<char> delimiter; ///< none: the run does not say it of this file
+            std::string encoding;          ///< empty likewise
+            std::int64_t size = -1;        ///< -1 likewise
+            UtcTime modified{};            ///< of no meaning then
+        };
+        std::string path;     ///< of several files how they were named
         char delimiter = ','; ///< 0: the lines are not split
         bool hasHeader = true;
         std::string encoding;
         std::int64_t size = 0; ///< of all files
         UtcTime modified{};
-        char quote = '"';                 ///< 0: none
-        std::vector<std::string> files{}; ///< when there are several; `path` then says how they were named
+        char quote = '"';          ///< 0: none
+        std::vector<File> files{}; ///< one or more
         /// Where the wanted value stood when the run read the file, if the run knows.
         std::optional<repository::FoundPlaces> places{};
     };
@@ -51,6 +59,7 @@ struct DrillTable {
     struct Database {
         std::string source;     ///< its name
         std::string connection; ///< how it was reached, without user and password
+        std::string user;       ///< whom the job named; empty: nobody
         source::TableRequest address;
     };
 

@@ -7,6 +7,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 
 namespace tavix {
 
@@ -21,6 +23,12 @@ struct TextFileInfo {
     bool hasHeader = true;
     KvbString encoding;
     std::int64_t size = 0;
+};
+
+/// A file of a source that is not where a run read it.
+struct MissingFile {
+    std::string path;       ///< as the run read it
+    std::string suggestion; ///< a file of the same name and size beside the repository; empty when there is none
 };
 
 /// A session with a profile repository. Ordinary failures are a false result or a null cursor; getErrorString() then
@@ -242,6 +250,14 @@ class PrViewer {
     /// now is compared with it: access/SourceChange.h.
     static constexpr std::int64_t kSampleOnly = -2;
     [[nodiscard]] std::int64_t getDrillDownCount(int fieldId, const KvbString& value, bool isPattern);
+
+    /// The file for want of which the last drill-down failed; nothing when it did not, or failed otherwise.
+    [[nodiscard]] std::optional<MissingFile> getMissingFile() const;
+    /// Says where a file is that runs read at `oldPath`; a folder stands for the file of that name in it. Drill-downs
+    /// of this session read it there, and so do later sessions if the file has the size that a run noted: the
+    /// repository keeps the place then. `remark` says why it does not. Fails when no run has read `oldPath` or when
+    /// there is no file at `newPath`.
+    bool relocateFile(const KvbString& oldPath, const KvbString& newPath, KvbString& remark);
 
     static void freeProfileCursor(ProfileCursor* cursor);
     static void freeDrillDown(PrViewerDrillCursor* cursor);

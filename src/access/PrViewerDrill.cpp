@@ -4,6 +4,8 @@
 #include "access/SourceRowCursors.h"
 #include "repository/DistributionStore.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <limits>
 #include <utility>
@@ -16,7 +18,7 @@ namespace {
 constexpr std::string_view kTableOfField =
     "SELECT d.name, t.catalog, t.schema, t.name, t.object_name, t.kind, f.name, rt.query, t.id, rt.filter, "
     "rt.file_path, rt.file_delimiter, rt.file_header, rt.file_encoding, rt.file_size, rt.file_modified, "
-    "{connection}, "
+    "{connection}, {user}, "
     // A filtered table has the sample of the one that it is based on, and that one alone shows it.
     "EXISTS (SELECT 1 FROM run_table b JOIN profiled_table bt ON bt.id = b.table_id WHERE b.run = rt.run AND "
     "b.processed_records <> b.total_records AND bt.kind = 'Y' AND bt.data_source = t.data_source AND "
@@ -41,6 +43,7 @@ enum TableColumn {
     FileSize,
     FileModified,
     Connection,
+    ConnectionUser,
     IsSampled,
 };
 /// From this version on a repository says how a database was reached.
@@ -48,6 +51,9 @@ constexpr std::int64_t kConnectionsSince = 3;
 
 /// From this version on it names the files of a table.
 constexpr std::int64_t kFilesSince = 4;
+
+/// From this version on it says how each of them was read, and the user of a database.
+constexpr std::int64_t kFormsSince = 6;
 
 constexpr std::string_view kColumnsOfTable =
     "SELECT f.name, rf.type_code FROM run_field rf JOIN field f ON f.id = rf.field "
@@ -79,8 +85,24 @@ DrillTable::TextFile textFileOf(const sql::Statement& row) {
     return file;
 }
 
+/// `row` has path, quote, delimiter, encoding, size and time.
+DrillTable::TextFile::File fileOf(const sql::Statement& row) {
+    DrillTable::TextFile::File file;
+    file.path = row.text(0);
+    if (row.isNull(2))
+        return file;
+    file.delimiter = letterOf(row.text(2));
+    file.encoding = row.text(3);
+    file.size = row.integer(4);
+    file.modified = UtcTime(std::chrono::milliseconds(row.integer(5)));
+    return file;
+}
+
 DrillTable::Database databaseOf(const sql::Statement& row) {
-    DrillTable::Database database{std::string(row.text(DataSource)), std::string(row.text(Connection)), {}};
+    DrillTable::Database database;
+    database.source = row.text(DataSource);
+    database.connection = row.text(Connection);
+    database.user = row.text(ConnectionUser);
     if (row.text(QueryText).empty())
         database.address = {
             std::string(row.text(Catalog)), std::string(row.text(Schema)), std::string(row.text(Table)), {}};
@@ -96,8 +118,11 @@ Result<sql::Statement> PrViewer::Impl::tableOfField(int ofRun, int field) const 
     if (!version)
         return version.error();
     std::string sql(kTableOfField);
-    constexpr std::string_view kPlace = "{connection}";
-    sql.replace(sql.find(kPlace), kPlace.size(), *version < kConnectionsSince ? "NULL" : "rt.connection");
+    const auto fill = [&](std::string_view place, std::string_view column, std::int64_t since) {
+        sql.replace(sql.find(place), place.size(), *version < since ? "NULL" : column);
+    };
+    fill("{connection}", "rt.connection", kConnectionsSince);
+    fill("{user}", "rt.connection_user", kFormsSince);
     auto select = bound(sql, {ofRun, field});
     if (!select)
         return select;
@@ -115,22 +140,33 @@ Status PrViewer::Impl::readFiles(int ofRun, int table, DrillTable::TextFile& fil
     const auto version = connection().schemaVersion();
     if (!version)
         return version.error();
-    if (*version < kFilesSince)
-        return {};
-    auto files =
-        bound("SELECT path, quote FROM run_file WHERE run = ?1 AND table_id = ?2 ORDER BY position", {ofRun, table});
-    if (!files)
-        return files.error();
-    sql::Step step = files->step();
-    for (; step == sql::Step::Row; step = files->step()) {
-        file.files.emplace_back(files->text(0));
-        file.quote = letterOf(files->text(1));
+    if (*version >= kFilesSince) {
+        const std::string_view forms =
+            *version < kFormsSince ? "NULL, NULL, NULL, NULL" : "delimiter, encoding, size, modified";
+        auto files =
+            bound(fmt::format("SELECT path, quote, {} FROM run_file WHERE run = ?1 AND table_id = ?2 ORDER BY position",
+                              forms),
+                  {ofRun, table});
+        if (!files)
+            return files.error();
+        sql::Step step = files->step();
+        for (; step == sql::Step::Row; step = files->step()) {
+            file.files.push_back(fileOf(*files));
+            file.quote = letterOf(files->text(1));
+        }
+        if (step == sql::Step::Failed)
+            return Error{connection().errorText()};
     }
-    if (step == sql::Step::Failed)
-        return Error{connection().errorText()};
+    if (file.files.empty())
+        file.files.push_back({file.path, {}, {}, {}, -1, {}});
     if (file.files.size() == 1) {
-        file.path = file.files.front();
-        file.files.clear();
+        // Of one file the table says everything.
+        DrillTable::TextFile::File& only = file.files.front();
+        file.path = only.path;
+        only.delimiter = file.delimiter;
+        only.encoding = file.encoding;
+        only.size = file.size;
+        only.modified = file.modified;
     }
     return {};
 }
@@ -186,7 +222,8 @@ Result<WantedRows> PrViewer::Impl::wantedRows(int ofRun, int field, const KvbStr
 }
 
 Result<SourceRows> PrViewer::Impl::sourceRows(int field, const KvbString& value, bool isPattern,
-                                              PrViewDisplayMessage* sink) const {
+                                              PrViewDisplayMessage* sink) {
+    missingSource.reset();
     const auto ofRun = runOfField(field);
     if (!ofRun)
         return ofRun.error();
@@ -202,12 +239,18 @@ Result<SourceRows> PrViewer::Impl::sourceRows(int field, const KvbString& value,
             return places.error();
         table->file->places = std::move(places).value();
     }
+    if (table->file)
+        if (Status placed = placeFiles(*table->file); !placed)
+            return placed.error();
     source::KeepGoing keepGoing;
     if (sink)
         keepGoing = [sink, name = table->name] { return sink->progress("Reading " + name, 0, 0); };
     auto source = openDrillSource(*table, *wanted, askCredentials, keepGoing);
-    if (!source)
+    if (!source) {
+        if (table->file)
+            missingSource = missingFile(*table->file);
         return source.error();
+    }
     return SourceRows(std::move(source).value(), sink);
 }
 

@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <initializer_list>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -45,6 +46,8 @@ struct PrViewer::Impl {
     std::optional<sql::Transaction> changes;
     bool haveChangesFailed = false;
     KvbString error;
+    std::map<std::string, std::string> moves; ///< files that the user located in this session: new place by old path
+    std::optional<MissingFile> missingSource; ///< of the last drill-down
     SystemClock systemClock;
     const Clock* clock = nullptr;
     source::AskCredentials askCredentials = [](const std::string& name, const std::string& refusal) {
@@ -117,7 +120,13 @@ struct PrViewer::Impl {
     [[nodiscard]] Result<DrillTable> drillTable(int ofRun, int field) const;
     [[nodiscard]] Result<WantedRows> wantedRows(int ofRun, int field, const KvbString& value, bool isPattern) const;
     [[nodiscard]] Result<SourceRows> sourceRows(int field, const KvbString& value, bool isPattern,
-                                                PrViewDisplayMessage* sink) const;
+                                                PrViewDisplayMessage* sink);
+    /// Sets where the files are now.
+    Status placeFiles(DrillTable::TextFile& source) const;
+    /// The first of them that is not where it is looked for.
+    [[nodiscard]] std::optional<MissingFile> missingFile(const DrillTable::TextFile& source) const;
+    /// Of the repository.
+    [[nodiscard]] std::string filePath() const;
 
     /// Gives the session back its own connection; what was not committed is gone.
     void endChanges();

@@ -1,6 +1,7 @@
 #include "source/FileSetReader.h"
 
 #include "base/Encodings.h"
+#include "source/ShownName.h"
 
 #include <fmt/format.h>
 
@@ -16,10 +17,10 @@ constexpr std::size_t kGlance = std::size_t{1} << 16;
 
 } // namespace
 
-Result<std::unique_ptr<FileSetReader>> FileSetReader::open(std::vector<std::string> files,
-                                                           const TextFileOptions& options) {
-    std::unique_ptr<FileSetReader> set(new FileSetReader(std::move(files), options));
-    auto first = TextFileReader::open(set->m_files.front(), options);
+Result<std::unique_ptr<FileSetReader>>
+FileSetReader::open(std::vector<std::string> files, const TextFileOptions& options, std::vector<StatedForm> forms) {
+    std::unique_ptr<FileSetReader> set(new FileSetReader(std::move(files), options, std::move(forms)));
+    auto first = TextFileReader::open(set->m_files.front(), set->optionsOf(0));
     if (!first)
         return first.error();
     set->begin(std::move(*first));
@@ -27,6 +28,17 @@ Result<std::unique_ptr<FileSetReader>> FileSetReader::open(std::vector<std::stri
     set->m_options.hasHeader = set->m_current->hasHeader();
     set->m_options.findHeader = false;
     return set;
+}
+
+TextFileOptions FileSetReader::optionsOf(std::size_t file) const {
+    TextFileOptions options = m_options;
+    if (file >= m_stated.size())
+        return options;
+    if (m_stated[file].delimiter)
+        options.delimiter = m_stated[file].delimiter;
+    if (m_stated[file].encoding)
+        options.encoding = m_stated[file].encoding;
+    return options;
 }
 
 void FileSetReader::begin(std::unique_ptr<TextFileReader> reader) {
@@ -48,8 +60,8 @@ Status FileSetReader::compare(const TextFileReader& reader) const {
     const std::string all = fmt::format("the files of a table have the same columns, but \"{}\" has", m_files.front());
     if (m_names.size() != names.size())
         return Error{fmt::format("{} {} and \"{}\" {}", all, m_names.size(), reader.path(), names.size())};
-    return Error{fmt::format("{} \"{}\" where \"{}\" has \"{}\", in column {}", all, *mine, reader.path(), *theirs,
-                             mine - m_names.begin() + 1)};
+    return Error{fmt::format("{} \"{}\" where \"{}\" has \"{}\", in column {}", all, shownName(*mine), reader.path(),
+                             shownName(*theirs), mine - m_names.begin() + 1)};
 }
 
 Result<std::unique_ptr<TextFileReader>> FileSetReader::openNext(std::size_t file,
@@ -63,17 +75,20 @@ Result<std::unique_ptr<TextFileReader>> FileSetReader::openNext(std::size_t file
 }
 
 Status FileSetReader::checkColumns() {
-    // What the first file is in, most of the others are: only where it does not show the columns it has to be found.
-    TextFileOptions glance = m_options;
-    if (glance.delimiter) {
-        glance.encoding = m_current->encoding().encoding;
-        glance.pieceSize = std::min(glance.pieceSize, kGlance);
-    }
     std::int64_t total = m_current->total();
     for (std::size_t i = 1; i < m_files.size(); ++i) {
+        const TextFileOptions options = optionsOf(i);
+        TextFileOptions glance = options;
+        if (glance.delimiter) {
+            // Most files are in the encoding of the first: another is looked for where that one does not show the
+            // columns.
+            if (!glance.encoding)
+                glance.encoding = m_current->encoding().encoding;
+            glance.pieceSize = std::min(glance.pieceSize, kGlance);
+        }
         auto reader = openNext(i, glance);
-        if (!reader && glance.encoding != m_options.encoding)
-            reader = openNext(i, m_options);
+        if (!reader && glance.encoding != options.encoding)
+            reader = openNext(i, options);
         if (!reader)
             return reader.error();
         total += (*reader)->total();
@@ -120,7 +135,7 @@ Result<bool> FileSetReader::read(RowBlock& block) {
         m_rows.back() += static_cast<std::int64_t>(block.rows);
         if (*more || m_rows.size() == m_files.size())
             return more;
-        auto next = openNext(m_rows.size(), m_options);
+        auto next = openNext(m_rows.size(), optionsOf(m_rows.size()));
         if (!next)
             return next.error();
         m_bytesBefore = position();

@@ -20,14 +20,20 @@ struct FileForm {
     UtcTime modified{};
 };
 
+/// How one of several files is read, where it is known.
+struct StatedForm {
+    std::optional<char> delimiter;       ///< 0: its lines are not split
+    const CEncoding* encoding = nullptr; ///< null: not known
+};
+
 /// Text files with the same columns as one table: the rows of the first, then those of the second, and so on. One file
 /// is open at a time.
 class FileSetReader final : public RowReader {
   public:
     /// `files` is not empty. What is not stated is found in each file by itself, save for whether there is a header:
-    /// the first file tells.
-    [[nodiscard]] static Result<std::unique_ptr<FileSetReader>> open(std::vector<std::string> files,
-                                                                     const TextFileOptions& options);
+    /// the first file tells. `forms` goes before the options; there is one for each file, or none.
+    [[nodiscard]] static Result<std::unique_ptr<FileSetReader>>
+    open(std::vector<std::string> files, const TextFileOptions& options, std::vector<StatedForm> forms = {});
 
     /// Opens every file for its columns, size and time; an error names the first that has other columns than the first
     /// file. read() finds the same, but late.
@@ -61,8 +67,9 @@ class FileSetReader final : public RowReader {
     [[nodiscard]] const TextFileReader& current() const { return *m_current; }
 
   private:
-    FileSetReader(std::vector<std::string> files, const TextFileOptions& options)
-        : m_files(std::move(files)), m_options(options) {}
+    FileSetReader(std::vector<std::string> files, const TextFileOptions& options, std::vector<StatedForm> forms)
+        : m_files(std::move(files)), m_options(options), m_stated(std::move(forms)) {}
+    [[nodiscard]] TextFileOptions optionsOf(std::size_t file) const;
     [[nodiscard]] Status compare(const TextFileReader& reader) const;
     void begin(std::unique_ptr<TextFileReader> reader);
     /// Opens it when its columns are those of the table.
@@ -73,6 +80,7 @@ class FileSetReader final : public RowReader {
 
     std::vector<std::string> m_files;
     TextFileOptions m_options;
+    std::vector<StatedForm> m_stated;
     std::vector<std::string> m_names;
     std::unique_ptr<TextFileReader> m_current;
     struct Wanted {

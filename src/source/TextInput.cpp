@@ -25,11 +25,6 @@ std::string systemText(int code) {
     return std::generic_category().message(code);
 }
 
-UtcTime modifiedTime(const struct stat& info) {
-    return UtcTime(std::chrono::seconds(info.st_mtim.tv_sec) +
-                   std::chrono::floor<std::chrono::milliseconds>(std::chrono::nanoseconds(info.st_mtim.tv_nsec)));
-}
-
 } // namespace
 
 TextInput::TextInput(std::string path, int file) : m_path(std::move(path)), m_file(file) {}
@@ -66,8 +61,8 @@ Status TextInput::begin(const CEncoding* encoding, std::size_t beginning, bool i
     // Files that the system makes up say 0.
     m_size = S_ISREG(info.st_mode) ? static_cast<std::int64_t>(info.st_size) : 0;
     m_mayWait = !S_ISREG(info.st_mode);
-    m_modified = modifiedTime(info);
     m_stamp = stampOf(info);
+    m_modified = m_stamp.modifiedTime();
     ::posix_fadvise(m_file, 0, 0, POSIX_FADV_SEQUENTIAL);
     const std::size_t wanted = encoding ? std::min(beginning, kSample) : kSample;
     const auto got = readBeginning(wanted);
@@ -93,7 +88,7 @@ Status TextInput::checkUnchanged() const {
         return {};
     if (m_bytesRead != m_size)
         return failure("changed its size while it was read");
-    if (::fstat(m_file, &info) == 0 && modifiedTime(info) != m_modified)
+    if (::fstat(m_file, &info) == 0 && stampOf(info).modifiedTime() != m_modified)
         return failure("was changed while it was read");
     return {};
 }

@@ -8,6 +8,7 @@
 #include "repository/RunWriter.h"
 #include "source/FileSetReader.h"
 #include "source/TextFileReader.h"
+#include "sql/Connection.h"
 
 #include <gtest/gtest.h>
 
@@ -51,22 +52,42 @@ class DrilledRuns : public ::testing::Test {
         show(**writer);
     }
 
-    /// Stores a run of several files as one table; the delimiter and the encoding are those that it notes.
-    void profileFiles(const std::vector<std::string>& files, char delimiter, const std::string& encoding) {
+    /// Stores a run of several files as one table, with the form that was found in each file.
+    void profileFiles(const std::vector<std::string>& files, bool hasHeader = true) {
         auto writer = repository::RunWriter::begin(m_repository, {"Job", "", "", {}});
         ASSERT_TRUE(writer) << writer.error().text;
-        auto reader = source::FileSetReader::open(files, {});
+        auto reader = source::FileSetReader::open(files, {std::nullopt, hasHeader});
         ASSERT_TRUE(reader && (*reader)->checkColumns());
         repository::TableFacts table;
         table.dataSource = m_folder.path().string();
         table.name = "orders";
         table.isTextFile = true;
-        table.textFile = {m_folder.file("*.csv"), delimiter, true, encoding, false, (*reader)->total(),
-                          (*reader)->modified(),  '"'};
-        for (const std::string& file : files)
-            table.textFile.files.push_back({file, delimiter, encoding, false, 0, {}});
+        table.textFile.path = m_folder.file("*.csv");
+        table.textFile.hasHeader = hasHeader;
+        table.textFile.size = (*reader)->total();
+        table.textFile.modified = (*reader)->modified();
+        for (const std::string& file : files) {
+            const auto one = source::TextFileReader::open(file, {std::nullopt, hasHeader});
+            ASSERT_TRUE(one);
+            table.textFile.files.push_back({file, (*one)->delimiter(), (*one)->encoding().encoding->name,
+                                            (*one)->hasByteOrderMark(), (*one)->fileSize(), (*one)->modified()});
+        }
+        table.textFile.delimiter = table.textFile.files.back().delimiter;
+        table.textFile.encoding = table.textFile.files.back().encoding;
         store(**writer, table, **reader);
         show(**writer);
+    }
+    /// The same as versions before 6 stored it: delimiter and encoding of the last file alone.
+    void profileFilesAsOnce(const std::vector<std::string>& files, char delimiter, const std::string& encoding) {
+        profileFiles(files);
+        const auto repository = sql::Connection::openFile(m_repository, sql::OpenMode::Write);
+        ASSERT_TRUE(repository &&
+                    (*repository)
+                        ->execute(("UPDATE run_file SET delimiter = NULL, encoding = NULL, byte_order_mark = NULL, "
+                                   "size = NULL, modified = NULL; UPDATE run_table SET file_delimiter = '" +
+                                   std::string(1, delimiter) + "', file_encoding = '" + encoding + "'")
+                                      .c_str())
+                        .ok());
     }
 
     void show(repository::RunWriter& writer) {
