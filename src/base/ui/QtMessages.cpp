@@ -1,5 +1,6 @@
 #include "base/ui/QtMessages.h"
 
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 
 #include <QApplication>
@@ -35,14 +36,14 @@ QString shortened(QString text) {
     return text;
 }
 
-int run(QMessageBox& box, std::string_view text, std::string_view caption) {
+int run(ModalDialog<QMessageBox>& box, std::string_view text, std::string_view caption) {
     // A box may come up while work is going on; it must not inherit the wait cursor.
     const CursorGuard arrow(Qt::ArrowCursor);
-    box.setObjectName(QStringLiteral("message"));
-    box.setWindowTitle(captionOrName(caption));
-    box.setTextFormat(Qt::PlainText);
-    box.setText(shortened(toQString(text)));
-    box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    box->setObjectName(QStringLiteral("message"));
+    box->setWindowTitle(captionOrName(caption));
+    box->setTextFormat(Qt::PlainText);
+    box->setText(shortened(toQString(text)));
+    box->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     return box.exec();
 }
 
@@ -56,14 +57,15 @@ QWidget* owner(const QPointer<QWidget>& window) {
 } // namespace
 
 void QtMessages::warn(std::string_view text, std::string_view caption) {
-    QMessageBox box(QMessageBox::Warning, {}, {}, QMessageBox::Ok, owner(m_window));
+    ModalDialog<QMessageBox> box(QMessageBox::Warning, QString(), QString(), QMessageBox::Ok, owner(m_window));
     run(box, text, caption);
 }
 
 Messages::Answer QtMessages::ask(std::string_view text, std::string_view caption, Answer preset) {
-    QMessageBox box(QMessageBox::Question, {}, {}, QMessageBox::Yes | QMessageBox::No, owner(m_window));
-    box.setDefaultButton(preset == Answer::Yes ? QMessageBox::Yes : QMessageBox::No);
-    box.setEscapeButton(QMessageBox::No);
+    ModalDialog<QMessageBox> box(QMessageBox::Question, QString(), QString(), QMessageBox::Yes | QMessageBox::No,
+                                 owner(m_window));
+    box->setDefaultButton(preset == Answer::Yes ? QMessageBox::Yes : QMessageBox::No);
+    box->setEscapeButton(QMessageBox::No);
     return run(box, text, caption) == QMessageBox::Yes ? Answer::Yes : Answer::No;
 }
 

@@ -1,15 +1,18 @@
 #include "grid/ui/CUGCtrl.h"
 
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "grid/GridCopy.h"
 #include "grid/ui/CellDelegate.h"
 #include "grid/ui/GridHeader.h"
 #include "grid/ui/GridModel.h"
+#include "grid/ui/TypingSearch.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QItemSelectionModel>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QScrollBar>
 #include <QStyle>
@@ -21,8 +24,6 @@ namespace tavix {
 
 namespace {
 
-// Typing looks at no more rows than this, so that a key press never waits.
-constexpr int kSearchedRows = 200'000;
 // Sorting this many rows takes long enough to show that it goes on.
 constexpr int kManyRows = 100'000;
 
@@ -45,12 +46,19 @@ class WaitCursor {
 
 } // namespace
 
-CUGCtrl::CUGCtrl(QWidget* parent) : QTableView(parent), m_model(new GridModel(this)), m_widths(*this, *m_model) {
+CUGCtrl::CUGCtrl(QWidget* parent)
+    : QTableView(parent),
+      m_model(new GridModel(this)),
+      m_widths(*this, *m_model),
+      m_search(new TypingSearch(*this, *m_model)) {
     setModel(m_model);
     SetUpView(*this);
     setHorizontalScrollMode(ScrollPerPixel);
     setTabKeyNavigation(false);
     ApplyFont();
+    connect(m_search, &TypingSearch::Found, this, &CUGCtrl::SelectRow);
+    // A search is over when the user moves to another row by hand.
+    connect(selectionModel(), &QItemSelectionModel::currentRowChanged, m_search, &TypingSearch::Stop);
     connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this](const QModelIndex& current) { Q_EMIT CurrentRowChanged(current.isValid() ? current.row() : -1); });
 }
@@ -269,7 +277,19 @@ void CUGCtrl::CopySelection(bool withHeadings) const {
         QApplication::clipboard()->setText(toQString(copyRows(*m_model->source(), rows, withHeadings)));
 }
 
+// Whole rows are selected, so the ends are those of the list and not those of a row.
+QModelIndex CUGCtrl::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+    const int rows = m_model->rowCount();
+    if ((action != MoveHome && action != MoveEnd) || rows == 0)
+        return QTableView::moveCursor(action, modifiers);
+    return m_model->index(action == MoveHome ? 0 : rows - 1, std::max(0, currentIndex().column()));
+}
+
 void CUGCtrl::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape && m_search->IsRunning()) {
+        m_search->Stop();
+        return;
+    }
     const bool control = event->modifiers().testFlag(Qt::ControlModifier);
     if (control && event->key() == Qt::Key_C) {
         CopySelection(event->modifiers().testFlag(Qt::ShiftModifier));
@@ -288,22 +308,7 @@ void CUGCtrl::keyPressEvent(QKeyEvent* event) {
 }
 
 void CUGCtrl::keyboardSearch(const QString& typed) {
-    const bool goesOn = m_sinceTyped.isValid() && m_sinceTyped.elapsed() < QApplication::keyboardInputInterval();
-    m_sinceTyped.start();
-    m_typed = goesOn ? m_typed + typed : typed;
-    // One letter again and again walks through the names that begin with it.
-    const bool repeated = m_typed.count(m_typed.at(0), Qt::CaseInsensitive) == m_typed.size();
-    const QString wanted = repeated ? m_typed.left(1) : m_typed;
-    const int rows = std::min(m_model->rowCount(), kSearchedRows);
-    const int start = std::max(0, currentIndex().row()) + (repeated && currentIndex().isValid() ? 1 : 0);
-    for (int step = 0; step < rows; ++step) {
-        const int row = (start + step) % rows;
-        const QString name = m_model->index(row, 0).data().toString();
-        if (name.startsWith(wanted, Qt::CaseInsensitive)) {
-            SelectRow(row);
-            return;
-        }
-    }
+    m_search->Type(typed);
 }
 
 void CUGCtrl::contextMenuEvent(QContextMenuEvent* event) {
@@ -335,6 +340,7 @@ void CUGCtrl::ShowMenu(const QPoint& globalPosition) {
         menu.addAction(QStringLiteral("&Sort by %1").arg(QString(heading).replace(u'&', QStringLiteral("&&"))), this,
                        [this, column] { ToggleSort(column); });
     }
+    const NestedLoop loop(NestedLoop::Kind::Other);
     menu.exec(globalPosition);
 }
 
@@ -368,6 +374,7 @@ void CUGCtrl::PlaceLockedView() {
 
 void CUGCtrl::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
+    m_search->PlaceLine();
     m_widths.FitToView();
     PlaceLockedView();
 }

@@ -3,7 +3,6 @@
 #include "grid/CUGDataSource.h"
 #include "grid/ui/ColumnWidths.h"
 
-#include <QElapsedTimer>
 #include <QTableView>
 
 #include <memory>
@@ -14,11 +13,12 @@
 namespace tavix {
 
 class GridModel;
+class TypingSearch;
 
 /// The one grid: the rows of a CUGDataSource, of which only those on the screen are fetched. Whole rows are selected.
 /// A click on a heading sorts where the source can; leading locked columns stay in view; typing finds a row by its
-/// first column; Ctrl+C copies the selected rows, Ctrl+Shift+C with the headings. Actions added to the widget come
-/// first in its context menu.
+/// first column, and Escape stops a long search; Home and End go to the first and the last row; Ctrl+C copies the
+/// selected rows, Ctrl+Shift+C with the headings. Actions added to the widget come first in its context menu.
 class CUGCtrl final : public QTableView {
     Q_OBJECT
   public:
@@ -57,6 +57,7 @@ class CUGCtrl final : public QTableView {
     void RowActivated(qint64 row);
 
   protected:
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -87,8 +88,7 @@ class CUGCtrl final : public QTableView {
     std::optional<std::string> m_sortKey; ///< the identity of the column
     bool m_sortDescending = false;
     bool m_showsInvisible = false;
-    QString m_typed;
-    QElapsedTimer m_sinceTyped;
+    TypingSearch* m_search;
 };
 
 } // namespace tavix

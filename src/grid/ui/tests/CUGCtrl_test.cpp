@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
+#include <QLabel>
 #include <QScrollBar>
 #include <QTest>
 
@@ -384,6 +385,89 @@ TEST(CUGCtrl, oneRowIsNotSortedAndAnotherColumnStartsAscending) {
     clickHeading(grid, 0);
     EXPECT_EQ("row0 row1 row2 row3 row4 ", firstColumn(grid));
     EXPECT_EQ(Qt::AscendingOrder, grid.horizontalHeader()->sortIndicatorOrder());
+}
+
+TEST(Grid, HomeAndEndGoToTheEndsOfTheList) {
+    Rows source(500);
+    CUGCtrl grid;
+    grid.SetSource(&source);
+    grid.resize(300, 200);
+    grid.show();
+    grid.SelectRow(250);
+    QTest::keyClick(&grid, Qt::Key_End);
+    EXPECT_EQ(499, grid.GetCurrentRow());
+    EXPECT_TRUE(grid.viewport()->rect().contains(grid.visualRect(grid.currentIndex()).center()));
+    QTest::keyClick(&grid, Qt::Key_Home, Qt::ShiftModifier);
+    EXPECT_EQ(0, grid.GetCurrentRow());
+    EXPECT_EQ(500U, grid.GetSelectedRows().size());
+    QTest::keyClick(&grid, Qt::Key_End);
+    EXPECT_EQ(1U, grid.GetSelectedRows().size());
+    grid.SetSource(nullptr);
+    QTest::keyClick(&grid, Qt::Key_End);
+}
+
+class LongTyping : public ::testing::Test {
+  protected:
+    // The last row, beyond any number of rows that one key press could look through.
+    static constexpr int kRows = 1'500'000;
+
+    LongTyping() {
+        m_grid.SetSource(&m_source);
+        m_grid.resize(400, 300);
+        m_grid.show();
+        m_grid.SelectRow(0);
+    }
+    ~LongTyping() override { m_grid.SetSource(nullptr); }
+    /// "" while it is not there.
+    [[nodiscard]] std::string line() {
+        const auto* line = m_grid.findChild<QLabel*>(QStringLiteral("typingSearch"));
+        return line && line->isVisible() ? toUtf8(line->text()) : "";
+    }
+
+    Rows m_source{kRows};
+    CUGCtrl m_grid;
+};
+
+TEST_F(LongTyping, FindsTheLastRowOfALongList) {
+    m_grid.keyboardSearch(QStringLiteral("row1499999"));
+    EXPECT_NE("", line()) << "it goes on";
+    EXPECT_EQ(0, m_grid.GetCurrentRow());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_grid.GetCurrentRow() == kRows - 1; }, 60'000));
+    EXPECT_EQ("", line());
+}
+
+TEST_F(LongTyping, CanBeStoppedAndSaysWhatItDoes) {
+    m_grid.keyboardSearch(QStringLiteral("row14999999"));
+    EXPECT_THAT(line(), ::testing::StartsWith("Looking for \u201Crow14999999\u201D: "));
+    EXPECT_THAT(line(), ::testing::EndsWith(" of 1,500,000 rows. Esc stops."));
+    QTest::keyClick(&m_grid, Qt::Key_Escape);
+    EXPECT_EQ("", line());
+    const std::size_t asked = m_source.asked.size();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(asked, m_source.asked.size());
+    EXPECT_EQ(0, m_grid.GetCurrentRow());
+
+    // Going elsewhere stops it as well, and rows that are read anew.
+    m_grid.keyboardSearch(QStringLiteral("row14999999"));
+    ASSERT_NE("", line());
+    QTest::keyClick(&m_grid, Qt::Key_Down);
+    EXPECT_EQ("", line());
+    m_grid.keyboardSearch(QStringLiteral("row14999999"));
+    ASSERT_NE("", line());
+    m_grid.SourceChanged();
+    EXPECT_EQ("", line());
+}
+
+TEST_F(LongTyping, GoesOnWithWhatIsTypedMeanwhile) {
+    m_grid.keyboardSearch(QStringLiteral("row149"));
+    EXPECT_EQ(149, m_grid.GetCurrentRow());
+    m_grid.keyboardSearch(QStringLiteral("9998"));
+    ASSERT_NE("", line());
+    m_grid.keyboardSearch(QStringLiteral("x"));
+    EXPECT_THAT(line(), ::testing::StartsWith("Looking for \u201Crow1499998x\u201D: "));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return line().rfind("No row", 0) == 0; }, 60'000));
+    EXPECT_EQ("No row begins with \u201Crow1499998x\u201D.", line());
+    EXPECT_EQ(149, m_grid.GetCurrentRow());
 }
 
 } // namespace
