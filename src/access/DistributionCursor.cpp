@@ -51,7 +51,8 @@ bool DistributionCursor::enterBlock() {
     if (m_isEntered) {
         if (!m_reader.hasMore() || (m_filter && m_filter->isDone()))
             return false;
-        report();
+        if (!goesOn())
+            throw GenException(std::string(kReadingStopped));
         requireOpen();
         auto more = m_reader.next();
         if (!more)
@@ -60,7 +61,7 @@ bool DistributionCursor::enterBlock() {
     m_isEntered = true;
     const repository::UnpackedBlock& block = m_reader.block();
     if (m_filter) {
-        auto passing = m_filter->passing(block, m_reader.firstRow());
+        auto passing = m_filter->passing(block, m_reader.firstRow(), [this] { return goesOn(); });
         if (!passing)
             throw GenException(passing.error().text);
         m_passing = *passing;
@@ -70,11 +71,10 @@ bool DistributionCursor::enterBlock() {
     return true;
 }
 
-void DistributionCursor::report() const {
+bool DistributionCursor::goesOn() const {
     const std::int64_t passed = m_reader.firstRow() + static_cast<std::int64_t>(m_reader.block().rowCount());
     PrViewDisplayMessage* const sink = m_sink ? m_sink : m_session->sink;
-    if (sink && !sink->progress(m_filter ? "Filtering" : "Reading", passed, m_rows))
-        throw GenException(kReadingStopped);
+    return !sink || sink->progress(m_filter ? "Filtering" : "Reading", passed, m_rows);
 }
 
 void DistributionCursor::requireOpen() const {

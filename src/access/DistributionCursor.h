@@ -43,8 +43,8 @@ class DistributionCursor final : public ProfileCursor {
     [[nodiscard]] Role role(int column) const;
     [[nodiscard]] bool isNullValue(Role shown) const;
     [[nodiscard]] std::int64_t number(Role shown) const;
-    /// Tells the sink; throws when the walk is not to go on.
-    void report() const;
+    /// Tells the sink; false when the walk is not to go on.
+    [[nodiscard]] bool goesOn() const;
     /// Throws when the viewer was closed.
     void requireOpen() const;
 

@@ -1,10 +1,12 @@
 #include "access/DistributionFilter.h"
 
+#include "base/Characters.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <limits>
+#include <new>
 
 namespace tavix {
 
@@ -12,21 +14,9 @@ namespace {
 
 using repository::UnpackedBlock;
 
-/// In the order of DistributionFilter::Column.
-const std::array<expression::Field, 2>& fields() {
-    static const std::array<expression::Field, 2> kFields{expression::Field{"Value", expression::Type::Text},
-                                                          expression::Field{"Count", expression::Type::Integer}};
-    return kFields;
-}
-
-/// How many bytes a condition block takes at the beginning of a filter text; docs/formats/filter.md. It is a comment,
-/// but one that a value with the end of a comment in it would end too early.
-std::size_t conditionBlockSize(std::string_view text) {
-    constexpr std::string_view kBegin = "/*{{BEGIN CONDITIONS\r\n";
-    constexpr std::string_view kEnd = "}}END CONDITIONS*/\r\n";
-    const std::size_t end = text.starts_with(kBegin) ? text.find(kEnd, kBegin.size()) : std::string_view::npos;
-    return end == std::string_view::npos ? 0 : end + kEnd.size();
-}
+/// Of a sentence that comes out of a file.
+constexpr std::size_t kLongestFault = 200;
+constexpr std::string_view kNoMemory = "There is not enough memory for the filter.";
 
 /// The first row from `first` on for which `isBehind` is true; it stays true from there on.
 template <typename Test>
@@ -44,23 +34,27 @@ std::size_t firstRowThat(std::size_t first, std::size_t last, Test isBehind) {
 } // namespace
 
 Result<std::unique_ptr<DistributionFilter>> DistributionFilter::compile(std::string_view text) {
-    const std::size_t skipped = conditionBlockSize(text);
-    expression::Compiled compiled = expression::compile(text.substr(skipped), fields(), expression::Wanted::Condition);
-    if (!compiled.ok()) {
-        compiled.error.line += static_cast<int>(std::count(text.begin(), text.begin() + skipped, '\n'));
+    if (const std::string_view fault = faultOfUnfinished(text); !fault.empty())
+        return Error{fmt::format("The filter was saved unfinished: {}.", shortened(fault, kLongestFault))};
+    const expression::Compiled compiled = compileFilter(text);
+    if (!compiled.ok())
         return Error{fmt::format("The filter is not understood: {}", expression::describe(compiled.error))};
+    try {
+        return std::unique_ptr<DistributionFilter>(new DistributionFilter(*compiled.program));
+    } catch (const std::bad_alloc&) {
+        return Error{std::string(kNoMemory)};
     }
-    return std::unique_ptr<DistributionFilter>(new DistributionFilter(*compiled.program));
 }
 
 DistributionFilter::DistributionFilter(const expression::Program& program)
-    : m_usesValue(program.uses(Value)),
-      m_usesCount(program.uses(Count)),
-      m_range(program.passingRange(Count)),
+    : m_usesValue(program.uses(ValueColumn)),
+      m_usesCount(program.uses(CountColumn)),
+      m_range(program.passingRange(CountColumn)),
       m_evaluator(program),
       m_isDone(m_range.isEmpty() || m_range.high < 0) {}
 
-Result<std::span<const std::uint32_t>> DistributionFilter::passing(const UnpackedBlock& block, std::int64_t firstRow) {
+Result<std::span<const std::uint32_t>> DistributionFilter::passing(const UnpackedBlock& block, std::int64_t firstRow,
+                                                                   const expression::GoOn& goOn) {
     if (m_isDone || block.rowCount() == 0)
         return std::span<const std::uint32_t>();
     std::size_t first = 0;
@@ -79,7 +73,14 @@ Result<std::span<const std::uint32_t>> DistributionFilter::passing(const Unpacke
             return std::span<const std::uint32_t>();
     }
 
-    const std::span<const std::uint32_t> rows = m_evaluator.passing(columnsOf(block, first, last));
+    std::span<const std::uint32_t> rows;
+    try {
+        rows = m_evaluator.passing(columnsOf(block, first, last), goOn);
+    } catch (const std::bad_alloc&) {
+        return Error{std::string(kNoMemory)};
+    }
+    if (m_evaluator.wasStopped())
+        return Error{std::string(kReadingStopped)};
     if (m_evaluator.failures() > 0) {
         if (m_failures == 0) {
             m_firstFailed = firstRow + static_cast<std::int64_t>(first + m_evaluator.firstFailedRow());
@@ -98,7 +99,7 @@ Result<std::span<const std::uint32_t>> DistributionFilter::passing(const Unpacke
 expression::Block DistributionFilter::columnsOf(const UnpackedBlock& block, std::size_t first, std::size_t last) {
     const std::size_t rows = last - first;
     if (m_usesValue) {
-        expression::BlockColumn& values = m_columns[Value];
+        expression::BlockColumn& values = m_columns[ValueColumn];
         const std::uint32_t begin = first == 0 ? 0 : block.ends()[first - 1];
         values.bytes = block.text().substr(begin, block.ends()[last - 1] - begin);
         values.ends = block.ends().subspan(first, rows);
@@ -121,8 +122,8 @@ expression::Block DistributionFilter::columnsOf(const UnpackedBlock& block, std:
         const bool isUniform = block.countAt(first) == block.countAt(last - 1);
         m_counts.resize(isUniform ? 1 : rows);
         block.readCounts(first, m_counts);
-        m_columns[Count].counts = m_counts;
-        m_columns[Count].isUniform = isUniform;
+        m_columns[CountColumn].counts = m_counts;
+        m_columns[CountColumn].isUniform = isUniform;
     }
     return {rows, m_columns};
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "access/FilterCode.h"
 #include "base/KvbString.h"
 #include "base/Result.h"
 #include "expression/BlockEvaluator.h"
@@ -13,18 +14,22 @@
 
 namespace tavix {
 
+/// Says that whoever was told of the progress wanted no more.
+inline constexpr std::string_view kReadingStopped = "The reading was stopped.";
+
 /// A filter text, compiled, and what came of it so far. It is applied to the blocks of one distribution in their order.
 class DistributionFilter {
   public:
-    /// `text` is expression code with or without a condition block before it. The error says line and column, counted
-    /// in all of `text`.
+    /// `text` is expression code with or without a condition block before it. The error says line and column in the
+    /// code.
     [[nodiscard]] static Result<std::unique_ptr<DistributionFilter>> compile(std::string_view text);
 
     /// The rows of the block that pass, ascending; valid until the next call. `firstRow` is the number of the block's
     /// first row in the distribution. Columns that the condition does not use are not looked at, nor are rows that the
-    /// count alone rules out. Fails on a block that no distribution has.
-    [[nodiscard]] Result<std::span<const std::uint32_t>> passing(const repository::UnpackedBlock& block,
-                                                                 std::int64_t firstRow);
+    /// count alone rules out. Fails on a block that no distribution has, without memory, and when `goOn`, which is
+    /// asked within a block whose rows make long texts, answers false.
+    [[nodiscard]] Result<std::span<const std::uint32_t>>
+    passing(const repository::UnpackedBlock& block, std::int64_t firstRow, const expression::GoOn& goOn = {});
     /// Whether no row behind the last block can pass, for counts only fall.
     [[nodiscard]] bool isDone() const { return m_isDone; }
     /// Of rows that could not be evaluated and therefore do not pass: how many, the first one, and why. Null without.
@@ -36,7 +41,6 @@ class DistributionFilter {
     [[nodiscard]] expression::Block columnsOf(const repository::UnpackedBlock& block, std::size_t first,
                                               std::size_t last);
 
-    enum Column { Value, Count, Columns };
     bool m_usesValue;
     bool m_usesCount;
     expression::IntegerRange m_range; ///< of the count, for a row to pass
@@ -47,7 +51,7 @@ class DistributionFilter {
     std::string m_firstFailure;
 
     // The block that is looked at, as far as it has to be made.
-    expression::BlockColumn m_columns[Columns];
+    expression::BlockColumn m_columns[FilterColumns];
     std::vector<std::uint32_t> m_ends;
     std::vector<std::uint64_t> m_counts;
     std::vector<std::uint8_t> m_nulls;

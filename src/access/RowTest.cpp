@@ -23,7 +23,8 @@ class CellTest final : public RowTest {
   public:
     CellTest(std::size_t column, Test test) : m_column(column), m_test(std::move(test)) {}
 
-    void narrow(const source::RowBlock& block, std::vector<std::uint32_t>& rows) override {
+    void narrow(const source::RowBlock& block, std::vector<std::uint32_t>& rows,
+                const expression::GoOn& /*goOn*/) override {
         const std::vector<Cell>& cells = block.columns[m_column];
         std::erase_if(rows, [&](std::uint32_t row) { return !m_test(cells[row]); });
     }
@@ -46,11 +47,12 @@ class ConditionTest final : public RowTest {
                 m_columns.push_back({field, {}, {}, {}});
     }
 
-    void narrow(const source::RowBlock& block, std::vector<std::uint32_t>& rows) override {
+    void narrow(const source::RowBlock& block, std::vector<std::uint32_t>& rows,
+                const expression::GoOn& goOn) override {
         std::size_t kept = 0;
         for (std::size_t first = 0; first < rows.size();) {
             const auto slice = gather(block, std::span(rows).subspan(first));
-            for (const std::uint32_t passing : m_evaluator.passing({slice, m_views}))
+            for (const std::uint32_t passing : m_evaluator.passing({slice, m_views}, goOn))
                 rows[kept++] = rows[first + passing];
             first += slice;
         }

@@ -16,8 +16,10 @@ namespace tavix {
 class RowTest {
   public:
     virtual ~RowTest() = default;
-    /// Takes the rows that are not wanted out of `rows`, which are places in the block, ascending.
-    virtual void narrow(const source::RowBlock& block, std::vector<std::uint32_t>& rows) = 0;
+    /// Takes the rows that are not wanted out of `rows`, which are places in the block, ascending. `goOn` is asked now
+    /// and then where that takes long; when it answered false the rows are of no use.
+    virtual void narrow(const source::RowBlock& block, std::vector<std::uint32_t>& rows,
+                        const expression::GoOn& goOn) = 0;
 };
 
 /// Rows whose cell in a column, counted from 0, is null.

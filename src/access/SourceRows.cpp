@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include <new>
 #include <numeric>
 #include <utility>
 
@@ -38,7 +39,10 @@ bool SourceRows::readBlock() {
     m_rows.clear();
     m_next = 0;
     source::RowReader& reader = *m_source.reader;
-    if (m_sink && !m_sink->progress(fmt::format("Reading {}", m_source.name), reader.position(), reader.total()))
+    const auto goOn = [&] {
+        return !m_sink || m_sink->progress(fmt::format("Reading {}", m_source.name), reader.position(), reader.total());
+    };
+    if (!goOn())
         return false;
     const auto more = reader.read(m_block);
     if (!more) {
@@ -52,9 +56,14 @@ bool SourceRows::readBlock() {
         return false;
     m_rows.resize(m_block.rows);
     std::iota(m_rows.begin(), m_rows.end(), 0U);
-    for (const auto& test : m_source.tests)
-        test->narrow(m_block, m_rows);
-    return true;
+    bool isStopped = false;
+    try {
+        for (const auto& test : m_source.tests)
+            test->narrow(m_block, m_rows, [&] { return !(isStopped = isStopped || !goOn()); });
+    } catch (const std::bad_alloc&) {
+        throw GenException("There is not enough memory to test the rows.");
+    }
+    return !isStopped;
 }
 
 KvbString SourceRows::warning() const {

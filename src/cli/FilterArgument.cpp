@@ -39,6 +39,16 @@ std::string readFilterFile(const std::string& path) {
     return std::move(*text);
 }
 
+/// Whether the bytes are those of a ".flt" file: a length that fits, and no beginning of a text before it.
+bool isFilterFile(std::string_view bytes) {
+    if (bytes.size() < 2)
+        return false;
+    const auto low = static_cast<unsigned char>(bytes[0]);
+    const auto high = static_cast<unsigned char>(bytes[1]);
+    const bool isText = low >= ' ' && high >= ' ' && !bytes.substr(2).starts_with("/*{{BEGIN CONDITIONS");
+    return !isText && bytes.size() - 2 == (std::size_t{low} | std::size_t{high} << 8U);
+}
+
 std::string readTextFile(const std::string& path) {
     if (const Status free = requireNotHeld(path); !free)
         throw CommandError(ExitCode::Usage, free.error().text);
@@ -51,6 +61,8 @@ std::string readTextFile(const std::string& path) {
     text.resize(static_cast<std::size_t>(file.gcount()));
     if (text.size() > kLongestFile)
         fail(path, fmt::format("a filter has at most {} bytes", kLongestFile));
+    if (isFilterFile(text))
+        fail(path, "this is a filter as the dialog saves it; a file with one has to be named *.flt");
     if (text.starts_with(kByteOrderMark))
         text.erase(0, kByteOrderMark.size());
     return text;

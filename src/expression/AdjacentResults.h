@@ -14,10 +14,7 @@ namespace tavix::expression {
 /// Texts that are made one after the other in one piece of memory.
 class AdjacentResults {
   public:
-    /// Beyond this the texts are made row by row, where each is bounded.
-    static constexpr std::size_t kMostBytes = std::size_t{8} << 20;
-
-    /// Room for `size` bytes and some more, which copying in steps may overwrite.
+    /// Room for `size` bytes, which the frame allowed, and some more, which copying in steps may overwrite.
     void begin(std::size_t rows, std::size_t size) {
         if (m_bytes.size() < size + kStep)
             m_bytes.resize(size + kStep);

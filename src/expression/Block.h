@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string_view>
 
@@ -19,6 +20,9 @@ struct BlockColumn {
     /// Whether all rows hold the first number; the others need not be there then.
     bool isUniform = false;
 };
+
+/// Asked while a block is evaluated whose rows make long texts; false ends that.
+using GoOn = std::function<bool()>;
 
 /// A few thousand rows, as a distribution stores them. Everything is borrowed.
 struct Block {

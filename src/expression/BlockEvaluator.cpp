@@ -1,16 +1,36 @@
 #include "expression/BlockEvaluator.h"
 
+#include "expression/BlockPieces.h"
 #include "expression/Frame.h"
 #include "expression/Predicate.h"
+
+#include <vector>
 
 namespace tavix::expression {
 
 struct BlockEvaluator::State {
-    explicit State(const Node& condition) : predicate(makePredicate(condition)) {}
+    explicit State(const Node& condition) : pieces(condition), predicate(makePredicate(condition)) {}
+
+    void evaluate() {
+        rows.fill(frame.rows());
+        predicate->narrow(frame, rows, true);
+    }
+    void accept(std::uint32_t first, bool isWhole) {
+        if (frame.hasFailures()) {
+            rows.keepIf([&](std::uint32_t row) { return !frame.isFailed(row); });
+            failures.add(frame, first);
+        }
+        if (!isWhole)
+            rows.forEach([&](std::uint32_t row) { passing.push_back(first + row); });
+    }
 
     Frame frame;
+    BlockPieces pieces;
     RowSet rows;
     PredicatePtr predicate;
+    BlockFailures failures;
+    std::vector<std::uint32_t> passing; ///< of a block that was taken in pieces
+    bool wasStopped = false;
 };
 
 BlockEvaluator::BlockEvaluator(Program program)
@@ -18,27 +38,34 @@ BlockEvaluator::BlockEvaluator(Program program)
 
 BlockEvaluator::~BlockEvaluator() = default;
 
-std::span<const std::uint32_t> BlockEvaluator::passing(const Block& block) {
-    Frame& frame = m_state->frame;
-    RowSet& rows = m_state->rows;
-    frame.begin(block);
-    rows.fill(block.rows);
-    m_state->predicate->narrow(frame, rows, true);
-    if (frame.hasFailures())
-        rows.keepIf([&](std::uint32_t row) { return !frame.isFailed(row); });
-    return rows.list();
+std::span<const std::uint32_t> BlockEvaluator::passing(const Block& block, const GoOn& goOn) {
+    State& state = *m_state;
+    state.failures = {};
+    state.passing.clear();
+    bool isWhole = false;
+    const auto accept = [&](std::uint32_t first) {
+        isWhole = state.frame.rows() == block.rows;
+        state.accept(first, isWhole);
+    };
+    state.wasStopped = !state.pieces.walk(
+        state.frame, block, goOn, [&] { state.evaluate(); }, accept);
+    return isWhole ? state.rows.list() : std::span<const std::uint32_t>(state.passing);
+}
+
+bool BlockEvaluator::wasStopped() const {
+    return m_state->wasStopped;
 }
 
 std::size_t BlockEvaluator::failures() const {
-    return m_state->frame.failures();
+    return m_state->failures.count;
 }
 
 std::uint32_t BlockEvaluator::firstFailedRow() const {
-    return m_state->frame.firstFailedRow();
+    return m_state->failures.firstRow;
 }
 
 const std::string& BlockEvaluator::firstFailure() const {
-    return m_state->frame.firstFailure();
+    return m_state->failures.first;
 }
 
 } // namespace tavix::expression

@@ -22,9 +22,12 @@ class BlockEvaluator {
 
     /// The rows for which the condition is true, ascending; valid until the next call. Rows that could not be
     /// evaluated are not among them; they are counted below.
-    [[nodiscard]] std::span<const std::uint32_t> passing(const Block& block);
+    /// `goOn` is asked within a block only when its rows make long texts; when it answers false, the rows so far are
+    /// given and wasStopped() is true.
+    [[nodiscard]] std::span<const std::uint32_t> passing(const Block& block, const GoOn& goOn = {});
 
     // Of the last block.
+    [[nodiscard]] bool wasStopped() const;
     [[nodiscard]] std::size_t failures() const;
     /// The first row that failed, and why; only to be asked when one did.
     [[nodiscard]] std::uint32_t firstFailedRow() const;

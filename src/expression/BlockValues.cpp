@@ -1,16 +1,19 @@
 #include "expression/BlockValues.h"
 
+#include "expression/BlockPieces.h"
 #include "expression/Frame.h"
 #include "expression/Operand.h"
 
 namespace tavix::expression {
 
 struct BlockValues::State {
-    explicit State(const Node& node) : operand(makeOperand(node)) {}
+    explicit State(const Node& node) : pieces(node), operand(makeOperand(node)) {}
 
     Frame frame;
+    BlockPieces pieces;
     RowSet rows;
     OperandPtr operand;
+    BlockFailures failures;
 };
 
 BlockValues::BlockValues(Program program)
@@ -18,26 +21,31 @@ BlockValues::BlockValues(Program program)
 
 BlockValues::~BlockValues() = default;
 
-const Vector& BlockValues::evaluate(const Block& block) {
-    m_state->frame.begin(block);
-    m_state->rows.fill(block.rows);
-    return m_state->operand->evaluate(m_state->frame, m_state->rows);
-}
-
-bool BlockValues::isFailed(std::uint32_t row) const {
-    return m_state->frame.hasFailures() && m_state->frame.isFailed(row);
+void BlockValues::evaluate(const Block& block, const std::function<void(const ValuePiece&)>& take, const GoOn& goOn) {
+    State& state = *m_state;
+    state.failures = {};
+    const Vector* values = nullptr;
+    const auto evaluate = [&] {
+        state.rows.fill(state.frame.rows());
+        values = &state.operand->evaluate(state.frame, state.rows);
+    };
+    const auto accept = [&](std::uint32_t first) {
+        state.failures.add(state.frame, first);
+        take({static_cast<std::uint32_t>(state.frame.rows()), *values, state.frame.failed()});
+    };
+    (void)state.pieces.walk(state.frame, block, goOn, evaluate, accept);
 }
 
 std::size_t BlockValues::failures() const {
-    return m_state->frame.failures();
+    return m_state->failures.count;
 }
 
 std::uint32_t BlockValues::firstFailedRow() const {
-    return m_state->frame.firstFailedRow();
+    return m_state->failures.firstRow;
 }
 
 const std::string& BlockValues::firstFailure() const {
-    return m_state->frame.firstFailure();
+    return m_state->failures.first;
 }
 
 } // namespace tavix::expression

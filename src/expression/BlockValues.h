@@ -6,10 +6,21 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <span>
 #include <string>
 
 namespace tavix::expression {
+
+/// The values of an expression in rows of a block that follow each other.
+struct ValuePiece {
+    std::uint32_t rows = 0;
+    const Vector& values;                 ///< by the row's number within the piece
+    std::span<const std::uint8_t> failed; ///< not 0 for a row whose value is of no use; empty when there is none
+
+    [[nodiscard]] bool isFailed(std::uint32_t row) const { return !failed.empty() && failed[row] != 0; }
+};
 
 /// Computes the values of an expression for all rows of a block. For one thread.
 class BlockValues {
@@ -19,11 +30,11 @@ class BlockValues {
     BlockValues& operator=(const BlockValues&) = delete;
     ~BlockValues();
 
-    /// Valid until the next call and as long as the block is. The value of a row that failed is of no use.
-    [[nodiscard]] const Vector& evaluate(const Block& block);
+    /// Gives the values to `take`, mostly all at once, or in several pieces in the order of the rows when they make
+    /// long texts. A piece is valid for the call. `goOn` is asked between pieces; false ends the evaluation.
+    void evaluate(const Block& block, const std::function<void(const ValuePiece&)>& take, const GoOn& goOn = {});
 
     // Of the last block.
-    [[nodiscard]] bool isFailed(std::uint32_t row) const;
     [[nodiscard]] std::size_t failures() const;
     /// The first row that failed, and why; only to be asked when one did.
     [[nodiscard]] std::uint32_t firstFailedRow() const;

@@ -5,6 +5,7 @@
 #include "expression/TextOperators.h"
 
 #include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -55,7 +56,7 @@ class ReplaceOperand : public Operand {
         if (source.ends && rows.isDense() && frame.rows() > 0) {
             const std::size_t size = source.ends[frame.rows() - 1];
             const std::size_t longest = size / m_search.needle().size() * m_replacement.size() + size;
-            if (longest <= AdjacentResults::kMostBytes)
+            if (frame.takeAdjacent(longest))
                 return replaceBlock(source, frame.rows(), longest);
         }
         return m_rowByRow.evaluate(frame, rows,
@@ -122,10 +123,10 @@ class ConcatOperand : public Operand {
         m_columns.clear();
         for (const OperandPtr& part : m_parts)
             m_columns.push_back(&part->evaluate(frame, rows));
-        const std::size_t size = totalSize(frame.rows(), rows);
-        if (size > AdjacentResults::kMostBytes)
+        const std::optional<std::size_t> size = totalSize(frame.rows(), rows);
+        if (!size || !frame.takeAdjacent(*size))
             return m_rowByRow.evaluate(frame, rows, m_columns);
-        m_results.begin(frame.rows(), size);
+        m_results.begin(frame.rows(), *size);
         bool isAllAscii = true;
         m_nulls.begin();
         m_readers.clear();
@@ -154,12 +155,12 @@ class ConcatOperand : public Operand {
         const std::string_view* texts;
     };
 
-    /// What the rows take together; beyond the limit when a part is null throughout.
-    [[nodiscard]] std::size_t totalSize(std::size_t blockRows, const RowSet& rows) const {
+    /// What the rows take together; none when a part is null throughout.
+    [[nodiscard]] std::optional<std::size_t> totalSize(std::size_t blockRows, const RowSet& rows) const {
         std::size_t size = 0;
         for (const Vector* column : m_columns) {
             if (column->isConstant && column->constant.isNull())
-                return AdjacentResults::kMostBytes + 1;
+                return std::nullopt;
             if (column->isConstant)
                 size += column->constant.text.size() * rows.size();
             else if (column->ends)
@@ -193,7 +194,7 @@ class PadOperand : public Operand {
         if (source.isAscii())
             withTexts(source,
                       [&](auto texts) { rows.forEach([&](std::uint32_t row) { longest += texts[row].size(); }); });
-        if (!source.isAscii() || longest > AdjacentResults::kMostBytes) {
+        if (!source.isAscii() || !frame.takeAdjacent(longest)) {
             m_columns.assign(1, &source);
             for (std::size_t i = 1; i < m_arguments.size(); ++i)
                 m_columns.push_back(&m_arguments[i]->evaluate(frame, rows));

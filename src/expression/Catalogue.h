@@ -16,6 +16,7 @@ enum class Form : std::uint8_t {
     FirstNonNull, ///< ifnull and coalesce: one type for all, not null when one of them is not
     OneType,      ///< all arguments are brought to one type, which is that of the result
     InList,       ///< all arguments are brought to one type
+    Compare,      ///< the first two arguments are dates when one of them is
     Wildcard,     ///< the second argument is a wildcard pattern
     Regular,      ///< the second argument is a regular expression
 };
@@ -34,7 +35,7 @@ struct Function {
     int minimum = 1;
     int maximum = 1;
     Form form = Form::Plain;
-    Implementation implementation = nullptr; ///< where form is Plain, OneType or Wildcard
+    Implementation implementation = nullptr; ///< where form is Plain, OneType, Compare or Wildcard
 };
 
 inline constexpr int kMostArguments = 65535;

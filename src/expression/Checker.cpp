@@ -1,12 +1,16 @@
 #include "expression/Checker.h"
 
+#include "base/Characters.h"
+#include "base/NearestWord.h"
 #include "base/NumberText.h"
-#include "expression/Conversion.h"
+#include "expression/FixedPatterns.h"
 #include "expression/Hints.h"
+#include "expression/Lexer.h"
 #include "expression/MadeNodes.h"
+#include "expression/NumberFunctions.h"
 #include "expression/Rewriter.h"
 #include "expression/TextOperators.h"
-#include "expression/Wildcard.h"
+#include "expression/TypeMeeting.h"
 
 #include <fmt/format.h>
 
@@ -16,11 +20,12 @@ namespace tavix::expression {
 
 namespace {
 
-constexpr std::size_t kLongestPattern = 4096;
+constexpr const char* kTextOfDate = "; totext(...) makes texts of dates";
 
 class Builder {
   public:
-    Builder(std::span<const Field> fields, Wanted wanted) : m_fields(fields), m_wanted(wanted) {}
+    Builder(std::size_t size, std::span<const Field> fields, Wanted wanted)
+        : m_fields(fields), m_wanted(wanted), m_folder(size) {}
 
     NodePtr result(const Syntax& syntax) { return m_wanted == Wanted::Condition ? condition(syntax) : build(syntax); }
     [[nodiscard]] std::optional<ExpressionError> takeError() { return std::move(m_error); }
@@ -29,7 +34,11 @@ class Builder {
   private:
     NodePtr build(const Syntax& syntax) {
         NodePtr node = buildUnfolded(syntax);
-        return node ? fold(rewrite(std::move(node))) : nullptr;
+        if (node)
+            node = m_folder.fold(rewrite(std::move(node), m_folder));
+        if (node && m_folder.isExhausted())
+            return fail(syntax.at, "the fixed texts that the expression makes up to here are too long");
+        return node;
     }
     NodePtr condition(const Syntax& syntax) {
         NodePtr node = build(syntax);
@@ -40,7 +49,7 @@ class Builder {
     }
     NodePtr fail(Position at, std::string message) {
         if (!m_error)
-            m_error = ExpressionError{std::move(message), at.line, at.column, {}};
+            m_error = ExpressionError{std::move(message), at.line, at.column};
         return nullptr;
     }
 
@@ -49,7 +58,7 @@ class Builder {
         case SyntaxKind::Number:
             return number(syntax);
         case SyntaxKind::Text:
-            return makeConstant(Value::ofText(syntax.text));
+            return text(syntax);
         case SyntaxKind::Word:
             return makeConstant(syntax.text == "null" ? Value{} : Value::ofBoolean(syntax.text == "true"));
         case SyntaxKind::Field:
@@ -79,21 +88,39 @@ class Builder {
             return makeConstant(Value::ofInteger(*integer));
         if (const auto real = parseNumber(syntax.text))
             return makeConstant(Value::ofReal(*real));
-        return fail(syntax.at, fmt::format("the number {} is out of range", syntax.text));
+        return fail(syntax.at, fmt::format("the number {} is out of range", shortened(syntax.text, kLongestEcho)));
+    }
+
+    NodePtr text(const Syntax& syntax) {
+        if (syntax.spelling == Spelling::DoubleQuoted && findField(syntax.text)) {
+            const std::string name = shortened(syntax.text, kLongestEcho);
+            return fail(syntax.at, fmt::format("\"{0}\" may be the field or a text here; write `{0}` or '{0}'", name));
+        }
+        return makeConstant(Value::ofText(syntax.text));
     }
 
     NodePtr field(const Syntax& syntax) {
         const auto found = findField(syntax.text);
-        if (!found) {
-            if (!m_error)
-                m_error = ExpressionError{fmt::format("there is no field `{}`", syntax.text), syntax.at.line,
-                                          syntax.at.column, std::string(syntax.text)};
-            return nullptr;
-        }
+        if (!found)
+            return fail(syntax.at, noField(syntax));
         NodePtr node = makeNode(NodeKind::Field, m_fields[*found].type);
         node->field = *found;
         node->text = m_fields[*found].name;
         return node;
+    }
+    [[nodiscard]] std::string noField(const Syntax& syntax) const {
+        std::vector<std::string> names;
+        for (const Field& field : m_fields)
+            names.push_back(field.name);
+        const std::string name = shortened(syntax.text, kLongestEcho);
+        if (syntax.spelling == Spelling::Marked)
+            return fmt::format("there is no field `{}`{}", name, suggestion(syntax.text, names));
+        if (syntax.spelling == Spelling::BehindDashes)
+            return fmt::format("there is no field {}{}", name, behindSemicolon(kCommentHint));
+        const std::string_view hint = hintForName(lowerText(syntax.text));
+        return fmt::format("there is no field {}{}", name,
+                           hint.empty() ? suggestion(syntax.text, names) + "; texts stand in quotes"
+                                        : behindSemicolon(hint));
     }
     [[nodiscard]] std::optional<std::size_t> findField(std::string_view name) const {
         const auto exact = std::ranges::find(m_fields, name, &Field::name);
@@ -134,7 +161,7 @@ class Builder {
         if (!accepts(type, node->type))
             return fail(at,
                         fmt::format("{} is wanted here, and this is of type {}", typeName(type), typeName(node->type)));
-        return brought(std::move(node), type);
+        return brought(std::move(node), type, m_folder);
     }
     NodePtr negation(const Syntax& syntax) {
         const Syntax& inner = *syntax.children.front();
@@ -170,66 +197,53 @@ class Builder {
     }
 
     NodePtr comparison(const Syntax& syntax) {
-        NodePtr left = build(*syntax.children[0]);
-        NodePtr right = left ? build(*syntax.children[1]) : nullptr;
+        std::vector<NodePtr> sides;
+        for (const auto& side : syntax.children) {
+            sides.push_back(build(*side));
+            if (!sides.back())
+                return nullptr;
+        }
         const bool isOrder = syntax.comparison != Comparison::Equal && syntax.comparison != Comparison::NotEqual;
-        if (right && isOrder)
-            remarkOnOrder(*left, *right, syntax.at);
-        if (!right || !makeComparable(left, right, syntax))
-            return nullptr;
-        if (isOrder && (left->type == Type::Boolean || right->type == Type::Boolean))
+        remarkOnNull(syntax, sides);
+        remark(syntax.at, remarkOnMeeting(sides, isOrder));
+        const Met met = bringTogether(sides, Meeting::Compared, m_folder);
+        if (!met.notDate.empty())
+            return fail(syntax.children[*met.clash]->at, notADate(met));
+        if (met.clash)
+            return fail(syntax.at, fmt::format("{} cannot be compared with {}", typeName(met.clashesWith),
+                                               typeName(sides[*met.clash]->type)));
+        if (isOrder && met.type == Type::Boolean)
             return fail(syntax.at, "true and false have no order; compare them with == or !=");
-        NodePtr node = makeNode(NodeKind::Compare, Type::Boolean);
+        NodePtr node = made(NodeKind::Compare, Type::Boolean, std::move(sides));
         node->comparison = syntax.comparison;
-        node->children.push_back(std::move(left));
-        node->children.push_back(std::move(right));
         return node;
     }
 
-    /// The order of texts is seldom the one that is meant where a number stands beside a text.
-    void remarkOnOrder(const Node& left, const Node& right, Position at) {
-        const bool isTextLeft = left.type == Type::Text;
-        const Node& text = isTextLeft ? left : right;
-        const Node& number = isTextLeft ? right : left;
-        if (m_remark || text.type != Type::Text || text.isConstant() || !isNumber(number.type))
-            return;
-        const std::string name = text.kind == NodeKind::Field ? fmt::format("`{}`", text.text) : "...";
-        m_remark = ExpressionError{fmt::format("this compares texts, among which '9' stands behind '10'; to compare "
-                                               "numbers write tonumber({})",
-                                               name),
-                                   at.line,
-                                   at.column,
-                                   {}};
+    void remark(Position at, std::string message) {
+        if (!m_remark && !message.empty())
+            m_remark = ExpressionError{std::move(message), at.line, at.column};
     }
-
-    /// Numbers compare as they are, a number and a text as texts, a date and a text as dates.
-    bool makeComparable(NodePtr& left, NodePtr& right, const Syntax& syntax) {
-        if (left->type == right->type || (isNumber(left->type) && isNumber(right->type)))
-            return true;
-        for (auto* side : {&left, &right}) {
-            const NodePtr& other = side == &left ? right : left;
-            if ((*side)->type != Type::Text || other->type != Type::Date)
-                continue;
-            const bool isFixed = isFixedText(**side);
-            const std::string text = (*side)->text;
-            *side = brought(std::move(*side), Type::Date);
-            if (isFixed && (*side)->constant.isNull())
-                fail(syntax.children[side == &left ? 0 : 1]->at,
-                     fmt::format("'{}' is no date; dates are written '2026-11-21' or '2026-11-21 08:15:00'",
-                                 leftOf(text, 40)));
-            return !m_error;
-        }
-        const auto common = commonType(left->type, right->type);
-        if (!common) {
-            fail(syntax.at, fmt::format("{} cannot be compared with {}", typeName(left->type), typeName(right->type)));
-            return false;
-        }
-        left = brought(std::move(left), *common);
-        right = brought(std::move(right), *common);
-        return true;
+    /// Only of the word itself: what is null in some rows or happens to be folded to it is another matter.
+    void remarkOnNull(const Syntax& syntax, const std::vector<NodePtr>& sides) {
+        const auto isNull = [](const std::unique_ptr<Syntax>& side) {
+            return side->kind == SyntaxKind::Word && side->text == "null";
+        };
+        const auto null = std::ranges::find_if(syntax.children, isNull);
+        if (null == syntax.children.end())
+            return;
+        const Node& other = *sides[null == syntax.children.begin() ? 1 : 0];
+        const std::string name =
+            other.kind == NodeKind::Field ? fmt::format("`{}`", shortened(other.text, kLongestEcho)) : "...";
+        remark(syntax.at, fmt::format("a comparison with null is never true; write {}isnull({})",
+                                      syntax.comparison == Comparison::NotEqual ? "not " : "", name));
+    }
+    static std::string notADate(const Met& met) {
+        return fmt::format("{} is no date; dates are written '2026-11-21' or '2026-11-21 08:15:00'", met.notDate);
     }
 
     NodePtr choice(const Syntax& syntax) {
+        std::vector<NodePtr> results;
+        std::vector<std::size_t> places; // of the results among the children
         NodePtr node = makeNode(NodeKind::If, Type::Null);
         for (std::size_t i = 0; i < syntax.children.size(); ++i) {
             const bool isCondition = i % 2 == 0 && i + 1 < syntax.children.size();
@@ -237,41 +251,52 @@ class Builder {
             if (!child)
                 return nullptr;
             if (!isCondition) {
-                const auto common = commonType(node->type, child->type);
-                if (!common)
-                    return fail(syntax.children[i]->at, fmt::format("one result is of type {} and this of type {}",
-                                                                    typeName(node->type), typeName(child->type)));
-                node->type = *common;
+                places.push_back(i);
+                results.push_back(std::move(child));
             }
             node->children.push_back(std::move(child));
         }
+        const Met met = bringTogether(results, Meeting::Chosen, m_folder);
+        if (met.clash) {
+            const Position at = syntax.children[places[*met.clash]]->at;
+            return fail(at, met.notDate.empty()
+                                ? fmt::format("one result is of type {} and this of type {}", typeName(met.clashesWith),
+                                              typeName(results[*met.clash]->type))
+                                : notADate(met) + kTextOfDate);
+        }
+        node->type = met.type;
+        for (std::size_t i = 0; i < places.size(); ++i)
+            node->children[places[i]] = std::move(results[i]);
         // Without an else there is no value.
         if (node->children.size() % 2 == 0)
             node->children.push_back(makeConstant({}));
-        for (std::size_t i = 1; i < node->children.size(); i += 2)
-            node->children[i] = brought(std::move(node->children[i]), node->type);
-        node->children.back() = brought(std::move(node->children.back()), node->type);
         return node;
     }
 
     NodePtr call(const Syntax& syntax) {
-        const Function* function = findFunction(syntax.text);
+        const Function* function = findFunction(lowerText(syntax.text));
         if (!function)
-            return fail(syntax.at, fmt::format("there is no function {}{}", syntax.text,
-                                               behindSemicolon(hintForFunction(syntax.text))));
+            return fail(syntax.at, noFunction(syntax.text));
         const auto count = static_cast<int>(syntax.children.size());
         if (count < function->minimum || count > function->maximum)
             return fail(syntax.at, wrongCount(*function, count));
         std::vector<NodePtr> arguments;
-        for (std::size_t i = 0; i < syntax.children.size(); ++i) {
-            const Syntax& part = *syntax.children[i];
-            const char letter = function->parameters[std::min(i, function->parameters.size() - 1)];
-            NodePtr argument = converted(build(part), typeOf(letter), part.at);
-            if (!argument)
+        for (const auto& part : syntax.children) {
+            arguments.push_back(build(*part));
+            if (!arguments.back())
                 return nullptr;
-            if (letter == 'S' && !isFixedText(*argument))
-                return fail(part.at, fmt::format("{} wants a fixed text here", function->name));
-            arguments.push_back(std::move(argument));
+        }
+        // Beside a date a text is one also where all others are compared as texts.
+        const bool hasDates =
+            function->form == Form::Compare && (arguments[0]->type == Type::Date || arguments[1]->type == Type::Date);
+        for (std::size_t i = 0; i < arguments.size(); ++i) {
+            const Position at = syntax.children[i]->at;
+            const char letter = function->parameters[std::min(i, function->parameters.size() - 1)];
+            arguments[i] = converted(std::move(arguments[i]), hasDates && i < 2 ? Type::Date : typeOf(letter), at);
+            if (!arguments[i])
+                return nullptr;
+            if (letter == 'S' && !isFixedText(*arguments[i]))
+                return fail(at, fmt::format("{} wants a fixed text here", function->name));
         }
         return finish(*function, std::move(arguments), syntax);
     }
@@ -279,6 +304,8 @@ class Builder {
         const auto arguments = [](int number) { return fmt::format("{} argument{}", number, number == 1 ? "" : "s"); };
         if (function.minimum == function.maximum)
             return fmt::format("{} takes {}, not {}", function.name, arguments(function.minimum), count);
+        if (count > function.maximum && function.maximum == kMostArguments)
+            return fmt::format("{} takes at most {}, not {}", function.name, arguments(kMostArguments), count);
         if (function.maximum == kMostArguments)
             return fmt::format("{} takes at least {}, not {}", function.name, arguments(function.minimum), count);
         return fmt::format("{} takes {} to {}, not {}", function.name, function.minimum, arguments(function.maximum),
@@ -289,11 +316,15 @@ class Builder {
         switch (function.form) {
         case Form::IsNull:
             return made(NodeKind::IsNull, Type::Boolean, std::move(arguments));
-        case Form::Regular:
-            return regular(std::move(arguments), syntax);
+        case Form::Regular: {
+            auto matcher = m_patterns.regular(arguments[1]->text);
+            return withPattern(std::move(arguments), std::move(matcher), syntax);
+        }
         case Form::Wildcard:
-            if (isFixedText(*arguments[1]))
-                return wildcard(std::move(arguments), syntax);
+            if (isFixedText(*arguments[1])) {
+                auto matcher = m_patterns.wildcard(arguments[1]->text);
+                return withPattern(std::move(arguments), std::move(matcher), syntax);
+            }
             break;
         case Form::FirstNonNull:
         case Form::OneType:
@@ -308,6 +339,7 @@ class Builder {
             }
             break;
         case Form::Plain:
+        case Form::Compare:
             break;
         }
         const Type type = function.result == 'a' ? typeAmong(arguments) : typeOf(function.result);
@@ -317,44 +349,40 @@ class Builder {
     }
 
     bool bringToOneType(std::vector<NodePtr>& arguments, const Function& function, const Syntax& syntax) {
-        Type type = Type::Null;
-        for (std::size_t i = 0; i < arguments.size(); ++i) {
-            const auto common = commonType(type, arguments[i]->type);
-            if (!common) {
-                fail(syntax.children[i]->at, fmt::format("{} cannot put {} beside {}", function.name,
-                                                         typeName(arguments[i]->type), typeName(type)));
-                return false;
-            }
-            type = *common;
-        }
-        for (NodePtr& argument : arguments)
-            argument = brought(std::move(argument), type);
-        return true;
+        const bool isOrder =
+            function.implementation == number_functions::greatest || function.implementation == number_functions::least;
+        const bool isChoice = function.form == Form::FirstNonNull;
+        const Meeting meeting = isChoice ? Meeting::Chosen : isOrder ? Meeting::Ordered : Meeting::Equated;
+        if (!isChoice)
+            remark(syntax.at, remarkOnMeeting(arguments, isOrder));
+        const Met met = bringTogether(arguments, meeting, m_folder);
+        if (!met.clash)
+            return true;
+        fail(syntax.children[*met.clash]->at,
+             met.notDate.empty() ? fmt::format("{} cannot put {} beside {}", function.name,
+                                               typeName(arguments[*met.clash]->type), typeName(met.clashesWith))
+                                 : notADate(met) + (isChoice ? kTextOfDate : ""));
+        return false;
     }
 
-    NodePtr regular(std::vector<NodePtr> arguments, const Syntax& syntax) {
-        std::string reason;
-        auto matcher = makeRegularExpression(arguments[1]->text, reason);
+    NodePtr withPattern(std::vector<NodePtr> arguments, FixedPatterns::Made matcher, const Syntax& syntax) {
         if (!matcher)
-            return fail(syntax.children[1]->at, fmt::format("this is no regular expression: {}", reason));
-        return matching(std::move(arguments), std::move(matcher));
+            return fail(syntax.children[1]->at, matcher.error().text);
+        return matching(std::move(arguments), std::move(matcher).value());
     }
-    NodePtr wildcard(std::vector<NodePtr> arguments, const Syntax& syntax) {
-        if (arguments[1]->text.size() > kLongestPattern)
-            return fail(syntax.children[1]->at, fmt::format("the pattern is longer than {} bytes", kLongestPattern));
-        auto matcher = std::make_shared<Wildcard>(arguments[1]->text);
-        return matching(std::move(arguments), std::move(matcher));
-    }
+
     std::span<const Field> m_fields;
     Wanted m_wanted;
+    Folder m_folder;
+    FixedPatterns m_patterns;
     std::optional<ExpressionError> m_error;
     std::optional<ExpressionError> m_remark;
 };
 
 } // namespace
 
-Checked check(const Syntax& syntax, std::span<const Field> fields, Wanted wanted) {
-    Builder builder(fields, wanted);
+Checked check(const Syntax& syntax, std::size_t size, std::span<const Field> fields, Wanted wanted) {
+    Builder builder(size, fields, wanted);
     NodePtr tree = builder.result(syntax);
     return {std::move(tree), builder.takeError(), builder.takeRemark()};
 }

@@ -4,6 +4,7 @@
 #include "expression/Node.h"
 #include "expression/Syntax.h"
 
+#include <cstddef>
 #include <optional>
 #include <span>
 #include <string>
@@ -31,7 +32,7 @@ struct Checked {
 };
 
 /// Settles names and types, and evaluates what is constant. A field is found by its exact name, else by its name in any
-/// case when only one has it.
-[[nodiscard]] Checked check(const Syntax& syntax, std::span<const Field> fields, Wanted wanted);
+/// case when only one has it. `size`: bytes of the text, by which memory is bounded.
+[[nodiscard]] Checked check(const Syntax& syntax, std::size_t size, std::span<const Field> fields, Wanted wanted);
 
 } // namespace tavix::expression

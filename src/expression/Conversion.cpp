@@ -12,6 +12,8 @@ namespace tavix::expression {
 
 namespace {
 
+constexpr std::string_view kTooLarge = "an integer grows beyond 64 bits";
+
 Value toText(const Value& value, Scratch& scratch) {
     switch (value.type) {
     case Type::Boolean:
@@ -29,16 +31,23 @@ Value toText(const Value& value, Scratch& scratch) {
     }
 }
 
-Value toInteger(const Value& value) {
+Value toInteger(double value, Scratch& scratch) {
+    constexpr double kBeyond = 9223372036854775808.0; // 2 to the power of 63
+    if (value >= -kBeyond && value < kBeyond)
+        return Value::ofInteger(static_cast<std::int64_t>(value));
+    scratch.fail(std::string(kTooLarge));
+    return {};
+}
+
+Value toInteger(const Value& value, Scratch& scratch) {
     if (value.type == Type::Real)
-        return Value::ofInteger(saturateToInt64(value.real));
+        return toInteger(value.real, scratch);
     if (value.type != Type::Text)
         return {};
     if (const auto integer = parseInteger(value.text))
         return Value::ofInteger(*integer);
-    if (const auto real = parseNumber(value.text))
-        return Value::ofInteger(saturateToInt64(*real));
-    return {};
+    const auto real = parseNumber(value.text);
+    return real ? toInteger(*real, scratch) : Value{};
 }
 
 Value toReal(const Value& value) {
@@ -78,7 +87,7 @@ Value convert(const Value& value, Type type, Scratch& scratch) {
     case Type::Text:
         return toText(value, scratch);
     case Type::Integer:
-        return toInteger(value);
+        return toInteger(value, scratch);
     case Type::Real:
         return toReal(value);
     case Type::Boolean:
@@ -190,7 +199,7 @@ Value calculate(Arithmetic operation, const Value& left, const Value& right, Scr
         break;
     }
     if (isTooLarge) {
-        scratch.fail("an integer grows beyond 64 bits");
+        scratch.fail(std::string(kTooLarge));
         return {};
     }
     return Value::ofInteger(result);
@@ -200,18 +209,6 @@ Value negate(const Value& value, Scratch& scratch) {
     if (value.type == Type::Real)
         return Value::ofReal(-value.real);
     return calculate(Arithmetic::Subtract, Value::ofInteger(0), value, scratch);
-}
-
-std::optional<Type> commonType(Type left, Type right) {
-    if (left == right || right == Type::Null)
-        return left;
-    if (left == Type::Null)
-        return right;
-    if (isNumber(left) && isNumber(right))
-        return Type::Real;
-    if (left == Type::Text || right == Type::Text)
-        return Type::Text;
-    return std::nullopt;
 }
 
 } // namespace tavix::expression

@@ -4,7 +4,6 @@
 #include "expression/Syntax.h"
 #include "expression/Value.h"
 
-#include <optional>
 #include <string_view>
 
 /// What operators and conversions make of values.
@@ -30,8 +29,5 @@ namespace tavix::expression {
 
 /// Null for infinities and what is no number.
 [[nodiscard]] Value finite(double value);
-
-/// The type that values of both can be brought to; none when they do not go together.
-[[nodiscard]] std::optional<Type> commonType(Type left, Type right);
 
 } // namespace tavix::expression

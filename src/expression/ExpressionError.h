@@ -17,7 +17,6 @@ struct ExpressionError {
     std::string message;
     int line = 1;
     int column = 1;
-    std::string missingField{}; ///< the name that no field has, when that is the reason
 
     bool operator==(const ExpressionError&) const = default;
 };

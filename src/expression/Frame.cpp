@@ -4,9 +4,10 @@
 
 namespace tavix::expression {
 
-void Frame::begin(const Block& block) {
+void Frame::begin(const Block& block, std::size_t mostTexts) {
     m_block = &block;
-    m_scratch.clear();
+    m_scratch.clear(mostTexts);
+    m_adjacent = 0;
     m_ascii.assign(block.columns.size(), -1);
     if (m_failures > 0 || m_failed.size() < block.rows)
         m_failed.assign(block.rows, 0);

@@ -1,5 +1,11 @@
 #include "expression/Hints.h"
 
+#include "base/Characters.h"
+#include "expression/Lexer.h"
+#include "expression/TextOperators.h"
+
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <functional>
@@ -16,24 +22,30 @@ struct Hint {
 constexpr std::string_view kOverRows =
     "counts, sums and averages of rows are figures of a custom metric (count:, sum:, average:)";
 
+constexpr std::string_view kToday = "there is no word for today; write the date, as in '2026-11-21'";
+constexpr std::string_view kConversions = "write tonumber(...), tointeger(...), totext(...) or todate(...)";
+constexpr std::string_view kChoice = "write if condition then return a else return b";
+
 /// By name, for a binary search.
 constexpr auto kFunctions = std::to_array<Hint>({
     {"average", kOverRows},
     {"avg", kOverRows},
-    {"cast", "write tonumber(...), tointeger(...), totext(...) or todate(...)"},
+    {"cast", kConversions},
     {"ceiling", "write ceil"},
     {"char_length", "write length"},
     {"charindex", "write instr(text, part)"},
     {"chr", "write char"},
-    {"convert", "write tonumber(...), tointeger(...), totext(...) or todate(...)"},
+    {"convert", kConversions},
     {"count", kOverRows},
+    {"current_date", kToday},
     {"date", "write todate"},
     {"date_diff", "write datediff(first, second)"},
     {"decimal", "write tonumber"},
     {"endswith", "write ends_with"},
     {"float", "write tonumber"},
+    {"getdate", kToday},
     {"greatest", "write max"},
-    {"iif", "write if ... then return ... else return ..."},
+    {"iif", kChoice},
     {"in", "write inlist(value, a, b, ...)"},
     {"indexof", "write instr(text, part)"},
     {"int", "write tointeger"},
@@ -50,6 +62,7 @@ constexpr auto kFunctions = std::to_array<Hint>({
     {"locate", "write instr(text, part)"},
     {"mean", kOverRows},
     {"mid", "write substring"},
+    {"now", kToday},
     {"number", "write tonumber"},
     {"numeric", "write tonumber"},
     {"nvl", "write ifnull"},
@@ -64,11 +77,13 @@ constexpr auto kFunctions = std::to_array<Hint>({
     {"strlen", "write length"},
     {"substr", "write substring"},
     {"sum", kOverRows},
+    {"sysdate", kToday},
     {"to_char", "write totext"},
     {"to_date", "write todate"},
     {"to_integer", "write tointeger"},
     {"to_number", "write tonumber"},
     {"to_text", "write totext"},
+    {"today", kToday},
     {"tolower", "write lower"},
     {"toupper", "write upper"},
     {"truncate", "write trunc"},
@@ -78,18 +93,41 @@ constexpr auto kFunctions = std::to_array<Hint>({
 });
 
 constexpr auto kWords = std::to_array<Hint>({
+    {"as", kConversions},
     {"between", "write value >= a and value <= b"},
+    {"contains", "write contains(text, part)"},
     {"div", "write trunc(a / b)"},
+    {"elif", "write else if"},
+    {"elseif", "write else if"},
+    {"elsif", "write else if"},
+    {"end", "an if has no end"},
     {"eq", "a comparison is written =="},
+    {"if", kChoice},
+    {"ilike", "write match_string(lower(value), 'a*'), with * and ?"},
     {"in", "write inlist(value, a, b, ...)"},
     {"is", "write isnull(value) or not isnull(value)"},
     {"like", "write match_string(value, 'a*'), with * and ?"},
     {"mod", "write %"},
     {"not", "\"not\" stands before the whole condition, as in not inlist(value, a, b)"},
+    {"regexp", "write matches(value, 'expression')"},
+    {"rlike", "write matches(value, 'expression')"},
+    {"similar", "write matches(value, 'expression')"},
+    {"when", kChoice},
+});
+
+constexpr auto kNames = std::to_array<Hint>({
+    {"current_date", kToday},
+    {"no", "write false"},
+    {"none", "write null"},
+    {"now", kToday},
+    {"sysdate", kToday},
+    {"today", kToday},
+    {"yes", "write true"},
 });
 
 static_assert(std::ranges::is_sorted(kFunctions, std::less<>(), &Hint::word));
 static_assert(std::ranges::is_sorted(kWords, std::less<>(), &Hint::word));
+static_assert(std::ranges::is_sorted(kNames, std::less<>(), &Hint::word));
 
 template <std::size_t N>
 std::string_view find(const std::array<Hint, N>& hints, std::string_view word) {
@@ -105,6 +143,15 @@ std::string_view hintForFunction(std::string_view name) {
 
 std::string_view hintForWord(std::string_view word) {
     return find(kWords, word);
+}
+
+std::string_view hintForName(std::string_view name) {
+    return find(kNames, name);
+}
+
+std::string noFunction(std::string_view written) {
+    return fmt::format("there is no function {}{}", shortened(written, kLongestEcho),
+                       behindSemicolon(hintForFunction(lowerText(written))));
 }
 
 std::string behindSemicolon(std::string_view hint) {

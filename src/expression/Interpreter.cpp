@@ -91,16 +91,14 @@ Value Interpreter::evaluateCall(const Node& node, std::span<const Value> row) {
 
 Value Interpreter::evaluateList(const Node& node, std::span<const Value> row) {
     const Value subject = evaluate(node.child(0), row);
-    if (node.hasList)
-        return subject.isNull() ? Value{} : Value::ofBoolean(node.list.contains(subject.text));
-    bool isNull = subject.isNull();
-    bool isFound = false;
-    for (std::size_t i = 1; i < node.children.size(); ++i) {
+    bool isFound = node.hasList && !subject.isNull() && node.list.contains(subject.text);
+    bool sawNull = node.hasNull;
+    for (std::size_t i = 1; !node.hasList && i < node.children.size(); ++i) {
         const Value member = evaluate(node.child(i), row);
-        isNull = isNull || member.isNull();
-        isFound = isFound || (!isNull && compareValues(subject, member) == 0);
+        sawNull = sawNull || member.isNull();
+        isFound = isFound || (!subject.isNull() && !member.isNull() && compareValues(subject, member) == 0);
     }
-    return isNull ? Value{} : Value::ofBoolean(isFound);
+    return subject.isNull() || (sawNull && !isFound) ? Value{} : Value::ofBoolean(isFound);
 }
 
 Value Interpreter::evaluateIf(const Node& node, std::span<const Value> row) {

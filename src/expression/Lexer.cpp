@@ -28,7 +28,8 @@ struct Sign {
 };
 
 // Longer signs stand before their beginnings.
-constexpr std::array<Sign, 14> kSigns{{{"==", TokenKind::Equal},
+constexpr std::array<Sign, 15> kSigns{{{"==", TokenKind::Equal},
+                                       {"=", TokenKind::Equal},
                                        {"!=", TokenKind::NotEqual},
                                        {"<=", TokenKind::LessOrEqual},
                                        {">=", TokenKind::GreaterOrEqual},
@@ -43,6 +44,29 @@ constexpr std::array<Sign, 14> kSigns{{{"==", TokenKind::Equal},
                                        {"/", TokenKind::Divide},
                                        {"%", TokenKind::Percent}}};
 
+/// Signs of other languages; those before their beginnings.
+struct WrongSign {
+    std::string_view text;
+    std::string_view hint;
+};
+constexpr auto kWrongSigns = std::to_array<WrongSign>({
+    {"=>", "\"greater than or equal\" is written >="},
+    {"=<", "\"less than or equal\" is written <="},
+    {"<>", "\"not equal\" is written !="},
+    {"&", "write \"and\" as a word"},
+    {"|", "write \"or\" as a word, and concat(a, b) to join texts"},
+    {"^", "write power(a, b)"},
+    {"~", "write matches(text, 'expression')"},
+    {"?", "write if condition then return a else return b"},
+    {"::", "write tonumber(...), tointeger(...), totext(...) or todate(...)"},
+    {":", "a name with a colon stands in grave accents"},
+    {";", "there is one expression only, without \";\""},
+    {"[", "fields stand in grave accents"},
+    {"{", "fields stand in grave accents"},
+});
+/// Any of these, before what is left of the signs.
+constexpr std::string_view kPrintedQuotes = "‘’‚‛“”„‟«»‹›´′″";
+
 class Scanner {
   public:
     explicit Scanner(std::string_view text) : m_text(text) {}
@@ -50,9 +74,9 @@ class Scanner {
     Tokens run() {
         const bool isGood = m_text.size() <= kLongestExpression ||
                             fail(m_position, fmt::format("the expression is longer than {} bytes", kLongestExpression));
-        while (isGood && skipBlanks() && m_at < m_text.size() && token()) {
-        }
-        m_tokens.list.push_back({TokenKind::End, m_position, {}, false});
+        while (isGood && skipBlanks() && m_at < m_text.size() && token())
+            m_end = m_at;
+        add(TokenKind::End, {});
         return std::move(m_tokens);
     }
 
@@ -123,52 +147,51 @@ class Scanner {
             return word();
         if (isDigit(c) || (c == '.' && isDigit(peek(1))))
             return number();
-        if (c == '\'')
-            return quotedText();
+        if (c == '\'' || c == '"')
+            return quotedText(c);
         if (c == '`')
             return fieldName();
-        if (startsWith("<>"))
-            return fail(m_position, "\"not equal\" is written !=");
+        for (const WrongSign& wrong : kWrongSigns) {
+            if (startsWith(wrong.text))
+                return fail(m_position, std::string(wrong.hint));
+        }
         for (const Sign& sign : kSigns) {
             if (startsWith(sign.text)) {
                 add(sign.kind, std::string(sign.text));
                 return advance(sign.text.size());
             }
         }
+        if (c == '!')
+            return fail(m_position, "\"not equal\" is written !=, and \"not\" as a word");
         return strangeCharacter();
     }
 
     bool strangeCharacter() {
         const Position at = m_position;
-        switch (m_text[m_at]) {
-        case '=':
-            return fail(at, "a comparison is written ==");
-        case '!':
-            return fail(at, "\"not equal\" is written !=, and \"not\" as a word");
-        case '"':
-            return fail(at, "texts stand in single quotes, fields in grave accents");
-        case '&':
-            return fail(at, "write \"and\" as a word");
-        case '|':
-            return fail(at, "write \"or\" as a word, and concat(a, b) to join texts");
-        case '^':
-            return fail(at, "write power(a, b)");
-        case '[':
-        case '{':
-            return fail(at, "fields stand in grave accents");
-        default:
-            break;
-        }
         const std::size_t start = m_at;
         if (!advance())
             return false;
         const std::string_view character = m_text.substr(start, m_at - start);
         if (isAscii(character.front()) && (character.front() < ' ' || character.front() == 0x7F))
             return fail(at, "a control character cannot stand here");
-        return fail(at, fmt::format("the character {} cannot stand here", character));
+        const bool isQuote = kPrintedQuotes.find(character) != std::string_view::npos;
+        return fail(at, fmt::format("the character {} cannot stand here{}", character,
+                                    isQuote ? "; texts stand between plain quotes, as in 'a' or \"a\"" : ""));
     }
 
-    void add(TokenKind kind, std::string text) { m_tokens.list.push_back({kind, m_position, std::move(text), false}); }
+    [[nodiscard]] Token begin(TokenKind kind) const {
+        Token made;
+        made.kind = kind;
+        made.at = m_position;
+        made.isAdjacent = !m_tokens.list.empty() && m_at == m_end;
+        return made;
+    }
+    void add(Token token) { m_tokens.list.push_back(std::move(token)); }
+    void add(TokenKind kind, std::string text) {
+        Token made = begin(kind);
+        made.text = std::move(text);
+        add(std::move(made));
+    }
 
     bool word() {
         std::size_t size = 0;
@@ -177,7 +200,10 @@ class Scanner {
             const char c = peek(size++);
             lower += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
         }
-        add(TokenKind::Word, std::move(lower));
+        Token made = begin(TokenKind::Word);
+        made.text = std::move(lower);
+        made.written = m_text.substr(m_at, size);
+        add(std::move(made));
         return advance(size);
     }
 
@@ -202,22 +228,24 @@ class Scanner {
         if (isWordPart(peek(size)) || peek(size) == '.') {
             while (isWordPart(peek(size)) || peek(size) == '.')
                 ++size;
-            return fail(m_position, fmt::format("{} is no number", m_text.substr(m_at, size)));
+            return fail(m_position,
+                        fmt::format("{} is not a number", shortened(m_text.substr(m_at, size), kLongestEcho)));
         }
         add(TokenKind::Number, std::string(m_text.substr(m_at, size)));
         return advance(size);
     }
 
-    bool quotedText() {
-        Token made{TokenKind::Text, m_position, {}, false};
+    bool quotedText(char quote) {
+        Token made = begin(TokenKind::Text);
+        made.isDoubleQuoted = quote == '"';
         advance();
         while (m_at < m_text.size()) {
-            if (peek() == '\'') {
-                m_tokens.list.push_back(std::move(made));
+            if (peek() == quote) {
+                add(std::move(made));
                 return advance();
             }
-            if (startsWith("\\'")) {
-                made.text += '\'';
+            if (peek() == '\\' && peek(1) == quote) {
+                made.text += quote;
                 advance(2);
                 made.hasDoubtfulEnd = made.hasDoubtfulEnd || looksLikeBehindText();
                 continue;
@@ -227,10 +255,12 @@ class Scanner {
                 return false;
             made.text.append(m_text.substr(start, m_at - start));
         }
-        return fail(made.at, made.hasDoubtfulEnd
-                                 ? "the text that begins here is not closed: \\' does not end it. A text cannot end in "
-                                   "a backslash; write concat('...', char(92))"
-                                 : "the text that begins here is not closed by a single quote");
+        if (made.hasDoubtfulEnd)
+            return fail(made.at, fmt::format("the text that begins here is not closed: \\{} does not end it. A text "
+                                             "cannot end in a backslash; write concat('...', char(92))",
+                                             quote));
+        return fail(made.at, fmt::format("the text that begins here is not closed by a {} quote",
+                                         made.isDoubleQuoted ? "double" : "single"));
     }
 
     /// Whether what follows is what follows a text, as when a backslash was its last character.
@@ -242,13 +272,13 @@ class Scanner {
     }
 
     bool fieldName() {
-        Token made{TokenKind::Field, m_position, {}, false};
+        Token made = begin(TokenKind::Field);
         advance();
         while (m_at < m_text.size()) {
             if (peek() == '`') {
                 advance();
                 if (peek() != '`') {
-                    m_tokens.list.push_back(std::move(made));
+                    add(std::move(made));
                     return true;
                 }
             }
@@ -262,6 +292,7 @@ class Scanner {
 
     std::string_view m_text;
     std::size_t m_at = 0;
+    std::size_t m_end = 0; ///< of the last token
     Position m_position;
     Tokens m_tokens;
 };
@@ -277,13 +308,13 @@ std::string describe(const Token& token) {
     case TokenKind::End:
         return "the end";
     case TokenKind::Word:
-        return fmt::format("the word \"{}\"", token.text);
+        return fmt::format("the word \"{}\"", shortened(token.written, kLongestEcho));
     case TokenKind::Text:
         return "a text";
     case TokenKind::Field:
-        return fmt::format("the field `{}`", token.text);
+        return fmt::format("the field `{}`", shortened(token.text, kLongestEcho));
     case TokenKind::Number:
-        return fmt::format("the number {}", token.text);
+        return fmt::format("the number {}", shortened(token.text, kLongestEcho));
     default:
         return fmt::format("\"{}\"", token.text);
     }

@@ -12,7 +12,7 @@ namespace tavix::expression {
 
 enum class TokenKind : std::uint8_t {
     End,
-    Word, ///< a keyword or the name of a function; in lower case
+    Word, ///< a keyword, or the name of a function or field; in lower case
     Number,
     Text,  ///< without its quotes and escapes
     Field, ///< without its grave accents
@@ -36,9 +36,15 @@ struct Token {
     TokenKind kind = TokenKind::End;
     Position at;
     std::string text;
+    std::string written; ///< a word as it was written
     /// A text with an escaped quote that may have been meant as its end.
     bool hasDoubtfulEnd = false;
+    bool isDoubleQuoted = false; ///< a text
+    bool isAdjacent = false;     ///< begins where the token before it ended
 };
+
+/// Of a name or number that a message repeats, in bytes.
+inline constexpr std::size_t kLongestEcho = 60;
 
 /// Longer texts are no expressions to us.
 inline constexpr std::size_t kLongestExpression = std::size_t{1} << 20;

@@ -94,13 +94,16 @@ class ListPredicate : public Predicate {
         m_columns.clear();
         for (const OperandPtr& operand : m_operands)
             m_columns.push_back(&operand->evaluate(frame, rows));
-        for (const Vector* column : m_columns)
-            dropNulls(rows, *column);
+        dropNulls(rows, *m_columns.front());
         rows.keepIf([&](std::uint32_t row) {
             const Value subject = m_columns.front()->at(row);
-            return wanted == std::any_of(m_columns.begin() + 1, m_columns.end(), [&](const Vector* member) {
-                       return compareValues(subject, member->at(row)) == 0;
-                   });
+            bool sawNull = false;
+            const bool isFound = std::any_of(m_columns.begin() + 1, m_columns.end(), [&](const Vector* column) {
+                const Value member = column->at(row);
+                sawNull = sawNull || member.isNull();
+                return !member.isNull() && compareValues(subject, member) == 0;
+            });
+            return wanted ? isFound : !isFound && !sawNull;
         });
     }
 
@@ -109,15 +112,28 @@ class ListPredicate : public Predicate {
     std::vector<const Vector*> m_columns;
 };
 
+/// With null among the members: what is not found is null and not false.
+class NullListPredicate : public Predicate {
+  public:
+    explicit NullListPredicate(PredicatePtr others) : m_others(std::move(others)) {}
+
+    void narrow(Frame& frame, RowSet& rows, bool wanted) override {
+        m_others->narrow(frame, rows, true);
+        if (!wanted)
+            rows.clear();
+    }
+
+  private:
+    PredicatePtr m_others;
+};
+
 bool hasFixedMembers(const Node& node) {
     return std::all_of(node.children.begin() + 1, node.children.end(), [&](const NodePtr& member) {
         return member->isConstant() && member->constant.type == node.child(0).type;
     });
 }
 
-} // namespace
-
-PredicatePtr makeListTest(const Node& node) {
+PredicatePtr makePlainListTest(const Node& node) {
     const Node& subject = node.child(0);
     if (!subject.isConstant()) {
         if (subject.type == Type::Text && node.hasList)
@@ -128,6 +144,13 @@ PredicatePtr makeListTest(const Node& node) {
             return std::make_unique<NumberListPredicate<std::int64_t>>(node, &Value::integer);
     }
     return std::make_unique<ListPredicate>(node);
+}
+
+} // namespace
+
+PredicatePtr makeListTest(const Node& node) {
+    PredicatePtr test = makePlainListTest(node);
+    return node.hasNull ? std::make_unique<NullListPredicate>(std::move(test)) : std::move(test);
 }
 
 } // namespace tavix::expression

@@ -1,7 +1,5 @@
 #include "expression/MadeNodes.h"
 
-#include "expression/Rewriter.h"
-
 #include <algorithm>
 #include <utility>
 
@@ -44,16 +42,27 @@ NodePtr made(NodeKind kind, Type type, std::vector<NodePtr> children) {
     return node;
 }
 
-NodePtr brought(NodePtr node, Type type) {
+NodePtr brought(NodePtr node, Type type, Folder& folder) {
     if (node->type == type || node->type == Type::Null)
         return node;
     NodePtr conversion = makeNode(NodeKind::Convert, type);
     conversion->children.push_back(std::move(node));
-    return fold(std::move(conversion));
+    return folder.fold(std::move(conversion));
 }
 
 NodePtr inList(std::vector<NodePtr> arguments) {
+    const auto isNull = [](const NodePtr& member) { return member->isConstant() && member->constant.isNull(); };
+    const auto nulls = std::remove_if(arguments.begin() + 1, arguments.end(), isNull);
+    const bool hasNull = nulls != arguments.end();
+    arguments.erase(nulls, arguments.end());
+    // Nothing equals null.
+    if (arguments.size() == 1) {
+        NodePtr never = makeConstant({});
+        never->type = Type::Boolean;
+        return never;
+    }
     NodePtr node = made(NodeKind::InList, Type::Boolean, std::move(arguments));
+    node->hasNull = hasNull;
     node->hasList = std::all_of(node->children.begin() + 1, node->children.end(),
                                 [](const NodePtr& member) { return isFixedText(*member); });
     for (std::size_t i = 1; node->hasList && i < node->children.size(); ++i)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "expression/Folder.h"
 #include "expression/Node.h"
 #include "expression/TextOperators.h"
 
@@ -18,8 +19,8 @@ namespace tavix::expression {
 
 [[nodiscard]] NodePtr made(NodeKind kind, Type type, std::vector<NodePtr> children);
 /// The node as a value of the type, which must accept its own.
-[[nodiscard]] NodePtr brought(NodePtr node, Type type);
-/// Whether the first argument is among the others.
+[[nodiscard]] NodePtr brought(NodePtr node, Type type, Folder& folder);
+/// Whether the first argument is among the others. A null among them is not kept as a member.
 [[nodiscard]] NodePtr inList(std::vector<NodePtr> arguments);
 /// Whether the first of two arguments matches; the other one is the pattern that became the matcher.
 [[nodiscard]] NodePtr matching(std::vector<NodePtr> arguments, std::shared_ptr<const Matcher> matcher);

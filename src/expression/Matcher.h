@@ -2,6 +2,7 @@
 
 #include "expression/Scratch.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -23,8 +24,15 @@ class Matcher {
     [[nodiscard]] virtual std::string_view requiredPart() const { return {}; }
 };
 
+/// What a regular expression may take.
+struct RegularLimits {
+    std::int64_t memory = 0; ///< bytes, now and while it matches
+    bool mayHaveAutomaton = true;
+};
+
 /// A regular expression that has to match the whole text, in time linear in it; null, with the reason, when the pattern
 /// is none.
-[[nodiscard]] std::shared_ptr<const Matcher> makeRegularExpression(std::string_view pattern, std::string& reason);
+[[nodiscard]] std::shared_ptr<const Matcher> makeRegularExpression(std::string_view pattern,
+                                                                   const RegularLimits& limits, std::string& reason);
 
 } // namespace tavix::expression

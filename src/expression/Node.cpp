@@ -25,7 +25,7 @@ bool isSame(const Node& one, const Node& other) {
         return one.constant.isNull() == other.constant.isNull() &&
                (one.constant.isNull() || compareValues(one.constant, other.constant) == 0);
     return one.field == other.field && one.function == other.function && one.comparison == other.comparison &&
-           one.arithmetic == other.arithmetic && one.matcher == other.matcher &&
+           one.arithmetic == other.arithmetic && one.hasNull == other.hasNull && one.matcher == other.matcher &&
            std::ranges::equal(one.children, other.children,
                               [](const NodePtr& left, const NodePtr& right) { return isSame(*left, *right); });
 }

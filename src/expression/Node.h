@@ -47,6 +47,7 @@ struct Node {
     std::string text; ///< of a constant, or the name of a field
     TextSet list;     ///< of InList, when all members are constant texts; refers to the children's
     bool hasList = false;
+    bool hasNull = false; ///< InList: null was among the members
     std::vector<std::unique_ptr<Node>> children;
 
     Node() = default;

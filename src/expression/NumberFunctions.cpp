@@ -93,9 +93,17 @@ Places::Places(std::int64_t places)
     : m_unit(std::pow(10.0, static_cast<double>(std::abs(std::clamp(places, -kMost, kMost))))), m_isWhole(places < 0) {}
 
 double Places::round(double value) const {
-    const double rounded = m_isWhole ? std::round(value / m_unit) * m_unit : std::round(value * m_unit) / m_unit;
+    constexpr double kWithoutPlaces = 4503599627370496.0; // 2 to the power of 52
+    const double size = std::fabs(value);
+    const double scaled = m_isWhole ? size / m_unit : size * m_unit;
     // A value too large to be scaled has no such places.
-    return std::isfinite(rounded) ? rounded : value;
+    if (!(scaled < kWithoutPlaces))
+        return value;
+    // 1.005 lies a little below that decimal. It counts as half when it is the nearest number to the decimal half.
+    const double whole = std::floor(scaled);
+    const double half = m_isWhole ? (whole + 0.5) * m_unit : (whole + 0.5) / m_unit;
+    const double rounded = size >= half ? whole + 1 : whole;
+    return std::copysign(m_isWhole ? rounded * m_unit : rounded / m_unit, value);
 }
 
 Value round(Arguments arguments, Scratch& /*scratch*/) {

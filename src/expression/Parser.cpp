@@ -57,9 +57,16 @@ class Reader {
     [[nodiscard]] bool isAt(TokenKind kind) const { return current().kind == kind; }
     [[nodiscard]] bool isWord(std::string_view word) const { return isAt(TokenKind::Word) && current().text == word; }
 
+    /// Whether the token before the current one is of the kind.
+    [[nodiscard]] bool isBefore(TokenKind kind) const { return m_next > 0 && m_tokens.list[m_next - 1].kind == kind; }
+    /// Whether the place may lie in what another language takes for a comment.
+    [[nodiscard]] bool isBehindDashes(Position at) const { return m_dashes && m_dashes->at.line == at.line; }
+
     const Token& take() {
         const Token& token = current();
         m_doubtful = token.hasDoubtfulEnd ? &token : m_doubtful;
+        if (token.kind == TokenKind::Minus && token.isAdjacent && isBefore(TokenKind::Minus))
+            m_dashes = &token;
         if (token.kind != TokenKind::End)
             ++m_next;
         return token;
@@ -84,6 +91,8 @@ class Reader {
             message += fmt::format(" (the text in line {}, column {} goes on behind its \\'; a text cannot end in a "
                                    "backslash, write concat('...', char(92)))",
                                    m_doubtful->at.line, m_doubtful->at.column);
+        if (isBehindDashes(at))
+            message += behindSemicolon(kCommentHint);
         m_error = ExpressionError{std::move(message), at.line, at.column};
         return nullptr;
     }
@@ -91,11 +100,18 @@ class Reader {
         // Where the tokens end early, the reason for that is the better message.
         if (isAt(TokenKind::End) && m_tokens.error) {
             m_error = m_tokens.error;
+            if (isBehindDashes({m_error->line, m_error->column}))
+                m_error->message += behindSemicolon(kCommentHint);
             return nullptr;
         }
-        const std::string_view hint = isAt(TokenKind::Word) ? hintForWord(current().text) : std::string_view();
-        return fail(current().at,
-                    fmt::format("expected {}, found {}{}", wanted, describe(current()), behindSemicolon(hint)));
+        return fail(current().at, fmt::format("expected {}, found {}{}", wanted, describe(current()),
+                                              behindSemicolon(hintForCurrent())));
+    }
+    [[nodiscard]] std::string_view hintForCurrent() const {
+        if (isAt(TokenKind::Word))
+            return hintForWord(current().text);
+        const bool isQuoteInText = isAt(TokenKind::Text) && current().isAdjacent && isBefore(TokenKind::Text);
+        return isQuoteInText ? "a quote within a text is written \\', as in 'O\\'Brien'" : std::string_view();
     }
 
     /// Counts one level of nesting for as long as it lives.
@@ -230,7 +246,7 @@ class Reader {
     Tree sum() { return chain(kSums, &Reader::product); }
     Tree product() { return chain(kProducts, &Reader::signedValue); }
 
-    /// A chain nests to the left, so each of its signs is a level of the tree.
+    /// A chain nests to the left: each of its signs is a level of the tree, though none of what the user wrote.
     template <std::size_t N>
     Tree chain(const std::array<ArithmeticSign, N>& signs, Tree (Reader::*part)()) {
         Tree tree = (this->*part)();
@@ -240,8 +256,8 @@ class Reader {
                 found = isAt(sign.token) ? &sign : found;
             if (!found)
                 return tree;
-            if (tree->depth > kDeepestNesting)
-                return tooDeep();
+            if (tree->depth > kLongestChain)
+                return fail(current().at, fmt::format("more than {} values are joined by + - * / %", kLongestChain));
             Tree whole = make(SyntaxKind::Arithmetic, take().at);
             whole->arithmetic = found->arithmetic;
             Tree right = (this->*part)();
@@ -288,15 +304,22 @@ class Reader {
         switch (current().kind) {
         case TokenKind::Number:
             return leaf(SyntaxKind::Number);
-        case TokenKind::Text:
-            return leaf(SyntaxKind::Text);
+        case TokenKind::Text: {
+            const bool isDoubleQuoted = current().isDoubleQuoted;
+            Tree text = leaf(SyntaxKind::Text);
+            text->spelling = isDoubleQuoted ? Spelling::DoubleQuoted : Spelling::Marked;
+            return text;
+        }
         case TokenKind::Field:
             return leaf(SyntaxKind::Field);
         case TokenKind::Word:
             return word();
         case TokenKind::LeftParenthesis: {
+            const bool isOfIf = m_next > 0 && m_tokens.list[m_next - 1].text == "if" && isBefore(TokenKind::Word);
             take();
             Tree inner = expression();
+            if (inner && isOfIf && isAt(TokenKind::Comma))
+                return fail(current().at, "if is no function; write if condition then return a else return b");
             if (inner && !accept(TokenKind::RightParenthesis))
                 return unexpected("\")\"");
             return inner;
@@ -314,11 +337,18 @@ class Reader {
             if (name == keyword)
                 return unexpected("a value");
         }
-        Tree call = leaf(SyntaxKind::Call);
-        if (!accept(TokenKind::LeftParenthesis))
-            return fail(call->at,
-                        fmt::format("{} is a name without \"(\"; fields stand in grave accents, texts in single quotes",
-                                    call->text));
+        const Token& token = take();
+        const bool isCall = isAt(TokenKind::LeftParenthesis);
+        Tree call = make(isCall ? SyntaxKind::Call : SyntaxKind::Field, token.at);
+        call->text = token.written;
+        if (!isCall) {
+            call->spelling = isBehindDashes(token.at) ? Spelling::BehindDashes : Spelling::Bare;
+            return call;
+        }
+        // Its arguments may be in another language, too.
+        if (!hintForFunction(token.text).empty())
+            return fail(token.at, noFunction(token.written));
+        take();
         if (accept(TokenKind::RightParenthesis))
             return call;
         do {
@@ -336,6 +366,7 @@ class Reader {
     std::size_t m_next = 0;
     int m_depth = 0;
     const Token* m_doubtful = nullptr;
+    const Token* m_dashes = nullptr; ///< the second of two that stand together, taken last
     std::optional<ExpressionError> m_error;
 };
 

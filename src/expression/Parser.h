@@ -11,6 +11,8 @@ namespace tavix::expression {
 
 /// Deeper nesting is refused, so that no text can exhaust the stack.
 inline constexpr int kDeepestNesting = 200;
+/// Values that + - * / % join one after the other. They nest to the left, as the evaluation does.
+inline constexpr int kLongestChain = 1000;
 
 struct Parsed {
     std::unique_ptr<Syntax> tree; ///< null when there is an error

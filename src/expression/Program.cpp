@@ -3,6 +3,7 @@
 #include "expression/Parser.h"
 
 #include <algorithm>
+#include <new>
 
 namespace tavix::expression {
 
@@ -121,20 +122,34 @@ IntegerRange Program::passingRange(std::size_t field) const {
     return rangeOf(tree(), field, true);
 }
 
-Compiled compile(std::string_view text, std::span<const Field> fields, Wanted wanted) {
+namespace {
+
+Compiled compileText(std::string_view text, std::span<const Field> fields, Wanted wanted, auto makeProgram) {
     Compiled compiled;
     Parsed parsed = parse(text);
     if (parsed.error) {
         compiled.error = *std::move(parsed.error);
         return compiled;
     }
-    Checked checked = check(*parsed.tree, fields, wanted);
+    Checked checked = check(*parsed.tree, text.size(), fields, wanted);
     if (checked.error)
         compiled.error = *std::move(checked.error);
     else
-        compiled.program = Program(std::move(checked.tree), fields);
+        compiled.program = makeProgram(std::move(checked.tree));
     compiled.remark = std::move(checked.remark);
     return compiled;
+}
+
+} // namespace
+
+Compiled compile(std::string_view text, std::span<const Field> fields, Wanted wanted) {
+    try {
+        return compileText(text, fields, wanted, [&](NodePtr tree) { return Program(std::move(tree), fields); });
+    } catch (const std::bad_alloc&) {
+        Compiled compiled;
+        compiled.error = ExpressionError{"there is not enough memory for this expression", 1, 1};
+        return compiled;
+    }
 }
 
 } // namespace tavix::expression

@@ -9,21 +9,19 @@ namespace tavix::expression {
 
 namespace {
 
-constexpr std::int64_t kMostMemory = std::int64_t{8} << 20;
-
-re2::RE2::Options options() {
+re2::RE2::Options options(std::int64_t memory) {
     re2::RE2::Options made;
     made.set_log_errors(false);
-    made.set_max_mem(kMostMemory);
+    made.set_max_mem(memory);
     made.set_dot_nl(true);
     return made;
 }
 
 class RegularExpression : public Matcher {
   public:
-    explicit RegularExpression(std::string_view pattern)
-        : m_expression(re2::StringPiece(pattern.data(), pattern.size()), options()) {
-        if (m_expression.ok())
+    RegularExpression(std::string_view pattern, const RegularLimits& limits)
+        : m_expression(re2::StringPiece(pattern.data(), pattern.size()), options(limits.memory)) {
+        if (m_expression.ok() && limits.mayHaveAutomaton)
             m_automaton = ByteAutomaton::build(pattern);
         m_hasRange = m_expression.ok() && m_expression.PossibleMatchRange(&m_lowest, &m_highest, kRangeLength);
     }
@@ -54,8 +52,9 @@ class RegularExpression : public Matcher {
 
 } // namespace
 
-std::shared_ptr<const Matcher> makeRegularExpression(std::string_view pattern, std::string& reason) {
-    auto made = std::make_shared<RegularExpression>(pattern);
+std::shared_ptr<const Matcher> makeRegularExpression(std::string_view pattern, const RegularLimits& limits,
+                                                     std::string& reason) {
+    auto made = std::make_shared<RegularExpression>(pattern, limits);
     if (made->isGood())
         return made;
     reason = made->reason();

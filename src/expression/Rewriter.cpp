@@ -1,8 +1,5 @@
 #include "expression/Rewriter.h"
 
-#include "expression/Interpreter.h"
-
-#include <algorithm>
 #include <optional>
 
 namespace tavix::expression {
@@ -40,7 +37,7 @@ NodePtr callOf(const char* name, Type type, NodePtr first, NodePtr second = null
 }
 
 /// compare(a, b, ...) against 0.
-NodePtr rewriteCompare(NodePtr node) {
+NodePtr rewriteCompare(NodePtr node, Folder& folder) {
     Node& call = *node->children[0];
     const bool hasCase = call.children.size() > 2;
     if (hasCase && (!call.child(2).isConstant() || call.child(2).constant.isNull()))
@@ -48,9 +45,9 @@ NodePtr rewriteCompare(NodePtr node) {
     const bool ignoresCase = hasCase && call.child(2).constant.boolean;
     NodePtr left = std::move(call.children[0]);
     NodePtr right = std::move(call.children[1]);
-    if (ignoresCase) {
-        left = fold(callOf("lower", Type::Text, std::move(left)));
-        right = fold(callOf("lower", Type::Text, std::move(right)));
+    if (ignoresCase && left->type != Type::Date) {
+        left = folder.fold(callOf("lower", Type::Text, std::move(left)));
+        right = folder.fold(callOf("lower", Type::Text, std::move(right)));
     }
     node->children[0] = std::move(left);
     node->children[1] = std::move(right);
@@ -84,20 +81,7 @@ NodePtr rewriteInstr(NodePtr node, bool occurs) {
 
 } // namespace
 
-NodePtr fold(NodePtr node) {
-    const auto isConstant = [](const NodePtr& child) { return child->isConstant(); };
-    if (node->isConstant() || node->kind == NodeKind::Field || !std::ranges::all_of(node->children, isConstant))
-        return node;
-    Scratch scratch;
-    const Value value = Interpreter(scratch).evaluate(*node, {});
-    if (scratch.hasFailed())
-        return node;
-    NodePtr constant = makeConstant(value);
-    constant->type = node->type;
-    return constant;
-}
-
-NodePtr rewrite(NodePtr node) {
+NodePtr rewrite(NodePtr node, Folder& folder) {
     if (node->kind != NodeKind::Compare)
         return node;
     if (node->child(0).isConstant() && !node->child(1).isConstant()) {
@@ -108,7 +92,7 @@ NodePtr rewrite(NodePtr node) {
     if (!number)
         return node;
     if (isCallOf(node->child(0), "compare") && *number == 0)
-        return rewriteCompare(std::move(node));
+        return rewriteCompare(std::move(node), folder);
     if (isCallOf(node->child(0), "instr") && node->child(0).children.size() == 2) {
         if (const auto occurs = asksForOccurrence(node->comparison, *number))
             return rewriteInstr(std::move(node), *occurs);

@@ -9,14 +9,12 @@ namespace tavix::expression {
 namespace {
 
 constexpr std::size_t kChunk = std::size_t{64} << 10;
-/// What all texts of one row, or of one block of rows, may take together.
-constexpr std::size_t kMostMemory = std::size_t{256} << 20;
 /// Chunks beyond this are given back, so that one large row does not cost its memory for ever.
 constexpr std::size_t kKept = std::size_t{4} << 20;
 
 } // namespace
 
-void Scratch::clear() {
+void Scratch::clear(std::size_t most) {
     std::size_t kept = 0;
     std::size_t size = 0;
     while (kept < m_chunks.size() && (size += m_chunks[kept].size) <= kKept)
@@ -25,20 +23,24 @@ void Scratch::clear() {
     m_chunk = 0;
     m_used = 0;
     m_total = 0;
+    m_most = most;
+    m_isFull = false;
     if (m_builder.capacity() > kKept)
         m_builder = std::string();
 }
 
+bool Scratch::refuse(std::size_t size) {
+    if (size == 0)
+        return true;
+    m_isFull = m_isFull || size <= kLongestText;
+    fail(size > kLongestText ? "a text would grow too long" : "the texts that are made take too much memory");
+    return false;
+}
+
 char* Scratch::allocate(std::size_t size) {
-    if (size > kLongestText) {
-        fail("a text would grow too long");
+    if (!fits(size))
         return nullptr;
-    }
     m_total += size;
-    if (m_total > kMostMemory) {
-        fail("the texts that are made take too much memory");
-        return nullptr;
-    }
     while (m_chunk < m_chunks.size() && m_chunks[m_chunk].size - m_used < size) {
         ++m_chunk;
         m_used = 0;

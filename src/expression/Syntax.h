@@ -27,11 +27,20 @@ enum class SyntaxKind : std::uint8_t {
     If, ///< condition, value, condition, value, ..., and the value of the last else, if there is one
 };
 
+/// How a name or text was written, where that matters.
+enum class Spelling : std::uint8_t {
+    Marked,       ///< a field in grave accents, a text in single quotes
+    Bare,         ///< a field as a word
+    BehindDashes, ///< the same where the word may belong to a comment of another language
+    DoubleQuoted, ///< a text that could be meant as a name
+};
+
 /// What was written, before names and types are looked at.
 struct Syntax {
     SyntaxKind kind = SyntaxKind::Word;
     Position at;
-    std::string text; ///< of a number, text, word, field or function
+    std::string text; ///< of a number, text, word, field or function; names as they were written
+    Spelling spelling = Spelling::Marked;
     Comparison comparison = Comparison::Equal;
     Arithmetic arithmetic = Arithmetic::Add;
     int depth = 1; ///< levels of the tree from here down

@@ -3,6 +3,7 @@
 #include "base/DateText.h"
 #include "base/NumberText.h"
 #include "expression/ByteSearch.h"
+#include "expression/Conversion.h"
 #include "expression/TextOperators.h"
 #include "expression/Wildcard.h"
 
@@ -18,17 +19,17 @@ constexpr std::size_t kLongestPattern = 4096;
 /// The text that a mapping appends to an empty one.
 template <typename Append>
 Value mapped(std::string_view text, Scratch& scratch, Append append) {
+    if (scratch.isFull() && !scratch.fits(text.size()))
+        return {};
     std::string& out = scratch.builder();
     append(out, text);
     return Value::ofText(scratch.keep(out));
 }
 
-/// Appends unless that would make the text too long to keep.
-bool appendBounded(std::string& out, std::string_view part) {
-    if (part.size() > kLongestText - std::min(kLongestText, out.size())) {
-        out.resize(kLongestText + 1);
+/// Appends unless that would make the text too long to keep, which is then a failure.
+bool appendBounded(std::string& out, std::string_view part, Scratch& scratch) {
+    if (!scratch.fits(out.size() + part.size()))
         return false;
-    }
     out.append(part);
     return true;
 }
@@ -47,16 +48,18 @@ Value padded(Arguments arguments, Scratch& scratch, bool onTheLeft) {
         scratch.fail("a text would grow too long");
         return {};
     }
+    const auto each = static_cast<std::int64_t>(countCharacters(fill));
+    const std::string_view rest = leftOf(fill, missing % each);
+    if (!scratch.fits(text.size() + static_cast<std::size_t>(missing / each) * fill.size() + rest.size()))
+        return {};
     std::string& out = scratch.builder();
     if (!onTheLeft)
         out.append(text);
-    const auto each = static_cast<std::int64_t>(countCharacters(fill));
-    for (; missing > 0; missing -= each) {
-        if (!appendBounded(out, missing < each ? leftOf(fill, missing) : fill))
-            break;
-    }
+    for (missing /= each; missing > 0; --missing)
+        out.append(fill);
+    out.append(rest);
     if (onTheLeft)
-        appendBounded(out, text);
+        out.append(text);
     return Value::ofText(scratch.keep(out));
 }
 
@@ -72,6 +75,8 @@ Value character(Arguments arguments, Scratch& scratch) {
 }
 
 Value compare(Arguments arguments, Scratch& scratch) {
+    if (arguments[0].type == Type::Date)
+        return Value::ofInteger(compareValues(arguments[0], arguments[1]));
     std::string_view left = arguments[0].text;
     std::string_view right = arguments[1].text;
     if (arguments.size() > 2 && arguments[2].boolean) {
@@ -85,8 +90,8 @@ Value compare(Arguments arguments, Scratch& scratch) {
 Value concat(Arguments arguments, Scratch& scratch) {
     std::string& out = scratch.builder();
     for (const Value& part : arguments) {
-        if (!appendBounded(out, part.text))
-            break;
+        if (!appendBounded(out, part.text, scratch))
+            return {};
     }
     return Value::ofText(scratch.keep(out));
 }
@@ -170,13 +175,14 @@ Value replace(Arguments arguments, Scratch& scratch) {
     std::string& out = scratch.builder();
     const ByteSearch search(from);
     for (std::size_t at = search.find(rest); at != ByteSearch::kNotFound; at = search.find(rest)) {
-        if (!appendBounded(out, rest.substr(0, at)) || !appendBounded(out, arguments[2].text))
-            break;
+        if (!appendBounded(out, rest.substr(0, at), scratch) || !appendBounded(out, arguments[2].text, scratch))
+            return {};
         rest.remove_prefix(at + from.size());
     }
     if (rest.size() == arguments[0].text.size())
         return arguments[0];
-    appendBounded(out, rest);
+    if (!appendBounded(out, rest, scratch))
+        return {};
     return Value::ofText(scratch.keep(out));
 }
 

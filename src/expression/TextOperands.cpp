@@ -20,10 +20,12 @@ class MappedOperand : public Operand {
 
     const Vector& evaluate(Frame& frame, const RowSet& rows) override {
         const Vector& source = m_source->evaluate(frame, rows);
-        if (source.ends && source.isAscii() && rows.isDense() && frame.rows() > 0)
-            return mapBlock(source, source.ends[frame.rows() - 1]);
-        if (source.isAscii())
-            return mapEach(source, frame, rows);
+        if (source.isAscii()) {
+            const bool isWhole = source.ends && rows.isDense() && frame.rows() > 0;
+            const std::size_t size = isWhole ? source.ends[frame.rows() - 1] : sizeOf(source, rows);
+            if (frame.takeAdjacent(size))
+                return isWhole ? mapBlock(source, size) : mapEach(source, size, frame, rows);
+        }
         m_results.begin(Type::Text, frame.rows());
         const auto call = m_isLower ? text_functions::lower : text_functions::upper;
         rows.forEach([&](std::uint32_t row) {
@@ -35,10 +37,13 @@ class MappedOperand : public Operand {
     }
 
   private:
-    /// ASCII texts of any form. They are parts of a block's, so not more than it.
-    const Vector& mapEach(const Vector& source, const Frame& frame, const RowSet& rows) {
+    [[nodiscard]] static std::size_t sizeOf(const Vector& source, const RowSet& rows) {
         std::size_t size = 0;
         withTexts(source, [&](auto texts) { rows.forEach([&](std::uint32_t row) { size += texts[row].size(); }); });
+        return size;
+    }
+    /// ASCII texts of any form.
+    const Vector& mapEach(const Vector& source, std::size_t size, const Frame& frame, const RowSet& rows) {
         m_adjacent.begin(frame.rows(), size);
         const auto map = m_isLower ? lowerAscii : upperAscii;
         withTexts(source, [&](auto texts) {

@@ -51,7 +51,7 @@ std::u32string decode(std::string_view text) {
 
 } // namespace
 
-Wildcard::Wildcard(std::string_view pattern)
+Wildcard::Wildcard(std::string_view pattern, bool mayHaveAutomaton)
     : m_pattern(pattern),
       m_isFirstFixed(!pattern.empty() && !isSign(pattern.front())),
       m_isLastFixed(!pattern.empty() && !isSign(pattern.back())) {
@@ -71,7 +71,7 @@ Wildcard::Wildcard(std::string_view pattern)
         begin = star + 1;
     }
     // With '?' between stars a search would try many places.
-    if (m_hasAnyCharacter && m_pieces.size() > 2 && isAscii(pattern))
+    if (mayHaveAutomaton && m_hasAnyCharacter && m_pieces.size() > 2 && isAscii(pattern))
         m_automaton = ByteAutomaton::build(asPart(pattern));
 }
 

@@ -15,7 +15,7 @@ namespace tavix::expression {
 /// escapes the two signs.
 class Wildcard final : public Matcher {
   public:
-    explicit Wildcard(std::string_view pattern);
+    explicit Wildcard(std::string_view pattern, bool mayHaveAutomaton = true);
 
     [[nodiscard]] bool matches(std::string_view text, bool isAscii, Scratch& scratch) const override;
     [[nodiscard]] std::string_view requiredPart() const override;

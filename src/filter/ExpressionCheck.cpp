@@ -1,25 +1,13 @@
 #include "filter/ExpressionCheck.h"
 
-#include "expression/Program.h"
-#include "filter/FilterFields.h"
+#include "access/FilterCode.h"
 
 #include <algorithm>
 #include <array>
-#include <string>
-#include <vector>
 
 namespace tavix {
 
 namespace {
-
-std::vector<expression::Field> fieldsOfDistribution() {
-    std::vector<expression::Field> fields;
-    fields.reserve(kFilterFields.size());
-    for (const FilterField& field : kFilterFields)
-        fields.push_back({std::string(field.name),
-                          field.type == FieldTypeCode::Count ? expression::Type::Integer : expression::Type::Text});
-    return fields;
-}
 
 bool isNamePart(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
@@ -42,7 +30,7 @@ std::size_t endOf(std::string_view text, std::size_t at) {
     }
     const char quote = text[at];
     for (++at; at < text.size(); ++at) {
-        if (quote == '\'' && text.substr(at).starts_with("\\'"))
+        if (quote != '`' && text[at] == '\\' && at + 1 < text.size() && text[at + 1] == quote)
             ++at;
         else if (text[at] == quote)
             return at + 1;
@@ -55,17 +43,20 @@ std::size_t endOf(std::string_view text, std::size_t at) {
 ExpressionCheck CheckFilterText(std::string_view filterText) {
     if (filterText.empty())
         return {};
-    const std::vector<expression::Field> fields = fieldsOfDistribution();
-    expression::Compiled compiled = expression::compile(filterText, fields, expression::Wanted::Condition);
-    if (!compiled.ok())
-        return {std::move(compiled.error), {}};
-    return {{}, std::move(compiled.remark)};
+    ExpressionCheck check;
+    check.linesBefore = codeOf(filterText).linesBefore;
+    expression::Compiled compiled = compileFilter(filterText);
+    if (compiled.ok())
+        check.remark = std::move(compiled.remark);
+    else
+        check.error = std::move(compiled.error);
+    return check;
 }
 
 std::string_view NameBeingWritten(std::string_view written) {
     for (std::size_t at = 0; at < written.size();) {
         const char c = written[at];
-        if (c == '\'' || c == '`' || written.substr(at).starts_with("/*")) {
+        if (c == '\'' || c == '"' || c == '`' || written.substr(at).starts_with("/*")) {
             at = endOf(written, at);
             if (at == std::string_view::npos)
                 return {};

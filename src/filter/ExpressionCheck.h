@@ -14,6 +14,8 @@ struct ExpressionCheck {
     std::optional<expression::ExpressionError> error;
     /// The first place of a text without error that probably does not mean what its author thinks.
     std::optional<expression::ExpressionError> remark;
+    /// Places are counted in the code; before it the text has so many lines, those of its condition block.
+    int linesBefore = 0;
 };
 
 [[nodiscard]] ExpressionCheck CheckFilterText(std::string_view filterText);

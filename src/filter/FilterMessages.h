@@ -27,6 +27,8 @@ inline constexpr Message kEndsWithConnector{"Invalid expression: Cannot end with
 inline constexpr Message kLeaveEditMode{
     "This action will cause you to lose any changes you made while in Edit Mode. Continue anyway?", "Leave Edit Mode"};
 
+inline constexpr Message kNoMemory{"There is not enough memory for this filter", "File Error"};
+
 inline constexpr Message kCannotOpen{"Unable to open filter file", "File Open Error"};
 inline constexpr Message kNoFilterFile{"Invalid filter file", "File Error"};
 inline constexpr Message kCutFilterFile{"Invalid or corrupt filter file", "File Error"};

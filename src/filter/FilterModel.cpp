@@ -5,6 +5,7 @@
 #include "filter/FilterFile.h"
 #include "filter/FilterMessages.h"
 
+#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -204,14 +205,13 @@ void FilterModel::ChooseDisplay(FilterDisplay display) {
 bool FilterModel::SetEditMode(bool on) {
     if (on == m_editMode)
         return true;
-    if (!on && m_edited &&
-        m_messages.ask(filter_messages::kLeaveEditMode.text, filter_messages::kLeaveEditMode.caption) ==
-            Messages::Answer::No)
+    if (!on && m_edited && !MayLoseEdits())
         return false;
     m_display = FilterDisplay::ExpressionCode;
     m_editText = on ? BuildExpression(m_conditions, m_action) : std::string();
     m_editMode = on;
     m_edited = false;
+    m_hasUnsavedEdits = false;
     return true;
 }
 
@@ -223,21 +223,34 @@ void FilterModel::EditBox(std::string text) {
         text = withCarriageReturns(text);
     m_editText = std::move(text);
     m_edited = true;
+    m_hasUnsavedEdits = true;
+}
+
+bool FilterModel::MayLoseEdits() {
+    return m_messages.ask(filter_messages::kLeaveEditMode.text, filter_messages::kLeaveEditMode.caption) ==
+           Messages::Answer::Yes;
 }
 
 bool FilterModel::Load(const std::string& path) {
-    auto file = openFilterToRead(path);
-    if (!file) {
-        m_messages.warn(file.error().text, filter_messages::kCannotOpen.caption);
+    try {
+        auto file = openFilterToRead(path);
+        if (!file) {
+            m_messages.warn(file.error().text, filter_messages::kCannotOpen.caption);
+            return false;
+        }
+        const auto text = readFilter(*file);
+        if (!text) {
+            m_messages.warn(text.error().text, filter_messages::kNoFilterFile.caption);
+            return false;
+        }
+        if (m_hasUnsavedEdits && !MayLoseEdits())
+            return false;
+        LoadText(*text);
+        return true;
+    } catch (const std::bad_alloc&) {
+        warn(m_messages, filter_messages::kNoMemory);
         return false;
     }
-    const auto text = readFilter(*file);
-    if (!text) {
-        m_messages.warn(text.error().text, filter_messages::kNoFilterFile.caption);
-        return false;
-    }
-    LoadText(*text);
-    return true;
 }
 
 bool FilterModel::Save(const std::string& path) {
@@ -250,6 +263,7 @@ bool FilterModel::Save(const std::string& path) {
         m_messages.warn(written.error().text, filter_messages::kCannotWrite.caption);
         return false;
     }
+    m_hasUnsavedEdits = false;
     return true;
 }
 
@@ -261,6 +275,7 @@ void FilterModel::LoadText(std::string_view filterText) {
     m_filterText = std::move(parsed.text);
     m_editMode = !parsed.understood;
     m_edited = m_editMode;
+    m_hasUnsavedEdits = false;
     m_editText = m_editMode ? m_filterText : std::string();
     m_display = m_editMode ? FilterDisplay::ExpressionCode : FilterDisplay::PlainText;
     if (m_editMode)

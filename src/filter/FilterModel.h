@@ -75,6 +75,7 @@ class FilterModel {
     void EditBox(std::string text);
 
     // Files. What is wrong is shown, and false returned with nothing changed.
+    /// Asks before edits are lost that were not saved.
     bool Load(const std::string& path);
     bool Save(const std::string& path);
     /// Takes a filter text in place of what is there, and leaves or enters edit mode as the text needs it.
@@ -94,6 +95,7 @@ class FilterModel {
     void AskAboutPending();
     void Append(CCondition condition);
     void AppendParenthesis(bool left);
+    [[nodiscard]] bool MayLoseEdits();
 
     Messages& m_messages;
     DistributionKind m_kind;
@@ -104,6 +106,7 @@ class FilterModel {
     FilterDisplay m_display = FilterDisplay::PlainText;
     bool m_editMode = false;
     bool m_edited = false;
+    bool m_hasUnsavedEdits = false;
     std::string m_editText; ///< the box in edit mode
     std::string m_filterText;
 };

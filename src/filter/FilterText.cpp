@@ -1,5 +1,6 @@
 #include "filter/FilterText.h"
 
+#include "access/FilterCode.h"
 #include "base/Characters.h"
 #include "expression/TextOperators.h"
 #include "filter/FilterOperations.h"
@@ -231,7 +232,7 @@ std::string BuildExpression(const ConditionList& conditions, FilterAction action
     if (conditions.empty())
         return {};
     if (const auto fault = FindFault(conditions))
-        return fmt::format("Cannot display expression:\r\n\r\n{}", faultText(*fault));
+        return fmt::format("{}{}", kCannotDisplay, faultText(*fault));
     const std::string code = render(
         conditions, [](const CCondition& condition) { return ComparisonCode(condition).build(); },
         [](std::string connector) { return connector; });

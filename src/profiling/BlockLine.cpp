@@ -11,7 +11,8 @@ constexpr std::size_t kMostLanes = 64;
 
 } // namespace
 
-BlockLine::BlockLine(const TablePasses& passes, std::size_t blocks, std::uint32_t parts) : m_slots(blocks) {
+BlockLine::BlockLine(const TablePasses& passes, std::size_t blocks, std::uint32_t parts, StopSignal& stop)
+    : m_stop(stop), m_slots(blocks) {
     for (const auto& pass : passes) {
         Passage& passage = m_passages.emplace_back();
         passage.pass = pass.get();
@@ -107,8 +108,8 @@ void BlockLine::workUntilCounted(Lock& lock, const Slot& waited) {
             std::rethrow_exception(m_failure);
         if (waited.lanesLeft == 0)
             return;
-        if (!work(lock))
-            m_changed.wait(lock);
+        if (!work(lock) && m_changed.wait_for(lock, kBetweenPolls) == std::cv_status::timeout)
+            (void)m_stop.isStopped(); // a helper may be at work on a block that takes long
     }
 }
 
@@ -155,7 +156,7 @@ bool BlockLine::work(Lock& lock) {
                 passage->pass->countColumn(taken.block, column, lane->part);
             memory = memoryOf(*passage, *lane);
         } else {
-            passage->pass->prepare(taken.block, taken.firstRecord);
+            passage->pass->prepare(taken.block, taken.firstRecord, [this] { return !m_stop.isStopped(); });
         }
     } catch (...) {
         failure = std::current_exception();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "profiling/StopSignal.h"
 #include "profiling/TablePass.h"
 #include "source/RowReader.h"
 
@@ -20,7 +21,8 @@ using TablePasses = std::vector<std::unique_ptr<TablePass>>;
 class BlockLine {
   public:
     /// Up to `blocks` are on their way at once. `parts`: of the values of each column.
-    BlockLine(const TablePasses& passes, std::size_t blocks, std::uint32_t parts);
+    /// `stop` also ends a step that is under way.
+    BlockLine(const TablePasses& passes, std::size_t blocks, std::uint32_t parts, StopSignal& stop);
 
     /// For the thread that reads: a block to fill; until one is free the caller takes part in the work. What a thread
     /// threw comes out here or of finish(), and then nothing is counted any more.
@@ -79,6 +81,7 @@ class BlockLine {
     bool work(Lock& lock);
     void workUntilCounted(Lock& lock, const Slot& waited);
 
+    StopSignal& m_stop;
     std::vector<Slot> m_slots;
     std::vector<Passage> m_passages;
     std::size_t m_lanes = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/NearestWord.h"
 #include "base/Result.h"
 #include "profiling/JobDescription.h"
 
@@ -19,11 +20,5 @@ namespace tavix::profiling {
 /// The fields that the job's collections take from this table exist.
 [[nodiscard]] Status checkCollectionFields(const JobDescription& job, std::string_view table,
                                            std::span<const std::string> columns);
-
-/// Of `known` the word that `word` was probably meant to be; "" when none is near.
-[[nodiscard]] std::string nearestWord(std::string_view word, std::span<const std::string> known);
-
-/// " (did you mean "x"?)" or nothing.
-[[nodiscard]] std::string suggestion(std::string_view word, std::span<const std::string> known);
 
 } // namespace tavix::profiling

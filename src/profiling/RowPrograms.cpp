@@ -39,7 +39,7 @@ std::string RowFailures::text() const {
 }
 
 std::span<const std::uint32_t> ConditionPass::passing(const RowSlice& slice) {
-    const auto rows = m_evaluator.passing(slice.values);
+    const auto rows = m_evaluator.passing(slice.values, slice.goOn);
     if (const std::size_t failures = m_evaluator.failures(); failures > 0)
         m_failures.add(slice, failures, m_evaluator.firstFailedRow(), m_evaluator.firstFailure());
     return rows;
@@ -57,14 +57,14 @@ void MetricPass::take(const RowSlice& slice) {
         m_rows += static_cast<std::int64_t>(m_condition->passing(slice).size());
         return;
     }
-    const expression::Vector& values = m_values->evaluate(slice.values);
-    const std::size_t failures = m_values->failures();
-    if (failures > 0)
+    const auto add = [this](const expression::ValuePiece& piece) {
+        for (std::uint32_t row = 0; row < piece.rows; ++row)
+            if (!piece.isFailed(row))
+                m_aggregate.add(piece.values.at(row));
+    };
+    m_values->evaluate(slice.values, add, slice.goOn);
+    if (const std::size_t failures = m_values->failures(); failures > 0)
         m_failures.add(slice, failures, m_values->firstFailedRow(), m_values->firstFailure());
-    const auto rows = static_cast<std::uint32_t>(slice.values.rows);
-    for (std::uint32_t row = 0; row < rows; ++row)
-        if (failures == 0 || !m_values->isFailed(row))
-            m_aggregate.add(values.at(row));
 }
 
 KvbDatavar MetricPass::result() const {

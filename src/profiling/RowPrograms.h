@@ -20,6 +20,7 @@ struct RowSlice {
     std::span<const std::uint32_t> rows; ///< places in the block, ascending
     const expression::Block& values;     ///< of these rows
     std::int64_t firstRecord = 1;        ///< the number of the block's first row in its source
+    const expression::GoOn& goOn;        ///< when it answers false, results are of no use any more
 };
 
 /// Rows for which an expression could not be evaluated.

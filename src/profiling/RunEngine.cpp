@@ -79,7 +79,7 @@ Status RunEngine::count(source::RowReader& reader, const TablePasses& passes,
         column->divide(parts);
     // Alone a thread does best to count what it has just read.
     const bool isAlone = m_pool.threads() == 1;
-    BlockLine line(passes, isAlone ? 1 : kBlocksOnTheWay, parts);
+    BlockLine line(passes, isAlone ? 1 : kBlocksOnTheWay, parts, m_stop);
     std::optional<Helpers> helpers(std::in_place, m_pool, line);
     const auto isTooMuch = [&](const BlockLine::Memory& memory, std::size_t onTheWay) {
         return memory.values + onTheWay > m_plan.counting() || memory.places > m_plan.places();

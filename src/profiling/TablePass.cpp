@@ -83,18 +83,18 @@ TablePass::TablePass(const TableDescription& description, std::span<const std::s
         m_metrics.resize(columns.size());
 }
 
-void TablePass::prepare(const source::RowBlock& block, std::int64_t firstRecord) {
+void TablePass::prepare(const source::RowBlock& block, std::int64_t firstRecord, const expression::GoOn& goOn) {
     if (hasPrograms() && m_allRows.size() < block.rows) {
         m_allRows.resize(block.rows);
         std::iota(m_allRows.begin(), m_allRows.end(), 0U);
     }
     if (m_where)
-        select(block, firstRecord);
+        select(block, firstRecord, goOn);
     if (m_keepsPlaces)
         takePlaces(block);
     m_rows += static_cast<std::int64_t>(m_where ? m_selectedRows.size() : block.rows);
     if (m_hasRowPrograms)
-        evaluate(block, firstRecord);
+        evaluate(block, firstRecord, goOn);
 }
 
 void TablePass::countColumn(const source::RowBlock& block, std::size_t column, std::uint32_t part) {
@@ -132,26 +132,26 @@ void TablePass::takePlaces(const source::RowBlock& block) {
                                              m_selectedRows.begin());
 }
 
-void TablePass::select(const source::RowBlock& block, std::int64_t firstRecord) {
+void TablePass::select(const source::RowBlock& block, std::int64_t firstRecord, const expression::GoOn& goOn) {
     m_selectedRows.clear();
     for (std::size_t first = 0; first < block.rows;) {
         const auto rest =
             std::span<const std::uint32_t>(m_allRows).subspan(first, std::min(BlockColumns::kRows, block.rows - first));
         const auto taken = m_whereColumns.take(block, rest);
-        const RowSlice slice{block, rest.first(taken.rows), *taken.block, firstRecord};
+        const RowSlice slice{block, rest.first(taken.rows), *taken.block, firstRecord, goOn};
         for (const std::uint32_t row : m_where->passing(slice))
             m_selectedRows.push_back(rest[row]);
         first += taken.rows;
     }
 }
 
-void TablePass::evaluate(const source::RowBlock& block, std::int64_t firstRecord) {
+void TablePass::evaluate(const source::RowBlock& block, std::int64_t firstRecord, const expression::GoOn& goOn) {
     const auto rows = m_where ? std::span<const std::uint32_t>(m_selectedRows)
                               : std::span<const std::uint32_t>(m_allRows).first(block.rows);
     for (std::size_t first = 0; first < rows.size();) {
         const auto rest = rows.subspan(first, std::min(BlockColumns::kRows, rows.size() - first));
         const auto taken = m_ruleColumns.take(block, rest);
-        const RowSlice slice{block, rest.first(taken.rows), *taken.block, firstRecord};
+        const RowSlice slice{block, rest.first(taken.rows), *taken.block, firstRecord, goOn};
         for (const auto& metric : m_metricPasses)
             if (metric)
                 metric->take(slice);

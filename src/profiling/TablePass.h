@@ -28,7 +28,8 @@ class TablePass {
     /// A block of rows is taken in two steps. The first finds the rows that belong to the table and hands them to
     /// metrics and rules; `firstRecord` is the number of the block's first row in its source, from 1. The second
     /// counts a column, or a part of its values (ColumnValues.h); several threads may count, each something else.
-    void prepare(const source::RowBlock& block, std::int64_t firstRecord);
+    /// `goOn` may end the first one, when the run is given up.
+    void prepare(const source::RowBlock& block, std::int64_t firstRecord, const expression::GoOn& goOn);
     void countColumn(const source::RowBlock& block, std::size_t column, std::uint32_t part);
     /// Whether the first step changes what the second looks at, so that no other block may be in it meanwhile.
     [[nodiscard]] bool preparingDisturbs(const source::RowBlock& block) const {
@@ -57,8 +58,8 @@ class TablePass {
   private:
     [[nodiscard]] bool hasPrograms() const { return m_where || m_hasRowPrograms; }
     void takePlaces(const source::RowBlock& block);
-    void select(const source::RowBlock& block, std::int64_t firstRecord);
-    void evaluate(const source::RowBlock& block, std::int64_t firstRecord);
+    void select(const source::RowBlock& block, std::int64_t firstRecord, const expression::GoOn& goOn);
+    void evaluate(const source::RowBlock& block, std::int64_t firstRecord, const expression::GoOn& goOn);
     Status storeMetrics(repository::RunWriter& writer, int tableId);
     Status log(repository::RunWriter& writer, int tableId, const std::string& what, const RowFailures& failures) const;
 

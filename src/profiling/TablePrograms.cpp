@@ -71,14 +71,7 @@ Result<Program> compileOne(const ExpressionText& text, const std::string& what, 
         remarks.push_back({text.place, fmt::format("{}: {}", what, expression::describe(*compiled.remark))});
     if (compiled.ok())
         return std::move(*compiled.program);
-    std::string hint;
-    if (!compiled.error.missingField.empty()) {
-        std::vector<std::string> names;
-        for (const Field& field : fields)
-            names.push_back(field.name);
-        hint = suggestion(compiled.error.missingField, names);
-    }
-    return Error{fmt::format("{}{}: {}{}", text.place, what, expression::describe(compiled.error), hint)};
+    return Error{fmt::format("{}{}: {}", text.place, what, expression::describe(compiled.error))};
 }
 
 /// Compiles what a table has, one kind after the other.

@@ -139,6 +139,17 @@ class SingleDocument final : public YAML::EventHandler {
     int m_documents = 0;
 };
 
+/// Expressions hold what YAML reads in its own way, and its messages do not say so.
+std::string_view hintOnQuotes(std::string_view text, const YAML::Exception& error) {
+    if (error.msg.find("escape") != std::string::npos)
+        return "; a backslash in double quotes is an escape, so use single quotes";
+    std::size_t begin = 0;
+    for (int line = 0; line < error.mark.line && begin < text.size(); ++line)
+        begin = std::min(text.find('\n', begin), text.size() - 1) + 1;
+    const bool hasField = text.substr(begin, text.find('\n', begin) - begin).find('`') != std::string_view::npos;
+    return hasField ? "; quote the expression, as in where: \"`price` = 1\"" : "";
+}
+
 void requireSingleDocument(const std::string& text) {
     std::istringstream stream(text);
     YAML::Parser parser(stream);
@@ -177,7 +188,7 @@ std::variant<YamlDocument, DocumentProblem> parseYaml(const std::string& text) {
     } catch (const YAML::DeepRecursion& error) {
         return DocumentProblem{positionOf(error.mark), "the nesting is too deep"};
     } catch (const YAML::Exception& error) {
-        return DocumentProblem{positionOf(error.mark), error.msg};
+        return DocumentProblem{positionOf(error.mark), error.msg + std::string(hintOnQuotes(text, error))};
     }
 }
 

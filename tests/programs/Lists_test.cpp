@@ -116,6 +116,16 @@ TEST_F(Lists, AFilterLetsSomeRowsPassAndTheListSaysSo) {
     EXPECT_EQ(asJson(with(m_folder.file("some.FLT"))), filtered);
     write("some.txt", "\xEF\xBB\xBFnot isnull(`Value`)\n");
     EXPECT_EQ(asJson(with(m_folder.file("some.txt"))), filtered);
+    EXPECT_EQ(asJson(with("not isnull(Value)")), filtered);
+    EXPECT_EQ(asJson(with("Value = \"Bern\" or not isnull(Value) and Count = 1")), filtered);
+    write("other.txt", std::string{static_cast<char>(text.size()), 0} + text);
+    expectFailure(3, with(m_folder.file("other.txt")), "other.txt: this is a filter as the dialog saves it");
+    const std::string unfinished =
+        text.substr(0, text.find("if ")) + "Cannot display expression:\r\n\r\nCondition list cannot end with AND or OR";
+    write("unfinished.flt", std::string{static_cast<char>(unfinished.size()), 0} + unfinished);
+    expectFailure(2, with(m_folder.file("unfinished.flt")),
+                  "The filter was saved unfinished: Condition list cannot end with AND or OR.");
+    expectFailure(2, with("`Vlaue` == 1"), "(did you mean \"Value\"?)");
     write("cut.flt", std::string{100, 0} + text.substr(0, 50));
     expectFailure(3, with(m_folder.file("cut.flt")), "cut.flt: Invalid or corrupt filter file");
     expectFailure(2, with("none.flt"), "there is no file \"none.flt\"");

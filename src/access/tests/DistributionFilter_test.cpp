@@ -180,10 +180,10 @@ TEST(DistributionFilter, TheConditionBlockIsPassedOver) {
     const std::string block = "/*{{BEGIN CONDITIONS\r\nOPERATION=0\r\nVALUES=\"a*/b\"\r\n}}END CONDITIONS*/\r\n";
     EXPECT_THAT(of.rows(of.values(block + "`Value` == 'a*/b'")), ElementsAre("a*/b|9"));
     EXPECT_FALSE(of.values(block + "if `Count` > 1 then\r\n  retrun true"));
-    EXPECT_THAT(of.error(), HasSubstr("line 6, column 3"));
+    EXPECT_THAT(of.error(), HasSubstr("line 2, column 3"));
     // A block without its end is a comment as any other.
     EXPECT_FALSE(of.values("/*{{BEGIN CONDITIONS\r\nVALUES=\"a*/b\"\r\n`Value` == 'c'"));
-    EXPECT_THAT(of.error(), HasSubstr("line 2, column 12"));
+    EXPECT_THAT(of.error(), HasSubstr("line 2, column 13"));
 }
 
 TEST(DistributionFilter, WhatIsNoConditionFailsWithItsPlace) {
@@ -194,7 +194,6 @@ TEST(DistributionFilter, WhatIsNoConditionFailsWithItsPlace) {
         {"`Count`", "line 1, column 1"},
         {" ", "line 1"},
         {"`Value` == 'C:\\'", "line 1, column"},
-        {"Cannot display expression:\r\n\r\nCondition list", "line 1"},
         {std::string("\xff\0", 2), "line 1, column 1"},
         {std::string(2'000'000, '('), "line 1"},
     };
@@ -204,6 +203,9 @@ TEST(DistributionFilter, WhatIsNoConditionFailsWithItsPlace) {
                     ::testing::AllOf(::testing::StartsWith("The filter is not understood: "), HasSubstr(place)));
         EXPECT_FALSE(of.patterns(text)) << text.substr(0, 40);
     }
+    EXPECT_FALSE(of.values("/*{{BEGIN CONDITIONS\r\n}}END CONDITIONS*/\r\nCannot display expression:\r\n\r\nCondition "
+                           "list cannot end with AND or OR"));
+    EXPECT_EQ(of.error(), "The filter was saved unfinished: Condition list cannot end with AND or OR.");
     EXPECT_FALSE(of.viewer->getFreqDist(99, "true"));
     EXPECT_EQ(of.error(), "There is no field with the number 99.");
 }
@@ -240,6 +242,19 @@ TEST(DistributionFilter, AWalkThatFindsNothingCanBeStopped) {
     Stopper patient(1000);
     EXPECT_EQ(of.rows(of.viewer->getFreqDist(1, {}, &patient)), of.rows(of.values({})));
     EXPECT_EQ(patient.told.size(), 2U);
+}
+
+TEST(DistributionFilter, ABlockOfLongTextsCanBeStoppedWithin) {
+    Values values;
+    for (int i = 0; i < 4000; ++i)
+        values.emplace_back(std::to_string(i), 1);
+    Filtered of(values);
+    Stopper sink(3);
+    const ProfileCursorHandle cursor = of.viewer->getFreqDist(
+        1, "length(replace(rpad(`Value`, 65536, 'x'), 'x', '" + std::string(200, 'y') + "')) == 1", &sink);
+    ASSERT_TRUE(cursor);
+    EXPECT_THROW((void)cursor->next(), GenException);
+    EXPECT_EQ(sink.told.size(), 3U);
 }
 
 TEST(DistributionFilter, RowsThatCannotBeEvaluatedAreTold) {

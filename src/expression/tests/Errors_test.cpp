@@ -25,12 +25,13 @@ TEST(Errors, SayWhereAndWhy) {
     const Case cases[] = {
         {"", "line 1, column 1: the expression is empty"},
         {" /* nothing */ ", "line 1, column 1: the expression is empty"},
-        {"`Vlaue` == 'a'", "line 1, column 1: there is no field `Vlaue`"},
-        {"'é' == `Vlaue`", "line 1, column 8: there is no field `Vlaue`"},
-        {"if true then\r\n   return tru\r\n", "line 2, column 11: tru is a name without \"(\"; fields stand in grave "
-                                              "accents, texts in single quotes"},
-        {"`Value` = 'a'", "line 1, column 9: a comparison is written =="},
-        {"`Value` == \"a\"", "line 1, column 12: texts stand in single quotes, fields in grave accents"},
+        {"`Vlaue` == 'a'", "line 1, column 1: there is no field `Vlaue` (did you mean \"Value\"?)"},
+        {"'é' == `xyz`", "line 1, column 8: there is no field `xyz`"},
+        {"Vlaue == 'a'", "line 1, column 1: there is no field Vlaue (did you mean \"Value\"?); texts stand in quotes"},
+        {"if true then\r\n   return Tru\r\n", "line 2, column 11: there is no field Tru; texts stand in quotes"},
+        {"`Value` == \"a", "line 1, column 12: the text that begins here is not closed by a double quote"},
+        {"`Count` > 1 and 'a' == \"value\"",
+         "line 1, column 24: \"value\" may be the field or a text here; write `value` or 'value'"},
         {"`Value` == 'a", "line 1, column 12: the text that begins here is not closed by a single quote"},
         {"`Value", "line 1, column 1: the field name that begins here is not closed by a grave accent"},
         {"1 > 2 /* x", "line 1, column 7: the comment that begins here is not closed by */"},
@@ -40,8 +41,8 @@ TEST(Errors, SayWhereAndWhy) {
         {"`Value` == 'a\\' or `Value` == 'b'",
          "line 1, column 32: expected the end of the expression, found the word \"b\" (the text in line 1, column 12 "
          "goes on behind its \\'; a text cannot end in a backslash, write concat('...', char(92)))"},
-        {"`Count` > 10abc", "line 1, column 11: 10abc is no number"},
-        {"`Count` > 1.2.3", "line 1, column 11: 1.2.3 is no number"},
+        {"`Count` > 10abc", "line 1, column 11: 10abc is not a number"},
+        {"`Count` > 1.2.3", "line 1, column 11: 1.2.3 is not a number"},
         {"`Count` > 1e999", "line 1, column 11: the number 1e999 is out of range"},
         {"`Value` then", "line 1, column 9: expected the end of the expression, found the word \"then\""},
         {"(1 == 1", "line 1, column 8: expected \")\", found the end"},
@@ -68,32 +69,118 @@ TEST(Errors, SayWhereAndWhy) {
         {"`Count`", "line 1, column 1: a condition is wanted here, and this is of type integer"},
         {"if true then return 1 else return false",
          "line 1, column 21: a condition is wanted here, and this is of type integer"},
-        {"matches(`Value`, '(')", "line 1, column 18: this is no regular expression: missing ): ("},
+        {"matches(`Value`, '(')", "line 1, column 18: this is not a regular expression: missing ): ("},
         {"matches(`Value`, `Value`)", "line 1, column 18: matches wants a fixed text here"},
         {"`Value` == '\xFF'", "line 1, column 13: a byte here belongs to no character of UTF-8"},
         {"`Value` \x01", "line 1, column 9: a control character cannot stand here"},
         {"`Value` # 1", "line 1, column 9: the character # cannot stand here"},
-        {"Cannot display expression:\r\n\r\nCondition list cannot end with AND or OR",
-         "line 1, column 1: cannot is a name without \"(\"; fields stand in grave accents, texts in single quotes"},
     };
     for (const Case& one : cases)
         EXPECT_EQ(errorOf(one.text), one.error) << one.text;
 }
 
-TEST(Errors, ANumberBesideATextIsRemarkedOn) {
-    const auto remarkOn = [](std::string_view text) {
-        const Compiled compiled = compile(text, kFields, Wanted::Condition);
-        EXPECT_TRUE(compiled.ok()) << text;
-        return compiled.remark ? describe(*compiled.remark) : "none";
+TEST(Errors, WordsOfOtherLanguagesAreAnsweredWithThoseOfThisOne) {
+    const Case cases[] = {
+        {"`Value` == 'O\'\'Brien'",
+         "column 15: expected the end of the expression, found a text; a quote within a text "
+         "is written \\', as in 'O\\'Brien'"},
+        {"`Value` ILIKE 'a%'", "column 9: expected the end of the expression, found the word \"ILIKE\"; write "
+                               "match_string(lower(value), 'a*'), with * and ?"},
+        {"`Value` ~ 'a'", "column 9: write matches(text, 'expression')"},
+        {"CAST(`Value` as int) > 1", "column 1: there is no function CAST; write tonumber(...), tointeger(...), "
+                                     "totext(...) or todate(...)"},
+        {"`Value`::int > 1", "column 8: write tonumber(...), tointeger(...), totext(...) or todate(...)"},
+        {"case when 1 == 1 then 2", "column 6: expected the end of the expression, found the word \"when\"; write if "
+                                    "condition then return a else return b"},
+        {"if(`Count` > 1, true, false)",
+         "column 15: if is no function; write if condition then return a else return b"},
+        {"1 + if(true, 1, 2) > 1",
+         "column 5: expected a value, found the word \"if\"; write if condition then return a "
+         "else return b"},
+        {"count(*) > 1", "column 1: there is no function count; counts, sums and averages of rows are figures of a "
+                         "custom metric (count:, sum:, average:)"},
+        {"`When` < Today()", "column 10: there is no function Today; there is no word for today; write the date, as in "
+                             "'2026-11-21'"},
+        {"`When` < today", "column 10: there is no field today; there is no word for today; write the date, as in "
+                           "'2026-11-21'"},
+        {"`Count` => 1", "column 9: \"greater than or equal\" is written >="},
+        {"`Count` > 1 -- only these",
+         "column 21: expected the end of the expression, found the word \"these\"; comments "
+         "stand between /* and */"},
+        {"`Count` > 1 -- only", "column 16: there is no field only; comments stand between /* and */"},
+        {"`Value` == ’a’", "column 12: the character ’ cannot stand here; texts stand between plain quotes, as in 'a' "
+                           "or \"a\""},
+        {"`Count` > 1 ? true", "column 13: write if condition then return a else return b"},
+        {"Nosuch(1)", "column 1: there is no function Nosuch"},
+        {"if 1 == 1 THAN return true", "column 11: expected \"then\", found the word \"THAN\""},
     };
-    EXPECT_EQ(remarkOn("true and 10 < `Value`"),
-              "line 1, column 13: this compares texts, among which '9' stands behind '10'; to compare numbers write "
-              "tonumber(`Value`)");
-    EXPECT_EQ(remarkOn("left(`Value`, 2) >= `Count`"),
-              "line 1, column 18: this compares texts, among which '9' stands behind '10'; to compare numbers write "
-              "tonumber(...)");
-    for (const char* text : {"`Value` == 10", "`Value` > '10'", "`Count` > '10'", "tonumber(`Value`) > 10",
-                             "`Value` * 1 > 10", "`When` > '2026-01-01'"})
+    for (const Case& one : cases)
+        EXPECT_EQ(errorOf(one.text), std::string("line 1, ") + one.error) << one.text;
+    // Two signs are no comment where both mean something.
+    EXPECT_EQ(errorOf("`Count` == 3--1"), "none");
+}
+
+TEST(Errors, WhatIsRepeatedIsCutAndLimitsAreNamed) {
+    const std::string name(5000, 'x');
+    EXPECT_LT(errorOf("`" + name + "` == 1").size(), 150U);
+    EXPECT_LT(errorOf(name + "(1)").size(), 150U);
+    EXPECT_LT(errorOf("1 == 1 " + name).size(), 150U);
+    EXPECT_LT(errorOf("1 == 1" + std::string(5000, '0') + "x").size(), 150U);
+    std::string list = "inlist(`Value`";
+    for (int i = 0; i < 70'000; ++i)
+        list += ",'a'";
+    EXPECT_EQ(errorOf(list + ")"), "line 1, column 1: inlist takes at most 65535 arguments, not 70001");
+}
+
+TEST(Errors, FieldsAndTextsMayStandAsAShellLeavesThem) {
+    const Case cases[] = {{"Count > 10", "none"},
+                          {"value = \"it's\" and COUNT = 1", "none"},
+                          {"inlist(Value, \"a\\\"b\", 'c')", "none"},
+                          {"if Count > 1 then return Value = 'a' else return false", "none"}};
+    for (const Case& one : cases)
+        EXPECT_EQ(errorOf(one.text), one.error) << one.text;
+    const Field odd[] = {{"left", Type::Text}, {"true", Type::Text}};
+    EXPECT_TRUE(compile("left(left, 1) = 'a'", odd, Wanted::Condition).ok());
+    EXPECT_FALSE(compile("true = 'a'", odd, Wanted::Condition).ok() &&
+                 compile("true = 'a'", odd, Wanted::Condition).program->uses(1))
+        << "a word of the language is no field";
+}
+
+std::string remarkOn(std::string_view text, Wanted wanted = Wanted::Condition) {
+    const Compiled compiled = compile(text, kFields, wanted);
+    EXPECT_TRUE(compiled.ok()) << text;
+    return compiled.remark ? describe(*compiled.remark) : "none";
+}
+
+TEST(Errors, PlacesWhereTypesMeetAreRemarkedOn) {
+    const Case cases[] = {
+        {"true and 10 < `Value`", "column 13: this compares texts, among which '9' stands behind '10'; to compare "
+                                  "numbers write tonumber(`Value`)"},
+        {"left(`Value`, 2) >= `Count`",
+         "column 18: this compares texts, among which '9' stands behind '10'; to compare "
+         "numbers write tonumber(...)"},
+        {"round(`Value`) == `Value`",
+         "column 16: this compares texts, among which '5.0' is not '5'; to compare numbers "
+         "write tonumber(`Value`)"},
+        {"`Value` == 10", "column 9: this compares texts, among which '5.0' is not '5'; to compare numbers write "
+                          "tonumber(`Value`)"},
+        {"`Count` > '9'", "column 9: the text '9' is read as a number here; write it without quotes"},
+        {"`Count` == 'many'", "column 9: this compares texts, since 'many' is not a number"},
+        {"inlist(`Count`, 1, 'many')", "column 1: this compares texts, since 'many' is not a number"},
+        {"inlist(`Value`, 1, 2)", "column 1: this compares texts, among which '5.0' is not '5'; to compare numbers "
+                                  "write tonumber(`Value`)"},
+        {"max(`Value`, 5) == 'a'", "column 1: this compares texts, among which '9' stands behind '10'; to compare "
+                                   "numbers write tonumber(`Value`)"},
+        {"`Value` != null", "column 9: a comparison with null is never true; write not isnull(`Value`)"},
+        {"null == left(`Value`, 1)", "column 6: a comparison with null is never true; write isnull(...)"},
+        {"isblank(`Value`) == 'yes'", "column 18: this compares texts: true is 'true' here and false 'false', and "
+                                      "neither is 'yes'"},
+    };
+    for (const Case& one : cases)
+        EXPECT_EQ(remarkOn(one.text), std::string("line 1, ") + one.error) << one.text;
+    for (const char* text : {"`Value` > '10'", "tonumber(`Value`) > 10", "`Value` * 1 > 10", "`When` > '2026-01-01'",
+                             "`When` > `Value`", "coalesce(`Count`, 'none') == 'none'", "inlist(`Value`, 'a', null)",
+                             "isblank(`Value`) == 'true'", "instr(`Count`, '1') != 0"})
         EXPECT_EQ(remarkOn(text), "none") << text;
 }
 
@@ -104,7 +191,8 @@ TEST(Errors, ValuesOfSeveralTypesHaveNoCommonOne) {
               "line 1, column 13: coalesce cannot put boolean beside integer");
     const Field twins[] = {{"id", Type::Text}, {"ID", Type::Text}, {"a`b", Type::Text}};
     EXPECT_TRUE(compile("`ID` == `id` and `A``B` == ''", twins, Wanted::Condition).ok());
-    EXPECT_EQ(compile("`Id` == ''", twins, Wanted::Condition).error.message, "there is no field `Id`");
+    EXPECT_EQ(compile("`Id` == ''", twins, Wanted::Condition).error.message,
+              "there is no field `Id` (did you mean \"id\"?)");
 }
 
 std::string repeated(std::string_view part, std::size_t count) {
@@ -124,11 +212,12 @@ TEST(Errors, DeepAndLongTextsAreRefusedInBoundedTime) {
     EXPECT_EQ(message(std::string((std::size_t{1} << 20) + 1, '(')), "the expression is longer than 1048576 bytes");
     EXPECT_EQ(message(repeated("isnull(", kMany)), tooDeep);
     EXPECT_EQ(message(repeated("if true then ", kMany / 2)), tooDeep);
-    EXPECT_EQ(message("1" + repeated("+1", kMany) + " == 1"), tooDeep);
+    EXPECT_EQ(message("1" + repeated("+1", kMany) + " == 1"), "more than 1000 values are joined by + - * / %");
     EXPECT_EQ(message("1" + repeated("*(1", kMany)), tooDeep);
     EXPECT_EQ(message(repeated("(1*2+", 150) + "1" + repeated(")", 150)), "a condition is wanted here, and this is of "
                                                                           "type integer");
     // What is long and not deep is fine.
+    EXPECT_EQ(message("1" + repeated("+`Count`", 900) + " == 1"), "");
     EXPECT_EQ(message(repeated("not ", kMany) + "true"), "");
     EXPECT_EQ(message("true" + repeated(" and true", kMany)), "");
     EXPECT_EQ(message("if true then return true" + repeated(" else if true then return false", 30'000)), "");

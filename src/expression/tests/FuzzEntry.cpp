@@ -45,6 +45,9 @@ void compareEvaluators(const Program& program) {
         const std::array<Value, 2> row{nulls[i] != 0 ? Value{} : Value::ofText(kTexts[i]),
                                        Value::ofInteger(static_cast<std::int64_t>(counts[i]))};
         const Verdict verdict = rows.judge(row);
+        // Operators over blocks need not make every text, so that a row may stay below the limit there alone.
+        if (rows.failure() == "the texts that are made take too much memory")
+            return;
         failures += verdict == Verdict::Error ? 1 : 0;
         if (passing[i] != (verdict == Verdict::Passes))
             giveUp("the evaluators do not agree");

@@ -139,16 +139,18 @@ TEST(RandomExpressions, ABlockHasTheValuesOfItsRows) {
         RowEvaluator rowEvaluator(*compiled.program);
         BlockValues blockValues(*compiled.program);
         const Rows& rows = blocks[generator.below(blocks.size())];
-        const Vector& values = blockValues.evaluate(rows.block());
-        for (std::uint32_t r = 0; r < kRows; ++r) {
-            const Value expected = rowEvaluator.evaluate(rows.cells(r));
-            if (rowEvaluator.hasFailed() || blockValues.isFailed(r))
-                continue;
-            ++compared;
-            const Value found = values.at(r);
-            ASSERT_EQ(found.isNull(), expected.isNull()) << text << "\nrow " << r;
-            ASSERT_TRUE(expected.isNull() || compareValues(found, expected) == 0) << text << "\nrow " << r;
-        }
+        blockValues.evaluate(rows.block(), [&](const ValuePiece& piece) {
+            ASSERT_EQ(piece.rows, kRows);
+            for (std::uint32_t r = 0; r < kRows; ++r) {
+                const Value expected = rowEvaluator.evaluate(rows.cells(r));
+                if (rowEvaluator.hasFailed() || piece.isFailed(r))
+                    continue;
+                ++compared;
+                const Value found = piece.values.at(r);
+                ASSERT_EQ(found.isNull(), expected.isNull()) << text << "\nrow " << r;
+                ASSERT_TRUE(expected.isNull() || compareValues(found, expected) == 0) << text << "\nrow " << r;
+            }
+        });
     }
     EXPECT_GT(compared, 80'000U);
 }

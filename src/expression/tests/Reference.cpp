@@ -65,6 +65,42 @@ int compareAny(const Value& left, const Value& right) {
     return order(toReal(left), toReal(right));
 }
 
+/// Whether the expression is the same in all rows: it names no field.
+bool isFixed(const Expression& expression) {
+    return expression.text.find('`') == std::string::npos;
+}
+
+/// A number beside a fixed text that is one is compared as a number.
+Value asNumber(const Value& value) {
+    const std::string text = encode(textOf(value));
+    if (const auto integer = parseInteger(text))
+        return *integer;
+    const auto real = parseNumber(text);
+    return real ? Value(*real) : value;
+}
+
+/// In a list: true when one equals, else null when one is null.
+Value isAmong(const std::vector<Value>& values) {
+    if (isNull(values.front()))
+        return {};
+    const auto equals = [&](const Value& one) { return !isNull(one) && compareAny(values.front(), one) == 0; };
+    if (std::any_of(values.begin() + 1, values.end(), equals))
+        return true;
+    return std::any_of(values.begin() + 1, values.end(), isNull) ? Value() : Value(false);
+}
+
+/// To one decimal place, as the number is written.
+double roundedToOnePlace(double value) {
+    const std::string text = formatReal(value);
+    const std::size_t point = text.find('.');
+    if (point == std::string::npos || text.find_first_of("eE") != std::string::npos || text.size() < point + 3)
+        return value;
+    const double cut = *parseNumber(text.substr(0, point + 2));
+    if (text[point + 2] < '5')
+        return cut;
+    return std::round(cut * 10 + (value < 0 ? -1 : 1)) / 10;
+}
+
 template <typename Map>
 Text mapEach(Text text, Map map) {
     for (char32_t& c : text)
@@ -388,7 +424,7 @@ Expression Generator::real(int depth) {
             return call("floor", {inner}, [](const auto& v) { return Value(std::floor(toReal(v[0]))); });
         default:
             return call("round", {inner, number(1)},
-                        [](const auto& v) { return Value(std::round(toReal(v[0]) * 10) / 10); });
+                        [](const auto& v) { return Value(roundedToOnePlace(toReal(v[0]))); });
         }
     }
     const Expression left = integer(depth - 1);
@@ -404,9 +440,23 @@ Expression Generator::numberList(int depth) {
     std::vector<Expression> members{below(2) == 0 ? integer(depth - 1) : real(depth - 1)};
     for (std::size_t i = 1 + below(12); i > 0; --i)
         members.push_back(below(8) == 0 ? integer(depth - 1) : number(static_cast<std::int64_t>(below(20)) - 2));
-    return call("inlist", members, [](const auto& v) {
-        return Value(std::any_of(v.begin() + 1, v.end(), [&](const Value& one) { return compareAny(v[0], one) == 0; }));
-    });
+    return listTest(members);
+}
+
+/// Other functions are null as soon as one argument is.
+Expression Generator::listTest(std::vector<Expression> members) {
+    if (below(4) == 0)
+        members.insert(members.begin() + 1 + static_cast<std::ptrdiff_t>(below(members.size())),
+                       {"null", [](const Row&) { return Value(); }});
+    std::string text = "inlist(";
+    for (std::size_t i = 0; i < members.size(); ++i)
+        text += (i > 0 ? "," : "") + members[i].text;
+    return {text + ")", [members](const Row& row) {
+                std::vector<Value> values;
+                for (const Expression& member : members)
+                    values.push_back(member.meaning(row));
+                return isAmong(values);
+            }};
 }
 
 Expression Generator::any(int depth) {
@@ -426,10 +476,13 @@ Expression Generator::compare(const Expression& left, const Expression& right) {
     static const std::array<std::string, 6> kSigns{"==", "!=", "<", "<=", ">", ">="};
     const std::size_t sign = below(kSigns.size());
     return {"(" + left.text + " " + kSigns[sign] + " " + right.text + ")", [left, right, sign](const Row& row) {
-                const Value a = left.meaning(row);
-                const Value b = right.meaning(row);
+                Value a = left.meaning(row);
+                Value b = right.meaning(row);
                 if (isNull(a) || isNull(b))
                     return Value();
+                const bool isTextLeft = std::holds_alternative<Text>(a);
+                if (isTextLeft != std::holds_alternative<Text>(b) && isFixed(isTextLeft ? left : right))
+                    (isTextLeft ? a : b) = asNumber(isTextLeft ? a : b);
                 const int o = compareAny(a, b);
                 const std::array<bool, 6> answers{o == 0, o != 0, o<0, o <= 0, o> 0, o >= 0};
                 return Value(answers[sign]);
@@ -495,8 +548,7 @@ Expression Generator::condition(int depth) {
         std::vector<Expression> members{text(depth - 1)};
         for (std::size_t i = 1 + below(12); i > 0; --i)
             members.push_back(below(3) == 0 ? quoted(rowText(true)) : part(below(5) == 0 ? depth : 0));
-        return call("inlist", members,
-                    [](const auto& v) { return Value(std::find(v.begin() + 1, v.end(), v[0]) != v.end()); });
+        return listTest(std::move(members));
     }
     case 9: {
         std::string pattern;

@@ -57,6 +57,7 @@ class Generator {
     Expression number(std::int64_t value);
     Expression any(int depth);
     Expression numberList(int depth);
+    Expression listTest(std::vector<Expression> members);
     Expression part(int depth);
 
     std::mt19937 m_random;

@@ -26,6 +26,14 @@ TEST(ExpressionCheck, tellsWhereAnExpressionIsWrong) {
     }
 }
 
+TEST(ExpressionCheck, countsLinesFromTheCodeBehindTheConditions) {
+    const ExpressionCheck check =
+        CheckFilterText("/*{{BEGIN CONDITIONS\r\nVALUES=\"*/\"\r\n}}END CONDITIONS*/\r\n`Count` > 1 and\n wrong(1)");
+    ASSERT_TRUE(check.error);
+    EXPECT_EQ(check.error->line, 2);
+    EXPECT_EQ(check.linesBefore, 3);
+}
+
 TEST(ExpressionCheck, remarksOnTextsThatAreComparedWithNumbers) {
     const ExpressionCheck check = CheckFilterText("`Count` > 1 and\n `Value` > 10");
     EXPECT_FALSE(check.error);
@@ -42,7 +50,8 @@ TEST(ExpressionCheck, findsTheNameThatIsBeingWritten) {
                  {"'left", ""},  {"'a' == le", "le"},  {"'it\\'s le", ""},     {"'a\\\\' le", ""},
                  {"`Val", ""},   {"`Value` le", "le"}, {"/* le", ""},          {"/* a */le", "le"},
                  {"/*/ le", ""}, {"12e", ""},          {"x < 10 or ri", "ri"}, {"If", ""},
-                 {"ifn", "ifn"}, {"has_c", "has_c"},   {"`a``b` le", "le"},    {"4 / le", "le"}};
+                 {"ifn", "ifn"}, {"has_c", "has_c"},   {"`a``b` le", "le"},    {"4 / le", "le"},
+                 {"\"left", ""}, {"\"it's\" le", "le"}};
     for (const auto& each : cases)
         EXPECT_EQ(each.name, NameBeingWritten(each.written)) << each.written;
 }

@@ -306,6 +306,24 @@ TEST_F(Dialog, FilesKeepUnfinishedListsAndEdits) {
     EXPECT_EQ(other.Conditions(), list);
 }
 
+TEST_F(Dialog, LoadingAsksBeforeEditsAreLost) {
+    const TempFolder folder;
+    const std::string file = folder.file("code.flt");
+    ASSERT_TRUE(model.SetEditMode(true));
+    model.EditBox("`Count` > 3");
+    ASSERT_TRUE(model.Save(file));
+    ASSERT_TRUE(model.Load(file)) << "what was saved is not lost";
+    model.EditBox("`Count` > 4");
+    const std::string question =
+        "This action will cause you to lose any changes you made while in Edit Mode. Continue anyway?";
+    messages.expectAsk(question, "Leave Edit Mode", Messages::Answer::No);
+    EXPECT_FALSE(model.Load(file));
+    EXPECT_EQ(model.BoxText(), "`Count` > 4");
+    messages.expectAsk(question, "Leave Edit Mode", Messages::Answer::Yes);
+    EXPECT_TRUE(model.Load(file));
+    EXPECT_EQ(model.BoxText(), "`Count` > 3");
+}
+
 TEST_F(Dialog, AFileThatCannotBeLoadedChangesNothing) {
     const TempFolder folder;
     addAbc();

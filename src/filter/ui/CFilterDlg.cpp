@@ -304,6 +304,10 @@ void CFilterDlg::CheckExpression() {
         return;
     const std::string text = toUtf8(m_box->Text());
     ExpressionCheck check = CheckFilterText(text);
+    // The box shows all of the text.
+    for (auto* fault : {&check.error, &check.remark})
+        if (*fault)
+            (*fault)->line += check.linesBefore;
     if (check.error) {
         m_box->MarkError(*check.error);
         ShowFault(std::move(*check.error), {}, tint::alert(palette()));

@@ -137,6 +137,15 @@ TEST_F(JobFile, MistakesAreNamedWithTheirPlace) {
         EXPECT_EQ(problem(text), expected) << text;
 }
 
+TEST_F(JobFile, ExpressionsThatNeedQuotesAreToldSo) {
+    const std::string rule = "job: j\ntables:\n  - file: a.csv\n    rules:\n      - name: r\n        condition: ";
+    EXPECT_THAT(problem(rule + "`price` > 1\n"), ::testing::HasSubstr("6:20: "));
+    EXPECT_THAT(problem(rule + "`price` > 1\n"), ::testing::HasSubstr("quote the expression"));
+    EXPECT_THAT(problem(rule + "{a: `price`}\n"), ::testing::HasSubstr("quote the expression"));
+    EXPECT_THAT(problem(rule + "\"matches(price, '\\d+')\"\n"), ::testing::HasSubstr("use single quotes"));
+    EXPECT_THAT(problem("job: j\ntables: ["), ::testing::Not(::testing::HasSubstr("quote")));
+}
+
 TEST_F(JobFile, AFileThatCannotBeReadIsAnError) {
     EXPECT_THAT(readJobFile(m_folder.file("none")).error().text, ::testing::EndsWith("No such file or directory"));
     EXPECT_THAT(readJobFile(m_folder.path().string()).error().text, ::testing::EndsWith("Is a directory"));

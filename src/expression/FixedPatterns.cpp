@@ -1,0 +1,54 @@
+#include "expression/FixedPatterns.h"
+
+#include "expression/Wildcard.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace tavix::expression {
+
+namespace {
+
+constexpr std::size_t kMostRegulars = 500;
+constexpr std::size_t kMostAutomata = 100;
+constexpr std::size_t kLongestWildcard = 4096;
+
+/// The first ones may be large; the later ones share what is left, so that all together stay below 150 MB.
+std::int64_t memoryOf(std::size_t number) {
+    constexpr std::int64_t kMost = std::int64_t{8} << 20;
+    constexpr std::int64_t kLeast = std::int64_t{128} << 10;
+    constexpr std::size_t kOfEachSize = 4;
+    return std::max(kLeast, kMost >> std::min<std::size_t>(number / kOfEachSize, 8));
+}
+
+} // namespace
+
+bool FixedPatterns::mayHaveAutomaton() const {
+    return m_regulars.size() + m_wildcards.size() < kMostAutomata;
+}
+
+FixedPatterns::Made FixedPatterns::regular(const std::string& pattern) {
+    const auto known = m_regulars.find(pattern);
+    if (known != m_regulars.end())
+        return known->second;
+    if (m_regulars.size() == kMostRegulars)
+        return Error{fmt::format("an expression has at most {} different regular expressions", kMostRegulars)};
+    std::string reason;
+    auto made = makeRegularExpression(pattern, {memoryOf(m_regulars.size()), mayHaveAutomaton()}, reason);
+    if (!made)
+        return Error{fmt::format("this is not a regular expression: {}", reason)};
+    return m_regulars.emplace(pattern, std::move(made)).first->second;
+}
+
+FixedPatterns::Made FixedPatterns::wildcard(const std::string& pattern) {
+    const auto known = m_wildcards.find(pattern);
+    if (known != m_wildcards.end())
+        return known->second;
+    if (pattern.size() > kLongestWildcard)
+        return Error{fmt::format("the pattern is longer than {} bytes", kLongestWildcard)};
+    return m_wildcards.emplace(pattern, std::make_shared<Wildcard>(pattern, mayHaveAutomaton())).first->second;
+}
+
+} // namespace tavix::expression
