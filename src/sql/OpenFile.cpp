@@ -1,4 +1,5 @@
 #include "sql/ConnectionImpl.h"
+#include "sql/FileCheck.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>
@@ -128,6 +129,10 @@ bool configure(sqlite3* handle, OpenMode mode, bool isNew, bool keepLog) {
 }
 
 } // namespace
+
+Status checkRepositoryFile(const std::string& path, OpenMode mode) {
+    return checkFile(path, mode);
+}
 
 Result<std::unique_ptr<Connection>> Connection::openFile(const std::string& path, OpenMode mode,
                                                          std::chrono::milliseconds busyTimeout) {
