@@ -4,7 +4,7 @@
 #include "profiling/SourceChecks.h"
 #include "profiling/TableFiles.h"
 #include "profiling/TablePrograms.h"
-#include "repository/RepositoryCheck.h"
+#include "repository/WritablePlace.h"
 
 #include <fmt/format.h>
 

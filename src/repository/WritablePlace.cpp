@@ -1,4 +1,4 @@
-#include "repository/RepositoryCheck.h"
+#include "repository/WritablePlace.h"
 
 #include "sql/FileCheck.h"
 
