@@ -52,7 +52,7 @@ bool DistributionCursor::enterBlock() {
         if (!m_reader.hasMore() || (m_filter && m_filter->isDone()))
             return false;
         if (!goesOn())
-            throw GenException(std::string(kReadingStopped));
+            throw GenException(kReadingStopped);
         requireOpen();
         auto more = m_reader.next();
         if (!more)

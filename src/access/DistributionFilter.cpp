@@ -1,5 +1,6 @@
 #include "access/DistributionFilter.h"
 
+#include "access/PrViewDisplayMessage.h"
 #include "base/Characters.h"
 
 #include <fmt/format.h>
@@ -80,7 +81,7 @@ Result<std::span<const std::uint32_t>> DistributionFilter::passing(const Unpacke
         return Error{std::string(kNoMemory)};
     }
     if (m_evaluator.wasStopped())
-        return Error{std::string(kReadingStopped)};
+        return Error{kReadingStopped};
     if (m_evaluator.failures() > 0) {
         if (m_failures == 0) {
             m_firstFailed = firstRow + static_cast<std::int64_t>(first + m_evaluator.firstFailedRow());

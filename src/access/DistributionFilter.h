@@ -14,9 +14,6 @@
 
 namespace tavix {
 
-/// Says that whoever was told of the progress wanted no more.
-inline constexpr std::string_view kReadingStopped = "The reading was stopped.";
-
 /// A filter text, compiled, and what came of it so far. It is applied to the blocks of one distribution in their order.
 class DistributionFilter {
   public:

@@ -259,7 +259,8 @@ Result<DrillSource> openTextFile(const DrillTable& table, const WantedRows& want
             return Error{fmt::format("\"{}\" is no file that can be read again.", path)};
     }
     const bool isSearch = wanted.kind == WantedRows::Kind::Value && TextFileSearch::canFind(wanted.text, file.quote);
-    const bool isOneSearched = isSearch && file.files.size() == 1 && encodingOf(file.files.front()) == &encodingUtf8() &&
+    const bool isOneSearched = isSearch && file.files.size() == 1 &&
+                               encodingOf(file.files.front()) == &encodingUtf8() &&
                                source::packingOfFile(file.files.front().place) == source::Packing::None;
     const Status opened =
         isOneSearched ? openSearch(table, wanted, source) : openFiles(table, wanted, isSearch, source);

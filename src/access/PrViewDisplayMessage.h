@@ -5,6 +5,9 @@
 
 namespace tavix {
 
+/// How a cursor of any kind says in next() that its sink stopped it.
+inline constexpr const char* kReadingStopped = "The reading was stopped.";
+
 /// Told by long repository queries how far they are.
 class PrViewDisplayMessage {
   public:

@@ -11,9 +11,6 @@
 
 namespace tavix {
 
-/// How a cursor of any kind says in next() that its sink stopped it.
-inline constexpr const char* kReadingStopped = "The reading was stopped.";
-
 /// The open repository of a viewer. Cursors share it, so that one that outlives its viewer fails instead of crashing.
 struct ViewerSession {
     std::unique_ptr<sql::Connection> connection;

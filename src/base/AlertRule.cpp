@@ -145,6 +145,10 @@ std::string alertSentence(AlertSubject subject, const AlertRule& rule, std::stri
     return fmt::format("{} for field {} {}", metric, input, condition);
 }
 
+std::string recordsAlertSentence(const AlertRule& rule) {
+    return "Number of records " + conditionText(rule);
+}
+
 AlertVerdict checkAlert(const AlertRule& rule, std::optional<double> figure, std::span<const double> earlier) {
     AlertVerdict verdict;
     if (isChange(rule.comparison)) {

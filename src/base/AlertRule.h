@@ -62,6 +62,10 @@ struct AlertRule {
 [[nodiscard]] std::string alertSentence(AlertSubject subject, const AlertRule& rule, std::string_view metric,
                                         std::string_view input);
 
+/// "Number of records is less than 1000": of an alert on the records of a table, which are kept as the Count of a
+/// field.
+[[nodiscard]] std::string recordsAlertSentence(const AlertRule& rule);
+
 struct AlertVerdict {
     enum class State {
         Quiet,

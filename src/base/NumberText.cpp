@@ -1,5 +1,6 @@
 #include "base/NumberText.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -41,6 +42,29 @@ std::string formatReal(double value) {
     std::array<char, 40> buffer{};
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), size == 0.0 ? 0.0 : value, form).ptr;
     return {buffer.data(), end};
+}
+
+std::string formatReadable(double value) {
+    constexpr int kDigits = 6;
+    constexpr int kExactDigits = 15; // of a double
+    const double size = std::abs(value);
+    if (!(size >= 1e-5 && size < 1e15)) {
+        if (size == 0 || !(size < 1e-5))
+            return formatReal(value);
+        std::array<char, 40> buffer{};
+        const auto end =
+            std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::general, kDigits).ptr;
+        return {buffer.data(), end};
+    }
+    const int before = static_cast<int>(std::floor(std::log10(size))) + 1;
+    const int places = before > 0 ? std::clamp(kExactDigits - before, 0, kDigits) : kDigits - before;
+    std::string text = formatFixed(value, places);
+    if (text.find('.') != std::string::npos) {
+        text.erase(text.find_last_not_of('0') + 1);
+        if (text.ends_with('.'))
+            text.pop_back();
+    }
+    return text;
 }
 
 std::string formatFixed(double value, int places) {

@@ -14,6 +14,9 @@ namespace tavix {
 /// The shortest text that reads back as the same value: plain digits from 0.00001 to below 10^15 ("0.1", "100000"),
 /// else as short as can be ("1e+20"); "nan", "inf", "-inf" for the others.
 [[nodiscard]] std::string formatReal(double value);
+/// For people to read: six decimals at most, below 1 six significant digits, no trailing zeros. What a binary fraction
+/// or a difference has beyond them is rounding: -0.09999999999999964 is "-0.1".
+[[nodiscard]] std::string formatReadable(double value);
 /// As printf's "%.<places>f"; a result of zero has no minus sign.
 [[nodiscard]] std::string formatFixed(double value, int places);
 

@@ -8,20 +8,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 
 namespace tavix::cli {
 
 namespace {
 
 using State = AlertVerdict::State;
-
-/// Nobody reads more than four places of a share or a mean.
-std::string inASentence(double figure) {
-    constexpr double kFourPlaces = 10'000;
-    return std::abs(figure) < 1 ? fmt::format("{:.4g}", figure)
-                                : formatReal(std::round(figure * kFourPlaces) / kFourPlaces);
-}
 
 KvbDatavar cell(const std::optional<double>& number) {
     if (!number)
@@ -67,7 +59,8 @@ void listAlerts(const CommonOptions& options, const std::vector<AlertState>& ale
         // Without a description of its own an alert has its condition there.
         const bool isDescribed = alert.description != alert.sentence;
         listing.row(Row{stateWord(alert), alert.rule ? std::string(alertLevelWord(alert.rule->level)) : KvbDatavar(),
-                        alert.table, std::string(alertTypeWord(alert.subject)), alert.input, cell(alert.figure),
+                        alert.table, std::string(alertTypeWord(alert.subject)),
+                        alert.isOfRecords ? KvbDatavar() : KvbDatavar(alert.input), cell(alert.figure),
                         cell(alert.verdict.reference), isDescribed ? KvbDatavar(alert.description) : KvbDatavar(),
                         conditionOf(alert)});
     }
@@ -86,11 +79,16 @@ void sayAlerts(const std::vector<AlertState>& alerts) {
                 say(fmt::format("alert not checked, there is no such figure: {}", what));
             continue;
         }
-        std::string figure = fmt::format("it is {}", inASentence(*alert.figure));
+        std::string figure = fmt::format("it is {}", formatReadable(*alert.figure));
         if (alert.verdict.reference)
-            figure += fmt::format(", was {}", inASentence(*alert.verdict.reference));
+            figure += fmt::format(", was {}", formatReadable(*alert.verdict.reference));
         say(fmt::format("{}: {} ({})", alertLevelWord(alert.rule->level), what, figure));
     }
+}
+
+void sayIfNoAlert(const std::vector<AlertState>& alerts, std::string_view job) {
+    if (alerts.empty())
+        say(fmt::format("--fail-at has nothing to look at: the job \"{}\" has no alert", job));
 }
 
 void failOnAlerts(const std::vector<AlertState>& alerts, AlertLevel level) {

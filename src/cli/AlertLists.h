@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tavix::cli {
@@ -17,6 +18,9 @@ void listAlerts(const CommonOptions& options, const std::vector<AlertState>& ale
 
 /// Says on standard error which alerts are raised and which could not be checked, in their order.
 void sayAlerts(const std::vector<AlertState>& alerts);
+
+/// Says on standard error that --fail-at cannot find anything in a job without alerts.
+void sayIfNoAlert(const std::vector<AlertState>& alerts, std::string_view job);
 
 /// Throws CommandError with ExitCode::Alert when an alert is raised at this level or a higher one.
 void failOnAlerts(const std::vector<AlertState>& alerts, AlertLevel level);

@@ -1,6 +1,7 @@
 #include "cli/AlertsCommand.h"
 
 #include "cli/AlertLists.h"
+#include "cli/ArgumentChecks.h"
 #include "cli/Session.h"
 
 #include <CLI/App.hpp>
@@ -16,7 +17,7 @@ CLI::App* AlertsCommand::declare(CLI::App& program) {
     command
         ->add_option("--fail-at", m_failAt, "warning or error: end with exit code 1 when one is raised at this level")
         ->type_name("LEVEL")
-        ->check(CLI::IsMember({"warning", "error"}).description(""));
+        ->transform(oneOf({"warning", "error"}));
     m_runChoice.declare(*command);
     command->footer(
         "A job file defines alerts; each run of it replaces those of the job. An alert is raised, quiet, or\n"
@@ -32,6 +33,8 @@ void AlertsCommand::run(const CommonOptions& options) {
     Session session(options.repository);
     m_runChoice.select(session);
     std::vector<AlertState> alerts = readAlertStates(session.viewer(), session.jobId());
+    if (!m_failAt.empty())
+        sayIfNoAlert(alerts, session.jobName());
     if (m_table) {
         const std::string table = session.table(*m_table).name;
         std::erase_if(alerts, [&](const AlertState& alert) { return alert.table != table; });

@@ -12,6 +12,7 @@ enum class ExitCode {
     Usage = 2,     ///< wrong arguments or a wrong job file
     Source = 3,    ///< a file to profile, the repository or the output failed
     Cancelled = 4, ///< by the user; nothing was changed
+    Partial = 4,   ///< a run is stored, but without files that are empty
 };
 
 /// Ends the running command. CommandLine alone catches it, shows its text and turns it into the exit code.

@@ -3,6 +3,7 @@
 #include "base/GenException.h"
 #include "base/HeldRepositories.h"
 #include "cli/AlertsCommand.h"
+#include "cli/ArgumentChecks.h"
 #include "cli/CheckCommand.h"
 #include "cli/CommandError.h"
 #include "cli/CompareCommand.h"
@@ -107,10 +108,8 @@ void addCommonOptions(CLI::App& app, CommonOptions& options) {
         ->group(kGroup);
     app.add_option("--format", options.format, "text (default), json or csv")
         ->transform(CLI::Transformer(kFormats).description(""))
+        ->transform(oneOf({"text", "json", "csv"}))
         ->type_name("FORMAT")
-        ->check(CLI::IsMember(
-                    {static_cast<int>(Format::Text), static_cast<int>(Format::Json), static_cast<int>(Format::Csv)})
-                    .description(""))
         ->group(kGroup);
     app.add_option("-o,--output", options.outputPath, "Write the result to this file, whole or not at all")
         ->type_name("FILE")

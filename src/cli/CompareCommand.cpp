@@ -1,9 +1,12 @@
 #include "cli/CompareCommand.h"
 
+#include "base/NumberText.h"
+#include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
 #include "cli/Interruption.h"
 #include "cli/Names.h"
+#include "cli/RepositoryChoice.h"
 #include "cli/RunChoice.h"
 #include "cli/Session.h"
 #include "doc/RunComparison.h"
@@ -18,7 +21,7 @@ namespace tavix::cli {
 namespace {
 
 constexpr int kPercentPlaces = 2;
-constexpr std::size_t kMostTop = 100'000;
+constexpr std::int64_t kMostTop = 100'000;
 
 std::string_view wordOf(RunChange::Subject subject) {
     using Subject = RunChange::Subject;
@@ -83,8 +86,10 @@ class ChangeList {
         row.emplace_back(std::string(wordOf(change.subject)));
         row.emplace_back(std::string(wordOf(change.kind)));
         row.push_back(itemOf(change));
-        row.insert(row.end(), {change.before, change.after, differenceOf(change), percent(change.percentBefore),
-                               percent(change.percentAfter)});
+        const bool isExact = !m_isText || looksEqual(change.before, change.after);
+        row.insert(row.end(),
+                   {isExact ? exact(change.before) : change.before, isExact ? exact(change.after) : change.after,
+                    differenceOf(change), percent(change.percentBefore), percent(change.percentAfter)});
         m_listing.row(row);
     }
 
@@ -98,6 +103,14 @@ class ChangeList {
 
   private:
     static KvbDatavar percent(const std::optional<double>& share) { return share ? KvbDatavar(*share) : KvbDatavar(); }
+
+    /// Two figures that differ only where text rounds them.
+    static bool looksEqual(const KvbDatavar& before, const KvbDatavar& after) {
+        const auto* was = std::get_if<double>(&before.storage());
+        const auto* is = std::get_if<double>(&after.storage());
+        return was && is && formatReadable(*was) == formatReadable(*is);
+    }
+    [[nodiscard]] KvbDatavar exact(const KvbDatavar& value) const { return m_isText ? value.toText() : value; }
 
     [[nodiscard]] KvbDatavar itemOf(const RunChange& change) const {
         using Subject = RunChange::Subject;
@@ -153,6 +166,7 @@ CLI::App* CompareCommand::declare(CLI::App& program) {
                      "Given twice: the two runs, the earlier first. Given once: that run and the one before it. "
                      "Else the last two runs")
         ->type_name("N")
+        ->transform(wholeNumber(1, kMostRun))
         ->allow_extra_args(false);
     command->add_option("-t,--table", m_table, "Only this table")->type_name("NAME");
     command
@@ -160,7 +174,7 @@ CLI::App* CompareCommand::declare(CLI::App& program) {
                      "So many of the new, the vanished and the most moved values and patterns of each field; 10 unless "
                      "given. 0 leaves values and patterns out, which is quick")
         ->type_name("N")
-        ->check(CLI::Validator(CLI::Range(std::int64_t{0}, static_cast<std::int64_t>(kMostTop))).description(""));
+        ->transform(wholeNumber(0, kMostTop));
     command->footer(
         "Lists what changed and nothing else: tables and fields that are new or have vanished, numbers of\n"
         "records, metrics, custom metrics, rules, and for each field the new, the vanished and the most moved\n"
@@ -197,8 +211,9 @@ CompareCommand::Runs CompareCommand::chooseRuns(Session& session) const {
 
 void CompareCommand::run(const CommonOptions& options) {
     // A session for each run, so that neither has to go to and fro.
-    Session before(options.repository);
-    Session after(options.repository);
+    const std::string repository = chosenRepository(options.repository);
+    Session before(repository);
+    Session after(repository);
     before.selectJob(m_job);
     after.selectJob(m_job);
     const Runs runs = chooseRuns(after);

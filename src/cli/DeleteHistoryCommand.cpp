@@ -1,5 +1,6 @@
 #include "cli/DeleteHistoryCommand.h"
 
+#include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
 #include "cli/DateText.h"
@@ -50,8 +51,14 @@ CLI::App* DeleteHistoryCommand::declare(CLI::App& program) {
     CLI::App* command = program.add_subcommand("delete-history", "Delete old runs of a job for good");
     addJobChoice(*command, m_job);
     constexpr const char* kWhich = "Which runs (one of these)";
-    command->add_option("--up-to", m_upTo, "Delete this run and all before it")->type_name("RUN")->group(kWhich);
-    command->add_option("--keep", m_keep, "Keep the latest N runs, delete the others")->type_name("N")->group(kWhich);
+    command->add_option("--up-to", m_upTo, "Delete this run and all before it")
+        ->type_name("RUN")
+        ->transform(wholeNumber(1, kMostRun))
+        ->group(kWhich);
+    command->add_option("--keep", m_keep, "Keep the latest N runs, delete the others")
+        ->type_name("N")
+        ->transform(wholeNumber(0, kMostRun))
+        ->group(kWhich);
     command->add_flag("-y,--yes", m_yes, "Do not ask");
     command->footer("At least one run stays. The deleted runs are listed.\n\n"
                     "Examples:\n"

@@ -3,17 +3,20 @@
 #include "access/Layouts.h"
 #include "cli/Command.h"
 #include "cli/Session.h"
-#include "profiling/JobDescription.h"
+#include "profiling/JobPlan.h"
 
 #include <fmt/format.h>
 
 #include <filesystem>
+#include <optional>
 
 namespace tavix::cli {
 
 namespace {
 
 using profiling::JobDescription;
+using profiling::JobPlan;
+using profiling::PlannedTable;
 using profiling::TableDescription;
 
 constexpr int kSecondsPlaces = 1;
@@ -47,10 +50,12 @@ LastRun lastRunOf(const std::string& job, const std::string& repository) {
     return last;
 }
 
-KvbDatavar bytesOf(const std::string& path) {
-    std::error_code failure;
-    const auto size = std::filesystem::file_size(path, failure);
-    return failure ? KvbDatavar() : KvbDatavar(static_cast<std::int64_t>(size));
+KvbDatavar cell(const std::optional<std::int64_t>& number) {
+    return number ? KvbDatavar(*number) : KvbDatavar();
+}
+
+KvbDatavar cell(const std::string& text) {
+    return text.empty() ? KvbDatavar() : KvbDatavar(text);
 }
 
 void listRun(Listing& listing, const JobDescription& job, const std::string& repository) {
@@ -62,30 +67,33 @@ void listRun(Listing& listing, const JobDescription& job, const std::string& rep
                      {"repository", "Repository"},
                      {"runs", "Runs so far", number},
                      {"last_run_seconds", "Last run, seconds", number, kSecondsPlaces},
-                     {"last_run_records", "Last run, records", number}}};
+                     {"last_run_processed_records", "Last run, processed records", number}}};
     section.isRecord = true;
     listing.begin(section);
     listing.row(Row{job.name, repository, last.runs, last.seconds, last.records});
     listing.end();
 }
 
-void listTables(Listing& listing, const JobDescription& job) {
+void listTables(Listing& listing, const JobPlan& plan) {
     const Column::Kind number = Column::Kind::Number;
     listing.begin({"tables",
                    "Tables",
                    {{"table", "Table"},
                     {"reads", "Reads"},
+                    {"files", "Files", number},
                     {"bytes", "Bytes", number},
+                    {"fields", "Fields", number},
+                    {"sample", "Sample"},
                     {"custom_metrics", "Custom metrics", number},
                     {"rules", "Rules", number},
                     {"alerts", "Alerts", number},
                     {"filter", "Filter", Column::Kind::Prose}}});
     const auto count = [](const auto& entries) { return static_cast<std::int64_t>(entries.size()); };
-    for (const TableDescription& table : job.tables) {
-        const bool isFiltered = table.isFiltered();
-        listing.row(Row{table.name, isFiltered ? fmt::format("the rows of {}", table.basedOn) : table.path,
-                        isFiltered ? KvbDatavar() : bytesOf(table.path), count(table.metrics), count(table.rules),
-                        count(table.alerts), isFiltered ? KvbDatavar(table.where.text) : KvbDatavar()});
+    for (const PlannedTable& planned : plan.tables) {
+        const TableDescription& table = *planned.table;
+        listing.row(Row{table.name, planned.reads, cell(planned.files), cell(planned.bytes), cell(planned.fields),
+                        cell(planned.sample), count(table.metrics), count(table.rules), count(table.alerts),
+                        cell(table.where.text)});
     }
     listing.end();
 }
@@ -108,17 +116,17 @@ void listFigures(Listing& listing, const JobDescription& job) {
 
 } // namespace
 
-void listPlan(const CommonOptions& options, const JobDescription& job, const std::string& repository) {
+void listPlan(const CommonOptions& options, const JobPlan& plan, const std::string& repository) {
     if (options.format == Format::Csv) {
         Listing listing(options);
-        listTables(listing, job);
+        listTables(listing, plan);
         listing.finish();
         return;
     }
     Listing listing(options, Sections::Several);
-    listRun(listing, job, repository);
-    listTables(listing, job);
-    listFigures(listing, job);
+    listRun(listing, plan.job, repository);
+    listTables(listing, plan);
+    listFigures(listing, plan.job);
     listing.finish();
 }
 

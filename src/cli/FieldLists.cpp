@@ -9,6 +9,7 @@
 #include "cli/Interruption.h"
 #include "cli/Session.h"
 #include "doc/DistributionShare.h"
+#include "filter/ExpressionCheck.h"
 
 #include <fmt/format.h>
 
@@ -40,6 +41,11 @@ Column::Kind kindOf(MetricId id) {
     }
 }
 
+/// In the repository the column of this one may not be called by a word of SQL.
+std::string keyOf(const MetricInfo& info) {
+    return info.id == MetricId::Precision ? "precision" : std::string(info.column);
+}
+
 std::vector<MetricId> metricsOf(MetricChoice choice) {
     if (choice == MetricChoice::Main)
         return {MetricId::Count,        MetricId::UniqueCount,  MetricId::NullCount,   MetricId::BlankCount,
@@ -63,7 +69,10 @@ Section metricsSection(const std::vector<MetricId>& metrics, bool isSample) {
         std::string title(info.name);
         if (isSample && isOfSampleAlone(id))
             title += kOfSampleAlone;
-        section.columns.push_back({std::string(info.column), std::move(title), kindOf(id)});
+        const Column::Kind kind = kindOf(id);
+        const bool isPercent = id == MetricId::UniquePercent || id == MetricId::PercentNull;
+        section.columns.push_back(
+            {keyOf(info), std::move(title), kind, isPercent ? kPercentPlaces : -1, kind == Column::Kind::Number});
     }
     return section;
 }
@@ -77,13 +86,6 @@ std::string sampleText(const TableEntry& table) {
                : fmt::format(", a sample of {} of {} records", table.processedRecords, table.totalRecords);
 }
 
-/// A list of figures of a sample says so where titles are not seen.
-void saySample(const TableEntry& table) {
-    if (table.isSample)
-        say(fmt::format("{}{}: unique, minimum and maximum figures are those of the sampled records alone", table.name,
-                        sampleText(table)));
-}
-
 Row metricsRow(const ProfileCursor& fields, const std::vector<MetricId>& metrics) {
     Row row{fields.getColumnValue(layout::FieldName), typeCell(fields)};
     for (const MetricId id : metrics)
@@ -92,7 +94,7 @@ Row metricsRow(const ProfileCursor& fields, const std::vector<MetricId>& metrics
 }
 
 std::string titleOf(std::string_view what, const FieldEntry& field, std::int64_t limit, std::int64_t count) {
-    std::string title = fmt::format("{} of {}.{}", what, field.table.name, field.name);
+    std::string title = fmt::format("{} of {}.{}{}", what, field.table.name, field.name, sampleText(field.table));
     if (count > limit)
         title += fmt::format(" (first {} of {})", limit, count);
     return title;
@@ -169,12 +171,9 @@ ChosenRows openFiltered(Session& session, const FieldEntry& field, const Distrib
     PrViewer& viewer = session.viewer();
     ChosenRows rows;
     const ProfileCursorHandle sums = (viewer.*access.open)(field.id, filter, nullptr);
-    if (!sums) {
-        const std::string reason = viewer.getErrorString().str();
-        // What can be read without the filter fails because of it.
-        (void)session.checked((viewer.*access.open)(field.id, KvbString(""), nullptr));
-        throw CommandError(ExitCode::Usage, reason);
-    }
+    if (!sums)
+        throw CommandError(CheckFilterText(filter).error ? ExitCode::Usage : ExitCode::Source,
+                           viewer.getErrorString().str());
     std::int64_t total = 0;
     for (; sums->next(); ++rows.count) {
         stopIfInterrupted();
@@ -215,11 +214,16 @@ KvbDatavar fenceCell(int fence) {
 
 } // namespace
 
+void saySample(const TableEntry& table) {
+    if (table.isSample)
+        say(fmt::format("{}{}: counts, shares and figures are those of the sampled records alone", table.name,
+                        sampleText(table)));
+}
+
 void listMetrics(Session& session, Listing& listing, const TableEntry& table, MetricChoice choice) {
     const std::vector<MetricId> metrics = metricsOf(choice);
     Section section = metricsSection(metrics, table.isSample);
     section.title = fmt::format("Fields of {}{}", table.name, sampleText(table));
-    saySample(table);
     listing.begin(section);
     const ProfileCursorHandle fields = session.checked(session.viewer().getFieldList(table.id));
     while (fields->next())
@@ -230,8 +234,7 @@ void listMetrics(Session& session, Listing& listing, const TableEntry& table, Me
 void listMetrics(Session& session, Listing& listing, const FieldEntry& field) {
     const std::vector<MetricId> metrics = metricsOf(MetricChoice::All);
     Section section = metricsSection(metrics, field.table.isSample);
-    section.title = titleOf("Metrics", field, kNoLimit, 0) + sampleText(field.table);
-    saySample(field.table);
+    section.title = titleOf("Metrics", field, kNoLimit, 0);
     section.isRecord = true;
     section.columns.push_back({"quantile_rule", "Quantile Rule"});
     listing.begin(section);
@@ -282,9 +285,10 @@ void listPatterns(Session& session, Listing& listing, const FieldEntry& field, c
 }
 
 void listPercentiles(Session& session, Listing& listing, const FieldEntry& field, std::int64_t limit) {
-    listing.begin({"percentiles",
-                   titleOf("Percentiles", field, kNoLimit, 0),
-                   {{"percentile", "Percentile"}, {"value", "Value", valueKind(field)}}});
+    listing.begin(
+        {"percentiles",
+         titleOf("Percentiles", field, kNoLimit, 0),
+         {{"percentile", "Percentile"}, {"value", "Value", valueKind(field), -1, isNumericTypeCode(field.typeCode)}}});
     const ProfileCursorHandle percentiles = session.checked(session.viewer().getPercentiles(field.id));
     for (std::int64_t shown = 0; shown < limit && percentiles->next(); ++shown)
         listing.row(Row{percentiles->getColumnValue(layout::PercentileInterval),
@@ -312,8 +316,9 @@ void listOutliers(Session& session, Listing& listing, const FieldEntry& field, s
 
 void listLog(Session& session, Listing& listing, std::int64_t limit) {
     constexpr std::array<std::string_view, 3> kLevels{"information", "warning", "error"};
-    listing.begin(
-        {"log", "Execution log", {{"date", "Date"}, {"level", "Level"}, {"table", "Table"}, {"text", "Text"}}});
+    listing.begin({"log",
+                   "Execution log",
+                   {{"date", "Date"}, {"level", "Level"}, {"table", "Table"}, {"text", "Text", Column::Kind::Prose}}});
     const ProfileCursorHandle log = session.checked(session.viewer().getExecutionLog());
     for (std::int64_t shown = 0; shown < limit && log->next(); ++shown) {
         const auto level = static_cast<std::size_t>(log->getColumnInt(layout::LogLevelCode));

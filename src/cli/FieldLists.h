@@ -20,6 +20,8 @@ enum class MetricChoice {
 
 inline constexpr std::int64_t kNoLimit = std::numeric_limits<std::int64_t>::max();
 
+/// Tells on standard error that the figures of the table are those of a sample; nothing for a whole table.
+void saySample(const TableEntry& table);
 /// A row for each field of the table.
 void listMetrics(Session& session, Listing& listing, const TableEntry& table, MetricChoice choice);
 /// All metrics of one field, as a record.

@@ -9,9 +9,11 @@ namespace tavix::cli {
 
 CLI::App* FieldsCommand::declare(CLI::App& program) {
     CLI::App* command = program.add_subcommand("fields", "List the fields of a table with their main figures");
-    command->add_option("-t,--table", m_table, "The table")->type_name("NAME")->required();
+    command->add_option("-t,--table,TABLE", m_table, "The table")->type_name("NAME")->required();
     m_runChoice.declare(*command);
-    command->footer("Example:\n  tavix fields -R profile.tavix --table airports");
+    command->footer("Examples:\n"
+                    "  tavix fields -R profile.tavix airports\n"
+                    "  tavix fields -R profile.tavix --table airports --format csv");
     return command;
 }
 
@@ -19,6 +21,7 @@ void FieldsCommand::run(const CommonOptions& options) {
     Session session(options.repository);
     m_runChoice.select(session);
     const TableEntry table = session.table(m_table);
+    saySample(table);
     Listing listing(options);
     listMetrics(session, listing, table, MetricChoice::Main);
     listing.finish();

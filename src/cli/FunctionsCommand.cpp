@@ -26,7 +26,7 @@ std::string parameterWords(std::string_view types, int needed, int most) {
 
 CLI::App* FunctionsCommand::declare(CLI::App& program) {
     CLI::App* command = program.add_subcommand("functions", "List the functions of the filters' language");
-    command->footer("Example:\n  tavix functions --format csv");
+    command->footer("Examples:\n  tavix functions\n  tavix functions --format csv -o functions.csv");
     return command;
 }
 

@@ -1,7 +1,9 @@
 #include "cli/InspectCommand.h"
 
+#include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
+#include "cli/Interruption.h"
 #include "profiling/FileInspection.h"
 
 #include <CLI/App.hpp>
@@ -15,7 +17,7 @@ namespace {
 
 using profiling::FileInspection;
 
-constexpr std::size_t kMostRows = 100;
+constexpr std::int64_t kMostRows = 100;
 
 std::string charText(char c, const char* none) {
     switch (c) {
@@ -138,15 +140,14 @@ CLI::App* InspectCommand::declare(CLI::App& program) {
     m_reading.declare(*command);
     command->add_option("--rows", m_rows, "How many of the first rows are shown; 5 unless given, at most 100")
         ->type_name("N")
-        ->check(CLI::Range(std::size_t{0}, kMostRows).description(""));
+        ->transform(wholeNumber(0, kMostRows));
     command->add_flag("--summary", m_summary, "What was found in each file alone, without columns and rows");
-    command->footer(
-        "Of each file the first MiB is read and nothing is stored. Options change what is found as they change\n"
-        "a run. In csv the columns are listed, or with --summary the files.\n\n"
-        "Examples:\n"
-        "  tavix inspect export.txt\n"
-        "  tavix inspect 'data/*.csv' --summary\n"
-        "  tavix inspect old.csv --encoding 850 --delimiter semicolon --rows 10 --format json");
+    command->footer("Of each file the first MiB is read and nothing is stored. Options change what is found as they\n"
+                    "change a run. In csv the columns are listed, or with --summary the files.\n\n"
+                    "Examples:\n"
+                    "  tavix inspect export.txt\n"
+                    "  tavix inspect 'data/*.csv' --summary\n"
+                    "  tavix inspect old.csv --encoding 850 --delimiter semicolon --rows 10 --format json");
     return command;
 }
 
@@ -155,7 +156,8 @@ void InspectCommand::run(const CommonOptions& options) {
     std::vector<FileInspection> files;
     for (const std::string& path : existingFiles(m_files)) {
         table.path = path;
-        auto found = profiling::inspectFile(table, m_rows);
+        auto found = profiling::inspectFile(table, m_rows, [] { return !isInterrupted(); });
+        stopIfInterrupted();
         if (!found)
             throw CommandError(ExitCode::Source, found.error().text);
         files.push_back(std::move(*found));

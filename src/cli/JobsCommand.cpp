@@ -10,7 +10,7 @@ namespace tavix::cli {
 
 CLI::App* JobsCommand::declare(CLI::App& program) {
     CLI::App* command = program.add_subcommand("jobs", "List the jobs of a repository");
-    command->footer("Example:\n  tavix jobs -R profile.tavix");
+    command->footer("Examples:\n  tavix jobs -R profile.tavix\n  tavix jobs -R profile.tavix --format json");
     return command;
 }
 

@@ -50,6 +50,8 @@ std::optional<int> findCategory(Session& session, const std::string& name) {
 
 CLI::App* NotesCommand::declare(CLI::App& program) {
     CLI::App* command = program.add_subcommand("notes", "List the notes of a table or a field, or add one");
+    command->add_option("SUBJECT", m_subject, "A table, as with --table, or TABLE.FIELD, as with --field")
+        ->type_name("");
     command->add_option("-t,--table", m_table, "The table")->type_name("NAME");
     command->add_option("-f,--field", m_field, "The field, as TABLE.FIELD, or as FIELD beside --table")
         ->type_name("T.F");
@@ -71,7 +73,7 @@ CLI::App* NotesCommand::declare(CLI::App& program) {
 }
 
 void NotesCommand::run(const CommonOptions& options) {
-    if (!m_table && !m_field)
+    if (!m_subject && !m_table && !m_field)
         throw CommandError(ExitCode::Usage, "notes of what? Name a table with --table or a field with --field");
     if (m_category && !m_add)
         throw CommandError(ExitCode::Usage, "--category goes with --add");
@@ -83,6 +85,8 @@ void NotesCommand::run(const CommonOptions& options) {
 
     Session session(options.repository);
     m_runChoice.select(session);
+    if (m_subject)
+        session.addressSubject(*m_subject, m_table, m_field);
     const Subject subject =
         m_field ? Subject{true, session.field(*m_field, m_table).id} : Subject{false, session.table(*m_table).id};
     Listing listing(options);

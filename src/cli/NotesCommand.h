@@ -20,6 +20,7 @@ class NotesCommand final : public Command {
     /// The category that --category names, made when it is not there; -1 without the option.
     [[nodiscard]] int categoryId(Session& session) const;
 
+    std::optional<std::string> m_subject;
     std::optional<std::string> m_table;
     std::optional<std::string> m_field;
     std::optional<std::string> m_add;

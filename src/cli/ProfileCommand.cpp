@@ -2,29 +2,36 @@
 
 #include "base/HeldRepositories.h"
 #include "cli/AlertLists.h"
+#include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
 #include "cli/DamageReport.h"
 #include "cli/DryRun.h"
+#include "cli/Interruption.h"
 #include "cli/ProgressLine.h"
+#include "cli/RepositoryChoice.h"
 #include "cli/Session.h"
 #include "cli/SourceCredentials.h"
+#include "cli/TablesCommand.h"
 #include "profiling/Databases.h"
+#include "profiling/JobChecks.h"
 #include "profiling/JobDescription.h"
+#include "profiling/JobPlan.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Validators.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <utility>
 
 namespace tavix::cli {
 
 namespace {
 
-constexpr unsigned kMostThreads = 256;
+constexpr std::int64_t kMostThreads = 256;
+constexpr std::size_t kNamedFiles = 10;
 
 bool isJobFile(const std::string& path) {
     std::string ending = std::filesystem::path(path).extension().string();
@@ -47,22 +54,39 @@ Value orUsageError(Result<Value> result) {
     return std::move(result).value();
 }
 
+void checkUsage(const Status& checked) {
+    if (!checked)
+        throw CommandError(ExitCode::Usage, checked.error().text);
+}
+
 void listOutcome(Listing& listing, const profiling::JobDescription& job, const profiling::RunOutcome& outcome) {
-    listing.begin({"tables",
-                   "Tables",
-                   {{"job", "Job"},
-                    {"run", "Run", Column::Kind::Number},
-                    {"table", "Table"},
-                    {"fields", "Fields", Column::Kind::Number},
-                    {"records", "Records", Column::Kind::Number},
-                    {"damaged_records", "Damaged", Column::Kind::Number},
-                    {"total_records", "Total", Column::Kind::Number},
-                    {"sample", "Sample"}}});
+    Section section{"tables",
+                    "Tables",
+                    {{"job", "Job"},
+                     {"run", "Run", Column::Kind::Number},
+                     {"table", "Table"},
+                     {"fields", "Fields", Column::Kind::Number}}};
+    const std::vector<Column> records = recordColumns();
+    section.columns.insert(section.columns.end(), records.begin(), records.end());
+    section.columns.push_back({"sample", "Sample"});
+    listing.begin(section);
     for (const profiling::TableOutcome& table : outcome.tables)
-        listing.row(Row{job.name, outcome.runId, table.name, static_cast<std::int64_t>(table.fields), table.rows,
-                        table.damagedRows, table.rowsOfSource,
+        listing.row(Row{job.name, outcome.runId, table.name, static_cast<std::int64_t>(table.fields),
+                        table.rowsOfSource, table.rows, table.damagedRows,
                         table.sample.empty() ? KvbDatavar() : KvbDatavar(table.sample)});
     listing.end();
+}
+
+/// Ends the command when files were left out.
+void endPartial(const std::vector<profiling::EmptyFile>& leftOut) {
+    if (leftOut.empty())
+        return;
+    std::string text;
+    for (std::size_t i = 0; i < std::min(leftOut.size(), kNamedFiles); ++i)
+        text += (i == 0 ? "" : "; ") + profiling::emptyFileText(leftOut[i]);
+    if (leftOut.size() > kNamedFiles)
+        text += fmt::format("; and {} more files", leftOut.size() - kNamedFiles);
+    throw CommandError(ExitCode::Partial, text);
 }
 
 std::string fileOf(const profiling::JobDescription& job, const std::string& table) {
@@ -96,22 +120,23 @@ CLI::App* ProfileCommand::declare(CLI::App& program) {
         "--explain", m_explain,
         "Show what databases would be asked, and why rows are read where they cannot count; nothing is run");
     command->add_option("--threads", m_threads, "How many threads work. Without it, as many as the machine has cores")
-        ->check(CLI::Range(1U, kMostThreads))
+        ->transform(wholeNumber(1, kMostThreads))
         ->type_name("N");
     command
         ->add_option("--memory", m_memory,
                      "How much memory the run may take, as 500M or 2G. Without it, half of the machine's; what needs "
                      "more goes to a temporary file in TMPDIR, or beside the repository")
-        ->transform(CLI::AsSizeValue(false))
+        ->transform(memorySize())
         ->type_name("SIZE");
     command
         ->add_option("--fail-at", m_failAt,
                      "warning or error: end with exit code 1 when the run raises an alert of this level or a higher "
                      "one. The run is stored all the same")
         ->type_name("LEVEL")
-        ->check(CLI::IsMember({"warning", "error"}).description(""));
+        ->transform(oneOf({"warning", "error"}));
     command->add_flag("--dry-run", m_dryRun,
-                      "Only say what would be read and computed, and how long the last run took; write nothing");
+                      "Only open what would be read, say what would be computed and how long the last run took; write "
+                      "nothing. It ends with the exit code that a run would begin with");
     command->footer("The repository is a file; it is made when it does not exist. Profiling a job again adds a run.\n"
                     "A run is stored whole or not at all, however the program ends.\n\n"
                     "Examples:\n"
@@ -126,14 +151,13 @@ CLI::App* ProfileCommand::declare(CLI::App& program) {
 profiling::JobDescription ProfileCommand::describeJobFile(const std::string& path) const {
     if (m_files.size() > 1)
         throw CommandError(ExitCode::Usage, "a job file stands alone: it names the files to profile itself");
-    if (!m_job.empty() || !m_oneTable.empty() || m_reading.isAnyGiven())
+    if (m_job || m_oneTable || m_reading.isAnyGiven())
         throw CommandError(ExitCode::Usage,
                            "--job, --one-table and what says how files are read and sampled are for text "
                            "files; a job file says these itself");
     profiling::JobDescription job = orUsageError(profiling::readJobFile(path));
     const HeldRepository held(repositoryFile(job.repository));
-    if (Status status = profiling::checkFields(job); !status)
-        throw CommandError(ExitCode::Usage, status.error().text);
+    checkUsage(profiling::checkFields(job));
     return job;
 }
 
@@ -142,7 +166,11 @@ profiling::JobDescription ProfileCommand::describe() const {
     const auto jobFile = std::find_if(m_files.begin(), m_files.end(), isJobFile);
     if (jobFile != m_files.end())
         return describeJobFile(*jobFile);
-    return orUsageError(profiling::describeFiles(m_files, m_job, m_reading.reading(), m_oneTable));
+    for (const auto& [what, name] : {std::pair("job", &m_job), std::pair("table", &m_oneTable)})
+        if (*name)
+            checkUsage(profiling::checkGivenName(what, **name));
+    return orUsageError(
+        profiling::describeFiles(m_files, m_job.value_or(""), m_reading.reading(), m_oneTable.value_or("")));
 }
 
 void ProfileCommand::explain(const profiling::JobDescription& job, const CommonOptions& options) const {
@@ -168,17 +196,26 @@ void ProfileCommand::explain(const profiling::JobDescription& job, const CommonO
 }
 
 void ProfileCommand::run(const CommonOptions& options) {
+    checkUsage(profiling::checkDescription("run", m_description));
     const profiling::JobDescription job = describe();
     if (m_explain) {
         explain(job, options);
         return;
     }
-    const std::string repository = fileToWrite(options.repository.empty() ? job.repository : options.repository);
+    const std::string& named = options.repository.empty() ? job.repository : options.repository;
+    const std::string repository = fileToWrite(chosenRepository(named));
     if (repository.empty())
         throw CommandError(ExitCode::Usage, "where shall the run go? Name a repository with --repository FILE");
     const HeldRepository held(repository);
     if (m_dryRun) {
-        listPlan(options, job, repository);
+        auto plan = profiling::planJob(job, repository, sourceCredentials(), [] { return !isInterrupted(); });
+        stopIfInterrupted();
+        if (!plan)
+            throw CommandError(ExitCode::Source, plan.error().text);
+        for (const std::string& remark : plan->remarks)
+            say(remark);
+        listPlan(options, *plan, repository);
+        endPartial(plan->leftOut);
         return;
     }
     CommonOptions resolved = options;
@@ -208,15 +245,19 @@ void ProfileCommand::run(const CommonOptions& options) {
                     result->seconds));
     listOutcome(listing, job, *result);
     listing.finish();
-    checkAlerts(repository, *result);
+    checkAlerts(repository, job.name, *result);
+    endPartial(result->leftOut);
 }
 
-void ProfileCommand::checkAlerts(const std::string& repository, const profiling::RunOutcome& outcome) const {
+void ProfileCommand::checkAlerts(const std::string& repository, const std::string& job,
+                                 const profiling::RunOutcome& outcome) const {
     Session session(repository);
     session.check(session.viewer().setCurrentJobSetup(outcome.jobId));
     session.check(session.viewer().setCurrentJob(outcome.runId));
     const std::vector<AlertState> alerts = readAlertStates(session.viewer(), outcome.jobId);
     sayAlerts(alerts);
+    if (!m_failAt.empty())
+        sayIfNoAlert(alerts, job);
     if (const auto level = parseAlertLevel(m_failAt))
         failOnAlerts(alerts, *level);
 }

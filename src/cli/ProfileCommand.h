@@ -5,6 +5,7 @@
 #include "profiling/JobRunner.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,12 +20,12 @@ class ProfileCommand final : public Command {
   private:
     [[nodiscard]] profiling::JobDescription describe() const;
     void explain(const profiling::JobDescription& job, const CommonOptions& options) const;
-    void checkAlerts(const std::string& repository, const profiling::RunOutcome& outcome) const;
+    void checkAlerts(const std::string& repository, const std::string& job, const profiling::RunOutcome& outcome) const;
     [[nodiscard]] profiling::JobDescription describeJobFile(const std::string& path) const;
 
     std::vector<std::string> m_files;
-    std::string m_job;
-    std::string m_oneTable;
+    std::optional<std::string> m_job;
+    std::optional<std::string> m_oneTable;
     std::string m_description;
     ReadingOptions m_reading;
     unsigned m_threads = 0;

@@ -1,6 +1,7 @@
 #include "cli/ReadingOptions.h"
 
 #include "base/HeldRepositories.h"
+#include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
 #include "profiling/FilePatterns.h"
 #include "profiling/JobChecks.h"
@@ -92,11 +93,16 @@ void ReadingOptions::declare(CLI::App& command) {
 }
 
 void ReadingOptions::declareSample(CLI::App& command) {
-    command.add_option("--first", m_first, "Profile the first N rows of each table only")->type_name("N");
-    command.add_option("--every", m_every, "Profile every Kth row only, beginning with the first")->type_name("K");
+    command.add_option("--first", m_first, "Profile the first N rows of each table only")
+        ->type_name("N")
+        ->transform(wholeNumber(1));
+    command.add_option("--every", m_every, "Profile every Kth row only, beginning with the first")
+        ->type_name("K")
+        ->transform(wholeNumber(1));
     command.add_option("--percent", m_percent, "Profile a random share of the rows only")->type_name("P");
     command.add_option("--seed", m_seed, "With --percent: the same number takes the same rows; 1 unless given")
-        ->type_name("N");
+        ->type_name("N")
+        ->transform(wholeNumber());
 }
 
 bool ReadingOptions::isAnyGiven() const {
@@ -110,8 +116,6 @@ source::Sample ReadingOptions::sample() const {
         failUsage("a sample is one of --first, --every and --percent");
     if (m_seed && !m_percent)
         failUsage("--seed goes with --percent");
-    if ((m_first && *m_first < 1) || (m_every && *m_every < 1))
-        failUsage("--first and --every take a number from 1");
     if (m_percent && !(*m_percent > 0 && *m_percent <= 100))
         failUsage("--percent takes a number above 0 and up to 100");
     if (m_first)

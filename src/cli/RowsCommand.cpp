@@ -3,6 +3,7 @@
 #include "access/Layouts.h"
 #include "access/SourceChange.h"
 #include "base/NumberText.h"
+#include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
 #include "cli/Interruption.h"
@@ -66,7 +67,7 @@ CLI::App* RowsCommand::declare(CLI::App& program) {
         ->type_name("N")
         ->default_val(kUsualLimit)
         ->default_str("")
-        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
+        ->transform(wholeNumber());
     m_runChoice.declare(*command);
     command->footer(
         "The rows are read from the source as it is now, which standard error tells when it is another than\n"

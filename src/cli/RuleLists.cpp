@@ -46,7 +46,7 @@ void listCustomMetrics(Session& session, Listing& listing, const TableEntry& tab
                    fmt::format("Custom metrics of {}", table.name),
                    {{"custom_metric", "Custom metric"},
                     {"output", "Output"},
-                    {"value", "Value", Column::Kind::Number},
+                    {"value", "Value", Column::Kind::Number, -1, true},
                     {"figure", "Figure"},
                     {"used_rows", "Used rows", Column::Kind::Number},
                     {"error_rows", "Error rows", Column::Kind::Number},

@@ -1,5 +1,6 @@
 #include "cli/RulesCommand.h"
 
+#include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
 #include "cli/FieldLists.h"
@@ -13,12 +14,10 @@ namespace tavix::cli {
 
 CLI::App* RulesCommand::declare(CLI::App& program) {
     CLI::App* command = program.add_subcommand("rules", "List the business rules, or the rows that violate one");
-    command->add_option("-t,--table", m_table, "Only the rules of this table")->type_name("NAME");
+    command->add_option("-t,--table,TABLE", m_table, "Only the rules of this table")->type_name("NAME");
     command->add_option("--rule", m_rule, "The rows that violate this rule, as many of the first ones as were kept")
         ->type_name("NAME");
-    command->add_option("-n,--limit", m_limit, "At most so many rows")
-        ->type_name("N")
-        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
+    command->add_option("-n,--limit", m_limit, "At most so many rows")->type_name("N")->transform(wholeNumber());
     m_runChoice.declare(*command);
     command->footer(
         "A row violates a rule unless the rule's condition is true. Its number is the one in its source, from\n"

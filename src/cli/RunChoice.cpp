@@ -1,5 +1,6 @@
 #include "cli/RunChoice.h"
 
+#include "cli/ArgumentChecks.h"
 #include "cli/Session.h"
 
 #include <CLI/App.hpp>
@@ -12,7 +13,9 @@ void addJobChoice(CLI::App& command, std::optional<std::string>& job) {
 
 void RunChoice::declare(CLI::App& command) {
     addJobChoice(command, m_job);
-    command.add_option("--run", m_run, "The run's number, as \"tavix runs\" lists it; else the latest")->type_name("N");
+    command.add_option("--run", m_run, "The run's number, as \"tavix runs\" lists it; else the latest")
+        ->type_name("N")
+        ->transform(wholeNumber(1, kMostRun));
 }
 
 void RunChoice::select(Session& session) const {

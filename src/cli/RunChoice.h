@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 
@@ -10,6 +12,9 @@ class App;
 namespace tavix::cli {
 
 class Session;
+
+/// The highest number that a run can have.
+inline constexpr std::int64_t kMostRun = std::numeric_limits<int>::max();
 
 /// The option --job, by which a command says of which job it speaks.
 void addJobChoice(CLI::App& command, std::optional<std::string>& job);

@@ -12,7 +12,10 @@ namespace tavix::cli {
 CLI::App* RunsCommand::declare(CLI::App& program) {
     CLI::App* command = program.add_subcommand("runs", "List the runs of a job");
     addJobChoice(*command, m_job);
-    command->footer("Example:\n  tavix runs -R profile.tavix --job sales");
+    command->footer("Processed are the records that were profiled in all tables, without those that a sample or a\n"
+                    "filter left out.\n\nExamples:\n"
+                    "  tavix runs -R profile.tavix --job sales\n"
+                    "  tavix runs -R profile.tavix --format json");
     return command;
 }
 
@@ -25,7 +28,7 @@ void RunsCommand::run(const CommonOptions& options) {
                    {{"run", "Run", Column::Kind::Number},
                     {"date", "Date"},
                     {"tables", "Tables", Column::Kind::Number},
-                    {"records", "Records", Column::Kind::Number},
+                    {"processed_records", "Processed", Column::Kind::Number},
                     {"description", "Description"}}});
     const ProfileCursorHandle runs = session.checked(session.viewer().getJobs());
     while (runs->next())

@@ -5,6 +5,7 @@
 #include "cli/CommandError.h"
 #include "cli/Console.h"
 #include "cli/Names.h"
+#include "cli/RepositoryChoice.h"
 
 #include <fmt/format.h>
 
@@ -47,9 +48,10 @@ TableEntry readTable(const ProfileCursor& cursor, const std::string& dataSource)
 } // namespace
 
 Session::Session(const std::string& repository) : m_viewer(PrViewer::create()) {
-    if (repository.empty())
-        throw CommandError(ExitCode::Usage, "which repository? Name it with --repository FILE");
-    check(m_viewer->init(repository));
+    const std::string chosen = chosenRepository(repository);
+    if (chosen.empty())
+        throw CommandError(ExitCode::Usage, "which repository? Name it with --repository FILE, or in TAVIX_REPOSITORY");
+    check(m_viewer->init(chosen));
 }
 
 void Session::selectJob(const std::optional<std::string>& name) {
@@ -161,6 +163,31 @@ FieldEntry Session::field(const std::string& address, const std::optional<std::s
                                             ? firstMiss
                                             : fmt::format("\"{}\" names no table: write TABLE.FIELD; the tables are {}",
                                                           address, listNames(names)));
+}
+
+void Session::addressSubject(const std::string& subject, std::optional<std::string>& table,
+                             std::optional<std::string>& field) {
+    if (field || (table && subject == *table))
+        throw CommandError(ExitCode::Usage, fmt::format("\"{}\" beside --table or --field says it twice", subject));
+    if (table) {
+        field = subject;
+        return;
+    }
+    const std::vector<TableEntry> all = tables();
+    const std::vector<std::string> names = namesOf(all);
+    const bool isTable = std::find(names.begin(), names.end(), subject) != names.end();
+    bool isField = false;
+    for (const FieldAddress& way : readFieldAddress(subject, names)) {
+        const std::vector<std::string> fields = namesOf(fieldsOf(all[pickByName("table", way.table, names)]));
+        isField = isField || std::find(fields.begin(), fields.end(), way.field) != fields.end();
+    }
+    if (isTable && isField)
+        throw CommandError(ExitCode::Usage,
+                           fmt::format("\"{}\" is a table and a field: say which with --table or --field", subject));
+    const bool isAddress = !readFieldAddress(subject, names).empty();
+    if (!isTable && !isAddress)
+        (void)pickByName("table", subject, names); // throws
+    (isTable ? table : field) = subject;
 }
 
 ProfileCursorHandle Session::checked(ProfileCursorHandle cursor) {

@@ -43,6 +43,7 @@ struct FieldEntry {
 /// when the repository fails, Usage when a name or number is not there.
 class Session {
   public:
+    /// The file as the option names it; empty for what chosenRepository() finds.
     explicit Session(const std::string& repository);
 
     [[nodiscard]] PrViewer& viewer() { return *m_viewer; }
@@ -61,6 +62,11 @@ class Session {
     [[nodiscard]] TableEntry table(const std::string& name);
     /// `address` is TABLE.FIELD, or only FIELD when `tableName` is given.
     [[nodiscard]] FieldEntry field(const std::string& address, const std::optional<std::string>& tableName);
+
+    /// A table's name or TABLE.FIELD without an option before it, or FIELD beside a table: sets `table` or `field`,
+    /// which are those of the options. A subject that could be both is refused.
+    void addressSubject(const std::string& subject, std::optional<std::string>& table,
+                        std::optional<std::string>& field);
 
     /// The cursor itself; a null one throws the repository's error text.
     [[nodiscard]] ProfileCursorHandle checked(ProfileCursorHandle cursor);

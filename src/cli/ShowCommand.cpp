@@ -1,6 +1,7 @@
 #include "cli/ShowCommand.h"
 
 #include "access/Layouts.h"
+#include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
 #include "cli/DateText.h"
@@ -27,6 +28,10 @@ constexpr std::int64_t kOverviewRows = 20;
 CLI::App* ShowCommand::declare(CLI::App& program) {
     CLI::App* command =
         program.add_subcommand("show", "Show a run, the metrics of a table, or everything about a field");
+    command
+        ->add_option("SUBJECT", m_subject,
+                     "A table, as with --table, or TABLE.FIELD, as with --field. A name that could be both is refused")
+        ->type_name("");
     command->add_option("-t,--table", m_table, "The table: the metrics of its fields, its custom metrics and rules")
         ->type_name("NAME");
     command
@@ -50,7 +55,7 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
         ->type_name("FILE|TEXT");
     command->add_option("-n,--limit", m_limit, "At most so many rows of each list")
         ->type_name("N")
-        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
+        ->transform(wholeNumber());
     m_runChoice.declare(*command);
     command->footer(
         "A table without a list shows, as text, the metrics of its fields and what it has of custom metrics\n"
@@ -59,9 +64,9 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
         "outliers. A list that is asked for by name is written whole, unless --limit says otherwise.\n\n"
         "Examples:\n"
         "  tavix show -R profile.tavix\n"
-        "  tavix show -R profile.tavix --table airports\n"
+        "  tavix show -R profile.tavix airports\n"
         "  tavix show -R profile.tavix --table airports --rules --format json\n"
-        "  tavix show -R profile.tavix --field airports.state\n"
+        "  tavix show -R profile.tavix airports.state\n"
         "  tavix show -R profile.tavix --field airports.state --values --format csv -o states.csv\n"
         "  tavix show -R profile.tavix --field airports.state --filter 'length(`Value`) != 2'\n"
         "  tavix show -R profile.tavix --job sales --run 3 --log");
@@ -69,9 +74,21 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
 }
 
 void ShowCommand::run(const CommonOptions& options) {
+    if (m_subject) {
+        Session session(options.repository);
+        m_runChoice.select(session);
+        session.addressSubject(*m_subject, m_table, m_field);
+        checkChoice(options);
+        showSubject(session, options);
+        return;
+    }
     checkChoice(options);
     Session session(options.repository);
     m_runChoice.select(session);
+    showSubject(session, options);
+}
+
+void ShowCommand::showSubject(Session& session, const CommonOptions& options) const {
     if (m_field)
         showField(session, options);
     else if (m_table)
@@ -139,6 +156,7 @@ void ShowCommand::showRun(Session& session, const CommonOptions& options) const 
 
 void ShowCommand::showTable(Session& session, const CommonOptions& options) const {
     const TableEntry table = session.table(*m_table);
+    saySample(table);
     const int wanted = m_metrics + m_customMetrics + m_rules;
     // Programs get the same list whatever the table has.
     const bool isOverview = wanted == 0 && options.format == Format::Text;
@@ -189,6 +207,7 @@ void ShowCommand::showField(Session& session, const CommonOptions& options) cons
     const bool isTitled = options.format == Format::Text && !filter.empty();
 
     const FieldEntry field = session.field(*m_field, m_table);
+    saySample(field.table);
     if (const auto remark = CheckFilterText(filter).remark)
         say("the filter: " + expression::describe(*remark));
     Listing listing(options, wanted == 1 && !isTitled ? Sections::One : Sections::Several);

@@ -17,6 +17,7 @@ class ShowCommand final : public Command {
     void run(const CommonOptions& options) override;
 
   private:
+    void showSubject(Session& session, const CommonOptions& options) const;
     void checkChoice(const CommonOptions& options) const;
     void showRun(Session& session, const CommonOptions& options) const;
     void showTable(Session& session, const CommonOptions& options) const;
@@ -24,6 +25,7 @@ class ShowCommand final : public Command {
     [[nodiscard]] std::int64_t limitOr(std::int64_t limit) const;
 
     RunChoice m_runChoice;
+    std::optional<std::string> m_subject;
     std::optional<std::string> m_table;
     std::optional<std::string> m_field;
     std::optional<std::string> m_filter;

@@ -26,7 +26,9 @@ struct Column {
     std::string key;   ///< the name in JSON and CSV
     std::string title; ///< the heading in text
     Kind kind = Kind::Text;
-    int places = -1; ///< decimals of a real in text; -1 as many as it has. JSON and CSV always have all.
+    int places = -1; ///< decimals of a real in text; -1 as people write it. JSON and CSV always have all.
+    /// Text that is a number was computed and is no value of a field: text rounds it like a real.
+    bool isComputed = false;
 };
 
 /// A row's cells; null is a null cell.

@@ -21,17 +21,20 @@ std::string_view kindName(char letter) {
 
 } // namespace
 
+std::vector<Column> recordColumns() {
+    return {{"records", "Records", Column::Kind::Number},
+            {"processed_records", "Processed", Column::Kind::Number},
+            {"damaged_records", "Damaged", Column::Kind::Number}};
+}
+
 void listTables(Session& session, Listing& listing) {
-    listing.begin({"tables",
-                   "Tables",
-                   {{"table", "Table"},
-                    {"kind", "Kind"},
-                    {"fields", "Fields", Column::Kind::Number},
-                    {"records", "Records", Column::Kind::Number},
-                    {"processed_records", "Processed", Column::Kind::Number},
-                    {"damaged_records", "Damaged", Column::Kind::Number},
-                    {"data_source", "Data source"},
-                    {"sampled", "Sampled"}}});
+    Section section{
+        "tables", "Tables", {{"table", "Table"}, {"kind", "Kind"}, {"fields", "Fields", Column::Kind::Number}}};
+    const std::vector<Column> records = recordColumns();
+    section.columns.insert(section.columns.end(), records.begin(), records.end());
+    section.columns.push_back({"data_source", "Data source"});
+    section.columns.push_back({"sampled", "Sampled"});
+    listing.begin(section);
     for (const TableEntry& table : session.tables())
         listing.row(Row{table.name, std::string(kindName(table.kind)), table.fields, table.totalRecords,
                         table.processedRecords, table.damagedRecords, table.dataSource,

@@ -7,6 +7,10 @@ namespace tavix::cli {
 
 class Session;
 
+/// The numbers of records of a table as every list of tables has them: all of its source, those that were profiled, and
+/// the damaged ones.
+[[nodiscard]] std::vector<Column> recordColumns();
+
 /// Writes the tables of the current run as one list.
 void listTables(Session& session, Listing& listing);
 

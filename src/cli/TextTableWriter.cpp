@@ -4,6 +4,7 @@
 #include "cli/DisplayText.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace tavix::cli {
 
@@ -13,6 +14,16 @@ constexpr std::size_t kRowsForWidths = 1000;
 constexpr std::size_t kWidestCell = 60;
 constexpr std::size_t kWidestProse = 72;
 constexpr std::string_view kGap = "  ";
+
+/// The number that is rounded for reading; nothing for a cell that is shown as it is.
+std::optional<double> roundedNumber(const KvbDatavar& value, const Column& column) {
+    if (const double* real = std::get_if<double>(&value.storage()))
+        return *real;
+    const auto* text = std::get_if<std::string>(&value.storage());
+    if (!text || !column.isComputed || (column.places < 0 && parseInteger(*text)))
+        return std::nullopt;
+    return parseNumber(*text);
+}
 
 } // namespace
 
@@ -64,8 +75,8 @@ TextTableWriter::Cell TextTableWriter::makeCell(const KvbDatavar& value, const C
     Cell cell;
     if (value.isNull())
         cell.text = m_section.nullText;
-    else if (const double* real = std::get_if<double>(&value.storage()); real && column.places >= 0)
-        cell.text = formatFixed(*real, column.places);
+    else if (const auto number = roundedNumber(value, column))
+        cell.text = column.places >= 0 ? formatFixed(*number, column.places) : formatReadable(*number);
     else if (column.kind == Column::Kind::Prose) {
         cell.more = foldToWidth(value.toText().view(), kWidestProse);
         cell.text = std::move(cell.more.front());

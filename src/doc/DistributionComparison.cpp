@@ -5,7 +5,7 @@
 #include <xxhash.h>
 
 #include <algorithm>
-#include <cmath>
+#include <cstdlib>
 #include <random>
 #include <string>
 #include <utility>
@@ -157,14 +157,16 @@ struct MoreFrequent {
     }
 };
 
+/// Shares are compared as whole numbers over the common denominator: rounding would order equal ones.
 struct MovedFarther {
-    double rowsBefore;
-    double rowsAfter;
+    __extension__ using Wide = __int128;
 
-    [[nodiscard]] std::pair<double, std::int64_t> distance(const ValueChange& change) const {
-        const double before = rowsBefore > 0 ? static_cast<double>(change.before) / rowsBefore : 0;
-        const double after = rowsAfter > 0 ? static_cast<double>(change.after) / rowsAfter : 0;
-        return {std::abs(after - before), std::abs(change.after - change.before)};
+    std::int64_t rowsBefore;
+    std::int64_t rowsAfter;
+
+    [[nodiscard]] std::pair<Wide, std::int64_t> distance(const ValueChange& change) const {
+        const Wide share = Wide{change.after} * rowsBefore - Wide{change.before} * rowsAfter;
+        return {share < 0 ? -share : share, std::abs(change.after - change.before)};
     }
     [[nodiscard]] bool byCounts(const ValueChange& a, const ValueChange& b) const { return distance(a) > distance(b); }
     [[nodiscard]] bool operator()(const ValueChange& a, const ValueChange& b) const {
@@ -192,7 +194,7 @@ class Comparison {
           m_table(slotsFor(m_kept.size(), limits.memory)),
           m_top(limits.top),
           m_fill(std::max<std::int64_t>(1, static_cast<std::int64_t>(m_table.slots() * 7 / 10))),
-          m_moved(limits.top, {static_cast<double>(before.rows()), static_cast<double>(after.rows())}),
+          m_moved(limits.top, {before.rows(), after.rows()}),
           m_onlyKept(limits.top, {}),
           m_onlyPassing(limits.top, {}) {
         m_changes.rowsBefore = before.rows();

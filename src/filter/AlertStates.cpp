@@ -103,7 +103,9 @@ class Reader {
         if (!isRule)
             return state;
         state.rule = rule;
-        state.sentence = alertSentence(state.subject, rule, state.metric, state.input);
+        state.isOfRecords = state.subject == AlertSubject::StandardMetric && property("RECORDS") == "1";
+        state.sentence = state.isOfRecords ? recordsAlertSentence(rule)
+                                           : alertSentence(state.subject, rule, state.metric, state.input);
         state.figure = figures.current;
         state.verdict = checkAlert(rule, figures.current, figures.earlier);
         return state;

@@ -17,8 +17,9 @@ struct AlertState {
     std::string dataSource;
     std::string table; ///< as shown
     AlertSubject subject = AlertSubject::StandardMetric;
-    std::string input;  ///< the field, or the name of the custom metric or rule
-    std::string metric; ///< the metric's name, of a custom metric that of its value; empty for a rule
+    std::string input;        ///< the field, or the name of the custom metric or rule
+    bool isOfRecords = false; ///< it watches the records of the table, which are kept as the Count of that field
+    std::string metric;       ///< the metric's name, of a custom metric that of its value; empty for a rule
     std::string description;
     std::optional<AlertRule> rule; ///< nothing when its properties make no rule
     std::string sentence;          ///< the condition in words

@@ -60,15 +60,23 @@ void AlertEntries::readEntry(const json& entry, const std::string& pointer) {
     alert.rule.level = entry.value("level", "warning") == "error" ? AlertLevel::Error : AlertLevel::Warning;
     readFigure(alert, entry, pointer);
     readCondition(alert.rule, entry, pointer);
+    std::string place = pointerTo(pointer, "field");
     if (const auto fields = entry.find("field"); fields != entry.end() && fields->is_array()) {
-        for (const json& field : *fields) {
-            alert.field = field.get<std::string>();
-            m_table.alerts.push_back(alert);
+        for (std::size_t i = 0; i < fields->size(); ++i) {
+            alert.field = (*fields)[i].get<std::string>();
+            add(alert, pointerTo(place, std::to_string(i)));
         }
         return;
     }
     alert.field = entry.value("field", "");
+    if (alert.field.empty())
+        place = pointer;
+    add(std::move(alert), place);
+}
+
+void AlertEntries::add(repository::AlertFacts alert, const std::string& fieldPointer) {
     m_table.alerts.push_back(std::move(alert));
+    m_table.alertPlaces.push_back(placeText(m_document, m_file, fieldPointer));
 }
 
 void AlertEntries::readFigure(repository::AlertFacts& alert, const json& entry, const std::string& pointer) const {
@@ -143,10 +151,12 @@ void AlertEntries::readCondition(AlertRule& rule, const json& entry, const std::
 }
 
 Status checkAlertFields(const TableDescription& table, std::span<const std::string> columns) {
-    for (const repository::AlertFacts& alert : table.alerts)
-        if (!alert.field.empty() && std::find(columns.begin(), columns.end(), alert.field) == columns.end())
-            return Error{fmt::format("An alert: the table \"{}\" has no field \"{}\"{}.", table.name, alert.field,
-                                     suggestion(alert.field, columns))};
+    for (std::size_t i = 0; i < table.alerts.size(); ++i) {
+        const std::string& field = table.alerts[i].field;
+        if (!field.empty() && std::find(columns.begin(), columns.end(), field) == columns.end())
+            return Error{fmt::format("{}An alert: the table \"{}\" has no field \"{}\"{}.",
+                                     placeAt(table.alertPlaces, i), table.name, field, suggestion(field, columns))};
+    }
     return {};
 }
 

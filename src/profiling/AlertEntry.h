@@ -14,19 +14,23 @@ namespace tavix::profiling {
 /// read.
 class AlertEntries {
   public:
-    AlertEntries(const YamlDocument& document, TableDescription& table) : m_document(document), m_table(table) {}
+    /// `file` is the name of the job file for messages.
+    AlertEntries(const YamlDocument& document, std::string file, TableDescription& table)
+        : m_document(document), m_file(std::move(file)), m_table(table) {}
 
     /// Adds them to the table. Throws a DocumentProblem.
     void read(const nlohmann::json& list, const std::string& pointer);
 
   private:
     [[noreturn]] void fail(const std::string& pointer, std::string text) const;
+    void add(repository::AlertFacts alert, const std::string& fieldPointer);
     void readEntry(const nlohmann::json& entry, const std::string& pointer);
     void readFigure(repository::AlertFacts& alert, const nlohmann::json& entry, const std::string& pointer) const;
     void readCondition(AlertRule& rule, const nlohmann::json& entry, const std::string& pointer) const;
     [[nodiscard]] MetricId metricOf(const nlohmann::json& entry, const std::string& pointer) const;
 
     const YamlDocument& m_document;
+    std::string m_file;
     TableDescription& m_table;
 };
 

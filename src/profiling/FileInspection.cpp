@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace tavix::profiling {
 
@@ -81,9 +82,10 @@ Status inspectRows(FileInspection& found, source::TextFileReader& reader, std::s
 
 } // namespace
 
-Result<FileInspection> inspectFile(const TableDescription& table, std::size_t firstRows) {
+Result<FileInspection> inspectFile(const TableDescription& table, std::size_t firstRows, source::KeepGoing keepGoing) {
     source::TextFileOptions options = textOptions(table);
     options.isPreview = true;
+    options.keepGoing = std::move(keepGoing);
     const auto opened = source::TextFileReader::open(table.path, options);
     if (!opened)
         return opened.error();

@@ -36,6 +36,8 @@ struct FileInspection {
 };
 
 /// Looks at the beginning of a file as a run with this description would read it. `firstRows` of its rows are kept.
-[[nodiscard]] Result<FileInspection> inspectFile(const TableDescription& table, std::size_t firstRows);
+/// `keepGoing` is asked while a pipe has nothing to read; a false is an error.
+[[nodiscard]] Result<FileInspection> inspectFile(const TableDescription& table, std::size_t firstRows,
+                                                 source::KeepGoing keepGoing = {});
 
 } // namespace tavix::profiling

@@ -4,6 +4,7 @@
 #include "base/Result.h"
 #include "profiling/JobDescription.h"
 
+#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
@@ -14,7 +15,18 @@ namespace tavix::profiling {
 /// What is wrong with a name that is none of an encoding, with the nearest that is.
 [[nodiscard]] std::string unknownEncoding(std::string_view name);
 
-/// A job can run: it has a name and tables, table names are unique, collections name tables of the job.
+/// Characters. The schema of job files has the same limits.
+inline constexpr std::size_t kLongestName = 1000;
+inline constexpr std::size_t kLongestDescription = 10'000;
+
+/// The name of a job or a table is neither blank nor too long. `what` is whose name it is: "job".
+[[nodiscard]] Status checkName(std::string_view what, std::string_view name);
+/// The same of a name that a user typed, which is UTF-8 too; that of a file need not be.
+[[nodiscard]] Status checkGivenName(std::string_view what, std::string_view name);
+[[nodiscard]] Status checkDescription(std::string_view what, std::string_view text);
+
+/// A job can run: it and its tables have names that checkName() accepts, table names are unique, collections name
+/// tables of the job.
 [[nodiscard]] Status checkJob(const JobDescription& job);
 
 /// The fields that the job's collections take from this table exist.

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace tavix::profiling {
 
@@ -28,10 +29,18 @@ std::string_view figureWord(Figure figure) {
     return {};
 }
 
+std::string_view placeAt(std::span<const std::string> places, std::size_t index) {
+    return index < places.size() ? std::string_view(places[index]) : std::string_view();
+}
+
 Result<JobDescription> describeFiles(std::span<const std::string> files, const std::string& name,
                                      const TableDescription& reading, const std::string& oneTable) {
     if (files.empty())
         return Error{"No file to profile was named."};
+    for (const auto& [what, given] : {std::pair("job", &name), std::pair("table", &oneTable)})
+        if (!given->empty())
+            if (Status status = checkGivenName(what, *given); !status)
+                return status.error();
     JobDescription job;
     std::vector<std::string> paths;
     std::vector<std::string> named;

@@ -80,6 +80,9 @@ struct TableDescription {
     source::TableRequest database{};
     bool isCountedByRows = false; ///< its rows are read even if the engine can count
     std::vector<repository::AlertFacts> alerts{};
+    /// Where each field of the key and each alert is in the job file, as in ExpressionText; none without one.
+    std::vector<std::string> keyPlaces{};
+    std::vector<std::string> alertPlaces{};
 
     [[nodiscard]] bool isFiltered() const { return !basedOn.empty(); }
     [[nodiscard]] bool isDatabase() const { return !source.empty(); }
@@ -96,7 +99,11 @@ struct JobDescription {
     std::vector<TableDescription> tables;
     std::vector<repository::CollectionFacts> collections;
     std::vector<SourceDescription> sources{};
+    std::vector<std::vector<std::string>> collectionPlaces{}; ///< of each collection's fields, as keyPlaces of a table
 };
+
+/// The place at `index`; empty beyond the last, as of a job that comes from no file.
+[[nodiscard]] std::string_view placeAt(std::span<const std::string> places, std::size_t index);
 
 /// Reads a YAML job file, checked against the schema that is shipped as share/job.schema.json. Paths in it are relative
 /// to the file. Errors read "FILE:LINE:COLUMN: what is wrong". Files beyond 1 MiB are refused.

@@ -44,6 +44,7 @@ class JobBuilder {
   public:
     JobBuilder(const YamlDocument& document, const std::string& file, const std::filesystem::path& folder)
         : m_document(document),
+          m_file(file),
           m_folder(folder),
           m_tables(document, file, folder, document.value.value("row log limit", kRowLogLimit)) {}
 
@@ -128,12 +129,14 @@ class JobBuilder {
             fail(pointerTo(pointer, "name"), fmt::format("there is already a collection \"{}\"", collection.name));
         const std::string fieldsPointer = pointerTo(pointer, "fields");
         const json& fields = entry.at("fields");
+        std::vector<std::string>& places = m_job.collectionPlaces.emplace_back();
         for (std::size_t i = 0; i < fields.size(); ++i) {
             const std::string place = pointerTo(fieldsPointer, std::to_string(i));
             const auto address = addressOf(fields[i], place);
             if (std::find(collection.fields.begin(), collection.fields.end(), address) != collection.fields.end())
                 fail(place, fmt::format("the field \"{}.{}\" stands twice", address.table, address.field));
             collection.fields.push_back(address);
+            places.push_back(placeText(m_document, m_file, place));
         }
         m_job.collections.push_back(std::move(collection));
     }
@@ -165,6 +168,7 @@ class JobBuilder {
     }
 
     const YamlDocument& m_document;
+    std::string m_file; ///< for messages
     std::filesystem::path m_folder;
     TableEntry m_tables;
     JobDescription m_job;

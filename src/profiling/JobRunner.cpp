@@ -9,6 +9,7 @@
 #include "profiling/RunReporter.h"
 #include "profiling/RunSettings.h"
 #include "profiling/RunStore.h"
+#include "profiling/SourceChecks.h"
 #include "profiling/TablePrograms.h"
 #include "repository/RunWriter.h"
 #include "repository/Schema.h"
@@ -17,7 +18,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
@@ -27,29 +27,6 @@
 namespace tavix::profiling {
 
 namespace {
-
-using Columns = std::span<const std::string>;
-
-/// The table and those that are based on it, in the order of the job.
-std::vector<const TableDescription*> tablesOver(const JobDescription& job, const TableDescription& base) {
-    std::vector<const TableDescription*> tables{&base};
-    for (const TableDescription& table : job.tables)
-        if (table.basedOn == base.name && table.isFiltered())
-            tables.push_back(&table);
-    return tables;
-}
-
-Status checkFieldsOver(const JobDescription& job, const TableDescription& base, Columns columns) {
-    for (const TableDescription* table : tablesOver(job, base)) {
-        if (auto compiled = compileTable(*table, columns); !compiled)
-            return compiled.error();
-        if (Status status = checkCollectionFields(job, table->name, columns); !status)
-            return status;
-        if (Status status = checkAlertFields(*table, columns); !status)
-            return status;
-    }
-    return {};
-}
 
 bool areInMemory(const TablePasses& passes) {
     return std::all_of(passes.begin(), passes.end(), [](const auto& pass) {
@@ -65,8 +42,10 @@ bool areInMemory(const TablePasses& passes) {
 /// execute() turns into an outcome.
 class Run {
   public:
-    Run(const JobDescription& job, const RunOptions& options, const std::string& repositoryPath)
+    Run(const JobDescription& job, const std::vector<EmptyFile>& leftOut, const RunOptions& options,
+        const std::string& repositoryPath)
         : m_job(job),
+          m_leftOut(leftOut),
           m_clock(options.clock ? options.clock : &m_systemClock),
           m_placesFrom(options.placesFrom),
           m_databases(job, options.askCredentials),
@@ -106,6 +85,9 @@ class Run {
         if (Status status = m_store.storeWaiting(m_outcome.tables); !status)
             return status;
         repository::RunWriter& writer = m_store.writer();
+        for (const EmptyFile& file : m_leftOut)
+            if (Status status = writer.addLog(0, repository::LogLevel::Warning, emptyFileText(file) + "."); !status)
+                return status;
         for (const auto& collection : m_job.collections)
             if (Status status = writer.addCollection(collection); !status)
                 return status;
@@ -142,14 +124,10 @@ class Run {
     }
 
     Status checkFiles(const TableDescription& table) {
-        auto opened = openTable(table);
+        auto opened = openCheckedFiles(m_job, table, keepGoing());
         if (!opened)
-            return failureIn(table, opened.error());
-        if (Status status = opened->files->checkColumns(); !status)
-            return failureIn(table, status.error());
+            return opened.error();
         m_reporter.state.bytesTotal += opened->reader->total();
-        if (Status status = checkFieldsOver(m_job, table, opened->reader->columnNames()); !status)
-            return status;
         // What does not know its size, as a pipe, cannot be opened twice.
         if (opened->reader->total() == 0)
             m_opened.emplace(&table, std::move(*opened));
@@ -157,14 +135,12 @@ class Run {
     }
 
     Status checkDatabase(const TableDescription& table) {
-        const auto opened = m_databases.open(table);
-        if (!opened)
-            return failureIn(table, opened.error());
-        return checkFieldsOver(m_job, table, opened->table.columnNames());
+        const auto opened = openCheckedDatabase(m_job, table, m_databases);
+        return opened ? Status{} : Status{opened.error()};
     }
 
-    static Error failureIn(const TableDescription& table, const Error& error) {
-        return {fmt::format("Table \"{}\": {}", table.name, error.text)};
+    source::KeepGoing keepGoing() {
+        return [this] { return m_reporter.report(); };
     }
 
     using SharedColumns = std::shared_ptr<const std::vector<std::string>>;
@@ -192,7 +168,8 @@ class Run {
 
     Status profileFiles(const TableDescription& base) {
         const auto kept = m_opened.find(&base);
-        auto opened = kept != m_opened.end() ? Result<OpenedFiles>(std::move(kept->second)) : openTable(base);
+        auto opened =
+            kept != m_opened.end() ? Result<OpenedFiles>(std::move(kept->second)) : openTable(base, keepGoing());
         if (!opened)
             return failureIn(base, opened.error());
         source::RowReader& reader = *opened->reader;
@@ -256,15 +233,14 @@ class Run {
 
     Status readDatabase(const TableDescription& base, const OpenedDatabaseTable& opened, const TablePasses& passes,
                         TableOutcome& damage) {
-        const source::KeepGoing keepGoing = [this] { return m_reporter.report(); };
         if (!whyRowsAreRead(m_job, base, opened.table)) {
-            const auto counted = countInEngine(opened, *passes.front(), m_engine, keepGoing,
+            const auto counted = countInEngine(opened, *passes.front(), m_engine, keepGoing(),
                                                [this](std::int64_t rows) { m_reporter.state.rows = rows; });
             if (!counted || *counted)
                 return counted ? Status{} : Status{counted.error()};
         }
         auto reader = source::OdbcReader::open(*opened.connection, opened.table.rows(), opened.table.columns(),
-                                               opened.table.columnNames(), keepGoing);
+                                               opened.table.columnNames(), keepGoing());
         if (!reader)
             return reader.error();
         Status status = read(**reader, passes);
@@ -332,6 +308,7 @@ class Run {
     }
 
     const JobDescription& m_job;
+    const std::vector<EmptyFile>& m_leftOut;
     SystemClock m_systemClock;
     const Clock* m_clock;
     std::int64_t m_placesFrom;
@@ -346,22 +323,12 @@ class Run {
 
 } // namespace
 
-Status checkFields(const JobDescription& job) {
-    for (const TableDescription& table : job.tables) {
-        if (table.isFiltered() || table.isDatabase())
-            continue;
-        std::error_code failure;
-        if (table.files.empty() && !std::filesystem::is_regular_file(table.path, failure))
-            continue; // to look into a pipe would be to take from it
-        if (const auto opened = openTable(table); opened)
-            if (Status status = checkFieldsOver(job, table, opened->reader->columnNames()); !status)
-                return status;
-    }
-    return {};
-}
-
 Result<RunOutcome> runJob(const JobDescription& job, const std::string& repositoryPath, const RunOptions& options) {
-    return Run(job, options, repositoryPath).execute();
+    JobWithoutEmptyFiles found = withoutEmptyFiles(job);
+    auto outcome = Run(found.job, found.left, options, repositoryPath).execute();
+    if (outcome)
+        outcome->leftOut = std::move(found.left);
+    return outcome;
 }
 
 } // namespace tavix::profiling

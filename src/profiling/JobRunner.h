@@ -2,6 +2,7 @@
 
 #include "base/Clock.h"
 #include "base/Result.h"
+#include "profiling/EmptyFiles.h"
 #include "profiling/JobDescription.h"
 #include "source/Credentials.h"
 #include "source/RowReader.h"
@@ -48,7 +49,7 @@ struct TableOutcome {
     std::vector<source::DamagedRow> damage; ///< the first ones
     std::vector<std::string> files;         ///< of a table of several: what the damage counts
     std::string encoding = "UTF-8";         ///< of the first file
-    std::vector<std::string> remarks;       ///< on its expressions, each with its place in the job file
+    std::vector<std::string> remarks;       ///< on its expressions, with their places in the job file, and on its files
 };
 
 /// Whether keys, collections and the fields in expressions fit the tables that they speak of. A table of a database,
@@ -61,6 +62,7 @@ struct RunOutcome {
     int runId = -1;
     double seconds = 0;
     std::vector<TableOutcome> tables;
+    std::vector<EmptyFile> leftOut; ///< the run is stored without them
 };
 
 struct RunOptions {
@@ -80,7 +82,7 @@ struct RunOptions {
 /// is made when it does not exist. On an error or a cancellation nothing of the run is kept; a repository that was made
 /// for it stays, empty. Others may write to the repository while the tables are read; they have to wait only while the
 /// figures of the last one are computed and the run is stored. Threads and memory change how long it takes, but no
-/// figure.
+/// figure. Empty files are left out, as long as there is another table.
 [[nodiscard]] Result<RunOutcome> runJob(const JobDescription& job, const std::string& repositoryPath,
                                         const RunOptions& options = {});
 

@@ -98,6 +98,14 @@ class KeyChecker {
     std::vector<Finding>& m_findings;
 };
 
+/// How long a text may be, when that is what the schema limits.
+std::string lengthLimits(const json& schema, const json& value) {
+    if (!value.is_string() || !schema.contains("maxLength"))
+        return {};
+    return fmt::format(" ({} to {} characters{})", schema.value("minLength", 0), schema["maxLength"].get<int>(),
+                       schema.contains("pattern") ? ", not only blanks" : "");
+}
+
 /// What the schema says about the value at `pointer`, as its author put it.
 std::string expectation(const json& root, const json& document, const std::string& pointer) {
     const json* schema = &root;
@@ -117,7 +125,7 @@ std::string expectation(const json& root, const json& document, const std::strin
             break;
         }
     }
-    return schema->value("description", "something else");
+    return schema->value("description", "something else") + lengthLimits(*schema, *value);
 }
 
 void validate(const json& schemaText, const YamlDocument& document, std::vector<Finding>& findings) {

@@ -1,5 +1,6 @@
 #include "profiling/OpenedSource.h"
 
+#include "base/Encodings.h"
 #include "profiling/TableFiles.h"
 
 #include <fmt/format.h>
@@ -41,6 +42,24 @@ void countDamage(TableReport& report) {
                                         isListCut ? "; the first ones are listed" : "")});
 }
 
+/// A file that is not UTF-8 and says no encoding is read as windows-1252, which may be wrong.
+void addGuessedEncoding(TableReport& report, const TableDescription& table, const source::FileSetReader& files) {
+    if (table.encoding)
+        return;
+    std::size_t guessed = 0;
+    std::string first;
+    for (std::size_t i = 0; i < files.rowsOfFiles().size(); ++i)
+        if (&files.encodingOf(i) == &encodingWindows1252() && guessed++ == 0)
+            first = files.files()[i];
+    if (guessed == 0)
+        return;
+    const std::string more = guessed > 1 ? fmt::format(" and {} more files are", guessed - 1) : " is";
+    const std::string text =
+        fmt::format("{}{} not UTF-8 and read as windows-1252; state the encoding if it is another", first, more);
+    report.outcome.remarks.push_back(text);
+    report.log.push_back({LogLevel::Info, text + "."});
+}
+
 void addCounts(repository::TableFacts& facts, const TableOutcome& result) {
     facts.totalRecords = result.rowsOfSource;
     facts.processedRecords = result.rows;
@@ -49,8 +68,8 @@ void addCounts(repository::TableFacts& facts, const TableOutcome& result) {
 
 } // namespace
 
-Result<OpenedFiles> openTable(const TableDescription& table) {
-    auto files = openFiles(table);
+Result<OpenedFiles> openTable(const TableDescription& table, source::KeepGoing keepGoing) {
+    auto files = openFiles(table, std::move(keepGoing));
     if (!files)
         return files.error();
     OpenedFiles opened;
@@ -95,6 +114,8 @@ TableReport reportOfFiles(const JobDescription& job, const TableDescription& tab
     }
     addCounts(facts, result);
 
+    if (!table.isFiltered())
+        addGuessedEncoding(report, base, *opened.files);
     if (!result.sample.empty())
         report.log.push_back({LogLevel::Info, fmt::format("Sample: {}; {} of {} rows.", result.sample, result.rows,
                                                           result.rowsOfSource)});

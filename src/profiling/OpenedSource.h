@@ -19,7 +19,8 @@ struct OpenedFiles {
     source::SampledReader* sampled = nullptr; ///< when there is a sample
 };
 
-[[nodiscard]] Result<OpenedFiles> openTable(const TableDescription& table);
+/// `keepGoing` is asked while a pipe has nothing to read.
+[[nodiscard]] Result<OpenedFiles> openTable(const TableDescription& table, source::KeepGoing keepGoing = {});
 
 struct LogLine {
     repository::LogLevel level = repository::LogLevel::Info;

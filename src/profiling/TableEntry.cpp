@@ -63,10 +63,11 @@ void TableEntry::readChecks(TableDescription& table, const json& entry, const st
     if (const auto key = entry.find("key"); key != entry.end()) {
         for (std::size_t i = 0; i < key->size(); ++i) {
             auto field = (*key)[i].get<std::string>();
+            const std::string place = pointerTo(pointerTo(pointer, "key"), std::to_string(i));
             if (std::find(table.key.begin(), table.key.end(), field) != table.key.end())
-                fail(pointerTo(pointerTo(pointer, "key"), std::to_string(i)),
-                     fmt::format("the field \"{}\" stands twice", field));
+                fail(place, fmt::format("the field \"{}\" stands twice", field));
             table.key.push_back(std::move(field));
+            table.keyPlaces.push_back(placeText(m_document, m_file, place));
         }
     }
     if (const auto metrics = entry.find("custom metrics"); metrics != entry.end())
@@ -74,7 +75,7 @@ void TableEntry::readChecks(TableDescription& table, const json& entry, const st
     if (const auto rules = entry.find("rules"); rules != entry.end())
         readRules(table, *rules, pointerTo(pointer, "rules"));
     if (const auto alerts = entry.find("alerts"); alerts != entry.end())
-        AlertEntries(m_document, table).read(*alerts, pointerTo(pointer, "alerts"));
+        AlertEntries(m_document, m_file, table).read(*alerts, pointerTo(pointer, "alerts"));
 }
 
 void TableEntry::fail(const std::string& pointer, std::string text) const {
@@ -161,7 +162,7 @@ void TableEntry::readReading(TableDescription& table, const json& entry, const s
         table.hasHeader = table.findHeader || header->get<bool>();
     }
     if (const auto encoding = entry.find("encoding"); encoding != entry.end()) {
-        const auto name = encoding->get<std::string>();
+        const auto name = encoding->is_string() ? encoding->get<std::string>() : encoding->dump();
         table.encoding = findEncoding(name);
         if (!table.encoding)
             fail(pointerTo(pointer, "encoding"), unknownEncoding(name));
@@ -235,9 +236,7 @@ char TableEntry::delimiterOf(const std::string& text, const std::string& pointer
 }
 
 ExpressionText TableEntry::expressionAt(const json& value, const std::string& pointer) const {
-    const FilePosition position = m_document.valuePositions.at(pointer);
-    ExpressionText expression{value.get<std::string>(),
-                              fmt::format("{}:{}:{}: ", m_file, position.line, position.column)};
+    ExpressionText expression{value.get<std::string>(), placeText(m_document, m_file, pointer)};
     if (const auto parsed = expression::parse(expression.text); parsed.error)
         fail(pointer, "in the expression, " + expression::describe(*parsed.error));
     return expression;

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <filesystem>
+#include <utility>
 
 namespace tavix::profiling {
 
@@ -19,9 +20,14 @@ source::TextFileOptions textOptions(const TableDescription& table) {
     return options;
 }
 
-Result<std::unique_ptr<FileSetReader>> openFiles(const TableDescription& table) {
-    return FileSetReader::open(table.files.empty() ? std::vector<std::string>{table.path} : table.files,
-                               textOptions(table));
+Result<std::unique_ptr<FileSetReader>> openFiles(const TableDescription& table, source::KeepGoing keepGoing) {
+    source::TextFileOptions options = textOptions(table);
+    options.keepGoing = std::move(keepGoing);
+    return FileSetReader::open(pathsOf(table), options);
+}
+
+std::vector<std::string> pathsOf(const TableDescription& table) {
+    return table.files.empty() ? std::vector<std::string>{table.path} : table.files;
 }
 
 repository::TextFileFacts fileFacts(const TableDescription& table, const FileSetReader& reader) {

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace tavix::profiling {
 
@@ -13,7 +14,11 @@ namespace tavix::profiling {
 [[nodiscard]] source::TextFileOptions textOptions(const TableDescription& table);
 
 /// Opens the file or files of a table that is no filtered one.
-[[nodiscard]] Result<std::unique_ptr<source::FileSetReader>> openFiles(const TableDescription& table);
+/// `keepGoing` is asked while a pipe has nothing to read.
+[[nodiscard]] Result<std::unique_ptr<source::FileSetReader>> openFiles(const TableDescription& table,
+                                                                       source::KeepGoing keepGoing = {});
+/// The paths of such a table: one, or those of several.
+[[nodiscard]] std::vector<std::string> pathsOf(const TableDescription& table);
 
 /// How they were read, when all are.
 [[nodiscard]] repository::TextFileFacts fileFacts(const TableDescription& table, const source::FileSetReader& reader);

@@ -107,10 +107,12 @@ class Compiler {
 
   private:
     Status findKey() {
-        for (const std::string& name : m_table.key) {
+        for (std::size_t i = 0; i < m_table.key.size(); ++i) {
+            const std::string& name = m_table.key[i];
             const auto column = std::find(m_columns.begin(), m_columns.end(), name);
             if (column == m_columns.end())
-                return Error{fmt::format("The key of the table \"{}\": there is no field \"{}\"{}.", m_table.name, name,
+                return Error{fmt::format("{}The key of the table \"{}\": there is no field \"{}\"{}.",
+                                         placeAt(m_table.keyPlaces, i), m_table.name, name,
                                          suggestion(name, m_columns))};
             m_programs.key.push_back(static_cast<std::size_t>(column - m_columns.begin()));
         }

@@ -37,9 +37,13 @@ struct YamlDocument { // NOLINT(bugprone-exception-escape): the JSON value moves
 /// The pointer of an entry of the map or list at `parent`.
 [[nodiscard]] std::string pointerTo(const std::string& parent, std::string_view key);
 
+/// "FILE:LINE:COLUMN: " of the value at `pointer`, with which messages about it begin.
+[[nodiscard]] std::string placeText(const YamlDocument& document, const std::string& file, const std::string& pointer);
+
 /// Reads one YAML document. Words become null, booleans and numbers as YAML 1.2 has it, anything in quotes stays
-/// text. Refused: text that is no UTF-8, a key that stands twice, keys that are no words, nesting beyond 32 levels, and
-/// more than 200,000 values, which only aliases of aliases reach in a file of reasonable size.
+/// text. Refused: text that is not UTF-8, a zero byte, a quote that is never closed, a key that stands twice, keys that
+/// are no words, nesting beyond 32 levels, and more than 200,000 values, which only aliases of aliases reach in a file
+/// of reasonable size.
 [[nodiscard]] std::variant<YamlDocument, DocumentProblem> parseYaml(const std::string& text);
 
 } // namespace tavix::profiling

@@ -40,6 +40,7 @@ Result<Watched> findWatched(sql::Connection& connection, const StoredAlert& aler
 Status storeAlert(sql::Connection& connection, int job, const StoredAlert& alert) {
     const AlertFacts& facts = *alert.facts;
     const bool isStandard = facts.subject == AlertSubject::StandardMetric;
+    const bool isOfRecords = isStandard && facts.field.empty();
     Watched watched;
     if (!isStandard) {
         auto found = findWatched(connection, alert);
@@ -58,9 +59,10 @@ Status storeAlert(sql::Connection& connection, int job, const StoredAlert& alert
         insert->bind(2, alert.field).bind(4, static_cast<int>(facts.metric));
     else
         insert->bindNull(2).bindNull(4);
-    insert->bind(3, facts.description.empty()
-                        ? alertSentence(facts.subject, facts.rule, metric, isStandard ? alert.fieldName : facts.watched)
-                        : facts.description);
+    const std::string sentence =
+        isOfRecords ? recordsAlertSentence(facts.rule)
+                    : alertSentence(facts.subject, facts.rule, metric, isStandard ? alert.fieldName : facts.watched);
+    insert->bind(3, facts.description.empty() ? sentence : facts.description);
     if (auto done = insert->bind(5, alertTypeCode(facts.subject)).bind(6, watched.key).run(); !done)
         return done;
     const std::int64_t id = connection.lastInsertId();
@@ -68,14 +70,15 @@ Status storeAlert(sql::Connection& connection, int job, const StoredAlert& alert
     auto property = connection.prepare("INSERT INTO alert_property(alert, position, name, value) VALUES(?1,?2,?3,?4)");
     if (!property)
         return property.error();
-    const std::array<std::pair<std::string_view, std::string>, 7> properties{
+    const std::array<std::pair<std::string_view, std::string>, 8> properties{
         {{"METRIC", isStandard ? formatInteger(static_cast<int>(facts.metric)) : watched.metric},
          {"COMPARE", formatInteger(alertCode(facts.subject, facts.rule))},
          {"VALUE1", formatReal(facts.rule.value1)},
          {"VALUE2", formatReal(facts.rule.value2)},
          {"JOB", formatInteger(job)},
          {"LEVEL", std::string(alertLevelWord(facts.rule.level))},
-         {"RUNS", formatInteger(facts.rule.runs)}}};
+         {"RUNS", formatInteger(facts.rule.runs)},
+         {"RECORDS", isOfRecords ? "1" : "0"}}};
     int position = 0;
     for (const auto& [name, value] : properties)
         if (auto done = property->bind(1, id).bind(2, position++).bind(3, name).bind(4, value).run(); !done)

@@ -7,7 +7,7 @@
 #include <span>
 
 /// Alerts are kept as what a job says of them, with the rule as properties: METRIC, COMPARE, VALUE1, VALUE2, and of our
-/// own JOB (its id), LEVEL and RUNS. Whether one is raised follows from the figures of a run and is not kept.
+/// own JOB (its id), LEVEL, RUNS and RECORDS. Whether one is raised follows from the figures of a run and is not kept.
 namespace tavix::repository {
 
 struct StoredAlert {

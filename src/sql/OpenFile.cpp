@@ -1,4 +1,5 @@
 #include "sql/ConnectionImpl.h"
+#include "sql/FileCheck.h"
 #include "sql/FileLocks.h"
 
 #include <fmt/format.h>
@@ -169,6 +170,10 @@ bool openHandle(sqlite3*& handle, const std::string& path, OpenMode mode, Access
 }
 
 } // namespace
+
+Status checkRepositoryFile(const std::string& path, OpenMode mode) {
+    return checkFile(path, mode);
+}
 
 Result<std::unique_ptr<Connection>> Connection::openFile(const std::string& path, OpenMode mode,
                                                          std::chrono::milliseconds busyTimeout) {

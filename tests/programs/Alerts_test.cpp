@@ -75,18 +75,21 @@ TEST_F(Alerts, AreCheckedAfterEveryRun) {
                                          "pieces for custom metric Sum has changed by more than 50%: raised 7 3",
                                          "Percentage of failed rows for business rule Positive is greater than 25: "
                                          "quiet 0 null",
-                                         "Count for field n is outside the range 2 to 4: quiet 2 null"));
+                                         "Number of records is outside the range 2 to 4: quiet 2 null"));
     EXPECT_THAT(states("3"), ElementsAre("Null Count for field n is greater than 0: raised 1 null",
                                          "Unique Count for field n has changed by more than 1: quiet 2 2",
                                          "Unique Count for field c has changed by more than 1: raised 5 2",
                                          "pieces for custom metric Sum has changed by more than 50%: raised 26 5",
                                          "Percentage of failed rows for business rule Positive is greater than 25: "
                                          "raised 40 null",
-                                         "Count for field n is outside the range 2 to 4: raised 5 null"));
+                                         "Number of records is outside the range 2 to 4: raised 5 null"));
     EXPECT_EQ(runTavix({"alerts", "-R", m_repository, "--raised", "--fail-at", "warning"}).exitCode, 1);
     EXPECT_EQ(runTavix({"alerts", "-R", m_repository, "--run", "1", "--fail-at", "warning"}).exitCode, 0);
     // A run without them takes them away from its job.
-    ASSERT_EQ(runTavix({"profile", m_folder.file("t.csv"), "-R", m_repository, "--job", "watched"}).exitCode, 0);
+    const Outcome without =
+        runTavix({"profile", m_folder.file("t.csv"), "-R", m_repository, "--job", "watched", "--fail-at", "warning"});
+    EXPECT_EQ(without.exitCode, 0);
+    EXPECT_THAT(without.err, HasSubstr("--fail-at has nothing to look at: the job \"watched\" has no alert"));
     EXPECT_EQ(runTavix({"alerts", "-R", m_repository, "--format", "json"}).out, "[]\n");
 }
 

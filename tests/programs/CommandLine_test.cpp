@@ -29,6 +29,7 @@ TEST_F(CommandLine, ProfilingAgainAddsARunAndTellsAboutIt) {
     ASSERT_EQ(told.size(), 1U);
     EXPECT_EQ(told[0]["table"], "people");
     EXPECT_EQ(told[0]["records"], 4);
+    EXPECT_EQ(told[0]["processed_records"], 4);
     EXPECT_EQ(told[0]["fields"], 4);
     EXPECT_EQ(told[0]["damaged_records"], 0);
     const json runs = asJson({"runs"});
@@ -82,6 +83,106 @@ TEST_F(CommandLine, GarbageArgumentsAreRefusedAndNothingElse) {
         EXPECT_EQ(outcome.err.find('\x1b'), std::string::npos);
     }
     EXPECT_EQ(runCount(), 1U);
+}
+
+TEST_F(CommandLine, ArgumentsAreHeldToWhatAJobFileTakes) {
+    const std::string table = m_folder.file("people.csv");
+    const auto profileWith = [&](const std::string& option, const std::string& value) {
+        return std::vector<std::string>{"profile", table, "--percent", "50", option, value};
+    };
+    expectFailure(2, profileWith("--seed", "-1"), "\"-1\" is not a whole number from 0 on");
+    expectFailure(2, profileWith("--seed", "1234567890123456789012"), "is not a whole number");
+    expectFailure(2, profileWith("--memory", "0"), "\"0\" is not an amount of memory such as 500M or 2G");
+    expectFailure(2, profileWith("--memory", "-5M"), "\"-5M\" is not an amount of memory");
+    expectFailure(2, profileWith("--memory", "99999999T"), "is not an amount of memory");
+    expectFailure(2, profileWith("--threads", "0"), "from 1 to 256");
+    expectFailure(2, profileWith("--job", ""), "The job has no name.");
+    expectFailure(2, profileWith("--job", " \t"), "The name of the job is blank.");
+    expectFailure(2, profileWith("--job", std::string(2000, 'x')), "has 2000 characters; 1000 are the most");
+    expectFailure(2, profileWith("--one-table", ""), "The table has no name.");
+    expectFailure(2, profileWith("--description", std::string(10001, 'x')), "10000 are the most");
+    expectFailure(2, profileWith("--format", "xml"), "\"xml\" is not one of text, json, csv");
+    expectFailure(2, {"tables", "--run", "0x1"}, "is not a whole number");
+    EXPECT_EQ(runCount(), 1U);
+    // A leading zero does not make octal digits.
+    EXPECT_EQ(asJson({"tables", "--run", "01"}), asJson({"tables", "--run", "1"}));
+    EXPECT_EQ(run({"profile", table, "--memory", "1.5 gb", "--first", "010"}).exitCode, 0);
+}
+
+TEST_F(CommandLine, TheRepositoryIsFoundWithoutBeingNamed) {
+    const auto in = [&](const std::string& folder, const std::string& before, const std::string& arguments) {
+        return Program({"/bin/sh", "-c",
+                        "cd '" + m_folder.file(folder) + "' && " + before + " '" + tavixCommand({}).front() + "' " +
+                            arguments})
+            .wait();
+    };
+    const Outcome here = in(".", "", "jobs --format json");
+    EXPECT_EQ(here.exitCode, 0);
+    EXPECT_EQ(here.err, "tavix: the repository is r.tavix\n");
+    EXPECT_EQ(json::parse(here.out), asJson({"jobs"}));
+    EXPECT_EQ(in(".", "", "compare").err.find("the repository is", 30), std::string::npos) << "said once";
+
+    std::filesystem::create_directory(m_folder.file("empty"));
+    EXPECT_EQ(in("empty", "", "jobs").exitCode, 2);
+    EXPECT_THAT(in("empty", "", "profile ../people.csv").err, HasSubstr("Name a repository"));
+    const Outcome variable = in("empty", "TAVIX_REPOSITORY='" + m_repository + "'", "jobs --format json");
+    EXPECT_EQ(variable.out, here.out);
+    EXPECT_EQ(variable.err, "");
+    std::filesystem::copy_file(m_repository, m_folder.file("s.tavix"));
+    const Outcome two = in(".", "", "jobs");
+    EXPECT_EQ(two.exitCode, 2);
+    EXPECT_THAT(two.err, HasSubstr("\"r.tavix\", \"s.tavix\""));
+    EXPECT_EQ(in(".", "TAVIX_REPOSITORY=s.tavix", "profile people.csv").exitCode, 0);
+    EXPECT_EQ(runCount(), 1U);
+}
+
+TEST_F(CommandLine, ASubjectNeedsNoOptionWhereItIsClear) {
+    EXPECT_EQ(asJson({"fields", "people"}), asJson({"fields", "--table", "people"}));
+    EXPECT_EQ(asJson({"show", "people"}), asJson({"show", "--table", "people"}));
+    EXPECT_EQ(asJson({"show", "people.city", "--values"}), asJson({"show", "--field", "people.city", "--values"}));
+    EXPECT_EQ(asJson({"show", "--table", "people", "note.text"}), asJson({"show", "--field", "people.note.text"}));
+    EXPECT_EQ(asJson({"rules", "people"}), json::array());
+    EXPECT_EQ(asJson({"notes", "people.city"}), json::array());
+    expectFailure(2, {"show", "nix"}, "there is no table \"nix\"; there is \"people\"");
+    expectFailure(2, {"show", "people.nix"}, "has no field \"nix\"");
+    expectFailure(2, {"show", "people", "--values"}, "name it with --field");
+    expectFailure(2, {"show", "people.city", "--field", "people.id"}, "says it twice");
+    write("people.city.csv", "x\n1\n");
+    ASSERT_EQ(
+        run({"profile", m_folder.file("people.csv"), m_folder.file("people.city.csv"), "--job", "people"}).exitCode, 0);
+    expectFailure(2, {"show", "people.city"}, "is a table and a field");
+    EXPECT_EQ(asJson({"show", "people.city.x", "--values"}).size(), 1U);
+}
+
+TEST_F(CommandLine, ARunWithoutItsEmptyFilesIsPartial) {
+    write("none.csv", "");
+    write("more.csv", "a\n1\n");
+    const std::vector<std::string> files{m_folder.file("people.csv"), m_folder.file("none.csv"),
+                                         m_folder.file("more.csv")};
+    const Outcome outcome = run({"profile", files[0], files[1], files[2], "--job", "three", "--format", "json"});
+    EXPECT_EQ(outcome.exitCode, 4) << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr("table \"none\" is left out: " + files[1] + " is empty"));
+    EXPECT_EQ(json::parse(outcome.out).size(), 2U);
+    EXPECT_EQ(asJson({"tables", "--job", "three"}).size(), 2U);
+    EXPECT_EQ(run({"profile", files[0], files[1], "--dry-run"}).exitCode, 4);
+    expectFailure(3, {"profile", files[1]}, "is empty");
+}
+
+TEST_F(CommandLine, ADryRunEndsAsARunBegins) {
+    write("job.yaml", "job: j\ntables:\n  - file: people.csv\n  - file: none.csv\n");
+    expectFailure(3, {"profile", m_folder.file("job.yaml"), "--dry-run"}, "none.csv");
+    write("other.csv", "x\n1\n");
+    expectFailure(3,
+                  {"profile", m_folder.file("people.csv"), m_folder.file("other.csv"), "--one-table", "t", "--dry-run"},
+                  "the same columns");
+    const Outcome outcome =
+        runTavix({"profile", m_folder.file("people.csv"), "-R", m_folder.file("none/r.tavix"), "--dry-run"});
+    EXPECT_EQ(outcome.exitCode, 3) << outcome.out;
+    const json plan =
+        asJson({"profile", m_folder.file("people.csv"), m_folder.file("other.csv"), "--first", "1", "--dry-run"});
+    EXPECT_EQ(plan["tables"][1]["bytes"], 4);
+    EXPECT_EQ(plan["tables"][1]["files"], 1);
+    EXPECT_FALSE(plan["tables"][1]["sample"].is_null());
 }
 
 TEST_F(CommandLine, FailingSourcesAndRepositoriesEndWithThree) {
@@ -157,12 +258,12 @@ TEST_F(CommandLine, HelpAndVersionAreEnough) {
     const Outcome help = runTavix({"--help"});
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_EQ(help.err, "");
-    for (const char* command :
-         {"profile", "jobs", "runs", "tables", "fields", "show", "functions", "notes", "delete-history"}) {
+    for (const char* command : {"inspect", "profile", "jobs", "runs", "tables", "fields", "show", "rows", "compare",
+                                "rules", "alerts", "functions", "notes", "delete-history"}) {
         EXPECT_THAT(help.out, HasSubstr(command));
         const Outcome own = runTavix({command, "--help"});
         EXPECT_EQ(own.exitCode, 0);
-        EXPECT_THAT(own.out, AllOf(HasSubstr("--repository"), HasSubstr("Example")));
+        EXPECT_THAT(own.out, AllOf(HasSubstr("--repository"), HasSubstr("Examples:\n")));
         std::istringstream lines(help.out + own.out);
         for (std::string line; std::getline(lines, line);)
             EXPECT_LE(line.size(), 100U) << line;

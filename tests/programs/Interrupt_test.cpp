@@ -2,9 +2,12 @@
 #include "Program.h"
 #include "base/tests/TempFolder.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
@@ -53,6 +56,29 @@ TEST(Interrupt, EndsWithFourAndKeepsNothingOfTheRun) {
     for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
         files.push_back(entry.path().filename().string());
     EXPECT_THAT(files, ::testing::UnorderedElementsAre("r.tavix", "small.csv", "big.csv"));
+}
+
+TEST(Interrupt, EndsTheWaitForAPipe) {
+    const TempFolder folder;
+    const std::string pipe = folder.file("pipe");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const std::vector<std::vector<std::string>> commands{{"profile", pipe, "-R", folder.file("r.tavix")},
+                                                         {"inspect", pipe}};
+    for (const bool hasWriter : {false, true}) {
+        // One that never writes.
+        const int writer = hasWriter ? ::open(pipe.c_str(), O_RDWR | O_CLOEXEC) : -1;
+        for (const std::vector<std::string>& command : commands)
+            for (const int signalNumber : {SIGINT, SIGTERM}) {
+                Program program(tavixCommand(command));
+                program.waitForHandler(signalNumber);
+                program.send(signalNumber);
+                const Outcome outcome = program.wait();
+                EXPECT_EQ(outcome.exitCode, 4) << command.front() << hasWriter << outcome.err;
+                EXPECT_EQ(outcome.out, "");
+            }
+        if (hasWriter)
+            ::close(writer);
+    }
 }
 
 TEST(Interrupt, ANewRepositoryHoldsNoJob) {

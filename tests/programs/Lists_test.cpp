@@ -145,6 +145,42 @@ TEST_F(Lists, AFilterLetsSomeRowsPassAndTheListSaysSo) {
     EXPECT_EQ(run(with("`Value` > '10'")).err, "");
 }
 
+TEST_F(Lists, FiguresOfASampleSaySoEverywhere) {
+    const Outcome outcome =
+        run({"profile", m_folder.file("people.csv"), "--first", "2", "--job", "s", "--format", "json"});
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
+    const json told = json::parse(outcome.out)[0];
+    const json listed = asJson({"tables", "--job", "s"})[0];
+    for (const char* key : {"records", "processed_records", "damaged_records"})
+        EXPECT_EQ(told[key], listed[key]) << key;
+    EXPECT_EQ(told["records"], 4);
+    EXPECT_EQ(told["processed_records"], 2);
+    EXPECT_EQ(asJson({"runs", "--job", "s"})[0]["processed_records"], 2);
+    const char* const sample = "people, a sample of 2 of 4 records: counts, shares and figures are those";
+    for (const char* list : {"--values", "--patterns", "--percentiles", "--outliers", "--metrics"})
+        EXPECT_THAT(run({"show", "--job", "s", "people.id", list}).err, HasSubstr(sample)) << list;
+    EXPECT_THAT(run({"show", "--job", "s", "people.id"}).out,
+                HasSubstr("Values of people.id, a sample of 2 of 4 records\n"));
+    EXPECT_THAT(run({"fields", "--job", "s", "people"}).err, HasSubstr(sample));
+}
+
+TEST_F(Lists, ADamagedDistributionIsAFailureOfTheRepositoryAlsoWithAFilter) {
+    // The last pages of the file hold the packed values.
+    std::string bytes;
+    {
+        std::ifstream file(m_repository, std::ios::binary);
+        bytes.assign(std::istreambuf_iterator<char>(file), {});
+    }
+    const std::size_t at = bytes.rfind("Bern");
+    ASSERT_NE(at, std::string::npos);
+    for (std::size_t place = bytes.find("Bern"); place != std::string::npos; place = bytes.find("Bern", place + 1))
+        bytes[place] = 'X';
+    std::ofstream(m_repository, std::ios::binary) << bytes;
+    EXPECT_EQ(run({"show", "people.city", "--values"}).exitCode, 3);
+    EXPECT_EQ(run({"show", "people.city", "--filter", "`Count` > 0"}).exitCode, 3);
+    EXPECT_EQ(run({"show", "people.city", "--filter", "`Count` >"}).exitCode, 2);
+}
+
 TEST_F(Lists, TheFunctionsOfFiltersAreListed) {
     const Outcome outcome = runTavix({"functions", "--format", "json"});
     ASSERT_EQ(outcome.exitCode, 0) << outcome.err;

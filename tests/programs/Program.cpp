@@ -7,7 +7,10 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstdint>
+#include <fstream>
 #include <stdexcept>
+#include <thread>
 
 extern char** environ;
 
@@ -79,6 +82,18 @@ Program::~Program() {
 
 void Program::send(int signalNumber) const {
     ::kill(m_process, signalNumber);
+}
+
+void Program::waitForHandler(int signalNumber) const {
+    const std::string path = "/proc/" + std::to_string(m_process) + "/status";
+    const std::uint64_t wanted = std::uint64_t{1} << (signalNumber - 1);
+    for (;;) {
+        std::ifstream status(path);
+        for (std::string line; std::getline(status, line);)
+            if (line.starts_with("SigCgt:") && (std::stoull(line.substr(7), nullptr, 16) & wanted) != 0)
+                return;
+        std::this_thread::yield();
+    }
 }
 
 void Program::closeOutput() {

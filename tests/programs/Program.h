@@ -26,6 +26,8 @@ class Program {
     Program& operator=(const Program&) = delete;
 
     void send(int signalNumber) const;
+    /// Waits until the program has a handler for the signal of its own.
+    void waitForHandler(int signalNumber) const;
     /// Stops reading its standard output, as a pager does that is left.
     void closeOutput();
     /// Reads everything and waits for the end.

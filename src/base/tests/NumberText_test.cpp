@@ -5,6 +5,7 @@
 
 #include <clocale>
 #include <limits>
+#include <utility>
 
 namespace tavix {
 namespace {
@@ -24,6 +25,24 @@ TEST(NumberText, RealsReadBackEqualAndIgnoreTheProcessLocale) {
     EXPECT_EQ(formatFixed(2.345, 2), "2.35");
     EXPECT_EQ(formatFixed(-0.001, 2), "0.00");
     std::setlocale(LC_NUMERIC, saved.c_str());
+}
+
+TEST(NumberText, ReadableFiguresHaveWhatPeopleWrite) {
+    const std::pair<double, const char*> cases[] = {
+        {-0.09999999999999964, "-0.1"},
+        {66.48793565683646, "66.487936"},
+        {100.0, "100"},
+        {0.0, "0"},
+        {1.0 / 3, "0.333333"},
+        {0.0001234567, "0.000123457"},
+        {1e-7 / 3, "3.33333e-08"},
+        {123456789012.25, "123456789012.25"},
+        {-2.5, "-2.5"},
+        {0.9999999, "1"},
+        {1e20, "1e+20"},
+    };
+    for (const auto& [value, text] : cases)
+        EXPECT_EQ(formatReadable(value), text);
 }
 
 TEST(NumberText, OnlyWholeFiniteNumbersAreNumbers) {

@@ -53,6 +53,21 @@ TEST(TextTableWriter, AlignsByDisplayWidthAndNumbersToTheRight) {
     EXPECT_EQ(written({}, {{kValues, {}}}), "(none)\n");
 }
 
+TEST(TextTableWriter, ComputedFiguresAreRoundedAndValuesAreNot) {
+    const Section figures{"figures",
+                          "Figures",
+                          {{"value", "Value", Column::Kind::Number},
+                           {"mean", "Mean", Column::Kind::Number, -1, true},
+                           {"percent", "%", Column::Kind::Number, 2, true},
+                           {"real", "Real", Column::Kind::Number}}};
+    const List list{figures, {{"1.2909944487358056", "1.2909944487358056", "33.33333333333333", 0.1 + 0.2}}};
+    EXPECT_EQ(written({}, {list}), "             Value      Mean      %  Real\n"
+                                   "------------------  --------  -----  ----\n"
+                                   "1.2909944487358056  1.290994  33.33   0.3\n");
+    EXPECT_EQ(written({Format::Csv}, {list}), "value,mean,percent,real\n1.2909944487358056,1.2909944487358056,"
+                                              "33.33333333333333,0.30000000000000004\n");
+}
+
 TEST(TextTableWriter, ProseGoesOnBelowItself) {
     const Section notes{"notes", "Notes", {{"user", "User"}, {"note", "Note", Column::Kind::Prose}}};
     const std::string word(40, 'x');

@@ -58,6 +58,14 @@ TEST(DistributionComparison, TellsNullFromEmptyAndOrdersBySharesThenCountsThenTe
     EXPECT_EQ(changes.moved.texts, 3);
 }
 
+TEST(DistributionComparison, EqualSharesAreNotOrderedByTheirRounding) {
+    // As binary fractions 0.2 - 0.1 is more than 0.3 - 0.2.
+    const Counts before({{"a", 2}, {"b", 1}, {"c", 7}}, &nullFirst);
+    const Counts after({{"a", 3}, {"b", 2}, {"c", 5}}, &nullFirst);
+    EXPECT_THAT(compare(before, after, {3}).moved.top,
+                ElementsAre(ValueChange{"c", 7, 5}, ValueChange{"a", 2, 3}, ValueChange{"b", 1, 2}));
+}
+
 TEST(DistributionComparison, LongTextsAreCutBetweenCharacters) {
     const std::string text = std::string(kLongestText - 1, 'x') + "é and more";
     const DistributionChanges changes = compare(Counts({}, &nullFirst), Counts({{text, 1}}, &nullFirst), {1});
@@ -97,8 +105,7 @@ DistributionChanges compareSlowly(const Counts& before, const Counts& after, std
             return a.before + a.after > b.before + b.after;
         });
     const auto distance = [&](const ValueChange& change) {
-        return std::abs(static_cast<double>(change.after) / static_cast<double>(changes.rowsAfter) -
-                        static_cast<double>(change.before) / static_cast<double>(changes.rowsBefore));
+        return std::abs(change.after * changes.rowsBefore - change.before * changes.rowsAfter);
     };
     std::stable_sort(changes.moved.top.begin(), changes.moved.top.end(),
                      [&](const ValueChange& a, const ValueChange& b) {

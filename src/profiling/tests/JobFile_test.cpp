@@ -1,6 +1,7 @@
 #include "base/tests/SourceFolder.h"
 #include "base/tests/TempFolder.h"
 #include "profiling/JobDescription.h"
+#include "profiling/JobRunner.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -130,6 +131,27 @@ TEST_F(JobFile, MistakesAreNamedWithTheirPlace) {
         {"job: !!binary aGk=\ntables: [{file: a}]", "1:6: the tag \"tag:yaml.org,2002:binary\" is not known here"},
         {"? [a]\n: b\n", "1:3: a key must be a word or a text"},
         {good + "---\njob: k\n", "4:1: there is more than one document in the file"},
+        {good + "    rules:\n      - {name: R, condition: \"`x` > 0}\n    alerts:\n      - {rule: R, max: 0}\n",
+         "5:30: the quote that opens here is never closed"},
+        {good + "description: 'a''b\nrepository: r\n", "4:14: the quote that opens here is never closed"},
+        {good + "description: \"a\\\"\n", "4:14: the quote that opens here is never closed"},
+        {good + "description: !!str &a # why\n  \"a\n", "5:3: the quote that opens here is never closed"},
+        {"\xEF\xBB\xBF" + good + "description: \"a\n", "4:14: the quote that opens here is never closed"},
+        {good + "'description: a\n", "4:1: the quote that opens here is never closed"},
+        {"job: j\ntables: [\"a.csv", "2:10: the quote that opens here is never closed"},
+        {good + "description: \"a\nrepository: \"r.tavix\"\n",
+         "4:14: the quote that opens here is closed in line 5, where the text goes on; is a closing quote missing?"},
+        {good + "  - file: \"a\\0b.csv\"\n", "4:11: a text cannot hold a zero byte"},
+        {"job: '  '\ntables: [{file: a}]\n",
+         "1:6: \"job\": expected the name of the job, a text (1 to 1000 characters, not only blanks)"},
+        {good + "    name: " + std::string(1001, 'x') + "\n",
+         "4:11: \"tables[0].name\": expected the name of the table, a text; the file's name without its ending unless "
+         "stated (1 to 1000 characters, not only blanks)"},
+        {good + "    sample: {percent: 1, seed: 99999999999999999999}\n",
+         "4:32: \"tables[0].sample.seed\": expected a whole number from 0 to 9223372036854775807; the same one takes "
+         "the "
+         "same rows; 1 unless stated"},
+        {good + "    encoding: 12345\n", "4:15: there is no encoding \"12345\""},
         {"job: j\nna\xFFme: x\n", "2:3: this is not UTF-8 text"},
         {std::string("job: j\n\0", 8), "2:1: this is not text"},
     };
@@ -144,6 +166,34 @@ TEST_F(JobFile, ExpressionsThatNeedQuotesAreToldSo) {
     EXPECT_THAT(problem(rule + "{a: `price`}\n"), ::testing::HasSubstr("quote the expression"));
     EXPECT_THAT(problem(rule + "\"matches(price, '\\d+')\"\n"), ::testing::HasSubstr("use single quotes"));
     EXPECT_THAT(problem("job: j\ntables: ["), ::testing::Not(::testing::HasSubstr("quote")));
+}
+
+TEST_F(JobFile, ACodePageIsANumber) {
+    const auto job = read("job: j\ntables: [{file: a.csv, encoding: 1252}, {file: b.csv, encoding: 'cp850'}]\n");
+    ASSERT_TRUE(job.ok()) << job.error().text;
+    EXPECT_STREQ(job->tables[0].encoding->name, "windows-1252");
+    EXPECT_STREQ(job->tables[1].encoding->name, "IBM850");
+    EXPECT_TRUE(read("job: \"a\\\"b\"\n# it's\ntables: [{file: 'it''s.csv'}]\ndescription: |\n  \"open\n").ok());
+}
+
+TEST_F(JobFile, UnknownFieldsAreNamedWithTheirPlace) {
+    std::ofstream(m_folder.file("a.csv")) << "id,price\n1,2\n";
+    const std::string head = "job: j\ntables:\n  - file: a.csv\n";
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {head + "    key: [id, prize]\n",
+         "4:15: The key of the table \"a\": there is no field \"prize\" (did you mean \"price\"?)."},
+        {head + "    alerts:\n      - {field: [id, pric], metric: Mean, max: 1}\n",
+         "5:22: An alert: the table \"a\" has no field \"pric\" (did you mean \"price\"?)."},
+        {head + "    alerts:\n      - {field: ix, metric: Mean, max: 1}\n",
+         "5:17: An alert: the table \"a\" has no field \"ix\" (did you mean \"id\"?)."},
+        {head + "collections:\n  - name: C\n    fields: [a.id, a.pric]\n",
+         "6:20: Collection \"C\": the table \"a\" has no field \"pric\" (did you mean \"price\"?)."},
+    };
+    for (const auto& [text, expected] : cases) {
+        const auto job = read(text);
+        ASSERT_TRUE(job.ok()) << job.error().text;
+        EXPECT_EQ(checkFields(*job).error().text, m_path + ":" + expected);
+    }
 }
 
 TEST_F(JobFile, AFileThatCannotBeReadIsAnError) {
@@ -251,6 +301,15 @@ TEST(DescribeFiles, NamesTablesAfterFiles) {
     const std::vector<std::string> same = {"/x/a.csv", "/y/a.txt"};
     EXPECT_EQ(describeFiles(same, "J").error().text, "Two tables of the job \"J\" have the name \"a\".");
     EXPECT_FALSE(describeFiles({}, "J").ok());
+    // What a job file refuses.
+    EXPECT_EQ(describeFiles(files, " \t").error().text, "The name of the job is blank.");
+    EXPECT_EQ(describeFiles(files, std::string(1001, 'x')).error().text,
+              "The name of the job has 1001 characters; 1000 are the most.");
+    EXPECT_EQ(describeFiles(files, "J", {}, "\xFF").error().text, "The name of the table is not UTF-8 text.");
+    std::string longest;
+    for (int i = 0; i < 1000; ++i)
+        longest += "\u00E4";
+    EXPECT_TRUE(describeFiles(files, longest).ok());
 }
 
 } // namespace

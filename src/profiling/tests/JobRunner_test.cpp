@@ -80,7 +80,7 @@ TEST_F(RunJob, WhatIsWrongIsFoundBeforeAnythingIsWritten) {
     };
     EXPECT_THAT(error(job({a, m_folder.file("none.csv")})),
                 ::testing::AllOf(::testing::StartsWith("Table \"none\": "), ::testing::HasSubstr("No such file")));
-    EXPECT_THAT(error(job({a, write("empty.csv", "")})), ::testing::EndsWith("is empty"));
+    EXPECT_THAT(error(job({write("empty.csv", "")})), ::testing::EndsWith("is empty"));
     JobDescription unknown = job({a});
     unknown.collections = {{"C", "", {{"a", "nmae"}}}};
     EXPECT_EQ(error(unknown), "Collection \"C\": the table \"a\" has no field \"nmae\" (did you mean \"name\"?).");

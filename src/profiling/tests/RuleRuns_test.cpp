@@ -201,7 +201,7 @@ TEST_F(RuleRuns, ExpressionsThatDoNotFitAreNamedWithTheirPlaceBeforeAnythingIsWr
     EXPECT_EQ(problem("  - {name: f, based on: t, where: '`town` == 1'}\n"),
               "4:35: the condition of the table \"f\": line 1, column 1: there is no field `town`");
     EXPECT_EQ(problem("    key: [ctiy]\n"),
-              "The key of the table \"t\": there is no field \"ctiy\" (did you mean \"city\"?).");
+              "4:11: The key of the table \"t\": there is no field \"ctiy\" (did you mean \"city\"?).");
     EXPECT_FALSE(std::filesystem::exists(m_repository));
 }
 

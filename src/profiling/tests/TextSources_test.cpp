@@ -76,7 +76,9 @@ TEST_F(TextSources, EqualFilesMakeOneTableAndTheOthersAreNamed) {
     EXPECT_EQ(stored("SELECT file_path FROM v_tables ORDER BY table_id"),
               m_folder.file("in") + "\n" + m_folder.file("in/?.csv") + "; " + m_folder.file("in/1.csv") + "\n");
     EXPECT_EQ(stored("SELECT text FROM v_log WHERE table_id = 1"),
-              "File " + m_folder.file("in/1.csv") + ": 2 rows.\nFile " + m_folder.file("in/2.csv") +
+              m_folder.file("in/2.csv") +
+                  " is not UTF-8 and read as windows-1252; state the encoding if it is another.\nFile " +
+                  m_folder.file("in/1.csv") + ": 2 rows.\nFile " + m_folder.file("in/2.csv") +
                   ": 1 rows.\n1.csv, line 3: 1 cell instead of 2; the missing ones are null.\nDamaged rows: 1 of 3.\n");
     EXPECT_EQ(stored("SELECT maximum_value FROM v_fields WHERE field_name = 'b' AND table_id = 1"), "\u00E4\n");
 

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <CLI/Error.hpp>
+#include <CLI/Validators.hpp>
+
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <vector>
+
+/// What options accept, with errors in our own words. Each is given to an option by `transform`, for what it accepts is
+/// rewritten as CLI11 reads it.
+namespace tavix::cli {
+
+/// A decimal number in this range.
+[[nodiscard]] CLI::Validator wholeNumber(std::int64_t least = 0,
+                                         std::int64_t most = std::numeric_limits<std::int64_t>::max());
+/// One of these words.
+[[nodiscard]] CLI::Validator oneOf(std::vector<std::string> words);
+/// A number of bytes above 0 with an optional unit of 1024s: "500M", "2 GB", "1.5g". Becomes the number of bytes.
+[[nodiscard]] CLI::Validator memorySize();
+
+} // namespace tavix::cli

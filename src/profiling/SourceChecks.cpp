@@ -1,0 +1,75 @@
+#include "profiling/SourceChecks.h"
+
+#include "profiling/AlertEntry.h"
+#include "profiling/JobChecks.h"
+#include "profiling/JobRunner.h"
+#include "profiling/TablePrograms.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <utility>
+
+namespace tavix::profiling {
+
+std::vector<const TableDescription*> tablesOver(const JobDescription& job, const TableDescription& base) {
+    std::vector<const TableDescription*> tables{&base};
+    for (const TableDescription& table : job.tables)
+        if (table.basedOn == base.name && table.isFiltered())
+            tables.push_back(&table);
+    return tables;
+}
+
+Status checkFieldsOver(const JobDescription& job, const TableDescription& base, std::span<const std::string> columns) {
+    for (const TableDescription* table : tablesOver(job, base)) {
+        if (auto compiled = compileTable(*table, columns); !compiled)
+            return compiled.error();
+        if (Status status = checkCollectionFields(job, table->name, columns); !status)
+            return status;
+        if (Status status = checkAlertFields(*table, columns); !status)
+            return status;
+    }
+    return {};
+}
+
+Error failureIn(const TableDescription& table, const Error& error) {
+    return {fmt::format("Table \"{}\": {}", table.name, error.text)};
+}
+
+Result<OpenedFiles> openCheckedFiles(const JobDescription& job, const TableDescription& table,
+                                     source::KeepGoing keepGoing) {
+    auto opened = openTable(table, std::move(keepGoing));
+    if (!opened)
+        return failureIn(table, opened.error());
+    if (Status status = opened->files->checkColumns(); !status)
+        return failureIn(table, status.error());
+    if (Status status = checkFieldsOver(job, table, opened->reader->columnNames()); !status)
+        return status.error();
+    return opened;
+}
+
+Result<OpenedDatabaseTable> openCheckedDatabase(const JobDescription& job, const TableDescription& table,
+                                                Databases& databases) {
+    auto opened = databases.open(table);
+    if (!opened)
+        return failureIn(table, opened.error());
+    if (Status status = checkFieldsOver(job, table, opened->table.columnNames()); !status)
+        return status.error();
+    return opened;
+}
+
+Status checkFields(const JobDescription& job) {
+    for (const TableDescription& table : job.tables) {
+        if (table.isFiltered() || table.isDatabase())
+            continue;
+        std::error_code failure;
+        if (table.files.empty() && !std::filesystem::is_regular_file(table.path, failure))
+            continue; // to look into a pipe would be to take from it
+        if (const auto opened = openTable(table); opened)
+            if (Status status = checkFieldsOver(job, table, opened->reader->columnNames()); !status)
+                return status;
+    }
+    return {};
+}
+
+} // namespace tavix::profiling
