@@ -36,6 +36,7 @@ struct TavixHost::Window {
     /// stack continue with an empty view.
     void Retire() {
         QObject::disconnect(dialogs);
+        QObject::disconnect(ownerGone);
         messages.Silence();
         keyboard = nullptr;
         if (parent)
@@ -56,6 +57,7 @@ struct TavixHost::Window {
     TavixKeyboardSite* keyboard = nullptr;
     bool isRefusing = false; ///< the message that a dialog is open is on the screen
     QMetaObject::Connection dialogs;
+    QMetaObject::Connection ownerGone; ///< of a shell that is built with the same toolkit
 };
 
 } // namespace Veldra::Solenne::Tavix

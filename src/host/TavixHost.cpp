@@ -123,6 +123,10 @@ NativeWindow TavixHost::BuildWindowCore(NativeWindow parent) {
 QWidget* TavixQtWindow::Build(TavixHost& host, QWidget* parent) {
     host.Dispose();
     host.AddView(*new tavix::CTavixView(*host.m_app, host.GetMessages(), parent));
+    // A parent tells of its end before it destroys its children, of which the view may be in use.
+    if (parent)
+        host.m_window->ownerGone =
+            QObject::connect(parent, &QObject::destroyed, host.View(), [&host] { host.Dispose(); });
     host.OnTavixWindowCreated.Raise(host);
     return host.View();
 }

@@ -203,6 +203,23 @@ TEST_F(HostsEnd, theHostItselfMayBeDestroyedWithItsMessagesAndWidgets) {
     }
 }
 
+TEST_F(HostsEnd, theParentOfTheViewMayBeDestroyedUnderADialog) {
+    RecordedMessages messages;
+    TavixHost host(messages, tavix::makeMemorySettings());
+    host.DeleteHistoryEvent.Attach([](const std::function<void()>& perform) { perform(); });
+    for (const CommandId command : {CommandId::DeleteHistory, CommandId::Options, CommandId::NoteCategories}) {
+        auto grandparent = std::make_unique<QWidget>();
+        const QPointer<QWidget> view = TavixQtWindow::Build(host, new QWidget(grandparent.get()));
+        grandparent->show();
+        ASSERT_TRUE(host.LoadReportForJob("", m_sample.salesJob, &m_connection));
+        QTimer::singleShot(0, qApp, [&] { grandparent.reset(); });
+        host.ExecuteCommand(static_cast<int>(command));
+        EXPECT_FALSE(host.HasReport());
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(view);
+    }
+}
+
 TEST_F(HostsEnd, aHandlerMayDestroyTheHostThatCallsIt) {
     RecordedMessages messages;
     const auto make = [&] {
