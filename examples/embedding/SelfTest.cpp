@@ -1,16 +1,14 @@
 #include "SelfTest.h"
 
-#include <X11/Xatom.h>
-#include <X11/Xutil.h>
-#include <X11/extensions/XTest.h>
-#include <X11/keysym.h>
+#include "DialogTest.h"
+#include "FocusTest.h"
+#include "Screen.h"
+
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <set>
-#include <thread>
 #include <vector>
 
 namespace embedding {
@@ -21,8 +19,6 @@ using tv::TavixCommandConstants;
 using tv::TavixHost;
 
 constexpr int kNoJob = 123456;
-constexpr int kMostTabs = 20;
-constexpr int kQuietSteps = 8;
 constexpr int kWarmUpRounds = 30;
 // A window of the viewer costs megabytes; one kept a round would show after a few rounds.
 #ifdef __SANITIZE_ADDRESS__
@@ -31,7 +27,6 @@ constexpr long kGrowthAllowedKilobytes = 16 * 1024; // the sanitizer keeps books
 constexpr long kGrowthAllowedKilobytes = 4 * 1024;
 #endif
 
-int failures = 0;
 int xErrors = 0;
 
 int countXError(Display* display, XErrorEvent* error) {
@@ -40,133 +35,6 @@ int countXError(Display* display, XErrorEvent* error) {
     std::printf("X error: %s, request %d\n", text, error->request_code);
     ++xErrors;
     return 0;
-}
-
-bool check(bool holds, const char* what) {
-    std::printf("%s  %s\n", holds ? "ok    " : "FAILED", what);
-    std::fflush(stdout);
-    failures += holds ? 0 : 1;
-    return holds;
-}
-
-int number(TavixCommandConstants command) {
-    return static_cast<int>(command);
-}
-
-/// Keys and clicks as a user makes them: they go where the X server sends them.
-class User {
-  public:
-    explicit User(XlibShell& shell) : m_display(shell.display()) {}
-
-    void press(KeySym symbol, bool shift = false) {
-        const KeyCode code = XKeysymToKeycode(m_display, symbol);
-        const KeyCode shiftCode = XKeysymToKeycode(m_display, XK_Shift_L);
-        if (shift)
-            XTestFakeKeyEvent(m_display, shiftCode, True, 0);
-        XTestFakeKeyEvent(m_display, code, True, 0);
-        XTestFakeKeyEvent(m_display, code, False, 0);
-        if (shift)
-            XTestFakeKeyEvent(m_display, shiftCode, False, 0);
-        XFlush(m_display);
-    }
-    void click(Window window, int x, int y) {
-        int rootX = 0;
-        int rootY = 0;
-        Window child = 0;
-        XTranslateCoordinates(m_display, window, DefaultRootWindow(m_display), x, y, &rootX, &rootY, &child);
-        XTestFakeMotionEvent(m_display, -1, rootX, rootY, 0);
-        XTestFakeButtonEvent(m_display, Button1, True, 0);
-        XTestFakeButtonEvent(m_display, Button1, False, 0);
-        XFlush(m_display);
-    }
-
-  private:
-    Display* m_display;
-};
-
-std::vector<unsigned long> pixels(XlibShell& shell) {
-    std::vector<unsigned long> all;
-    XWindowAttributes attributes;
-    if (!XGetWindowAttributes(shell.display(), shell.view(), &attributes) || attributes.map_state != IsViewable)
-        return all;
-    XImage* image = XGetImage(shell.display(), shell.view(), 0, 0, static_cast<unsigned>(attributes.width),
-                              static_cast<unsigned>(attributes.height), AllPlanes, ZPixmap);
-    for (int y = 0; image && y < attributes.height; y += 2) {
-        for (int x = 0; x < attributes.width; x += 2)
-            all.push_back(XGetPixel(image, x, y));
-    }
-    if (image)
-        XDestroyImage(image);
-    return all;
-}
-
-bool isAsLargeAsItsPlace(XlibShell& shell) {
-    XWindowAttributes view;
-    XWindowAttributes place;
-    return XGetWindowAttributes(shell.display(), shell.view(), &view) &&
-           XGetWindowAttributes(shell.display(), shell.place(), &place) && view.map_state == IsViewable &&
-           view.width == place.width && view.height == place.height;
-}
-
-bool hasProperty(Display* display, Window window, const char* name) {
-    Atom type = 0;
-    int format = 0;
-    unsigned long count = 0;
-    unsigned long left = 0;
-    unsigned char* value = nullptr;
-    const int result = XGetWindowProperty(display, window, XInternAtom(display, name, False), 0, 1, False,
-                                          AnyPropertyType, &type, &format, &count, &left, &value);
-    if (value)
-        XFree(value);
-    return result == Success && type != 0;
-}
-
-// One that is still starting may miss a window that is made meanwhile.
-bool windowManagerRuns(XlibShell& shell) {
-    return shell.stepUntil(
-        [&] { return hasProperty(shell.display(), DefaultRootWindow(shell.display()), "_NET_SUPPORTING_WM_CHECK"); });
-}
-
-// Keys go where a test sends them only once the window manager has the window in its frame and shows it.
-bool isManaged(XlibShell& shell) {
-    return hasProperty(shell.display(), shell.topLevel(), "WM_STATE") && isAsLargeAsItsPlace(shell);
-}
-
-int childrenOf(Display* display, Window window, Window* first = nullptr) {
-    Window root = 0;
-    Window parent = 0;
-    Window* children = nullptr;
-    unsigned count = 0;
-    if (!XQueryTree(display, window, &root, &parent, &children, &count))
-        return -1;
-    if (first && count > 0)
-        *first = children[0];
-    if (children)
-        XFree(children);
-    return static_cast<int>(count);
-}
-
-// A window anywhere on the screen that belongs to ours as a dialog does.
-Window dialogOf(Display* display, Window topLevel, Window below) {
-    Window root = 0;
-    Window parent = 0;
-    Window* children = nullptr;
-    unsigned count = 0;
-    Window found = 0;
-    if (!XQueryTree(display, below, &root, &parent, &children, &count))
-        return 0;
-    for (unsigned i = 0; i < count && !found; ++i) {
-        Window owner = 0;
-        XWindowAttributes attributes;
-        if (XGetTransientForHint(display, children[i], &owner) && owner == topLevel &&
-            XGetWindowAttributes(display, children[i], &attributes) && attributes.map_state == IsViewable)
-            found = children[i];
-        else
-            found = dialogOf(display, topLevel, children[i]);
-    }
-    if (children)
-        XFree(children);
-    return found;
 }
 
 int jobOf(const FileConnection& connection) {
@@ -213,57 +81,6 @@ void testCommands(XlibShell& shell, const Sample& sample, int job) {
           "and a report can be loaded again");
 }
 
-// How many times Tab was pressed until the viewer had the keyboard no more. A press is over when it has moved the focus
-// on the screen or out of the viewer, and nothing is painted any more.
-int tabUntilOutside(XlibShell& shell, User& user, bool backwards) {
-    int presses = 0;
-    while (shell.host().HasFocus() && presses < kMostTabs) {
-        auto image = pixels(shell);
-        user.press(XK_Tab, backwards);
-        ++presses;
-        if (!shell.stepUntil([&] { return !shell.host().HasFocus() || pixels(shell) != image; }))
-            return 0;
-        for (int quiet = 0; shell.host().HasFocus() && quiet < kQuietSteps; ++quiet) {
-            shell.step();
-            auto now = pixels(shell);
-            if (now != image)
-                quiet = 0;
-            image = std::move(now);
-        }
-    }
-    return presses;
-}
-
-void testFocus(XlibShell& shell, User& user) {
-    TavixHost& host = shell.host();
-    check(shell.stepUntil([&] { return isManaged(shell); }), "a window manager shows the window");
-    shell.focusField(XlibShell::Field::Before);
-    check(shell.stepUntil([&] { return shell.hasKeyboard() && !host.HasFocus(); }), "the shell has the keyboard");
-    user.press(XK_Tab);
-    check(shell.stepUntil([&] { return host.HasFocus() && !shell.hasKeyboard(); }), "Tab goes into the viewer");
-
-    const auto before = pixels(shell);
-    user.press(XK_Right);
-    user.press(XK_Down);
-    check(shell.stepUntil([&] { return pixels(shell) != before; }), "and its keys arrive there");
-
-    const int tabs = tabUntilOutside(shell, user, false);
-    check(tabs >= 2 && shell.stepUntil([&] { return shell.hasKeyboard(); }) && shell.field() == XlibShell::Field::After,
-          "Tab walks through the viewer and out of it forwards");
-    user.press(XK_Tab, true);
-    check(shell.stepUntil([&] { return host.HasFocus(); }), "Shift+Tab comes back in");
-    const int backs = tabUntilOutside(shell, user, true);
-    check(backs == tabs && shell.stepUntil([&] { return shell.hasKeyboard(); }) &&
-              shell.field() == XlibShell::Field::Before,
-          "and walks out of it backwards, by as many stops");
-    user.click(shell.view(), 60, 200);
-    check(shell.stepUntil([&] { return host.HasFocus(); }), "a click takes the keyboard");
-    host.SetInternalFocus();
-    check(host.HasFocus(), "the navigator has the keyboard");
-    shell.focusField(XlibShell::Field::Before);
-    check(shell.stepUntil([&] { return !host.HasFocus(); }), "the shell takes the keyboard back");
-}
-
 void testResizing(XlibShell& shell) {
     check(isAsLargeAsItsPlace(shell), "the view fills its place");
     for (const auto& [width, height] : {std::pair(700, 500), std::pair(1200, 820)}) {
@@ -277,35 +94,6 @@ void testResizing(XlibShell& shell) {
         }),
               "the view follows the window's size");
     }
-}
-
-// A dialog has a loop of its own, so that what is done in it is done from a descriptor that the loop watches.
-void testDialog(XlibShell& shell, tv::TavixEventLoop& loop, User& user) {
-    int ends[2];
-    if (pipe(ends) != 0)
-        std::abort();
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    bool seen = false;
-    loop.Watch(ends[0], [&] {
-        const Window dialog = dialogOf(shell.display(), shell.topLevel(), DefaultRootWindow(shell.display()));
-        if (dialog) {
-            seen = true;
-            XSetInputFocus(shell.display(), dialog, RevertToParent, CurrentTime);
-            user.press(XK_Escape);
-        }
-        if (std::chrono::steady_clock::now() > end) {
-            std::printf("FAILED  the dialog does not come or does not go\n");
-            std::_Exit(1);
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    });
-    if (write(ends[1], "x", 1) != 1)
-        std::abort();
-    const bool handled = shell.host().ExecuteCommand(number(TavixCommandConstants::Options));
-    loop.Unwatch(ends[0]);
-    close(ends[0]);
-    close(ends[1]);
-    check(handled && seen, "a dialog belongs to the shell's window and is left with Escape");
 }
 
 void testDestroying(XlibShell& shell, const Sample& sample, int job) {
@@ -356,12 +144,15 @@ bool runSelfTest(tv::TavixEventLoop& loop, const Sample& sample) {
         testCommands(shell, sample, job);
         testFocus(shell, user);
         testResizing(shell);
-        testDialog(shell, loop, user);
+        testFocusWithoutControls(shell, user);
+        testFocusWithoutSite(shell, user);
+        testDialogs(shell, loop, sample, job);
+        testOwnedWindows(shell);
         testDestroying(shell, sample, job);
     }
     check(xErrors == 0, "no X error");
-    std::printf("%d failures\n", failures);
-    return failures == 0;
+    std::printf("%d failures\n", failedChecks());
+    return failedChecks() == 0;
 }
 
 bool runRepeated(tv::TavixEventLoop& loop, const Sample& sample, int times) {

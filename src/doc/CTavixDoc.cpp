@@ -18,6 +18,7 @@ constexpr std::string_view kDeleteFailed = "Error occurred while deleting histor
 constexpr std::string_view kTaskListFailed = "Error occurred while retrieving task list:";
 constexpr std::string_view kNoTaskList = "Unable to create task list";
 constexpr std::string_view kNoHistory = "Error occurred while retrieving report history";
+constexpr std::string_view kHistoryClosed = "No run was deleted: the report whose runs were chosen is closed.";
 
 /// Why `call` failed, in the library's words; nothing when it succeeded. The library fails by answering false or by
 /// throwing, and the viewer makes no difference.
@@ -30,6 +31,21 @@ std::optional<std::string> failureOf(const PrViewer& viewer, Call&& call) {
     } catch (const GenException& failure) {
         return failure.getText().str();
     }
+}
+
+std::string message(std::string_view leadIn, std::string_view libraryText) {
+    return std::string(leadIn).append("\n\n").append(libraryText);
+}
+
+std::shared_ptr<PrViewer> closedWhenReleased(PrViewer::Handle viewer) {
+    return {viewer.release(), [](PrViewer* session) {
+                try {
+                    session->close();
+                } catch (const GenException&) {
+                    // Nobody uses the session any more who could be told.
+                }
+                session->release();
+            }};
 }
 
 /// Raises the frame's loading flag while the views take in a run.
@@ -49,15 +65,10 @@ class LoadingFlag {
 CTavixDoc::CTavixDoc(DocumentFrame& frame, SettingsStore& settings, Messages& messages)
     : m_frame(frame), m_settings(settings), m_messages(messages), m_title(kUntitled) {}
 
-CTavixDoc::~CTavixDoc() {
-    if (m_viewer)
-        m_viewer->close();
-}
+CTavixDoc::~CTavixDoc() = default;
 
 void CTavixDoc::Warn(std::string_view leadIn, std::string_view libraryText) const {
-    std::string text(leadIn);
-    text.append("\n\n").append(libraryText);
-    m_messages.warn(text);
+    m_messages.warn(message(leadIn, libraryText));
 }
 
 bool CTavixDoc::OpenReport(const KvbString& connection, int jobId) {
@@ -68,26 +79,26 @@ bool CTavixDoc::OpenReport(const KvbString& connection, int jobId) {
         Warn(kConnectFailed, *failure);
         return false;
     }
-    if (!SetUp(*viewer, jobId)) {
+    if (const auto problem = SetUp(*viewer, jobId)) {
         viewer->close();
         Clear();
+        // Last: another report may be opened while the message is on the screen.
+        m_messages.warn(*problem);
         return false;
     }
     viewer->setSourceCredentials(m_logins.ForSession());
-    m_viewer = std::move(viewer);
+    m_viewer = closedWhenReleased(std::move(viewer));
     m_jobId = jobId;
     ReloadTaskList();
     return true;
 }
 
-bool CTavixDoc::SetUp(PrViewer& viewer, int jobId) {
+std::optional<std::string> CTavixDoc::SetUp(PrViewer& viewer, int jobId) {
     int folderId = -1;
     KvbString description;
     if (const auto failure =
-            failureOf(viewer, [&] { return viewer.reportGetReportInfo(jobId, folderId, description); })) {
-        Warn(kRetrieveFailed, *failure);
-        return false;
-    }
+            failureOf(viewer, [&] { return viewer.reportGetReportInfo(jobId, folderId, description); }))
+        return message(kRetrieveFailed, *failure);
     const auto failure = failureOf(viewer, [&] {
         if (!viewer.setCurrentJobSetup(jobId))
             return false;
@@ -109,15 +120,12 @@ bool CTavixDoc::SetUp(PrViewer& viewer, int jobId) {
         LoadMetricDisplayList(viewer);
         return true;
     });
-    if (failure)
-        Warn(kOpenFailed, *failure);
-    else
-        WarnOfDamage(viewer);
-    return !failure;
+    return failure ? std::optional(message(kOpenFailed, *failure)) : std::nullopt;
 }
 
-void CTavixDoc::WarnOfDamage(const PrViewer& viewer) {
-    if (const KvbString warning = viewer.getRunWarning(); !warning.isNull())
+void CTavixDoc::WarnOfDamage() const {
+    const KvbString warning = m_viewer ? m_viewer->getRunWarning() : KvbString();
+    if (!warning.isNull())
         m_messages.warn(warning.str());
 }
 
@@ -130,8 +138,6 @@ void CTavixDoc::LoadMetricDisplayList(const PrViewer& viewer) {
 }
 
 void CTavixDoc::Clear() {
-    if (m_viewer)
-        m_viewer->close();
     m_viewer.reset();
     m_logins.Clear();
     m_jobId = -1;
@@ -164,7 +170,6 @@ bool CTavixDoc::SetCurrentJob(int runId) {
 
 void CTavixDoc::EnterRun(int runId) {
     m_currentRun = runId;
-    WarnOfDamage(*m_viewer);
     m_filter = {};
     m_collections.clear();
     RefreshRunCount();
@@ -175,15 +180,22 @@ void CTavixDoc::EnterRun(int runId) {
     }
     if (m_tasks && !m_tasks->Restore())
         m_frame.Broadcast(RefreshHint::TaskListLost);
+    // Last: another report may be opened while the message is on the screen.
+    WarnOfDamage();
 }
 
 void CTavixDoc::DeleteHistory(const std::function<bool(HistoryDeletion&)>& ask) {
     if (!m_viewer)
         return;
+    const std::shared_ptr<PrViewer> asked = m_viewer;
     HistoryDeletion deletion;
     // A negative bound would mean to the library that there is none.
     if (!ask(deletion) || deletion.bound < 0)
         return;
+    if (m_viewer != asked) {
+        m_messages.warn(kHistoryClosed);
+        return;
+    }
     m_frame.Broadcast(RefreshHint::HistoryDeletion);
     if (m_tasks)
         m_tasks->Save();

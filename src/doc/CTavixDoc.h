@@ -14,6 +14,7 @@
 #include <array>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -75,13 +76,14 @@ class CTavixDoc {
     /// Optional; must outlive the document or be taken back with null.
     void SetTaskListKeeper(TaskListKeeper* keeper) { m_tasks = keeper; }
 
-    /// Opens a report in place of the present one. When it fails the document has no report.
+    /// Opens a report in place of the present one. When it fails, after a message, the document has no report.
     bool OpenReport(const KvbString& connection, int jobId);
     /// No report, no session, the title "Untitled"; broadcasts nothing.
     void Clear();
     /// True with nothing done when `runId` is current already.
     bool SetCurrentJob(int runId);
-    /// `ask` shows the delete-history dialog; false means that it was not closed with OK.
+    /// `ask` shows the delete-history dialog; false means that it was not closed with OK. When the report that was
+    /// asked about is not the open one any more, nothing is deleted and a message says so.
     void DeleteHistory(const std::function<bool(HistoryDeletion&)>& ask);
     /// After the Options dialog was closed with OK: keeps `metrics` as the display list, writes it to the settings and
     /// broadcasts hint 5. `saved` is how writing the other options went: there is one message for both.
@@ -128,15 +130,20 @@ class CTavixDoc {
     /// Who the user is to the databases that drill-through reads; forgotten with the report.
     [[nodiscard]] SourceLogins& GetSourceLogins() { return m_logins; }
     /// The session; null without a report.
+    /// Shows what a glance tells of damage in the current run, if anything. To be called when the report is shown.
+    void WarnOfDamage() const;
     [[nodiscard]] PrViewer* GetViewer() const { return m_viewer.get(); }
+    /// The same, for functions under which another report may be opened: it stays open while they hold it, and tells
+    /// them afterwards whether it is still that of the report.
+    [[nodiscard]] std::shared_ptr<PrViewer> GetSession() const { return m_viewer; }
     [[nodiscard]] SettingsStore& GetSettings() const { return m_settings; }
     [[nodiscard]] Messages& GetMessages() const { return m_messages; }
 
   private:
     [[nodiscard]] int TabOf(ReportPaneKind view, NavigatorPage mode) const;
     void Warn(std::string_view leadIn, std::string_view libraryText) const;
-    bool SetUp(PrViewer& viewer, int jobId);
-    void WarnOfDamage(const PrViewer& viewer);
+    /// Why it failed, as a whole message; nothing when it succeeded.
+    std::optional<std::string> SetUp(PrViewer& viewer, int jobId);
     void LoadMetricDisplayList(const PrViewer& viewer);
     void ReloadTaskList();
     void RefreshRunCount();
@@ -147,7 +154,7 @@ class CTavixDoc {
     Messages& m_messages;
     TaskListKeeper* m_tasks = nullptr;
     SourceLogins m_logins; ///< before the session, which asks it
-    PrViewer::Handle m_viewer;
+    std::shared_ptr<PrViewer> m_viewer;
     int m_jobId = -1;
     int m_currentRun = -1;
     int m_runCount = 0;

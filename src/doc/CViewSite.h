@@ -4,6 +4,8 @@
 #include "doc/NavigateRequest.h"
 #include "doc/ReportSelection.h"
 
+#include <string>
+
 namespace tavix {
 
 class CTavixDoc;
@@ -22,10 +24,15 @@ class CViewSite {
     virtual void SelectionChanged(NavigatorPage page, const ReportSelection& selection) = 0;
     /// Selects a field of the selected table or collection; false when it has none of that id.
     virtual bool SelectField(int fieldId) = 0;
+    /// Selects a field of that table or collection and brings the frame to the front; false without such a field.
+    virtual bool OpenField(const ReportSelection& owner, int fieldId) = 0;
     /// Goes to a figure of a table; false, without a message, when there is no such table.
     virtual bool Navigate(const NavigateRequest& request) = 0;
     /// What is known about the table or field, for a dialog; "" when it is neither or cannot be read.
     [[nodiscard]] virtual std::string GetDetailsText(const ReportSelection& selection) = 0;
+    /// Shows a message as soon as what is going on is over. Of several that come up meanwhile the first one is shown:
+    /// who calls this says in its own place what it lacks.
+    virtual void WarnSoon(const std::string& text) = 0;
     /// Tells every pane but the sender.
     virtual void Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) = 0;
 };

@@ -21,7 +21,11 @@ std::optional<source::Credentials> SourceLogins::Answer(const std::string& sourc
     m_known.erase(source);
     if (!m_ask)
         return std::nullopt;
+    const int cleared = m_cleared;
     auto answer = m_ask(question);
+    // The report for which the user was asked is closed.
+    if (cleared != m_cleared)
+        return std::nullopt;
     if (answer)
         m_known[source] = *answer;
     else
@@ -32,6 +36,7 @@ std::optional<source::Credentials> SourceLogins::Answer(const std::string& sourc
 void SourceLogins::Clear() {
     m_known.clear();
     m_declined.reset();
+    ++m_cleared;
 }
 
 } // namespace tavix

@@ -37,6 +37,7 @@ class SourceLogins {
     Ask m_ask;
     std::map<std::string, source::Credentials> m_known; ///< by source
     std::optional<std::string> m_declined;
+    int m_cleared = 0; ///< how often, to notice that it happened while the user was asked
 };
 
 } // namespace tavix

@@ -77,6 +77,26 @@ xcb_window_t topLevelOf(xcb_connection_t* display, xcb_window_t window) {
     return path.empty() ? window : path.back();
 }
 
+QtMessageHandler nextHandler = nullptr;
+
+// The toolkit makes the view the owner of each window that it creates for a child of it, finds that the view is not at
+// the top itself, and warns. The right owner is set when the window is shown, before the screen knows of it.
+void withoutOwnerWarning(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    if (!text.endsWith(QLatin1String("must be a top level window.")))
+        nextHandler(type, context, text);
+}
+
+void installHandlerOnce() {
+    if (!nextHandler)
+        nextHandler = qInstallMessageHandler(withoutOwnerWarning);
+}
+
+// Menus, lists that drop down and tips are placed by the toolkit, without the window manager.
+bool isManaged(const QWidget& window) {
+    const Qt::WindowType type = window.windowType();
+    return type == Qt::Window || type == Qt::Dialog || type == Qt::Tool;
+}
+
 } // namespace
 
 std::unique_ptr<ForeignParent> ForeignParent::Embed(QWidget& view, NativeWindow parent) {
@@ -91,6 +111,7 @@ ForeignParent::ForeignParent(QWidget& view, NativeWindow parent)
     : m_view(view), m_parent(QWindow::fromWinId(static_cast<WId>(parent))) {
     if (!m_parent)
         return;
+    installHandlerOnce();
     m_view.setWindowFlags(Qt::FramelessWindowHint);
     m_window = static_cast<NativeWindow>(m_view.winId());
     m_view.windowHandle()->setParent(m_parent.get());
@@ -102,6 +123,16 @@ ForeignParent::ForeignParent(QWidget& view, NativeWindow parent)
 
 ForeignParent::~ForeignParent() {
     qApp->removeNativeEventFilter(this);
+}
+
+void ForeignParent::Release() {
+    OfferKey = {};
+    Lost = {};
+    qApp->removeEventFilter(this);
+    if (!isWindow(connection(), static_cast<xcb_window_t>(m_window)))
+        return;
+    m_view.hide();
+    m_view.windowHandle()->setParent(nullptr);
 }
 
 void ForeignParent::TakeFocus() {
@@ -143,16 +174,19 @@ bool ForeignParent::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::KeyPress: {
         const auto& key = static_cast<const QKeyEvent&>(*event);
         const bool isTab = key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab;
-        if (isTab && widget == m_view.focusWidget() && OfferKey && OfferKey(key))
+        // The call may release this object, which drops the function that runs.
+        if (const auto offer = OfferKey; isTab && offer && widget == m_view.focusWidget() && offer(key))
             return true;
         break;
     }
     case QEvent::Show:
         // The toolkit takes the embedded view for the top-level window, which the window manager has never heard of.
-        if (widget != &m_view && (widget->windowFlags() & Qt::Dialog) == Qt::Dialog && Owns(widget)) {
+        if (widget != &m_view && isManaged(*widget) && Owns(widget)) {
             if (xcb_connection_t* display = connection(); display && widget->windowHandle()) {
                 const xcb_window_t top = topLevelOf(display, static_cast<xcb_window_t>(m_window));
-                m_topLevel.reset(QWindow::fromWinId(top));
+                // Windows that are open keep the one that they have.
+                if (!m_topLevel || m_topLevel->winId() != top)
+                    m_topLevel.reset(QWindow::fromWinId(top));
                 widget->windowHandle()->setTransientParent(m_topLevel.get());
             }
         }

@@ -28,6 +28,10 @@ class ForeignParent final : public QObject, public QAbstractNativeEventFilter {
     /// The window of the view is gone, because the shell destroyed its parent. Called from the event loop.
     std::function<void()> Lost;
 
+    /// Hides the view and takes it out of the window, for a view that is destroyed later than the window may be. Calls
+    /// nobody any more.
+    void Release();
+
     [[nodiscard]] NativeWindow GetWindow() const { return m_window; }
     void TakeFocus();
     /// Whether the windowing system sends keys to the view's window or one in it.

@@ -83,6 +83,24 @@ QString textOf(int key, Qt::KeyboardModifiers held) {
     return held & Qt::ShiftModifier ? QString(character) : QString(character.toLower());
 }
 
+// A text of one character; empty for what nobody can type.
+QString characterOf(std::uintptr_t codePoint) {
+    constexpr std::uintptr_t kDelete = 0x7f;
+    constexpr std::uintptr_t kLastControl = 0x9f;
+    constexpr std::uintptr_t kLast = 0x10ffff;
+    if (codePoint < ' ' || (codePoint >= kDelete && codePoint <= kLastControl) || codePoint > kLast)
+        return {};
+    const auto character = static_cast<char32_t>(codePoint);
+    return QChar::isSurrogate(character) ? QString() : QString::fromUcs4(&character, 1);
+}
+
+// The keys of the first 256 characters have the number of the capital letter.
+int keyOfCharacter(const QString& character) {
+    constexpr char16_t kLatin = 0x100;
+    const char16_t unit = character.at(0).toUpper().unicode();
+    return character.size() == 1 && unit < kLatin ? int{unit} : Qt::Key_unknown;
+}
+
 } // namespace
 
 bool isKeyDown(const NativeMessage& message) {
@@ -90,6 +108,12 @@ bool isKeyDown(const NativeMessage& message) {
 }
 
 std::unique_ptr<QKeyEvent> toKeyEvent(const NativeMessage& message) {
+    if (message.Message == NativeMessageId::Character) {
+        const QString character = characterOf(message.WParam);
+        if (character.isEmpty())
+            return nullptr;
+        return std::make_unique<QKeyEvent>(QEvent::KeyPress, keyOfCharacter(character), Qt::NoModifier, character);
+    }
     const bool up = message.Message == NativeMessageId::KeyUp || message.Message == NativeMessageId::SystemKeyUp;
     int key = keyOf(message.WParam);
     if (key == 0 || (!up && !isKeyDown(message)))

@@ -13,6 +13,9 @@ inline constexpr std::uint32_t Size = 0x0005;     ///< LParam: width in the low 
 inline constexpr std::uint32_t SetFocus = 0x0007; ///< the window was given the keyboard
 inline constexpr std::uint32_t KeyDown = 0x0100;  ///< WParam: the key
 inline constexpr std::uint32_t KeyUp = 0x0101;    ///< WParam: the key
+/// WParam: the Unicode code point of a character that was typed. Letters, digits and the space are typed by KeyDown as
+/// well, so a shell sends one message or the other for them.
+inline constexpr std::uint32_t Character = 0x0102;
 inline constexpr std::uint32_t SystemKeyDown = 0x0104; ///< a key with Alt held; WParam: the key
 inline constexpr std::uint32_t SystemKeyUp = 0x0105;   ///< a key with Alt held; WParam: the key
 inline constexpr std::uint32_t Command = 0x0111;       ///< WParam: a command number

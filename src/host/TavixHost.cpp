@@ -3,7 +3,7 @@
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
 #include "base/GenException.h"
-#include "doc/CTavixApp.h"
+#include "base/ui/NestedLoop.h"
 #include "doc/Settings.h"
 #include "doc/ui/CTavixView.h"
 #include "host/HostWindow.h"
@@ -45,19 +45,20 @@ std::string dateText(tavix::LibraryDate date) {
 
 } // namespace
 
-TavixHost::TavixHost()
-    : m_app(std::make_unique<tavix::CTavixApp>()), m_messages(nullptr), m_window(std::make_unique<Window>()) {}
+TavixHost::TavixHost() : m_app(std::make_shared<tavix::CTavixApp>()), m_messages(nullptr), m_window(MakeWindow()) {}
 
 TavixHost::TavixHost(tavix::Messages& messages)
-    : m_app(std::make_unique<tavix::CTavixApp>()), m_messages(&messages), m_window(std::make_unique<Window>()) {}
+    : m_app(std::make_shared<tavix::CTavixApp>()), m_messages(&messages), m_window(MakeWindow()) {}
 
 TavixHost::TavixHost(tavix::Messages& messages, std::unique_ptr<tavix::SettingsStore> settings)
-    : m_app(std::make_unique<tavix::CTavixApp>(std::move(settings))),
-      m_messages(&messages),
-      m_window(std::make_unique<Window>()) {}
+    : m_app(std::make_shared<tavix::CTavixApp>(std::move(settings))), m_messages(&messages), m_window(MakeWindow()) {}
 
 TavixHost::~TavixHost() {
     Dispose();
+}
+
+std::unique_ptr<TavixHost::Window> TavixHost::MakeWindow() {
+    return std::make_unique<Window>(*this, m_app, m_messages);
 }
 
 tavix::CTavixView* TavixHost::View() const {
@@ -65,15 +66,42 @@ tavix::CTavixView* TavixHost::View() const {
 }
 
 tavix::Messages& TavixHost::GetMessages() const {
-    return m_messages ? *m_messages : m_window->boxes;
+    return m_window->messages;
+}
+
+bool TavixHost::IsDialogOpen() const {
+    return tavix::NestedLoops::instance().isDialogOpen();
+}
+
+bool TavixHost::RefusesNow() const {
+    if (!View() || !IsDialogOpen())
+        return false;
+    // A shell that tries again and again does not fill the screen with messages.
+    Window& window = *m_window;
+    if (std::exchange(window.isRefusing, true))
+        return true;
+    const tavix::NestedLoop keepsWindow(tavix::NestedLoop::Kind::Other);
+    window.messages.warn("The report has an open dialog. Close it first.", {});
+    window.isRefusing = false;
+    return true;
 }
 
 void TavixHost::AddView(tavix::CTavixView& view) {
     m_window->view = &view;
     m_window->boxes.setWindow(&view);
-    view.SetDeleteHistoryRequest([this] { DeleteHistory(); });
-    view.SetCredentialsRequest([this] { GetAuthSvrCredentials(); });
-    view.SetRunsChanged([this] { RunsChangedEvent.Raise(*this); });
+    // Their handlers may end the window under the functions of the view that raise them.
+    view.SetDeleteHistoryRequest([this] {
+        const tavix::NestedLoop handlers(tavix::NestedLoop::Kind::Other);
+        DeleteHistory();
+    });
+    view.SetCredentialsRequest([this] {
+        const tavix::NestedLoop handlers(tavix::NestedLoop::Kind::Other);
+        GetAuthSvrCredentials();
+    });
+    view.SetRunsChanged([this] {
+        const tavix::NestedLoop handlers(tavix::NestedLoop::Kind::Other);
+        RunsChangedEvent.Raise(*this);
+    });
 }
 
 NativeWindow TavixHost::BuildWindowCore(NativeWindow parent) {
@@ -83,9 +111,10 @@ NativeWindow TavixHost::BuildWindowCore(NativeWindow parent) {
     if (!m_window->parent)
         return 0;
     m_window->parent->OfferKey = [this](const QKeyEvent& key) {
-        return m_window->keyboard && TellSiteAtLastStop(toNativeMessage(key, m_window->parent->GetWindow()));
+        const tavix::NestedLoop site(tavix::NestedLoop::Kind::Other);
+        return TellSiteAtLastStop(toNativeMessage(key, m_window->parent->GetWindow()));
     };
-    m_window->parent->Lost = [window = m_window.get()] { window->DestroyWhenIdle(); };
+    m_window->parent->Lost = [this] { Dispose(); };
     AddView(*view.release());
     OnTavixWindowCreated.Raise(*this);
     return m_window->parent ? m_window->parent->GetWindow() : 0;
@@ -94,6 +123,10 @@ NativeWindow TavixHost::BuildWindowCore(NativeWindow parent) {
 QWidget* TavixQtWindow::Build(TavixHost& host, QWidget* parent) {
     host.Dispose();
     host.AddView(*new tavix::CTavixView(*host.m_app, host.GetMessages(), parent));
+    // A parent tells of its end before it destroys its children, of which the view may be in use.
+    if (parent)
+        host.m_window->ownerGone =
+            QObject::connect(parent, &QObject::destroyed, host.View(), [&host] { host.Dispose(); });
     host.OnTavixWindowCreated.Raise(host);
     return host.View();
 }
@@ -104,7 +137,13 @@ void TavixHost::DestroyWindowCore(NativeWindow window) {
 }
 
 void TavixHost::Dispose() {
-    m_window->Destroy();
+    std::unique_ptr<Window> gone = std::exchange(m_window, MakeWindow());
+    m_window->keyboard = gone->keyboard;
+    auto& loops = tavix::NestedLoops::instance();
+    if (!gone->view || !loops.areRunning())
+        return;
+    gone->Retire();
+    loops.whenOver([kept = std::shared_ptr<Window>(std::move(gone))] {});
 }
 
 bool TavixHost::ReportExists(int jobId, const TavixConnection* connection) {
@@ -146,7 +185,8 @@ tavix::Result<std::vector<TavixReportInfo>> TavixHost::GetReports(const TavixCon
 }
 
 bool TavixHost::LoadReportForJob(const std::string& text, int jobId, const TavixConnection* connection) {
-    return View() && connection && View()->LoadReportForJob(text, jobId, connection->GetConnectionString());
+    return View() && connection && !RefusesNow() && View() &&
+           View()->LoadReportForJob(text, jobId, connection->GetConnectionString());
 }
 
 std::vector<TavixRunInfo> TavixHost::GetJobRuns() const {
@@ -167,31 +207,34 @@ int TavixHost::GetCurrentRun() const {
 }
 
 bool TavixHost::SetCurrentRun(int runId) {
-    return View() && View()->GetTavixDoc().SetCurrentJob(runId);
+    return View() && !RefusesNow() && View()->GetTavixDoc().SetCurrentJob(runId);
 }
 
 bool TavixHost::SelectTable(const std::string& dataSource, const std::string& connectionType,
                             const std::string& qualifier1, const std::string& qualifier2, const std::string& table) {
-    return View() && View()->SelectTable(dataSource, connectionType, qualifier1, qualifier2, table);
+    return View() && !RefusesNow() && View()->SelectTable(dataSource, connectionType, qualifier1, qualifier2, table);
 }
 
 int TavixHost::AddCurrentFieldToCollection(int collectionId) {
-    return View() ? View()->AddCurrentFieldToCollection(collectionId) : 0;
+    return View() && !RefusesNow() ? View()->AddCurrentFieldToCollection(collectionId) : 0;
 }
 
 void TavixHost::DeleteHistory() {
     // A handler may keep the callback until the user has answered, and the view may be gone by then.
-    DeleteHistoryEvent.Raise([view = m_window->view] {
-        if (view)
+    DeleteHistoryEvent.Raise([this, view = m_window->view] {
+        // As long as the view is in use, so is the host.
+        if (view && !view->IsRetired() && !RefusesNow())
             view->DeleteHistory();
     });
 }
 
 void TavixHost::GetAuthSvrCredentials() {
     TavixAuthSvrInfo info;
+    // A handler may end the window, or the host.
+    const QPointer<tavix::CTavixView> view = m_window->view;
     GetAuthSvrCreds.Raise(info);
-    if (View())
-        View()->SetAuthSvrCreds(info.UserID, info.Password);
+    if (view)
+        view->SetAuthSvrCreds(info.UserID, info.Password);
 }
 
 std::vector<TavixCommandInfo> TavixHost::GetCommands() {
@@ -205,7 +248,12 @@ std::vector<TavixCommandInfo> TavixHost::GetCommands() {
 }
 
 bool TavixHost::ExecuteCommand(int commandId) {
-    return View() && View()->GetTavixMain().Execute(commandId);
+    if (!View())
+        return false;
+    // An unknown command is not refused but not handled.
+    if (IsDialogOpen() && View()->GetTavixMain().Update(commandId).handled)
+        return RefusesNow();
+    return View()->GetTavixMain().Execute(commandId);
 }
 
 TavixCommandState TavixHost::ExecuteUpdateUICommand(int commandId) const {
@@ -213,7 +261,7 @@ TavixCommandState TavixHost::ExecuteUpdateUICommand(int commandId) const {
         return {};
     const tavix::CommandState state = View()->GetTavixMain().Update(commandId);
     const bool allowed = commandId != static_cast<int>(CommandId::DeleteHistory) || DeleteHistoryEvent.HasHandlers();
-    return {state.handled, state.enabled && allowed, state.checked};
+    return {state.handled, state.enabled && allowed && !IsDialogOpen(), state.checked};
 }
 
 std::string TavixHost::GetReportTitle() const {

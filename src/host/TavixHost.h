@@ -20,9 +20,13 @@ class CTavixView;
 namespace Veldra::Solenne::Tavix {
 
 /// The viewer as a desktop shell sees it, whatever the shell's toolkit. All calls belong to the one thread on which the
-/// toolkit of the viewer was started (TavixEventLoop), and none may be made from within another one's handler other
-/// than those that only ask. Before a window is built and after it is gone every operation answers as it does without
-/// a report.
+/// toolkit of the viewer was started (TavixEventLoop). Before a window is built and after it is gone every operation
+/// answers as it does without a report.
+///
+/// From within a handler, and while a dialog is open, a shell may ask, size the window, and end it: Dispose,
+/// DestroyWindowCore and the destructor close the dialogs and return; what is below them on the stack goes on with an
+/// empty view, which is destroyed when nothing uses it any more. Operations that would change the report under an open
+/// dialog are refused with a message: see IsDialogOpen.
 class TavixHost {
   public:
     /// Settings from the user's settings file, messages as boxes over the viewer.
@@ -44,6 +48,14 @@ class TavixHost {
     TavixEvent<TavixAuthSvrInfo&> GetAuthSvrCreds;
     /// The list of runs or the current run may be another.
     TavixEvent<TavixHost&> RunsChangedEvent;
+    /// A dialog was opened (true), or the last one that was open is closed and the call that opened it has returned
+    /// (false). Raised from the event loop.
+    TavixEvent<TavixHost&, bool> DialogEvent;
+
+    /// A dialog, a message or the progress of a reading is on the screen. Until it is closed LoadReportForJob,
+    /// SetCurrentRun, SelectTable, AddCurrentFieldToCollection and the callback of DeleteHistoryEvent are refused after
+    /// a message, and commands are disabled; the report stays as it is.
+    [[nodiscard]] bool IsDialogOpen() const;
 
     /// Makes the view as a child of `parent`, fills it, shows it, and answers its window, which the shell may move and
     /// resize. 0 when `parent` is no window, or on a windowing system that cannot put a window into one of another
@@ -57,7 +69,8 @@ class TavixHost {
     /// Whether the message was handled; see NativeMessageId.
     bool WndProc(NativeMessage& message);
 
-    /// False when nobody handles the command.
+    /// False when nobody handles the command. While a dialog is open a command that somebody handles is refused with a
+    /// message.
     bool ExecuteCommand(int commandId);
     [[nodiscard]] TavixCommandState ExecuteUpdateUICommand(int commandId) const;
     [[nodiscard]] static std::vector<TavixCommandInfo> GetCommands();
@@ -92,7 +105,7 @@ class TavixHost {
     /// For a shell that sees the keys before the viewer does: Tab on the last tab stop and Shift+Tab on the first go to
     /// the keyboard site, any other key-down to the control that has the keyboard. Whether it was handled.
     bool TranslateAccelerator(const NativeMessage& message);
-    /// Hands a key message to the control that has the keyboard. Whether it was handled.
+    /// Hands a key or character message to the control that has the keyboard. Whether it was handled.
     bool ConvertMessage(const NativeMessage& message);
 
     /// Raises DeleteHistoryEvent.
@@ -118,9 +131,13 @@ class TavixHost {
     [[nodiscard]] tavix::CTavixView* View() const;
     void AddView(tavix::CTavixView& view);
     [[nodiscard]] tavix::Messages& GetMessages() const;
+    [[nodiscard]] std::unique_ptr<Window> MakeWindow();
+    [[nodiscard]] bool RefusesNow() const;
+    /// Brings the dialog that is open to the front; false when none is.
+    bool FocusDialog() const;
     bool TellSiteAtLastStop(const NativeMessage& message);
 
-    std::unique_ptr<tavix::CTavixApp> m_app;
+    std::shared_ptr<tavix::CTavixApp> m_app;
     tavix::Messages* m_messages; ///< the shell's; null for boxes of our own
     std::unique_ptr<Window> m_window;
 };

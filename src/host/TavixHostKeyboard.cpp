@@ -1,3 +1,5 @@
+#include "base/ui/NestedLoop.h"
+#include "doc/CReportPane.h"
 #include "doc/ui/CTavixView.h"
 #include "host/HostWindow.h"
 #include "host/KeyMessage.h"
@@ -34,16 +36,25 @@ bool TavixHost::HasFocus() const {
 }
 
 void TavixHost::SetInternalFocus() {
-    if (!View())
+    if (!View() || FocusDialog())
         return;
     if (m_window->parent)
         m_window->parent->TakeFocus();
     View()->SetInternalFocus();
 }
 
+bool TavixHost::FocusDialog() const {
+    QWidget* dialog = IsDialogOpen() ? QApplication::activeModalWidget() : nullptr;
+    if (dialog)
+        dialog->activateWindow();
+    return dialog != nullptr;
+}
+
 bool TavixHost::TabInto(FocusNavigation request) {
     if (!View())
         return false;
+    if (FocusDialog())
+        return true;
     if (m_window->parent)
         m_window->parent->TakeFocus();
     const bool atLast = request == FocusNavigation::Last;
@@ -57,7 +68,7 @@ void TavixHost::SetKeyboardSite(TavixKeyboardSite* site) {
 }
 
 bool TavixHost::TellSiteAtLastStop(const NativeMessage& message) {
-    if (message.Message != NativeMessageId::KeyDown || message.WParam != NativeKey::Tab || !m_window->keyboard)
+    if (message.Message != NativeMessageId::KeyDown || message.WParam != NativeKey::Tab || !View())
         return false;
     if ((message.Modifiers & (NativeModifier::Control | NativeModifier::Alt)) != 0)
         return false;
@@ -65,7 +76,12 @@ bool TavixHost::TellSiteAtLastStop(const NativeMessage& message) {
     const QWidget* stop = back ? View()->GetFirstTabStop() : View()->GetLastTabStop();
     if (!isOrHolds(stop, View()->focusWidget()))
         return false;
-    m_window->keyboard->OnNoMoreTabStops(back ? FocusNavigation::Previous : FocusNavigation::Next);
+    if (m_window->keyboard)
+        m_window->keyboard->OnNoMoreTabStops(back ? FocusNavigation::Previous : FocusNavigation::Next);
+    else if (m_window->parent) // The toolkit would leave it to the window around the view to go on.
+        TabInto(back ? FocusNavigation::Last : FocusNavigation::First);
+    else
+        return false;
     return true;
 }
 
@@ -76,7 +92,8 @@ bool TavixHost::TranslateAccelerator(const NativeMessage& message) {
 }
 
 bool TavixHost::ConvertMessage(const NativeMessage& message) {
-    const auto event = View() ? toKeyEvent(message) : nullptr;
+    // The keys of a dialog are the dialog's, which has a window of its own.
+    const auto event = View() && !IsDialogOpen() ? toKeyEvent(message) : nullptr;
     if (!event)
         return false;
     QWidget* focused = View()->focusWidget() ? View()->focusWidget() : View()->GetFirstTabStop();
@@ -93,8 +110,10 @@ bool TavixHost::WndProc(NativeMessage& message) {
         return false;
     switch (message.Message) {
     case NativeMessageId::Size:
-        View()->resize(static_cast<int>(message.LParam & kSizeMask),
-                       static_cast<int>((message.LParam >> kSizeBits) & kSizeMask));
+        // The toolkit counts in units of its own on a scaled screen.
+        View()->resize(QSize(static_cast<int>(message.LParam & kSizeMask),
+                             static_cast<int>((message.LParam >> kSizeBits) & kSizeMask)) /
+                       View()->devicePixelRatioF());
         return true;
     case NativeMessageId::SetFocus:
         SetInternalFocus();
@@ -102,7 +121,7 @@ bool TavixHost::WndProc(NativeMessage& message) {
     case NativeMessageId::Command:
         return ExecuteCommand(static_cast<int>(message.WParam));
     case NativeMessageId::LastTabStop:
-        message.Result = View()->GetLastTabStop() != View()->GetFirstTabStop();
+        message.Result = View()->GetReportPane().GetLastTabStop() != nullptr;
         return true;
     case NativeMessageId::CloseTableInformation:
         View()->OnCloseTableInformation();

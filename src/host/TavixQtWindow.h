@@ -10,7 +10,8 @@ class TavixHost;
 /// stands in for TavixHost::BuildWindowCore; Tab then walks through shell and viewer alike.
 class TavixQtWindow {
   public:
-    /// The view, a child of `parent` and owned by it. A host has one window at a time: the one before is destroyed.
+    /// The view, a child of `parent` and owned by it, which may be destroyed at any time, also under an open dialog. A
+    /// host has one window at a time: the one before is destroyed.
     static QWidget* Build(TavixHost& host, QWidget* parent);
 };
 

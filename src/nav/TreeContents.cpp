@@ -130,6 +130,7 @@ bool TreeContents::Fetch(TreeNode& node) {
     }
     if (!done)
         node.children.clear();
+    node.failed = !done;
     return done;
 }
 
@@ -262,6 +263,7 @@ TreeNode* TreeContents::FindFirstTable(TreeNode& node) {
 
 TreeNode* TreeContents::FindTable(const std::string& dataSource, const std::string& qualifier1,
                                   const std::string& qualifier2, const std::string& table, int mode) {
+    Retry(*m_root);
     Open(*m_root);
     for (const auto& source : m_root->children) {
         if (source->name == dataSource && source->sourceKind == mode)
@@ -272,6 +274,7 @@ TreeNode* TreeContents::FindTable(const std::string& dataSource, const std::stri
 
 TreeNode* TreeContents::FindTableBelow(TreeNode& node, const std::string& qualifier1, const std::string& qualifier2,
                                        const std::string& table) {
+    Retry(node);
     Open(node);
     for (const auto& child : node.children) {
         const bool entered = (child->kind == TreeNodeKind::Catalog && child->name == qualifier1) ||
@@ -282,6 +285,27 @@ TreeNode* TreeContents::FindTableBelow(TreeNode& node, const std::string& qualif
         }
         if (child->kind == TreeNodeKind::Table && child->name == table)
             return child.get();
+    }
+    return nullptr;
+}
+
+TreeNode* TreeContents::FindObject(const ReportSelection& object) {
+    if (object.kind == ReportSelection::Kind::Table)
+        return FindById(*m_root, TreeNodeKind::Table, object.table.id);
+    return object.kind == ReportSelection::Kind::Collection ? FindById(*m_root, TreeNodeKind::Collection, object.id)
+                                                            : nullptr;
+}
+
+TreeNode* TreeContents::FindById(TreeNode& node, TreeNodeKind kind, int id) {
+    Open(node);
+    for (const auto& child : node.children) {
+        if (child->kind == kind && child->id == id)
+            return child.get();
+        // Fields are not looked through for a table.
+        if (child->kind == TreeNodeKind::Table || child->kind == TreeNodeKind::Collection)
+            continue;
+        if (TreeNode* found = FindById(*child, kind, id))
+            return found;
     }
     return nullptr;
 }

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tavix {
@@ -41,6 +42,7 @@ struct TreeNode {
     int row = 0; ///< among the parent's children
     bool mayHaveChildren = false;
     bool fetched = false;
+    bool failed = false; ///< fetched in vain
     std::vector<std::unique_ptr<TreeNode>> children;
 
     [[nodiscard]] TreeNodeKey key() const;
@@ -62,6 +64,8 @@ class TreeContents {
     /// Fetches the children of `node` unless they are there. False when the repository fails; GetErrorText() then says
     /// why, and the node counts as fetched and empty.
     bool Fetch(TreeNode& node);
+    /// Lets a node that was fetched in vain be fetched again.
+    static void Retry(TreeNode& node) { node.fetched = node.fetched && !std::exchange(node.failed, false); }
     [[nodiscard]] const std::string& GetErrorText() const { return m_error; }
 
     /// The searches below call this in place of Fetch, so that a model can tell its views of the nodes that come.
@@ -76,6 +80,8 @@ class TreeContents {
     /// there is none. `mode` is the kind of the data source.
     [[nodiscard]] TreeNode* FindTable(const std::string& dataSource, const std::string& qualifier1,
                                       const std::string& qualifier2, const std::string& table, int mode);
+    /// The table or collection; null when there is none of that id.
+    [[nodiscard]] TreeNode* FindObject(const ReportSelection& object);
     /// The next node that is wanted in the order of the tree, among those that are fetched: from `from` on, or behind
     /// it with `skipFirst`, once around the whole tree. Null when there is none. From the top for a null `from`.
     [[nodiscard]] TreeNode* FindLoaded(const TreeNode* from, bool skipFirst,
@@ -90,6 +96,7 @@ class TreeContents {
     bool FetchCollectionFields(TreeNode& node);
     bool FetchAnalyses(TreeNode& node);
     TreeNode* FindFirstTable(TreeNode& node);
+    TreeNode* FindById(TreeNode& node, TreeNodeKind kind, int id);
     TreeNode* FindTableBelow(TreeNode& node, const std::string& qualifier1, const std::string& qualifier2,
                              const std::string& table);
 

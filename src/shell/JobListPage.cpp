@@ -88,6 +88,13 @@ void JobListPage::setReports(const std::string& repository,
         m_list->setCurrentItem(m_list->topLevelItem(0));
 }
 
+void JobListPage::selectJob(int jobId) {
+    for (int row = 0; row < m_list->topLevelItemCount(); ++row) {
+        if (m_list->topLevelItem(row)->data(NameColumn, kJobRole).toInt() == jobId)
+            m_list->setCurrentItem(m_list->topLevelItem(row));
+    }
+}
+
 void JobListPage::focusList() {
     m_list->setFocus(Qt::OtherFocusReason);
 }

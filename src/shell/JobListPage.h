@@ -19,6 +19,8 @@ class JobListPage final : public QWidget {
     explicit JobListPage(QWidget* parent = nullptr);
 
     void setReports(const std::string& repository, const std::vector<Veldra::Solenne::Tavix::TavixReportInfo>& reports);
+    /// Makes the report the current one of the list.
+    void selectJob(int jobId);
     void focusList();
 
   Q_SIGNALS:

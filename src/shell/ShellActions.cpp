@@ -47,12 +47,18 @@ ShellActions::ShellActions(QMainWindow& window, TavixHost& host, ShellState& sta
     makeActions();
     makeToolBar();
     qApp->installEventFilter(this);
+    // Commands are disabled under a dialog, which a key in it makes visible here.
+    m_dialogs = m_host.DialogEvent.Attach([this](TavixHost&, bool) { update(m_repositoryOpen, m_reportShown); });
     // A narrow window puts what it has no room for behind these buttons, which Qt leaves without words.
     for (auto* more : window.findChildren<QToolButton*>()) {
         if (more->objectName() == QLatin1String("qt_menubar_ext_button") ||
             more->objectName() == QLatin1String("qt_toolbar_ext_button"))
             more->setAccessibleName(QStringLiteral("More"));
     }
+}
+
+ShellActions::~ShellActions() {
+    m_host.DialogEvent.Detach(m_dialogs);
 }
 
 void ShellActions::makeActions() {
@@ -84,6 +90,16 @@ void ShellActions::makeActions() {
         action->setStatusTip(toQString(info.StatusText));
         m_commands.push_back(action);
     }
+    // It closes the report at once, which its own name does not say.
+    QAction* close = command(CommandId::New);
+    close->setText(QStringLiteral("&Close Report"));
+    close->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_W));
+    m_reopen = new QAction(this);
+    m_reopen->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_T));
+    m_reopen->setStatusTip(QStringLiteral("Open the report again that was closed last"));
+    connect(m_reopen, &QAction::triggered, this, &ShellActions::reopenRequested);
+    report->insertAction(report->actions().value(report->actions().indexOf(close) + 1), m_reopen);
+    setClosedReport({});
     command(CommandId::ToggleTableInformation)->setCheckable(true);
     command(CommandId::ToggleTableInformation)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
     command(CommandId::ShowInvisible)->setCheckable(true);
@@ -123,6 +139,12 @@ void ShellActions::makeActions() {
                                           "or later.</p>")
                                .arg(QStringLiteral(TAVIX_VERSION)));
     });
+}
+
+void ShellActions::setClosedReport(const std::string& name) {
+    const QString shown = toQString(name).replace(u'&', QStringLiteral("&&"));
+    m_reopen->setText(name.empty() ? QStringLiteral("&Reopen Closed Report") : QStringLiteral("&Reopen %1").arg(shown));
+    m_reopen->setEnabled(!name.empty());
 }
 
 QAction* ShellActions::command(CommandId id) {

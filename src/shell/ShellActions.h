@@ -21,9 +21,12 @@ class ShellActions final : public QObject {
   public:
     /// All must outlive the actions, of which the window becomes the parent.
     ShellActions(QMainWindow& window, Veldra::Solenne::Tavix::TavixHost& host, ShellState& state);
+    ~ShellActions() override;
 
     /// Enables what can be done now.
     void update(bool repositoryOpen, bool reportShown);
+    /// The report that was closed last and can be opened again; "" when there is none.
+    void setClosedReport(const std::string& name);
     /// Lists the host's runs, the newest first.
     void fillRuns();
     /// As it is listed; "" without one.
@@ -35,6 +38,7 @@ class ShellActions final : public QObject {
     void repositoryChosen(const QString& path);
     void reportsRequested();
     void reloadRequested();
+    void reopenRequested();
     /// A command of the viewer was carried out, or another run was chosen.
     void changed();
 
@@ -51,12 +55,14 @@ class ShellActions final : public QObject {
     QMainWindow& m_window;
     Veldra::Solenne::Tavix::TavixHost& m_host;
     ShellState& m_state;
+    int m_dialogs = 0; ///< the token of our handler
     bool m_repositoryOpen = false;
     bool m_reportShown = false;
     QMenu* m_recentMenu = nullptr;
     QAction* m_open = nullptr;
     QAction* m_reportsAction = nullptr;
     QAction* m_reloadAction = nullptr;
+    QAction* m_reopen = nullptr;
     std::vector<QAction*> m_commands;
     QAction* m_runActions[2] = {};
     QComboBox* m_runs = nullptr;

@@ -17,6 +17,7 @@
 #include <QStatusBar>
 
 #include <algorithm>
+#include <utility>
 
 namespace tavix::shell {
 
@@ -73,6 +74,7 @@ ShellWindow::ShellWindow(TavixHost& host, Messages& messages)
     connect(m_actions, &ShellActions::repositoryChosen, this, &ShellWindow::openRepository);
     connect(m_actions, &ShellActions::reportsRequested, this, &ShellWindow::showReports);
     connect(m_actions, &ShellActions::reloadRequested, this, &ShellWindow::reload);
+    connect(m_actions, &ShellActions::reopenRequested, this, &ShellWindow::reopen);
     connect(m_actions, &ShellActions::changed, this, &ShellWindow::updateState);
     connect(m_welcome, &WelcomePage::openRequested, this, &ShellWindow::askForRepository);
     connect(m_welcome, &WelcomePage::recentChosen, this, &ShellWindow::openRepository);
@@ -128,6 +130,7 @@ bool ShellWindow::openRepository(const QString& file) {
     m_repository = path;
     m_reports = std::move(reports);
     m_jobId = -1;
+    forgetClosedReport();
     m_host.ExecuteCommand(static_cast<int>(CommandId::New));
     m_state.addRecentRepository(path);
     m_welcome->setRecent(m_state.recentRepositories());
@@ -141,6 +144,12 @@ bool ShellWindow::openRepository(const QString& file) {
 void ShellWindow::openLastRepository() {
     if (const auto recent = m_state.recentRepositories(); !recent.empty())
         openRepository(toQString(recent.front()));
+}
+
+std::string ShellWindow::reportName(int jobId) const {
+    const auto found = std::find_if(m_reports.begin(), m_reports.end(),
+                                    [jobId](const TavixReportInfo& report) { return report.JobID == jobId; });
+    return found == m_reports.end() ? std::string() : found->Name;
 }
 
 bool ShellWindow::openReportNamed(const std::string& job) {
@@ -165,6 +174,7 @@ bool ShellWindow::openReport(int jobId) {
         return false;
     }
     m_jobId = jobId;
+    forgetClosedReport();
     m_pages->setCurrentWidget(m_view);
     m_host.SetInternalFocus();
     m_actions->fillRuns();
@@ -198,6 +208,21 @@ void ShellWindow::reload() {
         showReports();
 }
 
+void ShellWindow::forgetClosedReport() {
+    m_closedJob = -1;
+    m_actions->setClosedReport({});
+}
+
+void ShellWindow::reopen() {
+    const int run = m_closedRun;
+    if (!openReport(m_closedJob))
+        return;
+    // The run may have been deleted meanwhile; then the latest is shown, without a word.
+    const std::vector<TavixRunInfo> runs = m_host.GetJobRuns();
+    if (std::any_of(runs.begin(), runs.end(), [run](const TavixRunInfo& each) { return each.ID == run; }))
+        m_host.SetCurrentRun(run);
+}
+
 void ShellWindow::showReports() {
     if (m_repository.empty())
         return showWelcome();
@@ -215,11 +240,16 @@ void ShellWindow::showWelcome() {
 void ShellWindow::updateState() {
     // "New" leaves the viewer without a report; the list of reports is where one goes from there.
     if (m_pages->currentWidget() == m_view && !m_host.HasReport()) {
-        m_jobId = -1;
+        m_closedJob = std::exchange(m_jobId, -1);
+        m_closedRun = m_runId;
+        m_actions->setClosedReport(reportName(m_closedJob));
+        m_jobs->selectJob(m_closedJob);
         m_pages->setCurrentWidget(m_repository.empty() ? static_cast<QWidget*>(m_welcome) : m_jobs);
         m_jobs->focusList();
     }
     const bool reportShown = m_pages->currentWidget() == m_view && m_host.HasReport();
+    if (reportShown)
+        m_runId = m_host.GetCurrentRun();
     m_actions->update(!m_repository.empty(), reportShown);
 
     QString title = QStringLiteral("Tavix");

@@ -49,7 +49,11 @@ class ShellWindow final : public QMainWindow {
     bool readReports(const std::string& path, std::vector<Veldra::Solenne::Tavix::TavixReportInfo>& reports);
     bool openReport(int jobId);
     void reload();
+    void reopen();
+    void forgetClosedReport();
     void updateState();
+    /// "" when the repository has no report of that job.
+    [[nodiscard]] std::string reportName(int jobId) const;
     void restoreWindow();
 
     Veldra::Solenne::Tavix::TavixHost& m_host;
@@ -58,6 +62,9 @@ class ShellWindow final : public QMainWindow {
     std::string m_repository; ///< "" while none is open
     std::vector<Veldra::Solenne::Tavix::TavixReportInfo> m_reports;
     int m_jobId = -1;
+    int m_runId = -1;     ///< the run that was shown last
+    int m_closedJob = -1; ///< the report that was closed last, and its run
+    int m_closedRun = -1;
     int m_runsChanged = 0; ///< the tokens of our handlers
     int m_deleteHistory = 0;
 

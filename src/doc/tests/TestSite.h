@@ -24,6 +24,8 @@ class TestSite final : public CViewSite, public DocumentFrame {
     }
     bool SelectField(int) override { return false; }
     bool Navigate(const NavigateRequest&) override { return false; }
+    bool OpenField(const ReportSelection&, int) override { return false; }
+    void WarnSoon(const std::string& text) override { document.GetMessages().warn(text); }
     [[nodiscard]] std::string GetDetailsText(const ReportSelection&) override { return {}; }
     void Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) override {
         sent.push_back(hint);

@@ -1,5 +1,6 @@
 #include "doc/ui/CDeleteHistoryDlg.h"
 
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "doc/ui/CRunTable.h"
 
@@ -117,10 +118,11 @@ bool CDeleteHistoryDlg::Ask(const CTavixDoc& doc, QWidget* parent, HistoryDeleti
     auto runs = doc.GetRuns();
     if (!runs)
         return false;
-    CDeleteHistoryDlg dialog({std::move(*runs), doc.GetCurrentJob()}, doc.GetMessages(), parent);
-    if (dialog.exec() != QDialog::Accepted)
+    ModalDialog<CDeleteHistoryDlg> dialog(DeleteHistoryModel(std::move(*runs), doc.GetCurrentJob()), doc.GetMessages(),
+                                          parent);
+    if (!dialog.isAccepted())
         return false;
-    deletion = dialog.Deletion();
+    deletion = dialog->Deletion();
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include "doc/ui/COptionsSheet.h"
 
+#include "base/ui/NestedLoop.h"
 #include "doc/CTavixDoc.h"
 #include "doc/ui/CGeneralPage.h"
 #include "doc/ui/CKnowledgePage.h"
@@ -50,11 +51,11 @@ void COptionsSheet::accept() {
 void COptionsSheet::Run(CTavixDoc& doc, QWidget* parent) {
     SettingsStore& settings = doc.GetSettings();
     auto metrics = doc.HasReport() ? doc.GetMetrics() : standardMetricDisplay(settings);
-    COptionsSheet sheet({settings, std::move(metrics)}, doc.GetMessages(), parent);
-    if (sheet.exec() != QDialog::Accepted)
+    ModalDialog<COptionsSheet> sheet(OptionsModel(settings, std::move(metrics)), doc.GetMessages(), parent);
+    if (!sheet.isAccepted())
         return;
-    const Status saved = sheet.Model().Save(settings);
-    doc.ApplyOptions(sheet.Model().Metrics(), saved);
+    const Status saved = sheet->Model().Save(settings);
+    doc.ApplyOptions(sheet->Model().Metrics(), saved);
 }
 
 } // namespace tavix

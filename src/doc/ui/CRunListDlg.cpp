@@ -1,5 +1,6 @@
 #include "doc/ui/CRunListDlg.h"
 
+#include "base/ui/NestedLoop.h"
 #include "doc/CTavixDoc.h"
 #include "doc/ui/CRunTable.h"
 
@@ -52,10 +53,10 @@ std::optional<int> CRunListDlg::Choose(const CTavixDoc& doc, QWidget* parent) {
     auto runs = doc.GetRuns();
     if (!runs)
         return std::nullopt;
-    CRunListDlg dialog(std::move(*runs), doc.GetCurrentJob(), parent);
-    if (dialog.exec() != QDialog::Accepted || dialog.SelectedRun() == -1)
+    ModalDialog<CRunListDlg> dialog(std::move(*runs), doc.GetCurrentJob(), parent);
+    if (!dialog.isAccepted() || dialog->SelectedRun() == -1)
         return std::nullopt;
-    return dialog.SelectedRun();
+    return dialog->SelectedRun();
 }
 
 } // namespace tavix

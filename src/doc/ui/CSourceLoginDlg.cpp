@@ -1,5 +1,6 @@
 #include "doc/ui/CSourceLoginDlg.h"
 
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
 
@@ -87,12 +88,12 @@ source::Credentials CSourceLoginDlg::GetCredentials() const {
 
 std::optional<source::Credentials> CSourceLoginDlg::Choose(const SourceLogins::Question& question, QWidget* window) {
     QWidget* const over = QApplication::activeModalWidget();
-    CSourceLoginDlg dialog(question, over ? over : window);
+    ModalDialog<CSourceLoginDlg> dialog(question, over ? over : window);
     // The source is asked for while the wait cursor is shown.
     QGuiApplication::setOverrideCursor(Qt::ArrowCursor);
-    const bool isGiven = dialog.exec() == QDialog::Accepted;
+    const bool isGiven = dialog.isAccepted();
     QGuiApplication::restoreOverrideCursor();
-    return isGiven ? std::optional(dialog.GetCredentials()) : std::nullopt;
+    return isGiven ? std::optional(dialog->GetCredentials()) : std::nullopt;
 }
 
 } // namespace tavix

@@ -2,6 +2,7 @@
 
 #include "access/Layouts.h"
 #include "base/GenException.h"
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "doc/CTavixApp.h"
 #include "doc/ConnectionCredentials.h"
@@ -14,13 +15,24 @@
 #include "nav/ui/CTables.h"
 #include "tabs/ui/TearOff.h"
 
+#include <QApplication>
+#include <QDialog>
+#include <QKeyEvent>
 #include <QStackedWidget>
+
+#include <utility>
 
 namespace tavix {
 
 namespace {
 
 constexpr int kAfterLoadMilliseconds = 250;
+
+bool isAncestorOfWindow(const QWidget& ancestor, const QWidget* window) {
+    while (window && window != &ancestor)
+        window = window->parentWidget();
+    return window != nullptr;
+}
 
 } // namespace
 
@@ -40,7 +52,7 @@ CTavixView::CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent
     SetPanes(m_navigator, m_reportPane);
 
     m_document->GetSourceLogins().SetAsk(
-        [this](const SourceLogins::Question& question) { return CSourceLoginDlg::Choose(question, window()); });
+        [this](const SourceLogins::Question& question) { return CSourceLoginDlg::Choose(question, this); });
     m_afterLoad.setSingleShot(true);
     m_afterLoad.setInterval(kAfterLoadMilliseconds);
     connect(&m_afterLoad, &QTimer::timeout, this, &CTavixView::AfterLoad);
@@ -51,8 +63,8 @@ CTavixView::CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent
 // The panes go before the document that they read.
 CTavixView::~CTavixView() {
     m_afterLoad.stop();
-    for (const QPointer<CTearOff>& window : m_tearOffs)
-        delete window;
+    for (const Detached& each : m_tearOffs)
+        delete each.window;
     SetPanes(nullptr, nullptr);
     SetInfoPane(nullptr);
     delete m_navigator;
@@ -67,14 +79,20 @@ void CTavixView::SetAuthSvrCreds(const std::string& userId, const std::string& p
 
 bool CTavixView::LoadReportForJob(const std::string& text, int jobId, const KvbString& connection) {
     const bool asks = lacksCredentials(connection.view());
-    if (asks && m_credentialsRequest)
-        m_credentialsRequest();
+    // The request may retire the view, which drops the function that runs.
+    if (const auto request = m_credentialsRequest; asks && request)
+        request();
+    if (m_isRetired)
+        return false;
     // Ids of another repository or job name other things; a detached view must not show them as its own.
-    if (jobId != m_document->GetJobId() || connection.view() != m_connection)
-        CloseTearOffs();
+    if (m_document->HasReport() && (jobId != m_document->GetJobId() || connection.view() != m_connection))
+        for (CTearOff* window : TearOffsOfReport())
+            window->Refresh(nullptr, RefreshHint::DocumentReset, 0);
     m_connection = connection.str();
     if (!m_document->OpenReport(asks ? withCredentials(connection.view(), m_userId, m_password) : connection, jobId)) {
-        OnNew();
+        // Another one may have been opened while the message was on the screen.
+        if (!m_document->HasReport())
+            OnNew();
         return false;
     }
     m_document->SetText(text);
@@ -84,10 +102,14 @@ bool CTavixView::LoadReportForJob(const std::string& text, int jobId, const KvbS
     if (m_wantsInfo && !m_info && HasLoadedTables())
         OpenTableInformation();
     m_afterLoad.start();
+    m_document->WarnOfDamage();
     return true;
 }
 
 void CTavixView::AfterLoad() {
+    // The selection must not change under an open dialog or a reading.
+    if (NestedLoops::instance().areRunning())
+        return m_afterLoad.start();
     if (!m_document->PostLoadCheck())
         Broadcast(RefreshHint::TaskListLost);
     m_navigator->SelectSomething();
@@ -112,8 +134,16 @@ QWidget* CTavixView::GetFirstTabStop() {
 }
 
 QWidget* CTavixView::GetLastTabStop() {
-    QWidget* last = GetReportPane().GetLastTabStop();
-    return last ? last : GetFirstTabStop();
+    if (QWidget* last = GetReportPane().GetLastTabStop())
+        return last;
+    QWidget* const first = GetFirstTabStop();
+    QWidget* last = first;
+    for (QWidget* next = first->nextInFocusChain(); next != first; next = next->nextInFocusChain()) {
+        const bool takesTab = (next->focusPolicy() & Qt::TabFocus) != 0 && next->isEnabled() && next->isVisibleTo(this);
+        if (takesTab && isAncestorOf(next) && !next->isWindow() && next->window() == window())
+            last = next;
+    }
+    return last;
 }
 
 int CTavixView::AddCurrentFieldToCollection(int collectionId) {
@@ -123,13 +153,34 @@ int CTavixView::AddCurrentFieldToCollection(int collectionId) {
 }
 
 void CTavixView::Refresh(CRefreshItem*, RefreshHint hint, int) {
-    if (hint == RefreshHint::DocumentReset) {
+    if (hint == RefreshHint::DocumentReset)
         m_afterLoad.stop();
-        CloseTearOffs();
-    }
     const bool mayChangeRuns = hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded;
-    if (mayChangeRuns && m_runsChanged)
-        m_runsChanged();
+    if (mayChangeRuns)
+        TellRunsChanged();
+}
+
+void CTavixView::TellRunsChanged() {
+    if (const auto changed = m_runsChanged)
+        changed();
+}
+
+void CTavixView::Retire() {
+    m_isRetired = true;
+    m_runsChanged = {};
+    m_credentialsRequest = {};
+    m_deleteHistoryRequest = [] {};
+    OnNew();
+    hide();
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (!window->isVisible() || !isAncestorOfWindow(*this, window))
+            continue;
+        // Without the questions that a dialog has for its user.
+        if (auto* dialog = qobject_cast<QDialog*>(window))
+            dialog->done(QDialog::Rejected);
+        else
+            window->close();
+    }
 }
 
 void CTavixView::Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) {
@@ -169,6 +220,14 @@ bool CTavixView::Navigate(const NavigateRequest& request) {
     return true;
 }
 
+bool CTavixView::OpenField(const ReportSelection& owner, int fieldId) {
+    if (!m_navigator->SelectObject(owner) || !m_navigator->SelectField(fieldId))
+        return false;
+    window()->activateWindow();
+    SetInternalFocus();
+    return true;
+}
+
 std::string CTavixView::GetDetailsText(const ReportSelection& selection) {
     return m_navigator->GetInformationText(selection);
 }
@@ -197,27 +256,56 @@ void CTavixView::ShowReportView(ReportPaneKind kind) {
 
 void CTavixView::Detach() {
     CTearOff* window = nullptr;
+    // A double click is told when it is over, and the report may be closed by then.
+    if (!m_view)
+        return;
     if (m_view->GetKind() == ReportPaneKind::Table)
         window = new CTableTearOff(*this, this);
     else
         window = new CFieldTearOff(*this, this);
-    m_tearOffs.emplace_back(window);
+    m_tearOffs.push_back({window, m_connection, m_document->GetJobId()});
     window->Open(*m_view);
 }
 
 std::vector<CTearOff*> CTavixView::TearOffs() const {
     std::vector<CTearOff*> open;
-    for (const QPointer<CTearOff>& window : m_tearOffs) {
-        if (window)
-            open.push_back(window);
+    for (const Detached& each : m_tearOffs) {
+        if (each.window)
+            open.push_back(each.window);
     }
     return open;
 }
 
-void CTavixView::CloseTearOffs() {
-    for (CTearOff* window : TearOffs())
-        window->close();
-    m_tearOffs.clear();
+std::vector<CTearOff*> CTavixView::TearOffsOfReport() const {
+    std::vector<CTearOff*> open;
+    for (const Detached& each : m_tearOffs) {
+        const bool isOpen = each.connection == m_connection && each.jobId == m_document->GetJobId();
+        if (each.window && isOpen)
+            open.push_back(each.window);
+    }
+    return open;
+}
+
+void CTavixView::WarnSoon(const std::string& text) {
+    m_warnings.push_back(text);
+    if (m_warnings.size() == 1)
+        QMetaObject::invokeMethod(this, &CTavixView::ShowWarnings, Qt::QueuedConnection);
+}
+
+// Several panes that fail at once have one cause; each also says in its own place what it lacks.
+void CTavixView::ShowWarnings() {
+    const std::vector<std::string> warnings = std::exchange(m_warnings, {});
+    if (!warnings.empty() && !m_isRetired)
+        m_document->GetMessages().warn(warnings.front());
+}
+
+// Reaches the view from the navigator and the table information; the report pane handles its own keys.
+void CTavixView::keyPressEvent(QKeyEvent* event) {
+    const bool isPage = event->key() == Qt::Key_PageDown || event->key() == Qt::Key_PageUp;
+    if (m_view && isPage && event->modifiers().testFlag(Qt::ControlModifier))
+        m_view->StepTab(event->key() == Qt::Key_PageDown ? 1 : -1);
+    else
+        SplitFrame::keyPressEvent(event);
 }
 
 void CTavixView::ShowEmptyView() {
@@ -261,7 +349,7 @@ void CTavixView::ShowReportPane() {
 
 std::vector<CRefreshItem*> CTavixView::RefreshOrder() {
     std::vector<CRefreshItem*> order = {this, m_navigator, m_info, &GetReportPane()};
-    for (CTearOff* window : TearOffs())
+    for (CTearOff* window : m_document->HasReport() ? TearOffsOfReport() : TearOffs())
         order.push_back(window);
     return order;
 }

@@ -51,6 +51,10 @@ class CTavixView final : public SplitFrame,
     /// answers through SetAuthSvrCreds. The string is never shown, and neither are these two.
     void SetCredentialsRequest(std::function<void()> request) { m_credentialsRequest = std::move(request); }
     void SetAuthSvrCreds(const std::string& userId, const std::string& password);
+    /// For a view that is about to be destroyed and cannot be yet, because a dialog is open under which its functions
+    /// have to return first: closes the dialogs and the report, hides all windows and calls nobody any more.
+    void Retire();
+    [[nodiscard]] bool IsRetired() const { return m_isRetired; }
 
     /// Opens the job's report in place of the present one and keeps `text` with it. False, after a message, leaves
     /// the view empty.
@@ -65,7 +69,7 @@ class CTavixView final : public SplitFrame,
     void SetInternalFocus();
     /// Where a Tab enters the view: the tree of the navigator page that is showing.
     [[nodiscard]] QWidget* GetFirstTabStop();
-    /// The last control of the report pane that takes the keyboard, else the first tab stop.
+    /// The last control of the report pane that takes the keyboard, else the last one before the pane.
     [[nodiscard]] QWidget* GetLastTabStop();
     /// Adds the field that is selected to the collection; 0 when none is, or, after a message, when it fails.
     int AddCurrentFieldToCollection(int collectionId);
@@ -84,7 +88,9 @@ class CTavixView final : public SplitFrame,
     void SelectionChanged(NavigatorPage page, const ReportSelection& selection) override;
     bool SelectField(int fieldId) override;
     bool Navigate(const NavigateRequest& request) override;
+    bool OpenField(const ReportSelection& owner, int fieldId) override;
     std::string GetDetailsText(const ReportSelection& selection) override;
+    void WarnSoon(const std::string& text) override;
     void Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) override;
 
     /// Offers the command to the panes, then looks among the view's own.
@@ -119,9 +125,11 @@ class CTavixView final : public SplitFrame,
 
   protected:
     void RatiosChanged() override { Remember(); }
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     void AfterLoad();
+    void TellRunsChanged();
     void OpenTableInformation();
     void CloseTableInformation();
     void Remember();
@@ -131,8 +139,10 @@ class CTavixView final : public SplitFrame,
     void ShowReportView(ReportPaneKind kind);
     [[nodiscard]] CReportView& KeptView(ReportPaneKind kind);
     void Detach();
+    /// All, or those of the report that is open.
     [[nodiscard]] std::vector<CTearOff*> TearOffs() const;
-    void CloseTearOffs();
+    [[nodiscard]] std::vector<CTearOff*> TearOffsOfReport() const;
+    void ShowWarnings();
 
     std::unique_ptr<CTavixDoc> m_document;
     CTavixMain m_main;
@@ -147,9 +157,17 @@ class CTavixView final : public SplitFrame,
     QTimer m_afterLoad;
     NavigatorPage m_mode = NavigatorPage::Tables;
     ReportSelection m_selection;
-    std::vector<QPointer<CTearOff>> m_tearOffs;
-    std::string m_connection; ///< of the report that is open, to know another one from the same
+    /// A window of its own, with the report that it was detached from.
+    struct Detached {
+        QPointer<CTearOff> window;
+        std::string connection;
+        int jobId;
+    };
+    std::vector<Detached> m_tearOffs;
+    std::vector<std::string> m_warnings; ///< to be shown when what is going on is over
+    std::string m_connection;            ///< of the report that is open, to know another one from the same
     bool m_loading = false;
+    bool m_isRetired = false;
     bool m_wantsInfo = false; ///< as the user left it
     std::function<void()> m_deleteHistoryRequest;
     std::function<void()> m_runsChanged;

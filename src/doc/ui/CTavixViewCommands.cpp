@@ -101,8 +101,9 @@ void CTavixView::OnOptions() {
 }
 
 void CTavixView::OnDeleteHistory() {
-    if (m_deleteHistoryRequest)
-        m_deleteHistoryRequest();
+    // The request may retire the view, which drops the function that runs.
+    if (const auto request = m_deleteHistoryRequest)
+        request();
     else
         DeleteHistory();
 }
@@ -114,8 +115,7 @@ bool CTavixView::CanDeleteHistory() const {
 void CTavixView::DeleteHistory() {
     m_document->DeleteHistory(
         [this](HistoryDeletion& deletion) { return CDeleteHistoryDlg::Ask(*m_document, this, deletion); });
-    if (m_runsChanged)
-        m_runsChanged();
+    TellRunsChanged();
 }
 
 } // namespace tavix

@@ -1,5 +1,6 @@
 #include "drill/ui/CDetailsDlg.h"
 
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 
 #include <QApplication>
@@ -33,8 +34,8 @@ CDetailsDlg::CDetailsDlg(const std::string& text, QWidget* parent) : QDialog(par
 }
 
 void CDetailsDlg::Show(const std::string& text, QWidget& view) {
-    CDetailsDlg dialog(text, &view);
-    dialog.setGeometry(QRect(view.mapToGlobal(QPoint(0, 0)), view.size()));
+    ModalDialog<CDetailsDlg> dialog(text, &view);
+    dialog->setGeometry(QRect(view.mapToGlobal(QPoint(0, 0)), view.size()));
     dialog.exec();
 }
 

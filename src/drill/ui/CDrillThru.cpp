@@ -1,5 +1,6 @@
 #include "drill/ui/CDrillThru.h"
 
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
 #include "doc/DisplaySettings.h"
@@ -62,7 +63,12 @@ QToolButton* arrowButton(Qt::ArrowType arrow, const QString& name, const QString
 
 CDrillThru::CDrillThru(DrillRequest request, ReadingProgress& progress, SettingsStore& settings, Messages& messages,
                        QWidget* parent)
-    : QDialog(parent, Qt::Window), m_settings(settings), m_messages(messages), m_context(request.context) {
+    // Of a dialog's kind, so that it belongs to the window that it came from, with the buttons of other windows.
+    : QDialog(parent, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowMinMaxButtonsHint |
+                          Qt::WindowCloseButtonHint),
+      m_settings(settings),
+      m_messages(messages),
+      m_context(request.context) {
     AskPath = [this] { return ChoosePath(); };
     AskPrinter = [this](QPrinter& printer) { return ChoosePrinter(printer); };
     setObjectName(QStringLiteral("drillThru"));
@@ -91,21 +97,25 @@ CDrillThru::~CDrillThru() {
 CDrillThru* CDrillThru::Show(DrillRequest request, ReadingProgress& progress, SettingsStore& settings,
                              Messages& messages, QWidget* parent, const QWidget& over) {
     auto* window = new CDrillThru(std::move(request), progress, settings, messages, parent);
-    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->ShowOver(over);
+    return window;
+}
+
+void CDrillThru::ShowOver(const QWidget& over) {
+    setAttribute(Qt::WA_DeleteOnClose);
     const QWidget& frame = *over.window();
-    window->resize(sizeFor(window->m_source, frame.screen()));
-    QRect place(QPoint(), window->size());
+    resize(sizeFor(m_source, frame.screen()));
+    QRect place(QPoint(), size());
     place.moveCenter(frame.geometry().center());
     if (const QScreen* screen = frame.screen()) {
         const QRect room = screen->availableGeometry();
         place.moveLeft(std::max(room.left(), std::min(place.left(), room.right() - place.width())));
         place.moveTop(std::max(room.top(), std::min(place.top(), room.bottom() - place.height())));
     }
-    window->move(place.topLeft());
-    window->show();
-    if (window->m_failed)
-        messages.warn(kDrillUnavailable, kDrillErrorCaption);
-    return window;
+    move(place.topLeft());
+    show();
+    if (m_failed)
+        m_messages.warn(kDrillUnavailable, kDrillErrorCaption);
 }
 
 void CDrillThru::MakeControls(const std::string& subject) {
@@ -225,24 +235,24 @@ void CDrillThru::keyPressEvent(QKeyEvent* event) {
 }
 
 QString CDrillThru::ChoosePath() {
-    QFileDialog dialog(this, tr("Export"), toQString(drillFolder(m_settings)));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setFileMode(QFileDialog::AnyFile);
+    ModalDialog<QFileDialog> dialog(this, tr("Export"), toQString(drillFolder(m_settings)));
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
     // The question is ours, since it comes whichever way a path was given.
-    dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    dialog->setOption(QFileDialog::DontConfirmOverwrite);
     const QStringList parts = toQString(kDrillFilePatterns).split(u'|', Qt::SkipEmptyParts);
     QStringList filters;
     for (qsizetype i = 0; i + 1 < parts.size(); i += 2)
         filters << QStringLiteral("%1 (%2)").arg(parts[i].section(QStringLiteral(" ("), 0, 0),
                                                  QString(parts[i + 1]).replace(u';', u' '));
-    dialog.setNameFilters(filters);
-    dialog.setDefaultSuffix(toQString(kDrillFileExtension));
-    connect(&dialog, &QFileDialog::filterSelected, &dialog, [&dialog](const QString& filter) {
-        dialog.setDefaultSuffix(filter.contains(QLatin1String("*.xls")) ? QStringLiteral("xls")
-                                                                        : toQString(kDrillFileExtension));
+    dialog->setNameFilters(filters);
+    dialog->setDefaultSuffix(toQString(kDrillFileExtension));
+    connect(&*dialog, &QFileDialog::filterSelected, &*dialog, [&dialog](const QString& filter) {
+        dialog->setDefaultSuffix(filter.contains(QLatin1String("*.xls")) ? QStringLiteral("xls")
+                                                                         : toQString(kDrillFileExtension));
     });
-    dialog.selectFile(toQString(drillFileName(m_context)));
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+    dialog->selectFile(toQString(drillFileName(m_context)));
+    return dialog.isAccepted() ? dialog->selectedFiles().value(0) : QString();
 }
 
 void CDrillThru::Export() {
@@ -251,10 +261,10 @@ void CDrillThru::Export() {
 }
 
 bool CDrillThru::ChoosePrinter(QPrinter& printer) {
-    QPrintDialog dialog(&printer, this);
-    dialog.setWindowTitle(tr("Print"));
-    dialog.setOption(QAbstractPrintDialog::PrintPageRange);
-    return dialog.exec() == QDialog::Accepted;
+    ModalDialog<QPrintDialog> dialog(&printer, this);
+    dialog->setWindowTitle(tr("Print"));
+    dialog->setOption(QAbstractPrintDialog::PrintPageRange);
+    return dialog.isAccepted();
 }
 
 void CDrillThru::Print() {

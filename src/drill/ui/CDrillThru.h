@@ -43,8 +43,10 @@ class CDrillThru final : public QDialog {
                QWidget* parent);
     ~CDrillThru() override;
 
-    /// Makes a window that deletes itself, centred over `over`, and shows it. When the source failed it is there with
-    /// the rows read so far, and the user has been told. It goes with `parent`, at the latest.
+    /// Shows the window, centred over `over`; from then on it deletes itself when it is closed. When the source failed
+    /// it is there with the rows read so far, and the user is told.
+    void ShowOver(const QWidget& over);
+    /// Makes a window and shows it. It goes with `parent`, at the latest.
     static CDrillThru* Show(DrillRequest request, ReadingProgress& progress, SettingsStore& settings,
                             Messages& messages, QWidget* parent, const QWidget& over);
 

@@ -1,5 +1,6 @@
 #include "drill/ui/ReadingProgress.h"
 
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "doc/CountText.h"
 
@@ -91,13 +92,14 @@ bool ReadingProgress::Update() {
         (m_sinceUpdate.isValid() && m_sinceUpdate.elapsed() < kUpdateMilliseconds))
         return !m_cancelled;
     if (!m_dialog) {
-        m_dialog = std::make_unique<ReadingProgressDlg>(m_kind, m_parent ? m_parent->window() : nullptr);
+        m_dialog = std::make_unique<ReadingProgressDlg>(m_kind, m_parent);
         QObject::connect(m_dialog.get(), &QDialog::rejected, m_dialog.get(), [this] { m_cancelled = true; });
         m_dialog->show();
     }
     m_dialog->ShowProgress(m_text, m_done, m_total);
     if (m_kind == ReadingKind::Source)
         m_dialog->ShowFound(m_rows);
+    const NestedLoop loop(NestedLoop::Kind::Dialog);
     QCoreApplication::processEvents();
     m_sinceUpdate.start();
     return !m_cancelled;

@@ -93,10 +93,14 @@ void FilterMenu::KeepUnderName() {
         bool isOk = false;
         name = QInputDialog::getText(parentWidget()->window(), tr("Save Filter"), tr("&Name of the filter:"),
                                      QLineEdit::Normal, name, &isOk);
-        if (!isOk)
+        // The filter dialog may have been closed together with the report.
+        if (!isOk || !parentWidget()->isVisible())
             return;
-        if (!MayReplace(toUtf8(name)))
+        if (!MayReplace(toUtf8(name))) {
+            if (!parentWidget()->isVisible())
+                return;
             continue;
+        }
         const Status kept = m_memory.Keep(m_model.Kind(), toUtf8(name), m_model.FilterText());
         if (kept)
             return;

@@ -1,6 +1,7 @@
 #include "host/tests/HostOverSample.h"
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QTabBar>
 #include <QTest>
 #include <QTimer>
@@ -41,6 +42,56 @@ TEST_F(HostOverSample, tabLeavesAtBothEndsAndNowhereElse) {
     m_host.SetKeyboardSite(nullptr);
     m_host.TranslateAccelerator(key(NativeKey::Tab));
     EXPECT_EQ(2U, site.requests.size());
+}
+
+TEST_F(HostOverSample, tabReachesTheRowOfPagesAlsoWhenTheReportPaneHasNoControl) {
+    RecordedSite site;
+    m_host.SetKeyboardSite(&site);
+    ASSERT_TRUE(load());
+    auto& pages = *m_view->findChild<QWidget*>(QStringLiteral("navigator"))->findChild<QTabBar*>();
+    pages.setCurrentIndex(2);
+    ASSERT_TRUE(isShown("emptyView"));
+    ASSERT_TRUE(m_host.TabInto(FocusNavigation::First));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return m_host.HasFocus(); }));
+    EXPECT_TRUE(tree(2).hasFocus());
+    EXPECT_TRUE(m_host.TranslateAccelerator(key(NativeKey::Tab)));
+    EXPECT_TRUE(pages.hasFocus());
+    EXPECT_THAT(site.requests, ElementsAre());
+    EXPECT_TRUE(m_host.TranslateAccelerator(key(NativeKey::Tab)));
+    EXPECT_THAT(site.requests, ElementsAre(FocusNavigation::Next));
+    ASSERT_TRUE(m_host.TabInto(FocusNavigation::Last));
+    EXPECT_TRUE(pages.hasFocus());
+    EXPECT_TRUE(m_host.TranslateAccelerator(key(NativeKey::Tab, NativeModifier::Shift)));
+    EXPECT_TRUE(tree(2).hasFocus());
+    EXPECT_TRUE(m_host.TranslateAccelerator(key(NativeKey::Tab, NativeModifier::Shift)));
+    EXPECT_THAT(site.requests, ElementsAre(FocusNavigation::Next, FocusNavigation::Previous));
+}
+
+TEST_F(HostOverSample, aSizeIsInPixelsOfTheScreen) {
+    NativeMessage message = {.Message = NativeMessageId::Size, .LParam = (480 << 16) | 640};
+    EXPECT_TRUE(m_host.WndProc(message));
+    EXPECT_EQ(QSize(640, 480), m_view->size() * m_view->devicePixelRatio());
+}
+
+TEST_F(HostOverSample, anyCharacterCanBeTyped) {
+    ASSERT_TRUE(load());
+    ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
+    m_host.SetInternalFocus();
+    QLineEdit edit(m_view);
+    edit.show();
+    edit.setFocus();
+    ASSERT_EQ(&edit, m_view->focusWidget());
+    const auto type = [this](std::uintptr_t codePoint) {
+        return m_host.ConvertMessage({.Message = NativeMessageId::Character, .WParam = codePoint});
+    };
+    for (const char32_t each : std::u32string(U"a\u00E9,% \u6771\U0001F600"))
+        EXPECT_TRUE(type(each)) << static_cast<std::uint32_t>(each);
+    for (const std::uintptr_t each : {0U, 8U, 0x7fU, 0x85U, 0xd800U, 0xdfffU, 0x110000U, 0xffffffffU})
+        EXPECT_FALSE(type(each)) << each;
+    EXPECT_EQ("a\u00E9,% \u6771\U0001F600", toUtf8(edit.text()));
+    NativeMessage message = {.Message = NativeMessageId::Character, .WParam = '*'};
+    EXPECT_TRUE(m_host.WndProc(message));
+    EXPECT_TRUE(edit.text().endsWith(u'*'));
 }
 
 TEST_F(HostOverSample, keysOfAShellReachShortcutsToo) {

@@ -51,6 +51,11 @@ CTables::CTables(CViewSite& site, QWidget* parent) : QWidget(parent), m_site(sit
     layout->addWidget(m_stack, 1);
     connect(m_tabs, &QTabBar::currentChanged, this, [this](int index) {
         m_stack->setCurrentIndex(index);
+        Page& shown = m_pages[static_cast<std::size_t>(index)];
+        if (shown.model->contents().root().failed) {
+            shown.model->retry({});
+            shown.model->fetchMore({});
+        }
         TellSelection();
     });
 }
@@ -67,8 +72,18 @@ CTables::Page CTables::MakePage(NavigatorPage number) {
                        [this](int collection) { AddSelectedFieldToCollection(collection); });
     });
     connect(made.view->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { TellSelection(); });
-    connect(made.model, &TreeModel::FetchFailed, this, [this](const QString& text) {
-        m_site.GetTavixDoc().GetMessages().warn("The contents of the report cannot be read:\n\n" + toUtf8(text));
+    connect(made.model, &TreeModel::FetchFailed, this, [this, made](const QModelIndex& branch, const QString& text) {
+        m_site.WarnSoon("The contents of the report cannot be read:\n\n" + toUtf8(text));
+        // Open again, it is read again. The view is just about to open it.
+        QMetaObject::invokeMethod(
+            made.view,
+            [made, at = QPersistentModelIndex(branch)] {
+                if (!at.isValid())
+                    return;
+                made.view->collapse(at);
+                made.model->retry(at);
+            },
+            Qt::QueuedConnection);
     });
     return made;
 }
@@ -174,6 +189,16 @@ bool CTables::SelectTable(const std::string& dataSource, const std::string& qual
     Page& tables = page(NavigatorPage::Tables);
     tables.view->setCurrentIndex({});
     return SelectNode(tables, tables.model->contents().FindTable(dataSource, qualifier1, qualifier2, table, mode));
+}
+
+bool CTables::SelectObject(const ReportSelection& object) {
+    const bool isTable = object.kind == ReportSelection::Kind::Table;
+    const NavigatorPage number = isTable ? NavigatorPage::Tables : NavigatorPage::Collections;
+    const TreeNode* node = page(number).model->contents().FindObject(object);
+    if (!node)
+        return false;
+    ShowPage(number);
+    return SelectNode(page(number), node);
 }
 
 bool CTables::SelectField(int fieldId) {

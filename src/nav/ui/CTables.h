@@ -35,6 +35,8 @@ class CTables final : public QWidget, public CRefreshItem, public CommandTarget 
     /// user. `mode` is the kind of the data source.
     bool SelectTable(const std::string& dataSource, const std::string& qualifier1, const std::string& qualifier2,
                      const std::string& table, int mode);
+    /// Shows the page of the table or collection and selects it; false when there is none of that id.
+    bool SelectObject(const ReportSelection& object);
     /// Selects the field of that id below the table or collection that is selected on the page that is showing, or to
     /// which the selected field belongs; false when there is none.
     bool SelectField(int fieldId);

@@ -1,5 +1,6 @@
 #include "nav/ui/NavigatorTree.h"
 
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "nav/ui/TreeDelegate.h"
 #include "nav/ui/TreeModel.h"
@@ -8,6 +9,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
+#include <QKeyEvent>
 #include <QMenu>
 
 namespace tavix {
@@ -38,6 +40,15 @@ void NavigatorTree::CopyName() const {
         QApplication::clipboard()->setText(toQString(node->name));
 }
 
+void NavigatorTree::keyPressEvent(QKeyEvent* event) {
+    const bool isPage = event->key() == Qt::Key_PageDown || event->key() == Qt::Key_PageUp;
+    // These step through the tabs of the report.
+    if (isPage && event->modifiers().testFlag(Qt::ControlModifier))
+        event->ignore();
+    else
+        QTreeView::keyPressEvent(event);
+}
+
 void NavigatorTree::contextMenuEvent(QContextMenuEvent* event) {
     QPoint at = event->globalPos();
     if (event->reason() == QContextMenuEvent::Keyboard)
@@ -49,6 +60,7 @@ void NavigatorTree::contextMenuEvent(QContextMenuEvent* event) {
     if (node->kind == TreeNodeKind::Field || node->kind == TreeNodeKind::CollectionField)
         menu.addMenu(m_collectionMenu);
     menu.addAction(m_copy);
+    const NestedLoop loop(NestedLoop::Kind::Other);
     menu.exec(at);
 }
 

@@ -23,6 +23,7 @@ class NavigatorTree final : public QTreeView {
     void CopyName() const;
 
   protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 
   private:

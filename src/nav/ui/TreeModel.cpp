@@ -45,6 +45,10 @@ void TreeModel::reset(PrViewer* viewer) {
     endResetModel();
 }
 
+void TreeModel::retry(const QModelIndex& index) {
+    TreeContents::Retry(nodeAt(index));
+}
+
 TreeNode& TreeModel::nodeAt(const QModelIndex& index) const {
     return index.isValid() ? *static_cast<TreeNode*>(index.internalPointer()) : m_contents.root();
 }
@@ -83,7 +87,7 @@ int TreeModel::columnCount(const QModelIndex&) const {
 
 bool TreeModel::hasChildren(const QModelIndex& parent) const {
     const TreeNode& node = nodeAt(parent);
-    return node.fetched ? !node.children.empty() : node.mayHaveChildren;
+    return node.fetched && !node.failed ? !node.children.empty() : node.mayHaveChildren;
 }
 
 bool TreeModel::canFetchMore(const QModelIndex& parent) const {
@@ -104,7 +108,7 @@ void TreeModel::fetchMore(const QModelIndex& parent) {
         endInsertRows();
     }
     if (!done)
-        Q_EMIT FetchFailed(toQString(m_contents.GetErrorText()));
+        Q_EMIT FetchFailed(parent, toQString(m_contents.GetErrorText()));
 }
 
 QVariant TreeModel::data(const QModelIndex& index, int role) const {

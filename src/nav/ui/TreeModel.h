@@ -20,6 +20,8 @@ class TreeModel final : public QAbstractItemModel {
     /// Forgets all nodes; `viewer` may be null.
     void reset(PrViewer* viewer);
     [[nodiscard]] TreeContents& contents() { return m_contents; }
+    /// Lets a branch whose contents could not be read be fetched again.
+    void retry(const QModelIndex& index);
     /// Null for an index outside the tree.
     [[nodiscard]] TreeNode* node(const QModelIndex& index) const;
     /// Invalid for null and for the root. Fetches nothing; the nodes above must have been fetched through the model.
@@ -37,7 +39,7 @@ class TreeModel final : public QAbstractItemModel {
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
 
   Q_SIGNALS:
-    void FetchFailed(const QString& errorText);
+    void FetchFailed(const QModelIndex& branch, const QString& errorText);
 
   private:
     TreeNode& nodeAt(const QModelIndex& index) const;

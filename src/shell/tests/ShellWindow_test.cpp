@@ -1,9 +1,11 @@
 #include "shell/tests/ShellOverSample.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QComboBox>
 #include <QFile>
 #include <QTest>
+#include <QTimer>
 #include <QTreeWidget>
 
 #include <gmock/gmock.h>
@@ -100,6 +102,62 @@ TEST_F(ShellOverSample, newLeadsBackToTheList) {
     EXPECT_FALSE(m_host.HasReport());
     EXPECT_TRUE(m_window.findChild<QTreeWidget*>()->isVisible());
     EXPECT_EQ("sample.tavix - Tavix", title());
+}
+
+TEST_F(ShellOverSample, aClosedReportCanBeOpenedAgainAsItWas) {
+    const auto action = [this](const QKeySequence& keys) {
+        for (QAction* each : m_window.findChildren<QAction*>()) {
+            if (each->shortcut() == keys)
+                return each;
+        }
+        throw std::runtime_error("no such action");
+    };
+    ASSERT_TRUE(open(m_sample.path));
+    QAction* close = action(QKeySequence(Qt::CTRL | Qt::Key_W));
+    QAction* reopen = action(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_T));
+    EXPECT_EQ("&Close Report", toUtf8(close->text()));
+    EXPECT_FALSE(close->isEnabled());
+    EXPECT_FALSE(reopen->isEnabled());
+    ASSERT_TRUE(m_window.openReportNamed("Sales"));
+    ASSERT_TRUE(m_host.SetCurrentRun(m_sample.salesRuns.at(1)));
+    EXPECT_FALSE(reopen->isEnabled());
+    close->trigger();
+    EXPECT_FALSE(m_host.HasReport());
+    auto* list = m_window.findChild<QTreeWidget*>();
+    ASSERT_TRUE(list->isVisible());
+    EXPECT_EQ("Sales", toUtf8(list->currentItem()->text(0)));
+    EXPECT_EQ("&Reopen Sales", toUtf8(reopen->text()));
+    ASSERT_TRUE(reopen->isEnabled());
+    reopen->trigger();
+    EXPECT_EQ("Sales", m_host.GetReportTitle());
+    EXPECT_EQ(m_sample.salesRuns.at(1), m_host.GetCurrentRun());
+    EXPECT_FALSE(reopen->isEnabled());
+    // Another repository knows nothing of it.
+    close->trigger();
+    ASSERT_TRUE(open(m_sample.path));
+    EXPECT_FALSE(reopen->isEnabled());
+}
+
+TEST_F(ShellOverSample, commandsAreBackWhenADialogIsClosed) {
+    ASSERT_TRUE(open(m_sample.path));
+    ASSERT_TRUE(m_window.openReportNamed("Sales"));
+    QAction* options = nullptr;
+    for (QAction* action : m_window.findChildren<QAction*>()) {
+        if (action->data().toInt() == static_cast<int>(CommandId::Options))
+            options = action;
+    }
+    ASSERT_TRUE(options && options->isEnabled());
+    QTimer::singleShot(0, qApp, [options] {
+        QWidget* dialog = QApplication::activeModalWidget();
+        ASSERT_TRUE(dialog);
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(options->isEnabled());
+        dialog->close();
+    });
+    // As the viewer's own keys do, of which the shell hears nothing.
+    m_host.ExecuteCommand(static_cast<int>(CommandId::NoteCategories));
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(options->isEnabled());
 }
 
 TEST(ShellState, recentRepositoriesAreEightTheLatestFirst) {

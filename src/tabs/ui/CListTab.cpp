@@ -90,7 +90,8 @@ void CListTab::Fill(bool isSameObject) {
     if (!m_rows)
         return;
     CTavixDoc& document = Site().GetTavixDoc();
-    PrViewer* viewer = document.GetViewer();
+    const std::shared_ptr<PrViewer> session = document.GetSession();
+    PrViewer* viewer = session.get();
     const std::string obstacle = viewer ? GetObstacle() : std::string();
     bool failed = false;
     {

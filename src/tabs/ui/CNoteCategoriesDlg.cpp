@@ -1,5 +1,6 @@
 #include "tabs/ui/CNoteCategoriesDlg.h"
 
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "base/ui/RoomyDelegate.h"
 #include "doc/CTavixDoc.h"
@@ -117,13 +118,13 @@ void CNoteCategoriesDlg::Delete() {
 }
 
 bool CNoteCategoriesDlg::Run(CTavixDoc& document, QWidget* parent) {
-    if (!document.GetViewer())
+    const std::shared_ptr<PrViewer> session = document.GetSession();
+    if (!session)
         return false;
-    NoteCategories categories(*document.GetViewer(), document.GetMessages());
+    NoteCategories categories(*session, document.GetMessages());
     if (!categories.Read())
         return false;
-    CNoteCategoriesDlg dialog(categories, parent);
-    dialog.exec();
+    ModalDialog<CNoteCategoriesDlg>(categories, parent).exec();
     return categories.HasChanged();
 }
 

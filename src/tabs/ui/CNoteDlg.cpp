@@ -40,7 +40,8 @@ CNoteDlg::CNoteDlg(CTavixDoc& document, NoteSubject subject, NoteDraft kept, int
     : QDialog(parent),
       m_document(document),
       m_subject(std::move(subject)),
-      m_editor(*document.GetViewer(), document.GetMessages()),
+      m_session(document.GetSession()),
+      m_editor(*m_session, document.GetMessages()),
       m_kept(std::move(kept)),
       m_noteId(noteId),
       m_category(new QComboBox(this)),
@@ -117,7 +118,7 @@ CNoteDlg::CNoteDlg(CTavixDoc& document, NoteSubject subject, NoteDraft kept, int
 }
 
 void CNoteDlg::FillCategories(int chosen) {
-    NoteCategories categories(*m_document.GetViewer(), m_document.GetMessages());
+    NoteCategories categories(*m_session, m_document.GetMessages());
     m_category->clear();
     m_category->addItem(tr("(none)"), -1);
     // Even when the list cannot be read, what the note has is kept.

@@ -6,6 +6,7 @@
 #include <QDialog>
 
 #include <functional>
+#include <memory>
 
 class QComboBox;
 class QLabel;
@@ -42,6 +43,7 @@ class CNoteDlg final : public QDialog {
 
     CTavixDoc& m_document;
     NoteSubject m_subject;
+    std::shared_ptr<PrViewer> m_session; ///< of the report that the note belongs to
     NoteEditor m_editor;
     NoteDraft m_kept; ///< as it is stored
     int m_noteId;     ///< -1 for a new note

@@ -1,6 +1,7 @@
 #include "tabs/ui/CNotesTab.h"
 
 #include "access/PrViewer.h"
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
 #include "doc/CTavixDoc.h"
@@ -321,9 +322,9 @@ bool CNotesTab::CanAddNote() const {
 void CNotesTab::AddNote() {
     if (!CanAddNote())
         return;
-    CNoteDlg dialog(Site().GetTavixDoc(), m_subjectOf(Subject()), window());
-    m_showsLatest = dialog.exec() == QDialog::Accepted;
-    if (m_showsLatest || dialog.HaveCategoriesChanged())
+    ModalDialog<CNoteDlg> dialog(Site().GetTavixDoc(), m_subjectOf(Subject()), this);
+    m_showsLatest = dialog.isAccepted();
+    if (m_showsLatest || dialog->HaveCategoriesChanged())
         NotesChanged();
 }
 
@@ -331,25 +332,26 @@ void CNotesTab::EditNote(std::int64_t row) {
     if (row < 0 || row >= m_rows.GetRowCount() || !Site().GetTavixDoc().GetViewer())
         return;
     const Note note = m_rows.GetNote(row);
-    CNoteDlg dialog(Site().GetTavixDoc(), m_filled, note, toQString(m_rows.DateText(note)), window());
-    if (dialog.exec() == QDialog::Accepted || dialog.HaveCategoriesChanged())
+    ModalDialog<CNoteDlg> dialog(Site().GetTavixDoc(), m_filled, note, toQString(m_rows.DateText(note)), this);
+    if (dialog.isAccepted() || dialog->HaveCategoriesChanged())
         NotesChanged();
 }
 
 void CNotesTab::DeleteNotes() {
     CTavixDoc& document = Site().GetTavixDoc();
-    if (!document.GetViewer())
+    const std::shared_ptr<PrViewer> session = document.GetSession();
+    if (!session)
         return;
     std::vector<Note> notes;
     for (const std::int64_t row : m_grid->GetSelectedRows())
         notes.push_back(m_rows.GetNote(row));
-    NoteEditor editor(*document.GetViewer(), document.GetMessages());
-    if (editor.Delete(m_filled, notes))
+    NoteEditor editor(*session, document.GetMessages());
+    if (editor.Delete(NoteSubject(m_filled), notes))
         NotesChanged();
 }
 
 void CNotesTab::EditCategories() {
-    if (CNoteCategoriesDlg::Run(Site().GetTavixDoc(), window()))
+    if (CNoteCategoriesDlg::Run(Site().GetTavixDoc(), this))
         NotesChanged();
 }
 

@@ -2,6 +2,8 @@
 
 #include "doc/CTavixDoc.h"
 
+#include <QScopedValueRollback>
+
 namespace tavix {
 
 CProfTab::CProfTab(CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent)
@@ -28,18 +30,20 @@ void CProfTab::Refresh(CRefreshItem*, RefreshHint hint, int) {
 
 void CProfTab::MakeStale() {
     m_isStale = true;
-    if (!isVisible())
+    // While a long list is read, the view may come to show something else; then the tab is filled once more.
+    if (m_isFilling)
         return;
-    m_isStale = false;
-    const bool same = isSameObject(m_filledFor, m_subject.selection);
-    m_filledFor = m_subject.selection;
-    Fill(same);
+    const QScopedValueRollback<bool> filling(m_isFilling, true);
+    while (m_isStale && isVisible()) {
+        m_isStale = false;
+        const bool same = isSameObject(m_filledFor, m_subject.selection);
+        m_filledFor = m_subject.selection;
+        Fill(same);
+    }
 }
 
 void CProfTab::WarnSoon(const std::string& text) {
-    Messages& messages = m_site.GetTavixDoc().GetMessages();
-    QMetaObject::invokeMethod(
-        this, [&messages, text] { messages.warn(text); }, Qt::QueuedConnection);
+    m_site.WarnSoon(text);
 }
 
 void CProfTab::showEvent(QShowEvent* event) {

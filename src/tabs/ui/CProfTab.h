@@ -62,6 +62,7 @@ class CProfTab : public QWidget, public CRefreshItem, public CommandTarget {
     bool m_isTornOff;
     bool m_active = false;
     bool m_isStale = true;
+    bool m_isFilling = false;
     ReportSelection m_filledFor;
 };
 

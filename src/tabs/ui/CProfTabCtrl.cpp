@@ -2,7 +2,9 @@
 
 #include "base/ui/Theme.h"
 
+#include <QFontInfo>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QToolButton>
@@ -14,6 +16,7 @@ namespace {
 constexpr int kPadding = 8;
 constexpr int kLeastPadding = 4; // before captions are cut
 constexpr int kNarrowest = 72;   // of a tab whose caption is cut
+constexpr int kLines = 5;        // above and below a caption
 constexpr int kRest = 2;         // how much lower a tab begins that is not selected
 
 } // namespace
@@ -21,7 +24,7 @@ constexpr int kRest = 2;         // how much lower a tab begins that is not sele
 CProfTabCtrl::CProfTabCtrl(QWidget* parent) : QTabBar(parent) {
     setObjectName(QStringLiteral("tabStrip"));
     setAccessibleName(QStringLiteral("Tabs of the view"));
-    setFixedHeight(qMax(kHeight * logicalDpiY() / 96, fontMetrics().height() + 5));
+    FitFont();
     setExpanding(false);
     setDrawBase(false);
     setUsesScrollButtons(true);
@@ -36,7 +39,31 @@ CProfTabCtrl::CProfTabCtrl(QWidget* parent) : QTabBar(parent) {
                                      ? QStringLiteral("Tabs to the left")
                                      : QStringLiteral("Tabs to the right"));
     }
-    connect(this, &QTabBar::tabBarDoubleClicked, this, &CProfTabCtrl::TabDoubleClicked, Qt::QueuedConnection);
+}
+
+void CProfTabCtrl::FitFont() {
+    setFixedHeight(kHeight * logicalDpiY() / 96);
+    m_captionFont = font();
+    const int room = height() - kLines;
+    int size = QFontInfo(m_captionFont).pixelSize();
+    while (size > 1 && QFontMetrics(m_captionFont).height() > room)
+        m_captionFont.setPixelSize(--size);
+}
+
+void CProfTabCtrl::changeEvent(QEvent* event) {
+    // Before the tabs are laid out anew.
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        FitFont();
+    QTabBar::changeEvent(event);
+}
+
+// The toolkit's own signal comes for every button, and beside the tabs too.
+void CProfTabCtrl::mouseDoubleClickEvent(QMouseEvent* event) {
+    const int index = tabAt(event->position().toPoint());
+    if (event->button() != Qt::LeftButton || index < 0)
+        return;
+    QMetaObject::invokeMethod(
+        this, [this, index] { Q_EMIT TabDoubleClicked(index); }, Qt::QueuedConnection);
 }
 
 void CProfTabCtrl::InsertTab(int index, const QString& caption, int image) {
@@ -51,7 +78,7 @@ void CProfTabCtrl::SetCaption(int index, const QString& caption) {
 
 // In bold, selected or not, so that as long as there is room no tab moves when another is selected.
 int CProfTabCtrl::CaptionWidth(int index) const {
-    QFont bold = font();
+    QFont bold = m_captionFont;
     bold.setWeight(QFont::DemiBold);
     return QFontMetrics(bold).horizontalAdvance(QString(tabText(index)).remove(u'&'));
 }
@@ -130,7 +157,7 @@ void CProfTabCtrl::PaintTab(QPainter& painter, int index, const Colors& colors) 
     if (selected)
         painter.fillRect(QRect(face.left() + 1, 1, face.width() - 2, 2), palette().color(QPalette::Highlight));
 
-    QFont captionFont = font();
+    QFont captionFont = m_captionFont;
     captionFont.setWeight(selected ? QFont::DemiBold : QFont::Normal);
     painter.setFont(captionFont);
     painter.setPen(colors.text);

@@ -7,7 +7,8 @@
 namespace tavix {
 
 /// The strip of tabs at the top of a view: arrow keys, Home and End move along it, a press of the mouse selects. Where
-/// there is not room for all captions the longest are cut, and told by their tips; only then there are arrows.
+/// there is not room for all captions the longest are cut, and told by their tips; only then there are arrows. Its
+/// height is the same whatever the font; captions in a larger font are made to fit.
 class CProfTabCtrl final : public QTabBar {
     Q_OBJECT
   public:
@@ -23,7 +24,7 @@ class CProfTabCtrl final : public QTabBar {
 
   Q_SIGNALS:
     /// Posted: the strip has done with the double click when it arrives.
-    void TabDoubleClicked(int index);
+    void TabDoubleClicked(int index); ///< with the left button, on a tab
 
   protected:
     [[nodiscard]] QSize tabSizeHint(int index) const override;
@@ -31,8 +32,11 @@ class CProfTabCtrl final : public QTabBar {
     void tabLayoutChange() override;
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
   private:
+    void FitFont();
     [[nodiscard]] int CaptionWidth(int index) const;
     /// On each side of a caption: less where there is no room for more.
     [[nodiscard]] int PaddingNow() const;
@@ -46,6 +50,8 @@ class CProfTabCtrl final : public QTabBar {
     };
     [[nodiscard]] Colors ColorsNow() const;
     void PaintTab(QPainter& painter, int index, const Colors& colors) const;
+
+    QFont m_captionFont; ///< the widget's, or a smaller one where that is too high
 };
 
 } // namespace tavix

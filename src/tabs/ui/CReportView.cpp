@@ -13,11 +13,14 @@
 #include "tabs/ui/CProfTabCtrl.h"
 #include "tabs/ui/ViewHeader.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QSignalBlocker>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+
+#include <utility>
 
 namespace tavix {
 
@@ -130,6 +133,7 @@ void CReportView::ShowSelection() {
 void CReportView::ReadSubject(const ReportSelection& selection) {
     m_subject = {selection, {}, {}};
     m_missing.clear();
+    m_reportTitle = m_site.GetTavixDoc().GetTitle();
     PrViewer* viewer = m_site.GetTavixDoc().GetViewer();
     if (selection.kind == ReportSelection::Kind::Table)
         m_subject.table = selection.table;
@@ -163,6 +167,20 @@ void CReportView::ReadSubjectAgain() {
         m_missing = missing;
 }
 
+void CReportView::CloseReport() {
+    if (m_kept)
+        return;
+    m_kept = m_subject.selection;
+    const QString title = toQString(titleOf(m_subject));
+    m_subject = {};
+    m_missing = "The report \u201C" + m_reportTitle + "\u201D is closed. Open it again to see here what it holds.";
+    ShowHeader();
+    m_header->SetText(title, {});
+    ShowTab(GetCurrentTab());
+    for (CProfTab* tab : m_tabs)
+        tab->SubjectChanged();
+}
+
 void CReportView::ShowHeader() {
     m_header->SetText(toQString(titleOf(m_subject)), toQString(detailOf(m_subject)));
     for (int i = 0; i < GetTabCount(); ++i)
@@ -175,6 +193,10 @@ void CReportView::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter)
         m_records.Forget();
     if (isReloaded && !m_isTornOff && !Suits(m_site))
         return; // The frame is about to put another view in this one's place.
+    if (m_isTornOff && hint == RefreshHint::DocumentReset)
+        return CloseReport();
+    if (m_kept && hint == RefreshHint::RunLoaded)
+        m_subject.selection = *std::exchange(m_kept, std::nullopt);
     const ReportSelection before = m_subject.selection;
     if (isReloaded) {
         const bool follows = !m_isTornOff || before.kind == ReportSelection::Kind::Nothing;
@@ -244,8 +266,11 @@ void CReportView::ShowDetails() {
 }
 
 void CReportView::StepTab(int by) {
+    // The contents of the tab that is hidden would hand the keyboard to whatever comes next.
+    const bool hadFocus = isAncestorOf(QApplication::focusWidget());
     SelectTab((GetCurrentTab() + by + GetTabCount()) % GetTabCount());
-    FocusContents();
+    if (hadFocus)
+        FocusContents();
 }
 
 void CReportView::keyPressEvent(QKeyEvent* event) {

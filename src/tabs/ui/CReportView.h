@@ -8,6 +8,8 @@
 
 #include <QWidget>
 
+#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -41,6 +43,8 @@ class CReportView : public QWidget, public CReportPane {
 
     [[nodiscard]] int GetCurrentTab() const;
     void SelectTab(int index);
+    /// Selects the tab so many places further, around the ends.
+    void StepTab(int by);
     [[nodiscard]] CProfTab& GetTab(int index) const { return *m_tabs[static_cast<std::size_t>(index)]; }
     [[nodiscard]] int GetTabCount() const { return static_cast<int>(m_tabs.size()); }
     /// Gives the keyboard to what the visible tab shows.
@@ -75,11 +79,12 @@ class CReportView : public QWidget, public CReportPane {
     [[nodiscard]] int RememberedTab() const;
     void ReadSubject(const ReportSelection& selection);
     void ReadSubjectAgain();
+    /// For a view that is torn off: shows that the report is closed, and keeps what it showed.
+    void CloseReport();
     /// Title and captions.
     void ShowHeader();
     void ShowTab(int index);
     void ShowDetails();
-    void StepTab(int by);
 
     CViewSite& m_site;
     ReportPaneKind m_kind;
@@ -87,7 +92,9 @@ class CReportView : public QWidget, public CReportPane {
     bool m_isTornOff;
     ReportSubject m_subject;
     FieldRecords m_records;
-    std::string m_missing; ///< why the subject cannot be shown
+    std::string m_missing;                 ///< why the subject cannot be shown
+    std::string m_reportTitle;             ///< of the report that the subject is in
+    std::optional<ReportSelection> m_kept; ///< what is shown again when its report is open again
     CProfTabCtrl* m_strip;
     ViewHeader* m_header;
     QStackedWidget* m_pages;

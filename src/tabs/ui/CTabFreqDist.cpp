@@ -1,6 +1,7 @@
 #include "tabs/ui/CTabFreqDist.h"
 
 #include "access/PrViewer.h"
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "doc/CTavixDoc.h"
 #include "doc/Settings.h"
@@ -18,7 +19,6 @@
 
 #include <QAction>
 #include <QItemSelectionModel>
-#include <QPointer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -110,12 +110,13 @@ void CTabFreqDist::OnFilter() {
     if (!CanFilter())
         return;
     CTavixDoc& document = Site().GetTavixDoc();
+    const std::shared_ptr<PrViewer> session = document.GetSession();
     const int field = Subject().field->id;
-    CFilterDlg dialog(document.GetMessages(), document.GetSettings(), m_kind, GetFilter(),
-                      ReadFunctions(*document.GetViewer()), window());
-    const QPointer<CTabFreqDist> alive(this);
-    if (dialog.exec() == QDialog::Accepted && alive)
-        SetFilter(field, dialog.GetFilterText());
+    ModalDialog<CFilterDlg> dialog(document.GetMessages(), document.GetSettings(), m_kind, GetFilter(),
+                                   ReadFunctions(*session), this);
+    // In another report the same number is another field's.
+    if (dialog.isAccepted() && document.GetSession() == session)
+        SetFilter(field, dialog->GetFilterText());
 }
 
 void CTabFreqDist::OnStopFiltering() {
@@ -188,11 +189,12 @@ std::string CTabFreqDist::GetObstacle() const {
 }
 
 bool CTabFreqDist::FillRows(PrViewer& viewer) {
-    const FieldRecord& field = *Subject().field;
+    // A copy: while a long list is read, the view may come to show something else.
+    const FieldRecord field = *Subject().field;
     const std::int64_t limit = readInteger(Site().GetTavixDoc().GetSettings(), Setting::MaxFreqVals);
     m_appliedFilter = GetFilter();
     const KvbString filter(m_appliedFilter);
-    ReadingProgress progress(ReadingKind::List, window(), patienceMilliseconds);
+    ReadingProgress progress(ReadingKind::List, this, patienceMilliseconds);
     const bool filled = m_kind == DistributionKind::Frequency
                             ? static_cast<FreqDistRows&>(*m_rows).Fill(viewer, field, filter, limit, &progress)
                             : static_cast<PatternDistRows&>(*m_rows).Fill(viewer, field.id, filter, limit, &progress);
@@ -208,7 +210,8 @@ bool CTabFreqDist::FillRows(PrViewer& viewer) {
 
 // Who stops the reading of a filter goes on with the rows that are there, if they are the field's.
 void CTabFreqDist::ShowStopped() {
-    const bool keepsRows = IsFiltered() && m_loadedField == Subject().field->id && m_rows->GetRowCount() > 0;
+    const bool keepsRows =
+        IsFiltered() && Subject().field && m_loadedField == Subject().field->id && m_rows->GetRowCount() > 0;
     m_failure = keepsRows ? "The reading was stopped; these are the rows from before." : "The reading was stopped.";
     if (!keepsRows)
         m_rows->ShowStopped();

@@ -37,11 +37,13 @@ CTabStdMet::CTabStdMet(CViewSite& site, const ReportSubject& subject, bool isTor
     m_grid->SetSource(&m_rows);
     m_grid->addAction(m_collectionMenu->menuAction());
     connect(m_collectionMenu, &QMenu::aboutToShow, this, &CTabStdMet::FillCollectionMenu);
-    // A window of its own keeps what it shows.
-    if (!isTornOff) {
-        connect(m_grid, &CUGCtrl::RowActivated, this,
-                [this](qint64 row) { Site().SelectField(m_rows.GetFieldId(row)); });
-    }
+    connect(m_grid, &CUGCtrl::RowActivated, this, [this](qint64 row) {
+        // A window of its own keeps what it shows, and opens the field in the frame.
+        if (IsTornOff())
+            Site().OpenField(Subject().selection, m_rows.GetFieldId(row));
+        else
+            Site().SelectField(m_rows.GetFieldId(row));
+    });
     m_stack->addWidget(m_grid);
     m_stack->addWidget(m_note);
     auto* layout = new QVBoxLayout(this);

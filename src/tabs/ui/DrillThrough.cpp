@@ -38,21 +38,26 @@ void DrillThrough::Open(DrillRequest request,
                         const std::function<DrillCursor(PrViewer&, PrViewDisplayMessage&)>& openCursor) const {
     CTavixDoc& document = m_site.GetTavixDoc();
     Messages& messages = document.GetMessages();
-    PrViewer& viewer = *document.GetViewer();
+    const std::shared_ptr<PrViewer> session = document.GetSession();
     QWidget* owner = ownerOf(m_site, m_tab);
     const std::unique_ptr<Messages::Busy> busy = messages.busy();
     ReadingProgress progress(ReadingKind::Source, owner);
-    bool opened = false;
+    std::unique_ptr<CDrillThru> window;
     std::string failure(kDrillUnavailable);
     try {
-        request.cursor = openCursor(viewer, progress);
-        opened = std::visit([](const auto& cursor) { return cursor != nullptr; }, request.cursor);
+        request.cursor = openCursor(*session, progress);
         failure += "\n\n";
-        failure += viewer.getErrorString().view();
+        failure += session->getErrorString().view();
+        if (std::visit([](const auto& cursor) { return cursor != nullptr; }, request.cursor))
+            window =
+                std::make_unique<CDrillThru>(std::move(request), progress, document.GetSettings(), messages, owner);
     } catch (const GenException&) {
     }
-    if (opened)
-        CDrillThru::Show(std::move(request), progress, document.GetSettings(), messages, owner, m_tab);
+    // The report may be closed while its source is read: then nobody waits for the rows any more.
+    if (document.GetSession() != session)
+        return;
+    if (window)
+        window.release()->ShowOver(m_tab);
     else if (const auto declined = document.GetSourceLogins().TakeDeclined())
         messages.warn(drillDeclined(*declined), kDrillErrorCaption);
     else if (!progress.WasCancelled())

@@ -4,11 +4,25 @@
 
 #include <QKeyEvent>
 #include <QScreen>
+#include <QShortcut>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <initializer_list>
+#include <vector>
 
 namespace tavix {
 
-CTearOff::CTearOff(CViewSite& site, QWidget* parent) : QWidget(parent, Qt::Window) {
+namespace {
+
+// A dialog's kind of window belongs to the one that it came from: it stays above it and goes with it. It lacks the
+// buttons of other windows unless they are asked for.
+constexpr Qt::WindowFlags kOwnedWindow = Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                                         Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint;
+
+} // namespace
+
+CTearOff::CTearOff(CViewSite& site, QWidget* parent) : QWidget(parent, kOwnedWindow) {
     setAttribute(Qt::WA_DeleteOnClose);
     const bool isCollection = site.GetSelection().kind == ReportSelection::Kind::Collection;
     setWindowTitle(isCollection ? QStringLiteral("Collection") : QStringLiteral("Table"));
@@ -19,6 +33,22 @@ CTearOff::CTearOff(CViewSite& site, QWidget* parent) : QWidget(parent, Qt::Windo
 void CTearOff::SetView(CReportView* view) {
     m_view = view;
     layout()->addWidget(view);
+    AddKeys();
+}
+
+// Those that the shell gives to the commands work in its own window only.
+void CTearOff::AddKeys() {
+    const auto onKeys = [this](QKeyCombination keys, std::initializer_list<CommandId> commands) {
+        const std::vector<CommandId> ids(commands);
+        connect(new QShortcut(QKeySequence(keys), this), &QShortcut::activated, this, [this, ids] {
+            // Which of them the view knows depends on what it shows.
+            std::any_of(ids.begin(), ids.end(),
+                        [this](CommandId id) { return m_view->ExecuteCommand(static_cast<int>(id)); });
+        });
+    };
+    onKeys(Qt::CTRL | Qt::Key_F, {CommandId::Filter});
+    onKeys(Qt::CTRL | Qt::SHIFT | Qt::Key_F, {CommandId::StopFiltering});
+    onKeys(Qt::CTRL | Qt::SHIFT | Qt::Key_N, {CommandId::AddTableNote, CommandId::AddFieldNote});
 }
 
 void CTearOff::Open(const QWidget& view) {

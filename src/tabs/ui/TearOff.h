@@ -8,7 +8,8 @@
 
 namespace tavix {
 
-/// A window that keeps a second view while the first goes on to something else.
+/// A window that keeps a second view while the first goes on to something else, until the user closes it. When its
+/// report is closed it says so, and shows its object again when the report is.
 class CTearOff : public QWidget, public CRefreshItem {
     Q_OBJECT
   public:
@@ -24,6 +25,8 @@ class CTearOff : public QWidget, public CRefreshItem {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
+    void AddKeys();
+
     CReportView* m_view = nullptr;
 };
 

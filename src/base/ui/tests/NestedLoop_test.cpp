@@ -17,7 +17,7 @@ TEST(NestedLoops, tellOfDialogsOnceTheyAreOpenAndOnceTheyAreLeft) {
         ModalDialog<QDialog> outer;
         QTimer::singleShot(0, &*outer, [&] {
             EXPECT_TRUE(loops.isDialogOpen());
-            QCoreApplication::processEvents();
+            QCoreApplication::sendPostedEvents();
             EXPECT_EQ(1, told.count());
             ModalDialog<QDialog> inner(&*outer);
             QTimer::singleShot(0, &*inner, &QDialog::reject);

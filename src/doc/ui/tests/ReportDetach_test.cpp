@@ -10,6 +10,7 @@
 #include <QScreen>
 #include <QStackedWidget>
 #include <QTimer>
+#include <QWindow>
 
 #include <gmock/gmock.h>
 
@@ -17,7 +18,6 @@ namespace tavix {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using ::testing::StartsWith;
 using testing::ViewOverSample;
 
@@ -160,14 +160,32 @@ TEST_F(ReportDetach, everyWindowKeepsItsObjectAndFollowsTheRuns) {
     EXPECT_EQ("302", cell(frequencies, 1, 1));
     EXPECT_TRUE(late.GetView().GetTab(CTableView::Notes).isVisible());
 
-    // Reading the same report again changes nothing about them; other ones go without a word.
+    // Reading the same report again changes nothing about them; in another one they wait for theirs.
     CTearOff* const first = tearOffs().front();
     ASSERT_TRUE(load());
     EXPECT_EQ(4U, tearOffs().size());
     EXPECT_EQ(first, tearOffs().front());
     EXPECT_THAT(headers(), allOfMarch);
     ASSERT_TRUE(m_view->LoadReportForJob("text", m_sample.inventoryJob, m_sample.path));
-    EXPECT_THAT(tearOffs(), IsEmpty());
+    ASSERT_EQ(4U, tearOffs().size());
+    for (CTearOff* window : tearOffs()) {
+        EXPECT_EQ("The report \u201CSales\u201D is closed. Open it again to see here what it holds.",
+                  sentence(*window));
+        for (int index = 0; index < window->GetView().GetTabCount(); ++index) {
+            window->GetView().SelectTab(index);
+            EXPECT_FALSE(window->GetView().GetTab(index).isVisible());
+        }
+        for (const int command : {32818, 32819, 32832, 32834})
+            EXPECT_FALSE(window->GetView().UpdateCommand(command).enabled) << command;
+    }
+    EXPECT_THAT(headers(), ElementsAre("customers  ", "late orders  ", "name  ", "Amounts  "));
+    EXPECT_TRUE(m_view->GetTavixDoc().SetCurrentJob(m_view->GetTavixDoc().GetCurrentJob()));
+    m_view->Broadcast(RefreshHint::OptionsChanged);
+    name.GetView().SelectTab(CFieldView::Frequency);
+    ASSERT_TRUE(load());
+    EXPECT_THAT(headers(), allOfMarch);
+    EXPECT_EQ("302", cell(frequencies, 1, 1));
+    EXPECT_EQ("", sentence(late));
 }
 
 TEST_F(ReportDetach, aFieldWhoseTableIsGoneSaysSo) {
@@ -182,11 +200,17 @@ TEST_F(ReportDetach, aFieldWhoseTableIsGoneSaysSo) {
     EXPECT_EQ(23 + 1, rows(window.GetView().GetTab(0)));
 }
 
-TEST_F(ReportDetach, windowsGoWithTheReportAndWithTheView) {
+TEST_F(ReportDetach, windowsLiveUntilTheyAreClosedAndGoWithTheView) {
     const QPointer<CTearOff> first = &detach();
     EXPECT_TRUE(execute(57600));
     EXPECT_TRUE(isEmptyViewShown());
-    EXPECT_FALSE(first && first->isVisible());
+    ASSERT_TRUE(first && first->isVisible());
+    EXPECT_EQ("The report \u201CSales\u201D is closed. Open it again to see here what it holds.", sentence(*first));
+    ASSERT_TRUE(load());
+    EXPECT_EQ("", sentence(*first));
+    EXPECT_EQ("customers  1,000 records", header(*first));
+    EXPECT_TRUE(execute(57600));
+    first->close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(first.isNull());
 
@@ -195,6 +219,56 @@ TEST_F(ReportDetach, windowsGoWithTheReportAndWithTheView) {
     const QPointer<CTearOff> second = &detach();
     m_view.reset();
     EXPECT_TRUE(second.isNull());
+}
+
+TEST_F(ReportDetach, aWindowBelongsToTheOneThatItCameFrom) {
+    CTearOff& window = detach();
+    EXPECT_EQ(Qt::Dialog, window.windowType()) << "other windows do not go with their owner under X11";
+    EXPECT_EQ(m_view->windowHandle(), window.windowHandle()->transientParent());
+    EXPECT_TRUE(window.windowFlags().testFlag(Qt::WindowMaximizeButtonHint));
+}
+
+TEST_F(ReportDetach, aWindowHasTheKeysOfTheMainOne) {
+    ASSERT_TRUE(selectField("customers", "name"));
+    report().SelectTab(CFieldView::Frequency);
+    CTearOff& field = detach();
+    ASSERT_TRUE(selectTable("suppliers"));
+    const auto press = [this](CTearOff& window, Qt::Key key, Qt::KeyboardModifiers held) {
+        activate(window);
+        window.GetView().FocusContents();
+        QString opened;
+        QTimer::singleShot(0, qApp, [&opened] {
+            if (QWidget* dialog = QApplication::activeModalWidget()) {
+                opened = QLatin1String(dialog->metaObject()->className());
+                dialog->close();
+            }
+        });
+        QTest::keyClick(QApplication::focusWidget(), key, held);
+        QCoreApplication::processEvents();
+        return toUtf8(opened);
+    };
+    EXPECT_EQ("tavix::CFilterDlg", press(field, Qt::Key_F, Qt::ControlModifier));
+    EXPECT_EQ("tavix::CNoteDlg", press(field, Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier));
+    ASSERT_TRUE(selectTable("customers"));
+    CTearOff& table = detach();
+    ASSERT_TRUE(selectTable("suppliers"));
+    EXPECT_EQ("tavix::CNoteDlg", press(table, Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier));
+    EXPECT_EQ("", press(table, Qt::Key_F, Qt::ControlModifier)) << "there is nothing to filter";
+    // Enter opens the field in the frame, whatever that shows.
+    table.GetView().SelectTab(CTableView::StandardMetrics);
+    CUGCtrl& metrics = grid(table.GetView().GetTab(CTableView::StandardMetrics));
+    metrics.SelectRow(2);
+    QTest::keyClick(&metrics, Qt::Key_Return);
+    EXPECT_EQ("balance", m_view->GetSelection().fieldName);
+    EXPECT_EQ("customers", m_view->GetSelection().table.name);
+    selectCollection(0);
+    CTearOff& collection = detach();
+    ASSERT_TRUE(selectTable("suppliers"));
+    CUGCtrl& members = grid(collection.GetView().GetTab(CTableView::StandardMetrics));
+    members.SelectRow(0);
+    QTest::keyClick(&members, Qt::Key_Return);
+    EXPECT_EQ(ReportSelection::Kind::Collection, m_view->GetSelection().kind);
+    EXPECT_NE(-1, m_view->GetSelection().fieldId);
 }
 
 TEST_F(ReportDetach, theViewMayGoBeforeItsClosedWindowsDo) {

@@ -55,7 +55,7 @@ TEST_F(ReportRefresh, aTabThatIsNotSeenAsksNothing) {
     EXPECT_FALSE(tab().findChild<QLabel*>(QStringLiteral("note"))->text().isEmpty());
 }
 
-TEST_F(ReportRefresh, aFailureIsToldOnceByTheViewAndByEachWindowAndLeavesWhatIsShown) {
+TEST_F(ReportRefresh, aFailureIsOneMessageForTheViewAndItsWindowsAndLeavesWhatIsShown) {
     report().SelectTab(CFieldView::Patterns);
     const int shown = rows(tab());
     ASSERT_GT(shown, 0);
@@ -63,13 +63,24 @@ TEST_F(ReportRefresh, aFailureIsToldOnceByTheViewAndByEachWindowAndLeavesWhatIsS
     EXPECT_EQ(shown, rows(window.GetView().GetTab(CFieldView::Patterns)));
     breakPatterns();
     m_messages.expectWarn(patternMessage());
-    m_messages.expectWarn(patternMessage());
     ASSERT_TRUE(setRun(1));
     settle();
     EXPECT_EQ(0U, m_messages.pending());
     EXPECT_EQ(shown, rows(tab()));
     EXPECT_TRUE(grid(tab()).isVisible());
     EXPECT_EQ(shown, rows(window.GetView().GetTab(CFieldView::Patterns)));
+}
+
+// All three pages of the navigator and the tab read it.
+TEST_F(ReportRefresh, aRunOfWhichNothingCanBeReadIsOneMessage) {
+    testing::runScript(m_sample.path, "PRAGMA foreign_keys=OFF; DROP TABLE run_table; DROP TABLE collection; "
+                                      "DROP TABLE redundancy; DROP TABLE run_field");
+    (void)m_view->GetViewer()->getDSNList();
+    m_messages.expectWarn("The contents of the report cannot be read:\n\n" +
+                          m_view->GetViewer()->getErrorString().str());
+    ASSERT_TRUE(setRun(0));
+    settle();
+    EXPECT_EQ(0U, m_messages.pending());
 }
 
 // The frame keeps its views; what they held must not be taken for what the next report has.

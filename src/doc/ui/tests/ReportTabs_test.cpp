@@ -148,6 +148,54 @@ TEST_F(ReportTabs, aPressSelectsAndADoubleClickIsPosted) {
     QCoreApplication::processEvents();
     ASSERT_EQ(1, doubleClicks.count());
     EXPECT_EQ(2, doubleClicks.at(0).at(0).toInt());
+    // Other buttons, and a place beside the tabs, mean nothing.
+    QTest::mouseDClick(&control, Qt::RightButton, {}, middleOfTab(1));
+    QTest::mouseDClick(&control, Qt::MiddleButton, {}, middleOfTab(1));
+    QTest::mouseDClick(&control, Qt::LeftButton, {}, {control.width() - 2, 10});
+    QCoreApplication::processEvents();
+    EXPECT_EQ(1, doubleClicks.count());
+    EXPECT_EQ(2, report().GetCurrentTab());
+}
+
+TEST_F(ReportTabs, theStripKeepsItsHeightInAnyFontAndFollowsIt) {
+    const auto widths = [this] {
+        int sum = 0;
+        for (int index = 0; index < strip().count(); ++index)
+            sum += strip().tabRect(index).width();
+        return sum;
+    };
+    const QFont usual = m_view->font();
+    const int before = widths();
+    QFont font = usual;
+    font.setPointSizeF(usual.pointSizeF() * 0.6);
+    m_view->setFont(font);
+    EXPECT_EQ(22, strip().height());
+    EXPECT_LT(widths(), before);
+    font.setPointSizeF(usual.pointSizeF() * 3);
+    m_view->setFont(font);
+    EXPECT_EQ(22, strip().height());
+    // Captions that are too high are drawn smaller: nothing of them is cut off below.
+    const QImage image = strip().grab().toImage();
+    const QRect face = strip().tabRect(report().GetCurrentTab());
+    for (int x = face.left() + 4; x < face.right() - 4; ++x)
+        EXPECT_EQ(QColor(223, 223, 223), image.pixelColor(x, 20)) << x;
+    m_view->setFont(usual);
+    EXPECT_EQ(before, widths());
+}
+
+TEST_F(ReportTabs, theNavigatorStepsThroughTheTabsAsWell) {
+    auto& tree = *m_view->findChild<QTreeView*>(QStringLiteral("page0"));
+    activate(*m_view);
+    m_view->SetInternalFocus();
+    ASSERT_EQ(&tree, QApplication::focusWidget());
+    const QModelIndex selected = tree.currentIndex();
+    QTest::keyClick(&tree, Qt::Key_PageDown, Qt::ControlModifier);
+    EXPECT_EQ(1, report().GetCurrentTab());
+    QTest::keyClick(&tree, Qt::Key_PageUp, Qt::ControlModifier);
+    QTest::keyClick(&tree, Qt::Key_PageUp, Qt::ControlModifier);
+    EXPECT_EQ(report().GetTabCount() - 1, report().GetCurrentTab());
+    EXPECT_EQ(&tree, QApplication::focusWidget()) << "so that it can be pressed again";
+    EXPECT_EQ(selected, tree.currentIndex());
 }
 
 /// How well one colour can be read on another, from 1 to 21 (WCAG 2.1, contrast ratio).

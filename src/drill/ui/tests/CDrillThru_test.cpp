@@ -1,5 +1,6 @@
 #include "base/tests/ScriptedMessages.h"
 #include "base/tests/TempFolder.h"
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "base/ui/tests/NamedControls.h"
 #include "drill/tests/FakeCursors.h"
@@ -17,6 +18,7 @@
 #include <QPrinter>
 #include <QTest>
 #include <QTimer>
+#include <QWindow>
 
 #include <gmock/gmock.h>
 
@@ -201,6 +203,25 @@ TEST_F(DrillThru, exportsCopiesAndPrints) {
     EXPECT_TRUE(printed.readAll().startsWith("%PDF"));
 }
 
+TEST_F(DrillThru, itsDialogsAreKnownToTheShellAndItIsAWindowOfItsOwner) {
+    FakeSource source = sampleSource({"a"});
+    CDrillThru& window = *open(openDrill(source));
+    for (const char* name : {"export", "print"}) {
+        bool wasOpen = false;
+        QTimer::singleShot(0, &window, [&wasOpen] {
+            wasOpen = NestedLoops::instance().isDialogOpen();
+            QApplication::activeModalWidget()->close();
+        });
+        button(window, name).click();
+        EXPECT_TRUE(wasOpen) << name;
+        EXPECT_FALSE(NestedLoops::instance().isDialogOpen());
+    }
+    EXPECT_EQ(Qt::Dialog, window.windowType()) << "other windows do not go with their owner under X11";
+    EXPECT_EQ(m_frame.windowHandle(), window.windowHandle()->transientParent());
+    EXPECT_FALSE(window.isModal());
+    EXPECT_TRUE(window.windowFlags().testFlag(Qt::WindowMaximizeButtonHint));
+}
+
 TEST_F(DrillThru, aLongReadingCanBeCancelled) {
     ReadingProgress progress(ReadingKind::Source, &m_frame);
     EXPECT_TRUE(progress.progress("Reading", 1, 100));
@@ -208,8 +229,10 @@ TEST_F(DrillThru, aLongReadingCanBeCancelled) {
     // Cancels as soon as the dialog is there.
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, [] {
-        if (QWidget* dialog = QApplication::activeModalWidget())
+        if (QWidget* dialog = QApplication::activeModalWidget()) {
+            EXPECT_TRUE(NestedLoops::instance().isDialogOpen());
             QTest::keyClick(dialog, Qt::Key_Escape);
+        }
     });
     poll.start(5);
     QElapsedTimer since;

@@ -1,3 +1,4 @@
+#include "access/PrViewer.h"
 #include "base/tests/ScriptedMessages.h"
 #include "base/tests/TempFolder.h"
 #include "base/ui/QtText.h"
@@ -5,6 +6,7 @@
 #include "nav/ui/CTables.h"
 #include "nav/ui/NavigatorTabs.h"
 #include "nav/ui/NavigatorTree.h"
+#include "support/RunScript.h"
 #include "support/SampleRepository.h"
 
 #include <QApplication>
@@ -75,6 +77,35 @@ TEST_F(NavigatorOverSample, pageTitlesAreWholeWhereThereIsRoomAndToldInAnyCase) 
     m_navigator.resize(160, 600);
     EXPECT_TRUE(tabs->IsCut());
     EXPECT_GE(tabs->tabRect(0).width(), tabs->fontMetrics().horizontalAdvance(QStringLiteral("Tables")));
+}
+
+TEST_F(NavigatorOverSample, aBranchThatCannotBeReadCanBeOpenedAgain) {
+    ASSERT_TRUE(m_navigator.SelectTable("Warehouse", "crm", "public", "customers", 0));
+    const QPersistentModelIndex table = tree().currentIndex();
+    testing::runScript(m_sample.path, "ALTER TABLE run_field RENAME TO renamed");
+    (void)m_site.document.GetViewer()->getFieldList(m_sample.tables.at("customers"));
+    m_messages.expectWarn("The contents of the report cannot be read:\n\n" +
+                          m_site.document.GetViewer()->getErrorString().str());
+    tree().expand(table);
+    EXPECT_EQ(0U, m_messages.pending());
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(tree().isExpanded(table));
+    EXPECT_TRUE(tree().model()->hasChildren(table));
+    testing::runScript(m_sample.path, "ALTER TABLE renamed RENAME TO run_field");
+    tree().expand(table);
+    EXPECT_GT(tree().model()->rowCount(table), 3);
+}
+
+TEST_F(NavigatorOverSample, aPageThatCannotBeReadIsReadWhenItIsShownAgain) {
+    testing::runScript(m_sample.path, "ALTER TABLE collection RENAME TO renamed");
+    (void)m_site.document.GetViewer()->getGlobalCollections();
+    m_messages.expectWarn("The contents of the report cannot be read:\n\n" +
+                          m_site.document.GetViewer()->getErrorString().str());
+    m_site.Broadcast(RefreshHint::RunLoaded);
+    EXPECT_EQ(0, tree(1).model()->rowCount());
+    testing::runScript(m_sample.path, "ALTER TABLE renamed RENAME TO collection");
+    m_navigator.ShowPage(NavigatorPage::Collections);
+    EXPECT_EQ(2, tree(1).model()->rowCount());
 }
 
 TEST_F(NavigatorOverSample, theSelectedFieldGoesIntoACollectionAndThePageShowsIt) {

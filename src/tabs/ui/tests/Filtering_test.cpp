@@ -41,7 +41,9 @@ class Site final : public CViewSite, public DocumentFrame {
     [[nodiscard]] const ReportSelection& GetSelection() const override { return selection; }
     void SelectionChanged(NavigatorPage, const ReportSelection&) override {}
     bool SelectField(int) override { return false; }
+    bool OpenField(const ReportSelection&, int) override { return false; }
     bool Navigate(const NavigateRequest&) override { return false; }
+    void WarnSoon(const std::string& text) override { document.GetMessages().warn(text); }
     [[nodiscard]] std::string GetDetailsText(const ReportSelection&) override { return {}; }
     void Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) override {
         for (CRefreshItem* item : listeners)

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "XlibShell.h"
+
+#include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
+
+#include <vector>
+
+namespace embedding {
+
+/// Prints whether it holds, and counts it when it does not.
+bool check(bool holds, const char* what);
+/// How many checks have failed.
+[[nodiscard]] int failedChecks();
+
+[[nodiscard]] int number(tv::TavixCommandConstants command);
+
+/// Keys and clicks as a user makes them: they go where the X server sends them.
+class User {
+  public:
+    explicit User(XlibShell& shell) : m_display(shell.display()) {}
+
+    void press(KeySym symbol, bool shift = false) {
+        const KeyCode code = XKeysymToKeycode(m_display, symbol);
+        const KeyCode shiftCode = XKeysymToKeycode(m_display, XK_Shift_L);
+        if (shift)
+            XTestFakeKeyEvent(m_display, shiftCode, True, 0);
+        XTestFakeKeyEvent(m_display, code, True, 0);
+        XTestFakeKeyEvent(m_display, code, False, 0);
+        if (shift)
+            XTestFakeKeyEvent(m_display, shiftCode, False, 0);
+        XFlush(m_display);
+    }
+    void click(Window window, int x, int y) {
+        int rootX = 0;
+        int rootY = 0;
+        Window child = 0;
+        XTranslateCoordinates(m_display, window, DefaultRootWindow(m_display), x, y, &rootX, &rootY, &child);
+        XTestFakeMotionEvent(m_display, -1, rootX, rootY, 0);
+        XTestFakeButtonEvent(m_display, Button1, True, 0);
+        XTestFakeButtonEvent(m_display, Button1, False, 0);
+        XFlush(m_display);
+    }
+
+  private:
+    Display* m_display;
+};
+
+/// Every second pixel of the view in both directions; empty while it is not on the screen.
+[[nodiscard]] std::vector<unsigned long> pixels(XlibShell& shell);
+/// The same once nothing is painted any more.
+[[nodiscard]] std::vector<unsigned long> settledPixels(XlibShell& shell);
+[[nodiscard]] bool isAsLargeAsItsPlace(XlibShell& shell);
+/// A window manager that is still starting may miss a window that is made meanwhile.
+[[nodiscard]] bool windowManagerRuns(XlibShell& shell);
+/// Keys go where a test sends them only once the window manager has the window in its frame and shows it.
+[[nodiscard]] bool isManaged(XlibShell& shell);
+/// -1 when there is no such window.
+[[nodiscard]] int childrenOf(Display* display, Window window, Window* first = nullptr);
+/// The windows anywhere on the screen that belong to the shell's as dialogs do.
+[[nodiscard]] std::vector<Window> dialogsOf(XlibShell& shell);
+
+} // namespace embedding

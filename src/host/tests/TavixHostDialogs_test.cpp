@@ -1,0 +1,250 @@
+// Dialogs and menus run event loops of their own, and a shell's events are handled there as well: here the shell ends
+// or changes a viewer that has one open.
+#include "host/tests/HostOverSample.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QPointer>
+#include <QTabBar>
+#include <QTest>
+#include <QTimer>
+#include <QToolButton>
+
+#include <algorithm>
+#include <array>
+#include <functional>
+
+namespace Veldra::Solenne::Tavix {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+/// Everything of the viewer that runs an event loop within a call.
+enum class Opened {
+    Options,
+    DeleteHistory,
+    NoteCategories,
+    TableNote,
+    FieldNote,
+    Filter,
+    Details,
+    ListMenu,
+    TreeMenu,
+};
+
+constexpr std::array kAll = {Opened::Options,   Opened::DeleteHistory, Opened::NoteCategories,
+                             Opened::TableNote, Opened::FieldNote,     Opened::Filter,
+                             Opened::Details,   Opened::ListMenu,      Opened::TreeMenu};
+
+bool isMenu(Opened what) {
+    return what == Opened::ListMenu || what == Opened::TreeMenu;
+}
+
+class HostDialogs : public HostOverSample, public ::testing::WithParamInterface<Opened> {
+  protected:
+    void SetUp() override {
+        m_host.DeleteHistoryEvent.Attach([](const std::function<void()>& perform) { perform(); });
+        m_host.DialogEvent.Attach([this](TavixHost&, bool isOpen) { m_dialogs.push_back(isOpen); });
+        ASSERT_TRUE(load());
+        ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
+    }
+    void selectField(int row) {
+        grid().selectRow(row);
+        QTest::keyClick(&grid(), Qt::Key_Return);
+        ASSERT_TRUE(isShown("fieldView"));
+    }
+    void showTab(int index) { report()->findChild<QTabBar*>(QStringLiteral("tabStrip"))->setCurrentIndex(index); }
+    static void askForMenu(QWidget& widget) {
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(), widget.mapToGlobal(QPoint(5, 5)));
+        QCoreApplication::sendEvent(&widget, &event);
+    }
+
+    /// Opens it, and does `act` in its event loop. Returns when it is closed.
+    void open(Opened what, const std::function<void()>& act) {
+        int acted = 0;
+        const auto soon = [&acted, act] {
+            QTimer::singleShot(0, qApp, [&acted, act] {
+                ++acted;
+                ASSERT_TRUE(QApplication::activeModalWidget() || QApplication::activePopupWidget());
+                act();
+            });
+        };
+        switch (what) {
+        case Opened::Options:
+            soon();
+            m_host.ExecuteCommand(static_cast<int>(CommandId::Options));
+            break;
+        case Opened::DeleteHistory:
+            soon();
+            m_host.ExecuteCommand(static_cast<int>(CommandId::DeleteHistory));
+            break;
+        case Opened::NoteCategories:
+            soon();
+            m_host.ExecuteCommand(static_cast<int>(CommandId::NoteCategories));
+            break;
+        case Opened::TableNote:
+            soon();
+            m_host.ExecuteCommand(static_cast<int>(CommandId::AddTableNote));
+            break;
+        case Opened::FieldNote:
+            selectField(1);
+            soon();
+            m_host.ExecuteCommand(static_cast<int>(CommandId::AddFieldNote));
+            break;
+        case Opened::Filter:
+            selectField(1);
+            showTab(1);
+            soon();
+            m_host.ExecuteCommand(static_cast<int>(CommandId::Filter));
+            break;
+        case Opened::Details:
+            soon();
+            report()->findChild<QToolButton*>(QStringLiteral("detailsButton"))->click();
+            break;
+        case Opened::ListMenu:
+            soon();
+            askForMenu(grid());
+            break;
+        case Opened::TreeMenu:
+            soon();
+            askForMenu(tree(0));
+            break;
+        }
+        EXPECT_EQ(1, acted) << "it was not opened";
+    }
+    static void closeIt() {
+        QWidget* popup = QApplication::activePopupWidget();
+        (popup ? popup : QApplication::activeModalWidget())->close();
+    }
+    static bool isAnythingVisible() {
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        return std::any_of(windows.begin(), windows.end(), [](const QWidget* window) { return window->isVisible(); });
+    }
+
+    std::vector<bool> m_dialogs;
+};
+
+TEST_P(HostDialogs, theHostMayGoUnderThem) {
+    const QPointer<QWidget> view = m_view;
+    open(GetParam(), [this] {
+        m_host.Dispose();
+        EXPECT_FALSE(m_host.HasReport());
+        EXPECT_FALSE(m_host.ExecuteCommand(static_cast<int>(CommandId::New)));
+        EXPECT_FALSE(isAnythingVisible());
+    });
+    EXPECT_FALSE(m_host.IsDialogOpen());
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(view) << "nothing uses it any more";
+    // The host can have another window, and nothing of the old one comes into it.
+    m_view = TavixQtWindow::Build(m_host, nullptr);
+    m_view->show();
+    EXPECT_TRUE(load());
+}
+
+TEST_P(HostDialogs, theReportStaysUntilTheyAreClosed) {
+    const int run = m_host.GetCurrentRun();
+    const std::size_t runs = m_host.GetJobRuns().size();
+    open(GetParam(), [&] {
+        EXPECT_EQ(!isMenu(GetParam()), m_host.IsDialogOpen());
+        if (m_host.IsDialogOpen()) {
+            EXPECT_FALSE(m_host.LoadReportForJob("", m_sample.inventoryJob, &m_connection));
+            EXPECT_FALSE(m_host.SetCurrentRun(m_sample.salesRuns.front()));
+            EXPECT_FALSE(m_host.SelectTable("Warehouse", "ODBC", "", "dbo", "suppliers"));
+            EXPECT_TRUE(m_host.ExecuteCommand(static_cast<int>(CommandId::New)));
+            EXPECT_FALSE(m_host.ExecuteUpdateUICommand(static_cast<int>(CommandId::New)).Enabled);
+            EXPECT_FALSE(m_host.ExecuteCommand(1)) << "nobody knows it";
+            EXPECT_EQ(4U, m_messages.texts.size());
+            EXPECT_THAT(m_messages.texts, ::testing::Each("The report has an open dialog. Close it first."));
+            m_messages.texts.clear();
+        }
+        closeIt();
+    });
+    EXPECT_EQ("Sales", m_host.GetReportTitle());
+    EXPECT_EQ(run, m_host.GetCurrentRun());
+    EXPECT_EQ(runs, m_host.GetJobRuns().size());
+    QCoreApplication::processEvents();
+    if (isMenu(GetParam()))
+        EXPECT_THAT(m_dialogs, IsEmpty());
+    else
+        EXPECT_THAT(m_dialogs, ElementsAre(true, false));
+    EXPECT_TRUE(m_host.LoadReportForJob("", m_sample.inventoryJob, &m_connection));
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, HostDialogs, ::testing::ValuesIn(kAll),
+                         [](const auto& tested) { return std::to_string(static_cast<int>(tested.param)); });
+
+class HostsEnd : public ::testing::Test {
+  protected:
+    tavix::testing::TempFolder m_folder;
+    tavix::testing::SampleRepository m_sample = tavix::testing::SampleRepository::build(m_folder.file("sample.tavix"));
+    PathConnection m_connection{m_sample.path};
+};
+
+// With everything that it was given, as a shell does that is about to end.
+TEST_F(HostsEnd, theHostItselfMayBeDestroyedWithItsMessagesAndWidgets) {
+    for (const CommandId command : {CommandId::DeleteHistory, CommandId::Options, CommandId::NoteCategories}) {
+        auto messages = std::make_unique<RecordedMessages>();
+        auto host = std::make_unique<TavixHost>(*messages, tavix::makeMemorySettings());
+        auto parent = std::make_unique<QWidget>();
+        const QPointer<QWidget> view = TavixQtWindow::Build(*host, parent.get());
+        parent->show();
+        host->DeleteHistoryEvent.Attach([](const std::function<void()>& perform) { perform(); });
+        ASSERT_TRUE(host->LoadReportForJob("", m_sample.salesJob, &m_connection));
+        QTimer::singleShot(0, qApp, [&] {
+            host.reset();
+            parent.reset();
+            messages.reset();
+        });
+        host->ExecuteCommand(static_cast<int>(command));
+        EXPECT_FALSE(host);
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(view);
+    }
+}
+
+TEST_F(HostsEnd, theParentOfTheViewMayBeDestroyedUnderADialog) {
+    RecordedMessages messages;
+    TavixHost host(messages, tavix::makeMemorySettings());
+    host.DeleteHistoryEvent.Attach([](const std::function<void()>& perform) { perform(); });
+    for (const CommandId command : {CommandId::DeleteHistory, CommandId::Options, CommandId::NoteCategories}) {
+        auto grandparent = std::make_unique<QWidget>();
+        const QPointer<QWidget> view = TavixQtWindow::Build(host, new QWidget(grandparent.get()));
+        grandparent->show();
+        ASSERT_TRUE(host.LoadReportForJob("", m_sample.salesJob, &m_connection));
+        QTimer::singleShot(0, qApp, [&] { grandparent.reset(); });
+        host.ExecuteCommand(static_cast<int>(command));
+        EXPECT_FALSE(host.HasReport());
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(view);
+    }
+}
+
+TEST_F(HostsEnd, aHandlerMayDestroyTheHostThatCallsIt) {
+    RecordedMessages messages;
+    const auto make = [&] {
+        auto host = std::make_unique<TavixHost>(messages, tavix::makeMemorySettings());
+        TavixQtWindow::Build(*host, nullptr)->show();
+        EXPECT_TRUE(host->LoadReportForJob("", m_sample.salesJob, &m_connection));
+        return host;
+    };
+    auto host = make();
+    std::function<void()> kept;
+    int calls = 0;
+    host->DeleteHistoryEvent.Attach([&](const std::function<void()>& perform) {
+        kept = perform;
+        host.reset();
+    });
+    host->DeleteHistoryEvent.Attach([&calls](const std::function<void()>&) { ++calls; });
+    host->ExecuteCommand(static_cast<int>(CommandId::DeleteHistory));
+    EXPECT_EQ(0, calls) << "there is no such event any more";
+    kept();
+    host = make();
+    host->RunsChangedEvent.Attach([&host](TavixHost&) { host.reset(); });
+    host->ExecuteCommand(static_cast<int>(CommandId::New));
+    QCoreApplication::processEvents();
+    EXPECT_THAT(messages.texts, IsEmpty());
+}
+
+} // namespace
+} // namespace Veldra::Solenne::Tavix
