@@ -11,6 +11,7 @@
 #include <climits>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 
 namespace tavix {
@@ -21,6 +22,10 @@ constexpr std::string_view kFileError = "File Error";
 
 bool endsWith(std::string_view path, std::string_view ending) {
     return path.size() >= ending.size() && foldCase(path.substr(path.size() - ending.size())) == ending;
+}
+
+std::string cannotOpen(const std::string& path) {
+    return "Unable to open or create file " + path;
 }
 
 bool isTooLong(const std::string& path) {
@@ -61,7 +66,7 @@ Status putText(const CDrillThruDataSrc& source, FileWriter& file) {
 }
 
 bool saveText(const CDrillThruDataSrc& source, const std::string& path, Messages& messages) {
-    const std::string failed = "Unable to open or create file " + path;
+    const std::string failed = cannotOpen(path);
     const auto file = FileWriter::open(path, FileWriter::Reader::Require);
     if (!file) {
         messages.warn(failed, kFileError);
@@ -157,6 +162,21 @@ bool saveDrillRows(const CDrillThruDataSrc& source, const std::string& path, std
     }
     const auto busy = messages.busy();
     return isWorksheet ? saveWorksheet(source, path, context, messages) : saveText(source, path, messages);
+}
+
+Status saveMadeFile(const std::string& made, const std::string& path) {
+    constexpr std::size_t kPiece = std::size_t{1} << 20u;
+    std::ifstream from(made, std::ios::binary);
+    const auto file = FileWriter::open(path, FileWriter::Reader::Require);
+    Status saved = file ? Status() : file.error();
+    std::string piece(kPiece, '\0');
+    while (saved && from) {
+        from.read(piece.data(), static_cast<std::streamsize>(piece.size()));
+        saved = (*file)->write(std::string_view(piece).substr(0, static_cast<std::size_t>(from.gcount())));
+    }
+    if (saved)
+        saved = from.eof() ? (*file)->commit() : Error{"The temporary file cannot be read"};
+    return saved ? Status() : Error{cannotOpen(path) + "\n\n" + saved.error().text};
 }
 
 } // namespace tavix
