@@ -99,8 +99,8 @@ Status putRows(const CDrillThruDataSrc& source, worksheet::Sheet& sheet) {
             return cell.error();
         for (int column = 0; column < source.GetColumnCount(); ++column, *cell = cell->next()) {
             const DrillColumn& shown = source.GetRows().columns()[static_cast<std::size_t>(column)];
-            const Status put = row == 0 ? cell->putHeader(shown.name)
-                                        : putCell(*cell, shown.type, source.GetText(column, row - 1).text);
+            Status put = row == 0 ? cell->putHeader(shown.name)
+                                  : putCell(*cell, shown.type, source.GetText(column, row - 1).text);
             if (!put)
                 return put;
         }
