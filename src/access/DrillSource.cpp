@@ -159,10 +159,13 @@ Result<std::size_t> examine(const DrillTable& table, const Reader& reader, std::
     return findColumn(table, reader.columnNames());
 }
 
-Status openSearch(const DrillTable& table, const WantedRows& wanted, DrillSource& source) {
+/// False for a compressed file, which is for openFiles().
+Result<bool> openSearch(const DrillTable& table, const WantedRows& wanted, DrillSource& source) {
     auto search = TextFileSearch::open(table.file->files.front().place, optionsOf(*table.file));
     if (!search)
         return search.error();
+    if (!*search)
+        return false;
     const auto column = examine(table, **search, (*search)->fileSize(), source);
     if (!column)
         return column.error();
@@ -171,7 +174,7 @@ Status openSearch(const DrillTable& table, const WantedRows& wanted, DrillSource
     if (places && places->stamp == (*search)->stamp() && (*search)->total() > 0)
         (*search)->restrictTo(places->ranges);
     source.reader = std::move(search).value();
-    return {};
+    return true;
 }
 
 std::vector<std::string> placesOf(const DrillTable::TextFile& file) {
@@ -259,13 +262,13 @@ Result<DrillSource> openTextFile(const DrillTable& table, const WantedRows& want
             return Error{fmt::format("\"{}\" is no file that can be read again.", path)};
     }
     const bool isSearch = wanted.kind == WantedRows::Kind::Value && TextFileSearch::canFind(wanted.text, file.quote);
-    const bool isOneSearched = isSearch && file.files.size() == 1 &&
-                               encodingOf(file.files.front()) == &encodingUtf8() &&
-                               source::packingOfFile(file.files.front().place) == source::Packing::None;
-    const Status opened =
-        isOneSearched ? openSearch(table, wanted, source) : openFiles(table, wanted, isSearch, source);
-    if (!opened)
-        return opened.error();
+    const bool isOneSearched = isSearch && file.files.size() == 1 && encodingOf(file.files.front()) == &encodingUtf8();
+    const Result<bool> isFound = isOneSearched ? openSearch(table, wanted, source) : false;
+    if (!isFound)
+        return isFound.error();
+    if (!*isFound)
+        if (Status opened = openFiles(table, wanted, isSearch, source); !opened)
+            return opened.error();
     return source;
 }
 

@@ -12,6 +12,7 @@
 #include <climits>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 
 namespace tavix {
@@ -22,6 +23,10 @@ constexpr std::string_view kFileError = "File Error";
 
 bool endsWith(std::string_view path, std::string_view ending) {
     return path.size() >= ending.size() && foldCase(path.substr(path.size() - ending.size())) == ending;
+}
+
+std::string cannotOpen(const std::string& path) {
+    return "Unable to open or create file " + path;
 }
 
 bool isTooLong(const std::string& path) {
@@ -62,7 +67,7 @@ Status putText(const CDrillThruDataSrc& source, FileWriter& file) {
 }
 
 bool saveText(const CDrillThruDataSrc& source, const std::string& path, Messages& messages) {
-    const std::string failed = "Unable to open or create file " + path;
+    const std::string failed = cannotOpen(path);
     const auto file = FileWriter::open(path, FileWriter::Reader::Require);
     if (!file) {
         messages.warn(failed, kFileError);
@@ -95,8 +100,8 @@ Status putRows(const CDrillThruDataSrc& source, worksheet::Sheet& sheet) {
             return cell.error();
         for (int column = 0; column < source.GetColumnCount(); ++column, *cell = cell->next()) {
             const DrillColumn& shown = source.GetRows().columns()[static_cast<std::size_t>(column)];
-            const Status put = row == 0 ? cell->putHeader(shown.name)
-                                        : putCell(*cell, shown.type, source.GetText(column, row - 1).text);
+            Status put = row == 0 ? cell->putHeader(shown.name)
+                                  : putCell(*cell, shown.type, source.GetText(column, row - 1).text);
             if (!put)
                 return put;
         }
@@ -162,6 +167,21 @@ bool saveDrillRows(const CDrillThruDataSrc& source, const std::string& path, std
     }
     const auto busy = messages.busy();
     return isWorksheet ? saveWorksheet(source, path, context, messages) : saveText(source, path, messages);
+}
+
+Status saveMadeFile(const std::string& made, const std::string& path) {
+    constexpr std::size_t kPiece = std::size_t{1} << 20u;
+    std::ifstream from(made, std::ios::binary);
+    const auto file = FileWriter::open(path, FileWriter::Reader::Require);
+    Status saved = file ? Status() : file.error();
+    std::string piece(kPiece, '\0');
+    while (saved && from) {
+        from.read(piece.data(), static_cast<std::streamsize>(piece.size()));
+        saved = (*file)->write(std::string_view(piece).substr(0, static_cast<std::size_t>(from.gcount())));
+    }
+    if (saved)
+        saved = from.eof() ? (*file)->commit() : Error{"The temporary file cannot be read"};
+    return saved ? Status() : Error{cannotOpen(path) + "\n\n" + saved.error().text};
 }
 
 } // namespace tavix

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Messages.h"
+#include "base/Result.h"
 #include "base/SettingsStore.h"
 #include "drill/CDrillThruDataSrc.h"
 
@@ -25,5 +26,8 @@ inline constexpr std::string_view kDrillFileExtension = "txt";
 /// whether the user has been told why or wants it so.
 bool saveDrillRows(const CDrillThruDataSrc& source, const std::string& path, std::string_view context,
                    Messages& messages);
+
+/// Puts the bytes of the file `made` into the file at `path`, as whole as saveDrillRows() does.
+Status saveMadeFile(const std::string& made, const std::string& path);
 
 } // namespace tavix

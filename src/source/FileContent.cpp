@@ -111,7 +111,9 @@ ForeignContent archiveContent(std::string_view start) {
 bool isDbase(std::string_view start) {
     constexpr std::string_view kVersions = "\x03\x30\x31\x43\x83\x8B\xF5";
     const auto at = [&](std::size_t place) { return static_cast<unsigned char>(start[place]); };
-    if (start.size() < 33 || kVersions.find(start[0]) == std::string_view::npos)
+    // Some versions are digits and letters, but bytes that are reserved are zero.
+    if (start.size() < 33 || kVersions.find(start[0]) == std::string_view::npos ||
+        start.substr(0, 32).find('\0') == std::string_view::npos)
         return false;
     const std::size_t header = at(8) + at(9) * std::size_t{256};
     return at(2) >= 1 && at(2) <= 12 && at(3) >= 1 && at(3) <= 31 && header > 32 && header <= start.size() &&

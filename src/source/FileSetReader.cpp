@@ -105,14 +105,14 @@ Status FileSetReader::narrowTo(std::size_t column, std::string value) {
 
 Status FileSetReader::beginSearch() {
     m_search.reset();
-    if (!m_wanted || m_current->encoding().encoding != &encodingUtf8() || m_current->fileSize() == 0 ||
-        m_current->isPacked())
+    if (!m_wanted || m_current->encoding().encoding != &encodingUtf8() || m_current->fileSize() == 0)
         return {};
     auto search = TextFileSearch::open(*m_current);
     if (!search)
         return search.error();
     m_search = std::move(*search);
-    m_search->find(m_wanted->column, m_wanted->value);
+    if (m_search)
+        m_search->find(m_wanted->column, m_wanted->value);
     return {};
 }
 

@@ -101,7 +101,7 @@ Result<std::unique_ptr<TextFileSearch>> TextFileSearch::open(const TextFileReade
     if (Status free = requireNotHeld(path); !free)
         return free.error();
     if (reader.isPacked())
-        return Error{fmt::format("\"{}\" is compressed, so its bytes are not those of its text", path)};
+        return std::unique_ptr<TextFileSearch>();
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0)
         return Error{fmt::format("\"{}\" cannot be opened: {}", path, std::generic_category().message(errno))};

@@ -26,11 +26,11 @@ class TextFileSearch final : public RowReader {
     [[nodiscard]] static bool canFind(std::string_view value, char quote);
 
     /// The options are those with which the file is read otherwise. Fails as TextFileReader does, and for what is no
-    /// regular file.
+    /// regular file. Null for a compressed file, whose bytes are not those of its text.
     [[nodiscard]] static Result<std::unique_ptr<TextFileSearch>> open(const std::string& path,
                                                                       const TextFileOptions& options);
     /// The regular file in UTF-8 that `reader` has opened and not yet read from; another one is an error when it stands
-    /// there by now.
+    /// there by now. Null for a compressed file.
     [[nodiscard]] static Result<std::unique_ptr<TextFileSearch>> open(const TextFileReader& reader);
     ~TextFileSearch() override;
     TextFileSearch(const TextFileSearch&) = delete;

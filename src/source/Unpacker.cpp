@@ -3,10 +3,8 @@
 #include "base/NumberText.h"
 
 #include <bzlib.h>
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <lzma.h>
-#include <unistd.h>
 #include <zlib.h>
 #include <zstd.h>
 #include <zstd_errors.h>
@@ -57,16 +55,6 @@ Packing packingOf(std::string_view start) {
     if (start.starts_with("\xFD\x37\x7A\x58\x5A\0"sv))
         return Packing::Xz;
     return beginsZstd(start) ? Packing::Zstd : Packing::None;
-}
-
-Packing packingOfFile(const std::string& path) {
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0)
-        return Packing::None;
-    std::array<char, kPackingMark> start{};
-    const ssize_t count = ::pread(file, start.data(), start.size(), 0);
-    ::close(file);
-    return packingOf(std::string_view(start.data(), count > 0 ? static_cast<std::size_t>(count) : 0));
 }
 
 /// One part after another. Memory that a library lacks is told as std::bad_alloc.

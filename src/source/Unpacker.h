@@ -21,8 +21,6 @@ inline constexpr std::size_t kPackingMark = 16;
 [[nodiscard]] std::string_view nameOf(Packing packing);
 
 [[nodiscard]] Packing packingOf(std::string_view start);
-/// Packing::None also for a file that cannot be read.
-[[nodiscard]] Packing packingOfFile(const std::string& path);
 
 /// The content of a compressed file, in memory that does not grow with it. Parts that were compressed one by one and
 /// joined are read as one, and zero bytes after the last part are padding. The checksums are verified.

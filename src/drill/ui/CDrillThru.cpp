@@ -275,8 +275,8 @@ void CDrillThru::Print() {
     if (!AskPrinter(printer))
         return;
     const auto busy = m_messages.busy();
-    if (!printDrillRows(m_source, m_subject->text(), m_grid->font(), printer))
-        m_messages.warn("The printer cannot be started.", "Print");
+    if (const Status printed = printDrillRows(m_source, m_subject->text(), m_grid->font(), printer); !printed)
+        m_messages.warn(printed.error().text, "Print");
 }
 
 } // namespace tavix

@@ -70,13 +70,16 @@ TEST(FileContent, TextStaysTextWhateverItBeginsWith) {
     std::string padded = "id,name\n";
     for (int i = 0; i < 50; ++i)
         padded += "1," + std::string("Bern\0\0\0\0\n", 9);
+    std::string emptyLines = "0";
+    for (int i = 0; i < 3000; ++i)
+        emptyLines += "\r\n";
     const std::string wide("a\0,\0b\0\n\0001\0,\0002\0\n\0", 16);
     for (const std::string& text :
          {std::string("a,b\n1,2\n"), std::string("PAR1,PAR2\n1,2\n"), std::string("ORC,x\n"), std::string("MZ;x\n"),
           std::string("GIF8 or not\n"), std::string("BZh1 is a code\n"), std::string("PK,id\n1,2\n"),
           std::string("LZIP;x\n"), std::string("Obj,x\n"), std::string("\xFC,\xE4\r\n\x1A"),
           std::string("\x1B$B%F%9%H\x1B(B,x\n"), std::string("\xEF\xBB\xBF\x01\x02\x03\x04\x05\x06"), controls, padded,
-          wide, std::string("\n"), std::string()})
+          emptyLines, wide, std::string("\n"), std::string()})
         EXPECT_EQ(contentOf(text), "") << text;
 }
 

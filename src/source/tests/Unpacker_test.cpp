@@ -132,7 +132,8 @@ TEST(PackedTextFile, IsReadAsTheTextInIt) {
         }
         EXPECT_EQ(rows, 200'000);
         EXPECT_EQ((*reader)->position(), (*reader)->total());
-        EXPECT_THAT(TextFileSearch::open(path, {}).error().text, HasSubstr("is compressed"));
+        const auto search = TextFileSearch::open(path, {});
+        EXPECT_TRUE(search && !*search);
 
         // The end is missing, which shows when the rows before it were read.
         std::ofstream(path, std::ios::binary) << bytes.substr(0, bytes.size() - 3);

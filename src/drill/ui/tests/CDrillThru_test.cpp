@@ -201,6 +201,26 @@ TEST_F(DrillThru, exportsCopiesAndPrints) {
     QFile printed(pdf);
     ASSERT_TRUE(printed.open(QIODevice::ReadOnly));
     EXPECT_TRUE(printed.readAll().startsWith("%PDF"));
+    EXPECT_TRUE(QFile::setPermissions(pdf, QFile::ReadOwner | QFile::WriteOwner));
+    button(window, "print").click();
+    EXPECT_EQ(printed.permissions() & QFile::ReadOther, QFile::Permissions());
+
+    const QString nowhere = toQString(m_folder.file("none/rows.pdf"));
+    window.AskPrinter = [&nowhere](QPrinter& printer) {
+        printer.setOutputFileName(nowhere);
+        return true;
+    };
+    m_messages.expectWarn("Unable to open or create file " + toUtf8(nowhere) + "\n\nNo such file or directory",
+                          "Print");
+    button(window, "print").click();
+    const QString full = toQString(m_folder.file("full.pdf"));
+    ASSERT_TRUE(QFile::link(QStringLiteral("/dev/full"), full));
+    window.AskPrinter = [&full](QPrinter& printer) {
+        printer.setOutputFileName(full);
+        return true;
+    };
+    m_messages.expectWarn("Unable to open or create file " + toUtf8(full) + "\n\nNo space left on device", "Print");
+    button(window, "print").click();
 }
 
 TEST_F(DrillThru, itsDialogsAreKnownToTheShellAndItIsAWindowOfItsOwner) {
