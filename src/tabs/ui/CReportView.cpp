@@ -165,6 +165,7 @@ void CReportView::ReadSubjectAgain() {
 
 void CReportView::ShowHeader() {
     m_header->SetText(toQString(titleOf(m_subject)), toQString(detailOf(m_subject)));
+    m_header->EnableDetails(hasInformation(m_subject));
     for (int i = 0; i < GetTabCount(); ++i)
         m_strip->SetCaption(i, CaptionOf(i));
 }
