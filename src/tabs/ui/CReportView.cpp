@@ -172,7 +172,10 @@ void CReportView::ShowHeader() {
 
 void CReportView::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) {
     const bool isReloaded = hint == RefreshHint::RunLoaded || hint == RefreshHint::DocumentReset;
-    if (isReloaded || hint == RefreshHint::CollectionsRefreshed)
+    // A collection may show figures of any run.
+    const bool isOfGoneRuns =
+        hint == RefreshHint::HistoryDeleted && m_subject.selection.kind == ReportSelection::Kind::Collection;
+    if (isReloaded || isOfGoneRuns || hint == RefreshHint::CollectionsRefreshed)
         m_records.Forget();
     if (isReloaded && !m_isTornOff && !Suits(m_site))
         return; // The frame is about to put another view in this one's place.
@@ -185,7 +188,11 @@ void CReportView::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter)
             ReadSubjectAgain();
         ShowTab(GetCurrentTab());
     }
-    const bool isOther = !isSameObject(before, m_subject.selection);
+    if (isOfGoneRuns) {
+        ReadSubject(before);
+        ShowTab(GetCurrentTab());
+    }
+    const bool isOther = isOfGoneRuns || !isSameObject(before, m_subject.selection);
     for (CProfTab* tab : m_tabs) {
         if (isOther)
             tab->SubjectChanged();
