@@ -78,6 +78,8 @@ WelcomePage::Section WelcomePage::makeSection(const QString& title, const QStrin
     strong.setWeight(QFont::DemiBold);
     section.title->setFont(strong);
     section.title->setTextFormat(Qt::PlainText);
+    // A long path must not widen the page.
+    section.title->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     section.list->setAccessibleName(spoken);
     section.list->setFrameShape(QFrame::NoFrame);
     section.list->setUniformItemSizes(true);
@@ -112,6 +114,7 @@ void WelcomePage::setRecent(const std::vector<std::string>& paths) {
 
 void WelcomePage::setVault(const std::string& folder, const std::vector<std::string>& paths) {
     m_vault.title->setText(QStringLiteral("In the vault %1").arg(toQString(folder)));
+    m_vault.title->setToolTip(toQString(folder).toHtmlEscaped());
     fill(m_vault, paths);
 }
 
