@@ -12,6 +12,7 @@ enum class RefreshHint {
     HistoryDeletion = 7,      ///< run history is about to be deleted
     NotesChanged = 8,         ///< a pane has changed notes or their categories
     FilterChanged = 9,        ///< a pane has changed a filter of the field whose id is the parameter
+    HistoryDeleted = 10,      ///< runs are gone, and the current one is not among them
 };
 
 /// A pane that takes part in refreshing.

@@ -206,6 +206,7 @@ void CTavixDoc::DeleteHistory(const std::function<bool(HistoryDeletion&)>& ask) 
     }
     if (deletion.bound < m_currentRun) {
         RefreshRunCount();
+        m_frame.Broadcast(RefreshHint::HistoryDeleted);
         return;
     }
     if (const auto failure = failureOf(*m_viewer, [&] { return m_viewer->setCurrentJob(deletion.runAfter); })) {

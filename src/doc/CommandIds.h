@@ -34,6 +34,7 @@ enum class CommandId {
     NarrowTableInformation = 40005,
     WidenTableInformation = 40006,
     ShowInvisible = 40007,
+    ChooseRun = 40010,
 };
 
 } // namespace tavix

@@ -33,8 +33,8 @@ FieldRecord readField(const ProfileCursor& cursor, int firstMetric) {
 }
 
 // A field that a collection holds and no run has has no figures at all.
-bool isMeasured(const ProfileCursor& cursor, int firstMetric) {
-    return !cursor.isColumnNull(layout::tailColumn(firstMetric, layout::TailFreqCount));
+bool isMeasured(const ProfileCursor& cursor) {
+    return !cursor.isColumnNull(layout::FieldTypeCode);
 }
 
 } // namespace
@@ -93,7 +93,7 @@ Status FieldRecords::Read(PrViewer& viewer, const ReportSelection& selection) {
             return Error{viewer.getErrorString().str()};
         const int firstMetric = isTable ? layout::kFieldListMetrics : layout::kCollectionFieldListMetrics;
         while (rows->next()) {
-            if (isMeasured(*rows, firstMetric))
+            if (isMeasured(*rows))
                 m_fields.emplace(rows->getColumnInt(layout::FieldId), readField(*rows, firstMetric));
         }
     } catch (const GenException& failure) {

@@ -265,7 +265,15 @@ TavixCommandState TavixHost::ExecuteUpdateUICommand(int commandId) const {
 }
 
 std::string TavixHost::GetReportTitle() const {
-    return View() ? View()->GetTavixDoc().GetTitle() : "Untitled";
+    if (!View())
+        return "Untitled";
+    const tavix::CTavixDoc& document = View()->GetTavixDoc();
+    const std::string& folder = document.GetFolderPath();
+    return folder.empty() ? document.GetTitle() : folder + "/" + document.GetTitle();
+}
+
+std::string TavixHost::GetVault() const {
+    return tavix::readText(GetSettings(), tavix::Setting::UseVault);
 }
 
 bool TavixHost::HasReport() const {

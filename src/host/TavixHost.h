@@ -114,13 +114,16 @@ class TavixHost {
     /// it opens a repository server whose connection string lacks user or password.
     void GetAuthSvrCredentials();
 
-    /// "Untitled" without a report.
+    /// With the path of the report's folder before it, "Shop/Europe/Sales"; "Untitled" without a report.
     [[nodiscard]] std::string GetReportTitle() const;
     [[nodiscard]] bool HasReport() const;
     /// The viewer's settings, in which a shell may keep a section of its own.
     [[nodiscard]] tavix::SettingsStore& GetSettings() const;
     /// The user's choice whether a shell begins with its welcome page or with what was open last.
     [[nodiscard]] bool ShowsWelcomeAtStart() const;
+    /// The folder whose repositories a shell's welcome page offers beside those opened lately, the setting `UseVault`;
+    /// "" for none.
+    [[nodiscard]] std::string GetVault() const;
     /// What kept the settings from being read, to be shown once; "" when they are in order.
     [[nodiscard]] const std::string& GetStartProblem() const;
 

@@ -157,7 +157,9 @@ bool TreeContents::FetchTables(TreeNode& node) {
         TreeNode& catalog = enter(node, TreeNodeKind::Catalog, identity.catalog);
         TreeNode& schema = enter(catalog, TreeNodeKind::Schema, identity.schema);
         TreeNode& table = append(schema, TreeNodeKind::Table, identity.id, identity.displayName());
-        table.count = identity.totalRecords;
+        // The total of a filtered table is that of the table below it.
+        const bool isFiltered = identity.kind == 'D' && identity.processedRecords >= 0;
+        table.count = isFiltered ? identity.processedRecords : identity.totalRecords;
         table.mayHaveChildren = count(*cursor, layout::TableFields) != 0;
         table.table = std::move(identity);
     }

@@ -110,6 +110,7 @@ void ShellActions::makeActions() {
         command(note)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N));
     command(CommandId::Filter)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
     command(CommandId::StopFiltering)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F));
+    command(CommandId::ChooseRun)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
     command(CommandId::NarrowNavigator)->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Left));
     command(CommandId::WidenNavigator)->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Right));
     command(CommandId::NarrowTableInformation)->setShortcut(QKeySequence(Qt::ALT | Qt::SHIFT | Qt::Key_Right));

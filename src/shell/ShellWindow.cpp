@@ -4,6 +4,7 @@
 #include "host/TavixQtWindow.h"
 #include "shell/JobListPage.h"
 #include "shell/ShellActions.h"
+#include "shell/Vault.h"
 #include "shell/WelcomePage.h"
 
 #include <QCloseEvent>
@@ -77,7 +78,7 @@ ShellWindow::ShellWindow(TavixHost& host, Messages& messages)
     connect(m_actions, &ShellActions::reopenRequested, this, &ShellWindow::reopen);
     connect(m_actions, &ShellActions::changed, this, &ShellWindow::updateState);
     connect(m_welcome, &WelcomePage::openRequested, this, &ShellWindow::askForRepository);
-    connect(m_welcome, &WelcomePage::recentChosen, this, &ShellWindow::openRepository);
+    connect(m_welcome, &WelcomePage::repositoryChosen, this, &ShellWindow::openRepository);
     connect(m_jobs, &JobListPage::jobChosen, this, [this](int jobId) {
         // The second half of a double click comes when the report is open already.
         if (m_pages->currentWidget() == m_jobs)
@@ -233,6 +234,8 @@ void ShellWindow::showReports() {
 
 void ShellWindow::showWelcome() {
     m_welcome->setRecent(m_state.recentRepositories());
+    const std::string vault = m_host.GetVault();
+    m_welcome->setVault(vault, repositoriesIn(vault));
     m_pages->setCurrentWidget(m_welcome);
     updateState();
 }

@@ -33,8 +33,8 @@ QLabel* quietLabel(const QString& text, QWidget* parent) {
 WelcomePage::WelcomePage(QWidget* parent)
     : QWidget(parent),
       m_open(new QPushButton(QStringLiteral("&Open Repository..."), this)),
-      m_recentTitle(new QLabel(QStringLiteral("Opened lately"), this)),
-      m_recent(new QListWidget(this)) {
+      m_recent(makeSection(QStringLiteral("Opened lately"), QStringLiteral("Repositories opened lately"))),
+      m_vault(makeSection({}, QStringLiteral("Repositories of the vault"))) {
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Base);
     auto* title = new QLabel(QStringLiteral("Tavix"), this);
@@ -42,25 +42,10 @@ WelcomePage::WelcomePage(QWidget* parent)
     titleFont.setPointSizeF(titleFont.pointSizeF() * 2.4);
     titleFont.setWeight(QFont::DemiBold);
     title->setFont(titleFont);
-    QFont sectionFont = font();
-    sectionFont.setWeight(QFont::DemiBold);
-    m_recentTitle->setFont(sectionFont);
-
     m_open->setDefault(true);
     m_open->setMinimumHeight(34);
     m_open->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     connect(m_open, &QPushButton::clicked, this, &WelcomePage::openRequested);
-    m_recent->setAccessibleName(QStringLiteral("Repositories opened lately"));
-    m_recent->setFrameShape(QFrame::NoFrame);
-    m_recent->setUniformItemSizes(true);
-    m_recent->setTextElideMode(Qt::ElideMiddle);
-    m_recent->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    const auto choose = [this](const QListWidgetItem* item) {
-        Q_EMIT recentChosen(item->data(Qt::UserRole).toString());
-    };
-    connect(m_recent, &QListWidget::itemActivated, this, choose);
-    connect(m_recent, &QListWidget::itemClicked, this, choose);
-
     auto* column = new QVBoxLayout;
     column->setSpacing(10);
     column->addStretch(2);
@@ -71,8 +56,10 @@ WelcomePage::WelcomePage(QWidget* parent)
     column->addSpacing(6);
     column->addWidget(m_open);
     column->addSpacing(18);
-    column->addWidget(m_recentTitle);
-    column->addWidget(m_recent, 3);
+    for (const Section& section : {m_recent, m_vault}) {
+        column->addWidget(section.title);
+        column->addWidget(section.list, 3);
+    }
     column->addWidget(quietLabel(QStringLiteral("A repository is made by the program tavix:\n"
                                                 "tavix profile table.csv --repository profiles.tavix"),
                                  this));
@@ -85,18 +72,50 @@ WelcomePage::WelcomePage(QWidget* parent)
     layout->setColumnStretch(2, 1);
 }
 
-void WelcomePage::setRecent(const std::vector<std::string>& paths) {
-    m_recent->clear();
+WelcomePage::Section WelcomePage::makeSection(const QString& title, const QString& spoken) {
+    const Section section{new QLabel(title, this), new QListWidget(this)};
+    QFont strong = font();
+    strong.setWeight(QFont::DemiBold);
+    section.title->setFont(strong);
+    section.title->setTextFormat(Qt::PlainText);
+    // A long path must not widen the page.
+    section.title->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    section.list->setAccessibleName(spoken);
+    section.list->setFrameShape(QFrame::NoFrame);
+    section.list->setUniformItemSizes(true);
+    section.list->setTextElideMode(Qt::ElideMiddle);
+    section.list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    const auto choose = [this](const QListWidgetItem* item) {
+        Q_EMIT repositoryChosen(item->data(Qt::UserRole).toString());
+    };
+    connect(section.list, &QListWidget::itemActivated, this, choose);
+    connect(section.list, &QListWidget::itemClicked, this, choose);
+    fill(section, {});
+    return section;
+}
+
+void WelcomePage::fill(const Section& section, const std::vector<std::string>& paths) {
+    section.list->clear();
     for (const std::string& path : paths) {
         const QString file = toQString(path);
         auto* item = new QListWidgetItem(
-            QStringLiteral("%1    %2").arg(QFileInfo(file).fileName(), QFileInfo(file).absolutePath()), m_recent);
+            QStringLiteral("%1    %2").arg(QFileInfo(file).fileName(), QFileInfo(file).absolutePath()), section.list);
         item->setData(Qt::UserRole, file);
         item->setToolTip(file.toHtmlEscaped());
         item->setSizeHint({0, kRowHeight});
     }
-    m_recentTitle->setVisible(!paths.empty());
-    m_recent->setVisible(!paths.empty());
+    section.title->setVisible(!paths.empty());
+    section.list->setVisible(!paths.empty());
+}
+
+void WelcomePage::setRecent(const std::vector<std::string>& paths) {
+    fill(m_recent, paths);
+}
+
+void WelcomePage::setVault(const std::string& folder, const std::vector<std::string>& paths) {
+    m_vault.title->setText(QStringLiteral("In the vault %1").arg(toQString(folder)));
+    m_vault.title->setToolTip(toQString(folder).toHtmlEscaped());
+    fill(m_vault, paths);
 }
 
 } // namespace tavix::shell

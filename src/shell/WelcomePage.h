@@ -11,22 +11,32 @@ class QPushButton;
 
 namespace tavix::shell {
 
-/// What the window shows while no repository is open: how to open one, and those opened lately.
+/// What the window shows while no repository is open: how to open one, those opened lately, and those of the vault.
 class WelcomePage final : public QWidget {
     Q_OBJECT
   public:
     explicit WelcomePage(QWidget* parent = nullptr);
 
     void setRecent(const std::vector<std::string>& paths);
+    /// The repositories of the vault, a folder; none hides them.
+    void setVault(const std::string& folder, const std::vector<std::string>& paths);
 
   Q_SIGNALS:
     void openRequested();
-    void recentChosen(const QString& path);
+    void repositoryChosen(const QString& path);
 
   private:
+    /// A heading and repositories below it.
+    struct Section {
+        QLabel* title;
+        QListWidget* list;
+    };
+    Section makeSection(const QString& title, const QString& spoken);
+    static void fill(const Section& section, const std::vector<std::string>& paths);
+
     QPushButton* m_open;
-    QLabel* m_recentTitle;
-    QListWidget* m_recent;
+    Section m_recent;
+    Section m_vault;
 };
 
 } // namespace tavix::shell

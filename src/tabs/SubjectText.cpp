@@ -28,8 +28,10 @@ std::string recordsText(const TableIdentity& table) {
     if (table.totalRecords < 0)
         return {};
     std::string text = countOf(table.totalRecords, "record");
+    if (table.kind == 'D' && table.processedRecords >= 0)
+        return groupedCount(table.processedRecords) + " of " + text + (table.totalRecords == 1 ? " passes" : " pass");
     if (table.processedRecords >= 0 && table.processedRecords != table.totalRecords)
-        text += ", " + groupedCount(table.processedRecords) + (table.kind == 'D' ? " filtered" : " sampled");
+        text += ", " + groupedCount(table.processedRecords) + " sampled";
     return text;
 }
 
@@ -58,6 +60,12 @@ std::string titleOf(const ReportSubject& subject) {
         return subject.field ? subject.field->name : subject.selection.fieldName;
     return subject.selection.kind == ReportSelection::Kind::Table ? subject.table.displayName()
                                                                   : subject.selection.name;
+}
+
+bool hasInformation(const ReportSubject& subject) {
+    if (subject.selection.fieldId != -1)
+        return subject.field.has_value();
+    return subject.selection.kind == ReportSelection::Kind::Table;
 }
 
 std::string detailOf(const ReportSubject& subject) {

@@ -232,7 +232,7 @@ TEST_F(DeletionTest, OlderRunsGoAndTheCurrentOneStays) {
     EXPECT_EQ(m_doc.GetRuns()->size(), 3u);
 
     remove(m_sample.salesRuns[0], m_sample.salesRuns[2]);
-    EXPECT_THAT(m_around.take(), ElementsAre("hint 7", "save"));
+    EXPECT_THAT(m_around.take(), ElementsAre("hint 7", "save", "hint 10"));
     EXPECT_EQ(m_doc.GetRunCount(), 2);
     EXPECT_EQ(m_doc.GetCurrentJob(), m_sample.salesRuns[2]);
     EXPECT_EQ(m_doc.GetRuns()->back().description, "February");

@@ -85,6 +85,7 @@ TEST_F(FieldRecordsOverSample, aTableInAnotherReportIsAsItsOwnRunHasIt) {
     m_records.Forget();
     const auto gone = m_records.TableOf(*m_viewer, part);
     ASSERT_TRUE(gone);
+    EXPECT_FALSE(m_records.Find(*m_viewer, part)) << "a field without figures is none of this run";
     EXPECT_EQ("parts", gone->name);
     EXPECT_EQ(-1, gone->totalRecords);
     EXPECT_FALSE(findTable(*m_viewer, table->id, table->dataSource));

@@ -212,9 +212,9 @@ bool CTavixView::Navigate(const NavigateRequest& request) {
     if (request.metricKind == "SM")
         table->OpenStandardMetric(request.rowId, request.metricId);
     else if (request.metricKind == "CM")
-        table->SelectTab(CTableView::CustomMetrics);
+        table->OpenCustomMetric(request.metricId);
     else if (request.metricKind == "BR")
-        table->SelectTab(CTableView::BusinessRules);
+        table->OpenBusinessRule(request.metricId);
     table->FocusContents();
     table->update();
     return true;

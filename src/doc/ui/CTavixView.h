@@ -120,6 +120,8 @@ class CTavixView final : public SplitFrame,
     void OnOptions();
     void OnShowInvisible();
     [[nodiscard]] bool ShowsInvisible() const;
+    void OnChooseRun();
+    [[nodiscard]] bool CanChooseRun() const { return m_document->HasReport(); }
     void OnDeleteHistory();
     [[nodiscard]] bool CanDeleteHistory() const;
 

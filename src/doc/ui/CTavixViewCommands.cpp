@@ -3,6 +3,7 @@
 #include "doc/PaneChain.h"
 #include "doc/ui/CDeleteHistoryDlg.h"
 #include "doc/ui/COptionsSheet.h"
+#include "doc/ui/CRunListDlg.h"
 #include "doc/ui/CTavixView.h"
 #include "nav/ui/CTableInfo.h"
 #include "nav/ui/CTables.h"
@@ -15,8 +16,11 @@ namespace {
 
 constexpr int kKeyStep = 24;
 
-constexpr std::array<CommandRow<CTavixView>, 8> kCommands = {{
+constexpr std::array<CommandRow<CTavixView>, 9> kCommands = {{
     {{CommandId::New, "Close the report\nNew"}, &CTavixView::OnNew},
+    {{CommandId::ChooseRun, "Choose the run whose figures are shown from a list\nRuns..."},
+     &CTavixView::OnChooseRun,
+     &CTavixView::CanChooseRun},
     {{CommandId::ToggleTableInformation, "Show or hide what is known about the table\nTable Information"},
      &CTavixView::OnToggleTableInformation,
      &CTavixView::CanToggleTableInformation,
@@ -98,6 +102,15 @@ void CTavixView::OnRefreshCollections() {
 
 void CTavixView::OnOptions() {
     COptionsSheet::Run(*m_document, this);
+}
+
+void CTavixView::OnChooseRun() {
+    const int job = m_document->GetJobId();
+    const QPointer<CTavixView> alive(this);
+    const std::optional<int> run = CRunListDlg::Choose(*m_document, this);
+    // The shell may have opened another report meanwhile.
+    if (alive && run && m_document->GetJobId() == job)
+        m_document->SetCurrentJob(*run);
 }
 
 void CTavixView::OnDeleteHistory() {

@@ -41,6 +41,9 @@ TEST_F(TreeContentsOfSample, tablesStandBelowTheirCatalogAndSchema) {
     EXPECT_NE(std::string::npos, text.find("  crm\n    public\n      customers ["));
     EXPECT_NE(std::string::npos, text.find("  dbo\n    suppliers ["));
     EXPECT_NE(std::string::npos, text.find("\n  orders [1,000]\n"));
+    // A filtered table is as large as what passes.
+    EXPECT_NE(std::string::npos, text.find("      german customers [120]\n"));
+    EXPECT_NE(std::string::npos, text.find("\n  late orders [9]\n"));
     EXPECT_NE(std::string::npos, text.find("/data/files [1 table]\n  airports ["));
 }
 

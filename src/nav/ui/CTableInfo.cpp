@@ -55,7 +55,7 @@ void CTableInfo::ComeAfter(QWidget* before) {
 }
 
 void CTableInfo::Refresh(CRefreshItem*, RefreshHint hint, int) {
-    if (hint != RefreshHint::DocumentReset && hint != RefreshHint::RunLoaded)
+    if (hint != RefreshHint::DocumentReset && hint != RefreshHint::RunLoaded && hint != RefreshHint::HistoryDeleted)
         return;
     m_information.Forget();
     ShowSelection();

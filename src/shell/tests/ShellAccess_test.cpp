@@ -96,6 +96,7 @@ TEST_F(ShellAccess, everyControlOfEveryDialogHasAName) {
     const auto command = [this](int id) { return [this, id] { m_host.ExecuteCommand(id); }; };
     openBy(command(40001), 20);
     openBy(command(40002), 3);
+    openBy(command(40010), 3);
     openBy(command(32818), 4);
     openBy(command(32838), 4);
     openBy([this] { m_window.findChild<QToolButton*>(QStringLiteral("detailsButton"))->click(); }, 3);

@@ -1,9 +1,13 @@
 #include "shell/tests/ShellOverSample.h"
+#include "support/RunScript.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QDialog>
+#include <QDir>
 #include <QFile>
+#include <QListWidget>
 #include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
@@ -90,6 +94,65 @@ TEST_F(ShellOverSample, whatCannotBeOpenedIsSaidAndNothingIsLost) {
     EXPECT_EQ(before, title());
     EXPECT_TRUE(m_host.HasReport());
     EXPECT_THAT(ShellState(m_host.GetSettings()).recentRepositories(), ElementsAre(m_sample.path));
+}
+
+TEST_F(ShellOverSample, theFolderStandsWithTheNameOfTheReport) {
+    tavix::testing::runScript(m_sample.path,
+                              "INSERT INTO folder(id, parent, name) VALUES (1, NULL, 'Shop'), (2, 1, 'Europe');"
+                              "UPDATE job SET folder = 2 WHERE name = 'Sales'");
+    ASSERT_TRUE(open(m_sample.path));
+    ASSERT_TRUE(m_window.openReportNamed("Inventory"));
+    EXPECT_THAT(title(), ::testing::StartsWith("Inventory - "));
+    ASSERT_TRUE(m_window.openReportNamed("Sales"));
+    EXPECT_THAT(title(), ::testing::StartsWith("Shop/Europe/Sales - "));
+}
+
+// The setting "UseVault" names a folder; its repositories are offered beside those opened lately.
+TEST_F(ShellOverSample, theWelcomePageOffersTheRepositoriesOfTheVault) {
+    const QString vault = toQString(m_folder.file("vault"));
+    ASSERT_TRUE(QDir().mkdir(vault));
+    ASSERT_TRUE(QFile::copy(toQString(m_sample.path), vault + QStringLiteral("/shared.tavix")));
+    ASSERT_TRUE(QFile::copy(toQString(m_sample.path), vault + QStringLiteral("/notes.txt")));
+    const auto lists = m_window.findChildren<QListWidget*>();
+    ASSERT_EQ(2, lists.size());
+    m_window.showWelcome();
+    EXPECT_FALSE(lists[1]->isVisible());
+
+    ASSERT_TRUE(m_host.GetSettings().write("TAVIX", "UseVault", toUtf8(vault)));
+    m_window.showWelcome();
+    ASSERT_TRUE(lists[1]->isVisible());
+    ASSERT_EQ(1, lists[1]->count());
+    EXPECT_THAT(toUtf8(lists[1]->item(0)->text()), ::testing::StartsWith("shared.tavix    "));
+    lists[1]->setCurrentRow(0);
+    QTest::keyClick(lists[1], Qt::Key_Return);
+    EXPECT_EQ("shared.tavix - Tavix", title());
+
+    for (const char* nowhere : {"/there/is/no/such/folder", "1", ""}) {
+        ASSERT_TRUE(m_host.GetSettings().write("TAVIX", "UseVault", nowhere));
+        m_window.showWelcome();
+        EXPECT_FALSE(lists[1]->isVisible()) << nowhere;
+    }
+}
+
+TEST_F(ShellOverSample, theRunsAreChosenFromAList) {
+    ASSERT_TRUE(open(m_sample.path));
+    EXPECT_FALSE(m_host.ExecuteUpdateUICommand(static_cast<int>(CommandId::ChooseRun)).Enabled);
+    ASSERT_TRUE(m_window.openReportNamed("Sales"));
+    EXPECT_TRUE(m_host.ExecuteUpdateUICommand(static_cast<int>(CommandId::ChooseRun)).Enabled);
+    const auto chooseIn = [this](bool accepts) {
+        QTimer::singleShot(0, qApp, [accepts] {
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            ASSERT_TRUE(dialog);
+            EXPECT_EQ("Report Runs", toUtf8(dialog->windowTitle()));
+            QTest::keyClick(dialog->findChild<QTreeWidget*>(), Qt::Key_End);
+            QTest::keyClick(dialog->findChild<QTreeWidget*>(), accepts ? Qt::Key_Return : Qt::Key_Escape);
+        });
+        EXPECT_TRUE(m_host.ExecuteCommand(static_cast<int>(CommandId::ChooseRun)));
+    };
+    chooseIn(false);
+    EXPECT_EQ(m_sample.salesRuns[2], m_host.GetCurrentRun());
+    chooseIn(true);
+    EXPECT_EQ(m_sample.salesRuns[0], m_host.GetCurrentRun());
 }
 
 TEST_F(ShellOverSample, newLeadsBackToTheList) {

@@ -25,6 +25,10 @@ void CListWithDetails::TakeDetails(std::unique_ptr<ListRows> rows) {
     m_details.push_back(std::move(rows));
 }
 
+bool CListWithDetails::RefillsOn(RefreshHint hint) const {
+    return CListTab::RefillsOn(hint) || hint == RefreshHint::HistoryDeleted;
+}
+
 void CListWithDetails::RowsChanged() {
     m_lower->SetListFont(Grid().font());
     if (Grid().GetCurrentRow() < 0)

@@ -29,6 +29,9 @@ class CListWithDetails : public CListTab {
     }
     [[nodiscard]] LowerLists& Lower() const { return *m_lower; }
 
+    /// Also when runs are gone: the lists below may show them.
+    [[nodiscard]] bool RefillsOn(RefreshHint hint) const override;
+
     /// Fills the lists below for a row of the list.
     virtual void FillDetails(PrViewer& viewer, std::int64_t row) = 0;
     /// Called when there is no such row, and the lists below are empty.

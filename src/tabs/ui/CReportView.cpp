@@ -183,13 +183,17 @@ void CReportView::CloseReport() {
 
 void CReportView::ShowHeader() {
     m_header->SetText(toQString(titleOf(m_subject)), toQString(detailOf(m_subject)));
+    m_header->EnableDetails(hasInformation(m_subject));
     for (int i = 0; i < GetTabCount(); ++i)
         m_strip->SetCaption(i, CaptionOf(i));
 }
 
 void CReportView::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) {
     const bool isReloaded = hint == RefreshHint::RunLoaded || hint == RefreshHint::DocumentReset;
-    if (isReloaded || hint == RefreshHint::CollectionsRefreshed)
+    // A collection may show figures of any run.
+    const bool isOfGoneRuns =
+        hint == RefreshHint::HistoryDeleted && m_subject.selection.kind == ReportSelection::Kind::Collection;
+    if (isReloaded || isOfGoneRuns || hint == RefreshHint::CollectionsRefreshed)
         m_records.Forget();
     if (isReloaded && !m_isTornOff && !Suits(m_site))
         return; // The frame is about to put another view in this one's place.
@@ -206,7 +210,11 @@ void CReportView::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter)
             ReadSubjectAgain();
         ShowTab(GetCurrentTab());
     }
-    const bool isOther = !isSameObject(before, m_subject.selection);
+    if (isOfGoneRuns) {
+        ReadSubject(before);
+        ShowTab(GetCurrentTab());
+    }
+    const bool isOther = isOfGoneRuns || !isSameObject(before, m_subject.selection);
     for (CProfTab* tab : m_tabs) {
         if (isOther)
             tab->SubjectChanged();

@@ -39,6 +39,10 @@ CTabBusRule::CTabBusRule(CViewSite& site, const ReportSubject& subject, bool isT
     connect(&Grid(), &CUGCtrl::RowActivated, this, &CTabBusRule::OnDrillThrough);
 }
 
+void CTabBusRule::SelectRule(int ruleId) {
+    Grid().SelectRow(m_rows.FindRule(ruleId));
+}
+
 std::string CTabBusRule::GetObstacle() const {
     return ObstacleOfCollection("business rules");
 }

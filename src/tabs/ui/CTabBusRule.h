@@ -12,6 +12,9 @@ class CTabBusRule final : public CListWithDetails {
   public:
     CTabBusRule(CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent = nullptr);
 
+    /// Selects the row of that rule, if there is one.
+    void SelectRule(int ruleId);
+
   protected:
     [[nodiscard]] std::string GetObstacle() const override;
     bool FillRows(PrViewer& viewer) override;

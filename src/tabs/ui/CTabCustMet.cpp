@@ -1,6 +1,7 @@
 #include "tabs/ui/CTabCustMet.h"
 
 #include "base/LibraryDate.h"
+#include "grid/ui/CUGCtrl.h"
 
 namespace tavix {
 
@@ -8,6 +9,10 @@ CTabCustMet::CTabCustMet(CViewSite& site, const ReportSubject& subject, bool isT
     : CListWithDetails("Custom Metrics", {"History of the metric"}, site, subject, isTornOff, parent),
       m_rows(ShowRows(std::make_unique<CustomMetricRows>())),
       m_history(ShowBelow(std::make_unique<CustomMetricHistoryRows>(userLocale()))) {}
+
+void CTabCustMet::SelectMetric(int metricId) {
+    Grid().SelectRow(m_rows.FindMetric(metricId));
+}
 
 std::string CTabCustMet::GetObstacle() const {
     return ObstacleOfCollection("custom metrics");

@@ -11,6 +11,9 @@ class CTabCustMet final : public CListWithDetails {
   public:
     CTabCustMet(CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent = nullptr);
 
+    /// Selects the row of that metric, if there is one.
+    void SelectMetric(int metricId);
+
   protected:
     [[nodiscard]] std::string GetObstacle() const override;
     bool FillRows(PrViewer& viewer) override;

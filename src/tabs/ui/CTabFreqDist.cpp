@@ -102,8 +102,12 @@ const std::string& CTabFreqDist::GetFilter() const {
     return Subject().field ? filters.Get(Subject().field->id, m_kind) : kNone;
 }
 
-bool CTabFreqDist::CanFilter() const {
+bool CTabFreqDist::IsLoaded() const {
     return Subject().field && m_loadedField == Subject().field->id && Site().GetTavixDoc().GetViewer();
+}
+
+bool CTabFreqDist::CanFilter() const {
+    return IsLoaded() && !m_rows->IsPlaceholder();
 }
 
 void CTabFreqDist::OnFilter() {

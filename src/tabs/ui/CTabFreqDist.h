@@ -36,7 +36,7 @@ class CTabFreqDist final : public CListTab {
     void OnFilter();
     [[nodiscard]] bool CanFilter() const;
     void OnStopFiltering();
-    [[nodiscard]] bool CanStopFiltering() const { return CanFilter() && IsFiltered(); }
+    [[nodiscard]] bool CanStopFiltering() const { return IsLoaded() && IsFiltered(); }
 
     /// How long a reading may take before a dialog shows how far it is.
     int patienceMilliseconds;
@@ -54,6 +54,8 @@ class CTabFreqDist final : public CListTab {
     void ShowStopped();
     void OnDrillThrough();
     [[nodiscard]] bool CanDrillThrough() const;
+    /// Whether the rows, or their absence, are those of the field.
+    [[nodiscard]] bool IsLoaded() const;
     void FilterToSelected(ValueChoice choice);
     void SetFilter(int fieldId, std::string filter);
 

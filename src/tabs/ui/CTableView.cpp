@@ -25,11 +25,13 @@ constexpr std::array<CommandRow<CTableView>, 2> kCommands = {{
 CTableView::CTableView(CViewSite& site, bool isTornOff, QWidget* parent)
     : CReportView(site, ReportPaneKind::Table, isTornOff, parent),
       m_metrics(new CTabStdMet(site, GetSubject(), isTornOff)),
+      m_customMetrics(new CTabCustMet(site, GetSubject(), isTornOff)),
+      m_rules(new CTabBusRule(site, GetSubject(), isTornOff)),
       m_notes(new CTabTblNotes(site, GetSubject(), isTornOff)) {
     setObjectName(QStringLiteral("tableView"));
     AddTab(m_metrics, "Standard Metrics");
-    AddTab(new CTabCustMet(site, GetSubject(), isTornOff), "Custom Metrics");
-    AddTab(new CTabBusRule(site, GetSubject(), isTornOff), "Business Rules");
+    AddTab(m_customMetrics, "Custom Metrics");
+    AddTab(m_rules, "Business Rules");
     AddTab(new CTabAlerts(site, GetSubject(), isTornOff), "Alerts");
     AddTab(new CTabTblVis(site, GetSubject(), isTornOff), "Visualizations");
     AddTab(m_notes, "Notes");
@@ -43,6 +45,16 @@ std::span<const CommandRow<CTableView>> CTableView::CommandRows() {
 void CTableView::OpenStandardMetric(int fieldId, int metricId) {
     SelectTab(StandardMetrics);
     m_metrics->SelectMetric(fieldId, metricId);
+}
+
+void CTableView::OpenCustomMetric(int metricId) {
+    SelectTab(CustomMetrics);
+    m_customMetrics->SelectMetric(metricId);
+}
+
+void CTableView::OpenBusinessRule(int ruleId) {
+    SelectTab(BusinessRules);
+    m_rules->SelectRule(ruleId);
 }
 
 bool CTableView::ExecuteCommand(int commandId) {

@@ -7,6 +7,8 @@
 
 namespace tavix {
 
+class CTabBusRule;
+class CTabCustMet;
 class CTabStdMet;
 class CTabTblNotes;
 
@@ -21,6 +23,9 @@ class CTableView final : public CReportView {
 
     /// Opens the standard metrics at that field and metric.
     void OpenStandardMetric(int fieldId, int metricId);
+    /// Opens the custom metrics at that one, or the business rules.
+    void OpenCustomMetric(int metricId);
+    void OpenBusinessRule(int ruleId);
 
     bool ExecuteCommand(int commandId) override;
     CommandState UpdateCommand(int commandId) const override;
@@ -33,6 +38,8 @@ class CTableView final : public CReportView {
 
   private:
     CTabStdMet* m_metrics;
+    CTabCustMet* m_customMetrics;
+    CTabBusRule* m_rules;
     CTabTblNotes* m_notes;
 };
 

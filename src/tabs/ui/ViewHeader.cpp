@@ -97,6 +97,10 @@ void ViewHeader::SetText(const QString& title, const QString& detail) {
     m_detail->setToolTip(detail);
 }
 
+void ViewHeader::EnableDetails(bool hasDetails) {
+    m_details->setEnabled(hasDetails);
+}
+
 void ViewHeader::HideButtons() {
     m_details->hide();
     m_detach->hide();

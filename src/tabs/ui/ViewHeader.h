@@ -15,6 +15,8 @@ class ViewHeader final : public QWidget {
     explicit ViewHeader(QWidget* parent = nullptr);
 
     void SetText(const QString& title, const QString& detail);
+    /// Whether there is anything to say about what is shown.
+    void EnableDetails(bool hasDetails);
     void HideButtons();
     /// The last button that takes the keyboard; null when they are hidden.
     [[nodiscard]] QWidget* GetLastTabStop() const;

@@ -2,6 +2,7 @@
 #include "doc/NavigateRequest.h"
 #include "doc/ui/tests/ViewOverSample.h"
 #include "grid/CUGDataSource.h"
+#include "support/SampleRules.h"
 
 #include <QDialog>
 #include <QListWidget>
@@ -79,6 +80,29 @@ TEST_F(ReportCommands, aRequestLeadsToTheFigureThatItNames) {
     ASSERT_TRUE(selectField("customers", "id"));
     ASSERT_TRUE(m_view->Navigate(request("BR", 3)));
     EXPECT_EQ(2, m_view->GetItemCode());
+}
+
+TEST_F(ReportCommands, aRequestForAMetricOrRuleOfTheJobSelectsItsRow) {
+    testing::addRules(m_sample);
+    ASSERT_TRUE(selectField("suppliers", "city"));
+    const auto selected = [this] {
+        CUGCtrl& rows = list(tab(), m_view->GetItemCode() == 1 ? "Custom Metrics" : "Business Rules");
+        return toUtf8(rows.model()->index(static_cast<int>(rows.GetCurrentRow()), 0).data().toString()) + ": " +
+               std::to_string(rows.GetSelectedRows().size());
+    };
+    ASSERT_TRUE(m_view->Navigate(request("CM", testing::ruleId("Margin"))));
+    EXPECT_EQ(1, m_view->GetItemCode());
+    EXPECT_EQ("Margin: 1", selected());
+    // What the lists below say is of that row.
+    EXPECT_EQ("22", toUtf8(list(tab(), "History of the metric").model()->index(0, 2).data().toString()));
+    ASSERT_TRUE(m_view->Navigate(request("CM", testing::ruleId("Spread"))));
+    EXPECT_EQ("Spread: 1", selected());
+    ASSERT_TRUE(m_view->Navigate(request("BR", testing::ruleId("Balance is positive"))));
+    EXPECT_EQ(2, m_view->GetItemCode());
+    EXPECT_EQ("Balance is positive: 1", selected());
+    // For one that the run does not have the list is opened all the same.
+    ASSERT_TRUE(m_view->Navigate(request("BR", 4711)));
+    EXPECT_EQ("Name is known: 1", selected());
 }
 
 TEST_F(ReportCommands, aRequestForWhatIsNotThereIsNoAndSaysNothing) {

@@ -78,9 +78,13 @@ TEST_F(ReportDetach, detailsTellWhatIsKnownAboutTheTableOrField) {
 }
 
 TEST_F(ReportDetach, withoutATextThereAreNoDetails) {
+    ASSERT_TRUE(selectTable("customers"));
+    EXPECT_TRUE(button(report(), "detailsButton").isEnabled());
     selectCollection(0);
+    EXPECT_FALSE(button(report(), "detailsButton").isEnabled()) << "of a collection itself there is nothing to say";
     EXPECT_EQ("", details());
     ASSERT_TRUE(selectField("customers", "city"));
+    EXPECT_TRUE(button(report(), "detailsButton").isEnabled());
     testing::runScript(m_sample.path, "PRAGMA foreign_keys=OFF; DROP TABLE run_field");
     m_view->GetNavigator().Refresh(nullptr, RefreshHint::TaskListLost, 0);
     EXPECT_EQ("", details());
@@ -135,7 +139,7 @@ TEST_F(ReportDetach, everyWindowKeepsItsObjectAndFollowsTheRuns) {
     detach();
     ASSERT_TRUE(selectTable("suppliers"));
     const auto allOfMarch =
-        ElementsAre("customers  1,000 records", "late orders  100 records, 9 filtered",
+        ElementsAre("customers  1,000 records", "late orders  9 of 100 records pass",
                     "name  customers  ·  text  ·  1,000 records  ·  4 distinct values  ·  228 nulls", "Amounts  ");
     EXPECT_THAT(headers(), allOfMarch);
     CTearOff& late = *tearOffs().at(1);

@@ -2,7 +2,9 @@
 #include "access/PrViewer.h"
 #include "doc/ui/tests/ViewOverSample.h"
 #include "support/RunScript.h"
+#include "support/SampleRules.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 
 namespace tavix {
@@ -117,7 +119,8 @@ TEST_F(ReportRefresh, metricsThatCannotBeReadAreTold) {
 
 TEST_F(ReportRefresh, eachTabFillsAgainOnItsHintsAlone) {
     using enum RefreshHint;
-    const RefreshHint all[] = {CollectionsRefreshed, OptionsChanged, TaskListLost, HistoryDeletion, NotesChanged};
+    const RefreshHint all[] = {CollectionsRefreshed, OptionsChanged, TaskListLost,
+                               HistoryDeletion,      NotesChanged,   HistoryDeleted};
     // Every filling shows the wait cursor once.
     const auto refilling = [&] {
         std::vector<RefreshHint> hints;
@@ -145,7 +148,52 @@ TEST_F(ReportRefresh, eachTabFillsAgainOnItsHintsAlone) {
     report().SelectTab(CTableView::Visualizations);
     EXPECT_THAT(refilling(), ElementsAre(OptionsChanged));
     report().SelectTab(CTableView::CustomMetrics);
-    EXPECT_THAT(refilling(), ElementsAre(OptionsChanged));
+    EXPECT_THAT(refilling(), ElementsAre(OptionsChanged, HistoryDeleted));
+}
+
+// Histories show other runs: one that is deleted must not stay in them, in a window of its own neither.
+TEST_F(ReportRefresh, deletedRunsLeaveTheHistoriesAndTheFieldsOfCollections) {
+    testing::addRules(m_sample);
+    ASSERT_TRUE(selectTable("customers"));
+    const auto history = [](CReportView& view) {
+        const bool isMetric = view.GetCurrentTab() == CTableView::CustomMetrics;
+        const QAbstractItemModel& runs =
+            *list(view.GetTab(view.GetCurrentTab()), isMetric ? "History of the metric" : "History of the rule")
+                 .model();
+        std::string values;
+        for (int row = 0; row < runs.rowCount(); ++row)
+            values += toUtf8(runs.index(row, 2).data().toString()) + ' ';
+        return values;
+    };
+    report().SelectTab(CTableView::BusinessRules);
+    CTearOff& window = detach();
+    report().SelectTab(CTableView::CustomMetrics);
+    list(tab(), "Custom Metrics").SelectRow(1);
+    EXPECT_EQ("22 21 20 ", history(report()));
+    EXPECT_EQ("12 11 10 ", history(window.GetView()));
+    // A field of a collection has the figures of the latest run that knows it: here of a run that goes.
+    ASSERT_TRUE(m_view->GetViewer()->createGlobalCollFieldMapping(m_sample.collections.at("Amounts"),
+                                                                  m_sample.fields.at("airports/latitude")));
+    testing::runScript(m_sample.path, fmt::format("DELETE FROM run_field WHERE field = {} AND run <> {}",
+                                                  m_sample.fields.at("airports/latitude"), m_sample.salesRuns[0]));
+    selectCollection(0);
+    ASSERT_TRUE(m_view->SelectField(m_sample.fields.at("airports/latitude")));
+    EXPECT_NE(std::string::npos, header(report()).find("real")) << header(report());
+    CTearOff& ofField = detach();
+
+    const int bound = m_sample.salesRuns[0];
+    m_view->GetTavixDoc().DeleteHistory([bound](HistoryDeletion& deletion) {
+        deletion.bound = bound;
+        return true;
+    });
+    EXPECT_EQ("12 11 ", history(window.GetView()));
+    for (CReportView* view : {&report(), &ofField.GetView()})
+        EXPECT_FALSE(view->GetSubject().field) << header(*view);
+    m_view->GetNavigator().ShowPage(NavigatorPage::Tables);
+    ASSERT_TRUE(selectTable("customers"));
+    report().SelectTab(CTableView::CustomMetrics);
+    list(tab(), "Custom Metrics").SelectRow(1);
+    EXPECT_EQ("22 21 ", history(report()));
 }
 
 TEST_F(ReportRefresh, whatIsShownIsReadOnceWhenSomethingElseIsSelectedOrLoaded) {

@@ -22,6 +22,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -70,6 +71,14 @@ class ViewOverSample : public ::testing::Test {
     }
     [[nodiscard]] CProfTab& tab() { return report().GetTab(report().GetCurrentTab()); }
     static CUGCtrl& grid(QWidget& tab) { return *tab.findChild<CUGCtrl*>(); }
+    /// One of several lists of a tab, by the name that screen readers say.
+    static CUGCtrl& list(QWidget& tab, const char* name) {
+        for (CUGCtrl* each : tab.findChildren<CUGCtrl*>()) {
+            if (each->accessibleName() == QLatin1String(name))
+                return *each;
+        }
+        throw std::runtime_error(std::string("no list ") + name);
+    }
     static std::string cell(QWidget& tab, int row, int column) {
         return toUtf8(grid(tab).model()->index(row, column).data().toString());
     }

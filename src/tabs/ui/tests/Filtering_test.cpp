@@ -368,5 +368,18 @@ TEST_F(Filtering, thatFailsLeavesWhatIsShownAndCanBeCorrected) {
     EXPECT_FALSE(line().starts_with("Only rows with")) << line();
 }
 
+// There is nothing to filter in a list that says "(Not calculated)".
+TEST_F(Filtering, isOfferedWhereThereIsAListAlone) {
+    m_view->SelectTab(CFieldView::Patterns);
+    EXPECT_EQ("filter ", commands());
+    select("remark");
+    EXPECT_EQ("(Not calculated)||||\n", rows());
+    EXPECT_EQ("", commands());
+    EXPECT_FALSE(action("filter").isEnabled());
+    select("city");
+    EXPECT_EQ("filter ", commands());
+    EXPECT_TRUE(action("filter").isEnabled());
+}
+
 } // namespace
 } // namespace tavix
