@@ -120,6 +120,7 @@ TEST_F(CommandLine, TheRepositoryIsFoundWithoutBeingNamed) {
     EXPECT_EQ(here.exitCode, 0);
     EXPECT_EQ(here.err, "tavix: the repository is r.tavix\n");
     EXPECT_EQ(json::parse(here.out), asJson({"jobs"}));
+    EXPECT_EQ(in(".", "", "check").exitCode, 0);
     EXPECT_EQ(in(".", "", "compare").err.find("the repository is", 30), std::string::npos) << "said once";
 
     std::filesystem::create_directory(m_folder.file("empty"));
