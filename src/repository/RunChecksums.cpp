@@ -48,51 +48,72 @@ const std::array<PartRows, 5>& parts() {
          "tables",
          "list of tables",
          false,
-         {"SELECT job, started, finished, description, tables, records FROM run WHERE id = ?1 AND ?2 = 0",
-          "SELECT rt.position, rt.table_id, d.name, d.kind, t.catalog, t.schema, t.name, t.object_name, t.kind, "
-          "rt.total_records, rt.processed_records, rt.damaged_records, rt.fields, rt.query, rt.filter, "
-          "rt.alternate_filter, rt.file_path, rt.file_delimiter, rt.file_header, rt.file_encoding, "
-          "rt.file_byte_order_mark, rt.file_size, rt.file_modified, rt.connection, rt.connection_user "
-          "FROM run_table rt LEFT JOIN profiled_table t ON t.id = rt.table_id LEFT JOIN data_source d ON d.id = "
-          "t.data_source WHERE rt.run = ?1 ORDER BY rt.position",
-          "SELECT table_id, position, path, quote, delimiter, encoding, byte_order_mark, size, modified FROM run_file "
-          "WHERE run = ?1 ORDER BY table_id, position"}},
-        {RunPart::Log,
-         "log",
-         "execution log",
-         false,
-         {"SELECT position, table_id, logged, level, text FROM execution_log WHERE run = ?1 AND ?2 = 0 "
-          "ORDER BY position"}},
+         {R"sql(SELECT job, started, finished, description, tables, records
+               FROM run
+               WHERE id = ?1 AND ?2 = 0)sql",
+          R"sql(SELECT rt.position, rt.table_id, d.name, d.kind, t.catalog, t.schema, t.name, t.object_name,
+               t.kind, rt.total_records, rt.processed_records, rt.damaged_records, rt.fields, rt.query,
+               rt.filter, rt.alternate_filter, rt.file_path, rt.file_delimiter, rt.file_header,
+               rt.file_encoding, rt.file_byte_order_mark, rt.file_size, rt.file_modified, rt.connection,
+               rt.connection_user
+               FROM run_table rt
+               LEFT JOIN profiled_table t ON t.id = rt.table_id
+               LEFT JOIN data_source d ON d.id = t.data_source
+               WHERE rt.run = ?1
+               ORDER BY rt.position)sql",
+          R"sql(SELECT table_id, position, path, quote, delimiter, encoding, byte_order_mark, size, modified
+               FROM run_file
+               WHERE run = ?1
+               ORDER BY table_id, position)sql"}},
+        {RunPart::Log, "log", "execution log", false, {R"sql(SELECT position, table_id, logged, level, text
+               FROM execution_log
+               WHERE run = ?1 AND ?2 = 0
+               ORDER BY position)sql"}},
         {RunPart::Fields, "fields", "metrics of fields", true, {fieldsQuery()}},
         {RunPart::Lists,
          "lists",
          "percentiles, outliers or order of values",
          true,
-         {"SELECT p.field, p.position, p.interval, p.value FROM run_field rf JOIN percentile p ON p.run = rf.run AND "
-          "p.field = rf.field WHERE rf.run = ?1 AND rf.table_id = ?2 ORDER BY rf.position, p.position",
-          "SELECT o.field, o.side, o.position, o.value, o.count, o.fence FROM run_field rf JOIN outlier o ON "
-          "o.run = rf.run AND o.field = rf.field WHERE rf.run = ?1 AND rf.table_id = ?2 "
-          "ORDER BY rf.position, o.side, o.position",
-          "SELECT b.field, b.kind, b.block, b.first_row, b.rows, b.sum, b.bytes_present FROM run_field rf JOIN "
-          "distribution_block b ON b.run = rf.run AND b.field = rf.field WHERE rf.run = ?1 AND rf.table_id = ?2 AND "
-          "b.kind IN ('V', 'P') ORDER BY rf.position, b.kind, b.block"}},
+         {R"sql(SELECT p.field, p.position, p.interval, p.value
+               FROM run_field rf JOIN percentile p ON p.run = rf.run AND p.field = rf.field
+               WHERE rf.run = ?1 AND rf.table_id = ?2
+               ORDER BY rf.position, p.position)sql",
+          R"sql(SELECT o.field, o.side, o.position, o.value, o.count, o.fence
+               FROM run_field rf JOIN outlier o ON o.run = rf.run AND o.field = rf.field
+               WHERE rf.run = ?1 AND rf.table_id = ?2
+               ORDER BY rf.position, o.side, o.position)sql",
+          R"sql(SELECT b.field, b.kind, b.block, b.first_row, b.rows, b.sum, b.bytes_present
+               FROM run_field rf JOIN distribution_block b ON b.run = rf.run AND b.field = rf.field
+               WHERE rf.run = ?1 AND rf.table_id = ?2 AND b.kind IN ('V', 'P')
+               ORDER BY rf.position, b.kind, b.block)sql"}},
         {RunPart::Rules,
          "rules",
          "custom metrics or rules",
          true,
-         {"SELECT v.position, v.metric, m.name, v.output_name, v.kind, v.figure, v.expression, v.value, v.used_rows, "
-          "v.error_rows FROM run_custom_metric v LEFT JOIN custom_metric m ON m.id = v.metric WHERE v.run = ?1 AND "
-          "v.table_id = ?2 ORDER BY v.position",
-          "SELECT i.metric, i.position, i.field, i.standard_metric FROM run_custom_metric v JOIN custom_metric_input i "
-          "ON i.run = v.run AND i.metric = v.metric WHERE v.run = ?1 AND v.table_id = ?2 "
-          "ORDER BY v.position, i.position",
-          "SELECT v.position, v.rule, b.name, v.condition, v.checked_rows, v.failed_rows, v.error_rows, v.logged_rows, "
-          "v.log_columns, v.key_columns FROM run_rule v LEFT JOIN business_rule b ON b.id = v.rule WHERE v.run = ?1 "
-          "AND v.table_id = ?2 ORDER BY v.position",
-          "SELECT i.rule, i.position, i.field FROM run_rule v JOIN rule_input i ON i.run = v.run AND i.rule = v.rule "
-          "WHERE v.run = ?1 AND v.table_id = ?2 ORDER BY v.position, i.position",
-          "SELECT l.rule, l.position, l.record, l.row_values FROM run_rule v JOIN rule_row l ON l.run = v.run AND "
-          "l.rule = v.rule WHERE v.run = ?1 AND v.table_id = ?2 ORDER BY v.position, l.position"}},
+         {R"sql(SELECT v.position, v.metric, m.name, v.output_name, v.kind, v.figure, v.expression, v.value,
+               v.used_rows, v.error_rows
+               FROM run_custom_metric v
+               LEFT JOIN custom_metric m ON m.id = v.metric
+               WHERE v.run = ?1 AND v.table_id = ?2
+               ORDER BY v.position)sql",
+          R"sql(SELECT i.metric, i.position, i.field, i.standard_metric
+               FROM run_custom_metric v JOIN custom_metric_input i ON i.run = v.run AND i.metric = v.metric
+               WHERE v.run = ?1 AND v.table_id = ?2
+               ORDER BY v.position, i.position)sql",
+          R"sql(SELECT v.position, v.rule, b.name, v.condition, v.checked_rows, v.failed_rows, v.error_rows,
+               v.logged_rows, v.log_columns, v.key_columns
+               FROM run_rule v
+               LEFT JOIN business_rule b ON b.id = v.rule
+               WHERE v.run = ?1 AND v.table_id = ?2
+               ORDER BY v.position)sql",
+          R"sql(SELECT i.rule, i.position, i.field
+               FROM run_rule v JOIN rule_input i ON i.run = v.run AND i.rule = v.rule
+               WHERE v.run = ?1 AND v.table_id = ?2
+               ORDER BY v.position, i.position)sql",
+          R"sql(SELECT l.rule, l.position, l.record, l.row_values
+               FROM run_rule v JOIN rule_row l ON l.run = v.run AND l.rule = v.rule
+               WHERE v.run = ?1 AND v.table_id = ?2
+               ORDER BY v.position, l.position)sql"}},
     }};
     return kParts;
 }
