@@ -4,10 +4,12 @@
 #include "base/GenException.h"
 #include "doc/CTavixDoc.h"
 #include "doc/CountText.h"
+#include "drill/ui/CLocateFileDlg.h"
 #include "drill/ui/ReadingProgress.h"
 #include "tabs/ListRows.h"
 
 #include <QAction>
+#include <QPointer>
 #include <QWidget>
 
 #include <memory>
@@ -34,8 +36,17 @@ QWidget* ownerOf(CViewSite& site, QWidget& tab) {
 
 } // namespace
 
-void DrillThrough::Open(DrillRequest request,
-                        const std::function<DrillCursor(PrViewer&, PrViewDisplayMessage&)>& openCursor) const {
+void DrillThrough::Open(DrillRequest request, const OpenCursor& openCursor) const {
+    std::optional<MissingFile> missing = TryToOpen(request, openCursor);
+    // A table of several files may miss more than one.
+    while (missing) {
+        if (!Relocate(*missing))
+            return;
+        missing = TryToOpen(request, openCursor);
+    }
+}
+
+std::optional<MissingFile> DrillThrough::TryToOpen(DrillRequest& request, const OpenCursor& openCursor) const {
     CTavixDoc& document = m_site.GetTavixDoc();
     Messages& messages = document.GetMessages();
     PrViewer& viewer = *document.GetViewer();
@@ -51,12 +62,38 @@ void DrillThrough::Open(DrillRequest request,
         failure += viewer.getErrorString().view();
     } catch (const GenException&) {
     }
-    if (opened)
+    if (opened) {
         CDrillThru::Show(std::move(request), progress, document.GetSettings(), messages, owner, m_tab);
-    else if (const auto declined = document.GetSourceLogins().TakeDeclined())
+        return std::nullopt;
+    }
+    const auto declined = document.GetSourceLogins().TakeDeclined();
+    const bool isSilent = declined || progress.WasCancelled();
+    if (auto missing = isSilent ? std::nullopt : viewer.getMissingFile())
+        return missing;
+    if (declined)
         messages.warn(drillDeclined(*declined), kDrillErrorCaption);
     else if (!progress.WasCancelled())
         messages.warn(failure, kDrillErrorCaption);
+    return std::nullopt;
+}
+
+bool DrillThrough::Relocate(const MissingFile& file) const {
+    // While the user looks for the file the tab may go, or the report change.
+    const QPointer<QWidget> tab(&m_tab);
+    const PrViewer* const before = m_site.GetTavixDoc().GetViewer();
+    const int run = before->getCurrentJob();
+    const auto place = CLocateFileDlg::Choose(file, ownerOf(m_site, m_tab));
+    if (!place || !tab)
+        return false;
+    CTavixDoc& document = m_site.GetTavixDoc();
+    PrViewer* const viewer = document.GetViewer();
+    if (!viewer || viewer != before || viewer->getCurrentJob() != run)
+        return false;
+    KvbString remark;
+    const bool isTaken = viewer->relocateFile(file.path, *place, remark);
+    if (!isTaken || !remark.isEmpty())
+        document.GetMessages().warn(isTaken ? remark.view() : viewer->getErrorString().view(), kDrillErrorCaption);
+    return isTaken;
 }
 
 bool DrillThrough::IsOffered() const {
