@@ -30,9 +30,11 @@
 
 #include <algorithm>
 #include <csignal>
+#include <deque>
 #include <map>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -156,6 +158,23 @@ void sayUsage(const CLI::App& program, const CLI::ParseError& error) {
     sayPlain(fmt::format("See \"tavix {}--help\".", used.empty() ? "" : used.front()->get_name() + " "));
 }
 
+/// "--value=" as "--value" and an empty argument, which the parser would take from what follows.
+std::vector<const char*> withEmptyValues(int argc, const char* const* argv, std::deque<std::string>& names) {
+    std::vector<const char*> arguments;
+    bool isOption = true;
+    for (int i = 0; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        isOption = isOption && argument != "--";
+        if (isOption && argument.starts_with("--") && argument.find('=') == argument.size() - 1) {
+            arguments.push_back(names.emplace_back(argument.substr(0, argument.size() - 1)).c_str());
+            arguments.push_back("");
+        } else {
+            arguments.push_back(argv[i]);
+        }
+    }
+    return arguments;
+}
+
 } // namespace
 
 int runCommandLine(int argc, const char* const* argv) {
@@ -182,8 +201,10 @@ int runCommandLine(int argc, const char* const* argv) {
         sayPlain(program.help());
         return static_cast<int>(ExitCode::Usage);
     }
+    std::deque<std::string> names;
+    const std::vector<const char*> arguments = withEmptyValues(argc, argv, names);
     try {
-        program.parse(argc, argv);
+        program.parse(static_cast<int>(arguments.size()), arguments.data());
     } catch (const CLI::Success& wanted) {
         return program.exit(wanted); // help or version
     } catch (const CLI::ParseError& error) {

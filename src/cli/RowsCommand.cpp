@@ -2,11 +2,13 @@
 
 #include "access/Layouts.h"
 #include "access/SourceChange.h"
+#include "base/GenException.h"
 #include "base/NumberText.h"
 #include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
 #include "cli/Interruption.h"
+#include "cli/NearestValue.h"
 #include "cli/ReadingLine.h"
 #include "cli/Session.h"
 #include "cli/SourceCredentials.h"
@@ -50,6 +52,49 @@ Section sectionOf(const PrViewerDrillCursor& rows) {
     return section;
 }
 
+/// A path may hold an equals sign itself: the first division that names a file of a run counts.
+void locate(Session& session, const std::string& places) {
+    std::string problem;
+    for (auto at = places.find('='); at != std::string::npos; at = places.find('=', at + 1)) {
+        KvbString remark;
+        if (session.viewer().relocateFile(places.substr(0, at), places.substr(at + 1), remark)) {
+            if (!remark.isEmpty())
+                say(remark.view());
+            return;
+        }
+        if (problem.empty())
+            problem = session.viewer().getErrorString().str();
+    }
+    if (problem.empty())
+        problem = fmt::format("--source {}: write OLD=NEW", places);
+    throw CommandError(ExitCode::Usage, problem);
+}
+
+/// Why there are no rows, and the way out where a file was moved.
+CommandError drillFailure(Session& session) {
+    std::string text = session.viewer().getErrorString().str();
+    if (const auto missing = session.viewer().getMissingFile()) {
+        if (missing->suggestion.empty())
+            text += fmt::format("; if it was moved, add --source \"{}=NEW\"", missing->path);
+        else
+            text += fmt::format("; a file of its name and size is beside the repository: add --source \"{}={}\" to "
+                                "read that one",
+                                missing->path, missing->suggestion);
+    }
+    return {ExitCode::Source, text};
+}
+
+/// For a search that found nothing because the run knows nothing of it.
+std::string unknownText(Session& session, const FieldEntry& field, const std::string& text, bool isPattern) {
+    const std::string name = field.table.name + "." + field.name;
+    if (text.empty())
+        return fmt::format("the run has no empty text in {}", name);
+    std::string said = fmt::format("the run has no {} \"{}\" in {}", isPattern ? "pattern" : "value", text, name);
+    if (const std::string nearest = nearestValue(session, field, text, isPattern); !nearest.empty())
+        said += fmt::format("; the nearest is \"{}\"", nearest);
+    return said;
+}
+
 } // namespace
 
 CLI::App* RowsCommand::declare(CLI::App& program) {
@@ -68,14 +113,21 @@ CLI::App* RowsCommand::declare(CLI::App& program) {
         ->default_val(kUsualLimit)
         ->default_str("")
         ->transform(wholeNumber());
+    command
+        ->add_option("--source", m_places,
+                     "A file of the source was moved: OLD=NEW, where it was in the run and where it is")
+        ->type_name("OLD=NEW")
+        ->allow_extra_args(false);
     m_runChoice.declare(*command);
     command->footer(
         "The rows are read from the source as it is now, which standard error tells when it is another than\n"
-        "the run has read, or when it has the value another number of times.\n\n"
+        "the run has read, or when it has the value another number of times. The place that --source names is\n"
+        "remembered by the repository when the file has the size that it had in the run.\n\n"
         "Examples:\n"
         "  tavix rows -R profile.tavix airports.state --value TX\n"
         "  tavix rows -R profile.tavix airports.city --null --limit 20\n"
-        "  tavix rows -R profile.tavix airports.zip --pattern '9{5}' --format csv -o rows.csv");
+        "  tavix rows -R profile.tavix airports.zip --pattern '9{5}' --format csv -o rows.csv\n"
+        "  tavix rows -R profile.tavix airports.city --value Bern --source /old/airports.csv=data/airports.csv");
     return command;
 }
 
@@ -92,6 +144,8 @@ void RowsCommand::run(const CommonOptions& options) {
         throw CommandError(ExitCode::Usage, "which rows? Give one of --value, --null and --pattern");
     Session session(options.repository);
     m_runChoice.select(session);
+    for (const std::string& places : m_places)
+        locate(session, places);
     const FieldEntry field = session.field(m_field, m_table);
     const KvbString value = wanted(session, field);
     // The library takes an empty value for null where there are no empty texts, of which alone the pattern is empty.
@@ -99,18 +153,25 @@ void RowsCommand::run(const CommonOptions& options) {
     session.viewer().setSourceCredentials(sourceCredentials());
     ReadingLine line;
     const PrViewerDrillCursorHandle rows = session.viewer().drillDown(field.id, value, isPattern, &line, nullptr);
-    session.check(rows != nullptr);
+    if (!rows) {
+        stopIfInterrupted();
+        throw drillFailure(session);
+    }
 
     Listing listing(options);
     listing.begin(sectionOf(*rows));
     std::int64_t shown = 0;
     std::vector<KvbDatavar> cells;
-    while (shown < m_limit && rows->next()) {
-        cells.clear();
-        for (int column = 0; column < rows->getColumnCount(); ++column)
-            cells.emplace_back(rows->getColumnValue(column));
-        listing.row(cells);
-        ++shown;
+    try {
+        for (; shown < m_limit && rows->next(); ++shown) {
+            cells.clear();
+            for (int column = 0; column < rows->getColumnCount(); ++column)
+                cells.emplace_back(rows->getColumnValue(column));
+            listing.row(cells);
+        }
+    } catch (const GenException&) {
+        stopIfInterrupted(); // an engine may answer an interruption with words of its own
+        throw;
     }
     stopIfInterrupted();
     listing.end();
@@ -123,6 +184,8 @@ void RowsCommand::run(const CommonOptions& options) {
     if (rows->isComplete()) {
         if (const std::string change = sourceChangeText(inRun, shown); !change.empty())
             say(change);
+        else if (inRun == 0 && !value.isNull())
+            say(unknownText(session, field, m_pattern ? *m_pattern : *m_value, m_pattern.has_value()));
     } else if (inRun > shown) {
         say(fmt::format("the first {} rows of {} in the run; --limit N shows more", formatGrouped(shown),
                         formatGrouped(inRun)));

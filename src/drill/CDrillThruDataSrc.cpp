@@ -1,8 +1,11 @@
 #include "drill/CDrillThruDataSrc.h"
 
+#include "base/Characters.h"
 #include "base/FreeMemory.h"
 #include "grid/CellSort.h"
 #include "grid/FoldedFinder.h"
+
+#include <unicode/uchar.h>
 
 #include <algorithm>
 #include <utility>
@@ -18,6 +21,19 @@ constexpr int kLetterWidth = 7;
 constexpr int kMargins = 30;
 constexpr std::uint32_t kMeasuredRows = 200;
 
+/// The letters of the data font that a text is about as wide as: two for each wide East Asian character, none for a
+/// mark that joins the one before.
+std::size_t letterWidths(std::string_view text) {
+    std::size_t letters = 0;
+    forEachCharacter(text, [&](std::int32_t character, std::string_view) {
+        const int width = character < 0 ? 0 : u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
+        const bool isMark =
+            character >= 0x300 && (U_GET_GC_MASK(character) & (U_GC_MN_MASK | U_GC_ME_MASK | U_GC_CF_MASK));
+        letters += isMark ? 0U : width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2U : 1U;
+    });
+    return letters;
+}
+
 } // namespace
 
 void CDrillThruDataSrc::SetRows(DrillRows rows) {
@@ -32,9 +48,11 @@ void CDrillThruDataSrc::SetRows(DrillRows rows) {
 
 // Wider than usual where what is read first needs it.
 int CDrillThruDataSrc::WidthOf(std::size_t column) const {
-    std::size_t letters = m_rows.columns()[column].name.size();
+    // More bytes than that are wider than any column whatever they are.
+    const auto lettersOf = [](std::string_view text) { return letterWidths(cutToBytes(text, kMostWidth)); };
+    std::size_t letters = lettersOf(m_rows.columns()[column].name);
     for (std::uint32_t row = 0; row < std::min(kMeasuredRows, m_rows.count()); ++row)
-        letters = std::max(letters, m_rows.cell(static_cast<int>(column), row).text.size());
+        letters = std::max(letters, lettersOf(m_rows.cell(static_cast<int>(column), row).text));
     const auto shown = static_cast<int>(std::min<std::size_t>(letters, kMostWidth));
     return std::clamp(shown * kLetterWidth + kMargins, kDefaultWidth, kMostWidth);
 }

@@ -2,6 +2,26 @@
 
 namespace tavix {
 
+namespace {
+
+/// A cell with a tab or a line end in double quotes, those in it doubled, as spreadsheets write and read it; likewise
+/// one that begins with a quote, which they would take for that.
+void appendCell(std::string& text, const std::string& cell) {
+    if (cell.find_first_of("\t\r\n") == std::string::npos && !cell.starts_with('"')) {
+        text += cell;
+        return;
+    }
+    text += '"';
+    for (const char c : cell) {
+        text += c;
+        if (c == '"')
+            text += c;
+    }
+    text += '"';
+}
+
+} // namespace
+
 std::string withMark(const std::string& text, const std::string& mark) {
     return mark.empty() ? text : text + " " + mark;
 }
@@ -13,7 +33,7 @@ std::string copyRows(const CUGDataSource& source, std::span<const std::int64_t> 
         for (int column = 0; column < columns; ++column) {
             if (column > 0)
                 text += '\t';
-            text += cellText(column);
+            appendCell(text, cellText(column));
         }
         text += "\r\n";
     };

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 
@@ -75,6 +76,32 @@ TEST(Databases, AreProfiledAndTheirRowsFoundAgain) {
     EXPECT_THAT(problem("DROP TABLE \"x\"\"; drop table\"").err, HasSubstr("there is no table"));
     server.kill();
     EXPECT_THAT(runTavix({"rows", "-R", repository, "odd.price", "--null"}).err, HasSubstr("Connection refused"));
+}
+
+TEST(Databases, CtrlCWhileTheServerLooksForRowsEndsWithFour) {
+    TempFolder folder;
+    PostgresServer server;
+    useOdbcFiles(folder, folder.file("unused.db"), server.port());
+    server.execute("CREATE TABLE small(id int); INSERT INTO small VALUES(1), (2);"
+                   "CREATE VIEW slow AS SELECT id FROM small");
+    const std::string repository = folder.file("r.tavix");
+    const std::string job = folder.file("job.yaml");
+    std::ofstream(job) << "job: J\nsources: [{name: pg, odbc: 'DSN=pg;UID=" << PostgresServer::kUser
+                       << "'}]\ntables:\n  - {table: slow}\n";
+    ::unsetenv("TAVIX_SOURCE_USER");
+    ::setenv("TAVIX_SOURCE_PASSWORD", PostgresServer::kPassword, 1);
+    const Outcome profiled = runTavix({"profile", job, "-R", repository});
+    ASSERT_EQ(profiled.exitCode, 0) << profiled.err;
+    // The user is the one that the job names.
+    EXPECT_EQ(runTavix({"rows", "-R", repository, "slow.id", "--value", "2", "--format", "csv"}).out, "id\n2\n");
+    server.execute("CREATE OR REPLACE VIEW slow AS SELECT id FROM small WHERE pg_sleep(300) IS NOT NULL");
+    Program program(tavixCommand({"rows", "-R", repository, "slow.id", "--value", "2"}));
+    server.execute("DO $$ BEGIN FOR i IN 1..600 LOOP PERFORM pg_stat_clear_snapshot(); EXIT WHEN EXISTS (SELECT FROM "
+                   "pg_stat_activity WHERE wait_event = 'PgSleep' AND pid <> pg_backend_pid()); "
+                   "PERFORM pg_sleep(0.05); END LOOP; END $$");
+    program.send(SIGINT);
+    const Outcome outcome = program.wait();
+    EXPECT_EQ(outcome.exitCode, 4) << outcome.err;
 }
 
 TEST(Databases, APasswordInAJobFileIsRefused) {

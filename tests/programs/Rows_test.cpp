@@ -45,6 +45,7 @@ TEST_F(RowsOfASource, AreThoseBehindTheFigureInEveryFormat) {
         {{"city", "--table", "orders", "--null"}, "2,,3\n"},
         {{"orders.city", "--value", ""}, "3,\"\",1\n"},
         {{"orders.price", "--value", ""}, ""},
+        {{"city", "--value=", "--table", "orders"}, "3,\"\",1\n"},
         {{"orders.city", "--value", "a\nb"}, "5,\"a\nb\",7\n"},
         {{"orders.id", "--pattern", "9{5}"}, "12345,x,8\n"},
         {{"dear.id", "--pattern", "9"}, "1,Bern,2.5\n2,,3\n5,\"a\nb\",7\n"},
@@ -150,6 +151,55 @@ TEST_F(RowsOfASource, AFileThatIsNotTextIsRefusedUnlessItsFormIsStated) {
     EXPECT_THAT(runTavix({"profile", m_folder.file("image.yaml"), "-R", m_repository}).err, HasSubstr(words));
     write("image.yaml", "job: I\ntables:\n  - file: image.csv\n    encoding: windows-1252\n");
     EXPECT_EQ(runTavix({"profile", m_folder.file("image.yaml"), "-R", m_repository}).exitCode, 0);
+}
+
+TEST_F(RowsOfASource, OfAFileThatWasMovedAreReadWhereItIsSaidToBe) {
+    std::filesystem::create_directory(m_folder.file("new=place"));
+    const std::string before = m_folder.file("orders.csv");
+    const std::string after = m_folder.file("new=place/orders.csv");
+    std::filesystem::rename(before, after);
+    const std::vector<std::string> wanted{"orders.city", "--value", "x"};
+    const Outcome gone = run(wanted);
+    EXPECT_EQ(gone.exitCode, 3);
+    EXPECT_THAT(gone.err, HasSubstr("; if it was moved, add --source \"" + before + "=NEW\"\n"));
+    const auto with = [&](const std::string& places) {
+        std::vector<std::string> arguments = wanted;
+        arguments.insert(arguments.end(), {"--source", places});
+        return run(arguments);
+    };
+    EXPECT_EQ(with(after).exitCode, 2);
+    EXPECT_EQ(with(before + "=" + m_folder.file("nowhere")).exitCode, 2);
+    EXPECT_EQ(with("/other/orders.csv=" + after).exitCode, 2);
+    const Outcome found = with(before + "=" + after);
+    EXPECT_EQ(found.exitCode, 0) << found.err;
+    EXPECT_EQ(found.out, "id,city,price\n12345,x,8\n");
+    EXPECT_EQ(found.err, "tavix: Read from \"" + after + "\".\n");
+    EXPECT_EQ(run(wanted).out, found.out) << "it is remembered";
+
+    std::filesystem::rename(after, m_folder.file("kept.csv"));
+    std::filesystem::create_directory(m_folder.file(m_folder.path().filename().string()));
+    std::filesystem::copy_file(m_folder.file("kept.csv"),
+                               m_folder.file(m_folder.path().filename().string() + "/orders.csv"));
+    EXPECT_THAT(run(wanted).err, HasSubstr("a file of its name and size is beside the repository: add --source \"" +
+                                           before + "=" + m_folder.path().string()));
+}
+
+TEST_F(RowsOfASource, AValueThatTheRunDoesNotHaveIsToldWithTheNearest) {
+    const auto said = [&](std::vector<std::string> arguments) {
+        const Outcome outcome = run(std::move(arguments));
+        EXPECT_EQ(outcome.exitCode, 0);
+        EXPECT_EQ(outcome.out, "id,city,price\n");
+        return outcome.err;
+    };
+    EXPECT_EQ(said({"orders.city", "--value", "BERN "}),
+              "tavix: the run has no value \"BERN \" in orders.city; the nearest is \"Bern\"\n");
+    EXPECT_EQ(said({"orders.city", "--value", "Barn"}),
+              "tavix: the run has no value \"Barn\" in orders.city; the nearest is \"Bern\"\n");
+    EXPECT_EQ(said({"orders.city", "--value", "nothing like it"}),
+              "tavix: the run has no value \"nothing like it\" in orders.city\n");
+    EXPECT_EQ(said({"orders.city", "--pattern", "Aaab"}),
+              "tavix: the run has no pattern \"Aaab\" in orders.city; the nearest is \"Aaaa\"\n");
+    EXPECT_EQ(said({"orders.price", "--value="}), "tavix: the run has no empty text in orders.price\n");
 }
 
 } // namespace

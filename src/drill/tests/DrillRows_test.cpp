@@ -112,6 +112,22 @@ TEST(CDrillThruDataSrc, sortsNumbersByValueAndMixedColumnsInOneOrder) {
     EXPECT_EQ(source.GetRowKey(0), 0);
 }
 
+TEST(CDrillThruDataSrc, columnsAreAsWideAsTheirLettersAndNotTheirBytes) {
+    const auto widthOf = [](const std::string& text) { return sourceOf({text}).GetColumn(0).width; };
+    const std::string latin(20, 'a');
+    std::string cyrillic;
+    std::string wide;
+    std::string marked;
+    for (int i = 0; i < 20; ++i) {
+        cyrillic += "\u0436";
+        marked += "e\u0301";
+        wide += i % 2 == 0 ? "\u4E2D" : "";
+    }
+    EXPECT_EQ(widthOf(cyrillic), widthOf(latin));
+    EXPECT_EQ(widthOf(marked), widthOf(latin));
+    EXPECT_EQ(widthOf(wide), widthOf(latin)) << "ten signs of twice the width";
+}
+
 TEST(CDrillThruDataSrc, wholeRowsMoveAndTheArrowSaysWhere) {
     CDrillThruDataSrc source;
     source.SetRows(rowsOf({{"b", "1"}, {"a", "2"}, {KvbString(), "3"}}, 2));

@@ -50,5 +50,29 @@ TEST(GridCopy, remarksAreCopiedWithWhatTheyAreSaidOf) {
     EXPECT_EQ("Field Name\tGröße (sample)\r\nf2 (sample)\tv2\r\n", copyRows(Remarked(), rows, true));
 }
 
+/// One row whose cells hold these texts.
+class OneRow final : public CUGDataSource {
+  public:
+    explicit OneRow(std::vector<std::string> texts) : m_texts(std::move(texts)) {}
+    [[nodiscard]] int GetColumnCount() const override { return static_cast<int>(m_texts.size()); }
+    [[nodiscard]] std::int64_t GetRowCount() const override { return 1; }
+    [[nodiscard]] GridColumn GetColumn(int) const override { return {}; }
+    [[nodiscard]] GridCell GetCell(int column, std::int64_t) const override {
+        GridCell cell;
+        cell.text = m_texts[static_cast<std::size_t>(column)];
+        return cell;
+    }
+    bool Sort(int, bool) override { return false; }
+
+  private:
+    std::vector<std::string> m_texts;
+};
+
+TEST(GridCopy, aCellThatWouldBreakTheTableIsQuoted) {
+    const std::array<std::int64_t, 1> row = {0};
+    EXPECT_EQ("\"a\tb\"\t\"two\nlines\"\t\"a \"\"b\"\"\r\"\tsays \"x\"\t\"\"\"x\"\"\"\t\r\n",
+              copyRows(OneRow({"a\tb", "two\nlines", "a \"b\"\r", "says \"x\"", "\"x\"", ""}), row, false));
+}
+
 } // namespace
 } // namespace tavix

@@ -4,10 +4,12 @@
 #include "base/GenException.h"
 #include "doc/CTavixDoc.h"
 #include "doc/CountText.h"
+#include "drill/ui/CLocateFileDlg.h"
 #include "drill/ui/ReadingProgress.h"
 #include "tabs/ListRows.h"
 
 #include <QAction>
+#include <QPointer>
 #include <QWidget>
 
 #include <memory>
@@ -34,8 +36,17 @@ QWidget* ownerOf(CViewSite& site, QWidget& tab) {
 
 } // namespace
 
-void DrillThrough::Open(DrillRequest request,
-                        const std::function<DrillCursor(PrViewer&, PrViewDisplayMessage&)>& openCursor) const {
+void DrillThrough::Open(DrillRequest request, const OpenCursor& openCursor) const {
+    std::optional<MissingFile> missing = TryToOpen(request, openCursor);
+    // A table of several files may miss more than one.
+    while (missing) {
+        if (!Relocate(*missing))
+            return;
+        missing = TryToOpen(request, openCursor);
+    }
+}
+
+std::optional<MissingFile> DrillThrough::TryToOpen(DrillRequest& request, const OpenCursor& openCursor) const {
     CTavixDoc& document = m_site.GetTavixDoc();
     Messages& messages = document.GetMessages();
     const std::shared_ptr<PrViewer> session = document.GetSession();
@@ -55,13 +66,39 @@ void DrillThrough::Open(DrillRequest request,
     }
     // The report may be closed while its source is read: then nobody waits for the rows any more.
     if (document.GetSession() != session)
-        return;
-    if (window)
+        return std::nullopt;
+    if (window) {
         window.release()->ShowOver(m_tab);
-    else if (const auto declined = document.GetSourceLogins().TakeDeclined())
+        return std::nullopt;
+    }
+    const auto declined = document.GetSourceLogins().TakeDeclined();
+    const bool isSilent = declined || progress.WasCancelled();
+    if (auto missing = isSilent ? std::nullopt : session->getMissingFile())
+        return missing;
+    if (declined)
         messages.warn(drillDeclined(*declined), kDrillErrorCaption);
     else if (!progress.WasCancelled())
         messages.warn(failure, kDrillErrorCaption);
+    return std::nullopt;
+}
+
+bool DrillThrough::Relocate(const MissingFile& file) const {
+    // While the user looks for the file the tab may go, or the report change.
+    const QPointer<QWidget> tab(&m_tab);
+    const PrViewer* const before = m_site.GetTavixDoc().GetViewer();
+    const int run = before->getCurrentJob();
+    const auto place = CLocateFileDlg::Choose(file, ownerOf(m_site, m_tab));
+    if (!place || !tab)
+        return false;
+    CTavixDoc& document = m_site.GetTavixDoc();
+    PrViewer* const viewer = document.GetViewer();
+    if (!viewer || viewer != before || viewer->getCurrentJob() != run)
+        return false;
+    KvbString remark;
+    const bool isTaken = viewer->relocateFile(file.path, *place, remark);
+    if (!isTaken || !remark.isEmpty())
+        document.GetMessages().warn(isTaken ? remark.view() : viewer->getErrorString().view(), kDrillErrorCaption);
+    return isTaken;
 }
 
 bool DrillThrough::IsOffered() const {
@@ -117,8 +154,8 @@ void DrillThrough::OpenRule(const BusinessRuleRows::Rule& rule, const std::strin
     if (rule.logged < rule.failed)
         request.subject += ": the first " + groupedCount(rule.logged) + " of " + groupedCount(rule.failed) + " rows";
     request.inRun = rule.logged;
-    Open(std::move(request), [&rule](PrViewer& viewer, PrViewDisplayMessage&) {
-        return DrillCursor(viewer.getBusinessRuleRowLog(rule.id, 0, true));
+    Open(std::move(request), [id = rule.id](PrViewer& viewer, PrViewDisplayMessage&) {
+        return DrillCursor(viewer.getBusinessRuleRowLog(id, 0, true));
     });
 }
 

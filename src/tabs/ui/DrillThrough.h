@@ -1,5 +1,6 @@
 #pragma once
 
+#include "access/PrViewer.h"
 #include "base/KvbString.h"
 #include "doc/CViewSite.h"
 #include "drill/ui/CDrillThru.h"
@@ -7,6 +8,7 @@
 #include "tabs/RuleRows.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 
 class QAction;
@@ -17,7 +19,8 @@ namespace tavix {
 class PrViewDisplayMessage;
 
 /// Opens the windows with the source rows behind what a tab lists. Without a report, and where drill-through is not
-/// offered, the functions do nothing. A source that cannot be opened is a message.
+/// offered, the functions do nothing. A source that cannot be opened is a message; a file that was moved can be
+/// located.
 class DrillThrough {
   public:
     /// Both must outlive the object.
@@ -35,8 +38,13 @@ class DrillThrough {
     void OpenRule(const BusinessRuleRows::Rule& rule, const std::string& name) const;
 
   private:
-    void Open(DrillRequest request,
-              const std::function<DrillCursor(PrViewer&, PrViewDisplayMessage&)>& openCursor) const;
+    using OpenCursor = std::function<DrillCursor(PrViewer&, PrViewDisplayMessage&)>;
+
+    void Open(DrillRequest request, const OpenCursor& openCursor) const;
+    /// Shows the window or says why not; only a file that is missing is left to the caller.
+    [[nodiscard]] std::optional<MissingFile> TryToOpen(DrillRequest& request, const OpenCursor& openCursor) const;
+    /// Lets the user locate the file; false when there is nothing to try again.
+    [[nodiscard]] bool Relocate(const MissingFile& file) const;
     void OpenRows(const ReportSubject& subject, const KvbString& value, bool isPattern, DrillOrigin origin,
                   const std::string& words) const;
 
