@@ -11,7 +11,7 @@ namespace tavix::expression {
 /// A text that a function makes may not grow beyond this.
 inline constexpr std::size_t kLongestText = std::size_t{16} << 20;
 /// All texts that are made for one row may not take more than this together.
-inline constexpr std::size_t kMostTextsOfRow = std::size_t{256} << 20;
+inline constexpr std::size_t kMostTextsOfRow = std::size_t{64} << 20;
 
 /// Where the texts live that functions make while a row or a block of rows is evaluated, and where a function says that
 /// it failed. Nothing that it gave out lives longer than until clear().

@@ -186,7 +186,7 @@ TEST_F(EditMode, pastesFunctionsFieldsAndWhatIsOnTheClipboard) {
 TEST_F(EditMode, isLegibleInTheDark) {
     const QPalette before = QApplication::palette();
     QApplication::setPalette(darkPalette());
-    open("if left(`Value`, 3) = 'abc' then\r\n   return true\r\nelse\r\n   return false\r\n");
+    open("if left(`Value`, 3) => 'abc' then\r\n   return true\r\nelse\r\n   return false\r\n");
     shoot(*dialog, "dark-error");
     EXPECT_NE("No errors.", toUtf8(child<QLabel>(*dialog, "error").text()));
     EXPECT_FALSE(button("valueList").isEnabled());
