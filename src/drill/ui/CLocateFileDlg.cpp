@@ -1,5 +1,6 @@
 #include "drill/ui/CLocateFileDlg.h"
 
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
 #include "drill/DrillTexts.h"
@@ -9,6 +10,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 #include <QStyle>
 #include <QVBoxLayout>
@@ -55,7 +57,13 @@ CLocateFileDlg::CLocateFileDlg(const MissingFile& file, QWidget* parent) : QDial
     QPushButton* locate = buttons->addButton(tr("&Locate..."), QDialogButtonBox::ActionRole);
     locate->setObjectName(QStringLiteral("locate"));
     locate->setDefault(true);
-    connect(locate, &QPushButton::clicked, this, [this] { Accept(AskPath()); });
+    connect(locate, &QPushButton::clicked, this, [this] {
+        // It may go together with the file dialog over it.
+        const QPointer<CLocateFileDlg> self(this);
+        const QString path = AskPath();
+        if (self)
+            Accept(path);
+    });
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
     auto* texts = new QVBoxLayout;
@@ -98,19 +106,19 @@ void CLocateFileDlg::Accept(const QString& path) {
 
 QString CLocateFileDlg::ChoosePath() {
     const QFileInfo before(QFile::decodeName(m_file.path.c_str()));
-    QFileDialog dialog(this, tr("Locate %1").arg(before.fileName()));
+    ModalDialog<QFileDialog> dialog(this, tr("Locate %1").arg(before.fileName()));
     if (before.dir().exists())
-        dialog.setDirectory(before.dir());
-    dialog.setFileMode(QFileDialog::ExistingFile);
+        dialog->setDirectory(before.dir());
+    dialog->setFileMode(QFileDialog::ExistingFile);
     const QString suffix = before.suffix();
     if (!suffix.isEmpty())
-        dialog.setNameFilters({tr("%1 files (*.%1)").arg(suffix), tr("All files (*)")});
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+        dialog->setNameFilters({tr("%1 files (*.%1)").arg(suffix), tr("All files (*)")});
+    return dialog.isAccepted() ? dialog->selectedFiles().value(0) : QString();
 }
 
 std::optional<std::string> CLocateFileDlg::Choose(const MissingFile& file, QWidget* window) {
-    CLocateFileDlg dialog(file, window);
-    return dialog.exec() == QDialog::Accepted ? std::optional(dialog.GetPlace()) : std::nullopt;
+    ModalDialog<CLocateFileDlg> dialog(file, window);
+    return dialog.isAccepted() ? std::optional(dialog->GetPlace()) : std::nullopt;
 }
 
 } // namespace tavix
