@@ -1,8 +1,8 @@
 #include "cli/NearestValue.h"
 
 #include "access/Layouts.h"
+#include "base/NearestWord.h"
 #include "cli/Session.h"
-#include "profiling/JobChecks.h"
 
 #include <algorithm>
 #include <string_view>
@@ -45,7 +45,7 @@ std::string nearestValue(Session& session, const FieldEntry& field, const std::s
             return value;
         known.push_back(std::move(value));
     }
-    return profiling::nearestWord(text, known);
+    return nearestWord(text, known);
 }
 
 } // namespace tavix::cli
