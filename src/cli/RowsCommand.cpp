@@ -127,7 +127,7 @@ CLI::App* RowsCommand::declare(CLI::App& program) {
         "  tavix rows -R profile.tavix airports.state --value TX\n"
         "  tavix rows -R profile.tavix airports.city --null --limit 20\n"
         "  tavix rows -R profile.tavix airports.zip --pattern '9{5}' --format csv -o rows.csv\n"
-        "  tavix rows -R profile.tavix airports.city --value Bern --source /old/airports.csv=data/airports.csv");
+        "  tavix rows -R profile.tavix airports.city --null --source /old/airports.csv=data");
     return command;
 }
 

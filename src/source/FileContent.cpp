@@ -124,10 +124,13 @@ bool isDbase(std::string_view start) {
 /// kinds as delimiters, or zeros as padding.
 bool isBinary(std::string_view start, bool isWide) {
     constexpr std::size_t kFewKinds = 4;
+    constexpr std::size_t kLookedAt = std::size_t{64} << 10;
     std::bitset<256> kinds;
     std::size_t controls = 0;
     std::size_t units = 0;
     const std::size_t step = isWide ? 2 : 1;
+    // Enough to tell, and every run of a text file pays for it.
+    start = start.substr(0, kLookedAt);
     for (std::size_t i = 0; i + step <= start.size(); i += step, ++units) {
         const auto first = static_cast<unsigned char>(start[i]);
         const unsigned second = isWide ? static_cast<unsigned char>(start[i + 1]) : 0;

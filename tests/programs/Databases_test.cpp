@@ -62,7 +62,9 @@ TEST(Databases, AreProfiledAndTheirRowsFoundAgain) {
     EXPECT_EQ(lines(rows("odd.name", {"--null"})), 21);
     EXPECT_EQ(lines(rows("odd.name", {"--value", ""})), 21);
     EXPECT_EQ(lines(rows("part.name", {"--value", "n2"})), 21);
-    EXPECT_EQ(lines(rows("part.name", {"--value", "n3"})), 1);
+    const Outcome none = runTavix({"rows", "-R", repository, "part.name", "--value", "n3", "--format", "csv"});
+    EXPECT_EQ(lines(none.out), 1);
+    EXPECT_EQ(none.err, "tavix: the run has no value \"n3\" in part.name; the nearest is \"n2\"\n");
 
     const auto problem = [&](const std::string& sql) {
         server.execute(sql);

@@ -2,10 +2,12 @@
 #include "access/Layouts.h"
 #include "base/tests/ScriptedMessages.h"
 #include "base/tests/TempFolder.h"
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "doc/CTavixApp.h"
 #include "doc/ui/CTavixView.h"
 #include "drill/ui/CDrillThru.h"
+#include "drill/ui/CLocateFileDlg.h"
 #include "grid/ui/CUGCtrl.h"
 #include "profiling/JobDescription.h"
 #include "profiling/JobRunner.h"
@@ -15,14 +17,18 @@
 #include "tabs/ui/TearOff.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QLabel>
+#include <QPushButton>
 #include <QTest>
+#include <QTimer>
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <stdexcept>
 
 namespace tavix {
@@ -67,6 +73,17 @@ class DrillThroughWalk : public ::testing::Test {
         view.SelectTab(tab);
         return *view.GetTab(tab).findChild<CUGCtrl*>();
     }
+    /// Lets `act` answer the next question where a file is.
+    void answerLocating(std::function<void(CLocateFileDlg&)> act) {
+        m_locating.disconnect();
+        m_locating.callOnTimeout([this, act = std::move(act)] {
+            if (auto* dialog = qobject_cast<CLocateFileDlg*>(QApplication::activeModalWidget())) {
+                m_locating.stop();
+                act(*dialog);
+            }
+        });
+        m_locating.start(5);
+    }
     static void doubleClick(CUGCtrl& grid, int row, int column) {
         grid.scrollTo(grid.model()->index(row, column));
         const QPoint at = grid.visualRect(grid.model()->index(row, column)).center();
@@ -103,6 +120,7 @@ class DrillThroughWalk : public ::testing::Test {
     testing::ScriptedMessages m_messages;
     CTavixApp m_app{makeMemorySettings()};
     CTavixView m_view{m_app, m_messages};
+    QTimer m_locating;
 };
 
 constexpr int kValues = CFieldView::Frequency;
@@ -153,13 +171,26 @@ TEST_F(DrillThroughWalk, theSourceMayHaveChangedOrGone) {
     ASSERT_EQ(lines.size(), 5U);
     EXPECT_THAT(lines[1], ::testing::StartsWith("2 in the run, 3 now: the source changed since"));
 
-    std::filesystem::remove(m_folder.file("people.csv"));
-    PrViewer& viewer = *m_view.GetTavixDoc().GetViewer();
-    ASSERT_FALSE(viewer.drillDown(m_view.GetSelection().fieldId, KvbString("Rome"), false, nullptr, nullptr));
-    m_messages.expectWarn("Drill through information is unavailable for this item.\n\n" + viewer.getErrorString().str(),
-                          "Error");
+    std::filesystem::create_directory(m_folder.file("elsewhere"));
+    const std::string place = m_folder.file("elsewhere/people.csv");
+    std::filesystem::rename(m_folder.file("people.csv"), place);
+    int asked = 0;
+    answerLocating([&](CLocateFileDlg& dialog) {
+        ++asked;
+        EXPECT_TRUE(NestedLoops::instance().isDialogOpen());
+        dialog.reject();
+    });
     doubleClick(values, rowOf(values, "Rome"), 0);
     EXPECT_THAT(takeWindow(), IsEmpty());
+    answerLocating([&](CLocateFileDlg& dialog) {
+        ++asked;
+        dialog.AskPath = [&] { return QString::fromStdString(place); };
+        dialog.findChild<QPushButton*>(QStringLiteral("locate"))->click();
+    });
+    m_messages.expectWarn("\"" + place + "\" has 73 bytes where the run read 64. Its place is not kept.", "Error");
+    doubleClick(values, rowOf(values, "Rome"), 0);
+    EXPECT_EQ(takeWindow().size(), 5U);
+    EXPECT_EQ(asked, 2);
 }
 
 TEST_F(DrillThroughWalk, notForSummaryRowsAndNotWithThatConnectionType) {

@@ -140,7 +140,7 @@ TEST_F(DatabaseRuns, HaveTheFiguresOfATextFileWithTheSameRowsHoweverTheyAreCount
     for (const char* table : {"lite counted", "lite rows", "lite query", "customers", "pg rows", "pg query"})
         EXPECT_EQ(figures(table), expected) << table;
     EXPECT_EQ(
-        stored("SELECT v.data_source, v.catalog, v.schema, v.table_name, v.object_name, v.kind, v.query, "
+        stored("SELECT v.data_source, v.catalog, v.schema, v.source_table, v.object_name, v.kind, v.query, "
                "t.connection, v.total_records, v.file_path FROM v_tables v JOIN run_table t USING (run, table_id) "
                "WHERE t.connection IS NOT NULL ORDER BY t.position"),
         "lite|||customers|lite counted|Y||DSN=lite|6|NULL\n"

@@ -238,7 +238,7 @@ TEST_F(RunJob, StoresTheSameByAnyNumberOfThreads) {
                         stored("SELECT field, chunk, hex(hashes) FROM value_hash ORDER BY 1, 2") +
                         stored("SELECT * FROM v_percentiles") + stored("SELECT count(*) FROM value_place"));
     }
-    EXPECT_EQ(stored("SELECT table_name, object_name, processed_records FROM v_tables ORDER BY table_id"),
+    EXPECT_EQ(stored("SELECT source_table, object_name, processed_records FROM v_tables ORDER BY table_id"),
               "a||2\nb||20000\nb|few|6000\n");
     EXPECT_EQ(found[1], found[0]);
     EXPECT_EQ(found[2], found[0]);

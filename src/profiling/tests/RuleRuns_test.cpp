@@ -137,10 +137,11 @@ tables:
         stored("SELECT table_name, rule, checked_rows, failed_rows, logged_rows FROM v_business_rules"),
         fmt::format("orders|Amount known|70000|{}|7\norders|Not negative|70000|{}|{}\nbonn|Not negative|{}|{}|7\n",
                     unknown, negative, negative, bonn, bonnNegative));
-    EXPECT_EQ(stored("SELECT record, \"values\" FROM v_rule_rows WHERE rule = 'Amount known'"), firstUnknown);
-    EXPECT_EQ(stored("SELECT max(record) FROM v_rule_rows WHERE rule = 'Not negative' AND columns LIKE '[\"id\"%'"),
-              lastNegative);
-    EXPECT_EQ(stored("SELECT total_records, processed_records, filter, kind, object_name, table_name FROM v_tables "
+    EXPECT_EQ(stored("SELECT record, row_values FROM v_rule_rows WHERE rule = 'Amount known'"), firstUnknown);
+    EXPECT_EQ(
+        stored("SELECT max(record) FROM v_rule_rows WHERE rule = 'Not negative' AND column_names LIKE '[\"id\"%'"),
+        lastNegative);
+    EXPECT_EQ(stored("SELECT total_records, processed_records, filter, kind, object_name, source_table FROM v_tables "
                      "WHERE kind = 'D'"),
               fmt::format("70000|{}|`city` == 'Bonn'|D|bonn|orders\n", bonn));
     EXPECT_EQ(stored("SELECT value FROM v_custom_metrics WHERE table_name = 'bonn'"), fmt::format("{}\n", bonnBig));
@@ -208,7 +209,7 @@ TEST_F(RuleRuns, ExpressionsThatDoNotFitAreNamedWithTheirPlaceBeforeAnythingIsWr
 TEST_F(RuleRuns, LongValuesAreCutInTheRowLog) {
     write("t.csv", "k,v\n1," + std::string(3999, 'x') + "\u00E4\u00E4\n");
     ASSERT_TRUE(run("job: J\ntables: [{file: t.csv, rules: [{name: R, condition: \"`v` == 'x'\"}]}]").ok());
-    EXPECT_EQ(stored("SELECT \"values\" FROM v_rule_rows"), "[\"" + std::string(3999, 'x') + "\u2026\"]\n");
+    EXPECT_EQ(stored("SELECT row_values FROM v_rule_rows"), "[\"" + std::string(3999, 'x') + "\u2026\"]\n");
 }
 
 TEST_F(RuleRuns, AComparisonOfATextWithANumberIsRemarkedOn) {

@@ -132,7 +132,7 @@ TEST_F(TextSources, ASampleKeepsWhatItTookApartFromWhatThereIs) {
     EXPECT_EQ(every.tables[0].rowsOfSource, 11);
     EXPECT_EQ(every.tables[0].damagedRows, 1) << "that of all rows";
     EXPECT_EQ(every.tables[0].sample, "every 3rd row");
-    EXPECT_EQ(stored("SELECT table_name, total_records, processed_records FROM v_tables ORDER BY table_id"),
+    EXPECT_EQ(stored("SELECT source_table, total_records, processed_records FROM v_tables ORDER BY table_id"),
               "t|11|4\nt|11|3\n");
     EXPECT_EQ(stored("SELECT minimum_value, maximum_value, count FROM v_fields WHERE table_id = 1"), "1|10|4\n");
     EXPECT_EQ(stored("SELECT text FROM v_log WHERE text LIKE 'Sample%' AND table_id = 1"),

@@ -362,7 +362,7 @@ TEST(CUGCtrl, invisibleCharactersAreSeenOnDemandAndCopiedAsTheyAre) {
     EXPECT_EQ(null, picture(grid, 2));
     grid.SelectRow(1);
     grid.CopySelection(false);
-    EXPECT_EQ(" a\tb \r\n", toUtf8(QApplication::clipboard()->text()));
+    EXPECT_EQ("\" a\tb \"\r\n", toUtf8(QApplication::clipboard()->text()));
     grid.clearSelection();
     grid.setCurrentIndex({});
     grid.SetShowsInvisible(false);
