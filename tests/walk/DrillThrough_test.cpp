@@ -165,12 +165,22 @@ TEST_F(DrillThroughWalk, rulesShowTheRowsThatTheRunKept) {
 TEST_F(DrillThroughWalk, theSourceMayHaveChangedOrGone) {
     selectField("city");
     CUGCtrl& values = openTab(kValues);
-    write("people.csv", "id,city,size\n1,Rome,5\n2,Bonn,7\n3,,9\n4,Rome,700\n5,Oslo,\n6,rome,6\n7,Rome,1\n");
+    const std::string longer = "id,city,size\n1,Rome,5\n2,Bonn,7\n3,,9\n4,Rome,700\n5,Oslo,\n6,rome,6\n7,Rome,1\n";
+    write("people.csv", longer);
     doubleClick(values, rowOf(values, "Rome"), 0);
     Lines lines = takeWindow();
     ASSERT_EQ(lines.size(), 5U);
     EXPECT_THAT(lines[1], ::testing::StartsWith("2 in the run, 3 now: the source changed since"));
 
+    write("people.csv", "id,town,size\n1,Rome,5\n");
+    PrViewer& viewer = *m_view.GetTavixDoc().GetViewer();
+    ASSERT_FALSE(viewer.drillDown(m_view.GetSelection().fieldId, KvbString("Rome"), false, nullptr, nullptr));
+    m_messages.expectWarn("Drill through information is unavailable for this item.\n\n" + viewer.getErrorString().str(),
+                          "Error");
+    doubleClick(values, rowOf(values, "Rome"), 0);
+    EXPECT_THAT(takeWindow(), IsEmpty());
+
+    write("people.csv", longer);
     std::filesystem::create_directory(m_folder.file("elsewhere"));
     const std::string place = m_folder.file("elsewhere/people.csv");
     std::filesystem::rename(m_folder.file("people.csv"), place);
