@@ -56,7 +56,7 @@ class User {
 [[nodiscard]] bool windowManagerRuns(XlibShell& shell);
 /// Keys go where a test sends them only once the window manager has the window in its frame and shows it.
 [[nodiscard]] bool isManaged(XlibShell& shell);
-/// -1 when there is no such window.
+/// The number of child windows, -1 on an X error; `first` receives the lowest one.
 [[nodiscard]] int childrenOf(Display* display, Window window, Window* first = nullptr);
 /// The windows anywhere on the screen that belong to the shell's as dialogs do.
 [[nodiscard]] std::vector<Window> dialogsOf(XlibShell& shell);

@@ -44,7 +44,7 @@ bool areSame(const DrillTable& table, std::span<const std::string> names) {
                       [](const std::string& name, const DrillTable::Column& column) { return name == column.name; });
 }
 
-/// What messages call the source.
+/// The name of the source in messages: the one file, or the pattern that names several.
 const std::string& shownPath(const DrillTable::TextFile& file) {
     return file.files.size() == 1 ? file.files.front().place : file.path;
 }

@@ -3,7 +3,6 @@
 #include "cli/CommandError.h"
 #include "cli/Interruption.h"
 #include "cli/RepositoryChoice.h"
-#include "cli/Session.h"
 #include "repository/RepositoryCheck.h"
 #include "repository/Schema.h"
 
@@ -45,9 +44,7 @@ CLI::App* CheckCommand::declare(CLI::App& program) {
 }
 
 void CheckCommand::run(const CommonOptions& options) {
-    const std::string chosen = chosenRepository(options.repository);
-    { const Session session(chosen); } // says what is wrong with the name
-    auto connection = repository::openRepository(chosen, sql::OpenMode::Read);
+    auto connection = repository::openRepository(requiredRepository(options.repository), sql::OpenMode::Read);
     if (!connection)
         throw CommandError(ExitCode::Source, connection.error().text);
     (*connection)->goOnWhile([] { return !isInterrupted(); });

@@ -59,7 +59,8 @@ constexpr const char* kFooter =
     "\"tavix COMMAND --help\" tells more about a command.\n"
     "Results go to standard output, messages to standard error.\n"
     "Exit codes: 0 done; 1 done, and an alert is raised (--fail-at); 2 wrong arguments or job file;\n"
-    "3 a source, the repository or the output failed; 4 cancelled.";
+    "3 a source, the repository or the output failed;\n"
+    "4 cancelled, or the run is stored without its empty files.";
 
 using Commands = std::vector<std::unique_ptr<Command>>;
 

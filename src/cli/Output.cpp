@@ -13,12 +13,10 @@
 
 namespace tavix::cli {
 
-Output::Output(std::string path, std::string_view repository) {
+Output::Output(std::string path) {
     if (path.empty() || path == "-")
         return;
     m_path = std::move(path);
-    // The repository may be opened only later.
-    const HeldRepository held(repositoryFile(repository));
     if (const Status free = requireNotHeld(m_path); !free)
         throw CommandError(ExitCode::Usage, free.error().text);
     auto file = FileWriter::open(m_path);

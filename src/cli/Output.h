@@ -12,9 +12,9 @@ namespace tavix::cli {
 /// otherwise left as it was. Failures to write throw CommandError; a closed pipe throws OutputClosed.
 class Output {
   public:
-    /// The file `path`; "" or "-" is standard output. Devices and pipes are written directly. The file `repository`,
-    /// "" for none, which may begin with "sqlite:", is refused.
-    explicit Output(std::string path, std::string_view repository = {});
+    /// The file `path`; "" or "-" is standard output. Devices and pipes are written directly. A file of a repository
+    /// that is in use is refused.
+    explicit Output(std::string path);
 
     void write(std::string_view text);
     /// Puts everything in its place; to be called once, after the last write.

@@ -85,7 +85,7 @@ void endPartial(const std::vector<profiling::EmptyFile>& leftOut) {
     for (std::size_t i = 0; i < std::min(leftOut.size(), kNamedFiles); ++i)
         text += (i == 0 ? "" : "; ") + profiling::emptyFileText(leftOut[i]);
     if (leftOut.size() > kNamedFiles)
-        text += fmt::format("; and {} more files", leftOut.size() - kNamedFiles);
+        text += fmt::format("; and {} more", leftOut.size() - kNamedFiles);
     throw CommandError(ExitCode::Partial, text);
 }
 
@@ -205,7 +205,8 @@ void ProfileCommand::run(const CommonOptions& options) {
     const std::string& named = options.repository.empty() ? job.repository : options.repository;
     const std::string repository = fileToWrite(chosenRepository(named));
     if (repository.empty())
-        throw CommandError(ExitCode::Usage, "where shall the run go? Name a repository with --repository FILE");
+        throw CommandError(ExitCode::Usage,
+                           "where shall the run go? Name a repository with --repository FILE, or in TAVIX_REPOSITORY");
     const HeldRepository held(repository);
     if (m_dryRun) {
         auto plan = profiling::planJob(job, repository, sourceCredentials(), [] { return !isInterrupted(); });
@@ -218,9 +219,7 @@ void ProfileCommand::run(const CommonOptions& options) {
         endPartial(plan->leftOut);
         return;
     }
-    CommonOptions resolved = options;
-    resolved.repository = repository;
-    Listing listing(resolved);
+    Listing listing(options);
     Result<profiling::RunOutcome> result = [&] {
         ProgressLine progress;
         profiling::RunOptions runOptions;

@@ -50,4 +50,12 @@ std::string chosenRepository(const std::string& named) {
     return names.front();
 }
 
+std::string requiredRepository(const std::string& named) {
+    std::string chosen = chosenRepository(named);
+    if (chosen.empty())
+        throw CommandError(ExitCode::Usage,
+                           fmt::format("which repository? Name it with --repository FILE, or in {}", kVariable));
+    return chosen;
+}
+
 } // namespace tavix::cli

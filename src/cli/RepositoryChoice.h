@@ -8,5 +8,7 @@ namespace tavix::cli {
 /// TAVIX_REPOSITORY, else the only *.tavix in the current folder, which standard error then names; "" when there is
 /// none of these. Throws CommandError when the folder has several.
 [[nodiscard]] std::string chosenRepository(const std::string& named);
+/// The same; throws CommandError also when there is none.
+[[nodiscard]] std::string requiredRepository(const std::string& named);
 
 } // namespace tavix::cli

@@ -48,10 +48,7 @@ TableEntry readTable(const ProfileCursor& cursor, const std::string& dataSource)
 } // namespace
 
 Session::Session(const std::string& repository) : m_viewer(PrViewer::create()) {
-    const std::string chosen = chosenRepository(repository);
-    if (chosen.empty())
-        throw CommandError(ExitCode::Usage, "which repository? Name it with --repository FILE, or in TAVIX_REPOSITORY");
-    check(m_viewer->init(chosen));
+    check(m_viewer->init(requiredRepository(repository)));
 }
 
 void Session::selectJob(const std::optional<std::string>& name) {
@@ -176,16 +173,16 @@ void Session::addressSubject(const std::string& subject, std::optional<std::stri
     const std::vector<TableEntry> all = tables();
     const std::vector<std::string> names = namesOf(all);
     const bool isTable = std::find(names.begin(), names.end(), subject) != names.end();
-    bool isField = false;
-    for (const FieldAddress& way : readFieldAddress(subject, names)) {
-        const std::vector<std::string> fields = namesOf(fieldsOf(all[pickByName("table", way.table, names)]));
-        isField = isField || std::find(fields.begin(), fields.end(), way.field) != fields.end();
-    }
-    if (isTable && isField)
+    const std::vector<FieldAddress> ways = readFieldAddress(subject, names);
+    const bool isField = isTable && std::any_of(ways.begin(), ways.end(), [&](const FieldAddress& way) {
+                             const std::vector<std::string> fields =
+                                 namesOf(fieldsOf(all[pickByName("table", way.table, names)]));
+                             return std::find(fields.begin(), fields.end(), way.field) != fields.end();
+                         });
+    if (isField)
         throw CommandError(ExitCode::Usage,
                            fmt::format("\"{}\" is a table and a field: say which with --table or --field", subject));
-    const bool isAddress = !readFieldAddress(subject, names).empty();
-    if (!isTable && !isAddress)
+    if (!isTable && ways.empty())
         (void)pickByName("table", subject, names); // throws
     (isTable ? table : field) = subject;
 }

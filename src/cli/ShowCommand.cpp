@@ -74,21 +74,14 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
 }
 
 void ShowCommand::run(const CommonOptions& options) {
-    if (m_subject) {
-        Session session(options.repository);
-        m_runChoice.select(session);
-        session.addressSubject(*m_subject, m_table, m_field);
+    if (!m_subject)
         checkChoice(options);
-        showSubject(session, options);
-        return;
-    }
-    checkChoice(options);
     Session session(options.repository);
     m_runChoice.select(session);
-    showSubject(session, options);
-}
-
-void ShowCommand::showSubject(Session& session, const CommonOptions& options) const {
+    if (m_subject) {
+        session.addressSubject(*m_subject, m_table, m_field);
+        checkChoice(options);
+    }
     if (m_field)
         showField(session, options);
     else if (m_table)

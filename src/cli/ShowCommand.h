@@ -17,7 +17,6 @@ class ShowCommand final : public Command {
     void run(const CommonOptions& options) override;
 
   private:
-    void showSubject(Session& session, const CommonOptions& options) const;
     void checkChoice(const CommonOptions& options) const;
     void showRun(Session& session, const CommonOptions& options) const;
     void showTable(Session& session, const CommonOptions& options) const;

@@ -24,7 +24,7 @@ constexpr auto kFunctions = std::to_array<Function>({
     {"coalesce", "aa", 'a', "The first argument that is not null; null when all are.", 1, kMostArguments,
      Form::FirstNonNull, nullptr},
     {"compare", "ssb", 'i',
-     "-1, 0 or 1: whether the first text stands before the second, equals it or stands behind it, by code point. With "
+     "-1, 0 or 1: whether the first text comes before the second, equals it or comes after it, by code point. With "
      "true as the third argument upper and lower case are the same. Dates are compared as dates.",
      2, 3, Form::Compare, text::compare},
     {"concat", "ss", 's', "The texts one after the other.", 1, kMostArguments, Form::Plain, text::concat},

@@ -1,3 +1,4 @@
+#include "base/HeldRepositories.h"
 #include "base/tests/TempFolder.h"
 #include "cli/CommandError.h"
 #include "cli/TableWriter.h"
@@ -169,10 +170,13 @@ TEST(Output, AFileAppearsWholeOrStaysAsItWas) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2);
     EXPECT_THROW(Output(folder.file("none/out.csv")), CommandError);
     EXPECT_THROW(Output(folder.path().string()), CommandError);
-    EXPECT_THROW(Output(path, "sqlite:" + folder.file("../" + folder.path().filename().string() + "/out.csv")),
-                 CommandError);
-    EXPECT_THROW(Output(folder.file("link.csv"), path), CommandError);
-    EXPECT_THROW(Output(folder.file("new.tavix-wal"), folder.file("new.tavix")), CommandError);
+    {
+        const HeldRepository held(folder.file("../" + folder.path().filename().string() + "/out.csv"));
+        EXPECT_THROW(Output{path}, CommandError);
+        EXPECT_THROW(Output(folder.file("link.csv")), CommandError);
+        const HeldRepository toBeMade(folder.file("new.tavix"));
+        EXPECT_THROW(Output(folder.file("new.tavix-wal")), CommandError);
+    }
     EXPECT_EQ(contentOf(path), "after");
     Output full("/dev/full");
     EXPECT_THROW(
