@@ -1,4 +1,4 @@
-#include "expression/BlockEvaluator.h"
+#include "blocks/BlockEvaluator.h"
 
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>

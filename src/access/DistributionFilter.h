@@ -3,7 +3,7 @@
 #include "access/FilterCode.h"
 #include "base/KvbString.h"
 #include "base/Result.h"
-#include "expression/BlockEvaluator.h"
+#include "blocks/BlockEvaluator.h"
 #include "repository/PackedDistribution.h"
 
 #include <cstdint>

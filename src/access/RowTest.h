@@ -1,6 +1,6 @@
 #pragma once
 
-#include "expression/BlockEvaluator.h"
+#include "blocks/BlockEvaluator.h"
 #include "expression/Program.h"
 #include "source/RowReader.h"
 

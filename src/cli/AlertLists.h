@@ -1,6 +1,6 @@
 #pragma once
 
-#include "filter/AlertStates.h"
+#include "report/AlertStates.h"
 
 #include <optional>
 #include <string>

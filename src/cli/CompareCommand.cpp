@@ -9,7 +9,7 @@
 #include "cli/RepositoryChoice.h"
 #include "cli/RunChoice.h"
 #include "cli/Session.h"
-#include "doc/RunComparison.h"
+#include "report/RunComparison.h"
 
 #include <CLI/App.hpp>
 #include <fmt/format.h>

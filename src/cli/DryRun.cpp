@@ -14,10 +14,10 @@ namespace tavix::cli {
 
 namespace {
 
-using profiling::JobDescription;
+using job::JobDescription;
+using job::TableDescription;
 using profiling::JobPlan;
 using profiling::PlannedTable;
-using profiling::TableDescription;
 
 constexpr int kSecondsPlaces = 1;
 

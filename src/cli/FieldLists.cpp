@@ -8,8 +8,8 @@
 #include "cli/FieldTypes.h"
 #include "cli/Interruption.h"
 #include "cli/Session.h"
-#include "doc/DistributionShare.h"
 #include "filter/ExpressionCheck.h"
+#include "report/DistributionShare.h"
 
 #include <fmt/format.h>
 

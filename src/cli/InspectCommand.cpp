@@ -152,7 +152,7 @@ CLI::App* InspectCommand::declare(CLI::App& program) {
 }
 
 void InspectCommand::run(const CommonOptions& options) {
-    profiling::TableDescription table = m_reading.reading();
+    job::TableDescription table = m_reading.reading();
     std::vector<FileInspection> files;
     for (const std::string& path : existingFiles(m_files)) {
         table.path = path;

@@ -13,9 +13,9 @@
 #include "cli/Session.h"
 #include "cli/SourceCredentials.h"
 #include "cli/TablesCommand.h"
+#include "job/JobChecks.h"
+#include "job/JobDescription.h"
 #include "profiling/Databases.h"
-#include "profiling/JobChecks.h"
-#include "profiling/JobDescription.h"
 #include "profiling/JobPlan.h"
 
 #include <CLI/App.hpp>
@@ -59,7 +59,7 @@ void checkUsage(const Status& checked) {
         throw CommandError(ExitCode::Usage, checked.error().text);
 }
 
-void listOutcome(Listing& listing, const profiling::JobDescription& job, const profiling::RunOutcome& outcome) {
+void listOutcome(Listing& listing, const job::JobDescription& job, const profiling::RunOutcome& outcome) {
     Section section{"tables",
                     "Tables",
                     {{"job", "Job"},
@@ -89,8 +89,8 @@ void endPartial(const std::vector<profiling::EmptyFile>& leftOut) {
     throw CommandError(ExitCode::Partial, text);
 }
 
-std::string fileOf(const profiling::JobDescription& job, const std::string& table) {
-    for (const profiling::TableDescription& description : job.tables)
+std::string fileOf(const job::JobDescription& job, const std::string& table) {
+    for (const job::TableDescription& description : job.tables)
         if (description.name == table && !description.isDatabase())
             return std::filesystem::path(description.path).filename().string();
     return table;
@@ -148,32 +148,31 @@ CLI::App* ProfileCommand::declare(CLI::App& program) {
     return command;
 }
 
-profiling::JobDescription ProfileCommand::describeJobFile(const std::string& path) const {
+job::JobDescription ProfileCommand::describeJobFile(const std::string& path) const {
     if (m_files.size() > 1)
         throw CommandError(ExitCode::Usage, "a job file stands alone: it names the files to profile itself");
     if (m_job || m_oneTable || m_reading.isAnyGiven())
         throw CommandError(ExitCode::Usage,
                            "--job, --one-table and what says how files are read and sampled are for text "
                            "files; a job file says these itself");
-    profiling::JobDescription job = orUsageError(profiling::readJobFile(path));
+    job::JobDescription job = orUsageError(job::readJobFile(path));
     const HeldRepository held(repositoryFile(job.repository));
     checkUsage(profiling::checkFields(job));
     return job;
 }
 
-profiling::JobDescription ProfileCommand::describe() const {
+job::JobDescription ProfileCommand::describe() const {
     (void)existingFiles(m_files); // throws for what is not there
     const auto jobFile = std::find_if(m_files.begin(), m_files.end(), isJobFile);
     if (jobFile != m_files.end())
         return describeJobFile(*jobFile);
     for (const auto& [what, name] : {std::pair("job", &m_job), std::pair("table", &m_oneTable)})
         if (*name)
-            checkUsage(profiling::checkGivenName(what, **name));
-    return orUsageError(
-        profiling::describeFiles(m_files, m_job.value_or(""), m_reading.reading(), m_oneTable.value_or("")));
+            checkUsage(job::checkGivenName(what, **name));
+    return orUsageError(job::describeFiles(m_files, m_job.value_or(""), m_reading.reading(), m_oneTable.value_or("")));
 }
 
-void ProfileCommand::explain(const profiling::JobDescription& job, const CommonOptions& options) const {
+void ProfileCommand::explain(const job::JobDescription& job, const CommonOptions& options) const {
     const auto tables = profiling::explainJob(job, sourceCredentials());
     if (!tables)
         throw CommandError(ExitCode::Source, tables.error().text);
@@ -196,8 +195,8 @@ void ProfileCommand::explain(const profiling::JobDescription& job, const CommonO
 }
 
 void ProfileCommand::run(const CommonOptions& options) {
-    checkUsage(profiling::checkDescription("run", m_description));
-    const profiling::JobDescription job = describe();
+    checkUsage(job::checkDescription("run", m_description));
+    const job::JobDescription job = describe();
     if (m_explain) {
         explain(job, options);
         return;

@@ -18,10 +18,10 @@ class ProfileCommand final : public Command {
     void run(const CommonOptions& options) override;
 
   private:
-    [[nodiscard]] profiling::JobDescription describe() const;
-    void explain(const profiling::JobDescription& job, const CommonOptions& options) const;
+    [[nodiscard]] job::JobDescription describe() const;
+    void explain(const job::JobDescription& job, const CommonOptions& options) const;
     void checkAlerts(const std::string& repository, const std::string& job, const profiling::RunOutcome& outcome) const;
-    [[nodiscard]] profiling::JobDescription describeJobFile(const std::string& path) const;
+    [[nodiscard]] job::JobDescription describeJobFile(const std::string& path) const;
 
     std::vector<std::string> m_files;
     std::optional<std::string> m_job;

@@ -3,8 +3,8 @@
 #include "base/HeldRepositories.h"
 #include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
-#include "profiling/FilePatterns.h"
-#include "profiling/JobChecks.h"
+#include "job/FilePatterns.h"
+#include "job/JobChecks.h"
 
 #include <CLI/App.hpp>
 #include <fmt/format.h>
@@ -49,7 +49,7 @@ std::optional<char> parseDelimiter(const std::string& text) {
 std::vector<std::string> existingFiles(const std::vector<std::string>& names) {
     std::vector<std::string> files;
     for (const std::string& name : names) {
-        const auto matching = profiling::matchingFiles(std::filesystem::absolute(name).lexically_normal().string());
+        const auto matching = job::matchingFiles(std::filesystem::absolute(name).lexically_normal().string());
         if (!matching)
             throw CommandError(ExitCode::Source, matching.error().text);
         for (const std::string& file : *matching) {
@@ -127,8 +127,8 @@ source::Sample ReadingOptions::sample() const {
     return {};
 }
 
-profiling::TableDescription ReadingOptions::reading() const {
-    profiling::TableDescription table;
+job::TableDescription ReadingOptions::reading() const {
+    job::TableDescription table;
     if (!m_delimiter.empty()) {
         table.delimiter = parseDelimiter(m_delimiter);
         if (!table.delimiter)
@@ -145,7 +145,7 @@ profiling::TableDescription ReadingOptions::reading() const {
     if (!m_encoding.empty()) {
         table.encoding = findEncoding(m_encoding);
         if (!table.encoding)
-            failUsage(profiling::unknownEncoding(m_encoding));
+            failUsage(job::unknownEncoding(m_encoding));
     }
     if (!m_quote.empty())
         table.quote = parseQuote(m_quote);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "profiling/JobDescription.h"
+#include "job/JobDescription.h"
 
 #include <cstdint>
 #include <optional>
@@ -21,7 +21,7 @@ class ReadingOptions {
     /// Whether the user gave one of them.
     [[nodiscard]] bool isAnyGiven() const;
     /// A table without a name and a file. Throws CommandError.
-    [[nodiscard]] profiling::TableDescription reading() const;
+    [[nodiscard]] job::TableDescription reading() const;
 
   private:
     [[nodiscard]] source::Sample sample() const;

@@ -1,6 +1,6 @@
 #include "doc/CTavixApp.h"
 
-#include "doc/MetricDisplay.h"
+#include "settings/MetricDisplay.h"
 
 namespace tavix {
 

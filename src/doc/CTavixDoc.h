@@ -6,10 +6,10 @@
 #include "doc/CRefreshItem.h"
 #include "doc/FieldFilters.h"
 #include "doc/ItemCode.h"
-#include "doc/MetricDisplay.h"
-#include "doc/ReportSelection.h"
-#include "doc/RunInfo.h"
 #include "doc/SourceLogins.h"
+#include "report/ReportSelection.h"
+#include "report/RunInfo.h"
+#include "settings/MetricDisplay.h"
 
 #include <array>
 #include <functional>

@@ -2,7 +2,7 @@
 
 #include "doc/CRefreshItem.h"
 #include "doc/NavigateRequest.h"
-#include "doc/ReportSelection.h"
+#include "report/ReportSelection.h"
 
 #include <string>
 

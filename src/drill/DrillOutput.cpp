@@ -4,8 +4,8 @@
 #include "base/FileWriter.h"
 #include "base/HeldRepositories.h"
 #include "base/NumberText.h"
-#include "doc/CountText.h"
 #include "grid/FoldCase.h"
+#include "report/CountText.h"
 #include "worksheet/Workbook.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #include "drill/DrillTexts.h"
 
 #include "access/SourceChange.h"
-#include "doc/CountText.h"
 #include "grid/FoldCase.h"
+#include "report/CountText.h"
 
 namespace tavix {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "filter/CCondition.h"
-#include "filter/DistributionKind.h"
+#include "report/DistributionKind.h"
 
 #include <string>
 #include <string_view>

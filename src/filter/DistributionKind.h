@@ -1,6 +1,6 @@
 #pragma once
 
-#include "doc/DistributionKind.h"
+#include "report/DistributionKind.h"
 
 #include <string_view>
 

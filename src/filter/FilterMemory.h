@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/SettingsStore.h"
-#include "filter/DistributionKind.h"
+#include "report/DistributionKind.h"
 
 #include <cstddef>
 #include <string>

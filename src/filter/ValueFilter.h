@@ -2,7 +2,7 @@
 
 #include "base/KvbString.h"
 #include "base/Result.h"
-#include "filter/DistributionKind.h"
+#include "report/DistributionKind.h"
 
 #include <string>
 #include <string_view>

@@ -3,7 +3,7 @@
 #include "base/ui/NestedLoop.h"
 #include "base/ui/QtMessages.h"
 #include "doc/CTavixApp.h"
-#include "doc/ui/CTavixView.h"
+#include "frame/ui/CTavixView.h"
 #include "host/ForeignParent.h"
 #include "host/HostMessages.h"
 #include "host/TavixHost.h"

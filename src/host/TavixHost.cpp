@@ -4,11 +4,11 @@
 #include "access/PrViewer.h"
 #include "base/GenException.h"
 #include "base/ui/NestedLoop.h"
-#include "doc/Settings.h"
-#include "doc/ui/CTavixView.h"
+#include "frame/ui/CTavixView.h"
 #include "host/HostWindow.h"
 #include "host/KeyMessage.h"
 #include "host/TavixQtWindow.h"
+#include "settings/Settings.h"
 
 #include <utility>
 

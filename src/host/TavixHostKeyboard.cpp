@@ -1,6 +1,6 @@
 #include "base/ui/NestedLoop.h"
 #include "doc/CReportPane.h"
-#include "doc/ui/CTavixView.h"
+#include "frame/ui/CTavixView.h"
 #include "host/HostWindow.h"
 #include "host/KeyMessage.h"
 #include "host/TavixHost.h"

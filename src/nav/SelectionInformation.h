@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/Result.h"
-#include "doc/FieldRecords.h"
-#include "doc/ReportSelection.h"
+#include "report/FieldRecords.h"
+#include "report/ReportSelection.h"
 
 #include <string>
 

@@ -4,8 +4,8 @@
 #include "access/PrViewer.h"
 #include "base/GenException.h"
 #include "base/NumberText.h"
-#include "doc/CountText.h"
-#include "doc/FieldRecords.h"
+#include "report/CountText.h"
+#include "report/FieldRecords.h"
 
 namespace tavix {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "doc/ReportSelection.h"
+#include "report/ReportSelection.h"
 
 #include <cstdint>
 #include <functional>

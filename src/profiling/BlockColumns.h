@@ -1,6 +1,6 @@
 #pragma once
 
-#include "expression/Block.h"
+#include "blocks/Block.h"
 #include "source/RowReader.h"
 
 #include <cstddef>

@@ -14,9 +14,9 @@ using repository::TableKind;
 using source::DatabaseTable;
 using source::DeclaredColumn;
 
-Result<OpenedDatabaseTable> Databases::open(const TableDescription& table) {
+Result<OpenedDatabaseTable> Databases::open(const job::TableDescription& table) {
     const auto source = std::find_if(m_job.sources.begin(), m_job.sources.end(),
-                                     [&](const SourceDescription& one) { return one.name == table.source; });
+                                     [&](const job::SourceDescription& one) { return one.name == table.source; });
     if (source == m_job.sources.end())
         return Error{fmt::format("The job has no source \"{}\".", table.source)};
     auto& connection = m_connections[source->name];
@@ -37,22 +37,22 @@ Result<OpenedDatabaseTable> Databases::open(const TableDescription& table) {
     return OpenedDatabaseTable{connection.get(), std::move(*found)};
 }
 
-std::optional<std::string> whyRowsAreRead(const JobDescription& job, const TableDescription& table,
+std::optional<std::string> whyRowsAreRead(const job::JobDescription& job, const job::TableDescription& table,
                                           const DatabaseTable& found) {
     if (table.isCountedByRows)
         return "the job says \"counted by: rows\"";
-    for (const TableDescription& other : job.tables)
+    for (const job::TableDescription& other : job.tables)
         if (other.isFiltered() && other.basedOn == table.name)
             return fmt::format("the filtered table \"{}\" is made of its rows", other.name);
     if (!table.rules.empty())
         return "its rules look at every row";
-    for (const CustomMetricDescription& metric : table.metrics)
-        if (metric.figure != Figure::Metric)
+    for (const job::CustomMetricDescription& metric : table.metrics)
+        if (metric.figure != job::Figure::Metric)
             return fmt::format("the custom metric \"{}\" looks at every row", metric.name);
     return found.whyNotCounted();
 }
 
-void addDatabaseFacts(TableFacts& facts, const TableDescription& table, const TableDescription& base,
+void addDatabaseFacts(TableFacts& facts, const job::TableDescription& table, const job::TableDescription& base,
                       const OpenedDatabaseTable& opened) {
     const source::TableRequest& address = opened.table.address();
     facts.dataSource = base.source;
@@ -87,10 +87,10 @@ void addDeclaration(FieldFacts& facts, const DeclaredColumn& column) {
         set(MetricId::PrimaryKey, word(column.isKey));
 }
 
-Result<std::vector<TableExplanation>> explainJob(const JobDescription& job, source::AskCredentials ask) {
+Result<std::vector<TableExplanation>> explainJob(const job::JobDescription& job, source::AskCredentials ask) {
     std::vector<TableExplanation> explanations;
     Databases databases(job, std::move(ask));
-    for (const TableDescription& table : job.tables) {
+    for (const job::TableDescription& table : job.tables) {
         TableExplanation explanation{table.name, table.isDatabase() ? table.source : job.dataSource, {}, {}};
         if (table.isFiltered())
             explanation.reason = fmt::format("made of the rows of \"{}\", while those pass by", table.basedOn);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "profiling/JobDescription.h"
+#include "job/JobDescription.h"
 #include "repository/Facts.h"
 #include "source/Credentials.h"
 #include "source/DatabaseTable.h"
@@ -24,23 +24,23 @@ struct OpenedDatabaseTable {
 class Databases {
   public:
     /// The job must outlive the object.
-    Databases(const JobDescription& job, source::AskCredentials ask) : m_job(job), m_ask(std::move(ask)) {}
+    Databases(const job::JobDescription& job, source::AskCredentials ask) : m_job(job), m_ask(std::move(ask)) {}
 
-    [[nodiscard]] Result<OpenedDatabaseTable> open(const TableDescription& table);
+    [[nodiscard]] Result<OpenedDatabaseTable> open(const job::TableDescription& table);
 
   private:
-    const JobDescription& m_job;
+    const job::JobDescription& m_job;
     source::AskCredentials m_ask;
     std::map<std::string, std::unique_ptr<source::OdbcConnection>> m_connections;
 };
 
 /// Why the rows of a table of a database are read instead of letting its engine count; nothing when it counts.
-[[nodiscard]] std::optional<std::string> whyRowsAreRead(const JobDescription& job, const TableDescription& table,
-                                                        const source::DatabaseTable& found);
+[[nodiscard]] std::optional<std::string>
+whyRowsAreRead(const job::JobDescription& job, const job::TableDescription& table, const source::DatabaseTable& found);
 
 /// What a run says of where a table comes from; `base` is the table itself or the one that it filters.
-void addDatabaseFacts(repository::TableFacts& facts, const TableDescription& table, const TableDescription& base,
-                      const OpenedDatabaseTable& opened);
+void addDatabaseFacts(repository::TableFacts& facts, const job::TableDescription& table,
+                      const job::TableDescription& base, const OpenedDatabaseTable& opened);
 /// What the catalogue declares of a field.
 void addDeclaration(repository::FieldFacts& facts, const source::DeclaredColumn& column);
 
@@ -53,6 +53,7 @@ struct TableExplanation {
 };
 
 /// Connects and looks into the catalogues, and reads no rows.
-[[nodiscard]] Result<std::vector<TableExplanation>> explainJob(const JobDescription& job, source::AskCredentials ask);
+[[nodiscard]] Result<std::vector<TableExplanation>> explainJob(const job::JobDescription& job,
+                                                               source::AskCredentials ask);
 
 } // namespace tavix::profiling

@@ -19,7 +19,7 @@ namespace {
 constexpr std::uintmax_t kLargestLookedInto = 1024;
 
 /// Whether the file holds nothing but line ends and a byte order mark.
-bool isEmpty(const std::string& path, const TableDescription& table) {
+bool isEmpty(const std::string& path, const job::TableDescription& table) {
     std::error_code failure;
     if (!std::filesystem::is_regular_file(path, failure))
         return false;
@@ -49,7 +49,7 @@ bool isEmpty(const std::string& path, const TableDescription& table) {
     }
 }
 
-void dropCollectionFields(JobDescription& job, const std::vector<std::string>& tables) {
+void dropCollectionFields(job::JobDescription& job, const std::vector<std::string>& tables) {
     std::vector<repository::CollectionFacts> kept;
     std::vector<std::vector<std::string>> places;
     for (std::size_t c = 0; c < job.collections.size(); ++c) {
@@ -62,7 +62,7 @@ void dropCollectionFields(JobDescription& job, const std::vector<std::string>& t
                 continue;
             collection.fields.push_back(address);
             if (c < job.collectionPlaces.size())
-                fieldPlaces.emplace_back(placeAt(job.collectionPlaces[c], f));
+                fieldPlaces.emplace_back(job::placeAt(job.collectionPlaces[c], f));
         }
         if (collection.fields.empty())
             continue;
@@ -80,10 +80,10 @@ std::string emptyFileText(const EmptyFile& file) {
                             : fmt::format("table \"{}\" is left out: {} is empty", file.table, file.path);
 }
 
-JobWithoutEmptyFiles withoutEmptyFiles(const JobDescription& job) {
+JobWithoutEmptyFiles withoutEmptyFiles(const job::JobDescription& job) {
     JobWithoutEmptyFiles found{job, {}};
     std::vector<std::string> gone;
-    for (TableDescription& table : found.job.tables) {
+    for (job::TableDescription& table : found.job.tables) {
         if (table.isFiltered() || table.isDatabase())
             continue;
         std::vector<std::string> kept;
@@ -99,11 +99,11 @@ JobWithoutEmptyFiles withoutEmptyFiles(const JobDescription& job) {
     }
     if (gone.empty())
         return found;
-    const auto isGone = [&](const TableDescription& table) {
+    const auto isGone = [&](const job::TableDescription& table) {
         const std::string& base = table.isFiltered() ? table.basedOn : table.name;
         return std::find(gone.begin(), gone.end(), base) != gone.end();
     };
-    for (const TableDescription& table : found.job.tables)
+    for (const job::TableDescription& table : found.job.tables)
         if (table.isFiltered() && isGone(table))
             gone.push_back(table.name);
     std::erase_if(found.job.tables, isGone);

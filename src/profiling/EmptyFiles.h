@@ -1,6 +1,6 @@
 #pragma once
 
-#include "profiling/JobDescription.h"
+#include "job/JobDescription.h"
 
 #include <string>
 #include <vector>
@@ -20,12 +20,12 @@ struct EmptyFile {
 [[nodiscard]] std::string emptyFileText(const EmptyFile& file);
 
 struct JobWithoutEmptyFiles {
-    JobDescription job;
+    job::JobDescription job;
     std::vector<EmptyFile> left; ///< what was taken from it, in the order of the job
 };
 
 /// The job without its empty files: without tables that are made of nothing else, those based on them, and their fields
 /// in collections. A job that would have no table is left as it is. Pipes are not looked into.
-[[nodiscard]] JobWithoutEmptyFiles withoutEmptyFiles(const JobDescription& job);
+[[nodiscard]] JobWithoutEmptyFiles withoutEmptyFiles(const job::JobDescription& job);
 
 } // namespace tavix::profiling

@@ -82,7 +82,8 @@ Status inspectRows(FileInspection& found, source::TextFileReader& reader, std::s
 
 } // namespace
 
-Result<FileInspection> inspectFile(const TableDescription& table, std::size_t firstRows, source::KeepGoing keepGoing) {
+Result<FileInspection> inspectFile(const job::TableDescription& table, std::size_t firstRows,
+                                   source::KeepGoing keepGoing) {
     source::TextFileOptions options = textOptions(table);
     options.isPreview = true;
     options.keepGoing = std::move(keepGoing);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/KvbDatavar.h"
-#include "profiling/JobDescription.h"
+#include "job/JobDescription.h"
 #include "source/EncodingDetector.h"
 #include "source/Unpacker.h"
 
@@ -37,7 +37,7 @@ struct FileInspection {
 
 /// Looks at the beginning of a file as a run with this description would read it. `firstRows` of its rows are kept.
 /// `keepGoing` is asked while a pipe has nothing to read; a false is an error.
-[[nodiscard]] Result<FileInspection> inspectFile(const TableDescription& table, std::size_t firstRows,
+[[nodiscard]] Result<FileInspection> inspectFile(const job::TableDescription& table, std::size_t firstRows,
                                                  source::KeepGoing keepGoing = {});
 
 } // namespace tavix::profiling

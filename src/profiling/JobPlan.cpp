@@ -1,6 +1,6 @@
 #include "profiling/JobPlan.h"
 
-#include "profiling/JobChecks.h"
+#include "job/JobChecks.h"
 #include "profiling/SourceChecks.h"
 #include "profiling/TableFiles.h"
 #include "profiling/TablePrograms.h"
@@ -17,7 +17,7 @@ namespace tavix::profiling {
 
 namespace {
 
-std::string databaseText(const TableDescription& table) {
+std::string databaseText(const job::TableDescription& table) {
     const source::TableRequest& wanted = table.database;
     if (!wanted.query.empty())
         return fmt::format("a query of {}", table.source);
@@ -34,9 +34,9 @@ class Planner {
         : m_plan(plan), m_databases(plan.job, std::move(ask)), m_keepGoing(std::move(keepGoing)) {}
 
     Status plan() {
-        if (Status status = checkJob(m_plan.job); !status)
+        if (Status status = job::checkJob(m_plan.job); !status)
             return status;
-        for (const TableDescription& table : m_plan.job.tables) {
+        for (const job::TableDescription& table : m_plan.job.tables) {
             PlannedTable& planned = m_plan.tables.emplace_back();
             planned.table = &table;
             Status status = table.isFiltered()   ? planFiltered(planned)
@@ -63,7 +63,7 @@ class Planner {
     }
 
     Status planFiles(PlannedTable& planned) {
-        const TableDescription& table = *planned.table;
+        const job::TableDescription& table = *planned.table;
         planned.reads = table.path;
         planned.sample = table.sample.text();
         const std::vector<std::string> paths = pathsOf(table);
@@ -83,9 +83,9 @@ class Planner {
         return addRemarks(table, planned, opened->reader->columnNames());
     }
 
-    Status addRemarks(const TableDescription& base, PlannedTable& planned, std::span<const std::string> columns) {
+    Status addRemarks(const job::TableDescription& base, PlannedTable& planned, std::span<const std::string> columns) {
         planned.fields = static_cast<std::int64_t>(columns.size());
-        for (const TableDescription* table : tablesOver(m_plan.job, base)) {
+        for (const job::TableDescription* table : tablesOver(m_plan.job, base)) {
             const auto compiled = compileTable(*table, columns);
             if (!compiled)
                 return compiled.error();
@@ -102,7 +102,7 @@ class Planner {
 
 } // namespace
 
-Result<JobPlan> planJob(const JobDescription& job, const std::string& repositoryPath, source::AskCredentials ask,
+Result<JobPlan> planJob(const job::JobDescription& job, const std::string& repositoryPath, source::AskCredentials ask,
                         source::KeepGoing keepGoing) {
     JobPlan plan;
     JobWithoutEmptyFiles found = withoutEmptyFiles(job);

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/Result.h"
+#include "job/JobDescription.h"
 #include "profiling/EmptyFiles.h"
-#include "profiling/JobDescription.h"
 #include "source/Credentials.h"
 
 #include <cstdint>
@@ -14,16 +14,16 @@ namespace tavix::profiling {
 
 /// What a run would read of a table.
 struct PlannedTable {
-    const TableDescription* table = nullptr; ///< of the plan's job
-    std::string reads;                       ///< a file, several, a table or query of a database, the rows of a table
-    std::optional<std::int64_t> files;       ///< how many, of a table made of files
-    std::optional<std::int64_t> bytes;       ///< of all files; none when one does not say, as a pipe does not
-    std::optional<std::int64_t> fields;      ///< none of a pipe, which cannot be looked into without reading it
-    std::string sample;                      ///< which rows are taken; empty for all
+    const job::TableDescription* table = nullptr; ///< of the plan's job
+    std::string reads;                  ///< a file, several, a table or query of a database, the rows of a table
+    std::optional<std::int64_t> files;  ///< how many, of a table made of files
+    std::optional<std::int64_t> bytes;  ///< of all files; none when one does not say, as a pipe does not
+    std::optional<std::int64_t> fields; ///< none of a pipe, which cannot be looked into without reading it
+    std::string sample;                 ///< which rows are taken; empty for all
 };
 
 struct JobPlan {
-    JobDescription job; ///< without what is left out
+    job::JobDescription job; ///< without what is left out
     std::vector<PlannedTable> tables;
     std::vector<EmptyFile> leftOut;
     std::vector<std::string> remarks; ///< on expressions, as a run makes them
@@ -35,7 +35,7 @@ struct JobPlan {
 
 /// Opens all that a run of the job would open and reads no further than a run's own check does; it fails where that
 /// would, with the same words. A repository is neither made nor changed.
-[[nodiscard]] Result<JobPlan> planJob(const JobDescription& job, const std::string& repositoryPath,
+[[nodiscard]] Result<JobPlan> planJob(const job::JobDescription& job, const std::string& repositoryPath,
                                       source::AskCredentials ask, source::KeepGoing keepGoing = {});
 
 } // namespace tavix::profiling

@@ -1,9 +1,9 @@
 #include "profiling/JobRunner.h"
 
-#include "profiling/AlertEntry.h"
+#include "job/AlertEntry.h"
+#include "job/JobChecks.h"
 #include "profiling/Databases.h"
 #include "profiling/EngineCount.h"
-#include "profiling/JobChecks.h"
 #include "profiling/OpenedSource.h"
 #include "profiling/RunEngine.h"
 #include "profiling/RunReporter.h"
@@ -42,7 +42,7 @@ bool areInMemory(const TablePasses& passes) {
 /// execute() turns into an outcome.
 class Run {
   public:
-    Run(const JobDescription& job, const std::vector<EmptyFile>& leftOut, const RunOptions& options,
+    Run(const job::JobDescription& job, const std::vector<EmptyFile>& leftOut, const RunOptions& options,
         const std::string& repositoryPath)
         : m_job(job),
           m_leftOut(leftOut),
@@ -91,7 +91,7 @@ class Run {
         for (const auto& collection : m_job.collections)
             if (Status status = writer.addCollection(collection); !status)
                 return status;
-        if (Status status = writer.setAlerts(alertsOf(m_job)); !status)
+        if (Status status = writer.setAlerts(job::alertsOf(m_job)); !status)
             return status;
         if (Status status = goOn(); !status)
             return status;
@@ -103,18 +103,18 @@ class Run {
     }
 
     /// Whether no table has to be read after this one.
-    bool isLast(const TableDescription& base) const {
+    bool isLast(const job::TableDescription& base) const {
         return std::all_of(m_job.tables.begin() + (&base - m_job.tables.data()) + 1, m_job.tables.end(),
-                           [](const TableDescription& table) { return table.isFiltered(); });
+                           [](const job::TableDescription& table) { return table.isFiltered(); });
     }
 
     Status goOn() { return m_reporter.report(true) ? Status{} : Status{StopSignal::stopped()}; }
 
     /// Finds what is wrong before anything is written: the description itself, files, databases, names of fields.
     Status check() {
-        if (Status status = checkJob(m_job); !status)
+        if (Status status = job::checkJob(m_job); !status)
             return status;
-        for (const TableDescription& table : m_job.tables) {
+        for (const job::TableDescription& table : m_job.tables) {
             if (table.isFiltered())
                 continue;
             if (Status status = table.isDatabase() ? checkDatabase(table) : checkFiles(table); !status)
@@ -123,7 +123,7 @@ class Run {
         return {};
     }
 
-    Status checkFiles(const TableDescription& table) {
+    Status checkFiles(const job::TableDescription& table) {
         auto opened = openCheckedFiles(m_job, table, keepGoing());
         if (!opened)
             return opened.error();
@@ -134,7 +134,7 @@ class Run {
         return {};
     }
 
-    Status checkDatabase(const TableDescription& table) {
+    Status checkDatabase(const job::TableDescription& table) {
         const auto opened = openCheckedDatabase(m_job, table, m_databases);
         return opened ? Status{} : Status{opened.error()};
     }
@@ -146,7 +146,7 @@ class Run {
     using SharedColumns = std::shared_ptr<const std::vector<std::string>>;
 
     /// A table of the job and the filtered ones over it, in one pass over its source.
-    Status profile(const TableDescription& base) {
+    Status profile(const job::TableDescription& base) {
         m_reporter.state.table = base.name;
         m_reporter.state.rows = 0;
         m_reporter.state.phase = ProgressState::Phase::Reading;
@@ -155,9 +155,9 @@ class Run {
         return base.isDatabase() ? profileDatabase(base) : profileFiles(base);
     }
 
-    Result<TablePasses> passesOver(const TableDescription& base, const SharedColumns& columns) {
+    Result<TablePasses> passesOver(const job::TableDescription& base, const SharedColumns& columns) {
         TablePasses passes;
-        for (const TableDescription* table : tablesOver(m_job, base)) {
+        for (const job::TableDescription* table : tablesOver(m_job, base)) {
             auto programs = compileTable(*table, *columns);
             if (!programs)
                 return programs.error();
@@ -166,7 +166,7 @@ class Run {
         return passes;
     }
 
-    Status profileFiles(const TableDescription& base) {
+    Status profileFiles(const job::TableDescription& base) {
         const auto kept = m_opened.find(&base);
         auto opened =
             kept != m_opened.end() ? Result<OpenedFiles>(std::move(kept->second)) : openTable(base, keepGoing());
@@ -200,7 +200,7 @@ class Run {
     }
 
     /// All that is asked of the database sees one state of its data.
-    Status profileDatabase(const TableDescription& base) {
+    Status profileDatabase(const job::TableDescription& base) {
         auto opened = m_databases.open(base);
         if (!opened)
             return failureIn(base, opened.error());
@@ -231,7 +231,7 @@ class Run {
         return {};
     }
 
-    Status readDatabase(const TableDescription& base, const OpenedDatabaseTable& opened, const TablePasses& passes,
+    Status readDatabase(const job::TableDescription& base, const OpenedDatabaseTable& opened, const TablePasses& passes,
                         TableOutcome& damage) {
         if (!whyRowsAreRead(m_job, base, opened.table)) {
             const auto counted = countInEngine(opened, *passes.front(), m_engine, keepGoing(),
@@ -307,7 +307,7 @@ class Run {
         return std::move(m_outcome);
     }
 
-    const JobDescription& m_job;
+    const job::JobDescription& m_job;
     const std::vector<EmptyFile>& m_leftOut;
     SystemClock m_systemClock;
     const Clock* m_clock;
@@ -316,14 +316,15 @@ class Run {
     RunReporter m_reporter;
     RunEngine m_engine;
     RunStore m_store;
-    std::map<const TableDescription*, OpenedFiles> m_opened; ///< what is opened once only
-    std::int64_t m_bytesBefore = 0;                          ///< of the tables that are done
+    std::map<const job::TableDescription*, OpenedFiles> m_opened; ///< what is opened once only
+    std::int64_t m_bytesBefore = 0;                               ///< of the tables that are done
     RunOutcome m_outcome;
 };
 
 } // namespace
 
-Result<RunOutcome> runJob(const JobDescription& job, const std::string& repositoryPath, const RunOptions& options) {
+Result<RunOutcome> runJob(const job::JobDescription& job, const std::string& repositoryPath,
+                          const RunOptions& options) {
     JobWithoutEmptyFiles found = withoutEmptyFiles(job);
     auto outcome = Run(found.job, found.left, options, repositoryPath).execute();
     if (outcome)

@@ -2,8 +2,8 @@
 
 #include "base/Clock.h"
 #include "base/Result.h"
+#include "job/JobDescription.h"
 #include "profiling/EmptyFiles.h"
-#include "profiling/JobDescription.h"
 #include "source/Credentials.h"
 #include "source/RowReader.h"
 
@@ -54,7 +54,7 @@ struct TableOutcome {
 
 /// Whether keys, collections and the fields in expressions fit the tables that they speak of. A table of a database,
 /// and one that cannot be opened, is passed over here; runJob says so, as it says all that this finds.
-[[nodiscard]] Status checkFields(const JobDescription& job);
+[[nodiscard]] Status checkFields(const job::JobDescription& job);
 
 struct RunOutcome {
     bool cancelled = false;
@@ -83,7 +83,7 @@ struct RunOptions {
 /// for it stays, empty. Others may write to the repository while the tables are read; they have to wait only while the
 /// figures of the last one are computed and the run is stored. Threads and memory change how long it takes, but no
 /// figure. Empty files are left out, as long as there is another table.
-[[nodiscard]] Result<RunOutcome> runJob(const JobDescription& job, const std::string& repositoryPath,
+[[nodiscard]] Result<RunOutcome> runJob(const job::JobDescription& job, const std::string& repositoryPath,
                                         const RunOptions& options = {});
 
 } // namespace tavix::profiling

@@ -43,7 +43,7 @@ void countDamage(TableReport& report) {
 }
 
 /// A file that is not UTF-8 and says no encoding is read as windows-1252, which may be wrong.
-void addGuessedEncoding(TableReport& report, const TableDescription& table, const source::FileSetReader& files) {
+void addGuessedEncoding(TableReport& report, const job::TableDescription& table, const source::FileSetReader& files) {
     if (table.encoding)
         return;
     std::size_t guessed = 0;
@@ -68,7 +68,7 @@ void addCounts(repository::TableFacts& facts, const TableOutcome& result) {
 
 } // namespace
 
-Result<OpenedFiles> openTable(const TableDescription& table, source::KeepGoing keepGoing) {
+Result<OpenedFiles> openTable(const job::TableDescription& table, source::KeepGoing keepGoing) {
     auto files = openFiles(table, std::move(keepGoing));
     if (!files)
         return files.error();
@@ -83,8 +83,9 @@ Result<OpenedFiles> openTable(const TableDescription& table, source::KeepGoing k
     return opened;
 }
 
-TableReport reportOfFiles(const JobDescription& job, const TableDescription& table, const TableDescription& base,
-                          const OpenedFiles& opened, std::int64_t rows, std::int64_t rowsOfBase) {
+TableReport reportOfFiles(const job::JobDescription& job, const job::TableDescription& table,
+                          const job::TableDescription& base, const OpenedFiles& opened, std::int64_t rows,
+                          std::int64_t rowsOfBase) {
     TableReport report;
     TableOutcome& result = report.outcome;
     result.name = table.name;
@@ -128,7 +129,7 @@ TableReport reportOfFiles(const JobDescription& job, const TableDescription& tab
     return report;
 }
 
-TableReport reportOfDatabase(const TableDescription& table, repository::TableFacts facts, std::int64_t rows,
+TableReport reportOfDatabase(const job::TableDescription& table, repository::TableFacts facts, std::int64_t rows,
                              std::int64_t rowsOfBase, const TableOutcome& damage) {
     TableReport report;
     TableOutcome& result = report.outcome;

@@ -20,7 +20,7 @@ struct OpenedFiles {
 };
 
 /// `keepGoing` is asked while a pipe has nothing to read.
-[[nodiscard]] Result<OpenedFiles> openTable(const TableDescription& table, source::KeepGoing keepGoing = {});
+[[nodiscard]] Result<OpenedFiles> openTable(const job::TableDescription& table, source::KeepGoing keepGoing = {});
 
 struct LogLine {
     repository::LogLevel level = repository::LogLevel::Info;
@@ -36,13 +36,13 @@ struct TableReport {
 
 /// Of a table made of files that were read: the base table or a filtered one over it, `rows` of which were profiled
 /// while `rowsOfBase` were of the base.
-[[nodiscard]] TableReport reportOfFiles(const JobDescription& job, const TableDescription& table,
-                                        const TableDescription& base, const OpenedFiles& opened, std::int64_t rows,
+[[nodiscard]] TableReport reportOfFiles(const job::JobDescription& job, const job::TableDescription& table,
+                                        const job::TableDescription& base, const OpenedFiles& opened, std::int64_t rows,
                                         std::int64_t rowsOfBase);
 
 /// Of a table of a database, whose other facts are there: with the damage that was found in its rows, none in a
 /// filtered one's.
-[[nodiscard]] TableReport reportOfDatabase(const TableDescription& table, repository::TableFacts facts,
+[[nodiscard]] TableReport reportOfDatabase(const job::TableDescription& table, repository::TableFacts facts,
                                            std::int64_t rows, std::int64_t rowsOfBase, const TableOutcome& damage);
 
 } // namespace tavix::profiling

@@ -15,7 +15,7 @@ using expression::Value;
 void RowAggregate::add(const Value& value) {
     if (value.isNull())
         return;
-    if (m_figure == Figure::Minimum || m_figure == Figure::Maximum)
+    if (m_figure == job::Figure::Minimum || m_figure == job::Figure::Maximum)
         addExtreme(value);
     else
         addNumber(value);
@@ -41,7 +41,7 @@ void RowAggregate::addNumber(const Value& value) {
 void RowAggregate::addExtreme(const Value& value) {
     if (++m_used > 1) {
         const int order = expression::compareValues(value, m_extreme);
-        if (m_figure == Figure::Minimum ? order >= 0 : order <= 0)
+        if (m_figure == job::Figure::Minimum ? order >= 0 : order <= 0)
             return;
     }
     m_extreme = value;
@@ -54,14 +54,15 @@ void RowAggregate::addExtreme(const Value& value) {
 KvbDatavar RowAggregate::result() const {
     if (m_used == 0)
         return {};
-    if (m_figure == Figure::Minimum || m_figure == Figure::Maximum)
+    if (m_figure == job::Figure::Minimum || m_figure == job::Figure::Maximum)
         return figureOf(m_extreme);
     const bool isExact = !m_hasReals && m_integers >= std::numeric_limits<std::int64_t>::min() &&
                          m_integers <= std::numeric_limits<std::int64_t>::max();
-    if (m_figure == Figure::Sum && isExact)
+    if (m_figure == job::Figure::Sum && isExact)
         return static_cast<std::int64_t>(m_integers);
     const long double sum = static_cast<long double>(m_integers) + m_reals;
-    const auto figure = static_cast<double>(m_figure == Figure::Sum ? sum : sum / static_cast<long double>(m_used));
+    const auto figure =
+        static_cast<double>(m_figure == job::Figure::Sum ? sum : sum / static_cast<long double>(m_used));
     return std::isfinite(figure) ? numberFigure(figure) : KvbDatavar();
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/KvbDatavar.h"
-#include "expression/Vector.h"
-#include "profiling/JobDescription.h"
+#include "blocks/Vector.h"
+#include "job/JobDescription.h"
 
 #include <cstdint>
 #include <string>
@@ -16,7 +16,7 @@ namespace tavix::profiling {
 /// read as a number and takes no part when it is none. docs/definitions.md says what comes out.
 class RowAggregate {
   public:
-    explicit RowAggregate(Figure figure) : m_figure(figure) {}
+    explicit RowAggregate(job::Figure figure) : m_figure(figure) {}
 
     void add(const expression::Value& value);
     /// Null when no value took part.
@@ -27,7 +27,7 @@ class RowAggregate {
     void addNumber(const expression::Value& value);
     void addExtreme(const expression::Value& value);
 
-    Figure m_figure;
+    job::Figure m_figure;
     std::int64_t m_used = 0;
     __extension__ using WideInteger = __int128;
     WideInteger m_integers = 0; ///< the sum of those that are integers

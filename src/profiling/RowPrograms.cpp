@@ -45,8 +45,8 @@ std::span<const std::uint32_t> ConditionPass::passing(const RowSlice& slice) {
     return rows;
 }
 
-MetricPass::MetricPass(Figure figure, const expression::Program& program) : m_aggregate(figure) {
-    if (figure == Figure::Count)
+MetricPass::MetricPass(job::Figure figure, const expression::Program& program) : m_aggregate(figure) {
+    if (figure == job::Figure::Count)
         m_condition.emplace(program);
     else
         m_values.emplace(program);

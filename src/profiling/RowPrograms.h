@@ -1,7 +1,7 @@
 #pragma once
 
-#include "expression/BlockEvaluator.h"
-#include "expression/BlockValues.h"
+#include "blocks/BlockEvaluator.h"
+#include "blocks/BlockValues.h"
 #include "profiling/RowAggregate.h"
 #include "repository/Facts.h"
 #include "source/RowReader.h"
@@ -54,7 +54,7 @@ class ConditionPass {
 /// A custom metric over rows under evaluation.
 class MetricPass {
   public:
-    MetricPass(Figure figure, const expression::Program& program);
+    MetricPass(job::Figure figure, const expression::Program& program);
 
     void take(const RowSlice& slice);
     [[nodiscard]] KvbDatavar result() const;

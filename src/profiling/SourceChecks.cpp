@@ -1,7 +1,7 @@
 #include "profiling/SourceChecks.h"
 
-#include "profiling/AlertEntry.h"
-#include "profiling/JobChecks.h"
+#include "job/AlertEntry.h"
+#include "job/JobChecks.h"
 #include "profiling/JobRunner.h"
 #include "profiling/TablePrograms.h"
 
@@ -12,31 +12,33 @@
 
 namespace tavix::profiling {
 
-std::vector<const TableDescription*> tablesOver(const JobDescription& job, const TableDescription& base) {
-    std::vector<const TableDescription*> tables{&base};
-    for (const TableDescription& table : job.tables)
+std::vector<const job::TableDescription*> tablesOver(const job::JobDescription& job,
+                                                     const job::TableDescription& base) {
+    std::vector<const job::TableDescription*> tables{&base};
+    for (const job::TableDescription& table : job.tables)
         if (table.basedOn == base.name && table.isFiltered())
             tables.push_back(&table);
     return tables;
 }
 
-Status checkFieldsOver(const JobDescription& job, const TableDescription& base, std::span<const std::string> columns) {
-    for (const TableDescription* table : tablesOver(job, base)) {
+Status checkFieldsOver(const job::JobDescription& job, const job::TableDescription& base,
+                       std::span<const std::string> columns) {
+    for (const job::TableDescription* table : tablesOver(job, base)) {
         if (auto compiled = compileTable(*table, columns); !compiled)
             return compiled.error();
-        if (Status status = checkCollectionFields(job, table->name, columns); !status)
+        if (Status status = job::checkCollectionFields(job, table->name, columns); !status)
             return status;
-        if (Status status = checkAlertFields(*table, columns); !status)
+        if (Status status = job::checkAlertFields(*table, columns); !status)
             return status;
     }
     return {};
 }
 
-Error failureIn(const TableDescription& table, const Error& error) {
+Error failureIn(const job::TableDescription& table, const Error& error) {
     return {fmt::format("Table \"{}\": {}", table.name, error.text)};
 }
 
-Result<OpenedFiles> openCheckedFiles(const JobDescription& job, const TableDescription& table,
+Result<OpenedFiles> openCheckedFiles(const job::JobDescription& job, const job::TableDescription& table,
                                      source::KeepGoing keepGoing) {
     auto opened = openTable(table, std::move(keepGoing));
     if (!opened)
@@ -48,7 +50,7 @@ Result<OpenedFiles> openCheckedFiles(const JobDescription& job, const TableDescr
     return opened;
 }
 
-Result<OpenedDatabaseTable> openCheckedDatabase(const JobDescription& job, const TableDescription& table,
+Result<OpenedDatabaseTable> openCheckedDatabase(const job::JobDescription& job, const job::TableDescription& table,
                                                 Databases& databases) {
     auto opened = databases.open(table);
     if (!opened)
@@ -58,8 +60,8 @@ Result<OpenedDatabaseTable> openCheckedDatabase(const JobDescription& job, const
     return opened;
 }
 
-Status checkFields(const JobDescription& job) {
-    for (const TableDescription& table : job.tables) {
+Status checkFields(const job::JobDescription& job) {
+    for (const job::TableDescription& table : job.tables) {
         if (table.isFiltered() || table.isDatabase())
             continue;
         std::error_code failure;

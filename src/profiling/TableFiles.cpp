@@ -10,7 +10,7 @@ namespace tavix::profiling {
 using source::DamagedRow;
 using source::FileSetReader;
 
-source::TextFileOptions textOptions(const TableDescription& table) {
+source::TextFileOptions textOptions(const job::TableDescription& table) {
     source::TextFileOptions options;
     options.delimiter = table.delimiter;
     options.hasHeader = table.hasHeader;
@@ -20,17 +20,17 @@ source::TextFileOptions textOptions(const TableDescription& table) {
     return options;
 }
 
-Result<std::unique_ptr<FileSetReader>> openFiles(const TableDescription& table, source::KeepGoing keepGoing) {
+Result<std::unique_ptr<FileSetReader>> openFiles(const job::TableDescription& table, source::KeepGoing keepGoing) {
     source::TextFileOptions options = textOptions(table);
     options.keepGoing = std::move(keepGoing);
     return FileSetReader::open(pathsOf(table), options);
 }
 
-std::vector<std::string> pathsOf(const TableDescription& table) {
+std::vector<std::string> pathsOf(const job::TableDescription& table) {
     return table.files.empty() ? std::vector<std::string>{table.path} : table.files;
 }
 
-repository::TextFileFacts fileFacts(const TableDescription& table, const FileSetReader& reader) {
+repository::TextFileFacts fileFacts(const job::TableDescription& table, const FileSetReader& reader) {
     const source::TextFileReader& last = reader.current();
     repository::TextFileFacts facts;
     facts.path = table.path;

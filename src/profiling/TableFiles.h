@@ -1,6 +1,6 @@
 #pragma once
 
-#include "profiling/JobDescription.h"
+#include "job/JobDescription.h"
 #include "repository/Facts.h"
 #include "source/FileSetReader.h"
 
@@ -11,17 +11,18 @@
 namespace tavix::profiling {
 
 /// How a table's files are to be read.
-[[nodiscard]] source::TextFileOptions textOptions(const TableDescription& table);
+[[nodiscard]] source::TextFileOptions textOptions(const job::TableDescription& table);
 
 /// Opens the file or files of a table that is no filtered one.
 /// `keepGoing` is asked while a pipe has nothing to read.
-[[nodiscard]] Result<std::unique_ptr<source::FileSetReader>> openFiles(const TableDescription& table,
+[[nodiscard]] Result<std::unique_ptr<source::FileSetReader>> openFiles(const job::TableDescription& table,
                                                                        source::KeepGoing keepGoing = {});
 /// The paths of such a table: one, or those of several.
-[[nodiscard]] std::vector<std::string> pathsOf(const TableDescription& table);
+[[nodiscard]] std::vector<std::string> pathsOf(const job::TableDescription& table);
 
 /// How they were read, when all are.
-[[nodiscard]] repository::TextFileFacts fileFacts(const TableDescription& table, const source::FileSetReader& reader);
+[[nodiscard]] repository::TextFileFacts fileFacts(const job::TableDescription& table,
+                                                  const source::FileSetReader& reader);
 
 /// A damaged row in words: "Line 3: ...", of several files with the name of its own.
 [[nodiscard]] std::string damageText(const source::DamagedRow& row, const source::FileSetReader& reader);

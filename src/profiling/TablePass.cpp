@@ -26,10 +26,10 @@ std::vector<bool> whereColumns(const TablePrograms& programs, std::size_t column
     return columnsOf(list, columns);
 }
 
-std::vector<bool> ruleColumns(const TableDescription& table, const TablePrograms& programs, std::size_t columns) {
+std::vector<bool> ruleColumns(const job::TableDescription& table, const TablePrograms& programs, std::size_t columns) {
     std::vector<const expression::Program*> list;
     for (std::size_t i = 0; i < programs.metrics.size(); ++i)
-        if (table.metrics[i].figure != Figure::Metric)
+        if (table.metrics[i].figure != job::Figure::Metric)
             list.push_back(&programs.metrics[i]);
     for (const expression::Program& rule : programs.rules)
         list.push_back(&rule);
@@ -60,7 +60,8 @@ std::vector<std::size_t> logColumns(const std::vector<std::size_t>& key, const e
 
 } // namespace
 
-TablePass::TablePass(const TableDescription& description, std::span<const std::string> columns, TablePrograms programs)
+TablePass::TablePass(const job::TableDescription& description, std::span<const std::string> columns,
+                     TablePrograms programs)
     : m_description(description),
       m_columns(columns),
       m_programs(std::move(programs)),
@@ -70,10 +71,10 @@ TablePass::TablePass(const TableDescription& description, std::span<const std::s
     if (m_programs.where)
         m_where.emplace(*m_programs.where);
     for (std::size_t i = 0; i < m_programs.metrics.size(); ++i) {
-        const Figure figure = description.metrics[i].figure;
+        const job::Figure figure = description.metrics[i].figure;
         m_metricPasses.push_back(
-            figure == Figure::Metric ? nullptr : std::make_unique<MetricPass>(figure, m_programs.metrics[i]));
-        m_hasRowPrograms = m_hasRowPrograms || figure != Figure::Metric;
+            figure == job::Figure::Metric ? nullptr : std::make_unique<MetricPass>(figure, m_programs.metrics[i]));
+        m_hasRowPrograms = m_hasRowPrograms || figure != job::Figure::Metric;
     }
     for (std::size_t i = 0; i < m_programs.rules.size(); ++i)
         m_rulePasses.push_back(std::make_unique<RulePass>(
@@ -174,7 +175,7 @@ Status TablePass::storeRules(repository::RunWriter& writer, int tableId) {
         return status;
     for (std::size_t i = 0; i < m_rulePasses.size(); ++i) {
         RulePass& pass = *m_rulePasses[i];
-        const RuleDescription& rule = m_description.rules[i];
+        const job::RuleDescription& rule = m_description.rules[i];
         repository::BusinessRuleFacts facts;
         facts.name = rule.name;
         facts.condition = rule.condition.text;
@@ -204,12 +205,12 @@ Status TablePass::storeMetrics(repository::RunWriter& writer, int tableId) {
         else if (figures.empty())
             figures.emplace_back(m_rows);
     for (std::size_t i = 0; i < m_metricPasses.size(); ++i) {
-        const CustomMetricDescription& metric = m_description.metrics[i];
+        const job::CustomMetricDescription& metric = m_description.metrics[i];
         repository::CustomMetricFacts facts;
         facts.name = metric.name;
         facts.outputName = metric.outputName;
-        facts.isOverMetrics = metric.figure == Figure::Metric;
-        facts.figure = figureWord(metric.figure);
+        facts.isOverMetrics = metric.figure == job::Figure::Metric;
+        facts.figure = job::figureWord(metric.figure);
         facts.expression = metric.expression.text;
         facts.inputs = m_programs.inputsOf(i, facts.isOverMetrics, m_columns);
         std::string failure;

@@ -22,7 +22,7 @@ namespace tavix::profiling {
 class TablePass {
   public:
     /// `description` and `columns` must outlive the pass.
-    TablePass(const TableDescription& description, std::span<const std::string> columns, TablePrograms programs);
+    TablePass(const job::TableDescription& description, std::span<const std::string> columns, TablePrograms programs);
     [[nodiscard]] const std::vector<ProgramRemark>& remarks() const { return m_programs.remarks; }
 
     /// A block of rows is taken in two steps. The first finds the rows that belong to the table and hands them to
@@ -41,7 +41,7 @@ class TablePass {
     /// they are not kept.
     [[nodiscard]] std::vector<std::int64_t> takeOffsets() { return std::move(m_offsets); }
 
-    [[nodiscard]] const TableDescription& description() const { return m_description; }
+    [[nodiscard]] const job::TableDescription& description() const { return m_description; }
     [[nodiscard]] std::span<const std::string> columns() const { return m_columns; }
     [[nodiscard]] ColumnValues& values(std::size_t column) { return m_values[column]; }
     /// Instead of taking blocks: the values were counted by other means, in this many rows.
@@ -63,7 +63,7 @@ class TablePass {
     Status storeMetrics(repository::RunWriter& writer, int tableId);
     Status log(repository::RunWriter& writer, int tableId, const std::string& what, const RowFailures& failures) const;
 
-    const TableDescription& m_description;
+    const job::TableDescription& m_description;
     std::span<const std::string> m_columns;
     TablePrograms m_programs;
     std::vector<ColumnValues> m_values;

@@ -1,6 +1,6 @@
 #include "profiling/TablePrograms.h"
 
-#include "profiling/JobChecks.h"
+#include "job/JobChecks.h"
 
 #include <fmt/format.h>
 
@@ -43,10 +43,10 @@ Type typeOf(MetricId metric) {
 }
 
 /// Of the value of a custom metric, for those that are computed from it.
-Type typeOf(Figure figure, const Program& program) {
-    if (figure == Figure::Count)
+Type typeOf(job::Figure figure, const Program& program) {
+    if (figure == job::Figure::Count)
         return Type::Integer;
-    return figure == Figure::Sum || figure == Figure::Average ? Type::Real : program.type();
+    return figure == job::Figure::Sum || figure == job::Figure::Average ? Type::Real : program.type();
 }
 
 std::vector<TableFigure> tableFigures(std::span<const std::string> columns) {
@@ -64,7 +64,7 @@ std::vector<Field> fieldsOf(std::span<const TableFigure> figures) {
     return fields;
 }
 
-Result<Program> compileOne(const ExpressionText& text, const std::string& what, std::span<const Field> fields,
+Result<Program> compileOne(const job::ExpressionText& text, const std::string& what, std::span<const Field> fields,
                            Wanted wanted, std::vector<ProgramRemark>& remarks) {
     expression::Compiled compiled = expression::compile(text.text, fields, wanted);
     if (compiled.remark)
@@ -77,7 +77,8 @@ Result<Program> compileOne(const ExpressionText& text, const std::string& what, 
 /// Compiles what a table has, one kind after the other.
 class Compiler {
   public:
-    Compiler(const TableDescription& table, std::span<const std::string> columns) : m_table(table), m_columns(columns) {
+    Compiler(const job::TableDescription& table, std::span<const std::string> columns)
+        : m_table(table), m_columns(columns) {
         for (const std::string& name : columns)
             m_fields.push_back({name, Type::Text});
     }
@@ -92,10 +93,10 @@ class Compiler {
         }
         if (Status status = findKey(); !status)
             return status.error();
-        for (const CustomMetricDescription& metric : m_table.metrics)
+        for (const job::CustomMetricDescription& metric : m_table.metrics)
             if (Status status = add(metric); !status)
                 return status.error();
-        for (const RuleDescription& rule : m_table.rules) {
+        for (const job::RuleDescription& rule : m_table.rules) {
             auto program = compileOne(rule.condition, fmt::format("the rule \"{}\"", rule.name), m_fields,
                                       Wanted::Condition, m_programs.remarks);
             if (!program)
@@ -112,24 +113,25 @@ class Compiler {
             const auto column = std::find(m_columns.begin(), m_columns.end(), name);
             if (column == m_columns.end())
                 return Error{fmt::format("{}The key of the table \"{}\": there is no field \"{}\"{}.",
-                                         placeAt(m_table.keyPlaces, i), m_table.name, name,
+                                         job::placeAt(m_table.keyPlaces, i), m_table.name, name,
                                          suggestion(name, m_columns))};
             m_programs.key.push_back(static_cast<std::size_t>(column - m_columns.begin()));
         }
         return {};
     }
 
-    Status add(const CustomMetricDescription& metric) {
+    Status add(const job::CustomMetricDescription& metric) {
         const std::string what = fmt::format("the custom metric \"{}\"", metric.name);
-        const bool isOverMetrics = metric.figure == Figure::Metric;
+        const bool isOverMetrics = metric.figure == job::Figure::Metric;
         if (isOverMetrics && m_programs.figures.empty())
             beginFigures();
         auto program =
             compileOne(metric.expression, what, isOverMetrics ? m_figureFields : m_fields,
-                       metric.figure == Figure::Count ? Wanted::Condition : Wanted::Value, m_programs.remarks);
+                       metric.figure == job::Figure::Count ? Wanted::Condition : Wanted::Value, m_programs.remarks);
         if (!program)
             return program.error();
-        if ((metric.figure == Figure::Sum || metric.figure == Figure::Average) && !isSummable(program->type()))
+        if ((metric.figure == job::Figure::Sum || metric.figure == job::Figure::Average) &&
+            !isSummable(program->type()))
             return Error{fmt::format(
                 "{}{}: a number is wanted here, and this is of type {}{}", metric.expression.place, what,
                 expression::typeName(program->type()),
@@ -148,13 +150,13 @@ class Compiler {
             addFigure(i);
     }
     void addFigure(std::size_t metric) {
-        const CustomMetricDescription& description = m_table.metrics[metric];
+        const job::CustomMetricDescription& description = m_table.metrics[metric];
         const Type type = typeOf(description.figure, m_programs.metrics[metric]);
         m_programs.figures.push_back({description.name, type, {}, MetricId::Count});
         m_figureFields.push_back({description.name, type});
     }
 
-    const TableDescription& m_table;
+    const job::TableDescription& m_table;
     std::span<const std::string> m_columns;
     std::vector<Field> m_fields;
     std::vector<Field> m_figureFields;
@@ -183,7 +185,7 @@ std::vector<repository::MetricInput> TablePrograms::inputsOf(std::size_t metric,
     return inputs;
 }
 
-Result<TablePrograms> compileTable(const TableDescription& table, std::span<const std::string> columns) {
+Result<TablePrograms> compileTable(const job::TableDescription& table, std::span<const std::string> columns) {
     return Compiler(table, columns).compile();
 }
 

@@ -2,7 +2,7 @@
 
 #include "base/Result.h"
 #include "expression/Program.h"
-#include "profiling/JobDescription.h"
+#include "job/JobDescription.h"
 #include "repository/Facts.h"
 
 #include <cstddef>
@@ -47,6 +47,7 @@ struct TablePrograms {
 [[nodiscard]] std::vector<std::size_t> usedColumns(const expression::Program& program);
 
 /// Errors begin with the place in the job file and name the line and column within the expression.
-[[nodiscard]] Result<TablePrograms> compileTable(const TableDescription& table, std::span<const std::string> columns);
+[[nodiscard]] Result<TablePrograms> compileTable(const job::TableDescription& table,
+                                                 std::span<const std::string> columns);
 
 } // namespace tavix::profiling

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "doc/FieldRecord.h"
-#include "doc/MetricDisplay.h"
+#include "report/FieldRecord.h"
+#include "settings/MetricDisplay.h"
 #include "tabs/ListRows.h"
 
 namespace tavix {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "doc/DistributionShare.h"
-#include "doc/FieldRecord.h"
+#include "report/DistributionShare.h"
+#include "report/FieldRecord.h"
 #include "tabs/Distribution.h"
 #include "tabs/ListRows.h"
 

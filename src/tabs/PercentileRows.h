@@ -1,6 +1,6 @@
 #pragma once
 
-#include "doc/FieldRecord.h"
+#include "report/FieldRecord.h"
 #include "tabs/ListRows.h"
 
 namespace tavix {

@@ -4,8 +4,8 @@
 #include "access/PrViewer.h"
 #include "base/GenException.h"
 #include "base/NumberText.h"
-#include "doc/MetricDisplay.h"
 #include "grid/CellOrder.h"
+#include "settings/MetricDisplay.h"
 #include "tabs/MetricText.h"
 
 #include <fmt/format.h>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "doc/CTavixDoc.h"
-#include "doc/ReportSelection.h"
 #include "grid/CUGDataSource.h"
+#include "report/ReportSelection.h"
 
 #include <set>
 #include <span>

@@ -1,7 +1,7 @@
 #include "tabs/SubjectText.h"
 
 #include "base/NumberText.h"
-#include "doc/CountText.h"
+#include "report/CountText.h"
 
 namespace tavix {
 

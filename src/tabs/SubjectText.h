@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tabs/ReportSubject.h"
+#include "report/ReportSubject.h"
 
 #include <string>
 #include <string_view>

@@ -57,7 +57,7 @@ class ShellProgram : public ::testing::Test {
     std::string m_pictures = m_folder.file("pictures");
 };
 
-TEST_F(ShellProgram, drawsItsWindowsIntoFiles) {
+TEST_F(ShellProgram, DrawsItsWindowsIntoFiles) {
     const SampleRepository sample = SampleRepository::build(m_folder.file("sample.tavix"));
     const Outcome outcome = runShell({sample.path, "--job", "Sales", "--scheme", "light", "--screenshots", m_pictures});
     ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
@@ -80,14 +80,14 @@ TEST_F(ShellProgram, drawsItsWindowsIntoFiles) {
         EXPECT_GT(picture.width, 60U) << name; // the list of completions is the smallest
 }
 
-TEST_F(ShellProgram, withoutARepositoryThereIsTheWelcomePage) {
+TEST_F(ShellProgram, WithoutARepositoryThereIsTheWelcomePage) {
     const Outcome outcome = runShell({"--screenshots", m_pictures});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
     ASSERT_EQ(pictures().size(), 1U);
     EXPECT_EQ(pictures().begin()->first, "welcome.png");
 }
 
-TEST_F(ShellProgram, wrongArgumentsEndWithTwo) {
+TEST_F(ShellProgram, WrongArgumentsEndWithTwo) {
     const std::vector<std::vector<std::string>> wrong{
         {"--nonsense"}, {"--scheme", "pink"}, {"--screenshots"}, {"a.tavix", "b.tavix"}};
     for (const auto& arguments : wrong) {
@@ -98,7 +98,7 @@ TEST_F(ShellProgram, wrongArgumentsEndWithTwo) {
     }
 }
 
-TEST_F(ShellProgram, whatCannotBeReadOrWrittenEndsWithThree) {
+TEST_F(ShellProgram, WhatCannotBeReadOrWrittenEndsWithThree) {
     std::ofstream(m_folder.file("garbage.tavix")) << "this is no repository";
     std::ofstream(m_folder.file("occupied")) << "this is no folder";
     const SampleRepository sample = SampleRepository::build(m_folder.file("sample.tavix"));
@@ -115,7 +115,7 @@ TEST_F(ShellProgram, whatCannotBeReadOrWrittenEndsWithThree) {
     }
 }
 
-TEST_F(ShellProgram, versionAndHelpAreNoErrors) {
+TEST_F(ShellProgram, VersionAndHelpAreNoErrors) {
     for (const char* argument : {"--version", "--help"}) {
         const Outcome outcome = runShell({argument});
         EXPECT_EQ(outcome.exitCode, 0);

@@ -3,7 +3,7 @@
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
 #include "base/tests/TempFolder.h"
-#include "doc/FieldRecord.h"
+#include "report/FieldRecord.h"
 #include "support/SampleRepository.h"
 
 #include <gtest/gtest.h>

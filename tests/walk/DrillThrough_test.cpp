@@ -5,11 +5,11 @@
 #include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "doc/CTavixApp.h"
-#include "doc/ui/CTavixView.h"
 #include "drill/ui/CDrillThru.h"
 #include "drill/ui/CLocateFileDlg.h"
+#include "frame/ui/CTavixView.h"
 #include "grid/ui/CUGCtrl.h"
-#include "profiling/JobDescription.h"
+#include "job/JobDescription.h"
 #include "profiling/JobRunner.h"
 #include "tabs/ui/CFieldView.h"
 #include "tabs/ui/CProfTab.h"
@@ -44,7 +44,7 @@ class DrillThroughWalk : public ::testing::Test {
         write("people.csv", "id,city,size\n1,Rome,5\n2,Bonn,7\n3,,9\n4,Rome,700\n5,Oslo,\n6,rome,6\n");
         write("job.yaml", "job: People\ntables:\n  - file: people.csv\n    key: [id]\n    rules:\n"
                           "      - {name: Has a city, condition: \"not isnull(`city`)\"}\n");
-        const auto job = profiling::readJobFile(m_folder.file("job.yaml"));
+        const auto job = job::readJobFile(m_folder.file("job.yaml"));
         if (!job.ok())
             throw std::runtime_error(job.error().text);
         const auto outcome = profiling::runJob(*job, m_folder.file("people.tavix"));
@@ -127,7 +127,7 @@ constexpr int kValues = CFieldView::Frequency;
 constexpr int kPatterns = CFieldView::Patterns;
 constexpr int kOutliers = CFieldView::Outliers;
 
-TEST_F(DrillThroughWalk, valuesPatternsAndOutliers) {
+TEST_F(DrillThroughWalk, ValuesPatternsAndOutliers) {
     selectField("city");
     CUGCtrl& values = openTab(kValues);
     doubleClick(values, rowOf(values, "Rome"), 1);
@@ -151,7 +151,7 @@ TEST_F(DrillThroughWalk, valuesPatternsAndOutliers) {
     EXPECT_THAT(takeWindow(), ElementsAre("Outliers Drill Through", "1 row", "1|Rome|5"));
 }
 
-TEST_F(DrillThroughWalk, rulesShowTheRowsThatTheRunKept) {
+TEST_F(DrillThroughWalk, RulesShowTheRowsThatTheRunKept) {
     auto& table = dynamic_cast<CReportView&>(m_view.GetReportPane());
     table.SelectTab(CTableView::BusinessRules);
     // Two more lists stand below that of the rules.
@@ -162,7 +162,7 @@ TEST_F(DrillThroughWalk, rulesShowTheRowsThatTheRunKept) {
     EXPECT_THAT(takeWindow(), ElementsAre("Business Rule Violation Drill Through", "1 row", "3|"));
 }
 
-TEST_F(DrillThroughWalk, theSourceMayHaveChangedOrGone) {
+TEST_F(DrillThroughWalk, TheSourceMayHaveChangedOrGone) {
     selectField("city");
     CUGCtrl& values = openTab(kValues);
     const std::string longer = "id,city,size\n1,Rome,5\n2,Bonn,7\n3,,9\n4,Rome,700\n5,Oslo,\n6,rome,6\n7,Rome,1\n";
@@ -203,7 +203,7 @@ TEST_F(DrillThroughWalk, theSourceMayHaveChangedOrGone) {
     EXPECT_EQ(asked, 2);
 }
 
-TEST_F(DrillThroughWalk, notForSummaryRowsAndNotWithThatConnectionType) {
+TEST_F(DrillThroughWalk, NotForSummaryRowsAndNotWithThatConnectionType) {
     ASSERT_TRUE(m_app.GetSettings().write("TAVIX", "MaxFreqVals", "1").ok());
     selectField("city");
     CUGCtrl& values = openTab(kValues);
@@ -220,7 +220,7 @@ TEST_F(DrillThroughWalk, notForSummaryRowsAndNotWithThatConnectionType) {
     EXPECT_THAT(takeWindow(), IsEmpty());
 }
 
-TEST_F(DrillThroughWalk, severalWindowsAlsoFromDetachedTabs) {
+TEST_F(DrillThroughWalk, SeveralWindowsAlsoFromDetachedTabs) {
     selectField("city");
     CUGCtrl& values = openTab(kValues);
     doubleClick(values, rowOf(values, "Bonn"), 0);

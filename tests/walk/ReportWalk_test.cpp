@@ -5,10 +5,10 @@
 #include "base/tests/TempFolder.h"
 #include "base/ui/QtText.h"
 #include "doc/CTavixApp.h"
-#include "doc/ui/CTavixView.h"
+#include "frame/ui/CTavixView.h"
 #include "grid/ui/CUGCtrl.h"
+#include "job/JobDescription.h"
 #include "nav/ui/CTables.h"
-#include "profiling/JobDescription.h"
 #include "profiling/JobRunner.h"
 #include "shell/ShellStyle.h"
 #include "support/SampleRepository.h"
@@ -185,7 +185,7 @@ class ReportWalk : public ::testing::TestWithParam<shell::Scheme> {
     testing::TempFolder m_folder;
 };
 
-TEST_P(ReportWalk, everythingOfTheSampleRepository) {
+TEST_P(ReportWalk, EverythingOfTheSampleRepository) {
     const auto sample = testing::SampleRepository::build(m_folder.file("sample.tavix"));
     const Sights seen = Walk(sample.path, sample.salesJob).all();
     // Tables with their fields, and two collections with theirs.
@@ -200,8 +200,8 @@ TEST_P(ReportWalk, everythingOfTheSampleRepository) {
     EXPECT_EQ(1 + 1 + 2 + 5, Walk(sample.path, sample.inventoryJob).all().objects);
 }
 
-TEST_P(ReportWalk, everythingOfTheDemonstration) {
-    const auto job = profiling::readJobFile(testing::sourceFile("share/examples/demo.yaml"));
+TEST_P(ReportWalk, EverythingOfTheDemonstration) {
+    const auto job = job::readJobFile(testing::sourceFile("share/examples/demo.yaml"));
     ASSERT_TRUE(job.ok()) << job.error().text;
     const std::string repository = m_folder.file("demo.tavix");
     const auto run = profiling::runJob(*job, repository);

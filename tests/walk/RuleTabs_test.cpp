@@ -3,9 +3,9 @@
 #include "base/tests/TempFolder.h"
 #include "base/ui/QtText.h"
 #include "doc/CTavixApp.h"
-#include "doc/ui/CTavixView.h"
+#include "frame/ui/CTavixView.h"
 #include "grid/ui/CUGCtrl.h"
-#include "profiling/JobDescription.h"
+#include "job/JobDescription.h"
 #include "profiling/JobRunner.h"
 #include "tabs/ui/CProfTab.h"
 #include "tabs/ui/CTableView.h"
@@ -32,7 +32,7 @@ class RuleTabs : public ::testing::Test {
                           "    alerts:\n      - {field: size, metric: Null Count, max: 0}\n"
                           "      - {custom metric: Sum of sizes, min: 1}\n"
                           "      - {rule: Size is a number, max: 0, description: Sizes are wrong}\n");
-        const auto job = profiling::readJobFile(m_folder.file("job.yaml"));
+        const auto job = job::readJobFile(m_folder.file("job.yaml"));
         if (!job.ok())
             throw std::runtime_error(job.error().text);
         const auto outcome = profiling::runJob(*job, m_repository);
@@ -67,7 +67,7 @@ class RuleTabs : public ::testing::Test {
     CTavixApp m_app{makeMemorySettings()};
 };
 
-TEST_F(RuleTabs, showWhatTheRunFoundAndHowItWasBefore) {
+TEST_F(RuleTabs, ShowWhatTheRunFoundAndHowItWasBefore) {
     run("1,10\n2,20\n");
     const int job = run("1,10\n2,\n3,wide\n4,5\n");
     CTavixView view(m_app, m_messages);

@@ -4,10 +4,10 @@
 #include "base/tests/TempFolder.h"
 #include "base/ui/QtText.h"
 #include "doc/CTavixApp.h"
-#include "doc/ui/CTavixView.h"
 #include "drill/ui/CDrillThru.h"
+#include "frame/ui/CTavixView.h"
 #include "grid/ui/CUGCtrl.h"
-#include "profiling/JobDescription.h"
+#include "job/JobDescription.h"
 #include "profiling/JobRunner.h"
 #include "support/PostgresServer.h"
 #include "tabs/ui/CFieldView.h"
@@ -38,7 +38,7 @@ class SourceLoginWalk : public ::testing::Test {
                          "INSERT INTO people VALUES(1, 'Rome'), (2, 'Bonn'), (3, 'Rome')");
         std::ofstream(m_folder.file("job.yaml"))
             << "job: People\nsources:\n  - {name: pg, odbc: \"DSN=pg\"}\ntables:\n  - {source: pg, table: people}\n";
-        const auto job = profiling::readJobFile(m_folder.file("job.yaml"));
+        const auto job = job::readJobFile(m_folder.file("job.yaml"));
         if (!job.ok())
             throw std::runtime_error(job.error().text);
         profiling::RunOptions options;
@@ -100,7 +100,7 @@ class SourceLoginWalk : public ::testing::Test {
     int m_job = -1;
 };
 
-TEST_F(SourceLoginWalk, asksOnceForAReportAndCancelLeavesTheDrill) {
+TEST_F(SourceLoginWalk, AsksOnceForAReportAndCancelLeavesTheDrill) {
     m_messages.expectWarn("Drill through information is unavailable for this item.\n\nNo user and password were given "
                           "for the data source \u201Cpg\u201D.",
                           "Error");

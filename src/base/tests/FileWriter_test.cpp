@@ -114,7 +114,7 @@ class FileWriterTest : public ::testing::Test {
 
 using Names = std::vector<std::string>;
 
-TEST_F(FileWriterTest, aFileAppearsWholeOrStaysAsItWas) {
+TEST_F(FileWriterTest, AFileAppearsWholeOrStaysAsItWas) {
     const std::string big(300'000, 'b');
     const mode_t mask = ::umask(027);
     EXPECT_EQ(write(file("new"), "a" + big), "");
@@ -134,7 +134,7 @@ TEST_F(FileWriterTest, aFileAppearsWholeOrStaysAsItWas) {
     EXPECT_EQ(names(), (Names{"new", "old"}));
 }
 
-TEST_F(FileWriterTest, aReplacedFileKeepsItsModeAndOwner) {
+TEST_F(FileWriterTest, AReplacedFileKeepsItsModeAndOwner) {
     for (const unsigned mode : {0600u, 0664u, 0755u}) {
         put(file("old"), "old");
         fs::permissions(file("old"), fs::perms(mode));
@@ -150,7 +150,7 @@ TEST_F(FileWriterTest, aReplacedFileKeepsItsModeAndOwner) {
     }
 }
 
-TEST_F(FileWriterTest, linksAreFollowedToTheirTargets) {
+TEST_F(FileWriterTest, LinksAreFollowedToTheirTargets) {
     fs::create_directory(file("far"));
     put(file("far/target"), "old");
     fs::create_symlink("far/target", file("link"));
@@ -167,7 +167,7 @@ TEST_F(FileWriterTest, linksAreFollowedToTheirTargets) {
     EXPECT_EQ(namesIn(file("far")), (Names{"not yet", "target"}));
 }
 
-TEST_F(FileWriterTest, whereNoFileCanBeTheReasonIsGiven) {
+TEST_F(FileWriterTest, WhereNoFileCanBeTheReasonIsGiven) {
     EXPECT_EQ(write("", "x"), "No such file or directory");
     EXPECT_EQ(write(std::string("a\0b", 3), "x"), "No such file or directory");
     EXPECT_EQ(write(file("none/x"), "x"), "No such file or directory");
@@ -181,7 +181,7 @@ TEST_F(FileWriterTest, whereNoFileCanBeTheReasonIsGiven) {
     EXPECT_EQ(contentOf(longest), "y");
 }
 
-TEST_F(FileWriterTest, devicesAndPipesAreWrittenThrough) {
+TEST_F(FileWriterTest, DevicesAndPipesAreWrittenThrough) {
     EXPECT_EQ(write("/dev/null", "x"), "");
     EXPECT_EQ(write("/dev/full", "x"), "No space left on device");
     EXPECT_TRUE(fs::is_character_file("/dev/full"));
@@ -206,7 +206,7 @@ TEST_F(FileWriterTest, devicesAndPipesAreWrittenThrough) {
     std::signal(SIGPIPE, handler);
 }
 
-TEST_F(FileWriterTest, ownDescriptorsAreContinued) {
+TEST_F(FileWriterTest, OwnDescriptorsAreContinued) {
     put(file("log"), "before,");
     const int log = ::open(file("log").c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
     fs::create_symlink("/dev/fd/" + std::to_string(log), file("like stdout"));
@@ -216,7 +216,7 @@ TEST_F(FileWriterTest, ownDescriptorsAreContinued) {
     EXPECT_EQ(contentOf(file("log")), "before,then,after");
 }
 
-TEST_F(FileWriterTest, aWritableFileInAFolderThatIsNotIsOverwritten) {
+TEST_F(FileWriterTest, AWritableFileInAFolderThatIsNotIsOverwritten) {
     const std::string folder = file("locked");
     fs::create_directory(folder);
     const std::string path = folder + "/old";
@@ -242,7 +242,7 @@ TEST_F(FileWriterTest, aWritableFileInAFolderThatIsNotIsOverwritten) {
     fs::permissions(folder, fs::perms(0755));
 }
 
-TEST_F(FileWriterTest, aFileThatTheUserMayNotWriteStays) {
+TEST_F(FileWriterTest, AFileThatTheUserMayNotWriteStays) {
     fs::permissions(m_folder.path(), fs::perms(0777));
     put(file("old"), "old");
     fs::permissions(file("old"), fs::perms(0444));
@@ -252,7 +252,7 @@ TEST_F(FileWriterTest, aFileThatTheUserMayNotWriteStays) {
     EXPECT_EQ(names(), Names{"old"});
 }
 
-TEST_F(FileWriterTest, ownersHardLinksAndAccessListsAreKeptByOverwriting) {
+TEST_F(FileWriterTest, OwnersHardLinksAndAccessListsAreKeptByOverwriting) {
     fs::permissions(m_folder.path(), fs::perms(01777));
     put(file("of root"), "old");
     fs::permissions(file("of root"), fs::perms(0666));
@@ -281,7 +281,7 @@ TEST_F(FileWriterTest, ownersHardLinksAndAccessListsAreKeptByOverwriting) {
     EXPECT_GT(::getxattr(file("one").c_str(), "system.posix_acl_access", nullptr, 0), 0);
 }
 
-TEST_F(FileWriterTest, afterAFailureTheOldFileIsWhole) {
+TEST_F(FileWriterTest, AfterAFailureTheOldFileIsWhole) {
     const std::string big(1'000'000, 'n');
     put(file("old"), "old");
     put(file("one"), std::string(1000, 'o'));
@@ -313,7 +313,7 @@ TEST_F(FileWriterTest, afterAFailureTheOldFileIsWhole) {
     EXPECT_EQ(contentOf(file("old")), "old");
 }
 
-TEST_F(FileWriterTest, anOpenDatabaseIsNotReplaced) {
+TEST_F(FileWriterTest, AnOpenDatabaseIsNotReplaced) {
     const std::string why = "it belongs to a database that is open";
     put(file("a.tavix"), "data");
     EXPECT_EQ(write(file("a.tavix"), "data"), "");

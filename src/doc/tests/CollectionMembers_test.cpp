@@ -43,7 +43,7 @@ class CollectionMembers : public ::testing::Test {
     int m_amounts = m_sample.collections.at("Amounts");
 };
 
-TEST_F(CollectionMembers, aFieldIsAddedAndEverybodyHears) {
+TEST_F(CollectionMembers, AFieldIsAddedAndEverybodyHears) {
     EXPECT_THAT(collectionChoices(m_doc), ElementsAre(Pair(m_amounts, "Amounts"),
                                                       Pair(m_sample.collections.at("Customer keys"), "Customer keys")));
     EXPECT_THAT(collectionsOf("customers", "name"), IsEmpty());
@@ -54,7 +54,7 @@ TEST_F(CollectionMembers, aFieldIsAddedAndEverybodyHears) {
     EXPECT_THAT(m_hints.seen, ElementsAre(RefreshHint::CollectionsRefreshed));
 }
 
-TEST_F(CollectionMembers, aFieldThatIsTurnedDownIsToldAndChangesNothing) {
+TEST_F(CollectionMembers, AFieldThatIsTurnedDownIsToldAndChangesNothing) {
     const int balance = field("customers/balance");
     m_messages.expectWarn("Unable to create field collection mapping:\n\nThe collection has this field already.");
     EXPECT_EQ(0, addFieldsToCollection(m_doc, m_amounts, {&balance, 1}));
@@ -68,7 +68,7 @@ TEST_F(CollectionMembers, aFieldThatIsTurnedDownIsToldAndChangesNothing) {
     EXPECT_THAT(collectionsOf("customers", "city"), IsEmpty());
 }
 
-TEST_F(CollectionMembers, withoutASessionOrAFieldNothingHappens) {
+TEST_F(CollectionMembers, WithoutASessionOrAFieldNothingHappens) {
     EXPECT_EQ(0, addFieldsToCollection(m_doc, m_amounts, {}));
     m_doc.Clear();
     const int name = field("customers/name");
@@ -78,7 +78,7 @@ TEST_F(CollectionMembers, withoutASessionOrAFieldNothingHappens) {
     EXPECT_THAT(m_hints.seen, IsEmpty());
 }
 
-TEST_F(CollectionMembers, collectionsThatCannotBeReadAreNoChoices) {
+TEST_F(CollectionMembers, CollectionsThatCannotBeReadAreNoChoices) {
     testing::runScript(m_sample.path, "PRAGMA foreign_keys = OFF; DROP TABLE collection;");
     EXPECT_THAT(collectionChoices(m_doc), IsEmpty());
 }

@@ -5,7 +5,7 @@
 namespace tavix {
 namespace {
 
-TEST(ConnectionCredentials, onlyServersLackThem) {
+TEST(ConnectionCredentials, OnlyServersLackThem) {
     for (const char* text : {"", "/data/a.tavix", "sqlite:/data/postgresql://x", "postgresql://u:p@host/base",
                              "postgres://host/base?user=u&password=p", "postgresql://u@host?password=p"})
         EXPECT_FALSE(lacksCredentials(text)) << text;
@@ -14,7 +14,7 @@ TEST(ConnectionCredentials, onlyServersLackThem) {
         EXPECT_TRUE(lacksCredentials(text)) << text;
 }
 
-TEST(ConnectionCredentials, whatIsThereStaysAndTheRestIsFilledIn) {
+TEST(ConnectionCredentials, WhatIsThereStaysAndTheRestIsFilledIn) {
     EXPECT_EQ("/data/a.tavix", withCredentials("/data/a.tavix", "u", "p"));
     EXPECT_EQ("postgresql://u:p@host:5432/base?sslmode=require",
               withCredentials("postgresql://host:5432/base?sslmode=require", "u", "p"));

@@ -35,7 +35,7 @@ class SourceLoginsTest : public ::testing::Test {
     std::vector<std::string> asked;
 };
 
-TEST_F(SourceLoginsTest, nobodyIsAskedBeforeAServerRefusesAndTheAnswerIsKeptForItsSource) {
+TEST_F(SourceLoginsTest, NobodyIsAskedBeforeAServerRefusesAndTheAnswerIsKeptForItsSource) {
     EXPECT_EQ("-", give("shop"));
     EXPECT_TRUE(asked.empty());
     answer = Credentials{"ada", "secret"};
@@ -54,7 +54,7 @@ TEST_F(SourceLoginsTest, nobodyIsAskedBeforeAServerRefusesAndTheAnswerIsKeptForI
     EXPECT_EQ("-", give("shop"));
 }
 
-TEST_F(SourceLoginsTest, theEnvironmentAnswersFirst) {
+TEST_F(SourceLoginsTest, TheEnvironmentAnswersFirst) {
     ::setenv("TAVIX_SOURCE_USER_SHOP", "grace", 1);
     ::setenv("TAVIX_SOURCE_PASSWORD_SHOP", "env", 1);
     EXPECT_EQ("grace/env", give("shop"));
@@ -64,7 +64,7 @@ TEST_F(SourceLoginsTest, theEnvironmentAnswersFirst) {
     EXPECT_EQ("grace/typed", give("shop"));
 }
 
-TEST_F(SourceLoginsTest, whoGivesNoAnswerIsRememberedOnceAndAskedAgainNextTime) {
+TEST_F(SourceLoginsTest, WhoGivesNoAnswerIsRememberedOnceAndAskedAgainNextTime) {
     answer = Credentials{"ada", "secret"};
     (void)give("shop", "no password");
     answer.reset();

@@ -49,7 +49,7 @@ class DrillOutput : public ::testing::Test {
     CDrillThruDataSrc m_source = sample();
 };
 
-TEST_F(DrillOutput, linesInTheOrderOfTheGrid) {
+TEST_F(DrillOutput, LinesInTheOrderOfTheGrid) {
     const std::string path = m_folder.file("rows.csv");
     ASSERT_TRUE(saveDrillRows(m_source, path, "t", m_messages));
     EXPECT_EQ(contents(path), "\"id\",\"pri\"ce\",\"name\"\n"
@@ -67,7 +67,7 @@ TEST_F(DrillOutput, linesInTheOrderOfTheGrid) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder.path()), {}), 2);
 }
 
-TEST_F(DrillOutput, aFileIsReplacedOnlyWhenTheUserAgrees) {
+TEST_F(DrillOutput, AFileIsReplacedOnlyWhenTheUserAgrees) {
     for (const std::string name : {"rows.txt", "rows.XLS"}) {
         const std::string path = m_folder.file(name);
         const std::string question = name == "rows.txt" ? path + " already exists.\nDo you want to replace it?"
@@ -82,7 +82,7 @@ TEST_F(DrillOutput, aFileIsReplacedOnlyWhenTheUserAgrees) {
     }
 }
 
-TEST_F(DrillOutput, whatCannotBeWrittenIsSaid) {
+TEST_F(DrillOutput, WhatCannotBeWrittenIsSaid) {
     const std::string nowhere = m_folder.file("missing/rows.txt");
     m_messages.expectWarn("Unable to open or create file " + nowhere, "File Error");
     EXPECT_FALSE(saveDrillRows(m_source, nowhere, "t", m_messages));
@@ -100,7 +100,7 @@ TEST_F(DrillOutput, whatCannotBeWrittenIsSaid) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder.path()), {}), 1);
 }
 
-TEST_F(DrillOutput, otherFilesOfTheFolderStayAsTheyAre) {
+TEST_F(DrillOutput, OtherFilesOfTheFolderStayAsTheyAre) {
     const std::string path = m_folder.file("rows.csv");
     const std::string secret = m_folder.file("secret.txt");
     put(path + ".part", "mine");
@@ -113,7 +113,7 @@ TEST_F(DrillOutput, otherFilesOfTheFolderStayAsTheyAre) {
     EXPECT_TRUE(std::filesystem::is_symlink(m_folder.file("more.csv.part")));
 }
 
-TEST_F(DrillOutput, aReplacedFileKeepsItsModeAndItsLinks) {
+TEST_F(DrillOutput, AReplacedFileKeepsItsModeAndItsLinks) {
     for (const std::string name : {"rows.csv", "rows.xls"}) {
         const std::string path = m_folder.file(name);
         const std::string link = m_folder.file("link-" + name);
@@ -130,7 +130,7 @@ TEST_F(DrillOutput, aReplacedFileKeepsItsModeAndItsLinks) {
     }
 }
 
-TEST_F(DrillOutput, aPipeIsWrittenThroughAndALongNameTaken) {
+TEST_F(DrillOutput, APipeIsWrittenThroughAndALongNameTaken) {
     const std::string pipe = m_folder.file("pipe.txt");
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     const std::string question = pipe + " already exists.\nDo you want to replace it?";
@@ -165,7 +165,7 @@ std::string readBack(const std::string& path) {
     return text;
 }
 
-TEST_F(DrillOutput, aWorksheetHasNumbersInNumericColumns) {
+TEST_F(DrillOutput, AWorksheetHasNumbersInNumericColumns) {
     const std::string path = m_folder.file("rows.xls");
     ASSERT_TRUE(saveDrillRows(m_source, path, "na/me", m_messages));
     EXPECT_EQ(readBack(path), "#na_me 4\n"
@@ -175,7 +175,7 @@ TEST_F(DrillOutput, aWorksheetHasNumbersInNumericColumns) {
                               "N7.0|Tn/a|TM\u00FCller\n");
 }
 
-TEST_F(DrillOutput, moreRowsThanASheetHoldsGoOnBehindIt) {
+TEST_F(DrillOutput, MoreRowsThanASheetHoldsGoOnBehindIt) {
     DrillRows rows({{"n", kvbType::Integer}});
     for (int row = 0; row < 70'000; ++row) {
         rows.add(KvbString(std::to_string(row)));
@@ -188,7 +188,7 @@ TEST_F(DrillOutput, moreRowsThanASheetHoldsGoOnBehindIt) {
                                                  ::testing::HasSubstr("#n (2) 4467\nTn\nN65534.0\n")));
 }
 
-TEST_F(DrillOutput, aWorksheetThatCannotHoldTheRowsIsSaid) {
+TEST_F(DrillOutput, AWorksheetThatCannotHoldTheRowsIsSaid) {
     DrillRows wide(std::vector<DrillColumn>(300, {"c", kvbType::Text}));
     m_source.SetRows(std::move(wide));
     m_messages.expectWarn(
@@ -199,7 +199,7 @@ TEST_F(DrillOutput, aWorksheetThatCannotHoldTheRowsIsSaid) {
     EXPECT_FALSE(std::filesystem::exists(m_folder.file("wide.xls")));
 }
 
-TEST(DrillFileName, isOneThatEveryFileSystemTakes) {
+TEST(DrillFileName, IsOneThatEveryFileSystemTakes) {
     EXPECT_EQ(drillFileName("order id"), "order id");
     EXPECT_EQ(drillFileName("a/b:c\n"), "a_b_c_");
     EXPECT_EQ(drillFileName(""), "drill through");

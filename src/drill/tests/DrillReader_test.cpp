@@ -1,7 +1,7 @@
-#include "doc/Settings.h"
 #include "drill/DrillReader.h"
 #include "drill/DrillTexts.h"
 #include "drill/tests/FakeCursors.h"
+#include "settings/Settings.h"
 
 #include <gmock/gmock.h>
 
@@ -37,7 +37,7 @@ std::vector<std::string> headingsOf(const DrillRows& rows) {
     return headings;
 }
 
-TEST(DrillReader, rowsOfADrillCursorWithItsTypes) {
+TEST(DrillReader, RowsOfADrillCursorWithItsTypes) {
     FakeSource source = sampleSource({"a", ""});
     source.rows.push_back({KvbString(), KvbString("7"), KvbString()});
     const DrillResult result = readDrillRows(openDrill(source), DrillSourceMode::Rows, kMany, nullptr);
@@ -47,7 +47,7 @@ TEST(DrillReader, rowsOfADrillCursorWithItsTypes) {
     EXPECT_EQ(source.released, 1);
 }
 
-TEST(DrillReader, columnsOfAProfileCursorAreTexts) {
+TEST(DrillReader, ColumnsOfAProfileCursorAreTexts) {
     FakeSource source = sampleSource({"a"});
     const DrillResult result = readDrillRows(openProfile(source), DrillSourceMode::Rows, kMany, nullptr);
     EXPECT_THAT(headingsOf(result.rows), ElementsAre("id:4", "price:4", "name:4"));
@@ -55,7 +55,7 @@ TEST(DrillReader, columnsOfAProfileCursorAreTexts) {
     EXPECT_EQ(source.released, 1);
 }
 
-TEST(DrillReader, aRuleLogBeginsWithItsFourthColumn) {
+TEST(DrillReader, ARuleLogBeginsWithItsFourthColumn) {
     FakeSource source{{"Row", "Rule Id", "Position", "id"}, {}, {{"9", "1", "0", "x"}, {"12", "1", "1", KvbString()}}};
     DrillResult result = readDrillRows(openProfile(source), DrillSourceMode::RuleLog, kMany, nullptr);
     EXPECT_THAT(headingsOf(result.rows), ElementsAre("id:4"));
@@ -67,7 +67,7 @@ TEST(DrillReader, aRuleLogBeginsWithItsFourthColumn) {
     EXPECT_EQ(source.released, 2);
 }
 
-TEST(DrillReader, stopsAtTheLimitWithoutAskingForMore) {
+TEST(DrillReader, StopsAtTheLimitWithoutAskingForMore) {
     FakeSource source = sampleSource({"a", "b", "c"});
     source.failsAt = 2;
     const DrillResult result = readDrillRows(openDrill(source), DrillSourceMode::Rows, 2, nullptr);
@@ -77,7 +77,7 @@ TEST(DrillReader, stopsAtTheLimitWithoutAskingForMore) {
     EXPECT_EQ(source.released, 1);
 }
 
-TEST(DrillReader, aFailureLeavesTheWholeRowsThatWereRead) {
+TEST(DrillReader, AFailureLeavesTheWholeRowsThatWereRead) {
     for (const bool inside : {false, true}) {
         FakeSource source = sampleSource({"a", "b", "c"});
         (inside ? source.failsInside : source.failsAt) = 1;
@@ -90,7 +90,7 @@ TEST(DrillReader, aFailureLeavesTheWholeRowsThatWereRead) {
     EXPECT_EQ(readDrillRows(PrViewerDrillCursorHandle(), DrillSourceMode::Rows, kMany, nullptr).end, DrillEnd::Failed);
 }
 
-TEST(DrillReader, cancellingKeepsWhatWasRead) {
+TEST(DrillReader, CancellingKeepsWhatWasRead) {
     FakeSource source = sampleSource(std::vector<std::string>(5000, "x"));
     const auto watch = [](std::int64_t rows) { return rows < 1000; };
     DrillResult result = readDrillRows(openDrill(source), DrillSourceMode::Rows, 1'000'000, watch);
@@ -106,7 +106,7 @@ TEST(DrillReader, cancellingKeepsWhatWasRead) {
     EXPECT_EQ(source.released, 3);
 }
 
-TEST(DrillTexts, theLimit) {
+TEST(DrillTexts, TheLimit) {
     const auto settings = makeMemorySettings();
     const auto limit = [&settings](const char* text) {
         EXPECT_TRUE(settings->write("TAVIX", "MaxDrillThruRows", text).ok());
@@ -121,7 +121,7 @@ TEST(DrillTexts, theLimit) {
     EXPECT_EQ(limit("3000000000"), 2'000'000'000);
 }
 
-TEST(DrillTexts, notOfferedWithOneTypeOfConnection) {
+TEST(DrillTexts, NotOfferedWithOneTypeOfConnection) {
     const auto settings = makeMemorySettings();
     EXPECT_TRUE(isDrillOffered(*settings));
     for (const char* type : {"CTDD", "ctdd", "CtDd"}) {
@@ -132,7 +132,7 @@ TEST(DrillTexts, notOfferedWithOneTypeOfConnection) {
     EXPECT_TRUE(isDrillOffered(*settings));
 }
 
-TEST(DrillTexts, theStatusSaysWhyThereAreTheseRows) {
+TEST(DrillTexts, TheStatusSaysWhyThereAreTheseRows) {
     DrillResult result;
     result.rows = DrillRows({{"x", kvbType::Text}});
     for (int row = 0; row < 1198; ++row) {

@@ -40,7 +40,7 @@ std::vector<std::string> textsOf(const CDrillThruDataSrc& source, int column = 0
     return texts;
 }
 
-TEST(DrillRows, givesBackWhateverWasPutIn) {
+TEST(DrillRows, GivesBackWhateverWasPutIn) {
     std::mt19937 random(5);
     // Lengths around those at which the form of a length changes, and one that is larger than a chunk.
     const std::vector<std::size_t> lengths = {0, 1, 7, 126, 127, 128, 16382, 16383, 16384};
@@ -70,7 +70,7 @@ TEST(DrillRows, givesBackWhateverWasPutIn) {
     }
 }
 
-TEST(DrillRows, anOpenRowCanBeDropped) {
+TEST(DrillRows, AnOpenRowCanBeDropped) {
     DrillRows rows({{"a", kvbType::Text}, {"b", kvbType::Text}});
     for (int row = 0; row < 10; ++row) {
         rows.add(KvbString("dropped"));
@@ -85,7 +85,7 @@ TEST(DrillRows, anOpenRowCanBeDropped) {
         EXPECT_EQ(rows.cell(0, row).text, std::to_string(row));
 }
 
-TEST(DrillRows, millionsOfShortCellsTakeLittleMoreThanTheirText) {
+TEST(DrillRows, MillionsOfShortCellsTakeLittleMoreThanTheirText) {
     DrillRows rows({{"n", kvbType::Integer}});
     std::size_t text = 0;
     for (int row = 0; row < 300'000; ++row) {
@@ -99,7 +99,7 @@ TEST(DrillRows, millionsOfShortCellsTakeLittleMoreThanTheirText) {
     EXPECT_LT(static_cast<double>(rows.bytes() + 4 * std::size_t{rows.count()}), 2.5 * static_cast<double>(text));
 }
 
-TEST(CDrillThruDataSrc, sortsNumbersByValueAndMixedColumnsInOneOrder) {
+TEST(CDrillThruDataSrc, SortsNumbersByValueAndMixedColumnsInOneOrder) {
     CDrillThruDataSrc source = sourceOf({"10", "9"});
     ASSERT_TRUE(source.Sort(0, false));
     EXPECT_THAT(textsOf(source), ElementsAre("9", "10"));
@@ -112,7 +112,7 @@ TEST(CDrillThruDataSrc, sortsNumbersByValueAndMixedColumnsInOneOrder) {
     EXPECT_EQ(source.GetRowKey(0), 0);
 }
 
-TEST(CDrillThruDataSrc, columnsAreAsWideAsTheirLettersAndNotTheirBytes) {
+TEST(CDrillThruDataSrc, ColumnsAreAsWideAsTheirLettersAndNotTheirBytes) {
     const auto widthOf = [](const std::string& text) { return sourceOf({text}).GetColumn(0).width; };
     const std::string latin(20, 'a');
     std::string cyrillic;
@@ -128,7 +128,7 @@ TEST(CDrillThruDataSrc, columnsAreAsWideAsTheirLettersAndNotTheirBytes) {
     EXPECT_EQ(widthOf(wide), widthOf(latin)) << "ten signs of twice the width";
 }
 
-TEST(CDrillThruDataSrc, wholeRowsMoveAndTheArrowSaysWhere) {
+TEST(CDrillThruDataSrc, WholeRowsMoveAndTheArrowSaysWhere) {
     CDrillThruDataSrc source;
     source.SetRows(rowsOf({{"b", "1"}, {"a", "2"}, {KvbString(), "3"}}, 2));
     EXPECT_EQ(source.GetSortArrow(0), Arrow::None);
@@ -146,7 +146,7 @@ TEST(CDrillThruDataSrc, wholeRowsMoveAndTheArrowSaysWhere) {
     EXPECT_EQ(source.GetSortArrow(0), Arrow::None);
 }
 
-TEST(CDrillThruDataSrc, findsTextsInEveryCellAndGoesRound) {
+TEST(CDrillThruDataSrc, FindsTextsInEveryCellAndGoesRound) {
     CDrillThruDataSrc source;
     source.SetRows(rowsOf({{"Alpha", "x"}, {"beta", "\u00DCBER alpha"}, {"gamma", KvbString()}}, 2));
     const auto find = [&source](std::string_view text, CellPlace from, SearchDirection direction, bool beyond) {

@@ -3,12 +3,12 @@
 #include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
-#include "doc/DisplaySettings.h"
-#include "doc/Settings.h"
 #include "drill/DrillOutput.h"
 #include "drill/ui/DrillPrint.h"
 #include "drill/ui/ReadingProgress.h"
 #include "grid/ui/CUGCtrl.h"
+#include "settings/DisplaySettings.h"
+#include "settings/Settings.h"
 
 #include <QDialogButtonBox>
 #include <QFileDialog>

@@ -2,7 +2,7 @@
 
 #include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
-#include "doc/CountText.h"
+#include "report/CountText.h"
 
 #include <QCoreApplication>
 #include <QDialogButtonBox>

@@ -5,7 +5,7 @@
 namespace tavix {
 namespace {
 
-TEST(ExpressionCheck, tellsWhereAnExpressionIsWrong) {
+TEST(ExpressionCheck, TellsWhereAnExpressionIsWrong) {
     for (const char* good : {"", "`Count` > 10", "/*{{BEGIN CONDITIONS\r\n}}END CONDITIONS*/\r\n`Value` == 'a'",
                              "if isnull(`Value`) then\n   return false\nelse\n   return true\n"}) {
         const ExpressionCheck check = CheckFilterText(good);
@@ -26,7 +26,7 @@ TEST(ExpressionCheck, tellsWhereAnExpressionIsWrong) {
     }
 }
 
-TEST(ExpressionCheck, countsLinesFromTheCodeBehindTheConditions) {
+TEST(ExpressionCheck, CountsLinesFromTheCodeBehindTheConditions) {
     const ExpressionCheck check =
         CheckFilterText("/*{{BEGIN CONDITIONS\r\nVALUES=\"*/\"\r\n}}END CONDITIONS*/\r\n`Count` > 1 and\n wrong(1)");
     ASSERT_TRUE(check.error);
@@ -34,7 +34,7 @@ TEST(ExpressionCheck, countsLinesFromTheCodeBehindTheConditions) {
     EXPECT_EQ(check.linesBefore, 3);
 }
 
-TEST(ExpressionCheck, remarksOnTextsThatAreComparedWithNumbers) {
+TEST(ExpressionCheck, RemarksOnTextsThatAreComparedWithNumbers) {
     const ExpressionCheck check = CheckFilterText("`Count` > 1 and\n `Value` > 10");
     EXPECT_FALSE(check.error);
     ASSERT_TRUE(check.remark);
@@ -42,7 +42,7 @@ TEST(ExpressionCheck, remarksOnTextsThatAreComparedWithNumbers) {
     EXPECT_EQ(check.remark->column, 10);
 }
 
-TEST(ExpressionCheck, findsTheNameThatIsBeingWritten) {
+TEST(ExpressionCheck, FindsTheNameThatIsBeingWritten) {
     const struct {
         const char* written;
         const char* name;

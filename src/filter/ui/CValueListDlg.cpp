@@ -2,7 +2,7 @@
 
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
-#include "doc/CountText.h"
+#include "report/CountText.h"
 
 #include <QDialogButtonBox>
 #include <QHBoxLayout>

@@ -2,8 +2,8 @@
 
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
-#include "doc/CountText.h"
 #include "filter/ui/CValueListDlg.h"
+#include "report/CountText.h"
 
 #include <QCheckBox>
 #include <QComboBox>

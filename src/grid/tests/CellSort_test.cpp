@@ -43,7 +43,7 @@ std::vector<std::string> drawn(std::size_t count, std::mt19937& random, const st
     return texts;
 }
 
-TEST(CellSort, isTheOrderOfTheKeys) {
+TEST(CellSort, IsTheOrderOfTheKeys) {
     std::mt19937 random(11);
     const std::vector<std::string> numberParts = {"0", "1", "7", "9", "-", "+", ".", "e", "00"};
     const std::vector<std::string> letters = {"a",      "A",      "b",  "B",      "z", "\u00FC",
@@ -58,7 +58,7 @@ TEST(CellSort, isTheOrderOfTheKeys) {
     }
 }
 
-TEST(CellSort, numbersAtTheEdgeOfWhatIsExact) {
+TEST(CellSort, NumbersAtTheEdgeOfWhatIsExact) {
     expectTheOrder({"1.5", "-1.25", "1", "0.001", "12", "1.50", "-2"}, "decimals of like size");
     expectTheOrder({"0.00000000000001", "123456789012345", "99999999999999.9", "3"}, "decimals of unlike size");
     std::vector<std::string> texts = {"999999999999999",
@@ -96,7 +96,7 @@ TEST(CellSort, numbersAtTheEdgeOfWhatIsExact) {
     }
 }
 
-TEST(CellSort, longTextsThatDifferInTheirLastLetterOnly) {
+TEST(CellSort, LongTextsThatDifferInTheirLastLetterOnly) {
     const std::string common(100'000, 'q');
     std::vector<std::string> texts;
     for (const char last : std::string("hHaAzZbBcCdDeEfFgGiIjJkKlLmMnNoOpPrRsS"))

@@ -11,7 +11,7 @@
 namespace tavix {
 namespace {
 
-TEST(FoldedFinder, findsATextAsItStandsAndInOtherCase) {
+TEST(FoldedFinder, FindsATextAsItStandsAndInOtherCase) {
     for (const std::string text : {"Straße", "\uFB01nde", "\u017Fein", "ALPHA", "Übung", "\u0130zmir", "\u212Bngström",
                                    "ΣΊΣΥΦΟΣ", "\u1E9E", "日本語", "\u01F0"}) {
         EXPECT_TRUE(FoldedFinder(text).isIn(text)) << text;
@@ -27,7 +27,7 @@ TEST(FoldedFinder, findsATextAsItStandsAndInOtherCase) {
     EXPECT_TRUE(FoldedFinder("").isIn(""));
 }
 
-TEST(FoldedFinder, findsNothingElse) {
+TEST(FoldedFinder, FindsNothingElse) {
     EXPECT_FALSE(FoldedFinder("strasse").isIn("Strase"));
     EXPECT_FALSE(FoldedFinder("Straße").isIn("Strase"));
     EXPECT_FALSE(FoldedFinder("uber").isIn("über"));
@@ -37,7 +37,7 @@ TEST(FoldedFinder, findsNothingElse) {
     EXPECT_FALSE(FoldedFinder("s").isIn("\xC3"));
 }
 
-TEST(FoldedFinder, knowsEveryCharacterThatFoldsToAscii) {
+TEST(FoldedFinder, KnowsEveryCharacterThatFoldsToAscii) {
     for (std::int32_t character = 0x80; character <= 0x10FFFF; ++character) {
         std::string text;
         appendCharacter(text, character);

@@ -24,7 +24,7 @@ class Numbered : public CUGDataSource {
     bool Sort(int, bool) override { return false; }
 };
 
-TEST(GridCopy, cellsByTabRowsEndedByCarriageReturnAndLineFeed) {
+TEST(GridCopy, CellsByTabRowsEndedByCarriageReturnAndLineFeed) {
     const std::array<std::int64_t, 2> rows = {2, 0};
     EXPECT_EQ("f2\tv2\r\nf0\tv0\r\n", copyRows(Numbered(), rows, false));
     EXPECT_EQ("Field Name\tGröße\r\nf2\tv2\r\nf0\tv0\r\n", copyRows(Numbered(), rows, true));
@@ -45,7 +45,7 @@ class Remarked final : public Numbered {
     }
 };
 
-TEST(GridCopy, remarksAreCopiedWithWhatTheyAreSaidOf) {
+TEST(GridCopy, RemarksAreCopiedWithWhatTheyAreSaidOf) {
     const std::array<std::int64_t, 1> rows = {2};
     EXPECT_EQ("Field Name\tGröße (sample)\r\nf2 (sample)\tv2\r\n", copyRows(Remarked(), rows, true));
 }
@@ -68,7 +68,7 @@ class OneRow final : public CUGDataSource {
     std::vector<std::string> m_texts;
 };
 
-TEST(GridCopy, aCellThatWouldBreakTheTableIsQuoted) {
+TEST(GridCopy, ACellThatWouldBreakTheTableIsQuoted) {
     const std::array<std::int64_t, 1> row = {0};
     EXPECT_EQ("\"a\tb\"\t\"two\nlines\"\t\"a \"\"b\"\"\r\"\tsays \"x\"\t\"\"\"x\"\"\"\t\r\n",
               copyRows(OneRow({"a\tb", "two\nlines", "a \"b\"\r", "says \"x\"", "\"x\"", ""}), row, false));

@@ -9,7 +9,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-TEST(InvisibleText, everyCharacterLeavesAMark) {
+TEST(InvisibleText, EveryCharacterLeavesAMark) {
     struct Case {
         std::string_view text;
         std::string_view shown;
@@ -43,7 +43,7 @@ TEST(InvisibleText, everyCharacterLeavesAMark) {
         EXPECT_EQ(each.shown, showInvisible(each.text)) << each.text;
 }
 
-TEST(InvisibleText, aCutTextEndsNeitherInABlankNorInHalfACharacter) {
+TEST(InvisibleText, ACutTextEndsNeitherInABlankNorInHalfACharacter) {
     EXPECT_EQ("ab ", showInvisible("ab cd", 3));
     EXPECT_EQ("ab·", showInvisible("ab   ", 3));
     EXPECT_EQ("Kö", showInvisible("Köln", 2));

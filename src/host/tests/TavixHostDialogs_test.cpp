@@ -125,7 +125,7 @@ class HostDialogs : public HostOverSample, public ::testing::WithParamInterface<
     std::vector<bool> m_dialogs;
 };
 
-TEST_P(HostDialogs, theHostMayGoUnderThem) {
+TEST_P(HostDialogs, TheHostMayGoUnderThem) {
     const QPointer<QWidget> view = m_view;
     open(GetParam(), [this] {
         m_host.Dispose();
@@ -142,7 +142,7 @@ TEST_P(HostDialogs, theHostMayGoUnderThem) {
     EXPECT_TRUE(load());
 }
 
-TEST_P(HostDialogs, theReportStaysUntilTheyAreClosed) {
+TEST_P(HostDialogs, TheReportStaysUntilTheyAreClosed) {
     const int run = m_host.GetCurrentRun();
     const std::size_t runs = m_host.GetJobRuns().size();
     open(GetParam(), [&] {
@@ -182,7 +182,7 @@ class HostsEnd : public ::testing::Test {
 };
 
 // With everything that it was given, as a shell does that is about to end.
-TEST_F(HostsEnd, theHostItselfMayBeDestroyedWithItsMessagesAndWidgets) {
+TEST_F(HostsEnd, TheHostItselfMayBeDestroyedWithItsMessagesAndWidgets) {
     for (const CommandId command : {CommandId::DeleteHistory, CommandId::Options, CommandId::NoteCategories}) {
         auto messages = std::make_unique<RecordedMessages>();
         auto host = std::make_unique<TavixHost>(*messages, tavix::makeMemorySettings());
@@ -203,7 +203,7 @@ TEST_F(HostsEnd, theHostItselfMayBeDestroyedWithItsMessagesAndWidgets) {
     }
 }
 
-TEST_F(HostsEnd, theParentOfTheViewMayBeDestroyedUnderADialog) {
+TEST_F(HostsEnd, TheParentOfTheViewMayBeDestroyedUnderADialog) {
     RecordedMessages messages;
     TavixHost host(messages, tavix::makeMemorySettings());
     host.DeleteHistoryEvent.Attach([](const std::function<void()>& perform) { perform(); });
@@ -220,7 +220,7 @@ TEST_F(HostsEnd, theParentOfTheViewMayBeDestroyedUnderADialog) {
     }
 }
 
-TEST_F(HostsEnd, aHandlerMayDestroyTheHostThatCallsIt) {
+TEST_F(HostsEnd, AHandlerMayDestroyTheHostThatCallsIt) {
     RecordedMessages messages;
     const auto make = [&] {
         auto host = std::make_unique<TavixHost>(messages, tavix::makeMemorySettings());

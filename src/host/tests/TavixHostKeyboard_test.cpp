@@ -18,7 +18,7 @@ class RecordedSite final : public TavixKeyboardSite {
     std::vector<FocusNavigation> requests;
 };
 
-TEST_F(HostOverSample, tabLeavesAtBothEndsAndNowhereElse) {
+TEST_F(HostOverSample, TabLeavesAtBothEndsAndNowhereElse) {
     RecordedSite site;
     m_host.SetKeyboardSite(&site);
     ASSERT_TRUE(load());
@@ -44,7 +44,7 @@ TEST_F(HostOverSample, tabLeavesAtBothEndsAndNowhereElse) {
     EXPECT_EQ(2U, site.requests.size());
 }
 
-TEST_F(HostOverSample, tabReachesTheRowOfPagesAlsoWhenTheReportPaneHasNoControl) {
+TEST_F(HostOverSample, TabReachesTheRowOfPagesAlsoWhenTheReportPaneHasNoControl) {
     RecordedSite site;
     m_host.SetKeyboardSite(&site);
     ASSERT_TRUE(load());
@@ -67,13 +67,13 @@ TEST_F(HostOverSample, tabReachesTheRowOfPagesAlsoWhenTheReportPaneHasNoControl)
     EXPECT_THAT(site.requests, ElementsAre(FocusNavigation::Next, FocusNavigation::Previous));
 }
 
-TEST_F(HostOverSample, aSizeIsInPixelsOfTheScreen) {
+TEST_F(HostOverSample, ASizeIsInPixelsOfTheScreen) {
     NativeMessage message = {.Message = NativeMessageId::Size, .LParam = (480 << 16) | 640};
     EXPECT_TRUE(m_host.WndProc(message));
     EXPECT_EQ(QSize(640, 480), m_view->size() * m_view->devicePixelRatio());
 }
 
-TEST_F(HostOverSample, anyCharacterCanBeTyped) {
+TEST_F(HostOverSample, AnyCharacterCanBeTyped) {
     ASSERT_TRUE(load());
     ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
     m_host.SetInternalFocus();
@@ -94,7 +94,7 @@ TEST_F(HostOverSample, anyCharacterCanBeTyped) {
     EXPECT_TRUE(edit.text().endsWith(u'*'));
 }
 
-TEST_F(HostOverSample, keysOfAShellReachShortcutsToo) {
+TEST_F(HostOverSample, KeysOfAShellReachShortcutsToo) {
     ASSERT_TRUE(load());
     ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
     ASSERT_TRUE(m_host.TabInto(FocusNavigation::First));
@@ -112,7 +112,7 @@ TEST_F(HostOverSample, keysOfAShellReachShortcutsToo) {
     EXPECT_EQ("tavix::CNoteDlg", toUtf8(opened));
 }
 
-TEST_F(HostOverSample, messagesReachTheControlThatHasTheKeyboard) {
+TEST_F(HostOverSample, MessagesReachTheControlThatHasTheKeyboard) {
     ASSERT_TRUE(load());
     ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
     m_host.SetInternalFocus();
@@ -139,7 +139,7 @@ TEST_F(HostOverSample, messagesReachTheControlThatHasTheKeyboard) {
     EXPECT_FALSE(m_host.WndProc(message));
 }
 
-TEST_F(HostOverSample, privateMessagesAskForTheLastStopAndCloseTheInformation) {
+TEST_F(HostOverSample, PrivateMessagesAskForTheLastStopAndCloseTheInformation) {
     const auto send = [this](std::uint32_t number) {
         NativeMessage message;
         message.Message = number;

@@ -10,7 +10,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-TEST_F(HostOverSample, reportExistsAsksInASessionOfItsOwn) {
+TEST_F(HostOverSample, ReportExistsAsksInASessionOfItsOwn) {
     EXPECT_TRUE(TavixHost::ReportExists(m_sample.salesJob, &m_connection));
     EXPECT_FALSE(TavixHost::ReportExists(4711, &m_connection));
     EXPECT_FALSE(TavixHost::ReportExists(m_sample.salesJob, nullptr));
@@ -18,7 +18,7 @@ TEST_F(HostOverSample, reportExistsAsksInASessionOfItsOwn) {
     EXPECT_FALSE(TavixHost::ReportExists(m_sample.salesJob, &nowhere));
 }
 
-TEST_F(HostOverSample, reportsAndRunsAreListed) {
+TEST_F(HostOverSample, ReportsAndRunsAreListed) {
     const auto reports = TavixHost::GetReports(m_connection);
     ASSERT_TRUE(reports.ok());
     std::vector<std::string> lines;
@@ -35,7 +35,7 @@ TEST_F(HostOverSample, reportsAndRunsAreListed) {
     EXPECT_EQ("Sales", m_host.GetReportTitle());
 }
 
-TEST_F(HostOverSample, aFailedLoadLeavesTheViewEmptyAndUsable) {
+TEST_F(HostOverSample, AFailedLoadLeavesTheViewEmptyAndUsable) {
     EXPECT_FALSE(m_host.LoadReportForJob("text", m_sample.salesJob, nullptr));
     ASSERT_TRUE(load());
     EXPECT_FALSE(m_host.LoadReportForJob("text", 4711, &m_connection));
@@ -47,7 +47,7 @@ TEST_F(HostOverSample, aFailedLoadLeavesTheViewEmptyAndUsable) {
     EXPECT_TRUE(load());
 }
 
-TEST_F(HostOverSample, aTableIsSelectedByNameAndShown) {
+TEST_F(HostOverSample, ATableIsSelectedByNameAndShown) {
     ASSERT_TRUE(load());
     EXPECT_FALSE(m_host.SelectTable("Warehouse", "odbc", "crm", "public", "customers"));
     EXPECT_FALSE(m_host.SelectTable("Warehouse", "KVTK", "crm", "public", "customers"));
@@ -59,13 +59,13 @@ TEST_F(HostOverSample, aTableIsSelectedByNameAndShown) {
     EXPECT_FALSE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "nothing"));
 }
 
-TEST_F(HostOverSample, somethingIsShownSoonAfterLoading) {
+TEST_F(HostOverSample, SomethingIsShownSoonAfterLoading) {
     ASSERT_TRUE(load());
     EXPECT_TRUE(QTest::qWaitFor([this] { return isShown("standardMetrics"); }, 5000));
     EXPECT_GT(grid().model()->rowCount(), 0);
 }
 
-TEST_F(HostOverSample, selectionSurvivesAChangeOfRunWhereTheTableExists) {
+TEST_F(HostOverSample, SelectionSurvivesAChangeOfRunWhereTheTableExists) {
     ASSERT_TRUE(load());
     ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "", "dbo", "suppliers"));
     tree(0).expand(tree(0).currentIndex());
@@ -87,7 +87,7 @@ TEST_F(HostOverSample, selectionSurvivesAChangeOfRunWhereTheTableExists) {
     EXPECT_FALSE(isShown("standardMetrics"));
 }
 
-TEST_F(HostOverSample, keysWalkFromATableToItsFieldsAndTheViewsFollow) {
+TEST_F(HostOverSample, KeysWalkFromATableToItsFieldsAndTheViewsFollow) {
     ASSERT_TRUE(load());
     ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
     m_host.SetInternalFocus();
@@ -108,7 +108,7 @@ TEST_F(HostOverSample, keysWalkFromATableToItsFieldsAndTheViewsFollow) {
     EXPECT_EQ("balance", title());
 }
 
-TEST_F(HostOverSample, commandsFollowTheNavigatorsPage) {
+TEST_F(HostOverSample, CommandsFollowTheNavigatorsPage) {
     const int refresh = static_cast<int>(CommandId::RefreshCollections);
     ASSERT_TRUE(load());
     EXPECT_EQ((TavixCommandState{true, false, false}), m_host.ExecuteUpdateUICommand(refresh));
@@ -129,7 +129,7 @@ TEST_F(HostOverSample, commandsFollowTheNavigatorsPage) {
     EXPECT_FALSE(isShown("standardMetrics"));
 }
 
-TEST_F(HostOverSample, deletingHistoryIsTheShellsToAllow) {
+TEST_F(HostOverSample, DeletingHistoryIsTheShellsToAllow) {
     EXPECT_FALSE(m_host.ExecuteUpdateUICommand(static_cast<int>(CommandId::DeleteHistory)).Enabled);
     ASSERT_TRUE(load());
     EXPECT_FALSE(m_host.ExecuteUpdateUICommand(static_cast<int>(CommandId::DeleteHistory)).Enabled);
@@ -143,7 +143,7 @@ TEST_F(HostOverSample, deletingHistoryIsTheShellsToAllow) {
     EXPECT_EQ(3U, m_host.GetJobRuns().size());
 }
 
-TEST_F(HostOverSample, aShellThatNamesNoConnectionChangesNothing) {
+TEST_F(HostOverSample, AShellThatNamesNoConnectionChangesNothing) {
     ASSERT_TRUE(load());
     ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
     EXPECT_FALSE(m_host.LoadReportForJob("other", m_sample.inventoryJob, nullptr));
@@ -159,7 +159,7 @@ class BrokenConnection final : public TavixConnection {
     std::string GetConnectionString() const override { throw std::runtime_error("the shell failed"); }
 };
 
-TEST_F(HostOverSample, whetherAReportExistsIsAnsweredWhateverGoesWrong) {
+TEST_F(HostOverSample, WhetherAReportExistsIsAnsweredWhateverGoesWrong) {
     const BrokenConnection broken;
     EXPECT_FALSE(TavixHost::ReportExists(m_sample.salesJob, &broken));
     for (const char* text : {"", "/", "sqlite:", "postgresql://server/base"}) {
@@ -168,7 +168,7 @@ TEST_F(HostOverSample, whetherAReportExistsIsAnsweredWhateverGoesWrong) {
     }
 }
 
-TEST_F(HostOverSample, aServerThatWantsCredentialsAsksTheShell) {
+TEST_F(HostOverSample, AServerThatWantsCredentialsAsksTheShell) {
     std::vector<TavixAuthSvrInfo> asked;
     m_host.GetAuthSvrCreds.Attach([&asked](TavixAuthSvrInfo& info) {
         asked.push_back(info);
@@ -188,7 +188,7 @@ TEST_F(HostOverSample, aServerThatWantsCredentialsAsksTheShell) {
     m_messages.texts.clear();
 }
 
-TEST_F(HostOverSample, theSelectedFieldGoesIntoACollection) {
+TEST_F(HostOverSample, TheSelectedFieldGoesIntoACollection) {
     const int collection = m_sample.collections.at("Amounts");
     EXPECT_EQ(0, m_host.AddCurrentFieldToCollection(collection));
     ASSERT_TRUE(load());
@@ -204,7 +204,7 @@ TEST_F(HostOverSample, theSelectedFieldGoesIntoACollection) {
     m_messages.texts.clear();
 }
 
-TEST_F(HostOverSample, withoutAWindowEveryOperationAnswersAndDoesNothing) {
+TEST_F(HostOverSample, WithoutAWindowEveryOperationAnswersAndDoesNothing) {
     m_host.DestroyWindowCore(4711);
     ASSERT_TRUE(load());
     m_host.Dispose();
@@ -222,7 +222,7 @@ TEST_F(HostOverSample, withoutAWindowEveryOperationAnswersAndDoesNothing) {
     EXPECT_FALSE(load());
 }
 
-TEST(TavixEvent, handlersMayComeAndGoWhileItIsRaised) {
+TEST(TavixEvent, HandlersMayComeAndGoWhileItIsRaised) {
     TavixEvent<int> event;
     std::vector<std::string> heard;
     EXPECT_FALSE(event.HasHandlers());
@@ -242,7 +242,7 @@ TEST(TavixEvent, handlersMayComeAndGoWhileItIsRaised) {
     EXPECT_THAT(heard, ElementsAre("first 1", "third 2"));
 }
 
-TEST_F(HostOverSample, windowsCanBeMadeAgainAndDieWithTheirParent) {
+TEST_F(HostOverSample, WindowsCanBeMadeAgainAndDieWithTheirParent) {
     int created = 0;
     m_host.OnTavixWindowCreated.Attach([&created](TavixHost&) { ++created; });
     for (int round = 0; round < 3; ++round) {

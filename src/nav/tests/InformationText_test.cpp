@@ -14,7 +14,7 @@ TableIdentity plainTable() {
     return table;
 }
 
-TEST(InformationText, plainTable) {
+TEST(InformationText, PlainTable) {
     TableIdentity table = plainTable();
     EXPECT_EQ("Name: airports\r\nType: Table\r\nData source: examples\r\nTotal records: 3376\r\n",
               informationText(table));
@@ -26,13 +26,13 @@ TEST(InformationText, plainTable) {
               informationText(table));
 }
 
-TEST(InformationText, fieldStandsBeforeItsParent) {
+TEST(InformationText, FieldStandsBeforeItsParent) {
     EXPECT_EQ("Field: iata\r\nDefined type: VARCHAR\r\nDefined length: 3\r\nParent name: airports\r\n"
               "Parent type: Table\r\nData source: examples\r\nTotal records: 3376\r\n",
               informationText(plainTable(), {"iata", "VARCHAR", "3"}));
 }
 
-TEST(InformationText, queryLosesBlankLinesAndOuterLineEnds) {
+TEST(InformationText, QueryLosesBlankLinesAndOuterLineEnds) {
     TableIdentity table = plainTable();
     table.kind = 'S';
     table.objectName = "Large airports";
@@ -48,7 +48,7 @@ TEST(InformationText, queryLosesBlankLinesAndOuterLineEnds) {
               informationText(table, {"iata", "", ""}));
 }
 
-TEST(InformationText, filterNamesWhatItIsBasedOn) {
+TEST(InformationText, FilterNamesWhatItIsBasedOn) {
     TableIdentity table = plainTable();
     table.kind = 'D';
     table.objectName = "Alaska";
@@ -64,7 +64,7 @@ TEST(InformationText, filterNamesWhatItIsBasedOn) {
     EXPECT_EQ("Name: Alaska\r\nType: Filter (based on SQL query)\r\n" + rest, informationText(table));
 }
 
-TEST(InformationText, aQueryOfLineEndsAloneIsEmpty) {
+TEST(InformationText, AQueryOfLineEndsAloneIsEmpty) {
     TableIdentity table = plainTable();
     table.objectName = "q";
     table.query = "\r\n\n\r\n";

@@ -9,7 +9,7 @@
 namespace tavix {
 namespace {
 
-TEST(SelectionInformation, aTableAFieldAndAFieldOfACollectionHaveTheirText) {
+TEST(SelectionInformation, ATableAFieldAndAFieldOfACollectionHaveTheirText) {
     testing::TempFolder folder;
     const auto sample = testing::SampleRepository::build(folder.file("sample.tavix"));
     const PrViewer::Handle viewer = PrViewer::create();
@@ -54,7 +54,7 @@ TEST(SelectionInformation, aTableAFieldAndAFieldOfACollectionHaveTheirText) {
 }
 
 // A collection holds fields of other reports: what they come from is described as their own report does.
-TEST(SelectionInformation, aQueryAndAFilterOfAnotherReportHaveTheirText) {
+TEST(SelectionInformation, AQueryAndAFilterOfAnotherReportHaveTheirText) {
     testing::TempFolder folder;
     const auto sample = testing::SampleRepository::build(folder.file("sample.tavix"));
     const PrViewer::Handle viewer = PrViewer::create();

@@ -35,7 +35,7 @@ class TreeContentsOfSample : public testing::SampleViewer {
     TreeContents m_collections{NavigatorPage::Collections};
 };
 
-TEST_F(TreeContentsOfSample, tablesStandBelowTheirCatalogAndSchema) {
+TEST_F(TreeContentsOfSample, TablesStandBelowTheirCatalogAndSchema) {
     const std::string text = shown(m_tables, m_tables.root(), 4);
     EXPECT_NE(std::string::npos, text.find("Warehouse ["));
     EXPECT_NE(std::string::npos, text.find("  crm\n    public\n      customers ["));
@@ -47,7 +47,7 @@ TEST_F(TreeContentsOfSample, tablesStandBelowTheirCatalogAndSchema) {
     EXPECT_NE(std::string::npos, text.find("/data/files [1 table]\n  airports ["));
 }
 
-TEST_F(TreeContentsOfSample, nodesAreFetchedWhenTheyAreOpened) {
+TEST_F(TreeContentsOfSample, NodesAreFetchedWhenTheyAreOpened) {
     m_tables.Fetch(m_tables.root());
     ASSERT_EQ(2U, m_tables.root().children.size());
     for (const auto& source : m_tables.root().children) {
@@ -57,7 +57,7 @@ TEST_F(TreeContentsOfSample, nodesAreFetchedWhenTheyAreOpened) {
     }
 }
 
-TEST_F(TreeContentsOfSample, selectionKnowsTheTableAndItsField) {
+TEST_F(TreeContentsOfSample, SelectionKnowsTheTableAndItsField) {
     TreeNode* table = m_tables.FindTable("Warehouse", "crm", "public", "german customers", 0);
     ASSERT_NE(nullptr, table);
     ReportSelection selection = selectionOf(*table);
@@ -77,7 +77,7 @@ TEST_F(TreeContentsOfSample, selectionKnowsTheTableAndItsField) {
     EXPECT_EQ(ReportSelection::Kind::Nothing, selectionOf(*m_tables.root().children.front()).kind);
 }
 
-TEST_F(TreeContentsOfSample, findTableIsExact) {
+TEST_F(TreeContentsOfSample, FindTableIsExact) {
     EXPECT_NE(nullptr, m_tables.FindTable("Warehouse", "crm", "public", "customers", 0));
     EXPECT_NE(nullptr, m_tables.FindTable("Warehouse", "", "dbo", "suppliers", 0));
     EXPECT_NE(nullptr, m_tables.FindTable("Warehouse", "", "", "big orders", 0));
@@ -91,7 +91,7 @@ TEST_F(TreeContentsOfSample, findTableIsExact) {
 }
 
 // Names that occur more than once along the way, so that each comparison decides something.
-TEST_F(TreeContentsOfSample, findTableWalksCatalogsAndSchemasInTheirOrder) {
+TEST_F(TreeContentsOfSample, FindTableWalksCatalogsAndSchemasInTheirOrder) {
     testing::runScript(m_sample.path, fmt::format(R"(
         CREATE TEMP TABLE made(catalog, schema, name, object);
         INSERT INTO made VALUES('a', 's', 't', ''), ('b', 's', 't', ''), ('b', '', 't', ''), ('', 's', 't', ''),
@@ -125,7 +125,7 @@ TEST_F(TreeContentsOfSample, findTableWalksCatalogsAndSchemasInTheirOrder) {
     EXPECT_EQ("..t.shown as", where("", "", "shown as"));
 }
 
-TEST_F(TreeContentsOfSample, loadedNamesAreFoundOnceAroundTheTree) {
+TEST_F(TreeContentsOfSample, LoadedNamesAreFoundOnceAroundTheTree) {
     const auto next = [this](const TreeNode* from, bool skip, const std::string& name) -> const TreeNode* {
         return m_tables.FindLoaded(from, skip, [&name](const TreeNode& node) { return node.name == name; });
     };
@@ -149,7 +149,7 @@ TEST_F(TreeContentsOfSample, loadedNamesAreFoundOnceAroundTheTree) {
     EXPECT_EQ(nullptr, next(nullptr, true, "nobody"));
 }
 
-TEST_F(TreeContentsOfSample, aPathIsFoundAgainInAnotherRunWhereTheObjectExists) {
+TEST_F(TreeContentsOfSample, APathIsFoundAgainInAnotherRunWhereTheObjectExists) {
     TreeNode* late = m_tables.FindTable("Warehouse", "", "", "late orders", 0);
     TreeNode* customers = m_tables.FindTable("Warehouse", "crm", "public", "customers", 0);
     ASSERT_TRUE(late && customers);
@@ -164,7 +164,7 @@ TEST_F(TreeContentsOfSample, aPathIsFoundAgainInAnotherRunWhereTheObjectExists) 
     EXPECT_EQ(m_sample.tables.at("customers"), found->id);
 }
 
-TEST_F(TreeContentsOfSample, collectionsTellTheirFields) {
+TEST_F(TreeContentsOfSample, CollectionsTellTheirFields) {
     const std::string text = shown(m_collections, m_collections.root(), 2);
     EXPECT_NE(std::string::npos, text.find("Amounts ["));
     EXPECT_NE(std::string::npos, text.find("Customer keys ["));
@@ -174,7 +174,7 @@ TEST_F(TreeContentsOfSample, collectionsTellTheirFields) {
     EXPECT_EQ(m_sample.collections.at(selection.name), selection.id);
 }
 
-TEST_F(TreeContentsOfSample, aRepositoryThatIsGoneIsAnErrorAndNoTree) {
+TEST_F(TreeContentsOfSample, ARepositoryThatIsGoneIsAnErrorAndNoTree) {
     m_tables.Fetch(m_tables.root());
     m_viewer->close();
     EXPECT_FALSE(m_tables.Fetch(*m_tables.root().children.front()));
@@ -183,7 +183,7 @@ TEST_F(TreeContentsOfSample, aRepositoryThatIsGoneIsAnErrorAndNoTree) {
     EXPECT_FALSE(refreshCollectionsOfAllTables(*m_viewer).ok());
 }
 
-TEST(TreeContents, withoutASessionThereIsNothing) {
+TEST(TreeContents, WithoutASessionThereIsNothing) {
     TreeContents contents(NavigatorPage::Tables);
     EXPECT_TRUE(contents.Fetch(contents.root()));
     EXPECT_TRUE(contents.root().children.empty());

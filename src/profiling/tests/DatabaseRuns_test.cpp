@@ -85,18 +85,18 @@ class DatabaseRuns : public tavix::testing::StoredRuns {
   protected:
     DatabaseRuns() { world(); }
 
-    JobDescription job(const std::string& tables) {
+    job::JobDescription job(const std::string& tables) {
         const std::string file = world().folder.file("job.yaml");
         std::ofstream(file) << "job: Job\nsources:\n  - {name: lite, odbc: lite}\n  - {name: pg, odbc: \"DSN=pg;"
                                "UID=nobody\"}\ntables:\n"
                             << tables;
-        auto read = readJobFile(file);
+        auto read = job::readJobFile(file);
         if (!read)
             throw std::runtime_error(read.error().text);
         return *read;
     }
     /// The error's text; empty when the run is stored.
-    std::string run(const JobDescription& description, ProgressWatcher* watcher = nullptr) {
+    std::string run(const job::JobDescription& description, ProgressWatcher* watcher = nullptr) {
         RunOptions options;
         options.watcher = watcher;
         options.askCredentials = credentials;
@@ -203,7 +203,7 @@ TEST_F(DatabaseRuns, WhatIsWrongIsSaidAndNothingIsStored) {
         EXPECT_THAT(run(std::string(one.tables)), HasSubstr(one.text));
         EXPECT_NE(stored("SELECT count(*) FROM run"), "1\n") << one.tables;
     }
-    JobDescription wrong = job("  - {source: pg, table: customers}\n");
+    job::JobDescription wrong = job("  - {source: pg, table: customers}\n");
     RunOptions options;
     options.askCredentials = [](const std::string&, const std::string&) {
         return std::optional(source::Credentials{PostgresServer::kUser, "not the password"});
@@ -227,8 +227,9 @@ TEST_F(DatabaseRuns, AreCancelledWhileTheServerWorks) {
     // The first takes the server minutes before it gives a row; so does counting the second.
     for (const char* by : {"rows", "engine"}) {
         Canceller watcher;
-        const JobDescription slow = job(std::string("  - {source: pg, counted by: ") + by +
-                                        ", name: q, query: \"SELECT count(*) FROM generate_series(1, 3000000000)\"}\n");
+        const job::JobDescription slow =
+            job(std::string("  - {source: pg, counted by: ") + by +
+                ", name: q, query: \"SELECT count(*) FROM generate_series(1, 3000000000)\"}\n");
         EXPECT_EQ(run(slow, &watcher), "");
         EXPECT_TRUE(m_outcome->cancelled);
         EXPECT_EQ(stored("SELECT count(*) FROM run"), "0\n");
@@ -261,7 +262,7 @@ TEST(DatabaseJobs, AreCheckedBeforeAnythingIsConnected) {
     TempFolder folder;
     const auto problem = [&](const std::string& text) {
         std::ofstream(folder.file("j.yaml")) << text;
-        const auto read = readJobFile(folder.file("j.yaml"));
+        const auto read = job::readJobFile(folder.file("j.yaml"));
         return read ? std::string("none") : read.error().text.substr(read.error().text.find("j.yaml") + 6);
     };
     const std::string head = "job: J\nsources: [{name: s, odbc: dsn}, {name: my shop, odbc: d2}]\ntables:\n";

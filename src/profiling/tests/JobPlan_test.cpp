@@ -20,13 +20,13 @@ using ::testing::IsEmpty;
 
 class JobPlans : public tavix::testing::StoredRuns {
   protected:
-    JobDescription job(const std::string& tables) {
-        auto read = readJobFile(write("job.yaml", "job: j\ntables:\n" + tables));
+    job::JobDescription job(const std::string& tables) {
+        auto read = job::readJobFile(write("job.yaml", "job: j\ntables:\n" + tables));
         EXPECT_TRUE(read.ok()) << read.error().text;
-        return read ? std::move(*read) : JobDescription();
+        return read ? std::move(*read) : job::JobDescription();
     }
     /// What a run fails with; a plan has to say the same.
-    std::string failure(const JobDescription& wanted, const std::string& repository) {
+    std::string failure(const job::JobDescription& wanted, const std::string& repository) {
         const auto plan = planJob(wanted, repository, {});
         const auto run = runJob(wanted, repository);
         EXPECT_FALSE(plan.ok());
@@ -51,6 +51,26 @@ TEST_F(JobPlans, APlanFailsWhereARunDoes) {
     EXPECT_THAT(failure(job("  - file: a.csv\n"), m_folder.file("none/r.tavix")), HasSubstr("does not exist"));
     EXPECT_THAT(failure(job("  - file: a.csv\n"), m_folder.path().string()), HasSubstr("is a folder"));
     EXPECT_FALSE(std::filesystem::exists(m_repository)) << "neither has made it";
+}
+
+TEST_F(JobPlans, UnknownFieldsAreNamedWithTheirPlace) {
+    write("a.csv", "id,price\n1,2\n");
+    const std::string head = "job: j\ntables:\n  - file: a.csv\n";
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {head + "    key: [id, prize]\n",
+         "4:15: The key of the table \"a\": there is no field \"prize\" (did you mean \"price\"?)."},
+        {head + "    alerts:\n      - {field: [id, pric], metric: Mean, max: 1}\n",
+         "5:22: An alert: the table \"a\" has no field \"pric\" (did you mean \"price\"?)."},
+        {head + "    alerts:\n      - {field: ix, metric: Mean, max: 1}\n",
+         "5:17: An alert: the table \"a\" has no field \"ix\" (did you mean \"id\"?)."},
+        {head + "collections:\n  - name: C\n    fields: [a.id, a.pric]\n",
+         "6:20: Collection \"C\": the table \"a\" has no field \"pric\" (did you mean \"price\"?)."},
+    };
+    for (const auto& [text, expected] : cases) {
+        const auto read = job::readJobFile(write("job.yaml", text));
+        ASSERT_TRUE(read.ok()) << read.error().text;
+        EXPECT_EQ(checkFields(*read).error().text, m_folder.file("job.yaml") + ":" + expected);
+    }
 }
 
 TEST_F(JobPlans, APlanTellsWhatIsReadAndRemarksOnExpressions) {
@@ -78,13 +98,13 @@ TEST_F(JobPlans, EmptyFilesAreLeftOutAndTheOthersStored) {
     write("b.csv", "");
     write("c.csv", "\xEF\xBB\xBF\r\n\n");
     write("d.csv", "x\n1\n2\n");
-    const JobDescription wanted = job("  - file: a.csv\n"
-                                      "  - {file: b.csv, key: [x], alerts: [{metric: Records, min: 1}]}\n"
-                                      "  - {name: f, based on: b, where: \"`x` == '1'\"}\n"
-                                      "  - {files: [b.csv, c.csv, d.csv], name: set}\n"
-                                      "collections:\n"
-                                      "  - {name: C, fields: [a.x, b.x]}\n"
-                                      "  - {name: D, fields: [f.x]}\n");
+    const job::JobDescription wanted = job("  - file: a.csv\n"
+                                           "  - {file: b.csv, key: [x], alerts: [{metric: Records, min: 1}]}\n"
+                                           "  - {name: f, based on: b, where: \"`x` == '1'\"}\n"
+                                           "  - {files: [b.csv, c.csv, d.csv], name: set}\n"
+                                           "collections:\n"
+                                           "  - {name: C, fields: [a.x, b.x]}\n"
+                                           "  - {name: D, fields: [f.x]}\n");
     const std::vector<EmptyFile> left{{m_folder.file("b.csv"), "b", false},
                                       {m_folder.file("b.csv"), "set", true},
                                       {m_folder.file("c.csv"), "set", true}};

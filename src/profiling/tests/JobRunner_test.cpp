@@ -22,7 +22,7 @@ namespace {
 
 class RunJob : public testing::StoredRuns {
   protected:
-    JobDescription job(std::vector<std::string> files) { return *describeFiles(files, "Job"); }
+    job::JobDescription job(std::vector<std::string> files) { return *job::describeFiles(files, "Job"); }
 };
 
 class FixedClock final : public Clock {
@@ -45,7 +45,7 @@ class Canceller final : public ProgressWatcher {
 };
 
 TEST_F(RunJob, StoresTablesFieldsDamageAndCollections) {
-    JobDescription description = job({write("a.csv", "id,x\n1,y\n2\n3,z,!\n"), write("b.csv", "ref\n1\n1\n")});
+    job::JobDescription description = job({write("a.csv", "id,x\n1,y\n2\n3,z,!\n"), write("b.csv", "ref\n1\n1\n")});
     description.collections = {{"Keys", "", {{"a", "id"}, {"b", "ref"}}}};
     const FixedClock clock;
     const auto run = runJob(description, m_repository, {"first", nullptr, &clock});
@@ -74,27 +74,27 @@ TEST_F(RunJob, StoresTablesFieldsDamageAndCollections) {
 
 TEST_F(RunJob, WhatIsWrongIsFoundBeforeAnythingIsWritten) {
     const std::string a = write("a.csv", "id,name\n1,x\n");
-    const auto error = [&](const JobDescription& description) {
+    const auto error = [&](const job::JobDescription& description) {
         const auto run = runJob(description, m_repository);
         return run ? std::string("none") : run.error().text;
     };
     EXPECT_THAT(error(job({a, m_folder.file("none.csv")})),
                 ::testing::AllOf(::testing::StartsWith("Table \"none\": "), ::testing::HasSubstr("No such file")));
     EXPECT_THAT(error(job({write("empty.csv", "")})), ::testing::EndsWith("is empty"));
-    JobDescription unknown = job({a});
+    job::JobDescription unknown = job({a});
     unknown.collections = {{"C", "", {{"a", "nmae"}}}};
     EXPECT_EQ(error(unknown), "Collection \"C\": the table \"a\" has no field \"nmae\" (did you mean \"name\"?).");
     unknown.collections = {{"C", "", {{"b", "id"}}}};
     EXPECT_EQ(error(unknown), "Collection \"C\": the job has no table \"b\" (did you mean \"a\"?).");
     EXPECT_EQ(error({}), "The job has no name.");
-    JobDescription nothing;
+    job::JobDescription nothing;
     nothing.name = "N";
     EXPECT_EQ(error(nothing), "The job \"N\" has no tables.");
     EXPECT_FALSE(std::filesystem::exists(m_repository));
 }
 
 TEST_F(RunJob, ACancelledRunLeavesNothing) {
-    const JobDescription description = job({write("a.csv", "id\n1\n2\n")});
+    const job::JobDescription description = job({write("a.csv", "id\n1\n2\n")});
     ASSERT_TRUE(runJob(description, m_repository).ok());
     for (int calls = 1; calls <= 3; ++calls) {
         Canceller watcher(calls);
@@ -144,7 +144,7 @@ TEST_F(RunJob, ARepositoryThatCannotBeOpenedEndsTheReading) {
 }
 
 TEST_F(RunJob, OthersWriteWhileTablesAreRead) {
-    const JobDescription description = job({write("a.csv", "id\n1\n"), write("b.csv", "id\n1\n")});
+    const job::JobDescription description = job({write("a.csv", "id\n1\n"), write("b.csv", "id\n1\n")});
     ASSERT_TRUE(runJob(description, m_repository).ok());
     Neighbour neighbour(m_repository);
     const auto run = runJob(description, m_repository, {"", &neighbour, nullptr});
@@ -177,7 +177,7 @@ class LongWriter final : public ProgressWatcher {
 };
 
 TEST_F(RunJob, WaitsForAnotherWriterUntilItIsCancelled) {
-    const JobDescription description = job({write("a.csv", "id\n1\n")});
+    const job::JobDescription description = job({write("a.csv", "id\n1\n")});
     ASSERT_TRUE(runJob(description, m_repository).ok());
     {
         LongWriter writer(m_repository, false);
@@ -217,8 +217,8 @@ TEST_F(RunJob, StoresTheSameByAnyNumberOfThreads) {
     std::string rows = "id,name,ten\n";
     for (int i = 0; i < 20'000; ++i)
         rows += std::to_string(i) + ",name " + std::to_string(i % 6000) + "," + std::to_string(i % 10) + "\n";
-    JobDescription description = job({write("a.csv", "x\n1\n2\n"), write("b.csv", rows)});
-    TableDescription& filtered = description.tables.emplace_back();
+    job::JobDescription description = job({write("a.csv", "x\n1\n2\n"), write("b.csv", rows)});
+    job::TableDescription& filtered = description.tables.emplace_back();
     filtered.name = "few";
     filtered.basedOn = "b";
     filtered.where.text = "`ten` < 3";

@@ -20,7 +20,7 @@ class RuleRuns : public testing::StoredRuns {
   protected:
     Result<RunOutcome> run(std::string_view yaml) {
         std::ofstream(m_job, std::ios::binary) << yaml;
-        const auto job = readJobFile(m_job);
+        const auto job = job::readJobFile(m_job);
         if (!job)
             return job.error();
         if (Status status = checkFields(*job); !status)

@@ -31,7 +31,7 @@ class EngineOfRandomTables : public ::testing::Test {
         std::vector<std::string> names;
         for (std::size_t c = 0; c < table.size(); ++c)
             names.push_back("f" + std::to_string(c));
-        const TableDescription description;
+        const job::TableDescription description;
         RunEngine engine({threads, memory, m_folder.path().string()}, {});
         TablePasses passes;
         passes.push_back(std::make_unique<TablePass>(description, names, TablePrograms{}));
@@ -109,7 +109,7 @@ TEST_F(EngineOfRandomTables, StopsWhereverItIs) {
     std::mt19937 random(13);
     const TableRows table = testing::randomTable(random, 3000);
     const std::vector<std::string> names(table.size(), "f");
-    const TableDescription description;
+    const job::TableDescription description;
     for (const std::size_t memory : {std::size_t{1}, kMuch}) {
         bool isDone = false;
         int polls = 1;
@@ -138,7 +138,7 @@ TEST_F(EngineOfRandomTables, AFullDiskIsAClearError) {
     std::mt19937 random(14);
     const TableRows table = testing::randomTable(random, 3000);
     const std::vector<std::string> names(table.size(), "f");
-    const TableDescription description;
+    const job::TableDescription description;
     RunEngine engine({2, 1, m_folder.file("none")}, {});
     TablePasses passes;
     passes.push_back(std::make_unique<TablePass>(description, names, TablePrograms{}));

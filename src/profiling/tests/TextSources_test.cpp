@@ -22,8 +22,8 @@ using ::testing::HasSubstr;
 /// Jobs over files that lie in a folder of their own.
 class TextSources : public tavix::testing::StoredRuns {
   protected:
-    Result<JobDescription> read(const std::string& tables) {
-        return readJobFile(write("job.yaml", "job: j\ntables:\n" + tables));
+    Result<job::JobDescription> read(const std::string& tables) {
+        return job::readJobFile(write("job.yaml", "job: j\ntables:\n" + tables));
     }
     std::string problem(const std::string& tables) {
         const auto job = read(tables);
@@ -34,11 +34,11 @@ class TextSources : public tavix::testing::StoredRuns {
         const auto job = read(tables);
         if (!job)
             return {job.error().text};
-        for (const TableDescription& table : job->tables)
+        for (const job::TableDescription& table : job->tables)
             found.push_back(table.name);
         return found;
     }
-    RunOutcome run(const JobDescription& job) {
+    RunOutcome run(const job::JobDescription& job) {
         auto outcome = runJob(job, m_repository);
         EXPECT_TRUE(outcome.ok()) << outcome.error().text;
         return outcome ? *outcome : RunOutcome();
@@ -59,8 +59,8 @@ TEST_F(TextSources, APatternMakesATableOfEachFileInTheOrderOfTheirNames) {
     EXPECT_THAT(problem("  - {file: '*.csv', name: n}\n"), HasSubstr("makes a table of each file"));
     EXPECT_THAT(problem("  - file: a.csv\n  - file: '?.csv'\n"), HasSubstr("4:11: there is already a table \"a\""));
     const std::vector<std::string> patterns{m_folder.file("[ab].csv")};
-    EXPECT_EQ(describeFiles(patterns, "")->tables.size(), 2U);
-    EXPECT_EQ(describeFiles(patterns, "", {}, "both")->tables.front().files.size(), 2U);
+    EXPECT_EQ(job::describeFiles(patterns, "")->tables.size(), 2U);
+    EXPECT_EQ(job::describeFiles(patterns, "", {}, "both")->tables.front().files.size(), 2U);
 }
 
 TEST_F(TextSources, EqualFilesMakeOneTableAndTheOthersAreNamed) {
@@ -149,7 +149,7 @@ TEST_F(TextSources, APipeIsOpenedOnce) {
     ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
     std::thread writer([&] { std::ofstream(path) << "a,b\n1,2\n3,4\n"; });
     const std::vector<std::string> files{path};
-    EXPECT_EQ(run(*describeFiles(files, "")).tables[0].rows, 2);
+    EXPECT_EQ(run(*job::describeFiles(files, "")).tables[0].rows, 2);
     writer.join();
 }
 
@@ -157,7 +157,7 @@ TEST_F(TextSources, AnInspectionReadsNoMoreThanTheFirstMiB) {
     std::string content = "id\tday\tprice\tsure\tmixed\tnothing\r\n";
     while (content.size() < 3'000'000)
         content += "1\t2024-01-31\t1.5\ttrue\t" + std::string(content.size() < 50 ? "true" : "7") + "\t\r\n";
-    TableDescription table;
+    job::TableDescription table;
     table.path = write("f.txt", content);
     std::filesystem::resize_file(table.path, content.size() - 5);
     const auto found = inspectFile(table, 2);

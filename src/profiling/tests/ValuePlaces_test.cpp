@@ -65,14 +65,14 @@ std::vector<std::string> rowsWith(const std::string& path, std::size_t column, c
 
 class ValuePlacesTest : public ::testing::Test {
   protected:
-    void run(const RunOptions& options, bool hasFiltered, TableDescription table = {}) {
-        JobDescription job;
+    void run(const RunOptions& options, bool hasFiltered, job::TableDescription table = {}) {
+        job::JobDescription job;
         job.name = "j";
         table.name = "t";
         table.path = m_path;
         job.tables.push_back(table);
         if (hasFiltered) {
-            TableDescription filtered;
+            job::TableDescription filtered;
             filtered.name = "f";
             filtered.basedOn = "t";
             filtered.where.text = "`frequent` == 'A'";
@@ -189,7 +189,7 @@ TEST_F(ValuePlacesTest, AreNotKeptOfWhatCannotBeSearchedByThem) {
     run({}, false);
     EXPECT_FALSE(find(1, 1, "row 5")) << "a small file";
 
-    TableDescription table;
+    job::TableDescription table;
     table.sample = {source::Sample::Kind::First, 1000, 0};
     run(withPlaces(2), false, table);
     EXPECT_FALSE(find(1, 1, "row 5")) << "a sample";

@@ -73,7 +73,7 @@ class ShellAccess : public ShellOverSample {
     }
 };
 
-TEST_F(ShellAccess, everyControlOfEveryDialogHasAName) {
+TEST_F(ShellAccess, EveryControlOfEveryDialogHasAName) {
     openSales();
     const auto openBy = [](const auto& act, int controls) {
         int seen = 0;
@@ -102,7 +102,7 @@ TEST_F(ShellAccess, everyControlOfEveryDialogHasAName) {
     openBy([this] { m_window.findChild<QToolButton*>(QStringLiteral("detailsButton"))->click(); }, 3);
 }
 
-TEST_F(ShellAccess, everyControlHasAName) {
+TEST_F(ShellAccess, EveryControlHasAName) {
     openSales();
     EXPECT_GT(namedControls(m_window), 10);
     // Whatever is selected, and in a window of its own.
@@ -129,7 +129,7 @@ TEST_F(ShellAccess, everyControlHasAName) {
     }
 }
 
-TEST_F(ShellAccess, tabReachesTreeGridAndRunsAndComesBackTheSameWay) {
+TEST_F(ShellAccess, TabReachesTreeGridAndRunsAndComesBackTheSameWay) {
     openSales();
     tree()->setFocus();
     const std::vector<QWidget*> forth = walk();
@@ -146,7 +146,7 @@ TEST_F(ShellAccess, tabReachesTreeGridAndRunsAndComesBackTheSameWay) {
     EXPECT_EQ(reached, std::set<QWidget*>(back.begin(), back.end()));
 }
 
-TEST_F(ShellAccess, theKeysLeadFromReportsToRunsAndBack) {
+TEST_F(ShellAccess, TheKeysLeadFromReportsToRunsAndBack) {
     ASSERT_TRUE(open(m_sample.path));
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Home);
     press(Qt::Key_Return);
@@ -167,7 +167,7 @@ TEST_F(ShellAccess, theKeysLeadFromReportsToRunsAndBack) {
 }
 
 // Whoever has no mouse opens a context menu with a key; it adds what is selected to a collection.
-TEST_F(ShellAccess, contextMenusOpenWithAKeyAndAddFieldsToCollections) {
+TEST_F(ShellAccess, ContextMenusOpenWithAKeyAndAddFieldsToCollections) {
     openSales();
     const auto chooseSecondCollection = [](QWidget* widget) {
         std::vector<std::string> entries;
@@ -210,7 +210,7 @@ TEST_F(ShellAccess, contextMenusOpenWithAKeyAndAddFieldsToCollections) {
     EXPECT_THAT(m_messages.texts, ElementsAre());
 }
 
-TEST_F(ShellAccess, aFileDroppedOnTheWindowIsOpened) {
+TEST_F(ShellAccess, AFileDroppedOnTheWindowIsOpened) {
     EXPECT_TRUE(drop(toQString(m_sample.path)));
     EXPECT_EQ("sample.tavix - Tavix", title());
     EXPECT_TRUE(drop(toQString(m_folder.file("missing.tavix"))));
@@ -225,7 +225,7 @@ TEST_F(ShellAccess, aFileDroppedOnTheWindowIsOpened) {
     EXPECT_FALSE(enter.isAccepted());
 }
 
-TEST_F(ShellAccess, repositoriesOpenedLatelyAreOffered) {
+TEST_F(ShellAccess, RepositoriesOpenedLatelyAreOffered) {
     const std::string other = m_folder.file("other & more.tavix");
     ASSERT_TRUE(QFile::copy(toQString(m_sample.path), toQString(other)));
     ASSERT_TRUE(open(m_sample.path));

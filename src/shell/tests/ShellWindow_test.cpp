@@ -20,7 +20,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-TEST_F(ShellOverSample, aRepositoryShowsItsReportsAndEnterOpensOne) {
+TEST_F(ShellOverSample, ARepositoryShowsItsReportsAndEnterOpensOne) {
     EXPECT_EQ("Tavix", title());
     ASSERT_TRUE(open(m_sample.path));
     EXPECT_EQ("sample.tavix - Tavix", title());
@@ -33,7 +33,7 @@ TEST_F(ShellOverSample, aRepositoryShowsItsReportsAndEnterOpensOne) {
     EXPECT_THAT(m_messages.texts, ElementsAre());
 }
 
-TEST_F(ShellOverSample, theViewMenuFollowsThePanes) {
+TEST_F(ShellOverSample, TheViewMenuFollowsThePanes) {
     const auto action = [this](const char* text) {
         for (QAction* each : m_window.findChildren<QAction*>()) {
             if (toUtf8(each->text()) == text)
@@ -64,7 +64,7 @@ TEST_F(ShellOverSample, theViewMenuFollowsThePanes) {
     EXPECT_TRUE(information->isChecked());
 }
 
-TEST_F(ShellOverSample, runsAreListedNewestFirstAndFollowTheKeys) {
+TEST_F(ShellOverSample, RunsAreListedNewestFirstAndFollowTheKeys) {
     ASSERT_TRUE(open(m_sample.path));
     ASSERT_TRUE(m_window.openReportNamed("Sales"));
     auto* runs = m_window.findChild<QComboBox*>();
@@ -78,7 +78,7 @@ TEST_F(ShellOverSample, runsAreListedNewestFirstAndFollowTheKeys) {
     EXPECT_THAT(title(), HasSubstr("January"));
 }
 
-TEST_F(ShellOverSample, whatCannotBeOpenedIsSaidAndNothingIsLost) {
+TEST_F(ShellOverSample, WhatCannotBeOpenedIsSaidAndNothingIsLost) {
     ASSERT_TRUE(open(m_sample.path));
     ASSERT_TRUE(m_window.openReportNamed("Sales"));
     const std::string before = title();
@@ -96,7 +96,7 @@ TEST_F(ShellOverSample, whatCannotBeOpenedIsSaidAndNothingIsLost) {
     EXPECT_THAT(ShellState(m_host.GetSettings()).recentRepositories(), ElementsAre(m_sample.path));
 }
 
-TEST_F(ShellOverSample, theFolderStandsWithTheNameOfTheReport) {
+TEST_F(ShellOverSample, TheFolderStandsWithTheNameOfTheReport) {
     tavix::testing::runScript(m_sample.path,
                               "INSERT INTO folder(id, parent, name) VALUES (1, NULL, 'Shop'), (2, 1, 'Europe');"
                               "UPDATE job SET folder = 2 WHERE name = 'Sales'");
@@ -108,7 +108,7 @@ TEST_F(ShellOverSample, theFolderStandsWithTheNameOfTheReport) {
 }
 
 // The setting "UseVault" names a folder; its repositories are offered beside those opened lately.
-TEST_F(ShellOverSample, theWelcomePageOffersTheRepositoriesOfTheVault) {
+TEST_F(ShellOverSample, TheWelcomePageOffersTheRepositoriesOfTheVault) {
     const QString vault = toQString(m_folder.file("vault"));
     ASSERT_TRUE(QDir().mkdir(vault));
     ASSERT_TRUE(QFile::copy(toQString(m_sample.path), vault + QStringLiteral("/shared.tavix")));
@@ -134,7 +134,7 @@ TEST_F(ShellOverSample, theWelcomePageOffersTheRepositoriesOfTheVault) {
     }
 }
 
-TEST_F(ShellOverSample, theRunsAreChosenFromAList) {
+TEST_F(ShellOverSample, TheRunsAreChosenFromAList) {
     ASSERT_TRUE(open(m_sample.path));
     EXPECT_FALSE(m_host.ExecuteUpdateUICommand(static_cast<int>(CommandId::ChooseRun)).Enabled);
     ASSERT_TRUE(m_window.openReportNamed("Sales"));
@@ -155,7 +155,7 @@ TEST_F(ShellOverSample, theRunsAreChosenFromAList) {
     EXPECT_EQ(m_sample.salesRuns[0], m_host.GetCurrentRun());
 }
 
-TEST_F(ShellOverSample, newLeadsBackToTheList) {
+TEST_F(ShellOverSample, NewLeadsBackToTheList) {
     ASSERT_TRUE(open(m_sample.path));
     ASSERT_TRUE(m_window.openReportNamed("Sales"));
     for (QAction* action : m_window.findChildren<QAction*>()) {
@@ -167,7 +167,7 @@ TEST_F(ShellOverSample, newLeadsBackToTheList) {
     EXPECT_EQ("sample.tavix - Tavix", title());
 }
 
-TEST_F(ShellOverSample, aClosedReportCanBeOpenedAgainAsItWas) {
+TEST_F(ShellOverSample, AClosedReportCanBeOpenedAgainAsItWas) {
     const auto action = [this](const QKeySequence& keys) {
         for (QAction* each : m_window.findChildren<QAction*>()) {
             if (each->shortcut() == keys)
@@ -201,7 +201,7 @@ TEST_F(ShellOverSample, aClosedReportCanBeOpenedAgainAsItWas) {
     EXPECT_FALSE(reopen->isEnabled());
 }
 
-TEST_F(ShellOverSample, commandsAreBackWhenADialogIsClosed) {
+TEST_F(ShellOverSample, CommandsAreBackWhenADialogIsClosed) {
     ASSERT_TRUE(open(m_sample.path));
     // What a dialog of an earlier test has posted.
     QCoreApplication::processEvents();
@@ -225,7 +225,7 @@ TEST_F(ShellOverSample, commandsAreBackWhenADialogIsClosed) {
     EXPECT_TRUE(options->isEnabled());
 }
 
-TEST(ShellState, recentRepositoriesAreEightTheLatestFirst) {
+TEST(ShellState, RecentRepositoriesAreEightTheLatestFirst) {
     const auto store = makeMemorySettings();
     ShellState state(*store);
     for (int i = 0; i < 10; ++i)

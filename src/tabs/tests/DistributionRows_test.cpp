@@ -60,7 +60,7 @@ std::string toText(const Distribution& distribution) {
     return text + fmt::format("other {} of {}", distribution.other, distribution.total);
 }
 
-TEST(Distribution, theTwoRulesForOtherDiffer) {
+TEST(Distribution, TheTwoRulesForOtherDiffer) {
     const std::vector<double> counts = {50, 30, 15, 5};
     const auto values = [&](std::int64_t limit, std::optional<std::int64_t> total) {
         Counts rows(counts);
@@ -83,7 +83,7 @@ TEST(Distribution, theTwoRulesForOtherDiffer) {
     EXPECT_EQ("v0=50 v1=30 v2=15 v3=5 other 0 of 100", patterns(4));
 }
 
-TEST(Distribution, theWalkStopsAtTheLimitUnlessAllRowsAreToBeSummed) {
+TEST(Distribution, TheWalkStopsAtTheLimitUnlessAllRowsAreToBeSummed) {
     const std::vector<double> many(5000, 1);
     Counts known(many);
     (void)readValueDistribution(known, 100, 5000);
@@ -95,7 +95,7 @@ TEST(Distribution, theWalkStopsAtTheLimitUnlessAllRowsAreToBeSummed) {
     EXPECT_EQ(4900, readPatternDistribution(patterns.withRank(), 100).other);
 }
 
-TEST(Distribution, damagedCountsDoNotOverflow) {
+TEST(Distribution, DamagedCountsDoNotOverflow) {
     Counts rows({1e300, 1e300, 7});
     const Distribution distribution = readPatternDistribution(rows.withRank(), 1);
     EXPECT_EQ(std::numeric_limits<std::int64_t>::max(), distribution.total);
@@ -103,7 +103,7 @@ TEST(Distribution, damagedCountsDoNotOverflow) {
     EXPECT_EQ("v0=-5 other 3 of -2", toText(readPatternDistribution(negative.withRank(), 1)));
 }
 
-TEST(Distribution, aFailureInTheMiddleIsPassedOn) {
+TEST(Distribution, AFailureInTheMiddleIsPassedOn) {
     Counts rows({5, 4, 3});
     rows.failsAt = 1;
     EXPECT_THROW((void)readValueDistribution(rows, 10, {}), GenException);
@@ -111,7 +111,7 @@ TEST(Distribution, aFailureInTheMiddleIsPassedOn) {
 
 using FreqDist = testing::SampleViewer;
 
-TEST_F(FreqDist, showsValuesWithTheirShareAndNullApartFromText) {
+TEST_F(FreqDist, ShowsValuesWithTheirShareAndNullApartFromText) {
     FreqDistRows rows;
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/name"), {}, 100));
     EXPECT_EQ("Value:150|>Count:150|>Percentage{of 1,000 records}:150", headingsOf(rows));
@@ -125,7 +125,7 @@ TEST_F(FreqDist, showsValuesWithTheirShareAndNullApartFromText) {
     EXPECT_EQ("", rows.GetEmptyText());
 }
 
-TEST_F(FreqDist, theRestIsOneRowAndAllPercentagesSumToOneHundred) {
+TEST_F(FreqDist, TheRestIsOneRowAndAllPercentagesSumToOneHundred) {
     FreqDistRows rows;
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/city"), {}, 100));
     ASSERT_EQ(101, rows.GetRowCount());
@@ -146,7 +146,7 @@ TEST_F(FreqDist, theRestIsOneRowAndAllPercentagesSumToOneHundred) {
     EXPECT_EQ(-1, rows.GetOtherRow());
 }
 
-TEST_F(FreqDist, otherStaysLastOnlyWhereValuesAreSorted) {
+TEST_F(FreqDist, OtherStaysLastOnlyWhereValuesAreSorted) {
     FreqDistRows rows;
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/name"), {}, 3));
     ASSERT_EQ("Other|>70|>7.00", lineOf(rows, 3));
@@ -171,7 +171,7 @@ TEST_F(FreqDist, otherStaysLastOnlyWhereValuesAreSorted) {
     EXPECT_FALSE(rows.Sort(-1, false));
 }
 
-TEST_F(FreqDist, aFilterLeavesSharesOfWhatPassesAndTellsWhatItCouldNotJudge) {
+TEST_F(FreqDist, AFilterLeavesSharesOfWhatPassesAndTellsWhatItCouldNotJudge) {
     FreqDistRows rows;
     const FieldRecord name = field("customers/name");
     ASSERT_TRUE(rows.Fill(*m_viewer, name, "`Count` > 300 or isnull(`Value`)", 2)) << rows.GetErrorText();
@@ -186,7 +186,7 @@ TEST_F(FreqDist, aFilterLeavesSharesOfWhatPassesAndTellsWhatItCouldNotJudge) {
     EXPECT_THAT(rows.GetErrorText(), ::testing::EndsWith("line 1, column 1: there is no field `Nix`"));
 }
 
-TEST_F(FreqDist, aFieldWithoutDataSaysSoInOneRow) {
+TEST_F(FreqDist, AFieldWithoutDataSaysSoInOneRow) {
     FreqDistRows rows;
     FieldRecord none = field("customers/name");
     none.freqCount = 0;
@@ -201,7 +201,7 @@ TEST_F(FreqDist, aFieldWithoutDataSaysSoInOneRow) {
     EXPECT_THAT(linesOf(rows), ElementsAre("(null value)~|>1000|>100.00[1.00]"));
 }
 
-TEST_F(FreqDist, aFailureLeavesTheRowsThatAreShown) {
+TEST_F(FreqDist, AFailureLeavesTheRowsThatAreShown) {
     FreqDistRows rows;
     const FieldRecord name = field("customers/name");
     ASSERT_TRUE(rows.Fill(*m_viewer, name, {}, 100));
@@ -221,7 +221,7 @@ TEST_F(FreqDist, aFailureLeavesTheRowsThatAreShown) {
 
 using PatternDist = testing::SampleViewer;
 
-TEST_F(PatternDist, showsPatternsWithTheirShortForm) {
+TEST_F(PatternDist, ShowsPatternsWithTheirShortForm) {
     PatternDistRows rows;
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/since").id, {}, 100));
     EXPECT_EQ("Pattern:150|Alternate:150|>Count:150|>Percentage{of 999 non-null values}:150", headingsOf(rows));
@@ -239,7 +239,7 @@ TEST_F(PatternDist, showsPatternsWithTheirShortForm) {
     EXPECT_EQ("", rows.GetColumn(3).mark) << "a list without percentages";
 }
 
-TEST_F(PatternDist, aFieldWithoutPatternsAndAFailure) {
+TEST_F(PatternDist, AFieldWithoutPatternsAndAFailure) {
     PatternDistRows rows;
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/city").id, {}, 100));
     const std::vector<std::string> before = linesOf(rows);

@@ -19,7 +19,7 @@ using ::testing::StartsWith;
 
 using FieldRows = testing::SampleViewer;
 
-TEST_F(FieldRows, columnProfilingShowsEveryMetricInTheUsersOrder) {
+TEST_F(FieldRows, ColumnProfilingShowsEveryMetricInTheUsersOrder) {
     std::vector<MetricDisplay> metrics;
     for (const MetricInfo& metric : metricCatalogue())
         metrics.push_back({std::string(metric.name), false, 1});
@@ -60,7 +60,7 @@ TEST_F(FieldRows, columnProfilingShowsEveryMetricInTheUsersOrder) {
     EXPECT_EQ(0, rows.GetRowCount());
 }
 
-TEST_F(FieldRows, percentilesShowIntervalsAndValuesAndTheirRule) {
+TEST_F(FieldRows, PercentilesShowIntervalsAndValuesAndTheirRule) {
     PercentileRows rows;
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/balance")));
     EXPECT_EQ("Interval:180|Value:180", headingsOf(rows));
@@ -87,7 +87,7 @@ TEST_F(FieldRows, percentilesShowIntervalsAndValuesAndTheirRule) {
     EXPECT_TRUE(rows.IsPlaceholder());
 }
 
-TEST_F(FieldRows, theNthLowestAndHighestValueShareARow) {
+TEST_F(FieldRows, TheNthLowestAndHighestValueShareARow) {
     OutlierRows rows;
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/balance").id));
     EXPECT_EQ("Minimum Values:180|Maximum Values:180", headingsOf(rows));
@@ -104,7 +104,7 @@ TEST_F(FieldRows, theNthLowestAndHighestValueShareARow) {
     EXPECT_EQ(std::nullopt, rows.GetValue(0, 0));
 }
 
-TEST_F(FieldRows, damagedOutliersAreLeftOut) {
+TEST_F(FieldRows, DamagedOutliersAreLeftOut) {
     const int balance = field("customers/balance").id;
     testing::runScript(m_sample.path,
                        fmt::format("UPDATE outlier SET value = NULL WHERE field = {0} AND side = 'L' AND position = 1;"
@@ -119,7 +119,7 @@ TEST_F(FieldRows, damagedOutliersAreLeftOut) {
     EXPECT_EQ(KvbString(), rows.GetValue(0, 1));
 }
 
-TEST_F(FieldRows, keyAnalysesTellWhereTheOtherFieldIs) {
+TEST_F(FieldRows, KeyAnalysesTellWhereTheOtherFieldIs) {
     PkFkRows rows;
     ASSERT_TRUE(rows.Fill(*m_viewer, m_sample.fields.at("suppliers/id")));
     EXPECT_EQ("Field Name:100|Table Name:100|Schema Name:100|Catalog Name:100|Data Source Name:115|"
@@ -144,7 +144,7 @@ TEST_F(FieldRows, keyAnalysesTellWhereTheOtherFieldIs) {
     EXPECT_EQ(KvbString("5001"), outliers->getColumnValue(layout::KeyOutlierValue));
 }
 
-TEST_F(FieldRows, aFailureLeavesTheRowsThatAreShown) {
+TEST_F(FieldRows, AFailureLeavesTheRowsThatAreShown) {
     const FieldRecord balance = field("customers/balance");
     PercentileRows percentiles;
     OutlierRows outliers;

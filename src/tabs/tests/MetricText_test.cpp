@@ -8,7 +8,7 @@
 namespace tavix {
 namespace {
 
-TEST(MetricText, longMeansLosePlacesUntilTheyAreShort) {
+TEST(MetricText, LongMeansLosePlacesUntilTheyAreShort) {
     constexpr int kMean = static_cast<int>(MetricId::Mean);
     EXPECT_EQ("12.346", metricText(kMean, "R", "12.3456789"));
     EXPECT_EQ("1.5", metricText(kMean, "R", "1.5"));
@@ -21,7 +21,7 @@ TEST(MetricText, longMeansLosePlacesUntilTheyAreShort) {
     EXPECT_EQ("0.0000", metricText(kMean, "R", "0.0000000123"));
 }
 
-TEST(MetricText, onlyMeanAndDeviationsOfNumbersAreRounded) {
+TEST(MetricText, OnlyMeanAndDeviationsOfNumbersAreRounded) {
     const std::string value = "12.3456789";
     for (int id = 0; id < static_cast<int>(kMetricCount); ++id) {
         const bool rounded = id == 10 || id == 13 || id == 14;
@@ -33,7 +33,7 @@ TEST(MetricText, onlyMeanAndDeviationsOfNumbersAreRounded) {
     EXPECT_EQ("12.34567x", metricText(10, "R", "12.34567x"));
 }
 
-TEST(MetricText, alignment) {
+TEST(MetricText, Alignment) {
     std::string left;
     for (int id = 0; id < static_cast<int>(kMetricCount); ++id) {
         if (metricAlignment(id) == CellAlignment::Left)

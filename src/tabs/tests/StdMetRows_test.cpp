@@ -1,5 +1,5 @@
 #include "base/Metrics.h"
-#include "doc/FieldRecords.h"
+#include "report/FieldRecords.h"
 #include "support/RunScript.h"
 #include "support/SampleViewer.h"
 #include "tabs/StdMetRows.h"
@@ -68,20 +68,20 @@ class StdMetRowsOfSample : public testing::SampleViewer {
     StdMetRows m_rows;
 };
 
-TEST_F(StdMetRowsOfSample, withoutShownMetricsThereAreFourColumns) {
+TEST_F(StdMetRowsOfSample, WithoutShownMetricsThereAreFourColumns) {
     ASSERT_TRUE(m_rows.Fill(*m_viewer, m_customers, metrics({}), {}));
     EXPECT_EQ("Field Name:130:-1:locked|Collections:130:-1|P:25:-1|R:25:-1", headings(m_rows));
     ASSERT_TRUE(m_rows.Fill(*m_viewer, m_keys, metrics({}), {}));
     EXPECT_EQ("Field Name:130:-1:locked|Source:130:-1|P:25:-1|R:25:-1", headings(m_rows));
 }
 
-TEST_F(StdMetRowsOfSample, shownMetricsAreColumnsInTheUsersOrder) {
+TEST_F(StdMetRowsOfSample, ShownMetricsAreColumnsInTheUsersOrder) {
     ASSERT_TRUE(m_rows.Fill(*m_viewer, m_customers, metrics({MetricId::Mean, MetricId::Count}), {}));
     EXPECT_EQ("Field Name:130:-1:locked|Collections:130:-1|Mean:130:10|Count:130:0|P:25:-1|R:25:-1", headings(m_rows));
 }
 
 // In a run over a sample the mark stands beside the name, and the column is the same one.
-TEST_F(StdMetRowsOfSample, metricsOfTheSampleAloneAreMarked) {
+TEST_F(StdMetRowsOfSample, MetricsOfTheSampleAloneAreMarked) {
     const auto shown = metrics({MetricId::UniqueCount, MetricId::Mean});
     ASSERT_TRUE(m_rows.Fill(*m_viewer, m_customers, shown, {}));
     const std::string unsampled = m_rows.GetColumn(2).identity();
@@ -94,7 +94,7 @@ TEST_F(StdMetRowsOfSample, metricsOfTheSampleAloneAreMarked) {
     EXPECT_NE(unsampled, m_rows.GetColumn(3).identity());
 }
 
-TEST_F(StdMetRowsOfSample, fieldsCarryTheirCollectionsPicturesAndUnknownMetrics) {
+TEST_F(StdMetRowsOfSample, FieldsCarryTheirCollectionsPicturesAndUnknownMetrics) {
     const int id = m_sample.fields.at("customers/id");
     const CollectionsByField collections = {{id, {"Customer keys", "Other"}}};
     ASSERT_TRUE(m_rows.Fill(*m_viewer, m_customers, metrics({MetricId::Mean}), collections));
@@ -115,14 +115,14 @@ TEST_F(StdMetRowsOfSample, fieldsCarryTheirCollectionsPicturesAndUnknownMetrics)
     EXPECT_THAT(line(m_rows, keyRow), StartsWith("id<1>||<3>|"));
 }
 
-TEST_F(StdMetRowsOfSample, aCollectionTellsWhereItsFieldsComeFrom) {
+TEST_F(StdMetRowsOfSample, ACollectionTellsWhereItsFieldsComeFrom) {
     ASSERT_TRUE(m_rows.Fill(*m_viewer, m_keys, metrics({}), {}));
     const std::int64_t row = m_rows.FindField(m_sample.fields.at("customers/id"));
     ASSERT_GE(row, 0);
     EXPECT_THAT(line(m_rows, row), StartsWith("id<1>|Warehouse.crm.public.customers|"));
 }
 
-TEST_F(StdMetRowsOfSample, sortingPutsNumbersBeforeUnknownInBothDirections) {
+TEST_F(StdMetRowsOfSample, SortingPutsNumbersBeforeUnknownInBothDirections) {
     ASSERT_TRUE(m_rows.Fill(*m_viewer, m_customers, metrics({MetricId::Mean}), {}));
     ASSERT_TRUE(m_rows.Sort(2, false));
     double last = -1e300;
@@ -144,14 +144,14 @@ TEST_F(StdMetRowsOfSample, sortingPutsNumbersBeforeUnknownInBothDirections) {
     EXPECT_FALSE(m_rows.Sort(99, false));
 }
 
-TEST_F(StdMetRowsOfSample, aRepositoryThatIsGoneIsAnErrorWithoutRows) {
+TEST_F(StdMetRowsOfSample, ARepositoryThatIsGoneIsAnErrorWithoutRows) {
     m_viewer->close();
     EXPECT_FALSE(m_rows.Fill(*m_viewer, m_customers, metrics({}), {}));
     EXPECT_FALSE(m_rows.GetErrorText().empty());
     EXPECT_EQ(0, m_rows.GetRowCount());
 }
 
-TEST_F(StdMetRowsOfSample, nothingSelectedIsNothing) {
+TEST_F(StdMetRowsOfSample, NothingSelectedIsNothing) {
     ASSERT_TRUE(m_rows.Fill(*m_viewer, {}, metrics({MetricId::Mean}), {}));
     EXPECT_EQ(0, m_rows.GetColumnCount());
     EXPECT_EQ(0, m_rows.GetRowCount());
@@ -191,7 +191,7 @@ class AlertMarks : public StdMetRowsOfSample {
     }
 };
 
-TEST_F(AlertMarks, markTheCellOfTheirFieldAndMetric) {
+TEST_F(AlertMarks, MarkTheCellOfTheirFieldAndMetric) {
     EXPECT_THAT(marked(m_customers), ElementsAre());
     alert("customers", "id", MetricId::Count);
     alert("customers", "name", MetricId::NullCount);
@@ -204,7 +204,7 @@ TEST_F(AlertMarks, markTheCellOfTheirFieldAndMetric) {
     EXPECT_THAT(marked(m_customers), ElementsAre("id:0", "name:2"));
 }
 
-TEST_F(AlertMarks, belongToTheTableOfTheSameIdentityOnly) {
+TEST_F(AlertMarks, BelongToTheTableOfTheSameIdentityOnly) {
     alert("customers", "id", MetricId::Count);
     ASSERT_THAT(marked(m_customers), ElementsAre("id:0"));
     const std::vector<std::function<void(TableIdentity&)>> nearMisses = {
@@ -223,7 +223,7 @@ TEST_F(AlertMarks, belongToTheTableOfTheSameIdentityOnly) {
         EXPECT_THAT(markedAs(m_customers, nearMisses[i]), ElementsAre()) << i;
 }
 
-TEST_F(AlertMarks, anEmptyCatalogOrSchemaMatchesOnlyAnEmptyOne) {
+TEST_F(AlertMarks, AnEmptyCatalogOrSchemaMatchesOnlyAnEmptyOne) {
     ReportSelection orders = m_customers;
     orders.table = {};
     orders.table.id = m_sample.tables.at("orders");
@@ -235,7 +235,7 @@ TEST_F(AlertMarks, anEmptyCatalogOrSchemaMatchesOnlyAnEmptyOne) {
     EXPECT_THAT(markedAs(orders, [](TableIdentity& table) { table.schema = "public"; }), ElementsAre());
 }
 
-TEST_F(AlertMarks, tellAQueryAndAFilterFromTheTableBelow) {
+TEST_F(AlertMarks, TellAQueryAndAFilterFromTheTableBelow) {
     alert("german customers", "id", MetricId::Count);
     EXPECT_THAT(marked(m_customers), ElementsAre());
     ReportSelection german = m_customers;
@@ -256,7 +256,7 @@ TEST_F(AlertMarks, tellAQueryAndAFilterFromTheTableBelow) {
     EXPECT_THAT(marked(big), ElementsAre("amount:2"));
 }
 
-TEST_F(AlertMarks, areNotDrawnForACollection) {
+TEST_F(AlertMarks, AreNotDrawnForACollection) {
     alert("customers", "id", MetricId::Count);
     ReportSelection keys = m_keys;
     keys.table = m_customers.table;

@@ -39,7 +39,7 @@ class TableRows : public testing::SampleViewer {
     TableIdentity m_customers;
 };
 
-TEST_F(TableRows, visualizationsOfATable) {
+TEST_F(TableRows, VisualizationsOfATable) {
     ChartRows rows;
     ASSERT_TRUE(rows.Fill(*m_viewer, m_customers.id));
     EXPECT_EQ("Name:180|Description:360", headingsOf(rows));
@@ -51,7 +51,7 @@ TEST_F(TableRows, visualizationsOfATable) {
     EXPECT_EQ("No visualization of this table is stored.", rows.GetEmptyText());
 }
 
-TEST_F(TableRows, alertsOfATableGoByItsNames) {
+TEST_F(TableRows, AlertsOfATableGoByItsNames) {
     alert("customers", "id", "SM", "Too few ids");
     alert("customers", "name", "cm", "Odd names");
     alert("customers", "name", "BR", "Broken rule");
@@ -75,7 +75,7 @@ TEST_F(TableRows, alertsOfATableGoByItsNames) {
 }
 
 // As dates: as texts "Sun Feb" would come before "Thu Jan".
-TEST_F(TableRows, historiesAreSortedByTheDateOfTheRun) {
+TEST_F(TableRows, HistoriesAreSortedByTheDateOfTheRun) {
     testing::addRules(m_sample);
     CustomMetricHistoryRows metrics(std::locale::classic());
     BusinessRuleHistoryRows rules(std::locale::classic());
@@ -96,7 +96,7 @@ TEST_F(TableRows, historiesAreSortedByTheDateOfTheRun) {
     EXPECT_EQ("12 11 10 ", columnOf(rules));
 }
 
-TEST_F(TableRows, theInputOfAnAlertIsTheNameBehindItsKey) {
+TEST_F(TableRows, TheInputOfAnAlertIsTheNameBehindItsKey) {
     alert("customers", "id", "SM", "1");
     alert("customers", "id", "CM", "2");
     alert("customers", "id", "BR", "3");
@@ -116,7 +116,7 @@ TEST_F(TableRows, theInputOfAnAlertIsTheNameBehindItsKey) {
     EXPECT_THAT(inputs(), ElementsAre("id", "id", "id", "id"));
 }
 
-TEST_F(TableRows, aFailureLeavesTheRowsThatAreShown) {
+TEST_F(TableRows, AFailureLeavesTheRowsThatAreShown) {
     alert("customers", "id", "SM", "Too few ids");
     ChartRows charts;
     TableAlertRows alerts;

@@ -30,7 +30,7 @@ ReportSubject fieldSubject(const char* typeCode, KvbString distinct, KvbString n
     return subject;
 }
 
-TEST(SubjectText, aTableSaysHowManyRecordsThereAreAndHowManyWereTaken) {
+TEST(SubjectText, ATableSaysHowManyRecordsThereAreAndHowManyWereTaken) {
     const struct {
         char kind;
         std::int64_t total;
@@ -56,7 +56,7 @@ TEST(SubjectText, aTableSaysHowManyRecordsThereAreAndHowManyWereTaken) {
     EXPECT_EQ("big orders", titleOf(query));
 }
 
-TEST(SubjectText, aFieldSaysWhereItComesFromAndWhatItsSharesAreOf) {
+TEST(SubjectText, AFieldSaysWhereItComesFromAndWhatItsSharesAreOf) {
     EXPECT_EQ("amount", titleOf(fieldSubject("R", "3", "0")));
     const struct {
         ReportSubject subject;
@@ -84,7 +84,7 @@ TEST(SubjectText, aFieldSaysWhereItComesFromAndWhatItsSharesAreOf) {
     EXPECT_EQ("integer  ·  3 distinct values", detailOf(foreign));
 }
 
-TEST(SubjectText, aCollectionHasItsNameAndNothingElse) {
+TEST(SubjectText, ACollectionHasItsNameAndNothingElse) {
     ReportSubject collection;
     collection.selection.kind = ReportSelection::Kind::Collection;
     collection.selection.id = 2;
@@ -96,7 +96,7 @@ TEST(SubjectText, aCollectionHasItsNameAndNothingElse) {
     EXPECT_EQ("balance", titleOf(collection));
 }
 
-TEST(TearOffPlacement, staysInsideTheRightAndTheUpperEdgeAndKeepsItsSize) {
+TEST(TearOffPlacement, StaysInsideTheRightAndTheUpperEdgeAndKeepsItsSize) {
     constexpr ScreenRect kDesktop = {0, 0, 1920, 1080};
     constexpr ScreenRect kSecondScreen = {-1280, -200, 3200, 1280};
     const struct {
@@ -118,7 +118,7 @@ TEST(TearOffPlacement, staysInsideTheRightAndTheUpperEdgeAndKeepsItsSize) {
         EXPECT_EQ(each.placed, placeTearOff(each.view, each.desktop)) << each.view.x << ", " << each.view.y;
 }
 
-TEST(StoredColumnWidths, areKeptByGridAndColumn) {
+TEST(StoredColumnWidths, AreKeptByGridAndColumn) {
     const auto store = makeMemorySettings();
     StoredColumnWidths widths(*store, "outliers");
     StoredColumnWidths others(*store, "outliers1");
@@ -137,7 +137,7 @@ TEST(StoredColumnWidths, areKeptByGridAndColumn) {
 }
 
 // Two headings that differ in signs alone, or that have none but signs, are two columns all the same.
-TEST(StoredColumnWidths, headingsOfSignsOrOfOtherScriptsAreToldApart) {
+TEST(StoredColumnWidths, HeadingsOfSignsOrOfOtherScriptsAreToldApart) {
     const auto store = makeMemorySettings();
     StoredColumnWidths widths(*store, "grid");
     const char* headings[] = {"Percent", "% Percent", "%", "P", "#", "[x]=1", "x 1", "Größe", "Gre", "数", "値", ""};
@@ -149,7 +149,7 @@ TEST(StoredColumnWidths, headingsOfSignsOrOfOtherScriptsAreToldApart) {
         EXPECT_EQ(width++, widths.Read(heading)) << heading;
 }
 
-TEST(StoredColumnWidths, whatSomebodyWroteIntoTheFileIsNoWidthUnlessItCanBeOne) {
+TEST(StoredColumnWidths, WhatSomebodyWroteIntoTheFileIsNoWidthUnlessItCanBeOne) {
     const auto store = makeMemorySettings();
     StoredColumnWidths widths(*store, "grid");
     widths.Keep("Count", 100);

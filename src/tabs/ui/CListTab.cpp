@@ -3,8 +3,8 @@
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
 #include "doc/CTavixDoc.h"
-#include "doc/Settings.h"
 #include "grid/ui/CUGCtrl.h"
+#include "settings/Settings.h"
 
 #include <QLabel>
 #include <QSplitter>

@@ -5,12 +5,12 @@
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
 #include "doc/CTavixDoc.h"
-#include "doc/CountText.h"
-#include "doc/Settings.h"
 #include "grid/ui/CUGCtrl.h"
 #include "grid/ui/Tints.h"
-#include "tabs/ui/CNoteCategoriesDlg.h"
-#include "tabs/ui/CNoteDlg.h"
+#include "notes/ui/CNoteCategoriesDlg.h"
+#include "notes/ui/CNoteDlg.h"
+#include "report/CountText.h"
+#include "settings/Settings.h"
 
 #include <QAction>
 #include <QEvent>

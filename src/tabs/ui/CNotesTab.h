@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tabs/NoteEditor.h"
-#include "tabs/NoteRows.h"
+#include "notes/NoteEditor.h"
+#include "notes/NoteRows.h"
 #include "tabs/ui/CProfTab.h"
 
 class QAction;

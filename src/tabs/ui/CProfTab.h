@@ -3,7 +3,7 @@
 #include "doc/CRefreshItem.h"
 #include "doc/CViewSite.h"
 #include "doc/CommandTarget.h"
-#include "tabs/ReportSubject.h"
+#include "report/ReportSubject.h"
 
 #include <QWidget>
 

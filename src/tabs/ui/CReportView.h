@@ -2,9 +2,9 @@
 
 #include "doc/CReportPane.h"
 #include "doc/CViewSite.h"
-#include "doc/FieldRecords.h"
 #include "doc/ItemCode.h"
-#include "tabs/ReportSubject.h"
+#include "report/FieldRecords.h"
+#include "report/ReportSubject.h"
 
 #include <QWidget>
 

@@ -1,8 +1,8 @@
 #include "tabs/ui/CTabBusRule.h"
 
 #include "base/LibraryDate.h"
-#include "doc/CountText.h"
 #include "grid/ui/CUGCtrl.h"
+#include "report/CountText.h"
 #include "tabs/ui/LowerLists.h"
 
 #include <QAction>

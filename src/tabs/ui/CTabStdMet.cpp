@@ -6,8 +6,8 @@
 #include "base/ui/Theme.h"
 #include "doc/CTavixDoc.h"
 #include "doc/CollectionMembers.h"
-#include "doc/Settings.h"
 #include "grid/ui/CUGCtrl.h"
+#include "settings/Settings.h"
 
 #include <QLabel>
 #include <QStackedWidget>

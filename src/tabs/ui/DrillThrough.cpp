@@ -3,9 +3,9 @@
 #include "base/Characters.h"
 #include "base/GenException.h"
 #include "doc/CTavixDoc.h"
-#include "doc/CountText.h"
 #include "drill/ui/CLocateFileDlg.h"
 #include "drill/ui/ReadingProgress.h"
+#include "report/CountText.h"
 #include "tabs/ListRows.h"
 
 #include <QAction>

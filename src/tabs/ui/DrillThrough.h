@@ -4,7 +4,7 @@
 #include "base/KvbString.h"
 #include "doc/CViewSite.h"
 #include "drill/ui/CDrillThru.h"
-#include "tabs/ReportSubject.h"
+#include "report/ReportSubject.h"
 #include "tabs/RuleRows.h"
 
 #include <functional>

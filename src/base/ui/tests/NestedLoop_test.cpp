@@ -9,7 +9,7 @@
 namespace tavix {
 namespace {
 
-TEST(NestedLoops, tellOfDialogsOnceTheyAreOpenAndOnceTheyAreLeft) {
+TEST(NestedLoops, TellOfDialogsOnceTheyAreOpenAndOnceTheyAreLeft) {
     NestedLoops& loops = NestedLoops::instance();
     QCoreApplication::processEvents(); // what other tests have left
     QSignalSpy told(&loops, &NestedLoops::dialogsChanged);
@@ -40,7 +40,7 @@ TEST(NestedLoops, tellOfDialogsOnceTheyAreOpenAndOnceTheyAreLeft) {
     EXPECT_FALSE(told.at(1).at(0).toBool());
 }
 
-TEST(NestedLoops, whatIsKeptIsDoneWhenTheLastIsOver) {
+TEST(NestedLoops, WhatIsKeptIsDoneWhenTheLastIsOver) {
     NestedLoops& loops = NestedLoops::instance();
     int done = 0;
     {
@@ -61,7 +61,7 @@ TEST(NestedLoops, whatIsKeptIsDoneWhenTheLastIsOver) {
     EXPECT_EQ(2, done);
 }
 
-TEST(ModalDialogs, countAsCancelledWhenTheyGoWithTheirParent) {
+TEST(ModalDialogs, CountAsCancelledWhenTheyGoWithTheirParent) {
     auto* parent = new QWidget;
     ModalDialog<QDialog> dialog(parent);
     QTimer::singleShot(0, parent, [parent] { delete parent; });

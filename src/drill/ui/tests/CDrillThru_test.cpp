@@ -65,7 +65,7 @@ class DrillThru : public ::testing::Test {
     QWidget m_frame;
 };
 
-TEST_F(DrillThru, showsRowsSortedAndGivesTheCursorBack) {
+TEST_F(DrillThru, ShowsRowsSortedAndGivesTheCursorBack) {
     m_frame.setGeometry(100, 30, 600, 540); // the screen has 800 by 600
     m_frame.show();
     FakeSource source = sampleSource({"b", "a"});
@@ -86,7 +86,7 @@ TEST_F(DrillThru, showsRowsSortedAndGivesTheCursorBack) {
     EXPECT_GT(testing::namedControls(const_cast<CDrillThru&>(window)), 5);
 }
 
-TEST_F(DrillThru, withoutRowsThereIsNothingToExportOrPrint) {
+TEST_F(DrillThru, WithoutRowsThereIsNothingToExportOrPrint) {
     FakeSource source = sampleSource({});
     const CDrillThru& window = *open(openProfile(source), DrillOrigin::Frequency, 3);
     EXPECT_FALSE(button(window, "export").isEnabled() || button(window, "print").isEnabled());
@@ -97,7 +97,7 @@ TEST_F(DrillThru, withoutRowsThereIsNothingToExportOrPrint) {
     EXPECT_EQ(source.released, 1);
 }
 
-TEST_F(DrillThru, severalAreOpenAtOnceEachWithItsRows) {
+TEST_F(DrillThru, SeveralAreOpenAtOnceEachWithItsRows) {
     ASSERT_TRUE(m_settings->write("TAVIX", "MaxDrillThruRows", "2").ok());
     FakeSource first = sampleSource({"a", "b", "c"});
     FakeSource second{{"Row", "Rule Id", "Position", "id"}, {}, {{"9", "1", "0", "x"}}};
@@ -116,7 +116,7 @@ TEST_F(DrillThru, severalAreOpenAtOnceEachWithItsRows) {
     EXPECT_FALSE(one);
 }
 
-TEST_F(DrillThru, aFailureIsSaidAndWhatWasReadStays) {
+TEST_F(DrillThru, AFailureIsSaidAndWhatWasReadStays) {
     FakeSource source = sampleSource({"a", "b", "c"});
     source.failsAt = 2;
     m_messages.expectWarn("Drill through information is unavailable for this item.", "Error");
@@ -126,7 +126,7 @@ TEST_F(DrillThru, aFailureIsSaidAndWhatWasReadStays) {
     EXPECT_EQ(status(window), "Incomplete: the first 2 rows. The source is gone.");
 }
 
-TEST_F(DrillThru, headingsSortAndToggle) {
+TEST_F(DrillThru, HeadingsSortAndToggle) {
     FakeSource source = sampleSource({"b", "a", "C"});
     const CDrillThru& window = *open(openDrill(source));
     QHeaderView& header = *grid(window).horizontalHeader();
@@ -143,7 +143,7 @@ TEST_F(DrillThru, headingsSortAndToggle) {
     EXPECT_THAT(column(window, 0), ElementsAre("0", "1", "2"));
 }
 
-TEST_F(DrillThru, typingFindsCellsOfAllColumns) {
+TEST_F(DrillThru, TypingFindsCellsOfAllColumns) {
     FakeSource source = sampleSource({"alpha", "beta", "Alphabet"});
     CDrillThru& window = *open(openDrill(source));
     QApplication::setActiveWindow(&window);
@@ -172,7 +172,7 @@ TEST_F(DrillThru, typingFindsCellsOfAllColumns) {
     EXPECT_FALSE(notFound.isVisible());
 }
 
-TEST_F(DrillThru, exportsCopiesAndPrints) {
+TEST_F(DrillThru, ExportsCopiesAndPrints) {
     FakeSource source = sampleSource({"a, b"});
     CDrillThru& window = *open(openDrill(source));
     window.AskPath = [] { return QString(); };
@@ -223,7 +223,7 @@ TEST_F(DrillThru, exportsCopiesAndPrints) {
     button(window, "print").click();
 }
 
-TEST_F(DrillThru, itsDialogsAreKnownToTheShellAndItIsAWindowOfItsOwner) {
+TEST_F(DrillThru, ItsDialogsAreKnownToTheShellAndItIsAWindowOfItsOwner) {
     FakeSource source = sampleSource({"a"});
     CDrillThru& window = *open(openDrill(source));
     for (const char* name : {"export", "print"}) {
@@ -242,7 +242,7 @@ TEST_F(DrillThru, itsDialogsAreKnownToTheShellAndItIsAWindowOfItsOwner) {
     EXPECT_TRUE(window.windowFlags().testFlag(Qt::WindowMaximizeButtonHint));
 }
 
-TEST_F(DrillThru, aLongReadingCanBeCancelled) {
+TEST_F(DrillThru, ALongReadingCanBeCancelled) {
     ReadingProgress progress(ReadingKind::Source, &m_frame);
     EXPECT_TRUE(progress.progress("Reading", 1, 100));
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << "shown before it is worth while";

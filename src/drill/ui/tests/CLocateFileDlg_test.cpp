@@ -13,7 +13,7 @@ QPushButton* button(const CLocateFileDlg& dialog, const char* name) {
     return dialog.findChild<QPushButton*>(QLatin1String(name));
 }
 
-TEST(CLocateFileDlg, givesThePlaceThatTheUserChooses) {
+TEST(CLocateFileDlg, GivesThePlaceThatTheUserChooses) {
     CLocateFileDlg dialog({"/data/orders.csv", ""});
     EXPECT_EQ(button(dialog, "use"), nullptr) << "there is nothing to suggest";
     EXPECT_TRUE(dialog.findChild<QLabel*>(QStringLiteral("file"))->text().contains(QLatin1String("orders.csv")));
@@ -28,7 +28,7 @@ TEST(CLocateFileDlg, givesThePlaceThatTheUserChooses) {
     EXPECT_EQ(dialog.GetPlace(), "/new/b\u00E4r.csv");
 }
 
-TEST(CLocateFileDlg, offersTheFileBesideTheRepository) {
+TEST(CLocateFileDlg, OffersTheFileBesideTheRepository) {
     CLocateFileDlg dialog({"/data/orders.csv", "/repository/orders.csv"});
     ASSERT_NE(button(dialog, "use"), nullptr);
     EXPECT_TRUE(button(dialog, "use")->isDefault());

@@ -31,7 +31,7 @@ std::string filterOf(const ConditionList& list, FilterAction action = FilterActi
     return WriteConditionBlock(list) + BuildExpression(list, action);
 }
 
-TEST_F(FilterDialog, hasTheWordsAndTheStateOfABeginning) {
+TEST_F(FilterDialog, HasTheWordsAndTheStateOfABeginning) {
     open({}, DistributionKind::Pattern);
     EXPECT_EQ("Report Filter", toUtf8(dialog->windowTitle()));
     const struct {
@@ -79,7 +79,7 @@ TEST_F(FilterDialog, hasTheWordsAndTheStateOfABeginning) {
     EXPECT_EQ("", dialog->GetFilterText());
 }
 
-TEST_F(FilterDialog, offersTheButtonsThatTheLastEntryAllows) {
+TEST_F(FilterDialog, OffersTheButtonsThatTheLastEntryAllows) {
     open();
     // On a beginning, after "(", a comparison, a connector and ")", with and without a parenthesis that is open.
     const std::string operand = "addCondition leftParenthesis ";
@@ -110,7 +110,7 @@ TEST_F(FilterDialog, offersTheButtonsThatTheLastEntryAllows) {
     EXPECT_EQ("", text());
 }
 
-TEST_F(FilterDialog, enablesWhatFieldOperationAndModeAllow) {
+TEST_F(FilterDialog, EnablesWhatFieldOperationAndModeAllow) {
     open();
     const std::string always = "field operation ";
     EXPECT_EQ(always + "single multiple value caseInsensitive wildcard ", enabled(kComparing));
@@ -138,7 +138,7 @@ TEST_F(FilterDialog, enablesWhatFieldOperationAndModeAllow) {
     EXPECT_EQ(-1, child<QComboBox>(*dialog, "operation").currentIndex());
 }
 
-TEST_F(FilterDialog, saysWhatIsMissingAndGoesThere) {
+TEST_F(FilterDialog, SaysWhatIsMissingAndGoesThere) {
     open();
     messages.expectWarn("Please select a field type", "Missing Value");
     click("addCondition");
@@ -166,7 +166,7 @@ TEST_F(FilterDialog, saysWhatIsMissingAndGoesThere) {
     EXPECT_TRUE(text().starts_with("if not inlist(`Value`,'a','O\\'Brien','b\u00A0c') then\n")) << text();
 }
 
-TEST_F(FilterDialog, takesAConditionAndClosesByKeyboardAlone) {
+TEST_F(FilterDialog, TakesAConditionAndClosesByKeyboardAlone) {
     open();
     auto& field = child<QComboBox>(*dialog, "field");
     QTest::keyClick(&field, Qt::Key_Down);
@@ -192,7 +192,7 @@ TEST_F(FilterDialog, takesAConditionAndClosesByKeyboardAlone) {
 }
 
 // A condition that was filled in and never added is not dropped without a word.
-TEST_F(FilterDialog, asksAboutAConditionThatWasNotAdded) {
+TEST_F(FilterDialog, AsksAboutAConditionThatWasNotAdded) {
     const std::string question =
         "The condition that is filled in has not been added to the filter:\n\nValue equal to \"Bern\"\n\n"
         "Add it now?";
@@ -251,7 +251,7 @@ TEST_F(FilterDialog, asksAboutAConditionThatWasNotAdded) {
     EXPECT_EQ(filterOf({onValue(FilterOperation::IsNull)}), dialog->GetFilterText());
 }
 
-TEST_F(FilterDialog, returnInItsBoxesAddsTheCondition) {
+TEST_F(FilterDialog, ReturnInItsBoxesAddsTheCondition) {
     for (const char* at : {"value", "operation", "caseInsensitive", "field"}) {
         open();
         choose("field", "Frequency value");
@@ -268,7 +268,7 @@ TEST_F(FilterDialog, returnInItsBoxesAddsTheCondition) {
     }
 }
 
-TEST_F(FilterDialog, refusesAListThatIsNoExpression) {
+TEST_F(FilterDialog, RefusesAListThatIsNoExpression) {
     open();
     click("leftParenthesis");
     add("equal to", "a");
@@ -290,7 +290,7 @@ TEST_F(FilterDialog, refusesAListThatIsNoExpression) {
     EXPECT_FALSE(dialog->isVisible());
 }
 
-TEST_F(FilterDialog, savesAndLoadsFiles) {
+TEST_F(FilterDialog, SavesAndLoadsFiles) {
     const TempFolder folder;
     const auto answer = [](const QString& path) {
         return [path](QWidget& over) {
@@ -330,7 +330,7 @@ TEST_F(FilterDialog, savesAndLoadsFiles) {
     EXPECT_EQ("`Count` > 10", text());
 }
 
-TEST_F(FilterDialog, hasTheFiltersThatWereUsedAndNamed) {
+TEST_F(FilterDialog, HasTheFiltersThatWereUsedAndNamed) {
     FilterMemory memory(*settings);
     const std::string nulls = filterOf({onValue(FilterOperation::IsNull)});
     ASSERT_TRUE(memory.Remember(DistributionKind::Frequency, nulls).ok());
@@ -378,7 +378,7 @@ TEST_F(FilterDialog, hasTheFiltersThatWereUsedAndNamed) {
     EXPECT_TRUE(memory.Named(DistributionKind::Frequency).empty());
 }
 
-TEST_F(FilterDialog, namesEveryControlForScreenReaders) {
+TEST_F(FilterDialog, NamesEveryControlForScreenReaders) {
     open();
     int controls = 0;
     for (QWidget* widget : dialog->findChildren<QWidget*>()) {
@@ -392,7 +392,7 @@ TEST_F(FilterDialog, namesEveryControlForScreenReaders) {
     EXPECT_GT(controls, 25);
 }
 
-TEST_F(FilterDialog, isLegibleInTheDark) {
+TEST_F(FilterDialog, IsLegibleInTheDark) {
     const QPalette before = QApplication::palette();
     QApplication::setPalette(darkPalette());
     open(filterOf({onValue(FilterOperation::EqualTo, {"a", "b"}), kAnd, kOpen, onValue(FilterOperation::IsNotNull), kOr,

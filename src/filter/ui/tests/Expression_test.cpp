@@ -33,7 +33,7 @@ class EditMode : public OverFilterDlg {
     QAbstractItemView& completions() { return *box().findChild<QCompleter*>()->popup(); }
 };
 
-TEST_F(EditMode, disablesWhatBuildsConditionsAndAsksBeforeEditsAreLost) {
+TEST_F(EditMode, DisablesWhatBuildsConditionsAndAsksBeforeEditsAreLost) {
     open();
     add("equal to", "a");
     click("editMode");
@@ -64,7 +64,7 @@ TEST_F(EditMode, disablesWhatBuildsConditionsAndAsksBeforeEditsAreLost) {
     EXPECT_EQ("if `Value` == 'a' then\n   return true\nelse\n   return false\n", text());
 }
 
-TEST_F(EditMode, givesTheTextAsItWasWritten) {
+TEST_F(EditMode, GivesTheTextAsItWasWritten) {
     // An unbroken blank, a mark of a line and a character of two units stay what they are.
     open("`Value` == '\u00A0\u2028\U0001F600'\r\nand\r\n`Count` > 1");
     EXPECT_TRUE(button("editMode").isChecked());
@@ -79,7 +79,7 @@ TEST_F(EditMode, givesTheTextAsItWasWritten) {
     EXPECT_EQ("", dialog->GetFilterText());
 }
 
-TEST_F(EditMode, tellsWhatIsWrongAndGoesThere) {
+TEST_F(EditMode, TellsWhatIsWrongAndGoesThere) {
     open("`Count` > 1");
     auto& line = child<QLabel>(*dialog, "error");
     EXPECT_EQ("No errors.", toUtf8(line.text()));
@@ -113,7 +113,7 @@ TEST_F(EditMode, tellsWhatIsWrongAndGoesThere) {
     EXPECT_TRUE(box().extraSelections().isEmpty());
 }
 
-TEST_F(EditMode, offersNamesOfFunctionsWhereOneIsMeant) {
+TEST_F(EditMode, OffersNamesOfFunctionsWhereOneIsMeant) {
     open("x");
     write("not Lo");
     ASSERT_TRUE(completions().isVisible());
@@ -140,7 +140,7 @@ TEST_F(EditMode, offersNamesOfFunctionsWhereOneIsMeant) {
     completions().hide();
 }
 
-TEST_F(EditMode, pastesFunctionsFieldsAndWhatIsOnTheClipboard) {
+TEST_F(EditMode, PastesFunctionsFieldsAndWhatIsOnTheClipboard) {
     open("x");
     box().clear();
     inNextDialog([](QWidget& over) {
@@ -183,7 +183,7 @@ TEST_F(EditMode, pastesFunctionsFieldsAndWhatIsOnTheClipboard) {
     click("functions");
 }
 
-TEST_F(EditMode, isLegibleInTheDark) {
+TEST_F(EditMode, IsLegibleInTheDark) {
     const QPalette before = QApplication::palette();
     QApplication::setPalette(darkPalette());
     open("if left(`Value`, 3) => 'abc' then\r\n   return true\r\nelse\r\n   return false\r\n");

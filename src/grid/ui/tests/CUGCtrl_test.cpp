@@ -77,7 +77,7 @@ void clickHeading(CUGCtrl& grid, int column) {
     QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, at);
 }
 
-TEST(CUGCtrl, headingClickSortsTogglesAndKeepsTheSelectedRow) {
+TEST(CUGCtrl, HeadingClickSortsTogglesAndKeepsTheSelectedRow) {
     Rows rows(5);
     CUGCtrl grid;
     grid.SetSource(&rows);
@@ -100,7 +100,7 @@ TEST(CUGCtrl, headingClickSortsTogglesAndKeepsTheSelectedRow) {
     EXPECT_EQ(1, grid.horizontalHeader()->sortIndicatorSection());
 }
 
-TEST(CUGCtrl, keysCopyTheSelectedRows) {
+TEST(CUGCtrl, KeysCopyTheSelectedRows) {
     Rows rows(4);
     CUGCtrl grid;
     grid.SetSource(&rows);
@@ -113,7 +113,7 @@ TEST(CUGCtrl, keysCopyTheSelectedRows) {
     EXPECT_EQ("H0\tH1\tH2\r\nrow1\t7\t7\r\nrow2\t4\t4\r\n", toUtf8(QApplication::clipboard()->text()));
 }
 
-TEST(CUGCtrl, typingFindsByTheFirstColumn) {
+TEST(CUGCtrl, TypingFindsByTheFirstColumn) {
     Rows rows(30);
     CUGCtrl grid;
     grid.SetSource(&rows);
@@ -126,7 +126,7 @@ TEST(CUGCtrl, typingFindsByTheFirstColumn) {
     EXPECT_EQ(17, activated);
 }
 
-TEST(CUGCtrl, fetchesOnlyWhatItPaints) {
+TEST(CUGCtrl, FetchesOnlyWhatItPaints) {
     Rows rows(1'000'000);
     CUGCtrl grid;
     grid.SetSource(&rows);
@@ -137,7 +137,7 @@ TEST(CUGCtrl, fetchesOnlyWhatItPaints) {
     EXPECT_GT(rows.asked.size(), 3U);
 }
 
-TEST(CUGCtrl, lockedColumnStaysInViewWhenScrolledSideways) {
+TEST(CUGCtrl, LockedColumnStaysInViewWhenScrolledSideways) {
     Rows rows(5, 12);
     CUGCtrl grid;
     grid.SetSource(&rows);
@@ -161,7 +161,7 @@ TEST(CUGCtrl, lockedColumnStaysInViewWhenScrolledSideways) {
     }
 }
 
-TEST(CUGCtrl, rowsReadAnewStayInTheOrderThatTheUserChose) {
+TEST(CUGCtrl, RowsReadAnewStayInTheOrderThatTheUserChose) {
     Rows rows(12);
     CUGCtrl grid;
     grid.SetSource(&rows);
@@ -200,7 +200,7 @@ class Memory final : public ColumnWidthMemory {
     std::map<std::string, int>& m_kept;
 };
 
-TEST(CUGCtrl, widthsAreTheSourcesUntilTheUserDragsThemAndThenRemembered) {
+TEST(CUGCtrl, WidthsAreTheSourcesUntilTheUserDragsThemAndThenRemembered) {
     std::map<std::string, int> kept;
     Rows rows(2);
     {
@@ -242,7 +242,7 @@ class Remarked : public Rows {
     bool m_isRemarked;
 };
 
-TEST(CUGCtrl, orderAndWidthBelongToTheColumnNotToItsHeading) {
+TEST(CUGCtrl, OrderAndWidthBelongToTheColumnNotToItsHeading) {
     std::map<std::string, int> kept;
     Remarked rows(false);
     CUGCtrl grid;
@@ -279,7 +279,7 @@ class WithRest : public Rows {
     }
 };
 
-TEST(CUGCtrl, aColumnTakesTheRoomThatIsLeftUntilItIsDragged) {
+TEST(CUGCtrl, AColumnTakesTheRoomThatIsLeftUntilItIsDragged) {
     std::map<std::string, int> kept;
     WithRest rows;
     {
@@ -323,7 +323,7 @@ QImage picture(CUGCtrl& grid, int row) {
     return grid.viewport()->grab(grid.visualRect(grid.model()->index(row, 0))).toImage();
 }
 
-TEST(CUGCtrl, aBarTakesItsShareOfTheCell) {
+TEST(CUGCtrl, ABarTakesItsShareOfTheCell) {
     for (const QPalette& palette : {lightPalette(), darkPalette()}) {
         Drawn rows;
         CUGCtrl grid;
@@ -349,7 +349,7 @@ TEST(CUGCtrl, aBarTakesItsShareOfTheCell) {
     }
 }
 
-TEST(CUGCtrl, invisibleCharactersAreSeenOnDemandAndCopiedAsTheyAre) {
+TEST(CUGCtrl, InvisibleCharactersAreSeenOnDemandAndCopiedAsTheyAre) {
     Drawn rows;
     CUGCtrl grid;
     grid.SetSource(&rows);
@@ -369,7 +369,7 @@ TEST(CUGCtrl, invisibleCharactersAreSeenOnDemandAndCopiedAsTheyAre) {
     EXPECT_EQ(text, picture(grid, 1));
 }
 
-TEST(CUGCtrl, oneRowIsNotSortedAndAnotherColumnStartsAscending) {
+TEST(CUGCtrl, OneRowIsNotSortedAndAnotherColumnStartsAscending) {
     Rows one(1);
     CUGCtrl grid;
     grid.SetSource(&one);

@@ -23,7 +23,7 @@ QImage drawn(CellIcon icon, const QPalette& palette, bool onSelection, qreal sca
 }
 
 // Pictures are kept between two paintings; what they look like must depend on everything that they are made of.
-TEST(Icons, keptPicturesAreThoseThatWouldBeDrawn) {
+TEST(Icons, KeptPicturesAreThoseThatWouldBeDrawn) {
     QPalette light;
     light.setColor(QPalette::Base, Qt::white);
     light.setColor(QPalette::Highlight, QColor(0x20, 0x60, 0xc0));

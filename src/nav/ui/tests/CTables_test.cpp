@@ -65,7 +65,7 @@ class NavigatorOverSample : public ::testing::Test {
     CTables m_navigator{m_site};
 };
 
-TEST_F(NavigatorOverSample, pageTitlesAreWholeWhereThereIsRoomAndToldInAnyCase) {
+TEST_F(NavigatorOverSample, PageTitlesAreWholeWhereThereIsRoomAndToldInAnyCase) {
     auto* tabs = m_navigator.findChild<NavigatorTabs*>();
     ASSERT_EQ(3, tabs->count());
     EXPECT_EQ("Tables", toUtf8(tabs->tabText(0)));
@@ -79,7 +79,7 @@ TEST_F(NavigatorOverSample, pageTitlesAreWholeWhereThereIsRoomAndToldInAnyCase) 
     EXPECT_GE(tabs->tabRect(0).width(), tabs->fontMetrics().horizontalAdvance(QStringLiteral("Tables")));
 }
 
-TEST_F(NavigatorOverSample, aBranchThatCannotBeReadCanBeOpenedAgain) {
+TEST_F(NavigatorOverSample, ABranchThatCannotBeReadCanBeOpenedAgain) {
     ASSERT_TRUE(m_navigator.SelectTable("Warehouse", "crm", "public", "customers", 0));
     const QPersistentModelIndex table = tree().currentIndex();
     testing::runScript(m_sample.path, "ALTER TABLE run_field RENAME TO renamed");
@@ -96,7 +96,7 @@ TEST_F(NavigatorOverSample, aBranchThatCannotBeReadCanBeOpenedAgain) {
     EXPECT_GT(tree().model()->rowCount(table), 3);
 }
 
-TEST_F(NavigatorOverSample, aPageThatCannotBeReadIsReadWhenItIsShownAgain) {
+TEST_F(NavigatorOverSample, APageThatCannotBeReadIsReadWhenItIsShownAgain) {
     testing::runScript(m_sample.path, "ALTER TABLE collection RENAME TO renamed");
     (void)m_site.document.GetViewer()->getGlobalCollections();
     m_messages.expectWarn("The contents of the report cannot be read:\n\n" +
@@ -108,7 +108,7 @@ TEST_F(NavigatorOverSample, aPageThatCannotBeReadIsReadWhenItIsShownAgain) {
     EXPECT_EQ(2, tree(1).model()->rowCount());
 }
 
-TEST_F(NavigatorOverSample, theSelectedFieldGoesIntoACollectionAndThePageShowsIt) {
+TEST_F(NavigatorOverSample, TheSelectedFieldGoesIntoACollectionAndThePageShowsIt) {
     const int amounts = m_sample.collections.at("Amounts");
     EXPECT_EQ(0, m_navigator.AddSelectedFieldToCollection(amounts));
     ASSERT_TRUE(m_navigator.SelectTable("Warehouse", "crm", "public", "customers", 0));
@@ -126,7 +126,7 @@ TEST_F(NavigatorOverSample, theSelectedFieldGoesIntoACollectionAndThePageShowsIt
     EXPECT_EQ(3, fieldsOfFirstCollection());
 }
 
-TEST_F(NavigatorOverSample, theMenuOfAFieldListsTheCollections) {
+TEST_F(NavigatorOverSample, TheMenuOfAFieldListsTheCollections) {
     selectFieldOfCustomers(1);
     QMenu& menu = tree().GetCollectionMenu();
     Q_EMIT menu.aboutToShow();
@@ -138,7 +138,7 @@ TEST_F(NavigatorOverSample, theMenuOfAFieldListsTheCollections) {
     EXPECT_THAT(membership(), ElementsAre("Customer keys"));
 }
 
-TEST_F(NavigatorOverSample, typingFindsLoadedNamesOpenedOrNotAndCopyTakesTheName) {
+TEST_F(NavigatorOverSample, TypingFindsLoadedNamesOpenedOrNotAndCopyTakesTheName) {
     selectFieldOfCustomers(1);
     tree().collapseAll();
     tree().setCurrentIndex(tree().model()->index(0, 0));
@@ -153,7 +153,7 @@ TEST_F(NavigatorOverSample, typingFindsLoadedNamesOpenedOrNotAndCopyTakesTheName
     EXPECT_EQ("balance", current());
 }
 
-TEST_F(NavigatorOverSample, selectTableOpensTheWayAndAFailureSelectsNothing) {
+TEST_F(NavigatorOverSample, SelectTableOpensTheWayAndAFailureSelectsNothing) {
     m_navigator.ShowPage(NavigatorPage::Collections);
     ASSERT_TRUE(m_navigator.SelectTable("/data/files", "", "", "airports", 4));
     EXPECT_EQ(NavigatorPage::Tables, m_navigator.GetPage());

@@ -136,7 +136,7 @@ class Filtering : public ::testing::Test {
     std::unique_ptr<CFieldView> m_view;
 };
 
-TEST_F(Filtering, goesByTheDialogAndTheListSaysSo) {
+TEST_F(Filtering, GoesByTheDialogAndTheListSaysSo) {
     EXPECT_EQ("filter ", commands());
     EXPECT_EQ("Frequency Distribution", caption(CFieldView::Frequency));
     const std::string all = rows();
@@ -183,7 +183,7 @@ TEST_F(Filtering, goesByTheDialogAndTheListSaysSo) {
     EXPECT_EQ("filter ", commands());
 }
 
-TEST_F(Filtering, goesByTheValuesThatAreSelected) {
+TEST_F(Filtering, GoesByTheValuesThatAreSelected) {
     EXPECT_FALSE(action("filterToValue").isEnabled());
     ASSERT_EQ("Ada", toUtf8(grid().model()->index(0, 0).data().toString()));
     choose({0, 1}, "filterToValue");
@@ -223,7 +223,7 @@ TEST_F(Filtering, goesByTheValuesThatAreSelected) {
     EXPECT_EQ("Only rows with: `Count` > 0", line());
 }
 
-TEST_F(Filtering, takesNoPartInWhatIsNoValue) {
+TEST_F(Filtering, TakesNoPartInWhatIsNoValue) {
     ASSERT_TRUE(m_settings->write("TAVIX", "MaxFreqVals", "2"));
     select("city");
     ASSERT_EQ("Other", toUtf8(grid().model()->index(2, 0).data().toString()));
@@ -249,7 +249,7 @@ TEST_F(Filtering, takesNoPartInWhatIsNoValue) {
     EXPECT_EQ("", commands());
 }
 
-TEST_F(Filtering, staysWithItsFieldOverRunsAndEndsWithTheReport) {
+TEST_F(Filtering, StaysWithItsFieldOverRunsAndEndsWithTheReport) {
     choose({1}, "filterToValue");
     EXPECT_EQ("Grace|302|100.00|\n", rows());
     select("city");
@@ -268,7 +268,7 @@ TEST_F(Filtering, staysWithItsFieldOverRunsAndEndsWithTheReport) {
     EXPECT_EQ("", line());
 }
 
-TEST_F(Filtering, thatIsStoppedLeavesWhatIsShown) {
+TEST_F(Filtering, ThatIsStoppedLeavesWhatIsShown) {
     const auto list = testing::LongList::build(m_folder.file("long.tavix"));
     ASSERT_TRUE(m_site.document.OpenReport(list.path, list.job));
     m_site.selection.table.id = list.table;
@@ -317,7 +317,7 @@ TEST_F(Filtering, thatIsStoppedLeavesWhatIsShown) {
     EXPECT_EQ("filter ", commands());
 }
 
-TEST_F(Filtering, isTheSameInEveryWindowOfTheField) {
+TEST_F(Filtering, IsTheSameInEveryWindowOfTheField) {
     CFieldView torn(m_site, true);
     m_site.listeners.push_back(&torn);
     torn.resize(900, 500);
@@ -337,7 +337,7 @@ TEST_F(Filtering, isTheSameInEveryWindowOfTheField) {
     m_site.listeners.pop_back();
 }
 
-TEST_F(Filtering, thatFailsLeavesWhatIsShownAndCanBeCorrected) {
+TEST_F(Filtering, ThatFailsLeavesWhatIsShownAndCanBeCorrected) {
     const std::string shown = rows();
     set("`Count` > ");
     PrViewer& viewer = *m_site.document.GetViewer();
@@ -369,7 +369,7 @@ TEST_F(Filtering, thatFailsLeavesWhatIsShownAndCanBeCorrected) {
 }
 
 // There is nothing to filter in a list that says "(Not calculated)".
-TEST_F(Filtering, isOfferedWhereThereIsAListAlone) {
+TEST_F(Filtering, IsOfferedWhereThereIsAListAlone) {
     m_view->SelectTab(CFieldView::Patterns);
     EXPECT_EQ("filter ", commands());
     select("remark");

@@ -1,10 +1,10 @@
 #include "base/tests/ScriptedMessages.h"
 #include "base/tests/TempFolder.h"
 #include "base/ui/QtText.h"
-#include "doc/FieldRecords.h"
-#include "doc/Settings.h"
 #include "doc/tests/TestSite.h"
 #include "grid/ui/CUGCtrl.h"
+#include "report/FieldRecords.h"
+#include "settings/Settings.h"
 #include "support/RunScript.h"
 #include "support/SampleRepository.h"
 #include "tabs/ui/CTabAlerts.h"
@@ -76,7 +76,7 @@ class ListTabs : public ::testing::Test {
     ReportSubject m_subject;
 };
 
-TEST_F(ListTabs, fillWhenTheyAreSeenAndOnTheirHintsOnly) {
+TEST_F(ListTabs, FillWhenTheyAreSeenAndOnTheirHintsOnly) {
     using enum RefreshHint;
     select("customers", "name");
     struct Case {
@@ -106,7 +106,7 @@ TEST_F(ListTabs, fillWhenTheyAreSeenAndOnTheirHintsOnly) {
     }
 }
 
-TEST_F(ListTabs, oneClassShowsThreeListsByItemCode) {
+TEST_F(ListTabs, OneClassShowsThreeListsByItemCode) {
     select("customers", "balance");
     const auto metrics = open<CTabColProf>(5);
     EXPECT_EQ(24, rows(*metrics));
@@ -119,7 +119,7 @@ TEST_F(ListTabs, oneClassShowsThreeListsByItemCode) {
     EXPECT_EQ(&grid(*outliers), outliers->GetLastTabStop());
 }
 
-TEST_F(ListTabs, theLimitOfTheSettingsHoldsAndRowsAreCopiedAsTheyAre) {
+TEST_F(ListTabs, TheLimitOfTheSettingsHoldsAndRowsAreCopiedAsTheyAre) {
     ASSERT_TRUE(m_settings->write("TAVIX", "MaxFreqVals", "-3"));
     select("customers", "city");
     const auto tab = open<CTabFreqDist>(6);
@@ -134,7 +134,7 @@ TEST_F(ListTabs, theLimitOfTheSettingsHoldsAndRowsAreCopiedAsTheyAre) {
     EXPECT_EQ("=1+1", cell(*tab, 0, 0));
 }
 
-TEST_F(ListTabs, theMenuIsOfferedWhereThereIsSomethingToChoose) {
+TEST_F(ListTabs, TheMenuIsOfferedWhereThereIsSomethingToChoose) {
     select("customers", "remark");
     const auto patterns = open<CTabFreqDist>(7);
     EXPECT_EQ("(Not calculated)", cell(*patterns, 0, 0));
@@ -145,7 +145,7 @@ TEST_F(ListTabs, theMenuIsOfferedWhereThereIsSomethingToChoose) {
     EXPECT_EQ(Qt::PreventContextMenu, grid(*open<CTabFreqDist>(6, true)).contextMenuPolicy());
 }
 
-TEST_F(ListTabs, aFailureIsToldOnceAndLeavesWhatIsShown) {
+TEST_F(ListTabs, AFailureIsToldOnceAndLeavesWhatIsShown) {
     select("customers", "name");
     const auto tab = open<CTabFreqDist>(7);
     const int shown = rows(*tab);
@@ -180,7 +180,7 @@ TEST_F(ListTabs, aFailureIsToldOnceAndLeavesWhatIsShown) {
     EXPECT_EQ("", note(*tab));
 }
 
-TEST_F(ListTabs, listsOfATableAndPlainSentencesWhereThereIsNothing) {
+TEST_F(ListTabs, ListsOfATableAndPlainSentencesWhereThereIsNothing) {
     select("customers");
     const auto charts = open<CTabTblVis>();
     EXPECT_EQ("Nulls", cell(*charts, 0, 0));

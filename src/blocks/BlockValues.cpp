@@ -1,0 +1,51 @@
+#include "blocks/BlockValues.h"
+
+#include "blocks/BlockPieces.h"
+#include "blocks/Frame.h"
+#include "blocks/Operand.h"
+
+namespace tavix::expression {
+
+struct BlockValues::State {
+    explicit State(const Node& node) : pieces(node), operand(makeOperand(node)) {}
+
+    Frame frame;
+    BlockPieces pieces;
+    RowSet rows;
+    OperandPtr operand;
+    BlockFailures failures;
+};
+
+BlockValues::BlockValues(Program program)
+    : m_program(std::move(program)), m_state(std::make_unique<State>(m_program.tree())) {}
+
+BlockValues::~BlockValues() = default;
+
+void BlockValues::evaluate(const Block& block, const std::function<void(const ValuePiece&)>& take, const GoOn& goOn) {
+    State& state = *m_state;
+    state.failures = {};
+    const Vector* values = nullptr;
+    const auto evaluate = [&] {
+        state.rows.fill(state.frame.rows());
+        values = &state.operand->evaluate(state.frame, state.rows);
+    };
+    const auto accept = [&](std::uint32_t first) {
+        state.failures.add(state.frame, first);
+        take({static_cast<std::uint32_t>(state.frame.rows()), *values, state.frame.failed()});
+    };
+    (void)state.pieces.walk(state.frame, block, goOn, evaluate, accept);
+}
+
+std::size_t BlockValues::failures() const {
+    return m_state->failures.count;
+}
+
+std::uint32_t BlockValues::firstFailedRow() const {
+    return m_state->failures.firstRow;
+}
+
+const std::string& BlockValues::firstFailure() const {
+    return m_state->failures.first;
+}
+
+} // namespace tavix::expression

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "base/Messages.h"
+#include "frame/OptionsModel.h"
+
+#include <QDialog>
+
+class QTabWidget;
+
+namespace tavix {
+
+class CGeneralPage;
+class CKnowledgePage;
+class CMetricsPage;
+class CTavixDoc;
+
+/// The modal "Options" sheet of three pages.
+class COptionsSheet final : public QDialog {
+    Q_OBJECT
+
+  public:
+    /// `messages` must outlive the sheet.
+    COptionsSheet(OptionsModel model, Messages& messages, QWidget* parent = nullptr);
+
+    /// What was entered; only to be asked after OK.
+    [[nodiscard]] const OptionsModel& Model() const { return m_model; }
+
+    /// Shows the sheet, and on OK keeps what was entered.
+    static void Run(CTavixDoc& doc, QWidget* parent);
+
+    void accept() override;
+
+  private:
+    OptionsModel m_model;
+    Messages& m_messages;
+    QTabWidget* m_pages;
+    CGeneralPage* m_general;
+    CMetricsPage* m_metrics;
+    CKnowledgePage* m_knowledge;
+};
+
+} // namespace tavix

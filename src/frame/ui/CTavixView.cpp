@@ -1,0 +1,410 @@
+#include "frame/ui/CTavixView.h"
+
+#include "access/Layouts.h"
+#include "base/GenException.h"
+#include "base/ui/NestedLoop.h"
+#include "base/ui/QtText.h"
+#include "doc/CTavixApp.h"
+#include "doc/ConnectionCredentials.h"
+#include "doc/ItemCode.h"
+#include "frame/PaneChain.h"
+#include "frame/PaneMemory.h"
+#include "frame/ui/CEmptyView.h"
+#include "frame/ui/CSourceLoginDlg.h"
+#include "nav/ui/CTableInfo.h"
+#include "nav/ui/CTables.h"
+#include "tabs/ui/TearOff.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QKeyEvent>
+#include <QStackedWidget>
+
+#include <utility>
+
+namespace tavix {
+
+namespace {
+
+constexpr int kAfterLoadMilliseconds = 250;
+
+bool isAncestorOfWindow(const QWidget& ancestor, const QWidget* window) {
+    while (window && window != &ancestor)
+        window = window->parentWidget();
+    return window != nullptr;
+}
+
+} // namespace
+
+CTavixView::CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent)
+    : SplitFrame(parent),
+      m_document(app.StartDocument(*this, messages)),
+      m_main(*this),
+      m_reportPane(new QStackedWidget(this)),
+      m_empty(new CEmptyView) {
+    setObjectName(QStringLiteral("tavixView"));
+    m_reportPane->setObjectName(QStringLiteral("reportPane"));
+    m_navigator = new CTables(*this, this);
+    m_reportPane->addWidget(m_empty);
+    const PaneMemory memory = readPaneMemory(m_document->GetSettings());
+    m_wantsInfo = memory.showsInfo;
+    SetRatios(memory.ratios);
+    SetPanes(m_navigator, m_reportPane);
+
+    m_document->GetSourceLogins().SetAsk(
+        [this](const SourceLogins::Question& question) { return CSourceLoginDlg::Choose(question, this); });
+    m_afterLoad.setSingleShot(true);
+    m_afterLoad.setInterval(kAfterLoadMilliseconds);
+    connect(&m_afterLoad, &QTimer::timeout, this, &CTavixView::AfterLoad);
+    (void)KeptView(ReportPaneKind::Table);
+    ShowReportPane();
+}
+
+// The panes go before the document that they read.
+CTavixView::~CTavixView() {
+    m_afterLoad.stop();
+    for (const Detached& each : m_tearOffs)
+        delete each.window;
+    SetPanes(nullptr, nullptr);
+    SetInfoPane(nullptr);
+    delete m_navigator;
+    delete m_info;
+    delete m_reportPane;
+}
+
+void CTavixView::SetAuthSvrCreds(const std::string& userId, const std::string& password) {
+    m_userId = userId;
+    m_password = password;
+}
+
+bool CTavixView::LoadReportForJob(const std::string& text, int jobId, const KvbString& connection) {
+    const bool asks = lacksCredentials(connection.view());
+    // The request may retire the view, which drops the function that runs.
+    if (const auto request = m_credentialsRequest; asks && request)
+        request();
+    if (m_isRetired)
+        return false;
+    // Ids of another repository or job name other things; a detached view must not show them as its own.
+    if (m_document->HasReport() && (jobId != m_document->GetJobId() || connection.view() != m_connection))
+        for (CTearOff* window : TearOffsOfReport())
+            window->Refresh(nullptr, RefreshHint::DocumentReset, 0);
+    m_connection = connection.str();
+    if (!m_document->OpenReport(asks ? withCredentials(connection.view(), m_userId, m_password) : connection, jobId)) {
+        // Another one may have been opened while the message was on the screen.
+        if (!m_document->HasReport())
+            OnNew();
+        return false;
+    }
+    m_document->SetText(text);
+    SetLoading(true);
+    Broadcast(RefreshHint::RunLoaded);
+    SetLoading(false);
+    if (m_wantsInfo && !m_info && HasLoadedTables())
+        OpenTableInformation();
+    m_afterLoad.start();
+    m_document->WarnOfDamage();
+    return true;
+}
+
+void CTavixView::AfterLoad() {
+    // The selection must not change under an open dialog or a reading.
+    if (NestedLoops::instance().areRunning())
+        return m_afterLoad.start();
+    if (!m_document->PostLoadCheck())
+        Broadcast(RefreshHint::TaskListLost);
+    m_navigator->SelectSomething();
+}
+
+bool CTavixView::SelectTable(const std::string& dataSource, const std::string& connectionType,
+                             const std::string& qualifier1, const std::string& qualifier2, const std::string& table) {
+    constexpr int kOdbc = 0;
+    constexpr int kFiles = 4;
+    if (connectionType != "ODBC" && connectionType != "KVTK")
+        return false;
+    return m_navigator->SelectTable(dataSource, qualifier1, qualifier2, table,
+                                    connectionType == "ODBC" ? kOdbc : kFiles);
+}
+
+void CTavixView::SetInternalFocus() {
+    m_navigator->SetInternalFocus();
+}
+
+QWidget* CTavixView::GetFirstTabStop() {
+    return m_navigator->GetPageControl();
+}
+
+QWidget* CTavixView::GetLastTabStop() {
+    if (QWidget* last = GetReportPane().GetLastTabStop())
+        return last;
+    QWidget* const first = GetFirstTabStop();
+    QWidget* last = first;
+    for (QWidget* next = first->nextInFocusChain(); next != first; next = next->nextInFocusChain()) {
+        const bool takesTab = (next->focusPolicy() & Qt::TabFocus) != 0 && next->isEnabled() && next->isVisibleTo(this);
+        if (takesTab && isAncestorOf(next) && !next->isWindow() && next->window() == window())
+            last = next;
+    }
+    return last;
+}
+
+int CTavixView::AddCurrentFieldToCollection(int collectionId) {
+    if (auto* field = qobject_cast<CFieldView*>(m_view))
+        return field->AddToCollection(collectionId);
+    return m_view ? m_navigator->AddSelectedFieldToCollection(collectionId) : 0;
+}
+
+void CTavixView::Refresh(CRefreshItem*, RefreshHint hint, int) {
+    if (hint == RefreshHint::DocumentReset)
+        m_afterLoad.stop();
+    const bool mayChangeRuns = hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded;
+    if (mayChangeRuns)
+        TellRunsChanged();
+}
+
+void CTavixView::TellRunsChanged() {
+    if (const auto changed = m_runsChanged)
+        changed();
+}
+
+void CTavixView::Retire() {
+    m_isRetired = true;
+    m_runsChanged = {};
+    m_credentialsRequest = {};
+    m_deleteHistoryRequest = [] {};
+    OnNew();
+    hide();
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (!window->isVisible() || !isAncestorOfWindow(*this, window))
+            continue;
+        // Without the questions that a dialog has for its user.
+        if (auto* dialog = qobject_cast<QDialog*>(window))
+            dialog->done(QDialog::Rejected);
+        else
+            window->close();
+    }
+}
+
+void CTavixView::Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) {
+    refreshPanes(RefreshOrder(), sender, hint, parameter, m_loading);
+    if (m_loading)
+        ShowReportPane();
+}
+
+void CTavixView::SelectionChanged(NavigatorPage page, const ReportSelection& selection) {
+    m_mode = page;
+    m_selection = selection;
+    if (m_loading)
+        return;
+    ShowReportPane();
+    if (m_info)
+        m_info->ShowSelection();
+}
+
+bool CTavixView::SelectField(int fieldId) {
+    return m_navigator->SelectField(fieldId);
+}
+
+bool CTavixView::Navigate(const NavigateRequest& request) {
+    if (!m_navigator->SelectTable(request.dataSource, request.catalog, request.schema, request.table, request.mode))
+        return false;
+    auto* table = qobject_cast<CTableView*>(m_view);
+    if (!table)
+        return false;
+    if (request.metricKind == "SM")
+        table->OpenStandardMetric(request.rowId, request.metricId);
+    else if (request.metricKind == "CM")
+        table->OpenCustomMetric(request.metricId);
+    else if (request.metricKind == "BR")
+        table->OpenBusinessRule(request.metricId);
+    table->FocusContents();
+    table->update();
+    return true;
+}
+
+bool CTavixView::OpenField(const ReportSelection& owner, int fieldId) {
+    if (!m_navigator->SelectObject(owner) || !m_navigator->SelectField(fieldId))
+        return false;
+    window()->activateWindow();
+    SetInternalFocus();
+    return true;
+}
+
+std::string CTavixView::GetDetailsText(const ReportSelection& selection) {
+    return m_navigator->GetInformationText(selection);
+}
+
+CReportView& CTavixView::KeptView(ReportPaneKind kind) {
+    CReportView*& view = kind == ReportPaneKind::Table ? m_tableView : m_fieldView;
+    if (!view) {
+        if (kind == ReportPaneKind::Table)
+            view = new CTableView(*this, false, m_reportPane);
+        else
+            view = new CFieldView(*this, false, m_reportPane);
+        connect(view, &CReportView::DetachRequested, this, &CTavixView::Detach);
+        m_reportPane->addWidget(view);
+    }
+    return *view;
+}
+
+void CTavixView::ShowReportView(ReportPaneKind kind) {
+    const bool hadFocus = m_view && m_view->isAncestorOf(focusWidget());
+    m_view = &KeptView(kind);
+    m_view->TakeUp();
+    m_reportPane->setCurrentWidget(m_view);
+    if (hadFocus)
+        m_view->FocusContents();
+}
+
+void CTavixView::Detach() {
+    CTearOff* window = nullptr;
+    // A double click is told when it is over, and the report may be closed by then.
+    if (!m_view)
+        return;
+    if (m_view->GetKind() == ReportPaneKind::Table)
+        window = new CTableTearOff(*this, this);
+    else
+        window = new CFieldTearOff(*this, this);
+    m_tearOffs.push_back({window, m_connection, m_document->GetJobId()});
+    window->Open(*m_view);
+}
+
+std::vector<CTearOff*> CTavixView::TearOffs() const {
+    std::vector<CTearOff*> open;
+    for (const Detached& each : m_tearOffs) {
+        if (each.window)
+            open.push_back(each.window);
+    }
+    return open;
+}
+
+std::vector<CTearOff*> CTavixView::TearOffsOfReport() const {
+    std::vector<CTearOff*> open;
+    for (const Detached& each : m_tearOffs) {
+        const bool isOpen = each.connection == m_connection && each.jobId == m_document->GetJobId();
+        if (each.window && isOpen)
+            open.push_back(each.window);
+    }
+    return open;
+}
+
+void CTavixView::WarnSoon(const std::string& text) {
+    m_warnings.push_back(text);
+    if (m_warnings.size() == 1)
+        QMetaObject::invokeMethod(this, &CTavixView::ShowWarnings, Qt::QueuedConnection);
+}
+
+// Several panes that fail at once have one cause; each also says in its own place what it lacks.
+void CTavixView::ShowWarnings() {
+    const std::vector<std::string> warnings = std::exchange(m_warnings, {});
+    if (!warnings.empty() && !m_isRetired)
+        m_document->GetMessages().warn(warnings.front());
+}
+
+// Reaches the view from the navigator and the table information; the report pane handles its own keys.
+void CTavixView::keyPressEvent(QKeyEvent* event) {
+    const bool isPage = event->key() == Qt::Key_PageDown || event->key() == Qt::Key_PageUp;
+    if (m_view && isPage && event->modifiers().testFlag(Qt::ControlModifier))
+        m_view->StepTab(event->key() == Qt::Key_PageDown ? 1 : -1);
+    else
+        SplitFrame::keyPressEvent(event);
+}
+
+void CTavixView::ShowEmptyView() {
+    struct Words {
+        const char* nothing;
+        const char* nothingAdvice;
+        const char* choose;
+        const char* chooseAdvice;
+    };
+    static constexpr std::array<Words, 3> kWords = {{
+        {"This report has no tables", "The run that is shown has not profiled any.", "No table selected",
+         "Select a table on the left to see the metrics of its fields."},
+        {"There are no collections", "A job file can define collections of fields that belong together.",
+         "No collection selected", "Select a collection on the left to compare its fields."},
+        {"There are no redundant data analyses", "An analysis compares the values of fields that may hold the same.",
+         "No results to show", "This version lists the analyses of the repository, and does not show their results."},
+    }};
+    const Words& words = kWords[static_cast<std::size_t>(m_mode)];
+    if (!m_document->HasReport())
+        m_empty->SetText(QStringLiteral("No report is open"), {});
+    else if (m_navigator->IsPageEmpty())
+        m_empty->SetText(toQString(words.nothing), toQString(words.nothingAdvice));
+    else
+        m_empty->SetText(toQString(words.choose), toQString(words.chooseAdvice));
+}
+
+void CTavixView::ShowReportPane() {
+    const bool hasFigures =
+        m_selection.kind == ReportSelection::Kind::Table || m_selection.kind == ReportSelection::Kind::Collection;
+    if (hasFigures) {
+        if (m_view && m_view->Suits(*this))
+            m_view->ShowSelection();
+        else
+            ShowReportView(m_selection.fieldId == -1 ? ReportPaneKind::Table : ReportPaneKind::Field);
+        return;
+    }
+    m_view = nullptr;
+    ShowEmptyView();
+    m_reportPane->setCurrentWidget(m_empty);
+}
+
+std::vector<CRefreshItem*> CTavixView::RefreshOrder() {
+    std::vector<CRefreshItem*> order = {this, m_navigator, m_info, &GetReportPane()};
+    for (CTearOff* window : m_document->HasReport() ? TearOffsOfReport() : TearOffs())
+        order.push_back(window);
+    return order;
+}
+
+CReportPane& CTavixView::GetReportPane() const {
+    if (m_view)
+        return *m_view;
+    return *m_empty;
+}
+
+int CTavixView::GetItemCode() const {
+    return m_view ? itemCode(m_view->GetKind(), m_view->GetCurrentTab()) : itemCode(ReportPaneKind::Empty, 0);
+}
+
+void CTavixView::OpenTableInformation() {
+    m_info = new CTableInfo(*this, this);
+    // The pane cannot go while its own button is being clicked.
+    connect(m_info, &CTableInfo::CloseRequested, this, &CTavixView::OnCloseTableInformation, Qt::QueuedConnection);
+    SetInfoPane(m_info);
+    m_info->show();
+    // Before the report pane, with whose last control the view ends for the keyboard.
+    QWidget* last = m_navigator;
+    for (QWidget* next = nextInFocusChain(); next != this; next = next->nextInFocusChain()) {
+        if (m_navigator->isAncestorOf(next) && next->focusPolicy() & Qt::TabFocus)
+            last = next;
+    }
+    m_info->ComeAfter(last);
+}
+
+void CTavixView::CloseTableInformation() {
+    const bool hadFocus = m_info && m_info->isAncestorOf(focusWidget());
+    SetInfoPane(nullptr);
+    delete m_info;
+    m_info = nullptr;
+    if (hadFocus)
+        SetInternalFocus();
+}
+
+// A frame that is not remembered is no loss worth a message.
+void CTavixView::Remember() {
+    (void)writePaneMemory(m_document->GetSettings(), {GetRatios(), m_wantsInfo});
+}
+
+bool CTavixView::HasLoadedTables() const {
+    PrViewer* viewer = m_document->GetViewer();
+    try {
+        const ProfileCursorHandle sources = viewer ? viewer->getDSNList() : ProfileCursorHandle();
+        while (sources && sources->next()) {
+            if (sources->getColumnInt(layout::DsnTables) > 0)
+                return true;
+        }
+    } catch (const GenException&) {
+        // The navigator, which reads the same, has said it.
+    }
+    return false;
+}
+
+} // namespace tavix

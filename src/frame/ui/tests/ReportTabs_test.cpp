@@ -1,0 +1,361 @@
+// The tabs of a table's, a collection's and a field's view: which there are, how one goes from one to another, and how
+// they are drawn.
+#include "base/ui/Theme.h"
+#include "frame/ui/tests/ViewOverSample.h"
+
+#include <QImage>
+#include <QSignalSpy>
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+
+namespace tavix {
+namespace {
+
+using ::testing::ElementsAre;
+using testing::ViewOverSample;
+
+class ReportTabs : public ViewOverSample {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(load());
+        ASSERT_TRUE(selectTable("customers"));
+    }
+    /// "caption code" of each tab, with an asterisk at those whose tab is not seen alone when they are selected.
+    std::vector<std::string> tabs() {
+        std::vector<std::string> lines;
+        for (int i = 0; i < strip().count(); ++i) {
+            strip().setCurrentIndex(i);
+            bool isAlone = tab().isVisible() && tab().IsActive();
+            for (int other = 0; other < report().GetTabCount(); ++other) {
+                const CProfTab& each = report().GetTab(other);
+                isAlone = isAlone && (other == i || (!each.isVisible() && !each.IsActive()));
+            }
+            lines.push_back(toUtf8(strip().tabText(i)) + " " + std::to_string(m_view->GetItemCode()) +
+                            (isAlone ? "" : "*"));
+        }
+        return lines;
+    }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        ASSERT_TRUE(QApplication::focusWidget());
+        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+    }
+    QPoint middleOfTab(int index) { return strip().tabRect(index).center(); }
+};
+
+TEST_F(ReportTabs, TablesCollectionsAndFieldsHaveTheirs) {
+    const auto ofTable = ElementsAre("Standard Metrics 0", "Custom Metrics 1", "Business Rules 2", "Alerts 3",
+                                     "Visualizations 4", "Notes 14");
+    const auto ofField =
+        ElementsAre("Column Profiling 5", "Frequency Distribution 6", "Pattern Frequency Distribution 7",
+                    "Percentiles 8", "Outliers 9", "Primary Key/Foreign Key Analysis 12", "Notes 10");
+    EXPECT_THAT(tabs(), ofTable);
+    selectCollection(0);
+    EXPECT_THAT(tabs(), ofTable);
+    ASSERT_TRUE(m_view->SelectField(m_sample.fields.at("customers/balance")));
+    EXPECT_THAT(tabs(), ofField);
+    ASSERT_TRUE(selectField("customers", "city"));
+    EXPECT_THAT(tabs(), ofField);
+}
+
+TEST_F(ReportTabs, TheTabThatWasOpenLastIsOpenedForTablesAndForCollectionsByThemselves) {
+    CTavixDoc& document = m_view->GetTavixDoc();
+    EXPECT_EQ(-1, document.GetTab(ReportPaneKind::Table));
+    EXPECT_EQ(0, report().GetCurrentTab());
+    report().SelectTab(CTableView::Notes);
+    selectCollection(0);
+    EXPECT_EQ(0, report().GetCurrentTab());
+    report().SelectTab(CTableView::Alerts);
+    ASSERT_TRUE(m_view->SelectField(m_sample.fields.at("customers/balance")));
+    EXPECT_EQ(0, report().GetCurrentTab());
+    report().SelectTab(CFieldView::Outliers);
+
+    ASSERT_TRUE(selectTable("suppliers"));
+    EXPECT_EQ(CTableView::Notes, report().GetCurrentTab());
+    ASSERT_TRUE(selectField("customers", "city"));
+    EXPECT_EQ(CFieldView::ColumnProfiling, report().GetCurrentTab());
+    report().SelectTab(CFieldView::Frequency);
+    selectCollection(1);
+    EXPECT_EQ(CTableView::Alerts, report().GetCurrentTab());
+    EXPECT_TRUE(tab().isVisible());
+    ASSERT_TRUE(m_view->SelectField(m_sample.fields.at("suppliers/id")));
+    EXPECT_EQ(CFieldView::Outliers, report().GetCurrentTab());
+    EXPECT_EQ("id", header(report()).substr(0, 2));
+    ASSERT_TRUE(selectField("suppliers", "city"));
+    EXPECT_EQ(CFieldView::Frequency, report().GetCurrentTab());
+
+    // A number that is no tab's is as good as none; what a window of its own shows is nothing to be remembered.
+    document.SetTab(ReportPaneKind::Table, NavigatorPage::Tables, 6);
+    ASSERT_TRUE(selectTable("orders"));
+    EXPECT_EQ(0, report().GetCurrentTab());
+    report().SelectTab(CTableView::Visualizations);
+    CTearOff& window = detach();
+    EXPECT_EQ(CTableView::Visualizations, window.GetView().GetCurrentTab());
+    window.GetView().SelectTab(CTableView::CustomMetrics);
+    EXPECT_EQ(CTableView::Visualizations, report().GetCurrentTab());
+    EXPECT_EQ(CTableView::Visualizations, document.GetTab(ReportPaneKind::Table));
+}
+
+TEST_F(ReportTabs, KeysGoFromTabToTabAndRoundTheEnds) {
+    activate(*m_view);
+    report().FocusContents();
+    EXPECT_EQ(&grid(tab()), QApplication::focusWidget());
+    press(Qt::Key_PageUp, Qt::ControlModifier);
+    EXPECT_EQ(CTableView::Notes, report().GetCurrentTab());
+    // The list of notes has the keyboard now, and its text must let the keys through as well.
+    ASSERT_TRUE(tab().isAncestorOf(QApplication::focusWidget()));
+    tab().GetLastTabStop()->setFocus();
+    press(Qt::Key_PageDown, Qt::ControlModifier);
+    EXPECT_EQ(CTableView::StandardMetrics, report().GetCurrentTab());
+    press(Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_EQ(CTableView::CustomMetrics, report().GetCurrentTab());
+    // Nothing but a sentence there: the strip takes the keyboard, and keys still lead on.
+    EXPECT_EQ(&strip(), QApplication::focusWidget());
+    press(Qt::Key_PageDown, Qt::ControlModifier);
+    EXPECT_EQ(CTableView::BusinessRules, report().GetCurrentTab());
+    press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(CTableView::CustomMetrics, report().GetCurrentTab());
+
+    strip().setFocus();
+    const std::pair<Qt::Key, int> steps[] = {{Qt::Key_Right, 2}, {Qt::Key_Right, 3}, {Qt::Key_Left, 2},
+                                             {Qt::Key_End, 5},   {Qt::Key_Right, 5}, {Qt::Key_Home, 0},
+                                             {Qt::Key_Left, 0},  {Qt::Key_Down, 0},  {Qt::Key_Right, 1}};
+    for (const auto& [key, index] : steps) {
+        press(key);
+        EXPECT_EQ(index, report().GetCurrentTab()) << key;
+        EXPECT_EQ(&strip(), QApplication::focusWidget());
+    }
+    EXPECT_TRUE(tab().isVisible());
+}
+
+TEST_F(ReportTabs, APressSelectsAndADoubleClickIsPosted) {
+    auto& control = dynamic_cast<CProfTabCtrl&>(strip());
+    QSignalSpy doubleClicks(&control, &CProfTabCtrl::TabDoubleClicked);
+    QTest::mousePress(&control, Qt::LeftButton, {}, middleOfTab(3));
+    EXPECT_EQ(3, report().GetCurrentTab()) << "before the button is up";
+    EXPECT_TRUE(tab().isVisible());
+    QTest::mouseRelease(&control, Qt::LeftButton, {}, middleOfTab(3));
+    QTest::mouseClick(&control, Qt::RightButton, {}, middleOfTab(1));
+    EXPECT_EQ(3, report().GetCurrentTab());
+    QTest::mouseClick(&control, Qt::LeftButton, {}, {control.width() - 2, 10});
+    EXPECT_EQ(3, report().GetCurrentTab()) << "beside the last tab";
+
+    QTest::mouseClick(&control, Qt::LeftButton, {}, middleOfTab(2));
+    QTest::mouseDClick(&control, Qt::LeftButton, {}, middleOfTab(2));
+    EXPECT_EQ(2, report().GetCurrentTab());
+    EXPECT_EQ(0, doubleClicks.count());
+    QCoreApplication::processEvents();
+    ASSERT_EQ(1, doubleClicks.count());
+    EXPECT_EQ(2, doubleClicks.at(0).at(0).toInt());
+    // Other buttons, and a place beside the tabs, mean nothing.
+    QTest::mouseDClick(&control, Qt::RightButton, {}, middleOfTab(1));
+    QTest::mouseDClick(&control, Qt::MiddleButton, {}, middleOfTab(1));
+    QTest::mouseDClick(&control, Qt::LeftButton, {}, {control.width() - 2, 10});
+    QCoreApplication::processEvents();
+    EXPECT_EQ(1, doubleClicks.count());
+    EXPECT_EQ(2, report().GetCurrentTab());
+}
+
+TEST_F(ReportTabs, TheStripKeepsItsHeightInAnyFontAndFollowsIt) {
+    const auto widths = [this] {
+        int sum = 0;
+        for (int index = 0; index < strip().count(); ++index)
+            sum += strip().tabRect(index).width();
+        return sum;
+    };
+    const QFont usual = m_view->font();
+    const int before = widths();
+    QFont font = usual;
+    font.setPointSizeF(usual.pointSizeF() * 0.6);
+    m_view->setFont(font);
+    EXPECT_EQ(22, strip().height());
+    EXPECT_LT(widths(), before);
+    font.setPointSizeF(usual.pointSizeF() * 3);
+    m_view->setFont(font);
+    EXPECT_EQ(22, strip().height());
+    // Captions that are too high are drawn smaller: nothing of them is cut off below.
+    const QImage image = strip().grab().toImage();
+    const QRect face = strip().tabRect(report().GetCurrentTab());
+    for (int x = face.left() + 4; x < face.right() - 4; ++x)
+        EXPECT_EQ(QColor(223, 223, 223), image.pixelColor(x, 20)) << x;
+    m_view->setFont(usual);
+    EXPECT_EQ(before, widths());
+}
+
+TEST_F(ReportTabs, TheNavigatorStepsThroughTheTabsAsWell) {
+    auto& tree = *m_view->findChild<QTreeView*>(QStringLiteral("page0"));
+    activate(*m_view);
+    m_view->SetInternalFocus();
+    ASSERT_EQ(&tree, QApplication::focusWidget());
+    const QModelIndex selected = tree.currentIndex();
+    QTest::keyClick(&tree, Qt::Key_PageDown, Qt::ControlModifier);
+    EXPECT_EQ(1, report().GetCurrentTab());
+    QTest::keyClick(&tree, Qt::Key_PageUp, Qt::ControlModifier);
+    QTest::keyClick(&tree, Qt::Key_PageUp, Qt::ControlModifier);
+    EXPECT_EQ(report().GetTabCount() - 1, report().GetCurrentTab());
+    EXPECT_EQ(&tree, QApplication::focusWidget()) << "so that it can be pressed again";
+    EXPECT_EQ(selected, tree.currentIndex());
+}
+
+/// How well one colour can be read on another, from 1 to 21 (WCAG 2.1, contrast ratio).
+double contrast(const QColor& a, const QColor& b) {
+    const auto luminance = [](const QColor& color) {
+        const auto part = [](double c) { return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
+        return 0.2126 * part(color.redF()) + 0.7152 * part(color.greenF()) + 0.0722 * part(color.blueF());
+    };
+    const double first = luminance(a) + 0.05;
+    const double second = luminance(b) + 0.05;
+    return std::max(first, second) / std::min(first, second);
+}
+
+TEST_F(ReportTabs, TheStripIsWhiteWithTwoLinesBelowAndGreyFacesOutlinedInBlack) {
+    m_view->setPalette(lightPalette());
+    report().SelectTab(1);
+    const QRect resting = strip().tabRect(0);
+    ASSERT_EQ(QPoint(0, 0), strip().pos());
+    ASSERT_EQ(report().width(), strip().width());
+    ASSERT_EQ(22, strip().height());
+    const QImage image = strip().grab().toImage();
+    const QColor lightGrey(223, 223, 223);
+    for (const int x : {resting.left() + 3, resting.center().x(), image.width() - 1}) {
+        EXPECT_EQ(QColor(127, 127, 127), image.pixelColor(x, 20)) << x;
+        EXPECT_EQ(lightGrey, image.pixelColor(x, 21)) << x;
+    }
+    EXPECT_EQ(QColor(Qt::white), image.pixelColor(image.width() - 1, 0));
+    EXPECT_EQ(QColor(Qt::white), image.pixelColor(image.width() - 1, 19));
+    for (const int index : {0, 1, 4}) {
+        const QRect face = strip().tabRect(index);
+        EXPECT_EQ(lightGrey, image.pixelColor(face.left() + 3, 10)) << index;
+        EXPECT_EQ(QColor(Qt::black), image.pixelColor(face.left(), 10)) << index;
+        EXPECT_EQ(QColor(Qt::black), image.pixelColor(face.right() + 1, 10)) << index;
+    }
+    EXPECT_EQ(QColor(Qt::black), image.pixelColor(resting.center().x(), 2));
+    EXPECT_EQ(QColor(Qt::white), image.pixelColor(resting.center().x(), 1));
+    EXPECT_EQ(QColor(Qt::black), image.pixelColor(strip().tabRect(1).center().x(), 0));
+}
+
+TEST_F(ReportTabs, InADarkSchemeTheStripIsDarkAndCanBeRead) {
+    m_view->setPalette(darkPalette());
+    const QRect face = strip().tabRect(1);
+    const QImage image = strip().grab().toImage();
+    const QColor ground = image.pixelColor(face.left() + 3, 10);
+    const QColor beside = image.pixelColor(image.width() - 1, 0);
+    EXPECT_LT(beside.lightness(), 64);
+    EXPECT_LT(ground.lightness(), 96);
+    EXPECT_NE(beside, ground);
+    EXPECT_NE(beside, image.pixelColor(image.width() - 1, 20));
+    EXPECT_NE(ground, image.pixelColor(face.left(), 10));
+    double best = 1;
+    for (int x = face.left() + 4; x < face.right() - 4; ++x) {
+        for (int y = 5; y < 18; ++y)
+            best = std::max(best, contrast(ground, image.pixelColor(x, y)));
+    }
+    EXPECT_GT(best, 7);
+}
+
+TEST_F(ReportTabs, CaptionsThatHaveNoRoomAreCutAndToldByTheirTips) {
+    ASSERT_TRUE(selectField("customers", "city"));
+    m_view->SetRatios({0.1, 0.2});
+    m_view->resize(1600, 600);
+    const auto tips = [this] {
+        int count = 0;
+        for (int i = 0; i < strip().count(); ++i) {
+            count += strip().tabToolTip(i).isEmpty() ? 0 : 1;
+            EXPECT_TRUE(strip().tabToolTip(i).isEmpty() || strip().tabToolTip(i) == strip().tabText(i));
+        }
+        return count;
+    };
+    const int whole = strip().tabRect(6).right();
+    EXPECT_EQ(0, tips());
+    m_view->resize(1050, 600);
+    QCoreApplication::processEvents();
+    ASSERT_LT(strip().width(), whole);
+    EXPECT_EQ(0, tips()) << "the captions stand closer";
+    report().SelectTab(2);
+    for (const int width : {900, 750}) {
+        m_view->resize(width, 600);
+        QCoreApplication::processEvents();
+        EXPECT_GT(tips(), 1) << width;
+        EXPECT_EQ("", toUtf8(strip().tabToolTip(2))) << "the selected one stays whole";
+        EXPECT_LE(strip().tabRect(6).right(), strip().width()) << width << ": every tab can be clicked";
+        EXPECT_EQ("", toUtf8(strip().tabToolTip(6))) << "a short one stays whole";
+        for (const QToolButton* arrow : strip().findChildren<QToolButton*>())
+            EXPECT_FALSE(arrow->isVisible()) << width;
+    }
+    // The narrowest strip has arrows, and the selected tab is in view.
+    m_view->resize(400, 600);
+    report().SelectTab(6);
+    QCoreApplication::processEvents();
+    EXPECT_LE(strip().tabRect(6).right(), strip().width());
+    EXPECT_GE(strip().tabRect(6).left(), 0);
+    int arrows = 0;
+    for (const QToolButton* arrow : strip().findChildren<QToolButton*>()) {
+        arrows += arrow->isVisible() ? 1 : 0;
+        EXPECT_EQ(Qt::NoFocus, arrow->focusPolicy());
+        EXPECT_NE("", toUtf8(arrow->accessibleName()));
+    }
+    EXPECT_EQ(2, arrows);
+}
+
+TEST_F(ReportTabs, TheKeyboardGoesFromTheStripOverTheButtonsToTheContents) {
+    // Of each tab: whom the Tab key reaches between the strip and the last stop of the view.
+    const auto stops = [this] {
+        std::vector<std::string> names;
+        QWidget* last = m_view->GetLastTabStop();
+        QWidget* at = &strip();
+        at->setFocus();
+        for (int i = 0; i < 20 && at; ++i) {
+            const QString name = at->objectName();
+            names.push_back(name.isEmpty() ? at->metaObject()->className() : toUtf8(name));
+            if (at == last)
+                return names;
+            QTest::keyClick(at, Qt::Key_Tab);
+            at = QApplication::focusWidget();
+        }
+        names.emplace_back("and the last stop never");
+        return names;
+    };
+    activate(*m_view);
+    // The view begins with the navigator's tree; the row of its pages comes between it and the strip.
+    m_view->GetFirstTabStop()->setFocus();
+    press(Qt::Key_Tab);
+    EXPECT_EQ("Navigator pages", toUtf8(QApplication::focusWidget()->accessibleName()));
+    press(Qt::Key_Tab);
+    EXPECT_EQ(&strip(), QApplication::focusWidget());
+    const auto sentence = ElementsAre("tabStrip", "detailsButton", "detachButton");
+    const auto list = ElementsAre("tabStrip", "detailsButton", "detachButton", "tavix::CUGCtrl");
+    const auto notes = ElementsAre("tabStrip", "detailsButton", "detachButton", "addButton", "editButton",
+                                   "deleteButton", "categoriesButton", "notes", "noteText");
+    const auto noNotes =
+        ElementsAre("tabStrip", "detailsButton", "detachButton", "addButton", "categoriesButton", "addFirst");
+    EXPECT_THAT(stops(), list);
+    for (const int index : {CTableView::CustomMetrics, CTableView::BusinessRules, CTableView::Alerts}) {
+        report().SelectTab(index);
+        EXPECT_THAT(stops(), sentence) << index;
+    }
+    report().SelectTab(CTableView::Visualizations);
+    EXPECT_THAT(stops(), list);
+    report().SelectTab(CTableView::Notes);
+    EXPECT_THAT(stops(), notes);
+    ASSERT_TRUE(selectTable("orders"));
+    EXPECT_THAT(stops(), noNotes);
+    ASSERT_TRUE(selectField("customers", "balance"));
+    for (int index = 0; index < CFieldView::KeyAnalysis; ++index) {
+        report().SelectTab(index);
+        EXPECT_THAT(stops(), list) << index;
+    }
+    report().SelectTab(CFieldView::KeyAnalysis);
+    EXPECT_THAT(stops(), sentence);
+    report().SelectTab(CFieldView::Notes);
+    EXPECT_THAT(stops(), notes);
+
+    // A window of its own has no buttons; it ends at the contents or at the strip itself.
+    CReportView& torn = detach().GetView();
+    EXPECT_EQ("noteText", toUtf8(torn.GetLastTabStop()->objectName()));
+    torn.SelectTab(CFieldView::KeyAnalysis);
+    EXPECT_EQ(&strip(torn), torn.GetLastTabStop());
+}
+
+} // namespace
+} // namespace tavix

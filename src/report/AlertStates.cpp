@@ -1,0 +1,181 @@
+#include "report/AlertStates.h"
+
+#include "access/Layouts.h"
+#include "access/PrViewer.h"
+#include "base/GenException.h"
+#include "base/KvbDatavar.h"
+#include "base/Metrics.h"
+#include "base/NumberText.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+namespace tavix {
+
+namespace {
+
+constexpr int kAllTables = -1;
+
+std::string text(const ProfileCursor& cursor, int column) {
+    return cursor.getColumnValue(column).str();
+}
+
+/// The figure of a run, and of those before it, the latest first.
+struct Figures {
+    std::optional<double> current;
+    std::vector<double> earlier;
+};
+
+class Reader {
+  public:
+    Reader(PrViewer& viewer, int job) : m_viewer(viewer), m_job(job), m_run(viewer.getCurrentJob()) {
+        const ProfileCursorHandle runs = checked(viewer.getJobs());
+        m_isLatest = runs->next() && runs->getColumnInt(layout::JobRunId) == m_run;
+        const ProfileCursorHandle metrics = checked(viewer.getCustomMetrics(kAllTables));
+        while (metrics->next())
+            m_names[text(*metrics, layout::CustomMetricKey)] = text(*metrics, layout::CustomMetricName);
+        const ProfileCursorHandle rules = checked(viewer.getBusinessRules(kAllTables));
+        while (rules->next())
+            m_names[text(*rules, layout::RuleKey)] = text(*rules, layout::RuleName);
+    }
+
+    std::vector<AlertState> read() {
+        std::vector<AlertState> states;
+        const ProfileCursorHandle alerts = checked(m_viewer.getAlerts());
+        while (alerts->next()) {
+            AlertState state = readAlert(*alerts);
+            if (state.job == m_job)
+                states.push_back(std::move(state));
+        }
+        return states;
+    }
+
+  private:
+    [[nodiscard]] ProfileCursorHandle checked(ProfileCursorHandle cursor) const {
+        if (!cursor)
+            throw GenException(m_viewer.getErrorString());
+        return cursor;
+    }
+
+    AlertState readAlert(const ProfileCursor& alert) {
+        AlertState state;
+        state.id = alert.getColumnInt(layout::AlertId);
+        const std::map<std::string, std::string> properties = propertiesOf(state.id);
+        const auto property = [&](const char* name) {
+            const auto found = properties.find(name);
+            return found == properties.end() ? std::string() : found->second;
+        };
+        if (const auto job = parseInteger(property("JOB")))
+            state.job = static_cast<int>(*job);
+        if (state.job != m_job)
+            return state;
+        state.dataSource = text(alert, layout::AlertDsn);
+        const std::string object = text(alert, layout::AlertObject);
+        state.table = object.empty() ? text(alert, layout::AlertTable) : object;
+        state.subject = alertSubjectOf(text(alert, layout::AlertTypeCode));
+        state.description = text(alert, layout::AlertDescription);
+
+        AlertRule rule;
+        rule.value1 = parseNumber(property("VALUE1")).value_or(0);
+        rule.value2 = parseNumber(property("VALUE2")).value_or(0);
+        rule.runs = static_cast<int>(std::clamp<std::int64_t>(parseInteger(property("RUNS")).value_or(1), 1, 100'000));
+        rule.level = property("LEVEL") == alertLevelWord(AlertLevel::Error) ? AlertLevel::Error : AlertLevel::Warning;
+        const auto code = static_cast<int>(std::clamp<std::int64_t>(decimalPrefix(property("COMPARE")), -1, 1000));
+        const bool isRule = setAlertCode(rule, state.subject, code);
+
+        Figures figures;
+        if (state.subject == AlertSubject::StandardMetric) {
+            const auto id = static_cast<int>(std::clamp<std::int64_t>(decimalPrefix(property("METRIC")), -1, 1000));
+            const MetricInfo* const metric = findMetric(id);
+            state.input = text(alert, layout::AlertInput);
+            state.metric = metric ? metric->name : "";
+            if (metric && isRule)
+                figures = metricFigures(alert, metric->id, rule);
+        } else {
+            const std::string key = text(alert, layout::AlertKey);
+            const auto name = m_names.find(key);
+            state.input = name == m_names.end() ? key : name->second;
+            state.metric = property("METRIC");
+            if (isRule)
+                figures = state.subject == AlertSubject::CustomMetric ? customFigures(key) : ruleFigures(key, rule);
+        }
+        if (!isRule)
+            return state;
+        state.rule = rule;
+        state.isOfRecords = state.subject == AlertSubject::StandardMetric && property("RECORDS") == "1";
+        state.sentence = state.isOfRecords ? recordsAlertSentence(rule)
+                                           : alertSentence(state.subject, rule, state.metric, state.input);
+        state.figure = figures.current;
+        state.verdict = checkAlert(rule, figures.current, figures.earlier);
+        return state;
+    }
+
+    std::map<std::string, std::string> propertiesOf(int alert) {
+        std::map<std::string, std::string> properties;
+        const ProfileCursorHandle cursor = checked(m_viewer.getAlertProperties(alert));
+        while (cursor->next())
+            properties[text(*cursor, layout::AlertPropertyName)] = text(*cursor, layout::AlertPropertyValue);
+        return properties;
+    }
+
+    /// Walks a history, the oldest run first, and asks `figureOf` for the figure of each row.
+    template <typename FigureOf>
+    Figures collect(const ProfileCursorHandle& history, const FigureOf& figureOf) const {
+        Figures figures;
+        while (history->next()) {
+            const int run = history->getColumnInt(layout::HistoryRunId);
+            if (run > m_run)
+                break;
+            const std::optional<double> figure = figureOf(*history);
+            if (run == m_run)
+                figures.current = figure;
+            else if (figure)
+                figures.earlier.push_back(*figure);
+        }
+        std::reverse(figures.earlier.begin(), figures.earlier.end());
+        return figures;
+    }
+
+    Figures metricFigures(const ProfileCursor& alert, MetricId metric, const AlertRule& rule) {
+        // Of the latest run only as much of the past is read as the rule looks at. A run without the figure does not
+        // count, so that some more may be needed; those are taken from twice as many.
+        const int limit = !m_isLatest ? 0 : isChange(rule.comparison) ? 2 * rule.runs + 1 : 1;
+        const ProfileCursorHandle history = checked(m_viewer.getFieldHistory(
+            text(alert, layout::AlertDsn), text(alert, layout::AlertCatalog), text(alert, layout::AlertSchema),
+            text(alert, layout::AlertTable), text(alert, layout::AlertObject), text(alert, layout::AlertInput), limit));
+        const int column = layout::kFieldHistoryMetrics + static_cast<int>(metric);
+        return collect(history, [&](const ProfileCursor& row) { return parseNumber(text(row, column)); });
+    }
+
+    Figures customFigures(const std::string& key) {
+        return collect(checked(m_viewer.getCustomMetricHistory(key)), [](const ProfileCursor& row) {
+            return parseNumber(text(row, layout::MetricHistoryOutputValue));
+        });
+    }
+
+    Figures ruleFigures(const std::string& key, const AlertRule& rule) {
+        return collect(checked(m_viewer.getBusinessRuleHistory(key)),
+                       [&](const ProfileCursor& row) -> std::optional<double> {
+                           const auto failed = parseNumber(text(row, layout::RuleHistoryFailedRows));
+                           if (!failed || !rule.ofFailedPercent)
+                               return failed;
+                           const auto all = parseNumber(text(row, layout::RuleHistoryCheckedRows));
+                           return all && *all > 0 ? std::optional(100 * *failed / *all) : std::nullopt;
+                       });
+    }
+
+    PrViewer& m_viewer;
+    int m_job;
+    int m_run;
+    bool m_isLatest = false;
+    std::map<std::string, std::string> m_names; ///< of custom metrics and rules, by key
+};
+
+} // namespace
+
+std::vector<AlertState> readAlertStates(PrViewer& viewer, int job) {
+    return Reader(viewer, job).read();
+}
+
+} // namespace tavix

@@ -1,0 +1,337 @@
+#include "report/DistributionComparison.h"
+
+#include "base/Characters.h"
+
+#include <xxhash.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <utility>
+
+namespace tavix {
+
+namespace {
+
+/// Nobody who chooses texts can know where they will lie.
+std::uint64_t seed() {
+    static const std::uint64_t kSeed = std::uint64_t{std::random_device()()} << 32 | std::random_device()();
+    return kSeed;
+}
+
+struct Hash {
+    std::uint64_t place = 0;
+    std::uint64_t tag = 0; ///< both are 0 for null
+
+    Hash(std::string_view text, bool isNull) {
+        if (isNull)
+            return;
+        const XXH128_hash_t hash = XXH3_128bits_withSeed(text.data(), text.size(), seed());
+        place = hash.low64;
+        tag = hash.high64;
+    }
+    /// Which of `parts` equal parts of all hashes it falls into. Twice as many parts are the halves of these.
+    [[nodiscard]] std::uint64_t part(std::uint64_t parts) const { return (place >> 32) * parts >> 32; }
+};
+
+/// The texts of one side by their hashes. Open addressing: an entry lies at its place or right behind others there, and
+/// a count of 0 is a free slot.
+class MatchTable {
+  public:
+    static constexpr std::size_t kSlotBytes = 16;
+
+    /// `slots` is a power of two.
+    explicit MatchTable(std::size_t slots) : m_slots(slots), m_mask(slots - 1) {}
+
+    void clear() {
+        std::fill(m_slots.begin(), m_slots.end(), Slot());
+        m_used = m_open = 0;
+        m_openRows = 0;
+    }
+    [[nodiscard]] std::size_t slots() const { return m_slots.size(); }
+    [[nodiscard]] bool isFull() const { return m_used * 4 >= m_slots.size() * 3; }
+    void insert(const Hash& hash, std::int64_t count) {
+        Slot& slot = find(hash);
+        if (!slot.isFree())
+            return;
+        slot = {hash.tag, static_cast<std::uint64_t>(count)};
+        ++m_used;
+        ++m_open;
+        m_openRows += count;
+    }
+    /// The count of a text, which counts as met from now on; 0 when there is none.
+    std::int64_t meet(const Hash& hash) {
+        Slot& slot = find(hash);
+        if (slot.isFree())
+            return 0;
+        const auto count = static_cast<std::int64_t>(slot.count & ~kMet);
+        if (!slot.isMet()) {
+            --m_open;
+            m_openRows -= count;
+        }
+        slot.count |= kMet;
+        return count;
+    }
+    [[nodiscard]] bool isMet(const Hash& hash) { return find(hash).isMet(); }
+    void prefetch(const Hash& hash) const {
+        __builtin_prefetch(&m_slots[static_cast<std::size_t>(hash.place) & m_mask], 1);
+    }
+    /// How many were not met.
+    [[nodiscard]] std::size_t open() const { return m_open; }
+    [[nodiscard]] std::int64_t openRows() const { return m_openRows; }
+
+  private:
+    static constexpr std::uint64_t kMet = std::uint64_t{1} << 63;
+
+    struct Slot {
+        std::uint64_t tag = 0;
+        std::uint64_t count = 0;
+
+        [[nodiscard]] bool isFree() const { return count == 0; }
+        [[nodiscard]] bool isMet() const { return (count & kMet) != 0; }
+    };
+
+    Slot& find(const Hash& hash) {
+        for (std::size_t i = static_cast<std::size_t>(hash.place) & m_mask;; i = (i + 1) & m_mask)
+            if (m_slots[i].isFree() || m_slots[i].tag == hash.tag)
+                return m_slots[i];
+    }
+
+    std::vector<Slot> m_slots;
+    std::size_t m_mask;
+    std::size_t m_used = 0;
+    std::size_t m_open = 0;
+    std::int64_t m_openRows = 0;
+};
+
+KvbString exampleOf(std::string_view text, bool isNull) {
+    if (isNull)
+        return {};
+    return shortened(text, kLongestText);
+}
+
+bool textIsLess(const KvbString& a, const KvbString& b) {
+    return a.isNull() != b.isNull() ? a.isNull() : a.view() < b.view();
+}
+
+/// Keeps the best of what it is offered, as `better` has it.
+template <typename Better>
+class TopList {
+  public:
+    TopList(std::size_t limit, Better better) : m_limit(limit), m_better(std::move(better)) {}
+
+    /// Whether a change with these counts may come in, so that a text need not be copied to find out.
+    [[nodiscard]] bool mayTake(std::int64_t before, std::int64_t after) const {
+        if (m_heap.size() < m_limit)
+            return true;
+        return m_limit > 0 && !m_better.byCounts(m_heap.front(), ValueChange{{}, before, after});
+    }
+    void offer(ValueChange change) {
+        if (m_heap.size() == m_limit) {
+            if (m_limit == 0 || !m_better(change, m_heap.front()))
+                return;
+            std::pop_heap(m_heap.begin(), m_heap.end(), m_better);
+            m_heap.pop_back();
+        }
+        m_heap.push_back(std::move(change));
+        std::push_heap(m_heap.begin(), m_heap.end(), m_better);
+    }
+    [[nodiscard]] std::vector<ValueChange> sorted() && {
+        std::sort_heap(m_heap.begin(), m_heap.end(), m_better);
+        return std::move(m_heap);
+    }
+
+  private:
+    std::size_t m_limit;
+    Better m_better;
+    std::vector<ValueChange> m_heap; ///< the worst on top
+};
+
+struct MoreFrequent {
+    [[nodiscard]] bool byCounts(const ValueChange& a, const ValueChange& b) const {
+        return a.before + a.after > b.before + b.after;
+    }
+    [[nodiscard]] bool operator()(const ValueChange& a, const ValueChange& b) const {
+        return byCounts(a, b) || (!byCounts(b, a) && textIsLess(a.text, b.text));
+    }
+};
+
+/// Shares are compared as whole numbers over the common denominator: rounding would order equal ones.
+struct MovedFarther {
+    __extension__ using Wide = __int128;
+
+    std::int64_t rowsBefore;
+    std::int64_t rowsAfter;
+
+    [[nodiscard]] std::pair<Wide, std::int64_t> distance(const ValueChange& change) const {
+        const Wide share = Wide{change.after} * rowsBefore - Wide{change.before} * rowsAfter;
+        return {share < 0 ? -share : share, std::abs(change.after - change.before)};
+    }
+    [[nodiscard]] bool byCounts(const ValueChange& a, const ValueChange& b) const { return distance(a) > distance(b); }
+    [[nodiscard]] bool operator()(const ValueChange& a, const ValueChange& b) const {
+        const auto ofA = distance(a);
+        const auto ofB = distance(b);
+        return ofA > ofB || (ofA == ofB && textIsLess(a.text, b.text));
+    }
+};
+
+std::size_t slotsFor(std::int64_t texts, std::size_t memory) {
+    const std::size_t most = std::max<std::size_t>(memory / MatchTable::kSlotBytes, 64);
+    std::size_t slots = 64;
+    while (slots * 2 <= most && static_cast<double>(slots) * 0.7 < static_cast<double>(texts))
+        slots *= 2;
+    return slots;
+}
+
+/// The smaller side is kept in a table, the larger one passes by.
+class Comparison {
+  public:
+    Comparison(CountedTexts& before, CountedTexts& after, const ComparisonLimits& limits)
+        : m_isKeptBefore(before.size() <= after.size()),
+          m_kept(m_isKeptBefore ? before : after),
+          m_passing(m_isKeptBefore ? after : before),
+          m_table(slotsFor(m_kept.size(), limits.memory)),
+          m_top(limits.top),
+          m_fill(std::max<std::int64_t>(1, static_cast<std::int64_t>(m_table.slots() * 7 / 10))),
+          m_moved(limits.top, {before.rows(), after.rows()}),
+          m_onlyKept(limits.top, {}),
+          m_onlyPassing(limits.top, {}) {
+        m_changes.rowsBefore = before.rows();
+        m_changes.rowsAfter = after.rows();
+    }
+
+    DistributionChanges run() {
+        const auto parts = static_cast<std::uint64_t>((m_kept.size() + m_fill - 1) / m_fill);
+        for (std::uint64_t part = 0; part < std::max<std::uint64_t>(1, parts); ++part)
+            matchPart(part, std::max<std::uint64_t>(1, parts));
+        ofKept().top = std::move(m_onlyKept).sorted();
+        ofPassing().top = std::move(m_onlyPassing).sorted();
+        m_changes.moved.top = std::move(m_moved).sorted();
+        return std::move(m_changes);
+    }
+
+  private:
+    DistributionChanges::Group& ofKept() { return m_isKeptBefore ? m_changes.vanished : m_changes.appeared; }
+    DistributionChanges::Group& ofPassing() { return m_isKeptBefore ? m_changes.appeared : m_changes.vanished; }
+
+    template <typename List>
+    static void offer(List& list, std::string_view text, bool isNull, std::int64_t before, std::int64_t after) {
+        if (list.mayTake(before, after))
+            list.offer({exampleOf(text, isNull), before, after});
+    }
+    void moved(std::string_view text, bool isNull, std::int64_t kept, std::int64_t passing) {
+        const std::int64_t before = m_isKeptBefore ? kept : passing;
+        const std::int64_t after = m_isKeptBefore ? passing : kept;
+        ++m_changes.moved.texts;
+        m_changes.moved.rowsBefore += before;
+        m_changes.moved.rowsAfter += after;
+        offer(m_moved, text, isNull, before, after);
+    }
+    void onlyPassing(std::string_view text, bool isNull, std::int64_t count) {
+        ++ofPassing().texts;
+        (m_isKeptBefore ? ofPassing().rowsAfter : ofPassing().rowsBefore) += count;
+        offer(m_onlyPassing, text, isNull, m_isKeptBefore ? 0 : count, m_isKeptBefore ? count : 0);
+    }
+    /// As the table tells it, so that the texts need not all be walked again.
+    void countOnlyKept() {
+        ofKept().texts += static_cast<std::int64_t>(m_table.open());
+        (m_isKeptBefore ? ofKept().rowsBefore : ofKept().rowsAfter) += m_table.openRows();
+    }
+
+    /// Calls `visit(hash, text, isNull, count)` for the texts of a part until it gives false. Their places in the table
+    /// are far from each other, so that memory is asked for many of them before the first is looked at.
+    template <typename Visit>
+    void walkPart(CountedTexts& side, std::uint64_t part, std::uint64_t parts, const Visit& visit) {
+        m_batch.clear();
+        m_batchText.clear();
+        bool goesOn = true;
+        const auto work = [&] {
+            for (const Waiting& one : m_batch) {
+                const std::string_view text = std::string_view(m_batchText).substr(one.begin, one.length);
+                if (goesOn && !visit(one.hash, text, one.isNull, one.count))
+                    goesOn = false;
+            }
+            m_batch.clear();
+            m_batchText.clear();
+            return goesOn;
+        };
+        side.walk([&](std::string_view text, bool isNull, std::int64_t count) {
+            const Hash hash(text, isNull);
+            if (count <= 0 || hash.part(parts) != part)
+                return true;
+            m_table.prefetch(hash);
+            const std::string_view kept = text.substr(0, kLongestText + 1);
+            m_batch.push_back({hash, count, m_batchText.size(), kept.size(), isNull});
+            m_batchText += kept;
+            return m_batch.size() < kBatch || work();
+        });
+        work();
+    }
+
+    void matchPart(std::uint64_t part, std::uint64_t parts) {
+        m_table.clear();
+        bool fits = true;
+        walkPart(m_kept, part, parts, [&](const Hash& hash, std::string_view, bool, std::int64_t count) {
+            fits = !m_table.isFull();
+            if (fits)
+                m_table.insert(hash, count);
+            return fits;
+        });
+        if (!fits) {
+            matchPart(2 * part, 2 * parts);
+            matchPart(2 * part + 1, 2 * parts);
+            return;
+        }
+        walkPart(m_passing, part, parts, [&](const Hash& hash, std::string_view text, bool isNull, std::int64_t count) {
+            const std::int64_t kept = m_table.meet(hash);
+            if (kept == 0)
+                onlyPassing(text, isNull, count);
+            else if (kept != count)
+                moved(text, isNull, kept, count);
+            return true;
+        });
+        countOnlyKept();
+        std::size_t wanted = std::min(m_table.open(), m_top);
+        if (wanted == 0)
+            return;
+        // They come with the most frequent first.
+        walkPart(m_kept, part, parts, [&](const Hash& hash, std::string_view text, bool isNull, std::int64_t count) {
+            if (m_table.isMet(hash))
+                return true;
+            offer(m_onlyKept, text, isNull, m_isKeptBefore ? count : 0, m_isKeptBefore ? 0 : count);
+            return --wanted > 0;
+        });
+    }
+
+    static constexpr std::size_t kBatch = 256;
+
+    struct Waiting {
+        Hash hash;
+        std::int64_t count;
+        std::size_t begin; ///< in m_batchText
+        std::size_t length;
+        bool isNull;
+    };
+
+    bool m_isKeptBefore;
+    CountedTexts& m_kept;
+    CountedTexts& m_passing;
+    MatchTable m_table;
+    std::size_t m_top;
+    std::int64_t m_fill; ///< how many texts a part should have
+    TopList<MovedFarther> m_moved;
+    TopList<MoreFrequent> m_onlyKept;
+    TopList<MoreFrequent> m_onlyPassing;
+    DistributionChanges m_changes;
+    std::vector<Waiting> m_batch;
+    std::string m_batchText; ///< of each as much as may be shown
+};
+
+} // namespace
+
+DistributionChanges compareDistributions(CountedTexts& before, CountedTexts& after, const ComparisonLimits& limits) {
+    return Comparison(before, after, limits).run();
+}
+
+} // namespace tavix

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "base/KvbString.h"
+#include "base/Metrics.h"
+#include "report/DistributionKind.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tavix {
+
+/// What the percentages of a distribution are a share of: of values, the processed records; of patterns, the values
+/// that are not null, as null has no pattern; with a filter, what passes it. The window and the tool both ask here.
+class DistributionShare {
+  public:
+    DistributionShare() = default;
+    /// `total` is the sum of the counts of all rows of the distribution, listed or not.
+    DistributionShare(DistributionKind kind, bool isFiltered, std::int64_t total)
+        : m_kind(kind), m_isFiltered(isFiltered), m_total(total) {}
+
+    [[nodiscard]] std::int64_t Total() const { return m_total; }
+    /// 0 to 100; nothing when the total is 0.
+    [[nodiscard]] std::optional<double> PercentOf(std::int64_t count) const;
+    /// The base in words: "of 2,499 records", "of 373 non-null values", "of 1 passing value".
+    [[nodiscard]] std::string BaseText() const;
+    /// What programs call a column of these percentages.
+    [[nodiscard]] std::string_view ColumnKey() const;
+
+  private:
+    DistributionKind m_kind = DistributionKind::Frequency;
+    bool m_isFiltered = false;
+    std::int64_t m_total = 0;
+};
+
+/// The total of a field's pattern distribution without a filter, from its metrics; 0 when they do not tell.
+[[nodiscard]] std::int64_t patternTotal(const std::array<KvbString, kMetricCount>& metrics);
+
+} // namespace tavix

@@ -1,0 +1,356 @@
+#include "report/RunComparison.h"
+
+#include "access/Layouts.h"
+#include "access/PrViewer.h"
+#include "base/GenException.h"
+#include "base/Metrics.h"
+#include "base/NumberText.h"
+#include "report/DistributionComparison.h"
+#include "report/DistributionShare.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+namespace tavix {
+
+namespace {
+
+using Subject = RunChange::Subject;
+using Kind = RunChange::Kind;
+
+constexpr std::int64_t kRowsPerPulse = 4096;
+
+ProfileCursorHandle checked(PrViewer& viewer, ProfileCursorHandle cursor) {
+    if (!cursor)
+        throw GenException(viewer.getErrorString());
+    return cursor;
+}
+
+/// A number where the text is one, digit for digit, else the text.
+KvbDatavar numberOrText(const KvbString& text) {
+    if (const auto whole = parseInteger(text.view()); whole && formatInteger(*whole) == text.view())
+        return *whole;
+    if (const auto real = parseNumber(text.view()); real && formatReal(*real) == text.view())
+        return *real;
+    return text;
+}
+
+bool isNumericType(std::string_view code) {
+    return code == "I" || code == "R";
+}
+
+struct Table {
+    int id = -1;
+    std::string name;
+    std::array<std::int64_t, 3> records{};
+};
+
+constexpr std::array kRecordColumns{std::pair{layout::TableTotalRecords, "Total records"},
+                                    std::pair{layout::TableProcessedRecords, "Processed records"},
+                                    std::pair{layout::TableDamagedRecords, "Damaged records"}};
+
+struct Field {
+    int id = -1;
+    std::string name;
+    std::string typeCode;
+    std::array<KvbString, kMetricCount> metrics;
+};
+
+/// A custom metric or a rule.
+struct Computed {
+    std::string name;
+    std::string text; ///< expression or condition
+    KvbDatavar value;
+    std::optional<double> percent;
+};
+
+std::vector<Table> tablesOf(PrViewer& viewer) {
+    std::vector<Table> tables;
+    const ProfileCursorHandle cursor = checked(viewer, viewer.getTableList(-1));
+    while (cursor->next()) {
+        Table table;
+        table.id = cursor->getColumnInt(layout::TableId);
+        const KvbString object = cursor->getColumnValue(layout::TableObjectName);
+        table.name = (object.isEmpty() ? cursor->getColumnValue(layout::TableName) : object).str();
+        for (std::size_t i = 0; i < kRecordColumns.size(); ++i)
+            table.records[i] = KvbDatavar(cursor->getColumnValue(kRecordColumns[i].first)).toInt64();
+        tables.push_back(std::move(table));
+    }
+    return tables;
+}
+
+std::vector<Field> fieldsOf(PrViewer& viewer, int table) {
+    std::vector<Field> fields;
+    const ProfileCursorHandle cursor = checked(viewer, viewer.getFieldList(table));
+    while (cursor->next()) {
+        Field field;
+        field.id = cursor->getColumnInt(layout::FieldId);
+        field.name = cursor->getColumnValue(layout::FieldName).str();
+        field.typeCode = cursor->getColumnValue(layout::FieldTypeCode).str();
+        for (std::size_t i = 0; i < kMetricCount; ++i)
+            field.metrics[i] = cursor->getColumnValue(layout::kFieldListMetrics + static_cast<int>(i));
+        fields.push_back(std::move(field));
+    }
+    return fields;
+}
+
+std::vector<Computed> customMetricsOf(PrViewer& viewer, int table) {
+    std::vector<Computed> metrics;
+    const ProfileCursorHandle cursor = checked(viewer, viewer.getCustomMetrics(table));
+    while (cursor->next())
+        metrics.push_back({cursor->getColumnValue(layout::CustomMetricName).str(),
+                           cursor->getColumnValue(layout::CustomMetricExpression).str(),
+                           numberOrText(cursor->getColumnValue(layout::CustomMetricOutputValue)), std::nullopt});
+    return metrics;
+}
+
+std::optional<double> percentOf(std::int64_t part, std::int64_t whole) {
+    return whole > 0 ? std::optional(100.0 * static_cast<double>(part) / static_cast<double>(whole)) : std::nullopt;
+}
+
+std::vector<Computed> rulesOf(PrViewer& viewer, int table) {
+    std::vector<Computed> rules;
+    const ProfileCursorHandle cursor = checked(viewer, viewer.getBusinessRules(table));
+    while (cursor->next()) {
+        const std::int64_t failed = KvbDatavar(cursor->getColumnValue(layout::RuleFailedRows)).toInt64();
+        const std::int64_t all = KvbDatavar(cursor->getColumnValue(layout::RuleCheckedRows)).toInt64();
+        rules.push_back({cursor->getColumnValue(layout::RuleName).str(),
+                         cursor->getColumnValue(layout::RuleCondition).str(), failed, percentOf(failed, all)});
+    }
+    return rules;
+}
+
+template <typename Entry>
+const Entry* findByName(const std::vector<Entry>& entries, const std::string& name) {
+    const auto found = std::find_if(entries.begin(), entries.end(), [&](const Entry& e) { return e.name == name; });
+    return found == entries.end() ? nullptr : &*found;
+}
+
+/// The distribution of a field in the current run of a session.
+class StoredTexts final : public CountedTexts {
+  public:
+    StoredTexts(PrViewer& viewer, const Field& field, bool isPatterns, const std::function<void()>& pulse)
+        : m_viewer(viewer),
+          m_field(field.id),
+          m_isPatterns(isPatterns),
+          m_pulse(pulse),
+          m_size(isPatterns ? viewer.getPatternDistCount(field.id) : viewer.getFreqDistCount(field.id)),
+          m_rows(isPatterns ? patternTotal(field.metrics) : viewer.getFreqDistSum(field.id)) {
+        if (m_size < 0 || m_rows < 0)
+            throw GenException(viewer.getErrorString());
+    }
+
+    [[nodiscard]] std::int64_t size() const override { return m_size; }
+    [[nodiscard]] std::int64_t rows() const override { return m_rows; }
+
+    void walk(const Visitor& visitor) override {
+        const ProfileCursorHandle cursor =
+            checked(m_viewer, m_isPatterns ? m_viewer.getPatternDist(m_field, "") : m_viewer.getFreqDist(m_field, ""));
+        const int textColumn = m_isPatterns ? int{layout::PatternText} : int{layout::FreqValue};
+        const int countColumn = m_isPatterns ? int{layout::PatternCountColumn} : int{layout::FreqCount};
+        for (std::int64_t row = 0; cursor->next(); ++row) {
+            if (m_pulse && row % kRowsPerPulse == 0)
+                m_pulse();
+            const KvbString text = cursor->getColumnValue(textColumn);
+            // Counts of rows are whole numbers far below 2^53.
+            const auto count = static_cast<std::int64_t>(cursor->getColumnDouble(countColumn));
+            if (!visitor(text.view(), text.isNull(), count))
+                return;
+        }
+    }
+
+  private:
+    PrViewer& m_viewer;
+    int m_field;
+    bool m_isPatterns;
+    const std::function<void()>& m_pulse;
+    std::int64_t m_size;
+    std::int64_t m_rows;
+};
+
+class Comparison {
+  public:
+    Comparison(PrViewer& before, PrViewer& after, const RunComparisonOptions& options,
+               const std::function<void(const RunChange&)>& sink)
+        : m_before(before), m_after(after), m_options(options), m_sink(sink) {}
+
+    void run() {
+        const std::vector<Table> before = tablesOf(m_before);
+        const std::vector<Table> after = tablesOf(m_after);
+        for (const Table& table : after) {
+            if (m_options.table && table.name != *m_options.table)
+                continue;
+            if (const Table* earlier = findByName(before, table.name))
+                compareTables(*earlier, table);
+            else
+                tell(Subject::Table, Kind::New, table.name, "");
+        }
+        for (const Table& table : before)
+            if (!findByName(after, table.name) && (!m_options.table || table.name == *m_options.table))
+                tell(Subject::Table, Kind::Vanished, table.name, "");
+    }
+
+  private:
+    void tell(Subject subject, Kind kind, const std::string& table, const std::string& field) {
+        m_sink({subject, kind, table, field, {}, {}, {}, {}, {}});
+    }
+    void pulse() const {
+        if (m_options.pulse)
+            m_options.pulse();
+    }
+
+    void compareTables(const Table& before, const Table& after) {
+        for (std::size_t i = 0; i < kRecordColumns.size(); ++i)
+            if (before.records[i] != after.records[i])
+                m_sink({Subject::Records,
+                        Kind::Changed,
+                        after.name,
+                        "",
+                        kRecordColumns[i].second,
+                        before.records[i],
+                        after.records[i],
+                        {},
+                        {}});
+        compareComputed(after.name, customMetricsOf(m_before, before.id), customMetricsOf(m_after, after.id),
+                        Subject::CustomMetric, Subject::Expression);
+        compareComputed(after.name, rulesOf(m_before, before.id), rulesOf(m_after, after.id), Subject::Rule,
+                        Subject::Condition);
+        const std::vector<Field> fieldsBefore = fieldsOf(m_before, before.id);
+        const std::vector<Field> fieldsAfter = fieldsOf(m_after, after.id);
+        for (const Field& field : fieldsAfter) {
+            pulse();
+            if (const Field* earlier = findByName(fieldsBefore, field.name))
+                compareFields(after.name, *earlier, field);
+            else
+                tell(Subject::Field, Kind::New, after.name, field.name);
+        }
+        for (const Field& field : fieldsBefore)
+            if (!findByName(fieldsAfter, field.name))
+                tell(Subject::Field, Kind::Vanished, after.name, field.name);
+    }
+
+    void compareComputed(const std::string& table, const std::vector<Computed>& before,
+                         const std::vector<Computed>& after, Subject value, Subject text) {
+        for (const Computed& one : after) {
+            const Computed* earlier = findByName(before, one.name);
+            if (!earlier) {
+                m_sink({value, Kind::New, table, "", one.name, {}, one.value, {}, one.percent});
+                continue;
+            }
+            if (earlier->text != one.text)
+                m_sink({text, Kind::Changed, table, "", one.name, earlier->text, one.text, {}, {}});
+            if (!(earlier->value == one.value) || earlier->percent != one.percent)
+                m_sink({value, Kind::Changed, table, "", one.name, earlier->value, one.value, earlier->percent,
+                        one.percent});
+        }
+        for (const Computed& one : before)
+            if (!findByName(after, one.name))
+                m_sink({value, Kind::Vanished, table, "", one.name, one.value, {}, one.percent, {}});
+    }
+
+    /// Figures are numbers; what is a value of the field is one when the field's type says so in both runs.
+    static KvbDatavar metricCell(const KvbString& text, MetricId id, bool isNumeric) {
+        switch (id) {
+        case MetricId::MinimumValue:
+        case MetricId::MaximumValue:
+        case MetricId::Median:
+        case MetricId::Mode:
+            return isNumeric ? numberOrText(text) : KvbDatavar(text);
+        case MetricId::DefinedType:
+        case MetricId::ActualType:
+        case MetricId::PrimaryKey:
+        case MetricId::Nullable:
+            return text;
+        default:
+            return numberOrText(text);
+        }
+    }
+
+    void compareFields(const std::string& table, const Field& before, const Field& after) {
+        const bool isNumeric = isNumericType(before.typeCode) && isNumericType(after.typeCode);
+        for (const MetricInfo& metric : metricCatalogue()) {
+            const KvbString& was = before.metrics[index(metric.id)];
+            const KvbString& is = after.metrics[index(metric.id)];
+            if (was == is)
+                continue;
+            m_sink({Subject::Metric,
+                    Kind::Changed,
+                    table,
+                    after.name,
+                    metric.name,
+                    metricCell(was, metric.id, isNumeric),
+                    metricCell(is, metric.id, isNumeric),
+                    {},
+                    {}});
+        }
+        if (m_options.top == 0)
+            return;
+        compareTexts(table, before, after, false);
+        compareTexts(table, before, after, true);
+    }
+
+    void compareTexts(const std::string& table, const Field& before, const Field& after, bool isPatterns) {
+        StoredTexts textsBefore(m_before, before, isPatterns, m_options.pulse);
+        StoredTexts textsAfter(m_after, after, isPatterns, m_options.pulse);
+        const DistributionChanges changes = compareDistributions(textsBefore, textsAfter, {m_options.top});
+        const Subject all = isPatterns ? Subject::Patterns : Subject::Values;
+        const Subject one = isPatterns ? Subject::Pattern : Subject::Value;
+        const std::array groups{std::pair{Kind::New, &changes.appeared}, std::pair{Kind::Vanished, &changes.vanished},
+                                std::pair{Kind::Changed, &changes.moved}};
+        for (const auto& [kind, group] : groups) {
+            if (group->texts == 0)
+                continue;
+            const bool wasThere = kind != Kind::New;
+            const bool isThere = kind != Kind::Vanished;
+            const DistributionKind kindOfTexts = isPatterns ? DistributionKind::Pattern : DistributionKind::Frequency;
+            const auto percent = [kindOfTexts](bool present, std::int64_t part, std::int64_t whole) {
+                return present ? DistributionShare(kindOfTexts, false, whole).PercentOf(part) : std::nullopt;
+            };
+            const auto number = [](bool present, std::int64_t count) {
+                return present ? KvbDatavar(count) : KvbDatavar();
+            };
+            m_sink({all,
+                    kind,
+                    table,
+                    after.name,
+                    {},
+                    number(wasThere, group->texts),
+                    number(isThere, group->texts),
+                    percent(wasThere, group->rowsBefore, changes.rowsBefore),
+                    percent(isThere, group->rowsAfter, changes.rowsAfter)});
+            for (const ValueChange& change : group->top)
+                m_sink({one, kind, table, after.name, change.text, number(wasThere, change.before),
+                        number(isThere, change.after), percent(wasThere, change.before, changes.rowsBefore),
+                        percent(isThere, change.after, changes.rowsAfter)});
+        }
+    }
+
+    PrViewer& m_before;
+    PrViewer& m_after;
+    const RunComparisonOptions& m_options;
+    const std::function<void(const RunChange&)>& m_sink;
+};
+
+} // namespace
+
+KvbDatavar differenceOf(const RunChange& change) {
+    const auto* wholeBefore = std::get_if<std::int64_t>(&change.before.storage());
+    const auto* wholeAfter = std::get_if<std::int64_t>(&change.after.storage());
+    std::int64_t difference = 0;
+    if (wholeBefore && wholeAfter && !__builtin_sub_overflow(*wholeAfter, *wholeBefore, &difference))
+        return difference;
+    const auto isNumber = [](const KvbDatavar& value) {
+        return std::holds_alternative<double>(value.storage()) || std::holds_alternative<std::int64_t>(value.storage());
+    };
+    if (!isNumber(change.before) || !isNumber(change.after))
+        return {};
+    return change.after.toDouble() - change.before.toDouble();
+}
+
+void compareRuns(PrViewer& before, PrViewer& after, const RunComparisonOptions& options,
+                 const std::function<void(const RunChange&)>& sink) {
+    Comparison(before, after, options, sink).run();
+}
+
+} // namespace tavix

@@ -1,0 +1,85 @@
+#include "settings/MetricDisplay.h"
+
+#include "base/Metrics.h"
+#include "base/NumberText.h"
+
+#include <algorithm>
+#include <limits>
+#include <numeric>
+
+namespace tavix {
+
+namespace {
+
+constexpr std::string_view kSection = "TAVIX";
+
+std::string metricKey(std::size_t id) {
+    return "Metric" + formatInteger(static_cast<std::int64_t>(id));
+}
+
+} // namespace
+
+MetricDisplay parseMetricChoice(std::string_view text) {
+    MetricDisplay metric;
+    if (text.empty())
+        return metric;
+    metric.shown = text.front() == 'S';
+    metric.position = static_cast<int>(std::clamp<std::int64_t>(
+        decimalPrefix(text.substr(1)), std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+    return metric;
+}
+
+std::string formatMetricChoice(const MetricDisplay& metric) {
+    return (metric.shown ? "S" : "U") + formatInteger(metric.position);
+}
+
+void readMetricChoices(const SettingsStore& store, std::span<MetricDisplay> metrics) {
+    for (std::size_t id = 0; id < metrics.size(); ++id) {
+        const MetricDisplay choice = parseMetricChoice(store.read(kSection, metricKey(id)));
+        metrics[id].shown = choice.shown;
+        metrics[id].position = choice.position;
+    }
+}
+
+Status writeMetricChoices(SettingsStore& store, std::span<const MetricDisplay> metrics) {
+    Status outcome;
+    for (std::size_t id = 0; id < metrics.size(); ++id)
+        if (auto status = store.write(kSection, metricKey(id), formatMetricChoice(metrics[id])); !status && outcome)
+            outcome = std::move(status);
+    return outcome;
+}
+
+std::vector<MetricDisplay> standardMetricDisplay(const SettingsStore& store) {
+    std::vector<MetricDisplay> metrics;
+    for (const MetricInfo& info : metricCatalogue())
+        metrics.push_back({std::string(info.name), false, 0});
+    readMetricChoices(store, metrics);
+    return metrics;
+}
+
+Status writeFirstStartDefaults(SettingsStore& store) {
+    std::vector<MetricDisplay> metrics(kMetricCount);
+    for (std::size_t id = 0; id < metrics.size(); ++id) {
+        if (!store.read(kSection, metricKey(id)).empty())
+            return {};
+        metrics[id] = {{}, true, static_cast<int>(id)};
+    }
+    return writeMetricChoices(store, metrics);
+}
+
+std::vector<int> metricOrder(std::span<const MetricDisplay> metrics) {
+    std::vector<int> ids(metrics.size());
+    std::iota(ids.begin(), ids.end(), 0);
+    std::stable_sort(ids.begin(), ids.end(), [metrics](int a, int b) {
+        return metrics[static_cast<std::size_t>(a)].position < metrics[static_cast<std::size_t>(b)].position;
+    });
+    return ids;
+}
+
+std::vector<int> shownMetrics(std::span<const MetricDisplay> metrics) {
+    std::vector<int> ids = metricOrder(metrics);
+    std::erase_if(ids, [metrics](int id) { return !metrics[static_cast<std::size_t>(id)].shown; });
+    return ids;
+}
+
+} // namespace tavix
