@@ -1,8 +1,8 @@
 #include "cli/CheckCommand.h"
 
 #include "cli/CommandError.h"
-#include "cli/Interruption.h"
 #include "cli/RepositoryChoice.h"
+#include "cli/Signals.h"
 #include "repository/RepositoryCheck.h"
 #include "repository/Schema.h"
 

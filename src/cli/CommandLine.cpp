@@ -13,7 +13,6 @@
 #include "cli/FunctionsCommand.h"
 #include "cli/HelpFormatter.h"
 #include "cli/InspectCommand.h"
-#include "cli/Interruption.h"
 #include "cli/JobsCommand.h"
 #include "cli/NotesCommand.h"
 #include "cli/ProfileCommand.h"
@@ -21,6 +20,7 @@
 #include "cli/RulesCommand.h"
 #include "cli/RunsCommand.h"
 #include "cli/ShowCommand.h"
+#include "cli/Signals.h"
 #include "cli/TablesCommand.h"
 
 #include <CLI/App.hpp>
@@ -181,7 +181,7 @@ std::vector<const char*> withEmptyValues(int argc, const char* const* argv, std:
 int runCommandLine(int argc, const char* const* argv) {
     // A reader that goes away shows as a failed write and not as a signal.
     std::signal(SIGPIPE, SIG_IGN);
-    watchForInterruption();
+    watchSignals();
 
     CommonOptions options;
     Commands commands = makeCommands(argc > 1 ? argv[1] : "");

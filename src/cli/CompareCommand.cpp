@@ -4,11 +4,11 @@
 #include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
-#include "cli/Interruption.h"
 #include "cli/Names.h"
 #include "cli/RepositoryChoice.h"
 #include "cli/RunChoice.h"
 #include "cli/Session.h"
+#include "cli/Signals.h"
 #include "report/RunComparison.h"
 
 #include <CLI/App.hpp>

@@ -3,9 +3,9 @@
 #include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
-#include "cli/DateText.h"
 #include "cli/RunChoice.h"
 #include "cli/Session.h"
+#include "cli/ShownDate.h"
 
 #include <CLI/App.hpp>
 #include <fmt/format.h>
@@ -40,7 +40,7 @@ void listRuns(Listing& listing, const std::vector<RunEntry>& runs) {
                    "Deleted runs",
                    {{"run", "Run", Column::Kind::Number}, {"date", "Date"}, {"description", "Description"}}});
     for (const RunEntry& run : runs)
-        listing.row(Row{run.id, dateText(run.date), run.description});
+        listing.row(Row{run.id, shownDate(run.date), run.description});
     listing.end();
     listing.finish();
 }

@@ -4,10 +4,10 @@
 #include "base/NumberText.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
-#include "cli/DateText.h"
 #include "cli/FieldTypes.h"
-#include "cli/Interruption.h"
 #include "cli/Session.h"
+#include "cli/ShownDate.h"
+#include "cli/Signals.h"
 #include "filter/ExpressionCheck.h"
 #include "report/DistributionShare.h"
 
@@ -322,7 +322,7 @@ void listLog(Session& session, Listing& listing, std::int64_t limit) {
     const ProfileCursorHandle log = session.checked(session.viewer().getExecutionLog());
     for (std::int64_t shown = 0; shown < limit && log->next(); ++shown) {
         const auto level = static_cast<std::size_t>(log->getColumnInt(layout::LogLevelCode));
-        listing.row(Row{dateText(log->getColumnDouble(layout::LogDate)),
+        listing.row(Row{shownDate(log->getColumnDouble(layout::LogDate)),
                         std::string(level < kLevels.size() ? kLevels[level] : "?"),
                         KvbString(log->getColumnValue(layout::LogTable).view()), log->getColumnValue(layout::LogText)});
     }

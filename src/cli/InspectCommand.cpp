@@ -3,7 +3,7 @@
 #include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
-#include "cli/Interruption.h"
+#include "cli/Signals.h"
 #include "profiling/FileInspection.h"
 
 #include <CLI/App.hpp>

@@ -1,8 +1,8 @@
 #include "cli/JobsCommand.h"
 
 #include "access/Layouts.h"
-#include "cli/DateText.h"
 #include "cli/Session.h"
+#include "cli/ShownDate.h"
 
 #include <CLI/App.hpp>
 
@@ -29,7 +29,7 @@ void JobsCommand::run(const CommonOptions& options) {
         const bool hasRun = !jobs->isColumnNull(layout::ReportLastRunId);
         listing.row(Row{jobs->getColumnValue(layout::ReportName), jobs->getColumnInt(layout::ReportRunCount),
                         hasRun ? KvbDatavar(jobs->getColumnInt(layout::ReportLastRunId)) : KvbDatavar(),
-                        hasRun ? dateText(jobs->getColumnDouble(layout::ReportLastRunDate)) : KvbDatavar(),
+                        hasRun ? shownDate(jobs->getColumnDouble(layout::ReportLastRunDate)) : KvbDatavar(),
                         KvbString(jobs->getColumnValue(layout::ReportDescription).view())});
     }
     listing.end();

@@ -1,7 +1,7 @@
 #include "cli/Listing.h"
 
 #include "cli/Command.h"
-#include "cli/Interruption.h"
+#include "cli/Signals.h"
 
 namespace tavix::cli {
 

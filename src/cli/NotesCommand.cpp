@@ -4,8 +4,8 @@
 #include "base/LoginName.h"
 #include "base/NoteText.h"
 #include "cli/CommandError.h"
-#include "cli/DateText.h"
 #include "cli/Session.h"
+#include "cli/ShownDate.h"
 
 #include <CLI/App.hpp>
 
@@ -112,8 +112,9 @@ void NotesCommand::run(const CommonOptions& options) {
     while (notes->next()) {
         if (m_add && notes->getColumnInt(layout::NoteId) != latest)
             continue;
-        listing.row(Row{dateText(notes->getColumnDouble(layout::NoteDate)), notes->getColumnValue(layout::NoteCategory),
-                        notes->getColumnValue(layout::NoteUser), notes->getColumnValue(layout::NoteText)});
+        listing.row(Row{shownDate(notes->getColumnDouble(layout::NoteDate)),
+                        notes->getColumnValue(layout::NoteCategory), notes->getColumnValue(layout::NoteUser),
+                        notes->getColumnValue(layout::NoteText)});
     }
     listing.end();
     listing.finish();

@@ -2,7 +2,7 @@
 
 #include "base/HeldRepositories.h"
 #include "cli/CommandError.h"
-#include "cli/Interruption.h"
+#include "cli/Signals.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #include "cli/ProgressLine.h"
 
 #include "cli/DisplayText.h"
-#include "cli/Interruption.h"
+#include "cli/Signals.h"
 
 #include <fmt/format.h>
 #include <sys/ioctl.h>

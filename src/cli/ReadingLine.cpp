@@ -1,7 +1,7 @@
 #include "cli/ReadingLine.h"
 
 #include "cli/DisplayText.h"
-#include "cli/Interruption.h"
+#include "cli/Signals.h"
 
 #include <fmt/format.h>
 #include <unistd.h>

@@ -7,10 +7,10 @@
 #include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
-#include "cli/Interruption.h"
 #include "cli/NearestValue.h"
 #include "cli/ReadingLine.h"
 #include "cli/Session.h"
+#include "cli/Signals.h"
 #include "cli/SourceCredentials.h"
 
 #include <CLI/App.hpp>

@@ -1,9 +1,9 @@
 #include "cli/RunsCommand.h"
 
 #include "access/Layouts.h"
-#include "cli/DateText.h"
 #include "cli/RunChoice.h"
 #include "cli/Session.h"
+#include "cli/ShownDate.h"
 
 #include <CLI/App.hpp>
 
@@ -32,7 +32,7 @@ void RunsCommand::run(const CommonOptions& options) {
                     {"description", "Description"}}});
     const ProfileCursorHandle runs = session.checked(session.viewer().getJobs());
     while (runs->next())
-        listing.row(Row{runs->getColumnInt(layout::JobRunId), dateText(runs->getColumnDouble(layout::JobDate)),
+        listing.row(Row{runs->getColumnInt(layout::JobRunId), shownDate(runs->getColumnDouble(layout::JobDate)),
                         KvbDatavar(runs->getColumnValue(layout::JobTables)).toInt64(),
                         KvbDatavar(runs->getColumnValue(layout::JobRecords)).toInt64(),
                         KvbString(runs->getColumnValue(layout::JobDescription).view())});

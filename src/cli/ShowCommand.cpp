@@ -4,10 +4,10 @@
 #include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
-#include "cli/DateText.h"
 #include "cli/FilterArgument.h"
 #include "cli/RuleLists.h"
 #include "cli/Session.h"
+#include "cli/ShownDate.h"
 #include "cli/TablesCommand.h"
 #include "filter/ExpressionCheck.h"
 
@@ -139,7 +139,7 @@ void ShowCommand::showRun(Session& session, const CommonOptions& options) const 
         double date = 0;
         KvbString description;
         session.check(session.viewer().getJobInfo(runId, date, description));
-        listing.row(Row{session.jobName(), runId, dateText(date), KvbString(description.view())});
+        listing.row(Row{session.jobName(), runId, shownDate(date), KvbString(description.view())});
     }
     listing.end();
     listTables(session, listing);

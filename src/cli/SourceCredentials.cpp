@@ -3,7 +3,7 @@
 #include "base/LoginName.h"
 #include "cli/Console.h"
 #include "cli/DisplayText.h"
-#include "cli/Interruption.h"
+#include "cli/Signals.h"
 
 #include <fmt/format.h>
 #include <termios.h>

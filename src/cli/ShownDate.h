@@ -5,7 +5,7 @@
 
 namespace tavix::cli {
 
-/// "2026-11-21 08:15:00", local time; null for a date that is none.
-[[nodiscard]] KvbDatavar dateText(LibraryDate date);
+/// "2026-11-21 08:15:00" in local time; null for an empty date.
+[[nodiscard]] KvbDatavar shownDate(LibraryDate date);
 
 } // namespace tavix::cli

@@ -1,10 +1,10 @@
-#include "cli/DateText.h"
+#include "cli/ShownDate.h"
 
 #include <fmt/format.h>
 
 namespace tavix::cli {
 
-KvbDatavar dateText(LibraryDate date) {
+KvbDatavar shownDate(LibraryDate date) {
     const DateParts parts = decompose(date);
     if (parts == DateParts())
         return {};

@@ -1,4 +1,4 @@
-#include "cli/Interruption.h"
+#include "cli/Signals.h"
 
 #include "cli/CommandError.h"
 
@@ -16,7 +16,7 @@ void remember(int) {
 
 } // namespace
 
-void watchForInterruption() {
+void watchSignals() {
     struct sigaction action {};
     action.sa_handler = remember;
     // Without SA_RESTART, so that waiting for an answer ends too.
