@@ -60,6 +60,7 @@ constexpr std::array kTableList{
     Column{TableProcessedRecords, "Processed Records", "rt.processed_records"},
     Column{TableFields, "Fields", "rt.fields"},
     Column{TableDamagedRecords, "Damaged Records", "rt.damaged_records"},
+    Column{TableIsSample, "Sample", kIsSample},
 };
 
 constexpr std::array kFieldHead{

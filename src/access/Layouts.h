@@ -39,8 +39,8 @@ enum Reports {
 enum Report { ReportRowId, ReportRowName, ReportRowDescription, ReportRowCreated };
 enum Jobs { JobRunId, JobDate, JobDescription, JobTables, JobRecords, JobSeconds };
 enum DsnList { DsnId, DsnName, DsnKind, DsnTables };
-/// TableKindLetter is Y, S or D. TableFilter is the condition of a filtered table, TableAlternateFilter the text to
-/// show when that is empty.
+/// TableKindLetter is that of a TableKind. TableFilter is the condition of a filtered table, TableAlternateFilter the
+/// text to show when that is empty.
 enum TableList {
     TableKindLetter,
     TableId,
@@ -55,8 +55,17 @@ enum TableList {
     TableTotalRecords,
     TableProcessedRecords,
     TableFields,
-    TableDamagedRecords
+    TableDamagedRecords,
+    TableIsSample
 };
+/// Whether the metrics of a run's table are those of a sample of its rows, or of its base table's: an SQL condition on
+/// run_table rt and profiled_table t. Only the base of a filtered table shows whether it was sampled.
+inline constexpr std::string_view kIsSample =
+    "CASE WHEN t.kind <> 'D' THEN rt.processed_records < rt.total_records ELSE EXISTS (SELECT 1 FROM profiled_table bt "
+    "CROSS JOIN run_table b ON b.run = rt.run AND b.table_id = bt.id WHERE bt.data_source = t.data_source AND "
+    "bt.name = t.name AND bt.catalog = t.catalog AND bt.schema = t.schema AND bt.kind <> 'D' AND b.query = rt.query "
+    "AND "
+    "b.processed_records < b.total_records) END";
 
 /// Columns 0 to 2 of all four field lists.
 enum FieldListHead { FieldId, FieldName, FieldTypeCode };

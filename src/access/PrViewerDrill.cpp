@@ -18,11 +18,7 @@ namespace {
 constexpr std::string_view kTableOfField =
     "SELECT d.name, t.catalog, t.schema, t.name, t.object_name, t.kind, f.name, rt.query, t.id, rt.filter, "
     "rt.file_path, rt.file_delimiter, rt.file_header, rt.file_encoding, rt.file_size, rt.file_modified, "
-    "{connection}, {user}, "
-    // A filtered table has the sample of the one that it is based on, and that one alone shows it.
-    "EXISTS (SELECT 1 FROM run_table b JOIN profiled_table bt ON bt.id = b.table_id WHERE b.run = rt.run AND "
-    "b.processed_records <> b.total_records AND bt.kind = 'Y' AND bt.data_source = t.data_source AND "
-    "bt.catalog = t.catalog AND bt.schema = t.schema AND bt.name = t.name) "
+    "{connection}, {user}, {sample} "
     "FROM field f JOIN profiled_table t ON t.id = f.table_id JOIN data_source d ON d.id = t.data_source "
     "JOIN run_table rt ON rt.run = ?1 AND rt.table_id = t.id WHERE f.id = ?2";
 enum TableColumn {
@@ -123,6 +119,7 @@ Result<sql::Statement> PrViewer::Impl::tableOfField(int ofRun, int field) const 
     };
     fill("{connection}", "rt.connection", kConnectionsSince);
     fill("{user}", "rt.connection_user", kFormsSince);
+    fill("{sample}", layout::kIsSample, 0);
     auto select = bound(sql, {ofRun, field});
     if (!select)
         return select;

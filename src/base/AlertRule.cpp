@@ -26,7 +26,7 @@ const SubjectWords& wordsOf(AlertSubject subject) {
     return kSubjects[static_cast<std::size_t>(subject)];
 }
 
-// `code` is in capitals.
+// `code` is in upper case.
 bool equalsInAnyCase(std::string_view text, std::string_view code) {
     return std::equal(text.begin(), text.end(), code.begin(), code.end(), [](char a, char b) {
         return (a >= 'a' && a <= 'z' ? static_cast<char>(a - 'a' + 'A') : a) == b;
@@ -85,10 +85,17 @@ std::string_view alertTypeCode(AlertSubject subject) {
     return wordsOf(subject).code;
 }
 
+std::optional<AlertSubject> findAlertSubject(std::string_view typeCode) {
+    const auto* const found = std::find_if(kSubjects.begin(), kSubjects.end(),
+                                           [typeCode](const SubjectWords& words) { return words.code == typeCode; });
+    return found == kSubjects.end() ? std::nullopt : std::optional(found->subject);
+}
+
 AlertSubject alertSubjectOf(std::string_view typeCode) {
-    if (equalsInAnyCase(typeCode, "CM"))
-        return AlertSubject::CustomMetric;
-    return equalsInAnyCase(typeCode, "BR") ? AlertSubject::BusinessRule : AlertSubject::StandardMetric;
+    for (const SubjectWords& words : kSubjects)
+        if (equalsInAnyCase(typeCode, words.code))
+            return words.subject;
+    return AlertSubject::StandardMetric;
 }
 
 std::string_view alertTypeWord(AlertSubject subject) {

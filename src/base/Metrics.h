@@ -7,7 +7,7 @@
 
 namespace tavix {
 
-/// The standard metrics of a field; the number is the metric's id in the repository, in settings and in reports.
+/// The standard metrics of a field. The number is the id of the metric in the repository and in settings.
 enum class MetricId {
     Count = 0,
     UniqueCount = 1,
@@ -37,10 +37,36 @@ enum class MetricId {
 
 inline constexpr std::size_t kMetricCount = 24;
 
+/// The kind of a metric's value.
+enum class MetricValue {
+    WholeNumber,
+    RealNumber,
+    Percent,
+    FieldValue, ///< of the type of the field
+    Word,
+};
+
+enum MetricTrait : unsigned {
+    MainMetric = 1, ///< listed where there is room for a few only
+    /// Describes only the sampled records: records outside the sample may have lower, higher, shorter or further
+    /// values.
+    OfSampleAlone = 2,
+    Rounded = 4, ///< shortened in lists
+    LeftAligned = 8,
+};
+
+/// All that is fixed about a metric: adding one takes a row of the catalogue and a computation in profiling/.
 struct MetricInfo {
     MetricId id;
     std::string_view name;   ///< as shown to users
-    std::string_view column; ///< the name of its column in the repository, in JSON and in CSV
+    std::string_view column; ///< in the repository
+    std::string_view key;    ///< in JSON and CSV
+    MetricValue value;
+    unsigned traits = 0; ///< bits of MetricTrait
+
+    [[nodiscard]] constexpr bool has(MetricTrait trait) const { return (traits & trait) != 0; }
+    /// Whether an alert can compare it with a number.
+    [[nodiscard]] constexpr bool isFigure() const { return value != MetricValue::Word; }
 };
 
 /// All metrics in the order of their ids.
@@ -48,10 +74,7 @@ struct MetricInfo {
 /// The metric with this number; null for a number outside the catalogue.
 [[nodiscard]] const MetricInfo* findMetric(int id);
 
-/// Whether a sample of a table's rows tells this metric of the sample alone: the rows that were left out may hold
-/// lower, higher, shorter, longer and further values.
-[[nodiscard]] bool isOfSampleAlone(MetricId id);
-/// What stands behind the name of such a metric.
+/// Follows the name of an OfSampleAlone metric in a run over a sample.
 inline constexpr std::string_view kOfSampleAlone = " (sample)";
 
 [[nodiscard]] constexpr std::size_t index(MetricId id) {

@@ -18,7 +18,7 @@ using State = AlertVerdict::State;
 KvbDatavar cell(const std::optional<double>& number) {
     if (!number)
         return {};
-    // Most figures count something.
+    // Counts are listed without decimals.
     const std::int64_t whole = saturateToInt64(*number);
     return static_cast<double>(whole) == *number ? KvbDatavar(whole) : KvbDatavar(*number);
 }
@@ -56,7 +56,7 @@ void listAlerts(const CommonOptions& options, const std::vector<AlertState>& ale
                     {"description", "Description"},
                     {"condition", "Condition", Column::Kind::Prose}}});
     for (const AlertState& alert : alerts) {
-        // Without a description of its own an alert has its condition there.
+        // The description of an alert without one of its own is the condition.
         const bool isDescribed = alert.description != alert.sentence;
         listing.row(Row{stateWord(alert), alert.rule ? std::string(alertLevelWord(alert.rule->level)) : KvbDatavar(),
                         alert.table, std::string(alertTypeWord(alert.subject)),
@@ -74,9 +74,9 @@ void sayAlerts(const std::vector<AlertState>& alerts) {
             continue;
         const std::string what = fmt::format("{}: {}", alert.table, conditionOf(alert));
         if (!alert.isRaised()) {
-            // Before there is a second run, nothing can have changed.
+            // In the first run of a job a change is unknown, which needs no message.
             if (alert.rule && !isChange(alert.rule->comparison))
-                say(fmt::format("alert not checked, there is no such figure: {}", what));
+                say(fmt::format("alert not checked, the run does not have the figure: {}", what));
             continue;
         }
         std::string figure = fmt::format("it is {}", formatReadable(*alert.figure));
@@ -88,7 +88,7 @@ void sayAlerts(const std::vector<AlertState>& alerts) {
 
 void sayIfNoAlert(const std::vector<AlertState>& alerts, std::string_view job) {
     if (alerts.empty())
-        say(fmt::format("--fail-at has nothing to look at: the job \"{}\" has no alert", job));
+        say(fmt::format("--fail-at has no effect: the job \"{}\" has no alert", job));
 }
 
 void failOnAlerts(const std::vector<AlertState>& alerts, AlertLevel level) {

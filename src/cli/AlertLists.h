@@ -16,10 +16,10 @@ struct CommonOptions;
 
 void listAlerts(const CommonOptions& options, const std::vector<AlertState>& alerts);
 
-/// Says on standard error which alerts are raised and which could not be checked, in their order.
+/// Lists on standard error the alerts that are raised and those that could not be checked, in their order.
 void sayAlerts(const std::vector<AlertState>& alerts);
 
-/// Says on standard error that --fail-at cannot find anything in a job without alerts.
+/// Warns on standard error that --fail-at has no effect on a job without alerts.
 void sayIfNoAlert(const std::vector<AlertState>& alerts, std::string_view job);
 
 /// Throws CommandError with ExitCode::Alert when an alert is raised at this level or a higher one.

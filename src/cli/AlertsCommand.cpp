@@ -15,14 +15,16 @@ CLI::App* AlertsCommand::declare(CLI::App& program) {
     command->add_option("-t,--table", m_table, "Only the alerts of this table")->type_name("NAME");
     command->add_flag("--raised", m_raised, "Only the alerts that are raised");
     command
-        ->add_option("--fail-at", m_failAt, "warning or error: end with exit code 1 when one is raised at this level")
+        ->add_option("--fail-at", m_failAt,
+                     "warning or error: exit with code 1 if an alert of this level or a higher one is raised")
         ->type_name("LEVEL")
         ->transform(oneOf({"warning", "error"}));
     m_runChoice.declare(*command);
     command->footer(
-        "A job file defines alerts; each run of it replaces those of the job. An alert is raised, quiet, or\n"
-        "unknown: then the run has no such figure, or there is no earlier run for a change. The reference is\n"
-        "what a change is measured against. An earlier run is checked against the alerts of today.\n\n"
+        "A job file defines alerts; each run of it replaces the alerts of the job. An alert is raised, quiet,\n"
+        "or unknown because the run does not have the figure or no earlier run has one to compare with. The\n"
+        "reference is the value that a change is measured from. An earlier run is checked against the\n"
+        "present alerts.\n\n"
         "Examples:\n"
         "  tavix alerts -R profile.tavix\n"
         "  tavix alerts -R profile.tavix --job sales --run 3 --raised --format json");
@@ -36,7 +38,7 @@ void AlertsCommand::run(const CommonOptions& options) {
     if (!m_failAt.empty())
         sayIfNoAlert(alerts, session.jobName());
     if (m_table) {
-        const std::string table = session.table(*m_table).name;
+        const std::string table = session.table(*m_table).displayName();
         std::erase_if(alerts, [&](const AlertState& alert) { return alert.table != table; });
     }
     if (m_raised)

@@ -21,7 +21,7 @@ std::string rangeText(std::int64_t least, std::int64_t most) {
                                                             : fmt::format("a whole number from {} to {}", least, most);
 }
 
-/// "G", "GB" or "GiB" in any case is 2^30, and so on; nothing for what is not a unit.
+/// "G", "GB" and "GiB" in any case are 2^30, and so on; nothing for any other text.
 std::optional<double> unitOf(std::string_view text) {
     constexpr std::string_view kUnits = "kmgt";
     std::string unit(text);
@@ -59,7 +59,7 @@ CLI::Validator wholeNumber(std::int64_t least, std::int64_t most) {
             const auto number = parseInteger(text);
             if (!number || *number < least || *number > most)
                 return fmt::format("\"{}\" is not {}", text, rangeText(least, most));
-            // CLI11 takes a leading zero for octal digits.
+            // CLI11 would read digits after a leading zero as octal.
             text = formatInteger(*number);
             return std::string();
         },

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-/// What options accept, with errors in our own words. Each is given to an option by `transform`, for what it accepts is
-/// rewritten as CLI11 reads it.
+/// Validators with error texts of our own. Pass them to an option's `transform`, since they rewrite the argument into a
+/// form that CLI11 can convert.
 namespace tavix::cli {
 
 /// A decimal number in this range.

@@ -33,13 +33,14 @@ KvbDatavar orNull(const std::string& text) {
 } // namespace
 
 CLI::App* CheckCommand::declare(CLI::App& program) {
-    CLI::App* command = program.add_subcommand("check", "Check that a repository holds what was stored in it");
-    command->footer("Reads the whole file: what SQLite says of it, the checksums of each run and each table, and the\n"
-                    "packed values. Runs of earlier versions have no checksum; their values are checked all the same.\n"
-                    "Ends with exit code 3 when something is damaged. Nothing is changed.\n\n"
-                    "Examples:\n"
-                    "  tavix check -R profile.tavix\n"
-                    "  tavix check -R profile.tavix --format json");
+    CLI::App* command = program.add_subcommand("check", "Check a repository for damage");
+    command->footer(
+        "Reads the whole file and checks its SQLite structure, the checksums of each run and each table,\n"
+        "and the packed values. Runs of earlier versions have no checksums; only their values are checked.\n"
+        "Exits with code 3 if anything is damaged. Changes nothing.\n\n"
+        "Examples:\n"
+        "  tavix check -R profile.tavix\n"
+        "  tavix check -R profile.tavix --format json");
     return command;
 }
 

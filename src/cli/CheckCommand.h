@@ -4,7 +4,7 @@
 
 namespace tavix::cli {
 
-/// `tavix check`: whether a repository holds what was stored in it.
+/// `tavix check`: verifies the checksums and the packed values of a repository.
 class CheckCommand final : public Command {
   public:
     CLI::App* declare(CLI::App& program) override;

@@ -18,14 +18,14 @@ struct CommonOptions {
     bool spreadsheet = false;
 };
 
-/// A command of the program: it declares its arguments and, when it was the one that the user gave, runs.
+/// A command of the program: declares its arguments, and runs when the user chose it.
 class Command {
   public:
     virtual ~Command() = default;
 
     /// Adds the command to the program with its arguments and its help. The command must outlive `program`.
     virtual CLI::App* declare(CLI::App& program) = 0;
-    /// Throws CommandError, OutputClosed or GenException when it does not succeed.
+    /// Throws CommandError, OutputClosed or GenException on failure.
     virtual void run(const CommonOptions& options) = 0;
 };
 

@@ -5,14 +5,14 @@
 
 namespace tavix::cli {
 
-/// What the program ends with. The numbers are a promise to scripts.
+/// The exit codes of the program. Scripts rely on the numbers.
 enum class ExitCode {
     Ok = 0,
     Alert = 1,     ///< done, and an alert is raised at the level that was asked for
     Usage = 2,     ///< wrong arguments or a wrong job file
     Source = 3,    ///< a file to profile, the repository or the output failed
     Cancelled = 4, ///< by the user; nothing was changed
-    Partial = 4,   ///< a run is stored, but without files that are empty
+    Partial = 4,   ///< a run was stored without its empty files
 };
 
 /// Ends the running command. CommandLine alone catches it, shows its text and turns it into the exit code.
@@ -26,7 +26,7 @@ class CommandError : public std::runtime_error {
     ExitCode m_code;
 };
 
-/// The reader of our output went away, as `head` does: no failure, and nothing to say.
+/// The reader of standard output has closed the pipe, as `head` does. The program then ends silently, with success.
 class OutputClosed {};
 
 } // namespace tavix::cli

@@ -43,24 +43,24 @@ namespace tavix::cli {
 namespace {
 
 constexpr const char* kAbout =
-    "Profiles tables and shows what is in them: the values of every field with their counts, patterns,\n"
-    "percentiles, outliers and twenty-four metrics, run after run, kept in a repository file.";
+    "Profiles tables and shows their contents: the values of every field with their counts, patterns,\n"
+    "percentiles, outliers and 24 metrics. Every run is kept in a repository file.";
 
 constexpr const char* kFooter =
     "Examples:\n"
     "  tavix inspect sales.csv                                   how a file would be read\n"
     "  tavix profile sales.csv customers.csv -R profile.tavix    profile two files\n"
-    "  tavix tables -R profile.tavix                             what was profiled\n"
+    "  tavix tables -R profile.tavix                             the tables that were profiled\n"
     "  tavix fields -R profile.tavix --table sales               the fields of a table\n"
     "  tavix show -R profile.tavix --field sales.city            everything about a field\n"
     "  tavix show -R profile.tavix --field sales.city --values --format csv -o city.csv\n"
-    "  tavix rows -R profile.tavix sales.city --value Berlin     the rows behind a value\n"
+    "  tavix rows -R profile.tavix sales.city --value Berlin     the source rows with a value\n"
     "\n"
-    "\"tavix COMMAND --help\" tells more about a command.\n"
+    "\"tavix COMMAND --help\" describes a command.\n"
     "Results go to standard output, messages to standard error.\n"
-    "Exit codes: 0 done; 1 done, and an alert is raised (--fail-at); 2 wrong arguments or job file;\n"
+    "Exit codes: 0 success; 1 success, but an alert is raised (--fail-at); 2 wrong arguments or job file;\n"
     "3 a source, the repository or the output failed;\n"
-    "4 cancelled, or the run is stored without its empty files.";
+    "4 cancelled, or the run was stored without its empty files.";
 
 using Commands = std::vector<std::unique_ptr<Command>>;
 
@@ -85,8 +85,8 @@ constexpr KnownCommand kCommands[] = {
     {"check", make<CheckCommand>},
 };
 
-/// The command with that name alone, since to declare all of them takes as long as some of them run; all of them when
-/// there is none.
+/// The command with that name; all commands when there is none. Declaring all of them would take as long as some of
+/// them run.
 Commands makeCommands(std::string_view wanted) {
     Commands commands;
     for (const KnownCommand& known : kCommands)
@@ -98,10 +98,10 @@ Commands makeCommands(std::string_view wanted) {
     return commands;
 }
 
-/// Every command has these as its own, so that its help shows them and they may stand before or behind it.
+/// Every command declares these as its own too: its help shows them, and they are accepted before and after its name.
 void addCommonOptions(CLI::App& app, CommonOptions& options) {
     constexpr const char* kGroup = "Common options";
-    // Made anew, so that it stands here and not before the command's own.
+    // Declared again to list it in this group instead of before the options of the command.
     app.set_help_flag();
     app.set_help_flag("-h,--help", "Print this help and exit")->group(kGroup);
     static const std::map<std::string, Format> kFormats{
@@ -114,11 +114,11 @@ void addCommonOptions(CLI::App& app, CommonOptions& options) {
         ->transform(oneOf({"text", "json", "csv"}))
         ->type_name("FORMAT")
         ->group(kGroup);
-    app.add_option("-o,--output", options.outputPath, "Write the result to this file, whole or not at all")
+    app.add_option("-o,--output", options.outputPath, "Write the result to this file, completely or not at all")
         ->type_name("FILE")
         ->group(kGroup);
     app.add_flag("--spreadsheet", options.spreadsheet,
-                 "In csv: put ' before text that a spreadsheet would take for a formula (=, +, -, @)")
+                 "With csv: put ' before text that a spreadsheet would take for a formula (=, +, -, @)")
         ->group(kGroup);
 }
 
@@ -126,7 +126,7 @@ ExitCode runGuarded(Command& command, const CommonOptions& options) {
     try {
         if (options.spreadsheet && options.format != Format::Csv)
             throw CommandError(ExitCode::Usage, "--spreadsheet goes with --format csv");
-        // From before the first file is opened: the output or a source may be named like the repository.
+        // Held before any file is opened, because the output or a source may be the repository itself.
         std::optional<HeldRepository> held;
         if (!options.repository.empty())
             held.emplace(repositoryFile(options.repository));
@@ -147,7 +147,7 @@ ExitCode runGuarded(Command& command, const CommonOptions& options) {
     return ExitCode::Source;
 }
 
-/// What is wrong with the arguments, and where to read on.
+/// Reports wrong arguments and points to the help.
 void sayUsage(const CLI::App& program, const CLI::ParseError& error) {
     const std::vector<const CLI::App*> used =
         program.get_subcommands([](const CLI::App* sub) { return sub->parsed() && !sub->get_name().empty(); });
@@ -159,7 +159,7 @@ void sayUsage(const CLI::App& program, const CLI::ParseError& error) {
     sayPlain(fmt::format("See \"tavix {}--help\".", used.empty() ? "" : used.front()->get_name() + " "));
 }
 
-/// "--value=" as "--value" and an empty argument, which the parser would take from what follows.
+/// Splits "--value=" into "--value" and an empty argument; CLI11 would take the next argument as the value.
 std::vector<const char*> withEmptyValues(int argc, const char* const* argv, std::deque<std::string>& names) {
     std::vector<const char*> arguments;
     bool isOption = true;
@@ -179,7 +179,7 @@ std::vector<const char*> withEmptyValues(int argc, const char* const* argv, std:
 } // namespace
 
 int runCommandLine(int argc, const char* const* argv) {
-    // A reader that goes away shows as a failed write and not as a signal.
+    // A closed pipe is reported by write(), not by a signal.
     std::signal(SIGPIPE, SIG_IGN);
     watchSignals();
 

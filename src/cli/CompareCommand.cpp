@@ -1,5 +1,6 @@
 #include "cli/CompareCommand.h"
 
+#include "base/NullText.h"
 #include "base/NumberText.h"
 #include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
@@ -66,7 +67,7 @@ std::string_view wordOf(RunChange::Kind kind) {
     return "changed";
 }
 
-/// Writes the changes: for programs as one list, for people as one for each table and field.
+/// Writes the changes: in JSON and CSV as one list, in text as a list for each table and field.
 class ChangeList {
   public:
     explicit ChangeList(const CommonOptions& options)
@@ -104,7 +105,7 @@ class ChangeList {
   private:
     static KvbDatavar percent(const std::optional<double>& share) { return share ? KvbDatavar(*share) : KvbDatavar(); }
 
-    /// Two figures that differ only where text rounds them.
+    /// Two numbers that the text format would round to the same digits.
     static bool looksEqual(const KvbDatavar& before, const KvbDatavar& after) {
         const auto* was = std::get_if<double>(&before.storage());
         const auto* is = std::get_if<double>(&after.storage());
@@ -117,7 +118,7 @@ class ChangeList {
         if (!m_isText || !change.item.isNull())
             return change.item;
         if (change.subject == Subject::Value)
-            return "(null value)";
+            return std::string(kNullValue);
         return change.subject == Subject::Values || change.subject == Subject::Patterns ? "(all)" : KvbDatavar();
     }
 
@@ -136,7 +137,7 @@ class ChangeList {
         if (!m_isText)
             section.columns = {{"table", "Table"}, {"field", "Field"}};
         const Column::Kind number = Column::Kind::Number;
-        // Cells that are numbers are written as such; a text that looks like one is a value of a text field.
+        // Numbers arrive as numbers; text that looks like one is a value of a text field.
         const Column::Kind figure = m_isText ? number : Column::Kind::Text;
         section.columns.insert(section.columns.end(), {{"what", "What"},
                                                        {"change", "Change"},
@@ -159,27 +160,28 @@ class ChangeList {
 } // namespace
 
 CLI::App* CompareCommand::declare(CLI::App& program) {
-    CLI::App* command = program.add_subcommand("compare", "Say what differs between two runs of a job");
+    CLI::App* command = program.add_subcommand("compare", "List the differences between two runs of a job");
     addJobChoice(*command, m_job);
     command
         ->add_option("--run", m_runs,
-                     "Given twice: the two runs, the earlier first. Given once: that run and the one before it. "
-                     "Else the last two runs")
+                     "Given twice: the two runs, the earlier one first. Given once: that run and the one before it. "
+                     "Default: the last two runs")
         ->type_name("N")
         ->transform(wholeNumber(1, kMostRun))
         ->allow_extra_args(false);
-    command->add_option("-t,--table", m_table, "Only this table")->type_name("NAME");
+    command->add_option("-t,--table", m_table, "Compare only this table")->type_name("NAME");
     command
-        ->add_option("--top", m_top,
-                     "So many of the new, the vanished and the most moved values and patterns of each field; 10 unless "
-                     "given. 0 leaves values and patterns out, which is quick")
+        ->add_option(
+            "--top", m_top,
+            "The limit for new, vanished and most moved values and patterns of each field. Default: 10. 0 skips "
+            "values and patterns, which is fast")
         ->type_name("N")
         ->transform(wholeNumber(0, kMostTop));
     command->footer(
-        "Lists what changed and nothing else: tables and fields that are new or have vanished, numbers of\n"
-        "records, metrics, custom metrics, rules, and for each field the new, the vanished and the most moved\n"
-        "values and patterns with their rows and shares of the rows. The order is fixed and no time or run\n"
-        "number is written, so that two results can be compared by diff.\n\n"
+        "Lists only differences: new and vanished tables and fields, numbers of records, metrics, custom\n"
+        "metrics, rules, and for each field the new, vanished and most moved values and patterns with their\n"
+        "rows and shares. The order is fixed, and no time or run number is written, so two results can be\n"
+        "compared with diff.\n\n"
         "Examples:\n"
         "  tavix compare -R profile.tavix --job sales\n"
         "  tavix compare -R profile.tavix --job sales --run 3 --run 7 --top 20 --format csv -o changes.csv");
@@ -188,10 +190,10 @@ CLI::App* CompareCommand::declare(CLI::App& program) {
 
 CompareCommand::Runs CompareCommand::chooseRuns(Session& session) const {
     std::vector<int> known; // the latest first
-    for (const RunEntry& run : session.runs())
+    for (const RunInfo& run : session.runs())
         known.push_back(run.id);
     if (m_runs.size() > 2)
-        throw CommandError(ExitCode::Usage, "two runs can be compared: give --run at most twice");
+        throw CommandError(ExitCode::Usage, "only two runs can be compared: give --run at most twice");
     if (m_runs.size() == 2)
         return {m_runs[0], m_runs[1]};
     auto after = known.begin();
@@ -210,7 +212,7 @@ CompareCommand::Runs CompareCommand::chooseRuns(Session& session) const {
 }
 
 void CompareCommand::run(const CommonOptions& options) {
-    // A session for each run, so that neither has to go to and fro.
+    // One session for each run: a session has one current run.
     const std::string repository = chosenRepository(options.repository);
     Session before(repository);
     Session after(repository);
@@ -222,9 +224,9 @@ void CompareCommand::run(const CommonOptions& options) {
     if (m_table) {
         std::vector<std::string> names;
         for (Session* session : {&after, &before})
-            for (const TableEntry& table : session->tables())
-                if (std::find(names.begin(), names.end(), table.name) == names.end())
-                    names.push_back(table.name);
+            for (const TableIdentity& table : session->tables())
+                if (std::find(names.begin(), names.end(), table.displayName()) == names.end())
+                    names.push_back(table.displayName());
         (void)pickByName("table", *m_table, names);
     }
     say(fmt::format("run {} of job \"{}\" compared with run {}", runs.before, after.jobName(), runs.after));

@@ -10,7 +10,7 @@ namespace tavix::cli {
 
 class Session;
 
-/// `tavix compare`: what differs between two runs of a job.
+/// `tavix compare`: the differences between two runs of a job.
 class CompareCommand final : public Command {
   public:
     CLI::App* declare(CLI::App& program) override;

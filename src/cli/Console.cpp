@@ -15,7 +15,7 @@ void say(std::string_view text) {
 }
 
 void sayPlain(std::string_view text) {
-    // An error text may have several lines of its own; what else it holds may come from a file.
+    // Line ends are ours, but the rest of an error text may quote a file: only line ends pass unescaped.
     std::string out;
     while (!text.empty()) {
         const std::size_t end = text.find('\n');

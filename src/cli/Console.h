@@ -2,17 +2,17 @@
 
 #include <string_view>
 
-/// What is said to the user beside the result: on standard error.
+/// Messages to the user, which go to standard error to keep them apart from the result.
 namespace tavix::cli {
 
 /// A line "tavix: TEXT".
 void say(std::string_view text);
-/// A line as it stands, controls made harmless.
+/// A line without a prefix. Control characters are escaped.
 void sayPlain(std::string_view line);
 
-/// Asks on the terminal; anything but y or yes is no. False too when the user interrupts or ends the input.
+/// Asks on the terminal. True for y or yes; false for any other answer, an interruption and the end of the input.
 [[nodiscard]] bool askYesNo(std::string_view question);
-/// There is someone to ask.
+/// Whether standard input and standard error are a terminal.
 [[nodiscard]] bool canAsk();
 
 } // namespace tavix::cli

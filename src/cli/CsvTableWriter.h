@@ -4,9 +4,9 @@
 
 namespace tavix::cli {
 
-/// CSV as RFC 4180 quotes it, in UTF-8, lines ended by "\n". As our own reader has it, null is an empty cell and an
-/// empty text is "". Values are otherwise written as they are; only with `spreadsheet` does a text that begins like a
-/// formula get an apostrophe in front, since then what is read back is no longer the value.
+/// CSV in UTF-8, quoted as in RFC 4180, with "\n" after each line. Null is an empty cell and an empty text is "", as in
+/// the CSV reader of this program. With `spreadsheet` a text that begins like a formula gets an apostrophe in front;
+/// this is off by default because such a value does not read back unchanged.
 class CsvTableWriter final : public TableWriter {
   public:
     CsvTableWriter(Output& output, bool spreadsheet) : m_output(output), m_spreadsheet(spreadsheet) {}

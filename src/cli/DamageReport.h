@@ -6,7 +6,8 @@
 
 namespace tavix::cli {
 
-/// "birdstrikes.csv: 3 damaged rows; line 17: too few cells (3 of 14), ..."; the first five of them. "" without damage.
+/// "birdstrikes.csv: 3 damaged rows; line 17: too few cells (3 of 14), ..."; lists five rows at most. "" without
+/// damage.
 [[nodiscard]] std::string damageText(const std::string& file, const profiling::TableOutcome& outcome);
 
 } // namespace tavix::cli

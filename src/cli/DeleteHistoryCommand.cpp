@@ -16,12 +16,12 @@ namespace tavix::cli {
 
 namespace {
 
-/// The runs to delete, oldest first. Throws when none would stay, or the run named by `upTo` does not exist.
-std::vector<RunEntry> chooseRuns(std::vector<RunEntry> runs, std::optional<int> upTo, std::optional<int> keep) {
-    std::sort(runs.begin(), runs.end(), [](const RunEntry& a, const RunEntry& b) { return a.id < b.id; });
+/// The runs to delete, oldest first. Throws when no run would be left, or when there is no run `upTo`.
+std::vector<RunInfo> chooseRuns(std::vector<RunInfo> runs, std::optional<int> upTo, std::optional<int> keep) {
+    std::sort(runs.begin(), runs.end(), [](const RunInfo& a, const RunInfo& b) { return a.id < b.id; });
     std::size_t count = 0;
     if (upTo) {
-        const auto last = std::find_if(runs.begin(), runs.end(), [&](const RunEntry& run) { return run.id == *upTo; });
+        const auto last = std::find_if(runs.begin(), runs.end(), [&](const RunInfo& run) { return run.id == *upTo; });
         if (last == runs.end())
             throw CommandError(ExitCode::Usage, fmt::format("the job has no run {}; see \"tavix runs\"", *upTo));
         count = static_cast<std::size_t>(last - runs.begin()) + 1;
@@ -35,11 +35,11 @@ std::vector<RunEntry> chooseRuns(std::vector<RunEntry> runs, std::optional<int> 
     return runs;
 }
 
-void listRuns(Listing& listing, const std::vector<RunEntry>& runs) {
+void listRuns(Listing& listing, const std::vector<RunInfo>& runs) {
     listing.begin({"deleted_runs",
                    "Deleted runs",
                    {{"run", "Run", Column::Kind::Number}, {"date", "Date"}, {"description", "Description"}}});
-    for (const RunEntry& run : runs)
+    for (const RunInfo& run : runs)
         listing.row(Row{run.id, shownDate(run.date), run.description});
     listing.end();
     listing.finish();
@@ -48,7 +48,7 @@ void listRuns(Listing& listing, const std::vector<RunEntry>& runs) {
 } // namespace
 
 CLI::App* DeleteHistoryCommand::declare(CLI::App& program) {
-    CLI::App* command = program.add_subcommand("delete-history", "Delete old runs of a job for good");
+    CLI::App* command = program.add_subcommand("delete-history", "Delete old runs of a job permanently");
     addJobChoice(*command, m_job);
     constexpr const char* kWhich = "Which runs (one of these)";
     command->add_option("--up-to", m_upTo, "Delete this run and all before it")
@@ -60,7 +60,7 @@ CLI::App* DeleteHistoryCommand::declare(CLI::App& program) {
         ->transform(wholeNumber(0, kMostRun))
         ->group(kWhich);
     command->add_flag("-y,--yes", m_yes, "Do not ask");
-    command->footer("At least one run stays. The deleted runs are listed.\n\n"
+    command->footer("At least one run is kept. Lists the deleted runs.\n\n"
                     "Examples:\n"
                     "  tavix delete-history -R profile.tavix --job sales --keep 10\n"
                     "  tavix delete-history -R profile.tavix --up-to 7 --yes");
@@ -74,7 +74,7 @@ void DeleteHistoryCommand::run(const CommonOptions& options) {
         throw CommandError(ExitCode::Usage, "at least one run of a job must stay");
     Session session(options.repository);
     session.selectJob(m_job);
-    const std::vector<RunEntry> runs = chooseRuns(session.runs(), m_upTo, m_keep);
+    const std::vector<RunInfo> runs = chooseRuns(session.runs(), m_upTo, m_keep);
     Listing listing(options);
     if (runs.empty()) {
         say("there is nothing to delete");

@@ -13,7 +13,7 @@ namespace {
 
 constexpr UChar32 kReplacement = 0xFFFD;
 
-/// The character at `position`, which moves behind it; U+FFFD for a byte that begins none.
+/// Decodes the character at `position` and moves `position` past it. U+FFFD for a byte that begins none.
 UChar32 nextShown(std::string_view text, std::size_t& position) {
     const UChar32 character = nextCharacter(text, position);
     return character < 0 ? kReplacement : character;
@@ -61,7 +61,7 @@ void appendEscape(std::string& out, UChar32 character) {
 /// Appends a text without line ends to `lines`.
 void fold(std::string_view paragraph, std::size_t width, std::vector<std::string>& lines) {
     std::size_t start = 0;   // of the line
-    std::size_t lastGap = 0; // behind the last blank at which the line may end
+    std::size_t lastGap = 0; // after the last blank at which the line may break
     std::size_t used = 0;
     for (std::size_t position = 0; position < paragraph.size();) {
         const std::size_t begin = position;
@@ -122,7 +122,7 @@ std::string cutToWidth(std::string_view text, std::size_t width) {
     if (text.size() <= width)
         return std::string(text);
     std::size_t used = 0;
-    std::size_t fitting = 0; // bytes that leave room for the ellipsis
+    std::size_t fitting = 0; // bytes that fit together with the ellipsis
     for (std::size_t position = 0; position < text.size();) {
         used += characterWidth(nextShown(text, position));
         if (used > width)

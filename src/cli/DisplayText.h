@@ -5,21 +5,21 @@
 #include <string_view>
 #include <vector>
 
-/// Text for a terminal: how wide it is there, and made harmless.
+/// Text for a terminal: its width, and escapes for characters that would disturb it.
 namespace tavix::cli {
 
-/// The columns that `text` takes: two for wide East Asian characters, none for marks that join the one before.
+/// The number of columns that `text` occupies: two for a wide East Asian character, none for a combining mark.
 [[nodiscard]] std::size_t displayWidth(std::string_view text);
 
-/// Control characters as escapes ("\n", "\x1b"), so that a value can neither break a table nor steer the terminal;
-/// likewise the characters that turn the direction of writing. A byte that is no UTF-8 becomes U+FFFD.
+/// Escapes control characters ("\n", "\x1b") and characters that change the direction of writing, so that a value can
+/// neither break a table nor control the terminal. Bytes that are not valid UTF-8 become U+FFFD.
 [[nodiscard]] std::string printable(std::string_view text);
 
-/// `text` when it fits into `width` columns; else its beginning and "…".
+/// `text`, cut with "…" when it is wider than `width` columns.
 [[nodiscard]] std::string cutToWidth(std::string_view text, std::size_t width);
 
-/// `text` as lines of at most `width` columns, made harmless: folded at its line ends and between words, and within a
-/// word that is longer than a line. At least one line.
+/// `text`, escaped and folded into lines of at most `width` columns: at its line ends, between words, and within a word
+/// that is longer than a line. Returns at least one line.
 [[nodiscard]] std::vector<std::string> foldToWidth(std::string_view text, std::size_t width);
 
 } // namespace tavix::cli

@@ -27,7 +27,7 @@ struct LastRun {
     std::int64_t runs = 0;
 };
 
-/// A repository that is not there yet has no run.
+/// The last run of the job; empty when the repository does not exist yet.
 LastRun lastRunOf(const std::string& job, const std::string& repository) {
     LastRun last;
     std::error_code missing;

@@ -10,8 +10,8 @@ namespace tavix::cli {
 
 struct CommonOptions;
 
-/// Lists what a run would read and compute, and how long the last run of the job took. Neither makes nor changes the
-/// repository; in csv the tables alone are listed.
+/// Lists what a run would read and compute, and how long the last run of the job took. Neither creates nor changes
+/// the repository. CSV lists the tables only.
 void listPlan(const CommonOptions& options, const profiling::JobPlan& plan, const std::string& repository);
 
 } // namespace tavix::cli

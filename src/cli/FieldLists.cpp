@@ -1,15 +1,17 @@
 #include "cli/FieldLists.h"
 
 #include "access/Layouts.h"
+#include "base/NullText.h"
 #include "base/NumberText.h"
+#include "base/TypeWords.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
-#include "cli/FieldTypes.h"
 #include "cli/Session.h"
 #include "cli/ShownDate.h"
 #include "cli/Signals.h"
 #include "filter/ExpressionCheck.h"
 #include "report/DistributionShare.h"
+#include "report/ReportTables.h"
 
 #include <fmt/format.h>
 
@@ -20,81 +22,72 @@ namespace tavix::cli {
 namespace {
 
 constexpr int kPercentPlaces = 2;
-/// How a null among values reads in text.
-constexpr const char* kNullValue = "(null value)";
 
-/// Which metrics hold a value of the field, and which a word; the others are figures.
-Column::Kind kindOf(MetricId id) {
-    switch (id) {
-    case MetricId::MinimumValue:
-    case MetricId::MaximumValue:
-    case MetricId::Median:
-    case MetricId::Mode:
+Column::Kind columnKind(MetricValue value) {
+    switch (value) {
+    case MetricValue::FieldValue:
         return Column::Kind::TypedValue;
-    case MetricId::DefinedType:
-    case MetricId::ActualType:
-    case MetricId::PrimaryKey:
-    case MetricId::Nullable:
+    case MetricValue::Word:
         return Column::Kind::Text;
     default:
         return Column::Kind::Number;
     }
 }
 
-/// In the repository the column of this one may not be called by a word of SQL.
-std::string keyOf(const MetricInfo& info) {
-    return info.id == MetricId::Precision ? "precision" : std::string(info.column);
-}
-
-std::vector<MetricId> metricsOf(MetricChoice choice) {
-    if (choice == MetricChoice::Main)
-        return {MetricId::Count,        MetricId::UniqueCount,  MetricId::NullCount,   MetricId::BlankCount,
-                MetricId::PatternCount, MetricId::MinimumValue, MetricId::MaximumValue};
-    std::vector<MetricId> all;
+std::vector<const MetricInfo*> metricsOf(MetricChoice choice) {
+    std::vector<const MetricInfo*> chosen;
     for (const MetricInfo& info : metricCatalogue())
-        all.push_back(info.id);
-    return all;
+        if (choice == MetricChoice::All || info.has(MainMetric))
+            chosen.push_back(&info);
+    return chosen;
 }
 
-KvbDatavar typeCell(const ProfileCursor& fields) {
-    const KvbString code = fields.getColumnValue(layout::FieldTypeCode);
-    const std::string_view name = code.isEmpty() ? std::string_view() : fieldTypeName(code.view().front());
-    return name.empty() ? KvbDatavar() : KvbDatavar(std::string(name));
+KvbDatavar typeCell(const std::string& typeCode) {
+    const std::string_view word = typeWord(typeCode);
+    return word.empty() ? KvbDatavar() : KvbDatavar(std::string(word));
 }
 
-Section metricsSection(const std::vector<MetricId>& metrics, bool isSample) {
+Section metricsSection(const std::vector<const MetricInfo*>& metrics, bool isSample) {
     Section section{"metrics", "Metrics", {{"field", "Field"}, {"type", "Type"}}, false, "-", 1};
-    for (const MetricId id : metrics) {
-        const MetricInfo& info = metricCatalogue()[index(id)];
-        std::string title(info.name);
-        if (isSample && isOfSampleAlone(id))
+    for (const MetricInfo* metric : metrics) {
+        std::string title(metric->name);
+        if (isSample && metric->has(OfSampleAlone))
             title += kOfSampleAlone;
-        const Column::Kind kind = kindOf(id);
-        const bool isPercent = id == MetricId::UniquePercent || id == MetricId::PercentNull;
+        const Column::Kind kind = columnKind(metric->value);
+        const int places = metric->value == MetricValue::Percent ? kPercentPlaces : -1;
         section.columns.push_back(
-            {keyOf(info), std::move(title), kind, isPercent ? kPercentPlaces : -1, kind == Column::Kind::Number});
+            {std::string(metric->key), std::move(title), kind, places, kind == Column::Kind::Number});
     }
     return section;
 }
 
-/// Which rows the figures are of, when not of all.
-std::string sampleText(const TableEntry& table) {
+/// ", a sample of 2 of 4 records"; "" for a whole table.
+std::string sampleText(const TableIdentity& table) {
     if (!table.isSample)
         return {};
-    return table.kind == 'D'
+    return table.kind == TableKind::Filter
                ? std::string(", of a sample")
                : fmt::format(", a sample of {} of {} records", table.processedRecords, table.totalRecords);
 }
 
-Row metricsRow(const ProfileCursor& fields, const std::vector<MetricId>& metrics) {
-    Row row{fields.getColumnValue(layout::FieldName), typeCell(fields)};
-    for (const MetricId id : metrics)
-        row.emplace_back(fields.getColumnValue(layout::kFieldListMetrics + static_cast<int>(id)));
+Row metricsRow(const FieldRecord& field, const std::vector<const MetricInfo*>& metrics) {
+    Row row{field.name, typeCell(field.typeCode)};
+    for (const MetricInfo* metric : metrics)
+        row.emplace_back(field.metrics[index(metric->id)]);
     return row;
 }
 
-std::string titleOf(std::string_view what, const FieldEntry& field, std::int64_t limit, std::int64_t count) {
-    std::string title = fmt::format("{} of {}.{}{}", what, field.table.name, field.name, sampleText(field.table));
+/// The record of a field; throws when the run does not have it.
+FieldRecord readRecord(Session& session, const ChosenField& field) {
+    for (FieldRecord& record : readFields(session.viewer(), field.table.id))
+        if (record.id == field.id)
+            return std::move(record);
+    throw CommandError(ExitCode::Source, fmt::format("the run has no field \"{}\"", field.name));
+}
+
+std::string titleOf(std::string_view what, const ChosenField& field, std::int64_t limit, std::int64_t count) {
+    std::string title =
+        fmt::format("{} of {}.{}{}", what, field.table.displayName(), field.name, sampleText(field.table));
     if (count > limit)
         title += fmt::format(" (first {} of {})", limit, count);
     return title;
@@ -109,26 +102,12 @@ Column percentColumn(const DistributionShare& share) {
     return {std::string(share.ColumnKey()), "% " + share.BaseText(), Column::Kind::Number, kPercentPlaces};
 }
 
-/// The rows of all patterns of a field.
-std::int64_t readPatternTotal(Session& session, const FieldEntry& field) {
-    const ProfileCursorHandle fields = session.checked(session.viewer().getFieldList(field.table.id));
-    while (fields->next()) {
-        if (fields->getColumnInt(layout::FieldId) != field.id)
-            continue;
-        std::array<KvbString, kMetricCount> metrics;
-        for (std::size_t i = 0; i < metrics.size(); ++i)
-            metrics[i] = fields->getColumnValue(layout::kFieldListMetrics + static_cast<int>(i));
-        return patternTotal(metrics);
-    }
-    return 0;
-}
-
 std::int64_t wholeNumber(const ProfileCursor& cursor, int column) {
     return KvbDatavar(cursor.getColumnValue(column)).toInt64();
 }
 
-Column::Kind valueKind(const FieldEntry& field) {
-    return isNumericTypeCode(field.typeCode) ? Column::Kind::Number : Column::Kind::Text;
+Column::Kind valueKind(const ChosenField& field) {
+    return isNumericType(field.typeCode) ? Column::Kind::Number : Column::Kind::Text;
 }
 
 /// One of the two distributions of a field.
@@ -144,19 +123,20 @@ constexpr DistributionAccess kValues{&PrViewer::getFreqDist, &PrViewer::getFreqD
 constexpr DistributionAccess kPatterns{&PrViewer::getPatternDist, &PrViewer::getPatternDistCount,
                                        layout::PatternCountColumn, DistributionKind::Pattern};
 
-/// The rows to be listed, and what percentages are a share of.
+/// The rows to list, and the base of their percentages.
 struct ChosenRows {
     ProfileCursorHandle cursor;
-    std::int64_t count = 0; ///< of rows, whatever the limit
+    std::int64_t count = 0; ///< of rows, disregarding the limit
     DistributionShare share;
     std::string title;
 };
 
-ChosenRows openAll(Session& session, const FieldEntry& field, const DistributionAccess& access) {
+ChosenRows openAll(Session& session, const ChosenField& field, const DistributionAccess& access) {
     PrViewer& viewer = session.viewer();
     ChosenRows rows;
-    const std::int64_t total =
-        access.kind == DistributionKind::Pattern ? readPatternTotal(session, field) : viewer.getFreqDistSum(field.id);
+    const std::int64_t total = access.kind == DistributionKind::Pattern
+                                   ? patternTotal(readRecord(session, field).metrics)
+                                   : viewer.getFreqDistSum(field.id);
     session.check(total >= 0);
     rows.share = {access.kind, false, total};
     rows.count = (viewer.*access.count)(field.id);
@@ -165,8 +145,8 @@ ChosenRows openAll(Session& session, const FieldEntry& field, const Distribution
     return rows;
 }
 
-/// Only a second walk lists the rows: the first percentage needs the sum of all.
-ChosenRows openFiltered(Session& session, const FieldEntry& field, const DistributionAccess& access,
+/// Walks the rows twice, because the first percentage already needs the sum of all counts.
+ChosenRows openFiltered(Session& session, const ChosenField& field, const DistributionAccess& access,
                         const std::string& filter) {
     PrViewer& viewer = session.viewer();
     ChosenRows rows;
@@ -186,8 +166,8 @@ ChosenRows openFiltered(Session& session, const FieldEntry& field, const Distrib
     return rows;
 }
 
-/// `what` is what the rows are called in the title.
-ChosenRows openRows(Session& session, const FieldEntry& field, const DistributionAccess& access,
+/// `what` names the rows in the title ("Values").
+ChosenRows openRows(Session& session, const ChosenField& field, const DistributionAccess& access,
                     const RowChoice& choice, std::string_view what) {
     const bool isFiltered = !choice.filter.empty();
     ChosenRows rows =
@@ -214,50 +194,43 @@ KvbDatavar fenceCell(int fence) {
 
 } // namespace
 
-void saySample(const TableEntry& table) {
+void saySample(const TableIdentity& table) {
     if (table.isSample)
-        say(fmt::format("{}{}: counts, shares and figures are those of the sampled records alone", table.name,
+        say(fmt::format("{}{}: counts, shares and figures are those of the sampled records alone", table.displayName(),
                         sampleText(table)));
 }
 
-void listMetrics(Session& session, Listing& listing, const TableEntry& table, MetricChoice choice) {
-    const std::vector<MetricId> metrics = metricsOf(choice);
+void listMetrics(Session& session, Listing& listing, const TableIdentity& table, MetricChoice choice) {
+    const std::vector<const MetricInfo*> metrics = metricsOf(choice);
     Section section = metricsSection(metrics, table.isSample);
-    section.title = fmt::format("Fields of {}{}", table.name, sampleText(table));
+    section.title = fmt::format("Fields of {}{}", table.displayName(), sampleText(table));
     listing.begin(section);
-    const ProfileCursorHandle fields = session.checked(session.viewer().getFieldList(table.id));
-    while (fields->next())
-        listing.row(metricsRow(*fields, metrics));
+    for (const FieldRecord& field : readFields(session.viewer(), table.id))
+        listing.row(metricsRow(field, metrics));
     listing.end();
 }
 
-void listMetrics(Session& session, Listing& listing, const FieldEntry& field) {
-    const std::vector<MetricId> metrics = metricsOf(MetricChoice::All);
+void listMetrics(Session& session, Listing& listing, const ChosenField& field) {
+    const std::vector<const MetricInfo*> metrics = metricsOf(MetricChoice::All);
     Section section = metricsSection(metrics, field.table.isSample);
     section.title = titleOf("Metrics", field, kNoLimit, 0);
     section.isRecord = true;
     section.columns.push_back({"quantile_rule", "Quantile Rule"});
     listing.begin(section);
-    const ProfileCursorHandle fields = session.checked(session.viewer().getFieldList(field.table.id));
-    while (fields->next()) {
-        if (fields->getColumnInt(layout::FieldId) != field.id)
-            continue;
-        Row row = metricsRow(*fields, metrics);
-        row.emplace_back(
-            fields->getColumnValue(layout::tailColumn(layout::kFieldListMetrics, layout::TailQuantileRule)));
-        listing.row(row);
-        break;
-    }
+    const FieldRecord record = readRecord(session, field);
+    Row row = metricsRow(record, metrics);
+    row.emplace_back(record.quantileRule);
+    listing.row(row);
     listing.end();
 }
 
-void listValues(Session& session, Listing& listing, const FieldEntry& field, const RowChoice& choice) {
+void listValues(Session& session, Listing& listing, const ChosenField& field, const RowChoice& choice) {
     ChosenRows rows = openRows(session, field, kValues, choice, "Values");
     listing.begin({"values",
                    rows.title,
                    {{"value", "Value"}, {"count", "Count", Column::Kind::Number}, percentColumn(rows.share)},
                    false,
-                   kNullValue});
+                   std::string(kNullValue)});
     for (std::int64_t shown = 0; shown < choice.limit && rows.cursor->next(); ++shown) {
         const std::int64_t times = wholeNumber(*rows.cursor, layout::FreqCount);
         listing.row(Row{rows.cursor->getColumnValue(layout::FreqValue), times, percentCell(rows.share, times)});
@@ -265,7 +238,7 @@ void listValues(Session& session, Listing& listing, const FieldEntry& field, con
     listing.end();
 }
 
-void listPatterns(Session& session, Listing& listing, const FieldEntry& field, const RowChoice& choice) {
+void listPatterns(Session& session, Listing& listing, const ChosenField& field, const RowChoice& choice) {
     ChosenRows rows = openRows(session, field, kPatterns, choice, "Patterns");
     listing.begin({"patterns",
                    rows.title,
@@ -284,11 +257,11 @@ void listPatterns(Session& session, Listing& listing, const FieldEntry& field, c
     listing.end();
 }
 
-void listPercentiles(Session& session, Listing& listing, const FieldEntry& field, std::int64_t limit) {
+void listPercentiles(Session& session, Listing& listing, const ChosenField& field, std::int64_t limit) {
     listing.begin(
         {"percentiles",
          titleOf("Percentiles", field, kNoLimit, 0),
-         {{"percentile", "Percentile"}, {"value", "Value", valueKind(field), -1, isNumericTypeCode(field.typeCode)}}});
+         {{"percentile", "Percentile"}, {"value", "Value", valueKind(field), -1, isNumericType(field.typeCode)}}});
     const ProfileCursorHandle percentiles = session.checked(session.viewer().getPercentiles(field.id));
     for (std::int64_t shown = 0; shown < limit && percentiles->next(); ++shown)
         listing.row(Row{percentiles->getColumnValue(layout::PercentileInterval),
@@ -296,7 +269,7 @@ void listPercentiles(Session& session, Listing& listing, const FieldEntry& field
     listing.end();
 }
 
-void listOutliers(Session& session, Listing& listing, const FieldEntry& field, std::int64_t limit) {
+void listOutliers(Session& session, Listing& listing, const ChosenField& field, std::int64_t limit) {
     listing.begin({"outliers",
                    titleOf("Outliers", field, kNoLimit, 0),
                    {{"side", "Side"},

@@ -8,7 +8,7 @@
 namespace tavix::cli {
 
 CLI::App* FieldsCommand::declare(CLI::App& program) {
-    CLI::App* command = program.add_subcommand("fields", "List the fields of a table with their main figures");
+    CLI::App* command = program.add_subcommand("fields", "List the fields of a table with their main metrics");
     command->add_option("-t,--table,TABLE", m_table, "The table")->type_name("NAME")->required();
     m_runChoice.declare(*command);
     command->footer("Examples:\n"
@@ -20,7 +20,7 @@ CLI::App* FieldsCommand::declare(CLI::App& program) {
 void FieldsCommand::run(const CommonOptions& options) {
     Session session(options.repository);
     m_runChoice.select(session);
-    const TableEntry table = session.table(m_table);
+    const TableIdentity table = session.table(m_table);
     saySample(table);
     Listing listing(options);
     listMetrics(session, listing, table, MetricChoice::Main);

@@ -7,7 +7,7 @@
 
 namespace tavix::cli {
 
-/// `tavix fields`: the fields of a table with their main figures.
+/// `tavix fields`: the fields of a table with their main metrics.
 class FieldsCommand final : public Command {
   public:
     CLI::App* declare(CLI::App& program) override;

@@ -14,7 +14,7 @@ namespace tavix::cli {
 
 namespace {
 
-/// More than any expression with its condition block; a device has no end at all.
+/// Longer than any filter. The limit also ends the reading of a device.
 constexpr std::size_t kLongestFile = std::size_t{4} << 20;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
@@ -39,7 +39,7 @@ std::string readFilterFile(const std::string& path) {
     return std::move(*text);
 }
 
-/// Whether the bytes are those of a ".flt" file: a length that fits, and no beginning of a text before it.
+/// Whether the bytes are those of a ".flt" file: they begin with the length of the rest, and not with text.
 bool isFilterFile(std::string_view bytes) {
     if (bytes.size() < 2)
         return false;
@@ -71,7 +71,7 @@ std::string readTextFile(const std::string& path) {
 } // namespace
 
 std::string filterTextOf(const std::string& argument) {
-    // A long expression is no path, and asking for one is an error and not a "no".
+    // A long expression cannot be a path: the system reports an error instead of a missing file.
     std::error_code error;
     const auto status = std::filesystem::status(argument, error);
     const bool isFile = !error && std::filesystem::exists(status) && !std::filesystem::is_directory(status);

@@ -4,8 +4,8 @@
 
 namespace tavix::cli {
 
-/// The filter text that --filter means: what the file of this name holds, a ".flt" file or one of plain text, when
-/// there is one, else the argument itself. Empty is no filter. Throws CommandError.
+/// Resolves the argument of --filter: the filter in the ".flt" or text file of that name, or the argument itself when
+/// there is no such file. "" means no filter. Throws CommandError.
 [[nodiscard]] std::string filterTextOf(const std::string& argument);
 
 } // namespace tavix::cli

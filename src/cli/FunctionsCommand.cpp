@@ -9,7 +9,7 @@ namespace tavix::cli {
 
 namespace {
 
-/// "string, integer[, string]"; "..." says that the last one may be repeated.
+/// "string, integer[, string]"; "..." marks a last argument that may be repeated.
 std::string parameterWords(std::string_view types, int needed, int most) {
     std::string words;
     for (std::size_t i = 0; i < types.size(); ++i) {
@@ -25,7 +25,7 @@ std::string parameterWords(std::string_view types, int needed, int most) {
 } // namespace
 
 CLI::App* FunctionsCommand::declare(CLI::App& program) {
-    CLI::App* command = program.add_subcommand("functions", "List the functions of the filters' language");
+    CLI::App* command = program.add_subcommand("functions", "List the functions of the expression language");
     command->footer("Examples:\n  tavix functions\n  tavix functions --format csv -o functions.csv");
     return command;
 }

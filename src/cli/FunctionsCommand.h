@@ -4,7 +4,7 @@
 
 namespace tavix::cli {
 
-/// `tavix functions`: what the expression language of filters offers. Needs no repository.
+/// `tavix functions`: the functions of the expression language. Needs no repository.
 class FunctionsCommand final : public Command {
   public:
     CLI::App* declare(CLI::App& program) override;

@@ -10,7 +10,7 @@ namespace {
 constexpr std::size_t kLeft = 34;
 constexpr std::size_t kRight = 66;
 
-/// Breaks at blanks; CLI11 indents what follows a line end.
+/// Breaks lines at blanks; CLI11 indents the continuation lines.
 std::string wrapped(std::string_view text) {
     std::string out;
     while (text.size() > kRight) {

@@ -7,7 +7,7 @@
 
 namespace tavix::cli {
 
-/// Help in lines of at most 100 columns.
+/// Folds help texts to at most 100 columns.
 class HelpFormatter final : public CLI::Formatter {
   public:
     HelpFormatter();

@@ -1,5 +1,6 @@
 #include "cli/InspectCommand.h"
 
+#include "base/NullText.h"
 #include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
@@ -103,7 +104,7 @@ void listColumns(Listing& listing, const std::vector<FileInspection>& files) {
                     "Columns with the first rows",
                     {{"ordinal", "#", Column::Kind::Number}, {"column", "Column"}, {"type", "Type"}},
                     false,
-                    "(null value)"};
+                    std::string(kNullValue)};
     if (files.size() > 1)
         section.columns.insert(section.columns.begin(), {"file", "File"});
     for (std::size_t r = 1; r <= rows; ++r)
@@ -129,7 +130,7 @@ void sayHints(const FileInspection& file) {
     if (file.hasHeader && !file.looksLikeNames)
         say(fmt::format("{}: the first row looks like data; if it is, add --header no", file.path));
     if (!file.isWhole)
-        say(fmt::format("{}: only the rows in the first MiB were looked at", file.path));
+        say(fmt::format("{}: only the rows in the first MiB were read", file.path));
 }
 
 } // namespace
@@ -138,12 +139,12 @@ CLI::App* InspectCommand::declare(CLI::App& program) {
     CLI::App* command = program.add_subcommand("inspect", "Show how text files would be read, and their first rows");
     command->add_option("FILE", m_files, "Text files, or patterns in quotes")->required()->type_name("");
     m_reading.declare(*command);
-    command->add_option("--rows", m_rows, "How many of the first rows are shown; 5 unless given, at most 100")
+    command->add_option("--rows", m_rows, "The number of rows to show, at most 100. Default: 5")
         ->type_name("N")
         ->transform(wholeNumber(0, kMostRows));
-    command->add_flag("--summary", m_summary, "What was found in each file alone, without columns and rows");
-    command->footer("Of each file the first MiB is read and nothing is stored. Options change what is found as they\n"
-                    "change a run. In csv the columns are listed, or with --summary the files.\n\n"
+    command->add_flag("--summary", m_summary, "Describe the files only, without columns and rows");
+    command->footer("Reads the first MiB of each file and stores nothing. The options work as for a run. With csv the\n"
+                    "columns are listed, or with --summary the files.\n\n"
                     "Examples:\n"
                     "  tavix inspect export.txt\n"
                     "  tavix inspect 'data/*.csv' --summary\n"

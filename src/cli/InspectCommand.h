@@ -8,7 +8,7 @@
 
 namespace tavix::cli {
 
-/// `tavix inspect`: what a run would find in text files, from their first MiB, without a run.
+/// `tavix inspect`: how a run would read text files, judged by their first MiB.
 class InspectCommand final : public Command {
   public:
     CLI::App* declare(CLI::App& program) override;

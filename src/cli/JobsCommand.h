@@ -4,7 +4,7 @@
 
 namespace tavix::cli {
 
-/// `tavix jobs`: every job of the repository.
+/// `tavix jobs`: the jobs of a repository.
 class JobsCommand final : public Command {
   public:
     CLI::App* declare(CLI::App& program) override;

@@ -1,6 +1,6 @@
 #include "cli/JsonTableWriter.h"
 
-#include "cli/FieldTypes.h"
+#include "base/TypeWords.h"
 
 #include <nlohmann/json.hpp>
 
@@ -15,13 +15,13 @@ std::string jsonText(std::string_view text) {
 }
 
 bool isJsonNumber(std::string_view text) {
-    // The grammar admits no "+5", ".5" or "007", which then stay text.
+    // JSON does not allow "+5", ".5" or "007" as numbers; they stay text.
     return !text.empty() && (text.front() == '-' || (text.front() >= '0' && text.front() <= '9')) &&
            nlohmann::json::accept(text);
 }
 
-bool isNumericType(std::string_view type) {
-    return type == fieldTypeName('I') || type == fieldTypeName('R');
+bool isNumericWord(std::string_view type) {
+    return type == typeWord(FieldType::Integer) || type == typeWord(FieldType::Real);
 }
 
 std::string cellText(const KvbDatavar& cell, bool isNumber) {
@@ -57,7 +57,7 @@ void JsonTableWriter::begin(const Section& section) {
 void JsonTableWriter::row(std::span<const KvbDatavar> cells) {
     m_line = m_isRecord ? "{" : (m_anyRow ? ",\n  {" : "\n  {");
     const bool typedNumbers =
-        m_typeColumn >= 0 && isNumericType(cells[static_cast<std::size_t>(m_typeColumn)].toText().view());
+        m_typeColumn >= 0 && isNumericWord(cells[static_cast<std::size_t>(m_typeColumn)].toText().view());
     for (std::size_t i = 0; i < cells.size(); ++i) {
         if (i > 0)
             m_line += ", ";

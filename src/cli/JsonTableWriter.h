@@ -5,7 +5,7 @@
 namespace tavix::cli {
 
 /// JSON in UTF-8: a list is an array of objects, a record an object; several lists are members of one object. Bytes
-/// that are no UTF-8 become U+FFFD.
+/// that are not valid UTF-8 become U+FFFD.
 class JsonTableWriter final : public TableWriter {
   public:
     JsonTableWriter(Output& output, Sections sections) : m_output(output), m_several(sections == Sections::Several) {}

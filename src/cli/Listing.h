@@ -7,8 +7,8 @@ namespace tavix::cli {
 
 struct CommonOptions;
 
-/// A command's result on its way out: an output and the writer of the chosen format. A user's interruption ends it at
-/// the next row, and without finish() a file named by -o is left as it was.
+/// Writes the result of a command to its output in the chosen format. An interruption by the user ends it at the next
+/// row. A file named by -o changes only when finish() is called.
 class Listing {
   public:
     explicit Listing(const CommonOptions& options, Sections sections = Sections::One);

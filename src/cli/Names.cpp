@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kListedNames = 10;
 
-/// Takes a quoted name from the front of `text`; nothing when its quote is not closed.
+/// Removes a quoted name from the front of `text`; nothing when the quote is not closed.
 std::optional<std::string> takeQuoted(std::string_view& text) {
     std::string name;
     for (std::size_t i = 1; i < text.size(); ++i) {
@@ -30,7 +30,7 @@ std::optional<std::string> takeQuoted(std::string_view& text) {
     return std::nullopt;
 }
 
-/// A name that is either quoted as a whole or stands as it is.
+/// The name within quotes; a text without quotes is returned unchanged.
 std::string unquoted(std::string_view text) {
     if (text.starts_with('"')) {
         std::string_view rest = text;

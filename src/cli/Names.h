@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
-/// How the names that a user types find what is stored. Names match exactly.
+/// Looks up the names that a user types. Names match exactly.
 namespace tavix::cli {
 
-/// The position of `wanted` in `names`. Throws CommandError when there is none or more than one, naming what there is;
+/// The position of `wanted` in `names`. Throws a CommandError that lists the known names unless there is exactly one.
 /// `what` is the kind of thing ("job").
 [[nodiscard]] std::size_t pickByName(std::string_view what, std::string_view wanted,
                                      std::span<const std::string> names);
@@ -18,7 +18,7 @@ namespace tavix::cli {
 /// `names` quoted and joined by commas; the first ten, then how many more.
 [[nodiscard]] std::string listNames(std::span<const std::string> names);
 
-/// A way to read "TABLE.FIELD".
+/// One reading of "TABLE.FIELD".
 struct FieldAddress {
     std::string table;
     std::string field;
@@ -26,8 +26,8 @@ struct FieldAddress {
     bool operator==(const FieldAddress&) const = default;
 };
 
-/// Every way to read `text` as TABLE.FIELD with one of `tables`, the longest first, since both names may contain dots.
-/// Either part may stand in double quotes, in which "" is a quote.
+/// All readings of `text` as TABLE.FIELD with one of `tables`, the longest table name first: both names may contain
+/// dots. Either part may be in double quotes, in which "" is a quote.
 [[nodiscard]] std::vector<FieldAddress> readFieldAddress(std::string_view text, std::span<const std::string> tables);
 
 } // namespace tavix::cli

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t kMostCompared = 100'000;
 
-/// Without regard to case and to blanks at either end.
+/// In lower case, without blanks at either end.
 std::string plain(std::string_view text) {
     constexpr std::string_view kBlanks = " \t\r\n";
     const auto first = std::min(text.find_first_not_of(kBlanks), text.size());
@@ -27,7 +27,7 @@ std::string plain(std::string_view text) {
 
 } // namespace
 
-std::string nearestValue(Session& session, const FieldEntry& field, const std::string& text, bool isPattern) {
+std::string nearestValue(Session& session, const ChosenField& field, const std::string& text, bool isPattern) {
     PrViewer& viewer = session.viewer();
     const ProfileCursorHandle values = session.checked(isPattern ? viewer.getPatternDist(field.id, KvbString(""))
                                                                  : viewer.getFreqDist(field.id, KvbString("")));
@@ -40,7 +40,7 @@ std::string nearestValue(Session& session, const FieldEntry& field, const std::s
         if (values->isColumnNull(column))
             continue;
         std::string value = values->getColumnValue(column).str();
-        // Patterns differ by their case.
+        // Case is significant in patterns.
         if (!isPattern && plain(value) == wanted)
             return value;
         known.push_back(std::move(value));

@@ -5,11 +5,11 @@
 namespace tavix::cli {
 
 class Session;
-struct FieldEntry;
+struct ChosenField;
 
-/// Of the field's values, or its patterns, the one that was probably meant by a text that is none of them; "" when none
-/// is near. Looks at the most frequent ones.
-[[nodiscard]] std::string nearestValue(Session& session, const FieldEntry& field, const std::string& text,
+/// The value or pattern of the field that the user probably meant by `text`; "" when none is similar. Compares the most
+/// frequent ones only.
+[[nodiscard]] std::string nearestValue(Session& session, const ChosenField& field, const std::string& text,
                                        bool isPattern);
 
 } // namespace tavix::cli

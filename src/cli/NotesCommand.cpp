@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kOldestFirst = 0;
 
-/// What the notes are about.
+/// The owner of the notes.
 struct Subject {
     bool isField;
     int id;
@@ -53,18 +53,17 @@ CLI::App* NotesCommand::declare(CLI::App& program) {
     command->add_option("SUBJECT", m_subject, "A table, as with --table, or TABLE.FIELD, as with --field")
         ->type_name("");
     command->add_option("-t,--table", m_table, "The table")->type_name("NAME");
-    command->add_option("-f,--field", m_field, "The field, as TABLE.FIELD, or as FIELD beside --table")
-        ->type_name("T.F");
+    command->add_option("-f,--field", m_field, "The field, as TABLE.FIELD, or as FIELD with --table")->type_name("T.F");
     constexpr const char* kNew = "A new note";
-    command->add_option("--add", m_add, "Add a note with this text, in your login name")
+    command->add_option("--add", m_add, "Add a note with this text under your login name")
         ->type_name("TEXT")
         ->group(kNew);
-    command->add_option("--category", m_category, "Its category, which is made when it is not there")
+    command->add_option("--category", m_category, "Its category, which is created if it does not exist")
         ->type_name("NAME")
         ->group(kNew);
     m_runChoice.declare(*command);
-    command->footer("The notes come oldest first. A note that is added is listed alone. Notes belong to the table or\n"
-                    "field and not to a run: they are the same in every run that has it.\n\n"
+    command->footer("Notes are listed from the oldest to the latest; after --add only the new one is listed. A note\n"
+                    "belongs to a table or field, not to a run, and appears in every run.\n\n"
                     "Examples:\n"
                     "  tavix notes -R profile.tavix --table airports\n"
                     "  tavix notes -R profile.tavix --field airports.state --add \"Two letters, not always US\" \\\n"
@@ -77,7 +76,7 @@ void NotesCommand::run(const CommonOptions& options) {
         throw CommandError(ExitCode::Usage, "notes of what? Name a table with --table or a field with --field");
     if (m_category && !m_add)
         throw CommandError(ExitCode::Usage, "--category goes with --add");
-    // Everything is checked before anything is made.
+    // All arguments are checked before anything is stored.
     if (m_add)
         checkUsage(checkNote(tidyNote(*m_add)));
     if (m_category)
@@ -91,13 +90,13 @@ void NotesCommand::run(const CommonOptions& options) {
         m_field ? Subject{true, session.field(*m_field, m_table).id} : Subject{false, session.table(*m_table).id};
     Listing listing(options);
     if (m_add) {
-        // A note that cannot be added leaves no new category.
+        // Do not leave a new category without its note.
         session.check(session.viewer().beginChanges());
         subject.add(session, categoryId(session), *m_add);
         session.check(session.viewer().keepChanges());
     }
 
-    // The one that was added has the highest number.
+    // The new note has the highest id.
     int latest = -1;
     if (m_add) {
         const ProfileCursorHandle notes = subject.notes(session);

@@ -10,14 +10,14 @@ namespace tavix::cli {
 
 class Session;
 
-/// `tavix notes`: the notes of a table or field, or one note more.
+/// `tavix notes`: lists the notes of a table or field, or adds one.
 class NotesCommand final : public Command {
   public:
     CLI::App* declare(CLI::App& program) override;
     void run(const CommonOptions& options) override;
 
   private:
-    /// The category that --category names, made when it is not there; -1 without the option.
+    /// The id of the category that --category names, which is added if it is missing; -1 without the option.
     [[nodiscard]] int categoryId(Session& session) const;
 
     std::optional<std::string> m_subject;

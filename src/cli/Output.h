@@ -8,16 +8,16 @@
 
 namespace tavix::cli {
 
-/// Where a command's result goes: standard output, or a file that appears whole when the command succeeded and is
-/// otherwise left as it was. Failures to write throw CommandError; a closed pipe throws OutputClosed.
+/// The destination of a command's result: standard output, or a file that is replaced as a whole when the command
+/// succeeds and is left unchanged otherwise. A failed write throws CommandError, a closed pipe OutputClosed.
 class Output {
   public:
-    /// The file `path`; "" or "-" is standard output. Devices and pipes are written directly. A file of a repository
+    /// The file `path`; "" or "-" is standard output. Devices and pipes are written directly. A repository
     /// that is in use is refused.
     explicit Output(std::string path);
 
     void write(std::string_view text);
-    /// Puts everything in its place; to be called once, after the last write.
+    /// Flushes the output and replaces the file. Call it once, after the last write.
     void commit();
 
   private:

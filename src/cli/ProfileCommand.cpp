@@ -40,7 +40,7 @@ bool isJobFile(const std::string& path) {
     return ending == ".yaml" || ending == ".yml";
 }
 
-/// The file behind what the user or the job file gave.
+/// The repository file that the user or the job file names.
 std::string fileToWrite(const std::string& text) {
     if (text.starts_with("postgres:") || text.starts_with("postgresql:"))
         throw CommandError(ExitCode::Usage, "runs are stored in repository files, not yet on a PostgreSQL server");
@@ -77,7 +77,7 @@ void listOutcome(Listing& listing, const job::JobDescription& job, const profili
     listing.end();
 }
 
-/// Ends the command when files were left out.
+/// Throws CommandError with ExitCode::Partial when files were left out.
 void endPartial(const std::vector<profiling::EmptyFile>& leftOut) {
     if (leftOut.empty())
         return;
@@ -99,46 +99,50 @@ std::string fileOf(const job::JobDescription& job, const std::string& table) {
 } // namespace
 
 CLI::App* ProfileCommand::declare(CLI::App& program) {
-    CLI::App* command = program.add_subcommand("profile", "Profile text files, or what a job file names, as a new run");
+    CLI::App* command =
+        program.add_subcommand("profile", "Profile text files, or the tables of a job file, as a new run");
     command
         ->add_option("FILE", m_files,
-                     "Text files (CSV and kin), patterns in quotes ('*.csv'), or one job file (.yaml, .yml)")
+                     "Text files (CSV and the like), patterns in quotes ('*.csv'), or one job file (.yaml, .yml)")
         ->required()
         ->type_name("");
     command
         ->add_option("-j,--job", m_job,
-                     "The job that gets the run; made when it is new. Without it the first file's name")
+                     "The job that the run belongs to; a new one is created. Default: the name of the first file")
         ->type_name("NAME");
     command
-        ->add_option("--one-table", m_oneTable,
-                     "All files have the same columns and make one table of this name; without it, each is a table")
+        ->add_option(
+            "--one-table", m_oneTable,
+            "Combine all files into one table of this name; they must have the same columns. Default: a table for "
+            "each file")
         ->type_name("NAME");
     m_reading.declare(*command);
     m_reading.declareSample(*command);
-    command->add_option("--description", m_description, "A remark that is kept with the run")->type_name("TEXT");
-    command->add_flag(
-        "--explain", m_explain,
-        "Show what databases would be asked, and why rows are read where they cannot count; nothing is run");
-    command->add_option("--threads", m_threads, "How many threads work. Without it, as many as the machine has cores")
+    command->add_option("--description", m_description, "A remark to store with the run")->type_name("TEXT");
+    command->add_flag("--explain", m_explain,
+                      "Show the statements that databases would run, and why some rows must be read; profile nothing");
+    command->add_option("--threads", m_threads, "The number of threads. Default: one for each core")
         ->transform(wholeNumber(1, kMostThreads))
         ->type_name("N");
     command
         ->add_option("--memory", m_memory,
-                     "How much memory the run may take, as 500M or 2G. Without it, half of the machine's; what needs "
-                     "more goes to a temporary file in TMPDIR, or beside the repository")
+                     "The memory that the run may use, such as 500M or 2G. Default: half of the machine's. Larger data "
+                     "goes to a temporary file in TMPDIR, or in the folder of the repository")
         ->transform(memorySize())
         ->type_name("SIZE");
     command
-        ->add_option("--fail-at", m_failAt,
-                     "warning or error: end with exit code 1 when the run raises an alert of this level or a higher "
-                     "one. The run is stored all the same")
+        ->add_option(
+            "--fail-at", m_failAt,
+            "warning or error: exit with code 1 if the run raises an alert of this level or a higher one. The run "
+            "is stored in any case")
         ->type_name("LEVEL")
         ->transform(oneOf({"warning", "error"}));
-    command->add_flag("--dry-run", m_dryRun,
-                      "Only open what would be read, say what would be computed and how long the last run took; write "
-                      "nothing. It ends with the exit code that a run would begin with");
-    command->footer("The repository is a file; it is made when it does not exist. Profiling a job again adds a run.\n"
-                    "A run is stored whole or not at all, however the program ends.\n\n"
+    command->add_flag(
+        "--dry-run", m_dryRun,
+        "Open the sources, show what a run would compute and how long the last run took, and write nothing. "
+        "The exit code is that of a run that fails before it reads rows, else 0");
+    command->footer("The repository is a file and is created if it does not exist. Profiling a job again adds a run.\n"
+                    "A run is stored completely or not at all, even if the program is killed.\n\n"
                     "Examples:\n"
                     "  tavix profile sales.csv customers.csv -R profile.tavix --job sales\n"
                     "  tavix profile export.txt -R profile.tavix --delimiter tab --no-header --encoding 1252\n"
@@ -150,11 +154,12 @@ CLI::App* ProfileCommand::declare(CLI::App& program) {
 
 job::JobDescription ProfileCommand::describeJobFile(const std::string& path) const {
     if (m_files.size() > 1)
-        throw CommandError(ExitCode::Usage, "a job file stands alone: it names the files to profile itself");
+        throw CommandError(ExitCode::Usage,
+                           "a job file cannot be combined with other files: it names the files to profile");
     if (m_job || m_oneTable || m_reading.isAnyGiven())
         throw CommandError(ExitCode::Usage,
-                           "--job, --one-table and what says how files are read and sampled are for text "
-                           "files; a job file says these itself");
+                           "--job, --one-table and the options for reading and sampling are for text files; a job file "
+                           "has its own");
     job::JobDescription job = orUsageError(job::readJobFile(path));
     const HeldRepository held(repositoryFile(job.repository));
     checkUsage(profiling::checkFields(job));
@@ -162,7 +167,7 @@ job::JobDescription ProfileCommand::describeJobFile(const std::string& path) con
 }
 
 job::JobDescription ProfileCommand::describe() const {
-    (void)existingFiles(m_files); // throws for what is not there
+    (void)existingFiles(m_files); // throws for a missing file
     const auto jobFile = std::find_if(m_files.begin(), m_files.end(), isJobFile);
     if (jobFile != m_files.end())
         return describeJobFile(*jobFile);

@@ -11,7 +11,7 @@
 
 namespace tavix::cli {
 
-/// `tavix profile`: profiles text files, or what a job file names, as a new run of a job.
+/// `tavix profile`: profiles text files, or the tables of a job file, as a new run of a job.
 class ProfileCommand final : public Command {
   public:
     CLI::App* declare(CLI::App& program) override;

@@ -17,7 +17,7 @@ namespace tavix::cli {
 namespace {
 
 constexpr std::size_t kUsualWidth = 80;
-/// Before this share or time nothing can be said about the time left.
+/// No estimate of the time left before this share or time.
 constexpr double kFirstShare = 0.01;
 constexpr double kFirstSeconds = 0.5;
 
@@ -65,7 +65,7 @@ std::string progressText(const profiling::ProgressState& state, std::size_t widt
         const double share =
             std::clamp(static_cast<double>(state.bytesDone) / static_cast<double>(state.bytesTotal), 0.0, 1.0);
         parts.push_back(fmt::format("{:.0f} %", std::floor(share * 100)));
-        // What follows the reading goes at another pace.
+        // The steps after reading run at a different speed.
         if (state.seconds >= kFirstSeconds && state.phase == profiling::ProgressState::Phase::Reading) {
             parts.push_back(fmt::format("{:.1f} MB/s", static_cast<double>(state.bytesDone) / 1e6 / state.seconds));
             if (share >= kFirstShare && share < 1)
@@ -91,7 +91,7 @@ ProgressLine::~ProgressLine() {
 
 bool ProgressLine::progress(const profiling::ProgressState& state) {
     if (m_onTerminal) {
-        // The last column stays free: a terminal may wrap there.
+        // A terminal may wrap a line that fills its last column.
         std::fputs(("\r" + progressText(state, terminalWidth() - 1) + "\x1b[K").c_str(), stderr);
         std::fflush(stderr);
         m_shown = true;

@@ -7,12 +7,12 @@
 
 namespace tavix::cli {
 
-/// How far a run is, in at most `width` columns: table, rows, share, rate and time left. What does not fit is left
-/// out from the end.
+/// The progress of a run in at most `width` columns: table, rows, share, rate and time left. Parts that do not fit are
+/// dropped from the end.
 [[nodiscard]] std::string progressText(const profiling::ProgressState& state, std::size_t width);
 
-/// Shows the progress of a run in one line of the terminal, rewritten in place, and stops the run when the user
-/// interrupts. Without a terminal on standard error it shows nothing.
+/// Shows the progress of a run in a line of the terminal that is rewritten in place, and stops the run when the user
+/// interrupts. Shows nothing when standard error is not a terminal.
 class ProgressLine final : public profiling::ProgressWatcher {
   public:
     ProgressLine();

@@ -8,8 +8,8 @@
 
 namespace tavix::cli {
 
-/// Shows in one line of the terminal, rewritten in place, how far the reading of a source is, and stops it when the
-/// user interrupts. Quick readings and those whose rows go to the same terminal show nothing.
+/// Shows the progress of reading a source in a line of the terminal that is rewritten in place, and stops the reading
+/// when the user interrupts. Shows nothing for a quick reading, or when the rows go to the same terminal.
 class ReadingLine final : public PrViewDisplayMessage {
   public:
     ReadingLine();

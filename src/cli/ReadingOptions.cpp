@@ -53,7 +53,7 @@ std::vector<std::string> existingFiles(const std::vector<std::string>& names) {
         if (!matching)
             throw CommandError(ExitCode::Source, matching.error().text);
         for (const std::string& file : *matching) {
-            // A file that is not there is a failing source and no wrong usage.
+            // A missing file is a failure of the source, not a usage error.
             const std::string& shown = matching->size() == 1 ? name : file;
             std::error_code error;
             const std::filesystem::file_status status = std::filesystem::status(file, error);
@@ -76,31 +76,31 @@ std::vector<std::string> existingFiles(const std::vector<std::string>& names) {
 void ReadingOptions::declare(CLI::App& command) {
     command
         .add_option("--delimiter", m_delimiter,
-                    "What separates cells: a character, or comma, semicolon, tab, pipe. Without it, found in the file")
+                    "The separator of cells: a character, or comma, semicolon, tab, pipe. Default: detected")
         ->type_name("C");
     command
         .add_option("--header", m_header,
-                    "Whether the first row holds the names of the fields: yes (default), no, or auto: unless one of "
-                    "its cells has digits and no letters")
+                    "Whether the first row has the names of the fields: yes (default), no, or auto, which takes a cell "
+                    "with digits and no letters for data")
         ->type_name("WHEN");
     command.add_flag("--no-header", m_noHeader, "The same as --header no");
     command
         .add_option("--encoding", m_encoding,
-                    "The encoding by its name or code page, as UTF-8, windows-1252, 850. Without it, found in the file")
+                    "The encoding, by name or code page: UTF-8, windows-1252, 850. Default: detected")
         ->type_name("NAME");
-    command.add_option("--quote", m_quote, "What encloses cells: a character, or none. Without it, the double quote")
+    command.add_option("--quote", m_quote, "The quote around cells: a character, or none. Default: the double quote")
         ->type_name("C");
 }
 
 void ReadingOptions::declareSample(CLI::App& command) {
-    command.add_option("--first", m_first, "Profile the first N rows of each table only")
+    command.add_option("--first", m_first, "Profile only the first N rows of each table")
         ->type_name("N")
         ->transform(wholeNumber(1));
-    command.add_option("--every", m_every, "Profile every Kth row only, beginning with the first")
+    command.add_option("--every", m_every, "Profile only every Kth row, beginning with the first")
         ->type_name("K")
         ->transform(wholeNumber(1));
-    command.add_option("--percent", m_percent, "Profile a random share of the rows only")->type_name("P");
-    command.add_option("--seed", m_seed, "With --percent: the same number takes the same rows; 1 unless given")
+    command.add_option("--percent", m_percent, "Profile only a random share of the rows")->type_name("P");
+    command.add_option("--seed", m_seed, "With --percent: the same seed selects the same rows. Default: 1")
         ->type_name("N")
         ->transform(wholeNumber());
 }

@@ -12,7 +12,7 @@ class App;
 
 namespace tavix::cli {
 
-/// The options that say how text files are read, as "profile" and "inspect" have them.
+/// The options of "profile" and "inspect" for reading text files.
 class ReadingOptions {
   public:
     void declare(CLI::App& command);
@@ -20,7 +20,7 @@ class ReadingOptions {
     void declareSample(CLI::App& command);
     /// Whether the user gave one of them.
     [[nodiscard]] bool isAnyGiven() const;
-    /// A table without a name and a file. Throws CommandError.
+    /// A table with these options, without a name and a file. Throws CommandError.
     [[nodiscard]] job::TableDescription reading() const;
 
   private:
@@ -37,11 +37,11 @@ class ReadingOptions {
     std::optional<std::uint64_t> m_seed;
 };
 
-/// The character that "--delimiter" means: itself, or one of comma, semicolon, tab, pipe, "\t". Nothing when it is none
-/// that can separate cells.
+/// The character that the argument of --delimiter means: the character itself, or comma, semicolon, tab, pipe or "\t"
+/// as a word. Nothing for a character that cannot separate cells.
 [[nodiscard]] std::optional<char> parseDelimiter(const std::string& text);
 
-/// The files behind names and patterns, absolute. Throws CommandError for one that does not exist and for a folder.
+/// The absolute paths of the files that names and patterns match. Throws CommandError for a missing file or a folder.
 [[nodiscard]] std::vector<std::string> existingFiles(const std::vector<std::string>& names);
 
 } // namespace tavix::cli

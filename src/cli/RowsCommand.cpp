@@ -3,6 +3,7 @@
 #include "access/Layouts.h"
 #include "access/SourceChange.h"
 #include "base/GenException.h"
+#include "base/NullText.h"
 #include "base/NumberText.h"
 #include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
@@ -22,11 +23,11 @@ namespace tavix::cli {
 
 namespace {
 
-/// As many as the window shows unless told otherwise.
+/// The same default as in the drill-through window.
 constexpr std::int64_t kUsualLimit = 1000;
 
-/// The pattern whose short form is `text`; `text` itself when no pattern of the field has it.
-std::string fullPattern(Session& session, const FieldEntry& field, const std::string& text) {
+/// The pattern of the field whose short form is `text`; `text` itself when there is none.
+std::string fullPattern(Session& session, const ChosenField& field, const std::string& text) {
     if (text.find('{') == std::string::npos)
         return text;
     const std::int64_t known = session.viewer().getDrillDownCount(field.id, text, true);
@@ -43,7 +44,7 @@ std::string fullPattern(Session& session, const FieldEntry& field, const std::st
 }
 
 Section sectionOf(const PrViewerDrillCursor& rows) {
-    Section section{"rows", "Rows", {}, false, "(null value)"};
+    Section section{"rows", "Rows", {}, false, std::string(kNullValue)};
     for (int column = 0; column < rows.getColumnCount(); ++column) {
         const std::string name = rows.getColumnName(column).str();
         const bool isText = rows.getColumnType(column) == kvbType::Text;
@@ -52,7 +53,8 @@ Section sectionOf(const PrViewerDrillCursor& rows) {
     return section;
 }
 
-/// A path may hold an equals sign itself: the first division that names a file of a run counts.
+/// Handles --source OLD=NEW. A path may contain an equals sign, so each one is tried as the separator until OLD is a
+/// file of a run.
 void locate(Session& session, const std::string& places) {
     std::string problem;
     for (auto at = places.find('='); at != std::string::npos; at = places.find('=', at + 1)) {
@@ -70,23 +72,24 @@ void locate(Session& session, const std::string& places) {
     throw CommandError(ExitCode::Usage, problem);
 }
 
-/// Why there are no rows, and the way out where a file was moved.
+/// The reason why there are no rows, with a hint for a file that was moved.
 CommandError drillFailure(Session& session) {
     std::string text = session.viewer().getErrorString().str();
     if (const auto missing = session.viewer().getMissingFile()) {
         if (missing->suggestion.empty())
             text += fmt::format("; if it was moved, add --source \"{}=NEW\"", missing->path);
         else
-            text += fmt::format("; a file of its name and size is beside the repository: add --source \"{}={}\" to "
-                                "read that one",
-                                missing->path, missing->suggestion);
+            text += fmt::format(
+                "; a file of the same name and size is in the folder of the repository: add --source \"{}={}\" to "
+                "read that one",
+                missing->path, missing->suggestion);
     }
     return {ExitCode::Source, text};
 }
 
-/// For a search that found nothing because the run knows nothing of it.
-std::string unknownText(Session& session, const FieldEntry& field, const std::string& text, bool isPattern) {
-    const std::string name = field.table.name + "." + field.name;
+/// The message for a value that the run does not have, with the most similar one.
+std::string unknownText(Session& session, const ChosenField& field, const std::string& text, bool isPattern) {
+    const std::string name = field.table.displayName() + "." + field.name;
     if (text.empty())
         return fmt::format("the run has no empty text in {}", name);
     std::string said = fmt::format("the run has no {} \"{}\" in {}", isPattern ? "pattern" : "value", text, name);
@@ -98,31 +101,31 @@ std::string unknownText(Session& session, const FieldEntry& field, const std::st
 } // namespace
 
 CLI::App* RowsCommand::declare(CLI::App& program) {
-    CLI::App* command = program.add_subcommand("rows", "Show the rows of the source behind a value or pattern");
-    command->add_option("field", m_field, "The field, as TABLE.FIELD, or as FIELD beside --table")
+    CLI::App* command = program.add_subcommand("rows", "Show the source rows that have a value or pattern");
+    command->add_option("field", m_field, "The field, as TABLE.FIELD, or as FIELD with --table")
         ->required()
         ->type_name("T.F");
     command->add_option("-t,--table", m_table, "The field's table")->type_name("NAME");
-    command->add_option("--value", m_value, "The rows with this value, exactly; \"\" are the empty texts")
+    command->add_option("--value", m_value, "The rows with exactly this value; \"\" finds empty texts")
         ->type_name("TEXT");
     command->add_flag("--null", m_null, "The rows without a value");
-    command->add_option("--pattern", m_pattern, "The rows whose value has this pattern, in full or in its short form")
+    command
+        ->add_option("--pattern", m_pattern,
+                     "The rows whose value has this pattern, given in full or in its short form")
         ->type_name("PATTERN");
-    command->add_option("-n,--limit", m_limit, "At most so many rows (1000)")
+    command->add_option("-n,--limit", m_limit, "The largest number of rows to show. Default: 1000")
         ->type_name("N")
         ->default_val(kUsualLimit)
         ->default_str("")
         ->transform(wholeNumber());
-    command
-        ->add_option("--source", m_places,
-                     "A file of the source was moved: OLD=NEW, where it was in the run and where it is")
+    command->add_option("--source", m_places, "A source file was moved: OLD=NEW, its path in the run and its path now")
         ->type_name("OLD=NEW")
         ->allow_extra_args(false);
     m_runChoice.declare(*command);
     command->footer(
-        "The rows are read from the source as it is now, which standard error tells when it is another than\n"
-        "the run has read, or when it has the value another number of times. The place that --source names is\n"
-        "remembered by the repository when the file has the size that it had in the run.\n\n"
+        "The rows are read from the source as it is now. Standard error reports a source that has changed\n"
+        "since the run, or that has a different number of such rows. The repository remembers the path from\n"
+        "--source if the file has the same size as in the run.\n\n"
         "Examples:\n"
         "  tavix rows -R profile.tavix airports.state --value TX\n"
         "  tavix rows -R profile.tavix airports.city --null --limit 20\n"
@@ -131,7 +134,7 @@ CLI::App* RowsCommand::declare(CLI::App& program) {
     return command;
 }
 
-KvbString RowsCommand::wanted(Session& session, const FieldEntry& field) const {
+KvbString RowsCommand::wanted(Session& session, const ChosenField& field) const {
     if (m_null)
         return {};
     if (m_pattern)
@@ -146,9 +149,10 @@ void RowsCommand::run(const CommonOptions& options) {
     m_runChoice.select(session);
     for (const std::string& places : m_places)
         locate(session, places);
-    const FieldEntry field = session.field(m_field, m_table);
+    const ChosenField field = session.field(m_field, m_table);
     const KvbString value = wanted(session, field);
-    // The library takes an empty value for null where there are no empty texts, of which alone the pattern is empty.
+    // drillDown() would search for nulls by an empty value when the field has no empty texts. Only empty texts have an
+    // empty pattern, so search for that pattern instead.
     const bool isPattern = m_pattern.has_value() || (m_value && m_value->empty());
     session.viewer().setSourceCredentials(sourceCredentials());
     ReadingLine line;
@@ -170,7 +174,7 @@ void RowsCommand::run(const CommonOptions& options) {
             listing.row(cells);
         }
     } catch (const GenException&) {
-        stopIfInterrupted(); // an engine may answer an interruption with words of its own
+        stopIfInterrupted(); // a database engine may report an interruption as an error of its own
         throw;
     }
     stopIfInterrupted();

@@ -12,7 +12,7 @@
 namespace tavix::cli {
 
 class Session;
-struct FieldEntry;
+struct ChosenField;
 
 /// `tavix rows`: the source rows that have a value, a null or a pattern in a field.
 class RowsCommand final : public Command {
@@ -21,8 +21,8 @@ class RowsCommand final : public Command {
     void run(const CommonOptions& options) override;
 
   private:
-    /// What is looked for; null for null rows.
-    [[nodiscard]] KvbString wanted(Session& session, const FieldEntry& field) const;
+    /// The value or pattern to look for; null for rows without a value.
+    [[nodiscard]] KvbString wanted(Session& session, const ChosenField& field) const;
 
     std::string m_field;
     std::optional<std::string> m_table;

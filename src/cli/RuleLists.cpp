@@ -1,6 +1,7 @@
 #include "cli/RuleLists.h"
 
 #include "access/Layouts.h"
+#include "base/NullText.h"
 #include "cli/CommandError.h"
 #include "cli/Listing.h"
 #include "cli/Names.h"
@@ -26,24 +27,24 @@ KvbDatavar shareOf(std::int64_t part, std::int64_t whole) {
 
 std::map<int, std::string> tableNames(Session& session) {
     std::map<int, std::string> names;
-    for (const TableEntry& table : session.tables())
-        names[table.id] = table.name;
+    for (const TableIdentity& table : session.tables())
+        names[table.id] = table.displayName();
     return names;
 }
 
 } // namespace
 
-bool hasCustomMetrics(Session& session, const TableEntry& table) {
+bool hasCustomMetrics(Session& session, const TableIdentity& table) {
     return session.checked(session.viewer().getCustomMetrics(table.id))->next();
 }
 
-bool hasRules(Session& session, const TableEntry& table) {
+bool hasRules(Session& session, const TableIdentity& table) {
     return session.checked(session.viewer().getBusinessRules(table.id))->next();
 }
 
-void listCustomMetrics(Session& session, Listing& listing, const TableEntry& table) {
+void listCustomMetrics(Session& session, Listing& listing, const TableIdentity& table) {
     listing.begin({"custom_metrics",
-                   fmt::format("Custom metrics of {}", table.name),
+                   fmt::format("Custom metrics of {}", table.displayName()),
                    {{"custom_metric", "Custom metric"},
                     {"output", "Output"},
                     {"value", "Value", Column::Kind::Number, -1, true},
@@ -63,9 +64,9 @@ void listCustomMetrics(Session& session, Listing& listing, const TableEntry& tab
     listing.end();
 }
 
-void listRules(Session& session, Listing& listing, const TableEntry* table) {
+void listRules(Session& session, Listing& listing, const TableIdentity* table) {
     listing.begin({"rules",
-                   table ? fmt::format("Rules of {}", table->name) : std::string("Rules"),
+                   table ? fmt::format("Rules of {}", table->displayName()) : std::string("Rules"),
                    {{"table", "Table"},
                     {"rule", "Rule"},
                     {"failed_rows", "Failed rows", Column::Kind::Number},
@@ -87,7 +88,7 @@ void listRules(Session& session, Listing& listing, const TableEntry* table) {
     listing.end();
 }
 
-RuleEntry findRule(Session& session, const std::string& name, const TableEntry* table) {
+RuleEntry findRule(Session& session, const std::string& name, const TableIdentity* table) {
     const std::map<int, std::string> names = tableNames(session);
     const ProfileCursorHandle rules =
         session.checked(session.viewer().getBusinessRules(table ? table->id : kAllTables));
@@ -120,7 +121,7 @@ void listViolations(Session& session, Listing& listing, const RuleEntry& rule, s
                     fmt::format("Rows of {} that violate \"{}\"", rule.table, rule.name),
                     {{"row_number", "Row", Column::Kind::Number}},
                     false,
-                    "(null value)"};
+                    std::string(kNullValue)};
     for (int column = layout::RuleRowFirstField; column < rows->getColumnCount(); ++column) {
         const std::string name = rows->getColumnName(column).str();
         section.columns.push_back({name, name});

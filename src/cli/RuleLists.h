@@ -1,14 +1,15 @@
 #pragma once
 
+#include "report/ReportSelection.h"
+
 #include <cstdint>
 #include <string>
 
-/// Custom metrics and business rules of the current run. Each list is written as one section.
+/// Custom metrics and business rules of the current run. Each list is one section of the result.
 namespace tavix::cli {
 
 class Listing;
 class Session;
-struct TableEntry;
 
 /// A rule of the current run.
 struct RuleEntry {
@@ -19,16 +20,16 @@ struct RuleEntry {
     std::int64_t loggedRows = 0;
 };
 
-[[nodiscard]] bool hasCustomMetrics(Session& session, const TableEntry& table);
-[[nodiscard]] bool hasRules(Session& session, const TableEntry& table);
+[[nodiscard]] bool hasCustomMetrics(Session& session, const TableIdentity& table);
+[[nodiscard]] bool hasRules(Session& session, const TableIdentity& table);
 
-void listCustomMetrics(Session& session, Listing& listing, const TableEntry& table);
-/// Of one table, or of all when `table` is null.
-void listRules(Session& session, Listing& listing, const TableEntry* table);
-/// The rule of this name in the table, or in any when `table` is null. Throws CommandError when there is none or more
-/// than one.
-[[nodiscard]] RuleEntry findRule(Session& session, const std::string& name, const TableEntry* table);
-/// The rows that violate the rule, with the table's key and the fields that the condition reads.
+void listCustomMetrics(Session& session, Listing& listing, const TableIdentity& table);
+/// The rules of one table, or of all tables when `table` is null.
+void listRules(Session& session, Listing& listing, const TableIdentity* table);
+/// The rule of this name in the table, or in any table when `table` is null. Throws CommandError unless there is
+/// exactly one.
+[[nodiscard]] RuleEntry findRule(Session& session, const std::string& name, const TableIdentity* table);
+/// Lists the rows that violate the rule, with the table's key and the fields that the condition reads.
 void listViolations(Session& session, Listing& listing, const RuleEntry& rule, std::int64_t limit);
 
 } // namespace tavix::cli

@@ -14,15 +14,17 @@ namespace tavix::cli {
 
 CLI::App* RulesCommand::declare(CLI::App& program) {
     CLI::App* command = program.add_subcommand("rules", "List the business rules, or the rows that violate one");
-    command->add_option("-t,--table,TABLE", m_table, "Only the rules of this table")->type_name("NAME");
-    command->add_option("--rule", m_rule, "The rows that violate this rule, as many of the first ones as were kept")
+    command->add_option("-t,--table,TABLE", m_table, "List only the rules of this table")->type_name("NAME");
+    command->add_option("--rule", m_rule, "List the rows that violate this rule, as far as the run kept them")
         ->type_name("NAME");
-    command->add_option("-n,--limit", m_limit, "At most so many rows")->type_name("N")->transform(wholeNumber());
+    command->add_option("-n,--limit", m_limit, "The largest number of rows to list")
+        ->type_name("N")
+        ->transform(wholeNumber());
     m_runChoice.declare(*command);
     command->footer(
-        "A row violates a rule unless the rule's condition is true. Its number is the one in its source, from\n"
-        "1 and without the heading; then come the fields of the table's key and those that the condition\n"
-        "reads. How many rows are kept of each rule is said in the job file.\n\n"
+        "A row violates a rule unless the condition of the rule is true. The row number counts from 1 in the\n"
+        "source, without the heading. It is followed by the fields of the table's key and the fields that\n"
+        "the condition reads. The job file sets how many rows are kept for each rule.\n\n"
         "Examples:\n"
         "  tavix rules -R profile.tavix\n"
         "  tavix rules -R profile.tavix --table orders --rule \"Price is positive\" --format csv");
@@ -31,11 +33,11 @@ CLI::App* RulesCommand::declare(CLI::App& program) {
 
 void RulesCommand::run(const CommonOptions& options) {
     if (m_limit && !m_rule)
-        throw CommandError(ExitCode::Usage, "the limit is for the rows of a rule: name it with --rule");
+        throw CommandError(ExitCode::Usage, "--limit applies to the rows of a rule: name the rule with --rule");
     Session session(options.repository);
     m_runChoice.select(session);
-    const std::optional<TableEntry> table = m_table ? std::optional(session.table(*m_table)) : std::nullopt;
-    const TableEntry* const chosen = table ? &*table : nullptr;
+    const std::optional<TableIdentity> table = m_table ? std::optional(session.table(*m_table)) : std::nullopt;
+    const TableIdentity* const chosen = table ? &*table : nullptr;
     if (!m_rule) {
         Listing listing(options);
         listRules(session, listing, chosen);

@@ -8,12 +8,12 @@
 namespace tavix::cli {
 
 void addJobChoice(CLI::App& command, std::optional<std::string>& job) {
-    command.add_option("-j,--job", job, "The job; may be left out when there is only one")->type_name("NAME");
+    command.add_option("-j,--job", job, "The job. May be omitted if there is only one")->type_name("NAME");
 }
 
 void RunChoice::declare(CLI::App& command) {
     addJobChoice(command, m_job);
-    command.add_option("--run", m_run, "The run's number, as \"tavix runs\" lists it; else the latest")
+    command.add_option("--run", m_run, "The number of the run, as listed by \"tavix runs\". Default: the latest")
         ->type_name("N")
         ->transform(wholeNumber(1, kMostRun));
 }

@@ -16,13 +16,13 @@ class Session;
 /// The highest number that a run can have.
 inline constexpr std::int64_t kMostRun = std::numeric_limits<int>::max();
 
-/// The option --job, by which a command says of which job it speaks.
+/// Adds the option --job.
 void addJobChoice(CLI::App& command, std::optional<std::string>& job);
 
-/// The options --job and --run, by which a command says of which run it speaks.
+/// The options --job and --run, which choose the run that a command works on.
 class RunChoice {
   public:
-    /// This must outlive the command.
+    /// Adds the options. This object must outlive the command.
     void declare(CLI::App& command);
     /// Makes the run the session's current one. Throws CommandError.
     void select(Session& session) const;

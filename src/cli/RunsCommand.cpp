@@ -12,10 +12,11 @@ namespace tavix::cli {
 CLI::App* RunsCommand::declare(CLI::App& program) {
     CLI::App* command = program.add_subcommand("runs", "List the runs of a job");
     addJobChoice(*command, m_job);
-    command->footer("Processed are the records that were profiled in all tables, without those that a sample or a\n"
-                    "filter left out.\n\nExamples:\n"
-                    "  tavix runs -R profile.tavix --job sales\n"
-                    "  tavix runs -R profile.tavix --format json");
+    command->footer(
+        "\"Processed\" counts the records that were profiled in all tables, without those that a sample or a\n"
+        "filter left out.\n\nExamples:\n"
+        "  tavix runs -R profile.tavix --job sales\n"
+        "  tavix runs -R profile.tavix --format json");
     return command;
 }
 

@@ -1,11 +1,11 @@
 #include "cli/Session.h"
 
 #include "access/Layouts.h"
-#include "base/KvbDatavar.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
 #include "cli/Names.h"
 #include "cli/RepositoryChoice.h"
+#include "report/ReportTables.h"
 
 #include <fmt/format.h>
 
@@ -15,34 +15,30 @@ namespace tavix::cli {
 
 namespace {
 
-template <typename Entry>
-std::vector<std::string> namesOf(const std::vector<Entry>& entries) {
+std::vector<std::string> namesOf(const std::vector<TableIdentity>& tables) {
     std::vector<std::string> names;
-    names.reserve(entries.size());
-    for (const Entry& entry : entries)
-        names.push_back(entry.name);
+    names.reserve(tables.size());
+    for (const TableIdentity& table : tables)
+        names.push_back(table.displayName());
     return names;
 }
 
-std::int64_t wholeNumber(const ProfileCursor& cursor, int column) {
-    return KvbDatavar(cursor.getColumnValue(column)).toInt64();
+std::vector<std::string> namesOf(const std::vector<NamedField>& fields) {
+    std::vector<std::string> names;
+    names.reserve(fields.size());
+    for (const NamedField& field : fields)
+        names.push_back(field.name);
+    return names;
 }
 
-TableEntry readTable(const ProfileCursor& cursor, const std::string& dataSource) {
-    TableEntry table;
-    table.id = cursor.getColumnInt(layout::TableId);
-    const KvbString objectName = cursor.getColumnValue(layout::TableObjectName);
-    table.name = (objectName.isEmpty() ? cursor.getColumnValue(layout::TableName) : objectName).str();
-    table.dataSource = dataSource;
-    const KvbString kind = cursor.getColumnValue(layout::TableKindLetter);
-    table.kind = kind.isEmpty() ? 'Y' : kind.view().front();
-    table.fields = wholeNumber(cursor, layout::TableFields);
-    table.totalRecords = wholeNumber(cursor, layout::TableTotalRecords);
-    table.processedRecords = wholeNumber(cursor, layout::TableProcessedRecords);
-    table.damagedRecords = wholeNumber(cursor, layout::TableDamagedRecords);
-    table.base = cursor.getColumnValue(layout::TableBase).str();
-    table.isSample = table.kind != 'D' && table.processedRecords < table.totalRecords;
-    return table;
+bool contains(const std::vector<std::string>& names, const std::string& name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+/// Throws CommandError unless exactly one of the fields has that name.
+ChosenField pickField(const std::vector<NamedField>& fields, const std::string& name, TableIdentity table) {
+    const NamedField& field = fields[pickByName("field", name, namesOf(fields))];
+    return {field.id, field.name, field.typeCode, std::move(table)};
 }
 
 } // namespace
@@ -52,21 +48,22 @@ Session::Session(const std::string& repository) : m_viewer(PrViewer::create()) {
 }
 
 void Session::selectJob(const std::optional<std::string>& name) {
-    std::vector<JobEntry> jobs;
+    std::vector<int> ids;
+    std::vector<std::string> names;
     const ProfileCursorHandle cursor = checked(m_viewer->getReports());
-    while (cursor->next())
-        jobs.push_back({cursor->getColumnInt(layout::ReportId), cursor->getColumnValue(layout::ReportName).str()});
-    const std::vector<std::string> names = namesOf(jobs);
-    if (name)
-        m_job = jobs[pickByName("job", *name, names)];
-    else if (jobs.size() == 1)
-        m_job = jobs.front();
-    else if (jobs.empty())
+    while (cursor->next()) {
+        ids.push_back(cursor->getColumnInt(layout::ReportId));
+        names.push_back(cursor->getColumnValue(layout::ReportName).str());
+    }
+    if (!name && names.empty())
         throw CommandError(ExitCode::Usage, "the repository has no job yet; \"tavix profile\" makes one");
-    else
+    if (!name && names.size() > 1)
         throw CommandError(ExitCode::Usage,
                            fmt::format("which job? Name it with --job; there is {}", listNames(names)));
-    check(m_viewer->setCurrentJobSetup(m_job.id));
+    const std::size_t chosen = name ? pickByName("job", *name, names) : 0;
+    m_jobId = ids[chosen];
+    m_jobName = names[chosen];
+    check(m_viewer->setCurrentJobSetup(m_jobId));
 }
 
 void Session::selectRun(std::optional<int> run) {
@@ -78,80 +75,49 @@ void Session::selectRun(std::optional<int> run) {
 
 void Session::changeRun(int run) {
     std::vector<std::string> known;
-    for (const RunEntry& entry : runs()) {
+    for (const RunInfo& entry : runs()) {
         if (entry.id == run) {
             check(m_viewer->setCurrentJob(run));
             return;
         }
         known.push_back(fmt::format("{}", entry.id));
     }
-    throw CommandError(ExitCode::Usage, fmt::format("job \"{}\" has no run {}; it has {}", m_job.name, run,
+    throw CommandError(ExitCode::Usage, fmt::format("job \"{}\" has no run {}; it has {}", m_jobName, run,
                                                     known.empty() ? "none" : listNames(known)));
 }
 
-std::vector<RunEntry> Session::runs() {
-    std::vector<RunEntry> runs;
-    const ProfileCursorHandle cursor = checked(m_viewer->getJobs());
-    while (cursor->next())
-        runs.push_back({cursor->getColumnInt(layout::JobRunId), cursor->getColumnDouble(layout::JobDate),
-                        cursor->getColumnValue(layout::JobDescription).str()});
-    return runs;
+std::vector<RunInfo> Session::runs() {
+    return readRuns(*m_viewer);
 }
 
-std::vector<TableEntry> Session::tables() {
-    std::vector<TableEntry> tables;
-    const ProfileCursorHandle sources = checked(m_viewer->getDSNList());
-    while (sources->next()) {
-        const std::string dataSource = sources->getColumnValue(layout::DsnName).str();
-        const ProfileCursorHandle cursor = checked(m_viewer->getTableList(sources->getColumnInt(layout::DsnId)));
-        while (cursor->next())
-            tables.push_back(readTable(*cursor, dataSource));
-    }
-    for (TableEntry& table : tables)
-        if (table.kind == 'D')
-            table.isSample = std::any_of(tables.begin(), tables.end(), [&](const TableEntry& base) {
-                return base.isSample && base.name == table.base && base.dataSource == table.dataSource;
-            });
-    return tables;
+std::vector<TableIdentity> Session::tables() {
+    return readTables(*m_viewer);
 }
 
-TableEntry Session::table(const std::string& name) {
-    const std::vector<TableEntry> all = tables();
-    return all[pickByName("table", name, namesOf(all))];
+TableIdentity Session::table(const std::string& name) {
+    std::vector<TableIdentity> all = tables();
+    return std::move(all[pickByName("table", name, namesOf(all))]);
 }
 
-std::vector<FieldEntry> Session::fieldsOf(const TableEntry& table) {
-    std::vector<FieldEntry> fields;
-    const ProfileCursorHandle cursor = checked(m_viewer->getFieldList(table.id));
-    while (cursor->next()) {
-        FieldEntry field{cursor->getColumnInt(layout::FieldId), cursor->getColumnValue(layout::FieldName).str(), 0,
-                         table};
-        const KvbString code = cursor->getColumnValue(layout::FieldTypeCode);
-        if (!code.isEmpty())
-            field.typeCode = code.view().front();
-        fields.push_back(std::move(field));
-    }
-    return fields;
-}
-
-FieldEntry Session::field(const std::string& address, const std::optional<std::string>& tableName) {
+ChosenField Session::field(const std::string& address, const std::optional<std::string>& tableName) {
     if (tableName) {
-        const std::vector<FieldEntry> fields = fieldsOf(table(*tableName));
-        const std::vector<std::string> names = namesOf(fields);
-        // TABLE.FIELD beside --table is understood too.
-        if (std::find(names.begin(), names.end(), address) == names.end())
+        TableIdentity owner = table(*tableName);
+        const std::vector<NamedField> fields = readFieldNames(*m_viewer, owner.id);
+        // --table may be combined with TABLE.FIELD too.
+        if (!contains(namesOf(fields), address))
             for (const FieldAddress& way : readFieldAddress(address, std::span(&*tableName, 1)))
-                return fields[pickByName("field", way.field, names)];
-        return fields[pickByName("field", address, names)];
+                return pickField(fields, way.field, std::move(owner));
+        return pickField(fields, address, std::move(owner));
     }
-    const std::vector<TableEntry> all = tables();
+    std::vector<TableIdentity> all = tables();
     const std::vector<std::string> names = namesOf(all);
     std::string firstMiss;
     for (const FieldAddress& way : readFieldAddress(address, names)) {
-        const std::vector<FieldEntry> fields = fieldsOf(all[pickByName("table", way.table, names)]);
+        TableIdentity& owner = all[pickByName("table", way.table, names)];
+        const std::vector<NamedField> fields = readFieldNames(*m_viewer, owner.id);
         const std::vector<std::string> fieldNames = namesOf(fields);
-        if (std::find(fieldNames.begin(), fieldNames.end(), way.field) != fieldNames.end())
-            return fields[pickByName("field", way.field, fieldNames)];
+        if (contains(fieldNames, way.field))
+            return pickField(fields, way.field, std::move(owner));
         if (firstMiss.empty())
             firstMiss =
                 fmt::format("table \"{}\" has no field \"{}\"; it has {}", way.table, way.field, listNames(fieldNames));
@@ -165,19 +131,19 @@ FieldEntry Session::field(const std::string& address, const std::optional<std::s
 void Session::addressSubject(const std::string& subject, std::optional<std::string>& table,
                              std::optional<std::string>& field) {
     if (field || (table && subject == *table))
-        throw CommandError(ExitCode::Usage, fmt::format("\"{}\" beside --table or --field says it twice", subject));
+        throw CommandError(ExitCode::Usage,
+                           fmt::format("\"{}\" and --table or --field name the same thing twice", subject));
     if (table) {
         field = subject;
         return;
     }
-    const std::vector<TableEntry> all = tables();
+    const std::vector<TableIdentity> all = tables();
     const std::vector<std::string> names = namesOf(all);
-    const bool isTable = std::find(names.begin(), names.end(), subject) != names.end();
+    const bool isTable = contains(names, subject);
     const std::vector<FieldAddress> ways = readFieldAddress(subject, names);
     const bool isField = isTable && std::any_of(ways.begin(), ways.end(), [&](const FieldAddress& way) {
-                             const std::vector<std::string> fields =
-                                 namesOf(fieldsOf(all[pickByName("table", way.table, names)]));
-                             return std::find(fields.begin(), fields.end(), way.field) != fields.end();
+                             const TableIdentity& owner = all[pickByName("table", way.table, names)];
+                             return contains(namesOf(readFieldNames(*m_viewer, owner.id)), way.field);
                          });
     if (isField)
         throw CommandError(ExitCode::Usage,

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "access/PrViewer.h"
+#include "report/ReportSelection.h"
+#include "report/RunInfo.h"
 
 #include <optional>
 #include <string>
@@ -8,77 +10,56 @@
 
 namespace tavix::cli {
 
-struct JobEntry {
+/// A field that the user has named.
+struct ChosenField {
     int id = -1;
     std::string name;
+    std::string typeCode;
+    TableIdentity table;
 };
 
-struct RunEntry {
-    int id = -1;
-    double date = 0; ///< a LibraryDate
-    std::string description;
-};
-
-struct TableEntry {
-    int id = -1;
-    std::string name; ///< as shown: that of the query or filter, else the table's
-    std::string dataSource;
-    char kind = 'Y';
-    std::int64_t fields = 0;
-    std::int64_t totalRecords = 0;
-    std::int64_t processedRecords = 0;
-    std::int64_t damagedRecords = 0;
-    std::string base;      ///< of a filtered table
-    bool isSample = false; ///< its figures are those of a sample of its rows, or of its base's
-};
-
-struct FieldEntry {
-    int id = -1;
-    std::string name;
-    char typeCode = 0;
-    TableEntry table;
-};
-
-/// A repository opened for a command that names jobs, runs, tables and fields. Everything throws CommandError: Source
-/// when the repository fails, Usage when a name or number is not there.
+/// A repository opened by a command, with its jobs, runs, tables and fields by name. A name or number that does not
+/// exist throws CommandError with ExitCode::Usage; a failure of the repository throws CommandError with
+/// ExitCode::Source or GenException, which ends the program with the same code.
 class Session {
   public:
-    /// The file as the option names it; empty for what chosenRepository() finds.
+    /// `repository` is the argument of --repository; see chosenRepository() for an empty one.
     explicit Session(const std::string& repository);
 
     [[nodiscard]] PrViewer& viewer() { return *m_viewer; }
-    [[nodiscard]] int jobId() const { return m_job.id; }
-    [[nodiscard]] const std::string& jobName() const { return m_job.name; }
+    [[nodiscard]] int jobId() const { return m_jobId; }
+    [[nodiscard]] const std::string& jobName() const { return m_jobName; }
 
-    /// Makes a job and its latest run current; without a name the only job that there is.
+    /// Makes a job and its latest run current. Without a name the repository must have exactly one job.
     void selectJob(const std::optional<std::string>& name);
-    /// Makes a run of the current job current; without a number the latest stays. Says when the run is damaged.
+    /// Makes a run of the current job current; without a number the latest stays current. Warns when the run is
+    /// damaged.
     void selectRun(std::optional<int> run);
 
     /// Of the current job, as the repository orders them.
-    [[nodiscard]] std::vector<RunEntry> runs();
+    [[nodiscard]] std::vector<RunInfo> runs();
     /// Of the current run.
-    [[nodiscard]] std::vector<TableEntry> tables();
-    [[nodiscard]] TableEntry table(const std::string& name);
+    [[nodiscard]] std::vector<TableIdentity> tables();
+    [[nodiscard]] TableIdentity table(const std::string& name);
     /// `address` is TABLE.FIELD, or only FIELD when `tableName` is given.
-    [[nodiscard]] FieldEntry field(const std::string& address, const std::optional<std::string>& tableName);
+    [[nodiscard]] ChosenField field(const std::string& address, const std::optional<std::string>& tableName);
 
-    /// A table's name or TABLE.FIELD without an option before it, or FIELD beside a table: sets `table` or `field`,
-    /// which are those of the options. A subject that could be both is refused.
+    /// Interprets a positional argument: the name of a table, TABLE.FIELD, or FIELD when `table` is set. Sets `table`
+    /// or `field`, the values of the options. A subject that could be both a table and a field throws.
     void addressSubject(const std::string& subject, std::optional<std::string>& table,
                         std::optional<std::string>& field);
 
-    /// The cursor itself; a null one throws the repository's error text.
+    /// Passes the cursor through; throws the repository's error text for a null one.
     [[nodiscard]] ProfileCursorHandle checked(ProfileCursorHandle cursor);
     /// Throws the repository's error text unless `succeeded`.
     void check(bool succeeded);
 
   private:
     void changeRun(int run);
-    [[nodiscard]] std::vector<FieldEntry> fieldsOf(const TableEntry& table);
 
     PrViewer::Handle m_viewer;
-    JobEntry m_job;
+    int m_jobId = -1;
+    std::string m_jobName;
 };
 
 } // namespace tavix::cli

@@ -20,7 +20,7 @@ namespace tavix::cli {
 
 namespace {
 
-/// How many values and patterns the overview of a field begins with.
+/// The number of values and patterns in the overview of a field.
 constexpr std::int64_t kOverviewRows = 20;
 
 } // namespace
@@ -29,17 +29,20 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
     CLI::App* command =
         program.add_subcommand("show", "Show a run, the metrics of a table, or everything about a field");
     command
-        ->add_option("SUBJECT", m_subject,
-                     "A table, as with --table, or TABLE.FIELD, as with --field. A name that could be both is refused")
+        ->add_option(
+            "SUBJECT", m_subject,
+            "A table, as with --table, or TABLE.FIELD, as with --field. A name that could mean both is an error")
         ->type_name("");
-    command->add_option("-t,--table", m_table, "The table: the metrics of its fields, its custom metrics and rules")
+    command
+        ->add_option("-t,--table", m_table, "The table: shows the metrics of its fields, its custom metrics and rules")
         ->type_name("NAME");
     command
-        ->add_option("-f,--field", m_field,
-                     "The field, as TABLE.FIELD, or as FIELD beside --table. A name may contain dots; names in "
-                     "double quotes are taken as they are")
+        ->add_option(
+            "-f,--field", m_field,
+            "The field, as TABLE.FIELD, or as FIELD with --table. Names may contain dots and may be put in double "
+            "quotes")
         ->type_name("T.F");
-    constexpr const char* kLists = "Lists (several may be given; without one a field shows them all)";
+    constexpr const char* kLists = "Lists (any number; a field without one shows them all)";
     command->add_flag("--metrics", m_metrics, "The 24 standard metrics")->group(kLists);
     command->add_flag("--values", m_values, "The value distribution, most frequent first")->group(kLists);
     command->add_flag("--patterns", m_patterns, "The pattern distribution, most frequent first")->group(kLists);
@@ -47,21 +50,20 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
     command->add_flag("--outliers", m_outliers, "The lowest and the highest values")->group(kLists);
     command->add_flag("--custom-metrics", m_customMetrics, "The custom metrics of a table")->group(kLists);
     command->add_flag("--rules", m_rules, "The business rules of a table")->group(kLists);
-    command->add_flag("--log", m_log, "What the run reported while it was made")->group(kLists);
+    command->add_flag("--log", m_log, "The execution log of the run")->group(kLists);
     command
         ->add_option("--filter", m_filter,
-                     "Only the values, or patterns, that meet this condition: a \".flt\" file, a text file, or the "
-                     "expression itself, with the fields `Value` and `Count`. Without a list: --values")
+                     "Show only the values or patterns that meet this condition: a \".flt\" file, a text file, or an "
+                     "expression with the fields `Value` and `Count`. Implies --values if no list is given")
         ->type_name("FILE|TEXT");
-    command->add_option("-n,--limit", m_limit, "At most so many rows of each list")
+    command->add_option("-n,--limit", m_limit, "The largest number of rows in each list")
         ->type_name("N")
         ->transform(wholeNumber());
     m_runChoice.declare(*command);
     command->footer(
-        "A table without a list shows, as text, the metrics of its fields and what it has of custom metrics\n"
-        "and rules; as json or csv the metrics alone.\n"
-        "A field without a list shows its metrics, the first 20 values and patterns, percentiles and\n"
-        "outliers. A list that is asked for by name is written whole, unless --limit says otherwise.\n\n"
+        "Without a list, a table shows in text the metrics of its fields, its custom metrics and its rules;\n"
+        "in json and csv only the metrics. A field shows its metrics, the first 20 values and patterns,\n"
+        "percentiles and outliers. A list given by name is shown in full, unless --limit is given.\n\n"
         "Examples:\n"
         "  tavix show -R profile.tavix\n"
         "  tavix show -R profile.tavix airports\n"
@@ -148,10 +150,10 @@ void ShowCommand::showRun(Session& session, const CommonOptions& options) const 
 }
 
 void ShowCommand::showTable(Session& session, const CommonOptions& options) const {
-    const TableEntry table = session.table(*m_table);
+    const TableIdentity table = session.table(*m_table);
     saySample(table);
     const int wanted = m_metrics + m_customMetrics + m_rules;
-    // Programs get the same list whatever the table has.
+    // JSON and CSV have the same list for every table.
     const bool isOverview = wanted == 0 && options.format == Format::Text;
     const bool withMetrics = m_metrics || wanted == 0;
     const bool withCustom = m_customMetrics || (isOverview && hasCustomMetrics(session, table));
@@ -170,36 +172,36 @@ void ShowCommand::showField(Session& session, const CommonOptions& options) cons
     struct Choice {
         bool wanted;
         std::int64_t overview;
-        std::function<void(Listing&, const FieldEntry&, std::int64_t limit)> list;
+        std::function<void(Listing&, const ChosenField&, std::int64_t limit)> list;
     };
     const std::string filter = m_filter ? filterTextOf(*m_filter) : std::string();
     const bool onlyValues = m_filter && !m_patterns;
     const bool all = !m_filter && !m_metrics && !m_values && !m_patterns && !m_percentiles && !m_outliers;
     const std::vector<Choice> choices{
         {m_metrics, kNoLimit,
-         [&](Listing& listing, const FieldEntry& field, std::int64_t) { listMetrics(session, listing, field); }},
+         [&](Listing& listing, const ChosenField& field, std::int64_t) { listMetrics(session, listing, field); }},
         {m_values || onlyValues, kOverviewRows,
-         [&](Listing& listing, const FieldEntry& field, std::int64_t limit) {
+         [&](Listing& listing, const ChosenField& field, std::int64_t limit) {
              listValues(session, listing, field, {limit, filter});
          }},
         {m_patterns, kOverviewRows,
-         [&](Listing& listing, const FieldEntry& field, std::int64_t limit) {
+         [&](Listing& listing, const ChosenField& field, std::int64_t limit) {
              listPatterns(session, listing, field, {limit, filter});
          }},
         {m_percentiles, kNoLimit,
-         [&](Listing& listing, const FieldEntry& field, std::int64_t limit) {
+         [&](Listing& listing, const ChosenField& field, std::int64_t limit) {
              listPercentiles(session, listing, field, limit);
          }},
         {m_outliers, kNoLimit,
-         [&](Listing& listing, const FieldEntry& field, std::int64_t limit) {
+         [&](Listing& listing, const ChosenField& field, std::int64_t limit) {
              listOutliers(session, listing, field, limit);
          }},
     };
     const auto wanted = std::count_if(choices.begin(), choices.end(), [](const Choice& c) { return c.wanted; });
-    // In text only a title can say that the list is not the whole.
+    // A filtered list in text has a title, which says that it is not complete.
     const bool isTitled = options.format == Format::Text && !filter.empty();
 
-    const FieldEntry field = session.field(*m_field, m_table);
+    const ChosenField field = session.field(*m_field, m_table);
     saySample(field.table);
     if (const auto remark = CheckFilterText(filter).remark)
         say("the filter: " + expression::describe(*remark));

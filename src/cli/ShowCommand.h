@@ -10,7 +10,7 @@
 
 namespace tavix::cli {
 
-/// `tavix show`: a run, a table's metrics or everything about one field.
+/// `tavix show`: a run, the metrics of a table, or everything about a field.
 class ShowCommand final : public Command {
   public:
     CLI::App* declare(CLI::App& program) override;

@@ -19,7 +19,7 @@ void remember(int) {
 void watchSignals() {
     struct sigaction action {};
     action.sa_handler = remember;
-    // Without SA_RESTART, so that waiting for an answer ends too.
+    // Without SA_RESTART a signal also ends a read from the terminal.
     action.sa_flags = static_cast<int>(SA_RESETHAND);
     ::sigaction(SIGINT, &action, nullptr);
     ::sigaction(SIGTERM, &action, nullptr);

@@ -21,7 +21,7 @@ using source::Credentials;
 
 constexpr std::size_t kLongestAnswer = 1000;
 
-/// Keeps the terminal from showing what is typed, as long as it lives.
+/// Turns the echo of the terminal off for its lifetime.
 class Hidden {
   public:
     Hidden() {
@@ -43,7 +43,7 @@ class Hidden {
     bool m_isOn = false;
 };
 
-/// A line from the terminal; nothing at its end and after an interruption.
+/// A line from the terminal; nothing at the end of the input and after an interruption.
 std::optional<std::string> answer(const std::string& question) {
     std::fputs(question.c_str(), stderr);
     std::fflush(stderr);

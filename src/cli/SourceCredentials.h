@@ -4,9 +4,9 @@
 
 namespace tavix::cli {
 
-/// Where user and password of a database come from: the environment (TAVIX_SOURCE_USER and TAVIX_SOURCE_PASSWORD, or
-/// those of one source, as TAVIX_SOURCE_PASSWORD_SHOP), else its user at the terminal, when the input is one and the
-/// server wants them. What is typed as a password is not shown.
+/// Gets the user and password of a database from the environment (TAVIX_SOURCE_USER and TAVIX_SOURCE_PASSWORD, or those
+/// of one source, such as TAVIX_SOURCE_PASSWORD_SHOP), else, if the server requires them, from the terminal, where a
+/// password is not echoed.
 [[nodiscard]] source::AskCredentials sourceCredentials();
 
 } // namespace tavix::cli

@@ -15,19 +15,20 @@ enum class Format { Text, Json, Csv };
 struct Column {
     enum class Kind {
         Text,
-        /// A figure. Text in it that is a number stands in JSON as that very number, digit for digit.
+        /// A number. In JSON, text that is a number is written as that number, digit for digit.
         Number,
-        /// A value of a field: a figure in the rows whose `typeColumn` says integer or real, else text.
+        /// A value of a field: a number in the rows whose `typeColumn` is integer or real, else text.
         TypedValue,
-        /// Text that people write, in the last column: text shows all of it, folded into lines.
+        /// Long text in the last column. The text format folds it into lines instead of cutting it.
         Prose,
     };
 
     std::string key;   ///< the name in JSON and CSV
     std::string title; ///< the heading in text
     Kind kind = Kind::Text;
-    int places = -1; ///< decimals of a real in text; -1 as people write it. JSON and CSV always have all.
-    /// Text that is a number was computed and is no value of a field: text rounds it like a real.
+    int places = -1; ///< decimals of a real in the text format, -1 for a readable number. JSON and CSV always have all.
+    /// Text that is a number was computed, so the text format rounds it like a real; a value of a field it shows in
+    /// full.
     bool isComputed = false;
 };
 
@@ -36,10 +37,10 @@ using Row = std::vector<KvbDatavar>;
 
 /// One list of a result.
 struct Section {
-    std::string key;   ///< the member's name in JSON when there are several lists
+    std::string key;   ///< the name of the member in JSON when there are several lists
     std::string title; ///< above the table in text when there are several lists
     std::vector<Column> columns;
-    /// The list has one row that speaks of one thing: a JSON object, and in text a line for each column.
+    /// The list has one row: an object in JSON, a line for each column in the text format.
     bool isRecord = false;
     std::string nullText = "-"; ///< for a null cell in text
     int typeColumn = -1;        ///< the column with the name of the field's type, for Column::Kind::TypedValue
@@ -47,14 +48,14 @@ struct Section {
 
 enum class Sections { One, Several };
 
-/// Writes lists in one format, row by row as they come: memory does not grow with the number of rows.
+/// Writes lists in one format, row by row: memory does not grow with the number of rows.
 /// Call order: begin, row..., end for each list, then finish.
 class TableWriter {
   public:
     virtual ~TableWriter() = default;
 
     virtual void begin(const Section& section) = 0;
-    /// As many cells as the section has columns.
+    /// `cells` has one cell for each column of the section.
     virtual void row(std::span<const KvbDatavar> cells) = 0;
     virtual void end() = 0;
     virtual void finish() = 0;
@@ -62,8 +63,8 @@ class TableWriter {
 
 struct WriterOptions {
     Format format = Format::Text;
-    Sections sections = Sections::One; ///< CSV takes one only
-    bool spreadsheet = false;          ///< CSV: text that a spreadsheet would take for a formula is marked as text
+    Sections sections = Sections::One; ///< CSV can hold only one
+    bool spreadsheet = false; ///< CSV: put an apostrophe before text that a spreadsheet would take for a formula
 };
 
 /// `output` must outlive the writer.

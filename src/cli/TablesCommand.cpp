@@ -8,15 +8,16 @@ namespace tavix::cli {
 
 namespace {
 
-std::string_view kindName(char letter) {
-    switch (letter) {
-    case 'S':
+std::string_view kindWord(TableKind kind) {
+    switch (kind) {
+    case TableKind::Query:
         return "query";
-    case 'D':
+    case TableKind::Filter:
         return "filter";
-    default:
-        return "table";
+    case TableKind::Plain:
+        break;
     }
+    return "table";
 }
 
 } // namespace
@@ -35,8 +36,8 @@ void listTables(Session& session, Listing& listing) {
     section.columns.push_back({"data_source", "Data source"});
     section.columns.push_back({"sampled", "Sampled"});
     listing.begin(section);
-    for (const TableEntry& table : session.tables())
-        listing.row(Row{table.name, std::string(kindName(table.kind)), table.fields, table.totalRecords,
+    for (const TableIdentity& table : session.tables())
+        listing.row(Row{table.displayName(), std::string(kindWord(table.kind)), table.fields, table.totalRecords,
                         table.processedRecords, table.damagedRecords, table.dataSource,
                         std::string(table.isSample ? "yes" : "no")});
     listing.end();

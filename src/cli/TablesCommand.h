@@ -7,8 +7,8 @@ namespace tavix::cli {
 
 class Session;
 
-/// The numbers of records of a table as every list of tables has them: all of its source, those that were profiled, and
-/// the damaged ones.
+/// The columns for the records of a table in every list of tables: all records of the source, the profiled ones and the
+/// damaged ones.
 [[nodiscard]] std::vector<Column> recordColumns();
 
 /// Writes the tables of the current run as one list.

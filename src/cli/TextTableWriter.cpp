@@ -15,7 +15,7 @@ constexpr std::size_t kWidestCell = 60;
 constexpr std::size_t kWidestProse = 72;
 constexpr std::string_view kGap = "  ";
 
-/// The number that is rounded for reading; nothing for a cell that is shown as it is.
+/// The number to round for reading; nothing for a cell that is shown in full.
 std::optional<double> roundedNumber(const KvbDatavar& value, const Column& column) {
     if (const double* real = std::get_if<double>(&value.storage()))
         return *real;

@@ -4,9 +4,9 @@
 
 namespace tavix::cli {
 
-/// Aligned columns for reading. Control characters are shown as escapes, long cells are cut with "…" and
-/// prose is folded, null is as the section has it. The widths follow from the first rows; a later, wider cell pushes
-/// its line to the right.
+/// Aligned columns for people. Control characters are escaped, long cells are cut with "…", prose is folded, and null
+/// is shown as the section's `nullText`. The first rows determine the widths; a wider cell in a later row pushes the
+/// rest of its line to the right.
 class TextTableWriter final : public TableWriter {
   public:
     TextTableWriter(Output& output, Sections sections) : m_output(output), m_several(sections == Sections::Several) {}
@@ -21,7 +21,7 @@ class TextTableWriter final : public TableWriter {
         std::string text;
         std::size_t width = 0;
         bool right = false;
-        std::vector<std::string> more = {}; ///< further lines, of the last column
+        std::vector<std::string> more = {}; ///< the further lines of a folded last column
     };
     [[nodiscard]] Cell makeCell(const KvbDatavar& value, const Column& column) const;
     void writeWaiting();
@@ -34,7 +34,7 @@ class TextTableWriter final : public TableWriter {
     Section m_section;
     std::vector<Cell> m_headings;
     std::vector<std::size_t> m_widths;
-    std::vector<std::vector<Cell>> m_waiting; ///< the first rows, until the widths are settled
+    std::vector<std::vector<Cell>> m_waiting; ///< the first rows, until the widths are known
     bool m_settled = false;
     std::string m_line;
 };

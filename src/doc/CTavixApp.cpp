@@ -1,6 +1,7 @@
 #include "doc/CTavixApp.h"
 
 #include "settings/MetricDisplay.h"
+#include "settings/Settings.h"
 
 namespace tavix {
 
@@ -21,7 +22,7 @@ CTavixApp::CTavixApp(std::unique_ptr<SettingsStore> settings) : m_settings(std::
 void CTavixApp::Start() {
     if (const auto filled = writeFirstStartDefaults(*m_settings); !filled && m_startProblem.empty())
         m_startProblem = filled.error().text;
-    m_connectionType = m_settings->read("Settings", "ConnectionType");
+    m_connectionType = readText(*m_settings, Setting::ConnectionType);
 }
 
 std::unique_ptr<CTavixDoc> CTavixApp::StartDocument(DocumentFrame& frame, Messages& messages) const {

@@ -2,6 +2,7 @@
 
 #include "access/Layouts.h"
 #include "base/GenException.h"
+#include "report/ReportTables.h"
 
 #include <algorithm>
 
@@ -264,12 +265,7 @@ std::optional<std::vector<RunInfo>> CTavixDoc::GetRuns() const {
     if (!m_viewer)
         return runs;
     const auto failure = failureOf(*m_viewer, [&] {
-        const ProfileCursorHandle jobs = m_viewer->getJobs();
-        if (!jobs)
-            return false;
-        while (jobs->next())
-            runs.push_back({jobs->getColumnInt(layout::JobRunId), jobs->getColumnDouble(layout::JobDate),
-                            jobs->getColumnValue(layout::JobDescription).str()});
+        runs = readRuns(*m_viewer);
         return true;
     });
     if (failure) {

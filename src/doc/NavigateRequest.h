@@ -11,7 +11,7 @@ struct NavigateRequest {
     std::string schema;
     std::string table;      ///< the object name of a query-based or filter-based table
     int mode = 0;           ///< kind of the data source: 0 ODBC, 4 files
-    std::string metricKind; ///< "SM" standard metric, "CM" custom metric, "BR" business rule
+    std::string metricKind; ///< the code of an alert's subject, see base/AlertRule.h
     int metricId = -1;      ///< of the metric; for a rule the rule's
     int rowId = -1;         ///< of a standard metric the field's id
 };

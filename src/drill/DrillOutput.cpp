@@ -6,6 +6,7 @@
 #include "base/NumberText.h"
 #include "grid/FoldCase.h"
 #include "report/CountText.h"
+#include "settings/Settings.h"
 #include "worksheet/Workbook.h"
 
 #include <algorithm>
@@ -132,7 +133,7 @@ bool saveWorksheet(const CDrillThruDataSrc& source, const std::string& path, std
 } // namespace
 
 std::string drillFolder(const SettingsStore& settings) {
-    return settings.read("Environment", "WorkingPath");
+    return readText(settings, Setting::WorkingPath);
 }
 
 std::string drillFileName(std::string_view context) {

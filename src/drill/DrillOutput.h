@@ -14,7 +14,7 @@ inline constexpr std::string_view kDrillFilePatterns =
     "Text Files (*.txt;*.csv)|*.txt;*.csv|Worksheets (*.xls)|*.xls||";
 inline constexpr std::string_view kDrillFileExtension = "txt";
 
-/// Where a file dialog begins: "WorkingPath" in section "Environment"; "" when there is none.
+/// Where a file dialog begins; "" when the settings do not say.
 [[nodiscard]] std::string drillFolder(const SettingsStore& settings);
 /// A file name made of the table's or field's name, without an extension.
 [[nodiscard]] std::string drillFileName(std::string_view context);

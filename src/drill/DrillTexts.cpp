@@ -3,6 +3,7 @@
 #include "access/SourceChange.h"
 #include "grid/FoldCase.h"
 #include "report/CountText.h"
+#include "settings/Settings.h"
 
 namespace tavix {
 
@@ -51,7 +52,7 @@ std::string_view drillTitle(DrillOrigin origin) {
 }
 
 bool isDrillOffered(const SettingsStore& settings) {
-    return foldCase(settings.read("Settings", "ConnectionType")) != "ctdd";
+    return foldCase(readText(settings, Setting::ConnectionType)) != "ctdd";
 }
 
 std::string drillStatus(const DrillResult& result, std::optional<std::int64_t> inRun) {

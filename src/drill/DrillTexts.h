@@ -27,7 +27,7 @@ inline constexpr std::string_view kDrillUnavailable = "Drill through information
 inline constexpr std::string_view kDrillErrorCaption = "Error";
 inline constexpr std::string_view kDrillPrintJob = "Profile - Drill Through";
 
-/// False where the installation's connections lead to no source rows: "ConnectionType" in section "Settings" is "CTDD".
+/// False where the installation's connections lead to no source rows: the connection type is "CTDD".
 [[nodiscard]] bool isDrillOffered(const SettingsStore& settings);
 
 /// How many rows there are and why there are not others, for a line below them. `inRun` is how many the run counted, if

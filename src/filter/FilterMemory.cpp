@@ -1,6 +1,7 @@
 #include "filter/FilterMemory.h"
 
 #include "expression/TextOperators.h"
+#include "settings/Settings.h"
 
 #include <fmt/format.h>
 
@@ -12,13 +13,8 @@ namespace tavix {
 
 namespace {
 
-constexpr std::string_view kSection = "FILTERS";
 constexpr char kEscape = '\\';
 constexpr char kSeparator = '|';
-
-std::string keyOf(DistributionKind kind, std::string_view what) {
-    return std::string(KindWord(kind)) + std::string(what);
-}
 
 // A settings value is one line whose outer blanks and quotes may get lost, so a list of texts is written as
 // text|text|, with escapes for what a line or the list cannot hold.
@@ -78,7 +74,7 @@ std::string tidyName(std::string_view name) {
 } // namespace
 
 std::vector<std::string> FilterMemory::Recent(DistributionKind kind) const {
-    return decode(m_settings.read(kSection, keyOf(kind, "Recent")), kMostRecent);
+    return decode(readMember(m_settings, SettingFamily::RecentFilters, KindWord(kind)), kMostRecent);
 }
 
 Status FilterMemory::Remember(DistributionKind kind, std::string_view text) {
@@ -92,7 +88,7 @@ Status FilterMemory::Remember(DistributionKind kind, std::string_view text) {
         texts.erase(known);
     texts.insert(texts.begin(), std::string(text));
     texts.resize(std::min(texts.size(), kMostRecent));
-    return m_settings.write(kSection, keyOf(kind, "Recent"), encode(texts));
+    return writeMember(m_settings, SettingFamily::RecentFilters, KindWord(kind), encode(texts));
 }
 
 namespace {
@@ -122,7 +118,8 @@ std::string encodeNamed(const std::vector<NamedFilter>& filters) {
 } // namespace
 
 std::vector<NamedFilter> FilterMemory::Named(DistributionKind kind) const {
-    std::vector<std::string> texts = decode(m_settings.read(kSection, keyOf(kind, "Named")), 2 * kMostNamed);
+    std::vector<std::string> texts =
+        decode(readMember(m_settings, SettingFamily::NamedFilters, KindWord(kind)), 2 * kMostNamed);
     std::vector<NamedFilter> filters;
     for (std::size_t i = 0; i + 1 < texts.size(); i += 2)
         filters.push_back({std::move(texts[i]), std::move(texts[i + 1])});
@@ -154,7 +151,7 @@ Status FilterMemory::Keep(DistributionKind kind, std::string_view name, std::str
         return Error{fmt::format("There are {} named filters already. Delete one first.", filters.size())};
     else
         filters.insert(place, {tidy, std::string(text)});
-    return m_settings.write(kSection, keyOf(kind, "Named"), encodeNamed(filters));
+    return writeMember(m_settings, SettingFamily::NamedFilters, KindWord(kind), encodeNamed(filters));
 }
 
 Status FilterMemory::Forget(DistributionKind kind, std::string_view name) {
@@ -164,7 +161,7 @@ Status FilterMemory::Forget(DistributionKind kind, std::string_view name) {
     if (!isNamed(filters, place, lower))
         return {};
     filters.erase(place);
-    return m_settings.write(kSection, keyOf(kind, "Named"), encodeNamed(filters));
+    return writeMember(m_settings, SettingFamily::NamedFilters, KindWord(kind), encodeNamed(filters));
 }
 
 } // namespace tavix

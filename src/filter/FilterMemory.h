@@ -17,8 +17,8 @@ struct NamedFilter {
     bool operator==(const NamedFilter&) const = default;
 };
 
-/// The filters that a user used last and those that the user gave a name, kept apart for values and patterns in the
-/// section FILTERS of the settings.
+/// The filters that a user used last and those that the user gave a name, kept apart for values and patterns
+/// among the settings.
 class FilterMemory {
   public:
     static constexpr std::size_t kMostRecent = 10;

@@ -8,9 +8,6 @@ namespace tavix {
 
 enum class CellAlignment { Left, Right, Center };
 
-/// What stands for a null value, in state Null.
-inline constexpr std::string_view kNullValue = "(null value)";
-
 /// How a cell's text is meant.
 enum class CellState : std::uint8_t {
     Ordinary,

@@ -28,12 +28,6 @@ constexpr std::array kConditions{
     ConditionKey{"not", AlertComparison::Equal},     ConditionKey{"range", AlertComparison::Outside},
     ConditionKey{"not in", AlertComparison::Inside}, ConditionKey{"change", AlertComparison::ChangedBy}};
 
-/// Those that are words cannot be compared with a number.
-bool isFigure(MetricId id) {
-    return id != MetricId::DefinedType && id != MetricId::ActualType && id != MetricId::PrimaryKey &&
-           id != MetricId::Nullable;
-}
-
 template <typename Entries>
 std::vector<std::string> namesOf(const Entries& entries) {
     std::vector<std::string> names;
@@ -110,11 +104,11 @@ MetricId AlertEntries::metricOf(const json& entry, const std::string& pointer) c
     }
     std::vector<std::string> known;
     for (const MetricInfo& metric : metricCatalogue()) {
-        if (metric.name == name && isFigure(metric.id))
+        if (metric.name == name && metric.isFigure())
             return metric.id;
         if (metric.name == name)
             fail(place, fmt::format("\"{}\" is no number", name));
-        if (isFigure(metric.id))
+        if (metric.isFigure())
             known.emplace_back(metric.name);
     }
     fail(place, fmt::format("there is no metric \"{}\"{}", name, suggestion(name, known)));

@@ -6,7 +6,7 @@ namespace tavix {
 
 class PrViewer;
 
-/// Looks up anew which collections hold the fields of every table of the current run.
+/// Reads again, for every table of the current run, which collections its fields belong to.
 Status refreshCollectionsOfAllTables(PrViewer& viewer);
 
 } // namespace tavix

@@ -13,7 +13,7 @@ void replaceAll(std::string& text, std::string_view from, std::string_view to) {
         text.replace(at, from.size(), to);
 }
 
-// Line ends of any kind become "\r\n", blank lines vanish.
+// Turns all line ends into "\r\n" and removes blank lines.
 std::string normalised(std::string_view text) {
     std::string lines;
     lines.reserve(text.size());
@@ -38,7 +38,7 @@ class Lines {
         m_text += value;
         m_text += kLineEnd;
     }
-    /// A number that is not known has no line.
+    /// Adds no line for an unknown number.
     void add(std::string_view label, std::int64_t value) {
         if (value >= 0)
             add(label, formatInteger(value));
@@ -62,7 +62,6 @@ std::string filterOrigin(const TableIdentity& table) {
 
 void addTable(Lines& lines, const TableIdentity& table, std::string_view typeLabel) {
     const bool isFilter = !table.baseTable.empty();
-    const bool isPartial = table.processedRecords < table.totalRecords;
     if (!table.objectName.empty()) {
         lines.add("", table.objectName);
         lines.add(typeLabel, isFilter ? filterOrigin(table) : "SQL query");
@@ -70,7 +69,7 @@ void addTable(Lines& lines, const TableIdentity& table, std::string_view typeLab
         lines.add("Total records: ", table.totalRecords);
         if (isFilter)
             lines.add("Filtered records: ", table.processedRecords);
-        else if (isPartial)
+        else if (table.isSample)
             lines.add("Sampled records: ", table.processedRecords);
         lines.add(isFilter ? "Filter:" : "Query:", "");
         lines.add("", normalised(isFilter ? table.filter : table.query));
@@ -84,7 +83,7 @@ void addTable(Lines& lines, const TableIdentity& table, std::string_view typeLab
         lines.add("Catalog: ", table.catalog);
     lines.add("Data source: ", table.dataSource);
     lines.add("Total records: ", table.totalRecords);
-    if (isPartial)
+    if (table.isSample)
         lines.add("Sampled records: ", table.processedRecords);
 }
 

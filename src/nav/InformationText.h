@@ -7,7 +7,7 @@
 
 namespace tavix {
 
-/// What the information text says about a field, beside its table.
+/// The part of an information text that describes a field.
 struct FieldInformation {
     std::string name;
     std::string definedType;

@@ -10,12 +10,12 @@ namespace tavix {
 
 class PrViewer;
 
-/// Finds out what the information text of a selection needs.
+/// Composes the information text of a selection from the repository.
 class SelectionInformation {
   public:
     /// The information text of the selected table or field; "" when neither is selected.
     [[nodiscard]] Result<std::string> TextOf(PrViewer& viewer, const ReportSelection& selection);
-    /// To be called when another report or run was loaded.
+    /// Call it when another report or run was loaded.
     void Forget() { m_records.Forget(); }
 
   private:

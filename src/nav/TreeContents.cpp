@@ -4,8 +4,9 @@
 #include "access/PrViewer.h"
 #include "base/GenException.h"
 #include "base/NumberText.h"
+#include "base/TypeWords.h"
 #include "report/CountText.h"
-#include "report/FieldRecords.h"
+#include "report/ReportTables.h"
 
 namespace tavix {
 
@@ -34,7 +35,7 @@ std::int64_t count(const ProfileCursor& cursor, int column) {
 TreeNode& enter(TreeNode& parent, TreeNodeKind kind, const std::string& name) {
     if (name.empty())
         return parent;
-    // Tables of one schema mostly follow each other.
+    // Search backwards: tables of one schema are usually adjacent.
     for (auto child = parent.children.rbegin(); child != parent.children.rend(); ++child) {
         if ((*child)->kind == kind && (*child)->name == name)
             return **child;
@@ -45,11 +46,7 @@ TreeNode& enter(TreeNode& parent, TreeNodeKind kind, const std::string& name) {
     return node;
 }
 
-} // namespace
-
-namespace {
-
-// The node below it, else the one beside it, else beside one above; null behind the last.
+// The next node in preorder: the first child, else the next sibling of the node or of an ancestor; null after the last.
 const TreeNode* nextLoaded(const TreeNode* node) {
     if (!node->children.empty())
         return node->children.front().get();
@@ -59,25 +56,6 @@ const TreeNode* nextLoaded(const TreeNode* node) {
             return node->parent->children[beside].get();
     }
     return nullptr;
-}
-
-std::string typeWord(const std::string& code) {
-    if (code.empty())
-        return {};
-    switch (code.front()) {
-    case 'S':
-        return "text";
-    case 'I':
-        return "integer";
-    case 'R':
-        return "real";
-    case 'D':
-        return "date";
-    case 'B':
-        return "boolean";
-    default:
-        return {};
-    }
 }
 
 } // namespace
@@ -149,31 +127,23 @@ bool TreeContents::FetchDataSources(TreeNode& node) {
 }
 
 bool TreeContents::FetchTables(TreeNode& node) {
-    const ProfileCursorHandle cursor = m_viewer->getTableList(node.id);
-    if (!cursor)
-        return false;
-    while (cursor->next()) {
-        TableIdentity identity = readTable(*cursor, node.name);
+    for (TableIdentity& identity : readTables(*m_viewer, node.id, node.name)) {
         TreeNode& catalog = enter(node, TreeNodeKind::Catalog, identity.catalog);
         TreeNode& schema = enter(catalog, TreeNodeKind::Schema, identity.schema);
         TreeNode& table = append(schema, TreeNodeKind::Table, identity.id, identity.displayName());
-        // The total of a filtered table is that of the table below it.
-        const bool isFiltered = identity.kind == 'D' && identity.processedRecords >= 0;
+        // The total of a filtered table is that of its base table.
+        const bool isFiltered = identity.kind == TableKind::Filter && identity.processedRecords >= 0;
         table.count = isFiltered ? identity.processedRecords : identity.totalRecords;
-        table.mayHaveChildren = count(*cursor, layout::TableFields) != 0;
+        table.mayHaveChildren = identity.fields != 0;
         table.table = std::move(identity);
     }
     return true;
 }
 
 bool TreeContents::FetchFields(TreeNode& node) {
-    const ProfileCursorHandle cursor = m_viewer->getFieldList(node.id);
-    if (!cursor)
-        return false;
-    while (cursor->next()) {
-        TreeNode& field =
-            append(node, TreeNodeKind::Field, cursor->getColumnInt(layout::FieldId), text(*cursor, layout::FieldName));
-        field.typeCode = text(*cursor, layout::FieldTypeCode);
+    for (NamedField& named : readFieldNames(*m_viewer, node.id)) {
+        TreeNode& field = append(node, TreeNodeKind::Field, named.id, std::move(named.name));
+        field.typeCode = std::move(named.typeCode);
     }
     return true;
 }
@@ -303,7 +273,7 @@ TreeNode* TreeContents::FindById(TreeNode& node, TreeNodeKind kind, int id) {
     for (const auto& child : node.children) {
         if (child->kind == kind && child->id == id)
             return child.get();
-        // Fields are not looked through for a table.
+        // Only fields lie below these.
         if (child->kind == TreeNodeKind::Table || child->kind == TreeNodeKind::Collection)
             continue;
         if (TreeNode* found = FindById(*child, kind, id))
@@ -318,7 +288,7 @@ TreeNode* TreeContents::FindLoaded(const TreeNode* from, bool skipFirst,
     const TreeNode* at = start;
     if (skipFirst || at == m_root.get())
         at = nextLoaded(at);
-    // The root stands between the last node and the first one.
+    // The search passes the root, which never matches, when it wraps around.
     for (bool around = false;; at = nextLoaded(at)) {
         if (!at) {
             if (around)
@@ -343,7 +313,7 @@ std::string countText(const TreeNode& node) {
     case TreeNodeKind::Analysis:
         return node.count < 0 ? std::string() : countOf(node.count, "field");
     case TreeNodeKind::Field:
-        return typeWord(node.typeCode);
+        return std::string(typeWord(node.typeCode));
     case TreeNodeKind::CollectionField:
         return node.origin;
     default:

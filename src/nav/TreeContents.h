@@ -16,7 +16,7 @@ class ProfileCursor;
 
 enum class TreeNodeKind { Root, DataSource, Catalog, Schema, Table, Field, Collection, CollectionField, Analysis };
 
-/// What names a node among its siblings, in every run.
+/// Identifies a node among its siblings, across runs.
 struct TreeNodeKey {
     TreeNodeKind kind = TreeNodeKind::Root;
     int id = -1;      ///< in the repository; -1 for catalogs and schemas
@@ -25,65 +25,64 @@ struct TreeNodeKey {
     bool operator==(const TreeNodeKey&) const = default;
 };
 
-/// The way from the top level down to a node.
+/// The path from the top level down to a node.
 using TreePath = std::vector<TreeNodeKey>;
 
 struct TreeNode {
     TreeNodeKind kind = TreeNodeKind::Root;
     int id = -1;
     std::string name;        ///< as shown
-    std::int64_t count = -1; ///< what the node tells beside its name, see countText(); -1 for nothing
-    int sourceKind = -1;     ///< of a data source: how it is reached, 0 ODBC, 4 files
+    std::int64_t count = -1; ///< shown beside the name, see countText(); -1 for none
+    int sourceKind = -1;     ///< of a data source: the number of its SourceKind
     std::string typeCode;    ///< of a field
-    std::string origin;      ///< of a collection's field: where it comes from
+    std::string origin;      ///< of a collection's field: its table
     TableIdentity table;     ///< of a table
 
     TreeNode* parent = nullptr;
     int row = 0; ///< among the parent's children
     bool mayHaveChildren = false;
     bool fetched = false;
-    bool failed = false; ///< fetched in vain
+    bool failed = false; ///< the last fetch failed
     std::vector<std::unique_ptr<TreeNode>> children;
 
     [[nodiscard]] TreeNodeKey key() const;
 };
 
-/// The tree of one page of the navigator. Nodes are fetched when they are asked for, the children of a node with one
-/// query.
+/// The tree of one page of the navigator. The children of a node are fetched on demand, with one query.
 class TreeContents {
   public:
     explicit TreeContents(NavigatorPage page);
 
-    /// Forgets all nodes; `viewer` is asked from now on, or nothing when it is null. Must outlive the contents or the
-    /// next Reset.
+    /// Drops all nodes and reads from `viewer` from now on; the tree is empty when it is null. The viewer must outlive
+    /// the contents or the next Reset.
     void Reset(PrViewer* viewer);
 
     [[nodiscard]] NavigatorPage page() const { return m_page; }
-    /// Stands above the top level and is not shown.
+    /// The parent of the top level. It is not shown.
     [[nodiscard]] TreeNode& root() { return *m_root; }
-    /// Fetches the children of `node` unless they are there. False when the repository fails; GetErrorText() then says
-    /// why, and the node counts as fetched and empty.
+    /// Fetches the children of `node` unless they were fetched before. When the repository fails, returns false, sets
+    /// GetErrorText() and leaves the node fetched and empty.
     bool Fetch(TreeNode& node);
-    /// Lets a node that was fetched in vain be fetched again.
+    /// Allows a node to be fetched again after a failure.
     static void Retry(TreeNode& node) { node.fetched = node.fetched && !std::exchange(node.failed, false); }
     [[nodiscard]] const std::string& GetErrorText() const { return m_error; }
 
-    /// The searches below call this in place of Fetch, so that a model can tell its views of the nodes that come.
+    /// The searches below call `opener` instead of Fetch, so that a model can notify its views of the new nodes.
     void SetOpener(std::function<void(TreeNode&)> opener) { m_opener = std::move(opener); }
 
     [[nodiscard]] static TreePath pathOf(const TreeNode& node);
-    /// Fetches its way down; null when there is no such node any more.
+    /// Fetches the nodes of the path; null when one of them no longer exists.
     [[nodiscard]] TreeNode* Find(const TreePath& path);
-    /// The first table in the order of the tree; null without one.
+    /// The first table of the tree; null when there is none.
     [[nodiscard]] TreeNode* FindFirstTable();
-    /// The table of that name: exact, case-sensitive comparisons; a qualifier names a catalog and a schema. Null when
-    /// there is none. `mode` is the kind of the data source.
+    /// The table of that name, compared exactly; null when there is none. The qualifiers name its catalog and schema,
+    /// `mode` is the kind of the data source.
     [[nodiscard]] TreeNode* FindTable(const std::string& dataSource, const std::string& qualifier1,
                                       const std::string& qualifier2, const std::string& table, int mode);
-    /// The table or collection; null when there is none of that id.
+    /// The node of the table or collection with that id; null when there is none.
     [[nodiscard]] TreeNode* FindObject(const ReportSelection& object);
-    /// The next node that is wanted in the order of the tree, among those that are fetched: from `from` on, or behind
-    /// it with `skipFirst`, once around the whole tree. Null when there is none. From the top for a null `from`.
+    /// The next fetched node for which `wanted` is true, in the order of the tree. The search begins at `from`, after
+    /// it with `skipFirst`, and at the top for null, and wraps around once. Null when there is none.
     [[nodiscard]] TreeNode* FindLoaded(const TreeNode* from, bool skipFirst,
                                        const std::function<bool(const TreeNode&)>& wanted) const;
 
@@ -107,9 +106,9 @@ class TreeContents {
     std::string m_error;
 };
 
-/// What the node tells beside its name: "3,376", "10 fields", a field's type; "" for nothing.
+/// The text beside the name of a node: "3,376", "10 fields", the type of a field; "" for none.
 [[nodiscard]] std::string countText(const TreeNode& node);
-/// What is selected when this node is.
+/// The selection that this node stands for.
 [[nodiscard]] ReportSelection selectionOf(const TreeNode& node);
 
 } // namespace tavix

@@ -1,6 +1,7 @@
 #include "profiling/FieldFigures.h"
 
 #include "base/FreeMemory.h"
+#include "base/TypeWords.h"
 #include "profiling/DistributionOrder.h"
 #include "profiling/LargeIntegers.h"
 #include "profiling/MergedDistribution.h"
@@ -28,15 +29,14 @@ constexpr std::size_t kLeastMemory = std::size_t{64} << 10;
 
 struct KindInfo {
     ValueKind kind;
-    char code;
-    const char* word;
+    FieldType type;
 };
 
-constexpr std::array<KindInfo, 5> kKinds = {{{ValueKind::Text, 'S', "text"},
-                                             {ValueKind::Integer, 'I', "integer"},
-                                             {ValueKind::Real, 'R', "real"},
-                                             {ValueKind::Date, 'D', "date"},
-                                             {ValueKind::Boolean, 'B', "boolean"}}};
+constexpr std::array<KindInfo, 5> kKinds = {{{ValueKind::Text, FieldType::Text},
+                                             {ValueKind::Integer, FieldType::Integer},
+                                             {ValueKind::Real, FieldType::Real},
+                                             {ValueKind::Date, FieldType::Date},
+                                             {ValueKind::Boolean, FieldType::Boolean}}};
 
 std::int64_t asInteger(std::uint64_t value) {
     return static_cast<std::int64_t>(value);
@@ -314,8 +314,8 @@ class FieldWork {
         }
         for (const KindInfo& info : kKinds)
             if (info.kind == m_survey.kind()) {
-                m_figures.facts.typeCode = info.code;
-                set(MetricId::ActualType, info.word);
+                m_figures.facts.typeCode = static_cast<char>(info.type);
+                set(MetricId::ActualType, std::string(typeWord(info.type)));
             }
         if (m_survey.values() > 0) {
             set(MetricId::MinimumLength, asInteger(m_survey.shortest()));

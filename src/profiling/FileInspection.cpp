@@ -1,5 +1,6 @@
 #include "profiling/FileInspection.h"
 
+#include "base/TypeWords.h"
 #include "profiling/TableFiles.h"
 #include "profiling/ValueKind.h"
 
@@ -26,8 +27,13 @@ class KindsSeen {
         const bool hasBoolean = m_seen[place(ValueKind::Boolean)];
         const int kinds = (hasInteger || hasReal ? 1 : 0) + (hasDate ? 1 : 0) + (hasBoolean ? 1 : 0);
         if (m_seen[place(ValueKind::Text)] || kinds > 1)
-            return "text";
-        return hasReal ? "real" : hasInteger ? "integer" : hasDate ? "date" : hasBoolean ? "boolean" : "";
+            return std::string(typeWord(FieldType::Text));
+        if (kinds == 0)
+            return {};
+        return std::string(typeWord(hasReal      ? FieldType::Real
+                                    : hasInteger ? FieldType::Integer
+                                    : hasDate    ? FieldType::Date
+                                                 : FieldType::Boolean));
     }
 
   private:

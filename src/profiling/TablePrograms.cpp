@@ -20,26 +20,18 @@ bool isSummable(Type type) {
     return type != Type::Boolean && type != Type::Date;
 }
 
-Type typeOf(MetricId metric) {
-    switch (metric) {
-    case MetricId::Mean:
-    case MetricId::StandardDeviation:
-    case MetricId::StandardError:
-    case MetricId::UniquePercent:
-    case MetricId::PercentNull:
+Type typeOf(MetricValue value) {
+    switch (value) {
+    case MetricValue::RealNumber:
+    case MetricValue::Percent:
         return Type::Real;
-    case MetricId::MinimumValue:
-    case MetricId::MaximumValue:
-    case MetricId::Median:
-    case MetricId::Mode:
-    case MetricId::DefinedType:
-    case MetricId::ActualType:
-    case MetricId::PrimaryKey:
-    case MetricId::Nullable:
+    case MetricValue::FieldValue:
+    case MetricValue::Word:
         return Type::Text;
-    default:
-        return Type::Integer;
+    case MetricValue::WholeNumber:
+        break;
     }
+    return Type::Integer;
 }
 
 /// Of the value of a custom metric, for those that are computed from it.
@@ -53,7 +45,7 @@ std::vector<TableFigure> tableFigures(std::span<const std::string> columns) {
     std::vector<TableFigure> figures{{"Records", Type::Integer, {}, MetricId::Count}};
     for (std::size_t c = 0; c < columns.size(); ++c)
         for (const MetricInfo& info : metricCatalogue())
-            figures.push_back({fmt::format("{}:{}", columns[c], info.name), typeOf(info.id), c, info.id});
+            figures.push_back({fmt::format("{}:{}", columns[c], info.name), typeOf(info.value), c, info.id});
     return figures;
 }
 

@@ -6,6 +6,7 @@
 #include "base/KvbDatavar.h"
 #include "base/Metrics.h"
 #include "base/NumberText.h"
+#include "report/ReportTables.h"
 
 #include <algorithm>
 #include <map>
@@ -21,7 +22,7 @@ std::string text(const ProfileCursor& cursor, int column) {
     return cursor.getColumnValue(column).str();
 }
 
-/// The figure of a run, and of those before it, the latest first.
+/// The figure of the current run, and those of the runs before it that have one, the latest first.
 struct Figures {
     std::optional<double> current;
     std::vector<double> earlier;
@@ -30,8 +31,10 @@ struct Figures {
 class Reader {
   public:
     Reader(PrViewer& viewer, int job) : m_viewer(viewer), m_job(job), m_run(viewer.getCurrentJob()) {
-        const ProfileCursorHandle runs = checked(viewer.getJobs());
-        m_isLatest = runs->next() && runs->getColumnInt(layout::JobRunId) == m_run;
+        for (const RunInfo& run : readRuns(viewer)) {
+            ++m_runs;
+            m_laterRuns += run.id > m_run ? 1 : 0;
+        }
         const ProfileCursorHandle metrics = checked(viewer.getCustomMetrics(kAllTables));
         while (metrics->next())
             m_names[text(*metrics, layout::CustomMetricKey)] = text(*metrics, layout::CustomMetricName);
@@ -119,7 +122,7 @@ class Reader {
         return properties;
     }
 
-    /// Walks a history, the oldest run first, and asks `figureOf` for the figure of each row.
+    /// Walks a history from its oldest run on. `figureOf` gives the figure of a row.
     template <typename FigureOf>
     Figures collect(const ProfileCursorHandle& history, const FigureOf& figureOf) const {
         Figures figures;
@@ -137,15 +140,21 @@ class Reader {
         return figures;
     }
 
+    /// Reads no more of the past than the verdict needs. Runs without the figure do not count, so the window grows
+    /// until enough runs with one are in it.
     Figures metricFigures(const ProfileCursor& alert, MetricId metric, const AlertRule& rule) {
-        // Of the latest run only as much of the past is read as the rule looks at. A run without the figure does not
-        // count, so that some more may be needed; those are taken from twice as many.
-        const int limit = !m_isLatest ? 0 : isChange(rule.comparison) ? 2 * rule.runs + 1 : 1;
-        const ProfileCursorHandle history = checked(m_viewer.getFieldHistory(
-            text(alert, layout::AlertDsn), text(alert, layout::AlertCatalog), text(alert, layout::AlertSchema),
-            text(alert, layout::AlertTable), text(alert, layout::AlertObject), text(alert, layout::AlertInput), limit));
         const int column = layout::kFieldHistoryMetrics + static_cast<int>(metric);
-        return collect(history, [&](const ProfileCursor& row) { return parseNumber(text(row, column)); });
+        const std::size_t needed = isChange(rule.comparison) ? static_cast<std::size_t>(rule.runs) : 0;
+        for (int limit = m_laterRuns + 1 + static_cast<int>(needed);; limit *= 2) {
+            const ProfileCursorHandle history = checked(
+                m_viewer.getFieldHistory(text(alert, layout::AlertDsn), text(alert, layout::AlertCatalog),
+                                         text(alert, layout::AlertSchema), text(alert, layout::AlertTable),
+                                         text(alert, layout::AlertObject), text(alert, layout::AlertInput), limit));
+            Figures figures =
+                collect(history, [&](const ProfileCursor& row) { return parseNumber(text(row, column)); });
+            if (limit >= m_runs || figures.earlier.size() >= needed)
+                return figures;
+        }
     }
 
     Figures customFigures(const std::string& key) {
@@ -168,7 +177,8 @@ class Reader {
     PrViewer& m_viewer;
     int m_job;
     int m_run;
-    bool m_isLatest = false;
+    int m_runs = 0;                             ///< of the job
+    int m_laterRuns = 0;                        ///< after the current one
     std::map<std::string, std::string> m_names; ///< of custom metrics and rules, by key
 };
 

@@ -10,29 +10,30 @@ namespace tavix {
 
 class PrViewer;
 
-/// An alert of the repository and what the current run makes of it.
+/// An alert of the repository, checked against the current run.
 struct AlertState {
     int id = -1;
-    int job = -1; ///< that defined it; -1 when it does not say
+    int job = -1; ///< the job that defined it; -1 when the alert does not say
     std::string dataSource;
     std::string table; ///< as shown
     AlertSubject subject = AlertSubject::StandardMetric;
-    std::string input;        ///< the field, or the name of the custom metric or rule
-    bool isOfRecords = false; ///< it watches the records of the table, which are kept as the Count of that field
-    std::string metric;       ///< the metric's name, of a custom metric that of its value; empty for a rule
+    std::string input; ///< the field, or the name of the custom metric or rule
+    bool isOfRecords =
+        false;          ///< it watches the number of records of the table, which is stored as the Count of that field
+    std::string metric; ///< the name of the metric or of the custom metric's value; empty for a rule
     std::string description;
-    std::optional<AlertRule> rule; ///< nothing when its properties make no rule
+    std::optional<AlertRule> rule; ///< nothing when the properties are invalid
     std::string sentence;          ///< the condition in words
     std::optional<double> figure;  ///< of the current run
     AlertVerdict verdict;
 
     [[nodiscard]] bool isRaised() const { return verdict.state == AlertVerdict::State::Raised; }
-    /// Also its level is this or a higher one.
+    /// Raised, and of this level or a higher one.
     [[nodiscard]] bool isRaisedAt(AlertLevel level) const { return isRaised() && rule->level >= level; }
 };
 
-/// The alerts that a job has defined, in the order in which it did, checked against the current run and those of its
-/// job before it. Nothing about them is stored with a run: an earlier run is checked against the alerts of today.
+/// The alerts of a job in the order of its job file, checked against the current run and the runs before it. Verdicts
+/// are not stored: an earlier run is checked against the present alerts, and its verdicts do not depend on later runs.
 /// Throws GenException when the repository fails.
 [[nodiscard]] std::vector<AlertState> readAlertStates(PrViewer& viewer, int job);
 

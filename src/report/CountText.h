@@ -8,12 +8,12 @@
 
 namespace tavix {
 
-/// A count as people read it, in groups of three digits: "1,234,567".
+/// A count in groups of three digits: "1,234,567".
 [[nodiscard]] inline std::string groupedCount(std::int64_t count) {
     return formatGrouped(count);
 }
 
-/// A count with what it counts: "1 table", "3 tables".
+/// A count with its noun: "1 table", "3 tables".
 [[nodiscard]] inline std::string countOf(std::int64_t count, std::string_view noun) {
     std::string text = groupedCount(count);
     text += ' ';

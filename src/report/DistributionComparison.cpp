@@ -14,7 +14,7 @@ namespace tavix {
 
 namespace {
 
-/// Nobody who chooses texts can know where they will lie.
+/// A random seed, so that nobody can choose texts that collide.
 std::uint64_t seed() {
     static const std::uint64_t kSeed = std::uint64_t{std::random_device()()} << 32 | std::random_device()();
     return kSeed;
@@ -31,12 +31,11 @@ struct Hash {
         place = hash.low64;
         tag = hash.high64;
     }
-    /// Which of `parts` equal parts of all hashes it falls into. Twice as many parts are the halves of these.
+    /// The part of the hashes, of `parts` equal ones, that this hash belongs to. Doubling `parts` halves each part.
     [[nodiscard]] std::uint64_t part(std::uint64_t parts) const { return (place >> 32) * parts >> 32; }
 };
 
-/// The texts of one side by their hashes. Open addressing: an entry lies at its place or right behind others there, and
-/// a count of 0 is a free slot.
+/// The texts of one side by their hashes. Open addressing with linear probing; a count of 0 marks a free slot.
 class MatchTable {
   public:
     static constexpr std::size_t kSlotBytes = 16;
@@ -60,7 +59,7 @@ class MatchTable {
         ++m_open;
         m_openRows += count;
     }
-    /// The count of a text, which counts as met from now on; 0 when there is none.
+    /// Marks a text as met and returns its count; 0 when the table does not have it.
     std::int64_t meet(const Hash& hash) {
         Slot& slot = find(hash);
         if (slot.isFree())
@@ -77,7 +76,7 @@ class MatchTable {
     void prefetch(const Hash& hash) const {
         __builtin_prefetch(&m_slots[static_cast<std::size_t>(hash.place) & m_mask], 1);
     }
-    /// How many were not met.
+    /// The number of texts that were not met.
     [[nodiscard]] std::size_t open() const { return m_open; }
     [[nodiscard]] std::int64_t openRows() const { return m_openRows; }
 
@@ -115,13 +114,13 @@ bool textIsLess(const KvbString& a, const KvbString& b) {
     return a.isNull() != b.isNull() ? a.isNull() : a.view() < b.view();
 }
 
-/// Keeps the best of what it is offered, as `better` has it.
+/// Keeps the best changes offered, in the order of `better`.
 template <typename Better>
 class TopList {
   public:
     TopList(std::size_t limit, Better better) : m_limit(limit), m_better(std::move(better)) {}
 
-    /// Whether a change with these counts may come in, so that a text need not be copied to find out.
+    /// Whether a change with these counts could be kept, asked before its text is copied.
     [[nodiscard]] bool mayTake(std::int64_t before, std::int64_t after) const {
         if (m_heap.size() < m_limit)
             return true;
@@ -157,7 +156,7 @@ struct MoreFrequent {
     }
 };
 
-/// Shares are compared as whole numbers over the common denominator: rounding would order equal ones.
+/// Compares shares as whole numbers over their common denominator; rounding errors would order equal shares.
 struct MovedFarther {
     __extension__ using Wide = __int128;
 
@@ -184,7 +183,7 @@ std::size_t slotsFor(std::int64_t texts, std::size_t memory) {
     return slots;
 }
 
-/// The smaller side is kept in a table, the larger one passes by.
+/// Keeps the smaller side in a table and walks the larger one.
 class Comparison {
   public:
     Comparison(CountedTexts& before, CountedTexts& after, const ComparisonLimits& limits)
@@ -233,14 +232,14 @@ class Comparison {
         (m_isKeptBefore ? ofPassing().rowsAfter : ofPassing().rowsBefore) += count;
         offer(m_onlyPassing, text, isNull, m_isKeptBefore ? 0 : count, m_isKeptBefore ? count : 0);
     }
-    /// As the table tells it, so that the texts need not all be walked again.
+    /// Derived from the table, which saves another walk over all texts.
     void countOnlyKept() {
         ofKept().texts += static_cast<std::int64_t>(m_table.open());
         (m_isKeptBefore ? ofKept().rowsBefore : ofKept().rowsAfter) += m_table.openRows();
     }
 
-    /// Calls `visit(hash, text, isNull, count)` for the texts of a part until it gives false. Their places in the table
-    /// are far from each other, so that memory is asked for many of them before the first is looked at.
+    /// Calls `visit(hash, text, isNull, count)` for the texts of a part until it returns false. Their slots are far
+    /// apart in memory, so a batch of slots is prefetched before the first one is read.
     template <typename Visit>
     void walkPart(CountedTexts& side, std::uint64_t part, std::uint64_t parts, const Visit& visit) {
         m_batch.clear();
@@ -295,7 +294,7 @@ class Comparison {
         std::size_t wanted = std::min(m_table.open(), m_top);
         if (wanted == 0)
             return;
-        // They come with the most frequent first.
+        // The texts are walked by descending count.
         walkPart(m_kept, part, parts, [&](const Hash& hash, std::string_view text, bool isNull, std::int64_t count) {
             if (m_table.isMet(hash))
                 return true;
@@ -319,13 +318,13 @@ class Comparison {
     CountedTexts& m_passing;
     MatchTable m_table;
     std::size_t m_top;
-    std::int64_t m_fill; ///< how many texts a part should have
+    std::int64_t m_fill; ///< texts that a part should have
     TopList<MovedFarther> m_moved;
     TopList<MoreFrequent> m_onlyKept;
     TopList<MoreFrequent> m_onlyPassing;
     DistributionChanges m_changes;
     std::vector<Waiting> m_batch;
-    std::string m_batchText; ///< of each as much as may be shown
+    std::string m_batchText; ///< of each text the part that may be shown
 };
 
 } // namespace

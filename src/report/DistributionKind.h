@@ -4,7 +4,7 @@
 
 namespace tavix {
 
-/// The two distributions of a field; each has a filter of its own.
+/// The two distributions of a field. Each has its own filter.
 enum class DistributionKind { Frequency, Pattern };
 
 /// The kind's name in the filter dialog and in the settings.

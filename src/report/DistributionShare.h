@@ -12,8 +12,8 @@
 
 namespace tavix {
 
-/// What the percentages of a distribution are a share of: of values, the processed records; of patterns, the values
-/// that are not null, as null has no pattern; with a filter, what passes it. The window and the tool both ask here.
+/// The base of the percentages of a distribution, for viewer and tool: for values the processed records; for patterns
+/// the values that are not null, because null has no pattern; with a filter the records or values that pass it.
 class DistributionShare {
   public:
     DistributionShare() = default;
@@ -26,7 +26,7 @@ class DistributionShare {
     [[nodiscard]] std::optional<double> PercentOf(std::int64_t count) const;
     /// The base in words: "of 2,499 records", "of 373 non-null values", "of 1 passing value".
     [[nodiscard]] std::string BaseText() const;
-    /// What programs call a column of these percentages.
+    /// The name of a column of these percentages in JSON and CSV.
     [[nodiscard]] std::string_view ColumnKey() const;
 
   private:
@@ -35,7 +35,7 @@ class DistributionShare {
     std::int64_t m_total = 0;
 };
 
-/// The total of a field's pattern distribution without a filter, from its metrics; 0 when they do not tell.
+/// The total of a field's pattern distribution without a filter, from its metrics; 0 when they do not have it.
 [[nodiscard]] std::int64_t patternTotal(const std::array<KvbString, kMetricCount>& metrics);
 
 } // namespace tavix

@@ -1,77 +1,10 @@
 #include "report/FieldRecords.h"
 
-#include "access/Layouts.h"
 #include "access/PrViewer.h"
 #include "base/GenException.h"
-#include "base/NumberText.h"
+#include "report/ReportTables.h"
 
 namespace tavix {
-
-namespace {
-
-std::string text(const ProfileCursor& cursor, int column) {
-    return cursor.getColumnValue(column).str();
-}
-
-std::int64_t count(const ProfileCursor& cursor, int column, std::int64_t ofNull) {
-    return cursor.isColumnNull(column) ? ofNull : parseInteger(text(cursor, column)).value_or(ofNull);
-}
-
-FieldRecord readField(const ProfileCursor& cursor, int firstMetric) {
-    using namespace layout;
-    FieldRecord field;
-    field.id = cursor.getColumnInt(FieldId);
-    field.name = text(cursor, FieldName);
-    field.typeCode = text(cursor, FieldTypeCode);
-    for (std::size_t i = 0; i < field.metrics.size(); ++i)
-        field.metrics[i] = cursor.getColumnValue(firstMetric + static_cast<int>(i));
-    field.freqCount = count(cursor, tailColumn(firstMetric, TailFreqCount), 0);
-    field.patternCount = count(cursor, tailColumn(firstMetric, TailPatternCount), 0);
-    field.tableId = cursor.getColumnInt(tailColumn(firstMetric, TailTableId));
-    field.quantileRule = text(cursor, tailColumn(firstMetric, TailQuantileRule));
-    return field;
-}
-
-// A field that a collection holds and no run has has no figures at all.
-bool isMeasured(const ProfileCursor& cursor) {
-    return !cursor.isColumnNull(layout::FieldTypeCode);
-}
-
-} // namespace
-
-TableIdentity readTable(const ProfileCursor& cursor, const std::string& dataSource) {
-    using namespace layout;
-    TableIdentity table;
-    const std::string kind = text(cursor, TableKindLetter);
-    table.kind = kind.empty() ? 'Y' : kind.front();
-    table.id = cursor.getColumnInt(TableId);
-    table.dataSource = dataSource;
-    table.catalog = text(cursor, TableCatalog);
-    table.schema = text(cursor, TableSchema);
-    table.name = text(cursor, TableName);
-    table.objectName = text(cursor, TableObjectName);
-    table.baseTable = text(cursor, TableBase);
-    table.query = text(cursor, TableQuery);
-    table.filter = text(cursor, TableFilter);
-    if (table.filter.empty())
-        table.filter = text(cursor, TableAlternateFilter);
-    table.totalRecords = count(cursor, TableTotalRecords, -1);
-    table.processedRecords = count(cursor, TableProcessedRecords, -1);
-    return table;
-}
-
-Result<TableIdentity> findTable(PrViewer& viewer, int tableId, const std::string& dataSource) {
-    try {
-        const ProfileCursorHandle rows = viewer.getTableList(-1);
-        while (rows && rows->next()) {
-            if (rows->getColumnInt(layout::TableId) == tableId)
-                return readTable(*rows, dataSource);
-        }
-        return Error{rows ? "The table is not in this run." : viewer.getErrorString().str()};
-    } catch (const GenException& failure) {
-        return Error{failure.getText().str()};
-    }
-}
 
 void FieldRecords::Forget() {
     m_kind = ReportSelection::Kind::Nothing;
@@ -88,14 +21,8 @@ Status FieldRecords::Read(PrViewer& viewer, const ReportSelection& selection) {
         return {};
     Forget();
     try {
-        const ProfileCursorHandle rows = isTable ? viewer.getFieldList(id) : viewer.getGlobalCollFieldList(id);
-        if (!rows)
-            return Error{viewer.getErrorString().str()};
-        const int firstMetric = isTable ? layout::kFieldListMetrics : layout::kCollectionFieldListMetrics;
-        while (rows->next()) {
-            if (isMeasured(*rows))
-                m_fields.emplace(rows->getColumnInt(layout::FieldId), readField(*rows, firstMetric));
-        }
+        for (FieldRecord& field : isTable ? readFields(viewer, id) : readCollectionFields(viewer, id))
+            m_fields.emplace(field.id, std::move(field));
     } catch (const GenException& failure) {
         Forget();
         return Error{failure.getText().str()};
@@ -129,13 +56,12 @@ Result<TableIdentity> FieldRecords::TableOf(PrViewer& viewer, const ReportSelect
     KvbString table;
     KvbString object;
     KvbString field;
-    char kind = 'Y';
+    char kind = static_cast<char>(TableKind::Plain);
     int tableId = -1;
     if (!viewer.getFieldInfo(selection.fieldId, source, catalog, schema, table, object, kind, field, tableId))
         return Error{viewer.getErrorString().str()};
     try {
-        const ProfileCursorHandle rows = viewer.getTableOfField(selection.fieldId);
-        m_table = rows && rows->next() ? readTable(*rows, source.str()) : TableIdentity{};
+        m_table = readTableOfField(viewer, selection.fieldId, source.str());
     } catch (const GenException& failure) {
         return Error{failure.getText().str()};
     }
@@ -143,7 +69,7 @@ Result<TableIdentity> FieldRecords::TableOf(PrViewer& viewer, const ReportSelect
     if (m_table.id != -1)
         return m_table;
     m_table.id = tableId;
-    m_table.kind = kind;
+    m_table.kind = tableKindOf(std::string_view(&kind, 1)).value_or(TableKind::Plain);
     m_table.dataSource = source.str();
     m_table.catalog = catalog.str();
     m_table.schema = schema.str();

@@ -1,17 +1,19 @@
 #pragma once
 
+#include "base/TableKind.h"
+
 #include <cstdint>
 #include <string>
 
 namespace tavix {
 
-/// What the navigator shows; the number is the page's index and the document's mode value.
+/// The pages of the navigator. The number is the index of the page and the mode of the document.
 enum class NavigatorPage { Tables = 0, Collections = 1, Analyses = 2 };
 
-/// Everything that names one table of the report and says how large it is.
+/// A table of a run with the names that identify it, its size and its definition.
 struct TableIdentity {
     int id = -1;
-    char kind = 'Y'; ///< Y plain, S query, D filter
+    TableKind kind = TableKind::Plain;
     std::string dataSource;
     std::string catalog;
     std::string schema;
@@ -22,11 +24,10 @@ struct TableIdentity {
     std::string filter;
     std::int64_t totalRecords = 0;     ///< -1 when it is not known
     std::int64_t processedRecords = 0; ///< -1 when it is not known
+    std::int64_t damagedRecords = 0;
+    std::int64_t fields = 0;
+    bool isSample = false; ///< its metrics are those of a sample of its rows, or of its base table's
 
-    /// Whether its figures are those of a sample of its rows.
-    [[nodiscard]] bool isSample() const {
-        return kind != 'D' && processedRecords >= 0 && processedRecords < totalRecords;
-    }
     /// The object name, else the plain name.
     [[nodiscard]] const std::string& displayName() const { return objectName.empty() ? name : objectName; }
 

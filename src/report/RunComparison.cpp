@@ -5,8 +5,10 @@
 #include "base/GenException.h"
 #include "base/Metrics.h"
 #include "base/NumberText.h"
+#include "base/TypeWords.h"
 #include "report/DistributionComparison.h"
 #include "report/DistributionShare.h"
+#include "report/ReportTables.h"
 
 #include <algorithm>
 #include <array>
@@ -27,7 +29,7 @@ ProfileCursorHandle checked(PrViewer& viewer, ProfileCursorHandle cursor) {
     return cursor;
 }
 
-/// A number where the text is one, digit for digit, else the text.
+/// The number that the text is, provided it is written digit for digit as we write it; else the text.
 KvbDatavar numberOrText(const KvbString& text) {
     if (const auto whole = parseInteger(text.view()); whole && formatInteger(*whole) == text.view())
         return *whole;
@@ -36,26 +38,13 @@ KvbDatavar numberOrText(const KvbString& text) {
     return text;
 }
 
-bool isNumericType(std::string_view code) {
-    return code == "I" || code == "R";
-}
-
-struct Table {
-    int id = -1;
-    std::string name;
-    std::array<std::int64_t, 3> records{};
+struct RecordNumber {
+    std::int64_t TableIdentity::*number;
+    const char* name;
 };
-
-constexpr std::array kRecordColumns{std::pair{layout::TableTotalRecords, "Total records"},
-                                    std::pair{layout::TableProcessedRecords, "Processed records"},
-                                    std::pair{layout::TableDamagedRecords, "Damaged records"}};
-
-struct Field {
-    int id = -1;
-    std::string name;
-    std::string typeCode;
-    std::array<KvbString, kMetricCount> metrics;
-};
+constexpr std::array kRecordNumbers{RecordNumber{&TableIdentity::totalRecords, "Total records"},
+                                    RecordNumber{&TableIdentity::processedRecords, "Processed records"},
+                                    RecordNumber{&TableIdentity::damagedRecords, "Damaged records"}};
 
 /// A custom metric or a rule.
 struct Computed {
@@ -65,34 +54,17 @@ struct Computed {
     std::optional<double> percent;
 };
 
-std::vector<Table> tablesOf(PrViewer& viewer) {
-    std::vector<Table> tables;
-    const ProfileCursorHandle cursor = checked(viewer, viewer.getTableList(-1));
-    while (cursor->next()) {
-        Table table;
-        table.id = cursor->getColumnInt(layout::TableId);
-        const KvbString object = cursor->getColumnValue(layout::TableObjectName);
-        table.name = (object.isEmpty() ? cursor->getColumnValue(layout::TableName) : object).str();
-        for (std::size_t i = 0; i < kRecordColumns.size(); ++i)
-            table.records[i] = KvbDatavar(cursor->getColumnValue(kRecordColumns[i].first)).toInt64();
-        tables.push_back(std::move(table));
-    }
-    return tables;
+const std::string& nameOf(const TableIdentity& table) {
+    return table.displayName();
 }
 
-std::vector<Field> fieldsOf(PrViewer& viewer, int table) {
-    std::vector<Field> fields;
-    const ProfileCursorHandle cursor = checked(viewer, viewer.getFieldList(table));
-    while (cursor->next()) {
-        Field field;
-        field.id = cursor->getColumnInt(layout::FieldId);
-        field.name = cursor->getColumnValue(layout::FieldName).str();
-        field.typeCode = cursor->getColumnValue(layout::FieldTypeCode).str();
-        for (std::size_t i = 0; i < kMetricCount; ++i)
-            field.metrics[i] = cursor->getColumnValue(layout::kFieldListMetrics + static_cast<int>(i));
-        fields.push_back(std::move(field));
-    }
-    return fields;
+template <typename Entry>
+const std::string& nameOf(const Entry& entry) {
+    return entry.name;
+}
+
+std::vector<TableIdentity> tablesOf(PrViewer& viewer) {
+    return readTables(viewer, kAllDataSources, "");
 }
 
 std::vector<Computed> customMetricsOf(PrViewer& viewer, int table) {
@@ -123,14 +95,14 @@ std::vector<Computed> rulesOf(PrViewer& viewer, int table) {
 
 template <typename Entry>
 const Entry* findByName(const std::vector<Entry>& entries, const std::string& name) {
-    const auto found = std::find_if(entries.begin(), entries.end(), [&](const Entry& e) { return e.name == name; });
+    const auto found = std::find_if(entries.begin(), entries.end(), [&](const Entry& e) { return nameOf(e) == name; });
     return found == entries.end() ? nullptr : &*found;
 }
 
 /// The distribution of a field in the current run of a session.
 class StoredTexts final : public CountedTexts {
   public:
-    StoredTexts(PrViewer& viewer, const Field& field, bool isPatterns, const std::function<void()>& pulse)
+    StoredTexts(PrViewer& viewer, const FieldRecord& field, bool isPatterns, const std::function<void()>& pulse)
         : m_viewer(viewer),
           m_field(field.id),
           m_isPatterns(isPatterns),
@@ -176,19 +148,19 @@ class Comparison {
         : m_before(before), m_after(after), m_options(options), m_sink(sink) {}
 
     void run() {
-        const std::vector<Table> before = tablesOf(m_before);
-        const std::vector<Table> after = tablesOf(m_after);
-        for (const Table& table : after) {
-            if (m_options.table && table.name != *m_options.table)
+        const std::vector<TableIdentity> before = tablesOf(m_before);
+        const std::vector<TableIdentity> after = tablesOf(m_after);
+        for (const TableIdentity& table : after) {
+            if (m_options.table && nameOf(table) != *m_options.table)
                 continue;
-            if (const Table* earlier = findByName(before, table.name))
+            if (const TableIdentity* earlier = findByName(before, nameOf(table)))
                 compareTables(*earlier, table);
             else
-                tell(Subject::Table, Kind::New, table.name, "");
+                tell(Subject::Table, Kind::New, nameOf(table), "");
         }
-        for (const Table& table : before)
-            if (!findByName(after, table.name) && (!m_options.table || table.name == *m_options.table))
-                tell(Subject::Table, Kind::Vanished, table.name, "");
+        for (const TableIdentity& table : before)
+            if (!findByName(after, nameOf(table)) && (!m_options.table || nameOf(table) == *m_options.table))
+                tell(Subject::Table, Kind::Vanished, nameOf(table), "");
     }
 
   private:
@@ -200,34 +172,27 @@ class Comparison {
             m_options.pulse();
     }
 
-    void compareTables(const Table& before, const Table& after) {
-        for (std::size_t i = 0; i < kRecordColumns.size(); ++i)
-            if (before.records[i] != after.records[i])
-                m_sink({Subject::Records,
-                        Kind::Changed,
-                        after.name,
-                        "",
-                        kRecordColumns[i].second,
-                        before.records[i],
-                        after.records[i],
-                        {},
-                        {}});
-        compareComputed(after.name, customMetricsOf(m_before, before.id), customMetricsOf(m_after, after.id),
+    void compareTables(const TableIdentity& before, const TableIdentity& after) {
+        for (const auto& [number, name] : kRecordNumbers)
+            if (before.*number != after.*number)
+                m_sink(
+                    {Subject::Records, Kind::Changed, nameOf(after), "", name, before.*number, after.*number, {}, {}});
+        compareComputed(nameOf(after), customMetricsOf(m_before, before.id), customMetricsOf(m_after, after.id),
                         Subject::CustomMetric, Subject::Expression);
-        compareComputed(after.name, rulesOf(m_before, before.id), rulesOf(m_after, after.id), Subject::Rule,
+        compareComputed(nameOf(after), rulesOf(m_before, before.id), rulesOf(m_after, after.id), Subject::Rule,
                         Subject::Condition);
-        const std::vector<Field> fieldsBefore = fieldsOf(m_before, before.id);
-        const std::vector<Field> fieldsAfter = fieldsOf(m_after, after.id);
-        for (const Field& field : fieldsAfter) {
+        const std::vector<FieldRecord> fieldsBefore = readFields(m_before, before.id);
+        const std::vector<FieldRecord> fieldsAfter = readFields(m_after, after.id);
+        for (const FieldRecord& field : fieldsAfter) {
             pulse();
-            if (const Field* earlier = findByName(fieldsBefore, field.name))
-                compareFields(after.name, *earlier, field);
+            if (const FieldRecord* earlier = findByName(fieldsBefore, field.name))
+                compareFields(nameOf(after), *earlier, field);
             else
-                tell(Subject::Field, Kind::New, after.name, field.name);
+                tell(Subject::Field, Kind::New, nameOf(after), field.name);
         }
-        for (const Field& field : fieldsBefore)
+        for (const FieldRecord& field : fieldsBefore)
             if (!findByName(fieldsAfter, field.name))
-                tell(Subject::Field, Kind::Vanished, after.name, field.name);
+                tell(Subject::Field, Kind::Vanished, nameOf(after), field.name);
     }
 
     void compareComputed(const std::string& table, const std::vector<Computed>& before,
@@ -249,25 +214,13 @@ class Comparison {
                 m_sink({value, Kind::Vanished, table, "", one.name, one.value, {}, one.percent, {}});
     }
 
-    /// Figures are numbers; what is a value of the field is one when the field's type says so in both runs.
-    static KvbDatavar metricCell(const KvbString& text, MetricId id, bool isNumeric) {
-        switch (id) {
-        case MetricId::MinimumValue:
-        case MetricId::MaximumValue:
-        case MetricId::Median:
-        case MetricId::Mode:
-            return isNumeric ? numberOrText(text) : KvbDatavar(text);
-        case MetricId::DefinedType:
-        case MetricId::ActualType:
-        case MetricId::PrimaryKey:
-        case MetricId::Nullable:
-            return text;
-        default:
-            return numberOrText(text);
-        }
+    /// A number or a text; a metric that is a value of the field is a number when the field is numeric in both runs.
+    static KvbDatavar metricCell(const KvbString& text, MetricValue value, bool isNumeric) {
+        const bool isText = value == MetricValue::Word || (value == MetricValue::FieldValue && !isNumeric);
+        return isText ? KvbDatavar(text) : numberOrText(text);
     }
 
-    void compareFields(const std::string& table, const Field& before, const Field& after) {
+    void compareFields(const std::string& table, const FieldRecord& before, const FieldRecord& after) {
         const bool isNumeric = isNumericType(before.typeCode) && isNumericType(after.typeCode);
         for (const MetricInfo& metric : metricCatalogue()) {
             const KvbString& was = before.metrics[index(metric.id)];
@@ -279,8 +232,8 @@ class Comparison {
                     table,
                     after.name,
                     metric.name,
-                    metricCell(was, metric.id, isNumeric),
-                    metricCell(is, metric.id, isNumeric),
+                    metricCell(was, metric.value, isNumeric),
+                    metricCell(is, metric.value, isNumeric),
                     {},
                     {}});
         }
@@ -290,7 +243,7 @@ class Comparison {
         compareTexts(table, before, after, true);
     }
 
-    void compareTexts(const std::string& table, const Field& before, const Field& after, bool isPatterns) {
+    void compareTexts(const std::string& table, const FieldRecord& before, const FieldRecord& after, bool isPatterns) {
         StoredTexts textsBefore(m_before, before, isPatterns, m_options.pulse);
         StoredTexts textsAfter(m_after, after, isPatterns, m_options.pulse);
         const DistributionChanges changes = compareDistributions(textsBefore, textsAfter, {m_options.top});

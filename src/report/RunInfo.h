@@ -8,7 +8,7 @@
 
 namespace tavix {
 
-/// A run of the current job, as lists of runs show it.
+/// A run of the current job for lists of runs.
 struct RunInfo {
     int id = -1;
     LibraryDate date = 0;

@@ -3,6 +3,7 @@
 #include "base/Clock.h"
 #include "base/KvbDatavar.h"
 #include "base/Metrics.h"
+#include "base/TableKind.h"
 
 #include <array>
 #include <cstdint>
@@ -25,12 +26,7 @@ enum class SourceKind {
     File = 4, ///< files read by our own readers
 };
 
-/// What a table is. The letter stands in the repository and in alert rows.
-enum class TableKind : char {
-    Plain = 'Y',
-    Query = 'S',  ///< the rows of an SQL query
-    Filter = 'D', ///< the rows of another table that pass a condition
-};
+using tavix::TableKind;
 
 /// One file of a table, and what was found in it.
 struct FileFacts {

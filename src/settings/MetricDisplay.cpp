@@ -2,6 +2,7 @@
 
 #include "base/Metrics.h"
 #include "base/NumberText.h"
+#include "settings/Settings.h"
 
 #include <algorithm>
 #include <limits>
@@ -11,10 +12,13 @@ namespace tavix {
 
 namespace {
 
-constexpr std::string_view kSection = "TAVIX";
+std::string readChoice(const SettingsStore& store, std::size_t id) {
+    return readMember(store, SettingFamily::MetricChoice, formatInteger(static_cast<std::int64_t>(id)));
+}
 
-std::string metricKey(std::size_t id) {
-    return "Metric" + formatInteger(static_cast<std::int64_t>(id));
+Status writeChoice(SettingsStore& store, std::size_t id, const MetricDisplay& metric) {
+    return writeMember(store, SettingFamily::MetricChoice, formatInteger(static_cast<std::int64_t>(id)),
+                       formatMetricChoice(metric));
 }
 
 } // namespace
@@ -35,7 +39,7 @@ std::string formatMetricChoice(const MetricDisplay& metric) {
 
 void readMetricChoices(const SettingsStore& store, std::span<MetricDisplay> metrics) {
     for (std::size_t id = 0; id < metrics.size(); ++id) {
-        const MetricDisplay choice = parseMetricChoice(store.read(kSection, metricKey(id)));
+        const MetricDisplay choice = parseMetricChoice(readChoice(store, id));
         metrics[id].shown = choice.shown;
         metrics[id].position = choice.position;
     }
@@ -44,7 +48,7 @@ void readMetricChoices(const SettingsStore& store, std::span<MetricDisplay> metr
 Status writeMetricChoices(SettingsStore& store, std::span<const MetricDisplay> metrics) {
     Status outcome;
     for (std::size_t id = 0; id < metrics.size(); ++id)
-        if (auto status = store.write(kSection, metricKey(id), formatMetricChoice(metrics[id])); !status && outcome)
+        if (auto status = writeChoice(store, id, metrics[id]); !status && outcome)
             outcome = std::move(status);
     return outcome;
 }
@@ -60,7 +64,7 @@ std::vector<MetricDisplay> standardMetricDisplay(const SettingsStore& store) {
 Status writeFirstStartDefaults(SettingsStore& store) {
     std::vector<MetricDisplay> metrics(kMetricCount);
     for (std::size_t id = 0; id < metrics.size(); ++id) {
-        if (!store.read(kSection, metricKey(id)).empty())
+        if (!readChoice(store, id).empty())
             return {};
         metrics[id] = {{}, true, static_cast<int>(id)};
     }

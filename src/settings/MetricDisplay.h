@@ -9,33 +9,33 @@
 
 namespace tavix {
 
-/// One metric of the report as the user wants to see it. Its index in the list is its id.
+/// The user's choice for one metric. Its index in a list is the id of the metric.
 struct MetricDisplay {
     std::string description;
     bool shown = false;
-    int position = 0; ///< its place in the user's order; equal places keep the order of the ids
+    int position = 0; ///< in the user's order; metrics with equal positions are in the order of their ids
 
     bool operator==(const MetricDisplay&) const = default;
 };
 
-/// The choice as it is stored: "S7" is shown at place 7, "U3" hidden. Another first letter hides too, no digits are
-/// place 0, and no text at all is hidden at place 0.
+/// Parses a stored choice: "S7" is shown at position 7, "U3" is hidden. Any other first letter hides the metric too.
+/// The position is 0 when there are no digits.
 [[nodiscard]] MetricDisplay parseMetricChoice(std::string_view text);
 [[nodiscard]] std::string formatMetricChoice(const MetricDisplay& metric);
 
-/// Gives each entry of `metrics` the choice that is stored for its index; descriptions stay.
+/// Sets each entry of `metrics` to the choice stored for its index; descriptions are unchanged.
 void readMetricChoices(const SettingsStore& store, std::span<MetricDisplay> metrics);
-/// Writes the others too when one fails.
+/// Writes all choices, even when one fails.
 Status writeMetricChoices(SettingsStore& store, std::span<const MetricDisplay> metrics);
-/// Every standard metric with its stored choice: what can be chosen while no report is open.
+/// All standard metrics with their stored choices, for the time when no report is open.
 [[nodiscard]] std::vector<MetricDisplay> standardMetricDisplay(const SettingsStore& store);
 
-/// On a first start, when no metric has a choice yet, stores one that shows all of them in the order of their ids.
+/// Shows all metrics in the order of their ids when no metric has a stored choice yet; else changes nothing.
 Status writeFirstStartDefaults(SettingsStore& store);
 
 /// The ids in the user's order.
 [[nodiscard]] std::vector<int> metricOrder(std::span<const MetricDisplay> metrics);
-/// The same without the hidden ones.
+/// Like metricOrder(), without the hidden metrics.
 [[nodiscard]] std::vector<int> shownMetrics(std::span<const MetricDisplay> metrics);
 
 } // namespace tavix

@@ -12,11 +12,12 @@ namespace {
 
 constexpr std::string_view kTavix = "TAVIX";
 constexpr std::string_view kProfile = "PROFILE";
+constexpr std::string_view kFrame = "FRAME";
 constexpr int kMost = 2'000'000'000;
 
 using Kind = SettingKind;
 
-constexpr std::array<SettingInfo, 17> kSettings = {{
+constexpr std::array<SettingInfo, 23> kSettings = {{
     {Setting::MaxChartVals, kTavix, "MaxChartVals", Kind::Integer, 1, 30, 30},
     {Setting::MaxFreqVals, kTavix, "MaxFreqVals", Kind::Integer, 1, kMost, 100},
     {Setting::MaxPkFkOutliers, kTavix, "MaxPkFkOutliers", Kind::Integer, 1, kMost, 100},
@@ -34,15 +35,44 @@ constexpr std::array<SettingInfo, 17> kSettings = {{
     {Setting::StatFontIsItalic, kTavix, "StatFontIsItalic", Kind::YesNo, 0, 0, 0},
     {Setting::UseVault, kTavix, "UseVault", Kind::Text, 0, 0, 0},
     {Setting::HideWelcomeDialog, kTavix, "HideWelcomeDialog", Kind::Flag, 0, 0, 0},
+    {Setting::ShowInvisible, kFrame, "ShowInvisible", Kind::Flag, 0, 0, 0},
+    {Setting::NavigatorShare, kFrame, "NavigatorShare", Kind::Text, 0, 0, 0},
+    {Setting::TableInformationShare, kFrame, "TableInformationShare", Kind::Text, 0, 0, 0},
+    {Setting::TableInformation, kFrame, "TableInformation", Kind::Flag, 0, 0, 0},
+    {Setting::WorkingPath, "Environment", "WorkingPath", Kind::Text, 0, 0, 0},
+    {Setting::ConnectionType, "Settings", "ConnectionType", Kind::Text, 0, 0, 0},
 }};
 
-constexpr bool inOrder() {
-    for (std::size_t i = 0; i < kSettings.size(); ++i)
-        if (static_cast<std::size_t>(kSettings[i].id) != i)
+struct FamilyInfo {
+    SettingFamily id;
+    std::string_view section;
+    std::string_view prefix; ///< of the key, before the name
+    std::string_view suffix; ///< after the name
+};
+
+constexpr std::array<FamilyInfo, 4> kFamilies = {{
+    {SettingFamily::MetricChoice, kTavix, "Metric", ""},
+    {SettingFamily::RecentFilters, "FILTERS", "", "Recent"},
+    {SettingFamily::NamedFilters, "FILTERS", "", "Named"},
+    {SettingFamily::ColumnWidth, "COLUMNS", "", ""},
+}};
+
+template <typename Table>
+constexpr bool isInOrder(const Table& table) {
+    for (std::size_t i = 0; i < table.size(); ++i)
+        if (static_cast<std::size_t>(table[i].id) != i)
             return false;
     return true;
 }
-static_assert(inOrder(), "the table is indexed by the enumerators");
+static_assert(isInOrder(kSettings) && isInOrder(kFamilies), "the tables are indexed by the enumerators");
+
+const FamilyInfo& infoOf(SettingFamily family) {
+    return kFamilies[static_cast<std::size_t>(family)];
+}
+
+std::string keyOf(const FamilyInfo& family, std::string_view name) {
+    return std::string(family.prefix).append(name).append(family.suffix);
+}
 
 int clamped(const SettingInfo& info, std::int64_t value) {
     return static_cast<int>(std::clamp<std::int64_t>(value, info.lowest, info.highest));
@@ -92,6 +122,16 @@ Status writeText(SettingsStore& store, Setting setting, std::string_view value) 
         if (auto status = store.write(kProfile, info.key, value); !status)
             return status;
     return store.write(info.section, info.key, value);
+}
+
+std::string readMember(const SettingsStore& store, SettingFamily family, std::string_view name) {
+    const FamilyInfo& info = infoOf(family);
+    return store.read(info.section, keyOf(info, name));
+}
+
+Status writeMember(SettingsStore& store, SettingFamily family, std::string_view name, std::string_view value) {
+    const FamilyInfo& info = infoOf(family);
+    return store.write(info.section, keyOf(info, name), value);
 }
 
 DataFont readStatFont(const SettingsStore& store) {

@@ -8,7 +8,8 @@
 
 namespace tavix {
 
-/// The persistent settings, one for each row of the table in Settings.cpp.
+/// The persistent settings. Two tables in Settings.cpp declare their sections and keys: one for these, one for the
+/// families below. Only the shell declares a section of its own, because it is not part of the component.
 enum class Setting {
     MaxChartVals,
     MaxFreqVals,
@@ -27,6 +28,12 @@ enum class Setting {
     StatFontIsItalic,
     UseVault,
     HideWelcomeDialog,
+    ShowInvisible, ///< set: invisible characters are shown as signs
+    NavigatorShare,
+    TableInformationShare,
+    TableInformation, ///< set: the pane is open
+    WorkingPath,      ///< the folder that a file dialog begins with
+    ConnectionType,
 };
 
 enum class SettingKind {
@@ -48,19 +55,30 @@ struct SettingInfo {
 
 [[nodiscard]] const SettingInfo& settingInfo(Setting setting);
 
-/// The value of an Integer setting: its default when there is none, else its decimal digits (none give 0), brought
-/// into its range. The second threshold is never below the first.
+/// The value of an Integer setting, clamped to its range: the preset when nothing is stored, else the stored digits,
+/// and 0 when there are none. The second threshold is never below the first.
 [[nodiscard]] int readInteger(const SettingsStore& store, Setting setting);
 /// The value of a Flag or YesNo setting.
 [[nodiscard]] bool readFlag(const SettingsStore& store, Setting setting);
-/// The value of any setting as it is stored. DefaultLocale is looked up in section PROFILE first.
+/// The stored text of any setting. DefaultLocale is looked up in section PROFILE first.
 [[nodiscard]] std::string readText(const SettingsStore& store, Setting setting);
 
-/// Brought into its range before it is written.
+/// Writes the value clamped to its range.
 Status writeInteger(SettingsStore& store, Setting setting, int value);
 Status writeFlag(SettingsStore& store, Setting setting, bool value);
 /// DefaultLocale also replaces a value in section PROFILE, which would otherwise hide it.
 Status writeText(SettingsStore& store, Setting setting, std::string_view value);
+
+/// Settings of which there are many, told apart by a name in the key.
+enum class SettingFamily {
+    MetricChoice,  ///< by the id of the metric
+    RecentFilters, ///< by the kind of distribution
+    NamedFilters,  ///< by the kind of distribution
+    ColumnWidth,   ///< by grid and column
+};
+
+[[nodiscard]] std::string readMember(const SettingsStore& store, SettingFamily family, std::string_view name);
+Status writeMember(SettingsStore& store, SettingFamily family, std::string_view name, std::string_view value);
 
 [[nodiscard]] DataFont readStatFont(const SettingsStore& store);
 Status writeStatFont(SettingsStore& store, const DataFont& font);

@@ -1,5 +1,6 @@
 #include "tabs/ListRows.h"
 
+#include "base/NullText.h"
 #include "base/NumberText.h"
 #include "grid/CellSort.h"
 

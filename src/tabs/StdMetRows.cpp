@@ -2,6 +2,7 @@
 
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
+#include "base/AlertRule.h"
 #include "base/GenException.h"
 #include "base/NumberText.h"
 #include "grid/CellOrder.h"
@@ -23,17 +24,12 @@ std::string text(const ProfileCursor& cursor, int column) {
     return cursor.getColumnValue(column).str();
 }
 
-int kindCode(std::string_view letter) {
-    return letter == "Y" ? 1 : letter == "S" ? 2 : letter == "D" ? 4 : 0;
-}
-
 bool belongsTo(const ProfileCursor& alert, const TableIdentity& table) {
     using namespace layout;
-    return text(alert, AlertTypeCode) == "SM" &&
-           kindCode(text(alert, AlertKindLetter)) == kindCode(std::string_view(&table.kind, 1)) &&
-           text(alert, AlertDsn) == table.dataSource && text(alert, AlertCatalog) == table.catalog &&
-           text(alert, AlertSchema) == table.schema && text(alert, AlertTable) == table.name &&
-           text(alert, AlertObject) == table.objectName;
+    return text(alert, AlertTypeCode) == alertTypeCode(AlertSubject::StandardMetric) &&
+           tableKindOf(text(alert, AlertKindLetter)) == table.kind && text(alert, AlertDsn) == table.dataSource &&
+           text(alert, AlertCatalog) == table.catalog && text(alert, AlertSchema) == table.schema &&
+           text(alert, AlertTable) == table.name && text(alert, AlertObject) == table.objectName;
 }
 
 // Where a collection's field comes from. A catalog is told only where there is a schema.
@@ -86,7 +82,7 @@ bool StdMetRows::Fill(PrViewer& viewer, const ReportSelection& selection, std::s
     m_isCollection = selection.kind == ReportSelection::Kind::Collection;
     if (!isTable && !m_isCollection)
         return true;
-    MakeColumns(metrics, isTable && selection.table.isSample());
+    MakeColumns(metrics, isTable && selection.table.isSample);
     bool done = false;
     try {
         if (isTable)

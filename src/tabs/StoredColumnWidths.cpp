@@ -1,12 +1,12 @@
 #include "tabs/StoredColumnWidths.h"
 
 #include "base/NumberText.h"
+#include "settings/Settings.h"
 
 namespace tavix {
 
 namespace {
 
-constexpr std::string_view kSection = "COLUMNS";
 constexpr int kNarrowest = 20;
 constexpr int kWidest = 4000;
 
@@ -27,7 +27,7 @@ std::string StoredColumnWidths::KeyOf(const std::string& column) const {
 }
 
 std::optional<int> StoredColumnWidths::Read(const std::string& column) const {
-    const auto width = parseInteger(m_store.read(kSection, KeyOf(column)));
+    const auto width = parseInteger(readMember(m_store, SettingFamily::ColumnWidth, KeyOf(column)));
     if (!width || *width < kNarrowest || *width > kWidest)
         return std::nullopt;
     return static_cast<int>(*width);
@@ -36,7 +36,7 @@ std::optional<int> StoredColumnWidths::Read(const std::string& column) const {
 // A width that cannot be kept is no loss worth a message.
 void StoredColumnWidths::Keep(const std::string& column, int width) {
     if (Read(column) != width)
-        (void)m_store.write(kSection, KeyOf(column), formatInteger(width));
+        (void)writeMember(m_store, SettingFamily::ColumnWidth, KeyOf(column), formatInteger(width));
 }
 
 } // namespace tavix

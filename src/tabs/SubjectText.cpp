@@ -1,6 +1,7 @@
 #include "tabs/SubjectText.h"
 
 #include "base/NumberText.h"
+#include "base/TypeWords.h"
 #include "report/CountText.h"
 
 namespace tavix {
@@ -28,9 +29,9 @@ std::string recordsText(const TableIdentity& table) {
     if (table.totalRecords < 0)
         return {};
     std::string text = countOf(table.totalRecords, "record");
-    if (table.kind == 'D' && table.processedRecords >= 0)
+    if (table.kind == TableKind::Filter && table.processedRecords >= 0)
         return groupedCount(table.processedRecords) + " of " + text + (table.totalRecords == 1 ? " passes" : " pass");
-    if (table.processedRecords >= 0 && table.processedRecords != table.totalRecords)
+    if (table.isSample)
         text += ", " + groupedCount(table.processedRecords) + " sampled";
     return text;
 }
@@ -40,20 +41,6 @@ std::int64_t countOfMetric(const FieldRecord& field, MetricId id) {
 }
 
 } // namespace
-
-std::string_view typeWord(std::string_view typeCode) {
-    if (typeCode == "S")
-        return "text";
-    if (typeCode == "I")
-        return "integer";
-    if (typeCode == "R")
-        return "real";
-    if (typeCode == "D")
-        return "date/time";
-    if (typeCode == "B")
-        return "boolean";
-    return "";
-}
 
 std::string titleOf(const ReportSubject& subject) {
     if (subject.selection.fieldId != -1)

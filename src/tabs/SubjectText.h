@@ -3,7 +3,6 @@
 #include "report/ReportSubject.h"
 
 #include <string>
-#include <string_view>
 
 namespace tavix {
 
@@ -14,7 +13,5 @@ namespace tavix {
 [[nodiscard]] std::string detailOf(const ReportSubject& subject);
 /// Whether more can be said about it than its name: about a table, and about a field that the run has.
 [[nodiscard]] bool hasInformation(const ReportSubject& subject);
-/// The word for a field's type code; "" for a field without a type.
-[[nodiscard]] std::string_view typeWord(std::string_view typeCode);
 
 } // namespace tavix

@@ -1,6 +1,7 @@
 #include "support/SampleField.h"
 
 #include "base/NumberText.h"
+#include "base/TypeWords.h"
 #include "pattern/CharacterPattern.h"
 
 #include <algorithm>
@@ -18,21 +19,6 @@ bool shownBefore(const ValueCount& left, const ValueCount& right) {
     if (left.isNull != right.isNull)
         return left.isNull;
     return left.value < right.value;
-}
-
-const char* typeName(char code) {
-    switch (code) {
-    case 'I':
-        return "integer";
-    case 'R':
-        return "real";
-    case 'D':
-        return "date/time";
-    case 'B':
-        return "boolean";
-    default:
-        return "text";
-    }
 }
 
 } // namespace
@@ -54,7 +40,7 @@ SampleField::SampleField(std::string name, int ordinal, char typeCode, const Val
     m_facts.values = m_values;
     m_facts.patterns = m_patterns;
     fillCounts();
-    if (typeCode == 'I' || typeCode == 'R')
+    if (isNumericType(std::string_view(&typeCode, 1)))
         fillNumbers();
 }
 
@@ -101,7 +87,7 @@ void SampleField::fillCounts() {
     metrics[index(MetricId::MaximumValue)] = std::string(largest);
     metrics[index(MetricId::MinimumLength)] = static_cast<std::int64_t>(shortest);
     metrics[index(MetricId::MaximumLength)] = static_cast<std::int64_t>(longest);
-    metrics[index(MetricId::ActualType)] = typeName(m_facts.typeCode);
+    metrics[index(MetricId::ActualType)] = std::string(typeWord(std::string_view(&m_facts.typeCode, 1)));
 }
 
 void SampleField::fillNumbers() {

@@ -308,6 +308,9 @@ TEST_F(TavixDocTest, CollectionsOfATableAreKeptUntilTheyChange) {
     m_doc.CollectionsRefreshed();
     EXPECT_THAT(m_around.take(), ElementsAre("hint 1"));
     EXPECT_THAT(m_doc.GetCollectionsOfField(table, field), ElementsAre("Renamed"));
+    damage("UPDATE collection SET name = 'Renamed again' WHERE name = 'Renamed'");
+    ASSERT_TRUE(m_doc.SetCurrentJob(m_sample.salesRuns[0]));
+    EXPECT_THAT(m_doc.GetCollectionsOfField(table, field), ElementsAre("Renamed again")) << "another run, a new query";
 }
 
 } // namespace

@@ -7,7 +7,6 @@
 #include "drill/ui/DrillPrint.h"
 #include "drill/ui/ReadingProgress.h"
 #include "grid/ui/CUGCtrl.h"
-#include "settings/DisplaySettings.h"
 #include "settings/Settings.h"
 
 #include <QDialogButtonBox>
@@ -77,7 +76,7 @@ CDrillThru::CDrillThru(DrillRequest request, ReadingProgress& progress, Settings
         setWindowIcon(parent->window()->windowIcon());
     MakeControls(request.subject);
     m_grid->setFont(toQFont(readStatFont(m_settings), font()));
-    m_grid->SetShowsInvisible(readShowsInvisible(m_settings));
+    m_grid->SetShowsInvisible(readFlag(m_settings, Setting::ShowInvisible));
     ReadRows(std::move(request), progress);
     m_grid->SetSource(&m_source);
     const bool hasRows = m_source.GetRowCount() > 0;

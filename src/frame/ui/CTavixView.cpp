@@ -1,6 +1,7 @@
 #include "frame/ui/CTavixView.h"
 
 #include "access/Layouts.h"
+#include "base/AlertRule.h"
 #include "base/GenException.h"
 #include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
@@ -209,11 +210,12 @@ bool CTavixView::Navigate(const NavigateRequest& request) {
     auto* table = qobject_cast<CTableView*>(m_view);
     if (!table)
         return false;
-    if (request.metricKind == "SM")
+    const auto subject = findAlertSubject(request.metricKind);
+    if (subject == AlertSubject::StandardMetric)
         table->OpenStandardMetric(request.rowId, request.metricId);
-    else if (request.metricKind == "CM")
+    else if (subject == AlertSubject::CustomMetric)
         table->OpenCustomMetric(request.metricId);
-    else if (request.metricKind == "BR")
+    else if (subject == AlertSubject::BusinessRule)
         table->OpenBusinessRule(request.metricId);
     table->FocusContents();
     table->update();

@@ -6,7 +6,7 @@
 #include "frame/ui/CTavixView.h"
 #include "nav/ui/CTableInfo.h"
 #include "nav/ui/CTables.h"
-#include "settings/DisplaySettings.h"
+#include "settings/Settings.h"
 #include "tabs/ui/TearOff.h"
 
 /// The commands of the view: which there are, who is asked first, and what the view does for those of its own.
@@ -65,7 +65,8 @@ CommandState CTavixView::UpdateCommand(int commandId) const {
 }
 
 void CTavixView::OnShowInvisible() {
-    if (const Status written = writeShowsInvisible(m_document->GetSettings(), !ShowsInvisible()); !written)
+    if (const Status written = writeFlag(m_document->GetSettings(), Setting::ShowInvisible, !ShowsInvisible());
+        !written)
         m_document->GetMessages().warn(written.error().text);
     if (m_view)
         m_view->ApplyDisplay();
@@ -74,7 +75,7 @@ void CTavixView::OnShowInvisible() {
 }
 
 bool CTavixView::ShowsInvisible() const {
-    return readShowsInvisible(m_document->GetSettings());
+    return readFlag(m_document->GetSettings(), Setting::ShowInvisible);
 }
 
 void CTavixView::OnToggleTableInformation() {

@@ -1,5 +1,6 @@
 #include "grid/ui/CellDelegate.h"
 
+#include "base/NullText.h"
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
 #include "grid/InvisibleText.h"

@@ -1,5 +1,6 @@
 #include "grid/ui/GridModel.h"
 
+#include "base/NullText.h"
 #include "base/ui/QtText.h"
 #include "grid/GridCopy.h"
 #include "grid/ui/Icons.h"

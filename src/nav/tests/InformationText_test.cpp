@@ -21,6 +21,7 @@ TEST(InformationText, PlainTable) {
     table.schema = "geo";
     table.catalog = "world";
     table.processedRecords = 100;
+    table.isSample = true;
     EXPECT_EQ("Name: airports\r\nType: Table\r\nSchema: geo\r\nCatalog: world\r\nData source: examples\r\n"
               "Total records: 3376\r\nSampled records: 100\r\n",
               informationText(table));
@@ -34,13 +35,14 @@ TEST(InformationText, FieldStandsBeforeItsParent) {
 
 TEST(InformationText, QueryLosesBlankLinesAndOuterLineEnds) {
     TableIdentity table = plainTable();
-    table.kind = 'S';
+    table.kind = TableKind::Query;
     table.objectName = "Large airports";
     table.query = "\r\n\r\nselect *\r\n\r\n\r\nfrom airports\n\nwhere x\r\n\r\n";
     EXPECT_EQ("Name: Large airports\r\nType: SQL query\r\nData source: examples\r\nTotal records: 3376\r\nQuery:\r\n"
               "select *\r\nfrom airports\r\nwhere x\r\n",
               informationText(table));
     table.processedRecords = 10;
+    table.isSample = true;
     table.query = "select 1";
     EXPECT_EQ("Field: iata\r\nDefined type: \r\nDefined length: \r\nParent name: Large airports\r\n"
               "Parent type: SQL query\r\nData source: examples\r\nTotal records: 3376\r\nSampled records: 10\r\n"
@@ -50,7 +52,7 @@ TEST(InformationText, QueryLosesBlankLinesAndOuterLineEnds) {
 
 TEST(InformationText, FilterNamesWhatItIsBasedOn) {
     TableIdentity table = plainTable();
-    table.kind = 'D';
+    table.kind = TableKind::Filter;
     table.objectName = "Alaska";
     table.baseTable = "airports";
     table.filter = "state = \"AK\"";

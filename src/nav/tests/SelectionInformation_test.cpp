@@ -53,7 +53,7 @@ TEST(SelectionInformation, ATableAFieldAndAFieldOfACollectionHaveTheirText) {
     EXPECT_FALSE(information.TextOf(*viewer, selection).ok()) << "the session is closed";
 }
 
-// A collection holds fields of other reports: what they come from is described as their own report does.
+// A field of another report in a collection is described with the table of its own report.
 TEST(SelectionInformation, AQueryAndAFilterOfAnotherReportHaveTheirText) {
     testing::TempFolder folder;
     const auto sample = testing::SampleRepository::build(folder.file("sample.tavix"));

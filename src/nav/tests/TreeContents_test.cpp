@@ -9,7 +9,7 @@
 namespace tavix {
 namespace {
 
-// The tree as a user would see it with everything down to `depth` opened.
+// The tree as a user sees it with all nodes down to `depth` expanded.
 std::string shown(TreeContents& contents, TreeNode& node, int depth, int level = 0) {
     std::string text;
     contents.Fetch(node);
@@ -41,7 +41,7 @@ TEST_F(TreeContentsOfSample, TablesStandBelowTheirCatalogAndSchema) {
     EXPECT_NE(std::string::npos, text.find("  crm\n    public\n      customers ["));
     EXPECT_NE(std::string::npos, text.find("  dbo\n    suppliers ["));
     EXPECT_NE(std::string::npos, text.find("\n  orders [1,000]\n"));
-    // A filtered table is as large as what passes.
+    // The count of a filtered table is the number of rows that pass.
     EXPECT_NE(std::string::npos, text.find("      german customers [120]\n"));
     EXPECT_NE(std::string::npos, text.find("\n  late orders [9]\n"));
     EXPECT_NE(std::string::npos, text.find("/data/files [1 table]\n  airports ["));
@@ -63,7 +63,7 @@ TEST_F(TreeContentsOfSample, SelectionKnowsTheTableAndItsField) {
     ReportSelection selection = selectionOf(*table);
     EXPECT_EQ(ReportSelection::Kind::Table, selection.kind);
     EXPECT_EQ(m_sample.tables.at("german customers"), selection.table.id);
-    EXPECT_EQ('D', selection.table.kind);
+    EXPECT_EQ(TableKind::Filter, selection.table.kind);
     EXPECT_EQ("german customers", selection.table.objectName);
     EXPECT_EQ("customers", selection.table.name);
     EXPECT_FALSE(selection.table.baseTable.empty());
@@ -90,7 +90,7 @@ TEST_F(TreeContentsOfSample, FindTableIsExact) {
     EXPECT_EQ(nullptr, m_tables.FindTable("", "", "", "", 0));
 }
 
-// Names that occur more than once along the way, so that each comparison decides something.
+// Names occur more than once, so that every comparison matters.
 TEST_F(TreeContentsOfSample, FindTableWalksCatalogsAndSchemasInTheirOrder) {
     testing::runScript(m_sample.path, fmt::format(R"(
         CREATE TEMP TABLE made(catalog, schema, name, object);
@@ -113,14 +113,14 @@ TEST_F(TreeContentsOfSample, FindTableWalksCatalogsAndSchemasInTheirOrder) {
     EXPECT_EQ("a.s.t.", where("a", "s", "t"));
     EXPECT_EQ("b.s.t.", where("b", "s", "t"));
     EXPECT_EQ(".s.t.", where("", "s", "t"));
-    // The first qualifier names catalogs and the second one schemas, never the other way round.
+    // The first qualifier names a catalog and the second one a schema.
     EXPECT_EQ("nothing", where("s", "", "t"));
     EXPECT_EQ(".b.t.", where("", "b", "t"));
     EXPECT_EQ("b..t.", where("b", "", "t"));
     EXPECT_EQ("nothing", where("a", "S", "t"));
-    // A schema without a catalog is on the way whatever the first qualifier is.
+    // A schema without a catalog matches any first qualifier.
     EXPECT_EQ(".s.t.", where("A", "s", "t"));
-    // What is shown counts: the plain name of a query's table is not.
+    // The displayed name counts, not the plain name of a query's table.
     EXPECT_EQ("nothing", where("", "", "t"));
     EXPECT_EQ("..t.shown as", where("", "", "shown as"));
 }

@@ -17,9 +17,9 @@ CellIcon iconOf(const TreeNode& node) {
     case TreeNodeKind::Schema:
         return CellIcon::Schema;
     case TreeNodeKind::Table:
-        return node.table.kind == 'S'   ? CellIcon::QueryTable
-               : node.table.kind == 'D' ? CellIcon::FilterTable
-                                        : CellIcon::Table;
+        return node.table.kind == TableKind::Query    ? CellIcon::QueryTable
+               : node.table.kind == TableKind::Filter ? CellIcon::FilterTable
+                                                      : CellIcon::Table;
     case TreeNodeKind::Field:
     case TreeNodeKind::CollectionField:
         return CellIcon::Field;

@@ -1,6 +1,7 @@
 #include "access/PrViewer.h"
 #include "base/tests/TempFolder.h"
 #include "report/FieldRecords.h"
+#include "report/ReportTables.h"
 #include "support/RunScript.h"
 #include "support/SampleRepository.h"
 
@@ -66,6 +67,20 @@ TEST_F(FieldRecordsOverSample, RecordsAreKeptUntilTheyAreForgotten) {
     m_records.Forget();
     EXPECT_FALSE(m_records.Find(*m_viewer, ofTable("customers", "name")));
     EXPECT_FALSE(m_records.Find(*m_viewer, {}));
+}
+
+TEST_F(FieldRecordsOverSample, ATableAndACollectionOfOneIdAreKeptApart) {
+    const int id = m_sample.tables.at("customers");
+    testing::runScript(m_sample.path,
+                       "INSERT OR IGNORE INTO collection(id, name, created) VALUES(" +
+                           std::to_string(id) +
+                           ", 'Of that id', 0); DELETE FROM collection_field WHERE collection = " + std::to_string(id));
+    ReportSelection collection = ofTable("customers", "balance");
+    collection.kind = ReportSelection::Kind::Collection;
+    collection.id = id;
+    ASSERT_TRUE(m_records.Find(*m_viewer, ofTable("customers", "balance")));
+    EXPECT_FALSE(m_records.Find(*m_viewer, collection)) << "the collection has no fields";
+    EXPECT_TRUE(m_records.Find(*m_viewer, ofTable("customers", "balance")));
 }
 
 TEST_F(FieldRecordsOverSample, ATableInAnotherReportIsAsItsOwnRunHasIt) {

@@ -98,5 +98,32 @@ TEST(MetricDisplay, OrderIsByPlaceThenById) {
     EXPECT_THAT(shownMetrics(metrics), ElementsAre(4, 2, 3, 0));
 }
 
+TEST(MetricDisplay, AFirstStartShowsAllMetricsAndNeverReplacesAChoice) {
+    const std::unique_ptr<SettingsStore> store = makeMemorySettings();
+    ASSERT_TRUE(store->write("TAVIX", "Metric23", "U5"));
+    ASSERT_TRUE(writeFirstStartDefaults(*store));
+    EXPECT_EQ(store->read("TAVIX", "Metric23"), "U5");
+    EXPECT_EQ(store->read("TAVIX", "Metric0"), "");
+
+    ASSERT_TRUE(store->write("TAVIX", "Metric23", ""));
+    ASSERT_TRUE(writeFirstStartDefaults(*store));
+    EXPECT_EQ(store->read("TAVIX", "Metric0"), "S0");
+    EXPECT_EQ(store->read("TAVIX", "Metric23"), "S23");
+}
+
+TEST(SettingFamilies, EveryFamilyHasKeysOfItsOwn) {
+    const std::unique_ptr<SettingsStore> store = makeMemorySettings();
+    for (const auto& [family, value] : {std::pair(SettingFamily::MetricChoice, "1"),
+                                        {SettingFamily::RecentFilters, "2"},
+                                        {SettingFamily::NamedFilters, "3"},
+                                        {SettingFamily::ColumnWidth, "4"}})
+        ASSERT_TRUE(writeMember(*store, family, "7", value));
+    EXPECT_EQ(store->read("TAVIX", "Metric7") + store->read("FILTERS", "7Recent") + store->read("FILTERS", "7Named") +
+                  store->read("COLUMNS", "7"),
+              "1234");
+    EXPECT_EQ(readMember(*store, SettingFamily::NamedFilters, "7"), "3");
+    EXPECT_EQ(readMember(*store, SettingFamily::NamedFilters, "8"), "");
+}
+
 } // namespace
 } // namespace tavix

@@ -1,5 +1,5 @@
 #include "base/Metrics.h"
-#include "report/FieldRecords.h"
+#include "report/ReportTables.h"
 #include "support/RunScript.h"
 #include "support/SampleViewer.h"
 #include "tabs/StdMetRows.h"
@@ -157,6 +157,20 @@ TEST_F(StdMetRowsOfSample, NothingSelectedIsNothing) {
     EXPECT_EQ(0, m_rows.GetRowCount());
 }
 
+TEST_F(StdMetRowsOfSample, ASampleMarksTheTablesThatAreFilteredFromIt) {
+    testing::runScript(m_sample.path, fmt::format("UPDATE run_table SET processed_records = 500 WHERE table_id = {}",
+                                                  m_sample.tables.at("customers")));
+    for (const auto& [name, heading] : {std::pair("customers", "Unique Count(sample)"),
+                                        {"german customers", "Unique Count(sample)"},
+                                        {"suppliers", "Unique Count:"}}) {
+        ReportSelection selection;
+        selection.kind = ReportSelection::Kind::Table;
+        selection.table = *findTable(*m_viewer, m_sample.tables.at(name), "Warehouse");
+        ASSERT_TRUE(m_rows.Fill(*m_viewer, selection, metrics({MetricId::UniqueCount}), {}));
+        EXPECT_THAT(headings(m_rows), ::testing::HasSubstr(heading)) << name;
+    }
+}
+
 // Alerts are kept by the names of what they watch, so that the identity of the shown table decides, part by part.
 class AlertMarks : public StdMetRowsOfSample {
   protected:
@@ -208,9 +222,9 @@ TEST_F(AlertMarks, BelongToTheTableOfTheSameIdentityOnly) {
     alert("customers", "id", MetricId::Count);
     ASSERT_THAT(marked(m_customers), ElementsAre("id:0"));
     const std::vector<std::function<void(TableIdentity&)>> nearMisses = {
-        [](TableIdentity& table) { table.kind = 'S'; },
-        [](TableIdentity& table) { table.kind = 'D'; },
-        [](TableIdentity& table) { table.kind = '?'; },
+        [](TableIdentity& table) { table.kind = TableKind::Query; },
+        [](TableIdentity& table) { table.kind = TableKind::Filter; },
+        [](TableIdentity& table) { table.kind = static_cast<TableKind>('?'); },
         [](TableIdentity& table) { table.dataSource = "warehouse"; },
         [](TableIdentity& table) { table.catalog.clear(); },
         [](TableIdentity& table) { table.catalog = "CRM"; },
@@ -240,17 +254,17 @@ TEST_F(AlertMarks, TellAQueryAndAFilterFromTheTableBelow) {
     EXPECT_THAT(marked(m_customers), ElementsAre());
     ReportSelection german = m_customers;
     german.table.id = m_sample.tables.at("german customers");
-    german.table.kind = 'D';
+    german.table.kind = TableKind::Filter;
     german.table.objectName = "german customers";
     EXPECT_THAT(marked(german), ElementsAre("id:0"));
     EXPECT_THAT(markedAs(german, [](TableIdentity& table) { table.objectName.clear(); }), ElementsAre());
-    EXPECT_THAT(markedAs(german, [](TableIdentity& table) { table.kind = 'Y'; }), ElementsAre());
+    EXPECT_THAT(markedAs(german, [](TableIdentity& table) { table.kind = TableKind::Plain; }), ElementsAre());
 
     alert("big orders", "amount", MetricId::NullCount);
     ReportSelection big = m_customers;
     big.table = {};
     big.table.id = m_sample.tables.at("big orders");
-    big.table.kind = 'S';
+    big.table.kind = TableKind::Query;
     big.table.dataSource = "Warehouse";
     big.table.objectName = "big orders";
     EXPECT_THAT(marked(big), ElementsAre("amount:2"));

@@ -8,16 +8,17 @@
 namespace tavix {
 namespace {
 
-ReportSubject tableSubject(char kind, std::int64_t total, std::int64_t processed) {
+ReportSubject tableSubject(TableKind kind, std::int64_t total, std::int64_t processed) {
     ReportSubject subject;
     subject.selection.kind = ReportSelection::Kind::Table;
-    subject.table = {7, kind, "Warehouse", "crm", "public", "orders", "", "", "", "", total, processed};
+    subject.table = {7, kind, "Warehouse", "crm", "public", "orders", "", "", "", "", total, processed, 0, 0, false};
+    subject.table.isSample = kind != TableKind::Filter && processed >= 0 && processed < total;
     subject.selection.table = subject.table;
     return subject;
 }
 
 ReportSubject fieldSubject(const char* typeCode, KvbString distinct, KvbString nulls) {
-    ReportSubject subject = tableSubject('Y', 1000, 1000);
+    ReportSubject subject = tableSubject(TableKind::Plain, 1000, 1000);
     subject.selection.fieldId = 3;
     subject.selection.fieldName = "as selected";
     FieldRecord field;
@@ -32,25 +33,25 @@ ReportSubject fieldSubject(const char* typeCode, KvbString distinct, KvbString n
 
 TEST(SubjectText, ATableSaysHowManyRecordsThereAreAndHowManyWereTaken) {
     const struct {
-        char kind;
+        TableKind kind;
         std::int64_t total;
         std::int64_t processed;
         const char* text;
     } cases[] = {
-        {'Y', 0, 0, "0 records"},
-        {'Y', 1, 1, "1 record"},
-        {'Y', 1'234'567, 1'234'567, "1,234,567 records"},
-        {'Y', 1000, 100, "1,000 records, 100 sampled"},
-        {'D', 1000, 120, "120 of 1,000 records pass"},
-        {'D', 1, 1, "1 of 1 record passes"},
-        {'D', 1000, 0, "0 of 1,000 records pass"},
-        {'S', 1000, 0, "1,000 records, 0 sampled"},
-        {'Y', 1000, -1, "1,000 records"},
-        {'Y', -1, 100, ""},
+        {TableKind::Plain, 0, 0, "0 records"},
+        {TableKind::Plain, 1, 1, "1 record"},
+        {TableKind::Plain, 1'234'567, 1'234'567, "1,234,567 records"},
+        {TableKind::Plain, 1000, 100, "1,000 records, 100 sampled"},
+        {TableKind::Filter, 1000, 120, "120 of 1,000 records pass"},
+        {TableKind::Filter, 1, 1, "1 of 1 record passes"},
+        {TableKind::Filter, 1000, 0, "0 of 1,000 records pass"},
+        {TableKind::Query, 1000, 0, "1,000 records, 0 sampled"},
+        {TableKind::Plain, 1000, -1, "1,000 records"},
+        {TableKind::Plain, -1, 100, ""},
     };
     for (const auto& each : cases)
         EXPECT_EQ(each.text, detailOf(tableSubject(each.kind, each.total, each.processed)));
-    ReportSubject query = tableSubject('S', 50, 50);
+    ReportSubject query = tableSubject(TableKind::Query, 50, 50);
     EXPECT_EQ("orders", titleOf(query));
     query.table.objectName = "big orders";
     EXPECT_EQ("big orders", titleOf(query));
@@ -65,7 +66,7 @@ TEST(SubjectText, AFieldSaysWhereItComesFromAndWhatItsSharesAreOf) {
         {fieldSubject("R", "3", "0"), "orders  ·  real  ·  1,000 records  ·  3 distinct values"},
         {fieldSubject("S", "1", "1"), "orders  ·  text  ·  1,000 records  ·  1 distinct value  ·  1 null"},
         {fieldSubject("", "0", "1000"), "orders  ·  1,000 records  ·  0 distinct values  ·  1,000 nulls"},
-        {fieldSubject("D", KvbString(), KvbString()), "orders  ·  date/time  ·  1,000 records"},
+        {fieldSubject("D", KvbString(), KvbString()), "orders  ·  date  ·  1,000 records"},
         {fieldSubject("?", "many", "-5"), "orders  ·  1,000 records"},
     };
     for (const auto& each : cases)

@@ -6,7 +6,8 @@
 #include "doc/CTavixDoc.h"
 #include "drill/ui/CDetailsDlg.h"
 #include "grid/ui/CUGCtrl.h"
-#include "settings/DisplaySettings.h"
+#include "report/ReportTables.h"
+#include "settings/Settings.h"
 #include "tabs/StoredColumnWidths.h"
 #include "tabs/SubjectText.h"
 #include "tabs/ui/CProfTab.h"
@@ -160,6 +161,7 @@ void CReportView::ReadSubjectAgain() {
             missing = table.error().text;
             // Its size was another run's.
             selection.table.totalRecords = selection.table.processedRecords = -1;
+            selection.table.isSample = false;
         }
     }
     ReadSubject(selection);
@@ -247,7 +249,7 @@ void CReportView::FocusContents() {
 }
 
 void CReportView::ApplyDisplay() {
-    const bool showsInvisible = readShowsInvisible(m_site.GetTavixDoc().GetSettings());
+    const bool showsInvisible = readFlag(m_site.GetTavixDoc().GetSettings(), Setting::ShowInvisible);
     for (CUGCtrl* grid : findChildren<CUGCtrl*>())
         grid->SetShowsInvisible(showsInvisible);
 }

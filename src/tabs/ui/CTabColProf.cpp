@@ -28,7 +28,7 @@ CTabColProf::CTabColProf(CViewSite& site, const ReportSubject& subject, bool isT
     switch (itemCode) {
     case kColumnProfiling:
         m_fill = [this, &rows = ShowRows(std::make_unique<ColProfRows>())](PrViewer&) {
-            rows.Fill(*Subject().field, Site().GetTavixDoc().GetMetrics(), Subject().table.isSample());
+            rows.Fill(*Subject().field, Site().GetTavixDoc().GetMetrics(), Subject().table.isSample);
             return true;
         };
         break;

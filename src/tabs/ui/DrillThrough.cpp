@@ -2,6 +2,7 @@
 
 #include "base/Characters.h"
 #include "base/GenException.h"
+#include "base/NullText.h"
 #include "doc/CTavixDoc.h"
 #include "drill/ui/CLocateFileDlg.h"
 #include "drill/ui/ReadingProgress.h"
@@ -23,10 +24,6 @@ namespace {
 
 // Of a value in a heading; the rows themselves show all of it.
 constexpr std::size_t kMostInHeading = 200;
-
-bool isSample(const TableIdentity& table) {
-    return table.kind != 'D' && table.processedRecords >= 0 && table.processedRecords != table.totalRecords;
-}
 
 // Windows go with the viewer, not with the tab, which may be closed or show something else meanwhile.
 QWidget* ownerOf(CViewSite& site, QWidget& tab) {
@@ -132,7 +129,7 @@ void DrillThrough::OpenRows(const ReportSubject& subject, const KvbString& value
     request.context = field.name;
     request.subject = field.name + ": " + words;
     // A sample has fewer rows than the source, which is no change of it.
-    if (!isSample(subject.table)) {
+    if (!subject.table.isSample) {
         PrViewer& viewer = *m_site.GetTavixDoc().GetViewer();
         if (const std::int64_t count = viewer.getDrillDownCount(field.id, value, isPattern); count >= 0)
             request.inRun = count;
