@@ -1,4 +1,4 @@
-// Alerts from the job file to the exit code, and what a run would do.
+// Alerts, from the job file to the exit code.
 #include "CsvText.h"
 #include "Program.h"
 #include "base/tests/TempFolder.h"
@@ -67,7 +67,7 @@ TEST_F(Alerts, AreCheckedAfterEveryRun) {
                                      "tavix: warning: t: Unique Count for field c has changed by more than 1 "
                                      "(it is 5, was 2)\n"));
     EXPECT_THAT(third.err, HasSubstr("1 alert is raised at level error"));
-    // The table's list is written all the same.
+    // The list of tables is still written.
     EXPECT_THAT(third.out, HasSubstr("watched"));
     EXPECT_THAT(states("2"), ElementsAre("Null Count for field n is greater than 0: quiet 0 null",
                                          "Unique Count for field n has changed by more than 1: quiet 2 2",
@@ -85,11 +85,11 @@ TEST_F(Alerts, AreCheckedAfterEveryRun) {
                                          "Number of records is outside the range 2 to 4: raised 5 null"));
     EXPECT_EQ(runTavix({"alerts", "-R", m_repository, "--raised", "--fail-at", "warning"}).exitCode, 1);
     EXPECT_EQ(runTavix({"alerts", "-R", m_repository, "--run", "1", "--fail-at", "warning"}).exitCode, 0);
-    // A run without them takes them away from its job.
+    // A run without alerts removes those of its job.
     const Outcome without =
         runTavix({"profile", m_folder.file("t.csv"), "-R", m_repository, "--job", "watched", "--fail-at", "warning"});
     EXPECT_EQ(without.exitCode, 0);
-    EXPECT_THAT(without.err, HasSubstr("--fail-at has nothing to look at: the job \"watched\" has no alert"));
+    EXPECT_THAT(without.err, HasSubstr("--fail-at has no effect: the job \"watched\" has no alert"));
     EXPECT_EQ(runTavix({"alerts", "-R", m_repository, "--format", "json"}).out, "[]\n");
 }
 

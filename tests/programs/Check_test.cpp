@@ -1,4 +1,4 @@
-// `tavix check`, run as a program on repositories that were damaged.
+// `tavix check` on damaged repositories.
 #include "Program.h"
 #include "base/tests/TempFolder.h"
 

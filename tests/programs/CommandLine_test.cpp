@@ -1,4 +1,4 @@
-// The program run as a program: what it prints, where, and what it ends with.
+// The output, messages and exit codes of the program.
 #include "OverPeople.h"
 
 #include <filesystem>
@@ -104,7 +104,7 @@ TEST_F(CommandLine, ArgumentsAreHeldToWhatAJobFileTakes) {
     expectFailure(2, profileWith("--format", "xml"), "\"xml\" is not one of text, json, csv");
     expectFailure(2, {"tables", "--run", "0x1"}, "is not a whole number");
     EXPECT_EQ(runCount(), 1U);
-    // A leading zero does not make octal digits.
+    // A leading zero does not mean octal.
     EXPECT_EQ(asJson({"tables", "--run", "01"}), asJson({"tables", "--run", "1"}));
     EXPECT_EQ(run({"profile", table, "--memory", "1.5 gb", "--first", "010"}).exitCode, 0);
 }
@@ -147,7 +147,7 @@ TEST_F(CommandLine, ASubjectNeedsNoOptionWhereItIsClear) {
     expectFailure(2, {"show", "nix"}, "there is no table \"nix\"; there is \"people\"");
     expectFailure(2, {"show", "people.nix"}, "has no field \"nix\"");
     expectFailure(2, {"show", "people", "--values"}, "name it with --field");
-    expectFailure(2, {"show", "people.city", "--field", "people.id"}, "says it twice");
+    expectFailure(2, {"show", "people.city", "--field", "people.id"}, "name the same thing twice");
     write("people.city.csv", "x\n1\n");
     ASSERT_EQ(
         run({"profile", m_folder.file("people.csv"), m_folder.file("people.city.csv"), "--job", "people"}).exitCode, 0);
@@ -197,7 +197,7 @@ TEST_F(CommandLine, FailingSourcesAndRepositoriesEndWithThree) {
         EXPECT_THAT(outcome.err, StartsWith("tavix: "));
         EXPECT_FALSE(std::filesystem::exists(m_folder.file("none.tavix")));
     }
-    // A file that is no repository is not made one.
+    // A file that is not a repository is left alone.
     std::filesystem::copy_file(m_folder.file("people.csv"), m_folder.file("other.csv"));
     EXPECT_EQ(runTavix({"profile", m_folder.file("people.csv"), "-R", m_folder.file("other.csv")}).exitCode, 3);
     EXPECT_EQ(textOf(m_folder.file("other.csv")), kPeople);
@@ -211,7 +211,8 @@ TEST_F(CommandLine, JobFilesAreCheckedBeforeAnythingRuns) {
     EXPECT_EQ(bad.exitCode, 2) << bad.err;
     EXPECT_THAT(bad.err, HasSubstr("bad.yaml:"));
     expectFailure(2, {"profile", m_folder.file("bad.yaml"), "--job", "x"}, "a job file says these itself");
-    expectFailure(2, {"profile", m_folder.file("bad.yaml"), m_folder.file("people.csv")}, "stands alone");
+    expectFailure(2, {"profile", m_folder.file("bad.yaml"), m_folder.file("people.csv")},
+                  "cannot be combined with other files");
     EXPECT_EQ(runCount(), 1U);
 }
 

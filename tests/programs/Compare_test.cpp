@@ -1,5 +1,5 @@
 #include "base/tests/SourceFolder.h"
-// Two runs of a job compared by the program; what it has to say is written down in tests/programs/compare.
+// `tavix compare`; the expected output is in tests/programs/compare.
 #include "Program.h"
 #include "base/tests/TempFolder.h"
 
@@ -61,7 +61,7 @@ TEST_F(Compare, TakesTheLastTwoRunsOrTheOneBefore) {
     const Outcome second = compare({"--run", "2", "--top", "0"});
     EXPECT_THAT(second.err, HasSubstr("run 1 of job \"people\" compared with run 2"));
     EXPECT_THAT(second.out, HasSubstr("Processed records"));
-    // Back and forth.
+    // In both directions.
     EXPECT_THAT(compare({"--run", "2", "--run", "1", "--format", "csv"}).out,
                 HasSubstr("people,extra,field,vanished,"));
     for (const std::vector<std::string>& wrong : std::vector<std::vector<std::string>>{

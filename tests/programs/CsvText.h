@@ -9,7 +9,7 @@ namespace tavix::testing {
 
 using CsvRow = std::vector<std::optional<std::string>>;
 
-/// A small reader of its own for what the program writes: an unquoted empty cell is nothing, a quoted one a text.
+/// Parses CSV, independently of the product: an unquoted empty cell is null, a quoted one an empty text.
 [[nodiscard]] inline std::vector<CsvRow> readCsv(std::string_view text) {
     std::vector<CsvRow> rows;
     std::size_t i = 0;

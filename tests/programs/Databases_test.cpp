@@ -94,7 +94,7 @@ TEST(Databases, CtrlCWhileTheServerLooksForRowsEndsWithFour) {
     ::setenv("TAVIX_SOURCE_PASSWORD", PostgresServer::kPassword, 1);
     const Outcome profiled = runTavix({"profile", job, "-R", repository});
     ASSERT_EQ(profiled.exitCode, 0) << profiled.err;
-    // The user is the one that the job names.
+    // The job names the user.
     EXPECT_EQ(runTavix({"rows", "-R", repository, "slow.id", "--value", "2", "--format", "csv"}).out, "id\n2\n");
     server.execute("CREATE OR REPLACE VIEW slow AS SELECT id FROM small WHERE pg_sleep(300) IS NOT NULL");
     Program program(tavixCommand({"rows", "-R", repository, "slow.id", "--value", "2"}));

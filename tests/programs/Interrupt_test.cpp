@@ -1,4 +1,4 @@
-// Ctrl+C in the middle of a run: nothing of it is kept.
+// Ctrl+C in the middle of a run stores nothing of it.
 #include "Program.h"
 #include "base/tests/TempFolder.h"
 
@@ -9,17 +9,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <thread>
 
 namespace tavix::testing {
 namespace {
 
 using ::testing::HasSubstr;
 
-/// So many rows that a run over them takes long enough to be met.
+/// Enough rows that a run is still reading them when the signal arrives.
 void writeBigTable(const std::string& path) {
     std::ofstream file(path, std::ios::binary);
     file << "id,name,rest\n";
@@ -29,6 +27,9 @@ void writeBigTable(const std::string& path) {
         file << line;
     }
 }
+
+/// Bytes of it that show that the run is under way.
+constexpr std::uint64_t kPartOfTheTable = 8'000'000;
 
 std::size_t runsOf(const std::string& repository, const std::string& job) {
     const Outcome outcome = runTavix({"runs", "-R", repository, "--job", job, "--format", "json"});
@@ -44,7 +45,7 @@ TEST(Interrupt, EndsWithFourAndKeepsNothingOfTheRun) {
     writeBigTable(folder.file("big.csv"));
     for (const int signalNumber : {SIGINT, SIGTERM}) {
         Program program(tavixCommand({"profile", folder.file("big.csv"), "-R", repository, "--job", "j"}));
-        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        program.waitUntilRead(kPartOfTheTable);
         program.send(signalNumber);
         const Outcome outcome = program.wait();
         EXPECT_EQ(outcome.exitCode, 4) << outcome.signal << outcome.err;
@@ -65,7 +66,7 @@ TEST(Interrupt, EndsTheWaitForAPipe) {
     const std::vector<std::vector<std::string>> commands{{"profile", pipe, "-R", folder.file("r.tavix")},
                                                          {"inspect", pipe}};
     for (const bool hasWriter : {false, true}) {
-        // One that never writes.
+        // The writer never writes.
         const int writer = hasWriter ? ::open(pipe.c_str(), O_RDWR | O_CLOEXEC) : -1;
         for (const std::vector<std::string>& command : commands)
             for (const int signalNumber : {SIGINT, SIGTERM}) {
@@ -85,10 +86,10 @@ TEST(Interrupt, ANewRepositoryHoldsNoJob) {
     const TempFolder folder;
     writeBigTable(folder.file("big.csv"));
     Program program(tavixCommand({"profile", folder.file("big.csv"), "-R", folder.file("new.tavix")}));
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    program.waitUntilRead(kPartOfTheTable);
     program.send(SIGINT);
     EXPECT_EQ(program.wait().exitCode, 4);
-    // Either there is no file yet or it is a repository without a job.
+    // There is either no file yet or a repository without a job.
     if (std::filesystem::exists(folder.file("new.tavix"))) {
         const Outcome jobs = runTavix({"jobs", "-R", folder.file("new.tavix"), "--format", "json"});
         EXPECT_EQ(jobs.out, "[]\n") << jobs.err;

@@ -1,4 +1,4 @@
-// The program run as a program: what its lists show.
+// The lists of the program.
 #include "OverPeople.h"
 
 namespace tavix::testing {
@@ -65,7 +65,7 @@ TEST_F(Lists, FiguresAreThoseOfTheFile) {
     EXPECT_EQ(cities[0], json({{"value", "Bern"}, {"count", 2}, {"percent_of_rows", 50.0}}));
     EXPECT_TRUE(cities[1]["value"].is_null());
     EXPECT_EQ(asJson({"show", "--field", "people.city", "--values", "--limit", "1"}).size(), 1U);
-    // Null, empty, a formula and a line end come back as they were in the file.
+    // Null, an empty text, a formula and a line end are written as they were in the file.
     const std::vector<CsvRow> notes = asCsv({"show", "--field", "people.note.text", "--values"});
     std::vector<std::optional<std::string>> values;
     for (std::size_t i = 1; i < notes.size(); ++i)
@@ -77,7 +77,7 @@ TEST_F(Lists, FiguresAreThoseOfTheFile) {
                 HasSubstr("\n'=1+1,"));
 }
 
-// Null has no pattern: a pattern's share is one of the values that are not null, in the tool as in the window.
+// Null has no pattern, so the share of a pattern refers to the values that are not null, as in the viewer.
 TEST_F(Lists, PatternsAreSharesOfTheValuesThatAreNotNull) {
     const json patterns = asJson({"show", "--field", "people.city", "--patterns"});
     ASSERT_EQ(patterns.size(), 2U);
@@ -109,7 +109,7 @@ TEST_F(Lists, AFilterLetsSomeRowsPassAndTheListSaysSo) {
     EXPECT_THAT(run(with("`Count` == 1")).out,
                 AllOf(StartsWith("Values of people.city, filtered: 2 of 3\n"), HasSubstr("% of 2 passing records")));
 
-    // The block's comment ends early for the language alone.
+    // For the expression language the comment of the condition block ends early.
     const std::string text = "/*{{BEGIN CONDITIONS\r\nVALUES=\"*/\"\r\n}}END CONDITIONS*/\r\nif isnull(`Value`) "
                              "then\r\n   return false\r\nelse\r\n   return true\r\n";
     write("some.FLT", std::string{static_cast<char>(text.size()), 0} + text + "beyond");
@@ -164,8 +164,23 @@ TEST_F(Lists, FiguresOfASampleSaySoEverywhere) {
     EXPECT_THAT(run({"fields", "--job", "s", "people"}).err, HasSubstr(sample));
 }
 
+TEST_F(Lists, ATableFilteredFromASampleIsMarkedLikeIt) {
+    std::ofstream(m_folder.file("job.yaml")) << "job: f\ntables:\n"
+                                                "  - {file: people.csv, sample: {first: 2}}\n"
+                                                "  - {name: known, based on: people, where: 'not isnull(`city`)'}\n";
+    const Outcome outcome = run({"profile", m_folder.file("job.yaml")});
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
+    for (const json& table : asJson({"tables", "--job", "f"}))
+        EXPECT_EQ(table["sampled"], "yes") << table;
+    for (const char* table : {"people", "known"}) {
+        const Outcome fields = run({"fields", "--job", "f", table});
+        EXPECT_THAT(fields.out, HasSubstr("Minimum Value (sample)")) << table;
+        EXPECT_THAT(fields.err, HasSubstr("are those of the sampled records alone")) << table;
+    }
+}
+
 TEST_F(Lists, ADamagedDistributionIsAFailureOfTheRepositoryAlsoWithAFilter) {
-    // The last pages of the file hold the packed values.
+    // The last pages of the file contain the packed values.
     std::string bytes;
     {
         std::ifstream file(m_repository, std::ios::binary);
@@ -260,7 +275,7 @@ TEST_F(Lists, NotesAreAddedAndListed) {
     const json second = asJson({"notes", "--table", "people", "--add", "=plain"});
     ASSERT_EQ(second.size(), 1U) << "the new one alone";
     EXPECT_TRUE(second[0]["category"].is_null());
-    // Another spelling of a category that is there already.
+    // Another spelling of an existing category.
     ASSERT_EQ(asJson({"notes", "-f", "people.city", "--add", "of a field", "--category", " TODO "})[0]["category"],
               "Todo");
 
@@ -285,7 +300,7 @@ TEST_F(Lists, WrongNotesAreRefusedAndLeaveNothing) {
     expectFailure(2, {"notes", "--table", "nix", "--add", "x", "--category", "New"}, "there is no table \"nix\"");
     expectFailure(3, {"notes", "--table", "people", "--add", "x", "-o", m_folder.file("none/out")}, "cannot write");
     EXPECT_THAT(asJson({"notes", "--table", "people"}), IsEmpty());
-    // None of them has made its category: the first spelling that is stored is this one.
+    // None of the failures has created its category: this spelling is the first to be stored.
     EXPECT_EQ(asJson({"notes", "--table", "people", "--add", "x", "--category", "NEW"})[0]["category"], "NEW");
 }
 

@@ -84,16 +84,39 @@ void Program::send(int signalNumber) const {
     ::kill(m_process, signalNumber);
 }
 
+void Program::waitUntil(const std::function<bool()>& happened) const {
+    while (!happened()) {
+        siginfo_t ended{};
+        ::waitid(P_PID, static_cast<id_t>(m_process), &ended, WEXITED | WNOHANG | WNOWAIT);
+        if (ended.si_pid != 0)
+            throw std::runtime_error("the program has ended");
+        std::this_thread::yield();
+    }
+}
+
 void Program::waitForHandler(int signalNumber) const {
     const std::string path = "/proc/" + std::to_string(m_process) + "/status";
     const std::uint64_t wanted = std::uint64_t{1} << (signalNumber - 1);
-    for (;;) {
+    waitUntil([&] {
         std::ifstream status(path);
         for (std::string line; std::getline(status, line);)
             if (line.starts_with("SigCgt:") && (std::stoull(line.substr(7), nullptr, 16) & wanted) != 0)
-                return;
-        std::this_thread::yield();
-    }
+                return true;
+        return false;
+    });
+}
+
+void Program::waitUntilRead(std::uint64_t bytes) const {
+    const std::string path = "/proc/" + std::to_string(m_process) + "/io";
+    waitUntil([&] {
+        std::ifstream counters(path);
+        std::string name;
+        std::uint64_t value = 0;
+        while (counters >> name >> value)
+            if (name == "rchar:")
+                return value >= bytes;
+        return false;
+    });
 }
 
 void Program::closeOutput() {

@@ -3,6 +3,8 @@
 #include <sys/types.h>
 
 #include <csignal>
+#include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,33 +17,39 @@ struct Outcome {
     std::string err;
 };
 
-/// A program started with pipes behind its standard output and error, and an empty standard input.
+/// A running program with pipes on its standard output and error, and an empty standard input.
 class Program {
   public:
     /// Throws std::runtime_error when it cannot be started.
     explicit Program(std::vector<std::string> command);
-    /// Kills it when it still runs.
+    /// Kills the program if it is still running.
     ~Program();
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
     void send(int signalNumber) const;
-    /// Waits until the program has a handler for the signal of its own.
+    /// Waits until the program has installed a handler for the signal. Throws std::runtime_error when it ends before.
     void waitForHandler(int signalNumber) const;
-    /// Stops reading its standard output, as a pager does that is left.
+    /// Waits until the program has read that many bytes from files of any kind. Throws std::runtime_error when it ends
+    /// before.
+    void waitUntilRead(std::uint64_t bytes) const;
+    /// Closes the pipe on its standard output, as `head` does.
     void closeOutput();
-    /// Reads everything and waits for the end.
+    /// Reads all output and waits for the program to end.
     [[nodiscard]] Outcome wait();
 
   private:
+    /// Polls `happened`.
+    void waitUntil(const std::function<bool()>& happened) const;
+
     pid_t m_process = -1;
     int m_out = -1;
     int m_err = -1;
 };
 
-/// Runs `tavix` with these arguments to its end.
+/// Runs `tavix` with these arguments and waits for it to end.
 [[nodiscard]] Outcome runTavix(std::vector<std::string> arguments);
-/// Its path first.
+/// The arguments with the path of `tavix` in front.
 [[nodiscard]] std::vector<std::string> tavixCommand(std::vector<std::string> arguments);
 
 } // namespace tavix::testing

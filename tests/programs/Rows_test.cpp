@@ -13,7 +13,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-/// A job over orders.csv and a table of its rows with a price above 2.
+/// A job with orders.csv and a table of its rows with a price above 2.
 class RowsOfASource : public ::testing::Test {
   protected:
     void SetUp() override {
@@ -180,8 +180,9 @@ TEST_F(RowsOfASource, OfAFileThatWasMovedAreReadWhereItIsSaidToBe) {
     std::filesystem::create_directory(m_folder.file(m_folder.path().filename().string()));
     std::filesystem::copy_file(m_folder.file("kept.csv"),
                                m_folder.file(m_folder.path().filename().string() + "/orders.csv"));
-    EXPECT_THAT(run(wanted).err, HasSubstr("a file of its name and size is beside the repository: add --source \"" +
-                                           before + "=" + m_folder.path().string()));
+    EXPECT_THAT(run(wanted).err,
+                HasSubstr("a file of the same name and size is in the folder of the repository: add --source \"" +
+                          before + "=" + m_folder.path().string()));
 }
 
 TEST_F(RowsOfASource, AValueThatTheRunDoesNotHaveIsToldWithTheNearest) {

@@ -1,4 +1,4 @@
-// The desktop shell run as a program, without a display: its pictures and what it ends with.
+// The desktop shell without a display: its pictures and exit codes.
 #include "Program.h"
 #include "base/tests/TempFolder.h"
 #include "support/SampleRepository.h"
