@@ -1,5 +1,5 @@
 # Loading shared libraries, libstdc++ above all, takes a large part of the time of a short command.
-# tavix_link_statically(tavix FOLDERS...) links all but libc and the ODBC driver manager statically. It changes nothing if
+# tavix_link_statically(tavix FOLDERS...) links all but libc and the ODBC driver manager statically. Changes nothing if
 # the system lacks one of the static libraries. Not for programs with widgets: Qt brings the shared ICU.
 
 option(TAVIX_STATIC_TOOL "Link the command line program with static libraries where the system has them" ON)
