@@ -86,8 +86,9 @@ void DeleteHistoryCommand::run(const CommonOptions& options) {
                                                              session.jobName(), runs.front().id, runs.back().id);
     if (!m_yes) {
         if (!canAsk())
-            throw CommandError(ExitCode::Usage,
-                               fmt::format("this deletes {}; nobody can be asked here, so confirm with --yes", which));
+            throw CommandError(
+                ExitCode::Usage,
+                fmt::format("this deletes {} and there is no terminal to ask on: confirm with --yes", which));
         if (!askYesNo(fmt::format("Delete {}?", which)))
             throw CommandError(ExitCode::Cancelled, "nothing was deleted");
     }

@@ -57,7 +57,7 @@ std::size_t pickByName(std::string_view what, std::string_view wanted, std::span
         throw CommandError(ExitCode::Usage,
                            names.empty()
                                ? fmt::format("there is no {0} \"{1}\", nor any other {0}", what, wanted)
-                               : fmt::format("there is no {0} \"{1}\"; there is {2}", what, wanted, listNames(names)));
+                               : fmt::format("there is no {0} \"{1}\"; known: {2}", what, wanted, listNames(names)));
     if (const auto count = std::count(found, names.end(), wanted); count > 1)
         throw CommandError(ExitCode::Usage, fmt::format("\"{}\" is the name of {} {}s", wanted, count, what));
     return static_cast<std::size_t>(found - names.begin());

@@ -58,8 +58,7 @@ void Session::selectJob(const std::optional<std::string>& name) {
     if (!name && names.empty())
         throw CommandError(ExitCode::Usage, "the repository has no job yet; \"tavix profile\" makes one");
     if (!name && names.size() > 1)
-        throw CommandError(ExitCode::Usage,
-                           fmt::format("which job? Name it with --job; there is {}", listNames(names)));
+        throw CommandError(ExitCode::Usage, fmt::format("which job? Name it with --job; known: {}", listNames(names)));
     const std::size_t chosen = name ? pickByName("job", *name, names) : 0;
     m_jobId = ids[chosen];
     m_jobName = names[chosen];

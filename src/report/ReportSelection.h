@@ -34,7 +34,7 @@ struct TableIdentity {
     bool operator==(const TableIdentity&) const = default;
 };
 
-/// What is selected in the navigator.
+/// The selection in the navigator.
 struct ReportSelection {
     enum class Kind { Nothing, Table, Collection, Analysis };
 

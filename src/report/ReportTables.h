@@ -20,8 +20,8 @@ class PrViewer;
 
 inline constexpr int kAllDataSources = -1;
 
-/// The tables of the current run in one data source. `dataSourceName` is what their identity says; it may be empty when
-/// nobody asks for it.
+/// The tables of the current run in one data source. Their identity gets `dataSourceName`, which may be empty
+/// when it is not needed.
 [[nodiscard]] std::vector<TableIdentity> readTables(PrViewer& viewer, int dataSource,
                                                     const std::string& dataSourceName);
 /// All tables of the current run, data source by data source.

@@ -46,7 +46,7 @@ TEST_F(CommandLine, WrongUsageEndsWithTwoAndSaysWhatIsThere) {
     expectFailure(2, {"show", "--field", "people.nix"}, "\"id\", \"name\", \"city\", \"note.text\"");
     expectFailure(2, {"show", "--field", "nix.id"}, "\"people\"");
     expectFailure(2, {"fields", "--table", "PEOPLE"}, "there is no table \"PEOPLE\"");
-    expectFailure(2, {"runs", "--job", "nix"}, "there is no job \"nix\"; there is \"people\"");
+    expectFailure(2, {"runs", "--job", "nix"}, "there is no job \"nix\"; known: \"people\"");
     expectFailure(2, {"tables", "--run", "999"}, "has no run 999");
     expectFailure(2, {"show", "--values"}, "name it with --field");
     expectFailure(2, {"show", "--field", "people.id", "--format", "csv"}, "one list");
@@ -144,7 +144,7 @@ TEST_F(CommandLine, ASubjectNeedsNoOptionWhereItIsClear) {
     EXPECT_EQ(asJson({"show", "--table", "people", "note.text"}), asJson({"show", "--field", "people.note.text"}));
     EXPECT_EQ(asJson({"rules", "people"}), json::array());
     EXPECT_EQ(asJson({"notes", "people.city"}), json::array());
-    expectFailure(2, {"show", "nix"}, "there is no table \"nix\"; there is \"people\"");
+    expectFailure(2, {"show", "nix"}, "there is no table \"nix\"; known: \"people\"");
     expectFailure(2, {"show", "people.nix"}, "has no field \"nix\"");
     expectFailure(2, {"show", "people", "--values"}, "name it with --field");
     expectFailure(2, {"show", "people.city", "--field", "people.id"}, "name the same thing twice");

@@ -22,7 +22,7 @@ struct Picture {
     std::uintmax_t bytes = 0;
 };
 
-/// What the head of a PNG file says; nothing when it is none.
+/// The header of a PNG file; nothing for any other file.
 Picture readPicture(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     std::string head(24, '\0');
@@ -45,7 +45,7 @@ Outcome runShell(std::vector<std::string> arguments) {
 
 class ShellProgram : public ::testing::Test {
   protected:
-    /// What is in the folder of pictures, by file name.
+    /// The pictures in the folder by file name.
     std::map<std::string, Picture> pictures() const {
         std::map<std::string, Picture> found;
         for (const auto& entry : std::filesystem::directory_iterator(m_pictures))

@@ -26,7 +26,7 @@ TEST(Names, MatchExactlyAndElseListWhatThereIs) {
     const std::vector<std::string> names{"sales", "Sales", "stock", "stock"};
     EXPECT_EQ(pickByName("job", "Sales", names), 1U);
     EXPECT_EQ(failureOf("SALES", names),
-              "there is no job \"SALES\"; there is \"sales\", \"Sales\", \"stock\", \"stock\"");
+              "there is no job \"SALES\"; known: \"sales\", \"Sales\", \"stock\", \"stock\"");
     EXPECT_EQ(failureOf("stock", names), "\"stock\" is the name of 2 jobs");
     EXPECT_EQ(failureOf("a", {}), "there is no job \"a\", nor any other job");
     EXPECT_THAT(failureOf("a", std::vector<std::string>(12, "b")), HasSubstr(" and 2 more"));
