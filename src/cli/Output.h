@@ -12,8 +12,8 @@ namespace tavix::cli {
 /// succeeds and is left unchanged otherwise. A failed write throws CommandError, a closed pipe OutputClosed.
 class Output {
   public:
-    /// The file `path`; "" or "-" is standard output. Devices and pipes are written directly. A repository
-    /// that is in use is refused.
+    /// The file `path`; "" or "-" is standard output. Devices and pipes are written directly. A file of
+    /// a repository in use is refused.
     explicit Output(std::string path);
 
     void write(std::string_view text);

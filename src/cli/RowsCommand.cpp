@@ -55,11 +55,11 @@ Section sectionOf(const PrViewerDrillCursor& rows) {
 
 /// Handles --source OLD=NEW. A path may contain an equals sign, so each one is tried as the separator until OLD is a
 /// file of a run.
-void locate(Session& session, const std::string& places) {
+void locate(Session& session, const std::string& move) {
     std::string problem;
-    for (auto at = places.find('='); at != std::string::npos; at = places.find('=', at + 1)) {
+    for (auto at = move.find('='); at != std::string::npos; at = move.find('=', at + 1)) {
         KvbString remark;
-        if (session.viewer().relocateFile(places.substr(0, at), places.substr(at + 1), remark)) {
+        if (session.viewer().relocateFile(move.substr(0, at), move.substr(at + 1), remark)) {
             if (!remark.isEmpty())
                 say(remark.view());
             return;
@@ -68,7 +68,7 @@ void locate(Session& session, const std::string& places) {
             problem = session.viewer().getErrorString().str();
     }
     if (problem.empty())
-        problem = fmt::format("--source {}: write OLD=NEW", places);
+        problem = fmt::format("--source {}: write OLD=NEW", move);
     throw CommandError(ExitCode::Usage, problem);
 }
 
@@ -118,7 +118,7 @@ CLI::App* RowsCommand::declare(CLI::App& program) {
         ->default_val(kUsualLimit)
         ->default_str("")
         ->transform(wholeNumber());
-    command->add_option("--source", m_places, "A source file was moved: OLD=NEW, its path in the run and its path now")
+    command->add_option("--source", m_moves, "A source file was moved: OLD=NEW, its path in the run and its path now")
         ->type_name("OLD=NEW")
         ->allow_extra_args(false);
     m_runChoice.declare(*command);
@@ -147,8 +147,8 @@ void RowsCommand::run(const CommonOptions& options) {
         throw CommandError(ExitCode::Usage, "which rows? Give one of --value, --null and --pattern");
     Session session(options.repository);
     m_runChoice.select(session);
-    for (const std::string& places : m_places)
-        locate(session, places);
+    for (const std::string& move : m_moves)
+        locate(session, move);
     const ChosenField field = session.field(m_field, m_table);
     const KvbString value = wanted(session, field);
     // drillDown() would search for nulls by an empty value when the field has no empty texts. Only empty texts have an

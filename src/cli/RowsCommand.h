@@ -29,7 +29,7 @@ class RowsCommand final : public Command {
     std::optional<std::string> m_value;
     std::optional<std::string> m_pattern;
     bool m_null = false;
-    std::vector<std::string> m_places; ///< OLD=NEW
+    std::vector<std::string> m_moves; ///< OLD=NEW
     std::int64_t m_limit = 0;
     RunChoice m_runChoice;
 };
