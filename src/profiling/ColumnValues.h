@@ -3,7 +3,7 @@
 #include "base/Result.h"
 #include "profiling/StopSignal.h"
 #include "profiling/ValueCounter.h"
-#include "profiling/ValuePlaces.h"
+#include "profiling/ValueOffsetIndex.h"
 #include "profiling/ValueRuns.h"
 
 #include <cstddef>
@@ -24,7 +24,7 @@ class ColumnValues {
     void divide(std::uint32_t parts) { m_others.resize(parts - 1); }
     [[nodiscard]] std::uint32_t parts() const { return static_cast<std::uint32_t>(m_others.size()) + 1; }
     /// To note where the values stand; behind divide(), before the first value.
-    void keepPlaces() { m_places.resize(parts()); }
+    void keepOffsetIndex() { m_offsetIndexes.resize(parts()); }
     /// `places` divides the cells into ranges, from the first cell to behind the last one; without need of them, any.
     void count(std::span<const source::Cell> cells, std::span<const source::RowPlace> places, std::uint32_t part);
     /// Makes counter() hold all values that are in memory; nothing can be counted after it.
@@ -49,16 +49,16 @@ class ColumnValues {
     /// when what is in memory was spilled before.
     [[nodiscard]] const RunSet& runs() const { return m_runs; }
     /// Of the values' places, 0 when they are not kept.
-    [[nodiscard]] std::size_t placesMemory() const;
-    [[nodiscard]] std::size_t placesMemory(std::uint32_t part) const {
-        return m_places.empty() ? 0 : m_places[part].memory();
+    [[nodiscard]] std::size_t offsetIndexMemory() const;
+    [[nodiscard]] std::size_t offsetIndexMemory(std::uint32_t part) const {
+        return m_offsetIndexes.empty() ? 0 : m_offsetIndexes[part].memory();
     }
-    void dropPlaces() { m_places.clear(); }
+    void dropOffsetIndex() { m_offsetIndexes.clear(); }
     /// To be called when all values were counted, before any is taken away.
-    void closePlaces();
+    void closeOffsetIndex();
     /// In which of the ranges, counted over all calls of count(), the values stand; none when that was not kept. They
     /// were closed before, and another thread may compute with the values meanwhile.
-    [[nodiscard]] std::vector<repository::PlacePage> takePlaces();
+    [[nodiscard]] std::vector<repository::PlacePage> takeOffsetIndex();
     /// Forgets the values, but not their places.
     void clearValues(SpillFile& file);
     /// Forgets everything.
@@ -66,14 +66,14 @@ class ColumnValues {
 
   private:
     /// The places of values that were met too often were not all marked.
-    void giveUpPlaces(const ValueCounter& counter);
-    void countRange(std::span<const source::Cell> cells, std::uint32_t part, PlaceMarks* marks);
+    void giveUpFrequentBuckets(const ValueCounter& counter);
+    void countRange(std::span<const source::Cell> cells, std::uint32_t part, BucketSet* buckets);
     Status spill(ValueCounter& counter, SpillFile& file, StopSignal& stop);
 
     ValueCounter m_counter;
     std::vector<ValueCounter> m_others;
-    std::vector<ValuePlaces> m_places; ///< by part; empty when they are not kept
-    bool m_arePlacesClosed = false;
+    std::vector<ValueOffsetIndex> m_offsetIndexes; ///< by part; empty when they are not kept
+    bool m_isOffsetIndexClosed = false;
     RunSet m_runs{RunOrder::Text};
 };
 

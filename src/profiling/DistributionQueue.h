@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Result.h"
-#include "profiling/FieldFigures.h"
+#include "profiling/FieldProfile.h"
 #include "profiling/StopSignal.h"
 #include "repository/RunWriter.h"
 
@@ -18,7 +18,7 @@ class DistributionQueue {
     DistributionQueue(repository::RunWriter& writer, StopSignal& stop) : m_writer(writer), m_stop(stop) {}
 
     /// By any thread. The field is borrowed until it is stored.
-    void put(int table, FieldFigures& field);
+    void put(int table, FieldProfile& field);
     /// By any thread: stores what waits. Where another one is at that, it stores this too, and nothing is left to do.
     [[nodiscard]] Status store();
     /// Why storing failed, if it did.
@@ -27,7 +27,7 @@ class DistributionQueue {
   private:
     struct Waiting {
         int table = -1;
-        FieldFigures* field = nullptr;
+        FieldProfile* field = nullptr;
     };
 
     repository::RunWriter& m_writer;

@@ -47,7 +47,7 @@ class Run {
         : m_job(job),
           m_leftOut(leftOut),
           m_clock(options.clock ? options.clock : &m_systemClock),
-          m_placesFrom(options.placesFrom),
+          m_offsetIndexFrom(options.offsetIndexFrom),
           m_databases(job, options.askCredentials),
           m_reporter(options.watcher, job.tables.size()),
           m_engine(engineSettings(options, repositoryPath),
@@ -178,9 +178,9 @@ class Run {
         auto passes = passesOver(base, columns);
         if (!passes)
             return passes.error();
-        if (reader.total() >= m_placesFrom)
+        if (reader.total() >= m_offsetIndexFrom)
             for (auto& pass : *passes)
-                pass->keepPlaces();
+                pass->keepOffsetIndex();
         if (Status status = read(reader, *passes); !status)
             return failureIn(base, status.error());
         const std::int64_t rowsOfBase = passes->front()->rows();
@@ -189,7 +189,7 @@ class Run {
             FinishedTable table;
             table.report = reportOfFiles(m_job, pass->description(), base, *opened, pass->rows(), rowsOfBase);
             if (auto offsets = pass->takeOffsets(); !offsets.empty())
-                table.places = {opened->files->current().stamp(), valueSeeds(), std::move(offsets)};
+                table.offsetIndex = {opened->files->current().stamp(), valueSeeds(), std::move(offsets)};
             table.columns = columns;
             table.pass = std::move(pass);
             if (Status status = figure(std::move(table), {}, storesAlong); !status)
@@ -267,7 +267,7 @@ class Run {
             table.report.log.push_back({repository::LogLevel::Warning, remark.text});
         }
         table.report.outcome.fields = table.columns->size();
-        auto fields = storesAlong ? figuresStoredAlong(table) : figures(table, {});
+        auto fields = storesAlong ? profilesStoredAlong(table) : figures(table, {});
         if (!fields)
             return fields.error();
         table.fields = std::move(*fields);
@@ -280,19 +280,19 @@ class Run {
         return {};
     }
 
-    Result<std::vector<FieldFigures>> figures(FinishedTable& table, const RunEngine::Along& along) {
+    Result<std::vector<FieldProfile>> figures(FinishedTable& table, const RunEngine::Along& along) {
         auto fields = m_engine.figures(*table.pass, along);
         if (!fields)
             return failureIn(table.pass->description(), fields.error());
         return fields;
     }
 
-    Result<std::vector<FieldFigures>> figuresStoredAlong(FinishedTable& table) {
+    Result<std::vector<FieldProfile>> profilesStoredAlong(FinishedTable& table) {
         auto queue = m_store.storeAlong(table);
         if (!queue)
             return queue.error();
         auto fields = figures(table, {[&] { return (*queue)->store(); },
-                                      [&](FieldFigures& field) {
+                                      [&](FieldProfile& field) {
                                           (*queue)->put(*table.id, field);
                                           return (*queue)->store();
                                       }});
@@ -311,7 +311,7 @@ class Run {
     const std::vector<EmptyFile>& m_leftOut;
     SystemClock m_systemClock;
     const Clock* m_clock;
-    std::int64_t m_placesFrom;
+    std::int64_t m_offsetIndexFrom;
     Databases m_databases;
     RunReporter m_reporter;
     RunEngine m_engine;

@@ -75,7 +75,7 @@ struct RunOptions {
     /// Where that file lies, which has no name; empty: $TMPDIR, or else the folder of the repository.
     std::string spillFolder = {};
     /// Bytes of a file from which on it is noted where its values stand; smaller ones are read again as fast without.
-    std::int64_t placesFrom = std::int64_t{4} << 20;
+    std::int64_t offsetIndexFrom = std::int64_t{4} << 20;
 };
 
 /// Profiles every table of the job and stores the result as one new run in the repository at `repositoryPath`, which

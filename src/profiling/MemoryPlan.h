@@ -21,11 +21,11 @@ class MemoryPlan {
     /// When that is exceeded, columns are spilled until so much is left.
     [[nodiscard]] std::size_t afterSpilling() const { return m_bytes / 8; }
     /// What computing figures takes beside the values, over all threads.
-    [[nodiscard]] std::size_t figuring() const { return m_bytes / 3; }
+    [[nodiscard]] std::size_t profiling() const { return m_bytes / 3; }
     /// Packed distributions that wait to be stored.
     [[nodiscard]] std::size_t packed() const { return m_bytes / 8; }
     /// In which parts of a file the values of its columns stand.
-    [[nodiscard]] std::size_t places() const { return m_bytes / 16; }
+    [[nodiscard]] std::size_t offsetIndex() const { return m_bytes / 16; }
     /// Figures that wait to be stored.
     [[nodiscard]] std::size_t facts() const { return m_bytes / 16; }
     /// Changed pages that the store may hold back. What it still holds at the end is written when nothing else is done

@@ -1,6 +1,6 @@
 #include "profiling/OrderFigures.h"
 
-#include "profiling/NumberFigure.h"
+#include "profiling/MetricValue.h"
 
 #include <fmt/format.h>
 
@@ -147,11 +147,11 @@ class OrderWalker {
 
     [[nodiscard]] KvbDatavar mean() const {
         if (!m_isInteger)
-            return numberFigure(static_cast<double>(m_sum.value() / static_cast<long double>(m_rows)));
+            return metricValue(static_cast<double>(m_sum.value() / static_cast<long double>(m_rows)));
         const auto total = static_cast<WideInteger>(m_rows);
         if (m_wideSum % total == 0)
             return static_cast<std::int64_t>(m_wideSum / total);
-        return numberFigure(static_cast<double>(static_cast<long double>(m_wideSum) / static_cast<long double>(total)));
+        return metricValue(static_cast<double>(static_cast<long double>(m_wideSum) / static_cast<long double>(total)));
     }
 
     Status setMoments() {
@@ -183,8 +183,8 @@ class OrderWalker {
         const auto deviation = static_cast<double>(std::sqrt(std::max(variance, 0.0L)));
         if (!std::isfinite(deviation))
             return {};
-        set(MetricId::StandardDeviation, numberFigure(deviation));
-        set(MetricId::StandardError, numberFigure(deviation / std::sqrt(static_cast<double>(m_rows))));
+        set(MetricId::StandardDeviation, metricValue(deviation));
+        set(MetricId::StandardError, metricValue(deviation / std::sqrt(static_cast<double>(m_rows))));
         return {};
     }
 
@@ -192,7 +192,7 @@ class OrderWalker {
         if (!m_isNumber)
             return m_byRank.at(nearestRank(percent)).text;
         if (!m_isInteger)
-            return numberFigure(static_cast<double>(quantileValue(percent)));
+            return metricValue(static_cast<double>(quantileValue(percent)));
         const std::uint64_t rank = linearRank(percent);
         const WideInteger low = integerOfKey(m_byRank.at(rank).key);
         const WideInteger high = integerOfKey(m_byRank.at(std::min(rank + 1, m_rows - 1)).key);

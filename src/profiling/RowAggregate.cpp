@@ -2,7 +2,7 @@
 
 #include "base/NumberText.h"
 #include "expression/Conversion.h"
-#include "profiling/NumberFigure.h"
+#include "profiling/MetricValue.h"
 
 #include <cmath>
 #include <limits>
@@ -63,7 +63,7 @@ KvbDatavar RowAggregate::result() const {
     const long double sum = static_cast<long double>(m_integers) + m_reals;
     const auto figure =
         static_cast<double>(m_figure == job::Figure::Sum ? sum : sum / static_cast<long double>(m_used));
-    return std::isfinite(figure) ? numberFigure(figure) : KvbDatavar();
+    return std::isfinite(figure) ? metricValue(figure) : KvbDatavar();
 }
 
 KvbDatavar figureOf(const Value& value) {
@@ -72,7 +72,7 @@ KvbDatavar figureOf(const Value& value) {
     case Type::Integer:
         return value.integer;
     case Type::Real:
-        return numberFigure(value.real);
+        return metricValue(value.real);
     case Type::Null:
         return {};
     default:

@@ -34,12 +34,12 @@ constexpr std::size_t kNewValue = 64;
 /// Lets the other threads of a pool help with a line as long as it lives.
 class Helpers {
   public:
-    Helpers(WorkerPool& pool, BlockLine& line) : m_pool(pool), m_line(line) {
-        m_line.open();
-        m_pool.start(m_pool.threads() - 1, [&line](std::size_t) { line.help(); });
+    Helpers(WorkerPool& pool, BlockPipeline& pipeline) : m_pool(pool), m_pipeline(pipeline) {
+        m_pipeline.open();
+        m_pool.start(m_pool.threads() - 1, [&pipeline](std::size_t) { pipeline.help(); });
     }
     ~Helpers() {
-        m_line.close();
+        m_pipeline.close();
         m_pool.finish();
     }
     Helpers(const Helpers&) = delete;
@@ -47,7 +47,7 @@ class Helpers {
 
   private:
     WorkerPool& m_pool;
-    BlockLine& m_line;
+    BlockPipeline& m_pipeline;
 };
 
 /// Indexes, the one with the most of it first.
@@ -67,7 +67,7 @@ RunEngine::RunEngine(const Settings& settings, std::function<bool()> poll)
       m_plan(settings.memory),
       m_file(settings.spillFolder),
       m_store(m_file, m_plan.packed()),
-      m_gate(m_plan.figuring()),
+      m_gate(m_plan.profiling()),
       m_pool(settings.threads) {}
 
 Status RunEngine::count(source::RowReader& reader, const TablePasses& passes,
@@ -79,13 +79,13 @@ Status RunEngine::count(source::RowReader& reader, const TablePasses& passes,
         column->divide(parts);
     // Alone a thread does best to count what it has just read.
     const bool isAlone = m_pool.threads() == 1;
-    BlockLine line(passes, isAlone ? 1 : kBlocksOnTheWay, parts, m_stop);
-    std::optional<Helpers> helpers(std::in_place, m_pool, line);
-    const auto isTooMuch = [&](const BlockLine::Memory& memory, std::size_t onTheWay) {
-        return memory.values + onTheWay > m_plan.counting() || memory.places > m_plan.places();
+    BlockPipeline pipeline(passes, isAlone ? 1 : kBlocksOnTheWay, parts, m_stop);
+    std::optional<Helpers> helpers(std::in_place, m_pool, pipeline);
+    const auto isTooMuch = [&](const BlockPipeline::Memory& memory, std::size_t onTheWay) {
+        return memory.values + onTheWay > m_plan.counting() || memory.offsetIndex > m_plan.offsetIndex();
     };
     for (;;) {
-        source::RowBlock& block = line.free();
+        source::RowBlock& block = pipeline.free();
         const auto more = reader.read(block);
         if (!more)
             return more.error();
@@ -93,26 +93,26 @@ Status RunEngine::count(source::RowReader& reader, const TablePasses& passes,
             break;
         const std::size_t rows = block.rows;
         const std::size_t onTheWay = isAlone ? 0 : kBlocksOnTheWay * rows * columns.size() * kNewValue;
-        line.send();
+        pipeline.send();
         if (isAlone)
-            line.finish();
+            pipeline.finish();
         took(rows);
         if (m_stop.isStopped())
             return StopSignal::stopped();
-        if (isTooMuch(line.memory(), onTheWay))
-            line.finish();
-        if (isTooMuch(line.memory(), 0)) {
+        if (isTooMuch(pipeline.memory(), onTheWay))
+            pipeline.finish();
+        if (isTooMuch(pipeline.memory(), 0)) {
             helpers.reset();
-            dropPlacesOfTooMuch(columns);
+            dropLargestOffsetIndexes(columns);
             if (Status status = spillWhatIsTooMuch(columns); !status)
                 return status;
-            line.measure();
-            helpers.emplace(m_pool, line);
+            pipeline.measure();
+            helpers.emplace(m_pool, pipeline);
         }
     }
-    line.finish();
+    pipeline.finish();
     helpers.reset();
-    dropPlacesOfTooMuch(columns);
+    dropLargestOffsetIndexes(columns);
     return spillWhatIsTooMuch(columns);
 }
 
@@ -135,17 +135,17 @@ Status RunEngine::spillWhatIsTooMuch(std::span<ColumnValues* const> columns) {
     });
 }
 
-void RunEngine::dropPlacesOfTooMuch(std::span<ColumnValues* const> columns) const {
+void RunEngine::dropLargestOffsetIndexes(std::span<ColumnValues* const> columns) const {
     const auto memory = [&] {
         std::size_t sum = 0;
         for (const ColumnValues* column : columns)
-            sum += column->placesMemory();
+            sum += column->offsetIndexMemory();
         return sum;
     };
-    while (memory() > m_plan.places())
+    while (memory() > m_plan.offsetIndex())
         (*std::max_element(columns.begin(), columns.end(), [](const ColumnValues* a, const ColumnValues* b) {
-            return a->placesMemory() < b->placesMemory();
-        }))->dropPlaces();
+            return a->offsetIndexMemory() < b->offsetIndexMemory();
+        }))->dropOffsetIndex();
 }
 
 Status RunEngine::spillWhatIsTooMuch(TablePass& pass) {
@@ -167,20 +167,20 @@ Status RunEngine::divide(std::size_t count, const std::function<Status(std::size
     return failure.outcome();
 }
 
-Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass, const Along& along) {
+Result<std::vector<FieldProfile>> RunEngine::figures(TablePass& pass, const Along& along) {
     const std::vector<ColumnValues*> columns = valuesOf(pass);
     // The long ones first, so that no thread is left alone with one at the end.
     const std::vector<std::size_t> order = orderedBy(&ColumnValues::work, columns);
-    std::vector<FieldFigures> fields(columns.size());
+    std::vector<FieldProfile> fields(columns.size());
     std::size_t allWork = 1;
     for (const ColumnValues* column : columns)
         allWork += column->work();
     const auto figure = [&](std::size_t i) -> Status {
         const std::size_t c = order[i];
         ColumnValues& values = *columns[c];
-        const std::size_t share = m_plan.figuring() / m_pool.threads();
-        const bool isTooLarge = values.isSpilled() || figuringTakes(values) > m_plan.figuring();
-        const std::size_t takes = isTooLarge ? std::max(share, values.spillingTakes()) : figuringTakes(values);
+        const std::size_t share = m_plan.profiling() / m_pool.threads();
+        const bool isTooLarge = values.isSpilled() || profilingMemory(values) > m_plan.profiling();
+        const std::size_t takes = isTooLarge ? std::max(share, values.spillingTakes()) : profilingMemory(values);
         const auto memory = m_gate.take(takes, m_stop);
         if (isTooLarge) {
             if (Status spilled = values.spill(m_file, m_stop); !spilled)
@@ -189,8 +189,8 @@ Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass, const Alon
         // One that has more than a thread's share of the work would keep the others waiting in the end.
         const auto threads = static_cast<unsigned>(values.work() * m_pool.threads() / allWork) + 1;
         values.unite();
-        auto figures = computeFigures(values, pass.columns()[c], static_cast<int>(c) + 1,
-                                      {m_file, m_store, m_stop, share, threads});
+        auto figures =
+            profileField(values, pass.columns()[c], static_cast<int>(c) + 1, {m_file, m_store, m_stop, share, threads});
         if (!figures)
             return figures.error();
         values.clearValues(m_file);
@@ -199,10 +199,10 @@ Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass, const Alon
     };
     // The places need nothing of the figures, and fill the time of a thread that has none to compute any more.
     Status status = divide(columns.size(), [&](std::size_t i) -> Status {
-        columns[i]->closePlaces();
+        columns[i]->closeOffsetIndex();
         return {};
     });
-    std::vector<std::vector<repository::PlacePage>> places(columns.size());
+    std::vector<std::vector<repository::PlacePage>> offsetIndexes(columns.size());
     if (status)
         status = divide(1 + columns.size() * 2, [&](std::size_t i) -> Status {
             if (i == 0)
@@ -210,13 +210,13 @@ Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass, const Alon
             if (i <= columns.size())
                 return figure(i - 1);
             const std::size_t c = order[i - columns.size() - 1];
-            places[c] = columns[c]->takePlaces();
+            offsetIndexes[c] = columns[c]->takeOffsetIndex();
             return {};
         });
     if (!status)
         return status.error();
     for (std::size_t c = 0; c < columns.size(); ++c)
-        fields[c].places = std::move(places[c]);
+        fields[c].offsetIndex = std::move(offsetIndexes[c]);
     return fields;
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "base/Result.h"
-#include "profiling/BlockLine.h"
+#include "profiling/BlockPipeline.h"
 #include "profiling/ByteStore.h"
-#include "profiling/FieldFigures.h"
+#include "profiling/FieldProfile.h"
 #include "profiling/MemoryPlan.h"
 #include "profiling/SpillFile.h"
 #include "profiling/StopSignal.h"
@@ -40,12 +40,12 @@ class RunEngine {
     /// What else is done while figures are computed. A failure ends the computing.
     struct Along {
         std::function<Status()> work{};               ///< once, by any thread
-        std::function<Status(FieldFigures&)> ready{}; ///< for each column, by the thread that computed it, at once
+        std::function<Status(FieldProfile&)> ready{}; ///< for each column, by the thread that computed it, at once
     };
     /// The figures of every column of the pass, whose counted values are used up. With StopSignal::stopped() it fails
     /// when it was stopped.
-    [[nodiscard]] Result<std::vector<FieldFigures>> figures(TablePass& pass, const Along& along);
-    [[nodiscard]] Result<std::vector<FieldFigures>> figures(TablePass& pass) { return figures(pass, {}); }
+    [[nodiscard]] Result<std::vector<FieldProfile>> figures(TablePass& pass, const Along& along);
+    [[nodiscard]] Result<std::vector<FieldProfile>> figures(TablePass& pass) { return figures(pass, {}); }
 
     [[nodiscard]] StopSignal& stop() { return m_stop; }
     [[nodiscard]] const MemoryPlan& plan() const { return m_plan; }
@@ -53,7 +53,7 @@ class RunEngine {
   private:
     Status spillWhatIsTooMuch(std::span<ColumnValues* const> columns);
     /// Gives up the places of the columns that take most of the memory, when all take too much.
-    void dropPlacesOfTooMuch(std::span<ColumnValues* const> columns) const;
+    void dropLargestOffsetIndexes(std::span<ColumnValues* const> columns) const;
     /// Calls work(i) for every i below `count` by all threads, until one fails.
     Status divide(std::size_t count, const std::function<Status(std::size_t)>& work);
 

@@ -3,7 +3,7 @@
 #include "base/HeldRepositories.h"
 #include "base/Result.h"
 #include "profiling/DistributionQueue.h"
-#include "profiling/FieldFigures.h"
+#include "profiling/FieldProfile.h"
 #include "profiling/OpenedSource.h"
 #include "profiling/RepositoryOpening.h"
 #include "profiling/RunReporter.h"
@@ -24,8 +24,8 @@ struct FinishedTable {
     std::shared_ptr<const std::vector<std::string>> columns; ///< borrowed by the pass
     std::unique_ptr<TablePass> pass;
     TableReport report;
-    std::optional<repository::FilePlaces> places;
-    std::vector<FieldFigures> fields;
+    std::optional<repository::FilePlaces> offsetIndex;
+    std::vector<FieldProfile> fields;
     std::optional<int> id; ///< in the repository, once the table is begun there
 };
 

@@ -91,8 +91,8 @@ void TablePass::prepare(const source::RowBlock& block, std::int64_t firstRecord,
     }
     if (m_where)
         select(block, firstRecord, goOn);
-    if (m_keepsPlaces)
-        takePlaces(block);
+    if (m_keepsOffsetIndex)
+        takeOffsetIndex(block);
     m_rows += static_cast<std::int64_t>(m_where ? m_selectedRows.size() : block.rows);
     if (m_hasRowPrograms)
         evaluate(block, firstRecord, goOn);
@@ -110,17 +110,17 @@ void TablePass::countColumn(const source::RowBlock& block, std::size_t column, s
     values.count(selected, m_selectedPlaces, part);
 }
 
-void TablePass::takePlaces(const source::RowBlock& block) {
+void TablePass::takeOffsetIndex(const source::RowBlock& block) {
     if (block.places.empty()) {
-        m_keepsPlaces = false;
+        m_keepsOffsetIndex = false;
         m_offsets.clear();
         for (ColumnValues& values : m_values)
-            values.dropPlaces();
+            values.dropOffsetIndex();
         return;
     }
     if (m_offsets.empty()) {
         for (ColumnValues& values : m_values)
-            values.keepPlaces();
+            values.keepOffsetIndex();
         m_offsets.push_back(block.places.front().offset);
     }
     for (std::size_t i = 1; i < block.places.size(); ++i)
@@ -199,7 +199,7 @@ Status TablePass::storeRules(repository::RunWriter& writer, int tableId) {
 Status TablePass::storeMetrics(repository::RunWriter& writer, int tableId) {
     // The figures in the order in which the programs over metrics have their fields.
     std::vector<KvbDatavar> figures;
-    for (const TableFigure& figure : m_programs.figures)
+    for (const MetricField& figure : m_programs.figures)
         if (figure.column)
             figures.push_back(m_metrics[*figure.column][index(figure.metric)]);
         else if (figures.empty())

@@ -33,10 +33,10 @@ class TablePass {
     void countColumn(const source::RowBlock& block, std::size_t column, std::uint32_t part);
     /// Whether the first step changes what the second looks at, so that no other block may be in it meanwhile.
     [[nodiscard]] bool preparingDisturbs(const source::RowBlock& block) const {
-        return m_where || (m_keepsPlaces && (block.places.empty() || m_offsets.empty()));
+        return m_where || (m_keepsOffsetIndex && (block.places.empty() || m_offsets.empty()));
     }
     /// To note where in the file the values stand, if the source says where its rows do; before the first block.
-    void keepPlaces() { m_keepsPlaces = true; }
+    void keepOffsetIndex() { m_keepsOffsetIndex = true; }
     /// Where the ranges begin to which the columns' places refer, and behind them where the last one ends. Empty when
     /// they are not kept.
     [[nodiscard]] std::vector<std::int64_t> takeOffsets() { return std::move(m_offsets); }
@@ -57,7 +57,7 @@ class TablePass {
 
   private:
     [[nodiscard]] bool hasPrograms() const { return m_where || m_hasRowPrograms; }
-    void takePlaces(const source::RowBlock& block);
+    void takeOffsetIndex(const source::RowBlock& block);
     void select(const source::RowBlock& block, std::int64_t firstRecord, const expression::GoOn& goOn);
     void evaluate(const source::RowBlock& block, std::int64_t firstRecord, const expression::GoOn& goOn);
     Status storeMetrics(repository::RunWriter& writer, int tableId);
@@ -74,7 +74,7 @@ class TablePass {
     std::vector<std::uint32_t> m_allRows;      ///< 0, 1, 2, ...
     std::vector<std::uint32_t> m_selectedRows; ///< of the current block
 
-    bool m_keepsPlaces = false;
+    bool m_keepsOffsetIndex = false;
     std::vector<std::int64_t> m_offsets;
     std::vector<source::RowPlace> m_selectedPlaces; ///< of the current block, among m_selectedRows
 

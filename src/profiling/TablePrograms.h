@@ -14,7 +14,7 @@
 namespace tavix::profiling {
 
 /// A figure of a table that an expression over its metrics may name.
-struct TableFigure {
+struct MetricField {
     std::string name;
     expression::Type type = expression::Type::Text;
     std::optional<std::size_t> column; ///< of a field's metric
@@ -35,7 +35,7 @@ struct TablePrograms {
     std::vector<std::size_t> key;             ///< columns
     /// What the metrics over metrics are compiled for: "Records", the 24 metrics of each column as "FIELD:METRIC", then
     /// the custom metrics of the table, each for those that follow it. Empty when there is none.
-    std::vector<TableFigure> figures;
+    std::vector<MetricField> figures;
     std::vector<ProgramRemark> remarks;
 
     /// The columns, and over metrics the metrics, that the custom metric reads.

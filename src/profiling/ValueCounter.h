@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/TextHash.h"
+#include "profiling/BucketSet.h"
 #include "profiling/EntryList.h"
-#include "profiling/PlaceMarks.h"
 #include "source/RowReader.h"
 #include "source/TextArena.h"
 
@@ -27,11 +27,11 @@ class ValueCounter {
     static constexpr std::uint64_t kMarkedRows = 1024;
 
     /// With `marks`, these learn which values were met.
-    void count(std::span<const source::Cell> cells, PlaceMarks* marks = nullptr);
+    void count(std::span<const source::Cell> cells, BucketSet* buckets = nullptr);
     /// Counts those of the values that fall to one of `parts` counters; the nulls fall to part 0. So several counters
     /// share the values of a column, and no value is in two of them.
     void countPart(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts,
-                   PlaceMarks* marks = nullptr);
+                   BucketSet* buckets = nullptr);
     void add(std::string_view text, std::uint64_t count);
     void addNulls(std::uint64_t count) { m_nullCount += count; }
 
@@ -56,9 +56,9 @@ class ValueCounter {
 
   private:
     template <bool kIsPart, bool kIsMarked>
-    void countCells(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts, PlaceMarks* marks);
+    void countCells(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts, BucketSet* buckets);
     template <bool kIsMarked>
-    void addHashed(const char* data, std::uint32_t size, std::uint64_t hash, std::uint64_t count, PlaceMarks* marks);
+    void addHashed(const char* data, std::uint32_t size, std::uint64_t hash, std::uint64_t count, BucketSet* buckets);
     void grow();
 
     std::vector<std::uint32_t> m_slots; ///< index into m_entries plus one, 0 when free; open addressing

@@ -22,8 +22,8 @@ class QueueOfDistributions : public testing::StoredRuns {
     }
 
     /// A field whose only value is its name.
-    FieldFigures figures(const std::string& name) {
-        FieldFigures field;
+    FieldProfile figures(const std::string& name) {
+        FieldProfile field;
         field.packed = std::make_unique<PackedResult>(m_store);
         field.facts.name = name;
         field.facts.ordinal = ++m_fields;
@@ -45,7 +45,7 @@ TEST_F(QueueOfDistributions, StoresOnceWhatAnyThreadBrings) {
     constexpr std::size_t kThreads = 4;
     constexpr std::size_t kFieldsOfEach = 50;
     std::vector<std::string> names;
-    std::vector<FieldFigures> fields;
+    std::vector<FieldProfile> fields;
     for (std::size_t i = 0; i < kThreads * kFieldsOfEach; ++i) {
         names.push_back("f" + std::to_string(i));
         fields.push_back(figures(names.back()));
@@ -62,7 +62,7 @@ TEST_F(QueueOfDistributions, StoresOnceWhatAnyThreadBrings) {
         });
     for (std::thread& thread : threads)
         thread.join();
-    for (FieldFigures& field : fields)
+    for (FieldProfile& field : fields)
         ASSERT_TRUE(m_writer->addField(m_table, field.facts));
     ASSERT_TRUE(m_writer->commit({}));
     EXPECT_EQ(stored("SELECT count(*), count(DISTINCT field), min(rows), max(rows) FROM distribution_block"),
@@ -75,8 +75,8 @@ TEST_F(QueueOfDistributions, StoresOnceWhatAnyThreadBrings) {
 }
 
 TEST_F(QueueOfDistributions, StopsAtAFailureAndKeepsIt) {
-    FieldFigures lost = figures("lost");
-    FieldFigures after = figures("after");
+    FieldProfile lost = figures("lost");
+    FieldProfile after = figures("after");
     DistributionQueue queue(*m_writer, m_stop);
     queue.put(m_table + 1, lost);
     queue.put(m_table, after);
@@ -88,7 +88,7 @@ TEST_F(QueueOfDistributions, StopsAtAFailureAndKeepsIt) {
 }
 
 TEST_F(QueueOfDistributions, EndsWhenItIsToStop) {
-    FieldFigures field = figures("f");
+    FieldProfile field = figures("f");
     DistributionQueue queue(*m_writer, m_stop);
     m_stop.stop();
     queue.put(m_table, field);

@@ -46,7 +46,7 @@ class EngineOfRandomTables : public ::testing::Test {
             return {};
         }
         auto list = json::array();
-        for (const FieldFigures& field : *fields)
+        for (const FieldProfile& field : *fields)
             list.push_back(json::parse(testing::dumpField(field)));
         EXPECT_TRUE(std::filesystem::is_empty(m_folder.path())) << "a temporary file has a name";
         return list;

@@ -10,7 +10,7 @@
 namespace tavix::profiling {
 
 /// Which buckets of values occur in a stretch of rows: a bit for each, which fits the processor's nearest cache.
-class PlaceMarks {
+class BucketSet {
   public:
     void add(std::uint64_t hash) {
         const std::uint32_t bucket = repository::placeBucket(hash);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "profiling/PlaceMarks.h"
+#include "profiling/BucketSet.h"
 #include "repository/PlacePages.h"
 
 #include <cstddef>
@@ -11,10 +11,10 @@
 namespace tavix::profiling {
 
 /// The buckets of the values of a column, range of rows by range of rows.
-class ValuePlaces {
+class ValueOffsetIndex {
   public:
-    /// The marks of a range are complete; they are taken.
-    void endRange(PlaceMarks& marks);
+    /// The buckets of a range are complete; they are taken.
+    void endRange(BucketSet& marked);
     [[nodiscard]] std::size_t ranges() const { return m_ends.size(); }
     /// The ranges of this bucket are not all marked.
     void giveUp(std::uint32_t bucket) {
@@ -38,6 +38,6 @@ class ValuePlaces {
 };
 
 /// By bucket what `parts` say by range; they are of one column and know the same ranges.
-[[nodiscard]] std::vector<repository::PlacePage> packPlaces(std::span<const ValuePlaces> parts);
+[[nodiscard]] std::vector<repository::PlacePage> packOffsetIndex(std::span<const ValueOffsetIndex> parts);
 
 } // namespace tavix::profiling

@@ -15,11 +15,11 @@
 namespace tavix::profiling {
 namespace {
 
-RunOptions withPlaces(unsigned threads, std::size_t memory = 0) {
+RunOptions withOffsetIndex(unsigned threads, std::size_t memory = 0) {
     RunOptions options;
     options.threads = threads;
     options.memory = memory;
-    options.placesFrom = 1;
+    options.offsetIndexFrom = 1;
     return options;
 }
 
@@ -63,7 +63,7 @@ std::vector<std::string> rowsWith(const std::string& path, std::size_t column, c
     return rows;
 }
 
-class ValuePlacesTest : public ::testing::Test {
+class ValueOffsetIndexTest : public ::testing::Test {
   protected:
     void run(const RunOptions& options, bool hasFiltered, job::TableDescription table = {}) {
         job::JobDescription job;
@@ -109,10 +109,10 @@ class ValuePlacesTest : public ::testing::Test {
     std::string m_repository = m_folder.file("r.tavix");
 };
 
-TEST_F(ValuePlacesTest, LeadToEveryRowWithAValue) {
+TEST_F(ValueOffsetIndexTest, LeadToEveryRowWithAValue) {
     std::ofstream(m_path, std::ios::binary) << rowsOf(1, false);
     for (const unsigned threads : {1U, 2U, 5U}) {
-        run(withPlaces(threads), false);
+        run(withOffsetIndex(threads), false);
         for (int i = 0; i < 5; ++i)
             EXPECT_GT(spared(1, 2, 1, "needle" + std::to_string(i)), 70);
         for (int row = 0; row < 60'000; row += 1999)
@@ -123,16 +123,16 @@ TEST_F(ValuePlacesTest, LeadToEveryRowWithAValue) {
     }
 }
 
-TEST_F(ValuePlacesTest, AColumnAloneIsSharedByThreads) {
+TEST_F(ValueOffsetIndexTest, AColumnAloneIsSharedByThreads) {
     std::ofstream(m_path, std::ios::binary) << rowsOf(2, true);
     for (const unsigned threads : {1U, 3U}) {
-        run(withPlaces(threads), false);
+        run(withOffsetIndex(threads), false);
         for (int row = 0; row < 200'000; row += 3001)
             EXPECT_GT(spared(1, 1, 0, "row " + std::to_string(row)), 80);
     }
 }
 
-TEST_F(ValuePlacesTest, OfAFilteredTableAreThoseOfItsRows) {
+TEST_F(ValueOffsetIndexTest, OfAFilteredTableAreThoseOfItsRows) {
     std::ofstream(m_path, std::ios::binary)
         << "id,frequent\n"
         << [] {
@@ -141,7 +141,7 @@ TEST_F(ValuePlacesTest, OfAFilteredTableAreThoseOfItsRows) {
                    rows += "row " + std::to_string(row) + (row % 2 == 0 ? ",A\n" : ",B\n");
                return rows;
            }();
-    run(withPlaces(2), true);
+    run(withOffsetIndex(2), true);
     int inFiltered = 0;
     for (int row = 0; row < 200'000; row += 997) {
         const auto base = find(1, 1, "row " + std::to_string(row));
@@ -156,53 +156,53 @@ TEST_F(ValuePlacesTest, OfAFilteredTableAreThoseOfItsRows) {
     EXPECT_GT(inFiltered, 50) << "the rows that did not pass have no places";
 }
 
-TEST_F(ValuePlacesTest, AreGivenUpBeforeTheMemoryIs) {
+TEST_F(ValueOffsetIndexTest, AreGivenUpBeforeTheMemoryIs) {
     std::ofstream(m_path, std::ios::binary) << rowsOf(3, true);
-    run(withPlaces(2, std::size_t{4} << 20), false);
+    run(withOffsetIndex(2, std::size_t{4} << 20), false);
     EXPECT_FALSE(find(1, 1, "row 5")) << "a sixteenth of the memory has no room for them";
-    run(withPlaces(2, std::size_t{64} << 20), false);
+    run(withOffsetIndex(2, std::size_t{64} << 20), false);
     EXPECT_TRUE(find(1, 1, "row 5"));
 }
 
 // A value that was moved to the file may come again, and is counted anew.
-TEST_F(ValuePlacesTest, OutliveTheValues) {
+TEST_F(ValueOffsetIndexTest, OutliveTheValues) {
     std::ofstream(m_path, std::ios::binary) << rowsOf(4, false);
-    run(withPlaces(1, std::size_t{6} << 20), false);
+    run(withOffsetIndex(1, std::size_t{6} << 20), false);
     for (int i = 0; i < 5; ++i)
         EXPECT_GT(spared(1, 2, 1, "needle" + std::to_string(i)), 70);
     EXPECT_FALSE(find(1, 3, "A"));
 }
 
-TEST_F(ValuePlacesTest, AreNotTakenForAFileThatIsTooShortForThem) {
+TEST_F(ValueOffsetIndexTest, AreNotTakenForAFileThatIsTooShortForThem) {
     std::ofstream(m_path, std::ios::binary) << rowsOf(7, true);
-    run(withPlaces(1), false);
+    run(withOffsetIndex(1), false);
     ASSERT_TRUE(find(1, 1, "row 5"));
     auto damaged = repository::openRepository(m_repository, sql::OpenMode::Write);
     ASSERT_TRUE(damaged.ok() && (*damaged)->execute("UPDATE file_place SET file_size = file_size - 1"));
     EXPECT_FALSE(find(1, 1, "row 5"));
 }
 
-TEST_F(ValuePlacesTest, AreNotKeptOfWhatCannotBeSearchedByThem) {
+TEST_F(ValueOffsetIndexTest, AreNotKeptOfWhatCannotBeSearchedByThem) {
     std::ofstream(m_path, std::ios::binary) << rowsOf(5, true);
-    run(withPlaces(1), false);
+    run(withOffsetIndex(1), false);
     EXPECT_TRUE(find(1, 1, "row 5"));
     run({}, false);
     EXPECT_FALSE(find(1, 1, "row 5")) << "a small file";
 
     job::TableDescription table;
     table.sample = {source::Sample::Kind::First, 1000, 0};
-    run(withPlaces(2), false, table);
+    run(withOffsetIndex(2), false, table);
     EXPECT_FALSE(find(1, 1, "row 5")) << "a sample";
 
     table = {};
     table.encoding = findEncoding("ISO-8859-1");
-    run(withPlaces(2), false, table);
+    run(withOffsetIndex(2), false, table);
     EXPECT_FALSE(find(1, 1, "row 5")) << "another encoding";
 
     table = {};
     std::ofstream(m_folder.file("u.csv"), std::ios::binary) << rowsOf(6, true);
     table.files = {m_path, m_folder.file("u.csv")};
-    run(withPlaces(2), false, table);
+    run(withOffsetIndex(2), false, table);
     EXPECT_FALSE(find(1, 1, "row 5")) << "several files";
 }
 

@@ -1,10 +1,10 @@
-#include "profiling/FieldFigures.h"
+#include "profiling/FieldProfile.h"
 
 #include "base/FreeMemory.h"
 #include "profiling/DistributionOrder.h"
 #include "profiling/LargeIntegers.h"
 #include "profiling/MergedDistribution.h"
-#include "profiling/NumberFigure.h"
+#include "profiling/MetricValue.h"
 #include "profiling/RunBuffer.h"
 #include "profiling/TaskTeam.h"
 #include "profiling/ValueSurvey.h"
@@ -44,10 +44,10 @@ std::int64_t asInteger(std::uint64_t value) {
 
 /// What one task makes and others wait for.
 template <typename Made>
-class Awaited {
+class TaskFuture {
   public:
     template <typename Make>
-    explicit Awaited(Make make) : m_task(std::move(make)), m_made(m_task.get_future()) {}
+    explicit TaskFuture(Make make) : m_task(std::move(make)), m_made(m_task.get_future()) {}
 
     Status make() {
         m_task();
@@ -64,9 +64,9 @@ class Awaited {
     std::shared_future<Made*> m_made;
 };
 
-class FieldWork {
+class FieldProfiler {
   public:
-    FieldWork(ColumnValues& values, const std::string& name, int ordinal, const FigureContext& context)
+    FieldProfiler(ColumnValues& values, const std::string& name, int ordinal, const ProfilingContext& context)
         : m_values(values),
           m_context(context),
           m_part(std::max(context.memory / 4, kLeastMemory)),
@@ -77,7 +77,7 @@ class FieldWork {
         m_figures.facts.packed = m_figures.packed.get();
     }
 
-    Result<FieldFigures> compute() {
+    Result<FieldProfile> compute() {
         if (Status status = m_values.isSpilled() ? workOnRuns() : workInMemory(); !status)
             return status.error();
         return std::move(m_figures);
@@ -113,7 +113,7 @@ class FieldWork {
     Status workTogether(const EntryList& entries, std::vector<Keyed>& order, std::vector<Keyed>& spare,
                         unsigned threads) {
         std::optional<DividedTextSort> sorting;
-        Awaited<DividedTextSort> deal([&] { return &sorting.emplace(entries, order, spare); });
+        TaskFuture<DividedTextSort> deal([&] { return &sorting.emplace(entries, order, spare); });
         std::vector<Task> tasks{[&] { return deal.make(); }, [&] { return surveyInMemory(entries); }};
         for (std::size_t part = 0; part < DividedTextSort::kParts; ++part)
             tasks.emplace_back([&, part] {
@@ -133,7 +133,7 @@ class FieldWork {
         const std::size_t rowsAtOnce = hasParts ? kRowsPerTask : rows;
         std::vector<PackedRows> parts((rows + rowsAtOnce - 1) / rowsAtOnce);
         std::optional<ShownRows> inOrder;
-        Awaited<ShownRows> show([&] { return &inOrder.emplace(entries, order, m_nulls); });
+        TaskFuture<ShownRows> show([&] { return &inOrder.emplace(entries, order, m_nulls); });
         std::vector<Task> tasks{[&] { return show.make(); },
                                 [&] { return packHashes(entries, *m_figures.packed, m_context.stop); },
                                 [&] {
@@ -307,7 +307,7 @@ class FieldWork {
         set(MetricId::Ordinal, m_figures.facts.ordinal);
         if (rows > 0) {
             const auto share = [&](std::uint64_t part) {
-                return numberFigure(100.0 * static_cast<double>(part) / static_cast<double>(rows));
+                return metricValue(100.0 * static_cast<double>(part) / static_cast<double>(rows));
             };
             set(MetricId::UniquePercent, share(m_survey.values()));
             set(MetricId::PercentNull, share(m_nulls));
@@ -327,26 +327,26 @@ class FieldWork {
     }
 
     ColumnValues& m_values;
-    FigureContext m_context;
+    ProfilingContext m_context;
     std::size_t m_part;
     std::uint64_t m_nulls;
     ValueSurvey m_survey;
     KeyForm m_form = KeyForm::None;
-    FieldFigures m_figures;
+    FieldProfile m_figures;
 };
 
 } // namespace
 
-std::size_t figuringTakes(const ColumnValues& values) {
+std::size_t profilingMemory(const ColumnValues& values) {
     // Twice the keyed rows and their order, and with further threads at the same time twice the hashes and the keys. A
     // part of it is for the patterns, which are spilled beyond that.
     constexpr std::size_t kPerValue = 2 * sizeof(Keyed) + 3 * sizeof(std::uint64_t) + 2 * sizeof(std::uint32_t);
     return values.valuesInMemory() * kPerValue + kLeastMemory;
 }
 
-Result<FieldFigures> computeFigures(ColumnValues& values, const std::string& name, int ordinal,
-                                    const FigureContext& context) {
-    return FieldWork(values, name, ordinal, context).compute();
+Result<FieldProfile> profileField(ColumnValues& values, const std::string& name, int ordinal,
+                                  const ProfilingContext& context) {
+    return FieldProfiler(values, name, ordinal, context).compute();
 }
 
 } // namespace tavix::profiling

@@ -14,14 +14,14 @@
 namespace tavix::profiling {
 
 /// Everything that a run says about one field. `facts` borrows `packed`.
-struct FieldFigures {
+struct FieldProfile {
     repository::FieldFacts facts;
     std::unique_ptr<PackedResult> packed;
-    std::vector<repository::PlacePage> places; ///< not by computeFigures()
+    std::vector<repository::PlacePage> offsetIndex; ///< not by profileField()
 };
 
 /// What computing takes from outside.
-struct FigureContext {
+struct ProfilingContext {
     SpillFile& file;
     ByteStore& store; ///< keeps what is packed
     StopSignal& stop;
@@ -29,13 +29,13 @@ struct FigureContext {
     unsigned threads = 1;   ///< how many may work on a long column, the caller among them
 };
 
-/// How much memory computeFigures() takes for a moment beside the values, when they are in memory.
-[[nodiscard]] std::size_t figuringTakes(const ColumnValues& values);
+/// How much memory profileField() takes for a moment beside the values, when they are in memory.
+[[nodiscard]] std::size_t profilingMemory(const ColumnValues& values);
 
 /// Computes the figures of a column from its counted values, once per distinct value, and packs them. The values are
 /// used up. They are the same figures and blocks whether the values lie in memory or were spilled. `ordinal` counts
 /// from 1. Fails when a file fails, and with StopSignal::stopped().
-[[nodiscard]] Result<FieldFigures> computeFigures(ColumnValues& values, const std::string& name, int ordinal,
-                                                  const FigureContext& context);
+[[nodiscard]] Result<FieldProfile> profileField(ColumnValues& values, const std::string& name, int ordinal,
+                                                const ProfilingContext& context);
 
 } // namespace tavix::profiling

@@ -1,4 +1,4 @@
-#include "profiling/ValuePlaces.h"
+#include "profiling/ValueOffsetIndex.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,7 +13,7 @@ constexpr std::uint32_t kSlice = 4096;
 /// Turns lists of buckets by range into lists of ranges by bucket, slice by slice.
 class Turning {
   public:
-    explicit Turning(std::span<const ValuePlaces> parts)
+    explicit Turning(std::span<const ValueOffsetIndex> parts)
         : m_parts(parts), m_ranges(parts.front().ranges()), m_taken(m_ranges * parts.size()) {}
 
     std::vector<repository::PlacePage> pages() {
@@ -32,7 +32,7 @@ class Turning {
   private:
     [[nodiscard]] bool isGivenUp(std::uint32_t bucket) const {
         return std::any_of(m_parts.begin(), m_parts.end(),
-                           [bucket](const ValuePlaces& part) { return part.isGivenUp(bucket); });
+                           [bucket](const ValueOffsetIndex& part) { return part.isGivenUp(bucket); });
     }
 
     /// Calls use(bucket in the slice, range) for all of the slice, the ranges ascending.
@@ -66,7 +66,7 @@ class Turning {
         return list.first(static_cast<std::size_t>(end - list.begin()));
     }
 
-    std::span<const ValuePlaces> m_parts;
+    std::span<const ValueOffsetIndex> m_parts;
     std::size_t m_ranges;
     std::vector<std::size_t> m_taken; ///< of each range and part
     std::vector<std::size_t> m_ends;
@@ -75,14 +75,14 @@ class Turning {
 
 } // namespace
 
-void ValuePlaces::endRange(PlaceMarks& marks) {
+void ValueOffsetIndex::endRange(BucketSet& marked) {
     std::size_t at = m_buckets.size();
-    m_buckets.resize(at + marks.size());
-    marks.takeAll([&](std::uint16_t bucket) { m_buckets[at++] = bucket; });
+    m_buckets.resize(at + marked.size());
+    marked.takeAll([&](std::uint16_t bucket) { m_buckets[at++] = bucket; });
     m_ends.push_back(m_buckets.size());
 }
 
-std::vector<repository::PlacePage> packPlaces(std::span<const ValuePlaces> parts) {
+std::vector<repository::PlacePage> packOffsetIndex(std::span<const ValueOffsetIndex> parts) {
     return Turning(parts).pages();
 }
 
