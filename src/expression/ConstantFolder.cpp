@@ -1,4 +1,4 @@
-#include "expression/Folder.h"
+#include "expression/ConstantFolder.h"
 
 #include "expression/Interpreter.h"
 
@@ -6,7 +6,7 @@
 
 namespace tavix::expression {
 
-NodePtr Folder::fold(NodePtr node) {
+NodePtr ConstantFolder::fold(NodePtr node) {
     const auto isConstant = [](const NodePtr& child) { return child->isConstant(); };
     if (m_isExhausted || node->isConstant() || node->kind == NodeKind::Field ||
         !std::ranges::all_of(node->children, isConstant))

@@ -1,4 +1,4 @@
-#include "expression/MadeNodes.h"
+#include "expression/NodeFactory.h"
 
 #include <algorithm>
 #include <utility>
@@ -42,7 +42,7 @@ NodePtr made(NodeKind kind, Type type, std::vector<NodePtr> children) {
     return node;
 }
 
-NodePtr brought(NodePtr node, Type type, Folder& folder) {
+NodePtr convertedNode(NodePtr node, Type type, ConstantFolder& folder) {
     if (node->type == type || node->type == Type::Null)
         return node;
     NodePtr conversion = makeNode(NodeKind::Convert, type);
@@ -55,7 +55,7 @@ NodePtr inList(std::vector<NodePtr> arguments) {
     const auto nulls = std::remove_if(arguments.begin() + 1, arguments.end(), isNull);
     const bool hasNull = nulls != arguments.end();
     arguments.erase(nulls, arguments.end());
-    // Nothing equals null.
+    // nothing equals null
     if (arguments.size() == 1) {
         NodePtr never = makeConstant({});
         never->type = Type::Boolean;

@@ -1,8 +1,8 @@
-#include "expression/TypeMeeting.h"
+#include "expression/TypeUnification.h"
 
 #include "base/Characters.h"
 #include "base/NumberText.h"
-#include "expression/MadeNodes.h"
+#include "expression/NodeFactory.h"
 #include "expression/TextOperators.h"
 
 #include <fmt/format.h>
@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kLongestShown = 40;
 
-/// The number that a fixed text is; null when it is none.
+/// The number that a constant text represents; null when it is not one.
 Value numberOf(const Node& node) {
     if (!isFixedText(node))
         return {};
@@ -36,18 +36,18 @@ bool isAnyOf(const std::vector<NodePtr>& values, Type type) {
     return std::ranges::any_of(values, [&](const NodePtr& node) { return node->type == type; });
 }
 
-/// Whether fixed texts are read as numbers: there is a number, and every text is one.
+/// Whether constant texts are read as numbers: there is a number, and every text is one.
 bool readsNumbers(const std::vector<NodePtr>& values) {
     return std::ranges::any_of(values, isNumeric) &&
            std::ranges::all_of(values, [](const NodePtr& node) { return !isText(node) || !numberOf(*node).isNull(); });
 }
 
-/// The first value that does not go with one before it.
-Met clash(const std::vector<NodePtr>& values) {
-    Met met;
+/// The first value whose type does not go with one before it.
+Unified clash(const std::vector<NodePtr>& values) {
+    Unified unified;
     Type before = Type::Null;
     const bool hasDate = isAnyOf(values, Type::Date);
-    for (std::size_t i = 0; i < values.size() && !met.clash; ++i) {
+    for (std::size_t i = 0; i < values.size() && !unified.clash; ++i) {
         const Type type = values[i]->type;
         if (type == Type::Null || type == Type::Text)
             continue;
@@ -58,10 +58,10 @@ Met clash(const std::vector<NodePtr>& values) {
         }
         if (!hasDate && std::ranges::any_of(values, isText))
             break; // all become texts
-        met.clash = i;
-        met.clashesWith = before;
+        unified.clash = i;
+        unified.clashesWith = before;
     }
-    return met;
+    return unified;
 }
 
 Type commonType(const std::vector<NodePtr>& values) {
@@ -81,31 +81,31 @@ std::string quoted(std::string_view text) {
 
 } // namespace
 
-Met bringTogether(std::vector<NodePtr>& values, Meeting meeting, Folder& folder) {
-    Met met = clash(values);
-    if (met.clash)
-        return met;
-    if (meeting != Meeting::Chosen && readsNumbers(values)) {
+Unified unify(std::vector<NodePtr>& values, Unification unification, ConstantFolder& folder) {
+    Unified unified = clash(values);
+    if (unified.clash)
+        return unified;
+    if (unification != Unification::Chosen && readsNumbers(values)) {
         for (NodePtr& node : values)
             node = isText(node) ? makeConstant(numberOf(*node)) : std::move(node);
     }
-    met.type = commonType(values);
-    if (meeting == Meeting::Compared && std::ranges::all_of(values, isNumeric))
-        return met;
+    unified.type = commonType(values);
+    if (unification == Unification::Compared && std::ranges::all_of(values, isNumeric))
+        return unified;
     for (std::size_t i = 0; i < values.size(); ++i) {
         const std::string fixed = isFixedText(*values[i]) ? values[i]->text : std::string();
         const bool isFixed = isFixedText(*values[i]);
-        values[i] = brought(std::move(values[i]), met.type, folder);
-        if (met.type == Type::Date && isFixed && values[i]->isConstant() && values[i]->constant.isNull()) {
-            met.clash = i;
-            met.notDate = quoted(fixed);
-            return met;
+        values[i] = convertedNode(std::move(values[i]), unified.type, folder);
+        if (unified.type == Type::Date && isFixed && values[i]->isConstant() && values[i]->constant.isNull()) {
+            unified.clash = i;
+            unified.notDate = quoted(fixed);
+            return unified;
         }
     }
-    return met;
+    return unified;
 }
 
-std::string remarkOnMeeting(const std::vector<NodePtr>& values, bool isOrder) {
+std::string remarkOnTypes(const std::vector<NodePtr>& values, bool isOrder) {
     const auto number = std::ranges::find_if(values, isNumeric);
     const auto isOpen = [](const NodePtr& node) { return isText(node) && !node->isConstant(); };
     const auto open = std::ranges::find_if(values, isOpen);
@@ -114,8 +114,8 @@ std::string remarkOnMeeting(const std::vector<NodePtr>& values, bool isOrder) {
     if (number != values.end() && open != values.end()) {
         const std::string name =
             (*open)->kind == NodeKind::Field ? fmt::format("`{}`", shortened((*open)->text, kLongestShown)) : "...";
-        return fmt::format("this compares texts, among which {}; to compare numbers write tonumber({})",
-                           isOrder ? "'9' stands behind '10'" : "'5.0' is not '5'", name);
+        return fmt::format("this compares texts, where {}; to compare numbers write tonumber({})",
+                           isOrder ? "'9' comes after '10'" : "'5.0' differs from '5'", name);
     }
     const auto fixed = std::ranges::find_if(values, [](const NodePtr& node) { return isFixedText(*node); });
     if (fixed == values.end())

@@ -7,17 +7,17 @@
 
 namespace tavix::expression {
 
-/// Evaluates once what is constant in an expression. The texts that this makes are bounded, so that a short expression
-/// cannot take much memory or time before it is used.
-class Folder {
+/// Folds constants. The texts that this makes are bounded, so that a short expression cannot take much memory or time
+/// before it is used.
+class ConstantFolder {
   public:
     /// `size`: bytes of the expression.
-    explicit Folder(std::size_t size) : m_room(kAlways + kPerByte * size) {}
+    explicit ConstantFolder(std::size_t size) : m_room(kAlways + kPerByte * size) {}
 
-    /// A node with only constants below it becomes a constant, of the same type even when it is null. What fails is
-    /// left, to fail whenever it is evaluated.
+    /// Turns a node that has only constant children into a constant of the same type, even when it is null. A node that
+    /// fails to evaluate is kept and fails at each evaluation.
     [[nodiscard]] NodePtr fold(NodePtr node);
-    /// Whether a text would have grown beyond the bound; the expression is then to be refused.
+    /// Whether the bound was exceeded; the expression must then be rejected.
     [[nodiscard]] bool isExhausted() const { return m_isExhausted; }
 
   private:
