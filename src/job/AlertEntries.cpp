@@ -1,4 +1,4 @@
-#include "job/AlertEntry.h"
+#include "job/AlertEntries.h"
 
 #include "base/NumberText.h"
 #include "job/JobChecks.h"
@@ -16,7 +16,7 @@ namespace {
 
 using nlohmann::json;
 
-/// The figure of a table that is no field's: its number of records, which every field has as its count.
+/// The metric of a table itself: its number of records, which every field has as its count.
 constexpr std::string_view kRecords = "Records";
 
 struct ConditionKey {
@@ -28,7 +28,7 @@ constexpr std::array kConditions{
     ConditionKey{"not", AlertComparison::Equal},     ConditionKey{"range", AlertComparison::Outside},
     ConditionKey{"not in", AlertComparison::Inside}, ConditionKey{"change", AlertComparison::ChangedBy}};
 
-/// Those that are words cannot be compared with a number.
+/// Metrics that are words cannot be compared with a number.
 bool isFigure(MetricId id) {
     return id != MetricId::DefinedType && id != MetricId::ActualType && id != MetricId::PrimaryKey &&
            id != MetricId::Nullable;
@@ -105,7 +105,7 @@ MetricId AlertEntries::metricOf(const json& entry, const std::string& pointer) c
     const std::string place = pointerTo(pointer, "metric");
     if (!entry.contains("field")) {
         if (name != kRecords)
-            fail(place, fmt::format("which field? Without \"field\" the metric of a table is {}", kRecords));
+            fail(place, fmt::format("the key \"field\" is missing; without it the only metric is {}", kRecords));
         return MetricId::Count;
     }
     std::vector<std::string> known;
@@ -113,7 +113,7 @@ MetricId AlertEntries::metricOf(const json& entry, const std::string& pointer) c
         if (metric.name == name && isFigure(metric.id))
             return metric.id;
         if (metric.name == name)
-            fail(place, fmt::format("\"{}\" is no number", name));
+            fail(place, fmt::format("the metric \"{}\" is not a number", name));
         if (isFigure(metric.id))
             known.emplace_back(metric.name);
     }
@@ -121,7 +121,7 @@ MetricId AlertEntries::metricOf(const json& entry, const std::string& pointer) c
 }
 
 void AlertEntries::readCondition(AlertRule& rule, const json& entry, const std::string& pointer) const {
-    // The schema has seen to it that there is exactly one.
+    // The schema ensures that there is exactly one.
     const auto condition = std::find_if(kConditions.begin(), kConditions.end(),
                                         [&](const ConditionKey& one) { return entry.contains(one.key); });
     const json& value = entry.at(condition->key);
@@ -131,7 +131,7 @@ void AlertEntries::readCondition(AlertRule& rule, const json& entry, const std::
         rule.value1 = value.at(0).get<double>();
         rule.value2 = value.at(1).get<double>();
         if (rule.value1 > rule.value2)
-            fail(place, "the first number of a range is the smaller one");
+            fail(place, "the first number of a range must not be above the second");
     } else if (value.is_string()) {
         std::string text = value.get<std::string>();
         text.erase(text.find_last_not_of(" %") + 1);

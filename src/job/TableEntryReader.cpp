@@ -1,7 +1,7 @@
-#include "job/TableEntry.h"
+#include "job/TableEntryReader.h"
 
 #include "expression/Parser.h"
-#include "job/AlertEntry.h"
+#include "job/AlertEntries.h"
 #include "job/DatabaseEntry.h"
 #include "job/FilePatterns.h"
 #include "job/JobChecks.h"
@@ -46,7 +46,7 @@ bool hasName(const std::vector<Entry>& entries, const std::string& name) {
 
 } // namespace
 
-std::vector<TableDescription> TableEntry::read(const json& entry, const std::string& pointer) const {
+std::vector<TableDescription> TableEntryReader::read(const json& entry, const std::string& pointer) const {
     std::vector<TableDescription> tables;
     if (entry.contains("based on"))
         readFilter(tables.emplace_back(), entry, pointer);
@@ -59,13 +59,13 @@ std::vector<TableDescription> TableEntry::read(const json& entry, const std::str
     return tables;
 }
 
-void TableEntry::readChecks(TableDescription& table, const json& entry, const std::string& pointer) const {
+void TableEntryReader::readChecks(TableDescription& table, const json& entry, const std::string& pointer) const {
     if (const auto key = entry.find("key"); key != entry.end()) {
         for (std::size_t i = 0; i < key->size(); ++i) {
             auto field = (*key)[i].get<std::string>();
             const std::string place = pointerTo(pointerTo(pointer, "key"), std::to_string(i));
             if (std::find(table.key.begin(), table.key.end(), field) != table.key.end())
-                fail(place, fmt::format("the field \"{}\" stands twice", field));
+                fail(place, fmt::format("the field \"{}\" is listed twice", field));
             table.key.push_back(std::move(field));
             table.keyPlaces.push_back(placeText(m_document, m_file, place));
         }
@@ -78,18 +78,18 @@ void TableEntry::readChecks(TableDescription& table, const json& entry, const st
         AlertEntries(m_document, m_file, table).read(*alerts, pointerTo(pointer, "alerts"));
 }
 
-void TableEntry::fail(const std::string& pointer, std::string text) const {
+void TableEntryReader::fail(const std::string& pointer, std::string text) const {
     throw DocumentProblem{m_document.valuePositions.at(pointer), std::move(text)};
 }
 
-std::vector<std::string> TableEntry::matching(const std::string& path, const std::string& pointer) const {
+std::vector<std::string> TableEntryReader::matching(const std::string& path, const std::string& pointer) const {
     auto files = matchingFiles((m_folder / path).lexically_normal().string());
     if (!files)
         fail(pointer, files.error().text);
     return std::move(files).value();
 }
 
-std::vector<TableDescription> TableEntry::readFiles(const json& entry, const std::string& pointer) const {
+std::vector<TableDescription> TableEntryReader::readFiles(const json& entry, const std::string& pointer) const {
     if (entry.contains("where"))
         fail(pointerTo(pointer, "where"),
              "\"where\" belongs to a filtered table: add \"based on\" with a table's name");
@@ -114,8 +114,8 @@ std::vector<TableDescription> TableEntry::readFiles(const json& entry, const std
     const auto path = entry.at("file").get<std::string>();
     const std::vector<std::string> files = matching(path, pointerTo(pointer, "file"));
     if (!table.name.empty() && isPattern((m_folder / path).string()))
-        fail(pointerTo(pointer, "name"),
-             "a pattern makes a table of each file, and a name fits one; for one table of all write files: [PATTERN]");
+        fail(pointerTo(pointer, "name"), "a pattern makes a table of each file, so one name does not fit; for one "
+                                         "table of all files write files: [PATTERN]");
     for (const std::string& file : files) {
         TableDescription& one = tables.emplace_back(table);
         one.path = file;
@@ -127,7 +127,7 @@ std::vector<TableDescription> TableEntry::readFiles(const json& entry, const std
     return tables;
 }
 
-void TableEntry::readSeveral(TableDescription& table, const json& entry, const std::string& pointer) const {
+void TableEntryReader::readSeveral(TableDescription& table, const json& entry, const std::string& pointer) const {
     if (entry.contains("folder")) {
         auto folder = (m_folder / entry.at("folder").get<std::string>()).lexically_normal();
         if (!folder.has_filename())
@@ -142,7 +142,7 @@ void TableEntry::readSeveral(TableDescription& table, const json& entry, const s
         return;
     }
     if (table.name.empty())
-        fail(pointer, "the key \"name\" is missing; a table of several files has it");
+        fail(pointer, "the key \"name\" is missing; a table of several files needs it");
     std::vector<std::string> named;
     const json& list = entry.at("files");
     for (std::size_t i = 0; i < list.size(); ++i) {
@@ -154,7 +154,7 @@ void TableEntry::readSeveral(TableDescription& table, const json& entry, const s
     table.path = joinedPaths(named);
 }
 
-void TableEntry::readReading(TableDescription& table, const json& entry, const std::string& pointer) const {
+void TableEntryReader::readReading(TableDescription& table, const json& entry, const std::string& pointer) const {
     if (entry.contains("delimiter"))
         table.delimiter = delimiterOf(entry.at("delimiter").get<std::string>(), pointerTo(pointer, "delimiter"));
     if (const auto header = entry.find("header"); header != entry.end()) {
@@ -175,26 +175,26 @@ void TableEntry::readReading(TableDescription& table, const json& entry, const s
     }
     if (table.delimiter && *table.delimiter == table.quote)
         fail(pointerTo(pointer, entry.contains("quote") ? "quote" : "delimiter"),
-             "the delimiter and the quote are two characters");
+             "the delimiter and the quote must be different");
     if (const auto sample = entry.find("sample"); sample != entry.end())
         table.sample = sampleOf(*sample);
 }
 
-void TableEntry::readFilter(TableDescription& table, const json& entry, const std::string& pointer) const {
+void TableEntryReader::readFilter(TableDescription& table, const json& entry, const std::string& pointer) const {
     for (const char* key : {"file", "files", "folder", "delimiter", "header", "encoding", "quote", "sample", "source",
                             "table", "query", "schema", "catalog", "counted by"})
         if (entry.contains(key))
             fail(pointerTo(pointer, key),
-                 fmt::format("a filtered table has the rows of another one; leave \"{}\" out", key));
+                 fmt::format("\"{}\" does not go with a filtered table, which has the rows of another one", key));
     for (const char* key : {"name", "where"})
         if (!entry.contains(key))
-            fail(pointer, fmt::format("the key \"{}\" is missing; a filtered table has it", key));
+            fail(pointer, fmt::format("the key \"{}\" is missing; a filtered table needs it", key));
     table.name = entry.at("name").get<std::string>();
     table.basedOn = entry.at("based on").get<std::string>();
     table.where = expressionAt(entry.at("where"), pointerTo(pointer, "where"));
 }
 
-void TableEntry::readMetrics(TableDescription& table, const json& list, const std::string& pointer) const {
+void TableEntryReader::readMetrics(TableDescription& table, const json& list, const std::string& pointer) const {
     for (std::size_t i = 0; i < list.size(); ++i) {
         const json& entry = list[i];
         const std::string place = pointerTo(pointer, std::to_string(i));
@@ -212,7 +212,7 @@ void TableEntry::readMetrics(TableDescription& table, const json& list, const st
     }
 }
 
-void TableEntry::readRules(TableDescription& table, const json& list, const std::string& pointer) const {
+void TableEntryReader::readRules(TableDescription& table, const json& list, const std::string& pointer) const {
     for (std::size_t i = 0; i < list.size(); ++i) {
         const json& entry = list[i];
         const std::string place = pointerTo(pointer, std::to_string(i));
@@ -226,16 +226,16 @@ void TableEntry::readRules(TableDescription& table, const json& list, const std:
     }
 }
 
-char TableEntry::delimiterOf(const std::string& text, const std::string& pointer) const {
+char TableEntryReader::delimiterOf(const std::string& text, const std::string& pointer) const {
     if (text == "tab")
         return '\t';
     const char c = text.front();
     if (text.size() != 1 || c == '"' || c == '\r' || c == '\n')
-        fail(pointer, "a delimiter is one ASCII character other than a quote and a line end");
+        fail(pointer, "a delimiter is one ASCII character, but not a quote or a line end");
     return c;
 }
 
-ExpressionText TableEntry::expressionAt(const json& value, const std::string& pointer) const {
+ExpressionText TableEntryReader::expressionAt(const json& value, const std::string& pointer) const {
     ExpressionText expression{value.get<std::string>(), placeText(m_document, m_file, pointer)};
     if (const auto parsed = expression::parse(expression.text); parsed.error)
         fail(pointer, "in the expression, " + expression::describe(*parsed.error));

@@ -10,15 +10,15 @@
 
 namespace tavix::job {
 
-/// Reads the alerts of a job file's table, which follow the schema. The table's custom metrics and rules must have been
-/// read.
+/// Reads the alerts of a table of a job file. They must follow the schema, and the table's custom metrics and rules
+/// must have been read.
 class AlertEntries {
   public:
-    /// `file` is the name of the job file for messages.
+    /// `file`: the name of the job file in messages.
     AlertEntries(const YamlDocument& document, std::string file, TableDescription& table)
         : m_document(document), m_file(std::move(file)), m_table(table) {}
 
-    /// Adds them to the table. Throws a DocumentProblem.
+    /// Adds the alerts to the table. Throws a DocumentProblem.
     void read(const nlohmann::json& list, const std::string& pointer);
 
   private:
@@ -34,10 +34,10 @@ class AlertEntries {
     TableDescription& m_table;
 };
 
-/// The fields that the table's alerts watch exist.
+/// Checks that the fields exist that the table's alerts watch.
 [[nodiscard]] Status checkAlertFields(const TableDescription& table, std::span<const std::string> columns);
 
-/// Of all tables, in the order of the job.
+/// The alerts of all tables, in the order of the job.
 [[nodiscard]] std::vector<repository::AlertFacts> alertsOf(const JobDescription& job);
 
 } // namespace tavix::job

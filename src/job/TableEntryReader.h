@@ -10,16 +10,16 @@
 
 namespace tavix::job {
 
-/// Reads an entry of a job file's list of tables, which follows the schema.
-class TableEntry {
+/// Reads an entry of a job file's list of tables, which must follow the schema.
+class TableEntryReader {
   public:
-    /// `file` is the name of the job file for messages, `folder` where relative paths begin.
-    TableEntry(const YamlDocument& document, std::string file, std::filesystem::path folder, std::size_t rowLogLimit)
+    /// `file`: the name of the job file in messages. `folder`: where relative paths begin.
+    TableEntryReader(const YamlDocument& document, std::string file, std::filesystem::path folder,
+                     std::size_t rowLogLimit)
         : m_document(document), m_file(std::move(file)), m_folder(std::move(folder)), m_rowLogLimit(rowLogLimit) {}
 
-    /// The table at `pointer`. Throws a DocumentProblem. What the tables of a job have to do with each other is not
-    /// looked at.
-    /// A pattern of files makes a table of each.
+    /// Reads the table at `pointer`, or one table for each file that matches a pattern. Does not check how the tables
+    /// of a job relate to each other. Throws a DocumentProblem.
     [[nodiscard]] std::vector<TableDescription> read(const nlohmann::json& entry, const std::string& pointer) const;
 
   private:
@@ -33,7 +33,7 @@ class TableEntry {
     void readMetrics(TableDescription& table, const nlohmann::json& list, const std::string& pointer) const;
     void readRules(TableDescription& table, const nlohmann::json& list, const std::string& pointer) const;
     [[nodiscard]] char delimiterOf(const std::string& text, const std::string& pointer) const;
-    /// Also that it is an expression as far as can be told without its fields.
+    /// Also checks its syntax; its fields are not known yet.
     [[nodiscard]] ExpressionText expressionAt(const nlohmann::json& value, const std::string& pointer) const;
 
     const YamlDocument& m_document;
