@@ -6,7 +6,7 @@
 
 namespace tavix {
 
-/// The word by which the dialog names it, and the settings too.
+/// The word for it in the dialog and in the settings.
 [[nodiscard]] constexpr std::string_view KindWord(DistributionKind kind) {
     return kind == DistributionKind::Frequency ? "Frequency" : "Pattern";
 }
