@@ -6,7 +6,7 @@ namespace tavix::profiling {
 
 namespace {
 
-/// Of a pass without parts; more would be small steps that cost more to hand out than to do.
+/// More would be steps so small that handing them out costs more than doing them.
 constexpr std::size_t kMostQueues = 64;
 
 } // namespace
@@ -109,14 +109,14 @@ void BlockPipeline::workUntilCounted(Lock& lock, const Slot& waited) {
         if (waited.queuesLeft == 0)
             return;
         if (!work(lock) && m_changed.wait_for(lock, kBetweenPolls) == std::cv_status::timeout)
-            (void)m_stop.isStopped(); // a helper may be at work on a block that takes long
+            (void)m_stop.isStopped(); // another thread may still be counting a large block
     }
 }
 
 bool BlockPipeline::canPrepare(const TableQueues& table) {
     if (table.isBusy || table.prepared == m_sent)
         return false;
-    // When the step changes what is looked at while a block is counted, the block before has to be done.
+    // When preparing changes what counting reads, the block before must be counted first.
     return !table.pass->preparingDisturbs(slot(table.prepared).block) ||
            std::all_of(table.columns.begin(), table.columns.end(),
                        [&](const ColumnQueue& queue) { return queue.counted == table.prepared; });
@@ -124,7 +124,7 @@ bool BlockPipeline::canPrepare(const TableQueues& table) {
 
 BlockPipeline::Step BlockPipeline::next() {
     Step best;
-    std::size_t block = m_sent; // The oldest one is what the reader waits for.
+    std::size_t block = m_sent; // the reader waits for the oldest block
     for (TableQueues& table : m_tables) {
         for (ColumnQueue& queue : table.columns)
             if (!queue.isBusy && queue.counted < std::min(table.prepared, block)) {

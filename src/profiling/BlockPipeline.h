@@ -16,23 +16,23 @@ namespace tavix::profiling {
 
 using TablePasses = std::vector<std::unique_ptr<TablePass>>;
 
-/// Blocks on their way from a reader through the passes over its table. Every column takes them one after the other,
-/// but one column may be ahead of another, so that threads rarely wait for each other.
+/// Passes blocks from a reader through the passes over its table. Each column takes the blocks in order, but columns
+/// need not be at the same block, so threads rarely wait for each other.
 class BlockPipeline {
   public:
-    /// Up to `blocks` are on their way at once. `parts`: of the values of each column.
-    /// `stop` also ends a step that is under way.
+    /// Holds up to `blocks` blocks. `parts`: how many parts the values of each column are counted in. `stop` also ends
+    /// a step that is running.
     BlockPipeline(const TablePasses& passes, std::size_t blocks, std::uint32_t parts, StopSignal& stop);
 
-    /// For the thread that reads: a block to fill; until one is free the caller takes part in the work. What a thread
-    /// threw comes out here or of finish(), and then nothing is counted any more.
+    /// For the reading thread: a block to fill. Takes part in the work until one is free. Rethrows what any thread
+    /// threw, as finish() does; nothing is counted after that.
     [[nodiscard]] source::RowBlock& free();
-    /// The block that free() gave was filled and goes on its way.
+    /// Sends the block that free() gave, once it is filled.
     void send();
-    /// Takes part until all blocks that were sent are counted.
+    /// Takes part until all blocks are counted.
     void finish();
 
-    /// For the other threads: takes part until close(). A line that was opened anew takes help again.
+    /// For the other threads: takes part until close(). open() makes help() possible again.
     void help();
     void open();
     void close();
@@ -41,7 +41,8 @@ class BlockPipeline {
         std::size_t values = 0; ///< bytes
         std::size_t offsetIndex = 0;
     };
-    /// Of the columns, as each had it after its last block, or when measure() was called, while none was on its way.
+    /// Of each column after its last block, or at the last measure(), which may be called only while no block is in the
+    /// pipeline.
     [[nodiscard]] Memory memory() const;
     void measure();
 
@@ -51,7 +52,7 @@ class BlockPipeline {
         std::int64_t firstRecord = 1;
         std::size_t queuesLeft = 0; ///< that have not counted it yet
     };
-    /// Columns that are counted together, or a part of the values of one.
+    /// Columns that are counted together, or a part of one column's values, and how far they are.
     struct ColumnQueue {
         std::size_t firstColumn = 0;
         std::size_t endColumn = 0;
@@ -66,7 +67,7 @@ class BlockPipeline {
         bool isBusy = false;
         std::vector<ColumnQueue> columns;
     };
-    /// What a thread can do next: a queue that counts, or without one the preparing.
+    /// What a thread can do next: count for a queue, or prepare a block when there is no queue.
     struct Step {
         TableQueues* table = nullptr;
         ColumnQueue* queue = nullptr;
@@ -77,7 +78,7 @@ class BlockPipeline {
     [[nodiscard]] static Memory memoryOf(const TableQueues& table, const ColumnQueue& queue);
     [[nodiscard]] bool canPrepare(const TableQueues& table);
     [[nodiscard]] Step next();
-    /// False when there is nothing to do at present.
+    /// False when there is nothing to do now.
     bool work(Lock& lock);
     void workUntilCounted(Lock& lock, const Slot& waited);
 

@@ -9,7 +9,7 @@
 
 namespace tavix::profiling {
 
-/// Which buckets of values occur in a stretch of rows: a bit for each, which fits the processor's nearest cache.
+/// The set of value buckets that occur in a range of rows, as a bitmap that fits the first-level cache.
 class BucketSet {
   public:
     void add(std::uint64_t hash) {
@@ -24,7 +24,7 @@ class BucketSet {
     }
     [[nodiscard]] std::size_t size() const { return m_size; }
 
-    /// Calls use(bucket) for each, ascending, and forgets them.
+    /// Calls use(bucket) for each in ascending order and empties the set.
     template <typename Use>
     void takeAll(Use use) {
         for (std::size_t u = 0; u < m_used.size(); ++u)

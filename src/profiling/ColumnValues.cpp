@@ -7,12 +7,6 @@
 
 namespace tavix::profiling {
 
-namespace {
-
-constexpr std::size_t kOutputBuffer = std::size_t{64} << 10;
-
-} // namespace
-
 void ColumnValues::countRange(std::span<const source::Cell> cells, std::uint32_t part, BucketSet* buckets) {
     if (m_others.empty())
         m_counter.count(cells, buckets);
@@ -80,7 +74,7 @@ std::size_t ColumnValues::valuesInMemory() const {
 }
 
 std::size_t ColumnValues::work() const {
-    // Sorting costs as much for each value as patterns and types for some characters.
+    // Sorting a value costs as much as finding pattern and type of some characters.
     constexpr std::size_t kPerValue = 8;
     std::size_t work = valuesInMemory() * kPerValue + m_counter.textBytes();
     for (const ValueCounter& other : m_others)
@@ -92,7 +86,7 @@ std::size_t ColumnValues::spillingTakes() const {
     std::size_t values = m_counter.entries().size();
     for (const ValueCounter& other : m_others)
         values = std::max(values, other.entries().size());
-    return values * 2 * sizeof(Keyed) + kOutputBuffer;
+    return values * 2 * sizeof(Keyed) + RunOutput::kBuffer;
 }
 
 Status ColumnValues::spill(SpillFile& file, StopSignal& stop) {
@@ -113,10 +107,9 @@ Status ColumnValues::spill(ValueCounter& counter, SpillFile& file, StopSignal& s
         std::vector<Keyed> spare;
         order = sortedByText(entries, spare, stop);
     }
-    RunOutput output(file, kOutputBuffer);
-    constexpr std::size_t kBetweenStops = 4096;
+    RunOutput output(file);
     for (std::size_t i = 0; i < order.size(); ++i) {
-        if (i % kBetweenStops == 0 && stop.isStopped())
+        if (i % kRowsBetweenPolls == 0 && stop.isStopped())
             return StopSignal::stopped();
         const auto& entry = entries[order[i].index];
         if (Status status = output.add({0, entry.count, entry.text()}); !status)

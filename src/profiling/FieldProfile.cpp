@@ -6,12 +6,13 @@
 #include "profiling/MergedDistribution.h"
 #include "profiling/MetricValue.h"
 #include "profiling/RunBuffer.h"
-#include "profiling/TaskTeam.h"
+#include "profiling/TaskBatch.h"
+#include "profiling/TaskFuture.h"
+#include "profiling/ValueStatistics.h"
 #include "profiling/ValueSurvey.h"
 
 #include <algorithm>
-#include <array>
-#include <future>
+#include <functional>
 #include <optional>
 #include <utility>
 
@@ -21,48 +22,19 @@ namespace {
 
 constexpr std::size_t kEntriesAtOnce = 4096;
 constexpr std::size_t kWorthAThread = 10'000; ///< distinct values
-/// Of a block that is full by its number of rows whatever its texts are, if none of them is longer.
+/// When no text is longer, a block is full by its number of rows, whatever the texts are.
 constexpr std::size_t kShortText = repository::kTextPerBlock / repository::kRowsPerBlock;
 constexpr std::size_t kRowsPerTask = 16 * repository::kRowsPerBlock;
 constexpr std::size_t kLeastMemory = std::size_t{64} << 10;
 
-struct KindInfo {
-    ValueKind kind;
-    char code;
-    const char* word;
-};
-
-constexpr std::array<KindInfo, 5> kKinds = {{{ValueKind::Text, 'S', "text"},
-                                             {ValueKind::Integer, 'I', "integer"},
-                                             {ValueKind::Real, 'R', "real"},
-                                             {ValueKind::Date, 'D', "date"},
-                                             {ValueKind::Boolean, 'B', "boolean"}}};
+/// Such values have no order, whatever the type of the field.
+bool isEmptyOrBlank(std::string_view text) {
+    return text.empty() || isBlank(text);
+}
 
 std::int64_t asInteger(std::uint64_t value) {
     return static_cast<std::int64_t>(value);
 }
-
-/// What one task makes and others wait for.
-template <typename Made>
-class TaskFuture {
-  public:
-    template <typename Make>
-    explicit TaskFuture(Make make) : m_task(std::move(make)), m_made(m_task.get_future()) {}
-
-    Status make() {
-        m_task();
-        return {};
-    }
-    Made& get(StopSignal& stop) const {
-        while (m_made.wait_for(kBetweenPolls) != std::future_status::ready)
-            (void)stop.isStopped();
-        return *m_made.get();
-    }
-
-  private:
-    std::packaged_task<Made*()> m_task;
-    std::shared_future<Made*> m_made;
-};
 
 class FieldProfiler {
   public:
@@ -109,50 +81,52 @@ class FieldProfiler {
         return figureByValue(entries, order, spare);
     }
 
-    /// The same by several threads. The tasks of a step are in such an order that what others wait for begins first.
+    /// workInMemory() on several threads. Tasks that others wait for come first.
     Status workTogether(const EntryList& entries, std::vector<Keyed>& order, std::vector<Keyed>& spare,
                         unsigned threads) {
         std::optional<DividedTextSort> sorting;
         TaskFuture<DividedTextSort> deal([&] { return &sorting.emplace(entries, order, spare); });
-        std::vector<Task> tasks{[&] { return deal.make(); }, [&] { return surveyInMemory(entries); }};
+        std::vector<std::function<Status()>> tasks{[&] { return deal.make(); },
+                                                   [&] { return surveyInMemory(entries); }};
         for (std::size_t part = 0; part < DividedTextSort::kParts; ++part)
             tasks.emplace_back([&, part] {
                 deal.get(m_context.stop).sortPart(part, m_context.stop);
                 return Status{};
             });
-        if (Status status = doTogether(tasks, threads, m_context.stop); !status)
+        if (Status status = runTogether(tasks, threads, m_context.stop); !status)
             return status;
         return packTogether(entries, order, spare, threads);
     }
 
-    /// Packs hashes and, as parts of whole blocks, the values, and computes what follows from their order.
+    /// Packs the hashes and, in parts of whole blocks, the values, and computes what follows from the order of the
+    /// values.
     Status packTogether(const EntryList& entries, std::vector<Keyed>& order, std::vector<Keyed>& spare,
                         unsigned threads) {
-        const std::size_t rows = entries.size() + (m_nulls > 0 ? 1 : 0);
+        const std::size_t rows = ShownRows::count(entries, m_nulls);
         const bool hasParts = m_survey.longestBytes() <= kShortText;
         const std::size_t rowsAtOnce = hasParts ? kRowsPerTask : rows;
         std::vector<PackedRows> parts((rows + rowsAtOnce - 1) / rowsAtOnce);
         std::optional<ShownRows> inOrder;
         TaskFuture<ShownRows> show([&] { return &inOrder.emplace(entries, order, m_nulls); });
-        std::vector<Task> tasks{[&] { return show.make(); },
-                                [&] { return packHashes(entries, *m_figures.packed, m_context.stop); },
-                                [&] {
-                                    show.get(m_context.stop); // It looks at the order that this uses up.
-                                    return figureByValue(entries, order, spare);
-                                }};
+        std::vector<std::function<Status()>> tasks{
+            [&] { return show.make(); }, [&] { return packHashes(entries, *m_figures.packed, m_context.stop); },
+            [&] {
+                show.get(m_context.stop); // it reads `order`, which figureByValue() changes
+                return figureByValue(entries, order, spare);
+            }};
         for (std::size_t i = 0; i < parts.size(); ++i)
             tasks.emplace_back([&, i] {
                 const std::size_t first = i * rowsAtOnce;
                 return show.get(m_context.stop)
                     .pack(first, std::min(rowsAtOnce, rows - first), parts[i], m_context.store, m_context.stop);
             });
-        Status status = doTogether(tasks, threads, m_context.stop);
+        Status status = runTogether(tasks, threads, m_context.stop);
         for (PackedRows& part : parts)
             m_figures.packed->values.append(std::move(part));
         return status;
     }
 
-    /// The figures that follow from the values in their order, which stand in `order` by text. Uses it up.
+    /// Computes the metrics that need the values in order. `order` is by text and is used up.
     Status figureByValue(const EntryList& entries, std::vector<Keyed>& order, std::vector<Keyed>& spare) {
         if (entries.empty())
             return {};
@@ -164,10 +138,10 @@ class FieldProfiler {
         }
         freeMemory(spare);
         EntryWalk walk(entries, order);
-        return computeOrderFigures(m_figures.facts, walk, m_form, participants(), m_context.stop);
+        return computeStatistics(m_figures.facts, walk, m_form, participants(), m_context.stop);
     }
 
-    /// The same, when the values have to be merged from the lists in the file.
+    /// Merges the values from the runs in the file.
     Status workOnRuns() {
         if (Status status = m_values.spill(m_context.file, m_context.stop); !status)
             return status;
@@ -189,7 +163,7 @@ class FieldProfiler {
         }
         RunWalk byText(m_values.runs(), m_context.file, m_part);
         if (m_form == KeyForm::None)
-            return computeOrderFigures(m_figures.facts, byText, m_form, participants(), m_context.stop);
+            return computeStatistics(m_figures.facts, byText, m_form, participants(), m_context.stop);
         const RunOrder order = m_form == KeyForm::LargeInteger ? RunOrder::KeyInteger : RunOrder::Key;
         RunBuffer byValue(m_context.file, order, m_part, m_context.stop);
         if (Status status = fillByValue(byText, byValue); !status)
@@ -198,7 +172,7 @@ class FieldProfiler {
         if (!runs)
             return runs.error();
         RunWalk walk(**runs, m_context.file, m_part);
-        return computeOrderFigures(m_figures.facts, walk, m_form, participants(), m_context.stop);
+        return computeStatistics(m_figures.facts, walk, m_form, participants(), m_context.stop);
     }
 
     Status surveyInMemory(const EntryList& entries) {
@@ -220,60 +194,44 @@ class FieldProfiler {
     }
 
     Status walkRuns(ValueWalk& walk, RunBuffer& hashes, RunBuffer& byCount) {
-        if (Status status = walk.rewind(); !status)
-            return status;
         std::vector<Entry> entries;
-        for (;;) {
-            const auto rows = walk.next();
-            if (!rows)
-                return rows.error();
-            if (rows->empty())
-                return {};
+        return forEachBatch(walk, m_context.stop, [&](std::span<const ValueWalk::Row> batch) {
             entries.clear();
-            for (std::size_t i = 0; i < rows->size(); ++i) {
+            for (std::size_t i = 0; i < batch.size(); ++i) {
                 const std::string_view text = walk.text(i);
-                const std::uint64_t count = (*rows)[i].count;
+                const std::uint64_t count = batch[i].count;
                 entries.push_back({text.data(), count, static_cast<std::uint32_t>(text.size()), 0});
                 if (Status status = hashes.add({repository::hashValue(text), 1, {}}); !status)
                     return status;
-                if (Status status = byCount.add({~count, count, text}); !status)
+                if (Status status = byCount.add({descendingKey(count), count, text}); !status)
                     return status;
             }
-            if (Status status = survey(entries); !status)
-                return status;
-        }
+            return survey(entries);
+        });
     }
 
     Status fillByValue(ValueWalk& walk, RunBuffer& byValue) {
-        if (Status status = walk.rewind(); !status)
-            return status;
-        for (;;) {
-            const auto rows = walk.next();
-            if (!rows)
-                return rows.error();
-            if (rows->empty())
-                return {};
-            if (m_context.stop.isStopped())
-                return StopSignal::stopped();
-            for (std::size_t i = 0; i < rows->size(); ++i) {
+        return forEachBatch(walk, m_context.stop, [&](std::span<const ValueWalk::Row> batch) -> Status {
+            for (std::size_t i = 0; i < batch.size(); ++i) {
                 const std::string_view text = walk.text(i);
-                if (text.empty() || isBlank(text))
+                if (isEmptyOrBlank(text))
                     continue;
-                if (Status status = byValue.add({keyOf(text, m_form), (*rows)[i].count, text}); !status)
+                if (Status status = byValue.add({keyOf(text, m_form), batch[i].count, text}); !status)
                     return status;
             }
-        }
+            return {};
+        });
     }
 
-    /// Gives the values that take part their keys and takes the others out.
+    /// Sets the keys of the values that count and removes the others.
     void keyByValue(const EntryList& entries, std::vector<Keyed>& order) const {
-        // In the order of the entries, for their texts lie one behind the other.
+        // In the order of the entries, since their texts are next to each other in memory.
         std::vector<std::uint64_t> keys(entries.size());
         const bool hasOthers = m_survey.emptyRows() + m_survey.blankRows() > 0;
         std::vector<bool> isOther(hasOthers ? entries.size() : 0);
         for (std::size_t i = 0; i < entries.size(); ++i) {
             const std::string_view text = entries[i].text();
-            if (hasOthers && (text.empty() || isBlank(text)))
+            if (hasOthers && isEmptyOrBlank(text))
                 isOther[i] = true;
             else
                 keys[i] = keyOf(text, m_form);
@@ -291,7 +249,7 @@ class FieldProfiler {
 
     [[nodiscard]] Merging merging() const { return {m_context.file, m_context.store, m_context.stop, m_part}; }
 
-    /// Packs the patterns and sets the figures that need no order.
+    /// Packs the patterns and sets the metrics that need no order.
     Status finishSurvey() {
         m_survey.finish();
         m_form = keyForm(m_survey.kind(), m_survey.fits64());
@@ -312,11 +270,11 @@ class FieldProfiler {
             set(MetricId::UniquePercent, share(m_survey.values()));
             set(MetricId::PercentNull, share(m_nulls));
         }
-        for (const KindInfo& info : kKinds)
-            if (info.kind == m_survey.kind()) {
-                m_figures.facts.typeCode = info.code;
-                set(MetricId::ActualType, info.word);
-            }
+        if (m_survey.kind() != ValueKind::None) {
+            const KindName name = nameOf(m_survey.kind());
+            m_figures.facts.typeCode = name.code;
+            set(MetricId::ActualType, std::string(name.word));
+        }
         if (m_survey.values() > 0) {
             set(MetricId::MinimumLength, asInteger(m_survey.shortest()));
             set(MetricId::MaximumLength, asInteger(m_survey.longest()));
@@ -338,8 +296,8 @@ class FieldProfiler {
 } // namespace
 
 std::size_t profilingMemory(const ColumnValues& values) {
-    // Twice the keyed rows and their order, and with further threads at the same time twice the hashes and the keys. A
-    // part of it is for the patterns, which are spilled beyond that.
+    // Twice the keyed rows and their order; with several threads also twice the hashes and the keys. A part is for the
+    // patterns, which are spilled beyond that.
     constexpr std::size_t kPerValue = 2 * sizeof(Keyed) + 3 * sizeof(std::uint64_t) + 2 * sizeof(std::uint32_t);
     return values.valuesInMemory() * kPerValue + kLeastMemory;
 }

@@ -2,7 +2,6 @@
 
 #include "base/Result.h"
 #include "profiling/ColumnValues.h"
-#include "profiling/OrderFigures.h"
 #include "profiling/PackedResult.h"
 #include "repository/Facts.h"
 #include "repository/PlacePages.h"
@@ -13,28 +12,28 @@
 
 namespace tavix::profiling {
 
-/// Everything that a run says about one field. `facts` borrows `packed`.
+/// Everything that a run stores about one field. `facts` refers to `packed`.
 struct FieldProfile {
     repository::FieldFacts facts;
     std::unique_ptr<PackedResult> packed;
-    std::vector<repository::PlacePage> offsetIndex; ///< not by profileField()
+    std::vector<repository::PlacePage> offsetIndex; ///< not set by profileField()
 };
 
-/// What computing takes from outside.
 struct ProfilingContext {
     SpillFile& file;
-    ByteStore& store; ///< keeps what is packed
+    ByteStore& store; ///< for packed blocks
     StopSignal& stop;
-    std::size_t memory = 0; ///< bytes for lists that grow with the values: all of a spilled column, else the patterns
-    unsigned threads = 1;   ///< how many may work on a long column, the caller among them
+    std::size_t memory =
+        0; ///< bytes for lists that grow with the values: all lists of a spilled column, else the patterns
+    unsigned threads = 1; ///< for a long column, including the caller
 };
 
-/// How much memory profileField() takes for a moment beside the values, when they are in memory.
+/// The memory that profileField() needs besides the values when they are in memory.
 [[nodiscard]] std::size_t profilingMemory(const ColumnValues& values);
 
-/// Computes the figures of a column from its counted values, once per distinct value, and packs them. The values are
-/// used up. They are the same figures and blocks whether the values lie in memory or were spilled. `ordinal` counts
-/// from 1. Fails when a file fails, and with StopSignal::stopped().
+/// Computes the metrics of a column from its counted values and packs its distributions. Uses up the values. The result
+/// does not depend on whether the values are in memory or were spilled. `ordinal` counts from 1. Fails when a file
+/// fails, and with StopSignal::stopped().
 [[nodiscard]] Result<FieldProfile> profileField(ColumnValues& values, const std::string& name, int ordinal,
                                                 const ProfilingContext& context);
 

@@ -55,7 +55,7 @@ KvbDatavar RowAggregate::result() const {
     if (m_used == 0)
         return {};
     if (m_figure == job::Figure::Minimum || m_figure == job::Figure::Maximum)
-        return figureOf(m_extreme);
+        return metricValue(m_extreme);
     const bool isExact = !m_hasReals && m_integers >= std::numeric_limits<std::int64_t>::min() &&
                          m_integers <= std::numeric_limits<std::int64_t>::max();
     if (m_figure == job::Figure::Sum && isExact)
@@ -64,20 +64,6 @@ KvbDatavar RowAggregate::result() const {
     const auto figure =
         static_cast<double>(m_figure == job::Figure::Sum ? sum : sum / static_cast<long double>(m_used));
     return std::isfinite(figure) ? metricValue(figure) : KvbDatavar();
-}
-
-KvbDatavar figureOf(const Value& value) {
-    expression::Scratch scratch;
-    switch (value.type) {
-    case Type::Integer:
-        return value.integer;
-    case Type::Real:
-        return metricValue(value.real);
-    case Type::Null:
-        return {};
-    default:
-        return std::string(expression::convert(value, Type::Text, scratch).text);
-    }
 }
 
 } // namespace tavix::profiling

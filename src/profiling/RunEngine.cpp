@@ -1,7 +1,5 @@
 #include "profiling/RunEngine.h"
 
-#include "profiling/FirstFailure.h"
-
 #include <algorithm>
 #include <numeric>
 #include <optional>
@@ -26,21 +24,24 @@ std::vector<ColumnValues*> valuesOf(const TablePasses& passes) {
     return values;
 }
 
-/// The reader needs a block to fill while one is counted and one waits for the threads that are ahead.
+/// One block is being filled, one counted, and one waits for the threads that are ahead.
 constexpr std::size_t kBlocksOnTheWay = 3;
-/// About what a value takes that was not met before, with its place among the others.
+/// About the bytes of a new value with its entry.
 constexpr std::size_t kNewValue = 64;
 
-/// Lets the other threads of a pool help with a line as long as it lives.
+/// Lets the other threads of a pool help with a pipeline during its own lifetime.
 class Helpers {
   public:
     Helpers(WorkerPool& pool, BlockPipeline& pipeline) : m_pool(pool), m_pipeline(pipeline) {
         m_pipeline.open();
-        m_pool.start(m_pool.threads() - 1, [&pipeline](std::size_t) { pipeline.help(); });
+        m_pool.start(m_pool.threads() - 1, [&pipeline](std::size_t) {
+            pipeline.help();
+            return Status{};
+        });
     }
     ~Helpers() {
         m_pipeline.close();
-        m_pool.finish();
+        (void)m_pool.finish();
     }
     Helpers(const Helpers&) = delete;
     Helpers& operator=(const Helpers&) = delete;
@@ -50,7 +51,7 @@ class Helpers {
     BlockPipeline& m_pipeline;
 };
 
-/// Indexes, the one with the most of it first.
+/// Indexes of the columns from the largest measure down.
 std::vector<std::size_t> orderedBy(std::size_t (ColumnValues::*measure)() const,
                                    std::span<ColumnValues* const> columns) {
     std::vector<std::size_t> order(columns.size());
@@ -73,11 +74,11 @@ RunEngine::RunEngine(const Settings& settings, std::function<bool()> poll)
 Status RunEngine::count(source::RowReader& reader, const TablePasses& passes,
                         const std::function<void(std::size_t)>& took) {
     const std::vector<ColumnValues*> columns = valuesOf(passes);
-    // Too few columns would leave threads without work.
+    // With too few columns some threads would have no work.
     const std::uint32_t parts = columns.size() < 2 * std::size_t{m_pool.threads()} ? m_pool.threads() : 1;
     for (ColumnValues* column : columns)
         column->divide(parts);
-    // Alone a thread does best to count what it has just read.
+    // A single thread is fastest when it counts what it has just read.
     const bool isAlone = m_pool.threads() == 1;
     BlockPipeline pipeline(passes, isAlone ? 1 : kBlocksOnTheWay, parts, m_stop);
     std::optional<Helpers> helpers(std::in_place, m_pool, pipeline);
@@ -157,19 +158,14 @@ void RunEngine::forget(TablePass& pass) {
         values->clear(m_file);
 }
 
-Status RunEngine::divide(std::size_t count, const std::function<Status(std::size_t)>& work) {
-    FirstFailure failure;
-    m_pool.start(count, [&](std::size_t i) {
-        if (!failure.hasFailed())
-            failure.keep(m_stop.isStopped() ? Status{StopSignal::stopped()} : work(i));
-    });
-    m_pool.finish([&] { (void)m_stop.isStopped(); });
-    return failure.outcome();
+Status RunEngine::divide(std::size_t count, const TaskBatch::Task& task) {
+    m_pool.start(count, [&](std::size_t i) { return m_stop.isStopped() ? Status{StopSignal::stopped()} : task(i); });
+    return m_pool.finish([&] { (void)m_stop.isStopped(); });
 }
 
 Result<std::vector<FieldProfile>> RunEngine::figures(TablePass& pass, const Along& along) {
     const std::vector<ColumnValues*> columns = valuesOf(pass);
-    // The long ones first, so that no thread is left alone with one at the end.
+    // The long columns first, so that no thread is left alone with one at the end.
     const std::vector<std::size_t> order = orderedBy(&ColumnValues::work, columns);
     std::vector<FieldProfile> fields(columns.size());
     std::size_t allWork = 1;
@@ -186,7 +182,7 @@ Result<std::vector<FieldProfile>> RunEngine::figures(TablePass& pass, const Alon
             if (Status spilled = values.spill(m_file, m_stop); !spilled)
                 return spilled;
         }
-        // One that has more than a thread's share of the work would keep the others waiting in the end.
+        // A column with more than one thread's share of the work would keep the others waiting at the end.
         const auto threads = static_cast<unsigned>(values.work() * m_pool.threads() / allWork) + 1;
         values.unite();
         auto figures =
@@ -197,7 +193,7 @@ Result<std::vector<FieldProfile>> RunEngine::figures(TablePass& pass, const Alon
         fields[c] = std::move(*figures);
         return along.ready ? along.ready(fields[c]) : Status{};
     };
-    // The places need nothing of the figures, and fill the time of a thread that has none to compute any more.
+    // Packing the offset indexes does not depend on the profiles and uses the time of threads that have no column left.
     Status status = divide(columns.size(), [&](std::size_t i) -> Status {
         columns[i]->closeOffsetIndex();
         return {};

@@ -7,7 +7,7 @@ namespace tavix::profiling {
 
 namespace {
 
-/// How long another writer is waited for.
+/// How long a run waits for another writer.
 constexpr std::chrono::minutes kPatience{10};
 
 std::size_t sizeOf(const FieldProfile& field) {
@@ -79,7 +79,7 @@ Status RunStore::begin() {
         return {};
     if (Status status = m_repository->finish(); !status)
         return status;
-    // What was read for hours shall not be lost to another run that is being stored.
+    // Hours of reading must not be lost because another run is being stored.
     const auto end = std::chrono::steady_clock::now() + kPatience;
     const auto phase = m_reporter.state.phase;
     repository::RunDescription run = m_run;
@@ -101,7 +101,7 @@ Status RunStore::beginTable(FinishedTable& table) {
     repository::TableFacts& facts = table.report.facts;
     facts.places = table.offsetIndex ? &*table.offsetIndex : nullptr;
     const auto id = m_writer->addTable(facts);
-    facts.places = nullptr; // The table may move.
+    facts.places = nullptr; // the table may move
     if (!id)
         return id.error();
     table.id = *id;

@@ -1,6 +1,7 @@
 #include "profiling/TablePass.h"
 
 #include "expression/RowEvaluator.h"
+#include "profiling/MetricValue.h"
 
 #include <fmt/format.h>
 
@@ -36,7 +37,7 @@ std::vector<bool> ruleColumns(const job::TableDescription& table, const TablePro
     return columnsOf(list, columns);
 }
 
-/// The value of a custom metric over metrics; null, with the reason in `failure`, when it has none.
+/// The value of a custom metric over metrics; null, with the reason in `failure`, when it cannot be evaluated.
 KvbDatavar evaluateOver(const std::vector<KvbDatavar>& figures, const expression::Program& program,
                         std::string& failure) {
     std::vector<expression::Value> values;
@@ -44,12 +45,12 @@ KvbDatavar evaluateOver(const std::vector<KvbDatavar>& figures, const expression
     for (const KvbDatavar& figure : figures)
         values.push_back(expression::Value::ofCell(figure));
     expression::RowEvaluator evaluator(program);
-    KvbDatavar value = figureOf(evaluator.evaluate(values));
+    KvbDatavar value = metricValue(evaluator.evaluate(values));
     failure = evaluator.failure();
     return value;
 }
 
-/// The key, then the inputs of the rule that are no part of it.
+/// The columns of the key, then the other inputs of the rule.
 std::vector<std::size_t> logColumns(const std::vector<std::size_t>& key, const expression::Program& rule) {
     std::vector<std::size_t> columns = key;
     for (const std::size_t column : usedColumns(rule))
@@ -197,7 +198,7 @@ Status TablePass::storeRules(repository::RunWriter& writer, int tableId) {
 }
 
 Status TablePass::storeMetrics(repository::RunWriter& writer, int tableId) {
-    // The figures in the order in which the programs over metrics have their fields.
+    // The values in the order of the fields of the programs over metrics.
     std::vector<KvbDatavar> figures;
     for (const MetricField& figure : m_programs.figures)
         if (figure.column)

@@ -15,7 +15,7 @@ using expression::Program;
 using expression::Type;
 using expression::Wanted;
 
-/// Whether the result of an expression can be summed up: a text counts as the number that it is.
+/// Whether values of this type can be summed up; a text counts as a number.
 bool isSummable(Type type) {
     return type != Type::Boolean && type != Type::Date;
 }
@@ -42,7 +42,7 @@ Type typeOf(MetricId metric) {
     }
 }
 
-/// Of the value of a custom metric, for those that are computed from it.
+/// The type of a custom metric's value, for metrics that refer to it.
 Type typeOf(job::Figure figure, const Program& program) {
     if (figure == job::Figure::Count)
         return Type::Integer;
@@ -74,7 +74,7 @@ Result<Program> compileOne(const job::ExpressionText& text, const std::string& w
     return Error{fmt::format("{}{}: {}", text.place, what, expression::describe(compiled.error))};
 }
 
-/// Compiles what a table has, one kind after the other.
+/// Compiles the expressions of a table.
 class Compiler {
   public:
     Compiler(const job::TableDescription& table, std::span<const std::string> columns)
@@ -133,7 +133,7 @@ class Compiler {
         if ((metric.figure == job::Figure::Sum || metric.figure == job::Figure::Average) &&
             !isSummable(program->type()))
             return Error{fmt::format(
-                "{}{}: a number is wanted here, and this is of type {}{}", metric.expression.place, what,
+                "{}{}: a number is needed here, but this is of type {}{}", metric.expression.place, what,
                 expression::typeName(program->type()),
                 program->type() == Type::Boolean ? "; \"count\" gives the number of rows for which it is true" : "")};
         m_programs.metrics.push_back(std::move(program).value());
@@ -142,7 +142,7 @@ class Compiler {
         return {};
     }
 
-    /// Only tables with metrics over metrics pay for it.
+    /// Only for tables that have metrics over metrics.
     void beginMetricFields() {
         m_programs.figures = metricFields(m_columns);
         m_metricFields = fieldsOf(m_programs.figures);

@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t kFirstSlots = 1024;
 constexpr std::size_t kManySlots = std::size_t{1} << 22;
 constexpr std::size_t kBatch = 64;
-/// From here on the entries do not fit the cache, and fetching them early pays.
+/// From here on the entries exceed the cache, and prefetching them pays.
 constexpr std::size_t kManyEntries = 20000;
 
 inline bool areEqual(const char* left, const char* right, std::size_t size) {
@@ -102,7 +102,7 @@ void ValueCounter::countCells(std::span<const source::Cell> cells, std::uint32_t
             hashes[n] = hash;
             present[n] = &cell;
             if constexpr (kIsPart) {
-                // By the half of the hash that does not choose the slot; and no branch, which none could foresee.
+                // Uses the half of the hash that does not choose the slot, and no branch, which would be unpredictable.
                 n += (hash & 0xFFFFFFFF) * parts >> 32 == part ? 1 : 0;
             } else {
                 __builtin_prefetch(&m_slots[(hash >> 32) & mask]);
@@ -153,7 +153,7 @@ void ValueCounter::dropValues() {
 }
 
 void ValueCounter::grow() {
-    // A table that is large for what it holds costs more, as fresh memory, than to move its entries once more.
+    // A sparse table costs more, as fresh memory, than moving the entries once more.
     std::vector<std::uint32_t> slots(m_slots.size() * (m_slots.size() < kManySlots ? 4 : 2));
     const std::size_t mask = slots.size() - 1;
     for (std::size_t i = 0; i < m_entries.size(); ++i) {

@@ -86,6 +86,33 @@ ValueKind kindOf(std::string_view text) {
     return equalsWord(text, "true") || equalsWord(text, "false") ? ValueKind::Boolean : ValueKind::Text;
 }
 
+ValueKind joinedKind(ValueKind a, ValueKind b) {
+    const auto isNumber = [](ValueKind kind) { return kind == ValueKind::Integer || kind == ValueKind::Real; };
+    if (a == b || b == ValueKind::None)
+        return a;
+    if (a == ValueKind::None)
+        return b;
+    return isNumber(a) && isNumber(b) ? ValueKind::Real : ValueKind::Text;
+}
+
+KindName nameOf(ValueKind kind) {
+    switch (kind) {
+    case ValueKind::Boolean:
+        return {'B', "boolean"};
+    case ValueKind::Integer:
+        return {'I', "integer"};
+    case ValueKind::Real:
+        return {'R', "real"};
+    case ValueKind::Date:
+        return {'D', "date"};
+    case ValueKind::Text:
+        return {'S', "text"};
+    case ValueKind::None:
+        break;
+    }
+    return {};
+}
+
 bool isBlank(std::string_view text) {
     std::size_t at = 0;
     while (at < text.size()) {

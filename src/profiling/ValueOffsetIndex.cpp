@@ -7,10 +7,10 @@ namespace tavix::profiling {
 
 namespace {
 
-/// So many buckets are turned at once that their lists stay in the processor's cache.
+/// Buckets that are transposed at once, so that their lists stay in the cache.
 constexpr std::uint32_t kSlice = 4096;
 
-/// Turns lists of buckets by range into lists of ranges by bucket, slice by slice.
+/// Transposes the lists of buckets by range into lists of ranges by bucket.
 class Turning {
   public:
     explicit Turning(std::span<const ValueOffsetIndex> parts)
@@ -35,7 +35,7 @@ class Turning {
                            [bucket](const ValueOffsetIndex& part) { return part.isGivenUp(bucket); });
     }
 
-    /// Calls use(bucket in the slice, range) for all of the slice, the ranges ascending.
+    /// Calls use(bucket in the slice, range) for the whole slice, with ascending ranges.
     template <typename Use>
     void walk(std::uint32_t first, std::vector<std::size_t>& taken, Use use) const {
         for (std::size_t range = 0; range < m_ranges; ++range)
@@ -54,11 +54,11 @@ class Turning {
         for (std::size_t i = 1; i < m_ends.size(); ++i)
             m_ends[i] += m_ends[i - 1];
         m_lists.resize(m_ends.back());
-        // Afterwards m_ends[b] is the end of list b, which is the beginning of the one behind it.
+        // Afterwards m_ends[b] is the end of list b, where the next list begins.
         walk(first, m_taken, [&](std::uint32_t bucket, std::uint32_t range) { m_lists[m_ends[bucket]++] = range; });
     }
 
-    /// A bucket that several parts have met in a range stands there once.
+    /// A bucket that several parts have in a range is listed once.
     std::span<const std::uint32_t> listOf(std::uint32_t bucket) {
         const std::size_t begin = bucket == 0 ? 0 : m_ends[bucket - 1];
         const auto list = std::span(m_lists).subspan(begin, m_ends[bucket] - begin);
@@ -68,7 +68,7 @@ class Turning {
 
     std::span<const ValueOffsetIndex> m_parts;
     std::size_t m_ranges;
-    std::vector<std::size_t> m_taken; ///< of each range and part
+    std::vector<std::size_t> m_taken; ///< for each range and part
     std::vector<std::size_t> m_ends;
     std::vector<std::uint32_t> m_lists;
 };

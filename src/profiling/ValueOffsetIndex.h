@@ -10,13 +10,13 @@
 
 namespace tavix::profiling {
 
-/// The buckets of the values of a column, range of rows by range of rows.
+/// The offset index of a column: the buckets of its values, range of rows by range of rows.
 class ValueOffsetIndex {
   public:
-    /// The buckets of a range are complete; they are taken.
+    /// Adds a range with these buckets, and empties the set.
     void endRange(BucketSet& marked);
     [[nodiscard]] std::size_t ranges() const { return m_ends.size(); }
-    /// The ranges of this bucket are not all marked.
+    /// Marks the bucket as incomplete: some of its ranges are missing.
     void giveUp(std::uint32_t bucket) {
         m_givenUp.resize(repository::kPlaceBuckets);
         m_givenUp[bucket] = true;
@@ -37,7 +37,7 @@ class ValueOffsetIndex {
     std::vector<bool> m_givenUp; ///< by bucket
 };
 
-/// By bucket what `parts` say by range; they are of one column and know the same ranges.
+/// Packs the index by bucket. `parts` belong to one column and have the same ranges.
 [[nodiscard]] std::vector<repository::PlacePage> packOffsetIndex(std::span<const ValueOffsetIndex> parts);
 
 } // namespace tavix::profiling

@@ -35,7 +35,8 @@ class QueueOfDistributions : public testing::StoredRuns {
 
     SpillFile m_file{m_folder.path().string()};
     ByteStore m_store{m_file, 1 << 20};
-    StopSignal m_stop;
+    bool m_goesOn = true;
+    StopSignal m_stop{[this] { return m_goesOn; }};
     std::unique_ptr<repository::RunWriter> m_writer;
     int m_table = -1;
     int m_fields = 0;
@@ -83,14 +84,14 @@ TEST_F(QueueOfDistributions, StopsAtAFailureAndKeepsIt) {
     EXPECT_FALSE(queue.store());
     ASSERT_TRUE(queue.failure());
     EXPECT_EQ(queue.failure()->text, "There is no table 2 in this run.");
-    EXPECT_FALSE(queue.store()) << "nothing is stored behind a failure";
+    EXPECT_FALSE(queue.store()) << "nothing is stored after a failure";
     EXPECT_FALSE(m_writer->commit({}));
 }
 
 TEST_F(QueueOfDistributions, EndsWhenItIsToStop) {
     FieldProfile field = figures("f");
     DistributionQueue queue(*m_writer, m_stop);
-    m_stop.stop();
+    m_goesOn = false;
     queue.put(m_table, field);
     EXPECT_FALSE(queue.store());
     EXPECT_FALSE(m_writer->commit({}));

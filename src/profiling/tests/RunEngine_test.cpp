@@ -88,7 +88,7 @@ TEST_F(EngineOfRandomTables, ThreadsMemoryBlocksAndLocaleChangeNothing) {
 }
 
 TEST_F(EngineOfRandomTables, ThreadsShareALongColumn) {
-    // Null stands among the values, several parts are packed, and the last value is in a block of its own.
+    // Null comes between the values, several parts are packed, and the last value has a block of its own.
     constexpr std::size_t kValues = 200'704;
     const auto longText = [](std::size_t i) { return std::string(300, 'x') + std::to_string(i % 12'000); };
     const auto name = [](std::size_t i) { return "key " + std::to_string(i * 2654435761U % 4294967291U); };

@@ -23,7 +23,7 @@ RunOptions withOffsetIndex(unsigned threads, std::size_t memory = 0) {
     return options;
 }
 
-/// Rows of a file in which values are unique, rare, frequent and null, quoted and broken over lines now and then.
+/// Rows with unique, rare, frequent and null values; some are quoted and some contain line breaks.
 std::string rowsOf(unsigned seed, bool isOneColumn) {
     std::mt19937 random(seed);
     std::string text = isOneColumn ? "id\n" : "id,rare,frequent,note\n";
@@ -91,7 +91,8 @@ class ValueOffsetIndexTest : public ::testing::Test {
         return places ? *places : std::nullopt;
     }
 
-    /// The rows that the places lead to are those that the whole file has. How much of the file they spare, in percent.
+    /// Checks that the indexed ranges give the same rows as the whole file. Returns the share of the file that they
+    /// spare, in percent.
     int spared(int table, int field, std::size_t column, const std::string& value) {
         const auto places = find(table, field, value);
         EXPECT_TRUE(places) << value;
@@ -117,9 +118,9 @@ TEST_F(ValueOffsetIndexTest, LeadToEveryRowWithAValue) {
             EXPECT_GT(spared(1, 2, 1, "needle" + std::to_string(i)), 70);
         for (int row = 0; row < 60'000; row += 1999)
             EXPECT_GT(spared(1, 1, 0, "row " + std::to_string(row)), 80);
-        EXPECT_FALSE(find(1, 3, "A")) << "it stands everywhere";
+        EXPECT_FALSE(find(1, 3, "A")) << "it occurs everywhere";
         EXPECT_FALSE(find(1, 4, "two\nlines, here"));
-        EXPECT_GT(spared(1, 3, 2, "C"), 70) << "it stands nowhere";
+        EXPECT_GT(spared(1, 3, 2, "C"), 70) << "it occurs nowhere";
     }
 }
 
@@ -153,7 +154,7 @@ TEST_F(ValueOffsetIndexTest, OfAFilteredTableAreThoseOfItsRows) {
             ++inFiltered;
         }
     }
-    EXPECT_GT(inFiltered, 50) << "the rows that did not pass have no places";
+    EXPECT_GT(inFiltered, 50) << "the rows that did not pass are not in the index";
 }
 
 TEST_F(ValueOffsetIndexTest, AreGivenUpBeforeTheMemoryIs) {
@@ -164,7 +165,7 @@ TEST_F(ValueOffsetIndexTest, AreGivenUpBeforeTheMemoryIs) {
     EXPECT_TRUE(find(1, 1, "row 5"));
 }
 
-// A value that was moved to the file may come again, and is counted anew.
+// A value that was spilled may occur again and is counted anew.
 TEST_F(ValueOffsetIndexTest, OutliveTheValues) {
     std::ofstream(m_path, std::ios::binary) << rowsOf(4, false);
     run(withOffsetIndex(1, std::size_t{6} << 20), false);
