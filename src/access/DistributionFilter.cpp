@@ -82,12 +82,12 @@ Result<std::span<const std::uint32_t>> DistributionFilter::passing(const Unpacke
     }
     if (m_evaluator.wasStopped())
         return Error{kReadingStopped};
-    if (m_evaluator.failures() > 0) {
+    if (const expression::BlockFailures& failures = m_evaluator.failures(); failures.count > 0) {
         if (m_failures == 0) {
-            m_firstFailed = firstRow + static_cast<std::int64_t>(first + m_evaluator.firstFailedRow());
-            m_firstFailure = m_evaluator.firstFailure();
+            m_firstFailed = firstRow + static_cast<std::int64_t>(first + failures.firstRow);
+            m_firstFailure = failures.reason;
         }
-        m_failures += m_evaluator.failures();
+        m_failures += failures.count;
     }
     if (first == 0)
         return rows;

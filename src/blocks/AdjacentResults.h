@@ -11,10 +11,10 @@
 
 namespace tavix::expression {
 
-/// Texts that are made one after the other in one piece of memory.
+/// Builds texts one after the other in one buffer.
 class AdjacentResults {
   public:
-    /// Room for `size` bytes, which the frame allowed, and some more, which copying in steps may overwrite.
+    /// Makes room for `size` bytes, which the frame must have allowed, plus some that copying in steps may overwrite.
     void begin(std::size_t rows, std::size_t size) {
         if (m_bytes.size() < size + kStep)
             m_bytes.resize(size + kStep);
@@ -27,8 +27,7 @@ class AdjacentResults {
         std::memcpy(m_bytes.data() + m_size, text.data(), text.size());
         m_size += text.size();
     }
-    /// The same for a text behind which, up to `readable` unless that is null, lie bytes that may be read: most are
-    /// copied in one step.
+    /// For a text whose memory may be read up to `readable` (unless that is null): copies most texts in one step.
     void append(std::string_view text, const char* readable) {
         if (text.empty() || text.size() > kStep || !readable ||
             readable - text.data() < static_cast<std::ptrdiff_t>(kStep))
@@ -40,14 +39,14 @@ class AdjacentResults {
         std::memset(m_bytes.data() + m_size, byte, count);
         m_size += count;
     }
-    /// Room for as many bytes, to be written before the next call.
+    /// Room for `count` bytes, to be written before the next call.
     [[nodiscard]] char* extend(std::size_t count) {
         char* const place = m_bytes.data() + m_size;
         m_size += count;
         return place;
     }
     void end(std::uint32_t row) { m_ends[row] = static_cast<std::uint32_t>(m_size); }
-    /// Makes the texts of the rows by `append`; all others are empty.
+    /// Calls `append` to make the text of each of the rows; all others are empty.
     template <typename Append>
     void makeEach(const RowSet& rows, Append append) {
         std::uint32_t next = 0;

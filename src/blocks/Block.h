@@ -4,30 +4,38 @@
 #include <cstdint>
 #include <functional>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace tavix::expression {
 
-/// One column of a block: either texts or counts.
+/// A column of a block: texts or counts.
 struct BlockColumn {
-    /// Texts: their bytes one after the other, and where each ends. A null row is an empty text here.
+    /// Texts: their bytes, and the end of each. A null row has an empty text.
     std::string_view bytes;
     std::span<const std::uint32_t> ends;
-    /// Or numbers, none of them beyond 63 bits.
+    /// Counts of at most 63 bits.
     std::span<const std::uint64_t> counts;
-    /// Not 0 for a row that is null; empty when no row is.
+    /// Nonzero for a null row; empty without null rows.
     std::span<const std::uint8_t> nulls;
-    /// Whether all rows hold the first number; the others need not be there then.
+    /// Whether all rows have the first count; the others may be missing then.
     bool isUniform = false;
 };
 
-/// Asked while a block is evaluated whose rows make long texts; false ends that.
+/// Asked while a block with long texts is evaluated; false stops the evaluation.
 using GoOn = std::function<bool()>;
 
-/// A few thousand rows, as a distribution stores them. Everything is borrowed.
+/// The rows of a block for which an expression could not be evaluated.
+struct BlockFailures {
+    std::size_t count = 0;
+    std::uint32_t firstRow = 0; ///< only valid when there are any
+    std::string reason;         ///< why the first one failed
+};
+
+/// A few thousand rows, as a distribution stores them. All data is borrowed.
 struct Block {
     std::size_t rows = 0;
-    /// A column for each field of the program, in the same order; those that it does not use may be left empty.
+    /// A column for each field of the program, in the same order; unused ones may be empty.
     std::span<const BlockColumn> columns;
 };
 

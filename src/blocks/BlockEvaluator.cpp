@@ -18,7 +18,7 @@ struct BlockEvaluator::State {
     void accept(std::uint32_t first, bool isWhole) {
         if (frame.hasFailures()) {
             rows.keepIf([&](std::uint32_t row) { return !frame.isFailed(row); });
-            failures.add(frame, first);
+            addFailures(failures, frame, first);
         }
         if (!isWhole)
             rows.forEach([&](std::uint32_t row) { passing.push_back(first + row); });
@@ -29,7 +29,7 @@ struct BlockEvaluator::State {
     RowSet rows;
     PredicatePtr predicate;
     BlockFailures failures;
-    std::vector<std::uint32_t> passing; ///< of a block that was taken in pieces
+    std::vector<std::uint32_t> passing; ///< of a block that was evaluated in pieces
     bool wasStopped = false;
 };
 
@@ -56,16 +56,8 @@ bool BlockEvaluator::wasStopped() const {
     return m_state->wasStopped;
 }
 
-std::size_t BlockEvaluator::failures() const {
-    return m_state->failures.count;
-}
-
-std::uint32_t BlockEvaluator::firstFailedRow() const {
-    return m_state->failures.firstRow;
-}
-
-const std::string& BlockEvaluator::firstFailure() const {
-    return m_state->failures.first;
+const BlockFailures& BlockEvaluator::failures() const {
+    return m_state->failures;
 }
 
 } // namespace tavix::expression

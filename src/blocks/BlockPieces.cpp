@@ -6,7 +6,7 @@ namespace tavix::expression {
 
 namespace {
 
-/// Every operator keeps a value for each row of a piece.
+/// Bounds the values that the operators keep, one for each row of a piece.
 constexpr std::size_t kMostValues = std::size_t{1} << 22;
 
 std::size_t countNodes(const Node& node) {
@@ -17,6 +17,14 @@ std::size_t countNodes(const Node& node) {
 }
 
 } // namespace
+
+void addFailures(BlockFailures& failures, const Frame& frame, std::uint32_t firstRowOfPiece) {
+    if (failures.count == 0 && frame.hasFailures()) {
+        failures.firstRow = firstRowOfPiece + frame.firstFailedRow();
+        failures.reason = frame.firstFailure();
+    }
+    failures.count += frame.failures();
+}
 
 BlockPieces::BlockPieces(const Node& tree) : m_mostRows(std::max<std::size_t>(1, kMostValues / countNodes(tree))) {}
 

@@ -7,36 +7,22 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <vector>
 
 namespace tavix::expression {
 
-/// The rows of a block that failed, gathered over its pieces.
-struct BlockFailures {
-    std::size_t count = 0;
-    std::uint32_t firstRow = 0;
-    std::string first; ///< why the first row failed
+/// Adds the failures of a piece to those of the pieces before it.
+void addFailures(BlockFailures& failures, const Frame& frame, std::uint32_t firstRowOfPiece);
 
-    /// Takes those of a piece, which follows those that were taken before.
-    void add(const Frame& frame, std::uint32_t firstOfPiece) {
-        if (count == 0 && frame.hasFailures()) {
-            firstRow = firstOfPiece + frame.firstFailedRow();
-            first = frame.firstFailure();
-        }
-        count += frame.failures();
-    }
-};
-
-/// Evaluates a block as a whole, or in pieces where its rows make long texts or the expression has many operators. So
-/// memory stays bounded, and whether a row fails does not depend on the rows beside it: a piece that made too much is
-/// evaluated again in smaller ones, in the end row by row, and only a row by itself can fail for it.
+/// Evaluates a block as a whole, or in pieces when its rows make long texts or the expression has many operators. This
+/// bounds the memory and makes failures independent of neighbouring rows: a piece that made too much is evaluated again
+/// in smaller ones, down to single rows, and only a single row can fail for that.
 class BlockPieces {
   public:
     explicit BlockPieces(const Node& tree);
 
-    /// Calls `evaluate` after the frame was given a piece, and `accept` with the number of its first row when the
-    /// results hold. False when `goOn` (which may be empty) ended it.
+    /// Calls `evaluate` for each piece in the frame and `accept`, with the number of its first row, once the results
+    /// are valid. False when `goOn` (which may be empty) stopped it.
     template <typename Evaluate, typename Accept>
     bool walk(Frame& frame, const Block& block, const GoOn& goOn, Evaluate evaluate, Accept accept) {
         std::size_t size = m_mostRows;
@@ -67,7 +53,7 @@ class BlockPieces {
     std::size_t m_mostRows;
     Block m_slice;
     std::vector<BlockColumn> m_columns;
-    std::vector<std::vector<std::uint32_t>> m_ends; ///< of each column of the slice
+    std::vector<std::vector<std::uint32_t>> m_ends; ///< for each column of the slice
 };
 
 } // namespace tavix::expression

@@ -30,22 +30,14 @@ void BlockValues::evaluate(const Block& block, const std::function<void(const Va
         values = &state.operand->evaluate(state.frame, state.rows);
     };
     const auto accept = [&](std::uint32_t first) {
-        state.failures.add(state.frame, first);
+        addFailures(state.failures, state.frame, first);
         take({static_cast<std::uint32_t>(state.frame.rows()), *values, state.frame.failed()});
     };
     (void)state.pieces.walk(state.frame, block, goOn, evaluate, accept);
 }
 
-std::size_t BlockValues::failures() const {
-    return m_state->failures.count;
-}
-
-std::uint32_t BlockValues::firstFailedRow() const {
-    return m_state->failures.firstRow;
-}
-
-const std::string& BlockValues::firstFailure() const {
-    return m_state->failures.first;
+const BlockFailures& BlockValues::failures() const {
+    return m_state->failures;
 }
 
 } // namespace tavix::expression

@@ -1,9 +1,10 @@
 #include "blocks/AdjacentResults.h"
 #include "blocks/JoinedNulls.h"
-#include "blocks/Operand.h"
+#include "blocks/RowCalls.h"
 #include "expression/ByteSearch.h"
 #include "expression/TextOperators.h"
 
+#include <array>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -14,32 +15,7 @@ namespace tavix::expression {
 
 namespace {
 
-/// The function row by row, for texts of another form or too large ones.
-class RowByRow {
-  public:
-    explicit RowByRow(const Node& node) : m_call(node.function->implementation), m_values(node.children.size()) {}
-
-    const Vector& evaluate(Frame& frame, const RowSet& rows, const std::vector<const Vector*>& columns) {
-        m_results.begin(Type::Text, frame.rows());
-        rows.forEach([&](std::uint32_t row) {
-            bool isNull = false;
-            for (std::size_t i = 0; i < columns.size(); ++i) {
-                m_values[i] = columns[i]->at(row);
-                isNull = isNull || m_values[i].isNull();
-            }
-            m_results.set(row, isNull ? Value{} : m_call(m_values, frame.scratch()));
-            frame.collectFailure(row);
-        });
-        return m_results.vector();
-    }
-
-  private:
-    Implementation m_call;
-    std::vector<Value> m_values;
-    Results m_results;
-};
-
-/// replace of a fixed text by another: the block is searched in one go, and what lies between two finds is copied.
+/// replace() of a constant text by another: searches the whole block at once and copies the bytes between the hits.
 class ReplaceOperand : public Operand {
   public:
     explicit ReplaceOperand(const Node& node)
@@ -59,8 +35,9 @@ class ReplaceOperand : public Operand {
             if (frame.takeAdjacent(longest))
                 return replaceBlock(source, frame.rows(), longest);
         }
-        return m_rowByRow.evaluate(frame, rows,
-                                   {&source, &m_from->evaluate(frame, rows), &m_to->evaluate(frame, rows)});
+        const std::array<const Vector*, 3> arguments{&source, &m_from->evaluate(frame, rows),
+                                                     &m_to->evaluate(frame, rows)};
+        return m_rowByRow.evaluate(frame, rows, arguments);
     }
 
   private:
@@ -108,10 +85,10 @@ class ReplaceOperand : public Operand {
     std::string_view m_replacement;
     bool m_isReplacementAscii;
     AdjacentResults m_results;
-    RowByRow m_rowByRow;
+    RowCalls m_rowByRow; ///< for other forms of texts, and for large ones
 };
 
-/// concat, the parts of a row behind those of the row before.
+/// concat(): appends the parts of row after row.
 class ConcatOperand : public Operand {
   public:
     explicit ConcatOperand(const Node& node) : m_rowByRow(node) {
@@ -155,7 +132,7 @@ class ConcatOperand : public Operand {
         const std::string_view* texts;
     };
 
-    /// What the rows take together; none when a part is null throughout.
+    /// The total size of the rows; none when a part is always null.
     [[nodiscard]] std::optional<std::size_t> totalSize(std::size_t blockRows, const RowSet& rows) const {
         std::size_t size = 0;
         for (const Vector* column : m_columns) {
@@ -176,10 +153,10 @@ class ConcatOperand : public Operand {
     std::vector<Reader> m_readers;
     JoinedNulls m_nulls;
     AdjacentResults m_results;
-    RowByRow m_rowByRow;
+    RowCalls m_rowByRow; ///< for other forms of texts, and for large ones
 };
 
-/// lpad and rpad to a fixed size with a fixed ASCII character, of ASCII texts.
+/// lpad() and rpad() of ASCII texts to a constant size with a constant ASCII character.
 class PadOperand : public Operand {
   public:
     PadOperand(const Node& node, std::size_t size, char fill)
@@ -222,7 +199,7 @@ class PadOperand : public Operand {
     std::vector<OperandPtr> m_arguments;
     std::vector<const Vector*> m_columns;
     AdjacentResults m_results;
-    RowByRow m_rowByRow;
+    RowCalls m_rowByRow; ///< for other forms of texts, and for large ones
 };
 
 OperandPtr makePad(const Node& node) {

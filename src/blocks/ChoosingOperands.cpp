@@ -8,7 +8,7 @@ namespace tavix::expression {
 
 namespace {
 
-/// Each further argument only for the rows that are still null.
+/// Evaluates each further argument only for the rows that are still null.
 class FirstNonNullOperand : public Operand {
   public:
     explicit FirstNonNullOperand(const Node& node) : m_type(node.type) {
@@ -44,7 +44,7 @@ class FirstNonNullOperand : public Operand {
     Results m_results;
 };
 
-/// The value that follows the first condition that is true, for which alone it is computed.
+/// The value after the first condition that is true. Computes each value only for its rows.
 class ChoiceOperand : public Operand {
   public:
     explicit ChoiceOperand(const Node& node) : m_type(node.type) {
@@ -80,7 +80,7 @@ class ChoiceOperand : public Operand {
 
     Type m_type;
     std::vector<PredicatePtr> m_conditions;
-    std::vector<OperandPtr> m_values; ///< of each condition, and of the rows for which none is true
+    std::vector<OperandPtr> m_values; ///< for each condition, and for the rows where none is true
     std::vector<std::uint8_t> m_isTaken;
     Results m_results;
 };
@@ -116,7 +116,7 @@ class ConditionOperand : public Operand {
     Results m_results;
 };
 
-/// nullif of a text and a fixed one: the same texts, and more nulls.
+/// nullif() of a text and a constant: the same texts with more nulls.
 class NullIfOperand : public Operand {
   public:
     NullIfOperand(const Node& text, std::string_view member) : m_source(makeOperand(text)), m_member(member) {}
@@ -130,7 +130,7 @@ class NullIfOperand : public Operand {
         withTexts(source, [&](auto texts) {
             rows.forEach([&](std::uint32_t row) {
                 const std::string_view text = texts[row];
-                // What stands for null is short, and few different texts are: most need not be read.
+                // Texts that mean null are short and rare, so the size rules out most texts.
                 const bool isMember =
                     text.size() == m_member.size() && m_member.equals(text, textKey(text, source.readable));
                 m_nulls[row] = isMember ? 1 : 0;

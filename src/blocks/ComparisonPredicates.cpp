@@ -16,7 +16,7 @@ namespace tavix::expression {
 
 namespace {
 
-/// Calls with the operator as a type of its own, so that each loop is compiled for one of them.
+/// Calls `use` with the operator as a type, so that each loop is compiled for one operator.
 template <typename Use>
 void withOperator(Comparison comparison, bool wanted, Use use) {
     const auto either = [&](auto positive, auto negative) {
@@ -59,7 +59,7 @@ bool compareTextsBy(Compare compare, std::string_view left, const char* leftRead
         return compare(left.compare(right), 0);
 }
 
-/// Two expressions of one type, or an integer and a real.
+/// Compares two expressions of one type, or an integer and a real.
 class PairComparison : public Predicate {
   public:
     explicit PairComparison(const Node& node)
@@ -95,7 +95,7 @@ class PairComparison : public Predicate {
     OperandPtr m_right;
 };
 
-/// Integers, reals or dates against a constant.
+/// Compares integers, reals or dates with a constant.
 class NumberComparison : public Predicate {
   public:
     explicit NumberComparison(const Node& node)
@@ -131,7 +131,7 @@ class NumberComparison : public Predicate {
     Value m_constant;
 };
 
-/// Texts against a constant.
+/// Compares texts with a constant.
 class TextComparison : public Predicate {
   public:
     explicit TextComparison(const Node& node)
@@ -168,8 +168,8 @@ class TextComparison : public Predicate {
     KeyedText m_constant;
 };
 
-/// By which orders of a text and a constant the comparison holds: bit 0 for before it, bit 1 for equal, bit 2 for
-/// behind.
+/// The orders of a text and a constant for which the comparison is true: bit 0 for before, bit 1 for equal, bit 2 for
+/// after.
 std::uint32_t ordersOf(Comparison comparison) {
     switch (comparison) {
     case Comparison::Less:
@@ -188,7 +188,7 @@ std::uint32_t ordersOf(Comparison comparison) {
     return 0;
 }
 
-/// One text against two constants: both or one of the comparisons hold.
+/// Compares a text with two constants: both comparisons, or one of them, must be true.
 class TextRange : public Predicate {
   public:
     TextRange(const Node& first, const Node& second, bool isAnd)
@@ -197,7 +197,7 @@ class TextRange : public Predicate {
     void narrow(Frame& frame, RowSet& rows, bool wanted) override {
         const Vector& vector = m_operand->evaluate(frame, rows);
         dropNulls(rows, vector);
-        // What does not hold of both does not hold of one of them.
+        // "not (a and b)" is "not a or not b".
         std::array<Bound, 2> bounds = m_bounds;
         for (Bound& bound : bounds)
             bound.orders ^= wanted ? 0 : 0b111;
@@ -223,14 +223,15 @@ class TextRange : public Predicate {
                          Join join) {
         const std::uint64_t first = bounds[0].text.key();
         const std::uint64_t second = bounds[1].text.key();
-        // Which of the three stretches that the two keys make hold, by the number of keys before the text's.
+        // Whether the condition is true in each of the three ranges between the two keys, by the number of keys below
+        // the text's.
         const std::uint64_t low = std::min(first, second);
         const std::uint64_t high = std::max(first, second);
         std::array<bool, 3> holds{};
         for (std::size_t i = 0; i < holds.size(); ++i) {
-            const auto isBehind = [&](std::uint64_t key) { return i == 2 || (i == 1 && key == low && low != high); };
+            const auto isAbove = [&](std::uint64_t key) { return i == 2 || (i == 1 && key == low && low != high); };
             const auto holdsFor = [&](const Bound& bound) {
-                return (bound.orders >> (isBehind(bound.text.key()) ? 2 : 0)) & 1U;
+                return (bound.orders >> (isAbove(bound.text.key()) ? 2 : 0)) & 1U;
             };
             holds[i] = join(holdsFor(bounds[0]), holdsFor(bounds[1])) != 0;
         }
@@ -253,14 +254,14 @@ class TextRange : public Predicate {
     std::array<Bound, 2> m_bounds;
 };
 
-/// A text expression against a text by its order. Equality has cheaper ways, by length or by sets.
+/// A text expression compared by order with a constant. Equality has cheaper tests, by length or by sets.
 bool isTextOrder(const Node& node) {
     return node.kind == NodeKind::Compare && node.comparison != Comparison::Equal &&
            node.comparison != Comparison::NotEqual && !node.child(0).isConstant() && node.child(0).type == Type::Text &&
            isFixedText(node.child(1));
 }
 
-/// lower(x) or upper(x), equal to a constant or not: the length decides most rows, and no text is made.
+/// lower(x) or upper(x) compared for equality with a constant: the length decides most rows, and no text is made.
 class FoldedEquality : public Predicate {
   public:
     explicit FoldedEquality(const Node& node)
@@ -297,7 +298,7 @@ class FoldedEquality : public Predicate {
         return true;
     }
     [[nodiscard]] bool equals(std::string_view text) {
-        // No character is more than three times as long in the other case.
+        // No character gets more than three times as long by a case mapping.
         if (text.size() > m_constant.size() * 3 || m_constant.size() > text.size() * 3)
             return false;
         if (tavix::isAscii(text))

@@ -14,7 +14,7 @@
 
 namespace tavix::expression {
 
-/// What the operators share while they work on one block.
+/// The state that operators share while they evaluate one block.
 class Frame {
   public:
     /// `mostTexts`: bytes that the scratch may take.
@@ -23,10 +23,10 @@ class Frame {
     [[nodiscard]] const Block& block() const { return *m_block; }
     [[nodiscard]] std::size_t rows() const { return m_block->rows; }
     [[nodiscard]] Scratch& scratch() { return m_scratch; }
-    /// Whether all texts of the column are ASCII; looked at once for each block.
+    /// Whether all texts of the column are ASCII; computed once for each block.
     [[nodiscard]] bool isAscii(std::size_t column);
 
-    /// Whether an operator may make texts of so many bytes one after the other, outside the scratch.
+    /// Whether an operator may make texts of `size` bytes in a buffer of its own.
     [[nodiscard]] bool takeAdjacent(std::size_t size) {
         if (size > kMostAdjacentOfOne || m_adjacent + size > kMostAdjacent)
             return false;
@@ -34,14 +34,14 @@ class Frame {
         return true;
     }
 
-    /// Takes a failure that a function has left in the scratch as one of this row.
+    /// Records a failure that a function left in the scratch as one of this row.
     void collectFailure(std::uint32_t row) {
         if (m_scratch.hasFailed())
             markFailed(row);
     }
     [[nodiscard]] bool hasFailures() const { return m_failures > 0; }
     [[nodiscard]] bool isFailed(std::uint32_t row) const { return m_failed[row] != 0; }
-    /// Not 0 for a row that failed; empty when none did.
+    /// Nonzero for a row that failed; empty without failures.
     [[nodiscard]] std::span<const std::uint8_t> failed() const {
         return m_failures > 0 ? std::span<const std::uint8_t>(m_failed) : std::span<const std::uint8_t>();
     }
@@ -49,7 +49,7 @@ class Frame {
     [[nodiscard]] std::uint32_t firstFailedRow() const { return m_firstFailed; }
     [[nodiscard]] const std::string& firstFailure() const { return m_firstFailure; }
 
-    /// A set of rows that is put back when the guard ends.
+    /// A set of rows that the guard returns when it is destroyed.
     class Loan {
       public:
         explicit Loan(Frame& frame);
@@ -64,7 +64,7 @@ class Frame {
     };
 
   private:
-    /// Beyond these the texts are made row by row in the scratch, where each is bounded and all of a row are.
+    /// Beyond these bounds texts are made row by row in the scratch, which bounds each text and those of each row.
     static constexpr std::size_t kMostAdjacentOfOne = std::size_t{8} << 20;
     static constexpr std::size_t kMostAdjacent = std::size_t{64} << 20;
 
@@ -72,8 +72,8 @@ class Frame {
 
     const Block* m_block = nullptr;
     Scratch m_scratch;
-    std::size_t m_adjacent = 0;       ///< bytes that operators took in this block
-    std::vector<std::int8_t> m_ascii; ///< of each column: -1 not known yet
+    std::size_t m_adjacent = 0;       ///< bytes that operators took for this block
+    std::vector<std::int8_t> m_ascii; ///< for each column; -1: not known yet
     std::vector<std::uint8_t> m_failed;
     std::size_t m_failures = 0;
     std::uint32_t m_firstFailed = 0;

@@ -8,11 +8,11 @@
 
 namespace tavix::expression {
 
-/// The nulls of a result that is null where one of several vectors is.
+/// The nulls of a result that is null where any of several vectors is.
 class JoinedNulls {
   public:
     void begin() { m_joined = nullptr; }
-    /// The vector is not null throughout, and lives as long as the result.
+    /// The vector must not be a null constant, and must live as long as the result.
     void add(const Vector& vector, std::size_t rows) {
         if (!vector.nulls)
             return;
@@ -25,7 +25,7 @@ class JoinedNulls {
             m_nulls[row] = m_joined[row] | vector.nulls[row];
         m_joined = m_nulls.data();
     }
-    /// Null when no row is.
+    /// A null pointer when no row is null.
     [[nodiscard]] const std::uint8_t* get() const { return m_joined; }
 
   private:

@@ -11,7 +11,7 @@ namespace tavix::expression {
 
 namespace {
 
-/// Fixed texts.
+/// A list of constant texts.
 class TextListPredicate : public Predicate {
   public:
     explicit TextListPredicate(const Node& node) : m_operand(makeOperand(node.child(0))), m_table(node.list) {}
@@ -28,7 +28,7 @@ class TextListPredicate : public Predicate {
                 rows.keepIf([&](std::uint32_t row) { return !(mayHold(row) && holds(row)); });
                 return;
             }
-            // One after the other, so that nothing branches on what most rows are.
+            // Two passes, so that nothing branches on what most rows are.
             rows.keepIf(mayHold);
             rows.keepIf(holds);
         });
@@ -39,7 +39,7 @@ class TextListPredicate : public Predicate {
     TextTable m_table;
 };
 
-/// Fixed numbers, or dates, and a value of their type.
+/// A list of constant numbers or dates of the value's type.
 template <typename Number>
 class NumberListPredicate : public Predicate {
   public:
@@ -75,14 +75,14 @@ class NumberListPredicate : public Predicate {
     }
 
   private:
-    /// Up to here comparing with each is cheaper than a search.
+    /// Up to here comparing with each member is cheaper than a search.
     static constexpr std::size_t kFew = 8;
 
     OperandPtr m_operand;
     std::vector<Number> m_members; ///< ascending
 };
 
-/// Members that are no constants.
+/// A list with members that are not constant.
 class ListPredicate : public Predicate {
   public:
     explicit ListPredicate(const Node& node) {
@@ -112,7 +112,7 @@ class ListPredicate : public Predicate {
     std::vector<const Vector*> m_columns;
 };
 
-/// With null among the members: what is not found is null and not false.
+/// A list that contains null: a value that is not found gives null, not false.
 class NullListPredicate : public Predicate {
   public:
     explicit NullListPredicate(PredicatePtr others) : m_others(std::move(others)) {}

@@ -8,8 +8,8 @@ namespace tavix::expression {
 
 namespace {
 
-/// left, right or substring where a number is not the same in all rows. `Cut` is called with a text, the numbers and
-/// whether the text is known to be ASCII.
+/// left(), right() or substring() with numbers that vary by row. `Cut` is called with a text, the numbers, and whether
+/// the text is known to be ASCII.
 template <typename Cut>
 class MeasuredCutOperand : public Operand {
   public:
@@ -57,7 +57,7 @@ class MeasuredCutOperand : public Operand {
 
     OperandPtr m_text;
     OperandPtr m_first;
-    OperandPtr m_second; ///< null when there is none
+    OperandPtr m_second; ///< null without one
     Cut m_cut;
     JoinedNulls m_nulls;
     Results m_results;

@@ -13,7 +13,7 @@ namespace tavix::expression {
 
 namespace {
 
-/// Calls with the numbers of a vector, which is not null throughout, as a function of the row.
+/// Calls `use` with a function from row to number. The vector must not be a null constant.
 template <typename Number, typename Use>
 void withNumbers(const Vector& vector, const Number* values, Number constant, Use use) {
     if (vector.isConstant)
@@ -30,8 +30,8 @@ class ArithmeticOperand : public Operand {
     const Vector& evaluate(Frame& frame, const RowSet& rows) override {
         const Vector& left = m_left->evaluate(frame, rows);
         const Vector& right = m_right->evaluate(frame, rows);
-        m_results.begin(m_node.type, frame.rows());
         if (isPlain(left, right)) {
+            m_results.begin(m_node.type, frame.rows());
             const bool isDone =
                 m_node.type == Type::Real ? calculateReals(rows, left, right) : calculateIntegers(rows, left, right);
             if (isDone) {
@@ -39,24 +39,22 @@ class ArithmeticOperand : public Operand {
                 return m_results.vector();
             }
         }
-        rows.forEach([&](std::uint32_t row) {
+        return m_results.makeEach(m_node.type, frame, rows, [&](std::uint32_t row) {
             const Value a = left.at(row);
             const Value b = right.at(row);
             const bool isNull = a.isNull() || b.isNull();
-            m_results.set(row, isNull ? Value{} : calculate(m_node.arithmetic, a, b, frame.scratch()));
-            frame.collectFailure(row);
+            return isNull ? Value{} : calculate(m_node.arithmetic, a, b, frame.scratch());
         });
-        return m_results.vector();
     }
 
   private:
-    /// Whether the nulls of the result are those of one of the two.
+    /// Whether the result has the nulls of one of the two.
     [[nodiscard]] static bool isPlain(const Vector& left, const Vector& right) {
         const auto isNull = [](const Vector& vector) { return vector.isConstant && vector.constant.isNull(); };
         return !isNull(left) && !isNull(right) && !(left.nulls && right.nulls);
     }
 
-    /// False when a result is no number, which only the way row by row turns into null.
+    /// False on NaN or infinity; the caller then evaluates row by row, which turns those into null.
     bool calculateReals(const RowSet& rows, const Vector& left, const Vector& right) {
         switch (m_node.arithmetic) {
         case Arithmetic::Add:
@@ -87,7 +85,7 @@ class ArithmeticOperand : public Operand {
         return isFinite;
     }
 
-    /// False when a result is too large or a divisor 0, which only the way row by row tells apart.
+    /// False on an overflow or a zero divisor; the caller then evaluates row by row, which distinguishes them.
     bool calculateIntegers(const RowSet& rows, const Vector& left, const Vector& right) {
         switch (m_node.arithmetic) {
         case Arithmetic::Add:
@@ -120,7 +118,7 @@ class ArithmeticOperand : public Operand {
     }
     bool divide(const RowSet& rows, const std::int64_t* in, std::int64_t constant) {
         std::int64_t* const out = m_results.integers();
-        // Small numbers, which counts mostly are, divide several times as fast in 32 bits.
+        // Small numbers, as most counts are, divide several times as fast in 32 bits.
         const bool isSmall = constant <= std::numeric_limits<std::int32_t>::max();
         rows.forEach([&](std::uint32_t row) {
             const std::int64_t value = in[row];
@@ -138,7 +136,7 @@ class ArithmeticOperand : public Operand {
     Results m_results;
 };
 
-/// A function that has a number for each number; `Function` is called with it.
+/// A function from number to number.
 template <typename Function>
 class NumberFunctionOperand : public Operand {
   public:
@@ -160,7 +158,7 @@ class NumberFunctionOperand : public Operand {
     Results m_results;
 };
 
-/// max or min of numbers or of dates.
+/// max() or min() of numbers or dates.
 template <typename Number>
 class ExtremeOperand : public Operand {
   public:
@@ -252,7 +250,7 @@ OperandPtr makeNumberFunction(const Node& node) {
         return nullptr;
     if (node.children.size() > 1 && (!node.child(1).isConstant() || node.child(1).constant.isNull()))
         return nullptr;
-    const number_functions::Places places(node.children.size() > 1 ? node.child(1).constant.integer : 0);
+    const number_functions::DecimalRounding places(node.children.size() > 1 ? node.child(1).constant.integer : 0);
     return makeFunction(number, [places](double value) { return places.round(value); });
 }
 

@@ -1,6 +1,6 @@
 #include "blocks/Operand.h"
 
-#include "base/NumberText.h"
+#include "blocks/RowCalls.h"
 #include "expression/Conversion.h"
 #include "expression/Interpreter.h"
 
@@ -38,13 +38,13 @@ void Results::begin(Type type, std::size_t rows) {
 
 void Results::set(std::uint32_t row, const Value& value) {
     if (value.isNull()) {
-        // The rows before this one were not null, whatever stands in the list from the block before.
+        // The rows before this one are not null, whatever an earlier block left in the list.
         if (!m_vector.nulls)
             std::ranges::fill(m_nulls, std::uint8_t{0});
         m_vector.nulls = m_nulls.data();
         m_nulls[row] = 1;
         if (m_vector.type == Type::Text)
-            m_texts[row] = {}; // may be read as any other
+            m_texts[row] = {}; // it may be read like any other
         return;
     }
     switch (m_vector.type) {
@@ -115,7 +115,7 @@ class ConstantOperand : public Operand {
     Vector m_vector;
 };
 
-/// A cell of a block as it lies there.
+/// A cell of a block as it is stored.
 Value cellAt(const BlockColumn& column, std::uint32_t row) {
     if (!column.nulls.empty() && column.nulls[row] != 0)
         return {};
@@ -151,14 +151,11 @@ class FieldOperand : public Operand {
     }
 
   private:
-    /// The column holds its values in another form than the field's type.
+    /// Reads a column whose values are not of the field's type.
     const Vector& read(Frame& frame, const RowSet& rows, const BlockColumn& column) {
-        m_results.begin(m_node.type, frame.rows());
-        rows.forEach([&](std::uint32_t row) {
-            m_results.set(row, readCell(cellAt(column, row), m_node.type, m_node.text, frame.scratch()));
-            frame.collectFailure(row);
+        return m_results.makeEach(m_node.type, frame, rows, [&](std::uint32_t row) {
+            return readCell(cellAt(column, row), m_node.type, m_node.text, frame.scratch());
         });
-        return m_results.vector();
     }
 
     const Node& m_node;
@@ -173,18 +170,15 @@ class ConvertOperand : public Operand {
 
     const Vector& evaluate(Frame& frame, const RowSet& rows) override {
         const Vector& source = m_source->evaluate(frame, rows);
-        m_results.begin(m_type, frame.rows());
         if (source.integers && source.type == Type::Integer && m_type == Type::Real) {
+            m_results.begin(m_type, frame.rows());
             double* const out = m_results.reals();
             rows.forEach([&](std::uint32_t row) { out[row] = static_cast<double>(source.integers[row]); });
             m_results.takeNulls(source);
             return m_results.vector();
         }
-        rows.forEach([&](std::uint32_t row) {
-            m_results.set(row, convert(source.at(row), m_type, frame.scratch()));
-            frame.collectFailure(row);
-        });
-        return m_results.vector();
+        return m_results.makeEach(m_type, frame, rows,
+                                  [&](std::uint32_t row) { return convert(source.at(row), m_type, frame.scratch()); });
     }
 
   private:
@@ -193,10 +187,10 @@ class ConvertOperand : public Operand {
     Results m_results;
 };
 
-/// A call of any function: its arguments a column each, the function row by row.
+/// Calls any function: evaluates its arguments for all rows, then the function row by row.
 class CallOperand : public Operand {
   public:
-    explicit CallOperand(const Node& node) : m_node(node), m_values(node.children.size()) {
+    explicit CallOperand(const Node& node) : m_call(node) {
         for (const NodePtr& child : node.children)
             m_arguments.push_back(makeOperand(*child));
     }
@@ -205,26 +199,13 @@ class CallOperand : public Operand {
         m_columns.clear();
         for (const OperandPtr& argument : m_arguments)
             m_columns.push_back(&argument->evaluate(frame, rows));
-        m_results.begin(m_node.type, frame.rows());
-        const Implementation call = m_node.function->implementation;
-        rows.forEach([&](std::uint32_t row) {
-            bool isNull = false;
-            for (std::size_t i = 0; i < m_columns.size(); ++i) {
-                m_values[i] = m_columns[i]->at(row);
-                isNull = isNull || m_values[i].isNull();
-            }
-            m_results.set(row, isNull ? Value{} : call(m_values, frame.scratch()));
-            frame.collectFailure(row);
-        });
-        return m_results.vector();
+        return m_call.evaluate(frame, rows, m_columns);
     }
 
   private:
-    const Node& m_node;
+    RowCalls m_call;
     std::vector<OperandPtr> m_arguments;
     std::vector<const Vector*> m_columns;
-    std::vector<Value> m_values;
-    Results m_results;
 };
 
 class NegateOperand : public Operand {
@@ -233,13 +214,10 @@ class NegateOperand : public Operand {
 
     const Vector& evaluate(Frame& frame, const RowSet& rows) override {
         const Vector& source = m_source->evaluate(frame, rows);
-        m_results.begin(m_type, frame.rows());
-        rows.forEach([&](std::uint32_t row) {
+        return m_results.makeEach(m_type, frame, rows, [&](std::uint32_t row) {
             const Value value = source.at(row);
-            m_results.set(row, value.isNull() ? value : negate(value, frame.scratch()));
-            frame.collectFailure(row);
+            return value.isNull() ? value : negate(value, frame.scratch());
         });
-        return m_results.vector();
     }
 
   private:
@@ -248,7 +226,7 @@ class NegateOperand : public Operand {
     Results m_results;
 };
 
-/// What has no operators of its own, as a pattern asked of a text that never changes but could not be asked beforehand.
+/// A node without an operator of its own, such as a pattern that is matched with a constant whose evaluation fails.
 class InterpretedOperand : public Operand {
   public:
     explicit InterpretedOperand(const Node& node) : m_node(node) { collectFields(node); }
@@ -256,14 +234,11 @@ class InterpretedOperand : public Operand {
     const Vector& evaluate(Frame& frame, const RowSet& rows) override {
         Interpreter interpreter(frame.scratch());
         m_row.resize(frame.block().columns.size());
-        m_results.begin(m_node.type, frame.rows());
-        rows.forEach([&](std::uint32_t row) {
+        return m_results.makeEach(m_node.type, frame, rows, [&](std::uint32_t row) {
             for (const std::size_t field : m_fields)
                 m_row[field] = cellAt(frame.block().columns[field], row);
-            m_results.set(row, interpreter.evaluate(m_node, m_row));
-            frame.collectFailure(row);
+            return interpreter.evaluate(m_node, m_row);
         });
-        return m_results.vector();
     }
 
   private:

@@ -12,7 +12,7 @@
 
 namespace tavix::expression {
 
-/// Computes the values of an expression for rows of a block, a row set at a time.
+/// Computes the values of an expression for a set of rows of a block.
 class Operand {
   public:
     Operand() = default;
@@ -20,26 +20,36 @@ class Operand {
     Operand& operator=(const Operand&) = delete;
     virtual ~Operand() = default;
 
-    /// The result is valid until the next call and as long as the block is.
+    /// The result is valid until the next call, as long as the block is.
     [[nodiscard]] virtual const Vector& evaluate(Frame& frame, const RowSet& rows) = 0;
 };
 
 using OperandPtr = std::unique_ptr<Operand>;
 
-/// Room for the values that an operand makes row by row.
+/// Storage for the values that an operand makes row by row.
 class Results {
   public:
-    /// For a block of so many rows.
+    /// Prepares for a block of `rows` rows.
     void begin(Type type, std::size_t rows);
     void set(std::uint32_t row, const Value& value);
-    /// The rows' values of a vector of the same type, or of one that is null throughout.
+    /// Copies the values of these rows from a vector of the same type or a null constant.
     void take(const RowSet& rows, const Vector& from);
-    /// The same where none of the rows is null.
+    /// take() when none of the rows is null.
     void takeValues(const RowSet& rows, const Vector& from);
+    /// Sets the value of each row to `valueOf(row)`, which may leave a failure in the frame's scratch.
+    template <typename ValueOf>
+    const Vector& makeEach(Type type, Frame& frame, const RowSet& rows, ValueOf valueOf) {
+        begin(type, frame.rows());
+        rows.forEach([&](std::uint32_t row) {
+            set(row, valueOf(row));
+            frame.collectFailure(row);
+        });
+        return m_vector;
+    }
     [[nodiscard]] std::string_view* texts() { return m_texts.data(); }
     [[nodiscard]] std::int64_t* integers() { return m_integers.data(); }
     [[nodiscard]] double* reals() { return m_reals.data(); }
-    /// The nulls of another vector are those of this one, for operands that add none.
+    /// For operands that add no nulls: uses the nulls of another vector.
     void takeNulls(const Vector& from) { m_vector.nulls = from.nulls; }
     void takeNulls(const std::uint8_t* nulls) { m_vector.nulls = nulls; }
     [[nodiscard]] Vector& vector() { return m_vector; }
@@ -53,20 +63,19 @@ class Results {
     std::vector<std::uint8_t> m_nulls;
 };
 
-/// The operators for a node; the node has to outlive them.
+/// Makes the operator for a node, which must outlive it.
 [[nodiscard]] OperandPtr makeOperand(const Node& node);
 
-/// Those for functions over texts; null when the node is no call for which there is one.
+/// Functions over texts; null when the node is not such a call.
 [[nodiscard]] OperandPtr makeTextOperand(const Node& node);
-/// Those that cut texts at places which each row has for itself; null when the node is no call of one.
+/// Functions that cut texts at positions that vary by row; null when the node is not such a call.
 [[nodiscard]] OperandPtr makeMeasuredCut(const Node& node);
-/// Those that put texts together; null when the node is no call of one.
+/// Functions that build texts; null when the node is not such a call.
 [[nodiscard]] OperandPtr makeBuiltText(const Node& node);
-/// Those for functions of one number, and for the greatest and the least of several; null when the node is no call of
-/// one.
+/// Functions of one number, max() and min(); null when the node is not such a call.
 [[nodiscard]] OperandPtr makeNumberFunction(const Node& node);
 [[nodiscard]] OperandPtr makeArithmetic(const Node& node);
-/// Those that choose among values: if, coalesce, nullif and conditions as values; null when the node is none of these.
+/// Operators that choose among values: if, coalesce, nullif, and conditions as values; null for other nodes.
 [[nodiscard]] OperandPtr makeChoosing(const Node& node);
 
 } // namespace tavix::expression

@@ -31,7 +31,7 @@ class NotPredicate : public Predicate {
     PredicatePtr m_inner;
 };
 
-/// Marks rows that were found by one of several ways, and gives all of them in the end.
+/// Collects the rows found by several predicates.
 class Union {
   public:
     explicit Union(std::size_t rows) : m_marks(rows) {}
@@ -44,8 +44,8 @@ class Union {
     std::vector<std::uint8_t> m_marks;
 };
 
-/// "and" and "or". What is true of all parts narrows from one to the next; what is true of some is asked of the rows
-/// that no part before it has found.
+/// "and" and "or". When all parts must agree, each narrows the rows further; when one suffices, each part is asked
+/// about the rows that no part before it has found.
 class Junction : public Predicate {
   public:
     explicit Junction(const Node& node) : m_isAnd(node.kind == NodeKind::And) {
@@ -154,8 +154,8 @@ class TruthPredicate : public Predicate {
     OperandPtr m_operand;
 };
 
-/// A condition on numbers alone. Where a block holds the same number in all rows, as most blocks of counts do, one row
-/// tells for all.
+/// A condition on numbers only. When a block has the same number in all rows, as most blocks of counts do, it evaluates
+/// a single row.
 class UniformPredicate : public Predicate {
   public:
     UniformPredicate(PredicatePtr inner, std::vector<std::size_t> fields)
@@ -174,7 +174,7 @@ class UniformPredicate : public Predicate {
         one.rows().keepFirst();
         m_inner->narrow(frame, one.rows(), wanted);
         if (frame.hasFailures() && frame.isFailed(first))
-            m_inner->narrow(frame, rows, wanted); // each row is to be told as one that failed
+            m_inner->narrow(frame, rows, wanted); // report each row as failed
         else if (one.rows().isEmpty())
             rows.clear();
     }
@@ -184,7 +184,7 @@ class UniformPredicate : public Predicate {
     std::vector<std::size_t> m_fields;
 };
 
-/// Gathers the fields; false when one of them is a text.
+/// Collects the fields; false when one of them is not an integer.
 bool collectNumberFields(const Node& node, std::vector<std::size_t>& fields) {
     if (node.kind == NodeKind::Field) {
         if (node.type != Type::Integer)

@@ -8,8 +8,8 @@
 
 namespace tavix::expression {
 
-/// Narrows a set of rows to those for which a condition holds. Asking for "true" and for "false" are two questions, so
-/// that "not" costs nothing and null is neither.
+/// Narrows a set of rows to those for which a condition is true, or false. These are two questions, so that "not" costs
+/// nothing and null is neither.
 class Predicate {
   public:
     Predicate() = default;
@@ -22,19 +22,20 @@ class Predicate {
 
 using PredicatePtr = std::unique_ptr<Predicate>;
 
-/// The operators for a condition; the node has to outlive them.
+/// Makes the operator for a condition, which must outlive it.
 [[nodiscard]] PredicatePtr makePredicate(const Node& node);
 
-/// Those that compare; `node` is a comparison.
+/// For a comparison.
 [[nodiscard]] PredicatePtr makeComparison(const Node& node);
-/// Two neighbours below an "and" or "or" as one operator that reads the rows once; null when there is none for them.
+/// Combines two adjacent children of an "and" or "or" into one operator that reads the rows once; null when that is not
+/// possible.
 [[nodiscard]] PredicatePtr makeRange(const Node& first, const Node& second, bool isAnd);
-/// Those that look for a value in a list; `node` is one.
+/// For a test whether a value is in a list.
 [[nodiscard]] PredicatePtr makeListTest(const Node& node);
-/// Those that test a text; null when there is none for the node.
+/// For a test of a text; null when the node is not such a test.
 [[nodiscard]] PredicatePtr makeTextTest(const Node& node);
 
-/// Takes away the rows in which the vector is null.
+/// Removes the rows in which the vector is null.
 inline void dropNulls(RowSet& rows, const Vector& vector) {
     if (vector.isConstant && vector.constant.isNull())
         rows.clear();

@@ -8,8 +8,8 @@
 
 namespace tavix::expression {
 
-/// Some rows of a block, ascending. All of them together are kept as a number, so that a first operator need not read a
-/// list.
+/// A set of rows of a block in ascending order. The set of all rows is kept as their number, so that the first operator
+/// reads no list.
 class RowSet {
   public:
     /// All rows of a block of this size.
@@ -32,9 +32,9 @@ class RowSet {
 
     [[nodiscard]] std::size_t size() const { return m_size; }
     [[nodiscard]] bool isEmpty() const { return m_size == 0; }
-    /// Only to be asked when there are any.
+    /// Call it only when the set is not empty.
     [[nodiscard]] std::uint32_t first() const { return m_isFull ? 0 : m_rows.front(); }
-    /// Only the first row, when there are any.
+    /// Keeps only the first row, if any.
     void keepFirst() {
         if (isEmpty())
             return;
@@ -56,7 +56,7 @@ class RowSet {
             visit(m_rows[i]);
     }
 
-    /// Keeps the rows for which `test` is true. No branch depends on the answer.
+    /// Keeps the rows for which `test` is true, without a branch on its result.
     template <typename Test>
     void keepIf(Test test) {
         std::uint32_t* const out = m_rows.data();
@@ -89,7 +89,7 @@ class RowSet {
     }
 
   private:
-    std::vector<std::uint32_t> m_rows; ///< as many as the block has rows; the first m_size count
+    std::vector<std::uint32_t> m_rows; ///< sized for all rows of the block; the first m_size are the set
     std::size_t m_size = 0;
     bool m_isFull = false;
 };

@@ -13,13 +13,14 @@
 
 namespace tavix::expression {
 
-/// The first eight bytes of a text as a number, zeros behind its end: numbers are ordered as the texts are, and where
-/// they are equal the rest decides. `readable` is up to where bytes behind the text may be read; null for nowhere.
+/// The first eight bytes of a text as a number, padded with zeros: the numbers have the order of the texts, and texts
+/// with equal numbers must be compared further. `readable`: the end of the memory after the text that may be read; null
+/// when unknown.
 inline std::uint64_t textKey(std::string_view text, const char* readable) {
     constexpr std::size_t kBytes = 8;
     static_assert(std::endian::native == std::endian::little);
     std::uint64_t bytes = 0;
-    // Sizes are on both sides of eight as chance has it, so nothing branches on them.
+    // Branch-free, since it is unpredictable whether a text has eight bytes.
     if (text.data() && readable && readable - text.data() >= static_cast<std::ptrdiff_t>(kBytes)) {
         static constexpr std::uint64_t kAll = ~std::uint64_t{0};
         static constexpr std::array<std::uint64_t, kBytes + 1> kKept{
@@ -36,7 +37,7 @@ inline std::uint64_t textKey(std::string_view text, const char* readable) {
     return bytes;
 }
 
-/// The last eight bytes of a text as a number of no order; 0 for a shorter one.
+/// The last eight bytes of a text as a number, for equality only; 0 for a shorter text.
 inline std::uint64_t textTail(std::string_view text, const char* readable) {
     constexpr std::size_t kBytes = 8;
     std::uint64_t bytes = 0;
@@ -49,7 +50,7 @@ inline std::uint64_t textTail(std::string_view text, const char* readable) {
     return bytes;
 }
 
-/// A fixed text that many are compared with.
+/// A constant that many texts are compared with.
 class KeyedText {
   public:
     explicit KeyedText(std::string_view text) : m_text(text), m_key(textKey(text, nullptr)) {}
@@ -60,7 +61,7 @@ class KeyedText {
         return static_cast<int>(key == m_key) + static_cast<int>(text.size() == m_text.size()) == 2 &&
                (text.size() <= 8 || std::memcmp(text.data() + 8, m_text.data() + 8, text.size() - 8) == 0);
     }
-    /// Below zero when `text` comes before it.
+    /// Below zero when `text` comes before the constant.
     [[nodiscard]] int order(std::string_view text, std::uint64_t key) const {
         return key != m_key ? (key < m_key ? -1 : 1) : text.compare(m_text);
     }
@@ -70,13 +71,12 @@ class KeyedText {
     std::uint64_t m_key;
 };
 
-/// Whether any of the rows may hold a text of this size: false for many blocks when the size is a rare one. Reads no
-/// text.
+/// Whether any of the rows may have a text of this size: false for many blocks when the size is rare. Reads no text.
 [[nodiscard]] inline bool mayHaveSize(const Vector& vector, const RowSet& rows, std::size_t blockRows,
                                       std::size_t size) {
     if (!vector.ends || !rows.isDense())
         return true;
-    // One loop without a branch, which the compiler turns into vector instructions.
+    // A loop without branches, which the compiler vectorizes.
     const std::uint32_t* const ends = vector.ends;
     bool isFound = blockRows > 0 && ends[0] == size;
     for (std::size_t row = 1; row < blockRows; ++row)

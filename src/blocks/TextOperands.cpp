@@ -1,10 +1,10 @@
 #include "blocks/AdjacentResults.h"
-#include "blocks/Operand.h"
+#include "blocks/RowCalls.h"
 #include "expression/ByteSearch.h"
-#include "expression/TextFunctions.h"
 #include "expression/TextOperators.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <optional>
 
@@ -12,11 +12,11 @@ namespace tavix::expression {
 
 namespace {
 
-/// lower and upper. A block of ASCII texts is mapped in one go.
+/// lower() and upper(). Maps a block of ASCII texts at once.
 class MappedOperand : public Operand {
   public:
     explicit MappedOperand(const Node& node)
-        : m_isLower(isCallOf(node, "lower")), m_source(makeOperand(node.child(0))) {}
+        : m_isLower(isCallOf(node, "lower")), m_source(makeOperand(node.child(0))), m_rowByRow(node) {}
 
     const Vector& evaluate(Frame& frame, const RowSet& rows) override {
         const Vector& source = m_source->evaluate(frame, rows);
@@ -26,14 +26,8 @@ class MappedOperand : public Operand {
             if (frame.takeAdjacent(size))
                 return isWhole ? mapBlock(source, size) : mapEach(source, size, frame, rows);
         }
-        m_results.begin(Type::Text, frame.rows());
-        const auto call = m_isLower ? text_functions::lower : text_functions::upper;
-        rows.forEach([&](std::uint32_t row) {
-            const Value value = source.at(row);
-            m_results.set(row, value.isNull() ? value : call({&value, 1}, frame.scratch()));
-            frame.collectFailure(row);
-        });
-        return m_results.vector();
+        const std::array<const Vector*, 1> arguments{&source};
+        return m_rowByRow.evaluate(frame, rows, arguments);
     }
 
   private:
@@ -42,7 +36,7 @@ class MappedOperand : public Operand {
         withTexts(source, [&](auto texts) { rows.forEach([&](std::uint32_t row) { size += texts[row].size(); }); });
         return size;
     }
-    /// ASCII texts of any form.
+    /// For ASCII texts in any form.
     const Vector& mapEach(const Vector& source, std::size_t size, const Frame& frame, const RowSet& rows) {
         m_adjacent.begin(frame.rows(), size);
         const auto map = m_isLower ? lowerAscii : upperAscii;
@@ -69,11 +63,11 @@ class MappedOperand : public Operand {
     std::vector<char> m_bytes;
     Vector m_block;
     AdjacentResults m_adjacent;
-    Results m_results;
+    RowCalls m_rowByRow; ///< for texts that are not ASCII, and for large ones
 };
 
-/// A function whose result is a part of its text, so that nothing is copied. `Cut` is called with a text and whether
-/// that is known to be ASCII.
+/// A function whose result is a part of its text, so that nothing is copied. `Cut` is called with a text and whether it
+/// is known to be ASCII.
 template <typename Cut>
 class CutOperand : public Operand {
   public:
@@ -115,7 +109,7 @@ class LengthOperand : public Operand {
         m_results.begin(Type::Integer, frame.rows());
         std::int64_t* const out = m_results.integers();
         if (source.isAscii() && source.ends && rows.isDense() && frame.rows() > 0) {
-            // A loop of its own, which the compiler turns into vector instructions.
+            // A separate loop, which the compiler vectorizes.
             out[0] = source.ends[0];
             for (std::size_t row = 1; row < frame.rows(); ++row)
                 out[row] = std::int64_t{source.ends[row] - source.ends[row - 1]};
@@ -138,7 +132,7 @@ class LengthOperand : public Operand {
     Results m_results;
 };
 
-/// instr of a fixed text, from a fixed character on.
+/// instr() of a constant text, from a constant position on.
 class PositionOperand : public Operand {
   public:
     PositionOperand(const Node& text, std::string_view part, std::int64_t first)
@@ -150,11 +144,11 @@ class PositionOperand : public Operand {
         const Vector& source = m_source->evaluate(frame, rows);
         m_results.begin(Type::Integer, frame.rows());
         std::int64_t* const out = m_results.integers();
-        // What is not found is at -1, so 0.
+        // kNotFound + 1 is 0, the result for "not found".
         static_assert(ByteSearch::kNotFound + 1 == 0);
         std::size_t seen = 0;
         if (m_skipped > 0) {
-            searchBehind(source, rows, out);
+            searchFrom(source, rows, out);
         } else if (source.ends && frame.rows() > 0) {
             const AdjacentTexts texts{source.bytes, source.ends};
             const auto search = m_search.inShortTexts(source.bytes + source.ends[frame.rows() - 1]);
@@ -179,7 +173,7 @@ class PositionOperand : public Operand {
     }
 
   private:
-    void searchBehind(const Vector& source, const RowSet& rows, std::int64_t* places) const {
+    void searchFrom(const Vector& source, const RowSet& rows, std::int64_t* places) const {
         const bool isAscii = source.isAscii();
         withTexts(source, [&](auto texts) {
             const auto search = m_search.inShortTexts(source.ends ? source.readable : nullptr);
@@ -194,7 +188,7 @@ class PositionOperand : public Operand {
         if (!isAscii)
             countBefore(source, rows, places);
     }
-    /// Makes places in bytes those in characters.
+    /// Converts positions in bytes to positions in characters.
     static void countBefore(const Vector& source, const RowSet& rows, std::int64_t* places) {
         withTexts(source, [&](auto texts) {
             rows.forEach([&](std::uint32_t row) {
@@ -208,7 +202,7 @@ class PositionOperand : public Operand {
 
     OperandPtr m_source;
     ByteSearch m_search;
-    std::size_t m_skipped; ///< characters before the first place
+    std::size_t m_skipped; ///< characters to skip
     Results m_results;
 };
 

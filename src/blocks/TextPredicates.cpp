@@ -10,7 +10,7 @@ namespace tavix::expression {
 
 namespace {
 
-/// A test of each text by itself; `Test` is called with the text.
+/// Tests each text separately.
 template <typename Test>
 class EachText : public Predicate {
   public:
@@ -33,8 +33,7 @@ PredicatePtr makeEach(const Node& text, Test test) {
     return std::make_unique<EachText<Test>>(text, std::move(test));
 }
 
-/// Whether a constant occurs in a text. A block of longer texts is searched in one go, and what is found told apart by
-/// row.
+/// Whether a constant occurs in a text. A block of longer texts is searched at once, and the hits are assigned to rows.
 class ContainsPredicate : public Predicate {
   public:
     ContainsPredicate(const Node& text, std::string_view part) : m_operand(makeOperand(text)), m_search(part) {}
@@ -77,7 +76,7 @@ class ContainsPredicate : public Predicate {
                 ++row;
             const bool isWithin = at + size <= ends[row];
             m_found[row] |= isWithin ? 1 : 0;
-            // A hit that reaches into the next row tells nothing about either.
+            // a hit across two rows is not a hit in either
             at = m_search.find(bytes, isWithin ? ends[row] : at + 1);
         }
     }
@@ -122,7 +121,7 @@ class MatchPredicate : public Predicate {
     OperandPtr m_operand;
     const Matcher& m_matcher;
     ByteSearch m_required;
-    bool m_isWorthSearching; ///< a single byte is found in too many texts
+    bool m_isWorthSearching; ///< a single byte occurs in too many texts
 };
 
 PredicatePtr makeUnaryTest(const Node& node) {

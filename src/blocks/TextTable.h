@@ -12,10 +12,10 @@
 
 namespace tavix::expression {
 
-/// Fixed texts among which many others are looked for, most of them in vain.
+/// A set of constant texts for lookups, most of which fail.
 class TextTable {
   public:
-    /// The members have to outlive it.
+    /// The members must outlive the table.
     explicit TextTable(const TextSet& members) : m_members(members) {
         m_shift = 64 - static_cast<int>(std::bit_width(std::bit_ceil(members.size() * kBitsPerMember) - 1));
         m_shift = std::min(m_shift, 64 - kLeastBits);
@@ -29,11 +29,11 @@ class TextTable {
             m_few = {};
     }
 
-    /// Decides most texts that are no members by their first and last bytes. A copy on the stack of a loop stays in
+    /// Rules out most texts that are not members by their first and last bytes. A copy on the stack of a loop stays in
     /// registers.
     class Filter {
       public:
-        /// False only for what is no member; without a branch. `readable`: as for textKey.
+        /// False only for a text that is not a member; branch-free. `readable`: as for textKey().
         [[nodiscard]] bool mayHold(std::string_view text, const char* readable) const {
             const std::uint64_t place = placeOf(text, readable);
             return ((m_bits[place / 64] >> place % 64) & 1U) != 0;
@@ -44,7 +44,7 @@ class TextTable {
         Filter(const std::uint64_t* bits, int shift) : m_bits(bits), m_shift(shift) {}
 
         [[nodiscard]] std::uint64_t placeOf(std::string_view text, const char* readable) const {
-            // Keys of customers and the like begin alike and differ in their last bytes.
+            // Customer numbers and the like have the same beginning and differ in their last bytes.
             const std::uint64_t ends = textKey(text, readable) ^ std::rotl(textTail(text, readable), 29);
             return (ends + text.size()) * 0x9E3779B97F4A7C15U >> m_shift;
         }
@@ -64,7 +64,7 @@ class TextTable {
   private:
     static constexpr std::size_t kBitsPerMember = 32;
     static constexpr int kLeastBits = 10;
-    /// Up to here comparing with each is cheaper than a hash of the whole text.
+    /// Up to here comparing with each member is cheaper than hashing the whole text.
     static constexpr std::size_t kFew = 8;
 
     const TextSet& m_members;

@@ -10,13 +10,13 @@ namespace tavix::expression {
 
 class Frame;
 
-/// Whether no byte of some texts is above 0x7F. Of a block's column that is looked at when it is first asked, since
-/// many operators need not know.
+/// Whether some texts are all ASCII. For a block's column this is computed when it is first asked, since many operators
+/// do not need it.
 class AsciiAnswer {
   public:
     AsciiAnswer() = default;
     explicit AsciiAnswer(bool isYes) : m_isYes(isYes) {}
-    /// The frame has to outlive it.
+    /// The frame must outlive it.
     AsciiAnswer(Frame& frame, std::size_t column) : m_frame(&frame), m_column(column) {}
     [[nodiscard]] bool isYes() const;
 
@@ -26,22 +26,22 @@ class AsciiAnswer {
     bool m_isYes = false;
 };
 
-/// The values that an expression has in the rows of a block; only the rows that were asked for hold any. Borrowed from
-/// the block or from the operator that made it.
+/// The values of an expression in the rows of a block; only the requested rows have one. Borrowed from the block or
+/// from the operator that made it.
 struct Vector {
     Type type = Type::Null;
     bool isConstant = false;
     Value constant;
-    // Texts, in one of two forms: one after the other in `bytes`, or each by itself.
+    // Texts, in one of two forms: adjacent in `bytes`, or separate.
     const char* bytes = nullptr;
     const std::uint32_t* ends = nullptr;
     const std::string_view* texts = nullptr;
-    const char* readable = nullptr; ///< of `bytes`, up to where they may be read; null when that is not known
+    const char* readable = nullptr; ///< the end of the memory that may be read after `bytes`; null when unknown
     AsciiAnswer ascii;
     const std::int64_t* integers = nullptr; ///< also dates
     const double* reals = nullptr;
     const std::uint8_t* booleans = nullptr;
-    const std::uint8_t* nulls = nullptr; ///< null when no row is
+    const std::uint8_t* nulls = nullptr; ///< null when no row is null
 
     [[nodiscard]] bool isNull(std::uint32_t row) const {
         return isConstant ? constant.isNull() : nulls && nulls[row] != 0;
@@ -50,7 +50,7 @@ struct Vector {
     [[nodiscard]] Value at(std::uint32_t row) const;
 };
 
-/// Reads texts that lie one after the other.
+/// Reads adjacent texts.
 struct AdjacentTexts {
     const char* bytes;
     const std::uint32_t* ends;
@@ -63,16 +63,16 @@ struct AdjacentTexts {
     }
 
   private:
-    /// A loop over texts waits for memory more than it computes: a block is too short for the processor to see early
-    /// enough where the loop is going. Nothing is read, so the place may lie behind the block.
+    /// Loops over texts are bound by memory: a block is too short for the hardware to detect the access pattern in
+    /// time. Prefetching reads nothing, so the address may be past the block.
     void fetchAhead(std::uint32_t from) const {
         constexpr std::uintptr_t kAhead = 2048;
-        // A number, since no pointer may point there. NOLINTNEXTLINE(performance-no-int-to-ptr)
+        // As an integer, since a pointer must not point there. NOLINTNEXTLINE(performance-no-int-to-ptr)
         __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(bytes) + from + kAhead));
     }
 };
 
-/// Calls with the reader that fits the texts of a vector that is not constant.
+/// Calls `use` with a reader for the texts of a vector that is not constant.
 template <typename Use>
 void withTexts(const Vector& vector, Use use) {
     if (vector.ends)

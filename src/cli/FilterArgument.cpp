@@ -30,13 +30,10 @@ bool isFilterFileName(const std::string& path) {
 }
 
 std::string readFilterFile(const std::string& path) {
-    auto file = openFilterToRead(path);
-    if (!file)
-        fail(path, file.error().text);
-    auto text = readFilter(*file);
-    if (!text)
-        fail(path, text.error().text);
-    return std::move(*text);
+    LoadedFilter loaded = loadFilter(path);
+    if (const auto* problem = std::get_if<FilterFileProblem>(&loaded))
+        fail(path, problem->text);
+    return std::get<std::string>(std::move(loaded));
 }
 
 /// Whether the bytes are those of a ".flt" file: they begin with the length of the rest, and not with text.

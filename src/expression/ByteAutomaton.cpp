@@ -9,11 +9,11 @@ namespace tavix::expression {
 
 namespace {
 
-constexpr std::size_t kMostPlaces = 512;
-constexpr std::size_t kMostStates = 250;
+constexpr std::size_t kMostNfaStates = 512;
+constexpr std::size_t kMostDfaStates = 250;
 
-/// Where one may stand in a pattern: before a byte of a set, before two ways to go on, or at its end.
-struct Place {
+/// A state of the nondeterministic automaton: it reads a byte of a set, or branches, or is the end.
+struct NfaState {
     enum class Kind { Bytes, Fork, End };
     Kind kind = Kind::End;
     AsciiSet bytes;
@@ -21,27 +21,27 @@ struct Place {
     std::size_t other = 0;
 };
 
-/// The places of a pattern, made from its end to its beginning.
-class Places {
+/// The nondeterministic automaton of a pattern, built from its end to its beginning.
+class Nfa {
   public:
-    explicit Places(const PatternPart& pattern) {
+    explicit Nfa(const PatternPart& pattern) {
         m_list.emplace_back();
         m_start = add(pattern, 0);
     }
 
-    [[nodiscard]] bool areTooMany() const { return m_list.size() > kMostPlaces; }
+    [[nodiscard]] bool areTooMany() const { return m_list.size() > kMostNfaStates; }
     [[nodiscard]] std::size_t start() const { return m_start; }
-    [[nodiscard]] const Place& operator[](std::size_t place) const { return m_list[place]; }
-    [[nodiscard]] const std::vector<Place>& list() const { return m_list; }
+    [[nodiscard]] const NfaState& operator[](std::size_t state) const { return m_list[state]; }
+    [[nodiscard]] const std::vector<NfaState>& list() const { return m_list; }
 
   private:
-    /// Where the part begins that is followed by the place `next`.
+    /// The first state of the part, which is followed by the state `next`.
     std::size_t add(const PatternPart& part, std::size_t next) {
         if (areTooMany())
             return next;
         switch (part.kind) {
         case PatternPart::Kind::Bytes:
-            return make({Place::Kind::Bytes, part.bytes, next, 0});
+            return make({NfaState::Kind::Bytes, part.bytes, next, 0});
         case PatternPart::Kind::Sequence:
             for (auto one = part.parts.rbegin(); one != part.parts.rend(); ++one)
                 next = add(*one, next);
@@ -49,7 +49,7 @@ class Places {
         case PatternPart::Kind::Choice: {
             std::size_t start = add(part.parts.back(), next);
             for (auto one = part.parts.rbegin() + 1; one != part.parts.rend(); ++one)
-                start = make({Place::Kind::Fork, {}, add(*one, next), start});
+                start = make({NfaState::Kind::Fork, {}, add(*one, next), start});
             return start;
         }
         case PatternPart::Kind::Repeat:
@@ -62,34 +62,34 @@ class Places {
         const PatternPart& body = part.parts.front();
         std::size_t start = next;
         if (part.most == PatternPart::kUnlimited) {
-            start = make({Place::Kind::Fork, {}, 0, next});
+            start = make({NfaState::Kind::Fork, {}, 0, next});
             m_list[start].next = add(body, start);
         } else {
             for (int i = part.least; i < part.most && !areTooMany(); ++i)
-                start = make({Place::Kind::Fork, {}, add(body, start), next});
+                start = make({NfaState::Kind::Fork, {}, add(body, start), next});
         }
         for (int i = 0; i < part.least && !areTooMany(); ++i)
             start = add(body, start);
         return start;
     }
 
-    std::size_t make(Place place) {
-        m_list.push_back(place);
+    std::size_t make(NfaState state) {
+        m_list.push_back(state);
         return m_list.size() - 1;
     }
 
-    std::vector<Place> m_list;
+    std::vector<NfaState> m_list;
     std::size_t m_start = 0;
 };
 
-/// Bytes that no set of the pattern tells apart, numbered; returns how many numbers there are.
-std::size_t classify(const Places& places, std::array<std::uint8_t, 256>& classes) {
+/// Numbers the classes of bytes that no set of the pattern distinguishes; returns their number.
+std::size_t classify(const Nfa& nfa, std::array<std::uint8_t, 256>& classes) {
     std::map<std::vector<bool>, std::uint8_t> numbers;
     for (std::size_t byte = 0; byte < 128; ++byte) {
         std::vector<bool> memberships;
-        for (const Place& place : places.list()) {
-            if (place.kind == Place::Kind::Bytes)
-                memberships.push_back(place.bytes[byte]);
+        for (const NfaState& state : nfa.list()) {
+            if (state.kind == NfaState::Kind::Bytes)
+                memberships.push_back(state.bytes[byte]);
         }
         const auto number = static_cast<std::uint8_t>(numbers.size());
         classes[byte] = numbers.emplace(std::move(memberships), number).first->second;
@@ -97,25 +97,24 @@ std::size_t classify(const Places& places, std::array<std::uint8_t, 256>& classe
     return numbers.size();
 }
 
-/// The states of the table: each a set of places at which one may stand.
-class States {
+/// The states of the deterministic automaton, each a set of states of the other one.
+class DfaStates {
   public:
-    static constexpr std::size_t kNone = static_cast<std::size_t>(-1); ///< where no place is left
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1); ///< the empty set
 
-    States(const Places& places, const std::array<std::uint8_t, 256>& classes, std::size_t classCount)
-        : m_places(places) {
+    DfaStates(const Nfa& nfa, const std::array<std::uint8_t, 256>& classes, std::size_t classCount) : m_nfa(nfa) {
         for (std::size_t byte = 128; byte-- > 0;)
             m_examples[classes[byte]] = byte;
-        (void)stateOf({m_places.start()});
+        (void)stateOf({m_nfa.start()});
         for (std::size_t state = 0; state < m_sets.size() && !areTooMany(); ++state) {
             for (std::size_t c = 0; c < classCount; ++c)
                 m_moves.push_back(move(state, m_examples[c]));
         }
     }
 
-    [[nodiscard]] bool areTooMany() const { return m_sets.size() > kMostStates; }
+    [[nodiscard]] bool areTooMany() const { return m_sets.size() > kMostDfaStates; }
     [[nodiscard]] std::size_t count() const { return m_sets.size(); }
-    /// For each state a move for each class.
+    /// For each state the next state for each class.
     [[nodiscard]] const std::vector<std::size_t>& moves() const { return m_moves; }
     [[nodiscard]] bool isAccepting(std::size_t state) const { return m_sets[state].front() == 0; }
 
@@ -124,29 +123,29 @@ class States {
 
     std::size_t move(std::size_t state, std::size_t byte) {
         std::vector<std::size_t> reached;
-        for (const std::size_t place : m_sets[state]) {
-            if (m_places[place].kind == Place::Kind::Bytes && m_places[place].bytes[byte])
-                reached.push_back(m_places[place].next);
+        for (const std::size_t nfaState : m_sets[state]) {
+            if (m_nfa[nfaState].kind == NfaState::Kind::Bytes && m_nfa[nfaState].bytes[byte])
+                reached.push_back(m_nfa[nfaState].next);
         }
         return reached.empty() ? kNone : stateOf(std::move(reached));
     }
 
-    /// With all that can be reached without a byte.
+    /// Adds all states that can be reached without a byte.
     std::size_t stateOf(std::vector<std::size_t> open) {
-        std::vector<bool> seen(m_places.list().size());
+        std::vector<bool> seen(m_nfa.list().size());
         Set set;
         while (!open.empty()) {
-            const std::size_t place = open.back();
+            const std::size_t nfaState = open.back();
             open.pop_back();
-            if (seen[place])
+            if (seen[nfaState])
                 continue;
-            seen[place] = true;
-            if (m_places[place].kind != Place::Kind::Fork) {
-                set.push_back(place);
+            seen[nfaState] = true;
+            if (m_nfa[nfaState].kind != NfaState::Kind::Fork) {
+                set.push_back(nfaState);
                 continue;
             }
-            open.push_back(m_places[place].next);
-            open.push_back(m_places[place].other);
+            open.push_back(m_nfa[nfaState].next);
+            open.push_back(m_nfa[nfaState].other);
         }
         std::ranges::sort(set);
         const auto [known, isNew] = m_numbers.emplace(set, m_sets.size());
@@ -155,8 +154,8 @@ class States {
         return known->second;
     }
 
-    const Places& m_places;
-    std::array<std::size_t, 256> m_examples{}; ///< of each class, a byte
+    const Nfa& m_nfa;
+    std::array<std::size_t, 256> m_examples{}; ///< a byte of each class
     std::vector<Set> m_sets;
     std::map<Set, std::size_t> m_numbers;
     std::vector<std::size_t> m_moves;
@@ -170,12 +169,12 @@ std::optional<ByteAutomaton> ByteAutomaton::build(std::string_view pattern) {
 }
 
 std::optional<ByteAutomaton> ByteAutomaton::build(const PatternPart& pattern) {
-    const Places places(pattern);
-    if (places.areTooMany())
+    const Nfa nfa(pattern);
+    if (nfa.areTooMany())
         return std::nullopt;
     ByteAutomaton made;
-    const std::size_t classes = classify(places, made.m_class);
-    const States states(places, made.m_class, classes);
+    const std::size_t classes = classify(nfa, made.m_class);
+    const DfaStates states(nfa, made.m_class, classes);
     if (states.areTooMany())
         return std::nullopt;
 
@@ -200,7 +199,7 @@ std::optional<ByteAutomaton> ByteAutomaton::build(const PatternPart& pattern) {
     for (std::size_t state = 0; state < states.count(); ++state) {
         for (std::size_t c = 0; c < classes; ++c) {
             const std::size_t to = states.moves()[state * classes + c];
-            made.m_next[rowOf[state] + c] = to == States::kNone ? kNever : rowOf[to];
+            made.m_next[rowOf[state] + c] = to == DfaStates::kNone ? kNever : rowOf[to];
         }
         made.m_next[rowOf[state] + classes] = unknown;
     }

@@ -11,17 +11,17 @@ namespace tavix::expression {
 
 struct PatternPart;
 
-/// A regular expression of the usual kind as one table that is walked byte by byte, several times as fast on short
-/// texts as a general matcher. It knows ASCII only.
+/// A regular expression as a deterministic automaton whose table is walked byte by byte, several times as fast on short
+/// texts as a general matcher. It handles ASCII only.
 class ByteAutomaton {
   public:
     enum class Answer { No, Yes, Unknown };
 
-    /// None for a pattern that needs more than characters, classes, groups, choices and repetition, and for one whose
-    /// table would be large. The pattern has to be correct; its syntax is that of RE2, with '.' for any character.
+    /// None when the pattern needs more than characters, classes, groups, choices and repetition, or a large table. The
+    /// pattern must be correct; its syntax is that of RE2, with '.' for any character.
     [[nodiscard]] static std::optional<ByteAutomaton> build(std::string_view pattern);
 
-    /// The same of a tree; only its size may be a reason for none.
+    /// Builds from a tree; none only when the table would be too large.
     [[nodiscard]] static std::optional<ByteAutomaton> build(const PatternPart& pattern);
 
     /// Whether the whole text matches; Unknown when that depends on a byte above 0x7F.
@@ -38,11 +38,11 @@ class ByteAutomaton {
   private:
     ByteAutomaton() = default;
 
-    // A state is where its row begins in the table: first the one that nothing leaves, then that of other bytes, those
-    // in which a text is no match if it ends there, and those in which it is one.
+    // A state is the offset of its row in the table: first the state that no byte leaves, then the one for other bytes,
+    // then the states that reject at the end of the text, then those that accept.
     static constexpr std::uint16_t kNever = 0;
 
-    std::array<std::uint8_t, 256> m_class{}; ///< bytes that no part of the pattern tells apart
+    std::array<std::uint8_t, 256> m_class{}; ///< the class of each byte; the pattern treats bytes of one class alike
     std::vector<std::uint16_t> m_next;
     std::uint16_t m_start = 0;
     std::uint16_t m_firstOpen = 0;

@@ -12,7 +12,7 @@
 
 namespace tavix::expression {
 
-/// Finds a fixed byte string again and again. In time linear in the text, whatever the two are.
+/// Searches many texts for a fixed byte string, in time linear in the text.
 class ByteSearch {
   public:
     static constexpr std::size_t kNotFound = std::string_view::npos;
@@ -30,7 +30,7 @@ class ByteSearch {
         return m_needle;
     }
 
-    /// The first occurrence in `text` at or behind `from`.
+    /// The first occurrence in `text` at `from` or later.
     [[nodiscard]] std::size_t find(std::string_view text, std::size_t from = 0) const {
         const std::size_t size = m_needle.size();
         if (text.size() < size || from > text.size() - size)
@@ -39,10 +39,10 @@ class ByteSearch {
             return from;
         if (size > kShort)
             return findLong(text, from);
-        const std::size_t end = text.size() - size + 1; // behind the last place where it can begin
+        const std::size_t end = text.size() - size + 1; // one past the last possible beginning
         std::size_t at = from;
 #if defined(__SSE2__)
-        // The first and the last byte are compared at sixteen places at once; what lies between decides few of them.
+        // Compare the first and the last byte at sixteen offsets at once; few of the hits need the bytes between.
         const __m128i first = m_first;
         const __m128i last = m_last;
         for (; at + 16 <= end; at += 16) {
@@ -64,7 +64,7 @@ class ByteSearch {
         return kNotFound;
     }
 
-    /// Calls with each place of a needle that is a single byte.
+    /// Calls `visit` with each offset of a needle that is a single byte.
     template <typename Visit>
     void forEachByte(std::string_view text, Visit visit) const {
         const char byte = m_needle.front();
@@ -83,9 +83,8 @@ class ByteSearch {
         }
     }
 
-    /// The search in many texts that lie within bytes which may be read up to the same place. Most values are short:
-    /// all their places are compared at once, without a loop. What that needs stays in registers when a loop has a
-    /// copy.
+    /// Searches many texts within readable memory. Most values are short: all their offsets are compared at once,
+    /// without a loop. A copy on the stack keeps the members in registers in a loop.
     class ShortTexts {
       public:
         [[nodiscard]] std::size_t find(std::string_view text) const {
@@ -96,7 +95,7 @@ class ByteSearch {
                     while (hits != 0 && !m_search.isAt(text.data() + __builtin_ctz(hits)))
                         hits &= hits - 1;
                 }
-                // Whether there is one is as chance has it, so nothing branches on it.
+                // Branch-free, since hits are unpredictable.
                 static_assert(kNotFound + 1 == 0);
                 const std::size_t isFound = hits != 0 ? 1 : 0;
                 return ((static_cast<std::size_t>(__builtin_ctz(hits | 0x10000U)) + 1) & (0 - isFound)) - 1;
@@ -114,7 +113,7 @@ class ByteSearch {
 
       private:
         friend class ByteSearch;
-        /// Not to take registers from the loops.
+        /// Not inlined, to leave the registers to the loops.
         [[nodiscard, gnu::noinline]] std::size_t findElsewhere(std::string_view text) const {
             return m_search.find(text);
         }
@@ -129,10 +128,10 @@ class ByteSearch {
               m_reach(static_cast<std::ptrdiff_t>(m_size) + 15) {}
 
         [[nodiscard]] bool fits(std::string_view text) const {
-            // One byte too few is no place at all; with fewer the difference is beyond all bounds.
+            // `size - needle + 1` is 0 or wraps around for a text shorter than the needle.
             return text.size() - m_size + 1 <= m_most && m_readable - text.data() >= m_reach;
         }
-        /// A bit for each place at which the first and the last byte are right: all that a needle of up to two has.
+        /// A bit for each offset where the first and the last byte match, which is all of a needle of up to two bytes.
         [[nodiscard]] std::uint32_t places(std::string_view text) const {
             const __m128i begins = _mm_cmpeq_epi8(m_first, load(text.data()));
             const __m128i ends = _mm_cmpeq_epi8(m_last, load(text.data() + m_size - 1));
@@ -153,13 +152,13 @@ class ByteSearch {
         const ByteSearch& m_search;
 #endif
     };
-    /// `readable`: up to where bytes behind the texts may be read. Not to outlive the search.
+    /// `readable`: the end of the memory after the texts that may be read. Must not outlive the search.
     [[nodiscard]] ShortTexts inShortTexts(const char* readable) const {
         return {*this, readable};
     }
 
   private:
-    /// Up to here comparing at every place that looks right costs no more than a bounded number of steps a byte.
+    /// For needles up to this length, verifying every candidate costs a bounded number of steps for each byte.
     static constexpr std::size_t kShort = 32;
 
 #if defined(__SSE2__)

@@ -6,11 +6,11 @@
 #include "expression/FixedPatterns.h"
 #include "expression/Hints.h"
 #include "expression/Lexer.h"
-#include "expression/MadeNodes.h"
+#include "expression/NodeFactory.h"
 #include "expression/NumberFunctions.h"
 #include "expression/Rewriter.h"
 #include "expression/TextOperators.h"
-#include "expression/TypeMeeting.h"
+#include "expression/TypeUnification.h"
 
 #include <fmt/format.h>
 
@@ -37,14 +37,14 @@ class Builder {
         if (node)
             node = m_folder.fold(rewrite(std::move(node), m_folder));
         if (node && m_folder.isExhausted())
-            return fail(syntax.at, "the fixed texts that the expression makes up to here are too long");
+            return fail(syntax.at, "the constant texts of the expression are too long from here on");
         return node;
     }
     NodePtr condition(const Syntax& syntax) {
         NodePtr node = build(syntax);
         if (node && node->type != Type::Boolean && node->type != Type::Null)
             return fail(syntax.at,
-                        fmt::format("a condition is wanted here, and this is of type {}", typeName(node->type)));
+                        fmt::format("a condition is needed here, but this is of type {}", typeName(node->type)));
         return node;
     }
     NodePtr fail(Position at, std::string message) {
@@ -115,12 +115,12 @@ class Builder {
         const std::string name = shortened(syntax.text, kLongestEcho);
         if (syntax.spelling == Spelling::Marked)
             return fmt::format("there is no field `{}`{}", name, suggestion(syntax.text, names));
-        if (syntax.spelling == Spelling::BehindDashes)
-            return fmt::format("there is no field {}{}", name, behindSemicolon(kCommentHint));
+        if (syntax.spelling == Spelling::AfterDashes)
+            return fmt::format("there is no field {}{}", name, afterSemicolon(kCommentHint));
         const std::string_view hint = hintForName(lowerText(syntax.text));
         return fmt::format("there is no field {}{}", name,
-                           hint.empty() ? suggestion(syntax.text, names) + "; texts stand in quotes"
-                                        : behindSemicolon(hint));
+                           hint.empty() ? suggestion(syntax.text, names) + "; put texts in quotes"
+                                        : afterSemicolon(hint));
     }
     [[nodiscard]] std::optional<std::size_t> findField(std::string_view name) const {
         const auto exact = std::ranges::find(m_fields, name, &Field::name);
@@ -154,14 +154,14 @@ class Builder {
         return node;
     }
 
-    /// The node, brought to a type; null with an error when values of its type cannot be.
+    /// Converts the node to a type; null, with an error, when its type cannot be converted.
     NodePtr converted(NodePtr node, Type type, Position at) {
         if (!node || node->type == type || type == Type::Null)
             return node;
         if (!accepts(type, node->type))
             return fail(at,
-                        fmt::format("{} is wanted here, and this is of type {}", typeName(type), typeName(node->type)));
-        return brought(std::move(node), type, m_folder);
+                        fmt::format("{} is needed here, but this is of type {}", typeName(type), typeName(node->type)));
+        return convertedNode(std::move(node), type, m_folder);
     }
     NodePtr negation(const Syntax& syntax) {
         const Syntax& inner = *syntax.children.front();
@@ -205,14 +205,14 @@ class Builder {
         }
         const bool isOrder = syntax.comparison != Comparison::Equal && syntax.comparison != Comparison::NotEqual;
         remarkOnNull(syntax, sides);
-        remark(syntax.at, remarkOnMeeting(sides, isOrder));
-        const Met met = bringTogether(sides, Meeting::Compared, m_folder);
-        if (!met.notDate.empty())
-            return fail(syntax.children[*met.clash]->at, notADate(met));
-        if (met.clash)
-            return fail(syntax.at, fmt::format("{} cannot be compared with {}", typeName(met.clashesWith),
-                                               typeName(sides[*met.clash]->type)));
-        if (isOrder && met.type == Type::Boolean)
+        remark(syntax.at, remarkOnTypes(sides, isOrder));
+        const Unified unified = unify(sides, Unification::Compared, m_folder);
+        if (!unified.notDate.empty())
+            return fail(syntax.children[*unified.clash]->at, notADate(unified));
+        if (unified.clash)
+            return fail(syntax.at, fmt::format("{} cannot be compared with {}", typeName(unified.clashesWith),
+                                               typeName(sides[*unified.clash]->type)));
+        if (isOrder && unified.type == Type::Boolean)
             return fail(syntax.at, "true and false have no order; compare them with == or !=");
         NodePtr node = made(NodeKind::Compare, Type::Boolean, std::move(sides));
         node->comparison = syntax.comparison;
@@ -223,7 +223,7 @@ class Builder {
         if (!m_remark && !message.empty())
             m_remark = ExpressionError{std::move(message), at.line, at.column};
     }
-    /// Only of the word itself: what is null in some rows or happens to be folded to it is another matter.
+    /// Only about the word itself, not about a value that is null in some rows or was folded to null.
     void remarkOnNull(const Syntax& syntax, const std::vector<NodePtr>& sides) {
         const auto isNull = [](const std::unique_ptr<Syntax>& side) {
             return side->kind == SyntaxKind::Word && side->text == "null";
@@ -237,8 +237,8 @@ class Builder {
         remark(syntax.at, fmt::format("a comparison with null is never true; write {}isnull({})",
                                       syntax.comparison == Comparison::NotEqual ? "not " : "", name));
     }
-    static std::string notADate(const Met& met) {
-        return fmt::format("{} is no date; dates are written '2026-11-21' or '2026-11-21 08:15:00'", met.notDate);
+    static std::string notADate(const Unified& unified) {
+        return fmt::format("{} is not a date; write dates as '2026-11-21' or '2026-11-21 08:15:00'", unified.notDate);
     }
 
     NodePtr choice(const Syntax& syntax) {
@@ -256,18 +256,18 @@ class Builder {
             }
             node->children.push_back(std::move(child));
         }
-        const Met met = bringTogether(results, Meeting::Chosen, m_folder);
-        if (met.clash) {
-            const Position at = syntax.children[places[*met.clash]]->at;
-            return fail(at, met.notDate.empty()
-                                ? fmt::format("one result is of type {} and this of type {}", typeName(met.clashesWith),
-                                              typeName(results[*met.clash]->type))
-                                : notADate(met) + kTextOfDate);
+        const Unified unified = unify(results, Unification::Chosen, m_folder);
+        if (unified.clash) {
+            const Position at = syntax.children[places[*unified.clash]]->at;
+            return fail(at, unified.notDate.empty()
+                                ? fmt::format("one result is of type {} and this of type {}",
+                                              typeName(unified.clashesWith), typeName(results[*unified.clash]->type))
+                                : notADate(unified) + kTextOfDate);
         }
-        node->type = met.type;
+        node->type = unified.type;
         for (std::size_t i = 0; i < places.size(); ++i)
             node->children[places[i]] = std::move(results[i]);
-        // Without an else there is no value.
+        // Without an else the value is null.
         if (node->children.size() % 2 == 0)
             node->children.push_back(makeConstant({}));
         return node;
@@ -286,7 +286,7 @@ class Builder {
             if (!arguments.back())
                 return nullptr;
         }
-        // Beside a date a text is one also where all others are compared as texts.
+        // A text next to a date is a date here even if all others are compared as texts.
         const bool hasDates =
             function->form == Form::Compare && (arguments[0]->type == Type::Date || arguments[1]->type == Type::Date);
         for (std::size_t i = 0; i < arguments.size(); ++i) {
@@ -352,16 +352,19 @@ class Builder {
         const bool isOrder =
             function.implementation == number_functions::greatest || function.implementation == number_functions::least;
         const bool isChoice = function.form == Form::FirstNonNull;
-        const Meeting meeting = isChoice ? Meeting::Chosen : isOrder ? Meeting::Ordered : Meeting::Equated;
+        const Unification unification = isChoice  ? Unification::Chosen
+                                        : isOrder ? Unification::Ordered
+                                                  : Unification::Equated;
         if (!isChoice)
-            remark(syntax.at, remarkOnMeeting(arguments, isOrder));
-        const Met met = bringTogether(arguments, meeting, m_folder);
-        if (!met.clash)
+            remark(syntax.at, remarkOnTypes(arguments, isOrder));
+        const Unified unified = unify(arguments, unification, m_folder);
+        if (!unified.clash)
             return true;
-        fail(syntax.children[*met.clash]->at,
-             met.notDate.empty() ? fmt::format("{} cannot put {} beside {}", function.name,
-                                               typeName(arguments[*met.clash]->type), typeName(met.clashesWith))
-                                 : notADate(met) + (isChoice ? kTextOfDate : ""));
+        fail(syntax.children[*unified.clash]->at,
+             unified.notDate.empty()
+                 ? fmt::format("{} cannot combine {} with {}", function.name, typeName(arguments[*unified.clash]->type),
+                               typeName(unified.clashesWith))
+                 : notADate(unified) + (isChoice ? kTextOfDate : ""));
         return false;
     }
 
@@ -373,7 +376,7 @@ class Builder {
 
     std::span<const Field> m_fields;
     Wanted m_wanted;
-    Folder m_folder;
+    ConstantFolder m_folder;
     FixedPatterns m_patterns;
     std::optional<ExpressionError> m_error;
     std::optional<ExpressionError> m_remark;

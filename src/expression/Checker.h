@@ -19,20 +19,20 @@ struct Field {
     bool operator==(const Field&) const = default;
 };
 
-/// What the caller wants of an expression.
+/// What kind of expression the caller needs.
 enum class Wanted : std::uint8_t {
     Condition, ///< true or false
     Value,     ///< a value of any type
 };
 
 struct Checked {
-    NodePtr tree; ///< null when there is an error
+    NodePtr tree; ///< null on an error
     std::optional<ExpressionError> error;
-    std::optional<ExpressionError> remark; ///< on the first place that probably does not mean what its author thinks
+    std::optional<ExpressionError> remark; ///< about the first place that probably does not mean what its author thinks
 };
 
-/// Settles names and types, and evaluates what is constant. A field is found by its exact name, else by its name in any
-/// case when only one has it. `size`: bytes of the text, by which memory is bounded.
+/// Resolves names and types and evaluates constants. A field is found by its exact name, or else by its name in any
+/// case when only one field has it. `size`: bytes of the text, which bound the memory.
 [[nodiscard]] Checked check(const Syntax& syntax, std::size_t size, std::span<const Field> fields, Wanted wanted);
 
 } // namespace tavix::expression

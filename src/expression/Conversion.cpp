@@ -12,7 +12,7 @@ namespace tavix::expression {
 
 namespace {
 
-constexpr std::string_view kTooLarge = "an integer grows beyond 64 bits";
+constexpr std::string_view kTooLarge = "an integer exceeds 64 bits";
 
 Value toText(const Value& value, Scratch& scratch) {
     switch (value.type) {
@@ -114,8 +114,8 @@ Value readCell(const Value& cell, Type type, std::string_view field, Scratch& sc
     if (isLost && !(cell.type == Type::Text && isBlankText(cell.text))) {
         constexpr std::int64_t kShown = 40;
         const Value shown = convert(cell, Type::Text, scratch);
-        scratch.fail(fmt::format("the field `{}` holds \"{}\", which is no {}", field, leftOf(shown.text, kShown),
-                                 typeName(type)));
+        scratch.fail(fmt::format("the field `{}` holds \"{}\", which is not of type {}", field,
+                                 leftOf(shown.text, kShown), typeName(type)));
     }
     return value;
 }
@@ -191,7 +191,7 @@ Value calculate(Arithmetic operation, const Value& left, const Value& right, Scr
     case Arithmetic::Multiply:
         isTooLarge = __builtin_mul_overflow(left.integer, right.integer, &result);
         break;
-    case Arithmetic::Divide: // the checker divides reals only
+    case Arithmetic::Divide: // the checker converts divisions to reals
     case Arithmetic::Remainder:
         if (right.integer == 0)
             return {};

@@ -4,7 +4,7 @@
 
 namespace tavix::expression {
 
-/// A place in an expression's text: lines and columns count from 1, columns in code points.
+/// A position in an expression's text: lines and columns count from 1, columns in code points.
 struct Position {
     int line = 1;
     int column = 1;
@@ -12,7 +12,7 @@ struct Position {
     bool operator==(const Position&) const = default;
 };
 
-/// Why a text is no expression, in words for its author.
+/// Why a text is not a valid expression, in words for its author.
 struct ExpressionError {
     std::string message;
     int line = 1;

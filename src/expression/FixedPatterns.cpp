@@ -15,7 +15,7 @@ constexpr std::size_t kMostRegulars = 500;
 constexpr std::size_t kMostAutomata = 100;
 constexpr std::size_t kLongestWildcard = 4096;
 
-/// The first ones may be large; the later ones share what is left, so that all together stay below 150 MB.
+/// The first patterns may be large; later ones share the rest, so that all together stay below 150 MB.
 std::int64_t memoryOf(std::size_t number) {
     constexpr std::int64_t kMost = std::int64_t{8} << 20;
     constexpr std::int64_t kLeast = std::int64_t{128} << 10;

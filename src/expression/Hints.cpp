@@ -20,13 +20,13 @@ struct Hint {
 };
 
 constexpr std::string_view kOverRows =
-    "counts, sums and averages of rows are figures of a custom metric (count:, sum:, average:)";
+    "for counts, sums and averages of rows use a custom metric (count:, sum:, average:)";
 
-constexpr std::string_view kToday = "there is no word for today; write the date, as in '2026-11-21'";
+constexpr std::string_view kToday = "write the date itself, as in '2026-11-21'";
 constexpr std::string_view kConversions = "write tonumber(...), tointeger(...), totext(...) or todate(...)";
 constexpr std::string_view kChoice = "write if condition then return a else return b";
 
-/// By name, for a binary search.
+/// Sorted by name for binary search.
 constexpr auto kFunctions = std::to_array<Hint>({
     {"average", kOverRows},
     {"avg", kOverRows},
@@ -89,7 +89,7 @@ constexpr auto kFunctions = std::to_array<Hint>({
     {"truncate", "write trunc"},
     {"ucase", "write upper"},
     {"val", "write tonumber"},
-    {"value", "write tonumber(...); fields stand in grave accents"},
+    {"value", "write tonumber(...); put fields in grave accents"},
 });
 
 constexpr auto kWords = std::to_array<Hint>({
@@ -108,7 +108,7 @@ constexpr auto kWords = std::to_array<Hint>({
     {"is", "write isnull(value) or not isnull(value)"},
     {"like", "write match_string(value, 'a*'), with * and ?"},
     {"mod", "write %"},
-    {"not", "\"not\" stands before the whole condition, as in not inlist(value, a, b)"},
+    {"not", "put \"not\" before the whole condition, as in not inlist(value, a, b)"},
     {"regexp", "write matches(value, 'expression')"},
     {"rlike", "write matches(value, 'expression')"},
     {"similar", "write matches(value, 'expression')"},
@@ -151,10 +151,10 @@ std::string_view hintForName(std::string_view name) {
 
 std::string noFunction(std::string_view written) {
     return fmt::format("there is no function {}{}", shortened(written, kLongestEcho),
-                       behindSemicolon(hintForFunction(lowerText(written))));
+                       afterSemicolon(hintForFunction(lowerText(written))));
 }
 
-std::string behindSemicolon(std::string_view hint) {
+std::string afterSemicolon(std::string_view hint) {
     return hint.empty() ? std::string() : "; " + std::string(hint);
 }
 

@@ -43,7 +43,7 @@ bool Interpreter::is(bool wanted, const Node& condition, std::span<const Value> 
     case NodeKind::And:
     case NodeKind::Or: {
         const auto holdsFor = [&](const NodePtr& child) { return is(wanted, *child, row); };
-        // True needs all parts of "and"; false needs one of them.
+        // "and" is true when all parts are, false when one is.
         return (condition.kind == NodeKind::And) == wanted ? std::ranges::all_of(condition.children, holdsFor)
                                                            : std::ranges::any_of(condition.children, holdsFor);
     }

@@ -9,15 +9,15 @@
 
 namespace tavix::expression {
 
-/// Walks a tree for one row of values. Failures are left in the scratch; the value is then of no use.
+/// Evaluates a tree for one row of values. Failures are left in the scratch; the value is then meaningless.
 class Interpreter {
   public:
     explicit Interpreter(Scratch& scratch) : m_scratch(scratch) {}
 
-    /// `row` holds a value for each field of the list that the tree was checked against.
+    /// `row`: a value for each field of the list that the tree was checked against.
     [[nodiscard]] Value evaluate(const Node& node, std::span<const Value> row);
-    /// Whether the condition is true, or, with `wanted` false, whether it is false; null is neither. What the question
-    /// does not need is not evaluated.
+    /// Whether the condition is true or, with `wanted` false, whether it is false; null is neither. Evaluates only what
+    /// the answer needs.
     [[nodiscard]] bool is(bool wanted, const Node& condition, std::span<const Value> row);
 
   private:
@@ -28,7 +28,7 @@ class Interpreter {
     Value evaluateOperator(const Node& node, std::span<const Value> row);
 
     Scratch& m_scratch;
-    std::vector<Value> m_arguments; ///< of the calls that are under way, the innermost last
+    std::vector<Value> m_arguments; ///< of the calls being evaluated, the innermost last
 };
 
 } // namespace tavix::expression

@@ -27,7 +27,7 @@ struct Sign {
     TokenKind kind;
 };
 
-// Longer signs stand before their beginnings.
+// Longer signs come before their prefixes.
 constexpr std::array<Sign, 15> kSigns{{{"==", TokenKind::Equal},
                                        {"=", TokenKind::Equal},
                                        {"!=", TokenKind::NotEqual},
@@ -44,7 +44,7 @@ constexpr std::array<Sign, 15> kSigns{{{"==", TokenKind::Equal},
                                        {"/", TokenKind::Divide},
                                        {"%", TokenKind::Percent}}};
 
-/// Signs of other languages; those before their beginnings.
+/// Signs of other languages; longer signs come before their prefixes.
 struct WrongSign {
     std::string_view text;
     std::string_view hint;
@@ -59,12 +59,12 @@ constexpr auto kWrongSigns = std::to_array<WrongSign>({
     {"~", "write matches(text, 'expression')"},
     {"?", "write if condition then return a else return b"},
     {"::", "write tonumber(...), tointeger(...), totext(...) or todate(...)"},
-    {":", "a name with a colon stands in grave accents"},
-    {";", "there is one expression only, without \";\""},
-    {"[", "fields stand in grave accents"},
-    {"{", "fields stand in grave accents"},
+    {":", "put a name with a colon in grave accents"},
+    {";", "an expression ends without \";\""},
+    {"[", "put fields in grave accents"},
+    {"{", "put fields in grave accents"},
 });
-/// Any of these, before what is left of the signs.
+/// These hints come before those of single signs.
 constexpr std::string_view kPrintedQuotes = "‘’‚‛“”„‟«»‹›´′″";
 
 class Scanner {
@@ -91,7 +91,7 @@ class Scanner {
     }
     [[nodiscard]] bool startsWith(std::string_view what) const { return m_text.substr(m_at).starts_with(what); }
 
-    /// Steps over one character and counts it; false on bytes that are no UTF-8.
+    /// Advances by one character and counts it; false on bytes that are not UTF-8.
     bool advance() {
         const char c = m_text[m_at];
         if (c == '\n' || (c == '\r' && peek(1) != '\n')) {
@@ -101,7 +101,7 @@ class Scanner {
             return true;
         }
         if (nextCharacter(m_text, m_at) < 0)
-            return fail(m_position, "a byte here belongs to no character of UTF-8");
+            return fail(m_position, "this byte is not UTF-8");
         ++m_position.column;
         return true;
     }
@@ -173,10 +173,10 @@ class Scanner {
             return false;
         const std::string_view character = m_text.substr(start, m_at - start);
         if (isAscii(character.front()) && (character.front() < ' ' || character.front() == 0x7F))
-            return fail(at, "a control character cannot stand here");
+            return fail(at, "a control character is not allowed here");
         const bool isQuote = kPrintedQuotes.find(character) != std::string_view::npos;
-        return fail(at, fmt::format("the character {} cannot stand here{}", character,
-                                    isQuote ? "; texts stand between plain quotes, as in 'a' or \"a\"" : ""));
+        return fail(at, fmt::format("the character {} is not allowed here{}", character,
+                                    isQuote ? "; put texts in plain quotes, as in 'a' or \"a\"" : ""));
     }
 
     [[nodiscard]] Token begin(TokenKind kind) const {
@@ -263,7 +263,7 @@ class Scanner {
                                          made.isDoubleQuoted ? "double" : "single"));
     }
 
-    /// Whether what follows is what follows a text, as when a backslash was its last character.
+    /// Whether the rest looks like the text after a quoted text, as when a backslash was its last character.
     [[nodiscard]] bool looksLikeBehindText() const {
         const std::size_t next = m_text.find_first_not_of(" \t\r\n", m_at);
         if (next == std::string_view::npos)

@@ -14,8 +14,8 @@ enum class TokenKind : std::uint8_t {
     End,
     Word, ///< a keyword, or the name of a function or field; in lower case
     Number,
-    Text,  ///< without its quotes and escapes
-    Field, ///< without its grave accents
+    Text,  ///< without quotes and escapes
+    Field, ///< without grave accents
     LeftParenthesis,
     RightParenthesis,
     Comma,
@@ -36,28 +36,28 @@ struct Token {
     TokenKind kind = TokenKind::End;
     Position at;
     std::string text;
-    std::string written; ///< a word as it was written
-    /// A text with an escaped quote that may have been meant as its end.
+    std::string written; ///< a word as written
+    /// A text with an escaped quote that may have been meant to end it.
     bool hasDoubtfulEnd = false;
     bool isDoubleQuoted = false; ///< a text
     bool isAdjacent = false;     ///< begins where the token before it ended
 };
 
-/// Of a name or number that a message repeats, in bytes.
+/// Bytes of a name or number that a message quotes.
 inline constexpr std::size_t kLongestEcho = 60;
 
-/// Longer texts are no expressions to us.
+/// Longer texts are rejected.
 inline constexpr std::size_t kLongestExpression = std::size_t{1} << 20;
 
 struct Tokens {
-    std::vector<Token> list; ///< closed by a token End
+    std::vector<Token> list; ///< ends with a token End
     std::optional<ExpressionError> error;
 };
 
-/// Cuts a text into tokens; blanks and comments fall away.
+/// Splits a text into tokens; blanks and comments are dropped.
 [[nodiscard]] Tokens tokenize(std::string_view text);
 
-/// A token as messages name it: "the word 'then'", "the end".
+/// A token as it is named in messages: "the word 'then'", "the end".
 [[nodiscard]] std::string describe(const Token& token);
 
 } // namespace tavix::expression

@@ -9,7 +9,7 @@
 
 namespace tavix::expression {
 
-/// A pattern of a program, made ready once: what texts does it match? Shared by all evaluators, so without state.
+/// A compiled pattern of a program. All evaluators share it, so it has no state.
 class Matcher {
   public:
     Matcher() = default;
@@ -17,21 +17,20 @@ class Matcher {
     Matcher& operator=(const Matcher&) = delete;
     virtual ~Matcher() = default;
 
-    /// `isAscii`: whether the text is known to be ASCII. Tells in `scratch` when it gives up.
+    /// `isAscii`: whether the text is known to be ASCII. Leaves a failure in `scratch` when it gives up.
     [[nodiscard]] virtual bool matches(std::string_view text, bool isAscii, Scratch& scratch) const = 0;
-    /// Bytes that every text that matches holds; empty when none are known. Looking for them spares most texts the
-    /// rest.
+    /// Bytes that every matching text contains; empty when none are known. Searching for them first rules out most
+    /// texts.
     [[nodiscard]] virtual std::string_view requiredPart() const { return {}; }
 };
 
-/// What a regular expression may take.
 struct RegularLimits {
-    std::int64_t memory = 0; ///< bytes, now and while it matches
+    std::int64_t memory = 0; ///< bytes, including those while it matches
     bool mayHaveAutomaton = true;
 };
 
-/// A regular expression that has to match the whole text, in time linear in it; null, with the reason, when the pattern
-/// is none.
+/// Compiles a regular expression that must match the whole text, in linear time. Null, with the reason, when the
+/// pattern is not valid.
 [[nodiscard]] std::shared_ptr<const Matcher> makeRegularExpression(std::string_view pattern,
                                                                    const RegularLimits& limits, std::string& reason);
 

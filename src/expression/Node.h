@@ -16,8 +16,8 @@ namespace tavix::expression {
 enum class NodeKind : std::uint8_t {
     Constant,
     Field,
-    Convert, ///< the child, brought to this node's type
-    Call,    ///< a function with an implementation
+    Convert, ///< converts the child to this node's type
+    Call,    ///< calls a function with an implementation
     IsNull,
     FirstNonNull,
     Not,
@@ -26,26 +26,26 @@ enum class NodeKind : std::uint8_t {
     Or,
     Compare,    ///< children of one type, or Integer and Real
     Arithmetic, ///< both children and the result Integer, or all Real
-    If,         ///< as in Syntax, and always with a last value
+    If,         ///< as in Syntax, but always with a last value
     InList,     ///< children of one type
-    Matches,    ///< the child against a matcher
+    Matches,    ///< tests the child with a matcher
 };
 
 /// The members of a list of constant texts.
 using TextSet = std::unordered_set<std::string_view>;
 
-/// An expression whose names and types are settled. Immutable once it is made, so shared by all evaluators.
+/// An expression whose names and types are resolved. Immutable, so that evaluators can share it.
 struct Node {
     NodeKind kind = NodeKind::Constant;
     Type type = Type::Null;
-    std::size_t field = 0; ///< number of the field in the list that the caller gave
+    std::size_t field = 0; ///< index in the caller's list of fields
     const Function* function = nullptr;
     Comparison comparison = Comparison::Equal;
     Arithmetic arithmetic = Arithmetic::Add;
     std::shared_ptr<const Matcher> matcher;
     Value constant;   ///< a text refers to `text`
     std::string text; ///< of a constant, or the name of a field
-    TextSet list;     ///< of InList, when all members are constant texts; refers to the children's
+    TextSet list;     ///< of InList, when all members are constant texts; refers to the children's texts
     bool hasList = false;
     bool hasNull = false; ///< InList: null was among the members
     std::vector<std::unique_ptr<Node>> children;
@@ -67,13 +67,13 @@ using NodePtr = std::unique_ptr<Node>;
     return node;
 }
 
-/// Owns a copy of the value's text.
+/// The node owns a copy of the value's text.
 [[nodiscard]] NodePtr makeConstant(const Value& value);
 
-/// A constant text; null is none.
+/// Whether the node is a constant text other than null.
 [[nodiscard]] bool isFixedText(const Node& node);
 
-/// Whether the two have the same value in every row, as far as their form shows.
+/// Whether both have the same structure, and so the same value in every row.
 [[nodiscard]] bool isSame(const Node& one, const Node& other);
 
 /// Whether the node calls the function of that name.

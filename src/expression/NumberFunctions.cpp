@@ -19,7 +19,7 @@ Value pick(Arguments arguments, int sign) {
     return *best;
 }
 
-/// Units of `seconds` within the day.
+/// The part of the day in units of `seconds`.
 std::int64_t inDay(const Value& date, std::int64_t seconds) {
     return (date.integer - dayOf(date.integer) * kTicksPerDay) / kTicksPerSecond / seconds;
 }
@@ -89,17 +89,18 @@ Value remainder(Arguments arguments, Scratch& /*scratch*/) {
     return finite(std::fmod(arguments[0].real, arguments[1].real));
 }
 
-Places::Places(std::int64_t places)
+DecimalRounding::DecimalRounding(std::int64_t places)
     : m_unit(std::pow(10.0, static_cast<double>(std::abs(std::clamp(places, -kMost, kMost))))), m_isWhole(places < 0) {}
 
-double Places::round(double value) const {
+double DecimalRounding::round(double value) const {
     constexpr double kWithoutPlaces = 4503599627370496.0; // 2 to the power of 52
     const double size = std::fabs(value);
     const double scaled = m_isWhole ? size / m_unit : size * m_unit;
-    // A value too large to be scaled has no such places.
+    // A value too large to be scaled has no such decimal places.
     if (!(scaled < kWithoutPlaces))
         return value;
-    // 1.005 lies a little below that decimal. It counts as half when it is the nearest number to the decimal half.
+    // The double 1.005 is slightly below the decimal 1.005. A value counts as half when it is the double nearest to the
+    // decimal half.
     const double whole = std::floor(scaled);
     const double half = m_isWhole ? (whole + 0.5) * m_unit : (whole + 0.5) / m_unit;
     const double rounded = size >= half ? whole + 1 : whole;
@@ -107,7 +108,7 @@ double Places::round(double value) const {
 }
 
 Value round(Arguments arguments, Scratch& /*scratch*/) {
-    const Places places(arguments.size() > 1 ? arguments[1].integer : 0);
+    const DecimalRounding places(arguments.size() > 1 ? arguments[1].integer : 0);
     return Value::ofReal(places.round(arguments[0].real));
 }
 

@@ -6,15 +6,15 @@
 #include <cstdint>
 #include <span>
 
-/// The implementations behind the catalogue's functions over numbers and dates, and those that take any type.
+/// The catalogue's functions over numbers and dates, and those that take any type.
 namespace tavix::expression::number_functions {
 
 using Arguments = std::span<const Value>;
 
-/// Rounds to a number of decimal places, of whole ones when it is negative; halves away from zero.
-class Places {
+/// Rounds to decimal places, or to powers of ten when `places` is negative; halves away from zero.
+class DecimalRounding {
   public:
-    explicit Places(std::int64_t places);
+    explicit DecimalRounding(std::int64_t places);
     [[nodiscard]] double round(double value) const;
 
   private:
@@ -38,7 +38,7 @@ Value nullIf(Arguments arguments, Scratch& scratch);
 Value power(Arguments arguments, Scratch& scratch);
 Value remainder(Arguments arguments, Scratch& scratch);
 Value round(Arguments arguments, Scratch& scratch);
-/// The argument itself: the conversion to the parameter's type is all that there is to do.
+/// Returns the argument: the conversion to the parameter's type does all the work.
 Value same(Arguments arguments, Scratch& scratch);
 Value second(Arguments arguments, Scratch& scratch);
 Value squareRoot(Arguments arguments, Scratch& scratch);

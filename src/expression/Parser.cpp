@@ -35,7 +35,7 @@ constexpr std::array<ArithmeticSign, 3> kProducts{{{TokenKind::Times, Arithmetic
                                                    {TokenKind::Divide, Arithmetic::Divide},
                                                    {TokenKind::Percent, Arithmetic::Remainder}}};
 
-/// Recursive descent. A function that returns null has left its error in m_error.
+/// Recursive descent. A function that returns null has set m_error.
 class Reader {
   public:
     explicit Reader(Tokens tokens) : m_tokens(std::move(tokens)) {}
@@ -57,10 +57,10 @@ class Reader {
     [[nodiscard]] bool isAt(TokenKind kind) const { return current().kind == kind; }
     [[nodiscard]] bool isWord(std::string_view word) const { return isAt(TokenKind::Word) && current().text == word; }
 
-    /// Whether the token before the current one is of the kind.
+    /// Whether the previous token is of this kind.
     [[nodiscard]] bool isBefore(TokenKind kind) const { return m_next > 0 && m_tokens.list[m_next - 1].kind == kind; }
-    /// Whether the place may lie in what another language takes for a comment.
-    [[nodiscard]] bool isBehindDashes(Position at) const { return m_dashes && m_dashes->at.line == at.line; }
+    /// Whether the current token may be in what another language takes for a comment.
+    [[nodiscard]] bool isAfterDashes(Position at) const { return m_dashes && m_dashes->at.line == at.line; }
 
     const Token& take() {
         const Token& token = current();
@@ -88,24 +88,24 @@ class Reader {
         if (m_error)
             return nullptr;
         if (m_doubtful)
-            message += fmt::format(" (the text in line {}, column {} goes on behind its \\'; a text cannot end in a "
+            message += fmt::format(" (the text in line {}, column {} continues after its \\'; a text cannot end in a "
                                    "backslash, write concat('...', char(92)))",
                                    m_doubtful->at.line, m_doubtful->at.column);
-        if (isBehindDashes(at))
-            message += behindSemicolon(kCommentHint);
+        if (isAfterDashes(at))
+            message += afterSemicolon(kCommentHint);
         m_error = ExpressionError{std::move(message), at.line, at.column};
         return nullptr;
     }
     Tree unexpected(std::string_view wanted) {
-        // Where the tokens end early, the reason for that is the better message.
+        // When the tokens end early, their error is the better message.
         if (isAt(TokenKind::End) && m_tokens.error) {
             m_error = m_tokens.error;
-            if (isBehindDashes({m_error->line, m_error->column}))
-                m_error->message += behindSemicolon(kCommentHint);
+            if (isAfterDashes({m_error->line, m_error->column}))
+                m_error->message += afterSemicolon(kCommentHint);
             return nullptr;
         }
         return fail(current().at, fmt::format("expected {}, found {}{}", wanted, describe(current()),
-                                              behindSemicolon(hintForCurrent())));
+                                              afterSemicolon(hintForCurrent())));
     }
     [[nodiscard]] std::string_view hintForCurrent() const {
         if (isAt(TokenKind::Word))
@@ -114,7 +114,7 @@ class Reader {
         return isQuoteInText ? "a quote within a text is written \\', as in 'O\\'Brien'" : std::string_view();
     }
 
-    /// Counts one level of nesting for as long as it lives.
+    /// Counts one level of nesting during its lifetime.
     class Level {
       public:
         explicit Level(int& depth) : m_depth(depth) { ++m_depth; }
@@ -148,7 +148,7 @@ class Reader {
         return ifStatement();
     }
 
-    /// A chain of else-if is one level, however long it is.
+    /// A chain of else-if is one level, whatever its length.
     Tree ifStatement() {
         Tree tree = make(SyntaxKind::If, current().at);
         while (acceptWord("if")) {
@@ -203,7 +203,7 @@ class Reader {
         while (acceptWord("not"))
             isNegated = !isNegated;
         Tree inner = comparison();
-        // Two negations are none, but what they stand before has to be a condition all the same.
+        // Two negations cancel out, but their operand must still be a condition.
         return inner ? wrap(SyntaxKind::Not, at,
                             isNegated ? std::move(inner) : wrap(SyntaxKind::Not, at, std::move(inner)))
                      : nullptr;
@@ -246,7 +246,7 @@ class Reader {
     Tree sum() { return chain(kSums, &Reader::product); }
     Tree product() { return chain(kProducts, &Reader::signedValue); }
 
-    /// A chain nests to the left: each of its signs is a level of the tree, though none of what the user wrote.
+    /// A chain nests to the left: each operator adds a level to the tree, but not to the nesting that is limited.
     template <std::size_t N>
     Tree chain(const std::array<ArithmeticSign, N>& signs, Tree (Reader::*part)()) {
         Tree tree = (this->*part)();
@@ -319,7 +319,7 @@ class Reader {
             take();
             Tree inner = expression();
             if (inner && isOfIf && isAt(TokenKind::Comma))
-                return fail(current().at, "if is no function; write if condition then return a else return b");
+                return fail(current().at, "if is not a function; write if condition then return a else return b");
             if (inner && !accept(TokenKind::RightParenthesis))
                 return unexpected("\")\"");
             return inner;
@@ -342,10 +342,10 @@ class Reader {
         Tree call = make(isCall ? SyntaxKind::Call : SyntaxKind::Field, token.at);
         call->text = token.written;
         if (!isCall) {
-            call->spelling = isBehindDashes(token.at) ? Spelling::BehindDashes : Spelling::Bare;
+            call->spelling = isAfterDashes(token.at) ? Spelling::AfterDashes : Spelling::Bare;
             return call;
         }
-        // Its arguments may be in another language, too.
+        // The arguments may be in another language, too.
         if (!hintForFunction(token.text).empty())
             return fail(token.at, noFunction(token.written));
         take();
@@ -366,7 +366,7 @@ class Reader {
     std::size_t m_next = 0;
     int m_depth = 0;
     const Token* m_doubtful = nullptr;
-    const Token* m_dashes = nullptr; ///< the second of two that stand together, taken last
+    const Token* m_dashes = nullptr; ///< the second of two adjacent ones, taken last
     std::optional<ExpressionError> m_error;
 };
 

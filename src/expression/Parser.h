@@ -9,9 +9,9 @@
 
 namespace tavix::expression {
 
-/// Deeper nesting is refused, so that no text can exhaust the stack.
+/// Limits the nesting, so that no text can exhaust the stack.
 inline constexpr int kDeepestNesting = 200;
-/// Values that + - * / % join one after the other. They nest to the left, as the evaluation does.
+/// The most values that a chain of + - * / % joins. They nest to the left, as does the evaluation.
 inline constexpr int kLongestChain = 1000;
 
 struct Parsed {
@@ -19,7 +19,7 @@ struct Parsed {
     std::optional<ExpressionError> error;
 };
 
-/// Reads the text as the grammar of docs/expressions.md has it.
+/// Parses the text by the grammar of docs/expressions.md.
 [[nodiscard]] Parsed parse(std::string_view text);
 
 } // namespace tavix::expression

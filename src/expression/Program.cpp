@@ -59,7 +59,7 @@ Comparison negated(Comparison comparison) {
     return comparison;
 }
 
-/// Where the field may lie for the node to be true, or to be false.
+/// The range of the field for which the node can be true, or false.
 IntegerRange rangeOf(const Node& node, std::size_t field, bool wanted) {
     switch (node.kind) {
     case NodeKind::Constant:
@@ -77,7 +77,7 @@ IntegerRange rangeOf(const Node& node, std::size_t field, bool wanted) {
         return range;
     }
     case NodeKind::If: {
-        // A condition that is not true may also be null, so only what is true of it tells something.
+        // A condition that is not true may be null, so only the ranges for true can be used.
         IntegerRange range = kNowhere;
         const std::size_t last = node.children.size() - 1;
         for (std::size_t i = 0; i < last; i += 2)

@@ -34,7 +34,7 @@ class RegularExpression : public Matcher {
             if (answer != ByteAutomaton::Answer::Unknown)
                 return answer == ByteAutomaton::Answer::Yes;
         }
-        // Where the pattern begins with fixed characters, order alone decides most texts.
+        // When the pattern begins with fixed characters, comparing with them decides most texts.
         if (m_hasRange && (text < m_lowest || text > m_highest))
             return false;
         return re2::RE2::FullMatch(re2::StringPiece(text.data(), text.size()), m_expression);
@@ -44,7 +44,8 @@ class RegularExpression : public Matcher {
     static constexpr int kRangeLength = 8;
 
     re2::RE2 m_expression;
-    std::optional<ByteAutomaton> m_automaton; ///< of most patterns; it asks m_expression about texts that are not ASCII
+    std::optional<ByteAutomaton>
+        m_automaton; ///< for most patterns; m_expression decides about texts that are not ASCII
     bool m_hasRange = false;
     std::string m_lowest;
     std::string m_highest;

@@ -36,8 +36,8 @@ NodePtr callOf(const char* name, Type type, NodePtr first, NodePtr second = null
     return node;
 }
 
-/// compare(a, b, ...) against 0.
-NodePtr rewriteCompare(NodePtr node, Folder& folder) {
+/// Whether the node compares compare(a, b, ...) with 0.
+NodePtr rewriteCompare(NodePtr node, ConstantFolder& folder) {
     Node& call = *node->children[0];
     const bool hasCase = call.children.size() > 2;
     if (hasCase && (!call.child(2).isConstant() || call.child(2).constant.isNull()))
@@ -54,7 +54,8 @@ NodePtr rewriteCompare(NodePtr node, Folder& folder) {
     return node;
 }
 
-/// Whether "position, compared so with the number" says that there is one (true), that there is none (false), or more.
+/// Whether this comparison of a position with the number means that there is one (true), that there is none (false), or
+/// neither.
 std::optional<bool> asksForOccurrence(Comparison comparison, std::int64_t number) {
     if (number == 0) {
         if (comparison == Comparison::NotEqual || comparison == Comparison::Greater)
@@ -81,7 +82,7 @@ NodePtr rewriteInstr(NodePtr node, bool occurs) {
 
 } // namespace
 
-NodePtr rewrite(NodePtr node, Folder& folder) {
+NodePtr rewrite(NodePtr node, ConstantFolder& folder) {
     if (node->kind != NodeKind::Compare)
         return node;
     if (node->child(0).isConstant() && !node->child(1).isConstant()) {

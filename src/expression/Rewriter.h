@@ -1,13 +1,13 @@
 #pragma once
 
-#include "expression/Folder.h"
+#include "expression/ConstantFolder.h"
 #include "expression/Node.h"
 
 namespace tavix::expression {
 
-/// An equal node that is cheaper to evaluate, given that its children are rewritten and folded. Here the forms in which
-/// the conditions of the filter dialog are written become the question that they stand for:
-/// compare(a, b, false) == 0 is a == b, and instr(a, b) != 0 is contains(a, b).
-[[nodiscard]] NodePtr rewrite(NodePtr node, Folder& folder);
+/// Returns an equivalent node that is cheaper to evaluate; the children must be rewritten and folded. Turns the forms
+/// that the filter dialog writes into direct tests: compare(a, b, false) == 0 becomes a == b, and instr(a, b) != 0
+/// becomes contains(a, b).
+[[nodiscard]] NodePtr rewrite(NodePtr node, ConstantFolder& folder);
 
 } // namespace tavix::expression

@@ -4,30 +4,21 @@
 #include "expression/Program.h"
 #include "expression/Scratch.h"
 
-#include <cstdint>
 #include <span>
 #include <string>
 
 namespace tavix::expression {
 
-enum class Verdict : std::uint8_t {
-    Passes, ///< the condition is true
-    Fails,  ///< it is false or null
-    Error,  ///< it could not be evaluated
-};
-
-/// Evaluates a program for one row of values at a time. For one thread.
+/// Evaluates a program row by row. For one thread.
 class RowEvaluator {
   public:
     explicit RowEvaluator(Program program);
     RowEvaluator(const RowEvaluator&) = delete;
     RowEvaluator& operator=(const RowEvaluator&) = delete;
 
-    /// `row` has a value for each field of the program; their types need not be the declared ones, so the cells of a
-    /// text file may all be texts. For programs compiled as conditions.
-    [[nodiscard]] Verdict judge(std::span<const Value> row);
-
-    /// The value; a text lives until the next call or as long as the row does. Null also on failure: see hasFailed().
+    /// `row`: a value for each field of the program, not necessarily of the declared type, so that the cells of a text
+    /// file can all be texts. A text in the result lives until the next call and as long as the row. Null also on
+    /// failure: see hasFailed().
     [[nodiscard]] Value evaluate(std::span<const Value> row);
 
     /// Of the last call.

@@ -9,7 +9,7 @@ namespace tavix::expression {
 namespace {
 
 constexpr std::size_t kChunk = std::size_t{64} << 10;
-/// Chunks beyond this are given back, so that one large row does not cost its memory for ever.
+/// Larger chunks are freed, so that one large row does not keep its memory forever.
 constexpr std::size_t kKept = std::size_t{4} << 20;
 
 } // namespace
@@ -33,7 +33,7 @@ bool Scratch::refuse(std::size_t size) {
     if (size == 0)
         return true;
     m_isFull = m_isFull || size <= kLongestText;
-    fail(size > kLongestText ? "a text would grow too long" : "the texts that are made take too much memory");
+    fail(size > kLongestText ? "a text would become too long" : "the texts of a row take too much memory");
     return false;
 }
 

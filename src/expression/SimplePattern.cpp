@@ -36,7 +36,7 @@ class SimplePatternParser {
 
     std::optional<PatternPart> parse() {
         m_ignoresCase = take("(?i)");
-        // The whole text has to match in any case.
+        // Anchors mean nothing, since the whole text must match.
         (void)take("^");
         auto whole = choice(0);
         if (whole && !m_rest.empty())
@@ -101,7 +101,7 @@ class SimplePatternParser {
                 return std::nullopt;
         } else if (!take("*"))
             return part;
-        // Which of several ways a text matches does not matter.
+        // It does not matter in which way a text matches.
         (void)take("?");
         if (!atEndOf("") && !atEndOf("|)") && std::string_view("*+?{").find(m_rest.front()) != std::string_view::npos)
             return std::nullopt;
@@ -168,7 +168,7 @@ class SimplePatternParser {
         return part;
     }
 
-    /// Behind a backslash.
+    /// After a backslash.
     std::optional<AsciiSet> escaped() {
         if (m_rest.empty())
             return std::nullopt;
@@ -204,7 +204,7 @@ class SimplePatternParser {
         return single(c);
     }
 
-    /// Behind "[".
+    /// After "[".
     bool readClass(AsciiSet& set) {
         const bool isNegated = take("^");
         if (m_rest.starts_with("]"))

@@ -16,13 +16,13 @@ struct PatternPart {
     static constexpr int kUnlimited = -1;
 
     Kind kind = Kind::Sequence;
-    AsciiSet bytes;                 ///< of Bytes: any one of them
+    AsciiSet bytes;                 ///< of Bytes: one of these
     std::vector<PatternPart> parts; ///< Repeat has one
     int least = 0;
     int most = kUnlimited;
 };
 
-/// Reads a correct regular expression that is to match whole texts. None when it needs more than PatternPart can say.
+/// Parses a valid regular expression that must match whole texts. None when it needs more than PatternPart can express.
 [[nodiscard]] std::optional<PatternPart> parseSimplePattern(std::string_view pattern);
 
 } // namespace tavix::expression

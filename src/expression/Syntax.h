@@ -24,26 +24,26 @@ enum class SyntaxKind : std::uint8_t {
     Or,  ///< two or more children
     Compare,
     Arithmetic,
-    If, ///< condition, value, condition, value, ..., and the value of the last else, if there is one
+    If, ///< condition, value, condition, value, ..., and the value of the last else, if any
 };
 
-/// How a name or text was written, where that matters.
+/// How a name or text was written, where it matters.
 enum class Spelling : std::uint8_t {
     Marked,       ///< a field in grave accents, a text in single quotes
-    Bare,         ///< a field as a word
-    BehindDashes, ///< the same where the word may belong to a comment of another language
-    DoubleQuoted, ///< a text that could be meant as a name
+    Bare,         ///< a field as a plain word
+    AfterDashes,  ///< a field as a plain word that may belong to a comment of another language
+    DoubleQuoted, ///< a text that may be meant as a name
 };
 
-/// What was written, before names and types are looked at.
+/// An expression as it was written, before names and types are resolved.
 struct Syntax {
     SyntaxKind kind = SyntaxKind::Word;
     Position at;
-    std::string text; ///< of a number, text, word, field or function; names as they were written
+    std::string text; ///< of a number, text, word, field or function; names as written
     Spelling spelling = Spelling::Marked;
     Comparison comparison = Comparison::Equal;
     Arithmetic arithmetic = Arithmetic::Add;
-    int depth = 1; ///< levels of the tree from here down
+    int depth = 1; ///< height of the tree
     std::vector<std::unique_ptr<Syntax>> children;
 };
 

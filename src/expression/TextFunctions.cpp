@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t kLongestPattern = 4096;
 
-/// The text that a mapping appends to an empty one.
+/// Keeps the text that a mapping appends to an empty one.
 template <typename Append>
 Value mapped(std::string_view text, Scratch& scratch, Append append) {
     if (scratch.isFull() && !scratch.fits(text.size()))
@@ -26,7 +26,7 @@ Value mapped(std::string_view text, Scratch& scratch, Append append) {
     return Value::ofText(scratch.keep(out));
 }
 
-/// Appends unless that would make the text too long to keep, which is then a failure.
+/// Appends unless the text would become too long to keep, which is a failure.
 bool appendBounded(std::string& out, std::string_view part, Scratch& scratch) {
     if (!scratch.fits(out.size() + part.size()))
         return false;
@@ -34,7 +34,7 @@ bool appendBounded(std::string& out, std::string_view part, Scratch& scratch) {
     return true;
 }
 
-// A wrong length must not make megabytes of every row.
+// A mistaken length must not make megabytes in every row.
 constexpr std::int64_t kMostPadding = 65'536;
 
 Value padded(Arguments arguments, Scratch& scratch, bool onTheLeft) {
@@ -45,7 +45,7 @@ Value padded(Arguments arguments, Scratch& scratch, bool onTheLeft) {
         return arguments[0];
     std::int64_t missing = arguments[1].integer - present;
     if (missing > kMostPadding) {
-        scratch.fail("a text would grow too long");
+        scratch.fail("a text would become too long");
         return {};
     }
     const auto each = static_cast<std::int64_t>(countCharacters(fill));

@@ -5,7 +5,7 @@
 
 #include <span>
 
-/// The implementations behind the catalogue's functions over texts.
+/// The catalogue's functions over texts.
 namespace tavix::expression::text_functions {
 
 using Arguments = std::span<const Value>;

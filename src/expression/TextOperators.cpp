@@ -50,7 +50,7 @@ void appendMapped(std::string& out, std::string_view text, AsciiMapping mapAscii
     }
 }
 
-/// Steps back over the character that ends before `at`, the way nextCharacter would have come.
+/// Moves back over the character that ends before `at`, consistent with nextCharacter().
 std::size_t previousCharacter(std::string_view text, std::size_t at) {
     for (std::size_t size = 1; size <= 4 && size <= at; ++size) {
         std::size_t next = at - size;
@@ -107,7 +107,7 @@ std::string_view substringOf(std::string_view text, std::int64_t first, std::int
     if (count <= 0)
         return {};
     if (first < 1) {
-        // Both may be as far apart as 64 bits reach.
+        // The difference may exceed 64 bits.
         const std::uint64_t before = std::uint64_t{1} - static_cast<std::uint64_t>(first);
         if (before >= static_cast<std::uint64_t>(count))
             return {};
@@ -140,7 +140,7 @@ std::int64_t positionOf(std::string_view text, std::string_view part) {
         return 1;
     if (text.size() < part.size())
         return 0;
-    // Not std::string_view::find, whose time is the product of both lengths.
+    // std::string_view::find takes quadratic time in the worst case.
     const void* const found = memmem(text.data(), text.size(), part.data(), part.size());
     if (!found)
         return 0;

@@ -8,25 +8,25 @@
 #include <string>
 #include <string_view>
 
-/// What the functions over texts do to a single text. Counts and positions are in code points.
+/// Operations on single texts. Counts and positions are in code points.
 namespace tavix::expression {
 
-/// Each character by its own simple mapping, so that the number of characters stays.
+/// Maps each character by its simple case mapping, so that the number of characters stays the same.
 void appendLower(std::string& out, std::string_view text);
 void appendUpper(std::string& out, std::string_view text);
 [[nodiscard]] std::string lowerText(std::string_view text);
-/// ASCII only, without a branch for each byte: the form for whole blocks.
+/// For ASCII only, without a branch for each byte.
 void lowerAscii(const char* from, std::size_t size, char* to);
 void upperAscii(const char* from, std::size_t size, char* to);
 
 /// Negative counts are taken as 0.
 [[nodiscard]] std::string_view leftOf(std::string_view text, std::int64_t count);
 [[nodiscard]] std::string_view rightOf(std::string_view text, std::int64_t count);
-/// From character `first` (counted from 1). What lies before the text takes its share of the count: from 0, three
-/// characters are the first two.
+/// From character `first` (counted from 1). Positions before the text use up the count: from 0, three characters are
+/// the first two.
 [[nodiscard]] std::string_view substringOf(std::string_view text, std::int64_t first, std::int64_t count);
 
-/// The same for texts that are ASCII throughout, or not.
+/// The same, faster for texts that are known to be ASCII.
 [[nodiscard]] inline std::string_view leftOf(std::string_view text, std::int64_t count, bool isAscii) {
     if (!isAscii)
         return leftOf(text, count);
@@ -46,21 +46,21 @@ void upperAscii(const char* from, std::size_t size, char* to);
     return text.substr(begin, static_cast<std::size_t>(std::max<std::int64_t>(0, count)));
 }
 
-/// White space (the Unicode property White_Space) at one end or both.
+/// Removes white space (the Unicode property White_Space) at one end.
 [[nodiscard]] std::string_view trimLeft(std::string_view text);
 [[nodiscard]] std::string_view trimRight(std::string_view text);
 
-/// Where `part` begins first, from 1; 0 when it does not occur. An empty part begins at 1.
+/// The position of the first occurrence of `part`, from 1; 0 when there is none. An empty part is at 1.
 [[nodiscard]] std::int64_t positionOf(std::string_view text, std::string_view part);
 
-/// C0, DEL and C1.
+/// Whether the text has a C0, DEL or C1 control character.
 [[nodiscard]] bool hasControlCharacter(std::string_view text);
-/// Sign, digits, decimal point, exponent; no blanks, no words, and within the range of a real.
+/// Whether the text is a number within the range of a real: sign, digits, decimal point, exponent; no blanks, no words.
 [[nodiscard]] bool isNumberText(std::string_view text);
-/// Empty, or white space throughout.
+/// Empty or all white space.
 [[nodiscard]] bool isBlankText(std::string_view text);
 
-/// Below zero, zero, above: by code point, which is the order of the bytes.
+/// Below zero, zero or above, by code point, which is also the order of the bytes.
 [[nodiscard]] inline int compareTexts(std::string_view left, std::string_view right) {
     return left.compare(right);
 }

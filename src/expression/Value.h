@@ -7,9 +7,9 @@
 
 namespace tavix::expression {
 
-/// What a value can be. Every expression has exactly one type, known before anything is evaluated.
+/// The types of values. Every expression has exactly one, known before anything is evaluated.
 enum class Type : std::uint8_t {
-    Null, ///< of the word null alone: goes with every other type
+    Null, ///< of the word null; goes with every other type
     Boolean,
     Integer,
     Real,
@@ -17,7 +17,7 @@ enum class Type : std::uint8_t {
     Date,
 };
 
-/// One value, or null. A text is borrowed: from the cell it was read from, from the program, or from a Scratch.
+/// A value or null. A text is borrowed from the cell it was read from, from the program, or from a Scratch.
 struct Value {
     Type type = Type::Null;
     union {
@@ -25,42 +25,18 @@ struct Value {
         std::int64_t integer = 0; ///< also a date: units of 100 ns since 1970-01-01 00:00 UTC
         double real;
     };
-    std::string_view text;
+    std::string_view text{};
 
     [[nodiscard]] bool isNull() const { return type == Type::Null; }
-    [[nodiscard]] bool isTrue() const { return type == Type::Boolean && boolean; }
 
-    [[nodiscard]] static Value ofBoolean(bool value) {
-        Value made;
-        made.type = Type::Boolean;
-        made.boolean = value;
-        return made;
-    }
-    [[nodiscard]] static Value ofInteger(std::int64_t value) {
-        Value made;
-        made.type = Type::Integer;
-        made.integer = value;
-        return made;
-    }
-    [[nodiscard]] static Value ofReal(double value) {
-        Value made;
-        made.type = Type::Real;
-        made.real = value;
-        return made;
-    }
-    [[nodiscard]] static Value ofDate(std::int64_t ticks) {
-        Value made;
-        made.type = Type::Date;
-        made.integer = ticks;
-        return made;
-    }
+    [[nodiscard]] static Value ofBoolean(bool value) { return {.type = Type::Boolean, .boolean = value}; }
+    [[nodiscard]] static Value ofInteger(std::int64_t value) { return {.type = Type::Integer, .integer = value}; }
+    [[nodiscard]] static Value ofReal(double value) { return {.type = Type::Real, .real = value}; }
+    [[nodiscard]] static Value ofDate(std::int64_t ticks) { return {.type = Type::Date, .integer = ticks}; }
     [[nodiscard]] static Value ofText(std::string_view value) {
-        Value made;
-        made.type = Type::Text;
-        made.text = value;
-        return made;
+        return {.type = Type::Text, .integer = 0, .text = value};
     }
-    /// A text stays borrowed from the cell.
+    /// A text is borrowed from the cell.
     [[nodiscard]] static Value ofCell(const KvbDatavar& cell);
 };
 

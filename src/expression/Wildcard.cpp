@@ -7,7 +7,7 @@ namespace tavix::expression {
 
 namespace {
 
-/// Steps in one text before matching gives up: a fraction of a second.
+/// The most steps in one text before matching gives up: a fraction of a second.
 constexpr std::size_t kMostSteps = std::size_t{1} << 26;
 
 constexpr std::string_view kGaveUp = "a text is too long for its wildcard pattern";
@@ -36,7 +36,7 @@ PatternPart asPart(std::string_view pattern) {
     return all;
 }
 
-/// Characters as numbers; a byte of no character becomes a number beyond all characters.
+/// Code points; a byte that is not part of a character becomes a number above all characters.
 std::u32string decode(std::string_view text) {
     constexpr char32_t kBytes = 0x110000;
     std::u32string out;
@@ -60,7 +60,7 @@ Wildcard::Wildcard(std::string_view pattern, bool mayHaveAutomaton)
         const std::size_t star = pattern.find('*', begin);
         const bool isLast = star == std::string_view::npos;
         const std::string_view bytes = pattern.substr(begin, isLast ? star : star - begin);
-        // Empty pieces matter at both ends only, where they leave the text open.
+        // An empty piece matters only at the ends, where it leaves the text open.
         if (m_pieces.empty() || isLast || !bytes.empty())
             m_pieces.push_back(makePiece(bytes));
         m_hasAnyCharacter = m_hasAnyCharacter || m_pieces.back().hasAnyCharacter;
@@ -70,7 +70,7 @@ Wildcard::Wildcard(std::string_view pattern, bool mayHaveAutomaton)
         m_hasStar = true;
         begin = star + 1;
     }
-    // With '?' between stars a search would try many places.
+    // With '?' between stars a search would try many offsets.
     if (mayHaveAutomaton && m_hasAnyCharacter && m_pieces.size() > 2 && isAscii(pattern))
         m_automaton = ByteAutomaton::build(asPart(pattern));
 }
@@ -94,7 +94,7 @@ Wildcard::Piece Wildcard::makePiece(std::string_view bytes) {
 bool Wildcard::matches(std::string_view text, bool isAscii, Scratch& scratch) const {
     if (text.size() < m_shortest)
         return false;
-    // Bytes at the ends that are fixed decide most texts, and both together, without a branch between, the best.
+    // Fixed bytes at the ends decide most texts; testing both without a branch between them is fastest.
     if (m_isFirstFixed || m_isLastFixed) {
         const bool isFirstRight = !m_isFirstFixed || text.front() == m_pattern.front();
         const bool isLastRight = !m_isLastFixed || text.back() == m_pattern.back();
@@ -106,7 +106,7 @@ bool Wildcard::matches(std::string_view text, bool isAscii, Scratch& scratch) co
         if (answer != ByteAutomaton::Answer::Unknown)
             return answer == ByteAutomaton::Answer::Yes;
     }
-    // Without '?', or where each character is a byte, bytes tell the same as characters.
+    // Without '?', or when every character is one byte, comparing bytes is exact.
     if (!m_hasAnyCharacter || isAscii || tavix::isAscii(text))
         return matchesBytes(text, scratch);
     return matchesCharacters(text, scratch);
@@ -131,11 +131,11 @@ bool Wildcard::isAt(const Piece& piece, const char* place) {
     return true;
 }
 
-/// The first place for a piece from `at` on, which moves behind it; nothing may reach beyond `end`.
+/// Finds the first match of a piece from `at` on and moves `at` past it; no match may extend beyond `end`.
 bool Wildcard::findPiece(const Piece& piece, std::string_view text, std::size_t& at, std::size_t end,
                          std::size_t& steps) {
     while (end - at >= piece.bytes.size()) {
-        // The anchor may begin only so late that the rest of the piece still fits.
+        // The anchor must leave room for the rest of the piece.
         const std::size_t behind = piece.bytes.size() - piece.anchorAt - piece.anchor.needle().size();
         const std::size_t hit = piece.anchor.find(text.substr(0, end - behind), at + piece.anchorAt);
         if (hit == ByteSearch::kNotFound)
@@ -180,7 +180,7 @@ bool Wildcard::matchesCharacters(std::string_view text, Scratch& scratch) const 
     constexpr std::size_t kNone = std::u32string::npos;
     std::size_t p = 0;
     std::size_t t = 0;
-    std::size_t star = kNone; // the last one met; taking more for an earlier one never helps
+    std::size_t star = kNone; // the last star; extending an earlier one never helps
     std::size_t resume = 0;
     std::size_t steps = 0;
     while (t < characters.size()) {

@@ -11,8 +11,8 @@
 
 namespace tavix::expression {
 
-/// A pattern with '*' for any characters, none included, and '?' for exactly one. It matches whole texts; nothing
-/// escapes the two signs.
+/// A pattern with '*' for any number of characters and '?' for exactly one. It matches whole texts; the two signs
+/// cannot be escaped.
 class Wildcard final : public Matcher {
   public:
     explicit Wildcard(std::string_view pattern, bool mayHaveAutomaton = true);
@@ -21,11 +21,11 @@ class Wildcard final : public Matcher {
     [[nodiscard]] std::string_view requiredPart() const override;
 
   private:
-    /// What stands between two stars: bytes, where '?' stands for one character.
+    /// The part between two stars: bytes, in which '?' matches one character.
     struct Piece {
         std::string bytes;
-        ByteSearch anchor;        ///< the longest run of it without '?'
-        std::size_t anchorAt = 0; ///< where in `bytes` it begins
+        ByteSearch anchor;        ///< its longest run without '?'
+        std::size_t anchorAt = 0; ///< offset in `bytes`
         bool hasAnyCharacter = false;
     };
 
@@ -37,13 +37,13 @@ class Wildcard final : public Matcher {
     [[nodiscard]] bool matchesCharacters(std::string_view text, Scratch& scratch) const;
 
     std::string m_pattern;
-    std::vector<Piece> m_pieces;              ///< those at both ends are bound to the ends of the text
-    std::optional<ByteAutomaton> m_automaton; ///< for ASCII texts, where it is the faster way
+    std::vector<Piece> m_pieces;              ///< the first and last are anchored to the ends of the text
+    std::optional<ByteAutomaton> m_automaton; ///< for ASCII texts, where it is faster
     bool m_hasStar = false;
     bool m_hasAnyCharacter = false;
-    bool m_isFirstFixed = false; ///< whether the first byte of any match is that of the pattern
+    bool m_isFirstFixed = false; ///< whether every match begins with the pattern's first byte
     bool m_isLastFixed = false;
-    std::size_t m_shortest = 0; ///< bytes that any match has at least
+    std::size_t m_shortest = 0; ///< the fewest bytes of a match
 };
 
 } // namespace tavix::expression

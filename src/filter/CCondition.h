@@ -6,7 +6,7 @@
 
 namespace tavix {
 
-// The numbers of these codes stand in condition blocks. A block may hold any other number; it is kept as it is.
+// Condition blocks contain these numbers. A block may contain any other number, which is kept.
 
 enum class FilterOperation : std::int32_t {
     EqualTo = 0,
@@ -50,9 +50,25 @@ struct CCondition {
     bool wildcard = false; ///< the value holds '*' or '?' wildcards
     FieldTypeCode fieldType = FieldTypeCode::None;
     std::string fieldName;           ///< "Value" or "Count"
-    std::vector<std::string> values; ///< in the order of entry
+    std::vector<std::string> values; ///< in the order in which they were entered
 
     bool operator==(const CCondition&) const = default;
 };
+
+[[nodiscard]] inline CCondition MakeConnector(Connector connector) {
+    CCondition condition;
+    condition.conditionType = ConditionType::Connector;
+    condition.connector = connector;
+    return condition;
+}
+
+/// An opening parenthesis, or a closing one.
+[[nodiscard]] inline CCondition MakeParenthesis(bool left) {
+    CCondition condition;
+    condition.conditionType = ConditionType::Parenthesis;
+    condition.leftParen = left;
+    condition.rightParen = !left;
+    return condition;
+}
 
 } // namespace tavix

@@ -65,7 +65,7 @@ ComparisonInput::Enabled ComparisonInput::Controls() const {
     return enabled;
 }
 
-/// Brings what is chosen in line with what can be chosen.
+/// Clears choices that are no longer possible.
 void ComparisonInput::ApplyRules() {
     if (m_operation >= 0 && TakesValue(static_cast<FilterOperation>(m_operation)) && !Controls().multipleMode)
         m_mode = ValueMode::Single;

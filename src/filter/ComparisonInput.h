@@ -13,8 +13,8 @@ namespace tavix {
 /// How the values of a comparison are entered.
 enum class ValueMode { Single = 0, Multiple = 1 };
 
-/// The part of the filter dialog in which one comparison is put together: field, operation, values and options, and
-/// which of these controls can be used together.
+/// The part of the filter dialog that builds one comparison from field, operation, values and options, and the rules
+/// for which of these controls are enabled.
 class ComparisonInput {
   public:
     /// Which controls can be used.
@@ -35,16 +35,16 @@ class ComparisonInput {
     /// The entries of the operation list for the chosen field.
     [[nodiscard]] std::vector<std::string_view> Operations() const;
 
-    /// An index into Fields(), or -1. Keeps the operation where the new list still has it.
+    /// An index into Fields(), or -1. Keeps the operation if the new list still has it.
     void ChooseField(int index);
     /// An index into Operations(), or -1.
     void ChooseOperation(int index);
     void ChooseMode(ValueMode mode);
     void SetSingleValue(std::string value) { m_singleValue = std::move(value); }
     void SetValueList(std::vector<std::string> values) { m_valueList = std::move(values); }
-    /// One value, and none yet.
+    /// Back to a single, empty value.
     void ResetValue();
-    /// Nothing while the box is disabled.
+    /// Ignored while the box is disabled.
     void CheckCaseInsensitive(bool checked);
     void CheckWildcard(bool checked);
 
@@ -57,9 +57,9 @@ class ComparisonInput {
     [[nodiscard]] bool Wildcard() const { return m_wildcard; }
     [[nodiscard]] Enabled Controls() const;
 
-    /// What keeps the input from being a comparison.
+    /// What is missing before the input is a comparison.
     [[nodiscard]] Missing FindMissing() const;
-    /// The comparison; only to be asked when nothing is missing.
+    /// The comparison. Call it only when nothing is missing.
     [[nodiscard]] CCondition Comparison() const;
 
   private:

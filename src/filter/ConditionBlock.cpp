@@ -63,7 +63,7 @@ struct Line {
     void (*read)(CCondition& condition, std::string_view value);
 };
 
-/// In the order in which they stand in a record.
+/// In the order of a record.
 constexpr std::array<Line, 10> kLines = {{
     {"OPERATION=", [](CCondition& c, std::string_view v) { c.operation = toCode<FilterOperation>(v); }},
     {"CONNECTOR=", [](CCondition& c, std::string_view v) { c.connector = toCode<Connector>(v); }},
@@ -77,19 +77,19 @@ constexpr std::array<Line, 10> kLines = {{
     {"VALUES=", [](CCondition& c, std::string_view v) { c.values = toValues(v); }},
 }};
 
-/// Reads the records of a block one after the other.
+/// Reads the records of a block.
 class RecordReader {
   public:
     explicit RecordReader(std::string_view block) : m_block(block) {}
 
-    /// False at the end of the block and at the first fault, which look alike.
+    /// False at the end of the block and at the first fault, which cannot be told apart.
     bool read(CCondition& condition) {
         for (std::size_t line = 0; line < kLines.size(); ++line) {
             const std::size_t key = findKey(line);
             const std::size_t end = m_block.find(kLineEnd, m_at);
             if (key == std::string_view::npos || end == std::string_view::npos)
                 return false;
-            // A key that only stands behind this line has no value in it.
+            // If the key only occurs after this line, this line has no value.
             const std::size_t value = key + kLines[line].key.size();
             kLines[line].read(condition, value < end ? m_block.substr(value, end - value) : std::string_view());
             m_at = end + kLineEnd.size();
@@ -98,8 +98,8 @@ class RecordReader {
     }
 
   private:
-    /// Where a key stands next. What was found before is kept: a block that has a key only at its end would otherwise
-    /// be searched from each of its lines.
+    /// The next occurrence of a key. Remembered, because a block with a key only at its end would otherwise be searched
+    /// from each of its lines.
     std::size_t findKey(std::size_t line) {
         std::optional<std::size_t>& known = m_keys[line];
         if (!known || *known < m_at)

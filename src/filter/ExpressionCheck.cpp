@@ -1,41 +1,21 @@
 #include "filter/ExpressionCheck.h"
 
 #include "access/FilterCode.h"
+#include "filter/OneLine.h"
 
-#include <algorithm>
-#include <array>
+#include <utility>
 
 namespace tavix {
 
 namespace {
 
-bool isNamePart(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-}
+/// Characters. A message may quote a long text.
+constexpr std::size_t kLongestNotice = 400;
 
-bool isWordOfLanguage(std::string_view name) {
-    constexpr std::array<std::string_view, 10> kWords = {"if",  "then", "else", "return", "and",
-                                                         "not", "or",   "true", "false",  "null"};
-    return std::any_of(kWords.begin(), kWords.end(), [name](std::string_view word) {
-        return std::equal(word.begin(), word.end(), name.begin(), name.end(),
-                          [](char a, char b) { return a == (b >= 'A' && b <= 'Z' ? b - 'A' + 'a' : b); });
-    });
-}
-
-/// Where what begins at `at` ends; npos when it is still open.
-std::size_t endOf(std::string_view text, std::size_t at) {
-    if (text[at] == '/') {
-        const std::size_t end = text.find("*/", at + 2);
-        return end == std::string_view::npos ? end : end + 2;
-    }
-    const char quote = text[at];
-    for (++at; at < text.size(); ++at) {
-        if (quote != '`' && text[at] == '\\' && at + 1 < text.size() && text[at + 1] == quote)
-            ++at;
-        else if (text[at] == quote)
-            return at + 1;
-    }
-    return std::string_view::npos;
+std::string sentence(std::string text) {
+    if (!text.empty() && text.front() >= 'a' && text.front() <= 'z')
+        text.front() = static_cast<char>(text.front() - 'a' + 'A');
+    return text;
 }
 
 } // namespace
@@ -53,30 +33,20 @@ ExpressionCheck CheckFilterText(std::string_view filterText) {
     return check;
 }
 
-std::string_view NameBeingWritten(std::string_view written) {
-    for (std::size_t at = 0; at < written.size();) {
-        const char c = written[at];
-        if (c == '\'' || c == '"' || c == '`' || written.substr(at).starts_with("/*")) {
-            at = endOf(written, at);
-            if (at == std::string_view::npos)
-                return {};
-            continue;
-        }
-        if (!isNamePart(c)) {
-            ++at;
-            continue;
-        }
-        std::size_t end = at;
-        while (end < written.size() && isNamePart(written[end]))
-            ++end;
-        if (end == written.size()) {
-            const std::string_view name = written.substr(at);
-            const bool isNumber = c >= '0' && c <= '9';
-            return isNumber || isWordOfLanguage(name) ? std::string_view() : name;
-        }
-        at = end;
+ExpressionNotice NoticeOn(std::string_view filterText) {
+    ExpressionCheck check = CheckFilterText(filterText);
+    ExpressionNotice notice;
+    if (!check.error && !check.remark) {
+        notice.text = filterText.empty() ? "An empty expression removes the filter." : "No errors.";
+        return notice;
     }
-    return {};
+    const bool isError = check.error.has_value();
+    notice.kind = isError ? ExpressionNotice::Kind::Error : ExpressionNotice::Kind::Warning;
+    notice.fault = isError ? std::move(check.error) : std::move(check.remark);
+    notice.fault->line += check.linesBefore;
+    const std::string words = OneLine(expression::describe(*notice.fault));
+    notice.text = sentence(Shortened(isError ? words : "Warning: " + words, kLongestNotice));
+    return notice;
 }
 
 } // namespace tavix

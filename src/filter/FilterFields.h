@@ -7,7 +7,7 @@
 
 namespace tavix {
 
-/// A field that conditions can ask for, by its name in the expression language.
+/// A field that conditions can test, by its name in the expression language.
 struct FilterField {
     std::string_view name;
     FieldTypeCode type;

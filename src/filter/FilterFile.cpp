@@ -1,28 +1,31 @@
 #include "filter/FilterFile.h"
 
 #include "base/Characters.h"
+#include "base/FileWriter.h"
 #include "base/HeldRepositories.h"
 #include "filter/FilterMessages.h"
 
 #include <array>
 #include <filesystem>
+#include <fstream>
 #include <istream>
 
 namespace tavix {
 
 namespace {
 
-Error failure(const filter_messages::Message& message) {
-    return {std::string(message.text)};
+/// `reason`, when there is one, says more than the text of the message and replaces it.
+FilterFileProblem problem(const filter_messages::Message& message, const Status& reason = {}) {
+    return {reason ? std::string(message.text) : reason.error().text, message.caption};
 }
 
-/// A folder can be opened like a file and only then fails to be read.
+/// Opening a folder for reading succeeds; only reading it fails.
 bool isFolder(const std::string& path) {
     std::error_code code;
     return std::filesystem::is_directory(path, code);
 }
 
-/// Each byte that belongs to no character becomes U+FFFD.
+/// Replaces each byte that is not part of a character by U+FFFD.
 std::string repaired(std::string_view text) {
     std::string result;
     result.reserve(text.size());
@@ -37,35 +40,45 @@ std::string repaired(std::string_view text) {
 
 } // namespace
 
-Result<std::ifstream> openFilterToRead(const std::string& path) {
-    if (Status free = requireNotHeld(path); !free)
-        return free.error();
+std::vector<std::string> filterFileKinds() {
+    std::vector<std::string> kinds;
+    std::string_view rest = kFilterFilePatterns;
+    const auto next = [&rest] {
+        const std::string_view part = rest.substr(0, rest.find('|'));
+        rest.remove_prefix(std::min(part.size() + 1, rest.size()));
+        return part;
+    };
+    while (!rest.empty()) {
+        const std::string_view words = next();
+        const std::string_view pattern = next();
+        // Here "*" fits every name, also one without a dot.
+        if (!words.empty())
+            kinds.push_back(std::string(words.substr(0, words.find(" ("))) + " (" +
+                            (pattern == "*.*" ? "*" : std::string(pattern)) + ")");
+    }
+    return kinds;
+}
+
+LoadedFilter loadFilter(const std::string& path) {
+    if (const Status free = requireNotHeld(path); !free)
+        return problem(filter_messages::kCannotOpen, free);
     std::ifstream file;
     if (!isFolder(path))
         file.open(path, std::ios::binary);
     if (!file.is_open())
-        return failure(filter_messages::kCannotOpen);
-    return file;
+        return problem(filter_messages::kCannotOpen);
+    return readFilter(file);
 }
 
-Result<std::unique_ptr<FileWriter>> openFilterToWrite(const std::string& path) {
-    if (Status free = requireNotHeld(path); !free)
-        return free.error();
-    auto file = FileWriter::open(path, FileWriter::Reader::Require);
-    if (!file)
-        return failure(filter_messages::kCannotOpen);
-    return file;
-}
-
-Result<std::string> readFilter(std::istream& file) {
+LoadedFilter readFilter(std::istream& file) {
     std::array<char, 2> header{};
     if (!file.read(header.data(), header.size()))
-        return failure(filter_messages::kNoFilterFile);
+        return problem(filter_messages::kNoFilterFile);
     const auto low = static_cast<unsigned char>(header[0]);
     const auto high = static_cast<unsigned char>(header[1]);
     std::string text(static_cast<std::size_t>(low) | static_cast<std::size_t>(high) << 8u, '\0');
     if (!file.read(text.data(), static_cast<std::streamsize>(text.size())))
-        return failure(filter_messages::kCutFilterFile);
+        return problem(filter_messages::kCutFilterFile);
     return repaired(text);
 }
 
@@ -75,10 +88,17 @@ std::string filterFileBytes(std::string_view text) {
     return bytes.append(text.substr(0, length));
 }
 
-Status writeFilter(FileWriter& file, std::string_view text) {
-    // A failure is final, so the second call returns that of the first.
-    static_cast<void>(file.write(filterFileBytes(text)));
-    return file.commit() ? Status() : failure(filter_messages::kCannotWrite);
+std::optional<FilterFileProblem> saveFilter(const std::string& path, std::string_view text) {
+    if (const Status free = requireNotHeld(path); !free)
+        return problem(filter_messages::kCannotOpen, free);
+    const auto file = FileWriter::open(path, FileWriter::Reader::Require);
+    if (!file)
+        return problem(filter_messages::kCannotOpen);
+    // A writer keeps its first failure, and commit() returns it.
+    static_cast<void>((*file)->write(filterFileBytes(text)));
+    if (!(*file)->commit())
+        return problem(filter_messages::kCannotWrite);
+    return std::nullopt;
 }
 
 } // namespace tavix

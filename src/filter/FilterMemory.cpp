@@ -16,8 +16,8 @@ namespace {
 constexpr char kEscape = '\\';
 constexpr char kSeparator = '|';
 
-// A settings value is one line whose outer blanks and quotes may get lost, so a list of texts is written as
-// text|text|, with escapes for what a line or the list cannot hold.
+// A settings value is one line whose outer blanks and quotes may get lost, so a list of texts is written as text|text|,
+// with escapes for characters that the line or the list cannot hold.
 
 struct EscapeCode {
     char character;
@@ -41,7 +41,7 @@ std::string encode(const std::vector<std::string>& texts) {
     return line;
 }
 
-/// At most `most` texts; what stands behind the last separator is none.
+/// At most `most` texts. Text after the last separator is ignored.
 std::vector<std::string> decode(std::string_view line, std::size_t most) {
     std::vector<std::string> texts;
     std::string text;
@@ -95,7 +95,7 @@ namespace {
 
 using Entry = std::vector<NamedFilter>::iterator;
 
-/// Where a name stands or would stand in the order.
+/// The position of a name in the sorted list, or the one that it would have.
 Entry placeOf(std::vector<NamedFilter>& filters, const std::string& lowerName) {
     return std::lower_bound(filters.begin(), filters.end(), lowerName, [](const NamedFilter& f, const std::string& n) {
         return expression::lowerText(f.name) < n;
@@ -130,18 +130,26 @@ std::vector<NamedFilter> FilterMemory::Named(DistributionKind kind) const {
     return filters;
 }
 
+std::optional<std::string> FilterMemory::FindName(DistributionKind kind, std::string_view name) const {
+    std::vector<NamedFilter> filters = Named(kind);
+    const std::string lower = expression::lowerText(tidyName(name));
+    const Entry place = placeOf(filters, lower);
+    return isNamed(filters, place, lower) ? std::optional(place->name) : std::nullopt;
+}
+
 Status FilterMemory::Keep(DistributionKind kind, std::string_view name, std::string_view text) {
     const std::string tidy = tidyName(name);
     if (tidy.empty())
-        return Error{"A filter needs a name to be kept."};
+        return Error{"A filter needs a name."};
     if (tidy.size() > kLongestName)
-        return Error{fmt::format("The name of a filter can have {} bytes.", kLongestName)};
+        return Error{fmt::format("The name of a filter can have at most {} bytes.", kLongestName)};
     if (text.empty())
-        return Error{"There is no filter to be kept."};
+        return Error{"There is no filter to save."};
     if (text.size() > kLongestText)
-        return Error{fmt::format("A filter of {} bytes is too long to be kept under a name; {} are possible. Save it "
-                                 "in a file instead.",
-                                 text.size(), kLongestText)};
+        return Error{
+            fmt::format("A filter of {} bytes is too long to be saved under a name; the limit is {}. Save it in "
+                        "a file instead.",
+                        text.size(), kLongestText)};
     std::vector<NamedFilter> filters = Named(kind);
     const std::string lower = expression::lowerText(tidy);
     const Entry place = placeOf(filters, lower);

@@ -4,6 +4,7 @@
 #include "report/DistributionKind.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,32 +18,32 @@ struct NamedFilter {
     bool operator==(const NamedFilter&) const = default;
 };
 
-/// The filters that a user used last and those that the user gave a name, kept apart for values and patterns
-/// among the settings.
+/// A user's recent and named filters, kept separately for values and patterns among the settings.
 class FilterMemory {
   public:
     static constexpr std::size_t kMostRecent = 10;
     static constexpr std::size_t kMostNamed = 50;
-    /// Bytes of a filter text; the settings file must stay small enough to be opened again.
+    /// Bytes of a filter text; limits the size of the settings file, which must be readable again.
     static constexpr std::size_t kLongestText = std::size_t{8} * 1024;
     static constexpr std::size_t kLongestName = 200;
 
-    /// `settings` outlives the memory.
+    /// `settings` must outlive the memory.
     explicit FilterMemory(SettingsStore& settings) : m_settings(settings) {}
 
     /// Newest first.
     [[nodiscard]] std::vector<std::string> Recent(DistributionKind kind) const;
-    /// Puts a text first, and forgets the oldest beyond the limit. An empty text is no filter, and one that is too long
-    /// is not remembered; both are no failure.
+    /// Puts a text first and drops the oldest beyond the limit. Ignores an empty text and one that is too long.
     Status Remember(DistributionKind kind, std::string_view text);
 
-    /// In the order of their names without regard to case.
+    /// Sorted by name, ignoring case.
     [[nodiscard]] std::vector<NamedFilter> Named(DistributionKind kind) const;
-    /// Keeps a text under a name, in place of what had that name in any case. White space around the name goes, and
-    /// line breaks in it become blanks. Fails with nothing changed when the name is empty or too long, the text is
-    /// empty or too long, or there are too many names.
+    /// The existing name that Keep() would replace.
+    [[nodiscard]] std::optional<std::string> FindName(DistributionKind kind, std::string_view name) const;
+    /// Keeps a text under a name and replaces a filter whose name differs only in case. Trims the name and turns its
+    /// line breaks into blanks. Fails and changes nothing when the name is empty or too long, the text is empty or too
+    /// long, or there are too many names.
     Status Keep(DistributionKind kind, std::string_view name, std::string_view text);
-    /// Takes a name away; one that is not there is no failure.
+    /// Removes a name; does nothing when there is no such name.
     Status Forget(DistributionKind kind, std::string_view name);
 
   private:

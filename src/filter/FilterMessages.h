@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-/// What the filter dialog says.
+/// The messages of the filter dialog.
 namespace tavix::filter_messages {
 
 struct Message {
@@ -14,7 +14,7 @@ inline constexpr Message kNoField{"Please select a field type", "Missing Value"}
 inline constexpr Message kNoOperation{"Please select an operation", "Missing Value"};
 inline constexpr Message kNoValues{"Please enter one or more values in the value list", "Missing Value"};
 
-// The condition that was not added stands between the two.
+// The condition that was not added is inserted between the two parts.
 inline constexpr Message kNotAdded{"The condition that is filled in has not been added to the filter:\n\n",
                                    "Report Filter"};
 inline constexpr std::string_view kAddItNow = "\n\nAdd it now?";

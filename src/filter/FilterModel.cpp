@@ -2,18 +2,18 @@
 
 #include "base/Characters.h"
 #include "filter/ConditionBlock.h"
-#include "filter/FilterFile.h"
 #include "filter/FilterMessages.h"
 
 #include <new>
 #include <stdexcept>
 #include <utility>
+#include <variant>
 
 namespace tavix {
 
 namespace {
 
-// Of a long list of values as much as tells which one it is.
+// Bytes of a condition that a question quotes.
 constexpr std::size_t kMostInQuestion = 400;
 
 void warn(Messages& messages, const filter_messages::Message& message) {
@@ -86,6 +86,22 @@ std::string FilterModel::BoxText() const {
                                                  : BuildExpression(m_conditions, m_action);
 }
 
+std::string_view FilterModel::BoxHint() const {
+    return m_editMode ? "Write an expression, for example `Count` > 10"
+                      : "No conditions: every row stays in the report.";
+}
+
+std::string_view FilterModel::AddHint() const {
+    return Enabled().connectors ? "Choose AND or OR before another condition" : "Add the condition to the filter";
+}
+
+FilterEnter FilterModel::PressEnter(bool isInValue, bool isInComparison, bool withControl) const {
+    const bool isInCondition = isInValue || (isInComparison && Pending());
+    if (!withControl && isInCondition && Enabled().addCondition)
+        return FilterEnter::AddCondition;
+    return withControl ? FilterEnter::Accept : FilterEnter::PassOn;
+}
+
 const CCondition& FilterModel::Condition(int index) const {
     if (index < 0 || static_cast<std::size_t>(index) >= m_conditions.size())
         throw std::invalid_argument("There is no such condition.");
@@ -117,7 +133,7 @@ std::optional<CCondition> FilterModel::FilledIn() const {
     if (m_editMode || input.FindMissing() != ComparisonInput::Missing::Nothing)
         return std::nullopt;
     CCondition comparison = input.Comparison();
-    // A single value may be empty, but one that was never touched is empty too.
+    // An empty single value is valid, but looks the same as one that was never touched.
     if (comparison.values.size() == 1 && comparison.values.front().empty())
         return std::nullopt;
     return comparison;
@@ -150,31 +166,19 @@ void FilterModel::Append(CCondition condition) {
     m_conditions.push_back(std::move(condition));
 }
 
-void FilterModel::AppendParenthesis(bool left) {
-    CCondition condition;
-    condition.conditionType = ConditionType::Parenthesis;
-    condition.leftParen = left;
-    condition.rightParen = !left;
-    Append(std::move(condition));
-}
-
 void FilterModel::AddLeftParenthesis() {
     if (Enabled().leftParenthesis)
-        AppendParenthesis(true);
+        Append(MakeParenthesis(true));
 }
 
 void FilterModel::AddRightParenthesis() {
     if (Enabled().rightParenthesis)
-        AppendParenthesis(false);
+        Append(MakeParenthesis(false));
 }
 
 void FilterModel::AddConnector(Connector connector) {
-    if (!Enabled().connectors)
-        return;
-    CCondition condition;
-    condition.conditionType = ConditionType::Connector;
-    condition.connector = connector;
-    Append(std::move(condition));
+    if (Enabled().connectors)
+        Append(MakeConnector(connector));
 }
 
 void FilterModel::Undo() {
@@ -218,7 +222,7 @@ bool FilterModel::SetEditMode(bool on) {
 void FilterModel::EditBox(std::string text) {
     if (!m_editMode || withLineFeeds(text) == withLineFeeds(m_editText))
         return;
-    // A line feed alone may be part of a quoted value, and a box cannot tell the two line ends apart.
+    // A lone line feed may be part of a quoted value, and the box cannot distinguish the two line ends.
     if (!hasLoneLineFeed(m_editText))
         text = withCarriageReturns(text);
     m_editText = std::move(text);
@@ -231,21 +235,19 @@ bool FilterModel::MayLoseEdits() {
            Messages::Answer::Yes;
 }
 
+bool FilterModel::Refuse(const FilterFileProblem& problem) {
+    m_messages.warn(problem.text, problem.caption);
+    return false;
+}
+
 bool FilterModel::Load(const std::string& path) {
     try {
-        auto file = openFilterToRead(path);
-        if (!file) {
-            m_messages.warn(file.error().text, filter_messages::kCannotOpen.caption);
-            return false;
-        }
-        const auto text = readFilter(*file);
-        if (!text) {
-            m_messages.warn(text.error().text, filter_messages::kNoFilterFile.caption);
-            return false;
-        }
+        const LoadedFilter loaded = loadFilter(path);
+        if (const auto* problem = std::get_if<FilterFileProblem>(&loaded))
+            return Refuse(*problem);
         if (m_hasUnsavedEdits && !MayLoseEdits())
             return false;
-        LoadText(*text);
+        LoadText(std::get<std::string>(loaded));
         return true;
     } catch (const std::bad_alloc&) {
         warn(m_messages, filter_messages::kNoMemory);
@@ -254,15 +256,8 @@ bool FilterModel::Load(const std::string& path) {
 }
 
 bool FilterModel::Save(const std::string& path) {
-    auto file = openFilterToWrite(path);
-    if (!file) {
-        m_messages.warn(file.error().text, filter_messages::kCannotOpen.caption);
-        return false;
-    }
-    if (const Status written = writeFilter(**file, ComposeText()); !written) {
-        m_messages.warn(written.error().text, filter_messages::kCannotWrite.caption);
-        return false;
-    }
+    if (const auto problem = saveFilter(path, ComposeText()))
+        return Refuse(*problem);
     m_hasUnsavedEdits = false;
     return true;
 }

@@ -5,8 +5,8 @@
 
 namespace tavix {
 
-/// A filter text in one line, for menus and tips: its conditions in words, or its code; "" for no filter. Conditions
-/// that say which rows go are put as "not (...)", so that every summary says which rows stay.
+/// A filter text in one line, for menus and tooltips: its conditions in words, or its code; "" without a filter.
+/// Conditions for the rows to remove become "not (...)", so that every summary describes the rows that stay.
 [[nodiscard]] std::string FilterSummary(std::string_view filterText);
 
 } // namespace tavix

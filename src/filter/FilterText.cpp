@@ -90,7 +90,7 @@ class ComparisonCode {
     [[nodiscard]] std::string fieldWhen(bool lowered) const { return lowered ? call("lower") : m_field; }
     [[nodiscard]] std::string subject() const { return fieldWhen(m_isText && m_condition.caseInsensitive); }
 
-    /// A block may hold a comparison without the value that it needs.
+    /// A block may contain a comparison without its value.
     [[nodiscard]] std::string_view firstValue() const {
         return m_condition.values.empty() ? std::string_view() : m_condition.values.front();
     }
@@ -172,7 +172,7 @@ std::string comparisonInWords(const CCondition& condition) {
     return text;
 }
 
-/// What both renderings share: connectors, parentheses, and `comparison` for the rest.
+/// The common part of both renderings: connectors and parentheses; `comparison` renders the rest.
 template <typename Comparison, typename Word>
 std::string render(const ConditionList& conditions, Comparison comparison, Word word) {
     std::string text;

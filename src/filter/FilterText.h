@@ -11,7 +11,7 @@ namespace tavix {
 
 using ConditionList = std::vector<CCondition>;
 
-/// Why a condition list is no expression.
+/// Why a condition list is not a valid expression.
 enum class ConditionFault { ExtraRightParenthesis, ExtraLeftParenthesis, EndsWithConnector };
 
 /// How many entries open and close a parenthesis, whatever their type.
@@ -23,18 +23,17 @@ struct ParenthesisCounts {
 };
 [[nodiscard]] ParenthesisCounts CountParentheses(const ConditionList& conditions);
 
-/// Nothing for a list in order, and for an empty one.
+/// Nothing for a valid list or an empty one.
 [[nodiscard]] std::optional<ConditionFault> FindFault(const ConditionList& conditions);
 
-/// Each single quote with a backslash before it, nothing else changed.
+/// Puts a backslash before each single quote.
 [[nodiscard]] std::string EscapeSingleQuotes(std::string_view value);
 
-/// The list in the expression language; it returns true for a row that stays. A list with a fault gives a sentence
-/// that says so instead of code; an empty list gives "". A code that does not exist gives words that the language
-/// refuses, never code with another meaning.
+/// The list as code that returns true for a row that stays. A list with a fault gives a sentence that says so; an empty
+/// list gives "". A code that does not exist gives words that the language rejects, never code with another meaning.
 [[nodiscard]] std::string BuildExpression(const ConditionList& conditions, FilterAction action);
 
-/// The list in words, lines ended by CR LF; lists with faults too.
+/// The list in words, with lines ended by CR LF; also for lists with faults.
 [[nodiscard]] std::string BuildPlainText(const ConditionList& conditions);
 
 } // namespace tavix

@@ -9,7 +9,7 @@ namespace tavix {
 
 class PrViewer;
 
-/// The functions of the expression language as the repository library lists them; fails with its text.
+/// The functions of the expression language as the repository library lists them; fails with the library's error text.
 [[nodiscard]] Result<std::vector<FilterFunction>> ReadFunctions(PrViewer& viewer);
 
 } // namespace tavix

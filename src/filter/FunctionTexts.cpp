@@ -1,5 +1,8 @@
 #include "filter/FunctionTexts.h"
 
+#include "expression/TextOperators.h"
+#include "filter/OneLine.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -54,6 +57,24 @@ std::string FunctionCallText(const FilterFunction& function) {
     for (const char type : function.parameterTypes)
         comments.push_back(fmt::format("/*{}*/", TypeWord(type)));
     return fmt::format("{}({})", function.name, fmt::join(comments, ", "));
+}
+
+std::vector<std::size_t> FindFunctions(const std::vector<FilterFunction>& functions, std::string_view wanted) {
+    const std::string lower = expression::lowerText(OneLine(wanted));
+    std::array<std::vector<std::size_t>, 3> groups;
+    for (std::size_t i = 0; i < functions.size(); ++i) {
+        const std::string name = expression::lowerText(functions[i].name);
+        if (name.starts_with(lower))
+            groups[0].push_back(i);
+        else if (name.find(lower) != std::string::npos)
+            groups[1].push_back(i);
+        else if (expression::lowerText(functions[i].description).find(lower) != std::string::npos)
+            groups[2].push_back(i);
+    }
+    std::vector<std::size_t> found;
+    for (const std::vector<std::size_t>& group : groups)
+        found.insert(found.end(), group.begin(), group.end());
+    return found;
 }
 
 } // namespace tavix

@@ -18,55 +18,41 @@ CCondition comparison(FilterOperation operation, std::vector<std::string> values
     return condition;
 }
 
-CCondition connector(Connector which) {
-    CCondition condition;
-    condition.conditionType = ConditionType::Connector;
-    condition.connector = which;
-    return condition;
-}
-
-CCondition parenthesis(bool left) {
-    CCondition condition;
-    condition.conditionType = ConditionType::Parenthesis;
-    condition.leftParen = left;
-    condition.rightParen = !left;
-    return condition;
-}
-
 /// The chosen values.
 struct Chosen {
     std::vector<std::string> texts;
     bool null = false;
 };
 
-/// True for a row with one of them.
+/// A list that is true for a row with one of the values.
 ConditionList matching(const Chosen& chosen) {
     ConditionList list;
     if (!chosen.texts.empty())
         list.push_back(comparison(FilterOperation::EqualTo, chosen.texts));
     if (!chosen.texts.empty() && chosen.null)
-        list.push_back(connector(Connector::Or));
+        list.push_back(MakeConnector(Connector::Or));
     if (chosen.null)
         list.push_back(comparison(FilterOperation::IsNull));
     return list;
 }
 
-/// True for a row with any other. A null value compares as neither equal nor unequal, so it needs words of its own.
+/// A list that is true for a row with any other value. Null compares as neither equal nor unequal, so it needs a
+/// condition of its own.
 ConditionList differing(const Chosen& chosen, DistributionKind kind) {
     if (chosen.texts.empty())
         return {comparison(FilterOperation::IsNotNull)};
     ConditionList list = {comparison(FilterOperation::NotEqualTo, chosen.texts)};
     if (chosen.null) {
-        list.push_back(connector(Connector::And));
+        list.push_back(MakeConnector(Connector::And));
         list.push_back(comparison(FilterOperation::IsNotNull));
     } else if (kind == DistributionKind::Frequency) { // a null value has no pattern
-        list.push_back(connector(Connector::Or));
+        list.push_back(MakeConnector(Connector::Or));
         list.push_back(comparison(FilterOperation::IsNull));
     }
     return list;
 }
 
-/// Whether an OR stands outside all parentheses; nothing when they close before they open.
+/// Whether an OR is outside all parentheses; nothing when the parentheses close before they open.
 std::optional<bool> hasOpenOr(const ConditionList& list) {
     int depth = 0;
     bool found = false;
@@ -83,7 +69,7 @@ std::optional<bool> hasOpenOr(const ConditionList& list) {
     return found;
 }
 
-/// Both lists, so that each keeps its meaning; nothing when the first has none.
+/// Joins the lists so that each keeps its meaning; nothing when the first is not valid.
 std::optional<ConditionList> join(ConditionList first, Connector with, const ConditionList& second) {
     const auto firstOpen = hasOpenOr(first);
     if (!firstOpen)
@@ -92,20 +78,20 @@ std::optional<ConditionList> join(ConditionList first, Connector with, const Con
         return second;
     const bool binds = with == Connector::And;
     if (binds && *firstOpen) {
-        first.insert(first.begin(), parenthesis(true));
-        first.push_back(parenthesis(false));
+        first.insert(first.begin(), MakeParenthesis(true));
+        first.push_back(MakeParenthesis(false));
     }
-    first.push_back(connector(with));
+    first.push_back(MakeConnector(with));
     const bool wrapSecond = binds && hasOpenOr(second).value_or(false);
     if (wrapSecond)
-        first.push_back(parenthesis(true));
+        first.push_back(MakeParenthesis(true));
     first.insert(first.end(), second.begin(), second.end());
     if (wrapSecond)
-        first.push_back(parenthesis(false));
+        first.push_back(MakeParenthesis(false));
     return first;
 }
 
-/// Without the block where it would not read back, or would end its comment too early.
+/// Writes the filter text, without the block when that would not read back or would end its comment too early.
 std::string compose(const ConditionList& list, FilterAction action) {
     const std::string block = WriteConditionBlock(list);
     std::string text = block + BuildExpression(list, action);
@@ -135,14 +121,14 @@ Result<std::string> FilterByValues(std::string_view filterText, DistributionKind
     if (values.empty())
         return Error{"No value is selected."};
 
-    const Error cannotExtend{"The filter was written as an expression, so that no value can be added to it. Edit the "
+    const Error cannotExtend{"The filter was written as an expression, so values cannot be added to it. Edit the "
                              "expression, or stop filtering first."};
     ParsedFilter parsed = ParseConditionBlock(filterText, FilterAction::RemoveFailing);
     if (!parsed.understood || FindFault(parsed.conditions) ||
         WriteConditionBlock(parsed.conditions) + BuildExpression(parsed.conditions, parsed.action) != filterText)
         return cannotExtend;
 
-    // What the conditions say is either what stays or what goes.
+    // The conditions describe either the rows that stay or those that go.
     const bool saysWhatStays = parsed.action == FilterAction::RemoveFailing;
     const bool same = saysWhatStays == (choice == ValueChoice::Keep);
     const auto list = join(std::move(parsed.conditions), saysWhatStays ? Connector::And : Connector::Or,

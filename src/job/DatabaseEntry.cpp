@@ -100,10 +100,9 @@ void readDatabaseEntry(TableDescription& table, const YamlDocument& document, co
     if (entry.contains("query")) {
         for (const char* key : {"table", "schema", "catalog"})
             if (entry.contains(key))
-                fail(document, pointerTo(pointer, key),
-                     fmt::format("a query says itself what it reads; leave \"{}\" out", key));
+                fail(document, pointerTo(pointer, key), fmt::format("\"{}\" does not go with a query", key));
         if (!entry.contains("name"))
-            fail(document, pointer, "the key \"name\" is missing; a query has it");
+            fail(document, pointer, "the key \"name\" is missing; a query needs it");
         table.database.query = entry.at("query").get<std::string>();
         table.name = entry.at("name").get<std::string>();
     } else {

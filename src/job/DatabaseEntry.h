@@ -9,16 +9,16 @@
 
 namespace tavix::job {
 
-/// A password in the list of sources of a job file that need not follow the schema yet; it does not belong there.
+/// Finds a password in the sources of a job file, where it does not belong. The file need not follow the schema yet.
 [[nodiscard]] std::optional<DocumentProblem> findPassword(const YamlDocument& document);
 
-/// The list of sources of a job file that follows the schema. Throws a DocumentProblem.
+/// Reads the sources of a job file that follows the schema. Throws a DocumentProblem.
 [[nodiscard]] std::vector<SourceDescription> readSources(const YamlDocument& document);
 
-/// Whether an entry of the list of tables is read from a database.
+/// Whether an entry of the list of tables is a database table.
 [[nodiscard]] bool isDatabaseEntry(const nlohmann::json& entry);
 
-/// Reads such an entry, which follows the schema, as far as it says from where the rows come. Throws a DocumentProblem.
+/// Reads from where such an entry, which must follow the schema, takes its rows. Throws a DocumentProblem.
 void readDatabaseEntry(TableDescription& table, const YamlDocument& document, const nlohmann::json& entry,
                        const std::string& pointer);
 

@@ -15,10 +15,10 @@ constexpr std::size_t kMostFiles = 100'000;
 constexpr std::size_t kLongestJoined = 1000;
 
 Error tooMany(const std::string& path) {
-    return Error{fmt::format("\"{}\" means more than {} files.", path, kMostFiles)};
+    return Error{fmt::format("\"{}\" matches more than {} files.", path, kMostFiles)};
 }
 
-/// What glob() found, given back with it.
+/// Frees the result of glob().
 struct Matches {
     glob_t found{};
     Matches() = default;
@@ -38,7 +38,7 @@ Result<std::vector<std::string>> matchingFiles(const std::string& path) {
     if (!isPattern(path))
         return std::vector<std::string>{path};
     Matches matches;
-    // Sorted here: glob() would ask the locale.
+    // Sorted below, since glob() would sort by the locale.
     const int code = ::glob(path.c_str(), GLOB_NOSORT | GLOB_NOESCAPE, nullptr, &matches.found);
     if (code != 0 && code != GLOB_NOMATCH)
         return Error{fmt::format("The files of \"{}\" cannot be listed.", path)};

@@ -12,7 +12,7 @@ namespace tavix::job {
 
 namespace {
 
-/// The first name that stands twice.
+/// The first name that occurs twice.
 template <typename Entries>
 const std::string* repeatedName(const Entries& entries) {
     std::set<std::string_view> names;
@@ -35,7 +35,7 @@ Status checkTable(const JobDescription& job, const TableDescription& table, std:
                                      table.where.place, table.name, table.basedOn, base->basedOn)};
     }
     if (table.delimiter && *table.delimiter == table.quote)
-        return Error{fmt::format("Table \"{}\": the delimiter and the quote are two characters.", table.name)};
+        return Error{fmt::format("Table \"{}\": the delimiter and the quote must be different.", table.name)};
     if (const std::string* name = repeatedName(table.metrics))
         return Error{fmt::format("Table \"{}\" has two custom metrics \"{}\".", table.name, *name)};
     if (const std::string* name = repeatedName(table.rules))
@@ -58,7 +58,7 @@ Status checkName(std::string_view what, std::string_view name) {
     if (name.find_first_not_of(" \t\n\v\f\r") == std::string_view::npos)
         return Error{fmt::format("The name of the {} is blank.", what)};
     if (const std::size_t length = countCharacters(name); length > kLongestName)
-        return Error{fmt::format("The name of the {} has {} characters; {} are the most.", what, length, kLongestName)};
+        return Error{fmt::format("The name of the {} has {} characters; the limit is {}.", what, length, kLongestName)};
     return {};
 }
 
@@ -72,7 +72,7 @@ Status checkDescription(std::string_view what, std::string_view text) {
     if (source::validUtf8Prefix(text) != text.size())
         return Error{fmt::format("The description of the {} is not UTF-8 text.", what)};
     if (const std::size_t length = countCharacters(text); length > kLongestDescription)
-        return Error{fmt::format("The description of the {} has {} characters; {} are the most.", what, length,
+        return Error{fmt::format("The description of the {} has {} characters; the limit is {}.", what, length,
                                  kLongestDescription)};
     return {};
 }

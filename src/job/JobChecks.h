@@ -12,24 +12,24 @@
 
 namespace tavix::job {
 
-/// What is wrong with a name that is none of an encoding, with the nearest that is.
+/// The message about an unknown encoding, with the nearest known name.
 [[nodiscard]] std::string unknownEncoding(std::string_view name);
 
-/// Characters. The schema of job files has the same limits.
+/// Characters. The schema of job files states the same limits.
 inline constexpr std::size_t kLongestName = 1000;
 inline constexpr std::size_t kLongestDescription = 10'000;
 
-/// The name of a job or a table is neither blank nor too long. `what` is whose name it is: "job".
+/// Checks that a name is neither blank nor too long. `what`: what it names, such as "job".
 [[nodiscard]] Status checkName(std::string_view what, std::string_view name);
-/// The same of a name that a user typed, which is UTF-8 too; that of a file need not be.
+/// Checks a name that a user typed; it must also be UTF-8, which a file name need not be.
 [[nodiscard]] Status checkGivenName(std::string_view what, std::string_view name);
 [[nodiscard]] Status checkDescription(std::string_view what, std::string_view text);
 
-/// A job can run: it and its tables have names that checkName() accepts, table names are unique, collections name
-/// tables of the job.
+/// Checks that a job can run: the names of the job and its tables are valid, table names are unique, and collections
+/// refer to tables of the job.
 [[nodiscard]] Status checkJob(const JobDescription& job);
 
-/// The fields that the job's collections take from this table exist.
+/// Checks that the fields exist that the job's collections take from this table.
 [[nodiscard]] Status checkCollectionFields(const JobDescription& job, std::string_view table,
                                            std::span<const std::string> columns);
 

@@ -36,7 +36,7 @@ std::string_view placeAt(std::span<const std::string> places, std::size_t index)
 Result<JobDescription> describeFiles(std::span<const std::string> files, const std::string& name,
                                      const TableDescription& reading, const std::string& oneTable) {
     if (files.empty())
-        return Error{"No file to profile was named."};
+        return Error{"No file to profile was given."};
     for (const auto& [what, given] : {std::pair("job", &name), std::pair("table", &oneTable)})
         if (!given->empty())
             if (Status status = checkGivenName(what, *given); !status)
@@ -66,7 +66,7 @@ Result<JobDescription> describeFiles(std::span<const std::string> files, const s
             table.path = path;
             table.name = tableNameOf(path);
             if (table.name.empty())
-                return Error{fmt::format("\"{}\" is no name of a file.", path)};
+                return Error{fmt::format("\"{}\" is not a file name.", path)};
             job.tables.push_back(table);
         }
     }

@@ -15,19 +15,19 @@
 
 namespace tavix::job {
 
-/// How many violating rows of a rule a run keeps unless the job says otherwise.
+/// The violating rows of a rule that a run keeps unless the job states another number.
 inline constexpr std::size_t kRowLogLimit = 1000;
 
-/// An expression of a job. docs/expressions.md is the language.
+/// An expression of a job; see docs/expressions.md.
 struct ExpressionText {
     std::string text;
-    std::string place; ///< "FILE:LINE:COLUMN: " where it stands; empty when it comes from no file
+    std::string place; ///< "FILE:LINE:COLUMN: ", its position; empty without a file
 
     bool operator==(const ExpressionText&) const = default;
 };
 
-/// What a custom metric makes of its expression: count the rows for which it is true, aggregate its values over the
-/// rows, or evaluate it once over the table's metrics.
+/// How a custom metric uses its expression: count the rows for which it is true, aggregate its values over the rows, or
+/// evaluate it once over the table's metrics.
 enum class Figure { Count, Sum, Average, Minimum, Maximum, Metric };
 
 /// The word for it in job files and in the repository.
@@ -42,7 +42,7 @@ struct CustomMetricDescription {
     bool operator==(const CustomMetricDescription&) const = default;
 };
 
-/// A condition that every row of a table has to meet.
+/// A condition that every row of a table must meet.
 struct RuleDescription {
     std::string name; ///< unique in the table
     ExpressionText condition;
@@ -51,7 +51,7 @@ struct RuleDescription {
     bool operator==(const RuleDescription&) const = default;
 };
 
-/// A database that tables of a job are read from.
+/// A database that a job reads tables from.
 struct SourceDescription {
     std::string name;       ///< unique in the job
     std::string connection; ///< the name of an ODBC data source, or a connection string without a password
@@ -59,28 +59,28 @@ struct SourceDescription {
     bool operator==(const SourceDescription&) const = default;
 };
 
-/// A table of a job: a text file, several with the same columns, a table or query of a database, or the rows of
-/// another table of the job that pass a condition.
+/// A table of a job: a text file, several files with the same columns, a table or query of a database, or the rows of
+/// another table of the job that meet a condition.
 struct TableDescription {
-    std::string name;              ///< unique in the job; a file's name without its ending unless stated
-    std::string path;              ///< absolute; of several files how they were named; empty for a filtered table
-    std::optional<char> delimiter; ///< found in the file when not stated
+    std::string name;              ///< unique in the job; by default a file's name without its extension
+    std::string path;              ///< absolute; of several files as they were named; empty for a filtered table
+    std::optional<char> delimiter; ///< detected when not stated
     bool hasHeader = true;
     std::string basedOn{}; ///< of a filtered table: the table of this job whose rows it filters
     ExpressionText where{};
-    std::vector<std::string> key{}; ///< the fields by which people know a row
+    std::vector<std::string> key{}; ///< the fields that identify a row for people
     std::vector<CustomMetricDescription> metrics{};
     std::vector<RuleDescription> rules{};
-    std::vector<std::string> files{};    ///< absolute, when the table is made of several
-    bool findHeader = false;             ///< the first row tells whether it is a header
-    const CEncoding* encoding = nullptr; ///< found in the file when null
+    std::vector<std::string> files{};    ///< absolute, for a table of several files
+    bool findHeader = false;             ///< detect whether the first row is a header
+    const CEncoding* encoding = nullptr; ///< detected when null
     char quote = '"';                    ///< 0: none
-    source::Sample sample{};             ///< a filtered table has that of the table that it is based on
-    std::string source{};                ///< of a table of a database: the name of the job's source
+    source::Sample sample{};             ///< a filtered table has the sample of its base table
+    std::string source{};                ///< of a database table: the name of the job's source
     source::TableRequest database{};
-    bool isCountedByRows = false; ///< its rows are read even if the engine can count
+    bool isCountedByRows = false; ///< read the rows even if the engine can count
     std::vector<repository::AlertFacts> alerts{};
-    /// Where each field of the key and each alert is in the job file, as in ExpressionText; none without one.
+    /// The positions of the key's fields and of the alerts in the job file, as in ExpressionText; empty without a file.
     std::vector<std::string> keyPlaces{};
     std::vector<std::string> alertPlaces{};
 
@@ -90,27 +90,28 @@ struct TableDescription {
     bool operator==(const TableDescription&) const = default;
 };
 
-/// What a job profiles. Read from a job file or made from the names of text files.
+/// What a job profiles: read from a job file, or made from the names of text files.
 struct JobDescription {
     std::string name;
     std::string description;
-    std::string repository; ///< where the results go; "" when the command says so
-    std::string dataSource; ///< name of the text files' data source; the folder of the first file unless stated
+    std::string repository; ///< where the results go; "" when the command states it
+    std::string dataSource; ///< name of the text files' data source; by default the folder of the first file
     std::vector<TableDescription> tables;
     std::vector<repository::CollectionFacts> collections;
     std::vector<SourceDescription> sources{};
     std::vector<std::vector<std::string>> collectionPlaces{}; ///< of each collection's fields, as keyPlaces of a table
 };
 
-/// The place at `index`; empty beyond the last, as of a job that comes from no file.
+/// The position at `index`; empty beyond the last, as in a job without a file.
 [[nodiscard]] std::string_view placeAt(std::span<const std::string> places, std::size_t index);
 
-/// Reads a YAML job file, checked against the schema that is shipped as share/job.schema.json. Paths in it are relative
-/// to the file. Errors read "FILE:LINE:COLUMN: what is wrong". Files beyond 1 MiB are refused.
+/// Reads a YAML job file and checks it against share/job.schema.json. Paths in it are relative to the file. Errors read
+/// "FILE:LINE:COLUMN: message". Files above 1 MiB are refused.
 [[nodiscard]] Result<JobDescription> readJobFile(const std::string& path);
 
-/// A job over text files as they are: names, or patterns with `*`, `?` and `[...]`, each file a table that is read as
-/// `reading` says. An empty `name` takes the first table's name. All files make one table when `oneTable` names it.
+/// Makes a job over text files: names, or patterns with `*`, `?` and `[...]`. Each file becomes a table that is read as
+/// `reading` says, or all become the table `oneTable` if that is not empty. An empty `name` means the first table's
+/// name.
 [[nodiscard]] Result<JobDescription> describeFiles(std::span<const std::string> files, const std::string& name,
                                                    const TableDescription& reading = {},
                                                    const std::string& oneTable = {});

@@ -2,7 +2,7 @@
 #include "job/JobChecks.h"
 #include "job/JobDescription.h"
 #include "job/JobSchema.h"
-#include "job/TableEntry.h"
+#include "job/TableEntryReader.h"
 #include "job/YamlDocument.h"
 
 #include <fmt/format.h>
@@ -39,7 +39,7 @@ Result<std::string> readWhole(const std::string& path) {
     return text;
 }
 
-/// A document that follows the schema as the description of a job.
+/// Turns a document that follows the schema into the description of a job.
 class JobBuilder {
   public:
     JobBuilder(const YamlDocument& document, const std::string& file, const std::filesystem::path& folder)
@@ -70,7 +70,7 @@ class JobBuilder {
     }
 
   private:
-    /// Empty when all tables come from databases.
+    /// Empty when all tables are database tables.
     [[nodiscard]] std::string firstFile() const {
         const auto table = std::find_if(m_job.tables.begin(), m_job.tables.end(), [](const TableDescription& one) {
             return !one.isFiltered() && !one.isDatabase();
@@ -134,7 +134,7 @@ class JobBuilder {
             const std::string place = pointerTo(fieldsPointer, std::to_string(i));
             const auto address = addressOf(fields[i], place);
             if (std::find(collection.fields.begin(), collection.fields.end(), address) != collection.fields.end())
-                fail(place, fmt::format("the field \"{}.{}\" stands twice", address.table, address.field));
+                fail(place, fmt::format("the field \"{}.{}\" is listed twice", address.table, address.field));
             collection.fields.push_back(address);
             places.push_back(placeText(m_document, m_file, place));
         }
@@ -149,7 +149,7 @@ class JobBuilder {
             return {table, entry.at("field").get<std::string>()};
         }
         const auto text = entry.get<std::string>();
-        // Names of tables may hold dots: the longest that fits is meant.
+        // Table names may contain dots: take the longest that matches.
         const std::string* best = nullptr;
         for (const std::string& name : m_names)
             if (text.size() > name.size() + 1 && text.starts_with(name) && text[name.size()] == '.' &&
@@ -170,10 +170,10 @@ class JobBuilder {
     const YamlDocument& m_document;
     std::string m_file; ///< for messages
     std::filesystem::path m_folder;
-    TableEntry m_tables;
+    TableEntryReader m_tables;
     JobDescription m_job;
     std::vector<std::string> m_names;
-    std::vector<std::string> m_pointers; ///< where each table stands
+    std::vector<std::string> m_pointers; ///< of each table
     std::set<std::string> m_collections;
 };
 
@@ -192,7 +192,7 @@ Result<JobDescription> readJobFile(const std::string& path) {
         return located(path, *problem);
     const auto& document = std::get<YamlDocument>(parsed);
     if (document.value.is_null())
-        return Error{fmt::format("{}:1:1: the file describes no job", path)};
+        return Error{fmt::format("{}:1:1: the file does not describe a job", path)};
     if (const auto problem = findPassword(document))
         return located(path, *problem);
     if (const auto problem = findSchemaProblem(document))

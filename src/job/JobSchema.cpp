@@ -26,7 +26,7 @@ struct Finding {
     FilePosition position;
 };
 
-/// "/tables/0/file" as people write it: tables[0].file.
+/// "/tables/0/file" as users write it: tables[0].file.
 std::string pathText(const std::string& pointer) {
     std::string path;
     for (const std::string& step : [&] {
@@ -49,7 +49,7 @@ bool hasType(const json& schema, const json& value) {
            ((*type == "object" && value.is_object()) || (*type == "string" && value.is_string()));
 }
 
-/// The alternative that the value was meant to follow.
+/// The alternative of the schema that fits the value's type.
 const json& alternative(const json& schema, const json& value) {
     if (const auto all = schema.find("anyOf"); all != schema.end())
         for (const json& one : *all)
@@ -58,7 +58,7 @@ const json& alternative(const json& schema, const json& value) {
     return schema;
 }
 
-/// Walks schema and document together, for what the validator cannot say well: which key is unknown or missing.
+/// Walks schema and document together to name unknown and missing keys, which the validator does not report well.
 class KeyChecker {
   public:
     KeyChecker(const YamlDocument& document, std::vector<Finding>& findings)
@@ -98,7 +98,7 @@ class KeyChecker {
     std::vector<Finding>& m_findings;
 };
 
-/// How long a text may be, when that is what the schema limits.
+/// The limits of a text's length, if the schema states them.
 std::string lengthLimits(const json& schema, const json& value) {
     if (!value.is_string() || !schema.contains("maxLength"))
         return {};
@@ -106,7 +106,7 @@ std::string lengthLimits(const json& schema, const json& value) {
                        schema.contains("pattern") ? ", not only blanks" : "");
 }
 
-/// What the schema says about the value at `pointer`, as its author put it.
+/// The schema's description of the value at `pointer`.
 std::string expectation(const json& root, const json& document, const std::string& pointer) {
     const json* schema = &root;
     const json* value = &document;
@@ -164,7 +164,7 @@ std::optional<DocumentProblem> findSchemaProblem(const YamlDocument& document) {
     std::vector<Finding> findings;
     KeyChecker(document, findings).check(schema, document.value, "");
     validate(schema, document, findings);
-    // A wrong value makes everything around it wrong too; only the innermost finding helps.
+    // A wrong value makes its containers invalid too; only the innermost finding helps.
     const Finding* first = nullptr;
     for (const Finding& finding : findings) {
         const bool isInnermost = std::none_of(findings.begin(), findings.end(), [&](const Finding& other) {

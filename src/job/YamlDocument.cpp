@@ -61,7 +61,7 @@ class Converter {
         if (++m_values > kMostValues)
             throw DocumentProblem{positionOf(node.Mark()),
                                   "the file has too many values; are there aliases of aliases?"};
-        // Nothing has no place of its own; its key has.
+        // An absent value has no position; use that of its key.
         const auto entry = m_document.entryPositions.find(pointer);
         m_document.valuePositions.emplace(pointer, node.IsNull() && entry != m_document.entryPositions.end()
                                                        ? entry->second
@@ -83,14 +83,14 @@ class Converter {
   private:
     static nlohmann::json scalar(const YAML::Node& node) {
         const std::string& tag = node.Tag();
-        // An escape can make one; names of files would end there.
+        // An escape can make one, and file names would end there.
         if (node.Scalar().find('\0') != std::string::npos)
             throw DocumentProblem{positionOf(node.Mark()), "a text cannot hold a zero byte"};
         if (tag == "?" || tag.empty())
             return plainScalar(node.Scalar());
         if (tag == "!" || tag == "tag:yaml.org,2002:str")
             return node.Scalar();
-        throw DocumentProblem{positionOf(node.Mark()), fmt::format("the tag \"{}\" is not known here", tag)};
+        throw DocumentProblem{positionOf(node.Mark()), fmt::format("the tag \"{}\" is not supported", tag)};
     }
 
     nlohmann::json sequence(const YAML::Node& node, const std::string& pointer, int depth) {
@@ -111,7 +111,7 @@ class Converter {
                 throw DocumentProblem{position, "a key must be a word or a text"};
             const std::string& key = entry.first.Scalar();
             if (object.contains(key))
-                throw DocumentProblem{position, fmt::format("the key \"{}\" stands twice", key)};
+                throw DocumentProblem{position, fmt::format("the key \"{}\" is given twice", key)};
             const std::string place = pointerTo(pointer, key);
             m_document.entryPositions.emplace(place, position);
             object[key] = convert(entry.second, place, depth + 1);
@@ -123,10 +123,10 @@ class Converter {
     std::size_t m_values = 0;
 };
 
-/// Refuses a second document. YAML::LoadAll cannot be used for it: it never ends on stray text like "{a},".
+/// Rejects a second document. YAML::LoadAll() cannot be used for this: it never ends on stray text such as "{a},".
 class SingleDocument final : public YAML::EventHandler {
   public:
-    /// Where the last scalar begins, its tag and anchor included.
+    /// Where the last scalar begins, including its tag and anchor.
     [[nodiscard]] std::optional<std::size_t> lastScalar() const { return m_lastScalar; }
 
     void OnDocumentStart(const YAML::Mark& mark) override {
@@ -149,7 +149,7 @@ class SingleDocument final : public YAML::EventHandler {
     std::optional<std::size_t> m_lastScalar;
 };
 
-/// Expressions hold what YAML reads in its own way, and its messages do not say so.
+/// Expressions contain characters that are special in YAML, and its messages do not say so.
 std::string_view hintOnQuotes(std::string_view text, const YAML::Exception& error) {
     if (error.msg.find("escape") != std::string::npos)
         return "; a backslash in double quotes is an escape, so use single quotes";
@@ -167,7 +167,7 @@ void requireSingleDocument(const std::string& text, SingleDocument& handler) {
         parser.HandleNextDocument(handler);
 }
 
-/// Where the scalar's own text begins: after its tag, its anchor, blanks and comments.
+/// Where the scalar's text begins, after its tag and anchor, blanks and comments.
 std::size_t skipProperties(std::string_view text, std::size_t at) {
     while (at < text.size()) {
         const char c = text[at];
@@ -183,7 +183,7 @@ std::size_t skipProperties(std::string_view text, std::size_t at) {
     return std::min(at, text.size());
 }
 
-/// The offset after the closing quote of the text in quotes at `start`; npos when nothing closes it.
+/// The offset after the closing quote of the quoted text at `start`; npos when it is not closed.
 std::size_t quotedEnd(std::string_view text, std::size_t start) {
     const char quote = text[start];
     for (std::size_t at = start + 1; at < text.size(); ++at) {
@@ -197,8 +197,8 @@ std::size_t quotedEnd(std::string_view text, std::size_t start) {
     return std::string_view::npos;
 }
 
-/// The parser takes the end of the file for the end of a text in quotes; so a forgotten quote would swallow the rest.
-/// `mark`: where the parser found something that it does not understand.
+/// The parser ends a quoted text at the end of the file, so a forgotten quote would swallow the rest. `mark`: where the
+/// parser failed.
 std::optional<DocumentProblem> findOpenQuote(std::string_view text, std::size_t scalar,
                                              std::optional<YAML::Mark> mark = std::nullopt) {
     const std::size_t start = skipProperties(text, scalar);
@@ -210,14 +210,15 @@ std::optional<DocumentProblem> findOpenQuote(std::string_view text, std::size_t 
     const std::string_view quoted = text.substr(start, end - start);
     const int lastLine = positionOf(text, end).line;
     if (mark && quoted.find('\n') != std::string_view::npos && mark->line + 1 == lastLine)
-        return DocumentProblem{positionOf(text, start),
-                               fmt::format("the quote that opens here is closed in line {}, where the text goes on; is "
-                                           "a closing quote missing?",
-                                           lastLine)};
+        return DocumentProblem{
+            positionOf(text, start),
+            fmt::format("the quote that opens here is closed in line {}, where the text continues; is "
+                        "a closing quote missing?",
+                        lastLine)};
     return std::nullopt;
 }
 
-/// Of a text that the parser did not get to: the first quote from `at` on that begins one and is never closed.
+/// For a text that the parser did not reach: finds the first quote from `at` on that begins a text and is never closed.
 std::optional<DocumentProblem> findOpenQuoteFrom(std::string_view text, std::size_t at) {
     constexpr std::string_view kBefore = " \t\r\n[{,";
     while (at < text.size()) {
@@ -270,7 +271,7 @@ std::variant<YamlDocument, DocumentProblem> parseYaml(const std::string& text) {
     if (const std::size_t zero = text.find('\0'); zero != std::string::npos)
         return DocumentProblem{positionOf(text, zero), "this is not text"};
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    // Positions do not count it.
+    // not counted in positions
     const std::string_view body = std::string_view(text).substr(text.starts_with(kByteOrderMark) ? 3 : 0);
     SingleDocument single;
     try {

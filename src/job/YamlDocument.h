@@ -11,7 +11,7 @@
 
 namespace tavix::job {
 
-/// A place in a text file, both from 1.
+/// A position in a text file; both numbers count from 1.
 struct FilePosition {
     int line = 1;
     int column = 1;
@@ -20,30 +20,30 @@ struct FilePosition {
     auto operator<=>(const FilePosition&) const = default;
 };
 
-/// What is wrong with a document, and where.
+/// An error in a document and its position.
 struct DocumentProblem {
     FilePosition position;
     std::string text;
 };
 
-/// A YAML document as plain values, with the place of each.
+/// A YAML document as plain values with their positions.
 struct YamlDocument { // NOLINT(bugprone-exception-escape): the JSON value moves without throwing
     nlohmann::json value;
-    /// By JSON pointer: of an element of a list where it begins, of an entry of a map where its key does.
+    /// By JSON pointer: where an element of a list begins, or the key of an entry of a map.
     std::unordered_map<std::string, FilePosition> entryPositions;
     std::unordered_map<std::string, FilePosition> valuePositions; ///< where the value itself begins
 };
 
-/// The pointer of an entry of the map or list at `parent`.
+/// The pointer to an entry of the map or list at `parent`.
 [[nodiscard]] std::string pointerTo(const std::string& parent, std::string_view key);
 
-/// "FILE:LINE:COLUMN: " of the value at `pointer`, with which messages about it begin.
+/// "FILE:LINE:COLUMN: " of the value at `pointer`, the beginning of messages about it.
 [[nodiscard]] std::string placeText(const YamlDocument& document, const std::string& file, const std::string& pointer);
 
-/// Reads one YAML document. Words become null, booleans and numbers as YAML 1.2 has it, anything in quotes stays
-/// text. Refused: text that is not UTF-8, a zero byte, a quote that is never closed, a key that stands twice, keys that
-/// are no words, nesting beyond 32 levels, and more than 200,000 values, which only aliases of aliases reach in a file
-/// of reasonable size.
+/// Parses one YAML document. Plain words become null, booleans and numbers as in YAML 1.2; quoted texts stay texts.
+/// Rejects text that is not UTF-8, a zero byte, a quote that is never closed, a repeated key, keys that are not
+/// scalars, nesting beyond 32 levels, and more than 200,000 values, which a file of reasonable size reaches only by
+/// aliases of aliases.
 [[nodiscard]] std::variant<YamlDocument, DocumentProblem> parseYaml(const std::string& text);
 
 } // namespace tavix::job

@@ -11,18 +11,17 @@
 
 namespace tavix::profiling {
 
-/// Rows of a source in the form in which expressions read them. Only columns that an expression uses are copied.
+/// Rows of a source as a block that expressions read. Copies only the columns that an expression uses.
 class BlockColumns {
   public:
-    /// How many rows a caller should hand over at once: enough to spread the cost of a call, few enough to stay in the
-    /// processor's cache.
+    /// Rows to hand over at once: enough to spread the cost of a call, few enough to fit the processor's cache.
     static constexpr std::size_t kRows = 4096;
 
-    /// `used` says of every column of the source whether an expression uses it.
+    /// `used`: for each column of the source, whether an expression uses it.
     explicit BlockColumns(std::vector<bool> used);
 
-    /// Takes the first of `rows`, which are places in the block: all of them, unless their texts are too long for one
-    /// block of expressions. At least one is taken.
+    /// Takes rows of the block from the first of `rows` on: all of them unless their texts are too long for one block
+    /// of expressions, and at least one.
     struct Taken {
         const expression::Block* block = nullptr; ///< valid until the next call
         std::size_t rows = 0;
@@ -38,7 +37,7 @@ class BlockColumns {
     };
 
     std::vector<Column> m_columns;
-    std::vector<expression::BlockColumn> m_views; ///< one for each column of the source
+    std::vector<expression::BlockColumn> m_views; ///< for each column of the source
     expression::Block m_block;
 };
 

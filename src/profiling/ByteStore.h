@@ -12,25 +12,23 @@
 
 namespace tavix::profiling {
 
-/// Keeps pieces of bytes until a run is written: in memory as long as there is room, in a file from then on. May be
-/// used by several threads at once, one piece by one at a time.
+/// Keeps byte sequences until a run is written: in memory as long as there is room, then in a file. Several threads may
+/// use it at once, but not the same piece.
 class ByteStore {
   public:
     class Piece {
         friend class ByteStore;
-        std::unique_ptr<std::byte[]> m_bytes; ///< or, when null,
-        std::uint64_t m_offset = 0;           ///< in the file
+        std::unique_ptr<std::byte[]> m_bytes; ///< when null, the piece is in the file
+        std::uint64_t m_offset = 0;
         std::uint32_t m_size = 0;
     };
 
     ByteStore(SpillFile& file, std::size_t memory) : m_file(file), m_memory(memory) {}
 
     [[nodiscard]] Result<Piece> keep(std::span<const std::byte> bytes);
-    /// The bytes of a piece, which live as long as the piece is kept and `buffer` is left alone.
+    /// The bytes of a piece. They live as long as the piece is kept and `buffer` is not touched.
     [[nodiscard]] Result<std::span<const std::byte>> read(const Piece& piece, std::vector<std::byte>& buffer) const;
     void drop(Piece& piece);
-
-    [[nodiscard]] std::size_t memoryInUse() const { return m_inUse; }
 
   private:
     SpillFile& m_file;

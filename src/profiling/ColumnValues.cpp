@@ -7,27 +7,21 @@
 
 namespace tavix::profiling {
 
-namespace {
-
-constexpr std::size_t kOutputBuffer = std::size_t{64} << 10;
-
-} // namespace
-
-void ColumnValues::countRange(std::span<const source::Cell> cells, std::uint32_t part, PlaceMarks* marks) {
+void ColumnValues::countRange(std::span<const source::Cell> cells, std::uint32_t part, BucketSet* buckets) {
     if (m_others.empty())
-        m_counter.count(cells, marks);
+        m_counter.count(cells, buckets);
     else
-        (part == 0 ? m_counter : m_others[part - 1]).countPart(cells, part, parts(), marks);
+        (part == 0 ? m_counter : m_others[part - 1]).countPart(cells, part, parts(), buckets);
 }
 
 void ColumnValues::count(std::span<const source::Cell> cells, std::span<const source::RowPlace> places,
                          std::uint32_t part) {
-    if (m_places.empty())
+    if (m_offsetIndexes.empty())
         return countRange(cells, part, nullptr);
-    thread_local PlaceMarks marks;
+    thread_local BucketSet buckets;
     for (std::size_t i = 1; i < places.size(); ++i) {
-        countRange(cells.subspan(places[i - 1].row, places[i].row - places[i - 1].row), part, &marks);
-        m_places[part].endRange(marks);
+        countRange(cells.subspan(places[i - 1].row, places[i].row - places[i - 1].row), part, &buckets);
+        m_offsetIndexes[part].endRange(buckets);
     }
 }
 
@@ -44,32 +38,32 @@ std::size_t ColumnValues::memory() const {
     return memory;
 }
 
-std::size_t ColumnValues::placesMemory() const {
+std::size_t ColumnValues::offsetIndexMemory() const {
     std::size_t memory = 0;
-    for (const ValuePlaces& places : m_places)
-        memory += places.memory();
+    for (const ValueOffsetIndex& index : m_offsetIndexes)
+        memory += index.memory();
     return memory;
 }
 
-void ColumnValues::giveUpPlaces(const ValueCounter& counter) {
-    if (m_arePlacesClosed || m_places.empty())
+void ColumnValues::giveUpFrequentBuckets(const ValueCounter& counter) {
+    if (m_isOffsetIndexClosed || m_offsetIndexes.empty())
         return;
     for (const auto& chunk : counter.entries().chunks())
         for (const Entry& entry : chunk)
             if (entry.count > ValueCounter::kMarkedRows)
-                m_places.front().giveUp(repository::placeBucket(std::uint64_t{entry.hash} << 32));
+                m_offsetIndexes.front().giveUp(repository::placeBucket(std::uint64_t{entry.hash} << 32));
 }
 
-void ColumnValues::closePlaces() {
-    giveUpPlaces(m_counter);
+void ColumnValues::closeOffsetIndex() {
+    giveUpFrequentBuckets(m_counter);
     for (const ValueCounter& other : m_others)
-        giveUpPlaces(other);
-    m_arePlacesClosed = true;
+        giveUpFrequentBuckets(other);
+    m_isOffsetIndexClosed = true;
 }
 
-std::vector<repository::PlacePage> ColumnValues::takePlaces() {
-    const std::vector<ValuePlaces> places = std::exchange(m_places, {});
-    return places.empty() ? std::vector<repository::PlacePage>() : packPlaces(places);
+std::vector<repository::PlacePage> ColumnValues::takeOffsetIndex() {
+    const std::vector<ValueOffsetIndex> indexes = std::exchange(m_offsetIndexes, {});
+    return indexes.empty() ? std::vector<repository::PlacePage>() : packOffsetIndex(indexes);
 }
 
 std::size_t ColumnValues::valuesInMemory() const {
@@ -80,7 +74,7 @@ std::size_t ColumnValues::valuesInMemory() const {
 }
 
 std::size_t ColumnValues::work() const {
-    // Sorting costs as much for each value as patterns and types for some characters.
+    // Sorting a value costs as much as finding pattern and type of some characters.
     constexpr std::size_t kPerValue = 8;
     std::size_t work = valuesInMemory() * kPerValue + m_counter.textBytes();
     for (const ValueCounter& other : m_others)
@@ -92,7 +86,7 @@ std::size_t ColumnValues::spillingTakes() const {
     std::size_t values = m_counter.entries().size();
     for (const ValueCounter& other : m_others)
         values = std::max(values, other.entries().size());
-    return values * 2 * sizeof(Keyed) + kOutputBuffer;
+    return values * 2 * sizeof(Keyed) + RunOutput::kBuffer;
 }
 
 Status ColumnValues::spill(SpillFile& file, StopSignal& stop) {
@@ -113,10 +107,9 @@ Status ColumnValues::spill(ValueCounter& counter, SpillFile& file, StopSignal& s
         std::vector<Keyed> spare;
         order = sortedByText(entries, spare, stop);
     }
-    RunOutput output(file, kOutputBuffer);
-    constexpr std::size_t kBetweenStops = 4096;
+    RunOutput output(file);
     for (std::size_t i = 0; i < order.size(); ++i) {
-        if (i % kBetweenStops == 0 && stop.isStopped())
+        if (i % kRowsBetweenPolls == 0 && stop.isStopped())
             return StopSignal::stopped();
         const auto& entry = entries[order[i].index];
         if (Status status = output.add({0, entry.count, entry.text()}); !status)
@@ -125,7 +118,7 @@ Status ColumnValues::spill(ValueCounter& counter, SpillFile& file, StopSignal& s
     auto run = output.finish();
     if (!run)
         return run.error();
-    giveUpPlaces(counter);
+    giveUpFrequentBuckets(counter);
     counter.dropValues();
     return m_runs.add(file, std::move(*run));
 }
@@ -138,7 +131,7 @@ void ColumnValues::clearValues(SpillFile& file) {
 
 void ColumnValues::clear(SpillFile& file) {
     clearValues(file);
-    m_places.clear();
+    m_offsetIndexes.clear();
 }
 
 } // namespace tavix::profiling

@@ -43,7 +43,7 @@ std::optional<std::string> whyRowsAreRead(const job::JobDescription& job, const 
         return "the job says \"counted by: rows\"";
     for (const job::TableDescription& other : job.tables)
         if (other.isFiltered() && other.basedOn == table.name)
-            return fmt::format("the filtered table \"{}\" is made of its rows", other.name);
+            return fmt::format("the filtered table \"{}\" needs its rows", other.name);
     if (!table.rules.empty())
         return "its rules look at every row";
     for (const job::CustomMetricDescription& metric : table.metrics)
@@ -93,7 +93,7 @@ Result<std::vector<TableExplanation>> explainJob(const job::JobDescription& job,
     for (const job::TableDescription& table : job.tables) {
         TableExplanation explanation{table.name, table.isDatabase() ? table.source : job.dataSource, {}, {}};
         if (table.isFiltered())
-            explanation.reason = fmt::format("made of the rows of \"{}\", while those pass by", table.basedOn);
+            explanation.reason = fmt::format("made of the rows of \"{}\" in the same pass", table.basedOn);
         else if (!table.isDatabase())
             explanation.reason = "a text file is read";
         if (table.isDatabase()) {

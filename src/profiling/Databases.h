@@ -14,13 +14,13 @@
 
 namespace tavix::profiling {
 
-/// A table or query of a database, found and described.
+/// A table or query of a database with its description.
 struct OpenedDatabaseTable {
-    source::OdbcConnection* connection = nullptr; ///< belongs to the Databases
+    source::OdbcConnection* connection = nullptr; ///< owned by the Databases
     source::DatabaseTable table;
 };
 
-/// The connections of a run to the databases of its job: one for each, made when it is needed first.
+/// The connections of a run to the databases of its job. Each is opened when it is first needed.
 class Databases {
   public:
     /// The job must outlive the object.
@@ -34,17 +34,17 @@ class Databases {
     std::map<std::string, std::unique_ptr<source::OdbcConnection>> m_connections;
 };
 
-/// Why the rows of a table of a database are read instead of letting its engine count; nothing when it counts.
+/// Why the rows of a database table are read instead of counted by its engine; nothing when the engine counts.
 [[nodiscard]] std::optional<std::string>
 whyRowsAreRead(const job::JobDescription& job, const job::TableDescription& table, const source::DatabaseTable& found);
 
-/// What a run says of where a table comes from; `base` is the table itself or the one that it filters.
+/// Describes where a table comes from. `base` is the table itself, or the table that it filters.
 void addDatabaseFacts(repository::TableFacts& facts, const job::TableDescription& table,
                       const job::TableDescription& base, const OpenedDatabaseTable& opened);
-/// What the catalogue declares of a field.
+/// Adds what the database declares about a field.
 void addDeclaration(repository::FieldFacts& facts, const source::DeclaredColumn& column);
 
-/// What a run would ask of a table's source.
+/// What a run would ask a table's source.
 struct TableExplanation {
     std::string table;
     std::string source;
@@ -52,7 +52,7 @@ struct TableExplanation {
     std::string reason;                  ///< why rows are read; empty when the engine counts
 };
 
-/// Connects and looks into the catalogues, and reads no rows.
+/// Connects and reads the catalogues, but no rows.
 [[nodiscard]] Result<std::vector<TableExplanation>> explainJob(const job::JobDescription& job,
                                                                source::AskCredentials ask);
 

@@ -7,11 +7,9 @@ namespace tavix::profiling {
 
 namespace {
 
-constexpr std::size_t kRowsBetweenStops = 4096;
-
-/// Indexes of entries by count from the highest down; equal counts stay in the order of `byText`.
+/// Indexes of the entries from the highest count down; equal counts stay in the order of `byText`.
 std::vector<std::uint32_t> orderByCount(const EntryList& entries, std::span<const Keyed> byText) {
-    // Most counts are small: those are dealt into buckets, and only the few large ones sorted.
+    // Most counts are small: they are sorted by counting, and only the few large ones by comparing.
     constexpr std::uint32_t kBuckets = 256;
     std::array<std::size_t, kBuckets> starts{};
     std::vector<std::uint32_t> order;
@@ -41,7 +39,7 @@ std::vector<std::uint32_t> orderByCount(const EntryList& entries, std::span<cons
 
 ShownRows::ShownRows(const EntryList& entries, std::span<const Keyed> byText, std::uint64_t nulls)
     : m_entries(entries), m_order(orderByCount(entries, byText)), m_nulls(nulls) {
-    const auto isHigher = [&](std::uint32_t index) { return m_entries[index].count > m_nulls; };
+    const auto isHigher = [&](std::uint32_t index) { return isBeforeNull(m_entries[index].count, m_nulls); };
     m_nullRow =
         static_cast<std::size_t>(std::partition_point(m_order.begin(), m_order.end(), isHigher) - m_order.begin());
 }
@@ -57,7 +55,7 @@ Status ShownRows::pack(std::size_t first, std::size_t count, PackedRows& rows, B
                 return status;
             first = m_nullRow + 1;
         }
-        --first; // null is no entry
+        --first; // null has no entry
         --end;
     }
     if (Status status = packValues(first, end, rows, store, stop); !status)
@@ -69,7 +67,7 @@ Status ShownRows::packValues(std::size_t begin, std::size_t end, PackedRows& row
                              StopSignal& stop) const {
     constexpr std::size_t kAhead = 12;
     for (std::size_t i = begin; i < end; ++i) {
-        if (i % kRowsBetweenStops == 0 && stop.isStopped())
+        if (i % kRowsBetweenPolls == 0 && stop.isStopped())
             return StopSignal::stopped();
         if (i + 2 * kAhead < end)
             __builtin_prefetch(&m_entries[m_order[i + 2 * kAhead]]);

@@ -2,7 +2,7 @@
 
 namespace tavix::profiling {
 
-void DistributionQueue::put(int table, FieldFigures& field) {
+void DistributionQueue::put(int table, FieldProfile& field) {
     field.packed->mayGoOn = [&stop = m_stop] { return !stop.isStopped(); };
     const std::lock_guard lock(m_mutex);
     m_waiting.push_back({table, &field});

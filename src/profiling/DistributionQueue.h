@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Result.h"
-#include "profiling/FieldFigures.h"
+#include "profiling/FieldProfile.h"
 #include "profiling/StopSignal.h"
 #include "repository/RunWriter.h"
 
@@ -11,15 +11,16 @@
 
 namespace tavix::profiling {
 
-/// Distributions that wait to be stored: by one thread at a time, while others compute further ones.
+/// Distributions to be stored by one thread at a time while others compute more.
 class DistributionQueue {
   public:
-    /// Both must outlive the queue. While it is in use nobody else may call the writer.
+    /// Both must outlive the queue. Nobody else may call the writer meanwhile.
     DistributionQueue(repository::RunWriter& writer, StopSignal& stop) : m_writer(writer), m_stop(stop) {}
 
-    /// By any thread. The field is borrowed until it is stored.
-    void put(int table, FieldFigures& field);
-    /// By any thread: stores what waits. Where another one is at that, it stores this too, and nothing is left to do.
+    /// From any thread. Borrows the field until it is stored.
+    void put(int table, FieldProfile& field);
+    /// From any thread: stores the queued distributions, or returns at once when another thread is storing, which then
+    /// stores these too.
     [[nodiscard]] Status store();
     /// Why storing failed, if it did.
     [[nodiscard]] const std::optional<Error>& failure() const { return m_failure; }
@@ -27,12 +28,12 @@ class DistributionQueue {
   private:
     struct Waiting {
         int table = -1;
-        FieldFigures* field = nullptr;
+        FieldProfile* field = nullptr;
     };
 
     repository::RunWriter& m_writer;
     StopSignal& m_stop;
-    std::mutex m_mutex; ///< of what follows
+    std::mutex m_mutex; ///< guards the members below
     std::deque<Waiting> m_waiting;
     bool m_isStoring = false;
     std::optional<Error> m_failure;

@@ -15,10 +15,10 @@ namespace tavix::profiling {
 
 namespace {
 
-/// To open every file once more would cost a job of many; a larger one without a row is an error of the run.
+/// Opening every file twice would slow down jobs of many files. A larger file without rows is an error of the run.
 constexpr std::uintmax_t kLargestLookedInto = 1024;
 
-/// Whether the file holds nothing but line ends and a byte order mark.
+/// Whether the file has only line ends and a byte order mark.
 bool isEmpty(const std::string& path, const job::TableDescription& table) {
     std::error_code failure;
     if (!std::filesystem::is_regular_file(path, failure))

@@ -7,11 +7,11 @@
 
 namespace tavix::profiling {
 
-/// A file without a row, which a run leaves out.
+/// A file without rows, which a run leaves out.
 struct EmptyFile {
     std::string path;
     std::string table;
-    bool leavesTable = false; ///< the table is made of other files too
+    bool leavesTable = false; ///< the table has other files too
 
     bool operator==(const EmptyFile&) const = default;
 };
@@ -21,11 +21,12 @@ struct EmptyFile {
 
 struct JobWithoutEmptyFiles {
     job::JobDescription job;
-    std::vector<EmptyFile> left; ///< what was taken from it, in the order of the job
+    std::vector<EmptyFile> left; ///< what was left out, in the order of the job
 };
 
-/// The job without its empty files: without tables that are made of nothing else, those based on them, and their fields
-/// in collections. A job that would have no table is left as it is. Pipes are not looked into.
+/// The job without its empty files, without tables that have no other file, without the filtered tables over those, and
+/// without their fields in collections. A job that would have no table left is returned unchanged. Pipes are not
+/// examined.
 [[nodiscard]] JobWithoutEmptyFiles withoutEmptyFiles(const job::JobDescription& job);
 
 } // namespace tavix::profiling

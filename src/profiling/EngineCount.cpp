@@ -23,7 +23,7 @@ std::optional<std::uint64_t> countIn(const Cell& cell) {
     return value;
 }
 
-/// The rows that the column has; nothing when what came is no exact count of them.
+/// The number of rows of the column; nothing when the engine's answer is not an exact count.
 Result<std::optional<std::uint64_t>> countColumn(const OpenedDatabaseTable& opened, std::size_t column, TablePass& pass,
                                                  RunEngine& engine, const source::KeepGoing& keepGoing,
                                                  const std::function<void(std::int64_t)>& counted) {

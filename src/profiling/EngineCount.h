@@ -9,10 +9,10 @@
 
 namespace tavix::profiling {
 
-/// Fills the values of a pass with what the engine counts, a statement for each column. False when the outcome cannot
-/// be what reading the rows would give, because the table changes meanwhile or holds bytes that are no UTF-8; the
-/// values are forgotten then. The error source::kCancelled after a false of `keepGoing`. `counted` is told how many
-/// distinct values of how many rows came, after each block of them.
+/// Fills the values of a pass from the database engine, with one statement for each column. Returns false, and forgets
+/// the values, when the result may differ from reading the rows: because the table is changing, or has bytes that are
+/// not UTF-8. Fails with source::kCancelled when `keepGoing` returns false. After each block of distinct values calls
+/// `counted` with the rows counted so far.
 [[nodiscard]] Result<bool> countInEngine(const OpenedDatabaseTable& opened, TablePass& pass, RunEngine& engine,
                                          const source::KeepGoing& keepGoing,
                                          const std::function<void(std::int64_t)>& counted);

@@ -11,7 +11,7 @@
 
 namespace tavix::profiling {
 
-/// A distinct value and how often it occurs. The text lies elsewhere.
+/// A distinct value and its count. The text is stored elsewhere.
 struct Entry {
     const char* data = nullptr;
     std::uint64_t count = 0;
@@ -21,8 +21,8 @@ struct Entry {
     [[nodiscard]] std::string_view text() const { return {data, size}; }
 };
 
-/// Many entries by their place. It grows without copying them and joins another list without touching most of them,
-/// for new memory costs more than what is done with an entry.
+/// A list of many entries that grows without copying them and takes over another list without touching most of its
+/// entries, since fresh memory costs more than the work on an entry.
 class EntryList {
   public:
     [[nodiscard]] std::size_t size() const { return m_size; }
@@ -30,7 +30,7 @@ class EntryList {
     [[nodiscard]] Entry& operator[](std::size_t i) { return m_chunks[i / kChunk][i % kChunk]; }
     [[nodiscard]] const Entry& operator[](std::size_t i) const { return m_chunks[i / kChunk][i % kChunk]; }
     [[nodiscard]] const Entry& front() const { return m_chunks.front().front(); }
-    /// All of them in their order, in stretches.
+    /// All entries in order, in chunks.
     [[nodiscard]] std::span<const std::vector<Entry>> chunks() const { return m_chunks; }
 
     void add(const Entry& entry) {
@@ -39,7 +39,7 @@ class EntryList {
         m_chunks.back().push_back(entry);
         ++m_size;
     }
-    /// Takes over all of another one, in any order, from its own end on.
+    /// Takes over all entries of another list, in any order.
     void join(EntryList&& other) {
         for (; m_size % kChunk != 0 && !other.empty(); --other.m_size) {
             add(other.m_chunks.back().back());
@@ -51,7 +51,8 @@ class EntryList {
         m_size += std::exchange(other.m_size, 0);
         other.m_chunks.clear();
     }
-    /// Bytes, with the holes that a list leaves behind while it is short: where many grow alike, none fits another.
+    /// Bytes, including the freed pieces that a short list leaves behind as it grows: when many lists grow alike, none
+    /// can reuse another's.
     [[nodiscard]] std::size_t memory() const {
         const std::size_t first = m_chunks.empty() ? 0 : m_chunks.front().capacity();
         std::size_t entries = first < kChunk ? first : 0;
@@ -65,7 +66,7 @@ class EntryList {
 
     void addChunk() {
         m_chunks.emplace_back();
-        // Only a list that stays short has to be sparing.
+        // A short list takes no more than it needs.
         if (m_size > 0)
             m_chunks.back().reserve(kChunk);
     }

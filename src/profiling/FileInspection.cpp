@@ -12,36 +12,7 @@ namespace tavix::profiling {
 
 namespace {
 
-/// The kinds of values that a column was seen to have.
-class KindsSeen {
-  public:
-    void add(const source::Cell& cell) {
-        if (cell.isNull || m_seen[place(ValueKind::Text)])
-            return;
-        m_seen[place(kindOf({cell.data, cell.size}))] = true;
-    }
-    [[nodiscard]] std::string word() const {
-        const bool hasInteger = m_seen[place(ValueKind::Integer)];
-        const bool hasReal = m_seen[place(ValueKind::Real)];
-        const bool hasDate = m_seen[place(ValueKind::Date)];
-        const bool hasBoolean = m_seen[place(ValueKind::Boolean)];
-        const int kinds = (hasInteger || hasReal ? 1 : 0) + (hasDate ? 1 : 0) + (hasBoolean ? 1 : 0);
-        if (m_seen[place(ValueKind::Text)] || kinds > 1)
-            return std::string(typeWord(FieldType::Text));
-        if (kinds == 0)
-            return {};
-        return std::string(typeWord(hasReal      ? FieldType::Real
-                                    : hasInteger ? FieldType::Integer
-                                    : hasDate    ? FieldType::Date
-                                                 : FieldType::Boolean));
-    }
-
-  private:
-    static std::size_t place(ValueKind kind) { return static_cast<std::size_t>(kind); }
-    std::array<bool, 6> m_seen{};
-};
-
-/// What the rows of the text end with, and whether any of its cells is quoted.
+/// Finds the line ends and whether any cell is quoted.
 void inspectLines(FileInspection& found, std::string_view text, char quote) {
     source::RowScanner scanner(text.data(), text.data() + text.size(), found.delimiter, found.isWhole, quote);
     std::array<bool, 3> ends{};
@@ -63,7 +34,7 @@ void inspectLines(FileInspection& found, std::string_view text, char quote) {
 }
 
 Status inspectRows(FileInspection& found, source::TextFileReader& reader, std::size_t firstRows) {
-    std::vector<KindsSeen> kinds(found.columns.size());
+    std::vector<ValueKind> kinds(found.columns.size());
     source::RowBlock block;
     for (;;) {
         const auto more = reader.read(block);
@@ -74,7 +45,8 @@ Status inspectRows(FileInspection& found, source::TextFileReader& reader, std::s
         for (std::size_t c = 0; c < kinds.size(); ++c)
             for (std::size_t r = 0; r < block.rows; ++r) {
                 const source::Cell& cell = block.columns[c][r];
-                kinds[c].add(cell);
+                if (!cell.isNull && kinds[c] != ValueKind::Text)
+                    kinds[c] = joinedKind(kinds[c], kindOf({cell.data, cell.size}));
                 if (found.columns[c].cells.size() < firstRows)
                     found.columns[c].cells.emplace_back(cell.isNull ? KvbDatavar()
                                                                     : KvbDatavar(std::string(cell.data, cell.size)));
@@ -82,7 +54,8 @@ Status inspectRows(FileInspection& found, source::TextFileReader& reader, std::s
         found.rows += static_cast<std::int64_t>(block.rows);
     }
     for (std::size_t c = 0; c < kinds.size(); ++c)
-        found.columns[c].type = kinds[c].word();
+        if (const auto type = typeOf(kinds[c]))
+            found.columns[c].type = typeWord(*type);
     return {};
 }
 

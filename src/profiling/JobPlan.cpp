@@ -72,7 +72,7 @@ class Planner {
         for (const std::string& path : paths) {
             std::error_code failure;
             if (std::filesystem::is_other(path, failure) || std::filesystem::is_character_file(path, failure))
-                return {}; // to look into a pipe would be to take from it
+                return {}; // examining a pipe would consume it
             if (const auto size = std::filesystem::file_size(path, failure); !failure)
                 bytes += static_cast<std::int64_t>(size);
         }

@@ -1,6 +1,6 @@
 #include "profiling/JobRunner.h"
 
-#include "job/AlertEntry.h"
+#include "job/AlertEntries.h"
 #include "job/JobChecks.h"
 #include "profiling/Databases.h"
 #include "profiling/EngineCount.h"
@@ -37,8 +37,8 @@ bool areInMemory(const TablePasses& passes) {
     });
 }
 
-/// The steps of one run: every table is read and its figures are computed, and only then, or while those of the last
-/// one are, all is stored in one transaction. A step that the watcher stops fails with StopSignal::stopped(), which
+/// One run: reads every table and computes its metrics, and stores everything in one transaction at the end, or while
+/// the metrics of the last table are computed. A step that the watcher cancels fails with StopSignal::stopped(), which
 /// execute() turns into an outcome.
 class Run {
   public:
@@ -47,7 +47,7 @@ class Run {
         : m_job(job),
           m_leftOut(leftOut),
           m_clock(options.clock ? options.clock : &m_systemClock),
-          m_placesFrom(options.placesFrom),
+          m_offsetIndexFrom(options.offsetIndexFrom),
           m_databases(job, options.askCredentials),
           m_reporter(options.watcher, job.tables.size()),
           m_engine(engineSettings(options, repositoryPath),
@@ -75,7 +75,7 @@ class Run {
         for (std::size_t i = 0; i < m_job.tables.size(); ++i) {
             m_reporter.state.tableIndex = i;
             if (m_job.tables[i].isFiltered())
-                continue; // made of the rows of another one, while those pass by
+                continue; // read together with its base table
             if (Status status = profile(m_job.tables[i]); !status)
                 return status;
             if (m_store.waitingSize() > m_engine.plan().facts())
@@ -102,7 +102,7 @@ class Run {
         return {};
     }
 
-    /// Whether no table has to be read after this one.
+    /// Whether this is the last table to be read.
     bool isLast(const job::TableDescription& base) const {
         return std::all_of(m_job.tables.begin() + (&base - m_job.tables.data()) + 1, m_job.tables.end(),
                            [](const job::TableDescription& table) { return table.isFiltered(); });
@@ -110,7 +110,7 @@ class Run {
 
     Status goOn() { return m_reporter.report(true) ? Status{} : Status{StopSignal::stopped()}; }
 
-    /// Finds what is wrong before anything is written: the description itself, files, databases, names of fields.
+    /// Checks the description, files, databases and field names before anything is written.
     Status check() {
         if (Status status = job::checkJob(m_job); !status)
             return status;
@@ -128,7 +128,7 @@ class Run {
         if (!opened)
             return opened.error();
         m_reporter.state.bytesTotal += opened->reader->total();
-        // What does not know its size, as a pipe, cannot be opened twice.
+        // A file of unknown size, such as a pipe, cannot be opened twice.
         if (opened->reader->total() == 0)
             m_opened.emplace(&table, std::move(*opened));
         return {};
@@ -145,7 +145,7 @@ class Run {
 
     using SharedColumns = std::shared_ptr<const std::vector<std::string>>;
 
-    /// A table of the job and the filtered ones over it, in one pass over its source.
+    /// Profiles a table and the filtered tables over it in one pass over its source.
     Status profile(const job::TableDescription& base) {
         m_reporter.state.table = base.name;
         m_reporter.state.rows = 0;
@@ -178,9 +178,9 @@ class Run {
         auto passes = passesOver(base, columns);
         if (!passes)
             return passes.error();
-        if (reader.total() >= m_placesFrom)
+        if (reader.total() >= m_offsetIndexFrom)
             for (auto& pass : *passes)
-                pass->keepPlaces();
+                pass->keepOffsetIndex();
         if (Status status = read(reader, *passes); !status)
             return failureIn(base, status.error());
         const std::int64_t rowsOfBase = passes->front()->rows();
@@ -189,7 +189,7 @@ class Run {
             FinishedTable table;
             table.report = reportOfFiles(m_job, pass->description(), base, *opened, pass->rows(), rowsOfBase);
             if (auto offsets = pass->takeOffsets(); !offsets.empty())
-                table.places = {opened->files->current().stamp(), valueSeeds(), std::move(offsets)};
+                table.offsetIndex = {opened->files->current().stamp(), valueSeeds(), std::move(offsets)};
             table.columns = columns;
             table.pass = std::move(pass);
             if (Status status = figure(std::move(table), {}, storesAlong); !status)
@@ -199,7 +199,7 @@ class Run {
         return {};
     }
 
-    /// All that is asked of the database sees one state of its data.
+    /// All statements see one state of the database.
     Status profileDatabase(const job::TableDescription& base) {
         auto opened = m_databases.open(base);
         if (!opened)
@@ -257,8 +257,8 @@ class Run {
         });
     }
 
-    /// `declared`: the columns as a catalogue has them, or none. `storesAlong`: while figures are computed, those that
-    /// are ready are stored.
+    /// `declared`: the columns as the database declares them, or none. `storesAlong`: store each field as soon as it is
+    /// profiled.
     Status figure(FinishedTable table, std::span<const source::DeclaredColumn> declared, bool storesAlong) {
         m_reporter.state.phase = ProgressState::Phase::Counting;
         TablePass& pass = *table.pass;
@@ -267,7 +267,7 @@ class Run {
             table.report.log.push_back({repository::LogLevel::Warning, remark.text});
         }
         table.report.outcome.fields = table.columns->size();
-        auto fields = storesAlong ? figuresStoredAlong(table) : figures(table, {});
+        auto fields = storesAlong ? profilesStoredAlong(table) : figures(table, {});
         if (!fields)
             return fields.error();
         table.fields = std::move(*fields);
@@ -280,19 +280,19 @@ class Run {
         return {};
     }
 
-    Result<std::vector<FieldFigures>> figures(FinishedTable& table, const RunEngine::Along& along) {
+    Result<std::vector<FieldProfile>> figures(FinishedTable& table, const RunEngine::Along& along) {
         auto fields = m_engine.figures(*table.pass, along);
         if (!fields)
             return failureIn(table.pass->description(), fields.error());
         return fields;
     }
 
-    Result<std::vector<FieldFigures>> figuresStoredAlong(FinishedTable& table) {
+    Result<std::vector<FieldProfile>> profilesStoredAlong(FinishedTable& table) {
         auto queue = m_store.storeAlong(table);
         if (!queue)
             return queue.error();
         auto fields = figures(table, {[&] { return (*queue)->store(); },
-                                      [&](FieldFigures& field) {
+                                      [&](FieldProfile& field) {
                                           (*queue)->put(*table.id, field);
                                           return (*queue)->store();
                                       }});
@@ -311,13 +311,13 @@ class Run {
     const std::vector<EmptyFile>& m_leftOut;
     SystemClock m_systemClock;
     const Clock* m_clock;
-    std::int64_t m_placesFrom;
+    std::int64_t m_offsetIndexFrom;
     Databases m_databases;
     RunReporter m_reporter;
     RunEngine m_engine;
     RunStore m_store;
-    std::map<const job::TableDescription*, OpenedFiles> m_opened; ///< what is opened once only
-    std::int64_t m_bytesBefore = 0;                               ///< of the tables that are done
+    std::map<const job::TableDescription*, OpenedFiles> m_opened; ///< sources that can be opened only once
+    std::int64_t m_bytesBefore = 0;                               ///< of finished tables
     RunOutcome m_outcome;
 };
 

@@ -1,5 +1,6 @@
 #include "profiling/KeyedSort.h"
 
+#include "base/LsdRadixSort.h"
 #include "profiling/ValueRuns.h"
 
 #include <algorithm>
@@ -11,9 +12,9 @@ namespace tavix::profiling {
 
 namespace {
 
-constexpr std::size_t kInsertion = 40;     ///< so few are sorted by moving them one by one
-constexpr std::size_t kComparing = 400;    ///< so few are compared
-constexpr std::size_t kInCache = 1U << 15; ///< more are dealt out by their first byte, until a part fits the cache
+constexpr std::size_t kInsertion = 40;     ///< up to here insertion sort is fastest
+constexpr std::size_t kComparing = 400;    ///< up to here comparing is fastest
+constexpr std::size_t kInCache = 1U << 15; ///< more are distributed by their first byte until a part fits the cache
 constexpr unsigned kBytes = 8;
 
 std::uint64_t keyOf(const Keyed& row) {
@@ -39,7 +40,7 @@ class RadixSort {
   public:
     explicit RadixSort(StopSignal& stop) : m_stop(stop) {}
 
-    /// Stable. `spare` is as long as `rows`. Bytes above `byte` are the same in all keys.
+    /// Stable. `spare` is as long as `rows`. All keys agree in the bytes above `byte`.
     void sort(std::span<Row> rows, std::span<Row> spare, unsigned byte) {
         if (rows.size() <= kInsertion)
             return insertionSort(rows);
@@ -48,7 +49,7 @@ class RadixSort {
             return;
         }
         if (rows.size() <= kInCache)
-            return sortInCache(rows, spare, byte);
+            return lsdRadixSort<std::uint32_t>(rows, spare, byte + 1, [](const Row& row) { return keyOf(row); });
         if (m_stop.isStopped())
             return;
         std::array<std::size_t, 257> starts{};
@@ -74,38 +75,10 @@ class RadixSort {
     }
 
   private:
-    /// From the last byte to the first, leaving out those that all keys share.
-    static void sortInCache(std::span<Row> rows, std::span<Row> spare, unsigned byte) {
-        std::array<std::array<std::uint32_t, 256>, kBytes> counts;
-        for (unsigned b = 0; b <= byte; ++b)
-            counts[b].fill(0);
-        for (const Row& row : rows)
-            for (unsigned b = 0; b <= byte; ++b)
-                ++counts[b][keyOf(row) >> (b * 8) & 0xFF];
-        std::span<Row> from = rows;
-        std::span<Row> to = spare;
-        for (unsigned b = 0; b <= byte; ++b) {
-            auto& starts = counts[b];
-            if (starts[keyOf(from.front()) >> (b * 8) & 0xFF] == rows.size())
-                continue;
-            std::uint32_t next = 0;
-            for (std::uint32_t& start : starts) {
-                const std::uint32_t size = start;
-                start = next;
-                next += size;
-            }
-            for (const Row& row : from)
-                to[starts[keyOf(row) >> (b * 8) & 0xFF]++] = row;
-            std::swap(from, to);
-        }
-        if (from.data() != rows.data())
-            std::memcpy(static_cast<void*>(rows.data()), from.data(), rows.size_bytes());
-    }
-
     StopSignal& m_stop;
 };
 
-/// How many bytes all texts have in common at their beginning.
+/// The number of bytes that all texts begin with.
 std::size_t commonPrefix(const EntryList& entries) {
     const std::string_view first = entries.front().text();
     std::size_t common = first.size();
@@ -124,7 +97,7 @@ std::size_t commonPrefix(const EntryList& entries) {
     return common;
 }
 
-/// Sorts by eight bytes at a time, and then only what these did not tell apart.
+/// Sorts by eight bytes at a time, then only the ranges that these leave equal.
 class TextSort {
   public:
     TextSort(const EntryList& entries, std::span<Keyed> rows, std::span<Keyed> spare, StopSignal& stop)
@@ -144,7 +117,7 @@ class TextSort {
             for (const Range& range : open) {
                 const auto rows = m_rows.subspan(range.begin, range.size);
                 if (hasEnded(range)) {
-                    // Texts that differ only in how many zero bytes they end with, or begin with after this.
+                    // These texts differ only in zero bytes at their ends, or first after them.
                     std::sort(rows.begin(), rows.end(), [&](const Keyed& a, const Keyed& b) {
                         return m_entries[a.index].text() < m_entries[b.index].text();
                     });
@@ -160,10 +133,10 @@ class TextSort {
     struct Range {
         std::uint32_t begin = 0;
         std::uint32_t size = 0;
-        std::uint32_t from = 0; ///< of the bytes in the keys
+        std::uint32_t from = 0; ///< offset of the bytes in the keys
     };
 
-    /// What the keys of a sorted range leave open.
+    /// Finds the ranges of equal keys in a sorted range.
     void findEqual(const Range& range, std::vector<Range>& open) const {
         const std::uint32_t end = range.begin + range.size;
         for (std::uint32_t i = range.begin; i + 1 < end;) {
@@ -180,7 +153,7 @@ class TextSort {
         constexpr std::size_t kAhead = 16;
         const std::size_t end = range.begin + range.size;
         for (std::size_t i = range.begin; i < end; ++i) {
-            // Neighbours of the range come soon, too.
+            // The neighbours of the range are needed soon, too.
             if (i + 2 * kAhead < m_rows.size())
                 __builtin_prefetch(&m_entries[m_rows[i + 2 * kAhead].index]);
             if (i + kAhead < m_rows.size())
@@ -201,7 +174,7 @@ class TextSort {
     StopSignal& m_stop;
 };
 
-/// Every entry with the eight bytes from `from` on.
+/// All entries with the eight bytes from `from` on as keys.
 std::vector<Keyed> keyedByText(const EntryList& entries, std::size_t from) {
     std::vector<Keyed> rows(entries.size());
     for (std::size_t i = 0; i < entries.size(); ++i)
@@ -238,7 +211,7 @@ DividedTextSort::DividedTextSort(const EntryList& entries, std::vector<Keyed>& r
     m_prefix = entries.empty() ? 0 : commonPrefix(entries);
     spare = keyedByText(entries, m_prefix);
     rows.resize(spare.size());
-    // Dealt by the first byte that differs.
+    // Distribute the rows by the first byte that differs.
     std::array<std::size_t, 257> starts{};
     for (const Keyed& row : spare)
         ++starts[(row.key >> kShift) + 1];

@@ -8,7 +8,7 @@
 
 namespace tavix::profiling {
 
-/// Integers of any size that are sorted by their doubles: puts those of the same double into their order.
+/// Orders integers of any size that are sorted by their doubles: brings those with equal doubles into order.
 inline void orderLargeIntegers(std::span<Keyed> rows, const EntryList& entries) {
     for (std::size_t first = 0; first < rows.size();) {
         std::size_t end = first + 1;

@@ -10,26 +10,25 @@
 
 namespace tavix::profiling {
 
-/// How the memory that a run may take is divided. What is not named is for the blocks that are read.
+/// How a run divides its memory. The rest is for the blocks that are read.
 class MemoryPlan {
   public:
-    /// `bytes` may be any number; below some 64 MB the fixed costs of a run exceed it.
+    /// `bytes` may be any number; below about 64 MB the fixed costs of a run exceed it.
     explicit MemoryPlan(std::size_t bytes) : m_bytes(bytes) {}
 
-    /// Counted values, while a table is read.
+    /// For counted values while a table is read.
     [[nodiscard]] std::size_t counting() const { return m_bytes / 3; }
-    /// When that is exceeded, columns are spilled until so much is left.
+    /// When counting() is exceeded, columns are spilled until this much is left.
     [[nodiscard]] std::size_t afterSpilling() const { return m_bytes / 8; }
-    /// What computing figures takes beside the values, over all threads.
-    [[nodiscard]] std::size_t figuring() const { return m_bytes / 3; }
-    /// Packed distributions that wait to be stored.
+    /// For profiling the columns, besides the values, over all threads.
+    [[nodiscard]] std::size_t profiling() const { return m_bytes / 3; }
+    /// For packed distributions that wait to be stored.
     [[nodiscard]] std::size_t packed() const { return m_bytes / 8; }
-    /// In which parts of a file the values of its columns stand.
-    [[nodiscard]] std::size_t places() const { return m_bytes / 16; }
-    /// Figures that wait to be stored.
+    /// For the offset indexes of the columns.
+    [[nodiscard]] std::size_t offsetIndex() const { return m_bytes / 16; }
+    /// For metrics that wait to be stored.
     [[nodiscard]] std::size_t facts() const { return m_bytes / 16; }
-    /// Changed pages that the store may hold back. What it still holds at the end is written when nothing else is done
-    /// meanwhile.
+    /// For changed pages that the store may hold back. It writes the rest at the end, when nothing else runs.
     [[nodiscard]] std::size_t storing() const { return std::clamp(m_bytes / 16, kLeastForStore, kMostForStore); }
 
   private:
@@ -39,7 +38,7 @@ class MemoryPlan {
     std::size_t m_bytes;
 };
 
-/// Lets threads take memory only as long as there is enough for all; one alone gets whatever it asks for.
+/// Lets threads take memory only while there is enough for all. A single thread gets whatever it asks for.
 class MemoryGate {
   public:
     explicit MemoryGate(std::size_t bytes) : m_bytes(bytes) {}
@@ -56,7 +55,7 @@ class MemoryGate {
         std::size_t m_size;
     };
 
-    /// Waits for the memory, or until it is stopped.
+    /// Waits for the memory, or until the work is stopped.
     [[nodiscard]] Pass take(std::size_t bytes, StopSignal& stop) {
         std::unique_lock lock(m_mutex);
         const auto fits = [&] { return m_taken == 0 || m_taken + bytes <= m_bytes; };

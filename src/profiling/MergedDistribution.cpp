@@ -9,15 +9,13 @@ namespace tavix::profiling {
 
 namespace {
 
-constexpr std::size_t kRowsBetweenStops = 4096;
-
-/// Puts null where it belongs among rows that come by count.
+/// Inserts null at its place among rows that come by count.
 class NullRow {
   public:
     explicit NullRow(std::uint64_t count) : m_count(count) {}
 
     Status addBefore(std::uint64_t count, PackedRows& rows, ByteStore& store) {
-        return m_count > 0 && count <= m_count ? add(rows, store) : Status{};
+        return !isBeforeNull(count, m_count) ? add(rows, store) : Status{};
     }
     Status add(PackedRows& rows, ByteStore& store) {
         if (m_count == 0)
@@ -28,15 +26,15 @@ class NullRow {
     }
 
   private:
-    std::uint64_t m_count; ///< 0 once it is placed
+    std::uint64_t m_count; ///< 0 once it was added
 };
 
-/// Calls use(record) for each record of the merged lists.
+/// Calls use(record) for each record of the merged runs.
 template <typename Use>
 Status useMerged(const RunSet& runs, const Merging& merging, Use use) {
     RunMerge merge = runs.merge(merging.file, merging.memory);
     for (std::size_t i = 0;; ++i) {
-        if (i % kRowsBetweenStops == 0 && merging.stop.isStopped())
+        if (i % kRowsBetweenPolls == 0 && merging.stop.isStopped())
             return StopSignal::stopped();
         const auto more = merge.next();
         if (!more)
@@ -95,7 +93,7 @@ Status packCounted(ColumnValues& values, PackedRows& rows, const Merging& mergin
         return status;
     RunBuffer byCount(merging.file, RunOrder::Key, merging.memory, merging.stop);
     const auto keyedByCount = [&](const RunRecord& record) {
-        return byCount.add({~record.count, record.count, record.text});
+        return byCount.add({descendingKey(record.count), record.count, record.text});
     };
     if (Status status = useMerged(values.runs(), merging, keyedByCount); !status)
         return status;

@@ -25,7 +25,7 @@ std::string rowText(const source::DamagedRow& row, std::size_t columns) {
     case source::Damage::TooManyCells:
         return cells + "; the extra ones are cut.";
     case source::Damage::BadBytes:
-        return fmt::format("Row {}: bytes that are no UTF-8; each became U+FFFD.", row.line);
+        return fmt::format("Row {}: bytes that are not UTF-8; each became U+FFFD.", row.line);
     case source::Damage::OpenQuote:
         return fmt::format("Row {}: a quote that is never closed takes the rest.", row.line);
     }
@@ -42,7 +42,7 @@ void countDamage(TableReport& report) {
                                         isListCut ? "; the first ones are listed" : "")});
 }
 
-/// A file that is not UTF-8 and says no encoding is read as windows-1252, which may be wrong.
+/// A file that is not UTF-8 and has no stated encoding is read as windows-1252, which may be wrong.
 void addGuessedEncoding(TableReport& report, const job::TableDescription& table, const source::FileSetReader& files) {
     if (table.encoding)
         return;

@@ -12,11 +12,11 @@
 
 namespace tavix::profiling {
 
-/// A table's files, opened, and the rows of them that are profiled.
+/// The opened files of a table, and a reader of the rows that are profiled.
 struct OpenedFiles {
     std::unique_ptr<source::RowReader> reader;
-    source::FileSetReader* files = nullptr;   ///< at the end of the reader
-    source::SampledReader* sampled = nullptr; ///< when there is a sample
+    source::FileSetReader* files = nullptr;   ///< the innermost reader
+    source::SampledReader* sampled = nullptr; ///< null without a sample
 };
 
 /// `keepGoing` is asked while a pipe has nothing to read.
@@ -27,21 +27,21 @@ struct LogLine {
     std::string text;
 };
 
-/// What a run stores of a table beside its fields.
+/// What a run stores about a table besides its fields.
 struct TableReport {
     repository::TableFacts facts;
     TableOutcome outcome;
     std::vector<LogLine> log;
 };
 
-/// Of a table made of files that were read: the base table or a filtered one over it, `rows` of which were profiled
-/// while `rowsOfBase` were of the base.
+/// The report on a table of files that were read: the base table, or a filtered one over it. `rows` rows of the table
+/// and `rowsOfBase` of the base were profiled.
 [[nodiscard]] TableReport reportOfFiles(const job::JobDescription& job, const job::TableDescription& table,
                                         const job::TableDescription& base, const OpenedFiles& opened, std::int64_t rows,
                                         std::int64_t rowsOfBase);
 
-/// Of a table of a database, whose other facts are there: with the damage that was found in its rows, none in a
-/// filtered one's.
+/// The report on a database table whose other facts are in `facts`, with the damaged rows of the source; a filtered
+/// table reports none.
 [[nodiscard]] TableReport reportOfDatabase(const job::TableDescription& table, repository::TableFacts facts,
                                            std::int64_t rows, std::int64_t rowsOfBase, const TableOutcome& damage);
 

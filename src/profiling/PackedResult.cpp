@@ -33,7 +33,7 @@ Status PackedRows::add(ByteStore& store, const repository::ValueCount& row) {
 
 Status PackedRows::finish(ByteStore& store) {
     Status status = !m_packer || m_packer->isEmpty() ? Status{} : pack(store);
-    m_packer.reset(); // Many fields wait for the end of a run, each with what its packer took.
+    m_packer.reset(); // Many fields wait for the end of the run, and each packer holds memory.
     return status;
 }
 
@@ -52,7 +52,7 @@ Result<bool> PackedRows::next(ByteStore& store, repository::PackedBlock& block) 
     if (m_next > 0)
         store.drop(m_blocks[m_next - 1].payload);
     if (m_next == m_blocks.size()) {
-        // Many fields wait for the end of a run, each with what its reading took.
+        // Many fields wait for the end of the run: free the memory that reading took.
         freeMemory(m_blocks);
         freeMemory(m_buffer);
         m_next = 0;

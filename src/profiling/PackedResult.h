@@ -12,22 +12,22 @@
 
 namespace tavix::profiling {
 
-/// A distribution while it is packed, and afterwards. Rows come in the order in which they are shown.
+/// A distribution that is being packed or was packed. Rows come in display order.
 class PackedRows {
   public:
     [[nodiscard]] Status add(ByteStore& store, const repository::ValueCount& row);
     [[nodiscard]] Status finish(ByteStore& store);
-    /// Takes over the rows that follow, which were packed elsewhere; both lists must have been finished.
+    /// Takes over rows that follow and were packed elsewhere; both must be finished.
     void append(PackedRows&& following);
 
     [[nodiscard]] std::int64_t rows() const { return m_rows; }
     [[nodiscard]] std::uint64_t sum() const { return m_sum; }
-    /// Hands out the next block and forgets the one before; false at the end, and with it all is forgotten.
+    /// Gives the next block and forgets the one before. False at the end, when all is forgotten.
     [[nodiscard]] Result<bool> next(ByteStore& store, repository::PackedBlock& block);
 
   private:
     struct Block {
-        repository::PackedBlock facts; ///< without the payload
+        repository::PackedBlock facts; ///< the payload is kept apart
         ByteStore::Piece payload;
     };
     Status pack(ByteStore& store);
@@ -40,17 +40,17 @@ class PackedRows {
     std::uint64_t m_sum = 0;
 };
 
-/// The packed distributions of a field and the hashes of its values, as they will be stored.
+/// The packed distributions of a field and the hashes of its values, ready to be stored.
 class PackedResult final : public repository::PackedField {
   public:
     explicit PackedResult(ByteStore& store) : m_store(store) {}
 
     PackedRows values;
     PackedRows patterns;
-    /// Asked before each piece; false fails the reading.
+    /// Asked before each block; false makes reading fail.
     std::function<bool()> mayGoOn;
 
-    /// The next hashes; they ascend, and all but the last call give kHashesPerChunk of them.
+    /// Adds the next hashes in ascending order: kHashesPerChunk of them in all calls but the last.
     [[nodiscard]] Status addHashes(std::span<const std::uint64_t> chunk);
 
     [[nodiscard]] std::int64_t valueRows() const override { return values.rows(); }

@@ -10,15 +10,15 @@
 
 namespace tavix::profiling {
 
-/// Opens the repository of a run while the run begins to read: to make a new one takes as long as to read a small
-/// table. It stays open until the object is destroyed.
+/// Opens the repository of a run while the run begins to read: creating one takes as long as reading a small table. It
+/// stays open until the object is destroyed.
 class RepositoryOpening {
   public:
     explicit RepositoryOpening(std::string path);
     RepositoryOpening(const RepositoryOpening&) = delete;
     RepositoryOpening& operator=(const RepositoryOpening&) = delete;
 
-    /// Whether it is known already that it cannot be opened; finish() tells why.
+    /// Whether opening has failed by now; finish() says why.
     [[nodiscard]] bool hasFailed() const;
     /// Waits until it is open.
     [[nodiscard]] Status finish() const;
@@ -26,7 +26,7 @@ class RepositoryOpening {
   private:
     std::unique_ptr<sql::Connection> m_connection;
     std::optional<Error> m_failure;
-    std::future<void> m_opening; ///< which sets the others
+    std::future<void> m_opening; ///< sets the members above
 };
 
 } // namespace tavix::profiling

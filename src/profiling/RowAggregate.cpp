@@ -2,7 +2,7 @@
 
 #include "base/NumberText.h"
 #include "expression/Conversion.h"
-#include "profiling/NumberFigure.h"
+#include "profiling/MetricValue.h"
 
 #include <cmath>
 #include <limits>
@@ -55,7 +55,7 @@ KvbDatavar RowAggregate::result() const {
     if (m_used == 0)
         return {};
     if (m_figure == job::Figure::Minimum || m_figure == job::Figure::Maximum)
-        return figureOf(m_extreme);
+        return metricValue(m_extreme);
     const bool isExact = !m_hasReals && m_integers >= std::numeric_limits<std::int64_t>::min() &&
                          m_integers <= std::numeric_limits<std::int64_t>::max();
     if (m_figure == job::Figure::Sum && isExact)
@@ -63,21 +63,7 @@ KvbDatavar RowAggregate::result() const {
     const long double sum = static_cast<long double>(m_integers) + m_reals;
     const auto figure =
         static_cast<double>(m_figure == job::Figure::Sum ? sum : sum / static_cast<long double>(m_used));
-    return std::isfinite(figure) ? numberFigure(figure) : KvbDatavar();
-}
-
-KvbDatavar figureOf(const Value& value) {
-    expression::Scratch scratch;
-    switch (value.type) {
-    case Type::Integer:
-        return value.integer;
-    case Type::Real:
-        return numberFigure(value.real);
-    case Type::Null:
-        return {};
-    default:
-        return std::string(expression::convert(value, Type::Text, scratch).text);
-    }
+    return std::isfinite(figure) ? metricValue(figure) : KvbDatavar();
 }
 
 } // namespace tavix::profiling

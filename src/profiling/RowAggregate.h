@@ -9,17 +9,14 @@
 
 namespace tavix::profiling {
 
-/// A value as it is stored and shown: dates and booleans as text.
-[[nodiscard]] KvbDatavar figureOf(const expression::Value& value);
-
-/// Sum, average, minimum or maximum of the values of an expression. Null takes no part; for sum and average a text is
-/// read as a number and takes no part when it is none. docs/definitions.md says what comes out.
+/// Sum, average, minimum or maximum of an expression over rows. Null is skipped; for sum and average a text counts as
+/// the number that it represents and is skipped when it is not one. docs/definitions.md defines the results.
 class RowAggregate {
   public:
     explicit RowAggregate(job::Figure figure) : m_figure(figure) {}
 
     void add(const expression::Value& value);
-    /// Null when no value took part.
+    /// Null when no value counted.
     [[nodiscard]] KvbDatavar result() const;
     [[nodiscard]] std::int64_t usedRows() const { return m_used; }
 
@@ -30,8 +27,8 @@ class RowAggregate {
     job::Figure m_figure;
     std::int64_t m_used = 0;
     __extension__ using WideInteger = __int128;
-    WideInteger m_integers = 0; ///< the sum of those that are integers
-    long double m_reals = 0;    ///< of the others
+    WideInteger m_integers = 0; ///< the sum of the integers
+    long double m_reals = 0;    ///< the sum of the reals
     bool m_hasReals = false;
     expression::Value m_extreme;
     std::string m_extremeText;

@@ -8,7 +8,7 @@ namespace tavix::profiling {
 
 namespace {
 
-/// Of a value in the row log; a cell may be of any length.
+/// Bytes of a value in the row log; a cell may have any length.
 constexpr std::size_t kLongestLogged = 4000;
 
 KvbString loggedText(const source::Cell& cell) {
@@ -24,12 +24,12 @@ std::int64_t recordOf(const RowSlice& slice, std::uint32_t row) {
 
 } // namespace
 
-void RowFailures::add(const RowSlice& slice, std::size_t failures, std::uint32_t first, const std::string& reason) {
-    if (m_count == 0) {
-        m_firstRecord = recordOf(slice, first);
-        m_reason = reason;
+void RowFailures::add(const RowSlice& slice, const expression::BlockFailures& failures) {
+    if (m_count == 0 && failures.count > 0) {
+        m_firstRecord = recordOf(slice, failures.firstRow);
+        m_reason = failures.reason;
     }
-    m_count += static_cast<std::int64_t>(failures);
+    m_count += static_cast<std::int64_t>(failures.count);
 }
 
 std::string RowFailures::text() const {
@@ -40,8 +40,7 @@ std::string RowFailures::text() const {
 
 std::span<const std::uint32_t> ConditionPass::passing(const RowSlice& slice) {
     const auto rows = m_evaluator.passing(slice.values, slice.goOn);
-    if (const std::size_t failures = m_evaluator.failures(); failures > 0)
-        m_failures.add(slice, failures, m_evaluator.firstFailedRow(), m_evaluator.firstFailure());
+    m_failures.add(slice, m_evaluator.failures());
     return rows;
 }
 
@@ -63,8 +62,7 @@ void MetricPass::take(const RowSlice& slice) {
                 m_aggregate.add(piece.values.at(row));
     };
     m_values->evaluate(slice.values, add, slice.goOn);
-    if (const std::size_t failures = m_values->failures(); failures > 0)
-        m_failures.add(slice, failures, m_values->firstFailedRow(), m_values->firstFailure());
+    m_failures.add(slice, m_values->failures());
 }
 
 KvbDatavar MetricPass::result() const {

@@ -17,18 +17,18 @@ namespace tavix::profiling {
 /// Rows of a source that are evaluated together.
 struct RowSlice {
     const source::RowBlock& block;
-    std::span<const std::uint32_t> rows; ///< places in the block, ascending
+    std::span<const std::uint32_t> rows; ///< indexes into the block, ascending
     const expression::Block& values;     ///< of these rows
-    std::int64_t firstRecord = 1;        ///< the number of the block's first row in its source
-    const expression::GoOn& goOn;        ///< when it answers false, results are of no use any more
+    std::int64_t firstRecord = 1;        ///< number of the block's first row in its source
+    const expression::GoOn& goOn;        ///< when it returns false, the results are not needed any more
 };
 
-/// Rows for which an expression could not be evaluated.
+/// Counts the rows for which an expression could not be evaluated.
 class RowFailures {
   public:
-    void add(const RowSlice& slice, std::size_t failures, std::uint32_t first, const std::string& reason);
+    void add(const RowSlice& slice, const expression::BlockFailures& failures);
     [[nodiscard]] std::int64_t count() const { return m_count; }
-    /// "3 rows could not be evaluated; the first is row 17: ..."; only when there are some.
+    /// "3 rows could not be evaluated; the first is row 17: ...". Call it only when there are some.
     [[nodiscard]] std::string text() const;
 
   private:
@@ -37,7 +37,7 @@ class RowFailures {
     std::string m_reason;
 };
 
-/// A condition under evaluation.
+/// A condition that is evaluated slice by slice.
 class ConditionPass {
   public:
     explicit ConditionPass(const expression::Program& program) : m_evaluator(program) {}
@@ -51,29 +51,29 @@ class ConditionPass {
     RowFailures m_failures;
 };
 
-/// A custom metric over rows under evaluation.
+/// A custom metric over rows that is evaluated slice by slice.
 class MetricPass {
   public:
     MetricPass(job::Figure figure, const expression::Program& program);
 
     void take(const RowSlice& slice);
     [[nodiscard]] KvbDatavar result() const;
-    /// Rows that were counted, or whose value took part.
+    /// The rows that were counted, or whose value was used.
     [[nodiscard]] std::int64_t usedRows() const;
     [[nodiscard]] const RowFailures& failures() const;
 
   private:
     std::optional<ConditionPass> m_condition; ///< of a count
     std::int64_t m_rows = 0;
-    std::optional<expression::BlockValues> m_values; ///< of everything else
+    std::optional<expression::BlockValues> m_values; ///< of the other functions
     RowAggregate m_aggregate;
     RowFailures m_failures;
 };
 
-/// A rule under evaluation.
+/// A rule that is evaluated slice by slice.
 class RulePass {
   public:
-    /// `logColumns` are the columns that the row log keeps.
+    /// `logColumns`: the columns that the row log keeps.
     RulePass(const expression::Program& program, std::vector<std::size_t> logColumns, std::size_t logLimit);
 
     void take(const RowSlice& slice);

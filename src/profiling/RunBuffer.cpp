@@ -7,7 +7,6 @@ namespace tavix::profiling {
 
 namespace {
 
-constexpr std::size_t kOutputBuffer = std::size_t{64} << 10;
 constexpr std::size_t kPerRecord = sizeof(Entry) + 2 * sizeof(Keyed);
 
 } // namespace
@@ -30,9 +29,9 @@ Status RunBuffer::spill() {
     sortByKey(m_rows, m_spare, m_stop);
     if (m_order == RunOrder::KeyInteger)
         orderLargeIntegers(m_rows, m_entries);
-    RunOutput output(m_file, kOutputBuffer);
+    RunOutput output(m_file);
     for (std::size_t i = 0; i < m_rows.size(); ++i) {
-        if (i % 4096 == 0 && m_stop.isStopped())
+        if (i % kRowsBetweenPolls == 0 && m_stop.isStopped())
             return StopSignal::stopped();
         const Entry& entry = m_entries[m_rows[i].index];
         if (Status status = output.add({m_rows[i].key, entry.count, entry.text()}); !status)

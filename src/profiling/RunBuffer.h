@@ -10,12 +10,11 @@
 
 namespace tavix::profiling {
 
-/// Sorts any number of records by their keys with bounded memory: what does not fit becomes a sorted list in a file.
-/// Records of equal keys stay in the order in which they came, but with RunOrder::KeyInteger are ordered by value
-/// first.
+/// Sorts any number of records by their keys in bounded memory: what does not fit becomes a sorted run in a file.
+/// Stable, except that RunOrder::KeyInteger orders records of equal keys by value first.
 class RunBuffer {
   public:
-    /// `memory`: bytes that the records in memory may take, with what their sorting takes.
+    /// `memory`: bytes for the records in memory and for sorting them.
     RunBuffer(SpillFile& file, RunOrder order, std::size_t memory, StopSignal& stop)
         : m_file(file), m_order(order), m_memory(memory), m_stop(stop), m_runs(order) {}
     ~RunBuffer() { m_runs.release(m_file); }
@@ -24,7 +23,7 @@ class RunBuffer {
 
     /// The text is copied.
     [[nodiscard]] Status add(const RunRecord& record);
-    /// All records, once the last one came.
+    /// All records; call it after the last add().
     [[nodiscard]] Result<const RunSet*> finish();
 
   private:

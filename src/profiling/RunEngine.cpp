@@ -1,7 +1,5 @@
 #include "profiling/RunEngine.h"
 
-#include "profiling/FirstFailure.h"
-
 #include <algorithm>
 #include <numeric>
 #include <optional>
@@ -26,31 +24,34 @@ std::vector<ColumnValues*> valuesOf(const TablePasses& passes) {
     return values;
 }
 
-/// The reader needs a block to fill while one is counted and one waits for the threads that are ahead.
+/// One block is being filled, one counted, and one waits for the threads that are ahead.
 constexpr std::size_t kBlocksOnTheWay = 3;
-/// About what a value takes that was not met before, with its place among the others.
+/// About the bytes of a new value with its entry.
 constexpr std::size_t kNewValue = 64;
 
-/// Lets the other threads of a pool help with a line as long as it lives.
+/// Lets the other threads of a pool help with a pipeline during its own lifetime.
 class Helpers {
   public:
-    Helpers(WorkerPool& pool, BlockLine& line) : m_pool(pool), m_line(line) {
-        m_line.open();
-        m_pool.start(m_pool.threads() - 1, [&line](std::size_t) { line.help(); });
+    Helpers(WorkerPool& pool, BlockPipeline& pipeline) : m_pool(pool), m_pipeline(pipeline) {
+        m_pipeline.open();
+        m_pool.start(m_pool.threads() - 1, [&pipeline](std::size_t) {
+            pipeline.help();
+            return Status{};
+        });
     }
     ~Helpers() {
-        m_line.close();
-        m_pool.finish();
+        m_pipeline.close();
+        (void)m_pool.finish();
     }
     Helpers(const Helpers&) = delete;
     Helpers& operator=(const Helpers&) = delete;
 
   private:
     WorkerPool& m_pool;
-    BlockLine& m_line;
+    BlockPipeline& m_pipeline;
 };
 
-/// Indexes, the one with the most of it first.
+/// Indexes of the columns from the largest measure down.
 std::vector<std::size_t> orderedBy(std::size_t (ColumnValues::*measure)() const,
                                    std::span<ColumnValues* const> columns) {
     std::vector<std::size_t> order(columns.size());
@@ -67,25 +68,25 @@ RunEngine::RunEngine(const Settings& settings, std::function<bool()> poll)
       m_plan(settings.memory),
       m_file(settings.spillFolder),
       m_store(m_file, m_plan.packed()),
-      m_gate(m_plan.figuring()),
+      m_gate(m_plan.profiling()),
       m_pool(settings.threads) {}
 
 Status RunEngine::count(source::RowReader& reader, const TablePasses& passes,
                         const std::function<void(std::size_t)>& took) {
     const std::vector<ColumnValues*> columns = valuesOf(passes);
-    // Too few columns would leave threads without work.
+    // With too few columns some threads would have no work.
     const std::uint32_t parts = columns.size() < 2 * std::size_t{m_pool.threads()} ? m_pool.threads() : 1;
     for (ColumnValues* column : columns)
         column->divide(parts);
-    // Alone a thread does best to count what it has just read.
+    // A single thread is fastest when it counts what it has just read.
     const bool isAlone = m_pool.threads() == 1;
-    BlockLine line(passes, isAlone ? 1 : kBlocksOnTheWay, parts, m_stop);
-    std::optional<Helpers> helpers(std::in_place, m_pool, line);
-    const auto isTooMuch = [&](const BlockLine::Memory& memory, std::size_t onTheWay) {
-        return memory.values + onTheWay > m_plan.counting() || memory.places > m_plan.places();
+    BlockPipeline pipeline(passes, isAlone ? 1 : kBlocksOnTheWay, parts, m_stop);
+    std::optional<Helpers> helpers(std::in_place, m_pool, pipeline);
+    const auto isTooMuch = [&](const BlockPipeline::Memory& memory, std::size_t onTheWay) {
+        return memory.values + onTheWay > m_plan.counting() || memory.offsetIndex > m_plan.offsetIndex();
     };
     for (;;) {
-        source::RowBlock& block = line.free();
+        source::RowBlock& block = pipeline.free();
         const auto more = reader.read(block);
         if (!more)
             return more.error();
@@ -93,26 +94,26 @@ Status RunEngine::count(source::RowReader& reader, const TablePasses& passes,
             break;
         const std::size_t rows = block.rows;
         const std::size_t onTheWay = isAlone ? 0 : kBlocksOnTheWay * rows * columns.size() * kNewValue;
-        line.send();
+        pipeline.send();
         if (isAlone)
-            line.finish();
+            pipeline.finish();
         took(rows);
         if (m_stop.isStopped())
             return StopSignal::stopped();
-        if (isTooMuch(line.memory(), onTheWay))
-            line.finish();
-        if (isTooMuch(line.memory(), 0)) {
+        if (isTooMuch(pipeline.memory(), onTheWay))
+            pipeline.finish();
+        if (isTooMuch(pipeline.memory(), 0)) {
             helpers.reset();
-            dropPlacesOfTooMuch(columns);
+            dropLargestOffsetIndexes(columns);
             if (Status status = spillWhatIsTooMuch(columns); !status)
                 return status;
-            line.measure();
-            helpers.emplace(m_pool, line);
+            pipeline.measure();
+            helpers.emplace(m_pool, pipeline);
         }
     }
-    line.finish();
+    pipeline.finish();
     helpers.reset();
-    dropPlacesOfTooMuch(columns);
+    dropLargestOffsetIndexes(columns);
     return spillWhatIsTooMuch(columns);
 }
 
@@ -135,17 +136,17 @@ Status RunEngine::spillWhatIsTooMuch(std::span<ColumnValues* const> columns) {
     });
 }
 
-void RunEngine::dropPlacesOfTooMuch(std::span<ColumnValues* const> columns) const {
+void RunEngine::dropLargestOffsetIndexes(std::span<ColumnValues* const> columns) const {
     const auto memory = [&] {
         std::size_t sum = 0;
         for (const ColumnValues* column : columns)
-            sum += column->placesMemory();
+            sum += column->offsetIndexMemory();
         return sum;
     };
-    while (memory() > m_plan.places())
+    while (memory() > m_plan.offsetIndex())
         (*std::max_element(columns.begin(), columns.end(), [](const ColumnValues* a, const ColumnValues* b) {
-            return a->placesMemory() < b->placesMemory();
-        }))->dropPlaces();
+            return a->offsetIndexMemory() < b->offsetIndexMemory();
+        }))->dropOffsetIndex();
 }
 
 Status RunEngine::spillWhatIsTooMuch(TablePass& pass) {
@@ -157,52 +158,47 @@ void RunEngine::forget(TablePass& pass) {
         values->clear(m_file);
 }
 
-Status RunEngine::divide(std::size_t count, const std::function<Status(std::size_t)>& work) {
-    FirstFailure failure;
-    m_pool.start(count, [&](std::size_t i) {
-        if (!failure.hasFailed())
-            failure.keep(m_stop.isStopped() ? Status{StopSignal::stopped()} : work(i));
-    });
-    m_pool.finish([&] { (void)m_stop.isStopped(); });
-    return failure.outcome();
+Status RunEngine::divide(std::size_t count, const TaskBatch::Task& task) {
+    m_pool.start(count, [&](std::size_t i) { return m_stop.isStopped() ? Status{StopSignal::stopped()} : task(i); });
+    return m_pool.finish([&] { (void)m_stop.isStopped(); });
 }
 
-Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass, const Along& along) {
+Result<std::vector<FieldProfile>> RunEngine::figures(TablePass& pass, const Along& along) {
     const std::vector<ColumnValues*> columns = valuesOf(pass);
-    // The long ones first, so that no thread is left alone with one at the end.
+    // The long columns first, so that no thread is left alone with one at the end.
     const std::vector<std::size_t> order = orderedBy(&ColumnValues::work, columns);
-    std::vector<FieldFigures> fields(columns.size());
+    std::vector<FieldProfile> fields(columns.size());
     std::size_t allWork = 1;
     for (const ColumnValues* column : columns)
         allWork += column->work();
     const auto figure = [&](std::size_t i) -> Status {
         const std::size_t c = order[i];
         ColumnValues& values = *columns[c];
-        const std::size_t share = m_plan.figuring() / m_pool.threads();
-        const bool isTooLarge = values.isSpilled() || figuringTakes(values) > m_plan.figuring();
-        const std::size_t takes = isTooLarge ? std::max(share, values.spillingTakes()) : figuringTakes(values);
+        const std::size_t share = m_plan.profiling() / m_pool.threads();
+        const bool isTooLarge = values.isSpilled() || profilingMemory(values) > m_plan.profiling();
+        const std::size_t takes = isTooLarge ? std::max(share, values.spillingTakes()) : profilingMemory(values);
         const auto memory = m_gate.take(takes, m_stop);
         if (isTooLarge) {
             if (Status spilled = values.spill(m_file, m_stop); !spilled)
                 return spilled;
         }
-        // One that has more than a thread's share of the work would keep the others waiting in the end.
+        // A column with more than one thread's share of the work would keep the others waiting at the end.
         const auto threads = static_cast<unsigned>(values.work() * m_pool.threads() / allWork) + 1;
         values.unite();
-        auto figures = computeFigures(values, pass.columns()[c], static_cast<int>(c) + 1,
-                                      {m_file, m_store, m_stop, share, threads});
+        auto figures =
+            profileField(values, pass.columns()[c], static_cast<int>(c) + 1, {m_file, m_store, m_stop, share, threads});
         if (!figures)
             return figures.error();
         values.clearValues(m_file);
         fields[c] = std::move(*figures);
         return along.ready ? along.ready(fields[c]) : Status{};
     };
-    // The places need nothing of the figures, and fill the time of a thread that has none to compute any more.
+    // Packing the offset indexes does not depend on the profiles and uses the time of threads that have no column left.
     Status status = divide(columns.size(), [&](std::size_t i) -> Status {
-        columns[i]->closePlaces();
+        columns[i]->closeOffsetIndex();
         return {};
     });
-    std::vector<std::vector<repository::PlacePage>> places(columns.size());
+    std::vector<std::vector<repository::PlacePage>> offsetIndexes(columns.size());
     if (status)
         status = divide(1 + columns.size() * 2, [&](std::size_t i) -> Status {
             if (i == 0)
@@ -210,13 +206,13 @@ Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass, const Alon
             if (i <= columns.size())
                 return figure(i - 1);
             const std::size_t c = order[i - columns.size() - 1];
-            places[c] = columns[c]->takePlaces();
+            offsetIndexes[c] = columns[c]->takeOffsetIndex();
             return {};
         });
     if (!status)
         return status.error();
     for (std::size_t c = 0; c < columns.size(); ++c)
-        fields[c].places = std::move(places[c]);
+        fields[c].offsetIndex = std::move(offsetIndexes[c]);
     return fields;
 }
 

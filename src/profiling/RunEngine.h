@@ -1,9 +1,9 @@
 #pragma once
 
 #include "base/Result.h"
-#include "profiling/BlockLine.h"
+#include "profiling/BlockPipeline.h"
 #include "profiling/ByteStore.h"
-#include "profiling/FieldFigures.h"
+#include "profiling/FieldProfile.h"
 #include "profiling/MemoryPlan.h"
 #include "profiling/SpillFile.h"
 #include "profiling/StopSignal.h"
@@ -18,8 +18,8 @@
 
 namespace tavix::profiling {
 
-/// The work of a run that can be divided: counting the columns of the tables that share a source, and computing the
-/// figures of columns. It keeps within the memory of the run by moving counted values to a temporary file.
+/// The parts of a run that are done in parallel: counting the columns of the tables that share a source, and profiling
+/// columns. Stays within the memory of the run by spilling counted values to a temporary file.
 class RunEngine {
   public:
     struct Settings {
@@ -27,35 +27,35 @@ class RunEngine {
         std::size_t memory = 0; ///< bytes
         std::string spillFolder;
     };
-    /// `poll` is called by the thread that makes the engine, often, while it works; false stops the work.
+    /// `poll` is called often, by the thread that makes the engine, while it works; false stops the work.
     RunEngine(const Settings& settings, std::function<bool()> poll);
 
-    /// Counts all rows of the source for all passes. `took(rows)` is called with each block.
+    /// Counts all rows of the source for all passes. Calls `took(rows)` for each block.
     [[nodiscard]] Status count(source::RowReader& reader, const TablePasses& passes,
                                const std::function<void(std::size_t)>& took);
-    /// For values that are counted by other means than count(): to be called often, while the columns grow.
+    /// For values that are not counted by count(): call it often while the columns grow.
     [[nodiscard]] Status spillWhatIsTooMuch(TablePass& pass);
-    /// Leaves no value in the columns, wherever it lies.
+    /// Removes all values from the columns, in memory and in the file.
     void forget(TablePass& pass);
-    /// What else is done while figures are computed. A failure ends the computing.
+    /// What else is done while the fields are profiled. A failure ends the profiling.
     struct Along {
-        std::function<Status()> work{};               ///< once, by any thread
-        std::function<Status(FieldFigures&)> ready{}; ///< for each column, by the thread that computed it, at once
+        std::function<Status()> work{};               ///< called once, by any thread
+        std::function<Status(FieldProfile&)> ready{}; ///< called for each column by the thread that profiled it
     };
-    /// The figures of every column of the pass, whose counted values are used up. With StopSignal::stopped() it fails
-    /// when it was stopped.
-    [[nodiscard]] Result<std::vector<FieldFigures>> figures(TablePass& pass, const Along& along);
-    [[nodiscard]] Result<std::vector<FieldFigures>> figures(TablePass& pass) { return figures(pass, {}); }
+    /// Profiles every column of the pass and uses up the counted values. Fails with StopSignal::stopped() when it was
+    /// stopped.
+    [[nodiscard]] Result<std::vector<FieldProfile>> figures(TablePass& pass, const Along& along);
+    [[nodiscard]] Result<std::vector<FieldProfile>> figures(TablePass& pass) { return figures(pass, {}); }
 
     [[nodiscard]] StopSignal& stop() { return m_stop; }
     [[nodiscard]] const MemoryPlan& plan() const { return m_plan; }
 
   private:
     Status spillWhatIsTooMuch(std::span<ColumnValues* const> columns);
-    /// Gives up the places of the columns that take most of the memory, when all take too much.
-    void dropPlacesOfTooMuch(std::span<ColumnValues* const> columns) const;
-    /// Calls work(i) for every i below `count` by all threads, until one fails.
-    Status divide(std::size_t count, const std::function<Status(std::size_t)>& work);
+    /// Drops the largest offset indexes while all together take too much memory.
+    void dropLargestOffsetIndexes(std::span<ColumnValues* const> columns) const;
+    /// Runs task(i) for every i below `count` on all threads. Fails with the first failure, or when it was stopped.
+    Status divide(std::size_t count, const TaskBatch::Task& task);
 
     StopSignal m_stop;
     MemoryPlan m_plan;

@@ -7,14 +7,14 @@
 
 namespace tavix::profiling {
 
-/// Tells the watcher what it should know, but not more often than it can show.
+/// Reports progress to the watcher, but not more often than it can show.
 class RunReporter {
   public:
     RunReporter(ProgressWatcher* watcher, std::size_t tableCount) : m_watcher(watcher) {
         state.tableCount = tableCount;
     }
 
-    /// False once the watcher has cancelled. `now`: do not wait for the interval.
+    /// False once the watcher has cancelled. `now`: without waiting for the interval.
     bool report(bool now = false) {
         const auto time = Timer::now();
         if (!m_watcher || m_isCancelled || (!now && time - m_last < std::chrono::milliseconds(100)))

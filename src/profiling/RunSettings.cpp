@@ -11,7 +11,7 @@ namespace tavix::profiling {
 
 namespace {
 
-/// Bytes; half of what the machine has when nothing is stated.
+/// Bytes; half of the machine's memory when nothing is stated.
 std::size_t memoryOf(const RunOptions& options) {
     if (options.memory > 0)
         return options.memory;

@@ -7,7 +7,7 @@
 
 namespace tavix::profiling {
 
-/// How the engine of a run works: as the options say, or else as suits the machine and the place of the repository.
+/// The engine settings that the options state, or else that suit the machine and the location of the repository.
 [[nodiscard]] RunEngine::Settings engineSettings(const RunOptions& options, const std::string& repositoryPath);
 
 } // namespace tavix::profiling

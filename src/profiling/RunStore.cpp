@@ -7,13 +7,13 @@ namespace tavix::profiling {
 
 namespace {
 
-/// How long another writer is waited for.
+/// How long a run waits for another writer.
 constexpr std::chrono::minutes kPatience{10};
 
-std::size_t sizeOf(const FieldFigures& field) {
+std::size_t sizeOf(const FieldProfile& field) {
     const repository::FieldFacts& facts = field.facts;
-    std::size_t size = sizeof(FieldFigures) + sizeof(PackedResult);
-    for (const repository::PlacePage& page : field.places)
+    std::size_t size = sizeof(FieldProfile) + sizeof(PackedResult);
+    for (const repository::PlacePage& page : field.offsetIndex)
         size += sizeof page + page.bytes.size();
     for (const auto& percentile : facts.percentiles)
         size += sizeof percentile + percentile.value.str().size();
@@ -38,7 +38,7 @@ std::optional<Error> RunStore::failure() const {
 }
 
 void RunStore::add(FinishedTable table) {
-    for (const FieldFigures& field : table.fields)
+    for (const FieldProfile& field : table.fields)
         m_waitingSize += sizeOf(field);
     m_waiting.push_back(std::move(table));
 }
@@ -66,7 +66,7 @@ Result<std::unique_ptr<DistributionQueue>> RunStore::storeAlong(FinishedTable& t
     for (FinishedTable& waiting : m_waiting) {
         if (Status status = beginTable(waiting); !status)
             return status.error();
-        for (FieldFigures& field : waiting.fields)
+        for (FieldProfile& field : waiting.fields)
             queue->put(*waiting.id, field);
     }
     if (Status status = beginTable(table); !status)
@@ -79,7 +79,7 @@ Status RunStore::begin() {
         return {};
     if (Status status = m_repository->finish(); !status)
         return status;
-    // What was read for hours shall not be lost to another run that is being stored.
+    // Hours of reading must not be lost because another run is being stored.
     const auto end = std::chrono::steady_clock::now() + kPatience;
     const auto phase = m_reporter.state.phase;
     repository::RunDescription run = m_run;
@@ -99,9 +99,9 @@ Status RunStore::beginTable(FinishedTable& table) {
     if (table.id)
         return {};
     repository::TableFacts& facts = table.report.facts;
-    facts.places = table.places ? &*table.places : nullptr;
+    facts.places = table.offsetIndex ? &*table.offsetIndex : nullptr;
     const auto id = m_writer->addTable(facts);
-    facts.places = nullptr; // The table may move.
+    facts.places = nullptr; // the table may move
     if (!id)
         return id.error();
     table.id = *id;
@@ -114,7 +114,7 @@ Status RunStore::storeDistributions() {
         if (Status status = beginTable(table); !status)
             return status;
         DistributionQueue queue(*m_writer, m_stop);
-        for (FieldFigures& field : table.fields)
+        for (FieldProfile& field : table.fields)
             queue.put(*table.id, field);
         if (Status status = queue.store(); !status)
             return status;
@@ -123,8 +123,8 @@ Status RunStore::storeDistributions() {
 }
 
 Status RunStore::store(FinishedTable& table) {
-    for (FieldFigures& field : table.fields) {
-        field.facts.places = field.places;
+    for (FieldProfile& field : table.fields) {
+        field.facts.places = field.offsetIndex;
         if (Status status = m_writer->addField(*table.id, field.facts); !status)
             return status;
         field = {};

@@ -3,7 +3,7 @@
 #include "base/HeldRepositories.h"
 #include "base/Result.h"
 #include "profiling/DistributionQueue.h"
-#include "profiling/FieldFigures.h"
+#include "profiling/FieldProfile.h"
 #include "profiling/OpenedSource.h"
 #include "profiling/RepositoryOpening.h"
 #include "profiling/RunReporter.h"
@@ -19,39 +19,39 @@
 
 namespace tavix::profiling {
 
-/// A table that was read, and its figures once they are computed.
+/// A table that was read, with its profiles once they are computed.
 struct FinishedTable {
-    std::shared_ptr<const std::vector<std::string>> columns; ///< borrowed by the pass
+    std::shared_ptr<const std::vector<std::string>> columns; ///< the pass refers to them
     std::unique_ptr<TablePass> pass;
     TableReport report;
-    std::optional<repository::FilePlaces> places;
-    std::vector<FieldFigures> fields;
-    std::optional<int> id; ///< in the repository, once the table is begun there
+    std::optional<repository::FilePlaces> offsetIndex;
+    std::vector<FieldProfile> fields;
+    std::optional<int> id; ///< in the repository, once the table was added there
 };
 
-/// The tables of a run on their way into its repository. They wait here until the last one was read, or until their
-/// figures take too much memory; then begins the one transaction that stores them all.
+/// Stores the tables of a run. They wait until the last one was read, or until their metrics take too much memory; then
+/// one transaction begins that stores them all.
 class RunStore {
   public:
-    /// What is passed by reference must outlive the store.
+    /// The arguments passed by reference must outlive the store.
     RunStore(std::string repositoryPath, repository::RunDescription run, RunReporter& reporter, StopSignal& stop);
 
-    /// Begins to open the repository. Whether it can be written is better known before hours of reading than after.
+    /// Begins to open the repository: whether it can be written is better known before hours of reading than after.
     void open() { m_repository.emplace(m_path); }
-    /// Why it cannot be opened, as soon as that is known.
+    /// Why it cannot be opened, once that is known.
     [[nodiscard]] std::optional<Error> failure() const;
 
     void add(FinishedTable table);
-    /// About the bytes of memory that the figures of the waiting tables take, what is packed not among them.
+    /// About the bytes that the metrics of the waiting tables take, without packed distributions.
     [[nodiscard]] std::size_t waitingSize() const { return m_waitingSize; }
-    /// Begins the transaction, unless it was begun, and stores what waits. Appends to `outcomes`.
+    /// Begins the transaction if needed and stores the waiting tables. Appends to `outcomes`.
     [[nodiscard]] Status storeWaiting(std::vector<TableOutcome>& outcomes);
 
-    /// For storing distributions while the figures of a table are computed that are not there yet: begins the
-    /// transaction and the table. What waits already is in the queue.
+    /// For storing distributions while a table is profiled: begins the transaction and adds the table. The
+    /// distributions of the waiting tables are in the queue already.
     [[nodiscard]] Result<std::unique_ptr<DistributionQueue>> storeAlong(FinishedTable& table);
 
-    /// Once something was stored.
+    /// Valid once something was stored.
     [[nodiscard]] repository::RunWriter& writer() { return *m_writer; }
 
   private:
@@ -61,13 +61,13 @@ class RunStore {
     Status store(FinishedTable& table);
 
     const std::string m_path;
-    const HeldRepository m_held; ///< from before the thread that opens it does
+    const HeldRepository m_held; ///< marked as held before the opening thread starts
     const repository::RunDescription m_run;
     RunReporter& m_reporter;
     StopSignal& m_stop;
     std::vector<FinishedTable> m_waiting;
     std::size_t m_waitingSize = 0;
-    /// Kept, for the last one that closes a repository has to tidy it, and that takes as long as a small table.
+    /// Kept open, because the last connection to close tidies the repository, which takes as long as a small table.
     std::optional<RepositoryOpening> m_repository;
     std::unique_ptr<repository::RunWriter> m_writer;
 };

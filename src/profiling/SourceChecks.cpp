@@ -1,6 +1,6 @@
 #include "profiling/SourceChecks.h"
 
-#include "job/AlertEntry.h"
+#include "job/AlertEntries.h"
 #include "job/JobChecks.h"
 #include "profiling/JobRunner.h"
 #include "profiling/TablePrograms.h"
@@ -66,7 +66,7 @@ Status checkFields(const job::JobDescription& job) {
             continue;
         std::error_code failure;
         if (table.files.empty() && !std::filesystem::is_regular_file(table.path, failure))
-            continue; // to look into a pipe would be to take from it
+            continue; // examining a pipe would consume it
         if (const auto opened = openTable(table); opened)
             if (Status status = checkFieldsOver(job, table, opened->reader->columnNames()); !status)
                 return status;

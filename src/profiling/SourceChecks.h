@@ -7,24 +7,24 @@
 #include <string>
 #include <vector>
 
-/// What can be wrong with the sources of a job, found before a row is read. A run and a plan of one look at the same.
+/// Checks of a job's sources before any row is read. Runs and plans share them.
 namespace tavix::profiling {
 
-/// The table and those that are based on it, in the order of the job.
+/// The table and the filtered tables over it, in the order of the job.
 [[nodiscard]] std::vector<const job::TableDescription*> tablesOver(const job::JobDescription& job,
                                                                    const job::TableDescription& base);
 
-/// The fields that the table, those over it and the job's collections speak of exist.
+/// Checks that the fields named by the table, by those over it and by the job's collections exist.
 [[nodiscard]] Status checkFieldsOver(const job::JobDescription& job, const job::TableDescription& base,
                                      std::span<const std::string> columns);
 
-/// An error with the table's name before it.
+/// The error with the table's name in front.
 [[nodiscard]] Error failureIn(const job::TableDescription& table, const Error& error);
 
-/// Opens the files of a table and finds them to have the same columns, among them those that the job speaks of.
+/// Opens the files of a table and checks that they have the same columns, with the fields that the job names.
 [[nodiscard]] Result<OpenedFiles> openCheckedFiles(const job::JobDescription& job, const job::TableDescription& table,
                                                    source::KeepGoing keepGoing = {});
-/// The same of a table of a database.
+/// Does the same for a database table.
 [[nodiscard]] Result<OpenedDatabaseTable> openCheckedDatabase(const job::JobDescription& job,
                                                               const job::TableDescription& table, Databases& databases);
 

@@ -70,7 +70,7 @@ Status SpillFile::read(std::uint64_t offset, std::span<std::byte> bytes) const {
 }
 
 void SpillFile::release(std::uint64_t offset, std::uint64_t size) {
-    // Where holes cannot be made the space comes back when the file is closed.
+    // Where the file system cannot punch holes, the space is freed when the file is closed.
     (void)::fallocate(m_file, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, static_cast<off_t>(offset),
                       static_cast<off_t>(size));
 }

@@ -62,7 +62,7 @@ std::string damageText(const DamagedRow& row, const FileSetReader& reader) {
     case source::Damage::TooManyCells:
         return fmt::format("{}: {}; the extra ones are cut.", place, cells);
     case source::Damage::BadBytes:
-        return fmt::format("{}: bytes that are no {}; each became U+FFFD.", place, reader.encodingOf(row.file).name);
+        return fmt::format("{}: bytes that are not {}; each became U+FFFD.", place, reader.encodingOf(row.file).name);
     case source::Damage::OpenQuote:
         return fmt::format("{}: a quote that is never closed takes the rest of the file.", place);
     }

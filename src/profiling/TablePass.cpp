@@ -1,6 +1,7 @@
 #include "profiling/TablePass.h"
 
 #include "expression/RowEvaluator.h"
+#include "profiling/MetricValue.h"
 
 #include <fmt/format.h>
 
@@ -36,7 +37,7 @@ std::vector<bool> ruleColumns(const job::TableDescription& table, const TablePro
     return columnsOf(list, columns);
 }
 
-/// The value of a custom metric over metrics; null, with the reason in `failure`, when it has none.
+/// The value of a custom metric over metrics; null, with the reason in `failure`, when it cannot be evaluated.
 KvbDatavar evaluateOver(const std::vector<KvbDatavar>& figures, const expression::Program& program,
                         std::string& failure) {
     std::vector<expression::Value> values;
@@ -44,12 +45,12 @@ KvbDatavar evaluateOver(const std::vector<KvbDatavar>& figures, const expression
     for (const KvbDatavar& figure : figures)
         values.push_back(expression::Value::ofCell(figure));
     expression::RowEvaluator evaluator(program);
-    KvbDatavar value = figureOf(evaluator.evaluate(values));
+    KvbDatavar value = metricValue(evaluator.evaluate(values));
     failure = evaluator.failure();
     return value;
 }
 
-/// The key, then the inputs of the rule that are no part of it.
+/// The columns of the key, then the other inputs of the rule.
 std::vector<std::size_t> logColumns(const std::vector<std::size_t>& key, const expression::Program& rule) {
     std::vector<std::size_t> columns = key;
     for (const std::size_t column : usedColumns(rule))
@@ -91,8 +92,8 @@ void TablePass::prepare(const source::RowBlock& block, std::int64_t firstRecord,
     }
     if (m_where)
         select(block, firstRecord, goOn);
-    if (m_keepsPlaces)
-        takePlaces(block);
+    if (m_keepsOffsetIndex)
+        takeOffsetIndex(block);
     m_rows += static_cast<std::int64_t>(m_where ? m_selectedRows.size() : block.rows);
     if (m_hasRowPrograms)
         evaluate(block, firstRecord, goOn);
@@ -110,17 +111,17 @@ void TablePass::countColumn(const source::RowBlock& block, std::size_t column, s
     values.count(selected, m_selectedPlaces, part);
 }
 
-void TablePass::takePlaces(const source::RowBlock& block) {
+void TablePass::takeOffsetIndex(const source::RowBlock& block) {
     if (block.places.empty()) {
-        m_keepsPlaces = false;
+        m_keepsOffsetIndex = false;
         m_offsets.clear();
         for (ColumnValues& values : m_values)
-            values.dropPlaces();
+            values.dropOffsetIndex();
         return;
     }
     if (m_offsets.empty()) {
         for (ColumnValues& values : m_values)
-            values.keepPlaces();
+            values.keepOffsetIndex();
         m_offsets.push_back(block.places.front().offset);
     }
     for (std::size_t i = 1; i < block.places.size(); ++i)
@@ -197,9 +198,9 @@ Status TablePass::storeRules(repository::RunWriter& writer, int tableId) {
 }
 
 Status TablePass::storeMetrics(repository::RunWriter& writer, int tableId) {
-    // The figures in the order in which the programs over metrics have their fields.
+    // The values in the order of the fields of the programs over metrics.
     std::vector<KvbDatavar> figures;
-    for (const TableFigure& figure : m_programs.figures)
+    for (const MetricField& figure : m_programs.figures)
         if (figure.column)
             figures.push_back(m_metrics[*figure.column][index(figure.metric)]);
         else if (figures.empty())

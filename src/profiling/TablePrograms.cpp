@@ -15,7 +15,7 @@ using expression::Program;
 using expression::Type;
 using expression::Wanted;
 
-/// Whether the result of an expression can be summed up: a text counts as the number that it is.
+/// Whether values of this type can be summed up; a text counts as a number.
 bool isSummable(Type type) {
     return type != Type::Boolean && type != Type::Date;
 }
@@ -34,24 +34,24 @@ Type typeOf(MetricValue value) {
     return Type::Integer;
 }
 
-/// Of the value of a custom metric, for those that are computed from it.
+/// The type of a custom metric's value, for metrics that refer to it.
 Type typeOf(job::Figure figure, const Program& program) {
     if (figure == job::Figure::Count)
         return Type::Integer;
     return figure == job::Figure::Sum || figure == job::Figure::Average ? Type::Real : program.type();
 }
 
-std::vector<TableFigure> tableFigures(std::span<const std::string> columns) {
-    std::vector<TableFigure> figures{{"Records", Type::Integer, {}, MetricId::Count}};
+std::vector<MetricField> metricFields(std::span<const std::string> columns) {
+    std::vector<MetricField> figures{{"Records", Type::Integer, {}, MetricId::Count}};
     for (std::size_t c = 0; c < columns.size(); ++c)
         for (const MetricInfo& info : metricCatalogue())
             figures.push_back({fmt::format("{}:{}", columns[c], info.name), typeOf(info.value), c, info.id});
     return figures;
 }
 
-std::vector<Field> fieldsOf(std::span<const TableFigure> figures) {
+std::vector<Field> fieldsOf(std::span<const MetricField> figures) {
     std::vector<Field> fields;
-    for (const TableFigure& figure : figures)
+    for (const MetricField& figure : figures)
         fields.push_back({figure.name, figure.type});
     return fields;
 }
@@ -66,7 +66,7 @@ Result<Program> compileOne(const job::ExpressionText& text, const std::string& w
     return Error{fmt::format("{}{}: {}", text.place, what, expression::describe(compiled.error))};
 }
 
-/// Compiles what a table has, one kind after the other.
+/// Compiles the expressions of a table.
 class Compiler {
   public:
     Compiler(const job::TableDescription& table, std::span<const std::string> columns)
@@ -116,42 +116,42 @@ class Compiler {
         const std::string what = fmt::format("the custom metric \"{}\"", metric.name);
         const bool isOverMetrics = metric.figure == job::Figure::Metric;
         if (isOverMetrics && m_programs.figures.empty())
-            beginFigures();
+            beginMetricFields();
         auto program =
-            compileOne(metric.expression, what, isOverMetrics ? m_figureFields : m_fields,
+            compileOne(metric.expression, what, isOverMetrics ? m_metricFields : m_fields,
                        metric.figure == job::Figure::Count ? Wanted::Condition : Wanted::Value, m_programs.remarks);
         if (!program)
             return program.error();
         if ((metric.figure == job::Figure::Sum || metric.figure == job::Figure::Average) &&
             !isSummable(program->type()))
             return Error{fmt::format(
-                "{}{}: a number is wanted here, and this is of type {}{}", metric.expression.place, what,
+                "{}{}: a number is needed here, but this is of type {}{}", metric.expression.place, what,
                 expression::typeName(program->type()),
                 program->type() == Type::Boolean ? "; \"count\" gives the number of rows for which it is true" : "")};
         m_programs.metrics.push_back(std::move(program).value());
         if (!m_programs.figures.empty())
-            addFigure(m_programs.metrics.size() - 1);
+            addMetricField(m_programs.metrics.size() - 1);
         return {};
     }
 
-    /// Only tables with metrics over metrics pay for it.
-    void beginFigures() {
-        m_programs.figures = tableFigures(m_columns);
-        m_figureFields = fieldsOf(m_programs.figures);
+    /// Only for tables that have metrics over metrics.
+    void beginMetricFields() {
+        m_programs.figures = metricFields(m_columns);
+        m_metricFields = fieldsOf(m_programs.figures);
         for (std::size_t i = 0; i < m_programs.metrics.size(); ++i)
-            addFigure(i);
+            addMetricField(i);
     }
-    void addFigure(std::size_t metric) {
+    void addMetricField(std::size_t metric) {
         const job::CustomMetricDescription& description = m_table.metrics[metric];
         const Type type = typeOf(description.figure, m_programs.metrics[metric]);
         m_programs.figures.push_back({description.name, type, {}, MetricId::Count});
-        m_figureFields.push_back({description.name, type});
+        m_metricFields.push_back({description.name, type});
     }
 
     const job::TableDescription& m_table;
     std::span<const std::string> m_columns;
     std::vector<Field> m_fields;
-    std::vector<Field> m_figureFields;
+    std::vector<Field> m_metricFields;
     TablePrograms m_programs;
 };
 

@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t kFirstSlots = 1024;
 constexpr std::size_t kManySlots = std::size_t{1} << 22;
 constexpr std::size_t kBatch = 64;
-/// From here on the entries do not fit the cache, and fetching them early pays.
+/// From here on the entries exceed the cache, and prefetching them pays.
 constexpr std::size_t kManyEntries = 20000;
 
 inline bool areEqual(const char* left, const char* right, std::size_t size) {
@@ -44,18 +44,19 @@ const HashSeeds& valueSeeds() {
 
 ValueCounter::ValueCounter() : m_slots(kFirstSlots) {}
 
-void ValueCounter::count(std::span<const source::Cell> cells, PlaceMarks* marks) {
-    marks ? countCells<false, true>(cells, 0, 1, marks) : countCells<false, false>(cells, 0, 1, nullptr);
+void ValueCounter::count(std::span<const source::Cell> cells, BucketSet* buckets) {
+    buckets ? countCells<false, true>(cells, 0, 1, buckets) : countCells<false, false>(cells, 0, 1, nullptr);
 }
 
 void ValueCounter::countPart(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts,
-                             PlaceMarks* marks) {
-    marks ? countCells<true, true>(cells, part, parts, marks) : countCells<true, false>(cells, part, parts, nullptr);
+                             BucketSet* buckets) {
+    buckets ? countCells<true, true>(cells, part, parts, buckets)
+            : countCells<true, false>(cells, part, parts, nullptr);
 }
 
 template <bool kIsMarked>
 [[gnu::always_inline]] inline void ValueCounter::addHashed(const char* data, std::uint32_t size, std::uint64_t hash,
-                                                           std::uint64_t count, PlaceMarks* marks) {
+                                                           std::uint64_t count, BucketSet* buckets) {
     const auto shortHash = static_cast<std::uint32_t>(hash >> 32);
     const std::size_t mask = m_slots.size() - 1;
     for (std::size_t at = shortHash & mask;; at = (at + 1) & mask) {
@@ -65,7 +66,7 @@ template <bool kIsMarked>
             m_textBytes += size;
             m_slots[at] = static_cast<std::uint32_t>(m_entries.size());
             if constexpr (kIsMarked)
-                marks->add(hash);
+                buckets->add(hash);
             if (m_entries.size() * 2 > m_slots.size())
                 grow();
             return;
@@ -75,7 +76,7 @@ template <bool kIsMarked>
             entry.count += count;
             if constexpr (kIsMarked)
                 if (entry.count <= kMarkedRows)
-                    marks->add(hash);
+                    buckets->add(hash);
             return;
         }
     }
@@ -83,7 +84,7 @@ template <bool kIsMarked>
 
 template <bool kIsPart, bool kIsMarked>
 void ValueCounter::countCells(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts,
-                              PlaceMarks* marks) {
+                              BucketSet* buckets) {
     const HashSeeds& seeds = valueSeeds();
     std::array<std::uint64_t, kBatch> hashes;
     std::array<const source::Cell*, kBatch> present;
@@ -101,7 +102,7 @@ void ValueCounter::countCells(std::span<const source::Cell> cells, std::uint32_t
             hashes[n] = hash;
             present[n] = &cell;
             if constexpr (kIsPart) {
-                // By the half of the hash that does not choose the slot; and no branch, which none could foresee.
+                // Uses the half of the hash that does not choose the slot, and no branch, which would be unpredictable.
                 n += (hash & 0xFFFFFFFF) * parts >> 32 == part ? 1 : 0;
             } else {
                 __builtin_prefetch(&m_slots[(hash >> 32) & mask]);
@@ -118,7 +119,7 @@ void ValueCounter::countCells(std::span<const source::Cell> cells, std::uint32_t
                 if (const std::uint32_t slot = m_slots[(hashes[i] >> 32) & mask]; slot != 0)
                     __builtin_prefetch(&m_entries[slot - 1]);
         for (std::size_t i = 0; i < n; ++i)
-            addHashed<kIsMarked>(present[i]->data, present[i]->size, hashes[i], 1, marks);
+            addHashed<kIsMarked>(present[i]->data, present[i]->size, hashes[i], 1, buckets);
     }
 }
 
@@ -152,7 +153,7 @@ void ValueCounter::dropValues() {
 }
 
 void ValueCounter::grow() {
-    // A table that is large for what it holds costs more, as fresh memory, than to move its entries once more.
+    // A sparse table costs more, as fresh memory, than moving the entries once more.
     std::vector<std::uint32_t> slots(m_slots.size() * (m_slots.size() < kManySlots ? 4 : 2));
     const std::size_t mask = slots.size() - 1;
     for (std::size_t i = 0; i < m_entries.size(); ++i) {

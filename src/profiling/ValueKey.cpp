@@ -61,4 +61,9 @@ double doubleOfKey(std::uint64_t key) {
     return std::bit_cast<double>((key & kSignBit) != 0 ? key ^ kSignBit : ~key);
 }
 
+long double numberOfKey(std::uint64_t key, KeyForm form) {
+    return form == KeyForm::Integer ? static_cast<long double>(integerOfKey(key))
+                                    : static_cast<long double>(doubleOfKey(key));
+}
+
 } // namespace tavix::profiling

@@ -7,23 +7,30 @@
 
 namespace tavix::profiling {
 
-/// What values of one kind are ordered by, as a number: integers of 64 bits by value, reals and larger integers as
-/// doubles, dates by instant, booleans false before true.
+/// How values of one kind are ordered, as a number: 64-bit integers by value, reals and larger integers as doubles,
+/// dates by instant, false before true.
 enum class KeyForm : std::uint8_t {
-    None, ///< only the text counts
+    None, ///< by text
     Boolean,
     Integer,
     Double,
-    LargeInteger, ///< as a double; equal ones may still differ in value, by compareIntegers()
+    LargeInteger, ///< as a double; compareIntegers() decides between equal ones
     Date,
 };
 
-/// `fits64`: all integers of the field are within 64 bits.
+/// `fits64`: whether all integers of the field fit 64 bits.
 [[nodiscard]] KeyForm keyForm(ValueKind kind, bool fits64);
 /// The key of a value that fits the form.
 [[nodiscard]] std::uint64_t keyOf(std::string_view text, KeyForm form);
 
 [[nodiscard]] std::int64_t integerOfKey(std::uint64_t key);
 [[nodiscard]] double doubleOfKey(std::uint64_t key);
+
+/// Whether values of this form can be summed up.
+[[nodiscard]] constexpr bool isNumber(KeyForm form) {
+    return form == KeyForm::Integer || form == KeyForm::Double || form == KeyForm::LargeInteger;
+}
+/// The value of a key of a number.
+[[nodiscard]] long double numberOfKey(std::uint64_t key, KeyForm form);
 
 } // namespace tavix::profiling

@@ -86,6 +86,33 @@ ValueKind kindOf(std::string_view text) {
     return equalsWord(text, "true") || equalsWord(text, "false") ? ValueKind::Boolean : ValueKind::Text;
 }
 
+ValueKind joinedKind(ValueKind a, ValueKind b) {
+    const auto isNumber = [](ValueKind kind) { return kind == ValueKind::Integer || kind == ValueKind::Real; };
+    if (a == b || b == ValueKind::None)
+        return a;
+    if (a == ValueKind::None)
+        return b;
+    return isNumber(a) && isNumber(b) ? ValueKind::Real : ValueKind::Text;
+}
+
+std::optional<FieldType> typeOf(ValueKind kind) {
+    switch (kind) {
+    case ValueKind::Boolean:
+        return FieldType::Boolean;
+    case ValueKind::Integer:
+        return FieldType::Integer;
+    case ValueKind::Real:
+        return FieldType::Real;
+    case ValueKind::Date:
+        return FieldType::Date;
+    case ValueKind::Text:
+        return FieldType::Text;
+    case ValueKind::None:
+        break;
+    }
+    return std::nullopt;
+}
+
 bool isBlank(std::string_view text) {
     std::size_t at = 0;
     while (at < text.size()) {

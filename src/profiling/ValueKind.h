@@ -1,14 +1,16 @@
 #pragma once
 
+#include "base/TypeWords.h"
+
 #include <cstdint>
 #include <optional>
 #include <string_view>
 
-/// What a single text may be read as. docs/definitions.md says the same to users.
+/// The type that a single text can be read as. docs/definitions.md explains it to users.
 namespace tavix::profiling {
 
 enum class ValueKind : std::uint8_t {
-    None, ///< empty or blank: tells nothing
+    None, ///< empty or blank: fits any type
     Boolean,
     Integer,
     Real, ///< a number with a point or an exponent
@@ -19,20 +21,26 @@ enum class ValueKind : std::uint8_t {
 /// The narrowest kind that the text fits.
 [[nodiscard]] ValueKind kindOf(std::string_view text);
 
-/// White space throughout and not empty (the Unicode property White_Space).
+/// The narrowest kind that holds values of both kinds.
+[[nodiscard]] ValueKind joinedKind(ValueKind a, ValueKind b);
+
+/// The type of a field whose values are of this kind; nothing for None.
+[[nodiscard]] std::optional<FieldType> typeOf(ValueKind kind);
+
+/// Not empty, and all characters have the Unicode property White_Space.
 [[nodiscard]] bool isBlank(std::string_view text);
 
 /// The value of a Boolean.
 [[nodiscard]] bool booleanValue(std::string_view text);
-/// The value of an Integer; none when 64 bits do not hold it.
+/// The value of an Integer; none when it does not fit 64 bits.
 [[nodiscard]] std::optional<std::int64_t> integerValue(std::string_view text);
-/// Below zero, zero, above: how two texts of kind Integer of any size compare by value.
+/// Compares two texts of kind Integer of any size by value: below zero, zero, or above.
 [[nodiscard]] int compareIntegers(std::string_view left, std::string_view right);
 /// The value of an Integer or Real.
 [[nodiscard]] double realValue(std::string_view text);
-/// Digits behind the decimal point of an Integer or Real when it is written without an exponent.
+/// The digits after the decimal point of an Integer or Real when it is written without an exponent.
 [[nodiscard]] std::int64_t decimalPlaces(std::string_view text);
-/// The instant of a Date in units of 100 ns since 1970; without an offset it is taken as UTC.
+/// The instant of a Date in units of 100 ns since 1970; UTC when it has no offset.
 [[nodiscard]] std::int64_t dateValue(std::string_view text);
 
 } // namespace tavix::profiling

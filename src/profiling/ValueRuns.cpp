@@ -11,12 +11,12 @@ namespace {
 
 static_assert(std::endian::native == std::endian::little, "prefixOf() turns words around");
 
-/// Merging is cheap up to here; beyond it lists are merged to larger ones first.
+/// So many runs of a level are merged into one of the next level.
 constexpr std::size_t kMostOfALevel = 16;
 constexpr std::size_t kSmallestBuffer = std::size_t{4} << 10;
 constexpr std::size_t kLargestBuffer = std::size_t{256} << 10;
 
-/// Before the text: key, count, size.
+/// The fields before the text of a record.
 struct RecordHead {
     std::uint64_t key = 0;
     std::uint64_t count = 0;
@@ -56,7 +56,7 @@ Status RunOutput::add(const RunRecord& record) {
         if (Status status = flush(); !status)
             return status;
     const std::size_t at = m_buffer.size();
-    m_buffer.resize(at + size); // a value longer than the buffer makes it grow for a moment
+    m_buffer.resize(at + size); // grows for a value longer than the buffer
     std::byte* to = m_buffer.data() + at;
     const auto textSize = static_cast<std::uint32_t>(record.text.size());
     std::memcpy(to, &record.key, 8);
@@ -76,7 +76,7 @@ Result<SortedRun> RunOutput::finish() {
 RunInput::RunInput(const SpillFile& file, const SortedRun& run, std::size_t bufferSize)
     : m_file(file), m_run(&run), m_bufferSize(bufferSize) {}
 
-/// Makes `size` bytes stand behind m_at, or as many as are left.
+/// Makes `size` bytes available at m_at, or as many as are left.
 Status RunInput::need(std::size_t size) {
     if (m_end - m_at >= size)
         return {};
@@ -204,7 +204,7 @@ Result<bool> RunMerge::next() {
     m_isTopUsed = true;
     if (m_order != RunOrder::Text || m_heads.size() == 1)
         return true;
-    // Moving on overwrites the text, so that it is put aside before the next input is looked at.
+    // Advancing overwrites the text, so keep it before looking at the next input.
     m_text.assign(m_record.text.begin(), m_record.text.end());
     m_record.text = {m_text.data(), m_text.size()};
     for (;;) {

@@ -11,10 +11,10 @@
 #include <string_view>
 #include <vector>
 
-/// Sorted lists of counted values in a temporary file, and the merging of them.
+/// Sorted runs of counted values in a temporary file, and merging them (external merge sort).
 namespace tavix::profiling {
 
-/// What one list says: a text with its count, and the key by which lists of another order than the texts' are sorted.
+/// A record of a run: a text with its count, and the key by which runs are sorted when it is not by text.
 struct RunRecord {
     std::uint64_t key = 0;
     std::uint64_t count = 0;
@@ -22,12 +22,12 @@ struct RunRecord {
 };
 
 enum class RunOrder {
-    Text,       ///< by the bytes of the text; equal texts become one, with the sum of their counts
-    Key,        ///< by the key; equal keys in the order of the lists
-    KeyInteger, ///< by the key, then by value as an integer of any size, then in the order of the lists
+    Text,       ///< by the bytes of the text; records of equal texts are merged and their counts added
+    Key,        ///< by the key, then in the order of the runs
+    KeyInteger, ///< by the key, then by value as an integer of any size, then in the order of the runs
 };
 
-/// A sorted list in pieces of the file.
+/// A sorted run in extents of the file.
 class SortedRun {
   public:
     struct Extent {
@@ -36,13 +36,15 @@ class SortedRun {
     };
 
     std::vector<Extent> extents;
-    unsigned level = 0; ///< how often its records were merged already
+    unsigned level = 0; ///< how often its records were merged
 };
 
-/// Writes one list. Records come in its order.
+/// Writes one run. Records must come in its order.
 class RunOutput {
   public:
-    RunOutput(SpillFile& file, std::size_t bufferSize);
+    static constexpr std::size_t kBuffer = std::size_t{64} << 10;
+
+    explicit RunOutput(SpillFile& file, std::size_t bufferSize = kBuffer);
 
     [[nodiscard]] Status add(const RunRecord& record);
     [[nodiscard]] Result<SortedRun> finish();
@@ -56,7 +58,7 @@ class RunOutput {
     SortedRun m_run;
 };
 
-/// Reads one list from its beginning.
+/// Reads one run from its beginning.
 class RunInput {
   public:
     RunInput(const SpillFile& file, const SortedRun& run, std::size_t bufferSize);
@@ -79,7 +81,7 @@ class RunInput {
     RunRecord m_record;
 };
 
-/// The records of several lists as one sorted list.
+/// Merges several runs into one sorted sequence of records.
 class RunMerge {
   public:
     RunMerge(const SpillFile& file, std::span<const SortedRun> runs, RunOrder order, std::size_t memory);
@@ -96,7 +98,7 @@ class RunMerge {
     [[nodiscard]] bool isBefore(const Head& left, const Head& right) const;
     [[nodiscard]] Head headOf(std::uint32_t input) const;
     [[nodiscard]] Status start();
-    /// Moves the first input on and finds the new first.
+    /// Advances the first input and restores the heap.
     [[nodiscard]] Status advance();
     void siftDown(std::size_t at);
 
@@ -106,21 +108,21 @@ class RunMerge {
     bool m_isStarted = false;
     bool m_isTopUsed = false;
     RunRecord m_record;
-    std::vector<char> m_text; ///< of m_record while further inputs are asked for the same text
+    std::vector<char> m_text; ///< the text of m_record while other inputs are read
 };
 
-/// The lists of one column in one order. There are never many: lists of the same size are merged to a larger one.
+/// The runs of one column in one order. There are never many, since runs of one level are merged into a larger one.
 class RunSet {
   public:
     explicit RunSet(RunOrder order) : m_order(order) {}
 
     [[nodiscard]] bool isEmpty() const { return m_runs.empty(); }
-    /// Takes the list that follows the ones before.
+    /// Adds the run that follows the others.
     [[nodiscard]] Status add(SpillFile& file, SortedRun run);
     [[nodiscard]] RunMerge merge(const SpillFile& file, std::size_t memory) const {
         return {file, m_runs, m_order, memory};
     }
-    /// Gives the space back.
+    /// Frees the runs' space in the file.
     void release(SpillFile& file);
 
   private:
@@ -128,7 +130,7 @@ class RunSet {
     std::vector<SortedRun> m_runs;
 };
 
-/// The first eight bytes from `from` on as a number that is ordered as they are; missing ones count as 0.
+/// The eight bytes from `from` on as a number with the same order; missing bytes count as 0.
 [[nodiscard]] inline std::uint64_t prefixOf(std::string_view text, std::size_t from = 0) {
     std::uint64_t word = 0;
     if (text.size() >= from + sizeof word)

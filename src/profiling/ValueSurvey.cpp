@@ -10,23 +10,10 @@ namespace tavix::profiling {
 
 namespace {
 
-/// Integers of fewer characters are within 64 bits.
+/// Integers of at most so many characters fit 64 bits.
 constexpr std::size_t kSurely64 = 18;
 
-bool isNumber(ValueKind kind) {
-    return kind == ValueKind::Integer || kind == ValueKind::Real;
-}
-
-/// The narrowest kind that holds what is of kind `a` and what is of kind `b`.
-ValueKind join(ValueKind a, ValueKind b) {
-    if (a == b || b == ValueKind::None)
-        return a;
-    if (a == ValueKind::None)
-        return b;
-    return isNumber(a) && isNumber(b) ? ValueKind::Real : ValueKind::Text;
-}
-
-/// Bytes less those that continue a character.
+/// The bytes that do not continue a character.
 std::uint64_t codePoints(std::string_view text) {
     constexpr std::uint64_t kLowBits = 0x0101010101010101U;
     std::uint64_t count = text.size();
@@ -69,7 +56,7 @@ void ValueSurvey::take(std::span<const Entry> values) {
 
 void ValueSurvey::takeKind(std::string_view text) {
     const ValueKind kind = kindOf(text);
-    m_kind = join(m_kind, kind);
+    m_kind = joinedKind(m_kind, kind);
     if (kind == ValueKind::Real)
         m_decimalPlaces = std::max(m_decimalPlaces, profiling::decimalPlaces(text));
     else if (kind == ValueKind::Integer && text.size() > kSurely64 && !integerValue(text))

@@ -11,16 +11,16 @@
 
 namespace tavix::profiling {
 
-/// What one walk over the distinct values of a column finds out, in whatever order they come.
+/// The facts that one walk over the distinct values of a column finds in any order: type, lengths, counts and patterns.
 class ValueSurvey {
   public:
     void take(std::span<const Entry> values);
-    /// To be called after the last value.
+    /// Call it after the last value.
     void finish();
 
     [[nodiscard]] ColumnValues& patterns() { return m_patterns; }
     [[nodiscard]] ValueKind kind() const { return m_kind; }
-    /// Of integers: all are within 64 bits.
+    /// Whether all integers fit 64 bits.
     [[nodiscard]] bool fits64() const { return m_fits64; }
     [[nodiscard]] std::uint64_t values() const { return m_values; }
     [[nodiscard]] std::uint64_t rows() const { return m_rows; }
@@ -29,7 +29,7 @@ class ValueSurvey {
     [[nodiscard]] std::uint64_t shortest() const { return m_shortest; } ///< code points
     [[nodiscard]] std::uint64_t longest() const { return m_longest; }
     [[nodiscard]] std::size_t longestBytes() const { return m_longestBytes; }
-    [[nodiscard]] std::int64_t decimalPlaces() const { return m_decimalPlaces; } ///< the most that a real has
+    [[nodiscard]] std::int64_t decimalPlaces() const { return m_decimalPlaces; } ///< the most of any real
 
   private:
     void takeKind(std::string_view text);
@@ -37,7 +37,7 @@ class ValueSurvey {
 
     ColumnValues m_patterns;
     std::string m_pattern;
-    std::string m_lastPattern; ///< counted together, for patterns come in rows
+    std::string m_lastPattern; ///< equal patterns often follow each other and are counted together
     std::uint64_t m_lastCount = 0;
 
     ValueKind m_kind = ValueKind::None;

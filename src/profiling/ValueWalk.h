@@ -2,6 +2,7 @@
 
 #include "base/Result.h"
 #include "profiling/KeyedSort.h"
+#include "profiling/StopSignal.h"
 #include "profiling/ValueRuns.h"
 
 #include <cstddef>
@@ -14,24 +15,42 @@
 
 namespace tavix::profiling {
 
-/// The distinct values of a column in some order, some at a time; as often as needed from the beginning.
+/// The distinct values of a column in some order, in batches, as often as needed from the beginning.
 class ValueWalk {
   public:
     struct Row {
-        std::uint64_t key = 0; ///< see ValueKey.h; of a walk by text of no meaning
+        std::uint64_t key = 0; ///< see ValueKey.h; meaningless in a walk by text
         std::uint64_t count = 0;
     };
 
     virtual ~ValueWalk() = default;
 
     [[nodiscard]] virtual Status rewind() = 0;
-    /// The next rows, none at the end; valid until the next call.
+    /// The next batch, empty at the end; valid until the next call.
     [[nodiscard]] virtual Result<std::span<const Row>> next() = 0;
-    /// Of a row of those that next() gave.
+    /// The text of a row of the last batch.
     [[nodiscard]] virtual std::string_view text(std::size_t row) const = 0;
 };
 
-/// Over values in memory. What it is made from must outlive it.
+/// Calls use(batch), which returns a Status, for every batch from the beginning on. Fails with StopSignal::stopped().
+template <typename Use>
+Status forEachBatch(ValueWalk& walk, StopSignal& stop, Use use) {
+    if (Status status = walk.rewind(); !status)
+        return status;
+    for (;;) {
+        const auto batch = walk.next();
+        if (!batch)
+            return batch.error();
+        if (stop.isStopped())
+            return StopSignal::stopped();
+        if (batch->empty())
+            return {};
+        if (Status status = use(*batch); !status)
+            return status;
+    }
+}
+
+/// Walks values in memory. The arguments must outlive it.
 class EntryWalk final : public ValueWalk {
   public:
     EntryWalk(const EntryList& entries, std::span<const Keyed> order) : m_entries(entries), m_order(order) {}
@@ -49,7 +68,7 @@ class EntryWalk final : public ValueWalk {
     std::vector<Row> m_rows;
 };
 
-/// Over sorted lists in a file.
+/// Walks the merged runs in a file.
 class RunWalk final : public ValueWalk {
   public:
     RunWalk(const RunSet& runs, const SpillFile& file, std::size_t memory)

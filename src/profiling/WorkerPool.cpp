@@ -14,7 +14,8 @@ WorkerPool::WorkerPool(unsigned threads) {
 WorkerPool::~WorkerPool() {
     {
         const std::lock_guard lock(m_mutex);
-        m_next = m_count;
+        if (m_batch)
+            m_batch->cancel();
         m_quits = true;
     }
     m_begun.notify_all();
@@ -22,19 +23,17 @@ WorkerPool::~WorkerPool() {
         helper.join();
 }
 
-void WorkerPool::start(std::size_t count, std::function<void(std::size_t)> task) {
+void WorkerPool::start(std::size_t count, TaskBatch::Task task) {
     {
         const std::lock_guard lock(m_mutex);
-        m_task = std::move(task);
-        m_count = count;
-        m_next = 0;
+        m_batch.emplace(count, std::move(task));
         ++m_generation;
     }
     m_begun.notify_all();
 }
 
-void WorkerPool::finish(const std::function<void()>& poll) {
-    work();
+Status WorkerPool::finish(const std::function<void()>& poll) {
+    m_batch->work();
     std::unique_lock lock(m_mutex);
     while (!m_done.wait_for(lock, kBetweenPolls, [this] { return m_working == 0; })) {
         lock.unlock();
@@ -42,39 +41,27 @@ void WorkerPool::finish(const std::function<void()>& poll) {
             poll();
         lock.lock();
     }
-    // A helper that wakes only now stays out, and so touches nothing that the next start() changes.
-    m_count = 0;
-    if (m_exception)
-        std::rethrow_exception(std::exchange(m_exception, nullptr));
-}
-
-void WorkerPool::work() {
-    for (;;) {
-        const std::size_t i = m_next.fetch_add(1);
-        if (i >= m_count)
-            return;
-        try {
-            m_task(i);
-        } catch (...) {
-            const std::lock_guard lock(m_mutex);
-            if (!m_exception)
-                m_exception = std::current_exception();
-            m_next = m_count;
-        }
-    }
+    // A helper that wakes only now finds no batch.
+    TaskBatch& batch = *m_batch;
+    struct Reset {
+        std::optional<TaskBatch>& batch;
+        ~Reset() { batch.reset(); }
+    } const reset{m_batch};
+    return batch.outcome();
 }
 
 void WorkerPool::help() {
     std::size_t seen = 0;
     std::unique_lock lock(m_mutex);
     for (;;) {
-        m_begun.wait(lock, [&] { return m_quits || (m_count > 0 && m_generation != seen); });
+        m_begun.wait(lock, [&] { return m_quits || (m_batch && m_generation != seen); });
         if (m_quits)
             return;
         seen = m_generation;
+        TaskBatch& batch = *m_batch;
         ++m_working;
         lock.unlock();
-        work();
+        batch.work();
         lock.lock();
         if (--m_working == 0)
             m_done.notify_one();

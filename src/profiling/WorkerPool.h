@@ -1,20 +1,22 @@
 #pragma once
 
-#include <atomic>
+#include "base/Result.h"
+#include "profiling/TaskBatch.h"
+
 #include <condition_variable>
 #include <cstddef>
-#include <exception>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
 namespace tavix::profiling {
 
-/// Threads that do numbered tasks together with the one that made the pool. Only that one calls it.
+/// Threads that run batches of tasks together with the thread that made the pool. Only that thread calls it.
 class WorkerPool {
   public:
-    /// `threads` counts the caller; with 1 nothing is started, and finish() does it all.
+    /// `threads` includes the caller; with 1 no thread is started and finish() runs everything.
     explicit WorkerPool(unsigned threads);
     ~WorkerPool();
     WorkerPool(const WorkerPool&) = delete;
@@ -22,28 +24,24 @@ class WorkerPool {
 
     [[nodiscard]] unsigned threads() const { return static_cast<unsigned>(m_helpers.size()) + 1; }
 
-    /// Lets the helpers begin: task(i) is called once for every i below `count`, by any thread. Between start() and
-    /// finish() the caller may do something else that the tasks do not touch.
-    void start(std::size_t count, std::function<void(std::size_t)> task);
-    /// Takes part, and returns when every task is done. An exception of a task comes out here; the tasks that had not
-    /// begun are then left out. `poll` is called some twenty times a second when there is nothing left but to wait.
-    void finish(const std::function<void()>& poll = {});
+    /// Lets the helpers begin a batch of `count` tasks. Until finish() the caller may do anything that does not touch
+    /// what the tasks use.
+    void start(std::size_t count, TaskBatch::Task task);
+    /// Takes part and returns the outcome of the batch, or rethrows its exception, when no task runs any more. `poll`
+    /// is called about twenty times a second while the caller only waits.
+    [[nodiscard]] Status finish(const std::function<void()>& poll = {});
 
   private:
     void help();
-    void work();
 
     std::vector<std::thread> m_helpers;
     std::mutex m_mutex;
     std::condition_variable m_begun;
     std::condition_variable m_done;
-    std::function<void(std::size_t)> m_task;
-    std::size_t m_count = 0;
-    std::atomic<std::size_t> m_next{0};
-    std::size_t m_working = 0;    ///< helpers
-    std::size_t m_generation = 0; ///< of tasks
+    std::optional<TaskBatch> m_batch;
+    std::size_t m_working = 0;    ///< helpers in the batch
+    std::size_t m_generation = 0; ///< of batches
     bool m_quits = false;
-    std::exception_ptr m_exception;
 };
 
 } // namespace tavix::profiling

@@ -98,9 +98,9 @@ TEST_F(CommandLine, ArgumentsAreHeldToWhatAJobFileTakes) {
     expectFailure(2, profileWith("--threads", "0"), "from 1 to 256");
     expectFailure(2, profileWith("--job", ""), "The job has no name.");
     expectFailure(2, profileWith("--job", " \t"), "The name of the job is blank.");
-    expectFailure(2, profileWith("--job", std::string(2000, 'x')), "has 2000 characters; 1000 are the most");
+    expectFailure(2, profileWith("--job", std::string(2000, 'x')), "has 2000 characters; the limit is 1000");
     expectFailure(2, profileWith("--one-table", ""), "The table has no name.");
-    expectFailure(2, profileWith("--description", std::string(10001, 'x')), "10000 are the most");
+    expectFailure(2, profileWith("--description", std::string(10001, 'x')), "the limit is 10000");
     expectFailure(2, profileWith("--format", "xml"), "\"xml\" is not one of text, json, csv");
     expectFailure(2, {"tables", "--run", "0x1"}, "is not a whole number");
     EXPECT_EQ(runCount(), 1U);

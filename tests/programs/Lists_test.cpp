@@ -141,7 +141,7 @@ TEST_F(Lists, AFilterLetsSomeRowsPassAndTheListSaysSo) {
     EXPECT_THAT(failing.out, HasSubstr("filtered: 2 of 3"));
     const Outcome remarked = run(with("`Value` > 10"));
     EXPECT_EQ(remarked.exitCode, 0);
-    EXPECT_THAT(remarked.err, StartsWith("tavix: the filter: line 1, column 9: this compares texts, among which"));
+    EXPECT_THAT(remarked.err, StartsWith("tavix: the filter: line 1, column 9: this compares texts, where"));
     EXPECT_EQ(run(with("`Value` > '10'")).err, "");
 }
 

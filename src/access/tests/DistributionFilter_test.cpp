@@ -7,7 +7,7 @@
 #include "base/GenException.h"
 #include "base/NumberText.h"
 #include "base/tests/TempFolder.h"
-#include "expression/RowEvaluator.h"
+#include "expression/tests/RowJudge.h"
 #include "repository/RunWriter.h"
 #include "sql/Connection.h"
 
@@ -105,7 +105,7 @@ std::vector<std::string> naive(ProfileCursor& all, int valueColumn, const std::s
     std::vector<std::string> rows;
     if (!compiled.ok())
         return rows;
-    expression::RowEvaluator evaluator(*compiled.program);
+    expression::RowJudge evaluator(*compiled.program);
     while (all.next()) {
         const KvbString value = all.getColumnValue(valueColumn);
         const std::array<expression::Value, 2> row{value.isNull() ? expression::Value()
@@ -270,7 +270,7 @@ TEST(DistributionFilter, RowsThatCannotBeEvaluatedAreTold) {
     EXPECT_GT(cached.getRowCount(), 1000U);
     const char* const kWarning = "The filter could not be evaluated for 2 rows, which are left out. Row 4201: ";
     EXPECT_THAT(cursor->getWarning().str(), ::testing::StartsWith(kWarning));
-    EXPECT_THAT(cursor->getWarning().str(), HasSubstr("beyond 64 bits"));
+    EXPECT_THAT(cursor->getWarning().str(), HasSubstr("exceeds 64 bits"));
     EXPECT_EQ(cached.getWarning(), cursor->getWarning());
 
     // A row that its count rules out is not evaluated, whether its block has other rows or not.

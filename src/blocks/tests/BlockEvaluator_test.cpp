@@ -1,5 +1,5 @@
 #include "blocks/BlockEvaluator.h"
-#include "expression/RowEvaluator.h"
+#include "expression/tests/RowJudge.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ namespace {
 
 using Cell = std::optional<std::string_view>;
 
-/// Rows of texts, in memory that ends with the last byte, so that a sanitizer sees what is read behind it.
+/// Rows of texts, in memory that ends with the last byte, so that a sanitizer detects reads past it.
 class TextBlock {
   public:
     explicit TextBlock(std::vector<Cell> cells) : m_cells(std::move(cells)) {
@@ -39,7 +39,7 @@ class TextBlock {
         const std::vector<Field> fields{{"Value", Type::Text}, {"Count", Type::Integer}};
         const Compiled compiled = compile(text, fields, Wanted::Condition);
         ASSERT_TRUE(compiled.ok()) << describe(compiled.error) << '\n' << text;
-        RowEvaluator one(*compiled.program);
+        RowJudge one(*compiled.program);
         std::vector<std::uint32_t> expected;
         for (std::uint32_t row = 0; row < m_cells.size(); ++row) {
             const std::vector<Value> cells{m_cells[row] ? Value::ofText(*m_cells[row]) : Value{},
@@ -63,7 +63,7 @@ class TextBlock {
 
 using namespace std::string_view_literals;
 
-/// Around the steps in which texts are compared and searched: eight and sixteen bytes, and zeros behind the end.
+/// Texts around the steps of comparing and searching, eight and sixteen bytes, and with zeros after the end.
 const std::vector<Cell> kAscii{"",
                                "k",
                                "k\0"sv,

@@ -1,7 +1,7 @@
 #include "blocks/BlockEvaluator.h"
 #include "blocks/BlockValues.h"
 #include "blocks/tests/CountedMemory.h"
-#include "expression/RowEvaluator.h"
+#include "expression/tests/RowJudge.h"
 
 #include <gtest/gtest.h>
 
@@ -53,7 +53,7 @@ class Rows {
 const std::string kLongOfX = "replace(rpad(`Value`, 65536, `Value`), 'x', '" + std::string(255, 'y') + "')";
 
 TEST(Bounds, WhatIsConstantTakesMemoryByTheLengthOfTheExpression) {
-    const std::string tooLong = "the fixed texts that the expression makes up to here are too long";
+    const std::string tooLong = "the constant texts of the expression are too long from here on";
     const std::string large = "replace(rpad('x',65536,'x'),'x',rpad('x',256))";
     for (const std::string& text : {"`Value` == " + large, "inlist(`Value`" + repeated("," + large, 100) + ")",
                                     "inlist(`Value`" + repeated(",rpad('x',65536)", 60'000) + ")"}) {
@@ -103,7 +103,7 @@ TEST(Bounds, ARowIsAnsweredAmongOthersAsAlone) {
     BlockEvaluator evaluator(compiled(text));
     const CountedMemory memory;
     EXPECT_EQ(evaluator.passing(rows.block()).size(), 300U);
-    EXPECT_EQ(evaluator.failures(), 0U);
+    EXPECT_EQ(evaluator.failures().count, 0U);
     EXPECT_LT(memory.peak(), 128 * kMegabyte);
 }
 
@@ -115,12 +115,12 @@ TEST(Bounds, OnlyTheRowThatMakesTooMuchFails) {
         const Rows rows(isAlone ? std::vector<std::string>{"x"} : values);
         BlockEvaluator evaluator(program);
         EXPECT_EQ(evaluator.passing(rows.block()).size(), isAlone ? 0U : 39U);
-        EXPECT_EQ(evaluator.failures(), 1U);
-        EXPECT_EQ(evaluator.firstFailedRow(), isAlone ? 0U : 17U);
-        EXPECT_EQ(evaluator.firstFailure(), "the texts that are made take too much memory");
+        EXPECT_EQ(evaluator.failures().count, 1U);
+        EXPECT_EQ(evaluator.failures().firstRow, isAlone ? 0U : 17U);
+        EXPECT_EQ(evaluator.failures().reason, "the texts of a row take too much memory");
     }
     const std::vector<Value> row{Value::ofText("x"), Value::ofInteger(1)};
-    EXPECT_EQ(RowEvaluator(program).judge(row), Verdict::Error);
+    EXPECT_EQ(RowJudge(program).judge(row), Verdict::Error);
 }
 
 TEST(Bounds, ValuesOfLongTextsComeInPieces) {

@@ -17,7 +17,7 @@ TEST(Corpus, EachTextGivesTheSameByRowAndByBlock) {
         const std::string text{std::istreambuf_iterator<char>(file), {}};
         SCOPED_TRACE(entry.path().filename().string());
         fuzzExpression(text);
-        // What is cut off in the middle is as good a seed as the whole.
+        // A text that is cut off in the middle is as good a seed as the whole.
         for (std::size_t size = 0; size < text.size(); size += 1 + text.size() / 64)
             fuzzExpression(std::string_view(text).substr(0, size));
         ++files;

@@ -2,10 +2,10 @@
 
 #include <cstddef>
 
-/// What the test program takes from the heap, all of it through the operators new of CountedMemory.cpp.
+/// Counts the heap memory of the test program, all of which comes from the operators new of CountedMemory.cpp.
 namespace tavix::expression::testing {
 
-/// Counts while it lives; beyond `most` bytes, operator new throws as when there is no more memory.
+/// Counts during its lifetime. Above `most` bytes operator new throws, as when memory is exhausted.
 class CountedMemory {
   public:
     explicit CountedMemory(std::size_t most = static_cast<std::size_t>(-1));

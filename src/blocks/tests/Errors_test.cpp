@@ -1,6 +1,6 @@
 #include "blocks/BlockEvaluator.h"
 #include "expression/Program.h"
-#include "expression/RowEvaluator.h"
+#include "expression/tests/RowJudge.h"
 
 #include <gtest/gtest.h>
 
@@ -27,8 +27,8 @@ TEST(Errors, SayWhereAndWhy) {
         {" /* nothing */ ", "line 1, column 1: the expression is empty"},
         {"`Vlaue` == 'a'", "line 1, column 1: there is no field `Vlaue` (did you mean \"Value\"?)"},
         {"'é' == `xyz`", "line 1, column 8: there is no field `xyz`"},
-        {"Vlaue == 'a'", "line 1, column 1: there is no field Vlaue (did you mean \"Value\"?); texts stand in quotes"},
-        {"if true then\r\n   return Tru\r\n", "line 2, column 11: there is no field Tru; texts stand in quotes"},
+        {"Vlaue == 'a'", "line 1, column 1: there is no field Vlaue (did you mean \"Value\"?); put texts in quotes"},
+        {"if true then\r\n   return Tru\r\n", "line 2, column 11: there is no field Tru; put texts in quotes"},
         {"`Value` == \"a", "line 1, column 12: the text that begins here is not closed by a double quote"},
         {"`Count` > 1 and 'a' == \"value\"",
          "line 1, column 24: \"value\" may be the field or a text here; write `value` or 'value'"},
@@ -40,7 +40,7 @@ TEST(Errors, SayWhereAndWhy) {
          "backslash; write concat('...', char(92))"},
         {"`Value` == 'a\\' or `Value` == 'b'",
          "line 1, column 32: expected the end of the expression, found the word \"b\" (the text in line 1, column 12 "
-         "goes on behind its \\'; a text cannot end in a backslash, write concat('...', char(92)))"},
+         "continues after its \\'; a text cannot end in a backslash, write concat('...', char(92)))"},
         {"`Count` > 10abc", "line 1, column 11: 10abc is not a number"},
         {"`Count` > 1.2.3", "line 1, column 11: 1.2.3 is not a number"},
         {"`Count` > 1e999", "line 1, column 11: the number 1e999 is out of range"},
@@ -61,19 +61,19 @@ TEST(Errors, SayWhereAndWhy) {
         {"isnull()", "line 1, column 1: isnull takes 1 argument, not 0"},
         {"compare('a')", "line 1, column 1: compare takes 2 to 3 arguments, not 1"},
         {"inlist(`Value`)", "line 1, column 1: inlist takes at least 2 arguments, not 1"},
-        {"year(true) == 1", "line 1, column 6: date is wanted here, and this is of type boolean"},
+        {"year(true) == 1", "line 1, column 6: date is needed here, but this is of type boolean"},
         {"true < false", "line 1, column 6: true and false have no order; compare them with == or !="},
         {"true == 1", "line 1, column 6: boolean cannot be compared with integer"},
         {"`When` == 'soon'",
-         "line 1, column 11: 'soon' is no date; dates are written '2026-11-21' or '2026-11-21 08:15:00'"},
-        {"`Count`", "line 1, column 1: a condition is wanted here, and this is of type integer"},
+         "line 1, column 11: 'soon' is not a date; write dates as '2026-11-21' or '2026-11-21 08:15:00'"},
+        {"`Count`", "line 1, column 1: a condition is needed here, but this is of type integer"},
         {"if true then return 1 else return false",
-         "line 1, column 21: a condition is wanted here, and this is of type integer"},
+         "line 1, column 21: a condition is needed here, but this is of type integer"},
         {"matches(`Value`, '(')", "line 1, column 18: this is not a regular expression: missing ): ("},
         {"matches(`Value`, `Value`)", "line 1, column 18: matches wants a fixed text here"},
-        {"`Value` == '\xFF'", "line 1, column 13: a byte here belongs to no character of UTF-8"},
-        {"`Value` \x01", "line 1, column 9: a control character cannot stand here"},
-        {"`Value` # 1", "line 1, column 9: the character # cannot stand here"},
+        {"`Value` == '\xFF'", "line 1, column 13: this byte is not UTF-8"},
+        {"`Value` \x01", "line 1, column 9: a control character is not allowed here"},
+        {"`Value` # 1", "line 1, column 9: the character # is not allowed here"},
     };
     for (const Case& one : cases)
         EXPECT_EQ(errorOf(one.text), one.error) << one.text;
@@ -93,22 +93,21 @@ TEST(Errors, WordsOfOtherLanguagesAreAnsweredWithThoseOfThisOne) {
         {"case when 1 == 1 then 2", "column 6: expected the end of the expression, found the word \"when\"; write if "
                                     "condition then return a else return b"},
         {"if(`Count` > 1, true, false)",
-         "column 15: if is no function; write if condition then return a else return b"},
+         "column 15: if is not a function; write if condition then return a else return b"},
         {"1 + if(true, 1, 2) > 1",
          "column 5: expected a value, found the word \"if\"; write if condition then return a "
          "else return b"},
-        {"count(*) > 1", "column 1: there is no function count; counts, sums and averages of rows are figures of a "
+        {"count(*) > 1", "column 1: there is no function count; for counts, sums and averages of rows use a "
                          "custom metric (count:, sum:, average:)"},
-        {"`When` < Today()", "column 10: there is no function Today; there is no word for today; write the date, as in "
+        {"`When` < Today()", "column 10: there is no function Today; write the date itself, as in "
                              "'2026-11-21'"},
-        {"`When` < today", "column 10: there is no field today; there is no word for today; write the date, as in "
+        {"`When` < today", "column 10: there is no field today; write the date itself, as in "
                            "'2026-11-21'"},
         {"`Count` => 1", "column 9: \"greater than or equal\" is written >="},
-        {"`Count` > 1 -- only these",
-         "column 21: expected the end of the expression, found the word \"these\"; comments "
-         "stand between /* and */"},
-        {"`Count` > 1 -- only", "column 16: there is no field only; comments stand between /* and */"},
-        {"`Value` == ’a’", "column 12: the character ’ cannot stand here; texts stand between plain quotes, as in 'a' "
+        {"`Count` > 1 -- only these", "column 21: expected the end of the expression, found the word \"these\"; write "
+                                      "comments between /* and */"},
+        {"`Count` > 1 -- only", "column 16: there is no field only; write comments between /* and */"},
+        {"`Value` == ’a’", "column 12: the character ’ is not allowed here; put texts in plain quotes, as in 'a' "
                            "or \"a\""},
         {"`Count` > 1 ? true", "column 13: write if condition then return a else return b"},
         {"Nosuch(1)", "column 1: there is no function Nosuch"},
@@ -143,7 +142,7 @@ TEST(Errors, FieldsAndTextsMayStandAsAShellLeavesThem) {
     EXPECT_TRUE(compile("left(left, 1) = 'a'", odd, Wanted::Condition).ok());
     EXPECT_FALSE(compile("true = 'a'", odd, Wanted::Condition).ok() &&
                  compile("true = 'a'", odd, Wanted::Condition).program->uses(1))
-        << "a word of the language is no field";
+        << "a word of the language is not a field";
 }
 
 std::string remarkOn(std::string_view text, Wanted wanted = Wanted::Condition) {
@@ -154,22 +153,21 @@ std::string remarkOn(std::string_view text, Wanted wanted = Wanted::Condition) {
 
 TEST(Errors, PlacesWhereTypesMeetAreRemarkedOn) {
     const Case cases[] = {
-        {"true and 10 < `Value`", "column 13: this compares texts, among which '9' stands behind '10'; to compare "
+        {"true and 10 < `Value`", "column 13: this compares texts, where '9' comes after '10'; to compare "
                                   "numbers write tonumber(`Value`)"},
-        {"left(`Value`, 2) >= `Count`",
-         "column 18: this compares texts, among which '9' stands behind '10'; to compare "
-         "numbers write tonumber(...)"},
+        {"left(`Value`, 2) >= `Count`", "column 18: this compares texts, where '9' comes after '10'; to compare "
+                                        "numbers write tonumber(...)"},
         {"round(`Value`) == `Value`",
-         "column 16: this compares texts, among which '5.0' is not '5'; to compare numbers "
+         "column 16: this compares texts, where '5.0' differs from '5'; to compare numbers "
          "write tonumber(`Value`)"},
-        {"`Value` == 10", "column 9: this compares texts, among which '5.0' is not '5'; to compare numbers write "
+        {"`Value` == 10", "column 9: this compares texts, where '5.0' differs from '5'; to compare numbers write "
                           "tonumber(`Value`)"},
         {"`Count` > '9'", "column 9: the text '9' is read as a number here; write it without quotes"},
         {"`Count` == 'many'", "column 9: this compares texts, since 'many' is not a number"},
         {"inlist(`Count`, 1, 'many')", "column 1: this compares texts, since 'many' is not a number"},
-        {"inlist(`Value`, 1, 2)", "column 1: this compares texts, among which '5.0' is not '5'; to compare numbers "
+        {"inlist(`Value`, 1, 2)", "column 1: this compares texts, where '5.0' differs from '5'; to compare numbers "
                                   "write tonumber(`Value`)"},
-        {"max(`Value`, 5) == 'a'", "column 1: this compares texts, among which '9' stands behind '10'; to compare "
+        {"max(`Value`, 5) == 'a'", "column 1: this compares texts, where '9' comes after '10'; to compare "
                                    "numbers write tonumber(`Value`)"},
         {"`Value` != null", "column 9: a comparison with null is never true; write not isnull(`Value`)"},
         {"null == left(`Value`, 1)", "column 6: a comparison with null is never true; write isnull(...)"},
@@ -188,7 +186,7 @@ TEST(Errors, ValuesOfSeveralTypesHaveNoCommonOne) {
     EXPECT_EQ(errorOf("if true then return 1 else return false", Wanted::Value),
               "line 1, column 35: one result is of type integer and this of type boolean");
     EXPECT_EQ(errorOf("coalesce(1, true)", Wanted::Value),
-              "line 1, column 13: coalesce cannot put boolean beside integer");
+              "line 1, column 13: coalesce cannot combine boolean with integer");
     const Field twins[] = {{"id", Type::Text}, {"ID", Type::Text}, {"a`b", Type::Text}};
     EXPECT_TRUE(compile("`ID` == `id` and `A``B` == ''", twins, Wanted::Condition).ok());
     EXPECT_EQ(compile("`Id` == ''", twins, Wanted::Condition).error.message,
@@ -214,9 +212,9 @@ TEST(Errors, DeepAndLongTextsAreRefusedInBoundedTime) {
     EXPECT_EQ(message(repeated("if true then ", kMany / 2)), tooDeep);
     EXPECT_EQ(message("1" + repeated("+1", kMany) + " == 1"), "more than 1000 values are joined by + - * / %");
     EXPECT_EQ(message("1" + repeated("*(1", kMany)), tooDeep);
-    EXPECT_EQ(message(repeated("(1*2+", 150) + "1" + repeated(")", 150)), "a condition is wanted here, and this is of "
+    EXPECT_EQ(message(repeated("(1*2+", 150) + "1" + repeated(")", 150)), "a condition is needed here, but this is of "
                                                                           "type integer");
-    // What is long and not deep is fine.
+    // Long expressions that are not deep are fine.
     EXPECT_EQ(message("1" + repeated("+`Count`", 900) + " == 1"), "");
     EXPECT_EQ(message(repeated("not ", kMany) + "true"), "");
     EXPECT_EQ(message("true" + repeated(" and true", kMany)), "");
@@ -233,7 +231,7 @@ TEST(Errors, WildcardsThatBlowUpDoNot) {
                                        "*" + repeated("?a", 500) + "b*", "*" + repeated("?a", 500) + "?b*"}) {
         const Compiled compiled = compile("match_string(`Value`, '" + pattern + "')", kFields, Wanted::Condition);
         ASSERT_TRUE(compiled.ok());
-        EXPECT_NE(RowEvaluator(*compiled.program).judge(row), Verdict::Passes) << pattern;
+        EXPECT_NE(RowJudge(*compiled.program).judge(row), Verdict::Passes) << pattern;
     }
 }
 
@@ -245,9 +243,9 @@ TEST(Errors, RowsOfABlockThatFailAreCountedAndLeftOut) {
     const BlockColumn columns[] = {{}, {{}, {}, counts, {}}, {}};
     const auto passing = evaluator.passing({counts.size(), columns});
     EXPECT_EQ(std::vector<std::uint32_t>(passing.begin(), passing.end()), (std::vector<std::uint32_t>{0, 2}));
-    EXPECT_EQ(evaluator.failures(), 2U);
-    EXPECT_EQ(evaluator.firstFailedRow(), 1U);
-    EXPECT_EQ(evaluator.firstFailure(), "an integer grows beyond 64 bits");
+    EXPECT_EQ(evaluator.failures().count, 2U);
+    EXPECT_EQ(evaluator.failures().firstRow, 1U);
+    EXPECT_EQ(evaluator.failures().reason, "an integer exceeds 64 bits");
 }
 
 TEST(Errors, AnyTokensGiveAProgramOrAnError) {

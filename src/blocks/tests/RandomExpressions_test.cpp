@@ -3,6 +3,7 @@
 #include "blocks/tests/Reference.h"
 #include "expression/Conversion.h"
 #include "expression/RowEvaluator.h"
+#include "expression/tests/RowJudge.h"
 
 #include <gtest/gtest.h>
 
@@ -80,7 +81,7 @@ TEST(RandomExpressions, BothEvaluatorsSayWhatTheObviousOneSays) {
         const reference::Expression expression = generator.program(1 + i % 4);
         const Compiled compiled = compile(expression.text, kFields, Wanted::Condition);
         ASSERT_TRUE(compiled.ok()) << describe(compiled.error) << "\n" << expression.text;
-        RowEvaluator rowEvaluator(*compiled.program);
+        RowJudge rowEvaluator(*compiled.program);
         BlockEvaluator blockEvaluator(*compiled.program);
         const IntegerRange range = compiled.program->passingRange(2);
         for (const Rows& rows : {std::cref(blocks[generator.below(blocks.size())]), std::cref(blocks[0])}) {

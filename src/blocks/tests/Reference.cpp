@@ -3,8 +3,6 @@
 #include "base/Characters.h"
 #include "base/NumberText.h"
 
-#include <unicode/uchar.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -14,215 +12,12 @@ namespace tavix::expression::reference {
 
 namespace {
 
-constexpr char32_t kBytes = 0x110000;
-
-bool isNull(const Value& value) {
-    return value.index() == 0;
-}
-const Text& textOf(const Value& value) {
-    return std::get<Text>(value);
-}
-std::int64_t integerOf(const Value& value) {
-    return std::get<std::int64_t>(value);
-}
-
-Value toText(const Value& value) {
-    if (const auto* integer = std::get_if<std::int64_t>(&value))
-        return decode(std::to_string(*integer));
-    if (const auto* real = std::get_if<double>(&value))
-        return decode(formatReal(*real));
-    if (const auto* boolean = std::get_if<bool>(&value))
-        return decode(*boolean ? "true" : "false");
-    return value;
-}
-
-double toReal(const Value& value) {
-    const auto* integer = std::get_if<std::int64_t>(&value);
-    return integer ? static_cast<double>(*integer) : std::get<double>(value);
-}
-
-template <typename T>
-int order(const T& left, const T& right) {
-    return left < right ? -1 : right < left ? 1 : 0;
-}
-
-/// By code point; where there are bytes of no character, by byte.
-template <>
-int order<Text>(const Text& left, const Text& right) {
-    const auto isBad = [](char32_t c) { return c >= kBytes; };
-    if (std::ranges::any_of(left, isBad) || std::ranges::any_of(right, isBad))
-        return order(encode(left), encode(right));
-    return left.compare(right);
-}
-
-int compareAny(const Value& left, const Value& right) {
-    if (std::holds_alternative<Text>(left) || std::holds_alternative<Text>(right))
-        return order(textOf(toText(left)), textOf(toText(right)));
-    if (std::holds_alternative<bool>(left))
-        return order(std::get<bool>(left), std::get<bool>(right));
-    if (std::holds_alternative<std::int64_t>(left) && std::holds_alternative<std::int64_t>(right))
-        return order(integerOf(left), integerOf(right));
-    return order(toReal(left), toReal(right));
-}
-
 /// Whether the expression is the same in all rows: it names no field.
 bool isFixed(const Expression& expression) {
     return expression.text.find('`') == std::string::npos;
 }
 
-/// A number beside a fixed text that is one is compared as a number.
-Value asNumber(const Value& value) {
-    const std::string text = encode(textOf(value));
-    if (const auto integer = parseInteger(text))
-        return *integer;
-    const auto real = parseNumber(text);
-    return real ? Value(*real) : value;
-}
-
-/// In a list: true when one equals, else null when one is null.
-Value isAmong(const std::vector<Value>& values) {
-    if (isNull(values.front()))
-        return {};
-    const auto equals = [&](const Value& one) { return !isNull(one) && compareAny(values.front(), one) == 0; };
-    if (std::any_of(values.begin() + 1, values.end(), equals))
-        return true;
-    return std::any_of(values.begin() + 1, values.end(), isNull) ? Value() : Value(false);
-}
-
-/// To one decimal place, as the number is written.
-double roundedToOnePlace(double value) {
-    const std::string text = formatReal(value);
-    const std::size_t point = text.find('.');
-    if (point == std::string::npos || text.find_first_of("eE") != std::string::npos || text.size() < point + 3)
-        return value;
-    const double cut = *parseNumber(text.substr(0, point + 2));
-    if (text[point + 2] < '5')
-        return cut;
-    return std::round(cut * 10 + (value < 0 ? -1 : 1)) / 10;
-}
-
-template <typename Map>
-Text mapEach(Text text, Map map) {
-    for (char32_t& c : text)
-        c = c >= kBytes ? c : static_cast<char32_t>(map(static_cast<UChar32>(c)));
-    return text;
-}
-Text lower(const Text& text) {
-    return mapEach(text, [](UChar32 c) { return u_tolower(c); });
-}
-Text upper(const Text& text) {
-    return mapEach(text, [](UChar32 c) { return u_toupper(c); });
-}
-
-bool isSpace(char32_t c) {
-    return c < kBytes && u_isUWhiteSpace(static_cast<UChar32>(c));
-}
-Text trimmed(Text text, bool left, bool right) {
-    while (left && !text.empty() && isSpace(text.front()))
-        text.erase(0, 1);
-    while (right && !text.empty() && isSpace(text.back()))
-        text.pop_back();
-    return text;
-}
-
-Text substring(const Text& text, std::int64_t first, std::int64_t count) {
-    Text out;
-    for (std::int64_t i = 0; i < static_cast<std::int64_t>(text.size()); ++i) {
-        if (i + 1 >= first && i + 1 < first + count)
-            out += text[static_cast<std::size_t>(i)];
-    }
-    return out;
-}
-
-Text replaced(const Text& text, const Text& from, const Text& to) {
-    if (from.empty())
-        return text;
-    Text out;
-    for (std::size_t i = 0; i < text.size();) {
-        if (text.compare(i, from.size(), from) == 0) {
-            out += to;
-            i += from.size();
-        } else {
-            out += text[i++];
-        }
-    }
-    return out;
-}
-
-/// Whether the text fits, by way of all beginnings of the text against all beginnings of the pattern.
-bool fits(const Text& text, const Text& pattern) {
-    std::vector<bool> before(text.size() + 1); // which beginnings of the text fit the pattern so far
-    before[0] = true;
-    for (const char32_t sign : pattern) {
-        std::vector<bool> now(text.size() + 1);
-        now[0] = sign == U'*' && before[0];
-        for (std::size_t t = 0; t < text.size(); ++t)
-            now[t + 1] = sign == U'*' ? now[t] || before[t + 1] : (sign == U'?' || sign == text[t]) && before[t];
-        before = now;
-    }
-    return before[text.size()];
-}
-
-bool isControl(char32_t c) {
-    return c < 0x20 || (c >= 0x7F && c <= 0x9F);
-}
-
-/// sign? (digits [. digits*] | . digits) (e sign? digits)?
-bool isNumber(const Text& text) {
-    std::size_t i = 0;
-    const auto digits = [&] {
-        std::size_t count = 0;
-        for (; i < text.size() && text[i] >= U'0' && text[i] <= U'9'; ++i)
-            ++count;
-        return count;
-    };
-    const auto sign = [&] { i += i < text.size() && (text[i] == U'-' || text[i] == U'+') ? 1 : 0; };
-    sign();
-    std::size_t count = digits();
-    if (i < text.size() && text[i] == U'.') {
-        ++i;
-        count += digits();
-    }
-    if (count == 0)
-        return false;
-    if (i < text.size() && (text[i] == U'e' || text[i] == U'E')) {
-        ++i;
-        sign();
-        if (digits() == 0)
-            return false;
-    }
-    return i == text.size();
-}
-
-std::optional<bool> truth(const Value& value) {
-    return isNull(value) ? std::nullopt : std::optional(std::get<bool>(value));
-}
-Value fromTruth(std::optional<bool> truth) {
-    return truth ? Value(*truth) : Value();
-}
-
 } // namespace
-
-Text decode(std::string_view utf8) {
-    Text out;
-    for (std::size_t at = 0; at < utf8.size();) {
-        const auto byte = static_cast<unsigned char>(utf8[at]);
-        const std::int32_t character = nextCharacter(utf8, at);
-        out += character < 0 ? kBytes + byte : static_cast<char32_t>(character);
-    }
-    return out;
-}
-
-std::string encode(const Text& text) {
-    std::string out;
-    for (const char32_t c : text) {
-        if (c >= kBytes)
-            out += static_cast<char>(c - kBytes);
-        else
-            appendCharacter(out, static_cast<std::int32_t>(c));
-    }
-    return out;
-}
 
 std::string Generator::rowText(bool onlyAscii) {
     static const std::array<std::string, 16> kAscii{"a", "A", "b", "B", "k", "1", "5", "9",
@@ -327,7 +122,7 @@ Expression Generator::text(int depth) {
     }
     case 11:
         return call("max", {inner, part(depth)},
-                    [](const auto& v) { return order(textOf(v[0]), textOf(v[1])) < 0 ? v[1] : v[0]; });
+                    [](const auto& v) { return compareTexts(textOf(v[0]), textOf(v[1])) < 0 ? v[1] : v[0]; });
     case 12:
         return call("nullif", {inner, part(depth)},
                     [](const auto& v) { return textOf(v[0]) == textOf(v[1]) ? Value() : v[0]; });
@@ -373,7 +168,7 @@ Expression Generator::integer(int depth) {
             {text(depth - 1), part(depth), {ignoresCase ? "true" : "FALSE", [](const Row&) { return Value(true); }}},
             [ignoresCase](const auto& v) {
                 const auto fold = [&](const Text& text) { return ignoresCase ? lower(text) : text; };
-                const int o = order(fold(textOf(v[0])), fold(textOf(v[1])));
+                const int o = compareTexts(fold(textOf(v[0])), fold(textOf(v[1])));
                 return Value(std::int64_t{o < 0 ? -1 : o > 0 ? 1 : 0});
             });
     }
@@ -554,7 +349,7 @@ Expression Generator::condition(int depth) {
         std::string pattern;
         for (std::size_t i = below(6); i > 0; --i)
             pattern += below(2) == 0 ? std::string(1, "*?"[below(2)]) : rowText(below(2) == 0).substr(0, 1);
-        // What is cut in the middle of a character is no text of the language.
+        // A pattern that is cut within a character is not a text of the language.
         if (std::ranges::any_of(decode(pattern), [](char32_t c) { return c >= kBytes; }))
             pattern = "*é?";
         return call("match_string", {text(depth - 1), below(4) > 0 ? quoted(pattern) : part(depth)},

@@ -1,26 +1,22 @@
 #pragma once
 
+#include "blocks/tests/ReferenceValues.h"
+
 #include <cstdint>
 #include <functional>
 #include <random>
 #include <string>
-#include <string_view>
-#include <variant>
 #include <vector>
 
-/// The language once more, as slow and obvious as it can be: texts are lists of code points, an expression is its text
-/// beside a function that says what it means. Made together from the same random choices, they check the real thing.
+/// A reference implementation of the language, as slow and obvious as possible. An expression is its text together with
+/// a function that computes its value; both are made from the same random choices.
 namespace tavix::expression::reference {
-
-using Text = std::u32string;
-/// Null, boolean, integer, real or text.
-using Value = std::variant<std::monostate, bool, std::int64_t, double, Text>;
 
 struct Row {
     Value value; ///< `Value`, text
     Value other; ///< `Other`, text
     Value count; ///< `Count`, integer, never null
-    /// Set when an operation has no result that a program could give; the row is then not compared.
+    /// Set when an operation has no result in a program; the row is then not compared.
     mutable bool hasFailed = false;
 };
 
@@ -28,10 +24,6 @@ struct Expression {
     std::string text;
     std::function<Value(const Row&)> meaning;
 };
-
-/// Bytes of no character become code points beyond all characters, and back.
-Text decode(std::string_view utf8);
-std::string encode(const Text& text);
 
 class Generator {
   public:
@@ -44,7 +36,7 @@ class Generator {
     Expression integer(int depth);
     Expression real(int depth);
 
-    /// A text as rows have them: short, with digits, blanks, signs and, unless `onlyAscii`, letters of all kinds.
+    /// A short text as in rows, with digits, blanks, signs and, unless `onlyAscii`, letters of all kinds.
     std::string rowText(bool onlyAscii);
     std::size_t below(std::size_t bound) { return std::uniform_int_distribution<std::size_t>(0, bound - 1)(m_random); }
 

@@ -1,5 +1,6 @@
 #include "expression/RowEvaluator.h"
 #include "expression/TextOperators.h"
+#include "expression/tests/RowJudge.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -69,7 +70,7 @@ TEST(Evaluation, OperatorsBindAsWritten) {
                   {"'x' + 1", "null"},
                   {"1e3", "1000 real"},
                   {".5", "0.5 real"},
-                  {"9223372036854775807 + `Count`", "an integer grows beyond 64 bits"},
+                  {"9223372036854775807 + `Count`", "an integer exceeds 64 bits"},
                   {"-9223372036854775808", "-9223372036854775808"},
                   {"9223372036854775808", "9.223372036854776e+18 real"},
                   {"not true or true", "true"},
@@ -133,21 +134,22 @@ TEST(Evaluation, TypesMeetByFixedRules) {
          {"compare(`When`, '2024-02-29T23:59:58Z') == 0", "true"},
          {"compare('2024-03-01', `When`)", "1"},
          {"compare(`When`, '2024-03-01T00:59:58+01:00', true) == 0", "true"},
-         {"totext(min(`When`, '2024-2-29', '2024-02-28'))", "line 1, column 20: '2024-2-29' is no date; dates "
-                                                            "are written '2026-11-21' or '2026-11-21 "
-                                                            "08:15:00'"},
+         {"totext(min(`When`, '2024-2-29', '2024-02-28'))",
+          "line 1, column 20: '2024-2-29' is not a date; write dates as "
+          "'2026-11-21' or '2026-11-21 "
+          "08:15:00'"},
          {"totext(max('2024-02-28', `When`, '2024-03-01T00:00'))", "'2024-03-01'"},
          {"nullif(`When`, '2024-02-29T23:59:58Z')", "null"},
          {"nullif(`When`, `Value`)", "null"},
          {"year(coalesce(nullif(`When`, '2024-02-29T23:59:58Z'), '1999-01-01'))", "1999"},
-         {"coalesce(`When`, 'none')", "line 1, column 18: 'none' is no date; dates are written '2026-11-21' "
+         {"coalesce(`When`, 'none')", "line 1, column 18: 'none' is not a date; write dates as '2026-11-21' "
                                       "or '2026-11-21 08:15:00'; totext(...) makes texts of dates"},
          {"coalesce(totext(`When`), 'none')", "'2024-02-29 23:59:58'"},
          {"year(if(1 == 1) then return '2001-01-01' else return `When`)", "line 1, column 6: expected a value, "
                                                                           "found the word \"if\"; write if "
                                                                           "condition then return a else "
                                                                           "return b"},
-         {"coalesce(1, `When`)", "line 1, column 13: coalesce cannot put date beside integer"},
+         {"coalesce(1, `When`)", "line 1, column 13: coalesce cannot combine date with integer"},
          {"totext(`When`)", "'2024-02-29 23:59:58'"},
          {"coalesce(`Rate`, `Count`)", "2.5 real"},
          {"coalesce(`Count`, 'none')", "'12'"},
@@ -235,10 +237,10 @@ TEST(Evaluation, NumbersAndDates) {
                   {"round(4503599627370497.5)", "4503599627370498 real"},
                   {"round(15, -1)", "20 real"},
                   {"round(1e300, 2)", "1e+300 real"},
-                  {"tointeger(1e30)", "an integer grows beyond 64 bits"},
-                  {"tointeger('9223372036854775808')", "an integer grows beyond 64 bits"},
+                  {"tointeger(1e30)", "an integer exceeds 64 bits"},
+                  {"tointeger('9223372036854775808')", "an integer exceeds 64 bits"},
                   {"tointeger(-9223372036854775808.0)", "-9223372036854775808"},
-                  {"left('abc', 1e30)", "an integer grows beyond 64 bits"},
+                  {"left('abc', 1e30)", "an integer exceeds 64 bits"},
                   {"nullif(1, 1)", "null"},
                   {"year(`When`) * 10000 + month(`When`) * 100 + day(`When`)", "20240229"},
                   {"hour(`When`) * 10000 + minute(`When`) * 100 + second(`When`)", "235958"},
@@ -260,7 +262,7 @@ TEST(Evaluation, TheConditionsOfTheFilterDialogAreUnderstood) {
         std::vector<Value> row = kRow;
         row[0] = value;
         row[1] = Value::ofInteger(count);
-        return std::string(RowEvaluator(*compiled.program).judge(row) == Verdict::Passes ? "passes" : "fails");
+        return std::string(RowJudge(*compiled.program).judge(row) == Verdict::Passes ? "passes" : "fails");
     };
     struct {
         const char* condition;
@@ -300,7 +302,7 @@ TEST(Evaluation, TheConditionsOfTheFilterDialogAreUnderstood) {
 TEST(Evaluation, CellsThatDoNotFitTheirFieldAreReported) {
     std::vector<Value> row = kRow;
     row[1] = Value::ofText("many");
-    EXPECT_EQ(evaluated("`Count` > 1", row), "the field `Count` holds \"many\", which is no integer");
+    EXPECT_EQ(evaluated("`Count` > 1", row), "the field `Count` holds \"many\", which is not of type integer");
     row[1] = Value::ofText(" ");
     EXPECT_EQ(evaluated("`Count` > 1", row), "null");
     row[2] = Value::ofDate(INT64_MIN);
@@ -311,10 +313,10 @@ TEST(Evaluation, TextsThatGrowWithoutEndAreReported) {
     std::string text = "`Value`";
     for (int i = 0; i < 40; ++i)
         text = "replace(" + text + ", 'c', 'cccccccccc')";
-    EXPECT_EQ(evaluated(text, kRow), "a text would grow too long");
-    EXPECT_EQ(evaluated("lpad(`Value`, 9223372036854775807)", kRow), "a text would grow too long");
+    EXPECT_EQ(evaluated(text, kRow), "a text would become too long");
+    EXPECT_EQ(evaluated("lpad(`Value`, 9223372036854775807)", kRow), "a text would become too long");
     EXPECT_EQ(evaluated("length(rpad('a', 65537))", kRow), "65537");
-    EXPECT_EQ(evaluated("length(rpad('a', 65538))", kRow), "a text would grow too long");
+    EXPECT_EQ(evaluated("length(rpad('a', 65538))", kRow), "a text would become too long");
 }
 
 } // namespace

@@ -156,7 +156,7 @@ TEST(ConditionBlock, NumbersAreTheLeadingDigits) {
 TEST(ConditionBlock, AFaultKeepsWhatStandsBeforeIt) {
     const std::string two = record("\"a\"") + record("\"b\"", "5");
     const std::string code = "return false return true";
-    // Cut anywhere, the records that are whole stay, and the action is found behind the block.
+    // Wherever the text is cut, complete records are kept and the action is found after the block.
     for (std::size_t length = 0; length <= two.size(); ++length) {
         const ParsedFilter parsed = ParseConditionBlock(kBegin + two.substr(0, length) + kEnd + code, kFails);
         const std::size_t whole = length == two.size() ? 2u : length >= record("\"a\"").size() ? 1u : 0u;
@@ -169,7 +169,7 @@ TEST(ConditionBlock, AFaultKeepsWhatStandsBeforeIt) {
 }
 
 TEST(ConditionBlock, AKeyBehindItsLineGivesNothingAndReadingGoesOn) {
-    // Without the connector's line each later key is only found behind the line that is read for it.
+    // Without the connector's line each later key is only found after the line that is read for it.
     std::string text = record("\"a\"") + record("\"b\"", "5");
     text.erase(text.find("CONNECTOR"), std::string_view("CONNECTOR=0\r\n").size());
     const ConditionList list = parse(kBegin + text + kEnd);
@@ -179,10 +179,10 @@ TEST(ConditionBlock, AKeyBehindItsLineGivesNothingAndReadingGoesOn) {
     EXPECT_FALSE(list[0].caseInsensitive);
     EXPECT_THAT(list[0].values, IsEmpty());
 
-    // A key may stand anywhere in its line, and what stands before it does not matter.
+    // A key may be anywhere in its line, and the text before it does not matter.
     EXPECT_EQ(parse(kBegin + "xOPERATION=" + record("\"a\"", "3").substr(10) + kEnd).front().operation,
               FilterOperation::LessThan);
-    // A line too many at the beginning shifts all keys behind their lines.
+    // An extra line at the beginning moves all keys past their lines.
     const ConditionList shifted = parse(kBegin + "\r\n" + record("\"a\"", "3") + kEnd);
     ASSERT_EQ(shifted.size(), 1u);
     EXPECT_EQ(shifted[0], CCondition());

@@ -42,18 +42,26 @@ TEST(ExpressionCheck, RemarksOnTextsThatAreComparedWithNumbers) {
     EXPECT_EQ(check.remark->column, 10);
 }
 
-TEST(ExpressionCheck, FindsTheNameThatIsBeingWritten) {
-    const struct {
-        const char* written;
-        const char* name;
-    } cases[] = {{"", ""},       {"lo", "lo"},         {"not LoW", "LoW"},     {"lower(", ""},
-                 {"'left", ""},  {"'a' == le", "le"},  {"'it\\'s le", ""},     {"'a\\\\' le", ""},
-                 {"`Val", ""},   {"`Value` le", "le"}, {"/* le", ""},          {"/* a */le", "le"},
-                 {"/*/ le", ""}, {"12e", ""},          {"x < 10 or ri", "ri"}, {"If", ""},
-                 {"ifn", "ifn"}, {"has_c", "has_c"},   {"`a``b` le", "le"},    {"4 / le", "le"},
-                 {"\"left", ""}, {"\"it's\" le", "le"}};
-    for (const auto& each : cases)
-        EXPECT_EQ(each.name, NameBeingWritten(each.written)) << each.written;
+TEST(ExpressionCheck, SaysInOneLineWhatTheDialogShows) {
+    using Kind = ExpressionNotice::Kind;
+    EXPECT_EQ(NoticeOn("").text, "An empty expression removes the filter.");
+    EXPECT_EQ(NoticeOn("`Count` > 1").text, "No errors.");
+    EXPECT_FALSE(NoticeOn("`Count` > 1").fault);
+    EXPECT_EQ(NoticeOn("`Count` > 1").kind, Kind::Fine);
+
+    const ExpressionNotice warning = NoticeOn("`Count` > 1 and\n `Value` > 10");
+    EXPECT_EQ(warning.kind, Kind::Warning);
+    EXPECT_TRUE(warning.text.starts_with("Warning: line 2, column 10: ")) << warning.text;
+    ASSERT_TRUE(warning.fault);
+    EXPECT_EQ(warning.fault->column, 10);
+
+    // The place counts from the first line of the whole text, since the box shows all of it.
+    const ExpressionNotice error =
+        NoticeOn("/*{{BEGIN CONDITIONS\r\nVALUES=\"*/\"\r\n}}END CONDITIONS*/\r\n`Count` > 1 and\n wrong(1)");
+    EXPECT_EQ(error.kind, Kind::Error);
+    ASSERT_TRUE(error.fault);
+    EXPECT_EQ(error.fault->line, 5);
+    EXPECT_TRUE(error.text.starts_with("Line 5, column 2: ")) << error.text;
 }
 
 } // namespace

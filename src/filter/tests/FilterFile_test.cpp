@@ -1,9 +1,11 @@
+#include "base/HeldRepositories.h"
 #include "base/tests/TempFolder.h"
 #include "filter/FilterFile.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 
 namespace tavix {
@@ -15,8 +17,10 @@ std::string written(const std::string& text) {
 
 std::string readBack(const std::string& bytes) {
     std::istringstream file(bytes);
-    const auto text = readFilter(file);
-    return text ? *text : "error: " + text.error().text;
+    const LoadedFilter loaded = readFilter(file);
+    if (const auto* problem = std::get_if<FilterFileProblem>(&loaded))
+        return "error: " + problem->text;
+    return std::get<std::string>(loaded);
 }
 
 TEST(FilterFile, IsALengthAndSoManyBytes) {
@@ -45,29 +49,38 @@ TEST(FilterFile, WhatIsTooShortIsRefusedAndTheRestIgnored) {
 
 TEST(FilterFile, OpensFilesOnly) {
     const testing::TempFolder folder;
-    const std::string cannot = "Unable to open filter file";
+    const FilterFileProblem cannot{"Unable to open filter file", "File Open Error"};
     for (const std::string& path : {folder.file("missing.flt"), folder.path().string(), std::string()})
-        EXPECT_EQ(openFilterToRead(path).error().text, cannot);
+        EXPECT_EQ(loadFilter(path), LoadedFilter(cannot)) << path;
     for (const std::string& path : {folder.file("no/such/folder.flt"), folder.path().string(), std::string()})
-        EXPECT_EQ(openFilterToWrite(path).error().text, cannot);
-    {
-        auto file = openFilterToWrite(folder.file("a b.flt"));
-        ASSERT_TRUE(file);
-        ASSERT_TRUE(writeFilter(**file, "x"));
-    }
-    auto file = openFilterToRead(folder.file("a b.flt"));
-    ASSERT_TRUE(file);
-    EXPECT_EQ(*readFilter(*file), "x");
+        EXPECT_EQ(saveFilter(path, "x"), cannot) << path;
+    EXPECT_FALSE(saveFilter(folder.file("a b.flt"), "x"));
+    EXPECT_EQ(loadFilter(folder.file("a b.flt")), LoadedFilter("x"));
+}
+
+// A repository in use is named as the reason, under the same caption.
+TEST(FilterFile, DoesNotTouchARepositoryInUse) {
+    const testing::TempFolder folder;
+    const std::string path = folder.file("r.tavix");
+    std::ofstream(path) << "repository";
+    const HeldRepository held(path);
+    const LoadedFilter loaded = loadFilter(path);
+    const auto* problem = std::get_if<FilterFileProblem>(&loaded);
+    ASSERT_TRUE(problem);
+    EXPECT_NE(problem->text.find("belongs to the repository"), std::string::npos) << problem->text;
+    EXPECT_EQ(problem->caption, "File Open Error");
+    EXPECT_EQ(saveFilter(path, "x"), *problem);
 }
 
 TEST(FilterFile, AFullDiskIsReported) {
     if (!std::filesystem::exists("/dev/full"))
         GTEST_SKIP() << "this system has no /dev/full";
-    for (const std::string& text : {std::string(), std::string(60000, 'x')}) {
-        auto file = openFilterToWrite("/dev/full");
-        ASSERT_TRUE(file);
-        EXPECT_EQ(writeFilter(**file, text).error().text, "Unable to write filter file");
-    }
+    for (const std::string& text : {std::string(), std::string(60000, 'x')})
+        EXPECT_EQ(saveFilter("/dev/full", text), (FilterFileProblem{"Unable to write filter file", "File Error"}));
+}
+
+TEST(FilterFile, KindsAreThoseOfAFileDialog) {
+    EXPECT_EQ(filterFileKinds(), (std::vector<std::string>{"Filter Files (*.flt)", "All Files (*)"}));
 }
 
 } // namespace

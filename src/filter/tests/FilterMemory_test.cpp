@@ -72,16 +72,19 @@ TEST(FilterMemory, NamesAreKeptByTheUserInAnyCase) {
     EXPECT_THAT(memory.Named(kValues),
                 ElementsAre(NamedFilter{"BAD", "new"}, NamedFilter{"zip", "text of zip"},
                             NamedFilter{"Älter", "text of Älter"}, NamedFilter{"älteste", "text of älteste"}));
+    EXPECT_EQ(memory.FindName(kValues, " äLTER "), "Älter");
+    EXPECT_EQ(memory.FindName(kValues, "Äl"), std::nullopt);
+    EXPECT_EQ(memory.FindName(kPatterns, "Älter"), std::nullopt);
     ASSERT_TRUE(memory.Forget(kValues, "ÄLTER"));
     ASSERT_TRUE(memory.Forget(kValues, "never there"));
     EXPECT_EQ(memory.Named(kValues).size(), 3u);
 
-    EXPECT_EQ(memory.Keep(kValues, " \n", "x").error().text, "A filter needs a name to be kept.");
+    EXPECT_EQ(memory.Keep(kValues, " \n", "x").error().text, "A filter needs a name.");
     EXPECT_EQ(memory.Keep(kValues, std::string(201, 'n'), "x").error().text,
-              "The name of a filter can have 200 bytes.");
-    EXPECT_EQ(memory.Keep(kValues, "n", "").error().text, "There is no filter to be kept.");
+              "The name of a filter can have at most 200 bytes.");
+    EXPECT_EQ(memory.Keep(kValues, "n", "").error().text, "There is no filter to save.");
     EXPECT_EQ(memory.Keep(kValues, "n", std::string(9000, 'x')).error().text,
-              "A filter of 9000 bytes is too long to be kept under a name; 8192 are possible. Save it in a file "
+              "A filter of 9000 bytes is too long to be saved under a name; the limit is 8192. Save it in a file "
               "instead.");
     for (int i = 0; i < 47; ++i)
         ASSERT_TRUE(memory.Keep(kValues, "n" + std::to_string(i), "x"));

@@ -187,7 +187,7 @@ TEST_F(Dialog, EditModeGivesTheCodeToTheUser) {
     model.Undo();
     EXPECT_EQ(model.BoxText(), code);
 
-    // Nothing was edited, so nothing is asked; the box widget ending its lines otherwise is no edit.
+    // Nothing was edited, so nothing is asked; other line ends in the box are not an edit.
     std::string fromBox = code;
     std::erase(fromBox, '\r');
     model.EditBox(fromBox);
@@ -294,7 +294,7 @@ TEST_F(Dialog, FilesKeepUnfinishedListsAndEdits) {
     ASSERT_TRUE(other.Load(unfinished));
     EXPECT_EQ(other.Conditions(), list);
     EXPECT_EQ(other.BoxText(), "Value equal to \"abc\" OR\r\n");
-    EXPECT_EQ(other.Action(), FilterAction::RemoveFailing) << "the message in place of code tells no action";
+    EXPECT_EQ(other.Action(), FilterAction::RemoveFailing) << "the message that replaces the code states no action";
     EXPECT_EQ(other.input.Mode(), ValueMode::Single);
     EXPECT_EQ(buttons(), "edit ");
     ASSERT_TRUE(other.Load(code));
@@ -352,6 +352,29 @@ TEST_F(Dialog, AFullDiskIsToldWithItsCaption) {
     addAbc();
     messages.expectWarn("Unable to write filter file", "File Error");
     EXPECT_FALSE(model.Save("/dev/full"));
+}
+
+TEST_F(Dialog, EnterAddsAConditionThatIsFilledIn) {
+    EXPECT_EQ(model.PressEnter(true, true, false), FilterEnter::AddCondition) << "to be told what is missing";
+    EXPECT_EQ(model.PressEnter(false, true, false), FilterEnter::PassOn) << "nothing is filled in";
+    EXPECT_EQ(model.PressEnter(false, false, false), FilterEnter::PassOn);
+    EXPECT_EQ(model.PressEnter(true, true, true), FilterEnter::Accept);
+    EXPECT_EQ(model.PressEnter(false, false, true), FilterEnter::Accept);
+    model.input.ChooseField(kValueField);
+    model.input.ChooseOperation(indexOf(FilterOperation::EqualTo));
+    model.input.SetSingleValue("abc");
+    EXPECT_EQ(model.PressEnter(false, true, false), FilterEnter::AddCondition);
+    EXPECT_EQ(model.PressEnter(false, false, false), FilterEnter::PassOn) << "the keyboard is elsewhere";
+    EXPECT_EQ(model.AddHint(), "Add the condition to the filter");
+    addAbc();
+    EXPECT_EQ(model.PressEnter(true, true, false), FilterEnter::PassOn) << "AND or OR comes first";
+    EXPECT_EQ(model.AddHint(), "Choose AND or OR before another condition");
+}
+
+TEST_F(Dialog, TheEmptyBoxSaysWhatItIsFor) {
+    EXPECT_EQ(model.BoxHint(), "No conditions: every row stays in the report.");
+    model.SetEditMode(true);
+    EXPECT_EQ(model.BoxHint(), "Write an expression, for example `Count` > 10");
 }
 
 } // namespace

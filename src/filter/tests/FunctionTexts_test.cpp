@@ -35,5 +35,16 @@ TEST(FunctionTexts, SignatureAndCall) {
     }
 }
 
+TEST(FunctionTexts, SearchPutsTheBeginningOfNamesFirst) {
+    const std::vector<FilterFunction> functions = {{"concat", "ss", 's', "The texts one after the other.", 1, 9},
+                                                   {"isdate", "s", 'b', "Whether the text is a date.", 1, 1},
+                                                   {"datediff", "dd", 'i', "Days between them.", 2, 2},
+                                                   {"todate", "d", 'd', "The text as a Date.", 1, 1},
+                                                   {"day", "d", 'i', "The day of the DATE.", 1, 1}};
+    EXPECT_EQ(FindFunctions(functions, " Date "), (std::vector<std::size_t>{2, 1, 3, 4}));
+    EXPECT_EQ(FindFunctions(functions, ""), (std::vector<std::size_t>{0, 1, 2, 3, 4}));
+    EXPECT_TRUE(FindFunctions(functions, "nothing").empty());
+}
+
 } // namespace
 } // namespace tavix

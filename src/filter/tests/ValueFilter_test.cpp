@@ -173,7 +173,7 @@ TEST(ValueFilter, AValueThatABlockCannotHoldGivesCodeAlone) {
 }
 
 TEST(ValueFilter, WhatCannotKeepItsMeaningIsRefused) {
-    const std::string cannot = "error: The filter was written as an expression, so that no value can be added to it. "
+    const std::string cannot = "error: The filter was written as an expression, so values cannot be added to it. "
                                "Edit the expression, or stop filtering first.";
     const std::string good = filterOf({onValue(Operation::EqualTo, {"a"})});
     const std::string block = good.substr(0, good.find("if "));

@@ -13,15 +13,16 @@ namespace {
 
 void readFilterBytes(const std::string& bytes) {
     std::istringstream file(bytes);
-    const auto text = readFilter(file);
+    const LoadedFilter loaded = readFilter(file);
+    const auto* const text = std::get_if<std::string>(&loaded);
     if (!text)
         return;
-    // A byte that is no UTF-8 takes three as U+FFFD.
+    // A byte that is not UTF-8 takes three as U+FFFD.
     if (text->size() > 3 * (bytes.size() - 2))
         std::abort();
     std::istringstream copy(filterFileBytes(*text));
-    const auto back = readFilter(copy);
-    if (!back || (text->size() <= 0xFFFF && *back != *text))
+    const LoadedFilter back = readFilter(copy);
+    if (!std::holds_alternative<std::string>(back) || (text->size() <= 0xFFFF && std::get<std::string>(back) != *text))
         std::abort();
 }
 

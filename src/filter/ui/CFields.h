@@ -6,7 +6,7 @@ class QListWidget;
 
 namespace tavix {
 
-/// Chooses a field of a distribution. OK puts its name on the clipboard.
+/// Lets the user choose a field of a distribution. OK copies its name to the clipboard.
 class CFields final : public QDialog {
     Q_OBJECT
   public:

@@ -29,10 +29,8 @@ namespace tavix {
 
 namespace {
 
-/// While one types on, nothing is said.
+/// The pause in typing after which the expression is checked.
 constexpr int kCheckMilliseconds = 250;
-/// A message may quote a long text.
-constexpr qsizetype kLongestError = 400;
 
 QPushButton* makeButton(const char* name, const QString& text, const QString& spoken, QWidget* parent) {
     auto* button = new QPushButton(text, parent);
@@ -88,13 +86,13 @@ CFilterDlg::CFilterDlg(Messages& messages, SettingsStore& settings, Distribution
 void CFilterDlg::MakeConditionArea() {
     m_conditionArea = new QGroupBox(tr("Condition"), this);
     m_comparison = new ComparisonPane(m_model, m_conditionArea);
-    m_add = makeButton("addCondition", tr("&Add Condition"), tr("Add the condition to the filter"), m_conditionArea);
+    m_add = makeButton("addCondition", tr("&Add Condition"), toQString(m_model.AddHint()), m_conditionArea);
     m_left = makeButton("leftParenthesis", QStringLiteral("("), tr("Open a parenthesis"), m_conditionArea);
     m_right = makeButton("rightParenthesis", QStringLiteral(")"), tr("Close a parenthesis"), m_conditionArea);
     m_and = makeButton("and", tr("AND"), tr("Both conditions must hold"), m_conditionArea);
     m_or = makeButton("or", tr("OR"), tr("One of the conditions must hold"), m_conditionArea);
-    m_undo = makeButton("undo", tr("&Undo"), tr("Take the last entry away"), m_conditionArea);
-    m_clear = makeButton("clear", tr("&Clear"), tr("Take all entries away"), m_conditionArea);
+    m_undo = makeButton("undo", tr("&Undo"), tr("Remove the last entry"), m_conditionArea);
+    m_clear = makeButton("clear", tr("&Clear"), tr("Remove all entries"), m_conditionArea);
     const int narrow = fontMetrics().horizontalAdvance(QStringLiteral("MMMM")) + 8;
     for (QPushButton* button : {m_left, m_right, m_and, m_or})
         button->setFixedWidth(narrow);
@@ -132,15 +130,15 @@ void CFilterDlg::MakeExpressionArea() {
     m_box->setObjectName(QStringLiteral("expression"));
     m_error = new QLabel(m_expressionArea);
     m_error->setObjectName(QStringLiteral("error"));
-    m_error->setAccessibleName(tr("What is wrong with the expression"));
+    m_error->setAccessibleName(tr("Fault in the expression"));
     m_error->setTextFormat(Qt::RichText);
     m_error->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     m_error->setWordWrap(true);
     m_functionsButton =
-        makeButton("functions", tr("&Functions..."), tr("Put a function into the expression"), m_expressionArea);
-    m_fields = makeButton("fields", tr("Fi&elds..."), tr("Put a field into the expression"), m_expressionArea);
+        makeButton("functions", tr("&Functions..."), tr("Insert a function into the expression"), m_expressionArea);
+    m_fields = makeButton("fields", tr("Fi&elds..."), tr("Insert a field into the expression"), m_expressionArea);
     m_copy =
-        makeButton("copy", tr("C&opy"), tr("Copy what is selected in the expression, or all of it"), m_expressionArea);
+        makeButton("copy", tr("C&opy"), tr("Copy the selected part of the expression, or all of it"), m_expressionArea);
     m_paste = makeButton("paste", tr("&Paste"), tr("Paste into the expression"), m_expressionArea);
     auto* choices = new QHBoxLayout;
     choices->addWidget(m_plainText);
@@ -233,7 +231,7 @@ void CFilterDlg::ShowModel() {
     const FilterModel::Controls enabled = m_model.Enabled();
     m_comparison->ShowInput();
     m_add->setEnabled(enabled.addCondition);
-    m_add->setToolTip(enabled.connectors ? tr("Choose AND or OR before another condition") : m_add->accessibleName());
+    m_add->setToolTip(toQString(m_model.AddHint()));
     m_left->setEnabled(enabled.leftParenthesis);
     m_right->setEnabled(enabled.rightParenthesis);
     m_and->setEnabled(enabled.connectors);
@@ -251,8 +249,7 @@ void CFilterDlg::ShowModel() {
     const bool isCode = m_model.Display() == FilterDisplay::ExpressionCode;
     m_box->ShowText(toQString(m_model.BoxText()), isCode, enabled.editing);
     m_box->setAccessibleName(isCode ? tr("Filter as expression code") : tr("Filter as plain text"));
-    m_box->setPlaceholderText(enabled.editing ? tr("Write an expression, for example `Count` > 10")
-                                              : tr("No conditions: every row stays in the report."));
+    m_box->setPlaceholderText(toQString(m_model.BoxHint()));
     for (QPushButton* button : {m_functionsButton, m_fields, m_copy, m_paste})
         button->setEnabled(enabled.editing);
     m_error->setVisible(enabled.editing);
@@ -302,30 +299,19 @@ void CFilterDlg::CheckExpression() {
     m_box->ClearMark();
     if (!m_model.EditMode())
         return;
-    const std::string text = toUtf8(m_box->Text());
-    ExpressionCheck check = CheckFilterText(text);
-    // The box shows all of the text.
-    for (auto* fault : {&check.error, &check.remark})
-        if (*fault)
-            (*fault)->line += check.linesBefore;
-    if (check.error) {
-        m_box->MarkError(*check.error);
-        ShowFault(std::move(*check.error), {}, tint::alert(palette()));
-    } else if (check.remark) {
-        ShowFault(std::move(*check.remark), tr("Warning: "), m_error->palette().color(QPalette::WindowText));
-    } else {
-        m_error->setText(text.empty() ? tr("An empty expression removes the filter.") : tr("No errors."));
+    const ExpressionNotice notice = NoticeOn(toUtf8(m_box->Text()));
+    m_fault = notice.fault;
+    if (!m_fault) {
+        m_error->setText(toQString(notice.text));
+        return;
     }
-}
-
-/// In the line below the box, from where a click leads to the place.
-void CFilterDlg::ShowFault(expression::ExpressionError fault, const QString& leadIn, const QColor& color) {
-    QString words = leadIn + toQString(expression::describe(fault)).simplified();
-    if (words.size() > kLongestError)
-        words = words.left(kLongestError) + QChar(0x2026);
+    const bool isError = notice.kind == ExpressionNotice::Kind::Error;
+    if (isError)
+        m_box->MarkError(*m_fault);
+    const QColor color = isError ? tint::alert(palette()) : m_error->palette().color(QPalette::WindowText);
+    // A click on the text goes to the fault.
     m_error->setText(QStringLiteral("<a href=\"#\" style=\"color:%1; text-decoration:none\">%2</a>")
-                         .arg(color.name(), words.replace(0, 1, words[0].toUpper()).toHtmlEscaped()));
-    m_fault = std::move(fault);
+                         .arg(color.name(), toQString(notice.text).toHtmlEscaped()));
 }
 
 void CFilterDlg::PasteFunction() {
@@ -364,22 +350,26 @@ void CFilterDlg::Save() {
         m_model.Save(toUtf8(path));
 }
 
-// What was just filled in is meant to be a condition before the dialog closes.
 void CFilterDlg::keyPressEvent(QKeyEvent* event) {
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    const bool isInCondition = m_comparison->IsInValue() || (m_comparison->HasKeyboard() && m_model.Pending());
-    if (isEnter && m_add->isEnabled() && isInCondition && event->modifiers() != Qt::ControlModifier)
-        AddCondition();
-    else if (isEnter && event->modifiers() == Qt::ControlModifier)
-        accept();
-    else
-        QDialog::keyPressEvent(event);
+    const bool withControl = event->modifiers() == Qt::ControlModifier;
+    const FilterEnter action =
+        isEnter ? m_model.PressEnter(m_comparison->IsInValue(), m_comparison->HasKeyboard(), withControl)
+                : FilterEnter::PassOn;
+    switch (action) {
+    case FilterEnter::AddCondition:
+        return AddCondition();
+    case FilterEnter::Accept:
+        return accept();
+    case FilterEnter::PassOn:
+        return QDialog::keyPressEvent(event);
+    }
 }
 
 void CFilterDlg::accept() {
     if (m_model.Accept())
         return QDialog::accept();
-    // A condition may have been added on the way.
+    // Accept() may have added a condition.
     ShowModel();
     m_comparison->FocusOn(FilterFocus::FieldList);
 }

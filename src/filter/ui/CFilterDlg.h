@@ -26,20 +26,19 @@ class ComparisonPane;
 class ExpressionBox;
 class FilterMenu;
 
-/// The dialog "Report Filter", in which a user puts together conditions or writes an expression. What holds is decided
-/// by the FilterModel; here it is shown. Enter in the boxes of a condition that is filled in adds it, and OK asks about
-/// one that was not added.
+/// The dialog "Report Filter", in which a user builds conditions or writes an expression. The FilterModel makes the
+/// decisions; this class shows them.
 class CFilterDlg final : public QDialog {
     Q_OBJECT
   public:
     using Functions = Result<std::vector<FilterFunction>>;
 
-    /// `functions` are those of the expression language, or why they cannot be had. Messages and settings must outlive
+    /// `functions`: those of the expression language, or why they are not available. Messages and settings must outlive
     /// the dialog.
     CFilterDlg(Messages& messages, SettingsStore& settings, DistributionKind kind, std::string_view filterText,
                Functions functions, QWidget* parent = nullptr);
 
-    /// The new filter text, once the dialog was closed with OK.
+    /// The new filter text, after the dialog was closed with OK.
     [[nodiscard]] const std::string& GetFilterText() const { return m_model.FilterText(); }
 
     void accept() override;
@@ -62,7 +61,6 @@ class CFilterDlg final : public QDialog {
     void SwitchEditMode(bool on);
     void BoxEdited();
     void CheckExpression();
-    void ShowFault(expression::ExpressionError fault, const QString& leadIn, const QColor& color);
     void PasteFunction();
     void PasteField();
     void Copy();
@@ -99,7 +97,7 @@ class CFilterDlg final : public QDialog {
     QPushButton* m_load;
     QPushButton* m_save;
     QTimer m_checkSoon;
-    std::optional<expression::ExpressionError> m_fault; ///< what the line below the box tells
+    std::optional<expression::ExpressionError> m_fault; ///< the fault named below the box
     bool m_isShowing = false;
 };
 

@@ -16,7 +16,6 @@
 #include <QTextDocument>
 #include <QVBoxLayout>
 
-#include <array>
 #include <utility>
 
 namespace tavix {
@@ -39,7 +38,7 @@ CKeywords::CKeywords(std::vector<FilterFunction> functions, QWidget* parent)
     m_names->setAccessibleName(tr("Functions"));
     m_names->setItemDelegate(new RoomyDelegate(m_names));
     m_text->setObjectName(QStringLiteral("description"));
-    m_text->setAccessibleName(tr("What the function is for"));
+    m_text->setAccessibleName(tr("Description of the function"));
     m_text->setReadOnly(true);
     m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     m_text->setTabChangesFocus(true);
@@ -69,23 +68,9 @@ CKeywords::CKeywords(std::vector<FilterFunction> functions, QWidget* parent)
 }
 
 void CKeywords::FillList() {
-    const QString wanted = m_search->text().trimmed();
-    // What begins so is most likely what is meant; then come the names and last the descriptions that hold it.
-    std::array<std::vector<std::size_t>, 3> found;
-    for (std::size_t i = 0; i < m_functions.size(); ++i) {
-        const QString name = toQString(m_functions[i].name);
-        if (name.startsWith(wanted, Qt::CaseInsensitive))
-            found[0].push_back(i);
-        else if (name.contains(wanted, Qt::CaseInsensitive))
-            found[1].push_back(i);
-        else if (toQString(m_functions[i].description).contains(wanted, Qt::CaseInsensitive))
-            found[2].push_back(i);
-    }
     m_names->clear();
-    for (const std::vector<std::size_t>& group : found) {
-        for (const std::size_t i : group)
-            (new QListWidgetItem(toQString(m_functions[i].name), m_names))->setData(Qt::UserRole, static_cast<int>(i));
-    }
+    for (const std::size_t i : FindFunctions(m_functions, toUtf8(m_search->text())))
+        (new QListWidgetItem(toQString(m_functions[i].name), m_names))->setData(Qt::UserRole, static_cast<int>(i));
     m_names->setCurrentRow(0);
     ShowFunction();
 }
@@ -97,11 +82,11 @@ const FilterFunction* CKeywords::Chosen() const {
 
 void CKeywords::ShowFunction() {
     const FilterFunction* function = Chosen();
-    m_text->setPlainText(function ? toQString(FunctionSignatureText(*function)) : tr("No function fits."));
+    m_text->setPlainText(function ? toQString(FunctionSignatureText(*function)) : tr("No function matches."));
     m_ok->setEnabled(function != nullptr);
 }
 
-// The list can be walked while one types.
+// The arrow keys move through the list while the keyboard is in the search box.
 bool CKeywords::eventFilter(QObject* watched, QEvent* event) {
     if (watched == m_search && event->type() == QEvent::KeyPress) {
         switch (static_cast<QKeyEvent*>(event)->key()) {

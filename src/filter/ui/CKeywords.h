@@ -13,8 +13,8 @@ class QPushButton;
 
 namespace tavix {
 
-/// Shows the functions of the expression language and what each is for. OK puts a call of the chosen one, with the
-/// types of its arguments in their places, on the clipboard.
+/// Shows the functions of the expression language with their descriptions. OK copies a call of the chosen function to
+/// the clipboard, with the types in place of its arguments.
 class CKeywords final : public QDialog {
     Q_OBJECT
   public:
@@ -28,7 +28,7 @@ class CKeywords final : public QDialog {
   private:
     void FillList();
     void ShowFunction();
-    /// Null when none is chosen.
+    /// Null when no function is chosen.
     [[nodiscard]] const FilterFunction* Chosen() const;
 
     std::vector<FilterFunction> m_functions;

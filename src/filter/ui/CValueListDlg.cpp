@@ -2,6 +2,8 @@
 
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
+#include "filter/ValueLines.h"
+#include "filter/ui/RawText.h"
 #include "report/CountText.h"
 
 #include <QDialogButtonBox>
@@ -10,7 +12,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QShortcut>
-#include <QTextBlock>
 #include <QVBoxLayout>
 
 namespace tavix {
@@ -53,13 +54,7 @@ CValueListDlg::CValueListDlg(const std::vector<std::string>& values, QWidget* pa
 }
 
 std::vector<std::string> CValueListDlg::GetValues() const {
-    // The text of a block is what was entered; the text of the whole would have ordinary blanks for unbroken ones.
-    std::vector<std::string> values;
-    for (QTextBlock line = m_text->document()->begin(); line.isValid(); line = line.next()) {
-        if (line.length() > 1)
-            values.push_back(toUtf8(line.text()));
-    }
-    return values;
+    return ValuesOfLines(toUtf8(rawText(*m_text->document())));
 }
 
 void CValueListDlg::ShowCount() {

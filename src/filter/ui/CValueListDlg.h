@@ -10,13 +10,13 @@ class QPlainTextEdit;
 
 namespace tavix {
 
-/// The values of a comparison with several, one on each line, so that a column of a worksheet can be pasted as it is.
+/// Edits the values of a comparison that has several, one on each line, so that a column of a worksheet can be pasted.
 class CValueListDlg final : public QDialog {
     Q_OBJECT
   public:
     explicit CValueListDlg(const std::vector<std::string>& values, QWidget* parent = nullptr);
 
-    /// Lines without a character are none.
+    /// Without empty lines.
     [[nodiscard]] std::vector<std::string> GetValues() const;
 
   private:

@@ -2,8 +2,8 @@
 
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
+#include "filter/ValueLines.h"
 #include "filter/ui/CValueListDlg.h"
-#include "report/CountText.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -15,28 +15,6 @@
 #include <QRadioButton>
 
 namespace tavix {
-
-namespace {
-
-/// So many of the values are named beside the button.
-constexpr std::size_t kNamedValues = 4;
-constexpr qsizetype kLongestNamed = 24;
-
-QString summary(const std::vector<std::string>& values) {
-    if (values.empty())
-        return ComparisonPane::tr("No values yet");
-    QStringList names;
-    for (std::size_t i = 0; i < values.size() && i < kNamedValues; ++i) {
-        const QString value = toQString(values[i]).simplified();
-        names << (value.size() > kLongestNamed ? value.left(kLongestNamed) + QChar(0x2026) : value);
-    }
-    if (values.size() > kNamedValues)
-        names << QString(QChar(0x2026));
-    return QStringLiteral("%1: %2").arg(toQString(countOf(static_cast<std::int64_t>(values.size()), "value")),
-                                        names.join(QStringLiteral(", ")));
-}
-
-} // namespace
 
 ComparisonPane::ComparisonPane(FilterModel& model, QWidget* parent)
     : QWidget(parent),
@@ -157,7 +135,7 @@ void ComparisonPane::ShowInput() {
     m_multiple->setChecked(input.Mode() == ValueMode::Multiple);
     if (toUtf8(m_value->text()) != input.SingleValue())
         m_value->setText(toQString(input.SingleValue()));
-    m_values->setText(summary(input.ValueList()));
+    m_values->setText(toQString(ValueListSummary(input.ValueList())));
     m_caseInsensitive->setChecked(input.CaseInsensitive());
     m_wildcard->setChecked(input.Wildcard());
 

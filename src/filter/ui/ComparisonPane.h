@@ -13,19 +13,19 @@ class QRadioButton;
 
 namespace tavix {
 
-/// The controls of the comparison that is put together. What is chosen goes to the model's input at once.
+/// The controls of the comparison that is being built. Choices go to the model's input at once.
 class ComparisonPane final : public QWidget {
     Q_OBJECT
   public:
     /// The model must outlive the pane.
     explicit ComparisonPane(FilterModel& model, QWidget* parent = nullptr);
 
-    /// Shows the model's input, which controls can be used included.
+    /// Shows the model's input and enables its controls.
     void ShowInput();
     void FocusOn(FilterFocus control);
-    /// Whether the keyboard is in the box of the single value.
+    /// Whether the box of the single value has the keyboard focus.
     [[nodiscard]] bool IsInValue() const;
-    /// Whether it is in any of the controls.
+    /// Whether any of the controls has it.
     [[nodiscard]] bool HasKeyboard() const;
 
   private:
@@ -34,7 +34,7 @@ class ComparisonPane final : public QWidget {
     void Connect();
     void FillOperations();
     void EditValues();
-    /// Does what the user chose, unless the choice is only being shown.
+    /// Applies the user's choice; does nothing while the model is being shown.
     template <typename Choose>
     void Chosen(Choose choose) {
         if (m_isShowing)

@@ -1,7 +1,8 @@
 #include "filter/ui/ExpressionBox.h"
 
 #include "base/ui/QtText.h"
-#include "filter/ExpressionCheck.h"
+#include "filter/Completion.h"
+#include "filter/ui/RawText.h"
 #include "grid/ui/Tints.h"
 
 #include <QAbstractItemView>
@@ -19,11 +20,7 @@ namespace tavix {
 
 namespace {
 
-/// Before that many characters a name could still be almost any.
-constexpr qsizetype kShortestPrefix = 2;
-constexpr QChar kParagraph(0x2029);
-
-/// The units of `line` before its character number `column`, counted from 1.
+/// The UTF-16 units of `line` before its character number `column`, counted from 1.
 int unitsBefore(const QString& line, int column) {
     int at = 0;
     for (int i = 1; i < column && at < line.size(); ++i)
@@ -42,7 +39,7 @@ ExpressionBox::ExpressionBox(QWidget* parent)
     m_completer->setCaseSensitivity(Qt::CaseInsensitive);
     m_completer->setModelSorting(QCompleter::CaseInsensitivelySortedModel);
     m_completer->popup()->setObjectName(QStringLiteral("completions"));
-    m_completer->popup()->setAccessibleName(tr("Functions that begin so"));
+    m_completer->popup()->setAccessibleName(tr("Functions that begin with these letters"));
     connect(m_completer, qOverload<const QString&>(&QCompleter::activated), this, &ExpressionBox::Insert);
 }
 
@@ -63,7 +60,7 @@ void ExpressionBox::ShowText(const QString& text, bool isCode, bool isEditable) 
     if (lines != Text()) {
         const QSignalBlocker quiet(this);
         setPlainText(lines);
-        // What was added last is what the user looks for.
+        // Show the end, where the latest condition is.
         if (!isEditable)
             verticalScrollBar()->setValue(verticalScrollBar()->maximum());
     }
@@ -71,9 +68,8 @@ void ExpressionBox::ShowText(const QString& text, bool isCode, bool isEditable) 
         moveCursor(QTextCursor::End);
 }
 
-// toPlainText() would make ordinary blanks of unbroken ones.
 QString ExpressionBox::Text() const {
-    return document()->toRawText().replace(kParagraph, u'\n');
+    return rawText(*document());
 }
 
 QTextCursor ExpressionBox::CursorAt(const expression::ExpressionError& error) const {
@@ -89,7 +85,7 @@ QTextCursor ExpressionBox::CursorAt(const expression::ExpressionError& error) co
 void ExpressionBox::MarkError(const expression::ExpressionError& error) {
     QTextEdit::ExtraSelection mark;
     mark.cursor = CursorAt(error);
-    // To the end of the word, and at least one character; at the end of the text the last one.
+    // To the end of the word, at least one character; the last character at the end of the text.
     const QTextBlock block = mark.cursor.block();
     const QString line = block.text();
     int end = mark.cursor.positionInBlock();
@@ -127,7 +123,7 @@ void ExpressionBox::keyPressEvent(QKeyEvent* event) {
         return;
     }
     if (isEnter && event->modifiers() == Qt::ShiftModifier) {
-        // Here a line is a line; the box would make a mark of its own for this key.
+        // Insert an ordinary line end; the box would insert a line separator for this key.
         QKeyEvent plain(QEvent::KeyPress, event->key(), Qt::NoModifier, QStringLiteral("\r"));
         QPlainTextEdit::keyPressEvent(&plain);
         return;
@@ -137,7 +133,7 @@ void ExpressionBox::keyPressEvent(QKeyEvent* event) {
         Offer(false);
 }
 
-// While names are offered the key takes one.
+// While names are offered, the key accepts one.
 bool ExpressionBox::focusNextPrevChild(bool next) {
     return !m_completer->popup()->isVisible() && QPlainTextEdit::focusNextPrevChild(next);
 }
@@ -147,9 +143,9 @@ void ExpressionBox::Offer(bool wasAskedFor) {
     const std::string written = toUtf8(Text().left(textCursor().position()));
     const QString prefix = toQString(NameBeingWritten(written));
     m_completer->setCompletionPrefix(prefix);
-    const bool isLongEnough = wasAskedFor || prefix.size() >= kShortestPrefix;
-    const bool isDone = m_completer->completionCount() == 1 && m_completer->currentCompletion() == prefix;
-    if (isReadOnly() || !isLongEnough || isDone || m_completer->completionCount() == 0) {
+    const auto count = static_cast<std::size_t>(m_completer->completionCount());
+    const std::string first = toUtf8(m_completer->currentCompletion());
+    if (isReadOnly() || !OffersNames(toUtf8(prefix), wasAskedFor, count, first)) {
         popup->hide();
         return;
     }
@@ -163,8 +159,8 @@ void ExpressionBox::Insert(const QString& name) {
     QTextCursor cursor = textCursor();
     cursor.movePosition(QTextCursor::Left, QTextCursor::KeepAnchor,
                         static_cast<int>(m_completer->completionPrefix().size()));
-    const bool isCall = document()->characterAt(textCursor().position()) == u'(';
-    cursor.insertText(isCall ? name : name + u'(');
+    const bool isBeforeParenthesis = document()->characterAt(textCursor().position()) == u'(';
+    cursor.insertText(toQString(CompletedName(toUtf8(name), isBeforeParenthesis)));
     setTextCursor(cursor);
 }
 

@@ -9,23 +9,23 @@ class QStringListModel;
 
 namespace tavix {
 
-/// The box of a filter: its conditions to be read, or its expression to be written, with names of functions offered
-/// while one is being typed and on Ctrl+Space.
+/// The text box of a filter. Shows the conditions, or edits the expression with completion of function names while
+/// typing and on Ctrl+Space.
 class ExpressionBox final : public QPlainTextEdit {
     Q_OBJECT
   public:
     explicit ExpressionBox(QWidget* parent = nullptr);
 
     void SetFunctions(const QStringList& names);
-    /// Shows a text, code in a fixed pitch. Where it is shown already, the caret stays.
+    /// Shows a text, code in a fixed-width font. Keeps the caret when the text is already shown.
     void ShowText(const QString& text, bool isCode, bool isEditable);
-    /// What is in the box, with lines ended by LF and every other character as it is.
+    /// The text with lines ended by LF and all other characters unchanged.
     [[nodiscard]] QString Text() const;
 
-    /// Underlines the place.
+    /// Underlines the fault.
     void MarkError(const expression::ExpressionError& error);
     void ClearMark();
-    /// Puts the caret there and takes the keyboard.
+    /// Moves the caret to the fault and takes the keyboard focus.
     void GoTo(const expression::ExpressionError& error);
 
   protected:

@@ -3,26 +3,21 @@
 #include "base/ui/QtText.h"
 #include "filter/FilterModel.h"
 #include "filter/FilterSummary.h"
+#include "filter/OneLine.h"
 
 #include <QInputDialog>
-
-#include <algorithm>
 
 namespace tavix {
 
 namespace {
 
-constexpr qsizetype kLongestWords = 70;
-constexpr qsizetype kLongestTip = 600;
+// Characters.
+constexpr std::size_t kLongestWords = 69;
+constexpr std::size_t kLongestTip = 599;
 
-QString shortened(const std::string& text, qsizetype most) {
-    const QString words = toQString(text).simplified();
-    return words.size() > most ? words.left(most - 1) + QChar(0x2026) : words;
-}
-
-/// Names and values come from users and data: an ampersand is one.
+/// Escapes ampersands, which would mark a letter as the mnemonic.
 QString asMenuText(const std::string& text) {
-    return shortened(text, kLongestWords).replace(u'&', QStringLiteral("&&"));
+    return toQString(Shortened(OneLine(text), kLongestWords)).replace(u'&', QStringLiteral("&&"));
 }
 
 } // namespace
@@ -59,13 +54,14 @@ void FilterMenu::Fill() {
 
 QAction* FilterMenu::AddFilter(const std::string& words, const std::string& text) {
     QAction* action = addAction(asMenuText(words), this, [this, text] { Take(text); });
-    // Escaped and in one piece: what looks like markup in a value is none.
-    action->setToolTip(QStringLiteral("<p>%1</p>").arg(shortened(FilterSummary(text), kLongestTip).toHtmlEscaped()));
+    // Escaped, since a value may look like markup.
+    action->setToolTip(
+        QStringLiteral("<p>%1</p>").arg(toQString(Shortened(FilterSummary(text), kLongestTip)).toHtmlEscaped()));
     return action;
 }
 
 void FilterMenu::Take(const std::string& text) {
-    // Asks before what was edited is lost.
+    // asks before edits are lost
     if (!m_model.SetEditMode(false))
         return;
     m_model.LoadText(text);
@@ -73,13 +69,9 @@ void FilterMenu::Take(const std::string& text) {
 }
 
 bool FilterMenu::MayReplace(const std::string& name) const {
-    const QString wanted = toQString(name).simplified();
-    const std::vector<NamedFilter> named = m_memory.Named(m_model.Kind());
-    const auto known = std::find_if(named.begin(), named.end(), [&wanted](const NamedFilter& filter) {
-        return toQString(filter.name).simplified().compare(wanted, Qt::CaseInsensitive) == 0;
-    });
-    return known == named.end() || m_messages.ask("A filter named \"" + known->name + "\" exists already. Replace it?",
-                                                  "Save Filter", Messages::Answer::No) == Messages::Answer::Yes;
+    const auto known = m_memory.FindName(m_model.Kind(), name);
+    return !known || m_messages.ask("A filter named \"" + *known + "\" exists already. Replace it?", "Save Filter",
+                                    Messages::Answer::No) == Messages::Answer::Yes;
 }
 
 void FilterMenu::KeepUnderName() {
@@ -88,12 +80,12 @@ void FilterMenu::KeepUnderName() {
         return;
     }
     QString name;
-    // A name that does not do is there again to be improved.
+    // A rejected name is offered again for correction.
     while (true) {
         bool isOk = false;
         name = QInputDialog::getText(parentWidget()->window(), tr("Save Filter"), tr("&Name of the filter:"),
                                      QLineEdit::Normal, name, &isOk);
-        // The filter dialog may have been closed together with the report.
+        // The report may have been closed meanwhile, and the filter dialog with it.
         if (!isOk || !parentWidget()->isVisible())
             return;
         if (!MayReplace(toUtf8(name))) {

@@ -12,17 +12,17 @@ namespace tavix {
 
 class FilterModel;
 
-/// The filters that were used last and those with a name, to be used again; and names to be given and taken away.
+/// A menu of recent and named filters to apply, with commands to name a filter and to delete a name.
 class FilterMenu final : public QMenu {
     Q_OBJECT
   public:
-    /// All must outlive the menu.
+    /// The arguments must outlive the menu.
     FilterMenu(FilterModel& model, SettingsStore& settings, Messages& messages, QWidget* parent);
 
   Q_SIGNALS:
-    /// The model took another filter.
+    /// The model loaded another filter.
     void Taken();
-    /// The filter that is to get a name has a fault, which was told.
+    /// The filter to be named has a fault, which was shown.
     void Refused();
 
   private:

@@ -6,8 +6,7 @@ class QWidget;
 
 namespace tavix {
 
-/// Asks for the filter file to be loaded or saved; "" when the user has none. What is to be saved in place of an
-/// existing file was agreed to.
+/// Asks for the filter file to load or save; "" when the user cancels. Overwriting an existing file was confirmed.
 [[nodiscard]] QString AskFilterToLoad(QWidget* parent);
 [[nodiscard]] QString AskFilterToSave(QWidget* parent);
 

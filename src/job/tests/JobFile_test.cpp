@@ -20,7 +20,7 @@ class JobFile : public ::testing::Test {
         std::ofstream(m_path, std::ios::binary) << text;
         return readJobFile(m_path);
     }
-    /// What is wrong, without the name of the file.
+    /// The error without the name of the file.
     std::string problem(std::string_view text) {
         const auto job = read(text);
         if (job)
@@ -67,8 +67,8 @@ collections:
 TEST_F(JobFile, MistakesAreNamedWithTheirPlace) {
     const std::string good = "job: j\ntables:\n  - file: a.csv\n";
     const std::vector<std::pair<std::string, std::string>> cases = {
-        {"", "1:1: the file describes no job"},
-        {"# nothing\n", "1:1: the file describes no job"},
+        {"", "1:1: the file does not describe a job"},
+        {"# nothing\n", "1:1: the file does not describe a job"},
         {"just words", "1:1: expected a map with the keys job and tables"},
         {"job: j\n", "1:1: the key \"tables\" is missing"},
         {"job: j\ntables: []\n", "2:9: \"tables\": expected a list of at least one table"},
@@ -79,17 +79,16 @@ TEST_F(JobFile, MistakesAreNamedWithTheirPlace) {
         {good + "colections: []\n", "4:1: unknown key \"colections\" (did you mean \"collections\"?)"},
         {good + "whatever/it~is: 1\n", "4:1: unknown key \"whatever/it~is\""},
         {good + "    delimiter: ',,'\n",
-         "4:16: \"tables[0].delimiter\": expected one character, or the word tab; found in the file unless stated"},
-        {good + "    delimiter: '\"'\n", "4:16: a delimiter is one ASCII character other than a quote and a line end"},
-        {good + "    delimiter: \u00E4\n",
-         "4:16: a delimiter is one ASCII character other than a quote and a line end"},
+         "4:16: \"tables[0].delimiter\": expected one character, or the word tab; detected unless stated"},
+        {good + "    delimiter: '\"'\n", "4:16: a delimiter is one ASCII character, but not a quote or a line end"},
+        {good + "    delimiter: \u00E4\n", "4:16: a delimiter is one ASCII character, but not a quote or a line end"},
         {good + "    header: 'no'\n", "4:13: \"tables[0].header\": expected true when the first row holds the names of "
                                       "the columns, false, or auto; true unless stated"},
         {good + "  - file: sub/a.csv\n", "4:11: there is already a table \"a\"; give this one another name"},
-        {good + "    name: b\n    name: c\n", "5:5: the key \"name\" stands twice"},
+        {good + "    name: b\n    name: c\n", "5:5: the key \"name\" is given twice"},
         {good + "collections:\n  - name: c\n    fields: [b.x]\n",
          "6:14: the job has no table \"b\" (did you mean \"a\"?)"},
-        {good + "collections:\n  - name: c\n    fields: [a.x, a.x]\n", "6:19: the field \"a.x\" stands twice"},
+        {good + "collections:\n  - name: c\n    fields: [a.x, a.x]\n", "6:19: the field \"a.x\" is listed twice"},
         {good + "collections:\n  - name: c\n    fields: [ax]\n",
          "6:14: \"ax\" does not name a field: expected table.field"},
         {good + "collections:\n  - name: c\n    fields: [{tabel: a, field: x}]\n",
@@ -104,9 +103,9 @@ TEST_F(JobFile, MistakesAreNamedWithTheirPlace) {
          "5:25: \"f\" is a filtered table itself; base this one on \"a\" and join the conditions with \"and\""},
         {good + "  - {name: f, based on: f, where: 'true'}\n",
          "4:25: \"f\" is a filtered table itself; base this one on \"f\" and join the conditions with \"and\""},
-        {good + "  - {name: f, based on: a}\n", "4:5: the key \"where\" is missing; a filtered table has it"},
+        {good + "  - {name: f, based on: a}\n", "4:5: the key \"where\" is missing; a filtered table needs it"},
         {good + "  - {name: f, based on: a, where: 'true', file: b.csv}\n",
-         "4:49: a filtered table has the rows of another one; leave \"file\" out"},
+         "4:49: \"file\" does not go with a filtered table, which has the rows of another one"},
         {good + "  - {name: f, based on: a, where: true}\n",
          "4:35: \"tables[1].where\": expected the condition that the rows of a filtered table meet, a text in the "
          "expression language"},
@@ -118,16 +117,16 @@ TEST_F(JobFile, MistakesAreNamedWithTheirPlace) {
         {good + "    rules:\n      - {name: r, condition: 'true'}\n      - {name: r, condition: 'true'}\n",
          "6:16: there is already a rule \"r\""},
         {good + "    rules: [{name: r, condition: 'true', row log limit: -1}]\n",
-         "4:57: \"tables[0].rules[0].row log limit\": expected how many violating rows are kept, a number from 0 to "
+         "4:57: \"tables[0].rules[0].row log limit\": expected the number of violating rows that are kept, from 0 to "
          "1000000; the job's unless stated"},
         {good + "    custom metrics: [{name: m}]\n",
          "4:22: \"tables[0].custom metrics[0]\": expected a custom metric: a map with the key name and one of count, "
          "sum, average, min, max, metric"},
-        {good + "    key: [x, x]\n", "4:14: the field \"x\" stands twice"},
+        {good + "    key: [x, x]\n", "4:14: the field \"x\" is listed twice"},
         {good + "collections: 5\n", "4:14: \"collections\": expected a list of collections"},
         {"job: j\ntables: [", "2:1: end of sequence flow not found"},
         {"job: j\ntables: *none\n", "2:9: the referenced anchor is not defined"},
-        {"job: !!binary aGk=\ntables: [{file: a}]", "1:6: the tag \"tag:yaml.org,2002:binary\" is not known here"},
+        {"job: !!binary aGk=\ntables: [{file: a}]", "1:6: the tag \"tag:yaml.org,2002:binary\" is not supported"},
         {"? [a]\n: b\n", "1:3: a key must be a word or a text"},
         {good + "---\njob: k\n", "4:1: there is more than one document in the file"},
         {good + "    rules:\n      - {name: R, condition: \"`x` > 0}\n    alerts:\n      - {rule: R, max: 0}\n",
@@ -139,15 +138,16 @@ TEST_F(JobFile, MistakesAreNamedWithTheirPlace) {
         {good + "'description: a\n", "4:1: the quote that opens here is never closed"},
         {"job: j\ntables: [\"a.csv", "2:10: the quote that opens here is never closed"},
         {good + "description: \"a\nrepository: \"r.tavix\"\n",
-         "4:14: the quote that opens here is closed in line 5, where the text goes on; is a closing quote missing?"},
+         "4:14: the quote that opens here is closed in line 5, where the text continues; is a closing quote missing?"},
         {good + "  - file: \"a\\0b.csv\"\n", "4:11: a text cannot hold a zero byte"},
         {"job: '  '\ntables: [{file: a}]\n",
          "1:6: \"job\": expected the name of the job, a text (1 to 1000 characters, not only blanks)"},
         {good + "    name: " + std::string(1001, 'x') + "\n",
-         "4:11: \"tables[0].name\": expected the name of the table, a text; the file's name without its ending unless "
+         "4:11: \"tables[0].name\": expected the name of the table, a text; the file's name without its extension "
+         "unless "
          "stated (1 to 1000 characters, not only blanks)"},
         {good + "    sample: {percent: 1, seed: 99999999999999999999}\n",
-         "4:32: \"tables[0].sample.seed\": expected a whole number from 0 to 9223372036854775807; the same one takes "
+         "4:32: \"tables[0].sample.seed\": expected a whole number from 0 to 9223372036854775807; the same seed takes "
          "the "
          "same rows; 1 unless stated"},
         {good + "    encoding: 12345\n", "4:15: there is no encoding \"12345\""},
@@ -225,12 +225,12 @@ TEST_F(JobFile, AlertsArriveAndMistakesInThemAreNamed) {
     };
     const std::vector<Case> cases{
         {"{field: a, metric: Mena, max: 1}", "6:28: there is no metric \"Mena\" (did you mean \"Mean\"?)"},
-        {"{field: a, metric: Actual Type, max: 1}", "6:28: \"Actual Type\" is no number"},
-        {"{metric: Mean, max: 1}", "6:18: which field? Without \"field\" the metric of a table is Records"},
+        {"{field: a, metric: Actual Type, max: 1}", "6:28: the metric \"Actual Type\" is not a number"},
+        {"{metric: Mean, max: 1}", "6:18: the key \"field\" is missing; without it the only metric is Records"},
         {"{rule: S, max: 1}", "6:16: table \"t\" has no rule \"S\" (did you mean \"R\"?)"},
         {"{custom metric: R, max: 1}", "6:25: table \"t\" has no custom metric \"R\""},
         {"{rule: R, field: a, max: 1}", "6:26: \"field\" goes with \"metric\""},
-        {"{metric: Records, range: [2, 1]}", "6:34: the first number of a range is the smaller one"},
+        {"{metric: Records, range: [2, 1]}", "6:34: the first number of a range must not be above the second"},
         {"{metric: Records, max: 1, runs: 2}", "6:41: \"runs\" goes with \"change\""},
         {"{metric: Records, change: 1.2.3%}", "6:35: a change is a number or, in percent, a text such as \"20 %\""},
         {"{metric: Records, level: bad, max: 1}",
@@ -280,10 +280,10 @@ TEST(DescribeFiles, NamesTablesAfterFiles) {
     const std::vector<std::string> same = {"/x/a.csv", "/y/a.txt"};
     EXPECT_EQ(describeFiles(same, "J").error().text, "Two tables of the job \"J\" have the name \"a\".");
     EXPECT_FALSE(describeFiles({}, "J").ok());
-    // What a job file refuses.
+    // Names that a job file rejects.
     EXPECT_EQ(describeFiles(files, " \t").error().text, "The name of the job is blank.");
     EXPECT_EQ(describeFiles(files, std::string(1001, 'x')).error().text,
-              "The name of the job has 1001 characters; 1000 are the most.");
+              "The name of the job has 1001 characters; the limit is 1000.");
     EXPECT_EQ(describeFiles(files, "J", {}, "\xFF").error().text, "The name of the table is not UTF-8 text.");
     std::string longest;
     for (int i = 0; i < 1000; ++i)

@@ -52,7 +52,7 @@ std::string asScript(const std::string& priceType) {
     return text;
 }
 
-/// What all tests of the program share: the driver manager reads its files once.
+/// Shared by all tests of the program: the driver manager reads its files once.
 struct World {
     World() {
         useOdbcFiles(folder, folder.file("t.db"), server.port());
@@ -252,7 +252,7 @@ TEST_F(DatabaseRuns, AreExplainedWithoutARun) {
     EXPECT_EQ((*explained)[1].statements[3],
               "SELECT v, COUNT(*) FROM (SELECT CAST(\"city\" AS text) COLLATE \"C\" AS v FROM "
               "\"public\".\"customers\") AS s GROUP BY v");
-    EXPECT_EQ((*explained)[2].reason, "the filtered table \"part\" is made of its rows");
+    EXPECT_EQ((*explained)[2].reason, "the filtered table \"part\" needs its rows");
     EXPECT_EQ((*explained)[2].statements.size(), 1U);
     EXPECT_THAT((*explained)[3].reason, HasSubstr("made of the rows of \"base\""));
     EXPECT_EQ((*explained)[4].reason, "its rules look at every row");
@@ -275,7 +275,7 @@ TEST(DatabaseJobs, AreCheckedBeforeAnythingIsConnected) {
         {"{table: t}", "the key \"source\" is missing"},
         {"{source: shp, table: t}", "the job has no source \"shp\""},
         {"{source: s, query: SELECT 1}", "the key \"name\" is missing"},
-        {"{source: s, name: n, query: SELECT 1, table: t}", "leave \"table\" out"},
+        {"{source: s, name: n, query: SELECT 1, table: t}", "\"table\" does not go with a query"},
         {"{source: s, table: t, header: false}", "\"header\" belongs to a text file"},
         {"{source: s, table: t, sample: {every: 2}}", "\"sample\" belongs to a text file"},
         {"{source: s, table: t, where: x}", "\"where\" belongs to a filtered table"},

@@ -22,8 +22,8 @@ class QueueOfDistributions : public testing::StoredRuns {
     }
 
     /// A field whose only value is its name.
-    FieldFigures figures(const std::string& name) {
-        FieldFigures field;
+    FieldProfile figures(const std::string& name) {
+        FieldProfile field;
         field.packed = std::make_unique<PackedResult>(m_store);
         field.facts.name = name;
         field.facts.ordinal = ++m_fields;
@@ -35,7 +35,8 @@ class QueueOfDistributions : public testing::StoredRuns {
 
     SpillFile m_file{m_folder.path().string()};
     ByteStore m_store{m_file, 1 << 20};
-    StopSignal m_stop;
+    bool m_goesOn = true;
+    StopSignal m_stop{[this] { return m_goesOn; }};
     std::unique_ptr<repository::RunWriter> m_writer;
     int m_table = -1;
     int m_fields = 0;
@@ -45,7 +46,7 @@ TEST_F(QueueOfDistributions, StoresOnceWhatAnyThreadBrings) {
     constexpr std::size_t kThreads = 4;
     constexpr std::size_t kFieldsOfEach = 50;
     std::vector<std::string> names;
-    std::vector<FieldFigures> fields;
+    std::vector<FieldProfile> fields;
     for (std::size_t i = 0; i < kThreads * kFieldsOfEach; ++i) {
         names.push_back("f" + std::to_string(i));
         fields.push_back(figures(names.back()));
@@ -62,7 +63,7 @@ TEST_F(QueueOfDistributions, StoresOnceWhatAnyThreadBrings) {
         });
     for (std::thread& thread : threads)
         thread.join();
-    for (FieldFigures& field : fields)
+    for (FieldProfile& field : fields)
         ASSERT_TRUE(m_writer->addField(m_table, field.facts));
     ASSERT_TRUE(m_writer->commit({}));
     EXPECT_EQ(stored("SELECT count(*), count(DISTINCT field), min(rows), max(rows) FROM distribution_block"),
@@ -75,22 +76,22 @@ TEST_F(QueueOfDistributions, StoresOnceWhatAnyThreadBrings) {
 }
 
 TEST_F(QueueOfDistributions, StopsAtAFailureAndKeepsIt) {
-    FieldFigures lost = figures("lost");
-    FieldFigures after = figures("after");
+    FieldProfile lost = figures("lost");
+    FieldProfile after = figures("after");
     DistributionQueue queue(*m_writer, m_stop);
     queue.put(m_table + 1, lost);
     queue.put(m_table, after);
     EXPECT_FALSE(queue.store());
     ASSERT_TRUE(queue.failure());
     EXPECT_EQ(queue.failure()->text, "There is no table 2 in this run.");
-    EXPECT_FALSE(queue.store()) << "nothing is stored behind a failure";
+    EXPECT_FALSE(queue.store()) << "nothing is stored after a failure";
     EXPECT_FALSE(m_writer->commit({}));
 }
 
 TEST_F(QueueOfDistributions, EndsWhenItIsToStop) {
-    FieldFigures field = figures("f");
+    FieldProfile field = figures("f");
     DistributionQueue queue(*m_writer, m_stop);
-    m_stop.stop();
+    m_goesOn = false;
     queue.put(m_table, field);
     EXPECT_FALSE(queue.store());
     EXPECT_FALSE(m_writer->commit({}));

@@ -1,7 +1,7 @@
 #include "profiling/tests/DumpFigures.h"
 
 #include "base/tests/SourceFolder.h"
-#include "profiling/FieldFigures.h"
+#include "profiling/FieldProfile.h"
 #include "source/TextFileReader.h"
 
 #include <nlohmann/json.hpp>
@@ -73,7 +73,7 @@ json fieldJson(const repository::FieldFacts& facts) {
 
 } // namespace
 
-std::string dumpField(const FieldFigures& figures) {
+std::string dumpField(const FieldProfile& figures) {
     return fieldJson(figures.facts).dump();
 }
 
@@ -99,8 +99,8 @@ std::string dumpFigures(const std::string& path) {
     ByteStore store(file, std::size_t{1} << 30);
     StopSignal stop;
     for (std::size_t c = 0; c < columns.size(); ++c) {
-        const auto figures = need(computeFigures(columns[c], (*reader)->columnNames()[c], static_cast<int>(c) + 1,
-                                                 {file, store, stop, std::size_t{1} << 30, false}));
+        const auto figures = need(profileField(columns[c], (*reader)->columnNames()[c], static_cast<int>(c) + 1,
+                                               {file, store, stop, std::size_t{1} << 30, false}));
         fields.push_back(fieldJson(figures.facts));
     }
     return json{{"rows", rows}, {"fields", fields}}.dump();

@@ -3,13 +3,13 @@
 #include <string>
 
 namespace tavix::profiling {
-struct FieldFigures;
+struct FieldProfile;
 }
 
 namespace tavix::profiling::testing {
 
 /// The figures of a field as JSON. Reads the packed distributions, which can be done once.
-[[nodiscard]] std::string dumpField(const FieldFigures& figures);
+[[nodiscard]] std::string dumpField(const FieldProfile& figures);
 
 /// The figures of a text file's fields as JSON, as tests/figures/check_figures.py reads them. Throws on an error.
 [[nodiscard]] std::string dumpFigures(const std::string& path);

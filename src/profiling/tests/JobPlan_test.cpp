@@ -1,4 +1,4 @@
-// What a run would read, and what becomes of empty files.
+// What a run would read, and how empty files are left out.
 #include "profiling/JobPlan.h"
 #include "profiling/JobRunner.h"
 #include "profiling/tests/StoredRuns.h"
@@ -25,7 +25,7 @@ class JobPlans : public tavix::testing::StoredRuns {
         EXPECT_TRUE(read.ok()) << read.error().text;
         return read ? std::move(*read) : job::JobDescription();
     }
-    /// What a run fails with; a plan has to say the same.
+    /// The error of a run; a plan must report the same one.
     std::string failure(const job::JobDescription& wanted, const std::string& repository) {
         const auto plan = planJob(wanted, repository, {});
         const auto run = runJob(wanted, repository);

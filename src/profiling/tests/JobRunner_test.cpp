@@ -229,7 +229,7 @@ TEST_F(RunJob, StoresTheSameByAnyNumberOfThreads) {
         RunOptions options;
         options.clock = &clock;
         options.threads = threads;
-        options.placesFrom = 0;
+        options.offsetIndexFrom = 0;
         const auto run = runJob(description, m_repository, options);
         ASSERT_TRUE(run.ok()) << run.error().text;
         found.push_back(stored("SELECT * FROM v_tables ORDER BY table_id") + stored("SELECT * FROM v_fields") +

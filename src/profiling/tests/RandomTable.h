@@ -11,7 +11,7 @@
 
 namespace tavix::profiling::testing {
 
-/// By column, null where nothing stands.
+/// By column; null for an empty cell.
 using TableRows = std::vector<std::vector<std::optional<std::string>>>;
 
 /// A table whose columns have types, ties, lengths and ends of texts that are hard in one way each.

@@ -32,7 +32,7 @@ class RuleRuns : public testing::StoredRuns {
     std::string m_job = m_folder.file("job.yaml");
 };
 
-/// A row as the test understands it, beside its line in the file.
+/// A row as the test computes it, with its line in the file.
 struct Row {
     int id = 0;
     std::optional<std::string> amount;
@@ -192,9 +192,9 @@ TEST_F(RuleRuns, ExpressionsThatDoNotFitAreNamedWithTheirPlaceBeforeAnythingIsWr
     EXPECT_EQ(problem("    rules: [{name: R, condition: '`amuont` > 1'}]\n"),
               "4:34: the rule \"R\": line 1, column 1: there is no field `amuont` (did you mean \"amount\"?)");
     EXPECT_EQ(problem("    rules: [{name: R, condition: '`amount`'}]\n"),
-              "4:34: the rule \"R\": line 1, column 1: a condition is wanted here, and this is of type text");
+              "4:34: the rule \"R\": line 1, column 1: a condition is needed here, but this is of type text");
     EXPECT_EQ(problem("    custom metrics:\n      - {name: M, sum: '`city` == 1'}\n"),
-              "5:24: the custom metric \"M\": a number is wanted here, and this is of type boolean; "
+              "5:24: the custom metric \"M\": a number is needed here, but this is of type boolean; "
               "\"count\" gives the number of rows for which it is true");
     EXPECT_EQ(problem("    custom metrics:\n      - {name: M, metric: '`amount:Null count` + `Later`'}\n"
                       "      - {name: Later, count: 'true'}\n"),
@@ -218,7 +218,7 @@ TEST_F(RuleRuns, AComparisonOfATextWithANumberIsRemarkedOn) {
                              "      - {name: R, condition: '`amount` > 5'}\n"
                              "      - {name: S, condition: 'tonumber(`amount`) > 5'}\n");
     ASSERT_TRUE(outcome) << outcome.error().text;
-    const std::string remark = "the rule \"R\": line 1, column 10: this compares texts, among which '9' stands behind "
+    const std::string remark = "the rule \"R\": line 1, column 10: this compares texts, where '9' comes after "
                                "'10'; to compare numbers write tonumber(`amount`)";
     EXPECT_THAT(outcome->tables.front().remarks, ::testing::ElementsAre(m_job + ":5:30: " + remark));
     EXPECT_THAT(stored("SELECT * FROM v_log"), ::testing::HasSubstr(remark));

@@ -46,7 +46,7 @@ class EngineOfRandomTables : public ::testing::Test {
             return {};
         }
         auto list = json::array();
-        for (const FieldFigures& field : *fields)
+        for (const FieldProfile& field : *fields)
             list.push_back(json::parse(testing::dumpField(field)));
         EXPECT_TRUE(std::filesystem::is_empty(m_folder.path())) << "a temporary file has a name";
         return list;
@@ -88,7 +88,7 @@ TEST_F(EngineOfRandomTables, ThreadsMemoryBlocksAndLocaleChangeNothing) {
 }
 
 TEST_F(EngineOfRandomTables, ThreadsShareALongColumn) {
-    // Null stands among the values, several parts are packed, and the last value is in a block of its own.
+    // Null comes between the values, several parts are packed, and the last value has a block of its own.
     constexpr std::size_t kValues = 200'704;
     const auto longText = [](std::size_t i) { return std::string(300, 'x') + std::to_string(i % 12'000); };
     const auto name = [](std::size_t i) { return "key " + std::to_string(i * 2654435761U % 4294967291U); };

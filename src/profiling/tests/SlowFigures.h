@@ -13,7 +13,7 @@ namespace tavix::profiling::testing {
 [[nodiscard]] nlohmann::json slowFigures(const std::vector<std::optional<std::string>>& rows, const std::string& name,
                                          int ordinal);
 
-/// What differs first, and where; "" when nothing does. Numbers may differ in their last digits.
+/// The first difference and its position; "" when there is none. Numbers may differ in their last digits.
 [[nodiscard]] std::string difference(const nlohmann::json& expected, const nlohmann::json& found);
 
 } // namespace tavix::profiling::testing

@@ -52,7 +52,7 @@ TEST_F(TextSources, APatternMakesATableOfEachFileInTheOrderOfTheirNames) {
     write(".hidden.csv", "x\n1\n");
     std::filesystem::create_directory(m_folder.file("d.csv"));
     EXPECT_THAT(names("  - file: '*.csv'\n"), ElementsAre("a", "b", "c[1]"));
-    EXPECT_THAT(names("  - file: 'c[1].csv'\n"), ElementsAre("c[1]")) << "a file that exists is no pattern";
+    EXPECT_THAT(names("  - file: 'c[1].csv'\n"), ElementsAre("c[1]")) << "a file that exists is not a pattern";
     EXPECT_THAT(names("  - file: '[ab].csv'\n  - {name: f, based on: b, where: \"`x` == '1'\"}\n"),
                 ElementsAre("a", "b", "f"));
     EXPECT_THAT(problem("  - file: 'z*.csv'\n"), HasSubstr("3:11: No file matches"));
@@ -106,16 +106,16 @@ TEST_F(TextSources, AFileIsReadAsTheJobSays) {
              {"encoding: utf-9", "3:29: there is no encoding \"utf-9\" (did you mean \"UTF-8\"?)"},
              {"quote: ab", "3:26: \"tables[0].quote\": expected the character that encloses cells, or the word none; a "
                            "double quote unless stated"},
-             {"delimiter: '''', quote: ''''", "3:43: the delimiter and the quote are two characters"},
-             {"header: maybe", "3:27: \"tables[0].header\": expected true when the first row holds the names of the "
+             {"delimiter: '''', quote: ''''", "3:43: the delimiter and the quote must be different"},
+             {"header: maybe", "3:27: \"tables[0].header\": expected true when the first row has the names of the "
                                "columns, false, or auto; true unless stated"},
-             {"sample: {first: 0}", "3:35: \"tables[0].sample.first\": expected how many rows from the beginning, a "
-                                    "number from 1"},
+             {"sample: {first: 0}", "3:35: \"tables[0].sample.first\": expected the number of rows from the beginning, "
+                                    "from 1"},
              {"sample: {first: 1, seed: 1}", "3:27: \"tables[0].sample\": expected a map with one of the keys first, "
-                                             "every and percent, seed beside percent"}})
+                                             "every and percent, and seed with percent"}})
         EXPECT_EQ(problem("  - {file: f.txt, " + entry + "}\n"), expected) << entry;
     EXPECT_THAT(problem("  - file: f.txt\n  - {name: g, based on: f, where: '1 == 1', sample: {first: 1}}\n"),
-                HasSubstr("leave \"sample\" out"));
+                HasSubstr("\"sample\" does not go with a filtered table"));
 }
 
 TEST_F(TextSources, ASampleKeepsWhatItTookApartFromWhatThereIs) {

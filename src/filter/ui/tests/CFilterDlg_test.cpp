@@ -356,7 +356,7 @@ TEST_F(FilterDialog, HasTheFiltersThatWereUsedAndNamed) {
     ASSERT_EQ(1U, memory.Named(DistributionKind::Frequency).size());
     EXPECT_EQ((NamedFilter{"A & B", nulls}), memory.Named(DistributionKind::Frequency)[0]);
 
-    // What was edited is not lost without a question.
+    // Edits are not lost without a question.
     open("`Count` > 1");
     auto& again = child<QMenu>(*dialog, "filterMenu");
     Q_EMIT again.aboutToShow();

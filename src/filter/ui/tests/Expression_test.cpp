@@ -94,17 +94,17 @@ TEST_F(EditMode, TellsWhatIsWrongAndGoesThere) {
     EXPECT_EQ(1, box().textCursor().blockNumber());
     EXPECT_EQ(6, box().textCursor().positionInBlock());
 
-    // Columns count characters, of which some have two units; what a message quotes is no markup.
+    // Columns count characters, some of which have two units; text quoted in a message is not markup.
     const std::string before = toUtf8(line.text());
     box().setPlainText(QString::fromUtf8("'\U0001F600' == `<b>`"));
     EXPECT_EQ("Line 1, column 8: there is no field `&lt;b&gt;`", errorLine(before));
     EXPECT_EQ("`", toUtf8(box().extraSelections()[0].cursor.selectedText()));
     const std::string second = toUtf8(line.text());
     box().setPlainText(QStringLiteral("`Count` > 1 and `Value` > 10"));
-    EXPECT_EQ("Warning: line 1, column 25: this compares texts, among which '9' stands behind '10'; to compare numbers "
+    EXPECT_EQ("Warning: line 1, column 25: this compares texts, where '9' comes after '10'; to compare numbers "
               "write tonumber(`Value`)",
               errorLine(second));
-    EXPECT_TRUE(box().extraSelections().isEmpty()) << "it is no mistake";
+    EXPECT_TRUE(box().extraSelections().isEmpty()) << "it is not an error";
     Q_EMIT line.linkActivated(QStringLiteral("#"));
     EXPECT_EQ(24, box().textCursor().positionInBlock());
     const std::string third = toUtf8(line.text());
@@ -151,9 +151,10 @@ TEST_F(EditMode, PastesFunctionsFieldsAndWhatIsOnTheClipboard) {
         EXPECT_EQ("inlist", toUtf8(names.currentItem()->text()));
         QTest::keyClick(&search, Qt::Key_Down);
         EXPECT_EQ("instr", toUtf8(names.currentItem()->text()));
-        EXPECT_TRUE(child<QPlainTextEdit>(over, "description")
-                        .toPlainText()
-                        .startsWith(QLatin1String("integer instr(string, string, integer)\n\nWhere the second")));
+        EXPECT_TRUE(
+            child<QPlainTextEdit>(over, "description")
+                .toPlainText()
+                .startsWith(QLatin1String("integer instr(string, string, integer)\n\nThe position of the second")));
         shoot(over, "functions");
         QTest::keyClick(&search, Qt::Key_Return);
     });

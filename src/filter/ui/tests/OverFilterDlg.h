@@ -88,7 +88,7 @@ class OverFilterDlg : public ::testing::Test {
     }
     ExpressionBox& box() { return child<ExpressionBox>(*dialog, "expression"); }
     std::string text() { return toUtf8(box().Text()); }
-    /// Those of these that are enabled, with a blank behind each.
+    /// The enabled ones of these, each followed by a blank.
     std::string enabled(const std::vector<const char*>& names) {
         std::string list;
         for (const char* name : names) {

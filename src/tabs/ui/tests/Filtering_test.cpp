@@ -217,7 +217,7 @@ TEST_F(Filtering, GoesByTheValuesThatAreSelected) {
     // A filter that was written as an expression cannot be extended.
     set("`Count` > 0");
     tab().SubjectChanged();
-    m_messages.expectWarn("The filter was written as an expression, so that no value can be added to it. Edit the "
+    m_messages.expectWarn("The filter was written as an expression, so values cannot be added to it. Edit the "
                           "expression, or stop filtering first.");
     choose({0}, "filterToValue");
     EXPECT_EQ("Only rows with: `Count` > 0", line());

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "base/Result.h"
+#include "profiling/ColumnValues.h"
+#include "profiling/PackedResult.h"
+#include "repository/Facts.h"
+#include "repository/PlacePages.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tavix::profiling {
+
+/// Everything that a run stores about one field. `facts` refers to `packed`.
+struct FieldProfile {
+    repository::FieldFacts facts;
+    std::unique_ptr<PackedResult> packed;
+    std::vector<repository::PlacePage> offsetIndex; ///< not set by profileField()
+};
+
+struct ProfilingContext {
+    SpillFile& file;
+    ByteStore& store; ///< for packed blocks
+    StopSignal& stop;
+    std::size_t memory =
+        0; ///< bytes for lists that grow with the values: all lists of a spilled column, else the patterns
+    unsigned threads = 1; ///< for a long column, including the caller
+};
+
+/// The memory that profileField() needs besides the values when they are in memory.
+[[nodiscard]] std::size_t profilingMemory(const ColumnValues& values);
+
+/// Computes the metrics of a column from its counted values and packs its distributions. Uses up the values. The result
+/// does not depend on whether the values are in memory or were spilled. `ordinal` counts from 1. Fails when a file
+/// fails, and with StopSignal::stopped().
+[[nodiscard]] Result<FieldProfile> profileField(ColumnValues& values, const std::string& name, int ordinal,
+                                                const ProfilingContext& context);
+
+} // namespace tavix::profiling
