@@ -36,22 +36,16 @@ KvbString CacheCursor::getColumnName(int column) const {
 }
 
 KvbString CacheCursor::getColumnValue(int column) const {
-    const KvbDatavar* value = cell(column);
+    const KvbDatavar* value = find(column);
     return value && !value->isNull() ? value->toText() : KvbString("");
 }
 
-int CacheCursor::getColumnInt(int column) const {
-    const KvbDatavar* value = cell(column);
-    return value ? value->toInt() : 0;
-}
-
-double CacheCursor::getColumnDouble(int column) const {
-    const KvbDatavar* value = cell(column);
-    return value ? value->toDouble() : 0.0;
+KvbDatavar CacheCursor::cell(int column) const {
+    return *find(column);
 }
 
 bool CacheCursor::isColumnNull(int column) const {
-    const KvbDatavar* value = cell(column);
+    const KvbDatavar* value = find(column);
     return !value || value->isNull();
 }
 
@@ -60,11 +54,11 @@ bool CacheCursor::isColumnValid(int) const {
 }
 
 void CacheCursor::setColumnValue(int column, KvbDatavar value) {
-    if (cell(column))
+    if (find(column))
         (*m_current)[static_cast<std::size_t>(column)] = std::move(value);
 }
 
-const KvbDatavar* CacheCursor::cell(int column) const {
+const KvbDatavar* CacheCursor::find(int column) const {
     auto index = static_cast<std::size_t>(column);
     if (m_current == m_rows.end() || column < 0 || index >= m_current->size())
         return nullptr;

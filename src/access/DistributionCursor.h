@@ -11,7 +11,7 @@ namespace tavix {
 
 /// The rows of a stored distribution, or those that a filter lets pass, in the order in which they are shown; a block
 /// is read when its first row is asked for.
-class DistributionCursor final : public ProfileCursor {
+class DistributionCursor final : public CellCursor {
   public:
     /// Reads the first block at once, so that a distribution that cannot be read fails here. `rows` is its length;
     /// the layout is that of getFreqDist, getPatternDist or getPKFKAnalysisOutliers. Without a filter all rows pass.
@@ -24,12 +24,11 @@ class DistributionCursor final : public ProfileCursor {
     bool next() override;
     [[nodiscard]] int getColumnCount() const override;
     [[nodiscard]] KvbString getColumnName(int column) const override;
-    [[nodiscard]] KvbString getColumnValue(int column) const override;
-    [[nodiscard]] int getColumnInt(int column) const override;
-    [[nodiscard]] double getColumnDouble(int column) const override;
     [[nodiscard]] bool isColumnNull(int column) const override;
-    [[nodiscard]] bool isColumnValid(int column) const override;
     [[nodiscard]] KvbString getWarning() const override;
+
+  protected:
+    [[nodiscard]] KvbDatavar cell(int column) const override;
 
   private:
     enum class Role { None, Rank, Value, Count };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "access/ProfileCursor.h"
+#include "access/CellCursor.h"
 #include "access/StatementCursor.h"
 #include "base/Result.h"
 #include "sql/Connection.h"
@@ -13,7 +13,7 @@ namespace tavix {
 
 /// The rows that violate a rule: the bookkeeping columns of layout::BusinessRuleRowLog, then a column for each field of
 /// the rule's row log.
-class RuleRowCursor final : public ProfileCursor {
+class RuleRowCursor final : public CellCursor {
   public:
     /// `statement` is bound and belongs to the session; it gives the bookkeeping columns of a row and then its stored
     /// values, of which those for `fields` are shown.
@@ -23,11 +23,10 @@ class RuleRowCursor final : public ProfileCursor {
     bool next() override;
     [[nodiscard]] int getColumnCount() const override;
     [[nodiscard]] KvbString getColumnName(int column) const override;
-    [[nodiscard]] KvbString getColumnValue(int column) const override;
-    [[nodiscard]] int getColumnInt(int column) const override;
-    [[nodiscard]] double getColumnDouble(int column) const override;
     [[nodiscard]] bool isColumnNull(int column) const override;
-    [[nodiscard]] bool isColumnValid(int column) const override;
+
+  protected:
+    [[nodiscard]] KvbDatavar cell(int column) const override;
 
   private:
     RuleRowCursor(std::unique_ptr<StatementCursor> rows, std::vector<KvbString> fields);

@@ -2,7 +2,6 @@
 
 #include "access/StatementCursor.h"
 #include "base/GenException.h"
-#include "base/KvbDatavar.h"
 
 namespace tavix {
 
@@ -13,14 +12,6 @@ bool MatchRowCursor::next() {
     if (!isOnRow && !m_rows.isComplete())
         throw GenException(kReadingStopped);
     return isOnRow;
-}
-
-int MatchRowCursor::getColumnInt(int column) const {
-    return KvbDatavar(m_rows.value(column)).toInt();
-}
-
-double MatchRowCursor::getColumnDouble(int column) const {
-    return KvbDatavar(m_rows.value(column)).toDouble();
 }
 
 } // namespace tavix

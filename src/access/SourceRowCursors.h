@@ -1,7 +1,7 @@
 #pragma once
 
+#include "access/CellCursor.h"
 #include "access/PrViewerDrillCursor.h"
-#include "access/ProfileCursor.h"
 #include "access/SourceRows.h"
 
 #include <cstdint>
@@ -27,20 +27,19 @@ class DrillRowCursor final : public PrViewerDrillCursor {
 };
 
 /// Source rows as drillDownMatch gives them.
-class MatchRowCursor final : public ProfileCursor {
+class MatchRowCursor final : public CellCursor {
   public:
-    /// Passes over the first rows, as many as `skip` says.
+    /// Skips the first `skip` rows.
     MatchRowCursor(SourceRows rows, std::int64_t skip) : m_rows(std::move(rows)), m_skip(skip) {}
 
     bool next() override;
     [[nodiscard]] int getColumnCount() const override { return m_rows.columnCount(); }
     [[nodiscard]] KvbString getColumnName(int column) const override { return m_rows.name(column); }
-    [[nodiscard]] KvbString getColumnValue(int column) const override { return m_rows.value(column); }
-    [[nodiscard]] int getColumnInt(int column) const override;
-    [[nodiscard]] double getColumnDouble(int column) const override;
-    [[nodiscard]] bool isColumnNull(int column) const override { return m_rows.value(column).isNull(); }
-    [[nodiscard]] bool isColumnValid(int column) const override { return column >= 0 && column < m_rows.columnCount(); }
+    [[nodiscard]] bool isColumnNull(int column) const override { return m_rows.isNull(column); }
     [[nodiscard]] KvbString getWarning() const override { return m_rows.warning(); }
+
+  protected:
+    [[nodiscard]] KvbDatavar cell(int column) const override { return m_rows.value(column); }
 
   private:
     SourceRows m_rows;

@@ -28,12 +28,15 @@ class SourceRows {
     /// For a column that there is not: a null text, kvbType::Text.
     [[nodiscard]] KvbString name(int column) const;
     [[nodiscard]] kvbType type(int column) const;
-    /// Null too when there is no current row.
+    [[nodiscard]] bool isNull(int column) const { return !cell(column) || cell(column)->isNull; }
+    /// Null without a current row.
     [[nodiscard]] KvbString value(int column) const;
 
   private:
     /// False at the end, or when the sink wants no more.
     bool readBlock();
+    /// Null without a current row and outside its columns.
+    [[nodiscard]] const source::Cell* cell(int column) const;
     [[nodiscard]] bool has(int column) const { return column >= 0 && column < columnCount(); }
 
     DrillSource m_source;

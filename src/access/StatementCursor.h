@@ -1,8 +1,8 @@
 #pragma once
 
+#include "access/CellCursor.h"
 #include "access/Layouts.h"
 #include "access/PrViewDisplayMessage.h"
-#include "access/ProfileCursor.h"
 #include "base/Result.h"
 #include "sql/Connection.h"
 
@@ -19,7 +19,7 @@ struct ViewerSession {
 };
 
 /// The rows of a query, read one by one as they are asked for.
-class StatementCursor final : public ProfileCursor {
+class StatementCursor final : public CellCursor {
   public:
     /// Reads the first row at once, so that a query that cannot run fails here. `statement` is bound and belongs to
     /// the session; its columns are those of the layout.
@@ -29,11 +29,10 @@ class StatementCursor final : public ProfileCursor {
     bool next() override;
     [[nodiscard]] int getColumnCount() const override;
     [[nodiscard]] KvbString getColumnName(int column) const override;
-    [[nodiscard]] KvbString getColumnValue(int column) const override;
-    [[nodiscard]] int getColumnInt(int column) const override;
-    [[nodiscard]] double getColumnDouble(int column) const override;
     [[nodiscard]] bool isColumnNull(int column) const override;
-    [[nodiscard]] bool isColumnValid(int column) const override;
+
+  protected:
+    [[nodiscard]] KvbDatavar cell(int column) const override;
 
   private:
     enum class Position { BeforeFirst, OnRow, AtEnd };

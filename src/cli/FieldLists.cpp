@@ -123,10 +123,6 @@ std::int64_t readPatternTotal(Session& session, const FieldEntry& field) {
     return 0;
 }
 
-std::int64_t wholeNumber(const ProfileCursor& cursor, int column) {
-    return KvbDatavar(cursor.getColumnValue(column)).toInt64();
-}
-
 Column::Kind valueKind(const FieldEntry& field) {
     return isNumericTypeCode(field.typeCode) ? Column::Kind::Number : Column::Kind::Text;
 }
@@ -177,7 +173,7 @@ ChosenRows openFiltered(Session& session, const FieldEntry& field, const Distrib
     std::int64_t total = 0;
     for (; sums->next(); ++rows.count) {
         stopIfInterrupted();
-        total += saturateToInt64(sums->getColumnDouble(access.countColumn));
+        total += sums->getColumnInt64(access.countColumn);
     }
     if (const KvbString warning = sums->getWarning(); !warning.isNull())
         say(warning.view());
@@ -259,7 +255,7 @@ void listValues(Session& session, Listing& listing, const FieldEntry& field, con
                    false,
                    kNullValue});
     for (std::int64_t shown = 0; shown < choice.limit && rows.cursor->next(); ++shown) {
-        const std::int64_t times = wholeNumber(*rows.cursor, layout::FreqCount);
+        const std::int64_t times = rows.cursor->getColumnInt64(layout::FreqCount);
         listing.row(Row{rows.cursor->getColumnValue(layout::FreqValue), times, percentCell(rows.share, times)});
     }
     listing.end();
@@ -277,8 +273,8 @@ void listPatterns(Session& session, Listing& listing, const FieldEntry& field, c
     const ProfileCursor& patterns = *rows.cursor;
     for (std::int64_t shown = 0; shown < choice.limit && rows.cursor->next(); ++shown) {
         const KvbString pattern = patterns.getColumnValue(layout::PatternText);
-        const std::int64_t times = wholeNumber(patterns, layout::PatternCountColumn);
-        listing.row(Row{wholeNumber(patterns, layout::PatternRank), pattern,
+        const std::int64_t times = patterns.getColumnInt64(layout::PatternCountColumn);
+        listing.row(Row{patterns.getColumnInt64(layout::PatternRank), pattern,
                         session.viewer().getAbbreviatedPattern(pattern), times, percentCell(rows.share, times)});
     }
     listing.end();
@@ -308,7 +304,7 @@ void listOutliers(Session& session, Listing& listing, const FieldEntry& field, s
     for (std::int64_t shown = 0; shown < limit && outliers->next(); ++shown) {
         const bool isLow = outliers->getColumnValue(layout::OutlierSideLetter) == KvbString("L");
         listing.row(Row{isLow ? "low" : "high", outliers->getColumnInt(layout::OutlierPosition) + 1,
-                        outliers->getColumnValue(layout::OutlierValue), wholeNumber(*outliers, layout::OutlierCount),
+                        outliers->getColumnValue(layout::OutlierValue), outliers->getColumnInt64(layout::OutlierCount),
                         fenceCell(outliers->getColumnInt(layout::OutlierFence))});
     }
     listing.end();

@@ -24,10 +24,6 @@ std::vector<std::string> namesOf(const std::vector<Entry>& entries) {
     return names;
 }
 
-std::int64_t wholeNumber(const ProfileCursor& cursor, int column) {
-    return KvbDatavar(cursor.getColumnValue(column)).toInt64();
-}
-
 TableEntry readTable(const ProfileCursor& cursor, const std::string& dataSource) {
     TableEntry table;
     table.id = cursor.getColumnInt(layout::TableId);
@@ -36,10 +32,10 @@ TableEntry readTable(const ProfileCursor& cursor, const std::string& dataSource)
     table.dataSource = dataSource;
     const KvbString kind = cursor.getColumnValue(layout::TableKindLetter);
     table.kind = kind.isEmpty() ? 'Y' : kind.view().front();
-    table.fields = wholeNumber(cursor, layout::TableFields);
-    table.totalRecords = wholeNumber(cursor, layout::TableTotalRecords);
-    table.processedRecords = wholeNumber(cursor, layout::TableProcessedRecords);
-    table.damagedRecords = wholeNumber(cursor, layout::TableDamagedRecords);
+    table.fields = cursor.getColumnInt64(layout::TableFields);
+    table.totalRecords = cursor.getColumnInt64(layout::TableTotalRecords);
+    table.processedRecords = cursor.getColumnInt64(layout::TableProcessedRecords);
+    table.damagedRecords = cursor.getColumnInt64(layout::TableDamagedRecords);
     table.base = cursor.getColumnValue(layout::TableBase).str();
     table.isSample = table.kind != 'D' && table.processedRecords < table.totalRecords;
     return table;

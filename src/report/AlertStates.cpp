@@ -1,5 +1,6 @@
 #include "report/AlertStates.h"
 
+#include "access/CursorText.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
 #include "base/GenException.h"
@@ -17,10 +18,6 @@ namespace {
 
 constexpr int kAllTables = -1;
 
-std::string text(const ProfileCursor& cursor, int column) {
-    return cursor.getColumnValue(column).str();
-}
-
 /// The figure of a run, and of those before it, the latest first.
 struct Figures {
     std::optional<double> current;
@@ -34,10 +31,10 @@ class Reader {
         m_isLatest = runs->next() && runs->getColumnInt(layout::JobRunId) == m_run;
         const ProfileCursorHandle metrics = checked(viewer.getCustomMetrics(kAllTables));
         while (metrics->next())
-            m_names[text(*metrics, layout::CustomMetricKey)] = text(*metrics, layout::CustomMetricName);
+            m_names[textAt(*metrics, layout::CustomMetricKey)] = textAt(*metrics, layout::CustomMetricName);
         const ProfileCursorHandle rules = checked(viewer.getBusinessRules(kAllTables));
         while (rules->next())
-            m_names[text(*rules, layout::RuleKey)] = text(*rules, layout::RuleName);
+            m_names[textAt(*rules, layout::RuleKey)] = textAt(*rules, layout::RuleName);
     }
 
     std::vector<AlertState> read() {
@@ -70,11 +67,11 @@ class Reader {
             state.job = static_cast<int>(*job);
         if (state.job != m_job)
             return state;
-        state.dataSource = text(alert, layout::AlertDsn);
-        const std::string object = text(alert, layout::AlertObject);
-        state.table = object.empty() ? text(alert, layout::AlertTable) : object;
-        state.subject = alertSubjectOf(text(alert, layout::AlertTypeCode));
-        state.description = text(alert, layout::AlertDescription);
+        state.dataSource = textAt(alert, layout::AlertDsn);
+        const std::string object = textAt(alert, layout::AlertObject);
+        state.table = object.empty() ? textAt(alert, layout::AlertTable) : object;
+        state.subject = alertSubjectOf(textAt(alert, layout::AlertTypeCode));
+        state.description = textAt(alert, layout::AlertDescription);
 
         AlertRule rule;
         rule.value1 = parseNumber(property("VALUE1")).value_or(0);
@@ -88,12 +85,12 @@ class Reader {
         if (state.subject == AlertSubject::StandardMetric) {
             const auto id = static_cast<int>(std::clamp<std::int64_t>(decimalPrefix(property("METRIC")), -1, 1000));
             const MetricInfo* const metric = findMetric(id);
-            state.input = text(alert, layout::AlertInput);
+            state.input = textAt(alert, layout::AlertInput);
             state.metric = metric ? metric->name : "";
             if (metric && isRule)
                 figures = metricFigures(alert, metric->id, rule);
         } else {
-            const std::string key = text(alert, layout::AlertKey);
+            const std::string key = textAt(alert, layout::AlertKey);
             const auto name = m_names.find(key);
             state.input = name == m_names.end() ? key : name->second;
             state.metric = property("METRIC");
@@ -115,7 +112,7 @@ class Reader {
         std::map<std::string, std::string> properties;
         const ProfileCursorHandle cursor = checked(m_viewer.getAlertProperties(alert));
         while (cursor->next())
-            properties[text(*cursor, layout::AlertPropertyName)] = text(*cursor, layout::AlertPropertyValue);
+            properties[textAt(*cursor, layout::AlertPropertyName)] = textAt(*cursor, layout::AlertPropertyValue);
         return properties;
     }
 
@@ -141,26 +138,27 @@ class Reader {
         // Of the latest run only as much of the past is read as the rule looks at. A run without the figure does not
         // count, so that some more may be needed; those are taken from twice as many.
         const int limit = !m_isLatest ? 0 : isChange(rule.comparison) ? 2 * rule.runs + 1 : 1;
-        const ProfileCursorHandle history = checked(m_viewer.getFieldHistory(
-            text(alert, layout::AlertDsn), text(alert, layout::AlertCatalog), text(alert, layout::AlertSchema),
-            text(alert, layout::AlertTable), text(alert, layout::AlertObject), text(alert, layout::AlertInput), limit));
+        const ProfileCursorHandle history = checked(
+            m_viewer.getFieldHistory(textAt(alert, layout::AlertDsn), textAt(alert, layout::AlertCatalog),
+                                     textAt(alert, layout::AlertSchema), textAt(alert, layout::AlertTable),
+                                     textAt(alert, layout::AlertObject), textAt(alert, layout::AlertInput), limit));
         const int column = layout::kFieldHistoryMetrics + static_cast<int>(metric);
-        return collect(history, [&](const ProfileCursor& row) { return parseNumber(text(row, column)); });
+        return collect(history, [&](const ProfileCursor& row) { return parseNumber(textAt(row, column)); });
     }
 
     Figures customFigures(const std::string& key) {
         return collect(checked(m_viewer.getCustomMetricHistory(key)), [](const ProfileCursor& row) {
-            return parseNumber(text(row, layout::MetricHistoryOutputValue));
+            return parseNumber(textAt(row, layout::MetricHistoryOutputValue));
         });
     }
 
     Figures ruleFigures(const std::string& key, const AlertRule& rule) {
         return collect(checked(m_viewer.getBusinessRuleHistory(key)),
                        [&](const ProfileCursor& row) -> std::optional<double> {
-                           const auto failed = parseNumber(text(row, layout::RuleHistoryFailedRows));
+                           const auto failed = parseNumber(textAt(row, layout::RuleHistoryFailedRows));
                            if (!failed || !rule.ofFailedPercent)
                                return failed;
-                           const auto all = parseNumber(text(row, layout::RuleHistoryCheckedRows));
+                           const auto all = parseNumber(textAt(row, layout::RuleHistoryCheckedRows));
                            return all && *all > 0 ? std::optional(100 * *failed / *all) : std::nullopt;
                        });
     }

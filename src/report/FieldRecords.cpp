@@ -1,34 +1,26 @@
 #include "report/FieldRecords.h"
 
+#include "access/CursorText.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
 #include "base/GenException.h"
-#include "base/NumberText.h"
 
 namespace tavix {
 
 namespace {
 
-std::string text(const ProfileCursor& cursor, int column) {
-    return cursor.getColumnValue(column).str();
-}
-
-std::int64_t count(const ProfileCursor& cursor, int column, std::int64_t ofNull) {
-    return cursor.isColumnNull(column) ? ofNull : parseInteger(text(cursor, column)).value_or(ofNull);
-}
-
 FieldRecord readField(const ProfileCursor& cursor, int firstMetric) {
     using namespace layout;
     FieldRecord field;
     field.id = cursor.getColumnInt(FieldId);
-    field.name = text(cursor, FieldName);
-    field.typeCode = text(cursor, FieldTypeCode);
+    field.name = textAt(cursor, FieldName);
+    field.typeCode = textAt(cursor, FieldTypeCode);
     for (std::size_t i = 0; i < field.metrics.size(); ++i)
         field.metrics[i] = cursor.getColumnValue(firstMetric + static_cast<int>(i));
-    field.freqCount = count(cursor, tailColumn(firstMetric, TailFreqCount), 0);
-    field.patternCount = count(cursor, tailColumn(firstMetric, TailPatternCount), 0);
+    field.freqCount = cursor.getColumnInt64(tailColumn(firstMetric, TailFreqCount));
+    field.patternCount = cursor.getColumnInt64(tailColumn(firstMetric, TailPatternCount));
     field.tableId = cursor.getColumnInt(tailColumn(firstMetric, TailTableId));
-    field.quantileRule = text(cursor, tailColumn(firstMetric, TailQuantileRule));
+    field.quantileRule = textAt(cursor, tailColumn(firstMetric, TailQuantileRule));
     return field;
 }
 
@@ -42,21 +34,21 @@ bool isMeasured(const ProfileCursor& cursor) {
 TableIdentity readTable(const ProfileCursor& cursor, const std::string& dataSource) {
     using namespace layout;
     TableIdentity table;
-    const std::string kind = text(cursor, TableKindLetter);
+    const std::string kind = textAt(cursor, TableKindLetter);
     table.kind = kind.empty() ? 'Y' : kind.front();
     table.id = cursor.getColumnInt(TableId);
     table.dataSource = dataSource;
-    table.catalog = text(cursor, TableCatalog);
-    table.schema = text(cursor, TableSchema);
-    table.name = text(cursor, TableName);
-    table.objectName = text(cursor, TableObjectName);
-    table.baseTable = text(cursor, TableBase);
-    table.query = text(cursor, TableQuery);
-    table.filter = text(cursor, TableFilter);
+    table.catalog = textAt(cursor, TableCatalog);
+    table.schema = textAt(cursor, TableSchema);
+    table.name = textAt(cursor, TableName);
+    table.objectName = textAt(cursor, TableObjectName);
+    table.baseTable = textAt(cursor, TableBase);
+    table.query = textAt(cursor, TableQuery);
+    table.filter = textAt(cursor, TableFilter);
     if (table.filter.empty())
-        table.filter = text(cursor, TableAlternateFilter);
-    table.totalRecords = count(cursor, TableTotalRecords, -1);
-    table.processedRecords = count(cursor, TableProcessedRecords, -1);
+        table.filter = textAt(cursor, TableAlternateFilter);
+    table.totalRecords = int64Or(cursor, TableTotalRecords, -1);
+    table.processedRecords = int64Or(cursor, TableProcessedRecords, -1);
     return table;
 }
 

@@ -74,7 +74,7 @@ std::vector<Table> tablesOf(PrViewer& viewer) {
         const KvbString object = cursor->getColumnValue(layout::TableObjectName);
         table.name = (object.isEmpty() ? cursor->getColumnValue(layout::TableName) : object).str();
         for (std::size_t i = 0; i < kRecordColumns.size(); ++i)
-            table.records[i] = KvbDatavar(cursor->getColumnValue(kRecordColumns[i].first)).toInt64();
+            table.records[i] = cursor->getColumnInt64(kRecordColumns[i].first);
         tables.push_back(std::move(table));
     }
     return tables;
@@ -113,8 +113,8 @@ std::vector<Computed> rulesOf(PrViewer& viewer, int table) {
     std::vector<Computed> rules;
     const ProfileCursorHandle cursor = checked(viewer, viewer.getBusinessRules(table));
     while (cursor->next()) {
-        const std::int64_t failed = KvbDatavar(cursor->getColumnValue(layout::RuleFailedRows)).toInt64();
-        const std::int64_t all = KvbDatavar(cursor->getColumnValue(layout::RuleCheckedRows)).toInt64();
+        const std::int64_t failed = cursor->getColumnInt64(layout::RuleFailedRows);
+        const std::int64_t all = cursor->getColumnInt64(layout::RuleCheckedRows);
         rules.push_back({cursor->getColumnValue(layout::RuleName).str(),
                          cursor->getColumnValue(layout::RuleCondition).str(), failed, percentOf(failed, all)});
     }
@@ -153,9 +153,7 @@ class StoredTexts final : public CountedTexts {
             if (m_pulse && row % kRowsPerPulse == 0)
                 m_pulse();
             const KvbString text = cursor->getColumnValue(textColumn);
-            // Counts of rows are whole numbers far below 2^53.
-            const auto count = static_cast<std::int64_t>(cursor->getColumnDouble(countColumn));
-            if (!visitor(text.view(), text.isNull(), count))
+            if (!visitor(text.view(), text.isNull(), cursor->getColumnInt64(countColumn)))
                 return;
         }
     }
