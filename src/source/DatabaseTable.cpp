@@ -2,7 +2,6 @@
 
 #include "source/OdbcCatalogue.h"
 #include "source/OdbcStatement.h"
-#include "source/SqliteText.h"
 
 #include <fmt/format.h>
 
@@ -106,7 +105,7 @@ Status DatabaseTable::resolveQuery() {
         const bool isGuess = column.kind == DeclaredColumn::Kind::LongText ||
                              column.kind == DeclaredColumn::Kind::Binary || column.length == 255 ||
                              (column.length == 28 && column.decimalPlaces == 6);
-        if (isGuess && m_connection->dialect().writesText) {
+        if (isGuess && m_connection->dialect().writesText()) {
             column.length.reset();
             column.decimalPlaces.reset();
         }
@@ -151,7 +150,7 @@ SqlText DatabaseTable::rows() const {
 SqlText DatabaseTable::counts(std::size_t column) const {
     const SqlDialect& dialect = m_connection->dialect();
     const std::string text = dialect.textOf(m_quoted[column], m_columns[column]);
-    if (!dialect.writesText)
+    if (!dialect.writesText())
         return {fmt::format("SELECT {0}, COUNT(*) FROM {1} GROUP BY {0}", text, m_from)};
     return {fmt::format("{}SELECT v, COUNT(*) FROM (SELECT {}{} AS v FROM {}) AS s GROUP BY v", intro(), text,
                         dialect.exactCollation, m_from)};
@@ -175,7 +174,7 @@ SqlText DatabaseTable::matches(std::size_t column, const std::optional<std::stri
     const std::string& name = m_quoted[column];
     if (!value) {
         text.sql += fmt::format(" WHERE {} IS NULL", name);
-    } else if (dialect.snapshot == SqlDialect::Snapshot::Transaction && !isSentAsItIs(*value)) {
+    } else if (!dialect.canCompare(*value)) {
         return text;
     } else {
         text.sql += " WHERE ";

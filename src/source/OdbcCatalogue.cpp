@@ -81,7 +81,7 @@ std::string suggestions(const OdbcConnection& connection, const std::string& nam
     return list;
 }
 
-/// "VARCHAR(20)" tells its length, "NUMERIC(10,2)" its digits; what drivers make of them differs.
+/// Takes the length from "VARCHAR(20)", the digits from "NUMERIC(10,2)"; what drivers report instead differs.
 void readDeclaration(DeclaredColumn& column) {
     column.length.reset();
     column.decimalPlaces.reset();
@@ -102,7 +102,7 @@ void readDeclaration(DeclaredColumn& column) {
         column.typeName.pop_back();
 }
 
-/// `modifierPlace`: of a column beside the standard's that tells what the declaration says behind the type.
+/// `modifierPlace`: the index of a non-standard column that holds the modifier of the declared type.
 DeclaredColumn columnIn(const Row& row, const SqlDialect& dialect, std::optional<std::size_t> modifierPlace) {
     DeclaredColumn column;
     column.name = text(row, Name);
@@ -113,7 +113,7 @@ DeclaredColumn columnIn(const Row& row, const SqlDialect& dialect, std::optional
         column.decimalPlaces = integer(text(row, Places));
     if (const auto nullable = integer(text(row, Nullable)); nullable && *nullable < 2)
         column.isNullable = *nullable == 1;
-    if (dialect.snapshot == SqlDialect::Snapshot::Transaction)
+    if (dialect.hasLengthInTypeName)
         readDeclaration(column);
     const bool hasOwnSize = column.kind == Kind::Text || column.kind == Kind::FixedText || column.kind == Kind::Decimal;
     if (modifierPlace && hasOwnSize && text(row, *modifierPlace) == "-1") {

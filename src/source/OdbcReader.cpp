@@ -76,8 +76,7 @@ Status OdbcReader::bind(std::span<const DeclaredColumn> columns) {
     for (std::size_t c = 0; c < columns.size(); ++c) {
         Column& column = m_columns[c];
         const auto longest = columns[c].longestText();
-        // A database file declares lengths and keeps none of them.
-        const bool isSure = longest && m_connection.dialect().snapshot != SqlDialect::Snapshot::Transaction;
+        const bool isSure = longest && !m_connection.dialect().ignoresDeclaredLength;
         column.isWide = !isUtf8;
         // A driver that does not read a bound column again may not let one behind an unbound one be bound either.
         isBindable = isBindable && (isSure || m_connection.traits().readsBoundAgain);

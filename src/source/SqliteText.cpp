@@ -127,7 +127,7 @@ std::string sqliteIndexCondition(const std::string& name, std::string_view text)
     return condition;
 }
 
-bool isSentAsItIs(std::string_view text) {
+bool isSentUnchanged(std::string_view text) {
     // U+FFFD may stand for bytes that are not UTF-8.
     return text.find('\0') == std::string_view::npos && text.find("\xEF\xBF\xBD") == std::string_view::npos;
 }

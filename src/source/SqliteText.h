@@ -19,7 +19,7 @@ namespace tavix::source {
 /// column serves: all values that are written so. One `?` for the text; empty when there is no such condition.
 [[nodiscard]] std::string sqliteIndexCondition(const std::string& name, std::string_view text);
 
-/// Whether a driver passes the text to the engine, and an equal one back, as it is.
-[[nodiscard]] bool isSentAsItIs(std::string_view text);
+/// Whether a driver passes the text to the engine, and an equal one back, unchanged.
+[[nodiscard]] bool isSentUnchanged(std::string_view text);
 
 } // namespace tavix::source
