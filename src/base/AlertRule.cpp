@@ -1,5 +1,7 @@
 #include "base/AlertRule.h"
 
+#include "base/Ascii.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -24,13 +26,6 @@ constexpr std::array kSubjects{SubjectWords{AlertSubject::StandardMetric, "SM", 
 
 const SubjectWords& wordsOf(AlertSubject subject) {
     return kSubjects[static_cast<std::size_t>(subject)];
-}
-
-// `code` is in capitals.
-bool equalsInAnyCase(std::string_view text, std::string_view code) {
-    return std::equal(text.begin(), text.end(), code.begin(), code.end(), [](char a, char b) {
-        return (a >= 'a' && a <= 'z' ? static_cast<char>(a - 'a' + 'A') : a) == b;
-    });
 }
 
 std::string thresholdText(double value) {
@@ -86,9 +81,9 @@ std::string_view alertTypeCode(AlertSubject subject) {
 }
 
 AlertSubject alertSubjectOf(std::string_view typeCode) {
-    if (equalsInAnyCase(typeCode, "CM"))
+    if (equalsIgnoringAsciiCase(typeCode, "CM"))
         return AlertSubject::CustomMetric;
-    return equalsInAnyCase(typeCode, "BR") ? AlertSubject::BusinessRule : AlertSubject::StandardMetric;
+    return equalsIgnoringAsciiCase(typeCode, "BR") ? AlertSubject::BusinessRule : AlertSubject::StandardMetric;
 }
 
 std::string_view alertTypeWord(AlertSubject subject) {

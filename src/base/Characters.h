@@ -44,6 +44,11 @@ void forEachCharacter(std::string_view text, Visit visit) {
     }
 }
 
+/// Unicode's White_Space; false for a negative number.
+[[nodiscard]] bool isWhiteSpace(std::int32_t character);
+/// White space throughout, or empty.
+[[nodiscard]] bool isBlank(std::string_view text);
+
 /// Writes the one to four bytes of a code point and returns their end.
 inline char* putCharacter(char* to, std::int32_t codePoint) {
     std::size_t size = 0;

@@ -1,5 +1,7 @@
 #include "base/DateText.h"
 
+#include "base/Ascii.h"
+
 #include <fmt/format.h>
 
 #include <chrono>
@@ -14,10 +16,6 @@ constexpr std::int64_t kFirst = std::int64_t{-719162} * kTicksPerDay;  // 0001-0
 constexpr std::int64_t kBehind = std::int64_t{2932897} * kTicksPerDay; // 10000-01-01
 constexpr std::int64_t kFinestDigits = 7;
 
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 /// Takes a date apart from the left. Once a step has failed, all that follow do.
 class Steps {
   public:
@@ -28,7 +26,7 @@ class Steps {
         if (m_rest.size() < count)
             return giveUp();
         for (std::size_t i = 0; i < count; ++i) {
-            if (!isDigit(m_rest[i]))
+            if (!isAsciiDigit(m_rest[i]))
                 return giveUp();
             value = value * 10 + (m_rest[i] - '0');
         }
@@ -49,7 +47,7 @@ class Steps {
     std::int64_t fraction() {
         std::int64_t ticks = 0;
         std::int64_t taken = 0;
-        for (; !m_rest.empty() && isDigit(m_rest.front()); ++taken) {
+        for (; !m_rest.empty() && isAsciiDigit(m_rest.front()); ++taken) {
             if (taken < kFinestDigits)
                 ticks = ticks * 10 + (m_rest.front() - '0');
             m_rest.remove_prefix(1);
@@ -103,7 +101,7 @@ std::int64_t parseTime(Steps& steps) {
 } // namespace
 
 std::optional<std::int64_t> parseDate(std::string_view text) {
-    if (text.size() < 10 || !isDigit(text.front()))
+    if (text.size() < 10 || !isAsciiDigit(text.front()))
         return std::nullopt;
     Steps steps(text);
     const int year = steps.digits(4, 1, 9999);

@@ -1,5 +1,7 @@
 #include "base/NumberText.h"
 
+#include "base/Ascii.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -8,13 +10,7 @@
 
 namespace tavix {
 
-namespace {
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-} // namespace
+namespace {} // namespace
 
 std::string formatInteger(std::int64_t value) {
     std::array<char, 24> buffer{};
@@ -85,7 +81,7 @@ std::optional<double> parseNumber(std::string_view text) {
     }
     const std::string_view unsignedText = text.starts_with('-') ? text.substr(1) : text;
     // from_chars would also take "inf" and "nan", which are words to us.
-    if (unsignedText.empty() || !(isDigit(unsignedText.front()) || unsignedText.front() == '.'))
+    if (unsignedText.empty() || !(isAsciiDigit(unsignedText.front()) || unsignedText.front() == '.'))
         return std::nullopt;
     double value = 0;
     const auto [end, status] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -112,7 +108,7 @@ std::int64_t decimalPrefix(std::string_view text) {
     if (start == std::string_view::npos)
         return 0;
     text.remove_prefix(start);
-    if (text.size() > 1 && text.front() == '+' && isDigit(text[1]))
+    if (text.size() > 1 && text.front() == '+' && isAsciiDigit(text[1]))
         text.remove_prefix(1);
     std::int64_t value = 0;
     const auto status = std::from_chars(text.data(), text.data() + text.size(), value).ec;

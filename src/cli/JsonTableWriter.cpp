@@ -1,5 +1,6 @@
 #include "cli/JsonTableWriter.h"
 
+#include "base/Ascii.h"
 #include "cli/FieldTypes.h"
 
 #include <nlohmann/json.hpp>
@@ -16,8 +17,7 @@ std::string jsonText(std::string_view text) {
 
 bool isJsonNumber(std::string_view text) {
     // The grammar admits no "+5", ".5" or "007", which then stay text.
-    return !text.empty() && (text.front() == '-' || (text.front() >= '0' && text.front() <= '9')) &&
-           nlohmann::json::accept(text);
+    return !text.empty() && (text.front() == '-' || isAsciiDigit(text.front())) && nlohmann::json::accept(text);
 }
 
 bool isNumericType(std::string_view type) {

@@ -57,8 +57,6 @@ void upperAscii(const char* from, std::size_t size, char* to);
 [[nodiscard]] bool hasControlCharacter(std::string_view text);
 /// Sign, digits, decimal point, exponent; no blanks, no words, and within the range of a real.
 [[nodiscard]] bool isNumberText(std::string_view text);
-/// Empty, or white space throughout.
-[[nodiscard]] bool isBlankText(std::string_view text);
 
 /// Below zero, zero, above: by code point, which is the order of the bytes.
 [[nodiscard]] inline int compareTexts(std::string_view left, std::string_view right) {

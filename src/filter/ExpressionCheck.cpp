@@ -1,6 +1,7 @@
 #include "filter/ExpressionCheck.h"
 
 #include "access/FilterCode.h"
+#include "base/Ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -10,16 +11,14 @@ namespace tavix {
 namespace {
 
 bool isNamePart(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+    return isAsciiLetter(c) || isAsciiDigit(c) || c == '_';
 }
 
 bool isWordOfLanguage(std::string_view name) {
     constexpr std::array<std::string_view, 10> kWords = {"if",  "then", "else", "return", "and",
                                                          "not", "or",   "true", "false",  "null"};
-    return std::any_of(kWords.begin(), kWords.end(), [name](std::string_view word) {
-        return std::equal(word.begin(), word.end(), name.begin(), name.end(),
-                          [](char a, char b) { return a == (b >= 'A' && b <= 'Z' ? b - 'A' + 'a' : b); });
-    });
+    return std::any_of(kWords.begin(), kWords.end(),
+                       [name](std::string_view word) { return equalsIgnoringAsciiCase(word, name); });
 }
 
 /// Where what begins at `at` ends; npos when it is still open.
@@ -71,7 +70,7 @@ std::string_view NameBeingWritten(std::string_view written) {
             ++end;
         if (end == written.size()) {
             const std::string_view name = written.substr(at);
-            const bool isNumber = c >= '0' && c <= '9';
+            const bool isNumber = isAsciiDigit(c);
             return isNumber || isWordOfLanguage(name) ? std::string_view() : name;
         }
         at = end;

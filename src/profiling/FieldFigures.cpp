@@ -1,5 +1,6 @@
 #include "profiling/FieldFigures.h"
 
+#include "base/Characters.h"
 #include "base/FreeMemory.h"
 #include "profiling/DistributionOrder.h"
 #include "profiling/LargeIntegers.h"
@@ -257,7 +258,7 @@ class FieldWork {
                 return StopSignal::stopped();
             for (std::size_t i = 0; i < rows->size(); ++i) {
                 const std::string_view text = walk.text(i);
-                if (text.empty() || isBlank(text))
+                if (isBlank(text))
                     continue;
                 if (Status status = byValue.add({keyOf(text, m_form), (*rows)[i].count, text}); !status)
                     return status;
@@ -273,7 +274,7 @@ class FieldWork {
         std::vector<bool> isOther(hasOthers ? entries.size() : 0);
         for (std::size_t i = 0; i < entries.size(); ++i) {
             const std::string_view text = entries[i].text();
-            if (hasOthers && (text.empty() || isBlank(text)))
+            if (hasOthers && isBlank(text))
                 isOther[i] = true;
             else
                 keys[i] = keyOf(text, m_form);

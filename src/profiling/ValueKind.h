@@ -19,9 +19,6 @@ enum class ValueKind : std::uint8_t {
 /// The narrowest kind that the text fits.
 [[nodiscard]] ValueKind kindOf(std::string_view text);
 
-/// White space throughout and not empty (the Unicode property White_Space).
-[[nodiscard]] bool isBlank(std::string_view text);
-
 /// The value of a Boolean.
 [[nodiscard]] bool booleanValue(std::string_view text);
 /// The value of an Integer; none when 64 bits do not hold it.

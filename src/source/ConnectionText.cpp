@@ -1,5 +1,7 @@
 #include "source/ConnectionText.h"
 
+#include "base/Ascii.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -15,14 +17,6 @@ constexpr std::string_view kSpecial = "[]{}(),;?*=!@";
 constexpr std::array<std::string_view, 6> kSecretWords = {"pwd", "password", "passwd", "passphrase", "secret", "token"};
 constexpr std::array<std::string_view, 4> kUserKeys = {"uid", "user", "username", "user name"};
 
-std::string lower(std::string_view text) {
-    std::string out(text);
-    for (char& c : out)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    return out;
-}
-
 std::string_view trimmed(std::string_view text) {
     const auto first = text.find_first_not_of(" \t\r\n");
     if (first == std::string_view::npos)
@@ -31,7 +25,7 @@ std::string_view trimmed(std::string_view text) {
 }
 
 bool namesSecret(std::string_view text) {
-    const std::string folded = lower(text);
+    const std::string folded = asciiLower(text);
     return std::any_of(kSecretWords.begin(), kSecretWords.end(),
                        [&](std::string_view word) { return folded.find(word) != std::string::npos; });
 }
@@ -123,14 +117,14 @@ Result<ConnectionText> ConnectionText::parse(std::string_view text) {
 
 const std::string* ConnectionText::find(std::string_view key) const {
     for (const Setting& setting : m_settings)
-        if (lower(setting.key) == lower(key))
+        if (asciiLower(setting.key) == asciiLower(key))
             return &setting.value;
     return nullptr;
 }
 
 void ConnectionText::set(std::string_view key, std::string_view value) {
     for (Setting& setting : m_settings)
-        if (lower(setting.key) == lower(key)) {
+        if (asciiLower(setting.key) == asciiLower(key)) {
             setting.value = value;
             return;
         }
@@ -158,14 +152,14 @@ std::string ConnectionText::publicText() const {
     std::string text;
     for (const Setting& setting : m_settings)
         if (!isSecret(setting.key, setting.value) &&
-            std::find(kUserKeys.begin(), kUserKeys.end(), lower(setting.key)) == kUserKeys.end())
+            std::find(kUserKeys.begin(), kUserKeys.end(), asciiLower(setting.key)) == kUserKeys.end())
             append(text, setting.key, setting.value);
     return text;
 }
 
 std::string ConnectionText::user() const {
     const auto found = std::find_if(m_settings.begin(), m_settings.end(), [](const Setting& setting) {
-        return std::find(kUserKeys.begin(), kUserKeys.end(), lower(setting.key)) != kUserKeys.end();
+        return std::find(kUserKeys.begin(), kUserKeys.end(), asciiLower(setting.key)) != kUserKeys.end();
     });
     return found == m_settings.end() ? std::string() : found->value;
 }

@@ -1,5 +1,6 @@
 #include "source/OdbcCatalogue.h"
 
+#include "base/Ascii.h"
 #include "source/OdbcStatement.h"
 
 #include <fmt/format.h>
@@ -45,16 +46,10 @@ TableRequest addressIn(const Row& row) {
     return {text(row, Catalog), text(row, Schema), text(row, Table), {}};
 }
 
-std::string lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return text;
-}
-
 /// Letters that two names have at their beginning, case aside, and whether one is within the other.
 std::size_t likeness(const std::string& left, const std::string& right) {
-    const std::string a = lower(left);
-    const std::string b = lower(right);
+    const std::string a = asciiLower(left);
+    const std::string b = asciiLower(right);
     if (a == b)
         return 1000;
     std::size_t common = 0;

@@ -1,5 +1,7 @@
 #include "source/OdbcConnection.h"
 
+#include "base/Ascii.h"
+
 #include <fmt/format.h>
 #include <odbcinst.h>
 #include <sql.h>
@@ -25,12 +27,6 @@ SQLPOINTER word(std::uintptr_t value) {
     return reinterpret_cast<SQLPOINTER>(value); // NOLINT(performance-no-int-to-ptr)
 }
 
-std::string lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return text;
-}
-
 std::string profileText(const std::string& section, const char* key, const char* file) {
     std::array<char, 1024> buffer{};
     SQLGetPrivateProfileString(section.c_str(), key, "", buffer.data(), static_cast<int>(buffer.size()), file);
@@ -45,7 +41,7 @@ std::string driverOf(const ConnectionText& text) {
         driver = *stated;
     else if (const std::string* source = text.find("DSN"))
         driver = profileText(*source, "Driver", "odbc.ini");
-    return lower(driver + " " + profileText(driver, "Driver", "odbcinst.ini"));
+    return asciiLower(driver + " " + profileText(driver, "Driver", "odbcinst.ini"));
 }
 
 /// A driver's habits that would cost memory, or a file. They come before anything is known of the engine.
@@ -120,7 +116,7 @@ Diagnosis diagnose(SQLSMALLINT kind, SQLHANDLE handle) {
 bool isRefusal(const Diagnosis& diagnosis) {
     if (diagnosis.state.starts_with("28"))
         return true;
-    const std::string text = lower(diagnosis.text);
+    const std::string text = asciiLower(diagnosis.text);
     return diagnosis.state.starts_with("08") &&
            (text.find("password") != std::string::npos || text.find("authentication") != std::string::npos ||
             text.find("access denied") != std::string::npos || text.find("role \"") != std::string::npos);
@@ -249,9 +245,8 @@ Result<std::string> OdbcConnection::quoted(std::string_view name) const {
     if (name.empty() || name.find('\0') != std::string_view::npos)
         return Error{fmt::format("\"{}\" is no name of a table or column.", name.substr(0, name.find('\0')))};
     if (m_traits.quote.empty()) {
-        const bool isPlain = std::all_of(name.begin(), name.end(), [](char c) {
-            return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-        });
+        const bool isPlain = std::all_of(name.begin(), name.end(),
+                                         [](char c) { return isAsciiLetter(c) || isAsciiDigit(c) || c == '_'; });
         if (!isPlain)
             return Error{fmt::format("The source \"{}\" has no quotes for the name \"{}\".", m_name, name)};
         return std::string(name);

@@ -1,5 +1,6 @@
 #include "source/SqlDialect.h"
 
+#include "base/Ascii.h"
 #include "source/SqliteText.h"
 
 #include <fmt/format.h>
@@ -57,7 +58,7 @@ bool isInteger(std::string_view text) {
     if (text.starts_with('-'))
         text.remove_prefix(1);
     return !text.empty() && text.size() <= 18 && (text.front() != '0' || text.size() == 1) &&
-           std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+           std::all_of(text.begin(), text.end(), isAsciiDigit);
 }
 
 } // namespace

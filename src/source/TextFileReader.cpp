@@ -1,5 +1,6 @@
 #include "source/TextFileReader.h"
 
+#include "base/Ascii.h"
 #include "base/Encodings.h"
 #include "source/CellText.h"
 #include "source/DelimiterSniffer.h"
@@ -77,9 +78,9 @@ bool looksLikeNames(std::span<const std::string> cells) {
         bool hasDigit = false;
         bool hasLetter = false;
         for (const char c : cell) {
-            hasDigit = hasDigit || (c >= '0' && c <= '9');
-            // Beyond ASCII nearly everything that names are written in is a letter.
-            hasLetter = hasLetter || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c < 0;
+            hasDigit = hasDigit || isAsciiDigit(c);
+            // Nearly every non-ASCII character in a name is a letter.
+            hasLetter = hasLetter || isAsciiLetter(c) || c < 0;
         }
         return hasDigit && !hasLetter;
     });

@@ -1,3 +1,4 @@
+#include "base/Ascii.h"
 #include "sql/ConnectionImpl.h"
 #include "sql/FileCheck.h"
 #include "sql/FileLocks.h"
@@ -32,18 +33,17 @@ bool hasContent(const std::string& path) {
     return ::stat(path.c_str(), &info) == 0 && info.st_size > 0;
 }
 
-/// The path as a URI; every byte that could mean something in one is escaped.
+/// The path as a URI, with every byte escaped that could have a meaning in one.
 std::string toUri(const std::string& path, Access access, bool create) {
     std::error_code ignored;
     std::string uri = "file://";
     for (char character : std::filesystem::absolute(path, ignored).string()) {
-        auto byte = static_cast<unsigned char>(character);
-        bool plain = (byte >= '0' && byte <= '9') || (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
-                     byte == '/' || byte == '.' || byte == '-' || byte == '_';
-        if (plain)
+        const bool isPlain = isAsciiLetter(character) || isAsciiDigit(character) || character == '/' ||
+                             character == '.' || character == '-' || character == '_';
+        if (isPlain)
             uri += character;
         else
-            uri += fmt::format("%{:02X}", byte);
+            uri += fmt::format("%{:02X}", static_cast<unsigned char>(character));
     }
     if (access == Access::Immutable)
         uri += "?mode=ro&immutable=1";

@@ -2,22 +2,12 @@
 
 #include "access/Layouts.h"
 #include "access/ProfileCursor.h"
+#include "base/Ascii.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace tavix {
-
-namespace {
-
-// `code` is in capitals.
-bool equalsInAnyCase(std::string_view text, std::string_view code) {
-    return std::equal(text.begin(), text.end(), code.begin(), code.end(), [](char a, char b) {
-        return (a >= 'a' && a <= 'z' ? static_cast<char>(a - 'a' + 'A') : a) == b;
-    });
-}
-
-} // namespace
 
 CAlertDisplayHelper::CAlertDisplayHelper(NamesByKey customMetrics, NamesByKey businessRules)
     : m_customMetrics(std::move(customMetrics)), m_businessRules(std::move(businessRules)) {}
@@ -35,9 +25,9 @@ std::string CAlertDisplayHelper::InputText(const ProfileCursor& alert) const {
 }
 
 std::string_view CAlertDisplayHelper::TypeWord(std::string_view typeCode) {
-    if (equalsInAnyCase(typeCode, "CM"))
+    if (equalsIgnoringAsciiCase(typeCode, "CM"))
         return "Custom Metric";
-    return equalsInAnyCase(typeCode, "BR") ? "Business Rule" : "Standard Metric";
+    return equalsIgnoringAsciiCase(typeCode, "BR") ? "Business Rule" : "Standard Metric";
 }
 
 } // namespace tavix
