@@ -4,7 +4,7 @@
 #include "access/RowTest.h"
 #include "base/Clock.h"
 #include "base/Result.h"
-#include "repository/FilePlaces.h"
+#include "repository/FileOffsetIndex.h"
 #include "source/Credentials.h"
 #include "source/DatabaseTable.h"
 #include "source/OdbcConnection.h"
@@ -53,7 +53,7 @@ struct DrillTable {
         char quote = '"';          ///< 0: none
         std::vector<File> files{}; ///< one or more
         /// Where the wanted value stood when the run read the file, if the run knows.
-        std::optional<repository::FoundPlaces> places{};
+        std::optional<repository::FoundRanges> places{};
     };
 
     struct Database {

@@ -234,7 +234,7 @@ Result<SourceRows> PrViewer::Impl::sourceRows(int field, const KvbString& value,
     if (!wanted)
         return wanted.error();
     if (wanted->kind == WantedRows::Kind::Value && table->file) {
-        auto places = repository::findPlaces(connection(), {*ofRun, table->id, field}, wanted->text);
+        auto places = repository::findRanges(connection(), {*ofRun, table->id, field}, wanted->text);
         if (!places)
             return places.error();
         table->file->places = std::move(places).value();

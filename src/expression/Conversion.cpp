@@ -1,6 +1,6 @@
 #include "expression/Conversion.h"
 
-#include "base/DateText.h"
+#include "base/DateTicks.h"
 #include "base/NumberText.h"
 #include "expression/TextOperators.h"
 

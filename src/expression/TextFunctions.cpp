@@ -1,6 +1,6 @@
 #include "expression/TextFunctions.h"
 
-#include "base/DateText.h"
+#include "base/DateTicks.h"
 #include "base/NumberText.h"
 #include "expression/ByteSearch.h"
 #include "expression/Conversion.h"

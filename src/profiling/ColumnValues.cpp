@@ -20,7 +20,7 @@ void ColumnValues::countRange(std::span<const source::Cell> cells, std::uint32_t
         (part == 0 ? m_counter : m_others[part - 1]).countPart(cells, part, parts(), marks);
 }
 
-void ColumnValues::count(std::span<const source::Cell> cells, std::span<const source::RowPlace> places,
+void ColumnValues::count(std::span<const source::Cell> cells, std::span<const source::RowOffset> places,
                          std::uint32_t part) {
     if (m_places.empty())
         return countRange(cells, part, nullptr);
@@ -57,7 +57,7 @@ void ColumnValues::giveUpPlaces(const ValueCounter& counter) {
     for (const auto& chunk : counter.entries().chunks())
         for (const Entry& entry : chunk)
             if (entry.count > ValueCounter::kMarkedRows)
-                m_places.front().giveUp(repository::placeBucket(std::uint64_t{entry.hash} << 32));
+                m_places.front().giveUp(repository::offsetIndexBucket(std::uint64_t{entry.hash} << 32));
 }
 
 void ColumnValues::closePlaces() {
@@ -67,9 +67,9 @@ void ColumnValues::closePlaces() {
     m_arePlacesClosed = true;
 }
 
-std::vector<repository::PlacePage> ColumnValues::takePlaces() {
+std::vector<repository::OffsetIndexPage> ColumnValues::takePlaces() {
     const std::vector<ValuePlaces> places = std::exchange(m_places, {});
-    return places.empty() ? std::vector<repository::PlacePage>() : packPlaces(places);
+    return places.empty() ? std::vector<repository::OffsetIndexPage>() : packPlaces(places);
 }
 
 std::size_t ColumnValues::valuesInMemory() const {

@@ -26,7 +26,7 @@ class ColumnValues {
     /// To note where the values stand; behind divide(), before the first value.
     void keepPlaces() { m_places.resize(parts()); }
     /// `places` divides the cells into ranges, from the first cell to behind the last one; without need of them, any.
-    void count(std::span<const source::Cell> cells, std::span<const source::RowPlace> places, std::uint32_t part);
+    void count(std::span<const source::Cell> cells, std::span<const source::RowOffset> places, std::uint32_t part);
     /// Makes counter() hold all values that are in memory; nothing can be counted after it.
     void unite();
 
@@ -58,7 +58,7 @@ class ColumnValues {
     void closePlaces();
     /// In which of the ranges, counted over all calls of count(), the values stand; none when that was not kept. They
     /// were closed before, and another thread may compute with the values meanwhile.
-    [[nodiscard]] std::vector<repository::PlacePage> takePlaces();
+    [[nodiscard]] std::vector<repository::OffsetIndexPage> takePlaces();
     /// Forgets the values, but not their places.
     void clearValues(SpillFile& file);
     /// Forgets everything.

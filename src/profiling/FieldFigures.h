@@ -5,7 +5,7 @@
 #include "profiling/OrderFigures.h"
 #include "profiling/PackedResult.h"
 #include "repository/Facts.h"
-#include "repository/PlacePages.h"
+#include "repository/OffsetIndexPages.h"
 
 #include <memory>
 #include <string>
@@ -17,7 +17,7 @@ namespace tavix::profiling {
 struct FieldFigures {
     repository::FieldFacts facts;
     std::unique_ptr<PackedResult> packed;
-    std::vector<repository::PlacePage> places; ///< not by computeFigures()
+    std::vector<repository::OffsetIndexPage> places; ///< not by computeFigures()
 };
 
 /// What computing takes from outside.

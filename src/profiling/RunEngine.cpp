@@ -202,7 +202,7 @@ Result<std::vector<FieldFigures>> RunEngine::figures(TablePass& pass, const Alon
         columns[i]->closePlaces();
         return {};
     });
-    std::vector<std::vector<repository::PlacePage>> places(columns.size());
+    std::vector<std::vector<repository::OffsetIndexPage>> places(columns.size());
     if (status)
         status = divide(1 + columns.size() * 2, [&](std::size_t i) -> Status {
             if (i == 0)

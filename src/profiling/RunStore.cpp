@@ -13,7 +13,7 @@ constexpr std::chrono::minutes kPatience{10};
 std::size_t sizeOf(const FieldFigures& field) {
     const repository::FieldFacts& facts = field.facts;
     std::size_t size = sizeof(FieldFigures) + sizeof(PackedResult);
-    for (const repository::PlacePage& page : field.places)
+    for (const repository::OffsetIndexPage& page : field.places)
         size += sizeof page + page.bytes.size();
     for (const auto& percentile : facts.percentiles)
         size += sizeof percentile + percentile.value.str().size();

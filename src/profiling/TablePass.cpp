@@ -128,7 +128,7 @@ void TablePass::takePlaces(const source::RowBlock& block) {
     if (!m_where)
         return;
     m_selectedPlaces = block.places;
-    for (source::RowPlace& place : m_selectedPlaces)
+    for (source::RowOffset& place : m_selectedPlaces)
         place.row = static_cast<std::size_t>(std::lower_bound(m_selectedRows.begin(), m_selectedRows.end(), place.row) -
                                              m_selectedRows.begin());
 }

@@ -76,7 +76,7 @@ class TablePass {
 
     bool m_keepsPlaces = false;
     std::vector<std::int64_t> m_offsets;
-    std::vector<source::RowPlace> m_selectedPlaces; ///< of the current block, among m_selectedRows
+    std::vector<source::RowOffset> m_selectedPlaces; ///< of the current block, among m_selectedRows
 
     BlockColumns m_ruleColumns;
     std::vector<std::unique_ptr<MetricPass>> m_metricPasses; ///< beside the description's; null over metrics

@@ -2,7 +2,7 @@
 
 #include "base/Ascii.h"
 #include "base/Characters.h"
-#include "base/DateText.h"
+#include "base/DateTicks.h"
 #include "base/NumberText.h"
 
 #include <algorithm>

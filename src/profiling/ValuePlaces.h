@@ -1,7 +1,7 @@
 #pragma once
 
 #include "profiling/PlaceMarks.h"
-#include "repository/PlacePages.h"
+#include "repository/OffsetIndexPages.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -18,7 +18,7 @@ class ValuePlaces {
     [[nodiscard]] std::size_t ranges() const { return m_ends.size(); }
     /// The ranges of this bucket are not all marked.
     void giveUp(std::uint32_t bucket) {
-        m_givenUp.resize(repository::kPlaceBuckets);
+        m_givenUp.resize(repository::kOffsetIndexBuckets);
         m_givenUp[bucket] = true;
     }
     [[nodiscard]] bool isGivenUp(std::uint32_t bucket) const { return !m_givenUp.empty() && m_givenUp[bucket]; }
@@ -38,6 +38,6 @@ class ValuePlaces {
 };
 
 /// By bucket what `parts` say by range; they are of one column and know the same ranges.
-[[nodiscard]] std::vector<repository::PlacePage> packPlaces(std::span<const ValuePlaces> parts);
+[[nodiscard]] std::vector<repository::OffsetIndexPage> packPlaces(std::span<const ValuePlaces> parts);
 
 } // namespace tavix::profiling

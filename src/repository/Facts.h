@@ -16,8 +16,8 @@
 namespace tavix::repository {
 
 class PackedField;
-struct FilePlaces;
-struct PlacePage;
+struct FileOffsetIndex;
+struct OffsetIndexPage;
 
 /// How a data source is reached; the number stands in the repository.
 enum class SourceKind {
@@ -77,7 +77,7 @@ struct TableFacts {
     /// The user that the job names for it; empty when it names none.
     std::string connectionUser;
     /// Where the values of its fields can be found again, when that was noted. Borrowed.
-    const FilePlaces* places = nullptr;
+    const FileOffsetIndex* places = nullptr;
     std::int64_t totalRecords = 0;
     std::int64_t processedRecords = 0;
     std::int64_t damagedRecords = 0; ///< rows that were not as they should be; the execution log lists them
@@ -123,7 +123,7 @@ struct FieldFacts {
     /// Where not null, the two distributions are here instead. Borrowed.
     PackedField* packed = nullptr;
     /// In which ranges of the table's places the values stand; none when that was not noted. Borrowed.
-    std::span<const PlacePage> places;
+    std::span<const OffsetIndexPage> places;
 };
 
 /// What a custom metric reads: a field's values, or one of its metrics.

@@ -2,7 +2,7 @@
 
 #include "repository/BindValue.h"
 #include "repository/DistributionStore.h"
-#include "repository/FilePlaces.h"
+#include "repository/FileOffsetIndex.h"
 
 #include <fmt/format.h>
 
@@ -125,7 +125,7 @@ Status storeFiles(sql::Connection& connection, int run, int table, const TableFa
     if (facts.isTextFile)
         if (auto stored = storeForms(connection, run, table, facts.textFile); !stored)
             return stored;
-    return facts.places ? storeFilePlaces(connection, run, table, *facts.places) : Status{};
+    return facts.places ? storeFileOffsetIndex(connection, run, table, *facts.places) : Status{};
 }
 
 Status storeField(sql::Connection& connection, int run, int table, int field, const FieldFacts& facts) {
@@ -152,7 +152,7 @@ Status storeFieldLists(sql::Connection& connection, int run, int field, const Fi
         return stored;
     if (auto stored = storeOutliers(connection, run, field, facts.outliers); !stored)
         return stored;
-    if (auto stored = storeValuePlaces(connection, run, field, facts.places); !stored)
+    if (auto stored = storeFieldOffsetIndex(connection, run, field, facts.places); !stored)
         return stored;
     if (facts.packed)
         return storePackedField(connection, run, field, *facts.packed);

@@ -1,7 +1,7 @@
 #include "source/OdbcReader.h"
 
 #include "base/Characters.h"
-#include "source/Interruption.h"
+#include "source/InterruptibleCall.h"
 #include "source/SqliteText.h"
 #include "source/TextArena.h"
 #include "source/Utf8.h"

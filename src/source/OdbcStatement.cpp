@@ -1,6 +1,6 @@
 #include "source/OdbcStatement.h"
 
-#include "source/Interruption.h"
+#include "source/InterruptibleCall.h"
 
 #include <sql.h>
 #include <sqlext.h>

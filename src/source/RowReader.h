@@ -37,11 +37,11 @@ struct DamagedRow {
 inline constexpr std::size_t kListedDamage = 1000;
 
 /// Where a row begins in its file, in bytes.
-struct RowPlace {
+struct RowOffset {
     std::size_t row = 0; ///< of the block
     std::int64_t offset = 0;
 
-    bool operator==(const RowPlace&) const = default;
+    bool operator==(const RowOffset&) const = default;
 };
 
 /// The next rows of a table, column by column: columns[c][r] is row r of column c; only the first `rows` count.
@@ -52,7 +52,7 @@ struct RowBlock {
     std::shared_ptr<const void> text;  ///< owns the bytes of the cells
     /// From readers that know it, where some of the rows stand in the file: ascending, the first of row 0, the last of
     /// the row behind the block.
-    std::vector<RowPlace> places;
+    std::vector<RowOffset> places;
 };
 
 /// A table read once from its first row to its last, in blocks.

@@ -2,7 +2,7 @@
 
 #include "base/Ascii.h"
 #include "base/Encodings.h"
-#include "source/CellText.h"
+#include "source/CellDecoder.h"
 #include "source/DelimiterSniffer.h"
 #include "source/FileContent.h"
 #include "source/TextArena.h"
@@ -212,7 +212,7 @@ Status TextFileReader::refill() {
 }
 
 Cell TextFileReader::rewritten(const RawCell& cell, bool& hadBadBytes) {
-    return cellText(cell, m_piece->isValid, m_quote, m_piece->arena, hadBadBytes);
+    return decodeCell(cell, m_piece->isValid, m_quote, m_piece->arena, hadBadBytes);
 }
 
 void TextFileReader::noteDamage(const ScannedRow& row, bool hadBadBytes) {

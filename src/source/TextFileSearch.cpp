@@ -2,7 +2,7 @@
 
 #include "base/HeldRepositories.h"
 #include "source/ByteWindow.h"
-#include "source/CellText.h"
+#include "source/CellDecoder.h"
 #include "source/TextArena.h"
 #include "source/Utf8.h"
 
@@ -374,7 +374,7 @@ void TextFileSearch::keepIfWanted(std::string_view row, RowBlock& block, TextAre
     if (m_column >= m_cells.size())
         return;
     const bool isValid = validUtf8Prefix(row) == row.size();
-    const Cell found = cellText(m_cells[m_column], isValid, m_quote, arena, ignored);
+    const Cell found = decodeCell(m_cells[m_column], isValid, m_quote, arena, ignored);
     if (std::string_view(found.data, found.size) != m_value)
         return;
     const char* const kept = arena.keep(row);
@@ -384,7 +384,7 @@ void TextFileSearch::keepIfWanted(std::string_view row, RowBlock& block, TextAre
         if (c < m_cells.size()) {
             RawCell& raw = m_cells[c];
             raw.data = kept + (raw.data - row.data());
-            cell = cellText(raw, isValid, m_quote, arena, ignored);
+            cell = decodeCell(raw, isValid, m_quote, arena, ignored);
         }
     }
     ++block.rows;

@@ -4,7 +4,7 @@
 #include "access/PrViewer.h"
 #include "base/tests/TempFolder.h"
 #include "pattern/CharacterPattern.h"
-#include "repository/FilePlaces.h"
+#include "repository/FileOffsetIndex.h"
 #include "repository/RunWriter.h"
 #include "source/FileSetReader.h"
 #include "source/TextFileReader.h"
@@ -206,8 +206,8 @@ class DrilledRuns : public ::testing::Test {
     PrViewer::Handle m_viewer = PrViewer::create();
     std::map<std::string, int> m_fields;
     Sink m_sink;
-    std::optional<repository::FilePlaces> m_places; ///< what the run notes of the file, and of all of its fields
-    std::vector<repository::PlacePage> m_pages;
+    std::optional<repository::FileOffsetIndex> m_places; ///< what the run notes of the file, and of all of its fields
+    std::vector<repository::OffsetIndexPage> m_pages;
 };
 
 } // namespace tavix::testing

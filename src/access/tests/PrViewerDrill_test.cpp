@@ -61,8 +61,8 @@ TEST_F(PrViewerDrill, LooksWhereTheRunMetAValueWhileTheFileIsTheSame) {
     const std::string file = "id,city\n1,Bern\n2,Bern\n3,Bern\n";
     write(file);
     m_places = {{}, {11, 22}, {8, 15, 22, 29, 29, 29, 29, 29, 29}};
-    repository::PlacePacker packer(8);
-    packer.add(repository::placeBucket(hashText(m_places->seeds, "Bern")), std::vector<std::uint32_t>{1});
+    repository::OffsetIndexPacker packer(8);
+    packer.add(repository::offsetIndexBucket(hashText(m_places->seeds, "Bern")), std::vector<std::uint32_t>{1});
     m_pages = packer.finish();
     profile();
     EXPECT_THAT(rows("city", "Bern"), ElementsAre("2"));

@@ -1,7 +1,7 @@
 #include "base/tests/SourceFolder.h"
 #include "repository/tests/FuzzBlock.h"
 #include "repository/tests/FuzzHashes.h"
-#include "repository/tests/FuzzPlaces.h"
+#include "repository/tests/FuzzOffsetIndex.h"
 
 #include <gtest/gtest.h>
 
@@ -39,7 +39,7 @@ TEST(RepositoryCorpus, PackedHashesAreReadInBoundsAndComeBack) {
 }
 
 TEST(RepositoryCorpus, PlacesAreReadInBoundsAndComeBack) {
-    EXPECT_GE(runCorpus("place_pages", fuzzPlaces), 15);
+    EXPECT_GE(runCorpus("offset_index_pages", fuzzOffsetIndex), 15);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "repository/FilePlaces.h"
+#include "repository/FileOffsetIndex.h"
 
 #include <cstddef>
 #include <utility>
@@ -35,7 +35,7 @@ std::vector<source::FileRange> rangesOf(std::span<const std::uint32_t> numbers, 
 }
 
 /// The page that holds the bucket, or nothing: then no list of ranges is there.
-Result<std::optional<std::vector<std::uint32_t>>> readRanges(sql::Connection& connection, const PlaceKey& key,
+Result<std::optional<std::vector<std::uint32_t>>> readRanges(sql::Connection& connection, const OffsetIndexKey& key,
                                                              std::uint32_t bucket, std::size_t ranges) {
     using Found = std::optional<std::vector<std::uint32_t>>;
     auto page = connection.prepare("SELECT first_bucket, ranges FROM value_place WHERE run = ?1 AND field = ?2 AND "
@@ -54,7 +54,7 @@ Result<std::optional<std::vector<std::uint32_t>>> readRanges(sql::Connection& co
 
 } // namespace
 
-Status storeFilePlaces(sql::Connection& connection, int run, int table, const FilePlaces& places) {
+Status storeFileOffsetIndex(sql::Connection& connection, int run, int table, const FileOffsetIndex& places) {
     auto insert = connection.prepare("INSERT INTO file_place(run, table_id, file_size, file_modified, file_changed, "
                                      "seed_1, seed_2, probe, offsets) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9)");
     if (!insert)
@@ -67,26 +67,26 @@ Status storeFilePlaces(sql::Connection& connection, int run, int table, const Fi
     return insert->run();
 }
 
-Status storeValuePlaces(sql::Connection& connection, int run, int field, std::span<const PlacePage> pages) {
+Status storeFieldOffsetIndex(sql::Connection& connection, int run, int field, std::span<const OffsetIndexPage> pages) {
     if (pages.empty())
         return {};
     auto insert = connection.prepare("INSERT INTO value_place(run, field, first_bucket, ranges) VALUES(?1,?2,?3,?4)");
     if (!insert)
         return insert.error();
     insert->bind(1, run).bind(2, field);
-    for (const PlacePage& page : pages)
+    for (const OffsetIndexPage& page : pages)
         if (Status done = insert->bind(3, std::int64_t{page.firstBucket}).bindBlob(4, page.bytes).run(); !done)
             return done;
     return {};
 }
 
-Result<std::optional<FoundPlaces>> findPlaces(sql::Connection& connection, const PlaceKey& key,
+Result<std::optional<FoundRanges>> findRanges(sql::Connection& connection, const OffsetIndexKey& key,
                                               std::string_view value) {
     const auto version = connection.schemaVersion();
     if (!version)
         return version.error();
     if (*version < kPlacesSince)
-        return std::optional<FoundPlaces>();
+        return std::optional<FoundRanges>();
     auto row = connection.prepare("SELECT file_size, file_modified, file_changed, seed_1, seed_2, probe, offsets "
                                   "FROM file_place WHERE run = ?1 AND table_id = ?2");
     if (!row)
@@ -95,7 +95,7 @@ Result<std::optional<FoundPlaces>> findPlaces(sql::Connection& connection, const
     case sql::Step::Row:
         break;
     case sql::Step::Done:
-        return std::optional<FoundPlaces>();
+        return std::optional<FoundRanges>();
     default:
         return Error{connection.errorText()};
     }
@@ -103,14 +103,14 @@ Result<std::optional<FoundPlaces>> findPlaces(sql::Connection& connection, const
     const auto offsets = unpackOffsets(row->blob(6));
     const bool isInFile = offsets && !offsets->empty() && offsets->back() <= row->integer(0);
     if (fromStored(row->integer(5)) != hashText(seeds, kProbe) || !isInFile)
-        return std::optional<FoundPlaces>();
-    const std::uint32_t bucket = placeBucket(hashText(seeds, value));
+        return std::optional<FoundRanges>();
+    const std::uint32_t bucket = offsetIndexBucket(hashText(seeds, value));
     const auto ranges = readRanges(connection, key, bucket, offsets->size() - 1);
     if (!ranges)
         return ranges.error();
     if (!*ranges)
-        return std::optional<FoundPlaces>();
-    FoundPlaces found;
+        return std::optional<FoundRanges>();
+    FoundRanges found;
     found.stamp = {row->integer(0), row->integer(1), row->integer(2)};
     found.ranges = rangesOf(**ranges, *offsets);
     return std::optional(std::move(found));

@@ -11,29 +11,29 @@
 /// the form.
 namespace tavix::repository {
 
-inline constexpr std::uint32_t kPlaceBuckets = 65536;
+inline constexpr std::uint32_t kOffsetIndexBuckets = 65536;
 
-inline std::uint32_t placeBucket(std::uint64_t hash) {
+inline std::uint32_t offsetIndexBucket(std::uint64_t hash) {
     return static_cast<std::uint32_t>(hash >> 48);
 }
 
 /// The ranges of some consecutive buckets.
-struct PlacePage {
+struct OffsetIndexPage {
     std::uint32_t firstBucket = 0;
     std::vector<std::byte> bytes;
 };
 
-class PlacePacker {
+class OffsetIndexPacker {
   public:
     /// Ranges are counted from 0 to below `ranges`.
-    explicit PlacePacker(std::size_t ranges);
+    explicit OffsetIndexPacker(std::size_t ranges);
 
     /// Buckets ascend, and so do the ranges of each. Where those are many they are not listed.
     void add(std::uint32_t bucket, std::span<const std::uint32_t> ranges);
     /// In place of add(): in which ranges the bucket stands is not known.
     void addUnlisted(std::uint32_t bucket);
     /// At least one page, whose first bucket is 0.
-    [[nodiscard]] std::vector<PlacePage> finish();
+    [[nodiscard]] std::vector<OffsetIndexPage> finish();
 
   private:
     void begin(std::uint32_t bucket);
@@ -41,7 +41,7 @@ class PlacePacker {
     std::vector<std::byte>& pageFor(std::uint32_t bucket);
 
     std::size_t m_ranges;
-    std::vector<PlacePage> m_pages;
+    std::vector<OffsetIndexPage> m_pages;
     std::uint32_t m_nextBucket = 0; ///< of the current page
     std::vector<std::byte> m_list;  ///< room for one
 };

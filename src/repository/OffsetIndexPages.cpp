@@ -1,4 +1,4 @@
-#include "repository/PlacePages.h"
+#include "repository/OffsetIndexPages.h"
 
 #include <xxhash.h>
 
@@ -104,23 +104,23 @@ std::optional<std::vector<std::uint32_t>> listOf(NumberReader reader, std::size_
 
 } // namespace
 
-PlacePacker::PlacePacker(std::size_t ranges) : m_ranges(ranges) {
+OffsetIndexPacker::OffsetIndexPacker(std::size_t ranges) : m_ranges(ranges) {
     begin(0);
 }
 
-void PlacePacker::begin(std::uint32_t bucket) {
+void OffsetIndexPacker::begin(std::uint32_t bucket) {
     m_pages.push_back({bucket, {}});
     m_pages.back().bytes.reserve(kPageBytes + kPageBytes / 4);
     m_pages.back().bytes.resize(kChecksumBytes);
     m_nextBucket = bucket;
 }
 
-void PlacePacker::end() {
+void OffsetIndexPacker::end() {
     seal(m_pages.back().bytes);
     m_pages.back().bytes.shrink_to_fit();
 }
 
-std::vector<std::byte>& PlacePacker::pageFor(std::uint32_t bucket) {
+std::vector<std::byte>& OffsetIndexPacker::pageFor(std::uint32_t bucket) {
     if (m_pages.back().bytes.size() >= kPageBytes) {
         end();
         begin(bucket);
@@ -130,11 +130,11 @@ std::vector<std::byte>& PlacePacker::pageFor(std::uint32_t bucket) {
     return page;
 }
 
-void PlacePacker::addUnlisted(std::uint32_t bucket) {
+void OffsetIndexPacker::addUnlisted(std::uint32_t bucket) {
     append(pageFor(bucket), kUnlisted);
 }
 
-void PlacePacker::add(std::uint32_t bucket, std::span<const std::uint32_t> ranges) {
+void OffsetIndexPacker::add(std::uint32_t bucket, std::span<const std::uint32_t> ranges) {
     if (ranges.empty())
         return;
     if (ranges.size() > m_ranges / kListedShare)
@@ -149,7 +149,7 @@ void PlacePacker::add(std::uint32_t bucket, std::span<const std::uint32_t> range
     page.insert(page.end(), m_list.data(), end);
 }
 
-std::vector<PlacePage> PlacePacker::finish() {
+std::vector<OffsetIndexPage> OffsetIndexPacker::finish() {
     end();
     return std::move(m_pages);
 }
@@ -163,7 +163,7 @@ std::optional<std::vector<std::uint32_t>> rangesOfBucket(std::span<const std::by
     while (!reader->isAtEnd()) {
         const auto distance = reader->next();
         const auto size = reader->next();
-        if (!distance || !size || *distance >= kPlaceBuckets - current)
+        if (!distance || !size || *distance >= kOffsetIndexBuckets - current)
             return std::nullopt;
         current += *distance;
         const auto list = reader->take(*size);

@@ -1,4 +1,4 @@
-#include "base/DateText.h"
+#include "base/DateTicks.h"
 
 #include "base/Ascii.h"
 

@@ -1,4 +1,4 @@
-#include "source/Interruption.h"
+#include "source/InterruptibleCall.h"
 
 #include <chrono>
 #include <future>
