@@ -46,14 +46,14 @@ bool areSame(const DrillTable& table, std::span<const std::string> names) {
 
 /// The name of the source in messages: the one file, or the pattern that names several.
 const std::string& shownPath(const DrillTable::TextFile& file) {
-    return file.files.size() == 1 ? file.files.front().place : file.path;
+    return file.files.size() == 1 ? file.files.front().currentPath : file.path;
 }
 
 /// "Read from ..." for what was moved.
 std::string moveRemark(const DrillTable::TextFile& file) {
     const auto moved =
-        std::find_if(file.files.begin(), file.files.end(), [](const auto& one) { return one.place != one.path; });
-    return moved == file.files.end() ? std::string() : fmt::format("Read from \"{}\".", moved->place);
+        std::find_if(file.files.begin(), file.files.end(), [](const auto& one) { return one.currentPath != one.path; });
+    return moved == file.files.end() ? std::string() : fmt::format("Read from \"{}\".", moved->currentPath);
 }
 
 void addSentence(std::string& text, const std::string& sentence) {
@@ -133,10 +133,10 @@ bool isWide(const CEncoding* encoding) {
 /// are not the other's.
 const CEncoding* encodingOf(const DrillTable::TextFile::File& file) {
     const CEncoding* const noted = findEncoding(file.encoding);
-    const auto stamp = source::stampAt(file.place);
+    const auto stamp = source::stampAt(file.currentPath);
     if (!noted || !stamp || file.size < 0 || (stamp->size == file.size && stamp->modifiedTime() == file.modified))
         return noted;
-    const auto input = source::TextInput::open(file.place, nullptr, source::TextInput::kSample, true);
+    const auto input = source::TextInput::open(file.currentPath, nullptr, source::TextInput::kSample, true);
     if (!input)
         return noted;
     const CEncoding* const found = (*input)->encoding().encoding;
@@ -161,7 +161,7 @@ Result<std::size_t> examine(const DrillTable& table, const Reader& reader, std::
 
 /// False for a compressed file, which is for openFiles().
 Result<bool> openSearch(const DrillTable& table, const WantedRows& wanted, DrillSource& source) {
-    auto search = TextFileSearch::open(table.file->files.front().place, optionsOf(*table.file));
+    auto search = TextFileSearch::open(table.file->files.front().currentPath, optionsOf(*table.file));
     if (!search)
         return search.error();
     if (!*search)
@@ -170,18 +170,18 @@ Result<bool> openSearch(const DrillTable& table, const WantedRows& wanted, Drill
     if (!column)
         return column.error();
     (*search)->find(*column, wanted.text);
-    const auto& places = table.file->places;
-    if (places && places->stamp == (*search)->stamp() && (*search)->total() > 0)
-        (*search)->restrictTo(places->ranges);
+    const auto& found = table.file->ranges;
+    if (found && found->stamp == (*search)->stamp() && (*search)->total() > 0)
+        (*search)->restrictTo(found->ranges);
     source.reader = std::move(search).value();
     return true;
 }
 
-std::vector<std::string> placesOf(const DrillTable::TextFile& file) {
-    std::vector<std::string> places;
+std::vector<std::string> currentPathsOf(const DrillTable::TextFile& file) {
+    std::vector<std::string> paths;
     for (const DrillTable::TextFile::File& one : file.files)
-        places.push_back(one.place);
-    return places;
+        paths.push_back(one.currentPath);
+    return paths;
 }
 
 /// Of several files older runs note the encoding of the last. If that is what is found in it, the encoding is taken to
@@ -189,13 +189,13 @@ std::vector<std::string> placesOf(const DrillTable::TextFile& file) {
 bool isEncodingFound(const DrillTable::TextFile& file, const TextFileOptions& noted) {
     TextFileOptions options = noted;
     options.encoding = nullptr;
-    const auto last = TextFileReader::open(file.files.back().place, options);
+    const auto last = TextFileReader::open(file.files.back().currentPath, options);
     return last && (*last)->encoding().encoding == noted.encoding;
 }
 
 Result<std::unique_ptr<FileSetReader>> openEqual(const DrillTable::TextFile& file, const TextFileOptions& options,
                                                  std::vector<source::StatedForm> forms = {}) {
-    auto files = FileSetReader::open(placesOf(file), options, std::move(forms));
+    auto files = FileSetReader::open(currentPathsOf(file), options, std::move(forms));
     if (!files)
         return files;
     if (Status status = (*files)->checkColumns(); !status)
@@ -256,7 +256,7 @@ Result<DrillSource> openTextFile(const DrillTable& table, const WantedRows& want
     const DrillTable::TextFile& file = *table.file;
     DrillSource source;
     source.name = std::filesystem::path(file.path).filename().string();
-    for (const std::string& path : placesOf(file)) {
+    for (const std::string& path : currentPathsOf(file)) {
         std::error_code ignored;
         if (std::filesystem::exists(path, ignored) && std::filesystem::is_other(path, ignored))
             return Error{fmt::format("\"{}\" is no file that can be read again.", path)};

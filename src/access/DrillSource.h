@@ -38,7 +38,7 @@ struct DrillTable {
     struct TextFile {
         struct File {
             std::string path;              ///< as the run read it
-            std::string place;             ///< where it is now
+            std::string currentPath;       ///< where it is now
             std::optional<char> delimiter; ///< none: the run does not say it of this file
             std::string encoding;          ///< empty likewise
             std::int64_t size = -1;        ///< -1 likewise
@@ -52,8 +52,8 @@ struct DrillTable {
         UtcTime modified{};
         char quote = '"';          ///< 0: none
         std::vector<File> files{}; ///< one or more
-        /// Where the wanted value stood when the run read the file, if the run knows.
-        std::optional<repository::FoundRanges> places{};
+        /// The ranges that held the wanted value when the run read the file; none without an offset index.
+        std::optional<repository::FoundRanges> ranges{};
     };
 
     struct Database {

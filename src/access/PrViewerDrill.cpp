@@ -234,10 +234,10 @@ Result<SourceRows> PrViewer::Impl::sourceRows(int field, const KvbString& value,
     if (!wanted)
         return wanted.error();
     if (wanted->kind == WantedRows::Kind::Value && table->file) {
-        auto places = repository::findRanges(connection(), {*ofRun, table->id, field}, wanted->text);
-        if (!places)
-            return places.error();
-        table->file->places = std::move(places).value();
+        auto ranges = repository::findRanges(connection(), {*ofRun, table->id, field}, wanted->text);
+        if (!ranges)
+            return ranges.error();
+        table->file->ranges = std::move(ranges).value();
     }
     if (table->file)
         if (Status placed = placeFiles(*table->file); !placed)

@@ -39,14 +39,14 @@ Status PrViewer::Impl::placeFiles(DrillTable::TextFile& source) const {
     auto known = repository::readMovedFiles(connection());
     if (!known)
         return known.error();
-    MovedSources(moves, std::move(*known)).place(source);
+    MovedSources(moves, std::move(*known)).locate(source);
     return {};
 }
 
 std::optional<MissingFile> PrViewer::Impl::missingFile(const DrillTable::TextFile& source) const {
     for (const DrillTable::TextFile::File& file : source.files) {
         std::error_code ignored;
-        if (std::filesystem::exists(file.place, ignored))
+        if (std::filesystem::exists(file.currentPath, ignored))
             continue;
         const std::string folder = std::filesystem::path(absolutePath(filePath())).parent_path().string();
         return MissingFile{file.path, findBeside(folder, file)};

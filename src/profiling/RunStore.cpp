@@ -99,9 +99,9 @@ Status RunStore::beginTable(FinishedTable& table) {
     if (table.id)
         return {};
     repository::TableFacts& facts = table.report.facts;
-    facts.places = table.places ? &*table.places : nullptr;
+    facts.offsetIndex = table.places ? &*table.places : nullptr;
     const auto id = m_writer->addTable(facts);
-    facts.places = nullptr; // The table may move.
+    facts.offsetIndex = nullptr; // The table may move.
     if (!id)
         return id.error();
     table.id = *id;
@@ -124,7 +124,7 @@ Status RunStore::storeDistributions() {
 
 Status RunStore::store(FinishedTable& table) {
     for (FieldFigures& field : table.fields) {
-        field.facts.places = field.places;
+        field.facts.offsetIndex = field.places;
         if (Status status = m_writer->addField(*table.id, field.facts); !status)
             return status;
         field = {};

@@ -33,7 +33,7 @@ class TablePass {
     void countColumn(const source::RowBlock& block, std::size_t column, std::uint32_t part);
     /// Whether the first step changes what the second looks at, so that no other block may be in it meanwhile.
     [[nodiscard]] bool preparingDisturbs(const source::RowBlock& block) const {
-        return m_where || (m_keepsPlaces && (block.places.empty() || m_offsets.empty()));
+        return m_where || (m_keepsPlaces && (block.offsets.empty() || m_offsets.empty()));
     }
     /// To note where in the file the values stand, if the source says where its rows do; before the first block.
     void keepPlaces() { m_keepsPlaces = true; }

@@ -76,8 +76,8 @@ struct TableFacts {
     std::optional<std::string> connection;
     /// The user that the job names for it; empty when it names none.
     std::string connectionUser;
-    /// Where the values of its fields can be found again, when that was noted. Borrowed.
-    const FileOffsetIndex* places = nullptr;
+    /// The ranges of its file to which the offset indexes of its fields refer; null without an index. Borrowed.
+    const FileOffsetIndex* offsetIndex = nullptr;
     std::int64_t totalRecords = 0;
     std::int64_t processedRecords = 0;
     std::int64_t damagedRecords = 0; ///< rows that were not as they should be; the execution log lists them
@@ -122,8 +122,8 @@ struct FieldFacts {
     std::span<const ValueCount> patterns;
     /// Where not null, the two distributions are here instead. Borrowed.
     PackedField* packed = nullptr;
-    /// In which ranges of the table's places the values stand; none when that was not noted. Borrowed.
-    std::span<const OffsetIndexPage> places;
+    /// Which ranges of the table's file hold its values; empty without an index. Borrowed.
+    std::span<const OffsetIndexPage> offsetIndex;
 };
 
 /// What a custom metric reads: a field's values, or one of its metrics.

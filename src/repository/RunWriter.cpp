@@ -90,7 +90,7 @@ Result<int> RunWriter::Impl::addTable(const TableFacts& facts) {
     Table& added = tables[*table];
     added.position = position;
     added.facts = facts;
-    added.facts.places = nullptr;
+    added.facts.offsetIndex = nullptr;
     return table;
 }
 

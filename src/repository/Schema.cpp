@@ -2,8 +2,12 @@
 
 #include "base/HeldRepositories.h"
 #include "repository/RunDeletion.h"
+#include "repository/SchemaScripts.h"
+#include "sql/FileCheck.h"
 
 #include <fmt/format.h>
+
+#include <vector>
 
 namespace tavix::repository {
 
@@ -52,6 +56,15 @@ Status migrate(sql::Connection& connection, std::span<const char* const> steps) 
 
 } // namespace
 
+std::span<const char* const> schemaSteps() {
+    static const std::vector<const char*> kSteps = [] {
+        std::vector<const char*> steps{kFirstSchema};
+        steps.insert(steps.end(), kSchemaChanges.begin(), kSchemaChanges.end());
+        return steps;
+    }();
+    return kSteps;
+}
+
 Status prepareSchema(sql::Connection& connection, sql::OpenMode mode, std::span<const char* const> steps) {
     auto fresh = isFresh(connection, mode);
     if (!fresh)
@@ -79,6 +92,10 @@ Status prepareSchema(sql::Connection& connection, sql::OpenMode mode, std::span<
     if (*fresh)
         connection.checkpoint();
     return {};
+}
+
+Status checkWritable(const std::string& path) {
+    return sql::checkRepositoryFile(repositoryFile(path), sql::OpenMode::Create);
 }
 
 Result<std::unique_ptr<sql::Connection>> openRepository(const std::string& path, sql::OpenMode mode,

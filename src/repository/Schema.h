@@ -29,6 +29,9 @@ inline constexpr std::int32_t kOldestReadable = 1;
 [[nodiscard]] Result<std::unique_ptr<sql::Connection>> openRepository(const std::string& path, sql::OpenMode mode,
                                                                       const std::function<bool()>& mayWait = {});
 
+/// Whether openRepository() could make or change the repository at `path`, as far as is known without opening it.
+[[nodiscard]] Status checkWritable(const std::string& path);
+
 /// The check and the migration alone, for a list of steps.
 [[nodiscard]] Status prepareSchema(sql::Connection& connection, sql::OpenMode mode, std::span<const char* const> steps);
 

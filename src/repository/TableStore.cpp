@@ -125,7 +125,7 @@ Status storeFiles(sql::Connection& connection, int run, int table, const TableFa
     if (facts.isTextFile)
         if (auto stored = storeForms(connection, run, table, facts.textFile); !stored)
             return stored;
-    return facts.places ? storeFileOffsetIndex(connection, run, table, *facts.places) : Status{};
+    return facts.offsetIndex ? storeFileOffsetIndex(connection, run, table, *facts.offsetIndex) : Status{};
 }
 
 Status storeField(sql::Connection& connection, int run, int table, int field, const FieldFacts& facts) {
@@ -152,7 +152,7 @@ Status storeFieldLists(sql::Connection& connection, int run, int field, const Fi
         return stored;
     if (auto stored = storeOutliers(connection, run, field, facts.outliers); !stored)
         return stored;
-    if (auto stored = storeFieldOffsetIndex(connection, run, field, facts.places); !stored)
+    if (auto stored = storeFieldOffsetIndex(connection, run, field, facts.offsetIndex); !stored)
         return stored;
     if (facts.packed)
         return storePackedField(connection, run, field, *facts.packed);

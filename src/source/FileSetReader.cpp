@@ -131,7 +131,7 @@ Result<bool> FileSetReader::read(RowBlock& block) {
             return more;
         takeDamage();
         if (m_files.size() > 1)
-            block.places.clear(); // they do not say in which file
+            block.offsets.clear(); // they do not say in which file
         m_rows.back() += static_cast<std::int64_t>(block.rows);
         if (*more || m_rows.size() == m_files.size())
             return more;

@@ -50,9 +50,9 @@ struct RowBlock {
     std::size_t rows = 0;
     std::vector<std::int64_t> records; ///< the rows' numbers in the source, from 1; empty when none was left out
     std::shared_ptr<const void> text;  ///< owns the bytes of the cells
-    /// From readers that know it, where some of the rows stand in the file: ascending, the first of row 0, the last of
-    /// the row behind the block.
-    std::vector<RowOffset> places;
+    /// Where some of the rows begin in the file, from readers that can tell: ascending, the first of row 0, the last of
+    /// the row after the block.
+    std::vector<RowOffset> offsets;
 };
 
 /// A table read once from its first row to its last, in blocks.

@@ -110,7 +110,7 @@ Status TextFileReader::begin(const TextFileOptions& options) {
     const bool hasPlaces = m_input->encoding().encoding == &encodingUtf8() && m_input->size() > 0 &&
                            !m_input->isPacked() && !options.isPreview;
     if (hasPlaces)
-        m_placeEvery = std::max(options.placeEvery, static_cast<std::ptrdiff_t>(m_input->size() / kMostPlaces));
+        m_offsetEvery = std::max(options.offsetEvery, static_cast<std::ptrdiff_t>(m_input->size() / kMostPlaces));
     const char* text = m_piece->bytes.get();
     const std::string_view start(text, m_piece->size);
     m_hasMark = start.starts_with("\xEF\xBB\xBF");
@@ -256,16 +256,16 @@ void TextFileReader::finishRow(const ScannedRow& row, RowBlock& block, std::size
 }
 
 void TextFileReader::notePlace(RowBlock& block, std::size_t row) {
-    if (block.places.empty() || block.places.back().row < row)
-        block.places.push_back({row, position()});
-    m_nextPlace = m_scanner->position() + m_placeEvery;
+    if (block.offsets.empty() || block.offsets.back().row < row)
+        block.offsets.push_back({row, position()});
+    m_nextPlace = m_scanner->position() + m_offsetEvery;
 }
 
 Result<bool> TextFileReader::read(RowBlock& block) {
     block.text.reset();
     block.rows = 0;
     block.records.clear();
-    block.places.clear();
+    block.offsets.clear();
     reserve(block);
     const std::size_t columns = m_names.size();
     std::size_t rows = 0;
@@ -273,7 +273,7 @@ Result<bool> TextFileReader::read(RowBlock& block) {
     while (rows < m_rowLimit) {
         if (m_scanner->isAtEnd() && m_scanner->isLast())
             break;
-        if (m_placeEvery != 0 && m_scanner->position() >= m_nextPlace)
+        if (m_offsetEvery != 0 && m_scanner->position() >= m_nextPlace)
             notePlace(block, rows);
         m_rewrites.clear();
         const bool rewriteAll = !m_piece->isValid;
@@ -302,8 +302,8 @@ Result<bool> TextFileReader::read(RowBlock& block) {
     }
     block.rows = rows;
     if (rows == 0)
-        block.places.clear();
-    else if (m_placeEvery != 0)
+        block.offsets.clear();
+    else if (m_offsetEvery != 0)
         notePlace(block, rows);
     block.text = m_piece;
     return rows > 0;

@@ -20,7 +20,7 @@ struct TextFileOptions {
     const CEncoding* encoding = nullptr;                 ///< found in the file when null
     char quote = '"';                                    ///< 0: quotes mean nothing
     std::size_t pieceSize = std::size_t{1} << 20;        ///< bytes that are read at once; rows may be longer
-    std::ptrdiff_t placeEvery = std::ptrdiff_t{1} << 15; ///< bytes between two rows whose places are told, or more
+    std::ptrdiff_t offsetEvery = std::ptrdiff_t{1} << 15; ///< bytes between two rows whose offsets are given, at least
     bool isPreview = false; ///< of a longer file only the rows that end in its first MiB are read
     KeepGoing keepGoing{};  ///< asked while a pipe has nothing to read; a false is an error
 };
@@ -88,7 +88,7 @@ class TextFileReader final : public RowReader {
     [[nodiscard]] std::shared_ptr<Piece> freePiece(std::size_t capacity);
     [[nodiscard]] Cell rewritten(const RawCell& cell, bool& hadBadBytes);
     void reserve(RowBlock& block);
-    /// The row that follows is one of those whose places are told.
+    /// The next row is one of those whose offsets are given.
     void notePlace(RowBlock& block, std::size_t row);
     void finishRow(const ScannedRow& row, RowBlock& block, std::size_t rowIndex);
     void noteDamage(const ScannedRow& row, bool hadBadBytes);
@@ -97,7 +97,7 @@ class TextFileReader final : public RowReader {
     std::unique_ptr<TextInput> m_input;
     char m_quote = '"';
     std::size_t m_pieceSize = 0;
-    std::ptrdiff_t m_placeEvery = 0; ///< 0: no places
+    std::ptrdiff_t m_offsetEvery = 0; ///< 0: no offsets
     const char* m_nextPlace = nullptr;
     char m_delimiter = '\0';
     bool m_hasMark = false;

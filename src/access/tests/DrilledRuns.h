@@ -112,9 +112,9 @@ class DrilledRuns : public ::testing::Test {
         table.isTextFile = true;
         table.textFile = {
             m_file, (*reader)->delimiter(), hasHeader, "UTF-8", false, (*reader)->total(), (*reader)->modified()};
-        if (m_places)
-            m_places->stamp = (*reader)->stamp();
-        table.places = m_places ? &*m_places : nullptr;
+        if (m_offsetIndex)
+            m_offsetIndex->stamp = (*reader)->stamp();
+        table.offsetIndex = m_offsetIndex ? &*m_offsetIndex : nullptr;
         store(writer, table, **reader);
     }
 
@@ -157,7 +157,7 @@ class DrilledRuns : public ::testing::Test {
         const auto patternRows = rowsOf(patterns);
         facts.values = valueRows;
         facts.patterns = patternRows;
-        facts.places = m_pages;
+        facts.offsetIndex = m_pages;
         const Status added = writer.addField(table, facts);
         ASSERT_TRUE(added) << added.error().text;
     }
@@ -206,7 +206,7 @@ class DrilledRuns : public ::testing::Test {
     PrViewer::Handle m_viewer = PrViewer::create();
     std::map<std::string, int> m_fields;
     Sink m_sink;
-    std::optional<repository::FileOffsetIndex> m_places; ///< what the run notes of the file, and of all of its fields
+    std::optional<repository::FileOffsetIndex> m_offsetIndex; ///< of the file; its pages serve every field
     std::vector<repository::OffsetIndexPage> m_pages;
 };
 

@@ -60,14 +60,14 @@ TEST_F(PrViewerDrill, GivesTheRowsBehindValuesNullsAndPatterns) {
 TEST_F(PrViewerDrill, LooksWhereTheRunMetAValueWhileTheFileIsTheSame) {
     const std::string file = "id,city\n1,Bern\n2,Bern\n3,Bern\n";
     write(file);
-    m_places = {{}, {11, 22}, {8, 15, 22, 29, 29, 29, 29, 29, 29}};
+    m_offsetIndex = {{}, {11, 22}, {8, 15, 22, 29, 29, 29, 29, 29, 29}};
     repository::OffsetIndexPacker packer(8);
-    packer.add(repository::offsetIndexBucket(hashText(m_places->seeds, "Bern")), std::vector<std::uint32_t>{1});
+    packer.add(repository::offsetIndexBucket(hashText(m_offsetIndex->seeds, "Bern")), std::vector<std::uint32_t>{1});
     m_pages = packer.finish();
     profile();
     EXPECT_THAT(rows("city", "Bern"), ElementsAre("2"));
     EXPECT_THAT(rows("city", "none"), IsEmpty());
-    EXPECT_THAT(rows("city", "Aaaa", true), ElementsAre("1", "2", "3")) << "patterns have no places";
+    EXPECT_THAT(rows("city", "Aaaa", true), ElementsAre("1", "2", "3")) << "patterns have no offset index";
     std::filesystem::permissions(m_file, std::filesystem::perms::owner_all);
     EXPECT_THAT(rows("city", "Bern"), ElementsAre("1", "2", "3")) << "something was done with the file";
 
