@@ -27,9 +27,7 @@ struct DateParts {
 [[nodiscard]] DateParts decompose(LibraryDate date);
 /// The locale's date-and-time form, "%c".
 [[nodiscard]] std::string formatDateTime(const DateParts& parts, const std::locale& locale);
-/// The locale that the user's environment names; the classic one when the environment names none that exists.
+/// The locale of the user's environment; the classic one if that does not exist.
 [[nodiscard]] std::locale userLocale();
-/// ISO 8601 in UTC, to the second: "2026-11-21T08:15:00Z".
-[[nodiscard]] std::string formatIsoUtc(UtcTime time);
 
 } // namespace tavix
