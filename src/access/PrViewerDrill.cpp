@@ -123,17 +123,7 @@ Result<sql::Statement> PrViewer::Impl::tableOfField(int ofRun, int field) const 
     };
     fill("{connection}", "rt.connection", kConnectionsSince);
     fill("{user}", "rt.connection_user", kFormsSince);
-    auto select = bound(sql, {ofRun, field});
-    if (!select)
-        return select;
-    switch (select->step()) {
-    case sql::Step::Row:
-        return select;
-    case sql::Step::Done:
-        return noSuch("field", field);
-    default:
-        return Error{connection().errorText()};
-    }
+    return boundRow(sql, {ofRun, field}, noSuch("field", field));
 }
 
 Status PrViewer::Impl::readFiles(int ofRun, int table, DrillTable::TextFile& file) const {

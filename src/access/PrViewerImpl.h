@@ -93,6 +93,9 @@ struct PrViewer::Impl {
     /// The statement with its integer parameters bound.
     [[nodiscard]] Result<sql::Statement> bound(std::string_view sql,
                                                std::initializer_list<std::int64_t> parameters) const;
+    /// The same on its first row; `missing` is the error if there is none.
+    [[nodiscard]] Result<sql::Statement> boundRow(std::string_view sql, std::initializer_list<std::int64_t> parameters,
+                                                  const Error& missing) const;
     /// The first value of the one row that is expected; `missing` says so when there is none.
     [[nodiscard]] Result<std::int64_t> integer(std::string_view sql, std::initializer_list<std::int64_t> parameters,
                                                std::string_view missing) const;

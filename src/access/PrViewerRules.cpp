@@ -113,18 +113,10 @@ ProfileCursorHandle PrViewer::getBusinessRuleRowLog(int ruleId, int first, bool 
         return m_impl->failCursor(known.error());
     if (!*known)
         return m_impl->failCursor(noSuch("rule", ruleId));
-    auto columns = m_impl->bound("SELECT log_columns, key_columns FROM run_rule WHERE run = ?1 AND rule = ?2",
-                                 {m_impl->run, ruleId});
+    auto columns = m_impl->boundRow("SELECT log_columns, key_columns FROM run_rule WHERE run = ?1 AND rule = ?2",
+                                    {m_impl->run, ruleId}, {"This run has no rule with that number."});
     if (!columns)
         return m_impl->failCursor(columns.error());
-    switch (columns->step()) {
-    case sql::Step::Row:
-        break;
-    case sql::Step::Done:
-        return m_impl->failCursor({"This run has no rule with that number."});
-    default:
-        return m_impl->failCursor({m_impl->connection().errorText()});
-    }
     auto fields = repository::readTextList(columns->text(0));
     if (!fields)
         return m_impl->failCursor(fields.error());

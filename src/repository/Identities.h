@@ -19,4 +19,8 @@ namespace tavix::repository {
 [[nodiscard]] Result<int> tableIdentity(sql::Connection& connection, int dataSource, const TableFacts& table);
 [[nodiscard]] Result<int> fieldIdentity(sql::Connection& connection, int table, std::string_view name);
 
+/// The id of a field that the run has in the table; `missing` is the error if it has none of this name.
+[[nodiscard]] Result<int> fieldOfRun(sql::Connection& connection, int run, int table, std::string_view name,
+                                     const Error& missing);
+
 } // namespace tavix::repository

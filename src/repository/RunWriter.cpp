@@ -171,19 +171,9 @@ Result<int> RunWriter::findField(const FieldAddress& address) {
             return Error{fmt::format("The run has more than one table \"{}\".", address.table)};
         found = id;
     }
-    auto select = m_connection->prepare("SELECT f.id FROM field f JOIN run_field rf ON rf.field = f.id AND rf.run = ?1 "
-                                        "WHERE f.table_id = ?2 AND f.name = ?3");
-    if (!select)
-        return select.error();
-    switch (select->bind(1, m_run).bind(2, found).bind(3, address.field).step()) {
-    case sql::Step::Row:
-        return static_cast<int>(select->integer(0));
-    case sql::Step::Failed:
-        return Error{m_connection->errorText()};
-    default:
-        return Error{
-            fmt::format("There is no field \"{}\" in a table \"{}\" of the run.", address.field, address.table)};
-    }
+    return fieldOfRun(
+        *m_connection, m_run, found, address.field,
+        {fmt::format("There is no field \"{}\" in a table \"{}\" of the run.", address.field, address.table)});
 }
 
 Status RunWriter::addCollection(const CollectionFacts& facts) {
@@ -220,17 +210,14 @@ Result<StoredAlert> RunWriter::locate(const AlertFacts& facts) {
         "AND ?3 IN ('', f.name) ORDER BY rf.position LIMIT 1");
     if (!select)
         return select.error();
-    switch (select->bind(1, m_run).bind(2, alert.table).bind(3, facts.field).step()) {
-    case sql::Step::Row:
-        alert.field = static_cast<int>(select->integer(0));
-        alert.fieldName = select->text(1);
-        return alert;
-    case sql::Step::Failed:
-        return Error{m_connection->errorText()};
-    default:
-        return Error{
-            fmt::format("An alert watches the field \"{}\", which \"{}\" does not have.", facts.field, facts.table)};
-    }
+    select->bind(1, m_run).bind(2, alert.table).bind(3, facts.field);
+    if (Status found = select->stepToRow(
+            {fmt::format("An alert watches the field \"{}\", which \"{}\" does not have.", facts.field, facts.table)});
+        !found)
+        return found.error();
+    alert.field = static_cast<int>(select->integer(0));
+    alert.fieldName = select->text(1);
+    return alert;
 }
 
 Status RunWriter::setAlerts(std::span<const AlertFacts> alerts) {

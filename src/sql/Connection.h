@@ -47,6 +47,8 @@ class Statement {
 
     /// On Failed the connection's errorText() says why.
     [[nodiscard]] Step step();
+    /// Steps to a row that must exist; `missing` is the error if it does not.
+    [[nodiscard]] Status stepToRow(const Error& missing);
     /// For statements without rows, or whose rows do not matter: steps to the end and resets.
     [[nodiscard]] Status run();
     /// Ready to be stepped again; bindings stay.
