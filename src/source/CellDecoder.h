@@ -6,9 +6,9 @@
 
 namespace tavix::source {
 
-/// What a cell of a file reads as: doubled quotes undone, text behind a closing quote joined, and, unless the text is
-/// known to be `isValid`, each byte that is no UTF-8 replaced by U+FFFD, which sets `hadBadBytes`. The bytes are those
-/// of the file where they stand there as they are, else the arena's.
+/// Decodes a cell of a file: undoes doubled quotes, appends text after a closing quote, and, unless the text is known
+/// to be `isValid`, replaces each byte that is not UTF-8 by U+FFFD and sets `hadBadBytes`. The result refers to the
+/// bytes of the file if they are unchanged, else to the arena's.
 [[nodiscard]] Cell decodeCell(const RawCell& raw, bool isValid, char quote, TextArena& arena, bool& hadBadBytes);
 
 } // namespace tavix::source

@@ -12,7 +12,7 @@ namespace tavix::source {
 namespace {
 
 constexpr std::size_t kLongest = 10'000;
-/// A value with one of these stands in braces.
+/// A value with one of these is written in braces.
 constexpr std::string_view kSpecial = "[]{}(),;?*=!@";
 constexpr std::array<std::string_view, 6> kSecretWords = {"pwd", "password", "passwd", "passphrase", "secret", "token"};
 constexpr std::array<std::string_view, 4> kUserKeys = {"uid", "user", "username", "user name"};
@@ -30,7 +30,7 @@ bool namesSecret(std::string_view text) {
                        [&](std::string_view word) { return folded.find(word) != std::string::npos; });
 }
 
-/// Also a value that holds settings of its own, as "{host=x password=y}".
+/// Also for a value that contains settings of its own, such as "{host=x password=y}".
 bool isSecret(std::string_view key, std::string_view value) {
     return namesSecret(key) || (value.find('=') != std::string_view::npos && namesSecret(value));
 }
@@ -55,8 +55,8 @@ void append(std::string& text, std::string_view key, std::string_view value) {
     text.append(key).append("=").append(quoted(value));
 }
 
-/// Reads the value that `rest` begins with and takes it away, with the semicolon behind it; nothing when its brace is
-/// not closed.
+/// Reads the value at the beginning of `rest` and removes it with the semicolon after it; nothing if its brace is not
+/// closed.
 std::optional<std::string> takeValue(std::string_view& rest) {
     rest.remove_prefix(std::min(rest.find_first_not_of(" \t\r\n"), rest.size()));
     std::string value;
@@ -109,7 +109,7 @@ Result<ConnectionText> ConnectionText::parse(std::string_view text) {
             return Error{fmt::format("The connection string is not understood: the value of \"{}\" begins with a brace "
                                      "that is not closed in front of the next semicolon.",
                                      key)};
-        connection.setIfAbsent(key, *value); // of a setting that stands twice drivers take the first
+        connection.setIfAbsent(key, *value); // drivers use the first of repeated settings
         rest.remove_prefix(std::min(rest.find_first_not_of("; \t\r\n"), rest.size()));
     }
     return connection;

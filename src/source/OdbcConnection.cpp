@@ -17,7 +17,7 @@ namespace {
 constexpr std::uintptr_t kLoginSeconds = 20;
 constexpr int kAttempts = 4;
 
-/// What the driver manager wants to hear: texts that it does not change, by a pointer that is not const.
+/// The driver manager takes texts that it does not change as pointers to non-const.
 SQLCHAR* in(const std::string& text) {
     return reinterpret_cast<SQLCHAR*>(const_cast<char*>(text.c_str()));
 }
@@ -34,7 +34,7 @@ std::string profileText(const std::string& section, const char* key, const char*
     return buffer.data();
 }
 
-/// Name and file of the driver that the text leads to, as far as the driver manager's files tell.
+/// Name and file of the text's driver, as found in the driver manager's files.
 std::string driverOf(const ConnectionText& text) {
     std::string driver;
     if (const std::string* stated = text.find("Driver"))
@@ -44,7 +44,7 @@ std::string driverOf(const ConnectionText& text) {
     return asciiLower(driver + " " + profileText(driver, "Driver", "odbcinst.ini"));
 }
 
-/// A driver's habits that would cost memory, or a file. They come before anything is known of the engine.
+/// Turns off what would cost memory or create a file in some drivers, before anything is known of the engine.
 void addDriverSettings(ConnectionText& text) {
     const std::string driver = driverOf(text);
     if (driver.find("sqlite") != std::string::npos) {
@@ -62,7 +62,7 @@ std::string replaced(std::string text, const std::string& what, std::string_view
     return text;
 }
 
-/// One line, and without what drivers add to every message.
+/// One line, without the prefixes that drivers add to every message.
 std::string tidied(std::string text) {
     constexpr std::string_view kAddition = ";\nError while executing the query";
     if (const auto at = text.find(kAddition); at != std::string::npos)
@@ -80,7 +80,7 @@ std::string tidied(std::string text) {
     return out;
 }
 
-/// For a server that refused whoever the driver took for the user.
+/// For a server that rejected the user or password.
 std::string userHint(const std::string& source) {
     return fmt::format(". No user is named for it: give one in the environment variable {}, and the password in {}",
                        userVariable(source), passwordVariable(source));
@@ -92,7 +92,7 @@ struct Diagnosis {
 };
 
 Diagnosis diagnose(SQLSMALLINT kind, SQLHANDLE handle) {
-    // The first record that is no mere warning; a failure has one.
+    // The first record that is not a warning; a failure has one.
     Diagnosis first;
     for (SQLSMALLINT record = 1; record <= 20; ++record) {
         std::array<SQLCHAR, 6> state{};
@@ -112,7 +112,7 @@ Diagnosis diagnose(SQLSMALLINT kind, SQLHANDLE handle) {
     return first;
 }
 
-/// Drivers do not agree on a state for it.
+/// Drivers do not agree on a SQLSTATE for it.
 bool isRefusal(const Diagnosis& diagnosis) {
     if (diagnosis.state.starts_with("28"))
         return true;
@@ -184,7 +184,7 @@ Status OdbcConnection::connect(ConnectionText text, const Credentials* credentia
     const SQLRETURN code =
         SQLDriverConnect(m_handle, nullptr, in(whole), static_cast<SQLSMALLINT>(whole.size()), completed.data(),
                          static_cast<SQLSMALLINT>(completed.size()), &size, SQL_DRIVER_NOPROMPT);
-    std::fill(completed.begin(), completed.end(), SQLCHAR{0}); // it holds the password
+    std::fill(completed.begin(), completed.end(), SQLCHAR{0}); // it contains the password
     if (SQL_SUCCEEDED(code)) {
         m_isConnected = true;
         return {};

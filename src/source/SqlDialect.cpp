@@ -50,7 +50,7 @@ constexpr std::array kDialects = {
     SqlDialect{.product = "Spark", .isTextExact = true},
 };
 
-/// Names of types in PostgreSQL.
+/// Type names of PostgreSQL.
 constexpr std::array<std::string_view, 3> kComparableTexts = {"text", "varchar", "name"};
 constexpr std::array<std::string_view, 6> kIntegers = {"int2", "int4", "int8", "smallserial", "serial", "bigserial"};
 

@@ -24,11 +24,11 @@ constexpr std::size_t kLargestPiece = std::size_t{1} << 31;
 constexpr std::size_t kBlockRows = std::size_t{1} << 15;
 constexpr std::size_t kBlockCells = std::size_t{1} << 18;
 constexpr std::size_t kMostColumns = 100'000;
-/// Of a large file; what notes them grows with them, and a search for a value looks at about as many parts.
+/// In a large file; offset indexes grow with the number of ranges, and a search for a value examines about as many.
 constexpr std::int64_t kMostPlaces = 2048;
 constexpr std::size_t kMarkSize = 16; ///< no byte order mark is longer
 
-/// Names without duplicates and gaps; the first of two equal ones keeps its name.
+/// Names without duplicates and gaps; the first of two equal names stays.
 std::vector<std::string> uniqueNames(const std::vector<std::string>& found) {
     std::unordered_set<std::string> taken(found.begin(), found.end());
     std::unordered_set<std::string> used;
@@ -38,8 +38,8 @@ std::vector<std::string> uniqueNames(const std::vector<std::string>& found) {
     for (std::size_t i = 0; i < found.size(); ++i) {
         const std::string base = found[i].empty() ? fmt::format("Column{}", i + 1) : found[i];
         std::string name = base;
-        // A made name must not take one that a later column has by right. The count goes on where it was, for all of
-        // many columns may have one name.
+        // A generated name must not be that of a later column. The counter is kept, because many columns may share one
+        // name.
         for (int& k = next.try_emplace(base, 2).first->second;
              used.contains(name) || (name != found[i] && taken.contains(name)); ++k)
             name = fmt::format("{} ({})", base, k);
@@ -104,7 +104,7 @@ Status TextFileReader::begin(const TextFileOptions& options) {
     m_quote = options.quote;
     m_pieceSize = std::max(options.pieceSize, kMarkSize);
     if (options.isPreview)
-        m_pieceSize = TextInput::kSample * 3 + 1; // no encoding makes more of a byte, so that one piece holds it all
+        m_pieceSize = TextInput::kSample * 3 + 1; // no encoding makes more bytes of one, so that one piece holds it all
     if (Status status = refill(); !status)
         return status;
     const bool hasPlaces = m_input->encoding().encoding == &encodingUtf8() && m_input->size() > 0 &&
@@ -126,8 +126,8 @@ Status TextFileReader::begin(const TextFileOptions& options) {
 }
 
 Status TextFileReader::findColumns(const TextFileOptions& options) {
-    // Lines without anything in front of the first row say nothing; without a header they may be rows of a one-column
-    // file, and are read again as such.
+    // Empty lines before the first row mean nothing; without a header they may be rows of a one-column file, and are
+    // read again as such.
     const char* firstLine = m_scanner->position();
     std::vector<RawCell> cells;
     ScannedRow row;
@@ -178,7 +178,7 @@ std::shared_ptr<TextFileReader::Piece> TextFileReader::freePiece(std::size_t cap
             piece->arena.clear();
             return piece;
         }
-    // What is too small now would only be kept for nothing.
+    // A smaller buffer would only be kept unused.
     std::erase_if(m_pieces, [&](const auto& piece) { return piece->capacity < capacity; });
     auto piece = std::make_shared<Piece>();
     piece->bytes = std::make_unique_for_overwrite<char[]>(capacity + RowScanner::kPadding);
