@@ -13,10 +13,10 @@ namespace tavix::repository {
 
 namespace {
 
-/// What an alert on a custom metric or a rule refers to.
+/// The subject of an alert on a custom metric or a rule.
 struct Watched {
     std::string key;
-    std::string metric; ///< the name of the value
+    std::string metric; ///< name of the metric's value
 };
 
 Result<Watched> findWatched(sql::Connection& connection, const StoredAlert& alert) {

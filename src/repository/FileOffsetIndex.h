@@ -13,14 +13,14 @@
 #include <string_view>
 #include <vector>
 
-/// The places of values in the file of a table, as a run met them.
+/// The offset index of a table's file: which ranges of the file hold which values of a field.
 namespace tavix::repository {
 
-/// The ranges of a file into which the places of its values are told, and by which hash.
+/// The ranges to which the indexes of a file's fields refer, and the seeds of their hash.
 struct FileOffsetIndex {
     source::FileStamp stamp;
     HashSeeds seeds;
-    std::vector<std::int64_t> offsets; ///< where each range begins, and behind them where the last one ends
+    std::vector<std::int64_t> offsets; ///< the start of each range, then the end of the last one
 };
 
 struct OffsetIndexKey {
@@ -30,17 +30,18 @@ struct OffsetIndexKey {
 };
 
 /// Within the caller's transaction.
-[[nodiscard]] Status storeFileOffsetIndex(sql::Connection& connection, int run, int table, const FileOffsetIndex& places);
+[[nodiscard]] Status storeFileOffsetIndex(sql::Connection& connection, int run, int table,
+                                          const FileOffsetIndex& index);
 [[nodiscard]] Status storeFieldOffsetIndex(sql::Connection& connection, int run, int field,
-                                      std::span<const OffsetIndexPage> pages);
+                                           std::span<const OffsetIndexPage> pages);
 
 struct FoundRanges {
     source::FileStamp stamp;               ///< of the file that the run read
-    std::vector<source::FileRange> ranges; ///< ascending, apart from each other
+    std::vector<source::FileRange> ranges; ///< ascending and disjoint
 };
 
-/// Where the value stands, if it stands in the file at all. Nothing when the run does not say, or when it stands in so
-/// many ranges that they do not help.
+/// The ranges that may hold the value; no other range does. Nothing without an index, or if so many ranges may hold it
+/// that the index does not help.
 [[nodiscard]] Result<std::optional<FoundRanges>> findRanges(sql::Connection& connection, const OffsetIndexKey& key,
                                                             std::string_view value);
 

@@ -6,7 +6,7 @@ namespace tavix::repository {
 
 namespace {
 
-/// Runs the bound `find`; when it has no row, the bound `insert`.
+/// Runs the bound `find`; if it has no row, the bound `insert`.
 Result<int> findOrMake(sql::Connection& connection, sql::Statement& find, sql::Statement& insert) {
     switch (find.step()) {
     case sql::Step::Row: {

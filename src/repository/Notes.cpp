@@ -33,7 +33,7 @@ Status deleteById(sql::Connection& connection, std::string_view sql, int id, std
     return changeRow(connection, *statement, id, what);
 }
 
-/// `id` -1 for a category that is still to be made.
+/// `id` -1: not created yet.
 Status requireFreeName(sql::Connection& connection, std::string_view name, int id) {
     auto select = connection.prepare("SELECT name FROM note_category WHERE id <> ?1");
     if (!select)
@@ -53,7 +53,7 @@ Status requireOwner(sql::Connection& connection, NoteOwner kind, int owner) {
     return kind == NoteOwner::Table ? requireTable(connection, owner) : requireCollection(connection, owner);
 }
 
-/// No foreign key watches over what a note of a table or collection speaks of.
+/// The owner of a note has no foreign key.
 Status requireOwnerOf(sql::Connection& connection, int note) {
     auto select = connection.prepare("SELECT owner_kind, owner FROM table_note WHERE id = ?1");
     if (!select)
@@ -63,13 +63,13 @@ Status requireOwnerOf(sql::Connection& connection, int note) {
         return requireOwner(connection, select->text(0) == "C" ? NoteOwner::Collection : NoteOwner::Table,
                             static_cast<int>(select->integer(1)));
     case sql::Step::Done:
-        return {}; // the change itself says that there is no such note
+        return {}; // changeRow() reports the missing note
     default:
         return Error{connection.errorText()};
     }
 }
 
-/// The text as it is stored; an error unless it can be a note of the category, on something that exists.
+/// The text to store; fails unless it is valid, the owner exists, and the category does.
 Result<std::string> checkedNote(sql::Connection& connection, const Status& ownerExists, int category,
                                 std::string_view text) {
     std::string tidied = tidyNote(text);

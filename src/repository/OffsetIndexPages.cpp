@@ -17,14 +17,14 @@ static_assert(std::endian::native == std::endian::little, "checksums are stored 
 
 constexpr std::size_t kPageBytes = std::size_t{32} << 10;
 constexpr std::size_t kChecksumBytes = sizeof(std::uint64_t);
-/// A search of all ranges takes little longer than one of so many.
+/// Searching all ranges takes little longer than searching this share of them.
 constexpr std::size_t kListedShare = 4;
-/// The size of a list that is not there.
+/// The size of an unlisted list.
 constexpr std::uint64_t kUnlisted = 0;
 
 constexpr std::size_t kLongestNumber = 10;
 
-/// Seven bits a byte, the lowest first; all bytes but the last have the highest bit. Returns the end.
+/// LEB128: seven bits a byte, the lowest first; all bytes but the last have the highest bit set. Returns the end.
 std::byte* put(std::byte* at, std::uint64_t number) {
     for (; number >= 0x80; number >>= 7)
         *at++ = static_cast<std::byte>(number | 0x80);
@@ -37,18 +37,18 @@ void append(std::vector<std::byte>& bytes, std::uint64_t number) {
     bytes.insert(bytes.end(), packed.data(), put(packed.data(), number));
 }
 
-/// The checksum is put in front of the bytes, where there is room for it.
+/// Writes the checksum into the space reserved before the bytes.
 void seal(std::vector<std::byte>& bytes) {
     const std::uint64_t checksum = XXH3_64bits(bytes.data() + kChecksumBytes, bytes.size() - kChecksumBytes);
     std::memcpy(bytes.data(), &checksum, kChecksumBytes);
 }
 
-/// Numbers one after the other; whatever the bytes are, no more of them are read than there are.
+/// Reads numbers one after the other; safe for any bytes.
 class NumberReader {
   public:
     explicit NumberReader(std::span<const std::byte> bytes) : m_bytes(bytes) {}
 
-    /// Behind the checksum of sealed bytes; nothing when it is not theirs.
+    /// Starts after the checksum of sealed bytes; nothing if it is wrong.
     static std::optional<NumberReader> open(std::span<const std::byte> sealed) {
         if (sealed.size() < kChecksumBytes)
             return std::nullopt;
@@ -76,7 +76,7 @@ class NumberReader {
         return std::nullopt;
     }
 
-    /// The following bytes, which are passed over.
+    /// Skips the next bytes and returns a reader of them.
     std::optional<NumberReader> take(std::uint64_t size) {
         if (size > m_bytes.size())
             return std::nullopt;

@@ -46,7 +46,7 @@ Result<int> inputField(sql::Connection& connection, const PlaceInRun& place, con
     return fieldOfRun(connection, place.run, place.table, name, {fmt::format("The table has no field \"{}\".", name)});
 }
 
-/// Prepares the insert of what a run says of a metric or rule: run, table, position and id are bound as 1 to 4.
+/// Prepares the insert of a metric's or rule's row in a run, with run, table, position and id bound as 1 to 4.
 Result<sql::Statement> insertInRun(sql::Connection& connection, std::string_view sql, const PlaceInRun& place, int id) {
     auto insert = connection.prepare(sql);
     if (insert)

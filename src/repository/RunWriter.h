@@ -18,7 +18,7 @@ namespace tavix::repository {
 
 struct RunDescription {
     std::string job;            ///< name; the job is created if the repository has none of this name
-    std::string jobDescription; ///< kept when not empty
+    std::string jobDescription; ///< empty: keeps the present one
     std::string description;    ///< of this run
     UtcTime started{};
     /// Gives the times in the execution log; null: the system's clock.
@@ -69,7 +69,7 @@ class RunWriter {
 
   private:
     struct Table {
-        TableFacts facts; ///< without what it borrows
+        TableFacts facts; ///< with borrowed pointers cleared
         int position = 0; ///< from 1
         int fields = 0;
         int metrics = 0;

@@ -187,8 +187,9 @@ CREATE TABLE moved_file (
 ) STRICT, WITHOUT ROWID;
 )sql";
 
-// Checksums of runs, and views of everything in a repository. part: see RunChecksums.cpp; table_id is 0 for the parts of
-// the run itself. In all views table_name is the name that users see: that of the query or filter, else the table's own.
+// Checksums of runs, and views of everything in a repository. part: see RunChecksums.cpp; table_id is 0 for the parts
+// of the run itself. In all views table_name is the name that users see: that of the query or filter, else the table's
+// own.
 constexpr const char* kToVersion7 = R"sql(
 CREATE TABLE run_checksum (
     run INTEGER NOT NULL,

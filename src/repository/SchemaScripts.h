@@ -2,12 +2,12 @@
 
 #include <span>
 
-/// The SQL behind schemaSteps(). A published script is never changed.
+/// The scripts of schemaSteps(). A published script is never changed.
 namespace tavix::repository {
 
-/// Makes version 1.
+/// Creates version 1.
 extern const char* const kFirstSchema;
-/// From version 1 to 2, 2 to 3 and so on.
+/// From version 1 to 2, from 2 to 3, and so on.
 extern const std::span<const char* const> kSchemaChanges;
 
 } // namespace tavix::repository

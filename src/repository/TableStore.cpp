@@ -34,7 +34,7 @@ std::string insertFieldSql() {
     return columns + ")";
 }
 
-/// Empty for 0, which means that there is none.
+/// Empty for 0, which means none.
 std::string_view letter(const char& c) {
     return {&c, c == '\0' ? 0U : 1U};
 }
