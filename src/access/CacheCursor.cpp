@@ -21,7 +21,7 @@ CacheCursor::CacheCursor(ProfileCursor& source) {
 }
 
 bool CacheCursor::next() {
-    // The end is also where a walk begins, so that a walk past the end starts over.
+    // The end is also the position before the first row, so that the next call starts over.
     m_current = m_current == m_rows.end() ? m_rows.begin() : std::next(m_current);
     return m_current != m_rows.end();
 }

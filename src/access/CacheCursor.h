@@ -12,20 +12,20 @@ namespace tavix {
 /// has no columns, and next() after the end starts over at the first row.
 class CacheCursor final : public CellCursor {
   public:
-    /// Reads `source` to its end. What the source throws passes through.
+    /// Reads `source` to its end and passes on its exceptions.
     explicit CacheCursor(ProfileCursor& source);
 
     bool next() override;
     [[nodiscard]] int getColumnCount() const override;
     [[nodiscard]] KvbString getColumnName(int column) const override;
-    /// Null, and every value while no row is current, gives an empty text.
+    /// An empty text for null and without a current row.
     [[nodiscard]] KvbString getColumnValue(int column) const override;
     [[nodiscard]] bool isColumnNull(int column) const override;
     [[nodiscard]] bool isColumnValid(int column) const override;
     [[nodiscard]] KvbString getWarning() const override { return m_warning; }
 
     [[nodiscard]] std::size_t getRowCount() const { return m_rows.size(); }
-    /// Replaces a value of the current row; without one, or outside its columns, nothing happens.
+    /// Replaces a value of the current row; does nothing without one or outside its columns.
     void setColumnValue(int column, KvbDatavar value);
 
   protected:

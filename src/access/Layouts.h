@@ -5,9 +5,9 @@
 #include <span>
 #include <string_view>
 
-/// The columns of every repository cursor, by number. The enumerators are what readers pass to getColumnValue and its
-/// kin; the tables in Layouts.cpp give each column its heading and the expression that queries it, in the same order.
-/// docs/cursors.md lists them for people.
+/// The columns of every repository cursor, by number: the enumerators are the arguments of getColumnValue and the other
+/// getters. The tables in Layouts.cpp give each column its heading and the SQL of its value. docs/cursors.md lists
+/// them.
 namespace tavix::layout {
 
 enum class Form {
@@ -18,12 +18,12 @@ enum class Form {
 struct Column {
     int index;
     std::string_view name; ///< the heading, as getColumnName gives it
-    std::string_view sql;  ///< what the query selects; empty where the cursor is not read from a query
+    std::string_view sql;  ///< the SQL of the value; empty if the cursor does not read from a query
     Form form = Form::Plain;
 };
 
 struct Layout {
-    std::string_view operation; ///< the PrViewer operation that yields it
+    std::string_view operation; ///< the PrViewer operation that returns it
     std::span<const Column> columns;
 };
 
@@ -56,8 +56,8 @@ enum DsnList {
     DsnKind = 2,
     DsnTables = 3,
 };
-/// TableKindLetter is Y, S or D. TableFilter is the condition of a filtered table, TableAlternateFilter the text to
-/// show when that is empty.
+/// TableKindLetter is Y, S or D. TableFilter is the condition of a filtered table; TableAlternateFilter is shown if
+/// that is empty.
 enum TableList {
     TableKindLetter = 0,
     TableId = 1,
@@ -81,7 +81,7 @@ enum FieldListHead {
     FieldName = 1,
     FieldTypeCode = 2,
 };
-/// Where the metrics with ids 0 to 23 begin.
+/// The first metric's column; the others follow by id, 0 to 23.
 inline constexpr int kFieldListMetrics = 3;
 inline constexpr int kFieldListPkrMetrics = 5;
 inline constexpr int kCollectionFieldListMetrics = 8;
@@ -103,8 +103,8 @@ enum CollectionFieldListPkr {
     CollectionPkrKeyAnalyses = 8,
     CollectionPkrRedundancies = 9,
 };
-/// What follows the metrics, counted from the column after the last metric, in all four field lists: the number of
-/// rows of the value and of the pattern distribution, the ids of the table, and the rule of the quantiles.
+/// The columns after the metrics in all four field lists, counted from the first of them: the numbers of rows in the
+/// value and pattern distributions, the table's id, and the rule for quantiles.
 enum FieldListTail {
     TailFreqCount = 0,
     TailPatternCount = 1,
@@ -126,7 +126,7 @@ enum Collections {
     CollectionDescription = 2,
     CollectionFields = 3,
 };
-/// The collections that hold the fields of one table, one row for each pair.
+/// The collections that contain the fields of one table, one row for each pair.
 enum CollectionsForTable {
     TableCollectionFieldId = 0,
     TableCollectionId = 1,
@@ -146,7 +146,7 @@ enum Percentiles {
     PercentileInterval = 0,
     PercentileValue = 1,
 };
-/// OutlierSideLetter is L or H; OutlierFence 0 inside, 1 beyond 1.5, 2 beyond 3.0 times the quartiles' distance.
+/// OutlierSideLetter is L or H; OutlierFence 0 inside, 1 beyond 1.5, 2 beyond 3.0 times the interquartile range.
 enum Outliers {
     OutlierSideLetter = 0,
     OutlierPosition = 1,
@@ -155,15 +155,15 @@ enum Outliers {
     OutlierFence = 4,
 };
 
-/// Then the 24 metrics.
+/// Followed by the 24 metrics.
 enum FieldHistoryHead {
     HistoryRunId = 0,
     HistoryDate = 1,
     HistoryDescription = 2,
 };
 inline constexpr int kFieldHistoryMetrics = 3;
-/// CustomMetricFigure is count, sum, average, min, max or metric; CustomMetricKind rows or metrics: what it is computed
-/// from. Inputs are the names of the fields, joined by commas.
+/// CustomMetricFigure is count, sum, average, min, max or metric; CustomMetricKind is rows or metrics, the kind of its
+/// inputs. CustomMetricInputs has the names of the fields, joined by commas.
 enum CustomMetrics {
     CustomMetricId = 0,
     CustomMetricName = 1,
@@ -178,7 +178,7 @@ enum CustomMetrics {
     CustomMetricTableId = 10,
     CustomMetricKind = 11,
 };
-/// MetricInputMetric is the number of the field's metric that is read; null when its rows are.
+/// MetricInputMetric is the number of the field's metric; null if the input is the field's rows.
 enum CustomMetricInputFields {
     MetricInputFieldId = 0,
     MetricInputFieldName = 1,
@@ -210,8 +210,8 @@ enum BusinessRuleHistory {
     RuleHistoryCheckedRows = 5,
     RuleHistoryErrorRows = 6,
 };
-/// Then the fields of the row log, from RuleRowFirstField on. The position is the row's index among those that the run
-/// has kept.
+/// The fields of the row log follow, from RuleRowFirstField on. RuleRowPosition is the row's index among the rows that
+/// the run has kept.
 enum BusinessRuleRowLog {
     RuleRowNumber = 0,
     RuleRowRuleId = 1,
@@ -243,7 +243,7 @@ enum Alerts {
     AlertTableId = 13,
     AlertFieldId = 14,   ///< null for custom metrics and rules
     AlertWatchedId = 15, ///< of the custom metric or rule; null for standard metrics
-    AlertReportId = 16,  ///< null for alerts that no job states
+    AlertReportId = 16,  ///< null for alerts that no job defines
 };
 enum AlertProperties {
     AlertPropertyName = 0,
@@ -310,7 +310,7 @@ enum Tasks {
 
 /// Every layout, in the order of the documentation.
 [[nodiscard]] std::span<const Layout> all();
-/// The one of this operation, which must be listed.
+/// The layout of this operation, which must exist.
 [[nodiscard]] const Layout& of(std::string_view operation);
 
 } // namespace tavix::layout

@@ -17,9 +17,9 @@ class MovedSources {
     MovedSources(std::map<std::string, std::string> told, std::vector<repository::MovedFile> moves)
         : m_told(std::move(told)), m_moves(std::move(moves)) {}
 
-    /// Sets the current path of every file: its own path unless it is known to be elsewhere. A file that is unchanged at
-    /// its old path is taken from there. A missing one beside a moved file is taken to have moved along, if a file of its
-    /// name and size is there.
+    /// Sets the current path of every file: its own path unless it is known to be elsewhere. A file that is unchanged
+    /// at its old path is taken from there. A missing one beside a moved file is taken to have moved along, if a file
+    /// of its name and size is there.
     void locate(DrillTable::TextFile& source) const;
 
   private:
@@ -34,7 +34,7 @@ class MovedSources {
 /// Tries a few paths only.
 [[nodiscard]] std::string findBeside(const std::string& folder, const DrillTable::TextFile::File& file);
 
-/// How the library names the file of a run.
+/// The file's identity in the repository.
 [[nodiscard]] repository::ReadFile readFile(const DrillTable::TextFile::File& file);
 
 } // namespace tavix

@@ -121,7 +121,7 @@ ProfileCursorHandle PrViewer::getReport(int jobId) {
 bool PrViewer::folderGetPathFromId(int folderId, KvbString& path, KvbString& text) {
     if (auto ready = m_impl->requireSession(); !ready)
         return m_impl->fail(ready.error());
-    // The depth is bounded because a damaged repository may hold a folder within itself.
+    // The depth is bounded because in a damaged repository a folder may contain itself.
     auto select = m_impl->bound("WITH RECURSIVE up(id, parent, name, depth) AS (SELECT id, parent, name, 0 FROM folder "
                                 "WHERE id = ?1 UNION ALL SELECT folder.id, folder.parent, folder.name, depth + 1 "
                                 "FROM up JOIN folder ON folder.id = up.parent WHERE depth < ?2) "

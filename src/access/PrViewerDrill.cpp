@@ -19,7 +19,7 @@ constexpr std::string_view kTableOfField =
     "SELECT d.name, t.catalog, t.schema, t.name, t.object_name, t.kind, f.name, rt.query, t.id, rt.filter, "
     "rt.file_path, rt.file_delimiter, rt.file_header, rt.file_encoding, rt.file_size, rt.file_modified, "
     "{connection}, {user}, "
-    // A filtered table has the sample of the one that it is based on, and that one alone shows it.
+    // A filtered table has the sample of its base table, and only the base table's row shows it.
     "EXISTS (SELECT 1 FROM run_table b JOIN profiled_table bt ON bt.id = b.table_id WHERE b.run = rt.run AND "
     "b.processed_records <> b.total_records AND bt.kind = 'Y' AND bt.data_source = t.data_source AND "
     "bt.catalog = t.catalog AND bt.schema = t.schema AND bt.name = t.name) "
@@ -46,13 +46,13 @@ enum TableColumn {
     ConnectionUser,
     IsSampled,
 };
-/// From this version on a repository says how a database was reached.
+/// The version that added run_table.connection.
 constexpr std::int64_t kConnectionsSince = 3;
 
-/// From this version on it names the files of a table.
+/// The version that added run_file.
 constexpr std::int64_t kFilesSince = 4;
 
-/// From this version on it says how each of them was read, and the user of a database.
+/// The version that added the format of each file, and the user of a database.
 constexpr std::int64_t kFormsSince = 6;
 
 constexpr std::string_view kColumnsOfTable =
@@ -60,7 +60,7 @@ constexpr std::string_view kColumnsOfTable =
     "WHERE rf.run = ?1 AND rf.table_id = ?2 ORDER BY rf.position";
 
 constexpr std::string_view kNulls = "SELECT COALESCE(null_count, 0) FROM run_field WHERE run = ?1 AND field = ?2";
-// Lengths are those of texts, of which one is empty when the least is 0.
+// Minimum length 0 means that one of the texts is empty.
 constexpr std::string_view kHasEmptyText =
     "SELECT COALESCE(minimum_length = 0, 0) FROM run_field WHERE run = ?1 AND field = ?2";
 
@@ -150,7 +150,7 @@ Status PrViewer::Impl::readFiles(int ofRun, int table, DrillTable::TextFile& fil
     if (file.files.empty())
         file.files.push_back({file.path, {}, {}, {}, -1, {}});
     if (file.files.size() == 1) {
-        // Of one file the table says everything.
+        // The table's row describes a single file completely.
         DrillTable::TextFile::File& only = file.files.front();
         file.path = only.path;
         only.delimiter = file.delimiter;

@@ -65,7 +65,7 @@ void PrViewer::Impl::refreshSession() {
 }
 
 void PrViewer::Impl::checkRun() {
-    // Where it cannot be looked at, whatever reads the run says why.
+    // If it cannot be checked, whatever reads the run reports why.
     const auto damage = repository::describeDamage(connection(), run);
     runWarning = damage && !damage->empty() ? KvbString(*damage) : KvbString();
 }

@@ -19,7 +19,7 @@ std::string absolutePath(const std::string& path) {
     return absolute.empty() ? path : absolute.lexically_normal().string();
 }
 
-/// Opening such a file by other means than the library's would take its locks away.
+/// Opening such a file outside SQLite would drop SQLite's locks on it.
 bool isOfRepository(const std::string& path, const std::string& repository) {
     std::error_code ignored;
     for (const char* end : {"", "-wal", "-shm", "-journal"})

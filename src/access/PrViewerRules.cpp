@@ -10,7 +10,7 @@ namespace tavix {
 
 namespace {
 
-/// The version of the repository that brought custom metrics and rules.
+/// The repository version that added custom metrics and rules.
 constexpr std::int64_t kFirstVersion = 2;
 
 // ?1 is the run, ?2 a table or -1.
@@ -26,7 +26,7 @@ constexpr std::string_view kRulesOfTable =
 constexpr KeyedKind kMetricKeys{'M', "custom metric", "SELECT 1 FROM custom_metric WHERE id = ?1"};
 constexpr KeyedKind kRuleKeys{'B', "business rule", "SELECT 1 FROM business_rule WHERE id = ?1"};
 
-/// The number within a key such as "M12"; -1, which nothing has, when it is no key of this letter.
+/// The number in a key such as "M12"; -1, which is never an id, if it is not a key of this letter.
 std::int64_t idOfKey(const KvbString& key, char letter) {
     const std::string_view text = key.view();
     if (text.size() < 2 || text.size() > 10 || text.front() != letter || text[1] == '0' ||

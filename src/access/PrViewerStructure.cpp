@@ -135,7 +135,7 @@ bool PrViewer::refreshGlobalCollForTable(int tableId) {
         return m_impl->fail(ready.error());
     if (auto exists = repository::requireTable(m_impl->connection(), tableId); !exists)
         return m_impl->fail(exists.error());
-    // Mostly there is nothing to do, and then a repository that cannot be written will do as well.
+    // Usually nothing is stale; then a read-only repository must not fail.
     auto stale = repository::hasStaleFields(m_impl->connection(), tableId);
     if (!stale)
         return m_impl->fail(stale.error());

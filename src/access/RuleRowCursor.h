@@ -15,8 +15,8 @@ namespace tavix {
 /// the rule's row log.
 class RuleRowCursor final : public CellCursor {
   public:
-    /// `statement` is bound and belongs to the session; it gives the bookkeeping columns of a row and then its stored
-    /// values, of which those for `fields` are shown.
+    /// `statement` is bound and belongs to the session; its columns are the bookkeeping columns of a row and its stored
+    /// values. Of these, the values of `fields` are shown.
     [[nodiscard]] static Result<std::unique_ptr<RuleRowCursor>>
     open(std::shared_ptr<ViewerSession> session, sql::Statement statement, std::vector<KvbString> fields);
 
@@ -33,7 +33,7 @@ class RuleRowCursor final : public CellCursor {
 
     std::unique_ptr<StatementCursor> m_rows;
     std::vector<KvbString> m_fields;
-    std::vector<KvbString> m_values; ///< of the current row; the bookkeeping first
+    std::vector<KvbString> m_values; ///< of the current row; the bookkeeping columns first
 };
 
 } // namespace tavix

@@ -9,7 +9,7 @@
 
 namespace tavix {
 
-/// Source rows as drillDown gives them.
+/// Source rows as the result of drillDown.
 class DrillRowCursor final : public PrViewerDrillCursor {
   public:
     explicit DrillRowCursor(SourceRows rows) : m_rows(std::move(rows)) {}
@@ -26,7 +26,7 @@ class DrillRowCursor final : public PrViewerDrillCursor {
     SourceRows m_rows;
 };
 
-/// Source rows as drillDownMatch gives them.
+/// Source rows as the result of drillDownMatch.
 class MatchRowCursor final : public CellCursor {
   public:
     /// Skips the first `skip` rows.

@@ -12,20 +12,20 @@ namespace tavix {
 
 class PrViewDisplayMessage;
 
-/// The wanted rows of a source, read as they are asked for.
+/// The selected rows of a source, read as they are requested.
 class SourceRows {
   public:
-    /// `sink` may be null; it is told between two pieces of the source and must outlive the reading.
+    /// `sink` may be null; it is called between two pieces of the source and must outlive this object.
     SourceRows(DrillSource source, PrViewDisplayMessage* sink);
 
-    /// Throws GenException when the source fails. Once false it stays so, and the source is closed.
+    /// Throws GenException if the source fails. After false it stays false, and the source is closed.
     bool next();
-    /// next() came to the end of the source, and did not stop because of a failure or the sink's wish.
+    /// next() reached the end of the source; it was not stopped by a failure or the sink.
     [[nodiscard]] bool isComplete() const { return m_isComplete; }
     [[nodiscard]] KvbString warning() const;
 
     [[nodiscard]] int columnCount() const { return static_cast<int>(m_names.size()); }
-    /// For a column that there is not: a null text, kvbType::Text.
+    /// For a missing column: a null text, kvbType::Text.
     [[nodiscard]] KvbString name(int column) const;
     [[nodiscard]] kvbType type(int column) const;
     [[nodiscard]] bool isNull(int column) const { return !cell(column) || cell(column)->isNull; }
@@ -33,7 +33,7 @@ class SourceRows {
     [[nodiscard]] KvbString value(int column) const;
 
   private:
-    /// False at the end, or when the sink wants no more.
+    /// False at the end, or if the sink stops it.
     bool readBlock();
     /// Null without a current row and outside its columns.
     [[nodiscard]] const source::Cell* cell(int column) const;
@@ -43,8 +43,8 @@ class SourceRows {
     PrViewDisplayMessage* m_sink;
     std::vector<std::string> m_names;
     source::RowBlock m_block;
-    std::vector<std::uint32_t> m_rows; ///< of the block, those that are wanted
-    std::size_t m_next = 0;            ///< among them
+    std::vector<std::uint32_t> m_rows; ///< of the block, those selected
+    std::size_t m_next = 0;            ///< index into m_rows
     bool m_isOnRow = false;
     bool m_isComplete = false;
 };
