@@ -16,7 +16,7 @@ constexpr std::int64_t kFirst = std::int64_t{-719162} * kTicksPerDay;  // 0001-0
 constexpr std::int64_t kBehind = std::int64_t{2932897} * kTicksPerDay; // 10000-01-01
 constexpr std::int64_t kFinestDigits = 7;
 
-/// Takes a date apart from the left. Once a step has failed, all that follow do.
+/// Parses a date from the left. After a failed step all others fail.
 class Steps {
   public:
     explicit Steps(std::string_view text) : m_rest(text) {}
@@ -43,7 +43,7 @@ class Steps {
         if (!skip({&c, 1}))
             giveUp();
     }
-    /// One to nine digits behind the point; what is finer than 100 ns is cut.
+    /// One to nine digits after the decimal point; digits beyond 100 ns are dropped.
     std::int64_t fraction() {
         std::int64_t ticks = 0;
         std::int64_t taken = 0;
@@ -73,7 +73,7 @@ class Steps {
     bool m_isGood = true;
 };
 
-/// What stands behind the day: a time, perhaps with an offset. In ticks to be added.
+/// Parses the time after the day, perhaps with an offset. Returns the ticks to add.
 std::int64_t parseTime(Steps& steps) {
     std::int64_t seconds = std::int64_t{3600} * steps.digits(2, 0, 23);
     steps.need(':');

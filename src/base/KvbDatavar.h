@@ -8,7 +8,7 @@
 
 namespace tavix {
 
-/// A cell value that converts on read to text, integer or floating point, and knows null.
+/// A cell value, possibly null, that converts to text, integer or floating point when read.
 class KvbDatavar {
   public:
     KvbDatavar() = default;

@@ -7,7 +7,7 @@
 
 namespace tavix {
 
-/// The standard metrics of a field; the number is the metric's id in the repository, in settings and in reports.
+/// The standard metrics of a field, by their ids in the repository, in settings and in reports.
 enum class MetricId {
     Count = 0,
     UniqueCount = 1,
@@ -39,19 +39,19 @@ inline constexpr std::size_t kMetricCount = 24;
 
 struct MetricInfo {
     MetricId id;
-    std::string_view name;   ///< as shown to users
-    std::string_view column; ///< the name of its column in the repository, in JSON and in CSV
+    std::string_view name;   ///< for users
+    std::string_view column; ///< its column in the repository, in JSON and in CSV
 };
 
 /// All metrics in the order of their ids.
 [[nodiscard]] const std::array<MetricInfo, kMetricCount>& metricCatalogue();
-/// The metric with this number; null for a number outside the catalogue.
+/// The metric with this id; null outside the catalogue.
 [[nodiscard]] const MetricInfo* findMetric(int id);
 
-/// Whether a sample of a table's rows tells this metric of the sample alone: the rows that were left out may hold
-/// lower, higher, shorter, longer and further values.
+/// Whether the metric of a sample describes the sample only: the other rows may hold lower, higher, shorter, longer and
+/// further values.
 [[nodiscard]] bool isOfSampleAlone(MetricId id);
-/// What stands behind the name of such a metric.
+/// Appended to the name of such a metric.
 inline constexpr std::string_view kOfSampleAlone = " (sample)";
 
 [[nodiscard]] constexpr std::size_t index(MetricId id) {

@@ -12,10 +12,10 @@ namespace tavix {
 
 namespace {
 
-/// Names beyond this are not compared letter by letter.
+/// Longer names are not compared letter by letter.
 constexpr std::size_t kLongestCompared = 64;
 
-/// Insertions, deletions, replacements and swaps of neighbours that make one word of the other, case aside.
+/// The number of insertions, deletions, replacements and swaps of neighbours between two words, ignoring case.
 std::size_t distance(std::string_view a, std::string_view b) {
     std::vector<std::size_t> beforeLast;
     std::vector<std::size_t> last(b.size() + 1);

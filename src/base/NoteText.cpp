@@ -34,8 +34,8 @@ Status check(std::string_view text, std::size_t longest, std::string_view what) 
 std::string tidyNote(std::string_view text) {
     std::string tidied;
     tidied.reserve(text.size());
-    std::size_t end = 0;       // behind the last character that shows
-    std::size_t lineStart = 0; // of the line that is being read
+    std::size_t end = 0;       // after the last visible character
+    std::size_t lineStart = 0; // of the current line
     bool afterReturn = false;
     forEachCharacter(text, [&](UChar32 character, std::string_view bytes) {
         const bool isSecondHalf = afterReturn && character == '\n';

@@ -29,7 +29,7 @@ std::string formatGrouped(std::int64_t value) {
 }
 
 std::string formatReal(double value) {
-    // The shortest text would write 100000 as 1e+05; people read plain digits as far as they can be counted.
+    // The shortest text of 100000 would be 1e+05; people read plain digits as long as they can count them.
     constexpr double kPlainFrom = 1e-5;
     constexpr double kPlainBelow = 1e15;
     const double size = std::abs(value);
@@ -80,7 +80,7 @@ std::optional<double> parseNumber(std::string_view text) {
             return std::nullopt;
     }
     const std::string_view unsignedText = text.starts_with('-') ? text.substr(1) : text;
-    // from_chars would also take "inf" and "nan", which are words to us.
+    // from_chars would also accept "inf" and "nan".
     if (unsignedText.empty() || !(isAsciiDigit(unsignedText.front()) || unsignedText.front() == '.'))
         return std::nullopt;
     double value = 0;

@@ -71,7 +71,7 @@ FileState stateOf(const std::string& path) {
     return {found.st_dev, found.st_ino, found.st_size, found.st_mtim.tv_sec, found.st_mtim.tv_nsec};
 }
 
-/// Keeps other stores from writing, in this process and in others. A system whose folders know no locks goes without.
+/// Locks out other writing stores, in this process and in others. On a file system without locks, does nothing.
 class WriterLock {
   public:
     explicit WriterLock(const std::string& path) : m_file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {}
@@ -82,7 +82,7 @@ class WriterLock {
     WriterLock(const WriterLock&) = delete;
     WriterLock& operator=(const WriterLock&) = delete;
 
-    /// False when another writer does not come to its end; a window does not wait for it for ever.
+    /// False if another writer does not finish; a window does not wait forever.
     [[nodiscard]] bool take() const {
         using namespace std::chrono;
         const auto end = steady_clock::now() + kLongestWait;
@@ -126,7 +126,7 @@ class FileSettings final : public SettingsStore {
     std::string read(std::string_view section, std::string_view key) const override {
         if (const auto own = m_unsaved.find(foldedName(section, key)); own != m_unsaved.end())
             return own->second.value;
-        // Another window may have written. A file that has become unreadable leaves the values as they were.
+        // Another window may have written. If the file has become unreadable, the values stay.
         if (const FileState state = stateOf(m_path); state != m_state) {
             m_state = state;
             if (auto ini = readFile())
@@ -150,7 +150,7 @@ class FileSettings final : public SettingsStore {
         std::string value;
     };
 
-    /// The file as it is now; an empty store when there is none.
+    /// Reads the present file; an empty store without one.
     [[nodiscard]] Result<std::unique_ptr<CSimpleIniA>> readFile() const {
         auto ini = emptyIni();
         std::error_code code;
@@ -169,7 +169,7 @@ class FileSettings final : public SettingsStore {
         return ini;
     }
 
-    /// Puts the values that this store has changed, and no others, into the current file.
+    /// Writes the values that this store has changed, and no others, into the present file.
     Status merge() {
         std::error_code code;
         if (const auto folder = fs::path(m_path).parent_path(); !folder.empty())
@@ -211,9 +211,9 @@ class FileSettings final : public SettingsStore {
     }
 
     std::string m_path;
-    mutable std::unique_ptr<CSimpleIniA> m_ini; ///< the file when it was in that state
+    mutable std::unique_ptr<CSimpleIniA> m_ini; ///< the content of the file in that state
     mutable FileState m_state;
-    std::map<Name, Unsaved> m_unsaved; ///< values not in the file yet, by lowered names
+    std::map<Name, Unsaved> m_unsaved; ///< values not in the file yet, by folded names
 };
 
 } // namespace
