@@ -1,13 +1,13 @@
 #!/usr/bin/python3
-"""Recomputes every figure of a text file's fields and compares them with a dump.
+"""Recomputes every metric of a text file's fields and compares them with a dump.
 
     check_figures.py FILE.csv DUMP.json
 
-Written from docs/definitions.md alone, with Python's csv, unicodedata, statistics and exact fractions, so that it shares
-no line with what it checks. The dump: {"rows": n, "fields": [{"name", "type", "rule", "metrics": {column: value},
+Written from docs/definitions.md alone, with Python's csv, unicodedata, statistics and exact fractions, independently of
+the code it checks. The dump: {"rows": n, "fields": [{"name", "type", "rule", "metrics": {column: value},
 "percentiles": [[interval, value]], "outliers": [[side, position, value, count, fence]], "values": [[value, count]],
 "patterns": [[pattern, count]]}]}. Python's csv module cannot tell an empty quoted cell from an empty one, so the file
-must not have any. Prints what differs; exit code 1 when something does.
+must not have any. Prints the differences; exit code 1 if there are any.
 """
 import collections
 import csv
@@ -168,7 +168,7 @@ def figures(column, ordinal):
 
 
 def same(found, expected):
-    """Texts and counts exactly; computed figures up to a few units in the last place of a double."""
+    """Compares texts and counts exactly, computed metrics up to a few units in the last place of a double."""
     if isinstance(expected, (Fraction, float)):
         if found is None:
             return False

@@ -1,12 +1,12 @@
 #!/usr/bin/python3
-"""Reads every NAME.xls of a folder with a reader that is not ours and compares its cells with NAME.tsv.
+"""Reads every NAME.xls of a folder with an independent reader and compares its cells with NAME.tsv.
 
     check_worksheet.py xlrd|libreoffice FOLDER
 
 A line of NAME.tsv: sheet, row and column from 0, kind, value. Kind "t" is a text and "h" a bold one, as hexadecimal
-digits of UTF-8; "n" is a number in hexadecimal. Cells that are not listed have to be empty. Kind "w" is the width of the
-column in digits, and "f" says how many rows stay in view; only xlrd is asked for these. Prints what differs; exit
-code 1 when something does.
+digits of UTF-8; "n" is a number in hexadecimal. Cells that are not listed must be empty. Kind "w" is the width of the
+column in digits, and "f" the number of frozen rows; only xlrd reads these. Prints the differences; exit code 1 if there
+are any.
 """
 import csv
 import math
@@ -23,7 +23,7 @@ MAX_RECORD = 8224
 
 
 def expected(path):
-    """The cells by sheet and place, and what else is to be looked at: [(sheet, column, kind, value)]."""
+    """The cells by sheet and position, and the other facts to check: [(sheet, column, kind, value)]."""
     sheets, looks = {}, []
     with open(path, encoding="utf-8") as file:
         for line in file:
@@ -37,7 +37,7 @@ def expected(path):
 
 
 def check_records(path):
-    """Readers tolerate longer records, the program that the format comes from does not."""
+    """Other readers tolerate longer records; the program that defined the format does not."""
     with open(path, "rb") as file:
         stream = xlrd.compdoc.CompDoc(file.read()).get_named_stream("Workbook")
     at = 0
@@ -107,18 +107,18 @@ def same_exactly(want, have):
 
 
 def same_in_csv(want, have):
-    """The CSV file does not tell what is bold, and LibreOffice writes 15 digits of a number there."""
+    """The CSV file does not show bold text, and LibreOffice writes 15 digits of a number."""
     if not want or not have:
         return False
     if want[0] == "n":
         return have[0] == "n" and math.isclose(want[1], have[1], rel_tol=1e-14)
-    # What LibreOffice makes of these characters of a cell.
+    # How LibreOffice exports these characters of a cell.
     text = want[1].replace("\r\n", "\n").replace("\r", "\n").replace("\0", "?")
     return have == ("t", text)
 
 
 def differences(name, wanted, found, same):
-    """How many; the first ones are printed."""
+    """The number of differences; prints the first ones."""
     count = 0
     if sorted(wanted) != sorted(found):
         print("%s: the sheets are %s, not %s" % (name, list(found), list(wanted)))
@@ -148,7 +148,7 @@ def main():
             wrong += differences(name, wanted, with_libreoffice(path + ".xls", folder), same_in_csv)
         cells += sum(len(sheet) for sheet in wanted.values())
     print("%s: %d cells in %d workbooks, %d differences" % (reader, cells, len(names), wrong))
-    # A comparison that saw nothing has proved nothing.
+    # A comparison of nothing proves nothing.
     return 1 if wrong or cells == 0 else 0
 
 

@@ -6,7 +6,7 @@
 namespace tavix {
 namespace {
 
-/// Rows given beforehand; throws at the row `failAt`.
+/// The given rows; throws at the row `failAt`.
 class ListCursor final : public ProfileCursor {
   public:
     ListCursor(std::vector<KvbString> names, std::vector<std::vector<KvbString>> rows, std::size_t failAt = SIZE_MAX)

@@ -50,13 +50,13 @@ TEST_F(PrViewerDrill, GivesTheRowsBehindValuesNullsAndPatterns) {
     EXPECT_TRUE(cursor->getColumnValue(0).isNull());
     EXPECT_TRUE(cursor->getWarning().isNull());
     EXPECT_TRUE(cursor->getColumnName(3).isNull());
-    m_viewer->close(); // the source is not the repository's
+    m_viewer->close(); // not one of the source
     EXPECT_TRUE(cursor->next());
     EXPECT_EQ(cursor->getColumnValue(1), KvbString("Köln"));
     EXPECT_THAT(m_sink.texts, ElementsAre("Reading orders.csv"));
 }
 
-// The run of this test is wrong about where the value stands, which shows whether it is asked.
+// This run's offset index is wrong about the value, which shows whether it is used.
 TEST_F(PrViewerDrill, LooksWhereTheRunMetAValueWhileTheFileIsTheSame) {
     const std::string file = "id,city\n1,Bern\n2,Bern\n3,Bern\n";
     write(file);
@@ -185,7 +185,7 @@ TEST_F(PrViewerDrill, TheSinkStopsAndAFileThatShrinksThrows) {
         }
         EXPECT_FALSE(stopped->isComplete());
         EXPECT_FALSE(stopped->next());
-        EXPECT_EQ(m_sink.calls, 3); // not asked again once it has stopped the reading
+        EXPECT_EQ(m_sink.calls, 3); // not called again once it has stopped the reading
     }
     m_sink.allowed = 1'000'000;
     const PrViewerDrillCursorHandle cursor = open("city", "Köln");

@@ -21,11 +21,11 @@ namespace {
 using Bytes = std::span<const std::byte>;
 using List = std::vector<std::uint32_t>;
 
-// As docs/formats/places.md has it.
+// See docs/formats/places.md.
 constexpr std::size_t kSeal = 8;
 constexpr std::size_t kPage = std::size_t{32} << 10;
 
-/// Numbers that the fuzzer chooses; 0 when its bytes are used up.
+/// Numbers chosen by the fuzzer; 0 once its bytes are used up.
 class Choices {
   public:
     explicit Choices(Bytes bytes) : m_bytes(bytes) {}
@@ -50,7 +50,7 @@ class Choices {
     Bytes m_bytes;
 };
 
-/// The bytes as they are, and behind the seal that they need.
+/// The bytes as they are, and with the right seal before them.
 void asTheyAreAndSealed(Bytes bytes, void (*check)(Bytes, Choices), Choices choices) {
     check(bytes, choices);
     std::vector<std::byte> sealed(kSeal);
@@ -68,7 +68,7 @@ bool isSealed(Bytes bytes) {
     return seal == XXH3_64bits(bytes.data() + kSeal, bytes.size() - kSeal);
 }
 
-/// The number at `at`, which is moved behind it; nothing when it does not end or does not fit.
+/// The number at `at`, which moves past it; nothing if it is incomplete or too large.
 std::optional<std::uint64_t> numberAt(Bytes bytes, std::size_t& at) {
     std::uint64_t number = 0;
     for (unsigned shift = 0; at < bytes.size(); shift += 7) {
@@ -83,7 +83,7 @@ std::optional<std::uint64_t> numberAt(Bytes bytes, std::size_t& at) {
     return std::nullopt;
 }
 
-/// Nothing when they are not listed, or not in bounds.
+/// Nothing if they are not listed, or out of bounds.
 std::optional<List> listIn(Bytes bytes, std::size_t ranges) {
     if (bytes.empty())
         return std::nullopt;
@@ -98,7 +98,7 @@ std::optional<List> listIn(Bytes bytes, std::size_t ranges) {
     return list;
 }
 
-/// All lists of a page, as far as it can be read.
+/// All lists of a page, as far as it is valid.
 struct SlowPage {
     std::map<std::uint32_t, std::optional<List>> lists;
     bool isWhole = false;
@@ -177,7 +177,7 @@ void checkOffsets(Bytes bytes, Choices) {
     holdsOrAborts(again.size() <= bytes.size() && unpackOffsets(again) == offsets, "offsets changed by packing");
 }
 
-/// The ranges of buckets; nothing for those that are to be packed as not listed.
+/// The ranges of buckets; nothing for those to be packed as not listed.
 using Lists = std::map<std::uint32_t, std::optional<List>>;
 
 /// A list is repeated for some following buckets, so that few bytes fill pages.
@@ -206,10 +206,12 @@ Lists chosenLists(Choices choices, std::size_t ranges) {
     return lists;
 }
 
-/// Whether the pages say of the bucket what was packed.
-void checkPacked(const std::vector<OffsetIndexPage>& pages, const Lists& lists, std::uint32_t bucket, std::size_t ranges) {
-    const auto behind = std::upper_bound(pages.begin(), pages.end(), bucket,
-                                         [](std::uint32_t b, const OffsetIndexPage& page) { return b < page.firstBucket; });
+/// Checks that the pages return what was packed for the bucket.
+void checkPacked(const std::vector<OffsetIndexPage>& pages, const Lists& lists, std::uint32_t bucket,
+                 std::size_t ranges) {
+    const auto behind =
+        std::upper_bound(pages.begin(), pages.end(), bucket,
+                         [](std::uint32_t b, const OffsetIndexPage& page) { return b < page.firstBucket; });
     const OffsetIndexPage& page = *std::prev(behind);
     const auto list = rangesOfBucket(page.bytes, page.firstBucket, bucket, ranges);
     const auto packed = lists.find(bucket);

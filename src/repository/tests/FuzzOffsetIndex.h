@@ -5,9 +5,9 @@
 
 namespace tavix::repository {
 
-/// The first byte says for what any bytes are taken: a stored page of places, stored offsets, both also with the seal
-/// that they would need, or lists of ranges to pack. What is read must be what a slow reader reads, in bounds and
-/// ascending, and what is packed must come back; aborts when it is not so.
+/// The first byte chooses how to read the others: as a stored page, as stored offsets, both also with the right seal,
+/// or as lists of ranges to pack. The result must be that of a slow reader, in bounds and ascending, and packed lists
+/// must be read back; aborts if not.
 void fuzzOffsetIndex(std::span<const std::byte> bytes);
 
 } // namespace tavix::repository

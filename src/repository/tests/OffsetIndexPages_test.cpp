@@ -29,7 +29,7 @@ struct Packed {
     }
 };
 
-/// A bucket in `share` of all, each in up to `most` ranges.
+/// A random share of all buckets, each in up to `most` ranges.
 Packed packed(unsigned seed, std::size_t ranges, double share, std::size_t most) {
     std::mt19937 random(seed);
     Packed result;
@@ -77,7 +77,7 @@ TEST(OffsetIndexPages, WhatIsNotListedIsEverywhere) {
     EXPECT_EQ(OffsetIndexPacker(8).finish().size(), 1U) << "without any value a page says so";
 }
 
-// Nobody is led past a row by a damaged page: it says nothing.
+// A damaged page must not make a reader miss rows: it returns nothing.
 TEST(OffsetIndexPages, DamageIsNoticed) {
     const Packed whole = packed(3, 5000, 0.005, 4);
     const std::vector<std::byte>& page = whole.pages.front().bytes;
