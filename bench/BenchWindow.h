@@ -17,7 +17,7 @@
 #include <string_view>
 #include <vector>
 
-/// What the benchmarks of the window share: a window, and the statements behind it on the bare SQLite interface.
+/// Shared by the benchmarks of the window: a window, and its statements on the bare SQLite interface.
 namespace tavix::bench {
 
 using Veldra::Solenne::Tavix::TavixConnection;
@@ -74,7 +74,7 @@ class FileConnection final : public TavixConnection {
     std::string m_path;
 };
 
-/// A window that is on the (offscreen) screen, without a report.
+/// A window on the (offscreen) screen, without a report.
 class Window : private QObject {
   public:
     Window()
@@ -98,12 +98,12 @@ class Window : private QObject {
         if (!m_host.SelectTable("bench", "KVTK", "", "", "table 0"))
             std::exit(1);
     }
-    /// Back to the window without a report, on the screen as well.
+    /// Returns to the window without a report, also on the screen.
     void clear() {
         m_host.ExecuteCommand(static_cast<int>(CommandId::New));
         QApplication::processEvents();
     }
-    /// Until the screen shows what is selected. What is not drawn by then is an error.
+    /// Returns when the screen shows the selection; fails if something is not drawn by then.
     void paint() {
         m_painted = false;
         QApplication::processEvents();
@@ -134,7 +134,7 @@ class Window : private QObject {
     bool m_painted = false;
 };
 
-/// Every statement that any connection of this process runs while one of these lives, with its parameters filled in.
+/// Records every statement, with its parameters, that any connection of this process runs during its lifetime.
 class Recording {
   public:
     Recording() {
@@ -156,7 +156,7 @@ class Recording {
     }
     static int note(unsigned, void*, void* statement, void* text) {
         const std::string_view begun = static_cast<const char*>(text);
-        // The work of a trigger is part of the statement that set it off.
+        // The work of a trigger belongs to the statement that fired it.
         if (!s_statements || begun.starts_with("--"))
             return 0;
         char* const expanded = sqlite3_expanded_sql(static_cast<sqlite3_stmt*>(statement));
@@ -169,7 +169,7 @@ class Recording {
     std::vector<std::string> m_statements;
 };
 
-/// The same statements on a bare connection of their own, every cell taken as text.
+/// The same statements on a bare connection, every cell read as text.
 inline std::size_t openOnBareInterface(const std::string& path, const std::vector<std::string>& statements) {
     sqlite3* database = nullptr;
     if (sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK)

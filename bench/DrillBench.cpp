@@ -10,8 +10,8 @@
 #include <vector>
 
 /// Rows of a drill-through: reading a million of them into the grid and sorting them. Without TAVIX_DRILL_FILE the
-/// columns are made here; with it, it is the first column of a text file, a value a line below a heading, so that a
-/// peer can be given the same (bench/drill-sort).
+/// columns are generated; with it, they are the first column of a text file, a value a line after a heading, so that a
+/// peer can sort the same (bench/drill_sort_bench).
 namespace tavix {
 namespace {
 
@@ -72,7 +72,7 @@ BENCHMARK_CAPTURE(sortColumn, numbers, "numbers")->Unit(benchmark::kMillisecond)
 BENCHMARK_CAPTURE(sortColumn, texts, "texts")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(sortColumn, mixed, "mixed")->Unit(benchmark::kMillisecond);
 
-// A row of an ordinary table; the memory is that of the rows and their order beside the bytes of their text.
+// A row of an ordinary table; the memory is that of the rows and their order without their text.
 void readRows(benchmark::State& state) {
     std::vector<KvbString> row;
     for (int i = 0; i < 8; ++i)

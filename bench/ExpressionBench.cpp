@@ -14,9 +14,9 @@
 #include <string>
 #include <vector>
 
-/// What it costs to filter a distribution of five million values that lies in memory in blocks. The peer is the same
-/// condition in SQL over the same rows: with TAVIX_BENCH_ROWS naming an SQLite file that has a table
-/// freq(rank, value, cnt), its rows are taken instead of made up ones.
+/// The cost of filtering a distribution of five million values that is in memory in blocks. The peer is the same
+/// condition in SQL over the same rows: if TAVIX_BENCH_ROWS names an SQLite file with a table freq(rank, value, cnt),
+/// its rows are used instead of generated ones.
 namespace tavix::expression {
 namespace {
 
@@ -116,7 +116,7 @@ void filter(benchmark::State& state, const char* text) {
         rows = 0;
         sum = 0;
         for (const StoredBlock& stored : blocks) {
-            // Counts fall.
+            // Counts descend.
             const bool isUniform = stored.counts.front() == stored.counts.back();
             const std::array<BlockColumn, 2> columns{BlockColumn{stored.bytes, stored.ends, {}, {}},
                                                      BlockColumn{{}, {}, stored.counts, {}, isUniform}};

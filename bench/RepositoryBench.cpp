@@ -13,10 +13,10 @@
 #include <string>
 #include <vector>
 
-/// What it costs to open a report, a list of tables or fields, and a long distribution, beside the same SQL on the bare
-/// SQLite interface in the same process; and to walk a filtered distribution of five million values. The walk's rows
-/// are made up, or taken from the table freq(rank, value, cnt) of the SQLite file that TAVIX_BENCH_ROWS names; that
-/// file is then the peer, asked the same in SQL.
+/// The cost of opening a report, a list of tables or fields, and a long distribution, compared with the same SQL on the
+/// bare SQLite interface in the same process; and of reading a filtered distribution of five million values. Its rows
+/// are generated, or taken from the table freq(rank, value, cnt) of the SQLite file that TAVIX_BENCH_ROWS names; that
+/// file is then the peer, queried in SQL.
 namespace tavix {
 namespace {
 
@@ -65,7 +65,7 @@ repository::FieldFacts fieldFacts(int number) {
     return field;
 }
 
-/// Repositories are made once and removed at the end of the process.
+/// Repositories are built once and removed at the end of the process.
 const TempFolder& folder() {
     static const TempFolder made;
     return made;
@@ -129,7 +129,7 @@ PrViewer::Handle openReport(const std::string& path) {
     return viewer;
 }
 
-/// Reads every cell of every row as its readers do; the number of bytes seen.
+/// Reads every cell of every row as the viewer does; returns the bytes read.
 std::size_t drain(ProfileCursor& cursor, int limit = -1) {
     std::size_t bytes = 0;
     const int columns = cursor.getColumnCount();
@@ -170,7 +170,7 @@ void first1000OfLong(benchmark::State& state) {
     }
 }
 
-/// The peer: the statement prepared once, every cell taken as text.
+/// The peer: the statement prepared once, every cell read as text.
 void raw(benchmark::State& state, const std::string& path, const char* sql) {
     sqlite3* database = nullptr;
     sqlite3_stmt* statement = nullptr;
@@ -211,7 +211,7 @@ void fieldListRaw(benchmark::State& state) {
         "ORDER BY rf.position");
 }
 
-/// What is compared here is the store, so the time to write it is told too.
+/// The peer for reading is the store, so the time to write it is reported, too.
 void writeLong(benchmark::State& state) {
     for (auto _ : state)
         benchmark::DoNotOptimize(withLongDistribution());
@@ -291,7 +291,7 @@ const std::string& withFilteredDistribution() {
     return path;
 }
 
-/// The rows that pass and the sum of their counts, as a tab's percentages need them.
+/// The rows that pass and the sum of their counts, which a tab's percentages need.
 void filterWalk(benchmark::State& state, const char* filter) {
     auto viewer = openReport(withFilteredDistribution());
     std::int64_t rows = 0;

@@ -10,7 +10,7 @@
 #include <chrono>
 #include <map>
 
-/// What it takes until a wide table, a wide collection or a long distribution is on the screen, each beside the same
+/// The time until a wide table, a wide collection or a long distribution is on the screen, each compared with the same
 /// statements on the bare SQLite interface, or the same rows through the cursor.
 namespace tavix::bench {
 namespace {
@@ -38,7 +38,7 @@ void addTable(repository::RunWriter& writer, const std::string& name, int fields
         need(writer.addField(id, fieldFacts(field)));
 }
 
-/// "table 0" has 2,000 fields; the collection "wide" holds every field of 50 tables more.
+/// "table 0" has 2,000 fields; the collection "wide" has every field of 50 further tables.
 const std::string& wideRepository() {
     static const std::string path = [] {
         std::string file = folder().file("wide.tavix");
@@ -58,7 +58,7 @@ const std::string& wideRepository() {
     return path;
 }
 
-/// "table 0" has a field of that many distinct values, and a short one after it.
+/// "table 0" has a field with that many distinct values, then a short one.
 const std::string& longRepository() {
     static const std::string path = [] {
         std::string file = folder().file("long.tavix");
@@ -86,7 +86,7 @@ const std::string& longRepository() {
     return path;
 }
 
-/// The report is open and nothing of it selected yet.
+/// The report is open and nothing in it is selected.
 class OpenReport : public Window {
   public:
     explicit OpenReport(const std::string& path) { load(path); }
@@ -95,7 +95,7 @@ class OpenReport : public Window {
         selectFirstTable();
         paint();
     }
-    /// The node of the page at those rows, opened as far as is needed.
+    /// The node of the page at those rows, opened as far as necessary.
     QModelIndex node(int page, std::initializer_list<int> path) {
         QTreeView& pageTree = *view().findChild<QTreeView*>(QStringLiteral("page%1").arg(page));
         QModelIndex index;
@@ -117,7 +117,7 @@ class OpenReport : public Window {
     }
 };
 
-/// Milliseconds that `act` takes.
+/// Milliseconds of `act`.
 template <typename Act>
 double measured(Act act) {
     const auto begun = Clock::now();
@@ -125,7 +125,7 @@ double measured(Act act) {
     return std::chrono::duration<double, std::milli>(Clock::now() - begun).count();
 }
 
-/// Shows it again and again, by turns with its statements on the bare interface. `away` selects something else.
+/// Shows it repeatedly, alternating with its statements on the bare interface. `away` selects something else.
 template <typename Show, typename Away>
 void besideItsStatements(benchmark::State& state, const std::string& path, Show show, Away away) {
     std::vector<std::string> statements;
@@ -198,7 +198,7 @@ void openLongDistribution(benchmark::State& state) {
     viewer->close();
 }
 
-/// From one field to the next, to the picture, at that tab.
+/// From one field to the next, until the screen shows it, at that tab.
 void walkFields(benchmark::State& state) {
     OpenReport window(wideRepository());
     const QModelIndex table = window.node(0, {0, 0});
@@ -211,7 +211,7 @@ void walkFields(benchmark::State& state) {
     }
 }
 
-/// From a table to one of its fields and back: the view is another one each time. Two changes a round.
+/// From a table to one of its fields and back: each time to another view. Two changes a round.
 void changeOfView(benchmark::State& state) {
     OpenReport window(longRepository());
     const QModelIndex table = window.node(0, {0, 0});

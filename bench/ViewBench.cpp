@@ -7,15 +7,15 @@
 #include <chrono>
 #include <map>
 
-/// What it takes from a job to a painted window, and to open a node of the navigator, beside the very same statements,
-/// which are recorded, on the bare SQLite interface. The last benchmark measures both by turns and tells their ratio.
+/// The time from a job to a painted window, and of opening a node of the navigator, compared with the same statements,
+/// which are recorded, on the bare SQLite interface. The last benchmark alternates both and reports their ratio.
 namespace tavix::bench {
 namespace {
 
 constexpr int kTables = 1000;
 constexpr int kFieldsPerTable = 100;
 
-/// Made once and removed at the end of the process. With 1 table of 1 field it shows what a window costs at least.
+/// Built once and removed at the end of the process. With 1 table of 1 field it measures the minimum cost of a window.
 const std::string& repositoryOf(int tables, int fields) {
     static const testing::TempFolder folder;
     static std::map<std::pair<int, int>, std::string> made;
@@ -37,7 +37,7 @@ const std::string& repositoryOf(int tables, int fields) {
     return path;
 }
 
-/// What the viewer asks when it opens the job and shows the fields of its first table.
+/// The queries of the viewer when it opens the job and shows the fields of its first table.
 const std::vector<std::string>& statementsOfOpening() {
     static const std::vector<std::string> statements = [] {
         const std::string& path = repositoryOf(kTables, kFieldsPerTable);
@@ -58,7 +58,7 @@ void bareOpen(benchmark::State& state) {
     state.counters["statements"] = static_cast<double>(statements.size());
 }
 
-/// Without painting: what the viewer adds to the statements.
+/// Without painting: the cost beyond the statements.
 void viewLoad(benchmark::State& state) {
     const std::string& path = repositoryOf(kTables, kFieldsPerTable);
     Window window;
@@ -71,7 +71,7 @@ void viewLoad(benchmark::State& state) {
     }
 }
 
-/// Arguments: tables and fields of each.
+/// Arguments: tables, and fields of each.
 void viewLoadAndPaint(benchmark::State& state) {
     const std::string& path = repositoryOf(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
     Window window;
@@ -85,7 +85,7 @@ void viewLoadAndPaint(benchmark::State& state) {
     }
 }
 
-/// Drawing alone: a window that is loaded is painted again.
+/// Drawing alone: repaints a loaded window.
 void viewPaint(benchmark::State& state) {
     Window window;
     window.load(repositoryOf(kTables, kFieldsPerTable));
@@ -94,7 +94,7 @@ void viewPaint(benchmark::State& state) {
         window.repaintAll();
 }
 
-/// From the key that opens a table of 100 fields to the picture.
+/// From the key that opens a table of 100 fields until the screen shows it.
 void expandTable(benchmark::State& state) {
     Window window;
     window.load(repositoryOf(kTables, kFieldsPerTable));

@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
-/// A worksheet of 60,000 rows and six columns, three of texts that are all different, one of a text that is always the
-/// same and two of numbers: ours beside libxlsxwriter in its constant-memory mode, by turns in the same process.
+/// A worksheet of 60,000 rows and six columns, three of distinct texts, one of a constant text and two of numbers: ours
+/// compared with libxlsxwriter in its constant-memory mode, alternating in the same process.
 namespace tavix::worksheet {
 namespace {
 
@@ -126,7 +126,7 @@ void measure(benchmark::State& state) {
     state.counters["libxlsxwriter_MB"] = static_cast<double>(std::filesystem::file_size(theirsPath)) / 1e6;
 }
 
-/// The counters are the best of all turns.
+/// The counters are the best of all rounds.
 BENCHMARK(measure)->Name("worksheet_60000x6")->Iterations(7)->Unit(benchmark::kMillisecond);
 
 } // namespace

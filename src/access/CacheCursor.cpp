@@ -21,7 +21,7 @@ CacheCursor::CacheCursor(ProfileCursor& source) {
 }
 
 bool CacheCursor::next() {
-    // The end is also where a walk begins, so that a walk past the end starts over.
+    // The end is also the position before the first row, so that the next call starts over.
     m_current = m_current == m_rows.end() ? m_rows.begin() : std::next(m_current);
     return m_current != m_rows.end();
 }
@@ -36,22 +36,16 @@ KvbString CacheCursor::getColumnName(int column) const {
 }
 
 KvbString CacheCursor::getColumnValue(int column) const {
-    const KvbDatavar* value = cell(column);
+    const KvbDatavar* value = find(column);
     return value && !value->isNull() ? value->toText() : KvbString("");
 }
 
-int CacheCursor::getColumnInt(int column) const {
-    const KvbDatavar* value = cell(column);
-    return value ? value->toInt() : 0;
-}
-
-double CacheCursor::getColumnDouble(int column) const {
-    const KvbDatavar* value = cell(column);
-    return value ? value->toDouble() : 0.0;
+KvbDatavar CacheCursor::cell(int column) const {
+    return *find(column);
 }
 
 bool CacheCursor::isColumnNull(int column) const {
-    const KvbDatavar* value = cell(column);
+    const KvbDatavar* value = find(column);
     return !value || value->isNull();
 }
 
@@ -60,11 +54,11 @@ bool CacheCursor::isColumnValid(int) const {
 }
 
 void CacheCursor::setColumnValue(int column, KvbDatavar value) {
-    if (cell(column))
+    if (find(column))
         (*m_current)[static_cast<std::size_t>(column)] = std::move(value);
 }
 
-const KvbDatavar* CacheCursor::cell(int column) const {
+const KvbDatavar* CacheCursor::find(int column) const {
     auto index = static_cast<std::size_t>(column);
     if (m_current == m_rows.end() || column < 0 || index >= m_current->size())
         return nullptr;

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "access/ProfileCursor.h"
-#include "base/KvbDatavar.h"
+#include "access/CellCursor.h"
 
 #include <cstddef>
 #include <list>
@@ -9,31 +8,33 @@
 
 namespace tavix {
 
-/// A self-contained copy of a whole result, readable after its source was given back. Two things are as they are on
-/// purpose: a result without rows has no columns, and next() after the end begins again at the first row.
-class CacheCursor final : public ProfileCursor {
+/// A self-contained copy of a whole result, readable after its source was freed. By contract, a result without rows
+/// has no columns, and next() after the end starts over at the first row.
+class CacheCursor final : public CellCursor {
   public:
-    /// Reads `source` to its end. What the source throws passes through.
+    /// Reads `source` to its end and passes on its exceptions.
     explicit CacheCursor(ProfileCursor& source);
 
     bool next() override;
     [[nodiscard]] int getColumnCount() const override;
     [[nodiscard]] KvbString getColumnName(int column) const override;
-    /// Null, and every value while no row is current, gives an empty text.
+    /// An empty text for null and without a current row.
     [[nodiscard]] KvbString getColumnValue(int column) const override;
-    [[nodiscard]] int getColumnInt(int column) const override;
-    [[nodiscard]] double getColumnDouble(int column) const override;
     [[nodiscard]] bool isColumnNull(int column) const override;
     [[nodiscard]] bool isColumnValid(int column) const override;
     [[nodiscard]] KvbString getWarning() const override { return m_warning; }
 
     [[nodiscard]] std::size_t getRowCount() const { return m_rows.size(); }
-    /// Replaces a value of the current row; without one, or outside its columns, nothing happens.
+    /// Replaces a value of the current row; does nothing without one or outside its columns.
     void setColumnValue(int column, KvbDatavar value);
+
+  protected:
+    [[nodiscard]] KvbDatavar cell(int column) const override;
 
   private:
     using Row = std::vector<KvbDatavar>;
-    [[nodiscard]] const KvbDatavar* cell(int column) const;
+    /// Null without a current row and outside its columns.
+    [[nodiscard]] const KvbDatavar* find(int column) const;
 
     std::list<Row> m_rows;
     std::list<Row>::iterator m_current = m_rows.end();

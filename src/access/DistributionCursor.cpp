@@ -1,8 +1,6 @@
 #include "access/DistributionCursor.h"
 
 #include "base/GenException.h"
-#include "base/KvbDatavar.h"
-#include "base/NumberText.h"
 
 #include <utility>
 
@@ -90,32 +88,14 @@ KvbString DistributionCursor::getColumnName(int column) const {
     return isColumnValid(column) ? KvbString(m_layout.columns[static_cast<std::size_t>(column)].name) : KvbString();
 }
 
-KvbString DistributionCursor::getColumnValue(int column) const {
+KvbDatavar DistributionCursor::cell(int column) const {
     const Role shown = role(column);
-    if (shown == Role::None || isNullValue(shown))
-        return {};
-    return shown == Role::Value ? KvbString(m_reader.block().valueAt(m_row)) : KvbString(formatInteger(number(shown)));
-}
-
-int DistributionCursor::getColumnInt(int column) const {
-    Role shown = role(column);
-    return shown == Role::Rank || shown == Role::Count ? KvbDatavar(number(shown)).toInt()
-                                                       : KvbDatavar(getColumnValue(column)).toInt();
-}
-
-double DistributionCursor::getColumnDouble(int column) const {
-    Role shown = role(column);
-    return shown == Role::Rank || shown == Role::Count ? static_cast<double>(number(shown))
-                                                       : KvbDatavar(getColumnValue(column)).toDouble();
+    return shown == Role::Value ? KvbDatavar(std::string(m_reader.block().valueAt(m_row))) : KvbDatavar(number(shown));
 }
 
 bool DistributionCursor::isColumnNull(int column) const {
     const Role shown = role(column);
     return shown == Role::None || isNullValue(shown);
-}
-
-bool DistributionCursor::isColumnValid(int column) const {
-    return column >= 0 && column < getColumnCount();
 }
 
 KvbString DistributionCursor::getWarning() const {

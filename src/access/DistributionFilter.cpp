@@ -15,11 +15,11 @@ namespace {
 
 using repository::UnpackedBlock;
 
-/// Of a sentence that comes out of a file.
+/// The longest sentence accepted from a file.
 constexpr std::size_t kLongestFault = 200;
 constexpr std::string_view kNoMemory = "There is not enough memory for the filter.";
 
-/// The first row from `first` on for which `isBehind` is true; it stays true from there on.
+/// The first row from `first` on for which `isBehind` is true; it is monotonic.
 template <typename Test>
 std::size_t firstRowThat(std::size_t first, std::size_t last, Test isBehind) {
     while (first < last) {
@@ -63,8 +63,8 @@ Result<std::span<const std::uint32_t>> DistributionFilter::passing(const Unpacke
     if (m_usesCount) {
         if (block.countAt(0) > std::uint64_t{std::numeric_limits<std::int64_t>::max()})
             return Error{"A stored distribution is damaged."};
-        // Counts fall, so that the rows in range lie together. What is outside is cut off also where the block has to
-        // be looked at: where blocks begin must not decide whether a row fails.
+        // Counts descend, so the rows in range are contiguous. Rows outside are excluded even if the block must be
+        // evaluated: block boundaries must not decide whether a row fails.
         const auto low = static_cast<std::uint64_t>(std::max<std::int64_t>(m_range.low, 0));
         const auto high = static_cast<std::uint64_t>(m_range.high);
         first = firstRowThat(first, last, [&](std::size_t row) { return block.countAt(row) <= high; });
@@ -119,7 +119,7 @@ expression::Block DistributionFilter::columnsOf(const UnpackedBlock& block, std:
         }
     }
     if (m_usesCount) {
-        // Counts fall, and most of a long distribution are 1.
+        // Counts descend, and most counts of a long distribution are 1.
         const bool isUniform = block.countAt(first) == block.countAt(last - 1);
         m_counts.resize(isUniform ? 1 : rows);
         block.readCounts(first, m_counts);

@@ -29,7 +29,7 @@ using source::TextFileReader;
 using source::TextFileSearch;
 
 constexpr std::size_t kListedColumns = 10;
-/// Of files of which little more than the names of the columns is taken apart; a delimiter is found in no more.
+/// Bytes of a file that are parsed for little more than its column names; a delimiter needs no more.
 constexpr std::size_t kPieceOfSearched = std::size_t{1} << 18;
 
 std::string listOf(std::span<const std::string> names) {
@@ -44,16 +44,16 @@ bool areSame(const DrillTable& table, std::span<const std::string> names) {
                       [](const std::string& name, const DrillTable::Column& column) { return name == column.name; });
 }
 
-/// The name of the source in messages: the one file, or the pattern that names several.
+/// The name of the source in messages: its one file, or the pattern of several.
 const std::string& shownPath(const DrillTable::TextFile& file) {
-    return file.files.size() == 1 ? file.files.front().place : file.path;
+    return file.files.size() == 1 ? file.files.front().currentPath : file.path;
 }
 
-/// "Read from ..." for what was moved.
+/// "Read from ..." for moved files.
 std::string moveRemark(const DrillTable::TextFile& file) {
     const auto moved =
-        std::find_if(file.files.begin(), file.files.end(), [](const auto& one) { return one.place != one.path; });
-    return moved == file.files.end() ? std::string() : fmt::format("Read from \"{}\".", moved->place);
+        std::find_if(file.files.begin(), file.files.end(), [](const auto& one) { return one.currentPath != one.path; });
+    return moved == file.files.end() ? std::string() : fmt::format("Read from \"{}\".", moved->currentPath);
 }
 
 void addSentence(std::string& text, const std::string& sentence) {
@@ -61,7 +61,7 @@ void addSentence(std::string& text, const std::string& sentence) {
         text += (text.empty() ? "" : " ") + sentence;
 }
 
-/// `reader` has opened the file, or the files, of `size` bytes.
+/// `reader` has opened the file or files, of `size` bytes.
 template <typename Reader>
 std::string fileWarning(const DrillTable& table, const Reader& reader, std::int64_t size) {
     const DrillTable::TextFile& file = *table.file;
@@ -80,7 +80,7 @@ std::string fileWarning(const DrillTable& table, const Reader& reader, std::int6
     return text;
 }
 
-/// The place of the field among the columns that the source has today.
+/// The index of the field among the source's present columns.
 Result<std::size_t> findColumn(const DrillTable& table, std::span<const std::string> names) {
     const auto found = std::find(names.begin(), names.end(), table.field);
     if (found == names.end())
@@ -123,20 +123,20 @@ std::unique_ptr<RowTest> cellTest(std::size_t column, const WantedRows& wanted) 
     return makeValueTest(column, wanted.text);
 }
 
-/// Whether a file of this encoding reads as garbage in nearly every other.
+/// Whether a file in this encoding is garbage in nearly every other.
 bool isWide(const CEncoding* encoding) {
     return encoding == &encodingUtf16(false) || encoding == &encodingUtf16(true) || encoding == &encodingUtf32(false) ||
            encoding == &encodingUtf32(true);
 }
 
-/// The encoding that the run noted, unless the file was replaced since and is plainly in another: one encoding's units
-/// are not the other's.
+/// The encoding recorded by the run, unless the file was replaced since and is clearly in another, with code units of
+/// another size.
 const CEncoding* encodingOf(const DrillTable::TextFile::File& file) {
     const CEncoding* const noted = findEncoding(file.encoding);
-    const auto stamp = source::stampAt(file.place);
+    const auto stamp = source::stampAt(file.currentPath);
     if (!noted || !stamp || file.size < 0 || (stamp->size == file.size && stamp->modifiedTime() == file.modified))
         return noted;
-    const auto input = source::TextInput::open(file.place, nullptr, source::TextInput::kSample, true);
+    const auto input = source::TextInput::open(file.currentPath, nullptr, source::TextInput::kSample, true);
     if (!input)
         return noted;
     const CEncoding* const found = (*input)->encoding().encoding;
@@ -152,16 +152,16 @@ TextFileOptions optionsOf(const DrillTable::TextFile& file) {
     return options;
 }
 
-/// Takes an opened file, or files, and says what is wrong with them. The place of the field among the columns.
+/// Checks an opened file, or files, and records differences. Returns the index of the field among the columns.
 template <typename Reader>
 Result<std::size_t> examine(const DrillTable& table, const Reader& reader, std::int64_t size, DrillSource& source) {
     source.warning = fileWarning(table, reader, size);
     return findColumn(table, reader.columnNames());
 }
 
-/// False for a compressed file, which is for openFiles().
+/// False for a compressed file, which openFiles() reads.
 Result<bool> openSearch(const DrillTable& table, const WantedRows& wanted, DrillSource& source) {
-    auto search = TextFileSearch::open(table.file->files.front().place, optionsOf(*table.file));
+    auto search = TextFileSearch::open(table.file->files.front().currentPath, optionsOf(*table.file));
     if (!search)
         return search.error();
     if (!*search)
@@ -170,32 +170,32 @@ Result<bool> openSearch(const DrillTable& table, const WantedRows& wanted, Drill
     if (!column)
         return column.error();
     (*search)->find(*column, wanted.text);
-    const auto& places = table.file->places;
-    if (places && places->stamp == (*search)->stamp() && (*search)->total() > 0)
-        (*search)->restrictTo(places->ranges);
+    const auto& found = table.file->ranges;
+    if (found && found->stamp == (*search)->stamp() && (*search)->total() > 0)
+        (*search)->restrictTo(found->ranges);
     source.reader = std::move(search).value();
     return true;
 }
 
-std::vector<std::string> placesOf(const DrillTable::TextFile& file) {
-    std::vector<std::string> places;
+std::vector<std::string> currentPathsOf(const DrillTable::TextFile& file) {
+    std::vector<std::string> paths;
     for (const DrillTable::TextFile::File& one : file.files)
-        places.push_back(one.place);
-    return places;
+        paths.push_back(one.currentPath);
+    return paths;
 }
 
-/// Of several files older runs note the encoding of the last. If that is what is found in it, the encoding is taken to
-/// have been found in each file, and to be found again.
+/// For several files, older runs record the encoding of the last one. If detection finds the same in it, each file's
+/// encoding was detected, and is detected again.
 bool isEncodingFound(const DrillTable::TextFile& file, const TextFileOptions& noted) {
     TextFileOptions options = noted;
     options.encoding = nullptr;
-    const auto last = TextFileReader::open(file.files.back().place, options);
+    const auto last = TextFileReader::open(file.files.back().currentPath, options);
     return last && (*last)->encoding().encoding == noted.encoding;
 }
 
 Result<std::unique_ptr<FileSetReader>> openEqual(const DrillTable::TextFile& file, const TextFileOptions& options,
                                                  std::vector<source::StatedForm> forms = {}) {
-    auto files = FileSetReader::open(placesOf(file), options, std::move(forms));
+    auto files = FileSetReader::open(currentPathsOf(file), options, std::move(forms));
     if (!files)
         return files;
     if (Status status = (*files)->checkColumns(); !status)
@@ -211,7 +211,7 @@ Result<std::unique_ptr<FileSetReader>> openInTheirForms(const DrillTable::TextFi
     auto files = openEqual(file, options, forms);
     if (files || file.files.size() == 1)
         return files;
-    // A file that was replaced may have another delimiter by now.
+    // A replaced file may have another delimiter.
     TextFileOptions found = options;
     found.delimiter.reset();
     for (source::StatedForm& form : forms)
@@ -220,8 +220,8 @@ Result<std::unique_ptr<FileSetReader>> openInTheirForms(const DrillTable::TextFi
     return again ? std::move(again) : std::move(files);
 }
 
-/// As older runs note them: the delimiter too is that of the last file, and shows no columns in files that have
-/// another.
+/// For files recorded by older runs: the delimiter too is that of the last file, and finds no columns in files that
+/// have another.
 Result<std::unique_ptr<FileSetReader>> openAsTheLast(const DrillTable::TextFile& file, TextFileOptions options) {
     if (isEncodingFound(file, options))
         options.encoding = nullptr;
@@ -256,7 +256,7 @@ Result<DrillSource> openTextFile(const DrillTable& table, const WantedRows& want
     const DrillTable::TextFile& file = *table.file;
     DrillSource source;
     source.name = std::filesystem::path(file.path).filename().string();
-    for (const std::string& path : placesOf(file)) {
+    for (const std::string& path : currentPathsOf(file)) {
         std::error_code ignored;
         if (std::filesystem::exists(path, ignored) && std::filesystem::is_other(path, ignored))
             return Error{fmt::format("\"{}\" is no file that can be read again.", path)};
@@ -272,7 +272,7 @@ Result<DrillSource> openTextFile(const DrillTable& table, const WantedRows& want
     return source;
 }
 
-/// The engine finds the rows with a value or null; patterns are looked for here.
+/// The engine finds the rows with a value or null; patterns are tested here.
 Result<DrillSource> openDatabase(const DrillTable& table, const WantedRows& wanted, const source::AskCredentials& ask,
                                  const source::KeepGoing& keepGoing) {
     const DrillTable::Database& database = *table.database;

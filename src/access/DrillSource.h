@@ -4,7 +4,7 @@
 #include "access/RowTest.h"
 #include "base/Clock.h"
 #include "base/Result.h"
-#include "repository/FilePlaces.h"
+#include "repository/FileOffsetIndex.h"
 #include "source/Credentials.h"
 #include "source/DatabaseTable.h"
 #include "source/OdbcConnection.h"
@@ -18,7 +18,7 @@
 
 namespace tavix {
 
-/// Which rows of a field's table are wanted.
+/// Which rows of a field's table to read.
 struct WantedRows {
     enum class Kind {
         Value,   ///< the field has this text
@@ -26,25 +26,25 @@ struct WantedRows {
         Pattern, ///< the field is a text of this pattern
     };
     Kind kind = Kind::Value;
-    std::string text; ///< of no meaning for Null
+    std::string text; ///< meaningless for Null
 };
 
-/// What a run says of where the rows of a table come from.
+/// Where the rows of a table come from, as a run recorded it.
 struct DrillTable {
     struct Column {
         std::string name;
-        kvbType type = kvbType::Text; ///< what the run found its values to be
+        kvbType type = kvbType::Text; ///< by the values that the run found
     };
     struct TextFile {
         struct File {
             std::string path;              ///< as the run read it
-            std::string place;             ///< where it is now
-            std::optional<char> delimiter; ///< none: the run does not say it of this file
-            std::string encoding;          ///< empty likewise
-            std::int64_t size = -1;        ///< -1 likewise
-            UtcTime modified{};            ///< of no meaning then
+            std::string currentPath;       ///< where it is now
+            std::optional<char> delimiter; ///< none: not recorded for this file
+            std::string encoding;          ///< empty: not recorded
+            std::int64_t size = -1;        ///< -1: not recorded
+            UtcTime modified{};            ///< meaningless without a size
         };
-        std::string path;     ///< of several files how they were named
+        std::string path;     ///< of several files, their pattern
         char delimiter = ','; ///< 0: the lines are not split
         bool hasHeader = true;
         std::string encoding;
@@ -52,39 +52,39 @@ struct DrillTable {
         UtcTime modified{};
         char quote = '"';          ///< 0: none
         std::vector<File> files{}; ///< one or more
-        /// Where the wanted value stood when the run read the file, if the run knows.
-        std::optional<repository::FoundPlaces> places{};
+        /// The ranges that held the wanted value when the run read the file; none without an offset index.
+        std::optional<repository::FoundRanges> ranges{};
     };
 
     struct Database {
         std::string source;     ///< its name
-        std::string connection; ///< how it was reached, without user and password
-        std::string user;       ///< whom the job named; empty: nobody
+        std::string connection; ///< how to reach it, without user and password
+        std::string user;       ///< the user in the job; empty: none
         source::TableRequest address;
     };
 
     int id = -1;
-    std::string name;  ///< as shown
-    std::string field; ///< the one that is drilled into
+    std::string name;  ///< as displayed
+    std::string field; ///< the field of the drill-down
     std::vector<Column> columns;
-    std::string filter; ///< the condition of a filtered table; empty for others
+    std::string filter; ///< the condition of a filtered table, else empty
     std::optional<TextFile> file;
     std::optional<Database> database;
-    bool isSampled = false; ///< the run counted some of the rows only
+    bool isSampled = false; ///< the run counted only some of the rows
 };
 
-/// The rows of a source, and which of them to pass on.
+/// The rows of a source, and the tests that select some.
 struct DrillSource {
     std::unique_ptr<source::OdbcConnection> connection; ///< of a database; outlives the reader
     std::unique_ptr<source::RowReader> reader;
-    std::vector<std::unique_ptr<RowTest>> tests; ///< in this order; none for what the reader itself decides
+    std::vector<std::unique_ptr<RowTest>> tests; ///< in this order; none for what the reader itself tests
     std::vector<kvbType> types;                  ///< of the reader's columns
-    std::string name;                            ///< for people who wait
-    std::string warning;                         ///< how the source differs from the one of the run; empty: it does not
+    std::string name;                            ///< for progress messages
+    std::string warning;                         ///< how the source differs from the run's; empty: it does not
 };
 
-/// Opens the source that the run read. Errors say what stands in the way: it is gone, or has no such column any more.
-/// `ask` and `keepGoing` are for databases; both may be empty.
+/// Opens the source that the run read. Errors give the obstacle: the source or the column no longer exists. `ask` and
+/// `keepGoing` are for databases; both may be empty.
 [[nodiscard]] Result<DrillSource> openDrillSource(const DrillTable& table, const WantedRows& wanted,
                                                   const source::AskCredentials& ask,
                                                   const source::KeepGoing& keepGoing);

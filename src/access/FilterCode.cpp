@@ -6,7 +6,7 @@
 namespace tavix {
 
 FilterCode codeOf(std::string_view filterText) {
-    // The block is a comment, but one that a value with the end of a comment in it would end too early.
+    // The block is a comment, but a value in it may contain "*/", where the lexer would end it.
     constexpr std::string_view kBegin = "/*{{BEGIN CONDITIONS\r\n";
     constexpr std::string_view kEnd = "}}END CONDITIONS*/\r\n";
     const std::size_t end =

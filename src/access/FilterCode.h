@@ -4,11 +4,11 @@
 
 #include <string_view>
 
-/// A filter text: a condition block, which may be missing, and behind it code for the rows of a distribution.
-/// docs/formats/filter.md describes the block.
+/// A filter text: an optional condition block, then code for the rows of a distribution. docs/formats/filter.md
+/// describes the block.
 namespace tavix {
 
-/// Stands in place of code when a condition list has a fault, before the sentence that names it.
+/// Replaces the code of a condition list with a fault; the sentence that names the fault follows.
 inline constexpr std::string_view kCannotDisplay = "Cannot display expression:\r\n\r\n";
 
 struct FilterCode {
@@ -17,10 +17,10 @@ struct FilterCode {
 };
 [[nodiscard]] FilterCode codeOf(std::string_view filterText);
 
-/// The fields of a distribution's rows, in the order in which programs want them.
+/// The fields of a distribution's rows, in the order that programs require.
 enum FilterColumn { ValueColumn, CountColumn, FilterColumns };
 
-/// Compiles the code as a condition. Places are counted in the code, since the block is never shown beside it.
+/// Compiles the code as a condition. Error positions count within the code, because the block is never shown beside it.
 [[nodiscard]] expression::Compiled compileFilter(std::string_view filterText);
 
 /// Why a condition list was saved without code: "Condition list cannot end with AND or OR". "" for all other texts.

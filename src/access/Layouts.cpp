@@ -10,10 +10,10 @@ namespace tavix::layout {
 
 namespace {
 
-// The short names of tables in the expressions: j job, r run, rt run_table, t profiled_table, d data_source,
-// rf run_field, f field, c collection, m an entry of a collection or of a redundancy, n note, g note_category,
-// h chart, p property, percentile or outlier, l execution_log, a alert, k key_analysis, x redundancy, w task,
-// cm custom_metric, b business_rule, v what a run says of one of these, i an input of it.
+// The table aliases in the expressions: j job, r run, rt run_table, t profiled_table, d data_source, rf run_field, f
+// field, c collection, m an entry of a collection or of a redundancy, n note, g note_category, h chart, p property,
+// percentile or outlier, l execution_log, a alert, k key_analysis, x redundancy, w task, cm custom_metric, b
+// business_rule, v the row of one of these in a run, i an input of it.
 
 constexpr std::array kReports{
     Column{ReportId, "Id", "j.id"},
@@ -269,7 +269,7 @@ constexpr std::array kTasks{
     Column{TaskDefinition, "Definition", "w.definition"},
 };
 
-/// Layouts that hold the metrics are put together of parts; their columns are numbered as they follow each other.
+/// Composes layouts that contain the metrics from parts, numbering their columns in sequence.
 class Composer {
   public:
     Composer& add(std::span<const Column> part) {
@@ -281,7 +281,7 @@ class Composer {
     }
 
     Composer& addMetrics() {
-        // A deque keeps the texts where they are while it grows.
+        // A deque does not move its texts as it grows.
         static std::deque<std::string> expressions;
         for (const MetricInfo& metric : metricCatalogue()) {
             expressions.push_back("rf." + std::string(metric.column));

@@ -5,9 +5,9 @@
 #include <span>
 #include <string_view>
 
-/// The columns of every repository cursor, by number. The enumerators are what readers pass to getColumnValue and its
-/// kin; the tables in Layouts.cpp give each column its heading and the expression that queries it, in the same order.
-/// docs/cursors.md lists them for people.
+/// The columns of every repository cursor, by number: the enumerators are the arguments of getColumnValue and the other
+/// getters. The tables in Layouts.cpp give each column its heading and the SQL of its value. docs/cursors.md lists
+/// them.
 namespace tavix::layout {
 
 enum class Form {
@@ -18,45 +18,62 @@ enum class Form {
 struct Column {
     int index;
     std::string_view name; ///< the heading, as getColumnName gives it
-    std::string_view sql;  ///< what the query selects; empty where the cursor is not read from a query
+    std::string_view sql;  ///< the SQL of the value; empty if the cursor does not read from a query
     Form form = Form::Plain;
 };
 
 struct Layout {
-    std::string_view operation; ///< the PrViewer operation that yields it
+    std::string_view operation; ///< the PrViewer operation that returns it
     std::span<const Column> columns;
 };
 
 enum Reports {
-    ReportId,
-    ReportName,
-    ReportDescription,
-    ReportFolderId,
-    ReportRunCount,
-    ReportLastRunId,
-    ReportLastRunDate
+    ReportId = 0,
+    ReportName = 1,
+    ReportDescription = 2,
+    ReportFolderId = 3,
+    ReportRunCount = 4,
+    ReportLastRunId = 5,
+    ReportLastRunDate = 6,
 };
-enum Report { ReportRowId, ReportRowName, ReportRowDescription, ReportRowCreated };
-enum Jobs { JobRunId, JobDate, JobDescription, JobTables, JobRecords, JobSeconds };
-enum DsnList { DsnId, DsnName, DsnKind, DsnTables };
-/// TableKindLetter is that of a TableKind. TableFilter is the condition of a filtered table, TableAlternateFilter the
-/// text to show when that is empty.
+enum Report {
+    ReportRowId = 0,
+    ReportRowName = 1,
+    ReportRowDescription = 2,
+    ReportRowCreated = 3,
+};
+enum Jobs {
+    JobRunId = 0,
+    JobDate = 1,
+    JobDescription = 2,
+    JobTables = 3,
+    JobRecords = 4,
+    JobSeconds = 5,
+};
+enum DsnList {
+    DsnId = 0,
+    DsnName = 1,
+    DsnKind = 2,
+    DsnTables = 3,
+};
+/// TableKindLetter is that of a TableKind. TableFilter is the condition of a filtered table; TableAlternateFilter is shown if
+/// that is empty.
 enum TableList {
-    TableKindLetter,
-    TableId,
-    TableName,
-    TableObjectName,
-    TableSchema,
-    TableCatalog,
-    TableBase,
-    TableFilter,
-    TableQuery,
-    TableAlternateFilter,
-    TableTotalRecords,
-    TableProcessedRecords,
-    TableFields,
-    TableDamagedRecords,
-    TableIsSample
+    TableKindLetter = 0,
+    TableId = 1,
+    TableName = 2,
+    TableObjectName = 3,
+    TableSchema = 4,
+    TableCatalog = 5,
+    TableBase = 6,
+    TableFilter = 7,
+    TableQuery = 8,
+    TableAlternateFilter = 9,
+    TableTotalRecords = 10,
+    TableProcessedRecords = 11,
+    TableFields = 12,
+    TableDamagedRecords = 13,
+    TableIsSample = 14,
 };
 /// Whether the metrics of a run's table are those of a sample of its rows, or of its base table's: an SQL condition on
 /// run_table rt and profiled_table t. Only the base of a filtered table shows whether it was sampled.
@@ -68,125 +85,241 @@ inline constexpr std::string_view kIsSample =
     "b.processed_records < b.total_records) END";
 
 /// Columns 0 to 2 of all four field lists.
-enum FieldListHead { FieldId, FieldName, FieldTypeCode };
-/// Where the metrics with ids 0 to 23 begin.
+enum FieldListHead {
+    FieldId = 0,
+    FieldName = 1,
+    FieldTypeCode = 2,
+};
+/// The first metric's column; the others follow by id, 0 to 23.
 inline constexpr int kFieldListMetrics = 3;
 inline constexpr int kFieldListPkrMetrics = 5;
 inline constexpr int kCollectionFieldListMetrics = 8;
 inline constexpr int kCollectionFieldListPkrMetrics = 10;
 /// Counts of stored key and redundancy analyses.
-enum FieldListPkr { PkrKeyAnalyses = 3, PkrRedundancies = 4 };
+enum FieldListPkr {
+    PkrKeyAnalyses = 3,
+    PkrRedundancies = 4,
+};
 /// Where a collection's field comes from, in both collection lists.
-enum CollectionFieldSource { SourceDsn = 3, SourceCatalog, SourceSchema, SourceObject, SourceTable };
-enum CollectionFieldListPkr { CollectionPkrKeyAnalyses = 8, CollectionPkrRedundancies = 9 };
-/// What follows the metrics, counted from the column after the last metric, in all four field lists: the number of
-/// rows of the value and of the pattern distribution, the ids of the table, and the rule of the quantiles.
-enum FieldListTail { TailFreqCount, TailPatternCount, TailTableId, TailQuantileRule };
+enum CollectionFieldSource {
+    SourceDsn = 3,
+    SourceCatalog = 4,
+    SourceSchema = 5,
+    SourceObject = 6,
+    SourceTable = 7,
+};
+enum CollectionFieldListPkr {
+    CollectionPkrKeyAnalyses = 8,
+    CollectionPkrRedundancies = 9,
+};
+/// The columns after the metrics in all four field lists, counted from the first of them: the numbers of rows in the
+/// value and pattern distributions, the table's id, and the rule for quantiles.
+enum FieldListTail {
+    TailFreqCount = 0,
+    TailPatternCount = 1,
+    TailTableId = 2,
+    TailQuantileRule = 3,
+};
 
 [[nodiscard]] constexpr int tailColumn(int firstMetric, FieldListTail tail) {
     return firstMetric + static_cast<int>(kMetricCount) + tail;
 }
 
-enum TextFileFields { TextFieldOrdinal, TextFieldName };
-enum Collections { CollectionId, CollectionName, CollectionDescription, CollectionFields };
-/// The collections that hold the fields of one table, one row for each pair.
-enum CollectionsForTable { TableCollectionFieldId, TableCollectionId, TableCollectionName };
-
-enum FreqDist { FreqValue, FreqCount };
-enum PatternDist { PatternRank, PatternText, PatternCountColumn };
-enum Percentiles { PercentileInterval, PercentileValue };
-/// OutlierSideLetter is L or H; OutlierFence 0 inside, 1 beyond 1.5, 2 beyond 3.0 times the quartiles' distance.
-enum Outliers { OutlierSideLetter, OutlierPosition, OutlierValue, OutlierCount, OutlierFence };
-
-/// Then the 24 metrics.
-enum FieldHistoryHead { HistoryRunId, HistoryDate, HistoryDescription };
-inline constexpr int kFieldHistoryMetrics = 3;
-/// CustomMetricFigure is count, sum, average, min, max or metric; CustomMetricKind rows or metrics: what it is computed
-/// from. Inputs are the names of the fields, joined by commas.
-enum CustomMetrics {
-    CustomMetricId,
-    CustomMetricName,
-    CustomMetricKey,
-    CustomMetricFigure,
-    CustomMetricOutputName,
-    CustomMetricOutputValue,
-    CustomMetricExpression,
-    CustomMetricInputs,
-    CustomMetricUsedRows,
-    CustomMetricErrorRows,
-    CustomMetricTableId,
-    CustomMetricKind
+enum TextFileFields {
+    TextFieldOrdinal = 0,
+    TextFieldName = 1,
 };
-/// MetricInputMetric is the number of the field's metric that is read; null when its rows are.
-enum CustomMetricInputFields { MetricInputFieldId, MetricInputFieldName, MetricInputMetric };
+enum Collections {
+    CollectionId = 0,
+    CollectionName = 1,
+    CollectionDescription = 2,
+    CollectionFields = 3,
+};
+/// The collections that contain the fields of one table, one row for each pair.
+enum CollectionsForTable {
+    TableCollectionFieldId = 0,
+    TableCollectionId = 1,
+    TableCollectionName = 2,
+};
+
+enum FreqDist {
+    FreqValue = 0,
+    FreqCount = 1,
+};
+enum PatternDist {
+    PatternRank = 0,
+    PatternText = 1,
+    PatternCountColumn = 2,
+};
+enum Percentiles {
+    PercentileInterval = 0,
+    PercentileValue = 1,
+};
+/// OutlierSideLetter is L or H; OutlierFence 0 inside, 1 beyond 1.5, 2 beyond 3.0 times the interquartile range.
+enum Outliers {
+    OutlierSideLetter = 0,
+    OutlierPosition = 1,
+    OutlierValue = 2,
+    OutlierCount = 3,
+    OutlierFence = 4,
+};
+
+/// Followed by the 24 metrics.
+enum FieldHistoryHead {
+    HistoryRunId = 0,
+    HistoryDate = 1,
+    HistoryDescription = 2,
+};
+inline constexpr int kFieldHistoryMetrics = 3;
+/// CustomMetricFigure is count, sum, average, min, max or metric; CustomMetricKind is rows or metrics, the kind of its
+/// inputs. CustomMetricInputs has the names of the fields, joined by commas.
+enum CustomMetrics {
+    CustomMetricId = 0,
+    CustomMetricName = 1,
+    CustomMetricKey = 2,
+    CustomMetricFigure = 3,
+    CustomMetricOutputName = 4,
+    CustomMetricOutputValue = 5,
+    CustomMetricExpression = 6,
+    CustomMetricInputs = 7,
+    CustomMetricUsedRows = 8,
+    CustomMetricErrorRows = 9,
+    CustomMetricTableId = 10,
+    CustomMetricKind = 11,
+};
+/// MetricInputMetric is the number of the field's metric; null if the input is the field's rows.
+enum CustomMetricInputFields {
+    MetricInputFieldId = 0,
+    MetricInputFieldName = 1,
+    MetricInputMetric = 2,
+};
 /// Columns 0 to 2 are those of every history.
 enum CustomMetricHistory {
-    MetricHistoryOutputName = HistoryDescription + 1,
-    MetricHistoryOutputValue,
-    MetricHistoryExpression,
-    MetricHistoryUsedRows,
-    MetricHistoryErrorRows
+    MetricHistoryOutputName = 3,
+    MetricHistoryOutputValue = 4,
+    MetricHistoryExpression = 5,
+    MetricHistoryUsedRows = 6,
+    MetricHistoryErrorRows = 7,
 };
 enum BusinessRules {
-    RuleId,
-    RuleKey,
-    RuleName,
-    RuleCondition,
-    RuleFailedRows,
-    RuleCheckedRows,
-    RuleInputs,
-    RuleErrorRows,
-    RuleLoggedRows,
-    RuleTableId
+    RuleId = 0,
+    RuleKey = 1,
+    RuleName = 2,
+    RuleCondition = 3,
+    RuleFailedRows = 4,
+    RuleCheckedRows = 5,
+    RuleInputs = 6,
+    RuleErrorRows = 7,
+    RuleLoggedRows = 8,
+    RuleTableId = 9,
 };
 enum BusinessRuleHistory {
-    RuleHistoryCondition = HistoryDescription + 1,
-    RuleHistoryFailedRows,
-    RuleHistoryCheckedRows,
-    RuleHistoryErrorRows
+    RuleHistoryCondition = 3,
+    RuleHistoryFailedRows = 4,
+    RuleHistoryCheckedRows = 5,
+    RuleHistoryErrorRows = 6,
 };
-/// Then the fields of the row log, from RuleRowFirstField on. The position is the row's index among those that the run
-/// has kept.
-enum BusinessRuleRowLog { RuleRowNumber, RuleRowRuleId, RuleRowPosition, RuleRowFirstField };
+/// The fields of the row log follow, from RuleRowFirstField on. RuleRowPosition is the row's index among the rows that
+/// the run has kept.
+enum BusinessRuleRowLog {
+    RuleRowNumber = 0,
+    RuleRowRuleId = 1,
+    RuleRowPosition = 2,
+    RuleRowFirstField = 3,
+};
 /// LogLevelCode is 0 information, 1 warning, 2 error.
-enum ExecutionLog { LogDate, LogLevelCode, LogTable, LogText };
+enum ExecutionLog {
+    LogDate = 0,
+    LogLevelCode = 1,
+    LogTable = 2,
+    LogText = 3,
+};
 
 enum Alerts {
-    AlertId,
-    AlertDsn,
-    AlertCatalog,
-    AlertSchema,
-    AlertTable,
-    AlertInput,
-    AlertObject,
-    AlertDescription,
-    AlertMetric,
-    AlertReserved,
-    AlertKindLetter,
-    AlertTypeCode,
-    AlertKey,
-    AlertTableId,
-    AlertFieldId,   ///< null for custom metrics and rules
-    AlertWatchedId, ///< of the custom metric or rule; null for standard metrics
-    AlertReportId,  ///< null for alerts that no job states
+    AlertId = 0,
+    AlertDsn = 1,
+    AlertCatalog = 2,
+    AlertSchema = 3,
+    AlertTable = 4,
+    AlertInput = 5,
+    AlertObject = 6,
+    AlertDescription = 7,
+    AlertMetric = 8,
+    AlertReserved = 9,
+    AlertKindLetter = 10,
+    AlertTypeCode = 11,
+    AlertKey = 12,
+    AlertTableId = 13,
+    AlertFieldId = 14,   ///< null for custom metrics and rules
+    AlertWatchedId = 15, ///< of the custom metric or rule; null for standard metrics
+    AlertReportId = 16,  ///< null for alerts that no job defines
 };
-enum AlertProperties { AlertPropertyName, AlertPropertyValue };
+enum AlertProperties {
+    AlertPropertyName = 0,
+    AlertPropertyValue = 1,
+};
 
-enum Notes { NoteId, NoteDate, NoteCategory, NoteUser, NoteText, NoteCategoryId };
-enum NoteCategories { CategoryId, CategoryName };
-enum Charts { ChartId, ChartName, ChartDescription };
-enum ChartProperties { ChartPropertyName, ChartPropertyPosition, ChartPropertyValue };
+enum Notes {
+    NoteId = 0,
+    NoteDate = 1,
+    NoteCategory = 2,
+    NoteUser = 3,
+    NoteText = 4,
+    NoteCategoryId = 5,
+};
+enum NoteCategories {
+    CategoryId = 0,
+    CategoryName = 1,
+};
+enum Charts {
+    ChartId = 0,
+    ChartName = 1,
+    ChartDescription = 2,
+};
+enum ChartProperties {
+    ChartPropertyName = 0,
+    ChartPropertyPosition = 1,
+    ChartPropertyValue = 2,
+};
 
-enum KeyAnalysis { KeyOtherFieldId, KeyFieldName, KeyDsn, KeyCatalog, KeySchema, KeyTable, KeyMatchPercent };
-enum KeyAnalysisOutliers { KeyOutlierValue, KeyOutlierCount };
+enum KeyAnalysis {
+    KeyOtherFieldId = 0,
+    KeyFieldName = 1,
+    KeyDsn = 2,
+    KeyCatalog = 3,
+    KeySchema = 4,
+    KeyTable = 5,
+    KeyMatchPercent = 6,
+};
+enum KeyAnalysisOutliers {
+    KeyOutlierValue = 0,
+    KeyOutlierCount = 1,
+};
 
-enum RdaCfgs { RdaId, RdaName, RdaDescription, RdaFields };
-enum RdaCfgFields { RdaFieldId, RdaFieldName, RdaFieldDsn, RdaFieldCatalog, RdaFieldSchema, RdaFieldTable };
-enum Tasks { TaskId, TaskKind, TaskFieldId, TaskDefinition };
+enum RdaCfgs {
+    RdaId = 0,
+    RdaName = 1,
+    RdaDescription = 2,
+    RdaFields = 3,
+};
+enum RdaCfgFields {
+    RdaFieldId = 0,
+    RdaFieldName = 1,
+    RdaFieldDsn = 2,
+    RdaFieldCatalog = 3,
+    RdaFieldSchema = 4,
+    RdaFieldTable = 5,
+};
+enum Tasks {
+    TaskId = 0,
+    TaskKind = 1,
+    TaskFieldId = 2,
+    TaskDefinition = 3,
+};
 
 /// Every layout, in the order of the documentation.
 [[nodiscard]] std::span<const Layout> all();
-/// The one of this operation, which must be listed.
+/// The layout of this operation, which must exist.
 [[nodiscard]] const Layout& of(std::string_view operation);
 
 } // namespace tavix::layout

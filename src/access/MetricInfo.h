@@ -4,7 +4,7 @@
 
 namespace tavix {
 
-/// The catalogue's record of a metric, read-only and alive as long as the program.
+/// The catalogue's record of a metric; valid for the lifetime of the program.
 using metric_info = MetricInfo;
 
 /// Null for a number outside the catalogue.

@@ -23,12 +23,12 @@ bool isAsRead(const File& file, const FileStamp& stamp) {
 
 } // namespace
 
-void MovedSources::place(DrillTable::TextFile& source) const {
+void MovedSources::locate(DrillTable::TextFile& source) const {
     for (File& file : source.files)
-        file.place = placeOf(file);
+        file.currentPath = currentPathOf(file);
 }
 
-std::string MovedSources::placeOf(const File& file) const {
+std::string MovedSources::currentPathOf(const File& file) const {
     if (const auto told = m_told.find(file.path); told != m_told.end())
         return told->second;
     const auto stamp = stampAt(file.path);

@@ -5,15 +5,15 @@
 
 namespace tavix {
 
-/// How a cursor of any kind says in next() that its sink stopped it.
+/// The message of the exception that next() of any cursor throws when its sink stopped it.
 inline constexpr const char* kReadingStopped = "The reading was stopped.";
 
-/// Told by long repository queries how far they are.
+/// Receives the progress of long repository queries.
 class PrViewDisplayMessage {
   public:
     virtual ~PrViewDisplayMessage() = default;
 
-    /// `total` is 0 when it is not known. False asks the query to stop.
+    /// `total` is 0 if unknown. False asks the query to stop.
     virtual bool progress(std::string_view text, std::int64_t done, std::int64_t total) = 0;
 };
 

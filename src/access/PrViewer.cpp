@@ -91,19 +91,13 @@ ProfileCursorHandle PrViewer::getReports() {
 bool PrViewer::reportGetReportInfo(int jobId, int& folderId, KvbString& text) {
     if (auto ready = m_impl->requireSession(); !ready)
         return m_impl->fail(ready.error());
-    auto select = m_impl->bound("SELECT COALESCE(folder, -1), description FROM job WHERE id = ?1", {jobId});
+    auto select = m_impl->boundRow("SELECT COALESCE(folder, -1), description FROM job WHERE id = ?1", {jobId},
+                                   noSuch(kReport, jobId));
     if (!select)
         return m_impl->fail(select.error());
-    switch (select->step()) {
-    case sql::Step::Row:
-        folderId = static_cast<int>(select->integer(0));
-        text = select->text(1);
-        return true;
-    case sql::Step::Done:
-        return m_impl->fail(noSuch(kReport, jobId));
-    default:
-        return m_impl->fail({m_impl->connection().errorText()});
-    }
+    folderId = static_cast<int>(select->integer(0));
+    text = select->text(1);
+    return true;
 }
 
 bool PrViewer::setCurrentJobSetup(int jobId) {
@@ -127,7 +121,7 @@ ProfileCursorHandle PrViewer::getReport(int jobId) {
 bool PrViewer::folderGetPathFromId(int folderId, KvbString& path, KvbString& text) {
     if (auto ready = m_impl->requireSession(); !ready)
         return m_impl->fail(ready.error());
-    // The depth is bounded because a damaged repository may hold a folder within itself.
+    // The depth is bounded because in a damaged repository a folder may contain itself.
     auto select = m_impl->bound("WITH RECURSIVE up(id, parent, name, depth) AS (SELECT id, parent, name, 0 FROM folder "
                                 "WHERE id = ?1 UNION ALL SELECT folder.id, folder.parent, folder.name, depth + 1 "
                                 "FROM up JOIN folder ON folder.id = up.parent WHERE depth < ?2) "
@@ -199,19 +193,13 @@ bool PrViewer::getJobInfo(int runId, double& date, KvbString& description) {
     if (auto ready = m_impl->requireJob(); !ready)
         return m_impl->fail(ready.error());
     auto select =
-        m_impl->bound("SELECT started, description FROM run WHERE job = ?1 AND id = ?2", {m_impl->job, runId});
+        m_impl->boundRow("SELECT started, description FROM run WHERE job = ?1 AND id = ?2", {m_impl->job, runId},
+                         {fmt::format("The report has no run with the number {}.", runId)});
     if (!select)
         return m_impl->fail(select.error());
-    switch (select->step()) {
-    case sql::Step::Row:
-        date = toLibraryDate(UtcTime(std::chrono::milliseconds(select->integer(0))));
-        description = select->text(1);
-        return true;
-    case sql::Step::Done:
-        return m_impl->fail({fmt::format("The report has no run with the number {}.", runId)});
-    default:
-        return m_impl->fail({m_impl->connection().errorText()});
-    }
+    date = toLibraryDate(UtcTime(std::chrono::milliseconds(select->integer(0))));
+    description = select->text(1);
+    return true;
 }
 
 bool PrViewer::deleteJobs(int first, int last, int job) {

@@ -42,13 +42,13 @@ enum TableColumn {
     ConnectionUser,
     IsSampled,
 };
-/// From this version on a repository says how a database was reached.
+/// The version that added run_table.connection.
 constexpr std::int64_t kConnectionsSince = 3;
 
-/// From this version on it names the files of a table.
+/// The version that added run_file.
 constexpr std::int64_t kFilesSince = 4;
 
-/// From this version on it says how each of them was read, and the user of a database.
+/// The version that added the format of each file, and the user of a database.
 constexpr std::int64_t kFormsSince = 6;
 
 constexpr std::string_view kColumnsOfTable =
@@ -56,7 +56,7 @@ constexpr std::string_view kColumnsOfTable =
     "WHERE rf.run = ?1 AND rf.table_id = ?2 ORDER BY rf.position";
 
 constexpr std::string_view kNulls = "SELECT COALESCE(null_count, 0) FROM run_field WHERE run = ?1 AND field = ?2";
-// Lengths are those of texts, of which one is empty when the least is 0.
+// Minimum length 0 means that one of the texts is empty.
 constexpr std::string_view kHasEmptyText =
     "SELECT COALESCE(minimum_length = 0, 0) FROM run_field WHERE run = ?1 AND field = ?2";
 
@@ -120,17 +120,7 @@ Result<sql::Statement> PrViewer::Impl::tableOfField(int ofRun, int field) const 
     fill("{connection}", "rt.connection", kConnectionsSince);
     fill("{user}", "rt.connection_user", kFormsSince);
     fill("{sample}", layout::kIsSample, 0);
-    auto select = bound(sql, {ofRun, field});
-    if (!select)
-        return select;
-    switch (select->step()) {
-    case sql::Step::Row:
-        return select;
-    case sql::Step::Done:
-        return noSuch("field", field);
-    default:
-        return Error{connection().errorText()};
-    }
+    return boundRow(sql, {ofRun, field}, noSuch("field", field));
 }
 
 Status PrViewer::Impl::readFiles(int ofRun, int table, DrillTable::TextFile& file) const {
@@ -157,7 +147,7 @@ Status PrViewer::Impl::readFiles(int ofRun, int table, DrillTable::TextFile& fil
     if (file.files.empty())
         file.files.push_back({file.path, {}, {}, {}, -1, {}});
     if (file.files.size() == 1) {
-        // Of one file the table says everything.
+        // The table's row describes a single file completely.
         DrillTable::TextFile::File& only = file.files.front();
         file.path = only.path;
         only.delimiter = file.delimiter;
@@ -231,10 +221,10 @@ Result<SourceRows> PrViewer::Impl::sourceRows(int field, const KvbString& value,
     if (!wanted)
         return wanted.error();
     if (wanted->kind == WantedRows::Kind::Value && table->file) {
-        auto places = repository::findPlaces(connection(), {*ofRun, table->id, field}, wanted->text);
-        if (!places)
-            return places.error();
-        table->file->places = std::move(places).value();
+        auto ranges = repository::findRanges(connection(), {*ofRun, table->id, field}, wanted->text);
+        if (!ranges)
+            return ranges.error();
+        table->file->ranges = std::move(ranges).value();
     }
     if (table->file)
         if (Status placed = placeFiles(*table->file); !placed)

@@ -13,24 +13,24 @@ enum class kvbType {
     Text = 4,
 };
 
-/// A forward cursor over rows of the source data. It reads them as they are asked for and lets go of the source when
-/// it is freed, or at the last row. Columns are numbered from 0.
+/// A forward cursor over rows of the source data. It reads them as they are requested and closes the source when it is
+/// freed, or after the last row. Columns are numbered from 0.
 class PrViewerDrillCursor {
   public:
     virtual ~PrViewerDrillCursor() = default;
 
-    /// Moves to the next row; false when there is none. Throws GenException when the source fails in the middle or the
-    /// message sink asks to stop; the rows before that are good.
+    /// Advances; false if no row is left. Throws GenException if the source fails or the message sink asks to stop; the
+    /// rows before that are valid.
     virtual bool next() = 0;
     [[nodiscard]] virtual int getColumnCount() const = 0;
     [[nodiscard]] virtual KvbString getColumnName(int column) const = 0;
     /// A null value gives a null string.
     [[nodiscard]] virtual KvbString getColumnValue(int column) const = 0;
-    /// What the run found the values of the column to be.
+    /// By the values that the run found in the column.
     [[nodiscard]] virtual kvbType getColumnType(int column) const = 0;
-    /// How the source differs from what the run read, in words for a user; null when it does not.
+    /// How the source differs from what the run read, for users; null if it does not.
     [[nodiscard]] virtual KvbString getWarning() const { return {}; }
-    /// Every row of the source has been looked at, so that the number of rows passed is what it has now.
+    /// All rows of the source were read, so that the number of rows passed is their present number.
     [[nodiscard]] virtual bool isComplete() const { return false; }
 };
 
@@ -38,7 +38,7 @@ struct PrViewerDrillCursorFree {
     void operator()(PrViewerDrillCursor* cursor) const;
 };
 
-/// Gives the cursor back through PrViewer::freeDrillDown. Null stands for a drill-down that failed.
+/// Gives the cursor back through PrViewer::freeDrillDown. Null when the drill-down failed.
 using PrViewerDrillCursorHandle = std::unique_ptr<PrViewerDrillCursor, PrViewerDrillCursorFree>;
 
 } // namespace tavix

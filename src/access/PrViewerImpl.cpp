@@ -65,7 +65,7 @@ void PrViewer::Impl::refreshSession() {
 }
 
 void PrViewer::Impl::checkRun() {
-    // Where it cannot be looked at, whatever reads the run says why.
+    // If it cannot be checked, whatever reads the run reports why.
     const auto damage = repository::describeDamage(connection(), run);
     runWarning = damage && !damage->empty() ? KvbString(*damage) : KvbString();
 }
@@ -138,19 +138,21 @@ Result<sql::Statement> PrViewer::Impl::bound(std::string_view sql,
     return statement;
 }
 
+Result<sql::Statement> PrViewer::Impl::boundRow(std::string_view sql, std::initializer_list<std::int64_t> parameters,
+                                                const Error& missing) const {
+    auto statement = bound(sql, parameters);
+    if (statement)
+        if (Status found = statement->stepToRow(missing); !found)
+            return found.error();
+    return statement;
+}
+
 Result<std::int64_t> PrViewer::Impl::integer(std::string_view sql, std::initializer_list<std::int64_t> parameters,
                                              std::string_view missing) const {
-    auto statement = bound(sql, parameters);
+    auto statement = boundRow(sql, parameters, {std::string(missing)});
     if (!statement)
         return statement.error();
-    switch (statement->step()) {
-    case sql::Step::Row:
-        return statement->integer(0);
-    case sql::Step::Done:
-        return Error{std::string(missing)};
-    default:
-        return Error{connection().errorText()};
-    }
+    return statement->integer(0);
 }
 
 bool PrViewer::Impl::change(const std::function<Status(sql::Connection&)>& work) {

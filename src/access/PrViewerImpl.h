@@ -16,7 +16,7 @@
 #include <string>
 #include <string_view>
 
-/// What the files that implement PrViewer share.
+/// The state and helpers shared by the files that implement PrViewer.
 namespace tavix {
 
 /// The SQL of an operation: the columns of its layout, then `rest` (FROM and what follows).
@@ -27,11 +27,11 @@ struct Query {
     std::string sql;
 };
 
-/// What is named by a key, a letter and a number such as "M12".
+/// A kind of object with keys, a letter and a number such as "M12".
 struct KeyedKind {
     char letter;
     std::string_view what;
-    std::string_view find; ///< a statement with a row for the number of each that there is
+    std::string_view find; ///< a query with a row if the number exists
 };
 
 struct PrViewer::Impl {
@@ -41,12 +41,12 @@ struct PrViewer::Impl {
     int run = -1;
     KvbString runWarning;
     PrViewDisplayMessage* displayMessage = nullptr; ///< null for none
-    /// Changes that are being made as one: the session then speaks through the connection that writes.
-    std::shared_ptr<ViewerSession> sessionBefore; ///< null when there are none
+    /// An open transaction over several changes; the session then uses the connection that writes.
+    std::shared_ptr<ViewerSession> sessionBefore; ///< null without one
     std::optional<sql::Transaction> changes;
     bool haveChangesFailed = false;
     KvbString error;
-    std::map<std::string, std::string> moves; ///< files that the user located in this session: new place by old path
+    std::map<std::string, std::string> moves; ///< files that the user located in this session: new path by old path
     std::optional<MissingFile> missingSource; ///< of the last drill-down
     SystemClock systemClock;
     const Clock* clock = nullptr;
@@ -54,26 +54,26 @@ struct PrViewer::Impl {
         return refusal.empty() ? source::credentialsFromEnvironment(name) : std::nullopt;
     };
 
-    /// Keeps the text for getErrorString().
+    /// Stores the text for getErrorString().
     bool fail(const Error& failure);
     ProfileCursorHandle failCursor(const Error& failure);
-    /// Keeps the text of a failure; whether it was none.
+    /// Stores the text of a failure; returns whether it was a success.
     bool conclude(const Status& outcome) { return outcome.ok() || fail(outcome.error()); }
     ProfileCursorHandle unavailable(std::string_view what);
 
-    /// Cursors that are still held fail from now on. No job and no run is current.
+    /// Open cursors fail from now on. No job and no run is current.
     void endSession();
     /// A cursor in the middle of its rows keeps its connection at the state in which it began. After a change the
-    /// viewer itself goes on with a new connection then, so that it sees what it did.
+    /// viewer itself continues with a new connection, so that it sees the change.
     void refreshSession();
 
     /// Sets the warning of the current run.
     void checkRun();
 
-    // What an operation needs; the error says what is missing.
+    // Preconditions of operations; the error names the one that fails.
     [[nodiscard]] Status requireSession() const;
     [[nodiscard]] Status requireJob() const;
-    /// Also that the current run still is there.
+    /// Also that the current run still exists.
     [[nodiscard]] Status requireRun() const;
     [[nodiscard]] Status requireTable(int table) const;      ///< in the current run
     [[nodiscard]] Status requireTableOrAll(int table) const; ///< -1 is all of the current run
@@ -83,25 +83,28 @@ struct PrViewer::Impl {
     /// The cursor of a query with integer parameters; null when `ready` or the query fails.
     ProfileCursorHandle open(const Status& ready, const Query& query, std::initializer_list<std::int64_t> parameters);
     ProfileCursorHandle open(const Query& query, sql::Statement statement);
-    /// Custom metrics and rules: nothing in a repository that is older than they are.
+    /// For custom metrics and rules: an empty result in a repository older than these.
     [[nodiscard]] Result<bool> knowsRules() const;
     ProfileCursorHandle openRules(const Status& ready, const Query& query,
                                   std::initializer_list<std::int64_t> parameters);
-    /// For what a key names; ?1 is its number and ?2 `scope`. An unknown key is a failure.
+    /// For the object of a key; ?1 is its number and ?2 `scope`. An unknown key is a failure.
     ProfileCursorHandle openKeyed(const Status& ready, const Query& query, const KeyedKind& kind, const KvbString& key,
                                   std::int64_t scope);
     /// The statement with its integer parameters bound.
     [[nodiscard]] Result<sql::Statement> bound(std::string_view sql,
                                                std::initializer_list<std::int64_t> parameters) const;
-    /// The first value of the one row that is expected; `missing` says so when there is none.
+    /// The same on its first row; `missing` is the error if there is none.
+    [[nodiscard]] Result<sql::Statement> boundRow(std::string_view sql, std::initializer_list<std::int64_t> parameters,
+                                                  const Error& missing) const;
+    /// The first value of the first row; `missing` is the error if there is none.
     [[nodiscard]] Result<std::int64_t> integer(std::string_view sql, std::initializer_list<std::int64_t> parameters,
                                                std::string_view missing) const;
 
-    /// The current run if it has the field, else the latest of any report that does.
+    /// The current run if it has the field, else the latest run of any report that has it.
     [[nodiscard]] Result<int> runOfField(int field) const;
-    /// A number that this run keeps for the field; `sql` takes the run and the field.
+    /// A number stored for the field in that run; `sql` takes the run and the field.
     [[nodiscard]] Result<std::int64_t> fieldNumber(std::string_view sql, int field) const;
-    /// As an operation gives it: -1 on failure.
+    /// As the result of an operation: -1 on failure.
     std::int64_t giveNumber(const Result<std::int64_t>& number);
     ProfileCursorHandle openDistribution(std::string_view operation, const repository::DistributionKey& key,
                                          const Result<std::int64_t>& rows,
@@ -113,26 +116,26 @@ struct PrViewer::Impl {
                                               PrViewDisplayMessage* sink);
 
     // Drill-down. `ofRun` is a run that has the field.
-    /// The row of what the run says of the field's table.
+    /// The row of the field's table in that run.
     [[nodiscard]] Result<sql::Statement> tableOfField(int ofRun, int field) const;
-    /// Reads which files there are and how they were quoted, if the repository knows it.
+    /// Reads the list of files and how they were quoted, if the repository stores it.
     Status readFiles(int ofRun, int table, DrillTable::TextFile& file) const;
     [[nodiscard]] Result<DrillTable> drillTable(int ofRun, int field) const;
     [[nodiscard]] Result<WantedRows> wantedRows(int ofRun, int field, const KvbString& value, bool isPattern) const;
     [[nodiscard]] Result<SourceRows> sourceRows(int field, const KvbString& value, bool isPattern,
                                                 PrViewDisplayMessage* sink);
-    /// Sets where the files are now.
+    /// Sets the current paths of the files.
     Status placeFiles(DrillTable::TextFile& source) const;
-    /// The first of them that is not where it is looked for.
+    /// The first of them that is not at its current path.
     [[nodiscard]] std::optional<MissingFile> missingFile(const DrillTable::TextFile& source) const;
     /// Of the repository.
     [[nodiscard]] std::string filePath() const;
 
-    /// Gives the session back its own connection; what was not committed is gone.
+    /// Returns the session to its own connection; uncommitted changes are lost.
     void endChanges();
-    /// Opens the repository for writing, unless changes are being made as one, and runs `work` in one transaction.
+    /// Opens the repository for writing, unless a transaction is open, and runs `work` in one transaction.
     bool change(const std::function<Status(sql::Connection&)>& work);
-    /// The same for work that gives the id of what it made or changed, which `id` becomes when all of it succeeds.
+    /// The same for work that returns the id of what it created or changed; sets `id` if all of it succeeds.
     bool change(int& id, const std::function<Result<int>(sql::Connection&)>& work);
 };
 

@@ -19,7 +19,7 @@ std::string absolutePath(const std::string& path) {
     return absolute.empty() ? path : absolute.lexically_normal().string();
 }
 
-/// Opening such a file by other means than the library's would take its locks away.
+/// Opening such a file outside SQLite would drop SQLite's locks on it.
 bool isOfRepository(const std::string& path, const std::string& repository) {
     std::error_code ignored;
     for (const char* end : {"", "-wal", "-shm", "-journal"})
@@ -39,14 +39,14 @@ Status PrViewer::Impl::placeFiles(DrillTable::TextFile& source) const {
     auto known = repository::readMovedFiles(connection());
     if (!known)
         return known.error();
-    MovedSources(moves, std::move(*known)).place(source);
+    MovedSources(moves, std::move(*known)).locate(source);
     return {};
 }
 
 std::optional<MissingFile> PrViewer::Impl::missingFile(const DrillTable::TextFile& source) const {
     for (const DrillTable::TextFile::File& file : source.files) {
         std::error_code ignored;
-        if (std::filesystem::exists(file.place, ignored))
+        if (std::filesystem::exists(file.currentPath, ignored))
             continue;
         const std::string folder = std::filesystem::path(absolutePath(filePath())).parent_path().string();
         return MissingFile{file.path, findBeside(folder, file)};

@@ -10,7 +10,7 @@ namespace tavix {
 
 namespace {
 
-/// The version of the repository that brought custom metrics and rules.
+/// The repository version that added custom metrics and rules.
 constexpr std::int64_t kFirstVersion = 2;
 
 // ?1 is the run, ?2 a table or -1.
@@ -26,7 +26,7 @@ constexpr std::string_view kRulesOfTable =
 constexpr KeyedKind kMetricKeys{'M', "custom metric", "SELECT 1 FROM custom_metric WHERE id = ?1"};
 constexpr KeyedKind kRuleKeys{'B', "business rule", "SELECT 1 FROM business_rule WHERE id = ?1"};
 
-/// The number within a key such as "M12"; -1, which nothing has, when it is no key of this letter.
+/// The number in a key such as "M12"; -1, which is never an id, if it is not a key of this letter.
 std::int64_t idOfKey(const KvbString& key, char letter) {
     const std::string_view text = key.view();
     if (text.size() < 2 || text.size() > 10 || text.front() != letter || text[1] == '0' ||
@@ -113,18 +113,10 @@ ProfileCursorHandle PrViewer::getBusinessRuleRowLog(int ruleId, int first, bool 
         return m_impl->failCursor(known.error());
     if (!*known)
         return m_impl->failCursor(noSuch("rule", ruleId));
-    auto columns = m_impl->bound("SELECT log_columns, key_columns FROM run_rule WHERE run = ?1 AND rule = ?2",
-                                 {m_impl->run, ruleId});
+    auto columns = m_impl->boundRow("SELECT log_columns, key_columns FROM run_rule WHERE run = ?1 AND rule = ?2",
+                                    {m_impl->run, ruleId}, {"This run has no rule with that number."});
     if (!columns)
         return m_impl->failCursor(columns.error());
-    switch (columns->step()) {
-    case sql::Step::Row:
-        break;
-    case sql::Step::Done:
-        return m_impl->failCursor({"This run has no rule with that number."});
-    default:
-        return m_impl->failCursor({m_impl->connection().errorText()});
-    }
     auto fields = repository::readTextList(columns->text(0));
     if (!fields)
         return m_impl->failCursor(fields.error());

@@ -62,20 +62,12 @@ bool PrViewer::getFieldInfo(int fieldId, KvbString& dataSource, KvbString& catal
                             KvbString& object, char& kind, KvbString& field, int& tableId) {
     if (auto ready = m_impl->requireSession(); !ready)
         return m_impl->fail(ready.error());
-    auto select = m_impl->bound("SELECT d.name, t.catalog, t.schema, t.name, t.object_name, t.kind, f.name, t.id "
-                                "FROM field f JOIN profiled_table t ON t.id = f.table_id "
-                                "JOIN data_source d ON d.id = t.data_source WHERE f.id = ?1",
-                                {fieldId});
+    auto select = m_impl->boundRow("SELECT d.name, t.catalog, t.schema, t.name, t.object_name, t.kind, f.name, t.id "
+                                   "FROM field f JOIN profiled_table t ON t.id = f.table_id "
+                                   "JOIN data_source d ON d.id = t.data_source WHERE f.id = ?1",
+                                   {fieldId}, noSuch("field", fieldId));
     if (!select)
         return m_impl->fail(select.error());
-    switch (select->step()) {
-    case sql::Step::Row:
-        break;
-    case sql::Step::Done:
-        return m_impl->fail(noSuch("field", fieldId));
-    default:
-        return m_impl->fail({m_impl->connection().errorText()});
-    }
     dataSource = select->text(0);
     catalog = select->text(1);
     schema = select->text(2);
@@ -91,19 +83,11 @@ bool PrViewer::getFieldInfo(int fieldId, KvbString& dataSource, KvbString& catal
 bool PrViewer::getTextFileInfo(int tableId, TextFileInfo& info) {
     if (auto ready = m_impl->requireTable(tableId); !ready)
         return m_impl->fail(ready.error());
-    auto select = m_impl->bound("SELECT file_path, file_delimiter, file_header, file_encoding, file_size "
-                                "FROM run_table WHERE run = ?1 AND table_id = ?2 AND file_path IS NOT NULL",
-                                {m_impl->run, tableId});
+    auto select = m_impl->boundRow("SELECT file_path, file_delimiter, file_header, file_encoding, file_size "
+                                   "FROM run_table WHERE run = ?1 AND table_id = ?2 AND file_path IS NOT NULL",
+                                   {m_impl->run, tableId}, {"The table was not read from a text file."});
     if (!select)
         return m_impl->fail(select.error());
-    switch (select->step()) {
-    case sql::Step::Row:
-        break;
-    case sql::Step::Done:
-        return m_impl->fail({"The table was not read from a text file."});
-    default:
-        return m_impl->fail({m_impl->connection().errorText()});
-    }
     info.path = select->text(0);
     std::string_view delimiter = select->text(1);
     info.delimiter = delimiter.empty() ? ',' : delimiter.front();
@@ -151,7 +135,7 @@ bool PrViewer::refreshGlobalCollForTable(int tableId) {
         return m_impl->fail(ready.error());
     if (auto exists = repository::requireTable(m_impl->connection(), tableId); !exists)
         return m_impl->fail(exists.error());
-    // Mostly there is nothing to do, and then a repository that cannot be written will do as well.
+    // Usually nothing is stale; then a read-only repository must not fail.
     auto stale = repository::hasStaleFields(m_impl->connection(), tableId);
     if (!stale)
         return m_impl->fail(stale.error());

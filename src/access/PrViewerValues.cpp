@@ -9,7 +9,7 @@ namespace {
 constexpr std::string_view kValueRows = "SELECT value_rows FROM run_field WHERE run = ?1 AND field = ?2";
 constexpr std::string_view kPatternRows = "SELECT pattern_rows FROM run_field WHERE run = ?1 AND field = ?2";
 constexpr std::string_view kValueSum = "SELECT value_sum FROM run_field WHERE run = ?1 AND field = ?2";
-// These come to a row for every field of the run, and to none for a field that it does not have.
+// One row if the run has the field, none otherwise.
 constexpr std::string_view kPercentileRows =
     "SELECT (SELECT COUNT(*) FROM percentile p WHERE p.run = rf.run AND p.field = rf.field) FROM run_field rf "
     "WHERE rf.run = ?1 AND rf.field = ?2";
@@ -20,7 +20,7 @@ constexpr std::string_view kHighOutliers =
     "SELECT (SELECT COUNT(*) FROM outlier p WHERE p.run = rf.run AND p.field = rf.field AND p.side = 'H') "
     "FROM run_field rf WHERE rf.run = ?1 AND rf.field = ?2";
 
-// Collections show fields of other reports too: those have the values of the latest run that knows them.
+// Collections show fields of other reports, too, with the values of the latest run that has them.
 constexpr std::string_view kRunOfField = "SELECT run FROM run_field WHERE field = ?2 AND run IN (SELECT id FROM run) "
                                          "ORDER BY run = ?1 DESC, run DESC LIMIT 1";
 
@@ -165,7 +165,7 @@ ProfileCursorHandle PrViewer::getAlerts() {
         from + "LEFT JOIN custom_metric cm ON a.type_code = 'CM' AND cm.id = CAST(substr(a.watched_key, 2) AS INTEGER) "
                "LEFT JOIN business_rule b ON a.type_code = 'BR' AND b.id = CAST(substr(a.watched_key, 2) AS INTEGER) "
                "ORDER BY a.id");
-    // Of a repository that is older than rules.
+    // For a repository older than rules.
     static const Query kWithoutRules("getAlerts", from + "LEFT JOIN (SELECT NULL AS id, NULL AS name) cm ON 0 "
                                                          "LEFT JOIN (SELECT NULL AS id, NULL AS name) b ON 0 "
                                                          "ORDER BY a.id");

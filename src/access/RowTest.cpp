@@ -13,7 +13,7 @@ namespace {
 
 using source::Cell;
 
-/// Texts of this many bytes at most are handed to a condition at once, a single longer one alone.
+/// The most bytes of text passed to a condition at once, unless a single text is longer.
 constexpr std::size_t kBytesAtOnce = std::size_t{64} << 20;
 constexpr std::size_t kRowsAtOnce = 4096;
 
@@ -67,7 +67,7 @@ class ConditionTest final : public RowTest {
         std::vector<std::uint8_t> nulls;
     };
 
-    /// Copies the columns that the condition uses, for as many of the rows as go together.
+    /// Copies the columns that the condition uses, for as many rows as fit together.
     std::size_t gather(const source::RowBlock& block, std::span<const std::uint32_t> rows) {
         const std::size_t most = std::min(rows.size(), kRowsAtOnce);
         for (Column& column : m_columns) {

@@ -12,12 +12,12 @@
 
 namespace tavix {
 
-/// Decides which rows of a source are wanted.
+/// Selects rows of a source.
 class RowTest {
   public:
     virtual ~RowTest() = default;
-    /// Takes the rows that are not wanted out of `rows`, which are places in the block, ascending. `goOn` is asked now
-    /// and then where that takes long; when it answered false the rows are of no use.
+    /// Removes from `rows`, ascending indices in the block, those that do not match. In long tests `goOn` is called now
+    /// and then; after it returns false, the rows are meaningless.
     virtual void narrow(const source::RowBlock& block, std::vector<std::uint32_t>& rows,
                         const expression::GoOn& goOn) = 0;
 };
@@ -26,9 +26,10 @@ class RowTest {
 [[nodiscard]] std::unique_ptr<RowTest> makeNullTest(std::size_t column);
 /// Rows whose cell is this text.
 [[nodiscard]] std::unique_ptr<RowTest> makeValueTest(std::size_t column, std::string value);
-/// Rows whose cell is a text of this character pattern, which is given in full.
+/// Rows whose cell is a text with this character pattern, in its full form.
 [[nodiscard]] std::unique_ptr<RowTest> makePatternTest(std::size_t column, std::string pattern);
-/// Rows that pass a condition over the source's columns. Those for which it cannot be evaluated do not, as in a run.
+/// Rows that pass a condition over the source's columns. Rows for which it cannot be evaluated do not pass, as in a
+/// run.
 [[nodiscard]] std::unique_ptr<RowTest> makeConditionTest(const expression::Program& condition);
 
 } // namespace tavix

@@ -2,7 +2,6 @@
 
 #include "access/Layouts.h"
 #include "base/GenException.h"
-#include "base/KvbDatavar.h"
 #include "repository/RuleStore.h"
 
 #include <array>
@@ -61,24 +60,12 @@ KvbString RuleRowCursor::getColumnName(int column) const {
     return column < RuleRowFirstField ? KvbString(kStoredColumns[at].name) : m_fields[at - RuleRowFirstField];
 }
 
-KvbString RuleRowCursor::getColumnValue(int column) const {
-    return isColumnNull(column) ? KvbString() : m_values[static_cast<std::size_t>(column)];
-}
-
-int RuleRowCursor::getColumnInt(int column) const {
-    return KvbDatavar(getColumnValue(column)).toInt();
-}
-
-double RuleRowCursor::getColumnDouble(int column) const {
-    return KvbDatavar(getColumnValue(column)).toDouble();
+KvbDatavar RuleRowCursor::cell(int column) const {
+    return m_values[static_cast<std::size_t>(column)];
 }
 
 bool RuleRowCursor::isColumnNull(int column) const {
     return !isColumnValid(column) || m_values.empty() || m_values[static_cast<std::size_t>(column)].isNull();
-}
-
-bool RuleRowCursor::isColumnValid(int column) const {
-    return column >= 0 && column < getColumnCount();
 }
 
 } // namespace tavix

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "access/CellCursor.h"
 #include "access/PrViewerDrillCursor.h"
-#include "access/ProfileCursor.h"
 #include "access/SourceRows.h"
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace tavix {
 
-/// Source rows as drillDown gives them.
+/// Source rows as the result of drillDown.
 class DrillRowCursor final : public PrViewerDrillCursor {
   public:
     explicit DrillRowCursor(SourceRows rows) : m_rows(std::move(rows)) {}
@@ -26,21 +26,20 @@ class DrillRowCursor final : public PrViewerDrillCursor {
     SourceRows m_rows;
 };
 
-/// Source rows as drillDownMatch gives them.
-class MatchRowCursor final : public ProfileCursor {
+/// Source rows as the result of drillDownMatch.
+class MatchRowCursor final : public CellCursor {
   public:
-    /// Passes over the first rows, as many as `skip` says.
+    /// Skips the first `skip` rows.
     MatchRowCursor(SourceRows rows, std::int64_t skip) : m_rows(std::move(rows)), m_skip(skip) {}
 
     bool next() override;
     [[nodiscard]] int getColumnCount() const override { return m_rows.columnCount(); }
     [[nodiscard]] KvbString getColumnName(int column) const override { return m_rows.name(column); }
-    [[nodiscard]] KvbString getColumnValue(int column) const override { return m_rows.value(column); }
-    [[nodiscard]] int getColumnInt(int column) const override;
-    [[nodiscard]] double getColumnDouble(int column) const override;
-    [[nodiscard]] bool isColumnNull(int column) const override { return m_rows.value(column).isNull(); }
-    [[nodiscard]] bool isColumnValid(int column) const override { return column >= 0 && column < m_rows.columnCount(); }
+    [[nodiscard]] bool isColumnNull(int column) const override { return m_rows.isNull(column); }
     [[nodiscard]] KvbString getWarning() const override { return m_rows.warning(); }
+
+  protected:
+    [[nodiscard]] KvbDatavar cell(int column) const override { return m_rows.value(column); }
 
   private:
     SourceRows m_rows;

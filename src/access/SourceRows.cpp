@@ -86,10 +86,13 @@ kvbType SourceRows::type(int column) const {
 }
 
 KvbString SourceRows::value(int column) const {
+    return isNull(column) ? KvbString() : KvbString(std::string_view(cell(column)->data, cell(column)->size));
+}
+
+const source::Cell* SourceRows::cell(int column) const {
     if (!m_isOnRow || !has(column))
-        return {};
-    const source::Cell& cell = m_block.columns[static_cast<std::size_t>(column)][m_rows[m_next - 1]];
-    return cell.isNull ? KvbString() : KvbString(std::string_view(cell.data, cell.size));
+        return nullptr;
+    return &m_block.columns[static_cast<std::size_t>(column)][m_rows[m_next - 1]];
 }
 
 } // namespace tavix

@@ -1,12 +1,9 @@
 #include "access/StatementCursor.h"
 
 #include "base/GenException.h"
-#include "base/KvbDatavar.h"
 #include "base/LibraryDate.h"
-#include "base/NumberText.h"
 
-#include <algorithm>
-#include <limits>
+#include <string>
 #include <utility>
 
 namespace tavix {
@@ -63,43 +60,21 @@ KvbString StatementCursor::getColumnName(int column) const {
     return isColumnValid(column) ? KvbString(m_layout.columns[static_cast<std::size_t>(column)].name) : KvbString();
 }
 
-KvbString StatementCursor::getColumnValue(int column) const {
-    if (!holds(column))
-        return {};
-    if (isDate(column))
-        return formatReal(date(column));
-    if (m_statement.isReal(column))
-        return formatReal(m_statement.real(column));
-    return m_statement.text(column);
-}
-
-int StatementCursor::getColumnInt(int column) const {
-    if (!holds(column))
-        return 0;
-    if (m_statement.type(column) == sql::ValueType::Integer && !isDate(column)) {
-        constexpr std::int64_t low = std::numeric_limits<int>::min();
-        constexpr std::int64_t high = std::numeric_limits<int>::max();
-        return static_cast<int>(std::clamp(m_statement.integer(column), low, high));
-    }
-    return KvbDatavar(getColumnValue(column)).toInt();
-}
-
-double StatementCursor::getColumnDouble(int column) const {
-    if (!holds(column))
-        return 0.0;
+KvbDatavar StatementCursor::cell(int column) const {
     if (isDate(column))
         return date(column);
-    if (m_statement.type(column) == sql::ValueType::Text)
-        return KvbDatavar(getColumnValue(column)).toDouble();
-    return m_statement.real(column);
+    switch (m_statement.type(column)) {
+    case sql::ValueType::Integer:
+        return m_statement.integer(column);
+    case sql::ValueType::Real:
+        return m_statement.real(column);
+    default:
+        return std::string(m_statement.text(column));
+    }
 }
 
 bool StatementCursor::isColumnNull(int column) const {
     return !holds(column);
-}
-
-bool StatementCursor::isColumnValid(int column) const {
-    return column >= 0 && column < getColumnCount();
 }
 
 bool StatementCursor::holds(int column) const {

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "access/CellCursor.h"
 #include "access/Layouts.h"
 #include "access/PrViewDisplayMessage.h"
-#include "access/ProfileCursor.h"
 #include "base/Result.h"
 #include "sql/Connection.h"
 
@@ -14,26 +14,25 @@ namespace tavix {
 /// The open repository of a viewer. Cursors share it, so that one that outlives its viewer fails instead of crashing.
 struct ViewerSession {
     std::unique_ptr<sql::Connection> connection;
-    std::shared_ptr<bool> closed;         ///< set when the viewer closes; one for all connections that it has used
-    PrViewDisplayMessage* sink = nullptr; ///< asked by every cursor that has none of its own
+    std::shared_ptr<bool> closed;         ///< set when the viewer closes; shared by all connections that it has used
+    PrViewDisplayMessage* sink = nullptr; ///< called by every cursor without a sink of its own
 };
 
-/// The rows of a query, read one by one as they are asked for.
-class StatementCursor final : public ProfileCursor {
+/// The rows of a query, read as they are requested.
+class StatementCursor final : public CellCursor {
   public:
-    /// Reads the first row at once, so that a query that cannot run fails here. `statement` is bound and belongs to
-    /// the session; its columns are those of the layout.
+    /// Reads the first row, so that a query that cannot run fails here. `statement` is bound and belongs to the
+    /// session; its columns are those of the layout.
     [[nodiscard]] static Result<std::unique_ptr<StatementCursor>>
     open(std::shared_ptr<ViewerSession> session, sql::Statement statement, const layout::Layout& layout);
 
     bool next() override;
     [[nodiscard]] int getColumnCount() const override;
     [[nodiscard]] KvbString getColumnName(int column) const override;
-    [[nodiscard]] KvbString getColumnValue(int column) const override;
-    [[nodiscard]] int getColumnInt(int column) const override;
-    [[nodiscard]] double getColumnDouble(int column) const override;
     [[nodiscard]] bool isColumnNull(int column) const override;
-    [[nodiscard]] bool isColumnValid(int column) const override;
+
+  protected:
+    [[nodiscard]] KvbDatavar cell(int column) const override;
 
   private:
     enum class Position { BeforeFirst, OnRow, AtEnd };
@@ -45,11 +44,11 @@ class StatementCursor final : public ProfileCursor {
     [[nodiscard]] bool isDate(int column) const;
     [[nodiscard]] double date(int column) const;
 
-    std::shared_ptr<ViewerSession> m_session; // before the statement, which must go first
+    std::shared_ptr<ViewerSession> m_session; // before the statement, which must be destroyed first
     sql::Statement m_statement;
     const layout::Layout& m_layout;
     Position m_position;
-    std::int64_t m_rows = 0; ///< passed so far
+    std::int64_t m_rows = 0; ///< read so far
 };
 
 } // namespace tavix

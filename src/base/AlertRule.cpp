@@ -1,5 +1,7 @@
 #include "base/AlertRule.h"
 
+#include "base/Ascii.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -10,8 +12,20 @@ namespace tavix {
 
 namespace {
 
-constexpr int kComparisons = 7;
-constexpr int kAbsoluteComparisons = 5;
+/// The numbers of a comparison in the repository.
+struct ComparisonCodes {
+    AlertComparison comparison;
+    int metric;        ///< of a standard or custom metric
+    int failedRows;    ///< of a business rule
+    int failedPercent; ///< of a business rule
+};
+constexpr std::array kComparisons{ComparisonCodes{AlertComparison::Greater, 0, 0, 5},
+                                  ComparisonCodes{AlertComparison::Less, 1, 1, 6},
+                                  ComparisonCodes{AlertComparison::Equal, 2, 2, 7},
+                                  ComparisonCodes{AlertComparison::Outside, 3, 3, 8},
+                                  ComparisonCodes{AlertComparison::Inside, 4, 4, 9},
+                                  ComparisonCodes{AlertComparison::ChangedBy, 5, 10, 12},
+                                  ComparisonCodes{AlertComparison::ChangedByPercent, 6, 11, 13}};
 
 struct SubjectWords {
     AlertSubject subject;
@@ -24,13 +38,6 @@ constexpr std::array kSubjects{SubjectWords{AlertSubject::StandardMetric, "SM", 
 
 const SubjectWords& wordsOf(AlertSubject subject) {
     return kSubjects[static_cast<std::size_t>(subject)];
-}
-
-// `code` is in upper case.
-bool equalsInAnyCase(std::string_view text, std::string_view code) {
-    return std::equal(text.begin(), text.end(), code.begin(), code.end(), [](char a, char b) {
-        return (a >= 'a' && a <= 'z' ? static_cast<char>(a - 'a' + 'A') : a) == b;
-    });
 }
 
 std::string thresholdText(double value) {
@@ -93,7 +100,7 @@ std::optional<AlertSubject> findAlertSubject(std::string_view typeCode) {
 
 AlertSubject alertSubjectOf(std::string_view typeCode) {
     for (const SubjectWords& words : kSubjects)
-        if (equalsInAnyCase(typeCode, words.code))
+        if (equalsIgnoringAsciiCase(typeCode, words.code))
             return words.subject;
     return AlertSubject::StandardMetric;
 }
@@ -115,19 +122,17 @@ std::string_view alertLevelWord(AlertLevel level) {
 }
 
 int alertCode(AlertSubject subject, const AlertRule& rule) {
-    const int code = static_cast<int>(rule.comparison);
+    const ComparisonCodes& codes = kComparisons[static_cast<std::size_t>(rule.comparison)];
     if (subject != AlertSubject::BusinessRule)
-        return code;
-    if (isChange(rule.comparison))
-        return code - kAbsoluteComparisons + 2 * kAbsoluteComparisons + (rule.ofFailedPercent ? 2 : 0);
-    return code + (rule.ofFailedPercent ? kAbsoluteComparisons : 0);
+        return codes.metric;
+    return rule.ofFailedPercent ? codes.failedPercent : codes.failedRows;
 }
 
 bool setAlertCode(AlertRule& rule, AlertSubject subject, int code) {
     for (const bool ofFailedPercent : {false, true})
-        for (int comparison = 0; comparison < kComparisons; ++comparison) {
+        for (const ComparisonCodes& codes : kComparisons) {
             AlertRule candidate = rule;
-            candidate.comparison = static_cast<AlertComparison>(comparison);
+            candidate.comparison = codes.comparison;
             candidate.ofFailedPercent = ofFailedPercent;
             if (alertCode(subject, candidate) != code)
                 continue;

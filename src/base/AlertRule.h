@@ -60,7 +60,7 @@ struct AlertRule {
 [[nodiscard]] bool setAlertCode(AlertRule& rule, AlertSubject subject, int code);
 
 /// "Null Count for field price is greater than 0": the condition that raises the alert. `metric` is the name of the
-/// standard metric or of the custom metric's value; `input` names the field, the custom metric or the business rule.
+/// standard metric or of the custom metric's value; `input` is the name of the field, custom metric or business rule.
 [[nodiscard]] std::string alertSentence(AlertSubject subject, const AlertRule& rule, std::string_view metric,
                                         std::string_view input);
 

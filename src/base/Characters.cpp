@@ -1,5 +1,7 @@
 #include "base/Characters.h"
 
+#include <unicode/uchar.h>
+
 #include <algorithm>
 #include <cstring>
 
@@ -18,6 +20,19 @@ bool isAscii(std::string_view text) {
     for (; i < text.size(); ++i)
         last = static_cast<unsigned char>(last | static_cast<unsigned char>(text[i]));
     return (seen & kHighBits) == 0 && last < 0x80;
+}
+
+bool isWhiteSpace(std::int32_t character) {
+    return character >= 0 && u_isUWhiteSpace(character);
+}
+
+bool isBlank(std::string_view text) {
+    for (std::size_t at = 0; at < text.size();) {
+        const auto byte = static_cast<unsigned char>(text[at]);
+        if ((byte > ' ' && byte < 0x7F) || !isWhiteSpace(nextCharacter(text, at)))
+            return false;
+    }
+    return true;
 }
 
 void appendCharacter(std::string& out, std::int32_t character) {

@@ -7,9 +7,9 @@
 #include <string>
 #include <string_view>
 
-/// UTF-8 text as a sequence of characters (code points). A byte that belongs to no well-formed character counts as one
-/// by itself, wherever texts are counted, cut, compared or shown: so a cut text keeps its bytes, and no byte of garbage
-/// takes its neighbours along.
+/// UTF-8 text as a sequence of characters (code points). A byte that is not part of a well-formed character counts as a
+/// character of its own, whether texts are counted, cut, compared or displayed: a cut text keeps its bytes, and an
+/// invalid byte does not affect its neighbours.
 namespace tavix {
 
 [[nodiscard]] inline bool isAscii(char c) {
@@ -19,8 +19,8 @@ namespace tavix {
 /// Whether all bytes are below 0x80.
 [[nodiscard]] bool isAscii(std::string_view text);
 
-/// The character that begins at `at` (within the text), which moves behind it. Negative, moving by one byte, where
-/// there is no well-formed UTF-8.
+/// Decodes the character at `at` (within the text) and moves `at` past it. Negative, moving by one byte, for invalid
+/// UTF-8.
 inline std::int32_t nextCharacter(std::string_view text, std::size_t& at) {
     if (isAscii(text[at]))
         return text[at++];
@@ -34,7 +34,7 @@ inline std::int32_t nextCharacter(std::string_view text, std::size_t& at) {
     return character;
 }
 
-/// Calls visit(character, its bytes) for one after the other; the character is negative for a byte that is none.
+/// Calls visit(character, its bytes) for each character in turn; the character is negative for an invalid byte.
 template <typename Visit>
 void forEachCharacter(std::string_view text, Visit visit) {
     for (std::size_t at = 0; at < text.size();) {
@@ -44,6 +44,11 @@ void forEachCharacter(std::string_view text, Visit visit) {
     }
 }
 
+/// Unicode's White_Space; false for a negative number.
+[[nodiscard]] bool isWhiteSpace(std::int32_t character);
+/// White space throughout, or empty.
+[[nodiscard]] bool isBlank(std::string_view text);
+
 /// Writes the one to four bytes of a code point and returns their end.
 inline char* putCharacter(char* to, std::int32_t codePoint) {
     std::size_t size = 0;
@@ -51,16 +56,16 @@ inline char* putCharacter(char* to, std::int32_t codePoint) {
     return to + size;
 }
 
-/// Appends nothing for a number that is no code point, or half of a surrogate pair.
+/// Appends nothing for an invalid code point or a surrogate.
 void appendCharacter(std::string& out, std::int32_t character);
 
 [[nodiscard]] std::size_t countCharacters(std::string_view text);
-/// The byte at which character number `index` (from 0) begins; the text's size when it has no more than `index`.
+/// The byte offset of the character with this index, from 0; the text's size if there are no more than `index`.
 [[nodiscard]] std::size_t offsetOfCharacter(std::string_view text, std::size_t index);
 
-/// The beginning of `text`, `mostBytes` long or, so that no character is cut in two, up to three bytes less.
+/// The first `mostBytes` of `text`, or up to three bytes less so as not to cut a character.
 [[nodiscard]] std::string_view cutToBytes(std::string_view text, std::size_t mostBytes);
-/// `text` when it has no more than `mostBytes`; else that beginning and "…".
+/// `text` if it has at most `mostBytes`; else its beginning and "…".
 [[nodiscard]] std::string shortened(std::string_view text, std::size_t mostBytes);
 
 } // namespace tavix

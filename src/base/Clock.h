@@ -6,7 +6,7 @@ namespace tavix {
 
 using UtcTime = std::chrono::sys_time<std::chrono::milliseconds>;
 
-/// What time it is; injected, so that a stored or written time can be foreseen by a test.
+/// The time, injected so that tests know which times are stored or written.
 class Clock {
   public:
     virtual ~Clock() = default;

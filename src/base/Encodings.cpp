@@ -9,8 +9,8 @@ namespace tavix {
 
 namespace {
 
-// Written by hand: ICU's own aliases of numbers lead to converters that are not the code pages which people mean (its
-// "cp1200" is big-endian, and 1252 by number alone has no euro sign).
+// Written by hand, because ICU's own numeric aliases name converters other than the usual code pages (its "cp1200" is
+// big-endian, and its 1252 has no euro sign).
 constexpr CEncoding kCatalogue[] = {
     {65001, "UTF-8", "Unicode (UTF-8)", "UTF-8"},
     {37, "IBM037", "IBM EBCDIC (US-Canada)", "ibm-37"},
@@ -118,7 +118,7 @@ const CEncoding* findEncoding(int code) {
 }
 
 const CEncoding* findEncoding(std::string_view name) {
-    constexpr std::size_t kLongestName = 60; // what ICU takes
+    constexpr std::size_t kLongestName = 60; // ICU's name
     if (name.empty() || name.size() > kLongestName || name.find('\0') != std::string_view::npos)
         return nullptr;
     const std::string_view digits = withoutPrefix(name);

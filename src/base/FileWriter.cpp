@@ -24,7 +24,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kBufferBytes = std::size_t{64} << 10u;
-constexpr int kMostLinks = 40; ///< as many as the system follows
+constexpr int kMostLinks = 40; ///< the number that the system follows
 constexpr int kMostNames = 100;
 constexpr mode_t kNewFile = 0666; ///< less the umask
 constexpr mode_t kOwnersAlone = 0600;
@@ -43,8 +43,8 @@ fs::path folderOf(const fs::path& path) {
     return path.has_parent_path() ? path.parent_path() : fs::path(".");
 }
 
-/// The descriptor of this process that a path like /proc/self/fd/1 names. Such a path reads as a link, but what is
-/// written to the descriptor continues what is already there.
+/// The descriptor of this process that a path such as /proc/self/fd/1 names. The path reads as a link, but writing to
+/// the descriptor continues after its content.
 std::optional<int> ownDescriptor(const fs::path& path) {
     std::error_code error;
     if (fs::canonical(folderOf(path), error) != fmt::format("/proc/{}/fd", ::getpid()) || error)
@@ -58,8 +58,8 @@ bool exists(const std::string& path) {
     return ::lstat(path.c_str(), &status) == 0;
 }
 
-/// SQLite keeps the last changes beside a database that is open, or whose program was killed. Seen from outside: to
-/// open and close such a file would take away the locks that this process has on it.
+/// SQLite keeps recent changes beside a database that is open, or whose program was killed. Only the names are
+/// examined: opening and closing such a file would drop this process's locks on it.
 bool isOpenDatabase(const std::string& path) {
     if (exists(path + "-wal"))
         return true;
@@ -79,7 +79,7 @@ ssize_t writeSome(int file, std::string_view bytes) {
     return count == 0 ? -1 : count;
 }
 
-/// An errno, 0 on success. What cannot be brought to a disk, as a pipe, has nothing to report.
+/// An errno, 0 on success, also for what cannot be synced, such as a pipe.
 int bringToDisk(int file) {
     return ::fsync(file) == 0 || errno == EINVAL || errno == EROFS || errno == ENOTSUP ? 0 : errno;
 }
@@ -243,7 +243,7 @@ Status FileWriter::put(std::string_view bytes) {
         const ssize_t count = writeSome(m_file, bytes);
         if (count >= 0)
             bytes.remove_prefix(static_cast<std::size_t>(count));
-        // A pipe that nobody empties may keep a user waiting who wants to leave.
+        // A pipe that nobody reads must not keep the program from ending.
         else if (errno != EINTR || m_way == Way::Through)
             return fail(errno);
     }
@@ -269,7 +269,7 @@ Status FileWriter::replace() {
         return {};
     }
     const int failure = errno;
-    // A mount point of its own, or somebody else's file in a folder where only owners may rename.
+    // A mount point, or another user's file in a folder in which only owners may rename.
     if (failure != EBUSY && failure != EPERM && failure != EACCES && failure != EXDEV)
         return reason(failure);
     m_target = ::open(m_path.c_str(), O_WRONLY | O_CLOEXEC);
@@ -285,7 +285,7 @@ Status FileWriter::copyOver(int from) {
     const bool isReserved = fresh.st_size == 0 || ::fallocate(m_target, 0, 0, fresh.st_size) == 0;
     if (!isReserved && errno != EOPNOTSUPP && errno != ENOSYS) {
         const int failure = errno;
-        // Some of it may have been.
+        // Some of it may have been copied.
         static_cast<void>(::ftruncate(m_target, old.st_size) == 0);
         return reason(failure);
     }

@@ -4,7 +4,7 @@
 
 namespace tavix {
 
-/// Empties the list and gives its memory back. To assign {} keeps the memory for what may come.
+/// Clears the list and frees its memory; assigning {} would keep it.
 template <typename T>
 void freeMemory(std::vector<T>& list) {
     std::vector<T>().swap(list);

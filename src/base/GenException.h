@@ -7,8 +7,8 @@
 
 namespace tavix {
 
-/// Thrown by the repository library when it fails where its interface has no failing result, as in the middle of a
-/// cursor. Ordinary failures are a false or null result instead.
+/// Thrown by the repository library for failures that its interface cannot return, such as in the middle of a cursor.
+/// Ordinary failures return false or null.
 class GenException : public std::exception {
   public:
     explicit GenException(KvbString text) : m_text(std::move(text)), m_what(m_text.str()) {}

@@ -21,12 +21,12 @@ struct Held {
 };
 
 Held& held() {
-    // Kept to the end: connections may be closed by objects with static storage.
+    // Never destroyed: objects with static storage may still close connections.
     static auto* all = new Held;
     return *all;
 }
 
-/// The program may change its folder meanwhile.
+/// The program may change its working folder later.
 std::string absolute(const std::string& path) {
     std::error_code error;
     const std::filesystem::path whole = std::filesystem::absolute(path, error);

@@ -5,15 +5,15 @@
 #include <string>
 #include <string_view>
 
-/// A repository file, and the -wal, -shm and -journal files beside it, are opened by SQLite alone: whoever else writes
-/// there destroys the repository, and on some systems to close one of them is enough. Everything that opens a file
-/// whose name came from outside asks requireNotHeld() first.
+/// A repository file, and the -wal, -shm and -journal files beside it, may be opened by SQLite alone: any other writer
+/// destroys the repository, and on some systems merely closing one of them does. Everything that opens a file named by
+/// a user calls requireNotHeld() first.
 namespace tavix {
 
-/// The file of a connection text: a path, perhaps behind "sqlite:".
+/// The file of a connection text: a path, perhaps after "sqlite:".
 [[nodiscard]] std::string repositoryFile(std::string_view connection);
 
-/// As long as it lives the file is known as a repository that this process uses, whether it exists yet or not.
+/// During its lifetime the file, whether it exists yet or not, is registered as a repository in use by this process.
 class HeldRepository {
   public:
     explicit HeldRepository(const std::string& path);
@@ -25,7 +25,7 @@ class HeldRepository {
     std::string m_path;
 };
 
-/// An error when `path` leads to a file of a repository in use, by whichever name or link. From any thread.
+/// Fails if `path` leads to a file of a repository in use, by any name or link. From any thread.
 [[nodiscard]] Status requireNotHeld(const std::string& path);
 
 } // namespace tavix

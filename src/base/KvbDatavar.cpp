@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace tavix {
 
@@ -12,7 +13,13 @@ KvbDatavar::KvbDatavar(const KvbString& text) {
         m_value = text.str();
 }
 
-KvbString KvbDatavar::toText() const {
+KvbString KvbDatavar::toText() && {
+    if (auto* text = std::get_if<std::string>(&m_value))
+        return std::move(*text);
+    return std::as_const(*this).toText();
+}
+
+KvbString KvbDatavar::toText() const& {
     if (const auto* text = std::get_if<std::string>(&m_value))
         return *text;
     if (const auto* integer = std::get_if<std::int64_t>(&m_value))

@@ -8,7 +8,7 @@
 
 namespace tavix {
 
-/// A cell value that converts on read to text, integer or floating point, and knows null.
+/// A cell value, possibly null, that converts to text, integer or floating point when read.
 class KvbDatavar {
   public:
     KvbDatavar() = default;
@@ -21,11 +21,12 @@ class KvbDatavar {
 
     [[nodiscard]] bool isNull() const { return std::holds_alternative<std::monostate>(m_value); }
     /// Null gives a null string; a real gives its shortest text that reads back equal, whatever the locale.
-    [[nodiscard]] KvbString toText() const;
-    /// Null and text that is no number give 0; a real is cut toward zero; values beyond 32 bits are clamped.
+    [[nodiscard]] KvbString toText() const&;
+    [[nodiscard]] KvbString toText() &&;
+    /// Null and text that is not a number give 0; a real is truncated; values outside 32 bits are clamped.
     [[nodiscard]] int toInt() const;
     [[nodiscard]] std::int64_t toInt64() const;
-    /// Null and text that is no number give 0.
+    /// Null and text that is not a number give 0.
     [[nodiscard]] double toDouble() const;
 
     using Storage = std::variant<std::monostate, std::int64_t, double, std::string>;

@@ -7,7 +7,7 @@
 
 namespace tavix {
 
-/// Text as the repository library passes it: UTF-8, and able to be null, which is not the same as empty.
+/// The text type of the repository library: UTF-8 or null, which differs from empty.
 class KvbString {
   public:
     KvbString() = default;
@@ -18,12 +18,12 @@ class KvbString {
     [[nodiscard]] bool isNull() const { return !m_text.has_value(); }
     /// True for null and for the empty text.
     [[nodiscard]] bool isEmpty() const { return !m_text || m_text->empty(); }
-    /// The text; "" when null. Valid as long as this object is unchanged.
+    /// The text; "" for null. Valid until this object changes.
     [[nodiscard]] std::string_view view() const { return m_text ? std::string_view(*m_text) : std::string_view(); }
     [[nodiscard]] std::string str() const& { return m_text.value_or(std::string()); }
     [[nodiscard]] std::string str() && { return m_text ? std::move(*m_text) : std::string(); }
 
-    /// Null equals null only; comparison is by byte.
+    /// Null equals only null; texts are compared by byte.
     bool operator==(const KvbString&) const = default;
 
   private:

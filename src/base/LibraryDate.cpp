@@ -1,6 +1,6 @@
 #include "base/LibraryDate.h"
 
-#include <fmt/format.h>
+#include "base/DateTicks.h"
 
 #include <cmath>
 #include <ctime>
@@ -12,14 +12,10 @@ namespace tavix {
 
 namespace {
 
-using std::chrono::days;
 using std::chrono::sys_days;
-using std::chrono::year_month_day;
 
 constexpr sys_days kEpoch{std::chrono::year{1899} / 12 / 30};
 constexpr double kSecondsPerDay = 86400.0;
-constexpr double kFirstDay = -693593; // 0001-01-01
-constexpr double kLastDay = 2958465;  // 9999-12-31
 
 } // namespace
 
@@ -36,18 +32,17 @@ LibraryDate toLibraryDate(UtcTime time) {
 }
 
 DateParts decompose(LibraryDate date) {
-    if (!(date >= kFirstDay && date < kLastDay + 1))
+    constexpr double kLargest = 1e7; // beyond every supported date, and its seconds fit 64 bits
+    if (!(std::abs(date) < kLargest))
         return {};
-    const auto total = std::llround(date * kSecondsPerDay);
-    const auto day = static_cast<long long>(std::floor(static_cast<double>(total) / kSecondsPerDay));
-    const int inDay = static_cast<int>(total - day * 86400);
-    const year_month_day ymd{kEpoch + days{static_cast<int>(day)}};
-    return {static_cast<int>(ymd.year()),
-            static_cast<int>(static_cast<unsigned>(ymd.month())),
-            static_cast<int>(static_cast<unsigned>(ymd.day())),
-            inDay / 3600,
-            inDay / 60 % 60,
-            inDay % 60};
+    const std::int64_t seconds = std::llround(date * kSecondsPerDay);
+    const std::int64_t ticks =
+        seconds * kTicksPerSecond + std::int64_t{kEpoch.time_since_epoch().count()} * kTicksPerDay;
+    if (!isSupportedDate(ticks))
+        return {};
+    const CalendarDay day = calendarDay(ticks);
+    const int inDay = static_cast<int>((ticks - dayOf(ticks) * kTicksPerDay) / kTicksPerSecond);
+    return {day.year, day.month, day.day, inDay / 3600, inDay / 60 % 60, inDay % 60};
 }
 
 std::string formatDateTime(const DateParts& parts, const std::locale& locale) {
@@ -74,15 +69,6 @@ std::locale userLocale() {
     } catch (const std::runtime_error&) {
         return std::locale::classic();
     }
-}
-
-std::string formatIsoUtc(UtcTime time) {
-    const auto day = std::chrono::floor<days>(time);
-    const year_month_day ymd{day};
-    const std::chrono::hh_mm_ss clock{std::chrono::floor<std::chrono::seconds>(time - day)};
-    return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z", static_cast<int>(ymd.year()),
-                       static_cast<unsigned>(ymd.month()), static_cast<unsigned>(ymd.day()), clock.hours().count(),
-                       clock.minutes().count(), clock.seconds().count());
 }
 
 } // namespace tavix

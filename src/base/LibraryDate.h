@@ -7,7 +7,7 @@
 
 namespace tavix {
 
-/// The repository library's date form: a double that counts days since 1899-12-30 00:00, local time.
+/// The date type of the repository library: a double that counts days since 1899-12-30 00:00, local time.
 using LibraryDate = double;
 
 struct DateParts {
@@ -23,13 +23,11 @@ struct DateParts {
 
 /// The local wall-clock time of an instant in the process's time zone.
 [[nodiscard]] LibraryDate toLibraryDate(UtcTime time);
-/// Split, rounded to the nearest second. Dates outside the years 1 to 9999 give all zeros.
+/// Splits a date, rounded to the nearest second. Dates outside the years 1 to 9999 give all zeros.
 [[nodiscard]] DateParts decompose(LibraryDate date);
-/// The locale's date-and-time form, "%c".
+/// The locale's form of date and time, "%c".
 [[nodiscard]] std::string formatDateTime(const DateParts& parts, const std::locale& locale);
-/// The locale that the user's environment names; the classic one when the environment names none that exists.
+/// The locale of the user's environment; the classic one if that does not exist.
 [[nodiscard]] std::locale userLocale();
-/// ISO 8601 in UTC, to the second: "2026-11-21T08:15:00Z".
-[[nodiscard]] std::string formatIsoUtc(UtcTime time);
 
 } // namespace tavix

@@ -9,7 +9,7 @@
 namespace tavix {
 
 std::string loginName() {
-    // An entry may hold a long comment, but no environment variable decides who wrote a note.
+    // The buffer suffices for a long comment in the entry. Environment variables must not decide who wrote a note.
     std::array<char, 16384> room{};
     passwd entry{};
     passwd* found = nullptr;

@@ -4,7 +4,7 @@
 
 namespace tavix {
 
-/// The name under which the user is logged in to the system; "user N" for one whom the system knows by number only.
+/// The user's login name; "user N" if the system only knows the user's number.
 [[nodiscard]] std::string loginName();
 
 } // namespace tavix

@@ -5,11 +5,11 @@
 
 namespace tavix {
 
-/// The one way in which the viewer speaks to its user outside its panes. The whole text is composed by the caller;
-/// the implementation only shows it. Tests inject one that compares the words and scripts the answers.
+/// Messages to the user outside the panes. The caller composes the whole text; the implementation only displays it.
+/// Tests inject one that compares the words and scripts the answers.
 class Messages {
   public:
-    /// While one lives the wait cursor is shown.
+    /// Shows the wait cursor during its lifetime.
     class Busy {
       public:
         virtual ~Busy() = default;
@@ -19,7 +19,7 @@ class Messages {
 
     virtual ~Messages() = default;
 
-    /// A modal warning (exclamation icon, OK). An empty caption stands for the program's own name.
+    /// A modal warning (exclamation icon, OK). An empty caption means the program's name.
     virtual void warn(std::string_view text, std::string_view caption = {}) = 0;
     /// A modal Yes/No question; `preset` is the default button.
     [[nodiscard]] virtual Answer ask(std::string_view text, std::string_view caption, Answer preset = Answer::No) = 0;

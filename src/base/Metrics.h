@@ -71,7 +71,7 @@ struct MetricInfo {
 
 /// All metrics in the order of their ids.
 [[nodiscard]] const std::array<MetricInfo, kMetricCount>& metricCatalogue();
-/// The metric with this number; null for a number outside the catalogue.
+/// The metric with this id; null outside the catalogue.
 [[nodiscard]] const MetricInfo* findMetric(int id);
 
 /// Follows the name of an OfSampleAlone metric in a run over a sample.

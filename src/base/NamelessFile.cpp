@@ -14,7 +14,7 @@ int openNamelessFile(const std::string& folder) {
     int file = ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
     if (file >= 0 || (errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL))
         return file;
-    // A file system without nameless files: the name is taken away before anything is written.
+    // A file system without nameless files: the name is removed before anything is written.
     std::string name = folder + "/.tavix-XXXXXX";
     file = ::mkostemp(name.data(), O_CLOEXEC);
     if (file >= 0)

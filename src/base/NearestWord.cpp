@@ -1,5 +1,7 @@
 #include "base/NearestWord.h"
 
+#include "base/Ascii.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -10,14 +12,10 @@ namespace tavix {
 
 namespace {
 
-/// Names beyond this are not compared letter by letter.
+/// Longer names are not compared letter by letter.
 constexpr std::size_t kLongestCompared = 64;
 
-char folded(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-/// Insertions, deletions, replacements and swaps of neighbours that make one word of the other, case aside.
+/// The number of insertions, deletions, replacements and swaps of neighbours between two words, ignoring case.
 std::size_t distance(std::string_view a, std::string_view b) {
     std::vector<std::size_t> beforeLast;
     std::vector<std::size_t> last(b.size() + 1);
@@ -26,9 +24,10 @@ std::size_t distance(std::string_view a, std::string_view b) {
         std::vector<std::size_t> current(b.size() + 1);
         current[0] = i;
         for (std::size_t j = 1; j <= b.size(); ++j) {
-            const bool isSame = folded(a[i - 1]) == folded(b[j - 1]);
+            const bool isSame = asciiLower(a[i - 1]) == asciiLower(b[j - 1]);
             current[j] = std::min({last[j] + 1, current[j - 1] + 1, last[j - 1] + (isSame ? 0 : 1)});
-            if (i > 1 && j > 1 && folded(a[i - 1]) == folded(b[j - 2]) && folded(a[i - 2]) == folded(b[j - 1]))
+            if (i > 1 && j > 1 && asciiLower(a[i - 1]) == asciiLower(b[j - 2]) &&
+                asciiLower(a[i - 2]) == asciiLower(b[j - 1]))
                 current[j] = std::min(current[j], beforeLast[j - 2] + 1);
         }
         beforeLast = std::move(last);

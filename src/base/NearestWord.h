@@ -6,7 +6,7 @@
 
 namespace tavix {
 
-/// Of `known` the word that `word` was probably meant to be; "" when none is near.
+/// The one of `known` that `word` was probably meant to be; "" if none is similar.
 [[nodiscard]] std::string nearestWord(std::string_view word, std::span<const std::string> known);
 
 /// " (did you mean "x"?)" or nothing.

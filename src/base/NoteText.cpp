@@ -15,10 +15,6 @@ bool isLineEnd(UChar32 character) {
            character == 0x2029;
 }
 
-bool isSpace(UChar32 character) {
-    return character >= 0 && u_isUWhiteSpace(character);
-}
-
 Status check(std::string_view text, std::size_t longest, std::string_view what) {
     std::size_t count = 0;
     bool isUtf8 = true;
@@ -38,8 +34,8 @@ Status check(std::string_view text, std::size_t longest, std::string_view what) 
 std::string tidyNote(std::string_view text) {
     std::string tidied;
     tidied.reserve(text.size());
-    std::size_t end = 0;       // behind the last character that shows
-    std::size_t lineStart = 0; // of the line that is being read
+    std::size_t end = 0;       // after the last visible character
+    std::size_t lineStart = 0; // of the current line
     bool afterReturn = false;
     forEachCharacter(text, [&](UChar32 character, std::string_view bytes) {
         const bool isSecondHalf = afterReturn && character == '\n';
@@ -53,10 +49,10 @@ std::string tidyNote(std::string_view text) {
         }
         if (character >= 0 && character != '\t' && u_iscntrl(character) && u_charType(character) == U_CONTROL_CHAR)
             return;
-        if (!isSpace(character) && end == 0)
+        if (!isWhiteSpace(character) && end == 0)
             tidied.erase(0, lineStart);
         tidied += bytes;
-        if (!isSpace(character))
+        if (!isWhiteSpace(character))
             end = tidied.size();
     });
     tidied.resize(end);
@@ -67,7 +63,7 @@ std::string tidyNoteCategory(std::string_view name) {
     std::string tidied;
     bool gap = false;
     forEachCharacter(name, [&](UChar32 character, std::string_view bytes) {
-        if (isSpace(character) || (character >= 0 && u_charType(character) == U_CONTROL_CHAR)) {
+        if (isWhiteSpace(character) || (character >= 0 && u_charType(character) == U_CONTROL_CHAR)) {
             gap = true;
             return;
         }

@@ -1,5 +1,7 @@
 #include "base/NumberText.h"
 
+#include "base/Ascii.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -8,13 +10,7 @@
 
 namespace tavix {
 
-namespace {
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-} // namespace
+namespace {} // namespace
 
 std::string formatInteger(std::int64_t value) {
     std::array<char, 24> buffer{};
@@ -33,7 +29,7 @@ std::string formatGrouped(std::int64_t value) {
 }
 
 std::string formatReal(double value) {
-    // The shortest text would write 100000 as 1e+05; people read plain digits as far as they can be counted.
+    // The shortest text of 100000 would be 1e+05; people read plain digits as long as they can count them.
     constexpr double kPlainFrom = 1e-5;
     constexpr double kPlainBelow = 1e15;
     const double size = std::abs(value);
@@ -84,8 +80,8 @@ std::optional<double> parseNumber(std::string_view text) {
             return std::nullopt;
     }
     const std::string_view unsignedText = text.starts_with('-') ? text.substr(1) : text;
-    // from_chars would also take "inf" and "nan", which are words to us.
-    if (unsignedText.empty() || !(isDigit(unsignedText.front()) || unsignedText.front() == '.'))
+    // from_chars would also accept "inf" and "nan".
+    if (unsignedText.empty() || !(isAsciiDigit(unsignedText.front()) || unsignedText.front() == '.'))
         return std::nullopt;
     double value = 0;
     const auto [end, status] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -112,7 +108,7 @@ std::int64_t decimalPrefix(std::string_view text) {
     if (start == std::string_view::npos)
         return 0;
     text.remove_prefix(start);
-    if (text.size() > 1 && text.front() == '+' && isDigit(text[1]))
+    if (text.size() > 1 && text.front() == '+' && isAsciiDigit(text[1]))
         text.remove_prefix(1);
     std::int64_t value = 0;
     const auto status = std::from_chars(text.data(), text.data() + text.size(), value).ec;

@@ -6,14 +6,14 @@
 
 namespace tavix {
 
-/// Why an operation failed, in words that can be shown to a user as they stand.
+/// Why an operation failed, in words for users.
 struct Error {
     std::string text;
 
     bool operator==(const Error&) const = default;
 };
 
-/// Either the value of an operation or the error that prevented it; the one way in which Tavix's own layers fail.
+/// The value of an operation or the error that prevented it; the only way in which Tavix's own layers fail.
 template <typename T>
 class [[nodiscard]] Result {
   public:
@@ -23,7 +23,7 @@ class [[nodiscard]] Result {
     [[nodiscard]] bool ok() const { return m_state.index() == 0; }
     explicit operator bool() const { return ok(); }
 
-    /// The value; only to be asked when ok().
+    /// The value; only valid if ok().
     T& value() & { return std::get<0>(m_state); }
     const T& value() const& { return std::get<0>(m_state); }
     T&& value() && { return std::get<0>(std::move(m_state)); }
@@ -32,14 +32,14 @@ class [[nodiscard]] Result {
     T& operator*() & { return std::get<0>(m_state); }
     const T& operator*() const& { return std::get<0>(m_state); }
 
-    /// The error; only to be asked when not ok().
+    /// The error; only valid if not ok().
     [[nodiscard]] const Error& error() const { return std::get<1>(m_state); }
 
   private:
     std::variant<T, Error> m_state;
 };
 
-/// Success, or the error of an operation that yields no value.
+/// Success or the error of an operation without a value.
 template <>
 class [[nodiscard]] Result<void> {
   public:

@@ -1,5 +1,6 @@
 #include "base/SettingsStore.h"
 
+#include "base/Ascii.h"
 #include "base/FileWriter.h"
 
 #define SI_CONVERT_ICU 1
@@ -31,26 +32,25 @@ namespace fs = std::filesystem;
 
 constexpr std::uintmax_t kMaxFileSize = 4u << 20;
 
-std::string lowered(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return result;
+using Name = std::pair<std::string, std::string>; ///< section and key
+
+Name foldedName(std::string_view section, std::string_view key) {
+    return {asciiLower(section), asciiLower(key)};
 }
 
 class MemorySettings final : public SettingsStore {
   public:
     std::string read(std::string_view section, std::string_view key) const override {
-        const auto found = m_values.find({lowered(section), lowered(key)});
+        const auto found = m_values.find(foldedName(section, key));
         return found == m_values.end() ? std::string() : found->second;
     }
     Status write(std::string_view section, std::string_view key, std::string_view value) override {
-        m_values.insert_or_assign({lowered(section), lowered(key)}, std::string(value));
+        m_values.insert_or_assign(foldedName(section, key), std::string(value));
         return {};
     }
 
   private:
-    std::map<std::pair<std::string, std::string>, std::string> m_values;
+    std::map<Name, std::string> m_values;
 };
 
 /// Changes whenever a file is replaced or written; all 0 for a missing file.
@@ -124,7 +124,7 @@ class FileSettings final : public SettingsStore {
     }
 
     std::string read(std::string_view section, std::string_view key) const override {
-        if (const auto own = m_unsaved.find({lowered(section), lowered(key)}); own != m_unsaved.end())
+        if (const auto own = m_unsaved.find(foldedName(section, key)); own != m_unsaved.end())
             return own->second.value;
         // Another window may have written the file. When it can no longer be read, the known values stay.
         if (const FileState state = stateOf(m_path); state != m_state) {
@@ -138,7 +138,7 @@ class FileSettings final : public SettingsStore {
     Status write(std::string_view section, std::string_view key, std::string_view value) override {
         if (value.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos)
             return Error{fmt::format("The setting {} cannot hold a line break.", key)};
-        m_unsaved.insert_or_assign({lowered(section), lowered(key)},
+        m_unsaved.insert_or_assign(foldedName(section, key),
                                    Unsaved{std::string(section), std::string(key), std::string(value)});
         return merge();
     }
@@ -213,7 +213,7 @@ class FileSettings final : public SettingsStore {
     std::string m_path;
     mutable std::unique_ptr<CSimpleIniA> m_ini; ///< the file as it was in that state
     mutable FileState m_state;
-    std::map<std::pair<std::string, std::string>, Unsaved> m_unsaved; ///< values not in the file yet, by lowered names
+    std::map<Name, Unsaved> m_unsaved; ///< values not in the file yet, by folded names
 };
 
 } // namespace

@@ -13,7 +13,7 @@ class SettingsStore {
   public:
     virtual ~SettingsStore() = default;
 
-    /// The value; "" when there is none.
+    /// The value; "" without one.
     [[nodiscard]] virtual std::string read(std::string_view section, std::string_view key) const = 0;
     /// read() returns the new value from now on, even when it could not be stored.
     virtual Status write(std::string_view section, std::string_view key, std::string_view value) = 0;

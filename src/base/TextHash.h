@@ -5,8 +5,7 @@
 #include <cstring>
 #include <string_view>
 
-/// A fast hash for texts that are mostly short. With seeds that nobody can foresee nobody can write texts that fall
-/// together.
+/// A fast hash for mostly short texts. With unpredictable seeds, nobody can construct texts that collide.
 namespace tavix {
 
 struct HashSeeds {
@@ -31,7 +30,7 @@ inline std::uint64_t mix(std::uint64_t a, std::uint64_t b) {
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
-/// Up to 16 bytes as two words; reads nothing outside of them.
+/// Up to 16 bytes as two words; reads nothing outside them.
 inline void loadShort(const char* data, std::size_t size, std::uint64_t& a, std::uint64_t& b) {
     if (size >= 8) {
         a = load<std::uint64_t>(data);
@@ -50,7 +49,7 @@ inline void loadShort(const char* data, std::size_t size, std::uint64_t& a, std:
 
 } // namespace hashing
 
-/// Of the bytes; every bit of it depends on all of them. It is another one on a machine with another order of bytes.
+/// A hash of the bytes, each bit of which depends on all of them. It differs on a machine of another byte order.
 inline std::uint64_t hashText(const HashSeeds& seeds, const char* data, std::size_t size) {
     constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
     std::uint64_t state = seeds.first ^ (size * kOdd);

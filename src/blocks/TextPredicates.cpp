@@ -129,7 +129,7 @@ PredicatePtr makeUnaryTest(const Node& node) {
     if (isCallOf(node, "isnumber"))
         return makeEach(text, isNumberText);
     if (isCallOf(node, "isblank"))
-        return makeEach(text, isBlankText);
+        return makeEach(text, isBlank);
     if (isCallOf(node, "has_control_chars"))
         return makeEach(text, hasControlCharacter);
     return nullptr;

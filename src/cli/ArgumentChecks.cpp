@@ -1,12 +1,12 @@
 #include "cli/ArgumentChecks.h"
 
+#include "base/Ascii.h"
 #include "base/NumberText.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <optional>
 #include <string_view>
@@ -24,9 +24,7 @@ std::string rangeText(std::int64_t least, std::int64_t most) {
 /// "G", "GB" and "GiB" in any case are 2^30, and so on; nothing for any other text.
 std::optional<double> unitOf(std::string_view text) {
     constexpr std::string_view kUnits = "kmgt";
-    std::string unit(text);
-    std::transform(unit.begin(), unit.end(), unit.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string unit = asciiLower(text);
     if (unit.empty() || unit == "b")
         return 1;
     const auto power = kUnits.find(unit.front());

@@ -38,12 +38,12 @@ LastRun lastRunOf(const std::string& job, const std::string& repository) {
     while (reports->next()) {
         if (reports->getColumnValue(layout::ReportName).view() != job)
             continue;
-        last.runs = KvbDatavar(reports->getColumnValue(layout::ReportRunCount)).toInt64();
+        last.runs = reports->getColumnInt64(layout::ReportRunCount);
         session.selectJob(job);
         const ProfileCursorHandle runs = session.checked(session.viewer().getJobs());
         if (runs->next()) {
             last.seconds = runs->getColumnDouble(layout::JobSeconds);
-            last.records = KvbDatavar(runs->getColumnValue(layout::JobRecords)).toInt64();
+            last.records = runs->getColumnInt64(layout::JobRecords);
         }
         break;
     }

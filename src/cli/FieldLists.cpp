@@ -102,10 +102,6 @@ Column percentColumn(const DistributionShare& share) {
     return {std::string(share.ColumnKey()), "% " + share.BaseText(), Column::Kind::Number, kPercentPlaces};
 }
 
-std::int64_t wholeNumber(const ProfileCursor& cursor, int column) {
-    return KvbDatavar(cursor.getColumnValue(column)).toInt64();
-}
-
 Column::Kind valueKind(const ChosenField& field) {
     return isNumericType(field.typeCode) ? Column::Kind::Number : Column::Kind::Text;
 }
@@ -157,7 +153,7 @@ ChosenRows openFiltered(Session& session, const ChosenField& field, const Distri
     std::int64_t total = 0;
     for (; sums->next(); ++rows.count) {
         stopIfInterrupted();
-        total += saturateToInt64(sums->getColumnDouble(access.countColumn));
+        total += sums->getColumnInt64(access.countColumn);
     }
     if (const KvbString warning = sums->getWarning(); !warning.isNull())
         say(warning.view());
@@ -232,7 +228,7 @@ void listValues(Session& session, Listing& listing, const ChosenField& field, co
                    false,
                    std::string(kNullValue)});
     for (std::int64_t shown = 0; shown < choice.limit && rows.cursor->next(); ++shown) {
-        const std::int64_t times = wholeNumber(*rows.cursor, layout::FreqCount);
+        const std::int64_t times = rows.cursor->getColumnInt64(layout::FreqCount);
         listing.row(Row{rows.cursor->getColumnValue(layout::FreqValue), times, percentCell(rows.share, times)});
     }
     listing.end();
@@ -250,8 +246,8 @@ void listPatterns(Session& session, Listing& listing, const ChosenField& field, 
     const ProfileCursor& patterns = *rows.cursor;
     for (std::int64_t shown = 0; shown < choice.limit && rows.cursor->next(); ++shown) {
         const KvbString pattern = patterns.getColumnValue(layout::PatternText);
-        const std::int64_t times = wholeNumber(patterns, layout::PatternCountColumn);
-        listing.row(Row{wholeNumber(patterns, layout::PatternRank), pattern,
+        const std::int64_t times = patterns.getColumnInt64(layout::PatternCountColumn);
+        listing.row(Row{patterns.getColumnInt64(layout::PatternRank), pattern,
                         session.viewer().getAbbreviatedPattern(pattern), times, percentCell(rows.share, times)});
     }
     listing.end();
@@ -281,7 +277,7 @@ void listOutliers(Session& session, Listing& listing, const ChosenField& field, 
     for (std::int64_t shown = 0; shown < limit && outliers->next(); ++shown) {
         const bool isLow = outliers->getColumnValue(layout::OutlierSideLetter) == KvbString("L");
         listing.row(Row{isLow ? "low" : "high", outliers->getColumnInt(layout::OutlierPosition) + 1,
-                        outliers->getColumnValue(layout::OutlierValue), wholeNumber(*outliers, layout::OutlierCount),
+                        outliers->getColumnValue(layout::OutlierValue), outliers->getColumnInt64(layout::OutlierCount),
                         fenceCell(outliers->getColumnInt(layout::OutlierFence))});
     }
     listing.end();

@@ -1,5 +1,6 @@
 #include "cli/FilterArgument.h"
 
+#include "base/Ascii.h"
 #include "base/HeldRepositories.h"
 #include "cli/CommandError.h"
 #include "filter/FilterFile.h"
@@ -19,9 +20,7 @@ constexpr std::size_t kLongestFile = std::size_t{4} << 20;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 bool isFilterFileName(const std::string& path) {
-    std::string ending = std::filesystem::path(path).extension().string();
-    for (char& c : ending)
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    const std::string ending = asciiLower(std::filesystem::path(path).extension().string());
     return ending.size() > 1 && ending.substr(1) == kFilterFileExtension;
 }
 

@@ -1,5 +1,6 @@
 #include "cli/JsonTableWriter.h"
 
+#include "base/Ascii.h"
 #include "base/TypeWords.h"
 
 #include <nlohmann/json.hpp>
@@ -16,8 +17,7 @@ std::string jsonText(std::string_view text) {
 
 bool isJsonNumber(std::string_view text) {
     // JSON does not allow "+5", ".5" or "007" as numbers; they stay text.
-    return !text.empty() && (text.front() == '-' || (text.front() >= '0' && text.front() <= '9')) &&
-           nlohmann::json::accept(text);
+    return !text.empty() && (text.front() == '-' || isAsciiDigit(text.front())) && nlohmann::json::accept(text);
 }
 
 bool isNumericWord(std::string_view type) {

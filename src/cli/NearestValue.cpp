@@ -1,6 +1,7 @@
 #include "cli/NearestValue.h"
 
 #include "access/Layouts.h"
+#include "base/Ascii.h"
 #include "base/NearestWord.h"
 #include "cli/Session.h"
 
@@ -19,10 +20,7 @@ std::string plain(std::string_view text) {
     constexpr std::string_view kBlanks = " \t\r\n";
     const auto first = std::min(text.find_first_not_of(kBlanks), text.size());
     text = text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
-    std::string out(text);
-    std::transform(out.begin(), out.end(), out.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return out;
+    return asciiLower(text);
 }
 
 } // namespace

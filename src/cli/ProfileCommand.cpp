@@ -1,5 +1,6 @@
 #include "cli/ProfileCommand.h"
 
+#include "base/Ascii.h"
 #include "base/HeldRepositories.h"
 #include "cli/AlertLists.h"
 #include "cli/ArgumentChecks.h"
@@ -34,9 +35,7 @@ constexpr std::int64_t kMostThreads = 256;
 constexpr std::size_t kNamedFiles = 10;
 
 bool isJobFile(const std::string& path) {
-    std::string ending = std::filesystem::path(path).extension().string();
-    std::transform(ending.begin(), ending.end(), ending.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    const std::string ending = asciiLower(std::filesystem::path(path).extension().string());
     return ending == ".yaml" || ending == ".yml";
 }
 

@@ -17,10 +17,6 @@ namespace {
 
 constexpr int kAllTables = -1;
 
-std::int64_t wholeNumber(const ProfileCursor& cursor, int column) {
-    return KvbDatavar(cursor.getColumnValue(column)).toInt64();
-}
-
 KvbDatavar shareOf(std::int64_t part, std::int64_t whole) {
     return whole > 0 ? KvbDatavar(100.0 * static_cast<double>(part) / static_cast<double>(whole)) : KvbDatavar();
 }
@@ -79,10 +75,10 @@ void listRules(Session& session, Listing& listing, const TableIdentity* table) {
     const ProfileCursorHandle rules =
         session.checked(session.viewer().getBusinessRules(table ? table->id : kAllTables));
     while (rules->next()) {
-        const std::int64_t failed = wholeNumber(*rules, layout::RuleFailedRows);
-        const std::int64_t checked = wholeNumber(*rules, layout::RuleCheckedRows);
+        const std::int64_t failed = rules->getColumnInt64(layout::RuleFailedRows);
+        const std::int64_t checked = rules->getColumnInt64(layout::RuleCheckedRows);
         listing.row(Row{names.at(rules->getColumnInt(layout::RuleTableId)), rules->getColumnValue(layout::RuleName),
-                        failed, shareOf(failed, checked), checked, wholeNumber(*rules, layout::RuleErrorRows),
+                        failed, shareOf(failed, checked), checked, rules->getColumnInt64(layout::RuleErrorRows),
                         rules->getColumnValue(layout::RuleInputs), rules->getColumnValue(layout::RuleCondition)});
     }
     listing.end();
@@ -99,8 +95,8 @@ RuleEntry findRule(Session& session, const std::string& name, const TableIdentit
         rule.id = rules->getColumnInt(layout::RuleId);
         rule.name = rules->getColumnValue(layout::RuleName).str();
         rule.table = names.at(rules->getColumnInt(layout::RuleTableId));
-        rule.failedRows = wholeNumber(*rules, layout::RuleFailedRows);
-        rule.loggedRows = wholeNumber(*rules, layout::RuleLoggedRows);
+        rule.failedRows = rules->getColumnInt64(layout::RuleFailedRows);
+        rule.loggedRows = rules->getColumnInt64(layout::RuleLoggedRows);
         ruleNames.push_back(rule.name);
         found.push_back(std::move(rule));
     }

@@ -34,8 +34,7 @@ void RunsCommand::run(const CommonOptions& options) {
     const ProfileCursorHandle runs = session.checked(session.viewer().getJobs());
     while (runs->next())
         listing.row(Row{runs->getColumnInt(layout::JobRunId), shownDate(runs->getColumnDouble(layout::JobDate)),
-                        KvbDatavar(runs->getColumnValue(layout::JobTables)).toInt64(),
-                        KvbDatavar(runs->getColumnValue(layout::JobRecords)).toInt64(),
+                        runs->getColumnInt64(layout::JobTables), runs->getColumnInt64(layout::JobRecords),
                         KvbString(runs->getColumnValue(layout::JobDescription).view())});
     listing.end();
     listing.finish();

@@ -1,6 +1,6 @@
 #include "expression/Conversion.h"
 
-#include "base/DateText.h"
+#include "base/DateTicks.h"
 #include "base/NumberText.h"
 #include "expression/TextOperators.h"
 
@@ -111,7 +111,7 @@ Value readCell(const Value& cell, Type type, std::string_view field, Scratch& sc
         return {};
     const Value value = convert(cell, type, scratch);
     const bool isLost = value.isNull() && !cell.isNull();
-    if (isLost && !(cell.type == Type::Text && isBlankText(cell.text))) {
+    if (isLost && !(cell.type == Type::Text && isBlank(cell.text))) {
         constexpr std::int64_t kShown = 40;
         const Value shown = convert(cell, Type::Text, scratch);
         scratch.fail(fmt::format("the field `{}` holds \"{}\", which is not of type {}", field,

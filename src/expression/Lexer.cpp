@@ -1,5 +1,6 @@
 #include "expression/Lexer.h"
 
+#include "base/Ascii.h"
 #include "base/Characters.h"
 
 #include <fmt/format.h>
@@ -10,16 +11,12 @@ namespace tavix::expression {
 
 namespace {
 
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 bool isWordStart(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+    return isAsciiLetter(c) || c == '_';
 }
 
 bool isWordPart(char c) {
-    return isWordStart(c) || isDigit(c);
+    return isWordStart(c) || isAsciiDigit(c);
 }
 
 struct Sign {
@@ -145,7 +142,7 @@ class Scanner {
         const char c = m_text[m_at];
         if (isWordStart(c))
             return word();
-        if (isDigit(c) || (c == '.' && isDigit(peek(1))))
+        if (isAsciiDigit(c) || (c == '.' && isAsciiDigit(peek(1))))
             return number();
         if (c == '\'' || c == '"')
             return quotedText(c);
@@ -196,10 +193,8 @@ class Scanner {
     bool word() {
         std::size_t size = 0;
         std::string lower;
-        while (isWordPart(peek(size))) {
-            const char c = peek(size++);
-            lower += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-        }
+        while (isWordPart(peek(size)))
+            lower += asciiLower(peek(size++));
         Token made = begin(TokenKind::Word);
         made.text = std::move(lower);
         made.written = m_text.substr(m_at, size);
@@ -210,7 +205,7 @@ class Scanner {
     bool number() {
         std::size_t size = 0;
         const auto digits = [&] {
-            while (isDigit(peek(size)))
+            while (isAsciiDigit(peek(size)))
                 ++size;
         };
         digits();
@@ -220,7 +215,7 @@ class Scanner {
         }
         if (peek(size) == 'e' || peek(size) == 'E') {
             const std::size_t sign = peek(size + 1) == '+' || peek(size + 1) == '-' ? 1 : 0;
-            if (isDigit(peek(size + 1 + sign))) {
+            if (isAsciiDigit(peek(size + 1 + sign))) {
                 size += 1 + sign;
                 digits();
             }

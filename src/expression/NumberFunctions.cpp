@@ -1,6 +1,6 @@
 #include "expression/NumberFunctions.h"
 
-#include "base/DateText.h"
+#include "base/DateTicks.h"
 #include "expression/Conversion.h"
 
 #include <algorithm>

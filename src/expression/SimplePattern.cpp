@@ -1,5 +1,6 @@
 #include "expression/SimplePattern.h"
 
+#include "base/Ascii.h"
 #include "base/Characters.h"
 
 #include <utility>
@@ -20,14 +21,6 @@ AsciiSet range(char first, char last) {
 
 AsciiSet single(char c) {
     return range(c, c);
-}
-
-bool isLetter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
 }
 
 class SimplePatternParser {
@@ -130,7 +123,7 @@ class SimplePatternParser {
     std::optional<int> readCount() {
         int count = 0;
         const std::size_t before = m_rest.size();
-        while (!m_rest.empty() && isDigit(m_rest.front())) {
+        while (!m_rest.empty() && isAsciiDigit(m_rest.front())) {
             count = count * 10 + (m_rest.front() - '0');
             if (count > kMostRepetitions)
                 return std::nullopt;
@@ -199,7 +192,7 @@ class SimplePatternParser {
         default:
             break;
         }
-        if (!isAscii(c) || isLetter(c) || isDigit(c))
+        if (!isAscii(c) || isAsciiLetter(c) || isAsciiDigit(c))
             return std::nullopt;
         return single(c);
     }

@@ -1,6 +1,6 @@
 #include "expression/TextFunctions.h"
 
-#include "base/DateText.h"
+#include "base/DateTicks.h"
 #include "base/NumberText.h"
 #include "expression/ByteSearch.h"
 #include "expression/Conversion.h"
@@ -120,7 +120,7 @@ Value instr(Arguments arguments, Scratch& /*scratch*/) {
 }
 
 Value isBlank(Arguments arguments, Scratch& /*scratch*/) {
-    return Value::ofBoolean(isBlankText(arguments[0].text));
+    return Value::ofBoolean(tavix::isBlank(arguments[0].text));
 }
 
 Value isDate(Arguments arguments, Scratch& /*scratch*/) {

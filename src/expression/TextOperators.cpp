@@ -1,5 +1,6 @@
 #include "expression/TextOperators.h"
 
+#include "base/Ascii.h"
 #include "base/NumberText.h"
 
 #include <unicode/uchar.h>
@@ -11,22 +12,10 @@ namespace tavix::expression {
 
 namespace {
 
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 std::size_t skipDigits(std::string_view text, std::size_t at) {
-    while (at < text.size() && isDigit(text[at]))
+    while (at < text.size() && isAsciiDigit(text[at]))
         ++at;
     return at;
-}
-
-char lowerOf(char c) {
-    return static_cast<char>(c + (static_cast<unsigned char>(c - 'A') < 26 ? 32 : 0));
-}
-
-char upperOf(char c) {
-    return static_cast<char>(c - (static_cast<unsigned char>(c - 'a') < 26 ? 32 : 0));
 }
 
 template <typename AsciiMapping, typename Mapping>
@@ -61,19 +50,19 @@ std::size_t previousCharacter(std::string_view text, std::size_t at) {
 }
 
 bool isSpaceAt(std::string_view text, std::size_t begin) {
-    std::size_t next = begin;
-    const std::int32_t character = nextCharacter(text, next);
-    return character >= 0 && u_isUWhiteSpace(character);
+    return isWhiteSpace(nextCharacter(text, begin));
 }
 
 } // namespace
 
 void appendLower(std::string& out, std::string_view text) {
-    appendMapped(out, text, lowerOf, [](std::int32_t c) { return u_tolower(c); });
+    appendMapped(
+        out, text, [](char c) { return asciiLower(c); }, [](std::int32_t c) { return u_tolower(c); });
 }
 
 void appendUpper(std::string& out, std::string_view text) {
-    appendMapped(out, text, upperOf, [](std::int32_t c) { return u_toupper(c); });
+    appendMapped(
+        out, text, [](char c) { return asciiUpper(c); }, [](std::int32_t c) { return u_toupper(c); });
 }
 
 std::string lowerText(std::string_view text) {
@@ -84,12 +73,12 @@ std::string lowerText(std::string_view text) {
 
 void lowerAscii(const char* from, std::size_t size, char* to) {
     for (std::size_t i = 0; i < size; ++i)
-        to[i] = lowerOf(from[i]);
+        to[i] = asciiLower(from[i]);
 }
 
 void upperAscii(const char* from, std::size_t size, char* to) {
     for (std::size_t i = 0; i < size; ++i)
-        to[i] = upperOf(from[i]);
+        to[i] = asciiUpper(from[i]);
 }
 
 std::string_view leftOf(std::string_view text, std::int64_t count) {
@@ -176,10 +165,6 @@ bool isNumberText(std::string_view text) {
     if (at == text.size() && at < kSurelyInRange)
         return true;
     return parseNumber(text).has_value();
-}
-
-bool isBlankText(std::string_view text) {
-    return trimLeft(text).empty();
 }
 
 } // namespace tavix::expression

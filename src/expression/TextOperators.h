@@ -57,8 +57,6 @@ void upperAscii(const char* from, std::size_t size, char* to);
 [[nodiscard]] bool hasControlCharacter(std::string_view text);
 /// Whether the text is a number within the range of a real: sign, digits, decimal point, exponent; no blanks, no words.
 [[nodiscard]] bool isNumberText(std::string_view text);
-/// Empty or all white space.
-[[nodiscard]] bool isBlankText(std::string_view text);
 
 /// Below zero, zero or above, by code point, which is also the order of the bytes.
 [[nodiscard]] inline int compareTexts(std::string_view left, std::string_view right) {

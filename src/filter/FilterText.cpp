@@ -1,6 +1,7 @@
 #include "filter/FilterText.h"
 
 #include "access/FilterCode.h"
+#include "base/Ascii.h"
 #include "base/Characters.h"
 #include "expression/TextOperators.h"
 #include "filter/FilterOperations.h"
@@ -134,13 +135,6 @@ class ComparisonCode {
     std::string m_field;
     bool m_isText;
 };
-
-std::string upper(std::string text) {
-    for (char& c : text)
-        if (c >= 'a' && c <= 'z')
-            c = static_cast<char>(c - 'a' + 'A');
-    return text;
-}
 
 std::string valueInWords(const CCondition& condition, std::string_view value) {
     if (condition.fieldType != FieldTypeCode::Value)

@@ -1,5 +1,6 @@
 #include "grid/CellSort.h"
 
+#include "base/Ascii.h"
 #include "base/NumberText.h"
 #include "grid/DistinctTexts.h"
 #include "grid/RadixSort.h"
@@ -27,10 +28,6 @@ enum Note : std::uint32_t {
     kHasPlainerText = 32, ///< another text may have the same value
 };
 
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 // Unsigned integers in the order of the signed ones, and of the doubles.
 std::uint64_t orderedKey(std::int64_t value) {
     return static_cast<std::uint64_t>(value) ^ (std::uint64_t{1} << 63);
@@ -48,11 +45,11 @@ bool parseDecimal(std::string_view text, RadixItem& item) {
     const char* at = text.data() + (isNegative ? 1 : 0);
     const char* const end = text.data() + text.size();
     const auto length = static_cast<std::size_t>(end - at);
-    if (length == 0 || length > kExactDigits + 1 || !isDigit(*at) || !isDigit(end[-1]))
+    if (length == 0 || length > kExactDigits + 1 || !isAsciiDigit(*at) || !isAsciiDigit(end[-1]))
         return false;
     const bool zeroAhead = *at == '0';
     std::int64_t digits = 0;
-    for (; at != end && isDigit(*at); ++at)
+    for (; at != end && isAsciiDigit(*at); ++at)
         digits = digits * 10 + (*at - '0');
     const std::size_t whole = length - static_cast<std::size_t>(end - at);
     const std::size_t places = at == end ? 0 : static_cast<std::size_t>(end - at) - 1;
@@ -63,7 +60,7 @@ bool parseDecimal(std::string_view text, RadixItem& item) {
         if (*at++ != '.')
             return false;
         for (; at != end; ++at) {
-            if (!isDigit(*at))
+            if (!isAsciiDigit(*at))
                 return false;
             digits = digits * 10 + (*at - '0');
         }

@@ -1,5 +1,6 @@
 #include "grid/FoldedFinder.h"
 
+#include "base/Ascii.h"
 #include "base/Characters.h"
 #include "grid/FoldCase.h"
 
@@ -9,10 +10,6 @@
 namespace tavix {
 
 namespace {
-
-char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 bool hasAsciiFolding(std::string_view text) {
     for (std::size_t at = 0; at < text.size();) {
@@ -47,7 +44,7 @@ bool FoldedFinder::isIn(std::string_view text) const {
 
 bool FoldedFinder::isInAscii(std::string_view text) const {
     return std::search(text.begin(), text.end(), m_wanted.begin(), m_wanted.end(),
-                       [](char a, char b) { return lower(a) == b; }) != text.end();
+                       [](char a, char b) { return asciiLower(a) == b; }) != text.end();
 }
 
 } // namespace tavix

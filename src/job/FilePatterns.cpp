@@ -1,5 +1,7 @@
 #include "job/FilePatterns.h"
 
+#include "base/Ascii.h"
+
 #include <fmt/format.h>
 #include <glob.h>
 
@@ -77,9 +79,7 @@ Result<std::vector<std::string>> filesOfFolder(const std::string& folder) {
 
 std::string tableNameOf(const std::string& path) {
     std::filesystem::path name = std::filesystem::path(path).filename();
-    std::string ending = name.extension().string();
-    std::transform(ending.begin(), ending.end(), ending.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    const std::string ending = asciiLower(name.extension().string());
     if (ending == ".gz" || ending == ".bz2" || ending == ".xz" || ending == ".zst")
         name = name.stem();
     return name.stem().string();

@@ -1,5 +1,6 @@
 #include "nav/TreeContents.h"
 
+#include "access/CursorText.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
 #include "base/GenException.h"
@@ -21,14 +22,6 @@ TreeNode& append(TreeNode& parent, TreeNodeKind kind, int id, std::string name) 
     node->row = static_cast<int>(parent.children.size());
     parent.children.push_back(std::move(node));
     return *parent.children.back();
-}
-
-std::string text(const ProfileCursor& cursor, int column) {
-    return cursor.getColumnValue(column).str();
-}
-
-std::int64_t count(const ProfileCursor& cursor, int column) {
-    return cursor.isColumnNull(column) ? -1 : saturateToInt64(cursor.getColumnDouble(column));
 }
 
 // The node for a catalog or schema below `parent`; `parent` itself when the table has none.
@@ -117,10 +110,10 @@ bool TreeContents::FetchDataSources(TreeNode& node) {
     if (!cursor)
         return false;
     while (cursor->next()) {
-        TreeNode& source =
-            append(node, TreeNodeKind::DataSource, cursor->getColumnInt(layout::DsnId), text(*cursor, layout::DsnName));
+        TreeNode& source = append(node, TreeNodeKind::DataSource, cursor->getColumnInt(layout::DsnId),
+                                  textAt(*cursor, layout::DsnName));
         source.sourceKind = cursor->getColumnInt(layout::DsnKind);
-        source.count = count(*cursor, layout::DsnTables);
+        source.count = int64Or(*cursor, layout::DsnTables, -1);
         source.mayHaveChildren = source.count != 0;
     }
     return true;
@@ -154,8 +147,8 @@ bool TreeContents::FetchCollections(TreeNode& node) {
         return false;
     while (cursor->next()) {
         TreeNode& collection = append(node, TreeNodeKind::Collection, cursor->getColumnInt(layout::CollectionId),
-                                      text(*cursor, layout::CollectionName));
-        collection.count = count(*cursor, layout::CollectionFields);
+                                      textAt(*cursor, layout::CollectionName));
+        collection.count = int64Or(*cursor, layout::CollectionFields, -1);
         collection.mayHaveChildren = collection.count != 0;
     }
     return true;
@@ -167,9 +160,9 @@ bool TreeContents::FetchCollectionFields(TreeNode& node) {
         return false;
     while (cursor->next()) {
         TreeNode& field = append(node, TreeNodeKind::CollectionField, cursor->getColumnInt(layout::FieldId),
-                                 text(*cursor, layout::FieldName));
-        const std::string object = text(*cursor, layout::SourceObject);
-        field.origin = object.empty() ? text(*cursor, layout::SourceTable) : object;
+                                 textAt(*cursor, layout::FieldName));
+        const std::string object = textAt(*cursor, layout::SourceObject);
+        field.origin = object.empty() ? textAt(*cursor, layout::SourceTable) : object;
     }
     return true;
 }
@@ -180,8 +173,8 @@ bool TreeContents::FetchAnalyses(TreeNode& node) {
         return false;
     while (cursor->next()) {
         TreeNode& analysis =
-            append(node, TreeNodeKind::Analysis, cursor->getColumnInt(layout::RdaId), text(*cursor, layout::RdaName));
-        analysis.count = count(*cursor, layout::RdaFields);
+            append(node, TreeNodeKind::Analysis, cursor->getColumnInt(layout::RdaId), textAt(*cursor, layout::RdaName));
+        analysis.count = int64Or(*cursor, layout::RdaFields, -1);
     }
     return true;
 }

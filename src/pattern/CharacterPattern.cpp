@@ -32,7 +32,7 @@ constexpr std::array<char, 128> makeAsciiClasses() {
 
 constexpr std::array<char, 128> kAsciiClasses = makeAsciiClasses();
 
-/// The letter or digit that stands for a character, 0 when it stands for itself.
+/// The letter or digit that replaces a character; 0 for none.
 char classOf(UChar32 character) {
     switch (u_charType(character)) {
     case U_UPPERCASE_LETTER:

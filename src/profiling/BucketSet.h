@@ -1,6 +1,6 @@
 #pragma once
 
-#include "repository/PlacePages.h"
+#include "repository/OffsetIndexPages.h"
 
 #include <array>
 #include <bit>
@@ -13,7 +13,7 @@ namespace tavix::profiling {
 class BucketSet {
   public:
     void add(std::uint64_t hash) {
-        const std::uint32_t bucket = repository::placeBucket(hash);
+        const std::uint32_t bucket = repository::offsetIndexBucket(hash);
         std::uint64_t& word = m_words[bucket / kBits];
         const std::uint64_t bit = std::uint64_t{1} << bucket % kBits;
         if ((word & bit) != 0)
@@ -40,8 +40,8 @@ class BucketSet {
 
   private:
     static constexpr std::size_t kBits = 64;
-    std::array<std::uint64_t, repository::kPlaceBuckets / kBits> m_words{};
-    std::array<std::uint64_t, repository::kPlaceBuckets / kBits / kBits> m_used{}; ///< a bit for each word
+    std::array<std::uint64_t, repository::kOffsetIndexBuckets / kBits> m_words{};
+    std::array<std::uint64_t, repository::kOffsetIndexBuckets / kBits / kBits> m_used{}; ///< a bit for each word
     std::size_t m_size = 0;
 };
 

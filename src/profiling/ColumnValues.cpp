@@ -14,7 +14,7 @@ void ColumnValues::countRange(std::span<const source::Cell> cells, std::uint32_t
         (part == 0 ? m_counter : m_others[part - 1]).countPart(cells, part, parts(), buckets);
 }
 
-void ColumnValues::count(std::span<const source::Cell> cells, std::span<const source::RowPlace> places,
+void ColumnValues::count(std::span<const source::Cell> cells, std::span<const source::RowOffset> places,
                          std::uint32_t part) {
     if (m_offsetIndexes.empty())
         return countRange(cells, part, nullptr);
@@ -51,7 +51,7 @@ void ColumnValues::giveUpFrequentBuckets(const ValueCounter& counter) {
     for (const auto& chunk : counter.entries().chunks())
         for (const Entry& entry : chunk)
             if (entry.count > ValueCounter::kMarkedRows)
-                m_offsetIndexes.front().giveUp(repository::placeBucket(std::uint64_t{entry.hash} << 32));
+                m_offsetIndexes.front().giveUp(repository::offsetIndexBucket(std::uint64_t{entry.hash} << 32));
 }
 
 void ColumnValues::closeOffsetIndex() {
@@ -61,9 +61,9 @@ void ColumnValues::closeOffsetIndex() {
     m_isOffsetIndexClosed = true;
 }
 
-std::vector<repository::PlacePage> ColumnValues::takeOffsetIndex() {
+std::vector<repository::OffsetIndexPage> ColumnValues::takeOffsetIndex() {
     const std::vector<ValueOffsetIndex> indexes = std::exchange(m_offsetIndexes, {});
-    return indexes.empty() ? std::vector<repository::PlacePage>() : packOffsetIndex(indexes);
+    return indexes.empty() ? std::vector<repository::OffsetIndexPage>() : packOffsetIndex(indexes);
 }
 
 std::size_t ColumnValues::valuesInMemory() const {

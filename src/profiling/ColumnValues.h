@@ -27,7 +27,7 @@ class ColumnValues {
     void keepOffsetIndex() { m_offsetIndexes.resize(parts()); }
     /// `places` splits the cells into ranges, from the first cell to one past the last. Without an offset index it is
     /// ignored.
-    void count(std::span<const source::Cell> cells, std::span<const source::RowPlace> places, std::uint32_t part);
+    void count(std::span<const source::Cell> cells, std::span<const source::RowOffset> places, std::uint32_t part);
     /// Moves all values in memory to counter(). Nothing can be counted afterwards.
     void unite();
 
@@ -59,7 +59,7 @@ class ColumnValues {
     void closeOffsetIndex();
     /// The packed offset index over the ranges of all calls of count(); empty without one. closeOffsetIndex() must have
     /// been called. Another thread may compute with the values meanwhile.
-    [[nodiscard]] std::vector<repository::PlacePage> takeOffsetIndex();
+    [[nodiscard]] std::vector<repository::OffsetIndexPage> takeOffsetIndex();
     /// Forgets the values, but not their offset index.
     void clearValues(SpillFile& file);
     void clear(SpillFile& file);

@@ -1,5 +1,6 @@
 #include "profiling/FieldProfile.h"
 
+#include "base/Characters.h"
 #include "base/FreeMemory.h"
 #include "base/TypeWords.h"
 #include "profiling/DistributionOrder.h"
@@ -28,10 +29,6 @@ constexpr std::size_t kShortText = repository::kTextPerBlock / repository::kRows
 constexpr std::size_t kRowsPerTask = 16 * repository::kRowsPerBlock;
 constexpr std::size_t kLeastMemory = std::size_t{64} << 10;
 
-/// Such values have no order, whatever the type of the field.
-bool isEmptyOrBlank(std::string_view text) {
-    return text.empty() || isBlank(text);
-}
 
 std::int64_t asInteger(std::uint64_t value) {
     return static_cast<std::int64_t>(value);
@@ -215,7 +212,7 @@ class FieldProfiler {
         return forEachBatch(walk, m_context.stop, [&](std::span<const ValueWalk::Row> batch) -> Status {
             for (std::size_t i = 0; i < batch.size(); ++i) {
                 const std::string_view text = walk.text(i);
-                if (isEmptyOrBlank(text))
+                if (isBlank(text))
                     continue;
                 if (Status status = byValue.add({keyOf(text, m_form), batch[i].count, text}); !status)
                     return status;
@@ -232,7 +229,7 @@ class FieldProfiler {
         std::vector<bool> isOther(hasOthers ? entries.size() : 0);
         for (std::size_t i = 0; i < entries.size(); ++i) {
             const std::string_view text = entries[i].text();
-            if (hasOthers && isEmptyOrBlank(text))
+            if (hasOthers && isBlank(text))
                 isOther[i] = true;
             else
                 keys[i] = keyOf(text, m_form);

@@ -4,7 +4,7 @@
 #include "profiling/ColumnValues.h"
 #include "profiling/PackedResult.h"
 #include "repository/Facts.h"
-#include "repository/PlacePages.h"
+#include "repository/OffsetIndexPages.h"
 
 #include <memory>
 #include <string>
@@ -16,7 +16,7 @@ namespace tavix::profiling {
 struct FieldProfile {
     repository::FieldFacts facts;
     std::unique_ptr<PackedResult> packed;
-    std::vector<repository::PlacePage> offsetIndex; ///< not set by profileField()
+    std::vector<repository::OffsetIndexPage> offsetIndex; ///< not set by profileField()
 };
 
 struct ProfilingContext {

@@ -4,7 +4,7 @@
 #include "profiling/SourceChecks.h"
 #include "profiling/TableFiles.h"
 #include "profiling/TablePrograms.h"
-#include "repository/WritablePlace.h"
+#include "repository/Schema.h"
 
 #include <fmt/format.h>
 
@@ -110,7 +110,7 @@ Result<JobPlan> planJob(const job::JobDescription& job, const std::string& repos
     plan.leftOut = std::move(found.left);
     if (Status status = Planner(plan, std::move(ask), std::move(keepGoing)).plan(); !status)
         return status.error();
-    if (Status status = repository::checkWritablePlace(repositoryPath); !status)
+    if (Status status = repository::checkWritable(repositoryPath); !status)
         return status.error();
     return plan;
 }

@@ -198,7 +198,7 @@ Result<std::vector<FieldProfile>> RunEngine::figures(TablePass& pass, const Alon
         columns[i]->closeOffsetIndex();
         return {};
     });
-    std::vector<std::vector<repository::PlacePage>> offsetIndexes(columns.size());
+    std::vector<std::vector<repository::OffsetIndexPage>> offsetIndexes(columns.size());
     if (status)
         status = divide(1 + columns.size() * 2, [&](std::size_t i) -> Status {
             if (i == 0)

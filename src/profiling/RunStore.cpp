@@ -13,7 +13,7 @@ constexpr std::chrono::minutes kPatience{10};
 std::size_t sizeOf(const FieldProfile& field) {
     const repository::FieldFacts& facts = field.facts;
     std::size_t size = sizeof(FieldProfile) + sizeof(PackedResult);
-    for (const repository::PlacePage& page : field.offsetIndex)
+    for (const repository::OffsetIndexPage& page : field.offsetIndex)
         size += sizeof page + page.bytes.size();
     for (const auto& percentile : facts.percentiles)
         size += sizeof percentile + percentile.value.str().size();
@@ -99,9 +99,9 @@ Status RunStore::beginTable(FinishedTable& table) {
     if (table.id)
         return {};
     repository::TableFacts& facts = table.report.facts;
-    facts.places = table.offsetIndex ? &*table.offsetIndex : nullptr;
+    facts.offsetIndex = table.offsetIndex ? &*table.offsetIndex : nullptr;
     const auto id = m_writer->addTable(facts);
-    facts.places = nullptr; // the table may move
+    facts.offsetIndex = nullptr; // the table may move
     if (!id)
         return id.error();
     table.id = *id;
@@ -124,7 +124,7 @@ Status RunStore::storeDistributions() {
 
 Status RunStore::store(FinishedTable& table) {
     for (FieldProfile& field : table.fields) {
-        field.facts.places = field.offsetIndex;
+        field.facts.offsetIndex = field.offsetIndex;
         if (Status status = m_writer->addField(*table.id, field.facts); !status)
             return status;
         field = {};

@@ -8,7 +8,7 @@
 #include "profiling/RepositoryOpening.h"
 #include "profiling/RunReporter.h"
 #include "profiling/TablePass.h"
-#include "repository/FilePlaces.h"
+#include "repository/FileOffsetIndex.h"
 #include "repository/RunWriter.h"
 
 #include <cstddef>
@@ -24,7 +24,7 @@ struct FinishedTable {
     std::shared_ptr<const std::vector<std::string>> columns; ///< the pass refers to them
     std::unique_ptr<TablePass> pass;
     TableReport report;
-    std::optional<repository::FilePlaces> offsetIndex;
+    std::optional<repository::FileOffsetIndex> offsetIndex;
     std::vector<FieldProfile> fields;
     std::optional<int> id; ///< in the repository, once the table was added there
 };

@@ -103,7 +103,7 @@ void TablePass::countColumn(const source::RowBlock& block, std::size_t column, s
     const std::vector<source::Cell>& cells = block.columns[column];
     ColumnValues& values = m_values[column];
     if (!m_where)
-        return values.count(std::span(cells.data(), block.rows), block.places, part);
+        return values.count(std::span(cells.data(), block.rows), block.offsets, part);
     thread_local std::vector<source::Cell> selected;
     selected.resize(m_selectedRows.size());
     for (std::size_t i = 0; i < selected.size(); ++i)
@@ -112,7 +112,7 @@ void TablePass::countColumn(const source::RowBlock& block, std::size_t column, s
 }
 
 void TablePass::takeOffsetIndex(const source::RowBlock& block) {
-    if (block.places.empty()) {
+    if (block.offsets.empty()) {
         m_keepsOffsetIndex = false;
         m_offsets.clear();
         for (ColumnValues& values : m_values)
@@ -122,14 +122,14 @@ void TablePass::takeOffsetIndex(const source::RowBlock& block) {
     if (m_offsets.empty()) {
         for (ColumnValues& values : m_values)
             values.keepOffsetIndex();
-        m_offsets.push_back(block.places.front().offset);
+        m_offsets.push_back(block.offsets.front().offset);
     }
-    for (std::size_t i = 1; i < block.places.size(); ++i)
-        m_offsets.push_back(block.places[i].offset);
+    for (std::size_t i = 1; i < block.offsets.size(); ++i)
+        m_offsets.push_back(block.offsets[i].offset);
     if (!m_where)
         return;
-    m_selectedPlaces = block.places;
-    for (source::RowPlace& place : m_selectedPlaces)
+    m_selectedPlaces = block.offsets;
+    for (source::RowOffset& place : m_selectedPlaces)
         place.row = static_cast<std::size_t>(std::lower_bound(m_selectedRows.begin(), m_selectedRows.end(), place.row) -
                                              m_selectedRows.begin());
 }

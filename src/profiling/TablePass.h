@@ -33,7 +33,7 @@ class TablePass {
     void countColumn(const source::RowBlock& block, std::size_t column, std::uint32_t part);
     /// Whether preparing this block changes what counting another one reads, so that both must not run at once.
     [[nodiscard]] bool preparingDisturbs(const source::RowBlock& block) const {
-        return m_where || (m_keepsOffsetIndex && (block.places.empty() || m_offsets.empty()));
+        return m_where || (m_keepsOffsetIndex && (block.offsets.empty() || m_offsets.empty()));
     }
     /// Keeps an offset index if the source says where its rows are. Call it before the first block.
     void keepOffsetIndex() { m_keepsOffsetIndex = true; }
@@ -76,7 +76,7 @@ class TablePass {
 
     bool m_keepsOffsetIndex = false;
     std::vector<std::int64_t> m_offsets;
-    std::vector<source::RowPlace> m_selectedPlaces; ///< of the current block, among m_selectedRows
+    std::vector<source::RowOffset> m_selectedPlaces; ///< of the current block, among m_selectedRows
 
     BlockColumns m_ruleColumns;
     std::vector<std::unique_ptr<MetricPass>>

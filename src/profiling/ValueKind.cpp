@@ -1,10 +1,9 @@
 #include "profiling/ValueKind.h"
 
+#include "base/Ascii.h"
 #include "base/Characters.h"
-#include "base/DateText.h"
+#include "base/DateTicks.h"
 #include "base/NumberText.h"
-
-#include <unicode/uchar.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -13,21 +12,11 @@ namespace tavix::profiling {
 
 namespace {
 
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 std::size_t digitsAt(std::string_view text, std::size_t at) {
     std::size_t end = at;
-    while (end < text.size() && isDigit(text[end]))
+    while (end < text.size() && isAsciiDigit(text[end]))
         ++end;
     return end - at;
-}
-
-bool equalsWord(std::string_view text, std::string_view lowerCaseWord) {
-    return text.size() == lowerCaseWord.size() &&
-           std::equal(text.begin(), text.end(), lowerCaseWord.begin(),
-                      [](char c, char word) { return (c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c) == word; });
 }
 
 /// Numbers of at most this many characters without an exponent lie within the range of a double.
@@ -73,17 +62,17 @@ std::string_view withoutSign(std::string_view integer) {
 } // namespace
 
 ValueKind kindOf(std::string_view text) {
-    if (text.empty() || isBlank(text))
+    if (isBlank(text))
         return ValueKind::None;
     const char first = text.front();
-    if (isDigit(first)) {
+    if (isAsciiDigit(first)) {
         if (text.size() >= 10 && text[4] == '-' && digitsAt(text.substr(0, 4), 0) == 4)
             return parseDate(text) ? ValueKind::Date : ValueKind::Text;
         return numberKind(text);
     }
     if (first == '-' || first == '+' || first == '.')
         return numberKind(text);
-    return equalsWord(text, "true") || equalsWord(text, "false") ? ValueKind::Boolean : ValueKind::Text;
+    return equalsIgnoringAsciiCase(text, "true") || equalsIgnoringAsciiCase(text, "false") ? ValueKind::Boolean : ValueKind::Text;
 }
 
 ValueKind joinedKind(ValueKind a, ValueKind b) {
@@ -111,19 +100,6 @@ std::optional<FieldType> typeOf(ValueKind kind) {
         break;
     }
     return std::nullopt;
-}
-
-bool isBlank(std::string_view text) {
-    std::size_t at = 0;
-    while (at < text.size()) {
-        const auto byte = static_cast<unsigned char>(text[at]);
-        if (byte > ' ' && byte < 0x7F)
-            return false;
-        const std::int32_t character = nextCharacter(text, at);
-        if (character < 0 || !u_isUWhiteSpace(character))
-            return false;
-    }
-    return !text.empty();
 }
 
 bool booleanValue(std::string_view text) {

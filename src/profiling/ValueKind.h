@@ -27,9 +27,6 @@ enum class ValueKind : std::uint8_t {
 /// The type of a field whose values are of this kind; nothing for None.
 [[nodiscard]] std::optional<FieldType> typeOf(ValueKind kind);
 
-/// Not empty, and all characters have the Unicode property White_Space.
-[[nodiscard]] bool isBlank(std::string_view text);
-
 /// The value of a Boolean.
 [[nodiscard]] bool booleanValue(std::string_view text);
 /// The value of an Integer; none when it does not fit 64 bits.

@@ -16,9 +16,9 @@ class Turning {
     explicit Turning(std::span<const ValueOffsetIndex> parts)
         : m_parts(parts), m_ranges(parts.front().ranges()), m_taken(m_ranges * parts.size()) {}
 
-    std::vector<repository::PlacePage> pages() {
-        repository::PlacePacker packer(m_ranges);
-        for (std::uint32_t first = 0; first < repository::kPlaceBuckets; first += kSlice) {
+    std::vector<repository::OffsetIndexPage> pages() {
+        repository::OffsetIndexPacker packer(m_ranges);
+        for (std::uint32_t first = 0; first < repository::kOffsetIndexBuckets; first += kSlice) {
             turn(first);
             for (std::uint32_t bucket = 0; bucket < kSlice; ++bucket)
                 if (isGivenUp(first + bucket))
@@ -82,7 +82,7 @@ void ValueOffsetIndex::endRange(BucketSet& marked) {
     m_ends.push_back(m_buckets.size());
 }
 
-std::vector<repository::PlacePage> packOffsetIndex(std::span<const ValueOffsetIndex> parts) {
+std::vector<repository::OffsetIndexPage> packOffsetIndex(std::span<const ValueOffsetIndex> parts) {
     return Turning(parts).pages();
 }
 

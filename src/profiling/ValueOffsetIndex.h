@@ -1,7 +1,7 @@
 #pragma once
 
 #include "profiling/BucketSet.h"
-#include "repository/PlacePages.h"
+#include "repository/OffsetIndexPages.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -18,7 +18,7 @@ class ValueOffsetIndex {
     [[nodiscard]] std::size_t ranges() const { return m_ends.size(); }
     /// Marks the bucket as incomplete: some of its ranges are missing.
     void giveUp(std::uint32_t bucket) {
-        m_givenUp.resize(repository::kPlaceBuckets);
+        m_givenUp.resize(repository::kOffsetIndexBuckets);
         m_givenUp[bucket] = true;
     }
     [[nodiscard]] bool isGivenUp(std::uint32_t bucket) const { return !m_givenUp.empty() && m_givenUp[bucket]; }
@@ -38,6 +38,6 @@ class ValueOffsetIndex {
 };
 
 /// Packs the index by bucket. `parts` belong to one column and have the same ranges.
-[[nodiscard]] std::vector<repository::PlacePage> packOffsetIndex(std::span<const ValueOffsetIndex> parts);
+[[nodiscard]] std::vector<repository::OffsetIndexPage> packOffsetIndex(std::span<const ValueOffsetIndex> parts);
 
 } // namespace tavix::profiling

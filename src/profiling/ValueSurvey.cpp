@@ -1,5 +1,6 @@
 #include "profiling/ValueSurvey.h"
 
+#include "base/Characters.h"
 #include "pattern/CharacterPattern.h"
 
 #include <algorithm>

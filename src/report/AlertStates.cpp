@@ -1,5 +1,6 @@
 #include "report/AlertStates.h"
 
+#include "access/CursorText.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
 #include "base/GenException.h"
@@ -18,10 +19,6 @@ namespace {
 
 constexpr int kAllTables = -1;
 
-std::string text(const ProfileCursor& cursor, int column) {
-    return cursor.getColumnValue(column).str();
-}
-
 /// The figure of the current run, and those of the runs before it that have one, the latest first.
 struct Figures {
     std::optional<double> current;
@@ -37,10 +34,10 @@ class Reader {
         }
         const ProfileCursorHandle metrics = checked(viewer.getCustomMetrics(kAllTables));
         while (metrics->next())
-            m_names[text(*metrics, layout::CustomMetricKey)] = text(*metrics, layout::CustomMetricName);
+            m_names[textAt(*metrics, layout::CustomMetricKey)] = textAt(*metrics, layout::CustomMetricName);
         const ProfileCursorHandle rules = checked(viewer.getBusinessRules(kAllTables));
         while (rules->next())
-            m_names[text(*rules, layout::RuleKey)] = text(*rules, layout::RuleName);
+            m_names[textAt(*rules, layout::RuleKey)] = textAt(*rules, layout::RuleName);
     }
 
     std::vector<AlertState> read() {
@@ -73,11 +70,11 @@ class Reader {
             state.job = static_cast<int>(*job);
         if (state.job != m_job)
             return state;
-        state.dataSource = text(alert, layout::AlertDsn);
-        const std::string object = text(alert, layout::AlertObject);
-        state.table = object.empty() ? text(alert, layout::AlertTable) : object;
-        state.subject = alertSubjectOf(text(alert, layout::AlertTypeCode));
-        state.description = text(alert, layout::AlertDescription);
+        state.dataSource = textAt(alert, layout::AlertDsn);
+        const std::string object = textAt(alert, layout::AlertObject);
+        state.table = object.empty() ? textAt(alert, layout::AlertTable) : object;
+        state.subject = alertSubjectOf(textAt(alert, layout::AlertTypeCode));
+        state.description = textAt(alert, layout::AlertDescription);
 
         AlertRule rule;
         rule.value1 = parseNumber(property("VALUE1")).value_or(0);
@@ -91,12 +88,12 @@ class Reader {
         if (state.subject == AlertSubject::StandardMetric) {
             const auto id = static_cast<int>(std::clamp<std::int64_t>(decimalPrefix(property("METRIC")), -1, 1000));
             const MetricInfo* const metric = findMetric(id);
-            state.input = text(alert, layout::AlertInput);
+            state.input = textAt(alert, layout::AlertInput);
             state.metric = metric ? metric->name : "";
             if (metric && isRule)
                 figures = metricFigures(alert, metric->id, rule);
         } else {
-            const std::string key = text(alert, layout::AlertKey);
+            const std::string key = textAt(alert, layout::AlertKey);
             const auto name = m_names.find(key);
             state.input = name == m_names.end() ? key : name->second;
             state.metric = property("METRIC");
@@ -118,7 +115,7 @@ class Reader {
         std::map<std::string, std::string> properties;
         const ProfileCursorHandle cursor = checked(m_viewer.getAlertProperties(alert));
         while (cursor->next())
-            properties[text(*cursor, layout::AlertPropertyName)] = text(*cursor, layout::AlertPropertyValue);
+            properties[textAt(*cursor, layout::AlertPropertyName)] = textAt(*cursor, layout::AlertPropertyValue);
         return properties;
     }
 
@@ -147,11 +144,11 @@ class Reader {
         const std::size_t needed = isChange(rule.comparison) ? static_cast<std::size_t>(rule.runs) : 0;
         for (int limit = m_laterRuns + 1 + static_cast<int>(needed);; limit *= 2) {
             const ProfileCursorHandle history = checked(
-                m_viewer.getFieldHistory(text(alert, layout::AlertDsn), text(alert, layout::AlertCatalog),
-                                         text(alert, layout::AlertSchema), text(alert, layout::AlertTable),
-                                         text(alert, layout::AlertObject), text(alert, layout::AlertInput), limit));
+                m_viewer.getFieldHistory(textAt(alert, layout::AlertDsn), textAt(alert, layout::AlertCatalog),
+                                         textAt(alert, layout::AlertSchema), textAt(alert, layout::AlertTable),
+                                         textAt(alert, layout::AlertObject), textAt(alert, layout::AlertInput), limit));
             Figures figures =
-                collect(history, [&](const ProfileCursor& row) { return parseNumber(text(row, column)); });
+                collect(history, [&](const ProfileCursor& row) { return parseNumber(textAt(row, column)); });
             if (limit >= m_runs || figures.earlier.size() >= needed)
                 return figures;
         }
@@ -159,17 +156,17 @@ class Reader {
 
     Figures customFigures(const std::string& key) {
         return collect(checked(m_viewer.getCustomMetricHistory(key)), [](const ProfileCursor& row) {
-            return parseNumber(text(row, layout::MetricHistoryOutputValue));
+            return parseNumber(textAt(row, layout::MetricHistoryOutputValue));
         });
     }
 
     Figures ruleFigures(const std::string& key, const AlertRule& rule) {
         return collect(checked(m_viewer.getBusinessRuleHistory(key)),
                        [&](const ProfileCursor& row) -> std::optional<double> {
-                           const auto failed = parseNumber(text(row, layout::RuleHistoryFailedRows));
+                           const auto failed = parseNumber(textAt(row, layout::RuleHistoryFailedRows));
                            if (!failed || !rule.ofFailedPercent)
                                return failed;
-                           const auto all = parseNumber(text(row, layout::RuleHistoryCheckedRows));
+                           const auto all = parseNumber(textAt(row, layout::RuleHistoryCheckedRows));
                            return all && *all > 0 ? std::optional(100 * *failed / *all) : std::nullopt;
                        });
     }

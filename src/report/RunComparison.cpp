@@ -85,8 +85,8 @@ std::vector<Computed> rulesOf(PrViewer& viewer, int table) {
     std::vector<Computed> rules;
     const ProfileCursorHandle cursor = checked(viewer, viewer.getBusinessRules(table));
     while (cursor->next()) {
-        const std::int64_t failed = KvbDatavar(cursor->getColumnValue(layout::RuleFailedRows)).toInt64();
-        const std::int64_t all = KvbDatavar(cursor->getColumnValue(layout::RuleCheckedRows)).toInt64();
+        const std::int64_t failed = cursor->getColumnInt64(layout::RuleFailedRows);
+        const std::int64_t all = cursor->getColumnInt64(layout::RuleCheckedRows);
         rules.push_back({cursor->getColumnValue(layout::RuleName).str(),
                          cursor->getColumnValue(layout::RuleCondition).str(), failed, percentOf(failed, all)});
     }
@@ -125,9 +125,7 @@ class StoredTexts final : public CountedTexts {
             if (m_pulse && row % kRowsPerPulse == 0)
                 m_pulse();
             const KvbString text = cursor->getColumnValue(textColumn);
-            // Counts of rows are whole numbers far below 2^53.
-            const auto count = static_cast<std::int64_t>(cursor->getColumnDouble(countColumn));
-            if (!visitor(text.view(), text.isNull(), count))
+            if (!visitor(text.view(), text.isNull(), cursor->getColumnInt64(countColumn)))
                 return;
         }
     }

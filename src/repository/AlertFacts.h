@@ -15,7 +15,7 @@ struct AlertFacts {
     MetricId metric = MetricId::Count; ///< of a standard metric
     std::string watched;               ///< the name of the custom metric or business rule
     AlertRule rule;
-    std::string description; ///< for people; the sentence of the alert when empty
+    std::string description; ///< for users; empty: the alert's sentence
 
     bool operator==(const AlertFacts&) const = default;
 };

@@ -13,10 +13,10 @@ namespace tavix::repository {
 
 namespace {
 
-/// What an alert on a custom metric or a rule refers to.
+/// The subject of an alert on a custom metric or a rule.
 struct Watched {
     std::string key;
-    std::string metric; ///< the name of the value
+    std::string metric; ///< name of the metric's value
 };
 
 Result<Watched> findWatched(sql::Connection& connection, const StoredAlert& alert) {
@@ -27,14 +27,11 @@ Result<Watched> findWatched(sql::Connection& connection, const StoredAlert& aler
                  : "SELECT id, '' FROM business_rule WHERE table_id = ?1 AND name = ?2");
     if (!find)
         return find.error();
-    switch (find->bind(1, alert.table).bind(2, alert.facts->watched).step()) {
-    case sql::Step::Row:
-        return Watched{fmt::format("{}{}", isMetric ? 'M' : 'B', find->integer(0)), std::string(find->text(1))};
-    case sql::Step::Failed:
-        return Error{connection.errorText()};
-    default:
-        return Error{fmt::format("There is no {} \"{}\".", isMetric ? "custom metric" : "rule", alert.facts->watched)};
-    }
+    const Error missing{
+        fmt::format("There is no {} \"{}\".", isMetric ? "custom metric" : "rule", alert.facts->watched)};
+    if (Status found = find->bind(1, alert.table).bind(2, alert.facts->watched).stepToRow(missing); !found)
+        return found.error();
+    return Watched{fmt::format("{}{}", isMetric ? 'M' : 'B', find->integer(0)), std::string(find->text(1))};
 }
 
 Status storeAlert(sql::Connection& connection, int job, const StoredAlert& alert) {

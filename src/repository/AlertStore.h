@@ -6,8 +6,9 @@
 
 #include <span>
 
-/// Alerts are kept as what a job says of them, with the rule as properties: METRIC, COMPARE, VALUE1, VALUE2, and of our
-/// own JOB (its id), LEVEL, RUNS and RECORDS. Whether one is raised follows from the figures of a run and is not kept.
+/// Stores alerts as their job defines them. The rule is stored as properties: METRIC, COMPARE, VALUE1, VALUE2, and our
+/// own JOB (its id), LEVEL, RUNS and RECORDS. Whether an alert is raised is not stored; it follows from the metrics of
+/// a run.
 namespace tavix::repository {
 
 struct StoredAlert {
@@ -17,8 +18,7 @@ struct StoredAlert {
     const AlertFacts* facts = nullptr;
 };
 
-/// Puts these in the place of the alerts that the job had, within the caller's transaction. Custom metrics and rules
-/// must have been stored.
+/// Replaces the alerts of the job, within the caller's transaction. Custom metrics and rules must already be stored.
 [[nodiscard]] Status replaceAlerts(sql::Connection& connection, int job, std::span<const StoredAlert> alerts);
 
 } // namespace tavix::repository

@@ -29,7 +29,7 @@ Status requireRedundancy(sql::Connection& connection, int redundancy) {
     return requireRow(connection, "SELECT 1 FROM redundancy WHERE id = ?1", redundancy, kRedundancy);
 }
 
-/// `id` -1 for one that is still to be made.
+/// `id` -1: not created yet.
 Status requireFreeName(sql::Connection& connection, std::string_view name, int id) {
     if (name.empty())
         return Error{"A redundant data analysis needs a name."};

@@ -7,11 +7,11 @@
 #include <span>
 #include <string_view>
 
-/// Stored key analyses, and configurations of redundant data analyses. What does not exist is an error.
-/// Each works within the caller's transaction.
+/// Stored key analyses, and configurations of redundant data analyses. All work within the caller's transaction and
+/// fail for an id that does not exist.
 namespace tavix::repository {
 
-/// What was found by comparing the values of a field with those of another one in the same run.
+/// The result of comparing the values of a field with those of another one in the same run.
 struct KeyAnalysis {
     int run = -1;
     int field = -1;
@@ -25,13 +25,13 @@ struct KeyAnalysis {
 [[nodiscard]] Status storeKeyAnalysis(sql::Connection& connection, const KeyAnalysis& analysis);
 [[nodiscard]] Status deleteKeyAnalysis(sql::Connection& connection, int run, int field, int otherField);
 
-// Names of configurations are not empty and differ from each other.
+// Names of configurations are not empty and are distinct.
 [[nodiscard]] Result<int> addRedundancy(sql::Connection& connection, std::string_view name,
                                         std::string_view description);
 [[nodiscard]] Status updateRedundancy(sql::Connection& connection, int redundancy, std::string_view name,
                                       std::string_view description);
 [[nodiscard]] Status deleteRedundancy(sql::Connection& connection, int redundancy);
-/// Puts the field at the end; it must not be there yet.
+/// Appends the field; it must not be in the configuration yet.
 [[nodiscard]] Status addRedundancyField(sql::Connection& connection, int redundancy, int field);
 [[nodiscard]] Status clearRedundancyFields(sql::Connection& connection, int redundancy);
 

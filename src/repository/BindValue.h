@@ -9,10 +9,10 @@
 #include <string_view>
 #include <variant>
 
-/// Values of the library as parameters of statements, null among them.
+/// Binds values of the library, including null, to parameters of statements.
 namespace tavix::repository {
 
-/// As the repository has instants: milliseconds since 1970, UTC.
+/// Instants as stored: milliseconds since 1970, UTC.
 [[nodiscard]] inline std::int64_t storedTime(UtcTime time) {
     return time.time_since_epoch().count();
 }

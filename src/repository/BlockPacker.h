@@ -11,17 +11,17 @@
 
 namespace tavix::repository {
 
-/// Packs rows that come one by one, in the order in which they are shown. What a block holds depends on the rows alone.
+/// Packs rows one by one, in the order of the distribution. The content of a block depends on the rows alone.
 class BlockPacker {
   public:
-    /// Whether a text of this length goes into the block that is being filled; when not, finish() has to come first.
+    /// Whether a text of this length fits the current block; if not, finish() must come first.
     [[nodiscard]] bool hasRoomFor(std::size_t length) const {
         return m_rows < kRowsPerBlock && (m_rows == 0 || m_textSize + length <= kTextPerBlock);
     }
     [[nodiscard]] bool isEmpty() const { return m_rows == 0; }
-    /// Copies the row. Fails on a value beyond kLongestValue and on a second null.
+    /// Copies the row. Fails for a value longer than kLongestValue and for a second null.
     [[nodiscard]] Status add(const ValueCount& row);
-    /// Packs the rows, of which there must be one, and begins the next block. The payload lives until the next call.
+    /// Packs the rows, at least one, and begins the next block. The payload is valid until the next call.
     [[nodiscard]] PackedBlock finish();
 
   private:
@@ -31,12 +31,12 @@ class BlockPacker {
     void writeRests(char* target) const;
     void beginNext();
 
-    // Of each list the first m_rows are of this block.
+    // Of each list, the first m_rows belong to this block.
     std::size_t m_rows = 0;
     std::vector<std::uint64_t> m_counts;
     std::vector<std::uint32_t> m_lengths;
-    std::vector<std::uint8_t> m_shared; ///< with the text before; made by findShared()
-    std::unique_ptr<char[]> m_text;     ///< whole texts, one after the other; room to read behind them
+    std::vector<std::uint8_t> m_shared; ///< length of the prefix shared with the text before; set by findShared()
+    std::unique_ptr<char[]> m_text;     ///< whole texts, concatenated; readable bytes follow
     std::size_t m_textSize = 0;
     std::size_t m_textRoom = 0;
     std::int64_t m_firstRow = 0;

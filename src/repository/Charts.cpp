@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::string_view kChart = "chart";
 
-/// `insert` and `update` take the chart, its owner, its name and its description.
+/// `insert` and `update` have the parameters chart, owner, name and description.
 Result<int> putChart(sql::Connection& connection, std::string_view insert, std::string_view update, int chart,
                      int owner, std::string_view name, std::string_view description) {
     if (name.empty())

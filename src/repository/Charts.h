@@ -5,10 +5,11 @@
 
 #include <string_view>
 
-/// Chart definitions: a chart of a table or of a category, with named text properties. What does not exist is an error.
+/// Chart definitions: a chart of a table or of a category, with named text properties. All fail for an id that does not
+/// exist.
 namespace tavix::repository {
 
-// Each makes a chart, or changes the one with the id `chart` when that is not -1, and returns its id.
+// Creates a chart, or changes the one with the id `chart` unless that is -1, and returns its id.
 [[nodiscard]] Result<int> putTableChart(sql::Connection& connection, int chart, int table, std::string_view name,
                                         std::string_view description);
 [[nodiscard]] Result<int> putCategoryChart(sql::Connection& connection, int chart, int category, std::string_view name,

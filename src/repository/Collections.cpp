@@ -8,7 +8,7 @@ namespace tavix::repository {
 
 namespace {
 
-/// The fields of table ?1 that no run has.
+/// The fields of table ?1 that are in no run.
 constexpr std::string_view kStaleFields = "(SELECT f.id FROM field f WHERE f.table_id = ?1 AND NOT EXISTS "
                                           "(SELECT 1 FROM run_field rf JOIN run r ON r.id = rf.run "
                                           "WHERE rf.field = f.id))";
@@ -26,7 +26,7 @@ Result<int> collectionIdentity(sql::Connection& connection, std::string_view nam
     if (insert->step() != sql::Step::Row)
         return Error{connection.errorText()};
     int id = static_cast<int>(insert->integer(0));
-    // The change happens at the end of the statement.
+    // The change takes effect at the end of the statement.
     if (insert->step() != sql::Step::Done)
         return Error{connection.errorText()};
     return id;

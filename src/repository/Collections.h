@@ -9,15 +9,15 @@
 /// Collections of fields, which span all jobs of a repository.
 namespace tavix::repository {
 
-/// Finds the collection of this name or makes it. A description that is not empty replaces the old one.
+/// Finds or creates the collection of this name. A non-empty description replaces the old one.
 [[nodiscard]] Result<int> collectionIdentity(sql::Connection& connection, std::string_view name,
                                              std::string_view description, UtcTime now);
 [[nodiscard]] Result<bool> collectionHolds(sql::Connection& connection, int collection, int field);
-/// Puts the field at the end. The collection must not hold it yet.
+/// Appends the field, which the collection must not contain yet.
 [[nodiscard]] Status addToCollection(sql::Connection& connection, int collection, int field);
-/// Whether a collection holds a field of the table that no run has any more.
+/// Whether a collection contains a field of the table that is in no run any more.
 [[nodiscard]] Result<bool> hasStaleFields(sql::Connection& connection, int table);
-/// Takes those fields out of their collections.
+/// Removes those fields from their collections.
 [[nodiscard]] Status removeStaleFields(sql::Connection& connection, int table);
 
 } // namespace tavix::repository

@@ -36,7 +36,7 @@ Result<sql::Statement> insertHashes(sql::Connection& connection, int run, int fi
     return insert;
 }
 
-/// The block may hold the text: all of its bytes occur.
+/// Whether the block may contain the text: all of its bytes occur.
 bool mayHold(std::span<const std::byte> presence, std::string_view text) {
     if (presence.size() != std::tuple_size_v<BytePresence>)
         return true;

@@ -16,14 +16,7 @@ Status requireRow(sql::Connection& connection, std::string_view sql, int id, std
     auto select = connection.prepare(sql);
     if (!select)
         return select.error();
-    switch (select->bind(1, id).step()) {
-    case sql::Step::Row:
-        return {};
-    case sql::Step::Done:
-        return missing(what, id);
-    default:
-        return Error{connection.errorText()};
-    }
+    return select->bind(1, id).stepToRow(missing(what, id));
 }
 
 Result<std::int64_t> readNumber(sql::Connection& connection, std::string_view sql,
@@ -34,14 +27,9 @@ Result<std::int64_t> readNumber(sql::Connection& connection, std::string_view sq
     int number = 0;
     for (std::int64_t parameter : parameters)
         select->bind(++number, parameter);
-    switch (select->step()) {
-    case sql::Step::Row:
-        return select->integer(0);
-    case sql::Step::Done:
-        return Error{"A row of the repository is missing."};
-    default:
-        return Error{connection.errorText()};
-    }
+    if (Status found = select->stepToRow({"A row of the repository is missing."}); !found)
+        return found.error();
+    return select->integer(0);
 }
 
 Status requireTable(sql::Connection& connection, int table) {

@@ -13,14 +13,14 @@
 #include <string_view>
 #include <vector>
 
-/// What a run of a job says about tables and fields: the plain values that the runner hands to a RunWriter.
+/// The content of a run: the plain values that the runner passes to a RunWriter.
 namespace tavix::repository {
 
 class PackedField;
-struct FilePlaces;
-struct PlacePage;
+struct FileOffsetIndex;
+struct OffsetIndexPage;
 
-/// How a data source is reached; the number stands in the repository.
+/// How a data source is reached, by its number in the repository.
 enum class SourceKind {
     Odbc = 0, ///< through a data source name
     File = 4, ///< files read by our own readers
@@ -28,7 +28,7 @@ enum class SourceKind {
 
 using tavix::TableKind;
 
-/// One file of a table, and what was found in it.
+/// One file of a table, and what reading it found.
 struct FileFacts {
     std::string path;     ///< absolute
     char delimiter = ','; ///< 0: the lines were not split
@@ -40,7 +40,7 @@ struct FileFacts {
     bool operator==(const FileFacts&) const = default;
 };
 
-/// How a text file was read. Of a table of several files, how the last one was.
+/// How a text file was read; for a table of several files, how the last one was.
 struct TextFileFacts {
     std::string path; ///< absolute
     char delimiter = ',';
@@ -50,7 +50,7 @@ struct TextFileFacts {
     std::int64_t size = 0; ///< bytes, of all files
     UtcTime modified{};
     char quote = '"';               ///< 0: none
-    std::vector<FileFacts> files{}; ///< when the table is made of several, in their order
+    std::vector<FileFacts> files{}; ///< if the table is made of several, in their order
 
     bool operator==(const TextFileFacts&) const = default;
 };
@@ -67,21 +67,21 @@ struct TableFacts {
     std::string filter;
     std::string alternateFilter;
     bool isTextFile = false;
-    TextFileFacts textFile; ///< when isTextFile
-    /// Of a table that was read from a database: how it was reached, such as "DSN=shop", without user and password.
+    TextFileFacts textFile; ///< if isTextFile
+    /// How a database was reached, such as "DSN=shop", without user and password; none for other tables.
     std::optional<std::string> connection;
-    /// The user that the job names for it; empty when it names none.
+    /// The database user in the job; empty if the job names none.
     std::string connectionUser;
-    /// Where the values of its fields can be found again, when that was noted. Borrowed.
-    const FilePlaces* places = nullptr;
+    /// The ranges of its file to which the offset indexes of its fields refer; null without an index. Borrowed.
+    const FileOffsetIndex* offsetIndex = nullptr;
     std::int64_t totalRecords = 0;
     std::int64_t processedRecords = 0;
-    std::int64_t damagedRecords = 0; ///< rows that were not as they should be; the execution log lists them
+    std::int64_t damagedRecords = 0; ///< damaged rows; the execution log lists them
 };
 
 /// One row of a distribution. The text is borrowed.
 struct ValueCount {
-    std::string_view value; ///< empty when null
+    std::string_view value; ///< empty if null
     std::uint64_t count = 0;
     bool isNull = false;
 };
@@ -93,7 +93,7 @@ struct Percentile {
 
 enum class OutlierSide : char { Low = 'L', High = 'H' };
 
-/// How far out an outlier lies: beyond 1.5 or 3.0 times the distance of the quartiles.
+/// How far out an outlier lies: beyond 1.5 or 3.0 times the interquartile range.
 enum class Fence { Inside = 0, Outer15 = 1, Outer30 = 2 };
 
 struct Outlier {
@@ -107,22 +107,22 @@ struct Outlier {
 struct FieldFacts {
     std::string name;
     int ordinal = 0;   ///< from 1, in the order of the table
-    char typeCode = 0; ///< S text, I integer, R real, D date/time, B boolean; 0 when it has no value to tell
+    char typeCode = 0; ///< S text, I integer, R real, D date/time, B boolean; 0 without values
     std::array<KvbDatavar, kMetricCount> metrics;
-    /// Which rule gave the median and the percentiles, as docs/definitions.md names it; empty when there are none.
+    /// The rule for the median and the percentiles, as docs/definitions.md names it; empty without them.
     std::string quantileRule;
     std::vector<Percentile> percentiles;
     std::vector<Outlier> outliers;
-    /// In the order in which they are shown: count descending, then null first, then value by code point.
+    /// In the order of display: count descending, then null first, then value by code point.
     std::span<const ValueCount> values;
     std::span<const ValueCount> patterns;
-    /// Where not null, the two distributions are here instead. Borrowed.
+    /// If not null, holds the two distributions instead. Borrowed.
     PackedField* packed = nullptr;
-    /// In which ranges of the table's places the values stand; none when that was not noted. Borrowed.
-    std::span<const PlacePage> places;
+    /// Which ranges of the table's file hold its values; empty without an index. Borrowed.
+    std::span<const OffsetIndexPage> offsetIndex;
 };
 
-/// What a custom metric reads: a field's values, or one of its metrics.
+/// An input of a custom metric: a field's values, or one of its metrics.
 struct MetricInput {
     std::string field;
     std::optional<MetricId> metric;
@@ -133,12 +133,12 @@ struct MetricInput {
 struct CustomMetricFacts {
     std::string name;
     std::string outputName;
-    bool isOverMetrics = false; ///< computed from the table's other metrics, else from its rows
-    std::string figure;         ///< count, sum, average, min, max; metric when it is computed from metrics
+    bool isOverMetrics = false; ///< computed from other metrics of the table, else from its rows
+    std::string figure;         ///< count, sum, average, min, max; metric if computed from metrics
     std::string expression;
     std::vector<MetricInput> inputs;
     KvbDatavar value;
-    std::int64_t usedRows = 0;  ///< rows that took part; of no meaning over metrics
+    std::int64_t usedRows = 0;  ///< rows that took part; meaningless if isOverMetrics
     std::int64_t errorRows = 0; ///< rows that could not be evaluated
 };
 
@@ -153,9 +153,9 @@ struct BusinessRuleFacts {
     std::string condition;
     std::vector<std::string> inputs; ///< fields of the table
     std::int64_t checkedRows = 0;
-    std::int64_t failedRows = 0;         ///< rows for which the condition is not true, those that failed among them
+    std::int64_t failedRows = 0;         ///< rows for which the condition is not true or could not be evaluated
     std::int64_t errorRows = 0;          ///< rows for which it could not be evaluated
-    std::vector<std::string> logColumns; ///< of the row log: the key, then inputs that are no part of it
+    std::vector<std::string> logColumns; ///< of the row log: the key, then inputs outside the key
     std::size_t keyColumns = 0;
     std::vector<RuleRow> log; ///< the first violations
 };

@@ -6,7 +6,7 @@ namespace tavix::repository {
 
 namespace {
 
-/// Runs the bound `find`; when it has no row, the bound `insert`.
+/// Runs the bound `find`; if it has no row, the bound `insert`.
 Result<int> findOrMake(sql::Connection& connection, sql::Statement& find, sql::Statement& insert) {
     switch (find.step()) {
     case sql::Step::Row: {
@@ -79,6 +79,16 @@ Result<int> fieldIdentity(sql::Connection& connection, int table, std::string_vi
     for (auto* statement : {&*find, &*insert})
         statement->bind(1, table).bind(2, name);
     return findOrMake(connection, *find, *insert);
+}
+
+Result<int> fieldOfRun(sql::Connection& connection, int run, int table, std::string_view name, const Error& missing) {
+    auto find = connection.prepare("SELECT f.id FROM field f JOIN run_field rf ON rf.field = f.id AND rf.run = ?1 "
+                                   "WHERE f.table_id = ?2 AND f.name = ?3");
+    if (!find)
+        return find.error();
+    if (Status found = find->bind(1, run).bind(2, table).bind(3, name).stepToRow(missing); !found)
+        return found.error();
+    return static_cast<int>(find->integer(0));
 }
 
 } // namespace tavix::repository

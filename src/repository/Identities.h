@@ -6,17 +6,21 @@
 
 #include <string_view>
 
-/// The ids of jobs, data sources, tables and fields. They name the same object in every run of every job.
+/// The ids of jobs, data sources, tables and fields, which are the same in every run of every job.
 namespace tavix::repository {
 
-/// What a table is called in text: the object name, else the table name.
+/// The name of a table in messages: the object name, else the table name.
 [[nodiscard]] std::string_view displayName(const TableFacts& table);
 
-// Each finds the id or makes it, within the caller's transaction.
+// Finds or creates the id, within the caller's transaction.
 [[nodiscard]] Result<int> jobIdentity(sql::Connection& connection, std::string_view name, std::string_view description,
                                       UtcTime now);
 [[nodiscard]] Result<int> dataSourceIdentity(sql::Connection& connection, std::string_view name, SourceKind kind);
 [[nodiscard]] Result<int> tableIdentity(sql::Connection& connection, int dataSource, const TableFacts& table);
 [[nodiscard]] Result<int> fieldIdentity(sql::Connection& connection, int table, std::string_view name);
+
+/// The id of a field that is in the run's table; `missing` is the error if none has this name.
+[[nodiscard]] Result<int> fieldOfRun(sql::Connection& connection, int run, int table, std::string_view name,
+                                     const Error& missing);
 
 } // namespace tavix::repository

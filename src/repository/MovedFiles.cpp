@@ -10,14 +10,14 @@ namespace tavix::repository {
 
 namespace {
 
-constexpr std::int64_t kFilesSince = 4; ///< the version that brought run_file
-constexpr std::int64_t kMovesSince = 6; ///< and the one that brought moved_file and the size of each file
+constexpr std::int64_t kFilesSince = 4; ///< the version that added run_file
+constexpr std::int64_t kMovesSince = 6; ///< the version that added moved_file and the size of each file
 
-/// Nobody locates more by hand.
+/// More files than anybody locates by hand.
 constexpr const char* kMoves =
     "SELECT path, size, modified, new_path FROM moved_file ORDER BY found DESC, path LIMIT 10000";
 
-// A table of one file says its size and time itself; one of several is named by their pattern.
+// A table of one file has its size and time in run_table; the path of one of several is their pattern.
 constexpr std::string_view kFilesOfTables =
     "SELECT file_path, COALESCE(file_size, -1), COALESCE(file_modified, -1) FROM run_table WHERE file_path = ?1";
 constexpr std::string_view kFilesOfSets = " UNION SELECT f.path, {}, {} FROM run_file f JOIN run_table t "

@@ -8,14 +8,14 @@
 #include <string>
 #include <vector>
 
-/// Where files are that were moved after a run had read them.
+/// Where files are that were moved after a run read them.
 namespace tavix::repository {
 
 /// A file as a run read it.
 struct ReadFile {
     std::string path;
-    std::int64_t size = -1;     ///< bytes; -1 when no run says it
-    std::int64_t modified = -1; ///< as storedTime() has it; -1 likewise
+    std::int64_t size = -1;     ///< bytes; -1: unknown
+    std::int64_t modified = -1; ///< see storedTime(); -1: unknown
 
     bool operator==(const ReadFile&) const = default;
 };
@@ -25,9 +25,9 @@ struct MovedFile {
     std::string newPath;
 };
 
-/// The newest first; none in a repository that is older than they are.
+/// The newest first; empty in a repository older than version 6.
 [[nodiscard]] Result<std::vector<MovedFile>> readMovedFiles(sql::Connection& connection);
-/// In place of what was known of this file. Within the caller's transaction.
+/// Replaces the entry of this file, within the caller's transaction.
 [[nodiscard]] Status storeMovedFile(sql::Connection& connection, const MovedFile& moved, UtcTime now);
 
 /// Every file that a run read at this path, by size and time.

@@ -33,7 +33,7 @@ Status deleteById(sql::Connection& connection, std::string_view sql, int id, std
     return changeRow(connection, *statement, id, what);
 }
 
-/// `id` -1 for a category that is still to be made.
+/// `id` -1: not created yet.
 Status requireFreeName(sql::Connection& connection, std::string_view name, int id) {
     auto select = connection.prepare("SELECT name FROM note_category WHERE id <> ?1");
     if (!select)
@@ -53,7 +53,7 @@ Status requireOwner(sql::Connection& connection, NoteOwner kind, int owner) {
     return kind == NoteOwner::Table ? requireTable(connection, owner) : requireCollection(connection, owner);
 }
 
-/// No foreign key watches over what a note of a table or collection speaks of.
+/// The owner of a note has no foreign key.
 Status requireOwnerOf(sql::Connection& connection, int note) {
     auto select = connection.prepare("SELECT owner_kind, owner FROM table_note WHERE id = ?1");
     if (!select)
@@ -63,23 +63,34 @@ Status requireOwnerOf(sql::Connection& connection, int note) {
         return requireOwner(connection, select->text(0) == "C" ? NoteOwner::Collection : NoteOwner::Table,
                             static_cast<int>(select->integer(1)));
     case sql::Step::Done:
-        return {}; // the change itself says that there is no such note
+        return {}; // changeRow() reports the missing note
     default:
         return Error{connection.errorText()};
     }
 }
 
-Status changeNote(sql::Connection& connection, std::string_view sql, int note, int category, std::string_view text) {
-    const std::string tidied = tidyNote(text);
+/// The text to store; fails unless it is valid, the owner exists, and the category does.
+Result<std::string> checkedNote(sql::Connection& connection, const Status& ownerExists, int category,
+                                std::string_view text) {
+    std::string tidied = tidyNote(text);
     if (auto checked = checkNote(tidied); !checked)
-        return checked;
+        return checked.error();
+    if (!ownerExists)
+        return ownerExists.error();
     if (auto checked = requireCategory(connection, category); !checked)
-        return checked;
+        return checked.error();
+    return tidied;
+}
+
+Status changeNote(sql::Connection& connection, std::string_view sql, int note, int category, std::string_view text) {
+    const auto tidied = checkedNote(connection, {}, category, text);
+    if (!tidied)
+        return tidied.error();
     auto update = connection.prepare(sql);
     if (!update)
         return update.error();
     bindCategory(*update, 2, category);
-    update->bind(1, note).bind(3, std::string_view(tidied));
+    update->bind(1, note).bind(3, std::string_view(*tidied));
     return changeRow(connection, *update, note, "note");
 }
 
@@ -87,13 +98,9 @@ Status changeNote(sql::Connection& connection, std::string_view sql, int note, i
 
 Status addTableNote(sql::Connection& connection, NoteOwner kind, int owner, int category, std::string_view author,
                     std::string_view text, UtcTime written) {
-    const std::string tidied = tidyNote(text);
-    if (auto checked = checkNote(tidied); !checked)
-        return checked;
-    if (auto exists = requireOwner(connection, kind, owner); !exists)
-        return exists;
-    if (auto checked = requireCategory(connection, category); !checked)
-        return checked;
+    const auto tidied = checkedNote(connection, requireOwner(connection, kind, owner), category, text);
+    if (!tidied)
+        return tidied.error();
     auto insert = connection.prepare("INSERT INTO table_note(owner_kind, owner, category, author, written, text) "
                                      "VALUES(?1, ?2, ?3, ?4, ?5, ?6)");
     if (!insert)
@@ -102,19 +109,15 @@ Status addTableNote(sql::Connection& connection, NoteOwner kind, int owner, int 
     insert->bind(1, std::string_view(&letter, 1)).bind(2, owner);
     bindCategory(*insert, 3, category);
     insert->bind(4, author).bind(5, storedTime(written));
-    insert->bind(6, std::string_view(tidied));
+    insert->bind(6, std::string_view(*tidied));
     return insert->run();
 }
 
 Status addFieldNote(sql::Connection& connection, int field, int category, std::string_view author,
                     std::string_view text, UtcTime written) {
-    const std::string tidied = tidyNote(text);
-    if (auto checked = checkNote(tidied); !checked)
-        return checked;
-    if (auto exists = requireField(connection, field); !exists)
-        return exists;
-    if (auto checked = requireCategory(connection, category); !checked)
-        return checked;
+    const auto tidied = checkedNote(connection, requireField(connection, field), category, text);
+    if (!tidied)
+        return tidied.error();
     auto insert = connection.prepare("INSERT INTO field_note(field, category, author, written, text) "
                                      "VALUES(?1, ?2, ?3, ?4, ?5)");
     if (!insert)
@@ -122,7 +125,7 @@ Status addFieldNote(sql::Connection& connection, int field, int category, std::s
     insert->bind(1, field);
     bindCategory(*insert, 2, category);
     insert->bind(3, author).bind(4, storedTime(written));
-    insert->bind(5, std::string_view(tidied));
+    insert->bind(5, std::string_view(*tidied));
     return insert->run();
 }
 

@@ -12,18 +12,18 @@
 #include <string_view>
 #include <vector>
 
-/// The packed form of a distribution: blocks of rows as docs/formats/distribution.md describes them.
+/// The packed form of a distribution: blocks of rows, see docs/formats/distribution.md.
 namespace tavix::repository {
 
-/// Cuts a distribution into blocks, one after the other. The rows are borrowed, never copied as a whole.
+/// Splits a distribution into blocks, one after the other. The rows are borrowed, never copied as a whole.
 class DistributionPacker {
   public:
     explicit DistributionPacker(std::span<const ValueCount> rows) : m_rows(rows) {}
 
-    /// Packs the next block; false at the end. Fails on a value beyond kLongestValue and on a second null.
+    /// Packs the next block; false at the end. Fails for a value longer than kLongestValue and for a second null.
     [[nodiscard]] Result<bool> next();
 
-    /// What next() made; valid until the next call.
+    /// The current block; valid until the next call of next().
     [[nodiscard]] const PackedBlock& block() const { return m_block; }
 
   private:
@@ -33,10 +33,10 @@ class DistributionPacker {
     PackedBlock m_block;
 };
 
-/// The 64-bit hash by which values are matched without their texts.
+/// The 64-bit hash that matches values without their texts.
 [[nodiscard]] std::uint64_t hashValue(std::string_view value);
 
-/// The hashes of all values but null, ascending.
+/// The hashes of all non-null values, ascending.
 [[nodiscard]] std::vector<std::uint64_t> sortedHashes(std::span<const ValueCount> rows);
 
 } // namespace tavix::repository

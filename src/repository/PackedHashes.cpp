@@ -14,8 +14,8 @@ namespace tavix::repository {
 namespace {
 
 constexpr std::uint8_t kVersion = 1;
-/// Measured on random hashes: groups of 32 take half a percent less, and four times as many loops; groups of 256 take
-/// a thousandth more.
+/// Measured on random hashes: groups of 32 save half a percent for four times as many loops; groups of 256 take a
+/// thousandth more.
 constexpr std::size_t kGroup = 128;
 constexpr std::size_t kWord = sizeof(std::uint64_t);
 
@@ -32,7 +32,8 @@ std::size_t bytesOf(std::size_t numbers, std::size_t width) {
     return (numbers * width + 7) / 8;
 }
 
-/// Writes numbers of `width` bits one after the other, from the lowest bit of a byte on. Writes up to a word beyond.
+/// Writes numbers of `width` bits one after the other, starting at the lowest bit of a byte. Writes up to a word beyond
+/// the end.
 void packBits(std::span<const std::uint64_t> numbers, unsigned width, std::byte* target) {
     std::uint64_t word = 0;
     unsigned filled = 0;
@@ -44,13 +45,13 @@ void packBits(std::span<const std::uint64_t> numbers, unsigned width, std::byte*
         storeAs<std::uint64_t>(target, 0, word);
         target += kWord;
         filled -= 64;
-        // What did not fit; a shift by all 64 bits would be none.
+        // The rest that did not fit; shifting by all 64 bits would be undefined.
         word = filled == 0 ? 0 : number >> (width - filled);
     }
     storeAs<std::uint64_t>(target, 0, word);
 }
 
-/// Reads them again; a word behind the last one must be readable.
+/// Reads these numbers; a word after the last one must be readable.
 void unpackBits(const std::byte* source, unsigned width, std::span<std::uint64_t> numbers) {
     const std::uint64_t mask = width == 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << width) - 1;
     std::size_t bit = 0;
@@ -87,7 +88,7 @@ std::vector<std::byte> packSortedHashes(std::span<const std::uint64_t> hashes) {
     header.count = static_cast<std::uint32_t>(hashes.size());
     header.first = hashes.empty() ? 0 : hashes.front();
     const std::size_t differences = hashes.empty() ? 0 : hashes.size() - 1;
-    // Room for the widest groups: 64 bits each, a width each, and a word behind the last.
+    // Space for the widest groups: 64 bits each, a width each, and a word after the last.
     std::vector<std::byte> packed(sizeof header + differences * kWord + differences / kGroup + 1 + 2 * kWord);
     std::byte* place = packed.data() + sizeof header;
     std::array<std::uint64_t, kGroup> group{};
@@ -124,7 +125,7 @@ Result<std::vector<std::uint64_t>> unpackHashes(std::span<const std::byte> bytes
         return damaged();
     if (header.version != kVersion)
         return Error{fmt::format("Stored hashes have the form {}, which this program does not know.", header.version)};
-    // A group takes a byte at least.
+    // A group takes at least a byte.
     if (header.count > kHashesPerChunk || header.count > 1 + (bytes.size() - sizeof header) * kGroup)
         return damaged();
 
@@ -143,7 +144,7 @@ Result<std::vector<std::uint64_t>> unpackHashes(std::span<const std::byte> bytes
         const std::size_t stored = bytesOf(size, width);
         if (width > 64 || stored > rest.size())
             return damaged();
-        // Where no two words may be read behind the group, from a copy with room.
+        // If two words after the group are not readable, decode a padded copy.
         const std::byte* source = rest.data();
         if (rest.size() < stored + 2 * kWord) {
             std::memcpy(copy.data(), source, stored);

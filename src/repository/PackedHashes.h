@@ -7,14 +7,14 @@
 #include <span>
 #include <vector>
 
-/// The stored form of the hashes of a field's values, as docs/formats/distribution.md describes it.
+/// The stored form of the hashes of a field's values, see docs/formats/distribution.md.
 namespace tavix::repository {
 
-/// `hashes` must ascend and be at most kHashesPerChunk.
+/// `hashes` must ascend and number at most kHashesPerChunk.
 [[nodiscard]] std::vector<std::byte> packSortedHashes(std::span<const std::uint64_t> hashes);
 
-/// Reads what packSortedHashes() made and the form before it, 8 bytes for each hash. Any bytes may be given: what is
-/// no whole, unharmed chunk of ascending hashes is an error.
+/// Reads the format of packSortedHashes() and its predecessor, 8 bytes for each hash. Accepts any bytes: all but a
+/// whole, undamaged chunk of ascending hashes are an error.
 [[nodiscard]] Result<std::vector<std::uint64_t>> unpackHashes(std::span<const std::byte> bytes);
 
 } // namespace tavix::repository

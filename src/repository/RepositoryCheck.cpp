@@ -15,7 +15,7 @@ namespace tavix::repository {
 
 namespace {
 
-/// Of an index or a page; more would be no help.
+/// Findings for the file that are listed; more would not help.
 constexpr int kMostProblems = 20;
 
 struct NamedId {
@@ -23,7 +23,7 @@ struct NamedId {
     std::string name;
 };
 
-/// The rows of a query that gives numbers with names.
+/// The rows of a query of names and numbers.
 Result<std::vector<NamedId>> readNames(sql::Connection& connection, std::string_view sql,
                                        std::initializer_list<int> parameters) {
     auto select = connection.prepare(sql);
@@ -47,7 +47,7 @@ class RunCheck {
         : m_connection(connection), m_run(run), m_report(report) {}
 
     Status check() {
-        // The rows of a run that is deleted meanwhile go one after the other.
+        // Otherwise a concurrent deletion would remove rows during the check.
         auto snapshot = sql::Snapshot::begin(m_connection);
         if (!snapshot)
             return snapshot.error();

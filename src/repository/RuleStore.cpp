@@ -1,6 +1,7 @@
 #include "repository/RuleStore.h"
 
 #include "repository/BindValue.h"
+#include "repository/Identities.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -26,14 +27,14 @@ std::string listOf(const std::vector<KvbString>& texts) {
     return listText(list);
 }
 
-/// The id of the table's thing of this name, made when it is not there.
-Result<int> identity(sql::Connection& connection, std::string_view what, int table, const std::string& name) {
-    auto insert = connection.prepare(fmt::format("INSERT OR IGNORE INTO {}(table_id, name) VALUES(?1, ?2)", what));
+/// The id of the table's metric or rule of this name, which is created if necessary; `kind` is the name of its table.
+Result<int> identity(sql::Connection& connection, std::string_view kind, int table, const std::string& name) {
+    auto insert = connection.prepare(fmt::format("INSERT OR IGNORE INTO {}(table_id, name) VALUES(?1, ?2)", kind));
     if (!insert)
         return insert.error();
     if (auto done = insert->bind(1, table).bind(2, name).run(); !done)
         return done.error();
-    auto find = connection.prepare(fmt::format("SELECT id FROM {} WHERE table_id = ?1 AND name = ?2", what));
+    auto find = connection.prepare(fmt::format("SELECT id FROM {} WHERE table_id = ?1 AND name = ?2", kind));
     if (!find)
         return find.error();
     if (find->bind(1, table).bind(2, name).step() != sql::Step::Row)
@@ -41,20 +42,16 @@ Result<int> identity(sql::Connection& connection, std::string_view what, int tab
     return static_cast<int>(find->integer(0));
 }
 
-/// The id of a field that the run has in the table.
-Result<int> fieldOfRun(sql::Connection& connection, const PlaceInRun& place, const std::string& name) {
-    auto find = connection.prepare("SELECT f.id FROM field f JOIN run_field rf ON rf.field = f.id AND rf.run = ?1 "
-                                   "WHERE f.table_id = ?2 AND f.name = ?3");
-    if (!find)
-        return find.error();
-    switch (find->bind(1, place.run).bind(2, place.table).bind(3, name).step()) {
-    case sql::Step::Row:
-        return static_cast<int>(find->integer(0));
-    case sql::Step::Failed:
-        return Error{connection.errorText()};
-    default:
-        return Error{fmt::format("The table has no field \"{}\".", name)};
-    }
+Result<int> inputField(sql::Connection& connection, const PlaceInRun& place, const std::string& name) {
+    return fieldOfRun(connection, place.run, place.table, name, {fmt::format("The table has no field \"{}\".", name)});
+}
+
+/// Prepares the insert of a metric's or rule's row in a run, with run, table, position and id bound as 1 to 4.
+Result<sql::Statement> insertInRun(sql::Connection& connection, std::string_view sql, const PlaceInRun& place, int id) {
+    auto insert = connection.prepare(sql);
+    if (insert)
+        insert->bind(1, place.run).bind(2, place.table).bind(3, place.position).bind(4, id);
+    return insert;
 }
 
 Status storeRows(sql::Connection& connection, int run, int rule, const std::vector<RuleRow>& rows) {
@@ -78,12 +75,14 @@ Status storeCustomMetric(sql::Connection& connection, const PlaceInRun& place, c
     auto metric = identity(connection, "custom_metric", place.table, facts.name);
     if (!metric)
         return metric.error();
-    auto insert = connection.prepare(
+    auto insert = insertInRun(
+        connection,
         "INSERT INTO run_custom_metric(run, table_id, position, metric, output_name, kind, figure, expression, value, "
-        "used_rows, error_rows) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10,?11)");
+        "used_rows, error_rows) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10,?11)",
+        place, *metric);
     if (!insert)
         return insert.error();
-    insert->bind(1, place.run).bind(2, place.table).bind(3, place.position).bind(4, *metric).bind(5, facts.outputName);
+    insert->bind(5, facts.outputName);
     insert->bind(6, facts.isOverMetrics ? "metrics" : "rows").bind(7, facts.figure).bind(8, facts.expression);
     bindValue(*insert, 9, facts.value);
     if (facts.isOverMetrics)
@@ -99,7 +98,7 @@ Status storeCustomMetric(sql::Connection& connection, const PlaceInRun& place, c
         return input.error();
     int position = 0;
     for (const MetricInput& one : facts.inputs) {
-        auto field = fieldOfRun(connection, place, one.field);
+        auto field = inputField(connection, place, one.field);
         if (!field)
             return field.error();
         input->bind(1, place.run).bind(2, *metric).bind(3, position++).bind(4, *field);
@@ -117,13 +116,14 @@ Status storeBusinessRule(sql::Connection& connection, const PlaceInRun& place, c
     auto rule = identity(connection, "business_rule", place.table, facts.name);
     if (!rule)
         return rule.error();
-    auto insert = connection.prepare(
+    auto insert = insertInRun(
+        connection,
         "INSERT INTO run_rule(run, table_id, position, rule, condition, checked_rows, failed_rows, error_rows, "
-        "logged_rows, log_columns, key_columns) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10,?11)");
+        "logged_rows, log_columns, key_columns) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10,?11)",
+        place, *rule);
     if (!insert)
         return insert.error();
-    insert->bind(1, place.run).bind(2, place.table).bind(3, place.position).bind(4, *rule).bind(5, facts.condition);
-    insert->bind(6, facts.checkedRows).bind(7, facts.failedRows).bind(8, facts.errorRows);
+    insert->bind(5, facts.condition).bind(6, facts.checkedRows).bind(7, facts.failedRows).bind(8, facts.errorRows);
     insert->bind(9, static_cast<std::int64_t>(facts.log.size())).bind(10, std::string_view(listOf(facts.logColumns)));
     if (auto done = insert->bind(11, static_cast<std::int64_t>(facts.keyColumns)).run(); !done)
         return done;
@@ -133,7 +133,7 @@ Status storeBusinessRule(sql::Connection& connection, const PlaceInRun& place, c
         return input.error();
     int position = 0;
     for (const std::string& name : facts.inputs) {
-        auto field = fieldOfRun(connection, place, name);
+        auto field = inputField(connection, place, name);
         if (!field)
             return field.error();
         if (auto done = input->bind(1, place.run).bind(2, *rule).bind(3, position++).bind(4, *field).run(); !done)

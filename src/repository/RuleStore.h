@@ -7,15 +7,15 @@
 #include <string_view>
 #include <vector>
 
-/// Custom metrics and business rules. Like tables and fields they have an identity of their own, which is the same in
-/// every run: a table and a name make one. What they say stands by run.
+/// Custom metrics and business rules. Like tables and fields they have an identity, by table and name, that is the same
+/// in every run. Their definitions and results belong to a run.
 namespace tavix::repository {
 
-/// Where in a run something stands.
+/// The position of something in a run.
 struct PlaceInRun {
     int run = -1;
     int table = -1;
-    int position = 1; ///< among its like in the table, from 1
+    int position = 1; ///< in the table's list of its kind, from 1
 };
 
 // Within the caller's transaction.
@@ -24,7 +24,7 @@ struct PlaceInRun {
 [[nodiscard]] Status storeBusinessRule(sql::Connection& connection, const PlaceInRun& place,
                                        const BusinessRuleFacts& facts);
 
-/// The texts and nulls of a list as the row log stores it; an error when the text is no such list.
+/// Decodes a list of texts and nulls in the row log; fails if the text is not such a list.
 [[nodiscard]] Result<std::vector<KvbString>> readTextList(std::string_view stored);
 
 } // namespace tavix::repository

@@ -16,12 +16,12 @@ namespace tavix::repository {
 
 namespace {
 
-/// The version of the repository that brought checksums.
+/// The repository version that added checksums.
 constexpr std::int64_t kFirstVersion = 7;
-/// Which rows and columns the checksums are of. The queries below belong to it: whoever changes one, or adds a column
-/// that is to be covered, raises it and lets the older form be read as it was written.
+/// The version of the rows and columns covered, that is, of the queries below. Whoever changes a query or covers
+/// another column increments it and keeps reading the older form.
 constexpr int kForm = 1;
-/// So many rows of fields are read in about a millisecond.
+/// Rows of fields that are read in about a millisecond.
 constexpr std::int64_t kFewFields = 500;
 
 struct PartRows {
@@ -29,7 +29,7 @@ struct PartRows {
     std::string_view code; ///< in the repository
     std::string_view name;
     bool isOfTable;
-    std::vector<std::string> queries; ///< ?1 is the run, ?2 the table; the order of rows is stated
+    std::vector<std::string> queries; ///< ?1 is the run, ?2 the table; rows are ordered
 };
 
 std::string fieldsQuery() {
@@ -122,7 +122,7 @@ const PartRows& rowsOf(RunPart part) {
     return parts()[static_cast<std::size_t>(part)];
 }
 
-/// Rows as bytes, each value with its type and length, so that different rows never read alike.
+/// Rows as bytes, each value with its type and length, so that different rows always differ.
 class RowHash {
   public:
     RowHash() { XXH3_64bits_reset(m_state.get()); }
@@ -147,7 +147,7 @@ class RowHash {
         m_bytes += '\n';
         update();
     }
-    /// So that a row cannot move from one query to the next.
+    /// So that moving a row from one query to the next changes the checksum.
     void endQuery() {
         m_bytes.assign(1, '\f');
         update();
@@ -193,7 +193,7 @@ Result<std::int64_t> checksumOfPart(sql::Connection& connection, int run, const 
     return hash.value();
 }
 
-/// All parts of a run that has these rows in run_table.
+/// All parts of a run with these rows in run_table.
 Result<std::vector<RunPartKey>> partsOf(sql::Connection& connection, int run) {
     auto select = connection.prepare("SELECT table_id FROM run_table WHERE run = ?1 ORDER BY position");
     if (!select)
@@ -273,7 +273,7 @@ Result<bool> isPartSound(sql::Connection& connection, int run, const RunPartKey&
 }
 
 Result<std::string> describeDamage(sql::Connection& connection, int run) {
-    // The rows of a run that is deleted meanwhile go one after the other.
+    // Otherwise a concurrent deletion would remove rows during the check.
     auto snapshot = sql::Snapshot::begin(connection);
     if (!snapshot)
         return snapshot.error();

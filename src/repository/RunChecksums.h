@@ -7,20 +7,20 @@
 #include <string_view>
 #include <vector>
 
-/// Checksums over the rows of a run, so that a bit that flips in a figure is noticed. Packed blocks have their own.
-/// docs/formats/repository.md says which rows are covered.
+/// Checksums over the rows of a run, to detect damaged numbers. Packed blocks have their own.
+/// docs/formats/repository.md lists the rows covered.
 namespace tavix::repository {
 
-/// A part of what a run stores, with a checksum of its own.
+/// A part of a run with a checksum of its own.
 enum class RunPart {
-    Tables, ///< the run and its tables with their files; all others are of one table
+    Tables, ///< the run and its tables with their files; all other parts are of one table
     Log,    ///< the execution log, of the run
     Fields,
-    Lists, ///< percentiles, outliers, and where the blocks of a distribution lie
+    Lists, ///< percentiles, outliers, and the index of a distribution's blocks
     Rules, ///< custom metrics and business rules with their row logs
 };
 
-/// What a user calls it: "list of tables".
+/// The name for users: "list of tables".
 [[nodiscard]] std::string_view runPartName(RunPart part);
 
 struct RunPartKey {
@@ -28,16 +28,16 @@ struct RunPartKey {
     int table = 0; ///< 0 for the parts of the run
 };
 
-/// Within the transaction that writes the run, once all of it is written.
+/// Within the transaction that writes the run, after everything else.
 [[nodiscard]] Status storeRunChecksums(sql::Connection& connection, int run);
 
-/// The parts of a run that have to have a checksum; none in a run of an older version.
+/// The parts of a run that must have a checksum; none in a run of an older version.
 [[nodiscard]] Result<std::vector<RunPartKey>> checkedParts(sql::Connection& connection, int run);
-/// Whether one of these is what was stored. Reads all of its rows.
+/// Compares a part with its checksum. Reads all of its rows.
 [[nodiscard]] Result<bool> isPartSound(sql::Connection& connection, int run, const RunPartKey& key);
 
-/// For opening a run: checks its tables, and their fields when they are few. Says that the run is damaged; empty when
-/// that is not known. An error when it cannot be looked at.
+/// For opening a run: checks its tables, and their fields if these are few. Returns a warning that the run is damaged,
+/// or an empty text. Fails if it cannot be read.
 [[nodiscard]] Result<std::string> describeDamage(sql::Connection& connection, int run);
 
 } // namespace tavix::repository

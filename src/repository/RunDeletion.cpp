@@ -7,7 +7,7 @@ namespace tavix::repository {
 
 namespace {
 
-/// How much one step may take: other writers wait no longer than that, and the log beside the file stays small.
+/// Limits one step: the wait of other writers and the size of the log file.
 constexpr int kRowsPerStep = 2000;
 constexpr int kBlocksPerStep = 256;
 constexpr int kPagesPerStep = 2048;
@@ -68,7 +68,7 @@ constexpr std::array kSweptTables{
                kRowsPerStep},
 };
 
-/// One step: true when nothing was left to delete.
+/// Runs one step; true if nothing was left to delete.
 Result<bool> sweepOnce(sql::Connection& connection, const SweptTable& table, std::int64_t run) {
     auto statement = connection.prepare(table.sql);
     if (!statement)
@@ -130,7 +130,7 @@ Status deleteRuns(sql::Connection& connection, int job, int first, int last) {
     std::int64_t high = last == -1 ? std::numeric_limits<std::int64_t>::max() : last;
     if (auto hidden = hideRuns(connection, job, low, high); !hidden)
         return hidden;
-    // The runs are gone already; what cannot be swept now, on a full disk for instance, is the next writer's work.
+    // The runs are deleted already; the next writer deletes rows that remain, for instance after a full disk.
     (void)sweepDeletedRuns(connection);
     connection.checkpoint();
     return {};

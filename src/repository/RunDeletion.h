@@ -7,12 +7,12 @@
 
 namespace tavix::repository {
 
-/// Deletes the runs of a job with `first` <= id <= `last`; -1 stands for no bound. They vanish for everybody at once,
-/// in one small change; then their rows and the space are given back in bounded steps. When the program dies in
-/// between, whoever opens the repository for writing next does the rest. At least one run of the job must stay.
+/// Deletes the runs of a job with `first` <= id <= `last`; -1: no bound. The runs become invisible in one small change;
+/// then their rows are deleted and the space is freed in bounded steps. If the program dies in between, the next
+/// opening for writing completes the deletion. At least one run of the job must remain.
 [[nodiscard]] Status deleteRuns(sql::Connection& connection, int job, int first, int last);
 
-/// Does what is left of earlier deletions.
+/// Completes earlier deletions.
 [[nodiscard]] Status sweepDeletedRuns(sql::Connection& connection);
 
 } // namespace tavix::repository

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "base/Result.h"
-#include "repository/AlertFacts.h"
+#include "repository/AlertStore.h"
 #include "repository/Facts.h"
+#include "sql/Connection.h"
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -14,24 +17,23 @@
 namespace tavix::repository {
 
 struct RunDescription {
-    std::string job;            ///< name; the job is made when the repository has none of this name
-    std::string jobDescription; ///< kept when not empty
+    std::string job;            ///< name; the job is created if the repository has none of this name
+    std::string jobDescription; ///< empty: keeps the present one
     std::string description;    ///< of this run
     UtcTime started{};
-    /// Tells when the lines of the execution log were written; the system's when null.
+    /// Gives the times in the execution log; null: the system's clock.
     const Clock* clock = nullptr;
-    /// Bytes of memory that the transaction may take; 0: as much as any writer.
+    /// Bytes of memory that the transaction may take; 0: the default of any writer.
     std::size_t memory = 0;
-    /// Asked some twenty times a second while another program writes; empty: wait 5 seconds.
+    /// Asked some twenty times a second while another program writes; empty: wait at most 5 seconds.
     std::function<bool()> mayWait{};
 };
 
-/// Writes one run of a job. Everything happens in one transaction: until commit() succeeds nobody sees any of it, and
-/// when the process dies before that the repository is as if the run had never begun. Any failing call ends the run:
-/// what follows fails too, and nothing is kept.
+/// Writes one run of a job in one transaction: nothing is visible until commit() succeeds, and if the process dies
+/// before that, the repository is unchanged. A call that fails ends the run: later calls fail too, and nothing is kept.
 class RunWriter {
   public:
-    /// Opens or makes the repository at `path` and begins. Another writer is waited for; then it is an error.
+    /// Opens or creates the repository at `path` and begins. Waits for another writer, then fails.
     [[nodiscard]] static Result<std::unique_ptr<RunWriter>> begin(const std::string& path,
                                                                   const RunDescription& description);
     /// Rolls back unless committed.
@@ -39,36 +41,58 @@ class RunWriter {
     RunWriter(const RunWriter&) = delete;
     RunWriter& operator=(const RunWriter&) = delete;
 
-    [[nodiscard]] int runId() const;
-    /// Once the run is committed.
-    [[nodiscard]] int jobId() const;
+    [[nodiscard]] int runId() const { return m_run; }
+    /// Known once the run is committed.
+    [[nodiscard]] int jobId() const { return m_job; }
 
-    // What is written twice within a transaction costs much once it does not fit the memory any more. So large things
-    // had better come before small ones, and the rows of the run and of its tables come last of all.
+    // A page that is written twice within a transaction is expensive once the transaction exceeds the memory. So add
+    // large things before small ones; commit() writes the rows of the run and of its tables last.
 
     /// Begins a table; its fields follow by addField. Returns the table's id.
     [[nodiscard]] Result<int> addTable(const TableFacts& table);
-    /// Lets these fields, when they are new, have their ids in this order, whatever order they are added in.
+    /// Gives new fields among these their ids in this order, whatever order they are added in.
     [[nodiscard]] Status nameFields(int tableId, std::span<const std::string> names);
-    /// Stores the distributions of a field ahead of addField(), which is to be given the same `packed` then.
+    /// Stores the distributions of a field before addField(), which must then be given the same `packed`.
     [[nodiscard]] Status addDistributions(int tableId, std::string_view field, PackedField& packed);
     [[nodiscard]] Status addField(int tableId, const FieldFacts& field);
-    /// The fields that these read must have been added. Names are unique within the table.
+    /// The fields that it reads must have been added. Names are unique within the table.
     [[nodiscard]] Status addCustomMetric(int tableId, const CustomMetricFacts& metric);
     [[nodiscard]] Status addBusinessRule(int tableId, const BusinessRuleFacts& rule);
     /// A line of the run's execution log; `tableId` 0 for the run as a whole.
     [[nodiscard]] Status addLog(int tableId, LogLevel level, std::string_view text);
-    /// Makes the collection or adds to the one of this name; its fields must stand in tables of this run.
+    /// Creates the collection or adds to the one of this name; its fields must be in tables of this run.
     [[nodiscard]] Status addCollection(const CollectionFacts& collection);
-    /// Puts these in the place of the alerts that the job had. What they watch must stand in this run.
+    /// Replaces the alerts of the job. What they watch must be in this run.
     [[nodiscard]] Status setAlerts(std::span<const AlertFacts> alerts);
 
     [[nodiscard]] Status commit(UtcTime finished);
 
   private:
-    struct Impl;
-    explicit RunWriter(std::unique_ptr<Impl> impl);
-    std::unique_ptr<Impl> m_impl;
+    struct Table {
+        TableFacts facts; ///< with borrowed pointers cleared
+        int position = 0; ///< from 1
+        int fields = 0;
+        int metrics = 0;
+        int rules = 0;
+    };
+
+    explicit RunWriter(const RunDescription& description);
+    /// Runs a step of a run that has not ended; a failed one ends the run.
+    template <typename Step>
+    auto attempt(Step step) -> decltype(step());
+    [[nodiscard]] const Clock& clock() const;
+    [[nodiscard]] Result<int> findField(const FieldAddress& address);
+    [[nodiscard]] Result<StoredAlert> locate(const AlertFacts& facts);
+    [[nodiscard]] Status findJob();
+    [[nodiscard]] Status storeTables();
+
+    RunDescription m_description;
+    std::unique_ptr<sql::Connection> m_connection;
+    std::optional<sql::Transaction> m_transaction; ///< empty once the run has ended, one way or the other
+    int m_run = -1;
+    int m_job = -1;
+    int m_logLines = 0;
+    std::map<int, Table> m_tables; ///< by id
 };
 
 } // namespace tavix::repository

@@ -2,19 +2,23 @@
 
 #include "base/HeldRepositories.h"
 #include "repository/RunDeletion.h"
+#include "repository/SchemaScripts.h"
+#include "sql/FileCheck.h"
 
 #include <fmt/format.h>
+
+#include <vector>
 
 namespace tavix::repository {
 
 namespace {
 
-// Writers wait for each other. Readers wait for nobody in the ordinary course, so a long wait would only hide that the
-// file is held by something else.
+// Writers wait for each other. Readers normally wait for nobody, so a long wait would only hide that something else
+// holds the file.
 constexpr std::chrono::milliseconds kWriterPatience(5000);
 constexpr std::chrono::milliseconds kReaderPatience(1000);
 
-/// Whether the store is an empty one that may be made a repository; an error unless it is that or ours already.
+/// Whether the store is empty and may become a repository; fails unless it is that or a repository already.
 Result<bool> isFresh(sql::Connection& connection, sql::OpenMode mode) {
     auto mark = connection.applicationId();
     if (!mark)
@@ -35,7 +39,7 @@ Status migrate(sql::Connection& connection, std::span<const char* const> steps) 
     auto transaction = sql::Transaction::begin(connection);
     if (!transaction)
         return transaction.error();
-    // Asked again: another program may have done the work while this one waited.
+    // Read again: another program may have done the work while this one waited.
     auto version = connection.schemaVersion();
     if (!version)
         return version.error();
@@ -51,6 +55,15 @@ Status migrate(sql::Connection& connection, std::span<const char* const> steps) 
 }
 
 } // namespace
+
+std::span<const char* const> schemaSteps() {
+    static const std::vector<const char*> kSteps = [] {
+        std::vector<const char*> steps{kFirstSchema};
+        steps.insert(steps.end(), kSchemaChanges.begin(), kSchemaChanges.end());
+        return steps;
+    }();
+    return kSteps;
+}
 
 Status prepareSchema(sql::Connection& connection, sql::OpenMode mode, std::span<const char* const> steps) {
     auto fresh = isFresh(connection, mode);
@@ -74,11 +87,15 @@ Status prepareSchema(sql::Connection& connection, sql::OpenMode mode, std::span<
         return {};
     if (auto done = migrate(connection, steps); !done)
         return done;
-    // Into the file at once: were the disk full of the log of a first run that then fails, there would be no room for
-    // it, and the log would stay.
+    // Write into the file at once: if the log of a failing first run filled the disk, the checkpoint would find no
+    // space, and the log would remain.
     if (*fresh)
         connection.checkpoint();
     return {};
+}
+
+Status checkWritable(const std::string& path) {
+    return sql::checkRepositoryFile(repositoryFile(path), sql::OpenMode::Create);
 }
 
 Result<std::unique_ptr<sql::Connection>> openRepository(const std::string& path, sql::OpenMode mode,

@@ -2,7 +2,7 @@
 
 #include "repository/BindValue.h"
 #include "repository/DistributionStore.h"
-#include "repository/FilePlaces.h"
+#include "repository/FileOffsetIndex.h"
 
 #include <fmt/format.h>
 
@@ -34,7 +34,7 @@ std::string insertFieldSql() {
     return columns + ")";
 }
 
-/// Empty for 0, which means that there is none.
+/// Empty for 0, which means none.
 std::string_view letter(const char& c) {
     return {&c, c == '\0' ? 0U : 1U};
 }
@@ -125,7 +125,7 @@ Status storeFiles(sql::Connection& connection, int run, int table, const TableFa
     if (facts.isTextFile)
         if (auto stored = storeForms(connection, run, table, facts.textFile); !stored)
             return stored;
-    return facts.places ? storeFilePlaces(connection, run, table, *facts.places) : Status{};
+    return facts.offsetIndex ? storeFileOffsetIndex(connection, run, table, *facts.offsetIndex) : Status{};
 }
 
 Status storeField(sql::Connection& connection, int run, int table, int field, const FieldFacts& facts) {
@@ -152,7 +152,7 @@ Status storeFieldLists(sql::Connection& connection, int run, int field, const Fi
         return stored;
     if (auto stored = storeOutliers(connection, run, field, facts.outliers); !stored)
         return stored;
-    if (auto stored = storeValuePlaces(connection, run, field, facts.places); !stored)
+    if (auto stored = storeFieldOffsetIndex(connection, run, field, facts.offsetIndex); !stored)
         return stored;
     if (facts.packed)
         return storePackedField(connection, run, field, *facts.packed);

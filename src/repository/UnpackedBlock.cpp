@@ -14,18 +14,17 @@ namespace tavix::repository {
 
 namespace {
 
-constexpr std::uint8_t kWithoutShared = 1; ///< the version before shared beginnings and numbers of no width
+constexpr std::uint8_t kWithoutShared = 1; ///< the version before shared prefixes and columns of width 0
 constexpr std::uint8_t kNewest = 2;
 
-/// The first bytes of a text, in registers: bytes that were written to memory in several pieces just now are slow to
-/// read again.
+/// The first bytes of a text, in registers: memory that was just written in several pieces is slow to read.
 class Beginning {
   public:
     static constexpr std::size_t kSize = 32;
 
-    /// Keeps as many bytes as a text shares with the one before it and takes those that follow from its rest. kSize
-    /// bytes must be readable from `rest` on, and as many as are shared before it: the rests of earlier texts, which
-    /// together are no shorter than any of these texts.
+    /// Keeps the prefix that a text shares with the one before it and appends the next bytes of the rests. kSize bytes
+    /// must be readable from `rest` on, and as many as are shared before it; the rests of earlier texts provide them,
+    /// because together they are at least as long as any of these texts.
     void change(std::size_t shared, const char* rest) {
         const std::size_t kept = std::min(shared, kSize);
         for (std::size_t i = 0; i < m_lanes.size(); ++i) {
@@ -39,7 +38,7 @@ class Beginning {
   private:
     using Lane [[gnu::vector_size(16)]] = std::uint64_t;
 
-    /// Read from kSize - n on: n bytes of ones, then none.
+    /// Read from kSize - n on: n bytes of ones, then zeros.
     static constexpr std::array<std::uint8_t, 2 * kSize> kMasks = [] {
         std::array<std::uint8_t, 2 * kSize> masks{};
         std::fill(masks.begin(), masks.begin() + kSize, std::uint8_t{0xFF});
@@ -105,7 +104,7 @@ Result<UnpackedBlock> UnpackedBlock::parse(std::span<const std::byte> bytes) {
 
 bool UnpackedBlock::readLengths(const std::byte* lengths, std::size_t width) {
     m_ends.resize(m_rows);
-    // Each length fits 32 bits and there are few rows, so that the sum cannot overflow 64.
+    // Each length fits 32 bits and rows are few, so that the sum cannot overflow 64.
     std::uint64_t end = 0;
     if (width == 0) {
         const std::uint64_t length = loadAs<std::uint32_t>(lengths);
@@ -148,7 +147,8 @@ bool UnpackedBlock::rebuildTexts(std::span<const std::byte> shared, std::string_
                 copyWithSlack(text + known, rest + (known - size), length - known);
             }
         } else {
-            // Near the end of what may be read, as all rows from here on are, for which nothing is kept at hand.
+            // From this row on the block is near the end of the readable bytes, so the previous text is not kept in
+            // registers.
             std::memcpy(text, text - lengthBefore, size);
             std::memcpy(text + size, rest, restSize);
         }

@@ -9,7 +9,7 @@
 
 namespace tavix::source {
 
-/// 64 bytes of text, to be asked where a byte occurs.
+/// 64 bytes of text, for finding the positions of a byte in them.
 class ByteWindow {
   public:
     static constexpr std::size_t kSize = 64;
@@ -40,7 +40,7 @@ class ByteWindow {
         return mask;
     }
 
-    /// Bit i: byte i here is `byte` and byte i of the other window is `otherByte`.
+    /// Bit i: byte i of this window is `byte` and byte i of the other is `otherByte`.
     [[nodiscard]] std::uint64_t positionsOf(char byte, const ByteWindow& other, char otherByte) const {
 #ifdef __SSE2__
         std::uint64_t mask = 0;

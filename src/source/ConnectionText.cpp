@@ -1,5 +1,7 @@
 #include "source/ConnectionText.h"
 
+#include "base/Ascii.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -10,18 +12,10 @@ namespace tavix::source {
 namespace {
 
 constexpr std::size_t kLongest = 10'000;
-/// A value with one of these stands in braces.
+/// A value with one of these is written in braces.
 constexpr std::string_view kSpecial = "[]{}(),;?*=!@";
 constexpr std::array<std::string_view, 6> kSecretWords = {"pwd", "password", "passwd", "passphrase", "secret", "token"};
 constexpr std::array<std::string_view, 4> kUserKeys = {"uid", "user", "username", "user name"};
-
-std::string lower(std::string_view text) {
-    std::string out(text);
-    for (char& c : out)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    return out;
-}
 
 std::string_view trimmed(std::string_view text) {
     const auto first = text.find_first_not_of(" \t\r\n");
@@ -31,12 +25,12 @@ std::string_view trimmed(std::string_view text) {
 }
 
 bool namesSecret(std::string_view text) {
-    const std::string folded = lower(text);
+    const std::string folded = asciiLower(text);
     return std::any_of(kSecretWords.begin(), kSecretWords.end(),
                        [&](std::string_view word) { return folded.find(word) != std::string::npos; });
 }
 
-/// Also a value that holds settings of its own, as "{host=x password=y}".
+/// Also for a value that contains settings of its own, such as "{host=x password=y}".
 bool isSecret(std::string_view key, std::string_view value) {
     return namesSecret(key) || (value.find('=') != std::string_view::npos && namesSecret(value));
 }
@@ -61,8 +55,8 @@ void append(std::string& text, std::string_view key, std::string_view value) {
     text.append(key).append("=").append(quoted(value));
 }
 
-/// Reads the value that `rest` begins with and takes it away, with the semicolon behind it; nothing when its brace is
-/// not closed.
+/// Reads the value at the beginning of `rest` and removes it with the semicolon after it; nothing if its brace is not
+/// closed.
 std::optional<std::string> takeValue(std::string_view& rest) {
     rest.remove_prefix(std::min(rest.find_first_not_of(" \t\r\n"), rest.size()));
     std::string value;
@@ -115,7 +109,7 @@ Result<ConnectionText> ConnectionText::parse(std::string_view text) {
             return Error{fmt::format("The connection string is not understood: the value of \"{}\" begins with a brace "
                                      "that is not closed in front of the next semicolon.",
                                      key)};
-        connection.setIfAbsent(key, *value); // of a setting that stands twice drivers take the first
+        connection.setIfAbsent(key, *value); // drivers use the first of repeated settings
         rest.remove_prefix(std::min(rest.find_first_not_of("; \t\r\n"), rest.size()));
     }
     return connection;
@@ -123,14 +117,14 @@ Result<ConnectionText> ConnectionText::parse(std::string_view text) {
 
 const std::string* ConnectionText::find(std::string_view key) const {
     for (const Setting& setting : m_settings)
-        if (lower(setting.key) == lower(key))
+        if (asciiLower(setting.key) == asciiLower(key))
             return &setting.value;
     return nullptr;
 }
 
 void ConnectionText::set(std::string_view key, std::string_view value) {
     for (Setting& setting : m_settings)
-        if (lower(setting.key) == lower(key)) {
+        if (asciiLower(setting.key) == asciiLower(key)) {
             setting.value = value;
             return;
         }
@@ -158,14 +152,14 @@ std::string ConnectionText::publicText() const {
     std::string text;
     for (const Setting& setting : m_settings)
         if (!isSecret(setting.key, setting.value) &&
-            std::find(kUserKeys.begin(), kUserKeys.end(), lower(setting.key)) == kUserKeys.end())
+            std::find(kUserKeys.begin(), kUserKeys.end(), asciiLower(setting.key)) == kUserKeys.end())
             append(text, setting.key, setting.value);
     return text;
 }
 
 std::string ConnectionText::user() const {
     const auto found = std::find_if(m_settings.begin(), m_settings.end(), [](const Setting& setting) {
-        return std::find(kUserKeys.begin(), kUserKeys.end(), lower(setting.key)) != kUserKeys.end();
+        return std::find(kUserKeys.begin(), kUserKeys.end(), asciiLower(setting.key)) != kUserKeys.end();
     });
     return found == m_settings.end() ? std::string() : found->value;
 }

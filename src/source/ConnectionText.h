@@ -9,26 +9,26 @@
 
 namespace tavix::source {
 
-/// How a database is reached through ODBC: settings as "DSN=shop" or "Driver=...;Database=...".
+/// How to reach a database through ODBC: settings such as "DSN=shop" or "Driver=...;Database=...".
 class ConnectionText {
   public:
-    /// The name of a data source, or a connection string: settings KEY=VALUE separated by semicolons, a value with a
-    /// semicolon in it in braces, a closing brace in those doubled.
+    /// The name of a data source, or a connection string: settings KEY=VALUE separated by semicolons. A value that
+    /// contains a semicolon is in braces, with closing braces doubled.
     [[nodiscard]] static Result<ConnectionText> parse(std::string_view text);
 
-    /// Null when there is no such setting. Keys are the same in any case.
+    /// Null without such a setting. Keys ignore case.
     [[nodiscard]] const std::string* find(std::string_view key) const;
-    /// Adds the setting, or gives it another value.
+    /// Adds the setting or changes its value.
     void set(std::string_view key, std::string_view value);
     void setIfAbsent(std::string_view key, std::string_view value);
 
-    /// Whether one of the settings is a password or the like, or contains one.
+    /// Whether a setting is a password or similar, or contains one.
     [[nodiscard]] bool holdsPassword() const;
     /// The string for the driver manager.
     [[nodiscard]] std::string text() const;
-    /// Without user, password and the like: what may be stored and shown.
+    /// Without user, password and similar; may be stored and shown.
     [[nodiscard]] std::string publicText() const;
-    /// Empty when it names none.
+    /// Empty if it has none.
     [[nodiscard]] std::string user() const;
 
   private:

@@ -1,5 +1,7 @@
 #include "source/Credentials.h"
 
+#include "base/Ascii.h"
+
 #include <cstdlib>
 
 namespace tavix::source {
@@ -9,11 +11,8 @@ namespace {
 std::string variableFor(std::string name, const std::string& source) {
     if (!source.empty())
         name += '_';
-    for (const char c : source) {
-        const bool isLower = c >= 'a' && c <= 'z';
-        const bool isPlain = (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-        name += isLower ? static_cast<char>(c - 'a' + 'A') : isPlain ? c : '_';
-    }
+    for (const char c : source)
+        name += isAsciiLetter(c) || isAsciiDigit(c) ? asciiUpper(c) : '_';
     return name;
 }
 

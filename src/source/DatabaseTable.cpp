@@ -2,7 +2,6 @@
 
 #include "source/OdbcCatalogue.h"
 #include "source/OdbcStatement.h"
-#include "source/SqliteText.h"
 
 #include <fmt/format.h>
 
@@ -15,7 +14,7 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
 
-/// Without the semicolon that many people end a query with.
+/// Removes the semicolon at the end of a query.
 std::string withoutEnd(std::string query) {
     const auto last = query.find_last_not_of(kBlanks);
     query.resize(last == std::string::npos ? 0 : last + 1);
@@ -91,7 +90,7 @@ Status DatabaseTable::resolveQuery() {
     auto columns = statement->resultColumns();
     if (!columns)
         return columns.error();
-    // Some drivers hear of a mistake only when a statement is sent; this one can do nothing but read.
+    // Some drivers report a mistake only when a statement is executed; this one only reads.
     if (columns->empty() && m_connection->dialect().isModern)
         if (Status status = statement->execute(
                 fmt::format("WITH q AS (\n{}\n) SELECT * FROM q WHERE 1 = 0", m_address.query), {}, {});
@@ -101,12 +100,12 @@ Status DatabaseTable::resolveQuery() {
         return Error{fmt::format("Source \"{}\": the query gives no rows; a SELECT does.", m_connection->name())};
     m_columns = std::move(*columns);
     for (std::size_t c = 0; c < m_columns.size(); ++c) {
-        // The sizes that these drivers state when a type has none.
+        // The sizes that these drivers report for a type without one.
         DeclaredColumn& column = m_columns[c];
         const bool isGuess = column.kind == DeclaredColumn::Kind::LongText ||
                              column.kind == DeclaredColumn::Kind::Binary || column.length == 255 ||
                              (column.length == 28 && column.decimalPlaces == 6);
-        if (isGuess && m_connection->dialect().writesText) {
+        if (isGuess && m_connection->dialect().writesText()) {
             column.length.reset();
             column.decimalPlaces.reset();
         }
@@ -114,15 +113,16 @@ Status DatabaseTable::resolveQuery() {
     }
     if (!m_connection->dialect().isModern)
         return {};
-    // Read as a part of a statement, which has to be possible: a query only reads.
+    // A query can only read if it is accepted as part of a statement.
     m_from = "q";
     auto check = OdbcStatement::create(*m_connection);
     if (!check)
         return check.error();
     if (Status status = check->prepare(rows().sql); !status)
         return status;
-    return check->columnCount() == m_columns.size() ? Status{}
-                                                    : check->execute(rows().sql, {}, {}); // it fails, and says why
+    return check->columnCount() == m_columns.size()
+               ? Status{}
+               : check->execute(rows().sql, {}, {}); // it fails and gives the reason
 }
 
 std::string DatabaseTable::intro() const {
@@ -131,7 +131,7 @@ std::string DatabaseTable::intro() const {
     std::string names;
     for (const std::string& name : m_quoted)
         names += (names.empty() ? "" : ", ") + name;
-    // The line ends end a comment that may stand at the end of the query.
+    // The line breaks end a comment at the end of the query.
     return fmt::format("WITH q({}) AS (\n{}\n) ", names, m_address.query);
 }
 
@@ -151,7 +151,7 @@ SqlText DatabaseTable::rows() const {
 SqlText DatabaseTable::counts(std::size_t column) const {
     const SqlDialect& dialect = m_connection->dialect();
     const std::string text = dialect.textOf(m_quoted[column], m_columns[column]);
-    if (!dialect.writesText)
+    if (!dialect.writesText())
         return {fmt::format("SELECT {0}, COUNT(*) FROM {1} GROUP BY {0}", text, m_from)};
     return {fmt::format("{}SELECT v, COUNT(*) FROM (SELECT {}{} AS v FROM {}) AS s GROUP BY v", intro(), text,
                         dialect.exactCollation, m_from)};
@@ -175,7 +175,7 @@ SqlText DatabaseTable::matches(std::size_t column, const std::optional<std::stri
     const std::string& name = m_quoted[column];
     if (!value) {
         text.sql += fmt::format(" WHERE {} IS NULL", name);
-    } else if (dialect.snapshot == SqlDialect::Snapshot::Transaction && !isSentAsItIs(*value)) {
+    } else if (!dialect.canCompare(*value)) {
         return text;
     } else {
         text.sql += " WHERE ";

@@ -48,7 +48,7 @@ Fit tryDelimiter(const char* begin, const char* end, char delimiter, bool isLast
 
 char sniffDelimiter(const char* begin, const char* end, bool isLast, char quote) {
     const char* sampleEnd = begin + std::min(end - begin, kSampleBytes);
-    // A sample that ends within the text must not take its last piece of a row for a row.
+    // A sample that ends within the text must not count its incomplete last row.
     const bool isWhole = isLast && sampleEnd == end;
     char best = '\0';
     Fit bestFit;

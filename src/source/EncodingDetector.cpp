@@ -16,7 +16,7 @@ constexpr std::size_t kZeroSample = std::size_t{64} << 10;
 const CEncoding* markedEncoding(std::string_view start) {
     if (start.starts_with("\xEF\xBB\xBF"))
         return &encodingUtf8();
-    // That of UTF-32 begins as that of UTF-16 does.
+    // UTF-32's begins like UTF-16's.
     if (start.starts_with("\xFF\xFE\0\0"sv))
         return &encodingUtf32(false);
     if (start.starts_with("\0\0\xFE\xFF"sv))
@@ -42,7 +42,7 @@ const CEncoding* encodingByZeros(std::string_view start) {
     return isSide(second, first) ? &encodingUtf16(false) : isSide(first, second) ? &encodingUtf16(true) : nullptr;
 }
 
-/// Whether no more bytes are out of place than there are well-formed characters beyond ASCII.
+/// Whether there are no more misplaced bytes than well-formed characters beyond ASCII.
 bool isUtf8(std::string_view start, bool isWhole) {
     std::string_view text = start.substr(0, start.size() - (isWhole ? 0 : unfinishedUtf8Tail(start)));
     std::size_t bad = 0;

@@ -10,8 +10,8 @@ namespace tavix::source {
 enum class EncodingReason {
     Stated,
     Mark,      ///< a byte order mark
-    ZeroBytes, ///< as every other byte of UTF-16 in most languages
-    Utf8,      ///< it is well-formed, or more of its characters beyond ASCII are than are not
+    ZeroBytes, ///< every other byte is zero, as in UTF-16 of most languages
+    Utf8,      ///< well-formed, or more of its non-ASCII characters are than are not
     Fallback,
 };
 
@@ -20,11 +20,11 @@ struct FoundEncoding {
     EncodingReason reason = EncodingReason::Fallback;
 };
 
-/// The encoding that a text begins in, by the rules of docs/definitions.md: a byte order mark, then the zero bytes of
-/// UTF-16, then UTF-8, else windows-1252. `isWhole`: the text ends where `start` does.
+/// The encoding of a text by its beginning, by the rules of docs/definitions.md: a byte order mark, then the zero bytes
+/// of UTF-16, then UTF-8, else windows-1252. `isWhole`: `start` is the whole text.
 [[nodiscard]] FoundEncoding detectEncoding(std::string_view start, bool isWhole);
 
-/// The stated encoding; of UTF-16 and UTF-32 a byte order mark tells which order of bytes is meant.
+/// The stated encoding; for UTF-16 and UTF-32 a byte order mark decides the order of bytes.
 [[nodiscard]] FoundEncoding stateEncoding(const CEncoding& encoding, std::string_view start);
 
 } // namespace tavix::source

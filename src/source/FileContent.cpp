@@ -66,7 +66,7 @@ constexpr Signature kSignatures[] = {
 
 constexpr std::string_view kZip = "PK\x03\x04";
 
-/// Neither a part of lines nor an escape sequence.
+/// Neither whitespace nor an escape sequence.
 bool isControl(unsigned unit) {
     return (unit < 0x20 && (unit < '\t' || unit > '\r') && unit != 0x1B) || unit == 0x7F;
 }
@@ -75,7 +75,7 @@ bool hasControl(std::string_view text) {
     return std::any_of(text.begin(), text.end(), [](char c) { return isControl(static_cast<unsigned char>(c)); });
 }
 
-/// Whether text can begin like that, in which case there is more to look for.
+/// Whether text can begin like that; then more is examined.
 bool isWordOfText(std::string_view bytes) {
     return std::all_of(bytes.begin(), bytes.end(), [](char c) { return c >= ' ' && c <= '~'; });
 }
@@ -92,7 +92,7 @@ std::optional<ForeignContent> signedContent(std::string_view start) {
     return std::nullopt;
 }
 
-/// By the names of what is in it.
+/// By the names of the files in it.
 ForeignContent archiveContent(std::string_view start) {
     constexpr std::size_t kNames = std::size_t{64} << 10;
     const std::string_view names = start.substr(0, kNames);
@@ -106,12 +106,11 @@ ForeignContent archiveContent(std::string_view start) {
     return {"a ZIP archive", kUnpack};
 }
 
-/// A table of dBase and its kin: a version, the day of the last change, and a list of columns that ends where its
-/// length says.
+/// A dBase-like table: a version, the day of the last change, and a list of columns that ends where its length says.
 bool isDbase(std::string_view start) {
     constexpr std::string_view kVersions = "\x03\x30\x31\x43\x83\x8B\xF5";
     const auto at = [&](std::size_t place) { return static_cast<unsigned char>(start[place]); };
-    // Some versions are digits and letters, but bytes that are reserved are zero.
+    // Some versions are digits and letters, but reserved bytes are zero.
     if (start.size() < 33 || kVersions.find(start[0]) == std::string_view::npos ||
         start.substr(0, 32).find('\0') == std::string_view::npos)
         return false;
@@ -120,8 +119,8 @@ bool isDbase(std::string_view start) {
            (start[header - 1] == '\r' || start.substr(32, header - 32).find('\r') != std::string_view::npos);
 }
 
-/// Bytes without any order have eleven control characters in a hundred, of all kinds. Text has none, or it has a few
-/// kinds as delimiters, or zeros as padding.
+/// Of random bytes, eleven in a hundred are control characters, of all kinds. Text has none, a few kinds as delimiters,
+/// or zeros as padding.
 bool isBinary(std::string_view start, bool isWide) {
     constexpr std::size_t kFewKinds = 4;
     constexpr std::size_t kLookedAt = std::size_t{64} << 10;
@@ -129,7 +128,7 @@ bool isBinary(std::string_view start, bool isWide) {
     std::size_t controls = 0;
     std::size_t units = 0;
     const std::size_t step = isWide ? 2 : 1;
-    // Enough to tell, and every run of a text file pays for it.
+    // Enough for a verdict, and every run of a text file pays for it.
     start = start.substr(0, kLookedAt);
     for (std::size_t i = 0; i + step <= start.size(); i += step, ++units) {
         const auto first = static_cast<unsigned char>(start[i]);

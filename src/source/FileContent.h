@@ -7,16 +7,16 @@
 
 namespace tavix::source {
 
-/// Something other than text that a file was found to hold.
+/// Content of a file that is not text.
 struct ForeignContent {
-    std::string_view name;   ///< as "a PNG image"
-    std::string_view advice; ///< how to profile what is in it; "" when there is nothing to say
+    std::string_view name;   ///< such as "a PNG image"
+    std::string_view advice; ///< how to profile its content; "" without advice
 
     bool operator==(const ForeignContent&) const = default;
 };
 
-/// Judges by the first bytes, at best a MiB of them, and by how their encoding was found. Text with a few control
-/// characters is text still, and so is one that uses some as delimiters.
+/// Judges by the first bytes, ideally a MiB, and by how their encoding was found. A few control characters, or some as
+/// delimiters, do not make a text something else.
 [[nodiscard]] std::optional<ForeignContent> foreignContent(std::string_view start, EncodingReason reason);
 
 } // namespace tavix::source

@@ -4,7 +4,7 @@
 
 namespace tavix::source {
 
-/// A part of a file, in bytes. It begins where a row does and ends where one does, or the file.
+/// A part of a file, in bytes, from the start of a row to the end of one or of the file.
 struct FileRange {
     std::int64_t begin = 0;
     std::int64_t end = 0;

@@ -80,7 +80,7 @@ Status FileSetReader::checkColumns() {
         const TextFileOptions options = optionsOf(i);
         TextFileOptions glance = options;
         if (glance.delimiter) {
-            // Most files are in the encoding of the first: another is looked for where that one does not show the
+            // Most files have the encoding of the first; another is detected only if that one does not give the
             // columns.
             if (!glance.encoding)
                 glance.encoding = m_current->encoding().encoding;
@@ -131,7 +131,7 @@ Result<bool> FileSetReader::read(RowBlock& block) {
             return more;
         takeDamage();
         if (m_files.size() > 1)
-            block.places.clear(); // they do not say in which file
+            block.offsets.clear(); // they do not say in which file they are
         m_rows.back() += static_cast<std::int64_t>(block.rows);
         if (*more || m_rows.size() == m_files.size())
             return more;

@@ -11,7 +11,7 @@
 
 namespace tavix::source {
 
-/// What was found in a file when it was opened.
+/// What opening a file found.
 struct FileForm {
     const CEncoding* encoding = nullptr;
     char delimiter = '\0'; ///< 0: its lines are not split
@@ -20,27 +20,27 @@ struct FileForm {
     UtcTime modified{};
 };
 
-/// How one of several files is read, where it is known.
+/// How to read one of several files, as far as known.
 struct StatedForm {
     std::optional<char> delimiter;       ///< 0: its lines are not split
-    const CEncoding* encoding = nullptr; ///< null: not known
+    const CEncoding* encoding = nullptr; ///< null: unknown
 };
 
 /// Text files with the same columns as one table: the rows of the first, then those of the second, and so on. One file
 /// is open at a time.
 class FileSetReader final : public RowReader {
   public:
-    /// `files` is not empty. What is not stated is found in each file by itself, save for whether there is a header:
-    /// the first file tells. `forms` goes before the options; there is one for each file, or none.
+    /// `files` is not empty. Options that are not stated are detected for each file, except for the header: the first
+    /// file decides for all. `forms` has precedence over the options; there is one for each file, or none.
     [[nodiscard]] static Result<std::unique_ptr<FileSetReader>>
     open(std::vector<std::string> files, const TextFileOptions& options, std::vector<StatedForm> forms = {});
 
-    /// Opens every file for its columns, size and time; an error names the first that has other columns than the first
-    /// file. read() finds the same, but late.
+    /// Opens every file for its columns, size and time; an error names the first file whose columns differ from the
+    /// first file's. Without this call, read() finds it when it reaches the file.
     [[nodiscard]] Status checkColumns();
-    /// Leaves out, where the bytes of a file tell, rows that have not this text in a column; others may be among those
-    /// that read() gives. To be called before the first read(). `column` counts from 0 and is one of the files';
-    /// `value` is one that TextFileSearch::canFind() accepts. Damaged rows are not listed then.
+    /// Skips rows that do not have this text in a column, where the bytes of a file show it; read() may still return
+    /// some. To be called before the first read(). `column` counts from 0 and must exist; TextFileSearch::canFind()
+    /// must accept `value`. Damaged rows are not listed then.
     [[nodiscard]] Status narrowTo(std::size_t column, std::string value);
 
     [[nodiscard]] std::span<const std::string> columnNames() const override { return m_names; }
@@ -55,15 +55,15 @@ class FileSetReader final : public RowReader {
     }
 
     [[nodiscard]] const std::vector<std::string>& files() const { return m_files; }
-    /// Rows of each file that was read to its end.
+    /// Rows of each file that was read to the end.
     [[nodiscard]] const std::vector<std::int64_t>& rowsOfFiles() const { return m_rows; }
-    /// Of a file that was opened by open() or read().
+    /// Of a file that open() or read() has opened.
     [[nodiscard]] const CEncoding& encodingOf(std::size_t file) const { return *m_forms[file].encoding; }
-    /// Of every file that was opened by open() or read(), in their order.
+    /// Of every file that open() or read() has opened, in their order.
     [[nodiscard]] const std::vector<FileForm>& forms() const { return m_forms; }
-    /// When the latest of the files was changed that were opened.
+    /// The latest time of change of the files opened.
     [[nodiscard]] UtcTime modified() const { return m_modified; }
-    /// The file that is being read: the first one until read() was called.
+    /// The file that is being read; the first one before read().
     [[nodiscard]] const TextFileReader& current() const { return *m_current; }
 
   private:
@@ -72,7 +72,7 @@ class FileSetReader final : public RowReader {
     [[nodiscard]] TextFileOptions optionsOf(std::size_t file) const;
     [[nodiscard]] Status compare(const TextFileReader& reader) const;
     void begin(std::unique_ptr<TextFileReader> reader);
-    /// Opens it when its columns are those of the table.
+    /// Opens it if its columns are those of the table.
     [[nodiscard]] Result<std::unique_ptr<TextFileReader>> openNext(std::size_t file,
                                                                    const TextFileOptions& options) const;
     [[nodiscard]] Status beginSearch();
@@ -88,11 +88,11 @@ class FileSetReader final : public RowReader {
         std::string value;
     };
     std::optional<Wanted> m_wanted;
-    std::unique_ptr<TextFileSearch> m_search; ///< reads in place of m_current
+    std::unique_ptr<TextFileSearch> m_search; ///< reads instead of m_current
     std::vector<std::int64_t> m_rows;
     std::vector<FileForm> m_forms;
     UtcTime m_modified{};
-    std::int64_t m_sizeOpened = 0; ///< of the files that were begun
+    std::int64_t m_sizeOpened = 0; ///< of the files begun so far
     std::int64_t m_sizeOfAll = 0;  ///< when checkColumns() was called
     std::int64_t m_bytesBefore = 0;
     std::vector<DamagedRow> m_damaged;

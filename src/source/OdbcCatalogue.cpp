@@ -1,5 +1,6 @@
 #include "source/OdbcCatalogue.h"
 
+#include "base/Ascii.h"
 #include "source/OdbcStatement.h"
 
 #include <fmt/format.h>
@@ -19,7 +20,7 @@ using Row = OdbcStatement::Row;
 constexpr std::size_t kMostEntries = 200'000;
 constexpr std::size_t kSuggestions = 5;
 
-// The places of what the catalogue's functions give, from 0.
+// The columns of the results of catalogue functions, from 0.
 enum TablePlace : std::size_t { Catalog = 0, Schema = 1, Table = 2 };
 enum ColumnPlace : std::size_t { Name = 3, Type = 4, TypeName = 5, Size = 6, Places = 8, Nullable = 10 };
 enum KeyPlace : std::size_t { KeyColumn = 3 };
@@ -45,16 +46,10 @@ TableRequest addressIn(const Row& row) {
     return {text(row, Catalog), text(row, Schema), text(row, Table), {}};
 }
 
-std::string lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return text;
-}
-
-/// Letters that two names have at their beginning, case aside, and whether one is within the other.
+/// The length of the common prefix of two names, ignoring case, and whether one contains the other.
 std::size_t likeness(const std::string& left, const std::string& right) {
-    const std::string a = lower(left);
-    const std::string b = lower(right);
+    const std::string a = asciiLower(left);
+    const std::string b = asciiLower(right);
     if (a == b)
         return 1000;
     std::size_t common = 0;
@@ -63,7 +58,7 @@ std::size_t likeness(const std::string& left, const std::string& right) {
     return common + (a.find(b) != std::string::npos || b.find(a) != std::string::npos ? 100 : 0);
 }
 
-/// ", but ..., ..." with the tables whose names are like this one; empty when there are none.
+/// ", but ..., ..." with the tables that have similar names; empty if there are none.
 std::string suggestions(const OdbcConnection& connection, const std::string& name) {
     const auto tables = listTables(connection);
     if (!tables || tables->empty())
@@ -81,7 +76,7 @@ std::string suggestions(const OdbcConnection& connection, const std::string& nam
     return list;
 }
 
-/// "VARCHAR(20)" tells its length, "NUMERIC(10,2)" its digits; what drivers make of them differs.
+/// Takes the length from "VARCHAR(20)", the digits from "NUMERIC(10,2)"; what drivers report instead differs.
 void readDeclaration(DeclaredColumn& column) {
     column.length.reset();
     column.decimalPlaces.reset();
@@ -102,7 +97,7 @@ void readDeclaration(DeclaredColumn& column) {
         column.typeName.pop_back();
 }
 
-/// `modifierPlace`: of a column beside the standard's that tells what the declaration says behind the type.
+/// `modifierPlace`: the index of a non-standard column that holds the modifier of the declared type.
 DeclaredColumn columnIn(const Row& row, const SqlDialect& dialect, std::optional<std::size_t> modifierPlace) {
     DeclaredColumn column;
     column.name = text(row, Name);
@@ -113,11 +108,11 @@ DeclaredColumn columnIn(const Row& row, const SqlDialect& dialect, std::optional
         column.decimalPlaces = integer(text(row, Places));
     if (const auto nullable = integer(text(row, Nullable)); nullable && *nullable < 2)
         column.isNullable = *nullable == 1;
-    if (dialect.snapshot == SqlDialect::Snapshot::Transaction)
+    if (dialect.hasLengthInTypeName)
         readDeclaration(column);
     const bool hasOwnSize = column.kind == Kind::Text || column.kind == Kind::FixedText || column.kind == Kind::Decimal;
     if (modifierPlace && hasOwnSize && text(row, *modifierPlace) == "-1") {
-        column.length.reset(); // what the driver says instead is a guess of its own
+        column.length.reset(); // then the driver reports a guess
         column.decimalPlaces.reset();
     }
     if (column.kind == Kind::LongText || column.kind == Kind::Binary || (column.length && *column.length <= 0))
@@ -182,7 +177,7 @@ Result<CatalogueEntry> findTable(const OdbcConnection& connection, const TableRe
                                  connection.name(), request.table, places)};
     }
     CatalogueEntry entry = std::move(found.begin()->second);
-    // An engine without keys, or without a way to ask for them, has none to show.
+    // An engine without keys, or without a way to query them, has none to show.
     auto keys = OdbcStatement::create(connection);
     if (!keys || !keys->listKeys(entry.address.catalog, entry.address.schema, entry.address.table))
         return entry;

@@ -8,7 +8,7 @@
 
 namespace tavix::source {
 
-/// The tables and views that users made.
+/// The tables and views made by users.
 [[nodiscard]] Result<std::vector<TableRequest>> listTables(const OdbcConnection& connection);
 
 struct CatalogueEntry {
@@ -16,8 +16,8 @@ struct CatalogueEntry {
     std::vector<DeclaredColumn> columns;
 };
 
-/// The table with exactly this name, its columns in their order and its key. An error when there is none, with the
-/// names of similar ones, or more than one.
+/// The table with exactly this name, its columns in their order and its key. Fails if there is none, naming similar
+/// ones, or more than one.
 [[nodiscard]] Result<CatalogueEntry> findTable(const OdbcConnection& connection, const TableRequest& request);
 
 } // namespace tavix::source

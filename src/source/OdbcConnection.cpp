@@ -1,5 +1,7 @@
 #include "source/OdbcConnection.h"
 
+#include "base/Ascii.h"
+
 #include <fmt/format.h>
 #include <odbcinst.h>
 #include <sql.h>
@@ -15,7 +17,7 @@ namespace {
 constexpr std::uintptr_t kLoginSeconds = 20;
 constexpr int kAttempts = 4;
 
-/// What the driver manager wants to hear: texts that it does not change, by a pointer that is not const.
+/// The driver manager takes texts that it does not change as pointers to non-const.
 SQLCHAR* in(const std::string& text) {
     return reinterpret_cast<SQLCHAR*>(const_cast<char*>(text.c_str()));
 }
@@ -25,12 +27,6 @@ SQLPOINTER word(std::uintptr_t value) {
     return reinterpret_cast<SQLPOINTER>(value); // NOLINT(performance-no-int-to-ptr)
 }
 
-std::string lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return text;
-}
-
 std::string profileText(const std::string& section, const char* key, const char* file) {
     std::array<char, 1024> buffer{};
     SQLGetPrivateProfileString(section.c_str(), key, "", buffer.data(), static_cast<int>(buffer.size()), file);
@@ -38,17 +34,17 @@ std::string profileText(const std::string& section, const char* key, const char*
     return buffer.data();
 }
 
-/// Name and file of the driver that the text leads to, as far as the driver manager's files tell.
+/// Name and file of the text's driver, as found in the driver manager's files.
 std::string driverOf(const ConnectionText& text) {
     std::string driver;
     if (const std::string* stated = text.find("Driver"))
         driver = *stated;
     else if (const std::string* source = text.find("DSN"))
         driver = profileText(*source, "Driver", "odbc.ini");
-    return lower(driver + " " + profileText(driver, "Driver", "odbcinst.ini"));
+    return asciiLower(driver + " " + profileText(driver, "Driver", "odbcinst.ini"));
 }
 
-/// A driver's habits that would cost memory, or a file. They come before anything is known of the engine.
+/// Turns off what would cost memory or create a file in some drivers, before anything is known of the engine.
 void addDriverSettings(ConnectionText& text) {
     const std::string driver = driverOf(text);
     if (driver.find("sqlite") != std::string::npos) {
@@ -66,7 +62,7 @@ std::string replaced(std::string text, const std::string& what, std::string_view
     return text;
 }
 
-/// One line, and without what drivers add to every message.
+/// One line, without the prefixes that drivers add to every message.
 std::string tidied(std::string text) {
     constexpr std::string_view kAddition = ";\nError while executing the query";
     if (const auto at = text.find(kAddition); at != std::string::npos)
@@ -84,7 +80,7 @@ std::string tidied(std::string text) {
     return out;
 }
 
-/// For a server that refused whoever the driver took for the user.
+/// For a server that rejected the user or password.
 std::string userHint(const std::string& source) {
     return fmt::format(". No user is named for it: give one in the environment variable {}, and the password in {}",
                        userVariable(source), passwordVariable(source));
@@ -96,7 +92,7 @@ struct Diagnosis {
 };
 
 Diagnosis diagnose(SQLSMALLINT kind, SQLHANDLE handle) {
-    // The first record that is no mere warning; a failure has one.
+    // The first record that is not a warning; a failure has one.
     Diagnosis first;
     for (SQLSMALLINT record = 1; record <= 20; ++record) {
         std::array<SQLCHAR, 6> state{};
@@ -116,11 +112,11 @@ Diagnosis diagnose(SQLSMALLINT kind, SQLHANDLE handle) {
     return first;
 }
 
-/// Drivers do not agree on a state for it.
+/// Drivers do not agree on a SQLSTATE for it.
 bool isRefusal(const Diagnosis& diagnosis) {
     if (diagnosis.state.starts_with("28"))
         return true;
-    const std::string text = lower(diagnosis.text);
+    const std::string text = asciiLower(diagnosis.text);
     return diagnosis.state.starts_with("08") &&
            (text.find("password") != std::string::npos || text.find("authentication") != std::string::npos ||
             text.find("access denied") != std::string::npos || text.find("role \"") != std::string::npos);
@@ -188,7 +184,7 @@ Status OdbcConnection::connect(ConnectionText text, const Credentials* credentia
     const SQLRETURN code =
         SQLDriverConnect(m_handle, nullptr, in(whole), static_cast<SQLSMALLINT>(whole.size()), completed.data(),
                          static_cast<SQLSMALLINT>(completed.size()), &size, SQL_DRIVER_NOPROMPT);
-    std::fill(completed.begin(), completed.end(), SQLCHAR{0}); // it holds the password
+    std::fill(completed.begin(), completed.end(), SQLCHAR{0}); // it contains the password
     if (SQL_SUCCEEDED(code)) {
         m_isConnected = true;
         return {};
@@ -249,9 +245,8 @@ Result<std::string> OdbcConnection::quoted(std::string_view name) const {
     if (name.empty() || name.find('\0') != std::string_view::npos)
         return Error{fmt::format("\"{}\" is no name of a table or column.", name.substr(0, name.find('\0')))};
     if (m_traits.quote.empty()) {
-        const bool isPlain = std::all_of(name.begin(), name.end(), [](char c) {
-            return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-        });
+        const bool isPlain = std::all_of(name.begin(), name.end(),
+                                         [](char c) { return isAsciiLetter(c) || isAsciiDigit(c) || c == '_'; });
         if (!isPlain)
             return Error{fmt::format("The source \"{}\" has no quotes for the name \"{}\".", m_name, name)};
         return std::string(name);

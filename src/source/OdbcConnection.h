@@ -12,21 +12,21 @@
 
 namespace tavix::source {
 
-/// What a driver says it can do, where reading depends on it.
+/// Capabilities that a driver reports, as far as reading depends on them.
 struct DriverTraits {
-    bool readsBoundAgain = false; ///< a bound column can be asked for the whole of its value
+    bool readsBoundAgain = false; ///< the whole value of a bound column can still be read
     bool usesCatalog = false;     ///< a table can be addressed with its catalog
     bool usesSchema = false;
-    std::string quote; ///< around names; empty when there is none
+    std::string quote; ///< around names; empty without quotes
     std::string catalogSeparator;
-    std::string patternEscape; ///< in the arguments of the catalogue's functions
+    std::string patternEscape; ///< in arguments of the catalogue functions
 };
 
 /// A connection to a database through the driver manager. For one thread at a time.
 class OdbcConnection {
   public:
-    /// `name` is what messages call the source. A driver that would hold a whole result in memory is told not to, and
-    /// one that would make a missing file is told not to.
+    /// `name` is how messages call the source. A driver that would hold a whole result in memory, or create a missing
+    /// file, is told not to.
     [[nodiscard]] static Result<std::unique_ptr<OdbcConnection>> open(const std::string& name, ConnectionText text,
                                                                       const AskCredentials& ask);
     ~OdbcConnection();
@@ -35,7 +35,7 @@ class OdbcConnection {
 
     [[nodiscard]] const std::string& name() const { return m_name; }
     [[nodiscard]] const std::string& publicText() const { return m_publicText; }
-    /// Whom the connection string names; empty when it names nobody.
+    /// The user in the connection string; empty without one.
     [[nodiscard]] const std::string& statedUser() const { return m_statedUser; }
     [[nodiscard]] const SqlDialect& dialect() const { return *m_dialect; }
     [[nodiscard]] const DriverTraits& traits() const { return m_traits; }
@@ -43,24 +43,24 @@ class OdbcConnection {
     [[nodiscard]] const std::string& product() const { return m_product; }
     [[nodiscard]] std::string currentCatalog() const;
 
-    /// The name between the engine's quotes. An error for a name that cannot be one, and for one that needs quotes
-    /// where the engine has none.
+    /// The name in the engine's quotes. Fails for a name that cannot exist, and for one that needs quotes if the engine
+    /// has none.
     [[nodiscard]] Result<std::string> quoted(std::string_view name) const;
 
-    /// From now to endSnapshot() all statements see one state of the data, if the engine can do that.
+    /// Until endSnapshot() all statements see one state of the data, if the engine supports it.
     void beginSnapshot();
     void endSnapshot();
 
-    /// For tests: as if the driver said this of itself.
+    /// For tests: replaces what the driver reports.
     void pretend(const SqlDialect& dialect, const DriverTraits& traits);
 
     [[nodiscard]] void* handle() const { return m_handle; }
-    /// What the driver says of the last failure on a handle, after `what`, without the password.
+    /// The driver's message for the last failure on a handle, after `what`, without the password.
     [[nodiscard]] Error failure(int handleKind, void* handle, std::string_view what = {}) const;
 
   private:
     OdbcConnection(std::string name, const ConnectionText& text);
-    /// `isRefused` tells whether it failed for want of the right user and password.
+    /// `isRefused`: the user or password was wrong or missing.
     Status connect(ConnectionText text, const Credentials* credentials, bool& isRefused);
     void learn();
     [[nodiscard]] std::string info(int kind) const;
@@ -69,7 +69,7 @@ class OdbcConnection {
     std::string m_name;
     std::string m_publicText;
     std::string m_statedUser;
-    std::string m_password; ///< to keep it out of messages
+    std::string m_password; ///< removed from messages
     std::string m_product;
     const SqlDialect* m_dialect = nullptr;
     DriverTraits m_traits;

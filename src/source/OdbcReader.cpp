@@ -1,7 +1,7 @@
 #include "source/OdbcReader.h"
 
 #include "base/Characters.h"
-#include "source/Interruption.h"
+#include "source/InterruptibleCall.h"
 #include "source/SqliteText.h"
 #include "source/TextArena.h"
 #include "source/Utf8.h"
@@ -21,7 +21,7 @@ constexpr std::size_t kBlockRows = 8192;
 constexpr std::size_t kBlockBytes = std::size_t{4} << 20;
 constexpr std::size_t kBoundBytes = std::size_t{2} << 20;
 constexpr std::size_t kMostAtOnce = 512;
-/// Of a value that may be longer; what is longer costs calls of its own.
+/// The buffer of a value of unknown length; a longer value costs calls of its own.
 constexpr std::size_t kUsualLength = 1024;
 constexpr std::size_t kLongest = std::size_t{1} << 30;
 
@@ -36,7 +36,7 @@ struct OdbcReader::Text {
 };
 
 struct OdbcReader::Column {
-    std::size_t width = 0; ///< bytes of a row's value, its terminator among them; 0 when it is not bound
+    std::size_t width = 0; ///< bytes of a row's value with its terminator; 0: not bound
     bool isWide = false;   ///< UTF-16
     std::vector<char> values;
     std::vector<SQLLEN> sizes;
@@ -76,10 +76,9 @@ Status OdbcReader::bind(std::span<const DeclaredColumn> columns) {
     for (std::size_t c = 0; c < columns.size(); ++c) {
         Column& column = m_columns[c];
         const auto longest = columns[c].longestText();
-        // A database file declares lengths and keeps none of them.
-        const bool isSure = longest && m_connection.dialect().snapshot != SqlDialect::Snapshot::Transaction;
+        const bool isSure = longest && !m_connection.dialect().ignoresDeclaredLength;
         column.isWide = !isUtf8;
-        // A driver that does not read a bound column again may not let one behind an unbound one be bound either.
+        // A driver that cannot read a bound column again may not allow a bound column after an unbound one either.
         isBindable = isBindable && (isSure || m_connection.traits().readsBoundAgain);
         isLengthKnown = isLengthKnown && isSure;
         const std::size_t letters = longest && (isSure || *longest < kUsualLength) ? *longest : kUsualLength;

@@ -12,12 +12,12 @@
 
 namespace tavix::source {
 
-/// The rows of a statement, every value as a text in UTF-8. Columns are bound and, where no value can be longer than
-/// its column says, fetched many rows at a time. Memory does not grow with the number of rows; a value may have up to
-/// 1 GiB. What is no well-formed UTF-8 is repaired as in a text file, the row counted as a damaged one.
+/// The rows of a statement, every value as text in UTF-8. Columns are bound; if declared lengths bound their values,
+/// many rows are fetched at once. Memory does not grow with the number of rows; a value may have up to 1 GiB. Invalid
+/// UTF-8 is repaired as in a text file, and its row counts as damaged.
 class OdbcReader final : public RowReader {
   public:
-    /// Sends the statement. `columns` says what to expect of its result. The connection must outlive the reader.
+    /// Executes the statement. `columns` describes the expected result. The connection must outlive the reader.
     [[nodiscard]] static Result<std::unique_ptr<OdbcReader>> open(const OdbcConnection& connection, const SqlText& text,
                                                                   std::span<const DeclaredColumn> columns,
                                                                   std::span<const std::string> names,
@@ -27,13 +27,13 @@ class OdbcReader final : public RowReader {
     OdbcReader& operator=(const OdbcReader&) = delete;
 
     [[nodiscard]] std::span<const std::string> columnNames() const override { return m_names; }
-    /// The error kCancelled after a false of the KeepGoing, which is asked on the calling thread. After an error there
-    /// are no more rows.
+    /// The error is kCancelled after KeepGoing, which is called on this thread, has returned false. After an error
+    /// there are no more rows.
     [[nodiscard]] Result<bool> read(RowBlock& block) override;
-    /// How many rows a result has is not known before its end.
+    /// The number of rows of a result is unknown before its end.
     [[nodiscard]] std::int64_t position() const override { return 0; }
     [[nodiscard]] std::int64_t total() const override { return 0; }
-    /// The line of a damaged row is its number, from 1.
+    /// The line of a damaged row is its number in the result, from 1.
     [[nodiscard]] std::span<const DamagedRow> damagedRows() const override { return m_damaged; }
     [[nodiscard]] std::int64_t damagedRowCount() const override { return m_damagedCount; }
 
@@ -46,7 +46,7 @@ class OdbcReader final : public RowReader {
     Status bind(std::span<const DeclaredColumn> columns);
     Status fill(RowBlock& block);
     Status takeRow(RowBlock& block, std::size_t fetchedRow);
-    /// The whole of a value that its bound memory could not take.
+    /// Reads the whole of a value that is longer than its buffer.
     Status readLong(std::size_t column, bool& isNull);
     [[nodiscard]] Cell keep(const Column& column, const char* data, std::size_t size);
     [[nodiscard]] Cell keepWide(const char* data, std::size_t size);

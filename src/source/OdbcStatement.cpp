@@ -1,6 +1,6 @@
 #include "source/OdbcStatement.h"
 
-#include "source/Interruption.h"
+#include "source/InterruptibleCall.h"
 
 #include <sql.h>
 #include <sqlext.h>
@@ -20,7 +20,7 @@ SQLCHAR* in(const std::string& text) {
     return reinterpret_cast<SQLCHAR*>(const_cast<char*>(text.c_str()));
 }
 
-/// An argument of a function of the catalogue; null when it is not to narrow anything.
+/// An argument of a catalogue function; null for no restriction.
 SQLCHAR* orNull(const std::string& text) {
     return text.empty() ? nullptr : in(text);
 }

@@ -25,12 +25,12 @@ class OdbcStatement {
         : m_connection(other.m_connection), m_handle(std::exchange(other.m_handle, nullptr)) {}
     OdbcStatement& operator=(OdbcStatement&&) = delete;
 
-    /// So that the columns of its result can be asked for.
+    /// Makes the columns of its result available.
     [[nodiscard]] Status prepare(const std::string& sql);
     /// `parameters` are texts, or null.
     [[nodiscard]] Status execute(const std::string& sql, std::span<const std::optional<std::string>> parameters,
                                  const KeepGoing& keepGoing);
-    // The catalogue. Names are taken as they are, not as patterns; the result may hold more than was asked for.
+    // Catalogue functions. Names are literal, not patterns; the result may contain more than requested.
     [[nodiscard]] Status listTables();
     [[nodiscard]] Status listColumns(const std::string& catalog, const std::string& schema, const std::string& table);
     [[nodiscard]] Status listKeys(const std::string& catalog, const std::string& schema, const std::string& table);
@@ -39,12 +39,12 @@ class OdbcStatement {
     /// The heading of a column of the result, from 0; empty when there is none.
     [[nodiscard]] std::string heading(std::size_t column) const;
     [[nodiscard]] std::size_t columnCount() const;
-    /// Of a prepared statement: how many question marks the driver takes for parameters.
+    /// The number of parameters in a prepared statement, as the driver counts them.
     [[nodiscard]] std::size_t parameterCount() const;
-    /// What is left of a small result, up to `limit` rows. Texts are cut after 32,000 bytes.
+    /// The remaining rows of a small result, up to `limit`. Texts are cut after 32,000 bytes.
     [[nodiscard]] Result<std::vector<Row>> rows(std::size_t limit);
 
-    /// May be called from any thread while another one waits for this statement.
+    /// May be called from any thread while another waits for this statement.
     void cancel() const;
     [[nodiscard]] void* handle() const { return m_handle; }
     [[nodiscard]] Error failure() const;
@@ -58,7 +58,7 @@ class OdbcStatement {
     void* m_handle = nullptr;
 };
 
-/// The kind behind a type code of ODBC.
+/// The kind of an ODBC type code.
 [[nodiscard]] DeclaredColumn::Kind kindOfType(int code);
 
 } // namespace tavix::source

@@ -11,26 +11,26 @@
 
 namespace tavix::source {
 
-/// A cell as it stands in the file.
+/// A cell as it is in the file.
 struct RawCell {
     const char* data = nullptr;
     std::size_t size = 0;
     bool isQuoted = false;
-    bool hasDoubledQuotes = false; ///< two quotes within, to be read as one
-    std::size_t tailSize = 0; ///< of the text between the closing quote, which stands behind `data`, and the separator
+    bool hasDoubledQuotes = false; ///< contains doubled quotes, to be read as one
+    std::size_t tailSize = 0;      ///< of the text between the closing quote, which follows `data`, and the separator
 };
 
 enum class RowEnd {
     Complete,
-    Unfinished, ///< the text ends before it is known where the row does; nothing was consumed
+    Unfinished, ///< the text ends before the end of the row is known; nothing was consumed
 };
 
 struct ScannedRow {
     RowEnd end = RowEnd::Complete;
     std::size_t cells = 0;
-    std::int64_t lines = 0; ///< physical lines that the row takes
+    std::int64_t lines = 0; ///< physical lines of the row
     bool isEmptyLine = false;
-    bool isQuoteOpen = false; ///< a quote that nobody closes took the rest of the text
+    bool isQuoteOpen = false; ///< an unclosed quote took the rest of the text
 };
 
 /// Splits delimited text into rows and cells (RFC 4180; LF, CRLF and a lone CR end a line). The text must be followed
@@ -39,7 +39,7 @@ class RowScanner {
   public:
     static constexpr std::size_t kPadding = 64;
 
-    /// `delimiter` 0: every line is one cell. `isLast`: the file ends where the text does. `quote` 0: none.
+    /// `delimiter` 0: every line is one cell. `isLast`: the file ends with the text. `quote` 0: none.
     RowScanner(const char* begin, const char* end, char delimiter, bool isLast, char quote = '"')
         : m_delimiter(delimiter == '\0' ? '\n' : delimiter),
           m_isLast(isLast),
@@ -54,8 +54,8 @@ class RowScanner {
     [[nodiscard]] bool isAtEnd() const { return m_pos == m_end; }
     [[nodiscard]] bool isLast() const { return m_isLast; }
 
-    /// Hands each cell of the next row to emit(index, RawCell). After Unfinished the cells that were handed out do not
-    /// count. Not to be called at the end.
+    /// Passes each cell of the next row to emit(index, RawCell). After Unfinished the cells passed so far are void.
+    /// Must not be called at the end.
     template <typename Emit>
     ScannedRow scan(Emit&& emit) {
         ScannedRow row;
@@ -140,7 +140,7 @@ class RowScanner {
         return count;
     }
 
-    /// The next delimiter or line end at or behind `p`; the end of the text when there is none.
+    /// The next delimiter or line end at or after `p`; the end of the text without one.
     const char* find(const char* p) {
         for (;;) {
             const auto offset = static_cast<std::size_t>(p - m_window);
@@ -158,7 +158,7 @@ class RowScanner {
         }
     }
 
-    /// Marks the separators among the 64 bytes at `p`, so that short cells cost one look at a word and no loop.
+    /// Marks the separators among the 64 bytes at `p`, so that a short cell costs one test of a word and no loop.
     void load(const char* p) {
         m_window = p;
         m_mask = 0;

@@ -9,8 +9,8 @@ namespace tavix::source {
 
 namespace {
 
-/// Spreads consecutive numbers evenly over 64 bits (the finalizer of SplitMix64, Steele, Lea and Flood 2014). What a
-/// row gets depends on nothing but its number and the seed, so that neither blocks nor threads change a sample.
+/// Spreads consecutive numbers evenly over 64 bits (the finalizer of SplitMix64, Steele, Lea and Flood 2014). The
+/// result depends only on a row's number and the seed, so that neither blocks nor threads change a sample.
 std::uint64_t mixed(std::uint64_t number) {
     number = (number ^ (number >> 30U)) * 0xBF58476D1CE4E5B9U;
     number = (number ^ (number >> 27U)) * 0x94D049BB133111EBU;
@@ -45,7 +45,7 @@ bool Sample::takes(std::int64_t record) const {
     case Kind::Random: {
         constexpr std::uint64_t kGolden = 0x9E3779B97F4A7C15U;
         const std::uint64_t lot = mixed(mixed(seed + kGolden) + static_cast<std::uint64_t>(record) * kGolden);
-        // The 53 bits that a double holds exactly.
+        // The 53 bits that a double represents exactly.
         return std::ldexp(static_cast<double>(lot >> 11U), -53) * 100 < percent;
     }
     }

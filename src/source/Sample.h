@@ -5,7 +5,7 @@
 
 namespace tavix::source {
 
-/// Which rows of a table are taken.
+/// Which rows of a table are read.
 struct Sample {
     enum class Kind {
         All,

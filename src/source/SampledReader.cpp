@@ -8,7 +8,7 @@ Result<bool> SampledReader::read(RowBlock& block) {
         if (!more || !*more)
             return more;
         block.records.clear();
-        block.places.clear();
+        block.offsets.clear();
         std::size_t kept = 0;
         for (std::size_t row = 0; row < block.rows; ++row) {
             const std::int64_t record = ++m_rowsSeen;

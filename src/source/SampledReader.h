@@ -9,21 +9,21 @@
 
 namespace tavix::source {
 
-/// The rows of another reader that a sample takes. All rows are read, so that it is known how many there are.
+/// The rows of another reader that a sample selects. Reads all rows, so that their number is known.
 class SampledReader final : public RowReader {
   public:
     SampledReader(std::unique_ptr<RowReader> reader, const Sample& sample)
         : m_reader(std::move(reader)), m_sample(sample) {}
 
     [[nodiscard]] std::span<const std::string> columnNames() const override { return m_reader->columnNames(); }
-    /// Blocks know the numbers of their rows.
+    /// Blocks contain the numbers of their rows.
     [[nodiscard]] Result<bool> read(RowBlock& block) override;
     [[nodiscard]] std::int64_t position() const override { return m_reader->position(); }
     [[nodiscard]] std::int64_t total() const override { return m_reader->total(); }
     [[nodiscard]] std::span<const DamagedRow> damagedRows() const override { return m_reader->damagedRows(); }
     [[nodiscard]] std::int64_t damagedRowCount() const override { return m_reader->damagedRowCount(); }
 
-    /// Rows that were read, taken or not.
+    /// Rows read, selected or not.
     [[nodiscard]] std::int64_t rowsSeen() const { return m_rowsSeen; }
 
   private:

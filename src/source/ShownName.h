@@ -5,8 +5,8 @@
 
 namespace tavix::source {
 
-/// The name of a column for a message: its beginning when it is long, U+FFFD for each control character and for each
-/// byte that is not UTF-8, as the first row of a file that is not a table may have many.
+/// The name of a column for a message: shortened if long, with U+FFFD for each control character and each byte that is
+/// not UTF-8; the first row of a file that is not a table may contain many.
 [[nodiscard]] std::string shownName(std::string_view name);
 
 } // namespace tavix::source

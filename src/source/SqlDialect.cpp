@@ -1,5 +1,6 @@
 #include "source/SqlDialect.h"
 
+#include "base/Ascii.h"
 #include "source/SqliteText.h"
 
 #include <fmt/format.h>
@@ -13,24 +14,43 @@ namespace {
 
 using Kind = DeclaredColumn::Kind;
 using Snapshot = SqlDialect::Snapshot;
+using TextForm = SqlDialect::TextForm;
 
 constexpr SqlDialect kUnknown{};
 
-// From ClickHouse on, by what the makers document of the equality of texts.
 constexpr std::array kDialects = {
-    // A cursor's plan is made for all of its rows, since all are read.
-    SqlDialect{"PostgreSQL", Snapshot::RepeatableRead, true, true, true, true,
-               "SET default_transaction_read_only = on; SET cursor_tuple_fraction = 1", " COLLATE \"C\"",
-               " Write a ? b as jsonb_exists(a, b), a ?| b as jsonb_exists_any(a, b), a ?& b as jsonb_exists_all(a, b) "
-               "and a @? b as jsonb_path_exists(a, b)."},
-    SqlDialect{"SQLite", Snapshot::Transaction, true, true, true, true, {}, " COLLATE BINARY"},
-    SqlDialect{"ClickHouse", Snapshot::None, false, false, false, true},
-    SqlDialect{"Trino", Snapshot::None, false, false, false, true},
-    SqlDialect{"Presto", Snapshot::None, false, false, false, true},
-    SqlDialect{"Spark", Snapshot::None, false, false, false, true},
+    SqlDialect{
+        .product = "PostgreSQL",
+        .snapshot = Snapshot::RepeatableRead,
+        .textForm = TextForm::Cast,
+        .isModern = true,
+        .isUtf8 = true,
+        .isTextExact = true,
+        // Every row of a cursor is read, so the plan must suit all of them.
+        .settings = "SET default_transaction_read_only = on; SET cursor_tuple_fraction = 1",
+        .exactCollation = " COLLATE \"C\"",
+        .questionMarkHint = " Write a ? b as jsonb_exists(a, b), a ?| b as jsonb_exists_any(a, b), a ?& b as "
+                            "jsonb_exists_all(a, b) and a @? b as jsonb_path_exists(a, b).",
+    },
+    SqlDialect{
+        .product = "SQLite",
+        .snapshot = Snapshot::Transaction,
+        .textForm = TextForm::PerValue,
+        .isModern = true,
+        .isUtf8 = true,
+        .isTextExact = true,
+        .ignoresDeclaredLength = true,
+        .hasLengthInTypeName = true,
+        .exactCollation = " COLLATE BINARY",
+    },
+    // By their makers' documentation of how texts compare.
+    SqlDialect{.product = "ClickHouse", .isTextExact = true},
+    SqlDialect{.product = "Trino", .isTextExact = true},
+    SqlDialect{.product = "Presto", .isTextExact = true},
+    SqlDialect{.product = "Spark", .isTextExact = true},
 };
 
-/// Names of types in PostgreSQL.
+/// Type names of PostgreSQL.
 constexpr std::array<std::string_view, 3> kComparableTexts = {"text", "varchar", "name"};
 constexpr std::array<std::string_view, 6> kIntegers = {"int2", "int4", "int8", "smallserial", "serial", "bigserial"};
 
@@ -38,7 +58,7 @@ bool isInteger(std::string_view text) {
     if (text.starts_with('-'))
         text.remove_prefix(1);
     return !text.empty() && text.size() <= 18 && (text.front() != '0' || text.size() == 1) &&
-           std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+           std::all_of(text.begin(), text.end(), isAsciiDigit);
 }
 
 } // namespace
@@ -71,18 +91,26 @@ std::optional<std::size_t> DeclaredColumn::longestText() const {
 }
 
 std::string SqlDialect::textOf(const std::string& name, const DeclaredColumn& column) const {
-    if (!writesText)
+    switch (textForm) {
+    case TextForm::Driver:
         return name;
-    if (snapshot == Snapshot::Transaction)
+    case TextForm::PerValue:
         return sqliteTextOf(name);
-    // A cast to text takes the blanks away that a text of fixed length has at its end.
+    case TextForm::Cast:
+        break;
+    }
+    // A cast to text would strip the trailing blanks of a fixed-length text.
     if (column.kind == Kind::FixedText)
         return fmt::format("CASE WHEN {0} IS NULL THEN NULL ELSE concat({0}) END", name);
     return fmt::format("CAST({} AS text)", name);
 }
 
+bool SqlDialect::canCompare(std::string_view text) const {
+    return textForm != TextForm::PerValue || isSentUnchanged(text);
+}
+
 std::optional<std::string> SqlDialect::whyInexact(const DeclaredColumn& column) const {
-    if (writesText)
+    if (writesText())
         return std::nullopt;
     switch (column.kind) {
     case Kind::Integer:
@@ -106,11 +134,15 @@ std::optional<std::string> SqlDialect::whyInexact(const DeclaredColumn& column) 
 
 std::string SqlDialect::indexCondition(const std::string& name, const DeclaredColumn& column,
                                        std::string_view text) const {
-    if (!writesText)
+    switch (textForm) {
+    case TextForm::Driver:
         return {};
-    if (snapshot == Snapshot::Transaction)
+    case TextForm::PerValue:
         return sqliteIndexCondition(name, text);
-    // The driver calls many types text or integer that cannot be compared with every text.
+    case TextForm::Cast:
+        break;
+    }
+    // The driver reports as text or integer many types that cannot be compared with every text.
     const auto isOneOf = [&](const auto& names) {
         return std::find(names.begin(), names.end(), column.typeName) != names.end();
     };

@@ -18,9 +18,9 @@ namespace {
 /// in UTF-16.
 constexpr std::string_view kNulMark = "\xF4\x8F\xBF\xBF";
 constexpr std::string_view kDigits = "0123456789ABCDEF";
-/// Statements have a length that engines limit.
+/// Engines limit the length of a statement.
 constexpr std::size_t kLongestLiteral = 100'000;
-/// Reals are written with 15 digits, so that several share a text.
+/// Reals are written with 15 digits, so several share a text.
 constexpr double kSharedText = 1e-14;
 
 bool isHex(std::string_view text) {
@@ -61,7 +61,7 @@ std::string fromUtf16(std::string_view bytes, bool isBigEndian) {
     return text;
 }
 
-/// Only what the engine writes for an integer: no plus, no leading zeros.
+/// Only the text that the engine writes for an integer: no plus, no leading zeros.
 std::optional<std::int64_t> integerOf(std::string_view text) {
     std::int64_t value = 0;
     const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -127,8 +127,8 @@ std::string sqliteIndexCondition(const std::string& name, std::string_view text)
     return condition;
 }
 
-bool isSentAsItIs(std::string_view text) {
-    // U+FFFD may stand for bytes that are not UTF-8.
+bool isSentUnchanged(std::string_view text) {
+    // U+FFFD may have replaced bytes that are not UTF-8.
     return text.find('\0') == std::string_view::npos && text.find("\xEF\xBF\xBD") == std::string_view::npos;
 }
 

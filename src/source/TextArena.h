@@ -9,10 +9,10 @@
 
 namespace tavix::source {
 
-/// Bytes that stay where they are until the arena is cleared or destroyed; moving the arena does not move them.
+/// Bytes that keep their address until the arena is cleared or destroyed, also when the arena is moved.
 class TextArena {
   public:
-    /// Room for `size` bytes, not initialised.
+    /// Uninitialised memory for `size` bytes.
     [[nodiscard]] char* allocate(std::size_t size) {
         if (size > m_left)
             grow(size);
@@ -21,7 +21,7 @@ class TextArena {
         m_left -= size;
         return at;
     }
-    /// Gives back the end of the latest allocation.
+    /// Returns the end of the latest allocation.
     void giveBack(std::size_t size) {
         m_next -= size;
         m_left += size;
@@ -32,7 +32,7 @@ class TextArena {
             std::memcpy(at, text.data(), text.size());
         return at;
     }
-    /// Bytes that it has taken, used or not.
+    /// Bytes allocated, used or not.
     [[nodiscard]] std::size_t memory() const { return m_memory; }
     void clear() {
         m_chunks.clear();

@@ -14,7 +14,7 @@ namespace tavix::source {
 namespace {
 
 constexpr std::size_t kUnits = std::size_t{1} << 15;
-/// A lone low surrogate, which no converter gives by itself: what stands for damage until it becomes kNoUtf8.
+/// A lone low surrogate, which no converter produces: marks damage until it becomes kNoUtf8.
 constexpr char16_t kDamage = 0xDFFF;
 constexpr char kNoUtf8 = '\xFF';
 
@@ -26,8 +26,8 @@ void markDamage(const void* /*context*/, UConverterToUnicodeArgs* arguments, con
     ucnv_cbToUWriteUChars(arguments, &kDamage, 1, 0, status);
 }
 
-/// ICU's tables of DOS code pages take three control characters for each other: the byte 1A for 1C, 1C for 7F and 7F
-/// for 1A. In files they are what they are in ASCII.
+/// ICU's tables of DOS code pages permute three control characters: byte 1A for 1C, 1C for 7F and 7F for 1A. In files
+/// they mean what they mean in ASCII.
 bool hasRotatedControls(UConverter* converter) {
     if (ucnv_getMinCharSize(converter) != 1)
         return false;

@@ -1,7 +1,8 @@
 #include "source/TextFileReader.h"
 
+#include "base/Ascii.h"
 #include "base/Encodings.h"
-#include "source/CellText.h"
+#include "source/CellDecoder.h"
 #include "source/DelimiterSniffer.h"
 #include "source/FileContent.h"
 #include "source/TextArena.h"
@@ -23,11 +24,11 @@ constexpr std::size_t kLargestPiece = std::size_t{1} << 31;
 constexpr std::size_t kBlockRows = std::size_t{1} << 15;
 constexpr std::size_t kBlockCells = std::size_t{1} << 18;
 constexpr std::size_t kMostColumns = 100'000;
-/// Of a large file; what notes them grows with them, and a search for a value looks at about as many parts.
+/// In a large file; offset indexes grow with the number of ranges, and a search for a value examines about as many.
 constexpr std::int64_t kMostPlaces = 2048;
 constexpr std::size_t kMarkSize = 16; ///< no byte order mark is longer
 
-/// Names without duplicates and gaps; the first of two equal ones keeps its name.
+/// Names without duplicates and gaps; the first of two equal names stays.
 std::vector<std::string> uniqueNames(const std::vector<std::string>& found) {
     std::unordered_set<std::string> taken(found.begin(), found.end());
     std::unordered_set<std::string> used;
@@ -37,8 +38,8 @@ std::vector<std::string> uniqueNames(const std::vector<std::string>& found) {
     for (std::size_t i = 0; i < found.size(); ++i) {
         const std::string base = found[i].empty() ? fmt::format("Column{}", i + 1) : found[i];
         std::string name = base;
-        // A made name must not take one that a later column has by right. The count goes on where it was, for all of
-        // many columns may have one name.
+        // A generated name must not be that of a later column. The counter is kept, because many columns may share one
+        // name.
         for (int& k = next.try_emplace(base, 2).first->second;
              used.contains(name) || (name != found[i] && taken.contains(name)); ++k)
             name = fmt::format("{} ({})", base, k);
@@ -77,9 +78,9 @@ bool looksLikeNames(std::span<const std::string> cells) {
         bool hasDigit = false;
         bool hasLetter = false;
         for (const char c : cell) {
-            hasDigit = hasDigit || (c >= '0' && c <= '9');
-            // Beyond ASCII nearly everything that names are written in is a letter.
-            hasLetter = hasLetter || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c < 0;
+            hasDigit = hasDigit || isAsciiDigit(c);
+            // Nearly every non-ASCII character in a name is a letter.
+            hasLetter = hasLetter || isAsciiLetter(c) || c < 0;
         }
         return hasDigit && !hasLetter;
     });
@@ -103,13 +104,13 @@ Status TextFileReader::begin(const TextFileOptions& options) {
     m_quote = options.quote;
     m_pieceSize = std::max(options.pieceSize, kMarkSize);
     if (options.isPreview)
-        m_pieceSize = TextInput::kSample * 3 + 1; // no encoding makes more of a byte, so that one piece holds it all
+        m_pieceSize = TextInput::kSample * 3 + 1; // no encoding makes more bytes of one, so that one piece holds it all
     if (Status status = refill(); !status)
         return status;
     const bool hasPlaces = m_input->encoding().encoding == &encodingUtf8() && m_input->size() > 0 &&
                            !m_input->isPacked() && !options.isPreview;
     if (hasPlaces)
-        m_placeEvery = std::max(options.placeEvery, static_cast<std::ptrdiff_t>(m_input->size() / kMostPlaces));
+        m_offsetEvery = std::max(options.offsetEvery, static_cast<std::ptrdiff_t>(m_input->size() / kMostPlaces));
     const char* text = m_piece->bytes.get();
     const std::string_view start(text, m_piece->size);
     m_hasMark = start.starts_with("\xEF\xBB\xBF");
@@ -125,8 +126,8 @@ Status TextFileReader::begin(const TextFileOptions& options) {
 }
 
 Status TextFileReader::findColumns(const TextFileOptions& options) {
-    // Lines without anything in front of the first row say nothing; without a header they may be rows of a one-column
-    // file, and are read again as such.
+    // Empty lines before the first row mean nothing; without a header they may be rows of a one-column file, and are
+    // read again as such.
     const char* firstLine = m_scanner->position();
     std::vector<RawCell> cells;
     ScannedRow row;
@@ -177,7 +178,7 @@ std::shared_ptr<TextFileReader::Piece> TextFileReader::freePiece(std::size_t cap
             piece->arena.clear();
             return piece;
         }
-    // What is too small now would only be kept for nothing.
+    // A smaller buffer would only be kept unused.
     std::erase_if(m_pieces, [&](const auto& piece) { return piece->capacity < capacity; });
     auto piece = std::make_shared<Piece>();
     piece->bytes = std::make_unique_for_overwrite<char[]>(capacity + RowScanner::kPadding);
@@ -211,7 +212,7 @@ Status TextFileReader::refill() {
 }
 
 Cell TextFileReader::rewritten(const RawCell& cell, bool& hadBadBytes) {
-    return cellText(cell, m_piece->isValid, m_quote, m_piece->arena, hadBadBytes);
+    return decodeCell(cell, m_piece->isValid, m_quote, m_piece->arena, hadBadBytes);
 }
 
 void TextFileReader::noteDamage(const ScannedRow& row, bool hadBadBytes) {
@@ -255,16 +256,16 @@ void TextFileReader::finishRow(const ScannedRow& row, RowBlock& block, std::size
 }
 
 void TextFileReader::notePlace(RowBlock& block, std::size_t row) {
-    if (block.places.empty() || block.places.back().row < row)
-        block.places.push_back({row, position()});
-    m_nextPlace = m_scanner->position() + m_placeEvery;
+    if (block.offsets.empty() || block.offsets.back().row < row)
+        block.offsets.push_back({row, position()});
+    m_nextPlace = m_scanner->position() + m_offsetEvery;
 }
 
 Result<bool> TextFileReader::read(RowBlock& block) {
     block.text.reset();
     block.rows = 0;
     block.records.clear();
-    block.places.clear();
+    block.offsets.clear();
     reserve(block);
     const std::size_t columns = m_names.size();
     std::size_t rows = 0;
@@ -272,7 +273,7 @@ Result<bool> TextFileReader::read(RowBlock& block) {
     while (rows < m_rowLimit) {
         if (m_scanner->isAtEnd() && m_scanner->isLast())
             break;
-        if (m_placeEvery != 0 && m_scanner->position() >= m_nextPlace)
+        if (m_offsetEvery != 0 && m_scanner->position() >= m_nextPlace)
             notePlace(block, rows);
         m_rewrites.clear();
         const bool rewriteAll = !m_piece->isValid;
@@ -301,8 +302,8 @@ Result<bool> TextFileReader::read(RowBlock& block) {
     }
     block.rows = rows;
     if (rows == 0)
-        block.places.clear();
-    else if (m_placeEvery != 0)
+        block.offsets.clear();
+    else if (m_offsetEvery != 0)
         notePlace(block, rows);
     block.text = m_piece;
     return rows > 0;

@@ -2,7 +2,7 @@
 
 #include "base/HeldRepositories.h"
 #include "source/ByteWindow.h"
-#include "source/CellText.h"
+#include "source/CellDecoder.h"
 #include "source/TextArena.h"
 #include "source/Utf8.h"
 
@@ -22,11 +22,11 @@ namespace tavix::source {
 
 namespace {
 
-/// Small enough to stay in the processor's cache between the copy from the system and the search.
+/// Small enough to stay in the processor's cache between reading and searching.
 constexpr std::size_t kPieceSize = std::size_t{1} << 18;
 constexpr std::size_t kFirstPiece = std::size_t{1} << 16;
 constexpr std::size_t kLargestPiece = std::size_t{1} << 31;
-/// What one read() looks through at most, and how many rows it gives.
+/// The most that one read() searches, and the most rows it returns.
 constexpr std::int64_t kTurn = std::int64_t{8} << 20;
 constexpr std::size_t kTurnRows = 1024;
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
@@ -38,15 +38,15 @@ std::uint64_t from(std::size_t first) {
     return first < ByteWindow::kSize ? ~std::uint64_t{0} << first : 0;
 }
 
-/// Bit i: an odd number of the bits up to and with i is set.
+/// Bit i: an odd number of the bits 0 to i is set.
 std::uint64_t prefixXor(std::uint64_t bits) {
     for (unsigned step = 1; step < ByteWindow::kSize; step *= 2)
         bits ^= bits << step;
     return bits;
 }
 
-/// Behind the last line end of a text without quotes; `otherwise` when there is none. Of a pair that `end` parts it is
-/// the first byte; the second is met with what follows, before any cell.
+/// The position after the last line end of a text without quotes; `otherwise` if there is none. If `end` splits a CR
+/// LF, its CR is the line end; the LF is skipped with the text that follows, before any cell.
 const char* lastRowStart(const char* begin, const char* end, const char* otherwise) {
     const auto last = [](const char* from, const char* to, char byte) {
         return static_cast<const char*>(::memrchr(from, byte, static_cast<std::size_t>(to - from)));
@@ -86,7 +86,7 @@ Result<std::unique_ptr<TextFileSearch>> TextFileSearch::open(const std::string& 
     struct stat info {};
     if (::stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode) && !S_ISDIR(info.st_mode))
         return Error{fmt::format("\"{}\" is no file that can be read again", path)};
-    // How the file is divided is the reader's to say.
+    // The reader defines how the file is divided.
     TextFileOptions beginning = options;
     if (options.delimiter)
         beginning.pieceSize = kFirstPiece;
@@ -126,7 +126,7 @@ Status TextFileSearch::begin(const FileStamp& expected) {
 void TextFileSearch::find(std::size_t column, std::string value) {
     m_column = column;
     m_value = std::move(value);
-    // What is no UTF-8 is nowhere: every such byte is read as another text.
+    // A value that is not valid UTF-8 cannot occur: every such byte is read as U+FFFD.
     if (validUtf8Prefix(m_value) == m_value.size() && static_cast<std::int64_t>(m_value.size()) <= m_size)
         restrictTo({{m_firstRow, m_size}});
 }
@@ -202,7 +202,7 @@ Result<bool> TextFileSearch::read(RowBlock& block) {
             startRange();
         } else if (!search(block, *arena)) {
             if (block.rows > 0)
-                break; // who asks for few rows does not wait for more
+                break; // a caller that wants few rows does not wait for more
             if (Status status = refill(); !status)
                 return status.error();
         }
@@ -212,7 +212,7 @@ Result<bool> TextFileSearch::read(RowBlock& block) {
 }
 
 bool TextFileSearch::search(RowBlock& block, TextArena& arena) {
-    // A byte is judged by itself, by the one before and by the value and a byte behind it.
+    // The test of a byte needs the one before, and the value and one byte after it.
     const auto behind = static_cast<std::ptrdiff_t>(m_isLast ? 0 : m_value.size() + 2);
     if (!m_end || m_end - m_rowStart < behind)
         return false;
@@ -285,7 +285,7 @@ bool TextFileSearch::judgeRegular(const Marks& marks, std::uint64_t separators) 
     const std::uint64_t closing = marks.quotes & ~inside;
     const std::uint64_t behindSeparator = separators << 1 | (isSeparator(marks.text[-1]) ? 1 : 0);
     const std::uint64_t beforeSeparator = separators >> 1 | (isSeparator(marks.text[ByteWindow::kSize]) ? kLastBit : 0);
-    // Two quotes side by side are a doubled one, which is as good as one that closes and one that opens.
+    // Two adjacent quotes are a doubled one, equivalent to one that closes and one that opens.
     const std::uint64_t odd =
         (opening & ~(behindSeparator | marks.quotes << 1)) | (closing & ~(beforeSeparator | marks.quotes >> 1));
     if (odd != 0)
@@ -319,7 +319,7 @@ void TextFileSearch::judgeOneByOne(Marks marks) {
             return;
         }
         if (!m_isQuoted) {
-            // Elsewhere than at the beginning of a cell a quote is a character like others.
+            // Except at the beginning of a cell, a quote is an ordinary character.
             if (isSeparator(at[-1])) {
                 goToRow(marks.text, marks.lineEnds & ~from(place));
                 m_isQuoted = true;
@@ -330,7 +330,7 @@ void TextFileSearch::judgeOneByOne(Marks marks) {
         } else {
             m_isQuoted = false;
             marks.lineEnds &= from(place + 1);
-            // Text behind the closing quote is a part of the cell, which thus stands nowhere in one piece.
+            // Text after the closing quote belongs to the cell, so the cell is not contiguous in the file.
             if (at + 1 < m_end && !isSeparator(at[1])) {
                 m_mustTake = true;
                 return;
@@ -374,7 +374,7 @@ void TextFileSearch::keepIfWanted(std::string_view row, RowBlock& block, TextAre
     if (m_column >= m_cells.size())
         return;
     const bool isValid = validUtf8Prefix(row) == row.size();
-    const Cell found = cellText(m_cells[m_column], isValid, m_quote, arena, ignored);
+    const Cell found = decodeCell(m_cells[m_column], isValid, m_quote, arena, ignored);
     if (std::string_view(found.data, found.size) != m_value)
         return;
     const char* const kept = arena.keep(row);
@@ -384,7 +384,7 @@ void TextFileSearch::keepIfWanted(std::string_view row, RowBlock& block, TextAre
         if (c < m_cells.size()) {
             RawCell& raw = m_cells[c];
             raw.data = kept + (raw.data - row.data());
-            cell = cellText(raw, isValid, m_quote, arena, ignored);
+            cell = decodeCell(raw, isValid, m_quote, arena, ignored);
         }
     }
     ++block.rows;

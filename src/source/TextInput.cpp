@@ -41,7 +41,7 @@ Result<std::unique_ptr<TextInput>> TextInput::open(const std::string& path, cons
                                                    std::size_t beginning, bool isPreview, KeepGoing keepGoing) {
     if (Status free = requireNotHeld(path); !free)
         return free.error();
-    // A named pipe would otherwise wait here, where nothing can end it, until somebody writes to it.
+    // Opening a named pipe would otherwise block, uninterruptibly, until somebody writes to it.
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (file < 0)
         return Error{fmt::format("\"{}\" cannot be opened: {}", path, systemText(errno))};
@@ -58,7 +58,7 @@ Status TextInput::begin(const CEncoding* encoding, std::size_t beginning, bool i
         return failure("cannot be read: " + systemText(errno));
     if (S_ISDIR(info.st_mode))
         return failure("is a folder, not a text file");
-    // Files that the system makes up say 0.
+    // Virtual files report size 0.
     m_size = S_ISREG(info.st_mode) ? static_cast<std::int64_t>(info.st_size) : 0;
     m_mayWait = !S_ISREG(info.st_mode);
     m_stamp = stampOf(info);
@@ -121,7 +121,7 @@ Result<std::size_t> TextInput::readBytes(char* target, std::size_t size) {
         }
         filled += static_cast<std::size_t>(got);
         m_bytesRead += got;
-        // A file that grows as fast as it is read would have no end.
+        // Reading a file that grows as fast as it is read would never end.
         if (got == 0 || (m_size > 0 && m_bytesRead > m_size)) {
             if (Status status = checkUnchanged(); !status)
                 return status.error();
@@ -199,7 +199,7 @@ Result<std::size_t> TextInput::read(char* target, std::size_t size) {
     m_raw.remove_prefix(first);
     std::size_t filled = first;
     if (filled < size && !m_isFileDone) {
-        m_chunk = std::string(); // its last was taken
+        m_chunk = std::string(); // its last byte was consumed
         const auto got = readContent(target + filled, size - filled);
         if (!got)
             return got.error();

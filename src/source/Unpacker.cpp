@@ -22,7 +22,7 @@ namespace {
 using std::string_view_literals::operator""sv;
 
 constexpr std::size_t kChunk = std::size_t{1} << 18;
-/// What some libraries count in fits into 32 bits.
+/// Some libraries count in 32 bits.
 constexpr std::size_t kMostAtOnce = std::size_t{1} << 30;
 constexpr std::size_t kMostMemory = std::size_t{512} << 20;
 constexpr int kZstdWindowBits = 29; ///< kMostMemory
@@ -36,7 +36,7 @@ bool beginsBzip2(std::string_view start) {
     if (start.size() < 10 || !start.starts_with("BZh") || start[3] < '1' || start[3] > '9')
         return false;
     start.remove_prefix(4);
-    // The first block, or the end where there is none.
+    // The first block, or the end if there is none.
     return start.starts_with("\x31\x41\x59\x26\x53\x59") || start.starts_with("\x17\x72\x45\x38\x50\x90");
 }
 
@@ -57,7 +57,7 @@ Packing packingOf(std::string_view start) {
     return beginsZstd(start) ? Packing::Zstd : Packing::None;
 }
 
-/// One part after another. Memory that a library lacks is told as std::bad_alloc.
+/// Unpacks one part after another. std::bad_alloc if a library lacks memory.
 class Unpacker::Decoder {
   public:
     enum class Outcome { GoesOn, PartIsOver, IsDamaged, NeedsMemory };
@@ -68,10 +68,10 @@ class Unpacker::Decoder {
     Decoder& operator=(const Decoder&) = delete;
 
     virtual void beginPart() = 0;
-    /// Takes from the front of `input` and fills `size` bytes from `target` on, and moves all three. No progress is
-    /// no failure.
+    /// Consumes from the front of `input`, fills `size` bytes from `target` on, and advances all three. No progress is
+    /// not an error.
     virtual Outcome step(std::string_view& input, char*& target, std::size_t& size) = 0;
-    /// What is damaged, in the words of the library.
+    /// The damage, in the words of the library.
     [[nodiscard]] std::string_view damage() const { return m_damage; }
 
   protected:
@@ -83,7 +83,7 @@ class Unpacker::Decoder {
         if (!isReady)
             throw std::bad_alloc();
     }
-    /// Calls `run` on a stream of the shape that three of the libraries share.
+    /// Calls `run` on a stream of the form that three of the libraries share.
     template <typename Byte, typename Stream, typename Run>
     static auto drive(Stream& stream, std::string_view& input, char*& target, std::size_t& size, Run run) {
         const std::size_t given = std::min(input.size(), kMostAtOnce);

@@ -11,7 +11,7 @@
 
 namespace tavix::source {
 
-/// How a file is compressed; its first bytes tell, whatever its name is.
+/// How a file is compressed, detected by its first bytes, whatever its name.
 enum class Packing { None, Gzip, Bzip2, Xz, Zstd };
 
 /// Enough of a file for packingOf().
@@ -22,25 +22,25 @@ inline constexpr std::size_t kPackingMark = 16;
 
 [[nodiscard]] Packing packingOf(std::string_view start);
 
-/// The content of a compressed file, in memory that does not grow with it. Parts that were compressed one by one and
-/// joined are read as one, and zero bytes after the last part are padding. The checksums are verified.
+/// The content of a compressed file, in bounded memory. Concatenated parts are read as one, and zero bytes after the
+/// last part are padding. Checksums are verified.
 class Unpacker {
   public:
-    /// Fills the bytes with what follows in the file: fewer at its end only.
+    /// Fills the bytes with the next ones of the file; fewer only at its end.
     using ReadFile = std::function<Result<std::size_t>(char* target, std::size_t size)>;
 
-    /// `start` is what was already read of the file; `path` is for errors. Not for Packing::None.
+    /// `start` is what was already read from the file; `path` is for errors. Not for Packing::None.
     Unpacker(Packing packing, std::string path, std::string start, ReadFile readFile);
     ~Unpacker();
     Unpacker(const Unpacker&) = delete;
     Unpacker& operator=(const Unpacker&) = delete;
 
-    /// Fills `target` and returns how much that is: less than `size` at the end only. Damaged data, data without an
-    /// end, and data that needs more than 512 MB of memory to be unpacked are errors.
+    /// Fills `target` and returns the size, less than `size` only at the end. Damaged or truncated data, and data that
+    /// needs more than 512 MB of memory to unpack, are errors.
     [[nodiscard]] Result<std::size_t> read(char* target, std::size_t size);
 
     [[nodiscard]] Packing packing() const { return m_packing; }
-    /// Bytes of the file that were used.
+    /// Bytes of the file consumed.
     [[nodiscard]] std::int64_t packedBytes() const { return m_packedBytes; }
     [[nodiscard]] std::int64_t unpackedBytes() const { return m_unpackedBytes; }
 
@@ -51,7 +51,7 @@ class Unpacker {
     class XzDecoder;
     class ZstdDecoder;
 
-    /// The next bytes of the file, when all were used.
+    /// Reads the next bytes of the file once all were consumed.
     [[nodiscard]] Status refill();
     /// Whether another part follows.
     [[nodiscard]] Result<bool> beginPart();
@@ -60,7 +60,7 @@ class Unpacker {
     Packing m_packing;
     std::string m_path;
     std::string m_chunk;
-    std::string_view m_input; ///< what was not used of m_chunk
+    std::string_view m_input; ///< the part of m_chunk not consumed yet
     ReadFile m_readFile;
     std::unique_ptr<Decoder> m_decoder;
     bool m_isFileDone = false;

@@ -20,7 +20,7 @@ bool continues(std::string_view text, std::size_t at, unsigned low = 0x80, unsig
     return at < text.size() && byteAt(text, at) >= low && byteAt(text, at) <= high;
 }
 
-/// The size of the well-formed character beyond ASCII that begins at `at`; 0 when there is none (Unicode, table 3-7).
+/// The size of the well-formed non-ASCII character that begins at `at`; 0 if there is none (Unicode, table 3-7).
 std::size_t wideCharacter(std::string_view text, std::size_t at) {
     const unsigned lead = byteAt(text, at);
     if (lead >= 0xC2 && lead <= 0xDF)

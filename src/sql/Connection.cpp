@@ -197,7 +197,7 @@ Result<Transaction> Transaction::begin(Connection& connection) {
 Transaction::Transaction(Transaction&& other) noexcept : m_connection(std::exchange(other.m_connection, nullptr)) {}
 
 Transaction::~Transaction() {
-    // A failed statement may have rolled back already; then this fails and nothing is left to do.
+    // A failed statement may have rolled back already; then this fails harmlessly.
     if (m_connection)
         (void)m_connection->execute("ROLLBACK");
 }

@@ -15,20 +15,20 @@
 namespace tavix::sql {
 
 enum class OpenMode {
-    Read,   ///< must exist; nothing is written, neither the file nor, once closed, anything beside it
+    Read,   ///< must exist; writes neither to the file nor, once closed, beside it
     Write,  ///< must exist
-    Create, ///< made when it does not exist
+    Create, ///< created if it does not exist
 };
 
-/// What a step of a statement came to.
+/// The outcome of one step of a statement.
 enum class Step { Row, Done, Failed };
 
 enum class ValueType { Null, Integer, Real, Text, Blob };
 
 class Connection;
 
-/// A prepared statement, borrowed from its connection's pool and given back on destruction. Parameters are numbered
-/// from 1, columns from 0. It must not outlive the connection.
+/// A prepared statement, borrowed from its connection's pool and returned on destruction. Parameters are numbered from
+/// 1, columns from 0. It must not outlive the connection.
 class Statement {
   public:
     Statement(Statement&&) noexcept;
@@ -41,26 +41,28 @@ class Statement {
     /// Copied.
     Statement& bind(int parameter, std::string_view text);
     Statement& bind(int parameter, const char* text) { return bind(parameter, std::string_view(text)); }
-    /// Not copied: the bytes must live until the statement is stepped to its end or reset.
+    /// Not copied: the bytes must live until the statement has been stepped to its end or reset.
     Statement& bindBlob(int parameter, std::span<const std::byte> bytes);
     Statement& bindNull(int parameter);
 
-    /// On Failed the connection's errorText() says why.
+    /// After Failed, the connection's errorText() gives the reason.
     [[nodiscard]] Step step();
+    /// Steps to a row that must exist; `missing` is the error if it does not.
+    [[nodiscard]] Status stepToRow(const Error& missing);
     /// For statements without rows, or whose rows do not matter: steps to the end and resets.
     [[nodiscard]] Status run();
-    /// Ready to be stepped again; bindings stay.
+    /// Makes the statement ready to be stepped again; keeps its bindings.
     void reset();
 
     [[nodiscard]] int columnCount() const;
     [[nodiscard]] std::string_view columnName(int column) const;
-    /// Of the current row's value; a column has no type of its own.
+    /// The type of the current row's value; columns have no types.
     [[nodiscard]] ValueType type(int column) const;
     [[nodiscard]] bool isNull(int column) const { return type(column) == ValueType::Null; }
     [[nodiscard]] bool isReal(int column) const { return type(column) == ValueType::Real; }
     [[nodiscard]] std::int64_t integer(int column) const;
     [[nodiscard]] double real(int column) const;
-    /// Valid until the next step. A real must be asked for by real(): its text is the store's affair.
+    /// Valid until the next step. Read a real with real(): its text depends on SQLite.
     [[nodiscard]] std::string_view text(int column) const;
     /// Valid until the next step.
     [[nodiscard]] std::span<const std::byte> blob(int column) const;
@@ -72,12 +74,11 @@ class Statement {
     std::unique_ptr<State> m_state;
 };
 
-/// One connection to a repository store. This folder alone knows a dialect or a driver header. Not thread-safe, except
-/// for interrupt().
+/// One connection to a repository store. Not thread-safe, except for interrupt().
 class Connection {
   public:
-    /// Opens a SQLite file. Errors say what is wrong with the file in a user's words: missing, a folder, no
-    /// permission, not a database. A busy file is waited for as long as `busyTimeout` says.
+    /// Opens a SQLite file. Errors name the problem in a user's words: missing, a folder, no permission, not a
+    /// database. Waits for a busy file up to `busyTimeout`.
     [[nodiscard]] static Result<std::unique_ptr<Connection>>
     openFile(const std::string& path, OpenMode mode,
              std::chrono::milliseconds busyTimeout = std::chrono::milliseconds(5000));
@@ -85,42 +86,42 @@ class Connection {
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    /// From now on a busy file is waited for as long as `mayWait`, asked some twenty times a second, says so.
+    /// From now on, waits for a busy file while `mayWait`, called some twenty times a second, returns true.
     void waitWhile(std::function<bool()> mayWait);
 
-    /// From now on running statements ask `mayGoOn` now and then, and fail with "interrupted" when it says no. Empty:
-    /// ask nobody.
+    /// From now on, running statements call `mayGoOn` now and then, and fail with "interrupted" when it returns false.
+    /// Empty: none is called.
     void goOnWhile(std::function<bool()> mayGoOn);
 
     /// Runs a script of statements without parameters.
     [[nodiscard]] Status execute(const std::string& script);
-    /// A statement from the pool, parsed only when this text was not prepared before.
+    /// A statement from the pool, parsed only if its text was not prepared before.
     [[nodiscard]] Result<Statement> prepare(std::string_view sql);
-    /// The first column of the first row of a statement without parameters; an error when it has no row.
+    /// The first column of the first row of a statement without parameters; an error if it has no row.
     [[nodiscard]] Result<std::int64_t> queryInteger(std::string_view sql);
 
-    /// Who made the store (0: nobody said) and which version of their schema it has.
+    /// The program that made the store (0: unknown) and the version of its schema.
     [[nodiscard]] Result<std::int64_t> applicationId() { return queryInteger("PRAGMA application_id"); }
     [[nodiscard]] Result<std::int64_t> schemaVersion() { return queryInteger("PRAGMA user_version"); }
-    /// To be called within the transaction that makes or changes the schema.
+    /// Within the transaction that creates or changes the schema.
     [[nodiscard]] Status setApplicationId(std::int32_t id);
     [[nodiscard]] Status setSchemaVersion(std::int32_t version);
-    /// Whether there is no table, view or index at all.
+    /// Whether there is no table, view or index.
     [[nodiscard]] Result<bool> isEmpty();
-    /// Lets readers and a writer work at once from now on; kept in the file.
+    /// Lets readers and one writer work at the same time from now on; the file keeps the setting.
     [[nodiscard]] Status enableConcurrency();
-    /// How many bytes of changed pages a transaction may hold back. A page that has to be written before the end and is
-    /// changed once more makes the commit read everything again that was written after it.
+    /// The most bytes of changed pages that a transaction keeps in memory. If a page is written before the end and
+    /// changed again, the commit must re-read everything written after it.
     [[nodiscard]] Status setCacheSize(std::size_t bytes);
-    /// Gives at most `pages` unused pages back to the file system. True when there are more.
+    /// Returns at most `pages` unused pages to the file system. True if there are more.
     [[nodiscard]] Result<bool> freeSpace(int pages);
-    /// Moves what was written into the main file, if no reader stands in the way.
+    /// Moves recent changes into the main file, unless a reader prevents it.
     void checkpoint();
 
-    /// Reads the whole file and says what is wrong with it, at most so many things; nothing when it is sound.
+    /// Reads the whole file and returns what is wrong with it, at most `atMost` findings; empty if it is sound.
     [[nodiscard]] Result<std::vector<std::string>> findDamage(int atMost);
 
-    /// The id that the next row of a table gets whose ids are never given twice; within a transaction that writes.
+    /// The next id of a table whose ids are never reused; within a transaction that writes.
     [[nodiscard]] Result<std::int64_t> nextId(std::string_view table);
     [[nodiscard]] std::int64_t lastInsertId() const;
     [[nodiscard]] std::int64_t changes() const;
@@ -138,7 +139,7 @@ class Connection {
     std::unique_ptr<Impl> m_impl;
 };
 
-/// As long as it lives, all that is read is of one moment. Within a transaction it changes nothing.
+/// During its lifetime all reads see one moment. Has no effect within a transaction.
 class Snapshot {
   public:
     [[nodiscard]] static Result<Snapshot> begin(Connection& connection);
@@ -151,7 +152,7 @@ class Snapshot {
     Connection* m_connection;
 };
 
-/// Begins at once for writing; rolls back on destruction unless committed.
+/// Starts for writing immediately; rolls back on destruction unless committed.
 class Transaction {
   public:
     [[nodiscard]] static Result<Transaction> begin(Connection& connection);

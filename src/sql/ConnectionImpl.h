@@ -13,10 +13,10 @@
 struct sqlite3;
 struct sqlite3_stmt;
 
-/// What the files of this folder share about a connection.
+/// The state of a connection, shared by the files of this folder.
 namespace tavix::sql {
 
-/// A result code of SQLite's other than success.
+/// A result code of SQLite other than success.
 struct Failure {
     int code = 0; ///< extended
     int systemError = 0;
@@ -28,7 +28,7 @@ struct Connection::Impl {
     std::string path;
     bool isReader = true;
     std::optional<HeldRepository> hold;
-    /// Parsed statements that nobody uses at the moment. The texts come from our own code, so their number is bounded.
+    /// Parsed statements not in use. The texts come from our own code, so their number is bounded.
     std::map<std::string, std::vector<sqlite3_stmt*>, std::less<>> idle;
     std::string lastError;
     std::function<bool()> mayWait;
@@ -39,16 +39,16 @@ struct Connection::Impl {
     Impl& operator=(const Impl&) = delete;
     ~Impl();
 
-    /// Of the call on `handle` that just failed.
+    /// The error of the call on `handle` that just failed.
     [[nodiscard]] Failure failure() const;
-    /// Keeps and returns the error of the call on `handle` that just failed.
+    /// Stores and returns the error of the call on `handle` that just failed.
     Error fail();
 };
 
 struct Statement::State {
     Connection::Impl* connection = nullptr;
     sqlite3_stmt* handle = nullptr;
-    std::vector<sqlite3_stmt*>* home = nullptr; ///< where it goes when it is idle
+    std::vector<sqlite3_stmt*>* home = nullptr; ///< the pool to return to
     bool bindFailed = false;
 
     State() = default;
@@ -57,9 +57,9 @@ struct Statement::State {
     ~State();
 };
 
-/// In a user's words.
+/// The error in a user's words.
 [[nodiscard]] std::string describeError(const Failure& failure, std::string_view message, const std::string& path);
-/// There is no room on the disk.
+/// The disk is full.
 [[nodiscard]] bool isDiskFull(const Failure& failure);
 
 } // namespace tavix::sql

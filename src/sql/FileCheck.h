@@ -6,7 +6,7 @@
 
 namespace tavix::sql {
 
-/// What Connection::openFile() would find wrong with the file before it opens it.
+/// The checks of Connection::openFile() before it opens the file.
 [[nodiscard]] Status checkRepositoryFile(const std::string& path, OpenMode mode);
 
 } // namespace tavix::sql

@@ -19,9 +19,9 @@ namespace {
 using CloseCall = int (*)(int);
 using FcntlCall = int (*)(int, int, ...);
 
-/// SQLite counts the locks of its connections by file and takes or drops a lock of the system for all of them at once,
-/// through whichever connection comes first. So all locks of a file go through one descriptor here too: that of the
-/// first lock. SQLite does not close it while a lock is held.
+/// SQLite counts the locks of its connections by file and takes or drops a system lock for all of them at once, through
+/// any of the connections. So all locks of a file use one descriptor here, too: that of the first lock, which SQLite
+/// does not close while a lock is held.
 class LockedFiles {
   public:
     LockedFiles(FcntlCall fcntlCall, CloseCall closeCall) : m_fcntl(fcntlCall), m_close(closeCall) {}
@@ -81,7 +81,7 @@ class LockedFiles {
         return done == 0 && isAll ? call(descriptor, false, F_SETLK, wanted) : done;
     }
 
-    /// Some systems do not know such locks. Then no lock of the file can be held that way.
+    /// Some systems do not support such locks. Then none is used for the file.
     int callOrFallBack(int descriptor, bool& byDescription, int command, struct flock& wanted) const {
         const int done = call(descriptor, byDescription, command, wanted);
         if (done == 0 || errno != EINVAL || !byDescription)
@@ -93,7 +93,7 @@ class LockedFiles {
     int call(int descriptor, bool byDescription, int command, struct flock& wanted) const {
         if (!byDescription)
             return m_fcntl(descriptor, command, &wanted);
-        wanted.l_pid = 0; // The system insists on it, and SQLite leaves it as it finds it.
+        wanted.l_pid = 0; // Required by the system, and SQLite leaves it unset.
         return m_fcntl(descriptor, command == F_GETLK ? F_OFD_GETLK : F_OFD_SETLK, &wanted);
     }
 
@@ -133,7 +133,7 @@ void replaceCalls() {
     const auto closeCall = originalCall<CloseCall>(*system, "close");
     if (!fcntlCall || !closeCall)
         return;
-    // Kept to the end: a database may be closed by what is destroyed after any object of ours.
+    // Never destroyed: a database may be closed later than any of our objects.
     static auto* files = new LockedFiles(fcntlCall, closeCall);
     lockedFiles = files;
     system->xSetSystemCall(system, "close", reinterpret_cast<sqlite3_syscall_ptr>(closeFile));

@@ -2,10 +2,10 @@
 
 namespace tavix::sql {
 
-/// Lets SQLite lock files through their open descriptions rather than through the process, where the system can. POSIX
-/// locks belong to the process, and all of them vanish when any descriptor of the file is closed: a file dialog that
-/// peeks into a repository would take away the locks of the session, and another program could then remove the log of
-/// a writer. The first call decides for the process.
+/// Makes SQLite lock files through open file descriptions instead of the process, where the system supports it. POSIX
+/// locks belong to the process, and closing any descriptor of the file drops all of them: a file dialog that looks into
+/// a repository would drop the session's locks, and another program could then delete a writer's log. The first call
+/// decides for the process.
 void useDescriptionLocks();
 
 } // namespace tavix::sql

@@ -1,3 +1,4 @@
+#include "base/Ascii.h"
 #include "sql/ConnectionImpl.h"
 #include "sql/FileCheck.h"
 #include "sql/FileLocks.h"
@@ -32,18 +33,17 @@ bool hasContent(const std::string& path) {
     return ::stat(path.c_str(), &info) == 0 && info.st_size > 0;
 }
 
-/// The path as a URI; every byte that could mean something in one is escaped.
+/// The path as a URI, with every byte escaped that could have a meaning in one.
 std::string toUri(const std::string& path, Access access, bool create) {
     std::error_code ignored;
     std::string uri = "file://";
     for (char character : std::filesystem::absolute(path, ignored).string()) {
-        auto byte = static_cast<unsigned char>(character);
-        bool plain = (byte >= '0' && byte <= '9') || (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
-                     byte == '/' || byte == '.' || byte == '-' || byte == '_';
-        if (plain)
+        const bool isPlain = isAsciiLetter(character) || isAsciiDigit(character) || character == '/' ||
+                             character == '.' || character == '-' || character == '_';
+        if (isPlain)
             uri += character;
         else
-            uri += fmt::format("%{:02X}", byte);
+            uri += fmt::format("%{:02X}", static_cast<unsigned char>(character));
     }
     if (access == Access::Immutable)
         uri += "?mode=ro&immutable=1";
@@ -54,15 +54,15 @@ std::string toUri(const std::string& path, Access access, bool create) {
     return uri;
 }
 
-/// SQLite refuses what does not begin as a database does, but takes a file of one byte for an empty one and would write
-/// over it. Only the size is asked for: to open the file here and close it would drop the locks that other connections
-/// of this process hold on it.
+/// SQLite rejects a file that does not begin like a database, but takes a file of one byte for an empty one and would
+/// overwrite it. Only the size is read: opening and closing the file here would drop the locks of this process's other
+/// connections.
 bool isTooSmall(const struct stat& info) {
     constexpr off_t kSmallestPage = 512;
     return info.st_size > 0 && info.st_size < kSmallestPage;
 }
 
-/// What is wrong with the file before the store looks into it.
+/// Checks the file before SQLite opens it.
 Status checkFile(const std::string& path, OpenMode mode) {
     if (path.empty())
         return Error{"No repository was named."};
@@ -98,20 +98,20 @@ Status checkFile(const std::string& path, OpenMode mode) {
 }
 
 Access readAccess(const std::string& path) {
-    // A reader that may write removes the files beside the repository when it closes; one that may not would leave
-    // them behind. So whoever may not write takes the file as unchanging, unless a writer's unfinished business
-    // lies beside it.
+    // A reader with write permission removes the files beside the repository when it closes; one without would leave
+    // them behind. So a reader without write permission opens the file as immutable, unless a writer's unfinished log
+    // is beside it.
     if (::access(path.c_str(), W_OK) == 0 && ::access(parentOf(path).c_str(), W_OK) == 0)
         return Access::ReadWrite;
     return hasContent(path + "-wal") ? Access::ReadOnly : Access::Immutable;
 }
 
-/// Does what shows whether the file is a database at all.
+/// Forces SQLite to read the file's header, which shows whether it is a database.
 bool configure(sqlite3* handle, OpenMode mode, bool isNew, bool keepLog) {
     auto execute = [&](const std::string& script) {
         return sqlite3_exec(handle, script.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
     };
-    // Views and triggers of a foreign file are not to call functions with effects.
+    // Views and triggers of a foreign file must not call functions with side effects.
     sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     if (keepLog)
@@ -135,29 +135,29 @@ bool readNumber(sqlite3* handle, const char* sql, std::int64_t& number) {
     return isRead;
 }
 
-/// Whether the file is shorter than its pages. SQLite notices missing pages, but reads a page that was cut as if it
-/// ended in zeros. With a log beside it the file may be short, as the rest is there.
+/// Whether the file is shorter than its number of pages. SQLite notices missing pages, but reads a truncated page as if
+/// it ended in zeros. With a log beside it the file may be short, because the log has the rest.
 bool isCut(sqlite3* handle, const std::string& path) {
     std::int64_t pages = 0;
     std::int64_t pageSize = 0;
     struct stat info {};
-    // As long as it is read, nobody makes it shorter.
+    // Nobody truncates the file while it is being read.
     if (sqlite3_exec(handle, "BEGIN", nullptr, nullptr, nullptr) != SQLITE_OK)
         return false;
     const bool isKnown =
         readNumber(handle, "PRAGMA page_count", pages) && readNumber(handle, "PRAGMA page_size", pageSize);
     const auto isShort = [&] { return ::stat(path.c_str(), &info) == 0 && info.st_size < pages * pageSize; };
-    // Asked twice: the log may have been moved into the file in between.
+    // Checked twice: the log may have been moved into the file in between.
     const bool cut = isKnown && isShort() && !hasContent(path + "-wal") && isShort();
     sqlite3_exec(handle, "COMMIT", nullptr, nullptr, nullptr);
     return cut;
 }
 
-/// Opens and configures the handle of `impl`; what failed is to be asked of the handle.
+/// Opens and configures the handle of `impl`; on failure, ask the handle for the error.
 bool openHandle(sqlite3*& handle, const std::string& path, OpenMode mode, Access access,
                 std::chrono::milliseconds busyTimeout) {
     bool isNew = mode == OpenMode::Create && !hasContent(path);
-    // A reader does not tidy up after a writer that died: that is the next writer's work.
+    // A reader does not recover after a writer that died; the next writer does.
     bool keepLog = mode == OpenMode::Read && hasContent(path + "-wal");
     int flags = SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
                 (access == Access::ReadWrite ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY) |
@@ -188,7 +188,7 @@ Result<std::unique_ptr<Connection>> Connection::openFile(const std::string& path
     bool isOpen = openHandle(impl->handle, path, mode, access, busyTimeout);
     if (!isOpen && mode == OpenMode::Read && access == Access::ReadWrite && isDiskFull(impl->failure()) &&
         !hasContent(path + "-wal")) {
-        // There is no room for the file that readers and writers share. Nobody can be writing then.
+        // The file shared by readers and writers cannot be created, so nobody can be writing.
         sqlite3_close_v2(std::exchange(impl->handle, nullptr));
         access = Access::Immutable;
         isOpen = openHandle(impl->handle, path, mode, access, busyTimeout);

@@ -66,6 +66,18 @@ Step Statement::step() {
     }
 }
 
+Status Statement::stepToRow(const Error& missing) {
+    switch (step()) {
+    case Step::Row:
+        return {};
+    case Step::Done:
+        return missing;
+    case Step::Failed:
+        break;
+    }
+    return Error{m_state->connection->lastError};
+}
+
 Status Statement::run() {
     Step outcome = Step::Row;
     while (outcome == Step::Row)

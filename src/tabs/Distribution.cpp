@@ -1,18 +1,12 @@
 #include "tabs/Distribution.h"
 
 #include "access/Layouts.h"
-#include "base/NumberText.h"
 
 #include <limits>
 
 namespace tavix {
 
 namespace {
-
-// A cursor gives 32-bit integers, doubles and texts; doubles are exact for every count that a field can have.
-std::int64_t countOf(const ProfileCursor& rows, int column) {
-    return saturateToInt64(rows.getColumnDouble(column));
-}
 
 void add(std::int64_t& sum, std::int64_t count) {
     if (__builtin_add_overflow(sum, count, &sum))
@@ -31,7 +25,7 @@ Distribution readValueDistribution(ProfileCursor& rows, std::int64_t limit, std:
     std::int64_t all = 0;
     // The limit is asked first: the row after the last one shown may stand in a block of its own.
     while (!(knownTotal && isFull(distribution, limit)) && rows.next()) {
-        const std::int64_t count = countOf(rows, layout::FreqCount);
+        const std::int64_t count = rows.getColumnInt64(layout::FreqCount);
         add(all, count);
         if (isFull(distribution, limit))
             continue;
@@ -47,7 +41,7 @@ Distribution readValueDistribution(ProfileCursor& rows, std::int64_t limit, std:
 Distribution readPatternDistribution(ProfileCursor& rows, std::int64_t limit) {
     Distribution distribution;
     while (rows.next()) {
-        const std::int64_t count = countOf(rows, layout::PatternCountColumn);
+        const std::int64_t count = rows.getColumnInt64(layout::PatternCountColumn);
         add(distribution.total, count);
         if (isFull(distribution, limit))
             add(distribution.other, count);

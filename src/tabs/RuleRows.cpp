@@ -1,5 +1,6 @@
 #include "tabs/RuleRows.h"
 
+#include "access/CursorText.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
 #include "base/GenException.h"
@@ -22,14 +23,6 @@ constexpr std::string_view kNoMetrics = "The job of this report defines no custo
 constexpr std::string_view kNoRules = "The job of this report defines no business rules for this table.";
 constexpr int kDateWidth = 190;
 constexpr int kCountWidth = 110;
-
-std::string text(const ProfileCursor& cursor, int column) {
-    return cursor.getColumnValue(column).str();
-}
-
-std::int64_t count(const ProfileCursor& cursor, int column) {
-    return cursor.isColumnNull(column) ? 0 : saturateToInt64(cursor.getColumnDouble(column));
-}
 
 GridColumn countColumn(std::string_view heading) {
     return listColumn(heading, kCountWidth, CellAlignment::Right);
@@ -98,15 +91,15 @@ bool CustomMetricRows::Fill(PrViewer& viewer, int tableId) try {
     using namespace layout;
     std::vector<Metric> metrics;
     auto rows = readAll(viewer.getCustomMetrics(tableId), [&metrics](const ProfileCursor& metric) {
-        metrics.push_back({metric.getColumnInt(CustomMetricId), text(metric, CustomMetricKey)});
-        return Cells{textCell(text(metric, CustomMetricName)),
-                     textCell(text(metric, CustomMetricOutputName)),
+        metrics.push_back({metric.getColumnInt(CustomMetricId), textAt(metric, CustomMetricKey)});
+        return Cells{textCell(textAt(metric, CustomMetricName)),
+                     textCell(textAt(metric, CustomMetricOutputName)),
                      figureCell(metric.getColumnValue(CustomMetricOutputValue)),
-                     textCell(text(metric, CustomMetricFigure)),
-                     textCell(text(metric, CustomMetricExpression)),
-                     textCell(text(metric, CustomMetricInputs)),
-                     countCell(count(metric, CustomMetricUsedRows)),
-                     countCell(count(metric, CustomMetricErrorRows))};
+                     textCell(textAt(metric, CustomMetricFigure)),
+                     textCell(textAt(metric, CustomMetricExpression)),
+                     textCell(textAt(metric, CustomMetricInputs)),
+                     countCell(metric.getColumnInt64(CustomMetricUsedRows)),
+                     countCell(metric.getColumnInt64(CustomMetricErrorRows))};
     });
     if (!rows)
         return Fail(kMetricsFailed, viewer.getErrorString().view());
@@ -137,16 +130,17 @@ bool BusinessRuleRows::Fill(PrViewer& viewer, int tableId) try {
     using namespace layout;
     std::vector<Rule> rules;
     auto rows = readAll(viewer.getBusinessRules(tableId), [&rules](const ProfileCursor& rule) {
-        const std::int64_t failed = count(rule, RuleFailedRows);
-        const std::int64_t checked = count(rule, RuleCheckedRows);
-        rules.push_back({rule.getColumnInt(RuleId), text(rule, RuleKey), failed, count(rule, RuleLoggedRows)});
-        return Cells{textCell(text(rule, RuleName)),
+        const std::int64_t failed = rule.getColumnInt64(RuleFailedRows);
+        const std::int64_t checked = rule.getColumnInt64(RuleCheckedRows);
+        rules.push_back(
+            {rule.getColumnInt(RuleId), textAt(rule, RuleKey), failed, rule.getColumnInt64(RuleLoggedRows)});
+        return Cells{textCell(textAt(rule, RuleName)),
                      countCell(failed),
                      shareCell(failed, checked),
                      countCell(checked),
-                     countCell(count(rule, RuleErrorRows)),
-                     textCell(text(rule, RuleCondition)),
-                     textCell(text(rule, RuleInputs))};
+                     countCell(rule.getColumnInt64(RuleErrorRows)),
+                     textCell(textAt(rule, RuleCondition)),
+                     textCell(textAt(rule, RuleInputs))};
     });
     if (!rows)
         return Fail(kRulesFailed, viewer.getErrorString().view());
@@ -175,11 +169,11 @@ bool CustomMetricHistoryRows::Fill(PrViewer& viewer, const std::string& key) try
     using namespace layout;
     auto rows = readAll(viewer.getCustomMetricHistory(key), [this](const ProfileCursor& run) {
         return Cells{dateCell(run, m_locale),
-                     textCell(text(run, HistoryDescription)),
+                     textCell(textAt(run, HistoryDescription)),
                      figureCell(run.getColumnValue(MetricHistoryOutputValue)),
-                     countCell(count(run, MetricHistoryUsedRows)),
-                     countCell(count(run, MetricHistoryErrorRows)),
-                     textCell(text(run, MetricHistoryExpression))};
+                     countCell(run.getColumnInt64(MetricHistoryUsedRows)),
+                     countCell(run.getColumnInt64(MetricHistoryErrorRows)),
+                     textCell(textAt(run, MetricHistoryExpression))};
     });
     if (!rows)
         return Fail(kMetricsFailed, viewer.getErrorString().view());
@@ -198,11 +192,11 @@ BusinessRuleHistoryRows::BusinessRuleHistoryRows(const std::locale& locale)
 bool BusinessRuleHistoryRows::Fill(PrViewer& viewer, const std::string& key) try {
     using namespace layout;
     auto rows = readAll(viewer.getBusinessRuleHistory(key), [this](const ProfileCursor& run) {
-        const std::int64_t failed = count(run, RuleHistoryFailedRows);
-        const std::int64_t checked = count(run, RuleHistoryCheckedRows);
-        return Cells{dateCell(run, m_locale), textCell(text(run, HistoryDescription)),
+        const std::int64_t failed = run.getColumnInt64(RuleHistoryFailedRows);
+        const std::int64_t checked = run.getColumnInt64(RuleHistoryCheckedRows);
+        return Cells{dateCell(run, m_locale), textCell(textAt(run, HistoryDescription)),
                      countCell(failed),       shareCell(failed, checked),
-                     countCell(checked),      textCell(text(run, RuleHistoryCondition))};
+                     countCell(checked),      textCell(textAt(run, RuleHistoryCondition))};
     });
     if (!rows)
         return Fail(kRulesFailed, viewer.getErrorString().view());
@@ -221,7 +215,7 @@ bool RuleLogRows::Fill(PrViewer& viewer, int ruleId) try {
     for (int column = layout::RuleRowFirstField; column < cursor->getColumnCount(); ++column)
         columns.push_back(listColumn(cursor->getColumnName(column).view(), 150));
     auto rows = readAll(cursor, [](const ProfileCursor& row) {
-        Cells cells = {countCell(count(row, layout::RuleRowNumber))};
+        Cells cells = {countCell(row.getColumnInt64(layout::RuleRowNumber))};
         for (int column = layout::RuleRowFirstField; column < row.getColumnCount(); ++column)
             cells.push_back(valueCell(row.getColumnValue(column)));
         return cells;

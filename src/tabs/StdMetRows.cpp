@@ -1,5 +1,6 @@
 #include "tabs/StdMetRows.h"
 
+#include "access/CursorText.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
 #include "base/AlertRule.h"
@@ -20,31 +21,29 @@ namespace {
 constexpr int kTextWidth = 130;
 constexpr int kIconWidth = 25;
 
-std::string text(const ProfileCursor& cursor, int column) {
-    return cursor.getColumnValue(column).str();
 }
 
 bool belongsTo(const ProfileCursor& alert, const TableIdentity& table) {
     using namespace layout;
-    return text(alert, AlertTypeCode) == alertTypeCode(AlertSubject::StandardMetric) &&
-           tableKindOf(text(alert, AlertKindLetter)) == table.kind && text(alert, AlertDsn) == table.dataSource &&
-           text(alert, AlertCatalog) == table.catalog && text(alert, AlertSchema) == table.schema &&
-           text(alert, AlertTable) == table.name && text(alert, AlertObject) == table.objectName;
+    return textAt(alert, AlertTypeCode) == alertTypeCode(AlertSubject::StandardMetric) &&
+           tableKindOf(textAt(alert, AlertKindLetter)) == table.kind && textAt(alert, AlertDsn) == table.dataSource &&
+           textAt(alert, AlertCatalog) == table.catalog && textAt(alert, AlertSchema) == table.schema &&
+           textAt(alert, AlertTable) == table.name && textAt(alert, AlertObject) == table.objectName;
 }
 
 // Where a collection's field comes from. A catalog is told only where there is a schema.
 std::string sourceText(const ProfileCursor& cursor) {
     using namespace layout;
-    std::string source = text(cursor, SourceDsn);
-    const std::string schema = text(cursor, SourceSchema);
-    const std::string catalog = text(cursor, SourceCatalog);
+    std::string source = textAt(cursor, SourceDsn);
+    const std::string schema = textAt(cursor, SourceSchema);
+    const std::string catalog = textAt(cursor, SourceCatalog);
     if (!schema.empty()) {
         if (!catalog.empty())
             source += "." + catalog;
         source += "." + schema;
     }
-    const std::string object = text(cursor, SourceObject);
-    return source + "." + (object.empty() ? text(cursor, SourceTable) : object);
+    const std::string object = textAt(cursor, SourceObject);
+    return source + "." + (object.empty() ? textAt(cursor, SourceTable) : object);
 }
 
 GridColumn column(std::string heading, int width, CellAlignment alignment = CellAlignment::Left) {
@@ -125,8 +124,8 @@ void StdMetRows::ReadAlertMarks(PrViewer& viewer, const TableIdentity& table) {
     while (alerts && alerts->next()) {
         if (!belongsTo(*alerts, table))
             continue;
-        if (const auto metric = parseInteger(text(*alerts, layout::AlertMetric)))
-            m_marks.emplace(text(*alerts, layout::AlertInput), static_cast<int>(*metric));
+        if (const auto metric = parseInteger(textAt(*alerts, layout::AlertMetric)))
+            m_marks.emplace(textAt(*alerts, layout::AlertInput), static_cast<int>(*metric));
     }
 }
 
@@ -145,9 +144,9 @@ StdMetRows::Row StdMetRows::ReadRow(const ProfileCursor& cursor, const Collectio
     const int metrics = m_isCollection ? kCollectionFieldListPkrMetrics : kFieldListPkrMetrics;
     Row row;
     row.fieldId = cursor.getColumnInt(FieldId);
-    row.fieldName = text(cursor, FieldName);
-    row.typeCode = text(cursor, FieldTypeCode);
-    row.definedLength = text(cursor, metrics + static_cast<int>(MetricId::DefinedLength));
+    row.fieldName = textAt(cursor, FieldName);
+    row.typeCode = textAt(cursor, FieldTypeCode);
+    row.definedLength = textAt(cursor, metrics + static_cast<int>(MetricId::DefinedLength));
     row.cells.reserve(m_columns.size());
 
     const auto membership = collections.find(row.fieldId);

@@ -1,5 +1,6 @@
 #include "tabs/StoredColumnWidths.h"
 
+#include "base/Ascii.h"
 #include "base/NumberText.h"
 #include "settings/Settings.h"
 
@@ -17,8 +18,7 @@ constexpr int kWidest = 4000;
 std::string StoredColumnWidths::KeyOf(const std::string& column) const {
     std::string key = m_grid + ".";
     for (const char c : column) {
-        const bool isPlain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-        if (isPlain)
+        if (isAsciiLetter(c) || isAsciiDigit(c))
             key += c;
         else
             key += "_" + formatInteger(static_cast<unsigned char>(c)) + "_";

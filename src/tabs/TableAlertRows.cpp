@@ -1,5 +1,6 @@
 #include "tabs/TableAlertRows.h"
 
+#include "access/CursorText.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
 #include "base/GenException.h"
@@ -12,22 +13,18 @@ namespace {
 constexpr std::string_view kFailed = "Error occurred while retrieving alert list:";
 constexpr std::string_view kNone = "No alert is defined for this table.";
 
-std::string text(const ProfileCursor& alert, int column) {
-    return alert.getColumnValue(column).str();
-}
-
 bool belongsTo(const ProfileCursor& alert, const TableIdentity& table) {
     using namespace layout;
-    const std::string object = text(alert, AlertObject);
-    return text(alert, AlertDsn) == table.dataSource && text(alert, AlertCatalog) == table.catalog &&
-           text(alert, AlertSchema) == table.schema &&
-           (object.empty() ? text(alert, AlertTable) : object) == table.displayName();
+    const std::string object = textAt(alert, AlertObject);
+    return textAt(alert, AlertDsn) == table.dataSource && textAt(alert, AlertCatalog) == table.catalog &&
+           textAt(alert, AlertSchema) == table.schema &&
+           (object.empty() ? textAt(alert, AlertTable) : object) == table.displayName();
 }
 
 CAlertDisplayHelper::NamesByKey namesOf(ProfileCursor& cursor, int key, int name) {
     CAlertDisplayHelper::NamesByKey names;
     while (cursor.next())
-        names[text(cursor, key)] = text(cursor, name);
+        names[textAt(cursor, key)] = textAt(cursor, name);
     return names;
 }
 
@@ -56,8 +53,8 @@ bool TableAlertRows::Fill(PrViewer& viewer, const TableIdentity& table) try {
     while (rows->next()) {
         if (!belongsTo(*rows, table))
             continue;
-        alerts.push_back({rows->getColumnInt(layout::AlertId), text(*rows, layout::AlertDescription),
-                          CAlertDisplayHelper::TypeWord(text(*rows, layout::AlertTypeCode)), words.InputText(*rows)});
+        alerts.push_back({rows->getColumnInt(layout::AlertId), textAt(*rows, layout::AlertDescription),
+                          CAlertDisplayHelper::TypeWord(textAt(*rows, layout::AlertTypeCode)), words.InputText(*rows)});
     }
     m_alerts = std::move(alerts);
     ShowRecords(m_alerts.size());

@@ -1,5 +1,7 @@
 #include "worksheet/CellName.h"
 
+#include "base/Ascii.h"
+
 #include <fmt/format.h>
 
 namespace tavix::worksheet {
@@ -9,13 +11,9 @@ namespace {
 constexpr std::size_t kMaxLetters = 3;
 constexpr std::size_t kMaxDigits = 12;
 
-/// 1 to 26, or 0 for what is no letter.
+/// 1 to 26; 0 if it is not a letter.
 int letterNumber(char character) {
-    if (character >= 'A' && character <= 'Z')
-        return character - 'A' + 1;
-    if (character >= 'a' && character <= 'z')
-        return character - 'a' + 1;
-    return 0;
+    return isAsciiLetter(character) ? asciiUpper(character) - 'A' + 1 : 0;
 }
 
 } // namespace

@@ -16,8 +16,8 @@ struct Cell {
     bool operator==(const Cell&) const = default;
 };
 
-/// The cell of a name as "A1" or "ab12": one to three letters of any case, then a row number from 1 on, of at most
-/// twelve digits. A column that no sheet has (beyond IV) is understood here; putting something there fails.
+/// The cell of a name such as "A1" or "ab12": one to three letters in any case, then a row number from 1 on, of at most
+/// twelve digits. Accepts columns beyond IV, but no cell can be written there.
 [[nodiscard]] Result<Cell> parseCellName(std::string_view name);
 
 /// "A1" for the first cell.

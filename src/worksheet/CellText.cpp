@@ -13,9 +13,9 @@ namespace tavix::worksheet {
 namespace {
 
 constexpr char16_t kReplacement = 0xFFFD;
-/// From here on characters are mostly as wide as two digits.
+/// From here on most characters are two digits wide.
 constexpr char16_t kFirstWide = 0x2E80;
-/// No unit takes more bytes of UTF-8 than three, so this many and the start of one character more are enough to fill a
+/// A unit takes at most three bytes of UTF-8, so this many bytes and the start of one more character suffice to fill a
 /// cell and to know that the text is longer.
 constexpr std::size_t kMaxBytesLooked = 3 * (kMaxTextLength + std::size_t{2});
 

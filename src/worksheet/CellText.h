@@ -6,24 +6,24 @@
 
 namespace tavix::worksheet {
 
-/// A text in the form in which a cell keeps it: UTF-16, one byte a unit when every unit is below 0x100, at most 32,767
-/// units and then without half of a surrogate pair. Bytes that are no UTF-8 become U+FFFD.
+/// A text in the form of the file: UTF-16, or one byte a unit if every unit is below 0x100, cut to at most 32,767 units
+/// without splitting a surrogate pair. Bytes that are not valid UTF-8 become U+FFFD.
 class CellText {
   public:
-    /// The buffers serve the next text again.
+    /// Reuses the buffers for the next text.
     void assign(std::string_view utf8);
 
     [[nodiscard]] bool wide() const { return m_wide; }
     [[nodiscard]] std::size_t length() const { return m_wide ? m_units.size() : m_narrow.size(); }
-    /// The units as bytes; only when not wide. Valid until the next assign() and, for plain ASCII, as long as its text.
+    /// The units as bytes; only if not wide. Valid until the next assign() and, for plain ASCII, as long as its text.
     [[nodiscard]] std::string_view narrow() const { return m_narrow; }
-    /// Only when wide.
+    /// Only if wide.
     [[nodiscard]] std::u16string_view units() const { return m_units; }
     /// Whether the text was longer than a cell holds.
     [[nodiscard]] bool cut() const { return m_cut; }
 
     [[nodiscard]] bool hasLineBreak() const;
-    /// How many digits' room the longest line takes, as far as `most`; ideographs take two.
+    /// The width of the longest line in digits, up to `most`; ideographs take two.
     [[nodiscard]] int displayWidth(int most) const;
 
   private:

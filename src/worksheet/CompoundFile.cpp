@@ -24,7 +24,7 @@ Error writeError(const std::string& path, const std::string& reason) {
 
 } // namespace
 
-/// Destroyed from the last to the first: the stream, the container, the file.
+/// Destroyed in reverse order: the stream, the container, the file.
 struct CompoundFile::Container {
     std::unique_ptr<GsfOutput, Unref> file;
     std::unique_ptr<GsfOutfile, Unref> root;
@@ -77,10 +77,10 @@ Status CompoundFile::write(std::string_view bytes) {
 
 Status CompoundFile::commit() {
     errno = 0;
-    // The container closes its file as well, which leaves ours open.
+    // The container closes its own descriptor; ours stays open.
     const bool complete =
         gsf_output_close(m_container->stream.get()) && gsf_output_close(GSF_OUTPUT(m_container->root.get()));
-    // What is still buffered reaches the file only now.
+    // Buffered data reaches the file only now.
     if (!complete || std::fflush(m_file) != 0 || std::ferror(m_file) != 0)
         return failure(errno);
     m_container.reset();

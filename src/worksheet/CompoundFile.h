@@ -10,10 +10,10 @@
 
 namespace tavix::worksheet {
 
-/// A compound file ([MS-CFB]) with one stream, which appears whole or not at all.
+/// A compound file ([MS-CFB]) with one stream, which appears as a whole or not at all.
 class CompoundFile {
   public:
-    /// Fails when `path` cannot be written or is a device, which lets nobody go back to the beginning of what he wrote.
+    /// Fails if `path` cannot be written or is a device, which cannot be repositioned.
     [[nodiscard]] static Result<std::unique_ptr<CompoundFile>> create(const std::string& path,
                                                                       const std::string& streamName);
     /// Drops what was not committed.
@@ -26,7 +26,7 @@ class CompoundFile {
     Status commit();
 
   private:
-    struct Container; ///< what belongs to the container library
+    struct Container; ///< the state of the container library
 
     CompoundFile(std::string path, std::unique_ptr<FileWriter> writer);
     [[nodiscard]] Status openContainer(const std::string& streamName);

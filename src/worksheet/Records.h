@@ -9,7 +9,7 @@
 
 namespace tavix::worksheet {
 
-/// The records of a BIFF8 stream that are written here; names and numbers of [MS-XLS] 2.3.
+/// The BIFF8 records that are written here; names and numbers of [MS-XLS] 2.3.
 enum class RecordId : std::uint16_t {
     Eof = 0x000A,
     Selection = 0x001D,
@@ -32,7 +32,7 @@ enum class RecordId : std::uint16_t {
 };
 
 inline constexpr std::size_t kRecordHeaderBytes = 4;
-inline constexpr std::size_t kMaxRecordBytes = 8224; ///< of the data behind the header
+inline constexpr std::size_t kMaxRecordBytes = 8224; ///< of the data after the header
 
 /// Appends a number, little-endian.
 template <typename Unsigned>
@@ -63,7 +63,7 @@ inline void putUnits(std::string& out, std::u16string_view units) {
     }
 }
 
-/// Appends the header of a record whose data, of exactly so many bytes, follows.
+/// Appends the header of a record; data of exactly this size must follow.
 inline void putHeader(std::string& out, RecordId id, std::size_t bytes) {
     put16(out, static_cast<std::uint32_t>(id));
     put16(out, static_cast<std::uint32_t>(bytes));

@@ -18,7 +18,7 @@ constexpr std::size_t kTextHeaderBytes = 3;
 
 enum TextFlags : std::uint32_t { kNarrow = 0, kWide = 1 };
 
-/// Bytes of the first character, which stays with the header so that no record ends in a header alone.
+/// Bytes of the first character, which stays with the header so that no record ends after a header.
 std::size_t firstCharacterBytes(const CellText& text) {
     if (text.length() == 0)
         return 0;
@@ -27,8 +27,8 @@ std::size_t firstCharacterBytes(const CellText& text) {
     return U16_IS_LEAD(text.units()[0]) ? 4 : 2;
 }
 
-/// How many of the units fit into so many bytes without parting a surrogate pair: the format would let it be parted,
-/// but readers decode each record by itself.
+/// How many of the units fit into so many bytes without splitting a surrogate pair: the format would allow that, but
+/// readers decode each record by itself.
 std::size_t fittingUnits(std::u16string_view units, std::size_t bytes) {
     std::size_t count = std::min(units.size(), bytes / 2);
     if (count > 0 && count < units.size() && U16_IS_LEAD(units[count - 1]) && U16_IS_TRAIL(units[count]))
@@ -62,7 +62,7 @@ void SharedStrings::remember(Recent& slot, std::size_t hash, std::string_view ut
     m_recentBytes += utf8.size();
     slot.hash = hash;
     slot.number = m_count;
-    // A long text's memory is given back when a short one takes its place.
+    // Frees the memory of a long text when a short one replaces it.
     if (slot.text.capacity() > 2 * utf8.size() + 64)
         slot.text = std::string();
     slot.text.assign(utf8);

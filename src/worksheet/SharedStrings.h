@@ -11,13 +11,13 @@
 namespace tavix::worksheet {
 
 /// The table of texts that the cells of a workbook refer to: an SST record and its CONTINUE records ([MS-XLS] 2.4.265,
-/// 2.5.293). Texts that were met lately are stored once; which ones is a matter of a fixed amount of memory, and a text
-/// that stands twice in the table is only bytes lost.
+/// 2.5.293). Recently added texts are stored once, within a fixed amount of memory; a text that is in the table twice
+/// only costs bytes.
 class SharedStrings {
   public:
     explicit SharedStrings(SpoolStore& store);
 
-    /// The number of the text in the table. `utf8` is what `text` was made from.
+    /// The number of the text in the table. `utf8` is the source of `text`.
     std::uint32_t add(std::string_view utf8, const CellText& text);
 
     /// Bytes of the records.
@@ -41,9 +41,9 @@ class SharedStrings {
     std::vector<Recent> m_recent;
     std::size_t m_recentBytes = 0;
     std::uint32_t m_count = 0;
-    std::string m_first;   ///< data of the SST record once that is complete
-    std::string m_record;  ///< data of the record that is being filled, and before it its header
-    bool m_inFirst = true; ///< m_record is the SST record
+    std::string m_first;   ///< data of the SST record once it is complete
+    std::string m_record;  ///< data of the current record, with its header before it
+    bool m_inFirst = true; ///< the current record is the SST record
     Spool m_continuations; ///< complete CONTINUE records
 };
 

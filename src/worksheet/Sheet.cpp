@@ -11,7 +11,7 @@ namespace tavix::worksheet {
 
 namespace {
 
-/// Beyond it doubles leave out integers.
+/// From here on doubles skip integers.
 constexpr std::int64_t kMaxExactInteger = std::int64_t{1} << 53;
 /// Old programs show longer texts with the format "@" as "####".
 constexpr std::size_t kMaxMarkedText = 255;
@@ -146,7 +146,7 @@ Status Sheet::goTo(const Cell& cell) {
         return Error{fmt::format("Row {} of the worksheet \"{}\" is already written", cell.row + 1, m_name)};
     if (cell.row == m_row)
         return {};
-    // Far rows are refused before the empty sheets on the way to them are made.
+    // Reject far rows before creating the empty sheets up to them.
     if (Status room = m_store->names.checkRoom(rowInPart(cell.row) / kMaxRows); !room)
         return room;
     while (rowInPart(cell.row) >= kMaxRows)
@@ -166,8 +166,8 @@ void Sheet::finishRow() {
     m_cells.clear();
 }
 
-/// Called when a row comes that the last part cannot hold. Its last row then belongs to the note, so the row that is
-/// there goes to the new part.
+/// Called for a row that does not fit into the last part. The last row of that part is needed for the note, so its
+/// content moves to the new part.
 Status Sheet::continueOnFurtherSheet() {
     Result<std::string> name = m_store->names.addFurther(m_name, static_cast<int>(m_parts.size()) + 1);
     if (!name)

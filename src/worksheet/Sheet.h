@@ -15,7 +15,7 @@
 
 namespace tavix::worksheet {
 
-/// What the sheets of one workbook share.
+/// Shared by the sheets of one workbook.
 struct WorkbookStore {
     explicit WorkbookStore(std::size_t memoryBytes) : spools(memoryBytes), strings(spools) {}
 
@@ -23,7 +23,7 @@ struct WorkbookStore {
     SharedStrings strings;
     SheetNames names;
     CellText text;             ///< a buffer
-    std::int64_t cutTexts = 0; ///< texts that were longer than a cell holds
+    std::int64_t cutTexts = 0; ///< texts that were cut
 };
 
 class Sheet;
@@ -34,10 +34,10 @@ class Range {
     Range(Sheet& sheet, const Cell& cell) : m_sheet(&sheet), m_cell(cell) {}
 
     [[nodiscard]] const Cell& cell() const { return m_cell; }
-    /// The cell to the right. Beyond the last column there is none: putting something there fails.
+    /// The cell to the right. After the last column, writing to it fails.
     [[nodiscard]] Range next() const { return {*m_sheet, {m_cell.row, m_cell.column + 1}}; }
 
-    /// As the functions of Sheet.
+    /// Like the functions of Sheet.
     Status putText(std::string_view utf8);
     Status putHeader(std::string_view utf8);
     Status putNumber(double value);
@@ -48,42 +48,41 @@ class Range {
     Cell m_cell;
 };
 
-/// A sheet of a workbook, as long as it needs to be: rows beyond the 65,536 that a sheet of a file holds continue on
-/// "Name (2)" and so on, where the header cells of the first row are repeated; the last row of a full sheet says where
-/// they go on.
+/// A sheet of a workbook, as long as necessary: rows beyond the 65,536 of a sheet in the file continue on "Name (2)"
+/// and so on, which repeat the header cells of the first row; the last row of a full sheet refers to the next one.
 ///
-/// Rows are written from top to bottom: a row below the current one may be written, with rows left empty between them,
-/// and then the rows above are final. The cells of the current row may be written in any order and again. Memory does
-/// not grow with the rows. All functions that put fail for a column beyond the 256th, for a row that is final, and when
-/// the place that keeps the rows until the save is full; a cell that could not be put is left as it was.
+/// Rows are written from top to bottom: a row below the current one may be written, leaving empty rows between them,
+/// and then the rows above are final. The cells of the current row may be written repeatedly and in any order. Memory
+/// does not grow with the rows. All functions that write fail for a column after the 256th, for a final row, and if the
+/// store of rows until the save is full; a cell that could not be written is unchanged.
 class Sheet {
   public:
-    /// Made by Workbook only.
+    /// Created by Workbook only.
     Sheet(WorkbookStore& store, std::string name);
 
     [[nodiscard]] const std::string& name() const { return m_name; }
-    /// The cell of a name as "A1"; fails when it is none.
+    /// The cell of a name such as "A1"; fails for an invalid one.
     [[nodiscard]] Result<Range> range(std::string_view cellName);
 
-    /// Texts beyond 32,767 UTF-16 units are cut there and counted; an empty text leaves the cell empty. A text stays a
-    /// text, whatever it looks like.
+    /// Texts beyond 32,767 UTF-16 units are cut and counted; an empty text leaves the cell empty. A text stays a text,
+    /// whatever it looks like.
     Status putText(const Cell& cell, std::string_view utf8);
-    /// A bold text. The row of the headers stays in view when it is the first one.
+    /// A bold text. If its row is the first, the row stays visible while scrolling.
     Status putHeader(const Cell& cell, std::string_view utf8);
-    /// Infinities and what is no number become the texts of formatReal().
+    /// Infinities and NaN become the texts of formatReal().
     Status putNumber(const Cell& cell, double value);
-    /// Beyond 2^53, where the numbers of this format leave out integers, it is put as a text with all its digits.
+    /// Beyond 2^53, where the format's numbers skip integers, writes a text with all digits.
     Status putInteger(const Cell& cell, std::int64_t value);
 
-    /// In digits of the standard font, 0 to 255. A column whose width is not set is as wide as its content, between the
+    /// In digits of the standard font, 0 to 255. Without this a column is as wide as its content, between the usual
+    /// width and 60 digits.
     /// usual width and 60 digits.
     Status setColumnWidth(int column, double digits);
 
-    /// Whether rows continue on a further sheet of the file.
+    /// Whether rows continue on another sheet of the file.
     [[nodiscard]] bool continued() const { return m_parts.size() > 1; }
 
-    /// For the one that writes the file: the sheets of the file, from the first to the last row. What lies in the
-    /// current row is in them.
+    /// For writing the file: the sheets of the file in order, including the current row.
     [[nodiscard]] std::vector<SheetImage> images() const;
 
   private:

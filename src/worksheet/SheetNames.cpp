@@ -27,13 +27,13 @@ bool isForbidden(char16_t unit) {
     return unit < 0x20 || unit == 0x7F || std::u16string_view(u"[]:*?/\\").find(unit) != std::u16string_view::npos;
 }
 
-/// At most so many units, and no half of a surrogate pair at the end.
+/// At most so many units, without half of a surrogate pair at the end.
 void cut(icu::UnicodeString& text, std::int32_t length) {
     if (text.length() > length)
         text.truncate(text.getChar32Start(length));
 }
 
-/// Names are short; of a hostile text only the start matters.
+/// Names are short; of a hostile text only the beginning is examined.
 std::string_view start(std::string_view text) {
     return text.substr(0, 4096);
 }

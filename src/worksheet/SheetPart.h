@@ -12,15 +12,15 @@
 
 namespace tavix::worksheet {
 
-/// What stands in a cell: the number of a shared text, or a number.
+/// The content of a cell: the number of a shared text, or a number.
 struct CellContent {
     std::uint16_t column = 0;
     Style style = Style::Plain;
     std::optional<std::uint32_t> text;
-    double number = 0; ///< when there is no text
+    double number = 0; ///< without a text
 };
 
-/// In digits; what is not set is as wide as the content that was met.
+/// Widths in digits; a column without one is as wide as its content.
 struct ColumnWidths {
     std::array<double, kMaxColumns> set;
     std::array<int, kMaxColumns> content{};
@@ -28,7 +28,7 @@ struct ColumnWidths {
     ColumnWidths() { set.fill(-1); }
 };
 
-/// The cells that are not empty lie in these rows and columns; ends are exclusive.
+/// The range of non-empty cells; ends are exclusive.
 struct Extent {
     std::uint32_t firstRow = 0;
     std::uint32_t endRow = 0;
@@ -38,7 +38,7 @@ struct Extent {
     void include(std::uint32_t row, std::uint32_t column);
 };
 
-/// Appends the records of a row's cells, which come in the order of their columns.
+/// Appends the records of a row's cells, given in the order of their columns.
 void putCells(std::string& out, std::uint32_t row, const std::vector<CellContent>& cells);
 
 /// One sheet of the file: its finished rows.
@@ -46,7 +46,7 @@ class SheetPart {
   public:
     SheetPart(SpoolStore& store, std::string name) : m_name(std::move(name)), m_cells(store) {}
 
-    /// `row` is below 65,536 and above the row added before; `buffer` is for its use.
+    /// `row` is below 65,536 and above the row added before; `buffer` is scratch space.
     void addRow(std::uint32_t row, const std::vector<CellContent>& cells, std::string& buffer);
     void rename(std::string name) { m_name = std::move(name); }
 
@@ -65,17 +65,17 @@ class SheetPart {
     bool m_hasHeader = false;
 };
 
-/// What it takes to write one sheet of the file.
+/// Everything needed to write one sheet of the file.
 struct SheetImage {
     const SheetPart* part = nullptr; ///< its finished rows; lives as long as the workbook
     const ColumnWidths* widths = nullptr;
-    std::string lastRow; ///< the records of the row that is not finished
-    Extent extent;       ///< with that row
+    std::string lastRow; ///< the records of the unfinished row
+    Extent extent;       ///< including that row
     std::int64_t texts = 0;
     bool hasHeader = false;
 };
 
-/// Adds a row to what is counted of a sheet.
+/// Adds a row to the measures of a sheet.
 void countRow(std::uint32_t row, const std::vector<CellContent>& cells, Extent& extent, std::int64_t& texts,
               bool& hasHeader);
 

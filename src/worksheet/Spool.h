@@ -11,10 +11,10 @@
 
 namespace tavix::worksheet {
 
-/// Takes the bytes of a file in order.
+/// Receives the bytes of a file in order.
 using Sink = std::function<Status(std::string_view)>;
 
-/// Where what was written waits for the save: up to `memoryBytes` in memory, the rest in one nameless temporary file.
+/// Keeps what was written until the save: up to `memoryBytes` in memory, the rest in one nameless temporary file.
 class SpoolStore {
   public:
     static constexpr std::size_t kDefaultMemoryBytes = std::size_t{32} << 20u;
@@ -24,13 +24,13 @@ class SpoolStore {
     SpoolStore(const SpoolStore&) = delete;
     SpoolStore& operator=(const SpoolStore&) = delete;
 
-    /// The first failure of this store, such as a full disk; what was spooled since is lost.
+    /// The first failure of this store, such as a full disk; data spooled since is lost.
     [[nodiscard]] const Status& status() const { return m_status; }
 
   private:
     friend class Spool;
     struct Chunk {
-        std::string bytes;          ///< empty when they are in the file
+        std::string bytes;          ///< empty if they are in the file
         std::int64_t position = -1; ///< in the file
         std::size_t size = 0;
     };
@@ -38,7 +38,7 @@ class SpoolStore {
     [[nodiscard]] Chunk keep(std::string& bytes);
     [[nodiscard]] Status writeToFile(std::string_view bytes);
     [[nodiscard]] Status openFile();
-    /// The bytes of a chunk, in it or read into `buffer`.
+    /// The bytes of a chunk, its own or read into `buffer`.
     [[nodiscard]] Result<std::string_view> read(const Chunk& chunk, std::string& buffer) const;
 
     std::size_t m_memoryLeft;
@@ -48,12 +48,12 @@ class SpoolStore {
     Status m_status;
 };
 
-/// A sequence of bytes that grows at its end and is read whole. A store serves many; it has to outlive them.
+/// A sequence of bytes that grows at its end and is read as a whole. A store serves many and must outlive them.
 class Spool {
   public:
     explicit Spool(SpoolStore& store) : m_store(&store) {}
 
-    /// A failure shows in the store's status.
+    /// A failure appears in the store's status.
     void append(std::string_view bytes);
     [[nodiscard]] std::int64_t size() const { return m_kept + static_cast<std::int64_t>(m_tail.size()); }
     Status copyTo(const Sink& sink) const;

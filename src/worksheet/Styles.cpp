@@ -18,7 +18,7 @@ constexpr int kPlainFonts = 4;
 constexpr std::uint32_t kPlainFont = 0;
 constexpr std::uint32_t kBoldFont = 5;
 
-/// Numbers of formats that every reader knows.
+/// Format numbers that every reader knows.
 enum Format : std::uint32_t { kGeneral = 0, kDigits = 1, kAsText = 49 };
 
 constexpr int kStyleXfs = 15;
@@ -26,7 +26,7 @@ constexpr std::uint32_t kStyleXf = 0xFFF5; ///< a style that is locked and has n
 constexpr std::uint32_t kCellXf = 0x0001;  ///< a cell that is locked and whose parent is style 0
 constexpr std::uint32_t kBottom = 0x20;
 constexpr std::uint32_t kWrap = 0x08;
-/// Which groups of a cell's attributes are its own and not its style's.
+/// The groups of attributes that a cell has itself instead of its style.
 enum Own : std::uint32_t { kNothing = 0, kOwnFormat = 0x04, kOwnFont = 0x08, kOwnAlignment = 0x10 };
 constexpr std::uint32_t kNoOwnInStyle = 0xF4;
 

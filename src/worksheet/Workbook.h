@@ -11,8 +11,8 @@
 
 namespace tavix::worksheet {
 
-/// A workbook that is written once, from the first row to the last, and saved as an .xls file (BIFF8); what the files
-/// contain stands in docs/formats/worksheet.md.
+/// A workbook that is written once, from the first row to the last, and saved as an .xls file (BIFF8);
+/// docs/formats/worksheet.md describes the content of the files.
 ///
 ///     Workbook book;
 ///     Sheet& sheet = *book.sheet("Sheet1");
@@ -21,22 +21,22 @@ namespace tavix::worksheet {
 ///     book.save(path);
 class Workbook {
   public:
-    /// With one empty sheet, "Sheet1". Beyond `memoryBytes` what was written waits in a temporary file.
+    /// With one empty sheet, "Sheet1". Beyond `memoryBytes`, unsaved data goes to a temporary file.
     explicit Workbook(std::size_t memoryBytes = SpoolStore::kDefaultMemoryBytes);
     ~Workbook();
     Workbook(const Workbook&) = delete;
     Workbook& operator=(const Workbook&) = delete;
 
-    /// The sheet of that name, in any case; null when there is none. Sheets live as long as the workbook. What a sheet
-    /// continues on is no sheet of its own here.
+    /// The sheet of that name, ignoring case; null without one. Sheets live as long as the workbook. A sheet on which
+    /// another one continues is not listed.
     [[nodiscard]] Sheet* sheet(std::string_view name);
-    /// Adds a sheet behind the others. Fails for a name that is taken or that no sheet may have (see toSheetName()).
+    /// Adds a sheet after the others. Fails for a name that is in use or invalid (see toSheetName()).
     [[nodiscard]] Result<Sheet*> addSheet(std::string_view name);
-    /// Fails as addSheet() does, and when the sheet continues on others already, which are named after it.
+    /// Fails like addSheet(), and if the sheet already continues on others, which have its name.
     Status rename(Sheet& sheet, std::string_view name);
 
-    /// Writes everything put so far to a file beside `path` and then puts it there: a file that stands there is
-    /// replaced as a whole, and after a failure it is as it was. More may be put and saved after it.
+    /// Writes everything so far to a file beside `path`, which then replaces `path` as a whole; after a failure the old
+    /// file is unchanged. More may be written and saved after it.
     Status save(const std::string& path) const;
 
     /// How many texts were longer than the 32,767 UTF-16 units of a cell and were cut.

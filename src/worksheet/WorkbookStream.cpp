@@ -13,7 +13,7 @@ namespace {
 constexpr std::uint32_t kVersion = 0x0600;
 constexpr std::uint32_t kUtf16CodePage = 1200;
 constexpr double kUsualWidth = 8.43;
-/// Room on both sides of a text, in digits.
+/// Space on both sides of a text, in digits.
 constexpr double kMargin = 1.5;
 
 enum SubstreamKind : std::uint32_t { kGlobals = 0x0005, kWorksheet = 0x0010 };
@@ -60,7 +60,7 @@ void putSheetEntry(std::string& out, const std::string& name, std::int64_t posit
         out += text.narrow();
 }
 
-/// What stands before the shared strings. Its length does not depend on the positions.
+/// The records before the shared strings. Their length does not depend on the positions.
 std::string globals(const std::vector<SheetImage>& sheets, const std::vector<std::int64_t>& positions) {
     std::string out;
     putStart(out, kGlobals);
@@ -104,7 +104,7 @@ std::string beforeCells(const SheetImage& sheet) {
     return out;
 }
 
-/// The first row stays in view: a pane below it, in which the cell A2 is selected.
+/// Keeps the first row visible: a pane below it, in which the cell A2 is selected.
 void putFrozenFirstRow(std::string& out) {
     constexpr std::uint32_t kLowerLeft = 2;
     putHeader(out, RecordId::Pane, 10);

@@ -8,8 +8,8 @@
 
 namespace tavix::worksheet {
 
-/// Writes the stream "Workbook": the records of the whole, then those of each sheet. Fails when the sink does, or when
-/// it would be longer than readers can address; then before anything is written.
+/// Writes the stream "Workbook": the records of the workbook, then those of each sheet. Fails if the sink does, or,
+/// before writing anything, if the stream would exceed what readers can address.
 Status writeWorkbookStream(const std::vector<SheetImage>& sheets, const SharedStrings& strings, const Sink& sink);
 
 } // namespace tavix::worksheet

@@ -4,15 +4,15 @@
 
 namespace tavix::testing {
 
-/// A repository whose one field has 10,000 values, "1" to "10000" in falling frequency: enough for several blocks, so
-/// that whoever walks over them is told how far the walk is.
+/// A repository whose one field has 10,000 values, "1" to "10000" in descending frequency: enough for several blocks,
+/// so that reading them reports progress.
 struct LongList {
     std::string path;
     int job = -1;
     int table = -1;
     int field = -1;
 
-    /// Throws std::runtime_error when it cannot be built.
+    /// Throws std::runtime_error if it cannot be built.
     [[nodiscard]] static LongList build(const std::string& path);
 };
 

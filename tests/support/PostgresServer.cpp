@@ -24,7 +24,7 @@ std::string quoted(const std::string& text) {
     return out + "'";
 }
 
-/// What a command writes; throws when it fails.
+/// The output of a command; throws if it fails.
 std::string outputOf(const std::string& command) {
     std::FILE* const pipe = ::popen((command + " 2>&1").c_str(), "r");
     if (!pipe)
@@ -72,7 +72,7 @@ PostgresServer::PostgresServer() : m_programs(serverPrograms()), m_port(freePort
     const fs::path home = m_folder.path() / "server";
     fs::create_directory(home);
     std::ofstream(home / "password") << kPassword;
-    if (::geteuid() == 0) { // the server refuses to be root
+    if (::geteuid() == 0) { // the server refuses to run as root
         fs::permissions(m_folder.path(), fs::perms::others_exec | fs::perms::group_exec, fs::perm_options::add);
         outputOf("chown -R postgres " + quoted(home.string()));
     }

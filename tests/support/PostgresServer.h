@@ -6,25 +6,25 @@
 
 namespace tavix::testing {
 
-/// A PostgreSQL server of the test's own on the loopback interface, run by a user without rights; it ends with the
-/// object. Over the network it asks for the password.
+/// A PostgreSQL server for the test on the loopback interface, run by an unprivileged user; it ends with this object.
+/// It asks for the password over the network.
 class PostgresServer {
   public:
     static constexpr const char* kUser = "tester";
     static constexpr const char* kPassword = "p;w{}='\"ss";
 
-    /// Starts it. Throws std::runtime_error with the server's words when that does not succeed.
+    /// Starts it. Throws std::runtime_error with the server's message on failure.
     PostgresServer();
     ~PostgresServer();
     PostgresServer(const PostgresServer&) = delete;
     PostgresServer& operator=(const PostgresServer&) = delete;
 
     [[nodiscard]] int port() const { return m_port; }
-    /// A connection string of the driver for PostgreSQL without user and password.
+    /// A connection string for the PostgreSQL driver, without user and password.
     [[nodiscard]] std::string connection() const;
-    /// Runs SQL by psql. Throws std::runtime_error.
+    /// Runs SQL with psql. Throws std::runtime_error.
     void execute(const std::string& sql) const;
-    /// Kills the server as a power failure would.
+    /// Kills the server without a shutdown, like a power failure.
     void kill();
 
   private:
@@ -36,8 +36,8 @@ class PostgresServer {
     bool m_isRunning = false;
 };
 
-/// Lets the driver manager of this process, and of those that it starts, see these data sources alone: "lite", the
-/// SQLite file, and "pg" on the port, when there is one.
+/// Makes the driver manager of this process and its children use these data sources only: "lite", the SQLite file, and
+/// "pg" on the port, if there is one.
 void useOdbcFiles(const TempFolder& folder, const std::string& sqliteFile, int port = 0);
 
 } // namespace tavix::testing

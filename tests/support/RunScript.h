@@ -4,8 +4,8 @@
 
 namespace tavix::testing {
 
-/// Changes a repository behind the viewer's back: to damage it, or to hold what no run writes. Throws
-/// std::runtime_error when the script fails.
+/// Changes a repository with SQL: to damage it, or for content that no run writes. Throws std::runtime_error if the
+/// script fails.
 void runScript(const std::string& repository, const std::string& script);
 
 } // namespace tavix::testing

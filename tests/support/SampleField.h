@@ -9,14 +9,14 @@
 
 namespace tavix::testing {
 
-/// A field's facts together with the texts that they borrow.
+/// A field's facts with the texts that they borrow.
 class SampleField {
   public:
-    /// A value and how often it occurs; null is a value of its own.
+    /// A value and its count; null is a value of its own.
     using Values = std::vector<std::pair<KvbString, std::uint64_t>>;
 
-    /// Counts, lengths, patterns, extremes and, for numbers, the mean follow from the values, which may come in any
-    /// order. Median, mode, deviation and error stay null.
+    /// Computes counts, lengths, patterns, extremes and, for numbers, the mean from the values, in any order. Median,
+    /// mode, deviation and error stay null.
     SampleField(std::string name, int ordinal, char typeCode, const Values& values);
     SampleField(const SampleField&) = delete;
     SampleField& operator=(const SampleField&) = delete;

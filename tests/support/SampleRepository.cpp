@@ -40,7 +40,7 @@ class FixedClock final : public Clock {
     UtcTime m_time;
 };
 
-/// `count` different values "<prefix>1", ... in falling frequency.
+/// `count` distinct values "<prefix>1", ... in descending frequency.
 Values numbered(const std::string& prefix, int count) {
     Values values;
     for (int number = 1; number <= count; ++number)
@@ -48,7 +48,7 @@ Values numbered(const std::string& prefix, int count) {
     return values;
 }
 
-/// Writes the tables of one run and notes their ids.
+/// Writes the tables of one run and stores their ids.
 class SampleRun {
   public:
     SampleRun(SampleRepository& sample, RunWriter& writer, int number)

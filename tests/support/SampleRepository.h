@@ -9,7 +9,7 @@
 
 namespace tavix::testing {
 
-/// A small repository that is the same every time it is built: what the tests of the viewer look at.
+/// A small repository, the same every time it is built, for the tests of the viewer.
 ///
 /// Job "Sales" has three runs (January 15, February 15 and March 15 of 2026, 10:00 UTC, the first two described as
 /// "January" and "February") of these tables:
@@ -34,9 +34,9 @@ struct SampleRepository {
     int chart = -1;                            ///< of "customers", with the properties TYPE and DATATYPE
     int redundancy = -1;                       ///< "Same people", of two fields
 
-    /// Throws std::runtime_error when it cannot be built.
+    /// Throws std::runtime_error if it cannot be built.
     [[nodiscard]] static SampleRepository build(const std::string& path);
-    /// When the run of this number, from 0, was started.
+    /// The start of the run with this number, from 0.
     [[nodiscard]] static UtcTime runTime(int number);
 };
 

@@ -6,7 +6,7 @@
 namespace tavix {
 namespace {
 
-/// Rows given beforehand; throws at the row `failAt`.
+/// The given rows; throws at the row `failAt`.
 class ListCursor final : public ProfileCursor {
   public:
     ListCursor(std::vector<KvbString> names, std::vector<std::vector<KvbString>> rows, std::size_t failAt = SIZE_MAX)
@@ -21,6 +21,7 @@ class ListCursor final : public ProfileCursor {
     KvbString getColumnName(int column) const override { return m_names[static_cast<std::size_t>(column)]; }
     KvbString getColumnValue(int column) const override { return m_rows[m_next - 1][static_cast<std::size_t>(column)]; }
     int getColumnInt(int) const override { return 0; }
+    std::int64_t getColumnInt64(int) const override { return 0; }
     double getColumnDouble(int) const override { return 0; }
     bool isColumnNull(int) const override { return false; }
     bool isColumnValid(int) const override { return true; }
@@ -48,6 +49,7 @@ TEST(CacheCursor, ReadsTheCopiedRows) {
     EXPECT_EQ(cache.getColumnValue(0), KvbString("")) << "null reads as an empty text";
     EXPECT_EQ(cache.getColumnDouble(1), 2.5);
     EXPECT_TRUE(cache.isColumnValid(99));
+    EXPECT_EQ(cache.getColumnInt64(1), 2);
     cache.setColumnValue(0, 7);
     EXPECT_EQ(cache.getColumnInt(0), 7);
 }

@@ -7,7 +7,7 @@
 
 namespace tavix::testing {
 
-/// The rest of a cursor as a user would read it: a text per row, cells parted by '|', null as "<null>".
+/// The remaining rows of a cursor as a user would read them: a text per row, cells separated by '|', null as "<null>".
 inline std::vector<std::string> rowsOf(ProfileCursor& cursor) {
     std::vector<std::string> rows;
     while (cursor.next()) {

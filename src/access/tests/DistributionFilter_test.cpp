@@ -1,4 +1,4 @@
-// Filtered distributions, beside a walk that takes every row and asks the obvious evaluation by row.
+// Filtered distributions, compared with a plain evaluation of every row.
 #include "access/CacheCursor.h"
 #include "access/Layouts.h"
 #include "access/PrViewDisplayMessage.h"
@@ -79,7 +79,7 @@ class Filtered {
     ProfileCursorHandle values(const KvbString& filter) { return viewer->getFreqDist(1, filter); }
     ProfileCursorHandle patterns(const KvbString& filter) { return viewer->getPatternDist(1, filter); }
     std::string error() const { return viewer->getErrorString().str(); }
-    /// All rows of a filter that must be understood.
+    /// All rows of a valid filter.
     std::vector<std::string> rows(ProfileCursorHandle cursor) const {
         if (cursor)
             return rowsOf(*cursor);
@@ -96,7 +96,7 @@ class Filtered {
     PrViewer::Handle viewer = PrViewer::create();
 };
 
-/// The rows of all that pass, found without blocks.
+/// The rows of all that pass, computed without blocks.
 std::vector<std::string> naive(ProfileCursor& all, int valueColumn, const std::string& code) {
     const std::vector<expression::Field> fields{{"Value", expression::Type::Text},
                                                 {"Count", expression::Type::Integer}};
@@ -181,7 +181,7 @@ TEST(DistributionFilter, TheConditionBlockIsPassedOver) {
     EXPECT_THAT(of.rows(of.values(block + "`Value` == 'a*/b'")), ElementsAre("a*/b|9"));
     EXPECT_FALSE(of.values(block + "if `Count` > 1 then\r\n  retrun true"));
     EXPECT_THAT(of.error(), HasSubstr("line 2, column 3"));
-    // A block without its end is a comment as any other.
+    // A block without its end is an ordinary comment.
     EXPECT_FALSE(of.values("/*{{BEGIN CONDITIONS\r\nVALUES=\"a*/b\"\r\n`Value` == 'c'"));
     EXPECT_THAT(of.error(), HasSubstr("line 2, column 13"));
 }
@@ -210,7 +210,7 @@ TEST(DistributionFilter, WhatIsNoConditionFailsWithItsPlace) {
     EXPECT_EQ(of.error(), "There is no field with the number 99.");
 }
 
-/// Notes what it is told, and stops at a report.
+/// Records its calls, and stops at one of them.
 class Stopper final : public PrViewDisplayMessage {
   public:
     explicit Stopper(std::size_t last) : m_last(last) {}
@@ -238,7 +238,7 @@ TEST(DistributionFilter, AWalkThatFindsNothingCanBeStopped) {
         EXPECT_THAT(sink.told, ElementsAre(fmt::format("Filtering 4096 of {}", values.size()),
                                            fmt::format("Filtering 8192 of {}", values.size())));
     }
-    // A walk that is not stopped gives what it gives when nobody listens.
+    // A filter that is not stopped gives the same rows as without a sink.
     Stopper patient(1000);
     EXPECT_EQ(of.rows(of.viewer->getFreqDist(1, {}, &patient)), of.rows(of.values({})));
     EXPECT_EQ(patient.told.size(), 2U);
@@ -273,7 +273,7 @@ TEST(DistributionFilter, RowsThatCannotBeEvaluatedAreTold) {
     EXPECT_THAT(cursor->getWarning().str(), HasSubstr("exceeds 64 bits"));
     EXPECT_EQ(cached.getWarning(), cursor->getWarning());
 
-    // A row that its count rules out is not evaluated, whether its block has other rows or not.
+    // A row excluded by its count is not evaluated, whatever else its block contains.
     for (const auto& [condition, failures] : {std::pair("`Count` > 12000", 0), std::pair("`Count` == 11600", 1),
                                               std::pair("`Count` < 11600", 1), std::pair("`Count` > 4", 1)}) {
         cursor = of.values(fmt::format("tointeger(`Value`) + 1 > 5 and {}", condition));
@@ -295,7 +295,7 @@ TEST(DistributionFilter, OnlyTheBlocksThatAreNeededAreRead) {
         ASSERT_TRUE(cursor->next());
     EXPECT_THROW(rowsOf(*cursor), GenException);
     EXPECT_FALSE(cursor->next()) << "the end, after a failure";
-    // Counts only fall: what is behind the block cannot pass.
+    // Counts descend: no row after the block can pass.
     EXPECT_EQ(of.rows(of.values("`Count` > 19000 and not isnull(`Value`)")).size(), 500U);
     EXPECT_THAT(of.rows(of.values("false")), IsEmpty());
     cursor = of.values("`Count` > 11800");

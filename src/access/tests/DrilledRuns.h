@@ -4,7 +4,7 @@
 #include "access/PrViewer.h"
 #include "base/tests/TempFolder.h"
 #include "pattern/CharacterPattern.h"
-#include "repository/FilePlaces.h"
+#include "repository/FileOffsetIndex.h"
 #include "repository/RunWriter.h"
 #include "source/FileSetReader.h"
 #include "source/TextFileReader.h"
@@ -23,7 +23,7 @@
 
 namespace tavix::testing {
 
-/// Is told of progress, and ends the reading once it was told as often as it allows.
+/// Receives progress, and stops the reading after a number of calls.
 class Sink final : public PrViewDisplayMessage {
   public:
     bool progress(std::string_view text, std::int64_t done, std::int64_t total) override {
@@ -37,12 +37,12 @@ class Sink final : public PrViewDisplayMessage {
     int allowed = 1000;
 };
 
-/// A run over text files, stored as the runner stores one.
+/// A run over text files, stored as the runner stores it.
 class DrilledRuns : public ::testing::Test {
   protected:
     void write(const std::string& text) const { std::ofstream(m_file, std::ios::binary) << text; }
 
-    /// Stores a run of the file as it is; of a filtered table over it too when there is a condition.
+    /// Stores a run of the file as it is; with a condition, also of a filtered table over it.
     void profile(const std::string& condition = {}, std::optional<char> delimiter = {}, bool hasHeader = true) {
         auto writer = repository::RunWriter::begin(m_repository, {"Job", "", "", {}});
         ASSERT_TRUE(writer) << writer.error().text;
@@ -52,7 +52,7 @@ class DrilledRuns : public ::testing::Test {
         show(**writer);
     }
 
-    /// Stores a run of several files as one table, with the form that was found in each file.
+    /// Stores a run of several files as one table, with the format found in each file.
     void profileFiles(const std::vector<std::string>& files, bool hasHeader = true) {
         auto writer = repository::RunWriter::begin(m_repository, {"Job", "", "", {}});
         ASSERT_TRUE(writer) << writer.error().text;
@@ -77,7 +77,7 @@ class DrilledRuns : public ::testing::Test {
         store(**writer, table, **reader);
         show(**writer);
     }
-    /// The same as versions before 6 stored it: delimiter and encoding of the last file alone.
+    /// The same as versions before 6 stored it: with delimiter and encoding of the last file only.
     void profileFilesAsOnce(const std::vector<std::string>& files, char delimiter, const std::string& encoding) {
         profileFiles(files);
         const auto repository = sql::Connection::openFile(m_repository, sql::OpenMode::Write);
@@ -112,13 +112,13 @@ class DrilledRuns : public ::testing::Test {
         table.isTextFile = true;
         table.textFile = {
             m_file, (*reader)->delimiter(), hasHeader, "UTF-8", false, (*reader)->total(), (*reader)->modified()};
-        if (m_places)
-            m_places->stamp = (*reader)->stamp();
-        table.places = m_places ? &*m_places : nullptr;
+        if (m_offsetIndex)
+            m_offsetIndex->stamp = (*reader)->stamp();
+        table.offsetIndex = m_offsetIndex ? &*m_offsetIndex : nullptr;
         store(writer, table, **reader);
     }
 
-    /// With the figures of the rows that come first.
+    /// With the metrics of the first rows.
     void store(repository::RunWriter& writer, const repository::TableFacts& table, source::RowReader& reader) {
         const auto id = writer.addTable(table);
         ASSERT_TRUE(id) << id.error().text;
@@ -157,7 +157,7 @@ class DrilledRuns : public ::testing::Test {
         const auto patternRows = rowsOf(patterns);
         facts.values = valueRows;
         facts.patterns = patternRows;
-        facts.places = m_pages;
+        facts.offsetIndex = m_pages;
         const Status added = writer.addField(table, facts);
         ASSERT_TRUE(added) << added.error().text;
     }
@@ -176,7 +176,7 @@ class DrilledRuns : public ::testing::Test {
     PrViewerDrillCursorHandle open(const std::string& field, const KvbString& value, bool isPattern = false) {
         return m_viewer->drillDown(m_fields.at(field), value, isPattern, &m_sink, nullptr);
     }
-    /// As a user would read them; the first cells alone unless `whole`.
+    /// As a user would read them; only the first cells unless `whole`.
     std::vector<std::string> rows(const std::string& field, const KvbString& value, bool isPattern = false,
                                   bool whole = false) {
         const PrViewerDrillCursorHandle cursor = open(field, value, isPattern);
@@ -206,8 +206,8 @@ class DrilledRuns : public ::testing::Test {
     PrViewer::Handle m_viewer = PrViewer::create();
     std::map<std::string, int> m_fields;
     Sink m_sink;
-    std::optional<repository::FilePlaces> m_places; ///< what the run notes of the file, and of all of its fields
-    std::vector<repository::PlacePage> m_pages;
+    std::optional<repository::FileOffsetIndex> m_offsetIndex; ///< of the file; its pages serve every field
+    std::vector<repository::OffsetIndexPage> m_pages;
 };
 
 } // namespace tavix::testing

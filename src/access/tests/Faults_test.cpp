@@ -46,13 +46,13 @@ std::map<std::string, std::string> listing(const fs::path& folder) {
     return files;
 }
 
-/// The text with which opening fails; "" when it does not.
+/// The error of opening; "" if it succeeds.
 std::string openingError(const std::string& path) {
     auto viewer = PrViewer::create();
     return viewer->init(path) ? std::string() : viewer->getErrorString().str();
 }
 
-/// Reads everything that a session shows; the first error text, "" when there is none.
+/// Reads everything that a session shows; the first error, "" without one.
 std::string readingError(const std::string& path, const SampleRepository& sample) {
     auto viewer = PrViewer::create();
     if (!viewer->init(path) || !viewer->setCurrentJobSetup(sample.salesJob))
@@ -156,7 +156,7 @@ TEST_F(FaultTest, ReadingWritesNothing) {
 TEST_F(FaultTest, CutAtAnyPlaceItGivesAnError) {
     const std::string whole = bytesOf(m_sample.path);
     const std::string path = m_folder.file("cut.tavix");
-    // Of the last page, which may hold hashes that no session reads, nothing must be left.
+    // Nothing of the last page, which may hold hashes that no session reads, may remain.
     std::vector<std::size_t> sizes{1, 15, 16, 99, 100, 512, 4096, whole.size() - 8192};
     for (std::size_t size = 8192; size < whole.size(); size += 8192 * 3 + 1)
         sizes.push_back(size);
@@ -179,7 +179,7 @@ TEST_F(FaultTest, OverwrittenPagesNeverCrash) {
         writeFile(path, damaged);
         noticed += readingError(path, m_sample).empty() ? 0 : 1;
     }
-    // Pages of earlier runs and of what a session does not read are not looked at.
+    // Pages of earlier runs and of data that a session does not read are not read.
     EXPECT_GT(noticed, static_cast<int>(pages / 5)) << "of " << pages;
 }
 
@@ -195,7 +195,7 @@ TEST_F(FaultTest, FlippedBitsInADistributionAreNoticed) {
 }
 
 TEST_F(FaultTest, AReadOnlyPlaceIsReadButNotWritten) {
-    // Permissions do not bind the superuser, so the tests run as somebody else then.
+    // Permissions do not bind the superuser, so the tests run as another user then.
     fs::permissions(m_sample.path, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
     fs::permissions(m_folder.path(), fs::perms(0555));
     auto before = listing(m_folder.path());
@@ -258,7 +258,7 @@ TEST_F(FaultTest, AFileHeldByAnotherProcessIsReported) {
 TEST_F(FaultTest, AFullDiskFailsWithTextAndKeepsWhatWasThere) {
     const auto size = static_cast<rlim_t>(fs::file_size(m_sample.path));
     const int code = inChild([&] {
-        // The kernel refuses to let a file grow beyond this, as a full disk does.
+        // The kernel does not let a file grow beyond this, like a full disk.
         ::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{size, size};
         if (::setrlimit(RLIMIT_FSIZE, &limit) != 0)

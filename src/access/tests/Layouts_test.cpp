@@ -11,7 +11,7 @@
 namespace tavix {
 namespace {
 
-/// The list of docs/cursors.md as it should be.
+/// The expected lists of docs/cursors.md.
 std::string expectedList() {
     std::string text;
     for (const layout::Layout& layout : layout::all()) {

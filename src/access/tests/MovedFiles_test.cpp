@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <fstream>
 
-/// Drilling through to files that were moved after the run.
+/// Drill-downs to files that were moved after the run.
 namespace tavix {
 namespace {
 
@@ -25,7 +25,7 @@ class MovedFiles : public testing::DrilledRuns {
         profile();
         fs::create_directory(m_elsewhere);
     }
-    /// Whether the place is taken; what there is to say of it.
+    /// "ok" and the remark if the path is accepted, else the error.
     std::string relocate(const std::string& from, const std::string& to) {
         KvbString remark;
         return m_viewer->relocateFile(from, to, remark) ? "ok " + remark.str() : error();
@@ -59,14 +59,14 @@ TEST_F(MovedFiles, AreReadWhereTheUserLocatesThemAndTheRepositoryRemembersIt) {
     openAgain();
     EXPECT_THAT(rows("city", "Ulm"), ElementsAre("2"));
 
-    // Another file at the old place does not take the rows of this run.
+    // Another file at the old path does not replace the rows of this run.
     write("id,city\n7,Ulm\n");
     EXPECT_THAT(rows("city", "Ulm"), ElementsAre("2"));
     // The file itself does.
     fs::copy_file(m_moved, m_file, fs::copy_options::overwrite_existing);
     fs::last_write_time(m_file, fs::last_write_time(m_moved));
     EXPECT_TRUE(open("city", "Ulm")->getWarning().isNull());
-    // A place that is gone too is not insisted on.
+    // A path whose file vanished, too, is not used.
     fs::remove(m_moved);
     EXPECT_TRUE(open("city", "Ulm")->getWarning().isNull());
     fs::remove(m_file);
@@ -99,7 +99,7 @@ TEST_F(MovedFiles, AreSuggestedWhenTheyLieBesideTheRepository) {
     m_repository = folder + "/r.tavix";
     profile();
     fs::rename(m_file, m_moved);
-    // Only a file of the same size is one.
+    // Only a file of the same size counts.
     std::ofstream(folder + "/orders.csv") << "id,city\n";
     EXPECT_FALSE(open("city", "Ulm"));
     EXPECT_EQ(m_viewer->getMissingFile()->suggestion, "");

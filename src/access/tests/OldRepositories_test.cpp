@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-/// Repositories that earlier versions of the program wrote.
+/// Repositories written by earlier versions of the program.
 namespace tavix {
 namespace {
 

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-/// Drilling through to tables that are made of several files.
+/// Drill-downs to tables of several files.
 namespace tavix {
 namespace {
 
@@ -56,7 +56,7 @@ TEST_F(PrViewerDrillFiles, RunsThatNoteTheLastFileAloneFindTheOthersForms) {
     EXPECT_FALSE(open("city", "Köln"));
     EXPECT_EQ(error(), "\"" + files[1] + "\" cannot be opened: No such file or directory");
 
-    // What the job states holds for files too that look otherwise.
+    // Options of the job apply also to files that look different.
     put(0, "id,city\n1,K\xC3\xB6ln\n");
     put(1, "id,city\n2,\x80;\n");
     put(2, "id,city\n3,K\xC3\xB6ln\n");
@@ -82,7 +82,7 @@ std::string encoded(const std::string& text, int encoding) {
     return out;
 }
 
-// Without a header nothing shows that a file is read with another file's delimiter or encoding.
+// Without a header, nothing shows that a file is read with another file's delimiter or encoding.
 TEST_F(PrViewerDrillFiles, FilesWithoutAHeaderAreReadInTheFormOfEach) {
     m_sink.allowed = 1'000'000;
     std::mt19937 random(7);
@@ -103,7 +103,7 @@ TEST_F(PrViewerDrillFiles, FilesWithoutAHeaderAreReadInTheFormOfEach) {
         {
             auto reader = source::FileSetReader::open(files, {std::nullopt, false});
             if (!reader || !(*reader)->checkColumns())
-                continue; // found to have other columns: no run has read it
+                continue; // has other columns, so no run has read it
             source::RowBlock block;
             while (*(*reader)->read(block))
                 for (std::size_t row = 0; row < block.rows; ++row) {
@@ -120,7 +120,7 @@ TEST_F(PrViewerDrillFiles, FilesWithoutAHeaderAreReadInTheFormOfEach) {
     EXPECT_GT(tables, 50);
 }
 
-// The first of two files is searched through before the second is looked at.
+// The first of two files is searched completely before the second is opened.
 TEST_F(PrViewerDrillFiles, OfSeveralFilesOneIsReadAfterTheOther) {
     const std::vector<std::string> files{m_folder.file("1.csv"), m_folder.file("2.csv")};
     std::string text = "id,city\n";

@@ -50,24 +50,24 @@ TEST_F(PrViewerDrill, GivesTheRowsBehindValuesNullsAndPatterns) {
     EXPECT_TRUE(cursor->getColumnValue(0).isNull());
     EXPECT_TRUE(cursor->getWarning().isNull());
     EXPECT_TRUE(cursor->getColumnName(3).isNull());
-    m_viewer->close(); // the source is not the repository's
+    m_viewer->close(); // not one of the source
     EXPECT_TRUE(cursor->next());
     EXPECT_EQ(cursor->getColumnValue(1), KvbString("Köln"));
     EXPECT_THAT(m_sink.texts, ElementsAre("Reading orders.csv"));
 }
 
-// The run of this test is wrong about where the value stands, which shows whether it is asked.
+// This run's offset index is wrong about the value, which shows whether it is used.
 TEST_F(PrViewerDrill, LooksWhereTheRunMetAValueWhileTheFileIsTheSame) {
     const std::string file = "id,city\n1,Bern\n2,Bern\n3,Bern\n";
     write(file);
-    m_places = {{}, {11, 22}, {8, 15, 22, 29, 29, 29, 29, 29, 29}};
-    repository::PlacePacker packer(8);
-    packer.add(repository::placeBucket(hashText(m_places->seeds, "Bern")), std::vector<std::uint32_t>{1});
+    m_offsetIndex = {{}, {11, 22}, {8, 15, 22, 29, 29, 29, 29, 29, 29}};
+    repository::OffsetIndexPacker packer(8);
+    packer.add(repository::offsetIndexBucket(hashText(m_offsetIndex->seeds, "Bern")), std::vector<std::uint32_t>{1});
     m_pages = packer.finish();
     profile();
     EXPECT_THAT(rows("city", "Bern"), ElementsAre("2"));
     EXPECT_THAT(rows("city", "none"), IsEmpty());
-    EXPECT_THAT(rows("city", "Aaaa", true), ElementsAre("1", "2", "3")) << "patterns have no places";
+    EXPECT_THAT(rows("city", "Aaaa", true), ElementsAre("1", "2", "3")) << "patterns have no offset index";
     std::filesystem::permissions(m_file, std::filesystem::perms::owner_all);
     EXPECT_THAT(rows("city", "Bern"), ElementsAre("1", "2", "3")) << "something was done with the file";
 
@@ -190,7 +190,7 @@ TEST_F(PrViewerDrill, TheSinkStopsAndAFileThatShrinksThrows) {
         }
         EXPECT_FALSE(stopped->isComplete());
         EXPECT_FALSE(stopped->next());
-        EXPECT_EQ(m_sink.calls, 3); // not asked again once it has stopped the reading
+        EXPECT_EQ(m_sink.calls, 3); // not called again once it has stopped the reading
     }
     m_sink.allowed = 1'000'000;
     const PrViewerDrillCursorHandle cursor = open("city", "Köln");

@@ -30,7 +30,7 @@ TEST_F(PrViewerTest, CollectionsShowTheCurrentRunOrTheLatestThatHasTheField) {
     EXPECT_EQ(fields->getColumnInt(layout::CollectionPkrKeyAnalyses), 1);
     fields.reset();
 
-    // Another report knows nothing of these fields; their latest run has them.
+    // Another report does not have these fields; their latest run has.
     ASSERT_TRUE(m_viewer->setCurrentJobSetup(m_sample.inventoryJob));
     auto plain = m_viewer->getGlobalCollFieldList(keys);
     ASSERT_TRUE(plain && plain->next());

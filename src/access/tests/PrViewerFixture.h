@@ -28,7 +28,7 @@ class PrViewerTest : public ::testing::Test {
     int table(const char* name) const { return m_sample.tables.at(name); }
     int field(const char* name) const { return m_sample.fields.at(name); }
 
-    /// The rows of a cursor that must not have failed.
+    /// The rows of a cursor; fails the test without one.
     std::vector<std::string> read(ProfileCursorHandle cursor) const {
         if (!cursor) {
             ADD_FAILURE() << error();

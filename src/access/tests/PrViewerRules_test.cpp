@@ -17,7 +17,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using namespace repository;
 
-/// A job of its own in the sample repository, with two runs; a second job knows the same table.
+/// A job of its own in the sample repository, with two runs; a second job has the same table.
 class PrViewerRulesTest : public testing::PrViewerTest {
   protected:
     void SetUp() override {
@@ -29,7 +29,7 @@ class PrViewerRulesTest : public testing::PrViewerTest {
         ASSERT_TRUE(m_viewer->setCurrentJobSetup(m_job)) << error();
     }
 
-    /// A run without metrics and rules for the factor 0.
+    /// A run; without metrics and rules for the factor 0.
     int write(const char* job, int factor) {
         auto writer = RunWriter::begin(m_sample.path, {job, "", "", testing::SampleRepository::runTime(factor)});
         EXPECT_TRUE(writer) << writer.error().text;
@@ -154,7 +154,7 @@ TEST_F(PrViewerRulesTest, TheRowLogHasTheKeyAndOnDemandTheInputs) {
     EXPECT_TRUE(cursor->isColumnNull(4) && cursor->isColumnNull(5) && cursor->isColumnNull(-1));
     expectFailure(!m_viewer->getBusinessRuleRowLog(77, 0, true), "This run has no rule with that number.");
 
-    cursor.reset(); // it would keep the session at what it sees
+    cursor.reset(); // an open cursor would keep the session at its state
     damage("UPDATE rule_row SET row_values = 'garbage' WHERE position = 1");
     auto damaged = m_viewer->getBusinessRuleRowLog(1, 0, true);
     ASSERT_TRUE(damaged && damaged->next());

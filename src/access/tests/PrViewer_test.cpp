@@ -5,6 +5,7 @@
 #include "base/GenException.h"
 #include "base/LibraryDate.h"
 #include "repository/RunWriter.h"
+#include "support/RunScript.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -104,6 +105,16 @@ TEST_F(PrViewerTest, ListsDataSourcesAndTables) {
     expectFailure(!m_viewer->getTableList(9), "There is no data source with the number 9.");
 }
 
+TEST_F(PrViewerTest, WholeNumbersAreReadWith64Bits) {
+    testing::runScript(m_sample.path, "UPDATE run_table SET total_records = 9007199254740993");
+    auto tables = m_viewer->getTableList(1);
+    ASSERT_TRUE(tables && tables->next());
+    EXPECT_EQ(tables->getColumnInt64(layout::TableTotalRecords), 9'007'199'254'740'993) << "not a double";
+    EXPECT_EQ(tables->getColumnInt(layout::TableTotalRecords), std::numeric_limits<int>::max());
+    EXPECT_EQ(tables->getColumnInt64(layout::TableName), 0);
+    EXPECT_EQ(tables->getColumnInt64(99), 0);
+}
+
 TEST_F(PrViewerTest, FieldListsHoldTheMetricsWhereTheirReadersLook) {
     auto plain = m_viewer->getFieldList(table("customers"));
     auto pkr = m_viewer->getFieldListPKR(table("customers"));
@@ -124,6 +135,9 @@ TEST_F(PrViewerTest, FieldListsHoldTheMetricsWhereTheirReadersLook) {
     EXPECT_EQ(plain->getColumnValue(metric(MetricId::Mean)), KvbString("12.3456789")) << "not the store's own text";
     EXPECT_EQ(plain->getColumnValue(metric(MetricId::MaximumValue)), KvbString("1e+20"));
     EXPECT_EQ(plain->getColumnInt(metric(MetricId::MaximumValue)), std::numeric_limits<int>::max());
+    EXPECT_EQ(plain->getColumnInt64(metric(MetricId::MaximumValue)), std::numeric_limits<std::int64_t>::max());
+    EXPECT_EQ(plain->getColumnInt64(metric(MetricId::Mean)), 12);
+    EXPECT_EQ(plain->getColumnInt64(metric(MetricId::DefinedLength)), 0);
     EXPECT_TRUE(plain->isColumnNull(metric(MetricId::DefinedLength)));
     EXPECT_TRUE(plain->getColumnValue(metric(MetricId::DefinedLength)).isNull());
     auto tail = [](layout::FieldListTail column) { return layout::tailColumn(layout::kFieldListMetrics, column); };

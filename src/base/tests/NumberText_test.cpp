@@ -10,6 +10,21 @@
 namespace tavix {
 namespace {
 
+TEST(NumberText, GroupsOfThreeDigits) {
+    EXPECT_EQ(formatGrouped(0), "0");
+    EXPECT_EQ(formatGrouped(999), "999");
+    EXPECT_EQ(formatGrouped(1000), "1,000");
+    EXPECT_EQ(formatGrouped(12345), "12,345");
+    EXPECT_EQ(formatGrouped(999'999), "999,999");
+    EXPECT_EQ(formatGrouped(1'000'000), "1,000,000");
+    EXPECT_EQ(formatGrouped(-1), "-1");
+    EXPECT_EQ(formatGrouped(-999), "-999") << "no comma after the sign";
+    EXPECT_EQ(formatGrouped(-1000), "-1,000");
+    EXPECT_EQ(formatGrouped(-123'456), "-123,456");
+    EXPECT_EQ(formatGrouped(std::numeric_limits<std::int64_t>::max()), "9,223,372,036,854,775,807");
+    EXPECT_EQ(formatGrouped(std::numeric_limits<std::int64_t>::min()), "-9,223,372,036,854,775,808");
+}
+
 TEST(NumberText, RealsReadBackEqualAndIgnoreTheProcessLocale) {
     const char* before = std::setlocale(LC_NUMERIC, nullptr);
     const std::string saved = before ? before : "C";

@@ -11,8 +11,8 @@
 
 namespace tavix::testing {
 
-/// Messages for tests: what is to be shown is announced beforehand, in order and word for word. A message that nobody
-/// announced fails the test, and so does one that was announced and never came.
+/// Messages for tests: each message is announced beforehand, in order and word for word. An unannounced message fails
+/// the test, and so does an announced one that does not come.
 class ScriptedMessages final : public Messages {
   public:
     ScriptedMessages() = default;
@@ -27,13 +27,13 @@ class ScriptedMessages final : public Messages {
     void expectWarn(std::string text, std::string caption = {}) {
         m_steps.push_back({false, std::move(text), std::move(caption), Answer::No, Answer::No});
     }
-    /// `preset` is the default button that the question must have.
+    /// `preset` is the expected default button.
     void expectAsk(std::string text, std::string caption, Answer answer, Answer preset = Answer::No) {
         m_steps.push_back({true, std::move(text), std::move(caption), answer, preset});
     }
-    /// Receives "warn TEXT", "ask TEXT", "busy" and "idle" as they happen, to be interleaved with other events.
+    /// Receives "warn TEXT", "ask TEXT", "busy" and "idle" as they happen, for interleaving with other events.
     std::function<void(const std::string&)> onEvent;
-    /// How many messages are still to come.
+    /// The number of announced messages still to come.
     [[nodiscard]] std::size_t pending() const { return m_steps.size(); }
     [[nodiscard]] int busyCount() const { return m_busyCount; }
 

@@ -4,7 +4,7 @@
 
 namespace tavix::testing {
 
-/// A file or folder of the checkout that the tests were built from, by its path below the checkout.
+/// A file or folder of the checkout from which the tests were built, by its path in the checkout.
 std::string sourceFile(const std::string& path);
 
 } // namespace tavix::testing

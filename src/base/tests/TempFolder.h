@@ -7,7 +7,7 @@
 
 namespace tavix::testing {
 
-/// A fresh folder that is removed with all its content at the end of the test.
+/// A fresh folder, removed with all its content at the end of the test.
 class TempFolder {
   public:
     TempFolder() {

@@ -65,6 +65,7 @@ class FakeProfileCursor final : public FakeCursorBase<ProfileCursor> {
   public:
     using FakeCursorBase::FakeCursorBase;
     [[nodiscard]] int getColumnInt(int) const override { return 0; }
+    [[nodiscard]] std::int64_t getColumnInt64(int) const override { return 0; }
     [[nodiscard]] double getColumnDouble(int) const override { return 0; }
     [[nodiscard]] bool isColumnNull(int column) const override { return getColumnValue(column).isNull(); }
     [[nodiscard]] bool isColumnValid(int) const override { return true; }

@@ -1,7 +1,7 @@
 #include "base/Encodings.h"
 #include "base/tests/TempFolder.h"
 #include "profiling/JobRunner.h"
-#include "repository/FilePlaces.h"
+#include "repository/FileOffsetIndex.h"
 #include "repository/Schema.h"
 #include "source/TextFileSearch.h"
 
@@ -82,11 +82,11 @@ class ValueOffsetIndexTest : public ::testing::Test {
         ASSERT_TRUE(outcome.ok()) << outcome.error().text;
     }
 
-    std::optional<repository::FoundPlaces> find(int table, int field, const std::string& value) {
+    std::optional<repository::FoundRanges> find(int table, int field, const std::string& value) {
         auto connection = repository::openRepository(m_repository, sql::OpenMode::Read);
         EXPECT_TRUE(connection.ok());
         auto run = (*connection)->queryInteger("SELECT MAX(id) FROM run");
-        auto places = repository::findPlaces(**connection, {static_cast<int>(*run), table, field}, value);
+        auto places = repository::findRanges(**connection, {static_cast<int>(*run), table, field}, value);
         EXPECT_TRUE(places.ok()) << places.error().text;
         return places ? *places : std::nullopt;
     }

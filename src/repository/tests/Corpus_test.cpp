@@ -1,7 +1,7 @@
 #include "base/tests/SourceFolder.h"
 #include "repository/tests/FuzzBlock.h"
 #include "repository/tests/FuzzHashes.h"
-#include "repository/tests/FuzzPlaces.h"
+#include "repository/tests/FuzzOffsetIndex.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@
 namespace tavix::repository {
 namespace {
 
-/// Each file of a corpus and each beginning of it; how many files there are.
+/// Runs each file of a corpus and each prefix of it; returns the number of files.
 int runCorpus(const std::string& name, void (*fuzz)(std::span<const std::byte>)) {
     int files = 0;
     for (const auto& file :
@@ -21,7 +21,7 @@ int runCorpus(const std::string& name, void (*fuzz)(std::span<const std::byte>))
         std::ifstream stream(file.path(), std::ios::binary);
         const std::string content((std::istreambuf_iterator<char>(stream)), {});
         for (std::size_t size = 0; size <= content.size(); ++size) {
-            // A copy of just this size, so that a read behind the end is seen by the sanitizer.
+            // A copy of exactly this size, so that the sanitizer sees a read after the end.
             const std::string cut(content, 0, size);
             fuzz(std::as_bytes(std::span(cut.data(), cut.size())));
         }
@@ -39,7 +39,7 @@ TEST(RepositoryCorpus, PackedHashesAreReadInBoundsAndComeBack) {
 }
 
 TEST(RepositoryCorpus, PlacesAreReadInBoundsAndComeBack) {
-    EXPECT_GE(runCorpus("place_pages", fuzzPlaces), 15);
+    EXPECT_GE(runCorpus("offset_index_pages", fuzzOffsetIndex), 15);
 }
 
 } // namespace

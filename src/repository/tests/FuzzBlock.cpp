@@ -11,7 +11,7 @@ namespace tavix::repository {
 
 namespace {
 
-/// As docs/formats/distribution.md has it.
+/// See docs/formats/distribution.md.
 constexpr std::size_t kLongestShared = 255;
 
 void checkRows(const UnpackedBlock& block) {
@@ -51,7 +51,7 @@ void parseAndCheck(std::span<const std::byte> bytes) {
     auto parsed = UnpackedBlock::parse(bytes);
     if (!parsed)
         return;
-    const UnpackedBlock block = std::move(*parsed); // As a reader does; texts have to stay where they are.
+    const UnpackedBlock block = std::move(*parsed); // Like a reader; texts must keep their addresses.
     holdsOrAborts(block.text().size() <= bytes.size() + block.rowCount() * kLongestShared,
                   "more text came out than can have gone in");
     checkRows(block);

@@ -5,8 +5,8 @@
 
 namespace tavix::repository {
 
-/// Takes any bytes for a packed block, as they are and once more with the checksum that they would need. What is
-/// understood must hold together and pack into the same rows again; aborts when it does not.
+/// Reads any bytes as a packed block, as they are and with the right checksum. A block that is accepted must be
+/// consistent and pack into the same rows again; aborts if not.
 void fuzzBlock(std::span<const std::byte> bytes);
 
 } // namespace tavix::repository

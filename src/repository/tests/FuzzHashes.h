@@ -5,8 +5,8 @@
 
 namespace tavix::repository {
 
-/// Takes any bytes for packed hashes, as they are and once more with the checksum that they would need. What is
-/// understood must ascend and pack into the same hashes again; aborts when it does not.
+/// Reads any bytes as packed hashes, as they are and with the right checksum. Hashes that are accepted must ascend and
+/// pack into the same hashes again; aborts if not.
 void fuzzHashes(std::span<const std::byte> bytes);
 
 } // namespace tavix::repository

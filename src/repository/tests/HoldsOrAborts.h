@@ -5,7 +5,7 @@
 
 namespace tavix::repository {
 
-/// For what a fuzzer calls, which has no test framework.
+/// For code that a fuzzer calls, without a test framework.
 inline void holdsOrAborts(bool condition, const char* what) {
     if (condition)
         return;

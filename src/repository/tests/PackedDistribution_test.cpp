@@ -31,7 +31,7 @@ std::vector<Bytes> pack(std::span<const ValueCount> rows) {
     }
 }
 
-/// The blocks hold the rows, one block after the other.
+/// The blocks contain the rows, one block after the other.
 void expectRows(const std::vector<Bytes>& blocks, const std::vector<ValueCount>& rows) {
     std::size_t row = 0;
     for (const Bytes& bytes : blocks) {
@@ -91,7 +91,7 @@ Bytes header(unsigned version, unsigned countWidth, unsigned lengthWidth, unsign
     return bytes;
 }
 
-/// Rows as the first version stored them, in widths that hold any of them.
+/// Rows as the first version stored them, in the widest columns.
 Bytes firstVersion(const std::vector<ValueCount>& rows) {
     std::size_t textBytes = 0;
     for (const ValueCount& row : rows)
@@ -136,7 +136,8 @@ TEST(PackedDistribution, ReadsBackWhatWasPacked) {
 }
 
 TEST(PackedDistribution, ReadsBackTextsThatShareBeginnings) {
-    // Around a step of eight bytes, of sixteen, and around the most that is shared; each text once longer, once
+    // Around steps of eight and sixteen bytes, and around the longest shared prefix; each text once longer, once
+    // shorter.
     // shorter.
     std::deque<std::string> texts;
     std::vector<ValueCount> rows;
@@ -167,7 +168,7 @@ TEST(PackedDistribution, StoresWhatNeighboursShareOnce) {
     EXPECT_EQ(pack(rows).front(), resealed(expected));
     expectRoundTrip(rows, 1);
 
-    // A byte a row is not paid for less than it brings, nor eight bytes for one count where the counts take less.
+    // A byte a row must not cost more than it saves, nor one count in 8 bytes more than the counts.
     const std::vector<ValueCount> apart{{"ab", 2, false}, {"ac", 2, false}, {"bd", 2, false}};
     expected = header(2, 1, 1, 0, apart.size(), 6);
     append(expected, "\2\2\2\2\2\2abacbd");
@@ -179,7 +180,7 @@ TEST(PackedDistribution, ReadsTheFirstVersion) {
     const std::vector<ValueCount> rows{{"Zürich", 300, false}, {"", 70, true}, {"", 69, false}, {"x", 1, false}};
     expectRows({firstVersion(rows)}, rows);
     Bytes block = firstVersion(rows);
-    block[3] = std::byte{1}; // It had no meaning then.
+    block[3] = std::byte{1}; // It had no meaning in that version.
     expectRows({resealed(block)}, rows);
     for (const std::size_t width : {1, 2}) {
         block = firstVersion(rows);
@@ -225,7 +226,7 @@ TEST(PackedDistribution, EveryFlippedBitIsNoticed) {
 TEST(PackedDistribution, EveryCutAndEveryAddedByteIsNoticed) {
     Bytes block = sharingBlock();
     for (std::size_t size = 0; size < block.size(); ++size) {
-        // A copy of just this size, so that a read beyond it is seen by the sanitizer.
+        // A copy of exactly this size, so that the sanitizer sees a read beyond it.
         Bytes cut(block.begin(), block.begin() + static_cast<std::ptrdiff_t>(size));
         EXPECT_FALSE(UnpackedBlock::parse(cut)) << size;
         EXPECT_FALSE(UnpackedBlock::parse(resealed(cut))) << size;

@@ -41,7 +41,7 @@ TEST(PackedHashes, ReadsBackWhatWasPacked) {
         const auto read = unpackHashes(packed);
         ASSERT_TRUE(read) << read.error().text;
         ASSERT_EQ(*read, hashes);
-        // As it was stored before.
+        // In the format of the first version.
         const auto plain = unpackHashes(std::as_bytes(std::span(hashes)));
         ASSERT_TRUE(plain);
         ASSERT_EQ(*plain, hashes);

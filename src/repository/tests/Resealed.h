@@ -10,8 +10,8 @@
 
 namespace tavix::repository {
 
-/// A copy of a packed block or of packed hashes with the checksum that its other bytes need, as
-/// docs/formats/distribution.md has it; what has no room for one comes back as it is.
+/// A copy of a packed block or of packed hashes with the right checksum, see docs/formats/distribution.md; unchanged if
+/// it is too short for one.
 inline std::vector<std::byte> resealed(std::span<const std::byte> payload) {
     constexpr std::size_t kHeader = 24;
     constexpr std::size_t kChecksumAt = 16;

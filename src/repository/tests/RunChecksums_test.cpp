@@ -53,7 +53,7 @@ class RunChecksums : public ::testing::Test {
         m_connection = std::move(*opened);
     }
 
-    /// What is damaged, as "run/table/problem".
+    /// The damaged parts, as "run/table/problem".
     std::vector<std::string> damage() {
         std::vector<std::string> found;
         const Status done = checkRepository(*m_connection, [&](const CheckFinding& finding) {
@@ -91,7 +91,8 @@ TEST_F(RunChecksums, FindNothingInARepositoryThatIsWhole) {
 }
 
 TEST_F(RunChecksums, NoticeAChangeInAnyColumnOfARun) {
-    // These are aids: without them, or with others, the same answer comes another way. Blocks have their own checksums.
+    // These only speed up reading: without them, or with others, the result is the same. Blocks have their own
+    // checksums.
     const std::set<std::string> kUncovered{"distribution_block.id", "distribution_block.payload",
                                            "distribution_block.other_field"};
     int changed = 0;
@@ -104,7 +105,7 @@ TEST_F(RunChecksums, NoticeAChangeInAnyColumnOfARun) {
                 continue;
             auto undone = sql::Transaction::begin(*m_connection);
             ASSERT_TRUE(undone && m_connection->execute("PRAGMA defer_foreign_keys = ON"));
-            // Of the last run that has rows there.
+            // Of the last run that has rows in it.
             const std::string key = table == std::string("run") ? "id" : "run";
             const std::string sql = fmt::format(
                 "UPDATE {0} SET {1} = CASE typeof({1}) WHEN 'null' THEN {2} WHEN 'text' THEN {1} || 'x' WHEN 'blob' "
@@ -114,7 +115,7 @@ TEST_F(RunChecksums, NoticeAChangeInAnyColumnOfARun) {
                 table, column.name, column.type == "TEXT" ? "'x'" : "7", key);
             if (!m_connection->execute(sql)) {
                 EXPECT_THAT(m_connection->errorText(), HasSubstr("refuses the values")) << sql;
-                continue; // the table itself does not allow it
+                continue; // the table's constraints forbid it
             }
             ++changed;
             EXPECT_FALSE(damage().empty()) << table << "." << column.name;

@@ -27,7 +27,7 @@ std::int64_t ask(const std::string& path, const std::string& sql) {
     return value ? *value : -1;
 }
 
-/// Rows of all tables that belong to a run, however they are reached.
+/// The rows of a run in all tables, directly or through others.
 std::int64_t rowsOfRun(const std::string& path, int run) {
     auto connection = sql::Connection::openFile(path, sql::OpenMode::Read);
     EXPECT_TRUE(connection) << connection.error().text;
@@ -192,7 +192,7 @@ TEST(RunWriter, IdsAreTheSameInEveryRun) {
 }
 
 TEST(RunWriter, ReadsAsItIsWritten) {
-    // The texts of values are not converted to numbers on their way.
+    // Texts of values are not converted to numbers when stored.
     TempFolder folder;
     auto sample = SampleRepository::build(folder.file("r.tavix"));
     EXPECT_EQ(ask(sample.path, "SELECT COUNT(*) FROM v_fields WHERE field_name = 'code' AND minimum_value = '007'"), 3);
@@ -240,7 +240,7 @@ TEST(RunDeletion, TheNextWriterFinishesWhatWasCutShort) {
     {
         auto connection = sql::Connection::openFile(sample.path, sql::OpenMode::Write);
         ASSERT_TRUE(connection);
-        // As it looks when the program dies right after the runs were hidden.
+        // The state after the program dies right after the runs were hidden.
         ASSERT_TRUE((*connection)
                         ->execute("INSERT INTO deleted_run VALUES(" + std::to_string(run) +
                                   "); DELETE FROM run WHERE id = " + std::to_string(run)));

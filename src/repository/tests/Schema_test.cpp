@@ -18,7 +18,7 @@ using ::testing::SizeIs;
 
 using Rows = std::vector<std::string>;
 
-/// The rows of a query, each as one text in which no two values look alike.
+/// The rows of a query, each as one text that distinguishes all values.
 Rows rowsOf(sql::Connection& connection, const std::string& query) {
     Rows rows;
     auto select = connection.prepare(query);
@@ -82,7 +82,7 @@ std::string valueFor(const std::string& table, const std::string& column, const 
     return fmt::format("{}", number);
 }
 
-/// Two rows in every table but the list of runs that are to be swept.
+/// Two rows in every table but the list of deleted runs.
 void fill(sql::Connection& connection) {
     ASSERT_TRUE(connection.execute("PRAGMA foreign_keys = OFF"));
     for (const std::string& table : tablesOf(connection)) {
@@ -126,7 +126,7 @@ TEST_P(OldVersions, KeepTheirRowsWhenTheyAreBroughtUpToDate) {
             << table;
     EXPECT_THAT(texts(**connection, "PRAGMA integrity_check"), ::testing::ElementsAre("ok"));
     EXPECT_THAT(texts(**connection, "PRAGMA foreign_key_check"), SizeIs(0));
-    // What the views show of the rows that there were before.
+    // The views over rows of the older version.
     for (const char* view :
          {"v_folders", "v_jobs", "v_runs", "v_tables", "v_files", "v_fields", "v_percentiles", "v_outliers", "v_log",
           "v_collections", "v_charts", "v_chart_properties", "v_key_analyses", "v_redundancies", "v_alerts"})

@@ -68,7 +68,7 @@ std::vector<Row> found(const std::string& path, const TextFileOptions& options, 
 /// Looks only between those places of the reader that have such a row between them.
 std::vector<Row> foundAtPlaces(const std::string& path, TextFileOptions options, std::size_t column,
                                const std::string& value) {
-    options.placeEvery = 1;
+    options.offsetEvery = 1;
     options.pieceSize = 64;
     auto reader = TextFileReader::open(path, options);
     auto search = TextFileSearch::open(path, options);
@@ -76,12 +76,12 @@ std::vector<Row> foundAtPlaces(const std::string& path, TextFileOptions options,
     std::vector<FileRange> ranges;
     RowBlock block;
     while ((*reader)->read(block).value()) {
-        EXPECT_EQ(block.places.front().row, 0U);
-        EXPECT_EQ(block.places.back().row, block.rows);
-        for (std::size_t i = 1; i < block.places.size(); ++i)
-            for (std::size_t r = block.places[i - 1].row; r < block.places[i].row; ++r) {
+        EXPECT_EQ(block.offsets.front().row, 0U);
+        EXPECT_EQ(block.offsets.back().row, block.rows);
+        for (std::size_t i = 1; i < block.offsets.size(); ++i)
+            for (std::size_t r = block.offsets[i - 1].row; r < block.offsets[i].row; ++r) {
                 const Cell& cell = block.columns[column][r];
-                const FileRange range{block.places[i - 1].offset, block.places[i].offset};
+                const FileRange range{block.offsets[i - 1].offset, block.offsets[i].offset};
                 if (std::string_view(cell.data, cell.size) == value && (ranges.empty() || ranges.back() != range))
                     ranges.push_back(range);
             }

@@ -123,7 +123,7 @@ TEST(PackedTextFile, IsReadAsTheTextInIt) {
             const auto got = (*reader)->read(block);
             ASSERT_TRUE(got) << got.error().text;
             more = *got;
-            EXPECT_TRUE(block.places.empty());
+            EXPECT_TRUE(block.offsets.empty());
             for (std::size_t row = 0; more && row < block.rows; ++row, ++rows) {
                 const Cell& cell = block.columns[0][row];
                 ASSERT_EQ(std::string_view(cell.data, cell.size), std::to_string(rows));

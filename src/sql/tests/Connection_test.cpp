@@ -65,7 +65,7 @@ TEST_F(ConnectionTest, AStatementGivenBackKeepsNothing) {
     {
         auto first = connection->prepare("SELECT ?1");
         ASSERT_EQ(first->bind(1, 7).step(), Step::Row);
-        // The same text twice at once makes two statements.
+        // The same text used twice at a time makes two statements.
         auto second = connection->prepare("SELECT ?1");
         ASSERT_EQ(second->step(), Step::Row);
         EXPECT_TRUE(second->isNull(0));
@@ -133,7 +133,7 @@ TEST_F(ConnectionTest, OnAFullDiskIsRead) {
     auto writer = Connection::openFile(m_folder.file("a.db"), OpenMode::Write);
     ASSERT_FALSE(writer);
     EXPECT_THAT(writer.error().text, HasSubstr("could not be written: the disk is full"));
-    // A log that nobody could move into the file has to be read too, and that needs room.
+    // A log that could not be moved into the file must be read, too, which needs space.
     std::filesystem::remove(m_folder.file("a.db-shm"));
     std::ofstream(m_folder.file("a.db-wal")) << std::string(5000, 'x');
     auto reader = Connection::openFile(m_folder.file("a.db"), OpenMode::Read);

@@ -10,7 +10,7 @@ namespace {
 
 using tavix::testing::TempFolder;
 
-/// Opens and closes the file as a careless part of the process would, and tells whether somebody else may lock it.
+/// Opens and closes the file like a careless part of the process, and returns whether another process may lock it.
 bool isLocked(const std::string& path) {
     const int file = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
     EXPECT_GE(file, 0) << path;

@@ -15,7 +15,7 @@
 
 namespace tavix::testing {
 
-/// As long as it lives, SQLite finds a disk on which the files of a folder take at most so many bytes.
+/// During its lifetime, SQLite finds a disk on which the files of a folder may have at most so many bytes.
 class FullDisk {
   public:
     FullDisk(const std::filesystem::path& folder, std::uintmax_t bytes) {
@@ -32,7 +32,7 @@ class FullDisk {
     FullDisk(const FullDisk&) = delete;
     FullDisk& operator=(const FullDisk&) = delete;
 
-    /// What the folder's files take.
+    /// The size of the folder's files.
     static std::uintmax_t used() {
         std::uintmax_t sum = 0;
         std::error_code ignored;

@@ -7,8 +7,8 @@
 
 namespace tavix::testing {
 
-/// The rows of a query over the repository in a file as lines, cells parted by '|', nulls as NULL; the error's text
-/// when the query fails.
+/// The rows of a query over a repository file as lines, cells separated by '|', nulls as NULL; the error's text if the
+/// query fails.
 inline std::string storedRows(const std::string& file, std::string_view query) {
     auto connection = sql::Connection::openFile(file, sql::OpenMode::Read);
     if (!connection)

@@ -21,7 +21,7 @@ using ::testing::StartsWith;
 // Rows "v0", "v1", ... with the counts given; the values stand in the columns of both distributions.
 class Counts final : public ProfileCursor {
   public:
-    explicit Counts(std::vector<double> counts) : m_counts(std::move(counts)) {}
+    explicit Counts(std::vector<std::int64_t> counts) : m_counts(std::move(counts)) {}
 
     bool next() override {
         if (m_row == failsAt)
@@ -34,9 +34,10 @@ class Counts final : public ProfileCursor {
         return column == (m_hasRank ? 1 : 0) ? KvbString("v" + std::to_string(m_row)) : KvbString();
     }
     int getColumnInt(int) const override { return 0; }
-    double getColumnDouble(int column) const override {
+    std::int64_t getColumnInt64(int column) const override {
         return column == (m_hasRank ? 2 : 1) ? m_counts.at(static_cast<std::size_t>(m_row)) : 0;
     }
+    double getColumnDouble(int column) const override { return static_cast<double>(getColumnInt64(column)); }
     bool isColumnNull(int) const override { return false; }
     bool isColumnValid(int) const override { return true; }
 
@@ -48,7 +49,7 @@ class Counts final : public ProfileCursor {
     int failsAt = -2;
 
   private:
-    std::vector<double> m_counts;
+    std::vector<std::int64_t> m_counts;
     int m_row = -1;
     bool m_hasRank = false;
 };
@@ -61,7 +62,7 @@ std::string toText(const Distribution& distribution) {
 }
 
 TEST(Distribution, TheTwoRulesForOtherDiffer) {
-    const std::vector<double> counts = {50, 30, 15, 5};
+    const std::vector<std::int64_t> counts = {50, 30, 15, 5};
     const auto values = [&](std::int64_t limit, std::optional<std::int64_t> total) {
         Counts rows(counts);
         return toText(readValueDistribution(rows, limit, total));
@@ -84,7 +85,7 @@ TEST(Distribution, TheTwoRulesForOtherDiffer) {
 }
 
 TEST(Distribution, TheWalkStopsAtTheLimitUnlessAllRowsAreToBeSummed) {
-    const std::vector<double> many(5000, 1);
+    const std::vector<std::int64_t> many(5000, 1);
     Counts known(many);
     (void)readValueDistribution(known, 100, 5000);
     EXPECT_EQ(100, known.rowsRead());
@@ -96,9 +97,10 @@ TEST(Distribution, TheWalkStopsAtTheLimitUnlessAllRowsAreToBeSummed) {
 }
 
 TEST(Distribution, DamagedCountsDoNotOverflow) {
-    Counts rows({1e300, 1e300, 7});
+    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
+    Counts rows({kMost, kMost, 7});
     const Distribution distribution = readPatternDistribution(rows.withRank(), 1);
-    EXPECT_EQ(std::numeric_limits<std::int64_t>::max(), distribution.total);
+    EXPECT_EQ(kMost, distribution.total);
     Counts negative({-5, 3});
     EXPECT_EQ("v0=-5 other 3 of -2", toText(readPatternDistribution(negative.withRank(), 1)));
 }

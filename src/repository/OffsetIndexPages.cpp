@@ -1,4 +1,4 @@
-#include "repository/PlacePages.h"
+#include "repository/OffsetIndexPages.h"
 
 #include <xxhash.h>
 
@@ -17,14 +17,14 @@ static_assert(std::endian::native == std::endian::little, "checksums are stored 
 
 constexpr std::size_t kPageBytes = std::size_t{32} << 10;
 constexpr std::size_t kChecksumBytes = sizeof(std::uint64_t);
-/// A search of all ranges takes little longer than one of so many.
+/// Searching all ranges takes little longer than searching this share of them.
 constexpr std::size_t kListedShare = 4;
-/// The size of a list that is not there.
+/// The size of an unlisted list.
 constexpr std::uint64_t kUnlisted = 0;
 
 constexpr std::size_t kLongestNumber = 10;
 
-/// Seven bits a byte, the lowest first; all bytes but the last have the highest bit. Returns the end.
+/// LEB128: seven bits a byte, the lowest first; all bytes but the last have the highest bit set. Returns the end.
 std::byte* put(std::byte* at, std::uint64_t number) {
     for (; number >= 0x80; number >>= 7)
         *at++ = static_cast<std::byte>(number | 0x80);
@@ -37,18 +37,18 @@ void append(std::vector<std::byte>& bytes, std::uint64_t number) {
     bytes.insert(bytes.end(), packed.data(), put(packed.data(), number));
 }
 
-/// The checksum is put in front of the bytes, where there is room for it.
+/// Writes the checksum into the space reserved before the bytes.
 void seal(std::vector<std::byte>& bytes) {
     const std::uint64_t checksum = XXH3_64bits(bytes.data() + kChecksumBytes, bytes.size() - kChecksumBytes);
     std::memcpy(bytes.data(), &checksum, kChecksumBytes);
 }
 
-/// Numbers one after the other; whatever the bytes are, no more of them are read than there are.
+/// Reads numbers one after the other; safe for any bytes.
 class NumberReader {
   public:
     explicit NumberReader(std::span<const std::byte> bytes) : m_bytes(bytes) {}
 
-    /// Behind the checksum of sealed bytes; nothing when it is not theirs.
+    /// Starts after the checksum of sealed bytes; nothing if it is wrong.
     static std::optional<NumberReader> open(std::span<const std::byte> sealed) {
         if (sealed.size() < kChecksumBytes)
             return std::nullopt;
@@ -76,7 +76,7 @@ class NumberReader {
         return std::nullopt;
     }
 
-    /// The following bytes, which are passed over.
+    /// Skips the next bytes and returns a reader of them.
     std::optional<NumberReader> take(std::uint64_t size) {
         if (size > m_bytes.size())
             return std::nullopt;
@@ -104,23 +104,23 @@ std::optional<std::vector<std::uint32_t>> listOf(NumberReader reader, std::size_
 
 } // namespace
 
-PlacePacker::PlacePacker(std::size_t ranges) : m_ranges(ranges) {
+OffsetIndexPacker::OffsetIndexPacker(std::size_t ranges) : m_ranges(ranges) {
     begin(0);
 }
 
-void PlacePacker::begin(std::uint32_t bucket) {
+void OffsetIndexPacker::begin(std::uint32_t bucket) {
     m_pages.push_back({bucket, {}});
     m_pages.back().bytes.reserve(kPageBytes + kPageBytes / 4);
     m_pages.back().bytes.resize(kChecksumBytes);
     m_nextBucket = bucket;
 }
 
-void PlacePacker::end() {
+void OffsetIndexPacker::end() {
     seal(m_pages.back().bytes);
     m_pages.back().bytes.shrink_to_fit();
 }
 
-std::vector<std::byte>& PlacePacker::pageFor(std::uint32_t bucket) {
+std::vector<std::byte>& OffsetIndexPacker::pageFor(std::uint32_t bucket) {
     if (m_pages.back().bytes.size() >= kPageBytes) {
         end();
         begin(bucket);
@@ -130,11 +130,11 @@ std::vector<std::byte>& PlacePacker::pageFor(std::uint32_t bucket) {
     return page;
 }
 
-void PlacePacker::addUnlisted(std::uint32_t bucket) {
+void OffsetIndexPacker::addUnlisted(std::uint32_t bucket) {
     append(pageFor(bucket), kUnlisted);
 }
 
-void PlacePacker::add(std::uint32_t bucket, std::span<const std::uint32_t> ranges) {
+void OffsetIndexPacker::add(std::uint32_t bucket, std::span<const std::uint32_t> ranges) {
     if (ranges.empty())
         return;
     if (ranges.size() > m_ranges / kListedShare)
@@ -149,7 +149,7 @@ void PlacePacker::add(std::uint32_t bucket, std::span<const std::uint32_t> range
     page.insert(page.end(), m_list.data(), end);
 }
 
-std::vector<PlacePage> PlacePacker::finish() {
+std::vector<OffsetIndexPage> OffsetIndexPacker::finish() {
     end();
     return std::move(m_pages);
 }
@@ -163,7 +163,7 @@ std::optional<std::vector<std::uint32_t>> rangesOfBucket(std::span<const std::by
     while (!reader->isAtEnd()) {
         const auto distance = reader->next();
         const auto size = reader->next();
-        if (!distance || !size || *distance >= kPlaceBuckets - current)
+        if (!distance || !size || *distance >= kOffsetIndexBuckets - current)
             return std::nullopt;
         current += *distance;
         const auto list = reader->take(*size);

@@ -1,4 +1,4 @@
-#include "source/CellText.h"
+#include "source/CellDecoder.h"
 
 #include "source/Utf8.h"
 
@@ -6,7 +6,7 @@
 
 namespace tavix::source {
 
-Cell cellText(const RawCell& raw, bool isValid, char quote, TextArena& arena, bool& hadBadBytes) {
+Cell decodeCell(const RawCell& raw, bool isValid, char quote, TextArena& arena, bool& hadBadBytes) {
     const char* data = raw.data;
     std::size_t size = raw.size;
     if (raw.hasDoubledQuotes || raw.tailSize > 0) {

@@ -1,12 +1,196 @@
-#include "repository/SchemaVersion7.h"
+#include "repository/SchemaScripts.h"
+
+#include <array>
 
 namespace tavix::repository {
 
 namespace {
 
-// part: see RunChecksums.cpp; table_id is 0 for the parts of the run itself. Like every per-run table, no foreign key
-// to run. In all views table_name is the name that users see: that of the query or filter, else the table's own.
-constexpr const char* kScript = R"sql(
+// Like every table of a run, those below have no foreign key to it; see FirstSchema.cpp.
+
+// Custom metrics and business rules.
+constexpr const char* kToVersion2 = R"sql(
+CREATE TABLE custom_metric (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    table_id INTEGER NOT NULL REFERENCES profiled_table(id),
+    name TEXT NOT NULL,
+    UNIQUE (table_id, name)
+) STRICT;
+
+-- kind: computed from the table's rows or from its other metrics. figure: how, count sum average min max metric.
+CREATE TABLE run_custom_metric (
+    run INTEGER NOT NULL,
+    table_id INTEGER NOT NULL REFERENCES profiled_table(id),
+    position INTEGER NOT NULL,
+    metric INTEGER NOT NULL REFERENCES custom_metric(id),
+    output_name TEXT NOT NULL,
+    kind TEXT NOT NULL CHECK (kind IN ('rows', 'metrics')),
+    figure TEXT NOT NULL,
+    expression TEXT NOT NULL,
+    value ANY,
+    used_rows INTEGER,
+    error_rows INTEGER NOT NULL DEFAULT 0,
+    PRIMARY KEY (run, table_id, position)
+) STRICT, WITHOUT ROWID;
+CREATE INDEX run_custom_metric_by_metric ON run_custom_metric(metric, run);
+
+-- standard_metric: the number of the field's metric that is read; null when its rows are.
+CREATE TABLE custom_metric_input (
+    run INTEGER NOT NULL,
+    metric INTEGER NOT NULL REFERENCES custom_metric(id),
+    position INTEGER NOT NULL,
+    field INTEGER NOT NULL REFERENCES field(id),
+    standard_metric INTEGER,
+    PRIMARY KEY (run, metric, position)
+) STRICT, WITHOUT ROWID;
+
+CREATE TABLE business_rule (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    table_id INTEGER NOT NULL REFERENCES profiled_table(id),
+    name TEXT NOT NULL,
+    UNIQUE (table_id, name)
+) STRICT;
+
+-- log_columns: a JSON list of names, the first key_columns of them the table's key.
+CREATE TABLE run_rule (
+    run INTEGER NOT NULL,
+    table_id INTEGER NOT NULL REFERENCES profiled_table(id),
+    position INTEGER NOT NULL,
+    rule INTEGER NOT NULL REFERENCES business_rule(id),
+    condition TEXT NOT NULL,
+    checked_rows INTEGER NOT NULL,
+    failed_rows INTEGER NOT NULL,
+    error_rows INTEGER NOT NULL,
+    logged_rows INTEGER NOT NULL,
+    log_columns TEXT NOT NULL,
+    key_columns INTEGER NOT NULL,
+    PRIMARY KEY (run, table_id, position)
+) STRICT, WITHOUT ROWID;
+CREATE INDEX run_rule_by_rule ON run_rule(rule, run);
+
+CREATE TABLE rule_input (
+    run INTEGER NOT NULL,
+    rule INTEGER NOT NULL REFERENCES business_rule(id),
+    position INTEGER NOT NULL,
+    field INTEGER NOT NULL REFERENCES field(id),
+    PRIMARY KEY (run, rule, position)
+) STRICT, WITHOUT ROWID;
+
+-- record: the row's number in its source, from 1. row_values: a JSON list of texts and nulls beside log_columns.
+CREATE TABLE rule_row (
+    run INTEGER NOT NULL,
+    rule INTEGER NOT NULL REFERENCES business_rule(id),
+    position INTEGER NOT NULL,
+    record INTEGER NOT NULL,
+    row_values TEXT NOT NULL,
+    PRIMARY KEY (run, rule, position)
+) STRICT, WITHOUT ROWID;
+
+CREATE VIEW v_custom_metrics AS
+SELECT v.run, j.name AS job, v.table_id, CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name,
+       'M' || m.id AS metric_key, m.name AS metric, v.output_name, v.kind, v.figure, v.expression, v.value,
+       v.used_rows, v.error_rows
+FROM run r JOIN job j ON j.id = r.job JOIN run_custom_metric v ON v.run = r.id
+JOIN custom_metric m ON m.id = v.metric JOIN profiled_table t ON t.id = v.table_id;
+
+CREATE VIEW v_business_rules AS
+SELECT v.run, j.name AS job, v.table_id, CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name,
+       'B' || b.id AS rule_key, b.name AS rule, v.condition, v.checked_rows, v.failed_rows,
+       CASE WHEN v.checked_rows > 0 THEN 100.0 * v.failed_rows / v.checked_rows END AS failed_percent,
+       v.error_rows, v.logged_rows
+FROM run r JOIN job j ON j.id = r.job JOIN run_rule v ON v.run = r.id
+JOIN business_rule b ON b.id = v.rule JOIN profiled_table t ON t.id = v.table_id;
+
+CREATE VIEW v_rule_rows AS
+SELECT l.run, 'B' || b.id AS rule_key, b.name AS rule, l.position, l.record, v.log_columns AS columns,
+       l.row_values AS "values"
+FROM run r JOIN rule_row l ON l.run = r.id JOIN run_rule v ON v.run = l.run AND v.rule = l.rule
+JOIN business_rule b ON b.id = l.rule;
+)sql";
+
+// How a table of a database was reached, without user or password; null for other tables.
+constexpr const char* kToVersion3 = R"sql(
+ALTER TABLE run_table ADD COLUMN connection TEXT;
+)sql";
+
+// The files of a table, so that its rows can be read again. quote: the character, empty when quotes had no meaning.
+constexpr const char* kToVersion4 = R"sql(
+CREATE TABLE run_file (
+    run INTEGER NOT NULL,
+    table_id INTEGER NOT NULL REFERENCES profiled_table(id),
+    position INTEGER NOT NULL,
+    path TEXT NOT NULL,
+    quote TEXT NOT NULL,
+    PRIMARY KEY (run, table_id, position)
+) STRICT, WITHOUT ROWID;
+)sql";
+
+// The offset index of a file, optional: without it, searches read the whole file. The file's times are nanoseconds.
+constexpr const char* kToVersion5 = R"sql(
+CREATE TABLE file_place (
+    id INTEGER PRIMARY KEY,
+    run INTEGER NOT NULL,
+    table_id INTEGER NOT NULL REFERENCES profiled_table(id),
+    file_size INTEGER NOT NULL,
+    file_modified INTEGER NOT NULL,
+    file_changed INTEGER NOT NULL,
+    seed_1 INTEGER NOT NULL,
+    seed_2 INTEGER NOT NULL,
+    probe INTEGER NOT NULL,
+    offsets BLOB NOT NULL,
+    UNIQUE (run, table_id)
+) STRICT;
+
+CREATE TABLE value_place (
+    id INTEGER PRIMARY KEY,
+    run INTEGER NOT NULL,
+    field INTEGER NOT NULL,
+    first_bucket INTEGER NOT NULL,
+    ranges BLOB NOT NULL,
+    UNIQUE (run, field, first_bucket)
+) STRICT;
+)sql";
+
+// How each file of a table was read, where moved files are now, and the user of a database. The new columns are null in
+// the rows of older runs. delimiter: the character, empty when lines were not split. moved_file: the file that a run
+// read, by its path, size and time, and where it is now; size and time are -1 where the run does not record them.
+// run_file is rebuilt because each added column makes SQLite check all views, a third of the time that creating a
+// repository takes.
+constexpr const char* kToVersion6 = R"sql(
+CREATE TABLE run_file_before AS SELECT run, table_id, position, path, quote FROM run_file;
+DROP TABLE run_file;
+CREATE TABLE run_file (
+    run INTEGER NOT NULL,
+    table_id INTEGER NOT NULL REFERENCES profiled_table(id),
+    position INTEGER NOT NULL,
+    path TEXT NOT NULL,
+    quote TEXT NOT NULL,
+    delimiter TEXT,
+    encoding TEXT,
+    byte_order_mark INTEGER,
+    size INTEGER,
+    modified INTEGER,
+    PRIMARY KEY (run, table_id, position)
+) STRICT, WITHOUT ROWID;
+INSERT INTO run_file(run, table_id, position, path, quote) SELECT run, table_id, position, path, quote FROM run_file_before;
+DROP TABLE run_file_before;
+
+ALTER TABLE run_table ADD COLUMN connection_user TEXT;
+
+CREATE TABLE moved_file (
+    path TEXT NOT NULL,
+    size INTEGER NOT NULL,
+    modified INTEGER NOT NULL,
+    new_path TEXT NOT NULL,
+    found INTEGER NOT NULL,
+    PRIMARY KEY (path, size, modified)
+) STRICT, WITHOUT ROWID;
+)sql";
+
+// Checksums of runs, and views of everything in a repository. part: see RunChecksums.cpp; table_id is 0 for the parts
+// of the run itself. In all views table_name is the name that users see: that of the query or filter, else the table's
+// own.
+constexpr const char* kToVersion7 = R"sql(
 CREATE TABLE run_checksum (
     run INTEGER NOT NULL,
     table_id INTEGER NOT NULL,
@@ -168,8 +352,10 @@ LEFT JOIN custom_metric m ON a.type_code = 'CM' AND m.id = CAST(substr(a.watched
 LEFT JOIN business_rule b ON a.type_code = 'BR' AND b.id = CAST(substr(a.watched_key, 2) AS INTEGER);
 )sql";
 
+constexpr std::array kChanges{kToVersion2, kToVersion3, kToVersion4, kToVersion5, kToVersion6, kToVersion7};
+
 } // namespace
 
-const char* const kSchemaVersion7 = kScript;
+const std::span<const char* const> kSchemaChanges = kChanges;
 
 } // namespace tavix::repository

@@ -1,20 +1,10 @@
-#include "repository/Schema.h"
-#include "repository/SchemaVersion2.h"
-#include "repository/SchemaVersion3.h"
-#include "repository/SchemaVersion4.h"
-#include "repository/SchemaVersion5.h"
-#include "repository/SchemaVersion6.h"
-#include "repository/SchemaVersion7.h"
-
-#include <array>
+#include "repository/SchemaScripts.h"
 
 namespace tavix::repository {
 
-namespace {
-
-// What stands for a run in the tables below `run` carries no foreign key to it, so that deleting a run is one small
-// change and its rows can be swept away in bounded steps afterwards; deleted_run lists what is still to be swept.
-constexpr const char* kVersion1 = R"sql(
+// Tables of a run have no foreign key to it, so that deleting a run is one small change; its rows are then deleted in
+// bounded steps. deleted_run lists the runs that still have rows.
+const char* const kFirstSchema = R"sql(
 CREATE TABLE folder (
     id INTEGER PRIMARY KEY,
     parent INTEGER REFERENCES folder(id),
@@ -343,13 +333,5 @@ SELECT c.id AS collection_id, c.name AS collection, c.description, m.field AS fi
        f.name AS field_name
 FROM collection c JOIN collection_field m ON m.collection = c.id JOIN field f ON f.id = m.field;
 )sql";
-
-} // namespace
-
-std::span<const char* const> schemaSteps() {
-    static const std::array kSteps{kVersion1,       kSchemaVersion2, kSchemaVersion3, kSchemaVersion4,
-                                   kSchemaVersion5, kSchemaVersion6, kSchemaVersion7};
-    return kSteps;
-}
 
 } // namespace tavix::repository

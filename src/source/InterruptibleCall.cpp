@@ -1,4 +1,4 @@
-#include "source/Interruption.h"
+#include "source/InterruptibleCall.h"
 
 #include <chrono>
 #include <future>
@@ -16,7 +16,7 @@ bool runInterruptibly(const std::function<void()>& work, const KeepGoing& keepGo
     auto done = std::async(std::launch::async, work);
     while (done.wait_for(kPatience) != std::future_status::ready) {
         isInterrupted = isInterrupted || !keepGoing();
-        // Once may be too early: what is to be interrupted may not have begun.
+        // A single call may come too early, before the work has begun.
         if (isInterrupted)
             interrupt();
     }

@@ -1,6 +1,6 @@
-#include "repository/tests/FuzzPlaces.h"
+#include "repository/tests/FuzzOffsetIndex.h"
 
-#include "repository/PlacePages.h"
+#include "repository/OffsetIndexPages.h"
 #include "repository/tests/HoldsOrAborts.h"
 
 #include <xxhash.h>
@@ -21,11 +21,11 @@ namespace {
 using Bytes = std::span<const std::byte>;
 using List = std::vector<std::uint32_t>;
 
-// As docs/formats/offset-index.md has it.
+// See docs/formats/offset-index.md.
 constexpr std::size_t kSeal = 8;
 constexpr std::size_t kPage = std::size_t{32} << 10;
 
-/// Numbers that the fuzzer chooses; 0 when its bytes are used up.
+/// Numbers chosen by the fuzzer; 0 once its bytes are used up.
 class Choices {
   public:
     explicit Choices(Bytes bytes) : m_bytes(bytes) {}
@@ -50,7 +50,7 @@ class Choices {
     Bytes m_bytes;
 };
 
-/// The bytes as they are, and behind the seal that they need.
+/// The bytes as they are, and with the right seal before them.
 void asTheyAreAndSealed(Bytes bytes, void (*check)(Bytes, Choices), Choices choices) {
     check(bytes, choices);
     std::vector<std::byte> sealed(kSeal);
@@ -68,7 +68,7 @@ bool isSealed(Bytes bytes) {
     return seal == XXH3_64bits(bytes.data() + kSeal, bytes.size() - kSeal);
 }
 
-/// The number at `at`, which is moved behind it; nothing when it does not end or does not fit.
+/// The number at `at`, which moves past it; nothing if it is incomplete or too large.
 std::optional<std::uint64_t> numberAt(Bytes bytes, std::size_t& at) {
     std::uint64_t number = 0;
     for (unsigned shift = 0; at < bytes.size(); shift += 7) {
@@ -83,7 +83,7 @@ std::optional<std::uint64_t> numberAt(Bytes bytes, std::size_t& at) {
     return std::nullopt;
 }
 
-/// Nothing when they are not listed, or not in bounds.
+/// Nothing if they are not listed, or out of bounds.
 std::optional<List> listIn(Bytes bytes, std::size_t ranges) {
     if (bytes.empty())
         return std::nullopt;
@@ -98,7 +98,7 @@ std::optional<List> listIn(Bytes bytes, std::size_t ranges) {
     return list;
 }
 
-/// All lists of a page, as far as it can be read.
+/// All lists of a page, as far as it is valid.
 struct SlowPage {
     std::map<std::uint32_t, std::optional<List>> lists;
     bool isWhole = false;
@@ -117,7 +117,7 @@ SlowPage readSlowly(Bytes page, std::uint32_t firstBucket, std::size_t ranges) {
     for (std::size_t at = kSeal; at < page.size();) {
         const auto distance = numberAt(page, at);
         const auto size = distance ? numberAt(page, at) : std::nullopt;
-        if (!size || next >= kPlaceBuckets || *distance >= kPlaceBuckets - next || *size > page.size() - at)
+        if (!size || next >= kOffsetIndexBuckets || *distance >= kOffsetIndexBuckets - next || *size > page.size() - at)
             return result;
         next += *distance;
         const auto taken = static_cast<std::size_t>(*size);
@@ -144,14 +144,14 @@ void checkPage(Bytes page, Choices choices) {
     };
     check(0);
     check(firstBucket);
-    check(kPlaceBuckets - 1);
+    check(kOffsetIndexBuckets - 1);
     constexpr std::size_t kMostChecked = 32;
     const std::size_t step = slow.lists.size() / kMostChecked + 1;
     std::size_t i = 0;
     for (auto list = slow.lists.begin(); list != slow.lists.end(); ++list, ++i)
         if (i % step == 0 || std::next(list) == slow.lists.end()) {
             check(list->first);
-            check(std::min(list->first + 1, kPlaceBuckets - 1));
+            check(std::min(list->first + 1, kOffsetIndexBuckets - 1));
         }
 }
 
@@ -177,7 +177,7 @@ void checkOffsets(Bytes bytes, Choices) {
     holdsOrAborts(again.size() <= bytes.size() && unpackOffsets(again) == offsets, "offsets changed by packing");
 }
 
-/// The ranges of buckets; nothing for those that are to be packed as not listed.
+/// The ranges of buckets; nothing for those to be packed as not listed.
 using Lists = std::map<std::uint32_t, std::optional<List>>;
 
 /// A list is repeated for some following buckets, so that few bytes fill pages.
@@ -198,7 +198,7 @@ Lists chosenLists(Choices choices, std::size_t ranges) {
                 list->push_back(static_cast<std::uint32_t>(next++));
         }
         const std::uint32_t last = choices.byte();
-        for (std::uint32_t i = 0; i <= last && bucket < kPlaceBuckets; ++i, ++bucket) {
+        for (std::uint32_t i = 0; i <= last && bucket < kOffsetIndexBuckets; ++i, ++bucket) {
             lists.emplace_hint(lists.end(), static_cast<std::uint32_t>(bucket), list);
             numbers += 1 + (list ? list->size() : 0);
         }
@@ -206,11 +206,13 @@ Lists chosenLists(Choices choices, std::size_t ranges) {
     return lists;
 }
 
-/// Whether the pages say of the bucket what was packed.
-void checkPacked(const std::vector<PlacePage>& pages, const Lists& lists, std::uint32_t bucket, std::size_t ranges) {
-    const auto behind = std::upper_bound(pages.begin(), pages.end(), bucket,
-                                         [](std::uint32_t b, const PlacePage& page) { return b < page.firstBucket; });
-    const PlacePage& page = *std::prev(behind);
+/// Checks that the pages return what was packed for the bucket.
+void checkPacked(const std::vector<OffsetIndexPage>& pages, const Lists& lists, std::uint32_t bucket,
+                 std::size_t ranges) {
+    const auto behind =
+        std::upper_bound(pages.begin(), pages.end(), bucket,
+                         [](std::uint32_t b, const OffsetIndexPage& page) { return b < page.firstBucket; });
+    const OffsetIndexPage& page = *std::prev(behind);
     const auto list = rangesOfBucket(page.bytes, page.firstBucket, bucket, ranges);
     const auto packed = lists.find(bucket);
     if (packed == lists.end())
@@ -226,13 +228,13 @@ void checkPacked(const std::vector<PlacePage>& pages, const Lists& lists, std::u
 void packLists(Choices choices) {
     const std::size_t ranges = choices.two() % 4096 + std::size_t{1};
     const Lists lists = chosenLists(choices, ranges);
-    PlacePacker packer(ranges);
+    OffsetIndexPacker packer(ranges);
     for (const auto& [bucket, list] : lists)
         if (list)
             packer.add(bucket, *list);
         else
             packer.addUnlisted(bucket);
-    const std::vector<PlacePage> pages = packer.finish();
+    const std::vector<OffsetIndexPage> pages = packer.finish();
     holdsOrAborts(!pages.empty() && pages.front().firstBucket == 0, "the first page is not that of bucket 0");
     for (std::size_t i = 0; i < pages.size(); ++i) {
         holdsOrAborts(pages[i].bytes.size() < 2 * kPage && (i + 1 == pages.size() || pages[i].bytes.size() >= kPage),
@@ -248,9 +250,9 @@ void packLists(Choices choices) {
     for (const auto& [bucket, list] : lists)
         if (i++ % step == 0) {
             checkPacked(pages, lists, bucket, ranges);
-            checkPacked(pages, lists, std::min(bucket + 1, kPlaceBuckets - 1), ranges);
+            checkPacked(pages, lists, std::min(bucket + 1, kOffsetIndexBuckets - 1), ranges);
         }
-    checkPacked(pages, lists, kPlaceBuckets - 1, ranges);
+    checkPacked(pages, lists, kOffsetIndexBuckets - 1, ranges);
 }
 
 void packChosenOffsets(Choices choices) {
@@ -263,7 +265,7 @@ void packChosenOffsets(Choices choices) {
 
 } // namespace
 
-void fuzzPlaces(std::span<const std::byte> bytes) {
+void fuzzOffsetIndex(std::span<const std::byte> bytes) {
     Choices choices(bytes);
     constexpr std::uint32_t kUses = 4;
     constexpr std::size_t kPageHeader = 4; // first bucket and number of ranges, not stored with it

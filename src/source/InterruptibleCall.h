@@ -6,8 +6,8 @@
 
 namespace tavix::source {
 
-/// Runs `work` on a thread of its own while this one asks `keepGoing`; after a false it calls `interrupt` again and
-/// again until the work has ended. Whether it was interrupted. Without `keepGoing` the work is simply done.
+/// Runs `work` on another thread while this one asks `keepGoing`; after a false, calls `interrupt` repeatedly until the
+/// work has ended. Returns whether it was interrupted. Without `keepGoing`, runs the work on this thread.
 bool runInterruptibly(const std::function<void()>& work, const KeepGoing& keepGoing,
                       const std::function<void()>& interrupt);
 

@@ -1,4 +1,6 @@
-#include "base/DateText.h"
+#include "base/DateTicks.h"
+
+#include "base/Ascii.h"
 
 #include <fmt/format.h>
 
@@ -14,11 +16,7 @@ constexpr std::int64_t kFirst = std::int64_t{-719162} * kTicksPerDay;  // 0001-0
 constexpr std::int64_t kBehind = std::int64_t{2932897} * kTicksPerDay; // 10000-01-01
 constexpr std::int64_t kFinestDigits = 7;
 
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-/// Takes a date apart from the left. Once a step has failed, all that follow do.
+/// Parses a date from the left. After a failed step all others fail.
 class Steps {
   public:
     explicit Steps(std::string_view text) : m_rest(text) {}
@@ -28,7 +26,7 @@ class Steps {
         if (m_rest.size() < count)
             return giveUp();
         for (std::size_t i = 0; i < count; ++i) {
-            if (!isDigit(m_rest[i]))
+            if (!isAsciiDigit(m_rest[i]))
                 return giveUp();
             value = value * 10 + (m_rest[i] - '0');
         }
@@ -45,11 +43,11 @@ class Steps {
         if (!skip({&c, 1}))
             giveUp();
     }
-    /// One to nine digits behind the point; what is finer than 100 ns is cut.
+    /// One to nine digits after the decimal point; digits beyond 100 ns are dropped.
     std::int64_t fraction() {
         std::int64_t ticks = 0;
         std::int64_t taken = 0;
-        for (; !m_rest.empty() && isDigit(m_rest.front()); ++taken) {
+        for (; !m_rest.empty() && isAsciiDigit(m_rest.front()); ++taken) {
             if (taken < kFinestDigits)
                 ticks = ticks * 10 + (m_rest.front() - '0');
             m_rest.remove_prefix(1);
@@ -75,7 +73,7 @@ class Steps {
     bool m_isGood = true;
 };
 
-/// What stands behind the day: a time, perhaps with an offset. In ticks to be added.
+/// Parses the time after the day, perhaps with an offset. Returns the ticks to add.
 std::int64_t parseTime(Steps& steps) {
     std::int64_t seconds = std::int64_t{3600} * steps.digits(2, 0, 23);
     steps.need(':');
@@ -103,7 +101,7 @@ std::int64_t parseTime(Steps& steps) {
 } // namespace
 
 std::optional<std::int64_t> parseDate(std::string_view text) {
-    if (text.size() < 10 || !isDigit(text.front()))
+    if (text.size() < 10 || !isAsciiDigit(text.front()))
         return std::nullopt;
     Steps steps(text);
     const int year = steps.digits(4, 1, 9999);

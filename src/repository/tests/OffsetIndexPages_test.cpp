@@ -1,4 +1,4 @@
-#include "repository/PlacePages.h"
+#include "repository/OffsetIndexPages.h"
 
 #include <gtest/gtest.h>
 
@@ -15,27 +15,27 @@ using List = std::vector<std::uint32_t>;
 struct Packed {
     std::size_t ranges = 0;
     std::map<std::uint32_t, List> lists;
-    std::vector<PlacePage> pages;
+    std::vector<OffsetIndexPage> pages;
 
-    [[nodiscard]] const PlacePage& pageOf(std::uint32_t bucket) const {
+    [[nodiscard]] const OffsetIndexPage& pageOf(std::uint32_t bucket) const {
         const auto behind =
             std::upper_bound(pages.begin(), pages.end(), bucket,
-                             [](std::uint32_t b, const PlacePage& page) { return b < page.firstBucket; });
+                             [](std::uint32_t b, const OffsetIndexPage& page) { return b < page.firstBucket; });
         return *std::prev(behind);
     }
     [[nodiscard]] std::optional<List> listOf(std::uint32_t bucket) const {
-        const PlacePage& page = pageOf(bucket);
+        const OffsetIndexPage& page = pageOf(bucket);
         return rangesOfBucket(page.bytes, page.firstBucket, bucket, ranges);
     }
 };
 
-/// A bucket in `share` of all, each in up to `most` ranges.
+/// A random share of all buckets, each in up to `most` ranges.
 Packed packed(unsigned seed, std::size_t ranges, double share, std::size_t most) {
     std::mt19937 random(seed);
     Packed result;
     result.ranges = ranges;
-    PlacePacker packer(ranges);
-    for (std::uint32_t bucket = 0; bucket < kPlaceBuckets; ++bucket) {
+    OffsetIndexPacker packer(ranges);
+    for (std::uint32_t bucket = 0; bucket < kOffsetIndexBuckets; ++bucket) {
         if (static_cast<double>(random() % 1000) >= share * 1000)
             continue;
         List list;
@@ -50,20 +50,20 @@ Packed packed(unsigned seed, std::size_t ranges, double share, std::size_t most)
     return result;
 }
 
-TEST(PlacePages, GiveBackTheRangesOfEveryBucket) {
+TEST(OffsetIndexPages, GiveBackTheRangesOfEveryBucket) {
     const Packed few = packed(1, 1000, 0.01, 3);
     const Packed many = packed(2, 100'000, 1, 40);
     EXPECT_EQ(few.pages.size(), 1U);
     EXPECT_GT(many.pages.size(), 20U);
     for (const Packed* one : {&few, &many})
-        for (std::uint32_t bucket = 0; bucket < kPlaceBuckets; ++bucket) {
+        for (std::uint32_t bucket = 0; bucket < kOffsetIndexBuckets; ++bucket) {
             const auto known = one->lists.find(bucket);
             ASSERT_EQ(one->listOf(bucket), known == one->lists.end() ? List() : known->second) << bucket;
         }
 }
 
-TEST(PlacePages, WhatIsNotListedIsEverywhere) {
-    PlacePacker packer(8);
+TEST(OffsetIndexPages, WhatIsNotListedIsEverywhere) {
+    OffsetIndexPacker packer(8);
     packer.add(0, List{1, 7});
     packer.add(1, List{0, 1, 2});
     packer.addUnlisted(2);
@@ -74,11 +74,11 @@ TEST(PlacePages, WhatIsNotListedIsEverywhere) {
     EXPECT_EQ(result.listOf(2), std::nullopt);
     EXPECT_EQ(result.listOf(3), List());
     EXPECT_EQ(result.listOf(65535), List{0});
-    EXPECT_EQ(PlacePacker(8).finish().size(), 1U) << "without any value a page says so";
+    EXPECT_EQ(OffsetIndexPacker(8).finish().size(), 1U) << "without any value a page says so";
 }
 
-// Nobody is led past a row by a damaged page: it says nothing.
-TEST(PlacePages, DamageIsNoticed) {
+// A damaged page must not make a reader miss rows: it returns nothing.
+TEST(OffsetIndexPages, DamageIsNoticed) {
     const Packed whole = packed(3, 5000, 0.005, 4);
     const std::vector<std::byte>& page = whole.pages.front().bytes;
     const std::uint32_t bucket = whole.lists.begin()->first;
@@ -93,7 +93,7 @@ TEST(PlacePages, DamageIsNoticed) {
     EXPECT_EQ(rangesOfBucket(page, 0, bucket, list.back()), std::nullopt) << "a range that there is not";
 }
 
-TEST(PlacePages, OffsetsComeBack) {
+TEST(OffsetIndexPages, OffsetsComeBack) {
     const std::vector<std::int64_t> offsets{0, 3, 3, 100'000, 1LL << 40, (1LL << 40) + 127};
     EXPECT_EQ(unpackOffsets(packOffsets(offsets)), offsets);
     EXPECT_EQ(unpackOffsets(packOffsets({})), std::vector<std::int64_t>());

@@ -1,8 +1,0 @@
-#include "repository/tests/FuzzPlaces.h"
-
-#include <cstdint>
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    tavix::repository::fuzzPlaces(std::as_bytes(std::span(data, size)));
-    return 0;
-}
