@@ -1,5 +1,6 @@
 #include "profiling/KeyedSort.h"
 
+#include "base/RadixSort.h"
 #include "profiling/ValueRuns.h"
 
 #include <algorithm>
@@ -48,7 +49,7 @@ class RadixSort {
             return;
         }
         if (rows.size() <= kInCache)
-            return sortInCache(rows, spare, byte);
+            return radixSortByBytes(rows, spare, byte + 1, [](const Row& row) { return keyOf(row); });
         if (m_stop.isStopped())
             return;
         std::array<std::size_t, 257> starts{};
@@ -74,34 +75,6 @@ class RadixSort {
     }
 
   private:
-    /// From the last byte to the first, leaving out those that all keys share.
-    static void sortInCache(std::span<Row> rows, std::span<Row> spare, unsigned byte) {
-        std::array<std::array<std::uint32_t, 256>, kBytes> counts;
-        for (unsigned b = 0; b <= byte; ++b)
-            counts[b].fill(0);
-        for (const Row& row : rows)
-            for (unsigned b = 0; b <= byte; ++b)
-                ++counts[b][keyOf(row) >> (b * 8) & 0xFF];
-        std::span<Row> from = rows;
-        std::span<Row> to = spare;
-        for (unsigned b = 0; b <= byte; ++b) {
-            auto& starts = counts[b];
-            if (starts[keyOf(from.front()) >> (b * 8) & 0xFF] == rows.size())
-                continue;
-            std::uint32_t next = 0;
-            for (std::uint32_t& start : starts) {
-                const std::uint32_t size = start;
-                start = next;
-                next += size;
-            }
-            for (const Row& row : from)
-                to[starts[keyOf(row) >> (b * 8) & 0xFF]++] = row;
-            std::swap(from, to);
-        }
-        if (from.data() != rows.data())
-            std::memcpy(static_cast<void*>(rows.data()), from.data(), rows.size_bytes());
-    }
-
     StopSignal& m_stop;
 };
 
