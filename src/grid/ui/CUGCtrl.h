@@ -37,6 +37,7 @@ class CUGCtrl final : public QTableView {
 
     /// Whether invisible characters are drawn as signs. Copied text is not changed.
     void SetShowsInvisible(bool shows);
+    [[nodiscard]] bool ShowsInvisible() const { return m_showsInvisible; }
 
     /// -1 without one.
     [[nodiscard]] std::int64_t GetCurrentRow() const;
