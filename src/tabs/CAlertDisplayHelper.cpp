@@ -10,7 +10,7 @@ namespace tavix {
 
 namespace {
 
-// `code` is in capitals.
+// `code` is in upper case.
 bool equalsInAnyCase(std::string_view text, std::string_view code) {
     return std::equal(text.begin(), text.end(), code.begin(), code.end(), [](char a, char b) {
         return (a >= 'a' && a <= 'z' ? static_cast<char>(a - 'a' + 'A') : a) == b;
@@ -22,7 +22,7 @@ bool equalsInAnyCase(std::string_view text, std::string_view code) {
 CAlertDisplayHelper::CAlertDisplayHelper(NamesByKey customMetrics, NamesByKey businessRules)
     : m_customMetrics(std::move(customMetrics)), m_businessRules(std::move(businessRules)) {}
 
-// Case counts here, unlike for the type word.
+// Case-sensitive, unlike the type word.
 std::string CAlertDisplayHelper::InputText(const ProfileCursor& alert) const {
     const std::string type = alert.getColumnValue(layout::AlertTypeCode).str();
     const NamesByKey* names = type == "CM" ? &m_customMetrics : type == "BR" ? &m_businessRules : nullptr;

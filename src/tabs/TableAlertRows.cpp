@@ -56,7 +56,7 @@ bool TableAlertRows::Fill(PrViewer& viewer, const TableIdentity& table) try {
     while (rows->next()) {
         if (!belongsTo(*rows, table))
             continue;
-        alerts.push_back({rows->getColumnInt(layout::AlertId), text(*rows, layout::AlertDescription),
+        alerts.push_back({text(*rows, layout::AlertDescription),
                           CAlertDisplayHelper::TypeWord(text(*rows, layout::AlertTypeCode)), words.InputText(*rows)});
     }
     m_alerts = std::move(alerts);
