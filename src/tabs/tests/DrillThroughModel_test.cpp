@@ -1,11 +1,8 @@
 #include "access/PrViewDisplayMessage.h"
 #include "base/GenException.h"
-#include "base/tests/ScriptedMessages.h"
-#include "base/tests/TempFolder.h"
-#include "doc/tests/TestSite.h"
 #include "report/FieldRecords.h"
-#include "support/SampleRepository.h"
 #include "tabs/DrillThroughModel.h"
+#include "tabs/tests/SampleDocument.h"
 
 #include <gtest/gtest.h>
 
@@ -17,9 +14,8 @@ class Progress final : public PrViewDisplayMessage {
     bool progress(std::string_view, std::int64_t, std::int64_t) override { return true; }
 };
 
-class DrillThroughModel : public ::testing::Test {
+class DrillThroughModel : public testing::SampleDocument {
   protected:
-    void SetUp() override { ASSERT_TRUE(m_document.OpenReport(m_sample.path, m_sample.salesJob)); }
     ReportSubject subject(const std::string& table, const std::string& field) {
         ReportSubject subject;
         subject.selection.kind = ReportSelection::Kind::Table;
@@ -52,12 +48,6 @@ class DrillThroughModel : public ::testing::Test {
     static DrillCursor someRows(PrViewer& viewer) { return viewer.getAlerts(); }
     static DrillCursor noCursor(PrViewer&) { return ProfileCursorHandle(); }
 
-    testing::TempFolder m_folder;
-    testing::SampleRepository m_sample = testing::SampleRepository::build(m_folder.file("sample.tavix"));
-    std::unique_ptr<SettingsStore> m_settings = makeMemorySettings();
-    testing::ScriptedMessages m_messages;
-    testing::TestSite m_site{*m_settings, m_messages};
-    CTavixDoc& m_document = m_site.document;
     Progress m_progress;
     std::vector<std::string> m_shown;
     bool m_failsToShow = false;

@@ -1,14 +1,11 @@
 #include "access/PrViewDisplayMessage.h"
 #include "access/PrViewer.h"
-#include "base/tests/ScriptedMessages.h"
-#include "base/tests/TempFolder.h"
-#include "doc/tests/TestSite.h"
 #include "report/FieldRecords.h"
 #include "support/LongList.h"
-#include "support/SampleRepository.h"
 #include "tabs/DistributionRows.h"
 #include "tabs/FreqDistModel.h"
 #include "tabs/tests/RowsText.h"
+#include "tabs/tests/SampleDocument.h"
 
 #include <gmock/gmock.h>
 
@@ -34,7 +31,7 @@ class Stopper final : public PrViewDisplayMessage {
 };
 
 /// Both tabs of a field of the sample, without their windows.
-class FreqDistModels : public ::testing::Test {
+class FreqDistModels : public testing::SampleDocument {
   protected:
     struct Tab {
         Tab(CTavixDoc& document, const ReportSubject& subject, DistributionKind kind, bool isTornOff = false)
@@ -46,7 +43,6 @@ class FreqDistModels : public ::testing::Test {
         FreqDistModel model;
     };
 
-    void SetUp() override { ASSERT_TRUE(m_document.OpenReport(m_sample.path, m_sample.salesJob)); }
     void select(int table, int field) {
         m_subject = {};
         m_subject.selection.kind = ReportSelection::Kind::Table;
@@ -66,12 +62,6 @@ class FreqDistModels : public ::testing::Test {
         m_document.GetFieldFilters().Set(m_subject.field->id, DistributionKind::Frequency, filter);
     }
 
-    testing::TempFolder m_folder;
-    testing::SampleRepository m_sample = testing::SampleRepository::build(m_folder.file("sample.tavix"));
-    std::unique_ptr<SettingsStore> m_settings = makeMemorySettings();
-    testing::ScriptedMessages m_messages;
-    testing::TestSite m_site{*m_settings, m_messages};
-    CTavixDoc& m_document = m_site.document;
     ReportSubject m_subject;
     Stopper m_sink;
     Tab m_values{m_document, m_subject, DistributionKind::Frequency};
