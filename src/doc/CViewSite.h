@@ -6,6 +6,8 @@
 
 #include <string>
 
+class QWidget;
+
 namespace tavix {
 
 class CTavixDoc;
@@ -13,9 +15,16 @@ class CTavixDoc;
 /// The frame as its panes see it, so that panes know neither the frame nor each other.
 class CViewSite {
   public:
+    static constexpr int kPatienceMilliseconds = 400;
+
     virtual ~CViewSite() = default;
 
     [[nodiscard]] virtual CTavixDoc& GetTavixDoc() = 0;
+    /// The parent of windows that outlive the pane that opens them: they close with the frame. Null when the frame has
+    /// no widget.
+    [[nodiscard]] virtual QWidget* GetWindowOwner() { return nullptr; }
+    /// How long a reading may take before a dialog shows its progress.
+    [[nodiscard]] virtual int GetPatienceMilliseconds() const { return kPatienceMilliseconds; }
     /// While set, a report is being broadcast: panes fill themselves when they are refreshed and not before.
     [[nodiscard]] virtual bool IsLoading() const = 0;
     [[nodiscard]] virtual NavigatorPage GetMode() const = 0;

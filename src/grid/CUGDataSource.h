@@ -8,18 +8,18 @@ namespace tavix {
 
 enum class CellAlignment { Left, Right, Center };
 
-/// How a cell's text is meant.
+/// What a cell's text represents.
 enum class CellState : std::uint8_t {
     Ordinary,
-    Null,    ///< stands for a null value: shown apart from a text of the same letters; kNullValue without a text
-    Unknown, ///< stands for a figure that does not exist
+    Null,    ///< a null value, drawn differently from a value of the same text; kNullValue when the text is empty
+    Unknown, ///< a figure that does not exist
 };
 
-/// Small pictures a cell may carry beside its text; drawn by the grid.
+/// Small icons beside a cell's text.
 enum class CellIcon : std::uint8_t {
     None,
     Field,
-    FieldInLookup, ///< a field that some collection holds
+    FieldInLookup, ///< a field in at least one collection
     KeyAnalysis,
     Redundancy,
     Table,
@@ -29,7 +29,7 @@ enum class CellIcon : std::uint8_t {
     Catalog,
     Schema,
     Collection,
-    BeyondFence,    ///< an outlier; stands at the cell's right edge, so that the values stay in line
+    BeyondFence,    ///< an outlier; drawn at the cell's right edge to keep the values aligned
     FarBeyondFence, ///< an extreme outlier; likewise
 };
 
@@ -38,40 +38,40 @@ inline constexpr double kNoBar = -1;
 
 struct GridCell {
     std::string text;  ///< UTF-8
-    std::string mark;  ///< a remark beside the text and not part of it: "(sample)"
-    std::string order; ///< what the cell is sorted by in place of its text; "" for the text itself
+    std::string mark;  ///< a remark after the text, not part of it: "(sample)"
+    std::string order; ///< sort key in place of the text; "" for the text itself
     CellAlignment alignment = CellAlignment::Left;
     CellState state = CellState::Ordinary;
     CellIcon icon = CellIcon::None;
     bool alertMark = false;
-    double bar = kNoBar; ///< the share of the cell's width that a bar behind the text takes, 0 to 1; none below 0
+    double bar = kNoBar; ///< length of the bar behind the text as a share of the cell's width, 0 to 1; below 0: none
 
     bool operator==(const GridCell&) const = default;
 };
 
-/// What the cell is sorted by.
+/// The cell's sort key.
 [[nodiscard]] inline std::string_view orderText(const GridCell& cell) {
     return cell.order.empty() ? cell.text : cell.order;
 }
 
 struct GridColumn {
     std::string heading;
-    std::string mark; ///< a remark below the heading and not part of it: "(sample)", "of 373 non-null values"
-    std::string key;  ///< names the column whatever its heading says; "" for the heading itself
+    std::string mark; ///< a remark below the heading, not part of it: "(sample)", "of 373 non-null values"
+    std::string key;  ///< identifies the column when its heading varies; "" for the heading itself
     int width = 120;  ///< pixels at 96 dpi
     CellAlignment alignment = CellAlignment::Left;
-    int parameter = -1;  ///< carried by the heading cell
+    int parameter = -1;  ///< of the source's own meaning; the grid ignores it
     bool locked = false; ///< stays in view when the grid scrolls sideways
     std::string toolTip;
     bool takesRest = false; ///< wider than `width` where the grid has room, until the user drags it
 
-    /// By what the order and the width that the user gave it are remembered.
+    /// The key under which the user's sort order and width are remembered.
     [[nodiscard]] const std::string& identity() const { return key.empty() ? heading : key; }
 
     bool operator==(const GridColumn&) const = default;
 };
 
-/// The rows behind a grid. The grid asks for what it paints and nothing else.
+/// The rows of a grid. The grid fetches only the cells that it paints.
 class CUGDataSource {
   public:
     virtual ~CUGDataSource() = default;
@@ -80,9 +80,9 @@ class CUGDataSource {
     [[nodiscard]] virtual std::int64_t GetRowCount() const = 0;
     [[nodiscard]] virtual GridColumn GetColumn(int column) const = 0;
     [[nodiscard]] virtual GridCell GetCell(int column, std::int64_t row) const = 0;
-    /// What the row stands for, whatever the order of the rows; a grid keeps its selection by it while it sorts.
+    /// Identifies the row in any order; the grid uses it to keep the selection while it sorts.
     [[nodiscard]] virtual std::int64_t GetRowKey(std::int64_t row) const { return row; }
-    /// False when the rows cannot be sorted by this column; they then stay as they are.
+    /// False when the rows cannot be sorted by this column; their order is then unchanged.
     virtual bool Sort(int column, bool descending) = 0;
 };
 

@@ -13,12 +13,12 @@
 
 namespace tavix {
 
-/// A cell's text prepared for sorting. The order is total, also in a column that mixes both: what parseNumber() takes
-/// for a number comes first, by value, then the texts without regard to case and, where they are equal so, with regard
-/// to it; numbers of one value follow each other as texts do ("7", "7.0"). Comparing two numbers by value and any other
-/// two cells as texts would be no order: 9 < 10, 10 < 1a, 1a < 9. Only cells of the same text are equal.
+/// A cell's text prepared for sorting. The order is total, even in a column that mixes numbers and texts: whatever
+/// parseNumber() accepts comes first, by value, then the texts, ignoring case and, among equal ones, by case. Numbers
+/// of equal value are ordered as texts ("7", "7.0"). Comparing two numbers by value but any other pair as texts would
+/// not be transitive: 9 < 10, 10 < 1a, 1a < 9. Only cells of the same text are equal.
 ///
-/// This is the definition; sortedByText() in grid/CellSort.h gives the same order for many rows at once.
+/// This class defines the order; sortedByText() in grid/CellSort.h produces it for many rows at once.
 class CellOrderKey {
   public:
     explicit CellOrderKey(std::string_view text);
@@ -31,8 +31,7 @@ class CellOrderKey {
     std::string m_text;
 };
 
-/// Sorts rows by the text that `textOf` gives of each, which is asked for once; rows of the same text stay in their
-/// order.
+/// Stable sort by the text that `textOf` returns; it is called once for each row.
 template <typename Row, typename TextOf>
 void sortRowsByText(std::span<Row> rows, TextOf textOf, bool descending) {
     struct Keyed {
@@ -52,7 +51,7 @@ void sortRowsByText(std::span<Row> rows, TextOf textOf, bool descending) {
         rows[i] = std::move(keyed[i].row);
 }
 
-/// Sorts rows by the cell that `cellOf` gives of each. Figures that do not exist come last in both directions.
+/// Stable sort by the cell that `cellOf` returns. Unknown cells come last in both directions.
 template <typename Row, typename CellOf>
 void sortRowsByCell(std::vector<Row>& rows, CellOf cellOf, bool descending) {
     const auto unknown = std::stable_partition(

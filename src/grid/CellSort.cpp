@@ -14,21 +14,20 @@ namespace tavix {
 
 namespace {
 
-// So many digits make an integer that a double holds exactly, and texts of such digits differ in value when they
-// differ.
+// A double holds an integer of this many digits exactly, so different texts of such digits have different values.
 constexpr std::size_t kExactDigits = 15;
 
-// What a batch of cells is read in; small enough to stay near the processor.
+// Cells read at a time; few enough to stay in the cache.
 constexpr std::uint32_t kBatch = 256;
 
-// How a number is kept until the whole column is known.
+// How the key of a number is stored until the whole column has been read.
 enum Note : std::uint32_t {
-    kPlacesMask = 15, ///< digits behind the point, of a decimal
-    kIsDecimal = 16,  ///< the key is a signed integer, the number without its point; else the key is that of a double
+    kPlacesMask = 15,     ///< decimal places, of a decimal
+    kIsDecimal = 16,      ///< the key is the number without its point, as a signed integer; else an ordered double
     kHasPlainerText = 32, ///< another text may have the same value
 };
 
-// Unsigned integers in the order of the signed ones, and of the doubles.
+// Map signed integers, and doubles, to unsigned integers of the same order.
 std::uint64_t orderedKey(std::int64_t value) {
     return static_cast<std::uint64_t>(value) ^ (std::uint64_t{1} << 63);
 }
@@ -39,7 +38,7 @@ std::uint64_t orderedKey(double value) {
     return (bits & kSign) != 0 ? ~bits : bits | kSign;
 }
 
-// The numbers that columns are made of, such as "-12.75". False for every other text, which may still be a number.
+// Parses the usual form of a number, such as "-12.75". False for any other text, which may still be a number.
 bool parseDecimal(std::string_view text, RadixItem& item) {
     const bool isNegative = text.front() == '-';
     const char* at = text.data() + (isNegative ? 1 : 0);
@@ -93,9 +92,9 @@ constexpr std::array<std::int64_t, 19> powersOfTen() {
     return powers;
 }
 
-// Turns what parse() kept into keys that sort, and gives whether all numbers have but one text. Decimals of like size
-// become integers, which have few digits to sort by; else all become doubles: both integers are exact in a double, so
-// their quotient is the double nearest to the text.
+// Turns the output of parse() into sort keys; true when no two texts can have the same value. Where the decimals fit,
+// the keys are integers, which have fewer digits to sort by, else doubles: a double holds number and power of ten
+// exactly, so their quotient is the double nearest to the text.
 bool makeKeys(std::vector<RadixItem>& numbers) {
     static constexpr std::array<std::int64_t, 19> kPowers = powersOfTen();
     std::uint32_t all = kIsDecimal;
@@ -126,7 +125,7 @@ struct TextCell {
     std::uint32_t text;
 };
 
-// Numbers of one value follow each other as texts.
+// Orders numbers of equal value as texts.
 void sortEqualNumbers(std::vector<RadixItem>& numbers, const CellTexts& textsFrom, bool descending) {
     const auto textOf = [&textsFrom](const RadixItem& number) {
         std::string_view text;
@@ -147,7 +146,7 @@ void sortEqualNumbers(std::vector<RadixItem>& numbers, const CellTexts& textsFro
     }
 }
 
-// Puts the records behind those in `order`, each at the place of its text.
+// Appends the records to `order`, sorted by the rank of their text.
 void placeTexts(const std::vector<TextCell>& cells, std::vector<std::uint32_t> ranks, bool descending,
                 std::vector<std::uint32_t>& order) {
     if (descending) {
@@ -171,7 +170,7 @@ std::vector<std::uint32_t> sortedByText(std::uint32_t count, const CellTexts& te
     std::vector<RadixItem> numbers;
     std::vector<TextCell> texts;
     DistinctTexts distinct;
-    numbers.reserve(count); // only what is used becomes memory
+    numbers.reserve(count); // unused pages cost no memory
     texts.reserve(count);
     std::array<std::string_view, kBatch> batch;
     for (std::uint32_t first = 0; first < count;) {

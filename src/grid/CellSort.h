@@ -8,13 +8,13 @@
 
 namespace tavix {
 
-/// Fills `texts` with the texts of the cells of the records from `first` on. Called for all records in ascending order,
-/// and then again for some; what it gave stays valid until the sort is over.
+/// Fills `texts` with the cell texts of the records from `first` on. Called once for every record in ascending order,
+/// then again for some. The texts must stay valid until the sort ends.
 using CellTexts = std::function<void(std::uint32_t first, std::span<std::string_view> texts)>;
 
-/// The records 0 to count - 1 in the order of CellOrderKey, or in its reverse; records of the same text stay in
-/// ascending order either way. Keys are made once a record and sorted by their digits, texts once for each distinct
-/// one, so that a million rows take a fraction of a second; the work is linear in the text but for the distinct texts.
+/// The records 0 to count - 1 in the order of CellOrderKey or its reverse; records of the same text stay in ascending
+/// order either way. Numbers are radix sorted and each distinct text is sorted once, so a million rows take a fraction
+/// of a second.
 [[nodiscard]] std::vector<std::uint32_t> sortedByText(std::uint32_t count, const CellTexts& textsFrom, bool descending);
 
 } // namespace tavix

@@ -5,11 +5,11 @@
 
 namespace tavix {
 
-/// Keeps the widths that the user dragged for a grid, by the identity of the column.
+/// Stores the column widths that the user chose for a grid, by the column's identity.
 class ColumnWidthMemory {
   public:
     virtual ~ColumnWidthMemory() = default;
-    /// In pixels at 96 dpi; nothing for a column that the user left alone.
+    /// In pixels at 96 dpi; nothing for a column that the user has not resized.
     [[nodiscard]] virtual std::optional<int> Read(const std::string& column) const = 0;
     virtual void Keep(const std::string& column, int width) = 0;
 };

@@ -16,7 +16,7 @@ namespace tavix {
 namespace {
 
 constexpr std::size_t kKeyBytes = 8;
-// Runs of fewer equal keys are finished by comparing whole texts.
+// Shorter runs of equal keys are sorted by comparing whole texts.
 constexpr std::size_t kFewTexts = 32;
 
 std::uint64_t load(const char* bytes, std::size_t count) {
@@ -50,7 +50,7 @@ bool isFolded(std::string_view text) {
                         [](char c) { return (c >= 'A' && c <= 'Z') || static_cast<unsigned char>(c) >= 0x80; });
 }
 
-// Eight bytes of the text from an offset on, the first one the most significant; zeros behind its end.
+// Eight bytes of the text from an offset on, the first the most significant; zeros after the text's end.
 std::uint64_t keyAt(std::string_view text, std::size_t offset) {
     if (offset >= text.size())
         return 0;
@@ -61,7 +61,7 @@ std::uint64_t keyAt(std::string_view text, std::size_t offset) {
         return word;
 }
 
-// Sorts numbers of texts eight bytes at a time: whatever shares the eight bytes is sorted by the next eight.
+// Sorts text numbers by eight bytes at a time: runs that share them are sorted by the next eight.
 class TextSorter {
   public:
     TextSorter(const std::vector<std::string_view>& folded, const std::vector<std::string_view>& texts)
@@ -122,7 +122,7 @@ class TextSorter {
 } // namespace
 
 std::uint32_t DistinctTexts::add(std::string_view text) {
-    // At most half full, so that a search ends after a step or two.
+    // At most half full, which keeps probes short.
     if (m_entries.size() * 2 >= m_slots.size())
         grow();
     const std::uint64_t hash = hashOf(text);

@@ -7,14 +7,14 @@
 
 namespace tavix {
 
-/// A set of texts, each with the number of its first appearance, that can be put in order.
+/// A set of texts numbered in the order of their first appearance.
 class DistinctTexts {
   public:
-    /// The text's number; a text that is new gets the next one. The bytes must outlive the set.
+    /// The text's number; a new text gets the next one. The bytes must outlive the set.
     std::uint32_t add(std::string_view text);
     [[nodiscard]] std::size_t size() const { return m_entries.size(); }
 
-    /// By number, the text's place among all, from 0: without regard to case and then with it.
+    /// The rank of each text, by its number, from 0: ignoring case, then by case.
     [[nodiscard]] std::vector<std::uint32_t> ranks() const;
 
   private:

@@ -5,7 +5,7 @@
 
 namespace tavix {
 
-/// The text as it is compared without regard to case: Unicode's full case folding, which no locale changes.
+/// The text for comparisons that ignore case: Unicode's full case folding, independent of the locale.
 [[nodiscard]] std::string foldCase(std::string_view text);
 
 } // namespace tavix

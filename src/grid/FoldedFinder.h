@@ -6,13 +6,13 @@
 
 namespace tavix {
 
-/// Looks for one text in others without regard to case, by foldCase() on both sides: "strasse" is in "Straße", and
-/// "Straße" in "STRASSE". Texts in ASCII, and most others when the wanted one is ASCII, are not folded for it.
+/// Searches texts for a substring, ignoring case as foldCase() does: "strasse" is in "Straße", and "Straße" in
+/// "STRASSE". ASCII texts are not folded, nor are most others when the substring is ASCII.
 class FoldedFinder {
   public:
     explicit FoldedFinder(std::string_view wanted);
 
-    /// An empty text is in all.
+    /// An empty substring is in every text.
     [[nodiscard]] bool isIn(std::string_view text) const;
 
   private:
@@ -22,7 +22,7 @@ class FoldedFinder {
     bool m_isAscii;
 };
 
-/// Whether folding makes ASCII letters of this character, which is none itself, as of "ß" and "ﬁ".
+/// Whether this non-ASCII character folds to ASCII letters, as "ß" and "ﬁ" do.
 [[nodiscard]] bool foldsToAscii(std::int32_t character);
 
 } // namespace tavix

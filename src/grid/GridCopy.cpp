@@ -4,8 +4,8 @@ namespace tavix {
 
 namespace {
 
-/// A cell with a tab or a line end in double quotes, those in it doubled, as spreadsheets write and read it; likewise
-/// one that begins with a quote, which they would take for that.
+/// Puts a cell with a tab or a line end in double quotes and doubles its own quotes, as spreadsheets do; likewise a
+/// cell that begins with a quote, which they would read as quoted.
 void appendCell(std::string& text, const std::string& cell) {
     if (cell.find_first_of("\t\r\n") == std::string::npos && !cell.starts_with('"')) {
         text += cell;

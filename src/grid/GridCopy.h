@@ -8,12 +8,12 @@
 
 namespace tavix {
 
-/// A text and the remark that stands beside it, where both are one text.
+/// The text followed by the mark, if any.
 [[nodiscard]] std::string withMark(const std::string& text, const std::string& mark);
 
-/// What copying rows of a grid puts on the clipboard: cells separated by a tab character, each row ended by "\r\n",
-/// in the order given. The line of headings, if wanted, comes first. A cell with a tab or a line end in it is quoted as
-/// spreadsheets do it, so that it is pasted as one cell.
+/// The clipboard text for these rows of a grid: cells separated by tabs, each row ended by "\r\n", after a line of
+/// headings if requested. A cell that contains a tab or a line end is quoted as spreadsheets do, so it pastes as one
+/// cell.
 [[nodiscard]] std::string copyRows(const CUGDataSource& source, std::span<const std::int64_t> rows, bool withHeadings);
 
 } // namespace tavix

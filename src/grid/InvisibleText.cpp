@@ -21,7 +21,7 @@ constexpr UChar32 kPictures = 0x2400;
 constexpr UChar32 kDeletePicture = 0x2421;
 constexpr UChar32 kBrailleBlank = 0x2800;
 
-// Everything without a mark of its own beyond ASCII. Some format characters, as the Arabic number signs, have one.
+// For characters beyond ASCII. Some format characters, such as the Arabic number signs, are visible.
 bool isInvisible(UChar32 character) {
     switch (u_charType(character)) {
     case U_SPACE_SEPARATOR:
@@ -61,7 +61,7 @@ std::string showInvisible(std::string_view text, std::size_t mostBytes) {
     const std::size_t end = std::min(text.size(), mostBytes);
     std::string shown;
     shown.reserve(end);
-    // The character that the end cuts through is looked at as a whole.
+    // A character that crosses the end is read whole.
     for (std::size_t at = 0; at < end;) {
         const std::size_t start = at;
         const UChar32 character = nextCharacter(text, at);

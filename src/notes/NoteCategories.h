@@ -16,24 +16,24 @@ struct NoteCategory {
     bool operator==(const NoteCategory&) const = default;
 };
 
-/// The categories of notes: one list for the whole repository. Whatever cannot be done is said in one message, and
-/// nothing has changed then.
+/// The note categories, one list for the whole repository. An operation that fails shows one message and changes
+/// nothing.
 class NoteCategories {
   public:
-    /// Both must outlive the list, which is empty until it is read.
+    /// Both must outlive the object. The list is empty until it is read.
     NoteCategories(PrViewer& viewer, Messages& messages) : m_viewer(viewer), m_messages(messages) {}
 
-    /// False, after a message, when the repository fails; the list is that of before.
+    /// False, after a message, when the repository fails; the list is then unchanged.
     bool Read();
-    /// By name.
+    /// Sorted by name.
     [[nodiscard]] const std::vector<NoteCategory>& List() const { return m_list; }
-    /// The position of the category with this name, whatever its case; -1 when there is none.
+    /// The position of the category with this name, ignoring case; -1 when there is none.
     [[nodiscard]] int Find(std::string_view name) const;
 
-    // Each reads the list anew. Positions outside the list are nothing to be changed.
+    // Each of these reads the list again, and ignores positions outside the list.
     bool Add(std::string_view name);
     bool Rename(int position, std::string_view name);
-    /// Asks first, for the category's notes stay behind without it.
+    /// Asks first: the category's notes remain, without a category.
     bool Delete(int position);
     /// Whether one of them has succeeded.
     [[nodiscard]] bool HasChanged() const { return m_changed; }

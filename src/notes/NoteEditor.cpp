@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t kQuotedBytes = 200;
 
-/// The beginning of the note, so that the user sees which one is meant.
+/// The beginning of the note, which tells the user which note it is.
 std::string quoted(std::string_view text) {
     const std::string_view line = text.substr(0, text.find('\n'));
     const std::string_view beginning = cutToBytes(line, kQuotedBytes);

@@ -10,21 +10,20 @@ namespace tavix {
 class Messages;
 class PrViewer;
 
-/// Writes, changes and deletes notes the way the user asked for. Whatever cannot be done is said in one message, and
-/// nothing has changed then.
+/// Adds, edits and deletes notes for the user. An operation that fails shows one message and changes nothing.
 class NoteEditor {
   public:
-    /// Both must outlive the editor. New notes are those of `user`.
+    /// Both must outlive the editor. New notes are written by `user`.
     NoteEditor(PrViewer& viewer, Messages& messages, std::string user);
-    /// New notes are those of the user who is logged in.
+    /// New notes are written by the user who is logged in to the system.
     NoteEditor(PrViewer& viewer, Messages& messages);
 
     bool Add(const NoteSubject& subject, const NoteDraft& draft);
     /// The note keeps its user and its date.
     bool Edit(const NoteSubject& subject, int noteId, const NoteDraft& draft);
-    /// Asks before it deletes; whether any note is gone. When the repository fails in the middle, those before are.
+    /// Asks first. True if any note was deleted; when the repository fails halfway, the notes before are deleted.
     bool Delete(const NoteSubject& subject, std::span<const Note> notes);
-    /// Whether a draft that differs from `kept` may be given up; asks only when it differs.
+    /// Whether the draft may be discarded; asks the user only if it differs from `kept`.
     [[nodiscard]] bool MayDiscard(const NoteDraft& draft, const NoteDraft& kept);
 
   private:
@@ -36,7 +35,7 @@ class NoteEditor {
     std::string m_user;
 };
 
-/// What can be done while so many notes are selected.
+/// The commands that are enabled for a number of selected notes.
 struct NoteActions {
     bool add = false;
     bool edit = false;

@@ -7,18 +7,18 @@
 
 namespace tavix {
 
-/// What a note is about.
+/// The object that a note belongs to.
 struct NoteSubject {
     enum class Kind { Nothing, Table, Collection, Field };
 
     Kind kind = Kind::Nothing;
     int id = -1;
-    std::string title; ///< for the user: "Table customers", "Field city of customers"
+    std::string title; ///< shown to the user: "Table customers", "Field city of customers"
 
     bool operator==(const NoteSubject&) const = default;
 };
 
-/// The table or collection, whether or not a field of it is selected.
+/// The table or collection, even if a field of it is selected.
 [[nodiscard]] NoteSubject tableNoteSubject(const ReportSubject& subject);
 /// The field; Nothing without one.
 [[nodiscard]] NoteSubject fieldNoteSubject(const ReportSubject& subject);
@@ -35,7 +35,7 @@ struct Note {
     bool operator==(const Note&) const = default;
 };
 
-/// What a user can write in a note.
+/// The parts of a note that the user edits.
 struct NoteDraft {
     int categoryId = -1; ///< -1 for none
     std::string text;

@@ -11,7 +11,7 @@ namespace tavix {
 CAlertDisplayHelper::CAlertDisplayHelper(NamesByKey customMetrics, NamesByKey businessRules)
     : m_customMetrics(std::move(customMetrics)), m_businessRules(std::move(businessRules)) {}
 
-// Case counts here, unlike for the type word.
+// Case-sensitive, unlike the type word.
 std::string CAlertDisplayHelper::InputText(const ProfileCursor& alert) const {
     const auto subject = findAlertSubject(alert.getColumnValue(layout::AlertTypeCode).view());
     const NamesByKey* names = subject == AlertSubject::CustomMetric   ? &m_customMetrics

@@ -22,8 +22,7 @@ bool ChartRows::Fill(PrViewer& viewer, int tableId) try {
         return Fail(kFailed, viewer.getErrorString().view());
     std::vector<Chart> charts;
     while (rows->next()) {
-        charts.push_back({rows->getColumnInt(ChartId), rows->getColumnValue(ChartName).str(),
-                          rows->getColumnValue(ChartDescription).str()});
+        charts.push_back({rows->getColumnValue(ChartName).str(), rows->getColumnValue(ChartDescription).str()});
     }
     m_charts = std::move(charts);
     ShowRecords(m_charts.size());

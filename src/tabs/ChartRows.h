@@ -11,15 +11,12 @@ class ChartRows final : public ListRows {
   public:
     ChartRows();
 
-    /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
+    /// False when the repository fails: the rows are then unchanged, and GetErrorText() is the message.
     bool Fill(PrViewer& viewer, int tableId);
     void Clear() override;
 
-    [[nodiscard]] int GetChartId(std::int64_t row) const { return m_charts.at(Record(row)).id; }
-
   private:
     struct Chart {
-        int id = -1;
         std::string name;
         std::string description;
     };

@@ -28,7 +28,7 @@ ColProfRows::ColProfRows() : ListRows({listColumn("Metric Name", kWidth), listCo
 void ColProfRows::Fill(const FieldRecord& field, std::span<const MetricDisplay> metrics, bool isSample) {
     m_metrics.clear();
     for (const int id : metricOrder(metrics)) {
-        m_metrics.push_back({id, textCell(metrics[static_cast<std::size_t>(id)].description), metricCell(id, field)});
+        m_metrics.push_back({textCell(metrics[static_cast<std::size_t>(id)].description), metricCell(id, field)});
         m_metrics.back().name.mark = sampleMark(id, isSample);
     }
     ShowRecords(m_metrics.size());

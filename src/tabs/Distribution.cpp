@@ -23,7 +23,7 @@ Distribution readValueDistribution(ProfileCursor& rows, std::int64_t limit, std:
     Distribution distribution;
     std::int64_t shown = 0;
     std::int64_t all = 0;
-    // The limit is asked first: the row after the last one shown may stand in a block of its own.
+    // The limit is checked first: reading one more row may mean decoding another block.
     while (!(knownTotal && isFull(distribution, limit)) && rows.next()) {
         const std::int64_t count = rows.getColumnInt64(layout::FreqCount);
         add(all, count);

@@ -7,35 +7,38 @@
 
 namespace tavix {
 
+class PrViewDisplayMessage;
 class PrViewer;
 
-/// The rows of a distribution: entries, then "Other", with counts and their share of the total. "Other" stays last
-/// when the rows are sorted by the first column, and takes part in every other order.
+/// The rows of a distribution: entries, then "Other", with counts and percentages. "Other" stays last when the rows are
+/// sorted by the first column; in any other column it is sorted like every row.
 class DistributionRows : public ListRows {
   public:
+    /// The first `limit` rows, at least 1, of those that pass the filter text; all pass an empty one. False when the
+    /// repository fails: the rows are then unchanged, and GetErrorText() is the message.
+    virtual bool Fill(PrViewer& viewer, const FieldRecord& field, const KvbString& filter, std::int64_t limit,
+                      PrViewDisplayMessage* sink = nullptr) = 0;
     void Clear() override;
-    /// No rows, because the reading was stopped before its end.
+    /// Removes all rows and says that the reading was stopped.
     void ShowStopped();
 
-    /// The row that sums what is not shown.
+    /// Whether this is the row that sums the entries beyond the limit.
     [[nodiscard]] bool IsOther(std::int64_t row) const;
-    /// What an ordinary row stands for, null included; null for "Other" and for a placeholder.
+    /// The row's value or pattern, which may be null; null for "Other" and for a placeholder.
     [[nodiscard]] KvbString GetValue(std::int64_t row) const;
-    /// Where the "Other" row stands now; -1 without one.
+    /// The current index of the "Other" row; -1 without one.
     [[nodiscard]] std::int64_t GetOtherRow() const;
-    /// What the percentages are a share of.
-    [[nodiscard]] std::int64_t GetTotal() const { return m_share.Total(); }
-    /// Of rows for which the filter could not be evaluated; "" without.
+    /// About rows for which the filter could not be evaluated; "" if there are none.
     [[nodiscard]] const std::string& GetWarning() const { return m_distribution.warning; }
 
   protected:
-    /// The count's column, after those of the value; the percentage follows it.
+    /// Columns for count and percentage are added after these.
     explicit DistributionRows(const std::vector<GridColumn>& valueColumns);
 
-    /// `emptyText` says why there are no rows when there are none.
+    /// `emptyText` is the sentence shown when there are no rows.
     void Show(Distribution distribution, DistributionKind kind, bool isFiltered, std::string_view emptyText);
     void ShowNotCalculated();
-    /// The cell of an entry in a column before the count's.
+    /// The cell of an entry in one of the value columns.
     [[nodiscard]] virtual GridCell EntryCell(int column, std::size_t entry) const = 0;
     [[nodiscard]] const Distribution::Entry& Entry(std::size_t entry) const { return m_distribution.entries[entry]; }
 

@@ -12,21 +12,20 @@
 
 namespace tavix {
 
-/// What a list shows, in state Unknown, of a field for which its figures were not calculated.
+/// The only row of a list whose figures were not calculated for the field, in state Unknown.
 inline constexpr std::string_view kNotCalculated = "(Not calculated)";
 
-/// Rows of a list that are held in memory. A class derived from it keeps one record for each row, in the order in which
-/// they were read, and makes cells of them when they are asked for; this one keeps the order on the screen. A row's key
-/// is the index of its record.
+/// Rows of a list that are held in memory. A derived class keeps one record per row, in the order of reading, and makes
+/// cells on demand; this class keeps the order on the screen. A row's key is the index of its record.
 class ListRows : public CUGDataSource {
   public:
-    /// No rows.
+    /// Removes all rows.
     virtual void Clear() = 0;
-    /// Why the last filling failed, as it is to be shown; "" when it did not.
+    /// The message for the user when the last filling failed, else "".
     [[nodiscard]] const std::string& GetErrorText() const { return m_error; }
-    /// A sentence that says why there are no rows; "" when there are.
+    /// A sentence that explains why there are no rows; "" when there are some.
     [[nodiscard]] std::string GetEmptyText() const;
-    /// The one row is a message in the first column and stands for nothing.
+    /// Whether the only row is a message in the first column.
     [[nodiscard]] bool IsPlaceholder() const { return m_isPlaceholder; }
 
     [[nodiscard]] int GetColumnCount() const override { return static_cast<int>(m_columns.size()); }
@@ -34,8 +33,7 @@ class ListRows : public CUGDataSource {
     [[nodiscard]] GridColumn GetColumn(int column) const override;
     [[nodiscard]] GridCell GetCell(int column, std::int64_t row) const override;
     [[nodiscard]] std::int64_t GetRowKey(std::int64_t row) const override { return Record(row); }
-    /// Numbers by value, then texts, then figures that do not exist, whatever the direction; equal rows stay in their
-    /// order.
+    /// By CellOrderKey; unknown cells come last in both directions. Stable.
     bool Sort(int column, bool descending) override;
 
   protected:
@@ -48,12 +46,12 @@ class ListRows : public CUGDataSource {
     void SetMark(int column, std::string text);
     void SetColumns(std::vector<GridColumn> columns) { m_columns = std::move(columns); }
     void SetEmptyText(std::string_view text) { m_emptyText = text; }
-    /// There are `count` records now. The pinned one stays last whenever the rows are sorted by the first column.
+    /// Shows `count` records. The pinned one stays last when the rows are sorted by the first column.
     void ShowRecords(std::size_t count, std::int64_t pinned = kNoPin);
     void ShowPlaceholder();
-    /// Keeps the rows and the reason, after a lead-in and a blank line; false.
+    /// Stores the error text: lead-in, blank line, reason. Returns false.
     bool Fail(std::string_view leadIn, std::string_view reason);
-    /// The index of the record that a row shows.
+    /// The index of the row's record.
     [[nodiscard]] std::uint32_t Record(std::int64_t row) const { return m_order.at(static_cast<std::size_t>(row)); }
 
   private:

@@ -7,18 +7,18 @@
 
 namespace tavix {
 
-/// What stands for a metric that has no value.
+/// The text for a metric without a value.
 inline constexpr std::string_view kUnknownMetric = "(Unknown)";
 
-/// The value of a metric as it is shown. Mean and deviations of numeric fields (type codes I and R) that are long are
-/// rounded to as many decimal places, 6 at most, as leave fewer than 7 characters; everything else stays as it is.
+/// A metric's value as displayed. For numeric fields (type codes I and R), mean, standard deviation and standard error
+/// of 7 or more characters are rounded to at most 6 decimal places, so that fewer than 7 characters remain if possible.
+/// All other values are displayed unchanged.
 [[nodiscard]] std::string metricText(int metricId, std::string_view typeCode, std::string_view value);
-/// The share that a metric's value, a percentage of all rows, takes of a bar; kNoBar for what is no percentage.
+/// The bar of a metric that is a percentage of all rows, as a share of the cell; kNoBar for other metrics.
 [[nodiscard]] double metricBar(int metricId, std::string_view value);
-/// The mark beside the name of a metric that, in a run over a sample, is one of the sampled records alone: "(sample)";
-/// "" for all others.
+/// The mark "(sample)" for a metric that a run over a sample computes from the sampled records only; "" for all others.
 [[nodiscard]] std::string sampleMark(int metricId, bool isSample);
-/// Texts, types and places to the left, figures to the right.
+/// Left for texts, types and flags, right for numbers.
 [[nodiscard]] CellAlignment metricAlignment(int metricId);
 
 } // namespace tavix

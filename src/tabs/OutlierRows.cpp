@@ -54,7 +54,7 @@ std::vector<OutlierRows::Pair> OutlierRows::ReadPairs(ProfileCursor& rows) {
         if (at == pairs.size())
             pairs.emplace_back();
         const std::string side = rows.getColumnValue(layout::OutlierSideLetter).str();
-        // A position that skips rows has none to stand in.
+        // Ignore a damaged position that skips rows.
         if (at < pairs.size() && (side == "L" || side == "H"))
             pairs[at][side == "L" ? kLow : kHigh] =
                 Outlier{rows.getColumnValue(layout::OutlierValue), rows.getColumnInt(layout::OutlierFence)};

@@ -10,17 +10,17 @@ namespace tavix {
 class PrViewer;
 class ProfileCursor;
 
-/// The lowest and the highest values of one field side by side: the n-th of each share a row, and where there are
-/// fewer of one than of the other its cells are empty. Values beyond a fence carry a picture.
+/// The lowest and the highest values of one field side by side: the n-th lowest and the n-th highest share a row, and
+/// the shorter side ends in empty cells. Values beyond a fence carry an icon.
 class OutlierRows final : public ListRows {
   public:
     OutlierRows();
 
-    /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
+    /// False when the repository fails: the rows are then unchanged, and GetErrorText() is the message.
     bool Fill(PrViewer& viewer, int fieldId);
     void Clear() override;
 
-    /// The value that a cell shows, which may be null; nothing for an empty cell and for a placeholder.
+    /// The cell's value, which may be null; nothing for an empty cell and for a placeholder.
     [[nodiscard]] std::optional<KvbString> GetValue(int column, std::int64_t row) const;
 
   private:

@@ -15,15 +15,15 @@ constexpr std::string_view kFailed = "Error occurred while retrieving pattern di
 PatternDistRows::PatternDistRows()
     : DistributionRows({listColumn("Pattern", kWidth), listColumn("Alternate", kWidth)}) {}
 
-bool PatternDistRows::Fill(PrViewer& viewer, int fieldId, const KvbString& filter, std::int64_t limit,
+bool PatternDistRows::Fill(PrViewer& viewer, const FieldRecord& field, const KvbString& filter, std::int64_t limit,
                            PrViewDisplayMessage* sink) try {
-    const int count = viewer.getPatternDistCount(fieldId);
+    const int count = viewer.getPatternDistCount(field.id);
     if (count == 0) {
         m_alternates.clear();
         ShowNotCalculated();
         return true;
     }
-    const ProfileCursorHandle rows = count > 0 ? viewer.getPatternDist(fieldId, filter, sink) : nullptr;
+    const ProfileCursorHandle rows = count > 0 ? viewer.getPatternDist(field.id, filter, sink) : nullptr;
     if (!rows)
         return Fail(kFailed, viewer.getErrorString().view());
     Distribution distribution = readPatternDistribution(*rows, limit);

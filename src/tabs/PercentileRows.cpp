@@ -12,7 +12,7 @@ constexpr int kWidth = 180;
 constexpr int kValueColumn = 1;
 constexpr std::string_view kFailed = "Error occurred while retrieving percentiles:";
 
-/// The figure that an interval such as "2.5 %" begins with.
+/// The number at the start of an interval such as "2.5 %".
 std::string figureOf(std::string_view interval) {
     return std::string(interval.substr(0, interval.find_first_not_of("0123456789.")));
 }

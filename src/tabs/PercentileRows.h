@@ -12,12 +12,9 @@ class PercentileRows final : public ListRows {
   public:
     PercentileRows();
 
-    /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
+    /// False when the repository fails: the rows are then unchanged, and GetErrorText() is the message.
     bool Fill(PrViewer& viewer, const FieldRecord& field);
     void Clear() override;
-
-    /// Null for a percentile without a value. Only of a row that is no placeholder.
-    [[nodiscard]] const KvbString& GetValue(std::int64_t row) const { return m_percentiles.at(Record(row)).value; }
 
   private:
     struct Percentile {

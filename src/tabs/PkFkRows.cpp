@@ -31,7 +31,6 @@ bool PkFkRows::Fill(PrViewer& viewer, int fieldId) try {
     std::vector<Analysis> analyses;
     while (rows->next()) {
         Analysis analysis;
-        analysis.otherFieldId = rows->getColumnInt(KeyOtherFieldId);
         for (const int column : {KeyFieldName, KeyTable, KeySchema, KeyCatalog, KeyDsn})
             analysis.names.push_back(rows->getColumnValue(column).str());
         analysis.matchPercent = rows->getColumnDouble(KeyMatchPercent);

@@ -6,23 +6,17 @@ namespace tavix {
 
 class PrViewer;
 
-/// The stored key analyses of one field: the fields that its values were looked for in, and how many were found.
+/// The stored key analyses of one field: the other fields and the percentage of this field's values found in them.
 class PkFkRows final : public ListRows {
   public:
     PkFkRows();
 
-    /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
+    /// False when the repository fails: the rows are then unchanged, and GetErrorText() is the message.
     bool Fill(PrViewer& viewer, int fieldId);
     void Clear() override;
 
-    [[nodiscard]] int GetOtherFieldId(std::int64_t row) const { return m_analyses.at(Record(row)).otherFieldId; }
-    [[nodiscard]] const std::string& GetFieldName(std::int64_t row) const {
-        return m_analyses.at(Record(row)).names[0];
-    }
-
   private:
     struct Analysis {
-        int otherFieldId = -1;
         std::vector<std::string> names; ///< by column
         double matchPercent = 0;
     };

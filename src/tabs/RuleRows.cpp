@@ -32,7 +32,7 @@ GridCell countCell(std::int64_t number) {
     return textCell(formatInteger(number), CellAlignment::Right);
 }
 
-// A figure that could not be computed is no text of the data.
+// A metric that could not be computed is unknown, not a value of the data.
 GridCell figureCell(const KvbString& value) {
     GridCell cell = textCell(value.isNull() ? kUnknownMetric : value.view(), CellAlignment::Right);
     if (value.isNull())
@@ -56,7 +56,7 @@ GridCell dateCell(const ProfileCursor& cursor, const std::locale& locale) {
 
 using ReadRow = std::function<std::vector<GridCell>(const ProfileCursor&)>;
 
-// Nothing when the repository fails before the first row; throws as the cursor does.
+// Nothing when the cursor could not be opened; throws as the cursor does.
 std::optional<std::vector<std::vector<GridCell>>> readAll(const ProfileCursorHandle& cursor, const ReadRow& readRow) {
     if (!cursor)
         return std::nullopt;

@@ -10,7 +10,7 @@ namespace tavix {
 
 class PrViewer;
 
-/// Rows whose cells are kept as they are shown.
+/// Rows whose cells are made when they are read.
 class CellRows : public ListRows {
   public:
     void Clear() override;
@@ -27,12 +27,12 @@ class CellRows : public ListRows {
     std::vector<Cells> m_rows;
 };
 
-/// The custom metrics of a table and what they came to in the current run.
+/// The custom metrics of a table with their values in the current run.
 class CustomMetricRows final : public CellRows {
   public:
     CustomMetricRows();
 
-    /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
+    /// False when the repository fails: the rows are then unchanged, and GetErrorText() is the message.
     bool Fill(PrViewer& viewer, int tableId);
     [[nodiscard]] const std::string& GetKey(std::int64_t row) const { return m_metrics.at(Record(row)).key; }
     /// The row of that metric; -1 when there is none.
@@ -53,12 +53,12 @@ class BusinessRuleRows final : public CellRows {
         int id = -1;
         std::string key;
         std::int64_t failed = 0;
-        std::int64_t logged = 0; ///< rows of which the run kept the contents
+        std::int64_t logged = 0; ///< rows whose contents the run has kept
     };
 
     BusinessRuleRows();
 
-    /// False when the repository fails: the rows are then as before, and GetErrorText() is the message.
+    /// False when the repository fails: the rows are then unchanged, and GetErrorText() is the message.
     bool Fill(PrViewer& viewer, int tableId);
     [[nodiscard]] const Rule& GetRule(std::int64_t row) const { return m_rules.at(Record(row)); }
     /// The row of that rule; -1 when there is none.
@@ -68,10 +68,10 @@ class BusinessRuleRows final : public CellRows {
     std::vector<Rule> m_rules; ///< by record
 };
 
-/// One custom metric in the runs of the report, the latest first.
+/// The history of one custom metric over the runs of the report, latest first.
 class CustomMetricHistoryRows final : public CellRows {
   public:
-    /// Dates are shown as the locale has them.
+    /// Formats dates for this locale.
     explicit CustomMetricHistoryRows(const std::locale& locale);
 
     bool Fill(PrViewer& viewer, const std::string& key);
@@ -80,7 +80,7 @@ class CustomMetricHistoryRows final : public CellRows {
     std::locale m_locale;
 };
 
-/// One rule in the runs of the report, the latest first.
+/// The history of one rule over the runs of the report, latest first.
 class BusinessRuleHistoryRows final : public CellRows {
   public:
     explicit BusinessRuleHistoryRows(const std::locale& locale);
@@ -91,7 +91,7 @@ class BusinessRuleHistoryRows final : public CellRows {
     std::locale m_locale;
 };
 
-/// The rows that violate a rule, as far as the run has kept them: row number, key fields, input fields.
+/// The rows that violate a rule, up to the number that the run has kept: row number, key fields, input fields.
 class RuleLogRows final : public CellRows {
   public:
     RuleLogRows() : CellRows(std::vector<GridColumn>()) {}

@@ -31,7 +31,7 @@ bool belongsTo(const ProfileCursor& alert, const TableIdentity& table) {
            textAt(alert, AlertTable) == table.name && textAt(alert, AlertObject) == table.objectName;
 }
 
-// Where a collection's field comes from. A catalog is told only where there is a schema.
+// The source of a collection's field. The catalog is shown only together with a schema.
 std::string sourceText(const ProfileCursor& cursor) {
     using namespace layout;
     std::string source = textAt(cursor, SourceDsn);
@@ -59,7 +59,7 @@ GridCell iconCell(int count, CellIcon icon) {
     cell.alignment = CellAlignment::Center;
     if (count > 0)
         cell.icon = icon;
-    // Sorted by whether there is one.
+    // Sorts cells with an icon after those without.
     cell.order = count > 0 ? "1" : "0";
     return cell;
 }
@@ -109,7 +109,7 @@ void StdMetRows::MakeColumns(std::span<const MetricDisplay> metrics, bool isSamp
             m_columns.back().key = info->column;
         m_columns.back().mark = sampleMark(id, isSample);
         if (!m_columns.back().mark.empty()) {
-            m_columns.back().toolTip = "Of the sampled records alone: those that were left out may tell otherwise";
+            m_columns.back().toolTip = "Computed from the sampled records only; the other records may differ";
         }
     }
     m_columns.push_back(column("P", kIconWidth, CellAlignment::Center));
@@ -118,7 +118,7 @@ void StdMetRows::MakeColumns(std::span<const MetricDisplay> metrics, bool isSamp
     m_columns.back().toolTip = "Redundant data analyses";
 }
 
-// Marks are an addition to the figures: without them the figures are shown all the same.
+// When the alerts cannot be read, the metrics are shown without marks.
 void StdMetRows::ReadAlertMarks(PrViewer& viewer, const TableIdentity& table) {
     const ProfileCursorHandle alerts = viewer.getAlerts();
     while (alerts && alerts->next()) {
@@ -146,7 +146,6 @@ StdMetRows::Row StdMetRows::ReadRow(const ProfileCursor& cursor, const Collectio
     row.fieldId = cursor.getColumnInt(FieldId);
     row.fieldName = textAt(cursor, FieldName);
     row.typeCode = textAt(cursor, FieldTypeCode);
-    row.definedLength = textAt(cursor, metrics + static_cast<int>(MetricId::DefinedLength));
     row.cells.reserve(m_columns.size());
 
     const auto membership = collections.find(row.fieldId);
@@ -185,10 +184,6 @@ StdMetRows::Row StdMetRows::ReadRow(const ProfileCursor& cursor, const Collectio
 
 int StdMetRows::GetFieldId(std::int64_t row) const {
     return m_rows.at(static_cast<std::size_t>(row)).fieldId;
-}
-
-const std::string& StdMetRows::GetFieldName(std::int64_t row) const {
-    return m_rows.at(static_cast<std::size_t>(row)).fieldName;
 }
 
 std::int64_t StdMetRows::FindField(int fieldId) const {

@@ -12,21 +12,20 @@
 
 namespace tavix {
 
-/// The rows of the standard metrics tab: one for each field of a table or collection, one column for each shown
-/// metric. Rows come in the order of the field list until they are sorted.
+/// The rows of the standard metrics tab: one row per field of a table or collection, one column per shown metric. Until
+/// they are sorted, the rows are in the order of the field list.
 class StdMetRows final : public CUGDataSource {
   public:
-    /// Reads the rows of the selected table or collection with the shown ones of `metrics` as columns; any other
-    /// selection gives no rows. False when the repository fails: GetErrorText() then says why, and there are no rows.
-    /// `collections` are those of the table's fields.
+    /// Reads the rows of the selected table or collection, with a column for each shown metric of `metrics`; any other
+    /// selection gives no rows. `collections` holds those of the table's fields. False when the repository fails:
+    /// GetErrorText() then says why, and there are no rows.
     bool Fill(PrViewer& viewer, const ReportSelection& selection, std::span<const MetricDisplay> metrics,
               const CollectionsByField& collections);
-    /// No rows and no columns.
+    /// Removes all rows and columns.
     void Clear();
     [[nodiscard]] const std::string& GetErrorText() const { return m_error; }
 
     [[nodiscard]] int GetFieldId(std::int64_t row) const;
-    [[nodiscard]] const std::string& GetFieldName(std::int64_t row) const;
     /// The row of that field; -1 when there is none.
     [[nodiscard]] std::int64_t FindField(int fieldId) const;
 
@@ -42,7 +41,6 @@ class StdMetRows final : public CUGDataSource {
         int fieldId = -1;
         std::string fieldName;
         std::string typeCode;
-        std::string definedLength;
         std::vector<GridCell> cells;
     };
     using Mark = std::pair<std::string, int>; ///< field name and metric id

@@ -13,8 +13,8 @@ constexpr int kWidest = 4000;
 
 } // namespace
 
-// Letters and digits stand for themselves, anything else for its number, so that no column is at odds with the form of
-// the file and no two share a width.
+// Characters other than letters and digits are escaped by their number: every key is valid in the settings file, and no
+// two columns share one.
 std::string StoredColumnWidths::KeyOf(const std::string& column) const {
     std::string key = m_grid + ".";
     for (const char c : column) {
@@ -33,7 +33,7 @@ std::optional<int> StoredColumnWidths::Read(const std::string& column) const {
     return static_cast<int>(*width);
 }
 
-// A width that cannot be kept is no loss worth a message.
+// Failing to store a width does not deserve a message.
 void StoredColumnWidths::Keep(const std::string& column, int width) {
     if (Read(column) != width)
         (void)writeMember(m_store, SettingFamily::ColumnWidth, KeyOf(column), formatInteger(width));

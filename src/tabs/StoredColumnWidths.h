@@ -8,10 +8,10 @@
 
 namespace tavix {
 
-/// Column widths of one grid, kept among the settings from one start to the next.
+/// Stores the column widths of one grid in the settings.
 class StoredColumnWidths final : public ColumnWidthMemory {
   public:
-    /// The store must outlive this; `grid` names the grid among all others.
+    /// The store must outlive the object; `grid` is the grid's unique name.
     StoredColumnWidths(SettingsStore& store, std::string grid) : m_store(store), m_grid(std::move(grid)) {}
 
     [[nodiscard]] std::optional<int> Read(const std::string& column) const override;

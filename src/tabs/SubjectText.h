@@ -6,12 +6,12 @@
 
 namespace tavix {
 
-/// The name of what is shown.
+/// The name of the object.
 [[nodiscard]] std::string titleOf(const ReportSubject& subject);
-/// What percentages are shares of, and what a sample must not be taken for: where it comes from, how many records
-/// there are and how many were processed, how many distinct values and nulls a field has.
+/// The line beside the title: the table and type of a field, the number of records and how many of them were processed
+/// or pass the table's filter, and a field's distinct values and nulls.
 [[nodiscard]] std::string detailOf(const ReportSubject& subject);
-/// Whether more can be said about it than its name: about a table, and about a field that the run has.
+/// Whether there are details beyond the name: for a table, and for a field of the current run.
 [[nodiscard]] bool hasInformation(const ReportSubject& subject);
 
 } // namespace tavix

@@ -53,7 +53,7 @@ bool TableAlertRows::Fill(PrViewer& viewer, const TableIdentity& table) try {
     while (rows->next()) {
         if (!belongsTo(*rows, table))
             continue;
-        alerts.push_back({rows->getColumnInt(layout::AlertId), textAt(*rows, layout::AlertDescription),
+        alerts.push_back({textAt(*rows, layout::AlertDescription),
                           CAlertDisplayHelper::TypeWord(textAt(*rows, layout::AlertTypeCode)), words.InputText(*rows)});
     }
     m_alerts = std::move(alerts);

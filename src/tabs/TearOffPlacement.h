@@ -12,8 +12,8 @@ struct ScreenRect {
     bool operator==(const ScreenRect&) const = default;
 };
 
-/// Where the window goes into which a view is detached: a little to the right of the view and above it, moved inside
-/// the right and the upper edge of the desktop. The size is the view's.
+/// Where the window of a detached view opens: offset to the right of the view and above it, but within the right and
+/// the upper edge of the desktop. It has the view's size.
 [[nodiscard]] ScreenRect placeTearOff(const ScreenRect& view, const ScreenRect& desktop);
 
 } // namespace tavix

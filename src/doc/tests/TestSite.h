@@ -15,6 +15,7 @@ class TestSite final : public CViewSite, public DocumentFrame {
     TestSite(SettingsStore& settings, Messages& messages) : document(*this, settings, messages) {}
 
     CTavixDoc& GetTavixDoc() override { return document; }
+    [[nodiscard]] int GetPatienceMilliseconds() const override { return patienceMilliseconds; }
     [[nodiscard]] bool IsLoading() const override { return false; }
     [[nodiscard]] NavigatorPage GetMode() const override { return mode; }
     [[nodiscard]] const ReportSelection& GetSelection() const override { return selection; }
@@ -39,6 +40,7 @@ class TestSite final : public CViewSite, public DocumentFrame {
     std::vector<RefreshHint> sent;
     NavigatorPage mode = NavigatorPage::Tables;
     ReportSelection selection;
+    int patienceMilliseconds = kPatienceMilliseconds;
     CTavixDoc document;
 };
 

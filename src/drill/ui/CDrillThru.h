@@ -3,12 +3,11 @@
 #include "base/Messages.h"
 #include "base/SettingsStore.h"
 #include "drill/CDrillThruDataSrc.h"
-#include "drill/DrillTexts.h"
+#include "drill/DrillRequest.h"
 
 #include <QDialog>
 
 #include <functional>
-#include <optional>
 #include <string>
 
 class QAbstractButton;
@@ -20,16 +19,6 @@ namespace tavix {
 
 class CUGCtrl;
 class ReadingProgress;
-
-/// What a drill-through window is opened with.
-struct DrillRequest {
-    DrillOrigin origin = DrillOrigin::Frequency;
-    DrillCursor cursor;
-    DrillSourceMode mode = DrillSourceMode::Rows;
-    std::string context;               ///< name of the table or field, for files
-    std::string subject;               ///< which rows these are, for people
-    std::optional<std::int64_t> inRun; ///< how many the run counted, if that is known
-};
 
 /// The source rows behind a figure. The window reads them while it is made, up to MaxDrillThruRows, gives the cursor
 /// back and keeps them until it is closed; it needs neither the repository nor the tab that opened it. Several may be

@@ -42,11 +42,9 @@ class ReadingProgressDlg final : public QDialog {
 /// takes longer, a dialog shows how far it is, and events are handled between two reports.
 class ReadingProgress final : public PrViewDisplayMessage {
   public:
-    /// What is over sooner needs no dialog.
-    static constexpr int kPatienceMilliseconds = 400;
-
-    /// The dialog belongs over the window of `parent`, which may be destroyed before this object.
-    ReadingProgress(ReadingKind kind, QWidget* parent, int patienceMilliseconds = kPatienceMilliseconds);
+    /// The dialog comes up over the window of `parent`, which may be destroyed before this object, once the reading
+    /// has taken longer than the patience.
+    ReadingProgress(ReadingKind kind, QWidget* parent, int patienceMilliseconds);
     ~ReadingProgress() override;
     ReadingProgress(const ReadingProgress&) = delete;
     ReadingProgress& operator=(const ReadingProgress&) = delete;

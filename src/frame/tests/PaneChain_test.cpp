@@ -1,4 +1,3 @@
-#include "doc/ItemCode.h"
 #include "frame/PaneChain.h"
 
 #include <gmock/gmock.h>
@@ -90,18 +89,6 @@ TEST(CommandTable, ARowSaysWhoHandlesItAndWhenItIsEnabled) {
     EXPECT_TRUE(lamp.lit) << "a disabled command did something";
     EXPECT_FALSE(execute(rows, lamp, 57607));
     EXPECT_EQ(CommandState(), stateOf(rows, lamp, 57607));
-}
-
-TEST(ItemCode, FollowsThePaneAndItsTab) {
-    const auto codes = [](ReportPaneKind pane) {
-        std::vector<int> all;
-        for (int tab = -1; tab < 8; ++tab)
-            all.push_back(itemCode(pane, tab));
-        return all;
-    };
-    EXPECT_THAT(codes(ReportPaneKind::Table), ElementsAre(-1, 0, 1, 2, 3, 4, 14, -1, -1));
-    EXPECT_THAT(codes(ReportPaneKind::Field), ElementsAre(-1, 5, 6, 7, 8, 9, 12, 10, -1));
-    EXPECT_THAT(codes(ReportPaneKind::Empty), ::testing::Each(-1));
 }
 
 } // namespace

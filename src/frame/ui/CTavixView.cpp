@@ -37,9 +37,10 @@ bool isAncestorOfWindow(const QWidget& ancestor, const QWidget* window) {
 
 } // namespace
 
-CTavixView::CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent)
+CTavixView::CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent, int patienceMilliseconds)
     : SplitFrame(parent),
       m_document(app.StartDocument(*this, messages)),
+      m_patience(patienceMilliseconds),
       m_main(*this),
       m_reportPane(new QStackedWidget(this)),
       m_empty(new CEmptyView) {
@@ -363,7 +364,7 @@ CReportPane& CTavixView::GetReportPane() const {
 }
 
 int CTavixView::GetItemCode() const {
-    return m_view ? itemCode(m_view->GetKind(), m_view->GetCurrentTab()) : itemCode(ReportPaneKind::Empty, 0);
+    return static_cast<int>(m_view ? m_view->GetItemCode() : ItemCode::None);
 }
 
 void CTavixView::OpenTableInformation() {

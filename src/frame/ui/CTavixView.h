@@ -39,8 +39,10 @@ class CTavixView final : public SplitFrame,
                          public CViewSite {
     Q_OBJECT
   public:
-    /// Application and messages must outlive the view.
-    CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent = nullptr);
+    /// Application and messages must outlive the view. A reading that takes longer than the patience shows its progress
+    /// in a dialog.
+    CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent = nullptr,
+               int patienceMilliseconds = kPatienceMilliseconds);
     ~CTavixView() override;
 
     /// Called when the viewer wants run history to be deleted. Without one it deletes by itself.
@@ -82,6 +84,8 @@ class CTavixView final : public SplitFrame,
     void Broadcast(RefreshHint hint) override { Broadcast(nullptr, hint, 0); }
 
     CTavixDoc& GetTavixDoc() override { return *m_document; }
+    QWidget* GetWindowOwner() override { return this; }
+    int GetPatienceMilliseconds() const override { return m_patience; }
     bool IsLoading() const override { return m_loading; }
     NavigatorPage GetMode() const override { return m_mode; }
     const ReportSelection& GetSelection() const override { return m_selection; }
@@ -103,7 +107,7 @@ class CTavixView final : public SplitFrame,
     /// The panes to which commands are offered, in order; null for a pane that is not there.
     [[nodiscard]] std::array<CommandTarget*, 3> CommandOrder() const;
     [[nodiscard]] CReportPane& GetReportPane() const;
-    /// The code of the tab that is showing, see itemCode().
+    /// The ItemCode of the tab that is showing.
     [[nodiscard]] int GetItemCode() const;
 
     void OnNew();
@@ -147,6 +151,7 @@ class CTavixView final : public SplitFrame,
     void ShowWarnings();
 
     std::unique_ptr<CTavixDoc> m_document;
+    int m_patience; ///< milliseconds
     CTavixMain m_main;
     CTables* m_navigator = nullptr;
     QStackedWidget* m_reportPane;

@@ -6,6 +6,7 @@
 #include "grid/ui/CellDelegate.h"
 #include "grid/ui/GridHeader.h"
 #include "grid/ui/GridModel.h"
+#include "grid/ui/LockedColumns.h"
 #include "grid/ui/TypingSearch.h"
 
 #include <QApplication>
@@ -24,7 +25,7 @@ namespace tavix {
 
 namespace {
 
-// Sorting this many rows takes long enough to show that it goes on.
+// Sorting this many rows takes long enough to need a wait cursor.
 constexpr int kManyRows = 100'000;
 
 class WaitCursor {
@@ -50,6 +51,7 @@ CUGCtrl::CUGCtrl(QWidget* parent)
     : QTableView(parent),
       m_model(new GridModel(this)),
       m_widths(*this, *m_model),
+      m_locked(new LockedColumns(*this, *m_model)),
       m_search(new TypingSearch(*this, *m_model)) {
     setModel(m_model);
     SetUpView(*this);
@@ -57,32 +59,10 @@ CUGCtrl::CUGCtrl(QWidget* parent)
     setTabKeyNavigation(false);
     ApplyFont();
     connect(m_search, &TypingSearch::Found, this, &CUGCtrl::SelectRow);
-    // A search is over when the user moves to another row by hand.
+    // Moving to another row by hand ends a search.
     connect(selectionModel(), &QItemSelectionModel::currentRowChanged, m_search, &TypingSearch::Stop);
     connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this](const QModelIndex& current) { Q_EMIT CurrentRowChanged(current.isValid() ? current.row() : -1); });
-}
-
-// Most lists have no locked columns, and a second view costs as much as the first.
-void CUGCtrl::MakeLockedView() {
-    m_locked = new QTableView(this);
-    m_locked->setModel(m_model);
-    m_locked->setSelectionModel(selectionModel());
-    SetUpView(*m_locked);
-    m_locked->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_locked->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_locked->setHorizontalScrollMode(ScrollPerPixel);
-    m_locked->setFocusProxy(this);
-    m_locked->setContextMenuPolicy(Qt::CustomContextMenu);
-    m_locked->setObjectName(QStringLiteral("lockedColumns"));
-    m_locked->setAccessibleName(QStringLiteral("Locked columns"));
-    m_locked->hide();
-    viewport()->stackUnder(m_locked);
-    ApplyFont();
-    connect(m_locked, &QWidget::customContextMenuRequested, this,
-            [this](const QPoint& at) { ShowMenu(m_locked->viewport()->mapToGlobal(at)); });
-    connect(m_locked->verticalScrollBar(), &QScrollBar::valueChanged, verticalScrollBar(), &QScrollBar::setValue);
-    connect(verticalScrollBar(), &QScrollBar::valueChanged, m_locked->verticalScrollBar(), &QScrollBar::setValue);
 }
 
 void CUGCtrl::SetUpView(QTableView& view) {
@@ -90,7 +70,9 @@ void CUGCtrl::SetUpView(QTableView& view) {
     // A click on a heading sorts; it does not select the whole column.
     disconnect(view.horizontalHeader(), &QHeaderView::sectionPressed, &view, nullptr);
     disconnect(view.horizontalHeader(), &QHeaderView::sectionEntered, &view, nullptr);
-    view.setItemDelegate(new CellDelegate(*m_model, &view));
+    auto* delegate = new CellDelegate(*m_model, &view);
+    delegate->setShowsInvisible(m_showsInvisible);
+    view.setItemDelegate(delegate);
     view.verticalHeader()->hide();
     view.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     view.setSelectionBehavior(SelectRows);
@@ -105,20 +87,20 @@ void CUGCtrl::SetUpView(QTableView& view) {
             [this](const QModelIndex& index) { Q_EMIT RowActivated(index.row()); });
     connect(view.horizontalHeader(), &QHeaderView::sectionClicked, this, &CUGCtrl::ToggleSort);
     connect(view.horizontalHeader(), &QHeaderView::sectionResized, this, [this, &view](int column, int, int width) {
-        QTableView* other = &view == this ? m_locked : this;
+        QTableView* other = &view == this ? m_locked->View() : this;
         // Hiding a column in one view resizes it to 0 there.
         if (width > 0 && other && !other->isColumnHidden(column) && other->columnWidth(column) != width)
             other->setColumnWidth(column, width);
         if (width > 0)
             m_widths.Changed(column, width);
-        PlaceLockedView();
+        m_locked->Place();
     });
 }
 
 std::vector<QTableView*> CUGCtrl::Views() {
     std::vector<QTableView*> views = {this};
-    if (m_locked)
-        views.push_back(m_locked);
+    if (QTableView* locked = m_locked->View())
+        views.push_back(locked);
     return views;
 }
 
@@ -154,20 +136,23 @@ void CUGCtrl::ApplyFont() {
 }
 
 void CUGCtrl::ApplyColumns() {
-    const int locked = LockedColumns();
-    if (locked > 0 && !m_locked)
-        MakeLockedView();
+    if (m_locked->NeedsView()) {
+        QTableView& view = m_locked->MakeView();
+        SetUpView(view);
+        ApplyFont();
+        connect(&view, &QWidget::customContextMenuRequested, this,
+                [this, &view](const QPoint& at) { ShowMenu(view.viewport()->mapToGlobal(at)); });
+    }
     m_widths.Apply();
     {
         const ColumnWidths::Placing placing(m_widths);
-        for (int column = 0; m_locked && column < m_model->columnCount(); ++column)
-            m_locked->setColumnHidden(column, column >= locked);
+        m_locked->HideOtherColumns();
     }
     m_sortColumn = -1;
     ShowSortArrow();
-    // Headings may need another height now.
+    // The height of the headings may have changed.
     updateGeometries();
-    PlaceLockedView();
+    m_locked->Place();
 }
 
 void CUGCtrl::ShowSortArrow() {
@@ -215,7 +200,7 @@ void CUGCtrl::ShowColumn(int column) {
 
 std::vector<std::int64_t> CUGCtrl::GetSelectedRows() const {
     std::vector<std::int64_t> rows;
-    // Ranges, not indexes: everything selected is one range, however many rows it has.
+    // Ranges, not indexes: "select all" is a single range.
     for (const QItemSelectionRange& range : selectionModel()->selection()) {
         for (int row = range.top(); row <= range.bottom(); ++row)
             rows.push_back(row);
@@ -227,12 +212,12 @@ std::vector<std::int64_t> CUGCtrl::GetSelectedRows() const {
 
 void CUGCtrl::ToggleSort(int column) {
     SortBy(column, m_sortColumn == column && !m_sortDescending);
-    // A clicked heading moves the arrow by itself, whether or not the rows could be sorted.
+    // The header has moved the arrow to the clicked heading, even if the rows could not be sorted.
     ShowSortArrow();
 }
 
 void CUGCtrl::SortBy(int column, bool descending) {
-    // A single row is in every order; a click on a heading then does nothing.
+    // A click on a heading does nothing for a single row.
     if (m_model->rowCount() < 2 || !Sort(column, descending))
         return;
     m_sortKey = m_model->source()->GetColumn(column).identity();
@@ -277,7 +262,7 @@ void CUGCtrl::CopySelection(bool withHeadings) const {
         QApplication::clipboard()->setText(toQString(copyRows(*m_model->source(), rows, withHeadings)));
 }
 
-// Whole rows are selected, so the ends are those of the list and not those of a row.
+// Home and End move within the list, not within a row: whole rows are selected.
 QModelIndex CUGCtrl::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
     const int rows = m_model->rowCount();
     if ((action != MoveHome && action != MoveEnd) || rows == 0)
@@ -299,7 +284,7 @@ void CUGCtrl::keyPressEvent(QKeyEvent* event) {
         Q_EMIT RowActivated(GetCurrentRow());
         return;
     }
-    // These step through the tabs of the view around the grid.
+    // The view around the grid switches its tabs with these keys.
     if (control && (event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown)) {
         event->ignore();
         return;
@@ -344,39 +329,11 @@ void CUGCtrl::ShowMenu(const QPoint& globalPosition) {
     menu.exec(globalPosition);
 }
 
-int CUGCtrl::LockedColumns() const {
-    int locked = 0;
-    while (locked < m_model->columnCount() && m_model->source()->GetColumn(locked).locked)
-        ++locked;
-    return locked;
-}
-
-int CUGCtrl::LockedWidth() const {
-    int width = 0;
-    for (int column = 0, locked = LockedColumns(); column < locked; ++column)
-        width += columnWidth(column);
-    return width;
-}
-
-void CUGCtrl::PlaceLockedView() {
-    if (!m_locked)
-        return;
-    const int width = LockedWidth();
-    // Unscrolled, the columns below are the same; a pane narrower than the locked columns has no room for both.
-    const bool needed = width > 0 && horizontalScrollBar()->value() > 0 && width < viewport()->width();
-    if (needed) {
-        m_locked->horizontalHeader()->setFixedHeight(horizontalHeader()->height());
-        m_locked->setGeometry(frameWidth(), frameWidth(), width, viewport()->height() + horizontalHeader()->height());
-        m_locked->verticalScrollBar()->setValue(verticalScrollBar()->value());
-    }
-    m_locked->setVisible(needed);
-}
-
 void CUGCtrl::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
     m_search->PlaceLine();
     m_widths.FitToView();
-    PlaceLockedView();
+    m_locked->Place();
 }
 
 void CUGCtrl::changeEvent(QEvent* event) {
@@ -388,11 +345,11 @@ void CUGCtrl::changeEvent(QEvent* event) {
 void CUGCtrl::scrollContentsBy(int dx, int dy) {
     QTableView::scrollContentsBy(dx, dy);
     if (dx != 0)
-        PlaceLockedView();
+        m_locked->Place();
 }
 
 void CUGCtrl::scrollTo(const QModelIndex& index, ScrollHint hint) {
-    if (index.column() < LockedColumns()) {
+    if (index.column() < m_locked->Count()) {
         // Always in view sideways.
         const int sideways = horizontalScrollBar()->value();
         QTableView::scrollTo(index, hint);
@@ -400,7 +357,7 @@ void CUGCtrl::scrollTo(const QModelIndex& index, ScrollHint hint) {
         return;
     }
     QTableView::scrollTo(index, hint);
-    if (const int hidden = LockedWidth() - visualRect(index).left(); hidden > 0)
+    if (const int hidden = m_locked->Width() - visualRect(index).left(); hidden > 0)
         horizontalScrollBar()->setValue(horizontalScrollBar()->value() - hidden);
 }
 

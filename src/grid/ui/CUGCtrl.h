@@ -13,12 +13,13 @@
 namespace tavix {
 
 class GridModel;
+class LockedColumns;
 class TypingSearch;
 
-/// The one grid: the rows of a CUGDataSource, of which only those on the screen are fetched. Whole rows are selected.
-/// A click on a heading sorts where the source can; leading locked columns stay in view; typing finds a row by its
-/// first column, and Escape stops a long search; Home and End go to the first and the last row; Ctrl+C copies the
-/// selected rows, Ctrl+Shift+C with the headings. Actions added to the widget come first in its context menu.
+/// The grid for all lists. Shows the rows of a CUGDataSource and fetches only those on the screen. Whole rows are
+/// selected. A click on a heading sorts if the source can; leading locked columns stay in view; typing finds a row by
+/// its first column, and Escape stops a long search; Home and End go to the first and last row; Ctrl+C copies the
+/// selected rows, Ctrl+Shift+C with headings. Actions added to the widget come first in its context menu.
 class CUGCtrl final : public QTableView {
     Q_OBJECT
   public:
@@ -26,15 +27,15 @@ class CUGCtrl final : public QTableView {
 
     /// Not owned; must outlive the grid or be taken back with null.
     void SetSource(CUGDataSource* source);
-    /// To be called when the source's rows or columns are others now. Widths, selection and sorting start anew.
+    /// Call after the source's rows or columns were replaced. Resets widths, selection and sorting.
     void SourceChanged();
-    /// The same for rows that were read anew of what is shown already: they are sorted as the user had them.
+    /// Call after the rows of the same object were read again: keeps the user's sort order.
     void RowsRefilled();
 
-    /// Where widths that the user drags are kept and found again; may be null.
+    /// Where the user's column widths are stored; may be null.
     void SetWidthMemory(std::unique_ptr<ColumnWidthMemory> memory);
 
-    /// Whether characters without a mark of their own are drawn as signs. What is copied stays as it is.
+    /// Whether invisible characters are drawn as signs. Copied text is not changed.
     void SetShowsInvisible(bool shows);
     [[nodiscard]] bool ShowsInvisible() const { return m_showsInvisible; }
 
@@ -43,7 +44,7 @@ class CUGCtrl final : public QTableView {
     void SelectRow(std::int64_t row);
     /// Scrolls sideways until the column is in view.
     void ShowColumn(int column);
-    /// Ascending order of the rows on the screen.
+    /// In ascending order.
     [[nodiscard]] std::vector<std::int64_t> GetSelectedRows() const;
     void SortBy(int column, bool descending);
     void CopySelection(bool withHeadings) const;
@@ -67,25 +68,22 @@ class CUGCtrl final : public QTableView {
 
   private:
     void SetUpView(QTableView& view);
-    void MakeLockedView();
+    /// The grid, and the view of the locked columns if there is one.
     [[nodiscard]] std::vector<QTableView*> Views();
     void ApplyFont();
     void ApplyColumns();
-    void PlaceLockedView();
     void ShowSortArrow();
     void ToggleSort(int column);
     bool Sort(int column, bool descending);
     void ShowMenu(const QPoint& globalPosition);
-    [[nodiscard]] int LockedColumns() const;
-    [[nodiscard]] int LockedWidth() const;
 
     GridModel* m_model;
     ColumnWidths m_widths;
-    QTableView* m_locked = nullptr; ///< the locked columns again, over the scrolled ones; null without any
-    int m_sortColumn = -1;          ///< by which the rows are sorted now
-    // What the user chose outlasts rows that cannot be sorted by it, and the column may stand elsewhere when they are
-    // read anew.
-    std::optional<std::string> m_sortKey; ///< the identity of the column
+    LockedColumns* m_locked;
+    int m_sortColumn = -1; ///< by which the rows are sorted now
+    /// The identity of the column that the user chose to sort by. It is kept while the rows cannot be sorted by it, and
+    /// the column may have another index when they are read anew.
+    std::optional<std::string> m_sortKey;
     bool m_sortDescending = false;
     bool m_showsInvisible = false;
     TypingSearch* m_search;

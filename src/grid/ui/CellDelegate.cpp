@@ -26,7 +26,7 @@ constexpr int kAlertCorner = 7;
 constexpr int kBarMargin = 2;
 constexpr int kMarkGap = 5;
 constexpr double kMarkFaintness = 0.45;
-// A cell shows one line; more of a long value is neither measured nor drawn.
+// A cell shows one line; the rest of a long value is neither measured nor drawn.
 constexpr std::size_t kShownBytes = 512;
 
 bool breaksLine(QChar c) {
@@ -44,7 +44,7 @@ bool isAtRightEdge(CellIcon icon) {
     return icon == CellIcon::BeyondFence || icon == CellIcon::FarBeyondFence;
 }
 
-// From the left; a share that is not nothing is seen, however small.
+// From the left; rounded up, so the smallest share is visible.
 QRect barRect(const QRect& rect, double share) {
     const QRect room = rect.adjusted(kBarMargin, kBarMargin, -kBarMargin, -kBarMargin);
     const int width = static_cast<int>(std::ceil(std::min(share, 1.0) * room.width()));
@@ -75,7 +75,7 @@ CellGeometry layOut(const QRect& rect, const GridCell& cell) {
 
 } // namespace
 
-// What stands for null or for an unknown figure is no text of the data.
+// "(null value)" and "(Unknown)" are not values of the data, so their characters are never drawn as signs.
 QString CellDelegate::shownText(const GridCell& cell) const {
     if (cell.state == CellState::Null && cell.text.empty())
         return toQString(kNullValue);
@@ -152,7 +152,7 @@ bool CellDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const Q
     const GridCell cell = m_model.cell(index);
     const QRect textRect = layOut(option.rect, cell).text;
     QStringList lines;
-    // A value with markup in it is shown as the text it is.
+    // A value may contain markup, which must not be interpreted.
     if (option.fontMetrics.horizontalAdvance(shownText(cell)) > textRect.width())
         lines << (m_showsInvisible && cell.state == CellState::Ordinary
                       ? toQString(showInvisible(cell.text, 4 * kShownBytes))

@@ -9,8 +9,8 @@ namespace tavix {
 class GridModel;
 struct GridCell;
 
-/// Draws a cell from one fetch: bar, picture, text, the look of null and unknown, the alert corner. The tooltip shows
-/// what does not fit.
+/// Draws a cell from one fetch: bar, icon, text, the look of null and unknown, the alert corner. The tooltip shows a
+/// text that does not fit.
 class CellDelegate final : public QStyledItemDelegate {
     Q_OBJECT
   public:

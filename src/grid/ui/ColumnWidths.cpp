@@ -11,7 +11,7 @@
 namespace tavix {
 
 ColumnWidths::ColumnWidths(QTableView& view, const GridModel& model) : m_view(view), m_model(model) {
-    // A drag is many changes of width and one that is kept.
+    // A drag changes the width many times; only the last one is stored.
     m_keepSoon.setSingleShot(true);
     m_keepSoon.setInterval(500);
     QObject::connect(&m_keepSoon, &QTimer::timeout, &m_keepSoon, [this] { Keep(); });
@@ -52,7 +52,7 @@ void ColumnWidths::FitToView() {
 void ColumnWidths::Changed(int column, int width) {
     if (m_placing > 0 || column >= m_model.columnCount())
         return;
-    // What the header stretches was not dragged.
+    // A stretched column was resized by the header.
     if (m_view.horizontalHeader()->sectionResizeMode(column) == QHeaderView::Stretch)
         return;
     if (column == m_fitted)

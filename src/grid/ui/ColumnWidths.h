@@ -14,8 +14,8 @@ namespace tavix {
 
 class GridModel;
 
-/// How wide the columns of a table view are: as their source has them until the user drags them, which is kept. A
-/// column that takes the room that is left does so until it is dragged itself.
+/// The column widths of a table view: the source's until the user drags a column, whose width is then stored. A column
+/// with takesRest fills the remaining room until it is dragged itself.
 class ColumnWidths final {
   public:
     /// Both must outlive this; the view shows the model.
@@ -24,10 +24,10 @@ class ColumnWidths final {
     ColumnWidths(const ColumnWidths&) = delete;
     ColumnWidths& operator=(const ColumnWidths&) = delete;
 
-    /// Where widths that the user drags are kept, and found again by Apply(); may be null.
+    /// Where the user's widths are stored; Apply() reads them. May be null.
     void SetMemory(std::unique_ptr<ColumnWidthMemory> memory);
 
-    /// While one lives, widths change by no dragging of the user's.
+    /// While one lives, changes of width are not the user's.
     class Placing {
       public:
         explicit Placing(ColumnWidths& widths) : m_widths(widths) { ++m_widths.m_placing; }
@@ -39,13 +39,13 @@ class ColumnWidths final {
         ColumnWidths& m_widths;
     };
 
-    /// To be called when the model's columns are others now, or the memory is.
+    /// Call after the model's columns or the memory were replaced.
     void Apply();
-    /// To be called when the view has another size.
+    /// Call after the view was resized.
     void FitToView();
-    /// To be called when a column has another width, in the view's pixels.
+    /// Call after a column's width has changed, in the view's pixels.
     void Changed(int column, int width);
-    /// Writes what was dragged to the memory, which otherwise waits for the end of the dragging.
+    /// Stores dragged widths now, without waiting for the end of the drag.
     void Keep();
 
   private:
@@ -54,10 +54,10 @@ class ColumnWidths final {
     QTableView& m_view;
     const GridModel& m_model;
     std::unique_ptr<ColumnWidthMemory> m_memory;
-    std::map<std::string, int> m_dragged; ///< by identity, not yet kept
+    std::map<std::string, int> m_dragged; ///< by identity, not stored yet
     QTimer m_keepSoon;
     int m_placing = 0;
-    int m_fitted = -1; ///< the column that takes the room that is left; -1 without one
+    int m_fitted = -1; ///< the column that fills the remaining room; -1 without one
 };
 
 } // namespace tavix

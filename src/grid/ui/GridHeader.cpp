@@ -13,9 +13,9 @@ namespace {
 constexpr int kPadding = 8;
 constexpr int kArrow = 8;
 constexpr double kMarkSize = 0.85;
-// The room above a heading that has a remark below it.
+// The margin above a heading that has a mark below it.
 constexpr int kAboveHeading = 6;
-// Columns this narrow hold a single letter, which then stands in their middle.
+// Narrower columns hold a single letter, which is centered.
 constexpr int kNarrow = 40;
 
 void paintArrow(QPainter& painter, const QRectF& rect, bool descending, const QColor& color) {
@@ -67,7 +67,7 @@ QSize GridHeader::sizeHint() const {
 void GridHeader::paintEvent(QPaintEvent* event) {
     m_hasMarks = HasMarks();
     QHeaderView::paintEvent(event);
-    // The area beyond the last column belongs to the heading row as well.
+    // The heading row extends beyond the last column.
     const int end = length() - offset();
     if (end >= viewport()->width())
         return;
@@ -89,7 +89,7 @@ void GridHeader::paintSection(QPainter* painter, const QRect& rect, int section)
     const bool sorted = isSortIndicatorShown() && sortIndicatorSection() == section;
     QRect textRect = narrow ? rect : rect.adjusted(kPadding, 0, -kPadding, -1);
     QRect markRect = textRect;
-    // Where one heading has a remark, all of them stand in the upper line.
+    // If any column has a mark, all headings are drawn in the upper line.
     if (m_hasMarks) {
         textRect.setTop(rect.top() + kAboveHeading);
         textRect.setHeight(fontMetrics().height());

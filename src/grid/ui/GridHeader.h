@@ -4,8 +4,8 @@
 
 namespace tavix {
 
-/// A flat heading row: text, a remark below it where a column has one, a hair line below, an arrow at the column that
-/// is sorted by.
+/// A flat heading row: heading text, the column's mark below it if it has one, a hairline below, and an arrow at the
+/// sort column.
 class GridHeader final : public QHeaderView {
     Q_OBJECT
   public:

@@ -11,7 +11,7 @@ namespace tavix {
 
 namespace {
 
-// Row positions are summed in an int, so that a view takes no more rows than this at any sensible height.
+// A table view sums row heights in an int, which limits the number of rows.
 constexpr std::int64_t kMostRows = 50'000'000;
 
 QString accessibleText(const GridCell& cell) {

@@ -6,7 +6,7 @@
 
 namespace tavix {
 
-/// Any grid data source as a Qt model. Cells are fetched when they are asked for and not kept.
+/// Adapts a grid data source to a Qt model. Cells are fetched on demand and not cached.
 class GridModel final : public QAbstractTableModel {
     Q_OBJECT
   public:
@@ -15,14 +15,14 @@ class GridModel final : public QAbstractTableModel {
     /// Not owned; must outlive the model or be taken back with null.
     void setSource(CUGDataSource* source);
     [[nodiscard]] CUGDataSource* source() const { return m_source; }
-    /// The source's rows or columns are others now.
+    /// Call after the source's rows or columns were replaced.
     void sourceChanged();
-    /// The source's rows have another order now; persistent indexes must not be held across it.
+    /// Call after the source's rows were sorted; persistent indexes do not survive it.
     void orderChanged();
-    /// One fetch for everything a painter needs.
+    /// The whole cell in one fetch, for painting.
     [[nodiscard]] GridCell cell(const QModelIndex& index) const;
 
-    /// The remark below a heading, see headerData.
+    /// Role of a column's mark in headerData.
     static constexpr int kMarkRole = Qt::UserRole;
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;

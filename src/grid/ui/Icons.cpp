@@ -5,6 +5,9 @@
 #include <QPainterPath>
 #include <QPixmapCache>
 
+#include <array>
+#include <cstddef>
+
 namespace tavix {
 
 namespace {
@@ -109,7 +112,7 @@ class IconPainter {
         m_painter.drawEllipse(QPointF(10, 8), 4.5, 4.5);
     }
 
-    // A point beyond a line, or beyond two.
+    // A dot to the right of one line, or of two.
     void beyond(int fences) {
         stroke(m_warm, 1.3);
         for (int fence = 0; fence < fences; ++fence)
@@ -138,62 +141,57 @@ class IconPainter {
     QColor m_cool;
 };
 
+/// One icon; the table is in the order of CellIcon.
+struct IconRow {
+    CellIcon icon;
+    const char* meaning; ///< see iconMeaning()
+    void (*draw)(IconPainter&);
+};
+
+constexpr std::array<IconRow, 14> kIcons = {{
+    {CellIcon::None, "", [](IconPainter&) {}},
+    {CellIcon::Field, "", [](IconPainter& draw) { draw.field(false); }},
+    {CellIcon::FieldInLookup, "Member of a collection", [](IconPainter& draw) { draw.field(true); }},
+    {CellIcon::KeyAnalysis, "Has primary key/foreign key analyses", [](IconPainter& draw) { draw.key(); }},
+    {CellIcon::Redundancy, "Has redundant data analyses", [](IconPainter& draw) { draw.redundancy(); }},
+    {CellIcon::Table, "Table", [](IconPainter& draw) { draw.table(); }},
+    {CellIcon::QueryTable, "Table from an SQL query", [](IconPainter& draw) { draw.queryTable(); }},
+    {CellIcon::FilterTable, "Filtered table", [](IconPainter& draw) { draw.filterTable(); }},
+    {CellIcon::Source, "Data source", [](IconPainter& draw) { draw.source(); }},
+    {CellIcon::Catalog, "Catalog", [](IconPainter& draw) { draw.folder(draw.cool()); }},
+    {CellIcon::Schema, "Schema", [](IconPainter& draw) { draw.folder(draw.accent()); }},
+    {CellIcon::Collection, "Collection", [](IconPainter& draw) { draw.collection(); }},
+    {CellIcon::BeyondFence, "Beyond 1.5 times the interquartile range", [](IconPainter& draw) { draw.beyond(1); }},
+    {CellIcon::FarBeyondFence, "Beyond 3 times the interquartile range", [](IconPainter& draw) { draw.beyond(2); }},
+}};
+
+constexpr bool isInOrder() {
+    for (std::size_t i = 0; i < kIcons.size(); ++i) {
+        if (static_cast<std::size_t>(kIcons[i].icon) != i)
+            return false;
+    }
+    return true;
+}
+static_assert(isInOrder() && kIcons.back().icon == CellIcon::FarBeyondFence);
+
+const IconRow& rowOf(CellIcon icon) {
+    return kIcons[static_cast<std::size_t>(icon)];
+}
+
 void drawIcon(QPainter& painter, const QRectF& rect, CellIcon icon, const QPalette& palette, bool onSelection) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(rect.topLeft());
     painter.scale(rect.width() / 16.0, rect.height() / 16.0);
     IconPainter draw(painter, palette, onSelection);
-    switch (icon) {
-    case CellIcon::None:
-        break;
-    case CellIcon::Field:
-        draw.field(false);
-        break;
-    case CellIcon::FieldInLookup:
-        draw.field(true);
-        break;
-    case CellIcon::KeyAnalysis:
-        draw.key();
-        break;
-    case CellIcon::Redundancy:
-        draw.redundancy();
-        break;
-    case CellIcon::Table:
-        draw.table();
-        break;
-    case CellIcon::QueryTable:
-        draw.queryTable();
-        break;
-    case CellIcon::FilterTable:
-        draw.filterTable();
-        break;
-    case CellIcon::Source:
-        draw.source();
-        break;
-    case CellIcon::Catalog:
-        draw.folder(draw.cool());
-        break;
-    case CellIcon::Schema:
-        draw.folder(draw.accent());
-        break;
-    case CellIcon::Collection:
-        draw.collection();
-        break;
-    case CellIcon::BeyondFence:
-        draw.beyond(1);
-        break;
-    case CellIcon::FarBeyondFence:
-        draw.beyond(2);
-        break;
-    }
+    rowOf(icon).draw(draw);
     painter.restore();
 }
 
 } // namespace
 
 void paintIcon(QPainter& painter, const QRectF& rect, CellIcon icon, const QPalette& palette, bool onSelection) {
-    // A painter that scales, as a printer's does, wants lines and areas.
+    // A scaling painter, such as a printer's, needs vectors.
     if (painter.transform().type() > QTransform::TxTranslate || !painter.device())
         return drawIcon(painter, rect, icon, palette, onSelection);
     const qreal scale = painter.device()->devicePixelRatio();
@@ -218,36 +216,7 @@ void paintIcon(QPainter& painter, const QRectF& rect, CellIcon icon, const QPale
 }
 
 QString iconMeaning(CellIcon icon) {
-    switch (icon) {
-    case CellIcon::None:
-    case CellIcon::Field:
-        return {};
-    case CellIcon::FieldInLookup:
-        return QStringLiteral("Member of a collection");
-    case CellIcon::KeyAnalysis:
-        return QStringLiteral("Has primary key/foreign key analyses");
-    case CellIcon::Redundancy:
-        return QStringLiteral("Has redundant data analyses");
-    case CellIcon::Table:
-        return QStringLiteral("Table");
-    case CellIcon::QueryTable:
-        return QStringLiteral("Table from an SQL query");
-    case CellIcon::FilterTable:
-        return QStringLiteral("Filtered table");
-    case CellIcon::Source:
-        return QStringLiteral("Data source");
-    case CellIcon::Catalog:
-        return QStringLiteral("Catalog");
-    case CellIcon::Schema:
-        return QStringLiteral("Schema");
-    case CellIcon::Collection:
-        return QStringLiteral("Collection");
-    case CellIcon::BeyondFence:
-        return QStringLiteral("Beyond 1.5 times the interquartile range");
-    case CellIcon::FarBeyondFence:
-        return QStringLiteral("Beyond 3 times the interquartile range");
-    }
-    return {};
+    return QString::fromUtf8(rowOf(icon).meaning);
 }
 
 } // namespace tavix

@@ -8,12 +8,12 @@
 
 namespace tavix {
 
-/// The usual edge length of a small picture, in device-independent pixels.
+/// The usual size of an icon, in device-independent pixels.
 inline constexpr int kIconSize = 16;
 
-/// Draws the picture as lines and areas, so that it is crisp at every scale; on a selection in the colour of its text.
+/// Draws the icon as vectors, crisp at every scale; on a selection in the colour of the selected text.
 void paintIcon(QPainter& painter, const QRectF& rect, CellIcon icon, const QPalette& palette, bool onSelection);
-/// The words that stand for the picture, for tooltips and screen readers; "" for none.
+/// What the icon means, for tooltips and screen readers; "" for an icon that says nothing.
 [[nodiscard]] QString iconMeaning(CellIcon icon);
 
 } // namespace tavix

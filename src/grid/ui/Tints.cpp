@@ -13,7 +13,7 @@ QColor alert(const QPalette& palette) {
 }
 
 QColor bar(const QPalette& palette, const QColor& background, bool onSelection) {
-    // Text on the selection's colour stays legible only on one that is farther from it.
+    // Away from the text's lightness, so the text stays legible.
     if (onSelection) {
         const bool lightText = palette.color(QPalette::HighlightedText).lightness() > 127;
         return mixed(background, QColor(lightText ? Qt::black : Qt::white), 0.22);

@@ -3,16 +3,16 @@
 #include <QColor>
 #include <QPalette>
 
-/// Colours that are no palette roles of their own, derived from the palette so that they suit a light and a dark one.
+/// Colours without a palette role, derived from the palette to suit light and dark ones.
 namespace tavix::tint {
 
-/// Hair lines between areas.
+/// Hairlines between areas.
 [[nodiscard]] QColor line(const QPalette& palette);
 /// Marks a figure that an alert watches.
 [[nodiscard]] QColor alert(const QPalette& palette);
-/// A bar behind the text of a cell, on the colour that the cell is filled with. Text keeps its contrast upon it.
+/// The bar behind a cell's text, on the cell's background. Text keeps its contrast on it.
 [[nodiscard]] QColor bar(const QPalette& palette, const QColor& background, bool onSelection);
-/// The colour of small pictures.
+/// The colours of icons.
 [[nodiscard]] QColor accent(const QPalette& palette);
 [[nodiscard]] QColor accentWarm(const QPalette& palette);
 [[nodiscard]] QColor accentCool(const QPalette& palette);

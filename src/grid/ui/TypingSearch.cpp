@@ -12,9 +12,9 @@ namespace tavix {
 
 namespace {
 
-// How long one piece may keep the window from painting.
-constexpr qint64 kPieceMilliseconds = 30;
-// So many rows are looked at between two looks at the clock.
+// The longest time that a slice may block the window.
+constexpr qint64 kSliceMilliseconds = 30;
+// Rows searched between two looks at the clock.
 constexpr int kRowsPerLook = 1024;
 
 } // namespace
@@ -22,8 +22,8 @@ constexpr int kRowsPerLook = 1024;
 TypingSearch::TypingSearch(QTableView& view, const GridModel& model) : QObject(&view), m_view(view), m_model(model) {
     m_next.setSingleShot(true);
     m_next.setInterval(0);
-    connect(&m_next, &QTimer::timeout, this, &TypingSearch::SearchPiece);
-    // The rows that were searched are not those that are listed now.
+    connect(&m_next, &QTimer::timeout, this, &TypingSearch::SearchSlice);
+    // The rows have changed, so the search would go on in the wrong ones.
     connect(&m_model, &QAbstractItemModel::modelAboutToBeReset, this, &TypingSearch::Stop);
     connect(&m_model, &QAbstractItemModel::dataChanged, this, &TypingSearch::Stop);
 }
@@ -41,10 +41,10 @@ void TypingSearch::Type(const QString& typed) {
     const QModelIndex current = m_view.currentIndex();
     m_start = current.isValid() ? current.row() + (repeated ? 1 : 0) : 0;
     m_searched = 0;
-    SearchPiece();
+    SearchSlice();
 }
 
-void TypingSearch::SearchPiece() {
+void TypingSearch::SearchSlice() {
     const int rows = m_model.rowCount();
     QElapsedTimer sinceStart;
     sinceStart.start();
@@ -56,15 +56,15 @@ void TypingSearch::SearchPiece() {
             Q_EMIT Found(row);
             return;
         }
-        if (m_searched % kRowsPerLook == 0 && sinceStart.elapsed() >= kPieceMilliseconds) {
-            const QLocale locale(QLocale::English); // as all figures of the viewer
+        if (m_searched % kRowsPerLook == 0 && sinceStart.elapsed() >= kSliceMilliseconds) {
+            const QLocale locale(QLocale::English); // like all numbers of the viewer
             ShowLine(tr("Looking for \u201C%1\u201D: %2 of %3 rows. Esc stops.")
                          .arg(m_wanted.left(40), locale.toString(m_searched), locale.toString(rows)));
             m_next.start();
             return;
         }
     }
-    // A short list shows by itself that nothing was found.
+    // A short list needs no message: nothing happens.
     if (m_line && m_line->isVisible())
         ShowLine(tr("No row begins with \u201C%1\u201D.").arg(m_wanted.left(40)));
 }
@@ -79,7 +79,7 @@ void TypingSearch::ShowLine(const QString& text) {
     if (!m_line) {
         m_line = new QLabel(&m_view);
         m_line->setObjectName(QStringLiteral("typingSearch"));
-        // It quotes what is typed.
+        // It quotes the user's input.
         m_line->setTextFormat(Qt::PlainText);
         m_line->setAutoFillBackground(true);
         m_line->setBackgroundRole(QPalette::ToolTipBase);

@@ -11,39 +11,39 @@ namespace tavix {
 
 class GridModel;
 
-/// Finds a row by its first column while its beginning is typed. A long list is looked through piece by piece; between
-/// two pieces keys and clicks are handled, and a line at the bottom of the list says how far the search is.
+/// Finds a row by its first column as the user types. A long list is searched in slices; between two slices keys and
+/// clicks are handled, and a line at the bottom of the list shows the progress.
 class TypingSearch final : public QObject {
     Q_OBJECT
   public:
     /// Both must outlive the search.
     TypingSearch(QTableView& view, const GridModel& model);
 
-    /// Goes on from the current row, around the end. One letter again and again walks through the rows that begin with
-    /// it.
+    /// Searches from the current row and wraps around. Typing the same letter repeatedly steps through the rows that
+    /// begin with it.
     void Type(const QString& typed);
     [[nodiscard]] bool IsRunning() const { return m_next.isActive(); }
-    /// Ends the search and takes its line away.
+    /// Ends the search and hides its line.
     void Stop();
-    /// To be called when the list has another size.
+    /// Call after the list was resized.
     void PlaceLine();
 
   Q_SIGNALS:
     void Found(int row);
 
   private:
-    void SearchPiece();
+    void SearchSlice();
     void ShowLine(const QString& text);
 
     QTableView& m_view;
     const GridModel& m_model;
-    QLabel* m_line = nullptr; ///< null until it is needed
+    QLabel* m_line = nullptr; ///< null until first shown
     QTimer m_next;
     QElapsedTimer m_sinceTyped;
     QString m_typed;
     QString m_wanted;
     int m_start = 0;
-    int m_searched = 0; ///< rows from the start on
+    int m_searched = 0; ///< rows searched from m_start on
 };
 
 } // namespace tavix

@@ -39,7 +39,7 @@ CNoteCategoriesDlg::CNoteCategoriesDlg(NoteCategories& categories, QWidget* pare
     add->setToolTip(tr("Insert"));
     m_rename->setToolTip(tr("F2"));
     m_delete->setToolTip(tr("Del"));
-    // Enter on the list renames; no button takes it.
+    // Enter renames the category, so no button may take it.
     for (QPushButton* button : {add, m_rename, m_delete})
         button->setAutoDefault(false);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);

@@ -11,15 +11,15 @@ namespace tavix {
 
 class CTavixDoc;
 
-/// The list of note categories, to be added to, renamed in and deleted from: Insert, F2 or Enter, and Del on the list.
+/// Adds, renames and deletes note categories: Insert, F2 or Enter, and Del on the list.
 class CNoteCategoriesDlg final : public QDialog {
     Q_OBJECT
   public:
-    /// `categories` was read, and must outlive the dialog.
+    /// `categories` has been read and must outlive the dialog.
     explicit CNoteCategoriesDlg(NoteCategories& categories, QWidget* parent = nullptr);
 
-    /// Reads the categories and shows the dialog modally; after a message, or without a report, it does not come up.
-    /// True when categories have changed: notes then have to be read anew.
+    /// Reads the categories and shows the dialog modally; without a report, or when reading fails after a message, it
+    /// is not shown. True when categories have changed; notes must then be read again.
     static bool Run(CTavixDoc& document, QWidget* parent);
 
   private:

@@ -9,11 +9,11 @@ class QLineEdit;
 
 namespace tavix {
 
-/// Asks for the name of a category, and stays open until one could be stored.
+/// Asks for the name of a category and stays open until the name is stored or the user cancels.
 class CNoteCategoryNameDlg final : public QDialog {
     Q_OBJECT
   public:
-    /// `store` says by itself why a name cannot be stored.
+    /// When `store` fails, it has shown a message.
     CNoteCategoryNameDlg(const QString& title, const QString& name, std::function<bool(const std::string&)> store,
                          QWidget* parent = nullptr);
 

@@ -23,7 +23,7 @@ namespace tavix {
 
 namespace {
 
-/// How near the limit the length begins to show.
+/// From this length on the dialog shows the number of characters.
 constexpr std::size_t kShownLength = kLongestNote * 4 / 5;
 
 } // namespace
@@ -121,13 +121,13 @@ void CNoteDlg::FillCategories(int chosen) {
     NoteCategories categories(*m_session, m_document.GetMessages());
     m_category->clear();
     m_category->addItem(tr("(none)"), -1);
-    // Even when the list cannot be read, what the note has is kept.
+    // The note keeps its category even when the list cannot be read.
     if (!categories.Read() && chosen != -1)
         m_category->addItem(tr("(unchanged)"), chosen);
     for (const NoteCategory& category : categories.List())
         m_category->addItem(toQString(category.name), category.id);
     m_category->setCurrentIndex(std::max(m_category->findData(chosen), 0));
-    // A category that was deleted is gone from the stored note too.
+    // Deleting a category has removed it from the stored note as well.
     if (m_category->findData(m_kept.categoryId) < 0)
         m_kept.categoryId = -1;
 }
@@ -142,7 +142,7 @@ void CNoteDlg::EditCategories() {
 }
 
 void CNoteDlg::ShowLength() {
-    // In characters, of which one beyond the basic plane has two units.
+    // In code points: characters beyond the basic plane have two UTF-16 units.
     const auto length = static_cast<std::size_t>(m_text->toPlainText().toUcs4().size());
     QPalette colors = m_length->palette();
     colors.setColor(QPalette::WindowText, length > kLongestNote ? tint::alert(palette()) : quietText(palette()));

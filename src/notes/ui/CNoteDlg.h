@@ -16,18 +16,18 @@ namespace tavix {
 
 class CTavixDoc;
 
-/// Writes a new note or changes one. OK stores it and closes; a note that cannot be stored stays in the dialog.
-/// Ctrl+Enter is OK; whatever else closes the dialog asks first when something would be lost.
+/// Writes a new note or edits one. OK (Ctrl+Enter) stores the note and closes the dialog; if storing fails, the dialog
+/// stays open. Closing it in any other way asks before it discards changes.
 class CNoteDlg final : public QDialog {
     Q_OBJECT
   public:
     /// The document must have a report and outlive the dialog.
     CNoteDlg(CTavixDoc& document, NoteSubject subject, QWidget* parent = nullptr);
-    /// Changes `note`; `dateText` is when it was written.
+    /// Edits `note`, which was written at `dateText`.
     CNoteDlg(CTavixDoc& document, NoteSubject subject, const Note& note, const QString& dateText,
              QWidget* parent = nullptr);
 
-    /// Categories were added, renamed or deleted meanwhile, whatever became of the note.
+    /// Whether categories were added, renamed or deleted, even if the note was not stored.
     [[nodiscard]] bool HaveCategoriesChanged() const { return m_categoriesChanged; }
 
     void accept() override;
@@ -43,7 +43,7 @@ class CNoteDlg final : public QDialog {
 
     CTavixDoc& m_document;
     NoteSubject m_subject;
-    std::shared_ptr<PrViewer> m_session; ///< of the report that the note belongs to
+    std::shared_ptr<PrViewer> m_session; ///< of the note's report
     NoteEditor m_editor;
     NoteDraft m_kept; ///< as it is stored
     int m_noteId;     ///< -1 for a new note

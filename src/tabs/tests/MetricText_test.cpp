@@ -15,7 +15,7 @@ TEST(MetricText, LongMeansLosePlacesUntilTheyAreShort) {
     EXPECT_EQ("1.2345", metricText(kMean, "R", "1.2345"));
     EXPECT_EQ("1.2346", metricText(kMean, "I", "1.23456"));
     EXPECT_EQ("-98.62", metricText(kMean, "R", "-98.6212045"));
-    // Not even no places at all make it short.
+    // Too long even without decimal places.
     EXPECT_EQ("12345678", metricText(kMean, "I", "12345678.25"));
     EXPECT_EQ("100000", metricText(kMean, "I", "99999.999999"));
     EXPECT_EQ("0.0000", metricText(kMean, "R", "0.0000000123"));

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-namespace tavix::testing {
+namespace tavix {
 
-/// A row as it is seen: "text|text", with "?" behind what is unknown, "~" behind what stands for null, "<n>" for a
-/// picture and "[share]" for a bar; right-aligned texts begin with ">".
+/// A row as it is shown: "text|text", with "?" after an unknown value, "~" after a null value, "<n>" for an icon
+/// and "[share]" for a bar; right-aligned texts begin with ">".
 inline std::string lineOf(const CUGDataSource& rows, std::int64_t row) {
     std::string line;
     for (int column = 0; column < rows.GetColumnCount(); ++column) {
@@ -35,7 +35,7 @@ inline std::vector<std::string> linesOf(const CUGDataSource& rows) {
     return lines;
 }
 
-/// "heading:width" of every column, with ">" before headings to the right and "{}" around a remark.
+/// "heading:width" of every column, with ">" before headings to the right and "{}" around a mark.
 inline std::string headingsOf(const CUGDataSource& rows) {
     std::string text;
     for (int column = 0; column < rows.GetColumnCount(); ++column) {
@@ -46,4 +46,4 @@ inline std::string headingsOf(const CUGDataSource& rows) {
     return text;
 }
 
-} // namespace tavix::testing
+} // namespace tavix

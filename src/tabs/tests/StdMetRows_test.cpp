@@ -14,6 +14,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::StartsWith;
+using ::testing::UnorderedElementsAre;
 
 std::vector<MetricDisplay> metrics(const std::vector<MetricId>& shownInOrder) {
     std::vector<MetricDisplay> list;
@@ -52,6 +53,10 @@ std::string headings(const StdMetRows& rows) {
     return text;
 }
 
+char letterOf(CellAlignment alignment) {
+    return alignment == CellAlignment::Left ? 'L' : alignment == CellAlignment::Right ? 'R' : 'C';
+}
+
 class StdMetRowsOfSample : public testing::SampleViewer {
   protected:
     void SetUp() override {
@@ -61,6 +66,13 @@ class StdMetRowsOfSample : public testing::SampleViewer {
         m_customers.table.name = "customers";
         m_keys.kind = ReportSelection::Kind::Collection;
         m_keys.id = m_sample.collections.at("Customer keys");
+    }
+
+    std::vector<std::string> lines() {
+        std::vector<std::string> lines;
+        for (std::int64_t row = 0; row < m_rows.GetRowCount(); ++row)
+            lines.push_back(line(m_rows, row));
+        return lines;
     }
 
     ReportSelection m_customers;
@@ -80,7 +92,7 @@ TEST_F(StdMetRowsOfSample, ShownMetricsAreColumnsInTheUsersOrder) {
     EXPECT_EQ("Field Name:130:-1:locked|Collections:130:-1|Mean:130:10|Count:130:0|P:25:-1|R:25:-1", headings(m_rows));
 }
 
-// In a run over a sample the mark stands beside the name, and the column is the same one.
+// The mark of a sample does not change the column's identity.
 TEST_F(StdMetRowsOfSample, MetricsOfTheSampleAloneAreMarked) {
     const auto shown = metrics({MetricId::UniqueCount, MetricId::Mean});
     ASSERT_TRUE(m_rows.Fill(*m_viewer, m_customers, shown, {}));
@@ -115,11 +127,35 @@ TEST_F(StdMetRowsOfSample, FieldsCarryTheirCollectionsPicturesAndUnknownMetrics)
     EXPECT_THAT(line(m_rows, keyRow), StartsWith("id<1>||<3>|"));
 }
 
-TEST_F(StdMetRowsOfSample, ACollectionTellsWhereItsFieldsComeFrom) {
+TEST_F(StdMetRowsOfSample, ACollectionShowsMetricsAndSourceOfEachField) {
+    const auto shown = metrics({MetricId::Count, MetricId::Mean});
+    ASSERT_TRUE(m_rows.Fill(*m_viewer, m_keys, shown, {}));
+    // The suppliers' field takes part in a key analysis and in a redundancy analysis, the customers' in the latter.
+    EXPECT_THAT(lines(), UnorderedElementsAre("id<1>|Warehouse.crm.public.customers|1000|500.5||<4>",
+                                              "id<1>|Warehouse.dbo.suppliers|6|2501.7|<3>|<4>",
+                                              "id<1>|Warehouse.crm.public.german customers|120|7.5||"));
+    // A catalog is not shown without a schema.
+    testing::runScript(m_sample.path, "UPDATE profiled_table SET schema = '' WHERE catalog = 'crm'");
     ASSERT_TRUE(m_rows.Fill(*m_viewer, m_keys, metrics({}), {}));
-    const std::int64_t row = m_rows.FindField(m_sample.fields.at("customers/id"));
-    ASSERT_GE(row, 0);
-    EXPECT_THAT(line(m_rows, row), StartsWith("id<1>|Warehouse.crm.public.customers|"));
+    EXPECT_THAT(lines(), UnorderedElementsAre("id<1>|Warehouse.customers||<4>", "id<1>|Warehouse.dbo.suppliers|<3>|<4>",
+                                              "id<1>|Warehouse.german customers||"));
+}
+
+TEST_F(StdMetRowsOfSample, FiguresAreRoundedAndOnTheRight) {
+    const auto shown = metrics({MetricId::Mode, MetricId::Mean, MetricId::ActualType});
+    ASSERT_TRUE(m_rows.Fill(*m_viewer, m_customers, shown, {}));
+    const std::int64_t balance = m_rows.FindField(m_sample.fields.at("customers/balance"));
+    ASSERT_GE(balance, 0);
+    EXPECT_EQ("12.3456789", m_rows.GetCell(2, balance).text) << "the mode is a value of the data";
+    EXPECT_EQ("12.346", m_rows.GetCell(3, balance).text);
+    std::string headings;
+    std::string cells;
+    for (int column = 0; column < m_rows.GetColumnCount(); ++column) {
+        headings += letterOf(m_rows.GetColumn(column).alignment);
+        cells += letterOf(m_rows.GetCell(column, balance).alignment);
+    }
+    EXPECT_EQ("LLLRLCC", headings);
+    EXPECT_EQ("LLLRLCC", cells);
 }
 
 TEST_F(StdMetRowsOfSample, SortingPutsNumbersBeforeUnknownInBothDirections) {
@@ -171,7 +207,7 @@ TEST_F(StdMetRowsOfSample, ASampleMarksTheTablesThatAreFilteredFromIt) {
     }
 }
 
-// Alerts are kept by the names of what they watch, so that the identity of the shown table decides, part by part.
+// Alerts refer to their table by name, so every part of the table's identity has to match.
 class AlertMarks : public StdMetRowsOfSample {
   protected:
     void SetUp() override {
@@ -193,7 +229,8 @@ class AlertMarks : public StdMetRowsOfSample {
         for (std::int64_t row = 0; row < m_rows.GetRowCount(); ++row) {
             for (int column = 0; column < m_rows.GetColumnCount(); ++column) {
                 if (m_rows.GetCell(column, row).alertMark)
-                    marks.push_back(fmt::format("{}:{}", m_rows.GetFieldName(row), m_rows.GetColumn(column).parameter));
+                    marks.push_back(
+                        fmt::format("{}:{}", m_rows.GetCell(0, row).text, m_rows.GetColumn(column).parameter));
             }
         }
         return marks;

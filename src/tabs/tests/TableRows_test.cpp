@@ -13,8 +13,6 @@ namespace tavix {
 namespace {
 
 using ::testing::ElementsAre;
-using testing::headingsOf;
-using testing::linesOf;
 using ::testing::StartsWith;
 
 class TableRows : public testing::SampleViewer {
@@ -28,7 +26,7 @@ class TableRows : public testing::SampleViewer {
         m_customers.name = "customers";
     }
     void alert(const std::string& table, const std::string& field, const std::string& type, const std::string& text) {
-        // Repositories that other programs write may hold other codes.
+        // Other programs may have written other codes.
         testing::runScript(
             m_sample.path,
             fmt::format("PRAGMA ignore_check_constraints = 1; INSERT INTO alert(table_id, field, metric, type_code, "
@@ -44,7 +42,6 @@ TEST_F(TableRows, VisualizationsOfATable) {
     ASSERT_TRUE(rows.Fill(*m_viewer, m_customers.id));
     EXPECT_EQ("Name:180|Description:360", headingsOf(rows));
     EXPECT_THAT(linesOf(rows), ElementsAre("Nulls|Null counts of all fields"));
-    EXPECT_EQ(m_sample.chart, rows.GetChartId(0));
     EXPECT_EQ("", rows.GetEmptyText());
     ASSERT_TRUE(rows.Fill(*m_viewer, m_sample.tables.at("orders")));
     EXPECT_THAT(linesOf(rows), ElementsAre());
@@ -74,7 +71,27 @@ TEST_F(TableRows, AlertsOfATableGoByItsNames) {
     EXPECT_EQ("No alert is defined for this table.", rows.GetEmptyText());
 }
 
-// As dates: as texts "Sun Feb" would come before "Thu Jan".
+TEST_F(TableRows, RulesAndMetricsShowWhatTheRunCounted) {
+    testing::addRules(m_sample);
+    testing::runScript(m_sample.path, "UPDATE run_rule SET checked_rows = 600, error_rows = 7 WHERE rule = 21;"
+                                      "UPDATE run_custom_metric SET used_rows = 990, error_rows = 3 WHERE metric = 11");
+    BusinessRuleRows rules;
+    ASSERT_TRUE(rules.Fill(*m_viewer, m_customers.id)) << rules.GetErrorText();
+    EXPECT_EQ("Business Rule:180|>Failed Rows:110|>Percentage:110|>Checked Rows:110|>Rows in Error:110|Condition:300|"
+              "Input Fields:180",
+              headingsOf(rules));
+    EXPECT_THAT(linesOf(rules), ElementsAre("Name is known|>12|>2.00[0.02]|>600|>7|`balance` > 0|",
+                                            "Balance is positive|>22|>2.20[0.02]|>1000|>0|`balance` > 0|"));
+    CustomMetricRows metrics;
+    ASSERT_TRUE(metrics.Fill(*m_viewer, m_customers.id)) << metrics.GetErrorText();
+    EXPECT_EQ("Custom Metric:180|Output Name:150|>Value:130|Figure:80|Expression:300|Input Fields:180|>Rows Used:110|"
+              ">Rows in Error:110",
+              headingsOf(metrics));
+    EXPECT_THAT(linesOf(metrics),
+                ElementsAre("Spread|out|>12|sum|`balance`||>990|>3", "Margin|out|>22|sum|`balance`||>1000|>0"));
+}
+
+// Sorted as texts, "Sun Feb" would come before "Thu Jan".
 TEST_F(TableRows, HistoriesAreSortedByTheDateOfTheRun) {
     testing::addRules(m_sample);
     CustomMetricHistoryRows metrics(std::locale::classic());

@@ -1,4 +1,4 @@
-// What a view says above its tabs, where a detached one goes, and what is remembered of a grid.
+// The texts above the tabs, the placement of detached views, and stored column widths.
 #include "tabs/StoredColumnWidths.h"
 #include "tabs/SubjectText.h"
 #include "tabs/TearOffPlacement.h"
@@ -72,7 +72,7 @@ TEST(SubjectText, AFieldSaysWhereItComesFromAndWhatItsSharesAreOf) {
     for (const auto& each : cases)
         EXPECT_EQ(each.text, detailOf(each.subject));
 
-    // A field that the run does not have is named as it was selected; one of another report has no size.
+    // A field that is missing from the run keeps the name of the selection; a field of another report has no size.
     ReportSubject gone = fieldSubject("R", "3", "0");
     gone.field.reset();
     EXPECT_EQ("as selected", titleOf(gone));
@@ -137,7 +137,7 @@ TEST(StoredColumnWidths, AreKeptByGridAndColumn) {
     EXPECT_EQ(78, widths.Read("Count"));
 }
 
-// Two headings that differ in signs alone, or that have none but signs, are two columns all the same.
+// Headings that differ only in special characters, or consist of them, belong to different columns.
 TEST(StoredColumnWidths, HeadingsOfSignsOrOfOtherScriptsAreToldApart) {
     const auto store = makeMemorySettings();
     StoredColumnWidths widths(*store, "grid");

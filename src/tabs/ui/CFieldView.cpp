@@ -2,10 +2,10 @@
 
 #include "doc/CTavixDoc.h"
 #include "doc/CollectionMembers.h"
+#include "tabs/ui/CNotesTab.h"
 #include "tabs/ui/CTabColProf.h"
 #include "tabs/ui/CTabFreqDist.h"
-#include "tabs/ui/CTabNotes.h"
-#include "tabs/ui/CTabPKFK.h"
+#include "tabs/ui/PlainListTab.h"
 
 #include <array>
 
@@ -20,33 +20,26 @@ constexpr std::array<CommandRow<CFieldView>, 2> kCommands = {{
     {{CommandId::DetachTabs, "Detach current tabs view\nDetach View"}, &CFieldView::OnDetach, &CFieldView::CanDetach},
 }};
 
+constexpr std::array<TabRow, 7> kTabs = {{
+    {CFieldView::ColumnProfiling, "Column Profiling", ItemCode::ColumnProfiling, &makeTab<CTabColProf>},
+    {CFieldView::Frequency, "Frequency Distribution", ItemCode::Frequency, &makeTab<CTabFreqDist>},
+    {CFieldView::Patterns, "Pattern Frequency Distribution", ItemCode::Patterns, &makeTab<CTabFreqDist>},
+    {CFieldView::Percentiles, "Percentiles", ItemCode::Percentiles, &makeTab<CTabColProf>},
+    {CFieldView::Outliers, "Outliers", ItemCode::Outliers, &makeTab<CTabColProf>},
+    {CFieldView::KeyAnalysis, "Primary Key/Foreign Key Analysis", ItemCode::KeyAnalysis, &makeTab<CTabPKFK>},
+    {CFieldView::Notes, "Notes", ItemCode::FieldNotes, &makeTab<CTabNotes>},
+}};
+static_assert(isInOrder(kTabs));
+
 } // namespace
 
 CFieldView::CFieldView(CViewSite& site, bool isTornOff, QWidget* parent)
-    : CReportView(site, ReportPaneKind::Field, isTornOff, parent),
-      m_values(new CTabFreqDist(site, GetSubject(), isTornOff, itemCode(ReportPaneKind::Field, Frequency))),
-      m_patterns(new CTabFreqDist(site, GetSubject(), isTornOff, itemCode(ReportPaneKind::Field, Patterns))),
-      m_notes(new CTabNotes(site, GetSubject(), isTornOff)) {
+    : CReportView(site, ReportPaneKind::Field, kTabs, isTornOff, parent) {
     setObjectName(QStringLiteral("fieldView"));
-    const auto code = [](Tab tab) { return itemCode(ReportPaneKind::Field, tab); };
-    AddTab(new CTabColProf(site, GetSubject(), isTornOff, code(ColumnProfiling)), "Column Profiling");
-    AddTab(m_values, "Frequency Distribution");
-    AddTab(m_patterns, "Pattern Frequency Distribution");
-    AddTab(new CTabColProf(site, GetSubject(), isTornOff, code(Percentiles)), "Percentiles");
-    AddTab(new CTabColProf(site, GetSubject(), isTornOff, code(Outliers)), "Outliers");
-    AddTab(new CTabPKFK(site, GetSubject(), isTornOff), "Primary Key/Foreign Key Analysis");
-    AddTab(m_notes, "Notes");
-    Start();
 }
 
 std::span<const CommandRow<CFieldView>> CFieldView::CommandRows() {
     return kCommands;
-}
-
-QString CFieldView::CaptionOf(int index) const {
-    const QString caption = CReportView::CaptionOf(index);
-    const CTabFreqDist* tab = index == Frequency ? m_values : index == Patterns ? m_patterns : nullptr;
-    return tab && tab->IsFiltered() ? tr("%1 (Filtered)").arg(caption) : caption;
 }
 
 int CFieldView::AddToCollection(int collectionId) {
@@ -64,12 +57,12 @@ CommandState CFieldView::UpdateCommand(int commandId) const {
 }
 
 bool CFieldView::CanAddNote() const {
-    return m_notes->CanAddNote();
+    return TabAs<CTabNotes>(Notes).CanAddNote();
 }
 
 void CFieldView::OnAddNote() {
     SelectTab(Notes);
-    m_notes->AddNote();
+    TabAs<CTabNotes>(Notes).AddNote();
 }
 
 void CFieldView::OnDetach() {

@@ -7,10 +7,7 @@
 
 namespace tavix {
 
-class CTabFreqDist;
-class CTabNotes;
-
-/// What is known about a field.
+/// The tabs of a field.
 class CFieldView final : public CReportView {
     Q_OBJECT
   public:
@@ -19,7 +16,7 @@ class CFieldView final : public CReportView {
     /// The site must outlive the view.
     CFieldView(CViewSite& site, bool isTornOff, QWidget* parent = nullptr);
 
-    /// 1 when the field was added, 0 without a field or, after a message, when it could not be added.
+    /// 1 if the field was added; 0 without a field or, after a message, if it could not be added.
     int AddToCollection(int collectionId);
 
     bool ExecuteCommand(int commandId) override;
@@ -30,14 +27,6 @@ class CFieldView final : public CReportView {
     [[nodiscard]] bool CanAddNote() const;
     void OnDetach();
     [[nodiscard]] bool CanDetach() const { return !IsTornOff(); }
-
-  protected:
-    QString CaptionOf(int index) const override;
-
-  private:
-    CTabFreqDist* m_values;
-    CTabFreqDist* m_patterns;
-    CTabNotes* m_notes;
 };
 
 } // namespace tavix

@@ -13,7 +13,8 @@
 
 namespace tavix {
 
-CListTab::CListTab(const char* name, CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent)
+CListTab::CListTab(std::string_view name, CViewSite& site, const ReportSubject& subject, bool isTornOff,
+                   QWidget* parent)
     : CProfTab(site, subject, isTornOff, parent),
       m_stack(new QStackedWidget(this)),
       m_grid(new CUGCtrl(this)),
@@ -21,7 +22,7 @@ CListTab::CListTab(const char* name, CViewSite& site, const ReportSubject& subje
     setObjectName(toQString(name).toLower().remove(u' '));
     m_grid->setAccessibleName(toQString(name));
     m_note->setObjectName(QStringLiteral("note"));
-    // Reasons quote the data.
+    // The note may quote data, which must not be interpreted as markup.
     m_note->setTextFormat(Qt::PlainText);
     m_note->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_note->setAlignment(Qt::AlignCenter);
@@ -56,7 +57,7 @@ void CListTab::AddBelow(QWidget& widget, QWidget* last) {
     m_lastBelow = last;
 }
 
-// The grid must not ask for rows while they are torn down.
+// The grid must not fetch rows while they are being destroyed.
 CListTab::~CListTab() {
     m_grid->SetSource(nullptr);
 }
@@ -80,8 +81,8 @@ bool CListTab::RefillsOn(RefreshHint hint) const {
     return hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded || hint == RefreshHint::OptionsChanged;
 }
 
-std::string CListTab::ObstacleOfCollection(const char* what) const {
-    if (Subject().table.id != -1)
+std::string obstacleOfCollection(const ReportSubject& subject, std::string_view what) {
+    if (subject.table.id != -1)
         return {};
     return "A collection has no " + std::string(what) + " of its own; its tables may have some.";
 }

@@ -4,6 +4,8 @@
 #include "tabs/ui/CProfTab.h"
 
 #include <memory>
+#include <string>
+#include <string_view>
 #include <utility>
 
 class QLabel;
@@ -14,8 +16,11 @@ namespace tavix {
 class CUGCtrl;
 class PrViewer;
 
-/// A tab that is one list: a grid, or a sentence that says why it would be empty. A class derived from it makes the
-/// rows and fills them.
+/// For lists that only tables have: why a collection has no `what`; "" when the subject is a table.
+[[nodiscard]] std::string obstacleOfCollection(const ReportSubject& subject, std::string_view what);
+
+/// A tab that shows one list: a grid, or a sentence that explains why it would be empty. A derived class makes the rows
+/// and fills them.
 class CListTab : public CProfTab {
     Q_OBJECT
   public:
@@ -25,10 +30,10 @@ class CListTab : public CProfTab {
     QWidget* GetMainControl() override;
 
   protected:
-    /// `name` is the list's for screen readers, and for what is remembered of it.
-    CListTab(const char* name, CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent);
+    /// `name` is read by screen readers and identifies the list's column widths in the settings.
+    CListTab(std::string_view name, CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent);
 
-    /// Takes the list's rows; what is given back lives until the next call.
+    /// Takes ownership of the list's rows; the reference is valid until the next call.
     template <typename Rows>
     Rows& ShowRows(std::unique_ptr<Rows> rows) {
         Rows& kept = *rows;
@@ -37,21 +42,19 @@ class CListTab : public CProfTab {
     }
     [[nodiscard]] CUGCtrl& Grid() const { return *m_grid; }
     [[nodiscard]] std::int64_t GetRowCount() const { return m_rows ? m_rows->GetRowCount() : 0; }
-    /// Puts a widget above the list, and before it for the Tab key. It becomes the tab's.
+    /// Puts a widget above the list and before it in the tab order. Takes ownership.
     void AddAbove(QWidget& widget);
 
-    /// Puts a widget below the list, seen while the list is. `last` is its last control that takes the keyboard. It
-    /// becomes the tab's.
+    /// Puts a widget below the list, visible while the list is. `last` is its last control that takes the focus. Takes
+    /// ownership.
     void AddBelow(QWidget& widget, QWidget* last);
 
-    /// The report, the run or the options have become others.
+    /// When the report, the run or the options have changed.
     [[nodiscard]] bool RefillsOn(RefreshHint hint) const override;
     void Fill(bool isSameObject) final;
-    /// Why there is nothing to read for the subject; "" when there is.
+    /// Why the subject has no such list; "" when it has one.
     [[nodiscard]] virtual std::string GetObstacle() const = 0;
-    /// For lists that only tables have: that a collection has no `what`; "" when the subject is a table.
-    [[nodiscard]] std::string ObstacleOfCollection(const char* what) const;
-    /// Fills the rows anew; false, with the rows as they were, when the repository fails.
+    /// Fills the rows; false, with the rows unchanged, when the repository fails.
     virtual bool FillRows(PrViewer& viewer) = 0;
     /// Called after each filling.
     virtual void RowsChanged() {}
@@ -60,7 +63,7 @@ class CListTab : public CProfTab {
     void TakeRows(std::unique_ptr<ListRows> rows);
     void ShowNote(const std::string& note);
 
-    std::unique_ptr<ListRows> m_rows; ///< null until the derived class has some
+    std::unique_ptr<ListRows> m_rows; ///< null until the derived class has made them
     QStackedWidget* m_stack;
     CUGCtrl* m_grid;
     QLabel* m_note;

@@ -13,7 +13,7 @@ CListWithDetails::CListWithDetails(const char* name, const std::vector<const cha
     connect(&Grid(), &CUGCtrl::CurrentRowChanged, this, &CListWithDetails::ShowDetails);
 }
 
-// The grids must not ask for rows while they are torn down.
+// The grids must not fetch rows while they are being destroyed.
 CListWithDetails::~CListWithDetails() {
     Grid().disconnect(this);
     for (std::size_t list = 0; list < m_details.size(); ++list)

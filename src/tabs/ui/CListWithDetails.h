@@ -8,19 +8,19 @@ namespace tavix {
 
 class LowerLists;
 
-/// A list, and below it lists that say more about the row that is selected in it. A class derived from it makes the
-/// rows of all and fills them.
+/// A list with further lists below it that show details of its current row. A derived class makes the rows of all lists
+/// and fills them.
 class CListWithDetails : public CListTab {
     Q_OBJECT
   public:
     ~CListWithDetails() override;
 
   protected:
-    /// `details` are the names of the lists below for screen readers, and their headings.
+    /// `details` are the headings of the lists below, also read by screen readers.
     CListWithDetails(const char* name, const std::vector<const char*>& details, CViewSite& site,
                      const ReportSubject& subject, bool isTornOff, QWidget* parent);
 
-    /// Takes the rows of the next list below, from the left; what is given back lives until the tab ends.
+    /// Takes ownership of the rows of the next list below, from the left; the reference is valid as long as the tab.
     template <typename Rows>
     Rows& ShowBelow(std::unique_ptr<Rows> rows) {
         Rows& kept = *rows;
@@ -29,12 +29,12 @@ class CListWithDetails : public CListTab {
     }
     [[nodiscard]] LowerLists& Lower() const { return *m_lower; }
 
-    /// Also when runs are gone: the lists below may show them.
+    /// Also when runs were deleted: the lists below may show them.
     [[nodiscard]] bool RefillsOn(RefreshHint hint) const override;
 
     /// Fills the lists below for a row of the list.
     virtual void FillDetails(PrViewer& viewer, std::int64_t row) = 0;
-    /// Called when there is no such row, and the lists below are empty.
+    /// Called when there is no current row and the lists below are empty.
     virtual void NoDetails() {}
 
   private:

@@ -11,17 +11,18 @@
 #include "notes/ui/CNoteDlg.h"
 #include "report/CountText.h"
 #include "settings/Settings.h"
+#include "tabs/ui/NoNotesPage.h"
+#include "tabs/ui/NoteReadingPane.h"
+#include "tabs/ui/QuietPalette.h"
 
 #include <QAction>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSplitter>
 #include <QStackedWidget>
-#include <QTextDocument>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -62,17 +63,18 @@ QPushButton* toolButton(QAction& action, QWidget* parent) {
 
 } // namespace
 
-CNotesTab::CNotesTab(CViewSite& site, const ReportSubject& subject, bool isTornOff, SubjectOf subjectOf,
+CNotesTab::CNotesTab(CViewSite& site, const ReportSubject& subject, bool isTornOff, const NotesTabKind& kind,
                      QWidget* parent)
     : CProfTab(site, subject, isTornOff, parent),
-      m_subjectOf(subjectOf),
+      m_subjectOf(kind.subjectOf),
       m_add(new QAction(tr("&Add Note..."), this)),
       m_edit(new QAction(tr("&Edit..."), this)),
       m_delete(new QAction(tr("&Delete..."), this)),
       m_categories(new QAction(tr("Ca&tegories..."), this)),
       m_count(new QLabel(this)) {
+    setObjectName(QLatin1String(kind.name));
     MakeActions();
-    // What is made first is reached first with the keyboard: from the top down.
+    // The Tab key visits the controls in the order in which they are made: from the top down.
     QWidget* tools = MakeToolRow();
     m_stack = new QStackedWidget(this);
     m_splitter = new QSplitter(Qt::Vertical, this);
@@ -83,12 +85,13 @@ CNotesTab::CNotesTab(CViewSite& site, const ReportSubject& subject, bool isTornO
     m_grid->SetSource(&m_rows);
     FitLastColumn();
     m_splitter->addWidget(m_grid);
-    m_splitter->addWidget(MakeReadingPane());
+    m_reading = new NoteReadingPane(this);
+    m_splitter->addWidget(m_reading);
     m_splitter->setChildrenCollapsible(false);
     m_splitter->setHandleWidth(1);
     m_splitter->setStretchFactor(0, 3);
     m_splitter->setStretchFactor(1, 2);
-    m_emptyPage = MakeEmptyPage();
+    m_emptyPage = new NoNotesPage(*m_add, this);
     m_stack->addWidget(m_splitter);
     m_stack->addWidget(m_emptyPage);
     m_stack->setCurrentWidget(m_emptyPage);
@@ -106,7 +109,7 @@ CNotesTab::CNotesTab(CViewSite& site, const ReportSubject& subject, bool isTornO
     ShowActions();
 }
 
-// The grid must not ask for rows while they are torn down.
+// The grid must not fetch rows while they are being destroyed.
 CNotesTab::~CNotesTab() {
     m_grid->disconnect(this);
     m_grid->selectionModel()->disconnect(this);
@@ -143,57 +146,11 @@ QWidget* CNotesTab::MakeToolRow() {
     for (QAction* action : {m_add, m_edit, m_delete})
         layout->addWidget(toolButton(*action, row));
     layout->addSpacing(kGap);
-    layout->addWidget(toolButton(*m_categories, row));
+    m_categoriesButton = toolButton(*m_categories, row);
+    layout->addWidget(m_categoriesButton);
     layout->addStretch(1);
     layout->addWidget(m_count);
     return row;
-}
-
-QWidget* CNotesTab::MakeReadingPane() {
-    auto* pane = new QWidget(this);
-    pane->setAutoFillBackground(true);
-    pane->setBackgroundRole(QPalette::Base);
-    m_heading = new QLabel(pane);
-    m_text = new QPlainTextEdit(pane);
-    m_heading->setTextFormat(Qt::PlainText);
-    m_heading->setWordWrap(true);
-    m_text->setObjectName(QStringLiteral("noteText"));
-    m_text->setAccessibleName(tr("Text of the selected note"));
-    m_text->setReadOnly(true);
-    m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    m_text->setTabChangesFocus(true);
-    m_text->setFrameShape(QFrame::NoFrame);
-    m_text->document()->setDocumentMargin(0);
-    auto* layout = new QVBoxLayout(pane);
-    layout->setContentsMargins(kMargin, kMargin - 2, kMargin, kGap);
-    layout->setSpacing(kGap - 2);
-    layout->addWidget(m_heading);
-    layout->addWidget(m_text, 1);
-    return pane;
-}
-
-QWidget* CNotesTab::MakeEmptyPage() {
-    auto* page = new QWidget(this);
-    page->setAutoFillBackground(true);
-    page->setBackgroundRole(QPalette::Base);
-    m_empty = new QLabel(page);
-    // The button above has the letter.
-    m_addFirst = new QPushButton(tr("Add Note..."), page);
-    m_empty->setObjectName(QStringLiteral("emptySentence"));
-    m_empty->setTextFormat(Qt::PlainText);
-    m_empty->setAlignment(Qt::AlignCenter);
-    m_empty->setWordWrap(true);
-    m_addFirst->setObjectName(QStringLiteral("addFirst"));
-    m_addFirst->setAccessibleName(m_add->toolTip());
-    connect(m_addFirst, &QPushButton::clicked, m_add, &QAction::trigger);
-    auto* layout = new QVBoxLayout(page);
-    layout->setContentsMargins(2 * kMargin, 2 * kMargin, 2 * kMargin, 2 * kMargin);
-    layout->setSpacing(kMargin);
-    layout->addStretch(2);
-    layout->addWidget(m_empty);
-    layout->addWidget(m_addFirst, 0, Qt::AlignHCenter);
-    layout->addStretch(3);
-    return page;
 }
 
 void CNotesTab::changeEvent(QEvent* event) {
@@ -203,27 +160,20 @@ void CNotesTab::changeEvent(QEvent* event) {
 }
 
 void CNotesTab::ApplyColors() {
-    const QColor quiet = quietText(palette());
-    for (QLabel* label : {m_count, m_heading, m_empty}) {
-        QPalette colors = palette();
-        colors.setColor(QPalette::WindowText, quiet);
-        colors.setColor(QPalette::Text, quiet);
-        label->setPalette(colors);
-    }
-    // The handle is the line between list and text.
+    m_count->setPalette(quietPalette(palette()));
+    // The handle draws the line between list and text.
     QPalette line = palette();
     line.setColor(QPalette::Window, tint::line(palette()));
     m_splitter->setPalette(line);
     for (int i = 0; i < m_splitter->count(); ++i)
         m_splitter->widget(i)->setPalette(palette());
-    m_heading->setPalette(m_count->palette());
 }
 
 QWidget* CNotesTab::GetLastTabStop() {
     if (m_stack->currentWidget() != m_emptyPage)
-        return m_text;
-    return m_addFirst->isVisibleTo(this) ? static_cast<QWidget*>(m_addFirst)
-                                         : findChild<QPushButton*>(QStringLiteral("categoriesButton"));
+        return m_reading->GetTabStop();
+    QWidget* addFirst = m_emptyPage->GetTabStop();
+    return addFirst ? addFirst : m_categoriesButton;
 }
 
 QWidget* CNotesTab::GetMainControl() {
@@ -236,7 +186,7 @@ bool CNotesTab::RefillsOn(RefreshHint hint) const {
 }
 
 void CNotesTab::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) {
-    // What the tab itself has changed it shows already.
+    // The tab has already shown its own changes.
     if (sender != this)
         CProfTab::Refresh(sender, hint, parameter);
 }
@@ -244,8 +194,9 @@ void CNotesTab::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) {
 void CNotesTab::Fill(bool isSameObject) {
     CTavixDoc& document = Site().GetTavixDoc();
     std::unique_ptr<Messages::Busy> busy = document.GetMessages().busy();
-    for (QWidget* widget : {static_cast<QWidget*>(m_grid), static_cast<QWidget*>(m_text)})
-        widget->setFont(toQFont(readStatFont(document.GetSettings()), font()));
+    const QFont dataFont = toQFont(readStatFont(document.GetSettings()), font());
+    m_grid->setFont(dataFont);
+    m_reading->SetTextFont(dataFont);
     const std::int64_t currentRow = m_grid->GetCurrentRow();
     const int currentNote = isSameObject && currentRow >= 0 ? m_rows.GetNote(currentRow).id : -1;
     PrViewer* viewer = document.GetViewer();
@@ -268,20 +219,19 @@ void CNotesTab::Fill(bool isSameObject) {
         WarnSoon("Error occurred while retrieving notes:\n\n" + m_rows.GetErrorText());
 }
 
-/// Others keep the widths that the user gave them; the notes take what is left.
+/// The last column, the note, fills the width that the other columns leave.
 void CNotesTab::FitLastColumn() {
     m_grid->horizontalHeader()->setSectionResizeMode(m_rows.GetColumnCount() - 1, QHeaderView::Stretch);
 }
 
-/// The note that should be selected, and the row beside which the user was if there is no such note.
+/// Selects the note, or if there is no such note, the row nearest to `row`.
 void CNotesTab::ShowRows(int note, std::int64_t row) {
     const std::int64_t count = m_rows.GetRowCount();
     m_count->setText(count == 0 ? QString() : toQString(countOf(count, "note")));
-    m_empty->setText(m_isUnreadable ? tr("The notes cannot be read.") : emptySentence(m_filled.kind));
+    m_emptyPage->ShowSentence(m_isUnreadable ? tr("The notes cannot be read.") : emptySentence(m_filled.kind));
     const bool hadFocus = isAncestorOf(focusWidget()) && m_stack->isAncestorOf(focusWidget());
-    m_stack->setCurrentWidget(count == 0 ? m_emptyPage : m_splitter);
+    m_stack->setCurrentWidget(count == 0 ? static_cast<QWidget*>(m_emptyPage) : m_splitter);
     ShowActions();
-    m_addFirst->setVisible(m_add->isEnabled());
     if (count > 0) {
         const std::int64_t found = m_rows.FindNote(note);
         m_grid->SelectRow(found >= 0 ? found : std::min(row, count - 1));
@@ -292,18 +242,14 @@ void CNotesTab::ShowRows(int note, std::int64_t row) {
 }
 
 void CNotesTab::ShowNote(std::int64_t row) {
-    if (row < 0 || row >= m_rows.GetRowCount()) {
-        m_heading->clear();
-        m_text->clear();
-        return;
-    }
+    if (row < 0 || row >= m_rows.GetRowCount())
+        return m_reading->ShowNote({}, {});
     const Note& note = m_rows.GetNote(row);
     QStringList parts;
     if (!note.category.empty())
         parts << toQString(note.category);
     parts << toQString(note.user) << toQString(m_rows.DateText(note));
-    m_heading->setText(parts.join(QStringLiteral("  ·  ")));
-    m_text->setPlainText(toQString(note.text));
+    m_reading->ShowNote(parts.join(QStringLiteral("  ·  ")), toQString(note.text));
 }
 
 void CNotesTab::ShowActions() {

@@ -6,7 +6,6 @@
 
 class QAction;
 class QLabel;
-class QPlainTextEdit;
 class QPushButton;
 class QSplitter;
 class QStackedWidget;
@@ -14,18 +13,28 @@ class QStackedWidget;
 namespace tavix {
 
 class CUGCtrl;
+class NoNotesPage;
+class NoteReadingPane;
 
-/// What the two notes tabs have in common: the list of notes, and below it the whole text of the selected one. Without
-/// notes there is a sentence and a button. Insert adds, Enter or F2 edits, Del deletes.
+/// What distinguishes the two notes tabs.
+struct NotesTabKind {
+    const char* name; ///< of the tab, also in the settings
+    NoteSubject (*subjectOf)(const ReportSubject&);
+};
+
+/// The notes of the selected table or collection, and of the selected field.
+inline constexpr NotesTabKind kTableNotes = {"tableNotes", &tableNoteSubject};
+inline constexpr NotesTabKind kFieldNotes = {"fieldNotes", &fieldNoteSubject};
+
+/// A tab of notes: their list, and below it the whole text of the selected note; without notes, a sentence and a
+/// button. Insert adds a note, Enter or F2 edits it, Del deletes it.
 class CNotesTab : public CProfTab {
     Q_OBJECT
   public:
-    using SubjectOf = NoteSubject (*)(const ReportSubject&);
-
-    CNotesTab(CViewSite& site, const ReportSubject& subject, bool isTornOff, SubjectOf subjectOf, QWidget* parent);
+    CNotesTab(CViewSite& site, const ReportSubject& subject, bool isTornOff, const NotesTabKind& kind, QWidget* parent);
     ~CNotesTab() override;
 
-    /// Asks for a new note and stores it, whether or not the tab is the one that is seen.
+    /// Asks for a new note and stores it, even if another tab is visible.
     void AddNote();
     [[nodiscard]] bool CanAddNote() const;
 
@@ -41,8 +50,6 @@ class CNotesTab : public CProfTab {
   private:
     void MakeActions();
     [[nodiscard]] QWidget* MakeToolRow();
-    [[nodiscard]] QWidget* MakeReadingPane();
-    [[nodiscard]] QWidget* MakeEmptyPage();
     void FitLastColumn();
     void ShowRows(int note, std::int64_t row);
     void ShowNote(std::int64_t row);
@@ -53,11 +60,11 @@ class CNotesTab : public CProfTab {
     void EditCategories();
     void NotesChanged();
 
-    SubjectOf m_subjectOf;
+    decltype(NotesTabKind::subjectOf) m_subjectOf;
     NoteRows m_rows;
-    NoteSubject m_filled; ///< what the rows are about
+    NoteSubject m_filled; ///< the subject of the rows
     bool m_isUnreadable = false;
-    bool m_showsLatest = false; ///< the next rows come with the new note selected
+    bool m_showsLatest = false; ///< the next filling selects the new note
     QAction* m_add;
     QAction* m_edit;
     QAction* m_delete;
@@ -66,11 +73,19 @@ class CNotesTab : public CProfTab {
     QStackedWidget* m_stack = nullptr;
     QSplitter* m_splitter = nullptr;
     CUGCtrl* m_grid = nullptr;
-    QLabel* m_heading = nullptr;
-    QPlainTextEdit* m_text = nullptr;
-    QWidget* m_emptyPage = nullptr;
-    QLabel* m_empty = nullptr;
-    QPushButton* m_addFirst = nullptr;
+    NoteReadingPane* m_reading = nullptr;
+    NoNotesPage* m_emptyPage = nullptr;
+    QPushButton* m_categoriesButton = nullptr;
 };
+
+template <const NotesTabKind& kNotes>
+class NotesTab final : public CNotesTab {
+  public:
+    NotesTab(CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent = nullptr)
+        : CNotesTab(site, subject, isTornOff, kNotes, parent) {}
+};
+
+using CTabTblNotes = NotesTab<kTableNotes>;
+using CTabNotes = NotesTab<kFieldNotes>;
 
 } // namespace tavix

@@ -10,7 +10,7 @@ CProfTab::CProfTab(CViewSite& site, const ReportSubject& subject, bool isTornOff
     : QWidget(parent), m_site(site), m_subject(subject), m_isTornOff(isTornOff) {}
 
 void CProfTab::SubjectChanged() {
-    MakeStale();
+    RefillIfVisible();
 }
 
 void CProfTab::Forget() {
@@ -20,17 +20,17 @@ void CProfTab::Forget() {
 
 void CProfTab::FillIfSeen() {
     if (m_isStale)
-        MakeStale();
+        RefillIfVisible();
 }
 
 void CProfTab::Refresh(CRefreshItem*, RefreshHint hint, int) {
     if (RefillsOn(hint))
-        MakeStale();
+        RefillIfVisible();
 }
 
-void CProfTab::MakeStale() {
+void CProfTab::RefillIfVisible() {
     m_isStale = true;
-    // While a long list is read, the view may come to show something else; then the tab is filled once more.
+    // The subject may change while a long list is being read; the loop below then fills the tab again.
     if (m_isFilling)
         return;
     const QScopedValueRollback<bool> filling(m_isFilling, true);

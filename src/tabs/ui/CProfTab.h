@@ -11,41 +11,44 @@
 
 namespace tavix {
 
-/// One tab of a view. It fills itself when it is seen and its contents are stale, never before: a tab that nobody opens
+/// One tab of a view. It fills itself only while it is visible and its contents are stale, so a tab that nobody opens
 /// costs no query.
 class CProfTab : public QWidget, public CRefreshItem, public CommandTarget {
     Q_OBJECT
   public:
-    /// `subject` is the view's, which changes it and then calls SubjectChanged. Both references must outlive the tab.
+    /// The view owns `subject` and calls SubjectChanged after changing it. Both references must outlive the tab.
     CProfTab(CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent = nullptr);
 
-    /// The view shows something else now.
+    /// Call after the subject has changed.
     void SubjectChanged();
-    /// What is displayed has nothing to do with the subject any more. It is read anew when the tab is seen.
+    /// Drops the contents, which belong to another report. They are read again when the tab becomes visible.
     void Forget();
     void FillIfSeen();
-    /// Hints that concern the tab make its contents stale.
+    /// Makes the contents stale if the hint concerns the tab.
     void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) override;
-    /// Set while the tab is the one that is selected in its view.
+    /// Set while the tab is selected in its view.
     void SetActive(bool active) { m_active = active; }
     [[nodiscard]] bool IsActive() const { return m_active; }
-    /// The last control that takes the keyboard; null without one.
+    /// The last control in the tab order; null without one.
     [[nodiscard]] virtual QWidget* GetLastTabStop() = 0;
-    /// Whom the keyboard should go to when the tab is opened to work in it.
+    /// The control that gets the focus when the user opens the tab to work in it.
     [[nodiscard]] virtual QWidget* GetMainControl() { return GetLastTabStop(); }
 
+    /// What the caption says after the tab's name; "" for the name alone.
+    [[nodiscard]] virtual QString GetCaptionMark() const { return {}; }
+
   Q_SIGNALS:
-    /// What the tab's caption says beside its name has changed.
+    /// The caption's mark has changed.
     void CaptionChanged();
 
   protected:
     [[nodiscard]] virtual bool RefillsOn(RefreshHint hint) const = 0;
-    /// Called while the tab is visible. With `isSameObject` false what is displayed belongs to another table or field
-    /// and must go even when nothing new can be read; else a failure leaves the display as it is.
+    /// Called while the tab is visible. If `isSameObject` is false, the display belongs to another table or field and
+    /// must be cleared even when nothing new can be read; otherwise a failure leaves it unchanged.
     virtual void Fill(bool isSameObject) = 0;
 
-    /// Shows a message as soon as what is going on is over: a tab may be filled while it is being shown, when it is too
-    /// early for a box.
+    /// Shows a message once the event loop runs again: a tab may be filled in its show event, which must not open a
+    /// box.
     void WarnSoon(const std::string& text);
 
     [[nodiscard]] CViewSite& Site() const { return m_site; }
@@ -55,7 +58,8 @@ class CProfTab : public QWidget, public CRefreshItem, public CommandTarget {
     void showEvent(QShowEvent* event) override;
 
   private:
-    void MakeStale();
+    /// Marks the contents stale; a visible tab fills itself at once, a hidden one when it is shown.
+    void RefillIfVisible();
 
     CViewSite& m_site;
     const ReportSubject& m_subject;

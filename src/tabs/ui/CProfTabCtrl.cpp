@@ -14,10 +14,10 @@ namespace tavix {
 namespace {
 
 constexpr int kPadding = 8;
-constexpr int kLeastPadding = 4; // before captions are cut
-constexpr int kNarrowest = 72;   // of a tab whose caption is cut
+constexpr int kLeastPadding = 4; // before captions are elided
+constexpr int kNarrowest = 72;   // of a tab whose caption is elided
 constexpr int kLines = 5;        // above and below a caption
-constexpr int kRest = 2;         // how much lower a tab begins that is not selected
+constexpr int kRest = 2;         // how much lower unselected tabs begin
 
 } // namespace
 
@@ -29,11 +29,11 @@ CProfTabCtrl::CProfTabCtrl(QWidget* parent) : QTabBar(parent) {
     setDrawBase(false);
     setUsesScrollButtons(true);
     setFocusPolicy(Qt::TabFocus);
-    // They lie over captions that have no room.
+    // The scroll arrows lie over captions.
     for (auto* arrow : findChildren<QToolButton*>()) {
         arrow->setAutoFillBackground(true);
         arrow->setBackgroundRole(QPalette::Base);
-        // The arrow keys do what they do.
+        // The arrow keys do the same.
         arrow->setFocusPolicy(Qt::NoFocus);
         arrow->setAccessibleName(arrow->objectName().contains(QLatin1String("Left"))
                                      ? QStringLiteral("Tabs to the left")
@@ -51,13 +51,13 @@ void CProfTabCtrl::FitFont() {
 }
 
 void CProfTabCtrl::changeEvent(QEvent* event) {
-    // Before the tabs are laid out anew.
+    // Must precede the new layout of the tabs.
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         FitFont();
     QTabBar::changeEvent(event);
 }
 
-// The toolkit's own signal comes for every button, and beside the tabs too.
+// QTabBar's own signal also comes for other buttons and beside the tabs.
 void CProfTabCtrl::mouseDoubleClickEvent(QMouseEvent* event) {
     const int index = tabAt(event->position().toPoint());
     if (event->button() != Qt::LeftButton || index < 0)
@@ -76,7 +76,7 @@ void CProfTabCtrl::SetCaption(int index, const QString& caption) {
         setTabText(index, caption);
 }
 
-// In bold, selected or not, so that as long as there is room no tab moves when another is selected.
+// Measured in bold for every tab, so tabs do not move when another one is selected.
 int CProfTabCtrl::CaptionWidth(int index) const {
     QFont bold = m_captionFont;
     bold.setWeight(QFont::DemiBold);
@@ -97,7 +97,7 @@ QSize CProfTabCtrl::tabSizeHint(int index) const {
 QSize CProfTabCtrl::minimumTabSizeHint(int index) const {
     const QSize whole = tabSizeHint(index);
     if (index == currentIndex())
-        return whole; // Where captions are cut, it is not that of the tab that is looked at.
+        return whole; // The caption of the selected tab is never elided.
     return {qMin(whole.width(), kNarrowest * logicalDpiX() / 96), whole.height()};
 }
 
@@ -118,7 +118,7 @@ CProfTabCtrl::Colors CProfTabCtrl::ColorsNow() const {
             text};
 }
 
-// Painted into the widget's own buffer, which the toolkit copies to the screen as a whole.
+// Qt paints into a back buffer, so this does not flicker.
 void CProfTabCtrl::paintEvent(QPaintEvent*) {
     const Colors colors = ColorsNow();
     QPainter painter(this);
@@ -145,7 +145,7 @@ void CProfTabCtrl::keyPressEvent(QKeyEvent* event) {
 void CProfTabCtrl::PaintTab(QPainter& painter, int index, const Colors& colors) const {
     const bool selected = index == currentIndex();
     QRect face = tabRect(index);
-    // Neighbours share the line between them.
+    // Adjacent tabs share an outline.
     face.setRight(face.right() + 1);
     face.setTop(selected ? 0 : kRest);
     face.setBottom(selected ? height() - 1 : height() - 3);

@@ -6,9 +6,9 @@
 
 namespace tavix {
 
-/// The strip of tabs at the top of a view: arrow keys, Home and End move along it, a press of the mouse selects. Where
-/// there is not room for all captions the longest are cut, and told by their tips; only then there are arrows. Its
-/// height is the same whatever the font; captions in a larger font are made to fit.
+/// The tab strip at the top of a view: arrow keys, Home, End and a mouse press select a tab. If the captions do not
+/// fit, the longest are elided and shown as tooltips; scroll arrows appear only if that is not enough. The height does
+/// not depend on the font; a larger font is scaled down.
 class CProfTabCtrl final : public QTabBar {
     Q_OBJECT
   public:
@@ -23,8 +23,8 @@ class CProfTabCtrl final : public QTabBar {
     void SetCaption(int index, const QString& caption);
 
   Q_SIGNALS:
-    /// Posted: the strip has done with the double click when it arrives.
-    void TabDoubleClicked(int index); ///< with the left button, on a tab
+    /// A double click with the left button on a tab. Posted, so the strip has finished its own handling.
+    void TabDoubleClicked(int index);
 
   protected:
     [[nodiscard]] QSize tabSizeHint(int index) const override;
@@ -38,7 +38,7 @@ class CProfTabCtrl final : public QTabBar {
   private:
     void FitFont();
     [[nodiscard]] int CaptionWidth(int index) const;
-    /// On each side of a caption: less where there is no room for more.
+    /// On each side of a caption; shrinks when the strip is narrow.
     [[nodiscard]] int PaddingNow() const;
     struct Colors {
         QColor background;
@@ -51,7 +51,7 @@ class CProfTabCtrl final : public QTabBar {
     [[nodiscard]] Colors ColorsNow() const;
     void PaintTab(QPainter& painter, int index, const Colors& colors) const;
 
-    QFont m_captionFont; ///< the widget's, or a smaller one where that is too high
+    QFont m_captionFont; ///< the widget's font, scaled down to the strip's height
 };
 
 } // namespace tavix

@@ -25,10 +25,12 @@
 
 namespace tavix {
 
-CReportView::CReportView(CViewSite& site, ReportPaneKind kind, bool isTornOff, QWidget* parent)
+CReportView::CReportView(CViewSite& site, ReportPaneKind kind, std::span<const TabRow> table, bool isTornOff,
+                         QWidget* parent)
     : QWidget(parent),
       m_site(site),
       m_kind(kind),
+      m_table(table),
       m_mode(site.GetMode()),
       m_isTornOff(isTornOff),
       m_strip(new CProfTabCtrl(this)),
@@ -52,20 +54,31 @@ CReportView::CReportView(CViewSite& site, ReportPaneKind kind, bool isTornOff, Q
     connect(m_header, &ViewHeader::DetachClicked, this, &CReportView::DetachRequested);
     if (!isTornOff)
         connect(m_strip, &CProfTabCtrl::TabDoubleClicked, this, &CReportView::DetachRequested);
+    for (const TabRow& row : table)
+        AddTab(row);
+    ApplyDisplay();
+    m_strip->SelectTab(RememberedTab());
+    ShowTab(GetCurrentTab());
+    connect(m_strip, &QTabBar::currentChanged, this, [this](int index) {
+        // The tab of a detached window is not where the user continues in the frame.
+        if (!m_isTornOff)
+            m_site.GetTavixDoc().SetTab(m_kind, m_mode, index);
+        ShowTab(index);
+    });
 }
 
-// The tabs read the subject and must go before it.
+// The tabs refer to the subject and must be destroyed before it.
 CReportView::~CReportView() {
     for (CProfTab* tab : m_tabs)
         delete tab;
 }
 
-void CReportView::AddTab(CProfTab* tab, std::string_view caption) {
-    const int index = GetTabCount();
+void CReportView::AddTab(const TabRow& row) {
+    CProfTab* tab = row.make(m_site, m_subject, m_isTornOff, row.code);
+    const int index = row.index;
     m_tabs.push_back(tab);
-    m_captions.push_back(toQString(caption));
     m_pages->addWidget(tab);
-    m_strip->InsertTab(index, m_captions.back());
+    m_strip->InsertTab(index, toQString(row.caption));
     connect(tab, &CProfTab::CaptionChanged, this, [this, index] { m_strip->SetCaption(index, CaptionOf(index)); });
     int number = 0;
     for (CUGCtrl* grid : tab->findChildren<CUGCtrl*>()) {
@@ -75,18 +88,6 @@ void CReportView::AddTab(CProfTab* tab, std::string_view caption) {
         ++number;
         grid->SetWidthMemory(std::make_unique<StoredColumnWidths>(m_site.GetTavixDoc().GetSettings(), std::move(name)));
     }
-}
-
-void CReportView::Start() {
-    ApplyDisplay();
-    m_strip->SelectTab(RememberedTab());
-    ShowTab(GetCurrentTab());
-    connect(m_strip, &QTabBar::currentChanged, this, [this](int index) {
-        // What is looked at beside the frame is not where one goes on in it.
-        if (!m_isTornOff)
-            m_site.GetTavixDoc().SetTab(m_kind, m_mode, index);
-        ShowTab(index);
-    });
 }
 
 void CReportView::TakeUp() {
@@ -111,7 +112,9 @@ int CReportView::RememberedTab() const {
 }
 
 QString CReportView::CaptionOf(int index) const {
-    return m_captions[static_cast<std::size_t>(index)];
+    const QString name = toQString(RowOf(index).caption);
+    const QString mark = GetTab(index).GetCaptionMark();
+    return mark.isEmpty() ? name : name + u' ' + mark;
 }
 
 bool CReportView::Suits(const CViewSite& site) const {
@@ -149,7 +152,7 @@ void CReportView::ReadSubject(const ReportSelection& selection) {
     ShowHeader();
 }
 
-// What a window keeps may have other figures in another run, or none.
+// The object of a torn-off view may have changed in another run, or be missing from it.
 void CReportView::ReadSubjectAgain() {
     ReportSelection selection = m_subject.selection;
     PrViewer* viewer = m_site.GetTavixDoc().GetViewer();
@@ -159,7 +162,7 @@ void CReportView::ReadSubjectAgain() {
             selection.table = std::move(*table);
         else {
             missing = table.error().text;
-            // Its size was another run's.
+            // The size was that of another run.
             selection.table.totalRecords = selection.table.processedRecords = -1;
             selection.table.isSample = false;
         }
@@ -175,7 +178,7 @@ void CReportView::CloseReport() {
     m_kept = m_subject.selection;
     const QString title = toQString(titleOf(m_subject));
     m_subject = {};
-    m_missing = "The report \u201C" + m_reportTitle + "\u201D is closed. Open it again to see here what it holds.";
+    m_missing = "The report \u201C" + m_reportTitle + "\u201D is closed. Open it again to see its contents here.";
     ShowHeader();
     m_header->SetText(title, {});
     ShowTab(GetCurrentTab());
@@ -192,13 +195,13 @@ void CReportView::ShowHeader() {
 
 void CReportView::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) {
     const bool isReloaded = hint == RefreshHint::RunLoaded || hint == RefreshHint::DocumentReset;
-    // A collection may show figures of any run.
+    // A collection may show metrics of any run.
     const bool isOfGoneRuns =
         hint == RefreshHint::HistoryDeleted && m_subject.selection.kind == ReportSelection::Kind::Collection;
     if (isReloaded || isOfGoneRuns || hint == RefreshHint::CollectionsRefreshed)
         m_records.Forget();
     if (isReloaded && !m_isTornOff && !Suits(m_site))
-        return; // The frame is about to put another view in this one's place.
+        return; // The frame is about to replace this view.
     if (m_isTornOff && hint == RefreshHint::DocumentReset)
         return CloseReport();
     if (m_kept && hint == RefreshHint::RunLoaded)
@@ -227,6 +230,10 @@ void CReportView::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter)
 
 int CReportView::GetCurrentTab() const {
     return m_strip->GetCurrentTab();
+}
+
+ItemCode CReportView::GetItemCode() const {
+    return RowOf(GetCurrentTab()).code;
 }
 
 void CReportView::SelectTab(int index) {
@@ -276,7 +283,7 @@ void CReportView::ShowDetails() {
 }
 
 void CReportView::StepTab(int by) {
-    // The contents of the tab that is hidden would hand the keyboard to whatever comes next.
+    // Hiding the focused tab would move the focus to an arbitrary control.
     const bool hadFocus = isAncestorOf(QApplication::focusWidget());
     SelectTab((GetCurrentTab() + by + GetTabCount()) % GetTabCount());
     if (hadFocus)

@@ -5,12 +5,13 @@
 #include "doc/ItemCode.h"
 #include "report/FieldRecords.h"
 #include "report/ReportSubject.h"
+#include "tabs/ui/TabTable.h"
 
 #include <QWidget>
 
 #include <optional>
+#include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 class QLabel;
@@ -22,34 +23,34 @@ class CProfTab;
 class CProfTabCtrl;
 class ViewHeader;
 
-/// A strip of tabs over what they show, of which one is seen. In the frame it follows what is selected there; torn off
-/// it keeps the table, collection or field that was selected when it came to be, in whatever run is current.
+/// A tab strip and its tabs, one of which is visible. In the frame the view follows the selection; torn off it keeps
+/// the table, collection or field that was selected when it was made, and shows it in the current run.
 class CReportView : public QWidget, public CReportPane {
     Q_OBJECT
   public:
     ~CReportView() override;
 
     [[nodiscard]] ReportPaneKind GetKind() const { return m_kind; }
-    /// Whether the site's selection is one that this view, made for a table or a field on one page of the navigator,
-    /// can show.
+    /// Whether this view can show the site's selection: of its kind, on its page of the navigator.
     [[nodiscard]] bool Suits(const CViewSite& site) const;
-    /// Shows what the site has selected now.
+    /// Shows the site's selection.
     void ShowSelection();
-    /// Shows what the site has selected now as a view made for it would, with the tab that the document remembers:
-    /// what was shown before is forgotten. Nothing is told to a view that the frame does not show, so this comes first
-    /// when it is shown again.
+    /// Shows the site's selection as a new view would, with the tab that the document remembers. Call before showing
+    /// the view again: a hidden view receives no refreshes.
     void TakeUp();
     [[nodiscard]] const ReportSubject& GetSubject() const { return m_subject; }
 
     [[nodiscard]] int GetCurrentTab() const;
     void SelectTab(int index);
-    /// Selects the tab so many places further, around the ends.
+    /// Selects the tab `by` positions to the right, wrapping around.
     void StepTab(int by);
     [[nodiscard]] CProfTab& GetTab(int index) const { return *m_tabs[static_cast<std::size_t>(index)]; }
     [[nodiscard]] int GetTabCount() const { return static_cast<int>(m_tabs.size()); }
-    /// Gives the keyboard to what the visible tab shows.
+    /// The code by which export and print know the visible tab.
+    [[nodiscard]] ItemCode GetItemCode() const;
+    /// Gives the focus to the main control of the visible tab.
     void FocusContents();
-    /// Reads anew how figures are to be displayed.
+    /// Applies the display settings again.
     void ApplyDisplay();
 
     void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) override;
@@ -62,24 +63,27 @@ class CReportView : public QWidget, public CReportPane {
     void DetachRequested();
 
   protected:
-    CReportView(CViewSite& site, ReportPaneKind kind, bool isTornOff, QWidget* parent);
+    /// Makes the tabs of the table, which must outlive the view, and shows the one that the document remembers.
+    CReportView(CViewSite& site, ReportPaneKind kind, std::span<const TabRow> table, bool isTornOff, QWidget* parent);
 
     [[nodiscard]] CViewSite& Site() const { return m_site; }
     [[nodiscard]] bool IsTornOff() const { return m_isTornOff; }
-    /// In the order of the strip. Owned.
-    void AddTab(CProfTab* tab, std::string_view caption);
-    /// After the last tab was added.
-    void Start();
-    /// The caption of a tab with what it says beside its name.
-    virtual QString CaptionOf(int index) const;
+    /// The tab as the class that makes it in the table.
+    template <typename Tab>
+    [[nodiscard]] Tab& TabAs(int index) const {
+        return static_cast<Tab&>(GetTab(index));
+    }
 
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
+    void AddTab(const TabRow& row);
+    [[nodiscard]] const TabRow& RowOf(int index) const { return m_table[static_cast<std::size_t>(index)]; }
+    [[nodiscard]] QString CaptionOf(int index) const;
     [[nodiscard]] int RememberedTab() const;
     void ReadSubject(const ReportSelection& selection);
     void ReadSubjectAgain();
-    /// For a view that is torn off: shows that the report is closed, and keeps what it showed.
+    /// In a torn-off view: shows that the report is closed, and remembers the selection.
     void CloseReport();
     /// Title and captions.
     void ShowHeader();
@@ -88,19 +92,19 @@ class CReportView : public QWidget, public CReportPane {
 
     CViewSite& m_site;
     ReportPaneKind m_kind;
+    std::span<const TabRow> m_table;
     NavigatorPage m_mode;
     bool m_isTornOff;
     ReportSubject m_subject;
     FieldRecords m_records;
     std::string m_missing;                 ///< why the subject cannot be shown
-    std::string m_reportTitle;             ///< of the report that the subject is in
-    std::optional<ReportSelection> m_kept; ///< what is shown again when its report is open again
+    std::string m_reportTitle;             ///< of the subject's report
+    std::optional<ReportSelection> m_kept; ///< shown again when its report is reopened
     CProfTabCtrl* m_strip;
     ViewHeader* m_header;
     QStackedWidget* m_pages;
     QLabel* m_note;
     std::vector<CProfTab*> m_tabs;
-    std::vector<QString> m_captions;
 };
 
 } // namespace tavix

@@ -11,11 +11,11 @@ namespace tavix {
 
 namespace {
 
-/// The place of the list of rows among those below.
+/// The index of the row log among the lists below.
 constexpr std::size_t kLog = 1;
 constexpr const char* kLogHeading = "Rows that violate the rule";
 
-// Of a rule that many rows violate the run keeps the first ones.
+// The run keeps only the first rows of a rule that many rows violate.
 std::string logHeading(const BusinessRuleRows::Rule& rule) {
     if (rule.failed == 0)
         return "No row violates the rule";
@@ -44,7 +44,7 @@ void CTabBusRule::SelectRule(int ruleId) {
 }
 
 std::string CTabBusRule::GetObstacle() const {
-    return ObstacleOfCollection("business rules");
+    return obstacleOfCollection(Subject(), "business rules");
 }
 
 bool CTabBusRule::FillRows(PrViewer& viewer) {

@@ -6,13 +6,13 @@
 
 namespace tavix {
 
-/// The business rules of a table, and below them the history of the one that is selected and the rows that violate it.
+/// The business rules of a table, and below them the history of the selected rule and the rows that violate it.
 class CTabBusRule final : public CListWithDetails {
     Q_OBJECT
   public:
     CTabBusRule(CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent = nullptr);
 
-    /// Selects the row of that rule, if there is one.
+    /// Selects the rule's row, if there is one.
     void SelectRule(int ruleId);
 
   protected:

@@ -13,31 +13,35 @@ namespace tavix {
 
 namespace {
 
-constexpr int kColumnProfiling = 5;
-constexpr int kPercentiles = 8;
-constexpr int kOutliers = 9;
-
-const char* nameOf(int itemCode) {
-    return itemCode == kPercentiles ? "Percentiles" : itemCode == kOutliers ? "Outliers" : "Column Profiling";
+std::string_view nameOf(ItemCode itemCode) {
+    switch (itemCode) {
+    case ItemCode::Percentiles:
+        return "Percentiles";
+    case ItemCode::Outliers:
+        return "Outliers";
+    default:
+        return "Column Profiling";
+    }
 }
 
 } // namespace
 
-CTabColProf::CTabColProf(CViewSite& site, const ReportSubject& subject, bool isTornOff, int itemCode, QWidget* parent)
+CTabColProf::CTabColProf(CViewSite& site, const ReportSubject& subject, bool isTornOff, ItemCode itemCode,
+                         QWidget* parent)
     : CListTab(nameOf(itemCode), site, subject, isTornOff, parent), m_drill(site, *this) {
     switch (itemCode) {
-    case kColumnProfiling:
+    case ItemCode::ColumnProfiling:
         m_fill = [this, &rows = ShowRows(std::make_unique<ColProfRows>())](PrViewer&) {
             rows.Fill(*Subject().field, Site().GetTavixDoc().GetMetrics(), Subject().table.isSample);
             return true;
         };
         break;
-    case kPercentiles:
+    case ItemCode::Percentiles:
         m_fill = [this, &rows = ShowRows(std::make_unique<PercentileRows>())](PrViewer& viewer) {
             return rows.Fill(viewer, *Subject().field);
         };
         break;
-    case kOutliers:
+    case ItemCode::Outliers:
         MakeOutliers();
         break;
     default:
@@ -45,7 +49,7 @@ CTabColProf::CTabColProf(CViewSite& site, const ReportSubject& subject, bool isT
     }
 }
 
-// The grid lets go of its rows after this part of the tab is gone, and must not ask it which of them is current.
+// The base class detaches the grid from its rows later; the grid's signals must not reach this object by then.
 CTabColProf::~CTabColProf() {
     disconnect(Grid().model(), nullptr, this, nullptr);
     disconnect(Grid().selectionModel(), nullptr, this, nullptr);
@@ -64,7 +68,7 @@ void CTabColProf::MakeOutliers() {
     showAction();
 }
 
-// A row holds two values; the one that the keyboard or the mouse is at is meant.
+// A row holds two values; the current cell decides.
 std::optional<KvbString> CTabColProf::OutlierToDrill() const {
     const QModelIndex at = Grid().currentIndex();
     if (!m_outliers || !Subject().field || !m_drill.IsOffered() || !at.isValid() ||

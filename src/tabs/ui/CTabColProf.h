@@ -1,5 +1,6 @@
 #pragma once
 
+#include "doc/ItemCode.h"
 #include "tabs/ui/CListTab.h"
 #include "tabs/ui/DrillThrough.h"
 
@@ -10,16 +11,17 @@ namespace tavix {
 
 class OutlierRows;
 
-/// Three tabs of a field, by item code: 5 every metric with its value, 8 percentiles, 9 outliers. Any other code
-/// gives no columns.
+/// Three tabs of a field, by item code: ColumnProfiling (all metrics with their values), Percentiles and Outliers. Any
+/// other code gives no columns.
 class CTabColProf final : public CListTab {
     Q_OBJECT
   public:
-    CTabColProf(CViewSite& site, const ReportSubject& subject, bool isTornOff, int itemCode, QWidget* parent = nullptr);
+    CTabColProf(CViewSite& site, const ReportSubject& subject, bool isTornOff, ItemCode itemCode,
+                QWidget* parent = nullptr);
     ~CTabColProf() override;
 
   protected:
-    /// Not on a change of the options.
+    /// Unlike other lists, not when the options change.
     [[nodiscard]] bool RefillsOn(RefreshHint hint) const override;
     [[nodiscard]] std::string GetObstacle() const override;
     bool FillRows(PrViewer& viewer) override;
@@ -31,7 +33,7 @@ class CTabColProf final : public CListTab {
 
     std::function<bool(PrViewer&)> m_fill;
     DrillThrough m_drill;
-    OutlierRows* m_outliers = nullptr; ///< the list's, in the tab of outliers
+    OutlierRows* m_outliers = nullptr; ///< the list's rows, in the tab of outliers
 };
 
 } // namespace tavix

@@ -15,7 +15,7 @@ void CTabCustMet::SelectMetric(int metricId) {
 }
 
 std::string CTabCustMet::GetObstacle() const {
-    return ObstacleOfCollection("custom metrics");
+    return obstacleOfCollection(Subject(), "custom metrics");
 }
 
 bool CTabCustMet::FillRows(PrViewer& viewer) {

@@ -5,13 +5,13 @@
 
 namespace tavix {
 
-/// The custom metrics of a table, and below them the history of the one that is selected.
+/// The custom metrics of a table, and below them the history of the selected metric.
 class CTabCustMet final : public CListWithDetails {
     Q_OBJECT
   public:
     CTabCustMet(CViewSite& site, const ReportSubject& subject, bool isTornOff, QWidget* parent = nullptr);
 
-    /// Selects the row of that metric, if there is one.
+    /// Selects the metric's row, if there is one.
     void SelectMetric(int metricId);
 
   protected:

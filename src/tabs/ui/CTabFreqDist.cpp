@@ -5,30 +5,20 @@
 #include "base/ui/QtText.h"
 #include "doc/CTavixDoc.h"
 #include "drill/ui/ReadingProgress.h"
-#include "filter/ExpressionCheck.h"
-#include "filter/FilterMemory.h"
-#include "filter/FilterSummary.h"
 #include "filter/FunctionList.h"
-#include "filter/ValueFilter.h"
 #include "filter/ui/CFilterDlg.h"
 #include "grid/ui/CUGCtrl.h"
-#include "settings/Settings.h"
-#include "tabs/FreqDistRows.h"
-#include "tabs/PatternDistRows.h"
+#include "tabs/DistributionRows.h"
 #include "tabs/ui/FilterLine.h"
 
 #include <QAction>
 #include <QItemSelectionModel>
-#include <QVBoxLayout>
 
-#include <algorithm>
 #include <array>
 
 namespace tavix {
 
 namespace {
-
-constexpr int kFrequencyDistribution = 6;
 
 constexpr std::array<CommandRow<CTabFreqDist>, 2> kCommands = {{
     {{CommandId::Filter, "Filter the contents of the report\nFilter..."},
@@ -39,13 +29,17 @@ constexpr std::array<CommandRow<CTabFreqDist>, 2> kCommands = {{
      &CTabFreqDist::CanStopFiltering},
 }};
 
+DistributionKind kindOf(ItemCode itemCode) {
+    return itemCode == ItemCode::Frequency ? DistributionKind::Frequency : DistributionKind::Pattern;
+}
+
 } // namespace
 
-CTabFreqDist::CTabFreqDist(CViewSite& site, const ReportSubject& subject, bool isTornOff, int itemCode, QWidget* parent)
-    : CListTab(itemCode == kFrequencyDistribution ? "Frequency Distribution" : "Pattern Frequency Distribution", site,
-               subject, isTornOff, parent),
-      patienceMilliseconds(ReadingProgress::kPatienceMilliseconds),
-      m_kind(itemCode == kFrequencyDistribution ? DistributionKind::Frequency : DistributionKind::Pattern),
+CTabFreqDist::CTabFreqDist(CViewSite& site, const ReportSubject& subject, bool isTornOff, ItemCode itemCode,
+                           QWidget* parent)
+    : CListTab(distributionListName(kindOf(itemCode)), site, subject, isTornOff, parent),
+      m_rows(ShowRows(makeDistributionRows(kindOf(itemCode)))),
+      m_model(site.GetTavixDoc(), subject, kindOf(itemCode), m_rows, isTornOff),
       m_drill(site, *this),
       m_line(new FilterLine(this)),
       m_drillThrough(m_drill.MakeAction()),
@@ -53,10 +47,6 @@ CTabFreqDist::CTabFreqDist(CViewSite& site, const ReportSubject& subject, bool i
       m_stop(new QAction(tr("S&top Filtering"), this)),
       m_keep(new QAction(this)),
       m_exclude(new QAction(this)) {
-    if (m_kind == DistributionKind::Frequency)
-        m_rows = &ShowRows(std::make_unique<FreqDistRows>());
-    else
-        m_rows = &ShowRows(std::make_unique<PatternDistRows>());
     AddAbove(*m_line);
     MakeActions();
     ShowFilterLine();
@@ -96,29 +86,15 @@ CommandState CTabFreqDist::UpdateCommand(int commandId) const {
     return stateOf(CommandRows(), *this, commandId);
 }
 
-const std::string& CTabFreqDist::GetFilter() const {
-    static const std::string kNone;
-    const FieldFilters& filters = Site().GetTavixDoc().GetFieldFilters();
-    return Subject().field ? filters.Get(Subject().field->id, m_kind) : kNone;
-}
-
-bool CTabFreqDist::IsLoaded() const {
-    return Subject().field && m_loadedField == Subject().field->id && Site().GetTavixDoc().GetViewer();
-}
-
-bool CTabFreqDist::CanFilter() const {
-    return IsLoaded() && !m_rows->IsPlaceholder();
-}
-
 void CTabFreqDist::OnFilter() {
     if (!CanFilter())
         return;
     CTavixDoc& document = Site().GetTavixDoc();
     const std::shared_ptr<PrViewer> session = document.GetSession();
     const int field = Subject().field->id;
-    ModalDialog<CFilterDlg> dialog(document.GetMessages(), document.GetSettings(), m_kind, GetFilter(),
+    ModalDialog<CFilterDlg> dialog(document.GetMessages(), document.GetSettings(), m_model.Kind(), m_model.GetFilter(),
                                    ReadFunctions(*session), this);
-    // In another report the same number is another field's.
+    // In another report the same id belongs to another field.
     if (dialog.isAccepted() && document.GetSession() == session)
         SetFilter(field, dialog->GetFilterText());
 }
@@ -128,60 +104,40 @@ void CTabFreqDist::OnStopFiltering() {
         SetFilter(Subject().field->id, {});
 }
 
-bool CTabFreqDist::CanDrillThrough() const {
-    const std::int64_t row = Grid().GetCurrentRow();
-    return m_drill.IsOffered() && Subject().field && row >= 0 && row < m_rows->GetRowCount() &&
-           !m_rows->IsPlaceholder() && !m_rows->IsOther(row);
-}
-
 void CTabFreqDist::OnDrillThrough() {
-    if (!CanDrillThrough())
+    const std::int64_t row = Grid().GetCurrentRow();
+    if (!m_model.CanDrillThrough(row))
         return;
-    const KvbString value = m_rows->GetValue(Grid().GetCurrentRow());
-    if (m_kind == DistributionKind::Frequency)
+    const KvbString value = m_rows.GetValue(row);
+    if (m_model.Kind() == DistributionKind::Frequency)
         m_drill.OpenValue(Subject(), value, DrillOrigin::Frequency);
     else
         m_drill.OpenPattern(Subject(), value);
 }
 
 void CTabFreqDist::FilterToSelected(ValueChoice choice) {
-    if (!CanFilter())
-        return;
-    std::vector<KvbString> values;
-    for (const std::int64_t row : Grid().GetSelectedRows()) {
-        if (!m_rows->IsOther(row))
-            values.push_back(m_rows->GetValue(row));
-    }
-    Messages& messages = Site().GetTavixDoc().GetMessages();
-    Result<std::string> filter = FilterByValues(GetFilter(), m_kind, values, choice);
-    if (!filter)
-        return messages.warn(filter.error().text);
-    // More values than an expression can name, for example.
-    if (const auto error = CheckFilterText(*filter).error)
-        return messages.warn("These values cannot be filtered:\n\n" + error->message);
-    SetFilter(Subject().field->id, std::move(*filter));
+    if (std::optional<std::string> filter = m_model.FilterByRows(Grid().GetSelectedRows(), choice))
+        SetFilter(Subject().field->id, std::move(*filter));
 }
 
 void CTabFreqDist::SetFilter(int fieldId, std::string filter) {
-    CTavixDoc& document = Site().GetTavixDoc();
-    // The filter does its work also when the settings cannot be written.
-    (void)FilterMemory(document.GetSettings()).Remember(m_kind, filter);
-    document.GetFieldFilters().Set(fieldId, m_kind, std::move(filter));
+    m_model.SetFilter(fieldId, std::move(filter));
+    FilterChanged();
+    // Torn-off windows may show the field as well.
+    Site().Broadcast(this, RefreshHint::FilterChanged, fieldId);
+}
+
+void CTabFreqDist::FilterChanged() {
     Q_EMIT CaptionChanged();
     SubjectChanged();
     ShowFilterLine();
-    // The field may also be shown in windows of its own.
-    Site().Broadcast(this, RefreshHint::FilterChanged, fieldId);
 }
 
 void CTabFreqDist::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) {
     if (hint != RefreshHint::FilterChanged)
-        return CListTab::Refresh(sender, hint, parameter);
-    if (!Subject().field || Subject().field->id != parameter || m_appliedFilter == GetFilter())
-        return;
-    Q_EMIT CaptionChanged();
-    SubjectChanged();
-    ShowFilterLine();
+        CListTab::Refresh(sender, hint, parameter);
+    else if (m_model.IsOutdated(parameter))
+        FilterChanged();
 }
 
 bool CTabFreqDist::RefillsOn(RefreshHint hint) const {
@@ -189,81 +145,45 @@ bool CTabFreqDist::RefillsOn(RefreshHint hint) const {
 }
 
 std::string CTabFreqDist::GetObstacle() const {
-    return Subject().field ? "" : "This run does not have the field.";
+    return m_model.GetObstacle();
 }
 
 bool CTabFreqDist::FillRows(PrViewer& viewer) {
-    // A copy: while a long list is read, the view may come to show something else.
-    const FieldRecord field = *Subject().field;
-    const std::int64_t limit = readInteger(Site().GetTavixDoc().GetSettings(), Setting::MaxFreqVals);
-    m_appliedFilter = GetFilter();
-    const KvbString filter(m_appliedFilter);
-    ReadingProgress progress(ReadingKind::List, this, patienceMilliseconds);
-    const bool filled = m_kind == DistributionKind::Frequency
-                            ? static_cast<FreqDistRows&>(*m_rows).Fill(viewer, field, filter, limit, &progress)
-                            : static_cast<PatternDistRows&>(*m_rows).Fill(viewer, field.id, filter, limit, &progress);
-    const bool wasStopped = !filled && progress.WasCancelled();
-    m_failure = filled ? std::string() : viewer.getErrorString().str();
-    if (wasStopped)
-        ShowStopped();
-    // A filter that fails must be there to be corrected.
-    m_loadedField = filled || wasStopped || IsFiltered() ? std::optional(field.id) : std::nullopt;
+    ReadingProgress progress(ReadingKind::List, this, Site().GetPatienceMilliseconds());
+    const auto filling = m_model.Fill(viewer, progress, [&progress] { return progress.WasCancelled(); });
     ShowFilterLine();
-    return filled || wasStopped;
-}
-
-// Who stops the reading of a filter goes on with the rows that are there, if they are the field's.
-void CTabFreqDist::ShowStopped() {
-    const bool keepsRows =
-        IsFiltered() && Subject().field && m_loadedField == Subject().field->id && m_rows->GetRowCount() > 0;
-    m_failure = keepsRows ? "The reading was stopped; these are the rows from before." : "The reading was stopped.";
-    if (!keepsRows)
-        m_rows->ShowStopped();
+    return filling != FreqDistModel::Filling::Failed;
 }
 
 void CTabFreqDist::RowsChanged() {
-    Grid().setContextMenuPolicy(!IsTornOff() && !m_rows->IsPlaceholder() ? Qt::DefaultContextMenu
-                                                                         : Qt::PreventContextMenu);
     ShowFilterLine();
     ShowActions();
 }
 
+QString CTabFreqDist::GetCaptionMark() const {
+    return m_model.IsFiltered() ? tr("(Filtered)") : QString();
+}
+
 void CTabFreqDist::ShowFilterLine() {
+    const FreqDistModel::Line line = m_model.FilterLine();
     const bool hadFocus = m_line->isAncestorOf(focusWidget()) && m_line->isVisible();
-    m_line->setVisible(IsFiltered());
-    if (!IsFiltered()) {
-        if (hadFocus)
-            Grid().setFocus();
-        return;
-    }
-    const QString summary = tr("Only rows with: %1").arg(toQString(FilterSummary(GetFilter())));
-    if (!m_failure.empty())
-        m_line->ShowText(tr("Not filtered. %1").arg(toQString(m_failure)), true);
-    else if (!m_rows->GetWarning().empty())
-        m_line->ShowText(QStringLiteral("%1  %2").arg(toQString(m_rows->GetWarning()), summary), true);
-    else
-        m_line->ShowText(summary, false);
+    m_line->setVisible(line.isShown);
+    if (line.isShown)
+        m_line->ShowText(toQString(line.text), line.isAlarming);
+    else if (hadFocus)
+        Grid().setFocus();
 }
 
 void CTabFreqDist::ShowActions() {
-    const std::vector<std::int64_t> selected = Grid().GetSelectedRows();
-    // "Other" stands for no value that could be named.
-    const bool hasOther = m_rows->GetOtherRow() >= 0 && std::any_of(selected.begin(), selected.end(),
-                                                                    [this](auto row) { return m_rows->IsOther(row); });
-    const bool canChoose = CanFilter() && !selected.empty() && !hasOther && !m_rows->IsPlaceholder();
-    const bool several = selected.size() > 1;
-    if (m_kind == DistributionKind::Frequency) {
-        m_keep->setText(several ? tr("Filter to T&hese Values") : tr("Filter to T&his Value"));
-        m_exclude->setText(several ? tr("&Exclude These Values") : tr("&Exclude This Value"));
-    } else {
-        m_keep->setText(several ? tr("Filter to T&hese Patterns") : tr("Filter to T&his Pattern"));
-        m_exclude->setText(several ? tr("&Exclude These Patterns") : tr("&Exclude This Pattern"));
-    }
-    m_drillThrough->setEnabled(CanDrillThrough() && !several);
-    m_keep->setEnabled(canChoose);
-    m_exclude->setEnabled(canChoose);
-    m_filter->setEnabled(CanFilter());
-    m_stop->setEnabled(CanStopFiltering());
+    const FreqDistModel::Controls controls = m_model.Enabled(Grid().GetCurrentRow(), Grid().GetSelectedRows());
+    Grid().setContextMenuPolicy(controls.menu ? Qt::DefaultContextMenu : Qt::PreventContextMenu);
+    m_keep->setText(toQString(controls.keepText));
+    m_exclude->setText(toQString(controls.excludeText));
+    m_drillThrough->setEnabled(controls.drillThrough);
+    m_keep->setEnabled(controls.byValue);
+    m_exclude->setEnabled(controls.byValue);
+    m_filter->setEnabled(controls.filter);
+    m_stop->setEnabled(controls.stopFiltering);
 }
 
 QWidget* CTabFreqDist::GetLastTabStop() {

@@ -38,7 +38,7 @@ CTabStdMet::CTabStdMet(CViewSite& site, const ReportSubject& subject, bool isTor
     m_grid->addAction(m_collectionMenu->menuAction());
     connect(m_collectionMenu, &QMenu::aboutToShow, this, &CTabStdMet::FillCollectionMenu);
     connect(m_grid, &CUGCtrl::RowActivated, this, [this](qint64 row) {
-        // A window of its own keeps what it shows, and opens the field in the frame.
+        // A torn-off window keeps its object; the frame opens the field.
         if (IsTornOff())
             Site().OpenField(Subject().selection, m_rows.GetFieldId(row));
         else
@@ -51,7 +51,7 @@ CTabStdMet::CTabStdMet(CViewSite& site, const ReportSubject& subject, bool isTor
     layout->addWidget(m_stack);
 }
 
-// The grid must not ask for rows while they are torn down.
+// The grid must not fetch rows while they are being destroyed.
 CTabStdMet::~CTabStdMet() {
     m_grid->SetSource(nullptr);
 }
@@ -75,7 +75,7 @@ bool CTabStdMet::RefillsOn(RefreshHint hint) const {
 void CTabStdMet::Fill(bool isSameObject) {
     CTavixDoc& document = Site().GetTavixDoc();
     const std::unique_ptr<Messages::Busy> busy = document.GetMessages().busy();
-    // Rows that are read anew keep the one that the user was at.
+    // Reading the rows again keeps the current field.
     const std::int64_t currentRow = m_grid->GetCurrentRow();
     const int currentField = isSameObject && currentRow >= 0 ? m_rows.GetFieldId(currentRow) : -1;
     const ReportSelection& selection = Subject().selection;

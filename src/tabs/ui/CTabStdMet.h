@@ -11,7 +11,7 @@ namespace tavix {
 
 class CUGCtrl;
 
-/// The standard metrics of a table's or collection's fields: a grid with one row a field.
+/// The standard metrics of the fields of a table or collection: a grid with one row per field.
 class CTabStdMet final : public CProfTab {
     Q_OBJECT
   public:
@@ -19,7 +19,7 @@ class CTabStdMet final : public CProfTab {
     ~CTabStdMet() override;
 
     QWidget* GetLastTabStop() override;
-    /// Makes the field's row the current one and brings the metric's column into view; -1 stands for no metric.
+    /// Makes the field's row current and scrolls to the metric's column; -1 for no metric.
     void SelectMetric(int fieldId, int metricId);
 
   protected:

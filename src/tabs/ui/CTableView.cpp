@@ -1,11 +1,10 @@
 #include "tabs/ui/CTableView.h"
 
-#include "tabs/ui/CTabAlerts.h"
+#include "tabs/ui/CNotesTab.h"
 #include "tabs/ui/CTabBusRule.h"
 #include "tabs/ui/CTabCustMet.h"
 #include "tabs/ui/CTabStdMet.h"
-#include "tabs/ui/CTabTblNotes.h"
-#include "tabs/ui/CTabTblVis.h"
+#include "tabs/ui/PlainListTab.h"
 
 #include <array>
 
@@ -20,22 +19,21 @@ constexpr std::array<CommandRow<CTableView>, 2> kCommands = {{
     {{CommandId::DetachTabs, "Detach current tabs view\nDetach View"}, &CTableView::OnDetach, &CTableView::CanDetach},
 }};
 
+constexpr std::array<TabRow, 6> kTabs = {{
+    {CTableView::StandardMetrics, "Standard Metrics", ItemCode::StandardMetrics, &makeTab<CTabStdMet>},
+    {CTableView::CustomMetrics, "Custom Metrics", ItemCode::CustomMetrics, &makeTab<CTabCustMet>},
+    {CTableView::BusinessRules, "Business Rules", ItemCode::BusinessRules, &makeTab<CTabBusRule>},
+    {CTableView::Alerts, "Alerts", ItemCode::Alerts, &makeTab<CTabAlerts>},
+    {CTableView::Visualizations, "Visualizations", ItemCode::Visualizations, &makeTab<CTabTblVis>},
+    {CTableView::Notes, "Notes", ItemCode::TableNotes, &makeTab<CTabTblNotes>},
+}};
+static_assert(isInOrder(kTabs));
+
 } // namespace
 
 CTableView::CTableView(CViewSite& site, bool isTornOff, QWidget* parent)
-    : CReportView(site, ReportPaneKind::Table, isTornOff, parent),
-      m_metrics(new CTabStdMet(site, GetSubject(), isTornOff)),
-      m_customMetrics(new CTabCustMet(site, GetSubject(), isTornOff)),
-      m_rules(new CTabBusRule(site, GetSubject(), isTornOff)),
-      m_notes(new CTabTblNotes(site, GetSubject(), isTornOff)) {
+    : CReportView(site, ReportPaneKind::Table, kTabs, isTornOff, parent) {
     setObjectName(QStringLiteral("tableView"));
-    AddTab(m_metrics, "Standard Metrics");
-    AddTab(m_customMetrics, "Custom Metrics");
-    AddTab(m_rules, "Business Rules");
-    AddTab(new CTabAlerts(site, GetSubject(), isTornOff), "Alerts");
-    AddTab(new CTabTblVis(site, GetSubject(), isTornOff), "Visualizations");
-    AddTab(m_notes, "Notes");
-    Start();
 }
 
 std::span<const CommandRow<CTableView>> CTableView::CommandRows() {
@@ -44,17 +42,17 @@ std::span<const CommandRow<CTableView>> CTableView::CommandRows() {
 
 void CTableView::OpenStandardMetric(int fieldId, int metricId) {
     SelectTab(StandardMetrics);
-    m_metrics->SelectMetric(fieldId, metricId);
+    TabAs<CTabStdMet>(StandardMetrics).SelectMetric(fieldId, metricId);
 }
 
 void CTableView::OpenCustomMetric(int metricId) {
     SelectTab(CustomMetrics);
-    m_customMetrics->SelectMetric(metricId);
+    TabAs<CTabCustMet>(CustomMetrics).SelectMetric(metricId);
 }
 
 void CTableView::OpenBusinessRule(int ruleId) {
     SelectTab(BusinessRules);
-    m_rules->SelectRule(ruleId);
+    TabAs<CTabBusRule>(BusinessRules).SelectRule(ruleId);
 }
 
 bool CTableView::ExecuteCommand(int commandId) {
@@ -67,12 +65,12 @@ CommandState CTableView::UpdateCommand(int commandId) const {
 }
 
 bool CTableView::CanAddNote() const {
-    return m_notes->CanAddNote();
+    return TabAs<CTabTblNotes>(Notes).CanAddNote();
 }
 
 void CTableView::OnAddNote() {
     SelectTab(Notes);
-    m_notes->AddNote();
+    TabAs<CTabTblNotes>(Notes).AddNote();
 }
 
 void CTableView::OnDetach() {

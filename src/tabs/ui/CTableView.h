@@ -7,12 +7,7 @@
 
 namespace tavix {
 
-class CTabBusRule;
-class CTabCustMet;
-class CTabStdMet;
-class CTabTblNotes;
-
-/// What is known about a table, or about the fields of a collection.
+/// The tabs of a table, or of a collection.
 class CTableView final : public CReportView {
     Q_OBJECT
   public:
@@ -23,7 +18,7 @@ class CTableView final : public CReportView {
 
     /// Opens the standard metrics at that field and metric.
     void OpenStandardMetric(int fieldId, int metricId);
-    /// Opens the custom metrics at that one, or the business rules.
+    /// Opens the custom metrics, or the business rules, at that one.
     void OpenCustomMetric(int metricId);
     void OpenBusinessRule(int ruleId);
 
@@ -35,12 +30,6 @@ class CTableView final : public CReportView {
     [[nodiscard]] bool CanAddNote() const;
     void OnDetach();
     [[nodiscard]] bool CanDetach() const { return !IsTornOff(); }
-
-  private:
-    CTabStdMet* m_metrics;
-    CTabCustMet* m_customMetrics;
-    CTabBusRule* m_rules;
-    CTabTblNotes* m_notes;
 };
 
 } // namespace tavix

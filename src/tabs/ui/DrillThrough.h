@@ -1,14 +1,10 @@
 #pragma once
 
-#include "access/PrViewer.h"
 #include "base/KvbString.h"
 #include "doc/CViewSite.h"
-#include "drill/ui/CDrillThru.h"
 #include "report/ReportSubject.h"
-#include "tabs/RuleRows.h"
+#include "tabs/DrillThroughModel.h"
 
-#include <functional>
-#include <optional>
 #include <string>
 
 class QAction;
@@ -16,21 +12,18 @@ class QWidget;
 
 namespace tavix {
 
-class PrViewDisplayMessage;
-
-/// Opens the windows with the source rows behind what a tab lists. Without a report, and where drill-through is not
-/// offered, the functions do nothing. A source that cannot be opened is a message; a file that was moved can be
-/// located.
+/// Opens windows with the source rows of what a tab lists. Without a report, and where drill-through is not offered,
+/// the functions do nothing. When a source cannot be opened, a message says why; a file that was moved can be located.
 class DrillThrough {
   public:
     /// Both must outlive the object.
     DrillThrough(CViewSite& site, QWidget& tab) : m_site(site), m_tab(tab) {}
 
     [[nodiscard]] bool IsOffered() const;
-    /// An entry for the tab's context menu; it calls nothing by itself.
+    /// An entry for the tab's context menu; the caller connects it.
     [[nodiscard]] QAction* MakeAction() const;
 
-    /// The rows in which the subject's field has the value; null stands for those without one.
+    /// The rows in which the subject's field has the value; null stands for the rows without a value.
     void OpenValue(const ReportSubject& subject, const KvbString& value, DrillOrigin origin) const;
     /// The rows in which the field's value has the pattern.
     void OpenPattern(const ReportSubject& subject, const KvbString& pattern) const;
@@ -38,15 +31,12 @@ class DrillThrough {
     void OpenRule(const BusinessRuleRows::Rule& rule, const std::string& name) const;
 
   private:
-    using OpenCursor = std::function<DrillCursor(PrViewer&, PrViewDisplayMessage&)>;
-
-    void Open(DrillRequest request, const OpenCursor& openCursor) const;
-    /// Shows the window or says why not; only a file that is missing is left to the caller.
-    [[nodiscard]] std::optional<MissingFile> TryToOpen(DrillRequest& request, const OpenCursor& openCursor) const;
-    /// Lets the user locate the file; false when there is nothing to try again.
-    [[nodiscard]] bool Relocate(const MissingFile& file) const;
-    void OpenRows(const ReportSubject& subject, const KvbString& value, bool isPattern, DrillOrigin origin,
-                  const std::string& words) const;
+    void Open(DrillTask task) const;
+    [[nodiscard]] DrillOutcome TryToOpen(DrillTask& task) const;
+    /// Lets the user locate the missing file; false when opening again is pointless.
+    [[nodiscard]] bool Locate() const;
+    /// The parent of the windows, which stay open when the tab is closed or shows something else.
+    [[nodiscard]] QWidget* Owner() const;
 
     CViewSite& m_site;
     QWidget& m_tab;

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kMargin = 12;
 constexpr int kGap = 4;
-/// More than this of a long filter is of no use in a tip.
+/// A tooltip shows no more of a long filter.
 constexpr qsizetype kLongestTip = 1000;
 
 } // namespace
@@ -26,7 +26,7 @@ FilterLine::FilterLine(QWidget* parent)
       m_edit(new QPushButton(tr("Edit..."), this)),
       m_stop(new QPushButton(tr("Stop"), this)) {
     setObjectName(QStringLiteral("filterLine"));
-    // Values stand in it.
+    // It quotes values.
     m_text->setTextFormat(Qt::PlainText);
     m_text->setObjectName(QStringLiteral("filterText"));
     m_text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -36,7 +36,7 @@ FilterLine::FilterLine(QWidget* parent)
     m_stop->setObjectName(QStringLiteral("stopFilter"));
     m_stop->setAccessibleName(tr("Stop filtering"));
     m_stop->setToolTip(m_stop->accessibleName());
-    // A line of text and no more, whatever height buttons have elsewhere.
+    // The line is no higher than its text.
     for (QPushButton* button : {m_edit, m_stop})
         button->setFixedHeight(fontMetrics().height() + 2 * kGap);
     auto* layout = new QHBoxLayout(this);
@@ -61,7 +61,7 @@ void FilterLine::ShowText(const QString& words, bool isAlarming) {
 }
 
 void FilterLine::FitText() {
-    // Of a filter with a million values only so much is ever measured.
+    // A filter may name a million values; measuring them all would be slow.
     const QString start = m_words.left(kLongestTip);
     m_text->setText(fontMetrics().elidedText(start, Qt::ElideRight, m_text->width()));
 }
@@ -87,7 +87,7 @@ void FilterLine::changeEvent(QEvent* event) {
 
 void FilterLine::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    // The layout has yet to give the text its width.
+    // The layout has not yet set the text's width.
     layout()->activate();
     FitText();
 }

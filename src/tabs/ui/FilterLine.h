@@ -7,13 +7,13 @@ class QPushButton;
 
 namespace tavix {
 
-/// The line above a filtered list: what the filter lets stay, and a way out of it.
+/// The line above a filtered list: a summary of the filter, and buttons to edit and to stop it.
 class FilterLine final : public QWidget {
     Q_OBJECT
   public:
     explicit FilterLine(QWidget* parent = nullptr);
 
-    /// With `isAlarming` the words are of the colour of a figure that an alert watches.
+    /// With `isAlarming` the text has the colour of alerts.
     void ShowText(const QString& words, bool isAlarming);
     [[nodiscard]] QWidget* GetLastTabStop() const;
 

@@ -11,11 +11,11 @@ namespace tavix {
 
 class CUGCtrl;
 
-/// Lists side by side that say more about the row that is selected above them, each below a heading.
+/// Lists side by side, each with a heading, that show details of the row that is selected above them.
 class LowerLists final : public QWidget {
     Q_OBJECT
   public:
-    /// `names` are the lists' for screen readers, and their headings.
+    /// `names` are the headings of the lists, also read by screen readers.
     explicit LowerLists(const std::vector<const char*>& names, QWidget* parent = nullptr);
 
     [[nodiscard]] CUGCtrl& Grid(std::size_t list) const { return *m_lists[list].grid; }

@@ -15,8 +15,7 @@ namespace tavix {
 
 namespace {
 
-// A dialog's kind of window belongs to the one that it came from: it stays above it and goes with it. It lacks the
-// buttons of other windows unless they are asked for.
+// A dialog window stays above its parent and closes with it; the title bar buttons have to be requested.
 constexpr Qt::WindowFlags kOwnedWindow = Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                                          Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint;
 
@@ -36,12 +35,12 @@ void CTearOff::SetView(CReportView* view) {
     AddKeys();
 }
 
-// Those that the shell gives to the commands work in its own window only.
+// The shell's shortcuts work only in its own window.
 void CTearOff::AddKeys() {
     const auto onKeys = [this](QKeyCombination keys, std::initializer_list<CommandId> commands) {
         const std::vector<CommandId> ids(commands);
         connect(new QShortcut(QKeySequence(keys), this), &QShortcut::activated, this, [this, ids] {
-            // Which of them the view knows depends on what it shows.
+            // The view handles one of them, depending on its kind.
             std::any_of(ids.begin(), ids.end(),
                         [this](CommandId id) { return m_view->ExecuteCommand(static_cast<int>(id)); });
         });
@@ -57,7 +56,7 @@ void CTearOff::Open(const QWidget& view) {
     const ScreenRect place = placeTearOff({corner.x(), corner.y(), view.width(), view.height()},
                                           {desktop.x(), desktop.y(), desktop.width(), desktop.height()});
     resize(place.width, place.height);
-    // With its frame, so that the title can be reached.
+    // The position includes the window frame, so the title bar stays on the desktop.
     move(place.x, place.y);
     show();
     m_view->Refresh(nullptr, RefreshHint::RunLoaded, 0);

@@ -8,12 +8,12 @@
 
 namespace tavix {
 
-/// A window that keeps a second view while the first goes on to something else, until the user closes it. When its
-/// report is closed it says so, and shows its object again when the report is.
+/// A window with a second view that keeps its object while the first view shows others. When the report is closed, the
+/// window says so; when the report is reopened, it shows the object again.
 class CTearOff : public QWidget, public CRefreshItem {
     Q_OBJECT
   public:
-    /// Loads what is selected now and shows it beside `view`, the one that it was detached from.
+    /// Loads the selection and shows the window beside `view`, from which it was detached.
     void Open(const QWidget& view);
     void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) override;
     void ApplyDisplay() { m_view->ApplyDisplay(); }
@@ -34,7 +34,7 @@ class CTearOff : public QWidget, public CRefreshItem {
 class CTableTearOff final : public CTearOff {
     Q_OBJECT
   public:
-    /// A window of its own that goes with `parent`.
+    /// The window closes with `parent`.
     CTableTearOff(CViewSite& site, QWidget* parent);
 };
 
@@ -42,7 +42,7 @@ class CTableTearOff final : public CTearOff {
 class CFieldTearOff final : public CTearOff {
     Q_OBJECT
   public:
-    /// A window of its own that goes with `parent`.
+    /// The window closes with `parent`.
     CFieldTearOff(CViewSite& site, QWidget* parent);
 };
 

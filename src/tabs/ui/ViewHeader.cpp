@@ -1,6 +1,6 @@
 #include "tabs/ui/ViewHeader.h"
 
-#include "base/ui/Theme.h"
+#include "tabs/ui/QuietPalette.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
@@ -111,9 +111,7 @@ QWidget* ViewHeader::GetLastTabStop() const {
 }
 
 void ViewHeader::ApplyLook() {
-    QPalette quiet = palette();
-    quiet.setColor(QPalette::WindowText, quietText(palette()));
-    m_detail->setPalette(quiet);
+    m_detail->setPalette(quietPalette(palette()));
     const QColor normal = quietText(palette());
     const QColor hot = palette().color(QPalette::Highlight);
     m_details->setIcon(drawn(normal, hot, devicePixelRatioF(), drawDetails));

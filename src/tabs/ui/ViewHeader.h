@@ -7,18 +7,17 @@ class QToolButton;
 
 namespace tavix {
 
-/// The line above the tabs' contents: what is shown, what percentages are shares of, and what can be done with the
-/// view.
+/// The line above the tabs: title, details and the buttons of the view.
 class ViewHeader final : public QWidget {
     Q_OBJECT
   public:
     explicit ViewHeader(QWidget* parent = nullptr);
 
     void SetText(const QString& title, const QString& detail);
-    /// Whether there is anything to say about what is shown.
+    /// Whether details can be shown.
     void EnableDetails(bool hasDetails);
     void HideButtons();
-    /// The last button that takes the keyboard; null when they are hidden.
+    /// The last button in the tab order; null when they are hidden.
     [[nodiscard]] QWidget* GetLastTabStop() const;
 
   Q_SIGNALS:

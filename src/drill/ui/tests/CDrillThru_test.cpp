@@ -31,6 +31,8 @@ using testing::openDrill;
 using testing::openProfile;
 using testing::sampleSource;
 
+constexpr int kPatienceMilliseconds = 400;
+
 class DrillThru : public ::testing::Test {
   protected:
     CDrillThru* open(DrillCursor cursor, DrillOrigin origin = DrillOrigin::Frequency,
@@ -42,7 +44,7 @@ class DrillThru : public ::testing::Test {
         request.context = "city";
         request.subject = "city: <b>Berlin</b>";
         request.inRun = inRun;
-        ReadingProgress progress(ReadingKind::Source, &m_frame);
+        ReadingProgress progress(ReadingKind::Source, &m_frame, kPatienceMilliseconds);
         return CDrillThru::Show(std::move(request), progress, *m_settings, m_messages, &m_frame, m_frame);
     }
     static CUGCtrl& grid(const CDrillThru& window) { return *window.findChild<CUGCtrl*>(); }
@@ -243,7 +245,7 @@ TEST_F(DrillThru, ItsDialogsAreKnownToTheShellAndItIsAWindowOfItsOwner) {
 }
 
 TEST_F(DrillThru, ALongReadingCanBeCancelled) {
-    ReadingProgress progress(ReadingKind::Source, &m_frame);
+    ReadingProgress progress(ReadingKind::Source, &m_frame, kPatienceMilliseconds);
     EXPECT_TRUE(progress.progress("Reading", 1, 100));
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << "shown before it is worth while";
     // Cancels as soon as the dialog is there.

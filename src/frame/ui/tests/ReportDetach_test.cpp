@@ -173,8 +173,7 @@ TEST_F(ReportDetach, EveryWindowKeepsItsObjectAndFollowsTheRuns) {
     ASSERT_TRUE(m_view->LoadReportForJob("text", m_sample.inventoryJob, m_sample.path));
     ASSERT_EQ(4U, tearOffs().size());
     for (CTearOff* window : tearOffs()) {
-        EXPECT_EQ("The report \u201CSales\u201D is closed. Open it again to see here what it holds.",
-                  sentence(*window));
+        EXPECT_EQ("The report \u201CSales\u201D is closed. Open it again to see its contents here.", sentence(*window));
         for (int index = 0; index < window->GetView().GetTabCount(); ++index) {
             window->GetView().SelectTab(index);
             EXPECT_FALSE(window->GetView().GetTab(index).isVisible());
@@ -209,7 +208,7 @@ TEST_F(ReportDetach, WindowsLiveUntilTheyAreClosedAndGoWithTheView) {
     EXPECT_TRUE(execute(57600));
     EXPECT_TRUE(isEmptyViewShown());
     ASSERT_TRUE(first && first->isVisible());
-    EXPECT_EQ("The report \u201CSales\u201D is closed. Open it again to see here what it holds.", sentence(*first));
+    EXPECT_EQ("The report \u201CSales\u201D is closed. Open it again to see its contents here.", sentence(*first));
     ASSERT_TRUE(load());
     EXPECT_EQ("", sentence(*first));
     EXPECT_EQ("customers  1,000 records", header(*first));

@@ -1,7 +1,6 @@
 // Reports that are closed or replaced under a dialog, and the answer that the dialog gives afterwards.
 #include "frame/ui/tests/ViewOverSample.h"
 #include "support/LongList.h"
-#include "tabs/ui/CTabFreqDist.h"
 
 #include <QDialog>
 #include <QPlainTextEdit>
@@ -106,6 +105,7 @@ TEST_F(ReportDialogs, OtherDialogsDoTheirWorkWithoutTheReport) {
 }
 
 TEST_F(ReportDialogs, AReadingMayEndInAnotherReport) {
+    makeView(0);
     const auto list = testing::LongList::build(m_folder.file("long.tavix"));
     ReportSelection table;
     table.kind = ReportSelection::Kind::Table;
@@ -115,8 +115,7 @@ TEST_F(ReportDialogs, AReadingMayEndInAnotherReport) {
         ASSERT_TRUE(m_view->GetNavigator().SelectObject(table));
         ASSERT_TRUE(m_view->SelectField(list.field));
         report().SelectTab(CFieldView::Frequency);
-        auto& values = dynamic_cast<CTabFreqDist&>(tab());
-        values.patienceMilliseconds = 0;
+        CProfTab& values = tab();
         m_view->GetTavixDoc().GetFieldFilters().Set(list.field, DistributionKind::Frequency,
                                                     "instr(`Value`, 'x') == 0");
         int acted = 0;

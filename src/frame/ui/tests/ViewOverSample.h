@@ -33,8 +33,8 @@ class ViewOverSample : public ::testing::Test {
   protected:
     ViewOverSample() { makeView(); }
 
-    void makeView() {
-        m_view = std::make_unique<CTavixView>(m_app, m_messages);
+    void makeView(int patienceMilliseconds = CViewSite::kPatienceMilliseconds) {
+        m_view = std::make_unique<CTavixView>(m_app, m_messages, nullptr, patienceMilliseconds);
         m_view->resize(1200, 600);
         m_view->show();
     }

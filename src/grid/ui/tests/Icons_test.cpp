@@ -22,7 +22,7 @@ QImage drawn(CellIcon icon, const QPalette& palette, bool onSelection, qreal sca
     return image;
 }
 
-// Pictures are kept between two paintings; what they look like must depend on everything that they are made of.
+// Painted icons are cached; the cache key must include everything that affects their look.
 TEST(Icons, KeptPicturesAreThoseThatWouldBeDrawn) {
     QPalette light;
     light.setColor(QPalette::Base, Qt::white);
@@ -39,7 +39,7 @@ TEST(Icons, KeptPicturesAreThoseThatWouldBeDrawn) {
         EXPECT_NE(drawn(icon, light, true, 1), drawn(icon, dark, true, 1));
         const QImage large = drawn(icon, light, false, 2);
         EXPECT_EQ(2 * kIconSize, large.width());
-        // At twice the scale there are more lines, not larger dots.
+        // At twice the scale the icon is redrawn, not enlarged.
         EXPECT_EQ(large, drawn(icon, light, false, 2, true));
     }
     EXPECT_NE(drawn(CellIcon::Field, light, false, 1), drawn(CellIcon::Table, light, false, 1));

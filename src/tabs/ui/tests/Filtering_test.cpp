@@ -2,7 +2,7 @@
 #include "base/tests/ScriptedMessages.h"
 #include "base/tests/TempFolder.h"
 #include "base/ui/QtText.h"
-#include "doc/CTavixDoc.h"
+#include "doc/tests/TestSite.h"
 #include "filter/FilterMemory.h"
 #include "filter/ui/CFilterDlg.h"
 #include "grid/ui/CUGCtrl.h"
@@ -31,33 +31,7 @@ namespace {
 constexpr int kFilter = 32832;
 constexpr int kStopFiltering = 32834;
 
-class Site final : public CViewSite, public DocumentFrame {
-  public:
-    Site(SettingsStore& settings, Messages& messages) : document(*this, settings, messages) {}
-
-    CTavixDoc& GetTavixDoc() override { return document; }
-    [[nodiscard]] bool IsLoading() const override { return false; }
-    [[nodiscard]] NavigatorPage GetMode() const override { return NavigatorPage::Tables; }
-    [[nodiscard]] const ReportSelection& GetSelection() const override { return selection; }
-    void SelectionChanged(NavigatorPage, const ReportSelection&) override {}
-    bool SelectField(int) override { return false; }
-    bool OpenField(const ReportSelection&, int) override { return false; }
-    bool Navigate(const NavigateRequest&) override { return false; }
-    void WarnSoon(const std::string& text) override { document.GetMessages().warn(text); }
-    [[nodiscard]] std::string GetDetailsText(const ReportSelection&) override { return {}; }
-    void Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) override {
-        for (CRefreshItem* item : listeners)
-            item->Refresh(sender, hint, parameter);
-    }
-    void SetLoading(bool) override {}
-    void Broadcast(RefreshHint hint) override { Broadcast(nullptr, hint, 0); }
-
-    std::vector<CRefreshItem*> listeners;
-    ReportSelection selection;
-    CTavixDoc document;
-};
-
-/// A field on the screen, and hands.
+/// A field view on the screen.
 class Filtering : public ::testing::Test {
   protected:
     void SetUp() override {
@@ -82,7 +56,7 @@ class Filtering : public ::testing::Test {
     }
     CTabFreqDist& tab() { return dynamic_cast<CTabFreqDist&>(m_view->GetTab(m_view->GetCurrentTab())); }
     CUGCtrl& grid() { return *tab().findChild<CUGCtrl*>(); }
-    /// The rows as they are copied.
+    /// All cells, each followed by "|".
     std::string rows(CUGCtrl& grid) {
         std::string text;
         for (int row = 0; row < grid.model()->rowCount(); ++row) {
@@ -96,13 +70,13 @@ class Filtering : public ::testing::Test {
     std::string caption(int index) {
         return toUtf8(m_view->findChild<QTabBar*>(QStringLiteral("tabStrip"))->tabText(index));
     }
-    /// "" while it is not there.
+    /// "" while it is hidden.
     std::string line(CTabFreqDist& tab) {
         auto* line = tab.findChild<FilterLine*>();
         return line->isVisible() ? toUtf8(line->findChild<QLabel*>()->accessibleName()) : "";
     }
     std::string line() { return line(tab()); }
-    /// What of filter and stop can be done.
+    /// Which of the two commands are enabled.
     std::string commands() {
         const CommandState filter = m_view->UpdateCommand(kFilter);
         const CommandState stop = m_view->UpdateCommand(kStopFiltering);
@@ -132,7 +106,7 @@ class Filtering : public ::testing::Test {
     testing::SampleRepository m_sample = testing::SampleRepository::build(m_folder.file("sample.tavix"));
     std::unique_ptr<SettingsStore> m_settings = makeMemorySettings();
     testing::ScriptedMessages m_messages;
-    Site m_site{*m_settings, m_messages};
+    testing::TestSite m_site{*m_settings, m_messages};
     std::unique_ptr<CFieldView> m_view;
 };
 
@@ -156,7 +130,7 @@ TEST_F(Filtering, GoesByTheDialogAndTheListSaysSo) {
         dialog.accept();
     });
     EXPECT_TRUE(m_view->ExecuteCommand(kFilter));
-    // Shares are of what passes.
+    // Percentages are shares of the rows that pass.
     EXPECT_EQ("Ada|400|56.98|\nGrace|302|43.02|\n", rows());
     EXPECT_EQ("Frequency Distribution (Filtered)", caption(CFieldView::Frequency));
     EXPECT_EQ("Pattern Frequency Distribution", caption(CFieldView::Patterns));
@@ -168,7 +142,7 @@ TEST_F(Filtering, GoesByTheDialogAndTheListSaysSo) {
     EXPECT_EQ("", line());
     m_view->SelectTab(CFieldView::Frequency);
 
-    // It opens again as it is, and Cancel changes nothing.
+    // The dialog opens with the filter, and Cancel changes nothing.
     withDialog([](QDialog& dialog) {
         EXPECT_EQ("Count greater than 299", toUtf8(dialog.findChild<QPlainTextEdit*>()->toPlainText()));
         dialog.reject();
@@ -207,7 +181,7 @@ TEST_F(Filtering, GoesByTheValuesThatAreSelected) {
     EXPECT_EQ(std::string::npos, rows().find("(null value)"));
     choose({0}, "filterToValue");
     EXPECT_EQ("Ada|400|100.00|\n", rows());
-    // Nothing is left: the sentence says why, and the way out stays within reach.
+    // No row is left: a sentence says why, and the filter can still be stopped.
     choose({0}, "excludeValue");
     EXPECT_EQ("No value passes the filter.", toUtf8(tab().findChild<QLabel*>(QStringLiteral("note"))->text()));
     EXPECT_EQ(stop, tab().GetLastTabStop());
@@ -241,7 +215,7 @@ TEST_F(Filtering, TakesNoPartInWhatIsNoValue) {
     EXPECT_EQ(1, grid().model()->rowCount());
     EXPECT_EQ("Pattern Frequency Distribution (Filtered)", caption(CFieldView::Patterns));
     EXPECT_EQ("Frequency Distribution", caption(CFieldView::Frequency));
-    // A field without the distribution has nothing to filter, and a run without the field neither.
+    // Nothing can be filtered without the distribution or without the field.
     select("remark");
     EXPECT_FALSE(action("filterToValue").isEnabled());
     m_site.document.Clear();
@@ -279,7 +253,7 @@ TEST_F(Filtering, ThatIsStoppedLeavesWhatIsShown) {
     tab().SubjectChanged();
     EXPECT_EQ("1|10000|50.00|\n2|9999|50.00|\n", rows());
 
-    tab().patienceMilliseconds = 0;
+    m_site.patienceMilliseconds = 0;
     int dialogs = 0;
     const auto escape = [this, &dialogs] {
         QTimer::singleShot(0, &tab(), [this, &dialogs] {
@@ -297,16 +271,16 @@ TEST_F(Filtering, ThatIsStoppedLeavesWhatIsShown) {
     EXPECT_EQ(1, dialogs);
     EXPECT_EQ(nullptr, QApplication::activeModalWidget());
     EXPECT_EQ(shown, rows());
-    EXPECT_EQ("Not filtered. The reading was stopped; these are the rows from before.", line());
+    EXPECT_EQ("Not filtered. The reading was stopped; the previous rows are shown.", line());
     EXPECT_EQ("filter stop", commands());
     shoot("filter-stopped");
-    // What was stopped can be asked for again, and the next reading forgets it.
+    // The next reading clears the message.
     set("`Count` > 9999");
     tab().SubjectChanged();
     EXPECT_EQ("1|10000|100.00|\n", rows());
     EXPECT_EQ("Only rows with: `Count` > 9999", line());
 
-    // Without a filter, rows that passed one would be false.
+    // Without a filter, the rows that passed one would be wrong.
     ASSERT_TRUE(m_settings->write("TAVIX", "MaxFreqVals", "9000"));
     escape();
     EXPECT_TRUE(m_view->ExecuteCommand(kStopFiltering));
@@ -352,7 +326,7 @@ TEST_F(Filtering, ThatFailsLeavesWhatIsShownAndCanBeCorrected) {
     EXPECT_EQ("Not filtered. " + reason, line());
     EXPECT_EQ("filter stop", commands());
     shoot("filter-fails");
-    // Also when nothing could be shown before.
+    // Also when no rows could be shown before.
     select("city");
     m_messages.expectWarn(message);
     select("name");
@@ -361,14 +335,14 @@ TEST_F(Filtering, ThatFailsLeavesWhatIsShownAndCanBeCorrected) {
     EXPECT_TRUE(m_view->ExecuteCommand(kStopFiltering));
     EXPECT_EQ(shown, rows());
 
-    // Rows that cannot be evaluated are missing, and that is told.
+    // The line warns of rows that could not be evaluated.
     set("`Count` * 9223372036854775807 > 0");
     tab().SubjectChanged();
     EXPECT_NE(std::string::npos, line().find("`Count` * 9223372036854775807 > 0")) << line();
     EXPECT_FALSE(line().starts_with("Only rows with")) << line();
 }
 
-// There is nothing to filter in a list that says "(Not calculated)".
+// A list that says "(Not calculated)" cannot be filtered.
 TEST_F(Filtering, IsOfferedWhereThereIsAListAlone) {
     m_view->SelectTab(CFieldView::Patterns);
     EXPECT_EQ("filter ", commands());

@@ -7,13 +7,11 @@
 #include "settings/Settings.h"
 #include "support/RunScript.h"
 #include "support/SampleRepository.h"
-#include "tabs/ui/CTabAlerts.h"
 #include "tabs/ui/CTabBusRule.h"
 #include "tabs/ui/CTabColProf.h"
 #include "tabs/ui/CTabCustMet.h"
 #include "tabs/ui/CTabFreqDist.h"
-#include "tabs/ui/CTabPKFK.h"
-#include "tabs/ui/CTabTblVis.h"
+#include "tabs/ui/PlainListTab.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -47,9 +45,9 @@ class ListTabs : public ::testing::Test {
             m_subject.field = **found;
     }
     template <typename Tab>
-    std::unique_ptr<Tab> open(int code = -1, bool isTornOff = false) {
+    std::unique_ptr<Tab> open(ItemCode code = ItemCode::None, bool isTornOff = false) {
         std::unique_ptr<Tab> tab;
-        if constexpr (std::is_constructible_v<Tab, CViewSite&, const ReportSubject&, bool, int>)
+        if constexpr (std::is_constructible_v<Tab, CViewSite&, const ReportSubject&, bool, ItemCode>)
             tab = std::make_unique<Tab>(m_site, m_subject, isTornOff, code);
         else
             tab = std::make_unique<Tab>(m_site, m_subject, isTornOff);
@@ -83,10 +81,10 @@ TEST_F(ListTabs, FillWhenTheyAreSeenAndOnTheirHintsOnly) {
         std::unique_ptr<CListTab> tab;
         std::vector<RefreshHint> refills;
     };
-    Case cases[] = {{open<CTabColProf>(5), {DocumentReset, RunLoaded, TaskListLost}},
-                    {open<CTabColProf>(8), {DocumentReset, RunLoaded, TaskListLost}},
-                    {open<CTabFreqDist>(6), {DocumentReset, RunLoaded, OptionsChanged, TaskListLost}},
-                    {open<CTabFreqDist>(7), {DocumentReset, RunLoaded, OptionsChanged, TaskListLost}}};
+    Case cases[] = {{open<CTabColProf>(ItemCode::ColumnProfiling), {DocumentReset, RunLoaded, TaskListLost}},
+                    {open<CTabColProf>(ItemCode::Percentiles), {DocumentReset, RunLoaded, TaskListLost}},
+                    {open<CTabFreqDist>(ItemCode::Frequency), {DocumentReset, RunLoaded, OptionsChanged, TaskListLost}},
+                    {open<CTabFreqDist>(ItemCode::Patterns), {DocumentReset, RunLoaded, OptionsChanged, TaskListLost}}};
     for (Case& each : cases) {
         std::vector<RefreshHint> refilled;
         for (const RefreshHint hint :
@@ -108,21 +106,21 @@ TEST_F(ListTabs, FillWhenTheyAreSeenAndOnTheirHintsOnly) {
 
 TEST_F(ListTabs, OneClassShowsThreeListsByItemCode) {
     select("customers", "balance");
-    const auto metrics = open<CTabColProf>(5);
+    const auto metrics = open<CTabColProf>(ItemCode::ColumnProfiling);
     EXPECT_EQ(24, rows(*metrics));
     EXPECT_EQ("Count", cell(*metrics, 0, 0));
-    const auto percentiles = open<CTabColProf>(8);
+    const auto percentiles = open<CTabColProf>(ItemCode::Percentiles);
     EXPECT_EQ("5%", cell(*percentiles, 0, 0));
-    const auto outliers = open<CTabColProf>(9);
+    const auto outliers = open<CTabColProf>(ItemCode::Outliers);
     EXPECT_EQ("9000", cell(*outliers, 0, 1));
-    EXPECT_EQ(0, grid(*open<CTabColProf>(11)).model()->columnCount());
+    EXPECT_EQ(0, grid(*open<CTabColProf>(ItemCode::KeyAnalysis)).model()->columnCount());
     EXPECT_EQ(&grid(*outliers), outliers->GetLastTabStop());
 }
 
 TEST_F(ListTabs, TheLimitOfTheSettingsHoldsAndRowsAreCopiedAsTheyAre) {
     ASSERT_TRUE(m_settings->write("TAVIX", "MaxFreqVals", "-3"));
     select("customers", "city");
-    const auto tab = open<CTabFreqDist>(6);
+    const auto tab = open<CTabFreqDist>(ItemCode::Frequency);
     ASSERT_EQ(2, rows(*tab));
     EXPECT_EQ("Other", cell(*tab, 1, 0));
     QTest::keyClick(&grid(*tab), Qt::Key_A, Qt::ControlModifier);
@@ -136,18 +134,18 @@ TEST_F(ListTabs, TheLimitOfTheSettingsHoldsAndRowsAreCopiedAsTheyAre) {
 
 TEST_F(ListTabs, TheMenuIsOfferedWhereThereIsSomethingToChoose) {
     select("customers", "remark");
-    const auto patterns = open<CTabFreqDist>(7);
+    const auto patterns = open<CTabFreqDist>(ItemCode::Patterns);
     EXPECT_EQ("(Not calculated)", cell(*patterns, 0, 0));
     EXPECT_EQ(Qt::PreventContextMenu, grid(*patterns).contextMenuPolicy());
     select("customers", "name");
     patterns->SubjectChanged();
     EXPECT_EQ(Qt::DefaultContextMenu, grid(*patterns).contextMenuPolicy());
-    EXPECT_EQ(Qt::PreventContextMenu, grid(*open<CTabFreqDist>(6, true)).contextMenuPolicy());
+    EXPECT_EQ(Qt::PreventContextMenu, grid(*open<CTabFreqDist>(ItemCode::Frequency, true)).contextMenuPolicy());
 }
 
 TEST_F(ListTabs, AFailureIsToldOnceAndLeavesWhatIsShown) {
     select("customers", "name");
-    const auto tab = open<CTabFreqDist>(7);
+    const auto tab = open<CTabFreqDist>(ItemCode::Patterns);
     const int shown = rows(*tab);
     grid(*tab).SelectRow(1);
     testing::runScript(m_sample.path, "UPDATE distribution_block SET payload = x'00' WHERE kind = 'P'");
@@ -162,7 +160,7 @@ TEST_F(ListTabs, AFailureIsToldOnceAndLeavesWhatIsShown) {
     EXPECT_EQ(shown, rows(*tab));
     EXPECT_EQ(1, grid(*tab).GetCurrentRow());
 
-    // What belongs to another field does not stay.
+    // Rows of another field are removed.
     m_messages.expectWarn(message);
     select("customers", "city");
     tab->SubjectChanged();
@@ -171,7 +169,7 @@ TEST_F(ListTabs, AFailureIsToldOnceAndLeavesWhatIsShown) {
     EXPECT_EQ(message, note(*tab));
     EXPECT_EQ(nullptr, tab->GetLastTabStop());
 
-    // A field that the run does not have is no failure.
+    // It is not a failure if the run does not have the field.
     m_subject.field.reset();
     tab->SubjectChanged();
     EXPECT_EQ("This run does not have the field.", note(*tab));

@@ -10,8 +10,7 @@
 #include "notes/ui/CNoteDlg.h"
 #include "settings/Settings.h"
 #include "support/SampleRepository.h"
-#include "tabs/ui/CTabNotes.h"
-#include "tabs/ui/CTabTblNotes.h"
+#include "tabs/ui/CNotesTab.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -42,7 +41,8 @@ Widget& child(QWidget& window, const char* name) {
     return *found;
 }
 
-/// As the user does: the window is active, for a dialog over it was closed, and the widget has the keyboard.
+/// Presses the key like a user: activates the window, which a closed dialog may have left inactive, and focuses the
+/// widget.
 void press(QWidget& widget, Qt::Key key) {
     QApplication::setActiveWindow(widget.window());
     EXPECT_TRUE(QTest::qWaitForWindowActive(widget.window()));
@@ -50,7 +50,7 @@ void press(QWidget& widget, Qt::Key key) {
     QTest::keyClick(&widget, key);
 }
 
-/// With TAVIX_SHOTS set to a folder, a picture of the window is left there.
+/// Saves a picture of the window to the folder that TAVIX_SHOTS names, if it is set.
 void shoot(QWidget& window, const char* name) {
     const QString folder = qEnvironmentVariable("TAVIX_SHOTS");
     QCoreApplication::processEvents();
@@ -58,7 +58,7 @@ void shoot(QWidget& window, const char* name) {
         window.grab().save(QStringLiteral("%1/%2.png").arg(folder, QLatin1String(name)));
 }
 
-/// What the user does in the modal dialogs that come up, one after the other.
+/// Scripted actions for the modal dialogs that open, one after the other.
 class Script {
   public:
     ~Script() { EXPECT_EQ(m_steps.size(), 0U) << "dialogs that never came"; }
@@ -91,7 +91,7 @@ class Script {
         }
     }
     std::deque<std::function<void(QDialog&)>> m_steps;
-    QPointer<QDialog> m_last; ///< in which a step is at work
+    QPointer<QDialog> m_last; ///< the dialog of the current step
     int m_waits = 0;
 };
 

@@ -1,0 +1,81 @@
+#include "base/ui/Theme.h"
+#include "grid/ui/Tints.h"
+#include "grid/ui/tests/GridRows.h"
+
+#include <QApplication>
+#include <QClipboard>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace tavix {
+namespace {
+
+using testing::Rows;
+using testing::show;
+
+// Three rows: a number with half a bar, a text with spaces around it, a null value.
+class Drawn : public Rows {
+  public:
+    Drawn() : Rows(3, 1) {}
+    GridCell GetCell(int, std::int64_t row) const override {
+        GridCell cell;
+        cell.text = row == 0 ? "5" : row == 1 ? " a\tb " : " null ";
+        cell.alignment = CellAlignment::Right;
+        cell.bar = row == 0 ? 0.5 : kNoBar;
+        cell.state = row == 2 ? CellState::Null : CellState::Ordinary;
+        return cell;
+    }
+    bool Sort(int, bool) override { return false; }
+};
+
+QImage picture(CUGCtrl& grid, int row) {
+    return grid.viewport()->grab(grid.visualRect(grid.model()->index(row, 0))).toImage();
+}
+
+TEST(CellDelegate, ABarTakesItsShareOfTheCell) {
+    for (const QPalette& palette : {lightPalette(), darkPalette()}) {
+        Drawn rows;
+        CUGCtrl grid;
+        grid.setPalette(palette);
+        show(grid, rows, 400, 300);
+        for (const bool selected : {false, true}) {
+            if (selected)
+                grid.SelectRow(0);
+            const QImage image = picture(grid, 0);
+            const QColor background = palette.color(selected ? QPalette::Highlight : QPalette::Base);
+            const QColor bar = tint::bar(palette, background, selected);
+            const QColor text = palette.color(selected ? QPalette::HighlightedText : QPalette::Text);
+            const int middle = image.height() / 2;
+            EXPECT_EQ(bar, image.pixelColor(image.width() / 4, middle));
+            EXPECT_EQ(background, image.pixelColor(image.width() * 5 / 8, middle));
+            EXPECT_GT(std::abs(bar.lightness() - text.lightness()), 90);
+            EXPECT_NE(bar, background);
+        }
+        EXPECT_NE(tint::bar(palette, palette.color(QPalette::Base), false),
+                  picture(grid, 1).pixelColor(10, picture(grid, 1).height() / 2));
+    }
+}
+
+TEST(CellDelegate, InvisibleCharactersAreSeenOnDemandAndCopiedAsTheyAre) {
+    Drawn rows;
+    CUGCtrl grid;
+    grid.SetSource(&rows);
+    grid.show();
+    const QImage text = picture(grid, 1);
+    const QImage null = picture(grid, 2);
+    grid.SetShowsInvisible(true);
+    EXPECT_NE(text, picture(grid, 1));
+    EXPECT_EQ(null, picture(grid, 2));
+    grid.SelectRow(1);
+    grid.CopySelection(false);
+    EXPECT_EQ("\" a\tb \"\r\n", toUtf8(QApplication::clipboard()->text()));
+    grid.clearSelection();
+    grid.setCurrentIndex({});
+    grid.SetShowsInvisible(false);
+    EXPECT_EQ(text, picture(grid, 1));
+}
+
+} // namespace
+} // namespace tavix
