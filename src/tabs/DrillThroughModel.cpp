@@ -2,6 +2,7 @@
 
 #include "base/Characters.h"
 #include "base/GenException.h"
+#include "base/NullText.h"
 #include "doc/CTavixDoc.h"
 #include "report/CountText.h"
 #include "tabs/ListRows.h"

@@ -71,7 +71,7 @@ TEST_F(DrillThroughModel, TheWindowSaysWhichRowsTheseAre) {
 // The source of a sampled table has more rows than the run counted, which does not mean that it has changed.
 TEST_F(DrillThroughModel, ASampleIsNotComparedWithItsSource) {
     const ReportSubject note = subject("orders", "note");
-    ASSERT_TRUE(note.table.isSample());
+    ASSERT_TRUE(note.table.isSample);
     EXPECT_EQ("note | note: \u201C=1+1\u201D | unknown",
               wordsOf(drillIntoValue(*m_document.GetViewer(), note, "=1+1", DrillOrigin::Frequency)));
 }
