@@ -9,10 +9,10 @@ namespace tavix {
 struct RadixItem {
     std::uint64_t key = 0;
     std::uint32_t id = 0;
-    std::uint32_t note = 0; ///< carried along
+    std::uint32_t note = 0; ///< moves with the item
 };
 
-/// Ascending by key; items of one key stay in their order. `spare` is room that several calls share.
+/// Stable sort, ascending by key. `spare` is a buffer that several calls can share.
 void radixSort(std::span<RadixItem> items, std::vector<RadixItem>& spare);
 
 } // namespace tavix
