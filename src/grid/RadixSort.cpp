@@ -1,6 +1,6 @@
 #include "grid/RadixSort.h"
 
-#include "base/LsdRadixSort.h"
+#include "base/RadixSort.h"
 
 #include <algorithm>
 
@@ -21,8 +21,8 @@ void radixSort(std::span<RadixItem> items, std::vector<RadixItem>& spare) {
     }
     if (spare.size() < items.size())
         spare.resize(items.size());
-    lsdRadixSort<std::size_t>(items, std::span(spare).first(items.size()), sizeof(std::uint64_t),
-                              [](const RadixItem& item) { return item.key; });
+    radixSortByBytes(items, std::span(spare).first(items.size()), sizeof(RadixItem::key),
+                     [](const RadixItem& item) { return item.key; });
 }
 
 } // namespace tavix

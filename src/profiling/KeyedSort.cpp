@@ -1,6 +1,6 @@
 #include "profiling/KeyedSort.h"
 
-#include "base/LsdRadixSort.h"
+#include "base/RadixSort.h"
 #include "profiling/ValueRuns.h"
 
 #include <algorithm>
@@ -49,7 +49,7 @@ class RadixSort {
             return;
         }
         if (rows.size() <= kInCache)
-            return lsdRadixSort<std::uint32_t>(rows, spare, byte + 1, [](const Row& row) { return keyOf(row); });
+            return radixSortByBytes(rows, spare, byte + 1, [](const Row& row) { return keyOf(row); });
         if (m_stop.isStopped())
             return;
         std::array<std::size_t, 257> starts{};
