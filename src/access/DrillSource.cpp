@@ -259,7 +259,7 @@ Result<DrillSource> openTextFile(const DrillTable& table, const WantedRows& want
     for (const std::string& path : currentPathsOf(file)) {
         std::error_code ignored;
         if (std::filesystem::exists(path, ignored) && std::filesystem::is_other(path, ignored))
-            return Error{fmt::format("\"{}\" is no file that can be read again.", path)};
+            return Error{fmt::format("\"{}\" is not a file that can be read again.", path)};
     }
     const bool isSearch = wanted.kind == WantedRows::Kind::Value && TextFileSearch::canFind(wanted.text, file.quote);
     const bool isOneSearched = isSearch && file.files.size() == 1 && encodingOf(file.files.front()) == &encodingUtf8();

@@ -76,12 +76,6 @@ void appendCharacterPattern(std::string& out, std::string_view utf8) {
     out.resize(static_cast<std::size_t>(to - out.data()));
 }
 
-std::string characterPattern(std::string_view utf8) {
-    std::string out;
-    appendCharacterPattern(out, utf8);
-    return out;
-}
-
 std::string shortPattern(std::string_view pattern) {
     std::string out;
     std::size_t i = 0;

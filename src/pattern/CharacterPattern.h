@@ -10,7 +10,6 @@ namespace tavix::pattern {
 /// any other letter (Ll, Lm, Lo), '9' for a decimal digit (Nd), every other character itself. Bytes that are not valid
 /// UTF-8 are kept.
 void appendCharacterPattern(std::string& out, std::string_view utf8);
-[[nodiscard]] std::string characterPattern(std::string_view utf8);
 
 /// The short form of a pattern: four or more equal characters in a row become one with its count, "99999" is "9{5}". An
 /// opening brace of the text itself always has its count, "{{1}", to distinguish it.

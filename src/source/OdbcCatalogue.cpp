@@ -173,7 +173,7 @@ Result<CatalogueEntry> findTable(const OdbcConnection& connection, const TableRe
         for (const auto& [address, entry] : found)
             places += fmt::format("{}\"{}\"", places.empty() ? "" : ", ",
                                   std::get<1>(address).empty() ? std::get<0>(address) : std::get<1>(address));
-        return Error{fmt::format("Source \"{}\": the table \"{}\" stands in {}. Say which one is meant.",
+        return Error{fmt::format("Source \"{}\": the table \"{}\" is in {}. Say which one is meant.",
                                  connection.name(), request.table, places)};
     }
     CatalogueEntry entry = std::move(found.begin()->second);

@@ -243,7 +243,7 @@ std::string OdbcConnection::currentCatalog() const {
 
 Result<std::string> OdbcConnection::quoted(std::string_view name) const {
     if (name.empty() || name.find('\0') != std::string_view::npos)
-        return Error{fmt::format("\"{}\" is no name of a table or column.", name.substr(0, name.find('\0')))};
+        return Error{fmt::format("\"{}\" is not the name of a table or column.", name.substr(0, name.find('\0')))};
     if (m_traits.quote.empty()) {
         const bool isPlain = std::all_of(name.begin(), name.end(),
                                          [](char c) { return isAsciiLetter(c) || isAsciiDigit(c) || c == '_'; });

@@ -85,7 +85,7 @@ Error TextFileSearch::failure(std::string_view what) const {
 Result<std::unique_ptr<TextFileSearch>> TextFileSearch::open(const std::string& path, const TextFileOptions& options) {
     struct stat info {};
     if (::stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode) && !S_ISDIR(info.st_mode))
-        return Error{fmt::format("\"{}\" is no file that can be read again", path)};
+        return Error{fmt::format("\"{}\" is not a file that can be read again", path)};
     // The reader defines how the file is divided.
     TextFileOptions beginning = options;
     if (options.delimiter)

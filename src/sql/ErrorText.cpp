@@ -46,7 +46,7 @@ std::string describeError(const Failure& failure, std::string_view message, cons
     case SQLITE_CORRUPT:
         return fmt::format("The repository \"{}\" is damaged.", path);
     case SQLITE_NOTADB:
-        return fmt::format("The file \"{}\" is not a repository: it is no database.", path);
+        return fmt::format("The file \"{}\" is not a repository: it is not a database.", path);
     case SQLITE_READONLY:
     case SQLITE_PERM:
         return fmt::format("The repository \"{}\" cannot be written: the file or its folder is read-only.", path);

@@ -31,7 +31,7 @@ SpoolStore::Chunk SpoolStore::keep(std::string& bytes) {
     chunk.size = bytes.size();
     m_bytes += static_cast<std::int64_t>(bytes.size());
     if (m_status && m_bytes > kMaxBytes)
-        m_status = Error{"The worksheets come to more than 2 GB, which a file of this kind does not hold"};
+        m_status = Error{"The worksheets exceed 2 GB, the most that a file of this format can hold"};
     if (m_status && m_memoryLeft >= bytes.size()) {
         m_memoryLeft -= bytes.size();
         chunk.bytes.swap(bytes);

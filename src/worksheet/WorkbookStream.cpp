@@ -160,7 +160,7 @@ Status writeWorkbookStream(const std::vector<SheetImage>& sheets, const SharedSt
         texts += sheet.texts;
     }
     if (position > kMaxBytes)
-        return Error{"The worksheets come to more than 2 GB, which a file of this kind does not hold"};
+        return Error{"The worksheets exceed 2 GB, the most that a file of this format can hold"};
 
     if (Status written = sink(globals(sheets, positions)); !written)
         return written;

@@ -2,7 +2,7 @@
 
 #include "base/NumberText.h"
 #include "base/TypeWords.h"
-#include "pattern/CharacterPattern.h"
+#include "pattern/tests/PatternOf.h"
 
 #include <algorithm>
 #include <map>
@@ -31,7 +31,7 @@ SampleField::SampleField(std::string name, int ordinal, char typeCode, const Val
     for (const auto& [value, count] : values) {
         m_values.push_back({m_texts.emplace_back(value.view()), count, value.isNull()});
         if (!value.isNull())
-            patterns[pattern::characterPattern(value.view())] += count;
+            patterns[testing::patternOf(value.view())] += count;
     }
     for (const auto& [text, count] : patterns)
         m_patterns.push_back({m_texts.emplace_back(text), count, false});

@@ -3,7 +3,7 @@
 #include "access/PrViewDisplayMessage.h"
 #include "access/PrViewer.h"
 #include "base/tests/TempFolder.h"
-#include "pattern/CharacterPattern.h"
+#include "pattern/tests/PatternOf.h"
 #include "repository/FileOffsetIndex.h"
 #include "repository/RunWriter.h"
 #include "source/FileSetReader.h"
@@ -138,7 +138,7 @@ class DrilledRuns : public ::testing::Test {
             nulls += cell.isNull ? 1 : 0;
             if (!cell.isNull) {
                 ++values[text];
-                ++patterns[pattern::characterPattern(text)];
+                ++patterns[patternOf(text)];
             }
         }
         repository::FieldFacts facts;

@@ -109,10 +109,10 @@ TEST_F(FaultTest, WhatIsNoRepositoryIsNamedAsWhatItIs) {
     EXPECT_THAT(openingError("postgresql://user@host/db"), HasSubstr("no support for PostgreSQL"));
     for (const char* text : {"a", "id,name\n1,2\n", "SQLite format 3"}) {
         writeFile(m_folder.file("text.csv"), text);
-        EXPECT_THAT(openingError(m_folder.file("text.csv")), HasSubstr("it is no database")) << text;
+        EXPECT_THAT(openingError(m_folder.file("text.csv")), HasSubstr("it is not a database")) << text;
     }
     writeFile(m_folder.file("long.txt"), std::string(100'000, 'x'));
-    EXPECT_THAT(openingError(m_folder.file("long.txt")), HasSubstr("it is no database"));
+    EXPECT_THAT(openingError(m_folder.file("long.txt")), HasSubstr("it is not a database"));
     writeFile(m_folder.file("empty"), "");
     EXPECT_THAT(openingError(m_folder.file("empty")), HasSubstr("is empty"));
     ASSERT_EQ(::mkfifo(m_folder.file("pipe").c_str(), 0600), 0);

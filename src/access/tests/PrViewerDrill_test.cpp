@@ -168,7 +168,7 @@ TEST_F(PrViewerDrill, ASourceThatChangedStillGivesItsRowsAndSaysSo) {
     EXPECT_EQ(error(), name + " cannot be opened: No such file or directory");
     ASSERT_EQ(::mkfifo(m_file.c_str(), 0600), 0);
     EXPECT_FALSE(open("city", "Köln"));
-    EXPECT_EQ(error(), name + " is no file that can be read again.");
+    EXPECT_EQ(error(), name + " is not a file that can be read again.");
 }
 
 TEST_F(PrViewerDrill, TheSinkStopsAndAFileThatShrinksThrows) {

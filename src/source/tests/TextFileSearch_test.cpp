@@ -301,7 +301,7 @@ TEST(TextFileSearch, SaysWhatIsWrongWithTheFile) {
     };
     EXPECT_EQ(error(path), "\"" + path + "\" cannot be opened: No such file or directory");
     EXPECT_EQ(error(folder.path().string()), "\"" + folder.path().string() + "\" is a folder, not a text file");
-    EXPECT_EQ(error("/dev/null"), "\"/dev/null\" is no file that can be read again");
+    EXPECT_EQ(error("/dev/null"), "\"/dev/null\" is not a file that can be read again");
     std::ofstream(path, std::ios::binary) << "a,b\n" << std::string(3'000'000, '\n') << "x,1\n";
     auto search = TextFileSearch::open(path, {});
     ASSERT_TRUE(search.ok());
