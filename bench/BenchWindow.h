@@ -1,8 +1,8 @@
 #pragma once
 
+#include "BenchFacts.h"
 #include "host/TavixHost.h"
 #include "host/TavixQtWindow.h"
-#include "repository/RunWriter.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -22,36 +22,6 @@ namespace tavix::bench {
 
 using Veldra::Solenne::Tavix::TavixConnection;
 using Veldra::Solenne::Tavix::TavixHost;
-
-template <typename T>
-T need(Result<T> result) {
-    if (!result) {
-        std::cerr << result.error().text << '\n';
-        std::exit(1);
-    }
-    return std::move(result).value();
-}
-
-inline void need(const Status& status) {
-    if (!status) {
-        std::cerr << status.error().text << '\n';
-        std::exit(1);
-    }
-}
-
-inline repository::FieldFacts fieldFacts(int number) {
-    repository::FieldFacts field;
-    field.name = fmt::format("field {}", number);
-    field.ordinal = number + 1;
-    field.typeCode = 'R';
-    for (std::size_t metric = 0; metric < kMetricCount; ++metric)
-        field.metrics[metric] = static_cast<std::int64_t>(1000 + metric);
-    field.metrics[index(MetricId::Mean)] = 12.3456789 + number;
-    field.metrics[index(MetricId::StandardDeviation)] = 0.1 + number;
-    field.metrics[index(MetricId::ActualType)] = "real";
-    field.metrics[index(MetricId::DefinedType)] = "text";
-    return field;
-}
 
 class ConsoleMessages final : public Messages {
   public:

@@ -1,3 +1,4 @@
+#include "BenchFacts.h"
 #include "access/PrViewer.h"
 #include "base/tests/TempFolder.h"
 #include "repository/RunWriter.h"
@@ -20,27 +21,13 @@
 namespace tavix {
 namespace {
 
+using bench::fieldFacts;
+using bench::need;
 using testing::TempFolder;
 
 constexpr int kManyTables = 1000;
 constexpr int kFieldsPerTable = 100;
 constexpr int kLongDistribution = 5'000'000;
-
-template <typename T>
-T need(Result<T> result) {
-    if (!result) {
-        std::cerr << result.error().text << '\n';
-        std::exit(1);
-    }
-    return std::move(result).value();
-}
-
-void need(const Status& status) {
-    if (!status) {
-        std::cerr << status.error().text << '\n';
-        std::exit(1);
-    }
-}
 
 repository::TableFacts tableFacts(int number) {
     repository::TableFacts table;
@@ -48,21 +35,6 @@ repository::TableFacts tableFacts(int number) {
     table.name = fmt::format("table {}", number);
     table.totalRecords = table.processedRecords = 1'000'000;
     return table;
-}
-
-repository::FieldFacts fieldFacts(int number) {
-    repository::FieldFacts field;
-    field.name = fmt::format("field {}", number);
-    field.ordinal = number + 1;
-    field.typeCode = 'R';
-    for (std::size_t metric = 0; metric < kMetricCount; ++metric)
-        field.metrics[metric] = static_cast<std::int64_t>(1000 + metric);
-    field.metrics[index(MetricId::Mean)] = 12.3456789 + number;
-    field.metrics[index(MetricId::StandardDeviation)] = 0.1 + number;
-    field.metrics[index(MetricId::StandardError)] = 0.01;
-    field.metrics[index(MetricId::ActualType)] = "real";
-    field.metrics[index(MetricId::DefinedType)] = "text";
-    return field;
 }
 
 /// Repositories are built once and removed at the end of the process.

@@ -2,28 +2,16 @@
 
 #include "repository/RunWriter.h"
 #include "repository/Schema.h"
+#include "support/Need.h"
 #include "support/SampleField.h"
 
 #include <stdexcept>
-#include <utility>
 
 namespace tavix::testing {
 
 namespace {
 
 constexpr int kValues = 10'000;
-
-template <typename T>
-T need(Result<T> result) {
-    if (!result)
-        throw std::runtime_error(result.error().text);
-    return std::move(result).value();
-}
-
-void need(const Status& status) {
-    if (!status)
-        throw std::runtime_error(status.error().text);
-}
 
 } // namespace
 

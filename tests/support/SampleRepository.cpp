@@ -5,12 +5,12 @@
 #include "repository/Notes.h"
 #include "repository/RunWriter.h"
 #include "repository/Schema.h"
+#include "support/Need.h"
 #include "support/SampleField.h"
 
 #include <fmt/format.h>
 
 #include <stdexcept>
-#include <utility>
 
 namespace tavix::testing {
 
@@ -18,18 +18,6 @@ namespace {
 
 using namespace repository;
 using Values = SampleField::Values;
-
-template <typename T>
-T need(Result<T> result) {
-    if (!result)
-        throw std::runtime_error(result.error().text);
-    return std::move(result).value();
-}
-
-void need(const Status& status) {
-    if (!status)
-        throw std::runtime_error(status.error().text);
-}
 
 class FixedClock final : public Clock {
   public:
