@@ -235,7 +235,7 @@ std::string BuildExpression(const ConditionList& conditions, FilterAction action
 }
 
 std::string BuildPlainText(const ConditionList& conditions) {
-    return render(conditions, comparisonInWords, upper);
+    return render(conditions, comparisonInWords, [](std::string_view word) { return asciiUpper(word); });
 }
 
 } // namespace tavix
