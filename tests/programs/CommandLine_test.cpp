@@ -210,7 +210,7 @@ TEST_F(CommandLine, JobFilesAreCheckedBeforeAnythingRuns) {
     const Outcome bad = run({"profile", m_folder.file("bad.yaml")});
     EXPECT_EQ(bad.exitCode, 2) << bad.err;
     EXPECT_THAT(bad.err, HasSubstr("bad.yaml:"));
-    expectFailure(2, {"profile", m_folder.file("bad.yaml"), "--job", "x"}, "a job file says these itself");
+    expectFailure(2, {"profile", m_folder.file("bad.yaml"), "--job", "x"}, "a job file has its own");
     expectFailure(2, {"profile", m_folder.file("bad.yaml"), m_folder.file("people.csv")},
                   "cannot be combined with other files");
     EXPECT_EQ(runCount(), 1U);
