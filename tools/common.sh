@@ -14,7 +14,7 @@ die() {
 
 # Every C++ file of ours, one a line, relative to the root.
 sources() {
-    (cd "$root" && find src tests bench examples -type f \( -name '*.cpp' -o -name '*.h' \) | LC_ALL=C sort)
+    (cd "$root" && find src tests bench examples tools -type f \( -name '*.cpp' -o -name '*.h' \) | LC_ALL=C sort)
 }
 
 # quietly LOG COMMAND...: runs it with its output in LOG, which is shown when it fails. Meanwhile a terminal shows the

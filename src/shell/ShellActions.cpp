@@ -49,10 +49,9 @@ ShellActions::ShellActions(QMainWindow& window, TavixHost& host, ShellState& sta
     qApp->installEventFilter(this);
     // Commands are disabled under a dialog, which a key in it makes visible here.
     m_dialogs = m_host.DialogEvent.Attach([this](TavixHost&, bool) { update(m_repositoryOpen, m_reportShown); });
-    // A narrow window puts what it has no room for behind these buttons, which Qt leaves without words.
+    // The buttons that open what a narrow window has no room for: Qt gives them neither words nor an action.
     for (auto* more : window.findChildren<QToolButton*>()) {
-        if (more->objectName() == QLatin1String("qt_menubar_ext_button") ||
-            more->objectName() == QLatin1String("qt_toolbar_ext_button"))
+        if (!more->defaultAction() && more->text().isEmpty())
             more->setAccessibleName(QStringLiteral("More"));
     }
 }
