@@ -1,2 +1,2 @@
-// fmt as a static library, which Debian leaves out: what its headers alone define, compiled so that all of it is kept.
+// fmt as a static library, which Debian does not package: the functions of its header-only form, all of them kept.
 #include <fmt/format.h>

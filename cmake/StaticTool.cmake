@@ -1,6 +1,6 @@
-# A program that runs for milliseconds pays for each shared library that it loads, and most for libstdc++.
-# tavix_link_statically(tavix FOLDERS...) takes all but libc and the ODBC driver manager from static libraries, and changes
-# nothing where the system lacks one of them. Not for programs with widgets: Qt brings the shared ICU.
+# Loading shared libraries, libstdc++ above all, takes a large part of the time of a short command.
+# tavix_link_statically(tavix FOLDERS...) links all but libc and the ODBC driver manager statically. Changes nothing if
+# the system lacks one of the static libraries. Not for programs with widgets: Qt brings the shared ICU.
 
 option(TAVIX_STATIC_TOOL "Link the command line program with static libraries where the system has them" ON)
 
@@ -13,7 +13,7 @@ function(tavix_link_statically target)
     find_library(TAVIX_STATIC_${name} lib${name}.a)
     mark_as_advanced(TAVIX_STATIC_${name})
     if(NOT TAVIX_STATIC_${name})
-      message(STATUS "${target} keeps its shared libraries: there is no lib${name}.a")
+      message(STATUS "${target} is linked with shared libraries: lib${name}.a is missing")
       return()
     endif()
     list(APPEND archives ${TAVIX_STATIC_${name}})
@@ -23,10 +23,10 @@ function(tavix_link_statically target)
   target_link_libraries(tavix_static_fmt PRIVATE fmt::fmt-header-only)
   target_compile_options(tavix_static_fmt PRIVATE -fkeep-inline-functions)
   list(APPEND archives tavix_static_fmt)
-  # In one group with the folders' libraries, so that they stand before the shared ones, which then nothing needs.
+  # In one group with the folders' libraries, and thus before the shared libraries, which are then not needed.
   list(JOIN archives "," archives)
   target_link_libraries(${target} PRIVATE "$<LINK_GROUP:RESCAN,${ARGN},${archives}>")
   target_link_options(${target} PRIVATE -Wl,--as-needed -static-libgcc -static-libstdc++
-                      # A database driver takes SQLite from here: two copies of it in a process break its file locks.
+                      # Database drivers use this SQLite: two copies of it in a process break its file locks.
                       "-Wl,--export-dynamic-symbol=sqlite3_*")
 endfunction()

@@ -1,10 +1,10 @@
-# A folder below src/ is a static library of its own, so that the linker refuses what tools/check-includes refuses.
+# Each folder below src/ is a static library, so the linker also refuses what tools/check-includes refuses.
 
 add_library(tavix_options INTERFACE)
 target_compile_options(tavix_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
-# At -O3 GCC 12 sees an overlap in every "x" + std::string (its bug 105329).
+# At -O3 GCC 12 reports an overlap in every "x" + std::string (GCC bug 105329).
 target_compile_options(tavix_options INTERFACE $<$<AND:$<CXX_COMPILER_ID:GNU>,$<CONFIG:Release>>:-Wno-restrict>)
-# GCC collects its garbage from 128 MB on, again and again in almost every file of ours, which need 300 to 700.
+# By default GCC collects garbage from 128 MB on, so again and again: most of our files need 300 to 700 MB.
 target_compile_options(tavix_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:--param=ggc-min-heapsize=524288>)
 if(TAVIX_SANITIZE)
   target_compile_options(tavix_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined)
@@ -14,17 +14,17 @@ elseif(TAVIX_SANITIZE_THREADS)
   target_link_options(tavix_options INTERFACE -fsanitize=thread)
 endif()
 if(TAVIX_SANITIZE OR TAVIX_SANITIZE_THREADS)
-  # GCC 12 sees uninitialised members of std::optional where there are none once the sanitizers are on.
+  # With sanitizers, GCC 12 wrongly reports uninitialised members of std::optional.
   target_compile_options(tavix_options INTERFACE -fno-omit-frame-pointer
                                                 $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 endif()
 if(TAVIX_FUZZ)
-  # Clang's -Wconversion asks for more than GCC's, by which the code is written.
+  # Clang's -Wconversion is stricter than GCC's, which the code follows.
   target_compile_options(tavix_options INTERFACE -fsanitize=fuzzer-no-link -Wno-sign-conversion)
 endif()
 target_include_directories(tavix_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 
-# tavix_library(base SOURCES a.cpp b.cpp DEPS fmt::fmt): the target tavix_base. A folder x/ui is named x_ui.
+# tavix_library(base SOURCES a.cpp b.cpp DEPS fmt::fmt) defines the target tavix_base. A folder x/ui is named x_ui.
 function(tavix_library folder)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPS;PRIVATE_DEPS" ${ARGN})
   set(target tavix_${folder})
@@ -33,7 +33,7 @@ function(tavix_library folder)
   set_target_properties(${target} PROPERTIES AUTOMOC OFF)
 endfunction()
 
-# The same for a folder with widgets: moc runs, Qt headers are precompiled once, in base/ui.
+# The same for a folder with widgets: runs moc; Qt headers are precompiled once, in base/ui.
 function(tavix_ui_library folder)
   tavix_library(${folder} ${ARGN})
   set(target tavix_${folder})
@@ -47,9 +47,9 @@ function(tavix_ui_library folder)
   endif()
 endfunction()
 
-# Tests spend their time in what they test, and a third of the building is theirs: so they are hardly optimised, and read
-# precompiled headers of the library HEADERS. Precompiled are the test framework's headers and Qt's, and none of ours, of
-# the C++ library's or of fmt, so that a file that forgets one of those is found.
+# Tests take a third of the build and spend their run time in the code under test. So they are hardly optimised and use
+# the precompiled headers of the library HEADERS. Only headers of the test framework and of Qt are precompiled: if an
+# include of ours, of the C++ library or of fmt is missing, it remains an error.
 function(tavix_build_fast target headers)
   target_compile_options(${target} PRIVATE $<$<AND:$<CXX_COMPILER_ID:GNU>,$<CONFIG:RelWithDebInfo>>:-Og>)
   if(TAVIX_PCH AND NOT target STREQUAL headers)
@@ -57,8 +57,8 @@ function(tavix_build_fast target headers)
   endif()
 endfunction()
 
-# tavix_test_program(tavix_walk_tests SOURCES a_test.cpp DEPS ... [QT]): a program of tests, not yet known to CTest. With
-# QT it has widgets: its main makes a QApplication on the offscreen platform and fails a test on a Qt warning.
+# tavix_test_program(tavix_walk_tests SOURCES a_test.cpp DEPS ... [QT]) defines a test program without adding it to
+# CTest. With QT, its main creates a QApplication on the offscreen platform and fails tests on Qt warnings.
 function(tavix_test_program target)
   cmake_parse_arguments(ARG "QT" "" "SOURCES;DEPS" ${ARGN})
   add_executable(${target} ${ARG_SOURCES})
@@ -73,7 +73,7 @@ function(tavix_test_program target)
   endif()
 endfunction()
 
-# tavix_tests(base SOURCES a_test.cpp DEPS ...): the program tavix_base_tests, each test known to CTest.
+# tavix_tests(base SOURCES a_test.cpp DEPS ...) defines the program tavix_base_tests and adds each test to CTest.
 function(tavix_tests folder)
   if(NOT TAVIX_TESTS)
     return()
@@ -85,7 +85,7 @@ function(tavix_tests folder)
                        PROPERTIES TIMEOUT 120)
 endfunction()
 
-# Tests that start a database server: the program tavix_source_server_tests, one test to CTest, so that it starts once.
+# Tests that share a database server: the program tavix_source_server_tests, one test in CTest. The server starts once.
 function(tavix_server_tests folder)
   if(NOT TAVIX_TESTS)
     return()
@@ -97,7 +97,7 @@ function(tavix_server_tests folder)
   set_tests_properties(${folder}.servers PROPERTIES TIMEOUT 300 COST 5)
 endfunction()
 
-# Widget tests.
+# The same as tavix_tests for widgets.
 function(tavix_ui_tests folder)
   if(NOT TAVIX_TESTS)
     return()
@@ -109,8 +109,8 @@ function(tavix_ui_tests folder)
                        PROPERTIES TIMEOUT 120)
 endfunction()
 
-# tavix_fuzzer(filter condition_block SOURCES a.cpp): the program fuzz_condition_block over the folder's library. What it
-# starts from lies in tests/corpus/condition_block, or in tests/corpus.
+# tavix_fuzzer(filter condition_block SOURCES a.cpp) defines the program fuzz_condition_block over the folder's library.
+# Its corpus is tests/corpus/condition_block or tests/corpus.
 function(tavix_fuzzer folder name)
   if(NOT TAVIX_FUZZ)
     return()

@@ -1,4 +1,4 @@
-# Shared by the scripts of the project; to be sourced by bash.
+# Sourced by the project's bash scripts.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 jobs=$(nproc)
@@ -12,13 +12,13 @@ die() {
     exit 1
 }
 
-# Every C++ file of ours, one a line, relative to the root.
+# Lists every C++ file of the project, relative to the root.
 sources() {
     (cd "$root" && find src tests bench examples tools -type f \( -name '*.cpp' -o -name '*.h' \) | LC_ALL=C sort)
 }
 
-# quietly LOG COMMAND...: runs it with its output in LOG, which is shown when it fails. Meanwhile a terminal shows the
-# latest line of it, anything else a dot now and then.
+# quietly LOG COMMAND...: runs the command with its output in LOG, and shows the end of LOG if it fails. While it runs,
+# a terminal shows the latest line of LOG, any other output gets a dot every ten seconds.
 quietly() {
     local log=$1 child ticks=0
     shift
@@ -41,7 +41,7 @@ quietly() {
     fi
     if ! wait "$child"; then
         tail -n 60 "$log" >&2
-        die "failed: $* (whole output in $log)"
+        die "failed: $* (full output in $log)"
     fi
 }
 

@@ -19,8 +19,8 @@ class PrViewerDrillCursor {
   public:
     virtual ~PrViewerDrillCursor() = default;
 
-    /// Moves to the next row; false when there is none, or when the message sink asked to stop. Throws GenException
-    /// when the source fails in the middle; the rows before that are good.
+    /// Moves to the next row; false when there is none. Throws GenException when the source fails in the middle or the
+    /// message sink asks to stop; the rows before that are good.
     virtual bool next() = 0;
     [[nodiscard]] virtual int getColumnCount() const = 0;
     [[nodiscard]] virtual KvbString getColumnName(int column) const = 0;

@@ -1,7 +1,5 @@
 #include "access/SourceRowCursors.h"
 
-#include "access/StatementCursor.h"
-#include "base/GenException.h"
 #include "base/KvbDatavar.h"
 
 namespace tavix {
@@ -10,8 +8,6 @@ bool MatchRowCursor::next() {
     bool isOnRow = m_rows.next();
     for (; isOnRow && m_skip > 0; --m_skip)
         isOnRow = m_rows.next();
-    if (!isOnRow && !m_rows.isComplete())
-        throw GenException(kReadingStopped);
     return isOnRow;
 }
 

@@ -22,17 +22,26 @@ bool SourceRows::next() {
     while (m_next == m_rows.size()) {
         if (!m_source.reader)
             return false;
-        if (!readBlock()) {
-            m_rows.clear();
-            m_next = 0;
-            m_block = {};
-            m_source.reader.reset();
-            return false;
+        try {
+            if (readBlock())
+                continue;
+        } catch (...) {
+            close();
+            throw;
         }
+        close();
+        return false;
     }
     ++m_next;
     m_isOnRow = true;
     return true;
+}
+
+void SourceRows::close() {
+    m_rows.clear();
+    m_next = 0;
+    m_block = {};
+    m_source.reader.reset();
 }
 
 bool SourceRows::readBlock() {
@@ -43,14 +52,10 @@ bool SourceRows::readBlock() {
         return !m_sink || m_sink->progress(fmt::format("Reading {}", m_source.name), reader.position(), reader.total());
     };
     if (!goOn())
-        return false;
+        throw GenException(kReadingStopped);
     const auto more = reader.read(m_block);
-    if (!more) {
-        m_source.reader.reset();
-        if (more.error().text == source::kCancelled)
-            return false;
-        throw GenException(more.error().text);
-    }
+    if (!more)
+        throw GenException(more.error().text == source::kCancelled ? kReadingStopped : more.error().text);
     m_isComplete = !*more;
     if (!*more)
         return false;
@@ -63,7 +68,9 @@ bool SourceRows::readBlock() {
     } catch (const std::bad_alloc&) {
         throw GenException("There is not enough memory to test the rows.");
     }
-    return !isStopped;
+    if (isStopped)
+        throw GenException(kReadingStopped);
+    return true;
 }
 
 KvbString SourceRows::warning() const {

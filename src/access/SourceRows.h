@@ -18,9 +18,10 @@ class SourceRows {
     /// `sink` may be null; it is told between two pieces of the source and must outlive the reading.
     SourceRows(DrillSource source, PrViewDisplayMessage* sink);
 
-    /// Throws GenException when the source fails. Once false it stays so, and the source is closed.
+    /// Throws GenException when the source fails, or with kReadingStopped when the sink asks to stop. After that, and
+    /// after the last row, it is false and the source is closed.
     bool next();
-    /// next() came to the end of the source, and did not stop because of a failure or the sink's wish.
+    /// Whether next() reached the end of the source without a failure or a stop.
     [[nodiscard]] bool isComplete() const { return m_isComplete; }
     [[nodiscard]] KvbString warning() const;
 
@@ -32,8 +33,9 @@ class SourceRows {
     [[nodiscard]] KvbString value(int column) const;
 
   private:
-    /// False at the end, or when the sink wants no more.
+    /// False at the end of the source. Throws as next() does.
     bool readBlock();
+    void close();
     [[nodiscard]] bool has(int column) const { return column >= 0 && column < columnCount(); }
 
     DrillSource m_source;

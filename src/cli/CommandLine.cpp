@@ -56,7 +56,7 @@ constexpr const char* kFooter =
     "  tavix show -R profile.tavix --field sales.city --values --format csv -o city.csv\n"
     "  tavix rows -R profile.tavix sales.city --value Berlin     the rows behind a value\n"
     "\n"
-    "\"tavix COMMAND --help\" tells more about a command.\n"
+    "\"tavix COMMAND --help\" describes a command.\n"
     "Results go to standard output, messages to standard error.\n"
     "Exit codes: 0 done; 1 done, and an alert is raised (--fail-at); 2 wrong arguments or job file;\n"
     "3 a source, the repository or the output failed;\n"

@@ -33,7 +33,7 @@ DrillEnd readRows(Cursor& cursor, int first, std::int64_t limit, const DrillWatc
         if (rows.count() % kWatchedRows == 0 && watch && !watch(rows.count()))
             return DrillEnd::Cancelled;
     }
-    // A source that was asked to stop has no more rows to give.
+    // A stop that arrives with the last row may have kept the cursor from looking for more.
     return watch && !watch(rows.count()) ? DrillEnd::Cancelled : DrillEnd::Complete;
 }
 
@@ -45,8 +45,16 @@ void read(Cursor& cursor, DrillSourceMode mode, std::int64_t limit, const DrillW
         columns.push_back({cursor.getColumnName(column).str(), typeOf(cursor, column)});
     result.rows = DrillRows(std::move(columns));
     // Rows of no columns are nothing to look at.
-    if (!result.rows.columns().empty())
-        result.end = readRows(cursor, first, limit, watch, result.rows);
+    if (!result.rows.columns().empty()) {
+        try {
+            result.end = readRows(cursor, first, limit, watch, result.rows);
+        } catch (const GenException&) {
+            // Stopped by the sink; an engine may report a cancelled statement in its own words.
+            if (!watch || watch(result.rows.count()))
+                throw;
+            result.end = DrillEnd::Cancelled;
+        }
+    }
     result.warning = cursor.getWarning().str();
 }
 
@@ -64,8 +72,7 @@ DrillResult readDrillRows(DrillCursor cursor, DrillSourceMode mode, std::int64_t
             },
             cursor);
     } catch (const GenException& failure) {
-        // A source may also answer a wish to stop in this way.
-        result.end = watch && !watch(result.rows.count()) ? DrillEnd::Cancelled : DrillEnd::Failed;
+        result.end = DrillEnd::Failed;
         result.reason = failure.getText().str();
     }
     result.rows.dropOpenRow();

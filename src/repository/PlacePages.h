@@ -7,8 +7,8 @@
 #include <vector>
 
 /// In which ranges of its file a field has which values, roughly: values are told apart by 16 bits of a hash, so that a
-/// range that is named may be without the value, but no range that has it is left out. docs/formats/places.md describes
-/// the form.
+/// range that is named may be without the value, but no range that has it is left out. docs/formats/offset-index.md
+/// describes the form.
 namespace tavix::repository {
 
 inline constexpr std::uint32_t kPlaceBuckets = 65536;

@@ -295,7 +295,7 @@ Result<std::string> describeDamage(sql::Connection& connection, int run) {
         if (!isSound)
             return isSound.error();
         if (!*isSound)
-            return fmt::format("Run {} is damaged ({}). \"tavix check\" tells more.", run, runPartName(key.part));
+            return fmt::format("Run {} is damaged ({}). \"tavix check\" gives details.", run, runPartName(key.part));
     }
     return std::string();
 }

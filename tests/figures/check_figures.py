@@ -1,13 +1,13 @@
 #!/usr/bin/python3
-"""Recomputes every figure of a text file's fields and compares them with a dump.
+"""Recomputes all metrics and lists of a text file's fields and compares them with a dump.
 
     check_figures.py FILE.csv DUMP.json
 
-Written from docs/definitions.md alone, with Python's csv, unicodedata, statistics and exact fractions, so that it shares
-no line with what it checks. The dump: {"rows": n, "fields": [{"name", "type", "rule", "metrics": {column: value},
+Written from docs/definitions.md alone, with Python's csv, unicodedata, statistics and exact fractions, so it shares no
+code with the program. The dump: {"rows": n, "fields": [{"name", "type", "rule", "metrics": {column: value},
 "percentiles": [[interval, value]], "outliers": [[side, position, value, count, fence]], "values": [[value, count]],
-"patterns": [[pattern, count]]}]}. Python's csv module cannot tell an empty quoted cell from an empty one, so the file
-must not have any. Prints what differs; exit code 1 when something does.
+"patterns": [[pattern, count]]}]}. Python's csv module does not distinguish an empty quoted cell from an empty one, so the
+file must not have any. Prints the differences; the exit code is 1 if there are any.
 """
 import collections
 import csv
@@ -91,7 +91,7 @@ def by_code_point(text):
 
 
 def figures(column, ordinal):
-    """The expected field; numbers as exact fractions or floats."""
+    """The expected field, with numbers as exact fractions or floats."""
     counts = collections.Counter(column)
     nulls = counts.pop(None, 0)
     present = [v for v in column if v is not None]
@@ -168,7 +168,7 @@ def figures(column, ordinal):
 
 
 def same(found, expected):
-    """Texts and counts exactly; computed figures up to a few units in the last place of a double."""
+    """Compares texts and counts exactly, computed numbers up to a few units in the last place of a double."""
     if isinstance(expected, (Fraction, float)):
         if found is None:
             return False
@@ -212,7 +212,7 @@ def main(path, dump_path):
             compare("%s, %s" % (name, metric), field["metrics"][metric], value)
         for part in ("type", "rule", "percentiles", "outliers", "values", "patterns"):
             compare("%s, %s" % (name, part), field[part], expected[part])
-    print("%s: %d figures compared, %d differ" % (path, compared, wrong))
+    print("%s: %d results compared, %d differ" % (path, compared, wrong))
     return 1 if wrong else 0
 
 

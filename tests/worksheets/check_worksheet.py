@@ -1,12 +1,12 @@
 #!/usr/bin/python3
-"""Reads every NAME.xls of a folder with a reader that is not ours and compares its cells with NAME.tsv.
+"""Reads every NAME.xls of a folder with an independent reader and compares its cells with NAME.tsv.
 
     check_worksheet.py xlrd|libreoffice FOLDER
 
-A line of NAME.tsv: sheet, row and column from 0, kind, value. Kind "t" is a text and "h" a bold one, as hexadecimal
-digits of UTF-8; "n" is a number in hexadecimal. Cells that are not listed have to be empty. Kind "w" is the width of the
-column in digits, and "f" says how many rows stay in view; only xlrd is asked for these. Prints what differs; exit
-code 1 when something does.
+A line of NAME.tsv: sheet, row and column from 0, kind, value. Kind "t" is a text and "h" a bold one, as UTF-8 in
+hexadecimal digits; "n" is a number in hexadecimal. Cells that are not listed must be empty. Kind "w" is the width of the
+column in digits, and "f" the number of frozen rows; only xlrd checks these. Prints the differences; the exit code is 1
+if there are any.
 """
 import csv
 import math
@@ -23,7 +23,7 @@ MAX_RECORD = 8224
 
 
 def expected(path):
-    """The cells by sheet and place, and what else is to be looked at: [(sheet, column, kind, value)]."""
+    """The cells by sheet and position, and the widths and frozen rows: [(sheet, column, kind, value)]."""
     sheets, looks = {}, []
     with open(path, encoding="utf-8") as file:
         for line in file:
@@ -37,7 +37,7 @@ def expected(path):
 
 
 def check_records(path):
-    """Readers tolerate longer records, the program that the format comes from does not."""
+    """The readers here tolerate longer records, but some spreadsheet programs do not."""
     with open(path, "rb") as file:
         stream = xlrd.compdoc.CompDoc(file.read()).get_named_stream("Workbook")
     at = 0
@@ -53,7 +53,7 @@ def check_looks(book, looks):
         sheet = book.sheet_by_name(name)
         found = sheet.colinfo_map[column].width / 256 if kind == "w" else sheet.panes_are_frozen * sheet.horz_split_pos
         if found != value:
-            sys.exit("xlrd: %s: %s is %s, not %s" % (name, "the width" if kind == "w" else "what stays", found, value))
+            sys.exit("xlrd: %s: %s is %s, not %s" % (name, "the width" if kind == "w" else "the number of frozen rows", found, value))
 
 
 def with_xlrd(path, looks):
@@ -76,7 +76,7 @@ def with_xlrd(path, looks):
 
 
 def with_libreoffice(path, folder):
-    # Commas, quotes around every text and no number, UTF-8, every sheet.
+    # Comma-separated, quotes around every text but no number, UTF-8, every sheet.
     out = "csv:Text - txt - csv (StarCalc):44,34,76,1,,0,true,true,false,false,false,-1"
     subprocess.run(
         ["soffice", "--headless", "-env:UserInstallation=file://" + os.path.join(folder, "profile"),
@@ -107,18 +107,18 @@ def same_exactly(want, have):
 
 
 def same_in_csv(want, have):
-    """The CSV file does not tell what is bold, and LibreOffice writes 15 digits of a number there."""
+    """As far as the CSV file says: it has no bold, and LibreOffice writes only 15 digits of a number."""
     if not want or not have:
         return False
     if want[0] == "n":
         return have[0] == "n" and math.isclose(want[1], have[1], rel_tol=1e-14)
-    # What LibreOffice makes of these characters of a cell.
+    # LibreOffice converts these characters.
     text = want[1].replace("\r\n", "\n").replace("\r", "\n").replace("\0", "?")
     return have == ("t", text)
 
 
 def differences(name, wanted, found, same):
-    """How many; the first ones are printed."""
+    """The number of differences; prints the first ones."""
     count = 0
     if sorted(wanted) != sorted(found):
         print("%s: the sheets are %s, not %s" % (name, list(found), list(wanted)))
@@ -148,7 +148,7 @@ def main():
             wrong += differences(name, wanted, with_libreoffice(path + ".xls", folder), same_in_csv)
         cells += sum(len(sheet) for sheet in wanted.values())
     print("%s: %d cells in %d workbooks, %d differences" % (reader, cells, len(names), wrong))
-    # A comparison that saw nothing has proved nothing.
+    # Without cells nothing was compared.
     return 1 if wrong or cells == 0 else 0
 
 

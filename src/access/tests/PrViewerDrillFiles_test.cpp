@@ -134,7 +134,7 @@ TEST_F(PrViewerDrillFiles, OfSeveralFilesOneIsReadAfterTheOther) {
     EXPECT_GE(calls, 5) << "told of its progress within a file";
     m_sink.allowed = calls + 2;
     const PrViewerDrillCursorHandle stopped = open("city", "Ulm");
-    EXPECT_FALSE(stopped->next());
+    EXPECT_THROW(stopped->next(), GenException);
     EXPECT_FALSE(stopped->isComplete());
 
     m_sink.allowed = 1'000'000;

@@ -181,7 +181,12 @@ TEST_F(PrViewerDrill, TheSinkStopsAndAFileThatShrinksThrows) {
         m_sink.calls = 0;
         m_sink.allowed = 2;
         const PrViewerDrillCursorHandle stopped = open("city", value);
-        while (stopped->next()) {
+        try {
+            while (stopped->next()) {
+            }
+            ADD_FAILURE() << "it read to its end";
+        } catch (const GenException& stop) {
+            EXPECT_EQ(stop.getText(), KvbString("The reading was stopped."));
         }
         EXPECT_FALSE(stopped->isComplete());
         EXPECT_FALSE(stopped->next());

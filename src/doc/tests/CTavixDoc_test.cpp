@@ -88,7 +88,7 @@ TEST_F(TavixDocTest, SaysWhichRunIsDamagedAndShowsItAllTheSame) {
     damage("UPDATE run_field SET null_count = 999 WHERE run = " + std::to_string(m_sample.salesRuns[1]));
     open();
     m_messages.expectWarn("Run " + std::to_string(m_sample.salesRuns[1]) +
-                          " is damaged (metrics of fields). \"tavix check\" tells more.");
+                          " is damaged (metrics of fields). \"tavix check\" gives details.");
     EXPECT_TRUE(m_doc.SetCurrentJob(m_sample.salesRuns[1]));
     EXPECT_EQ(m_messages.pending(), 0U);
     EXPECT_EQ(m_doc.GetCurrentJob(), m_sample.salesRuns[1]);

@@ -21,7 +21,7 @@ namespace {
 using Bytes = std::span<const std::byte>;
 using List = std::vector<std::uint32_t>;
 
-// As docs/formats/places.md has it.
+// As docs/formats/offset-index.md has it.
 constexpr std::size_t kSeal = 8;
 constexpr std::size_t kPage = std::size_t{32} << 10;
 
