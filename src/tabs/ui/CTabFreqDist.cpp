@@ -31,12 +31,8 @@ namespace {
 constexpr int kFrequencyDistribution = 6;
 
 constexpr std::array<CommandRow<CTabFreqDist>, 2> kCommands = {{
-    {{CommandId::Filter, "Filter the contents of the report\nFilter..."},
-     &CTabFreqDist::OnFilter,
-     &CTabFreqDist::CanFilter},
-    {{CommandId::StopFiltering, "Stop filtering the report\nStop Filtering"},
-     &CTabFreqDist::OnStopFiltering,
-     &CTabFreqDist::CanStopFiltering},
+    {CommandId::Filter, &CTabFreqDist::OnFilter, &CTabFreqDist::CanFilter},
+    {CommandId::StopFiltering, &CTabFreqDist::OnStopFiltering, &CTabFreqDist::CanStopFiltering},
 }};
 
 } // namespace
