@@ -14,7 +14,7 @@ die() {
 
 # Lists every C++ file of the project, relative to the root.
 sources() {
-    (cd "$root" && find src tests bench examples -type f \( -name '*.cpp' -o -name '*.h' \) | LC_ALL=C sort)
+    (cd "$root" && find src tests bench examples tools -type f \( -name '*.cpp' -o -name '*.h' \) | LC_ALL=C sort)
 }
 
 # quietly LOG COMMAND...: runs the command with its output in LOG, and shows the end of LOG if it fails. While it runs,

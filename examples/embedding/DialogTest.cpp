@@ -18,8 +18,8 @@ using tv::TavixHost;
 
 namespace {
 
-// A dialog has a loop of its own, so that what is done in it is done from a descriptor that the loop watches. `act` may
-// open another one; all are left with Escape. False when no dialog came.
+// A dialog runs a loop of its own, so `act` is called from a watched descriptor. It may open another dialog; all are
+// closed with Escape. False when no dialog was opened.
 bool inDialog(XlibShell& shell, tv::TavixEventLoop& loop, TavixCommandConstants command,
               const std::function<void()>& act) {
     int ends[2];
@@ -97,7 +97,7 @@ void testDialogs(XlibShell& shell, tv::TavixEventLoop& loop, const Sample& sampl
         if (!check(openField(shell, sample, job), "a field is shown"))
             continue;
         TavixHost& host = shell.host();
-        // The end of the last dialog of the round before is told from the event loop.
+        // The end of the previous round's last dialog is reported from the event loop.
         shell.stepUntil([&told] { return told.empty() || !told.back(); });
         told.clear();
         check(inDialog(shell, loop, dialog.command, [] {}) && !host.IsDialogOpen(),

@@ -4,9 +4,9 @@
 
 namespace embedding {
 
-/// Opens each dialog, leaves it, and ends or changes the viewer under it.
+/// Opens each dialog, closes it, and destroys or changes the viewer while it is open.
 void testDialogs(XlibShell& shell, tv::TavixEventLoop& loop, const Sample& sample, int job);
-/// Opens windows other than dialogs that go with the shell's. A field must be shown.
+/// Opens the other windows that the shell's window owns. A field must be shown.
 void testOwnedWindows(XlibShell& shell);
 
 } // namespace embedding

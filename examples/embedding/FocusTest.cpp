@@ -1,7 +1,5 @@
 #include "FocusTest.h"
 
-#include <utility>
-
 namespace embedding {
 
 using tv::TavixHost;
@@ -9,25 +7,18 @@ using tv::TavixHost;
 namespace {
 
 constexpr int kMostTabs = 20;
-constexpr int kQuietSteps = 8;
 
-// How many times Tab was pressed until the viewer had the keyboard no more. A press is over when it has moved the focus
-// on the screen or out of the viewer, and nothing is painted any more.
+// Presses Tab until the viewer no longer has the keyboard, and counts. A press is over when the focus has moved on the
+// screen or out of the viewer and painting has stopped.
 int tabUntilOutside(XlibShell& shell, User& user, bool backwards) {
     int presses = 0;
     while (shell.host().HasFocus() && presses < kMostTabs) {
-        auto image = pixels(shell);
+        const auto image = pixels(shell);
         user.press(XK_Tab, backwards);
         ++presses;
         if (!shell.stepUntil([&] { return !shell.host().HasFocus() || pixels(shell) != image; }))
             return 0;
-        for (int quiet = 0; shell.host().HasFocus() && quiet < kQuietSteps; ++quiet) {
-            shell.step();
-            auto now = pixels(shell);
-            if (now != image)
-                quiet = 0;
-            image = std::move(now);
-        }
+        settledPixels(shell, [&] { return shell.host().HasFocus(); });
     }
     return presses;
 }

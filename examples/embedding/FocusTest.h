@@ -4,11 +4,11 @@
 
 namespace embedding {
 
-/// Tab goes into the viewer, through it and out of it, both ways; clicks and calls move the keyboard.
+/// Tab moves into the viewer, through it and out of it, in both directions; clicks and calls move the focus.
 void testFocus(XlibShell& shell, User& user);
-/// The same on a page of the navigator with which the report pane has nothing to show.
+/// The same on a navigator page for which the report pane is empty.
 void testFocusWithoutControls(XlibShell& shell, User& user);
-/// Tab goes round in a viewer whose shell has no keyboard site.
+/// Tab cycles in a viewer whose shell has no keyboard site.
 void testFocusWithoutSite(XlibShell& shell, User& user);
 
 } // namespace embedding

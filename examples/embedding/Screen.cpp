@@ -27,7 +27,7 @@ bool hasProperty(Display* display, Window window, const char* name) {
     return result == Success && type != 0;
 }
 
-// The windows anywhere on the screen that belong to ours as dialogs do.
+// Collects the visible windows below `below` whose owner is the top-level window.
 void collectDialogs(Display* display, Window topLevel, Window below, std::vector<Window>& dialogs) {
     Window root = 0;
     Window parent = 0;
@@ -113,7 +113,7 @@ int childrenOf(Display* display, Window window, Window* first) {
 
 std::vector<Window> dialogsOf(XlibShell& shell) {
     std::vector<Window> dialogs;
-    // Windows of others may go while the tree of them is walked through.
+    // Other programs may destroy windows during the walk.
     XSync(shell.display(), False);
     const XErrorHandler usual = XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
     if (shell.topLevel())
@@ -123,9 +123,9 @@ std::vector<Window> dialogsOf(XlibShell& shell) {
     return dialogs;
 }
 
-std::vector<unsigned long> settledPixels(XlibShell& shell) {
+std::vector<unsigned long> settledPixels(XlibShell& shell, const std::function<bool()>& goesOn) {
     auto image = pixels(shell);
-    for (int quiet = 0; quiet < kQuietSteps; ++quiet) {
+    for (int quiet = 0; (!goesOn || goesOn()) && quiet < kQuietSteps; ++quiet) {
         shell.step();
         auto now = pixels(shell);
         if (now != image)

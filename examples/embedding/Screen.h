@@ -5,11 +5,12 @@
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 
+#include <functional>
 #include <vector>
 
 namespace embedding {
 
-/// Prints whether it holds, and counts it when it does not.
+/// Prints whether the check holds, and counts it if not.
 bool check(bool holds, const char* what);
 /// How many checks have failed.
 [[nodiscard]] int failedChecks();
@@ -49,16 +50,16 @@ class User {
 
 /// Every second pixel of the view in both directions; empty while it is not on the screen.
 [[nodiscard]] std::vector<unsigned long> pixels(XlibShell& shell);
-/// The same once nothing is painted any more.
-[[nodiscard]] std::vector<unsigned long> settledPixels(XlibShell& shell);
+/// The same after painting has stopped, or as soon as `goesOn` is false; without `goesOn`, only the former.
+std::vector<unsigned long> settledPixels(XlibShell& shell, const std::function<bool()>& goesOn = {});
 [[nodiscard]] bool isAsLargeAsItsPlace(XlibShell& shell);
-/// A window manager that is still starting may miss a window that is made meanwhile.
+/// A window manager that is still starting may miss a window that is created meanwhile.
 [[nodiscard]] bool windowManagerRuns(XlibShell& shell);
-/// Keys go where a test sends them only once the window manager has the window in its frame and shows it.
+/// Keys reach the window only after the window manager has framed and mapped it.
 [[nodiscard]] bool isManaged(XlibShell& shell);
 /// The number of child windows, -1 on an X error; `first` receives the lowest one.
 [[nodiscard]] int childrenOf(Display* display, Window window, Window* first = nullptr);
-/// The windows anywhere on the screen that belong to the shell's as dialogs do.
+/// The visible windows, anywhere on the screen, that are owned by the shell's window.
 [[nodiscard]] std::vector<Window> dialogsOf(XlibShell& shell);
 
 } // namespace embedding

@@ -6,18 +6,18 @@
 
 namespace embedding {
 
-/// What is shown.
+/// The sample data of the test.
 struct Sample {
     std::string repository;
     std::string source; ///< a data source of text files
     std::string table;  ///< one of its tables
 };
 
-/// Walks through everything that a shell does, with real keys and clicks, and says what it sees. False when anything
-/// was not as it must be. Needs a window manager.
+/// Runs through everything that a shell does, with real keys and clicks, and prints each check. False when any failed.
+/// Needs a window manager.
 bool runSelfTest(tv::TavixEventLoop& loop, const Sample& sample);
-/// Creates a window and view, loads a report, and destroys all of it, `times` over. False when the memory that the
-/// process holds grows by more than a small bound once it has warmed up.
+/// Creates window and view, loads a report, and destroys everything, `times` times. False when the memory of the
+/// process grows by more than a small bound after the warm-up.
 bool runRepeated(tv::TavixEventLoop& loop, const Sample& sample, int times);
 
 } // namespace embedding

@@ -12,7 +12,7 @@ namespace embedding {
 
 namespace tv = Veldra::Solenne::Tavix;
 
-/// A repository file, as this program knows it.
+/// The connection to a repository file.
 class FileConnection final : public tv::TavixConnection {
   public:
     explicit FileConnection(std::string path) : m_path(std::move(path)) {}
@@ -24,8 +24,8 @@ class FileConnection final : public tv::TavixConnection {
     std::string m_path;
 };
 
-/// A desktop shell of one window, in plain Xlib: a strip with two fields that can have the keyboard, and below it the
-/// viewer. Tab goes from the first field through the viewer to the second one and round again.
+/// A desktop shell with one window, in plain Xlib: a strip with two fields that can have the focus, and the viewer
+/// below it. Tab moves from the first field through the viewer to the second one and back to the first.
 class XlibShell final : public tv::TavixKeyboardSite {
   public:
     enum class Field { Before, After };
@@ -36,19 +36,19 @@ class XlibShell final : public tv::TavixKeyboardSite {
     XlibShell(const XlibShell&) = delete;
     XlibShell& operator=(const XlibShell&) = delete;
 
-    /// Makes the window and the view in it; false when the view could not be made.
+    /// Creates the window and the view in it; false when the view could not be created.
     bool open();
-    /// The order that a shell should keep: the view goes, then its window.
+    /// Destroys the view, then its window, as a shell should.
     void closeViewFirst();
-    /// The order in which a window manager or a crash may do it.
+    /// Destroys the window first, as a window manager or a crash may do.
     void closeWindowFirst();
 
     void OnNoMoreTabStops(tv::FocusNavigation request) override;
     void focusField(Field field);
     void resize(int width, int height);
-    /// Handles what has arrived and lets the viewer handle what it has; waits a little when there is nothing.
+    /// Handles pending events of shell and viewer; waits a little when there are none.
     void step();
-    /// Steps until it is true; false after five seconds.
+    /// Steps until the condition is true; false after five seconds.
     bool stepUntil(const std::function<bool()>& condition);
 
     [[nodiscard]] tv::TavixHost& host() { return m_host; }
@@ -59,7 +59,7 @@ class XlibShell final : public tv::TavixKeyboardSite {
     [[nodiscard]] bool isClosed() const { return m_closed; }
     [[nodiscard]] bool hasKeyboard() const { return m_hasKeyboard; }
     [[nodiscard]] Field field() const { return m_field; }
-    /// A letter key that was pressed while a field had the keyboard.
+    /// Called for a letter key while a field has the focus.
     std::function<void(char)> onLetter;
 
   private:

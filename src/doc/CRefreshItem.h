@@ -2,7 +2,7 @@
 
 namespace tavix {
 
-/// What a refresh notification says; the numbers travel between panes and to the shell.
+/// The kinds of refresh notifications, by the numbers that panes and shell use.
 enum class RefreshHint {
     CollectionsRefreshed = 1, ///< the field collections of every table were refreshed
     DocumentReset = 3,        ///< the document is "Untitled" again
@@ -12,14 +12,15 @@ enum class RefreshHint {
     HistoryDeletion = 7,      ///< run history is about to be deleted
     NotesChanged = 8,         ///< a pane has changed notes or their categories
     FilterChanged = 9,        ///< a pane has changed a filter of the field whose id is the parameter
-    HistoryDeleted = 10,      ///< runs are gone, and the current one is not among them
+    HistoryDeleted = 10,      ///< runs were deleted; the current one is still there
 };
 
 /// A pane that takes part in refreshing.
 class CRefreshItem {
   public:
     virtual ~CRefreshItem() = default;
-    /// `sender` is the pane that caused it, null for the document; `parameter` belongs to the hint, mostly 0.
+    /// `sender` is the pane that caused the notification, null for the document. What `parameter` means depends on the
+    /// hint; it is mostly 0.
     virtual void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) = 0;
 };
 

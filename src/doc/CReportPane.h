@@ -7,7 +7,7 @@ class QWidget;
 
 namespace tavix {
 
-/// What fills the report pane.
+/// The contents of the report pane.
 class CReportPane : public CRefreshItem, public CommandTarget {
   public:
     /// The last control that takes the keyboard; null without one.

@@ -22,7 +22,6 @@ CTavixApp::CTavixApp(std::unique_ptr<SettingsStore> settings) : m_settings(std::
 void CTavixApp::Start() {
     if (const auto filled = writeFirstStartDefaults(*m_settings); !filled && m_startProblem.empty())
         m_startProblem = filled.error().text;
-    m_connectionType = readText(*m_settings, Setting::ConnectionType);
 }
 
 std::unique_ptr<CTavixDoc> CTavixApp::StartDocument(DocumentFrame& frame, Messages& messages) const {

@@ -9,19 +9,17 @@
 
 namespace tavix {
 
-/// The viewer as a program: names the settings store and starts documents. Outlives its documents.
+/// The viewer as a program: owns the settings store and creates documents. Must outlive its documents.
 class CTavixApp {
   public:
-    /// Opens the settings file, and on a first start fills it. A file that cannot be read or written does not keep the
-    /// viewer from running: settings then last as long as this object, and GetStartProblem() says why.
+    /// Opens the settings file, and on a first start fills it. When the file cannot be read or written, the settings
+    /// last only as long as this object, and GetStartProblem() says why.
     explicit CTavixApp(const std::string& settingsPath = defaultSettingsPath());
-    /// Over a store of the caller's; it is filled in the same way.
+    /// Uses the caller's store, which is filled in the same way.
     explicit CTavixApp(std::unique_ptr<SettingsStore> settings);
 
     [[nodiscard]] SettingsStore& GetSettings() const { return *m_settings; }
-    /// The kind of connection that the user's installation prefers; mostly "".
-    [[nodiscard]] const std::string& GetConnectionType() const { return m_connectionType; }
-    /// To be shown once; "" when the settings are in order.
+    /// Show it once. "" when the settings are in order.
     [[nodiscard]] const std::string& GetStartProblem() const { return m_startProblem; }
 
     [[nodiscard]] std::unique_ptr<CTavixDoc> StartDocument(DocumentFrame& frame, Messages& messages) const;
@@ -30,7 +28,6 @@ class CTavixApp {
     void Start();
 
     std::unique_ptr<SettingsStore> m_settings;
-    std::string m_connectionType;
     std::string m_startProblem;
 };
 

@@ -21,8 +21,8 @@ constexpr std::string_view kNoTaskList = "Unable to create task list";
 constexpr std::string_view kNoHistory = "Error occurred while retrieving report history";
 constexpr std::string_view kHistoryClosed = "No run was deleted: the report whose runs were chosen is closed.";
 
-/// Why `call` failed, in the library's words; nothing when it succeeded. The library fails by answering false or by
-/// throwing, and the viewer makes no difference.
+/// The library's error text; nothing on success. The library fails by returning false or by throwing, which the viewer
+/// treats alike.
 template <typename Call>
 std::optional<std::string> failureOf(const PrViewer& viewer, Call&& call) {
     try {
@@ -43,13 +43,13 @@ std::shared_ptr<PrViewer> closedWhenReleased(PrViewer::Handle viewer) {
                 try {
                     session->close();
                 } catch (const GenException&) {
-                    // Nobody uses the session any more who could be told.
+                    // Nobody uses the session any more, so there is nobody to report this to.
                 }
                 session->release();
             }};
 }
 
-/// Raises the frame's loading flag while the views take in a run.
+/// Sets the frame's loading flag while the views load a run.
 class LoadingFlag {
   public:
     explicit LoadingFlag(DocumentFrame& frame) : m_frame(frame) { m_frame.SetLoading(true); }
@@ -190,7 +190,7 @@ void CTavixDoc::DeleteHistory(const std::function<bool(HistoryDeletion&)>& ask) 
         return;
     const std::shared_ptr<PrViewer> asked = m_viewer;
     HistoryDeletion deletion;
-    // A negative bound would mean to the library that there is none.
+    // The library takes a negative bound for no bound at all.
     if (!ask(deletion) || deletion.bound < 0)
         return;
     if (m_viewer != asked) {
@@ -254,7 +254,7 @@ void CTavixDoc::ReloadTaskList() {
 }
 
 void CTavixDoc::RefreshRunCount() {
-    // The number is only shown; when it cannot be read the old one stays.
+    // The number is only displayed; if it cannot be read, the old one stays.
     int count = -1;
     if (!failureOf(*m_viewer, [&] { return (count = m_viewer->getJobCount()) >= 0; }))
         m_runCount = count;
@@ -291,7 +291,7 @@ const CollectionsByField& CTavixDoc::GetCollectionsOfTable(int tableId) {
                 rows->getColumnValue(layout::TableCollectionName).str());
         return true;
     });
-    // The names only annotate a list that is shown all the same, so that a failure is no reason for a message.
+    // The names only annotate a list, which is shown without them: a failure needs no message.
     return failure ? kNone : m_collections.insert_or_assign(tableId, std::move(collections)).first->second;
 }
 

@@ -32,7 +32,7 @@ struct ReportFilterState {
     bool operator==(const ReportFilterState&) const = default;
 };
 
-/// The frame that shows the document, as the document sees it.
+/// The interface of the frame to its document.
 class DocumentFrame {
   public:
     virtual ~DocumentFrame() = default;
@@ -41,11 +41,11 @@ class DocumentFrame {
     virtual void Broadcast(RefreshHint hint) = 0;
 };
 
-/// The pane that keeps the task list, as the document sees it.
+/// The interface of the pane that keeps the task list to the document.
 class TaskListKeeper {
   public:
     virtual ~TaskListKeeper() = default;
-    /// False when no task list can be made.
+    /// False on failure.
     virtual bool Create() = 0;
     virtual void Save() = 0;
     /// Brings back what Save kept for the report that is open; true when nothing was kept for it.
@@ -54,7 +54,7 @@ class TaskListKeeper {
     virtual void Load(ProfileCursor& tasks) = 0;
 };
 
-/// What the delete-history dialog answers.
+/// The user's choice in the delete-history dialog.
 struct HistoryDeletion {
     int bound = -1;    ///< runs up to this id are deleted
     int runAfter = -1; ///< the run to show when the current one is among them
@@ -63,8 +63,8 @@ struct HistoryDeletion {
 /// The names of the collections that hold a field, by field id, each list in the library's order.
 using CollectionsByField = std::map<int, std::vector<std::string>>;
 
-/// The one document of the viewer: the repository session, the current report and run, and what holds for the whole
-/// report. Failures are shown through the message seam and leave everything as it was.
+/// The one document of the viewer: the repository session, the current report and run, and the state that belongs to
+/// the report as a whole. A failure is shown as a message and changes nothing.
 class CTavixDoc {
   public:
     /// All references must outlive the document.
@@ -73,33 +73,33 @@ class CTavixDoc {
     CTavixDoc(const CTavixDoc&) = delete;
     CTavixDoc& operator=(const CTavixDoc&) = delete;
 
-    /// Optional; must outlive the document or be taken back with null.
+    /// Optional. The keeper must outlive the document or be replaced by null before.
     void SetTaskListKeeper(TaskListKeeper* keeper) { m_tasks = keeper; }
 
-    /// Opens a report in place of the present one. When it fails, after a message, the document has no report.
+    /// Opens a report in place of the current one. After a failure, which is shown, the document has no report.
     bool OpenReport(const KvbString& connection, int jobId);
-    /// No report, no session, the title "Untitled"; broadcasts nothing.
+    /// Closes report and session; the title is "Untitled" again. Broadcasts nothing.
     void Clear();
-    /// True with nothing done when `runId` is current already.
+    /// Returns true and does nothing when `runId` is current already.
     bool SetCurrentJob(int runId);
-    /// `ask` shows the delete-history dialog; false means that it was not closed with OK. When the report that was
-    /// asked about is not the open one any more, nothing is deleted and a message says so.
+    /// `ask` shows the delete-history dialog and returns whether it was closed with OK. If another report has been
+    /// opened meanwhile, nothing is deleted and a message says so.
     void DeleteHistory(const std::function<bool(HistoryDeletion&)>& ask);
     /// After the Options dialog was closed with OK: keeps `metrics` as the display list, writes it to the settings and
-    /// broadcasts hint 5. `saved` is how writing the other options went: there is one message for both.
+    /// broadcasts hint 5. `saved` is the result of writing the other options; one message reports both failures.
     void ApplyOptions(std::vector<MetricDisplay> metrics, const Status& saved = {});
-    /// Called once, shortly after a report was loaded: false when the task list could not be restored.
+    /// To be called once, shortly after a report was loaded. False when the task list could not be restored.
     bool PostLoadCheck();
 
-    /// The runs of the report as the library lists them; nothing, after a message, when they cannot be read.
+    /// The runs of the report in the library's order; nothing, after a message, when they cannot be read.
     [[nodiscard]] std::optional<std::vector<RunInfo>> GetRuns() const;
 
-    /// The collections of one table's fields: one query for a table, kept until the collections or the run change. A
-    /// table whose collections cannot be read has none, and is asked for again. Valid until the next non-const call.
+    /// The collections of one table's fields, read by one query and cached until the collections or the run change.
+    /// When they cannot be read the map is empty, and the next call tries again. Valid until the next non-const call.
     [[nodiscard]] const CollectionsByField& GetCollectionsOfTable(int tableId);
     /// The collections of one field of that table; none for a field that is in none.
     [[nodiscard]] const std::vector<std::string>& GetCollectionsOfField(int tableId, int fieldId);
-    /// To be called when collections have changed: forgets those that are kept and broadcasts hint 1.
+    /// To be called when collections have changed: clears the cache and broadcasts hint 1.
     void CollectionsRefreshed();
 
     [[nodiscard]] bool HasReport() const { return m_jobId != -1; }
@@ -112,11 +112,9 @@ class CTavixDoc {
     /// The report text that the shell gave.
     [[nodiscard]] const std::string& GetText() const { return m_text; }
     void SetText(std::string text) { m_text = std::move(text); }
-    /// Path of the report's folder; "" when it lies in none.
+    /// Path of the report's folder; "" when it is in none.
     [[nodiscard]] const std::string& GetFolderPath() const { return m_folderPath; }
     [[nodiscard]] const std::vector<MetricDisplay>& GetMetrics() const { return m_metrics; }
-    /// The ids of the metrics that are shown, in the user's order.
-    [[nodiscard]] std::vector<int> ShownMetrics() const { return shownMetrics(m_metrics); }
     [[nodiscard]] const ReportFilterState& GetFilterState() const { return m_filter; }
     void SetFilterState(ReportFilterState state) { m_filter = std::move(state); }
     /// The filters of the report's distributions; kept over its runs.
@@ -127,14 +125,14 @@ class CTavixDoc {
     /// The same for the collections page.
     [[nodiscard]] int GetCollectionTab(ReportPaneKind view) const { return TabOf(view, NavigatorPage::Collections); }
     void SetTab(ReportPaneKind view, NavigatorPage mode, int tabIndex) { m_tabs[{view, mode}] = tabIndex; }
-    /// Who the user is to the databases that drill-through reads; forgotten with the report.
+    /// The user's logins to the databases that drill-through reads; forgotten when the report is closed.
     [[nodiscard]] SourceLogins& GetSourceLogins() { return m_logins; }
-    /// The session; null without a report.
-    /// Shows what a glance tells of damage in the current run, if anything. To be called when the report is shown.
+    /// Warns the user when a quick check finds the current run damaged. To be called when the report is shown.
     void WarnOfDamage() const;
+    /// The session; null without a report.
     [[nodiscard]] PrViewer* GetViewer() const { return m_viewer.get(); }
-    /// The same, for functions under which another report may be opened: it stays open while they hold it, and tells
-    /// them afterwards whether it is still that of the report.
+    /// The session for a caller during whose work another report may be opened: it stays open as long as the caller
+    /// holds it, and comparing it with GetViewer() afterwards shows whether the report is still the same.
     [[nodiscard]] std::shared_ptr<PrViewer> GetSession() const { return m_viewer; }
     [[nodiscard]] SettingsStore& GetSettings() const { return m_settings; }
     [[nodiscard]] Messages& GetMessages() const { return m_messages; }
@@ -142,7 +140,7 @@ class CTavixDoc {
   private:
     [[nodiscard]] int TabOf(ReportPaneKind view, NavigatorPage mode) const;
     void Warn(std::string_view leadIn, std::string_view libraryText) const;
-    /// Why it failed, as a whole message; nothing when it succeeded.
+    /// The complete error message; nothing on success.
     std::optional<std::string> SetUp(PrViewer& viewer, int jobId);
     void LoadMetricDisplayList(const PrViewer& viewer);
     void ReloadTaskList();
@@ -153,7 +151,7 @@ class CTavixDoc {
     SettingsStore& m_settings;
     Messages& m_messages;
     TaskListKeeper* m_tasks = nullptr;
-    SourceLogins m_logins; ///< before the session, which asks it
+    SourceLogins m_logins; ///< declared before the session, which uses it
     std::shared_ptr<PrViewer> m_viewer;
     int m_jobId = -1;
     int m_currentRun = -1;

@@ -12,7 +12,7 @@ namespace tavix {
 
 class CTavixDoc;
 
-/// The frame as its panes see it, so that panes know neither the frame nor each other.
+/// The interface of the frame to its panes: a pane depends neither on the frame nor on the other panes.
 class CViewSite {
   public:
     static constexpr int kPatienceMilliseconds = 400;
@@ -25,24 +25,24 @@ class CViewSite {
     [[nodiscard]] virtual QWidget* GetWindowOwner() { return nullptr; }
     /// How long a reading may take before a dialog shows its progress.
     [[nodiscard]] virtual int GetPatienceMilliseconds() const { return kPatienceMilliseconds; }
-    /// While set, a report is being broadcast: panes fill themselves when they are refreshed and not before.
+    /// Set while a loaded report is being broadcast: a pane must wait for its own refresh before it fills itself.
     [[nodiscard]] virtual bool IsLoading() const = 0;
     [[nodiscard]] virtual NavigatorPage GetMode() const = 0;
     [[nodiscard]] virtual const ReportSelection& GetSelection() const = 0;
-    /// The navigator has another selection or shows another page.
+    /// Called when the navigator has another selection or shows another page.
     virtual void SelectionChanged(NavigatorPage page, const ReportSelection& selection) = 0;
     /// Selects a field of the selected table or collection; false when it has none of that id.
     virtual bool SelectField(int fieldId) = 0;
     /// Selects a field of that table or collection and brings the frame to the front; false without such a field.
     virtual bool OpenField(const ReportSelection& owner, int fieldId) = 0;
-    /// Goes to a figure of a table; false, without a message, when there is no such table.
+    /// Shows a metric or rule of a table; false, without a message, when there is no such table.
     virtual bool Navigate(const NavigateRequest& request) = 0;
-    /// What is known about the table or field, for a dialog; "" when it is neither or cannot be read.
+    /// The details of the table or field as text; "" for any other selection or when they cannot be read.
     [[nodiscard]] virtual std::string GetDetailsText(const ReportSelection& selection) = 0;
-    /// Shows a message as soon as what is going on is over. Of several that come up meanwhile the first one is shown:
-    /// who calls this says in its own place what it lacks.
+    /// Shows a message once the current event is handled. Of several only the first is shown, so a caller must also say
+    /// in its own pane what is missing.
     virtual void WarnSoon(const std::string& text) = 0;
-    /// Tells every pane but the sender.
+    /// Refreshes every pane but the sender.
     virtual void Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) = 0;
 };
 

@@ -8,7 +8,7 @@ namespace tavix {
 
 namespace {
 
-// "" when the field was added.
+// The error message; "" when the field was added.
 std::string add(PrViewer& viewer, int collectionId, int fieldId) {
     try {
         if (viewer.createGlobalCollFieldMapping(collectionId, fieldId))
@@ -31,7 +31,7 @@ std::vector<std::pair<int, std::string>> collectionChoices(CTavixDoc& document) 
             choices.emplace_back(rows->getColumnInt(layout::CollectionId),
                                  rows->getColumnValue(layout::CollectionName).str());
     } catch (const GenException&) {
-        // What cannot be read cannot be chosen; the page of the collections says why.
+        // The menu stays empty; the Collections page of the navigator shows the error.
         choices.clear();
     }
     return choices;

@@ -2,7 +2,8 @@
 
 namespace tavix {
 
-/// The commands that a shell may route into the viewer, by number. Not every one has somebody who handles it.
+/// The numbers of the commands that a shell may route into the viewer. Some are reserved and have no handler yet; those
+/// that have one are listed in Commands.h.
 enum class CommandId {
     New = 57600,
     Print = 57607,

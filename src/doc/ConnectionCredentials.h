@@ -5,9 +5,9 @@
 
 namespace tavix {
 
-/// Whether the connection string is the URI of a repository server and names no user or no password for it.
+/// Whether the connection string is the URI of a repository server that lacks a user or a password.
 [[nodiscard]] bool lacksCredentials(std::string_view connection);
-/// The URI with what it lacks, percent-encoded; what it names already stays. Without a user there is no password.
+/// The URI with the missing user and password added, percent-encoded. Adds no password where there is no user.
 [[nodiscard]] std::string withCredentials(std::string_view connection, std::string_view user,
                                           std::string_view password);
 

@@ -8,8 +8,8 @@
 
 namespace tavix {
 
-/// The filter texts of a report's fields, one for each distribution. A field's id names the same field in every run, so
-/// a filter stays while its user goes from run to run to compare what it leaves; another report begins without any.
+/// The filter texts of a report's fields, one for each distribution. A field keeps its id in every run, so a filter
+/// stays when the user switches between runs to compare them. Another report starts without filters.
 class FieldFilters {
   public:
     /// "" for no filter. Valid until the next Set.

@@ -23,7 +23,7 @@ std::optional<source::Credentials> SourceLogins::Answer(const std::string& sourc
         return std::nullopt;
     const int cleared = m_cleared;
     auto answer = m_ask(question);
-    // The report for which the user was asked is closed.
+    // The report was closed while the user was being asked.
     if (cleared != m_cleared)
         return std::nullopt;
     if (answer)

@@ -10,23 +10,23 @@
 
 namespace tavix {
 
-/// Who the user is to the databases behind a report, for as long as the report is open: the name of a source may mean
-/// another server in another report. What was answered lives in memory only.
+/// The user's logins to the data sources of the open report. They are kept in memory only, and no longer than the
+/// report is open, since the same source name may mean another server in another report.
 class SourceLogins {
   public:
     struct Question {
         std::string source;  ///< the data source's name
-        std::string user;    ///< whom the environment names, else who is logged in to the system
-        std::string refusal; ///< the words of the server
+        std::string user;    ///< from the environment, else the system's login name
+        std::string refusal; ///< the server's error text
     };
-    /// Nothing when the user gives no answer.
+    /// Returns nothing when the user cancels.
     using Ask = std::function<std::optional<source::Credentials>(const Question&)>;
 
-    /// Without one, nobody is asked.
+    /// Without this, the user is never asked.
     void SetAsk(Ask ask) { m_ask = std::move(ask); }
-    /// What a session wants to be given; this object must outlive it.
+    /// The callback for a session; this object must outlive it.
     [[nodiscard]] source::AskCredentials ForSession();
-    /// The source for which the user last gave no answer; from then on it is forgotten.
+    /// The source for which the user last cancelled; the call clears it.
     [[nodiscard]] std::optional<std::string> TakeDeclined() { return std::exchange(m_declined, std::nullopt); }
     /// Forgets all answers.
     void Clear();
@@ -37,7 +37,7 @@ class SourceLogins {
     Ask m_ask;
     std::map<std::string, source::Credentials> m_known; ///< by source
     std::optional<std::string> m_declined;
-    int m_cleared = 0; ///< how often, to notice that it happened while the user was asked
+    int m_cleared = 0; ///< number of Clear() calls, to notice one while the user is being asked
 };
 
 } // namespace tavix

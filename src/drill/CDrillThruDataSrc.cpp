@@ -16,13 +16,12 @@ namespace {
 
 constexpr int kDefaultWidth = 120;
 constexpr int kMostWidth = 360;
-// About a letter of the data font, and what the heading's arrow and the cell's margins take.
+// In pixels: about the width of a letter in the data font; the heading's arrow and the cell's margins.
 constexpr int kLetterWidth = 7;
 constexpr int kMargins = 30;
 constexpr std::uint32_t kMeasuredRows = 200;
 
-/// The letters of the data font that a text is about as wide as: two for each wide East Asian character, none for a
-/// mark that joins the one before.
+/// The approximate width of a text in letters: two for a wide East Asian character, none for a combining mark.
 std::size_t letterWidths(std::string_view text) {
     std::size_t letters = 0;
     forEachCharacter(text, [&](std::int32_t character, std::string_view) {
@@ -39,16 +38,14 @@ std::size_t letterWidths(std::string_view text) {
 void CDrillThruDataSrc::SetRows(DrillRows rows) {
     m_rows = std::move(rows);
     freeMemory(m_order);
-    m_sortColumn = -1;
-    m_descending = false;
     m_widths.clear();
     for (std::size_t column = 0; column < m_rows.columns().size(); ++column)
         m_widths.push_back(WidthOf(column));
 }
 
-// Wider than usual where what is read first needs it.
+// Wider than the default if the heading or the first rows need it.
 int CDrillThruDataSrc::WidthOf(std::size_t column) const {
-    // More bytes than that are wider than any column whatever they are.
+    // A text of more bytes is wider than any column.
     const auto lettersOf = [](std::string_view text) { return letterWidths(cutToBytes(text, kMostWidth)); };
     std::size_t letters = lettersOf(m_rows.columns()[column].name);
     for (std::uint32_t row = 0; row < std::min(kMeasuredRows, m_rows.count()); ++row)
@@ -82,15 +79,7 @@ bool CDrillThruDataSrc::Sort(int column, bool descending) {
         m_rows.texts(column, first, texts);
     };
     m_order = sortedByText(m_rows.count(), textsFrom, descending);
-    m_sortColumn = column;
-    m_descending = descending;
     return true;
-}
-
-CDrillThruDataSrc::SortArrow CDrillThruDataSrc::GetSortArrow(int column) const {
-    if (column != m_sortColumn)
-        return SortArrow::None;
-    return m_descending ? SortArrow::Down : SortArrow::Up;
 }
 
 std::optional<CellPlace> findText(const CDrillThruDataSrc& source, std::string_view text, CellPlace from,

@@ -9,13 +9,10 @@
 
 namespace tavix {
 
-/// The rows of a drill-through in the grid: cells show the texts as they were read.
+/// The rows of a drill-through as a data source of the grid. Cells show the texts as they were read.
 class CDrillThruDataSrc final : public CUGDataSource {
   public:
-    /// What the heading of a column shows beside its name; the numbers are the grid's cell types.
-    enum class SortArrow { None = -1, Up, Down };
-
-    /// Replaces rows and columns; the rows are in the order in which they were read, without a sort arrow.
+    /// Replaces rows and columns. The rows are in the order in which they were read.
     void SetRows(DrillRows rows);
     [[nodiscard]] const DrillRows& GetRows() const { return m_rows; }
 
@@ -23,10 +20,10 @@ class CDrillThruDataSrc final : public CUGDataSource {
     [[nodiscard]] std::int64_t GetRowCount() const override { return m_rows.count(); }
     [[nodiscard]] GridColumn GetColumn(int column) const override;
     [[nodiscard]] GridCell GetCell(int column, std::int64_t row) const override;
-    /// The place in which the row was read.
+    /// The row's index in reading order.
     [[nodiscard]] std::int64_t GetRowKey(std::int64_t row) const override { return RecordAt(row); }
-    /// In the order of CellOrderKey, which is total. Numbers thus come before texts in a column that mixes them, and a
-    /// null, which is an empty text here, between the two. With fewer than two rows nothing happens.
+    /// Sorts in the order of CellOrderKey, which is total: numbers come first, then nulls, which are empty texts here,
+    /// then texts. Does nothing with fewer than two rows.
     bool Sort(int column, bool descending) override;
 
     /// As GetCell() without a copy; valid until the rows are replaced.
@@ -36,8 +33,6 @@ class CDrillThruDataSrc final : public CUGDataSource {
     [[nodiscard]] kvbType GetType(int column) const {
         return m_rows.columns().at(static_cast<std::size_t>(column)).type;
     }
-    /// Up for ascending and down for descending in the sort column, else none.
-    [[nodiscard]] SortArrow GetSortArrow(int column) const;
 
   private:
     [[nodiscard]] std::uint32_t RecordAt(std::int64_t row) const {
@@ -46,13 +41,11 @@ class CDrillThruDataSrc final : public CUGDataSource {
     [[nodiscard]] int WidthOf(std::size_t column) const;
 
     DrillRows m_rows;
-    std::vector<std::uint32_t> m_order; ///< records by row; empty as long as they are in the order of reading
+    std::vector<std::uint32_t> m_order; ///< records by row; empty in reading order
     std::vector<int> m_widths;
-    int m_sortColumn = -1;
-    bool m_descending = false;
 };
 
-/// A cell in the order in which the grid shows them.
+/// The position of a cell in the grid's current order.
 struct CellPlace {
     std::int64_t row = 0;
     int column = 0;
@@ -62,8 +55,8 @@ struct CellPlace {
 
 enum class SearchDirection { Forward, Backward };
 
-/// The next cell that holds the text, in any case; the search begins with `from`, or behind it (before it, backward)
-/// when `beyond` is set, and goes on at the other end. Nothing for an empty text and when no cell holds it.
+/// The next cell that contains the text, ignoring case. The search starts at `from`, or with the cell after it in
+/// search direction if `beyond` is set, and wraps around. Nothing for an empty text or without a match.
 [[nodiscard]] std::optional<CellPlace> findText(const CDrillThruDataSrc& source, std::string_view text, CellPlace from,
                                                 SearchDirection direction, bool beyond);
 

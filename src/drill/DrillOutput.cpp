@@ -34,7 +34,7 @@ bool isTooLong(const std::string& path) {
     return path.size() >= PATH_MAX || std::filesystem::path(path).filename().string().size() > NAME_MAX;
 }
 
-/// With a line break instead of the last comma.
+/// Writes the line with a line break in place of the last comma, and clears it.
 Status putLine(FileWriter& file, std::string& line) {
     if (!line.empty())
         line.pop_back();
@@ -141,10 +141,10 @@ std::string drillFileName(std::string_view context) {
     std::replace_if(
         name.begin(), name.end(),
         [](char c) { return static_cast<unsigned char>(c) < ' ' || std::strchr("/\\:*?\"<>|", c) != nullptr; }, '_');
-    // Room for an extension.
+    // Leaves room for an extension.
     constexpr std::size_t kMostBytes = 200;
     name.resize(cutToBytes(name, kMostBytes).size());
-    // A name that begins with a point would be hidden.
+    // A leading dot would make a hidden file.
     return name.empty() || name.front() == '.' ? "drill through" + name : name;
 }
 

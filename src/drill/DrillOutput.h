@@ -14,20 +14,20 @@ inline constexpr std::string_view kDrillFilePatterns =
     "Text Files (*.txt;*.csv)|*.txt;*.csv|Worksheets (*.xls)|*.xls||";
 inline constexpr std::string_view kDrillFileExtension = "txt";
 
-/// Where a file dialog begins; "" when the settings do not say.
+/// The initial folder of a file dialog; "" when the settings have none.
 [[nodiscard]] std::string drillFolder(const SettingsStore& settings);
-/// A file name made of the table's or field's name, without an extension.
+/// A file name built from the table's or field's name, without an extension.
 [[nodiscard]] std::string drillFileName(std::string_view context);
 
-/// Writes headings and rows in the order in which the grid shows them: a worksheet when the path ends in ".xls", in any
-/// case, else lines of cells that are joined by commas. Headings stand in double quotes, and so do cells but those of
-/// integer and real columns; quotes within are left as they are. A file that exists is replaced when the user agrees,
-/// as a whole, and after a failure it is as it was. `context` names the worksheet. False when nothing was written,
-/// whether the user has been told why or wants it so.
+/// Writes headings and rows in the grid's current order: a worksheet if the path ends in ".xls", ignoring case, else
+/// comma-separated lines. Headings are enclosed in double quotes, and so are cells except those of integer and real
+/// columns; quotes in the text are not escaped. Asks before it replaces a file, replaces it as a whole, and leaves it
+/// unchanged on failure. `context` names the worksheet. False when nothing was written: the user declined, or a message
+/// has said why.
 bool saveDrillRows(const CDrillThruDataSrc& source, const std::string& path, std::string_view context,
                    Messages& messages);
 
-/// Puts the bytes of the file `made` into the file at `path`, as whole as saveDrillRows() does.
+/// Copies the file `made` to `path`, which is replaced as a whole or, on failure, left unchanged.
 Status saveMadeFile(const std::string& made, const std::string& path);
 
 } // namespace tavix

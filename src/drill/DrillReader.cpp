@@ -10,7 +10,7 @@ namespace tavix {
 
 namespace {
 
-// Between two looks at whether to go on.
+// The number of rows between two calls of the watch.
 constexpr std::int64_t kWatchedRows = 256;
 
 kvbType typeOf(const PrViewerDrillCursor& cursor, int column) {
@@ -44,7 +44,7 @@ void read(Cursor& cursor, DrillSourceMode mode, std::int64_t limit, const DrillW
     for (int column = first; column < cursor.getColumnCount(); ++column)
         columns.push_back({cursor.getColumnName(column).str(), typeOf(cursor, column)});
     result.rows = DrillRows(std::move(columns));
-    // Rows of no columns are nothing to look at.
+    // Rows without columns are not read.
     if (!result.rows.columns().empty()) {
         try {
             result.end = readRows(cursor, first, limit, watch, result.rows);

@@ -11,7 +11,7 @@
 
 namespace tavix {
 
-/// Where the rows of a drill-through come from, and which of a cursor's columns are shown.
+/// The kind of rows, which decides the columns of the cursor that are shown.
 enum class DrillSourceMode {
     Rows = 0,    ///< all columns
     RuleLog = 1, ///< a business rule's row log, whose first columns are bookkeeping
@@ -21,23 +21,23 @@ using DrillCursor = std::variant<PrViewerDrillCursorHandle, ProfileCursorHandle>
 
 enum class DrillEnd {
     Complete,
-    LimitReached, ///< whether there are more rows is not known
+    LimitReached, ///< there may be more rows
     Cancelled,
     Failed,
 };
 
 struct DrillResult {
-    DrillRows rows; ///< what was read, however it ended
+    DrillRows rows; ///< the rows that were read before the end
     DrillEnd end = DrillEnd::Complete;
-    std::string reason;  ///< why it failed, in the library's words
-    std::string warning; ///< what the library has to say of the rows beside
+    std::string reason;  ///< the library's error text
+    std::string warning; ///< the library's warning about the rows
 };
 
-/// Called now and then with the number of rows read so far; false asks to stop.
+/// Called at intervals with the number of rows read so far; returns false to cancel.
 using DrillWatch = std::function<bool(std::int64_t rows)>;
 
-/// Reads at most `limit` rows, at least 1, and gives the cursor back before it returns, whatever happens. A cursor that
-/// is null has failed already. The types of a ProfileCursor's columns are all text.
+/// Reads at most `limit` rows, at least 1, and releases the cursor before it returns. A null cursor gives
+/// DrillEnd::Failed. All columns of a ProfileCursor have type text.
 [[nodiscard]] DrillResult readDrillRows(DrillCursor cursor, DrillSourceMode mode, std::int64_t limit,
                                         const DrillWatch& watch);
 

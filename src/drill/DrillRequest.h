@@ -9,7 +9,7 @@
 
 namespace tavix {
 
-/// What a drill-through window is opened with.
+/// What a drill-through window needs to open.
 struct DrillRequest {
     DrillOrigin origin = DrillOrigin::Frequency;
     DrillCursor cursor;

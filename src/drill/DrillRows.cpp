@@ -8,12 +8,12 @@ namespace tavix {
 namespace {
 
 constexpr std::size_t kChunkBytes = std::size_t{1} << 20;
-// Most rows that begin in a chunk end in it without making it grow.
+// Leaves room for the last row of a chunk, so that few chunks reallocate.
 constexpr std::size_t kChunkReserve = kChunkBytes + kChunkBytes / 64;
-// A search for a cell passes over no more cells than about this many.
+// About the number of cells that a lookup skips at most.
 constexpr std::uint32_t kPassedCells = 8;
 
-// A cell is its length + 1, seven bits a byte with the low ones first, then its bytes. 0 is null.
+// A cell is its length + 1 as a varint (seven bits per byte, low bits first), then its bytes. 0 means null.
 void putLength(std::vector<char>& chunk, std::size_t length) {
     for (; length >= 0x80; length >>= 7)
         chunk.push_back(static_cast<char>((length & 0x7F) | 0x80));

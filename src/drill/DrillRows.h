@@ -16,13 +16,13 @@ struct DrillColumn {
     kvbType type = kvbType::Text;
 };
 
-/// Whether output writes the type's values bare, and lists align them as numbers.
+/// Whether output writes values of the type without quotes, and lists align them right.
 [[nodiscard]] inline bool isNumeric(kvbType type) {
     return type == kvbType::Integer || type == kvbType::Real;
 }
 
-/// Rows of texts, kept together: beside its bytes a cell takes one byte (three from 127 bytes on), and a row at most
-/// eight.
+/// Rows of texts in compact form. Beyond its bytes a cell takes one byte (two or more from 127 bytes on), and a row at
+/// most eight.
 class DrillRows {
   public:
     explicit DrillRows(std::vector<DrillColumn> columns = {});
@@ -31,25 +31,25 @@ class DrillRows {
     /// At most 2^32 - 1.
     [[nodiscard]] std::uint32_t count() const { return m_count; }
 
-    /// Appends a cell to the row that is being made; null is kept as such.
+    /// Appends a cell to the open row; null stays null.
     void add(const KvbString& value);
-    /// Ends the row; as many cells as there are columns have been added.
+    /// Completes the open row, to which one cell per column must have been added.
     void endRow();
-    /// Takes back the cells that were added since the last row ended.
+    /// Drops the cells of the open row.
     void dropOpenRow();
-    /// Gives back the room that was kept for further rows; more may be added nevertheless.
+    /// Frees the memory reserved for further rows. More rows may still be added.
     void finish();
 
     struct Cell {
-        std::string_view text; ///< "" when null; valid as long as the rows
+        std::string_view text; ///< "" when null; valid as long as the DrillRows
         bool isNull = false;
     };
     [[nodiscard]] Cell cell(int column, std::uint32_t row) const;
 
-    /// Fills `texts` with those of the rows from `first` on: faster than cell by cell.
+    /// Fills `texts` with the column's texts of the rows from `first` on; faster than cell by cell.
     void texts(int column, std::uint32_t first, std::span<std::string_view> texts) const;
 
-    /// What the rows take up in memory.
+    /// The memory that the rows take.
     [[nodiscard]] std::size_t bytes() const;
 
   private:
@@ -61,10 +61,10 @@ class DrillRows {
     void shrink();
 
     std::vector<DrillColumn> m_columns;
-    std::uint32_t m_stride; ///< narrow rows share a place; no chunk ends within it
+    std::uint32_t m_stride; ///< rows per offset; a chunk never ends between them
     std::uint32_t m_count = 0;
     bool m_inRow = false;
-    std::size_t m_rowBegin = 0; ///< of the row that is being made, in the last chunk
+    std::size_t m_rowBegin = 0; ///< of the open row, in the last chunk
     std::vector<std::vector<char>> m_chunks;
     std::vector<Place> m_places; ///< of every m_stride-th row
 };

@@ -13,7 +13,7 @@ std::string countStatus(const DrillResult& result, std::optional<std::int64_t> i
     const std::int64_t rows = result.rows.count();
     switch (result.end) {
     case DrillEnd::LimitReached:
-        // Whether the source has more is known only from the run.
+        // Only the run's count shows whether the source has more rows.
         if (inRun && *inRun == rows)
             return countOf(rows, "row");
         return "The first " + countOf(rows, "row") + (inRun && *inRun > rows ? " of " + groupedCount(*inRun) : "") +

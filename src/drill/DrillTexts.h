@@ -10,7 +10,7 @@
 
 namespace tavix {
 
-/// What a drill-through is opened from.
+/// The list that a drill-through is opened from.
 enum class DrillOrigin {
     Frequency,
     PatternFrequency,
@@ -22,16 +22,15 @@ enum class DrillOrigin {
 [[nodiscard]] std::string_view drillTitle(DrillOrigin origin);
 
 inline constexpr std::string_view kDrillUnavailable = "Drill through information is unavailable for this item.";
-/// The same when the user gave no answer to the question who he is to a data source.
+/// The message when the user cancelled the login to the data source.
 [[nodiscard]] std::string drillDeclined(std::string_view source);
 inline constexpr std::string_view kDrillErrorCaption = "Error";
 inline constexpr std::string_view kDrillPrintJob = "Profile - Drill Through";
 
-/// False where the installation's connections lead to no source rows: the connection type is "CTDD".
+/// False when the connection type in the settings is "CTDD", ignoring case: such connections have no source rows.
 [[nodiscard]] bool isDrillOffered(const SettingsStore& settings);
 
-/// How many rows there are and why there are not others, for a line below them. `inRun` is how many the run counted, if
-/// that is known.
+/// The status line: the number of rows, and why there are not more. `inRun` is the run's count, if known.
 [[nodiscard]] std::string drillStatus(const DrillResult& result, std::optional<std::int64_t> inRun);
 
 } // namespace tavix

@@ -8,7 +8,7 @@ namespace tavix {
 
 DeleteHistoryModel::DeleteHistoryModel(std::vector<RunInfo> runs, int currentRun)
     : m_runs(std::move(runs)), m_currentRun(currentRun) {
-    // By id and not by date: the bound of a deletion is an id.
+    // Sorted by id and not by date, because the bound of a deletion is an id.
     std::sort(m_runs.begin(), m_runs.end(), [](const RunInfo& a, const RunInfo& b) { return a.id > b.id; });
 }
 

@@ -10,7 +10,7 @@
 namespace tavix {
 
 /// The delete-history dialog without its window: which runs are deleted, and which run is shown afterwards. The newest
-/// run always stays.
+/// run is never deleted.
 class DeleteHistoryModel {
   public:
     DeleteHistoryModel(std::vector<RunInfo> runs, int currentRun);
@@ -21,20 +21,20 @@ class DeleteHistoryModel {
 
     /// Whether the run in this row can be deleted together with all older ones.
     [[nodiscard]] bool CanDeleteFrom(int row) const { return row > 0 && row < static_cast<int>(m_runs.size()); }
-    /// Chooses it; a row that cannot be deleted means that nothing is.
+    /// Chooses this run and all older ones. A row that cannot be deleted clears the choice.
     void DeleteFrom(int row);
     [[nodiscard]] bool IsDeleted(int row) const { return m_first > 0 && row >= m_first; }
     [[nodiscard]] bool DeletesAnything() const { return m_first > 0; }
     [[nodiscard]] bool DeletesCurrent() const;
 
-    /// How many runs stay; they are the first rows.
+    /// How many runs are kept; they are the first rows.
     [[nodiscard]] int StayingCount() const;
-    /// A run to be shown afterwards; one that does not stay is not taken. While the current run stays it is that one.
+    /// The run to show afterwards. Ignored if that run is deleted, and as long as the current run is kept.
     void ShowAfterwards(int runId);
 
-    /// Only to be asked when something is deleted.
+    /// Only valid when something is deleted.
     [[nodiscard]] HistoryDeletion Deletion() const;
-    /// A sentence that says how many runs of which time are deleted.
+    /// A sentence that says how many runs are deleted, and from which dates.
     [[nodiscard]] std::string Summary(const std::locale& locale) const;
 
   private:

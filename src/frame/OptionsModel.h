@@ -10,7 +10,8 @@
 
 namespace tavix {
 
-/// The settings that the Options sheet edits, apart from the metrics.
+/// The settings that the Options sheet edits, apart from the metrics. OverrideFieldWidths and DefaultLocale are not
+/// among them: nothing reads these two before there is a knowledge base.
 struct OptionValues {
     int maxChartVals = 0;
     int maxFreqVals = 0;
@@ -22,20 +23,18 @@ struct OptionValues {
     bool newestNotesFirst = false;
     bool hideWelcome = false;
     DataFont statFont;
-    std::string defaultLocale;
-    bool overrideFieldWidths = false;
 
     bool operator==(const OptionValues&) const = default;
 };
 
-/// One whole number of the sheet, with the setting whose range it has.
+/// One integer of the sheet and its setting, which gives the range.
 struct OptionNumber {
     Setting setting;
     int OptionValues::*value;
 };
 [[nodiscard]] std::vector<OptionNumber> optionNumbers();
 
-/// Why the sheet cannot be closed with OK, and where the user has to go.
+/// Why the sheet cannot be closed with OK, and the field to correct.
 struct OptionProblem {
     Setting field;
     std::string text;
@@ -46,14 +45,14 @@ struct OptionProblem {
 /// The Options sheet without its window.
 class OptionsModel {
   public:
-    /// `metrics` is the document's list; its index is the metric's id.
+    /// `metrics` is the document's list, indexed by metric id.
     OptionsModel(const SettingsStore& store, std::vector<MetricDisplay> metrics);
 
     OptionValues values;
 
     [[nodiscard]] std::optional<OptionProblem> Check() const;
-    /// Writes the values, the others too when one fails; the metrics are written by the document. Only to be called
-    /// when Check finds nothing.
+    /// Writes all values, even after one fails, and returns the first failure. The document writes the metrics. Call it
+    /// only when Check finds nothing.
     Status Save(SettingsStore& store) const;
 
     /// The metrics in the user's order, one a row.
@@ -62,11 +61,11 @@ class OptionsModel {
     void SetShown(int row, bool shown);
     void ShowAll(bool shown);
     [[nodiscard]] bool CanMove(int row, int steps) const;
-    /// Moves a row down by `steps`, up when negative; false with nothing done when it cannot go there.
+    /// Moves a row down by `steps`, or up if negative. False, without a change, when it cannot go there.
     bool Move(int row, int steps);
     /// How many are shown.
     [[nodiscard]] int ShownCount() const;
-    /// The edited list in the order of the ids. Places change only when a row was moved.
+    /// The edited list in the order of the ids. Positions change only when a row was moved.
     [[nodiscard]] const std::vector<MetricDisplay>& Metrics() const { return m_metrics; }
 
   private:

@@ -7,11 +7,11 @@
 
 namespace tavix {
 
-/// Offers the command to one after the other until one handles it. A null stands for a pane that is not there.
+/// Offers the command to the targets in order until one handles it. Null means that there is no such pane.
 bool offerCommand(std::span<CommandTarget* const> chain, int commandId);
-/// What the first who knows the command says about it.
+/// The state that the first target with a handler for the command reports.
 [[nodiscard]] CommandState askCommand(std::span<CommandTarget* const> chain, int commandId);
-/// Tells everyone but the sender, in order. While a report is loading, TaskListLost is kept back.
+/// Refreshes all panes but the sender, in order. While a report is loading, TaskListLost is dropped.
 void refreshPanes(std::span<CRefreshItem* const> panes, CRefreshItem* sender, RefreshHint hint, int parameter,
                   bool isLoading);
 

@@ -6,7 +6,7 @@ namespace tavix {
 
 namespace {
 
-// A pane begins one pixel beyond the bar at its left.
+// A pane begins one pixel right of its left bar.
 constexpr int kBarAndGap = kSplitterWidth + 1;
 
 PaneSpan between(int from, int to) {
@@ -50,7 +50,7 @@ int clampedDrag(Splitter splitter, int x, const PaneLayout& layout) {
     if (splitter == Splitter::Left) {
         if (x - kHalf < 0)
             return kHalf;
-        // The bar may touch the window's edge, the other bar it may not.
+        // The bar may touch the window's edge but not the other bar.
         const int limit = layout.hasInfo ? layout.rightSplitter : layout.width;
         const bool isTooFar = layout.hasInfo ? x + kHalf >= limit : x + kHalf > limit;
         return isTooFar ? limit - 4 : x;

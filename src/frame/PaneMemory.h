@@ -5,7 +5,7 @@
 
 namespace tavix {
 
-/// What the frame remembers from one start to the next.
+/// The layout that the frame keeps between sessions.
 struct PaneMemory {
     PaneRatios ratios;
     bool showsInfo = false;
@@ -13,7 +13,7 @@ struct PaneMemory {
     bool operator==(const PaneMemory&) const = default;
 };
 
-/// A ratio that is missing or outside 0 to 1 takes its default.
+/// A ratio that is missing or outside 0 to 1 gets its default.
 [[nodiscard]] PaneMemory readPaneMemory(const SettingsStore& settings);
 Status writePaneMemory(SettingsStore& settings, const PaneMemory& memory);
 

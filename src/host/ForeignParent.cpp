@@ -35,7 +35,7 @@ bool isWindow(xcb_connection_t* display, xcb_window_t window) {
     return reply && reply->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT;
 }
 
-// In the toolkit's units. Its own object for a foreign window learns the size only later.
+// In Qt's units. Qt's own object for a foreign window does not know the size yet.
 QSize sizeOf(xcb_connection_t* display, xcb_window_t window) {
     xcb_generic_error_t* error = nullptr;
     const ReplyPointer<xcb_get_geometry_reply_t> reply(
@@ -44,7 +44,7 @@ QSize sizeOf(xcb_connection_t* display, xcb_window_t window) {
     return reply ? QSize(reply->width, reply->height) / qGuiApp->devicePixelRatio() : QSize();
 }
 
-// From the window up to its last ancestor below the root; empty when it is gone.
+// The window and its ancestors below the root window; empty when the window does not exist.
 std::vector<xcb_window_t> ancestry(xcb_connection_t* display, xcb_window_t window) {
     std::vector<xcb_window_t> path;
     while (window != XCB_NONE) {
@@ -60,7 +60,7 @@ std::vector<xcb_window_t> ancestry(xcb_connection_t* display, xcb_window_t windo
     return path;
 }
 
-// The window that the window manager knows: the one with a WM_STATE, below the manager's own frame.
+// The window that the window manager manages: it has a WM_STATE and lies below the manager's frame.
 xcb_window_t topLevelOf(xcb_connection_t* display, xcb_window_t window) {
     const std::vector<xcb_window_t> path = ancestry(display, window);
     const std::string_view name = "WM_STATE";
@@ -79,8 +79,8 @@ xcb_window_t topLevelOf(xcb_connection_t* display, xcb_window_t window) {
 
 QtMessageHandler nextHandler = nullptr;
 
-// The toolkit makes the view the owner of each window that it creates for a child of it, finds that the view is not at
-// the top itself, and warns. The right owner is set when the window is shown, before the screen knows of it.
+// Qt makes the view the owner of each window that it creates for a child of it, and warns because the view is not a
+// top-level window. eventFilter() sets the right owner when the window is shown, before it is mapped.
 void withoutOwnerWarning(QtMsgType type, const QMessageLogContext& context, const QString& text) {
     if (!text.endsWith(QLatin1String("must be a top level window.")))
         nextHandler(type, context, text);
@@ -91,7 +91,7 @@ void installHandlerOnce() {
         nextHandler = qInstallMessageHandler(withoutOwnerWarning);
 }
 
-// Menus, lists that drop down and tips are placed by the toolkit, without the window manager.
+// Qt places menus, drop-down lists and tool tips without the window manager.
 bool isManaged(const QWidget& window) {
     const Qt::WindowType type = window.windowType();
     return type == Qt::Window || type == Qt::Dialog || type == Qt::Tool;
@@ -145,7 +145,7 @@ bool ForeignParent::HasFocus() const {
     xcb_connection_t* display = connection();
     const ReplyPointer<xcb_get_input_focus_reply_t> reply(
         xcb_get_input_focus_reply(display, xcb_get_input_focus(display), nullptr));
-    // The two lowest numbers stand for no window and for the one under the pointer.
+    // The two lowest numbers mean no window and the window under the pointer.
     if (!reply || reply->focus <= XCB_INPUT_FOCUS_POINTER_ROOT)
         return false;
     for (const xcb_window_t each : ancestry(display, reply->focus)) {
@@ -167,24 +167,24 @@ bool ForeignParent::eventFilter(QObject* watched, QEvent* event) {
         return false;
     switch (event->type()) {
     case QEvent::MouseButtonPress:
-        // The toolkit believes that a click made the view active; the keys still go to the shell.
+        // Qt takes the view for active after a click, but X11 still sends the keys to the shell.
         if (widget == &m_view || m_view.isAncestorOf(widget))
             TakeFocus();
         break;
     case QEvent::KeyPress: {
         const auto& key = static_cast<const QKeyEvent&>(*event);
         const bool isTab = key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab;
-        // The call may release this object, which drops the function that runs.
+        // Called through a copy: the call may release this object, which clears the member.
         if (const auto offer = OfferKey; isTab && offer && widget == m_view.focusWidget() && offer(key))
             return true;
         break;
     }
     case QEvent::Show:
-        // The toolkit takes the embedded view for the top-level window, which the window manager has never heard of.
+        // Qt takes the embedded view for the top-level window, which the window manager does not know.
         if (widget != &m_view && isManaged(*widget) && Owns(widget)) {
             if (xcb_connection_t* display = connection(); display && widget->windowHandle()) {
                 const xcb_window_t top = topLevelOf(display, static_cast<xcb_window_t>(m_window));
-                // Windows that are open keep the one that they have.
+                // Windows that are already open keep their owner.
                 if (!m_topLevel || m_topLevel->winId() != top)
                     m_topLevel.reset(QWindow::fromWinId(top));
                 widget->windowHandle()->setTransientParent(m_topLevel.get());
@@ -203,7 +203,7 @@ bool ForeignParent::nativeEventFilter(const QByteArray&, void* message, qintptr*
         return false;
     const auto* destroyed = static_cast<const xcb_destroy_notify_event_t*>(message);
     if (destroyed->window == m_window && Lost) {
-        // The call may end this object; the copy outlives it.
+        // Called through a copy: the call may destroy this object.
         QMetaObject::invokeMethod(
             this, [lost = Lost] { lost(); }, Qt::QueuedConnection);
     }

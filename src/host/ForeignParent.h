@@ -13,23 +13,22 @@ class QWindow;
 
 namespace Veldra::Solenne::Tavix {
 
-/// A window of another toolkit that a widget lives in, under X11: what the toolkit does not do by itself there. A click
-/// takes the keyboard, Tab is offered to the shell, dialogs belong to the shell's top-level window, and the end of the
+/// Embeds a widget in a window of another toolkit under X11, and adds what Qt does not do there: a click takes the
+/// keyboard, Tab is offered to the shell, dialogs belong to the shell's top-level window, and the destruction of the
 /// window is noticed.
 class ForeignParent final : public QObject, public QAbstractNativeEventFilter {
   public:
-    /// Puts `view`, a widget without a parent, into the window, as large as that is, and shows it. Null when there is
-    /// no such window, or no X11. The view must be destroyed before this object is.
+    /// Puts `view`, a widget without a parent, into the window, resizes it to fill the window, and shows it. Null when
+    /// there is no such window, or no X11. The view must be destroyed before this object.
     static std::unique_ptr<ForeignParent> Embed(QWidget& view, NativeWindow parent);
     ~ForeignParent() override;
 
-    /// Asked before a Tab goes to the toolkit; true keeps it from there.
+    /// Called before Qt handles a Tab key; true means that the key was consumed.
     std::function<bool(const QKeyEvent& event)> OfferKey;
-    /// The window of the view is gone, because the shell destroyed its parent. Called from the event loop.
+    /// Called from the event loop after the shell destroyed the parent window, and with it the view's window.
     std::function<void()> Lost;
 
-    /// Hides the view and takes it out of the window, for a view that is destroyed later than the window may be. Calls
-    /// nobody any more.
+    /// Hides the view and takes it out of the window, which may then be destroyed before the view. No callbacks follow.
     void Release();
 
     [[nodiscard]] NativeWindow GetWindow() const { return m_window; }

@@ -8,13 +8,13 @@
 
 namespace Veldra::Solenne::Tavix {
 
-/// The messages of one view: passed on to the shell, or shown in boxes of our own, until the view is cut off.
+/// The messages of one view: passed on to the shell or to our own message boxes until they are silenced.
 class HostMessages final : public tavix::Messages {
   public:
-    /// `target` must outlive this object or the call of Silence.
+    /// `target` must live until Silence is called or this object is destroyed.
     explicit HostMessages(tavix::Messages& target) : m_target(&target) {}
 
-    /// From now on nothing is shown, and every question is answered with No.
+    /// Shows nothing from now on, and answers every question with No.
     void Silence() { m_target = nullptr; }
 
     void warn(std::string_view text, std::string_view caption) override {
@@ -28,7 +28,7 @@ class HostMessages final : public tavix::Messages {
             return Answer::No;
         const tavix::NestedLoop loop(tavix::NestedLoop::Kind::Dialog);
         const Answer answer = m_target->ask(text, caption, preset);
-        // Meanwhile it may have been silenced.
+        // Silence may have been called while the question was shown.
         return m_target ? answer : Answer::No;
     }
     [[nodiscard]] std::unique_ptr<Busy> busy() override {

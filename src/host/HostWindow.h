@@ -23,7 +23,7 @@ struct TavixHost::Window {
         dialogs = QObject::connect(&loops, &tavix::NestedLoops::dialogsChanged,
                                    [&host](bool isOpen) { host.DialogEvent.Raise(host, isOpen); });
     }
-    // The window that holds the view must still be there when the view goes.
+    // The view must be destroyed before the window that holds it.
     ~Window() {
         QObject::disconnect(dialogs);
         delete view;
@@ -32,8 +32,8 @@ struct TavixHost::Window {
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
 
-    /// Cuts the view off from host and shell, and takes it off the screen. Functions of the view that are still on the
-    /// stack continue with an empty view.
+    /// Disconnects the view from host and shell and hides it. Functions of the view that are still on the stack
+    /// continue with an empty view.
     void Retire() {
         QObject::disconnect(dialogs);
         QObject::disconnect(ownerGone);
@@ -44,20 +44,20 @@ struct TavixHost::Window {
         if (!view)
             return;
         view->Retire();
-        // The shell is free to destroy the widget that it gave.
+        // The shell may destroy the parent widget.
         if (view->parentWidget())
             view->setParent(nullptr);
     }
 
     std::shared_ptr<tavix::CTavixApp> app; ///< outlives the view
-    tavix::QtMessages boxes;               ///< for a shell that shows no messages itself
+    tavix::QtMessages boxes;               ///< used when the shell shows no messages itself
     HostMessages messages;
     QPointer<tavix::CTavixView> view;
-    std::unique_ptr<ForeignParent> parent; ///< null in a shell that is built with the same toolkit
+    std::unique_ptr<ForeignParent> parent; ///< null in a shell built with Qt
     TavixKeyboardSite* keyboard = nullptr;
-    bool isRefusing = false; ///< the message that a dialog is open is on the screen
+    bool isRefusing = false; ///< the message about an open dialog is being shown
     QMetaObject::Connection dialogs;
-    QMetaObject::Connection ownerGone; ///< of a shell that is built with the same toolkit
+    QMetaObject::Connection ownerGone; ///< only in a shell built with Qt
 };
 
 } // namespace Veldra::Solenne::Tavix

@@ -11,7 +11,7 @@ struct KeyNumber {
     int key;
 };
 
-// Shift+Tab is a key of its own to the toolkit; the way back finds the first row.
+// Qt has a key of its own for Shift+Tab. From number to key, the first row is found.
 constexpr std::array<KeyNumber, 17> kKeys = {{
     {NativeKey::Tab, Qt::Key_Tab},
     {NativeKey::Tab, Qt::Key_Backtab},
@@ -38,7 +38,7 @@ bool isLetterOrDigit(std::uintptr_t number) {
 }
 
 int keyOf(std::uintptr_t number) {
-    // Letters, digits and their keys share the numbers of ASCII.
+    // The keys of letters and digits have ASCII numbers.
     if (isLetterOrDigit(number))
         return static_cast<int>(number);
     if (number >= NativeKey::F1 && number < NativeKey::F1 + kFunctionKeys)
@@ -71,7 +71,7 @@ Qt::KeyboardModifiers modifiersOf(const NativeMessage& message) {
     return held;
 }
 
-// What the key writes, so that typing in a tree finds a name.
+// The text that the key types; trees use it to find names.
 QString textOf(int key, Qt::KeyboardModifiers held) {
     if (held & (Qt::ControlModifier | Qt::AltModifier))
         return {};
@@ -83,7 +83,7 @@ QString textOf(int key, Qt::KeyboardModifiers held) {
     return held & Qt::ShiftModifier ? QString(character) : QString(character.toLower());
 }
 
-// A text of one character; empty for what nobody can type.
+// The character as text; empty for one that cannot be typed.
 QString characterOf(std::uintptr_t codePoint) {
     constexpr std::uintptr_t kDelete = 0x7f;
     constexpr std::uintptr_t kLastControl = 0x9f;
@@ -94,7 +94,7 @@ QString characterOf(std::uintptr_t codePoint) {
     return QChar::isSurrogate(character) ? QString() : QString::fromUcs4(&character, 1);
 }
 
-// The keys of the first 256 characters have the number of the capital letter.
+// Qt numbers the keys of the first 256 characters by their capital letters.
 int keyOfCharacter(const QString& character) {
     constexpr char16_t kLatin = 0x100;
     const char16_t unit = character.at(0).toUpper().unicode();

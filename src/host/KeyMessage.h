@@ -8,10 +8,10 @@
 
 namespace Veldra::Solenne::Tavix {
 
-/// The key event of a key or character message; null for any other message, for a key without a number of its own and
-/// for a number that is no character which can be typed.
+/// The key event for a key or character message. Null for any other message, an unknown key, or a character that cannot
+/// be typed.
 [[nodiscard]] std::unique_ptr<QKeyEvent> toKeyEvent(const NativeMessage& message);
-/// The message of a key press or release; a key without a number gives WParam 0.
+/// The message for a key press or release; WParam is 0 for an unknown key.
 [[nodiscard]] NativeMessage toNativeMessage(const QKeyEvent& event, NativeWindow window);
 
 [[nodiscard]] bool isKeyDown(const NativeMessage& message);

@@ -8,9 +8,9 @@
 
 namespace Veldra::Solenne::Tavix {
 
-/// A list of handlers. Attaching and detaching is allowed while the event is being raised: a handler that is detached
-/// by another is not called any more, one that is attached hears of the next time. A handler may even destroy the
-/// event; those after it are not called then.
+/// A list of handlers. Handlers may attach and detach while the event is being raised: a detached one is not called any
+/// more, a new one is called from the next time on. A handler may even destroy the event; then the handlers after it
+/// are not called.
 template <typename... Arguments>
 class TavixEvent {
   public:
@@ -22,7 +22,7 @@ class TavixEvent {
     TavixEvent(const TavixEvent&) = delete;
     TavixEvent& operator=(const TavixEvent&) = delete;
 
-    /// Handlers are called in the order in which they were attached. The token detaches this one.
+    /// Adds a handler after the others. The token detaches it.
     Token Attach(Handler handler) {
         m_handlers->emplace_back(++m_lastToken, std::move(handler));
         return m_lastToken;
@@ -33,7 +33,7 @@ class TavixEvent {
     }
     [[nodiscard]] bool HasHandlers() const { return !m_handlers->empty(); }
 
-    /// For the host.
+    /// Called by the host.
     void Raise(Arguments... arguments) const {
         const std::shared_ptr<const std::vector<Entry>> handlers = m_handlers;
         const std::vector<Entry> now = *handlers;

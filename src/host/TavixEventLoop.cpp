@@ -25,7 +25,7 @@ bool leavesPlatformOpen(const std::vector<std::string>& arguments) {
 } // namespace
 
 struct TavixEventLoop::Loop {
-    // The toolkit keeps pointers to all of these.
+    // Qt keeps pointers to all of these.
     std::vector<std::string> texts;
     std::vector<char*> arguments;
     int argumentCount = 0;
@@ -33,7 +33,7 @@ struct TavixEventLoop::Loop {
     std::map<int, std::unique_ptr<QSocketNotifier>> watched;
     bool somethingHappened = false;
 
-    // The toolkit deletes what was put off only when it returns to a loop of its own, which a shell never enters.
+    // Qt handles deferred deletions only in an event loop of its own, which a shell without Qt never enters.
     static void DeleteWhatWasPutOff() {
         if (!QApplication::activeModalWidget() && !QApplication::activePopupWidget())
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -56,7 +56,7 @@ bool TavixEventLoop::Start(int argc, char** argv) {
     m_loop->texts.assign(argv, argv + argc);
     if (m_loop->texts.empty())
         m_loop->texts.emplace_back("tavix");
-    // A window can be put into another toolkit's under X11 only, which a Wayland session offers as well.
+    // Embedding needs X11, which a Wayland session usually offers too.
     if (leavesPlatformOpen(m_loop->texts)) {
         m_loop->texts.emplace_back("-platform");
         m_loop->texts.emplace_back("xcb");
@@ -87,7 +87,7 @@ void TavixEventLoop::Watch(int descriptor, std::function<void()> readable) {
 }
 
 void TavixEventLoop::Unwatch(int descriptor) {
-    // A callback may stop watching its own descriptor.
+    // Deleted later, because a callback may stop watching its own descriptor.
     const auto found = m_loop->watched.find(descriptor);
     if (found == m_loop->watched.end())
         return;

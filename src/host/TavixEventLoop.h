@@ -6,15 +6,15 @@
 
 namespace Veldra::Solenne::Tavix {
 
-/// The event loop of the viewer, for a shell that is not built with its toolkit. A shell either keeps its own loop and
-/// calls ProcessEvents from it, or lets WaitForEvents sleep for both. All calls belong to one thread, which is then the
-/// thread of all hosts.
+/// The event loop of the viewer, for a shell that is not built with Qt. A shell either keeps its own loop and calls
+/// ProcessEvents from it, or lets WaitForEvents wait for both. All calls must be made on one thread, on which all hosts
+/// are used as well.
 ///
-/// While a dialog of the viewer is open, ExecuteCommand and the two calls here do not return: then it is the callbacks
-/// of watched descriptors that keep the shell's own windows painted.
+/// While a dialog of the viewer is open, ExecuteCommand, ProcessEvents and WaitForEvents do not return. The shell's
+/// windows must then be repainted from the callbacks of watched descriptors.
 class TavixEventLoop {
   public:
-    /// How long a shell that calls ProcessEvents may sleep in between without the viewer feeling slow.
+    /// How long a shell may sleep between calls of ProcessEvents without the viewer becoming sluggish.
     static constexpr std::chrono::milliseconds kPollInterval{10};
 
     TavixEventLoop();
@@ -23,23 +23,22 @@ class TavixEventLoop {
     TavixEventLoop(const TavixEventLoop&) = delete;
     TavixEventLoop& operator=(const TavixEventLoop&) = delete;
 
-    /// Starts the toolkit unless the process has done so already. The arguments are copied; those of the toolkit, as
-    /// "-platform", are obeyed. The toolkit sets the process locale to the user's. False when it runs already in
-    /// another loop object or was stopped before: a process starts it once. A toolkit that cannot reach the display
-    /// ends the process.
+    /// Starts Qt unless the process has done so already. The arguments are copied; Qt's own, such as "-platform", take
+    /// effect. Qt sets the process locale to the user's. False when another loop object has started Qt, or it was
+    /// stopped before: a process can start it only once. If Qt cannot open the display, it ends the process.
     bool Start(int argc, char** argv);
-    /// Ends the toolkit if this object started it. Every host must be gone.
+    /// Shuts Qt down if this object started it. Every host must have been destroyed.
     void Stop();
 
-    /// Calls `readable` from within the calls below, and from within the viewer's dialogs, whenever the descriptor has
-    /// something to read. One callback for a descriptor; the later one counts.
+    /// Calls `readable` whenever the descriptor has data to read, during ProcessEvents, WaitForEvents and the viewer's
+    /// dialogs. A second call for the same descriptor replaces the callback.
     void Watch(int descriptor, std::function<void()> readable);
     void Unwatch(int descriptor);
 
-    /// Does what is pending and does not wait.
+    /// Handles pending events and does not wait.
     void ProcessEvents();
-    /// Waits until something happens, in the viewer or at a watched descriptor, or the time is over, and does it. False
-    /// when the time was over first.
+    /// Waits for an event in the viewer or at a watched descriptor, at most for `longest`, and handles it. False on
+    /// timeout.
     bool WaitForEvents(std::chrono::milliseconds longest);
 
   private:

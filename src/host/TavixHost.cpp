@@ -4,6 +4,7 @@
 #include "access/PrViewer.h"
 #include "base/GenException.h"
 #include "base/ui/NestedLoop.h"
+#include "doc/Commands.h"
 #include "frame/ui/CTavixView.h"
 #include "host/HostWindow.h"
 #include "host/KeyMessage.h"
@@ -16,7 +17,7 @@ namespace Veldra::Solenne::Tavix {
 
 namespace {
 
-// A session of its own that ends with the scope, whatever is thrown.
+// A session of its own that is closed at the end of the scope, also after an exception.
 class PrivateSession {
   public:
     explicit PrivateSession(const tavix::KvbString& connection)
@@ -25,7 +26,7 @@ class PrivateSession {
         try {
             m_viewer->close();
         } catch (const tavix::GenException&) {
-            // The answer is known; a session that ends badly changes nothing about it.
+            // The session has been read; a failure to close it does not change the result.
         }
     }
     PrivateSession(const PrivateSession&) = delete;
@@ -76,7 +77,7 @@ bool TavixHost::IsDialogOpen() const {
 bool TavixHost::RefusesNow() const {
     if (!View() || !IsDialogOpen())
         return false;
-    // A shell that tries again and again does not fill the screen with messages.
+    // One message at a time, even if a shell keeps trying.
     Window& window = *m_window;
     if (std::exchange(window.isRefusing, true))
         return true;
@@ -89,7 +90,7 @@ bool TavixHost::RefusesNow() const {
 void TavixHost::AddView(tavix::CTavixView& view) {
     m_window->view = &view;
     m_window->boxes.setWindow(&view);
-    // Their handlers may end the window under the functions of the view that raise them.
+    // The shell's handlers may destroy the window while functions of the view are on the stack.
     view.SetDeleteHistoryRequest([this] {
         const tavix::NestedLoop handlers(tavix::NestedLoop::Kind::Other);
         DeleteHistory();
@@ -123,7 +124,7 @@ NativeWindow TavixHost::BuildWindowCore(NativeWindow parent) {
 QWidget* TavixQtWindow::Build(TavixHost& host, QWidget* parent) {
     host.Dispose();
     host.AddView(*new tavix::CTavixView(*host.m_app, host.GetMessages(), parent));
-    // A parent tells of its end before it destroys its children, of which the view may be in use.
+    // Qt emits destroyed() before it deletes the children, so that a view in use can be taken out.
     if (parent)
         host.m_window->ownerGone =
             QObject::connect(parent, &QObject::destroyed, host.View(), [&host] { host.Dispose(); });
@@ -220,9 +221,9 @@ int TavixHost::AddCurrentFieldToCollection(int collectionId) {
 }
 
 void TavixHost::DeleteHistory() {
-    // A handler may keep the callback until the user has answered, and the view may be gone by then.
+    // A handler may call back much later, when the view may be gone.
     DeleteHistoryEvent.Raise([this, view = m_window->view] {
-        // As long as the view is in use, so is the host.
+        // The host lives at least as long as the view is not retired.
         if (view && !view->IsRetired() && !RefusesNow())
             view->DeleteHistory();
     });
@@ -230,7 +231,7 @@ void TavixHost::DeleteHistory() {
 
 void TavixHost::GetAuthSvrCredentials() {
     TavixAuthSvrInfo info;
-    // A handler may end the window, or the host.
+    // A handler may destroy the window or the host.
     const QPointer<tavix::CTavixView> view = m_window->view;
     GetAuthSvrCreds.Raise(info);
     if (view)
@@ -239,7 +240,7 @@ void TavixHost::GetAuthSvrCredentials() {
 
 std::vector<TavixCommandInfo> TavixHost::GetCommands() {
     std::vector<TavixCommandInfo> list;
-    for (const tavix::TavixCommand& command : tavix::CTavixMain::Commands()) {
+    for (const tavix::TavixCommand& command : tavix::kCommands) {
         const std::size_t split = command.text.find('\n');
         list.push_back({static_cast<int>(command.id), std::string(command.text.substr(split + 1)),
                         std::string(command.text.substr(0, split))});
@@ -250,7 +251,7 @@ std::vector<TavixCommandInfo> TavixHost::GetCommands() {
 bool TavixHost::ExecuteCommand(int commandId) {
     if (!View())
         return false;
-    // An unknown command is not refused but not handled.
+    // An unknown command is not refused: it is not handled.
     if (IsDialogOpen() && View()->GetTavixMain().Update(commandId).handled)
         return RefusesNow();
     return View()->GetTavixMain().Execute(commandId);

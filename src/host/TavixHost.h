@@ -19,93 +19,93 @@ class CTavixView;
 
 namespace Veldra::Solenne::Tavix {
 
-/// The viewer as a desktop shell sees it, whatever the shell's toolkit. All calls belong to the one thread on which the
-/// toolkit of the viewer was started (TavixEventLoop). Before a window is built and after it is gone every operation
-/// answers as it does without a report.
+/// The viewer's interface to a desktop shell of any toolkit. All calls must be made on the thread that started Qt (see
+/// TavixEventLoop). Without a window, every operation behaves as without a report.
 ///
-/// From within a handler, and while a dialog is open, a shell may ask, size the window, and end it: Dispose,
-/// DestroyWindowCore and the destructor close the dialogs and return; what is below them on the stack goes on with an
-/// empty view, which is destroyed when nothing uses it any more. Operations that would change the report under an open
-/// dialog are refused with a message: see IsDialogOpen.
+/// In a handler, and while a dialog is open, a shell may query the host, resize the window, and destroy it: Dispose,
+/// DestroyWindowCore and the destructor close the dialogs and return. Functions of the view that are still on the stack
+/// continue with an empty view, which is destroyed when they have returned. Operations that would change the report
+/// while a dialog is open are refused with a message: see IsDialogOpen.
 class TavixHost {
   public:
-    /// Settings from the user's settings file, messages as boxes over the viewer.
+    /// Uses the user's settings file, and shows messages in boxes over the viewer.
     TavixHost();
-    /// Messages go to the shell; they must outlive the host.
+    /// Passes messages to the shell; `messages` must outlive the host.
     explicit TavixHost(tavix::Messages& messages);
-    /// Settings in a store of the caller's.
+    /// Uses the caller's settings.
     TavixHost(tavix::Messages& messages, std::unique_ptr<tavix::SettingsStore> settings);
     ~TavixHost();
     TavixHost(const TavixHost&) = delete;
     TavixHost& operator=(const TavixHost&) = delete;
 
-    /// Once for each window, after it exists.
+    /// Raised once for each window, after it was created.
     TavixEvent<TavixHost&> OnTavixWindowCreated;
-    /// Handlers receive a callback that asks the user which runs to delete, and deletes them. A shell without a handler
-    /// does not allow it: the command is disabled then.
+    /// Handlers receive a callback that asks the user which runs to delete, and deletes them. Without a handler the
+    /// command is disabled.
     TavixEvent<const std::function<void()>&> DeleteHistoryEvent;
     /// Handlers fill in the empty record.
     TavixEvent<TavixAuthSvrInfo&> GetAuthSvrCreds;
-    /// The list of runs or the current run may be another.
+    /// The list of runs or the current run may have changed.
     TavixEvent<TavixHost&> RunsChangedEvent;
-    /// A dialog was opened (true), or the last one that was open is closed and the call that opened it has returned
-    /// (false). Raised from the event loop.
+    /// A dialog was opened (true), or the last open one was closed and the call that opened it has returned (false).
+    /// Raised from the event loop.
     TavixEvent<TavixHost&, bool> DialogEvent;
 
-    /// A dialog, a message or the progress of a reading is on the screen. Until it is closed LoadReportForJob,
-    /// SetCurrentRun, SelectTable, AddCurrentFieldToCollection and the callback of DeleteHistoryEvent are refused after
-    /// a message, and commands are disabled; the report stays as it is.
+    /// Whether a dialog, a message or a progress window is open. Until it is closed, LoadReportForJob, SetCurrentRun,
+    /// SelectTable, AddCurrentFieldToCollection and the callback of DeleteHistoryEvent show a message and fail, and
+    /// commands are disabled.
     [[nodiscard]] bool IsDialogOpen() const;
 
-    /// Makes the view as a child of `parent`, fills it, shows it, and answers its window, which the shell may move and
-    /// resize. 0 when `parent` is no window, or on a windowing system that cannot put a window into one of another
-    /// toolkit. A host has one window at a time: the one before is destroyed.
+    /// Creates the view as a child of `parent`, fills and shows it, and returns its window, which the shell may move
+    /// and resize. Returns 0 when `parent` is not a window, or when the windowing system cannot embed windows of other
+    /// toolkits. A host has one window at a time: an earlier one is destroyed.
     [[nodiscard]] NativeWindow BuildWindowCore(NativeWindow parent);
-    /// Does nothing when the window is not this host's. When the shell destroys `parent` first, the view goes by
-    /// itself.
+    /// Does nothing when the window is not this host's. The view is destroyed by itself when the shell destroys
+    /// `parent` first.
     void DestroyWindowCore(NativeWindow window);
-    /// Destroys the view, whatever its window is.
+    /// Destroys the view.
     void Dispose();
     /// Whether the message was handled; see NativeMessageId.
     bool WndProc(NativeMessage& message);
 
-    /// False when nobody handles the command. While a dialog is open a command that somebody handles is refused with a
-    /// message.
+    /// False when the viewer has no handler for the command. While a dialog is open, a command with a handler is
+    /// refused with a message.
     bool ExecuteCommand(int commandId);
     [[nodiscard]] TavixCommandState ExecuteUpdateUICommand(int commandId) const;
     [[nodiscard]] static std::vector<TavixCommandInfo> GetCommands();
 
-    /// In a session of its own. Never throws and never shows a message: whatever goes wrong is false. Null is false.
+    /// Opens a session of its own. Returns false on any failure and for null; never throws or shows a message.
     [[nodiscard]] static bool ReportExists(int jobId, const TavixConnection* connection);
-    /// Every report of the repository, in a session of its own.
+    /// All reports of the repository, read in a session of its own.
     [[nodiscard]] static tavix::Result<std::vector<TavixReportInfo>> GetReports(const TavixConnection& connection);
-    /// False, after a message, leaves the view empty. Null is false and touches nothing. The connection is asked during
-    /// the call and not kept.
+    /// After a failure, which is shown, the view is empty. Returns false and changes nothing for null. The connection
+    /// is only used during the call.
     bool LoadReportForJob(const std::string& text, int jobId, const TavixConnection* connection);
     /// In the order of the repository; empty without a report.
     [[nodiscard]] std::vector<TavixRunInfo> GetJobRuns() const;
     /// -1 without a report.
     [[nodiscard]] int GetCurrentRun() const;
-    /// True with nothing done when the run is current already; false, after a message, leaves the run as it was.
+    /// Returns true and does nothing when the run is current already. After a failure, which is shown, the current run
+    /// stays.
     bool SetCurrentRun(int runId);
-    /// `connectionType` is exactly "ODBC" or "KVTK", else false.
+    /// False unless `connectionType` is exactly "ODBC" or "KVTK" and the table exists.
     bool SelectTable(const std::string& dataSource, const std::string& connectionType, const std::string& qualifier1,
                      const std::string& qualifier2, const std::string& table);
-    /// Adds the field that is selected; 0 when none is, or, after a message, when it could not be added.
+    /// Adds the selected field. Returns 1, or 0 when no field is selected or, after a message, on failure.
     int AddCurrentFieldToCollection(int collectionId);
 
-    /// Whether the keyboard is with the view or a control in it.
+    /// Whether the view or a control in it has the keyboard focus.
     [[nodiscard]] bool HasFocus() const;
     /// Gives the keyboard to the tree of the navigator page that is showing.
     void SetInternalFocus();
     /// Gives the keyboard to the last tab stop for FocusNavigation::Last, else to the first; false without a window.
     bool TabInto(FocusNavigation request);
-    /// Null for none; must outlive the host or be taken back. Without one Tab goes round within the viewer.
+    /// The site must outlive the host or be replaced by null before. Without one, Tab cycles within the viewer.
     void SetKeyboardSite(TavixKeyboardSite* site);
-    /// For a shell that sees the keys before the viewer does: Tab on the last tab stop and Shift+Tab on the first go to
-    /// the keyboard site, any other key-down to the control that has the keyboard. Whether it was handled.
+    /// For a shell that receives the keys before the viewer: Tab on the last tab stop and Shift+Tab on the first go to
+    /// the keyboard site, any other key-down to the focused control. Returns whether the message was handled.
     bool TranslateAccelerator(const NativeMessage& message);
-    /// Hands a key or character message to the control that has the keyboard. Whether it was handled.
+    /// Passes a key or character message to the focused control. Returns whether it was handled.
     bool ConvertMessage(const NativeMessage& message);
 
     /// Raises DeleteHistoryEvent.
@@ -119,12 +119,12 @@ class TavixHost {
     [[nodiscard]] bool HasReport() const;
     /// The viewer's settings, in which a shell may keep a section of its own.
     [[nodiscard]] tavix::SettingsStore& GetSettings() const;
-    /// The user's choice whether a shell begins with its welcome page or with what was open last.
+    /// The user's choice whether a shell starts with its welcome page or reopens the last repository.
     [[nodiscard]] bool ShowsWelcomeAtStart() const;
-    /// The folder whose repositories a shell's welcome page offers beside those opened lately, the setting `UseVault`;
-    /// "" for none.
+    /// The setting `UseVault`: the folder whose repositories a shell's welcome page lists beside the recent ones; ""
+    /// for none.
     [[nodiscard]] std::string GetVault() const;
-    /// What kept the settings from being read, to be shown once; "" when they are in order.
+    /// Why the settings could not be read, to be shown once; "" when they are in order.
     [[nodiscard]] const std::string& GetStartProblem() const;
 
   private:
@@ -136,12 +136,12 @@ class TavixHost {
     [[nodiscard]] tavix::Messages& GetMessages() const;
     [[nodiscard]] std::unique_ptr<Window> MakeWindow();
     [[nodiscard]] bool RefusesNow() const;
-    /// Brings the dialog that is open to the front; false when none is.
+    /// Brings the open dialog to the front; false when there is none.
     bool FocusDialog() const;
     bool TellSiteAtLastStop(const NativeMessage& message);
 
     std::shared_ptr<tavix::CTavixApp> m_app;
-    tavix::Messages* m_messages; ///< the shell's; null for boxes of our own
+    tavix::Messages* m_messages; ///< the shell's; null for our own message boxes
     std::unique_ptr<Window> m_window;
 };
 

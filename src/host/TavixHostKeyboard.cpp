@@ -8,7 +8,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 
-// Declared only by the test library of Qt, which sends keys as this class does.
+// Qt declares this function only in its test library, which sends keys in the same way.
 Q_GUI_EXPORT bool qt_sendShortcutOverrideEvent(QObject* receiver, ulong time, int key, Qt::KeyboardModifiers modifiers,
                                                const QString& text = QString(), bool repeated = false,
                                                ushort count = 1);
@@ -20,7 +20,7 @@ namespace {
 constexpr int kSizeBits = 16;
 constexpr std::intptr_t kSizeMask = 0xffff;
 
-// A control that is made of several stands for them all.
+// Counts the parts of a composite control as the control.
 bool isOrHolds(const QWidget* control, const QWidget* focused) {
     return control && focused && (control == focused || control->isAncestorOf(focused));
 }
@@ -78,7 +78,7 @@ bool TavixHost::TellSiteAtLastStop(const NativeMessage& message) {
         return false;
     if (m_window->keyboard)
         m_window->keyboard->OnNoMoreTabStops(back ? FocusNavigation::Previous : FocusNavigation::Next);
-    else if (m_window->parent) // The toolkit would leave it to the window around the view to go on.
+    else if (m_window->parent) // Qt would leave it to the surrounding window to move the focus.
         TabInto(back ? FocusNavigation::Last : FocusNavigation::First);
     else
         return false;
@@ -92,12 +92,12 @@ bool TavixHost::TranslateAccelerator(const NativeMessage& message) {
 }
 
 bool TavixHost::ConvertMessage(const NativeMessage& message) {
-    // The keys of a dialog are the dialog's, which has a window of its own.
+    // A dialog has a window of its own, which receives its keys.
     const auto event = View() && !IsDialogOpen() ? toKeyEvent(message) : nullptr;
     if (!event)
         return false;
     QWidget* focused = View()->focusWidget() ? View()->focusWidget() : View()->GetFirstTabStop();
-    // A key that a shortcut stands for never gets to the control, as when the windowing system had sent it.
+    // As with keys from the windowing system, the key of a shortcut does not reach the control.
     if (event->type() == QEvent::KeyPress &&
         qt_sendShortcutOverrideEvent(focused, event->timestamp(), event->key(), event->modifiers(), event->text()))
         return true;
@@ -110,7 +110,7 @@ bool TavixHost::WndProc(NativeMessage& message) {
         return false;
     switch (message.Message) {
     case NativeMessageId::Size:
-        // The toolkit counts in units of its own on a scaled screen.
+        // Qt uses scaled units on a high-resolution screen.
         View()->resize(QSize(static_cast<int>(message.LParam & kSizeMask),
                              static_cast<int>((message.LParam >> kSizeBits) & kSizeMask)) /
                        View()->devicePixelRatioF());

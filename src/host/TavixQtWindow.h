@@ -6,12 +6,12 @@ namespace Veldra::Solenne::Tavix {
 
 class TavixHost;
 
-/// For shells that are built with Qt: the view as a widget, on every platform and without native child windows. It
-/// stands in for TavixHost::BuildWindowCore; Tab then walks through shell and viewer alike.
+/// For shells built with Qt: the view as a widget, on every platform and without native child windows. Replaces
+/// TavixHost::BuildWindowCore; Tab moves through the controls of shell and viewer as in one window.
 class TavixQtWindow {
   public:
-    /// The view, a child of `parent` and owned by it, which may be destroyed at any time, also under an open dialog. A
-    /// host has one window at a time: the one before is destroyed.
+    /// Creates the view as a child of `parent`, which owns it and may be destroyed at any time, even while a dialog is
+    /// open. A host has one window at a time: an earlier one is destroyed.
     static QWidget* Build(TavixHost& host, QWidget* parent);
 };
 

@@ -21,7 +21,7 @@ struct TavixRunInfo {
     bool operator==(const TavixRunInfo&) const = default;
 };
 
-/// What a repository server wants to know.
+/// The login for a repository server.
 struct TavixAuthSvrInfo {
     std::string UserID;
     std::string Password;
@@ -55,28 +55,28 @@ struct TavixCommandState {
     bool operator==(const TavixCommandState&) const = default;
 };
 
-/// Where a repository is; the shell's object. The operations stand in this order, and the third one is what the viewer
-/// asks; the destructor comes last so that it takes no place before them.
+/// The location of a repository, implemented by the shell. The order of the virtual functions is fixed: the viewer
+/// calls the third, and the destructor comes last so as not to shift them.
 class TavixConnection {
   public:
-    /// What the shell calls the repository.
+    /// The shell's name for the repository.
     [[nodiscard]] virtual std::string GetName() const = 0;
-    /// What stores it, as "SQLite".
+    /// The database system, for example "SQLite".
     [[nodiscard]] virtual std::string GetKind() const = 0;
-    /// "sqlite:PATH", a plain path, or the URI of a server. It is asked for anew whenever it is needed.
+    /// "sqlite:PATH", a plain path, or the URI of a server. The viewer calls this each time it needs it.
     [[nodiscard]] virtual std::string GetConnectionString() const = 0;
     virtual ~TavixConnection() = default;
 };
 
-/// The way in which the keyboard enters the viewer.
+/// How the keyboard focus enters or leaves the viewer.
 enum class FocusNavigation { First, Last, Next, Previous };
 
-/// The shell's side of the keyboard.
+/// The shell's part in keyboard navigation.
 class TavixKeyboardSite {
   public:
     virtual ~TavixKeyboardSite() = default;
     /// The user pressed Tab on the last tab stop (Next) or Shift+Tab on the first one (Previous): the shell gives the
-    /// keyboard to what comes after or before the viewer.
+    /// focus to the control after or before the viewer.
     virtual void OnNoMoreTabStops(FocusNavigation request) = 0;
 };
 

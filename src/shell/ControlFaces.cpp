@@ -98,7 +98,7 @@ void drawCheckBox(QPainter* painter, const QStyleOption& option) {
         filled ? colors.color(QPalette::Highlight) : colors.color(enabled ? QPalette::Base : QPalette::Window);
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
-    // On a selected row the box would vanish in its own colour.
+    // On a selected row the box would have the row's colour.
     painter->setPen(filled ? mixed(ground, colors.color(QPalette::HighlightedText), 0.35)
                            : mixed(colors.color(QPalette::Base), colors.color(QPalette::Text), 0.4));
     painter->setBrush(ground);

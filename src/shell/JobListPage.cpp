@@ -31,7 +31,7 @@ JobListPage::JobListPage(QWidget* parent)
     m_detail->setTextFormat(Qt::PlainText);
     m_detail->setWordWrap(true);
     QPalette quiet = palette();
-    // On the base colour, text takes the colour that belongs to it.
+    // On a base-coloured background, a label draws in QPalette::Text.
     quiet.setColor(QPalette::Text, quietText(quiet));
     m_detail->setPalette(quiet);
 

@@ -12,14 +12,14 @@ class QTreeWidget;
 
 namespace tavix::shell {
 
-/// The reports of the open repository.
+/// The page that lists the reports of the open repository.
 class JobListPage final : public QWidget {
     Q_OBJECT
   public:
     explicit JobListPage(QWidget* parent = nullptr);
 
     void setReports(const std::string& repository, const std::vector<Veldra::Solenne::Tavix::TavixReportInfo>& reports);
-    /// Makes the report the current one of the list.
+    /// Makes the report the current row.
     void selectJob(int jobId);
     void focusList();
 

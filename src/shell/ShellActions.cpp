@@ -1,5 +1,6 @@
 #include "shell/ShellActions.h"
 
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "shell/ShellIcons.h"
 #include "shell/ShellState.h"
@@ -47,12 +48,11 @@ ShellActions::ShellActions(QMainWindow& window, TavixHost& host, ShellState& sta
     makeActions();
     makeToolBar();
     qApp->installEventFilter(this);
-    // Commands are disabled under a dialog, which a key in it makes visible here.
+    // Commands are disabled while a dialog is open; enable them again when it is closed.
     m_dialogs = m_host.DialogEvent.Attach([this](TavixHost&, bool) { update(m_repositoryOpen, m_reportShown); });
-    // A narrow window puts what it has no room for behind these buttons, which Qt leaves without words.
+    // The buttons that open what a narrow window has no room for: Qt gives them neither words nor an action.
     for (auto* more : window.findChildren<QToolButton*>()) {
-        if (more->objectName() == QLatin1String("qt_menubar_ext_button") ||
-            more->objectName() == QLatin1String("qt_toolbar_ext_button"))
+        if (!more->defaultAction() && more->text().isEmpty())
             more->setAccessibleName(QStringLiteral("More"));
     }
 }
@@ -90,13 +90,13 @@ void ShellActions::makeActions() {
         action->setStatusTip(toQString(info.StatusText));
         m_commands.push_back(action);
     }
-    // It closes the report at once, which its own name does not say.
+    // Renamed: in this shell the command closes the report and creates nothing.
     QAction* close = command(CommandId::New);
     close->setText(QStringLiteral("&Close Report"));
     close->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_W));
     m_reopen = new QAction(this);
     m_reopen->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_T));
-    m_reopen->setStatusTip(QStringLiteral("Open the report again that was closed last"));
+    m_reopen->setStatusTip(QStringLiteral("Reopen the report that was closed last"));
     connect(m_reopen, &QAction::triggered, this, &ShellActions::reopenRequested);
     report->insertAction(report->actions().value(report->actions().indexOf(close) + 1), m_reopen);
     setClosedReport({});
@@ -105,7 +105,7 @@ void ShellActions::makeActions() {
     command(CommandId::ShowInvisible)->setCheckable(true);
     command(CommandId::ShowInvisible)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_I));
     command(CommandId::DetachTabs)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_D));
-    // One of the two at a time is enabled.
+    // At most one of the two is enabled, so they share the keys.
     for (const CommandId note : {CommandId::AddTableNote, CommandId::AddFieldNote})
         command(note)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N));
     command(CommandId::Filter)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
@@ -134,11 +134,12 @@ void ShellActions::makeActions() {
 
     QMenu* help = m_window.menuBar()->addMenu(QStringLiteral("&Help"));
     help->addAction(QStringLiteral("&About Tavix"), this, [this] {
-        QMessageBox::about(&m_window, QStringLiteral("About Tavix"),
-                           QStringLiteral("<h3>Tavix %1</h3><p>Looks at data profiles: what tables hold, field by "
-                                          "field.</p><p>Free software under the GNU General Public License, version 3 "
-                                          "or later.</p>")
-                               .arg(QStringLiteral(TAVIX_VERSION)));
+        const QString text = QStringLiteral("<h3>Tavix %1</h3><p>Shows data profiles: what tables hold, field by "
+                                            "field.</p><p>Free software under the GNU General Public License, version "
+                                            "3 or later.</p>")
+                                 .arg(QStringLiteral(TAVIX_VERSION));
+        ModalDialog<QMessageBox>(QMessageBox::NoIcon, QStringLiteral("About Tavix"), text, QMessageBox::Ok, &m_window)
+            .exec();
     });
 }
 
@@ -172,7 +173,7 @@ void ShellActions::makeToolBar() {
     bar->addWidget(label);
     m_runs = new QComboBox(bar);
     m_runs->setAccessibleName(QStringLiteral("Run"));
-    m_runs->setToolTip(QStringLiteral("The run whose figures are shown"));
+    m_runs->setToolTip(QStringLiteral("The run that is shown"));
     m_runs->setMinimumWidth(300);
     m_runs->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     m_runs->setMaximumWidth(460);
@@ -183,7 +184,7 @@ void ShellActions::makeToolBar() {
     bar->addAction(command(CommandId::Options));
 }
 
-// What a shortcut may do depends on what is selected in the viewer by the time it is pressed.
+// Whether a shortcut is enabled depends on the viewer's selection when it is pressed.
 bool ShellActions::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride)
         update(m_repositoryOpen, m_reportShown);
@@ -219,7 +220,7 @@ void ShellActions::fillRuns() {
 
 void ShellActions::chooseRun(int index) {
     m_host.SetCurrentRun(m_runs->itemData(index).toInt());
-    // A run that could not be loaded leaves the old one current.
+    // If the run could not be loaded, the old one is still current.
     m_runs->setCurrentIndex(m_runs->findData(m_host.GetCurrentRun()));
     Q_EMIT changed();
 }

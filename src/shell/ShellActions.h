@@ -19,17 +19,17 @@ class ShellState;
 class ShellActions final : public QObject {
     Q_OBJECT
   public:
-    /// All must outlive the actions, of which the window becomes the parent.
+    /// All must outlive the actions. The window becomes their parent.
     ShellActions(QMainWindow& window, Veldra::Solenne::Tavix::TavixHost& host, ShellState& state);
     ~ShellActions() override;
 
-    /// Enables what can be done now.
+    /// Enables and disables the actions.
     void update(bool repositoryOpen, bool reportShown);
-    /// The report that was closed last and can be opened again; "" when there is none.
+    /// Names the closed report that can be reopened; "" for none.
     void setClosedReport(const std::string& name);
-    /// Lists the host's runs, the newest first.
+    /// Fills the list of runs, newest first.
     void fillRuns();
-    /// As it is listed; "" without one.
+    /// The text of the current run in the list; "" without a run.
     [[nodiscard]] QString currentRun() const;
     [[nodiscard]] int runCount() const;
 
@@ -39,7 +39,7 @@ class ShellActions final : public QObject {
     void reportsRequested();
     void reloadRequested();
     void reopenRequested();
-    /// A command of the viewer was carried out, or another run was chosen.
+    /// A command of the viewer was executed, or another run was chosen.
     void changed();
 
   protected:
@@ -55,7 +55,7 @@ class ShellActions final : public QObject {
     QMainWindow& m_window;
     Veldra::Solenne::Tavix::TavixHost& m_host;
     ShellState& m_state;
-    int m_dialogs = 0; ///< the token of our handler
+    int m_dialogs = 0; ///< the token of the handler
     bool m_repositoryOpen = false;
     bool m_reportShown = false;
     QMenu* m_recentMenu = nullptr;

@@ -7,18 +7,16 @@ namespace tavix::shell {
 std::optional<ShellOptions> parseShellOptions(int argc, const char* const* argv, int& exitCode) {
     constexpr int kUsage = 2;
     ShellOptions options;
-    CLI::App app("Looks at data profiles: reports, their tables, fields and metrics.", "tavix-shell");
+    CLI::App app("Shows data profiles: reports, their tables, fields and metrics.", "tavix-shell");
     app.set_version_flag("--version", TAVIX_VERSION);
-    app.add_option("repository", options.repository, "Profile repository to open: a file, as tavix profile writes it");
-    app.add_option("--job", options.job, "Report to open at once, by the name of its job");
-    app.add_option("--screenshots", options.screenshots,
-                   "Write pictures of the main windows to this folder, print their paths and end; needs no display");
+    app.add_option("repository", options.repository, "Profile repository to open: a file written by tavix profile");
+    app.add_option("--job", options.job, "Report to open, by the name of its job");
     std::string scheme;
-    app.add_option("--scheme", scheme, "Colours: light or dark; without it those of the desktop")
+    app.add_option("--scheme", scheme, "Colours: light or dark; default: those of the desktop")
         ->check(CLI::IsMember({"light", "dark"}))
         ->option_text("light|dark");
-    app.footer("In the window: Ctrl+O opens a repository, Ctrl+J lists its reports, Ctrl+I shows what is known about "
-               "the table, F5 reads everything again.");
+    app.footer("In the window: Ctrl+O opens a repository, Ctrl+J lists its reports, Ctrl+I shows table information, "
+               "F5 reloads.");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -44,7 +44,7 @@ void ShellState::removeRecentRepository(const std::string& path) {
     writeRecent(paths);
 }
 
-// Forgetting a recent file is no reason to bother anyone: a store that cannot be kept says so at the start.
+// A failure is not reported here: a settings file that cannot be written is reported at the start.
 void ShellState::writeRecent(const std::vector<std::string>& paths) {
     for (std::size_t i = 0; i < kMostRecent; ++i)
         static_cast<void>(m_store.write(kSection, recentKey(i), i < paths.size() ? paths[i] : std::string()));

@@ -7,17 +7,17 @@
 
 namespace tavix::shell {
 
-/// What the shell remembers between two starts, in a section of its own.
+/// The settings that the shell keeps in a section of its own.
 class ShellState {
   public:
     explicit ShellState(SettingsStore& store) : m_store(store) {}
 
-    /// Latest first, without doubles, at most eight.
+    /// At most eight, the latest first, without duplicates.
     [[nodiscard]] std::vector<std::string> recentRepositories() const;
     void addRecentRepository(const std::string& path);
     void removeRecentRepository(const std::string& path);
 
-    /// The window's size and place in a form that only the window understands; "" the first time.
+    /// Size and position of the window, encoded by the window; "" the first time.
     [[nodiscard]] std::string windowGeometry() const;
     void setWindowGeometry(const std::string& geometry);
 

@@ -53,7 +53,7 @@ void ShellStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
         }
         break;
     case PE_FrameGroupBox: {
-        // The title stands above the frame.
+        // The title is above the frame.
         const int title =
             std::max(proxy()->pixelMetric(PM_IndicatorHeight, option, widget), option->fontMetrics.height()) + 3;
         drawBox(painter, option->rect.adjusted(0, title, 0, 0), Qt::transparent, lineColor(colors));
@@ -187,7 +187,7 @@ QRect ShellStyle::subControlRect(ComplexControl control, const QStyleOptionCompl
     const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
     if (control != CC_ScrollBar || !bar)
         return QProxyStyle::subControlRect(control, option, part, widget);
-    // No arrows: the whole bar is the way of the thumb.
+    // There are no arrow buttons: the thumb moves along the whole bar.
     const bool horizontal = bar->orientation == Qt::Horizontal;
     const int length = horizontal ? bar->rect.width() : bar->rect.height();
     const qint64 range = static_cast<qint64>(bar->maximum) - bar->minimum;
@@ -231,7 +231,7 @@ int ShellStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, cons
         return 4;
     case PM_HeaderMargin:
         return 8;
-    // Cells of plain lists begin where their headings do.
+    // Aligns the cells of plain lists with their headings.
     case PM_FocusFrameHMargin:
         return 6;
     default:

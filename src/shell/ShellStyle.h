@@ -27,7 +27,7 @@ class ShellStyle final : public QProxyStyle {
                   QStyleHintReturn* returned) const override;
 };
 
-/// Style, colours and font for the whole program.
+/// Sets style, colours and font of the program.
 void applyLook(Scheme scheme);
 
 } // namespace tavix::shell

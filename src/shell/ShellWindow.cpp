@@ -1,5 +1,6 @@
 #include "shell/ShellWindow.h"
 
+#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "host/TavixQtWindow.h"
 #include "shell/JobListPage.h"
@@ -80,7 +81,7 @@ ShellWindow::ShellWindow(TavixHost& host, Messages& messages)
     connect(m_welcome, &WelcomePage::openRequested, this, &ShellWindow::askForRepository);
     connect(m_welcome, &WelcomePage::repositoryChosen, this, &ShellWindow::openRepository);
     connect(m_jobs, &JobListPage::jobChosen, this, [this](int jobId) {
-        // The second half of a double click comes when the report is open already.
+        // The second click of a double click arrives after the report was opened.
         if (m_pages->currentWidget() == m_jobs)
             openReport(jobId);
     });
@@ -101,9 +102,15 @@ ShellWindow::~ShellWindow() {
 
 void ShellWindow::askForRepository() {
     const QString start = m_repository.empty() ? QString() : QFileInfo(toQString(m_repository)).absolutePath();
-    const QString path = QFileDialog::getOpenFileName(this, QStringLiteral("Open Repository"), start,
-                                                      QStringLiteral("Profile repositories (*.tavix *.db *.sqlite);;"
-                                                                     "All files (*)"));
+    QString path;
+    {
+        ModalDialog<QFileDialog> dialog(this, QStringLiteral("Open Repository"), start);
+        dialog->setFileMode(QFileDialog::ExistingFile);
+        dialog->setNameFilters(
+            {QStringLiteral("Profile repositories (*.tavix *.db *.sqlite)"), QStringLiteral("All files (*)")});
+        if (dialog.isAccepted())
+            path = dialog->selectedFiles().value(0);
+    }
     if (!path.isEmpty())
         openRepository(path);
 }
@@ -218,7 +225,7 @@ void ShellWindow::reopen() {
     const int run = m_closedRun;
     if (!openReport(m_closedJob))
         return;
-    // The run may have been deleted meanwhile; then the latest is shown, without a word.
+    // The run may have been deleted; then the latest run is shown.
     const std::vector<TavixRunInfo> runs = m_host.GetJobRuns();
     if (std::any_of(runs.begin(), runs.end(), [run](const TavixRunInfo& each) { return each.ID == run; }))
         m_host.SetCurrentRun(run);
@@ -241,7 +248,7 @@ void ShellWindow::showWelcome() {
 }
 
 void ShellWindow::updateState() {
-    // "New" leaves the viewer without a report; the list of reports is where one goes from there.
+    // "New" closes the report; go back to the list of reports.
     if (m_pages->currentWidget() == m_view && !m_host.HasReport()) {
         m_closedJob = std::exchange(m_jobId, -1);
         m_closedRun = m_runId;

@@ -19,8 +19,8 @@ class JobListPage;
 class ShellActions;
 class WelcomePage;
 
-/// The shell's one window: a welcome page, the list of a repository's reports, and the viewer. It drives the viewer
-/// through its host alone.
+/// The shell's one window: a welcome page, the list of a repository's reports, and the viewer, which it uses only
+/// through the host.
 class ShellWindow final : public QMainWindow {
     Q_OBJECT
   public:
@@ -28,13 +28,14 @@ class ShellWindow final : public QMainWindow {
     ShellWindow(Veldra::Solenne::Tavix::TavixHost& host, Messages& messages);
     ~ShellWindow() override;
 
-    /// Shows its reports, or its report when there is one only. False, after a message, leaves everything as it was.
+    /// Shows the repository's reports, or its only report. After a failure, which is shown, everything stays as it was.
     bool openRepository(const QString& path);
-    /// The one opened last, when there is one.
+    /// Opens the most recent repository, if there is one.
     void openLastRepository();
     /// False, after a message, when the repository has no report of that name.
     bool openReportNamed(const std::string& job);
-    /// The open report, else the first one; false, after a message, when there is none that can be shown.
+    /// Shows the open report, else opens the first one; false, after a message, when there is none or it cannot be
+    /// opened.
     bool showReport();
     void showReports();
     void showWelcome();
@@ -65,7 +66,7 @@ class ShellWindow final : public QMainWindow {
     int m_runId = -1;     ///< the run that was shown last
     int m_closedJob = -1; ///< the report that was closed last, and its run
     int m_closedRun = -1;
-    int m_runsChanged = 0; ///< the tokens of our handlers
+    int m_runsChanged = 0; ///< the tokens of the handlers
     int m_deleteHistory = 0;
 
     ShellActions* m_actions;

@@ -5,8 +5,8 @@
 
 namespace tavix::shell {
 
-/// The repositories (*.tavix) of a folder, those that were written last first, at most twenty; none of a folder that
-/// cannot be listed. The files are not opened.
+/// The repositories (*.tavix) of a folder: at most twenty, the last modified first; none if the folder cannot be read.
+/// The files are not opened.
 [[nodiscard]] std::vector<std::string> repositoriesIn(const std::string& folder);
 
 } // namespace tavix::shell

@@ -22,7 +22,7 @@ QLabel* quietLabel(const QString& text, QWidget* parent) {
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     QPalette colors = label->palette();
-    // On the base colour, text takes the colour that belongs to it.
+    // On a base-coloured background, a label draws in QPalette::Text.
     colors.setColor(QPalette::Text, quietText(colors));
     label->setPalette(colors);
     return label;
@@ -33,7 +33,7 @@ QLabel* quietLabel(const QString& text, QWidget* parent) {
 WelcomePage::WelcomePage(QWidget* parent)
     : QWidget(parent),
       m_open(new QPushButton(QStringLiteral("&Open Repository..."), this)),
-      m_recent(makeSection(QStringLiteral("Opened lately"), QStringLiteral("Repositories opened lately"))),
+      m_recent(makeSection(QStringLiteral("Recent repositories"), QStringLiteral("Recent repositories"))),
       m_vault(makeSection({}, QStringLiteral("Repositories of the vault"))) {
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Base);
@@ -50,7 +50,7 @@ WelcomePage::WelcomePage(QWidget* parent)
     column->setSpacing(10);
     column->addStretch(2);
     column->addWidget(title);
-    column->addWidget(quietLabel(QStringLiteral("Open a profile repository to look at its tables, fields and metrics, "
+    column->addWidget(quietLabel(QStringLiteral("Open a profile repository to see its tables, fields and metrics, "
                                                 "or drop its file on this window."),
                                  this));
     column->addSpacing(6);
@@ -60,7 +60,7 @@ WelcomePage::WelcomePage(QWidget* parent)
         column->addWidget(section.title);
         column->addWidget(section.list, 3);
     }
-    column->addWidget(quietLabel(QStringLiteral("A repository is made by the program tavix:\n"
+    column->addWidget(quietLabel(QStringLiteral("The program tavix makes repositories:\n"
                                                 "tavix profile table.csv --repository profiles.tavix"),
                                  this));
     column->addStretch(2);

@@ -11,14 +11,14 @@ class QPushButton;
 
 namespace tavix::shell {
 
-/// What the window shows while no repository is open: how to open one, those opened lately, and those of the vault.
+/// The page that is shown while no repository is open: lists recent repositories and those of the vault.
 class WelcomePage final : public QWidget {
     Q_OBJECT
   public:
     explicit WelcomePage(QWidget* parent = nullptr);
 
     void setRecent(const std::vector<std::string>& paths);
-    /// The repositories of the vault, a folder; none hides them.
+    /// Lists the repositories of the vault, a folder. Without any, the list is hidden.
     void setVault(const std::string& folder, const std::vector<std::string>& paths);
 
   Q_SIGNALS:

@@ -1,95 +1,19 @@
-// The desktop shell without a display: its pictures and exit codes.
+// The desktop shell run as a program, as far as it needs no display.
 #include "Program.h"
-#include "base/tests/TempFolder.h"
-#include "support/SampleRepository.h"
 
-#include <gmock/gmock.h>
-
-#include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <map>
-#include <sstream>
+#include <gtest/gtest.h>
 
 namespace tavix::testing {
 namespace {
-
-using ::testing::HasSubstr;
-
-struct Picture {
-    std::uint32_t width = 0;
-    std::uint32_t height = 0;
-    std::uintmax_t bytes = 0;
-};
-
-/// The header of a PNG file; nothing for any other file.
-Picture readPicture(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::string head(24, '\0');
-    file.read(head.data(), static_cast<std::streamsize>(head.size()));
-    if (!file || head.compare(1, 3, "PNG") != 0)
-        return {};
-    const auto number = [&head](std::size_t at) {
-        std::uint32_t value = 0;
-        for (std::size_t i = at; i < at + 4; ++i)
-            value = value << 8 | static_cast<unsigned char>(head[i]);
-        return value;
-    };
-    return {number(16), number(20), std::filesystem::file_size(path)};
-}
 
 /// The build makes tavix-shell the program under test here.
 Outcome runShell(std::vector<std::string> arguments) {
     return runTavix(std::move(arguments));
 }
 
-class ShellProgram : public ::testing::Test {
-  protected:
-    /// The pictures in the folder by file name.
-    std::map<std::string, Picture> pictures() const {
-        std::map<std::string, Picture> found;
-        for (const auto& entry : std::filesystem::directory_iterator(m_pictures))
-            found[entry.path().filename().string()] = readPicture(entry.path());
-        return found;
-    }
-
-    TempFolder m_folder;
-    std::string m_pictures = m_folder.file("pictures");
-};
-
-TEST_F(ShellProgram, DrawsItsWindowsIntoFiles) {
-    const SampleRepository sample = SampleRepository::build(m_folder.file("sample.tavix"));
-    const Outcome outcome = runShell({sample.path, "--job", "Sales", "--scheme", "light", "--screenshots", m_pictures});
-    ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
-    const std::map<std::string, Picture> found = pictures();
-    for (const char* name : {"welcome", "reports", "table-1-standard-metrics", "collection", "analyses",
-                             "field-2-frequency-distribution"}) {
-        const auto picture = found.find(std::string(name) + ".png");
-        ASSERT_NE(picture, found.end()) << name;
-        EXPECT_EQ(picture->second.width, 1280U) << name;
-        EXPECT_EQ(picture->second.height, 800U) << name;
-        // An empty window of that size takes about 5 kB.
-        EXPECT_GT(picture->second.bytes, 10'000U) << name;
-    }
-    std::istringstream lines(outcome.out);
-    std::size_t told = 0;
-    for (std::string line; std::getline(lines, line); ++told)
-        EXPECT_TRUE(std::filesystem::exists(line)) << line;
-    EXPECT_EQ(told, found.size());
-    for (const auto& [name, picture] : found)
-        EXPECT_GT(picture.width, 60U) << name; // the list of completions is the smallest
-}
-
-TEST_F(ShellProgram, WithoutARepositoryThereIsTheWelcomePage) {
-    const Outcome outcome = runShell({"--screenshots", m_pictures});
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-    ASSERT_EQ(pictures().size(), 1U);
-    EXPECT_EQ(pictures().begin()->first, "welcome.png");
-}
-
-TEST_F(ShellProgram, WrongArgumentsEndWithTwo) {
+TEST(ShellProgram, WrongArgumentsEndWithTwo) {
     const std::vector<std::vector<std::string>> wrong{
-        {"--nonsense"}, {"--scheme", "pink"}, {"--screenshots"}, {"a.tavix", "b.tavix"}};
+        {"--nonsense"}, {"--scheme", "pink"}, {"--job"}, {"a.tavix", "b.tavix"}};
     for (const auto& arguments : wrong) {
         const Outcome outcome = runShell(arguments);
         EXPECT_EQ(outcome.exitCode, 2) << arguments.front();
@@ -98,24 +22,7 @@ TEST_F(ShellProgram, WrongArgumentsEndWithTwo) {
     }
 }
 
-TEST_F(ShellProgram, WhatCannotBeReadOrWrittenEndsWithThree) {
-    std::ofstream(m_folder.file("garbage.tavix")) << "this is no repository";
-    std::ofstream(m_folder.file("occupied")) << "this is no folder";
-    const SampleRepository sample = SampleRepository::build(m_folder.file("sample.tavix"));
-    const std::vector<std::vector<std::string>> failing{
-        {m_folder.file("missing.tavix"), "--screenshots", m_pictures},
-        {m_folder.file("garbage.tavix"), "--screenshots", m_pictures},
-        {sample.path, "--job", "Nothing", "--screenshots", m_pictures},
-        {sample.path, "--screenshots", m_folder.file("occupied")},
-    };
-    for (const auto& arguments : failing) {
-        const Outcome outcome = runShell(arguments);
-        EXPECT_EQ(outcome.exitCode, 3) << arguments.front();
-        EXPECT_THAT(outcome.err, HasSubstr("tavix-shell: "));
-    }
-}
-
-TEST_F(ShellProgram, VersionAndHelpAreNoErrors) {
+TEST(ShellProgram, VersionAndHelpAreNoErrors) {
     for (const char* argument : {"--version", "--help"}) {
         const Outcome outcome = runShell({argument});
         EXPECT_EQ(outcome.exitCode, 0);

@@ -1,4 +1,4 @@
-// From the figures of a report to the rows of its source.
+// From the values of a report to the rows of its source.
 #include "access/Layouts.h"
 #include "base/tests/ScriptedMessages.h"
 #include "base/tests/TempFolder.h"
@@ -18,7 +18,9 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QFileDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
@@ -73,7 +75,7 @@ class DrillThroughWalk : public ::testing::Test {
         view.SelectTab(tab);
         return *view.GetTab(tab).findChild<CUGCtrl*>();
     }
-    /// Lets `act` answer the next question where a file is.
+    /// Calls `act` with the next dialog that asks for a missing file.
     void answerLocating(std::function<void(CLocateFileDlg&)> act) {
         m_locating.disconnect();
         m_locating.callOnTimeout([this, act = std::move(act)] {
@@ -97,18 +99,18 @@ class DrillThroughWalk : public ::testing::Test {
         }
         throw std::runtime_error("no row " + text);
     }
-    /// The rows of the window that is open, which is closed; its title and its status come first.
+    /// Title, status and rows of each open window; closes the windows.
     Lines takeWindow() {
         const auto windows = m_view.findChildren<CDrillThru*>();
         Lines lines;
         for (CDrillThru* window : windows) {
             lines.push_back(toUtf8(window->windowTitle()));
             lines.push_back(toUtf8(window->findChild<QLabel*>(QStringLiteral("status"))->text()));
-            const CDrillThruDataSrc& source = window->GetSource();
-            for (std::int64_t row = 0; row < source.GetRowCount(); ++row) {
+            const QAbstractItemModel& rows = *window->findChild<CUGCtrl*>()->model();
+            for (int row = 0; row < rows.rowCount(); ++row) {
                 std::string line;
-                for (int column = 0; column < source.GetColumnCount(); ++column)
-                    line += (column > 0 ? "|" : "") + source.GetCell(column, row).text;
+                for (int column = 0; column < rows.columnCount(); ++column)
+                    line += (column > 0 ? "|" : "") + toUtf8(rows.index(row, column).data().toString());
                 lines.push_back(line);
             }
             delete window;
@@ -154,7 +156,7 @@ TEST_F(DrillThroughWalk, ValuesPatternsAndOutliers) {
 TEST_F(DrillThroughWalk, RulesShowTheRowsThatTheRunKept) {
     auto& table = dynamic_cast<CReportView&>(m_view.GetReportPane());
     table.SelectTab(CTableView::BusinessRules);
-    // Two more lists stand below that of the rules.
+    // There are two more lists below the rules.
     const auto grids = table.GetTab(CTableView::BusinessRules).findChildren<CUGCtrl*>();
     const auto isRules = [](const CUGCtrl* grid) { return grid->accessibleName() == QLatin1String("Business Rules"); };
     CUGCtrl& rules = **std::find_if(grids.begin(), grids.end(), isRules);
@@ -194,7 +196,12 @@ TEST_F(DrillThroughWalk, TheSourceMayHaveChangedOrGone) {
     EXPECT_THAT(takeWindow(), IsEmpty());
     answerLocating([&](CLocateFileDlg& dialog) {
         ++asked;
-        dialog.AskPath = [&] { return QString::fromStdString(place); };
+        QTimer::singleShot(0, &dialog, [&dialog, &place] {
+            auto* files = dialog.findChild<QFileDialog*>();
+            ASSERT_TRUE(files);
+            files->findChild<QLineEdit*>()->setText(QString::fromStdString(place));
+            static_cast<QDialog*>(files)->accept();
+        });
         dialog.findChild<QPushButton*>(QStringLiteral("locate"))->click();
     });
     m_messages.expectWarn("\"" + place + "\" has 73 bytes where the run read 64. Its place is not kept.", "Error");
@@ -232,7 +239,7 @@ TEST_F(DrillThroughWalk, SeveralWindowsAlsoFromDetachedTabs) {
     CUGCtrl& grid = *view.GetTab(kValues).findChild<CUGCtrl*>();
     doubleClick(grid, rowOf(grid, "Oslo"), 0);
     detached->close();
-    // Neither needs the tab that opened it, nor the report.
+    // Neither window needs the tab that opened it, nor the report.
     m_view.GetTavixDoc().Clear();
     EXPECT_THAT(takeWindow(), ElementsAre("Frequency Distribution Drill Through", "1 row", "2|Bonn|7",
                                           "Frequency Distribution Drill Through", "1 row", "5|Oslo|"));

@@ -1,5 +1,5 @@
-// A walk through everything that two reports show. What it waits for are warnings of the toolkit, which fail a test,
-// messages, faults that the sanitizers find, and tabs that show neither rows nor a sentence.
+// Walks through everything that two reports show, and fails on Qt warnings, messages, sanitizer findings, and tabs that
+// show neither rows nor a sentence.
 #include "base/tests/ScriptedMessages.h"
 #include "base/tests/SourceFolder.h"
 #include "base/tests/TempFolder.h"
@@ -30,7 +30,7 @@
 namespace tavix {
 namespace {
 
-/// What was seen, so that a walk that finds nothing to see fails.
+/// Counts, so that a walk that finds nothing fails.
 struct Sights {
     int objects = 0;
     int tabs = 0;
@@ -50,16 +50,16 @@ class Walk {
             throw std::runtime_error("the report does not open");
         QApplication::setActiveWindow(&m_view);
         EXPECT_TRUE(QTest::qWaitForWindowActive(&m_view));
-        // Soon after loading the view selects a table by itself, which must not come between.
+        // Soon after loading, the view selects a table by itself; wait for that.
         EXPECT_TRUE(QTest::qWaitFor([this] { return report() != nullptr; }));
     }
 
     Sights all() {
         m_runs = m_view.GetTavixDoc().GetRuns().value();
         for (const int page : {0, 1}) {
-            m_view.GetNavigator().ShowPage(static_cast<NavigatorPage>(page));
+            m_view.findChild<CTables*>()->ShowPage(static_cast<NavigatorPage>(page));
             m_tree = m_view.findChild<QTreeView*>(QStringLiteral("page%1").arg(page));
-            // A change of run makes the tree anew, so nodes are named by their rows.
+            // A change of run rebuilds the tree, so nodes are identified by their rows.
             std::vector<std::vector<int>> paths;
             collect({}, {}, paths);
             for (const std::vector<int>& path : paths)
@@ -170,7 +170,7 @@ class Walk {
         EXPECT_TRUE(window.isNull());
     }
 
-    testing::ScriptedMessages m_messages; ///< none is expected
+    testing::ScriptedMessages m_messages; ///< expects no message
     CTavixApp m_app{makeMemorySettings()};
     CTavixView m_view{m_app, m_messages};
     QTreeView* m_tree = nullptr;

@@ -98,7 +98,7 @@ TEST_F(RuleTabs, ShowWhatTheRunFoundAndHowItWasBefore) {
                             "mm for custom metric Sum of sizes is less than 1|Custom Metric|Sum of sizes",
                             "Sizes are wrong|Business Rule|Size is a number"));
 
-    // An earlier run, in which nothing was wrong.
+    // An earlier run without violations.
     table.SelectTab(CTableView::BusinessRules);
     ASSERT_TRUE(view.GetTavixDoc().SetCurrentJob(view.GetTavixDoc().GetRuns()->back().id));
     EXPECT_THAT(rows(list(rules, "Business Rules"), 4), ElementsAre("Size is a number|0|0.00|2"));

@@ -1,4 +1,4 @@
-// From a figure to the rows of a database that wants to know who asks.
+// From a value to the rows of a database that needs a login.
 #include "access/Layouts.h"
 #include "base/tests/ScriptedMessages.h"
 #include "base/tests/TempFolder.h"
@@ -56,7 +56,7 @@ class SourceLoginWalk : public ::testing::Test {
     }
     void load() { ASSERT_TRUE(m_view.LoadReportForJob("", m_job, m_folder.file("people.tavix"))); }
 
-    /// Drills through to "Rome"; what is typed into the dialogs that come up goes from `passwords`, null for Cancel.
+    /// Drills through to "Rome" and answers the login dialogs with `passwords`, null for Cancel.
     CDrillThru* drill(std::vector<const char*> passwords) {
         EXPECT_TRUE(QTest::qWaitFor([this] { return m_view.GetSelection().table.id != -1; }));
         const ProfileCursorHandle fields =
@@ -115,7 +115,7 @@ TEST_F(SourceLoginWalk, AsksOnceForAReportAndCancelLeavesTheDrill) {
     rows = drill({});
     ASSERT_NE(nullptr, rows) << "the answer was not kept";
     delete rows;
-    // It ends with the report.
+    // The login is forgotten when the report is closed.
     load();
     m_messages.expectWarn("Drill through information is unavailable for this item.\n\nNo user and password were given "
                           "for the data source \u201Cpg\u201D.",

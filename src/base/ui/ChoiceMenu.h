@@ -11,13 +11,13 @@
 
 namespace tavix {
 
-/// Makes the menu one of these names, to be called when it is about to show. `chosen` receives the number beside the
-/// name; without any name the menu says `none`.
+/// Fills the menu with the names; to be called when it is about to show. `chosen` receives the id of the chosen name.
+/// Without names the menu shows `none`, disabled.
 inline void fillChoiceMenu(QMenu& menu, const std::vector<std::pair<int, std::string>>& choices, const QString& none,
                            const std::function<void(int)>& chosen) {
     menu.clear();
     for (const auto& [id, name] : choices) {
-        // Names come from the data: an ampersand is one, and a tab is no shortcut.
+        // Names come from the data: ampersands are escaped, and tabs, which would separate a shortcut, become blanks.
         const QString text = toQString(name).simplified().replace(u'&', QStringLiteral("&&"));
         QObject::connect(menu.addAction(text), &QAction::triggered, &menu, [chosen, number = id] { chosen(number); });
     }

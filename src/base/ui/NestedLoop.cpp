@@ -6,7 +6,7 @@
 namespace tavix {
 
 NestedLoops::NestedLoops() {
-    // Widgets that are kept must not outlive the toolkit.
+    // Widgets in deferred actions must not outlive the QApplication.
     qAddPostRoutine([] { NestedLoops::instance().finish(); });
 }
 

@@ -10,23 +10,23 @@
 
 namespace tavix {
 
-/// Knows whether an event loop, or a handler of the shell, runs within a function of the viewer. Whatever is done from
-/// there is done under functions that have not returned yet: what they use must not be destroyed before they have.
+/// Tracks whether a function of the viewer is running an event loop or a handler of the shell. Objects that such a
+/// function uses must not be destroyed from there before the function has returned.
 class NestedLoops final : public QObject {
     Q_OBJECT
   public:
     static NestedLoops& instance();
 
     [[nodiscard]] bool areRunning() const { return m_depth > 0; }
-    /// A dialog, a message or the progress of a reading is on the screen. Menus do not count.
+    /// Whether a dialog, a message or a progress window is open. Menus do not count.
     [[nodiscard]] bool isDialogOpen() const { return m_dialogs > 0; }
-    /// Keeps `act` and calls it from the outermost event loop.
+    /// Defers `act` until the outermost event loop runs.
     void whenOver(std::function<void()> act);
-    /// Does now what was kept, unless a nested loop is running.
+    /// Runs the deferred actions now, unless a nested loop is running.
     void finish();
 
   Q_SIGNALS:
-    /// Posted: by the time it arrives, the function that opened the last dialog has returned.
+    /// Posted, so that it arrives after the function that opened the last dialog has returned.
     void dialogsChanged(bool isOpen);
 
   private:
@@ -42,7 +42,7 @@ class NestedLoops final : public QObject {
     std::vector<std::function<void()>> m_kept;
 };
 
-/// Lives as long as such a loop or handler runs.
+/// Marks a nested loop or handler: exists as long as it runs.
 class NestedLoop {
   public:
     enum class Kind { Dialog, Other };
@@ -56,7 +56,7 @@ class NestedLoop {
     bool m_isDialog;
 };
 
-/// A modal dialog. It may go together with its parent while it is open, and counts as cancelled then.
+/// A modal dialog. If it is destroyed with its parent while it is open, it counts as cancelled.
 template <typename Dialog>
 class ModalDialog {
   public:

@@ -10,7 +10,7 @@ namespace tavix {
 
 namespace {
 
-/// A library text may quote a whole broken row; more than this would push the button off the screen.
+/// An error text may quote a whole row; a longer one would push the button off the screen.
 constexpr qsizetype kLongestText = 2000;
 
 class CursorGuard final : public Messages::Busy {
@@ -37,7 +37,7 @@ QString shortened(QString text) {
 }
 
 int run(ModalDialog<QMessageBox>& box, std::string_view text, std::string_view caption) {
-    // A box may come up while work is going on; it must not inherit the wait cursor.
+    // A box that comes up during a long operation must not inherit the wait cursor.
     const CursorGuard arrow(Qt::ArrowCursor);
     box->setObjectName(QStringLiteral("message"));
     box->setWindowTitle(captionOrName(caption));
@@ -47,7 +47,7 @@ int run(ModalDialog<QMessageBox>& box, std::string_view text, std::string_view c
     return box.exec();
 }
 
-/// The dialog that is open, if one is: a box belongs over what the user is working in.
+/// The active modal dialog, if any, else the window.
 QWidget* owner(const QPointer<QWidget>& window) {
     if (QWidget* dialog = QApplication::activeModalWidget())
         return dialog;

@@ -7,8 +7,7 @@
 
 namespace tavix {
 
-/// Messages as modal boxes over a window. The text is shown as plain text whatever it holds, and can be selected and
-/// copied.
+/// Messages as modal boxes over a window, in plain text that can be selected and copied.
 class QtMessages final : public Messages {
   public:
     /// `window` may be null, and may be destroyed before this object.

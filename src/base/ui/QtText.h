@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-/// Between the UTF-8 of everything below the widgets and Qt's own text. Bytes that are no UTF-8 become U+FFFD.
+/// Conversion between UTF-8, which everything below the widgets uses, and QString. Invalid bytes become U+FFFD.
 namespace tavix {
 
 [[nodiscard]] inline QString toQString(std::string_view text) {

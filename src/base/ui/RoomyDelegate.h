@@ -4,7 +4,7 @@
 
 namespace tavix {
 
-/// Gives the rows of a list air above and below, in proportion to the font.
+/// Adds space above and below the rows of a list, in proportion to the font.
 class RoomyDelegate final : public QStyledItemDelegate {
   public:
     using QStyledItemDelegate::QStyledItemDelegate;

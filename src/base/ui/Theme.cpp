@@ -20,23 +20,30 @@ constexpr Scheme kDark = {0xff26282c, 0xff1c1e21, 0xff222428, 0xff33363b, 0xffe4
 QPalette paletteOf(const Scheme& scheme) {
     // The constructor derives the shades of frames and bevels from the button and window colours.
     QPalette palette(QColor::fromRgb(scheme.button), QColor::fromRgb(scheme.window));
-    const auto set = [&palette](QPalette::ColorRole role, QRgb normal, QRgb disabled) {
-        palette.setColor(role, QColor::fromRgb(normal));
-        palette.setColor(QPalette::Disabled, role, QColor::fromRgb(disabled));
+    struct Role {
+        QPalette::ColorRole role;
+        QRgb normal;
+        QRgb disabled;
     };
-    set(QPalette::Window, scheme.window, scheme.window);
-    set(QPalette::Base, scheme.base, scheme.window);
-    set(QPalette::AlternateBase, scheme.alternate, scheme.window);
-    set(QPalette::Button, scheme.button, scheme.window);
-    set(QPalette::WindowText, scheme.text, scheme.disabled);
-    set(QPalette::Text, scheme.text, scheme.disabled);
-    set(QPalette::ButtonText, scheme.text, scheme.disabled);
-    set(QPalette::PlaceholderText, scheme.placeholder, scheme.disabled);
-    set(QPalette::ToolTipBase, scheme.tip, scheme.tip);
-    set(QPalette::ToolTipText, scheme.text, scheme.text);
-    set(QPalette::Highlight, scheme.highlight, scheme.disabled);
-    set(QPalette::HighlightedText, scheme.highlighted, scheme.window);
-    set(QPalette::Link, scheme.link, scheme.disabled);
+    const Role roles[] = {
+        {QPalette::Window, scheme.window, scheme.window},
+        {QPalette::Base, scheme.base, scheme.window},
+        {QPalette::AlternateBase, scheme.alternate, scheme.window},
+        {QPalette::Button, scheme.button, scheme.window},
+        {QPalette::WindowText, scheme.text, scheme.disabled},
+        {QPalette::Text, scheme.text, scheme.disabled},
+        {QPalette::ButtonText, scheme.text, scheme.disabled},
+        {QPalette::PlaceholderText, scheme.placeholder, scheme.disabled},
+        {QPalette::ToolTipBase, scheme.tip, scheme.tip},
+        {QPalette::ToolTipText, scheme.text, scheme.text},
+        {QPalette::Highlight, scheme.highlight, scheme.disabled},
+        {QPalette::HighlightedText, scheme.highlighted, scheme.window},
+        {QPalette::Link, scheme.link, scheme.disabled},
+    };
+    for (const Role& each : roles) {
+        palette.setColor(each.role, QColor::fromRgb(each.normal));
+        palette.setColor(QPalette::Disabled, each.role, QColor::fromRgb(each.disabled));
+    }
     return palette;
 }
 

@@ -24,7 +24,7 @@ TEST(TavixApp, FirstStartShowsEveryMetricAndALaterOneChangesNothing) {
     const CTavixApp again(path);
     EXPECT_EQ(again.GetSettings().read("TAVIX", "Metric5"), "U0");
     EXPECT_EQ(again.GetSettings().read("TAVIX", "Metric6"), "");
-    EXPECT_EQ(again.GetConnectionType(), "local");
+    EXPECT_EQ(again.GetSettings().read("Settings", "ConnectionType"), "local");
 }
 
 TEST(TavixApp, StartsWithoutAUsableSettingsFileAndSaysSo) {

@@ -16,7 +16,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// What the document does to those around it, as lines in the order in which it does it.
+/// Records the document's calls to frame and task list, one line each.
 class Recorder final : public DocumentFrame, public TaskListKeeper {
   public:
     std::vector<std::string> lines;
@@ -103,7 +103,7 @@ TEST_F(TavixDocTest, OpensTheLatestRunOfAReport) {
     EXPECT_EQ(m_doc.GetRunCount(), 3);
     ASSERT_EQ(m_doc.GetMetrics().size(), 24u);
     EXPECT_EQ(m_doc.GetMetrics()[3], (MetricDisplay{"Non-null Count", false, 0}));
-    const std::vector<int> shown = m_doc.ShownMetrics();
+    const std::vector<int> shown = shownMetrics(m_doc.GetMetrics());
     EXPECT_EQ(shown.size(), 23u);
     EXPECT_EQ(shown.front(), 5);
     EXPECT_EQ(m_messages.busyCount(), 1);

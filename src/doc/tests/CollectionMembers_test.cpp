@@ -60,7 +60,7 @@ TEST_F(CollectionMembers, AFieldThatIsTurnedDownIsToldAndChangesNothing) {
     EXPECT_EQ(0, addFieldsToCollection(m_doc, m_amounts, {&balance, 1}));
     EXPECT_THAT(m_hints.seen, IsEmpty());
 
-    // What came before it stays, and is told.
+    // The fields added before the failure stay, and the hint is broadcast.
     const std::array<int, 3> fields{field("customers/name"), balance, field("customers/city")};
     m_messages.expectWarn("Unable to create field collection mapping:\n\nThe collection has this field already.");
     EXPECT_EQ(1, addFieldsToCollection(m_doc, m_amounts, fields));

@@ -10,7 +10,7 @@ namespace {
 
 using source::Credentials;
 
-/// Answers questions about sources, and keeps what was asked: "source user refusal".
+/// Answers questions about sources, and records each one as "source user refusal".
 class SourceLoginsTest : public ::testing::Test {
   protected:
     SourceLoginsTest() {
@@ -44,7 +44,7 @@ TEST_F(SourceLoginsTest, NobodyIsAskedBeforeAServerRefusesAndTheAnswerIsKeptForI
     EXPECT_EQ("ada/secret", give("shop"));
     EXPECT_EQ("-", give("other"));
     EXPECT_EQ(1U, asked.size());
-    // An answer that the server refuses is asked for again, with its user.
+    // When the server refuses the answer, the next question proposes the same user.
     answer = Credentials{"ada", "better"};
     EXPECT_EQ("ada/better", give("shop", "wrong password"));
     EXPECT_EQ("shop ada wrong password", asked.back());
@@ -74,7 +74,7 @@ TEST_F(SourceLoginsTest, WhoGivesNoAnswerIsRememberedOnceAndAskedAgainNextTime) 
     EXPECT_EQ("-", give("shop")) << "a refused answer was kept";
     EXPECT_EQ("-", give("shop", "no password"));
     EXPECT_EQ(3U, asked.size());
-    // Another attempt begins with a clean slate.
+    // Another attempt clears the declined source.
     EXPECT_EQ("-", give("other"));
     EXPECT_FALSE(logins.TakeDeclined());
     logins.SetAsk(nullptr);

@@ -8,7 +8,7 @@
 
 namespace tavix::testing {
 
-/// The frame around panes under test. It remembers what the pane told it, and passes broadcasts on to the listeners.
+/// The frame around a pane under test: records the pane's calls and passes broadcasts on to the listeners.
 class TestSite final : public CViewSite, public DocumentFrame {
   public:
     /// Both must outlive the site.

@@ -90,7 +90,7 @@ TEST_F(DrillOutput, WhatCannotBeWrittenIsSaid) {
         m_messages.expectWarn("Path too long: " + path, "File Error");
         EXPECT_FALSE(saveDrillRows(m_source, path, "t", m_messages));
     }
-    // A folder of that name cannot be replaced by a file, and nothing is left beside it.
+    // A folder cannot be replaced by a file; no temporary file is left.
     const std::string folder = m_folder.file("folder.txt");
     std::filesystem::create_directory(folder);
     put(folder + "/inside", "kept");
@@ -148,7 +148,7 @@ TEST_F(DrillOutput, APipeIsWrittenThroughAndALongNameTaken) {
         EXPECT_TRUE(saveDrillRows(m_source, m_folder.file(std::string(251, 'n') + ending), "t", m_messages));
 }
 
-// What python's xlrd reads of a sheet, a line for each row; cells are joined by "|".
+// The rows that Python's xlrd reads from a sheet, one per line, cells joined by "|".
 std::string readBack(const std::string& path) {
     const std::string script = "import sys,xlrd\n"
                                "b=xlrd.open_workbook(sys.argv[1])\n"

@@ -97,7 +97,7 @@ TEST(DrillReader, CancellingKeepsWhatWasRead) {
     EXPECT_EQ(result.end, DrillEnd::Cancelled);
     EXPECT_GE(result.rows.count(), 1000U);
     EXPECT_LT(result.rows.count(), 2000U);
-    // A source that stops by itself or throws because it was told to.
+    // A source that was told to stop ends or throws.
     source.rows.resize(3);
     const auto never = [](std::int64_t) { return false; };
     EXPECT_EQ(readDrillRows(openDrill(source), DrillSourceMode::Rows, kMany, never).end, DrillEnd::Cancelled);

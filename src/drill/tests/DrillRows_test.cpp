@@ -10,7 +10,6 @@ namespace tavix {
 namespace {
 
 using ::testing::ElementsAre;
-using Arrow = CDrillThruDataSrc::SortArrow;
 
 using Table = std::vector<std::vector<KvbString>>;
 
@@ -42,7 +41,7 @@ std::vector<std::string> textsOf(const CDrillThruDataSrc& source, int column = 0
 
 TEST(DrillRows, GivesBackWhateverWasPutIn) {
     std::mt19937 random(5);
-    // Lengths around those at which the form of a length changes, and one that is larger than a chunk.
+    // Lengths around the limits of the varint, and one larger than a chunk.
     const std::vector<std::size_t> lengths = {0, 1, 7, 126, 127, 128, 16382, 16383, 16384};
     for (const std::size_t columns : {1U, 3U, 8U, 20U}) {
         Table table(400, std::vector<KvbString>(columns));
@@ -128,22 +127,19 @@ TEST(CDrillThruDataSrc, ColumnsAreAsWideAsTheirLettersAndNotTheirBytes) {
     EXPECT_EQ(widthOf(wide), widthOf(latin)) << "ten signs of twice the width";
 }
 
-TEST(CDrillThruDataSrc, WholeRowsMoveAndTheArrowSaysWhere) {
+TEST(CDrillThruDataSrc, WholeRowsMove) {
     CDrillThruDataSrc source;
     source.SetRows(rowsOf({{"b", "1"}, {"a", "2"}, {KvbString(), "3"}}, 2));
-    EXPECT_EQ(source.GetSortArrow(0), Arrow::None);
     ASSERT_TRUE(source.Sort(0, false));
     EXPECT_THAT(textsOf(source, 1), ElementsAre("3", "2", "1"));
     EXPECT_EQ(source.GetCell(0, 0).state, CellState::Null);
-    EXPECT_EQ(source.GetSortArrow(0), Arrow::Up);
-    EXPECT_EQ(source.GetSortArrow(1), Arrow::None);
+    ASSERT_TRUE(source.Sort(1, false));
+    EXPECT_THAT(textsOf(source, 0), ElementsAre("b", "a", ""));
     ASSERT_TRUE(source.Sort(1, true));
-    EXPECT_EQ(source.GetSortArrow(0), Arrow::None);
-    EXPECT_EQ(source.GetSortArrow(1), Arrow::Down);
+    EXPECT_THAT(textsOf(source, 0), ElementsAre("", "a", "b"));
     EXPECT_FALSE(source.Sort(2, false));
     source.SetRows(rowsOf({{"only"}}, 1));
     EXPECT_FALSE(source.Sort(0, false));
-    EXPECT_EQ(source.GetSortArrow(0), Arrow::None);
 }
 
 TEST(CDrillThruDataSrc, FindsTextsInEveryCellAndGoesRound) {

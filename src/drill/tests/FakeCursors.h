@@ -10,7 +10,7 @@
 
 namespace tavix::testing {
 
-/// A source of rows for drill-throughs that fails where it is told to and knows how often it was given back.
+/// A source of drill-through rows that fails on request and counts how often its cursor was released.
 struct FakeSource {
     static constexpr std::size_t kNever = static_cast<std::size_t>(-1);
 

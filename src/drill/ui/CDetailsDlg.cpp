@@ -20,7 +20,7 @@ CDetailsDlg::CDetailsDlg(const std::string& text, QWidget* parent) : QDialog(par
     shown->setReadOnly(true);
     shown->setAccessibleName(QStringLiteral("Details"));
     shown->setTabChangesFocus(true);
-    // Queries and filters are code.
+    // The text may hold SQL and filters.
     shown->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     shown->setPlainText(toQString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
 

@@ -6,13 +6,13 @@
 
 namespace tavix {
 
-/// Shows a text to be read and copied.
+/// Shows a text that can be copied.
 class CDetailsDlg final : public QDialog {
     Q_OBJECT
   public:
     explicit CDetailsDlg(const std::string& text, QWidget* parent = nullptr);
 
-    /// Modal, over the place of `view` on the screen.
+    /// Shows the dialog, modal, exactly over `view`.
     static void Show(const std::string& text, QWidget& view);
 };
 

@@ -10,14 +10,13 @@
 #include "settings/Settings.h"
 
 #include <QDialogButtonBox>
-#include <QFileDialog>
+#include <QFile>
 #include <QGuiApplication>
 #include <QIcon>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPrintDialog>
 #include <QPrinter>
 #include <QPushButton>
 #include <QScreen>
@@ -35,10 +34,10 @@ namespace {
 constexpr int kMargin = 12;
 constexpr QSize kUsualSize(900, 560);
 constexpr int kSmallestWidth = 420;
-// A search in this many cells takes long enough to show that it goes on.
+// A search in this many cells takes long enough to show the wait cursor.
 constexpr std::int64_t kManyCells = 1'000'000;
 
-// As wide as the columns need, within reason.
+// As wide as the columns need, within limits.
 QSize sizeFor(const CDrillThruDataSrc& source, const QScreen* screen) {
     int width = 60;
     for (int column = 0; column < source.GetColumnCount(); ++column)
@@ -61,15 +60,14 @@ QToolButton* arrowButton(Qt::ArrowType arrow, const QString& name, const QString
 } // namespace
 
 CDrillThru::CDrillThru(DrillRequest request, ReadingProgress& progress, SettingsStore& settings, Messages& messages,
-                       QWidget* parent)
-    // Of a dialog's kind, so that it belongs to the window that it came from, with the buttons of other windows.
+                       QWidget* parent, DrillDialogs dialogs)
+    // A dialog stays above the window that opened it; the other flags give it the buttons of an ordinary window.
     : QDialog(parent, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowMinMaxButtonsHint |
                           Qt::WindowCloseButtonHint),
       m_settings(settings),
       m_messages(messages),
+      m_dialogs(std::move(dialogs)),
       m_context(request.context) {
-    AskPath = [this] { return ChoosePath(); };
-    AskPrinter = [this](QPrinter& printer) { return ChoosePrinter(printer); };
     setObjectName(QStringLiteral("drillThru"));
     setWindowTitle(toQString(drillTitle(request.origin)));
     if (parent)
@@ -88,14 +86,14 @@ CDrillThru::CDrillThru(DrillRequest request, ReadingProgress& progress, Settings
     m_grid->setFocus();
 }
 
-// The grid must not ask for rows while they are torn down.
+// The grid must not ask for rows that are being destroyed.
 CDrillThru::~CDrillThru() {
     m_grid->SetSource(nullptr);
 }
 
 CDrillThru* CDrillThru::Show(DrillRequest request, ReadingProgress& progress, SettingsStore& settings,
-                             Messages& messages, QWidget* parent, const QWidget& over) {
-    auto* window = new CDrillThru(std::move(request), progress, settings, messages, parent);
+                             Messages& messages, QWidget* parent, const QWidget& over, DrillDialogs dialogs) {
+    auto* window = new CDrillThru(std::move(request), progress, settings, messages, parent, std::move(dialogs));
     window->ShowOver(over);
     return window;
 }
@@ -120,7 +118,7 @@ void CDrillThru::ShowOver(const QWidget& over) {
 void CDrillThru::MakeControls(const std::string& subject) {
     m_subject = new QLabel(toQString(subject).simplified(), this);
     m_subject->setObjectName(QStringLiteral("subject"));
-    // It quotes the data.
+    // The subject quotes the data, which may look like markup.
     m_subject->setTextFormat(Qt::PlainText);
     m_subject->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_subject->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -156,7 +154,7 @@ void CDrillThru::MakeControls(const std::string& subject) {
     m_export->setObjectName(QStringLiteral("export"));
     m_print->setObjectName(QStringLiteral("print"));
     close->setObjectName(QStringLiteral("close"));
-    // Enter belongs to the list and to the search.
+    // Enter is for the list and the search, not for a default button.
     for (QAbstractButton* button : buttons->buttons())
         static_cast<QPushButton*>(button)->setAutoDefault(false);
 
@@ -225,7 +223,7 @@ void CDrillThru::keyPressEvent(QKeyEvent* event) {
         return Find(event->modifiers().testFlag(Qt::ShiftModifier) ? SearchDirection::Backward
                                                                    : SearchDirection::Forward,
                     true);
-    // The first Escape empties the search, the next closes the window.
+    // The first Escape clears the search, the next closes the window.
     if (event->key() == Qt::Key_Escape && m_find->hasFocus() && !m_find->text().isEmpty()) {
         m_find->clear();
         return m_grid->setFocus();
@@ -233,37 +231,11 @@ void CDrillThru::keyPressEvent(QKeyEvent* event) {
     QDialog::keyPressEvent(event);
 }
 
-QString CDrillThru::ChoosePath() {
-    ModalDialog<QFileDialog> dialog(this, tr("Export"), toQString(drillFolder(m_settings)));
-    dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setFileMode(QFileDialog::AnyFile);
-    // The question is ours, since it comes whichever way a path was given.
-    dialog->setOption(QFileDialog::DontConfirmOverwrite);
-    const QStringList parts = toQString(kDrillFilePatterns).split(u'|', Qt::SkipEmptyParts);
-    QStringList filters;
-    for (qsizetype i = 0; i + 1 < parts.size(); i += 2)
-        filters << QStringLiteral("%1 (%2)").arg(parts[i].section(QStringLiteral(" ("), 0, 0),
-                                                 QString(parts[i + 1]).replace(u';', u' '));
-    dialog->setNameFilters(filters);
-    dialog->setDefaultSuffix(toQString(kDrillFileExtension));
-    connect(&*dialog, &QFileDialog::filterSelected, &*dialog, [&dialog](const QString& filter) {
-        dialog->setDefaultSuffix(filter.contains(QLatin1String("*.xls")) ? QStringLiteral("xls")
-                                                                         : toQString(kDrillFileExtension));
-    });
-    dialog->selectFile(toQString(drillFileName(m_context)));
-    return dialog.isAccepted() ? dialog->selectedFiles().value(0) : QString();
-}
-
 void CDrillThru::Export() {
-    if (const QString path = AskPath(); !path.isEmpty())
+    const QString path =
+        m_dialogs.chooseFile(*this, toQString(drillFolder(m_settings)), toQString(drillFileName(m_context)));
+    if (!path.isEmpty())
         saveDrillRows(m_source, QFile::encodeName(path).toStdString(), m_context, m_messages);
-}
-
-bool CDrillThru::ChoosePrinter(QPrinter& printer) {
-    ModalDialog<QPrintDialog> dialog(&printer, this);
-    dialog->setWindowTitle(tr("Print"));
-    dialog->setOption(QAbstractPrintDialog::PrintPageRange);
-    return dialog.isAccepted();
 }
 
 void CDrillThru::Print() {
@@ -271,7 +243,7 @@ void CDrillThru::Print() {
     printer.setDocName(toQString(kDrillPrintJob));
     if (m_source.GetColumnCount() > 6)
         printer.setPageOrientation(QPageLayout::Landscape);
-    if (!AskPrinter(printer))
+    if (!m_dialogs.choosePrinter(*this, printer))
         return;
     const auto busy = m_messages.busy();
     if (const Status printed = printDrillRows(m_source, m_subject->text(), m_grid->font(), printer); !printed)

@@ -4,46 +4,39 @@
 #include "base/SettingsStore.h"
 #include "drill/CDrillThruDataSrc.h"
 #include "drill/DrillRequest.h"
+#include "drill/ui/DrillDialogs.h"
 
 #include <QDialog>
 
-#include <functional>
 #include <string>
 
 class QAbstractButton;
 class QLabel;
 class QLineEdit;
-class QPrinter;
 
 namespace tavix {
 
 class CUGCtrl;
 class ReadingProgress;
 
-/// The source rows behind a figure. The window reads them while it is made, up to MaxDrillThruRows, gives the cursor
-/// back and keeps them until it is closed; it needs neither the repository nor the tab that opened it. Several may be
+/// The source rows behind a metric. The constructor reads them, up to MaxDrillThruRows, and gives the cursor back; the
+/// window keeps them until it is closed, and needs neither the repository nor the tab that opened it. Several may be
 /// open at once.
 class CDrillThru final : public QDialog {
     Q_OBJECT
   public:
-    /// Reads the rows. `progress` is the sink that the cursor was opened with, and is not needed afterwards; settings
+    /// Reads the rows. `progress` is the sink that the cursor was opened with; it is not needed afterwards. Settings
     /// and messages must outlive the window.
     CDrillThru(DrillRequest request, ReadingProgress& progress, SettingsStore& settings, Messages& messages,
-               QWidget* parent);
+               QWidget* parent, DrillDialogs dialogs = {});
     ~CDrillThru() override;
 
-    /// Shows the window, centred over `over`; from then on it deletes itself when it is closed. When the source failed
-    /// it is there with the rows read so far, and the user is told.
+    /// Shows the window, centred over `over`; from then on it deletes itself when it is closed. After a failure of the
+    /// source it shows the rows read so far, and a message.
     void ShowOver(const QWidget& over);
-    /// Makes a window and shows it. It goes with `parent`, at the latest.
+    /// Makes a window, which `parent` owns, and shows it.
     static CDrillThru* Show(DrillRequest request, ReadingProgress& progress, SettingsStore& settings,
-                            Messages& messages, QWidget* parent, const QWidget& over);
-
-    [[nodiscard]] const CDrillThruDataSrc& GetSource() const { return m_source; }
-    /// Asks for the file to save in; "" for none. By default a dialog, which tests replace.
-    std::function<QString()> AskPath;
-    /// Lets the user choose printer and pages; false for none. By default a dialog, which tests replace.
-    std::function<bool(QPrinter&)> AskPrinter;
+                            Messages& messages, QWidget* parent, const QWidget& over, DrillDialogs dialogs = {});
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -54,21 +47,20 @@ class CDrillThru final : public QDialog {
     void Find(SearchDirection direction, bool beyond);
     void Export();
     void Print();
-    [[nodiscard]] QString ChoosePath();
-    [[nodiscard]] bool ChoosePrinter(QPrinter& printer);
 
     SettingsStore& m_settings;
     Messages& m_messages;
+    DrillDialogs m_dialogs;
     std::string m_context;
     CDrillThruDataSrc m_source;
     bool m_failed = false;
-    QLabel* m_subject = nullptr;
-    QLineEdit* m_find = nullptr;
-    QLabel* m_notFound = nullptr;
-    CUGCtrl* m_grid = nullptr;
-    QLabel* m_status = nullptr;
-    QAbstractButton* m_export = nullptr;
-    QAbstractButton* m_print = nullptr;
+    QLabel* m_subject;
+    QLabel* m_notFound;
+    QLabel* m_status;
+    QLineEdit* m_find;
+    CUGCtrl* m_grid;
+    QAbstractButton* m_export;
+    QAbstractButton* m_print;
 };
 
 } // namespace tavix

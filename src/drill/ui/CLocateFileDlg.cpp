@@ -15,6 +15,8 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace tavix {
 
 namespace {
@@ -22,7 +24,7 @@ namespace {
 constexpr int kWidth = 520;
 constexpr int kMargin = 16;
 
-/// Paths have no blanks at which a label could break them.
+/// Lets a label break a path after each slash.
 QString breakable(const std::string& path) {
     return QFile::decodeName(path.c_str()).replace(QLatin1Char('/'), QStringLiteral("/\u200B"));
 }
@@ -38,16 +40,15 @@ QLabel* textLabel(const QString& text, const char* name, QWidget* parent) {
 
 } // namespace
 
-CLocateFileDlg::CLocateFileDlg(const MissingFile& file, QWidget* parent) : QDialog(parent), m_file(file) {
-    AskPath = [this] { return ChoosePath(); };
+CLocateFileDlg::CLocateFileDlg(const MissingFile& file, QWidget* parent, std::function<QString()> askPath)
+    : QDialog(parent), m_askPath(std::move(askPath)), m_file(file) {
     setObjectName(QStringLiteral("locateFile"));
     setWindowTitle(toQString(kDrillErrorCaption));
     QLabel* heading = textLabel(toQString(kDrillUnavailable), "heading", this);
     QFont strong = heading->font();
     strong.setWeight(QFont::DemiBold);
     heading->setFont(strong);
-    QLabel* gone =
-        textLabel(tr("The file that the run read is not there any more:\n%1").arg(breakable(file.path)), "file", this);
+    QLabel* gone = textLabel(tr("The file that the run read is missing:\n%1").arg(breakable(file.path)), "file", this);
     QLabel* note = textLabel(tr("If it was moved, locate it. A file of the same size is remembered."), "note", this);
     QPalette quiet = note->palette();
     quiet.setColor(QPalette::WindowText, quietText(palette()));
@@ -58,9 +59,9 @@ CLocateFileDlg::CLocateFileDlg(const MissingFile& file, QWidget* parent) : QDial
     locate->setObjectName(QStringLiteral("locate"));
     locate->setDefault(true);
     connect(locate, &QPushButton::clicked, this, [this] {
-        // It may go together with the file dialog over it.
+        // Both dialogs may be destroyed while the file dialog is open.
         const QPointer<CLocateFileDlg> self(this);
-        const QString path = AskPath();
+        const QString path = m_askPath ? m_askPath() : ChoosePath();
         if (self)
             Accept(path);
     });

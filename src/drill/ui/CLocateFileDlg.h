@@ -10,24 +10,24 @@
 
 namespace tavix {
 
-/// Says that a file of the source is not where the run read it, and lets the user say where it is.
+/// Says that a file of the source is missing, and lets the user locate it.
 class CLocateFileDlg final : public QDialog {
     Q_OBJECT
   public:
-    explicit CLocateFileDlg(const MissingFile& file, QWidget* parent = nullptr);
+    /// `askPath` lets the user choose the file, "" for none; without it a file dialog does.
+    explicit CLocateFileDlg(const MissingFile& file, QWidget* parent = nullptr, std::function<QString()> askPath = {});
 
     /// Where the file is; "" until the dialog is accepted.
     [[nodiscard]] const std::string& GetPlace() const { return m_place; }
-    /// Asks for the file; "" for none. By default a dialog, which tests replace.
-    std::function<QString()> AskPath;
 
-    /// Nothing when the user closes the dialog.
+    /// Where the file is; nothing when the user closes the dialog.
     [[nodiscard]] static std::optional<std::string> Choose(const MissingFile& file, QWidget* window);
 
   private:
     void Accept(const QString& path);
     [[nodiscard]] QString ChoosePath();
 
+    std::function<QString()> m_askPath;
     MissingFile m_file;
     std::string m_place;
 };

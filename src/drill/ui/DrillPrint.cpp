@@ -19,7 +19,7 @@ namespace tavix {
 namespace {
 
 constexpr std::int64_t kMeasuredRows = 1000;
-// A cell shows one line; more of a long value is not drawn.
+// A cell shows one line; longer values are cut to this.
 constexpr std::size_t kShownBytes = 512;
 constexpr double kPaddingInLetters = 1.0;
 constexpr double kWidestShare = 0.4; ///< of a page, for one column
@@ -82,7 +82,7 @@ class TablePrint {
             m_bands.push_back(band);
             column = band.end;
         }
-        // Without those of the subject, the headings and the number of the page, and the room around them.
+        // Less the lines of subject, headings and page number, and the space around them.
         m_rowsOnPage = std::max<std::int64_t>(1, static_cast<std::int64_t>(m_page.height() / m_line - 4.5));
         const std::int64_t sheets = (m_source.GetRowCount() + m_rowsOnPage - 1) / m_rowsOnPage;
         m_pages = static_cast<int>(std::max<std::int64_t>(1, sheets) * static_cast<std::int64_t>(m_bands.size()));
@@ -151,7 +151,7 @@ class TablePrint {
     double m_line = 0;
     double m_padding = 0;
     std::vector<double> m_widths;
-    std::vector<Band> m_bands; ///< columns that stand beside each other on a page
+    std::vector<Band> m_bands; ///< the columns that share a page
     std::int64_t m_rowsOnPage = 1;
     int m_pages = 1;
 };
@@ -160,7 +160,7 @@ Status cannotStart() {
     return Error{"The printer cannot be started."};
 }
 
-/// Qt cuts the file that it is to print into at once, and does not say when it could not write all of it.
+/// Qt truncates the output file at once and does not report a failed write, so the end of the file is checked.
 bool endsAsPdf(const QString& path) {
     constexpr qint64 kTail = 32;
     QFile file(path);

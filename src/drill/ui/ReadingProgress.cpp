@@ -44,7 +44,7 @@ ReadingProgressDlg::ReadingProgressDlg(ReadingKind kind, QWidget* parent)
     layout->addWidget(m_rows);
     layout->addWidget(buttons);
     setMinimumWidth(380);
-    // It comes up while work is going on, but its button can be pressed.
+    // Shown while the wait cursor is set, but its button can be clicked.
     QGuiApplication::setOverrideCursor(Qt::ArrowCursor);
 }
 

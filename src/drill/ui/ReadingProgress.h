@@ -14,20 +14,20 @@ class QProgressBar;
 
 namespace tavix {
 
-/// What is read, in the words of the dialog.
+/// What is being read; decides the dialog's texts.
 enum class ReadingKind {
-    Source, ///< a source, of which it is told how much was read, and how many rows were found in it
-    List,   ///< a stored list, of which it is told how many rows were looked at
+    Source, ///< a source: shows the share that was read and the number of rows found
+    List,   ///< a stored list: shows the number of rows examined
 };
 
-/// Shown over the viewer while something is read; Cancel and Escape stop the reading.
+/// Shown over the viewer during a long reading; Cancel and Escape stop it.
 class ReadingProgressDlg final : public QDialog {
     Q_OBJECT
   public:
     explicit ReadingProgressDlg(ReadingKind kind, QWidget* parent = nullptr);
     ~ReadingProgressDlg() override;
 
-    /// `total` 0 when it is not known.
+    /// `total` is 0 when it is not known.
     void ShowProgress(const QString& text, std::int64_t done, std::int64_t total);
     void ShowFound(std::int64_t rows);
 
@@ -38,8 +38,8 @@ class ReadingProgressDlg final : public QDialog {
     QProgressBar* m_bar;
 };
 
-/// What the library reports while it reads. The wait cursor, which is the caller's, does at first; when the reading
-/// takes longer, a dialog shows how far it is, and events are handled between two reports.
+/// Receives the library's progress reports. At first only the caller's wait cursor shows; when the reading takes
+/// longer, a dialog shows the progress, and each report handles events.
 class ReadingProgress final : public PrViewDisplayMessage {
   public:
     /// The dialog comes up over the window of `parent`, which may be destroyed before this object, once the reading
@@ -50,7 +50,7 @@ class ReadingProgress final : public PrViewDisplayMessage {
     ReadingProgress& operator=(const ReadingProgress&) = delete;
 
     bool progress(std::string_view text, std::int64_t done, std::int64_t total) override;
-    /// Told how many rows were found so far; false asks to stop.
+    /// Reports the number of rows found so far; false means that the user cancelled.
     bool Found(std::int64_t rows);
     [[nodiscard]] bool WasCancelled() const { return m_cancelled; }
 

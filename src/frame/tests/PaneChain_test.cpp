@@ -74,8 +74,8 @@ struct Lamp {
 
 TEST(CommandTable, ARowSaysWhoHandlesItAndWhenItIsEnabled) {
     const std::array<CommandRow<Lamp>, 2> table = {{
-        {{CommandId::New, "Toggle"}, &Lamp::Toggle, &Lamp::Works, &Lamp::IsLit},
-        {{CommandId::Options, "Break"}, &Lamp::Break},
+        {CommandId::New, &Lamp::Toggle, &Lamp::Works, &Lamp::IsLit},
+        {CommandId::Options, &Lamp::Break},
     }};
     const std::span<const CommandRow<Lamp>> rows(table);
     Lamp lamp;

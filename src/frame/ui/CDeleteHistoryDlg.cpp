@@ -16,7 +16,7 @@ namespace tavix {
 
 namespace {
 
-/// A drop-down list is as wide as the dialog at most, and cuts what is longer without a sign.
+/// A drop-down list is at most as wide as the dialog and cuts off longer texts without an ellipsis.
 QString shortened(const QString& text) {
     constexpr qsizetype kLongest = 54;
     return text.size() <= kLongest ? text : text.left(kLongest - 1) + QChar(0x2026);
@@ -43,7 +43,7 @@ CDeleteHistoryDlg::CDeleteHistoryDlg(DeleteHistoryModel model, Messages& message
     m_summary->setObjectName(QStringLiteral("summary"));
     m_summary->setTextFormat(Qt::PlainText);
     m_summary->setWordWrap(true);
-    // Room for its longest text from the start, so that the list does not jump.
+    // Enough room for the longest text, so that the list above does not move.
     m_summary->setMinimumHeight(2 * fontMetrics().lineSpacing() + 4);
     m_summary->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
 
@@ -65,7 +65,7 @@ CDeleteHistoryDlg::CDeleteHistoryDlg(DeleteHistoryModel model, Messages& message
     layout->addWidget(buttons);
 
     m_table->SetRuns(m_model.Runs(), m_model.CurrentRun());
-    // Nothing is chosen for the user: a deletion starts with a deliberate step.
+    // No preselection: a deletion must start with a deliberate choice.
     m_table->setCurrentItem(nullptr);
     connect(m_table, &QTreeWidget::itemSelectionChanged, this, &CDeleteHistoryDlg::SelectionChanged);
     connect(m_afterwards, &QComboBox::currentIndexChanged, this,

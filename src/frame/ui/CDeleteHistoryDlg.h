@@ -13,7 +13,7 @@ namespace tavix {
 
 class CRunTable;
 
-/// Chooses the runs to delete: one run and all that are older. Asks once more before it closes with OK.
+/// Lets the user choose the runs to delete: one run and all older ones. Asks for confirmation before it closes with OK.
 class CDeleteHistoryDlg final : public QDialog {
     Q_OBJECT
 
@@ -21,10 +21,10 @@ class CDeleteHistoryDlg final : public QDialog {
     /// `messages` must outlive the dialog.
     CDeleteHistoryDlg(DeleteHistoryModel model, Messages& messages, QWidget* parent = nullptr);
 
-    /// Only to be asked after OK.
+    /// Only valid after OK.
     [[nodiscard]] HistoryDeletion Deletion() const { return m_model.Deletion(); }
 
-    /// For CTavixDoc::DeleteHistory: false when it was not closed with OK or the runs cannot be read.
+    /// For CTavixDoc::DeleteHistory. False when the dialog was cancelled or the runs cannot be read.
     [[nodiscard]] static bool Ask(const CTavixDoc& doc, QWidget* parent, HistoryDeletion& deletion);
 
     void accept() override;

@@ -43,7 +43,7 @@ void CEmptyView::changeEvent(QEvent* event) {
 
 void CEmptyView::ApplyColors() {
     QPalette quiet = palette();
-    // On the base colour, text takes the colour that belongs to it.
+    // On a base-coloured background, a label draws in QPalette::Text.
     quiet.setColor(QPalette::Text, quietText(palette()));
     m_advice->setPalette(quiet);
 }

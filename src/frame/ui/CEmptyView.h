@@ -8,7 +8,7 @@ class QLabel;
 
 namespace tavix {
 
-/// Fills the report pane while nothing that has figures is selected, and says what to do about it.
+/// Fills the report pane while nothing with metrics is selected, and says what the user can do.
 class CEmptyView final : public QWidget, public CReportPane {
     Q_OBJECT
   public:

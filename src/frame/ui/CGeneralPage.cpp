@@ -38,7 +38,7 @@ CGeneralPage::CGeneralPage(OptionValues& values, QWidget* parent) : QWidget(pare
     grid->setContentsMargins(kGap, kGap, kGap, kGap);
     grid->setHorizontalSpacing(kGap);
     grid->setVerticalSpacing(kGap);
-    // Added down the columns, for that is the order in which Tab goes.
+    // Added column by column, which is the tab order.
     grid->addWidget(MakeLimits(), 0, 0);
     grid->addWidget(MakeThresholds(), 1, 0);
     grid->addWidget(MakeFont(), 0, 1);
@@ -82,7 +82,7 @@ QGroupBox* CGeneralPage::MakeThresholds() {
     QFormLayout* form = makeForm(box);
     form->addRow(tr("&First warning threshold:"), MakeNumber(Setting::FirstRDAThreshold));
     form->addRow(tr("S&econd warning threshold:"), MakeNumber(Setting::SecondRDAThreshold));
-    // One edge for the numbers of the whole column.
+    // Aligns the numbers with those of the group above.
     form->labelForField(m_numbers[Setting::FirstRDAThreshold])->setMinimumWidth(m_limitLabels);
     for (const Setting setting : {Setting::FirstRDAThreshold, Setting::SecondRDAThreshold})
         m_numbers[setting]->setSuffix(tr(" %"));
@@ -121,7 +121,7 @@ QGroupBox* CGeneralPage::MakeFont() {
     m_sample->setAutoFillBackground(true);
     m_sample->setMargin(6);
     m_sample->setMinimumHeight(44);
-    // A large font is cut off here rather than pushing the sheet apart.
+    // A large font is cut off here instead of enlarging the sheet.
     m_sample->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
 
     auto* box = new QGroupBox(tr("Font of statistics"));

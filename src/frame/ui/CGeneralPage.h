@@ -24,7 +24,7 @@ class CGeneralPage final : public QWidget {
     /// Shows `values`, which must outlive the page.
     explicit CGeneralPage(OptionValues& values, QWidget* parent = nullptr);
 
-    /// Takes what was entered into the values.
+    /// Writes the input into the values.
     void Store();
     void FocusOn(Setting field);
 
@@ -39,7 +39,7 @@ class CGeneralPage final : public QWidget {
 
     OptionValues& m_values;
     std::map<Setting, QSpinBox*> m_numbers;
-    int m_limitLabels = 0; ///< width of the widest
+    int m_limitLabels = 0; ///< width of the widest label
     QCheckBox* m_ownFont;
     QFontComboBox* m_family;
     QDoubleSpinBox* m_size;

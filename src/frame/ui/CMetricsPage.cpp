@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kGap = 12;
 
-/// `target` is the row before which the view puts it, counted before anything moves.
+/// The row before which Qt inserts the moved one, counted before the move.
 int targetRow(int row, int steps) {
     return steps > 0 ? row + steps + 1 : row + steps;
 }

@@ -11,12 +11,12 @@ class QPushButton;
 
 namespace tavix {
 
-/// The second page of the Options sheet: which metrics are shown, and in which order.
+/// The second page of the Options sheet: the metrics that are shown, and their order.
 class CMetricsPage final : public QWidget {
     Q_OBJECT
 
   public:
-    /// Edits the metrics of `model`, which must outlive the page, as the user goes.
+    /// Edits the metrics of `model`, which must outlive the page, with each change of the user.
     explicit CMetricsPage(OptionsModel& model, QWidget* parent = nullptr);
 
   private:

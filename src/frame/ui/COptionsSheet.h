@@ -10,11 +10,10 @@ class QTabWidget;
 namespace tavix {
 
 class CGeneralPage;
-class CKnowledgePage;
 class CMetricsPage;
 class CTavixDoc;
 
-/// The modal "Options" sheet of three pages.
+/// The modal "Options" sheet: a page of general options and one of metrics.
 class COptionsSheet final : public QDialog {
     Q_OBJECT
 
@@ -22,10 +21,10 @@ class COptionsSheet final : public QDialog {
     /// `messages` must outlive the sheet.
     COptionsSheet(OptionsModel model, Messages& messages, QWidget* parent = nullptr);
 
-    /// What was entered; only to be asked after OK.
+    /// The user's input; only valid after OK.
     [[nodiscard]] const OptionsModel& Model() const { return m_model; }
 
-    /// Shows the sheet, and on OK keeps what was entered.
+    /// Shows the sheet, and on OK saves the input.
     static void Run(CTavixDoc& doc, QWidget* parent);
 
     void accept() override;
@@ -36,7 +35,6 @@ class COptionsSheet final : public QDialog {
     QTabWidget* m_pages;
     CGeneralPage* m_general;
     CMetricsPage* m_metrics;
-    CKnowledgePage* m_knowledge;
 };
 
 } // namespace tavix

@@ -22,7 +22,7 @@ class CRunListDlg final : public QDialog {
     /// -1 when none is selected.
     [[nodiscard]] int SelectedRun() const;
 
-    /// The run that was chosen; nothing when the dialog was not closed with OK or the runs cannot be read.
+    /// The chosen run; nothing when the dialog was cancelled or the runs cannot be read.
     [[nodiscard]] static std::optional<int> Choose(const CTavixDoc& doc, QWidget* parent);
 
   private:

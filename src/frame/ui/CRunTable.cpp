@@ -48,7 +48,7 @@ void CRunTable::SetRuns(const std::vector<RunInfo>& runs, int currentRun) {
     for (const RunInfo& run : runs) {
         const QString description = toQString(run.description);
         auto* item = new QTreeWidgetItem({toQString(run.DateText(locale)), description});
-        // Marked as rich text, so that a description with markup in it shows as it stands.
+        // Escaped inside rich text, so that markup in a description is shown as text.
         item->setToolTip(kDescriptionColumn, QLatin1String("<qt>") + description.toHtmlEscaped());
         if (run.id == currentRun) {
             current = item;
@@ -61,7 +61,7 @@ void CRunTable::SetRuns(const std::vector<RunInfo>& runs, int currentRun) {
         items.append(item);
     }
     addTopLevelItems(items);
-    // The date text is as long as the user's language makes it.
+    // The length of a date depends on the user's locale.
     resizeColumnToContents(kDateColumn);
     setColumnWidth(kDateColumn, std::max(kDateWidth, columnWidth(kDateColumn)));
     setColumnWidth(kDescriptionColumn, kDescriptionWidth);

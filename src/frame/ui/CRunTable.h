@@ -19,7 +19,7 @@ class CRunTable final : public QTreeWidget {
     void SetRuns(const std::vector<RunInfo>& runs, int currentRun);
     /// -1 when none is selected.
     [[nodiscard]] int SelectedRow() const;
-    /// Draws a row as one that is about to go.
+    /// Strikes a row out, or not.
     void MarkDeleted(int row, bool deleted);
 
   private:

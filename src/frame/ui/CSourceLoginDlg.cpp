@@ -17,7 +17,7 @@ namespace tavix {
 namespace {
 
 constexpr int kLongestAnswer = 1000;
-/// Servers may quote what they please.
+/// Error texts of servers may be of any length.
 constexpr qsizetype kLongestRefusal = 600;
 constexpr int kWidth = 440;
 
@@ -74,7 +74,7 @@ CSourceLoginDlg::CSourceLoginDlg(const SourceLogins::Question& question, QWidget
     layout->addStretch(1);
     layout->addWidget(buttons);
     setMinimumWidth(kWidth);
-    // As high as the server's words need; the hint reckons with a narrower window.
+    // As high as the server's text needs; sizeHint() assumes a narrower window.
     resize(kWidth, layout->totalHeightForWidth(kWidth));
     if (question.user.empty())
         m_user->setFocus();
@@ -89,7 +89,7 @@ source::Credentials CSourceLoginDlg::GetCredentials() const {
 std::optional<source::Credentials> CSourceLoginDlg::Choose(const SourceLogins::Question& question, QWidget* window) {
     QWidget* const over = QApplication::activeModalWidget();
     ModalDialog<CSourceLoginDlg> dialog(question, over ? over : window);
-    // The source is asked for while the wait cursor is shown.
+    // The login is requested while the wait cursor is set.
     QGuiApplication::setOverrideCursor(Qt::ArrowCursor);
     const bool isGiven = dialog.isAccepted();
     QGuiApplication::restoreOverrideCursor();

@@ -8,7 +8,7 @@ class QLineEdit;
 
 namespace tavix {
 
-/// Asks for user and password of a database whose server refused what it was given.
+/// Asks for user and password after a database server refused the login.
 class CSourceLoginDlg final : public QDialog {
     Q_OBJECT
   public:
@@ -16,7 +16,7 @@ class CSourceLoginDlg final : public QDialog {
 
     [[nodiscard]] source::Credentials GetCredentials() const;
 
-    /// Shows the dialog over whatever the user works in, else over `window`; nothing after Cancel.
+    /// Shows the dialog over the active modal dialog, if any, else over `window`. Returns nothing after Cancel.
     [[nodiscard]] static std::optional<source::Credentials> Choose(const SourceLogins::Question& question,
                                                                    QWidget* window);
 

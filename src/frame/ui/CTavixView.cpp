@@ -1,8 +1,6 @@
 #include "frame/ui/CTavixView.h"
 
-#include "access/Layouts.h"
 #include "base/AlertRule.h"
-#include "base/GenException.h"
 #include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "doc/CTavixApp.h"
@@ -62,7 +60,7 @@ CTavixView::CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent
     ShowReportPane();
 }
 
-// The panes go before the document that they read.
+// The panes must be destroyed before the document that they read.
 CTavixView::~CTavixView() {
     m_afterLoad.stop();
     for (const Detached& each : m_tearOffs)
@@ -81,18 +79,18 @@ void CTavixView::SetAuthSvrCreds(const std::string& userId, const std::string& p
 
 bool CTavixView::LoadReportForJob(const std::string& text, int jobId, const KvbString& connection) {
     const bool asks = lacksCredentials(connection.view());
-    // The request may retire the view, which drops the function that runs.
+    // Called through a copy: the request may retire the view, which clears the member.
     if (const auto request = m_credentialsRequest; asks && request)
         request();
     if (m_isRetired)
         return false;
-    // Ids of another repository or job name other things; a detached view must not show them as its own.
+    // The ids in another repository or job mean other objects, which a detached view must not show.
     if (m_document->HasReport() && (jobId != m_document->GetJobId() || connection.view() != m_connection))
         for (CTearOff* window : TearOffsOfReport())
             window->Refresh(nullptr, RefreshHint::DocumentReset, 0);
     m_connection = connection.str();
     if (!m_document->OpenReport(asks ? withCredentials(connection.view(), m_userId, m_password) : connection, jobId)) {
-        // Another one may have been opened while the message was on the screen.
+        // Another report may have been opened while the message was shown.
         if (!m_document->HasReport())
             OnNew();
         return false;
@@ -101,7 +99,7 @@ bool CTavixView::LoadReportForJob(const std::string& text, int jobId, const KvbS
     SetLoading(true);
     Broadcast(RefreshHint::RunLoaded);
     SetLoading(false);
-    if (m_wantsInfo && !m_info && HasLoadedTables())
+    if (m_wantsInfo && !m_info && hasTables(*m_document->GetViewer()))
         OpenTableInformation();
     m_afterLoad.start();
     m_document->WarnOfDamage();
@@ -109,7 +107,7 @@ bool CTavixView::LoadReportForJob(const std::string& text, int jobId, const KvbS
 }
 
 void CTavixView::AfterLoad() {
-    // The selection must not change under an open dialog or a reading.
+    // The selection must not change while a dialog is open or a list is being read.
     if (NestedLoops::instance().areRunning())
         return m_afterLoad.start();
     if (!m_document->PostLoadCheck())
@@ -119,12 +117,8 @@ void CTavixView::AfterLoad() {
 
 bool CTavixView::SelectTable(const std::string& dataSource, const std::string& connectionType,
                              const std::string& qualifier1, const std::string& qualifier2, const std::string& table) {
-    constexpr int kOdbc = 0;
-    constexpr int kFiles = 4;
-    if (connectionType != "ODBC" && connectionType != "KVTK")
-        return false;
-    return m_navigator->SelectTable(dataSource, qualifier1, qualifier2, table,
-                                    connectionType == "ODBC" ? kOdbc : kFiles);
+    const std::optional<int> mode = dataSourceMode(connectionType);
+    return mode && m_navigator->SelectTable(dataSource, qualifier1, qualifier2, table, *mode);
 }
 
 void CTavixView::SetInternalFocus() {
@@ -177,7 +171,7 @@ void CTavixView::Retire() {
     for (QWidget* window : QApplication::topLevelWidgets()) {
         if (!window->isVisible() || !isAncestorOfWindow(*this, window))
             continue;
-        // Without the questions that a dialog has for its user.
+        // Skips any confirmation of the dialog.
         if (auto* dialog = qobject_cast<QDialog*>(window))
             dialog->done(QDialog::Rejected);
         else
@@ -192,8 +186,7 @@ void CTavixView::Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter
 }
 
 void CTavixView::SelectionChanged(NavigatorPage page, const ReportSelection& selection) {
-    m_mode = page;
-    m_selection = selection;
+    m_model.Select(page, selection);
     if (m_loading)
         return;
     ShowReportPane();
@@ -259,7 +252,7 @@ void CTavixView::ShowReportView(ReportPaneKind kind) {
 
 void CTavixView::Detach() {
     CTearOff* window = nullptr;
-    // A double click is told when it is over, and the report may be closed by then.
+    // The signal of a double click is posted, and the report may be closed by then.
     if (!m_view)
         return;
     if (m_view->GetKind() == ReportPaneKind::Table)
@@ -295,14 +288,14 @@ void CTavixView::WarnSoon(const std::string& text) {
         QMetaObject::invokeMethod(this, &CTavixView::ShowWarnings, Qt::QueuedConnection);
 }
 
-// Several panes that fail at once have one cause; each also says in its own place what it lacks.
+// When several panes fail at once, they have one cause. Each also says in its own area what is missing.
 void CTavixView::ShowWarnings() {
     const std::vector<std::string> warnings = std::exchange(m_warnings, {});
     if (!warnings.empty() && !m_isRetired)
         m_document->GetMessages().warn(warnings.front());
 }
 
-// Reaches the view from the navigator and the table information; the report pane handles its own keys.
+// Keys of the navigator and of the table information end up here; the report pane handles its own.
 void CTavixView::keyPressEvent(QKeyEvent* event) {
     const bool isPage = event->key() == Qt::Key_PageDown || event->key() == Qt::Key_PageUp;
     if (m_view && isPage && event->modifiers().testFlag(Qt::ControlModifier))
@@ -312,42 +305,21 @@ void CTavixView::keyPressEvent(QKeyEvent* event) {
 }
 
 void CTavixView::ShowEmptyView() {
-    struct Words {
-        const char* nothing;
-        const char* nothingAdvice;
-        const char* choose;
-        const char* chooseAdvice;
-    };
-    static constexpr std::array<Words, 3> kWords = {{
-        {"This report has no tables", "The run that is shown has not profiled any.", "No table selected",
-         "Select a table on the left to see the metrics of its fields."},
-        {"There are no collections", "A job file can define collections of fields that belong together.",
-         "No collection selected", "Select a collection on the left to compare its fields."},
-        {"There are no redundant data analyses", "An analysis compares the values of fields that may hold the same.",
-         "No results to show", "This version lists the analyses of the repository, and does not show their results."},
-    }};
-    const Words& words = kWords[static_cast<std::size_t>(m_mode)];
-    if (!m_document->HasReport())
-        m_empty->SetText(QStringLiteral("No report is open"), {});
-    else if (m_navigator->IsPageEmpty())
-        m_empty->SetText(toQString(words.nothing), toQString(words.nothingAdvice));
-    else
-        m_empty->SetText(toQString(words.choose), toQString(words.chooseAdvice));
+    const EmptyPaneText text = m_model.GetEmptyText(m_document->HasReport(), m_navigator->IsPageEmpty());
+    m_empty->SetText(toQString(text.title), toQString(text.advice));
 }
 
 void CTavixView::ShowReportPane() {
-    const bool hasFigures =
-        m_selection.kind == ReportSelection::Kind::Table || m_selection.kind == ReportSelection::Kind::Collection;
-    if (hasFigures) {
-        if (m_view && m_view->Suits(*this))
-            m_view->ShowSelection();
-        else
-            ShowReportView(m_selection.fieldId == -1 ? ReportPaneKind::Table : ReportPaneKind::Field);
-        return;
+    const ReportPaneKind kind = m_model.GetPaneKind();
+    if (kind == ReportPaneKind::Empty) {
+        m_view = nullptr;
+        ShowEmptyView();
+        m_reportPane->setCurrentWidget(m_empty);
+    } else if (m_view && m_view->Suits(*this)) {
+        m_view->ShowSelection();
+    } else {
+        ShowReportView(kind);
     }
-    m_view = nullptr;
-    ShowEmptyView();
-    m_reportPane->setCurrentWidget(m_empty);
 }
 
 std::vector<CRefreshItem*> CTavixView::RefreshOrder() {
@@ -369,11 +341,11 @@ int CTavixView::GetItemCode() const {
 
 void CTavixView::OpenTableInformation() {
     m_info = new CTableInfo(*this, this);
-    // The pane cannot go while its own button is being clicked.
+    // Queued: the pane cannot be destroyed in the click of its own button.
     connect(m_info, &CTableInfo::CloseRequested, this, &CTavixView::OnCloseTableInformation, Qt::QueuedConnection);
     SetInfoPane(m_info);
     m_info->show();
-    // Before the report pane, with whose last control the view ends for the keyboard.
+    // Placed before the report pane in the tab order, because GetLastTabStop() is in the report pane.
     QWidget* last = m_navigator;
     for (QWidget* next = nextInFocusChain(); next != this; next = next->nextInFocusChain()) {
         if (m_navigator->isAncestorOf(next) && next->focusPolicy() & Qt::TabFocus)
@@ -391,23 +363,9 @@ void CTavixView::CloseTableInformation() {
         SetInternalFocus();
 }
 
-// A frame that is not remembered is no loss worth a message.
+// Losing the layout is not worth a message.
 void CTavixView::Remember() {
     (void)writePaneMemory(m_document->GetSettings(), {GetRatios(), m_wantsInfo});
-}
-
-bool CTavixView::HasLoadedTables() const {
-    PrViewer* viewer = m_document->GetViewer();
-    try {
-        const ProfileCursorHandle sources = viewer ? viewer->getDSNList() : ProfileCursorHandle();
-        while (sources && sources->next()) {
-            if (sources->getColumnInt(layout::DsnTables) > 0)
-                return true;
-        }
-    } catch (const GenException&) {
-        // The navigator, which reads the same, has said it.
-    }
-    return false;
 }
 
 } // namespace tavix

@@ -4,7 +4,7 @@
 #include "doc/CTavixDoc.h"
 #include "doc/CViewSite.h"
 #include "doc/CommandTarget.h"
-#include "doc/ItemCode.h"
+#include "frame/ViewModel.h"
 #include "frame/ui/CTavixMain.h"
 #include "frame/ui/SplitFrame.h"
 
@@ -30,8 +30,8 @@ class CTavixApp;
 class CTearOff;
 
 /// The one window that a shell embeds: navigator on the left, report pane beside it, and on the right, if the user
-/// wants it, the table information. It owns the document and carries refresh notifications and commands to whom they
-/// concern.
+/// wants it, the table information. It owns the document and distributes refresh notifications and commands to the
+/// panes.
 class CTavixView final : public SplitFrame,
                          public CRefreshItem,
                          public CommandTarget,
@@ -45,38 +45,36 @@ class CTavixView final : public SplitFrame,
                int patienceMilliseconds = kPatienceMilliseconds);
     ~CTavixView() override;
 
-    /// Called when the viewer wants run history to be deleted. Without one it deletes by itself.
+    /// `request` is called when the user wants to delete run history. Without one the view deletes it itself.
     void SetDeleteHistoryRequest(std::function<void()> request) { m_deleteHistoryRequest = std::move(request); }
-    /// Called after the current run or the list of runs may have changed.
+    /// `changed` is called after the current run or the list of runs may have changed.
     void SetRunsChanged(std::function<void()> changed) { m_runsChanged = std::move(changed); }
-    /// Called when a repository server wants a user or a password that the connection string lacks; whoever is called
-    /// answers through SetAuthSvrCreds. The string is never shown, and neither are these two.
+    /// `request` is called when the connection string of a repository server lacks a user or password; it answers by
+    /// SetAuthSvrCreds. The string, user and password are never shown.
     void SetCredentialsRequest(std::function<void()> request) { m_credentialsRequest = std::move(request); }
     void SetAuthSvrCreds(const std::string& userId, const std::string& password);
-    /// For a view that is about to be destroyed and cannot be yet, because a dialog is open under which its functions
-    /// have to return first: closes the dialogs and the report, hides all windows and calls nobody any more.
+    /// For a view that must be destroyed while one of its functions runs a dialog: closes the dialogs and the report,
+    /// hides all windows and makes no more callbacks. The owner destroys the view when the functions have returned.
     void Retire();
     [[nodiscard]] bool IsRetired() const { return m_isRetired; }
 
-    /// Opens the job's report in place of the present one and keeps `text` with it. False, after a message, leaves
-    /// the view empty.
+    /// Opens the job's report in place of the current one and keeps `text` with it. After a failure, which is shown,
+    /// the view is empty.
     bool LoadReportForJob(const std::string& text, int jobId, const KvbString& connection);
-    /// `connectionType` is exactly "ODBC" or "KVTK", else false.
+    /// False unless `connectionType` is exactly "ODBC" or "KVTK" and the table exists.
     bool SelectTable(const std::string& dataSource, const std::string& connectionType, const std::string& qualifier1,
                      const std::string& qualifier2, const std::string& table);
-    /// Asks which runs, and deletes them.
+    /// Asks the user which runs to delete, and deletes them.
     void DeleteHistory();
     [[nodiscard]] CTavixMain& GetTavixMain() { return m_main; }
-    [[nodiscard]] CTables& GetNavigator() { return *m_navigator; }
     void SetInternalFocus();
     /// Where a Tab enters the view: the tree of the navigator page that is showing.
     [[nodiscard]] QWidget* GetFirstTabStop();
     /// The last control of the report pane that takes the keyboard, else the last one before the pane.
     [[nodiscard]] QWidget* GetLastTabStop();
-    /// Adds the field that is selected to the collection; 0 when none is, or, after a message, when it fails.
+    /// Adds the selected field to the collection. Returns 1, or 0 when no field is selected or, after a message, on
+    /// failure.
     int AddCurrentFieldToCollection(int collectionId);
-    /// The document's session; null without a report.
-    [[nodiscard]] PrViewer* GetViewer() const { return m_document->GetViewer(); }
 
     void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) override;
 
@@ -87,8 +85,8 @@ class CTavixView final : public SplitFrame,
     QWidget* GetWindowOwner() override { return this; }
     int GetPatienceMilliseconds() const override { return m_patience; }
     bool IsLoading() const override { return m_loading; }
-    NavigatorPage GetMode() const override { return m_mode; }
-    const ReportSelection& GetSelection() const override { return m_selection; }
+    NavigatorPage GetMode() const override { return m_model.GetPage(); }
+    const ReportSelection& GetSelection() const override { return m_model.GetSelection(); }
     void SelectionChanged(NavigatorPage page, const ReportSelection& selection) override;
     bool SelectField(int fieldId) override;
     bool Navigate(const NavigateRequest& request) override;
@@ -97,11 +95,10 @@ class CTavixView final : public SplitFrame,
     void WarnSoon(const std::string& text) override;
     void Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) override;
 
-    /// Offers the command to the panes, then looks among the view's own.
+    /// Offers the command to the panes, then to the view's own handlers.
     bool ExecuteCommand(int commandId) override;
     CommandState UpdateCommand(int commandId) const override;
-    [[nodiscard]] static std::span<const CommandRow<CTavixView>> CommandRows();
-    /// Who is told of a refresh, in order: the panes, null for one that is not there, then the windows of detached
+    /// The targets of a refresh, in order: the panes, null for one that is not there, then the windows of detached
     /// views.
     [[nodiscard]] std::vector<CRefreshItem*> RefreshOrder();
     /// The panes to which commands are offered, in order; null for a pane that is not there.
@@ -112,7 +109,7 @@ class CTavixView final : public SplitFrame,
 
     void OnNew();
     void OnToggleTableInformation();
-    [[nodiscard]] bool CanToggleTableInformation() const { return m_mode != NavigatorPage::Collections; }
+    [[nodiscard]] bool CanToggleTableInformation() const { return m_model.CanToggleTableInformation(); }
     [[nodiscard]] bool IsTableInformationShown() const { return m_info != nullptr; }
     void OnCloseTableInformation();
     template <Splitter splitter, int by>
@@ -120,7 +117,7 @@ class CTavixView final : public SplitFrame,
         MoveSplitter(splitter, by);
     }
     void OnRefreshCollections();
-    [[nodiscard]] bool CanRefreshCollections() const { return m_mode == NavigatorPage::Collections; }
+    [[nodiscard]] bool CanRefreshCollections() const { return m_model.CanRefreshCollections(); }
     void OnOptions();
     void OnShowInvisible();
     [[nodiscard]] bool ShowsInvisible() const;
@@ -139,13 +136,12 @@ class CTavixView final : public SplitFrame,
     void OpenTableInformation();
     void CloseTableInformation();
     void Remember();
-    [[nodiscard]] bool HasLoadedTables() const;
     void ShowReportPane();
     void ShowEmptyView();
     void ShowReportView(ReportPaneKind kind);
     [[nodiscard]] CReportView& KeptView(ReportPaneKind kind);
     void Detach();
-    /// All, or those of the report that is open.
+    /// The windows of all detached views, or of those of the open report.
     [[nodiscard]] std::vector<CTearOff*> TearOffs() const;
     [[nodiscard]] std::vector<CTearOff*> TearOffsOfReport() const;
     void ShowWarnings();
@@ -156,26 +152,25 @@ class CTavixView final : public SplitFrame,
     CTables* m_navigator = nullptr;
     QStackedWidget* m_reportPane;
     CEmptyView* m_empty;
-    // Made once and kept, for their tabs cost more than all that is read to fill them.
+    // Created once and kept: creating their tabs costs more than reading the contents.
     CReportView* m_tableView = nullptr;
     CReportView* m_fieldView = nullptr;
-    CReportView* m_view = nullptr; ///< the one that is shown; null while the empty view is
+    CReportView* m_view = nullptr; ///< the one that is shown; null while the empty view is shown
     CTableInfo* m_info = nullptr;
     QTimer m_afterLoad;
-    NavigatorPage m_mode = NavigatorPage::Tables;
-    ReportSelection m_selection;
-    /// A window of its own, with the report that it was detached from.
+    ViewModel m_model;
+    /// The window of a detached view, and the report that the view belongs to.
     struct Detached {
         QPointer<CTearOff> window;
         std::string connection;
         int jobId;
     };
     std::vector<Detached> m_tearOffs;
-    std::vector<std::string> m_warnings; ///< to be shown when what is going on is over
-    std::string m_connection;            ///< of the report that is open, to know another one from the same
+    std::vector<std::string> m_warnings; ///< see WarnSoon
+    std::string m_connection;            ///< of the open report
     bool m_loading = false;
     bool m_isRetired = false;
-    bool m_wantsInfo = false; ///< as the user left it
+    bool m_wantsInfo = false; ///< the user's last choice
     std::function<void()> m_deleteHistoryRequest;
     std::function<void()> m_runsChanged;
     std::function<void()> m_credentialsRequest;

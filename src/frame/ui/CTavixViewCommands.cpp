@@ -9,59 +9,43 @@
 #include "settings/Settings.h"
 #include "tabs/ui/TearOff.h"
 
-/// The commands of the view: which there are, who is asked first, and what the view does for those of its own.
+/// The commands of the view: its handlers, and the panes that are asked first.
 namespace tavix {
 
 namespace {
 
 constexpr int kKeyStep = 24;
 
-constexpr std::array<CommandRow<CTavixView>, 9> kCommands = {{
-    {{CommandId::New, "Close the report\nNew"}, &CTavixView::OnNew},
-    {{CommandId::ChooseRun, "Choose the run whose figures are shown from a list\nRuns..."},
-     &CTavixView::OnChooseRun,
-     &CTavixView::CanChooseRun},
-    {{CommandId::ToggleTableInformation, "Show or hide what is known about the table\nTable Information"},
-     &CTavixView::OnToggleTableInformation,
-     &CTavixView::CanToggleTableInformation,
+constexpr std::array<CommandRow<CTavixView>, 9> kRows = {{
+    {CommandId::New, &CTavixView::OnNew},
+    {CommandId::ChooseRun, &CTavixView::OnChooseRun, &CTavixView::CanChooseRun},
+    {CommandId::ToggleTableInformation, &CTavixView::OnToggleTableInformation, &CTavixView::CanToggleTableInformation,
      &CTavixView::IsTableInformationShown},
-    {{CommandId::NarrowNavigator, "Make the navigator narrower\nNarrower Navigator"},
-     &CTavixView::OnMoveSplitter<Splitter::Left, -kKeyStep>},
-    {{CommandId::WidenNavigator, "Make the navigator wider\nWider Navigator"},
-     &CTavixView::OnMoveSplitter<Splitter::Left, kKeyStep>},
-    {{CommandId::NarrowTableInformation, "Make the table information narrower\nNarrower Table Information"},
-     &CTavixView::OnMoveSplitter<Splitter::Right, kKeyStep>,
+    {CommandId::NarrowNavigator, &CTavixView::OnMoveSplitter<Splitter::Left, -kKeyStep>},
+    {CommandId::WidenNavigator, &CTavixView::OnMoveSplitter<Splitter::Left, kKeyStep>},
+    {CommandId::NarrowTableInformation, &CTavixView::OnMoveSplitter<Splitter::Right, kKeyStep>,
      &CTavixView::IsTableInformationShown},
-    {{CommandId::WidenTableInformation, "Make the table information wider\nWider Table Information"},
-     &CTavixView::OnMoveSplitter<Splitter::Right, -kKeyStep>,
+    {CommandId::WidenTableInformation, &CTavixView::OnMoveSplitter<Splitter::Right, -kKeyStep>,
      &CTavixView::IsTableInformationShown},
-    {{CommandId::RefreshCollections, "Look up the collections of every table anew\nRefresh Collections"},
-     &CTavixView::OnRefreshCollections,
-     &CTavixView::CanRefreshCollections},
-    {{CommandId::ShowInvisible, "Show signs for blanks at the ends and for characters without a shape of their own\n"
-                                "Invisible Characters"},
-     &CTavixView::OnShowInvisible,
-     nullptr,
-     &CTavixView::ShowsInvisible},
+    {CommandId::RefreshCollections, &CTavixView::OnRefreshCollections, &CTavixView::CanRefreshCollections},
+    {CommandId::ShowInvisible, &CTavixView::OnShowInvisible, nullptr, &CTavixView::ShowsInvisible},
 }};
 
-} // namespace
+constexpr std::span<const CommandRow<CTavixView>> kHandlers(kRows);
 
-std::span<const CommandRow<CTavixView>> CTavixView::CommandRows() {
-    return kCommands;
-}
+} // namespace
 
 std::array<CommandTarget*, 3> CTavixView::CommandOrder() const {
     return {m_navigator, m_info, &GetReportPane()};
 }
 
 bool CTavixView::ExecuteCommand(int commandId) {
-    return offerCommand(CommandOrder(), commandId) || execute(CommandRows(), *this, commandId);
+    return offerCommand(CommandOrder(), commandId) || execute(kHandlers, *this, commandId);
 }
 
 CommandState CTavixView::UpdateCommand(int commandId) const {
     const CommandState state = askCommand(CommandOrder(), commandId);
-    return state.handled ? state : stateOf(CommandRows(), *this, commandId);
+    return state.handled ? state : stateOf(kHandlers, *this, commandId);
 }
 
 void CTavixView::OnShowInvisible() {
@@ -109,13 +93,13 @@ void CTavixView::OnChooseRun() {
     const int job = m_document->GetJobId();
     const QPointer<CTavixView> alive(this);
     const std::optional<int> run = CRunListDlg::Choose(*m_document, this);
-    // The shell may have opened another report meanwhile.
+    // The shell may have opened another report while the dialog was open.
     if (alive && run && m_document->GetJobId() == job)
         m_document->SetCurrentJob(*run);
 }
 
 void CTavixView::OnDeleteHistory() {
-    // The request may retire the view, which drops the function that runs.
+    // Called through a copy: the request may retire the view, which clears the member.
     if (const auto request = m_deleteHistoryRequest)
         request();
     else

@@ -9,7 +9,7 @@ namespace tavix {
 
 namespace {
 
-// Where the bar will be when it is let go, over everything else.
+// The bar while it is being dragged, drawn above all panes.
 class GhostBar final : public QWidget {
   public:
     explicit GhostBar(QWidget* parent) : QWidget(parent) {
@@ -36,7 +36,7 @@ SplitFrame::SplitFrame(QWidget* parent) : QWidget(parent), m_ghost(new GhostBar(
 void SplitFrame::SetPanes(QWidget* navigator, QWidget* report) {
     m_navigator = navigator;
     m_report = report;
-    // Panes would take over the cursor of the bar that the mouse has just left.
+    // Without a cursor of their own, panes would inherit the frame's resize cursor.
     for (QWidget* pane : {navigator, report}) {
         if (pane)
             pane->setCursor(Qt::ArrowCursor);
@@ -143,7 +143,7 @@ bool SplitFrame::eventFilter(QObject* watched, QEvent* event) {
 void SplitFrame::MoveSplitter(Splitter splitter, int by) {
     if (splitter == Splitter::None || (splitter == Splitter::Right && !m_layout.hasInfo))
         return;
-    // The layout puts a bar two pixels left of its ratio's place, and the right one four.
+    // The layout places the left bar two pixels, the right one four, left of the position of its ratio.
     const int bar = splitter == Splitter::Left ? m_layout.leftSplitter + 2 : m_layout.rightSplitter + 4;
     Drop(splitter, clampedDrag(splitter, bar + by, m_layout));
 }

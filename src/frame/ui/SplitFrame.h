@@ -6,23 +6,21 @@
 
 namespace tavix {
 
-/// Two or three panes side by side with bars between them that can be dragged.
+/// Two or three panes side by side, separated by bars that can be dragged.
 class SplitFrame : public QWidget {
     Q_OBJECT
   public:
     explicit SplitFrame(QWidget* parent = nullptr);
 
-    [[nodiscard]] const PaneLayout& GetPaneLayout() const { return m_layout; }
     [[nodiscard]] const PaneRatios& GetRatios() const { return m_ratios; }
     void SetRatios(const PaneRatios& ratios);
-    /// The way of the keyboard: moves the bar as if it were dragged by so many pixels.
+    /// For the keyboard: moves the bar as if it were dragged by `by` pixels.
     void MoveSplitter(Splitter splitter, int by);
 
   protected:
-    /// Both are children of the frame and outlive their place in it.
+    /// Both must be children of the frame, and alive until they are replaced here.
     void SetPanes(QWidget* navigator, QWidget* report);
-    /// Null takes the pane away, along with its bar. Another pane that would leave the report no room moves the left
-    /// bar.
+    /// Null removes the pane and its bar. If a new pane leaves no room for the report, the left bar moves.
     void SetInfoPane(QWidget* info);
     /// Called after the user moved a bar.
     virtual void RatiosChanged() {}
@@ -33,7 +31,7 @@ class SplitFrame : public QWidget {
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void hideEvent(QHideEvent* event) override;
-    /// While a bar is dragged Escape, whoever has the keyboard, leaves it where it was.
+    /// While a bar is being dragged, Escape cancels the drag, whichever widget has the focus.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:

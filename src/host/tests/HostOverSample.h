@@ -20,7 +20,7 @@
 
 namespace Veldra::Solenne::Tavix {
 
-// Collects the words of every box, so that a test sees the ones that it did not expect as well.
+// Records the text of every message, expected or not.
 class RecordedMessages final : public tavix::Messages {
   public:
     void warn(std::string_view text, std::string_view) override { texts.emplace_back(text); }
@@ -43,7 +43,7 @@ class PathConnection final : public TavixConnection {
     std::string m_path;
 };
 
-/// A host whose window shows the sample repository; a test fails on every box that it does not expect.
+/// A host with a window and a sample repository. A message that the test does not take fails it.
 class HostOverSample : public ::testing::Test {
   protected:
     HostOverSample()
@@ -71,7 +71,7 @@ class HostOverSample : public ::testing::Test {
     [[nodiscard]] QTableView& grid(const char* tab = "standardMetrics") {
         return *m_view->findChild<QWidget*>(QLatin1String(tab))->findChild<QTableView*>();
     }
-    /// What the report pane shows.
+    /// The contents of the report pane.
     [[nodiscard]] QWidget* report() {
         return m_view->findChild<QStackedWidget*>(QStringLiteral("reportPane"))->currentWidget();
     }
@@ -89,7 +89,7 @@ class HostOverSample : public ::testing::Test {
     QWidget* m_view = nullptr;
 };
 
-/// A key that goes down.
+/// The message of a key press.
 inline NativeMessage key(std::uintptr_t number, std::uint32_t modifiers = NativeModifier::None) {
     NativeMessage message;
     message.Message = NativeMessageId::KeyDown;

@@ -1,5 +1,5 @@
-// Dialogs and menus run event loops of their own, and a shell's events are handled there as well: here the shell ends
-// or changes a viewer that has one open.
+// Dialogs and menus run event loops of their own, in which a shell's events are handled too: here the shell destroys or
+// changes the viewer while one is open.
 #include "host/tests/HostOverSample.h"
 
 #include <QApplication>
@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <optional>
 
 namespace Veldra::Solenne::Tavix {
 namespace {
@@ -20,7 +21,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// Everything of the viewer that runs an event loop within a call.
+/// The dialogs and menus that run an event loop within a call.
 enum class Opened {
     Options,
     DeleteHistory,
@@ -36,6 +37,26 @@ enum class Opened {
 constexpr std::array kAll = {Opened::Options,   Opened::DeleteHistory, Opened::NoteCategories,
                              Opened::TableNote, Opened::FieldNote,     Opened::Filter,
                              Opened::Details,   Opened::ListMenu,      Opened::TreeMenu};
+
+/// The command that opens it, if one does.
+std::optional<CommandId> commandOf(Opened what) {
+    switch (what) {
+    case Opened::Options:
+        return CommandId::Options;
+    case Opened::DeleteHistory:
+        return CommandId::DeleteHistory;
+    case Opened::NoteCategories:
+        return CommandId::NoteCategories;
+    case Opened::TableNote:
+        return CommandId::AddTableNote;
+    case Opened::FieldNote:
+        return CommandId::AddFieldNote;
+    case Opened::Filter:
+        return CommandId::Filter;
+    default:
+        return std::nullopt;
+    }
+}
 
 bool isMenu(Opened what) {
     return what == Opened::ListMenu || what == Opened::TreeMenu;
@@ -60,57 +81,24 @@ class HostDialogs : public HostOverSample, public ::testing::WithParamInterface<
         QCoreApplication::sendEvent(&widget, &event);
     }
 
-    /// Opens it, and does `act` in its event loop. Returns when it is closed.
+    /// Opens it, and calls `act` in its event loop. Returns when it is closed.
     void open(Opened what, const std::function<void()>& act) {
         int acted = 0;
-        const auto soon = [&acted, act] {
-            QTimer::singleShot(0, qApp, [&acted, act] {
-                ++acted;
-                ASSERT_TRUE(QApplication::activeModalWidget() || QApplication::activePopupWidget());
-                act();
-            });
-        };
-        switch (what) {
-        case Opened::Options:
-            soon();
-            m_host.ExecuteCommand(static_cast<int>(CommandId::Options));
-            break;
-        case Opened::DeleteHistory:
-            soon();
-            m_host.ExecuteCommand(static_cast<int>(CommandId::DeleteHistory));
-            break;
-        case Opened::NoteCategories:
-            soon();
-            m_host.ExecuteCommand(static_cast<int>(CommandId::NoteCategories));
-            break;
-        case Opened::TableNote:
-            soon();
-            m_host.ExecuteCommand(static_cast<int>(CommandId::AddTableNote));
-            break;
-        case Opened::FieldNote:
+        if (what == Opened::FieldNote || what == Opened::Filter)
             selectField(1);
-            soon();
-            m_host.ExecuteCommand(static_cast<int>(CommandId::AddFieldNote));
-            break;
-        case Opened::Filter:
-            selectField(1);
+        if (what == Opened::Filter)
             showTab(1);
-            soon();
-            m_host.ExecuteCommand(static_cast<int>(CommandId::Filter));
-            break;
-        case Opened::Details:
-            soon();
+        QTimer::singleShot(0, qApp, [&acted, act] {
+            ++acted;
+            ASSERT_TRUE(QApplication::activeModalWidget() || QApplication::activePopupWidget());
+            act();
+        });
+        if (const auto command = commandOf(what))
+            m_host.ExecuteCommand(static_cast<int>(*command));
+        else if (what == Opened::Details)
             report()->findChild<QToolButton*>(QStringLiteral("detailsButton"))->click();
-            break;
-        case Opened::ListMenu:
-            soon();
-            askForMenu(grid());
-            break;
-        case Opened::TreeMenu:
-            soon();
-            askForMenu(tree(0));
-            break;
-        }
+        else
+            askForMenu(what == Opened::ListMenu ? static_cast<QWidget&>(grid()) : tree(0));
         EXPECT_EQ(1, acted) << "it was not opened";
     }
     static void closeIt() {
@@ -136,7 +124,7 @@ TEST_P(HostDialogs, TheHostMayGoUnderThem) {
     EXPECT_FALSE(m_host.IsDialogOpen());
     QCoreApplication::processEvents();
     EXPECT_FALSE(view) << "nothing uses it any more";
-    // The host can have another window, and nothing of the old one comes into it.
+    // The host can have another window, which has nothing of the old one.
     m_view = TavixQtWindow::Build(m_host, nullptr);
     m_view->show();
     EXPECT_TRUE(load());
@@ -181,7 +169,7 @@ class HostsEnd : public ::testing::Test {
     PathConnection m_connection{m_sample.path};
 };
 
-// With everything that it was given, as a shell does that is about to end.
+// Destroys everything, as a shell does at its end.
 TEST_F(HostsEnd, TheHostItselfMayBeDestroyedWithItsMessagesAndWidgets) {
     for (const CommandId command : {CommandId::DeleteHistory, CommandId::Options, CommandId::NoteCategories}) {
         auto messages = std::make_unique<RecordedMessages>();

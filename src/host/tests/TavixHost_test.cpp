@@ -217,7 +217,7 @@ TEST_F(HostOverSample, WithoutAWindowEveryOperationAnswersAndDoesNothing) {
     EXPECT_EQ(TavixCommandState{}, m_host.ExecuteUpdateUICommand(57600));
     m_host.SetInternalFocus();
     m_host.GetAuthSvrCredentials();
-    // This platform cannot put a window into one of another toolkit.
+    // The offscreen platform cannot embed windows.
     EXPECT_EQ(0U, m_host.BuildWindowCore(1));
     EXPECT_FALSE(load());
 }

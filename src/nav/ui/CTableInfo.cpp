@@ -29,7 +29,7 @@ CTableInfo::CTableInfo(CViewSite& site, QWidget* parent)
     m_text->setReadOnly(true);
     m_text->setFrameShape(QFrame::NoFrame);
     m_text->setTabChangesFocus(true);
-    // With the keyboard as well as with the mouse.
+    // Text can be selected with the keyboard as well.
     m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     m_text->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     m_text->setPlaceholderText(QStringLiteral("Select a table or a field to read about it."));
@@ -68,7 +68,7 @@ void CTableInfo::ShowSelection() {
         const Result<std::string> found = m_information.TextOf(*viewer, m_site.GetSelection());
         text = found ? *found : "The information cannot be read:\n\n" + found.error().text;
     }
-    // The same words again must not lose what is marked in them.
+    // Setting the same text again would clear the user's selection.
     QString shown = toQString(text);
     shown.remove(u'\r');
     if (m_text->toPlainText() != shown)

@@ -12,7 +12,7 @@ class QToolButton;
 
 namespace tavix {
 
-/// The table information pane: what is known about the selected table or field, to be read and copied.
+/// The table information pane: details of the selected table or field as text that can be copied.
 class CTableInfo final : public QWidget, public CRefreshItem, public CommandTarget {
     Q_OBJECT
   public:
@@ -20,9 +20,9 @@ class CTableInfo final : public QWidget, public CRefreshItem, public CommandTarg
     explicit CTableInfo(CViewSite& site, QWidget* parent = nullptr);
 
     void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) override;
-    /// Shows what the site has selected now.
+    /// Shows the site's current selection.
     void ShowSelection();
-    /// Where the Tab key comes from into the pane.
+    /// Puts the pane after `before` in the tab order.
     void ComeAfter(QWidget* before);
 
   Q_SIGNALS:

@@ -39,7 +39,7 @@ CTables::CTables(CViewSite& site, QWidget* parent) : QWidget(parent), m_site(sit
         m_pages[i].view->setAccessibleName(toQString(kPageTitles[i]));
         m_stack->addWidget(m_pages[i].view);
     }
-    // The tree is where a Tab from outside enters; the row of pages comes after it, as it is made after it.
+    // Created after the trees, so that Tab enters the navigator at a tree and then reaches the page titles.
     m_tabs = new NavigatorTabs(this);
     m_tabs->setAccessibleName(QStringLiteral("Navigator pages"));
     for (const char* title : kPageTitles)
@@ -74,7 +74,7 @@ CTables::Page CTables::MakePage(NavigatorPage number) {
     connect(made.view->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { TellSelection(); });
     connect(made.model, &TreeModel::FetchFailed, this, [this, made](const QModelIndex& branch, const QString& text) {
         m_site.WarnSoon("The contents of the report cannot be read:\n\n" + toUtf8(text));
-        // Open again, it is read again. The view is just about to open it.
+        // Collapsed later, because the view is about to expand it. Expanding it again reads it again.
         QMetaObject::invokeMethod(
             made.view,
             [made, at = QPersistentModelIndex(branch)] {
@@ -146,7 +146,7 @@ void CTables::Reload(Page& each) {
         OpenTopLevel(each);
     TreePath wanted = state.selected;
     QModelIndex index;
-    // Of an object that is gone, the nearest one above it is as good a place as any.
+    // If the object is gone, its nearest remaining ancestor is selected.
     while (!wanted.empty() && !(index = each.model->find(wanted)).isValid())
         wanted.pop_back();
     if (index.isValid()) {
@@ -156,7 +156,7 @@ void CTables::Reload(Page& each) {
     m_reloading = false;
 }
 
-// A single data source says nothing by itself: its tables are what one comes for.
+// A single data source is expanded, so that its tables are visible.
 void CTables::OpenTopLevel(Page& each) {
     for (QModelIndex at; each.model->rowCount(at) == 1 && each.model->contents().page() == NavigatorPage::Tables;) {
         at = each.model->index(0, 0, at);
@@ -231,7 +231,7 @@ std::string CTables::GetInformationText(const ReportSelection& selection) {
 
 void CTables::SelectSomething() {
     Page& shown = page(GetPage());
-    // A tree that receives the focus makes its first node the current one, which is no choice of the user's.
+    // A tree that receives the focus makes its first node current; this is not a choice of the user.
     const TreeNode* current = shown.model->node(shown.view->currentIndex());
     if (current && selectionOf(*current).kind != ReportSelection::Kind::Nothing)
         return;

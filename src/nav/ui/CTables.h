@@ -20,8 +20,8 @@ class NavigatorTabs;
 class NavigatorTree;
 class TreeModel;
 
-/// The navigator: the pages "Tables", "Collections" and "Redundant Data Analyses", each a tree. What is selected is
-/// told to the site. Selection and opened branches survive a change of run where the objects still exist.
+/// The navigator: the pages "Tables", "Collections" and "Redundant Data Analyses", each a tree. Reports the selection
+/// to the site. Selection and expanded branches survive a change of run if the objects still exist.
 class CTables final : public QWidget, public CRefreshItem, public CommandTarget {
     Q_OBJECT
   public:
@@ -31,30 +31,30 @@ class CTables final : public QWidget, public CRefreshItem, public CommandTarget 
 
     void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) override;
 
-    /// Shows the tables page and selects the table; false when there is none of that name, which says nothing to the
-    /// user. `mode` is the kind of the data source.
+    /// Shows the tables page and selects the table; false, without a message, when there is no such table. `mode` is
+    /// the kind of the data source.
     bool SelectTable(const std::string& dataSource, const std::string& qualifier1, const std::string& qualifier2,
                      const std::string& table, int mode);
     /// Shows the page of the table or collection and selects it; false when there is none of that id.
     bool SelectObject(const ReportSelection& object);
-    /// Selects the field of that id below the table or collection that is selected on the page that is showing, or to
-    /// which the selected field belongs; false when there is none.
+    /// Selects a field of the table or collection that is selected on the visible page, or that owns the selected
+    /// field; false when it has no such field.
     bool SelectField(int fieldId);
-    /// What is known about the table or field; "" when it is neither or cannot be read.
+    /// The details of the table or field as text; "" for any other selection or when they cannot be read.
     [[nodiscard]] std::string GetInformationText(const ReportSelection& selection);
-    /// Selects the first table when nothing that has figures is selected.
+    /// Selects the first table when nothing with metrics is selected.
     void SelectSomething();
-    /// Looks up the collections of every table anew and broadcasts hint 1; false, after a message, when that fails.
+    /// Reloads the collections of every table and broadcasts hint 1; false, after a message, on failure.
     bool RefreshCollections();
-    /// Adds the field that is selected on the page that is showing; 1 when it was added, 0 without a field or, after a
-    /// message, when it could not be added.
+    /// Adds the field that is selected on the visible page. Returns 1, or 0 when no field is selected or, after a
+    /// message, on failure.
     int AddSelectedFieldToCollection(int collectionId);
     [[nodiscard]] NavigatorPage GetPage() const;
-    /// Whether the page that is showing lists anything.
+    /// Whether the visible page lists nothing.
     [[nodiscard]] bool IsPageEmpty() const;
     void ShowPage(NavigatorPage page);
     void SetInternalFocus();
-    /// The tree of the page that is showing.
+    /// The tree of the visible page.
     [[nodiscard]] QWidget* GetPageControl() const;
 
   private:

@@ -9,7 +9,7 @@ namespace tavix {
 
 namespace {
 
-// On each side of a title.
+// In pixels, on each side of a title.
 constexpr int kMostPadding = 12;
 constexpr int kLeastPadding = 4;
 
@@ -45,15 +45,7 @@ QSize NavigatorTabs::minimumTabSizeHint(int index) const {
     return index == longest ? QTabBar::minimumTabSizeHint(index) : tabSizeHint(index);
 }
 
-bool NavigatorTabs::IsCut() const {
-    for (int i = 0; i < count(); ++i) {
-        if (tabRect(i).width() < TextWidth(i) + 2 * kLeastPadding)
-            return true;
-    }
-    return false;
-}
-
-// The style would cut a title that does not leave the style's own space free.
+// Painted here, because the style would cut titles whose padding is below its own.
 void NavigatorTabs::paintEvent(QPaintEvent*) {
     QStylePainter painter(this);
     for (int i = 0; i < count(); ++i) {

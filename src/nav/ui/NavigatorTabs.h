@@ -4,15 +4,12 @@
 
 namespace tavix {
 
-/// The navigator's row of page titles. Where there is little room the titles give up the space around them; where even
-/// that is not enough, the longest one is cut.
+/// The navigator's row of page titles. When room is short, the padding of the titles shrinks first, then the longest
+/// title is cut.
 class NavigatorTabs final : public QTabBar {
     Q_OBJECT
   public:
     explicit NavigatorTabs(QWidget* parent = nullptr);
-
-    /// Whether any title is cut at the present width.
-    [[nodiscard]] bool IsCut() const;
 
   protected:
     [[nodiscard]] QSize tabSizeHint(int index) const override;

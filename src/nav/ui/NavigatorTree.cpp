@@ -42,7 +42,7 @@ void NavigatorTree::CopyName() const {
 
 void NavigatorTree::keyPressEvent(QKeyEvent* event) {
     const bool isPage = event->key() == Qt::Key_PageDown || event->key() == Qt::Key_PageUp;
-    // These step through the tabs of the report.
+    // Ctrl+PageUp and Ctrl+PageDown step through the tabs of the report.
     if (isPage && event->modifiers().testFlag(Qt::ControlModifier))
         event->ignore();
     else
@@ -70,7 +70,7 @@ void NavigatorTree::keyboardSearch(const QString& typed) {
     const bool goesOn = m_sinceTyped.isValid() && m_sinceTyped.elapsed() < QApplication::keyboardInputInterval();
     m_sinceTyped.start();
     m_typed = goesOn ? m_typed + typed : typed;
-    // One letter again and again walks through the names that begin with it.
+    // Repeating a letter steps through the names that start with it.
     const bool repeated = m_typed.count(m_typed.at(0), Qt::CaseInsensitive) == m_typed.size();
     const QString wanted = repeated ? m_typed.left(1) : m_typed;
     const TreeNode* from = Model()->node(currentIndex());

@@ -10,15 +10,15 @@ namespace tavix {
 
 class TreeModel;
 
-/// The tree of one page of the navigator. Typing finds a name among the nodes that are loaded, opened or not; Ctrl+C
-/// copies the name of the current node. Its context menu also adds a field to a collection.
+/// The tree of one page of the navigator. Typing finds a name among the loaded nodes, even in collapsed branches;
+/// Ctrl+C copies the name of the current node. The context menu can also add a field to a collection.
 class NavigatorTree final : public QTreeView {
     Q_OBJECT
   public:
     explicit NavigatorTree(QWidget* parent = nullptr);
 
     void keyboardSearch(const QString& typed) override;
-    /// The submenu is shown for fields; who connects to its aboutToShow fills it.
+    /// The submenu for fields; its owner fills it on aboutToShow.
     [[nodiscard]] QMenu& GetCollectionMenu() { return *m_collectionMenu; }
     void CopyName() const;
 

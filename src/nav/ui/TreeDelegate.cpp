@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kGap = 6;
 constexpr int kRightPadding = 10;
-// A narrow pane gives its room to the names.
+// In a narrow pane the count is not drawn.
 constexpr int kLeastNameWidth = 70;
 
 } // namespace
@@ -58,7 +58,7 @@ bool TreeDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const Q
                              const QModelIndex& index) {
     if (event->type() != QEvent::ToolTip || !index.isValid())
         return QStyledItemDelegate::helpEvent(event, view, option, index);
-    // Names come from the data: what looks like markup is text.
+    // Names come from the data and may look like markup.
     const QString text = index.data(Qt::ToolTipRole).toString().left(2000).toHtmlEscaped();
     QToolTip::showText(event->globalPos(), QStringLiteral("<qt style=\"white-space:pre-wrap\">%1</qt>").arg(text),
                        view);

@@ -4,7 +4,7 @@
 
 namespace tavix {
 
-/// Draws a node: picture, name, and at the right edge, dim, what it tells beside its name.
+/// Draws a node: icon, name, and at the right edge, dimmed, its count.
 class TreeDelegate final : public QStyledItemDelegate {
     Q_OBJECT
   public:

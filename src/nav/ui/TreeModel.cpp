@@ -98,7 +98,7 @@ void TreeModel::fetchMore(const QModelIndex& parent) {
     TreeNode& node = nodeAt(parent);
     if (node.fetched)
         return;
-    // How many rows come is known only after the query, and views want to be told before they see them.
+    // The number of rows is known only after the query, but views must be notified before the rows exist.
     const bool done = m_contents.Fetch(node);
     auto children = std::move(node.children);
     node.children.clear();

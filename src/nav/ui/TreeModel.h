@@ -11,22 +11,22 @@ class TreeModel final : public QAbstractItemModel {
     Q_OBJECT
   public:
     enum Role {
-        CountTextRole = Qt::UserRole, ///< what a node tells beside its name, as text
+        CountTextRole = Qt::UserRole, ///< the count beside the name, as text
         IconRole,                     ///< a CellIcon, as int
     };
 
     explicit TreeModel(NavigatorPage page, QObject* parent = nullptr);
 
-    /// Forgets all nodes; `viewer` may be null.
+    /// Removes all nodes; `viewer` may be null.
     void reset(PrViewer* viewer);
     [[nodiscard]] TreeContents& contents() { return m_contents; }
-    /// Lets a branch whose contents could not be read be fetched again.
+    /// Allows a branch that could not be read to be fetched again.
     void retry(const QModelIndex& index);
     /// Null for an index outside the tree.
     [[nodiscard]] TreeNode* node(const QModelIndex& index) const;
-    /// Invalid for null and for the root. Fetches nothing; the nodes above must have been fetched through the model.
+    /// Invalid for null and for the root. Fetches nothing; the ancestors must have been fetched through the model.
     [[nodiscard]] QModelIndex indexOf(const TreeNode* node) const;
-    /// Fetches its way down to the node, telling the views; invalid when there is no such node any more.
+    /// Fetches all nodes down to this one and notifies the views; invalid when the node does not exist any more.
     [[nodiscard]] QModelIndex find(const TreePath& path);
 
     [[nodiscard]] QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;

@@ -1,4 +1,4 @@
-// Who cannot see the window or has no mouse.
+// Accessibility: use without sight or mouse.
 #include "base/ui/tests/NamedControls.h"
 #include "shell/tests/ShellOverSample.h"
 
@@ -42,7 +42,7 @@ class ShellAccess : public ShellOverSample {
         ASSERT_TRUE(m_window.openReportNamed("Sales"));
         ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
     }
-    /// What the Tab key reaches, starting and ending where the focus is.
+    /// The controls that the Tab key reaches, starting and ending at the focus.
     std::vector<QWidget*> walk(Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         std::vector<QWidget*> reached;
         const std::size_t kEnough = 50;
@@ -105,7 +105,7 @@ TEST_F(ShellAccess, EveryControlOfEveryDialogHasAName) {
 TEST_F(ShellAccess, EveryControlHasAName) {
     openSales();
     EXPECT_GT(namedControls(m_window), 10);
-    // Whatever is selected, and in a window of its own.
+    // For every selection, and in a detached window.
     tree()->expand(tree()->currentIndex());
     tree()->setCurrentIndex(tree()->model()->index(0, 0, tree()->currentIndex()));
     ASSERT_TRUE(m_host.ExecuteCommand(32898));
@@ -114,7 +114,7 @@ TEST_F(ShellAccess, EveryControlHasAName) {
     namedControls(m_window);
     m_window.showWelcome();
     namedControls(m_window);
-    // Every entry of every menu can be read, and reached by a letter of its own menu.
+    // Every menu entry has a text and a mnemonic that is unique in its menu.
     for (const QAction* title : m_window.menuBar()->actions()) {
         std::set<QString> letters;
         for (const QAction* action : title->menu()->actions()) {
@@ -138,7 +138,7 @@ TEST_F(ShellAccess, TabReachesTreeGridAndRunsAndComesBackTheSameWay) {
     EXPECT_TRUE(reached.count(grid()));
     EXPECT_TRUE(reached.count(m_window.findChild<QComboBox*>()));
     EXPECT_TRUE(reached.count(m_window.findChild<QWidget*>(QStringLiteral("navigator"))->findChild<QTabBar*>()));
-    // No control twice, none that cannot be seen.
+    // No control twice, and no invisible one.
     EXPECT_EQ(reached.size(), forth.size());
     for (const QWidget* widget : forth)
         EXPECT_TRUE(widget->isVisible()) << widget->metaObject()->className();
@@ -166,7 +166,7 @@ TEST_F(ShellAccess, TheKeysLeadFromReportsToRunsAndBack) {
     EXPECT_THAT(m_messages.texts, ElementsAre());
 }
 
-// Whoever has no mouse opens a context menu with a key; it adds what is selected to a collection.
+// A key opens the context menu, which adds the selected fields to a collection.
 TEST_F(ShellAccess, ContextMenusOpenWithAKeyAndAddFieldsToCollections) {
     openSales();
     const auto chooseSecondCollection = [](QWidget* widget) {
@@ -250,7 +250,7 @@ TEST_F(ShellAccess, RepositoriesOpenedLatelyAreOffered) {
     press(Qt::Key_Return);
     EXPECT_EQ("other & more.tavix - Tavix", title());
 
-    // What is gone is forgotten once it was tried.
+    // A missing file is removed from the list after an attempt to open it.
     ASSERT_TRUE(QFile::remove(toQString(m_sample.path)));
     EXPECT_FALSE(open(m_sample.path));
     EXPECT_THAT(ShellState(m_host.GetSettings()).recentRepositories(), ElementsAre(other));

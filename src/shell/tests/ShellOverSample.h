@@ -20,7 +20,7 @@ class RecordedMessages final : public Messages {
     std::vector<std::string> texts;
 };
 
-/// The shell's window on the screen, with the sample repository at hand and nothing open.
+/// The shell's window on the screen, with a sample repository and nothing open.
 class ShellOverSample : public ::testing::Test {
   protected:
     ShellOverSample()

@@ -55,7 +55,7 @@ TEST_F(ShellOverSample, TheViewMenuFollowsThePanes) {
     ASSERT_TRUE(pane);
     const int before = pane->width();
     wider->trigger();
-    // A share of the width is cut to whole pixels.
+    // Widths are rounded down to whole pixels.
     EXPECT_NEAR(before + 24, pane->width(), 1);
     QTest::mouseClick(pane->findChild<QWidget*>(QStringLiteral("closeTableInformation")), Qt::LeftButton);
     QCoreApplication::processEvents();
@@ -107,7 +107,7 @@ TEST_F(ShellOverSample, TheFolderStandsWithTheNameOfTheReport) {
     EXPECT_THAT(title(), ::testing::StartsWith("Shop/Europe/Sales - "));
 }
 
-// The setting "UseVault" names a folder; its repositories are offered beside those opened lately.
+// The setting "UseVault" names a folder; its repositories are listed beside the recent ones.
 TEST_F(ShellOverSample, TheWelcomePageOffersTheRepositoriesOfTheVault) {
     const QString vault = toQString(m_folder.file("vault"));
     ASSERT_TRUE(QDir().mkdir(vault));
@@ -195,7 +195,7 @@ TEST_F(ShellOverSample, AClosedReportCanBeOpenedAgainAsItWas) {
     EXPECT_EQ("Sales", m_host.GetReportTitle());
     EXPECT_EQ(m_sample.salesRuns.at(1), m_host.GetCurrentRun());
     EXPECT_FALSE(reopen->isEnabled());
-    // Another repository knows nothing of it.
+    // Opening another repository forgets the closed report.
     close->trigger();
     ASSERT_TRUE(open(m_sample.path));
     EXPECT_FALSE(reopen->isEnabled());
@@ -203,7 +203,7 @@ TEST_F(ShellOverSample, AClosedReportCanBeOpenedAgainAsItWas) {
 
 TEST_F(ShellOverSample, CommandsAreBackWhenADialogIsClosed) {
     ASSERT_TRUE(open(m_sample.path));
-    // What a dialog of an earlier test has posted.
+    // Handles events that a dialog of an earlier test has posted.
     QCoreApplication::processEvents();
     ASSERT_TRUE(m_window.openReportNamed("Sales"));
     QAction* options = nullptr;
@@ -219,7 +219,7 @@ TEST_F(ShellOverSample, CommandsAreBackWhenADialogIsClosed) {
         EXPECT_FALSE(options->isEnabled());
         dialog->close();
     });
-    // As the viewer's own keys do, of which the shell hears nothing.
+    // Not through the shell's action, as with the viewer's own keys.
     m_host.ExecuteCommand(static_cast<int>(CommandId::NoteCategories));
     QCoreApplication::processEvents();
     EXPECT_TRUE(options->isEnabled());

@@ -14,10 +14,8 @@ namespace tavix {
 namespace {
 
 constexpr std::array<CommandRow<CFieldView>, 2> kCommands = {{
-    {{CommandId::AddFieldNote, "Add a note to the field notes list\nAdd Note to Field..."},
-     &CFieldView::OnAddNote,
-     &CFieldView::CanAddNote},
-    {{CommandId::DetachTabs, "Detach current tabs view\nDetach View"}, &CFieldView::OnDetach, &CFieldView::CanDetach},
+    {CommandId::AddFieldNote, &CFieldView::OnAddNote, &CFieldView::CanAddNote},
+    {CommandId::DetachTabs, &CFieldView::OnDetach, &CFieldView::CanDetach},
 }};
 
 constexpr std::array<TabRow, 7> kTabs = {{

@@ -21,12 +21,8 @@ namespace tavix {
 namespace {
 
 constexpr std::array<CommandRow<CTabFreqDist>, 2> kCommands = {{
-    {{CommandId::Filter, "Filter the contents of the report\nFilter..."},
-     &CTabFreqDist::OnFilter,
-     &CTabFreqDist::CanFilter},
-    {{CommandId::StopFiltering, "Stop filtering the report\nStop Filtering"},
-     &CTabFreqDist::OnStopFiltering,
-     &CTabFreqDist::CanStopFiltering},
+    {CommandId::Filter, &CTabFreqDist::OnFilter, &CTabFreqDist::CanFilter},
+    {CommandId::StopFiltering, &CTabFreqDist::OnStopFiltering, &CTabFreqDist::CanStopFiltering},
 }};
 
 DistributionKind kindOf(ItemCode itemCode) {

@@ -13,10 +13,8 @@ namespace tavix {
 namespace {
 
 constexpr std::array<CommandRow<CTableView>, 2> kCommands = {{
-    {{CommandId::AddTableNote, "Add a note to the table notes list\nAdd Note to Table..."},
-     &CTableView::OnAddNote,
-     &CTableView::CanAddNote},
-    {{CommandId::DetachTabs, "Detach current tabs view\nDetach View"}, &CTableView::OnDetach, &CTableView::CanDetach},
+    {CommandId::AddTableNote, &CTableView::OnAddNote, &CTableView::CanAddNote},
+    {CommandId::DetachTabs, &CTableView::OnDetach, &CTableView::CanDetach},
 }};
 
 constexpr std::array<TabRow, 6> kTabs = {{

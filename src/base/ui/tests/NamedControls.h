@@ -15,20 +15,20 @@
 
 namespace tavix::testing {
 
-/// What a screen reader says of the widget.
+/// The widget's name for a screen reader.
 inline std::string accessibleName(QWidget* widget) {
     QAccessibleInterface* const seen = QAccessible::queryAccessibleInterface(widget);
     return seen ? toUtf8(seen->text(QAccessible::Name)) : std::string();
 }
 
 inline bool isInteractive(const QWidget* widget) {
-    // The list behind a chooser speaks for it, and a heading belongs to its grid.
+    // The popup list of a combo box and the header of a grid need no names.
     if (qobject_cast<const QHeaderView*>(widget) || widget->window()->windowType() == Qt::Popup)
         return false;
-    // The corner of a grid is switched off; what empties a field with the mouse needs no key beside Del.
+    // The corner button of a grid is disabled; the clear button of a field has the Del key instead.
     if (widget->inherits("QTableCornerButton") || widget->inherits("QLineEditIconButton"))
         return false;
-    // The field inside a chooser or a number field speaks for the whole.
+    // The line edit inside a combo or spin box has the name of the box.
     if (qobject_cast<const QLineEdit*>(widget) && (qobject_cast<const QComboBox*>(widget->parentWidget()) ||
                                                    qobject_cast<const QAbstractSpinBox*>(widget->parentWidget())))
         return false;
@@ -38,7 +38,7 @@ inline bool isInteractive(const QWidget* widget) {
            qobject_cast<const QTabBar*>(widget);
 }
 
-/// How many controls there are in the window, seen or hidden. One that has no name fails the test.
+/// The number of controls in the window, visible or hidden. One without a name fails the test.
 inline int namedControls(QWidget& window) {
     int seen = 0;
     for (QWidget* widget : window.findChildren<QWidget*>()) {

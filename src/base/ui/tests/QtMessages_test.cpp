@@ -13,7 +13,7 @@
 namespace tavix {
 namespace {
 
-/// Runs `act` on the message box that the next event loop shows.
+/// Calls `act` with the message box that opens next.
 template <typename Act>
 void onBox(Act act) {
     QTimer::singleShot(0, qApp, [act] {

@@ -8,7 +8,7 @@
 
 namespace {
 
-// Notes of the offscreen platform that say nothing about our code.
+// Warnings of the offscreen platform that do not concern our code.
 bool isPlatformNoise(const QString& text) {
     return text.contains(QLatin1String("This plugin does not support")) ||
            text.contains(QLatin1String("XDG_RUNTIME_DIR"));

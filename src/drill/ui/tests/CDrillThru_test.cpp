@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QFile>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
@@ -45,9 +46,14 @@ class DrillThru : public ::testing::Test {
         request.subject = "city: <b>Berlin</b>";
         request.inRun = inRun;
         ReadingProgress progress(ReadingKind::Source, &m_frame, kPatienceMilliseconds);
-        return CDrillThru::Show(std::move(request), progress, *m_settings, m_messages, &m_frame, m_frame);
+        return CDrillThru::Show(std::move(request), progress, *m_settings, m_messages, &m_frame, m_frame, m_dialogs);
     }
     static CUGCtrl& grid(const CDrillThru& window) { return *window.findChild<CUGCtrl*>(); }
+    /// The column of the sort arrow, -1 for none, and the order.
+    static std::pair<int, Qt::SortOrder> sorting(const CDrillThru& window) {
+        const QHeaderView& header = *grid(window).horizontalHeader();
+        return {header.sortIndicatorSection(), header.sortIndicatorOrder()};
+    }
     static QAbstractButton& button(const CDrillThru& window, const char* name) {
         return *window.findChild<QAbstractButton*>(QLatin1String(name));
     }
@@ -64,6 +70,7 @@ class DrillThru : public ::testing::Test {
     std::unique_ptr<SettingsStore> m_settings = makeMemorySettings();
     testing::ScriptedMessages m_messages;
     testing::TempFolder m_folder;
+    DrillDialogs m_dialogs;
     QWidget m_frame;
 };
 
@@ -79,7 +86,7 @@ TEST_F(DrillThru, ShowsRowsSortedAndGivesTheCursorBack) {
     EXPECT_FALSE(window.isModal());
     EXPECT_LE((window.geometry().center() - m_frame.geometry().center()).manhattanLength(), 10);
     EXPECT_THAT(column(window, 0), ElementsAre("9", "10"));
-    EXPECT_EQ(window.GetSource().GetSortArrow(0), CDrillThruDataSrc::SortArrow::Up);
+    EXPECT_EQ(sorting(window), std::pair(0, Qt::AscendingOrder));
     EXPECT_EQ(toUtf8(window.findChild<QLabel*>(QStringLiteral("subject"))->text()), "city: <b>Berlin</b>");
     EXPECT_EQ(status(window), "2 rows");
     EXPECT_TRUE(button(window, "export").isEnabled() && button(window, "print").isEnabled());
@@ -93,7 +100,7 @@ TEST_F(DrillThru, WithoutRowsThereIsNothingToExportOrPrint) {
     const CDrillThru& window = *open(openProfile(source), DrillOrigin::Frequency, 3);
     EXPECT_FALSE(button(window, "export").isEnabled() || button(window, "print").isEnabled());
     EXPECT_TRUE(button(window, "close").isEnabled());
-    EXPECT_EQ(window.GetSource().GetSortArrow(0), CDrillThruDataSrc::SortArrow::None);
+    EXPECT_EQ(sorting(window).first, -1);
     EXPECT_EQ(grid(window).model()->columnCount(), 3);
     EXPECT_EQ(status(window), "3 in the run, 0 now: the source changed since");
     EXPECT_EQ(source.released, 1);
@@ -140,7 +147,7 @@ TEST_F(DrillThru, HeadingsSortAndToggle) {
     EXPECT_THAT(column(window, 2), ElementsAre("a", "b", "C"));
     click(2);
     EXPECT_THAT(column(window, 2), ElementsAre("C", "b", "a"));
-    EXPECT_EQ(window.GetSource().GetSortArrow(2), CDrillThruDataSrc::SortArrow::Down);
+    EXPECT_EQ(sorting(window), std::pair(2, Qt::DescendingOrder));
     click(0);
     EXPECT_THAT(column(window, 0), ElementsAre("0", "1", "2"));
 }
@@ -175,12 +182,20 @@ TEST_F(DrillThru, TypingFindsCellsOfAllColumns) {
 }
 
 TEST_F(DrillThru, ExportsCopiesAndPrints) {
+    std::string path;
+    std::function<void(QPrinter&)> setUp;
+    m_dialogs = {[&path](QWidget&, const QString&, const QString& name) {
+                     EXPECT_EQ(toUtf8(name), "city");
+                     return toQString(path);
+                 },
+                 [&setUp](QWidget&, QPrinter& printer) {
+                     setUp(printer);
+                     return true;
+                 }};
     FakeSource source = sampleSource({"a, b"});
     CDrillThru& window = *open(openDrill(source));
-    window.AskPath = [] { return QString(); };
     button(window, "export").click();
-    const std::string path = m_folder.file("rows.csv");
-    window.AskPath = [&path] { return toQString(path); };
+    path = m_folder.file("rows.csv");
     button(window, "export").click();
     QFile file(toQString(path));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -192,11 +207,10 @@ TEST_F(DrillThru, ExportsCopiesAndPrints) {
 
     const QString pdf = toQString(m_folder.file("rows.pdf"));
     QString job;
-    window.AskPrinter = [&](QPrinter& printer) {
+    setUp = [&](QPrinter& printer) {
         job = printer.docName();
         printer.setOutputFormat(QPrinter::PdfFormat);
         printer.setOutputFileName(pdf);
-        return true;
     };
     button(window, "print").click();
     EXPECT_EQ(toUtf8(job), "Profile - Drill Through");
@@ -208,19 +222,13 @@ TEST_F(DrillThru, ExportsCopiesAndPrints) {
     EXPECT_EQ(printed.permissions() & QFile::ReadOther, QFile::Permissions());
 
     const QString nowhere = toQString(m_folder.file("none/rows.pdf"));
-    window.AskPrinter = [&nowhere](QPrinter& printer) {
-        printer.setOutputFileName(nowhere);
-        return true;
-    };
+    setUp = [&nowhere](QPrinter& printer) { printer.setOutputFileName(nowhere); };
     m_messages.expectWarn("Unable to open or create file " + toUtf8(nowhere) + "\n\nNo such file or directory",
                           "Print");
     button(window, "print").click();
     const QString full = toQString(m_folder.file("full.pdf"));
     ASSERT_TRUE(QFile::link(QStringLiteral("/dev/full"), full));
-    window.AskPrinter = [&full](QPrinter& printer) {
-        printer.setOutputFileName(full);
-        return true;
-    };
+    setUp = [&full](QPrinter& printer) { printer.setOutputFileName(full); };
     m_messages.expectWarn("Unable to open or create file " + toUtf8(full) + "\n\nNo space left on device", "Print");
     button(window, "print").click();
 }

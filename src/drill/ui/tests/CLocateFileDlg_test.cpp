@@ -14,11 +14,10 @@ QPushButton* button(const CLocateFileDlg& dialog, const char* name) {
 }
 
 TEST(CLocateFileDlg, GivesThePlaceThatTheUserChooses) {
-    CLocateFileDlg dialog({"/data/orders.csv", ""});
+    QString chosen;
+    CLocateFileDlg dialog({"/data/orders.csv", ""}, nullptr, [&] { return chosen; });
     EXPECT_EQ(button(dialog, "use"), nullptr) << "there is nothing to suggest";
     EXPECT_TRUE(dialog.findChild<QLabel*>(QStringLiteral("file"))->text().contains(QLatin1String("orders.csv")));
-    QString chosen;
-    dialog.AskPath = [&] { return chosen; };
     button(dialog, "locate")->click();
     EXPECT_EQ(dialog.result(), QDialog::Rejected) << "the file dialog was cancelled";
     EXPECT_EQ(dialog.GetPlace(), "");

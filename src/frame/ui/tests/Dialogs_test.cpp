@@ -50,7 +50,7 @@ void type(QSpinBox* box, const char* digits) {
     QTest::keyClicks(box, QLatin1String(digits));
 }
 
-/// With TAVIX_SHOTS set to a folder, a picture of the window is left there.
+/// Saves a picture of the window in the folder that TAVIX_SHOTS names, if any.
 void shoot(QWidget& window, const char* name) {
     const QString folder = qEnvironmentVariable("TAVIX_SHOTS");
     if (!folder.isEmpty())
@@ -77,11 +77,11 @@ TEST_F(OptionsSheetTest, ThresholdsInTheWrongOrderKeepTheSheetOpen) {
     show(sheet);
     EXPECT_EQ(sheet.windowTitle(), QStringLiteral("Options"));
     auto* pages = child<QTabWidget>(sheet, "pages");
-    ASSERT_EQ(pages->count(), 3);
+    ASSERT_EQ(pages->count(), 2);
     auto* second = child<QSpinBox>(sheet, "SecondRDAThreshold");
     type(child<QSpinBox>(sheet, "FirstRDAThreshold"), "30");
     type(second, "20");
-    pages->setCurrentIndex(2);
+    pages->setCurrentIndex(1);
     m_messages.expectWarn("The second RDA warning threshold must be greater than or equal to the first");
     okButton(sheet)->click();
     EXPECT_TRUE(sheet.isVisible());
@@ -103,12 +103,10 @@ TEST_F(OptionsSheetTest, EveryControlReachesTheValues) {
     child<QCheckBox>(sheet, "HideWelcomeDialog")->click();
     child<QCheckBox>(sheet, "ownFont")->click();
     child<QFontComboBox>(sheet, "StatFontName")->setEditText(QStringLiteral("Some Font"));
-    child<QLineEdit>(sheet, "DefaultLocale")->setText(QStringLiteral(" en_US "));
-    child<QCheckBox>(sheet, "OverrideFieldWidths")->click();
     okButton(sheet)->click();
     ASSERT_EQ(sheet.result(), QDialog::Accepted);
     const OptionValues expected = {
-        12, 2'000'000'000, 100, 100, 1000, 20, 50, true, true, {"Some Font", 1, 90, false, false}, "en_US", true};
+        12, 2'000'000'000, 100, 100, 1000, 20, 50, true, true, {"Some Font", 1, 90, false, false}};
     EXPECT_EQ(sheet.Model().values, expected);
 }
 
@@ -128,7 +126,7 @@ TEST_F(OptionsSheetTest, MetricsAreChosenAndMovedByKeyboard) {
     up->click();
     EXPECT_EQ(list->item(0)->text(), QStringLiteral("Null Count"));
     EXPECT_FALSE(up->isEnabled());
-    // A drop of the first row behind the last one.
+    // As if the first row were dropped after the last one.
     ASSERT_TRUE(list->model()->moveRow({}, 0, {}, 3));
     EXPECT_EQ(sheet.Model().Metrics(),
               (std::vector<MetricDisplay>{{"Count", true, 0}, {"Unique Count", true, 1}, {"Null Count", true, 2}}));
@@ -214,11 +212,11 @@ TEST(Dialogs, DrawInBothSchemes) {
         QApplication::setPalette(palette);
         COptionsSheet sheet({*store, standardMetricDisplay(*store)}, messages);
         show(sheet);
-        for (int page = 0; page < 3; ++page) {
+        for (int page = 0; page < 2; ++page) {
             child<QTabWidget>(sheet, "pages")->setCurrentIndex(page);
             shoot(sheet, qPrintable(QStringLiteral("options%1-%2").arg(page + 1).arg(QLatin1String(scheme))));
         }
-        // Fits the smallest desktop that is common at twice the scale.
+        // Fits the smallest common desktop at 200 % scale.
         EXPECT_LE(sheet.minimumSizeHint().height(), 500);
         EXPECT_LE(sheet.sizeHint().width(), 900);
         CDeleteHistoryDlg deletion({threeRuns(), 5}, messages);

@@ -1,4 +1,5 @@
-// What a shell, an alert or a key asks of the view of a table or field.
+// Commands and navigation requests to the view of a table or field.
+#include "doc/Commands.h"
 #include "doc/NavigateRequest.h"
 #include "frame/ui/tests/ViewOverSample.h"
 #include "grid/CUGDataSource.h"
@@ -13,16 +14,12 @@
 
 #include <gmock/gmock.h>
 
+#include <set>
+
 namespace tavix {
 namespace {
 
 using testing::ViewOverSample;
-
-constexpr int kAddTableNote = 32818;
-constexpr int kAddFieldNote = 32819;
-constexpr int kNoteCategories = 32838;
-constexpr int kDetach = 32898;
-constexpr int kInvisible = 40007;
 
 constexpr CommandState kUnhandled = {};
 constexpr CommandState kEnabled = {true, true, false};
@@ -35,18 +32,8 @@ class ReportCommands : public ViewOverSample {
     [[nodiscard]] NavigateRequest request(const char* kind, int metric = -1, const char* field = "customers/city") {
         return {"Warehouse", "crm", "public", "customers", 0, kind, metric, m_sample.fields.at(field)};
     }
-    /// Does it in the next dialog.
-    static void inDialog(const std::function<void(QDialog&)>& act) {
-        QTimer::singleShot(0, qApp, [act] {
-            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            ASSERT_TRUE(dialog);
-            act(*dialog);
-            if (dialog->isVisible())
-                dialog->reject();
-        });
-    }
     static void writeNote(const char* text) {
-        inDialog([text](QDialog& dialog) {
+        inNextDialog([text](QDialog& dialog) {
             dialog.findChild<QPlainTextEdit*>()->setPlainText(QLatin1String(text));
             dialog.accept();
         });
@@ -69,7 +56,7 @@ TEST_F(ReportCommands, ARequestLeadsToTheFigureThatItNames) {
     const QRect seen = metrics.visualRect(metrics.model()->index(0, column));
     EXPECT_TRUE(seen.left() >= 0 && seen.right() <= metrics.viewport()->width()) << seen.left() << " " << seen.right();
 
-    // From another tab of the table that is shown already, and to another row.
+    // From another tab of the table that is already shown, and to another row.
     report().SelectTab(CTableView::Notes);
     ASSERT_TRUE(m_view->Navigate(request("SM", 0, "customers/name")));
     EXPECT_EQ("name", cell(tab(), static_cast<int>(grid(tab()).GetCurrentRow()), 0));
@@ -93,14 +80,14 @@ TEST_F(ReportCommands, ARequestForAMetricOrRuleOfTheJobSelectsItsRow) {
     ASSERT_TRUE(m_view->Navigate(request("CM", testing::ruleId("Margin"))));
     EXPECT_EQ(1, m_view->GetItemCode());
     EXPECT_EQ("Margin: 1", selected());
-    // What the lists below say is of that row.
+    // The list below shows the selected row.
     EXPECT_EQ("22", toUtf8(list(tab(), "History of the metric").model()->index(0, 2).data().toString()));
     ASSERT_TRUE(m_view->Navigate(request("CM", testing::ruleId("Spread"))));
     EXPECT_EQ("Spread: 1", selected());
     ASSERT_TRUE(m_view->Navigate(request("BR", testing::ruleId("Balance is positive"))));
     EXPECT_EQ(2, m_view->GetItemCode());
     EXPECT_EQ("Balance is positive: 1", selected());
-    // For one that the run does not have the list is opened all the same.
+    // The list is opened even if the run does not have the rule.
     ASSERT_TRUE(m_view->Navigate(request("BR", 4711)));
     EXPECT_EQ("Name is known: 1", selected());
 }
@@ -115,21 +102,22 @@ TEST_F(ReportCommands, ARequestForWhatIsNotThereIsNoAndSaysNothing) {
     EXPECT_FALSE(m_view->Navigate(with([](NavigateRequest& r) { r.dataSource = ""; })));
     EXPECT_FALSE(m_view->Navigate(with([](NavigateRequest& r) { r.mode = 4; })));
     EXPECT_FALSE(m_view->Navigate(with([](NavigateRequest& r) { r.schema = "dbo"; })));
-    // A table without that field or metric is shown all the same.
+    // A table is shown even if it does not have the field or metric.
     EXPECT_TRUE(m_view->Navigate(with([](NavigateRequest& r) { r.rowId = 4711; })));
     EXPECT_TRUE(m_view->Navigate(with([](NavigateRequest& r) { r.metricId = 4711; })));
     EXPECT_EQ("city", cell(tab(), static_cast<int>(grid(tab()).GetCurrentRow()), 0));
     report().SelectTab(CTableView::Notes);
     EXPECT_TRUE(m_view->Navigate(with([](NavigateRequest& r) { r.metricKind = "sm"; })));
     EXPECT_EQ(14, m_view->GetItemCode());
-    EXPECT_TRUE(execute(57600));
+    EXPECT_TRUE(execute(CommandId::New));
     EXPECT_FALSE(m_view->Navigate(request("SM", 0)));
 }
 
 TEST_F(ReportCommands, AreEnabledWhereTheyCanDoSomething) {
     const auto states = [this] {
-        return std::vector<CommandState>{stateOf(kAddTableNote), stateOf(kAddFieldNote), stateOf(kNoteCategories),
-                                         stateOf(kDetach), stateOf(kInvisible)};
+        return std::vector<CommandState>{stateOf(CommandId::AddTableNote), stateOf(CommandId::AddFieldNote),
+                                         stateOf(CommandId::NoteCategories), stateOf(CommandId::DetachTabs),
+                                         stateOf(CommandId::ShowInvisible)};
     };
     using ::testing::ElementsAre;
     const auto ofTable = ElementsAre(kEnabled, kUnhandled, kEnabled, kEnabled, kEnabled);
@@ -142,24 +130,47 @@ TEST_F(ReportCommands, AreEnabledWhereTheyCanDoSomething) {
     EXPECT_THAT(states(), ofTable);
     ASSERT_TRUE(selectField("customers", "name"));
     EXPECT_THAT(states(), ElementsAre(kUnhandled, kEnabled, kEnabled, kEnabled, kEnabled));
-    EXPECT_TRUE(execute(kInvisible));
-    EXPECT_EQ(kChecked, stateOf(kInvisible));
-    EXPECT_TRUE(execute(57600));
+    EXPECT_TRUE(execute(CommandId::ShowInvisible));
+    EXPECT_EQ(kChecked, stateOf(CommandId::ShowInvisible));
+    EXPECT_TRUE(execute(CommandId::New));
     EXPECT_THAT(states(), ElementsAre(kUnhandled, kUnhandled, kDisabled, kUnhandled, kChecked));
-    EXPECT_FALSE(execute(kAddTableNote) || execute(kAddFieldNote) || execute(kDetach));
+    EXPECT_FALSE(execute(CommandId::AddTableNote) || execute(CommandId::AddFieldNote) ||
+                 execute(CommandId::DetachTabs));
+}
+
+// Menus list the commands that have a handler, and no others.
+TEST_F(ReportCommands, AreListedWhenTheyHaveAHandler) {
+    std::set<int> handled;
+    const auto lookAround = [&] {
+        for (const int first : {32700, 40000, 57600}) {
+            for (int id = first; id < first + 300; ++id) {
+                if (stateOf(static_cast<CommandId>(id)).handled)
+                    handled.insert(id);
+            }
+        }
+    };
+    ASSERT_TRUE(selectTable("customers"));
+    lookAround();
+    ASSERT_TRUE(selectField("customers", "name"));
+    report().SelectTab(CFieldView::Frequency);
+    lookAround();
+    std::set<int> listed;
+    for (const TavixCommand& command : kCommands)
+        listed.insert(static_cast<int>(command.id));
+    EXPECT_EQ(listed, handled);
 }
 
 TEST_F(ReportCommands, AddNotesFromAnyTabAndShowThem) {
     ASSERT_TRUE(selectTable("suppliers"));
     report().SelectTab(CTableView::BusinessRules);
     writeNote("Six of them");
-    EXPECT_TRUE(execute(kAddTableNote));
+    EXPECT_TRUE(execute(CommandId::AddTableNote));
     EXPECT_EQ(14, m_view->GetItemCode());
     EXPECT_EQ(1, rows(tab()));
     EXPECT_EQ("Six of them", toUtf8(tab().findChild<QPlainTextEdit*>(QStringLiteral("noteText"))->toPlainText()));
     ASSERT_TRUE(selectField("suppliers", "city"));
     writeNote("With an umlaut");
-    EXPECT_TRUE(execute(kAddFieldNote));
+    EXPECT_TRUE(execute(CommandId::AddFieldNote));
     EXPECT_EQ(10, m_view->GetItemCode());
     EXPECT_EQ(1, rows(tab()));
     EXPECT_EQ("With an umlaut", toUtf8(tab().findChild<QPlainTextEdit*>(QStringLiteral("noteText"))->toPlainText()));
@@ -171,13 +182,13 @@ TEST_F(ReportCommands, CategoriesAreTheReportsAndTheTabsFollow) {
     CTearOff& window = detach();
     m_messages.onEvent = {};
     int seen = 0;
-    inDialog([&seen](QDialog& dialog) { seen = dialog.findChild<QListWidget*>()->count(); });
-    EXPECT_TRUE(execute(kNoteCategories));
+    inNextDialog([&seen](QDialog& dialog) { seen = dialog.findChild<QListWidget*>()->count(); });
+    EXPECT_TRUE(execute(CommandId::NoteCategories));
     EXPECT_EQ(2, seen);
 
-    // A note that is added in one of them is seen in the other.
+    // A note added in one of them appears in the other.
     writeNote("A third");
-    EXPECT_TRUE(execute(kAddTableNote));
+    EXPECT_TRUE(execute(CommandId::AddTableNote));
     EXPECT_EQ(3, rows(tab()));
     EXPECT_EQ(3, rows(window.GetView().GetTab(CTableView::Notes)));
 }
@@ -185,20 +196,20 @@ TEST_F(ReportCommands, CategoriesAreTheReportsAndTheTabsFollow) {
 TEST_F(ReportCommands, DetachOpensAWindowAndSignsAreShownInEveryList) {
     ASSERT_TRUE(selectField("orders", "note"));
     report().SelectTab(CFieldView::Frequency);
-    EXPECT_TRUE(execute(kDetach));
+    EXPECT_TRUE(execute(CommandId::DetachTabs));
     ASSERT_EQ(1U, tearOffs().size());
     EXPECT_EQ(CFieldView::Frequency, tearOffs().front()->GetView().GetCurrentTab());
-    EXPECT_TRUE(execute(kInvisible));
+    EXPECT_TRUE(execute(CommandId::ShowInvisible));
     for (CReportView* view : {&report(), &tearOffs().front()->GetView()}) {
         for (const CUGCtrl* list : view->findChildren<CUGCtrl*>())
             EXPECT_TRUE(list->ShowsInvisible()) << toUtf8(list->accessibleName());
     }
-    // Views that come later follow, and so does the next start.
+    // Later views follow the setting, and so does the next start.
     ASSERT_TRUE(selectTable("customers"));
     EXPECT_TRUE(grid(tab()).ShowsInvisible());
     m_view.reset();
     makeView();
-    EXPECT_EQ(kChecked, stateOf(kInvisible));
+    EXPECT_EQ(kChecked, stateOf(CommandId::ShowInvisible));
 }
 
 } // namespace

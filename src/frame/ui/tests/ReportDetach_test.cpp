@@ -1,4 +1,4 @@
-// The two buttons of a view: the text about what it shows, and a window of its own.
+// The two buttons of a view: Details and Detach.
 #include "frame/ui/tests/ViewOverSample.h"
 #include "support/RunScript.h"
 
@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
+#include <QSignalSpy>
 #include <QStackedWidget>
 #include <QTimer>
 #include <QWindow>
@@ -27,7 +28,7 @@ class ReportDetach : public ViewOverSample {
         ASSERT_TRUE(load());
         ASSERT_TRUE(selectTable("customers"));
     }
-    /// Presses the button and answers the text of the dialog that it opens, "" when it opens none.
+    /// Presses the button and returns the text of the dialog that it opens; "" when it opens none.
     std::string details() {
         std::string text;
         QTimer::singleShot(0, qApp, [this, &text] {
@@ -57,7 +58,7 @@ class ReportDetach : public ViewOverSample {
             lines.push_back(header(*window));
         return lines;
     }
-    /// What stands in the place of the tabs; "" while one of them is shown.
+    /// The sentence that replaces the tabs; "" while a tab is shown.
     static std::string sentence(CTearOff& window) {
         auto* pages = window.GetView().findChild<QStackedWidget*>(QString(), Qt::FindDirectChildrenOnly);
         auto* label = qobject_cast<QLabel*>(pages->currentWidget());
@@ -69,7 +70,7 @@ TEST_F(ReportDetach, DetailsTellWhatIsKnownAboutTheTableOrField) {
     EXPECT_THAT(details(), StartsWith("Name: customers\nType: Table\nSchema: public\n"));
     ASSERT_TRUE(selectField("customers", "city"));
     EXPECT_THAT(details(), StartsWith("Field: city\n"));
-    // A query of several lines keeps them.
+    // The lines of a query are kept.
     ASSERT_TRUE(selectTable("big orders"));
     EXPECT_THAT(details(), ::testing::HasSubstr("SELECT *"));
     selectCollection(0);
@@ -86,7 +87,7 @@ TEST_F(ReportDetach, WithoutATextThereAreNoDetails) {
     ASSERT_TRUE(selectField("customers", "city"));
     EXPECT_TRUE(button(report(), "detailsButton").isEnabled());
     testing::runScript(m_sample.path, "PRAGMA foreign_keys=OFF; DROP TABLE run_field");
-    m_view->GetNavigator().Refresh(nullptr, RefreshHint::TaskListLost, 0);
+    navigator().Refresh(nullptr, RefreshHint::TaskListLost, 0);
     EXPECT_EQ("", details());
 }
 
@@ -118,6 +119,20 @@ TEST_F(ReportDetach, AWindowComesUpBesideTheViewWithItsTabAndWithoutButtons) {
     EXPECT_EQ("Collection", toUtf8(detach().windowTitle()));
     ASSERT_TRUE(selectField("suppliers", "city"));
     EXPECT_EQ("Table", toUtf8(detach().windowTitle()));
+}
+
+TEST_F(ReportDetach, ADoubleClickOnATabDetachesTheViewButNotAWindow) {
+    const auto doubleClick = [](QTabBar& tabs, int index) {
+        QTest::mouseDClick(&tabs, Qt::LeftButton, {}, tabs.tabRect(index).center());
+        QCoreApplication::processEvents();
+    };
+    doubleClick(strip(), 2);
+    ASSERT_EQ(1U, tearOffs().size());
+    CReportView& detached = tearOffs().front()->GetView();
+    const QSignalSpy requests(&detached, &CReportView::DetachRequested);
+    doubleClick(strip(detached), 1);
+    EXPECT_EQ(0, requests.count());
+    EXPECT_EQ(1U, tearOffs().size());
 }
 
 TEST_F(ReportDetach, AWindowInTheCornerIsMovedInside) {
@@ -164,7 +179,7 @@ TEST_F(ReportDetach, EveryWindowKeepsItsObjectAndFollowsTheRuns) {
     EXPECT_EQ("302", cell(frequencies, 1, 1));
     EXPECT_TRUE(late.GetView().GetTab(CTableView::Notes).isVisible());
 
-    // Reading the same report again changes nothing about them; in another one they wait for theirs.
+    // Reloading the same report does not change them; while another report is open, they wait for theirs.
     CTearOff* const first = tearOffs().front();
     ASSERT_TRUE(load());
     EXPECT_EQ(4U, tearOffs().size());
@@ -205,14 +220,14 @@ TEST_F(ReportDetach, AFieldWhoseTableIsGoneSaysSo) {
 
 TEST_F(ReportDetach, WindowsLiveUntilTheyAreClosedAndGoWithTheView) {
     const QPointer<CTearOff> first = &detach();
-    EXPECT_TRUE(execute(57600));
+    EXPECT_TRUE(execute(CommandId::New));
     EXPECT_TRUE(isEmptyViewShown());
     ASSERT_TRUE(first && first->isVisible());
     EXPECT_EQ("The report \u201CSales\u201D is closed. Open it again to see its contents here.", sentence(*first));
     ASSERT_TRUE(load());
     EXPECT_EQ("", sentence(*first));
     EXPECT_EQ("customers  1,000 records", header(*first));
-    EXPECT_TRUE(execute(57600));
+    EXPECT_TRUE(execute(CommandId::New));
     first->close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(first.isNull());
@@ -257,7 +272,7 @@ TEST_F(ReportDetach, AWindowHasTheKeysOfTheMainOne) {
     ASSERT_TRUE(selectTable("suppliers"));
     EXPECT_EQ("tavix::CNoteDlg", press(table, Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier));
     EXPECT_EQ("", press(table, Qt::Key_F, Qt::ControlModifier)) << "there is nothing to filter";
-    // Enter opens the field in the frame, whatever that shows.
+    // Enter opens the field in the frame, whatever the frame shows.
     table.GetView().SelectTab(CTableView::StandardMetrics);
     CUGCtrl& metrics = grid(table.GetView().GetTab(CTableView::StandardMetrics));
     metrics.SelectRow(2);
@@ -278,9 +293,9 @@ TEST_F(ReportDetach, TheViewMayGoBeforeItsClosedWindowsDo) {
     detach();
     ASSERT_TRUE(selectField("customers", "city"));
     detach();
-    // Columns that were dragged are kept when the grid goes, whatever went before it.
+    // Column widths are stored when the grid is destroyed, even if the view was destroyed before.
     grid(tearOffs().back()->GetView().GetTab(0)).setColumnWidth(0, 123);
-    EXPECT_TRUE(execute(57600));
+    EXPECT_TRUE(execute(CommandId::New));
     m_view.reset();
 }
 
@@ -294,8 +309,8 @@ TEST_F(ReportDetach, AWindowIsClosedByItsKeysAndTheOthersStay) {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     ASSERT_TRUE(setRun(1));
     EXPECT_THAT(headers(), ElementsAre("customers  1,000 records"));
-    // What holds for all of them reaches the window as well.
-    EXPECT_TRUE(execute(40007));
+    // A setting of all views reaches the window as well.
+    EXPECT_TRUE(execute(CommandId::ShowInvisible));
     EXPECT_TRUE(grid(tearOffs().front()->GetView().GetTab(0)).ShowsInvisible());
 }
 

@@ -1,4 +1,4 @@
-// Reports that are closed or replaced under a dialog, and the answer that the dialog gives afterwards.
+// Reports that are closed or replaced while a dialog is open, which is accepted afterwards.
 #include "frame/ui/tests/ViewOverSample.h"
 #include "support/LongList.h"
 
@@ -12,30 +12,18 @@ namespace {
 
 using testing::ViewOverSample;
 
-constexpr int kNew = 57600;
-constexpr int kAddTableNote = 32818;
-constexpr int kFilter = 32832;
-constexpr int kNoteCategories = 32838;
-constexpr int kOptions = 40001;
-constexpr int kDeleteHistory = 40002;
-
 class ReportDialogs : public ViewOverSample {
   protected:
     void SetUp() override { ASSERT_TRUE(load()); }
     bool loadOther() { return m_view->LoadReportForJob("", m_sample.inventoryJob, m_sample.path); }
-    /// Executes the command and does `act` in the dialog that it opens.
-    void inDialog(int command, const std::function<void(QDialog&)>& act) {
+    /// Executes the command and calls `act` in the dialog that it opens.
+    void inDialog(CommandId command, const std::function<void(QDialog&)>& act) {
         int acted = 0;
-        QTimer::singleShot(0, qApp, [&acted, act] {
-            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            ASSERT_TRUE(dialog);
-            ++acted;
-            act(*dialog);
-        });
+        inNextDialog(act, &acted);
         EXPECT_TRUE(execute(command));
         EXPECT_EQ(1, acted);
     }
-    /// As Yes to the dialog's question does, for the oldest run.
+    /// Chooses the oldest run, as if the user had confirmed.
     static void chooseOldest(QDialog& dialog) {
         auto& runs = *dialog.findChild<QTreeWidget*>(QStringLiteral("runs"));
         runs.setCurrentItem(runs.topLevelItem(runs.topLevelItemCount() - 1));
@@ -47,28 +35,28 @@ class ReportDialogs : public ViewOverSample {
 TEST_F(ReportDialogs, RunsAreNotDeletedWhenTheirReportIsClosedOrAnotherOneOpen) {
     constexpr const char* kMessage = "No run was deleted: the report whose runs were chosen is closed.";
     m_messages.expectWarn(kMessage);
-    inDialog(kDeleteHistory, [this](QDialog& dialog) {
-        EXPECT_TRUE(execute(kNew));
+    inDialog(CommandId::DeleteHistory, [this](QDialog& dialog) {
+        EXPECT_TRUE(execute(CommandId::New));
         chooseOldest(dialog);
     });
     EXPECT_FALSE(m_view->GetTavixDoc().HasReport());
     EXPECT_EQ(3U, runsOfSales());
 
     m_messages.expectWarn(kMessage);
-    inDialog(kDeleteHistory, [this](QDialog& dialog) {
+    inDialog(CommandId::DeleteHistory, [this](QDialog& dialog) {
         EXPECT_TRUE(loadOther());
         chooseOldest(dialog);
     });
     EXPECT_EQ("Inventory", m_view->GetTavixDoc().GetTitle());
     EXPECT_EQ(1U, m_view->GetTavixDoc().GetRuns()->size());
     EXPECT_EQ(3U, runsOfSales());
-    inDialog(kDeleteHistory, &ReportDialogs::chooseOldest);
+    inDialog(CommandId::DeleteHistory, &ReportDialogs::chooseOldest);
     EXPECT_EQ(2U, runsOfSales());
 }
 
 TEST_F(ReportDialogs, ANoteGoesToTheTableThatItWasWrittenFor) {
     ASSERT_TRUE(selectTable("suppliers"));
-    inDialog(kAddTableNote, [this](QDialog& dialog) {
+    inDialog(CommandId::AddTableNote, [this](QDialog& dialog) {
         EXPECT_TRUE(loadOther());
         dialog.findChild<QPlainTextEdit*>()->setPlainText(QStringLiteral("Six of them"));
         dialog.accept();
@@ -83,7 +71,7 @@ TEST_F(ReportDialogs, ANoteGoesToTheTableThatItWasWrittenFor) {
 TEST_F(ReportDialogs, AFilterIsNotPutOnAFieldOfAnotherReport) {
     ASSERT_TRUE(selectField("customers", "name"));
     report().SelectTab(CFieldView::Frequency);
-    inDialog(kFilter, [this](QDialog& dialog) {
+    inDialog(CommandId::Filter, [this](QDialog& dialog) {
         EXPECT_TRUE(loadOther());
         dialog.done(QDialog::Accepted);
     });
@@ -93,13 +81,13 @@ TEST_F(ReportDialogs, AFilterIsNotPutOnAFieldOfAnotherReport) {
 }
 
 TEST_F(ReportDialogs, OtherDialogsDoTheirWorkWithoutTheReport) {
-    for (const int command : {kOptions, kNoteCategories}) {
+    for (const CommandId command : {CommandId::Options, CommandId::NoteCategories}) {
         ASSERT_TRUE(load());
         inDialog(command, [this](QDialog& dialog) {
-            EXPECT_TRUE(execute(kNew));
+            EXPECT_TRUE(execute(CommandId::New));
             dialog.done(QDialog::Accepted);
         });
-        EXPECT_FALSE(m_view->GetTavixDoc().HasReport()) << command;
+        EXPECT_FALSE(m_view->GetTavixDoc().HasReport()) << static_cast<int>(command);
         EXPECT_TRUE(isEmptyViewShown());
     }
 }
@@ -112,7 +100,7 @@ TEST_F(ReportDialogs, AReadingMayEndInAnotherReport) {
     table.table.id = list.table;
     for (const bool isNew : {true, false}) {
         ASSERT_TRUE(m_view->LoadReportForJob("", list.job, list.path));
-        ASSERT_TRUE(m_view->GetNavigator().SelectObject(table));
+        ASSERT_TRUE(navigator().SelectObject(table));
         ASSERT_TRUE(m_view->SelectField(list.field));
         report().SelectTab(CFieldView::Frequency);
         CProfTab& values = tab();
@@ -123,7 +111,7 @@ TEST_F(ReportDialogs, AReadingMayEndInAnotherReport) {
             ASSERT_TRUE(QApplication::activeModalWidget());
             ++acted;
             if (isNew)
-                EXPECT_TRUE(execute(kNew));
+                EXPECT_TRUE(execute(CommandId::New));
             else
                 EXPECT_TRUE(load() && selectField("customers", "name"));
         });

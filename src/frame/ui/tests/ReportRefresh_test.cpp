@@ -1,4 +1,4 @@
-// Which tab asks the repository, when, and what becomes of a failure.
+// When tabs query the repository, and how failures are reported.
 #include "access/PrViewer.h"
 #include "frame/ui/tests/ViewOverSample.h"
 #include "support/RunScript.h"
@@ -22,17 +22,17 @@ class ReportRefresh : public ViewOverSample {
     void breakPatterns() {
         testing::runScript(m_sample.path, "UPDATE distribution_block SET payload = x'00' WHERE kind = 'P'");
     }
-    /// The words for a pattern distribution that cannot be read.
+    /// The message for a pattern distribution that cannot be read.
     std::string patternMessage() {
-        PrViewer& viewer = *m_view->GetViewer();
+        PrViewer& viewer = *m_view->GetTavixDoc().GetViewer();
         (void)viewer.getPatternDist(m_sample.fields.at("customers/city"), {});
         return "Error occurred while retrieving pattern distribution:\n\n" + viewer.getErrorString().str();
     }
-    /// Messages that were put off come now.
+    /// Lets deferred messages come.
     static void settle() { QCoreApplication::processEvents(); }
 };
 
-// A message that nobody announced fails the test: whoever asked for the broken lists too early would be heard.
+// An unexpected message fails the test, so a tab that reads the broken lists too early is noticed.
 TEST_F(ReportRefresh, ATabThatIsNotSeenAsksNothing) {
     breakPatterns();
     const std::string message = patternMessage();
@@ -50,7 +50,7 @@ TEST_F(ReportRefresh, ATabThatIsNotSeenAsksNothing) {
     report().SelectTab(CFieldView::Patterns);
     settle();
     EXPECT_EQ(0U, m_messages.pending());
-    // Once: going away and coming back is no reason to say it again.
+    // Once: returning to the tab does not repeat the message.
     report().SelectTab(CFieldView::Frequency);
     report().SelectTab(CFieldView::Patterns);
     settle();
@@ -73,19 +73,19 @@ TEST_F(ReportRefresh, AFailureIsOneMessageForTheViewAndItsWindowsAndLeavesWhatIs
     EXPECT_EQ(shown, rows(window.GetView().GetTab(CFieldView::Patterns)));
 }
 
-// All three pages of the navigator and the tab read it.
+// All three pages of the navigator and the tab read the table.
 TEST_F(ReportRefresh, ARunOfWhichNothingCanBeReadIsOneMessage) {
     testing::runScript(m_sample.path, "PRAGMA foreign_keys=OFF; DROP TABLE run_table; DROP TABLE collection; "
                                       "DROP TABLE redundancy; DROP TABLE run_field");
-    (void)m_view->GetViewer()->getDSNList();
+    (void)m_view->GetTavixDoc().GetViewer()->getDSNList();
     m_messages.expectWarn("The contents of the report cannot be read:\n\n" +
-                          m_view->GetViewer()->getErrorString().str());
+                          m_view->GetTavixDoc().GetViewer()->getErrorString().str());
     ASSERT_TRUE(setRun(0));
     settle();
     EXPECT_EQ(0U, m_messages.pending());
 }
 
-// The frame keeps its views; what they held must not be taken for what the next report has.
+// The frame keeps its views, which must not show contents of the previous report.
 TEST_F(ReportRefresh, AReportThatIsOpenedAfterAnotherShowsNothingOfIt) {
     report().SelectTab(CFieldView::Patterns);
     ASSERT_GT(rows(tab()), 0);
@@ -106,9 +106,9 @@ TEST_F(ReportRefresh, MetricsThatCannotBeReadAreTold) {
     ASSERT_TRUE(selectTable("customers"));
     ASSERT_EQ(7, rows(tab()));
     testing::runScript(m_sample.path, "ALTER TABLE run_field RENAME COLUMN null_count TO renamed");
-    (void)m_view->GetViewer()->getFieldList(m_sample.tables.at("customers"));
-    const std::string message =
-        "Error occurred while retrieving the standard metrics:\n\n" + m_view->GetViewer()->getErrorString().str();
+    (void)m_view->GetTavixDoc().GetViewer()->getFieldList(m_sample.tables.at("customers"));
+    const std::string message = "Error occurred while retrieving the standard metrics:\n\n" +
+                                m_view->GetTavixDoc().GetViewer()->getErrorString().str();
     m_messages.expectWarn(message);
     m_view->Broadcast(RefreshHint::OptionsChanged);
     settle();
@@ -121,7 +121,7 @@ TEST_F(ReportRefresh, EachTabFillsAgainOnItsHintsAlone) {
     using enum RefreshHint;
     const RefreshHint all[] = {CollectionsRefreshed, OptionsChanged, TaskListLost,
                                HistoryDeletion,      NotesChanged,   HistoryDeleted};
-    // Every filling shows the wait cursor once.
+    // Each fill shows the wait cursor once.
     const auto refilling = [&] {
         std::vector<RefreshHint> hints;
         for (const RefreshHint hint : all) {
@@ -151,7 +151,7 @@ TEST_F(ReportRefresh, EachTabFillsAgainOnItsHintsAlone) {
     EXPECT_THAT(refilling(), ElementsAre(OptionsChanged, HistoryDeleted));
 }
 
-// Histories show other runs: one that is deleted must not stay in them, in a window of its own neither.
+// A history lists other runs. A deleted run must disappear from it, in detached windows too.
 TEST_F(ReportRefresh, DeletedRunsLeaveTheHistoriesAndTheFieldsOfCollections) {
     testing::addRules(m_sample);
     ASSERT_TRUE(selectTable("customers"));
@@ -171,9 +171,9 @@ TEST_F(ReportRefresh, DeletedRunsLeaveTheHistoriesAndTheFieldsOfCollections) {
     list(tab(), "Custom Metrics").SelectRow(1);
     EXPECT_EQ("22 21 20 ", history(report()));
     EXPECT_EQ("12 11 10 ", history(window.GetView()));
-    // A field of a collection has the figures of the latest run that knows it: here of a run that goes.
-    ASSERT_TRUE(m_view->GetViewer()->createGlobalCollFieldMapping(m_sample.collections.at("Amounts"),
-                                                                  m_sample.fields.at("airports/latitude")));
+    // A field of a collection has the metrics of the latest run that has the field; here that run is deleted.
+    ASSERT_TRUE(m_view->GetTavixDoc().GetViewer()->createGlobalCollFieldMapping(
+        m_sample.collections.at("Amounts"), m_sample.fields.at("airports/latitude")));
     testing::runScript(m_sample.path, fmt::format("DELETE FROM run_field WHERE field = {} AND run <> {}",
                                                   m_sample.fields.at("airports/latitude"), m_sample.salesRuns[0]));
     selectCollection(0);
@@ -189,7 +189,7 @@ TEST_F(ReportRefresh, DeletedRunsLeaveTheHistoriesAndTheFieldsOfCollections) {
     EXPECT_EQ("12 11 ", history(window.GetView()));
     for (CReportView* view : {&report(), &ofField.GetView()})
         EXPECT_FALSE(view->GetSubject().field) << header(*view);
-    m_view->GetNavigator().ShowPage(NavigatorPage::Tables);
+    navigator().ShowPage(NavigatorPage::Tables);
     ASSERT_TRUE(selectTable("customers"));
     report().SelectTab(CTableView::CustomMetrics);
     list(tab(), "Custom Metrics").SelectRow(1);
@@ -207,7 +207,7 @@ TEST_F(ReportRefresh, WhatIsShownIsReadOnceWhenSomethingElseIsSelectedOrLoaded) 
     EXPECT_EQ("9000", cell(tab(), 0, 1));
     EXPECT_EQ(0, readings([this] { ASSERT_TRUE(m_view->SelectField(m_sample.fields.at("customers/balance"))); }));
     EXPECT_EQ(1, readings([this] { m_view->Broadcast(RefreshHint::RunLoaded); }));
-    // A view of the other kind comes in its place.
+    // A view of the other kind replaces it.
     EXPECT_EQ(1, readings([this] { selectCollection(0); }));
     EXPECT_EQ(2, rows(tab()));
 }

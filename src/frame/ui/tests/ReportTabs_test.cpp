@@ -1,5 +1,5 @@
-// The tabs of a table's, a collection's and a field's view: which there are, how one goes from one to another, and how
-// they are drawn.
+// The tabs of the views of tables, collections and fields: which there are, how to move between them, and how they are
+// drawn.
 #include "base/ui/Theme.h"
 #include "frame/ui/tests/ViewOverSample.h"
 
@@ -22,7 +22,7 @@ class ReportTabs : public ViewOverSample {
         ASSERT_TRUE(load());
         ASSERT_TRUE(selectTable("customers"));
     }
-    /// "caption code" of each tab, with an asterisk at those whose tab is not seen alone when they are selected.
+    /// "caption code" of each tab, with an asterisk if selecting it does not show exactly that tab.
     std::vector<std::string> tabs() {
         std::vector<std::string> lines;
         for (int i = 0; i < strip().count(); ++i) {
@@ -85,7 +85,7 @@ TEST_F(ReportTabs, TheTabThatWasOpenLastIsOpenedForTablesAndForCollectionsByThem
     ASSERT_TRUE(selectField("suppliers", "city"));
     EXPECT_EQ(CFieldView::Frequency, report().GetCurrentTab());
 
-    // A number that is no tab's is as good as none; what a window of its own shows is nothing to be remembered.
+    // An invalid index counts as none; the tab of a detached window is not remembered.
     document.SetTab(ReportPaneKind::Table, NavigatorPage::Tables, 6);
     ASSERT_TRUE(selectTable("orders"));
     EXPECT_EQ(0, report().GetCurrentTab());
@@ -103,14 +103,14 @@ TEST_F(ReportTabs, KeysGoFromTabToTabAndRoundTheEnds) {
     EXPECT_EQ(&grid(tab()), QApplication::focusWidget());
     press(Qt::Key_PageUp, Qt::ControlModifier);
     EXPECT_EQ(CTableView::Notes, report().GetCurrentTab());
-    // The list of notes has the keyboard now, and its text must let the keys through as well.
+    // The list of notes has the focus now; its text must pass the keys on as well.
     ASSERT_TRUE(tab().isAncestorOf(QApplication::focusWidget()));
     tab().GetLastTabStop()->setFocus();
     press(Qt::Key_PageDown, Qt::ControlModifier);
     EXPECT_EQ(CTableView::StandardMetrics, report().GetCurrentTab());
     press(Qt::Key_Tab, Qt::ControlModifier);
     EXPECT_EQ(CTableView::CustomMetrics, report().GetCurrentTab());
-    // Nothing but a sentence there: the strip takes the keyboard, and keys still lead on.
+    // Only a sentence is shown: the strip takes the focus, and the keys still work.
     EXPECT_EQ(&strip(), QApplication::focusWidget());
     press(Qt::Key_PageDown, Qt::ControlModifier);
     EXPECT_EQ(CTableView::BusinessRules, report().GetCurrentTab());
@@ -148,7 +148,7 @@ TEST_F(ReportTabs, APressSelectsAndADoubleClickIsPosted) {
     QCoreApplication::processEvents();
     ASSERT_EQ(1, doubleClicks.count());
     EXPECT_EQ(2, doubleClicks.at(0).at(0).toInt());
-    // Other buttons, and a place beside the tabs, mean nothing.
+    // Other buttons, and clicks beside the tabs, do nothing.
     QTest::mouseDClick(&control, Qt::RightButton, {}, middleOfTab(1));
     QTest::mouseDClick(&control, Qt::MiddleButton, {}, middleOfTab(1));
     QTest::mouseDClick(&control, Qt::LeftButton, {}, {control.width() - 2, 10});
@@ -174,7 +174,7 @@ TEST_F(ReportTabs, TheStripKeepsItsHeightInAnyFontAndFollowsIt) {
     font.setPointSizeF(usual.pointSizeF() * 3);
     m_view->setFont(font);
     EXPECT_EQ(22, strip().height());
-    // Captions that are too high are drawn smaller: nothing of them is cut off below.
+    // Captions that are too high are drawn smaller, so that nothing is cut off.
     const QImage image = strip().grab().toImage();
     const QRect face = strip().tabRect(report().GetCurrentTab());
     for (int x = face.left() + 4; x < face.right() - 4; ++x)
@@ -198,7 +198,7 @@ TEST_F(ReportTabs, TheNavigatorStepsThroughTheTabsAsWell) {
     EXPECT_EQ(selected, tree.currentIndex());
 }
 
-/// How well one colour can be read on another, from 1 to 21 (WCAG 2.1, contrast ratio).
+/// The contrast ratio of two colours, 1 to 21 (WCAG 2.1).
 double contrast(const QColor& a, const QColor& b) {
     const auto luminance = [](const QColor& color) {
         const auto part = [](double c) { return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
@@ -283,7 +283,7 @@ TEST_F(ReportTabs, CaptionsThatHaveNoRoomAreCutAndToldByTheirTips) {
         for (const QToolButton* arrow : strip().findChildren<QToolButton*>())
             EXPECT_FALSE(arrow->isVisible()) << width;
     }
-    // The narrowest strip has arrows, and the selected tab is in view.
+    // The narrowest strip has arrows, and the selected tab is visible.
     m_view->resize(400, 600);
     report().SelectTab(6);
     QCoreApplication::processEvents();
@@ -299,7 +299,7 @@ TEST_F(ReportTabs, CaptionsThatHaveNoRoomAreCutAndToldByTheirTips) {
 }
 
 TEST_F(ReportTabs, TheKeyboardGoesFromTheStripOverTheButtonsToTheContents) {
-    // Of each tab: whom the Tab key reaches between the strip and the last stop of the view.
+    // For each tab, the controls that the Tab key reaches between the strip and the last stop of the view.
     const auto stops = [this] {
         std::vector<std::string> names;
         QWidget* last = m_view->GetLastTabStop();
@@ -350,7 +350,7 @@ TEST_F(ReportTabs, TheKeyboardGoesFromTheStripOverTheButtonsToTheContents) {
     report().SelectTab(CFieldView::Notes);
     EXPECT_THAT(stops(), notes);
 
-    // A window of its own has no buttons; it ends at the contents or at the strip itself.
+    // A detached window has no buttons; its last stop is the contents or the strip itself.
     CReportView& torn = detach().GetView();
     EXPECT_EQ("noteText", toUtf8(torn.GetLastTabStop()->objectName()));
     torn.SelectTab(CFieldView::KeyAnalysis);

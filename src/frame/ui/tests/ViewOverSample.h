@@ -13,14 +13,18 @@
 #include "tabs/ui/TearOff.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QLabel>
+#include <QPointer>
 #include <QTabBar>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
 #include <QTreeView>
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -28,7 +32,7 @@
 
 namespace tavix::testing {
 
-/// The whole view on the screen, with the sample repository at hand and nothing open.
+/// The whole view on the screen, with a sample repository and no report open.
 class ViewOverSample : public ::testing::Test {
   protected:
     ViewOverSample() { makeView(); }
@@ -49,7 +53,7 @@ class ViewOverSample : public ::testing::Test {
     }
     /// In the order of the page: 0 "Amounts", 1 "Customer keys".
     void selectCollection(int row) {
-        m_view->GetNavigator().ShowPage(NavigatorPage::Collections);
+        navigator().ShowPage(NavigatorPage::Collections);
         auto& tree = *m_view->findChild<QTreeView*>(QStringLiteral("page1"));
         tree.setCurrentIndex(tree.model()->index(row, 0));
     }
@@ -57,7 +61,8 @@ class ViewOverSample : public ::testing::Test {
         return m_view->GetTavixDoc().SetCurrentJob(m_sample.salesRuns.at(static_cast<std::size_t>(number)));
     }
 
-    /// What fills the report pane; fails the test and throws when it is no view with tabs.
+    [[nodiscard]] CTables& navigator() { return *m_view->findChild<CTables*>(); }
+    /// The contents of the report pane; throws unless it is a view with tabs.
     [[nodiscard]] CReportView& report() { return dynamic_cast<CReportView&>(m_view->GetReportPane()); }
     [[nodiscard]] bool isEmptyViewShown() { return m_view->GetItemCode() == -1; }
     static QTabBar& strip(QWidget& view) { return *view.findChild<QTabBar*>(QStringLiteral("tabStrip")); }
@@ -71,7 +76,7 @@ class ViewOverSample : public ::testing::Test {
     }
     [[nodiscard]] CProfTab& tab() { return report().GetTab(report().GetCurrentTab()); }
     static CUGCtrl& grid(QWidget& tab) { return *tab.findChild<CUGCtrl*>(); }
-    /// One of several lists of a tab, by the name that screen readers say.
+    /// One of several lists of a tab, by its accessible name.
     static CUGCtrl& list(QWidget& tab, const char* name) {
         for (CUGCtrl* each : tab.findChildren<CUGCtrl*>()) {
             if (each->accessibleName() == QLatin1String(name))
@@ -97,8 +102,23 @@ class ViewOverSample : public ::testing::Test {
         button(report(), "detachButton").click();
         return *tearOffs().back();
     }
-    bool execute(int command) { return m_view->GetTavixMain().Execute(command); }
-    [[nodiscard]] CommandState stateOf(int command) const { return m_view->GetTavixMain().Update(command); }
+    bool execute(CommandId command) { return m_view->GetTavixMain().Execute(static_cast<int>(command)); }
+    [[nodiscard]] CommandState stateOf(CommandId command) const {
+        return m_view->GetTavixMain().Update(static_cast<int>(command));
+    }
+    /// Calls `act` with the modal dialog that opens next, and cancels the dialog if it is still open then. Counts the
+    /// calls in `acted`.
+    static void inNextDialog(const std::function<void(QDialog&)>& act, int* acted = nullptr) {
+        QTimer::singleShot(0, qApp, [act, acted] {
+            const QPointer<QDialog> dialog(qobject_cast<QDialog*>(QApplication::activeModalWidget()));
+            ASSERT_TRUE(dialog);
+            if (acted)
+                ++*acted;
+            act(*dialog);
+            if (dialog && dialog->isVisible())
+                dialog->reject();
+        });
+    }
     void activate(QWidget& window) {
         QApplication::setActiveWindow(&window);
         ASSERT_TRUE(QTest::qWaitForWindowActive(&window));

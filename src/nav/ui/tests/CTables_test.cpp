@@ -37,7 +37,7 @@ class NavigatorOverSample : public ::testing::Test {
         return *m_navigator.findChild<NavigatorTree*>(QStringLiteral("page%1").arg(page));
     }
     [[nodiscard]] std::string current(int page = 0) { return toUtf8(tree(page).currentIndex().data().toString()); }
-    /// Opens customers and selects its field in that row.
+    /// Expands customers and selects the field in that row.
     void selectFieldOfCustomers(int row) {
         ASSERT_TRUE(m_navigator.SelectTable("Warehouse", "crm", "public", "customers", 0));
         const QModelIndex table = tree().currentIndex();
@@ -72,10 +72,15 @@ TEST_F(NavigatorOverSample, PageTitlesAreWholeWhereThereIsRoomAndToldInAnyCase) 
     EXPECT_EQ("Collections", toUtf8(tabs->tabText(1)));
     EXPECT_EQ("Redundant Data Analyses", toUtf8(tabs->tabText(2)));
     EXPECT_EQ("Redundant Data Analyses", toUtf8(tabs->tabToolTip(2)));
-    EXPECT_FALSE(tabs->IsCut());
+    const auto isCut = [tabs](int index) {
+        constexpr int kLeastPadding = 4;
+        return tabs->tabRect(index).width() <
+               tabs->fontMetrics().horizontalAdvance(tabs->tabText(index)) + 2 * kLeastPadding;
+    };
+    EXPECT_FALSE(isCut(0) || isCut(1) || isCut(2));
     EXPECT_LE(tabs->tabRect(2).right(), tabs->width());
     m_navigator.resize(160, 600);
-    EXPECT_TRUE(tabs->IsCut());
+    EXPECT_TRUE(isCut(2));
     EXPECT_GE(tabs->tabRect(0).width(), tabs->fontMetrics().horizontalAdvance(QStringLiteral("Tables")));
 }
 
@@ -148,7 +153,7 @@ TEST_F(NavigatorOverSample, TypingFindsLoadedNamesOpenedOrNotAndCopyTakesTheName
     EXPECT_TRUE(tree().isExpanded(tree().currentIndex().parent()));
     QTest::keyClick(&tree(), Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ("balance", toUtf8(QApplication::clipboard()->text()));
-    // Fields of tables that nobody opened are not fetched for a search.
+    // A search does not fetch the fields of tables that were never expanded.
     QTest::keyClicks(&tree(), QStringLiteral("zzz"));
     EXPECT_EQ("balance", current());
 }

@@ -1,0 +1,175 @@
+#include "WindowPictures.h"
+
+#include "Album.h"
+#include "FilterPictures.h"
+#include "base/ui/QtText.h"
+#include "shell/ShellWindow.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QDialog>
+#include <QKeyEvent>
+#include <QStackedWidget>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QTableView>
+#include <QTimer>
+#include <QTreeView>
+
+#include <algorithm>
+#include <memory>
+
+namespace tavix::pictures {
+
+using shell::ShellWindow;
+using Veldra::Solenne::Tavix::CommandId;
+using Veldra::Solenne::Tavix::TavixHost;
+
+namespace {
+
+// Opens a modal dialog by a command of the viewer and takes a picture of it, or of each of its pages.
+void takeDialog(TavixHost& host, CommandId id, Album& album, const QString& name) {
+    QTimer::singleShot(kSettleMilliseconds, qApp, [&album, name] {
+        QWidget* dialog = QApplication::activeModalWidget();
+        if (!dialog)
+            return;
+        auto* pages = dialog->findChild<QTabWidget*>();
+        if (!pages)
+            album.take(*dialog, name);
+        for (int page = 0; pages && page < pages->count(); ++page) {
+            pages->setCurrentIndex(page);
+            album.take(*dialog, QStringLiteral("%1-%2").arg(name).arg(page + 1));
+        }
+        dialog->close();
+    });
+    host.ExecuteCommand(static_cast<int>(id));
+}
+
+void pressDown(QWidget& widget) {
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Down, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &press);
+}
+
+QString fileName(const QString& caption) {
+    QString name;
+    for (const QChar c : caption.toLower()) {
+        if (c.isLetterOrNumber())
+            name += c;
+        else if (!name.endsWith(u'-'))
+            name += u'-';
+    }
+    return name;
+}
+
+// Of the report view that is showing; null when none is.
+QTabBar* tabStrip(const ShellWindow& window) {
+    const auto* pane = window.findChild<QStackedWidget*>(QStringLiteral("reportPane"));
+    return pane ? pane->currentWidget()->findChild<QTabBar*>(QStringLiteral("tabStrip")) : nullptr;
+}
+
+// The drill-through window of the visible list, opened by the list's own menu entry.
+void takeDrillThrough(ShellWindow& window, Album& album, const QString& name) {
+    for (auto* list : window.findChildren<QTableView*>()) {
+        const QList<QAction*> actions = list->actions();
+        const auto action = std::find_if(actions.begin(), actions.end(), [](const QAction* each) {
+            return each->objectName() == QLatin1String("drillThrough");
+        });
+        if (!list->isVisible() || action == actions.end())
+            continue;
+        // Tries row after row: a rule without violations opens an empty window.
+        bool isTaken = false;
+        for (int row = 0; row < list->model()->rowCount() && !isTaken; ++row) {
+            list->setCurrentIndex(list->model()->index(row, 0));
+            (*action)->trigger();
+            settle(kPaintMilliseconds);
+            // Deleted here, so that the next search finds the next window.
+            const std::unique_ptr<QDialog> rows(window.findChild<QDialog*>(QStringLiteral("drillThru")));
+            const auto* print = rows ? rows->findChild<QAbstractButton*>(QStringLiteral("print")) : nullptr;
+            isTaken = print && print->isEnabled();
+            if (isTaken)
+                album.take(*rows, name);
+        }
+        return;
+    }
+}
+
+// Every tab of the report view that is showing.
+void takeTabs(ShellWindow& window, Album& album, const QString& name) {
+    auto* strip = tabStrip(window);
+    for (int tab = 0; strip && tab < strip->count(); ++tab) {
+        strip->setCurrentIndex(tab);
+        settle(kPaintMilliseconds);
+        const QString caption = fileName(strip->tabText(tab));
+        album.take(window, QStringLiteral("%1-%2-%3").arg(name).arg(tab + 1).arg(caption));
+        takeDrillThrough(window, album, QStringLiteral("drill-through-%1").arg(caption));
+    }
+    if (strip)
+        strip->setCurrentIndex(0);
+}
+
+void takeNavigatorPages(ShellWindow& window, Album& album) {
+    auto* navigator = window.findChild<QWidget*>(QStringLiteral("navigator"));
+    auto* tabs = navigator ? navigator->findChild<QTabBar*>() : nullptr;
+    if (!tabs)
+        return;
+    takeTabs(window, album, QStringLiteral("table"));
+    for (const int page : {2, 1}) {
+        tabs->setCurrentIndex(page);
+        if (auto* tree = navigator->findChild<QTreeView*>(QStringLiteral("page%1").arg(page))) {
+            tree->setFocus();
+            tree->setCurrentIndex(tree->model()->index(0, 0));
+            tree->expand(tree->currentIndex());
+        }
+        settle(kPaintMilliseconds);
+        album.take(window, page == 1 ? QStringLiteral("collection") : QStringLiteral("analyses"));
+    }
+    tabs->setCurrentIndex(0);
+    if (auto* tree = navigator->findChild<QTreeView*>(QStringLiteral("page0"))) {
+        tree->setFocus();
+        tree->expand(tree->currentIndex());
+        for (int i = 0; i < 3; ++i)
+            pressDown(*tree);
+    }
+    settle(kPaintMilliseconds);
+    takeTabs(window, album, QStringLiteral("field"));
+}
+
+} // namespace
+
+bool takePictures(ShellWindow& window, TavixHost& host, const PictureOptions& options) {
+    Album album(toQString(options.folder));
+    window.resize(1280, 800);
+    window.show();
+    settle();
+    album.take(window, QStringLiteral("welcome"));
+    if (options.repository.empty() || !album.ok())
+        return album.ok();
+    if (!window.openRepository(toQString(options.repository)))
+        return false;
+    if (!options.job.empty() && !window.openReportNamed(options.job))
+        return false;
+    window.showReports();
+    settle();
+    album.take(window, QStringLiteral("reports"));
+    if (!window.showReport())
+        return album.ok();
+    settle();
+    takeNavigatorPages(window, album);
+    if (auto* strip = tabStrip(window)) {
+        strip->setCurrentIndex(1);
+        settle(kPaintMilliseconds);
+        takeFilter(window, host, album);
+        strip->setCurrentIndex(0);
+    }
+    if (!host.ExecuteUpdateUICommand(static_cast<int>(CommandId::ToggleTableInformation)).Checked)
+        host.ExecuteCommand(static_cast<int>(CommandId::ToggleTableInformation));
+    settle();
+    album.take(window, QStringLiteral("table-information"));
+    takeDialog(host, CommandId::Options, album, QStringLiteral("options"));
+    if (host.ExecuteUpdateUICommand(static_cast<int>(CommandId::DeleteHistory)).Enabled)
+        takeDialog(host, CommandId::DeleteHistory, album, QStringLiteral("delete-history"));
+    return album.ok();
+}
+
+} // namespace tavix::pictures
