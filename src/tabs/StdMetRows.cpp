@@ -21,8 +21,6 @@ namespace {
 constexpr int kTextWidth = 130;
 constexpr int kIconWidth = 25;
 
-}
-
 bool belongsTo(const ProfileCursor& alert, const TableIdentity& table) {
     using namespace layout;
     return textAt(alert, AlertTypeCode) == alertTypeCode(AlertSubject::StandardMetric) &&

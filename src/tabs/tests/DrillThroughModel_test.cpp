@@ -1,6 +1,7 @@
 #include "access/PrViewDisplayMessage.h"
 #include "base/GenException.h"
 #include "report/FieldRecords.h"
+#include "report/ReportTables.h"
 #include "tabs/DrillThroughModel.h"
 #include "tabs/tests/SampleDocument.h"
 
