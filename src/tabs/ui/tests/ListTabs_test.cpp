@@ -4,6 +4,7 @@
 #include "doc/tests/TestSite.h"
 #include "grid/ui/CUGCtrl.h"
 #include "report/FieldRecords.h"
+#include "report/ReportTables.h"
 #include "settings/Settings.h"
 #include "support/RunScript.h"
 #include "support/SampleRepository.h"
