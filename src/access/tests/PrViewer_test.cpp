@@ -96,12 +96,12 @@ TEST_F(PrViewerTest, ListsAndSwitchesRuns) {
 
 TEST_F(PrViewerTest, ListsDataSourcesAndTables) {
     EXPECT_THAT(read(m_viewer->getDSNList()), ElementsAre("1|Warehouse|0|6", "2|/data/files|4|1"));
-    EXPECT_THAT(read(m_viewer->getTableList(2)), ElementsAre("Y|6|airports||||||||5|5|2|2"));
+    EXPECT_THAT(read(m_viewer->getTableList(2)), ElementsAre("Y|6|airports||||||||5|5|2|2|0"));
     auto tables = read(m_viewer->getTableList(1));
     ASSERT_EQ(tables.size(), 6U);
-    EXPECT_EQ(tables[0], "Y|1|customers||public|crm|||||1000|1000|7|0");
-    EXPECT_EQ(tables[4], "D|5|customers|german customers|public|crm|customers|country = 'DE'|||1000|120|1|0");
-    EXPECT_EQ(tables[5], "D|7||late orders|||SQL query||SELECT * FROM orders|days late > 3|100|9|1|0");
+    EXPECT_EQ(tables[0], "Y|1|customers||public|crm|||||1000|1000|7|0|0");
+    EXPECT_EQ(tables[4], "D|5|customers|german customers|public|crm|customers|country = 'DE'|||1000|120|1|0|0");
+    EXPECT_EQ(tables[5], "D|7||late orders|||SQL query||SELECT * FROM orders|days late > 3|100|9|1|0|0");
     expectFailure(!m_viewer->getTableList(9), "There is no data source with the number 9.");
 }
 

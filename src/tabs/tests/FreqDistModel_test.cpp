@@ -131,7 +131,7 @@ TEST_F(FreqDistModels, ValuesOfRowsBecomeAFilterOfTheirField) {
     EXPECT_EQ("", m_document.GetFieldFilters().Get(m_subject.field->id, DistributionKind::Pattern));
 
     setFilter("`Count` > 0");
-    m_messages.expectWarn("The filter was written as an expression, so that no value can be added to it. Edit the "
+    m_messages.expectWarn("The filter was written as an expression, so values cannot be added to it. Edit the "
                           "expression, or stop filtering first.");
     EXPECT_FALSE(m_values.model.FilterByRows(std::vector<std::int64_t>{0}, ValueChoice::Exclude));
 }
