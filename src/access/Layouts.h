@@ -56,8 +56,8 @@ enum DsnList {
     DsnKind = 2,
     DsnTables = 3,
 };
-/// TableKindLetter is that of a TableKind. TableFilter is the condition of a filtered table; TableAlternateFilter is shown if
-/// that is empty.
+/// TableKindLetter is that of a TableKind. TableFilter is the condition of a filtered table; TableAlternateFilter is
+/// shown if that is empty.
 enum TableList {
     TableKindLetter = 0,
     TableId = 1,

@@ -1,6 +1,5 @@
 #include "access/SourceRowCursors.h"
 
-
 namespace tavix {
 
 bool MatchRowCursor::next() {

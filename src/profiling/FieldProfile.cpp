@@ -29,7 +29,6 @@ constexpr std::size_t kShortText = repository::kTextPerBlock / repository::kRows
 constexpr std::size_t kRowsPerTask = 16 * repository::kRowsPerBlock;
 constexpr std::size_t kLeastMemory = std::size_t{64} << 10;
 
-
 std::int64_t asInteger(std::uint64_t value) {
     return static_cast<std::int64_t>(value);
 }

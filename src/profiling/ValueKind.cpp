@@ -72,7 +72,8 @@ ValueKind kindOf(std::string_view text) {
     }
     if (first == '-' || first == '+' || first == '.')
         return numberKind(text);
-    return equalsIgnoringAsciiCase(text, "true") || equalsIgnoringAsciiCase(text, "false") ? ValueKind::Boolean : ValueKind::Text;
+    return equalsIgnoringAsciiCase(text, "true") || equalsIgnoringAsciiCase(text, "false") ? ValueKind::Boolean
+                                                                                           : ValueKind::Text;
 }
 
 ValueKind joinedKind(ValueKind a, ValueKind b) {

@@ -7,8 +7,8 @@
 #include <vector>
 
 /// Which ranges of its file hold which values of a field. Values are only distinguished by 16 bits of a hash, the
-/// bucket, so that a listed range may lack the value, but no range that holds it is missing. docs/formats/offset-index.md
-/// describes the format.
+/// bucket, so that a listed range may lack the value, but no range that holds it is missing.
+/// docs/formats/offset-index.md describes the format.
 namespace tavix::repository {
 
 inline constexpr std::uint32_t kOffsetIndexBuckets = 65536;

@@ -173,8 +173,8 @@ Result<CatalogueEntry> findTable(const OdbcConnection& connection, const TableRe
         for (const auto& [address, entry] : found)
             places += fmt::format("{}\"{}\"", places.empty() ? "" : ", ",
                                   std::get<1>(address).empty() ? std::get<0>(address) : std::get<1>(address));
-        return Error{fmt::format("Source \"{}\": the table \"{}\" is in {}. Say which one is meant.",
-                                 connection.name(), request.table, places)};
+        return Error{fmt::format("Source \"{}\": the table \"{}\" is in {}. Say which one is meant.", connection.name(),
+                                 request.table, places)};
     }
     CatalogueEntry entry = std::move(found.begin()->second);
     // An engine without keys, or without a way to query them, has none to show.

@@ -82,7 +82,7 @@ TEST_F(JobFile, MistakesAreNamedWithTheirPlace) {
          "4:16: \"tables[0].delimiter\": expected one character, or the word tab; detected unless stated"},
         {good + "    delimiter: '\"'\n", "4:16: a delimiter is one ASCII character, but not a quote or a line end"},
         {good + "    delimiter: \u00E4\n", "4:16: a delimiter is one ASCII character, but not a quote or a line end"},
-        {good + "    header: 'no'\n", "4:13: \"tables[0].header\": expected true when the first row holds the names of "
+        {good + "    header: 'no'\n", "4:13: \"tables[0].header\": expected true when the first row has the names of "
                                       "the columns, false, or auto; true unless stated"},
         {good + "  - file: sub/a.csv\n", "4:11: there is already a table \"a\"; give this one another name"},
         {good + "    name: b\n    name: c\n", "5:5: the key \"name\" is given twice"},

@@ -72,8 +72,7 @@ TEST_F(FieldRecordsOverSample, RecordsAreKeptUntilTheyAreForgotten) {
 TEST_F(FieldRecordsOverSample, ATableAndACollectionOfOneIdAreKeptApart) {
     const int id = m_sample.tables.at("customers");
     testing::runScript(m_sample.path,
-                       "INSERT OR IGNORE INTO collection(id, name, created) VALUES(" +
-                           std::to_string(id) +
+                       "INSERT OR IGNORE INTO collection(id, name, created) VALUES(" + std::to_string(id) +
                            ", 'Of that id', 0); DELETE FROM collection_field WHERE collection = " + std::to_string(id));
     ReportSelection collection = ofTable("customers", "balance");
     collection.kind = ReportSelection::Kind::Collection;
