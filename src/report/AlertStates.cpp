@@ -3,10 +3,10 @@
 #include "access/CursorText.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
-#include "base/GenException.h"
 #include "base/KvbDatavar.h"
 #include "base/Metrics.h"
 #include "base/NumberText.h"
+#include "report/CheckedCursor.h"
 #include "report/ReportTables.h"
 
 #include <algorithm>
@@ -32,17 +32,17 @@ class Reader {
             ++m_runs;
             m_laterRuns += run.id > m_run ? 1 : 0;
         }
-        const ProfileCursorHandle metrics = checked(viewer.getCustomMetrics(kAllTables));
+        const ProfileCursorHandle metrics = checked(viewer, viewer.getCustomMetrics(kAllTables));
         while (metrics->next())
             m_names[textAt(*metrics, layout::CustomMetricKey)] = textAt(*metrics, layout::CustomMetricName);
-        const ProfileCursorHandle rules = checked(viewer.getBusinessRules(kAllTables));
+        const ProfileCursorHandle rules = checked(viewer, viewer.getBusinessRules(kAllTables));
         while (rules->next())
             m_names[textAt(*rules, layout::RuleKey)] = textAt(*rules, layout::RuleName);
     }
 
     std::vector<AlertState> read() {
         std::vector<AlertState> states;
-        const ProfileCursorHandle alerts = checked(m_viewer.getAlerts());
+        const ProfileCursorHandle alerts = checked(m_viewer, m_viewer.getAlerts());
         while (alerts->next()) {
             AlertState state = readAlert(*alerts);
             if (state.job == m_job)
@@ -52,12 +52,6 @@ class Reader {
     }
 
   private:
-    [[nodiscard]] ProfileCursorHandle checked(ProfileCursorHandle cursor) const {
-        if (!cursor)
-            throw GenException(m_viewer.getErrorString());
-        return cursor;
-    }
-
     AlertState readAlert(const ProfileCursor& alert) {
         AlertState state;
         state.id = alert.getColumnInt(layout::AlertId);
@@ -113,7 +107,7 @@ class Reader {
 
     std::map<std::string, std::string> propertiesOf(int alert) {
         std::map<std::string, std::string> properties;
-        const ProfileCursorHandle cursor = checked(m_viewer.getAlertProperties(alert));
+        const ProfileCursorHandle cursor = checked(m_viewer, m_viewer.getAlertProperties(alert));
         while (cursor->next())
             properties[textAt(*cursor, layout::AlertPropertyName)] = textAt(*cursor, layout::AlertPropertyValue);
         return properties;
@@ -144,6 +138,7 @@ class Reader {
         const std::size_t needed = isChange(rule.comparison) ? static_cast<std::size_t>(rule.runs) : 0;
         for (int limit = m_laterRuns + 1 + static_cast<int>(needed);; limit *= 2) {
             const ProfileCursorHandle history = checked(
+                m_viewer,
                 m_viewer.getFieldHistory(textAt(alert, layout::AlertDsn), textAt(alert, layout::AlertCatalog),
                                          textAt(alert, layout::AlertSchema), textAt(alert, layout::AlertTable),
                                          textAt(alert, layout::AlertObject), textAt(alert, layout::AlertInput), limit));
@@ -155,13 +150,13 @@ class Reader {
     }
 
     Figures customFigures(const std::string& key) {
-        return collect(checked(m_viewer.getCustomMetricHistory(key)), [](const ProfileCursor& row) {
+        return collect(checked(m_viewer, m_viewer.getCustomMetricHistory(key)), [](const ProfileCursor& row) {
             return parseNumber(textAt(row, layout::MetricHistoryOutputValue));
         });
     }
 
     Figures ruleFigures(const std::string& key, const AlertRule& rule) {
-        return collect(checked(m_viewer.getBusinessRuleHistory(key)),
+        return collect(checked(m_viewer, m_viewer.getBusinessRuleHistory(key)),
                        [&](const ProfileCursor& row) -> std::optional<double> {
                            const auto failed = parseNumber(textAt(row, layout::RuleHistoryFailedRows));
                            if (!failed || !rule.ofFailedPercent)

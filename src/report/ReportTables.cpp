@@ -1,67 +1,55 @@
 #include "report/ReportTables.h"
 
+#include "access/CursorText.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
 #include "base/GenException.h"
-#include "base/NumberText.h"
+#include "report/CheckedCursor.h"
 
 namespace tavix {
 
 namespace {
 
-ProfileCursorHandle checked(PrViewer& viewer, ProfileCursorHandle cursor) {
-    if (!cursor)
-        throw GenException(viewer.getErrorString());
-    return cursor;
-}
-
-std::string text(const ProfileCursor& cursor, int column) {
-    return cursor.getColumnValue(column).str();
-}
-
-std::int64_t count(const ProfileCursor& cursor, int column, std::int64_t ofNull) {
-    return cursor.isColumnNull(column) ? ofNull : parseInteger(text(cursor, column)).value_or(ofNull);
-}
-
 TableIdentity readTable(const ProfileCursor& cursor, const std::string& dataSourceName) {
     using namespace layout;
     TableIdentity table;
-    table.kind = tableKindOf(text(cursor, TableKindLetter)).value_or(TableKind::Plain);
+    table.kind = tableKindOf(textAt(cursor, TableKindLetter)).value_or(TableKind::Plain);
     table.id = cursor.getColumnInt(TableId);
     table.dataSource = dataSourceName;
-    table.catalog = text(cursor, TableCatalog);
-    table.schema = text(cursor, TableSchema);
-    table.name = text(cursor, TableName);
-    table.objectName = text(cursor, TableObjectName);
-    table.baseTable = text(cursor, TableBase);
-    table.query = text(cursor, TableQuery);
-    table.filter = text(cursor, TableFilter);
+    table.catalog = textAt(cursor, TableCatalog);
+    table.schema = textAt(cursor, TableSchema);
+    table.name = textAt(cursor, TableName);
+    table.objectName = textAt(cursor, TableObjectName);
+    table.baseTable = textAt(cursor, TableBase);
+    table.query = textAt(cursor, TableQuery);
+    table.filter = textAt(cursor, TableFilter);
     if (table.filter.empty())
-        table.filter = text(cursor, TableAlternateFilter);
-    table.totalRecords = count(cursor, TableTotalRecords, -1);
-    table.processedRecords = count(cursor, TableProcessedRecords, -1);
-    table.damagedRecords = count(cursor, TableDamagedRecords, 0);
-    table.fields = count(cursor, TableFields, 0);
+        table.filter = textAt(cursor, TableAlternateFilter);
+    table.totalRecords = int64Or(cursor, TableTotalRecords, -1);
+    table.processedRecords = int64Or(cursor, TableProcessedRecords, -1);
+    table.damagedRecords = int64Or(cursor, TableDamagedRecords, 0);
+    table.fields = int64Or(cursor, TableFields, 0);
     table.isSample = cursor.getColumnInt(TableIsSample) != 0;
     return table;
 }
 
 NamedField readFieldName(const ProfileCursor& cursor) {
-    return {cursor.getColumnInt(layout::FieldId), text(cursor, layout::FieldName), text(cursor, layout::FieldTypeCode)};
+    return {cursor.getColumnInt(layout::FieldId), textAt(cursor, layout::FieldName),
+            textAt(cursor, layout::FieldTypeCode)};
 }
 
 FieldRecord readField(const ProfileCursor& cursor, int firstMetric) {
     using namespace layout;
     FieldRecord field;
     field.id = cursor.getColumnInt(FieldId);
-    field.name = text(cursor, layout::FieldName);
-    field.typeCode = text(cursor, FieldTypeCode);
+    field.name = textAt(cursor, layout::FieldName);
+    field.typeCode = textAt(cursor, FieldTypeCode);
     for (std::size_t i = 0; i < field.metrics.size(); ++i)
         field.metrics[i] = cursor.getColumnValue(firstMetric + static_cast<int>(i));
-    field.freqCount = count(cursor, tailColumn(firstMetric, TailFreqCount), 0);
-    field.patternCount = count(cursor, tailColumn(firstMetric, TailPatternCount), 0);
+    field.freqCount = int64Or(cursor, tailColumn(firstMetric, TailFreqCount), 0);
+    field.patternCount = int64Or(cursor, tailColumn(firstMetric, TailPatternCount), 0);
     field.tableId = cursor.getColumnInt(tailColumn(firstMetric, TailTableId));
-    field.quantileRule = text(cursor, tailColumn(firstMetric, TailQuantileRule));
+    field.quantileRule = textAt(cursor, tailColumn(firstMetric, TailQuantileRule));
     return field;
 }
 
@@ -72,7 +60,7 @@ std::vector<RunInfo> readRuns(PrViewer& viewer) {
     const ProfileCursorHandle rows = checked(viewer, viewer.getJobs());
     while (rows->next())
         runs.push_back({rows->getColumnInt(layout::JobRunId), rows->getColumnDouble(layout::JobDate),
-                        text(*rows, layout::JobDescription)});
+                        textAt(*rows, layout::JobDescription)});
     return runs;
 }
 
@@ -89,7 +77,7 @@ std::vector<TableIdentity> readTables(PrViewer& viewer) {
     const ProfileCursorHandle sources = checked(viewer, viewer.getDSNList());
     while (sources->next()) {
         std::vector<TableIdentity> tables =
-            readTables(viewer, sources->getColumnInt(layout::DsnId), text(*sources, layout::DsnName));
+            readTables(viewer, sources->getColumnInt(layout::DsnId), textAt(*sources, layout::DsnName));
         all.insert(all.end(), std::make_move_iterator(tables.begin()), std::make_move_iterator(tables.end()));
     }
     return all;

@@ -6,6 +6,7 @@
 #include "base/Metrics.h"
 #include "base/NumberText.h"
 #include "base/TypeWords.h"
+#include "report/CheckedCursor.h"
 #include "report/DistributionComparison.h"
 #include "report/DistributionShare.h"
 #include "report/ReportTables.h"
@@ -22,12 +23,6 @@ using Subject = RunChange::Subject;
 using Kind = RunChange::Kind;
 
 constexpr std::int64_t kRowsPerPulse = 4096;
-
-ProfileCursorHandle checked(PrViewer& viewer, ProfileCursorHandle cursor) {
-    if (!cursor)
-        throw GenException(viewer.getErrorString());
-    return cursor;
-}
 
 /// The number that the text is, provided it is written digit for digit as we write it; else the text.
 KvbDatavar numberOrText(const KvbString& text) {

@@ -18,8 +18,8 @@ namespace {
 
 /// The repository version that added checksums.
 constexpr std::int64_t kFirstVersion = 7;
-/// The version of the rows and columns covered, that is, of the queries below. Whoever changes a query or covers
-/// another column increments it and keeps reading the older form.
+/// The version of the rows and columns covered, that is, of the queries below. A change of a query or of the
+/// columns increments it, and the older form remains readable.
 constexpr int kForm = 1;
 /// Rows of fields that are read in about a millisecond.
 constexpr std::int64_t kFewFields = 500;

@@ -15,7 +15,7 @@
 
 namespace tavix::source {
 
-/// What stands for null in the tests' texts.
+/// The text of a null in the expected rows.
 inline const std::string kNull = "NULL";
 
 /// What all tests of the program share: the driver manager reads its files once.

@@ -33,7 +33,7 @@ class FileLocks : public ::testing::Test {
     std::string m_path = m_folder.file("a.db");
 };
 
-TEST_F(FileLocks, OutliveWhoeverOpensAndClosesTheFile) {
+TEST_F(FileLocks, OutliveOthersThatOpenAndCloseTheFile) {
     auto first = open(OpenMode::Create);
     ASSERT_TRUE(first->enableConcurrency());
     ASSERT_TRUE(first->execute("CREATE TABLE t(a)"));

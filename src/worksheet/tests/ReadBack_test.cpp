@@ -15,7 +15,7 @@
 #include <vector>
 
 /// Readers that are not ours have to find every cell: check_worksheet.py starts them and compares with a list of the
-/// cells that stands beside each workbook.
+/// cells that is written beside each workbook.
 namespace tavix::worksheet {
 namespace {
 
@@ -214,7 +214,7 @@ void addRows(Sample& sample) {
         sample.nextRow();
         sample.integer(1, row);
     }
-    // What does not fit stands behind the header of the next sheet.
+    // Rows that do not fit follow the header of the next sheet.
     sample.expect("More", kMaxRows - 1, 0, 'h', hexadecimal("Continued on worksheet \"More (2)\""));
     sample.expect("More (2)", 0, 0, 'h', hexadecimal("Head"));
     sample.expect("More (2)", 0, 1, 'h', hexadecimal("Line"));
