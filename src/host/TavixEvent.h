@@ -36,7 +36,8 @@ class TavixEvent {
     /// Called by the host.
     void Raise(Arguments... arguments) const {
         const std::shared_ptr<const std::vector<Entry>> handlers = m_handlers;
-        const std::vector<Entry> now = *handlers;
+        // A handler may attach or detach others.
+        const std::vector<Entry> now = *handlers; // NOLINT(performance-unnecessary-copy-initialization)
         for (const Entry& entry : now) {
             const bool attached = std::any_of(handlers->begin(), handlers->end(),
                                               [&entry](const Entry& each) { return each.first == entry.first; });

