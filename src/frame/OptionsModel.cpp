@@ -23,6 +23,8 @@ OptionsModel::OptionsModel(const SettingsStore& store, std::vector<MetricDisplay
     values.newestNotesFirst = readFlag(store, Setting::NotesSortOrder);
     values.hideWelcome = readFlag(store, Setting::HideWelcomeDialog);
     values.statFont = readStatFont(store);
+    values.defaultLocale = readText(store, Setting::DefaultLocale);
+    values.overrideFieldWidths = readFlag(store, Setting::OverrideFieldWidths);
 }
 
 std::optional<OptionProblem> OptionsModel::Check() const {
@@ -39,6 +41,8 @@ Status OptionsModel::Save(SettingsStore& store) const {
     outcomes.push_back(writeFlag(store, Setting::NotesSortOrder, values.newestNotesFirst));
     outcomes.push_back(writeFlag(store, Setting::HideWelcomeDialog, values.hideWelcome));
     outcomes.push_back(writeStatFont(store, values.statFont));
+    outcomes.push_back(writeText(store, Setting::DefaultLocale, values.defaultLocale));
+    outcomes.push_back(writeFlag(store, Setting::OverrideFieldWidths, values.overrideFieldWidths));
     const auto failed = std::find_if(outcomes.begin(), outcomes.end(), [](const Status& s) { return !s.ok(); });
     return failed == outcomes.end() ? Status() : *failed;
 }

@@ -10,8 +10,7 @@
 
 namespace tavix {
 
-/// The settings that the Options sheet edits, apart from the metrics. OverrideFieldWidths and DefaultLocale are not
-/// among them: nothing reads these two before there is a knowledge base.
+/// The settings that the Options sheet edits, apart from the metrics.
 struct OptionValues {
     int maxChartVals = 0;
     int maxFreqVals = 0;
@@ -23,6 +22,8 @@ struct OptionValues {
     bool newestNotesFirst = false;
     bool hideWelcome = false;
     DataFont statFont;
+    std::string defaultLocale;
+    bool overrideFieldWidths = false;
 
     bool operator==(const OptionValues&) const = default;
 };

@@ -24,7 +24,7 @@ TEST(OptionsModel, ValuesComeFromTheSettingsAndGoBack) {
     EXPECT_EQ(model.values.maxDrillThruRows, 1000);
     EXPECT_FALSE(model.values.newestNotesFirst);
 
-    model.values = {5, 6, 7, 8, 9, 30, 40, true, true, {"Mono", 1, 120, true, true}};
+    model.values = {5, 6, 7, 8, 9, 30, 40, true, true, {"Mono", 1, 120, true, true}, "en_US", true};
     ASSERT_TRUE(model.Save(*store));
     EXPECT_EQ(OptionsModel(*store, {}).values, model.values);
     EXPECT_EQ(store->read("TAVIX", "SecondRDAThreshold"), "40");

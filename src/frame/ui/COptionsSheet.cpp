@@ -3,6 +3,7 @@
 #include "base/ui/NestedLoop.h"
 #include "doc/CTavixDoc.h"
 #include "frame/ui/CGeneralPage.h"
+#include "frame/ui/CKnowledgePage.h"
 #include "frame/ui/CMetricsPage.h"
 
 #include <QDialogButtonBox>
@@ -17,12 +18,14 @@ COptionsSheet::COptionsSheet(OptionsModel model, Messages& messages, QWidget* pa
       m_messages(messages),
       m_pages(new QTabWidget(this)),
       m_general(new CGeneralPage(m_model.values)),
-      m_metrics(new CMetricsPage(m_model)) {
+      m_metrics(new CMetricsPage(m_model)),
+      m_knowledge(new CKnowledgePage(m_model.values)) {
     setWindowTitle(tr("Options"));
     m_pages->setObjectName(QStringLiteral("pages"));
     m_pages->setAccessibleName(tr("Pages of the options"));
     m_pages->addTab(m_general, tr("&General"));
     m_pages->addTab(m_metrics, tr("&Metrics"));
+    m_pages->addTab(m_knowledge, tr("&Knowledge Base"));
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
 
     auto* layout = new QVBoxLayout(this);
@@ -35,6 +38,7 @@ COptionsSheet::COptionsSheet(OptionsModel model, Messages& messages, QWidget* pa
 
 void COptionsSheet::accept() {
     m_general->Store();
+    m_knowledge->Store();
     if (const auto problem = m_model.Check()) {
         m_messages.warn(problem->text);
         m_pages->setCurrentWidget(m_general);

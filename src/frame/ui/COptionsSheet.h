@@ -10,10 +10,11 @@ class QTabWidget;
 namespace tavix {
 
 class CGeneralPage;
+class CKnowledgePage;
 class CMetricsPage;
 class CTavixDoc;
 
-/// The modal "Options" sheet: a page of general options and one of metrics.
+/// The modal "Options" sheet of three pages.
 class COptionsSheet final : public QDialog {
     Q_OBJECT
 
@@ -35,6 +36,7 @@ class COptionsSheet final : public QDialog {
     QTabWidget* m_pages;
     CGeneralPage* m_general;
     CMetricsPage* m_metrics;
+    CKnowledgePage* m_knowledge;
 };
 
 } // namespace tavix

@@ -77,11 +77,11 @@ TEST_F(OptionsSheetTest, ThresholdsInTheWrongOrderKeepTheSheetOpen) {
     show(sheet);
     EXPECT_EQ(sheet.windowTitle(), QStringLiteral("Options"));
     auto* pages = child<QTabWidget>(sheet, "pages");
-    ASSERT_EQ(pages->count(), 2);
+    ASSERT_EQ(pages->count(), 3);
     auto* second = child<QSpinBox>(sheet, "SecondRDAThreshold");
     type(child<QSpinBox>(sheet, "FirstRDAThreshold"), "30");
     type(second, "20");
-    pages->setCurrentIndex(1);
+    pages->setCurrentIndex(2);
     m_messages.expectWarn("The second RDA warning threshold must be greater than or equal to the first");
     okButton(sheet)->click();
     EXPECT_TRUE(sheet.isVisible());
@@ -103,10 +103,12 @@ TEST_F(OptionsSheetTest, EveryControlReachesTheValues) {
     child<QCheckBox>(sheet, "HideWelcomeDialog")->click();
     child<QCheckBox>(sheet, "ownFont")->click();
     child<QFontComboBox>(sheet, "StatFontName")->setEditText(QStringLiteral("Some Font"));
+    child<QLineEdit>(sheet, "DefaultLocale")->setText(QStringLiteral(" en_US "));
+    child<QCheckBox>(sheet, "OverrideFieldWidths")->click();
     okButton(sheet)->click();
     ASSERT_EQ(sheet.result(), QDialog::Accepted);
     const OptionValues expected = {
-        12, 2'000'000'000, 100, 100, 1000, 20, 50, true, true, {"Some Font", 1, 90, false, false}};
+        12, 2'000'000'000, 100, 100, 1000, 20, 50, true, true, {"Some Font", 1, 90, false, false}, "en_US", true};
     EXPECT_EQ(sheet.Model().values, expected);
 }
 
@@ -212,7 +214,7 @@ TEST(Dialogs, DrawInBothSchemes) {
         QApplication::setPalette(palette);
         COptionsSheet sheet({*store, standardMetricDisplay(*store)}, messages);
         show(sheet);
-        for (int page = 0; page < 2; ++page) {
+        for (int page = 0; page < 3; ++page) {
             child<QTabWidget>(sheet, "pages")->setCurrentIndex(page);
             shoot(sheet, qPrintable(QStringLiteral("options%1-%2").arg(page + 1).arg(QLatin1String(scheme))));
         }
