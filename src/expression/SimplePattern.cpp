@@ -14,7 +14,7 @@ constexpr int kMostRepetitions = 200;
 
 AsciiSet range(char first, char last) {
     AsciiSet set;
-    for (int c = first; c <= last; ++c)
+    for (int c = static_cast<unsigned char>(first); c <= static_cast<unsigned char>(last); ++c)
         set.set(static_cast<std::size_t>(c));
     return set;
 }

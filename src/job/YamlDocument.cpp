@@ -187,9 +187,9 @@ std::size_t skipProperties(std::string_view text, std::size_t at) {
 std::size_t quotedEnd(std::string_view text, std::size_t start) {
     const char quote = text[start];
     for (std::size_t at = start + 1; at < text.size(); ++at) {
-        if (quote == '"' && text[at] == '\\')
-            ++at;
-        else if (text[at] == quote && quote == '\'' && text.substr(at + 1).starts_with(quote))
+        const bool isEscape = quote == '"' && text[at] == '\\';
+        const bool isDoubled = quote == '\'' && text[at] == quote && text.substr(at + 1).starts_with(quote);
+        if (isEscape || isDoubled)
             ++at;
         else if (text[at] == quote)
             return at + 1;

@@ -16,7 +16,7 @@ constexpr double kUsualWidth = 8.43;
 /// Space on both sides of a text, in digits.
 constexpr double kMargin = 1.5;
 
-enum SubstreamKind : std::uint32_t { kGlobals = 0x0005, kWorksheet = 0x0010 };
+enum SubstreamKind : std::uint32_t { Globals = 0x0005, Worksheet = 0x0010 };
 
 void putStart(std::string& out, SubstreamKind kind) {
     putHeader(out, RecordId::Bof, 16);
@@ -63,7 +63,7 @@ void putSheetEntry(std::string& out, const std::string& name, std::int64_t posit
 /// The records before the shared strings. Their length does not depend on the positions.
 std::string globals(const std::vector<SheetImage>& sheets, const std::vector<std::int64_t>& positions) {
     std::string out;
-    putStart(out, kGlobals);
+    putStart(out, Globals);
     putHeader(out, RecordId::CodePage, 2);
     put16(out, kUtf16CodePage);
     putWindow(out);
@@ -93,7 +93,7 @@ void putColumnWidths(std::string& out, const ColumnWidths& widths) {
 
 std::string beforeCells(const SheetImage& sheet) {
     std::string out;
-    putStart(out, kWorksheet);
+    putStart(out, Worksheet);
     putColumnWidths(out, *sheet.widths);
     putHeader(out, RecordId::Dimensions, 14);
     put32(out, sheet.extent.firstRow);
