@@ -34,10 +34,10 @@ std::size_t firstRowThat(std::size_t first, std::size_t last, Test isBehind) {
 
 } // namespace
 
-Result<std::unique_ptr<DistributionFilter>> DistributionFilter::compile(std::string_view text) {
+Result<std::unique_ptr<DistributionFilter>> DistributionFilter::compile(std::string_view text, std::int64_t now) {
     if (const std::string_view fault = faultOfUnfinished(text); !fault.empty())
         return Error{fmt::format("The filter was saved unfinished: {}.", shortened(fault, kLongestFault))};
-    const expression::Compiled compiled = compileFilter(text);
+    const expression::Compiled compiled = compileFilter(text, now);
     if (!compiled.ok())
         return Error{fmt::format("The filter is not understood: {}", expression::describe(compiled.error))};
     try {

@@ -103,7 +103,8 @@ Status addCondition(const DrillTable& table, DrillSource& source) {
     std::vector<expression::Field> fields;
     for (const std::string& name : source.reader->columnNames())
         fields.push_back({name, expression::Type::Text});
-    const expression::Compiled compiled = expression::compile(table.filter, fields, expression::Wanted::Condition);
+    const expression::Compiled compiled =
+        expression::compile(table.filter, fields, expression::Wanted::Condition, table.now);
     if (!compiled.ok())
         return Error{
             fmt::format("The condition of the table \"{}\": {}", table.name, expression::describe(compiled.error))};

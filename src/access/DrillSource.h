@@ -67,7 +67,8 @@ struct DrillTable {
     std::string name;  ///< as displayed
     std::string field; ///< the field of the drill-down
     std::vector<Column> columns;
-    std::string filter; ///< the condition of a filtered table, else empty
+    std::string filter;   ///< the condition of a filtered table, else empty
+    std::int64_t now = 0; ///< what now() means in it: the start of the run
     std::optional<TextFile> file;
     std::optional<Database> database;
     bool isSampled = false; ///< the run counted only some of the rows

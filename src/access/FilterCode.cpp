@@ -17,10 +17,10 @@ FilterCode codeOf(std::string_view filterText) {
     return {filterText.substr(block.size()), static_cast<int>(std::count(block.begin(), block.end(), '\n'))};
 }
 
-expression::Compiled compileFilter(std::string_view filterText) {
+expression::Compiled compileFilter(std::string_view filterText, std::int64_t now) {
     static const std::array<expression::Field, FilterColumns> kFields{
         expression::Field{"Value", expression::Type::Text}, expression::Field{"Count", expression::Type::Integer}};
-    return expression::compile(codeOf(filterText).text, kFields, expression::Wanted::Condition);
+    return expression::compile(codeOf(filterText).text, kFields, expression::Wanted::Condition, now);
 }
 
 std::string_view faultOfUnfinished(std::string_view filterText) {

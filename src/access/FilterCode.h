@@ -2,6 +2,7 @@
 
 #include "expression/Program.h"
 
+#include <cstdint>
 #include <string_view>
 
 /// A filter text: an optional condition block, then code for the rows of a distribution. docs/formats/filter.md
@@ -20,8 +21,10 @@ struct FilterCode {
 /// The fields of a distribution's rows, in the order that programs require.
 enum FilterColumn { ValueColumn, CountColumn, FilterColumns };
 
-/// Compiles the code as a condition. Error positions count within the code, because the block is never shown beside it.
-[[nodiscard]] expression::Compiled compileFilter(std::string_view filterText);
+/// Compiles the code as a condition, in which now() means the date `now`. Error positions count within the code,
+/// because the block is never shown beside it.
+[[nodiscard]] expression::Compiled compileFilter(std::string_view filterText,
+                                                 std::int64_t now = expression::thisMoment());
 
 /// Why a condition list was saved without code: "Condition list cannot end with AND or OR". "" for all other texts.
 [[nodiscard]] std::string_view faultOfUnfinished(std::string_view filterText);

@@ -160,6 +160,10 @@ Status PrViewer::Impl::readFiles(int ofRun, int table, DrillTable::TextFile& fil
 
 Result<DrillTable> PrViewer::Impl::drillTable(int ofRun, int field) const {
     DrillTable table;
+    const auto started = startOf(ofRun);
+    if (!started)
+        return started.error();
+    table.now = *started;
     {
         const auto row = tableOfField(ofRun, field);
         if (!row)
@@ -199,7 +203,7 @@ Result<WantedRows> PrViewer::Impl::wantedRows(int ofRun, int field, const KvbStr
     if (isPattern)
         return WantedRows{WantedRows::Kind::Pattern, value.str()};
     if (value.isEmpty()) {
-        const auto hasEmpty = integer(kHasEmptyText, {ofRun, field}, "The run was deleted. Choose another one.");
+        const auto hasEmpty = integer(kHasEmptyText, {ofRun, field}, kRunWasDeleted);
         if (!hasEmpty)
             return hasEmpty.error();
         if (*hasEmpty == 0)

@@ -87,7 +87,7 @@ Status PrViewer::Impl::requireJob() const {
 Status PrViewer::Impl::requireRun() const {
     if (auto ready = requireJob(); !ready)
         return ready;
-    auto found = integer("SELECT 1 FROM run WHERE id = ?1", {run}, "The run was deleted. Choose another one.");
+    auto found = integer("SELECT 1 FROM run WHERE id = ?1", {run}, kRunWasDeleted);
     return found ? Status{} : Status{found.error()};
 }
 

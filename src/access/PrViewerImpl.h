@@ -34,6 +34,8 @@ struct KeyedKind {
     std::string_view find; ///< a query with a row if the number exists
 };
 
+inline constexpr std::string_view kRunWasDeleted = "The run was deleted. Choose another one.";
+
 struct PrViewer::Impl {
     std::string path;
     std::shared_ptr<ViewerSession> session;
@@ -102,6 +104,8 @@ struct PrViewer::Impl {
 
     /// The current run if it has the field, else the latest run of any report that has it.
     [[nodiscard]] Result<int> runOfField(int field) const;
+    /// When the run began, in units of base/DateTicks.h.
+    [[nodiscard]] Result<std::int64_t> startOf(int ofRun) const;
     /// A number stored for the field in that run; `sql` takes the run and the field.
     [[nodiscard]] Result<std::int64_t> fieldNumber(std::string_view sql, int field) const;
     /// As the result of an operation: -1 on failure.

@@ -1,5 +1,7 @@
 #include "access/PrViewerImpl.h"
 
+#include "base/DateTicks.h"
+
 #include <fmt/format.h>
 
 namespace tavix {
@@ -33,6 +35,13 @@ Result<int> PrViewer::Impl::runOfField(int field) const {
     if (!found)
         return found.error();
     return static_cast<int>(*found);
+}
+
+Result<std::int64_t> PrViewer::Impl::startOf(int ofRun) const {
+    const auto milliseconds = integer("SELECT started FROM run WHERE id = ?1", {ofRun}, kRunWasDeleted);
+    if (!milliseconds)
+        return milliseconds.error();
+    return ticksOf(UtcTime(std::chrono::milliseconds(*milliseconds)));
 }
 
 Result<std::int64_t> PrViewer::Impl::fieldNumber(std::string_view sql, int field) const {
@@ -69,7 +78,10 @@ ProfileCursorHandle PrViewer::Impl::openFieldDistribution(std::string_view opera
         return failCursor(ofRun.error());
     std::unique_ptr<DistributionFilter> compiled;
     if (!filter.isEmpty()) {
-        auto result = DistributionFilter::compile(filter.view());
+        const auto started = startOf(*ofRun);
+        if (!started)
+            return failCursor(started.error());
+        auto result = DistributionFilter::compile(filter.view(), *started);
         if (!result)
             return failCursor(result.error());
         compiled = std::move(*result);

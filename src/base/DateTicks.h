@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Clock.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -17,6 +19,10 @@ inline constexpr std::int64_t kTicksPerDay = 86'400 * kTicksPerSecond;
 [[nodiscard]] std::optional<std::int64_t> parseDate(std::string_view text);
 /// "2026-11-21", followed by " 08:15:00" unless the time is midnight, and by a fraction if there is one.
 [[nodiscard]] std::string formatDate(std::int64_t ticks);
+
+[[nodiscard]] constexpr std::int64_t ticksOf(UtcTime time) {
+    return time.time_since_epoch().count() * (kTicksPerSecond / 1000);
+}
 
 /// Days since 1970-01-01, rounded down.
 [[nodiscard]] std::int64_t dayOf(std::int64_t ticks);

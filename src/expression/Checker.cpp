@@ -1,6 +1,7 @@
 #include "expression/Checker.h"
 
 #include "base/Characters.h"
+#include "base/DateTicks.h"
 #include "base/NearestWord.h"
 #include "base/NumberText.h"
 #include "expression/FixedPatterns.h"
@@ -24,8 +25,8 @@ constexpr const char* kTextOfDate = "; totext(...) makes texts of dates";
 
 class Builder {
   public:
-    Builder(std::size_t size, std::span<const Field> fields, Wanted wanted)
-        : m_fields(fields), m_wanted(wanted), m_folder(size) {}
+    Builder(std::size_t size, std::span<const Field> fields, Wanted wanted, std::int64_t now)
+        : m_fields(fields), m_wanted(wanted), m_now(now), m_folder(size) {}
 
     NodePtr result(const Syntax& syntax) { return m_wanted == Wanted::Condition ? condition(syntax) : build(syntax); }
     [[nodiscard]] std::optional<ExpressionError> takeError() { return std::move(m_error); }
@@ -292,7 +293,10 @@ class Builder {
         for (std::size_t i = 0; i < arguments.size(); ++i) {
             const Position at = syntax.children[i]->at;
             const char letter = function->parameters[std::min(i, function->parameters.size() - 1)];
-            arguments[i] = converted(std::move(arguments[i]), hasDates && i < 2 ? Type::Date : typeOf(letter), at);
+            Type type = hasDates && i < 2 ? Type::Date : typeOf(letter);
+            if (function->form == Form::DateOfForm && i == 0 && count > 1)
+                type = Type::Text;
+            arguments[i] = converted(std::move(arguments[i]), type, at);
             if (!arguments[i])
                 return nullptr;
             if (letter == 'S' && !isFixedText(*arguments[i]))
@@ -326,6 +330,19 @@ class Builder {
                 return withPattern(std::move(arguments), std::move(matcher), syntax);
             }
             break;
+        case Form::Extraction:
+            return prepared(function, m_patterns.extraction(arguments[1]->text), arguments, syntax);
+        case Form::Replacement:
+            return prepared(function, m_patterns.replacement(arguments[1]->text, arguments[2]->text), arguments,
+                            syntax);
+        case Form::DateOfForm:
+            if (arguments.size() > 1)
+                return prepared(function, prepareDateForm(arguments[1]->text), arguments, syntax);
+            break;
+        case Form::Now:
+            return makeConstant(Value::ofDate(m_now));
+        case Form::Today:
+            return makeConstant(Value::ofDate(dayOf(m_now) * kTicksPerDay));
         case Form::FirstNonNull:
         case Form::OneType:
         case Form::InList:
@@ -348,9 +365,21 @@ class Builder {
         return node;
     }
 
+    /// A call of a function that was prepared for its fixed arguments; an error is about the second one.
+    NodePtr prepared(const Function& function, const Prepared& ready, std::vector<NodePtr>& arguments,
+                     const Syntax& syntax) {
+        if (!ready)
+            return fail(syntax.children[1]->at, ready.error().text);
+        NodePtr node = made(NodeKind::Call, typeOf(function.result), std::move(arguments));
+        node->function = &function;
+        node->prepared = *ready;
+        return node;
+    }
+
     bool bringToOneType(std::vector<NodePtr>& arguments, const Function& function, const Syntax& syntax) {
-        const bool isOrder =
-            function.implementation == number_functions::greatest || function.implementation == number_functions::least;
+        const bool isOrder = function.implementation == number_functions::greatest ||
+                             function.implementation == number_functions::least ||
+                             function.implementation == number_functions::between;
         const bool isChoice = function.form == Form::FirstNonNull;
         const Unification unification = isChoice  ? Unification::Chosen
                                         : isOrder ? Unification::Ordered
@@ -376,6 +405,7 @@ class Builder {
 
     std::span<const Field> m_fields;
     Wanted m_wanted;
+    std::int64_t m_now;
     ConstantFolder m_folder;
     FixedPatterns m_patterns;
     std::optional<ExpressionError> m_error;
@@ -384,8 +414,8 @@ class Builder {
 
 } // namespace
 
-Checked check(const Syntax& syntax, std::size_t size, std::span<const Field> fields, Wanted wanted) {
-    Builder builder(size, fields, wanted);
+Checked check(const Syntax& syntax, std::size_t size, std::span<const Field> fields, Wanted wanted, std::int64_t now) {
+    Builder builder(size, fields, wanted, now);
     NodePtr tree = builder.result(syntax);
     return {std::move(tree), builder.takeError(), builder.takeRemark()};
 }

@@ -5,6 +5,7 @@
 #include "expression/Syntax.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -32,7 +33,8 @@ struct Checked {
 };
 
 /// Resolves names and types and evaluates constants. A field is found by its exact name, or else by its name in any
-/// case when only one field has it. `size`: bytes of the text, which bound the memory.
-[[nodiscard]] Checked check(const Syntax& syntax, std::size_t size, std::span<const Field> fields, Wanted wanted);
+/// case when only one field has it. `size`: bytes of the text, which bound the memory. `now`: see compile().
+[[nodiscard]] Checked check(const Syntax& syntax, std::size_t size, std::span<const Field> fields, Wanted wanted,
+                            std::int64_t now);
 
 } // namespace tavix::expression

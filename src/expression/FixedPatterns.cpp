@@ -29,14 +29,20 @@ bool FixedPatterns::mayHaveAutomaton() const {
     return m_regulars.size() + m_wildcards.size() < kMostAutomata;
 }
 
+Status FixedPatterns::roomForAnother() const {
+    if (expressions() < kMostRegulars)
+        return {};
+    return Error{fmt::format("an expression has at most {} different regular expressions", kMostRegulars)};
+}
+
 FixedPatterns::Made FixedPatterns::regular(const std::string& pattern) {
     const auto known = m_regulars.find(pattern);
     if (known != m_regulars.end())
         return known->second;
-    if (m_regulars.size() == kMostRegulars)
-        return Error{fmt::format("an expression has at most {} different regular expressions", kMostRegulars)};
+    if (const Status room = roomForAnother(); !room)
+        return room.error();
     std::string reason;
-    auto made = makeRegularExpression(pattern, {memoryOf(m_regulars.size()), mayHaveAutomaton()}, reason);
+    auto made = makeRegularExpression(pattern, {memoryOf(expressions()), mayHaveAutomaton()}, reason);
     if (!made)
         return Error{fmt::format("this is not a regular expression: {}", reason)};
     return m_regulars.emplace(pattern, std::move(made)).first->second;
@@ -49,6 +55,18 @@ FixedPatterns::Made FixedPatterns::wildcard(const std::string& pattern) {
     if (pattern.size() > kLongestWildcard)
         return Error{fmt::format("the pattern is longer than {} bytes", kLongestWildcard)};
     return m_wildcards.emplace(pattern, std::make_shared<Wildcard>(pattern, mayHaveAutomaton())).first->second;
+}
+
+Prepared FixedPatterns::extraction(std::string_view pattern) {
+    if (const Status room = roomForAnother(); !room)
+        return room.error();
+    return prepareExtraction(pattern, memoryOf(m_searches++ + m_regulars.size()));
+}
+
+Prepared FixedPatterns::replacement(std::string_view pattern, std::string_view replacement) {
+    if (const Status room = roomForAnother(); !room)
+        return room.error();
+    return prepareReplacement(pattern, replacement, memoryOf(m_searches++ + m_regulars.size()));
 }
 
 } // namespace tavix::expression

@@ -22,7 +22,8 @@ struct Hint {
 constexpr std::string_view kOverRows =
     "for counts, sums and averages of rows use a custom metric (count:, sum:, average:)";
 
-constexpr std::string_view kToday = "write the date itself, as in '2026-11-21'";
+constexpr std::string_view kToday = "write today()";
+constexpr std::string_view kNow = "write now()";
 constexpr std::string_view kConversions = "write tonumber(...), tointeger(...), totext(...) or todate(...)";
 constexpr std::string_view kChoice = "write if condition then return a else return b";
 
@@ -43,10 +44,10 @@ constexpr auto kFunctions = std::to_array<Hint>({
     {"decimal", "write tonumber"},
     {"endswith", "write ends_with"},
     {"float", "write tonumber"},
-    {"getdate", kToday},
+    {"getdate", kNow},
     {"greatest", "write max"},
     {"iif", kChoice},
-    {"in", "write inlist(value, a, b, ...)"},
+    {"in", "write value in (a, b, ...)"},
     {"indexof", "write instr(text, part)"},
     {"int", "write tointeger"},
     {"integer", "write tointeger"},
@@ -58,11 +59,10 @@ constexpr auto kFunctions = std::to_array<Hint>({
     {"lcase", "write lower"},
     {"least", "write min"},
     {"len", "write length"},
-    {"like", "write match_string(text, 'a*'), with * and ?"},
+    {"like", "write value like 'a%'"},
     {"locate", "write instr(text, part)"},
     {"mean", kOverRows},
     {"mid", "write substring"},
-    {"now", kToday},
     {"number", "write tonumber"},
     {"numeric", "write tonumber"},
     {"nvl", "write ifnull"},
@@ -77,13 +77,12 @@ constexpr auto kFunctions = std::to_array<Hint>({
     {"strlen", "write length"},
     {"substr", "write substring"},
     {"sum", kOverRows},
-    {"sysdate", kToday},
+    {"sysdate", kNow},
     {"to_char", "write totext"},
     {"to_date", "write todate"},
     {"to_integer", "write tointeger"},
     {"to_number", "write tonumber"},
     {"to_text", "write totext"},
-    {"today", kToday},
     {"tolower", "write lower"},
     {"toupper", "write upper"},
     {"truncate", "write trunc"},
@@ -94,7 +93,6 @@ constexpr auto kFunctions = std::to_array<Hint>({
 
 constexpr auto kWords = std::to_array<Hint>({
     {"as", kConversions},
-    {"between", "write value >= a and value <= b"},
     {"contains", "write contains(text, part)"},
     {"div", "write trunc(a / b)"},
     {"elif", "write else if"},
@@ -103,12 +101,9 @@ constexpr auto kWords = std::to_array<Hint>({
     {"end", "an if has no end"},
     {"eq", "a comparison is written =="},
     {"if", kChoice},
-    {"ilike", "write match_string(lower(value), 'a*'), with * and ?"},
-    {"in", "write inlist(value, a, b, ...)"},
-    {"is", "write isnull(value) or not isnull(value)"},
-    {"like", "write match_string(value, 'a*'), with * and ?"},
+    {"ilike", "write lower(value) like 'a%'"},
     {"mod", "write %"},
-    {"not", "put \"not\" before the whole condition, as in not inlist(value, a, b)"},
+    {"not", "put \"not\" before the whole condition, as in not isblank(value)"},
     {"regexp", "write matches(value, 'expression')"},
     {"rlike", "write matches(value, 'expression')"},
     {"similar", "write matches(value, 'expression')"},
@@ -119,8 +114,8 @@ constexpr auto kNames = std::to_array<Hint>({
     {"current_date", kToday},
     {"no", "write false"},
     {"none", "write null"},
-    {"now", kToday},
-    {"sysdate", kToday},
+    {"now", kNow},
+    {"sysdate", kNow},
     {"today", kToday},
     {"yes", "write true"},
 });

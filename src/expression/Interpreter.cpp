@@ -84,7 +84,7 @@ Value Interpreter::evaluateCall(const Node& node, std::span<const Value> row) {
     }
     Value result;
     if (!isNull && !m_scratch.hasFailed())
-        result = node.function->implementation(std::span(m_arguments).subspan(first), m_scratch);
+        result = callFunction(node, std::span(m_arguments).subspan(first), m_scratch);
     m_arguments.resize(first);
     return result;
 }

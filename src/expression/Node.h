@@ -2,6 +2,7 @@
 
 #include "expression/Catalogue.h"
 #include "expression/Matcher.h"
+#include "expression/PreparedFunction.h"
 #include "expression/Syntax.h"
 #include "expression/Value.h"
 
@@ -17,7 +18,7 @@ enum class NodeKind : std::uint8_t {
     Constant,
     Field,
     Convert, ///< converts the child to this node's type
-    Call,    ///< calls a function with an implementation
+    Call,    ///< calls a function with an implementation or a prepared one
     IsNull,
     FirstNonNull,
     Not,
@@ -40,6 +41,7 @@ struct Node {
     Type type = Type::Null;
     std::size_t field = 0; ///< index in the caller's list of fields
     const Function* function = nullptr;
+    std::shared_ptr<const PreparedFunction> prepared; ///< of a call with fixed arguments; null for most functions
     Comparison comparison = Comparison::Equal;
     Arithmetic arithmetic = Arithmetic::Add;
     std::shared_ptr<const Matcher> matcher;
@@ -72,6 +74,11 @@ using NodePtr = std::unique_ptr<Node>;
 
 /// Whether the node is a constant text other than null.
 [[nodiscard]] bool isFixedText(const Node& node);
+
+/// The value of a call with these arguments, of which none is null.
+[[nodiscard]] inline Value callFunction(const Node& call, std::span<const Value> arguments, Scratch& scratch) {
+    return call.prepared ? call.prepared->call(arguments, scratch) : call.function->implementation(arguments, scratch);
+}
 
 /// Whether both have the same structure, and so the same value in every row.
 [[nodiscard]] bool isSame(const Node& one, const Node& other);

@@ -41,12 +41,13 @@ Value addDays(Arguments arguments, Scratch& /*scratch*/) {
     return isSupportedDate(ticks) ? Value::ofDate(ticks) : Value{};
 }
 
-Value ceiling(Arguments arguments, Scratch& /*scratch*/) {
-    return Value::ofReal(std::ceil(arguments[0].real));
+Value between(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofBoolean(compareValues(arguments[0], arguments[1]) >= 0 &&
+                            compareValues(arguments[0], arguments[2]) <= 0);
 }
 
-Value dateDifference(Arguments arguments, Scratch& /*scratch*/) {
-    return Value::ofInteger(dayOf(arguments[1].integer) - dayOf(arguments[0].integer));
+Value ceiling(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofReal(std::ceil(arguments[0].real));
 }
 
 Value day(Arguments arguments, Scratch& /*scratch*/) {

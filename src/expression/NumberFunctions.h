@@ -25,8 +25,8 @@ class DecimalRounding {
 
 Value absolute(Arguments arguments, Scratch& scratch);
 Value addDays(Arguments arguments, Scratch& scratch);
+Value between(Arguments arguments, Scratch& scratch);
 Value ceiling(Arguments arguments, Scratch& scratch);
-Value dateDifference(Arguments arguments, Scratch& scratch);
 Value day(Arguments arguments, Scratch& scratch);
 Value floor(Arguments arguments, Scratch& scratch);
 Value greatest(Arguments arguments, Scratch& scratch);

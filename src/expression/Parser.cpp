@@ -1,5 +1,7 @@
 #include "expression/Parser.h"
 
+#include "base/Ascii.h"
+#include "base/Characters.h"
 #include "expression/Hints.h"
 #include "expression/Lexer.h"
 
@@ -228,6 +230,8 @@ class Reader {
 
     Tree comparison() {
         Tree left = sum();
+        if (left && isTestOfWords())
+            return testOfWords(std::move(left));
         const ComparisonSign* sign = comparisonSign();
         if (!left || !sign)
             return left;
@@ -241,6 +245,77 @@ class Reader {
         adopt(*tree, std::move(left));
         adopt(*tree, std::move(right));
         return tree;
+    }
+
+    [[nodiscard]] bool isWordAt(std::size_t ahead, std::string_view word) const {
+        const std::size_t at = m_next + ahead;
+        return at < m_tokens.list.size() && m_tokens.list[at].kind == TokenKind::Word && m_tokens.list[at].text == word;
+    }
+    /// Whether one of the tests comes next that are written in words: in, between, like, perhaps after "not", or is.
+    [[nodiscard]] bool isTestOfWords() const {
+        const std::size_t first = isWord("not") ? 1 : 0;
+        return isWordAt(first, "in") || isWordAt(first, "between") || isWordAt(first, "like") ||
+               (first == 0 && isWord("is"));
+    }
+    /// Each is a call of a function: inlist, between, isnull, match_string or matches.
+    Tree testOfWords(Tree subject) {
+        const Position at = current().at;
+        bool isNegated = acceptWord("not");
+        Tree call = make(SyntaxKind::Call, at);
+        adopt(*call, std::move(subject));
+        bool isGood = false;
+        if (acceptWord("is")) {
+            isNegated = acceptWord("not");
+            call->text = "isnull";
+            isGood = acceptWord("null") || unexpected("\"null\"") != nullptr;
+        } else if (acceptWord("in")) {
+            call->text = "inlist";
+            isGood = (accept(TokenKind::LeftParenthesis) || unexpected("\"(\"") != nullptr) && arguments(*call);
+        } else if (acceptWord("between")) {
+            call->text = "between";
+            isGood = adoptGood(*call, sum()) && (acceptWord("and") || unexpected("\"and\"") != nullptr) &&
+                     adoptGood(*call, sum());
+        } else {
+            take();
+            isGood = patternOfLike(*call);
+        }
+        if (!isGood)
+            return nullptr;
+        return isNegated ? wrap(SyntaxKind::Not, at, std::move(call)) : std::move(call);
+    }
+    static bool adoptGood(Syntax& parent, Tree child) {
+        const bool isGood = child != nullptr;
+        if (isGood)
+            adopt(parent, std::move(child));
+        return isGood;
+    }
+    /// The pattern of SQL: % is any text, _ any character, and \ before one of the three means the sign itself.
+    bool patternOfLike(Syntax& call) {
+        if (!isAt(TokenKind::Text))
+            return unexpected("a text after like, with % and _") != nullptr;
+        Tree pattern = leaf(SyntaxKind::Text);
+        std::string wildcard;
+        std::string regular;
+        const bool needsRegular = pattern->text.find_first_of("*?") != std::string::npos;
+        for (std::size_t i = 0; i < pattern->text.size(); ++i) {
+            const char c = pattern->text[i];
+            const bool isEscape = c == '\\' && i + 1 < pattern->text.size() &&
+                                  std::string_view("%_\\").find(pattern->text[i + 1]) != std::string_view::npos;
+            if (c == '%' || c == '_') {
+                wildcard += c == '%' ? '*' : '?';
+                regular += c == '%' ? ".*" : ".";
+                continue;
+            }
+            const char literal = isEscape ? pattern->text[++i] : c;
+            wildcard += literal;
+            if (isAscii(literal) && !isAsciiLetter(literal) && !isAsciiDigit(literal))
+                regular += '\\';
+            regular += literal;
+        }
+        call.text = needsRegular ? "matches" : "match_string";
+        pattern->text = needsRegular ? std::move(regular) : std::move(wildcard);
+        adopt(call, std::move(pattern));
+        return true;
     }
 
     Tree sum() { return chain(kSums, &Reader::product); }
@@ -351,15 +426,16 @@ class Reader {
         take();
         if (accept(TokenKind::RightParenthesis))
             return call;
+        return arguments(*call) ? std::move(call) : nullptr;
+    }
+
+    /// One or more arguments and the parenthesis after them.
+    bool arguments(Syntax& call) {
         do {
-            Tree argument = expression();
-            if (!argument)
-                return nullptr;
-            adopt(*call, std::move(argument));
+            if (!adoptGood(call, expression()))
+                return false;
         } while (accept(TokenKind::Comma));
-        if (!accept(TokenKind::RightParenthesis))
-            return unexpected("\",\" or \")\"");
-        return call;
+        return accept(TokenKind::RightParenthesis) || unexpected("\",\" or \")\"") != nullptr;
     }
 
     Tokens m_tokens;

@@ -1,5 +1,6 @@
 #include "expression/Program.h"
 
+#include "base/DateTicks.h"
 #include "expression/Parser.h"
 
 #include <algorithm>
@@ -124,14 +125,15 @@ IntegerRange Program::passingRange(std::size_t field) const {
 
 namespace {
 
-Compiled compileText(std::string_view text, std::span<const Field> fields, Wanted wanted, auto makeProgram) {
+Compiled compileText(std::string_view text, std::span<const Field> fields, Wanted wanted, std::int64_t now,
+                     auto makeProgram) {
     Compiled compiled;
     Parsed parsed = parse(text);
     if (parsed.error) {
         compiled.error = *std::move(parsed.error);
         return compiled;
     }
-    Checked checked = check(*parsed.tree, text.size(), fields, wanted);
+    Checked checked = check(*parsed.tree, text.size(), fields, wanted, now);
     if (checked.error)
         compiled.error = *std::move(checked.error);
     else
@@ -142,9 +144,13 @@ Compiled compileText(std::string_view text, std::span<const Field> fields, Wante
 
 } // namespace
 
-Compiled compile(std::string_view text, std::span<const Field> fields, Wanted wanted) {
+std::int64_t thisMoment() {
+    return ticksOf(SystemClock().now());
+}
+
+Compiled compile(std::string_view text, std::span<const Field> fields, Wanted wanted, std::int64_t now) {
     try {
-        return compileText(text, fields, wanted, [&](NodePtr tree) { return Program(std::move(tree), fields); });
+        return compileText(text, fields, wanted, now, [&](NodePtr tree) { return Program(std::move(tree), fields); });
     } catch (const std::bad_alloc&) {
         Compiled compiled;
         compiled.error = ExpressionError{"there is not enough memory for this expression", 1, 1};

@@ -46,7 +46,7 @@ class Program {
     [[nodiscard]] const Node& tree() const { return *m_tree; }
 
   private:
-    friend Compiled compile(std::string_view text, std::span<const Field> fields, Wanted wanted);
+    friend Compiled compile(std::string_view text, std::span<const Field> fields, Wanted wanted, std::int64_t now);
     Program(NodePtr tree, std::span<const Field> fields);
 
     std::shared_ptr<const Node> m_tree;
@@ -63,7 +63,12 @@ struct Compiled {
     [[nodiscard]] bool ok() const { return program.has_value(); }
 };
 
-/// Gives a program or an error for any text, in time and memory bounded by its length.
-[[nodiscard]] Compiled compile(std::string_view text, std::span<const Field> fields, Wanted wanted);
+/// The moment of the call, as a date.
+[[nodiscard]] std::int64_t thisMoment();
+
+/// Gives a program or an error for any text, in time and memory bounded by its length. `now` is the date that now()
+/// means, in units of base/DateTicks.h: the start of a run, so that all its rows and rules agree.
+[[nodiscard]] Compiled compile(std::string_view text, std::span<const Field> fields, Wanted wanted,
+                               std::int64_t now = thisMoment());
 
 } // namespace tavix::expression

@@ -80,9 +80,35 @@ NodePtr rewriteInstr(NodePtr node, bool occurs) {
     return negated;
 }
 
+NodePtr comparisonOf(Comparison comparison, NodePtr left, NodePtr right) {
+    NodePtr node = makeNode(NodeKind::Compare, Type::Boolean);
+    node->comparison = comparison;
+    node->children.push_back(std::move(left));
+    node->children.push_back(std::move(right));
+    return node;
+}
+
+/// A field between two constants becomes two comparisons, for which blocks have operators.
+NodePtr rewriteBetween(NodePtr node) {
+    const Node& field = node->child(0);
+    const auto isFixed = [](const Node& limit) { return limit.isConstant() && !limit.constant.isNull(); };
+    if (field.kind != NodeKind::Field || !isFixed(node->child(1)) || !isFixed(node->child(2)))
+        return node;
+    NodePtr same = makeNode(NodeKind::Field, field.type);
+    same->field = field.field;
+    same->text = field.text;
+    NodePtr both = makeNode(NodeKind::And, Type::Boolean);
+    both->children.push_back(
+        comparisonOf(Comparison::GreaterOrEqual, std::move(node->children[0]), std::move(node->children[1])));
+    both->children.push_back(comparisonOf(Comparison::LessOrEqual, std::move(same), std::move(node->children[2])));
+    return both;
+}
+
 } // namespace
 
 NodePtr rewrite(NodePtr node, ConstantFolder& folder) {
+    if (isCallOf(*node, "between"))
+        return rewriteBetween(std::move(node));
     if (node->kind != NodeKind::Compare)
         return node;
     if (node->child(0).isConstant() && !node->child(1).isConstant()) {

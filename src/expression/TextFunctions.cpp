@@ -7,6 +7,9 @@
 #include "expression/TextOperators.h"
 #include "expression/Wildcard.h"
 
+#include <unicode/normalizer2.h>
+#include <unicode/uchar.h>
+
 #include <algorithm>
 #include <limits>
 
@@ -108,6 +111,26 @@ Value hasControlCharacters(Arguments arguments, Scratch& /*scratch*/) {
     return Value::ofBoolean(hasControlCharacter(arguments[0].text));
 }
 
+Value initcap(Arguments arguments, Scratch& scratch) {
+    const std::string_view text = arguments[0].text;
+    if (!scratch.fits(text.size()))
+        return {};
+    std::string& out = scratch.builder();
+    bool isInWord = false;
+    forEachCharacter(text, [&](std::int32_t character, std::string_view bytes) {
+        const bool isOfWord =
+            character >= 0 && (u_isalnum(character) != 0 || u_charType(character) == U_NON_SPACING_MARK);
+        if (!isOfWord)
+            out += bytes;
+        else if (isInWord)
+            appendLower(out, bytes);
+        else
+            appendUpper(out, bytes);
+        isInWord = isOfWord;
+    });
+    return Value::ofText(scratch.keep(out));
+}
+
 Value instr(Arguments arguments, Scratch& /*scratch*/) {
     if (arguments.size() < 3)
         return Value::ofInteger(positionOf(arguments[0].text, arguments[1].text));
@@ -186,12 +209,44 @@ Value replace(Arguments arguments, Scratch& scratch) {
     return Value::ofText(scratch.keep(out));
 }
 
+Value reverse(Arguments arguments, Scratch& scratch) {
+    const std::string_view text = arguments[0].text;
+    char* const bytes = scratch.allocate(text.size());
+    if (!bytes)
+        return {};
+    char* to = bytes + text.size();
+    forEachCharacter(text, [&to](std::int32_t /*character*/, std::string_view character) {
+        to -= character.size();
+        std::ranges::copy(character, to);
+    });
+    return Value::ofText({bytes, text.size()});
+}
+
 Value right(Arguments arguments, Scratch& /*scratch*/) {
     return Value::ofText(rightOf(arguments[0].text, arguments[1].integer));
 }
 
 Value rtrim(Arguments arguments, Scratch& /*scratch*/) {
     return Value::ofText(trimRight(arguments[0].text));
+}
+
+Value split(Arguments arguments, Scratch& /*scratch*/) {
+    std::string_view rest = arguments[0].text;
+    const std::string_view separator = arguments[1].text;
+    const std::int64_t wanted = arguments[2].integer;
+    if (wanted < 1)
+        return {};
+    if (separator.empty())
+        return wanted == 1 ? arguments[0] : Value{};
+    const ByteSearch search(separator);
+    for (std::int64_t part = 1;; ++part) {
+        const std::size_t end = search.find(rest);
+        if (part == wanted)
+            return Value::ofText(rest.substr(0, end == ByteSearch::kNotFound ? rest.size() : end));
+        if (end == ByteSearch::kNotFound)
+            return {};
+        rest.remove_prefix(end + separator.size());
+    }
 }
 
 Value startsWith(Arguments arguments, Scratch& /*scratch*/) {
@@ -206,6 +261,33 @@ Value substring(Arguments arguments, Scratch& /*scratch*/) {
 
 Value trim(Arguments arguments, Scratch& /*scratch*/) {
     return Value::ofText(trimLeft(trimRight(arguments[0].text)));
+}
+
+Value unaccent(Arguments arguments, Scratch& scratch) {
+    const std::string_view text = arguments[0].text;
+    if (isAscii(text))
+        return arguments[0];
+    if (!scratch.fits(text.size()))
+        return {};
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2* const marks = icu::Normalizer2::getNFDInstance(status);
+    if (U_FAILURE(status)) {
+        scratch.fail("the tables of accents are missing");
+        return {};
+    }
+    std::string& out = scratch.builder();
+    forEachCharacter(text, [&](std::int32_t character, std::string_view bytes) {
+        icu::UnicodeString parts;
+        if (character < 0 || isAscii(bytes) || !marks->getDecomposition(character, parts))
+            parts.remove();
+        if (parts.isEmpty() && (character < 0 || u_charType(character) != U_NON_SPACING_MARK))
+            out += bytes;
+        for (std::int32_t i = 0; i < parts.length(); i = parts.moveIndex32(i, 1)) {
+            if (u_charType(parts.char32At(i)) != U_NON_SPACING_MARK)
+                appendCharacter(out, parts.char32At(i));
+        }
+    });
+    return Value::ofText(scratch.keep(out));
 }
 
 Value upper(Arguments arguments, Scratch& scratch) {

@@ -18,8 +18,8 @@ bool isNamePart(char c) {
 }
 
 bool isWordOfLanguage(std::string_view name) {
-    constexpr std::array<std::string_view, 10> kWords = {"if",  "then", "else", "return", "and",
-                                                         "not", "or",   "true", "false",  "null"};
+    constexpr std::array<std::string_view, 14> kWords = {"if", "then", "else",  "return", "and", "not",     "or",
+                                                         "is", "true", "false", "null",   "in",  "between", "like"};
     return std::any_of(kWords.begin(), kWords.end(),
                        [name](std::string_view word) { return equalsIgnoringAsciiCase(word, name); });
 }

@@ -86,7 +86,7 @@ class Planner {
     Status addRemarks(const job::TableDescription& base, PlannedTable& planned, std::span<const std::string> columns) {
         planned.fields = static_cast<std::int64_t>(columns.size());
         for (const job::TableDescription* table : tablesOver(m_plan.job, base)) {
-            const auto compiled = compileTable(*table, columns);
+            const auto compiled = compileTable(*table, columns, SystemClock().now());
             if (!compiled)
                 return compiled.error();
             for (const ProgramRemark& remark : compiled->remarks)

@@ -47,13 +47,14 @@ class Run {
         : m_job(job),
           m_leftOut(leftOut),
           m_clock(options.clock ? options.clock : &m_systemClock),
+          m_started(m_clock->now()),
           m_offsetIndexFrom(options.offsetIndexFrom),
           m_databases(job, options.askCredentials),
           m_reporter(options.watcher, job.tables.size()),
           m_engine(engineSettings(options, repositoryPath),
                    [this] { return m_reporter.report() && !m_store.failure(); }),
           m_store(repositoryPath,
-                  {job.name, job.description, options.description, m_clock->now(), nullptr, m_engine.plan().storing()},
+                  {job.name, job.description, options.description, m_started, nullptr, m_engine.plan().storing()},
                   m_reporter, m_engine.stop()) {}
 
     Result<RunOutcome> execute() {
@@ -158,7 +159,7 @@ class Run {
     Result<TablePasses> passesOver(const job::TableDescription& base, const SharedColumns& columns) {
         TablePasses passes;
         for (const job::TableDescription* table : tablesOver(m_job, base)) {
-            auto programs = compileTable(*table, *columns);
+            auto programs = compileTable(*table, *columns, m_started);
             if (!programs)
                 return programs.error();
             passes.push_back(std::make_unique<TablePass>(*table, *columns, std::move(programs).value()));
@@ -311,6 +312,7 @@ class Run {
     const std::vector<EmptyFile>& m_leftOut;
     SystemClock m_systemClock;
     const Clock* m_clock;
+    UtcTime m_started; ///< what now() means in expressions
     std::int64_t m_offsetIndexFrom;
     Databases m_databases;
     RunReporter m_reporter;

@@ -24,7 +24,7 @@ std::vector<const job::TableDescription*> tablesOver(const job::JobDescription& 
 Status checkFieldsOver(const job::JobDescription& job, const job::TableDescription& base,
                        std::span<const std::string> columns) {
     for (const job::TableDescription* table : tablesOver(job, base)) {
-        if (auto compiled = compileTable(*table, columns); !compiled)
+        if (auto compiled = compileTable(*table, columns, SystemClock().now()); !compiled)
             return compiled.error();
         if (Status status = job::checkCollectionFields(job, table->name, columns); !status)
             return status;

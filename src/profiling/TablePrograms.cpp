@@ -1,5 +1,6 @@
 #include "profiling/TablePrograms.h"
 
+#include "base/DateTicks.h"
 #include "job/JobChecks.h"
 
 #include <fmt/format.h>
@@ -57,8 +58,8 @@ std::vector<Field> fieldsOf(std::span<const MetricField> figures) {
 }
 
 Result<Program> compileOne(const job::ExpressionText& text, const std::string& what, std::span<const Field> fields,
-                           Wanted wanted, std::vector<ProgramRemark>& remarks) {
-    expression::Compiled compiled = expression::compile(text.text, fields, wanted);
+                           Wanted wanted, std::int64_t now, std::vector<ProgramRemark>& remarks) {
+    expression::Compiled compiled = expression::compile(text.text, fields, wanted, now);
     if (compiled.remark)
         remarks.push_back({text.place, fmt::format("{}: {}", what, expression::describe(*compiled.remark))});
     if (compiled.ok())
@@ -69,8 +70,8 @@ Result<Program> compileOne(const job::ExpressionText& text, const std::string& w
 /// Compiles the expressions of a table.
 class Compiler {
   public:
-    Compiler(const job::TableDescription& table, std::span<const std::string> columns)
-        : m_table(table), m_columns(columns) {
+    Compiler(const job::TableDescription& table, std::span<const std::string> columns, UtcTime now)
+        : m_table(table), m_columns(columns), m_now(ticksOf(now)) {
         for (const std::string& name : columns)
             m_fields.push_back({name, Type::Text});
     }
@@ -78,7 +79,7 @@ class Compiler {
     Result<TablePrograms> compile() {
         if (m_table.isFiltered()) {
             auto where = compileOne(m_table.where, fmt::format("the condition of the table \"{}\"", m_table.name),
-                                    m_fields, Wanted::Condition, m_programs.remarks);
+                                    m_fields, Wanted::Condition, m_now, m_programs.remarks);
             if (!where)
                 return where.error();
             m_programs.where = std::move(where).value();
@@ -90,7 +91,7 @@ class Compiler {
                 return status.error();
         for (const job::RuleDescription& rule : m_table.rules) {
             auto program = compileOne(rule.condition, fmt::format("the rule \"{}\"", rule.name), m_fields,
-                                      Wanted::Condition, m_programs.remarks);
+                                      Wanted::Condition, m_now, m_programs.remarks);
             if (!program)
                 return program.error();
             m_programs.rules.push_back(std::move(program).value());
@@ -117,9 +118,9 @@ class Compiler {
         const bool isOverMetrics = metric.figure == job::Figure::Metric;
         if (isOverMetrics && m_programs.figures.empty())
             beginMetricFields();
-        auto program =
-            compileOne(metric.expression, what, isOverMetrics ? m_metricFields : m_fields,
-                       metric.figure == job::Figure::Count ? Wanted::Condition : Wanted::Value, m_programs.remarks);
+        auto program = compileOne(metric.expression, what, isOverMetrics ? m_metricFields : m_fields,
+                                  metric.figure == job::Figure::Count ? Wanted::Condition : Wanted::Value, m_now,
+                                  m_programs.remarks);
         if (!program)
             return program.error();
         if ((metric.figure == job::Figure::Sum || metric.figure == job::Figure::Average) &&
@@ -150,6 +151,7 @@ class Compiler {
 
     const job::TableDescription& m_table;
     std::span<const std::string> m_columns;
+    std::int64_t m_now;
     std::vector<Field> m_fields;
     std::vector<Field> m_metricFields;
     TablePrograms m_programs;
@@ -177,8 +179,9 @@ std::vector<repository::MetricInput> TablePrograms::inputsOf(std::size_t metric,
     return inputs;
 }
 
-Result<TablePrograms> compileTable(const job::TableDescription& table, std::span<const std::string> columns) {
-    return Compiler(table, columns).compile();
+Result<TablePrograms> compileTable(const job::TableDescription& table, std::span<const std::string> columns,
+                                   UtcTime now) {
+    return Compiler(table, columns, now).compile();
 }
 
 } // namespace tavix::profiling

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Clock.h"
 #include "base/Result.h"
 #include "expression/Program.h"
 #include "job/JobDescription.h"
@@ -46,8 +47,9 @@ struct TablePrograms {
 /// The columns that a program over rows uses.
 [[nodiscard]] std::vector<std::size_t> usedColumns(const expression::Program& program);
 
-/// Errors begin with the position in the job file and name line and column within the expression.
+/// Errors begin with the position in the job file and name line and column within the expression. `now` is the moment
+/// that now() means in all of them.
 [[nodiscard]] Result<TablePrograms> compileTable(const job::TableDescription& table,
-                                                 std::span<const std::string> columns);
+                                                 std::span<const std::string> columns, UtcTime now);
 
 } // namespace tavix::profiling

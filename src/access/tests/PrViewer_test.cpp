@@ -2,6 +2,7 @@
 #include "access/Layouts.h"
 #include "access/PrViewDisplayMessage.h"
 #include "access/tests/PrViewerFixture.h"
+#include "base/DateTicks.h"
 #include "base/GenException.h"
 #include "base/LibraryDate.h"
 #include "repository/RunWriter.h"
@@ -180,6 +181,18 @@ TEST_F(PrViewerTest, TellsWhatAFieldAndATextFileIs) {
     EXPECT_TRUE(info.hasHeader);
     EXPECT_THAT(read(m_viewer->getTextFileFieldInfo(table("airports"))), ElementsAre("1|code", "2|latitude"));
     expectFailure(!m_viewer->getTextFileFieldInfo(table("customers")), "The table was not read from a text file.");
+}
+
+TEST_F(PrViewerTest, NowInAFilterIsTheStartOfTheRunThatIsShown) {
+    const auto rowsAt = [&](int run) {
+        const std::string moment = formatDate(ticksOf(SampleRepository::runTime(run)));
+        return read(m_viewer->getFreqDist(field("customers/name"), "`Value` = 'Ada' and now() = '" + moment + "'"));
+    };
+    EXPECT_THAT(rowsAt(2), ElementsAre("Ada|400"));
+    EXPECT_THAT(rowsAt(0), IsEmpty());
+    ASSERT_TRUE(m_viewer->setCurrentJob(ids(m_viewer->getJobs()).back())) << error();
+    EXPECT_THAT(rowsAt(0), ::testing::Not(IsEmpty()));
+    EXPECT_THAT(rowsAt(2), IsEmpty());
 }
 
 TEST_F(PrViewerTest, ReadsDistributions) {

@@ -52,10 +52,10 @@ TEST(Errors, SayWhereAndWhy) {
         {"nosuch(1)", "line 1, column 1: there is no function nosuch"},
         {"len(`Value`) > 4", "line 1, column 1: there is no function len; write length"},
         {"to_number(`Value`) > 4", "line 1, column 1: there is no function to_number; write tonumber"},
-        {"`Value` between 1 and 2", "line 1, column 9: expected the end of the expression, found the word \"between\"; "
-                                    "write value >= a and value <= b"},
-        {"(`Value` is null)", "line 1, column 10: expected \")\", found the word \"is\"; write isnull(value) or not "
-                              "isnull(value)"},
+        {"`Value` between 1 or 2", "line 1, column 19: expected \"and\", found the word \"or\""},
+        {"(`Value` is 1)", "line 1, column 13: expected \"null\", found the number 1"},
+        {"`Value` not 'a'", "line 1, column 9: expected the end of the expression, found the word \"not\"; put \"not\" "
+                            "before the whole condition, as in not isblank(value)"},
         {"`Value` <> 'a'", "line 1, column 9: \"not equal\" is written !="},
         {"`Count` ^ 2 > 4", "line 1, column 9: write power(a, b)"},
         {"isnull()", "line 1, column 1: isnull takes 1 argument, not 0"},
@@ -85,7 +85,7 @@ TEST(Errors, WordsOfOtherLanguagesAreAnsweredWithThoseOfThisOne) {
          "column 15: expected the end of the expression, found a text; a quote within a text "
          "is written \\', as in 'O\\'Brien'"},
         {"`Value` ILIKE 'a%'", "column 9: expected the end of the expression, found the word \"ILIKE\"; write "
-                               "match_string(lower(value), 'a*'), with * and ?"},
+                               "lower(value) like 'a%'"},
         {"`Value` ~ 'a'", "column 9: write matches(text, 'expression')"},
         {"CAST(`Value` as int) > 1", "column 1: there is no function CAST; write tonumber(...), tointeger(...), "
                                      "totext(...) or todate(...)"},
@@ -99,10 +99,8 @@ TEST(Errors, WordsOfOtherLanguagesAreAnsweredWithThoseOfThisOne) {
          "else return b"},
         {"count(*) > 1", "column 1: there is no function count; for counts, sums and averages of rows use a "
                          "custom metric (count:, sum:, average:)"},
-        {"`When` < Today()", "column 10: there is no function Today; write the date itself, as in "
-                             "'2026-11-21'"},
-        {"`When` < today", "column 10: there is no field today; write the date itself, as in "
-                           "'2026-11-21'"},
+        {"`When` < current_date()", "column 10: there is no function current_date; write today()"},
+        {"`When` < now", "column 10: there is no field now; write now()"},
         {"`Count` => 1", "column 9: \"greater than or equal\" is written >="},
         {"`Count` > 1 -- only these", "column 21: expected the end of the expression, found the word \"these\"; write "
                                       "comments between /* and */"},

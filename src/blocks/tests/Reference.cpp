@@ -17,6 +17,33 @@ bool isFixed(const Expression& expression) {
     return expression.text.find('`') == std::string::npos;
 }
 
+/// The part with that number of a text that is cut at a separator.
+Value splitOff(const Text& text, const Text& separator, std::int64_t number) {
+    if (number < 1)
+        return {};
+    if (separator.empty())
+        return number == 1 ? Value(text) : Value();
+    const std::size_t end = text.find(separator);
+    if (number == 1)
+        return Value(text.substr(0, end));
+    return end == Text::npos ? Value() : splitOff(text.substr(end + separator.size()), separator, number - 1);
+}
+
+/// By the definition: each cell of the table from its three neighbours.
+std::int64_t distance(const Text& left, const Text& right) {
+    std::vector<std::vector<std::int64_t>> cells(left.size() + 1, std::vector<std::int64_t>(right.size() + 1));
+    for (std::size_t i = 0; i <= left.size(); ++i) {
+        for (std::size_t j = 0; j <= right.size(); ++j) {
+            if (i == 0 || j == 0)
+                cells[i][j] = static_cast<std::int64_t>(i + j);
+            else
+                cells[i][j] = std::min({cells[i - 1][j] + 1, cells[i][j - 1] + 1,
+                                        cells[i - 1][j - 1] + (left[i - 1] == right[j - 1] ? 0 : 1)});
+        }
+    }
+    return cells[left.size()][right.size()];
+}
+
 } // namespace
 
 std::string Generator::rowText(bool onlyAscii) {
@@ -76,7 +103,16 @@ Expression Generator::text(int depth) {
     }
     const Expression inner = text(depth - 1);
     const std::int64_t count = static_cast<std::int64_t>(below(6)) - 1;
-    switch (below(14)) {
+    switch (below(16)) {
+    case 14:
+        return call("reverse", {inner}, [](const auto& v) {
+            Text reversed = textOf(v[0]);
+            std::ranges::reverse(reversed);
+            return Value(reversed);
+        });
+    case 15:
+        return call("split", {inner, quoted(rowText(true).substr(0, 1)), number(count)},
+                    [](const auto& v) { return splitOff(textOf(v[0]), textOf(v[1]), integerOf(v[2])); });
     case 0:
         return call("lower", {inner}, [](const auto& v) { return Value(lower(textOf(v[0]))); });
     case 1:
@@ -137,7 +173,10 @@ Expression Generator::integer(int depth) {
             return number(static_cast<std::int64_t>(below(12)) - 2);
         return {"`Count`", [](const Row& row) { return row.count; }};
     }
-    switch (below(8)) {
+    switch (below(9)) {
+    case 8:
+        return call("editdistance", {text(depth - 1), part(depth)},
+                    [](const auto& v) { return Value(distance(textOf(v[0]), textOf(v[1]))); });
     case 3:
         return call("instr", {text(depth - 1), part(depth), below(3) > 0 ? number(1 + below(4)) : integer(depth - 1)},
                     [](const auto& v) {
@@ -310,7 +349,36 @@ Expression Generator::junction(int depth) {
 Expression Generator::condition(int depth) {
     if (depth > 1 && below(3) == 0)
         return junction(depth);
-    switch (below(14)) {
+    switch (below(16)) {
+    case 14: {
+        const bool isText = below(2) == 0;
+        const Expression subject = isText ? text(depth - 1) : integer(depth - 1);
+        const Expression low = isText ? part(depth) : number(static_cast<std::int64_t>(below(6)) - 1);
+        const Expression high = isText ? part(depth) : number(static_cast<std::int64_t>(below(9)));
+        Expression test = call("between", {subject, low, high}, [](const auto& v) {
+            return Value(compareAny(v[0], v[1]) >= 0 && compareAny(v[0], v[2]) <= 0);
+        });
+        if (below(2) == 0)
+            test.text = "(" + subject.text + " between " + low.text + " and " + high.text + ")";
+        return test;
+    }
+    case 15: {
+        // The signs of the pattern and no others: what "like" makes of * and ? is tested by examples.
+        std::string pattern;
+        std::string wildcard;
+        for (std::size_t i = below(5); i > 0; --i) {
+            static constexpr std::string_view kLike = "%_aBk";
+            static constexpr std::string_view kWild = "*?aBk";
+            const std::size_t which = below(kLike.size());
+            pattern += kLike[which];
+            wildcard += kWild[which];
+        }
+        const Expression subject = text(depth - 1);
+        Expression test = call("match_string", {subject, quoted(wildcard)},
+                               [](const auto& v) { return Value(fits(textOf(v[0]), textOf(v[1]))); });
+        test.text = "(" + subject.text + " like '" + pattern + "')";
+        return test;
+    }
     case 0: {
         const Expression inner = condition(depth - 1);
         return {"(not " + inner.text + ")", [inner](const Row& row) {

@@ -18,14 +18,14 @@ namespace {
 
 class RuleRuns : public testing::StoredRuns {
   protected:
-    Result<RunOutcome> run(std::string_view yaml) {
+    Result<RunOutcome> run(std::string_view yaml, const RunOptions& options = {}) {
         std::ofstream(m_job, std::ios::binary) << yaml;
         const auto job = job::readJobFile(m_job);
         if (!job)
             return job.error();
         if (Status status = checkFields(*job); !status)
             return status.error();
-        return runJob(*job, m_repository);
+        return runJob(*job, m_repository, options);
     }
     double number(std::string_view query) { return std::stod(stored(query)); }
 
@@ -204,6 +204,34 @@ TEST_F(RuleRuns, ExpressionsThatDoNotFitAreNamedWithTheirPlaceBeforeAnythingIsWr
     EXPECT_EQ(problem("    key: [ctiy]\n"),
               "4:11: The key of the table \"t\": there is no field \"ctiy\" (did you mean \"city\"?).");
     EXPECT_FALSE(std::filesystem::exists(m_repository));
+}
+
+TEST_F(RuleRuns, NowIsTheStartOfTheRunInEveryExpression) {
+    class ClockThatRuns final : public Clock {
+      public:
+        [[nodiscard]] UtcTime now() const override {
+            return UtcTime(std::chrono::milliseconds(1'700'000'000'000 + std::int64_t{1000} * m_calls++));
+        }
+
+      private:
+        mutable int m_calls = 0;
+    };
+    const ClockThatRuns clock;
+    RunOptions options;
+    options.clock = &clock;
+    write("t.csv", "day\n2023-11-14\n2023-11-15\n2023-11-14 22:13:20\n");
+    ASSERT_TRUE(run(R"yaml(job: J
+tables:
+  - file: t.csv
+    custom metrics:
+      - {name: Late, count: 'day > now()'}
+      - {name: Today, count: "startof(day, 'day') = today()"}
+    rules: [{name: Past, condition: 'todate(day) < now()'}]
+)yaml",
+                    options)
+                    .ok());
+    EXPECT_EQ(stored("SELECT metric, value FROM v_custom_metrics ORDER BY metric"), "Late|1\nToday|2\n");
+    EXPECT_EQ(stored("SELECT rule, failed_rows FROM v_business_rules"), "Past|2\n");
 }
 
 TEST_F(RuleRuns, LongValuesAreCutInTheRowLog) {

@@ -1,0 +1,140 @@
+#include "expression/PreparedFunction.h"
+
+#include "base/Characters.h"
+#include "base/DateForm.h"
+
+#include <fmt/format.h>
+#include <re2/re2.h>
+
+#include <array>
+#include <string>
+#include <utility>
+
+namespace tavix::expression {
+
+namespace {
+
+constexpr int kMostGroups = 9;
+constexpr int kSubmatches = kMostGroups + 1; ///< the whole match is group 0
+
+re2::StringPiece pieceOf(std::string_view text) {
+    return {text.data(), text.size()};
+}
+
+class DateReader final : public PreparedFunction {
+  public:
+    explicit DateReader(DateForm form) : m_form(std::move(form)) {}
+
+    Value call(std::span<const Value> arguments, Scratch& /*scratch*/) const override {
+        const auto ticks = m_form.read(arguments[0].text);
+        return ticks ? Value::ofDate(*ticks) : Value{};
+    }
+
+  private:
+    DateForm m_form;
+};
+
+class Extraction final : public PreparedFunction {
+  public:
+    Extraction(std::string_view pattern, const re2::RE2::Options& options) : m_pattern(pieceOf(pattern), options) {}
+    [[nodiscard]] const re2::RE2& pattern() const { return m_pattern; }
+
+    Value call(std::span<const Value> arguments, Scratch& /*scratch*/) const override {
+        const std::int64_t group = arguments.size() > 2 ? arguments[2].integer : 0;
+        if (group < 0 || group > m_pattern.NumberOfCapturingGroups() || group > kMostGroups)
+            return {};
+        std::array<re2::StringPiece, kSubmatches> found;
+        const std::string_view text = arguments[0].text;
+        if (!m_pattern.Match(pieceOf(text), 0, text.size(), re2::RE2::UNANCHORED, found.data(),
+                             static_cast<int>(group) + 1))
+            return {};
+        const re2::StringPiece part = found[static_cast<std::size_t>(group)];
+        return part.data() ? Value::ofText({part.data(), part.size()}) : Value{};
+    }
+
+  private:
+    re2::RE2 m_pattern;
+};
+
+class Replacement final : public PreparedFunction {
+  public:
+    Replacement(std::string_view pattern, std::string_view replacement, const re2::RE2::Options& options)
+        : m_pattern(pieceOf(pattern), options), m_replacement(replacement) {}
+    [[nodiscard]] const re2::RE2& pattern() const { return m_pattern; }
+
+    Value call(std::span<const Value> arguments, Scratch& scratch) const override {
+        const std::string_view text = arguments[0].text;
+        const int groups = 1 + re2::RE2::MaxSubmatch(m_replacement);
+        std::array<re2::StringPiece, kSubmatches> found;
+        std::string& out = scratch.builder();
+        std::size_t copied = 0;
+        std::size_t from = 0;
+        std::size_t lastEnd = std::string_view::npos;
+        while (from <= text.size() &&
+               m_pattern.Match(pieceOf(text), from, text.size(), re2::RE2::UNANCHORED, found.data(), groups)) {
+            const auto begin = static_cast<std::size_t>(found[0].data() - text.data());
+            from = begin + found[0].size();
+            // An empty match at the end of another one is not a match of its own.
+            if (begin != lastEnd || !found[0].empty()) {
+                out.append(text.substr(copied, begin - copied));
+                m_pattern.Rewrite(&out, m_replacement, found.data(), groups);
+                if (!scratch.fits(out.size()))
+                    return {};
+                copied = from;
+                lastEnd = from;
+            }
+            if (found[0].empty() && from == text.size())
+                break;
+            if (found[0].empty())
+                (void)nextCharacter(text, from);
+        }
+        if (lastEnd == std::string_view::npos)
+            return arguments[0];
+        out.append(text.substr(copied));
+        return Value::ofText(scratch.keep(out));
+    }
+
+  private:
+    re2::RE2 m_pattern;
+    std::string m_replacement;
+};
+
+re2::RE2::Options options(std::int64_t memory) {
+    re2::RE2::Options made;
+    made.set_log_errors(false);
+    made.set_max_mem(memory);
+    made.set_dot_nl(true);
+    return made;
+}
+
+Error notAPattern(const re2::RE2& pattern) {
+    return Error{fmt::format("this is not a regular expression: {}", pattern.error())};
+}
+
+} // namespace
+
+Prepared prepareDateForm(std::string_view form) {
+    Result<DateForm> parsed = DateForm::parse(form);
+    if (!parsed)
+        return parsed.error();
+    return std::shared_ptr<const PreparedFunction>(std::make_shared<DateReader>(std::move(parsed).value()));
+}
+
+Prepared prepareExtraction(std::string_view pattern, std::int64_t memory) {
+    auto made = std::make_shared<Extraction>(pattern, options(memory));
+    if (!made->pattern().ok())
+        return notAPattern(made->pattern());
+    return std::shared_ptr<const PreparedFunction>(std::move(made));
+}
+
+Prepared prepareReplacement(std::string_view pattern, std::string_view replacement, std::int64_t memory) {
+    auto made = std::make_shared<Replacement>(pattern, replacement, options(memory));
+    if (!made->pattern().ok())
+        return notAPattern(made->pattern());
+    std::string reason;
+    if (!made->pattern().CheckRewriteString(pieceOf(replacement), &reason))
+        return Error{fmt::format("this is not a replacement: {}", reason)};
+    return std::shared_ptr<const PreparedFunction>(std::move(made));
+}
+
+} // namespace tavix::expression
