@@ -81,7 +81,7 @@ GridCell DistributionRows::CellOf(int column, std::size_t record) const {
         return !isOther ? EntryCell(column, record) : textCell(column == 0 ? kOther : std::string_view());
     const std::int64_t count = isOther ? m_distribution.other : Entry(record).count;
     if (column == m_countColumn)
-        return textCell(formatInteger(count), CellAlignment::Right);
+        return countCell(count);
     const std::optional<double> percent = m_share.PercentOf(count);
     if (!percent)
         return textCell({}, CellAlignment::Right);
