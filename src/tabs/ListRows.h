@@ -67,9 +67,11 @@ class ListRows : public CUGDataSource {
 
 [[nodiscard]] GridColumn listColumn(std::string_view heading, int width, CellAlignment = CellAlignment::Left);
 [[nodiscard]] GridCell textCell(std::string_view text, CellAlignment = CellAlignment::Left);
+/// A count, right-aligned, painted in groups of digits.
+[[nodiscard]] GridCell countCell(std::int64_t count);
 /// Null is shown as kNullValue.
 [[nodiscard]] GridCell valueCell(const KvbString& value);
-/// A percentage with two places and a bar that is `bar` of the cell's width.
+/// A percentage with two places. `bar`: see GridCell.
 [[nodiscard]] GridCell percentCell(double percent, double bar);
 
 } // namespace tavix

@@ -160,16 +160,7 @@ StdMetRows::Row StdMetRows::ReadRow(const ProfileCursor& cursor, const Collectio
     row.cells.push_back(std::move(origin));
 
     for (const int id : m_shown) {
-        GridCell cell;
-        const KvbString value = cursor.getColumnValue(metrics + id);
-        if (value.isNull()) {
-            cell.text = kUnknownMetric;
-            cell.state = CellState::Unknown;
-        } else {
-            cell.text = metricText(id, row.typeCode, value.view());
-            cell.bar = metricBar(id, value.view());
-        }
-        cell.alignment = metricAlignment(id);
+        GridCell cell = metricCell(id, row.typeCode, cursor.getColumnValue(metrics + id));
         cell.alertMark = !m_marks.empty() && m_marks.count({row.fieldName, id}) != 0;
         row.cells.push_back(std::move(cell));
     }

@@ -1,12 +1,13 @@
 #include "grid/ui/CUGCtrl.h"
 
-#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "grid/GridCopy.h"
 #include "grid/ui/CellDelegate.h"
 #include "grid/ui/GridHeader.h"
+#include "grid/ui/GridMenus.h"
 #include "grid/ui/GridModel.h"
 #include "grid/ui/LockedColumns.h"
+#include "grid/ui/RowEnds.h"
 #include "grid/ui/TypingSearch.h"
 
 #include <QApplication>
@@ -14,7 +15,6 @@
 #include <QContextMenuEvent>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
-#include <QMenu>
 #include <QScrollBar>
 #include <QStyle>
 
@@ -47,12 +47,15 @@ class WaitCursor {
 
 } // namespace
 
+CUGCtrl::~CUGCtrl() = default;
+
 CUGCtrl::CUGCtrl(QWidget* parent)
     : QTableView(parent),
       m_model(new GridModel(this)),
       m_widths(*this, *m_model),
       m_locked(new LockedColumns(*this, *m_model)),
-      m_search(new TypingSearch(*this, *m_model)) {
+      m_search(new TypingSearch(*this, *m_model)),
+      m_menus(std::make_unique<GridMenus>(*this, m_optional)) {
     setModel(m_model);
     SetUpView(*this);
     setHorizontalScrollMode(ScrollPerPixel);
@@ -85,6 +88,11 @@ void CUGCtrl::SetUpView(QTableView& view) {
     view.setFrameShape(QFrame::NoFrame);
     connect(&view, &QTableView::doubleClicked, this,
             [this](const QModelIndex& index) { Q_EMIT RowActivated(index.row()); });
+    view.horizontalHeader()->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(view.horizontalHeader(), &QWidget::customContextMenuRequested, this, [this, &view](const QPoint& at) {
+        QHeaderView* header = view.horizontalHeader();
+        m_menus->ShowForHeading(header->logicalIndexAt(at), header->mapToGlobal(at));
+    });
     connect(view.horizontalHeader(), &QHeaderView::sectionClicked, this, &CUGCtrl::ToggleSort);
     connect(view.horizontalHeader(), &QHeaderView::sectionResized, this, [this, &view](int column, int, int width) {
         QTableView* other = &view == this ? m_locked->View() : this;
@@ -141,18 +149,27 @@ void CUGCtrl::ApplyColumns() {
         SetUpView(view);
         ApplyFont();
         connect(&view, &QWidget::customContextMenuRequested, this,
-                [this, &view](const QPoint& at) { ShowMenu(view.viewport()->mapToGlobal(at)); });
+                [this, &view](const QPoint& at) { m_menus->Show(view.viewport()->mapToGlobal(at)); });
     }
-    m_widths.Apply();
     {
         const ColumnWidths::Placing placing(m_widths);
+        for (int column = 0; column < m_model->columnCount(); ++column)
+            setColumnHidden(column, !m_optional.IsShown(m_model->source()->GetColumn(column)));
         m_locked->HideOtherColumns();
     }
+    m_widths.Apply();
     m_sortColumn = -1;
     ShowSortArrow();
     // The height of the headings may have changed.
     updateGeometries();
     m_locked->Place();
+}
+
+void CUGCtrl::ShowColumns() {
+    const int sorted = m_sortColumn;
+    ApplyColumns();
+    m_sortColumn = sorted;
+    ShowSortArrow();
 }
 
 void CUGCtrl::ShowSortArrow() {
@@ -163,8 +180,10 @@ void CUGCtrl::ShowSortArrow() {
     }
 }
 
-void CUGCtrl::SetWidthMemory(std::unique_ptr<ColumnWidthMemory> memory) {
-    m_widths.SetMemory(std::move(memory));
+void CUGCtrl::SetColumnMemory(std::unique_ptr<ColumnMemory> memory) {
+    m_widths.SetMemory(memory.get());
+    m_optional.SetMemory(memory.get());
+    m_memory = std::move(memory);
     ApplyColumns();
 }
 
@@ -258,8 +277,10 @@ bool CUGCtrl::Sort(int column, bool descending) {
 
 void CUGCtrl::CopySelection(bool withHeadings) const {
     const std::vector<std::int64_t> rows = GetSelectedRows();
-    if (m_model->source() && !rows.empty())
-        QApplication::clipboard()->setText(toQString(copyRows(*m_model->source(), rows, withHeadings)));
+    if (!m_model->source() || rows.empty())
+        return;
+    const std::vector<int> columns = m_optional.ShownColumns(*m_model->source());
+    QApplication::clipboard()->setText(toQString(copyRows(*m_model->source(), rows, columns, withHeadings)));
 }
 
 // Home and End move within the list, not within a row: whole rows are selected.
@@ -298,35 +319,41 @@ void CUGCtrl::keyboardSearch(const QString& typed) {
 
 void CUGCtrl::contextMenuEvent(QContextMenuEvent* event) {
     if (event->reason() == QContextMenuEvent::Keyboard && currentIndex().isValid())
-        ShowMenu(viewport()->mapToGlobal(visualRect(currentIndex()).bottomLeft()));
+        m_menus->Show(viewport()->mapToGlobal(visualRect(currentIndex()).bottomLeft()));
     else
-        ShowMenu(event->globalPos());
+        m_menus->Show(event->globalPos());
 }
 
-void CUGCtrl::ShowMenu(const QPoint& globalPosition) {
-    QMenu menu(this);
-    menu.addActions(actions());
-    if (!actions().isEmpty())
-        menu.addSeparator();
-    const bool selected = selectionModel()->hasSelection();
-    QAction* copy = menu.addAction(QStringLiteral("&Copy"), QKeySequence(Qt::CTRL | Qt::Key_C), this,
-                                   [this] { CopySelection(false); });
-    copy->setEnabled(selected);
-    QAction* withHeadings =
-        menu.addAction(QStringLiteral("Copy with &Headings"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C), this,
-                       [this] { CopySelection(true); });
-    withHeadings->setEnabled(selected);
-    QAction* all =
-        menu.addAction(QStringLiteral("Select &All"), QKeySequence(Qt::CTRL | Qt::Key_A), this, &QTableView::selectAll);
-    all->setEnabled(m_model->rowCount() > 0);
-    if (const int column = currentIndex().column(); column >= 0 && m_model->rowCount() > 1) {
-        menu.addSeparator();
-        const QString heading = toQString(m_model->source()->GetColumn(column).heading);
-        menu.addAction(QStringLiteral("&Sort by %1").arg(QString(heading).replace(u'&', QStringLiteral("&&"))), this,
-                       [this, column] { ToggleSort(column); });
-    }
-    const NestedLoop loop(NestedLoop::Kind::Other);
-    menu.exec(globalPosition);
+void CUGCtrl::AddHeadingEntries(QMenu& menu, int column) const {
+    if (m_addHeadingEntries)
+        m_addHeadingEntries(menu, column);
+}
+
+int CUGCtrl::EndOfColumns() const {
+    return horizontalHeader()->length() - horizontalHeader()->offset();
+}
+
+QModelIndex CUGCtrl::indexAt(const QPoint& at) const {
+    const int end = EndOfColumns();
+    return QTableView::indexAt(at.x() >= end && end > 0 ? QPoint(end - 1, at.y()) : at);
+}
+
+void CUGCtrl::paintEvent(QPaintEvent* event) {
+    paintRowEnds(*this, std::max(0, EndOfColumns()));
+    QTableView::paintEvent(event);
+}
+
+// The selection is paler without the focus.
+void CUGCtrl::focusInEvent(QFocusEvent* event) {
+    QTableView::focusInEvent(event);
+    for (QTableView* view : Views())
+        view->viewport()->update();
+}
+
+void CUGCtrl::focusOutEvent(QFocusEvent* event) {
+    QTableView::focusOutEvent(event);
+    for (QTableView* view : Views())
+        view->viewport()->update();
 }
 
 void CUGCtrl::resizeEvent(QResizeEvent* event) {
@@ -340,6 +367,8 @@ void CUGCtrl::changeEvent(QEvent* event) {
     QTableView::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         ApplyFont();
+    if (event->type() == QEvent::FontChange)
+        m_widths.Apply();
 }
 
 void CUGCtrl::scrollContentsBy(int dx, int dy) {

@@ -1,12 +1,13 @@
 #pragma once
 
-#include "grid/ColumnWidthMemory.h"
+#include "grid/ColumnFit.h"
+#include "grid/ColumnMemory.h"
 
 #include <QTimer>
 
 #include <map>
-#include <memory>
 #include <string>
+#include <vector>
 
 class QTableView;
 
@@ -14,8 +15,8 @@ namespace tavix {
 
 class GridModel;
 
-/// The column widths of a table view: the source's until the user drags a column, whose width is then stored. A column
-/// with takesRest fills the remaining room until it is dragged itself.
+/// The column widths of a table view: what fitColumns() decides until the user drags a column, whose width is then
+/// stored. The view's header is a GridHeader, its delegate a CellDelegate.
 class ColumnWidths final {
   public:
     /// Both must outlive this; the view shows the model.
@@ -24,8 +25,8 @@ class ColumnWidths final {
     ColumnWidths(const ColumnWidths&) = delete;
     ColumnWidths& operator=(const ColumnWidths&) = delete;
 
-    /// Where the user's widths are stored; Apply() reads them. May be null.
-    void SetMemory(std::unique_ptr<ColumnWidthMemory> memory);
+    /// Where the user's widths are stored; Apply() reads them. May be null; must outlive this or be taken back.
+    void SetMemory(ColumnMemory* memory);
 
     /// While one lives, changes of width are not the user's.
     class Placing {
@@ -49,15 +50,17 @@ class ColumnWidths final {
     void Keep();
 
   private:
+    /// The width that the column's cells need.
+    void Measure(int column, ColumnNeed& need) const;
     [[nodiscard]] int Scaled(int pixels) const;
 
     QTableView& m_view;
     const GridModel& m_model;
-    std::unique_ptr<ColumnWidthMemory> m_memory;
+    ColumnMemory* m_memory = nullptr;
     std::map<std::string, int> m_dragged; ///< by identity, not stored yet
     QTimer m_keepSoon;
     int m_placing = 0;
-    int m_fitted = -1; ///< the column that fills the remaining room; -1 without one
+    std::vector<ColumnNeed> m_needs; ///< of all columns, hidden ones among them
 };
 
 } // namespace tavix

@@ -32,7 +32,7 @@ std::string line(const StdMetRows& rows, std::int64_t row) {
     std::string text;
     for (int column = 0; column < rows.GetColumnCount(); ++column) {
         const GridCell cell = rows.GetCell(column, row);
-        text += (column ? "|" : "") + cell.text;
+        text += (column ? "|" : "") + shownText(cell);
         if (cell.icon != CellIcon::None)
             text += "<" + std::to_string(static_cast<int>(cell.icon)) + ">";
         if (cell.state == CellState::Unknown)
@@ -131,7 +131,7 @@ TEST_F(StdMetRowsOfSample, ACollectionShowsMetricsAndSourceOfEachField) {
     const auto shown = metrics({MetricId::Count, MetricId::Mean});
     ASSERT_TRUE(m_rows.Fill(*m_viewer, m_keys, shown, {}));
     // The suppliers' field takes part in a key analysis and in a redundancy analysis, the customers' in the latter.
-    EXPECT_THAT(lines(), UnorderedElementsAre("id<1>|Warehouse.crm.public.customers|1000|500.5||<4>",
+    EXPECT_THAT(lines(), UnorderedElementsAre("id<1>|Warehouse.crm.public.customers|1,000|500.5||<4>",
                                               "id<1>|Warehouse.dbo.suppliers|6|2501.7|<3>|<4>",
                                               "id<1>|Warehouse.crm.public.german customers|120|7.5||"));
     // A catalog is not shown without a schema.
@@ -147,7 +147,8 @@ TEST_F(StdMetRowsOfSample, FiguresAreRoundedAndOnTheRight) {
     const std::int64_t balance = m_rows.FindField(m_sample.fields.at("customers/balance"));
     ASSERT_GE(balance, 0);
     EXPECT_EQ("12.3456789", m_rows.GetCell(2, balance).text) << "the mode is a value of the data";
-    EXPECT_EQ("12.346", m_rows.GetCell(3, balance).text);
+    EXPECT_EQ("12.346", shownText(m_rows.GetCell(3, balance)));
+    EXPECT_EQ("12.3456789", m_rows.GetCell(3, balance).text) << "copied and searched in full";
     std::string headings;
     std::string cells;
     for (int column = 0; column < m_rows.GetColumnCount(); ++column) {
