@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tavix {
 
@@ -36,8 +37,20 @@ enum class CellIcon : std::uint8_t {
 /// A cell without a bar.
 inline constexpr double kNoBar = -1;
 
+/// A small drawing in a cell, with the cell's text as its meaning for readers and copies.
+struct CellPicture {
+    /// Parts of one bar from left to right, as shares of the cell's width; drawn in place of the text.
+    std::vector<double> parts;
+    /// Figures of a line from the oldest to the latest, NaN where there is none; drawn before the text.
+    std::vector<double> line;
+
+    [[nodiscard]] bool isEmpty() const { return parts.empty() && line.empty(); }
+    bool operator==(const CellPicture&) const = default;
+};
+
 struct GridCell {
-    std::string text;  ///< UTF-8
+    std::string text;  ///< UTF-8; the full text, which is copied, searched and sorted by
+    std::string shown; ///< painted in place of the text, which the tooltip then shows; "" to paint the text itself
     std::string mark;  ///< a remark after the text, not part of it: "(sample)"
     std::string order; ///< sort key in place of the text; "" for the text itself
     CellAlignment alignment = CellAlignment::Left;
@@ -46,12 +59,20 @@ struct GridCell {
     bool alertMark = false;
     double bar = kNoBar; ///< length of the bar behind the text as a share of the cell's width, 0 to 1; below 0: none
 
+    CellPicture picture;
+    std::string toolTip; ///< more lines for the tooltip
+
     bool operator==(const GridCell&) const = default;
 };
 
 /// The cell's sort key.
 [[nodiscard]] inline std::string_view orderText(const GridCell& cell) {
     return cell.order.empty() ? cell.text : cell.order;
+}
+
+/// What is painted for the cell's text.
+[[nodiscard]] inline const std::string& shownText(const GridCell& cell) {
+    return cell.shown.empty() ? cell.text : cell.shown;
 }
 
 struct GridColumn {
@@ -63,7 +84,9 @@ struct GridColumn {
     int parameter = -1;  ///< of the source's own meaning; the grid ignores it
     bool locked = false; ///< stays in view when the grid scrolls sideways
     std::string toolTip;
-    bool takesRest = false; ///< wider than `width` where the grid has room, until the user drags it
+    bool takesRest = false;     ///< wider than `width` where the grid has room, until the user drags it
+    bool isOptional = false;    ///< the user shows or hides it in the menu of the headings
+    bool isShownAtFirst = true; ///< of an optional column: whether it is shown until the user chooses
 
     /// The key under which the user's sort order and width are remembered.
     [[nodiscard]] const std::string& identity() const { return key.empty() ? heading : key; }

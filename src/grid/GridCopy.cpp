@@ -26,14 +26,14 @@ std::string withMark(const std::string& text, const std::string& mark) {
     return mark.empty() ? text : text + " " + mark;
 }
 
-std::string copyRows(const CUGDataSource& source, std::span<const std::int64_t> rows, bool withHeadings) {
-    const int columns = source.GetColumnCount();
+std::string copyRows(const CUGDataSource& source, std::span<const std::int64_t> rows, std::span<const int> columns,
+                     bool withHeadings) {
     std::string text;
     const auto line = [&](auto&& cellText) {
-        for (int column = 0; column < columns; ++column) {
-            if (column > 0)
+        for (std::size_t at = 0; at < columns.size(); ++at) {
+            if (at > 0)
                 text += '\t';
-            appendCell(text, cellText(column));
+            appendCell(text, cellText(columns[at]));
         }
         text += "\r\n";
     };

@@ -50,11 +50,12 @@ struct FamilyInfo {
     std::string_view suffix; ///< after the name
 };
 
-constexpr std::array<FamilyInfo, 4> kFamilies = {{
+constexpr std::array<FamilyInfo, 5> kFamilies = {{
     {SettingFamily::MetricChoice, kTavix, "Metric", ""},
     {SettingFamily::RecentFilters, "FILTERS", "", "Recent"},
     {SettingFamily::NamedFilters, "FILTERS", "", "Named"},
     {SettingFamily::ColumnWidth, "COLUMNS", "", ""},
+    {SettingFamily::ColumnShown, "COLUMNS", "", ".shown"},
 }};
 
 template <typename Table>

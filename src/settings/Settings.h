@@ -75,6 +75,7 @@ enum class SettingFamily {
     RecentFilters, ///< by the kind of distribution
     NamedFilters,  ///< by the kind of distribution
     ColumnWidth,   ///< by grid and column
+    ColumnShown,   ///< likewise
 };
 
 [[nodiscard]] std::string readMember(const SettingsStore& store, SettingFamily family, std::string_view name);

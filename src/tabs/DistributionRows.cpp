@@ -37,9 +37,6 @@ void DistributionRows::Take(Distribution distribution, const DistributionShare& 
     m_share = share;
     SetMark(m_countColumn + 1, {});
     SetToolTip(m_countColumn + 1, {});
-    m_largest = 0;
-    for (const Distribution::Entry& entry : m_distribution.entries)
-        m_largest = std::max(m_largest, entry.count);
     const std::size_t entries = m_distribution.entries.size();
     if (m_distribution.other != 0)
         ShowRecords(entries + 1, static_cast<std::int64_t>(entries));
@@ -88,9 +85,7 @@ GridCell DistributionRows::CellOf(int column, std::size_t record) const {
     const std::optional<double> percent = m_share.PercentOf(count);
     if (!percent)
         return textCell({}, CellAlignment::Right);
-    const bool hasBar = !isOther && m_largest > 0;
-    return percentCell(*percent,
-                       hasBar ? std::max(0.0, static_cast<double>(count) / static_cast<double>(m_largest)) : kNoBar);
+    return percentCell(*percent, isOther ? kNoBar : std::clamp(*percent / 100, 0.0, 1.0));
 }
 
 } // namespace tavix

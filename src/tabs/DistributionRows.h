@@ -49,7 +49,6 @@ class DistributionRows : public ListRows {
 
     Distribution m_distribution;
     DistributionShare m_share;
-    std::int64_t m_largest = 0; ///< count of the most frequent entry
     int m_countColumn;
 };
 

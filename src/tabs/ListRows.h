@@ -69,7 +69,7 @@ class ListRows : public CUGDataSource {
 [[nodiscard]] GridCell textCell(std::string_view text, CellAlignment = CellAlignment::Left);
 /// Null is shown as kNullValue.
 [[nodiscard]] GridCell valueCell(const KvbString& value);
-/// A percentage with two places and a bar that is `bar` of the cell's width.
+/// A percentage with two places. `bar`: see GridCell.
 [[nodiscard]] GridCell percentCell(double percent, double bar);
 
 } // namespace tavix

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <numeric>
+#include <vector>
 
 namespace tavix {
 namespace {
@@ -24,11 +26,19 @@ class Numbered : public CUGDataSource {
     bool Sort(int, bool) override { return false; }
 };
 
+std::string copyAll(const CUGDataSource& source, std::span<const std::int64_t> rows, bool withHeadings) {
+    std::vector<int> columns(static_cast<std::size_t>(source.GetColumnCount()));
+    std::iota(columns.begin(), columns.end(), 0);
+    return copyRows(source, rows, columns, withHeadings);
+}
+
 TEST(GridCopy, CellsByTabRowsEndedByCarriageReturnAndLineFeed) {
     const std::array<std::int64_t, 2> rows = {2, 0};
-    EXPECT_EQ("f2\tv2\r\nf0\tv0\r\n", copyRows(Numbered(), rows, false));
-    EXPECT_EQ("Field Name\tGröße\r\nf2\tv2\r\nf0\tv0\r\n", copyRows(Numbered(), rows, true));
-    EXPECT_EQ("", copyRows(Numbered(), {}, false));
+    EXPECT_EQ("f2\tv2\r\nf0\tv0\r\n", copyAll(Numbered(), rows, false));
+    EXPECT_EQ("Field Name\tGröße\r\nf2\tv2\r\nf0\tv0\r\n", copyAll(Numbered(), rows, true));
+    EXPECT_EQ("", copyAll(Numbered(), {}, false));
+    const std::array<int, 1> second = {1};
+    EXPECT_EQ("Größe\r\nv2\r\nv0\r\n", copyRows(Numbered(), rows, second, true)) << "without a hidden column";
 }
 
 class Remarked final : public Numbered {
@@ -47,7 +57,7 @@ class Remarked final : public Numbered {
 
 TEST(GridCopy, RemarksAreCopiedWithWhatTheyAreSaidOf) {
     const std::array<std::int64_t, 1> rows = {2};
-    EXPECT_EQ("Field Name\tGröße (sample)\r\nf2 (sample)\tv2\r\n", copyRows(Remarked(), rows, true));
+    EXPECT_EQ("Field Name\tGröße (sample)\r\nf2 (sample)\tv2\r\n", copyAll(Remarked(), rows, true));
 }
 
 /// One row whose cells hold these texts.
@@ -68,10 +78,25 @@ class OneRow final : public CUGDataSource {
     std::vector<std::string> m_texts;
 };
 
+/// Paints something shorter than the text.
+class Shortened final : public Numbered {
+  public:
+    GridCell GetCell(int column, std::int64_t row) const override {
+        GridCell cell = Numbered::GetCell(column, row);
+        cell.shown = "short";
+        return cell;
+    }
+};
+
+TEST(GridCopy, TheFullTextIsCopiedInPlaceOfThePaintedOne) {
+    const std::array<std::int64_t, 1> rows = {2};
+    EXPECT_EQ("f2\tv2\r\n", copyAll(Shortened(), rows, false));
+}
+
 TEST(GridCopy, ACellThatWouldBreakTheTableIsQuoted) {
     const std::array<std::int64_t, 1> row = {0};
     EXPECT_EQ("\"a\tb\"\t\"two\nlines\"\t\"a \"\"b\"\"\r\"\tsays \"x\"\t\"\"\"x\"\"\"\t\r\n",
-              copyRows(OneRow({"a\tb", "two\nlines", "a \"b\"\r", "says \"x\"", "\"x\"", ""}), row, false));
+              copyAll(OneRow({"a\tb", "two\nlines", "a \"b\"\r", "says \"x\"", "\"x\"", ""}), row, false));
 }
 
 } // namespace

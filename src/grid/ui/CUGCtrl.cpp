@@ -45,6 +45,11 @@ class WaitCursor {
     bool m_shown;
 };
 
+// A menu takes "&" for the mark of a shortcut key.
+QString entryText(const std::string& heading) {
+    return toQString(heading).replace(u'&', QStringLiteral("&&"));
+}
+
 } // namespace
 
 CUGCtrl::CUGCtrl(QWidget* parent)
@@ -85,6 +90,11 @@ void CUGCtrl::SetUpView(QTableView& view) {
     view.setFrameShape(QFrame::NoFrame);
     connect(&view, &QTableView::doubleClicked, this,
             [this](const QModelIndex& index) { Q_EMIT RowActivated(index.row()); });
+    view.horizontalHeader()->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(view.horizontalHeader(), &QWidget::customContextMenuRequested, this, [this, &view](const QPoint& at) {
+        QHeaderView* header = view.horizontalHeader();
+        ShowHeadingMenu(header->logicalIndexAt(at), header->mapToGlobal(at));
+    });
     connect(view.horizontalHeader(), &QHeaderView::sectionClicked, this, &CUGCtrl::ToggleSort);
     connect(view.horizontalHeader(), &QHeaderView::sectionResized, this, [this, &view](int column, int, int width) {
         QTableView* other = &view == this ? m_locked->View() : this;
@@ -143,11 +153,13 @@ void CUGCtrl::ApplyColumns() {
         connect(&view, &QWidget::customContextMenuRequested, this,
                 [this, &view](const QPoint& at) { ShowMenu(view.viewport()->mapToGlobal(at)); });
     }
-    m_widths.Apply();
     {
         const ColumnWidths::Placing placing(m_widths);
+        for (int column = 0; column < m_model->columnCount(); ++column)
+            setColumnHidden(column, !m_optional.IsShown(m_model->source()->GetColumn(column)));
         m_locked->HideOtherColumns();
     }
+    m_widths.Apply();
     m_sortColumn = -1;
     ShowSortArrow();
     // The height of the headings may have changed.
@@ -163,8 +175,10 @@ void CUGCtrl::ShowSortArrow() {
     }
 }
 
-void CUGCtrl::SetWidthMemory(std::unique_ptr<ColumnWidthMemory> memory) {
-    m_widths.SetMemory(std::move(memory));
+void CUGCtrl::SetColumnMemory(std::unique_ptr<ColumnMemory> memory) {
+    m_widths.SetMemory(memory.get());
+    m_optional.SetMemory(memory.get());
+    m_memory = std::move(memory);
     ApplyColumns();
 }
 
@@ -258,8 +272,10 @@ bool CUGCtrl::Sort(int column, bool descending) {
 
 void CUGCtrl::CopySelection(bool withHeadings) const {
     const std::vector<std::int64_t> rows = GetSelectedRows();
-    if (m_model->source() && !rows.empty())
-        QApplication::clipboard()->setText(toQString(copyRows(*m_model->source(), rows, withHeadings)));
+    if (!m_model->source() || rows.empty())
+        return;
+    const std::vector<int> columns = m_optional.ShownColumns(*m_model->source());
+    QApplication::clipboard()->setText(toQString(copyRows(*m_model->source(), rows, columns, withHeadings)));
 }
 
 // Home and End move within the list, not within a row: whole rows are selected.
@@ -321,12 +337,51 @@ void CUGCtrl::ShowMenu(const QPoint& globalPosition) {
     all->setEnabled(m_model->rowCount() > 0);
     if (const int column = currentIndex().column(); column >= 0 && m_model->rowCount() > 1) {
         menu.addSeparator();
-        const QString heading = toQString(m_model->source()->GetColumn(column).heading);
-        menu.addAction(QStringLiteral("&Sort by %1").arg(QString(heading).replace(u'&', QStringLiteral("&&"))), this,
+        menu.addAction(QStringLiteral("&Sort by %1").arg(entryText(m_model->source()->GetColumn(column).heading)), this,
                        [this, column] { ToggleSort(column); });
     }
+    if (const int column = currentIndex().column(); column >= 0 && m_addHeadingEntries)
+        m_addHeadingEntries(menu, column);
+    if (m_model->source() && !OptionalColumns::Optional(*m_model->source()).empty())
+        AddColumnEntries(*menu.addMenu(QStringLiteral("C&olumns")));
     const NestedLoop loop(NestedLoop::Kind::Other);
     menu.exec(globalPosition);
+}
+
+void CUGCtrl::ShowHeadingMenu(int column, const QPoint& globalPosition) {
+    if (!m_model->source() || column >= m_model->columnCount())
+        return;
+    QMenu menu(this);
+    if (column >= 0) {
+        for (const bool descending : {false, true}) {
+            const QString text = descending ? QStringLiteral("Sort &Descending") : QStringLiteral("Sort &Ascending");
+            menu.addAction(text, this, [this, column, descending] { SortBy(column, descending); })
+                ->setEnabled(m_model->rowCount() > 1);
+        }
+        if (m_addHeadingEntries)
+            m_addHeadingEntries(menu, column);
+    }
+    menu.addSeparator();
+    AddColumnEntries(menu);
+    const NestedLoop loop(NestedLoop::Kind::Other);
+    menu.exec(globalPosition);
+}
+
+void CUGCtrl::AddColumnEntries(QMenu& menu) {
+    for (const int column : OptionalColumns::Optional(*m_model->source())) {
+        const GridColumn shown = m_model->source()->GetColumn(column);
+        QAction* action = menu.addAction(entryText(shown.heading));
+        action->setCheckable(true);
+        action->setChecked(m_optional.IsShown(shown));
+        action->setToolTip(toQString(shown.toolTip));
+        connect(action, &QAction::toggled, this, [this, shown](bool isShown) {
+            m_optional.Choose(shown, isShown);
+            const int sorted = m_sortColumn;
+            ApplyColumns();
+            m_sortColumn = sorted;
+            ShowSortArrow();
+        });
+    }
 }
 
 void CUGCtrl::resizeEvent(QResizeEvent* event) {

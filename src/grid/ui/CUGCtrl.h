@@ -1,14 +1,18 @@
 #pragma once
 
 #include "grid/CUGDataSource.h"
+#include "grid/OptionalColumns.h"
 #include "grid/ui/ColumnWidths.h"
 
 #include <QTableView>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+class QMenu;
 
 namespace tavix {
 
@@ -32,8 +36,10 @@ class CUGCtrl final : public QTableView {
     /// Call after the rows of the same object were read again: keeps the user's sort order.
     void RowsRefilled();
 
-    /// Where the user's column widths are stored; may be null.
-    void SetWidthMemory(std::unique_ptr<ColumnWidthMemory> memory);
+    /// Where the user's widths of columns and choices of optional columns are stored; may be null.
+    void SetColumnMemory(std::unique_ptr<ColumnMemory> memory);
+    /// Adds entries for the column to the menu of its heading, after those for sorting.
+    void SetHeadingEntries(std::function<void(QMenu&, int column)> add) { m_addHeadingEntries = std::move(add); }
 
     /// Whether invisible characters are drawn as signs. Copied text is not changed.
     void SetShowsInvisible(bool shows);
@@ -76,8 +82,13 @@ class CUGCtrl final : public QTableView {
     void ToggleSort(int column);
     bool Sort(int column, bool descending);
     void ShowMenu(const QPoint& globalPosition);
+    void ShowHeadingMenu(int column, const QPoint& globalPosition);
+    /// Adds a checkable entry for each optional column; adds nothing when there is none.
+    void AddColumnEntries(QMenu& menu);
 
     GridModel* m_model;
+    std::unique_ptr<ColumnMemory> m_memory;
+    OptionalColumns m_optional;
     ColumnWidths m_widths;
     LockedColumns* m_locked;
     int m_sortColumn = -1; ///< by which the rows are sorted now
@@ -86,6 +97,7 @@ class CUGCtrl final : public QTableView {
     std::optional<std::string> m_sortKey;
     bool m_sortDescending = false;
     bool m_showsInvisible = false;
+    std::function<void(QMenu&, int)> m_addHeadingEntries;
     TypingSearch* m_search;
 };
 

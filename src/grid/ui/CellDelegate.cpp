@@ -79,6 +79,8 @@ CellGeometry layOut(const QRect& rect, const GridCell& cell) {
 QString CellDelegate::shownText(const GridCell& cell) const {
     if (cell.state == CellState::Null && cell.text.empty())
         return toQString(kNullValue);
+    if (!cell.shown.empty())
+        return toQString(cell.shown);
     return m_showsInvisible && cell.state == CellState::Ordinary ? toQString(showInvisible(cell.text, kShownBytes))
                                                                  : singleLine(cell.text);
 }
@@ -153,11 +155,14 @@ bool CellDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const Q
     const QRect textRect = layOut(option.rect, cell).text;
     QStringList lines;
     // A value may contain markup, which must not be interpreted.
-    if (option.fontMetrics.horizontalAdvance(shownText(cell)) > textRect.width())
+    if ((!cell.shown.empty() && cell.shown != cell.text) ||
+        option.fontMetrics.horizontalAdvance(shownText(cell)) > textRect.width())
         lines << (m_showsInvisible && cell.state == CellState::Ordinary
                       ? toQString(showInvisible(cell.text, 4 * kShownBytes))
                       : toQString(std::string_view(cell.text).substr(0, 4 * kShownBytes)))
                      .toHtmlEscaped();
+    if (!cell.toolTip.empty())
+        lines << toQString(cell.toolTip).toHtmlEscaped().replace(u'\n', QStringLiteral("<br>"));
     if (const QString meaning = iconMeaning(cell.icon); !meaning.isEmpty())
         lines << meaning;
     if (cell.alertMark)

@@ -21,9 +21,9 @@ ColumnWidths::~ColumnWidths() {
     Keep();
 }
 
-void ColumnWidths::SetMemory(std::unique_ptr<ColumnWidthMemory> memory) {
+void ColumnWidths::SetMemory(ColumnMemory* memory) {
     Keep();
-    m_memory = std::move(memory);
+    m_memory = memory;
 }
 
 void ColumnWidths::Apply() {
@@ -32,7 +32,7 @@ void ColumnWidths::Apply() {
     const Placing placing(*this);
     for (int column = 0; column < m_model.columnCount(); ++column) {
         const GridColumn shown = m_model.source()->GetColumn(column);
-        const std::optional<int> dragged = m_memory ? m_memory->Read(shown.identity()) : std::nullopt;
+        const std::optional<int> dragged = m_memory ? m_memory->ReadWidth(shown.identity()) : std::nullopt;
         m_view.setColumnWidth(column, Scaled(dragged.value_or(shown.width)));
         if (shown.takesRest && !dragged)
             m_fitted = column;
@@ -66,7 +66,7 @@ void ColumnWidths::Changed(int column, int width) {
 void ColumnWidths::Keep() {
     m_keepSoon.stop();
     for (const auto& [column, width] : m_dragged)
-        m_memory->Keep(column, width);
+        m_memory->KeepWidth(column, width);
     m_dragged.clear();
 }
 

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "grid/ColumnWidthMemory.h"
+#include "grid/ColumnMemory.h"
 
 #include <QTimer>
 
 #include <map>
-#include <memory>
 #include <string>
 
 class QTableView;
@@ -24,8 +23,8 @@ class ColumnWidths final {
     ColumnWidths(const ColumnWidths&) = delete;
     ColumnWidths& operator=(const ColumnWidths&) = delete;
 
-    /// Where the user's widths are stored; Apply() reads them. May be null.
-    void SetMemory(std::unique_ptr<ColumnWidthMemory> memory);
+    /// Where the user's widths are stored; Apply() reads them. May be null; must outlive this or be taken back.
+    void SetMemory(ColumnMemory* memory);
 
     /// While one lives, changes of width are not the user's.
     class Placing {
@@ -53,7 +52,7 @@ class ColumnWidths final {
 
     QTableView& m_view;
     const GridModel& m_model;
-    std::unique_ptr<ColumnWidthMemory> m_memory;
+    ColumnMemory* m_memory = nullptr;
     std::map<std::string, int> m_dragged; ///< by identity, not stored yet
     QTimer m_keepSoon;
     int m_placing = 0;

@@ -125,7 +125,7 @@ TEST_F(FreqDistModels, ValuesOfRowsBecomeAFilterOfTheirField) {
     EXPECT_FALSE(m_values.model.IsOutdated(m_subject.field->id + 1)) << "another field's filter";
     ASSERT_EQ(Filling::Done, fill(m_values));
     EXPECT_FALSE(m_values.model.IsOutdated(m_subject.field->id));
-    EXPECT_EQ(Lines({"Grace|>302|>56.98[1.00]", "(null value)~|>228|>43.02[0.75]"}), linesOf(*m_values.rows));
+    EXPECT_EQ(Lines({"Grace|>302|>56.98[0.57]", "(null value)~|>228|>43.02[0.43]"}), linesOf(*m_values.rows));
     EXPECT_EQ("Only rows with: Value equal to \"Grace\" OR Value is null", m_values.model.FilterLine().text);
     EXPECT_FALSE(m_values.model.FilterLine().isAlarming);
     EXPECT_EQ("", m_document.GetFieldFilters().Get(m_subject.field->id, DistributionKind::Pattern));

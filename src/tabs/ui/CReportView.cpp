@@ -8,7 +8,7 @@
 #include "grid/ui/CUGCtrl.h"
 #include "report/ReportTables.h"
 #include "settings/Settings.h"
-#include "tabs/StoredColumnWidths.h"
+#include "tabs/StoredColumns.h"
 #include "tabs/SubjectText.h"
 #include "tabs/ui/CProfTab.h"
 #include "tabs/ui/CProfTabCtrl.h"
@@ -86,7 +86,7 @@ void CReportView::AddTab(const TabRow& row) {
         if (number > 0)
             name += formatInteger(number);
         ++number;
-        grid->SetWidthMemory(std::make_unique<StoredColumnWidths>(m_site.GetTavixDoc().GetSettings(), std::move(name)));
+        grid->SetColumnMemory(std::make_unique<StoredColumns>(m_site.GetTavixDoc().GetSettings(), std::move(name)));
     }
 }
 

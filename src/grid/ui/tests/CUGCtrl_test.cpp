@@ -3,8 +3,10 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
+#include <QMenu>
 #include <QScrollBar>
 #include <QTest>
+#include <QTimer>
 
 #include <gmock/gmock.h>
 
@@ -143,6 +145,48 @@ TEST(CUGCtrl, HomeAndEndGoToTheEndsOfTheList) {
     EXPECT_EQ(1U, grid.GetSelectedRows().size());
     grid.SetSource(nullptr);
     QTest::keyClick(&grid, Qt::Key_End);
+}
+
+/// The second column can be hidden.
+class WithOptional final : public Rows {
+  public:
+    WithOptional() : Rows(2) {}
+    GridColumn GetColumn(int column) const override {
+        GridColumn heading = Rows::GetColumn(column);
+        heading.isOptional = column == 1;
+        return heading;
+    }
+};
+
+TEST(CUGCtrl, TheMenuOfAHeadingShowsAndHidesOptionalColumns) {
+    WithOptional rows;
+    CUGCtrl grid;
+    show(grid, rows);
+    grid.SelectRow(1);
+    int further = -1;
+    grid.SetHeadingEntries([&further](QMenu&, int column) { further = column; });
+    // Opens the menu of the third heading and chooses an entry.
+    const auto choose = [&grid](const QString& entry) {
+        QTimer::singleShot(0, &grid, [entry] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            ASSERT_NE(nullptr, menu);
+            for (QAction* action : menu->actions()) {
+                if (action->text() == entry)
+                    action->trigger();
+            }
+            menu->close();
+        });
+        QHeaderView* header = grid.horizontalHeader();
+        Q_EMIT header->customContextMenuRequested({header->sectionViewportPosition(2) + 5, 5});
+    };
+    choose(QStringLiteral("H1"));
+    EXPECT_EQ(2, further);
+    EXPECT_TRUE(grid.isColumnHidden(1));
+    grid.CopySelection(true);
+    EXPECT_EQ("H0\tH2\r\nrow1\t7\r\n", toUtf8(QApplication::clipboard()->text()));
+    choose(QStringLiteral("H1"));
+    EXPECT_FALSE(grid.isColumnHidden(1));
+    EXPECT_EQ(130, grid.columnWidth(1));
 }
 
 } // namespace

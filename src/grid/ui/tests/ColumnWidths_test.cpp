@@ -13,14 +13,16 @@ using testing::firstColumn;
 using testing::Rows;
 using testing::show;
 
-class Memory final : public ColumnWidthMemory {
+class Memory final : public ColumnMemory {
   public:
     explicit Memory(std::map<std::string, int>& kept) : m_kept(kept) {}
-    std::optional<int> Read(const std::string& heading) const override {
+    std::optional<int> ReadWidth(const std::string& heading) const override {
         const auto width = m_kept.find(heading);
         return width == m_kept.end() ? std::nullopt : std::optional<int>(width->second);
     }
-    void Keep(const std::string& heading, int width) override { m_kept[heading] = width; }
+    void KeepWidth(const std::string& heading, int width) override { m_kept[heading] = width; }
+    std::optional<bool> ReadShown(const std::string&) const override { return std::nullopt; }
+    void KeepShown(const std::string&, bool) override {}
 
   private:
     std::map<std::string, int>& m_kept;
@@ -31,7 +33,7 @@ TEST(ColumnWidths, WidthsAreTheSourcesUntilTheUserDragsThemAndThenRemembered) {
     Rows rows(2);
     {
         CUGCtrl grid;
-        grid.SetWidthMemory(std::make_unique<Memory>(kept));
+        grid.SetColumnMemory(std::make_unique<Memory>(kept));
         grid.SetSource(&rows);
         EXPECT_EQ(130, grid.columnWidth(1));
         EXPECT_TRUE(kept.empty()) << "placing the columns is no choice of the user's";
@@ -44,7 +46,7 @@ TEST(ColumnWidths, WidthsAreTheSourcesUntilTheUserDragsThemAndThenRemembered) {
     EXPECT_THAT(kept, ::testing::UnorderedElementsAre(::testing::Pair("H1", 61), ::testing::Pair("H2", 200)));
     CUGCtrl again;
     again.SetSource(&rows);
-    again.SetWidthMemory(std::make_unique<Memory>(kept));
+    again.SetColumnMemory(std::make_unique<Memory>(kept));
     EXPECT_EQ(130, again.columnWidth(0));
     EXPECT_EQ(61, again.columnWidth(1));
     EXPECT_EQ(200, again.columnWidth(2));
@@ -73,7 +75,7 @@ TEST(ColumnWidths, OrderAndWidthBelongToTheColumnNotToItsHeading) {
     Remarked rows(false);
     CUGCtrl grid;
     grid.SetSource(&rows);
-    grid.SetWidthMemory(std::make_unique<Memory>(kept));
+    grid.SetColumnMemory(std::make_unique<Memory>(kept));
     grid.resize(600, 300);
     grid.show();
     grid.SortBy(1, true);
@@ -110,7 +112,7 @@ TEST(ColumnWidths, AColumnTakesTheRoomThatIsLeftUntilItIsDragged) {
     WithRest rows;
     {
         CUGCtrl grid;
-        grid.SetWidthMemory(std::make_unique<Memory>(kept));
+        grid.SetColumnMemory(std::make_unique<Memory>(kept));
         show(grid, rows, 800, 300);
         EXPECT_EQ(800 - 2 * 130, grid.columnWidth(1));
         grid.resize(300, 300);
