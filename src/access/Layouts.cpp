@@ -188,6 +188,7 @@ constexpr std::array kExecutionLog{
     Column{LogLevelCode, "Level", "l.level"},
     Column{LogTable, "Table", "CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END"},
     Column{LogText, "Text", "l.text"},
+    Column{LogTableId, "Table Id", "l.table_id"},
 };
 constexpr std::array kAlerts{
     Column{AlertId, "Id", "a.id"},

@@ -233,6 +233,7 @@ enum ExecutionLog {
     LogLevelCode = 1,
     LogTable = 2,
     LogText = 3,
+    LogTableId = 4,
 };
 
 enum Alerts {

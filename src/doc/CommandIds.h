@@ -36,6 +36,7 @@ enum class CommandId {
     WidenTableInformation = 40006,
     ShowInvisible = 40007,
     ChooseRun = 40010,
+    QuickSearch = 40020,
 };
 
 } // namespace tavix

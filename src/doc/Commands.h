@@ -15,7 +15,7 @@ struct TavixCommand {
 
 /// The commands that the viewer handles, in the order of a shell's menus. Their handlers are rows of the tables of the
 /// classes that carry them out, see CommandRow.
-inline constexpr std::array<TavixCommand, 17> kCommands = {{
+inline constexpr std::array<TavixCommand, 18> kCommands = {{
     {CommandId::New, "Close the report\nNew"},
     {CommandId::ChooseRun, "Choose the run to show from a list\nRuns..."},
     {CommandId::ToggleTableInformation, "Show or hide details of the table\nTable Information"},
@@ -32,6 +32,7 @@ inline constexpr std::array<TavixCommand, 17> kCommands = {{
     {CommandId::AddTableNote, "Add a note to the table notes list\nAdd Note to Table..."},
     {CommandId::DetachTabs, "Detach current tabs view\nDetach View"},
     {CommandId::AddFieldNote, "Add a note to the field notes list\nAdd Note to Field..."},
+    {CommandId::QuickSearch, "Search the values or patterns of the list\nQuick Search"},
     {CommandId::Filter, "Filter the contents of the report\nFilter..."},
     {CommandId::StopFiltering, "Stop filtering the report\nStop Filtering"},
 }};

@@ -38,9 +38,15 @@ std::size_t letterWidths(std::string_view text) {
 void CDrillThruDataSrc::SetRows(DrillRows rows) {
     m_rows = std::move(rows);
     freeMemory(m_order);
+    m_shown.reset();
     m_widths.clear();
     for (std::size_t column = 0; column < m_rows.columns().size(); ++column)
         m_widths.push_back(WidthOf(column));
+}
+
+void CDrillThruDataSrc::ShowOnly(std::optional<std::vector<std::uint32_t>> rows) {
+    m_shown = std::move(rows);
+    freeMemory(m_order);
 }
 
 // Wider than the default if the heading or the first rows need it.
@@ -73,28 +79,38 @@ GridCell CDrillThruDataSrc::GetCell(int column, std::int64_t row) const {
 }
 
 bool CDrillThruDataSrc::Sort(int column, bool descending) {
-    if (m_rows.count() < 2 || column < 0 || column >= GetColumnCount())
+    if (GetRowCount() < 2 || column < 0 || column >= GetColumnCount())
         return false;
     const auto textsFrom = [this, column](std::uint32_t first, std::span<std::string_view> texts) {
-        m_rows.texts(column, first, texts);
+        if (!m_shown) {
+            m_rows.texts(column, first, texts);
+            return;
+        }
+        for (std::size_t at = 0; at < texts.size(); ++at)
+            texts[at] = m_rows.cell(column, (*m_shown)[first + at]).text;
     };
-    m_order = sortedByText(m_rows.count(), textsFrom, descending);
+    m_order = sortedByText(static_cast<std::uint32_t>(GetRowCount()), textsFrom, descending);
+    if (m_shown) {
+        for (std::uint32_t& record : m_order)
+            record = (*m_shown)[record];
+    }
     return true;
 }
 
 std::optional<CellPlace> findText(const CDrillThruDataSrc& source, std::string_view text, CellPlace from,
-                                  SearchDirection direction, bool beyond) {
-    const std::int64_t columns = source.GetColumnCount();
+                                  SearchDirection direction, bool beyond, int column) {
+    const std::int64_t columns = column == kAllColumns ? source.GetColumnCount() : 1;
     const std::int64_t cells = source.GetRowCount() * columns;
     if (text.empty() || cells == 0)
         return std::nullopt;
     const FoldedFinder finder(text);
     const std::int64_t step = direction == SearchDirection::Forward ? 1 : -1;
-    std::int64_t at = std::clamp<std::int64_t>(from.row * columns + from.column, 0, cells - 1);
+    const std::int64_t inRow = column == kAllColumns ? from.column : 0;
+    std::int64_t at = std::clamp<std::int64_t>(from.row * columns + inRow, 0, cells - 1);
     if (beyond)
         at = (at + step + cells) % cells;
     for (std::int64_t left = cells; left > 0; --left, at = (at + step + cells) % cells) {
-        const CellPlace place{at / columns, static_cast<int>(at % columns)};
+        const CellPlace place{at / columns, column == kAllColumns ? static_cast<int>(at % columns) : column};
         if (finder.isIn(source.GetText(place.column, place.row).text))
             return place;
     }

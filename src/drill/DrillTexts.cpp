@@ -55,6 +55,13 @@ bool isDrillOffered(const SettingsStore& settings) {
     return foldCase(readText(settings, Setting::ConnectionType)) != "ctdd";
 }
 
+std::string searchStatus(std::int64_t shown, std::int64_t all, std::string_view statusOfAll) {
+    std::string status = groupedCount(shown) + " of " + countOf(all, "row") + (shown == 1 ? " matches" : " match");
+    if (statusOfAll != countOf(all, "row"))
+        status.append(". ").append(statusOfAll);
+    return status;
+}
+
 std::string drillStatus(const DrillResult& result, std::optional<std::int64_t> inRun) {
     std::string status = countStatus(result, inRun);
     for (const std::string& more : {result.reason, result.warning}) {

@@ -169,4 +169,17 @@ ParsedFilter ParseConditionBlock(std::string_view filterText, FilterAction actio
     return parsed;
 }
 
+std::string ComposeFilterText(const ConditionList& conditions, FilterAction action) {
+    const std::string block = WriteConditionBlock(conditions);
+    std::string text = block + BuildExpression(conditions, action);
+    constexpr std::string_view kCommentEnd = "*/";
+    const bool endsInTime = block.find(kCommentEnd) == block.rfind(kCommentEnd);
+    const FilterAction other =
+        action == FilterAction::RemoveFailing ? FilterAction::RemovePassing : FilterAction::RemoveFailing;
+    const ParsedFilter back = ParseConditionBlock(text, other);
+    if (endsInTime && back.conditions == conditions && back.action == action)
+        return text;
+    return text.substr(block.size());
+}
+
 } // namespace tavix

@@ -27,4 +27,8 @@ struct ParsedFilter {
 /// Takes linear time for any text. `action` is kept when the code does not state one.
 [[nodiscard]] ParsedFilter ParseConditionBlock(std::string_view filterText, FilterAction action);
 
+/// The filter text of a list: its block and its code, or the code alone when the block would read back differently or
+/// would end its comment too early.
+[[nodiscard]] std::string ComposeFilterText(const ConditionList& conditions, FilterAction action);
+
 } // namespace tavix

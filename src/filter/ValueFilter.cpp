@@ -91,20 +91,6 @@ std::optional<ConditionList> join(ConditionList first, Connector with, const Con
     return first;
 }
 
-/// Writes the filter text, without the block when that would not read back or would end its comment too early.
-std::string compose(const ConditionList& list, FilterAction action) {
-    const std::string block = WriteConditionBlock(list);
-    std::string text = block + BuildExpression(list, action);
-    constexpr std::string_view kCommentEnd = "*/";
-    const bool endsInTime = block.find(kCommentEnd) == block.rfind(kCommentEnd);
-    const FilterAction other =
-        action == FilterAction::RemoveFailing ? FilterAction::RemovePassing : FilterAction::RemoveFailing;
-    const ParsedFilter back = ParseConditionBlock(text, other);
-    if (endsInTime && back.conditions == list && back.action == action)
-        return text;
-    return text.substr(block.size());
-}
-
 } // namespace
 
 Result<std::string> FilterByValues(std::string_view filterText, DistributionKind kind,
@@ -135,7 +121,7 @@ Result<std::string> FilterByValues(std::string_view filterText, DistributionKind
                            same ? matching(chosen) : differing(chosen, kind));
     if (!list)
         return cannotExtend;
-    return compose(*list, parsed.action);
+    return ComposeFilterText(*list, parsed.action);
 }
 
 } // namespace tavix

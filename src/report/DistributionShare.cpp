@@ -24,8 +24,29 @@ std::string_view DistributionShare::ColumnKey() const {
     return m_kind == DistributionKind::Pattern ? "percent_of_non_null_rows" : "percent_of_rows";
 }
 
+namespace {
+
+std::int64_t countIn(const std::array<KvbString, kMetricCount>& metrics, MetricId id) {
+    return parseInteger(metrics[index(id)].view()).value_or(0);
+}
+
+} // namespace
+
 std::int64_t patternTotal(const std::array<KvbString, kMetricCount>& metrics) {
-    return parseInteger(metrics[index(MetricId::NonNullCount)].view()).value_or(0);
+    return countIn(metrics, MetricId::NonNullCount);
+}
+
+std::int64_t valueTotal(const std::array<KvbString, kMetricCount>& metrics) {
+    return countIn(metrics, MetricId::Count);
+}
+
+std::int64_t nullTotal(const std::array<KvbString, kMetricCount>& metrics) {
+    return countIn(metrics, MetricId::NullCount);
+}
+
+std::string passingText(DistributionKind kind, std::int64_t passing, std::int64_t all) {
+    const std::string_view noun = kind == DistributionKind::Pattern ? "non-null value" : "record";
+    return groupedCount(passing) + " of " + countOf(all, noun) + (all == 1 || passing == 1 ? " passes" : " pass");
 }
 
 } // namespace tavix

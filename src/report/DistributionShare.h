@@ -37,5 +37,11 @@ class DistributionShare {
 
 /// The total of a field's pattern distribution without a filter, from its metrics; 0 when they do not have it.
 [[nodiscard]] std::int64_t patternTotal(const std::array<KvbString, kMetricCount>& metrics);
+/// Likewise that of its values, all processed records, and how many of these are null.
+[[nodiscard]] std::int64_t valueTotal(const std::array<KvbString, kMetricCount>& metrics);
+[[nodiscard]] std::int64_t nullTotal(const std::array<KvbString, kMetricCount>& metrics);
+
+/// How many of all a filter lets pass: "102 of 1,000,000 records pass", "1 of 373 non-null values passes".
+[[nodiscard]] std::string passingText(DistributionKind kind, std::int64_t passing, std::int64_t all);
 
 } // namespace tavix

@@ -108,8 +108,9 @@ void ShellActions::makeActions() {
     // At most one of the two is enabled, so they share the keys.
     for (const CommandId note : {CommandId::AddTableNote, CommandId::AddFieldNote})
         command(note)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N));
-    command(CommandId::Filter)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
-    command(CommandId::StopFiltering)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F));
+    command(CommandId::QuickSearch)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
+    command(CommandId::Filter)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F));
+    command(CommandId::StopFiltering)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_X));
     command(CommandId::ChooseRun)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
     command(CommandId::NarrowNavigator)->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Left));
     command(CommandId::WidenNavigator)->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Right));

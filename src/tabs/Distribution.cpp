@@ -13,6 +13,13 @@ void add(std::int64_t& sum, std::int64_t count) {
         sum = count < 0 ? std::numeric_limits<std::int64_t>::min() : std::numeric_limits<std::int64_t>::max();
 }
 
+/// Counts the cursor's row among those that "Other" sums.
+void addToOther(Distribution& distribution, const ProfileCursor& rows, int valueColumn, std::int64_t count) {
+    ++distribution.otherEntries;
+    if (rows.isColumnNull(valueColumn))
+        add(distribution.otherNulls, count);
+}
+
 bool isFull(const Distribution& distribution, std::int64_t limit) {
     return static_cast<std::int64_t>(distribution.entries.size()) >= limit;
 }
@@ -27,8 +34,10 @@ Distribution readValueDistribution(ProfileCursor& rows, std::int64_t limit, std:
     while (!(knownTotal && isFull(distribution, limit)) && rows.next()) {
         const std::int64_t count = rows.getColumnInt64(layout::FreqCount);
         add(all, count);
-        if (isFull(distribution, limit))
+        if (isFull(distribution, limit)) {
+            addToOther(distribution, rows, layout::FreqValue, count);
             continue;
+        }
         distribution.entries.push_back({rows.getColumnValue(layout::FreqValue), count});
         add(shown, count);
     }
@@ -43,10 +52,12 @@ Distribution readPatternDistribution(ProfileCursor& rows, std::int64_t limit) {
     while (rows.next()) {
         const std::int64_t count = rows.getColumnInt64(layout::PatternCountColumn);
         add(distribution.total, count);
-        if (isFull(distribution, limit))
+        if (isFull(distribution, limit)) {
             add(distribution.other, count);
-        else
+            addToOther(distribution, rows, layout::PatternText, count);
+        } else {
             distribution.entries.push_back({rows.getColumnValue(layout::PatternText), count});
+        }
     }
     distribution.warning = rows.getWarning().str();
     return distribution;

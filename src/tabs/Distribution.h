@@ -16,13 +16,16 @@ struct Distribution {
         std::int64_t count = 0;
     };
     std::vector<Entry> entries;
-    std::int64_t total = 0; ///< sum of all counts, the base of the percentages
-    std::int64_t other = 0; ///< the count of the "Other" row, which exists unless this is 0
-    std::string warning;    ///< about rows for which the filter could not be evaluated; "" if there are none
+    std::int64_t total = 0;        ///< sum of all counts, the base of the percentages
+    std::int64_t other = 0;        ///< the count of the "Other" row, which exists unless this is 0
+    std::int64_t otherEntries = 0; ///< how many entries after the limit were counted; those not read are not
+    std::int64_t otherNulls = 0;   ///< the count of null among them
+    std::string warning;           ///< about rows for which the filter could not be evaluated; "" if there are none
 };
 
 /// The first `limit` values of a getFreqDist cursor. Reading stops there if the field's total is known; otherwise, for
-/// filtered rows, all rows are read to sum them. "Other" is the total minus the entries. Throws as the cursor does.
+/// filtered rows, all rows are read to sum and count them. "Other" is the total minus the entries. Throws as the cursor
+/// does.
 [[nodiscard]] Distribution readValueDistribution(ProfileCursor& rows, std::int64_t limit,
                                                  std::optional<std::int64_t> knownTotal);
 

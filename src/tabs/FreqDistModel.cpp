@@ -4,6 +4,8 @@
 #include "filter/ExpressionCheck.h"
 #include "filter/FilterMemory.h"
 #include "filter/FilterSummary.h"
+#include "filter/QuickSearch.h"
+#include "report/CountText.h"
 #include "settings/Settings.h"
 #include "tabs/DrillThroughModel.h"
 #include "tabs/FreqDistRows.h"
@@ -54,6 +56,13 @@ const KindRow& rowOf(DistributionKind kind) {
     return *std::find_if(kKinds.begin(), kKinds.end(), [kind](const KindRow& row) { return row.kind == kind; });
 }
 
+/// The first limit that is offered in place of a smaller one; further ones are ten times as high.
+constexpr std::int64_t kFirstStep = 1000;
+/// A list holds its entries in memory.
+constexpr std::int64_t kMostShown = 5'000'000;
+/// The entries of a list that is searched within a fraction of a second.
+constexpr std::int64_t kMostWhileTyping = 50'000;
+
 } // namespace
 
 std::string_view distributionListName(DistributionKind kind) {
@@ -89,11 +98,15 @@ FreqDistModel::Filling FreqDistModel::Fill(PrViewer& viewer, PrViewDisplayMessag
                                            const std::function<bool()>& wasStopped) {
     // A copy: the subject may change while a long list is being read.
     const FieldRecord field = *m_subject.field;
-    const std::int64_t limit = readInteger(m_document.GetSettings(), Setting::MaxFreqVals);
+    if (m_chosenLimit && m_chosenLimit->field != field.id)
+        m_chosenLimit.reset();
+    const std::int64_t limit = Limit();
     m_appliedFilter = GetFilter();
     const bool isFilled = m_rows.Fill(viewer, field, KvbString(m_appliedFilter), limit, &sink);
     const bool isStopped = !isFilled && wasStopped();
     m_failure = isFilled ? std::string() : viewer.getErrorString().str();
+    if (isFilled)
+        m_shown = {field.id, m_appliedFilter, limit};
     if (isStopped)
         KeepOrEmptyRows();
     // The user must be able to correct a filter that fails.
@@ -102,13 +115,112 @@ FreqDistModel::Filling FreqDistModel::Fill(PrViewer& viewer, PrViewDisplayMessag
 }
 
 // Keeps the previous rows if they are the field's and a filter is shown above them; without one they would be mistaken
-// for the whole list.
+// for the whole list, unless only more or fewer of its rows were asked for.
 void FreqDistModel::KeepOrEmptyRows() {
-    const bool keepsRows =
-        IsFiltered() && m_subject.field && m_loadedField == m_subject.field->id && m_rows.GetRowCount() > 0;
+    const bool hasRows = m_subject.field && m_loadedField == m_subject.field->id && m_rows.GetRowCount() > 0;
+    const bool isSameList = m_shown && m_subject.field && m_shown->field == m_subject.field->id &&
+                            m_shown->filter == GetFilter() && m_shown->limit != Limit();
+    const bool keepsRows = hasRows && (IsFiltered() || isSameList);
+    if (keepsRows && isSameList)
+        ShowUpTo(m_shown->limit);
     m_failure = keepsRows ? "The reading was stopped; the previous rows are shown." : "The reading was stopped.";
-    if (!keepsRows)
+    if (!keepsRows) {
         m_rows.ShowStopped();
+        m_shown.reset();
+        m_chosenLimit.reset();
+    }
+}
+
+std::int64_t FreqDistModel::UsualLimit() const {
+    return readInteger(m_document.GetSettings(), Setting::MaxFreqVals);
+}
+
+std::int64_t FreqDistModel::Limit() const {
+    const bool isChosen = m_chosenLimit && m_subject.field && m_chosenLimit->field == m_subject.field->id;
+    return isChosen ? m_chosenLimit->limit : UsualLimit();
+}
+
+void FreqDistModel::ShowUpTo(std::int64_t limit) {
+    if (m_subject.field)
+        m_chosenLimit = {m_subject.field->id, limit};
+}
+
+FreqDistModel::Extent FreqDistModel::ListExtent() const {
+    if (!CanFilter() || m_rows.GetRowCount() == 0)
+        return {};
+    const std::int64_t listed = m_rows.GetListed();
+    const std::int64_t all = listed + m_rows.GetFolded();
+    const std::int64_t usual = UsualLimit();
+    if (listed == all && listed <= usual)
+        return {};
+    Extent extent;
+    if (!m_failure.empty() && !IsFiltered())
+        extent.text = "The reading was stopped  ·  ";
+    const std::string_view noun = m_kind == DistributionKind::Pattern ? "pattern" : "value";
+    extent.text += listed == all ? "showing all " + countOf(all, noun)
+                                 : "showing " + groupedCount(listed) + " of " + countOf(all, noun);
+    const auto offer = [&extent](std::string text, std::int64_t limit) {
+        extent.steps.push_back({std::move(text), limit});
+    };
+    if (listed < all) {
+        std::int64_t next = kFirstStep;
+        while (next <= listed)
+            next *= 10;
+        if (next < all)
+            offer("show " + groupedCount(next), next);
+        if (all <= kMostShown)
+            offer("all", all);
+    }
+    if (listed > usual)
+        offer("show " + groupedCount(usual), usual);
+    return extent;
+}
+
+std::string FreqDistModel::BaseText() const {
+    if (!CanFilter() || !m_shown || m_shown->field != m_subject.field->id)
+        return {};
+    const FieldRecord& field = *m_subject.field;
+    const bool isPattern = m_kind == DistributionKind::Pattern;
+    const std::int64_t all = isPattern ? patternTotal(field.metrics) : valueTotal(field.metrics);
+    const DistributionShare& share = m_rows.GetShare();
+    if (!m_shown->filter.empty())
+        return passingText(m_kind, share.Total(), std::max(all, share.Total()));
+    const TableIdentity& table = m_subject.table;
+    std::string text = "Shares " + share.BaseText();
+    if (table.isSample && table.kind != TableKind::Filter && table.totalRecords >= 0)
+        text += ", a sample of " + groupedCount(table.totalRecords);
+    return text;
+}
+
+FreqDistModel::SearchField FreqDistModel::Search(std::string_view text) const {
+    SearchField field;
+    field.isEnabled = CanFilter();
+    field.placeholder = m_kind == DistributionKind::Pattern ? "Search patterns: text, =x, ~regexp"
+                                                            : "Search: text, =x, >n, 1..9, ~regexp, null";
+    const std::string& filter = GetFilter();
+    if (const auto meant = QuickFilter(text, m_kind); meant && *meant == filter) {
+        field.text = text;
+        return field;
+    }
+    if (auto typed = QuickSearchOf(filter, m_kind))
+        field.text = std::move(*typed);
+    else
+        field.placeholder = "(edited in the dialog)";
+    return field;
+}
+
+Result<std::optional<std::string>> FreqDistModel::FilterByText(std::string_view typed) const {
+    Result<std::string> filter = QuickFilter(typed, m_kind);
+    if (!filter)
+        return filter.error();
+    return *filter == GetFilter() ? std::optional<std::string>() : std::optional(std::move(*filter));
+}
+
+bool FreqDistModel::SearchesWhileTyping() const {
+    if (!m_subject.field)
+        return false;
+    const FieldRecord& field = *m_subject.field;
+    return (m_kind == DistributionKind::Pattern ? field.patternCount : field.freqCount) <= kMostWhileTyping;
 }
 
 bool FreqDistModel::CanFilter() const {
@@ -172,9 +284,10 @@ std::optional<std::string> FreqDistModel::FilterByRows(std::span<const std::int6
     return std::move(*filter);
 }
 
-void FreqDistModel::SetFilter(int fieldId, std::string filter) {
+void FreqDistModel::SetFilter(int fieldId, std::string filter, bool isProvisional) {
     // The filter applies even when the settings cannot be written.
-    (void)FilterMemory(m_document.GetSettings()).Remember(m_kind, filter);
+    if (!isProvisional)
+        (void)FilterMemory(m_document.GetSettings()).Remember(m_kind, filter);
     m_document.GetFieldFilters().Set(fieldId, m_kind, std::move(filter));
 }
 

@@ -15,6 +15,14 @@ namespace tavix {
 /// The only row of a list whose figures were not calculated for the field, in state Unknown.
 inline constexpr std::string_view kNotCalculated = "(Not calculated)";
 
+/// The line above a list: what its figures refer to.
+struct ListBase {
+    std::string text; ///< "" without a line
+    std::string toolTip;
+
+    bool operator==(const ListBase&) const = default;
+};
+
 /// Rows of a list that are held in memory. A derived class keeps one record per row, in the order of reading, and makes
 /// cells on demand; this class keeps the order on the screen. A row's key is the index of its record.
 class ListRows : public CUGDataSource {
@@ -25,6 +33,8 @@ class ListRows : public CUGDataSource {
     [[nodiscard]] const std::string& GetErrorText() const { return m_error; }
     /// A sentence that explains why there are no rows; "" when there are some.
     [[nodiscard]] std::string GetEmptyText() const;
+    /// What the figures in the rows refer to.
+    [[nodiscard]] virtual ListBase GetBase() const { return {}; }
     /// Whether the only row is a message in the first column.
     [[nodiscard]] bool IsPlaceholder() const { return m_isPlaceholder; }
 

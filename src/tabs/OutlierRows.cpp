@@ -3,6 +3,11 @@
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
 #include "base/GenException.h"
+#include "base/Metrics.h"
+#include "base/NumberText.h"
+#include "base/TypeWords.h"
+#include "report/CountText.h"
+#include "tabs/SubjectText.h"
 
 namespace tavix {
 
@@ -17,24 +22,36 @@ CellIcon fenceIcon(int fence) {
     return fence == 1 ? CellIcon::BeyondFence : fence == 2 ? CellIcon::FarBeyondFence : CellIcon::None;
 }
 
+ListBase baseOf(const FieldRecord& field, int low, int high) {
+    const std::int64_t distinct = parseInteger(field.metrics[index(MetricId::UniqueCount)].view()).value_or(0);
+    ListBase base;
+    base.text = "The " + groupedCount(low) + " lowest and the " + groupedCount(high) + " highest of " +
+                valuesThatCompare(field.typeCode, countOf(distinct, "distinct value"));
+    if (isNumericType(field.typeCode))
+        base.toolTip = "A mark shows a value beyond a fence: below Q1 − 1.5 · IQR or above Q3 + 1.5 · IQR; a strong "
+                       "mark, beyond 3.0 · IQR. Q1 and Q3 are the 25 and 75 % percentiles, and IQR is Q3 − Q1.";
+    return base;
+}
+
 } // namespace
 
 OutlierRows::OutlierRows() : ListRows({listColumn("Minimum Values", kWidth), listColumn("Maximum Values", kWidth)}) {}
 
-bool OutlierRows::Fill(PrViewer& viewer, int fieldId) try {
+bool OutlierRows::Fill(PrViewer& viewer, const FieldRecord& field) try {
     int low = 0;
     int high = 0;
-    if (!viewer.getOutliersCount(fieldId, low, high))
+    if (!viewer.getOutliersCount(field.id, low, high))
         return Fail(kFailed, viewer.getErrorString().view());
     const bool calculated = low != 0 || high != 0;
     std::vector<Pair> pairs;
     if (calculated) {
-        const ProfileCursorHandle rows = viewer.getOutliers(fieldId);
+        const ProfileCursorHandle rows = viewer.getOutliers(field.id);
         if (!rows)
             return Fail(kFailed, viewer.getErrorString().view());
         pairs = ReadPairs(*rows);
     }
     m_pairs = std::move(pairs);
+    m_base = calculated ? baseOf(field, low, high) : ListBase();
     if (calculated)
         ShowRecords(m_pairs.size());
     else
@@ -64,7 +81,12 @@ std::vector<OutlierRows::Pair> OutlierRows::ReadPairs(ProfileCursor& rows) {
 
 void OutlierRows::Clear() {
     m_pairs.clear();
+    m_base = {};
     ShowRecords(0);
+}
+
+ListBase OutlierRows::GetBase() const {
+    return m_base;
 }
 
 std::optional<KvbString> OutlierRows::GetValue(int column, std::int64_t row) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "report/FieldRecord.h"
 #include "tabs/ListRows.h"
 
 #include <array>
@@ -17,8 +18,10 @@ class OutlierRows final : public ListRows {
     OutlierRows();
 
     /// False when the repository fails: the rows are then unchanged, and GetErrorText() is the message.
-    bool Fill(PrViewer& viewer, int fieldId);
+    bool Fill(PrViewer& viewer, const FieldRecord& field);
     void Clear() override;
+    /// How many of the field's values are listed, and where the fences are.
+    [[nodiscard]] ListBase GetBase() const override;
 
     /// The cell's value, which may be null; nothing for an empty cell and for a placeholder.
     [[nodiscard]] std::optional<KvbString> GetValue(int column, std::int64_t row) const;
@@ -34,6 +37,7 @@ class OutlierRows final : public ListRows {
     [[nodiscard]] GridCell CellOf(int column, std::size_t record) const override;
 
     std::vector<Pair> m_pairs;
+    ListBase m_base;
 };
 
 } // namespace tavix

@@ -3,6 +3,8 @@
 #include "access/PrViewer.h"
 #include "base/GenException.h"
 
+#include <new>
+
 namespace tavix {
 
 namespace {
@@ -13,7 +15,7 @@ constexpr std::string_view kFailed = "Error occurred while retrieving pattern di
 } // namespace
 
 PatternDistRows::PatternDistRows()
-    : DistributionRows({listColumn("Pattern", kWidth), listColumn("Alternate", kWidth)}) {}
+    : DistributionRows(DistributionKind::Pattern, {listColumn("Pattern", kWidth), listColumn("Alternate", kWidth)}) {}
 
 bool PatternDistRows::Fill(PrViewer& viewer, const FieldRecord& field, const KvbString& filter, std::int64_t limit,
                            PrViewDisplayMessage* sink) try {
@@ -31,10 +33,12 @@ bool PatternDistRows::Fill(PrViewer& viewer, const FieldRecord& field, const Kvb
     for (const Distribution::Entry& entry : distribution.entries)
         alternates.push_back(viewer.getAbbreviatedPattern(entry.value).str());
     m_alternates = std::move(alternates);
-    Show(std::move(distribution), DistributionKind::Pattern, !filter.isEmpty(), "No pattern passes the filter.");
+    Show(std::move(distribution), field, !filter.isEmpty(), "No pattern passes the filter.");
     return true;
 } catch (const GenException& failure) {
     return Fail(kFailed, failure.getText().view());
+} catch (const std::bad_alloc&) {
+    return Fail(kFailed, "There is not enough memory for so many rows.");
 }
 
 GridCell PatternDistRows::EntryCell(int column, std::size_t entry) const {

@@ -3,6 +3,11 @@
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
 #include "base/GenException.h"
+#include "report/CountText.h"
+#include "report/DistributionShare.h"
+#include "tabs/SubjectText.h"
+
+#include <array>
 
 namespace tavix {
 
@@ -15,6 +20,33 @@ constexpr std::string_view kFailed = "Error occurred while retrieving percentile
 /// The number at the start of an interval such as "2.5 %".
 std::string figureOf(std::string_view interval) {
     return std::string(interval.substr(0, interval.find_first_not_of("0123456789.")));
+}
+
+struct Rule {
+    std::string_view name;
+    std::string_view explanation;
+};
+
+/// As runs store them.
+constexpr std::array<Rule, 2> kRules = {{
+    {"linear interpolation (R type 7)",
+     "With the n values in order and h = (n − 1) · p / 100, the percentile is the value at position ⌊h⌋, counted from "
+     "0, plus the fraction of h times the difference to the next value."},
+    {"nearest rank", "With the n values in order, the percentile is the value at position ⌈p · n / 100⌉, counted from "
+                     "1; at least the first."},
+}};
+
+ListBase baseOf(const FieldRecord& field) {
+    ListBase base;
+    const std::int64_t values = patternTotal(field.metrics);
+    base.text = "Percentiles of " + valuesThatCompare(field.typeCode, countOf(values, "non-null value"));
+    if (!field.quantileRule.empty())
+        base.text += ", by " + field.quantileRule;
+    for (const Rule& rule : kRules) {
+        if (rule.name == field.quantileRule)
+            base.toolTip = rule.explanation;
+    }
+    return base;
 }
 
 } // namespace
@@ -35,6 +67,7 @@ bool PercentileRows::Fill(PrViewer& viewer, const FieldRecord& field) try {
     }
     m_percentiles = std::move(percentiles);
     SetToolTip(kValueColumn, field.quantileRule.empty() ? "" : "Value, by " + field.quantileRule);
+    m_base = count == 0 ? ListBase() : baseOf(field);
     if (count == 0)
         ShowPlaceholder();
     else
@@ -46,7 +79,12 @@ bool PercentileRows::Fill(PrViewer& viewer, const FieldRecord& field) try {
 
 void PercentileRows::Clear() {
     m_percentiles.clear();
+    m_base = {};
     ShowRecords(0);
+}
+
+ListBase PercentileRows::GetBase() const {
+    return m_base;
 }
 
 GridCell PercentileRows::CellOf(int column, std::size_t record) const {

@@ -15,6 +15,8 @@ class PercentileRows final : public ListRows {
     /// False when the repository fails: the rows are then unchanged, and GetErrorText() is the message.
     bool Fill(PrViewer& viewer, const FieldRecord& field);
     void Clear() override;
+    /// The values that take part, and the rule by which the percentiles were computed.
+    [[nodiscard]] ListBase GetBase() const override;
 
   private:
     struct Percentile {
@@ -25,6 +27,7 @@ class PercentileRows final : public ListRows {
     [[nodiscard]] GridCell CellOf(int column, std::size_t record) const override;
 
     std::vector<Percentile> m_percentiles;
+    ListBase m_base;
 };
 
 } // namespace tavix

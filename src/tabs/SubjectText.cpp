@@ -55,6 +55,18 @@ bool hasInformation(const ReportSubject& subject) {
     return subject.selection.kind == ReportSelection::Kind::Table;
 }
 
+std::string valuesThatCompare(std::string_view typeCode, std::string_view among) {
+    const FieldTypeInfo* const type = findFieldType(typeCode);
+    if (!type || type->type == FieldType::Text)
+        return std::string(among);
+    const std::string_view noun = type->isNumeric ? "numbers" : type->type == FieldType::Date ? "dates" : "booleans";
+    std::string text = "the ";
+    text += noun;
+    text += " in ";
+    text += among;
+    return text;
+}
+
 std::string detailOf(const ReportSubject& subject) {
     Facts facts;
     if (subject.selection.fieldId == -1) {
@@ -73,6 +85,13 @@ std::string detailOf(const ReportSubject& subject) {
     if (const std::int64_t nulls = countOfMetric(*subject.field, MetricId::NullCount); nulls > 0)
         facts.add(countOf(nulls, "null"));
     return facts.text();
+}
+
+std::string damageOf(const ReportSubject& subject) {
+    // The table of a collection's field may be shown in another run.
+    if (subject.selection.kind != ReportSelection::Kind::Table || subject.table.damagedRecords <= 0)
+        return {};
+    return countOf(subject.table.damagedRecords, "damaged row");
 }
 
 } // namespace tavix

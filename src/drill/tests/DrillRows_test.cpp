@@ -142,6 +142,36 @@ TEST(CDrillThruDataSrc, WholeRowsMove) {
     EXPECT_FALSE(source.Sort(0, false));
 }
 
+TEST(CDrillThruDataSrc, ShowsTheRowsThatMatchASearchAndSortsThem) {
+    CDrillThruDataSrc source;
+    source.SetRows(rowsOf({{"10", "Straße"}, {"9", "lane"}, {"100", KvbString()}, {"x", "LANE 9"}}, 2));
+    const auto search = [&source](std::string_view typed, int column) {
+        const auto term = ParseQuickSearch(typed);
+        EXPECT_TRUE(term && *term) << typed;
+        auto rows = searchRows(source.GetRows(), **term, column);
+        if (!rows)
+            return std::vector<std::string>{rows.error().text};
+        source.ShowOnly(std::move(*rows));
+        return textsOf(source);
+    };
+    EXPECT_THAT(search("strasse", kAllColumns), ElementsAre("10")) << "as the window finds it";
+    EXPECT_THAT(search("9", kAllColumns), ElementsAre("9", "x"));
+    EXPECT_THAT(search("9", 0), ElementsAre("9"));
+    EXPECT_THAT(search(">9", 0), ElementsAre("10", "100"));
+    EXPECT_THAT(search("null", kAllColumns), ElementsAre("100"));
+    EXPECT_THAT(search("!null", kAllColumns), ElementsAre("10", "9", "x")) << "no cell is null";
+    EXPECT_THAT(search("<>lane", 1), ElementsAre("10", "100", "x"));
+    EXPECT_TRUE(search("~[", 1).front().find("missing") != std::string::npos) << search("~[", 1).front();
+    EXPECT_EQ(3, source.GetRowCount()) << "unchanged by a search that fails";
+    ASSERT_TRUE(source.Sort(0, true));
+    EXPECT_THAT(textsOf(source), ElementsAre("x", "100", "10"));
+    EXPECT_EQ(3, source.GetRowKey(0));
+    EXPECT_FALSE(source.ShowsAll());
+    EXPECT_EQ(CellPlace({0, 1}), findText(source, "lane", {2, 0}, SearchDirection::Forward, true, 1));
+    source.ShowOnly(std::nullopt);
+    EXPECT_THAT(textsOf(source), ElementsAre("10", "9", "100", "x"));
+}
+
 TEST(CDrillThruDataSrc, FindsTextsInEveryCellAndGoesRound) {
     CDrillThruDataSrc source;
     source.SetRows(rowsOf({{"Alpha", "x"}, {"beta", "\u00DCBER alpha"}, {"gamma", KvbString()}}, 2));

@@ -9,6 +9,8 @@
 #include "grid/ui/CUGCtrl.h"
 #include "settings/Settings.h"
 
+#include <QCheckBox>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFile>
 #include <QGuiApplication>
@@ -25,6 +27,8 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <chrono>
+#include <initializer_list>
 #include <utility>
 
 namespace tavix {
@@ -33,9 +37,11 @@ namespace {
 
 constexpr int kMargin = 12;
 constexpr QSize kUsualSize(900, 560);
-constexpr int kSmallestWidth = 420;
+constexpr int kSmallestWidth = 540;
 // A search in this many cells takes long enough to show the wait cursor.
 constexpr std::int64_t kManyCells = 1'000'000;
+/// Of typing, before rows are searched.
+constexpr std::chrono::milliseconds kPause(300);
 
 // As wide as the columns need, within limits.
 QSize sizeFor(const CDrillThruDataSrc& source, const QScreen* screen) {
@@ -80,7 +86,8 @@ CDrillThru::CDrillThru(DrillRequest request, ReadingProgress& progress, Settings
     const bool hasRows = m_source.GetRowCount() > 0;
     m_export->setEnabled(hasRows);
     m_print->setEnabled(hasRows);
-    m_find->setEnabled(hasRows);
+    for (QWidget* control : std::initializer_list<QWidget*>{m_find, m_column, m_onlyMatching})
+        control->setEnabled(hasRows);
     m_grid->SortBy(0, false);
     m_grid->SelectRow(0);
     m_grid->setFocus();
@@ -126,20 +133,6 @@ void CDrillThru::MakeControls(const std::string& subject) {
     strong.setWeight(QFont::DemiBold);
     m_subject->setFont(strong);
 
-    m_find = new QLineEdit(this);
-    m_find->setObjectName(QStringLiteral("find"));
-    m_find->setPlaceholderText(tr("Find in all columns (Ctrl+F)"));
-    m_find->setAccessibleName(tr("Find in all columns"));
-    m_find->setClearButtonEnabled(true);
-    m_find->setMinimumWidth(240);
-    m_find->setMaxLength(1000);
-    m_find->setTextMargins(4, 0, 4, 0);
-    m_notFound = new QLabel(tr("Not found"), this);
-    m_notFound->setObjectName(QStringLiteral("notFound"));
-    m_notFound->hide();
-    QToolButton* previous = arrowButton(Qt::UpArrow, tr("Find previous"), tr("Shift+F3"), this);
-    QToolButton* next = arrowButton(Qt::DownArrow, tr("Find next"), tr("F3"), this);
-
     m_grid = new CUGCtrl(this);
     m_grid->setAccessibleName(tr("Rows of the source"));
     m_status = new QLabel(this);
@@ -158,13 +151,11 @@ void CDrillThru::MakeControls(const std::string& subject) {
     for (QAbstractButton* button : buttons->buttons())
         static_cast<QPushButton*>(button)->setAutoDefault(false);
 
-    auto* above = new QHBoxLayout();
+    auto* above = new QVBoxLayout();
     above->setContentsMargins(kMargin, kMargin, kMargin, kMargin - 2);
-    above->addWidget(m_subject, 1);
-    above->addWidget(m_notFound);
-    above->addWidget(m_find);
-    above->addWidget(previous);
-    above->addWidget(next);
+    above->setSpacing(8);
+    above->addWidget(m_subject);
+    MakeSearch(*above);
     auto* below = new QHBoxLayout();
     below->setContentsMargins(kMargin, kMargin - 2, kMargin, kMargin);
     below->addWidget(m_status, 1);
@@ -180,9 +171,6 @@ void CDrillThru::MakeControls(const std::string& subject) {
     connect(close, &QPushButton::clicked, this, &QDialog::close);
     connect(m_export, &QAbstractButton::clicked, this, &CDrillThru::Export);
     connect(m_print, &QAbstractButton::clicked, this, &CDrillThru::Print);
-    connect(m_find, &QLineEdit::textChanged, this, [this] { Find(SearchDirection::Forward, false); });
-    connect(next, &QToolButton::clicked, this, [this] { Find(SearchDirection::Forward, true); });
-    connect(previous, &QToolButton::clicked, this, [this] { Find(SearchDirection::Backward, true); });
     const auto onKey = [this](const QKeySequence& keys, auto&& act) {
         connect(new QShortcut(keys, this), &QShortcut::activated, this, act);
     };
@@ -190,8 +178,58 @@ void CDrillThru::MakeControls(const std::string& subject) {
         m_find->setFocus(Qt::ShortcutFocusReason);
         m_find->selectAll();
     });
+    onKey(Qt::CTRL | Qt::SHIFT | Qt::Key_F, [this] { m_onlyMatching->toggle(); });
     onKey(Qt::Key_F3, [this] { Find(SearchDirection::Forward, true); });
     onKey(Qt::SHIFT | Qt::Key_F3, [this] { Find(SearchDirection::Backward, true); });
+}
+
+void CDrillThru::MakeSearch(QVBoxLayout& above) {
+    m_find = new QLineEdit(this);
+    m_find->setObjectName(QStringLiteral("find"));
+    m_find->setAccessibleName(tr("Find in all columns"));
+    m_find->setClearButtonEnabled(true);
+    m_find->setMinimumWidth(120);
+    m_find->setMaximumWidth(420);
+    m_find->setMaxLength(1000);
+    m_find->setTextMargins(4, 0, 4, 0);
+    m_column = new QComboBox(this);
+    m_column->setObjectName(QStringLiteral("searchedColumn"));
+    m_column->setAccessibleName(tr("Column to search"));
+    m_column->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_column->setMinimumContentsLength(14);
+    m_column->addItem(tr("All columns"));
+    m_onlyMatching = new QCheckBox(tr("&Only matching rows"), this);
+    m_onlyMatching->setObjectName(QStringLiteral("onlyMatching"));
+    m_onlyMatching->setToolTip(tr("Show the rows that match: text, =x, <>x, >n, 1..9, ~regexp, null (%1)")
+                                   .arg(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F).toString()));
+    m_notFound = new QLabel(this);
+    m_notFound->setObjectName(QStringLiteral("notFound"));
+    m_notFound->setTextFormat(Qt::PlainText);
+    m_notFound->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_notFound->hide();
+    QToolButton* previous = arrowButton(Qt::UpArrow, tr("Find previous"), tr("Shift+F3"), this);
+    QToolButton* next = arrowButton(Qt::DownArrow, tr("Find next"), tr("F3"), this);
+    auto* line = new QHBoxLayout();
+    line->addWidget(m_find, 3);
+    line->addWidget(previous);
+    line->addWidget(next);
+    line->addWidget(m_column);
+    line->addWidget(m_onlyMatching);
+    line->addWidget(m_notFound, 2);
+    line->addStretch(0);
+    above.addLayout(line);
+
+    m_pause.setSingleShot(true);
+    m_pause.setInterval(kPause);
+    connect(&m_pause, &QTimer::timeout, this, &CDrillThru::Filter);
+    connect(m_find, &QLineEdit::textChanged, this, &CDrillThru::SearchChanged);
+    connect(m_column, &QComboBox::currentIndexChanged, this, &CDrillThru::SearchChanged);
+    connect(m_onlyMatching, &QCheckBox::toggled, this, [this] {
+        Filter();
+        SearchChanged();
+    });
+    connect(next, &QToolButton::clicked, this, [this] { Find(SearchDirection::Forward, true); });
+    connect(previous, &QToolButton::clicked, this, [this] { Find(SearchDirection::Backward, true); });
 }
 
 void CDrillThru::ReadRows(DrillRequest request, ReadingProgress& progress) {
@@ -199,8 +237,12 @@ void CDrillThru::ReadRows(DrillRequest request, ReadingProgress& progress) {
     DrillResult result = readDrillRows(std::move(request.cursor), request.mode, limit,
                                        [&progress](std::int64_t rows) { return progress.Found(rows); });
     m_failed = result.end == DrillEnd::Failed;
-    m_status->setText(toQString(drillStatus(result, request.inRun)));
+    m_statusOfAll = drillStatus(result, request.inRun);
+    m_status->setText(toQString(m_statusOfAll));
     m_source.SetRows(std::move(result.rows));
+    for (const DrillColumn& column : m_source.GetRows().columns())
+        m_column->addItem(toQString(column.name).simplified());
+    SearchChanged();
 }
 
 void CDrillThru::Find(SearchDirection direction, bool beyond) {
@@ -208,8 +250,8 @@ void CDrillThru::Find(SearchDirection direction, bool beyond) {
     const auto busy = cells >= kManyCells ? m_messages.busy() : nullptr;
     const QModelIndex current = m_grid->currentIndex();
     const CellPlace from = current.isValid() ? CellPlace{current.row(), current.column()} : CellPlace{};
-    const auto found = findText(m_source, toUtf8(m_find->text()), from, direction, beyond);
-    m_notFound->setVisible(!found && !m_find->text().isEmpty());
+    const auto found = findText(m_source, toUtf8(m_find->text()), from, direction, beyond, SearchedColumn());
+    ShowProblem(!found && !m_find->text().isEmpty() ? tr("Not found") : QString());
     if (!found)
         return;
     const QModelIndex index = m_grid->model()->index(static_cast<int>(found->row), found->column);
@@ -217,8 +259,67 @@ void CDrillThru::Find(SearchDirection direction, bool beyond) {
     m_grid->scrollTo(index);
 }
 
+int CDrillThru::SearchedColumn() const {
+    return m_column->currentIndex() > 0 ? m_column->currentIndex() - 1 : kAllColumns;
+}
+
+void CDrillThru::ShowProblem(const QString& problem) {
+    m_notFound->setText(problem);
+    m_notFound->setToolTip(problem);
+    m_notFound->setVisible(!problem.isEmpty());
+}
+
+void CDrillThru::SearchChanged() {
+    const bool filters = m_onlyMatching->isChecked();
+    m_find->setPlaceholderText(
+        filters ? tr("Rows with: text, =x, >n, 1..9, ~regexp, null")
+                : tr("Find in %1 (Ctrl+F)")
+                      .arg(SearchedColumn() == kAllColumns ? tr("all columns") : m_column->currentText()));
+    ShowProblem({});
+    if (!filters)
+        return Find(SearchDirection::Forward, false);
+    const std::int64_t cells = std::int64_t{m_source.GetRows().count()} * m_source.GetColumnCount();
+    if (m_find->text().isEmpty())
+        Filter();
+    else if (cells < kManyCells) // else Return searches
+        m_pause.start();
+}
+
+void CDrillThru::Filter() {
+    m_pause.stop();
+    if (!m_onlyMatching->isChecked())
+        return ShowOnly(std::nullopt);
+    const Result<std::optional<QuickTerm>> term = ParseQuickSearch(toUtf8(m_find->text()));
+    if (term && !*term)
+        return ShowOnly(std::nullopt);
+    const auto busy = m_messages.busy();
+    Result<std::vector<std::uint32_t>> rows =
+        term ? searchRows(m_source.GetRows(), **term, SearchedColumn()) : term.error();
+    ShowProblem(rows ? QString() : toQString(rows.error().text));
+    // A text that is not understood leaves the rows as they are.
+    if (rows)
+        ShowOnly(std::move(*rows));
+}
+
+void CDrillThru::ShowOnly(std::optional<std::vector<std::uint32_t>> rows) {
+    if (!rows && m_source.ShowsAll())
+        return;
+    m_source.ShowOnly(std::move(rows));
+    m_grid->RowsRefilled();
+    m_grid->SelectRow(0);
+    const std::int64_t all = m_source.GetRows().count();
+    m_status->setText(
+        toQString(m_source.ShowsAll() ? m_statusOfAll : searchStatus(m_source.GetRowCount(), all, m_statusOfAll)));
+    for (QAbstractButton* button : {m_export, m_print})
+        button->setEnabled(m_source.GetRowCount() > 0);
+}
+
 void CDrillThru::keyPressEvent(QKeyEvent* event) {
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isEnter && m_find->hasFocus() && m_onlyMatching->isChecked())
+        return Filter();
+    if (event->key() == Qt::Key_Down && m_find->hasFocus())
+        return m_grid->setFocus();
     if (isEnter && m_find->hasFocus())
         return Find(event->modifiers().testFlag(Qt::ShiftModifier) ? SearchDirection::Backward
                                                                    : SearchDirection::Forward,

@@ -7,10 +7,17 @@
 #include "drill/ui/DrillDialogs.h"
 
 #include <QDialog>
+#include <QTimer>
 
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 class QAbstractButton;
+class QCheckBox;
+class QComboBox;
+class QVBoxLayout;
 class QLabel;
 class QLineEdit;
 
@@ -43,8 +50,16 @@ class CDrillThru final : public QDialog {
 
   private:
     void MakeControls(const std::string& subject);
+    void MakeSearch(QVBoxLayout& above);
     void ReadRows(DrillRequest request, ReadingProgress& progress);
     void Find(SearchDirection direction, bool beyond);
+    /// The text or its options have changed: finds the text, or soon shows the rows that match.
+    void SearchChanged();
+    /// Shows the rows that match, or all.
+    void Filter();
+    void ShowOnly(std::optional<std::vector<std::uint32_t>> rows);
+    void ShowProblem(const QString& problem);
+    [[nodiscard]] int SearchedColumn() const;
     void Export();
     void Print();
 
@@ -55,9 +70,13 @@ class CDrillThru final : public QDialog {
     CDrillThruDataSrc m_source;
     bool m_failed = false;
     QLabel* m_subject;
+    std::string m_statusOfAll;
     QLabel* m_notFound;
     QLabel* m_status;
     QLineEdit* m_find;
+    QComboBox* m_column;
+    QCheckBox* m_onlyMatching;
+    QTimer m_pause;
     CUGCtrl* m_grid;
     QAbstractButton* m_export;
     QAbstractButton* m_print;

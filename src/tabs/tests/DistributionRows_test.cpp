@@ -144,6 +144,45 @@ TEST_F(FreqDist, TheRestIsOneRowAndAllPercentagesSumToOneHundred) {
     EXPECT_EQ(-1, rows.GetOtherRow());
 }
 
+/// Painted text of "Other" and the two columns that are shown on demand: the other share, the cumulative one.
+std::vector<std::string> sharesOf(const DistributionRows& rows) {
+    const int count = rows.GetColumnCount();
+    std::vector<std::string> lines = {rows.GetColumn(count - 2).heading + " " + rows.GetColumn(count - 2).mark + ", " +
+                                      rows.GetColumn(count - 1).heading + " " + rows.GetColumn(count - 1).mark};
+    for (std::int64_t row = 0; row < rows.GetRowCount(); ++row)
+        lines.push_back(shownText(rows.GetCell(0, row)) + "|" + rows.GetCell(count - 2, row).text + "|" +
+                        rows.GetCell(count - 1, row).text);
+    return lines;
+}
+
+TEST_F(FreqDist, OtherSharesAreShownOnDemandAndOtherCountsItsValues) {
+    FreqDistRows rows;
+    const FieldRecord name = field("customers/name");
+    ASSERT_TRUE(rows.Fill(*m_viewer, name, {}, 3));
+    EXPECT_FALSE(isShownAtFirst(rows, 3) || isShownAtFirst(rows, 4));
+    // Null is 228 of the 1,000 records.
+    EXPECT_THAT(sharesOf(rows), ElementsAre("Non-null Share of 772 non-null values, Cumulative Share of 1,000 records",
+                                            "Ada|51.81 %|40.00 %", "Grace|39.12 %|70.20 %", "(null value)||93.00 %",
+                                            "Other (2 values)|9.07 %|100.00 %"));
+    // "Other" does not count the null that it sums as non-null.
+    ASSERT_TRUE(rows.Fill(*m_viewer, name, {}, 1));
+    EXPECT_EQ("Other (4 values)|48.19 %|100.00 %", sharesOf(rows).back());
+    ASSERT_TRUE(rows.Fill(*m_viewer, name, "`Count` < 400", 1));
+    EXPECT_THAT(sharesOf(rows),
+                ElementsAre("Non-null Share of 772 non-null values, Cumulative Share of 600 passing records",
+                            "Grace|39.12 %|50.33 %", "Other (3 values)|9.07 %|100.00 %"));
+    EXPECT_EQ(1, rows.GetListed());
+    EXPECT_EQ(3, rows.GetFolded());
+    EXPECT_TRUE(rows.Sort(4, true));
+    EXPECT_EQ("Other", rows.GetCell(0, 0).text) << "the greatest share, as a number";
+
+    PatternDistRows patterns;
+    ASSERT_TRUE(patterns.Fill(*m_viewer, field("customers/city"), {}, 1));
+    EXPECT_THAT(sharesOf(patterns),
+                ElementsAre("Share of Records of 11,332 records, Cumulative Share of 11,325 non-null values",
+                            "Aaaa 99|76.64 %|76.69 %", "Other (2 patterns)|23.30 %|100.00 %"));
+}
+
 TEST_F(FreqDist, OtherStaysLastOnlyWhereValuesAreSorted) {
     FreqDistRows rows;
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/name"), {}, 3));
@@ -165,7 +204,7 @@ TEST_F(FreqDist, OtherStaysLastOnlyWhereValuesAreSorted) {
     EXPECT_TRUE(rows.GetValue(1).isNull());
     EXPECT_EQ(KvbString("Grace"), rows.GetValue(2));
     EXPECT_EQ("Ada#0 Grace#1 (null value)#2 Other#3 ", values(2, true));
-    EXPECT_FALSE(rows.Sort(3, false));
+    EXPECT_FALSE(rows.Sort(5, false));
     EXPECT_FALSE(rows.Sort(-1, false));
 }
 

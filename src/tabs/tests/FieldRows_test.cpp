@@ -84,7 +84,7 @@ TEST_F(FieldRows, PercentilesShowIntervalsAndValuesAndTheirRule) {
 
 TEST_F(FieldRows, TheNthLowestAndHighestValueShareARow) {
     OutlierRows rows;
-    ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/balance").id));
+    ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/balance")));
     EXPECT_EQ("Minimum Values:180|Maximum Values:180", headingsOf(rows));
     const std::string beyond = fmt::format("<{}>", static_cast<int>(CellIcon::BeyondFence));
     const std::string farBeyond = fmt::format("<{}>", static_cast<int>(CellIcon::FarBeyondFence));
@@ -94,19 +94,47 @@ TEST_F(FieldRows, TheNthLowestAndHighestValueShareARow) {
     EXPECT_EQ(std::nullopt, rows.GetValue(0, 3));
     EXPECT_EQ(KvbString("8997"), rows.GetValue(1, 3));
 
-    ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/name").id));
+    ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/name")));
     EXPECT_THAT(linesOf(rows), ElementsAre("(Not calculated)?|"));
     EXPECT_EQ(std::nullopt, rows.GetValue(0, 0));
 }
 
+TEST_F(FieldRows, PercentilesAndOutliersSayOfWhichValuesAndByWhichRule) {
+    FieldRecord balance = field("customers/balance");
+    PercentileRows percentiles;
+    OutlierRows outliers;
+    EXPECT_EQ(ListBase(), percentiles.GetBase());
+    balance.quantileRule = "nearest rank";
+    balance.typeCode = "D";
+    ASSERT_TRUE(percentiles.Fill(*m_viewer, balance));
+    EXPECT_EQ("Percentiles of the dates in 1,000 non-null values, by nearest rank", percentiles.GetBase().text);
+    EXPECT_THAT(percentiles.GetBase().toolTip,
+                StartsWith("With the n values in order, the percentile is the value at"));
+    balance.quantileRule = "linear interpolation (R type 7)";
+    balance.typeCode = "I";
+    ASSERT_TRUE(percentiles.Fill(*m_viewer, balance));
+    EXPECT_EQ("Percentiles of the numbers in 1,000 non-null values, by linear interpolation (R type 7)",
+              percentiles.GetBase().text);
+    EXPECT_THAT(percentiles.GetBase().toolTip, StartsWith("With the n values in order and h = (n − 1) · p / 100"));
+    ASSERT_TRUE(outliers.Fill(*m_viewer, balance));
+    EXPECT_THAT(outliers.GetBase().text, StartsWith("The 3 lowest and the 5 highest of the numbers in "));
+    EXPECT_THAT(outliers.GetBase().toolTip, StartsWith("A mark shows a value beyond a fence: below Q1 − 1.5 · IQR"));
+    balance.typeCode = "S";
+    balance.quantileRule.clear();
+    ASSERT_TRUE(percentiles.Fill(*m_viewer, balance));
+    EXPECT_EQ((ListBase{"Percentiles of 1,000 non-null values", ""}), percentiles.GetBase());
+    ASSERT_TRUE(percentiles.Fill(*m_viewer, field("customers/name")));
+    EXPECT_EQ(ListBase(), percentiles.GetBase()) << "not calculated";
+}
+
 TEST_F(FieldRows, DamagedOutliersAreLeftOut) {
-    const int balance = field("customers/balance").id;
+    const FieldRecord balance = field("customers/balance");
     testing::runScript(m_sample.path,
                        fmt::format("UPDATE outlier SET value = NULL WHERE field = {0} AND side = 'L' AND position = 1;"
                                    "UPDATE outlier SET position = 2000000000 WHERE field = {0} AND side = 'H' AND "
                                    "position = 3;"
                                    "UPDATE outlier SET position = -5 WHERE field = {0} AND side = 'H' AND position = 4",
-                                   balance));
+                                   balance.id));
     OutlierRows rows;
     ASSERT_TRUE(rows.Fill(*m_viewer, balance));
     ASSERT_EQ(3, rows.GetRowCount());
@@ -145,11 +173,11 @@ TEST_F(FieldRows, AFailureLeavesTheRowsThatAreShown) {
     OutlierRows outliers;
     PkFkRows keys;
     ASSERT_TRUE(percentiles.Fill(*m_viewer, balance));
-    ASSERT_TRUE(outliers.Fill(*m_viewer, balance.id));
+    ASSERT_TRUE(outliers.Fill(*m_viewer, balance));
     ASSERT_TRUE(keys.Fill(*m_viewer, m_sample.fields.at("suppliers/id")));
     m_viewer->close();
     EXPECT_FALSE(percentiles.Fill(*m_viewer, balance));
-    EXPECT_FALSE(outliers.Fill(*m_viewer, balance.id));
+    EXPECT_FALSE(outliers.Fill(*m_viewer, balance));
     EXPECT_FALSE(keys.Fill(*m_viewer, m_sample.fields.at("suppliers/id")));
     EXPECT_EQ(5, percentiles.GetRowCount());
     EXPECT_EQ(5, outliers.GetRowCount());

@@ -1,6 +1,8 @@
 #include "access/PrViewDisplayMessage.h"
 #include "access/PrViewer.h"
+#include "filter/FilterMemory.h"
 #include "report/FieldRecords.h"
+#include "settings/Settings.h"
 #include "support/LongList.h"
 #include "tabs/DistributionRows.h"
 #include "tabs/FreqDistModel.h"
@@ -188,6 +190,89 @@ TEST_F(FreqDistModels, AStoppedReadingKeepsFilteredRowsOnly) {
     EXPECT_EQ(Lines(), linesOf(*m_values.rows));
     EXPECT_EQ("The reading was stopped before its end.", m_values.rows->GetEmptyText());
     EXPECT_TRUE(m_values.model.CanFilter());
+}
+
+TEST_F(FreqDistModels, TheSearchFieldAndTheDialogEditOneFilter) {
+    using Search = FreqDistModel::SearchField;
+    const std::string hint = "Search: text, =x, >n, 1..9, ~regexp, null";
+    select("name");
+    EXPECT_FALSE(m_values.model.Search("").isEnabled);
+    EXPECT_EQ("", m_values.model.BaseText());
+    ASSERT_EQ(Filling::Done, fill(m_values));
+    EXPECT_EQ((Search{true, "", hint}), m_values.model.Search(""));
+    EXPECT_EQ("Shares of 1,000 records", m_values.model.BaseText());
+    EXPECT_TRUE(m_values.model.SearchesWhileTyping());
+
+    const auto filter = m_values.model.FilterByText("RA");
+    ASSERT_TRUE(filter && *filter);
+    m_values.model.SetFilter(m_subject.field->id, **filter, true);
+    EXPECT_EQ(0U, FilterMemory(*m_settings).Recent(DistributionKind::Frequency).size()) << "while the user types";
+    ASSERT_EQ(Filling::Done, fill(m_values));
+    EXPECT_EQ(Lines({"Grace|>302|>100.00[1.00]"}), linesOf(*m_values.rows));
+    EXPECT_EQ("302 of 1,000 records pass", m_values.model.BaseText());
+    EXPECT_EQ("Only rows with: Value contains \"RA\" (case insensitive)", m_values.model.FilterLine().text);
+    EXPECT_EQ((Search{true, "RA", hint}), m_values.model.Search("x")) << "of a filter set elsewhere";
+    EXPECT_EQ((Search{true, " RA ", hint}), m_values.model.Search(" RA ")) << "as it was typed";
+    EXPECT_EQ(std::nullopt, *m_values.model.FilterByText("RA")) << "the list has it";
+    EXPECT_EQ("Enter a value after >", m_values.model.FilterByText(">").error().text);
+
+    setFilter("`Count` > 300");
+    EXPECT_EQ((Search{true, "", "(edited in the dialog)"}), m_values.model.Search("RA"));
+    EXPECT_EQ("", m_values.model.FilterByText("")->value_or("?"));
+    setFilter("");
+    EXPECT_EQ((Search{true, "", hint}), m_values.model.Search("RA"));
+
+    Tab patterns(m_document, m_subject, DistributionKind::Pattern);
+    select("since");
+    ASSERT_EQ(Filling::Done, fill(patterns));
+    EXPECT_EQ("Shares of 999 non-null values", patterns.model.BaseText());
+    patterns.model.SetFilter(m_subject.field->id, **patterns.model.FilterByText("a"));
+    ASSERT_EQ(Filling::Done, fill(patterns));
+    EXPECT_EQ("0 of 999 non-null values pass", patterns.model.BaseText());
+}
+
+std::string extentOf(const FreqDistModel& model) {
+    const FreqDistModel::Extent extent = model.ListExtent();
+    std::string text = extent.text;
+    for (const auto& step : extent.steps)
+        text += fmt::format(" · {} [{}]", step.text, step.limit);
+    return text;
+}
+
+TEST_F(FreqDistModels, TheLimitIsChangedForThisListUntilTheNextField) {
+    const auto list = testing::LongList::build(m_folder.file("long.tavix"));
+    ASSERT_TRUE(m_document.OpenReport(list.path, list.job));
+    select(list.table, list.field);
+    EXPECT_EQ("", extentOf(m_values.model));
+    ASSERT_EQ(Filling::Done, fill(m_values));
+    EXPECT_EQ("showing 100 of 10,000 values · show 1,000 [1000] · all [10000]", extentOf(m_values.model));
+    m_values.model.ShowUpTo(1000);
+    ASSERT_EQ(Filling::Done, fill(m_values));
+    EXPECT_EQ(1001, m_values.rows->GetRowCount());
+    EXPECT_EQ("showing 1,000 of 10,000 values · all [10000] · show 100 [100]", extentOf(m_values.model));
+    EXPECT_EQ("", readText(*m_settings, Setting::MaxFreqVals)) << "the option stays as it is";
+
+    // Stopped, the list is as before.
+    const Lines before = linesOf(*m_values.rows);
+    m_sink.stops = true;
+    m_values.model.ShowUpTo(10000);
+    EXPECT_EQ(Filling::Stopped, fill(m_values));
+    EXPECT_EQ(before, linesOf(*m_values.rows));
+    EXPECT_EQ("The reading was stopped  ·  showing 1,000 of 10,000 values · all [10000] · show 100 [100]",
+              extentOf(m_values.model));
+    m_sink.stops = false;
+    m_values.model.ShowUpTo(10000);
+    ASSERT_EQ(Filling::Done, fill(m_values));
+    EXPECT_EQ(10000, m_values.rows->GetRowCount());
+    EXPECT_EQ("showing all 10,000 values · show 100 [100]", extentOf(m_values.model));
+
+    ASSERT_TRUE(m_document.OpenReport(m_sample.path, m_sample.salesJob));
+    select("city");
+    ASSERT_EQ(Filling::Done, fill(m_values));
+    EXPECT_EQ("showing 100 of 151 values · all [151]", extentOf(m_values.model));
+    setFilter("`Count` > 149");
+    ASSERT_EQ(Filling::Done, fill(m_values));
+    EXPECT_EQ("", extentOf(m_values.model)) << "all are shown";
 }
 
 } // namespace

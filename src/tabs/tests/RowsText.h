@@ -9,11 +9,19 @@
 
 namespace tavix {
 
-/// A row as it is shown: "text|text", with "?" after an unknown value, "~" after a null value, "<n>" for an icon
-/// and "[share]" for a bar; right-aligned texts begin with ">".
+/// Whether the user sees the column without asking for it.
+inline bool isShownAtFirst(const CUGDataSource& rows, int column) {
+    const GridColumn shown = rows.GetColumn(column);
+    return !shown.isOptional || shown.isShownAtFirst;
+}
+
+/// A row as it is shown at first: "text|text", with "?" after an unknown value, "~" after a null value, "<n>" for an
+/// icon and "[share]" for a bar; right-aligned texts begin with ">".
 inline std::string lineOf(const CUGDataSource& rows, std::int64_t row) {
     std::string line;
     for (int column = 0; column < rows.GetColumnCount(); ++column) {
+        if (!isShownAtFirst(rows, column))
+            continue;
         const GridCell cell = rows.GetCell(column, row);
         line += column > 0 ? "|" : "";
         line += cell.alignment == CellAlignment::Right ? ">" : "";
@@ -35,10 +43,13 @@ inline std::vector<std::string> linesOf(const CUGDataSource& rows) {
     return lines;
 }
 
-/// "heading:width" of every column, with ">" before headings to the right and "{}" around a mark.
+/// "heading:width" of every column that is shown at first, with ">" before headings to the right and "{}" around a
+/// mark.
 inline std::string headingsOf(const CUGDataSource& rows) {
     std::string text;
     for (int column = 0; column < rows.GetColumnCount(); ++column) {
+        if (!isShownAtFirst(rows, column))
+            continue;
         const GridColumn heading = rows.GetColumn(column);
         text += fmt::format("{}{}{}{}:{}", column > 0 ? "|" : "", heading.alignment == CellAlignment::Right ? ">" : "",
                             heading.heading, heading.mark.empty() ? "" : "{" + heading.mark + "}", heading.width);

@@ -5,7 +5,10 @@
 #include "doc/CTavixDoc.h"
 #include "grid/ui/CUGCtrl.h"
 #include "settings/Settings.h"
+#include "tabs/ui/QuietPalette.h"
 
+#include <QAbstractButton>
+#include <QEvent>
 #include <QLabel>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -13,12 +16,20 @@
 
 namespace tavix {
 
+namespace {
+
+constexpr int kMargin = 12;
+constexpr int kBaseGap = 5;
+
+} // namespace
+
 CListTab::CListTab(std::string_view name, CViewSite& site, const ReportSubject& subject, bool isTornOff,
                    QWidget* parent)
     : CProfTab(site, subject, isTornOff, parent),
       m_stack(new QStackedWidget(this)),
       m_grid(new CUGCtrl(this)),
-      m_note(new QLabel(this)) {
+      m_note(new QLabel(this)),
+      m_base(new QLabel(this)) {
     setObjectName(toQString(name).toLower().remove(u' '));
     m_grid->setAccessibleName(toQString(name));
     m_note->setObjectName(QStringLiteral("note"));
@@ -27,12 +38,20 @@ CListTab::CListTab(std::string_view name, CViewSite& site, const ReportSubject& 
     m_note->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_note->setAlignment(Qt::AlignCenter);
     m_note->setWordWrap(true);
-    m_note->setMargin(12);
+    m_note->setMargin(kMargin);
+    m_base->setObjectName(QStringLiteral("listBase"));
+    m_base->setTextFormat(Qt::PlainText);
+    m_base->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_base->setContentsMargins(kMargin, kBaseGap, kMargin, kBaseGap);
+    m_base->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_base->setPalette(quietPalette(palette()));
+    m_base->hide();
     m_stack->addWidget(m_grid);
     m_stack->addWidget(m_note);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
+    layout->addWidget(m_base);
     layout->addWidget(m_stack, 1);
 }
 
@@ -41,6 +60,15 @@ void CListTab::AddAbove(QWidget& widget) {
     const QList<QWidget*> inside = widget.findChildren<QWidget*>();
     if (!inside.isEmpty())
         setTabOrder(inside.back(), m_grid);
+}
+
+void CListTab::AddFooter(QWidget& line) {
+    layout()->addWidget(&line);
+    QWidget* before = m_grid;
+    for (QAbstractButton* button : line.findChildren<QAbstractButton*>()) {
+        setTabOrder(before, button);
+        before = button;
+    }
 }
 
 void CListTab::AddBelow(QWidget& widget, QWidget* last) {
@@ -118,7 +146,22 @@ void CListTab::Fill(bool isSameObject) {
         m_grid->SourceChanged();
     m_grid->SelectRow(current);
     ShowNote(!note.empty() || !viewer ? note : m_rows->GetEmptyText());
+    ShowBase(note.empty() && viewer ? m_rows->GetBase() : ListBase());
     RowsChanged();
+}
+
+void CListTab::ShowBase(const ListBase& base) {
+    m_base->setText(toQString(base.text));
+    m_base->setToolTip(base.toolTip.empty() ? QString()
+                                            : QStringLiteral("<p>%1</p>").arg(toQString(base.toolTip).toHtmlEscaped()));
+    m_base->setAccessibleDescription(toQString(base.toolTip));
+    m_base->setVisible(!base.text.empty());
+}
+
+void CListTab::changeEvent(QEvent* event) {
+    CProfTab::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        m_base->setPalette(quietPalette(palette()));
 }
 
 void CListTab::ShowNote(const std::string& note) {

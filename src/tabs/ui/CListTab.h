@@ -45,6 +45,9 @@ class CListTab : public CProfTab {
     /// Puts a widget above the list and before it in the tab order. Takes ownership.
     void AddAbove(QWidget& widget);
 
+    /// Puts a line below the list and its buttons after it in the tab order. Takes ownership.
+    void AddFooter(QWidget& line);
+
     /// Puts a widget below the list, visible while the list is. `last` is its last control that takes the focus. Takes
     /// ownership.
     void AddBelow(QWidget& widget, QWidget* last);
@@ -59,14 +62,18 @@ class CListTab : public CProfTab {
     /// Called after each filling.
     virtual void RowsChanged() {}
 
+    void changeEvent(QEvent* event) override;
+
   private:
     void TakeRows(std::unique_ptr<ListRows> rows);
     void ShowNote(const std::string& note);
+    void ShowBase(const ListBase& base);
 
     std::unique_ptr<ListRows> m_rows; ///< null until the derived class has made them
     QStackedWidget* m_stack;
     CUGCtrl* m_grid;
     QLabel* m_note;
+    QLabel* m_base; ///< the line above the list
     QWidget* m_below = nullptr;
     QWidget* m_lastBelow = nullptr;
 };

@@ -10,6 +10,7 @@
 #include "settings/Settings.h"
 #include "tabs/StoredColumns.h"
 #include "tabs/SubjectText.h"
+#include "tabs/ui/CDamagedRowsDlg.h"
 #include "tabs/ui/CProfTab.h"
 #include "tabs/ui/CProfTabCtrl.h"
 #include "tabs/ui/ViewHeader.h"
@@ -52,6 +53,7 @@ CReportView::CReportView(CViewSite& site, ReportPaneKind kind, std::span<const T
     layout->addWidget(m_pages, 1);
     connect(m_header, &ViewHeader::DetailsClicked, this, &CReportView::ShowDetails);
     connect(m_header, &ViewHeader::DetachClicked, this, &CReportView::DetachRequested);
+    connect(m_header, &ViewHeader::DamageClicked, this, &CReportView::ShowDamagedRows);
     if (!isTornOff)
         connect(m_strip, &CProfTabCtrl::TabDoubleClicked, this, &CReportView::DetachRequested);
     for (const TabRow& row : table)
@@ -188,6 +190,7 @@ void CReportView::CloseReport() {
 
 void CReportView::ShowHeader() {
     m_header->SetText(toQString(titleOf(m_subject)), toQString(detailOf(m_subject)));
+    m_header->SetDamage(toQString(damageOf(m_subject)));
     m_header->EnableDetails(hasInformation(m_subject));
     for (int i = 0; i < GetTabCount(); ++i)
         m_strip->SetCaption(i, CaptionOf(i));
@@ -280,6 +283,12 @@ void CReportView::ShowDetails() {
     const std::string text = m_site.GetDetailsText(m_subject.selection);
     if (!text.empty())
         CDetailsDlg::Show(text, *this);
+}
+
+void CReportView::ShowDamagedRows() {
+    CTavixDoc& document = m_site.GetTavixDoc();
+    if (PrViewer* viewer = document.GetViewer(); viewer && !damageOf(m_subject).empty())
+        CDamagedRowsDlg::Show(*viewer, m_subject.table, document.GetSettings(), document.GetMessages(), *this);
 }
 
 void CReportView::StepTab(int by) {

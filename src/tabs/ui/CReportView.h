@@ -89,6 +89,7 @@ class CReportView : public QWidget, public CReportPane {
     void ShowHeader();
     void ShowTab(int index);
     void ShowDetails();
+    void ShowDamagedRows();
 
     CViewSite& m_site;
     ReportPaneKind m_kind;

@@ -57,7 +57,7 @@ CTabColProf::~CTabColProf() {
 
 void CTabColProf::MakeOutliers() {
     m_outliers = &ShowRows(std::make_unique<OutlierRows>());
-    m_fill = [this](PrViewer& viewer) { return m_outliers->Fill(viewer, Subject().field->id); };
+    m_fill = [this](PrViewer& viewer) { return m_outliers->Fill(viewer, *Subject().field); };
     QAction* action = m_drill.MakeAction();
     Grid().addAction(action);
     connect(action, &QAction::triggered, this, &CTabColProf::OnDrillThrough);

@@ -9,7 +9,8 @@
 #include "filter/ui/CFilterDlg.h"
 #include "grid/ui/CUGCtrl.h"
 #include "tabs/DistributionRows.h"
-#include "tabs/ui/FilterLine.h"
+#include "tabs/ui/ExtentLine.h"
+#include "tabs/ui/SearchLine.h"
 
 #include <QAction>
 #include <QItemSelectionModel>
@@ -20,7 +21,8 @@ namespace tavix {
 
 namespace {
 
-constexpr std::array<CommandRow<CTabFreqDist>, 2> kCommands = {{
+constexpr std::array<CommandRow<CTabFreqDist>, 3> kCommands = {{
+    {CommandId::QuickSearch, &CTabFreqDist::OnQuickSearch, &CTabFreqDist::CanFilter},
     {CommandId::Filter, &CTabFreqDist::OnFilter, &CTabFreqDist::CanFilter},
     {CommandId::StopFiltering, &CTabFreqDist::OnStopFiltering, &CTabFreqDist::CanStopFiltering},
 }};
@@ -37,15 +39,17 @@ CTabFreqDist::CTabFreqDist(CViewSite& site, const ReportSubject& subject, bool i
       m_rows(ShowRows(makeDistributionRows(kindOf(itemCode)))),
       m_model(site.GetTavixDoc(), subject, kindOf(itemCode), m_rows, isTornOff),
       m_drill(site, *this),
-      m_line(new FilterLine(this)),
+      m_line(new SearchLine(this)),
+      m_extent(new ExtentLine(this)),
       m_drillThrough(m_drill.MakeAction()),
       m_filter(new QAction(tr("&Filter..."), this)),
       m_stop(new QAction(tr("S&top Filtering"), this)),
       m_keep(new QAction(this)),
       m_exclude(new QAction(this)) {
     AddAbove(*m_line);
+    AddFooter(*m_extent);
     MakeActions();
-    ShowFilterLine();
+    ShowLines();
 }
 
 void CTabFreqDist::MakeActions() {
@@ -65,8 +69,11 @@ void CTabFreqDist::MakeActions() {
     connect(m_stop, &QAction::triggered, this, &CTabFreqDist::OnStopFiltering);
     connect(m_keep, &QAction::triggered, this, [this] { FilterToSelected(ValueChoice::Keep); });
     connect(m_exclude, &QAction::triggered, this, [this] { FilterToSelected(ValueChoice::Exclude); });
-    connect(m_line, &FilterLine::EditClicked, this, &CTabFreqDist::OnFilter);
-    connect(m_line, &FilterLine::StopClicked, this, &CTabFreqDist::OnStopFiltering);
+    connect(m_line, &SearchLine::EditClicked, this, &CTabFreqDist::OnFilter);
+    connect(m_line, &SearchLine::StopClicked, this, &CTabFreqDist::OnStopFiltering);
+    connect(m_line, &SearchLine::SearchRequested, this, &CTabFreqDist::Search);
+    connect(m_line, &SearchLine::ListRequested, this, &CTabFreqDist::GoToList);
+    connect(m_extent, &ExtentLine::LimitChosen, this, &CTabFreqDist::ShowUpTo);
     connect(Grid().selectionModel(), &QItemSelectionModel::selectionChanged, this, &CTabFreqDist::ShowActions);
 }
 
@@ -100,6 +107,31 @@ void CTabFreqDist::OnStopFiltering() {
         SetFilter(Subject().field->id, {});
 }
 
+void CTabFreqDist::OnQuickSearch() {
+    if (CanFilter())
+        m_line->FocusSearch();
+}
+
+void CTabFreqDist::Search(bool isFinal) {
+    if (!CanFilter())
+        return;
+    Result<std::optional<std::string>> filter = m_model.FilterByText(toUtf8(m_line->GetText()));
+    m_line->ShowProblem(filter ? QString() : toQString(filter.error().text));
+    if (filter && *filter)
+        SetFilter(Subject().field->id, std::move(**filter), !isFinal);
+}
+
+void CTabFreqDist::GoToList() {
+    if (Grid().isVisible() && Grid().GetCurrentRow() < 0)
+        Grid().SelectRow(0);
+    Grid().setFocus(Qt::OtherFocusReason);
+}
+
+void CTabFreqDist::ShowUpTo(qint64 limit) {
+    m_model.ShowUpTo(limit);
+    SubjectChanged();
+}
+
 void CTabFreqDist::OnDrillThrough() {
     const std::int64_t row = Grid().GetCurrentRow();
     if (!m_model.CanDrillThrough(row))
@@ -116,8 +148,8 @@ void CTabFreqDist::FilterToSelected(ValueChoice choice) {
         SetFilter(Subject().field->id, std::move(*filter));
 }
 
-void CTabFreqDist::SetFilter(int fieldId, std::string filter) {
-    m_model.SetFilter(fieldId, std::move(filter));
+void CTabFreqDist::SetFilter(int fieldId, std::string filter, bool isProvisional) {
+    m_model.SetFilter(fieldId, std::move(filter), isProvisional);
     FilterChanged();
     // Torn-off windows may show the field as well.
     Site().Broadcast(this, RefreshHint::FilterChanged, fieldId);
@@ -126,7 +158,7 @@ void CTabFreqDist::SetFilter(int fieldId, std::string filter) {
 void CTabFreqDist::FilterChanged() {
     Q_EMIT CaptionChanged();
     SubjectChanged();
-    ShowFilterLine();
+    ShowLines();
 }
 
 void CTabFreqDist::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) {
@@ -147,12 +179,12 @@ std::string CTabFreqDist::GetObstacle() const {
 bool CTabFreqDist::FillRows(PrViewer& viewer) {
     ReadingProgress progress(ReadingKind::List, this, Site().GetPatienceMilliseconds());
     const auto filling = m_model.Fill(viewer, progress, [&progress] { return progress.WasCancelled(); });
-    ShowFilterLine();
+    ShowLines();
     return filling != FreqDistModel::Filling::Failed;
 }
 
 void CTabFreqDist::RowsChanged() {
-    ShowFilterLine();
+    ShowLines();
     ShowActions();
 }
 
@@ -160,13 +192,17 @@ QString CTabFreqDist::GetCaptionMark() const {
     return m_model.IsFiltered() ? tr("(Filtered)") : QString();
 }
 
-void CTabFreqDist::ShowFilterLine() {
-    const FreqDistModel::Line line = m_model.FilterLine();
-    const bool hadFocus = m_line->isAncestorOf(focusWidget()) && m_line->isVisible();
-    m_line->setVisible(line.isShown);
-    if (line.isShown)
-        m_line->ShowText(toQString(line.text), line.isAlarming);
-    else if (hadFocus)
+void CTabFreqDist::ShowLines() {
+    QWidget* const focused = focusWidget();
+    const bool hadFocus = focused && focused->isVisible() && isAncestorOf(focused);
+    m_line->SetSearchesWhileTyping(m_model.SearchesWhileTyping());
+    m_line->ShowSearch(m_model.Search(toUtf8(m_line->GetText())));
+    m_line->ShowBase(toQString(m_model.BaseText()));
+    m_line->ShowFilter(m_model.FilterLine());
+    m_line->setVisible(CanFilter());
+    m_extent->ShowExtent(m_model.ListExtent());
+    // A button that is not there any more.
+    if (hadFocus && !focused->isVisible())
         Grid().setFocus();
 }
 
@@ -183,6 +219,8 @@ void CTabFreqDist::ShowActions() {
 }
 
 QWidget* CTabFreqDist::GetLastTabStop() {
+    if (QWidget* const link = m_extent->GetLastTabStop())
+        return link;
     QWidget* last = CListTab::GetLastTabStop();
     return last || !m_line->isVisibleTo(this) ? last : m_line->GetLastTabStop();
 }

@@ -11,7 +11,8 @@ class QAction;
 
 namespace tavix {
 
-class FilterLine;
+class ExtentLine;
+class SearchLine;
 
 /// Two tabs of a field, by item code: how often each value occurs (Frequency), how often each pattern does (any other
 /// code). The document keeps a filter for each. FreqDistModel decides; this class shows.
@@ -29,6 +30,8 @@ class CTabFreqDist final : public CListTab {
     [[nodiscard]] CommandState UpdateCommand(int commandId) const override;
     [[nodiscard]] static std::span<const CommandRow<CTabFreqDist>> CommandRows();
 
+    /// Puts the keyboard into the search field.
+    void OnQuickSearch();
     void OnFilter();
     [[nodiscard]] bool CanFilter() const { return m_model.CanFilter(); }
     void OnStopFiltering();
@@ -43,16 +46,22 @@ class CTabFreqDist final : public CListTab {
   private:
     void MakeActions();
     void ShowActions();
-    void ShowFilterLine();
+    /// Shows the lines above and below the list.
+    void ShowLines();
     void OnDrillThrough();
     void FilterToSelected(ValueChoice choice);
-    void SetFilter(int fieldId, std::string filter);
+    void SetFilter(int fieldId, std::string filter, bool isProvisional = false);
+    /// Filters by the text of the search field; `isFinal` remembers the filter.
+    void Search(bool isFinal);
+    void GoToList();
+    void ShowUpTo(qint64 limit);
     void FilterChanged();
 
     DistributionRows& m_rows; ///< owned by the list
     FreqDistModel m_model;
     DrillThrough m_drill;
-    FilterLine* m_line;
+    SearchLine* m_line;
+    ExtentLine* m_extent;
     QAction* m_drillThrough;
     QAction* m_filter;
     QAction* m_stop;

@@ -45,8 +45,9 @@ void CTearOff::AddKeys() {
                         [this](CommandId id) { return m_view->ExecuteCommand(static_cast<int>(id)); });
         });
     };
-    onKeys(Qt::CTRL | Qt::Key_F, {CommandId::Filter});
-    onKeys(Qt::CTRL | Qt::SHIFT | Qt::Key_F, {CommandId::StopFiltering});
+    onKeys(Qt::CTRL | Qt::Key_F, {CommandId::QuickSearch});
+    onKeys(Qt::CTRL | Qt::SHIFT | Qt::Key_F, {CommandId::Filter});
+    onKeys(Qt::CTRL | Qt::SHIFT | Qt::Key_X, {CommandId::StopFiltering});
     onKeys(Qt::CTRL | Qt::SHIFT | Qt::Key_N, {CommandId::AddTableNote, CommandId::AddFieldNote});
 }
 

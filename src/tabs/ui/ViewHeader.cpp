@@ -1,5 +1,6 @@
 #include "tabs/ui/ViewHeader.h"
 
+#include "tabs/ui/LinkButton.h"
 #include "tabs/ui/QuietPalette.h"
 
 #include <QEvent>
@@ -51,6 +52,7 @@ ViewHeader::ViewHeader(QWidget* parent)
     : QWidget(parent),
       m_title(new QLabel(this)),
       m_detail(new QLabel(this)),
+      m_damage(new LinkButton(this)),
       m_details(new QToolButton(this)),
       m_detach(new QToolButton(this)) {
     m_title->setObjectName(QStringLiteral("viewTitle"));
@@ -78,6 +80,10 @@ ViewHeader::ViewHeader(QWidget* parent)
         button->setIconSize({kIcon, kIcon});
         button->setFocusPolicy(Qt::TabFocus);
     }
+    m_damage->setObjectName(QStringLiteral("damagedRows"));
+    m_damage->setToolTip(tr("List the damaged rows with their lines and reasons"));
+    m_damage->hide();
+    connect(m_damage, &QPushButton::clicked, this, &ViewHeader::DamageClicked);
     connect(m_details, &QToolButton::clicked, this, &ViewHeader::DetailsClicked);
     connect(m_detach, &QToolButton::clicked, this, &ViewHeader::DetachClicked);
 
@@ -86,6 +92,7 @@ ViewHeader::ViewHeader(QWidget* parent)
     layout->setSpacing(4);
     layout->addWidget(m_title);
     layout->addWidget(m_detail, 1);
+    layout->addWidget(m_damage);
     layout->addWidget(m_details);
     layout->addWidget(m_detach);
     ApplyLook();
@@ -95,6 +102,12 @@ void ViewHeader::SetText(const QString& title, const QString& detail) {
     m_title->setText(title);
     m_detail->setText(QStringLiteral("  ") + detail);
     m_detail->setToolTip(detail);
+}
+
+void ViewHeader::SetDamage(const QString& text) {
+    m_damage->setText(text);
+    m_damage->setVisible(!text.isEmpty());
+    m_damage->updateGeometry();
 }
 
 void ViewHeader::EnableDetails(bool hasDetails) {
@@ -107,7 +120,9 @@ void ViewHeader::HideButtons() {
 }
 
 QWidget* ViewHeader::GetLastTabStop() const {
-    return m_detach->isHidden() ? nullptr : m_detach;
+    if (!m_detach->isHidden())
+        return m_detach;
+    return m_damage->isHidden() ? nullptr : m_damage;
 }
 
 void ViewHeader::ApplyLook() {

@@ -7,6 +7,8 @@ class QToolButton;
 
 namespace tavix {
 
+class LinkButton;
+
 /// The line above the tabs: title, details and the buttons of the view.
 class ViewHeader final : public QWidget {
     Q_OBJECT
@@ -14,6 +16,8 @@ class ViewHeader final : public QWidget {
     explicit ViewHeader(QWidget* parent = nullptr);
 
     void SetText(const QString& title, const QString& detail);
+    /// The link that opens the list of damaged rows; "" removes it.
+    void SetDamage(const QString& text);
     /// Whether details can be shown.
     void EnableDetails(bool hasDetails);
     void HideButtons();
@@ -23,6 +27,7 @@ class ViewHeader final : public QWidget {
   Q_SIGNALS:
     void DetailsClicked();
     void DetachClicked();
+    void DamageClicked();
 
   protected:
     void changeEvent(QEvent* event) override;
@@ -32,6 +37,7 @@ class ViewHeader final : public QWidget {
 
     QLabel* m_title;
     QLabel* m_detail;
+    LinkButton* m_damage;
     QToolButton* m_details;
     QToolButton* m_detach;
 };

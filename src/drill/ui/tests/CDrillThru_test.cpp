@@ -10,7 +10,9 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QCheckBox>
 #include <QClipboard>
+#include <QComboBox>
 #include <QFile>
 #include <QHeaderView>
 #include <QLabel>
@@ -179,6 +181,45 @@ TEST_F(DrillThru, TypingFindsCellsOfAllColumns) {
     QTest::keyClick(&find, Qt::Key_Escape);
     EXPECT_TRUE(window.isVisible() && find.text().isEmpty() && grid(window).hasFocus());
     EXPECT_FALSE(notFound.isVisible());
+}
+
+TEST_F(DrillThru, ShowsOnlyTheRowsThatMatchTheSearch) {
+    FakeSource source = sampleSource({"alpha", "beta", "Alphabet"});
+    CDrillThru& window = *open(openDrill(source), DrillOrigin::Frequency, 5);
+    QApplication::setActiveWindow(&window);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    auto& find = *window.findChild<QLineEdit*>(QStringLiteral("find"));
+    auto& only = *window.findChild<QCheckBox*>(QStringLiteral("onlyMatching"));
+    auto& columns = *window.findChild<QComboBox*>(QStringLiteral("searchedColumn"));
+    const auto& notFound = *window.findChild<QLabel*>(QStringLiteral("notFound"));
+    EXPECT_EQ("Find in all columns (Ctrl+F)", toUtf8(find.placeholderText()));
+    QTest::keyClick(&window, Qt::Key_F, Qt::ControlModifier);
+    QTest::keyClicks(&find, QStringLiteral("~^.l"));
+    EXPECT_EQ("Not found", toUtf8(notFound.text())) << "as a text";
+    QTest::keyClick(&window, Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(only.isChecked());
+    EXPECT_THAT(column(window, 2), ElementsAre("alpha", "Alphabet"));
+    EXPECT_EQ("2 of 3 rows match. 5 in the run, 3 now: the source changed since", status(window));
+    EXPECT_FALSE(notFound.isVisible());
+    EXPECT_TRUE(find.hasFocus());
+    if (const QString folder = qEnvironmentVariable("TAVIX_SHOTS"); !folder.isEmpty())
+        window.grab().save(folder + QStringLiteral("/drill-search.png"));
+    // Another column, after a pause.
+    columns.setCurrentIndex(3);
+    find.setText(QStringLiteral("beta"));
+    QTRY_COMPARE(grid(window).model()->rowCount(), 1);
+    columns.setCurrentIndex(1);
+    QTRY_COMPARE(grid(window).model()->rowCount(), 0);
+    EXPECT_FALSE(button(window, "export").isEnabled());
+    // A text that is not understood changes nothing.
+    find.setText(QStringLiteral(">"));
+    QTest::keyClick(&find, Qt::Key_Return);
+    EXPECT_EQ("Enter a value after >", toUtf8(notFound.text()));
+    EXPECT_EQ(0, grid(window).model()->rowCount());
+    QTest::keyClick(&find, Qt::Key_Escape);
+    EXPECT_EQ(3, grid(window).model()->rowCount());
+    EXPECT_EQ("5 in the run, 3 now: the source changed since", status(window));
+    EXPECT_TRUE(button(window, "export").isEnabled() && grid(window).hasFocus());
 }
 
 TEST_F(DrillThru, ExportsCopiesAndPrints) {

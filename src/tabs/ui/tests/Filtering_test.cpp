@@ -10,7 +10,7 @@
 #include "support/SampleRepository.h"
 #include "tabs/ui/CFieldView.h"
 #include "tabs/ui/CTabFreqDist.h"
-#include "tabs/ui/FilterLine.h"
+#include "tabs/ui/SearchLine.h"
 
 #include <QAction>
 #include <QApplication>
@@ -61,7 +61,8 @@ class Filtering : public ::testing::Test {
         std::string text;
         for (int row = 0; row < grid.model()->rowCount(); ++row) {
             for (int column = 0; column < grid.model()->columnCount(); ++column)
-                text += toUtf8(grid.model()->index(row, column).data().toString()) + '|';
+                if (!grid.isColumnHidden(column))
+                    text += toUtf8(grid.model()->index(row, column).data().toString()) + '|';
             text += '\n';
         }
         return text;
@@ -70,10 +71,11 @@ class Filtering : public ::testing::Test {
     std::string caption(int index) {
         return toUtf8(m_view->findChild<QTabBar*>(QStringLiteral("tabStrip"))->tabText(index));
     }
-    /// "" while it is hidden.
+    /// The summary of the filter; "" while there is none.
     std::string line(CTabFreqDist& tab) {
-        auto* line = tab.findChild<FilterLine*>();
-        return line->isVisible() ? toUtf8(line->findChild<QLabel*>()->accessibleName()) : "";
+        auto* line = tab.findChild<SearchLine*>();
+        return line->isVisible() ? toUtf8(line->findChild<QLabel*>(QStringLiteral("filterText"))->accessibleName())
+                                 : "";
     }
     std::string line() { return line(tab()); }
     /// Which of the two commands are enabled.
