@@ -64,6 +64,19 @@ CLI::Validator wholeNumber(std::int64_t least, std::int64_t most) {
         "");
 }
 
+CLI::Validator percentage() {
+    return CLI::Validator(
+        [](std::string& text) {
+            const std::string_view digits = std::string_view(text).substr(0, text.find_last_not_of(" %") + 1);
+            const auto number = parseNumber(digits);
+            if (!number || *number < 0 || *number > 100)
+                return fmt::format("\"{}\" is not a percentage from 0 to 100", text);
+            text = formatReal(*number);
+            return std::string();
+        },
+        "");
+}
+
 CLI::Validator oneOf(std::vector<std::string> words) {
     return CLI::Validator(
         [words = std::move(words)](std::string& text) {

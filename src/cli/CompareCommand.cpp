@@ -10,12 +10,16 @@
 #include "cli/RunChoice.h"
 #include "cli/Session.h"
 #include "cli/Signals.h"
+#include "report/ChangeRanking.h"
+#include "report/CountText.h"
+#include "report/ReportTables.h"
 #include "report/RunComparison.h"
 
 #include <CLI/App.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <span>
 
 namespace tavix::cli {
 
@@ -23,6 +27,9 @@ namespace {
 
 constexpr int kPercentPlaces = 2;
 constexpr std::int64_t kMostTop = 100'000;
+constexpr std::size_t kRankedLines = 20;
+constexpr std::size_t kExamples = 3;
+constexpr std::size_t kExamplesOfField = 10;
 
 std::string_view wordOf(RunChange::Subject subject) {
     using Subject = RunChange::Subject;
@@ -91,6 +98,8 @@ class ChangeList {
         row.insert(row.end(),
                    {isExact ? exact(change.before) : change.before, isExact ? exact(change.after) : change.after,
                     differenceOf(change), percent(change.percentBefore), percent(change.percentAfter)});
+        if (!m_isText)
+            row.emplace_back(change.weight);
         m_listing.row(row);
     }
 
@@ -147,6 +156,8 @@ class ChangeList {
                                                        {"difference", "Difference", figure},
                                                        {"percent_before", "% before", number, kPercentPlaces},
                                                        {"percent_after", "% after", number, kPercentPlaces}});
+        if (!m_isText)
+            section.columns.push_back({"weight", "Share", number});
         m_listing.begin(section);
         m_isOpen = true;
     }
@@ -156,6 +167,75 @@ class ChangeList {
     bool m_isOpen = false;
     std::string m_title;
 };
+
+/// Writes the ranked changes as text: the first ones, or those of at least so many percent, and how many are left.
+class RankedList {
+  public:
+    RankedList(const CommonOptions& options, const ChangeRanking& ranking)
+        : m_listing(options, Sections::Several), m_ranking(ranking), m_lines(ranking.ranked()) {}
+
+    void write(std::optional<double> atLeast) {
+        auto end = m_lines.begin() + static_cast<std::ptrdiff_t>(std::min(m_lines.size(), kRankedLines));
+        if (atLeast)
+            end = std::find_if(m_lines.begin(), m_lines.end(),
+                               [&](const RankedChange& line) { return line.weight < *atLeast; });
+        std::int64_t rest = m_ranking.size();
+        for (auto line = m_lines.begin(); line != end; ++line)
+            rest -= line->changes;
+        if (m_ranking.size() == 0)
+            say("No difference");
+        else if (end == m_lines.begin())
+            say(fmt::format("No change of {} % of the rows or more", formatReadable(*atLeast)));
+        else
+            writeLines({m_lines.begin(), end});
+        if (rest > 0)
+            say(fmt::format("and {}; --all lists {}", countOf(rest, "further change"), rest == 1 ? "it" : "them"));
+        m_listing.finish();
+    }
+
+  private:
+    void say(const std::string& sentence) { m_listing.begin({"changes", sentence, {}}); }
+
+    void writeLines(std::span<const RankedChange> lines) {
+        const Column::Kind number = Column::Kind::Number;
+        m_listing.begin({"changes",
+                         countOf(m_ranking.size(), "change") + ", those of the largest share of rows first",
+                         {{"weight", "% of rows", number, kPercentPlaces},
+                          {"subject", "Table or field"},
+                          {"what", "What"},
+                          {"before", "Before", number},
+                          {"after", "After", number},
+                          {"change", "Change", Column::Kind::Prose}}});
+        const auto cell = [](const std::string& text) { return text.empty() ? KvbDatavar() : KvbDatavar(text); };
+        for (const RankedChange& line : lines)
+            m_listing.row(Row{line.weight,
+                              line.field.empty() ? line.table : fmt::format("{}.{}", line.table, line.field), line.what,
+                              cell(line.before), cell(line.after), cell(line.change)});
+        m_listing.end();
+    }
+
+    Listing m_listing;
+    const ChangeRanking& m_ranking;
+    std::vector<RankedChange> m_lines;
+};
+
+/// Appends the fields with that name: FIELD of any table, or TABLE.FIELD.
+void appendFields(Session& session, const std::string& wanted, const std::optional<std::string>& onlyTable,
+                  std::set<std::pair<std::string, std::string>>& chosen, std::vector<std::string>& known) {
+    for (const TableIdentity& table : session.tables()) {
+        const std::string& name = table.displayName();
+        if (onlyTable && name != *onlyTable)
+            continue;
+        const std::vector<FieldAddress> addresses = readFieldAddress(wanted, {&name, 1});
+        for (const NamedField& field : readFieldNames(session.viewer(), table.id)) {
+            const bool isAddressed = std::any_of(addresses.begin(), addresses.end(),
+                                                 [&](const FieldAddress& each) { return each.field == field.name; });
+            if (isAddressed || field.name == wanted)
+                chosen.emplace(name, field.name);
+            known.push_back(fmt::format("{}.{}", name, field.name));
+        }
+    }
+}
 
 } // namespace
 
@@ -170,6 +250,14 @@ CLI::App* CompareCommand::declare(CLI::App& program) {
         ->transform(wholeNumber(1, kMostRun))
         ->allow_extra_args(false);
     command->add_option("-t,--table", m_table, "Compare only this table")->type_name("NAME");
+    command->add_option("-f,--field", m_field, "Compare only this field: TABLE.FIELD, or FIELD of any table")
+        ->type_name("NAME");
+    command
+        ->add_option("--at-least", m_atLeast,
+                     "Only changes that concern at least this share of the rows, instead of the first twenty")
+        ->type_name("PERCENT")
+        ->transform(percentage());
+    command->add_flag("--all", m_all, "In text: each difference by itself, in the order of tables and fields");
     command
         ->add_option(
             "--top", m_top,
@@ -180,10 +268,13 @@ CLI::App* CompareCommand::declare(CLI::App& program) {
     command->footer(
         "Lists only differences: new and vanished tables and fields, numbers of records, metrics, custom\n"
         "metrics, rules, and for each field the new, vanished and most moved values and patterns with their\n"
-        "rows and shares. The order is fixed, and no time or run number is written, so two results can be\n"
-        "compared with diff.\n\n"
+        "rows and shares. In text, they are summed up and ordered by the share of the rows that they concern,\n"
+        "and the first twenty are shown; figures that follow from the number of records are told once.\n"
+        "--all, JSON and CSV have each difference by itself. The order is fixed, and no time or run number is\n"
+        "written, so two results can be compared with diff.\n\n"
         "Examples:\n"
         "  tavix compare -R profile.tavix --job sales\n"
+        "  tavix compare -R profile.tavix --job sales --field customers.city --at-least 0.5\n"
         "  tavix compare -R profile.tavix --job sales --run 3 --run 7 --top 20 --format csv -o changes.csv");
     return command;
 }
@@ -221,22 +312,49 @@ void CompareCommand::run(const CommonOptions& options) {
     const Runs runs = chooseRuns(after);
     before.selectRun(runs.before);
     after.selectRun(runs.after);
-    if (m_table) {
-        std::vector<std::string> names;
-        for (Session* session : {&after, &before})
-            for (const TableIdentity& table : session->tables())
-                if (std::find(names.begin(), names.end(), table.displayName()) == names.end())
-                    names.push_back(table.displayName());
-        (void)pickByName("table", *m_table, names);
-    }
-    say(fmt::format("run {} of job \"{}\" compared with run {}", runs.before, after.jobName(), runs.after));
-    ChangeList list(options);
+    checkTable(before, after);
     RunComparisonOptions comparison;
     comparison.top = static_cast<std::size_t>(m_top);
     comparison.table = m_table;
     comparison.pulse = [] { stopIfInterrupted(); };
-    compareRuns(before.viewer(), after.viewer(), comparison, [&](const RunChange& change) { list.add(change); });
+    if (m_field)
+        comparison.fields = chooseFields(before, after);
+    say(fmt::format("run {} of job \"{}\" compared with run {}", runs.before, after.jobName(), runs.after));
+    if (options.format == Format::Text && !m_all) {
+        ChangeRanking ranking(m_field ? kExamplesOfField : kExamples);
+        compareRuns(before.viewer(), after.viewer(), comparison, [&](const RunChange& change) { ranking.add(change); });
+        RankedList(options, ranking).write(m_atLeast);
+        return;
+    }
+    ChangeList list(options);
+    compareRuns(before.viewer(), after.viewer(), comparison, [&](const RunChange& change) {
+        if (change.weight >= m_atLeast.value_or(0))
+            list.add(change);
+    });
     list.finish();
+}
+
+void CompareCommand::checkTable(Session& before, Session& after) const {
+    if (!m_table)
+        return;
+    std::vector<std::string> names;
+    for (Session* session : {&after, &before})
+        for (const TableIdentity& table : session->tables())
+            if (std::find(names.begin(), names.end(), table.displayName()) == names.end())
+                names.push_back(table.displayName());
+    (void)pickByName("table", *m_table, names);
+}
+
+CompareCommand::FieldNames CompareCommand::chooseFields(Session& before, Session& after) const {
+    FieldNames chosen;
+    std::vector<std::string> known;
+    for (Session* session : {&after, &before})
+        appendFields(*session, *m_field, m_table, chosen, known);
+    std::sort(known.begin(), known.end());
+    known.erase(std::unique(known.begin(), known.end()), known.end());
+    if (chosen.empty())
+        (void)pickByName("field", *m_field, known);
+    return chosen;
 }
 
 } // namespace tavix::cli

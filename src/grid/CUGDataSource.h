@@ -58,6 +58,8 @@ struct GridCell {
     CellIcon icon = CellIcon::None;
     bool alertMark = false;
     double bar = kNoBar; ///< length of the bar behind the text as a share of the cell's width, 0 to 1; below 0: none
+    double barBefore =
+        kNoBar; ///< the same of an earlier run: drawn above `bar`, each half as high. Such a cell has no text
 
     CellPicture picture;
     std::string toolTip; ///< more lines for the tooltip

@@ -5,7 +5,9 @@
 #include <xxhash.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
+#include <numbers>
 #include <random>
 #include <string>
 #include <utility>
@@ -156,6 +158,39 @@ struct MoreFrequent {
     }
 };
 
+/// The sum over texts that DistributionChanges::shareByGrowth is made of, in rows.
+class Fluctuation {
+  public:
+    /// `before` and `after` are the rows of the two runs, in either order.
+    Fluctuation(std::int64_t before, std::int64_t after)
+        : m_added(static_cast<double>(std::abs(after - before)) /
+                  static_cast<double>(std::max<std::int64_t>(1, std::min(before, after)))) {}
+
+    /// A text of the run with fewer rows.
+    void add(std::int64_t count) {
+        // The texts come by descending count, so most of them have that of the one before.
+        if (count != m_count) {
+            m_count = count;
+            m_rows = rowsOf(static_cast<double>(count) * m_added, count == 1);
+        }
+        m_sum += m_rows;
+    }
+    [[nodiscard]] double sum() const { return m_sum; }
+
+  private:
+    /// Half the mean deviation of a Poisson distribution: exact below 1, its limit above.
+    static double rowsOf(double expected, bool isKey) {
+        if (isKey)
+            return expected;
+        return expected < 1 ? expected * std::exp(-expected) : std::sqrt(expected / (2 * std::numbers::pi));
+    }
+
+    double m_added; ///< rows for each row
+    std::int64_t m_count = -1;
+    double m_rows = 0;
+    double m_sum = 0;
+};
+
 /// Compares shares as whole numbers over their common denominator; rounding errors would order equal shares.
 struct MovedFarther {
     __extension__ using Wide = __int128;
@@ -207,10 +242,25 @@ class Comparison {
         ofKept().top = std::move(m_onlyKept).sorted();
         ofPassing().top = std::move(m_onlyPassing).sorted();
         m_changes.moved.top = std::move(m_moved).sorted();
+        const double before = static_cast<double>(m_changes.rowsBefore);
+        const double after = static_cast<double>(m_changes.rowsAfter);
+        if (before > 0 && after > 0) {
+            m_changes.shareMoved = static_cast<double>(m_gained) / (before * after);
+            if (before != after)
+                m_changes.shareByGrowth = std::min(m_changes.shareMoved, m_fluctuation / std::max(before, after));
+        } else {
+            m_changes.shareMoved = before == after ? 0 : 1;
+        }
         return std::move(m_changes);
     }
 
   private:
+    __extension__ using Wide = __int128;
+
+    /// The share that a text has gained, over the product of the rows of both runs.
+    void gained(std::int64_t before, std::int64_t after) {
+        m_gained += std::max<Wide>(0, Wide{after} * m_changes.rowsBefore - Wide{before} * m_changes.rowsAfter);
+    }
     DistributionChanges::Group& ofKept() { return m_isKeptBefore ? m_changes.vanished : m_changes.appeared; }
     DistributionChanges::Group& ofPassing() { return m_isKeptBefore ? m_changes.appeared : m_changes.vanished; }
 
@@ -234,6 +284,8 @@ class Comparison {
     }
     /// Derived from the table, which saves another walk over all texts.
     void countOnlyKept() {
+        if (!m_isKeptBefore)
+            gained(0, m_table.openRows());
         ofKept().texts += static_cast<std::int64_t>(m_table.open());
         (m_isKeptBefore ? ofKept().rowsBefore : ofKept().rowsAfter) += m_table.openRows();
     }
@@ -271,10 +323,15 @@ class Comparison {
     void matchPart(std::uint64_t part, std::uint64_t parts) {
         m_table.clear();
         bool fits = true;
+        const bool isKeptShorter = (m_changes.rowsBefore < m_changes.rowsAfter) == m_isKeptBefore;
+        Fluctuation fluctuation(m_changes.rowsBefore, m_changes.rowsAfter);
         walkPart(m_kept, part, parts, [&](const Hash& hash, std::string_view, bool, std::int64_t count) {
             fits = !m_table.isFull();
-            if (fits)
+            if (fits) {
                 m_table.insert(hash, count);
+                if (isKeptShorter)
+                    fluctuation.add(count);
+            }
             return fits;
         });
         if (!fits) {
@@ -284,12 +341,16 @@ class Comparison {
         }
         walkPart(m_passing, part, parts, [&](const Hash& hash, std::string_view text, bool isNull, std::int64_t count) {
             const std::int64_t kept = m_table.meet(hash);
+            gained(m_isKeptBefore ? kept : count, m_isKeptBefore ? count : kept);
+            if (!isKeptShorter)
+                fluctuation.add(count);
             if (kept == 0)
                 onlyPassing(text, isNull, count);
             else if (kept != count)
                 moved(text, isNull, kept, count);
             return true;
         });
+        m_fluctuation += fluctuation.sum();
         countOnlyKept();
         std::size_t wanted = std::min(m_table.open(), m_top);
         if (wanted == 0)
@@ -322,6 +383,8 @@ class Comparison {
     TopList<MovedFarther> m_moved;
     TopList<MoreFrequent> m_onlyKept;
     TopList<MoreFrequent> m_onlyPassing;
+    Wide m_gained = 0;
+    double m_fluctuation = 0;
     DistributionChanges m_changes;
     std::vector<Waiting> m_batch;
     std::string m_batchText; ///< of each text the part that may be shown

@@ -48,6 +48,12 @@ struct DistributionChanges {
     /// In both runs, with different counts. The largest change of the share comes first, then the largest change of the
     /// count, then null, then by code point.
     Group moved;
+    /// The rows that have another text than before, as a share of all rows: half the sum of the changes of all shares.
+    double shareMoved = 0;
+    /// The part of shareMoved that is due to the number of rows: what to expect if the rows that one run has more than
+    /// the other were drawn at random from the other's. A text of one row is taken for a key, so such rows bring new
+    /// texts.
+    double shareByGrowth = 0;
 };
 
 inline constexpr std::size_t kLongestText = 4096; ///< bytes

@@ -6,6 +6,7 @@
 #include "base/Metrics.h"
 #include "base/NumberText.h"
 #include "base/TypeWords.h"
+#include "report/ChangeWeights.h"
 #include "report/CheckedCursor.h"
 #include "report/DistributionComparison.h"
 #include "report/DistributionShare.h"
@@ -36,10 +37,11 @@ KvbDatavar numberOrText(const KvbString& text) {
 struct RecordNumber {
     std::int64_t TableIdentity::*number;
     const char* name;
+    bool isOfAll; ///< a part of all records
 };
-constexpr std::array kRecordNumbers{RecordNumber{&TableIdentity::totalRecords, "Total records"},
-                                    RecordNumber{&TableIdentity::processedRecords, "Processed records"},
-                                    RecordNumber{&TableIdentity::damagedRecords, "Damaged records"}};
+constexpr std::array kRecordNumbers{RecordNumber{&TableIdentity::totalRecords, kTotalRecords, false},
+                                    RecordNumber{&TableIdentity::processedRecords, kProcessedRecords, false},
+                                    RecordNumber{&TableIdentity::damagedRecords, "Damaged records", true}};
 
 /// A custom metric or a rule.
 struct Computed {
@@ -97,6 +99,7 @@ const Entry* findByName(const std::vector<Entry>& entries, const std::string& na
 /// The distribution of a field in the current run of a session.
 class StoredTexts final : public CountedTexts {
   public:
+    /// `pulse` is called for every kRowsPerPulse texts.
     StoredTexts(PrViewer& viewer, const FieldRecord& field, bool isPatterns, const std::function<void()>& pulse)
         : m_viewer(viewer),
           m_field(field.id),
@@ -117,7 +120,7 @@ class StoredTexts final : public CountedTexts {
         const int textColumn = m_isPatterns ? int{layout::PatternText} : int{layout::FreqValue};
         const int countColumn = m_isPatterns ? int{layout::PatternCountColumn} : int{layout::FreqCount};
         for (std::int64_t row = 0; cursor->next(); ++row) {
-            if (m_pulse && row % kRowsPerPulse == 0)
+            if (row % kRowsPerPulse == 0)
                 m_pulse();
             const KvbString text = cursor->getColumnValue(textColumn);
             if (!visitor(text.view(), text.isNull(), cursor->getColumnInt64(countColumn)))
@@ -144,67 +147,119 @@ class Comparison {
         const std::vector<TableIdentity> before = tablesOf(m_before);
         const std::vector<TableIdentity> after = tablesOf(m_after);
         for (const TableIdentity& table : after) {
-            if (m_options.table && nameOf(table) != *m_options.table)
+            if (!isWanted(nameOf(table)))
                 continue;
             if (const TableIdentity* earlier = findByName(before, nameOf(table)))
                 compareTables(*earlier, table);
             else
-                tell(Subject::Table, Kind::New, nameOf(table), "");
+                tell({Subject::Table, Kind::New, nameOf(table), "", {}, {}, {}, {}, {}}, kWholeChange);
         }
         for (const TableIdentity& table : before)
-            if (!findByName(after, nameOf(table)) && (!m_options.table || nameOf(table) == *m_options.table))
-                tell(Subject::Table, Kind::Vanished, nameOf(table), "");
+            if (!findByName(after, nameOf(table)) && isWanted(nameOf(table)))
+                tell({Subject::Table, Kind::Vanished, nameOf(table), "", {}, {}, {}, {}, {}}, kWholeChange);
     }
 
   private:
-    void tell(Subject subject, Kind kind, const std::string& table, const std::string& field) {
-        m_sink({subject, kind, table, field, {}, {}, {}, {}, {}});
+    [[nodiscard]] bool isWanted(const std::string& table) const {
+        if (m_options.table && table != *m_options.table)
+            return false;
+        if (!m_options.fields)
+            return true;
+        const auto first = m_options.fields->lower_bound({table, ""});
+        return first != m_options.fields->end() && first->first == table;
     }
-    void pulse() const {
+    [[nodiscard]] bool isWanted(const std::string& table, const FieldRecord& field) const {
+        return !m_options.fields || m_options.fields->contains({table, field.name});
+    }
+    void tell(RunChange change, const ChangeWeight& weight) {
+        change.weight = weight.percent;
+        change.followsRows = weight.followsRows;
+        m_sink(change);
+    }
+    void pulse() {
         if (m_options.pulse)
             m_options.pulse();
+        if (m_options.progress)
+            m_options.progress(m_table, m_done + std::min(m_walked, m_walks), m_total);
     }
 
     void compareTables(const TableIdentity& before, const TableIdentity& after) {
-        for (const auto& [number, name] : kRecordNumbers)
-            if (before.*number != after.*number)
-                m_sink(
-                    {Subject::Records, Kind::Changed, nameOf(after), "", name, before.*number, after.*number, {}, {}});
-        compareComputed(nameOf(after), customMetricsOf(m_before, before.id), customMetricsOf(m_after, after.id),
-                        Subject::CustomMetric, Subject::Expression);
-        compareComputed(nameOf(after), rulesOf(m_before, before.id), rulesOf(m_after, after.id), Subject::Rule,
-                        Subject::Condition);
-        const std::vector<FieldRecord> fieldsBefore = readFields(m_before, before.id);
-        const std::vector<FieldRecord> fieldsAfter = readFields(m_after, after.id);
-        for (const FieldRecord& field : fieldsAfter) {
-            pulse();
-            if (const FieldRecord* earlier = findByName(fieldsBefore, field.name))
-                compareFields(nameOf(after), *earlier, field);
-            else
-                tell(Subject::Field, Kind::New, nameOf(after), field.name);
+        m_table = nameOf(after);
+        for (const auto& [number, name, isOfAll] : kRecordNumbers) {
+            const std::int64_t was = before.*number;
+            const std::int64_t is = after.*number;
+            if (was != is)
+                tell({Subject::Records, Kind::Changed, m_table, "", name, was, is, {}, {}},
+                     isOfAll ? weightOfShare(percentOf(was, before.totalRecords), percentOf(is, after.totalRecords))
+                             : ChangeWeight{relativeChange(static_cast<double>(was), static_cast<double>(is)), false});
         }
-        for (const FieldRecord& field : fieldsBefore)
-            if (!findByName(fieldsAfter, field.name))
-                tell(Subject::Field, Kind::Vanished, nameOf(after), field.name);
+        if (!m_options.fields) {
+            compareComputed(before, after, customMetricsOf(m_before, before.id), customMetricsOf(m_after, after.id),
+                            Subject::CustomMetric, Subject::Expression);
+            compareComputed(before, after, rulesOf(m_before, before.id), rulesOf(m_after, after.id), Subject::Rule,
+                            Subject::Condition);
+        }
+        compareFieldsOf(readFields(m_before, before.id), readFields(m_after, after.id));
     }
 
-    void compareComputed(const std::string& table, const std::vector<Computed>& before,
-                         const std::vector<Computed>& after, Subject value, Subject text) {
+    void compareFieldsOf(const std::vector<FieldRecord>& before, const std::vector<FieldRecord>& after) {
+        m_done = m_total = 0;
+        for (const FieldRecord& field : after)
+            if (const FieldRecord* earlier = findByName(before, field.name); earlier && isWanted(m_table, field))
+                m_total += textsOf(*earlier, field);
+        for (const FieldRecord& field : after) {
+            if (!isWanted(m_table, field))
+                continue;
+            m_walked = m_walks = 0;
+            pulse();
+            if (const FieldRecord* earlier = findByName(before, field.name)) {
+                m_walks = textsOf(*earlier, field);
+                compareFields(*earlier, field);
+                m_done += m_walks;
+            } else
+                tell({Subject::Field, Kind::New, m_table, field.name, {}, {}, {}, {}, {}}, kWholeChange);
+        }
+        for (const FieldRecord& field : before)
+            if (!findByName(after, field.name) && isWanted(m_table, field))
+                tell({Subject::Field, Kind::Vanished, m_table, field.name, {}, {}, {}, {}, {}}, kWholeChange);
+    }
+    static std::int64_t textsOf(const FieldRecord& before, const FieldRecord& after) {
+        return before.freqCount + after.freqCount + before.patternCount + after.patternCount;
+    }
+
+    /// A figure that grows with the records says nothing of its own.
+    static ChangeWeight weightOfComputed(const KvbDatavar& was, const KvbDatavar& is, const TableIdentity& before,
+                                         const TableIdentity& after) {
+        const double figureBefore = was.toDouble();
+        const double figureAfter = is.toDouble();
+        const auto rowsBefore = static_cast<double>(before.processedRecords);
+        const auto rowsAfter = static_cast<double>(after.processedRecords);
+        if (figureBefore == figureAfter) // texts
+            return {100 / std::max({1.0, rowsBefore, rowsAfter}), false};
+        const bool isProportional = figureBefore * rowsAfter == figureAfter * rowsBefore;
+        return {isProportional ? 0 : relativeChange(figureBefore, figureAfter),
+                isProportional && rowsBefore != rowsAfter};
+    }
+    void compareComputed(const TableIdentity& tableBefore, const TableIdentity& tableAfter,
+                         const std::vector<Computed>& before, const std::vector<Computed>& after, Subject value,
+                         Subject text) {
         for (const Computed& one : after) {
             const Computed* earlier = findByName(before, one.name);
             if (!earlier) {
-                m_sink({value, Kind::New, table, "", one.name, {}, one.value, {}, one.percent});
+                tell({value, Kind::New, m_table, "", one.name, {}, one.value, {}, one.percent}, kWholeChange);
                 continue;
             }
             if (earlier->text != one.text)
-                m_sink({text, Kind::Changed, table, "", one.name, earlier->text, one.text, {}, {}});
+                tell({text, Kind::Changed, m_table, "", one.name, earlier->text, one.text, {}, {}}, kWholeChange);
             if (!(earlier->value == one.value) || earlier->percent != one.percent)
-                m_sink({value, Kind::Changed, table, "", one.name, earlier->value, one.value, earlier->percent,
-                        one.percent});
+                tell({value, Kind::Changed, m_table, "", one.name, earlier->value, one.value, earlier->percent,
+                      one.percent},
+                     value == Subject::Rule ? weightOfShare(earlier->percent, one.percent)
+                                            : weightOfComputed(earlier->value, one.value, tableBefore, tableAfter));
         }
         for (const Computed& one : before)
             if (!findByName(after, one.name))
-                m_sink({value, Kind::Vanished, table, "", one.name, one.value, {}, one.percent, {}});
+                tell({value, Kind::Vanished, m_table, "", one.name, one.value, {}, one.percent, {}}, kWholeChange);
     }
 
     /// A number or a text; a metric that is a value of the field is a number when the field is numeric in both runs.
@@ -213,35 +268,55 @@ class Comparison {
         return isText ? KvbDatavar(text) : numberOrText(text);
     }
 
-    void compareFields(const std::string& table, const FieldRecord& before, const FieldRecord& after) {
+    void compareFields(const FieldRecord& before, const FieldRecord& after) {
         const bool isNumeric = isNumericType(before.typeCode) && isNumericType(after.typeCode);
         for (const MetricInfo& metric : metricCatalogue()) {
             const KvbString& was = before.metrics[index(metric.id)];
             const KvbString& is = after.metrics[index(metric.id)];
             if (was == is)
                 continue;
-            m_sink({Subject::Metric,
-                    Kind::Changed,
-                    table,
-                    after.name,
-                    metric.name,
-                    metricCell(was, metric.value, isNumeric),
-                    metricCell(is, metric.value, isNumeric),
-                    {},
-                    {}});
+            tell({Subject::Metric,
+                  Kind::Changed,
+                  m_table,
+                  after.name,
+                  metric.name,
+                  metricCell(was, metric.value, isNumeric),
+                  metricCell(is, metric.value, isNumeric),
+                  {},
+                  {}},
+                 weightOfMetric(metric.id, before, after));
         }
         if (m_options.top == 0)
             return;
-        compareTexts(table, before, after, false);
-        compareTexts(table, before, after, true);
+        compareTexts(before, after, false);
+        compareTexts(before, after, true);
     }
 
-    void compareTexts(const std::string& table, const FieldRecord& before, const FieldRecord& after, bool isPatterns) {
-        StoredTexts textsBefore(m_before, before, isPatterns, m_options.pulse);
-        StoredTexts textsAfter(m_after, after, isPatterns, m_options.pulse);
+    /// Of the run in which more rows have a value.
+    static double percentWithValue(const FieldRecord& before, const FieldRecord& after) {
+        const auto percentNull = [](const FieldRecord& field) {
+            return parseNumber(field.metrics[index(MetricId::PercentNull)].view()).value_or(0);
+        };
+        return 100 - std::min(percentNull(before), percentNull(after));
+    }
+
+    void compareTexts(const FieldRecord& before, const FieldRecord& after, bool isPatterns) {
+        const std::function<void()> walked = [this] {
+            m_walked += kRowsPerPulse;
+            pulse();
+        };
+        StoredTexts textsBefore(m_before, before, isPatterns, walked);
+        StoredTexts textsAfter(m_after, after, isPatterns, walked);
         const DistributionChanges changes = compareDistributions(textsBefore, textsAfter, {m_options.top});
+        const double percentWithText = isPatterns ? percentWithValue(before, after) : 100;
+        const ChangeWeight weight = weightOfTexts(changes, percentWithText);
         const Subject all = isPatterns ? Subject::Patterns : Subject::Values;
         const Subject one = isPatterns ? Subject::Pattern : Subject::Value;
+        const DistributionKind kindOfTexts = isPatterns ? DistributionKind::Pattern : DistributionKind::Frequency;
+        const auto percent = [kindOfTexts](bool present, std::int64_t part, std::int64_t whole) {
+            return present ? DistributionShare(kindOfTexts, false, whole).PercentOf(part) : std::nullopt;
+        };
+        const auto number = [](bool present, std::int64_t count) { return present ? KvbDatavar(count) : KvbDatavar(); };
         const std::array groups{std::pair{Kind::New, &changes.appeared}, std::pair{Kind::Vanished, &changes.vanished},
                                 std::pair{Kind::Changed, &changes.moved}};
         for (const auto& [kind, group] : groups) {
@@ -249,26 +324,24 @@ class Comparison {
                 continue;
             const bool wasThere = kind != Kind::New;
             const bool isThere = kind != Kind::Vanished;
-            const DistributionKind kindOfTexts = isPatterns ? DistributionKind::Pattern : DistributionKind::Frequency;
-            const auto percent = [kindOfTexts](bool present, std::int64_t part, std::int64_t whole) {
-                return present ? DistributionShare(kindOfTexts, false, whole).PercentOf(part) : std::nullopt;
-            };
-            const auto number = [](bool present, std::int64_t count) {
-                return present ? KvbDatavar(count) : KvbDatavar();
-            };
-            m_sink({all,
-                    kind,
-                    table,
-                    after.name,
-                    {},
-                    number(wasThere, group->texts),
-                    number(isThere, group->texts),
-                    percent(wasThere, group->rowsBefore, changes.rowsBefore),
-                    percent(isThere, group->rowsAfter, changes.rowsAfter)});
-            for (const ValueChange& change : group->top)
-                m_sink({one, kind, table, after.name, change.text, number(wasThere, change.before),
-                        number(isThere, change.after), percent(wasThere, change.before, changes.rowsBefore),
-                        percent(isThere, change.after, changes.rowsAfter)});
+            tell({all,
+                  kind,
+                  m_table,
+                  after.name,
+                  {},
+                  number(wasThere, group->texts),
+                  number(isThere, group->texts),
+                  percent(wasThere, group->rowsBefore, changes.rowsBefore),
+                  percent(isThere, group->rowsAfter, changes.rowsAfter)},
+                 weight);
+            for (const ValueChange& change : group->top) {
+                const auto was = percent(wasThere, change.before, changes.rowsBefore);
+                const auto is = percent(isThere, change.after, changes.rowsAfter);
+                const double moved = weightOfShare(was, is).percent * percentWithText / 100;
+                tell({one, kind, m_table, after.name, change.text, number(wasThere, change.before),
+                      number(isThere, change.after), was, is},
+                     {moved, weight.followsRows});
+            }
         }
     }
 
@@ -276,6 +349,11 @@ class Comparison {
     PrViewer& m_after;
     const RunComparisonOptions& m_options;
     const std::function<void(const RunChange&)>& m_sink;
+    std::string m_table;       ///< that is being compared
+    std::int64_t m_total = 0;  ///< texts of its fields
+    std::int64_t m_done = 0;   ///< of the fields before
+    std::int64_t m_walks = 0;  ///< of the field
+    std::int64_t m_walked = 0; ///< of the field, some of them twice
 };
 
 } // namespace

@@ -4,13 +4,20 @@
 #include "base/KvbString.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
+#include <utility>
 
 namespace tavix {
 
 class PrViewer;
+
+/// Items of RunChange::Subject::Records.
+inline constexpr const char* kTotalRecords = "Total records";
+inline constexpr const char* kProcessedRecords = "Processed records";
 
 /// A difference between two runs of a job.
 struct RunChange {
@@ -39,6 +46,10 @@ struct RunChange {
     KvbDatavar after;
     std::optional<double> percentBefore; ///< of the rows; for a pattern, of the rows that are not null
     std::optional<double> percentAfter;
+    /// The share of the rows that the change concerns, in percent; docs/definitions.md defines it. The changes that sum
+    /// up the values or patterns of a field have the weight of all of them together.
+    double weight = 0;
+    bool followsRows = false; ///< follows from the number of records alone
 };
 
 /// `after` minus `before`; null unless both are numbers.
@@ -47,7 +58,11 @@ struct RunChange {
 struct RunComparisonOptions {
     std::size_t top = 10; ///< the limit for new, vanished and moved values and patterns of each field; 0 reads none
     std::optional<std::string> table = {}; ///< compares only this one
-    std::function<void()> pulse = {};      ///< called regularly; an exception from it ends the comparison
+    /// Compares only these fields, as pairs of table and field, and of their tables only the numbers of records.
+    std::optional<std::set<std::pair<std::string, std::string>>> fields = {};
+    std::function<void()> pulse = {}; ///< called regularly; an exception from it ends the comparison
+    /// Called as often: the table and its values that were compared, of all its values. An exception ends it too.
+    std::function<void(const std::string& table, std::int64_t done, std::int64_t total)> progress = {};
 };
 
 /// Compares the current runs of two separate sessions with one repository and passes each difference to `sink`. Tables

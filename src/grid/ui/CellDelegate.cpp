@@ -58,6 +58,18 @@ QRect barRect(const QRect& rect, double share) {
     return {room.left(), room.top(), width, room.height()};
 }
 
+// The two halves touch only where both bars are drawn, one for each run.
+void paintBarsOfTwoRuns(QPainter& painter, const QRect& rect, const GridCell& cell, const QPalette& colors,
+                        const QColor& background, bool selected) {
+    const int half = rect.height() / 2;
+    const QRect upper(rect.left(), rect.top(), rect.width(), half);
+    const QRect lower(rect.left(), rect.top() + half, rect.width(), rect.height() - half);
+    painter.fillRect(barRect(upper.adjusted(0, 1, 0, kBarMargin - 1), cell.barBefore),
+                     tint::barBefore(colors, background, selected));
+    painter.fillRect(barRect(lower.adjusted(0, 1 - kBarMargin, 0, -1), std::max(cell.bar, 0.0)),
+                     tint::barAfter(colors, background, selected));
+}
+
 struct CellGeometry {
     QRect icon;
     QRect line; ///< of a picture
@@ -115,7 +127,9 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     const QColor background =
         selected ? selection.background : colors.color(alternate ? QPalette::AlternateBase : QPalette::Base);
     painter->fillRect(option.rect, background);
-    if (cell.bar > 0)
+    if (cell.barBefore >= 0)
+        paintBarsOfTwoRuns(*painter, option.rect, cell, colors, background, onHighlight);
+    else if (cell.bar > 0)
         painter->fillRect(barRect(option.rect, cell.bar), tint::bar(colors, background, onHighlight));
 
     const CellGeometry geometry = layOut(option.rect, cell);

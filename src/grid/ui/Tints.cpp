@@ -39,6 +39,16 @@ QColor part(const QPalette& palette, const QColor& background, std::size_t numbe
     }
 }
 
+QColor barBefore(const QPalette& palette, const QColor& background, bool onSelection) {
+    const QPalette::ColorRole text = onSelection ? QPalette::HighlightedText : QPalette::Text;
+    return mixed(background, palette.color(text), 0.28);
+}
+
+QColor barAfter(const QPalette& palette, const QColor& background, bool onSelection) {
+    return onSelection ? mixed(background, palette.color(QPalette::HighlightedText), 0.75)
+                       : mixed(background, accent(palette), 0.75);
+}
+
 QColor accent(const QPalette& palette) {
     return isDark(palette) ? QColor(110, 168, 254) : QColor(37, 99, 200);
 }

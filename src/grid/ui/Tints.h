@@ -23,6 +23,9 @@ struct Selection {
 /// The parts of a bar, by number: what is missing, what is there without saying anything, what is filled. Further
 /// parts repeat the tints.
 [[nodiscard]] QColor part(const QPalette& palette, const QColor& background, std::size_t number);
+/// The bars of an earlier and a later run, one above the other in a cell. They differ in lightness as well as in hue.
+[[nodiscard]] QColor barBefore(const QPalette& palette, const QColor& background, bool onSelection);
+[[nodiscard]] QColor barAfter(const QPalette& palette, const QColor& background, bool onSelection);
 /// The colours of icons.
 [[nodiscard]] QColor accent(const QPalette& palette);
 [[nodiscard]] QColor accentWarm(const QPalette& palette);

@@ -66,6 +66,42 @@ TEST(DistributionComparison, EqualSharesAreNotOrderedByTheirRounding) {
                 ElementsAre(ValueChange{"c", 7, 5}, ValueChange{"a", 2, 3}, ValueChange{"b", 1, 2}));
 }
 
+TEST(DistributionComparison, MovedRowsAreCountedOnceAndAddedOnesAreExpected) {
+    const auto shares = [](const Counts& before, const Counts& after) {
+        const DistributionChanges changes = compare(before, after, {0});
+        return std::pair(changes.shareMoved, changes.shareByGrowth);
+    };
+    const Counts letters({{"a", 50}, {"b", 30}, {"c", 20}}, &nullFirst);
+    // 10 rows went from a to d, 5 from b to c.
+    EXPECT_EQ(std::pair(0.15, 0.0), shares(letters, Counts({{"a", 40}, {"b", 25}, {"c", 25}, {"d", 10}}, &nullFirst)));
+    EXPECT_EQ(std::pair(0.0, 0.0), shares(letters, Counts({{"a", 100}, {"b", 60}, {"c", 40}}, &nullFirst)));
+    EXPECT_EQ(std::pair(1.0, 0.0), shares(letters, Counts({}, &nullFirst)));
+    EXPECT_EQ(std::pair(0.0, 0.0), shares(Counts({}, &nullFirst), Counts({}, &nullFirst)));
+    // A key: each added row has a new text, whether the table grows or shrinks.
+    Counts key({}, &nullFirst);
+    for (int i = 0; i < 100; ++i)
+        key[std::to_string(i)] = 1;
+    Counts longer = key;
+    for (int i = 100; i < 125; ++i)
+        longer[std::to_string(i)] = 1;
+    EXPECT_EQ(std::pair(0.2, 0.2), shares(key, longer));
+    EXPECT_EQ(std::pair(0.2, 0.2), shares(longer, key));
+    // Rows drawn at random move what is expected, and rows of one new text move more.
+    std::mt19937 random(3);
+    Counts many({}, &nullFirst);
+    for (int i = 0; i < 20'000; ++i)
+        ++many[std::to_string(random() % 2000)];
+    Counts grown = many;
+    for (int i = 0; i < 1000; ++i)
+        ++grown[std::to_string(random() % 2000)];
+    const auto [moved, expected] = shares(many, grown);
+    EXPECT_GT(moved, 0.02);
+    EXPECT_NEAR(moved, expected, 0.1 * moved);
+    Counts alike = many;
+    alike["new"] = 1000;
+    EXPECT_GT(shares(many, alike).first - shares(many, alike).second, 0.015);
+}
+
 TEST(DistributionComparison, LongTextsAreCutBetweenCharacters) {
     const std::string text = std::string(kLongestText - 1, 'x') + "é and more";
     const DistributionChanges changes = compare(Counts({}, &nullFirst), Counts({{text, 1}}, &nullFirst), {1});
@@ -92,6 +128,10 @@ DistributionChanges compareSlowly(const Counts& before, const Counts& after, std
     };
     for (const auto& entry : all) {
         const ValueChange change{entry.first, countIn(before, entry.first), countIn(after, entry.first)};
+        if (changes.rowsBefore > 0 && changes.rowsAfter > 0)
+            changes.shareMoved +=
+                std::max(0.0, static_cast<double>(change.after) / static_cast<double>(changes.rowsAfter) -
+                                  static_cast<double>(change.before) / static_cast<double>(changes.rowsBefore));
         if (change.before == change.after)
             continue;
         auto& group = change.before == 0 ? changes.appeared : change.after == 0 ? changes.vanished : changes.moved;
@@ -134,6 +174,7 @@ TEST(DistributionComparison, GivesTheSameAsASlowOneWhateverTheMemory) {
         const DistributionChanges expected = compareSlowly(before, after, top);
         for (const std::size_t memory : {std::size_t{1}, std::size_t{5000}, std::size_t{1} << 20}) {
             const DistributionChanges changes = compare(before, after, {top, memory});
+            EXPECT_NEAR(changes.shareMoved, expected.shareMoved, 1e-12) << round << " " << memory;
             for (const auto& [got, wanted] :
                  {std::pair(&changes.appeared, &expected.appeared), std::pair(&changes.vanished, &expected.vanished),
                   std::pair(&changes.moved, &expected.moved)}) {

@@ -127,6 +127,43 @@ TEST(CellDelegate, EveryPartOfABarIsSeenAndALineIsDrawnBesideItsText) {
     }
 }
 
+// One row: the shares of two runs.
+class DrawnOfTwoRuns final : public Rows {
+  public:
+    DrawnOfTwoRuns() : Rows(1, 1) {}
+    GridCell GetCell(int, std::int64_t) const override {
+        GridCell cell;
+        cell.barBefore = 0.75;
+        cell.bar = 0.25;
+        return cell;
+    }
+};
+
+TEST(CellDelegate, BarsOfTwoRunsAreAboveEachOther) {
+    for (const QPalette& palette : {lightPalette(), darkPalette()}) {
+        DrawnOfTwoRuns rows;
+        CUGCtrl grid;
+        grid.setPalette(palette);
+        show(grid, rows, 400, 300);
+        takeFocus(grid);
+        for (const bool selected : {false, true}) {
+            if (selected)
+                grid.SelectRow(0);
+            const QImage image = picture(grid, 0);
+            const QColor background = palette.color(selected ? QPalette::Highlight : QPalette::Base);
+            const QColor before = tint::barBefore(palette, background, selected);
+            const QColor after = tint::barAfter(palette, background, selected);
+            const int upper = image.height() / 4;
+            const int lower = image.height() * 3 / 4;
+            EXPECT_EQ(before, image.pixelColor(image.width() / 2, upper));
+            EXPECT_EQ(background, image.pixelColor(image.width() * 7 / 8, upper));
+            EXPECT_EQ(after, image.pixelColor(image.width() / 8, lower));
+            EXPECT_EQ(background, image.pixelColor(image.width() / 2, lower));
+            EXPECT_GT(std::abs(before.lightness() - after.lightness()), 25) << "told apart without colour";
+        }
+    }
+}
+
 TEST(CellDelegate, InvisibleCharactersAreSeenOnDemandAndCopiedAsTheyAre) {
     Drawn rows;
     CUGCtrl grid;
