@@ -114,6 +114,15 @@ constexpr std::array kPercentiles{
     Column{PercentileInterval, "Interval", "p.interval"},
     Column{PercentileValue, "Value", "p.value"},
 };
+constexpr std::array kHistogram{
+    Column{HistogramKindLetter, "Kind", ""}, Column{HistogramUnitLetter, "Unit", ""}, Column{HistogramLow, "Low", ""},
+    Column{HistogramHigh, "High", ""},       Column{HistogramCount, "Count", ""},
+};
+constexpr std::array kRanks{
+    Column{RankFirst, "First Rank", "b.first_row + 1"},
+    Column{RankValues, "Values", "b.rows"},
+    Column{RankSum, "Sum", "b.sum"},
+};
 constexpr std::array kOutliers{
     Column{OutlierSideLetter, "Side", "p.side"}, Column{OutlierPosition, "Position", "p.position"},
     Column{OutlierValue, "Value", "p.value"},    Column{OutlierCount, "Count", "p.count"},
@@ -322,6 +331,8 @@ std::vector<Layout> makeAll() {
         {"getPatternDist", kPatternDist},
         {"getPercentiles", kPercentiles},
         {"getOutliers", kOutliers},
+        {"getHistogram", kHistogram},
+        {"getFreqDistRanks", kRanks},
         {"getFieldHistory", history},
         {"getCustomMetrics", kCustomMetrics},
         {"getCustomMetricInputFields", kCustomMetricInputFields},

@@ -164,6 +164,24 @@ enum Outliers {
     OutlierFence = 4,
 };
 
+/// A row for each bin of a field's histogram. The kind is N numbers, D dates or L lengths of texts in code points; the
+/// unit of the bins N numbers, S seconds, W weeks from Monday or M months. A bin holds the values from Low up to but
+/// without High; borders of dates are days since 1899-12-30 00:00 UTC.
+enum HistogramBins {
+    HistogramKindLetter = 0,
+    HistogramUnitLetter = 1,
+    HistogramLow = 2,
+    HistogramHigh = 3,
+    HistogramCount = 4,
+};
+/// A row for each stored piece of a value distribution, in its order: the rank of its first value, from 1, how many
+/// values it has, and the sum of their counts.
+enum FreqDistRanks {
+    RankFirst = 0,
+    RankValues = 1,
+    RankSum = 2,
+};
+
 /// Followed by the 24 metrics.
 enum FieldHistoryHead {
     HistoryRunId = 0,

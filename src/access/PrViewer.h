@@ -134,6 +134,11 @@ class PrViewer {
                                                      PrViewDisplayMessage* sink = nullptr);
     [[nodiscard]] ProfileCursorHandle getPercentiles(int fieldId);
     [[nodiscard]] ProfileCursorHandle getOutliers(int fieldId);
+    /// The bins of the field's histogram in ascending order; none if its run stored no histogram: a boolean field, one
+    /// without values, or a run of an older version.
+    [[nodiscard]] ProfileCursorHandle getHistogram(int fieldId);
+    /// The shape of the value distribution by rank, read without the values: about one row for 4,096 of them.
+    [[nodiscard]] ProfileCursorHandle getFreqDistRanks(int fieldId);
     /// Numbers of rows; -1 on failure.
     [[nodiscard]] int getFreqDistCount(int fieldId);
     [[nodiscard]] int getPatternDistCount(int fieldId);

@@ -1,4 +1,6 @@
+#include "access/HistogramCursor.h"
 #include "access/PrViewerImpl.h"
+#include "repository/HistogramStore.h"
 
 #include "base/DateTicks.h"
 
@@ -109,6 +111,23 @@ ProfileCursorHandle PrViewer::getPercentiles(int fieldId) {
 ProfileCursorHandle PrViewer::getOutliers(int fieldId) {
     static const Query kQuery("getOutliers", "FROM outlier p WHERE p.run = ?1 AND p.field = ?2 "
                                              "ORDER BY p.side DESC, p.position");
+    auto ofRun = m_impl->runOfField(fieldId);
+    return ofRun ? m_impl->open({}, kQuery, {*ofRun, fieldId}) : m_impl->failCursor(ofRun.error());
+}
+
+ProfileCursorHandle PrViewer::getHistogram(int fieldId) {
+    auto ofRun = m_impl->runOfField(fieldId);
+    if (!ofRun)
+        return m_impl->failCursor(ofRun.error());
+    auto histogram = repository::readHistogram(m_impl->connection(), *ofRun, fieldId);
+    if (!histogram)
+        return m_impl->failCursor(histogram.error());
+    return ProfileCursorHandle(new HistogramCursor(std::move(*histogram)));
+}
+
+ProfileCursorHandle PrViewer::getFreqDistRanks(int fieldId) {
+    static const Query kQuery("getFreqDistRanks", "FROM distribution_block b WHERE b.run = ?1 AND b.field = ?2 AND "
+                                                  "b.kind = 'V' AND b.other_field = 0 ORDER BY b.block");
     auto ofRun = m_impl->runOfField(fieldId);
     return ofRun ? m_impl->open({}, kQuery, {*ofRun, fieldId}) : m_impl->failCursor(ofRun.error());
 }

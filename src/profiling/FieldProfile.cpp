@@ -275,6 +275,8 @@ class FieldProfiler {
             set(MetricId::MinimumLength, asInteger(m_survey.shortest()));
             set(MetricId::MaximumLength, asInteger(m_survey.longest()));
         }
+        if (m_survey.kind() == ValueKind::Text)
+            m_figures.facts.histogram = m_survey.lengths();
         if (m_survey.kind() == ValueKind::Real)
             set(MetricId::Precision, m_survey.decimalPlaces());
         return {};

@@ -19,7 +19,7 @@ std::size_t sizeOf(const FieldProfile& field) {
         size += sizeof percentile + percentile.value.str().size();
     for (const auto& outlier : facts.outliers)
         size += sizeof outlier + outlier.value.str().size();
-    return size;
+    return size + (facts.histogram ? facts.histogram->counts.size() * sizeof(std::uint64_t) : 0);
 }
 
 } // namespace

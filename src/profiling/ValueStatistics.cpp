@@ -1,5 +1,6 @@
 #include "profiling/ValueStatistics.h"
 
+#include "base/Histogram.h"
 #include "profiling/MetricValue.h"
 #include "profiling/Moments.h"
 #include "profiling/OrderStatistics.h"
@@ -19,18 +20,22 @@ void set(repository::FieldFacts& facts, MetricId metric, KvbDatavar value) {
     facts.metrics[index(metric)] = std::move(value);
 }
 
-/// Needs a second walk over the values unless there is only one row.
-Status setMoments(repository::FieldFacts& facts, Moments& moments, ValueWalk& walk, std::uint64_t rows,
+/// Needs a second walk over the values.
+Status setMoments(repository::FieldFacts& facts, Moments& moments, NumberBins& bins, ValueWalk& walk, KeyForm form,
                   StopSignal& stop) {
     set(facts, MetricId::Mean, moments.mean());
-    if (rows < 2)
-        return {};
+    std::uint64_t rows = 0;
     const auto add = [&](std::span<const ValueWalk::Row> batch) {
         moments.addToDeviation(batch);
+        for (const ValueWalk::Row& row : batch) {
+            bins.add(numberOfKey(row.key, form), row.count);
+            rows += row.count;
+        }
         return Status{};
     };
     if (Status status = forEachBatch(walk, stop, add); !status)
         return status;
+    facts.histogram = bins.take();
     if (const auto deviation = moments.deviation()) {
         set(facts, MetricId::StandardDeviation, metricValue(*deviation));
         set(facts, MetricId::StandardError, metricValue(*deviation / std::sqrt(static_cast<double>(rows))));
@@ -44,6 +49,7 @@ Status computeStatistics(repository::FieldFacts& facts, ValueWalk& walk, KeyForm
                          StopSignal& stop) {
     OrderStatistics order(form, rows);
     Moments moments(form, rows);
+    DateBins dates;
     KeptValue mode;
     const auto add = [&](std::span<const ValueWalk::Row> batch) {
         order.add(walk, batch);
@@ -52,6 +58,9 @@ Status computeStatistics(repository::FieldFacts& facts, ValueWalk& walk, KeyForm
                 mode = keptValue(walk, batch, i);
         if (isNumber(form))
             moments.addToMean(batch);
+        if (form == KeyForm::Date)
+            for (const ValueWalk::Row& row : batch)
+                dates.add(integerOfKey(row.key), row.count);
         return Status{};
     };
     if (Status status = forEachBatch(walk, stop, add); !status)
@@ -64,7 +73,13 @@ Status computeStatistics(repository::FieldFacts& facts, ValueWalk& walk, KeyForm
     for (const unsigned percent : OrderStatistics::kPercents)
         facts.percentiles.push_back({fmt::format("{}%", percent), order.percentile(percent).toText()});
     facts.outliers = outliersOf(order, form);
-    return isNumber(form) ? setMoments(facts, moments, walk, rows, stop) : Status{};
+    if (form == KeyForm::Date)
+        facts.histogram = dates.take();
+    if (!isNumber(form))
+        return {};
+    NumberBins bins(numberOfKey(order.lowest().front().key, form), numberOfKey(order.highest().back().key, form),
+                    form != KeyForm::Double);
+    return setMoments(facts, moments, bins, walk, form, stop);
 }
 
 } // namespace tavix::profiling

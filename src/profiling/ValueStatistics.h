@@ -11,8 +11,9 @@
 namespace tavix::profiling {
 
 /// Sets the metrics that need the values in ascending order: minimum, maximum, mode, median, percentiles, mean,
-/// deviation, outliers. `walk` gives the values that count, at least one; `rows` is the sum of their counts. The same
-/// walk gives bit-identical metrics whether the values are in memory or in a file.
+/// deviation, outliers, and the histogram of numbers and dates. `walk` gives the values that count, at least one;
+/// `rows` is the sum of their counts. The same walk gives bit-identical metrics whether the values are in memory or in
+/// a file.
 [[nodiscard]] Status computeStatistics(repository::FieldFacts& facts, ValueWalk& walk, KeyForm form, std::uint64_t rows,
                                        StopSignal& stop);
 

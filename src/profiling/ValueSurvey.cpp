@@ -44,6 +44,7 @@ void ValueSurvey::take(std::span<const Entry> values) {
         const std::uint64_t length = codePoints(text);
         m_shortest = std::min(m_shortest, length);
         m_longest = std::max(m_longest, length);
+        m_lengths.add(length, entry.count);
         m_longestBytes = std::max(m_longestBytes, text.size());
         if (text.empty())
             m_emptyRows += entry.count;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Histogram.h"
 #include "base/Result.h"
 #include "profiling/ColumnValues.h"
 #include "profiling/ValueKind.h"
@@ -28,6 +29,7 @@ class ValueSurvey {
     [[nodiscard]] std::uint64_t blankRows() const { return m_blankRows; }
     [[nodiscard]] std::uint64_t shortest() const { return m_shortest; } ///< code points
     [[nodiscard]] std::uint64_t longest() const { return m_longest; }
+    [[nodiscard]] Histogram lengths() const { return m_lengths.make(m_shortest, m_longest); } ///< of at least one value
     [[nodiscard]] std::size_t longestBytes() const { return m_longestBytes; }
     [[nodiscard]] std::int64_t decimalPlaces() const { return m_decimalPlaces; } ///< the most of any real
 
@@ -48,6 +50,7 @@ class ValueSurvey {
     std::uint64_t m_blankRows = 0;
     std::uint64_t m_shortest = UINT64_MAX;
     std::uint64_t m_longest = 0;
+    LengthBins m_lengths;
     std::size_t m_longestBytes = 0;
     std::int64_t m_decimalPlaces = 0;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Clock.h"
+#include "base/Histogram.h"
 #include "base/KvbDatavar.h"
 #include "base/Metrics.h"
 #include "base/TableKind.h"
@@ -113,6 +114,7 @@ struct FieldFacts {
     std::string quantileRule;
     std::vector<Percentile> percentiles;
     std::vector<Outlier> outliers;
+    std::optional<Histogram> histogram; ///< of numbers, dates, or the lengths of texts
     /// In the order of display: count descending, then null first, then value by code point.
     std::span<const ValueCount> values;
     std::span<const ValueCount> patterns;

@@ -2,6 +2,7 @@
 
 #include "repository/DistributionStore.h"
 #include "repository/Existence.h"
+#include "repository/HistogramStore.h"
 #include "repository/PackedHashes.h"
 #include "repository/RunChecksums.h"
 
@@ -121,6 +122,8 @@ class RunCheck {
             checkDistribution(field, DistributionKind::Patterns,
                               "SELECT pattern_rows FROM run_field WHERE run = ?1 AND field = ?2");
             checkHashes(field);
+            if (auto histogram = readHistogram(m_connection, m_run.id, field.id); !histogram)
+                addProblem(fmt::format("field \"{}\": {}", field.name, histogram.error().text));
         }
     }
 

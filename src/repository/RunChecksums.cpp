@@ -19,8 +19,8 @@ namespace {
 /// The repository version that added checksums.
 constexpr std::int64_t kFirstVersion = 7;
 /// The version of the rows and columns covered, that is, of the queries below. A change of a query or of the
-/// columns increments it, and the older form remains readable.
-constexpr int kForm = 1;
+/// columns increments it, and the older form remains readable. Form 2 added histograms.
+constexpr int kForm = 2;
 /// Rows of fields that are read in about a millisecond.
 constexpr std::int64_t kFewFields = 500;
 
@@ -30,6 +30,7 @@ struct PartRows {
     std::string_view name;
     bool isOfTable;
     std::vector<std::string> queries; ///< ?1 is the run, ?2 the table; rows are ordered
+    std::string sinceForm2 = {};      ///< a further query
 };
 
 std::string fieldsQuery() {
@@ -72,7 +73,7 @@ const std::array<PartRows, 5>& parts() {
         {RunPart::Fields, "fields", "metrics of fields", true, {fieldsQuery()}},
         {RunPart::Lists,
          "lists",
-         "percentiles, outliers or order of values",
+         "percentiles, outliers, histograms or order of values",
          true,
          {R"sql(SELECT p.field, p.position, p.interval, p.value
                FROM run_field rf JOIN percentile p ON p.run = rf.run AND p.field = rf.field
@@ -85,7 +86,11 @@ const std::array<PartRows, 5>& parts() {
           R"sql(SELECT b.field, b.kind, b.block, b.first_row, b.rows, b.sum, b.bytes_present
                FROM run_field rf JOIN distribution_block b ON b.run = rf.run AND b.field = rf.field
                WHERE rf.run = ?1 AND rf.table_id = ?2 AND b.kind IN ('V', 'P')
-               ORDER BY rf.position, b.kind, b.block)sql"}},
+               ORDER BY rf.position, b.kind, b.block)sql"},
+         R"sql(SELECT h.field, h.kind, h.unit, h.first_bin, h.step, h.exponent, h.counts
+               FROM run_field rf JOIN histogram h ON h.run = rf.run AND h.field = rf.field
+               WHERE rf.run = ?1 AND rf.table_id = ?2
+               ORDER BY rf.position, h.kind)sql"},
         {RunPart::Rules,
          "rules",
          "custom metrics or rules",
@@ -173,15 +178,19 @@ class RowHash {
     std::string m_bytes;
 };
 
-Result<std::int64_t> checksumOfPart(sql::Connection& connection, int run, const RunPartKey& key) {
+Result<std::int64_t> checksumOfPart(sql::Connection& connection, int run, const RunPartKey& key, std::int64_t form) {
     RowHash hash;
-    for (const std::string& query : rowsOf(key.part).queries) {
+    const PartRows& part = rowsOf(key.part);
+    std::vector<std::string_view> queries(part.queries.begin(), part.queries.end());
+    if (form >= 2 && !part.sinceForm2.empty())
+        queries.emplace_back(part.sinceForm2);
+    for (const std::string_view query : queries) {
         auto select = connection.prepare(query);
         if (!select)
             return select.error();
         // Most queries of the run's parts have no second parameter.
         select->bind(1, run);
-        if (query.find("?2") != std::string::npos)
+        if (query.find("?2") != std::string_view::npos)
             select->bind(2, key.table);
         sql::Step step = select->step();
         for (; step == sql::Step::Row; step = select->step())
@@ -214,7 +223,7 @@ Result<std::vector<RunPartKey>> partsOf(sql::Connection& connection, int run) {
 }
 
 Status storeChecksum(sql::Connection& connection, int run, const RunPartKey& key) {
-    auto checksum = checksumOfPart(connection, run, key);
+    auto checksum = checksumOfPart(connection, run, key, kForm);
     if (!checksum)
         return checksum.error();
     auto insert =
@@ -262,11 +271,14 @@ Result<bool> isPartSound(sql::Connection& connection, int run, const RunPartKey&
     const sql::Step step = select->bind(1, run).bind(2, key.table).bind(3, rowsOf(key.part).code).step();
     if (step == sql::Step::Failed)
         return Error{connection.errorText()};
-    if (step == sql::Step::Done || select->integer(0) != kForm)
+    if (step == sql::Step::Done)
+        return false;
+    const std::int64_t form = select->integer(0);
+    if (form < 1 || form > kForm)
         return false;
     const std::int64_t expected = select->integer(1);
     select->reset();
-    auto checksum = checksumOfPart(connection, run, key);
+    auto checksum = checksumOfPart(connection, run, key, form);
     if (!checksum)
         return checksum.error();
     return *checksum == expected;

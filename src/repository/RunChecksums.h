@@ -16,7 +16,7 @@ enum class RunPart {
     Tables, ///< the run and its tables with their files; all other parts are of one table
     Log,    ///< the execution log, of the run
     Fields,
-    Lists, ///< percentiles, outliers, and the index of a distribution's blocks
+    Lists, ///< percentiles, outliers, histograms, and the index of a distribution's blocks
     Rules, ///< custom metrics and business rules with their row logs
 };
 

@@ -33,6 +33,9 @@ constexpr std::array kSweptTables{
     SweptTable{"DELETE FROM outlier WHERE run = ?1 AND (field, side, position) IN "
                "(SELECT field, side, position FROM outlier WHERE run = ?1 LIMIT ?2)",
                kRowsPerStep},
+    SweptTable{"DELETE FROM histogram WHERE run = ?1 AND (field, kind) IN "
+               "(SELECT field, kind FROM histogram WHERE run = ?1 LIMIT ?2)",
+               kRowsPerStep},
     SweptTable{"DELETE FROM key_analysis WHERE run = ?1 AND (field, other_field) IN "
                "(SELECT field, other_field FROM key_analysis WHERE run = ?1 LIMIT ?2)",
                kRowsPerStep},

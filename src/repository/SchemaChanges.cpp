@@ -352,7 +352,45 @@ LEFT JOIN custom_metric m ON a.type_code = 'CM' AND m.id = CAST(substr(a.watched
 LEFT JOIN business_rule b ON a.type_code = 'BR' AND b.id = CAST(substr(a.watched_key, 2) AS INTEGER);
 )sql";
 
-constexpr std::array kChanges{kToVersion2, kToVersion3, kToVersion4, kToVersion5, kToVersion6, kToVersion7};
+// Histograms of fields; see base/Histogram.h for kind, unit and the borders. counts: a JSON list.
+constexpr const char* kToVersion8 = R"sql(
+CREATE TABLE histogram (
+    run INTEGER NOT NULL,
+    field INTEGER NOT NULL,
+    kind TEXT NOT NULL CHECK (kind IN ('N', 'D', 'L')),
+    unit TEXT NOT NULL CHECK (unit IN ('N', 'S', 'W', 'M')),
+    first_bin INTEGER NOT NULL,
+    step INTEGER NOT NULL,
+    exponent INTEGER NOT NULL,
+    counts TEXT NOT NULL,
+    PRIMARY KEY (run, field, kind)
+) STRICT, WITHOUT ROWID;
+
+CREATE VIEW v_histograms AS
+WITH bin AS (
+    SELECT h.run, h.field, h.kind, h.unit, h.exponent, c.key AS position,
+           (h.first_bin + c.key) * h.step AS low, (h.first_bin + c.key + 1) * h.step AS high, c.value AS count
+    FROM histogram h, json_each(h.counts) c
+)
+SELECT b.run, b.field AS field_id, f.table_id, f.name AS field_name, b.kind, b.position,
+       CASE b.unit
+       WHEN 'N' THEN CAST(b.low || 'e' || b.exponent AS REAL)
+       WHEN 'M' THEN printf('%04d-%02d-01T00:00:00Z', b.low / 12, b.low % 12 + 1)
+       ELSE strftime('%Y-%m-%dT%H:%M:%SZ', CASE b.unit WHEN 'W' THEN (b.low * 7 - 3) * 86400 ELSE b.low END, 'unixepoch')
+       END AS low,
+       CASE b.unit
+       WHEN 'N' THEN CAST(b.high || 'e' || b.exponent AS REAL)
+       WHEN 'M' THEN printf('%04d-%02d-01T00:00:00Z', b.high / 12, b.high % 12 + 1)
+       ELSE strftime('%Y-%m-%dT%H:%M:%SZ', CASE b.unit WHEN 'W' THEN (b.high * 7 - 3) * 86400 ELSE b.high END,
+                     'unixepoch')
+       END AS high,
+       b.count, j.name AS job, CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name
+FROM bin b JOIN run r ON r.id = b.run JOIN job j ON j.id = r.job JOIN field f ON f.id = b.field
+JOIN profiled_table t ON t.id = f.table_id;
+)sql";
+
+constexpr std::array kChanges{kToVersion2, kToVersion3, kToVersion4, kToVersion5,
+                              kToVersion6, kToVersion7, kToVersion8};
 
 } // namespace
 

@@ -3,6 +3,7 @@
 #include "repository/BindValue.h"
 #include "repository/DistributionStore.h"
 #include "repository/FileOffsetIndex.h"
+#include "repository/HistogramStore.h"
 
 #include <fmt/format.h>
 
@@ -152,6 +153,9 @@ Status storeFieldLists(sql::Connection& connection, int run, int field, const Fi
         return stored;
     if (auto stored = storeOutliers(connection, run, field, facts.outliers); !stored)
         return stored;
+    if (facts.histogram)
+        if (auto stored = storeHistogram(connection, run, field, *facts.histogram); !stored)
+            return stored;
     if (auto stored = storeFieldOffsetIndex(connection, run, field, facts.offsetIndex); !stored)
         return stored;
     if (facts.packed)

@@ -118,6 +118,7 @@ void SampleRun::addCustomers() {
     for (int position = 0; position < 5; ++position)
         balance.facts().outliers.push_back({OutlierSide::High, position, fmt::format("{}", 9000 - position), 2,
                                             position < 2 ? Fence::Outer15 : Fence::Inside});
+    balance.facts().histogram = {HistogramKind::Numbers, BinUnit::Number, -2, 5, 2, {3, 900, 0, 4}};
     add(balance);
 
     add("since", 'D', {{"2024-01-31", 600}, {"2025-12-24", 399}, {KvbString(), 1}});

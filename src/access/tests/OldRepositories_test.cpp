@@ -1,3 +1,4 @@
+#include "access/Layouts.h"
 #include "access/PrViewer.h"
 #include "base/tests/TempFolder.h"
 #include "repository/DistributionStore.h"
@@ -55,7 +56,8 @@ class OldRepositories : public ::testing::TestWithParam<std::size_t> {
         const std::vector<repository::ValueCount> cities{{"Bern", 2, false}, {"", 1, true}, {"Ulm", 1, false}};
         ASSERT_TRUE(repository::storeDistribution(**old, {1, 2, repository::DistributionKind::Values}, cities).ok());
         if (version() >= 4)
-            store("INSERT INTO run_file VALUES(1, 1, 1, '" + m_source + "', '\"')");
+            store("INSERT INTO run_file(run, table_id, position, path, quote) VALUES(1, 1, 1, '" + m_source +
+                  "', '\"')");
     }
 
     std::string drilled(const KvbString& value) {
@@ -75,6 +77,17 @@ class OldRepositories : public ::testing::TestWithParam<std::size_t> {
     std::string m_source = m_folder.file("orders.csv");
 };
 
+TEST_P(OldRepositories, HaveNoHistograms) {
+    const PrViewer::Handle viewer = PrViewer::create();
+    ASSERT_TRUE(viewer->init(m_path) && viewer->setCurrentJobSetup(1)) << viewer->getErrorString().str();
+    const ProfileCursorHandle bins = viewer->getHistogram(2);
+    ASSERT_TRUE(bins) << viewer->getErrorString().str();
+    EXPECT_FALSE(bins->next());
+    const ProfileCursorHandle ranks = viewer->getFreqDistRanks(2);
+    ASSERT_TRUE(ranks && ranks->next());
+    EXPECT_EQ(ranks->getColumnInt(layout::RankSum), 4);
+}
+
 TEST_P(OldRepositories, AreDrilledAsTheyAreAndOnceTheyAreUpToDate) {
     const auto expectRows = [&] {
         EXPECT_EQ(drilled("Bern"), "2 in the run: 1 3");
@@ -93,7 +106,7 @@ TEST_P(OldRepositories, AreDrilledAsTheyAreAndOnceTheyAreUpToDate) {
     EXPECT_EQ(storedRows(m_path, "PRAGMA foreign_key_check"), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Versions, OldRepositories, ::testing::Range<std::size_t>(1, 6));
+INSTANTIATE_TEST_SUITE_P(Versions, OldRepositories, ::testing::Range<std::size_t>(1, 8));
 
 } // namespace
 } // namespace tavix

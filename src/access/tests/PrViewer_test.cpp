@@ -251,6 +251,20 @@ TEST_F(PrViewerTest, ReadsPercentilesOutliersHistoryAndLog) {
     EXPECT_EQ(log->getColumnInt(layout::LogLevelCode), 1);
 }
 
+TEST_F(PrViewerTest, ReadsHistogramsAndTheRanksOfValues) {
+    EXPECT_THAT(read(m_viewer->getHistogram(field("customers/balance"))),
+                ElementsAre("N|N|-1000|-500|3", "N|N|-500|0|900", "N|N|0|500|0", "N|N|500|1000|4"));
+    EXPECT_THAT(read(m_viewer->getHistogram(field("customers/city"))), IsEmpty());
+    expectFailure(!m_viewer->getHistogram(999), "There is no field with the number 999.");
+    auto bins = m_viewer->getHistogram(field("customers/balance"));
+    EXPECT_TRUE(bins->isColumnNull(layout::HistogramLow)) << "before the first row";
+    EXPECT_EQ(bins->getColumnName(layout::HistogramHigh), KvbString("High"));
+
+    EXPECT_THAT(read(m_viewer->getFreqDistRanks(field("customers/city"))), ElementsAre("1|151|11332"));
+    EXPECT_THAT(read(m_viewer->getFreqDistRanks(field("parts/Column 1"))), ElementsAre("1|2|2"));
+    expectFailure(!m_viewer->getFreqDistRanks(999), "There is no field with the number 999.");
+}
+
 TEST_F(PrViewerTest, WhatIsNotBuiltSaysSo) {
     auto unavailable = [&](bool failed) {
         EXPECT_TRUE(failed);

@@ -61,12 +61,21 @@ json fieldJson(const repository::FieldFacts& facts) {
     for (const auto& outlier : facts.outliers)
         outliers.push_back({std::string(1, static_cast<char>(outlier.side)), outlier.position, outlier.value.str(),
                             outlier.count, static_cast<int>(outlier.fence)});
+    json histogram;
+    if (const auto& bins = facts.histogram)
+        histogram = {{"kind", std::string(1, static_cast<char>(bins->kind))},
+                     {"unit", std::string(1, static_cast<char>(bins->unit))},
+                     {"first", bins->first},
+                     {"step", bins->step},
+                     {"exponent", bins->exponent},
+                     {"counts", bins->counts}};
     return {{"name", facts.name},
             {"type", facts.typeCode == 0 ? std::string() : std::string(1, facts.typeCode)},
             {"rule", facts.quantileRule},
             {"metrics", metrics},
             {"percentiles", percentiles},
             {"outliers", outliers},
+            {"histogram", histogram},
             {"values", rowsOf([&](auto& block) { return facts.packed->nextValues(block); })},
             {"patterns", rowsOf([&](auto& block) { return facts.packed->nextPatterns(block); })}};
 }

@@ -1,3 +1,6 @@
+#include "base/Characters.h"
+#include "base/DateTicks.h"
+#include "base/NumberText.h"
 #include "base/tests/TempFolder.h"
 #include "profiling/RunEngine.h"
 #include "profiling/tests/DumpFigures.h"
@@ -55,18 +58,56 @@ class EngineOfRandomTables : public ::testing::Test {
     tavix::testing::TempFolder m_folder;
 };
 
+/// That each bin has the count of the rows whose value, date or length is within its borders.
+void expectBins(const std::vector<std::optional<std::string>>& rows, const json& field) {
+    const json& bins = field["histogram"];
+    const std::string type = field["type"];
+    ASSERT_EQ(bins.is_null(), type.empty() || type == "B") << field["name"];
+    if (bins.is_null())
+        return;
+    Histogram histogram{static_cast<HistogramKind>(bins["kind"].get<std::string>()[0]),
+                        static_cast<BinUnit>(bins["unit"].get<std::string>()[0]),
+                        bins["first"],
+                        bins["step"],
+                        bins["exponent"],
+                        bins["counts"]};
+    ASSERT_TRUE(histogram.isSound()) << bins;
+    EXPECT_EQ(histogram.kind, type == "D"   ? HistogramKind::Dates
+                              : type == "S" ? HistogramKind::Lengths
+                                            : HistogramKind::Numbers);
+    const auto place = [&](const std::string& text) -> std::optional<long double> {
+        if (type == "S")
+            return static_cast<long double>(countCharacters(text));
+        if (isBlank(text))
+            return std::nullopt;
+        return type == "D" ? static_cast<long double>(*parseDate(text)) : static_cast<long double>(*parseNumber(text));
+    };
+    const auto border = [&](std::size_t i) {
+        return type == "D" ? static_cast<long double>(histogram.dateBorder(i)) : histogram.border(i);
+    };
+    std::vector<std::uint64_t> expected(histogram.counts.size());
+    for (const auto& row : rows)
+        if (const auto at = row ? place(*row) : std::nullopt)
+            for (std::size_t i = 0; i < expected.size(); ++i)
+                expected[i] += *at >= border(i) && *at < border(i + 1) ? 1 : 0;
+    EXPECT_EQ(histogram.counts, expected) << field["name"] << bins;
+}
+
 constexpr std::size_t kMuch = std::size_t{1} << 30;
 
 TEST_F(EngineOfRandomTables, FiguresAreThoseOfAnObviousComputation) {
     std::mt19937 random(11);
     for (const std::size_t rows : {0, 1, 2, 3, 50, 1500}) {
         const TableRows table = testing::randomTable(random, rows);
-        const json found = figures(table, 1, kMuch, 400);
-        for (std::size_t c = 0; c < table.size(); ++c)
+        json found = figures(table, 1, kMuch, 400);
+        for (std::size_t c = 0; c < table.size(); ++c) {
+            expectBins(table[c], found[c]);
+            found[c].erase("histogram");
             EXPECT_EQ(testing::difference(
                           testing::slowFigures(table[c], "f" + std::to_string(c), static_cast<int>(c) + 1), found[c]),
                       "")
                 << "column " << c << " of " << rows << " rows";
+        }
     }
 }
 

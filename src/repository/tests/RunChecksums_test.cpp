@@ -96,9 +96,9 @@ TEST_F(RunChecksums, NoticeAChangeInAnyColumnOfARun) {
     const std::set<std::string> kUncovered{"distribution_block.id", "distribution_block.payload",
                                            "distribution_block.other_field"};
     int changed = 0;
-    for (const char* table :
-         {"run", "run_table", "run_file", "run_field", "percentile", "outlier", "distribution_block", "execution_log",
-          "run_custom_metric", "custom_metric_input", "run_rule", "rule_input", "rule_row", "run_checksum"}) {
+    for (const char* table : {"run", "run_table", "run_file", "run_field", "percentile", "outlier", "histogram",
+                              "distribution_block", "execution_log", "run_custom_metric", "custom_metric_input",
+                              "run_rule", "rule_input", "rule_row", "run_checksum"}) {
         for (const Column& column : columnsOf(table)) {
             if (column.name == "run" || (column.name == "id" && table == std::string("run")) ||
                 kUncovered.contains(fmt::format("{}.{}", table, column.name)))
@@ -134,6 +134,7 @@ TEST_F(RunChecksums, NoticeNamesRowsThatMovedAndBits) {
         {"UPDATE field SET name = 'cita' WHERE name = 'city'", "metrics of fields: not what was stored"},
         {"UPDATE profiled_table SET name = 'x' WHERE name = 'orders'", "list of tables"},
         {"DELETE FROM percentile" + ofRun, "percentiles, outliers"},
+        {"DELETE FROM histogram" + ofRun, "percentiles, outliers, histograms"},
         {"UPDATE run_field SET null_count = null_count + 1" + ofRun, "customers/metrics of fields"},
         {"UPDATE distribution_block SET payload = CAST(substr(payload, 1, length(payload) - 1) || x'00' AS BLOB)" +
              ofRun,
@@ -148,6 +149,16 @@ TEST_F(RunChecksums, NoticeNamesRowsThatMovedAndBits) {
         EXPECT_THAT(damage(), ::testing::Contains(HasSubstr(problem))) << change;
     }
     EXPECT_THAT(damage(), IsEmpty()) << "all of it was undone";
+}
+
+TEST_F(RunChecksums, OfRunsWithoutHistogramsRemainValid) {
+    // Both forms cover the same rows in all parts but the lists.
+    ASSERT_TRUE(m_connection->execute("UPDATE run_checksum SET form = 1 WHERE part <> 'lists'"));
+    EXPECT_THAT(damage(), IsEmpty());
+    ASSERT_TRUE(m_connection->execute("UPDATE run_checksum SET form = 1"));
+    EXPECT_THAT(damage(), ::testing::Contains(HasSubstr("histograms"))) << "the form belongs to the sum";
+    ASSERT_TRUE(m_connection->execute("UPDATE run_checksum SET form = 3 WHERE part = 'log'"));
+    EXPECT_THAT(damage(), ::testing::Contains(HasSubstr("execution log"))) << "a form that is not known";
 }
 
 TEST_F(RunChecksums, AreLookedAtWhenARunIsOpenedAndGoWithIt) {

@@ -209,6 +209,7 @@ TEST(RunWriter, TheViewsTellWhatWasWritten) {
     EXPECT_EQ(ask(sample.path, "SELECT COUNT(*) FROM v_tables WHERE file_path LIKE '%airports.csv'"), 3);
     EXPECT_EQ(ask(sample.path, "SELECT COUNT(*) FROM v_percentiles WHERE field_name = 'balance'"), 15);
     EXPECT_EQ(ask(sample.path, "SELECT COUNT(*) FROM v_outliers WHERE side = 'H'"), 15);
+    EXPECT_EQ(ask(sample.path, "SELECT SUM(count) FROM v_histograms WHERE field_name = 'balance' AND low < 500"), 2709);
     EXPECT_EQ(ask(sample.path, "SELECT COUNT(*) FROM v_log WHERE level = 2"), 3);
     EXPECT_EQ(ask(sample.path, "SELECT COUNT(*) FROM v_collections"), 5);
 }
