@@ -17,7 +17,7 @@ constexpr int kMost = 2'000'000'000;
 
 using Kind = SettingKind;
 
-constexpr std::array<SettingInfo, 23> kSettings = {{
+constexpr std::array<SettingInfo, 24> kSettings = {{
     {Setting::MaxChartVals, kTavix, "MaxChartVals", Kind::Integer, 1, 30, 30},
     {Setting::MaxFreqVals, kTavix, "MaxFreqVals", Kind::Integer, 1, kMost, 100},
     {Setting::MaxPkFkOutliers, kTavix, "MaxPkFkOutliers", Kind::Integer, 1, kMost, 100},
@@ -39,6 +39,7 @@ constexpr std::array<SettingInfo, 23> kSettings = {{
     {Setting::NavigatorShare, kFrame, "NavigatorShare", Kind::Text, 0, 0, 0},
     {Setting::TableInformationShare, kFrame, "TableInformationShare", Kind::Text, 0, 0, 0},
     {Setting::TableInformation, kFrame, "TableInformation", Kind::Flag, 0, 0, 0},
+    {Setting::ColorScheme, kFrame, "ColorScheme", Kind::Text, 0, 0, 0},
     {Setting::WorkingPath, "Environment", "WorkingPath", Kind::Text, 0, 0, 0},
     {Setting::ConnectionType, "Settings", "ConnectionType", Kind::Text, 0, 0, 0},
 }};
@@ -133,6 +134,14 @@ std::string readMember(const SettingsStore& store, SettingFamily family, std::st
 Status writeMember(SettingsStore& store, SettingFamily family, std::string_view name, std::string_view value) {
     const FamilyInfo& info = infoOf(family);
     return store.write(info.section, keyOf(info, name), value);
+}
+
+ColorScheme readColorScheme(const SettingsStore& store) {
+    return colorSchemeOf(readText(store, Setting::ColorScheme));
+}
+
+Status writeColorScheme(SettingsStore& store, ColorScheme scheme) {
+    return writeText(store, Setting::ColorScheme, colorSchemeWord(scheme));
 }
 
 DataFont readStatFont(const SettingsStore& store) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ColorScheme.h"
 #include "base/DataFont.h"
 #include "base/SettingsStore.h"
 
@@ -32,6 +33,7 @@ enum class Setting {
     NavigatorShare,
     TableInformationShare,
     TableInformation, ///< set: the pane is open
+    ColorScheme,      ///< "light" or "dark"; anything else: as the desktop
     WorkingPath,      ///< the folder that a file dialog begins with
     ConnectionType,
 };
@@ -80,6 +82,9 @@ enum class SettingFamily {
 
 [[nodiscard]] std::string readMember(const SettingsStore& store, SettingFamily family, std::string_view name);
 Status writeMember(SettingsStore& store, SettingFamily family, std::string_view name, std::string_view value);
+
+[[nodiscard]] ColorScheme readColorScheme(const SettingsStore& store);
+Status writeColorScheme(SettingsStore& store, ColorScheme scheme);
 
 [[nodiscard]] DataFont readStatFont(const SettingsStore& store);
 Status writeStatFont(SettingsStore& store, const DataFont& font);

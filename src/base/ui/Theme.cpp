@@ -2,6 +2,8 @@
 
 #include "base/ui/QtText.h"
 
+#include <QApplication>
+
 #include <algorithm>
 
 namespace tavix {
@@ -72,12 +74,27 @@ QColor quietText(const QPalette& palette) {
     return mixed(palette.color(QPalette::WindowText), palette.color(QPalette::Window), 0.35);
 }
 
+QPalette withPaleSelection(const QPalette& palette) {
+    QPalette pale = palette;
+    const QColor base = palette.color(QPalette::Base);
+    pale.setColor(QPalette::Highlight, mixed(base, palette.color(QPalette::Highlight), isDark(palette) ? 0.38 : 0.22));
+    pale.setColor(QPalette::HighlightedText, palette.color(QPalette::Text));
+    return pale;
+}
+
 QPalette lightPalette() {
     return paletteOf(kLight);
 }
 
 QPalette darkPalette() {
     return paletteOf(kDark);
+}
+
+void applyColorScheme(ColorScheme scheme) {
+    // Later the application's palette is one of ours.
+    static const bool isDesktopDark = isDark(QApplication::palette());
+    const bool dark = scheme == ColorScheme::Dark || (scheme == ColorScheme::Desktop && isDesktopDark);
+    QApplication::setPalette(dark ? darkPalette() : lightPalette());
 }
 
 } // namespace tavix

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ColorScheme.h"
 #include "base/DataFont.h"
 
 #include <QColor>
@@ -17,8 +18,15 @@ namespace tavix {
 /// The colour of explanations: less prominent than labels, readable on the window's colour.
 [[nodiscard]] QColor quietText(const QPalette& palette);
 
+/// `palette` for a list that does not have the focus: its selection is paler. Text keeps its contrast on it.
+[[nodiscard]] QPalette withPaleSelection(const QPalette& palette);
+
 /// Complete palettes, used where Qt does not get one from the desktop.
 [[nodiscard]] QPalette lightPalette();
 [[nodiscard]] QPalette darkPalette();
+
+/// Gives the program's windows one of these palettes. Changes QApplication, so call it only for a program whose windows
+/// all follow the user's choice. The desktop's colours are those of the first call.
+void applyColorScheme(ColorScheme scheme);
 
 } // namespace tavix

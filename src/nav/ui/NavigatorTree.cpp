@@ -2,6 +2,7 @@
 
 #include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
+#include "base/ui/Theme.h"
 #include "nav/ui/TreeDelegate.h"
 #include "nav/ui/TreeModel.h"
 
@@ -62,6 +63,12 @@ void NavigatorTree::contextMenuEvent(QContextMenuEvent* event) {
     menu.addAction(m_copy);
     const NestedLoop loop(NestedLoop::Kind::Other);
     menu.exec(at);
+}
+
+void NavigatorTree::initViewItemOption(QStyleOptionViewItem* option) const {
+    QTreeView::initViewItemOption(option);
+    if (!hasFocus())
+        option->palette = withPaleSelection(option->palette);
 }
 
 void NavigatorTree::keyboardSearch(const QString& typed) {

@@ -25,6 +25,8 @@ class NavigatorTree final : public QTreeView {
   protected:
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    /// Without the focus, the selection is paler.
+    void initViewItemOption(QStyleOptionViewItem* option) const override;
 
   private:
     [[nodiscard]] TreeModel* Model() const;

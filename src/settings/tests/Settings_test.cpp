@@ -65,6 +65,19 @@ TEST_F(SettingsTest, FlagsAndTexts) {
     EXPECT_EQ(readStatFont(*m_store), font);
 }
 
+TEST_F(SettingsTest, TheColoursAreTheDesktopsUnlessTheyAreLightOrDark) {
+    for (const char* text : {"", "desktop", "Dark"}) {
+        ASSERT_TRUE(writeText(*m_store, Setting::ColorScheme, text));
+        EXPECT_EQ(ColorScheme::Desktop, readColorScheme(*m_store)) << text;
+    }
+    for (const ColorScheme scheme : {ColorScheme::Light, ColorScheme::Dark, ColorScheme::Desktop}) {
+        ASSERT_TRUE(writeColorScheme(*m_store, scheme));
+        EXPECT_EQ(scheme, readColorScheme(*m_store));
+    }
+    ASSERT_TRUE(writeColorScheme(*m_store, ColorScheme::Dark));
+    EXPECT_EQ("dark", stored("ColorScheme", "FRAME"));
+}
+
 TEST_F(SettingsTest, LocaleOfTheProfileComesFirst) {
     ASSERT_TRUE(writeText(*m_store, Setting::DefaultLocale, "de_DE"));
     EXPECT_EQ(readText(*m_store, Setting::DefaultLocale), "de_DE");
