@@ -192,8 +192,8 @@ bool CellDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const Q
                       ? toQString(showInvisible(cell.text, 4 * kShownBytes))
                       : toQString(std::string_view(cell.text).substr(0, 4 * kShownBytes)))
                      .toHtmlEscaped();
-    if (!cell.toolTip.empty())
-        lines << toQString(cell.toolTip).toHtmlEscaped().replace(u'\n', QStringLiteral("<br>"));
+    if (const std::string more = m_model.toolTip(index); !more.empty())
+        lines << toQString(more).toHtmlEscaped().replace(u'\n', QStringLiteral("<br>"));
     if (const QString meaning = iconMeaning(cell.icon); !meaning.isEmpty())
         lines << meaning;
     if (cell.alertMark)
