@@ -48,7 +48,7 @@ void paintParts(QPainter& painter, const QRect& cell, const CellPicture& picture
         const double share = std::clamp(picture.parts[part], 0.0, 1.0);
         if (share == 0)
             continue;
-        int width = std::max(kLeastPart, static_cast<int>(std::lround(share * cell.width())));
+        int width = std::min(room, std::max(kLeastPart, static_cast<int>(std::lround(share * cell.width()))));
         // The later parts need their room, too.
         for (std::size_t later = part + 1; later < picture.parts.size(); ++later)
             width = std::min(width, room - (picture.parts[later] > 0 ? kLeastPart : 0));
