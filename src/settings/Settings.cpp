@@ -36,6 +36,7 @@ constexpr std::array<SettingInfo, 24> kSettings = {{
     {Setting::UseVault, kTavix, "UseVault", Kind::Text, 0, 0, 0},
     {Setting::HideWelcomeDialog, kTavix, "HideWelcomeDialog", Kind::Flag, 0, 0, 0},
     {Setting::ShowInvisible, kFrame, "ShowInvisible", Kind::Flag, 0, 0, 0},
+    {Setting::TrendMetric, kFrame, "TrendMetric", Kind::Integer, 0, 23, 23},
     {Setting::NavigatorShare, kFrame, "NavigatorShare", Kind::Text, 0, 0, 0},
     {Setting::TableInformationShare, kFrame, "TableInformationShare", Kind::Text, 0, 0, 0},
     {Setting::TableInformation, kFrame, "TableInformation", Kind::Flag, 0, 0, 0},

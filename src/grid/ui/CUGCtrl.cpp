@@ -53,7 +53,8 @@ CUGCtrl::CUGCtrl(QWidget* parent)
     : QTableView(parent),
       m_model(new GridModel(this)),
       m_widths(*this, *m_model),
-      m_locked(new LockedColumns(*this, *m_model)),
+      m_locked(new LockedColumns(*this, *m_model, LockedColumns::Edge::Left)),
+      m_pinned(new LockedColumns(*this, *m_model, LockedColumns::Edge::Right)),
       m_search(new TypingSearch(*this, *m_model)),
       m_menus(std::make_unique<GridMenus>(*this, m_optional)) {
     setModel(m_model);
@@ -95,20 +96,23 @@ void CUGCtrl::SetUpView(QTableView& view) {
     });
     connect(view.horizontalHeader(), &QHeaderView::sectionClicked, this, &CUGCtrl::ToggleSort);
     connect(view.horizontalHeader(), &QHeaderView::sectionResized, this, [this, &view](int column, int, int width) {
-        QTableView* other = &view == this ? m_locked->View() : this;
         // Hiding a column in one view resizes it to 0 there.
-        if (width > 0 && other && !other->isColumnHidden(column) && other->columnWidth(column) != width)
-            other->setColumnWidth(column, width);
+        for (QTableView* other : Views()) {
+            if (width > 0 && other != &view && !other->isColumnHidden(column) && other->columnWidth(column) != width)
+                other->setColumnWidth(column, width);
+        }
         if (width > 0)
             m_widths.Changed(column, width); // NOLINT(clang-analyzer-core.CallAndMessage): a member is never null
-        m_locked->Place();
+        PlaceLocked();
     });
 }
 
 std::vector<QTableView*> CUGCtrl::Views() {
     std::vector<QTableView*> views = {this};
-    if (QTableView* locked = m_locked->View())
-        views.push_back(locked);
+    for (const LockedColumns* locked : {m_locked, m_pinned}) {
+        if (QTableView* view = locked ? locked->View() : nullptr)
+            views.push_back(view);
+    }
     return views;
 }
 
@@ -144,8 +148,10 @@ void CUGCtrl::ApplyFont() {
 }
 
 void CUGCtrl::ApplyColumns() {
-    if (m_locked->NeedsView()) {
-        QTableView& view = m_locked->MakeView();
+    for (LockedColumns* locked : {m_locked, m_pinned}) {
+        if (!locked->NeedsView())
+            continue;
+        QTableView& view = locked->MakeView();
         SetUpView(view);
         ApplyFont();
         connect(&view, &QWidget::customContextMenuRequested, this,
@@ -156,13 +162,19 @@ void CUGCtrl::ApplyColumns() {
         for (int column = 0; column < m_model->columnCount(); ++column)
             setColumnHidden(column, !m_optional.IsShown(m_model->source()->GetColumn(column)));
         m_locked->HideOtherColumns();
+        m_pinned->HideOtherColumns();
     }
     m_widths.Apply();
     m_sortColumn = -1;
     ShowSortArrow();
     // The height of the headings may have changed.
     updateGeometries();
+    PlaceLocked();
+}
+
+void CUGCtrl::PlaceLocked() {
     m_locked->Place();
+    m_pinned->Place();
 }
 
 void CUGCtrl::ShowColumns() {
@@ -360,7 +372,7 @@ void CUGCtrl::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
     m_search->PlaceLine();
     m_widths.FitToView();
-    m_locked->Place();
+    PlaceLocked();
 }
 
 void CUGCtrl::changeEvent(QEvent* event) {
@@ -374,19 +386,20 @@ void CUGCtrl::changeEvent(QEvent* event) {
 void CUGCtrl::scrollContentsBy(int dx, int dy) {
     QTableView::scrollContentsBy(dx, dy);
     if (dx != 0)
-        m_locked->Place();
+        PlaceLocked();
 }
 
 void CUGCtrl::scrollTo(const QModelIndex& index, ScrollHint hint) {
-    if (index.column() < m_locked->Count()) {
-        // Always in view sideways.
-        const int sideways = horizontalScrollBar()->value();
-        QTableView::scrollTo(index, hint);
-        horizontalScrollBar()->setValue(sideways);
-        return;
-    }
+    const int sideways = horizontalScrollBar()->value();
     QTableView::scrollTo(index, hint);
-    if (const int hidden = m_locked->Width() - visualRect(index).left(); hidden > 0)
+    const QRect cell = visualRect(index);
+    const int end = viewport()->width() - m_pinned->CoveredWidth();
+    if (m_locked->IsLocked(index.column()) || (m_pinned->IsLocked(index.column()) && m_pinned->CoveredWidth() > 0))
+        horizontalScrollBar()->setValue(sideways); // always in view
+    else if (const int hiddenAtRight = cell.right() + 1 - end; hiddenAtRight > 0)
+        horizontalScrollBar()->setValue(horizontalScrollBar()->value() + hiddenAtRight);
+    if (const int hidden = m_locked->Width() - visualRect(index).left();
+        hidden > 0 && !m_locked->IsLocked(index.column()))
         horizontalScrollBar()->setValue(horizontalScrollBar()->value() - hidden);
 }
 

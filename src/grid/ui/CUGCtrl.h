@@ -90,6 +90,7 @@ class CUGCtrl final : public QTableView {
     [[nodiscard]] std::vector<QTableView*> Views();
     void ApplyFont();
     void ApplyColumns();
+    void PlaceLocked();
     /// Where the columns end, in the viewport.
     [[nodiscard]] int EndOfColumns() const;
     void ShowSortArrow();
@@ -100,7 +101,8 @@ class CUGCtrl final : public QTableView {
     OptionalColumns m_optional;
     ColumnWidths m_widths;
     LockedColumns* m_locked;
-    int m_sortColumn = -1; ///< by which the rows are sorted now
+    LockedColumns* m_pinned; ///< at the right edge
+    int m_sortColumn = -1;   ///< by which the rows are sorted now
     /// The identity of the column that the user chose to sort by. It is kept while the rows cannot be sorted by it, and
     /// the column may have another index when they are read anew.
     std::optional<std::string> m_sortKey;
