@@ -196,7 +196,7 @@ FreqDistModel::SearchField FreqDistModel::Search(std::string_view text) const {
     SearchField field;
     field.isEnabled = CanFilter();
     field.placeholder = m_kind == DistributionKind::Pattern ? "Search patterns: text, =x, ~regexp"
-                                                            : "Search: text, =x, >n, 1..9, ~regexp, null";
+                                                            : "Search: text, =x, >n, ~regexp, null";
     const std::string& filter = GetFilter();
     if (const auto meant = QuickFilter(text, m_kind); meant && *meant == filter) {
         field.text = text;
