@@ -61,7 +61,7 @@ constexpr std::int64_t kFirstStep = 1000;
 /// A list holds its entries in memory.
 constexpr std::int64_t kMostShown = 5'000'000;
 /// The entries of a list that is searched within a fraction of a second.
-constexpr std::int64_t kMostWhileTyping = 50'000;
+constexpr std::int64_t kMostWhileTyping = 1'000'000;
 
 } // namespace
 
