@@ -2,6 +2,8 @@
 #include "base/tests/TempFolder.h"
 #include "bench/BenchWindow.h"
 #include "grid/ui/CUGCtrl.h"
+#include "settings/MetricDisplay.h"
+#include "tabs/StdMetRows.h"
 
 #include <QTabBar>
 
@@ -22,6 +24,8 @@ constexpr int kCollectionTables = 50;
 constexpr int kFieldsOfEach = 40;
 constexpr int kLongDistribution = 5'000'000;
 constexpr int kFirstRows = 100;
+constexpr int kFieldsWithHistory = 500;
+constexpr int kRuns = 12;
 
 const testing::TempFolder& folder() {
     static const testing::TempFolder made;
@@ -81,6 +85,20 @@ const std::string& longRepository() {
         second.values = std::span(values).first(1000);
         need(writer->addField(id, second));
         need(writer->commit({}));
+        return file;
+    }();
+    return path;
+}
+
+/// A table of 500 fields in 12 runs.
+const std::string& historyRepository() {
+    static const std::string path = [] {
+        std::string file = folder().file("history.tavix");
+        for (int run = 0; run < kRuns; ++run) {
+            auto writer = need(repository::RunWriter::begin(file, {"job", "", "", {}}));
+            addTable(*writer, "table 0", kFieldsWithHistory);
+            need(writer->commit({}));
+        }
         return file;
     }();
     return path;
@@ -222,6 +240,49 @@ void changeOfView(benchmark::State& state) {
     }
 }
 
+/// The rows of the standard metrics with the lines of the last runs against the same rows without them.
+void readLastRuns(benchmark::State& state) {
+    PrViewer::Handle viewer = PrViewer::create();
+    if (!viewer->init(historyRepository()) || !viewer->setCurrentJobSetup(1))
+        std::exit(1);
+    const std::unique_ptr<SettingsStore> settings = makeMemorySettings();
+    need(writeFirstStartDefaults(*settings));
+    const std::vector<MetricDisplay> metrics = standardMetricDisplay(*settings);
+    ReportSelection selection;
+    selection.kind = ReportSelection::Kind::Table;
+    selection.table.id = 1;
+    double without = 0;
+    double with = 0;
+    std::int64_t lines = 0;
+    const auto fill = [&](int metric) {
+        StdMetRows rows;
+        if (!rows.Fill(*viewer, selection, metrics, {}, metric))
+            std::exit(1);
+        lines = rows.GetTrendMetric() == metric ? rows.GetRowCount() : 0;
+    };
+    for (auto _ : state) {
+        without += measured([&] { fill(-1); });
+        with += measured([&] { fill(static_cast<int>(MetricId::PercentNull)); });
+    }
+    const auto rounds = static_cast<double>(state.iterations());
+    state.counters["lines"] = static_cast<double>(lines);
+    state.counters["ms without"] = without / rounds;
+    state.counters["ms with"] = with / rounds;
+    state.counters["ms of lines"] = (with - without) / rounds;
+    viewer->close();
+}
+
+/// A window on the table with its pictures, until the screen shows it.
+void showHistory(benchmark::State& state) {
+    OpenReport window(historyRepository());
+    for (auto _ : state) {
+        window.select(0, window.node(0, {0}));
+        window.selectTable();
+    }
+}
+
+BENCHMARK(readLastRuns)->Unit(benchmark::kMillisecond);
+BENCHMARK(showHistory)->Unit(benchmark::kMillisecond);
 BENCHMARK(showWideTable)->Unit(benchmark::kMillisecond);
 BENCHMARK(showWideCollection)->Unit(benchmark::kMillisecond);
 BENCHMARK(openLongDistribution)->Unit(benchmark::kMillisecond);

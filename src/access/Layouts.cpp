@@ -124,6 +124,13 @@ constexpr std::array kHistoryHead{
     Column{HistoryDate, "Date", "r.started", Form::Date},
     Column{HistoryDescription, "Description", "r.description"},
 };
+// The value is that of the requested metric.
+constexpr std::array kTableHistory{
+    Column{TableHistoryRun, "Run Id", "r.id"},
+    Column{TableHistoryDate, "Date", "r.started", Form::Date},
+    Column{TableHistoryField, "Field Id", "rf.field"},
+    Column{TableHistoryValue, "Value", ""},
+};
 constexpr std::array kCustomMetrics{
     Column{CustomMetricId, "Id", "cm.id"},
     Column{CustomMetricName, "Custom Metric", "cm.name"},
@@ -323,6 +330,7 @@ std::vector<Layout> makeAll() {
         {"getPercentiles", kPercentiles},
         {"getOutliers", kOutliers},
         {"getFieldHistory", history},
+        {"getTableHistory", kTableHistory},
         {"getCustomMetrics", kCustomMetrics},
         {"getCustomMetricInputFields", kCustomMetricInputFields},
         {"getCustomMetricHistory", kCustomMetricHistory},

@@ -171,6 +171,13 @@ enum FieldHistoryHead {
     HistoryDescription = 2,
 };
 inline constexpr int kFieldHistoryMetrics = 3;
+/// A metric of the fields of a table in several runs.
+enum TableHistory {
+    TableHistoryRun = 0,
+    TableHistoryDate = 1,
+    TableHistoryField = 2,
+    TableHistoryValue = 3,
+};
 /// CustomMetricFigure is count, sum, average, min, max or metric; CustomMetricKind is rows or metrics, the kind of its
 /// inputs. CustomMetricInputs has the names of the fields, joined by commas.
 enum CustomMetrics {

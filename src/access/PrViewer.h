@@ -147,6 +147,8 @@ class PrViewer {
     [[nodiscard]] ProfileCursorHandle getFieldHistory(const KvbString& dataSource, const KvbString& catalog,
                                                       const KvbString& schema, const KvbString& table,
                                                       const KvbString& object, const KvbString& field, int limit);
+    /// One metric of all fields of the table in the current run and those before it; the fields of a run in its order.
+    [[nodiscard]] ProfileCursorHandle getTableHistory(int tableId, int metricId, int limit);
     [[nodiscard]] ProfileCursorHandle getCustomMetricHistory(const KvbString& key);
     [[nodiscard]] ProfileCursorHandle getBusinessRuleHistory(const KvbString& key);
     /// The log lines of the current run.

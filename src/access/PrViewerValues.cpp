@@ -1,4 +1,5 @@
 #include "access/PrViewerImpl.h"
+#include "base/Metrics.h"
 
 #include <fmt/format.h>
 
@@ -149,6 +150,22 @@ ProfileCursorHandle PrViewer::getFieldHistory(const KvbString& dataSource, const
         statement->bind(++parameter, text->view());
     statement->bind(7, m_impl->job).bind(8, limit > 0 ? limit : -1);
     return m_impl->open(kQuery, std::move(*statement));
+}
+
+ProfileCursorHandle PrViewer::getTableHistory(int tableId, int metricId, int limit) {
+    if (auto ready = m_impl->requireTable(tableId); !ready)
+        return m_impl->failCursor(ready.error());
+    const MetricInfo* const metric = findMetric(metricId);
+    if (!metric)
+        return m_impl->failCursor(Error{fmt::format("There is no metric with the number {}.", metricId)});
+    // The fields of a table in a run are next to each other.
+    const Query query(
+        "getTableHistory",
+        fmt::format("rf.{} FROM (SELECT id, started FROM run WHERE job = ?1 AND id <= ?2 ORDER BY id DESC "
+                    "LIMIT ?3) r CROSS JOIN run_field rf ON rf.run = r.id AND rf.table_id = ?4 "
+                    "ORDER BY r.id, rf.position",
+                    metric->column));
+    return m_impl->open({}, query, {m_impl->job, m_impl->run, limit > 0 ? limit : -1, tableId});
 }
 
 ProfileCursorHandle PrViewer::getExecutionLog() {

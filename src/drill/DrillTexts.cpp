@@ -45,6 +45,8 @@ std::string_view drillTitle(DrillOrigin origin) {
         return "Pattern Frequency Distribution Drill Through";
     case DrillOrigin::BusinessRule:
         return "Business Rule Violation Drill Through";
+    case DrillOrigin::StandardMetrics:
+        return "Standard Metrics Drill Through";
     case DrillOrigin::Outliers:
         break;
     }

@@ -16,6 +16,7 @@ enum class DrillOrigin {
     PatternFrequency,
     BusinessRule,
     Outliers,
+    StandardMetrics,
 };
 
 /// The window's title.

@@ -60,7 +60,6 @@ struct GridCell {
     double bar = kNoBar; ///< length of the bar behind the text as a share of the cell's width, 0 to 1; below 0: none
 
     CellPicture picture;
-    std::string toolTip; ///< more lines for the tooltip
 
     bool operator==(const GridCell&) const = default;
 };
@@ -82,7 +81,8 @@ struct GridColumn {
     int width = 120;  ///< pixels at 96 dpi
     CellAlignment alignment = CellAlignment::Left;
     int parameter = -1;  ///< of the source's own meaning; the grid ignores it
-    bool locked = false; ///< stays in view when the grid scrolls sideways
+    bool locked = false; ///< stays in view when the grid scrolls sideways; leading columns only
+    bool pinned = false; ///< likewise at the right edge, where there is room; trailing columns only
     std::string toolTip;
     bool takesRest = false;     ///< wider than `width` where the grid has room, until the user drags it
     bool isOptional = false;    ///< the user shows or hides it in the menu of the headings
@@ -103,6 +103,8 @@ class CUGDataSource {
     [[nodiscard]] virtual std::int64_t GetRowCount() const = 0;
     [[nodiscard]] virtual GridColumn GetColumn(int column) const = 0;
     [[nodiscard]] virtual GridCell GetCell(int column, std::int64_t row) const = 0;
+    /// More lines for the tooltip of a cell, asked for when it is shown.
+    [[nodiscard]] virtual std::string GetToolTip(int /*column*/, std::int64_t /*row*/) const { return {}; }
     /// Identifies the row in any order; the grid uses it to keep the selection while it sorts.
     [[nodiscard]] virtual std::int64_t GetRowKey(std::int64_t row) const { return row; }
     /// False when the rows cannot be sorted by this column; their order is then unchanged.

@@ -5,12 +5,18 @@
 #include "settings/Settings.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <numeric>
 
 namespace tavix {
 
 namespace {
+
+/// The metrics that tell most about a field at a glance.
+constexpr std::array kDecisive = {MetricId::ActualType,    MetricId::PercentNull,  MetricId::UniqueCount,
+                                  MetricId::UniquePercent, MetricId::MinimumValue, MetricId::MaximumValue,
+                                  MetricId::Mean,          MetricId::Mode};
 
 std::string readChoice(const SettingsStore& store, std::size_t id) {
     return readMember(store, SettingFamily::MetricChoice, formatInteger(static_cast<std::int64_t>(id)));
@@ -66,8 +72,14 @@ Status writeFirstStartDefaults(SettingsStore& store) {
     for (std::size_t id = 0; id < metrics.size(); ++id) {
         if (!readChoice(store, id).empty())
             return {};
-        metrics[id] = {{}, true, static_cast<int>(id)};
+        metrics[id] = {{}, true, static_cast<int>(kDecisive.size() + id)};
     }
+    for (std::size_t place = 0; place < kDecisive.size(); ++place)
+        metrics[index(kDecisive[place])].position = static_cast<int>(place);
+    // Without gaps.
+    const std::vector<int> order = metricOrder(metrics);
+    for (std::size_t place = 0; place < order.size(); ++place)
+        metrics[static_cast<std::size_t>(order[place])].position = static_cast<int>(place);
     return writeMetricChoices(store, metrics);
 }
 

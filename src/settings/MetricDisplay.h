@@ -30,7 +30,8 @@ Status writeMetricChoices(SettingsStore& store, std::span<const MetricDisplay> m
 /// All standard metrics with their stored choices, for the time when no report is open.
 [[nodiscard]] std::vector<MetricDisplay> standardMetricDisplay(const SettingsStore& store);
 
-/// Shows all metrics in the order of their ids when no metric has a stored choice yet; else changes nothing.
+/// When no metric has a stored choice yet: shows all, first those that tell most about a field, then the rest in the
+/// order of their ids. Else changes nothing.
 Status writeFirstStartDefaults(SettingsStore& store);
 
 /// The ids in the user's order.

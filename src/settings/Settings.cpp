@@ -17,7 +17,7 @@ constexpr int kMost = 2'000'000'000;
 
 using Kind = SettingKind;
 
-constexpr std::array<SettingInfo, 23> kSettings = {{
+constexpr std::array<SettingInfo, 24> kSettings = {{
     {Setting::MaxChartVals, kTavix, "MaxChartVals", Kind::Integer, 1, 30, 30},
     {Setting::MaxFreqVals, kTavix, "MaxFreqVals", Kind::Integer, 1, kMost, 100},
     {Setting::MaxPkFkOutliers, kTavix, "MaxPkFkOutliers", Kind::Integer, 1, kMost, 100},
@@ -36,6 +36,7 @@ constexpr std::array<SettingInfo, 23> kSettings = {{
     {Setting::UseVault, kTavix, "UseVault", Kind::Text, 0, 0, 0},
     {Setting::HideWelcomeDialog, kTavix, "HideWelcomeDialog", Kind::Flag, 0, 0, 0},
     {Setting::ShowInvisible, kFrame, "ShowInvisible", Kind::Flag, 0, 0, 0},
+    {Setting::TrendMetric, kFrame, "TrendMetric", Kind::Integer, 0, 23, 23},
     {Setting::NavigatorShare, kFrame, "NavigatorShare", Kind::Text, 0, 0, 0},
     {Setting::TableInformationShare, kFrame, "TableInformationShare", Kind::Text, 0, 0, 0},
     {Setting::TableInformation, kFrame, "TableInformation", Kind::Flag, 0, 0, 0},

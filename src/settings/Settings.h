@@ -29,6 +29,7 @@ enum class Setting {
     UseVault,
     HideWelcomeDialog,
     ShowInvisible, ///< set: invisible characters are shown as signs
+    TrendMetric,   ///< the metric whose line of runs the standard metrics show
     NavigatorShare,
     TableInformationShare,
     TableInformation, ///< set: the pane is open

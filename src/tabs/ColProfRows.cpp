@@ -10,14 +10,8 @@ constexpr int kWidth = 180;
 
 GridCell metricCell(int id, const FieldRecord& field) {
     const auto at = static_cast<std::size_t>(id);
-    if (at >= field.metrics.size() || field.metrics[at].isNull()) {
-        GridCell cell = textCell(kUnknownMetric);
-        cell.state = CellState::Unknown;
-        return cell;
-    }
-    const std::string_view value = field.metrics[at].view();
-    GridCell cell = textCell(metricText(id, field.typeCode, value));
-    cell.bar = metricBar(id, value);
+    GridCell cell = metricCell(id, field.typeCode, at < field.metrics.size() ? field.metrics[at] : KvbString());
+    cell.alignment = CellAlignment::Left;
     return cell;
 }
 

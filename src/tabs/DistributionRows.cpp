@@ -135,7 +135,7 @@ GridCell DistributionRows::CellOf(int column, std::size_t record) const {
     const std::int64_t count = isOther ? m_distribution.other : Entry(record).count;
     switch (column - m_countColumn) {
     case 0:
-        return textCell(formatInteger(count), CellAlignment::Right);
+        return countCell(count);
     case 1:
         return ShareCell(count, !isOther);
     case 2:

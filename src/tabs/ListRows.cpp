@@ -3,6 +3,7 @@
 #include "base/NullText.h"
 #include "base/NumberText.h"
 #include "grid/CellSort.h"
+#include "report/CountText.h"
 
 #include <algorithm>
 #include <numeric>
@@ -99,6 +100,13 @@ GridCell textCell(std::string_view text, CellAlignment alignment) {
     GridCell cell;
     cell.text = text;
     cell.alignment = alignment;
+    return cell;
+}
+
+GridCell countCell(std::int64_t count) {
+    GridCell cell = textCell(formatInteger(count), CellAlignment::Right);
+    if (std::string shown = groupedCount(count); shown != cell.text)
+        cell.shown = std::move(shown);
     return cell;
 }
 

@@ -77,6 +77,8 @@ class ListRows : public CUGDataSource {
 
 [[nodiscard]] GridColumn listColumn(std::string_view heading, int width, CellAlignment = CellAlignment::Left);
 [[nodiscard]] GridCell textCell(std::string_view text, CellAlignment = CellAlignment::Left);
+/// A count, right-aligned, painted in groups of digits.
+[[nodiscard]] GridCell countCell(std::int64_t count);
 /// Null is shown as kNullValue.
 [[nodiscard]] GridCell valueCell(const KvbString& value);
 /// A percentage with two places. `bar`: see GridCell.

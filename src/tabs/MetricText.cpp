@@ -3,8 +3,10 @@
 #include "base/Metrics.h"
 #include "base/NumberText.h"
 #include "base/TypeWords.h"
+#include "report/CountText.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tavix {
 
@@ -35,12 +37,31 @@ std::string metricText(int metricId, std::string_view typeCode, std::string_view
     return text;
 }
 
-double metricBar(int metricId, std::string_view value) {
+GridCell metricCell(int metricId, std::string_view typeCode, const KvbString& value) {
+    GridCell cell;
+    cell.alignment = metricAlignment(metricId);
+    if (value.isNull()) {
+        cell.text = kUnknownMetric;
+        cell.state = CellState::Unknown;
+        return cell;
+    }
+    cell.text = value.str();
     const MetricInfo* const info = findMetric(metricId);
-    if (!info || info->value != MetricValue::Percent)
-        return kNoBar;
-    const auto percent = parseNumber(value);
-    return percent ? std::clamp(*percent / 100, 0.0, 1.0) : kNoBar;
+    if (!info)
+        return cell;
+    std::string shown = metricText(metricId, typeCode, cell.text);
+    if (info->value == MetricValue::WholeNumber) {
+        if (const auto count = parseInteger(cell.text))
+            shown = groupedCount(*count);
+    } else if (info->value == MetricValue::Percent) {
+        if (const auto percent = parseNumber(cell.text)) {
+            shown = shareText(*percent);
+            cell.bar = std::clamp(*percent / 100, 0.0, 1.0);
+        }
+    }
+    if (shown != cell.text)
+        cell.shown = std::move(shown);
+    return cell;
 }
 
 std::string sampleMark(int metricId, bool isSample) {

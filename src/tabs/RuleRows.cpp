@@ -6,11 +6,13 @@
 #include "base/GenException.h"
 #include "base/LibraryDate.h"
 #include "base/NumberText.h"
+#include "report/CountText.h"
 #include "tabs/MetricText.h"
 
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <utility>
 
 namespace tavix {
 
@@ -28,15 +30,18 @@ GridColumn countColumn(std::string_view heading) {
     return listColumn(heading, kCountWidth, CellAlignment::Right);
 }
 
-GridCell countCell(std::int64_t number) {
-    return textCell(formatInteger(number), CellAlignment::Right);
-}
-
 // A metric that could not be computed is unknown, not a value of the data.
 GridCell figureCell(const KvbString& value) {
     GridCell cell = textCell(value.isNull() ? kUnknownMetric : value.view(), CellAlignment::Right);
-    if (value.isNull())
+    if (value.isNull()) {
         cell.state = CellState::Unknown;
+        return cell;
+    }
+    // Whole numbers may be years or keys; only the digits of fractions are shortened.
+    if (const auto number = parseNumber(value.view()); number && value.view().find('.') != std::string_view::npos) {
+        if (std::string shown = formatReadable(*number); shown.size() < cell.text.size())
+            cell.shown = std::move(shown);
+    }
     return cell;
 }
 
@@ -44,7 +49,9 @@ GridCell shareCell(std::int64_t failed, std::int64_t checked) {
     if (checked <= 0)
         return textCell({}, CellAlignment::Right);
     const double share = static_cast<double>(failed) / static_cast<double>(checked);
-    return percentCell(share * 100, share);
+    GridCell cell = percentCell(share * 100, share);
+    cell.shown = shareText(share * 100);
+    return cell;
 }
 
 GridCell dateCell(const ProfileCursor& cursor, const std::locale& locale) {

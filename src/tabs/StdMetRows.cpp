@@ -7,7 +7,9 @@
 #include "base/GenException.h"
 #include "base/NumberText.h"
 #include "grid/CellOrder.h"
+#include "report/CountText.h"
 #include "settings/MetricDisplay.h"
+#include "tabs/FieldPictures.h"
 #include "tabs/MetricText.h"
 
 #include <fmt/format.h>
@@ -20,6 +22,9 @@ namespace {
 
 constexpr int kTextWidth = 130;
 constexpr int kIconWidth = 25;
+constexpr int kPictureWidth = 106;
+constexpr int kTrendWidth = 170;
+constexpr int kLastRuns = 12;
 
 bool belongsTo(const ProfileCursor& alert, const TableIdentity& table) {
     using namespace layout;
@@ -70,16 +75,23 @@ void StdMetRows::Clear() {
     m_shown.clear();
     m_marks.clear();
     m_error.clear();
+    m_history = {};
+    m_trendColumn = -1;
 }
 
 bool StdMetRows::Fill(PrViewer& viewer, const ReportSelection& selection, std::span<const MetricDisplay> metrics,
-                      const CollectionsByField& collections) {
+                      const CollectionsByField& collections, int trendMetric) {
     Clear();
+    m_trendMetric = trendMetric;
     const bool isTable = selection.kind == ReportSelection::Kind::Table;
     m_isCollection = selection.kind == ReportSelection::Kind::Collection;
     if (!isTable && !m_isCollection)
         return true;
     MakeColumns(metrics, isTable && selection.table.isSample);
+    if (isTable && !m_shown.empty())
+        ReadHistory(viewer, selection.table.id);
+    if (!m_shown.empty())
+        MakePictureColumns();
     bool done = false;
     try {
         if (isTable)
@@ -114,6 +126,33 @@ void StdMetRows::MakeColumns(std::span<const MetricDisplay> metrics, bool isSamp
     m_columns.back().toolTip = "Primary key/foreign key analyses";
     m_columns.push_back(column("R", kIconWidth, CellAlignment::Center));
     m_columns.back().toolTip = "Redundant data analyses";
+}
+
+// When the runs before cannot be read, the metrics are shown without lines.
+void StdMetRows::ReadHistory(PrViewer& viewer, int tableId) {
+    if (!findMetric(m_trendMetric))
+        return;
+    try {
+        m_history = readMetricHistory(viewer, tableId, m_trendMetric, kLastRuns);
+    } catch (const GenException&) {
+        m_history = {};
+    }
+}
+
+void StdMetRows::MakePictureColumns() {
+    m_columns.push_back(column("Filled", kPictureWidth));
+    m_columns.back().isOptional = m_columns.back().pinned = true;
+    m_columns.back().toolTip = "Rows that are null, have nothing but white space, or are filled";
+    // A single run is no line.
+    if (m_history.runs.size() < 2)
+        return;
+    m_trendColumn = GetColumnCount();
+    m_columns.push_back(column("Last Runs", kTrendWidth));
+    m_columns.back().isOptional = m_columns.back().pinned = true;
+    m_columns.back().mark = findMetric(m_trendMetric)->name;
+    m_columns.back().key = "last runs";
+    m_columns.back().toolTip =
+        m_columns.back().mark + " in the last " + countOf(kLastRuns, "run") + ", and its change since the run before";
 }
 
 // When the alerts cannot be read, the metrics are shown without marks.
@@ -160,16 +199,7 @@ StdMetRows::Row StdMetRows::ReadRow(const ProfileCursor& cursor, const Collectio
     row.cells.push_back(std::move(origin));
 
     for (const int id : m_shown) {
-        GridCell cell;
-        const KvbString value = cursor.getColumnValue(metrics + id);
-        if (value.isNull()) {
-            cell.text = kUnknownMetric;
-            cell.state = CellState::Unknown;
-        } else {
-            cell.text = metricText(id, row.typeCode, value.view());
-            cell.bar = metricBar(id, value.view());
-        }
-        cell.alignment = metricAlignment(id);
+        GridCell cell = metricCell(id, row.typeCode, cursor.getColumnValue(metrics + id));
         cell.alertMark = !m_marks.empty() && m_marks.count({row.fieldName, id}) != 0;
         row.cells.push_back(std::move(cell));
     }
@@ -177,11 +207,24 @@ StdMetRows::Row StdMetRows::ReadRow(const ProfileCursor& cursor, const Collectio
     const int redundancies = m_isCollection ? int{CollectionPkrRedundancies} : int{PkrRedundancies};
     row.cells.push_back(iconCell(cursor.getColumnInt(keyAnalyses), CellIcon::KeyAnalysis));
     row.cells.push_back(iconCell(cursor.getColumnInt(redundancies), CellIcon::Redundancy));
+    if (!m_shown.empty()) {
+        const auto figure = [&cursor, metrics](MetricId id) {
+            return cursor.getColumnInt64(metrics + static_cast<int>(index(id)));
+        };
+        row.cells.push_back(
+            filledCell(figure(MetricId::Count), figure(MetricId::NullCount), figure(MetricId::BlankCount)));
+    }
+    if (m_trendColumn >= 0)
+        row.cells.push_back(trendCell(m_trendMetric, m_history.Of(row.fieldId)));
     return row;
 }
 
 int StdMetRows::GetFieldId(std::int64_t row) const {
     return m_rows.at(static_cast<std::size_t>(row)).fieldId;
+}
+
+const std::string& StdMetRows::GetFieldName(std::int64_t row) const {
+    return m_rows.at(static_cast<std::size_t>(row)).fieldName;
 }
 
 std::int64_t StdMetRows::FindField(int fieldId) const {
@@ -196,6 +239,12 @@ GridColumn StdMetRows::GetColumn(int column) const {
 
 GridCell StdMetRows::GetCell(int column, std::int64_t row) const {
     return m_rows.at(static_cast<std::size_t>(row)).cells.at(static_cast<std::size_t>(column));
+}
+
+std::string StdMetRows::GetToolTip(int column, std::int64_t row) const {
+    if (!IsTrend(column))
+        return {};
+    return trendToolTip(m_trendMetric, m_history, m_history.Of(GetFieldId(row)), m_locale);
 }
 
 bool StdMetRows::Sort(int column, bool descending) {

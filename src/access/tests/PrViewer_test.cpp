@@ -39,7 +39,8 @@ TEST_F(PrViewerTest, EveryOperationFailsWithTextWithoutASession) {
     EXPECT_FALSE(viewer->createNewNoteCategory("x") || viewer->createGlobalCollFieldMapping(1, 1));
     EXPECT_FALSE(viewer->getReports() || viewer->getJobs() || viewer->getDSNList() || viewer->getTableList(1));
     EXPECT_FALSE(viewer->getFieldList(1) || viewer->getGlobalCollections() || viewer->getFreqDist(1, ""));
-    EXPECT_FALSE(viewer->getFieldHistory("", "", "", "", "", "", 0) || viewer->getExecutionLog());
+    EXPECT_FALSE(viewer->getFieldHistory("", "", "", "", "", "", 0) || viewer->getTableHistory(1, 1, 0) ||
+                 viewer->getExecutionLog());
     EXPECT_FALSE(viewer->getTableNotes(1, 'T', 1) || viewer->getRdaCfgs() || viewer->getPKFKAnalysis(1));
     EXPECT_EQ(viewer->getJobCount(), -1);
     EXPECT_EQ(viewer->getFreqDistSum(1), -1);
@@ -228,6 +229,38 @@ TEST_F(PrViewerTest, ReadsPercentilesOutliersHistoryAndLog) {
     EXPECT_EQ(cached.getColumnInt(layout::kFieldHistoryMetrics + 2), 229);
     EXPECT_EQ(read(m_viewer->getFieldHistory("Warehouse", "crm", "public", "customers", "", "name", 0)).size(), 3U);
     EXPECT_EQ(read(m_viewer->getFieldHistory("Warehouse", "", "", "", "late orders", "days", 0)).size(), 2U);
+
+    // A metric of all fields of a table, up to the current run.
+    const int nullCount = static_cast<int>(MetricId::NullCount);
+    const int airports = m_sample.tables.at("airports");
+    const auto fieldsOf = [&](const ProfileCursorHandle& rows) {
+        std::map<int, int> fields;
+        std::vector<int> runs;
+        while (rows && rows->next()) {
+            ++fields[rows->getColumnInt(layout::TableHistoryField)];
+            if (runs.empty() || runs.back() != rows->getColumnInt(layout::TableHistoryRun))
+                runs.push_back(rows->getColumnInt(layout::TableHistoryRun));
+        }
+        EXPECT_EQ(fields.size(), 2U);
+        return runs;
+    };
+    EXPECT_EQ(fieldsOf(m_viewer->getTableHistory(airports, nullCount, 0)), m_sample.salesRuns);
+    EXPECT_THAT(fieldsOf(m_viewer->getTableHistory(airports, nullCount, 2)),
+                ElementsAre(m_sample.salesRuns[1], m_sample.salesRuns[2]));
+    ASSERT_TRUE(m_viewer->setCurrentJob(m_sample.salesRuns[1]));
+    EXPECT_THAT(fieldsOf(m_viewer->getTableHistory(airports, nullCount, 12)),
+                ElementsAre(m_sample.salesRuns[0], m_sample.salesRuns[1]));
+    ASSERT_TRUE(m_viewer->setCurrentJob(m_sample.salesRuns[2]));
+    const auto ofName = m_viewer->getTableHistory(m_sample.tables.at("customers"), nullCount, 2);
+    while (ofName && ofName->next() &&
+           ofName->getColumnInt(layout::TableHistoryField) != m_sample.fields.at("customers/name")) {
+    }
+    EXPECT_EQ(ofName->getColumnInt(layout::TableHistoryValue), 229);
+    EXPECT_EQ(ofName->getColumnDouble(layout::TableHistoryDate), toLibraryDate(SampleRepository::runTime(1)));
+    EXPECT_FALSE(m_viewer->getTableHistory(airports, -1, 0));
+    EXPECT_FALSE(m_viewer->getTableHistory(airports, 24, 0));
+    EXPECT_EQ(m_viewer->getErrorString(), KvbString("There is no metric with the number 24."));
+    EXPECT_FALSE(m_viewer->getTableHistory(999, nullCount, 0));
 
     auto log = m_viewer->getExecutionLog();
     ASSERT_TRUE(log && log->next());

@@ -16,7 +16,7 @@ TEST(TavixApp, FirstStartShowsEveryMetricAndALaterOneChangesNothing) {
         const CTavixApp app(path);
         EXPECT_EQ(app.GetStartProblem(), "");
         EXPECT_EQ(shownMetrics(standardMetricDisplay(app.GetSettings())).size(), 24u);
-        EXPECT_EQ(app.GetSettings().read("TAVIX", "Metric23"), "S23");
+        EXPECT_EQ(app.GetSettings().read("TAVIX", "Metric23"), "S1");
         ASSERT_TRUE(app.GetSettings().write("TAVIX", "Metric5", "U0"));
         ASSERT_TRUE(app.GetSettings().write("TAVIX", "Metric6", ""));
         ASSERT_TRUE(app.GetSettings().write("Settings", "ConnectionType", "local"));

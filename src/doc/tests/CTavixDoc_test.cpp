@@ -276,7 +276,7 @@ TEST_F(TavixDocTest, OptionsWriteTheMetricsAndTellOnce) {
     metrics[0] = {metrics[0].description, false, 7};
     m_doc.ApplyOptions(metrics);
     EXPECT_EQ(m_settings->read("TAVIX", "Metric0"), "U7");
-    EXPECT_EQ(m_settings->read("TAVIX", "Metric23"), "S23");
+    EXPECT_EQ(m_settings->read("TAVIX", "Metric23"), "S1");
     EXPECT_EQ(m_doc.GetMetrics(), metrics);
     m_messages.expectWarn("The settings cannot be kept.");
     m_doc.ApplyOptions(metrics, Error{"The settings cannot be kept."});

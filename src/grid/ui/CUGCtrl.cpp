@@ -1,12 +1,13 @@
 #include "grid/ui/CUGCtrl.h"
 
-#include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
 #include "grid/GridCopy.h"
 #include "grid/ui/CellDelegate.h"
 #include "grid/ui/GridHeader.h"
+#include "grid/ui/GridMenus.h"
 #include "grid/ui/GridModel.h"
 #include "grid/ui/LockedColumns.h"
+#include "grid/ui/RowEnds.h"
 #include "grid/ui/TypingSearch.h"
 
 #include <QApplication>
@@ -14,7 +15,6 @@
 #include <QContextMenuEvent>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
-#include <QMenu>
 #include <QScrollBar>
 #include <QStyle>
 
@@ -45,19 +45,18 @@ class WaitCursor {
     bool m_shown;
 };
 
-// A menu takes "&" for the mark of a shortcut key.
-QString entryText(const std::string& heading) {
-    return toQString(heading).replace(u'&', QStringLiteral("&&"));
-}
-
 } // namespace
+
+CUGCtrl::~CUGCtrl() = default;
 
 CUGCtrl::CUGCtrl(QWidget* parent)
     : QTableView(parent),
       m_model(new GridModel(this)),
       m_widths(*this, *m_model),
-      m_locked(new LockedColumns(*this, *m_model)),
-      m_search(new TypingSearch(*this, *m_model)) {
+      m_locked(new LockedColumns(*this, *m_model, LockedColumns::Edge::Left)),
+      m_pinned(new LockedColumns(*this, *m_model, LockedColumns::Edge::Right)),
+      m_search(new TypingSearch(*this, *m_model)),
+      m_menus(std::make_unique<GridMenus>(*this, m_optional)) {
     setModel(m_model);
     SetUpView(*this);
     setHorizontalScrollMode(ScrollPerPixel);
@@ -93,24 +92,27 @@ void CUGCtrl::SetUpView(QTableView& view) {
     view.horizontalHeader()->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(view.horizontalHeader(), &QWidget::customContextMenuRequested, this, [this, &view](const QPoint& at) {
         QHeaderView* header = view.horizontalHeader();
-        ShowHeadingMenu(header->logicalIndexAt(at), header->mapToGlobal(at));
+        m_menus->ShowForHeading(header->logicalIndexAt(at), header->mapToGlobal(at));
     });
     connect(view.horizontalHeader(), &QHeaderView::sectionClicked, this, &CUGCtrl::ToggleSort);
     connect(view.horizontalHeader(), &QHeaderView::sectionResized, this, [this, &view](int column, int, int width) {
-        QTableView* other = &view == this ? m_locked->View() : this;
         // Hiding a column in one view resizes it to 0 there.
-        if (width > 0 && other && !other->isColumnHidden(column) && other->columnWidth(column) != width)
-            other->setColumnWidth(column, width);
+        for (QTableView* other : Views()) {
+            if (width > 0 && other != &view && !other->isColumnHidden(column) && other->columnWidth(column) != width)
+                other->setColumnWidth(column, width);
+        }
         if (width > 0)
             m_widths.Changed(column, width); // NOLINT(clang-analyzer-core.CallAndMessage): a member is never null
-        m_locked->Place();
+        PlaceLocked();
     });
 }
 
 std::vector<QTableView*> CUGCtrl::Views() {
     std::vector<QTableView*> views = {this};
-    if (QTableView* locked = m_locked->View())
-        views.push_back(locked);
+    for (const LockedColumns* locked : {m_locked, m_pinned}) {
+        if (QTableView* view = locked ? locked->View() : nullptr)
+            views.push_back(view);
+    }
     return views;
 }
 
@@ -146,25 +148,40 @@ void CUGCtrl::ApplyFont() {
 }
 
 void CUGCtrl::ApplyColumns() {
-    if (m_locked->NeedsView()) {
-        QTableView& view = m_locked->MakeView();
+    for (LockedColumns* locked : {m_locked, m_pinned}) {
+        if (!locked->NeedsView())
+            continue;
+        QTableView& view = locked->MakeView();
         SetUpView(view);
         ApplyFont();
         connect(&view, &QWidget::customContextMenuRequested, this,
-                [this, &view](const QPoint& at) { ShowMenu(view.viewport()->mapToGlobal(at)); });
+                [this, &view](const QPoint& at) { m_menus->Show(view.viewport()->mapToGlobal(at)); });
     }
     {
         const ColumnWidths::Placing placing(m_widths);
         for (int column = 0; column < m_model->columnCount(); ++column)
             setColumnHidden(column, !m_optional.IsShown(m_model->source()->GetColumn(column)));
         m_locked->HideOtherColumns();
+        m_pinned->HideOtherColumns();
     }
     m_widths.Apply();
     m_sortColumn = -1;
     ShowSortArrow();
     // The height of the headings may have changed.
     updateGeometries();
+    PlaceLocked();
+}
+
+void CUGCtrl::PlaceLocked() {
     m_locked->Place();
+    m_pinned->Place();
+}
+
+void CUGCtrl::ShowColumns() {
+    const int sorted = m_sortColumn;
+    ApplyColumns();
+    m_sortColumn = sorted;
+    ShowSortArrow();
 }
 
 void CUGCtrl::ShowSortArrow() {
@@ -314,105 +331,75 @@ void CUGCtrl::keyboardSearch(const QString& typed) {
 
 void CUGCtrl::contextMenuEvent(QContextMenuEvent* event) {
     if (event->reason() == QContextMenuEvent::Keyboard && currentIndex().isValid())
-        ShowMenu(viewport()->mapToGlobal(visualRect(currentIndex()).bottomLeft()));
+        m_menus->Show(viewport()->mapToGlobal(visualRect(currentIndex()).bottomLeft()));
     else
-        ShowMenu(event->globalPos());
+        m_menus->Show(event->globalPos());
 }
 
-void CUGCtrl::ShowMenu(const QPoint& globalPosition) {
-    QMenu menu(this);
-    menu.addActions(actions());
-    if (!actions().isEmpty())
-        menu.addSeparator();
-    const bool selected = selectionModel()->hasSelection();
-    QAction* copy = menu.addAction(QStringLiteral("&Copy"), QKeySequence(Qt::CTRL | Qt::Key_C), this,
-                                   [this] { CopySelection(false); });
-    copy->setEnabled(selected);
-    QAction* withHeadings =
-        menu.addAction(QStringLiteral("Copy with &Headings"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C), this,
-                       [this] { CopySelection(true); });
-    withHeadings->setEnabled(selected);
-    QAction* all =
-        menu.addAction(QStringLiteral("Select &All"), QKeySequence(Qt::CTRL | Qt::Key_A), this, &QTableView::selectAll);
-    all->setEnabled(m_model->rowCount() > 0);
-    if (const int column = currentIndex().column(); column >= 0 && m_model->rowCount() > 1) {
-        menu.addSeparator();
-        menu.addAction(QStringLiteral("&Sort by %1").arg(entryText(m_model->source()->GetColumn(column).heading)), this,
-                       [this, column] { ToggleSort(column); });
-    }
-    if (const int column = currentIndex().column(); column >= 0 && m_addHeadingEntries)
+void CUGCtrl::AddHeadingEntries(QMenu& menu, int column) const {
+    if (m_addHeadingEntries)
         m_addHeadingEntries(menu, column);
-    if (m_model->source() && !OptionalColumns::Optional(*m_model->source()).empty())
-        AddColumnEntries(*menu.addMenu(QStringLiteral("C&olumns")));
-    const NestedLoop loop(NestedLoop::Kind::Other);
-    menu.exec(globalPosition);
 }
 
-void CUGCtrl::ShowHeadingMenu(int column, const QPoint& globalPosition) {
-    if (!m_model->source() || column >= m_model->columnCount())
-        return;
-    QMenu menu(this);
-    if (column >= 0) {
-        for (const bool descending : {false, true}) {
-            const QString text = descending ? QStringLiteral("Sort &Descending") : QStringLiteral("Sort &Ascending");
-            menu.addAction(text, this, [this, column, descending] { SortBy(column, descending); })
-                ->setEnabled(m_model->rowCount() > 1);
-        }
-        if (m_addHeadingEntries)
-            m_addHeadingEntries(menu, column);
-    }
-    menu.addSeparator();
-    AddColumnEntries(menu);
-    const NestedLoop loop(NestedLoop::Kind::Other);
-    menu.exec(globalPosition);
+int CUGCtrl::EndOfColumns() const {
+    return horizontalHeader()->length() - horizontalHeader()->offset();
 }
 
-void CUGCtrl::AddColumnEntries(QMenu& menu) {
-    for (const int column : OptionalColumns::Optional(*m_model->source())) {
-        const GridColumn shown = m_model->source()->GetColumn(column);
-        QAction* action = menu.addAction(entryText(shown.heading));
-        action->setCheckable(true);
-        action->setChecked(m_optional.IsShown(shown));
-        action->setToolTip(toQString(shown.toolTip));
-        connect(action, &QAction::toggled, this, [this, shown](bool isShown) {
-            m_optional.Choose(shown, isShown);
-            const int sorted = m_sortColumn;
-            ApplyColumns();
-            m_sortColumn = sorted;
-            ShowSortArrow();
-        });
-    }
+QModelIndex CUGCtrl::indexAt(const QPoint& at) const {
+    const int end = EndOfColumns();
+    return QTableView::indexAt(at.x() >= end && end > 0 ? QPoint(end - 1, at.y()) : at);
+}
+
+void CUGCtrl::paintEvent(QPaintEvent* event) {
+    paintRowEnds(*this, std::max(0, EndOfColumns()));
+    QTableView::paintEvent(event);
+}
+
+// The selection is paler without the focus.
+void CUGCtrl::focusInEvent(QFocusEvent* event) {
+    QTableView::focusInEvent(event);
+    for (QTableView* view : Views())
+        view->viewport()->update();
+}
+
+void CUGCtrl::focusOutEvent(QFocusEvent* event) {
+    QTableView::focusOutEvent(event);
+    for (QTableView* view : Views())
+        view->viewport()->update();
 }
 
 void CUGCtrl::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
     m_search->PlaceLine();
     m_widths.FitToView();
-    m_locked->Place();
+    PlaceLocked();
 }
 
 void CUGCtrl::changeEvent(QEvent* event) {
     QTableView::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         ApplyFont();
+    if (event->type() == QEvent::FontChange)
+        m_widths.Apply();
 }
 
 void CUGCtrl::scrollContentsBy(int dx, int dy) {
     QTableView::scrollContentsBy(dx, dy);
     if (dx != 0)
-        m_locked->Place();
+        PlaceLocked();
 }
 
 void CUGCtrl::scrollTo(const QModelIndex& index, ScrollHint hint) {
-    if (index.column() < m_locked->Count()) {
-        // Always in view sideways.
-        const int sideways = horizontalScrollBar()->value();
-        QTableView::scrollTo(index, hint);
-        horizontalScrollBar()->setValue(sideways);
-        return;
-    }
+    const int sideways = horizontalScrollBar()->value();
     QTableView::scrollTo(index, hint);
-    if (const int hidden = m_locked->Width() - visualRect(index).left(); hidden > 0)
+    const QRect cell = visualRect(index);
+    const int end = viewport()->width() - m_pinned->CoveredWidth();
+    if (m_locked->IsLocked(index.column()) || (m_pinned->IsLocked(index.column()) && m_pinned->CoveredWidth() > 0))
+        horizontalScrollBar()->setValue(sideways); // always in view
+    else if (const int hiddenAtRight = cell.right() + 1 - end; hiddenAtRight > 0)
+        horizontalScrollBar()->setValue(horizontalScrollBar()->value() + hiddenAtRight);
+    if (const int hidden = m_locked->Width() - visualRect(index).left();
+        hidden > 0 && !m_locked->IsLocked(index.column()))
         horizontalScrollBar()->setValue(horizontalScrollBar()->value() - hidden);
 }
 

@@ -16,6 +16,7 @@ class QMenu;
 
 namespace tavix {
 
+class GridMenus;
 class GridModel;
 class LockedColumns;
 class TypingSearch;
@@ -28,6 +29,7 @@ class CUGCtrl final : public QTableView {
     Q_OBJECT
   public:
     explicit CUGCtrl(QWidget* parent = nullptr);
+    ~CUGCtrl() override;
 
     /// Not owned; must outlive the grid or be taken back with null.
     void SetSource(CUGDataSource* source);
@@ -40,6 +42,7 @@ class CUGCtrl final : public QTableView {
     void SetColumnMemory(std::unique_ptr<ColumnMemory> memory);
     /// Adds entries for the column to the menu of its heading, after those for sorting.
     void SetHeadingEntries(std::function<void(QMenu&, int column)> add) { m_addHeadingEntries = std::move(add); }
+    void AddHeadingEntries(QMenu& menu, int column) const;
 
     /// Whether invisible characters are drawn as signs. Copied text is not changed.
     void SetShowsInvisible(bool shows);
@@ -53,9 +56,15 @@ class CUGCtrl final : public QTableView {
     /// In ascending order.
     [[nodiscard]] std::vector<std::int64_t> GetSelectedRows() const;
     void SortBy(int column, bool descending);
+    /// Ascending, or descending if the rows are already sorted by the column.
+    void ToggleSort(int column);
+    /// Call after optional columns were chosen.
+    void ShowColumns();
     void CopySelection(bool withHeadings) const;
 
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
+    /// The room beyond the last column belongs to the row.
+    [[nodiscard]] QModelIndex indexAt(const QPoint& at) const override;
     void keyboardSearch(const QString& typed) override;
 
   Q_SIGNALS:
@@ -67,7 +76,10 @@ class CUGCtrl final : public QTableView {
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void changeEvent(QEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
@@ -78,20 +90,19 @@ class CUGCtrl final : public QTableView {
     [[nodiscard]] std::vector<QTableView*> Views();
     void ApplyFont();
     void ApplyColumns();
+    void PlaceLocked();
+    /// Where the columns end, in the viewport.
+    [[nodiscard]] int EndOfColumns() const;
     void ShowSortArrow();
-    void ToggleSort(int column);
     bool Sort(int column, bool descending);
-    void ShowMenu(const QPoint& globalPosition);
-    void ShowHeadingMenu(int column, const QPoint& globalPosition);
-    /// Adds a checkable entry for each optional column; adds nothing when there is none.
-    void AddColumnEntries(QMenu& menu);
 
     GridModel* m_model;
     std::unique_ptr<ColumnMemory> m_memory;
     OptionalColumns m_optional;
     ColumnWidths m_widths;
     LockedColumns* m_locked;
-    int m_sortColumn = -1; ///< by which the rows are sorted now
+    LockedColumns* m_pinned; ///< at the right edge
+    int m_sortColumn = -1;   ///< by which the rows are sorted now
     /// The identity of the column that the user chose to sort by. It is kept while the rows cannot be sorted by it, and
     /// the column may have another index when they are read anew.
     std::optional<std::string> m_sortKey;
@@ -99,6 +110,7 @@ class CUGCtrl final : public QTableView {
     bool m_showsInvisible = false;
     std::function<void(QMenu&, int)> m_addHeadingEntries;
     TypingSearch* m_search;
+    std::unique_ptr<GridMenus> m_menus;
 };
 
 } // namespace tavix

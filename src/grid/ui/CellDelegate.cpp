@@ -4,6 +4,7 @@
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
 #include "grid/InvisibleText.h"
+#include "grid/ui/CellPictures.h"
 #include "grid/ui/GridModel.h"
 #include "grid/ui/Icons.h"
 #include "grid/ui/Tints.h"
@@ -26,6 +27,12 @@ constexpr int kAlertCorner = 7;
 constexpr int kBarMargin = 2;
 constexpr int kMarkGap = 5;
 constexpr double kMarkFaintness = 0.45;
+constexpr double kStateFaintness = 0.45;
+// Of the line of a cell's picture, beside the text.
+constexpr int kLineRoom = 90;
+constexpr int kLineMargin = 6;
+constexpr int kPartsRoom = 90;
+constexpr int kLeastBar = 2;
 // A cell shows one line; the rest of a long value is neither measured nor drawn.
 constexpr std::size_t kShownBytes = 512;
 
@@ -44,20 +51,26 @@ bool isAtRightEdge(CellIcon icon) {
     return icon == CellIcon::BeyondFence || icon == CellIcon::FarBeyondFence;
 }
 
-// From the left; rounded up, so the smallest share is visible.
+// From the left; the smallest share is visible.
 QRect barRect(const QRect& rect, double share) {
     const QRect room = rect.adjusted(kBarMargin, kBarMargin, -kBarMargin, -kBarMargin);
-    const int width = static_cast<int>(std::ceil(std::min(share, 1.0) * room.width()));
+    const int width = std::max(kLeastBar, static_cast<int>(std::lround(std::min(share, 1.0) * room.width())));
     return {room.left(), room.top(), width, room.height()};
 }
 
 struct CellGeometry {
     QRect icon;
+    QRect line; ///< of a picture
     QRect text;
 };
 
 CellGeometry layOut(const QRect& rect, const GridCell& cell) {
-    CellGeometry geometry{{}, rect.adjusted(kPadding, 0, -kPadding, 0)};
+    CellGeometry geometry{{}, {}, rect.adjusted(kPadding, 0, -kPadding, 0)};
+    if (!cell.picture.line.empty()) {
+        geometry.line = geometry.text.adjusted(0, kLineMargin, 0, -kLineMargin);
+        geometry.line.setWidth(kLineRoom);
+        geometry.text.setLeft(geometry.line.right() + kPadding);
+    }
     if (cell.icon == CellIcon::None)
         return geometry;
     const int top = rect.top() + (rect.height() - kIconSize) / 2;
@@ -76,7 +89,10 @@ CellGeometry layOut(const QRect& rect, const GridCell& cell) {
 } // namespace
 
 // "(null value)" and "(Unknown)" are not values of the data, so their characters are never drawn as signs.
-QString CellDelegate::shownText(const GridCell& cell) const {
+QString CellDelegate::paintedText(const GridCell& cell) const {
+    // The text is the meaning of the bar, for readers and copies.
+    if (!cell.picture.parts.empty())
+        return {};
     if (cell.state == CellState::Null && cell.text.empty())
         return toQString(kNullValue);
     if (!cell.shown.empty())
@@ -93,15 +109,18 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     painter->setClipRect(option.rect);
 
     const bool alternate = option.features.testFlag(QStyleOptionViewItem::Alternate);
+    const bool hasFocus = option.widget && option.widget->hasFocus();
+    const bool onHighlight = selected && hasFocus;
+    const tint::Selection selection = tint::selection(colors, hasFocus);
     const QColor background =
-        colors.color(selected ? QPalette::Highlight : (alternate ? QPalette::AlternateBase : QPalette::Base));
+        selected ? selection.background : colors.color(alternate ? QPalette::AlternateBase : QPalette::Base);
     painter->fillRect(option.rect, background);
-    if (cell.bar >= 0)
-        painter->fillRect(barRect(option.rect, cell.bar), tint::bar(colors, background, selected));
+    if (cell.bar > 0)
+        painter->fillRect(barRect(option.rect, cell.bar), tint::bar(colors, background, onHighlight));
 
     const CellGeometry geometry = layOut(option.rect, cell);
     if (cell.icon != CellIcon::None)
-        paintIcon(*painter, geometry.icon, cell.icon, colors, selected);
+        paintIcon(*painter, geometry.icon, cell.icon, colors, onHighlight);
     if (cell.alertMark) {
         painter->setRenderHint(QPainter::Antialiasing);
         painter->setPen(Qt::NoPen);
@@ -110,15 +129,19 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
         painter->drawPolygon(QPolygonF{corner, corner - QPointF(kAlertCorner, 0), corner + QPointF(0, kAlertCorner)});
     }
 
-    QColor textColor = colors.color(selected ? QPalette::HighlightedText : QPalette::Text);
+    QColor textColor = selected ? selection.text : colors.color(QPalette::Text);
     QFont font = option.font;
     if (cell.state != CellState::Ordinary) {
         font.setItalic(true);
-        textColor = mixed(textColor, colors.color(selected ? QPalette::Highlight : QPalette::Base), 0.45);
+        textColor = mixed(textColor, background, kStateFaintness);
     }
     painter->setFont(font);
     painter->setPen(textColor);
-    const QString text = QFontMetrics(font).elidedText(shownText(cell), Qt::ElideRight, geometry.text.width());
+    if (!cell.picture.line.empty())
+        paintLine(*painter, geometry.line, cell.picture, onHighlight ? textColor : tint::accent(colors));
+    if (!cell.picture.parts.empty())
+        paintParts(*painter, geometry.text, cell.picture, colors, background);
+    const QString text = QFontMetrics(font).elidedText(paintedText(cell), Qt::ElideRight, geometry.text.width());
     const int inLine = static_cast<int>(toQtAlignment(cell.alignment)) | Qt::TextSingleLine;
     painter->drawText(geometry.text, inLine, text);
     if (!cell.mark.empty()) {
@@ -129,7 +152,7 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     }
 
     if (option.state.testFlag(QStyle::State_HasFocus)) {
-        QColor ring = colors.color(selected ? QPalette::HighlightedText : QPalette::Highlight);
+        QColor ring = onHighlight ? selection.text : colors.color(QPalette::Highlight);
         ring.setAlphaF(0.55F);
         painter->setRenderHint(QPainter::Antialiasing, false);
         painter->setPen(ring);
@@ -139,12 +162,20 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     painter->restore();
 }
 
-QSize CellDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
-    const GridCell cell = m_model.cell(index);
+int CellDelegate::neededWidth(const GridCell& cell, const QFont& font) const {
+    if (!cell.picture.parts.empty())
+        return kPartsRoom + 2 * kPadding;
+    QFont drawn(font);
+    drawn.setItalic(cell.state != CellState::Ordinary);
+    const QFontMetrics metrics(drawn);
     const int icon = cell.icon == CellIcon::None ? 0 : kIconSize + kIconGap;
-    const int mark = cell.mark.empty() ? 0 : kMarkGap + option.fontMetrics.horizontalAdvance(toQString(cell.mark));
-    return {2 * kPadding + icon + option.fontMetrics.horizontalAdvance(shownText(cell)) + mark,
-            std::max(kIconSize, option.fontMetrics.height()) + 8};
+    const int line = cell.picture.line.empty() ? 0 : kLineRoom + kPadding;
+    const int mark = cell.mark.empty() ? 0 : kMarkGap + metrics.horizontalAdvance(toQString(cell.mark));
+    return 2 * kPadding + icon + line + metrics.horizontalAdvance(paintedText(cell)) + mark + 1;
+}
+
+QSize CellDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    return {neededWidth(m_model.cell(index), option.font), std::max(kIconSize, option.fontMetrics.height()) + 8};
 }
 
 bool CellDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
@@ -155,14 +186,14 @@ bool CellDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const Q
     const QRect textRect = layOut(option.rect, cell).text;
     QStringList lines;
     // A value may contain markup, which must not be interpreted.
-    if ((!cell.shown.empty() && cell.shown != cell.text) ||
-        option.fontMetrics.horizontalAdvance(shownText(cell)) > textRect.width())
+    if (!cell.picture.parts.empty() || (!cell.shown.empty() && cell.shown != cell.text) ||
+        option.fontMetrics.horizontalAdvance(paintedText(cell)) > textRect.width())
         lines << (m_showsInvisible && cell.state == CellState::Ordinary
                       ? toQString(showInvisible(cell.text, 4 * kShownBytes))
                       : toQString(std::string_view(cell.text).substr(0, 4 * kShownBytes)))
                      .toHtmlEscaped();
-    if (!cell.toolTip.empty())
-        lines << toQString(cell.toolTip).toHtmlEscaped().replace(u'\n', QStringLiteral("<br>"));
+    if (const std::string more = m_model.toolTip(index); !more.empty())
+        lines << toQString(more).toHtmlEscaped().replace(u'\n', QStringLiteral("<br>"));
     if (const QString meaning = iconMeaning(cell.icon); !meaning.isEmpty())
         lines << meaning;
     if (cell.alertMark)

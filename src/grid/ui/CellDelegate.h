@@ -18,13 +18,16 @@ class CellDelegate final : public QStyledItemDelegate {
 
     void setShowsInvisible(bool shows) { m_showsInvisible = shows; }
 
+    /// The width of a cell that cuts nothing of this one.
+    [[nodiscard]] int neededWidth(const GridCell& cell, const QFont& font) const;
+
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                    const QModelIndex& index) override;
 
   private:
-    [[nodiscard]] QString shownText(const GridCell& cell) const;
+    [[nodiscard]] QString paintedText(const GridCell& cell) const;
 
     const GridModel& m_model;
     bool m_showsInvisible = false;

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "grid/ColumnFit.h"
 #include "grid/ColumnMemory.h"
 
 #include <QTimer>
 
 #include <map>
 #include <string>
+#include <vector>
 
 class QTableView;
 
@@ -13,8 +15,8 @@ namespace tavix {
 
 class GridModel;
 
-/// The column widths of a table view: the source's until the user drags a column, whose width is then stored. A column
-/// with takesRest fills the remaining room until it is dragged itself.
+/// The column widths of a table view: what fitColumns() decides until the user drags a column, whose width is then
+/// stored. The view's header is a GridHeader, its delegate a CellDelegate.
 class ColumnWidths final {
   public:
     /// Both must outlive this; the view shows the model.
@@ -48,6 +50,8 @@ class ColumnWidths final {
     void Keep();
 
   private:
+    /// The width that the column's cells need.
+    void Measure(int column, ColumnNeed& need) const;
     [[nodiscard]] int Scaled(int pixels) const;
 
     QTableView& m_view;
@@ -56,7 +60,7 @@ class ColumnWidths final {
     std::map<std::string, int> m_dragged; ///< by identity, not stored yet
     QTimer m_keepSoon;
     int m_placing = 0;
-    int m_fitted = -1; ///< the column that fills the remaining room; -1 without one
+    std::vector<ColumnNeed> m_needs; ///< of all columns, hidden ones among them
 };
 
 } // namespace tavix

@@ -6,6 +6,8 @@
 
 #include <QPainter>
 
+#include <algorithm>
+
 namespace tavix {
 
 namespace {
@@ -17,6 +19,7 @@ constexpr double kMarkSize = 0.85;
 constexpr int kAboveHeading = 6;
 // Narrower columns hold a single letter, which is centered.
 constexpr int kNarrow = 40;
+constexpr int kNarrowMargin = 8;
 
 void paintArrow(QPainter& painter, const QRectF& rect, bool descending, const QColor& color) {
     painter.save();
@@ -57,6 +60,21 @@ QFont GridHeader::MarkFont() const {
     QFont small = font();
     small.setPointSizeF(small.pointSizeF() * kMarkSize);
     return small;
+}
+
+int GridHeader::NeededWidth(int section) const {
+    const QString heading = model()->headerData(section, orientation(), Qt::DisplayRole).toString();
+    const int text = QFontMetrics(HeadingFont()).horizontalAdvance(heading);
+    if (text + kNarrowMargin < kNarrow)
+        return text + kNarrowMargin;
+    const int mark = QFontMetrics(MarkFont()).horizontalAdvance(MarkOf(section));
+    return std::max(text + kArrow + 2, mark) + 2 * kPadding + 1;
+}
+
+QFont GridHeader::HeadingFont() const {
+    QFont bold = font();
+    bold.setWeight(QFont::DemiBold);
+    return bold;
 }
 
 QSize GridHeader::sizeHint() const {
@@ -108,8 +126,7 @@ void GridHeader::paintSection(QPainter* painter, const QRect& rect, int section)
         narrow
             ? Qt::Alignment(Qt::AlignCenter)
             : Qt::Alignment(model()->headerData(section, orientation(), Qt::TextAlignmentRole).value<Qt::Alignment>());
-    QFont headingFont = font();
-    headingFont.setWeight(QFont::DemiBold);
+    const QFont headingFont = HeadingFont();
     painter->setFont(headingFont);
     painter->setPen(sorted ? colors.color(QPalette::WindowText)
                            : mixed(colors.color(QPalette::WindowText), colors.color(QPalette::Window), 0.25));

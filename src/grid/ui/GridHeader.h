@@ -12,6 +12,8 @@ class GridHeader final : public QHeaderView {
     explicit GridHeader(QWidget* parent = nullptr);
 
     [[nodiscard]] QSize sizeHint() const override;
+    /// The width of a column that cuts neither its heading nor its mark, also while the rows are sorted by it.
+    [[nodiscard]] int NeededWidth(int section) const;
 
   protected:
     void paintSection(QPainter* painter, const QRect& rect, int section) const override;
@@ -20,6 +22,7 @@ class GridHeader final : public QHeaderView {
   private:
     [[nodiscard]] QString MarkOf(int section) const;
     [[nodiscard]] bool HasMarks() const;
+    [[nodiscard]] QFont HeadingFont() const;
     [[nodiscard]] QFont MarkFont() const;
 
     bool m_hasMarks = false; ///< while the sections are painted

@@ -63,6 +63,12 @@ GridCell GridModel::cell(const QModelIndex& index) const {
     return m_source->GetCell(index.column(), index.row());
 }
 
+std::string GridModel::toolTip(const QModelIndex& index) const {
+    if (!m_source || !index.isValid() || index.row() >= rowCount() || index.column() >= columnCount())
+        return {};
+    return m_source->GetToolTip(index.column(), index.row());
+}
+
 int GridModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() || !m_source ? 0 : static_cast<int>(std::min(m_source->GetRowCount(), kMostRows));
 }

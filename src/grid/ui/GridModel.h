@@ -22,6 +22,9 @@ class GridModel final : public QAbstractTableModel {
     /// The whole cell in one fetch, for painting.
     [[nodiscard]] GridCell cell(const QModelIndex& index) const;
 
+    /// What the source says about the cell beyond its text.
+    [[nodiscard]] std::string toolTip(const QModelIndex& index) const;
+
     /// Role of a column's mark in headerData.
     static constexpr int kMarkRole = Qt::UserRole;
 

@@ -3,22 +3,29 @@
 #include <QObject>
 #include <QTableView>
 
+class QFrame;
+
 namespace tavix {
 
 class GridModel;
 
-/// The leading columns that stay in view while a grid scrolls sideways: a second table view over the same model and
-/// selection, shown over the grid while the grid is scrolled.
+/// The columns that stay in view while a grid scrolls sideways, leading ones at its left edge or trailing ones at its
+/// right edge: a second table view over the same model and selection, shown over the grid while the columns are out of
+/// view.
 class LockedColumns final : public QObject {
     Q_OBJECT
   public:
-    /// Both must outlive the object.
-    LockedColumns(QTableView& grid, const GridModel& model);
+    enum class Edge { Left, Right };
 
-    /// How many leading columns the source locks.
-    [[nodiscard]] int Count() const;
-    /// Their width in the grid.
+    /// Both must outlive the object.
+    LockedColumns(QTableView& grid, const GridModel& model, Edge edge);
+
+    /// Whether the source locks the column at this edge.
+    [[nodiscard]] bool IsLocked(int column) const;
+    /// Of the locked columns in the grid.
     [[nodiscard]] int Width() const;
+    /// What the view hides of the grid's viewport now.
+    [[nodiscard]] int CoveredWidth() const;
     /// Whether the view has to be made; most grids have no locked columns, and a second view costs as much as the
     /// first.
     [[nodiscard]] bool NeedsView() const { return !m_view && Count() > 0; }
@@ -33,9 +40,13 @@ class LockedColumns final : public QObject {
     void Place();
 
   private:
+    [[nodiscard]] int Count() const;
+
     QTableView& m_grid;
     const GridModel& m_model;
+    Edge m_edge;
     QTableView* m_view = nullptr;
+    QFrame* m_border = nullptr; ///< of the view at the right edge
 };
 
 } // namespace tavix

@@ -21,6 +21,24 @@ QColor bar(const QPalette& palette, const QColor& background, bool onSelection) 
     return mixed(background, accent(palette), isDark(palette) ? 0.32 : 0.20);
 }
 
+Selection selection(const QPalette& palette, bool hasFocus) {
+    const QColor strong = palette.color(QPalette::Highlight);
+    if (hasFocus)
+        return {strong, palette.color(QPalette::HighlightedText)};
+    return {mixed(palette.color(QPalette::Base), strong, isDark(palette) ? 0.40 : 0.24), palette.color(QPalette::Text)};
+}
+
+QColor part(const QPalette& palette, const QColor& background, std::size_t number) {
+    switch (number % 3) {
+    case 0:
+        return mixed(background, accentWarm(palette), 0.9);
+    case 1:
+        return mixed(background, accentWarm(palette), 0.4);
+    default:
+        return mixed(background, accent(palette), 0.45);
+    }
+}
+
 QColor accent(const QPalette& palette) {
     return isDark(palette) ? QColor(110, 168, 254) : QColor(37, 99, 200);
 }

@@ -3,6 +3,8 @@
 #include <QColor>
 #include <QPalette>
 
+#include <cstddef>
+
 /// Colours without a palette role, derived from the palette to suit light and dark ones.
 namespace tavix::tint {
 
@@ -12,6 +14,15 @@ namespace tavix::tint {
 [[nodiscard]] QColor alert(const QPalette& palette);
 /// The bar behind a cell's text, on the cell's background. Text keeps its contrast on it.
 [[nodiscard]] QColor bar(const QPalette& palette, const QColor& background, bool onSelection);
+/// The colours of selected rows and nodes; paler while their list does not have the focus.
+struct Selection {
+    QColor background;
+    QColor text;
+};
+[[nodiscard]] Selection selection(const QPalette& palette, bool hasFocus);
+/// The parts of a bar, by number: what is missing, what is there without saying anything, what is filled. Further
+/// parts repeat the tints.
+[[nodiscard]] QColor part(const QPalette& palette, const QColor& background, std::size_t number);
 /// The colours of icons.
 [[nodiscard]] QColor accent(const QPalette& palette);
 [[nodiscard]] QColor accentWarm(const QPalette& palette);

@@ -1,3 +1,4 @@
+#include "base/Metrics.h"
 #include "settings/MetricDisplay.h"
 #include "settings/Settings.h"
 
@@ -107,8 +108,17 @@ TEST(MetricDisplay, AFirstStartShowsAllMetricsAndNeverReplacesAChoice) {
 
     ASSERT_TRUE(store->write("TAVIX", "Metric23", ""));
     ASSERT_TRUE(writeFirstStartDefaults(*store));
-    EXPECT_EQ(store->read("TAVIX", "Metric0"), "S0");
-    EXPECT_EQ(store->read("TAVIX", "Metric23"), "S23");
+    std::string names;
+    for (const int id : shownMetrics(standardMetricDisplay(*store)))
+        names += std::string(findMetric(id)->name) + (id == 20 ? "" : ", ");
+    EXPECT_EQ("Actual Type, Percent Null, Unique Count, Unique Percent, Minimum Value, Maximum Value, Mean, Mode, "
+              "Count, Null Count, Non-null Count, Blank Count, Pattern Count, Minimum Length, Maximum Length, Median, "
+              "Standard Deviation, Standard Error, Defined Type, Defined Length, Ordinal, Primary Key, Nullable, "
+              "Precision",
+              names);
+    EXPECT_EQ(store->read("TAVIX", "Metric21"), "S0");
+    EXPECT_EQ(store->read("TAVIX", "Metric0"), "S8");
+    EXPECT_EQ(store->read("TAVIX", "Metric20"), "S23");
 }
 
 TEST(SettingFamilies, EveryFamilyHasKeysOfItsOwn) {
@@ -116,11 +126,12 @@ TEST(SettingFamilies, EveryFamilyHasKeysOfItsOwn) {
     for (const auto& [family, value] : {std::pair(SettingFamily::MetricChoice, "1"),
                                         {SettingFamily::RecentFilters, "2"},
                                         {SettingFamily::NamedFilters, "3"},
-                                        {SettingFamily::ColumnWidth, "4"}})
+                                        {SettingFamily::ColumnWidth, "4"},
+                                        {SettingFamily::ColumnShown, "5"}})
         ASSERT_TRUE(writeMember(*store, family, "7", value));
     EXPECT_EQ(store->read("TAVIX", "Metric7") + store->read("FILTERS", "7Recent") + store->read("FILTERS", "7Named") +
-                  store->read("COLUMNS", "7"),
-              "1234");
+                  store->read("COLUMNS", "7") + store->read("COLUMNS", "7.shown"),
+              "12345");
     EXPECT_EQ(readMember(*store, SettingFamily::NamedFilters, "7"), "3");
     EXPECT_EQ(readMember(*store, SettingFamily::NamedFilters, "8"), "");
 }

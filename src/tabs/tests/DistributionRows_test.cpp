@@ -129,7 +129,7 @@ TEST_F(FreqDist, TheRestIsOneRowAndAllPercentagesSumToOneHundred) {
     ASSERT_EQ(101, rows.GetRowCount());
     // 150 cities with 150, 149, ... 1 rows, and 7 nulls, which come before "City 144" that has as many: 11332 in all.
     EXPECT_EQ("City 1|>150|>1.32[0.01]", lineOf(rows, 0));
-    EXPECT_EQ("Other|>1282|>11.31", lineOf(rows, 100));
+    EXPECT_EQ("Other|>1,282|>11.31", lineOf(rows, 100));
     EXPECT_TRUE(rows.IsOther(100));
     EXPECT_FALSE(rows.IsOther(99));
     EXPECT_TRUE(rows.GetValue(100).isNull());
@@ -139,7 +139,7 @@ TEST_F(FreqDist, TheRestIsOneRowAndAllPercentagesSumToOneHundred) {
     EXPECT_NEAR(100, sum, 0.51);
 
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/city"), {}, 1));
-    EXPECT_THAT(linesOf(rows), ElementsAre("City 1|>150|>1.32[0.01]", "Other|>11182|>98.68"));
+    EXPECT_THAT(linesOf(rows), ElementsAre("City 1|>150|>1.32[0.01]", "Other|>11,182|>98.68"));
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/city"), {}, 151));
     EXPECT_EQ(-1, rows.GetOtherRow());
 }
@@ -235,7 +235,7 @@ TEST_F(FreqDist, AFieldWithoutDataSaysSoInOneRow) {
     EXPECT_EQ(-1, rows.GetOtherRow());
     EXPECT_FALSE(rows.Sort(0, true));
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/remark"), {}, 100));
-    EXPECT_THAT(linesOf(rows), ElementsAre("(null value)~|>1000|>100.00[1.00]"));
+    EXPECT_THAT(linesOf(rows), ElementsAre("(null value)~|>1,000|>100.00[1.00]"));
 }
 
 TEST_F(FreqDist, AFailureLeavesTheRowsThatAreShown) {
@@ -267,7 +267,7 @@ TEST_F(PatternDist, ShowsPatternsWithTheirShortForm) {
 
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/city"), {}, 1));
     // Null has no pattern: 11325 of the 11332 rows have one.
-    EXPECT_THAT(linesOf(rows), ElementsAre("Aaaa 99|Aaaa 99|>8685|>76.69[0.77]", "Other||>2640|>23.31"));
+    EXPECT_THAT(linesOf(rows), ElementsAre("Aaaa 99|Aaaa 99|>8,685|>76.69[0.77]", "Other||>2,640|>23.31"));
     EXPECT_EQ(1, rows.GetOtherRow());
     EXPECT_EQ("of 11,325 non-null values", rows.GetColumn(3).mark);
     // The command line computes the same total without reading the patterns.

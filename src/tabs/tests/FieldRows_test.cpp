@@ -28,7 +28,7 @@ TEST_F(FieldRows, ColumnProfilingShowsEveryMetricInTheUsersOrder) {
     EXPECT_EQ("Metric Name:180|Metric Value:180", headingsOf(rows));
     ASSERT_EQ(24, rows.GetRowCount());
     EXPECT_EQ("Standard Deviation|1234567", lineOf(rows, 0));
-    EXPECT_EQ("Count|1000", lineOf(rows, 1));
+    EXPECT_EQ("Count|1,000", lineOf(rows, 1));
     EXPECT_EQ("Mean|12.346", lineOf(rows, 11));
     EXPECT_EQ("Median|1.5", lineOf(rows, 12));
     EXPECT_EQ("Precision|(Unknown)?", lineOf(rows, 20));
@@ -42,8 +42,8 @@ TEST_F(FieldRows, ColumnProfilingShowsEveryMetricInTheUsersOrder) {
     text.metrics[index(MetricId::Mean)] = "12.3456789";
     rows.Fill(text, metrics);
     EXPECT_EQ("Mean|12.3456789", lineOf(rows, 11));
-    EXPECT_EQ("Unique Percent|0.4[0.00]", lineOf(rows, 22));
-    EXPECT_EQ("Percent Null|22.8[0.23]", lineOf(rows, 23));
+    EXPECT_EQ("Unique Percent|0.40 %[0.00]", lineOf(rows, 22));
+    EXPECT_EQ("Percent Null|22.80 %[0.23]", lineOf(rows, 23));
     for (const bool descending : {false, true}) {
         ASSERT_TRUE(rows.Sort(1, descending));
         EXPECT_EQ(CellState::Unknown, rows.GetCell(1, 23).state) << "after every figure, whatever the direction";

@@ -25,7 +25,7 @@ inline std::string lineOf(const CUGDataSource& rows, std::int64_t row) {
         const GridCell cell = rows.GetCell(column, row);
         line += column > 0 ? "|" : "";
         line += cell.alignment == CellAlignment::Right ? ">" : "";
-        line += cell.text;
+        line += shownText(cell);
         line += cell.mark.empty() ? "" : " " + cell.mark;
         line += cell.state == CellState::Unknown ? "?" : cell.state == CellState::Null ? "~" : "";
         if (cell.icon != CellIcon::None)

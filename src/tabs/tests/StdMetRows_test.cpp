@@ -32,7 +32,7 @@ std::string line(const StdMetRows& rows, std::int64_t row) {
     std::string text;
     for (int column = 0; column < rows.GetColumnCount(); ++column) {
         const GridCell cell = rows.GetCell(column, row);
-        text += (column ? "|" : "") + cell.text;
+        text += (column ? "|" : "") + shownText(cell);
         if (cell.icon != CellIcon::None)
             text += "<" + std::to_string(static_cast<int>(cell.icon)) + ">";
         if (cell.state == CellState::Unknown)
@@ -89,7 +89,8 @@ TEST_F(StdMetRowsOfSample, WithoutShownMetricsThereAreFourColumns) {
 
 TEST_F(StdMetRowsOfSample, ShownMetricsAreColumnsInTheUsersOrder) {
     ASSERT_TRUE(m_rows.Fill(*m_viewer, m_customers, metrics({MetricId::Mean, MetricId::Count}), {}));
-    EXPECT_EQ("Field Name:130:-1:locked|Collections:130:-1|Mean:130:10|Count:130:0|P:25:-1|R:25:-1", headings(m_rows));
+    EXPECT_EQ("Field Name:130:-1:locked|Collections:130:-1|Mean:130:10|Count:130:0|P:25:-1|R:25:-1|Filled:106:-1",
+              headings(m_rows));
 }
 
 // The mark of a sample does not change the column's identity.
@@ -100,7 +101,8 @@ TEST_F(StdMetRowsOfSample, MetricsOfTheSampleAloneAreMarked) {
     ReportSelection orders = m_customers;
     orders.table = *findTable(*m_viewer, m_sample.tables.at("orders"), "Warehouse");
     ASSERT_TRUE(m_rows.Fill(*m_viewer, orders, shown, {}));
-    EXPECT_EQ("Field Name:130:-1:locked|Collections:130:-1|Unique Count(sample):130:1|Mean:130:10|P:25:-1|R:25:-1",
+    EXPECT_EQ("Field Name:130:-1:locked|Collections:130:-1|Unique "
+              "Count(sample):130:1|Mean:130:10|P:25:-1|R:25:-1|Filled:106:-1",
               headings(m_rows));
     EXPECT_EQ(unsampled, m_rows.GetColumn(2).identity());
     EXPECT_NE(unsampled, m_rows.GetColumn(3).identity());
@@ -113,10 +115,10 @@ TEST_F(StdMetRowsOfSample, FieldsCarryTheirCollectionsPicturesAndUnknownMetrics)
     const std::int64_t idRow = m_rows.FindField(id);
     ASSERT_GE(idRow, 0);
     // It takes part in a redundancy analysis.
-    EXPECT_EQ("id<2>|Customer keys, Other|500.5||<4>", line(m_rows, idRow));
+    EXPECT_EQ("id<2>|Customer keys, Other|500.5||<4>|1,000 filled of 1,000", line(m_rows, idRow));
     const std::int64_t remark = m_rows.FindField(m_sample.fields.at("customers/remark"));
     ASSERT_GE(remark, 0);
-    EXPECT_EQ("remark<1>||(Unknown)?||", line(m_rows, remark));
+    EXPECT_EQ("remark<1>||(Unknown)?|||1,000 null, 0 filled of 1,000", line(m_rows, remark));
     EXPECT_EQ(-1, m_rows.FindField(-1));
 
     ReportSelection suppliers = m_customers;
@@ -131,14 +133,43 @@ TEST_F(StdMetRowsOfSample, ACollectionShowsMetricsAndSourceOfEachField) {
     const auto shown = metrics({MetricId::Count, MetricId::Mean});
     ASSERT_TRUE(m_rows.Fill(*m_viewer, m_keys, shown, {}));
     // The suppliers' field takes part in a key analysis and in a redundancy analysis, the customers' in the latter.
-    EXPECT_THAT(lines(), UnorderedElementsAre("id<1>|Warehouse.crm.public.customers|1000|500.5||<4>",
-                                              "id<1>|Warehouse.dbo.suppliers|6|2501.7|<3>|<4>",
-                                              "id<1>|Warehouse.crm.public.german customers|120|7.5||"));
+    EXPECT_THAT(lines(),
+                UnorderedElementsAre("id<1>|Warehouse.crm.public.customers|1,000|500.5||<4>|1,000 filled of 1,000",
+                                     "id<1>|Warehouse.dbo.suppliers|6|2501.7|<3>|<4>|6 filled of 6",
+                                     "id<1>|Warehouse.crm.public.german customers|120|7.5|||120 filled of 120"));
     // A catalog is not shown without a schema.
     testing::runScript(m_sample.path, "UPDATE profiled_table SET schema = '' WHERE catalog = 'crm'");
     ASSERT_TRUE(m_rows.Fill(*m_viewer, m_keys, metrics({}), {}));
     EXPECT_THAT(lines(), UnorderedElementsAre("id<1>|Warehouse.customers||<4>", "id<1>|Warehouse.dbo.suppliers|<3>|<4>",
                                               "id<1>|Warehouse.german customers||"));
+}
+
+TEST_F(StdMetRowsOfSample, TheLastRunsOfAMetricFollowTheOtherColumns) {
+    const auto shown = metrics({MetricId::Mean});
+    const int nullCount = static_cast<int>(MetricId::NullCount);
+    ASSERT_TRUE(m_rows.Fill(*m_viewer, m_customers, shown, {}, nullCount));
+    const int last = m_rows.GetColumnCount() - 1;
+    EXPECT_THAT(headings(m_rows), ::testing::EndsWith("|P:25:-1|R:25:-1|Filled:106:-1|Last RunsNull Count:170:-1"));
+    EXPECT_TRUE(m_rows.IsTrend(last));
+    EXPECT_FALSE(m_rows.IsTrend(last - 1));
+    const std::int64_t name = m_rows.FindField(m_sample.fields.at("customers/name"));
+    ASSERT_GE(name, 0);
+    EXPECT_THAT(m_rows.GetCell(last, name).picture.line, ElementsAre(230, 229, 228));
+    EXPECT_EQ("▼ 1", m_rows.GetCell(last, name).text);
+    const std::string runs = m_rows.GetToolTip(last, name);
+    EXPECT_THAT(runs, ::testing::HasSubstr("2026: 228\n"));
+    EXPECT_THAT(runs, ::testing::EndsWith("2026: 230"));
+    EXPECT_EQ("", m_rows.GetToolTip(0, name));
+
+    // Of a single run there is no line, nor of a collection, whose fields belong to several tables.
+    ASSERT_TRUE(m_viewer->setCurrentJob(m_sample.salesRuns[0]));
+    ASSERT_TRUE(m_rows.Fill(*m_viewer, m_customers, shown, {}, nullCount));
+    EXPECT_THAT(headings(m_rows), ::testing::EndsWith("|Filled:106:-1"));
+    EXPECT_EQ(-1, m_rows.GetTrendMetric());
+    ASSERT_TRUE(m_rows.Fill(*m_viewer, m_keys, shown, {}, nullCount));
+    EXPECT_THAT(headings(m_rows), ::testing::EndsWith("|Filled:106:-1"));
+    ASSERT_TRUE(m_rows.Fill(*m_viewer, m_customers, metrics({}), {}, nullCount));
+    EXPECT_EQ(4, m_rows.GetColumnCount()) << "no pictures without figures";
 }
 
 TEST_F(StdMetRowsOfSample, FiguresAreRoundedAndOnTheRight) {
@@ -147,15 +178,16 @@ TEST_F(StdMetRowsOfSample, FiguresAreRoundedAndOnTheRight) {
     const std::int64_t balance = m_rows.FindField(m_sample.fields.at("customers/balance"));
     ASSERT_GE(balance, 0);
     EXPECT_EQ("12.3456789", m_rows.GetCell(2, balance).text) << "the mode is a value of the data";
-    EXPECT_EQ("12.346", m_rows.GetCell(3, balance).text);
+    EXPECT_EQ("12.346", shownText(m_rows.GetCell(3, balance)));
+    EXPECT_EQ("12.3456789", m_rows.GetCell(3, balance).text) << "copied and searched in full";
     std::string headings;
     std::string cells;
     for (int column = 0; column < m_rows.GetColumnCount(); ++column) {
         headings += letterOf(m_rows.GetColumn(column).alignment);
         cells += letterOf(m_rows.GetCell(column, balance).alignment);
     }
-    EXPECT_EQ("LLLRLCC", headings);
-    EXPECT_EQ("LLLRLCC", cells);
+    EXPECT_EQ("LLLRLCCL", headings);
+    EXPECT_EQ("LLLRLCCL", cells);
 }
 
 TEST_F(StdMetRowsOfSample, SortingPutsNumbersBeforeUnknownInBothDirections) {

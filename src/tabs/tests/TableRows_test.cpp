@@ -80,15 +80,15 @@ TEST_F(TableRows, RulesAndMetricsShowWhatTheRunCounted) {
     EXPECT_EQ("Business Rule:180|>Failed Rows:110|>Percentage:110|>Checked Rows:110|>Rows in Error:110|Condition:300|"
               "Input Fields:180",
               headingsOf(rules));
-    EXPECT_THAT(linesOf(rules), ElementsAre("Name is known|>12|>2.00[0.02]|>600|>7|`balance` > 0|",
-                                            "Balance is positive|>22|>2.20[0.02]|>1000|>0|`balance` > 0|"));
+    EXPECT_THAT(linesOf(rules), ElementsAre("Name is known|>12|>2.00 %[0.02]|>600|>7|`balance` > 0|",
+                                            "Balance is positive|>22|>2.20 %[0.02]|>1,000|>0|`balance` > 0|"));
     CustomMetricRows metrics;
     ASSERT_TRUE(metrics.Fill(*m_viewer, m_customers.id)) << metrics.GetErrorText();
     EXPECT_EQ("Custom Metric:180|Output Name:150|>Value:130|Figure:80|Expression:300|Input Fields:180|>Rows Used:110|"
               ">Rows in Error:110",
               headingsOf(metrics));
     EXPECT_THAT(linesOf(metrics),
-                ElementsAre("Spread|out|>12|sum|`balance`||>990|>3", "Margin|out|>22|sum|`balance`||>1000|>0"));
+                ElementsAre("Spread|out|>12|sum|`balance`||>990|>3", "Margin|out|>22|sum|`balance`||>1,000|>0"));
 }
 
 // Sorted as texts, "Sun Feb" would come before "Thu Jan".

@@ -1,6 +1,8 @@
 #include "tabs/ui/CTabStdMet.h"
 
 #include "access/PrViewer.h"
+#include "base/Metrics.h"
+#include "base/NumberText.h"
 #include "base/ui/ChoiceMenu.h"
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
@@ -8,15 +10,21 @@
 #include "doc/CollectionMembers.h"
 #include "grid/ui/CUGCtrl.h"
 #include "settings/Settings.h"
+#include "tabs/FieldPictures.h"
 
+#include <QItemSelectionModel>
 #include <QLabel>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace tavix {
 
 namespace {
 
+// The place of the frequency distribution among the tabs of a field.
+constexpr int kFrequencyTab = 1;
 const CollectionsByField kNoCollections;
 const std::string kReadFailed = "Error occurred while retrieving the standard metrics:\n\n";
 
@@ -27,7 +35,8 @@ CTabStdMet::CTabStdMet(CViewSite& site, const ReportSubject& subject, bool isTor
       m_stack(new QStackedWidget(this)),
       m_grid(new CUGCtrl(this)),
       m_note(new QLabel(this)),
-      m_collectionMenu(new QMenu(QStringLiteral("&Add to Collection"), this)) {
+      m_collectionMenu(new QMenu(QStringLiteral("&Add to Collection"), this)),
+      m_drill(site, *this) {
     setObjectName(QStringLiteral("standardMetrics"));
     m_note->setTextFormat(Qt::PlainText);
     m_note->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -35,14 +44,21 @@ CTabStdMet::CTabStdMet(CViewSite& site, const ReportSubject& subject, bool isTor
     m_note->setWordWrap(true);
     m_grid->setAccessibleName(QStringLiteral("Standard metrics"));
     m_grid->SetSource(&m_rows);
+    QAction* drill = m_drill.MakeAction();
+    m_grid->addAction(drill);
     m_grid->addAction(m_collectionMenu->menuAction());
+    connect(drill, &QAction::triggered, this, &CTabStdMet::OpenRows);
+    const auto showAction = [this, drill] { drill->setEnabled(CurrentDoor() != MetricDoor::None); };
+    connect(m_grid->selectionModel(), &QItemSelectionModel::currentChanged, this, showAction);
+    connect(m_grid->model(), &QAbstractItemModel::modelReset, this, showAction);
+    showAction();
+    m_grid->SetHeadingEntries([this](QMenu& menu, int column) { AddHeadingEntries(menu, column); });
     connect(m_collectionMenu, &QMenu::aboutToShow, this, &CTabStdMet::FillCollectionMenu);
     connect(m_grid, &CUGCtrl::RowActivated, this, [this](qint64 row) {
-        // A torn-off window keeps its object; the frame opens the field.
-        if (IsTornOff())
-            Site().OpenField(Subject().selection, m_rows.GetFieldId(row));
+        if (CurrentDoor() != MetricDoor::None)
+            OpenRows();
         else
-            Site().SelectField(m_rows.GetFieldId(row));
+            OpenField(row);
     });
     m_stack->addWidget(m_grid);
     m_stack->addWidget(m_note);
@@ -53,7 +69,89 @@ CTabStdMet::CTabStdMet(CViewSite& site, const ReportSubject& subject, bool isTor
 
 // The grid must not fetch rows while they are being destroyed.
 CTabStdMet::~CTabStdMet() {
+    disconnect(m_grid->model(), nullptr, this, nullptr);
+    disconnect(m_grid->selectionModel(), nullptr, this, nullptr);
     m_grid->SetSource(nullptr);
+}
+
+void CTabStdMet::OpenField(std::int64_t row) {
+    // A torn-off window keeps its object; the frame opens the field.
+    if (IsTornOff())
+        Site().OpenField(Subject().selection, m_rows.GetFieldId(row));
+    else
+        Site().SelectField(m_rows.GetFieldId(row));
+}
+
+MetricDoor CTabStdMet::CurrentDoor() const {
+    const QModelIndex at = m_grid->currentIndex();
+    if (!at.isValid() || at.row() >= m_rows.GetRowCount() || !m_drill.IsOffered())
+        return MetricDoor::None;
+    return doorOf(m_rows.GetColumn(at.column()).parameter, m_rows.GetCell(at.column(), at.row()));
+}
+
+void CTabStdMet::OpenRows() {
+    const MetricDoor door = CurrentDoor();
+    if (door == MetricDoor::None)
+        return;
+    const QModelIndex at = m_grid->currentIndex();
+    ReportSubject field = Subject();
+    field.selection.fieldId = m_rows.GetFieldId(at.row());
+    field.field.emplace();
+    field.field->id = field.selection.fieldId;
+    field.field->name = m_rows.GetFieldName(at.row());
+    const std::string text = m_rows.GetCell(at.column(), at.row()).text;
+    if (door == MetricDoor::Blanks)
+        OpenBlanks(field, parseInteger(text).value_or(0));
+    else
+        m_drill.OpenValue(field, door == MetricDoor::Nulls ? KvbString() : KvbString(text),
+                          DrillOrigin::StandardMetrics);
+}
+
+void CTabStdMet::OpenBlanks(const ReportSubject& field, std::int64_t count) {
+    CTavixDoc& document = Site().GetTavixDoc();
+    const std::shared_ptr<PrViewer> session = document.GetSession();
+    const auto blanks = [&] {
+        const std::unique_ptr<Messages::Busy> busy = document.GetMessages().busy();
+        return readBlanks(*session, field.field->id, count, 2);
+    }();
+    if (!blanks)
+        return WarnSoon(kReadFailed + blanks.error().text);
+    if (blanks->size() == 1)
+        return m_drill.OpenValue(field, blanks->front(), DrillOrigin::StandardMetrics);
+    // Blanks of different lengths are different values: the field's list shows them, and each opens its rows.
+    document.GetFieldFilters().Set(field.field->id, DistributionKind::Frequency, std::string(kBlankFilter));
+    document.SetTab(ReportPaneKind::Field, Site().GetMode(), kFrequencyTab);
+    OpenField(m_grid->GetCurrentRow());
+}
+
+void CTabStdMet::AddHeadingEntries(QMenu& menu, int column) {
+    if (m_rows.GetTrendMetric() == -1)
+        return;
+    const auto nameOf = [](int metric) { return toQString(findMetric(metric)->name); };
+    const std::vector<int> metrics = trendMetrics();
+    if (m_rows.IsTrend(column)) {
+        menu.addSeparator();
+        QMenu* choices = menu.addMenu(QStringLiteral("&Metric of the Lines"));
+        for (const int metric : metrics) {
+            QAction* choice = choices->addAction(nameOf(metric), this, [this, metric] { ShowTrendOf(metric); });
+            choice->setCheckable(true);
+            choice->setChecked(metric == m_rows.GetTrendMetric());
+        }
+        return;
+    }
+    const int metric = m_rows.GetColumn(column).parameter;
+    if (std::find(metrics.begin(), metrics.end(), metric) == metrics.end())
+        return;
+    menu.addSeparator();
+    menu.addAction(QStringLiteral("Show the &Last Runs of %1").arg(nameOf(metric)), this,
+                   [this, metric] { ShowTrendOf(metric); })
+        ->setEnabled(metric != m_rows.GetTrendMetric());
+}
+
+void CTabStdMet::ShowTrendOf(int metricId) {
+    // The line is shown even when the choice cannot be stored.
+    (void)writeInteger(Site().GetTavixDoc().GetSettings(), Setting::TrendMetric, metricId);
+    Fill(true);
 }
 
 QWidget* CTabStdMet::GetLastTabStop() {
@@ -82,9 +180,11 @@ void CTabStdMet::Fill(bool isSameObject) {
     const bool isCollection = selection.kind == ReportSelection::Kind::Collection;
     PrViewer* viewer = document.GetViewer();
     StdMetRows rows;
+    rows.SetLocale(userLocale());
     const bool filled =
         viewer && rows.Fill(*viewer, selection, document.GetMetrics(),
-                            isCollection ? kNoCollections : document.GetCollectionsOfTable(selection.table.id));
+                            isCollection ? kNoCollections : document.GetCollectionsOfTable(selection.table.id),
+                            readInteger(document.GetSettings(), Setting::TrendMetric));
     const bool failed = viewer && !filled;
     if (failed)
         WarnSoon(kReadFailed + rows.GetErrorText());

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "tabs/MetricDoor.h"
 #include "tabs/StdMetRows.h"
 #include "tabs/ui/CProfTab.h"
+#include "tabs/ui/DrillThrough.h"
 
 class QLabel;
 class QMenu;
@@ -28,6 +30,14 @@ class CTabStdMet final : public CProfTab {
 
   private:
     [[nodiscard]] std::vector<int> SelectedFields() const;
+    void OpenField(std::int64_t row);
+    /// Which source rows the current cell opens.
+    [[nodiscard]] MetricDoor CurrentDoor() const;
+    void OpenRows();
+    /// The rows of the only blank value, else the list of the blank values.
+    void OpenBlanks(const ReportSubject& field, std::int64_t count);
+    void AddHeadingEntries(QMenu& menu, int column);
+    void ShowTrendOf(int metricId);
     void FillCollectionMenu();
 
     StdMetRows m_rows;
@@ -35,6 +45,7 @@ class CTabStdMet final : public CProfTab {
     CUGCtrl* m_grid;
     QLabel* m_note;
     QMenu* m_collectionMenu;
+    DrillThrough m_drill;
 };
 
 } // namespace tavix

@@ -61,6 +61,8 @@ TEST(CUGCtrl, FetchesOnlyWhatItPaints) {
     Rows rows(1'000'000);
     CUGCtrl grid;
     show(grid, rows, 400, 300);
+    EXPECT_LE(rows.asked.size(), 2000U) << "the widths of the columns follow from the first rows";
+    rows.asked.clear();
     grid.grab();
     EXPECT_LT(rows.asked.size(), 20U);
     EXPECT_GT(rows.asked.size(), 3U);
@@ -86,6 +88,41 @@ TEST(CUGCtrl, LockedColumnStaysInViewWhenScrolledSideways) {
         EXPECT_EQ(column, grid.currentIndex().column());
         EXPECT_GE(grid.visualRect(grid.currentIndex()).left(), 130);
     }
+}
+
+/// The last column stays at the right edge.
+class WithPinned final : public Rows {
+  public:
+    WithPinned() : Rows(5, 12) {}
+    GridColumn GetColumn(int column) const override {
+        GridColumn heading = Rows::GetColumn(column);
+        heading.pinned = column == 11;
+        return heading;
+    }
+};
+
+TEST(CUGCtrl, PinnedColumnsStayAtTheRightEdgeAndHideNoCurrentCell) {
+    WithPinned rows;
+    CUGCtrl grid;
+    show(grid, rows, 700, 300);
+    const auto* pinned = grid.findChild<QTableView*>(QStringLiteral("pinnedColumns"));
+    ASSERT_NE(nullptr, pinned);
+    EXPECT_TRUE(pinned->isVisible());
+    EXPECT_EQ(grid.viewport()->width(), pinned->geometry().right() + 1);
+    EXPECT_EQ(130, pinned->width());
+    grid.SelectRow(2);
+    for (int column = 1; column < 11; ++column) {
+        QTest::keyClick(&grid, Qt::Key_Right);
+        EXPECT_EQ(column, grid.currentIndex().column());
+        const QRect cell = grid.visualRect(grid.currentIndex());
+        EXPECT_GE(cell.left(), 130);
+        EXPECT_TRUE(!pinned->isVisible() || cell.right() < pinned->x()) << column;
+    }
+    grid.horizontalScrollBar()->setValue(grid.horizontalScrollBar()->maximum());
+    EXPECT_FALSE(pinned->isVisible()) << "the grid itself shows the column";
+    grid.horizontalScrollBar()->setValue(0);
+    grid.resize(280, 300);
+    EXPECT_FALSE(pinned->isVisible()) << "no room";
 }
 
 TEST(CUGCtrl, RowsReadAnewStayInTheOrderThatTheUserChose) {

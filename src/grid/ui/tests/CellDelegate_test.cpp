@@ -4,10 +4,13 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdlib>
+#include <set>
 
 namespace tavix {
 namespace {
@@ -34,12 +37,19 @@ QImage picture(CUGCtrl& grid, int row) {
     return grid.viewport()->grab(grid.visualRect(grid.model()->index(row, 0))).toImage();
 }
 
+void takeFocus(CUGCtrl& grid) {
+    grid.activateWindow();
+    grid.setFocus();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&grid));
+}
+
 TEST(CellDelegate, ABarTakesItsShareOfTheCell) {
     for (const QPalette& palette : {lightPalette(), darkPalette()}) {
         Drawn rows;
         CUGCtrl grid;
         grid.setPalette(palette);
         show(grid, rows, 400, 300);
+        takeFocus(grid);
         for (const bool selected : {false, true}) {
             if (selected)
                 grid.SelectRow(0);
@@ -55,6 +65,65 @@ TEST(CellDelegate, ABarTakesItsShareOfTheCell) {
         }
         EXPECT_NE(tint::bar(palette, palette.color(QPalette::Base), false),
                   picture(grid, 1).pixelColor(10, picture(grid, 1).height() / 2));
+    }
+}
+
+TEST(CellDelegate, ASelectionWithoutTheFocusIsPalerAndReachesTheEdge) {
+    for (const QPalette& palette : {lightPalette(), darkPalette()}) {
+        Drawn rows;
+        CUGCtrl grid;
+        grid.setPalette(palette);
+        show(grid, rows, 400, 300);
+        grid.SelectRow(1);
+        takeFocus(grid);
+        const QPoint beyond(grid.viewport()->width() - 3, grid.visualRect(grid.model()->index(1, 0)).center().y());
+        const auto colors = [&grid, beyond] {
+            const QImage image = grid.viewport()->grab().toImage();
+            EXPECT_EQ(image.pixelColor(4, beyond.y()), image.pixelColor(beyond));
+            return image.pixelColor(beyond);
+        };
+        EXPECT_EQ(palette.color(QPalette::Highlight), colors());
+        grid.clearFocus();
+        const QColor pale = colors();
+        EXPECT_NE(palette.color(QPalette::Highlight), pale);
+        EXPECT_NE(palette.color(QPalette::AlternateBase), pale);
+        EXPECT_GT(std::abs(palette.color(QPalette::Text).lightness() - pale.lightness()), 90);
+        // A click there selects the row.
+        QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, beyond - QPoint(0, grid.rowHeight(0)));
+        EXPECT_EQ(0, grid.GetCurrentRow());
+    }
+}
+
+/// A share's bar of three parts, one of them tiny, then a line of runs.
+class Pictures final : public Rows {
+  public:
+    Pictures() : Rows(2, 1) {}
+    GridCell GetCell(int, std::int64_t row) const override {
+        GridCell cell;
+        cell.text = row == 0 ? "1 null, 1 blank, 998 filled of 1,000" : "+2.1 %";
+        if (row == 0)
+            cell.picture.parts = {0.001, 0.001, 0.998};
+        else
+            cell.picture.line = {1, std::nan(""), 3, 2};
+        return cell;
+    }
+};
+
+TEST(CellDelegate, EveryPartOfABarIsSeenAndALineIsDrawnBesideItsText) {
+    for (const QPalette& palette : {lightPalette(), darkPalette()}) {
+        Pictures rows;
+        CUGCtrl grid;
+        grid.setPalette(palette);
+        show(grid, rows, 400, 300);
+        const QImage image = picture(grid, 0);
+        std::set<QRgb> tints;
+        for (int x = 0; x < image.width(); ++x)
+            tints.insert(image.pixel(x, image.height() / 2));
+        EXPECT_EQ(4U, tints.size()) << "background and three parts";
+        for (std::size_t part = 0; part < 3; ++part)
+            EXPECT_TRUE(tints.count(tint::part(palette, palette.color(QPalette::Base), part).rgb())) << part;
+        EXPECT_EQ("1 null, 1 blank, 998 filled of 1,000",
+                  toUtf8(grid.model()->index(0, 0).data(Qt::AccessibleTextRole).toString()));
     }
 }
 
