@@ -214,6 +214,12 @@ std::string comparisonFilter(const QuickTerm& term) {
                      onValue(FilterOperation::LessThanOrEqualTo, term.last)});
 }
 
+std::string sentence(std::string text) {
+    if (!text.empty())
+        text.front() = asciiUpper(text.front());
+    return text;
+}
+
 std::string matchCode(std::string_view begin, std::string_view expression, std::string_view end) {
     return fmt::format("{}{}{}", begin, EscapeSingleQuotes(expression), end);
 }
@@ -225,7 +231,7 @@ Result<std::string> matchFilter(const std::string& expression) {
     for (const std::string& code :
          {matchCode("matches(`Value`, '", expression, after), matchCode(kMatchBegin, expression, kMatchEnd)}) {
         if (const auto error = CheckFilterText(code).error)
-            return Error{error->message};
+            return Error{sentence(error->message)};
     }
     return matchCode(kMatchBegin, expression, kMatchEnd);
 }
@@ -367,7 +373,7 @@ Result<std::string> QuickFilter(const QuickTerm& term, DistributionKind kind) {
     if (!filter)
         return filter;
     if (const auto error = CheckFilterText(*filter).error)
-        return Error{error->message};
+        return Error{sentence(error->message)};
     return filter;
 }
 

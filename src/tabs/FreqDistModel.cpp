@@ -61,7 +61,7 @@ constexpr std::int64_t kFirstStep = 1000;
 /// A list holds its entries in memory.
 constexpr std::int64_t kMostShown = 5'000'000;
 /// The entries of a list that is searched within a fraction of a second.
-constexpr std::int64_t kMostWhileTyping = 50'000;
+constexpr std::int64_t kMostWhileTyping = 1'000'000;
 
 } // namespace
 
@@ -196,7 +196,7 @@ FreqDistModel::SearchField FreqDistModel::Search(std::string_view text) const {
     SearchField field;
     field.isEnabled = CanFilter();
     field.placeholder = m_kind == DistributionKind::Pattern ? "Search patterns: text, =x, ~regexp"
-                                                            : "Search: text, =x, >n, 1..9, ~regexp, null";
+                                                            : "Search: text, =x, >n, ~regexp, null";
     const std::string& filter = GetFilter();
     if (const auto meant = QuickFilter(text, m_kind); meant && *meant == filter) {
         field.text = text;

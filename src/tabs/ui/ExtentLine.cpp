@@ -40,6 +40,7 @@ ExtentLine::ExtentLine(QWidget* parent) : QWidget(parent), m_text(new QLabel(thi
 ExtentLine::Link ExtentLine::AddLink() {
     const std::size_t number = m_links.size();
     const Link link{new QLabel(QStringLiteral("\u00B7"), this), new LinkButton(this)};
+    link.button->setAccessibleName(QStringLiteral("show more"));
     link.button->setObjectName(QStringLiteral("extentStep%1").arg(number));
     const int before = m_layout->count() - 1; // the stretch
     m_layout->insertWidget(before, link.separator);

@@ -80,9 +80,9 @@ SearchLine::SearchLine(QWidget* parent)
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(kMargin, kGap, kMargin, kGap + 1);
     layout->setSpacing(8);
-    layout->addWidget(m_search, 2);
+    layout->addWidget(m_search, 3);
     layout->addWidget(m_base);
-    layout->addWidget(m_text, 3);
+    layout->addWidget(m_text, 2);
     layout->addWidget(m_edit);
     layout->addWidget(m_stop);
     m_pause.setSingleShot(true);
@@ -128,12 +128,15 @@ void SearchLine::ShowProblem(const QString& problem) {
     if (problem == m_problem)
         return;
     m_problem = problem;
+    // The message takes its room.
+    m_base->setVisible(problem.isEmpty() && !m_base->text().isEmpty());
+    layout()->activate();
     FitText();
 }
 
 void SearchLine::ShowBase(const QString& text) {
     m_base->setText(text);
-    m_base->setVisible(!text.isEmpty());
+    m_base->setVisible(m_problem.isEmpty() && !text.isEmpty());
 }
 
 void SearchLine::ShowFilter(const FreqDistModel::Line& line) {

@@ -81,6 +81,7 @@ ViewHeader::ViewHeader(QWidget* parent)
         button->setFocusPolicy(Qt::TabFocus);
     }
     m_damage->setObjectName(QStringLiteral("damagedRows"));
+    m_damage->setAccessibleName(tr("Damaged rows"));
     m_damage->setToolTip(tr("List the damaged rows with their lines and reasons"));
     m_damage->hide();
     connect(m_damage, &QPushButton::clicked, this, &ViewHeader::DamageClicked);
@@ -106,6 +107,7 @@ void ViewHeader::SetText(const QString& title, const QString& detail) {
 
 void ViewHeader::SetDamage(const QString& text) {
     m_damage->setText(text);
+    m_damage->setAccessibleName(text.isEmpty() ? tr("Damaged rows") : text);
     m_damage->setVisible(!text.isEmpty());
     m_damage->updateGeometry();
 }

@@ -265,7 +265,9 @@ TEST_F(ReportDetach, AWindowHasTheKeysOfTheMainOne) {
         QCoreApplication::processEvents();
         return toUtf8(opened);
     };
-    EXPECT_EQ("tavix::CFilterDlg", press(field, Qt::Key_F, Qt::ControlModifier));
+    EXPECT_EQ("", press(field, Qt::Key_F, Qt::ControlModifier));
+    EXPECT_EQ("search", toUtf8(QApplication::focusWidget()->objectName()));
+    EXPECT_EQ("tavix::CFilterDlg", press(field, Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier));
     EXPECT_EQ("tavix::CNoteDlg", press(field, Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier));
     ASSERT_TRUE(selectTable("customers"));
     CTearOff& table = detach();

@@ -2,10 +2,12 @@
 #include "base/tests/ScriptedMessages.h"
 #include "base/tests/TempFolder.h"
 #include "base/ui/QtText.h"
+#include "doc/CommandIds.h"
 #include "doc/tests/TestSite.h"
 #include "filter/FilterMemory.h"
 #include "filter/ui/CFilterDlg.h"
 #include "grid/ui/CUGCtrl.h"
+#include "report/ReportTables.h"
 #include "support/LongList.h"
 #include "support/SampleRepository.h"
 #include "tabs/ui/CFieldView.h"
@@ -342,6 +344,105 @@ TEST_F(Filtering, ThatFailsLeavesWhatIsShownAndCanBeCorrected) {
     tab().SubjectChanged();
     EXPECT_NE(std::string::npos, line().find("`Count` * 9223372036854775807 > 0")) << line();
     EXPECT_FALSE(line().starts_with("Only rows with")) << line();
+}
+
+TEST_F(Filtering, GoesByTheSearchField) {
+    auto& search = *tab().findChild<QLineEdit*>(QStringLiteral("search"));
+    const auto base = [this] { return toUtf8(tab().findChild<QLabel*>(QStringLiteral("base"))->text()); };
+    const std::string all = rows();
+    EXPECT_EQ("Shares of 1,000 records", base());
+    EXPECT_TRUE(m_view->ExecuteCommand(static_cast<int>(CommandId::QuickSearch)));
+    ASSERT_TRUE(search.hasFocus());
+    // A pause searches, and the keyboard stays in the field.
+    QTest::keyClicks(&search, QStringLiteral("ra"));
+    EXPECT_EQ(all, rows());
+    QTRY_COMPARE(grid().model()->rowCount(), 1);
+    EXPECT_EQ("Grace|302|100.00|\n", rows());
+    EXPECT_EQ("Only rows with: Value contains \"ra\" (case insensitive)", line());
+    EXPECT_EQ("302 of 1,000 records pass", base());
+    EXPECT_EQ("Frequency Distribution (Filtered)", caption(CFieldView::Frequency));
+    EXPECT_TRUE(search.hasFocus());
+    EXPECT_TRUE(FilterMemory(*m_settings).Recent(DistributionKind::Frequency).empty());
+    shoot("searched");
+    // Return searches at once and remembers the filter.
+    search.setText(QStringLiteral("=Ada"));
+    QTest::keyClick(&search, Qt::Key_Return);
+    EXPECT_EQ("Ada|400|100.00|\n", rows());
+    EXPECT_EQ(1U, FilterMemory(*m_settings).Recent(DistributionKind::Frequency).size());
+    QTest::keyClick(&search, Qt::Key_Down);
+    EXPECT_TRUE(grid().hasFocus());
+    EXPECT_EQ(0, grid().GetCurrentRow());
+    // A text that is not understood is said beside the field and changes nothing.
+    m_view->ExecuteCommand(static_cast<int>(CommandId::QuickSearch));
+    search.setText(QStringLiteral("~[a"));
+    QTest::keyClick(&search, Qt::Key_Return);
+    EXPECT_EQ("Ada|400|100.00|\n", rows());
+    EXPECT_NE(std::string::npos, line().find("missing")) << line();
+    EXPECT_EQ("~[a", toUtf8(search.text()));
+    shoot("search-fails");
+    QTest::keyClick(&search, Qt::Key_Escape);
+    EXPECT_EQ(all, rows());
+    EXPECT_EQ("", line());
+    EXPECT_TRUE(search.hasFocus());
+
+    // What the dialog or the menu has set is shown, if it can be typed.
+    choose({1}, "filterToValue");
+    EXPECT_EQ("=Grace", toUtf8(search.text()));
+    set("`Count` > 300");
+    tab().SubjectChanged();
+    EXPECT_EQ("", toUtf8(search.text()));
+    EXPECT_EQ("(edited in the dialog)", toUtf8(search.placeholderText()));
+    m_view->SelectTab(CFieldView::Patterns);
+    EXPECT_EQ("Shares of 772 non-null values", base());
+    select("remark");
+    EXPECT_FALSE(tab().findChild<SearchLine*>()->isVisible()) << "(Not calculated)";
+    EXPECT_EQ("", toUtf8(tab().findChild<QLineEdit*>(QStringLiteral("search"))->text()));
+}
+
+TEST_F(Filtering, MoreOfTheListIsShownByLinks) {
+    select("city");
+    const auto& line = *tab().findChild<QWidget*>(QStringLiteral("extentLine"));
+    const auto extent = [this] { return toUtf8(tab().findChild<QLabel*>(QStringLiteral("extent"))->text()); };
+    auto& all = *tab().findChild<QPushButton*>(QStringLiteral("extentStep0"));
+    EXPECT_EQ("showing 100 of 151 values", extent());
+    EXPECT_EQ("all", toUtf8(all.text()));
+    EXPECT_EQ(&all, tab().GetLastTabStop());
+    shoot("extent");
+    grid().setFocus();
+    QTest::keyClick(&grid(), Qt::Key_Tab);
+    ASSERT_TRUE(all.hasFocus());
+    QTest::keyClick(&all, Qt::Key_Space);
+    EXPECT_EQ(151, grid().model()->rowCount());
+    EXPECT_EQ("showing all 151 values", extent());
+    EXPECT_EQ("show 100", toUtf8(all.text()));
+    QTest::mouseClick(&all, Qt::LeftButton);
+    EXPECT_EQ(101, grid().model()->rowCount());
+    select("name");
+    EXPECT_FALSE(line.isVisible());
+}
+
+TEST_F(Filtering, TheHeaderListsTheDamagedRows) {
+    auto& link = *m_view->findChild<QPushButton*>(QStringLiteral("damagedRows"));
+    EXPECT_FALSE(link.isVisible());
+    const auto airports = findTable(*m_site.document.GetViewer(), m_sample.tables.at("airports"), "/data/files");
+    ASSERT_TRUE(airports);
+    m_site.selection.table = *airports;
+    m_site.selection.fieldId = m_sample.fields.at("airports/code");
+    m_view->ShowSelection();
+    EXPECT_EQ("2 damaged rows", toUtf8(link.text()));
+    std::string seen;
+    QTimer::singleShot(0, qApp, [&seen, this] {
+        QWidget* dialog = QApplication::activeModalWidget();
+        ASSERT_NE(nullptr, dialog);
+        seen = toUtf8(dialog->findChild<QLabel*>(QStringLiteral("heading"))->text()) + "\n" +
+               rows(*dialog->findChild<CUGCtrl*>());
+        dialog->close();
+    });
+    QTest::mouseClick(&link, Qt::LeftButton);
+    EXPECT_EQ("2 damaged rows of airports, as the run read it.\n"
+              "The file is not at its place any more: /data/files/airports.csv\n"
+              "3|1 cell instead of 2.|\n5|a bad byte was replaced.|\n",
+              seen);
 }
 
 // A list that says "(Not calculated)" cannot be filtered.
