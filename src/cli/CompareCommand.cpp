@@ -183,18 +183,18 @@ class RankedList {
         for (auto line = m_lines.begin(); line != end; ++line)
             rest -= line->changes;
         if (m_ranking.size() == 0)
-            say("No difference");
+            tell("No difference");
         else if (end == m_lines.begin())
-            say(fmt::format("No change of {} % of the rows or more", formatReadable(*atLeast)));
+            tell(fmt::format("No change of {} % of the rows or more", formatReadable(*atLeast)));
         else
             writeLines({m_lines.begin(), end});
         if (rest > 0)
-            say(fmt::format("and {}; --all lists {}", countOf(rest, "further change"), rest == 1 ? "it" : "them"));
+            tell(fmt::format("and {}; --all lists {}", countOf(rest, "further change"), rest == 1 ? "it" : "them"));
         m_listing.finish();
     }
 
   private:
-    void say(const std::string& sentence) { m_listing.begin({"changes", sentence, {}}); }
+    void tell(const std::string& sentence) { m_listing.begin({"changes", sentence, {}}); }
 
     void writeLines(std::span<const RankedChange> lines) {
         const Column::Kind number = Column::Kind::Number;

@@ -13,6 +13,7 @@ enum class RefreshHint {
     NotesChanged = 8,         ///< a pane has changed notes or their categories
     FilterChanged = 9,        ///< a pane has changed a filter of the field whose id is the parameter
     HistoryDeleted = 10,      ///< runs were deleted; the current one is still there
+    ComparedRunsChanged = 11, ///< a pane has changed the runs that are compared
 };
 
 /// A pane that takes part in refreshing.

@@ -89,6 +89,7 @@ bool CTavixDoc::OpenReport(const KvbString& connection, int jobId) {
     }
     viewer->setSourceCredentials(m_logins.ForSession());
     m_viewer = closedWhenReleased(std::move(viewer));
+    m_connection = connection;
     m_jobId = jobId;
     ReloadTaskList();
     return true;
@@ -140,6 +141,8 @@ void CTavixDoc::LoadMetricDisplayList(const PrViewer& viewer) {
 
 void CTavixDoc::Clear() {
     m_viewer.reset();
+    m_connection = {};
+    m_compared = {};
     m_logins.Clear();
     m_jobId = -1;
     m_currentRun = -1;
@@ -273,6 +276,15 @@ std::optional<std::vector<RunInfo>> CTavixDoc::GetRuns() const {
         return std::nullopt;
     }
     return runs;
+}
+
+Result<std::shared_ptr<PrViewer>> CTavixDoc::OpenRun(int runId) const {
+    PrViewer::Handle viewer = PrViewer::create();
+    if (auto failure = failureOf(*viewer, [&] {
+            return viewer->init(m_connection) && viewer->setCurrentJobSetup(m_jobId) && viewer->setCurrentJob(runId);
+        }))
+        return Error{std::move(*failure)};
+    return closedWhenReleased(std::move(viewer));
 }
 
 const CollectionsByField& CTavixDoc::GetCollectionsOfTable(int tableId) {

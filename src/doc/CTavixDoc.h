@@ -2,6 +2,7 @@
 
 #include "access/PrViewer.h"
 #include "base/Messages.h"
+#include "base/Result.h"
 #include "base/SettingsStore.h"
 #include "doc/CRefreshItem.h"
 #include "doc/FieldFilters.h"
@@ -60,6 +61,15 @@ struct HistoryDeletion {
     int runAfter = -1; ///< the run to show when the current one is among them
 };
 
+/// The runs that the user wants to compare; -1 where the choice is left to the viewer: the run that is shown, and the
+/// one before it.
+struct ComparedRuns {
+    int since = -1;
+    int until = -1;
+
+    bool operator==(const ComparedRuns&) const = default;
+};
+
 /// The names of the collections that hold a field, by field id, each list in the library's order.
 using CollectionsByField = std::map<int, std::vector<std::string>>;
 
@@ -93,6 +103,11 @@ class CTavixDoc {
 
     /// The runs of the report in the library's order; nothing, after a message, when they cannot be read.
     [[nodiscard]] std::optional<std::vector<RunInfo>> GetRuns() const;
+
+    /// A further session with the report for a run of its own; the current run and other panes do not notice it.
+    [[nodiscard]] Result<std::shared_ptr<PrViewer>> OpenRun(int runId) const;
+    [[nodiscard]] const ComparedRuns& GetComparedRuns() const { return m_compared; }
+    void SetComparedRuns(const ComparedRuns& runs) { m_compared = runs; }
 
     /// The collections of one table's fields, read by one query and cached until the collections or the run change.
     /// When they cannot be read the map is empty, and the next call tries again. Valid until the next non-const call.
@@ -153,6 +168,7 @@ class CTavixDoc {
     TaskListKeeper* m_tasks = nullptr;
     SourceLogins m_logins; ///< declared before the session, which uses it
     std::shared_ptr<PrViewer> m_viewer;
+    KvbString m_connection;
     int m_jobId = -1;
     int m_currentRun = -1;
     int m_runCount = 0;
@@ -162,6 +178,7 @@ class CTavixDoc {
     std::vector<MetricDisplay> m_metrics;
     ReportFilterState m_filter;
     FieldFilters m_fieldFilters;
+    ComparedRuns m_compared;
     std::map<std::pair<ReportPaneKind, NavigatorPage>, int> m_tabs; ///< the tab that was open last
     std::map<int, CollectionsByField> m_collections;                ///< by table id
 };

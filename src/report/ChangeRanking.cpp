@@ -41,19 +41,6 @@ std::string signedText(const std::string& number) {
     return number.starts_with('-') ? number : "+" + number;
 }
 
-std::string figureText(const KvbDatavar& value) {
-    if (const auto* whole = std::get_if<std::int64_t>(&value.storage()))
-        return formatGrouped(*whole);
-    if (const auto* real = std::get_if<double>(&value.storage()))
-        return formatReadable(*real);
-    return value.toText().str();
-}
-
-std::string differenceText(const RunChange& change) {
-    const KvbDatavar difference = differenceOf(change);
-    return difference.isNull() ? std::string() : signedText(figureText(difference));
-}
-
 /// A value in one line.
 std::string exampleText(const KvbString& text) {
     if (text.isNull())
@@ -83,6 +70,24 @@ std::string joined(const std::vector<std::string>& parts) {
 }
 
 } // namespace
+
+std::string figureText(const KvbDatavar& value) {
+    if (const auto* whole = std::get_if<std::int64_t>(&value.storage()))
+        return formatGrouped(*whole);
+    if (const auto* real = std::get_if<double>(&value.storage()))
+        return formatReadable(*real);
+    return value.toText().str();
+}
+
+std::string differenceText(const RunChange& change) {
+    const KvbDatavar difference = differenceOf(change);
+    return difference.isNull() ? std::string() : signedText(figureText(difference));
+}
+
+std::string sharesText(const RunChange& change) {
+    return fmt::format("{} \u2192 {}", formatFixed(change.percentBefore.value_or(0), 2),
+                       percentText(change.percentAfter.value_or(0)));
+}
 
 ChangeRanking::Respect ChangeRanking::respectOf(const RunChange& change) {
     switch (change.subject) {
@@ -232,9 +237,7 @@ RankedChange ChangeRanking::told(const Record& record) {
         line.change = joined(sums);
         std::vector<std::string> examples;
         for (const RunChange& example : record.examples)
-            examples.push_back(fmt::format("{} {} \u2192 {}", exampleText(example.item),
-                                           formatFixed(example.percentBefore.value_or(0), 2),
-                                           percentText(example.percentAfter.value_or(0))));
+            examples.push_back(exampleText(example.item) + ' ' + sharesText(example));
         if (!examples.empty())
             line.change += ": " + joined(examples);
         break;
@@ -246,8 +249,7 @@ RankedChange ChangeRanking::told(const Record& record) {
         named(isDefinition ? (isRule ? "condition" : "expression") : (isRule ? "rule" : "custom metric"));
         line.what += fmt::format(" {}", exampleText(first.item));
         if (isRule && !isDefinition && first.kind == Kind::Changed)
-            line.change = fmt::format("{} \u2192 {} of the rows", formatFixed(first.percentBefore.value_or(0), 2),
-                                      percentText(first.percentAfter.value_or(0)));
+            line.change = sharesText(first) + " of the rows";
         break;
     }
     case Respect::Records:
@@ -259,22 +261,30 @@ RankedChange ChangeRanking::told(const Record& record) {
     return line;
 }
 
-/// Nulls that replace or are replaced by values move these values as well.
+/// Nulls that replace or are replaced by values move these values as well, and change the number of rows with a
+/// pattern.
+bool ChangeRanking::isToldByNulls(const Record& record, const Record& nulls) {
+    const double weight = nulls.first.weight;
+    if (nulls.respect != Respect::Nulls || rankOf(weight) == 0)
+        return false;
+    return record.respect == Respect::Values ? weight >= kNearlyAll * record.first.weight
+                                             : record.respect == Respect::Patterns && rankOf(record.first.weight) == 0;
+}
+
 std::vector<ChangeRanking::Record> ChangeRanking::withoutRepetitions() const {
     std::vector<Record> kept;
     for (const Record& record : m_records) {
-        if (record.respect == Respect::Values) {
-            const auto nulls = std::find_if(kept.rbegin(), kept.rend(), [&](const Record& each) {
-                return each.respect == Respect::Nulls || each.first.field != record.first.field;
-            });
-            const bool isOfField = nulls != kept.rend() && nulls->respect == Respect::Nulls &&
-                                   nulls->first.field == record.first.field && nulls->first.table == record.first.table;
-            if (isOfField && nulls->first.weight > 0 && nulls->first.weight >= kNearlyAll * record.first.weight) {
-                nulls->changes += record.changes;
-                continue;
-            }
-        }
-        kept.push_back(record);
+        // The records of a field are next to each other, its metrics before its values.
+        auto nulls = kept.rbegin();
+        while (nulls != kept.rend() && nulls->first.field == record.first.field &&
+               nulls->first.table == record.first.table && nulls->respect != Respect::Nulls)
+            ++nulls;
+        const bool isOfField = nulls != kept.rend() && nulls->first.field == record.first.field &&
+                               nulls->first.table == record.first.table;
+        if (isOfField && isToldByNulls(record, *nulls))
+            nulls->changes += record.changes;
+        else
+            kept.push_back(record);
     }
     return kept;
 }

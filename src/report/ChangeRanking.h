@@ -9,6 +9,13 @@
 
 namespace tavix {
 
+/// A figure of a change for readers: counts in groups, computed numbers rounded; a text as it is.
+[[nodiscard]] std::string figureText(const KvbDatavar& value);
+/// The difference with its sign; empty between texts.
+[[nodiscard]] std::string differenceText(const RunChange& change);
+/// The shares of both runs: "50.00 → 41.60 %".
+[[nodiscard]] std::string sharesText(const RunChange& change);
+
 /// How a table or field has changed in one respect.
 struct RankedChange {
     std::string table;
@@ -67,6 +74,7 @@ class ChangeRanking {
     void addText(Record& record, const RunChange& change) const;
     static void addMetric(Record& record, const RunChange& change);
     [[nodiscard]] static RankedChange told(const Record& record);
+    [[nodiscard]] static bool isToldByNulls(const Record& record, const Record& nulls);
     [[nodiscard]] std::vector<Record> withoutRepetitions() const;
     void tellFollowers(std::vector<RankedChange>& lines) const;
 

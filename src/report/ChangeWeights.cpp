@@ -30,11 +30,16 @@ ChangeWeight weightOfRows(const Figures& part, const Figures& rows) {
     return {isProportional ? 0 : 100 * share, isProportional && rows.before != rows.after};
 }
 
-/// Added rows may bring as many distinct texts for each row as the others, or none.
+/// By how much a figure lies outside what the rows explain: added rows may contribute as much as the others, or
+/// nothing.
+double beyondGrowth(const Figures& figure, const Figures& rows) {
+    const double inProportion = figure.before * rows.after / rows.before;
+    return std::max({0.0, std::min(figure.before, inProportion) - figure.after,
+                     figure.after - std::max(figure.before, inProportion)});
+}
+
 ChangeWeight weightOfDistinct(const Figures& texts, const Figures& rows) {
-    const double inProportion = texts.before * rows.after / rows.before;
-    const auto [least, most] = std::minmax(texts.before, inProportion);
-    const double beyond = std::max({0.0, least - texts.after, texts.after - most});
+    const double beyond = beyondGrowth(texts, rows);
     const double percent = 100 * beyond / std::max(rows.before, rows.after);
     return {std::min(100.0, percent), beyond == 0 && rows.before != rows.after};
 }
@@ -63,6 +68,15 @@ double relativeChange(double before, double after) {
 
 ChangeWeight weightOfShare(std::optional<double> percentBefore, std::optional<double> percentAfter) {
     return {std::abs(percentAfter.value_or(0) - percentBefore.value_or(0)), false};
+}
+
+ChangeWeight weightOfFigure(double before, double after, std::int64_t rowsBefore, std::int64_t rowsAfter) {
+    const Figures rows{static_cast<double>(rowsBefore), static_cast<double>(rowsAfter)};
+    if (rows.before <= 0 || rows.after <= 0)
+        return {relativeChange(before, after), false};
+    const double beyond = beyondGrowth({before, after}, rows);
+    const double larger = std::max({std::abs(before), std::abs(after), rows.before, rows.after});
+    return {std::min(100.0, 100 * beyond / larger), beyond == 0 && rowsBefore != rowsAfter};
 }
 
 ChangeWeight weightOfMetric(MetricId metric, const FieldRecord& before, const FieldRecord& after) {

@@ -26,6 +26,9 @@ inline constexpr ChangeWeight kWholeChange{100, false};
 [[nodiscard]] double relativeChange(double before, double after);
 /// Records of a kind, such as damaged ones, out of all.
 [[nodiscard]] ChangeWeight weightOfShare(std::optional<double> percentBefore, std::optional<double> percentAfter);
+/// A custom metric, of which nothing is known but its value: the relative change beyond what the number of rows
+/// explains, but no more than if each unit of the value were a row.
+[[nodiscard]] ChangeWeight weightOfFigure(double before, double after, std::int64_t rowsBefore, std::int64_t rowsAfter);
 /// A metric of a field that differs between the runs.
 [[nodiscard]] ChangeWeight weightOfMetric(MetricId metric, const FieldRecord& before, const FieldRecord& after);
 /// The values of a field, or its patterns, of which null is none: `percentWithText` of the rows have one.

@@ -60,7 +60,8 @@ std::vector<RunInfo> readRuns(PrViewer& viewer) {
     const ProfileCursorHandle rows = checked(viewer, viewer.getJobs());
     while (rows->next())
         runs.push_back({rows->getColumnInt(layout::JobRunId), rows->getColumnDouble(layout::JobDate),
-                        textAt(*rows, layout::JobDescription)});
+                        textAt(*rows, layout::JobDescription), int64Or(*rows, layout::JobTables, 0),
+                        int64Or(*rows, layout::JobRecords, 0)});
     return runs;
 }
 

@@ -227,18 +227,15 @@ class Comparison {
         return before.freqCount + after.freqCount + before.patternCount + after.patternCount;
     }
 
-    /// A figure that grows with the records says nothing of its own.
-    static ChangeWeight weightOfComputed(const KvbDatavar& was, const KvbDatavar& is, const TableIdentity& before,
-                                         const TableIdentity& after) {
+    static ChangeWeight weightOfCustomMetric(const KvbDatavar& was, const KvbDatavar& is, const TableIdentity& before,
+                                             const TableIdentity& after) {
         const double figureBefore = was.toDouble();
         const double figureAfter = is.toDouble();
-        const auto rowsBefore = static_cast<double>(before.processedRecords);
-        const auto rowsAfter = static_cast<double>(after.processedRecords);
         if (figureBefore == figureAfter) // texts
-            return {100 / std::max({1.0, rowsBefore, rowsAfter}), false};
-        const bool isProportional = figureBefore * rowsAfter == figureAfter * rowsBefore;
-        return {isProportional ? 0 : relativeChange(figureBefore, figureAfter),
-                isProportional && rowsBefore != rowsAfter};
+            return {
+                100 / static_cast<double>(std::max({std::int64_t{1}, before.processedRecords, after.processedRecords})),
+                false};
+        return weightOfFigure(figureBefore, figureAfter, before.processedRecords, after.processedRecords);
     }
     void compareComputed(const TableIdentity& tableBefore, const TableIdentity& tableAfter,
                          const std::vector<Computed>& before, const std::vector<Computed>& after, Subject value,
@@ -255,7 +252,7 @@ class Comparison {
                 tell({value, Kind::Changed, m_table, "", one.name, earlier->value, one.value, earlier->percent,
                       one.percent},
                      value == Subject::Rule ? weightOfShare(earlier->percent, one.percent)
-                                            : weightOfComputed(earlier->value, one.value, tableBefore, tableAfter));
+                                            : weightOfCustomMetric(earlier->value, one.value, tableBefore, tableAfter));
         }
         for (const Computed& one : before)
             if (!findByName(after, one.name))
@@ -309,7 +306,10 @@ class Comparison {
         StoredTexts textsAfter(m_after, after, isPatterns, walked);
         const DistributionChanges changes = compareDistributions(textsBefore, textsAfter, {m_options.top});
         const double percentWithText = isPatterns ? percentWithValue(before, after) : 100;
-        const ChangeWeight weight = weightOfTexts(changes, percentWithText);
+        ChangeWeight weight = weightOfTexts(changes, percentWithText);
+        // The rows with a pattern also change with the nulls.
+        weight.followsRows =
+            weight.followsRows && before.metrics[index(MetricId::Count)] != after.metrics[index(MetricId::Count)];
         const Subject all = isPatterns ? Subject::Patterns : Subject::Values;
         const Subject one = isPatterns ? Subject::Pattern : Subject::Value;
         const DistributionKind kindOfTexts = isPatterns ? DistributionKind::Pattern : DistributionKind::Frequency;

@@ -2,6 +2,7 @@
 
 #include "base/LibraryDate.h"
 
+#include <cstdint>
 #include <locale>
 #include <string>
 #include <vector>
@@ -13,6 +14,8 @@ struct RunInfo {
     int id = -1;
     LibraryDate date = 0;
     std::string description;
+    std::int64_t tables = 0;
+    std::int64_t records = 0; ///< that were profiled, in all tables
 
     [[nodiscard]] std::string DateText(const std::locale& locale) const {
         return formatDateTime(decompose(date), locale);

@@ -208,13 +208,19 @@ void ShellActions::fillRuns() {
     std::stable_sort(runs.begin(), runs.end(), [](const TavixRunInfo& a, const TavixRunInfo& b) {
         return a.DateObject != b.DateObject ? a.DateObject > b.DateObject : a.ID > b.ID;
     });
+    // Runs are numbered from the earliest one, as in the list of runs.
+    std::vector<int> ids;
+    ids.reserve(runs.size());
+    for (const TavixRunInfo& run : runs)
+        ids.push_back(run.ID);
+    std::sort(ids.begin(), ids.end());
     m_runs->clear();
     for (const TavixRunInfo& run : runs) {
-        const QString date = toQString(run.Date);
-        m_runs->addItem(run.Description.empty()
-                            ? date
-                            : QStringLiteral("%1  ·  %2").arg(date, toQString(run.Description).simplified()),
-                        run.ID);
+        const auto number = std::lower_bound(ids.begin(), ids.end(), run.ID) - ids.begin() + 1;
+        QStringList parts = {QString::number(number), toQString(run.Date)};
+        if (!run.Description.empty())
+            parts << toQString(run.Description).simplified();
+        m_runs->addItem(parts.join(QStringLiteral("  ·  ")), run.ID);
     }
     m_runs->setCurrentIndex(m_runs->findData(m_host.GetCurrentRun()));
 }

@@ -113,6 +113,19 @@ TEST_F(TavixDocTest, OpensTheLatestRunOfAReport) {
     EXPECT_THAT(m_around.lines, IsEmpty()) << "the frame tells about a new report, not the document";
 }
 
+TEST_F(TavixDocTest, OpensAFurtherSessionForAnotherRun) {
+    open();
+    const auto other = m_doc.OpenRun(m_sample.salesRuns[0]);
+    ASSERT_TRUE(other);
+    EXPECT_EQ((*other)->getCurrentJob(), m_sample.salesRuns[0]);
+    EXPECT_EQ(m_doc.GetViewer()->getCurrentJob(), m_sample.salesRuns[2]);
+    const auto unknown = m_doc.OpenRun(12345);
+    ASSERT_FALSE(unknown);
+    EXPECT_NE(unknown.error().text, "");
+    m_doc.Clear();
+    EXPECT_EQ((*other)->getJobCount(), 3) << "open until it is released";
+}
+
 TEST_F(TavixDocTest, ShowsTheFoldersOfAReport) {
     damage("INSERT INTO folder(id, parent, name) VALUES (1, NULL, 'Shop'), (2, 1, 'Europe');"
            "UPDATE job SET folder = 2 WHERE name = 'Sales'");

@@ -12,6 +12,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <array>
 
 namespace tavix {
 
@@ -20,20 +21,36 @@ namespace {
 constexpr qint64 kUpdateMilliseconds = 50;
 constexpr int kSteps = 1000;
 
+struct KindTexts {
+    ReadingKind kind;
+    const char* title;
+    const char* text;
+    const char* bar;
+    const char* noun; ///< of what is counted; null for found rows
+};
+constexpr std::array kKinds{
+    KindTexts{ReadingKind::Source, "Drill Through", "Reading the source...", "Share of the source that was read",
+              nullptr},
+    KindTexts{ReadingKind::List, "Distribution", "Reading...", "Share of the list that was looked at", "row"},
+    KindTexts{ReadingKind::Runs, "Changes", "Comparing two runs...", "Share of the values that was compared", "value"}};
+
+const KindTexts& textsOf(ReadingKind kind) {
+    return *std::find_if(kKinds.begin(), kKinds.end(), [kind](const KindTexts& each) { return each.kind == kind; });
+}
+
 } // namespace
 
 ReadingProgressDlg::ReadingProgressDlg(ReadingKind kind, QWidget* parent)
     : QDialog(parent), m_kind(kind), m_text(new QLabel(this)), m_rows(new QLabel(this)), m_bar(new QProgressBar(this)) {
-    const bool isSource = kind == ReadingKind::Source;
+    const KindTexts& texts = textsOf(kind);
     setObjectName(QStringLiteral("readingProgress"));
-    setWindowTitle(isSource ? tr("Drill Through") : tr("Distribution"));
+    setWindowTitle(tr(texts.title));
     setWindowModality(Qt::ApplicationModal);
     m_text->setTextFormat(Qt::PlainText);
     m_text->setWordWrap(true);
-    m_text->setText(isSource ? tr("Reading the source...") : tr("Reading..."));
+    m_text->setText(tr(texts.text));
     m_rows->setObjectName(QStringLiteral("rows"));
-    m_bar->setAccessibleName(isSource ? tr("Share of the source that was read")
-                                      : tr("Share of the list that was looked at"));
+    m_bar->setAccessibleName(tr(texts.bar));
     m_bar->setTextVisible(false);
     m_bar->setRange(0, 0);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
@@ -59,8 +76,8 @@ void ReadingProgressDlg::ShowProgress(const QString& text, std::int64_t done, st
     if (total > 0)
         m_bar->setValue(
             static_cast<int>(kSteps * std::clamp(static_cast<double>(done) / static_cast<double>(total), 0.0, 1.0)));
-    if (m_kind == ReadingKind::List && total > 0)
-        m_rows->setText(tr("%1 of %2").arg(toQString(groupedCount(done)), toQString(countOf(total, "row"))));
+    if (const char* noun = textsOf(m_kind).noun; noun && total > 0)
+        m_rows->setText(tr("%1 of %2").arg(toQString(groupedCount(done)), toQString(countOf(total, noun))));
 }
 
 void ReadingProgressDlg::ShowFound(std::int64_t rows) {

@@ -18,6 +18,7 @@ namespace tavix {
 enum class ReadingKind {
     Source, ///< a source: shows the share that was read and the number of rows found
     List,   ///< a stored list: shows the number of rows examined
+    Runs,   ///< two runs that are compared: shows the number of values examined
 };
 
 /// Shown over the viewer during a long reading; Cancel and Escape stop it.

@@ -74,7 +74,7 @@ CDeleteHistoryDlg::CDeleteHistoryDlg(DeleteHistoryModel model, Messages& message
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     SelectionChanged();
     m_table->setFocus();
-    resize(560, 400);
+    resize(880, 420);
 }
 
 void CDeleteHistoryDlg::SelectionChanged() {

@@ -2,11 +2,14 @@
 
 #include "base/ui/QtText.h"
 #include "base/ui/RoomyDelegate.h"
+#include "grid/FoldedFinder.h"
+#include "report/RunList.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
+#include <QScrollBar>
 
 #include <algorithm>
 
@@ -14,15 +17,17 @@ namespace tavix {
 
 namespace {
 
-constexpr int kDateColumn = 0;
-constexpr int kDescriptionColumn = 1;
+enum Columns { kDateColumn, kDescriptionColumn, kRunColumn, kTablesColumn, kRecordsColumn, kChangeColumn, kColumns };
 constexpr int kDateWidth = 120;
 constexpr int kDescriptionWidth = 230;
 
 } // namespace
 
 CRunTable::CRunTable(QWidget* parent) : QTreeWidget(parent) {
-    setHeaderLabels({tr("Date/time"), tr("Description")});
+    setHeaderLabels({tr("Date/time"), tr("Description"), tr("Run"), tr("Tables"), tr("Records"), tr("Change")});
+    headerItem()->setToolTip(kChangeColumn, tr("The change in the number of records since the run before"));
+    for (const int column : {kTablesColumn, kRecordsColumn, kChangeColumn})
+        headerItem()->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
     setItemDelegate(new RoomyDelegate(this));
     setRootIsDecorated(false);
     setUniformRowHeights(true);
@@ -45,30 +50,59 @@ void CRunTable::SetRuns(const std::vector<RunInfo>& runs, int currentRun) {
     clear();
     QList<QTreeWidgetItem*> items;
     QTreeWidgetItem* current = nullptr;
-    for (const RunInfo& run : runs) {
+    for (const RunRow& run : listRuns(runs, locale)) {
         const QString description = toQString(run.description);
-        auto* item = new QTreeWidgetItem({toQString(run.DateText(locale)), description});
+        auto* item = new QTreeWidgetItem({toQString(run.date), description, toQString(run.run), toQString(run.tables),
+                                          toQString(run.records), toQString(run.change)});
+        for (const int column : {kTablesColumn, kRecordsColumn, kChangeColumn})
+            item->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
         // Escaped inside rich text, so that markup in a description is shown as text.
         item->setToolTip(kDescriptionColumn, QLatin1String("<qt>") + description.toHtmlEscaped());
         if (run.id == currentRun) {
             current = item;
             QFont bold(font());
             bold.setBold(true);
-            item->setFont(kDateColumn, bold);
-            item->setFont(kDescriptionColumn, bold);
+            for (int column = 0; column < kColumns; ++column)
+                item->setFont(column, bold);
             item->setData(kDateColumn, Qt::AccessibleTextRole, tr("%1, current run").arg(item->text(kDateColumn)));
         }
         items.append(item);
     }
     addTopLevelItems(items);
     // The length of a date depends on the user's locale.
-    resizeColumnToContents(kDateColumn);
+    for (int column = 0; column < kColumns; ++column)
+        if (column != kDescriptionColumn)
+            resizeColumnToContents(column);
     setColumnWidth(kDateColumn, std::max(kDateWidth, columnWidth(kDateColumn)));
     setColumnWidth(kDescriptionColumn, kDescriptionWidth);
     if (current) {
         setCurrentItem(current);
         scrollToItem(current, PositionAtCenter);
+        horizontalScrollBar()->setValue(0);
     }
+}
+
+int CRunTable::ShowMatching(const QString& text) {
+    const FoldedFinder finder(toUtf8(text.simplified()));
+    QTreeWidgetItem* first = nullptr;
+    int shown = 0;
+    for (int row = 0; row < topLevelItemCount(); ++row) {
+        QTreeWidgetItem* item = topLevelItem(row);
+        const QString searched =
+            item->text(kRunColumn) + u'\n' + item->text(kDateColumn) + u'\n' + item->text(kDescriptionColumn);
+        const bool matches = finder.isIn(toUtf8(searched));
+        item->setHidden(!matches);
+        shown += matches ? 1 : 0;
+        if (matches && !first)
+            first = item;
+    }
+    if (!currentItem() || currentItem()->isHidden())
+        setCurrentItem(first);
+    if (currentItem()) {
+        scrollToItem(currentItem());
+        horizontalScrollBar()->setValue(0);
+    }
+    return shown;
 }
 
 int CRunTable::SelectedRow() const {
@@ -80,7 +114,7 @@ void CRunTable::MarkDeleted(int row, bool deleted) {
     QTreeWidgetItem* item = topLevelItem(row);
     if (!item || item->font(kDateColumn).strikeOut() == deleted)
         return;
-    for (const int column : {kDateColumn, kDescriptionColumn}) {
+    for (int column = 0; column < kColumns; ++column) {
         QFont marked(item->font(column));
         marked.setStrikeOut(deleted);
         item->setFont(column, marked);

@@ -8,7 +8,7 @@
 
 namespace tavix {
 
-/// A list of runs in two columns, in the order given, one selected at a time. Ctrl+C copies the selected run.
+/// A list of runs, the latest first, one selected at a time. Ctrl+C copies the selected run.
 class CRunTable final : public QTreeWidget {
     Q_OBJECT
 
@@ -17,12 +17,13 @@ class CRunTable final : public QTreeWidget {
 
     /// The current run is marked and selected.
     void SetRuns(const std::vector<RunInfo>& runs, int currentRun);
+    /// Hides the runs whose number, date and description do not contain the text, ignoring case, and returns how many
+    /// remain. If the selected run is hidden, the first that is not is selected.
+    int ShowMatching(const QString& text);
     /// -1 when none is selected.
     [[nodiscard]] int SelectedRow() const;
     /// Strikes a row out, or not.
     void MarkDeleted(int row, bool deleted);
-
-  private:
     void CopySelected() const;
 };
 

@@ -70,6 +70,11 @@ TEST(ChangeRanking, NullsStandForTheValuesThatTheyReplace) {
     auto all = nulls;
     all.push_back(values("a", Kind::Changed, 5, 60, 8.41));
     EXPECT_THAT(ranked(all), ElementsAre("8.40 t.a Nulls: 2.00 %, 10.40 %, +8.40 points, +84 rows (4)"));
+    RunChange patterns = values("a", Kind::Changed, 2, 60, 0);
+    patterns.subject = Subject::Patterns;
+    all.push_back(patterns);
+    EXPECT_THAT(ranked(all), ElementsAre("8.40 t.a Nulls: 2.00 %, 10.40 %, +8.40 points, +84 rows (5)"))
+        << "fewer rows have a pattern";
     all = nulls;
     all.push_back(values("b", Kind::Changed, 5, 60, 8.4));
     EXPECT_THAT(ranked(all), ElementsAre("8.40 t.a Nulls: 2.00 %, 10.40 %, +8.40 points, +84 rows (3)",

@@ -70,6 +70,15 @@ TEST(ChangeWeights, WhatFollowsFromTheNumberOfRowsWeighsNothing) {
     EXPECT_NEAR(15, weightOfTexts(key, 50).percent, 1e-9);
 }
 
+TEST(ChangeWeights, ACustomMetricWeighsItsRelativeChangeButEachUnitNoMoreThanARow) {
+    EXPECT_EQ((ChangeWeight{0.5, false}), weightOfFigure(5, 10, 1000, 1000));
+    EXPECT_EQ((ChangeWeight{20, false}), weightOfFigure(50'000, 40'000, 1000, 1000));
+    EXPECT_EQ((ChangeWeight{0, true}), weightOfFigure(50'000, 55'000, 1000, 1200));
+    EXPECT_EQ((ChangeWeight{50, false}), weightOfFigure(50'000, 120'000, 1000, 1200));
+    EXPECT_EQ((ChangeWeight{100, false}), weightOfFigure(-50'000, 50'000, 1000, 1000));
+    EXPECT_EQ((ChangeWeight{50, false}), weightOfFigure(5, 10, 0, 1000));
+}
+
 TEST(ChangeWeights, RelativeChangesAreBounded) {
     EXPECT_EQ(20, relativeChange(4, 5));
     EXPECT_EQ(20, relativeChange(5, 4));

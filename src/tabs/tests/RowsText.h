@@ -16,7 +16,7 @@ inline bool isShownAtFirst(const CUGDataSource& rows, int column) {
 }
 
 /// A row as it is shown at first: "text|text", with "?" after an unknown value, "~" after a null value, "<n>" for an
-/// icon and "[share]" for a bar; right-aligned texts begin with ">".
+/// icon, "[share]" for a bar and "[share, share]" for those of two runs; right-aligned texts begin with ">".
 inline std::string lineOf(const CUGDataSource& rows, std::int64_t row) {
     std::string line;
     for (int column = 0; column < rows.GetColumnCount(); ++column) {
@@ -30,7 +30,9 @@ inline std::string lineOf(const CUGDataSource& rows, std::int64_t row) {
         line += cell.state == CellState::Unknown ? "?" : cell.state == CellState::Null ? "~" : "";
         if (cell.icon != CellIcon::None)
             line += fmt::format("<{}>", static_cast<int>(cell.icon));
-        if (cell.bar >= 0)
+        if (cell.barBefore >= 0)
+            line += fmt::format("[{:.2f}, {:.2f}]", cell.barBefore, cell.bar);
+        else if (cell.bar >= 0)
             line += fmt::format("[{:.2f}]", cell.bar);
     }
     return line;

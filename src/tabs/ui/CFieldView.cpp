@@ -3,6 +3,7 @@
 #include "doc/CTavixDoc.h"
 #include "doc/CollectionMembers.h"
 #include "tabs/ui/CNotesTab.h"
+#include "tabs/ui/CTabChanges.h"
 #include "tabs/ui/CTabColProf.h"
 #include "tabs/ui/CTabFreqDist.h"
 #include "tabs/ui/PlainListTab.h"
@@ -18,7 +19,7 @@ constexpr std::array<CommandRow<CFieldView>, 2> kCommands = {{
     {CommandId::DetachTabs, &CFieldView::OnDetach, &CFieldView::CanDetach},
 }};
 
-constexpr std::array<TabRow, 7> kTabs = {{
+constexpr std::array<TabRow, 8> kTabs = {{
     {CFieldView::ColumnProfiling, "Column Profiling", ItemCode::ColumnProfiling, &makeTab<CTabColProf>},
     {CFieldView::Frequency, "Frequency Distribution", ItemCode::Frequency, &makeTab<CTabFreqDist>},
     {CFieldView::Patterns, "Pattern Frequency Distribution", ItemCode::Patterns, &makeTab<CTabFreqDist>},
@@ -26,6 +27,7 @@ constexpr std::array<TabRow, 7> kTabs = {{
     {CFieldView::Outliers, "Outliers", ItemCode::Outliers, &makeTab<CTabColProf>},
     {CFieldView::KeyAnalysis, "Primary Key/Foreign Key Analysis", ItemCode::KeyAnalysis, &makeTab<CTabPKFK>},
     {CFieldView::Notes, "Notes", ItemCode::FieldNotes, &makeTab<CTabNotes>},
+    {CFieldView::Changes, "Changes", ItemCode::None, &makeTab<CTabFieldChanges>},
 }};
 static_assert(isInOrder(kTabs));
 

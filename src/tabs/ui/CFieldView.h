@@ -11,7 +11,7 @@ namespace tavix {
 class CFieldView final : public CReportView {
     Q_OBJECT
   public:
-    enum Tab { ColumnProfiling, Frequency, Patterns, Percentiles, Outliers, KeyAnalysis, Notes };
+    enum Tab { ColumnProfiling, Frequency, Patterns, Percentiles, Outliers, KeyAnalysis, Notes, Changes };
 
     /// The site must outlive the view.
     CFieldView(CViewSite& site, bool isTornOff, QWidget* parent = nullptr);

@@ -121,6 +121,7 @@ void CListTab::Fill(bool isSameObject) {
     CTavixDoc& document = Site().GetTavixDoc();
     const std::shared_ptr<PrViewer> session = document.GetSession();
     PrViewer* viewer = session.get();
+    PrepareFill();
     const std::string obstacle = viewer ? GetObstacle() : std::string();
     bool failed = false;
     {

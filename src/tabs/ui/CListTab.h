@@ -55,6 +55,8 @@ class CListTab : public CProfTab {
     /// When the report, the run or the options have changed.
     [[nodiscard]] bool RefillsOn(RefreshHint hint) const override;
     void Fill(bool isSameObject) final;
+    /// Called before each filling.
+    virtual void PrepareFill() {}
     /// Why the subject has no such list; "" when it has one.
     [[nodiscard]] virtual std::string GetObstacle() const = 0;
     /// Fills the rows; false, with the rows unchanged, when the repository fails.

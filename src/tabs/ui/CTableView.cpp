@@ -2,6 +2,7 @@
 
 #include "tabs/ui/CNotesTab.h"
 #include "tabs/ui/CTabBusRule.h"
+#include "tabs/ui/CTabChanges.h"
 #include "tabs/ui/CTabCustMet.h"
 #include "tabs/ui/CTabStdMet.h"
 #include "tabs/ui/PlainListTab.h"
@@ -17,13 +18,14 @@ constexpr std::array<CommandRow<CTableView>, 2> kCommands = {{
     {CommandId::DetachTabs, &CTableView::OnDetach, &CTableView::CanDetach},
 }};
 
-constexpr std::array<TabRow, 6> kTabs = {{
+constexpr std::array<TabRow, 7> kTabs = {{
     {CTableView::StandardMetrics, "Standard Metrics", ItemCode::StandardMetrics, &makeTab<CTabStdMet>},
     {CTableView::CustomMetrics, "Custom Metrics", ItemCode::CustomMetrics, &makeTab<CTabCustMet>},
     {CTableView::BusinessRules, "Business Rules", ItemCode::BusinessRules, &makeTab<CTabBusRule>},
     {CTableView::Alerts, "Alerts", ItemCode::Alerts, &makeTab<CTabAlerts>},
     {CTableView::Visualizations, "Visualizations", ItemCode::Visualizations, &makeTab<CTabTblVis>},
     {CTableView::Notes, "Notes", ItemCode::TableNotes, &makeTab<CTabTblNotes>},
+    {CTableView::Changes, "Changes", ItemCode::None, &makeTab<CTabTableChanges>},
 }};
 static_assert(isInOrder(kTabs));
 

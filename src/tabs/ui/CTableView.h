@@ -11,7 +11,7 @@ namespace tavix {
 class CTableView final : public CReportView {
     Q_OBJECT
   public:
-    enum Tab { StandardMetrics, CustomMetrics, BusinessRules, Alerts, Visualizations, Notes };
+    enum Tab { StandardMetrics, CustomMetrics, BusinessRules, Alerts, Visualizations, Notes, Changes };
 
     /// The site must outlive the view.
     CTableView(CViewSite& site, bool isTornOff, QWidget* parent = nullptr);

@@ -12,6 +12,7 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QElapsedTimer>
 #include <QFontComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -176,12 +177,46 @@ TEST(RunListDlg, SelectsTheCurrentRunAndIsUsedByKeys) {
     EXPECT_EQ(table->headerItem()->text(1), QStringLiteral("Description"));
     EXPECT_GE(table->columnWidth(0), 120);
     EXPECT_EQ(dialog.SelectedRun(), 5);
+    QTest::keyClick(child<QLineEdit>(dialog, "search"), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_TRUE(QApplication::clipboard()->text().endsWith(QStringLiteral("\tNightly")));
+    QApplication::clipboard()->clear();
+    table->setFocus();
     QTest::keyClick(table, Qt::Key_C, Qt::ControlModifier);
     EXPECT_TRUE(QApplication::clipboard()->text().endsWith(QStringLiteral("\tNightly")));
     QTest::keyClick(table, Qt::Key_Up);
     QTest::keyClick(table, Qt::Key_Return);
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
     EXPECT_EQ(dialog.SelectedRun(), 8);
+}
+
+TEST(RunListDlg, FindsARunAmongHundredsWhileTheUserTypes) {
+    std::vector<RunInfo> runs;
+    for (int i = 1; i <= 300; ++i)
+        runs.push_back({i + 10, 46000.0 + i, i % 50 == 0 ? "Straße " + std::to_string(i) : "Nightly", 3, 1000 + i});
+    QElapsedTimer timer;
+    timer.start();
+    CRunListDlg dialog(std::move(runs), 310);
+    show(dialog);
+    EXPECT_LT(timer.elapsed(), 1000);
+    auto* search = child<QLineEdit>(dialog, "search");
+    const auto count = [&] { return toUtf8(child<QLabel>(dialog, "count")->text()); };
+    EXPECT_TRUE(search->hasFocus());
+    EXPECT_EQ("300 runs", count());
+    EXPECT_EQ(310, dialog.SelectedRun());
+    QTest::keyClicks(search, QStringLiteral("STRASSE"));
+    EXPECT_EQ("6 of 300 runs", count());
+    EXPECT_EQ(310, dialog.SelectedRun()) << "the newest of them";
+    QTest::keyClick(search, Qt::Key_Down);
+    EXPECT_EQ(260, dialog.SelectedRun());
+    QTest::keyClicks(search, QStringLiteral("?"));
+    EXPECT_EQ("0 of 300 runs", count());
+    EXPECT_EQ(-1, dialog.SelectedRun());
+    EXPECT_FALSE(okButton(dialog)->isEnabled());
+    search->setText(QStringLiteral("200 (id"));
+    EXPECT_EQ("1 of 300 runs", count());
+    QTest::keyClick(search, Qt::Key_Return);
+    EXPECT_EQ(QDialog::Accepted, dialog.result());
+    EXPECT_EQ(210, dialog.SelectedRun());
 }
 
 TEST(SourceLoginDlg, AsksForAPasswordThatIsNotShown) {

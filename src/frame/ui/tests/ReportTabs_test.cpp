@@ -2,7 +2,10 @@
 // drawn.
 #include "base/ui/Theme.h"
 #include "frame/ui/tests/ViewOverSample.h"
+#include "tabs/ui/CFieldView.h"
+#include "tabs/ui/CTableView.h"
 
+#include <QComboBox>
 #include <QImage>
 #include <QSignalSpy>
 
@@ -46,10 +49,10 @@ class ReportTabs : public ViewOverSample {
 
 TEST_F(ReportTabs, TablesCollectionsAndFieldsHaveTheirs) {
     const auto ofTable = ElementsAre("Standard Metrics 0", "Custom Metrics 1", "Business Rules 2", "Alerts 3",
-                                     "Visualizations 4", "Notes 14");
+                                     "Visualizations 4", "Notes 14", "Changes -1");
     const auto ofField =
         ElementsAre("Column Profiling 5", "Frequency Distribution 6", "Pattern Frequency Distribution 7",
-                    "Percentiles 8", "Outliers 9", "Primary Key/Foreign Key Analysis 12", "Notes 10");
+                    "Percentiles 8", "Outliers 9", "Primary Key/Foreign Key Analysis 12", "Notes 10", "Changes -1");
     EXPECT_THAT(tabs(), ofTable);
     selectCollection(0);
     EXPECT_THAT(tabs(), ofTable);
@@ -86,7 +89,7 @@ TEST_F(ReportTabs, TheTabThatWasOpenLastIsOpenedForTablesAndForCollectionsByThem
     EXPECT_EQ(CFieldView::Frequency, report().GetCurrentTab());
 
     // An invalid index counts as none; the tab of a detached window is not remembered.
-    document.SetTab(ReportPaneKind::Table, NavigatorPage::Tables, 6);
+    document.SetTab(ReportPaneKind::Table, NavigatorPage::Tables, 7);
     ASSERT_TRUE(selectTable("orders"));
     EXPECT_EQ(0, report().GetCurrentTab());
     report().SelectTab(CTableView::Visualizations);
@@ -102,10 +105,14 @@ TEST_F(ReportTabs, KeysGoFromTabToTabAndRoundTheEnds) {
     report().FocusContents();
     EXPECT_EQ(&grid(tab()), QApplication::focusWidget());
     press(Qt::Key_PageUp, Qt::ControlModifier);
+    EXPECT_EQ(CTableView::Changes, report().GetCurrentTab());
+    press(Qt::Key_PageUp, Qt::ControlModifier);
     EXPECT_EQ(CTableView::Notes, report().GetCurrentTab());
     // The list of notes has the focus now; its text must pass the keys on as well.
     ASSERT_TRUE(tab().isAncestorOf(QApplication::focusWidget()));
     tab().GetLastTabStop()->setFocus();
+    press(Qt::Key_PageDown, Qt::ControlModifier);
+    EXPECT_EQ(CTableView::Changes, report().GetCurrentTab());
     press(Qt::Key_PageDown, Qt::ControlModifier);
     EXPECT_EQ(CTableView::StandardMetrics, report().GetCurrentTab());
     press(Qt::Key_Tab, Qt::ControlModifier);
@@ -119,7 +126,7 @@ TEST_F(ReportTabs, KeysGoFromTabToTabAndRoundTheEnds) {
 
     strip().setFocus();
     const std::pair<Qt::Key, int> steps[] = {{Qt::Key_Right, 2}, {Qt::Key_Right, 3}, {Qt::Key_Left, 2},
-                                             {Qt::Key_End, 5},   {Qt::Key_Right, 5}, {Qt::Key_Home, 0},
+                                             {Qt::Key_End, 6},   {Qt::Key_Right, 6}, {Qt::Key_Home, 0},
                                              {Qt::Key_Left, 0},  {Qt::Key_Down, 0},  {Qt::Key_Right, 1}};
     for (const auto& [key, index] : steps) {
         press(key);
@@ -181,6 +188,28 @@ TEST_F(ReportTabs, TheStripKeepsItsHeightInAnyFontAndFollowsIt) {
         EXPECT_EQ(QColor(223, 223, 223), image.pixelColor(x, 20)) << x;
     m_view->setFont(usual);
     EXPECT_EQ(before, widths());
+}
+
+TEST_F(ReportTabs, AChangeOfATableOpensItsFieldAtItsChanges) {
+    report().SelectTab(CTableView::Changes);
+    CUGCtrl& changes = grid(tab());
+    ASSERT_GT(changes.model()->rowCount(), 0);
+    int row = 0;
+    while (cell(tab(), row, 0) != "name")
+        ASSERT_LT(++row, changes.model()->rowCount());
+    const std::string before = cell(tab(), row, 2);
+    changes.SelectRow(row);
+    QTest::keyClick(&changes, Qt::Key_Return);
+    EXPECT_EQ(m_sample.fields.at("customers/name"), report().GetSubject().selection.fieldId);
+    EXPECT_EQ(CFieldView::Changes, report().GetCurrentTab());
+    EXPECT_GT(rows(tab()), 0);
+    // The choice of runs is that of the report.
+    auto& since = *tab().findChild<QComboBox*>(QStringLiteral("sinceRun"));
+    since.setCurrentIndex(2);
+    Q_EMIT since.activated(2);
+    ASSERT_TRUE(selectTable("customers"));
+    EXPECT_EQ(CTableView::Changes, report().GetCurrentTab());
+    EXPECT_EQ(2, tab().findChild<QComboBox*>(QStringLiteral("sinceRun"))->currentIndex());
 }
 
 TEST_F(ReportTabs, TheNavigatorStepsThroughTheTabsAsWell) {
@@ -266,29 +295,29 @@ TEST_F(ReportTabs, CaptionsThatHaveNoRoomAreCutAndToldByTheirTips) {
         }
         return count;
     };
-    const int whole = strip().tabRect(6).right();
+    const int whole = strip().tabRect(7).right();
     EXPECT_EQ(0, tips());
-    m_view->resize(1050, 600);
+    m_view->resize(1130, 600);
     QCoreApplication::processEvents();
     ASSERT_LT(strip().width(), whole);
     EXPECT_EQ(0, tips()) << "the captions stand closer";
     report().SelectTab(2);
-    for (const int width : {900, 750}) {
+    for (const int width : {1000, 850}) {
         m_view->resize(width, 600);
         QCoreApplication::processEvents();
         EXPECT_GT(tips(), 1) << width;
         EXPECT_EQ("", toUtf8(strip().tabToolTip(2))) << "the selected one stays whole";
-        EXPECT_LE(strip().tabRect(6).right(), strip().width()) << width << ": every tab can be clicked";
-        EXPECT_EQ("", toUtf8(strip().tabToolTip(6))) << "a short one stays whole";
+        EXPECT_LE(strip().tabRect(7).right(), strip().width()) << width << ": every tab can be clicked";
+        EXPECT_EQ("", toUtf8(strip().tabToolTip(7))) << "a short one stays whole";
         for (const QToolButton* arrow : strip().findChildren<QToolButton*>())
             EXPECT_FALSE(arrow->isVisible()) << width;
     }
     // The narrowest strip has arrows, and the selected tab is visible.
     m_view->resize(400, 600);
-    report().SelectTab(6);
+    report().SelectTab(7);
     QCoreApplication::processEvents();
-    EXPECT_LE(strip().tabRect(6).right(), strip().width());
-    EXPECT_GE(strip().tabRect(6).left(), 0);
+    EXPECT_LE(strip().tabRect(7).right(), strip().width());
+    EXPECT_GE(strip().tabRect(7).left(), 0);
     int arrows = 0;
     for (const QToolButton* arrow : strip().findChildren<QToolButton*>()) {
         arrows += arrow->isVisible() ? 1 : 0;
