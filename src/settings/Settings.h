@@ -32,6 +32,8 @@ enum class Setting {
     NavigatorShare,
     TableInformationShare,
     TableInformation, ///< set: the pane is open
+    HidePictures,     ///< set: the pictures beside lists are closed
+    PictureWidth,     ///< of a picture beside a list, in pixels at 96 dpi; 0 until the user sets it
     WorkingPath,      ///< the folder that a file dialog begins with
     ConnectionType,
 };
