@@ -129,7 +129,7 @@ FieldPicture readRanks(PrViewer& viewer, const FieldRecord& field) {
         sums.push_back(
             {blocks->getColumnInt64(layout::RankFirst) + blocks->getColumnInt64(layout::RankValues) - 1, rows});
     }
-    return {std::make_unique<RankPicture>(std::move(first), std::move(sums), field.freqCount, rows), {}};
+    return {std::make_unique<RankPicture>(std::move(first), sums, field.freqCount, rows), {}};
 }
 
 FieldPicture readPatterns(PrViewer& viewer, const FieldRecord& field) {

@@ -98,6 +98,7 @@ class HistogramDrawing {
         if (ticks.empty())
             ticks.push_back({values.low(), readable(m_histogram.bins.front().lowText)});
         std::vector<std::pair<double, std::string>> placed;
+        placed.reserve(ticks.size());
         for (Tick& tick : ticks)
             placed.emplace_back(at(values, tick.value), std::move(tick.label));
         m_plot.drawColumns(m_drawing, placed);

@@ -19,7 +19,7 @@ class OutlierPicture final : public Picture {
     struct Outlier {
         std::string label;
         std::int64_t count = 0;
-        int fence = 0;                  ///< beyond which the value lies: 0 none, 1 the inner one, 2 the outer one
+        int fence = 0;                    ///< beyond which the value lies: 0 none, 1 the inner one, 2 the outer one
         std::optional<double> position{}; ///< in the histogram
         Action action{};
     };

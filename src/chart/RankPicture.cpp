@@ -35,7 +35,7 @@ std::string rankLabel(std::int64_t rank) {
 
 } // namespace
 
-RankPicture::RankPicture(std::vector<Value> first, std::vector<Sum> sums, std::int64_t values, std::int64_t rows)
+RankPicture::RankPicture(std::vector<Value> first, const std::vector<Sum>& sums, std::int64_t values, std::int64_t rows)
     : m_first(std::move(first)), m_values(values), m_rows(rows) {
     m_sums.push_back({0, 0});
     for (const Value& value : m_first)

@@ -30,7 +30,7 @@ class RankPicture final : public Picture {
 
     /// `first` are the most frequent values, all of them if there are few; `sums` come in ascending order. `values` and
     /// `rows` are the numbers of all values and rows.
-    RankPicture(std::vector<Value> first, std::vector<Sum> sums, std::int64_t values, std::int64_t rows);
+    RankPicture(std::vector<Value> first, const std::vector<Sum>& sums, std::int64_t values, std::int64_t rows);
 
     [[nodiscard]] std::string title() const override;
     [[nodiscard]] std::string description() const override;

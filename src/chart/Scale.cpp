@@ -15,7 +15,7 @@ namespace tavix::chart {
 namespace {
 
 constexpr double kWholeNumbers = 1e15; ///< below it, doubles hold whole numbers without gaps
-constexpr int kMostTicks = 50;
+constexpr std::size_t kMostTicks = 50;
 constexpr double kSecondsPerDay = 86'400;
 constexpr std::array<std::string_view, 12> kMonths = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};

@@ -5,7 +5,7 @@
 #include "report/FieldHistogram.h"
 #include "report/FieldRecords.h"
 #include "report/ReportTables.h"
-#include "repository/Schema.h"
+#include "sql/Connection.h"
 #include "support/SampleRepository.h"
 
 #include <fmt/format.h>
@@ -40,7 +40,7 @@ class FieldPictures : public ::testing::Test {
     }
     void change(const std::string& sql) {
         m_viewer->close();
-        auto connection = repository::openRepository(m_sample.path, sql::OpenMode::Write);
+        auto connection = sql::Connection::openFile(m_sample.path, sql::OpenMode::Write);
         ASSERT_TRUE(connection && (*connection)->execute(sql)) << sql;
         open();
     }
