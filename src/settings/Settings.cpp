@@ -17,7 +17,7 @@ constexpr int kMost = 2'000'000'000;
 
 using Kind = SettingKind;
 
-constexpr std::array<SettingInfo, 24> kSettings = {{
+constexpr std::array<SettingInfo, 26> kSettings = {{
     {Setting::MaxChartVals, kTavix, "MaxChartVals", Kind::Integer, 1, 30, 30},
     {Setting::MaxFreqVals, kTavix, "MaxFreqVals", Kind::Integer, 1, kMost, 100},
     {Setting::MaxPkFkOutliers, kTavix, "MaxPkFkOutliers", Kind::Integer, 1, kMost, 100},
@@ -41,6 +41,8 @@ constexpr std::array<SettingInfo, 24> kSettings = {{
     {Setting::TableInformationShare, kFrame, "TableInformationShare", Kind::Text, 0, 0, 0},
     {Setting::TableInformation, kFrame, "TableInformation", Kind::Flag, 0, 0, 0},
     {Setting::ColorScheme, kFrame, "ColorScheme", Kind::Text, 0, 0, 0},
+    {Setting::HidePictures, kFrame, "HidePictures", Kind::Flag, 0, 0, 0},
+    {Setting::PictureWidth, kFrame, "PictureWidth", Kind::Integer, 0, 10'000, 0},
     {Setting::WorkingPath, "Environment", "WorkingPath", Kind::Text, 0, 0, 0},
     {Setting::ConnectionType, "Settings", "ConnectionType", Kind::Text, 0, 0, 0},
 }};

@@ -35,6 +35,8 @@ enum class Setting {
     TableInformationShare,
     TableInformation, ///< set: the pane is open
     ColorScheme,      ///< "light" or "dark"; anything else: as the desktop
+    HidePictures,     ///< set: the pictures beside lists are closed
+    PictureWidth,     ///< of a picture beside a list, in pixels at 96 dpi; 0 until the user sets it
     WorkingPath,      ///< the folder that a file dialog begins with
     ConnectionType,
 };

@@ -5,6 +5,8 @@
 #include "doc/CTavixDoc.h"
 #include "grid/ui/CUGCtrl.h"
 #include "settings/Settings.h"
+#include "tabs/ui/PicturePane.h"
+#include "tabs/ui/PictureSplit.h"
 #include "tabs/ui/QuietPalette.h"
 
 #include <QAbstractButton>
@@ -85,6 +87,15 @@ void CListTab::AddBelow(QWidget& widget, QWidget* last) {
     m_lastBelow = last;
 }
 
+void CListTab::AddBeside(PicturePane& picture) {
+    m_picture = &picture;
+    m_split = new PictureSplit(Site().GetTavixDoc().GetSettings(), *m_grid, picture, this);
+    delete layout()->replaceWidget(m_stack, m_split); // the item, not the widget
+    m_split->insertWidget(0, m_stack);
+    static_cast<QVBoxLayout*>(layout())->setStretchFactor(m_split, 1);
+    connect(&picture, &PicturePane::TabRequested, this, &CListTab::TabRequested);
+}
+
 // The grid must not fetch rows while they are being destroyed.
 CListTab::~CListTab() {
     m_grid->SetSource(nullptr);
@@ -93,6 +104,8 @@ CListTab::~CListTab() {
 QWidget* CListTab::GetLastTabStop() {
     if (m_stack->currentWidget() != m_grid)
         return nullptr;
+    if (m_picture && m_picture->isVisibleTo(this))
+        return m_picture->GetLastTabStop();
     return m_lastBelow ? m_lastBelow : m_grid;
 }
 
@@ -146,6 +159,8 @@ void CListTab::Fill(bool isSameObject) {
     else
         m_grid->SourceChanged();
     m_grid->SelectRow(current);
+    if (m_picture)
+        m_picture->Refill();
     ShowNote(!note.empty() || !viewer ? note : m_rows->GetEmptyText());
     ShowBase(note.empty() && viewer ? m_rows->GetBase() : ListBase());
     RowsChanged();
@@ -170,6 +185,8 @@ void CListTab::ShowNote(const std::string& note) {
     m_stack->setCurrentWidget(note.empty() ? static_cast<QWidget*>(m_grid) : m_note);
     if (m_below)
         m_below->setVisible(note.empty());
+    if (m_split)
+        m_split->SetOffered(note.empty());
 }
 
 } // namespace tavix

@@ -14,6 +14,8 @@ class QStackedWidget;
 namespace tavix {
 
 class CUGCtrl;
+class PicturePane;
+class PictureSplit;
 class PrViewer;
 
 /// For lists that only tables have: why a collection has no `what`; "" when the subject is a table.
@@ -52,6 +54,9 @@ class CListTab : public CProfTab {
     /// ownership.
     void AddBelow(QWidget& widget, QWidget* last);
 
+    /// Puts a picture beside the list, visible while the list is and there is room. Takes ownership.
+    void AddBeside(PicturePane& picture);
+
     /// When the report, the run or the options have changed.
     [[nodiscard]] bool RefillsOn(RefreshHint hint) const override;
     void Fill(bool isSameObject) final;
@@ -78,6 +83,8 @@ class CListTab : public CProfTab {
     QLabel* m_base; ///< the line above the list
     QWidget* m_below = nullptr;
     QWidget* m_lastBelow = nullptr;
+    PicturePane* m_picture = nullptr;
+    PictureSplit* m_split = nullptr; ///< the list and the picture
 };
 
 } // namespace tavix

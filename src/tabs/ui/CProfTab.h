@@ -3,6 +3,7 @@
 #include "doc/CRefreshItem.h"
 #include "doc/CViewSite.h"
 #include "doc/CommandTarget.h"
+#include "doc/ItemCode.h"
 #include "report/ReportSubject.h"
 
 #include <QWidget>
@@ -40,6 +41,8 @@ class CProfTab : public QWidget, public CRefreshItem, public CommandTarget {
   Q_SIGNALS:
     /// The caption's mark has changed.
     void CaptionChanged();
+    /// The tab asks its view to show the one with this code.
+    void TabRequested(tavix::ItemCode code);
 
   protected:
     [[nodiscard]] virtual bool RefillsOn(RefreshHint hint) const = 0;

@@ -82,6 +82,7 @@ void CReportView::AddTab(const TabRow& row) {
     m_pages->addWidget(tab);
     m_strip->InsertTab(index, toQString(row.caption));
     connect(tab, &CProfTab::CaptionChanged, this, [this, index] { m_strip->SetCaption(index, CaptionOf(index)); });
+    connect(tab, &CProfTab::TabRequested, this, &CReportView::OpenTab);
     int number = 0;
     for (CUGCtrl* grid : tab->findChildren<CUGCtrl*>()) {
         std::string name = toUtf8(tab->objectName());
@@ -241,6 +242,14 @@ ItemCode CReportView::GetItemCode() const {
 
 void CReportView::SelectTab(int index) {
     m_strip->SelectTab(index);
+}
+
+void CReportView::OpenTab(ItemCode code) {
+    for (const TabRow& row : m_table)
+        if (row.code == code) {
+            SelectTab(row.index);
+            FocusContents();
+        }
 }
 
 void CReportView::ShowTab(int index) {

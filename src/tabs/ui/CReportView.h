@@ -88,6 +88,8 @@ class CReportView : public QWidget, public CReportPane {
     /// Title and captions.
     void ShowHeader();
     void ShowTab(int index);
+    /// Shows the tab and gives it the focus.
+    void OpenTab(ItemCode code);
     void ShowDetails();
     void ShowDamagedRows();
 

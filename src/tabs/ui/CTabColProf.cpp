@@ -1,10 +1,12 @@
 #include "tabs/ui/CTabColProf.h"
 
+#include "chart/FieldPictures.h"
 #include "doc/CTavixDoc.h"
 #include "grid/ui/CUGCtrl.h"
 #include "tabs/ColProfRows.h"
 #include "tabs/OutlierRows.h"
 #include "tabs/PercentileRows.h"
+#include "tabs/ui/PicturePane.h"
 
 #include <QAction>
 #include <QItemSelectionModel>
@@ -35,14 +37,17 @@ CTabColProf::CTabColProf(CViewSite& site, const ReportSubject& subject, bool isT
             rows.Fill(*Subject().field, Site().GetTavixDoc().GetMetrics(), Subject().table.isSample);
             return true;
         };
+        AddBeside(*new PicturePane(site, subject, *this, &chart::pictureOfValues));
         break;
     case ItemCode::Percentiles:
         m_fill = [this, &rows = ShowRows(std::make_unique<PercentileRows>())](PrViewer& viewer) {
             return rows.Fill(viewer, *Subject().field);
         };
+        AddBeside(*new PicturePane(site, subject, *this, &chart::pictureOfPercentiles));
         break;
     case ItemCode::Outliers:
         MakeOutliers();
+        AddBeside(*new PicturePane(site, subject, *this, &chart::pictureOfOutliers, DrillOrigin::Outliers));
         break;
     default:
         break;

@@ -3,6 +3,7 @@
 #include "access/PrViewer.h"
 #include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
+#include "chart/FieldPictures.h"
 #include "doc/CTavixDoc.h"
 #include "drill/ui/ReadingProgress.h"
 #include "filter/FunctionList.h"
@@ -10,6 +11,7 @@
 #include "grid/ui/CUGCtrl.h"
 #include "tabs/DistributionRows.h"
 #include "tabs/ui/ExtentLine.h"
+#include "tabs/ui/PicturePane.h"
 #include "tabs/ui/SearchLine.h"
 
 #include <QAction>
@@ -46,6 +48,8 @@ CTabFreqDist::CTabFreqDist(CViewSite& site, const ReportSubject& subject, bool i
       m_stop(new QAction(tr("S&top Filtering"), this)),
       m_keep(new QAction(this)),
       m_exclude(new QAction(this)) {
+    AddBeside(*new PicturePane(site, subject, *this,
+                               itemCode == ItemCode::Frequency ? &chart::pictureOfRanks : &chart::pictureOfPatterns));
     AddAbove(*m_line);
     AddFooter(*m_extent);
     MakeActions();

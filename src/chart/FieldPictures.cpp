@@ -1,0 +1,245 @@
+#include "chart/FieldPictures.h"
+
+#include "access/Layouts.h"
+#include "access/PrViewer.h"
+#include "base/DateTicks.h"
+#include "base/GenException.h"
+#include "base/NullText.h"
+#include "base/NumberText.h"
+#include "chart/BarsPicture.h"
+#include "chart/HistogramPicture.h"
+#include "chart/OutlierPicture.h"
+#include "chart/QuantilePicture.h"
+#include "chart/RankPicture.h"
+#include "chart/Scale.h"
+#include "report/CheckedCursor.h"
+#include "report/CountText.h"
+#include "report/DistributionShare.h"
+#include "report/FieldHistogram.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tavix::chart {
+
+namespace {
+
+/// Ranks whose values are kept, and whose counts are read: those of a first block of short texts. Later ones are known
+/// by the sums of blocks.
+constexpr std::int64_t kFirstRanks = 100;
+constexpr std::int64_t kExactRanks = 4096;
+constexpr std::size_t kPatternBars = 10;
+constexpr std::string_view kNoHistogram = "This run stored no histogram; profile again to see it.";
+
+/// A value as a position in a histogram of this kind.
+std::optional<double> positionOf(const KvbString& value, HistogramKind kind) {
+    if (value.isNull())
+        return std::nullopt;
+    if (kind != HistogramKind::Dates)
+        return parseNumber(value.view());
+    const auto ticks = parseDate(value.view());
+    return ticks ? std::optional(static_cast<double>(*ticks) / static_cast<double>(kTicksPerSecond)) : std::nullopt;
+}
+
+/// A computed number without the digits that are rounding errors.
+std::string shownValue(const KvbString& value) {
+    const auto number = parseNumber(value.view());
+    return number && !parseInteger(value.view()) ? shownNumber(*number) : value.str();
+}
+
+ValueMarks readMarks(PrViewer& viewer, const FieldRecord& field, HistogramKind kind) {
+    ValueMarks marks;
+    if (kind == HistogramKind::Lengths)
+        return marks;
+    const ProfileCursorHandle rows = checked(viewer, viewer.getPercentiles(field.id));
+    while (rows->next()) {
+        const std::string interval = rows->getColumnValue(layout::PercentileInterval).str();
+        const KvbString value = rows->getColumnValue(layout::PercentileValue);
+        const auto mark = [&](std::optional<double>& position, std::string& text) {
+            position = positionOf(value, kind);
+            text = shownValue(value);
+        };
+        if (interval == "25%")
+            mark(marks.lowQuartile, marks.lowQuartileText);
+        else if (interval == "50%")
+            mark(marks.median, marks.medianText);
+        else if (interval == "75%")
+            mark(marks.highQuartile, marks.highQuartileText);
+    }
+    const KvbString& mean = field.metrics[index(MetricId::Mean)];
+    if (kind == HistogramKind::Numbers && (marks.mean = positionOf(mean, kind)))
+        marks.meanText = shownValue(mean);
+    return marks;
+}
+
+std::string labelOf(const KvbString& value) {
+    if (value.isNull())
+        return std::string(kNullValue);
+    return value.isEmpty() ? "(empty)" : value.str();
+}
+
+std::unique_ptr<Picture> readBars(PrViewer& viewer, const FieldRecord& field) {
+    const std::int64_t total = viewer.getFreqDistSum(field.id);
+    const ProfileCursorHandle rows = checked(viewer, viewer.getFreqDist(field.id, {}));
+    std::vector<BarsPicture::Bar> bars;
+    while (bars.size() <= kFewValues && rows->next()) {
+        const KvbString value =
+            rows->isColumnNull(layout::FreqValue) ? KvbString() : rows->getColumnValue(layout::FreqValue);
+        bars.push_back({labelOf(value), rows->getColumnInt64(layout::FreqCount), {ActionKind::DrillValue, value}});
+    }
+    return std::make_unique<BarsPicture>("Values", std::move(bars), total,
+                                         DistributionShare(DistributionKind::Frequency, false, total).BaseText());
+}
+
+FieldPicture readValues(PrViewer& viewer, const FieldRecord& field) {
+    if (field.freqCount < 1)
+        return {};
+    if (field.freqCount <= kFewValues)
+        return {readBars(viewer, field), {}};
+    auto histogram = readFieldHistogram(viewer, field);
+    if (!histogram)
+        throw GenException(histogram.error().text);
+    if (!*histogram)
+        return {nullptr, std::string(kNoHistogram)};
+    ValueMarks marks = readMarks(viewer, field, (*histogram)->kind);
+    return {std::make_unique<HistogramPicture>(std::move(**histogram), std::move(marks)), {}};
+}
+
+FieldPicture readRanks(PrViewer& viewer, const FieldRecord& field) {
+    if (field.freqCount < 1)
+        return {};
+    std::vector<RankPicture::Value> first;
+    std::vector<RankPicture::Sum> sums;
+    std::int64_t rows = 0;
+    const ProfileCursorHandle values = checked(viewer, viewer.getFreqDist(field.id, {}));
+    for (std::int64_t rank = 1; rank <= kExactRanks && values->next(); ++rank) {
+        const std::int64_t count = values->getColumnInt64(layout::FreqCount);
+        rows += count;
+        sums.push_back({rank, rows});
+        if (rank > kFirstRanks)
+            continue;
+        const KvbString value =
+            values->isColumnNull(layout::FreqValue) ? KvbString() : values->getColumnValue(layout::FreqValue);
+        first.push_back({labelOf(value), count, {ActionKind::DrillValue, value}});
+    }
+    rows = 0;
+    const ProfileCursorHandle blocks = checked(viewer, viewer.getFreqDistRanks(field.id));
+    while (blocks->next()) {
+        rows += blocks->getColumnInt64(layout::RankSum);
+        sums.push_back(
+            {blocks->getColumnInt64(layout::RankFirst) + blocks->getColumnInt64(layout::RankValues) - 1, rows});
+    }
+    return {std::make_unique<RankPicture>(std::move(first), sums, field.freqCount, rows), {}};
+}
+
+FieldPicture readPatterns(PrViewer& viewer, const FieldRecord& field) {
+    if (field.patternCount < 1)
+        return {};
+    const std::int64_t total = patternTotal(field.metrics);
+    std::int64_t rest = total;
+    const ProfileCursorHandle rows = checked(viewer, viewer.getPatternDist(field.id, {}));
+    std::vector<BarsPicture::Bar> bars;
+    while (bars.size() < kPatternBars && rows->next()) {
+        const KvbString pattern = rows->getColumnValue(layout::PatternText);
+        const std::int64_t count = rows->getColumnInt64(layout::PatternCountColumn);
+        const KvbString label = pattern.isEmpty() ? KvbString(labelOf(pattern)) : viewer.getAbbreviatedPattern(pattern);
+        bars.push_back({label.str(), count, {ActionKind::DrillPattern, pattern}});
+        rest -= count;
+    }
+    if (const std::int64_t others = field.patternCount - static_cast<std::int64_t>(bars.size()); others > 0 && rest > 0)
+        bars.push_back({countOf(others, "other pattern"), rest, {}, true});
+    return {std::make_unique<BarsPicture>("Most frequent patterns", std::move(bars), total,
+                                          DistributionShare(DistributionKind::Pattern, false, total).BaseText()),
+            {}};
+}
+
+/// The kind of histogram in which the field's values have a position; nothing for texts and truth values.
+std::optional<HistogramKind> positionKind(const FieldRecord& field) {
+    if (field.typeCode == "I" || field.typeCode == "R")
+        return HistogramKind::Numbers;
+    return field.typeCode == "D" ? std::optional(HistogramKind::Dates) : std::nullopt;
+}
+
+FieldPicture readPercentiles(PrViewer& viewer, const FieldRecord& field) {
+    const std::optional<HistogramKind> kind = positionKind(field);
+    if (!kind)
+        return {nullptr, "Only numbers and dates have a curve of percentiles."};
+    std::vector<QuantilePicture::Point> points;
+    const ProfileCursorHandle rows = checked(viewer, viewer.getPercentiles(field.id));
+    while (rows->next()) {
+        const std::string interval = rows->getColumnValue(layout::PercentileInterval).str();
+        const KvbString text = rows->getColumnValue(layout::PercentileValue);
+        const auto percent = parseNumber(std::string_view(interval).substr(0, interval.find('%')));
+        const auto value = positionOf(text, *kind);
+        const bool ascends =
+            points.empty() || (percent && value && *percent > points.back().percent && *value >= points.back().value);
+        if (percent && value && *percent >= 0 && *percent <= 100 && ascends)
+            points.push_back({*percent, *value, text.str()});
+    }
+    if (points.size() < 2)
+        return {};
+    return {std::make_unique<QuantilePicture>(*kind, std::move(points)), {}};
+}
+
+FieldPicture readOutliers(PrViewer& viewer, const FieldRecord& field) {
+    const std::optional<HistogramKind> kind = positionKind(field);
+    std::vector<OutlierPicture::Outlier> lowest;
+    std::vector<OutlierPicture::Outlier> highest;
+    const ProfileCursorHandle rows = checked(viewer, viewer.getOutliers(field.id));
+    while (rows->next()) {
+        const KvbString value = rows->getColumnValue(layout::OutlierValue);
+        auto& list = rows->getColumnValue(layout::OutlierSideLetter).view() == "H" ? highest : lowest;
+        list.push_back({labelOf(value),
+                        rows->getColumnInt64(layout::OutlierCount),
+                        rows->getColumnInt(layout::OutlierFence),
+                        kind ? positionOf(value, *kind) : std::nullopt,
+                        {ActionKind::DrillValue, value}});
+    }
+    if (lowest.empty() && highest.empty())
+        return {};
+    std::optional<FieldHistogram> histogram;
+    std::optional<OutlierPicture::Quartiles> quartiles;
+    if (kind) {
+        auto read = readFieldHistogram(viewer, field);
+        if (!read)
+            throw GenException(read.error().text);
+        histogram = std::move(*read);
+        const ValueMarks marks = readMarks(viewer, field, *kind);
+        if (*kind == HistogramKind::Numbers && marks.lowQuartile && marks.highQuartile)
+            quartiles = {*marks.lowQuartile, *marks.highQuartile};
+    }
+    return {std::make_unique<OutlierPicture>(std::move(lowest), std::move(highest), std::move(histogram), quartiles),
+            {}};
+}
+
+/// The result of `read`, or the failure that it throws.
+template <typename Read>
+Result<FieldPicture> guarded(Read read) try {
+    return read();
+} catch (const GenException& failure) {
+    return Error{failure.getText().str()};
+}
+
+} // namespace
+
+Result<FieldPicture> pictureOfValues(PrViewer& viewer, const FieldRecord& field) {
+    return guarded([&] { return readValues(viewer, field); });
+}
+
+Result<FieldPicture> pictureOfRanks(PrViewer& viewer, const FieldRecord& field) {
+    return guarded([&] { return readRanks(viewer, field); });
+}
+
+Result<FieldPicture> pictureOfPercentiles(PrViewer& viewer, const FieldRecord& field) {
+    return guarded([&] { return readPercentiles(viewer, field); });
+}
+
+Result<FieldPicture> pictureOfOutliers(PrViewer& viewer, const FieldRecord& field) {
+    return guarded([&] { return readOutliers(viewer, field); });
+}
+
+Result<FieldPicture> pictureOfPatterns(PrViewer& viewer, const FieldRecord& field) {
+    return guarded([&] { return readPatterns(viewer, field); });
+}
+
+} // namespace tavix::chart
