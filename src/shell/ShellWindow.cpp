@@ -2,6 +2,7 @@
 
 #include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
+#include "base/ui/Theme.h"
 #include "host/TavixQtWindow.h"
 #include "shell/JobListPage.h"
 #include "shell/ShellActions.h"
@@ -90,11 +91,13 @@ ShellWindow::ShellWindow(TavixHost& host, Messages& messages)
         updateState();
     });
     m_deleteHistory = m_host.DeleteHistoryEvent.Attach([](const std::function<void()>& perform) { perform(); });
+    m_colors = m_host.ColorSchemeEvent.Attach([](TavixHost&, ColorScheme scheme) { applyColorScheme(scheme); });
     restoreWindow();
     showWelcome();
 }
 
 ShellWindow::~ShellWindow() {
+    m_host.ColorSchemeEvent.Detach(m_colors);
     m_host.RunsChangedEvent.Detach(m_runsChanged);
     m_host.DeleteHistoryEvent.Detach(m_deleteHistory);
     m_host.Dispose();

@@ -70,6 +70,24 @@ TEST_F(PanesOverSample, ABarFollowsTheMouseAndTheRatioLastsOverResizes) {
     EXPECT_THAT(spans(), ElementsAre(0, 1, 8, 992)) << "remembered";
 }
 
+TEST_F(PanesOverSample, TheNavigatorKeepsItsWidthOnWideScreensUntilItIsMoved) {
+    m_view->resize(2560, 500);
+    EXPECT_THAT(spans(), ElementsAre(0, 318, 325, 2235));
+    toggle();
+    makeViewAgain();
+    m_view->resize(1600, 500);
+    EXPECT_EQ(318, pane("navigator")->width()) << "other things were remembered, its ratio was not";
+    press(320);
+    move(402);
+    release(402);
+    EXPECT_NEAR(400, pane("navigator")->width(), 1);
+    m_view->resize(3200, 500);
+    EXPECT_NEAR(802, pane("navigator")->width(), 2) << "the user's ratio";
+    makeViewAgain();
+    m_view->resize(1600, 500);
+    EXPECT_NEAR(400, pane("navigator")->width(), 1);
+}
+
 TEST_F(PanesOverSample, EscapeLeavesADraggedBarWhereItWas) {
     m_view->SetInternalFocus();
     press(250);
