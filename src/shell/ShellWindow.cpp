@@ -108,6 +108,8 @@ void ShellWindow::askForRepository() {
     QString path;
     {
         ModalDialog<QFileDialog> dialog(this, QStringLiteral("Open Repository"), start);
+        // Wide enough for all columns of its list.
+        dialog->resize(dialog->sizeHint().expandedTo(QSize(900, 520)));
         dialog->setFileMode(QFileDialog::ExistingFile);
         dialog->setNameFilters(
             {QStringLiteral("Profile repositories (*.tavix *.db *.sqlite)"), QStringLiteral("All files (*)")});

@@ -3,6 +3,7 @@
 #include "access/PrViewer.h"
 #include "base/GenException.h"
 #include "base/NumberText.h"
+#include "base/ui/ElidedLabel.h"
 #include "base/ui/QtText.h"
 #include "doc/CTavixDoc.h"
 #include "grid/ui/CUGCtrl.h"
@@ -46,13 +47,15 @@ QLabel* plainLabel(QWidget* parent, const char* name) {
 CRunView::CRunView(CViewSite& site, QWidget* parent)
     : QWidget(parent),
       m_site(site),
-      m_title(plainLabel(this, "viewTitle")),
+      m_title(new ElidedLabel(this)),
       m_detail(plainLabel(this, "viewDetail")),
       m_area(new QScrollArea(this)),
       m_contents(new QWidget),
       m_cardGrid(new QGridLayout),
       m_listGrid(new QGridLayout) {
     setObjectName(QStringLiteral("runView"));
+    m_title->setObjectName(QStringLiteral("viewTitle"));
+    m_title->setTextInteractionFlags(Qt::TextSelectableByMouse);
     QFont titleFont = font();
     titleFont.setPointSizeF(titleFont.pointSizeF() * 1.35);
     titleFont.setWeight(QFont::DemiBold);
@@ -153,7 +156,6 @@ bool CRunView::ShowRun(int source) {
 
 void CRunView::ShowModel() {
     m_title->setText(toQString(m_model.GetTitle()));
-    m_title->setToolTip(m_title->text().toHtmlEscaped());
     m_detail->setText(toQString(m_model.GetDetail()));
     const std::vector<OverviewCard>& cards = m_model.GetCards();
     while (m_cards.size() < cards.size()) {
