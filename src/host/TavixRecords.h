@@ -50,7 +50,7 @@ struct TavixCommandInfo {
 /// A separate window of the viewer.
 struct TavixWindowInfo {
     int Id = -1;
-    std::string Name; ///< "airports · city", "Frequency Distribution Drill Through · city = NA"
+    std::string Name; ///< "airports · city", "Frequency Distribution Drill Through · city: “NA”"
 
     bool operator==(const TavixWindowInfo&) const = default;
 };

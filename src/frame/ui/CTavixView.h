@@ -35,7 +35,7 @@ struct OverviewDoor;
 /// A separate window of the view as a Window menu lists it.
 struct OpenWindow {
     int id = -1;
-    std::string name; ///< "airports · city", "Frequency Distribution Drill Through · city = NA"
+    std::string name; ///< "airports · city", "Frequency Distribution Drill Through · city: “NA”"
 
     bool operator==(const OpenWindow&) const = default;
 };
