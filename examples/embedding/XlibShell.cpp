@@ -28,6 +28,10 @@ XlibShell::XlibShell(tv::TavixEventLoop& loop) : m_loop(loop), m_display(XOpenDi
     m_loop.Watch(ConnectionNumber(m_display), [this] { handleEvents(); });
     m_host.SetKeyboardSite(this);
     m_host.DeleteHistoryEvent.Attach([](const std::function<void()>& perform) { perform(); });
+    m_host.ColorSchemeEvent.Attach(
+        [](tv::TavixHost&, tavix::ColorScheme scheme) { tv::TavixEventLoop::UseColors(scheme); });
+    if (m_host.GetColorScheme() != tavix::ColorScheme::Desktop)
+        tv::TavixEventLoop::UseColors(m_host.GetColorScheme());
 }
 
 XlibShell::~XlibShell() {

@@ -63,6 +63,24 @@ constexpr std::array kTableList{
     Column{TableIsSample, "Sample", kIsSample},
 };
 
+constexpr std::array kTablesOfRun{
+    Column{RunTableId, "Id", "t.id"},
+    Column{RunTableName, "Name", "CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END"},
+    Column{RunTableSourceId, "Data Source Id", "t.data_source"},
+    Column{RunTableKindLetter, "Kind", "t.kind"},
+    Column{RunTableTotalRecords, "Total Records", "rt.total_records"},
+    Column{RunTableProcessedRecords, "Processed Records", "rt.processed_records"},
+    Column{RunTableDamagedRecords, "Damaged Records", "rt.damaged_records"},
+    Column{RunTableFields, "Fields", "rt.fields"},
+};
+constexpr std::array kFieldsOfRun{
+    Column{RunFieldId, "Field Id", "f.id"},
+    Column{RunFieldName, "Field Name", "f.name"},
+    Column{RunFieldTableId, "Table Id", "rf.table_id"},
+    Column{RunFieldNulls, "Null Count", "rf.null_count"},
+    Column{RunFieldNullPercent, "Percent Null", "rf.percent_null"},
+};
+
 constexpr std::array kFieldHead{
     Column{FieldId, "Field Id", "f.id"},
     Column{FieldName, "Field Name", "f.name"},
@@ -327,6 +345,8 @@ std::vector<Layout> makeAll() {
         {"getDSNList", kDsnList},
         {"getTableList", kTableList},
         {"getTableOfField", kTableList},
+        {"getTablesOfRun", kTablesOfRun},
+        {"getFieldsOfRun", kFieldsOfRun},
         {"getFieldList", fields},
         {"getFieldListPKR", fieldsPkr},
         {"getTextFileFieldInfo", kTextFileFields},

@@ -84,6 +84,26 @@ inline constexpr std::string_view kIsSample =
     "AND "
     "b.processed_records < b.total_records) END";
 
+/// The tables of one run. RunTableName is the name as shown.
+enum TablesOfRun {
+    RunTableId = 0,
+    RunTableName = 1,
+    RunTableSourceId = 2,
+    RunTableKindLetter = 3,
+    RunTableTotalRecords = 4,
+    RunTableProcessedRecords = 5,
+    RunTableDamagedRecords = 6,
+    RunTableFields = 7,
+};
+/// The fields of all tables of one run.
+enum FieldsOfRun {
+    RunFieldId = 0,
+    RunFieldName = 1,
+    RunFieldTableId = 2,
+    RunFieldNulls = 3,
+    RunFieldNullPercent = 4,
+};
+
 /// Columns 0 to 2 of all four field lists.
 enum FieldListHead {
     FieldId = 0,

@@ -174,11 +174,7 @@ int PrViewer::getCurrentJob() const {
 }
 
 bool PrViewer::setCurrentJob(int runId) {
-    if (auto ready = m_impl->requireJob(); !ready)
-        return m_impl->fail(ready.error());
-    auto found = m_impl->integer("SELECT 1 FROM run WHERE job = ?1 AND id = ?2", {m_impl->job, runId},
-                                 fmt::format("The report has no run with the number {}.", runId));
-    if (!found)
+    if (auto found = m_impl->requireRunOfJob(runId); !found)
         return m_impl->fail(found.error());
     m_impl->run = runId;
     m_impl->checkRun();

@@ -90,6 +90,9 @@ class PrViewer {
     [[nodiscard]] ProfileCursorHandle getTableList(int dataSourceId);
     /// One row, the table of the field, in the current run or else the latest run with the field.
     [[nodiscard]] ProfileCursorHandle getTableOfField(int fieldId);
+    /// Tables and fields of any run of the current job, each with one query.
+    [[nodiscard]] ProfileCursorHandle getTablesOfRun(int runId);
+    [[nodiscard]] ProfileCursorHandle getFieldsOfRun(int runId);
     [[nodiscard]] ProfileCursorHandle getFieldList(int tableId);
     [[nodiscard]] ProfileCursorHandle getFieldListPKR(int tableId);
     /// `kind` is the table's letter: Y plain, S query, D filter.

@@ -91,6 +91,14 @@ Status PrViewer::Impl::requireRun() const {
     return found ? Status{} : Status{found.error()};
 }
 
+Status PrViewer::Impl::requireRunOfJob(int wanted) const {
+    if (auto ready = requireJob(); !ready)
+        return ready;
+    auto found = integer("SELECT 1 FROM run WHERE job = ?1 AND id = ?2", {job, wanted},
+                         fmt::format("The report has no run with the number {}.", wanted));
+    return found ? Status{} : Status{found.error()};
+}
+
 Status PrViewer::Impl::requireTable(int table) const {
     if (auto ready = requireRun(); !ready)
         return ready;

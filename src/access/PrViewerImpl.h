@@ -77,6 +77,7 @@ struct PrViewer::Impl {
     [[nodiscard]] Status requireJob() const;
     /// Also that the current run still exists.
     [[nodiscard]] Status requireRun() const;
+    [[nodiscard]] Status requireRunOfJob(int wanted) const;
     [[nodiscard]] Status requireTable(int table) const;      ///< in the current run
     [[nodiscard]] Status requireTableOrAll(int table) const; ///< -1 is all of the current run
     [[nodiscard]] Status requireExisting(std::string_view sql, int id, std::string_view what) const;

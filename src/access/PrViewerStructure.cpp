@@ -48,6 +48,18 @@ ProfileCursorHandle PrViewer::getTableOfField(int fieldId) {
     return ofRun ? m_impl->open({}, kQuery, {*ofRun, fieldId}) : m_impl->failCursor(ofRun.error());
 }
 
+ProfileCursorHandle PrViewer::getTablesOfRun(int runId) {
+    static const Query kQuery("getTablesOfRun", "FROM run_table rt JOIN profiled_table t ON t.id = rt.table_id "
+                                                "WHERE rt.run = ?1 ORDER BY rt.position");
+    return m_impl->open(m_impl->requireRunOfJob(runId), kQuery, {runId});
+}
+
+ProfileCursorHandle PrViewer::getFieldsOfRun(int runId) {
+    static const Query kQuery("getFieldsOfRun", "FROM run_field rf JOIN field f ON f.id = rf.field "
+                                                "WHERE rf.run = ?1 ORDER BY rf.table_id, rf.position");
+    return m_impl->open(m_impl->requireRunOfJob(runId), kQuery, {runId});
+}
+
 ProfileCursorHandle PrViewer::getFieldList(int tableId) {
     static const Query kQuery("getFieldList", kFieldsOfTable);
     return m_impl->open(m_impl->requireTable(tableId), kQuery, {m_impl->run, tableId});

@@ -22,6 +22,7 @@ OptionsModel::OptionsModel(const SettingsStore& store, std::vector<MetricDisplay
         values.*number.value = readInteger(store, number.setting);
     values.newestNotesFirst = readFlag(store, Setting::NotesSortOrder);
     values.hideWelcome = readFlag(store, Setting::HideWelcomeDialog);
+    values.colorScheme = readColorScheme(store);
     values.statFont = readStatFont(store);
     values.defaultLocale = readText(store, Setting::DefaultLocale);
     values.overrideFieldWidths = readFlag(store, Setting::OverrideFieldWidths);
@@ -40,6 +41,8 @@ Status OptionsModel::Save(SettingsStore& store) const {
         outcomes.push_back(writeInteger(store, number.setting, values.*number.value));
     outcomes.push_back(writeFlag(store, Setting::NotesSortOrder, values.newestNotesFirst));
     outcomes.push_back(writeFlag(store, Setting::HideWelcomeDialog, values.hideWelcome));
+    if (values.colorScheme)
+        outcomes.push_back(writeColorScheme(store, *values.colorScheme));
     outcomes.push_back(writeStatFont(store, values.statFont));
     outcomes.push_back(writeText(store, Setting::DefaultLocale, values.defaultLocale));
     outcomes.push_back(writeFlag(store, Setting::OverrideFieldWidths, values.overrideFieldWidths));

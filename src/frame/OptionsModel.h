@@ -24,6 +24,7 @@ struct OptionValues {
     DataFont statFont;
     std::string defaultLocale;
     bool overrideFieldWidths = false;
+    std::optional<ColorScheme> colorScheme; ///< nothing when the program does not follow the choice
 
     bool operator==(const OptionValues&) const = default;
 };

@@ -23,6 +23,12 @@ bool covers(int splitter, int x) {
 
 } // namespace
 
+double unmovedNavigatorRatio(int width) {
+    const double preset = PaneRatios().left;
+    // Half a pixel more, so that the product with the width is not truncated to one less.
+    return width <= kWideWindow ? preset : (kWideWindow * preset + 0.5) / width;
+}
+
 PaneLayout layOutPanes(int width, const PaneRatios& ratios, bool hasInfo) {
     PaneLayout layout;
     layout.width = width;

@@ -10,6 +10,12 @@ struct PaneRatios {
     bool operator==(const PaneRatios&) const = default;
 };
 
+/// Up to this width, in pixels, the navigator that nobody has moved takes its share of the window; a wider window gives
+/// the rest to the report.
+inline constexpr int kWideWindow = 1280;
+/// The navigator's ratio for a window of this width while the user has not moved its bar.
+[[nodiscard]] double unmovedNavigatorRatio(int width);
+
 /// The horizontal extent of a pane in pixels; the width is never negative.
 struct PaneSpan {
     int x = 0;

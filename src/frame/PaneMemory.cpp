@@ -7,24 +7,30 @@ namespace tavix {
 
 namespace {
 
-void readShare(const SettingsStore& settings, Setting setting, double& share) {
+/// False when no valid share is stored.
+bool readShare(const SettingsStore& settings, Setting setting, double& share) {
     const auto value = parseNumber(readText(settings, setting));
-    if (value && *value >= 0 && *value <= 1)
+    const bool isValid = value && *value >= 0 && *value <= 1;
+    if (isValid)
         share = *value;
+    return isValid;
 }
 
 } // namespace
 
 PaneMemory readPaneMemory(const SettingsStore& settings) {
     PaneMemory memory;
-    readShare(settings, Setting::NavigatorShare, memory.ratios.left);
-    readShare(settings, Setting::TableInformationShare, memory.ratios.right);
+    // Earlier versions stored the preset too.
+    memory.isNavigatorMoved =
+        readShare(settings, Setting::NavigatorShare, memory.ratios.left) && memory.ratios.left != PaneRatios().left;
+    (void)readShare(settings, Setting::TableInformationShare, memory.ratios.right);
     memory.showsInfo = readFlag(settings, Setting::TableInformation);
     return memory;
 }
 
 Status writePaneMemory(SettingsStore& settings, const PaneMemory& memory) {
-    if (Status written = writeText(settings, Setting::NavigatorShare, formatReal(memory.ratios.left)); !written)
+    const std::string navigator = memory.isNavigatorMoved ? formatReal(memory.ratios.left) : std::string();
+    if (Status written = writeText(settings, Setting::NavigatorShare, navigator); !written)
         return written;
     if (Status written = writeText(settings, Setting::TableInformationShare, formatReal(memory.ratios.right)); !written)
         return written;

@@ -8,6 +8,7 @@ namespace tavix {
 /// The layout that the frame keeps between sessions.
 struct PaneMemory {
     PaneRatios ratios;
+    bool isNavigatorMoved = false; ///< the user has chosen the navigator's ratio; else it is not stored
     bool showsInfo = false;
 
     bool operator==(const PaneMemory&) const = default;

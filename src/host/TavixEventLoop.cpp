@@ -1,5 +1,7 @@
 #include "host/TavixEventLoop.h"
 
+#include "base/ui/Theme.h"
+
 #include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QSocketNotifier>
@@ -73,6 +75,10 @@ bool TavixEventLoop::Start(int argc, char** argv) {
 void TavixEventLoop::Stop() {
     m_loop->watched.clear();
     m_loop->application.reset();
+}
+
+void TavixEventLoop::UseColors(tavix::ColorScheme scheme) {
+    tavix::applyColorScheme(scheme);
 }
 
 void TavixEventLoop::Watch(int descriptor, std::function<void()> readable) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/ColorScheme.h"
+
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -29,6 +31,10 @@ class TavixEventLoop {
     bool Start(int argc, char** argv);
     /// Shuts Qt down if this object started it. Every host must have been destroyed.
     void Stop();
+
+    /// Gives the viewer's windows these colours. For a shell without Qt, whose own windows it does not touch; a shell
+    /// built with Qt sets the palette of its application.
+    static void UseColors(tavix::ColorScheme scheme);
 
     /// Calls `readable` whenever the descriptor has data to read, during ProcessEvents, WaitForEvents and the viewer's
     /// dialogs. A second call for the same descriptor replaces the callback.

@@ -103,6 +103,11 @@ void TavixHost::AddView(tavix::CTavixView& view) {
         const tavix::NestedLoop handlers(tavix::NestedLoop::Kind::Other);
         RunsChangedEvent.Raise(*this);
     });
+    view.SetColorSchemes([this] { return ColorSchemeEvent.HasHandlers(); },
+                         [this](tavix::ColorScheme scheme) {
+                             const tavix::NestedLoop handlers(tavix::NestedLoop::Kind::Other);
+                             ColorSchemeEvent.Raise(*this, scheme);
+                         });
 }
 
 NativeWindow TavixHost::BuildWindowCore(NativeWindow parent) {
@@ -287,6 +292,28 @@ tavix::SettingsStore& TavixHost::GetSettings() const {
 
 bool TavixHost::ShowsWelcomeAtStart() const {
     return !tavix::readFlag(m_app->GetSettings(), tavix::Setting::HideWelcomeDialog);
+}
+
+tavix::ColorScheme TavixHost::GetColorScheme() const {
+    return tavix::readColorScheme(GetSettings());
+}
+
+std::vector<TavixWindowInfo> TavixHost::GetWindows() const {
+    std::vector<TavixWindowInfo> list;
+    if (!View())
+        return list;
+    for (tavix::OpenWindow& window : View()->GetOpenWindows())
+        list.push_back({window.id, std::move(window.name)});
+    return list;
+}
+
+bool TavixHost::RaiseWindow(int id) {
+    return View() && !RefusesNow() && View() && View()->RaiseWindow(id);
+}
+
+void TavixHost::CloseWindows() {
+    if (View() && !RefusesNow() && View())
+        View()->CloseWindows();
 }
 
 const std::string& TavixHost::GetStartProblem() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ColorScheme.h"
 #include "base/Messages.h"
 #include "base/Result.h"
 #include "base/SettingsStore.h"
@@ -50,6 +51,10 @@ class TavixHost {
     /// A dialog was opened (true), or the last open one was closed and the call that opened it has returned (false).
     /// Raised from the event loop.
     TavixEvent<TavixHost&, bool> DialogEvent;
+    /// The user has chosen other colours in the Options dialog: the shell gives them to its windows and the viewer's.
+    /// The dialog offers the choice only while there is a handler, since the viewer never changes the colours of a
+    /// program that it is a part of.
+    TavixEvent<TavixHost&, tavix::ColorScheme> ColorSchemeEvent;
 
     /// Whether a dialog, a message or a progress window is open. Until it is closed, LoadReportForJob, SetCurrentRun,
     /// SelectTable, AddCurrentFieldToCollection and the callback of DeleteHistoryEvent show a message and fail, and
@@ -108,6 +113,13 @@ class TavixHost {
     /// Passes a key or character message to the focused control. Returns whether it was handled.
     bool ConvertMessage(const NativeMessage& message);
 
+    /// The separate windows that are open (detached views, drill-through), for a Window menu, in the order in which
+    /// they were opened.
+    [[nodiscard]] std::vector<TavixWindowInfo> GetWindows() const;
+    /// Brings the window to the front; false when it has been closed.
+    bool RaiseWindow(int id);
+    void CloseWindows();
+
     /// Raises DeleteHistoryEvent.
     void DeleteHistory();
     /// Raises GetAuthSvrCreds with an empty record and keeps what the handlers filled in. The viewer does the same when
@@ -121,6 +133,8 @@ class TavixHost {
     [[nodiscard]] tavix::SettingsStore& GetSettings() const;
     /// The user's choice whether a shell starts with its welcome page or reopens the last repository.
     [[nodiscard]] bool ShowsWelcomeAtStart() const;
+    /// The colours that the user has chosen, for a shell to apply at its start.
+    [[nodiscard]] tavix::ColorScheme GetColorScheme() const;
     /// The setting `UseVault`: the folder whose repositories a shell's welcome page lists beside the recent ones; ""
     /// for none.
     [[nodiscard]] std::string GetVault() const;

@@ -47,6 +47,14 @@ struct TavixCommandInfo {
     std::string StatusText;
 };
 
+/// A separate window of the viewer.
+struct TavixWindowInfo {
+    int Id = -1;
+    std::string Name; ///< "airports · city", "Frequency Distribution Drill Through · city: “NA”"
+
+    bool operator==(const TavixWindowInfo&) const = default;
+};
+
 struct TavixCommandState {
     bool Handled = false;
     bool Enabled = false;

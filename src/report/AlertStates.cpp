@@ -69,6 +69,11 @@ class Reader {
         state.table = object.empty() ? textAt(alert, layout::AlertTable) : object;
         state.subject = alertSubjectOf(textAt(alert, layout::AlertTypeCode));
         state.description = textAt(alert, layout::AlertDescription);
+        state.tableId = alert.getColumnInt(layout::AlertTableId);
+        if (!alert.isColumnNull(layout::AlertFieldId))
+            state.fieldId = alert.getColumnInt(layout::AlertFieldId);
+        if (!alert.isColumnNull(layout::AlertWatchedId))
+            state.watchedId = alert.getColumnInt(layout::AlertWatchedId);
 
         AlertRule rule;
         rule.value1 = parseNumber(property("VALUE1")).value_or(0);
@@ -84,6 +89,7 @@ class Reader {
             const MetricInfo* const metric = findMetric(id);
             state.input = textAt(alert, layout::AlertInput);
             state.metric = metric ? metric->name : "";
+            state.watchedId = metric ? id : -1;
             if (metric && isRule)
                 figures = metricFigures(alert, metric->id, rule);
         } else {

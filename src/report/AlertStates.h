@@ -26,6 +26,9 @@ struct AlertState {
     std::string sentence;          ///< the condition in words
     std::optional<double> figure;  ///< of the current run
     AlertVerdict verdict;
+    int tableId = -1;
+    int fieldId = -1;   ///< of a standard metric
+    int watchedId = -1; ///< of the standard metric, the custom metric or the rule
 
     [[nodiscard]] bool isRaised() const { return verdict.state == AlertVerdict::State::Raised; }
     /// Raised, and of this level or a higher one.

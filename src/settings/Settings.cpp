@@ -17,7 +17,7 @@ constexpr int kMost = 2'000'000'000;
 
 using Kind = SettingKind;
 
-constexpr std::array<SettingInfo, 26> kSettings = {{
+constexpr std::array<SettingInfo, 27> kSettings = {{
     {Setting::MaxChartVals, kTavix, "MaxChartVals", Kind::Integer, 1, 30, 30},
     {Setting::MaxFreqVals, kTavix, "MaxFreqVals", Kind::Integer, 1, kMost, 100},
     {Setting::MaxPkFkOutliers, kTavix, "MaxPkFkOutliers", Kind::Integer, 1, kMost, 100},

@@ -17,12 +17,14 @@
 #include <QToolButton>
 
 #include <algorithm>
+#include <utility>
 
 namespace tavix::shell {
 
 using Veldra::Solenne::Tavix::TavixCommandInfo;
 using Veldra::Solenne::Tavix::TavixHost;
 using Veldra::Solenne::Tavix::TavixRunInfo;
+using Veldra::Solenne::Tavix::TavixWindowInfo;
 
 namespace {
 
@@ -119,7 +121,15 @@ void ShellActions::makeActions() {
     command(CommandId::Options)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
     command(CommandId::Options)->setIcon(shellIcon(ShellIcon::Options));
     command(CommandId::Options)->setIconText(QStringLiteral(" Options"));
-    command(CommandId::DeleteHistory)->setIcon(shellIcon(ShellIcon::DeleteHistory));
+    const std::pair<CommandId, ShellIcon> icons[] = {{CommandId::DeleteHistory, ShellIcon::DeleteHistory},
+                                                     {CommandId::ChooseRun, ShellIcon::Runs},
+                                                     {CommandId::Filter, ShellIcon::Filter},
+                                                     {CommandId::StopFiltering, ShellIcon::StopFiltering},
+                                                     {CommandId::AddTableNote, ShellIcon::Note},
+                                                     {CommandId::AddFieldNote, ShellIcon::Note},
+                                                     {CommandId::DetachTabs, ShellIcon::Detach}};
+    for (const auto& [id, icon] : icons)
+        command(id)->setIcon(shellIcon(icon));
     report->addSeparator();
     const auto step = [this](int by) {
         const int row = m_runs->currentIndex() + by;
@@ -132,6 +142,10 @@ void ShellActions::makeActions() {
                                         [step] { step(1); });
     for (const QMenu* menu : {report, view})
         connect(menu, &QMenu::aboutToShow, this, [this] { update(m_repositoryOpen, m_reportShown); });
+
+    m_windowMenu = m_window.menuBar()->addMenu(QStringLiteral("&Window"));
+    connect(m_windowMenu, &QMenu::aboutToShow, this, &ShellActions::fillWindows);
+    fillWindows();
 
     QMenu* help = m_window.menuBar()->addMenu(QStringLiteral("&Help"));
     help->addAction(QStringLiteral("&About Tavix"), this, [this] {
@@ -201,6 +215,27 @@ void ShellActions::fillRecent() {
     }
     if (m_recentMenu->isEmpty())
         m_recentMenu->addAction(QStringLiteral("None yet"))->setEnabled(false);
+}
+
+void ShellActions::fillWindows() {
+    constexpr int kDigits = 9;
+    constexpr int kLongestName = 80;
+    m_windowMenu->clear();
+    int number = 0;
+    for (const TavixWindowInfo& window : m_host.GetWindows()) {
+        QString name = toQString(window.Name);
+        if (name.size() > kLongestName)
+            name = name.left(kLongestName - 1) + u'…';
+        name.replace(u'&', QStringLiteral("&&"));
+        if (++number <= kDigits)
+            name.prepend(QStringLiteral("&%1  ").arg(number));
+        m_windowMenu->addAction(name, this, [this, id = window.Id] { m_host.RaiseWindow(id); });
+    }
+    if (number == 0)
+        m_windowMenu->addAction(QStringLiteral("No separate windows"))->setEnabled(false);
+    m_windowMenu->addSeparator();
+    m_windowMenu->addAction(QStringLiteral("Close &All"), this, [this] { m_host.CloseWindows(); })
+        ->setEnabled(number > 0);
 }
 
 void ShellActions::fillRuns() {

@@ -49,6 +49,7 @@ class ShellActions final : public QObject {
     void makeActions();
     void makeToolBar();
     void fillRecent();
+    void fillWindows();
     void chooseRun(int index);
     QAction* command(CommandId id);
 
@@ -59,6 +60,7 @@ class ShellActions final : public QObject {
     bool m_repositoryOpen = false;
     bool m_reportShown = false;
     QMenu* m_recentMenu = nullptr;
+    QMenu* m_windowMenu = nullptr;
     QAction* m_open = nullptr;
     QAction* m_reportsAction = nullptr;
     QAction* m_reloadAction = nullptr;

@@ -12,7 +12,7 @@ std::optional<ShellOptions> parseShellOptions(int argc, const char* const* argv,
     app.add_option("repository", options.repository, "Profile repository to open: a file written by tavix profile");
     app.add_option("--job", options.job, "Report to open, by the name of its job");
     std::string scheme;
-    app.add_option("--scheme", scheme, "Colours: light or dark; default: those of the desktop")
+    app.add_option("--scheme", scheme, "Colours for this start: light or dark; default: those chosen in the options")
         ->check(CLI::IsMember({"light", "dark"}))
         ->option_text("light|dark");
     app.footer("In the window: Ctrl+O opens a repository, Ctrl+J lists its reports, Ctrl+I shows table information, "
@@ -24,7 +24,7 @@ std::optional<ShellOptions> parseShellOptions(int argc, const char* const* argv,
         return std::nullopt;
     }
     if (!scheme.empty())
-        options.scheme = scheme == "dark" ? Scheme::Dark : Scheme::Light;
+        options.scheme = colorSchemeOf(scheme);
     return options;
 }
 

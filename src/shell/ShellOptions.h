@@ -1,17 +1,17 @@
 #pragma once
 
+#include "base/ColorScheme.h"
+
 #include <optional>
 #include <string>
 
 namespace tavix::shell {
 
-enum class Scheme { System, Light, Dark };
-
 /// The options of the command line.
 struct ShellOptions {
     std::string repository;
     std::string job;
-    Scheme scheme = Scheme::System;
+    std::optional<ColorScheme> scheme; ///< nothing: the user's choice in the options
 };
 
 /// Nothing when the program must exit at once with `exitCode`, after --help, --version or a wrong argument.

@@ -2,6 +2,7 @@
 
 #include "base/ui/Theme.h"
 #include "shell/ControlFaces.h"
+#include "shell/ShellIcons.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -258,6 +259,11 @@ QSize ShellStyle::sizeFromContents(ContentsType type, const QStyleOption* option
     }
 }
 
+QIcon ShellStyle::standardIcon(StandardPixmap pixmap, const QStyleOption* option, const QWidget* widget) const {
+    const auto icon = iconOfDialog(pixmap);
+    return icon ? shellIcon(*icon) : QProxyStyle::standardIcon(pixmap, option, widget);
+}
+
 int ShellStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                           QStyleHintReturn* returned) const {
     switch (hint) {
@@ -265,6 +271,8 @@ int ShellStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
     case SH_DitherDisabledText:
     case SH_ItemView_ShowDecorationSelected:
         return hint == SH_ItemView_ShowDecorationSelected ? 1 : 0;
+    case SH_DialogButtonBox_ButtonsHaveIcons:
+        return 0;
     case SH_ScrollBar_LeftClickAbsolutePosition:
         return 1;
     default:
@@ -272,10 +280,11 @@ int ShellStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
     }
 }
 
-void applyLook(Scheme scheme) {
-    const bool dark = scheme == Scheme::Dark || (scheme == Scheme::System && isDark(QApplication::palette()));
+void applyLook(ColorScheme scheme) {
+    // Before the style, whose palette would pass for the desktop's.
+    applyColorScheme(scheme);
     QApplication::setStyle(new ShellStyle);
-    QApplication::setPalette(dark ? darkPalette() : lightPalette());
+    applyColorScheme(scheme);
     QFont font = QApplication::font();
     constexpr double kLeastPoints = 9.5;
     if (font.pointSizeF() < kLeastPoints)

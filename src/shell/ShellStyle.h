@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/ShellOptions.h"
+#include "base/ColorScheme.h"
 
 #include <QProxyStyle>
 
@@ -23,11 +23,13 @@ class ShellStyle final : public QProxyStyle {
     int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
     QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
                            const QWidget* widget) const override;
+    /// The pictures of dialogs, drawn like those of the menus.
+    QIcon standardIcon(StandardPixmap pixmap, const QStyleOption* option, const QWidget* widget) const override;
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* returned) const override;
 };
 
 /// Sets style, colours and font of the program.
-void applyLook(Scheme scheme);
+void applyLook(ColorScheme scheme);
 
 } // namespace tavix::shell

@@ -2,6 +2,7 @@
 
 #include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
+#include "base/ui/Theme.h"
 #include "host/TavixQtWindow.h"
 #include "shell/JobListPage.h"
 #include "shell/ShellActions.h"
@@ -90,11 +91,13 @@ ShellWindow::ShellWindow(TavixHost& host, Messages& messages)
         updateState();
     });
     m_deleteHistory = m_host.DeleteHistoryEvent.Attach([](const std::function<void()>& perform) { perform(); });
+    m_colors = m_host.ColorSchemeEvent.Attach([](TavixHost&, ColorScheme scheme) { applyColorScheme(scheme); });
     restoreWindow();
     showWelcome();
 }
 
 ShellWindow::~ShellWindow() {
+    m_host.ColorSchemeEvent.Detach(m_colors);
     m_host.RunsChangedEvent.Detach(m_runsChanged);
     m_host.DeleteHistoryEvent.Detach(m_deleteHistory);
     m_host.Dispose();
@@ -105,6 +108,8 @@ void ShellWindow::askForRepository() {
     QString path;
     {
         ModalDialog<QFileDialog> dialog(this, QStringLiteral("Open Repository"), start);
+        // Wide enough for all columns of its list.
+        dialog->resize(dialog->sizeHint().expandedTo(QSize(900, 520)));
         dialog->setFileMode(QFileDialog::ExistingFile);
         dialog->setNameFilters(
             {QStringLiteral("Profile repositories (*.tavix *.db *.sqlite)"), QStringLiteral("All files (*)")});

@@ -68,6 +68,7 @@ class ShellWindow final : public QMainWindow {
     int m_closedRun = -1;
     int m_runsChanged = 0; ///< the tokens of the handlers
     int m_deleteHistory = 0;
+    int m_colors = 0;
 
     ShellActions* m_actions;
     QStackedWidget* m_pages;

@@ -20,10 +20,10 @@ int main(int argc, char** argv) {
     QApplication app(qtArguments, argv);
     QApplication::setApplicationName(QStringLiteral("tavix-shell"));
     QApplication::setApplicationDisplayName(QString());
-    applyLook(options->scheme);
 
     QtMessages messages;
     TavixHost host(messages);
+    applyLook(options->scheme.value_or(host.GetColorScheme()));
     ShellWindow window(host, messages);
     messages.setWindow(&window);
     window.show();

@@ -49,6 +49,13 @@ std::string titleOf(const ReportSubject& subject) {
                                                                   : subject.selection.name;
 }
 
+std::string nameOf(const ReportSelection& selection) {
+    std::string name = selection.kind == ReportSelection::Kind::Table ? selection.table.displayName() : selection.name;
+    if (selection.fieldId != -1)
+        name += " · " + selection.fieldName;
+    return name;
+}
+
 bool hasInformation(const ReportSubject& subject) {
     if (subject.selection.fieldId != -1)
         return subject.field.has_value();

@@ -153,6 +153,21 @@ TEST_F(DrillThroughWalk, ValuesPatternsAndOutliers) {
     EXPECT_THAT(takeWindow(), ElementsAre("Outliers Drill Through", "1 row", "1|Rome|5"));
 }
 
+TEST_F(DrillThroughWalk, WindowsAreListedWithWhatTheyShow) {
+    selectField("city");
+    CUGCtrl& values = openTab(kValues);
+    doubleClick(values, rowOf(values, "Rome"), 1);
+    doubleClick(values, rowOf(values, "Bonn"), 1);
+    Lines names;
+    for (const OpenWindow& window : m_view.GetOpenWindows())
+        names.push_back(window.name);
+    EXPECT_THAT(names, ElementsAre("Frequency Distribution Drill Through · city: “Rome”",
+                                   "Frequency Distribution Drill Through · city: “Bonn”"));
+    EXPECT_TRUE(m_view.RaiseWindow(m_view.GetOpenWindows().front().id));
+    m_view.CloseWindows();
+    EXPECT_TRUE(m_view.GetOpenWindows().empty());
+}
+
 TEST_F(DrillThroughWalk, RulesShowTheRowsThatTheRunKept) {
     auto& table = dynamic_cast<CReportView&>(m_view.GetReportPane());
     table.SelectTab(CTableView::BusinessRules);

@@ -178,7 +178,7 @@ class Walk {
     Sights m_seen;
 };
 
-class ReportWalk : public ::testing::TestWithParam<shell::Scheme> {
+class ReportWalk : public ::testing::TestWithParam<ColorScheme> {
   protected:
     void SetUp() override { shell::applyLook(GetParam()); }
 
@@ -214,8 +214,8 @@ TEST_P(ReportWalk, EverythingOfTheDemonstration) {
     EXPECT_GT(seen.lists, seen.sentences);
 }
 
-INSTANTIATE_TEST_SUITE_P(InBothSchemes, ReportWalk, ::testing::Values(shell::Scheme::Light, shell::Scheme::Dark),
-                         [](const auto& each) { return each.param == shell::Scheme::Light ? "light" : "dark"; });
+INSTANTIATE_TEST_SUITE_P(InBothSchemes, ReportWalk, ::testing::Values(ColorScheme::Light, ColorScheme::Dark),
+                         [](const auto& each) { return each.param == ColorScheme::Light ? "light" : "dark"; });
 
 } // namespace
 } // namespace tavix

@@ -127,6 +127,11 @@ void takeNavigatorPages(ShellWindow& window, Album& album) {
     tabs->setCurrentIndex(0);
     if (auto* tree = navigator->findChild<QTreeView*>(QStringLiteral("page0"))) {
         tree->setFocus();
+        const QModelIndex table = tree->currentIndex();
+        tree->setCurrentIndex(tree->model()->index(0, 0));
+        settle(kPaintMilliseconds);
+        album.take(window, QStringLiteral("overview"));
+        tree->setCurrentIndex(table);
         tree->expand(tree->currentIndex());
         for (int i = 0; i < 3; ++i)
             pressDown(*tree);
@@ -139,7 +144,7 @@ void takeNavigatorPages(ShellWindow& window, Album& album) {
 
 bool takePictures(ShellWindow& window, TavixHost& host, const PictureOptions& options) {
     Album album(toQString(options.folder));
-    window.resize(1280, 800);
+    window.resize(options.width, options.height);
     window.show();
     settle();
     album.take(window, QStringLiteral("welcome"));

@@ -15,6 +15,8 @@ struct PictureOptions {
     std::string folder;
     std::string repository; ///< "": the welcome page only
     std::string job;        ///< "": the first report
+    int width = 1280;       ///< of the window, in device-independent pixels
+    int height = 800;
 };
 
 /// Walks through the main windows, writes a picture of each to the folder and prints its path. False after a failure,

@@ -47,6 +47,10 @@ int main(int argc, char** argv) {
     cli.add_option("--scheme", scheme, "Colours: light (the default) or dark")
         ->check(CLI::IsMember({"light", "dark"}))
         ->option_text("light|dark");
+    constexpr int kLargest = 10000;
+    cli.add_option("--width", options.width, "Width of the window in device-independent pixels")
+        ->check(CLI::Range(1, kLargest));
+    cli.add_option("--height", options.height, "Height of the window")->check(CLI::Range(1, kLargest));
     try {
         cli.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -56,7 +60,7 @@ int main(int argc, char** argv) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     int qtArguments = 1;
     const QApplication app(qtArguments, argv);
-    shell::applyLook(scheme == "dark" ? shell::Scheme::Dark : shell::Scheme::Light);
+    shell::applyLook(colorSchemeOf(scheme));
     ConsoleMessages messages;
     // With the settings of a first start, whatever the user has chosen.
     TavixHost host(messages, makeMemorySettings());

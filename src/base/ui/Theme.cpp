@@ -3,6 +3,8 @@
 #include "base/ui/QtText.h"
 
 #include <QApplication>
+#include <QEvent>
+#include <QWidget>
 
 #include <algorithm>
 
@@ -95,6 +97,10 @@ void applyColorScheme(ColorScheme scheme) {
     static const bool isDesktopDark = isDark(QApplication::palette());
     const bool dark = scheme == ColorScheme::Dark || (scheme == ColorScheme::Desktop && isDesktopDark);
     QApplication::setPalette(dark ? darkPalette() : lightPalette());
+    // Qt tells the widgets only while QApplication::exec runs, which a shell without Qt never calls.
+    QEvent changed(QEvent::ApplicationPaletteChange);
+    for (QWidget* widget : QApplication::allWidgets())
+        QApplication::sendEvent(widget, &changed);
 }
 
 } // namespace tavix

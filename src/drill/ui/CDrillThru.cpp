@@ -76,6 +76,7 @@ CDrillThru::CDrillThru(DrillRequest request, ReadingProgress& progress, Settings
       m_context(request.context) {
     setObjectName(QStringLiteral("drillThru"));
     setWindowTitle(toQString(drillTitle(request.origin)));
+    setAccessibleName(windowTitle() + QStringLiteral(" · ") + toQString(request.subject).simplified());
     if (parent)
         setWindowIcon(parent->window()->windowIcon());
     MakeControls(request.subject);

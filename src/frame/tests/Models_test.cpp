@@ -24,10 +24,14 @@ TEST(OptionsModel, ValuesComeFromTheSettingsAndGoBack) {
     EXPECT_EQ(model.values.maxDrillThruRows, 1000);
     EXPECT_FALSE(model.values.newestNotesFirst);
 
-    model.values = {5, 6, 7, 8, 9, 30, 40, true, true, {"Mono", 1, 120, true, true}, "en_US", true};
+    model.values = {5, 6, 7, 8, 9, 30, 40, true, true, {"Mono", 1, 120, true, true}, "en_US", true, ColorScheme::Dark};
     ASSERT_TRUE(model.Save(*store));
     EXPECT_EQ(OptionsModel(*store, {}).values, model.values);
     EXPECT_EQ(store->read("TAVIX", "SecondRDAThreshold"), "40");
+    // A program that does not follow the choice leaves it as it is.
+    model.values.colorScheme.reset();
+    ASSERT_TRUE(model.Save(*store));
+    EXPECT_EQ(OptionsModel(*store, {}).values.colorScheme, ColorScheme::Dark);
 }
 
 TEST(OptionsModel, SecondThresholdBelowTheFirstIsRefused) {

@@ -1,4 +1,6 @@
 #include "frame/PaneGeometry.h"
+#include "frame/PaneMemory.h"
+#include "settings/Settings.h"
 
 #include <gtest/gtest.h>
 
@@ -20,6 +22,25 @@ TEST(PaneGeometry, WithoutTheInformationTheReportReachesTheEdge) {
     EXPECT_EQ(layout.navigator, (PaneSpan{0, 248}));
     EXPECT_EQ(layout.report, (PaneSpan{255, 745}));
     EXPECT_EQ(layout.info, PaneSpan());
+}
+
+TEST(PaneGeometry, ANavigatorThatNobodyMovedKeepsItsWidthInWideWindows) {
+    EXPECT_EQ(0.25, unmovedNavigatorRatio(800));
+    EXPECT_EQ(0.25, unmovedNavigatorRatio(1280));
+    for (int width = 1280; width < 8000; ++width)
+        ASSERT_EQ(318, layOutPanes(width, {unmovedNavigatorRatio(width), 0.2}, false).navigator.width) << width;
+}
+
+TEST(PaneMemory, OnlyARatioThatTheUserChoseIsStored) {
+    const auto settings = makeMemorySettings();
+    ASSERT_TRUE(writePaneMemory(*settings, {{0.125, 0.3}, false, true}));
+    EXPECT_EQ((PaneMemory{{0.25, 0.3}, false, true}), readPaneMemory(*settings));
+    ASSERT_TRUE(writePaneMemory(*settings, {{0.125, 0.3}, true, true}));
+    EXPECT_EQ((PaneMemory{{0.125, 0.3}, true, true}), readPaneMemory(*settings));
+    for (const char* text : {"0.25", "-1", "1.5", "wide"}) {
+        ASSERT_TRUE(writeText(*settings, Setting::NavigatorShare, text));
+        EXPECT_EQ((PaneMemory{{0.25, 0.3}, false, true}), readPaneMemory(*settings)) << text;
+    }
 }
 
 TEST(PaneGeometry, SharesAreCutAndNotRounded) {

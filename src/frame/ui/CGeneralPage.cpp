@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tavix {
 
@@ -162,6 +163,17 @@ QGroupBox* CGeneralPage::MakeDisplay() {
 
     auto* box = new QGroupBox(tr("Display"));
     QFormLayout* form = makeForm(box);
+    if (m_values.colorScheme) {
+        m_colors = new QComboBox;
+        m_colors->setObjectName(QStringLiteral("ColorScheme"));
+        for (const auto& [text, scheme] :
+             {std::pair(tr("Like the desktop"), ColorScheme::Desktop), std::pair(tr("Light"), ColorScheme::Light),
+              std::pair(tr("Dark"), ColorScheme::Dark)})
+            m_colors->addItem(text, static_cast<int>(scheme));
+        m_colors->setCurrentIndex(m_colors->findData(static_cast<int>(*m_values.colorScheme)));
+        m_notes->setMinimumWidth(m_colors->sizeHint().width());
+        form->addRow(tr("C&olours:"), m_colors);
+    }
     form->addRow(tr("Order of &notes:"), m_notes);
     form->addRow(m_welcome);
     return box;
@@ -182,6 +194,8 @@ void CGeneralPage::Store() {
     for (const OptionNumber& number : optionNumbers())
         m_values.*number.value = m_numbers[number.setting]->value();
     m_values.statFont = EnteredFont();
+    if (m_colors)
+        m_values.colorScheme = static_cast<ColorScheme>(m_colors->currentData().toInt());
     m_values.newestNotesFirst = m_notes->currentData().toBool();
     m_values.hideWelcome = !m_welcome->isChecked();
 }

@@ -46,6 +46,7 @@ class CGeneralPage final : public QWidget {
     QCheckBox* m_bold;
     QCheckBox* m_italic;
     QLabel* m_sample;
+    QComboBox* m_colors = nullptr; ///< null when there is no choice
     QComboBox* m_notes;
     QCheckBox* m_welcome;
 };

@@ -48,10 +48,13 @@ void COptionsSheet::accept() {
     QDialog::accept();
 }
 
-void COptionsSheet::Run(CTavixDoc& doc, QWidget* parent) {
+void COptionsSheet::Run(CTavixDoc& doc, QWidget* parent, bool offersColors) {
     SettingsStore& settings = doc.GetSettings();
     auto metrics = doc.HasReport() ? doc.GetMetrics() : standardMetricDisplay(settings);
-    ModalDialog<COptionsSheet> sheet(OptionsModel(settings, std::move(metrics)), doc.GetMessages(), parent);
+    OptionsModel model(settings, std::move(metrics));
+    if (!offersColors)
+        model.values.colorScheme.reset();
+    ModalDialog<COptionsSheet> sheet(std::move(model), doc.GetMessages(), parent);
     if (!sheet.isAccepted())
         return;
     const Status saved = sheet->Model().Save(settings);

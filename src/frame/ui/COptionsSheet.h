@@ -25,8 +25,8 @@ class COptionsSheet final : public QDialog {
     /// The user's input; only valid after OK.
     [[nodiscard]] const OptionsModel& Model() const { return m_model; }
 
-    /// Shows the sheet, and on OK saves the input.
-    static void Run(CTavixDoc& doc, QWidget* parent);
+    /// Shows the sheet, and on OK saves the input. With `offersColors` it has a choice of light and dark.
+    static void Run(CTavixDoc& doc, QWidget* parent, bool offersColors);
 
     void accept() override;
 

@@ -12,6 +12,7 @@
 #include "frame/ui/CSourceLoginDlg.h"
 #include "nav/ui/CTableInfo.h"
 #include "nav/ui/CTables.h"
+#include "tabs/ui/CRunView.h"
 #include "tabs/ui/TearOff.h"
 
 #include <QApplication>
@@ -26,12 +27,6 @@ namespace tavix {
 namespace {
 
 constexpr int kAfterLoadMilliseconds = 250;
-
-bool isAncestorOfWindow(const QWidget& ancestor, const QWidget* window) {
-    while (window && window != &ancestor)
-        window = window->parentWidget();
-    return window != nullptr;
-}
 
 } // namespace
 
@@ -48,7 +43,7 @@ CTavixView::CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent
     m_reportPane->addWidget(m_empty);
     const PaneMemory memory = readPaneMemory(m_document->GetSettings());
     m_wantsInfo = memory.showsInfo;
-    SetRatios(memory.ratios);
+    RestoreRatios(memory.ratios, memory.isNavigatorMoved);
     SetPanes(m_navigator, m_reportPane);
 
     m_document->GetSourceLogins().SetAsk(
@@ -96,6 +91,7 @@ bool CTavixView::LoadReportForJob(const std::string& text, int jobId, const KvbS
         return false;
     }
     m_document->SetText(text);
+    m_awaitsSelection = true;
     SetLoading(true);
     Broadcast(RefreshHint::RunLoaded);
     SetLoading(false);
@@ -113,6 +109,9 @@ void CTavixView::AfterLoad() {
     if (!m_document->PostLoadCheck())
         Broadcast(RefreshHint::TaskListLost);
     m_navigator->SelectSomething();
+    m_awaitsSelection = false;
+    if (!m_view)
+        ShowReportPane();
 }
 
 bool CTavixView::SelectTable(const std::string& dataSource, const std::string& connectionType,
@@ -149,34 +148,31 @@ int CTavixView::AddCurrentFieldToCollection(int collectionId) {
 }
 
 void CTavixView::Refresh(CRefreshItem*, RefreshHint hint, int) {
-    if (hint == RefreshHint::DocumentReset)
+    if (hint == RefreshHint::DocumentReset) {
         m_afterLoad.stop();
+        m_awaitsSelection = false;
+    }
+    if (m_overview)
+        RefreshOverview(hint);
     const bool mayChangeRuns = hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded;
     if (mayChangeRuns)
         TellRunsChanged();
 }
 
+// A hidden pane receives no refreshes.
+void CTavixView::RefreshOverview(RefreshHint hint) {
+    const bool isOfRuns =
+        hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded || hint == RefreshHint::HistoryDeleted;
+    if (!isOfRuns)
+        return;
+    m_overview->Forget();
+    if (hint == RefreshHint::HistoryDeleted && m_reportPane->currentWidget() == m_overview)
+        ShowReportPane();
+}
+
 void CTavixView::TellRunsChanged() {
     if (const auto changed = m_runsChanged)
         changed();
-}
-
-void CTavixView::Retire() {
-    m_isRetired = true;
-    m_runsChanged = {};
-    m_credentialsRequest = {};
-    m_deleteHistoryRequest = [] {};
-    OnNew();
-    hide();
-    for (QWidget* window : QApplication::topLevelWidgets()) {
-        if (!window->isVisible() || !isAncestorOfWindow(*this, window))
-            continue;
-        // Skips any confirmation of the dialog.
-        if (auto* dialog = qobject_cast<QDialog*>(window))
-            dialog->done(QDialog::Rejected);
-        else
-            window->close();
-    }
 }
 
 void CTavixView::Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) {
@@ -250,38 +246,6 @@ void CTavixView::ShowReportView(ReportPaneKind kind) {
         m_view->FocusContents();
 }
 
-void CTavixView::Detach() {
-    CTearOff* window = nullptr;
-    // The signal of a double click is posted, and the report may be closed by then.
-    if (!m_view)
-        return;
-    if (m_view->GetKind() == ReportPaneKind::Table)
-        window = new CTableTearOff(*this, this);
-    else
-        window = new CFieldTearOff(*this, this);
-    m_tearOffs.push_back({window, m_connection, m_document->GetJobId()});
-    window->Open(*m_view);
-}
-
-std::vector<CTearOff*> CTavixView::TearOffs() const {
-    std::vector<CTearOff*> open;
-    for (const Detached& each : m_tearOffs) {
-        if (each.window)
-            open.push_back(each.window);
-    }
-    return open;
-}
-
-std::vector<CTearOff*> CTavixView::TearOffsOfReport() const {
-    std::vector<CTearOff*> open;
-    for (const Detached& each : m_tearOffs) {
-        const bool isOpen = each.connection == m_connection && each.jobId == m_document->GetJobId();
-        if (each.window && isOpen)
-            open.push_back(each.window);
-    }
-    return open;
-}
-
 void CTavixView::WarnSoon(const std::string& text) {
     m_warnings.push_back(text);
     if (m_warnings.size() == 1)
@@ -304,6 +268,47 @@ void CTavixView::keyPressEvent(QKeyEvent* event) {
         SplitFrame::keyPressEvent(event);
 }
 
+bool CTavixView::ShowOverview() {
+    const bool isOfTables = m_document->HasReport() && m_model.GetPage() == NavigatorPage::Tables;
+    if (!isOfTables || m_awaitsSelection || m_navigator->IsPageEmpty())
+        return false;
+    if (!m_overview) {
+        m_overview = new CRunView(*this, m_reportPane);
+        m_reportPane->addWidget(m_overview);
+        // Queued: the door hides the control that was activated.
+        connect(m_overview, &CRunView::DoorOpened, this, &CTavixView::OpenDoor, Qt::QueuedConnection);
+    }
+    if (!m_overview->ShowRun(m_navigator->GetDataSource()))
+        return false;
+    m_reportPane->setCurrentWidget(m_overview);
+    return true;
+}
+
+void CTavixView::OpenDoor(const OverviewDoor& door) {
+    using Place = OverviewDoor::Place;
+    ReportSelection owner;
+    owner.kind = ReportSelection::Kind::Table;
+    owner.table.id = door.table;
+    if (door.place == Place::None || NestedLoops::instance().isDialogOpen())
+        return;
+    if (door.place == Place::Field) {
+        OpenField(owner, door.field);
+        return;
+    }
+    auto* table = m_navigator->SelectObject(owner) ? qobject_cast<CTableView*>(m_view) : nullptr;
+    if (!table)
+        return;
+    if (door.place == Place::Metric)
+        table->OpenStandardMetric(door.field, door.item);
+    else if (door.place == Place::CustomMetric)
+        table->OpenCustomMetric(door.item);
+    else if (door.place == Place::Rule)
+        table->OpenBusinessRule(door.item);
+    else if (door.place == Place::Alerts)
+        table->SelectTab(CTableView::Alerts);
+    table->FocusContents();
+}
+
 void CTavixView::ShowEmptyView() {
     const EmptyPaneText text = m_model.GetEmptyText(m_document->HasReport(), m_navigator->IsPageEmpty());
     m_empty->SetText(toQString(text.title), toQString(text.advice));
@@ -313,6 +318,8 @@ void CTavixView::ShowReportPane() {
     const ReportPaneKind kind = m_model.GetPaneKind();
     if (kind == ReportPaneKind::Empty) {
         m_view = nullptr;
+        if (ShowOverview())
+            return;
         ShowEmptyView();
         m_reportPane->setCurrentWidget(m_empty);
     } else if (m_view && m_view->Suits(*this)) {
@@ -332,6 +339,8 @@ std::vector<CRefreshItem*> CTavixView::RefreshOrder() {
 CReportPane& CTavixView::GetReportPane() const {
     if (m_view)
         return *m_view;
+    if (m_overview && m_reportPane->currentWidget() == m_overview)
+        return *m_overview;
     return *m_empty;
 }
 
@@ -365,7 +374,7 @@ void CTavixView::CloseTableInformation() {
 
 // Losing the layout is not worth a message.
 void CTavixView::Remember() {
-    (void)writePaneMemory(m_document->GetSettings(), {GetRatios(), m_wantsInfo});
+    (void)writePaneMemory(m_document->GetSettings(), {GetRatios(), IsNavigatorMoved(), m_wantsInfo});
 }
 
 } // namespace tavix

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ColorScheme.h"
 #include "doc/CRefreshItem.h"
 #include "doc/CTavixDoc.h"
 #include "doc/CViewSite.h"
@@ -24,10 +25,20 @@ namespace tavix {
 class CEmptyView;
 class CReportPane;
 class CReportView;
+class CRunView;
 class CTableInfo;
 class CTables;
 class CTavixApp;
 class CTearOff;
+struct OverviewDoor;
+
+/// A separate window of the view as a Window menu lists it.
+struct OpenWindow {
+    int id = -1;
+    std::string name; ///< "airports · city", "Frequency Distribution Drill Through · city: “NA”"
+
+    bool operator==(const OpenWindow&) const = default;
+};
 
 /// The one window that a shell embeds: navigator on the left, report pane beside it, and on the right, if the user
 /// wants it, the table information. It owns the document and distributes refresh notifications and commands to the
@@ -52,6 +63,11 @@ class CTavixView final : public SplitFrame,
     /// `request` is called when the connection string of a repository server lacks a user or password; it answers by
     /// SetAuthSvrCreds. The string, user and password are never shown.
     void SetCredentialsRequest(std::function<void()> request) { m_credentialsRequest = std::move(request); }
+    /// The options offer the choice of colours while `offered` is true; `chosen` is called with another choice.
+    void SetColorSchemes(std::function<bool()> offered, std::function<void(ColorScheme)> chosen) {
+        m_offersColors = std::move(offered);
+        m_colorsChosen = std::move(chosen);
+    }
     void SetAuthSvrCreds(const std::string& userId, const std::string& password);
     /// For a view that must be destroyed while one of its functions runs a dialog: closes the dialogs and the report,
     /// hides all windows and makes no more callbacks. The owner destroys the view when the functions have returned.
@@ -75,6 +91,12 @@ class CTavixView final : public SplitFrame,
     /// Adds the selected field to the collection. Returns 1, or 0 when no field is selected or, after a message, on
     /// failure.
     int AddCurrentFieldToCollection(int collectionId);
+
+    /// The windows of detached views and of drill-through, in the order in which they were opened.
+    [[nodiscard]] std::vector<OpenWindow> GetOpenWindows();
+    /// Brings the window to the front; false when it has been closed.
+    bool RaiseWindow(int id);
+    void CloseWindows();
 
     void Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) override;
 
@@ -133,17 +155,22 @@ class CTavixView final : public SplitFrame,
   private:
     void AfterLoad();
     void TellRunsChanged();
+    void RefreshOverview(RefreshHint hint);
     void OpenTableInformation();
     void CloseTableInformation();
     void Remember();
     void ShowReportPane();
+    /// False when there is none to show.
+    bool ShowOverview();
     void ShowEmptyView();
+    void OpenDoor(const OverviewDoor& door);
     void ShowReportView(ReportPaneKind kind);
     [[nodiscard]] CReportView& KeptView(ReportPaneKind kind);
     void Detach();
     /// The windows of all detached views, or of those of the open report.
     [[nodiscard]] std::vector<CTearOff*> TearOffs() const;
     [[nodiscard]] std::vector<CTearOff*> TearOffsOfReport() const;
+    [[nodiscard]] std::vector<QWidget*> SeparateWindows() const;
     void ShowWarnings();
 
     std::unique_ptr<CTavixDoc> m_document;
@@ -155,7 +182,8 @@ class CTavixView final : public SplitFrame,
     // Created once and kept: creating their tabs costs more than reading the contents.
     CReportView* m_tableView = nullptr;
     CReportView* m_fieldView = nullptr;
-    CReportView* m_view = nullptr; ///< the one that is shown; null while the empty view is shown
+    CReportView* m_view = nullptr; ///< the one that is shown; null while none is
+    CRunView* m_overview = nullptr;
     CTableInfo* m_info = nullptr;
     QTimer m_afterLoad;
     ViewModel m_model;
@@ -166,14 +194,18 @@ class CTavixView final : public SplitFrame,
         int jobId;
     };
     std::vector<Detached> m_tearOffs;
+    int m_lastWindow = 0;                ///< the id that was given last, see GetOpenWindows
     std::vector<std::string> m_warnings; ///< see WarnSoon
     std::string m_connection;            ///< of the open report
     bool m_loading = false;
     bool m_isRetired = false;
-    bool m_wantsInfo = false; ///< the user's last choice
+    bool m_awaitsSelection = false; ///< a report was loaded, and its first table is about to be selected
+    bool m_wantsInfo = false;       ///< the user's last choice
     std::function<void()> m_deleteHistoryRequest;
     std::function<void()> m_runsChanged;
     std::function<void()> m_credentialsRequest;
+    std::function<bool()> m_offersColors;
+    std::function<void(ColorScheme)> m_colorsChosen;
     std::string m_userId;
     std::string m_password;
 };

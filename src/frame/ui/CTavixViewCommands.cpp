@@ -7,6 +7,7 @@
 #include "nav/ui/CTableInfo.h"
 #include "nav/ui/CTables.h"
 #include "settings/Settings.h"
+#include "tabs/ui/CRunView.h"
 #include "tabs/ui/TearOff.h"
 
 /// The commands of the view: its handlers, and the panes that are asked first.
@@ -54,6 +55,8 @@ void CTavixView::OnShowInvisible() {
         m_document->GetMessages().warn(written.error().text);
     if (m_view)
         m_view->ApplyDisplay();
+    if (m_overview)
+        m_overview->ApplyDisplay();
     for (CTearOff* window : TearOffs())
         window->ApplyDisplay();
 }
@@ -86,7 +89,15 @@ void CTavixView::OnRefreshCollections() {
 }
 
 void CTavixView::OnOptions() {
-    COptionsSheet::Run(*m_document, this);
+    const ColorScheme before = readColorScheme(m_document->GetSettings());
+    const QPointer<CTavixView> alive(this);
+    COptionsSheet::Run(*m_document, this, m_offersColors && m_offersColors());
+    if (!alive)
+        return;
+    const ColorScheme after = readColorScheme(m_document->GetSettings());
+    // Called through a copy: the function may retire the view, which clears the member.
+    if (const auto chosen = m_colorsChosen; chosen && after != before)
+        chosen(after);
 }
 
 void CTavixView::OnChooseRun() {

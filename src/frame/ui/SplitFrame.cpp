@@ -52,17 +52,26 @@ void SplitFrame::SetInfoPane(QWidget* info) {
         const PaneLayout wanted = layOutPanes(width(), m_ratios, true);
         const int bar = wanted.leftSplitter + kSplitterWidth / 2;
         if (wanted.report.width == 0 && wanted.rightSplitter > kSplitterWidth)
-            m_ratios = ratiosAfterDrag(Splitter::Left, clampedDrag(Splitter::Left, bar, wanted), m_ratios, width());
+            SetRatios(ratiosAfterDrag(Splitter::Left, clampedDrag(Splitter::Left, bar, wanted), m_ratios, width()));
     }
     LayOut();
 }
 
 void SplitFrame::SetRatios(const PaneRatios& ratios) {
     m_ratios = ratios;
+    m_isNavigatorMoved = true;
+    LayOut();
+}
+
+void SplitFrame::RestoreRatios(const PaneRatios& ratios, bool isNavigatorMoved) {
+    m_ratios = ratios;
+    m_isNavigatorMoved = isNavigatorMoved;
     LayOut();
 }
 
 void SplitFrame::LayOut() {
+    if (!m_isNavigatorMoved)
+        m_ratios.left = unmovedNavigatorRatio(width());
     m_layout = layOutPanes(width(), m_ratios, m_info != nullptr);
     const auto place = [this](QWidget* pane, const PaneSpan& span) {
         if (pane)
@@ -149,7 +158,9 @@ void SplitFrame::MoveSplitter(Splitter splitter, int by) {
 }
 
 void SplitFrame::Drop(Splitter splitter, int dragX) {
-    SetRatios(ratiosAfterDrag(splitter, dragX, m_ratios, width()));
+    m_ratios = ratiosAfterDrag(splitter, dragX, m_ratios, width());
+    m_isNavigatorMoved = m_isNavigatorMoved || splitter == Splitter::Left;
+    LayOut();
     RatiosChanged();
 }
 

@@ -13,11 +13,16 @@ class SplitFrame : public QWidget {
     explicit SplitFrame(QWidget* parent = nullptr);
 
     [[nodiscard]] const PaneRatios& GetRatios() const { return m_ratios; }
+    /// The left ratio counts as chosen by the user.
     void SetRatios(const PaneRatios& ratios);
+    /// Whether the user has chosen the navigator's ratio. Until then it depends on the width of the window, see
+    /// unmovedNavigatorRatio().
+    [[nodiscard]] bool IsNavigatorMoved() const { return m_isNavigatorMoved; }
     /// For the keyboard: moves the bar as if it were dragged by `by` pixels.
     void MoveSplitter(Splitter splitter, int by);
 
   protected:
+    void RestoreRatios(const PaneRatios& ratios, bool isNavigatorMoved);
     /// Both must be children of the frame, and alive until they are replaced here.
     void SetPanes(QWidget* navigator, QWidget* report);
     /// Null removes the pane and its bar. If a new pane leaves no room for the report, the left bar moves.
@@ -48,6 +53,7 @@ class SplitFrame : public QWidget {
     QWidget* m_ghost;
     Splitter m_dragged = Splitter::None;
     int m_dragX = 0;
+    bool m_isNavigatorMoved = false;
 };
 
 } // namespace tavix

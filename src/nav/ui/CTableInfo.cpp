@@ -1,10 +1,10 @@
 #include "nav/ui/CTableInfo.h"
 
+#include "base/ui/ElidedLabel.h"
 #include "base/ui/QtText.h"
 #include "doc/CTavixDoc.h"
 
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPlainTextEdit>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -14,7 +14,7 @@ namespace tavix {
 CTableInfo::CTableInfo(CViewSite& site, QWidget* parent)
     : QWidget(parent), m_site(site), m_text(new QPlainTextEdit(this)), m_close(new QToolButton(this)) {
     setObjectName(QStringLiteral("tableInformation"));
-    auto* title = new QLabel(QStringLiteral("Table Information"), this);
+    auto* title = new ElidedLabel(QStringLiteral("Table Information"), this);
     QFont titleFont = font();
     titleFont.setWeight(QFont::DemiBold);
     title->setFont(titleFont);

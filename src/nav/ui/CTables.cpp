@@ -97,6 +97,14 @@ bool CTables::IsPageEmpty() const {
     return shown.rowCount() == 0 && !shown.canFetchMore({});
 }
 
+int CTables::GetDataSource() const {
+    const Page& tables = m_pages[static_cast<std::size_t>(NavigatorPage::Tables)];
+    const TreeNode* node = tables.model->node(tables.view->currentIndex());
+    while (node && node->kind != TreeNodeKind::DataSource)
+        node = node->parent;
+    return node ? node->id : -1;
+}
+
 void CTables::ShowPage(NavigatorPage number) {
     m_tabs->setCurrentIndex(static_cast<int>(number));
 }

@@ -52,6 +52,9 @@ class CTables final : public QWidget, public CRefreshItem, public CommandTarget 
     [[nodiscard]] NavigatorPage GetPage() const;
     /// Whether the visible page lists nothing.
     [[nodiscard]] bool IsPageEmpty() const;
+    /// The data source of the selected node on the tables page: the node itself or the one that it belongs to; -1
+    /// without one.
+    [[nodiscard]] int GetDataSource() const;
     void ShowPage(NavigatorPage page);
     void SetInternalFocus();
     /// The tree of the visible page.

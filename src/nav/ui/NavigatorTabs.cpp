@@ -12,6 +12,7 @@ namespace {
 // In pixels, on each side of a title.
 constexpr int kMostPadding = 12;
 constexpr int kLeastPadding = 4;
+constexpr int kLeastLetters = 3; // of a title that is cut
 
 } // namespace
 
@@ -42,7 +43,11 @@ QSize NavigatorTabs::minimumTabSizeHint(int index) const {
     int longest = 0;
     for (int i = 0; i < count(); ++i)
         longest = TextWidth(i) > TextWidth(longest) ? i : longest;
-    return index == longest ? QTabBar::minimumTabSizeHint(index) : tabSizeHint(index);
+    if (index != longest)
+        return tabSizeHint(index);
+    // The style's own minimum is so wide that the other titles would be cut as well.
+    const int least = fontMetrics().horizontalAdvance(tabText(index).left(kLeastLetters) + QChar(0x2026));
+    return {least + 2 * kLeastPadding, QTabBar::minimumTabSizeHint(index).height()};
 }
 
 // Painted here, because the style would cut titles whose padding is below its own.

@@ -1,3 +1,4 @@
+#include "base/ui/Theme.h"
 #include "shell/tests/ShellOverSample.h"
 #include "support/RunScript.h"
 
@@ -8,6 +9,8 @@
 #include <QDir>
 #include <QFile>
 #include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
 #include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
@@ -31,6 +34,72 @@ TEST_F(ShellOverSample, ARepositoryShowsItsReportsAndEnterOpensOne) {
     EXPECT_THAT(title(), ::testing::StartsWith("Sales - "));
     EXPECT_THAT(title(), ::testing::EndsWith(" - Tavix"));
     EXPECT_THAT(m_messages.texts, ElementsAre());
+}
+
+TEST_F(ShellOverSample, TheColoursOfTheOptionsAreTakenAtOnceByEveryWindowAndKept) {
+    const QPalette before = QApplication::palette();
+    ASSERT_TRUE(open(m_sample.path));
+    ASSERT_TRUE(m_window.openReportNamed("Sales"));
+    ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
+    m_host.ExecuteCommand(static_cast<int>(CommandId::DetachTabs));
+    const auto choose = [this](ColorScheme scheme) {
+        QTimer::singleShot(0, qApp, [scheme] {
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            ASSERT_TRUE(dialog);
+            auto* colors = dialog->findChild<QComboBox*>(QStringLiteral("ColorScheme"));
+            ASSERT_TRUE(colors);
+            colors->setCurrentIndex(colors->findData(static_cast<int>(scheme)));
+            dialog->accept();
+        });
+        m_host.ExecuteCommand(static_cast<int>(CommandId::Options));
+    };
+    const auto darkWindows = [] {
+        int dark = 0;
+        for (const QWidget* window : QApplication::topLevelWidgets()) {
+            if (window->isVisible())
+                dark += isDark(window->palette()) ? 1 : 0;
+        }
+        return dark;
+    };
+    // Drawn anew, a window looks as if it had had the colours from the start.
+    choose(ColorScheme::Light);
+    EXPECT_EQ(0, darkWindows());
+    const QImage light = m_window.grab().toImage();
+    choose(ColorScheme::Dark);
+    EXPECT_EQ(2, darkWindows()) << "the shell's and the detached one";
+    EXPECT_EQ(ColorScheme::Dark, m_host.GetColorScheme());
+    EXPECT_NE(light, m_window.grab().toImage());
+    choose(ColorScheme::Light);
+    EXPECT_EQ(light, m_window.grab().toImage());
+    QApplication::setPalette(before);
+}
+
+TEST_F(ShellOverSample, TheWindowMenuListsTheSeparateWindows) {
+    ASSERT_TRUE(open(m_sample.path));
+    ASSERT_TRUE(m_window.openReportNamed("Sales"));
+    QMenu* menu = nullptr;
+    for (const QAction* each : m_window.menuBar()->actions()) {
+        if (toUtf8(each->text()) == "&Window")
+            menu = each->menu();
+    }
+    ASSERT_TRUE(menu);
+    const auto entries = [menu] {
+        Q_EMIT menu->aboutToShow();
+        std::vector<std::string> texts;
+        for (const QAction* action : menu->actions())
+            texts.push_back(toUtf8(action->text()) + (action->isEnabled() ? "" : " -"));
+        return texts;
+    };
+    EXPECT_THAT(entries(), ElementsAre("No separate windows -", "", "Close &All -"));
+    ASSERT_TRUE(m_host.SelectTable("Warehouse", "ODBC", "crm", "public", "customers"));
+    m_host.ExecuteCommand(static_cast<int>(CommandId::DetachTabs));
+    EXPECT_THAT(entries(), ElementsAre("&1  customers", "", "Close &All"));
+    menu->actions().front()->trigger();
+    EXPECT_TRUE(QTest::qWaitFor([] {
+        return QApplication::activeWindow() && QApplication::activeWindow()->windowTitle() == QLatin1String("Table");
+    }));
+    menu->actions().back()->trigger();
+    EXPECT_THAT(entries(), ElementsAre("No separate windows -", "", "Close &All -"));
 }
 
 TEST_F(ShellOverSample, TheViewMenuFollowsThePanes) {

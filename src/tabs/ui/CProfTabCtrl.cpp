@@ -4,49 +4,101 @@
 
 #include <QFontInfo>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QPainterPath>
 #include <QToolButton>
+
+#include <algorithm>
+#include <utility>
 
 namespace tavix {
 
 namespace {
 
-constexpr int kPadding = 8;
-constexpr int kLeastPadding = 4; // before captions are elided
-constexpr int kNarrowest = 72;   // of a tab whose caption is elided
-constexpr int kLines = 5;        // above and below a caption
-constexpr int kRest = 2;         // how much lower unselected tabs begin
+constexpr int kPadding = 10;
+constexpr int kLeastPadding = 5;
+constexpr int kLines = 5;            // above and below a caption
+constexpr int kSmallestCaption = 11; // pixels at 96 dpi
+constexpr int kLargestCaption = 13;  // pixels at 96 dpi
+constexpr int kRest = 2;             // how much lower unselected tabs begin
+constexpr double kRadius = 5;        // of the upper corners
+constexpr int kMoreWidth = 30;       // of the button for the other tabs, at 96 dpi
+
+/// A face with rounded upper corners, along the middle of its outline.
+QPainterPath outlineOf(const QRect& face) {
+    const QRectF edge = QRectF(face).adjusted(0.5, 0.5, -0.5, 0);
+    QPainterPath path;
+    path.moveTo(edge.bottomLeft());
+    path.lineTo(edge.left(), edge.top() + kRadius);
+    path.quadTo(edge.topLeft(), QPointF(edge.left() + kRadius, edge.top()));
+    path.lineTo(edge.right() - kRadius, edge.top());
+    path.quadTo(edge.topRight(), QPointF(edge.right(), edge.top() + kRadius));
+    path.lineTo(edge.bottomRight());
+    return path;
+}
+
+/// Two chevrons and the number of tabs that they lead to.
+class MoreButton final : public QToolButton {
+  public:
+    using QToolButton::QToolButton;
+
+  protected:
+    void paintEvent(QPaintEvent*) override {
+        const QColor text = palette().color(QPalette::Text);
+        const QColor base = palette().color(QPalette::Base);
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        if (underMouse() || isDown()) {
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(mixed(base, text, isDown() ? 0.2 : 0.1));
+            painter.drawRoundedRect(QRectF(rect()).adjusted(1, 2, -1, -1), 4, 4);
+        }
+        painter.setPen(QPen(text, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        const double middle = height() / 2.0;
+        for (const double x : {6.0, 10.0})
+            painter.drawPolyline(QPolygonF{{x, middle - 3}, {x + 3, middle}, {x, middle + 3}});
+        painter.drawText(QRect(14, 0, width() - 15, height()), Qt::AlignCenter, this->text());
+    }
+};
 
 } // namespace
 
-CProfTabCtrl::CProfTabCtrl(QWidget* parent) : QTabBar(parent) {
+CProfTabCtrl::CProfTabCtrl(QWidget* parent) : QTabBar(parent), m_more(new MoreButton(this)), m_menu(new QMenu(this)) {
     setObjectName(QStringLiteral("tabStrip"));
     setAccessibleName(QStringLiteral("Tabs of the view"));
     FitFont();
     setExpanding(false);
     setDrawBase(false);
-    setUsesScrollButtons(true);
+    setUsesScrollButtons(false);
+    setElideMode(Qt::ElideRight);
     setFocusPolicy(Qt::TabFocus);
-    // The scroll arrows lie over captions.
-    for (auto* arrow : findChildren<QToolButton*>()) {
-        arrow->setAutoFillBackground(true);
-        arrow->setBackgroundRole(QPalette::Base);
-        // The arrow keys do the same.
-        arrow->setFocusPolicy(Qt::NoFocus);
-        arrow->setAccessibleName(arrow->objectName().contains(QLatin1String("Left"))
-                                     ? QStringLiteral("Tabs to the left")
-                                     : QStringLiteral("Tabs to the right"));
-    }
+    setMouseTracking(true);
+    m_more->setObjectName(QStringLiteral("moreTabs"));
+    m_more->setAccessibleName(QStringLiteral("More tabs"));
+    m_more->setToolTip(QStringLiteral("More tabs (Down)"));
+    // The arrow keys of the strip do the same.
+    m_more->setFocusPolicy(Qt::NoFocus);
+    m_more->hide();
+    m_menu->setObjectName(QStringLiteral("otherTabs"));
+    connect(m_more, &QToolButton::clicked, this, &CProfTabCtrl::ShowMenu);
+    connect(this, &QTabBar::currentChanged, this, &CProfTabCtrl::FitTabs);
 }
 
+// The largest font in which all captions have room, within bounds.
 void CProfTabCtrl::FitFont() {
     setFixedHeight(kHeight * logicalDpiY() / 96);
     m_captionFont = font();
     const int room = height() - kLines;
-    int size = QFontInfo(m_captionFont).pixelSize();
-    while (size > 1 && QFontMetrics(m_captionFont).height() > room)
+    const int smallest = kSmallestCaption * logicalDpiY() / 96;
+    int size = qMin(QFontInfo(m_captionFont).pixelSize(), kLargestCaption * logicalDpiY() / 96);
+    m_captionFont.setPixelSize(size);
+    const auto isTooLarge = [this, room, smallest, &size] {
+        return QFontMetrics(m_captionFont).height() > room || (size > smallest && LeastWidth() > width());
+    };
+    while (size > 1 && isTooLarge())
         m_captionFont.setPixelSize(--size);
 }
 
@@ -55,6 +107,84 @@ void CProfTabCtrl::changeEvent(QEvent* event) {
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         FitFont();
     QTabBar::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        FitTabs();
+}
+
+void CProfTabCtrl::resizeEvent(QResizeEvent* event) {
+    FitTabs();
+    QTabBar::resizeEvent(event);
+}
+
+// The selected tab first, then the others from the left.
+std::vector<bool> CProfTabCtrl::TabsWithRoom() const {
+    std::vector<bool> shown(static_cast<std::size_t>(count()), true);
+    if (LeastWidth() <= width())
+        return shown;
+    const auto least = [this](int index) { return CaptionWidth(index) + 2 * kLeastPadding; };
+    int room = width() - kMoreWidth * logicalDpiX() / 96 - 1;
+    if (currentIndex() >= 0)
+        room -= least(currentIndex());
+    bool isFull = false;
+    for (int i = 0; i < count(); ++i) {
+        if (i == currentIndex())
+            continue;
+        room -= least(i);
+        isFull = isFull || room < 0;
+        shown[static_cast<std::size_t>(i)] = !isFull;
+    }
+    return shown;
+}
+
+void CProfTabCtrl::FitTabs() {
+    if (m_isFitting)
+        return;
+    m_isFitting = true;
+    FitFont();
+    const std::vector<bool> shown = TabsWithRoom();
+    const auto others = std::count(shown.begin(), shown.end(), false);
+    // Before the tabs, which are laid out in the room that the button leaves.
+    const int moreWidth = kMoreWidth * logicalDpiX() / 96;
+    m_more->setText(QString::number(others));
+    m_more->setGeometry(width() - moreWidth, 0, moreWidth, height() - 2);
+    m_more->setVisible(others > 0);
+    // The selected tab must become visible before another one is hidden.
+    for (const bool isShowing : {true, false}) {
+        for (int i = 0; i < count(); ++i) {
+            if (shown[static_cast<std::size_t>(i)] == isShowing && isTabVisible(i) != isShowing)
+                setTabVisible(i, isShowing);
+        }
+    }
+    m_isFitting = false;
+    update();
+}
+
+void CProfTabCtrl::ShowMenu() {
+    m_menu->clear();
+    for (int i = 0; i < count(); ++i) {
+        if (!isTabVisible(i))
+            m_menu->addAction(QString(tabText(i)).replace(u'&', QStringLiteral("&&")), this,
+                              [this, i] { SelectTab(i); });
+    }
+    if (m_menu->isEmpty())
+        return;
+    m_menu->setActiveAction(m_menu->actions().front());
+    m_menu->popup(m_more->mapToGlobal(QPoint(m_more->width() - m_menu->sizeHint().width(), height())));
+}
+
+void CProfTabCtrl::Hover(int index) {
+    if (std::exchange(m_hovered, index) != index)
+        update();
+}
+
+void CProfTabCtrl::mouseMoveEvent(QMouseEvent* event) {
+    QTabBar::mouseMoveEvent(event);
+    Hover(tabAt(event->position().toPoint()));
+}
+
+void CProfTabCtrl::leaveEvent(QEvent* event) {
+    QTabBar::leaveEvent(event);
+    Hover(-1);
 }
 
 // QTabBar's own signal also comes for other buttons and beside the tabs.
@@ -69,43 +199,43 @@ void CProfTabCtrl::mouseDoubleClickEvent(QMouseEvent* event) {
 void CProfTabCtrl::InsertTab(int index, const QString& caption, int image) {
     const int at = insertTab(index, caption);
     setTabData(at, image);
+    FitTabs();
 }
 
 void CProfTabCtrl::SetCaption(int index, const QString& caption) {
-    if (tabText(index) != caption)
-        setTabText(index, caption);
+    if (tabText(index) == caption)
+        return;
+    setTabText(index, caption);
+    FitTabs();
 }
 
-// Measured in bold for every tab, so tabs do not move when another one is selected.
 int CProfTabCtrl::CaptionWidth(int index) const {
-    QFont bold = m_captionFont;
-    bold.setWeight(QFont::DemiBold);
-    return QFontMetrics(bold).horizontalAdvance(QString(tabText(index)).remove(u'&'));
+    return QFontMetrics(m_captionFont).horizontalAdvance(QString(tabText(index)).remove(u'&'));
+}
+
+int CProfTabCtrl::LeastWidth() const {
+    int width = 1;
+    for (int i = 0; i < count(); ++i)
+        width += CaptionWidth(i) + 2 * kLeastPadding;
+    return width;
+}
+
+int CProfTabCtrl::Room() const {
+    return m_more->isHidden() ? width() : m_more->x();
 }
 
 int CProfTabCtrl::PaddingNow() const {
-    int captions = 0;
-    for (int i = 0; i < count(); ++i)
+    int captions = 1;
+    int shown = 0;
+    for (int i = 0; i < count(); ++i) {
         captions += isTabVisible(i) ? CaptionWidth(i) : 0;
-    return qBound(kLeastPadding, (width() - captions) / qMax(2 * count(), 1), kPadding);
+        shown += isTabVisible(i) ? 1 : 0;
+    }
+    return qBound(kLeastPadding, (Room() - captions) / qMax(2 * shown, 1), kPadding);
 }
 
 QSize CProfTabCtrl::tabSizeHint(int index) const {
-    return {CaptionWidth(index) + 2 * PaddingNow(), height()};
-}
-
-QSize CProfTabCtrl::minimumTabSizeHint(int index) const {
-    const QSize whole = tabSizeHint(index);
-    if (index == currentIndex())
-        return whole; // The caption of the selected tab is never elided.
-    return {qMin(whole.width(), kNarrowest * logicalDpiX() / 96), whole.height()};
-}
-
-void CProfTabCtrl::tabLayoutChange() {
-    for (int i = 0; i < count(); ++i) {
-        const bool isCut = tabRect(i).width() < tabSizeHint(i).width();
-        setTabToolTip(i, isCut ? tabText(i) : QString());
-    }
+    return {qMin(CaptionWidth(index) + 2 * PaddingNow(), qMax(Room() - 1, 1)), height()};
 }
 
 CProfTabCtrl::Colors CProfTabCtrl::ColorsNow() const {
@@ -138,6 +268,8 @@ void CProfTabCtrl::keyPressEvent(QKeyEvent* event) {
         SelectTab(0);
     else if (event->key() == Qt::Key_End)
         SelectTab(count() - 1);
+    else if (event->key() == Qt::Key_Down)
+        ShowMenu();
     else
         QTabBar::keyPressEvent(event);
 }
@@ -149,17 +281,21 @@ void CProfTabCtrl::PaintTab(QPainter& painter, int index, const Colors& colors) 
     face.setRight(face.right() + 1);
     face.setTop(selected ? 0 : kRest);
     face.setBottom(selected ? height() - 1 : height() - 3);
-    painter.fillRect(face, colors.face);
-    painter.setPen(colors.outline);
-    painter.drawLine(face.topLeft(), face.bottomLeft());
-    painter.drawLine(face.topLeft(), face.topRight());
-    painter.drawLine(face.topRight(), face.bottomRight());
-    if (selected)
-        painter.fillRect(QRect(face.left() + 1, 1, face.width() - 2, 2), palette().color(QPalette::Highlight));
+    const QPainterPath outline = outlineOf(face);
+    const bool isHovered = index == m_hovered && !selected;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillPath(outline, isHovered ? mixed(colors.face, colors.background, 0.6) : colors.face);
+    if (selected) {
+        painter.save();
+        painter.setClipPath(outline);
+        painter.fillRect(QRect(face.left(), 0, face.width(), 3), palette().color(QPalette::Highlight));
+        painter.restore();
+    }
+    painter.setPen(QPen(colors.outline, 1, Qt::SolidLine, Qt::FlatCap));
+    painter.drawPath(outline);
+    painter.setRenderHint(QPainter::Antialiasing, false);
 
-    QFont captionFont = m_captionFont;
-    captionFont.setWeight(selected ? QFont::DemiBold : QFont::Normal);
-    painter.setFont(captionFont);
+    painter.setFont(m_captionFont);
     painter.setPen(colors.text);
     const QRect captionRect = face.adjusted(1, selected ? 2 : 0, -1, 0);
     const int room = captionRect.width() - kLeastPadding;

@@ -4,11 +4,15 @@
 
 #include <vector>
 
+class QMenu;
+class QToolButton;
+
 namespace tavix {
 
-/// The tab strip at the top of a view: arrow keys, Home, End and a mouse press select a tab. If the captions do not
-/// fit, the longest are elided and shown as tooltips; scroll arrows appear only if that is not enough. The height does
-/// not depend on the font; a larger font is scaled down.
+/// The tab strip at the top of a view: arrow keys, Home, End and a mouse press select a tab. Captions are never cut: a
+/// strip that is too narrow shows the tabs for which it has room, among them the selected one, and a button with a menu
+/// of the others, which the Down key opens as well. The height does not depend on the font; a larger font is scaled
+/// down.
 class CProfTabCtrl final : public QTabBar {
     Q_OBJECT
   public:
@@ -28,16 +32,28 @@ class CProfTabCtrl final : public QTabBar {
 
   protected:
     [[nodiscard]] QSize tabSizeHint(int index) const override;
-    [[nodiscard]] QSize minimumTabSizeHint(int index) const override;
-    void tabLayoutChange() override;
+    [[nodiscard]] QSize minimumTabSizeHint(int index) const override { return tabSizeHint(index); }
+    [[nodiscard]] QSize minimumSizeHint() const override { return {0, height()}; }
+    void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
     void changeEvent(QEvent* event) override;
 
   private:
     void FitFont();
+    /// Decides which tabs are visible.
+    void FitTabs();
+    [[nodiscard]] std::vector<bool> TabsWithRoom() const;
+    void ShowMenu();
+    void Hover(int index);
     [[nodiscard]] int CaptionWidth(int index) const;
+    /// Of all tabs side by side.
+    [[nodiscard]] int LeastWidth() const;
+    /// The room for tabs, without the button if there is one.
+    [[nodiscard]] int Room() const;
     /// On each side of a caption; shrinks when the strip is narrow.
     [[nodiscard]] int PaddingNow() const;
     struct Colors {
@@ -51,7 +67,11 @@ class CProfTabCtrl final : public QTabBar {
     [[nodiscard]] Colors ColorsNow() const;
     void PaintTab(QPainter& painter, int index, const Colors& colors) const;
 
-    QFont m_captionFont; ///< the widget's font, scaled down to the strip's height
+    QFont m_captionFont; ///< the widget's font, scaled down to the strip's height and, within bounds, to its width
+    QToolButton* m_more;
+    QMenu* m_menu;
+    int m_hovered = -1;
+    bool m_isFitting = false;
 };
 
 } // namespace tavix

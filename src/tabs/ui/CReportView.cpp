@@ -232,6 +232,10 @@ void CReportView::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter)
     }
 }
 
+std::string CReportView::GetName() const {
+    return nameOf(m_kept ? *m_kept : m_subject.selection);
+}
+
 int CReportView::GetCurrentTab() const {
     return m_strip->GetCurrentTab();
 }

@@ -39,6 +39,8 @@ class CReportView : public QWidget, public CReportPane {
     /// the view again: a hidden view receives no refreshes.
     void TakeUp();
     [[nodiscard]] const ReportSubject& GetSubject() const { return m_subject; }
+    /// What it shows, see nameOf(); also while its report is closed.
+    [[nodiscard]] std::string GetName() const;
 
     [[nodiscard]] int GetCurrentTab() const;
     void SelectTab(int index);

@@ -1,5 +1,6 @@
 #include "tabs/ui/TearOff.h"
 
+#include "base/ui/QtText.h"
 #include "tabs/TearOffPlacement.h"
 
 #include <QKeyEvent>
@@ -61,11 +62,18 @@ void CTearOff::Open(const QWidget& view) {
     move(place.x, place.y);
     show();
     m_view->Refresh(nullptr, RefreshHint::RunLoaded, 0);
+    TellName();
     m_view->FocusContents();
 }
 
 void CTearOff::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) {
     m_view->Refresh(sender, hint, parameter);
+    TellName();
+}
+
+// The title says only what kind of window it is.
+void CTearOff::TellName() {
+    setAccessibleName(toQString(m_view->GetName()));
 }
 
 void CTearOff::keyPressEvent(QKeyEvent* event) {

@@ -26,6 +26,7 @@ class CTearOff : public QWidget, public CRefreshItem {
 
   private:
     void AddKeys();
+    void TellName();
 
     CReportView* m_view = nullptr;
 };

@@ -1,5 +1,6 @@
 #include "tabs/ui/ViewHeader.h"
 
+#include "base/ui/ElidedLabel.h"
 #include "tabs/ui/LinkButton.h"
 #include "tabs/ui/QuietPalette.h"
 
@@ -51,7 +52,7 @@ void drawDetach(QPainter& painter) {
 ViewHeader::ViewHeader(QWidget* parent)
     : QWidget(parent),
       m_title(new QLabel(this)),
-      m_detail(new QLabel(this)),
+      m_detail(new ElidedLabel(this)),
       m_damage(new LinkButton(this)),
       m_details(new QToolButton(this)),
       m_detach(new QToolButton(this)) {
@@ -102,7 +103,6 @@ ViewHeader::ViewHeader(QWidget* parent)
 void ViewHeader::SetText(const QString& title, const QString& detail) {
     m_title->setText(title);
     m_detail->setText(QStringLiteral("  ") + detail);
-    m_detail->setToolTip(detail);
 }
 
 void ViewHeader::SetDamage(const QString& text) {

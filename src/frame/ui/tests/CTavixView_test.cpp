@@ -1,6 +1,7 @@
 #include "doc/CReportPane.h"
 #include "frame/ui/tests/ViewOverSample.h"
 
+#include <QComboBox>
 #include <QPlainTextEdit>
 #include <QStackedWidget>
 #include <QTableView>
@@ -68,6 +69,45 @@ TEST_F(PanesOverSample, ABarFollowsTheMouseAndTheRatioLastsOverResizes) {
 
     makeViewAgain();
     EXPECT_THAT(spans(), ElementsAre(0, 1, 8, 992)) << "remembered";
+}
+
+TEST_F(PanesOverSample, TheNavigatorKeepsItsWidthOnWideScreensUntilItIsMoved) {
+    m_view->resize(2560, 500);
+    EXPECT_THAT(spans(), ElementsAre(0, 318, 325, 2235));
+    toggle();
+    makeViewAgain();
+    m_view->resize(1600, 500);
+    EXPECT_EQ(318, pane("navigator")->width()) << "other things were remembered, its ratio was not";
+    press(320);
+    move(402);
+    release(402);
+    EXPECT_NEAR(400, pane("navigator")->width(), 1);
+    m_view->resize(3200, 500);
+    EXPECT_NEAR(802, pane("navigator")->width(), 2) << "the user's ratio";
+    makeViewAgain();
+    m_view->resize(1600, 500);
+    EXPECT_NEAR(400, pane("navigator")->width(), 1);
+}
+
+TEST_F(PanesOverSample, ColoursAreOfferedOnlyWhereTheProgramFollowsThem) {
+    const auto choose = [this](std::optional<ColorScheme> scheme) {
+        bool isOffered = false;
+        inNextDialog([&](QDialog& dialog) {
+            auto* colors = dialog.findChild<QComboBox*>(QStringLiteral("ColorScheme"));
+            isOffered = colors != nullptr;
+            if (colors && scheme)
+                colors->setCurrentIndex(colors->findData(static_cast<int>(*scheme)));
+            dialog.accept();
+        });
+        execute(CommandId::Options);
+        return isOffered;
+    };
+    EXPECT_FALSE(choose({}));
+    std::vector<ColorScheme> chosen;
+    m_view->SetColorSchemes([] { return true; }, [&chosen](ColorScheme scheme) { chosen.push_back(scheme); });
+    EXPECT_TRUE(choose(ColorScheme::Dark));
+    EXPECT_TRUE(choose({}));
+    EXPECT_THAT(chosen, ElementsAre(ColorScheme::Dark)) << "only when it changes";
 }
 
 TEST_F(PanesOverSample, EscapeLeavesADraggedBarWhereItWas) {

@@ -101,6 +101,9 @@ TEST_F(OptionsSheetTest, EveryControlReachesTheValues) {
     type(child<QSpinBox>(sheet, "MaxChartVals"), "12");
     type(child<QSpinBox>(sheet, "MaxFreqVals"), "2000000000");
     child<QComboBox>(sheet, "NotesSortOrder")->setCurrentIndex(1);
+    auto* colors = child<QComboBox>(sheet, "ColorScheme");
+    EXPECT_EQ("Like the desktop", colors->currentText().toStdString());
+    colors->setCurrentText(QStringLiteral("Dark"));
     child<QCheckBox>(sheet, "HideWelcomeDialog")->click();
     child<QCheckBox>(sheet, "ownFont")->click();
     child<QFontComboBox>(sheet, "StatFontName")->setEditText(QStringLiteral("Some Font"));
@@ -109,8 +112,16 @@ TEST_F(OptionsSheetTest, EveryControlReachesTheValues) {
     okButton(sheet)->click();
     ASSERT_EQ(sheet.result(), QDialog::Accepted);
     const OptionValues expected = {
-        12, 2'000'000'000, 100, 100, 1000, 20, 50, true, true, {"Some Font", 1, 90, false, false}, "en_US", true};
+        12,   2'000'000'000,    100, 100, 1000, 20, 50, true, true, {"Some Font", 1, 90, false, false}, "en_US",
+        true, ColorScheme::Dark};
     EXPECT_EQ(sheet.Model().values, expected);
+}
+
+TEST_F(OptionsSheetTest, AProgramThatDoesNotFollowTheChoiceOfColoursDoesNotOfferIt) {
+    OptionsModel withoutColors = model();
+    withoutColors.values.colorScheme.reset();
+    const COptionsSheet sheet(withoutColors, m_messages);
+    EXPECT_EQ(nullptr, sheet.findChild<QComboBox*>(QStringLiteral("ColorScheme")));
 }
 
 TEST_F(OptionsSheetTest, MetricsAreChosenAndMovedByKeyboard) {

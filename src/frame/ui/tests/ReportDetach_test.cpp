@@ -301,6 +301,41 @@ TEST_F(ReportDetach, TheViewMayGoBeforeItsClosedWindowsDo) {
     m_view.reset();
 }
 
+TEST_F(ReportDetach, WindowsAreListedByWhatTheyShowAndCanBeRaisedAndClosed) {
+    const auto names = [this] {
+        std::vector<std::string> all;
+        for (const OpenWindow& window : m_view->GetOpenWindows())
+            all.push_back(window.name);
+        return all;
+    };
+    EXPECT_THAT(names(), ElementsAre());
+    ASSERT_TRUE(selectTable("orders"));
+    const QPointer<CTearOff> table = &detach();
+    ASSERT_TRUE(selectField("customers", "city"));
+    const QPointer<CTearOff> field = &detach();
+    selectCollection(0);
+    detach();
+    EXPECT_EQ("Table", toUtf8(field->windowTitle()));
+    EXPECT_THAT(names(), ElementsAre("orders", "customers · city", "Amounts"));
+    ASSERT_TRUE(setRun(0));
+    execute(CommandId::New);
+    EXPECT_THAT(names(), ElementsAre("orders", "customers · city", "Amounts")) << "also while it is closed";
+
+    const std::vector<OpenWindow> windows = m_view->GetOpenWindows();
+    activate(*m_view);
+    table->showMinimized();
+    EXPECT_TRUE(m_view->RaiseWindow(windows.front().id));
+    EXPECT_FALSE(table->isMinimized());
+    EXPECT_TRUE(QTest::qWaitForWindowActive(table));
+    table->close();
+    EXPECT_THAT(names(), ElementsAre("customers · city", "Amounts"));
+    EXPECT_FALSE(m_view->RaiseWindow(windows.front().id));
+    m_view->CloseWindows();
+    EXPECT_THAT(names(), ElementsAre());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(field);
+}
+
 TEST_F(ReportDetach, AWindowIsClosedByItsKeysAndTheOthersStay) {
     detach();
     CTearOff& second = detach();

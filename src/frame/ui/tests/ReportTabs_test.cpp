@@ -7,6 +7,7 @@
 
 #include <QComboBox>
 #include <QImage>
+#include <QMenu>
 #include <QSignalSpy>
 
 #include <gmock/gmock.h>
@@ -283,48 +284,72 @@ TEST_F(ReportTabs, InADarkSchemeTheStripIsDarkAndCanBeRead) {
     EXPECT_GT(best, 7);
 }
 
-TEST_F(ReportTabs, CaptionsThatHaveNoRoomAreCutAndToldByTheirTips) {
+TEST_F(ReportTabs, TabsThatHaveNoRoomAreInAMenuAndCaptionsAreNeverCut) {
     ASSERT_TRUE(selectField("customers", "city"));
     m_view->SetRatios({0.1, 0.2});
-    m_view->resize(1600, 600);
-    const auto tips = [this] {
-        int count = 0;
-        for (int i = 0; i < strip().count(); ++i) {
-            count += strip().tabToolTip(i).isEmpty() ? 0 : 1;
-            EXPECT_TRUE(strip().tabToolTip(i).isEmpty() || strip().tabToolTip(i) == strip().tabText(i));
-        }
-        return count;
-    };
-    const int whole = strip().tabRect(7).right();
-    EXPECT_EQ(0, tips());
-    m_view->resize(1130, 600);
-    QCoreApplication::processEvents();
-    ASSERT_LT(strip().width(), whole);
-    EXPECT_EQ(0, tips()) << "the captions stand closer";
-    report().SelectTab(2);
-    for (const int width : {1000, 850}) {
-        m_view->resize(width, 600);
+    auto& more = *strip().findChild<QToolButton*>(QStringLiteral("moreTabs"));
+    auto& menu = *strip().findChild<QMenu*>(QStringLiteral("otherTabs"));
+    const int last = strip().count() - 1;
+    const auto visibleTabs = [this] {
         QCoreApplication::processEvents();
-        EXPECT_GT(tips(), 1) << width;
-        EXPECT_EQ("", toUtf8(strip().tabToolTip(2))) << "the selected one stays whole";
-        EXPECT_LE(strip().tabRect(7).right(), strip().width()) << width << ": every tab can be clicked";
-        EXPECT_EQ("", toUtf8(strip().tabToolTip(7))) << "a short one stays whole";
-        for (const QToolButton* arrow : strip().findChildren<QToolButton*>())
-            EXPECT_FALSE(arrow->isVisible()) << width;
+        int shown = 0;
+        for (int i = 0; i < strip().count(); ++i) {
+            if (!strip().isTabVisible(i))
+                continue;
+            ++shown;
+            QFont smallest = strip().font();
+            smallest.setPixelSize(11);
+            EXPECT_GE(strip().tabRect(i).width(), QFontMetrics(smallest).horizontalAdvance(strip().tabText(i))) << i;
+            EXPECT_LE(strip().tabRect(i).right(), strip().width()) << i;
+        }
+        EXPECT_TRUE(strip().isTabVisible(strip().currentIndex()));
+        return shown;
+    };
+    m_view->resize(1600, 600);
+    EXPECT_EQ(strip().count(), visibleTabs());
+    const int roomy = strip().tabRect(last).right();
+    EXPECT_FALSE(more.isVisible());
+    m_view->resize(1600 - (strip().width() - roomy) - 60, 600);
+    EXPECT_EQ(strip().count(), visibleTabs()) << "closer together";
+    EXPECT_LT(strip().tabRect(last).right(), roomy);
+
+    report().SelectTab(2);
+    for (const int width : {750, 600, 400}) {
+        m_view->resize(width, 600);
+        const int shown = visibleTabs();
+        EXPECT_LT(shown, strip().count()) << width;
+        ASSERT_TRUE(more.isVisible()) << width;
+        EXPECT_EQ(strip().count() - shown, more.text().toInt());
+        EXPECT_EQ(2, report().GetCurrentTab());
     }
-    // The narrowest strip has arrows, and the selected tab is visible.
-    m_view->resize(400, 600);
-    report().SelectTab(7);
-    QCoreApplication::processEvents();
-    EXPECT_LE(strip().tabRect(7).right(), strip().width());
-    EXPECT_GE(strip().tabRect(7).left(), 0);
-    int arrows = 0;
-    for (const QToolButton* arrow : strip().findChildren<QToolButton*>()) {
-        arrows += arrow->isVisible() ? 1 : 0;
-        EXPECT_EQ(Qt::NoFocus, arrow->focusPolicy());
-        EXPECT_NE("", toUtf8(arrow->accessibleName()));
-    }
-    EXPECT_EQ(2, arrows);
+    EXPECT_EQ(Qt::NoFocus, more.focusPolicy());
+    EXPECT_EQ("More tabs", toUtf8(more.accessibleName()));
+
+    // By the keyboard: Down opens the menu, whose last entry is the last tab.
+    activate(*m_view);
+    strip().setFocus();
+    press(Qt::Key_Down);
+    ASSERT_TRUE(menu.isVisible());
+    QTest::keyClick(&menu, Qt::Key_Up);
+    QTest::keyClick(&menu, Qt::Key_Return);
+    EXPECT_EQ(last, report().GetCurrentTab());
+    (void)visibleTabs();
+    // By the mouse, and the arrow keys reach tabs in the menu too.
+    QTest::mouseClick(&more, Qt::LeftButton);
+    ASSERT_TRUE(menu.isVisible());
+    int firstHidden = 0;
+    while (strip().isTabVisible(firstHidden))
+        ++firstHidden;
+    EXPECT_EQ(strip().tabText(firstHidden), menu.actions().front()->text());
+    menu.close();
+    activate(*m_view);
+    strip().setFocus();
+    press(Qt::Key_Left);
+    EXPECT_EQ(last - 1, report().GetCurrentTab());
+    (void)visibleTabs();
+    m_view->resize(1600, 600);
+    EXPECT_EQ(strip().count(), visibleTabs());
+    EXPECT_FALSE(more.isVisible());
 }
 
 TEST_F(ReportTabs, TheKeyboardGoesFromTheStripOverTheButtonsToTheContents) {
