@@ -19,7 +19,8 @@ class DistributionFilter {
   public:
     /// `text` is expression code, perhaps after a condition block; now() in it means the date `now`. The error gives
     /// line and column in the code.
-    [[nodiscard]] static Result<std::unique_ptr<DistributionFilter>> compile(std::string_view text, std::int64_t now);
+    [[nodiscard]] static Result<std::unique_ptr<DistributionFilter>>
+    compile(std::string_view text, std::int64_t now = expression::thisMoment());
 
     /// The rows of the block that pass, ascending; valid until the next call. `firstRow` is the number of the block's
     /// first row in the distribution. Does not read columns that the condition does not use, nor evaluate rows that the

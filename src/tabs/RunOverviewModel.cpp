@@ -48,14 +48,12 @@ GridCell nameCell(std::string_view name, CellIcon icon, std::string_view mark = 
     return cell;
 }
 
-GridCell countCell(std::int64_t count) {
-    if (count < 0) {
-        GridCell cell = textCell(kUnknownMetric, CellAlignment::Right);
-        cell.state = CellState::Unknown;
-        return cell;
-    }
-    GridCell cell = textCell(groupedCount(count), CellAlignment::Right);
-    cell.order = formatInteger(count);
+/// "(Unknown)" for a negative number.
+GridCell knownCountCell(std::int64_t count) {
+    if (count >= 0)
+        return countCell(count);
+    GridCell cell = textCell(kUnknownMetric, CellAlignment::Right);
+    cell.state = CellState::Unknown;
     return cell;
 }
 
@@ -308,7 +306,7 @@ void RunOverviewModel::FillTables() {
             continue;
         const RunOverview::Table* before = findIn(m_tablesBefore, table.id);
         const bool isNew = m_overview.before && !before;
-        lines.push_back({{nameCell(table.name, iconOf(table.kind), isNew ? "(new)" : ""), countCell(table.records),
+        lines.push_back({{nameCell(table.name, iconOf(table.kind), isNew ? "(new)" : ""), knownCountCell(table.records),
                           changeCell(before ? before->records : -1, table.records), countCell(table.damaged)},
                          {Place::Table, table.id}});
     }
