@@ -129,7 +129,7 @@ TEST_F(FreqDist, TheRestIsOneRowAndAllPercentagesSumToOneHundred) {
     ASSERT_EQ(101, rows.GetRowCount());
     // 150 cities with 150, 149, ... 1 rows, and 7 nulls, which come before "City 144" that has as many: 11332 in all.
     EXPECT_EQ("City 1|>150|>1.32[0.01]", lineOf(rows, 0));
-    EXPECT_EQ("Other|>1,282|>11.31", lineOf(rows, 100));
+    EXPECT_EQ("Other (51 values)|>1,282|>11.31", lineOf(rows, 100));
     EXPECT_TRUE(rows.IsOther(100));
     EXPECT_FALSE(rows.IsOther(99));
     EXPECT_TRUE(rows.GetValue(100).isNull());
@@ -139,7 +139,7 @@ TEST_F(FreqDist, TheRestIsOneRowAndAllPercentagesSumToOneHundred) {
     EXPECT_NEAR(100, sum, 0.51);
 
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/city"), {}, 1));
-    EXPECT_THAT(linesOf(rows), ElementsAre("City 1|>150|>1.32[0.01]", "Other|>11,182|>98.68"));
+    EXPECT_THAT(linesOf(rows), ElementsAre("City 1|>150|>1.32[0.01]", "Other (150 values)|>11,182|>98.68"));
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/city"), {}, 151));
     EXPECT_EQ(-1, rows.GetOtherRow());
 }
@@ -186,7 +186,7 @@ TEST_F(FreqDist, OtherSharesAreShownOnDemandAndOtherCountsItsValues) {
 TEST_F(FreqDist, OtherStaysLastOnlyWhereValuesAreSorted) {
     FreqDistRows rows;
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/name"), {}, 3));
-    ASSERT_EQ("Other|>70|>7.00", lineOf(rows, 3));
+    ASSERT_EQ("Other (2 values)|>70|>7.00", lineOf(rows, 3));
     const auto values = [&rows](int column, bool descending) {
         EXPECT_TRUE(rows.Sort(column, descending));
         std::string text;
@@ -212,7 +212,8 @@ TEST_F(FreqDist, AFilterLeavesSharesOfWhatPassesAndTellsWhatItCouldNotJudge) {
     FreqDistRows rows;
     const FieldRecord name = field("customers/name");
     ASSERT_TRUE(rows.Fill(*m_viewer, name, "`Count` > 300 or isnull(`Value`)", 2)) << rows.GetErrorText();
-    EXPECT_THAT(linesOf(rows), ElementsAre("Ada|>400|>43.01[0.43]", "Grace|>302|>32.47[0.32]", "Other|>228|>24.52"));
+    EXPECT_THAT(linesOf(rows),
+                ElementsAre("Ada|>400|>43.01[0.43]", "Grace|>302|>32.47[0.32]", "Other (1 value)|>228|>24.52"));
     EXPECT_EQ("of 930 passing records", rows.GetColumn(2).mark);
     ASSERT_TRUE(rows.Fill(*m_viewer, name, "9223372036854775800 + `Count` > 5", 2)) << rows.GetErrorText();
     EXPECT_EQ(0, rows.GetRowCount());
@@ -267,7 +268,7 @@ TEST_F(PatternDist, ShowsPatternsWithTheirShortForm) {
 
     ASSERT_TRUE(rows.Fill(*m_viewer, field("customers/city"), {}, 1));
     // Null has no pattern: 11325 of the 11332 rows have one.
-    EXPECT_THAT(linesOf(rows), ElementsAre("Aaaa 99|Aaaa 99|>8,685|>76.69[0.77]", "Other||>2,640|>23.31"));
+    EXPECT_THAT(linesOf(rows), ElementsAre("Aaaa 99|Aaaa 99|>8,685|>76.69[0.77]", "Other (2 patterns)||>2,640|>23.31"));
     EXPECT_EQ(1, rows.GetOtherRow());
     EXPECT_EQ("of 11,325 non-null values", rows.GetColumn(3).mark);
     // The command line computes the same total without reading the patterns.
