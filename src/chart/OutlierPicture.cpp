@@ -18,6 +18,9 @@ constexpr double kMargin = 12;
 constexpr double kGap = 8;
 constexpr double kStripHeight = 56;
 constexpr double kLeastWidth = 160;
+constexpr double kBetweenLists = 28;
+/// A count of this or more has a full bar, so that single rows are no wall of bars.
+constexpr std::int64_t kLeastScale = 5;
 constexpr double kMostRow = 24;
 constexpr double kLeastBar = 1.5;
 constexpr std::array kFenceFactors = {1.5, 3.0};
@@ -63,10 +66,10 @@ Drawing OutlierPicture::draw(const Canvas& canvas) const {
     double top = kMargin;
     if (m_histogram && canvas.height > 3 * kStripHeight)
         top = drawStrip(drawing, canvas);
-    const double width = (canvas.width - 3 * kMargin) / 2;
+    const double width = (canvas.width - 2 * kMargin - kBetweenLists) / 2;
     const double height = canvas.height - kMargin - top;
     drawList(drawing, canvas, "Lowest", m_lowest, {kMargin, top, width, height});
-    drawList(drawing, canvas, "Highest", m_highest, {2 * kMargin + width, top, width, height});
+    drawList(drawing, canvas, "Highest", m_highest, {kMargin + width + kBetweenLists, top, width, height});
     return drawing;
 }
 
@@ -139,7 +142,7 @@ void OutlierPicture::drawList(Drawing& drawing, const Canvas& canvas, const std:
     if (outliers.empty())
         return;
     drawing.shapes.emplace_back(Text{{rect.x, rect.y + canvas.lineHeight / 2}, heading, Role::Label});
-    std::int64_t most = 1;
+    std::int64_t most = kLeastScale;
     double labels = 0;
     double figures = 0;
     for (const Outlier& outlier : outliers) {
