@@ -141,8 +141,7 @@ RunOverviewModel::RunOverviewModel(const std::locale& locale)
                                       countColumn("Damaged", 90)}),
               OverviewList("Alerts and rules", {nameColumn("Condition", 185), listColumn("Table", 105),
                                                 countColumn("Figure", 85), listColumn("Kind", 75)}),
-              OverviewList("Fields with nulls", {nameColumn("Field", 140), listColumn("Table", 125),
-                                                 countColumn("Nulls", 80), countColumn("Percentage", 105)}),
+              OverviewList("Fields with nulls", {}),
               OverviewList("New and vanished",
                            {nameColumn("Name", 170), listColumn("Table", 150), listColumn("What", 125)})} {}
 
@@ -333,15 +332,25 @@ void RunOverviewModel::FillAlerts() {
 }
 
 void RunOverviewModel::FillNulls() {
+    // One wide table needs the room for the names of its fields.
+    const bool isOneTable = std::count_if(m_overview.tables.begin(), m_overview.tables.end(),
+                                          [this](const RunOverview::Table& table) { return Shows(table); }) == 1;
+    std::vector<GridColumn> columns = {nameColumn("Field", 145), listColumn("Table", 115), countColumn("Nulls", 75),
+                                       countColumn("Percentage", 105)};
+    if (isOneTable)
+        columns.erase(columns.begin() + 1);
+    m_lists[Nulls].SetColumns(std::move(columns));
     std::vector<OverviewList::Line> lines;
     for (const RunOverview::Field& field : m_overview.fieldsWithNulls) {
         if (!ShowsTable(field.table))
             continue;
         if (lines.size() == kMostNulls)
             break;
-        lines.push_back({{nameCell(field.name, CellIcon::Field), textCell(NameOf(field.table)), countCell(field.nulls),
-                          percentCell(field.nullPercent, field.nullPercent / 100)},
-                         {Place::Field, field.table, field.id}});
+        std::vector<GridCell> cells = {nameCell(field.name, CellIcon::Field), textCell(NameOf(field.table)),
+                                       countCell(field.nulls), percentCell(field.nullPercent, field.nullPercent / 100)};
+        if (isOneTable)
+            cells.erase(cells.begin() + 1);
+        lines.push_back({std::move(cells), {Place::Field, field.table, field.id}});
     }
     m_lists[Nulls].Show(std::move(lines), "No field has nulls.");
 }

@@ -54,6 +54,7 @@ class OverviewList final : public CellRows {
         : CellRows(std::move(columns)), m_title(title) {}
 
     void Show(std::vector<Line> lines, std::string_view emptyText);
+    using CellRows::SetColumns;
     /// The title with the number of rows: "Fields with nulls (12)".
     [[nodiscard]] std::string GetTitle() const;
     [[nodiscard]] const std::string& GetName() const { return m_title; }

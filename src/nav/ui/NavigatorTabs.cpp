@@ -4,6 +4,7 @@
 #include <QStylePainter>
 
 #include <algorithm>
+#include <cmath>
 
 namespace tavix {
 
@@ -25,7 +26,8 @@ NavigatorTabs::NavigatorTabs(QWidget* parent) : QTabBar(parent) {
 }
 
 int NavigatorTabs::TextWidth(int index) const {
-    return fontMetrics().horizontalAdvance(tabText(index));
+    // Rounded up: a title that lacks a fraction of a pixel would be cut.
+    return static_cast<int>(std::ceil(QFontMetricsF(font()).horizontalAdvance(tabText(index)))) + 1;
 }
 
 int NavigatorTabs::Padding() const {

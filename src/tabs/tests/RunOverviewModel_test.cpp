@@ -77,8 +77,7 @@ TEST_F(OverviewOfSample, ASourceShowsItsOwnFiguresAndThoseOfTheRun) {
                                      "2 Damaged rows!||of 2 in the run|Opens airports, which has the most",
                                      "0 Alerts raised||of 0 in the run|", "0 Rules violated||of 0 in the run|"));
     EXPECT_THAT(lines(RunOverviewModel::Tables), ElementsAre("airports<5>|>5|>|>2"));
-    EXPECT_THAT(lines(RunOverviewModel::Nulls),
-                ElementsAre("latitude<1>|airports|>2|>40.00[0.40]", "code<1>|airports|>1|>20.00[0.20]"));
+    EXPECT_THAT(lines(RunOverviewModel::Nulls), ElementsAre("latitude<1>|>2|>40.00[0.40]", "code<1>|>1|>20.00[0.20]"));
     EXPECT_EQ("The same tables and fields as in the run before.",
               m_model.GetList(RunOverviewModel::News).GetEmptyText());
 }

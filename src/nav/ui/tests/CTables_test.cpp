@@ -79,6 +79,11 @@ TEST_F(NavigatorOverSample, PageTitlesAreWholeWhereThereIsRoomAndToldInAnyCase) 
     };
     EXPECT_FALSE(isCut(0) || isCut(1) || isCut(2));
     EXPECT_LE(tabs->tabRect(2).right(), tabs->width());
+    m_navigator.resize(200, 600);
+    for (const int index : {0, 1})
+        EXPECT_EQ(tabs->tabText(index), tabs->fontMetrics().elidedText(tabs->tabText(index), Qt::ElideRight,
+                                                                       tabs->tabRect(index).width() - 8))
+            << index;
     m_navigator.resize(160, 600);
     EXPECT_TRUE(isCut(2));
     EXPECT_GE(tabs->tabRect(0).width(), tabs->fontMetrics().horizontalAdvance(QStringLiteral("Tables")));
