@@ -34,7 +34,7 @@ CRunTable::CRunTable(QWidget* parent) : QTreeWidget(parent) {
     setAllColumnsShowFocus(true);
     setAlternatingRowColors(true);
     setTextElideMode(Qt::ElideRight);
-    header()->setStretchLastSection(true);
+    header()->setStretchLastSection(false);
     header()->setSectionsMovable(false);
 
     auto* copy = new QAction(tr("&Copy"), this);
@@ -74,12 +74,22 @@ void CRunTable::SetRuns(const std::vector<RunInfo>& runs, int currentRun) {
         if (column != kDescriptionColumn)
             resizeColumnToContents(column);
     setColumnWidth(kDateColumn, std::max(kDateWidth, columnWidth(kDateColumn)));
-    setColumnWidth(kDescriptionColumn, kDescriptionWidth);
+    FitDescription();
     if (current) {
         setCurrentItem(current);
         scrollToItem(current, PositionAtCenter);
         horizontalScrollBar()->setValue(0);
     }
+}
+
+void CRunTable::FitDescription() {
+    const int others = header()->length() - columnWidth(kDescriptionColumn);
+    setColumnWidth(kDescriptionColumn, std::max(kDescriptionWidth, viewport()->width() - others));
+}
+
+void CRunTable::resizeEvent(QResizeEvent* event) {
+    QTreeWidget::resizeEvent(event);
+    FitDescription();
 }
 
 int CRunTable::ShowMatching(const QString& text) {

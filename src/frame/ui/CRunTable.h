@@ -25,6 +25,13 @@ class CRunTable final : public QTreeWidget {
     /// Strikes a row out, or not.
     void MarkDeleted(int row, bool deleted);
     void CopySelected() const;
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    /// The description takes the room that the other columns leave.
+    void FitDescription();
 };
 
 } // namespace tavix
