@@ -8,7 +8,7 @@
 #include "doc/CTavixDoc.h"
 #include "grid/ui/CUGCtrl.h"
 #include "settings/Settings.h"
-#include "tabs/StoredColumnWidths.h"
+#include "tabs/StoredColumns.h"
 #include "tabs/ui/OverviewCardButton.h"
 #include "tabs/ui/QuietPalette.h"
 
@@ -114,7 +114,7 @@ CRunView::ListPane CRunView::MakeList(int index) {
     list.grid = new CUGCtrl(list.stack);
     list.grid->setAccessibleName(toQString(rows.GetName()));
     list.grid->SetWidthMemory(
-        std::make_unique<StoredColumnWidths>(m_site.GetTavixDoc().GetSettings(), "overview" + formatInteger(index)));
+        std::make_unique<StoredColumns>(m_site.GetTavixDoc().GetSettings(), "overview" + formatInteger(index)));
     list.note = new QLabel(list.stack);
     list.note->setTextFormat(Qt::PlainText);
     list.note->setAlignment(Qt::AlignCenter);
