@@ -113,7 +113,7 @@ CRunView::ListPane CRunView::MakeList(int index) {
     list.stack = new QStackedWidget(list.pane);
     list.grid = new CUGCtrl(list.stack);
     list.grid->setAccessibleName(toQString(rows.GetName()));
-    list.grid->SetWidthMemory(
+    list.grid->SetColumnMemory(
         std::make_unique<StoredColumns>(m_site.GetTavixDoc().GetSettings(), "overview" + formatInteger(index)));
     list.note = new QLabel(list.stack);
     list.note->setTextFormat(Qt::PlainText);
