@@ -7,7 +7,9 @@
 #include "report/ReportTables.h"
 #include "settings/MetricDisplay.h"
 #include "settings/Settings.h"
+#include "support/LongList.h"
 #include "support/SampleRepository.h"
+#include "tabs/MetricDoor.h"
 #include "tabs/ui/CTabStdMet.h"
 
 #include <QHeaderView>
@@ -89,6 +91,15 @@ TEST_F(StdMetTab, EnterOpensTheRowsOfAFigureAndElsewhereTheField) {
     EXPECT_TRUE(drill->isEnabled());
     grid().setCurrentIndex(grid().model()->index(0, 0));
     EXPECT_FALSE(drill->isEnabled());
+}
+
+TEST_F(StdMetTab, SeveralBlankValuesAreListedInTheField) {
+    const auto list = testing::LongList::build(m_folder.file("blanks.tavix"), 'S', {{"x", 7}, {" ", 3}, {"  ", 2}});
+    open(list.path, list.job, list.table, "Warehouse");
+    enter(list.field, "Blank Count");
+    EXPECT_THAT(m_site.selectedFields, ElementsAre(list.field));
+    EXPECT_EQ(kBlankFilter, m_site.document.GetFieldFilters().Get(list.field, DistributionKind::Frequency));
+    EXPECT_EQ(1, m_site.document.GetTab(ReportPaneKind::Field)) << "the frequency distribution";
 }
 
 TEST_F(StdMetTab, TheMetricOfTheLinesIsChosenInTheMenuAndRemembered) {
