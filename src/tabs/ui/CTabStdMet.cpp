@@ -45,8 +45,8 @@ CTabStdMet::CTabStdMet(CViewSite& site, const ReportSubject& subject, bool isTor
     m_grid->setAccessibleName(QStringLiteral("Standard metrics"));
     m_grid->SetSource(&m_rows);
     QAction* drill = m_drill.MakeAction();
-    m_grid->addAction(drill);
     m_grid->addAction(m_collectionMenu->menuAction());
+    m_grid->addAction(drill);
     connect(drill, &QAction::triggered, this, &CTabStdMet::OpenRows);
     const auto showAction = [this, drill] { drill->setEnabled(CurrentDoor() != MetricDoor::None); };
     connect(m_grid->selectionModel(), &QItemSelectionModel::currentChanged, this, showAction);

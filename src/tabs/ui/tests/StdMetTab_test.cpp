@@ -5,9 +5,9 @@
 #include "drill/DrillTexts.h"
 #include "grid/ui/CUGCtrl.h"
 #include "report/ReportTables.h"
-#include "repository/RunWriter.h"
 #include "settings/MetricDisplay.h"
 #include "settings/Settings.h"
+#include "support/LongList.h"
 #include "support/SampleRepository.h"
 #include "tabs/MetricDoor.h"
 #include "tabs/ui/CTabStdMet.h"
@@ -17,8 +17,6 @@
 #include <QTest>
 
 #include <gmock/gmock.h>
-
-#include <array>
 
 namespace tavix {
 namespace {
@@ -96,28 +94,11 @@ TEST_F(StdMetTab, EnterOpensTheRowsOfAFigureAndElsewhereTheField) {
 }
 
 TEST_F(StdMetTab, SeveralBlankValuesAreListedInTheField) {
-    const std::string path = m_folder.file("blanks.tavix");
-    auto writer = repository::RunWriter::begin(path, {"job", "", "", {}});
-    ASSERT_TRUE(writer);
-    repository::TableFacts table;
-    table.dataSource = "files";
-    table.name = "people";
-    table.totalRecords = table.processedRecords = 5;
-    const auto id = (*writer)->addTable(table);
-    ASSERT_TRUE(id);
-    const std::array<repository::ValueCount, 2> blanks = {{{" ", 3, false}, {"  ", 2, false}}};
-    repository::FieldFacts field;
-    field.name = "town";
-    field.typeCode = 'S';
-    field.metrics[index(MetricId::BlankCount)] = std::int64_t{5};
-    field.values = blanks;
-    ASSERT_TRUE((*writer)->addField(*id, field));
-    ASSERT_TRUE((*writer)->commit({}));
-
-    open(path, 1, *id, "files");
-    enter(1, "Blank Count");
-    EXPECT_THAT(m_site.selectedFields, ElementsAre(1));
-    EXPECT_EQ(kBlankFilter, m_site.document.GetFieldFilters().Get(1, DistributionKind::Frequency));
+    const auto list = testing::LongList::build(m_folder.file("blanks.tavix"), 'S', {{"x", 7}, {" ", 3}, {"  ", 2}});
+    open(list.path, list.job, list.table, "Warehouse");
+    enter(list.field, "Blank Count");
+    EXPECT_THAT(m_site.selectedFields, ElementsAre(list.field));
+    EXPECT_EQ(kBlankFilter, m_site.document.GetFieldFilters().Get(list.field, DistributionKind::Frequency));
     EXPECT_EQ(1, m_site.document.GetTab(ReportPaneKind::Field)) << "the frequency distribution";
 }
 
