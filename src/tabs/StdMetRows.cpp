@@ -22,8 +22,8 @@ namespace {
 
 constexpr int kTextWidth = 130;
 constexpr int kIconWidth = 25;
-constexpr int kPictureWidth = 106;
-constexpr int kTrendWidth = 170;
+constexpr int kPictureWidth = 86;
+constexpr int kTrendWidth = 140;
 constexpr int kLastRuns = 12;
 
 bool belongsTo(const ProfileCursor& alert, const TableIdentity& table) {

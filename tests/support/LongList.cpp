@@ -3,7 +3,6 @@
 #include "repository/RunWriter.h"
 #include "repository/Schema.h"
 #include "support/Need.h"
-#include "support/SampleField.h"
 
 #include <stdexcept>
 
@@ -16,6 +15,13 @@ constexpr int kValues = 10'000;
 } // namespace
 
 LongList LongList::build(const std::string& path) {
+    SampleField::Values values;
+    for (int number = 1; number <= kValues; ++number)
+        values.emplace_back(std::to_string(number), static_cast<std::uint64_t>(kValues + 1 - number));
+    return build(path, 'I', values);
+}
+
+LongList LongList::build(const std::string& path, char typeCode, const SampleField::Values& values) {
     using namespace repository;
     LongList made;
     made.path = path;
@@ -26,15 +32,11 @@ LongList LongList::build(const std::string& path) {
     table.dataSource = "Warehouse";
     table.sourceKind = SourceKind::Odbc;
     table.name = "long";
-    SampleField::Values values;
-    for (int number = 1; number <= kValues; ++number) {
-        const int count = kValues + 1 - number;
-        values.emplace_back(std::to_string(number), static_cast<std::uint64_t>(count));
-        table.totalRecords += count;
-    }
+    for (const auto& [value, count] : values)
+        table.totalRecords += static_cast<std::int64_t>(count);
     table.processedRecords = table.totalRecords;
     made.table = need(writer->addTable(table));
-    SampleField field("value", 1, 'I', values);
+    SampleField field("value", 1, typeCode, values);
     need(writer->addField(made.table, field.facts()));
     need(writer->commit(clock.now()));
     made.job = writer->jobId();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/SampleField.h"
+
 #include <string>
 
 namespace tavix::testing {
@@ -14,6 +16,8 @@ struct LongList {
 
     /// Throws std::runtime_error if it cannot be built.
     [[nodiscard]] static LongList build(const std::string& path);
+    /// Likewise, with other values in the field, of the type with this code.
+    [[nodiscard]] static LongList build(const std::string& path, char typeCode, const SampleField::Values& values);
 };
 
 } // namespace tavix::testing

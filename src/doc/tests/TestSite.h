@@ -23,7 +23,10 @@ class TestSite final : public CViewSite, public DocumentFrame {
         mode = page;
         selection = now;
     }
-    bool SelectField(int) override { return false; }
+    bool SelectField(int fieldId) override {
+        selectedFields.push_back(fieldId);
+        return false;
+    }
     bool Navigate(const NavigateRequest&) override { return false; }
     bool OpenField(const ReportSelection&, int) override { return false; }
     void WarnSoon(const std::string& text) override { document.GetMessages().warn(text); }
@@ -38,6 +41,7 @@ class TestSite final : public CViewSite, public DocumentFrame {
 
     std::vector<CRefreshItem*> listeners;
     std::vector<RefreshHint> sent;
+    std::vector<int> selectedFields;
     NavigatorPage mode = NavigatorPage::Tables;
     ReportSelection selection;
     int patienceMilliseconds = kPatienceMilliseconds;

@@ -28,10 +28,11 @@ constexpr int kBarMargin = 2;
 constexpr int kMarkGap = 5;
 constexpr double kMarkFaintness = 0.45;
 constexpr double kStateFaintness = 0.45;
+constexpr double kLineFaintness = 0.6;
 // Of the line of a cell's picture, beside the text.
-constexpr int kLineRoom = 90;
+constexpr int kLineRoom = 64;
 constexpr int kLineMargin = 6;
-constexpr int kPartsRoom = 90;
+constexpr int kPartsRoom = 70;
 constexpr int kLeastBar = 2;
 // A cell shows one line; the rest of a long value is neither measured nor drawn.
 constexpr std::size_t kShownBytes = 512;
@@ -137,8 +138,12 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     }
     painter->setFont(font);
     painter->setPen(textColor);
-    if (!cell.picture.line.empty())
-        paintLine(*painter, geometry.line, cell.picture, onHighlight ? textColor : tint::accent(colors));
+    if (!cell.picture.line.empty()) {
+        // Lines that move stand out.
+        const QColor quiet = mixed(textColor, background, kLineFaintness);
+        const QColor loud = onHighlight ? textColor : tint::accent(colors);
+        paintLine(*painter, geometry.line, cell.picture, isFlat(cell.picture) ? quiet : loud);
+    }
     if (!cell.picture.parts.empty())
         paintParts(*painter, geometry.text, cell.picture, colors, background);
     const QString text = QFontMetrics(font).elidedText(paintedText(cell), Qt::ElideRight, geometry.text.width());

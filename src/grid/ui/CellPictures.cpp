@@ -14,7 +14,30 @@ constexpr int kLeastPart = 2;
 constexpr double kDot = 1.8;
 constexpr double kLineWidth = 1.4;
 
+struct Range {
+    bool isEmpty = true;
+    double low = 0;
+    double high = 0;
+};
+
+Range rangeOf(const CellPicture& picture) {
+    Range range;
+    for (const double figure : picture.line) {
+        if (!std::isfinite(figure))
+            continue;
+        range.low = range.isEmpty ? figure : std::min(range.low, figure);
+        range.high = range.isEmpty ? figure : std::max(range.high, figure);
+        range.isEmpty = false;
+    }
+    return range;
+}
+
 } // namespace
+
+bool isFlat(const CellPicture& picture) {
+    const Range range = rangeOf(picture);
+    return range.low == range.high;
+}
 
 void paintParts(QPainter& painter, const QRect& cell, const CellPicture& picture, const QPalette& palette,
                 const QColor& background) {
@@ -25,7 +48,7 @@ void paintParts(QPainter& painter, const QRect& cell, const CellPicture& picture
         const double share = std::clamp(picture.parts[part], 0.0, 1.0);
         if (share == 0)
             continue;
-        int width = std::max(kLeastPart, static_cast<int>(std::lround(share * cell.width())));
+        int width = std::min(room, std::max(kLeastPart, static_cast<int>(std::lround(share * cell.width()))));
         // The later parts need their room, too.
         for (std::size_t later = part + 1; later < picture.parts.size(); ++later)
             width = std::min(width, room - (picture.parts[later] > 0 ? kLeastPart : 0));
@@ -36,18 +59,11 @@ void paintParts(QPainter& painter, const QRect& cell, const CellPicture& picture
 }
 
 void paintLine(QPainter& painter, const QRectF& rect, const CellPicture& picture, const QColor& color) {
-    double low = 0;
-    double high = 0;
-    bool isFirst = true;
-    for (const double figure : picture.line) {
-        if (!std::isfinite(figure))
-            continue;
-        low = isFirst ? figure : std::min(low, figure);
-        high = isFirst ? figure : std::max(high, figure);
-        isFirst = false;
-    }
-    if (isFirst)
+    const Range range = rangeOf(picture);
+    if (range.isEmpty)
         return;
+    const double low = range.low;
+    const double high = range.high;
     const double last = std::max<double>(1, static_cast<double>(picture.line.size()) - 1);
     const auto pointOf = [&](std::size_t at) {
         // Unchanged figures are a line through the middle.

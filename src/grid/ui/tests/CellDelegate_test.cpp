@@ -122,6 +122,13 @@ TEST(CellDelegate, EveryPartOfABarIsSeenAndALineIsDrawnBesideItsText) {
         EXPECT_EQ(4U, tints.size()) << "background and three parts";
         for (std::size_t part = 0; part < 3; ++part)
             EXPECT_TRUE(tints.count(tint::part(palette, palette.color(QPalette::Base), part).rgb())) << part;
+        const QImage line = picture(grid, 1);
+        int accents = 0;
+        for (int x = 0; x < line.width() / 2; ++x) {
+            for (int y = 0; y < line.height(); ++y)
+                accents += line.pixelColor(x, y) == tint::accent(palette) ? 1 : 0;
+        }
+        EXPECT_GT(accents, 3);
         EXPECT_EQ("1 null, 1 blank, 998 filled of 1,000",
                   toUtf8(grid.model()->index(0, 0).data(Qt::AccessibleTextRole).toString()));
     }
