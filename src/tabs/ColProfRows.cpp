@@ -1,5 +1,7 @@
 #include "tabs/ColProfRows.h"
 
+#include "report/CountText.h"
+#include "report/DistributionShare.h"
 #include "tabs/MetricText.h"
 
 namespace tavix {
@@ -25,11 +27,14 @@ void ColProfRows::Fill(const FieldRecord& field, std::span<const MetricDisplay> 
         m_metrics.push_back({textCell(metrics[static_cast<std::size_t>(id)].description), metricCell(id, field)});
         m_metrics.back().name.mark = sampleMark(id, isSample);
     }
+    const std::int64_t records = valueTotal(field.metrics);
+    m_base.text = "Counts and percentages of " + countOf(records, isSample ? "sampled record" : "record");
     ShowRecords(m_metrics.size());
 }
 
 void ColProfRows::Clear() {
     m_metrics.clear();
+    m_base = {};
     ShowRecords(0);
 }
 

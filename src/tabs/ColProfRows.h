@@ -14,6 +14,8 @@ class ColProfRows final : public ListRows {
     /// With `isSample`, metrics computed from the sampled records only carry a mark beside their name.
     void Fill(const FieldRecord& field, std::span<const MetricDisplay> metrics, bool isSample = false);
     void Clear() override;
+    /// The records that the counts and percentages refer to.
+    [[nodiscard]] ListBase GetBase() const override { return m_base; }
 
   private:
     struct Metric {
@@ -24,6 +26,7 @@ class ColProfRows final : public ListRows {
     [[nodiscard]] GridCell CellOf(int column, std::size_t record) const override;
 
     std::vector<Metric> m_metrics;
+    ListBase m_base;
 };
 
 } // namespace tavix

@@ -26,6 +26,7 @@ TEST_F(FieldRows, ColumnProfilingShowsEveryMetricInTheUsersOrder) {
     ColProfRows rows;
     rows.Fill(field("customers/balance"), metrics);
     EXPECT_EQ("Metric Name:180|Metric Value:180", headingsOf(rows));
+    EXPECT_EQ("Counts and percentages of 1,000 records", rows.GetBase().text);
     ASSERT_EQ(24, rows.GetRowCount());
     EXPECT_EQ("Standard Deviation|1234567", lineOf(rows, 0));
     EXPECT_EQ("Count|1,000", lineOf(rows, 1));

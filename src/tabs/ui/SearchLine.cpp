@@ -145,6 +145,11 @@ void SearchLine::ShowFilter(const FreqDistModel::Line& line) {
     m_words = line.isShown ? toQString(line.text).simplified() : QString();
     m_edit->setText(line.isShown ? tr("Edit...") : tr("Filter..."));
     m_stop->setVisible(line.isShown);
+    // A summary needs room more than an empty field.
+    auto* row = static_cast<QHBoxLayout*>(layout());
+    row->setStretchFactor(m_search, line.isShown ? 2 : 3);
+    row->setStretchFactor(m_text, line.isShown ? 5 : 2);
+    row->activate();
     FitText();
 }
 
