@@ -8,7 +8,7 @@
 #include <iostream>
 #include <utility>
 
-/// What the benchmarks over repositories share.
+/// Helpers of the benchmarks that write a repository.
 namespace tavix::bench {
 
 template <typename T>

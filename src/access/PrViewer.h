@@ -25,7 +25,7 @@ struct TextFileInfo {
     std::int64_t size = 0;
 };
 
-/// A file of a source that is no longer where a run read it.
+/// A source file that has moved or was deleted since the run.
 struct MissingFile {
     std::string path;       ///< as the run read it
     std::string suggestion; ///< a file of the same name and size beside the repository; empty without one
@@ -255,10 +255,10 @@ class PrViewer {
 
     /// The missing file that made the last drill-down fail; nothing if it succeeded or failed otherwise.
     [[nodiscard]] std::optional<MissingFile> getMissingFile() const;
-    /// Sets where a file is that runs read at `oldPath`; for a folder, the file of that name in it. Drill-downs of this
-    /// session read it there. Later sessions do, too, if the file has the size that a run recorded: then the repository
-    /// stores its path; otherwise `remark` gives the reason. Fails if no run has read `oldPath` or if there is no file
-    /// at `newPath`.
+    /// Records that the file that runs read at `oldPath` is now at `newPath`, or in the folder `newPath` under its old
+    /// name. Drill-downs of this session read it there. If the file has the size that a run recorded, the path is
+    /// stored in the repository for later sessions as well; otherwise `remark` gives the reason. Fails if no run has
+    /// read `oldPath`, or if nothing exists at `newPath`.
     bool relocateFile(const KvbString& oldPath, const KvbString& newPath, KvbString& remark);
 
     static void freeProfileCursor(ProfileCursor* cursor);

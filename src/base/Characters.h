@@ -60,7 +60,7 @@ inline char* putCharacter(char* to, std::int32_t codePoint) {
 void appendCharacter(std::string& out, std::int32_t character);
 
 [[nodiscard]] std::size_t countCharacters(std::string_view text);
-/// The byte offset of the character with this index, from 0; the text's size if there are no more than `index`.
+/// The byte offset of the character at `index`, which counts from 0; the size of a text that is shorter than that.
 [[nodiscard]] std::size_t offsetOfCharacter(std::string_view text, std::size_t index);
 
 /// The first `mostBytes` of `text`, or up to three bytes less so as not to cut a character.

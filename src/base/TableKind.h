@@ -5,7 +5,7 @@
 
 namespace tavix {
 
-/// What a table of a run is. Repository and alerts store the letter.
+/// The kind of a profiled table. Repository and alerts store its letter.
 enum class TableKind : char {
     Plain = 'Y',
     Query = 'S',  ///< the rows of an SQL query

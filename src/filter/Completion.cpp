@@ -1,5 +1,6 @@
 #include "filter/Completion.h"
 
+#include "base/Ascii.h"
 #include "base/Characters.h"
 
 #include <algorithm>
@@ -13,16 +14,14 @@ namespace {
 constexpr std::size_t kShortestPrefix = 2;
 
 bool isNamePart(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+    return isAsciiLetter(c) || isAsciiDigit(c) || c == '_';
 }
 
 bool isWordOfLanguage(std::string_view name) {
     constexpr std::array<std::string_view, 10> kWords = {"if",  "then", "else", "return", "and",
                                                          "not", "or",   "true", "false",  "null"};
-    return std::any_of(kWords.begin(), kWords.end(), [name](std::string_view word) {
-        return std::equal(word.begin(), word.end(), name.begin(), name.end(),
-                          [](char a, char b) { return a == (b >= 'A' && b <= 'Z' ? b - 'A' + 'a' : b); });
-    });
+    return std::any_of(kWords.begin(), kWords.end(),
+                       [name](std::string_view word) { return equalsIgnoringAsciiCase(word, name); });
 }
 
 /// The end of the comment, quoted text or field name that begins at `at`; npos when it is not closed.

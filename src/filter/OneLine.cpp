@@ -2,8 +2,6 @@
 
 #include "base/Characters.h"
 
-#include <unicode/uchar.h>
-
 #include <cstdint>
 
 namespace tavix {
@@ -11,7 +9,7 @@ namespace tavix {
 std::string OneLine(std::string_view text) {
     std::string line;
     forEachCharacter(text, [&line](std::int32_t character, std::string_view bytes) {
-        if (character < 0 || !u_isUWhiteSpace(character))
+        if (!isWhiteSpace(character))
             line += bytes;
         else if (!line.empty() && line.back() != ' ')
             line += ' ';
