@@ -18,6 +18,7 @@
 #include "report/FieldHistogram.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace tavix::chart {
@@ -41,10 +42,20 @@ std::optional<double> positionOf(const KvbString& value, HistogramKind kind) {
     return ticks ? std::optional(static_cast<double>(*ticks) / static_cast<double>(kTicksPerSecond)) : std::nullopt;
 }
 
-/// A computed number without the digits that are rounding errors.
+/// A computed number with about five digits, and all digits before the point.
 std::string shownValue(const KvbString& value) {
     const auto number = parseNumber(value.view());
-    return number && !parseInteger(value.view()) ? shownNumber(*number) : value.str();
+    if (!number || parseInteger(value.view()))
+        return value.str();
+    constexpr double kWithPlaces = 1e6;
+    if (std::fabs(*number) < 1 || std::fabs(*number) >= kWithPlaces)
+        return shownNumber(*number);
+    const int whole = static_cast<int>(std::log10(std::fabs(*number))) + 1;
+    std::string text = formatFixed(*number, std::max(1, 5 - whole));
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.ends_with('.'))
+        text.pop_back();
+    return text;
 }
 
 ValueMarks readMarks(PrViewer& viewer, const FieldRecord& field, HistogramKind kind) {
