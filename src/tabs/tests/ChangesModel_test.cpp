@@ -85,7 +85,8 @@ TEST_F(ChangesOfSample, AFieldListsItsMetricsThenItsValuesAndPatternsWithBars) {
                             "Moved value|Grace|>301|>302|>30.10 → 30.20 %|[0.30, 0.30]|>0.10",
                             "Moved pattern|Aaaaa|>301|>302|>39.04 → 39.12 %|[0.39, 0.39]|>0.06"));
     EXPECT_EQ("2 moved values, 1 moved pattern", m_ofField.GetSummary());
-    EXPECT_EQ("What:120|Item:180|>Before:100|>After:100|>Change:140|Both Runs:140|>Share{% of the rows}:90", headingsOf(m_fieldRows));
+    EXPECT_EQ("What:120|Item:180|>Before:100|>After:100|>Change:140|Both Runs:140|>Share{% of the rows}:90",
+              headingsOf(m_fieldRows));
 }
 
 TEST_F(ChangesOfSample, ACollectionListsTheFieldsThatItHasWithTheirTables) {

@@ -1,9 +1,8 @@
-#include "chart/ui/DrawingWidget.h"
-
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
 #include "chart/BarsPicture.h"
 #include "chart/ui/DrawingPainter.h"
+#include "chart/ui/DrawingWidget.h"
 
 #include <QImage>
 #include <QPainter>
@@ -23,11 +22,12 @@ using chart::BarsPicture;
 using ::testing::ElementsAre;
 
 std::unique_ptr<BarsPicture> cities() {
-    return std::make_unique<BarsPicture>("Values",
-                                         std::vector<BarsPicture::Bar>{{"Bern", 6, {ActionKind::DrillValue, "Bern"}},
-                                                                       {"<b>Ulm", 3, {ActionKind::DrillValue, "<b>Ulm"}},
-                                                                       {"Other", 1, {}, true}},
-                                         10, "of 10 records");
+    return std::make_unique<BarsPicture>(
+        "Values",
+        std::vector<BarsPicture::Bar>{{"Bern", 6, {ActionKind::DrillValue, "Bern"}},
+                                      {"<b>Ulm", 3, {ActionKind::DrillValue, "<b>Ulm"}},
+                                      {"Other", 1, {}, true}},
+        10, "of 10 records");
 }
 
 class Drawn : public ::testing::Test {
