@@ -1,3 +1,4 @@
+#include "base/ColorScheme.h"
 #include "base/tests/TempFolder.h"
 #include "bench/BenchWindow.h"
 #include "shell/ShellStyle.h"
@@ -143,7 +144,7 @@ BENCHMARK(ratio)->Unit(benchmark::kMillisecond);
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-    tavix::shell::applyLook(tavix::shell::Scheme::Light);
+    tavix::shell::applyLook(tavix::ColorScheme::Light);
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

@@ -136,8 +136,14 @@ void testOwnedWindows(XlibShell& shell) {
     XSetInputFocus(shell.display(), windows.front(), RevertToParent, CurrentTime);
     user.press(XK_Escape);
     check(shell.stepUntil([&] { return dialogsOf(shell).empty(); }), "and Escape closes it");
-    // The list of the field's values is the last control.
+    // The picture is the last control; the list of the field's values comes before it and its button.
     shell.host().TabInto(tv::FocusNavigation::Last);
+    tv::NativeMessage back;
+    back.Message = tv::NativeMessageId::KeyDown;
+    back.WParam = tv::NativeKey::Tab;
+    back.Modifiers = tv::NativeModifier::Shift;
+    shell.host().TranslateAccelerator(back);
+    shell.host().TranslateAccelerator(back);
     tv::NativeMessage enter;
     enter.Message = tv::NativeMessageId::KeyDown;
     enter.WParam = tv::NativeKey::Down;

@@ -130,6 +130,9 @@ class Walk {
     void useList(CUGCtrl& grid) {
         const int rows = grid.model()->rowCount();
         const int columns = grid.model()->columnCount();
+        int shownColumns = 0;
+        for (int column = 0; column < columns; ++column)
+            shownColumns += grid.isColumnHidden(column) ? 0 : 1;
         grid.setFocus();
         for (int column = 0; column < columns; ++column) {
             for (const bool descending : {false, true})
@@ -146,7 +149,7 @@ class Walk {
         QTest::keyClick(&grid, Qt::Key_C, Qt::ControlModifier);
         const QString bare = QApplication::clipboard()->text();
         EXPECT_GE(bare.count(u'\n'), rows);
-        EXPECT_GE(bare.count(u'\t'), rows * (columns - 1));
+        EXPECT_GE(bare.count(u'\t'), rows * (shownColumns - 1));
         QTest::keyClick(&grid, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
         const QString headed = QApplication::clipboard()->text();
         EXPECT_TRUE(headed.endsWith(bare));

@@ -22,6 +22,7 @@ DrawingWidget::DrawingWidget(QWidget* parent) : QWidget(parent) {
     setMouseTracking(true);
     setBackgroundRole(QPalette::Base);
     setAutoFillBackground(true);
+    SetPicture(nullptr);
 }
 
 DrawingWidget::~DrawingWidget() = default;
@@ -30,7 +31,7 @@ void DrawingWidget::SetPicture(std::unique_ptr<chart::Picture> picture) {
     m_picture = std::move(picture);
     m_current = -1;
     m_hovered = -1;
-    setAccessibleName(m_picture ? toQString(m_picture->title()) : QString());
+    setAccessibleName(m_picture ? toQString(m_picture->title()) : tr("Picture"));
     setAccessibleDescription(m_picture ? toQString(m_picture->description()) : QString());
     Redraw();
 }

@@ -381,6 +381,8 @@ void CUGCtrl::changeEvent(QEvent* event) {
         ApplyFont();
     if (event->type() == QEvent::FontChange)
         m_widths.Apply();
+    if (event->type() == QEvent::PaletteChange)
+        PlaceLocked();
 }
 
 void CUGCtrl::scrollContentsBy(int dx, int dy) {

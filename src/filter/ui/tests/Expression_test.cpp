@@ -148,6 +148,8 @@ TEST_F(EditMode, PastesFunctionsFieldsAndWhatIsOnTheClipboard) {
         auto& search = child<QLineEdit>(over, "search");
         EXPECT_EQ(static_cast<int>(expression::functions().size()), names.count());
         QTest::keyClicks(&search, QStringLiteral("in"));
+        EXPECT_EQ("initcap", toUtf8(names.currentItem()->text()));
+        QTest::keyClick(&search, Qt::Key_Down);
         EXPECT_EQ("inlist", toUtf8(names.currentItem()->text()));
         QTest::keyClick(&search, Qt::Key_Down);
         EXPECT_EQ("instr", toUtf8(names.currentItem()->text()));

@@ -379,8 +379,10 @@ TEST_F(ReportTabs, TheKeyboardGoesFromTheStripOverTheButtonsToTheContents) {
     EXPECT_EQ(&strip(), QApplication::focusWidget());
     const auto sentence = ElementsAre("tabStrip", "detailsButton", "detachButton");
     const auto list = ElementsAre("tabStrip", "detailsButton", "detachButton", "tavix::CUGCtrl");
-    const auto searched =
-        ElementsAre("tabStrip", "detailsButton", "detachButton", "search", "editFilter", "tavix::CUGCtrl");
+    const auto pictured =
+        ElementsAre("tabStrip", "detailsButton", "detachButton", "tavix::CUGCtrl", "pictureToggle", "drawing");
+    const auto searched = ElementsAre("tabStrip", "detailsButton", "detachButton", "search", "editFilter",
+                                      "tavix::CUGCtrl", "pictureToggle", "drawing");
     const auto notes = ElementsAre("tabStrip", "detailsButton", "detachButton", "addButton", "editButton",
                                    "deleteButton", "categoriesButton", "notes", "noteText");
     const auto noNotes =
@@ -402,7 +404,7 @@ TEST_F(ReportTabs, TheKeyboardGoesFromTheStripOverTheButtonsToTheContents) {
         if (index == CFieldView::Frequency || index == CFieldView::Patterns)
             EXPECT_THAT(stops(), searched) << index;
         else
-            EXPECT_THAT(stops(), list) << index;
+            EXPECT_THAT(stops(), pictured) << index;
     }
     report().SelectTab(CFieldView::KeyAnalysis);
     EXPECT_THAT(stops(), sentence);
