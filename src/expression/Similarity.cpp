@@ -90,7 +90,8 @@ double jaroOf(const Code& left, const Code& right) {
             ++displaced;
     }
     const auto matches = static_cast<double>(matched.size());
-    const auto transpositions = static_cast<double>(displaced / 2);
+    const std::size_t pairs = displaced / 2;
+    const auto transpositions = static_cast<double>(pairs);
     return (matches / static_cast<double>(left.size()) + matches / static_cast<double>(right.size()) +
             (matches - transpositions) / matches) /
            3;

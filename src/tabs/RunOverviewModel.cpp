@@ -137,7 +137,7 @@ std::string OverviewList::GetTitle() const {
 
 RunOverviewModel::RunOverviewModel(const std::locale& locale)
     : m_locale(locale),
-      m_lists{OverviewList("Tables", {nameColumn("Table", 135), countColumn("Records", 80), countColumn("Change", 148),
+      m_lists{OverviewList("Tables", {nameColumn("Table", 110), countColumn("Records", 80), countColumn("Change", 148),
                                       countColumn("Damaged", 90)}),
               OverviewList("Alerts and rules", {nameColumn("Condition", 185), listColumn("Table", 105),
                                                 countColumn("Figure", 85), listColumn("Kind", 75)}),

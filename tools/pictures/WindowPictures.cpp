@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QStackedWidget>
 #include <QTabBar>
 #include <QTabWidget>
@@ -108,6 +109,37 @@ void takeTabs(ShellWindow& window, Album& album, const QString& name) {
         strip->setCurrentIndex(0);
 }
 
+// The next field of numbers, whose pictures differ from those of texts; the selection is as before.
+void takeNumbers(ShellWindow& window, Album& album, QTreeView& tree) {
+    constexpr int kMostFields = 20;
+    const QModelIndex before = tree.currentIndex();
+    const auto isOfNumbers = [&window] {
+        QStringList parts;
+        for (const QLabel* detail : window.findChildren<QLabel*>(QStringLiteral("viewDetail"))) {
+            if (detail->isVisible())
+                parts = detail->text().split(QChar(0xB7));
+        }
+        return std::any_of(parts.begin(), parts.end(), [](const QString& part) {
+            return part.trimmed() == QLatin1String("real") || part.trimmed() == QLatin1String("integer");
+        });
+    };
+    for (int i = 0; i < kMostFields && !isOfNumbers(); ++i) {
+        pressDown(tree);
+        settle(kPaintMilliseconds);
+    }
+    auto* strip = tabStrip(window);
+    if (strip && isOfNumbers()) {
+        for (const int tab : {0, 3, 4}) {
+            strip->setCurrentIndex(tab);
+            settle(kPaintMilliseconds);
+            album.take(window, QStringLiteral("number-%1").arg(fileName(strip->tabText(tab))));
+        }
+        strip->setCurrentIndex(0);
+    }
+    tree.setCurrentIndex(before);
+    settle(kPaintMilliseconds);
+}
+
 void takeNavigatorPages(ShellWindow& window, Album& album) {
     auto* navigator = window.findChild<QWidget*>(QStringLiteral("navigator"));
     auto* tabs = navigator ? navigator->findChild<QTabBar*>() : nullptr;
@@ -138,6 +170,8 @@ void takeNavigatorPages(ShellWindow& window, Album& album) {
     }
     settle(kPaintMilliseconds);
     takeTabs(window, album, QStringLiteral("field"));
+    if (auto* tree = navigator->findChild<QTreeView*>(QStringLiteral("page0")))
+        takeNumbers(window, album, *tree);
 }
 
 } // namespace

@@ -14,6 +14,7 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 
+#include <algorithm>
 #include <chrono>
 
 namespace tavix {
@@ -23,7 +24,9 @@ namespace {
 constexpr int kMargin = 12;
 constexpr int kGap = 4;
 constexpr int kLeastSearch = 140;
+constexpr int kMostNeeded = 200;
 constexpr int kMostSearch = 320;
+constexpr int kFieldFrame = 28; ///< margins and frame of the field
 constexpr std::chrono::milliseconds kPause(400);
 /// A tooltip shows no more of a long filter.
 constexpr qsizetype kLongestTip = 1000;
@@ -111,6 +114,9 @@ void SearchLine::SearchNow(bool isFinal) {
 void SearchLine::ShowSearch(const FreqDistModel::SearchField& field) {
     m_search->setEnabled(field.isEnabled);
     m_search->setPlaceholderText(toQString(field.placeholder));
+    // The one that explains the language may be cut.
+    const int wanted = m_search->fontMetrics().horizontalAdvance(m_search->placeholderText()) + kFieldFrame;
+    m_search->setMinimumWidth(std::clamp(wanted, kLeastSearch, kMostNeeded));
     const QString text = toQString(field.text);
     const bool isTyping = m_search->hasFocus() && (m_pause.isActive() || !m_problem.isEmpty());
     if (isTyping || text == m_search->text())
