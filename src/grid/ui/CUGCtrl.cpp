@@ -19,6 +19,7 @@
 #include <QStyle>
 
 #include <algorithm>
+#include <limits>
 #include <unordered_set>
 
 namespace tavix {
@@ -175,6 +176,15 @@ void CUGCtrl::ApplyColumns() {
 void CUGCtrl::PlaceLocked() {
     m_locked->Place();
     m_pinned->Place();
+    const int covered = m_pinned->CoveredWidth();
+    const int free = covered > 0 ? viewport()->width() - covered : std::numeric_limits<int>::max();
+    static_cast<CellDelegate*>(itemDelegate())->setFreeWidth(free);
+    static_cast<GridHeader*>(horizontalHeader())->SetFreeWidth(free);
+    // Scrolling moves what was painted, also the cells that were covered in part.
+    if (covered > 0) {
+        viewport()->update();
+        horizontalHeader()->viewport()->update();
+    }
 }
 
 void CUGCtrl::ShowColumns() {

@@ -133,7 +133,11 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     else if (cell.bar > 0)
         painter->fillRect(barRect(option.rect, cell.bar), tint::bar(colors, background, onHighlight));
 
-    const CellGeometry geometry = layOut(option.rect, cell);
+    // Half a number would be read as another one.
+    QRect free = option.rect;
+    if (free.left() < m_freeWidth)
+        free.setRight(std::min(free.right(), m_freeWidth - 1));
+    const CellGeometry geometry = layOut(free, cell);
     if (cell.icon != CellIcon::None)
         paintIcon(*painter, geometry.icon, cell.icon, colors, onHighlight);
     if (cell.alertMark) {

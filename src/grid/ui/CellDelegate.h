@@ -4,6 +4,8 @@
 
 #include <QStyledItemDelegate>
 
+#include <limits>
+
 namespace tavix {
 
 class GridModel;
@@ -18,6 +20,9 @@ class CellDelegate final : public QStyledItemDelegate {
 
     void setShowsInvisible(bool shows) { m_showsInvisible = shows; }
 
+    /// Another view covers the cells from this x on; their texts stay before it.
+    void setFreeWidth(int width) { m_freeWidth = width; }
+
     /// The width of a cell that cuts nothing of this one.
     [[nodiscard]] int neededWidth(const GridCell& cell, const QFont& font) const;
 
@@ -31,6 +36,7 @@ class CellDelegate final : public QStyledItemDelegate {
 
     const GridModel& m_model;
     bool m_showsInvisible = false;
+    int m_freeWidth = std::numeric_limits<int>::max();
 };
 
 } // namespace tavix

@@ -106,6 +106,8 @@ void GridHeader::paintSection(QPainter* painter, const QRect& rect, int section)
     const bool narrow = rect.width() < kNarrow;
     const bool sorted = isSortIndicatorShown() && sortIndicatorSection() == section;
     QRect textRect = narrow ? rect : rect.adjusted(kPadding, 0, -kPadding, -1);
+    if (!narrow && rect.left() < m_freeWidth)
+        textRect.setRight(std::min(textRect.right(), m_freeWidth - kPadding));
     QRect markRect = textRect;
     // If any column has a mark, all headings are drawn in the upper line.
     if (m_hasMarks) {

@@ -2,6 +2,8 @@
 
 #include <QHeaderView>
 
+#include <limits>
+
 namespace tavix {
 
 /// A flat heading row: heading text, the column's mark below it if it has one, a hairline below, and an arrow at the
@@ -12,6 +14,8 @@ class GridHeader final : public QHeaderView {
     explicit GridHeader(QWidget* parent = nullptr);
 
     [[nodiscard]] QSize sizeHint() const override;
+    /// Another view covers the headings from this x on; their texts stay before it.
+    void SetFreeWidth(int width) { m_freeWidth = width; }
     /// The width of a column that cuts neither its heading nor its mark, also while the rows are sorted by it.
     [[nodiscard]] int NeededWidth(int section) const;
 
@@ -26,6 +30,7 @@ class GridHeader final : public QHeaderView {
     [[nodiscard]] QFont MarkFont() const;
 
     bool m_hasMarks = false; ///< while the sections are painted
+    int m_freeWidth = std::numeric_limits<int>::max();
 };
 
 } // namespace tavix

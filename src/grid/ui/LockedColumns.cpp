@@ -69,7 +69,7 @@ int LockedColumns::Width() const {
 }
 
 int LockedColumns::CoveredWidth() const {
-    return m_view && m_view->isVisible() ? m_view->width() : 0;
+    return m_view && m_view->isVisibleTo(&m_grid) ? m_view->width() : 0;
 }
 
 void LockedColumns::HideOtherColumns() {

@@ -91,7 +91,7 @@ TEST(CUGCtrl, LockedColumnStaysInViewWhenScrolledSideways) {
 }
 
 /// The last column stays at the right edge.
-class WithPinned final : public Rows {
+class WithPinned : public Rows {
   public:
     WithPinned() : Rows(5, 12) {}
     GridColumn GetColumn(int column) const override {
@@ -123,6 +123,40 @@ TEST(CUGCtrl, PinnedColumnsStayAtTheRightEdgeAndHideNoCurrentCell) {
     grid.horizontalScrollBar()->setValue(0);
     grid.resize(280, 300);
     EXPECT_FALSE(pinned->isVisible()) << "no room";
+}
+
+/// Numbers at the right of wide columns.
+class PinnedNumbers final : public WithPinned {
+  public:
+    GridCell GetCell(int, std::int64_t) const override {
+        GridCell cell;
+        cell.text = "99";
+        cell.alignment = CellAlignment::Right;
+        return cell;
+    }
+};
+
+TEST(CUGCtrl, ANumberThatAPinnedColumnWouldCoverIsDrawnBeforeIt) {
+    PinnedNumbers rows;
+    CUGCtrl grid;
+    show(grid, rows, 700, 300);
+    const auto* pinned = grid.findChild<QTableView*>(QStringLiteral("pinnedColumns"));
+    ASSERT_TRUE(pinned && pinned->isVisible());
+    const int edge = pinned->x();
+    int colored = 0;
+    for (const int scrolled : {0, 30, 60}) {
+        grid.horizontalScrollBar()->setValue(scrolled);
+        const int column = grid.columnAt(edge - 1);
+        const QRect cell = grid.visualRect(grid.model()->index(1, column));
+        if (cell.right() <= edge || edge - cell.left() < 40)
+            continue;
+        const QImage image = grid.viewport()->grab(QRect(cell.topLeft(), QPoint(edge - 1, cell.bottom()))).toImage();
+        const QColor background = image.pixelColor(1, 1);
+        for (int x = 0; x < image.width(); ++x)
+            colored += image.pixelColor(x, image.height() / 2) == background ? 0 : 1;
+        EXPECT_GT(colored, 0) << scrolled;
+    }
+    EXPECT_GT(colored, 0) << "no column was covered in part";
 }
 
 TEST(CUGCtrl, RowsReadAnewStayInTheOrderThatTheUserChose) {
