@@ -165,8 +165,11 @@ void CNotesTab::ApplyColors() {
     QPalette line = palette();
     line.setColor(QPalette::Window, tint::line(palette()));
     m_splitter->setPalette(line);
+    // Set anew, so that the heading of the list does not inherit the line's colour.
+    QPalette own = palette();
+    own.setColor(QPalette::Window, palette().color(QPalette::Window));
     for (int i = 0; i < m_splitter->count(); ++i)
-        m_splitter->widget(i)->setPalette(palette());
+        m_splitter->widget(i)->setPalette(own);
 }
 
 QWidget* CNotesTab::GetLastTabStop() {
