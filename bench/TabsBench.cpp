@@ -1,7 +1,9 @@
 #include "access/PrViewer.h"
 #include "base/tests/TempFolder.h"
 #include "bench/BenchWindow.h"
+#include "chart/FieldPictures.h"
 #include "grid/ui/CUGCtrl.h"
+#include "report/FieldRecords.h"
 #include "settings/MetricDisplay.h"
 #include "tabs/StdMetRows.h"
 
@@ -184,7 +186,20 @@ void showWideCollection(benchmark::State& state) {
         [](OpenReport& window) { window.select(0, window.node(0, {0})); });
 }
 
-/// The frequency tab at the default limit against the first rows through the cursor.
+FieldRecord recordOf(PrViewer& viewer, int table, int field) {
+    ReportSelection selection;
+    selection.kind = ReportSelection::Kind::Table;
+    selection.table.id = table;
+    selection.fieldId = field;
+    FieldRecords records;
+    const auto found = records.Find(viewer, selection);
+    if (!found)
+        std::exit(1);
+    return **found;
+}
+
+/// The frequency tab at the default limit against the first rows through the cursor, and against reading and drawing
+/// the picture beside its list, which is a part of it.
 void openLongDistribution(benchmark::State& state) {
     const std::string& path = longRepository();
     OpenReport window(path);
@@ -193,10 +208,19 @@ void openLongDistribution(benchmark::State& state) {
     PrViewer::Handle viewer = PrViewer::create();
     if (!viewer->init(path) || !viewer->setCurrentJobSetup(1))
         std::exit(1);
+    const FieldRecord record = recordOf(*viewer, 1, 1);
+    const chart::Canvas canvas = chart::plainCanvas(480, 560);
     double cursor = 0;
     double tab = 0;
+    double picture = 0;
     for (auto _ : state) {
         window.openTab(0);
+        picture += measured([&] {
+            const auto ranks = chart::pictureOfRanks(*viewer, record);
+            if (!ranks || !ranks->picture)
+                std::exit(1);
+            benchmark::DoNotOptimize(ranks->picture->draw(canvas).hits.size());
+        });
         cursor += measured([&] {
             const ProfileCursorHandle rows = viewer->getFreqDist(1, {});
             std::size_t bytes = 0;
@@ -213,6 +237,8 @@ void openLongDistribution(benchmark::State& state) {
     state.counters["ms tab"] = tab / rounds;
     state.counters["ms cursor"] = cursor / rounds;
     state.counters["tab/cursor"] = tab / cursor;
+    state.counters["ms picture"] = picture / rounds;
+    state.counters["picture/rest of tab"] = picture / (tab - picture);
     viewer->close();
 }
 

@@ -11,6 +11,7 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
+#include <exception>
 
 using namespace tavix;
 using namespace tavix::pictures;
@@ -34,9 +35,7 @@ class ConsoleMessages final : public Messages {
     std::unique_ptr<Busy> busy() override { return std::make_unique<Busy>(); }
 };
 
-} // namespace
-
-int main(int argc, char** argv) {
+int draw(int argc, char** argv) {
     PictureOptions options;
     std::string scheme = "light";
     CLI::App cli("Writes pictures of the main windows to a folder and prints their paths; needs no display.",
@@ -66,4 +65,15 @@ int main(int argc, char** argv) {
     TavixHost host(messages, makeMemorySettings());
     shell::ShellWindow window(host, messages);
     return takePictures(window, host, options) ? 0 : kFailed;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return draw(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "tavix-pictures: %s\n", error.what());
+        return kFailed;
+    }
 }

@@ -17,7 +17,7 @@ namespace tavix {
 
 namespace {
 
-enum Columns { kDateColumn, kDescriptionColumn, kRunColumn, kTablesColumn, kRecordsColumn, kChangeColumn, kColumns };
+enum Columns { DateColumn, DescriptionColumn, RunColumn, TablesColumn, RecordsColumn, ChangeColumn, ColumnCount };
 constexpr int kDateWidth = 120;
 constexpr int kDescriptionWidth = 230;
 
@@ -25,8 +25,8 @@ constexpr int kDescriptionWidth = 230;
 
 CRunTable::CRunTable(QWidget* parent) : QTreeWidget(parent) {
     setHeaderLabels({tr("Date/time"), tr("Description"), tr("Run"), tr("Tables"), tr("Records"), tr("Change")});
-    headerItem()->setToolTip(kChangeColumn, tr("The change in the number of records since the run before"));
-    for (const int column : {kTablesColumn, kRecordsColumn, kChangeColumn})
+    headerItem()->setToolTip(ChangeColumn, tr("The change in the number of records since the run before"));
+    for (const int column : {TablesColumn, RecordsColumn, ChangeColumn})
         headerItem()->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
     setItemDelegate(new RoomyDelegate(this));
     setRootIsDecorated(false);
@@ -54,26 +54,26 @@ void CRunTable::SetRuns(const std::vector<RunInfo>& runs, int currentRun) {
         const QString description = toQString(run.description);
         auto* item = new QTreeWidgetItem({toQString(run.date), description, toQString(run.run), toQString(run.tables),
                                           toQString(run.records), toQString(run.change)});
-        for (const int column : {kTablesColumn, kRecordsColumn, kChangeColumn})
+        for (const int column : {TablesColumn, RecordsColumn, ChangeColumn})
             item->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
         // Escaped inside rich text, so that markup in a description is shown as text.
-        item->setToolTip(kDescriptionColumn, QLatin1String("<qt>") + description.toHtmlEscaped());
+        item->setToolTip(DescriptionColumn, QLatin1String("<qt>") + description.toHtmlEscaped());
         if (run.id == currentRun) {
             current = item;
             QFont bold(font());
             bold.setBold(true);
-            for (int column = 0; column < kColumns; ++column)
+            for (int column = 0; column < ColumnCount; ++column)
                 item->setFont(column, bold);
-            item->setData(kDateColumn, Qt::AccessibleTextRole, tr("%1, current run").arg(item->text(kDateColumn)));
+            item->setData(DateColumn, Qt::AccessibleTextRole, tr("%1, current run").arg(item->text(DateColumn)));
         }
         items.append(item);
     }
     addTopLevelItems(items);
     // The length of a date depends on the user's locale.
-    for (int column = 0; column < kColumns; ++column)
-        if (column != kDescriptionColumn)
+    for (int column = 0; column < ColumnCount; ++column)
+        if (column != DescriptionColumn)
             resizeColumnToContents(column);
-    setColumnWidth(kDateColumn, std::max(kDateWidth, columnWidth(kDateColumn)));
+    setColumnWidth(DateColumn, std::max(kDateWidth, columnWidth(DateColumn)));
     FitDescription();
     if (current) {
         setCurrentItem(current);
@@ -83,8 +83,8 @@ void CRunTable::SetRuns(const std::vector<RunInfo>& runs, int currentRun) {
 }
 
 void CRunTable::FitDescription() {
-    const int others = header()->length() - columnWidth(kDescriptionColumn);
-    setColumnWidth(kDescriptionColumn, std::max(kDescriptionWidth, viewport()->width() - others));
+    const int others = header()->length() - columnWidth(DescriptionColumn);
+    setColumnWidth(DescriptionColumn, std::max(kDescriptionWidth, viewport()->width() - others));
 }
 
 void CRunTable::resizeEvent(QResizeEvent* event) {
@@ -99,7 +99,7 @@ int CRunTable::ShowMatching(const QString& text) {
     for (int row = 0; row < topLevelItemCount(); ++row) {
         QTreeWidgetItem* item = topLevelItem(row);
         const QString searched =
-            item->text(kRunColumn) + u'\n' + item->text(kDateColumn) + u'\n' + item->text(kDescriptionColumn);
+            item->text(RunColumn) + u'\n' + item->text(DateColumn) + u'\n' + item->text(DescriptionColumn);
         const bool matches = finder.isIn(toUtf8(searched));
         item->setHidden(!matches);
         shown += matches ? 1 : 0;
@@ -122,9 +122,9 @@ int CRunTable::SelectedRow() const {
 
 void CRunTable::MarkDeleted(int row, bool deleted) {
     QTreeWidgetItem* item = topLevelItem(row);
-    if (!item || item->font(kDateColumn).strikeOut() == deleted)
+    if (!item || item->font(DateColumn).strikeOut() == deleted)
         return;
-    for (int column = 0; column < kColumns; ++column) {
+    for (int column = 0; column < ColumnCount; ++column) {
         QFont marked(item->font(column));
         marked.setStrikeOut(deleted);
         item->setFont(column, marked);
@@ -133,8 +133,7 @@ void CRunTable::MarkDeleted(int row, bool deleted) {
 
 void CRunTable::CopySelected() const {
     if (const QTreeWidgetItem* item = currentItem())
-        QApplication::clipboard()->setText(item->text(kDateColumn) + QLatin1Char('\t') +
-                                           item->text(kDescriptionColumn));
+        QApplication::clipboard()->setText(item->text(DateColumn) + QLatin1Char('\t') + item->text(DescriptionColumn));
 }
 
 } // namespace tavix
