@@ -132,10 +132,6 @@ void ShellStyle::drawControl(ControlElement element, const QStyleOption* option,
         }
         break;
     case CE_HeaderSection:
-        painter->fillRect(option->rect, colors.color(QPalette::Base));
-        painter->fillRect(QRect(option->rect.left(), option->rect.bottom(), option->rect.width(), 1),
-                          lineColor(colors));
-        return;
     case CE_HeaderEmptyArea:
         painter->fillRect(option->rect, colors.color(QPalette::Base));
         painter->fillRect(QRect(option->rect.left(), option->rect.bottom(), option->rect.width(), 1),
