@@ -107,16 +107,21 @@ bool isDateUnit(BinUnit unit) {
     return unit == BinUnit::Second || unit == BinUnit::Week || unit == BinUnit::Month;
 }
 
+/// For any value: std::abs of the least integer overflows.
+bool isWithin(std::int64_t value, std::int64_t most) {
+    return value >= -most && value <= most;
+}
+
 } // namespace
 
 bool Histogram::isSound() const {
     if (counts.empty() || counts.size() > kMostBins || step < 1 || step > kMostStep)
         return false;
     if (kind != HistogramKind::Dates)
-        return unit == BinUnit::Number && std::abs(exponent) <= kMostExponent &&
+        return unit == BinUnit::Number && isWithin(exponent, kMostExponent) &&
                first > std::numeric_limits<std::int64_t>::min() / 4 &&
                first < std::numeric_limits<std::int64_t>::max() / 4;
-    if (!isDateUnit(unit) || exponent != 0 || std::abs(first) > kMostStep)
+    if (!isDateUnit(unit) || exponent != 0 || !isWithin(first, kMostStep))
         return false;
     // From the year 1 to the year 10000, with the ranges that these years begin and end.
     const long double unitSeconds = unit == BinUnit::Second ? 1.0L : unit == BinUnit::Week ? 7.0L * 86'400 : 2.6e6L;
