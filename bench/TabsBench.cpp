@@ -132,7 +132,10 @@ class OpenReport : public Window {
         QApplication::processEvents();
     }
     void openTab(int index) {
-        view().findChild<QTabBar*>(QStringLiteral("tabStrip"))->setCurrentIndex(index);
+        for (QTabBar* strip : view().findChildren<QTabBar*>(QStringLiteral("tabStrip"))) {
+            if (strip->isVisible())
+                strip->setCurrentIndex(index);
+        }
         QApplication::processEvents();
     }
 };
