@@ -39,7 +39,7 @@ struct Histogram {
 
     /// Whether the borders can be computed: a stored histogram may be damaged.
     [[nodiscard]] bool isSound() const;
-    /// Of numbers and lengths. A border that is no whole number is the double nearest to it.
+    /// Of numbers and lengths. A fractional border is the nearest double.
     [[nodiscard]] long double border(std::size_t index) const;
     /// Of dates: units of 100 ns since 1970 (base/DateTicks.h).
     [[nodiscard]] std::int64_t dateBorder(std::size_t index) const;

@@ -21,7 +21,7 @@ std::string_view letter(const Code& code) {
     return {reinterpret_cast<const char*>(&code), 1};
 }
 
-/// False when the text is no list of counts.
+/// False unless the text is a list of counts.
 bool readCounts(std::string_view text, std::vector<std::uint64_t>& counts) {
     const auto list = nlohmann::json::parse(text, nullptr, false);
     if (!list.is_array() || list.size() > Histogram::kMostBins)

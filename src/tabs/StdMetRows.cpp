@@ -143,7 +143,7 @@ void StdMetRows::MakePictureColumns() {
     m_columns.push_back(column("Filled", kPictureWidth));
     m_columns.back().isOptional = m_columns.back().pinned = true;
     m_columns.back().toolTip = "Rows that are null, have nothing but white space, or are filled";
-    // A single run is no line.
+    // A line needs two runs.
     if (m_history.runs.size() < 2)
         return;
     m_trendColumn = GetColumnCount();

@@ -76,7 +76,7 @@ SearchLine::SearchLine(QWidget* parent)
     m_stop->setObjectName(QStringLiteral("stopFilter"));
     m_stop->setAccessibleName(tr("Stop filtering"));
     m_stop->setToolTip(m_stop->accessibleName());
-    // The line is no higher than its field.
+    // The buttons are as high as the field.
     for (QPushButton* button : {m_edit, m_stop})
         button->setFixedHeight(m_search->sizeHint().height());
     m_stop->hide();
