@@ -187,7 +187,7 @@ ProfileCursorHandle PrViewer::getTableHistory(int tableId, int metricId, int lim
         return m_impl->failCursor(ready.error());
     const MetricInfo* const metric = findMetric(metricId);
     if (!metric)
-        return m_impl->failCursor(Error{fmt::format("There is no metric with the number {}.", metricId)});
+        return m_impl->failCursor(Error{fmt::format("The metric {} is unknown.", metricId)});
     // The fields of a table in a run are next to each other.
     const Query query(
         "getTableHistory",

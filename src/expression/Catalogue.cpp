@@ -159,9 +159,9 @@ constexpr auto kFunctions = std::to_array<Function>({
      "The characters from the given position on, counted from 1: all of them, or as many as the third argument says.",
      2, 3, Form::Plain, text::substring},
     {"todate", "dS", 'd',
-     "The text as a date; null when it is not one. The second argument is the form of other dates, such as "
+     "The text as a date; null when it is not one. The second argument is the format of the dates, such as "
      "'dd.MM.yyyy'; see Dates.",
-     1, 2, Form::DateOfForm, number::same},
+     1, 2, Form::FormattedDate, number::same},
     {"today", "", 'd', "The day on which the run began (UTC); in a filter, that of the run that is shown.", 0, 0,
      Form::Today, nullptr},
     {"tointeger", "i", 'i',

@@ -12,18 +12,18 @@ namespace tavix::expression {
 /// How the checker treats a call, besides converting its arguments to the types of the parameters.
 enum class Form : std::uint8_t {
     Plain,
-    IsNull,       ///< true or false, also for null
-    FirstNonNull, ///< ifnull and coalesce: one type for all; null only when all are
-    OneType,      ///< the arguments are converted to one type
-    InList,       ///< the arguments are converted to one type
-    Compare,      ///< the first two arguments become dates when one of them is a date
-    Wildcard,     ///< the second argument is a wildcard pattern
-    Regular,      ///< the second argument is a regular expression
-    Extraction,   ///< likewise; the function is prepared for it
-    Replacement,  ///< likewise, and the third argument is a replacement
-    DateOfForm,   ///< with a second argument, its form, the first is a text; otherwise a date
-    Now,          ///< the moment for which the expression is compiled
-    Today,        ///< the day of that moment
+    IsNull,        ///< true or false, also for null
+    FirstNonNull,  ///< ifnull and coalesce: one type for all; null only when all are
+    OneType,       ///< the arguments are converted to one type
+    InList,        ///< the arguments are converted to one type
+    Compare,       ///< the first two arguments become dates when one of them is a date
+    Wildcard,      ///< the second argument is a wildcard pattern
+    Regular,       ///< the second argument is a regular expression
+    Extraction,    ///< likewise; the function is prepared for it
+    Replacement,   ///< likewise, and the third argument is a replacement
+    FormattedDate, ///< with a second argument, its format, the first is a text; otherwise a date
+    Now,           ///< the moment for which the expression is compiled
+    Today,         ///< the day of that moment
 };
 
 /// The arguments have the parameters' types, and none is null.
@@ -40,7 +40,7 @@ struct Function {
     int minimum = 1;
     int maximum = 1;
     Form form = Form::Plain;
-    Implementation implementation = nullptr; ///< for the forms Plain, OneType, Compare, Wildcard and DateOfForm
+    Implementation implementation = nullptr; ///< for the forms Plain, OneType, Compare, Wildcard and FormattedDate
 };
 
 inline constexpr int kMostArguments = 65535;

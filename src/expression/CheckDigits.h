@@ -10,7 +10,7 @@ namespace tavix::expression::check_digits {
 
 using Arguments = std::span<const Value>;
 
-/// GTIN-8, -12, -13 or -14 (EAN, UPC) with the check digit of the GS1 General Specifications.
+/// GTIN-8, -12, -13 or -14 (EAN, UPC) with GS1's check digit.
 Value isEan(Arguments arguments, Scratch& scratch);
 /// The form of ISO 13616 (country, two digits, up to 30 letters and digits) with the check of ISO 7064 MOD 97-10. The
 /// length that a country prescribes is not checked.

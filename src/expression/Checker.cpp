@@ -294,7 +294,7 @@ class Builder {
             const Position at = syntax.children[i]->at;
             const char letter = function->parameters[std::min(i, function->parameters.size() - 1)];
             Type type = hasDates && i < 2 ? Type::Date : typeOf(letter);
-            if (function->form == Form::DateOfForm && i == 0 && count > 1)
+            if (function->form == Form::FormattedDate && i == 0 && count > 1)
                 type = Type::Text;
             arguments[i] = converted(std::move(arguments[i]), type, at);
             if (!arguments[i])
@@ -335,9 +335,9 @@ class Builder {
         case Form::Replacement:
             return prepared(function, m_patterns.replacement(arguments[1]->text, arguments[2]->text), arguments,
                             syntax);
-        case Form::DateOfForm:
+        case Form::FormattedDate:
             if (arguments.size() > 1)
-                return prepared(function, prepareDateForm(arguments[1]->text), arguments, syntax);
+                return prepared(function, prepareDateFormat(arguments[1]->text), arguments, syntax);
             break;
         case Form::Now:
             return makeConstant(Value::ofDate(m_now));

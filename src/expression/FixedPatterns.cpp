@@ -41,11 +41,10 @@ FixedPatterns::Made FixedPatterns::regular(const std::string& pattern) {
         return known->second;
     if (const Status room = roomForAnother(); !room)
         return room.error();
-    std::string reason;
-    auto made = makeRegularExpression(pattern, {memoryOf(expressions()), mayHaveAutomaton()}, reason);
+    Made made = makeRegularExpression(pattern, {memoryOf(expressions()), mayHaveAutomaton()});
     if (!made)
-        return Error{fmt::format("this is not a regular expression: {}", reason)};
-    return m_regulars.emplace(pattern, std::move(made)).first->second;
+        return made.error();
+    return m_regulars.emplace(pattern, std::move(made).value()).first->second;
 }
 
 FixedPatterns::Made FixedPatterns::wildcard(const std::string& pattern) {

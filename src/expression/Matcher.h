@@ -1,10 +1,10 @@
 #pragma once
 
+#include "base/Result.h"
 #include "expression/Scratch.h"
 
 #include <cstdint>
 #include <memory>
-#include <string>
 #include <string_view>
 
 namespace tavix::expression {
@@ -29,9 +29,8 @@ struct RegularLimits {
     bool mayHaveAutomaton = true;
 };
 
-/// Compiles a regular expression that must match the whole text, in linear time. Null, with the reason, when the
-/// pattern is not valid.
-[[nodiscard]] std::shared_ptr<const Matcher> makeRegularExpression(std::string_view pattern,
-                                                                   const RegularLimits& limits, std::string& reason);
+/// Compiles a regular expression that must match the whole text, in linear time. The error is a message for the author.
+[[nodiscard]] Result<std::shared_ptr<const Matcher>> makeRegularExpression(std::string_view pattern,
+                                                                           const RegularLimits& limits);
 
 } // namespace tavix::expression

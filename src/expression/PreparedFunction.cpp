@@ -1,7 +1,8 @@
 #include "expression/PreparedFunction.h"
 
 #include "base/Characters.h"
-#include "base/DateForm.h"
+#include "base/DateFormat.h"
+#include "expression/RegularOptions.h"
 
 #include <fmt/format.h>
 #include <re2/re2.h>
@@ -17,21 +18,17 @@ namespace {
 constexpr int kMostGroups = 9;
 constexpr int kSubmatches = kMostGroups + 1; ///< the whole match is group 0
 
-re2::StringPiece pieceOf(std::string_view text) {
-    return {text.data(), text.size()};
-}
-
 class DateReader final : public PreparedFunction {
   public:
-    explicit DateReader(DateForm form) : m_form(std::move(form)) {}
+    explicit DateReader(DateFormat format) : m_format(std::move(format)) {}
 
     Value call(std::span<const Value> arguments, Scratch& /*scratch*/) const override {
-        const auto ticks = m_form.read(arguments[0].text);
+        const auto ticks = m_format.read(arguments[0].text);
         return ticks ? Value::ofDate(*ticks) : Value{};
     }
 
   private:
-    DateForm m_form;
+    DateFormat m_format;
 };
 
 class Extraction final : public PreparedFunction {
@@ -99,38 +96,26 @@ class Replacement final : public PreparedFunction {
     std::string m_replacement;
 };
 
-re2::RE2::Options options(std::int64_t memory) {
-    re2::RE2::Options made;
-    made.set_log_errors(false);
-    made.set_max_mem(memory);
-    made.set_dot_nl(true);
-    return made;
-}
-
-Error notAPattern(const re2::RE2& pattern) {
-    return Error{fmt::format("this is not a regular expression: {}", pattern.error())};
-}
-
 } // namespace
 
-Prepared prepareDateForm(std::string_view form) {
-    Result<DateForm> parsed = DateForm::parse(form);
+Prepared prepareDateFormat(std::string_view format) {
+    Result<DateFormat> parsed = DateFormat::parse(format);
     if (!parsed)
         return parsed.error();
     return std::shared_ptr<const PreparedFunction>(std::make_shared<DateReader>(std::move(parsed).value()));
 }
 
 Prepared prepareExtraction(std::string_view pattern, std::int64_t memory) {
-    auto made = std::make_shared<Extraction>(pattern, options(memory));
+    auto made = std::make_shared<Extraction>(pattern, regularOptions(memory));
     if (!made->pattern().ok())
-        return notAPattern(made->pattern());
+        return notARegularExpression(made->pattern());
     return std::shared_ptr<const PreparedFunction>(std::move(made));
 }
 
 Prepared prepareReplacement(std::string_view pattern, std::string_view replacement, std::int64_t memory) {
-    auto made = std::make_shared<Replacement>(pattern, replacement, options(memory));
+    auto made = std::make_shared<Replacement>(pattern, replacement, regularOptions(memory));
     if (!made->pattern().ok())
-        return notAPattern(made->pattern());
+        return notARegularExpression(made->pattern());
     std::string reason;
     if (!made->pattern().CheckRewriteString(pieceOf(replacement), &reason))
         return Error{fmt::format("this is not a replacement: {}", reason)};

@@ -25,8 +25,8 @@ class PreparedFunction {
 
 using Prepared = Result<std::shared_ptr<const PreparedFunction>>;
 
-/// todate(text, form); the form is that of base/DateForm.h.
-[[nodiscard]] Prepared prepareDateForm(std::string_view form);
+/// todate(text, format); see base/DateFormat.h.
+[[nodiscard]] Prepared prepareDateFormat(std::string_view format);
 /// regexp_extract(text, pattern[, group]). `memory`: bytes, including those while it searches.
 [[nodiscard]] Prepared prepareExtraction(std::string_view pattern, std::int64_t memory);
 /// regexp_replace(text, pattern, replacement).

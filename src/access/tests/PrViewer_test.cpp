@@ -272,7 +272,7 @@ TEST_F(PrViewerTest, ReadsPercentilesOutliersHistoryAndLog) {
     EXPECT_EQ(ofName->getColumnDouble(layout::TableHistoryDate), toLibraryDate(SampleRepository::runTime(1)));
     EXPECT_FALSE(m_viewer->getTableHistory(airports, -1, 0));
     EXPECT_FALSE(m_viewer->getTableHistory(airports, 24, 0));
-    EXPECT_EQ(m_viewer->getErrorString(), KvbString("There is no metric with the number 24."));
+    EXPECT_EQ(m_viewer->getErrorString(), KvbString("The metric 24 is unknown."));
     EXPECT_FALSE(m_viewer->getTableHistory(999, nullCount, 0));
 
     auto log = m_viewer->getExecutionLog();

@@ -123,8 +123,7 @@ TEST(Functions, DatesFollowTheCalendar) {
         {"todate('2001-01-14', 'dd.MM.yyyy')", "null"},
         {"todate(null, 'dd.MM.yyyy')", "null"},
         {"todate('1.1.2001', 'day')",
-         "line 1, column 20: \"y\" is not a part of a form of dates; put letters that stand "
-         "for themselves in single quotes"},
+         "line 1, column 20: \"y\" has no meaning in a date format; put literal letters in single quotes"},
         {"todate('1.1.2001', `Value`)", "line 1, column 20: todate wants a fixed text here"},
     });
 }

@@ -2,12 +2,11 @@
 #include "filter/FilterModel.h"
 #include "filter/FilterSummary.h"
 #include "filter/ValueFilter.h"
+#include "filter/tests/FuzzSupport.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 
 // Any text as a filter text: it is read in bounds, everything that is made of it holds together, and what is written
 // again reads back the same.
@@ -15,17 +14,8 @@
 namespace tavix {
 namespace {
 
-class SilentMessages final : public Messages {
-  public:
-    void warn(std::string_view, std::string_view) override {}
-    Answer ask(std::string_view, std::string_view, Answer) override { return Answer::Yes; }
-    std::unique_ptr<Busy> busy() override { return nullptr; }
-};
-
-void holdsOrAborts(bool condition) {
-    if (!condition)
-        std::abort();
-}
+using testing::holdsOrAborts;
+using testing::SilentMessages;
 
 bool hasQuotes(const ConditionList& conditions) {
     return std::any_of(conditions.begin(), conditions.end(), [](const CCondition& condition) {

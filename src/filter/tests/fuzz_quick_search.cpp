@@ -1,10 +1,9 @@
 #include "filter/FilterModel.h"
 #include "filter/QuickSearch.h"
+#include "filter/tests/FuzzSupport.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 
 // Any text in a search field: a filter that the dialog accepts unchanged, or an error; and any text as a filter: what
 // the field shows for it gives that filter again.
@@ -12,17 +11,8 @@
 namespace tavix {
 namespace {
 
-class SilentMessages final : public Messages {
-  public:
-    void warn(std::string_view, std::string_view) override {}
-    Answer ask(std::string_view, std::string_view, Answer) override { return Answer::Yes; }
-    std::unique_ptr<Busy> busy() override { return nullptr; }
-};
-
-void holdsOrAborts(bool condition) {
-    if (!condition)
-        std::abort();
-}
+using testing::holdsOrAborts;
+using testing::SilentMessages;
 
 void search(std::string_view text) {
     for (const DistributionKind kind : {DistributionKind::Frequency, DistributionKind::Pattern}) {

@@ -1,4 +1,4 @@
-#include "base/DateForm.h"
+#include "base/DateFormat.h"
 
 #include "base/Ascii.h"
 #include "base/DateTicks.h"
@@ -14,7 +14,7 @@ namespace tavix {
 
 namespace {
 
-constexpr std::size_t kLongestForm = 100;
+constexpr std::size_t kLongestFormat = 100;
 constexpr std::array<std::string_view, 12> kMonths{"january",   "february", "march",    "april",
                                                    "may",       "june",     "july",     "august",
                                                    "september", "october",  "november", "december"};
@@ -57,7 +57,7 @@ std::optional<int> takeHalfDay(std::string_view& text) {
 
 } // namespace
 
-Result<DateForm> DateForm::parse(std::string_view form) {
+Result<DateFormat> DateFormat::parse(std::string_view format) {
     struct Letters {
         std::string_view text;
         Kind kind;
@@ -82,44 +82,43 @@ Result<DateForm> DateForm::parse(std::string_view form) {
         {"s", Kind::Second, 1, 2},
         {"a", Kind::HalfDay, 0, 0},
     });
-    if (form.size() > kLongestForm)
-        return Error{fmt::format("a form of dates has at most {} bytes", kLongestForm)};
-    DateForm made;
+    if (format.size() > kLongestFormat)
+        return Error{fmt::format("a date format has at most {} bytes", kLongestFormat)};
+    DateFormat made;
     const auto count = [&made](std::initializer_list<Kind> kinds) {
         return std::ranges::count_if(
             made.m_parts, [&](const Part& part) { return std::ranges::find(kinds, part.kind) != kinds.end(); });
     };
-    while (!form.empty()) {
-        if (isAsciiLetter(form.front())) {
-            const std::size_t size = std::min(form.find_first_not_of(form.front()), form.size());
-            const auto* const found = std::ranges::find(kLetters, form.substr(0, size), &Letters::text);
+    while (!format.empty()) {
+        if (isAsciiLetter(format.front())) {
+            const std::size_t size = std::min(format.find_first_not_of(format.front()), format.size());
+            const auto* const found = std::ranges::find(kLetters, format.substr(0, size), &Letters::text);
             if (found == kLetters.end())
-                return Error{fmt::format("\"{}\" is not a part of a form of dates; put letters that stand for "
-                                         "themselves in single quotes",
-                                         form.substr(0, size))};
+                return Error{fmt::format("\"{}\" has no meaning in a date format; put literal letters in single quotes",
+                                         format.substr(0, size))};
             made.m_parts.push_back({found->kind, found->least, found->most, 0});
-            form.remove_prefix(size);
-        } else if (form.front() == '\'') {
-            const std::size_t end = form.find('\'', 1);
+            format.remove_prefix(size);
+        } else if (format.front() == '\'') {
+            const std::size_t end = format.find('\'', 1);
             if (end == std::string_view::npos)
-                return Error{"a quote in the form of dates is not closed"};
-            for (const char c : end == 1 ? std::string_view("'") : form.substr(1, end - 1))
+                return Error{"a quote in the date format is not closed"};
+            for (const char c : end == 1 ? std::string_view("'") : format.substr(1, end - 1))
                 made.m_parts.push_back({Kind::Literal, 1, 1, c});
-            form.remove_prefix(end + 1);
+            format.remove_prefix(end + 1);
         } else {
-            made.m_parts.push_back({Kind::Literal, 1, 1, form.front()});
-            form.remove_prefix(1);
+            made.m_parts.push_back({Kind::Literal, 1, 1, format.front()});
+            format.remove_prefix(1);
         }
     }
     if (count({Kind::Year}) != 1 || count({Kind::Month, Kind::MonthName}) != 1 || count({Kind::Day}) != 1)
-        return Error{"a form of dates has the year, the month and the day once each, as in dd.MM.yyyy"};
+        return Error{"a date format has the year, the month and the day once each, as in dd.MM.yyyy"};
     if (count({Kind::HalfDayHour}) != count({Kind::HalfDay}) || count({Kind::Hour, Kind::HalfDayHour}) > 1 ||
         count({Kind::Minute}) > 1 || count({Kind::Second}) > 1)
-        return Error{"a form of dates has each part of the time at most once, and hh together with a"};
+        return Error{"a date format has each part of the time at most once, and hh together with a"};
     return made;
 }
 
-std::optional<std::int64_t> DateForm::read(std::string_view text) const {
+std::optional<std::int64_t> DateFormat::read(std::string_view text) const {
     int year = 0;
     int month = 0;
     int day = 0;

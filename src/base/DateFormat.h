@@ -9,7 +9,7 @@
 
 namespace tavix {
 
-/// The form of written dates, such as "dd.MM.yyyy HH:mm". Parts of a form:
+/// A format of written dates, such as "dd.MM.yyyy HH:mm". Its parts:
 ///
 ///     yyyy  four digits of the year       yy  two digits: 69 to 99 are 1969 to 1999, 00 to 68 are 2000 to 2068
 ///     MM    the month, two digits         M   one or two digits
@@ -17,12 +17,12 @@ namespace tavix {
 ///     dd d  the day of the month          HH H  the hour, 0 to 23       hh h  the hour, 1 to 12, with `a`
 ///     mm m  the minute                    ss s  the second              a     AM or PM in any case
 ///
-/// Other characters stand for themselves; a letter does so only in single quotes, and '' is a quote. The century of yy
-/// is that of strptime in POSIX.1-2017. Years are 1 to 9999, times UTC.
-class DateForm {
+/// Any other character is literal, as are letters in single quotes; '' is a quote. The century of yy is that of
+/// strptime in POSIX.1-2017. Years are 1 to 9999, times UTC.
+class DateFormat {
   public:
     /// At most 100 bytes, with year, month and day exactly once. The error is a sentence for the author.
-    [[nodiscard]] static Result<DateForm> parse(std::string_view form);
+    [[nodiscard]] static Result<DateFormat> parse(std::string_view format);
 
     /// The date in units of base/DateTicks.h; nothing if the whole text is not such a date.
     [[nodiscard]] std::optional<std::int64_t> read(std::string_view text) const;

@@ -1,4 +1,4 @@
-#include "base/DateForm.h"
+#include "base/DateFormat.h"
 #include "base/DateTicks.h"
 
 #include <gtest/gtest.h>
@@ -8,16 +8,16 @@
 namespace tavix {
 namespace {
 
-/// The date as ISO text; "none" for a text that is not one, or the error of the form.
-std::string read(std::string_view form, std::string_view text) {
-    const Result<DateForm> parsed = DateForm::parse(form);
+/// The date as ISO text; "none" for a text that is not one, or the error of the format.
+std::string read(std::string_view format, std::string_view text) {
+    const Result<DateFormat> parsed = DateFormat::parse(format);
     if (!parsed)
         return parsed.error().text;
     const auto ticks = parsed->read(text);
     return ticks ? formatDate(*ticks) : "none";
 }
 
-TEST(DateForm, ReadsTheDatesOfItsFormAndNoOthers) {
+TEST(DateFormat, ReadsTheDatesOfItsFormatAndNoOthers) {
     struct Case {
         const char* form;
         const char* text;
@@ -51,18 +51,17 @@ TEST(DateForm, ReadsTheDatesOfItsFormAndNoOthers) {
         EXPECT_EQ(read(one.form, one.text), one.date) << one.form << " " << one.text;
 }
 
-TEST(DateForm, FormsThatSayTooLittleOrTooMuchAreErrors) {
-    EXPECT_EQ(read("dd.MM", ""), "a form of dates has the year, the month and the day once each, as in dd.MM.yyyy");
+TEST(DateFormat, FormatsThatSayTooLittleOrTooMuchAreErrors) {
+    EXPECT_EQ(read("dd.MM", ""), "a date format has the year, the month and the day once each, as in dd.MM.yyyy");
     EXPECT_EQ(read("dd.MM.yyyy dd", ""),
-              "a form of dates has the year, the month and the day once each, as in dd.MM.yyyy");
+              "a date format has the year, the month and the day once each, as in dd.MM.yyyy");
     EXPECT_EQ(read("dd.MM.yyyy hh", ""),
-              "a form of dates has each part of the time at most once, and hh together with a");
+              "a date format has each part of the time at most once, and hh together with a");
     EXPECT_EQ(read("dd.MM.yyyy mm mm", ""),
-              "a form of dates has each part of the time at most once, and hh together with a");
-    EXPECT_EQ(read("DD.MM.yyyy", ""), "\"DD\" is not a part of a form of dates; put letters that stand for themselves "
-                                      "in single quotes");
-    EXPECT_EQ(read("dd.MM.yyyy 'at", ""), "a quote in the form of dates is not closed");
-    EXPECT_EQ(read(std::string(101, '.'), ""), "a form of dates has at most 100 bytes");
+              "a date format has each part of the time at most once, and hh together with a");
+    EXPECT_EQ(read("DD.MM.yyyy", ""), "\"DD\" has no meaning in a date format; put literal letters in single quotes");
+    EXPECT_EQ(read("dd.MM.yyyy 'at", ""), "a quote in the date format is not closed");
+    EXPECT_EQ(read(std::string(101, '.'), ""), "a date format has at most 100 bytes");
 }
 
 } // namespace
