@@ -1,41 +1,23 @@
 #include "expression/Cells.h"
 
-#include "base/Ascii.h"
-#include "base/DateTicks.h"
 #include "expression/Conversion.h"
 #include "expression/NumberReader.h"
 #include "expression/TextOperators.h"
-
-#include <algorithm>
+#include "forms/ValueKind.h"
 
 namespace tavix::expression {
 
 namespace {
 
-std::string_view withoutSign(std::string_view number) {
-    return number.starts_with('-') || number.starts_with('+') ? number.substr(1) : number;
+using forms::ValueKind;
+
+bool isNumberKind(ValueKind kind) {
+    return kind == ValueKind::Integer || kind == ValueKind::Real;
 }
 
-bool isInteger(std::string_view number) {
-    return std::ranges::all_of(withoutSign(number), isAsciiDigit);
-}
-
-/// Integers without leading zeros, of which one is beyond 64 bits.
-int compareLongIntegers(std::string_view left, std::string_view right) {
-    const bool isNegative = left.starts_with('-');
-    if (isNegative != right.starts_with('-'))
-        return isNegative ? -1 : 1;
-    const std::string_view a = withoutSign(left);
-    const std::string_view b = withoutSign(right);
-    const int bySize = a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : a.compare(b);
-    return isNegative ? -bySize : bySize;
-}
-
-int compareNumbers(std::string_view left, std::string_view right) {
-    const Value a = numberOfText(left);
-    const Value b = numberOfText(right);
-    const bool isLong = a.type == Type::Real || b.type == Type::Real;
-    return isLong && isInteger(left) && isInteger(right) ? compareLongIntegers(left, right) : compareValues(a, b);
+template <typename Number>
+int order(Number left, Number right) {
+    return left < right ? -1 : right < left ? 1 : 0;
 }
 
 } // namespace
@@ -52,23 +34,20 @@ std::optional<int> orderOfCell(std::string_view cell, const Value& number) {
 }
 
 bool isPlainNumber(std::string_view cell) {
-    const std::string_view digits = withoutSign(cell);
-    const bool hasLeadingZero = digits.size() > 1 && digits.front() == '0' && isAsciiDigit(digits[1]);
-    return !hasLeadingZero && !numberOfText(cell).isNull();
+    return isNumberKind(forms::kindOf(cell));
 }
 
 int orderOfCells(std::string_view left, std::string_view right) {
     if (left == right)
         return 0;
-    const bool isNumber = isPlainNumber(left);
-    if (isNumber && isPlainNumber(right))
-        return compareNumbers(left, right);
-    if (!isNumber) {
-        const auto leftDate = parseDate(left);
-        const auto rightDate = leftDate ? parseDate(right) : std::nullopt;
-        if (rightDate)
-            return *leftDate < *rightDate ? -1 : *rightDate < *leftDate ? 1 : 0;
-    }
+    const ValueKind leftKind = forms::kindOf(left);
+    const ValueKind rightKind = leftKind == ValueKind::Text ? leftKind : forms::kindOf(right);
+    if (leftKind == ValueKind::Integer && rightKind == ValueKind::Integer)
+        return forms::compareIntegers(left, right);
+    if (isNumberKind(leftKind) && isNumberKind(rightKind))
+        return order(forms::realValue(left), forms::realValue(right));
+    if (leftKind == ValueKind::Date && rightKind == ValueKind::Date)
+        return order(forms::dateValue(left), forms::dateValue(right));
     return compareTexts(left, right);
 }
 

@@ -538,7 +538,7 @@ Expression Generator::condition(int depth) {
         return call("has_control_chars", {text(depth - 1)},
                     [](const auto& v) { return Value(std::ranges::any_of(textOf(v[0]), isControl)); });
     case 11:
-        return call("isnumber", {text(depth - 1)}, [](const auto& v) { return Value(isNumber(textOf(v[0]))); });
+        return call("isnumber", {text(depth - 1)}, [](const auto& v) { return Value(readNumber(textOf(v[0])).has_value()); });
     case 12:
         return call("isblank", {text(depth - 1)},
                     [](const auto& v) { return Value(std::ranges::all_of(textOf(v[0]), isSpace)); });

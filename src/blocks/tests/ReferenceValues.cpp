@@ -101,11 +101,11 @@ bool isWhole(const Text& text) {
     return text.find_first_of(U".eE") == Text::npos;
 }
 
+} // namespace
+
 std::optional<double> readNumber(const Text& cell) {
     return isNumber(cell) ? parseNumber(encode(cell)) : std::nullopt;
 }
-
-} // namespace
 
 bool isPlainNumber(const Text& cell) {
     const std::size_t first = cell.find_first_not_of(U"+-");

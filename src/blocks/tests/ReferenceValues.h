@@ -53,6 +53,8 @@ bool isSpace(char32_t c);
 bool isControl(char32_t c);
 /// sign? (digits [. digits*] | . digits) (e sign? digits)?
 bool isNumber(const Text& text);
+/// None when the text is not a number, or not within the range of a double.
+std::optional<double> readNumber(const Text& text);
 Text trimmed(Text text, bool left, bool right);
 Text substring(const Text& text, std::int64_t first, std::int64_t count);
 Text replaced(const Text& text, const Text& from, const Text& to);

@@ -271,7 +271,7 @@ tables:
     EXPECT_THAT(outcome->tables.front().remarks, ::testing::ElementsAre());
     EXPECT_EQ(stored("SELECT metric, value, used_rows, typeof(value) FROM v_custom_metrics ORDER BY metric"),
               "above|3|3|integer\nbelow|3|3|integer\ncheapest|10|2|integer\ndearest|100|2|integer\nequal|1|1|integer\n"
-              "least|less||text\nlisted|2|2|integer\n"
+              "least|less|NULL|text\nlisted|2|2|integer\n"
               "max day|2024-02-29 11:00:00|3|text\nmax low|9.50|3|text\nmax mixed|abc|4|text\nmax price|abc|4|text\n"
               "max zip|99950|3|text\nmin day|2023-12-31|3|text\nmin zip|00501|3|text\nsummed|19.5|2|real\n"
               "unequal|3|3|integer\n");
