@@ -1,4 +1,4 @@
-#include "profiling/ValueKind.h"
+#include "forms/ValueKind.h"
 
 #include "base/Ascii.h"
 #include "base/Characters.h"
@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 
-namespace tavix::profiling {
+namespace tavix::forms {
 
 namespace {
 
@@ -143,4 +143,4 @@ std::int64_t dateValue(std::string_view text) {
     return parseDate(text).value_or(0);
 }
 
-} // namespace tavix::profiling
+} // namespace tavix::forms
