@@ -1,6 +1,8 @@
 #pragma once
 
 #include "base/Result.h"
+#include "forms/ColumnReading.h"
+#include "job/JobDescription.h"
 #include "profiling/ColumnValues.h"
 #include "profiling/PackedResult.h"
 #include "repository/Facts.h"
@@ -19,6 +21,14 @@ struct FieldProfile {
     std::vector<repository::OffsetIndexPage> offsetIndex; ///< not set by profileField()
 };
 
+/// What a job says about how the values of a field are read.
+struct ReadingChoice {
+    forms::StatedDates dates = forms::StatedDates::Nothing;
+    /// A field has figures over the values that fit its reading if they are at least so many percent of the rows that
+    /// are neither null, empty nor blank.
+    double leastPercent = job::kFitsAtLeast;
+};
+
 struct ProfilingContext {
     SpillFile& file;
     ByteStore& store; ///< for packed blocks
@@ -26,6 +36,7 @@ struct ProfilingContext {
     std::size_t memory =
         0; ///< bytes for lists that grow with the values: all lists of a spilled column, else the patterns
     unsigned threads = 1; ///< for a long column, including the caller
+    ReadingChoice reading{};
 };
 
 /// The memory that profileField() needs besides the values when they are in memory.

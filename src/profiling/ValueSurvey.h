@@ -2,6 +2,7 @@
 
 #include "base/Histogram.h"
 #include "base/Result.h"
+#include "forms/FormCounts.h"
 #include "forms/ValueKind.h"
 #include "profiling/ColumnValues.h"
 
@@ -15,12 +16,15 @@ namespace tavix::profiling {
 /// The facts that one walk over the distinct values of a column finds in any order: type, lengths, counts and patterns.
 class ValueSurvey {
   public:
+    explicit ValueSurvey(forms::StatedDates dates = forms::StatedDates::Nothing) : m_forms(dates) {}
+
     void take(std::span<const Entry> values);
     /// Call it after the last value.
     void finish();
 
     [[nodiscard]] ColumnValues& patterns() { return m_patterns; }
     [[nodiscard]] forms::ValueKind kind() const { return m_kind; }
+    [[nodiscard]] const forms::FormCounts& forms() const { return m_forms; }
     /// Whether all integers fit 64 bits.
     [[nodiscard]] bool fits64() const { return m_fits64; }
     [[nodiscard]] std::uint64_t values() const { return m_values; }
@@ -34,7 +38,7 @@ class ValueSurvey {
     [[nodiscard]] std::int64_t decimalPlaces() const { return m_decimalPlaces; } ///< the most of any real
 
   private:
-    void takeKind(std::string_view text);
+    void takeKind(std::string_view text, std::uint64_t count);
     void takePattern(std::string_view text, std::uint64_t count);
 
     ColumnValues m_patterns;
@@ -43,6 +47,7 @@ class ValueSurvey {
     std::uint64_t m_lastCount = 0;
 
     forms::ValueKind m_kind = forms::ValueKind::None;
+    forms::FormCounts m_forms;
     bool m_fits64 = true;
     std::uint64_t m_values = 0;
     std::uint64_t m_rows = 0;
