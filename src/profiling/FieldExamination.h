@@ -4,6 +4,7 @@
 #include "findings/RunFindings.h"
 #include "findings/ValueDetectors.h"
 #include "profiling/FieldProfile.h"
+#include "repository/EarlierFields.h"
 #include "repository/Facts.h"
 
 #include <cstdint>
