@@ -150,7 +150,7 @@ class PrViewer {
     [[nodiscard]] ProfileCursorHandle getTypeBreakdown(int fieldId);
     /// How many values are written in which form, the form with the most rows first.
     [[nodiscard]] ProfileCursorHandle getTypeForms(int fieldId);
-    /// A row for each field of the table that was examined.
+    /// A row for each field of the table that was examined, in the current run or else the latest one with the table.
     [[nodiscard]] ProfileCursorHandle getFitReadings(int tableId);
     /// Of the current run, the likeliest first, then by rows; those that were dismissed are among them.
     [[nodiscard]] ProfileCursorHandle getFindings();
