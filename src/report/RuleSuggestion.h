@@ -63,6 +63,9 @@ enum class SuggestedElement : std::uint8_t {
     Remark,      ///< a comment: the language of jobs cannot express it
 };
 
+/// "rule", "alert", "custom metric" or "remark".
+[[nodiscard]] std::string_view elementWord(SuggestedElement element);
+
 /// An alert that a suggestion sets, on a metric of the field or on its custom metric.
 struct SuggestedAlert {
     MetricId metric = MetricId::Count; ///< unused for a custom metric
