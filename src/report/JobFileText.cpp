@@ -222,18 +222,18 @@ class Writer {
             fmt::format("      - name: {}\n        condition: {}\n", yamlScalar(name), yamlScalar(condition));
     }
 
-    static std::string commentOf(const RuleSuggestion& suggestion) {
-        std::string comment = fmt::format("      # {}, {} confidence: {}. Violated by: {}.\n",
+    static std::string commentOf(const RuleSuggestion& suggestion, std::string_view indent) {
+        std::string comment = fmt::format("{}# {}, {} confidence: {}. Violations: {}.\n", indent,
                                           suggestionWord(suggestion.kind), confidenceWord(suggestion.confidence),
                                           yamlComment(suggestion.reason), suggestion.violationText());
         if (!suggestion.remark.empty())
-            comment += fmt::format("      # {}\n", yamlComment(suggestion.remark));
+            comment += fmt::format("{}# {}\n", indent, yamlComment(suggestion.remark));
         return comment;
     }
 
     void addSuggestion(const RuleSuggestion& suggestion) {
         TableLists& lists = m_lists[suggestion.tableId];
-        const std::string comment = commentOf(suggestion);
+        const std::string comment = commentOf(suggestion, "      ");
         switch (suggestion.element) {
         case SuggestedElement::Rule:
             lists.rules += comment;
@@ -249,7 +249,7 @@ class Writer {
             break;
         case SuggestedElement::Remark:
             m_remarks[suggestion.tableId] +=
-                fmt::format("    # {}\n", yamlComment(suggestion.name)) + comment.substr(2);
+                fmt::format("    # {}\n{}", yamlComment(suggestion.name), commentOf(suggestion, "    "));
             break;
         }
     }

@@ -5,6 +5,7 @@
 #include "access/PrViewer.h"
 #include "base/Ascii.h"
 #include "report/CheckedCursor.h"
+#include "report/ExpressionText.h"
 
 #include <fmt/format.h>
 
@@ -74,6 +75,20 @@ void dropConversions(Words& words) {
             }();
 }
 
+/// The fields that the condition compares with a fixed bound.
+std::vector<std::string> boundedIn(const Words& words) {
+    std::vector<std::string> fields;
+    for (std::size_t i = 0; i + 2 < words.size(); ++i) {
+        const std::string& sign = words[i + 1];
+        const bool isBound = sign == "<" || sign == "<=" || sign == ">" || sign == ">=" || sign == "between";
+        const char first = words[i + 2].front();
+        if (words[i].front() == '`' && isBound &&
+            (isAsciiDigit(first) || first == '-' || first == '\'' || first == '.'))
+            fields.push_back(words[i]);
+    }
+    return fields;
+}
+
 std::string joined(const Words& words, std::size_t first, std::size_t end) {
     std::string text;
     for (std::size_t i = first; i < end; ++i)
@@ -129,8 +144,13 @@ KnownRules::KnownRules(PrViewer& viewer, int job) : m_alerts(readAlertStates(vie
     const ProfileCursorHandle rules = checked(viewer, viewer.getBusinessRules(kAllTables));
     while (rules->next()) {
         const int table = rules->getColumnInt(layout::RuleTableId);
-        for (std::string& conjunct : conjunctsOf(textAt(*rules, layout::RuleCondition)))
+        const std::string condition = textAt(*rules, layout::RuleCondition);
+        for (std::string& conjunct : conjunctsOf(condition))
             m_conjuncts.emplace(table, std::move(conjunct));
+        Words words = wordsOf(condition);
+        dropConversions(words);
+        for (std::string& field : boundedIn(words))
+            m_bounded.emplace(table, std::move(field));
         m_names.emplace(table, textAt(*rules, layout::RuleName));
     }
     const ProfileCursorHandle metrics = checked(viewer, viewer.getCustomMetrics(kAllTables));
@@ -176,7 +196,8 @@ bool KnownRules::say(const RuleSuggestion& suggestion) const {
         return true;
     switch (suggestion.element) {
     case SuggestedElement::Rule:
-        return areConjunctsKnown(suggestion);
+        return areConjunctsKnown(suggestion) || (suggestion.kind == SuggestionKind::Range &&
+                                                 m_bounded.contains({suggestion.tableId, fieldText(suggestion.field)}));
     case SuggestedElement::MetricAlert: {
         const Words words = wordsOf(suggestion.condition);
         return m_expressions.contains({suggestion.tableId, joined(words, 0, words.size())});

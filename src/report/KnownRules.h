@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tavix {
@@ -31,7 +32,9 @@ class KnownRules {
     [[nodiscard]] bool areConjunctsKnown(const RuleSuggestion& suggestion) const;
     [[nodiscard]] bool isAlertKnown(const RuleSuggestion& suggestion) const;
 
-    std::set<std::pair<int, std::string>> m_conjuncts;   ///< of the rules, by table
+    std::set<std::pair<int, std::string>> m_conjuncts; ///< of the rules, by table
+    std::set<std::pair<int, std::string>>
+        m_bounded; ///< fields, in grave accents, that rules compare with a number or text
     std::set<std::pair<int, std::string>> m_expressions; ///< of the custom metrics, by table
     std::set<std::pair<int, std::string>> m_names;       ///< taken ones, by table
     std::vector<AlertState> m_alerts;

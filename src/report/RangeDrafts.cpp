@@ -151,18 +151,40 @@ double highestOfRuns(const FieldEvidence& field, double high) {
     return high;
 }
 
+/// Readable bounds for a range; no lower one means no range.
+struct Bounds {
+    std::optional<double> least;
+    std::optional<double> most;
+};
+
+/// `low` and `high` are the ends over the runs. A side with values beyond the outer fence has no bound but zero, since
+/// the next run may go farther. A bound is a tenth of the span away unless the end is a round number itself.
+Bounds boundsOf(const FieldEvidence& field, const Ends& ends, double low, double high) {
+    constexpr double kMargin = 0.1;
+    const double span = ends.high - ends.low;
+    const double step = stepOf(span);
+    Bounds bounds;
+    if (!isSideFar(field.highest, ends.high))
+        bounds.most = up(high, step) == high ? high : up(high + kMargin * span, step);
+    if (low >= 0 && (low <= span || !bounds.most))
+        bounds.least = 0;
+    else if (bounds.most && !isSideFar(field.lowest, ends.low))
+        bounds.least = down(low, step) == low ? low : down(low - kMargin * span, step);
+    if (bounds.least && low >= 0)
+        bounds.least = std::max(*bounds.least, 0.0);
+    return bounds;
+}
+
 void draftLowest(const FieldEvidence& field, double low, std::vector<RuleDraft>& drafts) {
     RuleDraft draft;
     draft.kind = SuggestionKind::NoLowerMinimum;
     draft.element = SuggestedElement::Alert;
     draft.alert = SuggestedAlert{MetricId::MinimumValue, true, low};
     draft.predicate = fmt::format("is not below {}", formatReal(low));
-    draft.reason = field.runs() > 1
-                       ? fmt::format("{} is the lowest value of {} runs", formatReal(low), field.runs())
-                       : fmt::format("{} is the lowest value in {}", formatReal(low), countOf(field.filled(), "row"));
+    draft.reason = fmt::format("{} is the lowest value of {} runs", formatReal(low), field.runs());
     // Only counts the rows.
     draft.conditions = {withMissing(field, fmt::format("tonumber({}) >= {}", kOperand, formatReal(low)))};
-    draft.confidence = field.runs() > 1 ? confidenceOf(field, true) : SuggestionConfidence::Low;
+    draft.confidence = confidenceOf(field, true);
     drafts.push_back(std::move(draft));
 }
 
@@ -171,7 +193,8 @@ void draftNumbers(const FieldEvidence& field, std::vector<RuleDraft>& drafts) {
     if (!ends)
         return;
     if (field.isGrowingIdentifier()) {
-        draftLowest(field, lowestOfRuns(field, ends->low), drafts);
+        if (field.runs() > 1)
+            draftLowest(field, lowestOfRuns(field, ends->low), drafts);
         return;
     }
     RuleDraft draft;
@@ -187,32 +210,23 @@ void draftNumbers(const FieldEvidence& field, std::vector<RuleDraft>& drafts) {
         const bool isTopLeftOut = ends->high < field.number(MetricId::MaximumValue);
         const double low = isBottomLeftOut ? ends->low : lowestOfRuns(field, ends->low);
         const double high = isTopLeftOut ? ends->high : highestOfRuns(field, ends->high);
-        const double span = ends->high - ends->low;
-        const double step = stepOf(span);
-        std::optional<double> least;
-        if (low >= 0)
-            least = low <= span ? 0 : down(low, step);
-        else if (!isSideFar(field.lowest, ends->low))
-            least = down(low, step);
-        std::optional<double> most;
-        if (!isSideFar(field.highest, ends->high))
-            most = up(high, step);
-        if (least && most) {
-            draft.conditions = {
-                fmt::format("tonumber({}) between {} and {}", kOperand, formatReal(*least), formatReal(*most))};
-            draft.predicate = fmt::format("is from {} to {}", formatReal(*least), formatReal(*most));
-            if (field.runs() == 1)
-                draft.confidence = std::min(draft.confidence, SuggestionConfidence::Medium);
-            draft.remark = "The bounds are rounded outwards.";
-        } else if (least) {
-            draft.conditions = {fmt::format("tonumber({}) >= {}", kOperand, formatReal(*least))};
-            draft.predicate = *least == 0 ? "is not negative" : fmt::format("is at least {}", formatReal(*least));
-        } else if (most) {
-            draft.conditions = {fmt::format("tonumber({}) <= {}", kOperand, formatReal(*most))};
-            draft.predicate = fmt::format("is at most {}", formatReal(*most));
-        } else {
-            draftLowest(field, lowestOfRuns(field, *field.number(MetricId::MinimumValue)), drafts);
+        const Bounds bounds = boundsOf(field, *ends, low, high);
+        if (!bounds.least) {
+            if (field.runs() > 1)
+                draftLowest(field, lowestOfRuns(field, *field.number(MetricId::MinimumValue)), drafts);
             return;
+        }
+        if (bounds.most) {
+            draft.conditions = {fmt::format("tonumber({}) between {} and {}", kOperand, formatReal(*bounds.least),
+                                            formatReal(*bounds.most))};
+            draft.predicate = fmt::format("is from {} to {}", formatReal(*bounds.least), formatReal(*bounds.most));
+            draft.remark = "The bounds are rounded outwards.";
+            if (field.runs() == 1 && draft.confidence > SuggestionConfidence::Low)
+                draft.confidence = draft.confidence == SuggestionConfidence::High ? SuggestionConfidence::Medium
+                                                                                  : SuggestionConfidence::Low;
+        } else {
+            draft.conditions = {fmt::format("tonumber({}) >= 0", kOperand)};
+            draft.predicate = "is not negative";
         }
     }
     draft.conditions.front() = withMissing(field, draft.conditions.front());

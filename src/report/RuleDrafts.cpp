@@ -13,6 +13,7 @@ namespace tavix {
 namespace {
 
 constexpr double kFewPercent = 0.5;                 ///< of the rows: taken for mistakes
+constexpr std::size_t kShortList = 20;              ///< values; longer ones are more likely to grow
 constexpr std::size_t kLongestListed = 200;         ///< bytes of a value in a domain
 constexpr std::size_t kLongestDomainText = 400'000; ///< bytes of all of them; a job file has at most 1 MiB
 
@@ -53,7 +54,8 @@ std::size_t sizeOfDomain(const FieldEvidence& field) {
         if (static_cast<double>(field.values[i - 1].count) >= kGap * static_cast<double>(field.values[i].count))
             size = i;
     }
-    return size;
+    // A single frequent value does not show that the others are mistakes.
+    return size < 2 ? field.values.size() : size;
 }
 
 bool isWritable(const CountedText& value) {
@@ -149,8 +151,8 @@ void draftFilled(const FieldEvidence& field, std::vector<RuleDraft>& drafts) {
     else if (missing == 0)
         draft.reason = fmt::format("no null in {}", countOf(field.rows, "row"));
     else
-        draft.reason = fmt::format("{} of {} are null{}", groupedCount(missing), countOf(field.rows, "row"),
-                                   areBlanksUsual || field.blanks == 0 ? "" : " or blank");
+        draft.reason = fmt::format("{} of {} {} null{}", groupedCount(missing), countOf(field.rows, "row"),
+                                   missing == 1 ? "is" : "are", areBlanksUsual || field.blanks == 0 ? "" : " or blank");
     draft.confidence = confidenceOf(field, missing == 0);
     drafts.push_back(std::move(draft));
 }
@@ -218,16 +220,17 @@ void draftDomain(const FieldEvidence& field, std::size_t longest, std::vector<Ru
         return;
     RuleDraft draft;
     draft.kind = SuggestionKind::Domain;
-    draft.predicate = size == 1 ? "is constant" : fmt::format("is one of {} values", size);
+    draft.predicate = fmt::format("is one of {} values", size);
     draft.conditions = {withMissing(field, fmt::format("{} in ({})", kOperand, list))};
     draft.reason = fmt::format("{} in {}{}", countOf(static_cast<std::int64_t>(size), "value"),
                                countOf(field.filled(), "row"), overRuns(field));
     if (size < field.values.size())
         draft.reason += leftOut(field, size);
-    draft.confidence = confidenceOf(field, size == field.values.size() && !growsWithTheRuns(field));
+    draft.confidence = confidenceOf(field, size == field.values.size() && size <= kShortList);
     if (growsWithTheRuns(field)) {
         draft.confidence = SuggestionConfidence::Low;
-        draft.remark = fmt::format("The first run had {} values: the list may grow.", field.uniqueHistory.front());
+        draft.remark = fmt::format("The first of {} runs had {}: the list may grow.", field.runs(),
+                                   countOf(static_cast<std::int64_t>(field.uniqueHistory.front()), "value"));
     }
     drafts.push_back(std::move(draft));
 }

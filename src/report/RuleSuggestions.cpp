@@ -70,7 +70,7 @@ class Suggester {
         if (isWanted(SuggestionKind::Reference))
             findAllReferences(tables, read);
         for (const Table& table : read)
-            if (isChosen(table.identity->id))
+            if (isChosen(table.identity->id) && !areRowsOfAnother(*table.identity))
                 addTable(table);
         return std::move(m_made);
     }
@@ -82,6 +82,10 @@ class Suggester {
     };
 
     [[nodiscard]] bool isChosen(int table) const { return m_options.tableId == -1 || m_options.tableId == table; }
+    /// The rules of its base cover a filtered table; one is examined only when it is chosen.
+    [[nodiscard]] bool areRowsOfAnother(const TableIdentity& table) const {
+        return table.kind == TableKind::Filter && m_options.tableId == -1;
+    }
     [[nodiscard]] bool isChosenField(int field) const { return m_options.fieldId == -1 || m_options.fieldId == field; }
     [[nodiscard]] bool isWanted(SuggestionKind kind) const {
         return m_options.kinds.empty() ||

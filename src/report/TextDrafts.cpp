@@ -173,10 +173,12 @@ void draftPattern(const FieldEvidence& field, double leastPercent, std::vector<R
     draft.conditions = {conditionOf(field, forms, true), conditionOf(field, forms, false)};
     draft.expected = field.filled() - rows;
     const double percent = 100 * static_cast<double>(rows) / static_cast<double>(field.filled());
-    draft.reason =
-        fmt::format("{} {} of {} ({}){}", patterns == 1 ? "1 pattern has" : fmt::format("{} patterns have", patterns),
-                    groupedCount(rows), countOf(field.filled(), "value"), shareText(percent),
-                    field.patterns.empty() ? "" : fmt::format(", most often {}", field.patterns.front().text));
+    const std::string what =
+        patterns == 1 ? "the pattern " + field.patterns.front().text
+                      : fmt::format("one of {} patterns, most often {}", patterns, field.patterns.front().text);
+    draft.reason = draft.expected == 0 ? fmt::format("all of {} have {}", countOf(rows, "value"), what)
+                                       : fmt::format("{} of {} ({}) have {}", groupedCount(rows),
+                                                     countOf(field.filled(), "value"), shareText(percent), what);
     draft.confidence = confidenceOf(field, draft.expected == 0 && patterns <= kMostForms);
     draft.mostPercent = 100 - leastPercent;
     drafts.push_back(std::move(draft));

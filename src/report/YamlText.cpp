@@ -64,7 +64,10 @@ std::string yamlScalar(std::string_view text) {
             inDouble += '\\';
         inDouble += isPrintable(c) ? std::string(bytes) : escaped(c);
     });
-    return isAllPrintable ? inSingle + '\'' : inDouble + '"';
+    // Doubled quotes are hard to read, and escapes harder.
+    const bool isDoublePlainer =
+        text.find('\'') != std::string_view::npos && text.find_first_of("\"\\") == std::string_view::npos;
+    return isAllPrintable && !isDoublePlainer ? inSingle + '\'' : inDouble + '"';
 }
 
 std::string yamlComment(std::string_view text) {
