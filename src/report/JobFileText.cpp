@@ -240,8 +240,9 @@ class Writer {
             addRule(suggestion.tableId, suggestion.name, suggestion.condition);
             break;
         case SuggestedElement::MetricAlert:
-            lists.metrics += fmt::format("{}      - name: {}\n        metric: {}\n", comment,
-                                         yamlScalar(suggestion.name), yamlScalar(suggestion.condition));
+            lists.metrics +=
+                fmt::format("{}      - name: {}\n        output: {}s\n        metric: {}\n", comment,
+                            yamlScalar(suggestion.name), suggestion.violationNoun, yamlScalar(suggestion.condition));
             lists.alerts += fmt::format("      - {{{}}}\n", alertEntry(suggestion));
             break;
         case SuggestedElement::Alert:

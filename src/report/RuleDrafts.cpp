@@ -180,7 +180,8 @@ void draftUnique(const FieldEvidence& field, std::vector<RuleDraft>& drafts) {
     draft.reason = runs.all > 1 ? fmt::format("unique in {} of {} runs", runs.meeting, runs.all)
                                 : fmt::format("{} in {}", countOf(field.distinct, "value"), countOf(values, "row"));
     if (repeated > 0)
-        draft.reason += fmt::format("; {} have the value of another one", countOf(repeated, "row"));
+        draft.reason += fmt::format("; {} {} the value of another one", countOf(repeated, "row"),
+                                    repeated == 1 ? "has" : "have");
     draft.violations = repeated;
     draft.confidence = confidenceOf(field, repeated == 0);
     if (field.isSample)
