@@ -13,7 +13,8 @@ namespace {
 // The table aliases in the expressions: j job, r run, rt run_table, t profiled_table, d data_source, rf run_field, f
 // field, c collection, m an entry of a collection or of a redundancy, n note, g note_category, h chart, p property,
 // percentile or outlier, l execution_log, a alert, k key_analysis, x redundancy, w task, cm custom_metric, b
-// business_rule, v the row of one of these in a run, i an input of it.
+// business_rule, v the row of one of these in a run, i an input of it, b what a run found out about a field, x its
+// dismissal.
 
 constexpr std::array kReports{
     Column{ReportId, "Id", "j.id"},
@@ -297,6 +298,43 @@ constexpr std::array kRdaCfgFields{
     Column{RdaFieldSchema, "Schema", "t.schema"},
     Column{RdaFieldTable, "Table Name", "CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END"},
 };
+constexpr std::array kTypeBreakdown{
+    Column{BreakdownValues, "Values", "b.value_count"},
+    Column{BreakdownRows, "Rows", "b.row_count"},
+    Column{BreakdownReading, "Reading", "b.reading"},
+    Column{BreakdownFitValues, "Fit Values", "b.fit_values"},
+    Column{BreakdownFitRows, "Fit Rows", "b.fit_rows"},
+    Column{BreakdownAmbiguity, "Ambiguity", "b.ambiguity"},
+    Column{BreakdownHasFigures, "Has Figures", "b.has_figures"},
+};
+constexpr std::array kTypeForms{
+    Column{FormWord, "Form", "b.form"},
+    Column{FormValues, "Values", "b.value_count"},
+    Column{FormRows, "Rows", "b.row_count"},
+    Column{FormExample, "Example", "b.example"},
+};
+constexpr std::array kFitReadings{
+    Column{FitFieldId, "Field Id", "b.field"},
+    Column{FitReading, "Reading", "b.reading"},
+    Column{FitFitRows, "Fit Rows", "b.fit_rows"},
+    Column{FitRows, "Rows", "b.row_count"},
+    Column{FitHasFigures, "Has Figures", "b.has_figures"},
+};
+constexpr std::array kFindings{
+    Column{FindingTableId, "Table Id", "b.table_id"},
+    Column{FindingTableName, "Table", "CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END"},
+    Column{FindingFieldId, "Field Id", "b.field"},
+    Column{FindingFieldName, "Field", "COALESCE(f.name, '')"},
+    Column{FindingCode, "Code", "b.code"},
+    Column{FindingLikelihood, "Likelihood", "b.likelihood"},
+    Column{FindingValues, "Values", "b.value_count"},
+    Column{FindingRows, "Rows", "b.row_count"},
+    Column{FindingDetail, "Detail", "b.detail"},
+    Column{FindingCondition, "Condition", "b.condition"},
+    Column{FindingDismissal, "Dismissal", "x.reason"},
+    Column{FindingDismissedBy, "Dismissed By", "x.author"},
+    Column{FindingDismissed, "Dismissed", "x.dismissed", Form::Date},
+};
 constexpr std::array kTasks{
     Column{TaskId, "Id", "w.id"},
     Column{TaskKind, "Kind", "w.kind"},
@@ -360,6 +398,12 @@ std::vector<Layout> makeAll() {
         {"getOutliers", kOutliers},
         {"getHistogram", kHistogram},
         {"getFreqDistRanks", kRanks},
+        {"getTypeBreakdown", kTypeBreakdown},
+        {"getTypeForms", kTypeForms},
+        {"getFitReadings", kFitReadings},
+        {"getFindings", kFindings},
+        {"getTableFindings", kFindings},
+        {"getFieldFindings", kFindings},
         {"getFieldHistory", history},
         {"getTableHistory", kTableHistory},
         {"getCustomMetrics", kCustomMetrics},

@@ -187,6 +187,43 @@ enum Outliers {
 /// A row for each bin of a field's histogram. The kind is N numbers, D dates or L lengths of texts in code points; the
 /// unit of the bins N numbers, S seconds, W weeks from Monday or M months. A bin holds the values from Low up to but
 /// without High; borders of dates are days since 1899-12-30 00:00 UTC.
+enum TypeBreakdowns {
+    BreakdownValues = 0, ///< distinct, neither null, empty nor blank
+    BreakdownRows = 1,
+    BreakdownReading = 2, ///< forms::Reading::text(); empty if no type fits
+    BreakdownFitValues = 3,
+    BreakdownFitRows = 4,
+    BreakdownAmbiguity = 5,
+    BreakdownHasFigures = 6, ///< 1: the metrics of a text field are those of the values that fit
+};
+enum TypeForms {
+    FormWord = 0,
+    FormValues = 1,
+    FormRows = 2,
+    FormExample = 3,
+};
+enum FitReadings {
+    FitFieldId = 0,
+    FitReading = 1,
+    FitFitRows = 2,
+    FitRows = 3,
+    FitHasFigures = 4,
+};
+enum Findings {
+    FindingTableId = 0,
+    FindingTableName = 1, ///< the display name
+    FindingFieldId = 2,   ///< 0: about the table
+    FindingFieldName = 3,
+    FindingCode = 4,
+    FindingLikelihood = 5, ///< 1 possible, 2 likely, 3 definite
+    FindingValues = 6,
+    FindingRows = 7,
+    FindingDetail = 8,
+    FindingCondition = 9,  ///< over `Value`; empty without values
+    FindingDismissal = 10, ///< the reason; null unless dismissed
+    FindingDismissedBy = 11,
+    FindingDismissed = 12, ///< date
+};
 enum HistogramBins {
     HistogramKindLetter = 0,
     HistogramUnitLetter = 1,

@@ -145,6 +145,26 @@ class PrViewer {
     [[nodiscard]] ProfileCursorHandle getHistogram(int fieldId);
     /// The shape of the value distribution by rank, read without the values: about one row for 4,096 of them.
     [[nodiscard]] ProfileCursorHandle getFreqDistRanks(int fieldId);
+
+    // Types and findings. A run of an older version has none of them: "not examined", which differs from none found.
+    /// Whether the current run looked for them. False on failure too.
+    [[nodiscard]] bool isExamined();
+    /// One row; none if the field was not examined.
+    [[nodiscard]] ProfileCursorHandle getTypeBreakdown(int fieldId);
+    /// How many values are written in which form, the form with the most rows first.
+    [[nodiscard]] ProfileCursorHandle getTypeForms(int fieldId);
+    /// A row for each field of the table that was examined, in the current run or else the latest one with the table.
+    [[nodiscard]] ProfileCursorHandle getFitReadings(int tableId);
+    /// Of the current run, the likeliest first, then by rows; those that were dismissed are among them.
+    [[nodiscard]] ProfileCursorHandle getFindings();
+    /// About the table and its fields.
+    [[nodiscard]] ProfileCursorHandle getTableFindings(int tableId);
+    [[nodiscard]] ProfileCursorHandle getFieldFindings(int fieldId);
+    /// In all runs. `fieldId` 0: a finding about the table. Replaces an earlier reason.
+    bool dismissFinding(int tableId, int fieldId, const KvbString& code, const KvbString& user,
+                        const KvbString& reason);
+    bool restoreFinding(int tableId, int fieldId, const KvbString& code);
+
     /// Numbers of rows; -1 on failure.
     [[nodiscard]] int getFreqDistCount(int fieldId);
     [[nodiscard]] int getPatternDistCount(int fieldId);

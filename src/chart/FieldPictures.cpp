@@ -83,6 +83,10 @@ ValueMarks readMarks(PrViewer& viewer, const FieldRecord& field, HistogramKind k
     return marks;
 }
 
+std::string baseOf(const FieldRecord& field) {
+    return field.fits ? fitSentence(*field.fits) : std::string();
+}
+
 std::string labelOf(const KvbString& value) {
     if (value.isNull())
         return std::string(kNullValue);
@@ -113,7 +117,8 @@ FieldPicture readValues(PrViewer& viewer, const FieldRecord& field) {
     if (!*histogram)
         return {nullptr, std::string(kNoHistogram)};
     ValueMarks marks = readMarks(viewer, field, (*histogram)->kind);
-    return {std::make_unique<HistogramPicture>(std::move(**histogram), std::move(marks)), {}};
+    std::string base = (*histogram)->kind == HistogramKind::Lengths ? std::string() : baseOf(field);
+    return {std::make_unique<HistogramPicture>(std::move(**histogram), std::move(marks)), {}, std::move(base)};
 }
 
 FieldPicture readRanks(PrViewer& viewer, const FieldRecord& field) {
@@ -166,9 +171,10 @@ FieldPicture readPatterns(PrViewer& viewer, const FieldRecord& field) {
 
 /// The kind of histogram in which the field's values have a position; nothing for texts and truth values.
 std::optional<HistogramKind> positionKind(const FieldRecord& field) {
-    if (field.typeCode == "I" || field.typeCode == "R")
+    const std::string_view code = field.figureTypeCode();
+    if (code == "I" || code == "R")
         return HistogramKind::Numbers;
-    return field.typeCode == "D" ? std::optional(HistogramKind::Dates) : std::nullopt;
+    return code == "D" ? std::optional(HistogramKind::Dates) : std::nullopt;
 }
 
 FieldPicture readPercentiles(PrViewer& viewer, const FieldRecord& field) {
@@ -189,7 +195,7 @@ FieldPicture readPercentiles(PrViewer& viewer, const FieldRecord& field) {
     }
     if (points.size() < 2)
         return {};
-    return {std::make_unique<QuantilePicture>(*kind, std::move(points)), {}};
+    return {std::make_unique<QuantilePicture>(*kind, std::move(points)), {}, baseOf(field)};
 }
 
 FieldPicture readOutliers(PrViewer& viewer, const FieldRecord& field) {
@@ -220,7 +226,8 @@ FieldPicture readOutliers(PrViewer& viewer, const FieldRecord& field) {
             quartiles = {*marks.lowQuartile, *marks.highQuartile};
     }
     return {std::make_unique<OutlierPicture>(std::move(lowest), std::move(highest), std::move(histogram), quartiles),
-            {}};
+            {},
+            baseOf(field)};
 }
 
 /// The result of `read`, or the failure that it throws.

@@ -267,7 +267,7 @@ class FieldProfiler {
             set(MetricId::UniquePercent, share(m_survey.values()));
             set(MetricId::PercentNull, share(m_nulls));
         }
-        if (const auto type = typeOf(m_survey.kind())) {
+        if (const auto type = forms::typeOf(m_survey.kind())) {
             m_figures.facts.typeCode = static_cast<char>(*type);
             set(MetricId::ActualType, std::string(typeWord(*type)));
         }
@@ -275,9 +275,9 @@ class FieldProfiler {
             set(MetricId::MinimumLength, asInteger(m_survey.shortest()));
             set(MetricId::MaximumLength, asInteger(m_survey.longest()));
         }
-        if (m_survey.kind() == ValueKind::Text)
+        if (m_survey.kind() == forms::ValueKind::Text)
             m_figures.facts.histogram = m_survey.lengths();
-        if (m_survey.kind() == ValueKind::Real)
+        if (m_survey.kind() == forms::ValueKind::Real)
             set(MetricId::Precision, m_survey.decimalPlaces());
         return {};
     }

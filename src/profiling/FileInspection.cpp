@@ -1,8 +1,8 @@
 #include "profiling/FileInspection.h"
 
 #include "base/TypeWords.h"
+#include "forms/ValueKind.h"
 #include "profiling/TableFiles.h"
-#include "profiling/ValueKind.h"
 
 #include <algorithm>
 #include <array>
@@ -34,7 +34,7 @@ void inspectLines(FileInspection& found, std::string_view text, char quote) {
 }
 
 Status inspectRows(FileInspection& found, source::TextFileReader& reader, std::size_t firstRows) {
-    std::vector<ValueKind> kinds(found.columns.size());
+    std::vector<forms::ValueKind> kinds(found.columns.size());
     source::RowBlock block;
     for (;;) {
         const auto more = reader.read(block);
@@ -45,8 +45,8 @@ Status inspectRows(FileInspection& found, source::TextFileReader& reader, std::s
         for (std::size_t c = 0; c < kinds.size(); ++c)
             for (std::size_t r = 0; r < block.rows; ++r) {
                 const source::Cell& cell = block.columns[c][r];
-                if (!cell.isNull && kinds[c] != ValueKind::Text)
-                    kinds[c] = joinedKind(kinds[c], kindOf({cell.data, cell.size}));
+                if (!cell.isNull && kinds[c] != forms::ValueKind::Text)
+                    kinds[c] = forms::joinedKind(kinds[c], forms::kindOf({cell.data, cell.size}));
                 if (found.columns[c].cells.size() < firstRows)
                     found.columns[c].cells.emplace_back(cell.isNull ? KvbDatavar()
                                                                     : KvbDatavar(std::string(cell.data, cell.size)));
@@ -54,7 +54,7 @@ Status inspectRows(FileInspection& found, source::TextFileReader& reader, std::s
         found.rows += static_cast<std::int64_t>(block.rows);
     }
     for (std::size_t c = 0; c < kinds.size(); ++c)
-        if (const auto type = typeOf(kinds[c]))
+        if (const auto type = forms::typeOf(kinds[c]))
             found.columns[c].type = typeWord(*type);
     return {};
 }

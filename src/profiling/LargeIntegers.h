@@ -1,7 +1,7 @@
 #pragma once
 
+#include "forms/ValueKind.h"
 #include "profiling/KeyedSort.h"
-#include "profiling/ValueKind.h"
 
 #include <algorithm>
 #include <span>
@@ -16,7 +16,7 @@ inline void orderLargeIntegers(std::span<Keyed> rows, const EntryList& entries) 
             ++end;
         std::stable_sort(rows.begin() + static_cast<std::ptrdiff_t>(first),
                          rows.begin() + static_cast<std::ptrdiff_t>(end), [&](const Keyed& a, const Keyed& b) {
-                             return compareIntegers(entries[a.index].text(), entries[b.index].text()) < 0;
+                             return forms::compareIntegers(entries[a.index].text(), entries[b.index].text()) < 0;
                          });
         first = end;
     }

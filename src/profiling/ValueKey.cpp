@@ -19,18 +19,18 @@ std::uint64_t keyOf(double value) {
 
 } // namespace
 
-KeyForm keyForm(ValueKind kind, bool fits64) {
+KeyForm keyForm(forms::ValueKind kind, bool fits64) {
     switch (kind) {
-    case ValueKind::Boolean:
+    case forms::ValueKind::Boolean:
         return KeyForm::Boolean;
-    case ValueKind::Integer:
+    case forms::ValueKind::Integer:
         return fits64 ? KeyForm::Integer : KeyForm::LargeInteger;
-    case ValueKind::Real:
+    case forms::ValueKind::Real:
         return KeyForm::Double;
-    case ValueKind::Date:
+    case forms::ValueKind::Date:
         return KeyForm::Date;
-    case ValueKind::None:
-    case ValueKind::Text:
+    case forms::ValueKind::None:
+    case forms::ValueKind::Text:
         break;
     }
     return KeyForm::None;
@@ -39,14 +39,14 @@ KeyForm keyForm(ValueKind kind, bool fits64) {
 std::uint64_t keyOf(std::string_view text, KeyForm form) {
     switch (form) {
     case KeyForm::Boolean:
-        return booleanValue(text) ? 1 : 0;
+        return forms::booleanValue(text) ? 1 : 0;
     case KeyForm::Integer:
-        return keyOf(integerValue(text).value_or(0));
+        return keyOf(forms::integerValue(text).value_or(0));
     case KeyForm::Double:
     case KeyForm::LargeInteger:
-        return keyOf(realValue(text));
+        return keyOf(forms::realValue(text));
     case KeyForm::Date:
-        return keyOf(dateValue(text));
+        return keyOf(forms::dateValue(text));
     case KeyForm::None:
         break;
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "profiling/ValueKind.h"
+#include "forms/ValueKind.h"
 
 #include <cstdint>
 #include <string_view>
@@ -19,7 +19,7 @@ enum class KeyForm : std::uint8_t {
 };
 
 /// `fits64`: whether all integers of the field fit 64 bits.
-[[nodiscard]] KeyForm keyForm(ValueKind kind, bool fits64);
+[[nodiscard]] KeyForm keyForm(forms::ValueKind kind, bool fits64);
 /// The key of a value that fits the form.
 [[nodiscard]] std::uint64_t keyOf(std::string_view text, KeyForm form);
 

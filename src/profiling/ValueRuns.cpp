@@ -1,6 +1,6 @@
 #include "profiling/ValueRuns.h"
 
-#include "profiling/ValueKind.h"
+#include "forms/ValueKind.h"
 
 #include <algorithm>
 #include <bit>
@@ -137,7 +137,7 @@ bool RunMerge::isBefore(const Head& left, const Head& right) const {
     if (m_order != RunOrder::Key) {
         const std::string_view a = m_inputs[left.input].record().text;
         const std::string_view b = m_inputs[right.input].record().text;
-        const int order = m_order == RunOrder::Text ? a.compare(b) : compareIntegers(a, b);
+        const int order = m_order == RunOrder::Text ? a.compare(b) : forms::compareIntegers(a, b);
         if (order != 0)
             return order < 0;
     }

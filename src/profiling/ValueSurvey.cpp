@@ -50,18 +50,18 @@ void ValueSurvey::take(std::span<const Entry> values) {
             m_emptyRows += entry.count;
         else if (mayBeBlank(text) && isBlank(text))
             m_blankRows += entry.count;
-        else if (m_kind != ValueKind::Text)
+        else if (m_kind != forms::ValueKind::Text)
             takeKind(text);
         takePattern(text, entry.count);
     }
 }
 
 void ValueSurvey::takeKind(std::string_view text) {
-    const ValueKind kind = kindOf(text);
-    m_kind = joinedKind(m_kind, kind);
-    if (kind == ValueKind::Real)
-        m_decimalPlaces = std::max(m_decimalPlaces, profiling::decimalPlaces(text));
-    else if (kind == ValueKind::Integer && text.size() > kSurely64 && !integerValue(text))
+    const forms::ValueKind kind = forms::kindOf(text);
+    m_kind = forms::joinedKind(m_kind, kind);
+    if (kind == forms::ValueKind::Real)
+        m_decimalPlaces = std::max(m_decimalPlaces, forms::decimalPlaces(text));
+    else if (kind == forms::ValueKind::Integer && text.size() > kSurely64 && !forms::integerValue(text))
         m_fits64 = false;
 }
 

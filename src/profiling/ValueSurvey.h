@@ -2,8 +2,8 @@
 
 #include "base/Histogram.h"
 #include "base/Result.h"
+#include "forms/ValueKind.h"
 #include "profiling/ColumnValues.h"
-#include "profiling/ValueKind.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -20,7 +20,7 @@ class ValueSurvey {
     void finish();
 
     [[nodiscard]] ColumnValues& patterns() { return m_patterns; }
-    [[nodiscard]] ValueKind kind() const { return m_kind; }
+    [[nodiscard]] forms::ValueKind kind() const { return m_kind; }
     /// Whether all integers fit 64 bits.
     [[nodiscard]] bool fits64() const { return m_fits64; }
     [[nodiscard]] std::uint64_t values() const { return m_values; }
@@ -42,7 +42,7 @@ class ValueSurvey {
     std::string m_lastPattern; ///< equal patterns often follow each other and are counted together
     std::uint64_t m_lastCount = 0;
 
-    ValueKind m_kind = ValueKind::None;
+    forms::ValueKind m_kind = forms::ValueKind::None;
     bool m_fits64 = true;
     std::uint64_t m_values = 0;
     std::uint64_t m_rows = 0;

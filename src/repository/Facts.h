@@ -105,6 +105,37 @@ struct Outlier {
     Fence fence = Fence::Inside;
 };
 
+/// The values that one way of writing reads. A value counts under the narrowest one alone.
+struct FormFacts {
+    std::string form{}; ///< a word of forms/; "text" for values that nothing else reads
+    std::uint64_t values = 0;
+    std::uint64_t rows = 0;
+    KvbString example{}; ///< its most frequent value, among equals the first by code point
+};
+
+/// How many values of a field fit which type. Null, empty and blank values are left out.
+struct TypeBreakdown {
+    std::uint64_t values = 0; ///< distinct
+    std::uint64_t rows = 0;
+    std::vector<FormFacts> forms{}; ///< by rows, the most first, then by form
+    std::string reading{};          ///< forms::Reading::text() of the type that most of them fit; empty if none does
+    std::uint64_t fitValues = 0;    ///< those that fit the reading
+    std::uint64_t fitRows = 0;
+    std::string
+        ambiguity{}; ///< the readings between which the values do not decide, such as "day-first or month-first"
+    bool hasFigures = false; ///< whether the metrics of a text field are those of the values that fit
+};
+
+/// Something that a profile gives away about a field or a table.
+struct FindingFacts {
+    std::string code{}; ///< of the catalogue of findings
+    int likelihood = 1; ///< 1 possible, 2 likely, 3 definite
+    std::uint64_t values = 0;
+    std::uint64_t rows = 0;
+    std::string detail{};    ///< figures and examples, as users read them
+    std::string condition{}; ///< an expression over `Value` that is true for exactly these values; empty without such
+};
+
 struct FieldFacts {
     std::string name;
     int ordinal = 0;   ///< from 1, in the order of the table
@@ -115,6 +146,8 @@ struct FieldFacts {
     std::vector<Percentile> percentiles;
     std::vector<Outlier> outliers;
     std::optional<Histogram> histogram; ///< of numbers, dates, or the lengths of texts
+    std::optional<TypeBreakdown> breakdown;
+    std::vector<FindingFacts> findings; ///< at most one for each code
     /// In the order of display: count descending, then null first, then value by code point.
     std::span<const ValueCount> values;
     std::span<const ValueCount> patterns;

@@ -19,8 +19,8 @@ namespace {
 /// The repository version that added checksums.
 constexpr std::int64_t kFirstVersion = 7;
 /// The version of the rows and columns covered, that is, of the queries below. A change of a query or of the
-/// columns increments it, and the older form remains readable. Form 2 added histograms.
-constexpr int kForm = 2;
+/// columns increments it, and the older forms remain readable. Form 2 added histograms, form 3 types and findings.
+constexpr int kForm = 3;
 /// Rows of fields that are read in about a millisecond.
 constexpr std::int64_t kFewFields = 500;
 
@@ -30,7 +30,8 @@ struct PartRows {
     std::string_view name;
     bool isOfTable;
     std::vector<std::string> queries; ///< ?1 is the run, ?2 the table; rows are ordered
-    std::string sinceForm2 = {};      ///< a further query
+    /// Further queries, each with the form that added it.
+    std::vector<std::pair<int, std::string>> later = {};
 };
 
 std::string fieldsQuery() {
@@ -65,7 +66,8 @@ const std::array<PartRows, 5>& parts() {
           R"sql(SELECT table_id, position, path, quote, delimiter, encoding, byte_order_mark, size, modified
                FROM run_file
                WHERE run = ?1
-               ORDER BY table_id, position)sql"}},
+               ORDER BY table_id, position)sql"},
+         {{3, "SELECT expressions FROM run_examination WHERE run = ?1"}}},
         {RunPart::Log, "log", "execution log", false, {R"sql(SELECT position, table_id, logged, level, text
                FROM execution_log
                WHERE run = ?1 AND ?2 = 0
@@ -73,7 +75,7 @@ const std::array<PartRows, 5>& parts() {
         {RunPart::Fields, "fields", "metrics of fields", true, {fieldsQuery()}},
         {RunPart::Lists,
          "lists",
-         "percentiles, outliers, histograms or order of values",
+         "percentiles, outliers, histograms, types, findings or order of values",
          true,
          {R"sql(SELECT p.field, p.position, p.interval, p.value
                FROM run_field rf JOIN percentile p ON p.run = rf.run AND p.field = rf.field
@@ -87,10 +89,23 @@ const std::array<PartRows, 5>& parts() {
                FROM run_field rf JOIN distribution_block b ON b.run = rf.run AND b.field = rf.field
                WHERE rf.run = ?1 AND rf.table_id = ?2 AND b.kind IN ('V', 'P')
                ORDER BY rf.position, b.kind, b.block)sql"},
-         R"sql(SELECT h.field, h.kind, h.unit, h.first_bin, h.step, h.exponent, h.counts
+         {{2, R"sql(SELECT h.field, h.kind, h.unit, h.first_bin, h.step, h.exponent, h.counts
                FROM run_field rf JOIN histogram h ON h.run = rf.run AND h.field = rf.field
                WHERE rf.run = ?1 AND rf.table_id = ?2
                ORDER BY rf.position, h.kind)sql"},
+          {3, R"sql(SELECT b.field, b.value_count, b.row_count, b.reading, b.fit_values, b.fit_rows, b.ambiguity,
+               b.has_figures
+               FROM run_field rf JOIN type_breakdown b ON b.run = rf.run AND b.field = rf.field
+               WHERE rf.run = ?1 AND rf.table_id = ?2
+               ORDER BY rf.position)sql"},
+          {3, R"sql(SELECT b.field, b.position, b.form, b.value_count, b.row_count, b.example
+               FROM run_field rf JOIN type_form b ON b.run = rf.run AND b.field = rf.field
+               WHERE rf.run = ?1 AND rf.table_id = ?2
+               ORDER BY rf.position, b.position)sql"},
+          {3, R"sql(SELECT field, code, likelihood, value_count, row_count, detail, condition
+               FROM finding
+               WHERE run = ?1 AND table_id = ?2
+               ORDER BY field, code)sql"}}},
         {RunPart::Rules,
          "rules",
          "custom metrics or rules",
@@ -182,8 +197,9 @@ Result<std::int64_t> checksumOfPart(sql::Connection& connection, int run, const 
     RowHash hash;
     const PartRows& part = rowsOf(key.part);
     std::vector<std::string_view> queries(part.queries.begin(), part.queries.end());
-    if (form >= 2 && !part.sinceForm2.empty())
-        queries.emplace_back(part.sinceForm2);
+    for (const auto& [since, query] : part.later)
+        if (form >= since)
+            queries.emplace_back(query);
     for (const std::string_view query : queries) {
         auto select = connection.prepare(query);
         if (!select)

@@ -36,6 +36,16 @@ constexpr std::array kSweptTables{
     SweptTable{"DELETE FROM histogram WHERE run = ?1 AND (field, kind) IN "
                "(SELECT field, kind FROM histogram WHERE run = ?1 LIMIT ?2)",
                kRowsPerStep},
+    SweptTable{"DELETE FROM type_breakdown WHERE run = ?1 AND field IN "
+               "(SELECT field FROM type_breakdown WHERE run = ?1 LIMIT ?2)",
+               kRowsPerStep},
+    SweptTable{"DELETE FROM type_form WHERE run = ?1 AND (field, position) IN "
+               "(SELECT field, position FROM type_form WHERE run = ?1 LIMIT ?2)",
+               kRowsPerStep},
+    SweptTable{"DELETE FROM finding WHERE run = ?1 AND (table_id, field, code) IN "
+               "(SELECT table_id, field, code FROM finding WHERE run = ?1 LIMIT ?2)",
+               kRowsPerStep},
+    SweptTable{"DELETE FROM run_examination WHERE run = ?1 AND ?2 > 0", 1},
     SweptTable{"DELETE FROM key_analysis WHERE run = ?1 AND (field, other_field) IN "
                "(SELECT field, other_field FROM key_analysis WHERE run = ?1 LIMIT ?2)",
                kRowsPerStep},

@@ -3,6 +3,7 @@
 #include "repository/AlertStore.h"
 #include "repository/BindValue.h"
 #include "repository/Collections.h"
+#include "repository/ExaminationStore.h"
 #include "repository/Identities.h"
 #include "repository/RuleStore.h"
 #include "repository/RunChecksums.h"
@@ -116,7 +117,21 @@ Status RunWriter::addField(int tableId, const FieldFacts& facts) {
             return Error{fmt::format("The field \"{}\" of \"{}\" could not be stored. {}", facts.name,
                                      displayName(table->second.facts), stored.error().text)};
         ++table->second.fields;
+        for (const FindingFacts& finding : facts.findings)
+            if (auto stored = storeFinding(*m_connection, {m_run, tableId, *field}, finding); !stored)
+                return stored;
         return storeFieldLists(*m_connection, m_run, *field, facts);
+    });
+}
+
+Status RunWriter::addFinding(int tableId, std::string_view field, const FindingFacts& finding) {
+    return attempt([&]() -> Status {
+        if (!m_tables.contains(tableId))
+            return noTable(tableId);
+        if (field.empty())
+            return storeFinding(*m_connection, {m_run, tableId, 0}, finding);
+        auto id = fieldIdentity(*m_connection, tableId, field);
+        return id ? storeFinding(*m_connection, {m_run, tableId, *id}, finding) : Status{id.error()};
     });
 }
 
@@ -272,6 +287,9 @@ Status RunWriter::commit(UtcTime finished) {
         insert->bind(5, m_description.description).bind(6, static_cast<std::int64_t>(m_tables.size())).bind(7, records);
         if (auto done = insert->run(); !done)
             return done;
+        if (m_description.isExamined)
+            if (auto stored = storeExamination(*m_connection, m_run, m_description.hasTypedExpressions); !stored)
+                return stored;
         if (auto stored = storeRunChecksums(*m_connection, m_run); !stored)
             return stored;
         return m_transaction->commit();

@@ -25,6 +25,10 @@ struct RunDescription {
     const Clock* clock = nullptr;
     /// Bytes of memory that the transaction may take; 0: the default of any writer.
     std::size_t memory = 0;
+    /// Whether it looked for types and findings, so that none means none.
+    bool isExamined = false;
+    /// Whether its conditions compare values of fields as numbers or dates where they are such; if `isExamined`.
+    bool hasTypedExpressions = false;
     /// Asked some twenty times a second while another program writes; empty: wait at most 5 seconds.
     std::function<bool()> mayWait{};
 };
@@ -58,6 +62,9 @@ class RunWriter {
     /// The fields that it reads must have been added. Names are unique within the table.
     [[nodiscard]] Status addCustomMetric(int tableId, const CustomMetricFacts& metric);
     [[nodiscard]] Status addBusinessRule(int tableId, const BusinessRuleFacts& rule);
+    /// A finding about a field, or with an empty name about the table; at most one for each code. addField() stores those
+    /// of FieldFacts.
+    [[nodiscard]] Status addFinding(int tableId, std::string_view field, const FindingFacts& finding);
     /// A line of the run's execution log; `tableId` 0 for the run as a whole.
     [[nodiscard]] Status addLog(int tableId, LogLevel level, std::string_view text);
     /// Creates the collection or adds to the one of this name; its fields must be in tables of this run.

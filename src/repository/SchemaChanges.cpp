@@ -389,8 +389,88 @@ FROM bin b JOIN run r ON r.id = b.run JOIN job j ON j.id = r.job JOIN field f ON
 JOIN profiled_table t ON t.id = f.table_id;
 )sql";
 
+// The types that the values of fields fit, and findings. finding.field 0: the finding is about the table.
+// run_examination has a row for each run that looked for both; expressions: 1 conditions compare the values of fields
+// as texts, 2 as numbers or dates where they are such.
+constexpr const char* kToVersion9 = R"sql(
+CREATE TABLE run_examination (
+    run INTEGER PRIMARY KEY,
+    expressions INTEGER NOT NULL
+) STRICT;
+
+CREATE TABLE type_breakdown (
+    run INTEGER NOT NULL,
+    field INTEGER NOT NULL,
+    value_count INTEGER NOT NULL,
+    row_count INTEGER NOT NULL,
+    reading TEXT NOT NULL,
+    fit_values INTEGER NOT NULL,
+    fit_rows INTEGER NOT NULL,
+    ambiguity TEXT NOT NULL,
+    has_figures INTEGER NOT NULL CHECK (has_figures IN (0, 1)),
+    PRIMARY KEY (run, field)
+) STRICT, WITHOUT ROWID;
+
+CREATE TABLE type_form (
+    run INTEGER NOT NULL,
+    field INTEGER NOT NULL,
+    position INTEGER NOT NULL,
+    form TEXT NOT NULL,
+    value_count INTEGER NOT NULL,
+    row_count INTEGER NOT NULL,
+    example TEXT NOT NULL,
+    PRIMARY KEY (run, field, position)
+) STRICT, WITHOUT ROWID;
+
+CREATE TABLE finding (
+    run INTEGER NOT NULL,
+    table_id INTEGER NOT NULL,
+    field INTEGER NOT NULL,
+    code TEXT NOT NULL,
+    likelihood INTEGER NOT NULL CHECK (likelihood IN (1, 2, 3)),
+    value_count INTEGER NOT NULL,
+    row_count INTEGER NOT NULL,
+    detail TEXT NOT NULL,
+    condition TEXT NOT NULL,
+    PRIMARY KEY (run, table_id, field, code)
+) STRICT, WITHOUT ROWID;
+
+CREATE TABLE dismissed_finding (
+    table_id INTEGER NOT NULL,
+    field INTEGER NOT NULL,
+    code TEXT NOT NULL,
+    reason TEXT NOT NULL,
+    author TEXT NOT NULL,
+    dismissed INTEGER NOT NULL,
+    PRIMARY KEY (table_id, field, code)
+) STRICT, WITHOUT ROWID;
+
+CREATE VIEW v_type_breakdowns AS
+SELECT b.run, b.field AS field_id, f.table_id, f.name AS field_name, b.value_count, b.row_count, b.reading,
+       b.fit_values, b.fit_rows, b.ambiguity, b.has_figures, j.name AS job,
+       CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name
+FROM type_breakdown b JOIN run r ON r.id = b.run JOIN job j ON j.id = r.job JOIN field f ON f.id = b.field
+JOIN profiled_table t ON t.id = f.table_id;
+
+CREATE VIEW v_type_forms AS
+SELECT b.run, b.field AS field_id, f.table_id, f.name AS field_name, b.position, b.form, b.value_count, b.row_count,
+       b.example, j.name AS job, CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name
+FROM type_form b JOIN run r ON r.id = b.run JOIN job j ON j.id = r.job JOIN field f ON f.id = b.field
+JOIN profiled_table t ON t.id = f.table_id;
+
+CREATE VIEW v_findings AS
+SELECT b.run, b.table_id, b.field AS field_id, f.name AS field_name, b.code,
+       CASE b.likelihood WHEN 1 THEN 'possible' WHEN 2 THEN 'likely' ELSE 'definite' END AS likelihood,
+       b.value_count, b.row_count, b.detail, b.condition, x.reason AS dismissal_reason, x.author AS dismissed_by,
+       strftime('%Y-%m-%dT%H:%M:%SZ', x.dismissed / 1000, 'unixepoch') AS dismissed, j.name AS job,
+       CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name
+FROM finding b JOIN run r ON r.id = b.run JOIN job j ON j.id = r.job JOIN profiled_table t ON t.id = b.table_id
+LEFT JOIN field f ON f.id = b.field
+LEFT JOIN dismissed_finding x ON x.table_id = b.table_id AND x.field = b.field AND x.code = b.code;
+)sql";
+
 constexpr std::array kChanges{kToVersion2, kToVersion3, kToVersion4, kToVersion5,
-                              kToVersion6, kToVersion7, kToVersion8};
+                              kToVersion6, kToVersion7, kToVersion8, kToVersion9};
 
 } // namespace
 

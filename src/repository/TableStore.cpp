@@ -3,6 +3,7 @@
 #include "repository/BindValue.h"
 #include "repository/DistributionStore.h"
 #include "repository/FileOffsetIndex.h"
+#include "repository/ExaminationStore.h"
 #include "repository/HistogramStore.h"
 
 #include <fmt/format.h>
@@ -155,6 +156,9 @@ Status storeFieldLists(sql::Connection& connection, int run, int field, const Fi
         return stored;
     if (facts.histogram)
         if (auto stored = storeHistogram(connection, run, field, *facts.histogram); !stored)
+            return stored;
+    if (facts.breakdown)
+        if (auto stored = storeBreakdown(connection, run, field, *facts.breakdown); !stored)
             return stored;
     if (auto stored = storeFieldOffsetIndex(connection, run, field, facts.offsetIndex); !stored)
         return stored;

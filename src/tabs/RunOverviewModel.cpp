@@ -317,7 +317,7 @@ void RunOverviewModel::FillAlerts() {
     for (const AlertState& alert : m_overview.raisedAlerts) {
         if (!ShowsTable(alert.tableId))
             continue;
-        lines.push_back({{nameCell(alert.sentence, CellIcon::None), textCell(alert.table), figureCell(alert.figure),
+        lines.push_back({{nameCell(alert.condition(), CellIcon::None), textCell(alert.table), figureCell(alert.figure),
                           textCell(alertLevelWord(alert.rule->level))},
                          doorOf(alert)});
         lines.back().cells.front().alertMark = true;

@@ -19,6 +19,9 @@ namespace {
 using namespace repository;
 using Values = SampleField::Values;
 
+/// The first run looked for no types and findings, as if an older version had made it.
+constexpr std::uint64_t kFirstExaminedRun = 1;
+
 class FixedClock final : public Clock {
   public:
     explicit FixedClock(UtcTime time) : m_time(time) {}
@@ -143,7 +146,20 @@ void SampleRun::addOrders() {
     table.processedRecords = 100;
     begin(table);
     add("order", 'I', numbered("", 100));
-    add("note", 'S', {{"=1+1", 40}, {"<b>bold</b>", 30}, {"tab\there", 20}, {"line\r\nend", 10}});
+    SampleField note("note", ++m_ordinal, 'S',
+                     {{"=1+1", 40}, {"<b>bold</b>", 30}, {"tab\there", 20}, {"line\r\nend", 10}});
+    if (m_number >= kFirstExaminedRun) {
+        note.facts().breakdown = {.values = 4, .rows = 100, .forms = {{"text", 4, 100, "=1+1"}}};
+        note.facts().findings = {{.code = "control-characters",
+                                  .likelihood = 3,
+                                  .values = 2,
+                                  .rows = 30,
+                                  .detail = "2 values in 30 rows, such as line end",
+                                  .condition = "has_control_chars(`Value`)"}};
+    }
+    add(note);
+    if (m_number >= kFirstExaminedRun)
+        need(m_writer.addFinding(m_table, "", {.code = "few-rows", .detail = "100 rows"}));
 }
 
 void SampleRun::addBigOrders() {
@@ -215,6 +231,7 @@ void writeSales(SampleRepository& sample, int number) {
     FixedClock clock(SampleRepository::runTime(number));
     constexpr const char* kDescriptions[] = {"January", "February", ""};
     RunDescription description{"Sales", "Customers and their orders", kDescriptions[number], clock.now(), &clock};
+    description.isExamined = static_cast<std::uint64_t>(number) >= kFirstExaminedRun;
     auto writer = need(RunWriter::begin(sample.path, description));
     SampleRun run(sample, *writer, number);
     need(writer->addLog(0, LogLevel::Info, "The run began."));

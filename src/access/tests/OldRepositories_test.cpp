@@ -77,12 +77,19 @@ class OldRepositories : public ::testing::TestWithParam<std::size_t> {
     std::string m_source = m_folder.file("orders.csv");
 };
 
-TEST_P(OldRepositories, HaveNoHistograms) {
+TEST_P(OldRepositories, HaveNoHistogramsTypesAndFindings) {
     const PrViewer::Handle viewer = PrViewer::create();
     ASSERT_TRUE(viewer->init(m_path) && viewer->setCurrentJobSetup(1)) << viewer->getErrorString().str();
     const ProfileCursorHandle bins = viewer->getHistogram(2);
     ASSERT_TRUE(bins) << viewer->getErrorString().str();
     EXPECT_FALSE(bins->next());
+    EXPECT_FALSE(viewer->isExamined());
+    const ProfileCursorHandle breakdown = viewer->getTypeBreakdown(2);
+    ASSERT_TRUE(breakdown) << viewer->getErrorString().str();
+    EXPECT_FALSE(breakdown->next());
+    const ProfileCursorHandle findings = viewer->getFindings();
+    ASSERT_TRUE(findings) << viewer->getErrorString().str();
+    EXPECT_FALSE(findings->next());
     const ProfileCursorHandle ranks = viewer->getFreqDistRanks(2);
     ASSERT_TRUE(ranks && ranks->next());
     EXPECT_EQ(ranks->getColumnInt(layout::RankSum), 4);

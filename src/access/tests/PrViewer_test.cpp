@@ -24,6 +24,8 @@ using tavix::testing::SampleRepository;
 using tavix::testing::TempFolder;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
+using ::testing::StartsWith;
 
 TEST_F(PrViewerTest, EveryOperationFailsWithTextWithoutASession) {
     auto viewer = PrViewer::create();
@@ -291,6 +293,56 @@ TEST_F(PrViewerTest, ReadsPercentilesOutliersHistoryAndLog) {
     ASSERT_TRUE(log->next());
     EXPECT_EQ(log->getColumnValue(layout::LogTable), KvbString("airports"));
     EXPECT_EQ(log->getColumnInt(layout::LogLevelCode), 1);
+}
+
+TEST_F(PrViewerTest, ReadsTypesAndFindings) {
+    const int note = field("orders/note");
+    EXPECT_TRUE(m_viewer->isExamined());
+    EXPECT_THAT(read(m_viewer->getTypeBreakdown(note)), ElementsAre("4|100||0|0||0"));
+    EXPECT_THAT(read(m_viewer->getTypeForms(note)), ElementsAre("text|4|100|=1+1"));
+    EXPECT_THAT(read(m_viewer->getFitReadings(table("orders"))), ElementsAre(fmt::format("{}||0|100|0", note)));
+    const std::string first = fmt::format("{}|orders|{}|note|control-characters|3|2|30|2 values in 30 rows, such as "
+                                          "line end|has_control_chars(`Value`)|",
+                                          table("orders"), note);
+    const std::string second = fmt::format("{}|orders|0||few-rows|1|0|0|100 rows||", table("orders"));
+    EXPECT_THAT(read(m_viewer->getFindings()), ElementsAre(StartsWith(first), StartsWith(second)));
+    EXPECT_THAT(read(m_viewer->getTableFindings(table("orders"))), SizeIs(2));
+    EXPECT_THAT(read(m_viewer->getFieldFindings(note)), ElementsAre(StartsWith(first)));
+    EXPECT_THAT(read(m_viewer->getFieldFindings(field("orders/order"))), IsEmpty());
+    expectFailure(!m_viewer->getFieldFindings(999), "There is no field with the number 999.");
+
+    ASSERT_TRUE(m_viewer->setCurrentJob(m_sample.salesRuns[0]));
+    EXPECT_FALSE(m_viewer->isExamined());
+    EXPECT_THAT(read(m_viewer->getTypeBreakdown(note)), IsEmpty());
+    EXPECT_THAT(read(m_viewer->getFindings()), IsEmpty());
+}
+
+TEST_F(PrViewerTest, DismissesFindingsInAllRuns) {
+    const int orders = table("orders");
+    const int note = field("orders/note");
+    const auto reasons = [&] {
+        std::vector<std::string> found;
+        for (const auto findings = m_viewer->getFindings(); findings->next();)
+            found.push_back(findings->isColumnNull(layout::FindingDismissal)
+                                ? "none"
+                                : findings->getColumnValue(layout::FindingDismissal).str() + " by " +
+                                      findings->getColumnValue(layout::FindingDismissedBy).str());
+        return found;
+    };
+    ASSERT_TRUE(m_viewer->dismissFinding(orders, note, "control-characters", "Ada", "Tabs are meant. \n"));
+    EXPECT_THAT(reasons(), ElementsAre("Tabs are meant. by Ada", "none"));
+    ASSERT_TRUE(m_viewer->setCurrentJob(m_sample.salesRuns[1]));
+    ASSERT_TRUE(m_viewer->dismissFinding(orders, 0, "few-rows", "Grace", "A sample"));
+    ASSERT_TRUE(m_viewer->dismissFinding(orders, note, "control-characters", "Grace", "Line ends, too"));
+    EXPECT_THAT(reasons(), ElementsAre("Line ends, too by Grace", "A sample by Grace"));
+    ASSERT_TRUE(m_viewer->restoreFinding(orders, note, "control-characters"));
+    EXPECT_THAT(reasons(), ElementsAre("none", "A sample by Grace"));
+
+    expectFailure(!m_viewer->dismissFinding(orders, note, "few-rows", "Ada", "There?"),
+                  "There is no finding \"few-rows\" there.");
+    expectFailure(!m_viewer->restoreFinding(orders, note, "few-rows"), "There is no finding \"few-rows\" there.");
+    expectFailure(!m_viewer->dismissFinding(orders, 0, "few-rows", "Ada", " \n"),
+                  "A finding is dismissed with a reason.");
 }
 
 TEST_F(PrViewerTest, ReadsHistogramsAndTheRanksOfValues) {

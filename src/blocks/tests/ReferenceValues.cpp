@@ -1,6 +1,7 @@
 #include "blocks/tests/ReferenceValues.h"
 
 #include "base/Characters.h"
+#include "base/DateTicks.h"
 #include "base/NumberText.h"
 
 #include <unicode/uchar.h>
@@ -76,12 +77,71 @@ Value asNumber(const Value& value) {
     return real ? Value(*real) : value;
 }
 
-Value isAmong(const std::vector<Value>& values) {
+namespace {
+
+/// Whole numbers of any size.
+int compareDigits(std::string left, std::string right) {
+    const auto isNegative = [](const std::string& text) { return text.starts_with('-'); };
+    const auto digits = [](const std::string& text) {
+        const std::size_t first = text.find_first_not_of("+-0");
+        return first == std::string::npos ? std::string() : text.substr(first);
+    };
+    if (digits(left).empty() && digits(right).empty())
+        return 0;
+    if (isNegative(left) != isNegative(right) || digits(left).empty() || digits(right).empty()) {
+        const auto sign = [&](const std::string& text) { return digits(text).empty() ? 0 : isNegative(text) ? -1 : 1; };
+        return order(sign(left), sign(right));
+    }
+    const std::string a = digits(isNegative(left) ? right : left);
+    const std::string b = digits(isNegative(left) ? left : right);
+    return a.size() != b.size() ? order(a.size(), b.size()) : a.compare(b);
+}
+
+bool isWhole(const Text& text) {
+    return text.find_first_of(U".eE") == Text::npos;
+}
+
+} // namespace
+
+std::optional<double> readNumber(const Text& cell) {
+    return isNumber(cell) ? parseNumber(encode(cell)) : std::nullopt;
+}
+
+bool isPlainNumber(const Text& cell) {
+    const std::size_t first = cell.find_first_not_of(U"+-");
+    const bool isPadded =
+        cell.size() > first + 1 && cell[first] == U'0' && cell[first + 1] >= U'0' && cell[first + 1] <= U'9';
+    return readNumber(cell) && !isPadded;
+}
+
+bool isDate(const Text& cell) {
+    return parseDate(encode(cell)).has_value();
+}
+
+std::optional<int> orderOfCell(const Text& cell, const Value& number) {
+    const auto value = readNumber(cell);
+    if (!value)
+        return std::nullopt;
+    if (const auto* integer = std::get_if<std::int64_t>(&number); integer && isWhole(cell))
+        return compareDigits(encode(cell), std::to_string(*integer));
+    return order(*value, toReal(number));
+}
+
+int orderOfCells(const Text& left, const Text& right) {
+    if (isPlainNumber(left) && isPlainNumber(right))
+        return isWhole(left) && isWhole(right) ? compareDigits(encode(left), encode(right))
+                                               : order(*readNumber(left), *readNumber(right));
+    if (isDate(left) && isDate(right))
+        return order(*parseDate(encode(left)), *parseDate(encode(right)));
+    return compareTexts(left, right);
+}
+
+Value isAmong(const std::vector<Value>& values, const std::function<bool(std::size_t)>& equals) {
     if (isNull(values.front()))
         return {};
-    const auto equals = [&](const Value& one) { return !isNull(one) && compareAny(values.front(), one) == 0; };
-    if (std::any_of(values.begin() + 1, values.end(), equals))
-        return true;
+    for (std::size_t i = 1; i < values.size(); ++i)
+        if (!isNull(values[i]) && equals(i))
+            return true;
     return std::any_of(values.begin() + 1, values.end(), isNull) ? Value() : Value(false);
 }
 

@@ -144,7 +144,11 @@ void PicturePane::FillIfSeen() {
         else
             shown.note = read.error().text;
     }
-    m_title->setText(shown.picture ? toQString(shown.picture->title()) : QString());
+    QString title = shown.picture ? toQString(shown.picture->title()) : QString();
+    if (shown.picture && !shown.base.empty())
+        title += toQString(kOverFits);
+    m_title->setText(title);
+    m_title->setToolTip(toQString(shown.base));
     m_note->setText(toQString(shown.note));
     m_note->setVisible(!shown.note.empty());
     m_drawing->setVisible(shown.note.empty());

@@ -1,4 +1,4 @@
-#include "profiling/ValueKind.h"
+#include "forms/ValueKind.h"
 
 #include "base/Ascii.h"
 #include "base/Characters.h"
@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 
-namespace tavix::profiling {
+namespace tavix::forms {
 
 namespace {
 
@@ -62,7 +62,7 @@ std::string_view withoutSign(std::string_view integer) {
 } // namespace
 
 ValueKind kindOf(std::string_view text) {
-    if (isBlank(text))
+    if (text.empty())
         return ValueKind::None;
     const char first = text.front();
     if (isAsciiDigit(first)) {
@@ -72,8 +72,13 @@ ValueKind kindOf(std::string_view text) {
     }
     if (first == '-' || first == '+' || first == '.')
         return numberKind(text);
-    return equalsIgnoringAsciiCase(text, "true") || equalsIgnoringAsciiCase(text, "false") ? ValueKind::Boolean
-                                                                                           : ValueKind::Text;
+    if (isAsciiLetter(first)) {
+        const bool isBoolean = text.size() == 4   ? equalsIgnoringAsciiCase(text, "true")
+                               : text.size() == 5 ? equalsIgnoringAsciiCase(text, "false")
+                                                  : false;
+        return isBoolean ? ValueKind::Boolean : ValueKind::Text;
+    }
+    return isBlank(text) ? ValueKind::None : ValueKind::Text;
 }
 
 ValueKind joinedKind(ValueKind a, ValueKind b) {
@@ -143,4 +148,4 @@ std::int64_t dateValue(std::string_view text) {
     return parseDate(text).value_or(0);
 }
 
-} // namespace tavix::profiling
+} // namespace tavix::forms

@@ -7,7 +7,7 @@
 #include <string_view>
 
 /// The type that a single text can be read as. docs/definitions.md explains it to users.
-namespace tavix::profiling {
+namespace tavix::forms {
 
 enum class ValueKind : std::uint8_t {
     None, ///< empty or blank: fits any type
@@ -40,4 +40,4 @@ enum class ValueKind : std::uint8_t {
 /// The instant of a Date in units of 100 ns since 1970; UTC when it has no offset.
 [[nodiscard]] std::int64_t dateValue(std::string_view text);
 
-} // namespace tavix::profiling
+} // namespace tavix::forms

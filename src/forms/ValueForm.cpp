@@ -1,0 +1,269 @@
+#include "forms/ValueForm.h"
+
+#include "base/Ascii.h"
+#include "base/Characters.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace tavix::forms {
+
+namespace {
+
+using Family = ValueForm::Family;
+using Readings = ValueForm::Readings;
+
+/// What a text may be, as its first byte tells.
+enum class Start : std::uint8_t { Other, Digit, Number, Letter };
+
+constexpr auto kStarts = [] {
+    std::array<Start, 256> starts{};
+    for (std::size_t c = 0; c < starts.size(); ++c) {
+        if (isAsciiDigit(static_cast<char>(c)))
+            starts[c] = Start::Digit;
+        else if (isAsciiLetter(static_cast<char>(c)))
+            starts[c] = Start::Letter;
+        else if (std::string_view("+-(.,$").find(static_cast<char>(c)) != std::string_view::npos)
+            starts[c] = Start::Number;
+        else if (c >= 0xC2) // currency signs and the minus sign
+            starts[c] = Start::Number;
+    }
+    return starts;
+}();
+
+Start startOf(std::string_view text) {
+    return kStarts[static_cast<unsigned char>(text.front())];
+}
+
+Readings readingsOf(bool first, bool second, bool areSame) {
+    if (first && second)
+        return areSame ? Readings::Same : Readings::Different;
+    return first ? Readings::First : Readings::Second;
+}
+
+bool isRead(Readings readings, bool isFirst) {
+    return readings != (isFirst ? Readings::Second : Readings::First);
+}
+
+/// Whether a written number or date can end with the last byte of the text: with a digit, a sign or unit, AM, PM, Z,
+/// UTC or GMT.
+bool mayEnd(std::string_view text) {
+    const auto last = static_cast<unsigned char>(text.back());
+    const char lower = asciiLower(text.back());
+    return isAsciiDigit(text.back()) || last >= 0x80 || (last >= 'A' && last <= 'Z') || lower == 'm' || lower == 'z' ||
+           lower == 'c' || lower == 't' || std::string_view(".-%$)").find(text.back()) != std::string_view::npos;
+}
+
+bool hasDigit(std::string_view text) {
+    return std::any_of(text.begin(), text.end(), [](char c) { return isAsciiDigit(c); });
+}
+
+void setNumber(ValueForm& form, const WrittenNumber& number) {
+    form.family = Family::Number;
+    form.readings = readingsOf(number.point.reads, number.comma.reads, number.isSameByMark());
+    form.point = number.point;
+    form.comma = number.comma;
+    form.negative = number.negative;
+    form.unit = number.unit;
+}
+
+void setDate(ValueForm& form, const WrittenDate& date) {
+    form.family = date.shape == DateShape::ShortYear ? Family::ShortYear : Family::Date;
+    form.shape = date.shape;
+    form.separator = date.separator;
+    form.hasTime = date.hasTime;
+    form.readings =
+        readingsOf(date.dayFirst.has_value(), date.monthFirst.has_value(), date.dayFirst == date.monthFirst);
+    if (form.family == Family::ShortYear)
+        form.readings = Readings::Same;
+}
+
+/// For a text without white space at its ends that fits no strict type.
+void setWritten(ValueForm& form, std::string_view text) {
+    const Start start = startOf(text);
+    if (start == Start::Other || !mayEnd(text) || (start != Start::Digit && !hasDigit(text)))
+        return;
+    if (const auto number = readNumber(text)) {
+        setNumber(form, *number);
+        return;
+    }
+    if (start != Start::Number)
+        if (const auto date = readDate(text))
+            setDate(form, *date);
+}
+
+void setStrict(ValueForm& form, ValueKind kind, std::string_view text) {
+    form.isStrict = true;
+    switch (kind) {
+    case ValueKind::Boolean:
+        form.family = Family::Boolean;
+        break;
+    case ValueKind::Integer:
+    case ValueKind::Real:
+        if (const auto number = readNumber(text)) {
+            setNumber(form, *number);
+            form.negative = NegativeMark::None;
+        }
+        break;
+    case ValueKind::Date:
+        if (const auto date = readDate(text))
+            setDate(form, *date);
+        form.hasTime = false;
+        break;
+    case ValueKind::None:
+    case ValueKind::Text:
+        break;
+    }
+}
+
+std::string dateForm(const ValueForm& form, bool isDayFirst) {
+    const std::string between = form.separator == '\0' ? std::string() : std::string(1, form.separator);
+    switch (form.shape) {
+    case DateShape::YearFirst:
+        return "YYYY" + between + "MM" + between + "DD";
+    case DateShape::DayAndMonth:
+        return (isDayFirst ? "DD" + between + "MM" : "MM" + between + "DD") + between + "YYYY";
+    case DateShape::MonthNameFirst:
+        return "Mon" + between + "DD" + between + "YYYY";
+    case DateShape::DayBeforeName:
+        return "DD" + between + "Mon" + between + "YYYY";
+    case DateShape::Iso:
+    case DateShape::ShortYear:
+        break;
+    }
+    return {};
+}
+
+std::string dateText(const ValueForm& form, DateOrder order) {
+    if (form.isStrict)
+        return "date";
+    std::string text;
+    const bool isOpen = form.shape == DateShape::DayAndMonth && order == DateOrder::None &&
+                        (form.readings == Readings::Same || form.readings == Readings::Different);
+    if (isOpen)
+        text = "date " + dateForm(form, true) + " or " + dateForm(form, false);
+    else if (form.readings == Readings::First || form.readings == Readings::Second)
+        text = "date " + dateForm(form, form.readings == Readings::First);
+    else
+        text = "date " + dateForm(form, order != DateOrder::MonthFirst);
+    return form.hasTime ? text + " hh:mm" : text;
+}
+
+std::string numberText(const ValueForm& form, DecimalMark mark) {
+    if (form.readings == Readings::Different && mark == DecimalMark::Open)
+        return "number grouped or decimal";
+    const bool isComma =
+        form.readings == Readings::Second || (form.readings == Readings::Different && mark == DecimalMark::Comma);
+    const MarkReading& reading = isComma ? form.comma : form.point;
+    std::string text = reading.isWhole ? "integer" : "real";
+    if (reading.isGrouped)
+        text += " grouped";
+    if (isComma)
+        text += " decimal-comma";
+    return text;
+}
+
+} // namespace
+
+ValueForm ValueForm::of(std::string_view text, ValueKind kind) {
+    ValueForm form;
+    if (kind == ValueKind::Text) {
+        const std::string_view inner = withoutBlanks(text);
+        form.hasBlanks = inner.size() < text.size();
+        if (form.hasBlanks)
+            kind = kindOf(inner);
+        text = inner;
+    }
+    if (kind == ValueKind::Text)
+        setWritten(form, text);
+    else
+        setStrict(form, kind, text);
+    if (form.family == Family::Text)
+        form.hasBlanks = false;
+    return form;
+}
+
+std::uint64_t ValueForm::key() const {
+    std::uint64_t key = unit;
+    const auto add = [&](unsigned bits, std::uint64_t value) { key = key << bits | value; };
+    add(3, static_cast<std::uint64_t>(family));
+    add(1, hasBlanks ? 1 : 0);
+    add(1, isStrict ? 1 : 0);
+    add(2, static_cast<std::uint64_t>(readings));
+    for (const MarkReading& reading : {point, comma}) {
+        add(1, reading.reads ? 1 : 0);
+        add(1, reading.isWhole ? 1 : 0);
+        add(1, reading.isGrouped ? 1 : 0);
+    }
+    add(2, static_cast<std::uint64_t>(negative));
+    add(3, static_cast<std::uint64_t>(shape));
+    add(7, static_cast<unsigned char>(separator) & 0x7FU);
+    add(1, hasTime ? 1 : 0);
+    return key;
+}
+
+bool ValueForm::isReadBy(DecimalMark mark) const {
+    if (family != Family::Number)
+        return false;
+    return mark == DecimalMark::Open ? readings == Readings::Same : isRead(readings, mark == DecimalMark::Point);
+}
+
+bool ValueForm::isReadBy(DateOrder order) const {
+    if (family != Family::Date)
+        return false;
+    return order == DateOrder::None ? readings == Readings::Same : isRead(readings, order == DateOrder::DayFirst);
+}
+
+std::string ValueForm::text(DecimalMark mark, DateOrder order) const {
+    std::string text;
+    switch (family) {
+    case Family::Text:
+        return "text";
+    case Family::Boolean:
+        text = "boolean";
+        break;
+    case Family::ShortYear:
+        text = "date with two-digit year";
+        break;
+    case Family::Date:
+        text = dateText(*this, order);
+        break;
+    case Family::Number:
+        text = numberText(*this, mark);
+        if (unit != kNoUnit)
+            text += " with " + unitText(unit);
+        if (negative == NegativeMark::After)
+            text += " trailing minus";
+        else if (negative == NegativeMark::Parentheses)
+            text += " in parentheses";
+        break;
+    }
+    return hasBlanks ? text + " with blanks" : text;
+}
+
+std::string_view withoutBlanks(std::string_view text) {
+    const auto mayBeBlank = [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte <= ' ' || byte >= 0x80;
+    };
+    while (!text.empty() && mayBeBlank(text.front())) {
+        std::size_t at = 0;
+        if (!isWhiteSpace(nextCharacter(text, at)))
+            break;
+        text.remove_prefix(at);
+    }
+    while (!text.empty() && mayBeBlank(text.back())) {
+        std::size_t start = text.size() - 1;
+        while (start > 0 && (static_cast<unsigned char>(text[start]) & 0xC0U) == 0x80)
+            --start;
+        std::size_t at = start;
+        const std::int32_t last = nextCharacter(text, at);
+        if (at != text.size() || !isWhiteSpace(last))
+            break;
+        text = text.substr(0, start);
+    }
+    return text;
+}
+
+} // namespace tavix::forms
