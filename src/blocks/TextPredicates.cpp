@@ -2,6 +2,7 @@
 #include "blocks/Predicate.h"
 #include "expression/ByteSearch.h"
 #include "expression/TextOperators.h"
+#include "forms/Reading.h"
 
 #include <string>
 #include <vector>
@@ -154,6 +155,9 @@ PredicatePtr makeTextTest(const Node& node) {
         return std::make_unique<ContainsPredicate>(text, part);
     if (isCallOf(node, "starts_with"))
         return makeEach(text, [part](std::string_view whole) { return whole.starts_with(part); });
+    if (isCallOf(node, "fits"))
+        return makeEach(
+            text, [reading = *forms::Reading::parse(part)](std::string_view whole) { return reading.fits(whole); });
     if (isCallOf(node, "ends_with"))
         return makeEach(text, [part](std::string_view whole) { return whole.ends_with(part); });
     return nullptr;

@@ -54,7 +54,13 @@ class Run {
           m_engine(engineSettings(options, repositoryPath),
                    [this] { return m_reporter.report() && !m_store.failure(); }),
           m_store(repositoryPath,
-                  {job.name, job.description, options.description, m_started, nullptr, m_engine.plan().storing()},
+                  {.job = job.name,
+                   .jobDescription = job.description,
+                   .description = options.description,
+                   .started = m_started,
+                   .memory = m_engine.plan().storing(),
+                   .isExamined = true,
+                   .hasTypedExpressions = true},
                   m_reporter, m_engine.stop()) {}
 
     Result<RunOutcome> execute() {

@@ -2,6 +2,7 @@
 
 #include "base/Characters.h"
 #include "base/NumberText.h"
+#include "forms/Reading.h"
 
 #include <algorithm>
 #include <array>
@@ -470,7 +471,7 @@ Expression Generator::condition(int depth) {
             return compare(field(), integer(depth - 1));
         }
     }
-    switch (below(16)) {
+    switch (below(17)) {
     case 14:
         return between(depth);
     case 15: {
@@ -538,7 +539,17 @@ Expression Generator::condition(int depth) {
         return call("has_control_chars", {text(depth - 1)},
                     [](const auto& v) { return Value(std::ranges::any_of(textOf(v[0]), isControl)); });
     case 11:
-        return call("isnumber", {text(depth - 1)}, [](const auto& v) { return Value(readNumber(textOf(v[0])).has_value()); });
+        return call("isnumber", {text(depth - 1)},
+                    [](const auto& v) { return Value(readNumber(textOf(v[0])).has_value()); });
+    case 16: {
+        // What each reading reads is tested with the readings.
+        static const std::array<std::string, 5> kReadings{"integer", "real", "date", "boolean", "real decimal-comma"};
+        const std::string& reading = kReadings[below(kReadings.size())];
+        return call("fits", {text(depth - 1), quoted(reading)},
+                    [known = *forms::Reading::parse(reading)](const auto& v) {
+                        return Value(known.fits(encode(textOf(v[0]))));
+                    });
+    }
     case 12:
         return call("isblank", {text(depth - 1)},
                     [](const auto& v) { return Value(std::ranges::all_of(textOf(v[0]), isSpace)); });
