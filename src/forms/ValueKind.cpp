@@ -62,7 +62,7 @@ std::string_view withoutSign(std::string_view integer) {
 } // namespace
 
 ValueKind kindOf(std::string_view text) {
-    if (isBlank(text))
+    if (text.empty())
         return ValueKind::None;
     const char first = text.front();
     if (isAsciiDigit(first)) {
@@ -72,8 +72,13 @@ ValueKind kindOf(std::string_view text) {
     }
     if (first == '-' || first == '+' || first == '.')
         return numberKind(text);
-    return equalsIgnoringAsciiCase(text, "true") || equalsIgnoringAsciiCase(text, "false") ? ValueKind::Boolean
-                                                                                           : ValueKind::Text;
+    if (isAsciiLetter(first)) {
+        const bool isBoolean = text.size() == 4   ? equalsIgnoringAsciiCase(text, "true")
+                               : text.size() == 5 ? equalsIgnoringAsciiCase(text, "false")
+                                                  : false;
+        return isBoolean ? ValueKind::Boolean : ValueKind::Text;
+    }
+    return isBlank(text) ? ValueKind::None : ValueKind::Text;
 }
 
 ValueKind joinedKind(ValueKind a, ValueKind b) {

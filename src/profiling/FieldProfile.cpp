@@ -4,6 +4,7 @@
 #include "base/FreeMemory.h"
 #include "base/TypeWords.h"
 #include "profiling/DistributionOrder.h"
+#include "profiling/FieldExamination.h"
 #include "profiling/LargeIntegers.h"
 #include "profiling/MergedDistribution.h"
 #include "profiling/MetricValue.h"
@@ -40,6 +41,7 @@ class FieldProfiler {
           m_context(context),
           m_part(std::max(context.memory / 4, kLeastMemory)),
           m_nulls(values.counter().nullCount()) {
+        m_ordered.now = context.now;
         m_figures.facts.name = name;
         m_figures.facts.ordinal = ordinal;
         m_figures.packed = std::make_unique<PackedResult>(context.store);
@@ -49,6 +51,7 @@ class FieldProfiler {
     Result<FieldProfile> compute() {
         if (Status status = m_values.isSpilled() ? workOnRuns() : workInMemory(); !status)
             return status.error();
+        examine(m_figures, m_survey.detectors(), m_ordered);
         return std::move(m_figures);
     }
 
@@ -135,7 +138,7 @@ class FieldProfiler {
         }
         freeMemory(spare);
         EntryWalk walk(entries, order);
-        return computeStatistics(m_figures.facts, walk, m_form, participants(), m_context.stop);
+        return computeStatistics(m_figures.facts, walk, m_form, participants(), m_ordered, m_context.stop);
     }
 
     /// Merges the values from the runs in the file.
@@ -160,7 +163,7 @@ class FieldProfiler {
         }
         RunWalk byText(m_values.runs(), m_context.file, m_part);
         if (m_form == KeyForm::None)
-            return computeStatistics(m_figures.facts, byText, m_form, participants(), m_context.stop);
+            return computeStatistics(m_figures.facts, byText, m_form, participants(), m_ordered, m_context.stop);
         const RunOrder order = m_form == KeyForm::LargeInteger ? RunOrder::KeyInteger : RunOrder::Key;
         RunBuffer byValue(m_context.file, order, m_part, m_context.stop);
         if (Status status = fillByValue(byText, byValue); !status)
@@ -169,7 +172,7 @@ class FieldProfiler {
         if (!runs)
             return runs.error();
         RunWalk walk(**runs, m_context.file, m_part);
-        return computeStatistics(m_figures.facts, walk, m_form, participants(), m_context.stop);
+        return computeStatistics(m_figures.facts, walk, m_form, participants(), m_ordered, m_context.stop);
     }
 
     Status surveyInMemory(const EntryList& entries) {
@@ -288,6 +291,7 @@ class FieldProfiler {
     std::uint64_t m_nulls;
     ValueSurvey m_survey;
     KeyForm m_form = KeyForm::None;
+    findings::OrderedFigures m_ordered;
     FieldProfile m_figures;
 };
 

@@ -51,7 +51,7 @@ class Run {
           m_offsetIndexFrom(options.offsetIndexFrom),
           m_databases(job, options.askCredentials),
           m_reporter(options.watcher, job.tables.size()),
-          m_engine(engineSettings(options, repositoryPath),
+          m_engine(engineSettings(options, repositoryPath, m_started),
                    [this] { return m_reporter.report() && !m_store.failure(); }),
           m_store(repositoryPath,
                   {.job = job.name,
@@ -90,6 +90,8 @@ class Run {
                     return status;
         }
         if (Status status = m_store.storeWaiting(m_outcome.tables); !status)
+            return status;
+        if (Status status = m_store.storeDifferences(); !status)
             return status;
         repository::RunWriter& writer = m_store.writer();
         for (const EmptyFile& file : m_leftOut)

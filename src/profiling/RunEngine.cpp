@@ -64,7 +64,8 @@ std::vector<std::size_t> orderedBy(std::size_t (ColumnValues::*measure)() const,
 } // namespace
 
 RunEngine::RunEngine(const Settings& settings, std::function<bool()> poll)
-    : m_stop(std::move(poll)),
+    : m_now(settings.now),
+      m_stop(std::move(poll)),
       m_plan(settings.memory),
       m_file(settings.spillFolder),
       m_store(m_file, m_plan.packed()),
@@ -186,7 +187,7 @@ Result<std::vector<FieldProfile>> RunEngine::figures(TablePass& pass, const Alon
         const auto threads = static_cast<unsigned>(values.work() * m_pool.threads() / allWork) + 1;
         values.unite();
         auto figures =
-            profileField(values, pass.columns()[c], static_cast<int>(c) + 1, {m_file, m_store, m_stop, share, threads});
+            profileField(values, pass.columns()[c], static_cast<int>(c) + 1, {m_file, m_store, m_stop, share, threads, m_now});
         if (!figures)
             return figures.error();
         values.clearValues(m_file);

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "forms/Reading.h"
+#include "forms/ValueForm.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavix::forms {
+
+/// What a job states about the dates of a field.
+enum class StatedDates : std::uint8_t { Nothing, DayFirst, MonthFirst, EpochSeconds };
+
+/// Distinct values of a column that have something in common. Neither empty nor blank values take part.
+struct ValueTally {
+    std::uint64_t values = 0;
+    std::uint64_t rows = 0;
+    std::uint64_t most = 0; ///< how often the example occurs
+    std::string example;    ///< the most frequent value; among equals the first by code point
+    bool fits64 = true;     ///< whether all whole numbers among them have at most 64 bits
+
+    void add(std::string_view text, std::uint64_t count) {
+        ++values;
+        rows += count;
+        if (count >= most && (count > most || text < example))
+            setExample(text, count);
+    }
+    void merge(const ValueTally& other);
+
+  private:
+    void setExample(std::string_view text, std::uint64_t count);
+};
+
+/// The values that are written in one form.
+struct FormTally {
+    ValueForm form;
+    ValueTally tally;
+};
+
+/// The values of a field that have a form of this name.
+struct FormCount {
+    std::string form; ///< as ValueForm::text()
+    std::uint64_t values = 0;
+    std::uint64_t rows = 0;
+    std::string example; ///< as in ValueTally
+
+    bool operator==(const FormCount&) const = default;
+};
+
+/// How a column as a whole is read.
+struct ColumnReading {
+    std::uint64_t values = 0; ///< distinct, of the column
+    std::uint64_t rows = 0;
+    std::vector<FormCount> forms;   ///< by rows, the most first, then by form
+    std::optional<Reading> reading; ///< none if fewer than half of the rows can be read alike
+    std::uint64_t fitValues = 0;    ///< those that fit the reading
+    std::uint64_t fitRows = 0;
+    std::string ambiguity; ///< such as "day-first or month-first": the values do not decide between these
+    bool fits64 = true;    ///< whether all integers that fit have at most 64 bits
+
+    /// Whether at least this percentage of the rows fits the reading.
+    [[nodiscard]] bool isRead(double leastPercent) const {
+        return reading && static_cast<double>(fitRows) * 100.0 >= leastPercent * static_cast<double>(rows);
+    }
+};
+
+/// Decides how a column is read whose values have these forms, each listed once and in any order, as
+/// docs/definitions.md explains. `epoch`: of the values that are seconds since 1970 if the job says so.
+[[nodiscard]] ColumnReading readColumn(std::span<const FormTally> forms, StatedDates stated, const ValueTally& epoch);
+
+} // namespace tavix::forms
