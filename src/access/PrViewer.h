@@ -15,6 +15,7 @@ namespace tavix {
 class Clock;
 class PrViewDisplayMessage;
 class OrvintaPatternGen;
+struct TableSource;
 
 /// How a text file was read; the result of getTextFileInfo.
 struct TextFileInfo {
@@ -104,6 +105,8 @@ class PrViewer {
                           KvbString& object, char& kind, KvbString& field, KvbString& query, int& tableId,
                           KvbString& filter);
     bool getTextFileInfo(int tableId, TextFileInfo& info);
+    /// Of a table with fields. Fails if the run does not say where the rows came from.
+    bool getTableSource(int tableId, TableSource& source);
     [[nodiscard]] ProfileCursorHandle getTextFileFieldInfo(int tableId);
 
     // Collections of fields, across all jobs of the repository. A field's metrics are those of the current run if it

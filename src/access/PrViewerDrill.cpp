@@ -3,6 +3,7 @@
 #include "access/PrViewDisplayMessage.h"
 #include "access/PrViewerImpl.h"
 #include "access/SourceRowCursors.h"
+#include "access/TableSource.h"
 #include "repository/DistributionStore.h"
 #include "repository/ExaminationStore.h"
 
@@ -308,6 +309,34 @@ bool PrViewer::getDrilldownInfo(int fieldId, KvbString& dataSource, KvbString& c
     query = row->text(QueryText);
     tableId = static_cast<int>(row->integer(TableNumber));
     filter = row->text(Filter);
+    return true;
+}
+
+bool PrViewer::getTableSource(int tableId, TableSource& source) {
+    if (auto ready = m_impl->requireTable(tableId); !ready)
+        return m_impl->fail(ready.error());
+    const auto field =
+        m_impl->integer("SELECT field FROM run_field WHERE run = ?1 AND table_id = ?2 ORDER BY position LIMIT 1",
+                        {m_impl->run, tableId}, "The table has no fields.");
+    if (!field)
+        return m_impl->fail(field.error());
+    auto table = m_impl->drillTable(m_impl->run, static_cast<int>(*field));
+    if (!table)
+        return m_impl->fail(table.error());
+    source = {};
+    if (table->database) {
+        source.connection = table->database->connection;
+        source.user = table->database->user;
+        return true;
+    }
+    if (!table->file)
+        return m_impl->fail({fmt::format("The run does not say from where the rows of \"{}\" came.", table->name)});
+    if (Status placed = m_impl->placeFiles(*table->file); !placed)
+        return m_impl->fail(placed.error());
+    source.hasHeader = table->file->hasHeader;
+    source.quote = table->file->quote;
+    for (const DrillTable::TextFile::File& file : table->file->files)
+        source.files.push_back({file.currentPath, file.delimiter.value_or('\0'), file.encoding});
     return true;
 }
 

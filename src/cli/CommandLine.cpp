@@ -21,6 +21,7 @@
 #include "cli/RunsCommand.h"
 #include "cli/ShowCommand.h"
 #include "cli/Signals.h"
+#include "cli/SuggestCommand.h"
 #include "cli/TablesCommand.h"
 
 #include <CLI/App.hpp>
@@ -75,13 +76,21 @@ struct KnownCommand {
 };
 
 constexpr KnownCommand kCommands[] = {
-    {"inspect", make<InspectCommand>},     {"profile", make<ProfileCommand>},
-    {"jobs", make<JobsCommand>},           {"runs", make<RunsCommand>},
-    {"tables", make<TablesCommand>},       {"fields", make<FieldsCommand>},
-    {"show", make<ShowCommand>},           {"rows", make<RowsCommand>},
-    {"compare", make<CompareCommand>},     {"rules", make<RulesCommand>},
-    {"alerts", make<AlertsCommand>},       {"notes", make<NotesCommand>},
-    {"functions", make<FunctionsCommand>}, {"delete-history", make<DeleteHistoryCommand>},
+    {"inspect", make<InspectCommand>},
+    {"profile", make<ProfileCommand>},
+    {"jobs", make<JobsCommand>},
+    {"runs", make<RunsCommand>},
+    {"tables", make<TablesCommand>},
+    {"fields", make<FieldsCommand>},
+    {"show", make<ShowCommand>},
+    {"rows", make<RowsCommand>},
+    {"compare", make<CompareCommand>},
+    {"rules", make<RulesCommand>},
+    {"alerts", make<AlertsCommand>},
+    {"notes", make<NotesCommand>},
+    {"suggest", make<SuggestCommand>},
+    {"functions", make<FunctionsCommand>},
+    {"delete-history", make<DeleteHistoryCommand>},
     {"check", make<CheckCommand>},
 };
 
