@@ -76,22 +76,21 @@ Kind declaredKind(std::string_view type) {
         Kind kind;
     };
     static constexpr std::array<Word, 26> kWords{
-        {{"char", Kind::Text},      {"varchar", Kind::Text},   {"nchar", Kind::Text},    {"nvarchar", Kind::Text},
-         {"varchar2", Kind::Text},  {"nvarchar2", Kind::Text}, {"text", Kind::Text},     {"character", Kind::Text},
-         {"bpchar", Kind::Text},    {"clob", Kind::Text},      {"string", Kind::Text},   {"int", Kind::Number},
-         {"integer", Kind::Number}, {"bigint", Kind::Number},  {"int2", Kind::Number},   {"int4", Kind::Number},
-         {"int8", Kind::Number},    {"smallint", Kind::Number}, {"numeric", Kind::Number}, {"decimal", Kind::Number},
-         {"real", Kind::Number},    {"double", Kind::Number},  {"float", Kind::Number},  {"date", Kind::Date},
+        {{"char", Kind::Text},       {"varchar", Kind::Text},    {"nchar", Kind::Text},     {"nvarchar", Kind::Text},
+         {"varchar2", Kind::Text},   {"nvarchar2", Kind::Text},  {"text", Kind::Text},      {"character", Kind::Text},
+         {"bpchar", Kind::Text},     {"clob", Kind::Text},       {"string", Kind::Text},    {"int", Kind::Number},
+         {"integer", Kind::Number},  {"bigint", Kind::Number},   {"int2", Kind::Number},    {"int4", Kind::Number},
+         {"int8", Kind::Number},     {"smallint", Kind::Number}, {"numeric", Kind::Number}, {"decimal", Kind::Number},
+         {"real", Kind::Number},     {"double", Kind::Number},   {"float", Kind::Number},   {"date", Kind::Date},
          {"boolean", Kind::Boolean}, {"bool", Kind::Boolean}}};
     const std::string_view word = type.substr(0, type.find_first_of(" ("));
     for (const Word& known : kWords)
         if (equalsIgnoringAsciiCase(word, known.word))
             return known.kind;
     constexpr std::array<std::string_view, 2> kDates{"timestamp", "datetime"};
-    return std::any_of(kDates.begin(), kDates.end(),
-                       [type](std::string_view date) {
-                           return equalsIgnoringAsciiCase(type.substr(0, date.size()), date);
-                       })
+    return std::any_of(
+               kDates.begin(), kDates.end(),
+               [type](std::string_view date) { return equalsIgnoringAsciiCase(type.substr(0, date.size()), date); })
                ? Kind::Date
                : Kind::Unknown;
 }
