@@ -273,6 +273,9 @@ class PrViewer {
     /// the run.
     [[nodiscard]] PrViewerDrillCursorHandle drillDown(int fieldId, const KvbString& value, bool isPattern,
                                                       PrViewDisplayMessage* sink, OrvintaPatternGen* patterns);
+    /// The rows whose value in the field meets a condition over `Value`, written as a filter of its distribution.
+    [[nodiscard]] PrViewerDrillCursorHandle drillDownWhere(int fieldId, const KvbString& condition,
+                                                           PrViewDisplayMessage* sink);
     /// The rows with a value, from index `first` on, which counts from 0. Null as above.
     [[nodiscard]] ProfileCursorHandle drillDownMatch(int fieldId, const KvbString& value, PrViewDisplayMessage* sink,
                                                      int first);

@@ -1,11 +1,15 @@
 #pragma once
 
 #include "base/Result.h"
+#include "findings/RunFindings.h"
+#include "forms/ColumnReading.h"
+#include "job/JobDescription.h"
 #include "profiling/ColumnValues.h"
 #include "profiling/PackedResult.h"
 #include "repository/Facts.h"
 #include "repository/OffsetIndexPages.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,8 +19,17 @@ namespace tavix::profiling {
 /// Everything that a run stores about one field. `facts` refers to `packed`.
 struct FieldProfile {
     repository::FieldFacts facts;
+    findings::FieldSummary summary; ///< without table and source
     std::unique_ptr<PackedResult> packed;
     std::vector<repository::OffsetIndexPage> offsetIndex; ///< not set by profileField()
+};
+
+/// What a job says about how the values of a field are read.
+struct ReadingChoice {
+    forms::StatedDates dates = forms::StatedDates::Nothing;
+    /// A field has figures over the values that fit its reading if they are at least so many percent of the rows that
+    /// are neither null, empty nor blank.
+    double leastPercent = job::kFitsAtLeast;
 };
 
 struct ProfilingContext {
@@ -26,6 +39,8 @@ struct ProfilingContext {
     std::size_t memory =
         0; ///< bytes for lists that grow with the values: all lists of a spilled column, else the patterns
     unsigned threads = 1; ///< for a long column, including the caller
+    std::int64_t now = 0; ///< the moment of the run, in units of base/DateTicks.h
+    ReadingChoice reading{};
 };
 
 /// The memory that profileField() needs besides the values when they are in memory.

@@ -7,6 +7,7 @@
 #include "base/Characters.h"
 #include "base/GenException.h"
 #include "base/TypeWords.h"
+#include "forms/Reading.h"
 #include "report/CheckedCursor.h"
 #include "report/CountText.h"
 
@@ -129,10 +130,14 @@ Result<FieldBreakdown> readFieldBreakdown(PrViewer& viewer, int fieldId) try {
     breakdown.fitRows = row->getColumnInt64(BreakdownFitRows);
     breakdown.ambiguity = textAt(*row, BreakdownAmbiguity);
     breakdown.hasFigures = row->getColumnInt(BreakdownHasFigures) != 0;
-    const ProfileCursorHandle forms = checked(viewer, viewer.getTypeForms(fieldId));
-    while (forms->next())
-        breakdown.forms.push_back({textAt(*forms, FormWord), forms->getColumnInt64(FormValues),
-                                   forms->getColumnInt64(FormRows), forms->getColumnValue(FormExample)});
+    const ProfileCursorHandle written = checked(viewer, viewer.getTypeForms(fieldId));
+    const auto reading = forms::Reading::parse(breakdown.reading);
+    while (written->next()) {
+        const KvbString example = written->getColumnValue(FormExample);
+        breakdown.forms.push_back({textAt(*written, FormWord), written->getColumnInt64(FormValues),
+                                   written->getColumnInt64(FormRows), example,
+                                   reading && reading->fits(example.view())});
+    }
     return breakdown;
 } catch (const GenException& failure) {
     return Error{failure.getText().str()};
@@ -158,11 +163,12 @@ std::string misfitCondition(std::string_view reading) {
     return "not isblank(`Value`) and not " + fitsCall(reading);
 }
 
+// The language knows which values fit, but not how they are written.
 std::string formCondition(const FieldBreakdown& breakdown, std::size_t form) {
-    const std::string& wanted = breakdown.forms.at(form).form;
-    std::string condition = wanted == kTextForm ? "not isblank(`Value`)" : fitsCall(wanted);
-    (void)form;
-    return condition;
+    const FieldBreakdown::Form& wanted = breakdown.forms.at(form);
+    if (breakdown.reading.empty() || wanted.values != (wanted.fits ? breakdown.fitValues : breakdown.misfitValues()))
+        return {};
+    return wanted.fits ? fitsCall(breakdown.reading) : misfitCondition(breakdown.reading);
 }
 
 std::string breakdownText(const FieldBreakdown& breakdown, const std::vector<CountedValue>& misfits) {
