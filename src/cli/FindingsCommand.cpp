@@ -178,7 +178,7 @@ void FindingsCommand::run(const CommonOptions& options) {
         found = read(session);
     }
     list(options, found);
-    if (!m_dismissed && !found.dismissed.empty())
+    if (options.format == Format::Text && !m_dismissed && !found.dismissed.empty())
         say(fmt::format("{} dismissed (--dismissed lists them)", found.dismissed.size()));
     if (const auto least = parseLikelihood(m_failAt))
         failOnFindings(found.open, *least);

@@ -165,7 +165,7 @@ std::map<std::string, ColumnRows> ofQuantities() {
          })},
         {"first-of-january", made([&](std::size_t i) { return i % 10 == 0 ? std::string("2025-01-01") : day(i * 11 / 5); })},
         {"dates-without-time", made([&](std::size_t i) {
-             return day(i / 2) + (i % 10 == 0 ? "" : fmt::format(" {:02}:{:02}", i * 7 % 24, i * 13 % 60));
+             return day(i / 2) + (i % 10 == 0 ? "" : fmt::format(" {:02}:{:02}", i * 37 % 1440 / 60, i * 37 % 60));
          })},
         {"far-outliers", made([](std::size_t i) { return i == 8 ? "99000" : std::to_string(20 + i * 7 % 300); })},
         {"negative-numbers", made([](std::size_t i) { return i == 8 ? "-2000" : std::to_string(20 + i * 7 % 300); })},

@@ -249,11 +249,11 @@ TEST_F(FindingsOfRuns, DamagedRowsAndFieldsThatDifferBetweenTablesAreStored) {
         return fmt::format("C{},AB{}", testing::wordOf(static_cast<std::size_t>(i)), 1000 + i);
     }));
     run({orders, customers}, 0);
-    EXPECT_EQ(findings(), "customers.csv|customer|type-differs-elsewhere|0|text here, integer in orders\n"
-                          "customers.csv|part|pattern-differs-elsewhere|0|\"AA9{4}\" here, \"AA-9{4}\" in orders\n"
-                          "orders.csv||damaged-rows|1|\n"
-                          "orders.csv|customer|type-differs-elsewhere|0|integer here, text in customers\n"
-                          "orders.csv|part|pattern-differs-elsewhere|0|\"AA-9{4}\" here, \"AA9{4}\" in customers\n");
+    EXPECT_EQ(findings(), "customers|customer|type-differs-elsewhere|0|text here, integer in orders\n"
+                          "customers|part|pattern-differs-elsewhere|0|\"AA9{4}\" here, \"AA-9{4}\" in orders\n"
+                          "orders||damaged-rows|1|\n"
+                          "orders|customer|type-differs-elsewhere|0|integer here, text in customers\n"
+                          "orders|part|pattern-differs-elsewhere|0|\"AA-9{4}\" here, \"AA9{4}\" in customers\n");
     EXPECT_EQ(stored("SELECT count(*) FROM run_examination"), "1\n");
 }
 
@@ -267,9 +267,9 @@ TEST_F(FindingsOfRuns, AFieldIsComparedWithTheRunBefore) {
     EXPECT_EQ(findings("b.code LIKE '%lost' OR b.code LIKE '%changed' OR b.code LIKE 'no-%'"), "");
     run({sales("", "K")}, 10);
     EXPECT_EQ(findings("b.code LIKE '%lost' OR b.code LIKE '%changed' OR b.code LIKE 'no-%'"),
-              "sales.csv|code|type-changed|0|integer before, text now\n"
-              "sales.csv|price|decimals-lost|0|2 decimal places before\n"
-              "sales.csv|sold|no-recent-dates|0|the last one is 2026-04-21 as in the run 10 days before\n");
+              "sales|code|type-changed|0|integer before, text now\n"
+              "sales|price|decimals-lost|0|2 decimal places before\n"
+              "sales|sold|no-recent-dates|0|the last one is 2026-04-21 as in the run 10 days before\n");
 }
 
 } // namespace
