@@ -1,7 +1,11 @@
+#include "base/DateTicks.h"
 #include "blocks/Operand.h"
 #include "blocks/Predicate.h"
 #include "expression/ByteSearch.h"
+#include "expression/CheckDigits.h"
+#include "expression/NumberReader.h"
 #include "expression/TextOperators.h"
+#include "forms/Reading.h"
 
 #include <string>
 #include <vector>
@@ -128,6 +132,16 @@ PredicatePtr makeUnaryTest(const Node& node) {
     const Node& text = node.child(0);
     if (isCallOf(node, "isnumber"))
         return makeEach(text, isNumberText);
+    if (isCallOf(node, "isinteger"))
+        return makeEach(text, [](std::string_view whole) { return numberOfText(whole).type == Type::Integer; });
+    if (isCallOf(node, "isdate"))
+        return makeEach(text, [](std::string_view whole) { return parseDate(whole).has_value(); });
+    if (isCallOf(node, "isean"))
+        return makeEach(text, check_digits::isEan);
+    if (isCallOf(node, "isiban"))
+        return makeEach(text, check_digits::isIban);
+    if (isCallOf(node, "isluhn"))
+        return makeEach(text, check_digits::isLuhn);
     if (isCallOf(node, "isblank"))
         return makeEach(text, isBlank);
     if (isCallOf(node, "has_control_chars"))
@@ -154,6 +168,9 @@ PredicatePtr makeTextTest(const Node& node) {
         return std::make_unique<ContainsPredicate>(text, part);
     if (isCallOf(node, "starts_with"))
         return makeEach(text, [part](std::string_view whole) { return whole.starts_with(part); });
+    if (isCallOf(node, "fits"))
+        return makeEach(
+            text, [reading = *forms::Reading::parse(part)](std::string_view whole) { return reading.fits(whole); });
     if (isCallOf(node, "ends_with"))
         return makeEach(text, [part](std::string_view whole) { return whole.ends_with(part); });
     return nullptr;

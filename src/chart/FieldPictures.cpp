@@ -32,14 +32,22 @@ constexpr std::int64_t kExactRanks = 4096;
 constexpr std::size_t kPatternBars = 10;
 constexpr std::string_view kNoHistogram = "This run stored no histogram; profile again to see it.";
 
-/// A value as a position in a histogram of this kind.
-std::optional<double> positionOf(const KvbString& value, HistogramKind kind) {
+/// A value of the field, as it is written, as a position in a histogram of this kind.
+std::optional<double> positionOfValue(const KvbString& value, HistogramKind kind, const FieldRecord& field) {
     if (value.isNull())
         return std::nullopt;
     if (kind != HistogramKind::Dates)
-        return parseNumber(value.view());
-    const auto ticks = parseDate(value.view());
+        return field.fits ? fitNumber(*field.fits, value.view()) : parseNumber(value.view());
+    const auto ticks = field.fits ? fitTicks(*field.fits, value.view()) : parseDate(value.view());
     return ticks ? std::optional(static_cast<double>(*ticks) / static_cast<double>(kTicksPerSecond)) : std::nullopt;
+}
+
+/// The same of a figure, which may be computed.
+std::optional<double> positionOf(const KvbString& figure, HistogramKind kind, const FieldRecord& field) {
+    if (kind != HistogramKind::Dates && !figure.isNull())
+        if (const auto number = parseNumber(figure.view()))
+            return number;
+    return positionOfValue(figure, kind, field);
 }
 
 /// A computed number with about five digits, and all digits before the point.
@@ -67,7 +75,7 @@ ValueMarks readMarks(PrViewer& viewer, const FieldRecord& field, HistogramKind k
         const std::string interval = rows->getColumnValue(layout::PercentileInterval).str();
         const KvbString value = rows->getColumnValue(layout::PercentileValue);
         const auto mark = [&](std::optional<double>& position, std::string& text) {
-            position = positionOf(value, kind);
+            position = positionOf(value, kind, field);
             text = shownValue(value);
         };
         if (interval == "25%")
@@ -78,7 +86,7 @@ ValueMarks readMarks(PrViewer& viewer, const FieldRecord& field, HistogramKind k
             mark(marks.highQuartile, marks.highQuartileText);
     }
     const KvbString& mean = field.metrics[index(MetricId::Mean)];
-    if (kind == HistogramKind::Numbers && (marks.mean = positionOf(mean, kind)))
+    if (kind == HistogramKind::Numbers && (marks.mean = positionOf(mean, kind, field)))
         marks.meanText = shownValue(mean);
     return marks;
 }
@@ -187,7 +195,7 @@ FieldPicture readPercentiles(PrViewer& viewer, const FieldRecord& field) {
         const std::string interval = rows->getColumnValue(layout::PercentileInterval).str();
         const KvbString text = rows->getColumnValue(layout::PercentileValue);
         const auto percent = parseNumber(std::string_view(interval).substr(0, interval.find('%')));
-        const auto value = positionOf(text, *kind);
+        const auto value = positionOf(text, *kind, field);
         const bool ascends =
             points.empty() || (percent && value && *percent > points.back().percent && *value >= points.back().value);
         if (percent && value && *percent >= 0 && *percent <= 100 && ascends)
@@ -209,7 +217,7 @@ FieldPicture readOutliers(PrViewer& viewer, const FieldRecord& field) {
         list.push_back({labelOf(value),
                         rows->getColumnInt64(layout::OutlierCount),
                         rows->getColumnInt(layout::OutlierFence),
-                        kind ? positionOf(value, *kind) : std::nullopt,
+                        kind ? positionOfValue(value, *kind, field) : std::nullopt,
                         {ActionKind::DrillValue, value}});
     }
     if (lowest.empty() && highest.empty())

@@ -22,6 +22,7 @@
 #include "cli/RunsCommand.h"
 #include "cli/ShowCommand.h"
 #include "cli/Signals.h"
+#include "cli/SuggestCommand.h"
 #include "cli/TablesCommand.h"
 
 #include <CLI/App.hpp>
@@ -76,14 +77,22 @@ struct KnownCommand {
 };
 
 constexpr KnownCommand kCommands[] = {
-    {"inspect", make<InspectCommand>},     {"profile", make<ProfileCommand>},
-    {"jobs", make<JobsCommand>},           {"runs", make<RunsCommand>},
-    {"tables", make<TablesCommand>},       {"fields", make<FieldsCommand>},
-    {"show", make<ShowCommand>},           {"rows", make<RowsCommand>},
-    {"compare", make<CompareCommand>},     {"rules", make<RulesCommand>},
-    {"alerts", make<AlertsCommand>},       {"findings", make<FindingsCommand>},
+    {"inspect", make<InspectCommand>},
+    {"profile", make<ProfileCommand>},
+    {"jobs", make<JobsCommand>},
+    {"runs", make<RunsCommand>},
+    {"tables", make<TablesCommand>},
+    {"fields", make<FieldsCommand>},
+    {"show", make<ShowCommand>},
+    {"rows", make<RowsCommand>},
+    {"compare", make<CompareCommand>},
+    {"rules", make<RulesCommand>},
+    {"alerts", make<AlertsCommand>},
+    {"findings", make<FindingsCommand>},
     {"notes", make<NotesCommand>},
-    {"functions", make<FunctionsCommand>}, {"delete-history", make<DeleteHistoryCommand>},
+    {"suggest", make<SuggestCommand>},
+    {"functions", make<FunctionsCommand>},
+    {"delete-history", make<DeleteHistoryCommand>},
     {"check", make<CheckCommand>},
 };
 

@@ -115,6 +115,19 @@ class ExtremeCell final : public PreparedFunction {
     bool m_isGreatest;
 };
 
+/// nullif() of a cell and a number or another cell.
+class NullIfCell final : public PreparedFunction {
+  public:
+    explicit NullIfCell(Pair pair) : m_pair(pair) {}
+
+    Value call(std::span<const Value> arguments, Scratch& /*scratch*/) const override {
+        return orderOf(m_pair, arguments[0], arguments[1]) == 0 ? Value{} : arguments[0];
+    }
+
+  private:
+    Pair m_pair;
+};
+
 NodePtr comparisonOf(Comparison comparison, NodePtr left, NodePtr right) {
     const bool isOfCell = isOfCells(pairOf(*left, *right));
     NodePtr node = makeNode(isOfCell ? NodeKind::CompareCell : NodeKind::Compare, Type::Boolean);
@@ -196,16 +209,11 @@ NodePtr list(std::vector<NodePtr>& arguments, ConstantFolder& folder) {
     return node;
 }
 
-NodePtr nullIf(std::vector<NodePtr>& arguments) {
+NodePtr nullIf(const Function& function, std::vector<NodePtr>& arguments) {
     const Pair pair = pairOf(*arguments[0], *arguments[1]);
     if (pair != Pair::Cells && pair != Pair::CellNumber)
         return nullptr;
-    NodePtr column = copyOfField(*arguments[0]);
-    NodePtr choice = makeNode(NodeKind::If, Type::Text);
-    choice->children.push_back(comparisonOf(Comparison::Equal, std::move(arguments[0]), std::move(arguments[1])));
-    choice->children.push_back(makeConstant({}));
-    choice->children.push_back(std::move(column));
-    return choice;
+    return preparedCall(function, Type::Text, std::move(arguments), std::make_shared<NullIfCell>(pair));
 }
 
 } // namespace
@@ -222,7 +230,7 @@ NodePtr cellCall(const Function& function, std::vector<NodePtr>& arguments, Cons
         return between(function, arguments);
     if (function.implementation == number_functions::greatest || function.implementation == number_functions::least)
         return extreme(function, arguments, folder);
-    return function.implementation == number_functions::nullIf ? nullIf(arguments) : nullptr;
+    return function.implementation == number_functions::nullIf ? nullIf(function, arguments) : nullptr;
 }
 
 std::string remarkOnCells(const std::vector<NodePtr>& values, bool isOrder) {

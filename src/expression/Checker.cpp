@@ -300,7 +300,7 @@ class Builder {
             const Position at = syntax.children[i]->at;
             const char letter = function->parameters[std::min(i, function->parameters.size() - 1)];
             Type type = hasDates && i < 2 ? Type::Date : typeOf(letter);
-            if (function->form == Form::FormattedDate && i == 0 && count > 1)
+            if ((function->form == Form::FormattedDate || function->form == Form::ReadNumber) && i == 0 && count > 1)
                 type = Type::Text;
             arguments[i] = converted(std::move(arguments[i]), type, at);
             if (!arguments[i])
@@ -345,6 +345,12 @@ class Builder {
             if (arguments.size() > 1)
                 return prepared(function, prepareDateFormat(arguments[1]->text), arguments, syntax);
             break;
+        case Form::ReadNumber:
+            if (arguments.size() > 1)
+                return prepared(function, prepareNumberReading(arguments[1]->text), arguments, syntax);
+            break;
+        case Form::Fits:
+            return prepared(function, prepareFit(arguments[1]->text), arguments, syntax);
         case Form::Now:
             return makeConstant(Value::ofDate(m_now));
         case Form::Today:

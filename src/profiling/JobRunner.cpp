@@ -59,7 +59,8 @@ class Run {
                    .description = options.description,
                    .started = m_started,
                    .memory = m_engine.plan().storing(),
-                   .isExamined = true},
+                   .isExamined = true,
+                   .hasTypedExpressions = true},
                   m_reporter, m_engine.stop()) {}
 
     Result<RunOutcome> execute() {

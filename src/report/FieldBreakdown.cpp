@@ -7,6 +7,7 @@
 #include "base/Characters.h"
 #include "base/GenException.h"
 #include "base/TypeWords.h"
+#include "forms/Reading.h"
 #include "report/CheckedCursor.h"
 #include "report/CountText.h"
 
@@ -76,22 +77,21 @@ Kind declaredKind(std::string_view type) {
         Kind kind;
     };
     static constexpr std::array<Word, 26> kWords{
-        {{"char", Kind::Text},      {"varchar", Kind::Text},   {"nchar", Kind::Text},    {"nvarchar", Kind::Text},
-         {"varchar2", Kind::Text},  {"nvarchar2", Kind::Text}, {"text", Kind::Text},     {"character", Kind::Text},
-         {"bpchar", Kind::Text},    {"clob", Kind::Text},      {"string", Kind::Text},   {"int", Kind::Number},
-         {"integer", Kind::Number}, {"bigint", Kind::Number},  {"int2", Kind::Number},   {"int4", Kind::Number},
-         {"int8", Kind::Number},    {"smallint", Kind::Number}, {"numeric", Kind::Number}, {"decimal", Kind::Number},
-         {"real", Kind::Number},    {"double", Kind::Number},  {"float", Kind::Number},  {"date", Kind::Date},
+        {{"char", Kind::Text},       {"varchar", Kind::Text},    {"nchar", Kind::Text},     {"nvarchar", Kind::Text},
+         {"varchar2", Kind::Text},   {"nvarchar2", Kind::Text},  {"text", Kind::Text},      {"character", Kind::Text},
+         {"bpchar", Kind::Text},     {"clob", Kind::Text},       {"string", Kind::Text},    {"int", Kind::Number},
+         {"integer", Kind::Number},  {"bigint", Kind::Number},   {"int2", Kind::Number},    {"int4", Kind::Number},
+         {"int8", Kind::Number},     {"smallint", Kind::Number}, {"numeric", Kind::Number}, {"decimal", Kind::Number},
+         {"real", Kind::Number},     {"double", Kind::Number},   {"float", Kind::Number},   {"date", Kind::Date},
          {"boolean", Kind::Boolean}, {"bool", Kind::Boolean}}};
     const std::string_view word = type.substr(0, type.find_first_of(" ("));
     for (const Word& known : kWords)
         if (equalsIgnoringAsciiCase(word, known.word))
             return known.kind;
     constexpr std::array<std::string_view, 2> kDates{"timestamp", "datetime"};
-    return std::any_of(kDates.begin(), kDates.end(),
-                       [type](std::string_view date) {
-                           return equalsIgnoringAsciiCase(type.substr(0, date.size()), date);
-                       })
+    return std::any_of(
+               kDates.begin(), kDates.end(),
+               [type](std::string_view date) { return equalsIgnoringAsciiCase(type.substr(0, date.size()), date); })
                ? Kind::Date
                : Kind::Unknown;
 }
@@ -130,10 +130,14 @@ Result<FieldBreakdown> readFieldBreakdown(PrViewer& viewer, int fieldId) try {
     breakdown.fitRows = row->getColumnInt64(BreakdownFitRows);
     breakdown.ambiguity = textAt(*row, BreakdownAmbiguity);
     breakdown.hasFigures = row->getColumnInt(BreakdownHasFigures) != 0;
-    const ProfileCursorHandle forms = checked(viewer, viewer.getTypeForms(fieldId));
-    while (forms->next())
-        breakdown.forms.push_back({textAt(*forms, FormWord), forms->getColumnInt64(FormValues),
-                                   forms->getColumnInt64(FormRows), forms->getColumnValue(FormExample)});
+    const ProfileCursorHandle written = checked(viewer, viewer.getTypeForms(fieldId));
+    const auto reading = forms::Reading::parse(breakdown.reading);
+    while (written->next()) {
+        const KvbString example = written->getColumnValue(FormExample);
+        breakdown.forms.push_back({textAt(*written, FormWord), written->getColumnInt64(FormValues),
+                                   written->getColumnInt64(FormRows), example,
+                                   reading && reading->fits(example.view())});
+    }
     return breakdown;
 } catch (const GenException& failure) {
     return Error{failure.getText().str()};
@@ -159,11 +163,12 @@ std::string misfitCondition(std::string_view reading) {
     return "not isblank(`Value`) and not " + fitsCall(reading);
 }
 
+// The language knows which values fit, but not how they are written.
 std::string formCondition(const FieldBreakdown& breakdown, std::size_t form) {
-    const std::string& wanted = breakdown.forms.at(form).form;
-    std::string condition = wanted == kTextForm ? "not isblank(`Value`)" : fitsCall(wanted);
-    (void)form;
-    return condition;
+    const FieldBreakdown::Form& wanted = breakdown.forms.at(form);
+    if (breakdown.reading.empty() || wanted.values != (wanted.fits ? breakdown.fitValues : breakdown.misfitValues()))
+        return {};
+    return wanted.fits ? fitsCall(breakdown.reading) : misfitCondition(breakdown.reading);
 }
 
 std::string breakdownText(const FieldBreakdown& breakdown, const std::vector<CountedValue>& misfits) {

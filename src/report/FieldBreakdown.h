@@ -31,6 +31,7 @@ struct FieldBreakdown {
         std::int64_t values = 0;
         std::int64_t rows = 0;
         KvbString example; ///< its most frequent value
+        bool fits = false; ///< the reading
 
         bool operator==(const Form&) const = default;
     };
@@ -62,7 +63,7 @@ inline constexpr std::size_t kMisfitsInText = 3;
 
 /// An expression that is true for the values that do not fit the reading.
 [[nodiscard]] std::string misfitCondition(std::string_view reading);
-/// An expression that is true for the values that a form of the breakdown counts.
+/// An expression that is true for exactly the values that a form of the breakdown counts; "" where there is none.
 [[nodiscard]] std::string formCondition(const FieldBreakdown& breakdown, std::size_t form);
 
 /// "integer 399 of 400; does not fit: unknown (1)". `misfits` are the first of those that do not fit. kNotExamined for

@@ -2,6 +2,7 @@
 
 #include "base/Metrics.h"
 #include "base/TypeWords.h"
+#include "forms/Reading.h"
 #include "report/CountText.h"
 
 namespace tavix {
@@ -83,6 +84,16 @@ std::string fitValues(const FitFigures& fits) {
 
 std::string fitSentence(const FitFigures& fits) {
     return "Over " + fitValues(fits);
+}
+
+std::optional<double> fitNumber(const FitFigures& fits, std::string_view value) {
+    const auto reading = forms::Reading::parse(fits.reading);
+    return reading ? reading->number(value) : std::nullopt;
+}
+
+std::optional<std::int64_t> fitTicks(const FitFigures& fits, std::string_view value) {
+    const auto reading = forms::Reading::parse(fits.reading);
+    return reading ? reading->ticks(value) : std::nullopt;
 }
 
 std::string_view fitSuffix(int metricId, const std::optional<FitFigures>& fits) {

@@ -33,6 +33,9 @@ inline constexpr std::string_view kFitsMark = kOverFits.substr(1);
 [[nodiscard]] std::string fitValues(const FitFigures& fits);
 /// For tooltips: "Over the 399 of 400 values that are integers".
 [[nodiscard]] std::string fitSentence(const FitFigures& fits);
+/// The number that such a value is, and the instant of a date in units of 100 ns since 1970; none for others.
+[[nodiscard]] std::optional<double> fitNumber(const FitFigures& fits, std::string_view value);
+[[nodiscard]] std::optional<std::int64_t> fitTicks(const FitFigures& fits, std::string_view value);
 /// kOverFits for a metric over what fits, else "".
 [[nodiscard]] std::string_view fitSuffix(int metricId, const std::optional<FitFigures>& fits);
 

@@ -7,6 +7,8 @@
 #include "report/CheckedCursor.h"
 #include "report/FitReadings.h"
 
+#include <algorithm>
+
 namespace tavix {
 
 namespace {
@@ -96,6 +98,15 @@ Result<TableIdentity> findTable(PrViewer& viewer, int tableId, const std::string
     } catch (const GenException& failure) {
         return Error{failure.getText().str()};
     }
+}
+
+const TableIdentity* findBaseTable(const std::vector<TableIdentity>& tables, const TableIdentity& filtered) {
+    const auto base = std::find_if(tables.begin(), tables.end(), [&](const TableIdentity& other) {
+        return other.kind != TableKind::Filter && other.dataSource == filtered.dataSource &&
+               other.catalog == filtered.catalog && other.schema == filtered.schema && other.name == filtered.name &&
+               other.query == filtered.query;
+    });
+    return base == tables.end() ? nullptr : &*base;
 }
 
 TableIdentity readTableOfField(PrViewer& viewer, int fieldId, const std::string& dataSourceName) {

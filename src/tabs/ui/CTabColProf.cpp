@@ -7,6 +7,7 @@
 #include "tabs/OutlierRows.h"
 #include "tabs/PercentileRows.h"
 #include "tabs/ui/PicturePane.h"
+#include "tabs/ui/TypesPane.h"
 
 #include <QAction>
 #include <QItemSelectionModel>
@@ -38,6 +39,9 @@ CTabColProf::CTabColProf(CViewSite& site, const ReportSubject& subject, bool isT
             return true;
         };
         AddBeside(*new PicturePane(site, subject, *this, &chart::pictureOfValues));
+        m_types = new TypesPane(site, subject, *this);
+        AddFooter(*m_types);
+        connect(m_types, &TypesPane::TabRequested, this, &CTabColProf::TabRequested);
         break;
     case ItemCode::Percentiles:
         m_fill = [this, &rows = ShowRows(std::make_unique<PercentileRows>())](PrViewer& viewer) {
@@ -93,6 +97,18 @@ bool CTabColProf::RefillsOn(RefreshHint hint) const {
 
 std::string CTabColProf::GetObstacle() const {
     return Subject().field ? "" : "This run does not have the field.";
+}
+
+QWidget* CTabColProf::GetLastTabStop() {
+    QWidget* const last = m_types ? m_types->GetLastTabStop() : nullptr;
+    return last ? last : CListTab::GetLastTabStop();
+}
+
+void CTabColProf::RowsChanged() {
+    if (!m_types)
+        return;
+    m_types->SetListFont(Grid().font());
+    m_types->Refill();
 }
 
 bool CTabColProf::FillRows(PrViewer& viewer) {

@@ -10,6 +10,7 @@
 namespace tavix {
 
 class OutlierRows;
+class TypesPane;
 
 /// Three tabs of a field, by item code: ColumnProfiling (all metrics with their values), Percentiles and Outliers. Any
 /// other code gives no columns.
@@ -20,11 +21,14 @@ class CTabColProf final : public CListTab {
                 QWidget* parent = nullptr);
     ~CTabColProf() override;
 
+    QWidget* GetLastTabStop() override;
+
   protected:
     /// Unlike other lists, not when the options change.
     [[nodiscard]] bool RefillsOn(RefreshHint hint) const override;
     [[nodiscard]] std::string GetObstacle() const override;
     bool FillRows(PrViewer& viewer) override;
+    void RowsChanged() override;
 
   private:
     void MakeOutliers();
@@ -34,6 +38,7 @@ class CTabColProf final : public CListTab {
     std::function<bool(PrViewer&)> m_fill;
     DrillThrough m_drill;
     OutlierRows* m_outliers = nullptr; ///< the list's rows, in the tab of outliers
+    TypesPane* m_types = nullptr;      ///< in the tab of column profiling
 };
 
 } // namespace tavix

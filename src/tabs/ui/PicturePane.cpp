@@ -5,9 +5,9 @@
 #include "base/ui/Theme.h"
 #include "chart/ui/DrawingWidget.h"
 #include "doc/CTavixDoc.h"
-#include "filter/FilterMemory.h"
 #include "tabs/PictureWidth.h"
 #include "tabs/ui/CProfTab.h"
+#include "tabs/ui/FieldFilter.h"
 #include "tabs/ui/QuietPalette.h"
 
 #include <QEvent>
@@ -177,12 +177,7 @@ void PicturePane::Act(const chart::Action& action) {
 }
 
 void PicturePane::Filter(DistributionKind kind, const std::string& code) {
-    CTavixDoc& document = m_site.GetTavixDoc();
-    const int field = m_subject.field->id;
-    // The filter applies even when the settings cannot be written.
-    (void)FilterMemory(document.GetSettings()).Remember(kind, code);
-    document.GetFieldFilters().Set(field, kind, code);
-    m_site.Broadcast(nullptr, RefreshHint::FilterChanged, field);
+    filterField(m_site, m_subject.field->id, kind, code);
     Q_EMIT TabRequested(kind == DistributionKind::Frequency ? ItemCode::Frequency : ItemCode::Patterns);
 }
 
