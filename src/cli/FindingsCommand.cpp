@@ -8,7 +8,7 @@
 #include "cli/Session.h"
 #include "cli/ShownDate.h"
 #include "findings/Catalogue.h"
-#include "report/Findings.h"
+#include "report/FindingReport.h"
 
 #include <CLI/App.hpp>
 #include <fmt/format.h>
@@ -21,8 +21,8 @@ namespace {
 
 using findings::Likelihood;
 
-KvbDatavar textOrNull(const std::string& text) {
-    return text.empty() ? KvbDatavar() : KvbDatavar(text);
+KvbDatavar textOrNull(std::string_view text) {
+    return text.empty() ? KvbDatavar() : KvbDatavar(std::string(text));
 }
 
 KvbDatavar countOrNull(std::int64_t count) {
@@ -30,18 +30,19 @@ KvbDatavar countOrNull(std::int64_t count) {
 }
 
 Row rowOf(const FindingEntry& entry, bool isText, bool isDismissed) {
-    Row row{std::string(findings::likelihoodWord(entry.likelihood)), entry.table, textOrNull(entry.field), entry.code,
-            countOrNull(entry.values), countOrNull(entry.rows)};
-    if (isDismissed && entry.dismissal) {
-        row.insert(row.end(), {entry.dismissal->reason, entry.dismissal->user, shownDate(entry.dismissal->date)});
-    }
+    const FindingRecord& record = entry.record;
+    Row row{std::string(record.likelihoodText()), record.table, textOrNull(record.field), record.code,
+            countOrNull(record.values), countOrNull(record.rows)};
+    if (isDismissed && record.dismissal)
+        row.insert(row.end(), {record.dismissal->reason, record.dismissal->user, shownDate(record.dismissal->date)});
     if (isText) {
         row.emplace_back(entry.sentence);
         return row;
     }
-    for (const std::string* text : {&entry.detail, &entry.condition, &entry.sentence, &entry.meaning, &entry.advice,
-                                    &entry.rule, &entry.watch})
-        row.push_back(textOrNull(*text));
+    for (const std::string_view text : {std::string_view(record.detail), std::string_view(record.condition),
+                                        std::string_view(entry.sentence), record.meaning(), record.advice(),
+                                        std::string_view(entry.rule), std::string_view(entry.watch)})
+        row.push_back(textOrNull(text));
     return row;
 }
 
@@ -112,29 +113,33 @@ void FindingsCommand::checkArguments() const {
         throw CommandError(ExitCode::Usage, fmt::format("there is no kind of finding \"{}\"; docs/findings.md has them", *code));
 }
 
-FindingList FindingsCommand::read(Session& session) const {
+FindingReport FindingsCommand::read(Session& session) const {
+    PrViewer& viewer = session.viewer();
     if (m_field)
-        return readFieldFindings(session.viewer(), session.field(*m_field, m_table).id);
+        return reportFindings(viewer, readFieldFindings(viewer, session.field(*m_field, m_table).id));
     if (m_table)
-        return readTableFindings(session.viewer(), session.table(*m_table).id);
-    return readFindings(session.viewer());
+        return reportFindings(viewer, readTableFindings(viewer, session.table(*m_table).id));
+    return reportFindings(viewer, readFindings(viewer));
 }
 
-void FindingsCommand::dismiss(Session& session, const FindingList& list) const {
+void FindingsCommand::dismiss(Session& session, const FindingReport& list) const {
     const std::vector<FindingEntry>& candidates = m_dismiss ? list.open : list.dismissed;
     const std::string& code = m_dismiss ? *m_dismiss : *m_restore;
     // A table may have the finding in several fields; one is dismissed at a time.
-    const auto isMeant = [&](const FindingEntry& entry) { return entry.code == code && (m_field || entry.fieldId == 0); };
+    const auto isMeant = [&](const FindingEntry& entry) { return entry.record.code == code && (m_field || entry.record.fieldId == -1);
+    };
     const auto entry = std::find_if(candidates.begin(), candidates.end(), isMeant);
     if (entry == candidates.end())
         throw CommandError(ExitCode::Usage, fmt::format("the {} has no {}finding \"{}\"", m_field ? "field" : "table",
                                                         m_restore ? "dismissed " : "", code));
-    session.check(m_dismiss ? session.viewer().dismissFinding(entry->tableId, entry->fieldId, KvbString(code),
-                                                              KvbString(loginName()), KvbString(*m_reason))
-                            : session.viewer().restoreFinding(entry->tableId, entry->fieldId, KvbString(code)));
+    const int table = entry->record.tableId;
+    const int field = m_field ? entry->record.fieldId : 0;
+    PrViewer& viewer = session.viewer();
+    session.check(m_dismiss ? viewer.dismissFinding(table, field, code, loginName(), *m_reason)
+                            : viewer.restoreFinding(table, field, code));
 }
 
-void FindingsCommand::list(const CommonOptions& options, const FindingList& list) const {
+void FindingsCommand::list(const CommonOptions& options, const FindingReport& list) const {
     const bool isText = options.format == Format::Text;
     Section section{"findings",
                     "Findings",
@@ -168,7 +173,7 @@ void FindingsCommand::run(const CommonOptions& options) {
     m_runChoice.select(session);
     if (m_subject)
         session.addressSubject(*m_subject, m_table, m_field);
-    FindingList found = read(session);
+    FindingReport found = read(session);
     if (!found.isExamined) {
         // No list at all: an empty one would look like praise.
         throw CommandError(ExitCode::Source, "not examined: the run was made by a version that looked for no findings");

@@ -7,7 +7,7 @@
 #include <string>
 
 namespace tavix {
-struct FindingList;
+struct FindingReport;
 }
 
 namespace tavix::cli {
@@ -22,9 +22,9 @@ class FindingsCommand final : public Command {
 
   private:
     void checkArguments() const;
-    [[nodiscard]] FindingList read(Session& session) const;
-    void dismiss(Session& session, const FindingList& list) const;
-    void list(const CommonOptions& options, const FindingList& list) const;
+    [[nodiscard]] FindingReport read(Session& session) const;
+    void dismiss(Session& session, const FindingReport& list) const;
+    void list(const CommonOptions& options, const FindingReport& list) const;
 
     RunChoice m_runChoice;
     std::optional<std::string> m_subject;
