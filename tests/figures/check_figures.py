@@ -234,6 +234,8 @@ class Form:
             self.number = written_number(text)
             self.date = written_date(text) if not self.number else None
         short = self.date and self.date[0] == "short"
+        self.padded = bool(re.match(r"0[0-9]+\Z", text))
+        self.size = len(text)
         self.family = "N" if self.number else "short" if short else "D" if self.date else \
             "B" if self.strict == "B" else "S"
 
@@ -250,6 +252,8 @@ class Form:
 
     def name(self, mark, order):
         which = self.evidence()
+        if self.padded:
+            return "digits with leading zeros" + self.blanks
         if self.family in ("S", "short"):
             return "text" if self.family == "S" else "date with two-digit year" + self.blanks
         if self.family == "B":
@@ -323,6 +327,10 @@ def breakdown(counts, share):
     listed = sorted(([n, e[0], e[1], example(e[2])] for n, e in names.items()), key=lambda e: (-e[2], by_code_point(e[0])))
     result = dict(values=len(telling), rows=rows, forms=listed, reading="", fit_values=0, fit_rows=0, ambiguity="",
                   has_figures=False)
+    padded = [f.size for f in forms.values() if f.padded]
+    integers = [len(v) for v, f in forms.items() if kind(v) == "I"]
+    if padded and min(padded) <= min(integers, default=min(padded)):
+        families["N"] = 0
     family = max("NDB", key=lambda f: families[f])  # the first of equals
     if rows == 0 or 2 * families[family] < rows:
         return result, None
