@@ -192,7 +192,7 @@ class Suggester {
                               groupedCount(without), countOf(reference.rowsWithout, "row"));
         draft.violations = reference.rowsWithout;
         draft.confidence = confidenceOf(field, reference.rowsWithout == 0);
-        const std::vector<CountedText> keys = keysOf(to);
+        std::vector<std::string> keys = keysOf(to);
         if (keys.empty()) {
             draft.element = SuggestedElement::Remark;
             draft.remark =
@@ -202,11 +202,7 @@ class Suggester {
                 draft.conditions = {
                     withMissing(field, fmt::format("not ({} in ({}))", kOperand, listOf(reference.without)))};
         } else {
-            std::vector<std::string> values;
-            values.reserve(keys.size());
-            for (const CountedText& key : keys)
-                values.push_back(key.text);
-            draft.conditions = {withMissing(field, fmt::format("{} in ({})", kOperand, listOf(std::move(values))))};
+            draft.conditions = {withMissing(field, fmt::format("{} in ({})", kOperand, listOf(std::move(keys))))};
             draft.violations.reset();
             draft.remark = "The values of " + address + " at the time of the run.";
         }
@@ -214,17 +210,17 @@ class Suggester {
     }
 
     /// Empty if there are more than a domain may have.
-    std::vector<CountedText> keysOf(const ReferenceField& to) {
+    std::vector<std::string> keysOf(const ReferenceField& to) {
         const auto size = parseInteger(to.field.metrics[index(MetricId::UniqueCount)].view()).value_or(0);
-        std::vector<CountedText> keys;
+        std::vector<std::string> keys;
         if (static_cast<std::size_t>(size) > m_options.longestDomain)
             return keys;
         const ProfileCursorHandle rows = checked(m_viewer, m_viewer.getFreqDist(to.field.id, ""));
         while (rows->next()) {
-            const std::string text = textAt(*rows, layout::FreqValue);
+            std::string text = textAt(*rows, layout::FreqValue);
             if (text.find('\0') != std::string::npos || text.find_first_of({kOperand, kNumber}) != std::string::npos)
                 return {};
-            keys.push_back({text, 1});
+            keys.push_back(std::move(text));
         }
         return keys;
     }
