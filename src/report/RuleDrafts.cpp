@@ -76,13 +76,15 @@ std::string listOf(std::vector<CountedText> values) {
 /// Whether the values are compared as numbers. Integers beyond 2^53 are texts.
 bool isOfNumbers(const FieldEvidence& field) {
     return field.isType(FieldType::Integer) &&
-           std::all_of(field.values.begin(), field.values.end(),
-                       [](const auto& value) { return std::abs(parseNumber(value.text).value_or(0)) <= kExactIntegers; });
+           std::all_of(field.values.begin(), field.values.end(), [](const auto& value) {
+               return std::abs(parseNumber(value.text).value_or(0)) <= kExactIntegers;
+           });
 }
 
 /// 3, 5, 8.
 std::string listOfNumbers(const std::vector<CountedText>& values) {
     std::vector<double> numbers;
+    numbers.reserve(values.size());
     for (const CountedText& value : values)
         numbers.push_back(parseNumber(value.text).value_or(0));
     std::sort(numbers.begin(), numbers.end());
