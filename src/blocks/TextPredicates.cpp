@@ -1,6 +1,9 @@
+#include "base/DateTicks.h"
 #include "blocks/Operand.h"
 #include "blocks/Predicate.h"
 #include "expression/ByteSearch.h"
+#include "expression/CheckDigits.h"
+#include "expression/NumberReader.h"
 #include "expression/TextOperators.h"
 #include "forms/Reading.h"
 
@@ -129,6 +132,16 @@ PredicatePtr makeUnaryTest(const Node& node) {
     const Node& text = node.child(0);
     if (isCallOf(node, "isnumber"))
         return makeEach(text, isNumberText);
+    if (isCallOf(node, "isinteger"))
+        return makeEach(text, [](std::string_view whole) { return numberOfText(whole).type == Type::Integer; });
+    if (isCallOf(node, "isdate"))
+        return makeEach(text, [](std::string_view whole) { return parseDate(whole).has_value(); });
+    if (isCallOf(node, "isean"))
+        return makeEach(text, check_digits::isEan);
+    if (isCallOf(node, "isiban"))
+        return makeEach(text, check_digits::isIban);
+    if (isCallOf(node, "isluhn"))
+        return makeEach(text, check_digits::isLuhn);
     if (isCallOf(node, "isblank"))
         return makeEach(text, isBlank);
     if (isCallOf(node, "has_control_chars"))

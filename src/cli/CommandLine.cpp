@@ -10,6 +10,7 @@
 #include "cli/Console.h"
 #include "cli/DeleteHistoryCommand.h"
 #include "cli/FieldsCommand.h"
+#include "cli/FindingsCommand.h"
 #include "cli/FunctionsCommand.h"
 #include "cli/HelpFormatter.h"
 #include "cli/InspectCommand.h"
@@ -59,7 +60,7 @@ constexpr const char* kFooter =
     "\n"
     "\"tavix COMMAND --help\" describes a command.\n"
     "Results go to standard output, messages to standard error.\n"
-    "Exit codes: 0 success; 1 success, but an alert is raised (--fail-at); 2 wrong arguments or job file;\n"
+    "Exit codes: 0 success; 1 success, but an alert is raised or something is found (--fail-at); 2 wrong arguments or job file;\n"
     "3 a source, the repository or the output failed;\n"
     "4 cancelled, or the run was stored without its empty files.";
 
@@ -87,6 +88,7 @@ constexpr KnownCommand kCommands[] = {
     {"compare", make<CompareCommand>},
     {"rules", make<RulesCommand>},
     {"alerts", make<AlertsCommand>},
+    {"findings", make<FindingsCommand>},
     {"notes", make<NotesCommand>},
     {"suggest", make<SuggestCommand>},
     {"functions", make<FunctionsCommand>},

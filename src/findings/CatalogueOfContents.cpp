@@ -6,7 +6,7 @@ namespace {
 
 constexpr CatalogueEntry kEntries[] = {
     {"placeholder-words", "Words for a missing value", "definite among numbers and dates, else likely",
-     "a value is a word or sign such as N/A, unknown, null or -; none and na only among numbers and dates",
+     "a value is a word or sign such as N/A, unknown, null or -; none and na only among numbers and dates, and words of letters not among codes of one length",
      "Missing values are written as texts, so that the count of null is too low and the words count as values.",
      "Load these words as null.", ""},
     {"placeholder-characters", "One character over and over", "likely",
@@ -35,7 +35,7 @@ constexpr CatalogueEntry kEntries[] = {
      "Some source or keyboard lacks the accents, and one thing is counted twice.",
      "Choose one spelling, and compare with unaccent() until then.", ""},
     {"several-spellings", "One value in several spellings", "possible",
-     "values without digits differ in blanks and punctuation alone; in fields of at most 10,000 values with letters",
+     "values without digits differ in punctuation, or in blanks between words of at least two letters, alone; in fields of at most 10,000 values with letters",
      "The same name was entered with and without a hyphen, point or blank, and is counted twice.",
      "Choose one spelling, and offer a list where the field is entered.", ""},
     {"mixed-codes", "Several codes for one meaning", "likely",

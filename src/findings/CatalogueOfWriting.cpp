@@ -96,7 +96,7 @@ constexpr CatalogueEntry kEntries[] = {
      "The unit keeps the field from being a number, and different units may be mixed in it.",
      "Keep the number and the unit in fields of their own, and convert to one unit.", ""},
     {"odd-case", "A few values with small letters", "possible",
-     "at least 90 % of the rows have capitals, and at most 2 % have a small letter",
+     "at least 90 % of the rows and 20 values have capitals, and at most 2 % of the rows have a small letter",
      "These values did not pass the step that writes the others in capitals.",
      "Write them in capitals too, unless the case has a meaning.", ""},
 };

@@ -1,3 +1,4 @@
+#include "base/Ascii.h"
 #include "base/DateTicks.h"
 #include "findings/FieldRules.h"
 #include "findings/Placeholders.h"
@@ -15,11 +16,15 @@ void addWords(FieldCase& field) {
     // A field of signs means them.
     const auto& longest = field.values.longest();
     const bool isOfSigns = !longest.empty() && longest.front().length <= 2;
+    // Among codes of three letters UNK may be as good as any other.
+    const bool isOfCodes = field.isOfOneLength();
     std::vector<Counted> placeholders;
     std::vector<Counted> tests;
     const TextList& list = field.values.placeholders();
     for (std::size_t i = 0; i < list.size(); ++i) {
         const Counted value = list.at(i);
+        if (isOfCodes && std::all_of(value.text.begin(), value.text.end(), isAsciiLetter))
+            continue;
         if (isTestWord(value.text))
             tests.push_back(value);
         else if (isOrdinaryWord(value.text) ? isRead : !isOfSigns || isRead)

@@ -18,9 +18,9 @@ namespace {
 
 /// Names that fields of different meaning share.
 bool isCommonName(std::string_view lower) {
-    constexpr std::array<std::string_view, 20> kNames = {
+    constexpr std::array<std::string_view, 19> kNames = {
         "id",   "name",  "code",  "type", "date",  "value",   "count",  "number",  "index", "year",
-        "time", "state", "status", "key", "title", "comment", "amount", "remark", "month", "weather"};
+        "time", "state", "status", "key", "title", "comment", "amount", "remark", "month"};
     return std::find(kNames.begin(), kNames.end(), lower) != kNames.end();
 }
 
@@ -45,13 +45,13 @@ class Differences {
             if (m_fields[i].shown.rows >= kLeastRows)
                 byName[asciiLower(m_fields[i].name)].push_back(i);
         for (const auto& [name, members] : byName)
-            for (const std::size_t i : members)
-                compare(i, members, isCommonName(name));
+            for (const std::size_t i : isCommonName(name) ? std::span<const std::size_t>() : std::span(members))
+                compare(i, members);
         return std::move(m_found);
     }
 
   private:
-    void compare(std::size_t index, const std::vector<std::size_t>& members, bool isCommon) {
+    void compare(std::size_t index, const std::vector<std::size_t>& members) {
         const FieldSummary& field = m_fields[index];
         const FieldSummary* otherType = nullptr;
         const FieldSummary* otherPattern = nullptr;
@@ -65,7 +65,7 @@ class Differences {
                 otherPattern = otherPattern ? otherPattern : &other;
         }
         if (otherType)
-            add(index, "type-differs-elsewhere", isCommon ? Likelihood::Possible : Likelihood::Likely,
+            add(index, "type-differs-elsewhere", Likelihood::Likely,
                 fmt::format("{} here, {} in {}", kindOf(field), kindOf(*otherType), otherType->table));
         if (otherPattern)
             add(index, "pattern-differs-elsewhere", Likelihood::Possible,

@@ -55,6 +55,27 @@ bool isWritten(std::string_view key) {
     return key.size() >= kLeastLetters && hasLetter(key) && std::none_of(key.begin(), key.end(), isAsciiDigit);
 }
 
+/// The text without punctuation, and with single blanks between words.
+std::string wordsOf(std::string_view text) {
+    std::string words;
+    for (const char c : text)
+        if (c == ' ' ? !words.empty() && words.back() != ' ' : isAsciiLetter(c) || isAsciiDigit(c) || !isAscii(c))
+            words += c;
+    if (words.ends_with(' '))
+        words.pop_back();
+    return words;
+}
+
+bool hasSingleLetter(std::string_view words) {
+    std::size_t length = 0;
+    for (const char c : words) {
+        if (c == ' ' && length == 1)
+            return true;
+        length = c == ' ' ? 0 : length + 1;
+    }
+    return length == 1;
+}
+
 class Variants {
   public:
     explicit Variants(FieldCase& field) : m_field(field), m_words(field.values.words()) {}
@@ -83,7 +104,7 @@ class Variants {
         }
         add("several-cases", Likelihood::Likely, kLowered, m_cases);
         add("several-accents", Likelihood::Possible, kUnaccented, m_accents);
-        add("several-spellings", Likelihood::Possible, kSqueezed, m_spellings);
+        add("several-spellings", Likelihood::Possible, {}, m_spellings);
     }
 
   private:
@@ -108,8 +129,24 @@ class Variants {
         }
         keep(cases, m_cases);
         keep(accents, m_accents);
+        for (auto& [key, group] : spellings)
+            leaveSpellings(group);
         std::erase_if(spellings, [](const auto& group) { return !isWritten(group.first); });
         keep(spellings, m_spellings);
+    }
+
+    /// "J. Smith" is "J Smith", but "Juan A." is not "Juana": blanks around single letters count.
+    void leaveSpellings(Group& group) {
+        const std::string first = wordsOf(m_unaccented.of(group.values.front().text));
+        const auto isLikeFirst = [&](const Counted& value) { return wordsOf(m_unaccented.of(value.text)) == first; };
+        if (std::all_of(group.values.begin(), group.values.end(), isLikeFirst))
+            return;
+        std::erase_if(group.values, [&](const Counted& value) {
+            return hasSingleLetter(wordsOf(m_unaccented.of(value.text)));
+        });
+        group.keys.clear();
+        for (const Counted& value : group.values)
+            group.keys.insert(m_unaccented.of(value.text));
     }
 
     static void put(Groups& groups, const std::string& key, Counted value, std::string finer) {
@@ -124,17 +161,20 @@ class Variants {
                 kept.insert_or_assign(key, std::move(group));
     }
 
+    /// `subject`: what the keys of the groups are compared with; empty: the values are listed.
     void add(std::string_view code, Likelihood likelihood, std::string_view subject, const Groups& groups) {
         if (groups.empty())
             return;
         Hits hits;
         std::vector<std::string_view> keys;
+        std::vector<std::string_view> texts;
         const Group* largest = nullptr;
         std::uint64_t mostRows = 0;
         for (const auto& [key, group] : groups) {
             std::uint64_t rows = 0;
             for (const Counted& value : group.values) {
                 hits.add(value.count);
+                texts.push_back(value.text);
                 rows += value.count;
             }
             if (rows > mostRows) {
@@ -146,7 +186,9 @@ class Variants {
         std::string detail = namesOf(largest->values);
         if (groups.size() > 1)
             detail += fmt::format(", and {} other {}", groups.size() - 1, groups.size() == 2 ? "text" : "texts");
-        m_field.add(code, likelihood, hits, listCondition(subject, std::move(keys)), std::move(detail));
+        m_field.add(code, likelihood, hits,
+                    subject.empty() ? listCondition("`Value`", std::move(texts)) : listCondition(subject, std::move(keys)),
+                    std::move(detail));
     }
 
     FieldCase& m_field;

@@ -61,7 +61,8 @@ constexpr KindRule kKinds[] = {
     {"ip-addresses", "", ValueTest::IpAddress, 0.9, Likelihood::Likely, Likelihood::Possible},
     // One in ten other numbers of this length and beginning passes the check digit.
     {"card-numbers", "", ValueTest::CardNumber, kHalf, Likelihood::Likely, Likelihood::Possible},
-    {"bank-accounts", "bank-accounts", ValueTest::Iban, kHalf, Likelihood::Likely, Likelihood::Likely},
+    // Two check digits are no coincidence.
+    {"bank-accounts", "", ValueTest::Iban, 0, Likelihood::Likely, Likelihood::Likely},
     {"national-ids", "", ValueTest::NationalId, kHalf, Likelihood::Likely, Likelihood::Possible},
     {"street-addresses", "", ValueTest::StreetAddress, kHalf, Likelihood::Possible, Likelihood::Possible},
 };
@@ -90,8 +91,10 @@ void addQuoted(FieldCase& field) {
 void addOddCase(FieldCase& field) {
     constexpr double kNearlyAll = 0.9;
     constexpr double kVeryFew = 0.02;
+    constexpr std::uint64_t kLeastValues = 20; ///< an abbreviation beside a few names proves no custom
     const Hits& others = field.values.passed(ValueTest::NotUpperCase);
     if (others.rows > 0 && field.values.shown().rows >= kLeastForShares && field.shareOf(others) <= kVeryFew &&
+        field.values.shown().values >= others.values + kLeastValues &&
         field.shareOf(field.values.withCapitals()) >= kNearlyAll)
         field.add("odd-case", Likelihood::Possible, others, conditionText(ValueTest::NotUpperCase));
 }

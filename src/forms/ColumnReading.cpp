@@ -50,8 +50,8 @@ class ColumnEvidence {
         }
     }
 
-    [[nodiscard]] Family mostFrequent() const {
-        Family most = Family::Number;
+    [[nodiscard]] Family mostFrequent(bool hasCodes) const {
+        Family most = hasCodes ? Family::Date : Family::Number;
         for (const Family other : {Family::Date, Family::Boolean})
             if (rowsOf(other) > rowsOf(most))
                 most = other;
@@ -171,7 +171,7 @@ void ValueTally::merge(const ValueTally& other) {
         setExample(other.example, other.most);
 }
 
-ColumnReading readColumn(std::span<const FormTally> forms, StatedDates stated, const ValueTally& epoch) {
+ColumnReading readColumn(std::span<const FormTally> forms, const ColumnTraits& traits) {
     ColumnReading column;
     for (const auto& [form, tally] : forms) {
         column.values += tally.values;
@@ -179,15 +179,15 @@ ColumnReading readColumn(std::span<const FormTally> forms, StatedDates stated, c
     }
     const ColumnEvidence evidence(forms);
     const DecimalMark mark = evidence.mark();
-    const DateOrder order = evidence.order(stated);
+    const DateOrder order = evidence.order(traits.stated);
     column.forms = namedForms(forms, mark, order);
-    if (stated == StatedDates::EpochSeconds && epoch.rows > 0 && epoch.rows * 2 >= column.rows) {
+    if (traits.epoch.rows > 0 && traits.epoch.rows * 2 >= column.rows) {
         column.reading = kEpoch;
-        column.fitValues = epoch.values;
-        column.fitRows = epoch.rows;
+        column.fitValues = traits.epoch.values;
+        column.fitRows = traits.epoch.rows;
         return column;
     }
-    const Family family = evidence.mostFrequent();
+    const Family family = evidence.mostFrequent(traits.hasCodes);
     if (column.rows == 0 || evidence.rowsOf(family) * 2 < column.rows)
         return column;
     Reading reading;

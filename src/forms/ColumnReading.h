@@ -68,8 +68,15 @@ struct ColumnReading {
     }
 };
 
+/// What is counted of a column besides its forms.
+struct ColumnTraits {
+    StatedDates stated = StatedDates::Nothing;
+    ValueTally epoch;      ///< of the integers that are seconds since 1970, if the job says so
+    bool hasCodes = false; ///< digits with leading zeros, and no integer is shorter: digits are codes
+};
+
 /// Decides how a column is read whose values have these forms, each listed once and in any order, as
-/// docs/definitions.md explains. `epoch`: of the values that are seconds since 1970 if the job says so.
-[[nodiscard]] ColumnReading readColumn(std::span<const FormTally> forms, StatedDates stated, const ValueTally& epoch);
+/// docs/definitions.md explains.
+[[nodiscard]] ColumnReading readColumn(std::span<const FormTally> forms, const ColumnTraits& traits);
 
 } // namespace tavix::forms

@@ -1,5 +1,6 @@
 #include "forms/FormCounts.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace tavix::forms {
@@ -60,6 +61,8 @@ void FormCounts::takeNumber(std::string_view text, ValueKind kind, std::uint64_t
         takeForm(ValueForm::of(text, kind), text, count);
         return;
     }
+    if (kind == ValueKind::Integer)
+        m_shortestInteger = std::min(m_shortestInteger, text.size());
     ValueTally& tally = m_kinds[static_cast<std::size_t>(kind)];
     tally.add(text, count);
     if (kind == ValueKind::Integer && text.size() > kSurely64)
@@ -83,6 +86,8 @@ void FormCounts::takeForm(const ValueForm& form, std::string_view text, std::uin
         m_lastKey = key;
     }
     m_lastTally->add(text, count);
+    if (form.family == ValueForm::Family::PaddedDigits)
+        m_shortestPadded = std::min(m_shortestPadded, withoutBlanks(text).size());
     if (form.family == ValueForm::Family::Number)
         m_lastTally->fits64 = m_lastTally->fits64 && fitsIn64(text);
     if (m_stated == StatedDates::EpochSeconds)
@@ -101,6 +106,8 @@ void FormCounts::merge(const FormCounts& other) {
     for (const auto& [key, written] : other.m_written)
         m_written.try_emplace(key, FormTally{written.form, {}}).first->second.tally.merge(written.tally);
     m_epoch.merge(other.m_epoch);
+    m_shortestInteger = std::min(m_shortestInteger, other.m_shortestInteger);
+    m_shortestPadded = std::min(m_shortestPadded, other.m_shortestPadded);
 }
 
 ColumnReading FormCounts::read() const {
@@ -110,7 +117,8 @@ ColumnReading FormCounts::read() const {
             forms.push_back({formOf(static_cast<ValueKind>(kind)), m_kinds[kind]});
     for (const auto& [key, written] : m_written)
         forms.push_back(written);
-    return readColumn(forms, m_stated, m_epoch);
+    const bool hasCodes = m_shortestPadded != SIZE_MAX && m_shortestPadded <= m_shortestInteger;
+    return readColumn(forms, {m_stated, m_epoch, hasCodes});
 }
 
 } // namespace tavix::forms

@@ -48,7 +48,9 @@ class FormCounts {
     std::unordered_map<std::uint64_t, FormTally> m_written; ///< other forms, by ValueForm::key()
     std::uint64_t m_lastKey = UINT64_MAX;                   ///< equal forms often follow each other
     ValueTally* m_lastTally = nullptr;
-    ValueTally m_epoch; ///< see readColumn()
+    ValueTally m_epoch;                       ///< see ColumnTraits
+    std::size_t m_shortestInteger = SIZE_MAX; ///< characters
+    std::size_t m_shortestPadded = SIZE_MAX;  ///< of digits with leading zeros
 };
 
 } // namespace tavix::forms

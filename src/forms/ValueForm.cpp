@@ -88,6 +88,10 @@ void setWritten(ValueForm& form, std::string_view text) {
         setNumber(form, *number);
         return;
     }
+    if (std::all_of(text.begin(), text.end(), isAsciiDigit)) {
+        form.family = Family::PaddedDigits;
+        return;
+    }
     if (start != Start::Number)
         if (const auto date = readDate(text))
             setDate(form, *date);
@@ -222,6 +226,9 @@ std::string ValueForm::text(DecimalMark mark, DateOrder order) const {
         return "text";
     case Family::Boolean:
         text = "boolean";
+        break;
+    case Family::PaddedDigits:
+        text = "digits with leading zeros";
         break;
     case Family::ShortYear:
         text = "date with two-digit year";

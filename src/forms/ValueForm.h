@@ -19,7 +19,7 @@ enum class DecimalMark : std::uint8_t { Point, Comma, Open };
 /// How a single value is written, which every value with the same key() shares. The column as a whole decides how such
 /// values are read.
 struct ValueForm {
-    enum class Family : std::uint8_t { Text, Boolean, Number, Date, ShortYear };
+    enum class Family : std::uint8_t { Text, Boolean, Number, Date, ShortYear, PaddedDigits };
     /// Of a number by its decimal mark, of a date by the order of day and month.
     enum class Readings : std::uint8_t { Same, First, Second, Different };
 

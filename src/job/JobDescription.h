@@ -2,6 +2,7 @@
 
 #include "base/Encodings.h"
 #include "base/Result.h"
+#include "forms/ColumnReading.h"
 #include "repository/AlertFacts.h"
 #include "repository/Facts.h"
 #include "source/DatabaseTable.h"
@@ -17,6 +18,19 @@ namespace tavix::job {
 
 /// The violating rows of a rule that a run keeps unless the job states another number.
 inline constexpr std::size_t kRowLogLimit = 1000;
+
+/// The percentage of a field's values that must fit a type for the field to have figures over these values, unless the
+/// job states another.
+inline constexpr double kFitsAtLeast = 95;
+
+/// What a job says about the dates of a field.
+struct FieldDates {
+    std::string field;
+    forms::StatedDates dates = forms::StatedDates::Nothing;
+    std::string place{}; ///< in the job file, as in ExpressionText
+
+    bool operator==(const FieldDates&) const = default;
+};
 
 /// An expression of a job; see docs/expressions.md.
 struct ExpressionText {
@@ -80,12 +94,22 @@ struct TableDescription {
     source::TableRequest database{};
     bool isCountedByRows = false; ///< read the rows even if the engine can count
     std::vector<repository::AlertFacts> alerts{};
+    double fitsAtLeast = kFitsAtLeast;                      ///< percent
+    forms::StatedDates dates = forms::StatedDates::Nothing; ///< of all fields
+    std::vector<FieldDates> fieldDates{};                   ///< of single fields, instead
     /// The positions of the key's fields and of the alerts in the job file, as in ExpressionText; empty without a file.
     std::vector<std::string> keyPlaces{};
     std::vector<std::string> alertPlaces{};
 
     [[nodiscard]] bool isFiltered() const { return !basedOn.empty(); }
     [[nodiscard]] bool isDatabase() const { return !source.empty(); }
+    /// What the job says about the dates of a field.
+    [[nodiscard]] forms::StatedDates datesOf(std::string_view field) const {
+        for (const FieldDates& one : fieldDates)
+            if (one.field == field)
+                return one.dates;
+        return dates;
+    }
 
     bool operator==(const TableDescription&) const = default;
 };

@@ -1,5 +1,6 @@
 #include "job/TableEntryReader.h"
 
+#include "base/NumberText.h"
 #include "expression/Parser.h"
 #include "job/AlertEntries.h"
 #include "job/DatabaseEntry.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <string_view>
 #include <utility>
 
 namespace tavix::job {
@@ -39,6 +41,14 @@ source::Sample sampleOf(const json& entry) {
     return sample;
 }
 
+/// One of the words that the schema allows.
+forms::StatedDates datesOfWord(std::string_view word) {
+    using forms::StatedDates;
+    return word == "day-first"     ? StatedDates::DayFirst
+           : word == "month-first" ? StatedDates::MonthFirst
+                                   : StatedDates::EpochSeconds;
+}
+
 template <typename Entry>
 bool hasName(const std::vector<Entry>& entries, const std::string& name) {
     return std::any_of(entries.begin(), entries.end(), [&](const Entry& entry) { return entry.name == name; });
@@ -54,9 +64,29 @@ std::vector<TableDescription> TableEntryReader::read(const json& entry, const st
         readDatabaseEntry(tables.emplace_back(), m_document, entry, pointer);
     else
         tables = readFiles(entry, pointer);
-    for (TableDescription& table : tables)
+    for (TableDescription& table : tables) {
+        readForms(table, entry, pointer);
         readChecks(table, entry, pointer);
+    }
     return tables;
+}
+
+void TableEntryReader::readForms(TableDescription& table, const json& entry, const std::string& pointer) const {
+    if (const auto share = entry.find("fits at least"); share != entry.end()) {
+        const auto text = share->is_string() ? share->get<std::string>() : share->dump();
+        table.fitsAtLeast = parseNumber(text.substr(0, text.find_first_of(" %"))).value_or(kFitsAtLeast);
+    }
+    const auto dates = entry.find("dates");
+    if (dates == entry.end())
+        return;
+    if (dates->is_string()) {
+        table.dates = datesOfWord(dates->get<std::string>());
+        return;
+    }
+    for (const auto& [field, word] : dates->items()) {
+        const std::string place = pointerTo(pointerTo(pointer, "dates"), field);
+        table.fieldDates.push_back({field, datesOfWord(word.get<std::string>()), placeText(m_document, m_file, place)});
+    }
 }
 
 void TableEntryReader::readChecks(TableDescription& table, const json& entry, const std::string& pointer) const {

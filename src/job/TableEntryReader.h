@@ -27,6 +27,8 @@ class TableEntryReader {
     std::vector<TableDescription> readFiles(const nlohmann::json& entry, const std::string& pointer) const;
     void readSeveral(TableDescription& table, const nlohmann::json& entry, const std::string& pointer) const;
     void readReading(TableDescription& table, const nlohmann::json& entry, const std::string& pointer) const;
+    /// How the values of the fields are read.
+    void readForms(TableDescription& table, const nlohmann::json& entry, const std::string& pointer) const;
     void readChecks(TableDescription& table, const nlohmann::json& entry, const std::string& pointer) const;
     [[nodiscard]] std::vector<std::string> matching(const std::string& path, const std::string& pointer) const;
     void readFilter(TableDescription& table, const nlohmann::json& entry, const std::string& pointer) const;

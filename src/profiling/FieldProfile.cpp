@@ -8,6 +8,7 @@
 #include "profiling/LargeIntegers.h"
 #include "profiling/MergedDistribution.h"
 #include "profiling/MetricValue.h"
+#include "profiling/OrderStatistics.h"
 #include "profiling/RunBuffer.h"
 #include "profiling/TaskBatch.h"
 #include "profiling/TaskFuture.h"
@@ -40,7 +41,8 @@ class FieldProfiler {
         : m_values(values),
           m_context(context),
           m_part(std::max(context.memory / 4, kLeastMemory)),
-          m_nulls(values.counter().nullCount()) {
+          m_nulls(values.counter().nullCount()),
+          m_survey(context.reading.dates) {
         m_ordered.now = context.now;
         m_figures.facts.name = name;
         m_figures.facts.ordinal = ordinal;
@@ -130,6 +132,8 @@ class FieldProfiler {
     Status figureByValue(const EntryList& entries, std::vector<Keyed>& order, std::vector<Keyed>& spare) {
         if (entries.empty())
             return {};
+        if (m_reading)
+            m_mode = mostFrequent(entries, order);
         if (m_form != KeyForm::None) {
             keyByValue(entries, order);
             sortByKey(order, spare, m_context.stop);
@@ -138,7 +142,22 @@ class FieldProfiler {
         }
         freeMemory(spare);
         EntryWalk walk(entries, order);
-        return computeStatistics(m_figures.facts, walk, m_form, participants(), m_ordered, m_context.stop);
+        return figureInOrder(walk);
+    }
+
+    Status figureInOrder(ValueWalk& walk) {
+        Status status = computeStatistics(m_figures.facts, walk, m_form, participants(), m_ordered, m_context.stop);
+        if (m_reading)
+            set(MetricId::Mode, m_mode.text); // it is one of all values, not only of those that fit
+        return status;
+    }
+
+    /// The most frequent of the values; `byText` has them in the order of their texts.
+    static KeptValue mostFrequent(const EntryList& entries, std::span<const Keyed> byText) {
+        const auto most = std::max_element(byText.begin(), byText.end(), [&](const Keyed& a, const Keyed& b) {
+            return a.countIn(entries) < b.countIn(entries);
+        });
+        return {0, most->countIn(entries), std::string(entries[most->index].text())};
     }
 
     /// Merges the values from the runs in the file.
@@ -163,7 +182,7 @@ class FieldProfiler {
         }
         RunWalk byText(m_values.runs(), m_context.file, m_part);
         if (m_form == KeyForm::None)
-            return computeStatistics(m_figures.facts, byText, m_form, participants(), m_ordered, m_context.stop);
+            return figureInOrder(byText);
         const RunOrder order = m_form == KeyForm::LargeInteger ? RunOrder::KeyInteger : RunOrder::Key;
         RunBuffer byValue(m_context.file, order, m_part, m_context.stop);
         if (Status status = fillByValue(byText, byValue); !status)
@@ -172,7 +191,7 @@ class FieldProfiler {
         if (!runs)
             return runs.error();
         RunWalk walk(**runs, m_context.file, m_part);
-        return computeStatistics(m_figures.facts, walk, m_form, participants(), m_ordered, m_context.stop);
+        return figureInOrder(walk);
     }
 
     Status surveyInMemory(const EntryList& entries) {
@@ -201,6 +220,8 @@ class FieldProfiler {
                 const std::string_view text = walk.text(i);
                 const std::uint64_t count = batch[i].count;
                 entries.push_back({text.data(), count, static_cast<std::uint32_t>(text.size()), 0});
+                if (count > m_mode.count)
+                    m_mode = {0, count, std::string(text)};
                 if (Status status = hashes.add({repository::hashValue(text), 1, {}}); !status)
                     return status;
                 if (Status status = byCount.add({descendingKey(count), count, text}); !status)
@@ -214,27 +235,37 @@ class FieldProfiler {
         return forEachBatch(walk, m_context.stop, [&](std::span<const ValueWalk::Row> batch) -> Status {
             for (std::size_t i = 0; i < batch.size(); ++i) {
                 const std::string_view text = walk.text(i);
-                if (isBlank(text))
+                const auto key = keyIfUsed(text);
+                if (!key)
                     continue;
-                if (Status status = byValue.add({keyOf(text, m_form), batch[i].count, text}); !status)
+                if (Status status = byValue.add({*key, batch[i].count, text}); !status)
                     return status;
             }
             return {};
         });
     }
 
+    /// The key of a value that takes part in order and arithmetic; none for the others.
+    [[nodiscard]] std::optional<std::uint64_t> keyIfUsed(std::string_view text) const {
+        if (m_reading)
+            return keyOf(text, m_form, *m_reading);
+        return isBlank(text) ? std::nullopt : std::optional(keyOf(text, m_form));
+    }
+
     /// Sets the keys of the values that count and removes the others.
     void keyByValue(const EntryList& entries, std::vector<Keyed>& order) const {
         // In the order of the entries, since their texts are next to each other in memory.
         std::vector<std::uint64_t> keys(entries.size());
-        const bool hasOthers = m_survey.emptyRows() + m_survey.blankRows() > 0;
+        const bool hasOthers = m_reading || m_survey.emptyRows() + m_survey.blankRows() > 0;
         std::vector<bool> isOther(hasOthers ? entries.size() : 0);
         for (std::size_t i = 0; i < entries.size(); ++i) {
             const std::string_view text = entries[i].text();
-            if (hasOthers && isBlank(text))
-                isOther[i] = true;
-            else
+            if (!hasOthers)
                 keys[i] = keyOf(text, m_form);
+            else if (const auto key = keyIfUsed(text))
+                keys[i] = *key;
+            else
+                isOther[i] = true;
         }
         if (hasOthers)
             std::erase_if(order, [&](const Keyed& row) { return isOther[row.index]; });
@@ -243,8 +274,32 @@ class FieldProfiler {
     }
 
     [[nodiscard]] std::uint64_t participants() const {
+        if (m_reading)
+            return m_figures.facts.breakdown->fitRows;
         return m_form == KeyForm::None ? m_survey.rows()
                                        : m_survey.rows() - m_survey.emptyRows() - m_survey.blankRows();
+    }
+
+    /// Sets the breakdown, and what takes part in the figures of a field that has some though its type is text.
+    void readColumn() {
+        forms::ColumnReading column = m_survey.forms().read();
+        repository::TypeBreakdown& breakdown = m_figures.facts.breakdown.emplace();
+        breakdown.values = column.values;
+        breakdown.rows = column.rows;
+        for (forms::FormCount& form : column.forms)
+            breakdown.forms.push_back({std::move(form.form), form.values, form.rows, std::move(form.example)});
+        breakdown.fitValues = column.fitValues;
+        breakdown.fitRows = column.fitRows;
+        breakdown.ambiguity = column.ambiguity;
+        if (!column.reading)
+            return;
+        breakdown.reading = column.reading->text();
+        const bool mayHave = m_survey.kind() == forms::ValueKind::Text || column.reading->isEpoch;
+        breakdown.hasFigures = mayHave && column.isRead(m_context.reading.leastPercent);
+        if (!breakdown.hasFigures)
+            return;
+        m_form = keyForm(column);
+        m_reading = column.reading;
     }
 
     [[nodiscard]] Merging merging() const { return {m_context.file, m_context.store, m_context.stop, m_part}; }
@@ -253,6 +308,7 @@ class FieldProfiler {
     Status finishSurvey() {
         m_survey.finish();
         m_form = keyForm(m_survey.kind(), m_survey.fits64());
+        readColumn();
         if (Status status = packCounted(m_survey.patterns(), m_figures.packed->patterns, merging()); !status)
             return status;
         const std::uint64_t rows = m_survey.rows() + m_nulls;
@@ -291,6 +347,8 @@ class FieldProfiler {
     std::uint64_t m_nulls;
     ValueSurvey m_survey;
     KeyForm m_form = KeyForm::None;
+    std::optional<forms::Reading> m_reading; ///< of the values that take part, if they are not those of the type
+    KeptValue m_mode;                        ///< of all values
     findings::OrderedFigures m_ordered;
     FieldProfile m_figures;
 };

@@ -2,6 +2,8 @@
 
 #include "base/Result.h"
 #include "findings/RunFindings.h"
+#include "forms/ColumnReading.h"
+#include "job/JobDescription.h"
 #include "profiling/ColumnValues.h"
 #include "profiling/PackedResult.h"
 #include "repository/Facts.h"
@@ -22,6 +24,14 @@ struct FieldProfile {
     std::vector<repository::OffsetIndexPage> offsetIndex; ///< not set by profileField()
 };
 
+/// What a job says about how the values of a field are read.
+struct ReadingChoice {
+    forms::StatedDates dates = forms::StatedDates::Nothing;
+    /// A field has figures over the values that fit its reading if they are at least so many percent of the rows that
+    /// are neither null, empty nor blank.
+    double leastPercent = job::kFitsAtLeast;
+};
+
 struct ProfilingContext {
     SpillFile& file;
     ByteStore& store; ///< for packed blocks
@@ -30,6 +40,7 @@ struct ProfilingContext {
         0; ///< bytes for lists that grow with the values: all lists of a spilled column, else the patterns
     unsigned threads = 1; ///< for a long column, including the caller
     std::int64_t now = 0; ///< the moment of the run, in units of base/DateTicks.h
+    ReadingChoice reading{};
 };
 
 /// The memory that profileField() needs besides the values when they are in memory.

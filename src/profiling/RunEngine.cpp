@@ -186,8 +186,11 @@ Result<std::vector<FieldProfile>> RunEngine::figures(TablePass& pass, const Alon
         // A column with more than one thread's share of the work would keep the others waiting at the end.
         const auto threads = static_cast<unsigned>(values.work() * m_pool.threads() / allWork) + 1;
         values.unite();
+        const std::string& name = pass.columns()[c];
+        const job::TableDescription& table = pass.description();
         auto figures =
-            profileField(values, pass.columns()[c], static_cast<int>(c) + 1, {m_file, m_store, m_stop, share, threads, m_now});
+            profileField(values, name, static_cast<int>(c) + 1,
+                         {m_file, m_store, m_stop, share, threads, m_now, {table.datesOf(name), table.fitsAtLeast}});
         if (!figures)
             return figures.error();
         values.clearValues(m_file);

@@ -8,8 +8,9 @@
 
 namespace tavix::profiling {
 
-/// The engine settings that the options state, or else that suit the machine and the location of the repository. `now`: the
-/// moment of the run.
-[[nodiscard]] RunEngine::Settings engineSettings(const RunOptions& options, const std::string& repositoryPath, UtcTime now);
+/// The engine settings that the options state, or else that suit the machine and the location of the repository. `now`:
+/// the moment of the run.
+[[nodiscard]] RunEngine::Settings engineSettings(const RunOptions& options, const std::string& repositoryPath,
+                                                 UtcTime now);
 
 } // namespace tavix::profiling

@@ -72,7 +72,7 @@ class RunStore {
     StopSignal& m_stop;
     std::vector<FinishedTable> m_waiting;
     std::size_t m_waitingSize = 0;
-    std::vector<int> m_tableOfField;                  ///< ids, for each of m_summaries
+    std::vector<int> m_tableOfField;                 ///< ids, for each of m_summaries
     std::vector<findings::FieldSummary> m_summaries; ///< of the stored fields
     /// Kept open, because the last connection to close tidies the repository, which takes as long as a small table.
     std::optional<RepositoryOpening> m_repository;

@@ -86,6 +86,8 @@ class Compiler {
         }
         if (Status status = findKey(); !status)
             return status.error();
+        if (Status status = findDates(); !status)
+            return status.error();
         for (const job::CustomMetricDescription& metric : m_table.metrics)
             if (Status status = add(metric); !status)
                 return status.error();
@@ -110,6 +112,14 @@ class Compiler {
                                          suggestion(name, m_columns))};
             m_programs.key.push_back(static_cast<std::size_t>(column - m_columns.begin()));
         }
+        return {};
+    }
+
+    [[nodiscard]] Status findDates() const {
+        for (const job::FieldDates& dates : m_table.fieldDates)
+            if (std::find(m_columns.begin(), m_columns.end(), dates.field) == m_columns.end())
+                return Error{fmt::format("{}The dates of the table \"{}\": there is no field \"{}\"{}.", dates.place,
+                                         m_table.name, dates.field, suggestion(dates.field, m_columns))};
         return {};
     }
 

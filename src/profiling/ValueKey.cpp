@@ -53,6 +53,42 @@ std::uint64_t keyOf(std::string_view text, KeyForm form) {
     return 0;
 }
 
+KeyForm keyForm(const forms::ColumnReading& column) {
+    switch (column.reading ? column.reading->type : FieldType::Text) {
+    case FieldType::Boolean:
+        return KeyForm::Boolean;
+    case FieldType::Integer:
+        return column.fits64 ? KeyForm::Integer : KeyForm::Double;
+    case FieldType::Real:
+        return KeyForm::Double;
+    case FieldType::Date:
+        return KeyForm::Date;
+    case FieldType::Text:
+        break;
+    }
+    return KeyForm::None;
+}
+
+std::optional<std::uint64_t> keyOf(std::string_view text, KeyForm form, const forms::Reading& reading) {
+    const auto key = [](const auto& value) { return value ? std::optional(keyOf(*value)) : std::nullopt; };
+    switch (form) {
+    case KeyForm::Boolean:
+        if (const auto value = reading.boolean(text))
+            return *value ? 1 : 0;
+        break;
+    case KeyForm::Integer:
+        return key(reading.integer(text));
+    case KeyForm::Double:
+    case KeyForm::LargeInteger:
+        return key(reading.number(text));
+    case KeyForm::Date:
+        return key(reading.ticks(text));
+    case KeyForm::None:
+        break;
+    }
+    return std::nullopt;
+}
+
 std::int64_t integerOfKey(std::uint64_t key) {
     return static_cast<std::int64_t>(key ^ kSignBit);
 }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "forms/ColumnReading.h"
 #include "forms/ValueKind.h"
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 namespace tavix::profiling {
@@ -22,6 +24,11 @@ enum class KeyForm : std::uint8_t {
 [[nodiscard]] KeyForm keyForm(forms::ValueKind kind, bool fits64);
 /// The key of a value that fits the form.
 [[nodiscard]] std::uint64_t keyOf(std::string_view text, KeyForm form);
+
+/// For the values that fit a column's reading. Integers beyond 64 bits are doubles.
+[[nodiscard]] KeyForm keyForm(const forms::ColumnReading& column);
+/// The key of a value that is read so; none if it does not fit.
+[[nodiscard]] std::optional<std::uint64_t> keyOf(std::string_view text, KeyForm form, const forms::Reading& reading);
 
 [[nodiscard]] std::int64_t integerOfKey(std::uint64_t key);
 [[nodiscard]] double doubleOfKey(std::uint64_t key);

@@ -50,16 +50,19 @@ void ValueSurvey::take(std::span<const Entry> values) {
             m_emptyRows += entry.count;
         else if (mayBeBlank(text) && isBlank(text))
             m_blankRows += entry.count;
-        else if (m_kind != forms::ValueKind::Text)
-            takeKind(text);
+        else
+            takeKind(text, entry.count);
         takePattern(text, entry.count);
         m_detectors.take(text, entry.count, length);
     }
 }
 
-void ValueSurvey::takeKind(std::string_view text) {
+void ValueSurvey::takeKind(std::string_view text, std::uint64_t count) {
     const forms::ValueKind kind = forms::kindOf(text);
+    m_forms.take(text, kind, count);
     m_kind = forms::joinedKind(m_kind, kind);
+    if (m_kind == forms::ValueKind::Text)
+        return;
     if (kind == forms::ValueKind::Real)
         m_decimalPlaces = std::max(m_decimalPlaces, forms::decimalPlaces(text));
     else if (kind == forms::ValueKind::Integer && text.size() > kSurely64 && !forms::integerValue(text))

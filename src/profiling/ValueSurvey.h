@@ -3,6 +3,7 @@
 #include "base/Histogram.h"
 #include "base/Result.h"
 #include "findings/ValueDetectors.h"
+#include "forms/FormCounts.h"
 #include "forms/ValueKind.h"
 #include "profiling/ColumnValues.h"
 
@@ -16,12 +17,15 @@ namespace tavix::profiling {
 /// The facts that one walk over the distinct values of a column finds in any order: type, lengths, counts and patterns.
 class ValueSurvey {
   public:
+    explicit ValueSurvey(forms::StatedDates dates = forms::StatedDates::Nothing) : m_forms(dates) {}
+
     void take(std::span<const Entry> values);
     /// Call it after the last value.
     void finish();
 
     [[nodiscard]] ColumnValues& patterns() { return m_patterns; }
     [[nodiscard]] forms::ValueKind kind() const { return m_kind; }
+    [[nodiscard]] const forms::FormCounts& forms() const { return m_forms; }
     /// Whether all integers fit 64 bits.
     [[nodiscard]] bool fits64() const { return m_fits64; }
     [[nodiscard]] std::uint64_t values() const { return m_values; }
@@ -36,17 +40,18 @@ class ValueSurvey {
     [[nodiscard]] std::int64_t decimalPlaces() const { return m_decimalPlaces; } ///< the most of any real
 
   private:
-    void takeKind(std::string_view text);
+    void takeKind(std::string_view text, std::uint64_t count);
     void takePattern(std::string_view text, std::uint64_t count);
     void addLastPattern();
 
     ColumnValues m_patterns;
     std::string m_pattern;
     std::string m_lastPattern; ///< equal patterns often follow each other and are counted together
-    findings::Hits m_last; ///< values and rows of m_lastPattern
+    findings::Hits m_last;     ///< values and rows of m_lastPattern
     findings::ValueDetectors m_detectors;
 
     forms::ValueKind m_kind = forms::ValueKind::None;
+    forms::FormCounts m_forms;
     bool m_fits64 = true;
     std::uint64_t m_values = 0;
     std::uint64_t m_rows = 0;

@@ -17,8 +17,6 @@ namespace tavix {
 
 namespace {
 
-constexpr double kExactIntegers = 9007199254740992.0; ///< 2^53
-
 /// A range that a quantity has by its nature, if its name says so and its values agree.
 struct KnownRange {
     std::string_view name;
@@ -88,7 +86,9 @@ std::optional<Ends> endsOf(const FieldEvidence& field, Reading read) {
     Ends ends{*low, *high, 0, {}};
     Ends below = ends;
     Ends above = ends;
-    leaveOut(field.lowest, read, ends.high, below.low, below, field.filled());
+    // Each side is judged by the others without the far values of the other side, whichever hides which.
+    leaveOut(field.highest, read, ends.low, above.high, above, field.filled());
+    leaveOut(field.lowest, read, above.high, below.low, below, field.filled());
     leaveOut(field.highest, read, below.low, above.high, above, field.filled());
     ends.low = below.low;
     ends.high = above.high;
@@ -183,7 +183,7 @@ void draftLowest(const FieldEvidence& field, double low, std::vector<RuleDraft>&
     draft.predicate = fmt::format("is not below {}", formatReal(low));
     draft.reason = fmt::format("{} is the lowest value of {} runs", formatReal(low), field.runs());
     // Only counts the rows.
-    draft.conditions = {withMissing(field, fmt::format("tonumber({}) >= {}", kOperand, formatReal(low)))};
+    draft.conditions = {withMissing(field, fmt::format("{} >= {}", kNumber, formatReal(low)))};
     draft.confidence = confidenceOf(field, true);
     drafts.push_back(std::move(draft));
 }
@@ -202,7 +202,7 @@ void draftNumbers(const FieldEvidence& field, std::vector<RuleDraft>& drafts) {
     draft.reason = saidRange(field, *ends, formatReal(ends->low), formatReal(ends->high));
     draft.confidence = confidenceOf(field, ends->rowsOut == 0);
     if (const KnownRange* const known = knownRange(field, *ends)) {
-        draft.conditions = {fmt::format("tonumber({}) between {} and {}", kOperand, known->low, known->high)};
+        draft.conditions = {fmt::format("{} between {} and {}", kNumber, known->low, known->high)};
         draft.predicate = fmt::format("is from {} to {}", known->low, known->high);
     } else {
         // Values of other runs belong to the range, unless they are as far out as those that were left out.
@@ -217,15 +217,15 @@ void draftNumbers(const FieldEvidence& field, std::vector<RuleDraft>& drafts) {
             return;
         }
         if (bounds.most) {
-            draft.conditions = {fmt::format("tonumber({}) between {} and {}", kOperand, formatReal(*bounds.least),
-                                            formatReal(*bounds.most))};
+            draft.conditions = {
+                fmt::format("{} between {} and {}", kNumber, formatReal(*bounds.least), formatReal(*bounds.most))};
             draft.predicate = fmt::format("is from {} to {}", formatReal(*bounds.least), formatReal(*bounds.most));
             draft.remark = "The bounds are rounded outwards.";
             if (field.runs() == 1 && draft.confidence > SuggestionConfidence::Low)
                 draft.confidence = draft.confidence == SuggestionConfidence::High ? SuggestionConfidence::Medium
                                                                                   : SuggestionConfidence::Low;
         } else {
-            draft.conditions = {fmt::format("tonumber({}) >= 0", kOperand)};
+            draft.conditions = {fmt::format("{} >= 0", kNumber)};
             draft.predicate = "is not negative";
         }
     }

@@ -25,20 +25,32 @@ namespace {
 
 constexpr std::size_t kLongestNamePart = 200; ///< bytes of a field in the name of a rule
 
-/// The condition with the operand in the place of kOperand.
-std::string onOperand(const std::string& condition, const std::string& operand) {
+/// The condition over this operand, which reads as `number` where it is compared with numbers.
+std::string onOperand(const std::string& condition, const std::string& operand, const std::string& number) {
     std::string made;
     for (const char c : condition) {
         if (c == kOperand)
             made += operand;
+        else if (c == kNumber)
+            made += number;
         else
             made += c;
     }
     return made;
 }
 
+/// As a job tests the rows.
+std::string onField(const std::string& condition, const std::string& field) {
+    return onOperand(condition, fieldText(field), fieldText(field));
+}
+
+/// As a filter tests the values, which are texts.
+std::string onValues(const std::string& condition) {
+    return onOperand(condition, "`Value`", "tonumber(`Value`)");
+}
+
 std::string violatingFilter(const std::string& condition) {
-    return fmt::format("if {} then return false else return true", onOperand(condition, fieldText("Value")));
+    return fmt::format("if {} then return false else return true", onValues(condition));
 }
 
 /// The different days of a field of dates without times; empty for any other.
@@ -204,7 +216,7 @@ class Suggester {
         const ProfileCursorHandle rows = checked(m_viewer, m_viewer.getFreqDist(to.field.id, ""));
         while (rows->next()) {
             const std::string text = textAt(*rows, layout::FreqValue);
-            if (text.find('\0') != std::string::npos || text.find(kOperand) != std::string::npos)
+            if (text.find('\0') != std::string::npos || text.find_first_of({kOperand, kNumber}) != std::string::npos)
                 return {};
             keys.push_back({text, 1});
         }
@@ -221,7 +233,7 @@ class Suggester {
 
     /// The rows that do not meet it.
     std::int64_t violationsOf(const FieldEvidence& field, const std::string& condition) {
-        return field.rows - rowsThatMeet(m_viewer, field.field.id, onOperand(condition, fieldText("Value")));
+        return field.rows - rowsThatMeet(m_viewer, field.field.id, onValues(condition));
     }
 
     void finish(const TableIdentity& table, const FieldEvidence& field, const RuleDraft& draft) {
@@ -253,7 +265,7 @@ class Suggester {
         if (percent > draft.mostPercent)
             return;
         if (made.element == SuggestedElement::Rule)
-            made.condition = onOperand(chosen, fieldText(field.field.name));
+            made.condition = onField(chosen, field.field.name);
         if (!chosen.empty())
             made.violatingValues = violatingFilter(chosen);
         if (m_known.say(made))

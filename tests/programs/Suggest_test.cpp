@@ -198,7 +198,7 @@ TEST_F(Suggest, AConstantAndADomainWithoutItsRareValues) {
     EXPECT_THAT(of(100, [](int i) { return number(i % 2 == 0   ? 3
                                                   : i % 5 == 0 ? 8
                                                                : 5); }),
-                Contains("domain: `f` in ('3', '5', '8') 0"));
+                Contains("domain: `f` in (3, 5, 8) 0"));
     EXPECT_THAT(of(100, [](int i) { return number(1 + i % 5); }), Not(Contains(HasSubstr("domain"))))
         << "a range says more of numbers without a gap";
 }
@@ -210,11 +210,14 @@ TEST_F(Suggest, PatternsAsRegularExpressions) {
                                             : i == 10 ? ""
                                                       : code(i); }),
                 Contains("pattern: isnull(`f`) or matches(`f`, '[A-Z][0-9]{3}') 1"));
-    EXPECT_THAT(of(500, [&](int i) { return i % 50 == 9 ? std::string(static_cast<std::size_t>(i / 50 + 1), '?') : code(i); }, {"--only", "pattern"}),
-                IsEmpty());
-    EXPECT_THAT(of(500, [&](int i) { return i % 50 == 9 ? std::string(static_cast<std::size_t>(i / 50 + 1), '?') : code(i); },
-                   {"--only", "pattern", "--pattern", "95"}),
-                ElementsAre("pattern: matches(`f`, '[A-Z][0-9]{3}') 10"));
+    EXPECT_THAT(
+        of(500, [&](int i) { return i % 50 == 9 ? std::string(static_cast<std::size_t>(i / 50 + 1), '?') : code(i); },
+           {"--only", "pattern"}),
+        IsEmpty());
+    EXPECT_THAT(
+        of(500, [&](int i) { return i % 50 == 9 ? std::string(static_cast<std::size_t>(i / 50 + 1), '?') : code(i); },
+           {"--only", "pattern", "--pattern", "95"}),
+        ElementsAre("pattern: matches(`f`, '[A-Z][0-9]{3}') 10"));
     EXPECT_THAT(of(500, [](int i) { return fmt::format("{}/{}/20{:02}", 1 + i % 12, 1 + i % 28, i % 90); }),
                 Contains("pattern: matches(`f`, '[0-9]{1,2}/[0-9]{1,2}/[0-9]{4}') 0"));
     EXPECT_THAT(of(500, [](int i) { return fmt::format("Ä{:03}.\\", i); }),
@@ -226,16 +229,16 @@ TEST_F(Suggest, PatternsAsRegularExpressions) {
 
 TEST_F(Suggest, RangesWithoutWhatLiesFarOut) {
     EXPECT_THAT(of(400, [](int i) { return fmt::format("{}.5", 10 + i % 37); }),
-                Contains("range: tonumber(`f`) between 0 and 60 0"));
+                Contains("range: `f` between 0 and 60 0"));
     EXPECT_THAT(of(400, [](int i) { return i == 3   ? "99999"
                                            : i == 4 ? ""
                                                     : fmt::format("{}.5", 10 + i % 37); }),
-                Contains("range: isnull(`f`) or tonumber(`f`) between 0 and 60 1"));
+                Contains("range: isnull(`f`) or `f` between 0 and 60 1"));
     EXPECT_THAT(of(400, [](int i) { return number(i == 0   ? 1'000'000
                                                   : i == 1 ? 900'000
                                                            : i * i % 5000); }),
-                Contains(HasSubstr("range: tonumber(`f`) between 0 and 6000 2")));
-    EXPECT_THAT(of(400, [](int i) { return number((1 << i % 20) + i); }), Contains("range: tonumber(`f`) >= 0 0"))
+                Contains(HasSubstr("range: `f` between 0 and 6000 2")));
+    EXPECT_THAT(of(400, [](int i) { return number((1 << i % 20) + i); }), Contains("range: `f` >= 0 0"))
         << "values without an upper bound";
     EXPECT_THAT(of(400, number), Not(Contains(HasSubstr("range")))) << "an identifier grows";
     const auto day = [](int i) { return fmt::format("20{:02}-{:02}-{:02}", 10 + i % 9, 1 + i % 12, 1 + i % 28); };
@@ -251,9 +254,10 @@ TEST_F(Suggest, RangesWithoutWhatLiesFarOut) {
 
 TEST_F(Suggest, LengthsAndTextsThatWereCutOff) {
     const auto mixed = [](int i, int length) {
+        std::minstd_rand random(static_cast<unsigned>(i + 1));
         std::string text;
         for (int k = 0; k < length; ++k)
-            text += static_cast<char>("0123456789abcdef"[static_cast<unsigned>(i * 7919 + k * i * 31 + k * k) % 16]);
+            text += "0123456789abcdef"[random() / 1000 % 16];
         return text;
     };
     EXPECT_THAT(of(600, [&](int i) { return mixed(i * 13, 32); }), Contains("length: length(`f`) = 32 0"));
@@ -370,7 +374,9 @@ tables:
     const std::vector<std::string> rules = conditions(again, "rules", "condition");
     EXPECT_THAT(rules, AllOf(Contains("NOT IsBlank(`f`)"), Contains("tonumber(`f`) > 9 and `n` == 'x'")));
     EXPECT_EQ(listed(again, {"tables"}).size(), 2U);
-    EXPECT_EQ(suggestions({"part"}).size(), 3U) << "a filtered table is examined only when it is chosen";
+    for (const json& one : suggestions())
+        EXPECT_EQ(one["table"], "t") << "a filtered table is examined only when it is chosen";
+    EXPECT_THAT(suggestions({"part"}), Not(IsEmpty()));
 }
 
 TEST_F(Suggest, AwkwardNamesAndValuesSurviveTheJobFile) {

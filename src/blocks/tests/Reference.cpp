@@ -1,6 +1,7 @@
 #include "blocks/tests/Reference.h"
 
 #include "base/Characters.h"
+#include "base/DateTicks.h"
 #include "base/NumberText.h"
 #include "forms/Reading.h"
 
@@ -157,7 +158,21 @@ Expression Generator::text(int depth) {
     }
     const Expression inner = text(depth - 1);
     const std::int64_t count = static_cast<std::int64_t>(below(6)) - 1;
-    switch (below(16)) {
+    switch (below(20)) {
+    case 16:
+        return call("initcap", {inner}, [](const auto& v) { return Value(capitalized(textOf(v[0]))); });
+    case 17:
+        return call("unaccent", {inner}, [](const auto& v) { return Value(withoutAccents(textOf(v[0]))); });
+    case 18:
+        return call("regexp_extract", {inner, quoted("[0-9]+")},
+                    [](const auto& v) { return firstDigits(textOf(v[0])); });
+    case 19:
+        return call("regexp_replace", {inner, quoted("[kK1]"), quoted("<\\0>")}, [](const auto& v) {
+            Text text = textOf(v[0]);
+            for (const char32_t c : {U'k', U'K', U'1'})
+                text = replaced(text, Text(1, c), Text{U'<', c, U'>'});
+            return Value(text);
+        });
     case 14:
         return call("reverse", {inner}, [](const auto& v) {
             Text reversed = textOf(v[0]);
@@ -237,7 +252,9 @@ Expression Generator::integer(int depth) {
             return number(static_cast<std::int64_t>(below(12)) - 2);
         return {"`Count`", [](const Row& row) { return row.count; }};
     }
-    switch (below(9)) {
+    switch (below(10)) {
+    case 9:
+        return datePart(depth);
     case 8:
         return call("editdistance", {text(depth - 1), part(depth)},
                     [](const auto& v) { return Value(distance(textOf(v[0]), textOf(v[1]))); });
@@ -423,6 +440,55 @@ Expression Generator::junction(int depth) {
             }};
 }
 
+Expression Generator::datePart(int depth) {
+    const Expression text = below(3) > 0 ? field() : this->text(depth - 1);
+    const Expression date = call("todate", {text}, [](const auto& v) {
+        const auto ticks = parseDate(encode(textOf(v[0])));
+        return ticks ? Value(*ticks) : Value();
+    });
+    const auto civil = [](const std::vector<Value>& v, std::size_t i) { return civilOf(integerOf(v[i])); };
+    switch (below(7)) {
+    case 0:
+        return call("year", {date}, [civil](const auto& v) { return Value(civil(v, 0).year); });
+    case 1:
+        return call("month", {date}, [civil](const auto& v) { return Value(civil(v, 0).month); });
+    case 2:
+        return call("day", {date}, [civil](const auto& v) { return Value(civil(v, 0).day); });
+    case 3:
+        return call("quarter", {date}, [civil](const auto& v) { return Value((civil(v, 0).month + 2) / 3); });
+    case 4:
+        return call("day", {call("lastday", {date}, [](const auto& v) { return v[0]; })}, [civil](const auto& v) {
+            // The day before the first of another month.
+            Civil at = civil(v, 0);
+            std::int64_t ticks = integerOf(v[0]);
+            for (Civil next = at; next.month == at.month; next = civilOf(ticks)) {
+                at = next;
+                ticks += kTicksPerDay;
+            }
+            return Value(at.day);
+        });
+    case 5:
+        return call("month", {call("startof", {date, quoted("quarter")}, [](const auto& v) { return v[0]; })},
+                    [civil](const auto& v) { return Value((civil(v, 0).month + 2) / 3 * 3 - 2); });
+    default: {
+        const bool isInMonths = below(2) == 0;
+        const Expression fixed{"todate('2023-12-31 23:00')",
+                               [](const Row&) { return Value(*parseDate("2023-12-31 23:00")); }};
+        const bool isFirst = below(2) == 0;
+        std::vector<Expression> arguments{isFirst ? fixed : date, isFirst ? date : fixed};
+        arguments.push_back(quoted(isInMonths ? "months" : "day"));
+        return call("datediff", arguments, [isInMonths, civil](const auto& v) {
+            const auto months = [&](std::size_t i) { return civil(v, i).year * 12 + civil(v, i).month; };
+            const auto days = [&](std::size_t i) {
+                const std::int64_t ticks = integerOf(v[i]);
+                return ticks / kTicksPerDay - (ticks % kTicksPerDay < 0 ? 1 : 0);
+            };
+            return Value(isInMonths ? months(1) - months(0) : days(1) - days(0));
+        });
+    }
+    }
+}
+
 Expression Generator::compareWithDate() {
     const Expression subject = field();
     return {"(" + subject.text + " >= todate('2024-02-29 10:00'))", [subject](const Row& row) {
@@ -471,7 +537,16 @@ Expression Generator::condition(int depth) {
             return compare(field(), integer(depth - 1));
         }
     }
-    switch (below(17)) {
+    switch (below(19)) {
+    case 17:
+        return call("isluhn", {text(depth - 1)}, [](const auto& v) { return Value(isLuhn(textOf(v[0]))); });
+    case 18: {
+        const bool isWhole = below(2) == 0;
+        return call(isWhole ? "isinteger" : "isdate", {text(depth - 1)}, [isWhole](const auto& v) {
+            const std::string text = encode(textOf(v[0]));
+            return Value(isWhole ? parseInteger(text).has_value() : parseDate(text).has_value());
+        });
+    }
     case 14:
         return between(depth);
     case 15: {

@@ -57,6 +57,8 @@ class Generator {
     Expression part(int depth);
     Expression between(int depth);
     Expression compareWithDate();
+    /// A number of a date.
+    Expression datePart(int depth);
     Expression field();
     /// Whether the expression is a column that is compared by what its cells are.
     [[nodiscard]] bool isCell(const Expression& expression) const;

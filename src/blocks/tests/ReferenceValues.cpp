@@ -7,6 +7,7 @@
 #include <unicode/uchar.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace tavix::expression::reference {
@@ -267,6 +268,73 @@ std::string encode(const Text& text) {
             appendCharacter(out, static_cast<std::int32_t>(c));
     }
     return out;
+}
+
+Text capitalized(const Text& text) {
+    Text out;
+    bool isInWord = false;
+    for (const char32_t c : text) {
+        const bool isOfWord = c < kBytes && u_isalnum(static_cast<UChar32>(c)) != 0;
+        out += isInWord ? lower(Text(1, c)) : isOfWord ? upper(Text(1, c)) : Text(1, c);
+        isInWord = isOfWord;
+    }
+    return out;
+}
+
+Text withoutAccents(Text text) {
+    const std::u32string_view accented = U"éÉİ\u212A";
+    for (char32_t& c : text)
+        if (const std::size_t at = accented.find(c); at != Text::npos)
+            c = U"eEIK"[at];
+    return text;
+}
+
+Value firstDigits(const Text& text) {
+    const std::u32string_view digits = U"0123456789";
+    const std::size_t begin = text.find_first_of(digits);
+    if (begin == Text::npos)
+        return {};
+    return text.substr(begin, text.find_first_not_of(digits, begin) - begin);
+}
+
+bool isLuhn(const Text& text) {
+    Text digits;
+    for (const char32_t c : text) {
+        if (c >= U'0' && c <= U'9')
+            digits += c;
+        else if (c != U' ' && c != U'-')
+            return false;
+    }
+    const auto isEdge = [](char32_t c) { return c == U' ' || c == U'-'; };
+    if (digits.size() < 2 || isEdge(text.front()) || isEdge(text.back()))
+        return false;
+    int sum = 0;
+    for (std::size_t i = 0; i < digits.size(); ++i) {
+        const int digit = static_cast<int>(digits[digits.size() - 1 - i] - U'0');
+        const int doubled = 2 * digit;
+        sum += i % 2 == 0 ? digit : doubled / 10 + doubled % 10;
+    }
+    return sum % 10 == 0;
+}
+
+Civil civilOf(std::int64_t ticks) {
+    std::int64_t days = ticks / kTicksPerDay - (ticks % kTicksPerDay < 0 ? 1 : 0);
+    const auto isLeap = [](std::int64_t year) { return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0); };
+    const auto daysOf = [&](const Civil& at) {
+        constexpr std::array<std::int64_t, 12> kDays{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+        return kDays[static_cast<std::size_t>(at.month - 1)] + (at.month == 2 && isLeap(at.year) ? 1 : 0);
+    };
+    Civil at;
+    for (; days < 0; --at.year)
+        days += isLeap(at.year - 1) ? 366 : 365;
+    while (days >= daysOf(at)) {
+        days -= daysOf(at);
+        at.month = at.month % 12 + 1;
+        if (at.month == 1)
+            ++at.year;
+    }
+    at.day = days + 1;
+    return at;
 }
 
 } // namespace tavix::expression::reference

@@ -58,6 +58,25 @@ std::optional<double> readNumber(const Text& text);
 Text trimmed(Text text, bool left, bool right);
 Text substring(const Text& text, std::int64_t first, std::int64_t count);
 Text replaced(const Text& text, const Text& from, const Text& to);
+/// Each word with its first letter in upper case and the others in lower case.
+Text capitalized(const Text& text);
+/// Of the letters that random texts have.
+Text withoutAccents(Text text);
+/// The first digits in a row; null without digits.
+Value firstDigits(const Text& text);
+/// Whether the text is a number of at least two digits, with blanks and hyphens between them, that Luhn's formula
+/// accepts.
+bool isLuhn(const Text& text);
+
+/// A day of the proleptic Gregorian calendar.
+struct Civil {
+    std::int64_t year = 1970;
+    std::int64_t month = 1;
+    std::int64_t day = 1;
+};
+/// Found by counting days.
+Civil civilOf(std::int64_t ticks);
+
 /// Whether the text matches the wildcard pattern, found by matching all prefixes of both.
 bool fits(const Text& text, const Text& pattern);
 

@@ -49,6 +49,8 @@ TEST(FormCounts, AFewTextsAmongNumbersOrDates) {
     EXPECT_EQ(textOf(read({{"5", 5}, {"2001-01-14", 5}})), "integer: 1/5 of 2/10") << "numbers first among equals";
     EXPECT_EQ(textOf(read({{"true", 5}, {" FALSE", 5}, {"yes", 1}})), "boolean: 2/10 of 3/11");
     EXPECT_EQ(textOf(read({{"007", 5}, {"008", 5}})), "text: 0/0 of 2/10");
+    EXPECT_EQ(textOf(read({{"10001", 98}, {"00501", 2}})), "text: 0/0 of 2/100") << "codes of five digits";
+    EXPECT_EQ(textOf(read({{"10001", 97}, {"17", 1}, {"00501", 2}})), "integer: 2/98 of 3/100") << "17 is not padded";
     EXPECT_EQ(textOf(read({})), "text: 0/0 of 0/0");
     EXPECT_FALSE(read({}).isRead(50));
 }
@@ -112,10 +114,10 @@ TEST(FormCounts, LargeIntegers) {
 
 /// The forms add up, and their sum is independent of order and parts.
 TEST(FormCounts, OrderAndPartsDoNotMatter) {
-    const std::vector<std::string> pool = {"5",        "7",    "1.5",        "1.234",      "1,234",       "$5",
-                                           "unknown",  "n/a",  "2001-01-14", "01/02/2003", "14.01.2001",  "true",
-                                           "14.01.01", " 5",   "5 %",        "Jan 1 2001", "1,234,567.5", "1 234",
-                                           "1e5",      "-(5)", "(5)",        "5 EUR"};
+    const std::vector<std::string> pool = {"5",           "007",   "12345",    "7",    "1.5",        "1.234",
+                                           "1,234",       "$5",    "unknown",  "n/a",  "2001-01-14", "01/02/2003",
+                                           "14.01.2001",  "true",  "14.01.01", " 5",   "5 %",        "Jan 1 2001",
+                                           "1,234,567.5", "1 234", "1e5",      "-(5)", "(5)",        "5 EUR"};
     std::mt19937 random(11);
     for (int round = 0; round < 300; ++round) {
         Values values;

@@ -266,7 +266,7 @@ TEST(Reading, FormsHaveWords) {
                                      {"14.01.01", "date with two-digit year"},
                                      {"99-12-31", "date with two-digit year"},
                                      {"12-Jun-98", "date with two-digit year"},
-                                     {"007", "text"},
+                                     {"007", "digits with leading zeros"},
                                      {"1.2.3", "text"},
                                      {"12 Main St", "text"},
                                      {"May", "text"},

@@ -64,6 +64,24 @@ collections:
               "sqlite:" + m_folder.file("r.db"));
 }
 
+TEST_F(JobFile, HowValuesAreRead) {
+    const auto table = [&](const std::string& keys) {
+        auto job = read("job: j\ntables:\n  - file: a.csv\n" + keys);
+        EXPECT_TRUE(job.ok()) << job.error().text;
+        return job.ok() ? job->tables.front() : TableDescription{};
+    };
+    using forms::StatedDates;
+    EXPECT_EQ(table("").fitsAtLeast, 95);
+    EXPECT_EQ(table("").datesOf("x"), StatedDates::Nothing);
+    EXPECT_EQ(table("    fits at least: 99.5 %\n").fitsAtLeast, 99.5);
+    EXPECT_EQ(table("    fits at least: 50\n").fitsAtLeast, 50);
+    EXPECT_EQ(table("    dates: day-first\n").datesOf("x"), StatedDates::DayFirst);
+    const TableDescription mixed = table("    dates: {x: epoch-seconds, y z: month-first}\n");
+    EXPECT_EQ(mixed.datesOf("x"), StatedDates::EpochSeconds);
+    EXPECT_EQ(mixed.datesOf("y z"), StatedDates::MonthFirst);
+    EXPECT_EQ(mixed.datesOf("z"), StatedDates::Nothing);
+}
+
 TEST_F(JobFile, MistakesAreNamedWithTheirPlace) {
     const std::string good = "job: j\ntables:\n  - file: a.csv\n";
     const std::vector<std::pair<std::string, std::string>> cases = {
@@ -150,6 +168,16 @@ TEST_F(JobFile, MistakesAreNamedWithTheirPlace) {
          "4:32: \"tables[0].sample.seed\": expected a whole number from 0 to 9223372036854775807; the same seed takes "
          "the "
          "same rows; 1 unless stated"},
+        {good + "    fits at least: 49 %\n",
+         "4:20: \"tables[0].fits at least\": expected a percentage from 50 to 100, such as 95 %: a text field has "
+         "figures "
+         "over the values that fit a type if these are at least so many of those that are neither null, empty nor "
+         "blank; 95 % unless stated"},
+        {good + "    dates: {x: years-first}\n",
+         "4:16: \"tables[0].dates.x\": expected day-first, month-first or epoch-seconds, or a map of fields to one of "
+         "these: "
+         "how dates are read that could be read in two ways, or which integers are dates; as the values decide unless "
+         "stated"},
         {good + "    encoding: 12345\n", "4:15: there is no encoding \"12345\""},
         {"job: j\nna\xFFme: x\n", "2:3: this is not UTF-8 text"},
         {std::string("job: j\n\0", 8), "2:1: this is not text"},

@@ -69,6 +69,20 @@ json fieldJson(const repository::FieldFacts& facts) {
                      {"step", bins->step},
                      {"exponent", bins->exponent},
                      {"counts", bins->counts}};
+    json breakdown;
+    if (const auto& found = facts.breakdown) {
+        auto forms = json::array();
+        for (const auto& form : found->forms)
+            forms.push_back({form.form, form.values, form.rows, form.example.str()});
+        breakdown = {{"values", found->values},
+                     {"rows", found->rows},
+                     {"forms", forms},
+                     {"reading", found->reading},
+                     {"fit_values", found->fitValues},
+                     {"fit_rows", found->fitRows},
+                     {"ambiguity", found->ambiguity},
+                     {"has_figures", found->hasFigures}};
+    }
     return {{"name", facts.name},
             {"type", facts.typeCode == 0 ? std::string() : std::string(1, facts.typeCode)},
             {"rule", facts.quantileRule},
@@ -76,6 +90,7 @@ json fieldJson(const repository::FieldFacts& facts) {
             {"percentiles", percentiles},
             {"outliers", outliers},
             {"histogram", histogram},
+            {"breakdown", breakdown},
             {"values", rowsOf([&](auto& block) { return facts.packed->nextValues(block); })},
             {"patterns", rowsOf([&](auto& block) { return facts.packed->nextPatterns(block); })}};
 }

@@ -46,6 +46,30 @@ std::vector<Draw> columns() {
         [](auto& random) { return random() % 10 == 0 ? std::nullopt : std::optional(padded(random() % 300, 3)); },
         [](auto& random) { return random() % 300 == 0 ? "many" : std::to_string(random() % 30); },
         [](auto& random) { return std::string(random() % 2000, static_cast<char>('a' + random() % 26)); },
+        // Numbers, dates and booleans as people write them, most with a few values that do not fit.
+        [](auto& random) {
+            return random() % 60 == 0 ? "n/a"
+                                      : "$" + std::to_string(random() % 9 + 1) + "," + padded(random() % 1000, 3) +
+                                            (random() % 2 == 0 ? ".50" : "");
+        },
+        [](auto& random) {
+            return random() % 60 == 0 ? "tbd"
+                                      : padded(random() % 12 + 1, 2) + "/" + padded(random() % 28 + 1, 2) + "/20" +
+                                            padded(random() % 30, 2) + (random() % 3 == 0 ? " 9:55 PM" : "");
+        },
+        from({"01/02/2003", "03.04.2005", "05-06-2007 21:55"}),
+        [](auto& random) { return (random() % 4 == 0 ? " " : "") + std::to_string(random() % 200) + ",5"; },
+        [](auto& random) {
+            return random() % 50 == 0 ? "-" : std::to_string(random()) + std::string(random() % 25, '3');
+        },
+        [](auto& random) { return random() % 50 == 0  ? "maybe"
+                                  : random() % 2 == 0 ? "true"
+                                                      : " False"; },
+        [](auto& random) {
+            return random() % 50 == 0
+                       ? "2024-02-30"
+                       : "20" + padded(random() % 30, 2) + "-0" + std::to_string(random() % 9 + 1) + "-11";
+        },
     };
 }
 
