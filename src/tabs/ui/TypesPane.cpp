@@ -63,6 +63,7 @@ TypesPane::TypesPane(CViewSite& site, const ReportSubject& subject, CProfTab& ta
     m_misfits->setObjectName(QStringLiteral("misfits"));
     m_misfits->setAccessibleName(tr("Values that do not fit"));
     m_misfitHeading->setTextFormat(Qt::PlainText);
+    m_misfitHeading->setObjectName(QStringLiteral("misfitHeading"));
     m_showMisfits->setObjectName(QStringLiteral("showMisfits"));
     m_showMisfits->setText(tr("show them all"));
     m_showMisfits->setAccessibleName(tr("Show all values that do not fit in the frequency distribution"));
