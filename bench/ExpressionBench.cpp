@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <iostream>
+#include <map>
 #include <numeric>
 #include <random>
 #include <string>
@@ -29,11 +30,14 @@ struct StoredBlock {
     std::vector<std::uint64_t> counts;
 };
 
+/// The values of a distribution that is made up.
+enum class Values : std::uint8_t { Mixed, Numbers, Dates };
+
 class Distribution {
   public:
-    Distribution() {
+    explicit Distribution(Values values) : m_values(values) {
         const char* const file = std::getenv("TAVIX_BENCH_ROWS");
-        if (file)
+        if (file && values == Values::Mixed)
             read(file);
         else
             makeUp();
@@ -77,6 +81,15 @@ class Distribution {
         std::uint64_t rank = 0;
         for (const std::uint32_t x : order) {
             const std::uint64_t count = 1 + kValues / 20 / ++rank;
+            if (m_values == Values::Numbers) {
+                add(fmt::format("{}.{:02}", x % 100'000, x % 97), count);
+                continue;
+            }
+            if (m_values == Values::Dates) {
+                add(fmt::format("{}-{:02}-{:02} {:02}:{:02}", 1990 + x % 40, 1 + x % 12, 1 + x % 28, x % 24, x % 60),
+                    count);
+                continue;
+            }
             switch (x % 4) {
             case 0:
                 add(std::to_string(std::uint64_t{x} * 13), count);
@@ -93,22 +106,23 @@ class Distribution {
         }
     }
 
+    Values m_values;
     std::vector<StoredBlock> m_blocks;
 };
 
-const Distribution& distribution() {
-    static const Distribution made;
-    return made;
+const Distribution& distribution(Values values) {
+    static std::map<Values, Distribution> made;
+    return made.try_emplace(values, values).first->second;
 }
 
-void filter(benchmark::State& state, const char* text) {
+void filter(benchmark::State& state, const char* text, Values values, Columns columns) {
     const std::vector<Field> fields{{"Value", Type::Text}, {"Count", Type::Integer}};
-    const Compiled compiled = compile(text, fields, Wanted::Condition);
+    const Compiled compiled = compile(text, fields, Wanted::Condition, thisMoment(), columns);
     if (!compiled.ok()) {
         state.SkipWithError(describe(compiled.error).c_str());
         return;
     }
-    const std::vector<StoredBlock>& blocks = distribution().blocks();
+    const std::vector<StoredBlock>& blocks = distribution(values).blocks();
     BlockEvaluator evaluator(*compiled.program);
     std::size_t rows = 0;
     std::uint64_t sum = 0;
@@ -118,9 +132,9 @@ void filter(benchmark::State& state, const char* text) {
         for (const StoredBlock& stored : blocks) {
             // Counts descend.
             const bool isUniform = stored.counts.front() == stored.counts.back();
-            const std::array<BlockColumn, 2> columns{BlockColumn{stored.bytes, stored.ends, {}, {}},
-                                                     BlockColumn{{}, {}, stored.counts, {}, isUniform}};
-            const auto passing = evaluator.passing({stored.ends.size(), columns});
+            const std::array<BlockColumn, 2> stores{BlockColumn{stored.bytes, stored.ends, {}, {}},
+                                                    BlockColumn{{}, {}, stored.counts, {}, isUniform}};
+            const auto passing = evaluator.passing({stored.ends.size(), stores});
             rows += passing.size();
             for (const std::uint32_t row : passing)
                 sum += stored.counts[row];
@@ -134,9 +148,11 @@ void filter(benchmark::State& state, const char* text) {
 struct Case {
     const char* name;
     const char* text;
+    Values values = Values::Mixed;
+    Columns columns = Columns::Texts;
 };
 
-constexpr std::array<Case, 47> kCases{{
+constexpr auto kCases = std::to_array<Case>({
     {"equal", "lower(`Value`) == 'abc'"},
     {"contains", "instr(`Value`,'5') != 0"},
     {"wildcard", "match_string(`Value`,'K*1?5*9')"},
@@ -184,7 +200,40 @@ constexpr std::array<Case, 47> kCases{{
     {"behind_sign", "substring(`Value`,instr(`Value`,'-')+1) == '017'"},
     {"position_from", "instr(`Value`,'5',3) > 0"},
     {"occurrences", "length(`Value`) - length(replace(`Value`,'1','')) == 2"},
-}};
+    {"fits", "fits(`Value`,'integer')"},
+    {"fits_number", "fits(`Value`,'real decimal-comma')"},
+    {"fits_date", "fits(`Value`,'date day-first')"},
+    {"is_date", "isdate(`Value`)"},
+    {"luhn", "isluhn(`Value`)"},
+    {"ean", "isean(`Value`)"},
+    {"iban", "isiban(`Value`)"},
+    {"split", "split(`Value`,'-',2) == '017'"},
+    {"initcap", "initcap(`Value`) == `Value`"},
+    {"reverse", "reverse(`Value`) > '7'"},
+    {"unaccent", "unaccent(`Value`) != `Value`"},
+    {"extract", "regexp_extract(`Value`,'-(\\d+)',1) == '017'"},
+    {"replace_regular", "regexp_replace(`Value`,'[0-9]+','') == 'K-'"},
+    {"edit_distance", "editdistance(`Value`,'Abc 5') < 2"},
+    {"jaro_winkler", "jarowinkler(`Value`,'Abc 5') > 0.9"},
+    {"soundex", "soundex(`Value`) == 'A120'"},
+    {"number_of_number", "tonumber(`Value`) > 50000", Values::Numbers},
+    {"cell_above", "`Value` > 50000", Values::Numbers, Columns::Typed},
+    {"cell_above_mixed", "`Value` > 50000000", Values::Mixed, Columns::Typed},
+    {"cell_between", "`Value` between 20000 and 30000", Values::Numbers, Columns::Typed},
+    {"cell_listed", "`Value` in (5, 7, 13, 26)", Values::Mixed, Columns::Typed},
+    {"cell_of_count", "`Value` > `Count`", Values::Numbers, Columns::Typed},
+    {"cell_pair", "`Value` <= `Value`", Values::Numbers, Columns::Typed},
+    {"to_date", "todate(`Value`) > todate('2010-01-01')", Values::Dates},
+    {"year_of_date", "year(todate(`Value`)) == 2020", Values::Dates},
+    {"month", "month(todate(`Value`)) == 2", Values::Dates},
+    {"quarter", "quarter(todate(`Value`)) == 2", Values::Dates},
+    {"weekday", "weekday(todate(`Value`)) > 5", Values::Dates},
+    {"hour", "hour(todate(`Value`)) < 6", Values::Dates},
+    {"days_ago", "datediff(todate(`Value`), todate('2026-11-22')) < 365", Values::Dates},
+    {"months_ago", "datediff(todate(`Value`), todate('2026-11-22'), 'month') < 12", Values::Dates},
+    {"month_begins", "startof(todate(`Value`), 'month') == todate('2020-05-01')", Values::Dates},
+    {"last_day", "lastday(todate(`Value`)) == todate('2020-05-31')", Values::Dates},
+});
 
 } // namespace
 } // namespace tavix::expression
@@ -194,7 +243,8 @@ int main(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;
     for (const auto& one : tavix::expression::kCases)
-        benchmark::RegisterBenchmark(one.name, tavix::expression::filter, one.text)->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark(one.name, tavix::expression::filter, one.text, one.values, one.columns)
+            ->Unit(benchmark::kMillisecond);
     benchmark::RunSpecifiedBenchmarks();
     return 0;
 }

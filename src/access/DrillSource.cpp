@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <numeric>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -104,11 +105,13 @@ Status addCondition(const DrillTable& table, DrillSource& source) {
     for (const std::string& name : source.reader->columnNames())
         fields.push_back({name, expression::Type::Text});
     const expression::Compiled compiled =
-        expression::compile(table.filter, fields, expression::Wanted::Condition, table.now);
+        expression::compile(table.filter, fields, expression::Wanted::Condition, table.now, table.columnsInFilter);
     if (!compiled.ok())
         return Error{
             fmt::format("The condition of the table \"{}\": {}", table.name, expression::describe(compiled.error))};
-    source.tests.push_back(makeConditionTest(*compiled.program));
+    std::vector<std::size_t> columns(fields.size());
+    std::iota(columns.begin(), columns.end(), std::size_t{0});
+    source.tests.push_back(makeConditionTest(*compiled.program, columns));
     return {};
 }
 
@@ -118,6 +121,8 @@ std::unique_ptr<RowTest> cellTest(std::size_t column, const WantedRows& wanted) 
         return makeNullTest(column);
     case WantedRows::Kind::Pattern:
         return makePatternTest(column, wanted.text);
+    case WantedRows::Kind::Condition:
+        return makeConditionTest(*wanted.condition, std::vector{column});
     case WantedRows::Kind::Value:
         break;
     }
@@ -273,7 +278,7 @@ Result<DrillSource> openTextFile(const DrillTable& table, const WantedRows& want
     return source;
 }
 
-/// The engine finds the rows with a value or null; patterns are tested here.
+/// The engine finds the rows with a value or null; patterns and conditions are tested here.
 Result<DrillSource> openDatabase(const DrillTable& table, const WantedRows& wanted, const source::AskCredentials& ask,
                                  const source::KeepGoing& keepGoing) {
     const DrillTable::Database& database = *table.database;
@@ -299,8 +304,8 @@ Result<DrillSource> openDatabase(const DrillTable& table, const WantedRows& want
     std::optional<std::string> value;
     if (wanted.kind == WantedRows::Kind::Value)
         value = wanted.text;
-    const source::SqlText statement =
-        wanted.kind == WantedRows::Kind::Pattern ? found->rows() : found->matches(*column, value);
+    const bool isFoundByEngine = wanted.kind == WantedRows::Kind::Value || wanted.kind == WantedRows::Kind::Null;
+    const source::SqlText statement = isFoundByEngine ? found->matches(*column, value) : found->rows();
     auto reader =
         source::OdbcReader::open(*source.connection, statement, found->columns(), found->columnNames(), keepGoing);
     if (!reader)

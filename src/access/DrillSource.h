@@ -21,12 +21,14 @@ namespace tavix {
 /// Which rows of a field's table to read.
 struct WantedRows {
     enum class Kind {
-        Value,   ///< the field has this text
-        Null,    ///< the field is null
-        Pattern, ///< the field is a text of this pattern
+        Value,     ///< the field has this text
+        Null,      ///< the field is null
+        Pattern,   ///< the field is a text of this pattern
+        Condition, ///< a condition over `Value`, the field, is true
     };
     Kind kind = Kind::Value;
-    std::string text; ///< meaningless for Null
+    std::string text; ///< of a value or pattern
+    std::optional<expression::Program> condition{};
 };
 
 /// Where the rows of a table come from, as a run recorded it.
@@ -69,6 +71,8 @@ struct DrillTable {
     std::vector<Column> columns;
     std::string filter;   ///< the condition of a filtered table, else empty
     std::int64_t now = 0; ///< what now() means in it: the start of the run
+    /// What columns are in it: Texts in runs of older versions.
+    expression::Columns columnsInFilter = expression::Columns::Texts;
     std::optional<TextFile> file;
     std::optional<Database> database;
     bool isSampled = false; ///< the run counted only some of the rows

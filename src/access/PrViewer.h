@@ -15,6 +15,7 @@ namespace tavix {
 class Clock;
 class PrViewDisplayMessage;
 class OrvintaPatternGen;
+struct TableSource;
 
 /// How a text file was read; the result of getTextFileInfo.
 struct TextFileInfo {
@@ -104,6 +105,8 @@ class PrViewer {
                           KvbString& object, char& kind, KvbString& field, KvbString& query, int& tableId,
                           KvbString& filter);
     bool getTextFileInfo(int tableId, TextFileInfo& info);
+    /// Of a table with fields. Fails if the run does not say where the rows came from.
+    bool getTableSource(int tableId, TableSource& source);
     [[nodiscard]] ProfileCursorHandle getTextFileFieldInfo(int tableId);
 
     // Collections of fields, across all jobs of the repository. A field's metrics are those of the current run if it
@@ -150,7 +153,7 @@ class PrViewer {
     [[nodiscard]] ProfileCursorHandle getTypeBreakdown(int fieldId);
     /// How many values are written in which form, the form with the most rows first.
     [[nodiscard]] ProfileCursorHandle getTypeForms(int fieldId);
-    /// A row for each field of the table that was examined.
+    /// A row for each field of the table that was examined, in the current run or else the latest one with the table.
     [[nodiscard]] ProfileCursorHandle getFitReadings(int tableId);
     /// Of the current run, the likeliest first, then by rows; those that were dismissed are among them.
     [[nodiscard]] ProfileCursorHandle getFindings();
@@ -270,6 +273,9 @@ class PrViewer {
     /// the run.
     [[nodiscard]] PrViewerDrillCursorHandle drillDown(int fieldId, const KvbString& value, bool isPattern,
                                                       PrViewDisplayMessage* sink, OrvintaPatternGen* patterns);
+    /// The rows whose value in the field meets a condition over `Value`, written as a filter of its distribution.
+    [[nodiscard]] PrViewerDrillCursorHandle drillDownWhere(int fieldId, const KvbString& condition,
+                                                           PrViewDisplayMessage* sink);
     /// The rows with a value, from index `first` on, which counts from 0. Null as above.
     [[nodiscard]] ProfileCursorHandle drillDownMatch(int fieldId, const KvbString& value, PrViewDisplayMessage* sink,
                                                      int first);

@@ -1,12 +1,17 @@
 #include "access/DrillSource.h"
+#include "access/FilterCode.h"
 #include "access/PrViewDisplayMessage.h"
 #include "access/PrViewerImpl.h"
 #include "access/SourceRowCursors.h"
+#include "access/TableSource.h"
 #include "repository/DistributionStore.h"
+#include "repository/ExaminationStore.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
+#include <functional>
 #include <limits>
 #include <utility>
 
@@ -54,6 +59,9 @@ constexpr std::int64_t kFormsSince = 6;
 constexpr std::string_view kColumnsOfTable =
     "SELECT f.name, rf.type_code FROM run_field rf JOIN field f ON f.id = rf.field "
     "WHERE rf.run = ?1 AND rf.table_id = ?2 ORDER BY rf.position";
+
+constexpr std::string_view kIsTypedRun =
+    "SELECT EXISTS (SELECT 1 FROM run_examination WHERE run = ?1 AND expressions = ?2)";
 
 constexpr std::string_view kNulls = "SELECT COALESCE(null_count, 0) FROM run_field WHERE run = ?1 AND field = ?2";
 // Minimum length 0 means that one of the texts is empty.
@@ -158,12 +166,28 @@ Status PrViewer::Impl::readFiles(int ofRun, int table, DrillTable::TextFile& fil
     return {};
 }
 
+Result<expression::Columns> PrViewer::Impl::columnsInConditions(int ofRun) const {
+    const auto version = connection().schemaVersion();
+    if (!version)
+        return version.error();
+    if (*version < repository::kFirstExamined)
+        return expression::Columns::Texts;
+    const auto isTyped = integer(kIsTypedRun, {ofRun, repository::kTypedExpressions}, {});
+    if (!isTyped)
+        return isTyped.error();
+    return *isTyped != 0 ? expression::Columns::Typed : expression::Columns::Texts;
+}
+
 Result<DrillTable> PrViewer::Impl::drillTable(int ofRun, int field) const {
     DrillTable table;
     const auto started = startOf(ofRun);
     if (!started)
         return started.error();
     table.now = *started;
+    const auto columns = columnsInConditions(ofRun);
+    if (!columns)
+        return columns.error();
+    table.columnsInFilter = *columns;
     {
         const auto row = tableOfField(ofRun, field);
         if (!row)
@@ -181,13 +205,13 @@ Result<DrillTable> PrViewer::Impl::drillTable(int ofRun, int field) const {
     if (table.file)
         if (Status status = readFiles(ofRun, table.id, *table.file); !status)
             return status.error();
-    auto columns = bound(kColumnsOfTable, {ofRun, table.id});
-    if (!columns)
-        return columns.error();
+    auto fields = bound(kColumnsOfTable, {ofRun, table.id});
+    if (!fields)
+        return fields.error();
     for (;;) {
-        switch (columns->step()) {
+        switch (fields->step()) {
         case sql::Step::Row:
-            table.columns.push_back({std::string(columns->text(0)), typeOf(columns->text(1))});
+            table.columns.push_back({std::string(fields->text(0)), typeOf(fields->text(1))});
             break;
         case sql::Step::Done:
             return table;
@@ -212,20 +236,26 @@ Result<WantedRows> PrViewer::Impl::wantedRows(int ofRun, int field, const KvbStr
     return WantedRows{WantedRows::Kind::Value, value.str()};
 }
 
-Result<SourceRows> PrViewer::Impl::sourceRows(int field, const KvbString& value, bool isPattern,
+Result<WantedRows> PrViewer::Impl::wantedByCondition(int ofRun, const KvbString& condition) const {
+    const auto started = startOf(ofRun);
+    if (!started)
+        return started.error();
+    const std::array<expression::Field, 1> fields{expression::Field{"Value"}};
+    expression::Compiled compiled =
+        expression::compile(codeOf(condition.view()).text, fields, expression::Wanted::Condition, *started);
+    if (!compiled.ok())
+        return Error{expression::describe(compiled.error)};
+    return WantedRows{WantedRows::Kind::Condition, {}, std::move(compiled.program)};
+}
+
+Result<SourceRows> PrViewer::Impl::sourceRows(int ofRun, int field, const WantedRows& wanted,
                                               PrViewDisplayMessage* sink) {
     missingSource.reset();
-    const auto ofRun = runOfField(field);
-    if (!ofRun)
-        return ofRun.error();
-    auto table = drillTable(*ofRun, field);
+    auto table = drillTable(ofRun, field);
     if (!table)
         return table.error();
-    const auto wanted = wantedRows(*ofRun, field, value, isPattern);
-    if (!wanted)
-        return wanted.error();
-    if (wanted->kind == WantedRows::Kind::Value && table->file) {
-        auto ranges = repository::findRanges(connection(), {*ofRun, table->id, field}, wanted->text);
+    if (wanted.kind == WantedRows::Kind::Value && table->file) {
+        auto ranges = repository::findRanges(connection(), {ofRun, table->id, field}, wanted.text);
         if (!ranges)
             return ranges.error();
         table->file->ranges = std::move(ranges).value();
@@ -236,13 +266,24 @@ Result<SourceRows> PrViewer::Impl::sourceRows(int field, const KvbString& value,
     source::KeepGoing keepGoing;
     if (sink)
         keepGoing = [sink, name = table->name] { return sink->progress("Reading " + name, 0, 0); };
-    auto source = openDrillSource(*table, *wanted, askCredentials, keepGoing);
+    auto source = openDrillSource(*table, wanted, askCredentials, keepGoing);
     if (!source) {
         if (table->file)
             missingSource = missingFile(*table->file);
         return source.error();
     }
     return SourceRows(std::move(source).value(), sink);
+}
+
+PrViewerDrillCursorHandle PrViewer::Impl::openRows(int field, PrViewDisplayMessage* sink,
+                                                   const std::function<Result<WantedRows>(int ofRun)>& wantedOf) {
+    const auto ofRun = runOfField(field);
+    const auto wanted = ofRun ? wantedOf(*ofRun) : Result<WantedRows>(ofRun.error());
+    auto rows = wanted ? sourceRows(*ofRun, field, *wanted, sink) : Result<SourceRows>(wanted.error());
+    if (rows)
+        return PrViewerDrillCursorHandle(new DrillRowCursor(std::move(rows).value()));
+    fail(rows.error());
+    return nullptr;
 }
 
 void PrViewer::setSourceCredentials(source::AskCredentials ask) {
@@ -271,19 +312,54 @@ bool PrViewer::getDrilldownInfo(int fieldId, KvbString& dataSource, KvbString& c
     return true;
 }
 
+bool PrViewer::getTableSource(int tableId, TableSource& source) {
+    if (auto ready = m_impl->requireTable(tableId); !ready)
+        return m_impl->fail(ready.error());
+    const auto field =
+        m_impl->integer("SELECT field FROM run_field WHERE run = ?1 AND table_id = ?2 ORDER BY position LIMIT 1",
+                        {m_impl->run, tableId}, "The table has no fields.");
+    if (!field)
+        return m_impl->fail(field.error());
+    auto table = m_impl->drillTable(m_impl->run, static_cast<int>(*field));
+    if (!table)
+        return m_impl->fail(table.error());
+    source = {};
+    if (table->database) {
+        source.connection = table->database->connection;
+        source.user = table->database->user;
+        return true;
+    }
+    if (!table->file)
+        return m_impl->fail({fmt::format("The run does not say from where the rows of \"{}\" came.", table->name)});
+    if (Status placed = m_impl->placeFiles(*table->file); !placed)
+        return m_impl->fail(placed.error());
+    source.hasHeader = table->file->hasHeader;
+    source.quote = table->file->quote;
+    for (const DrillTable::TextFile::File& file : table->file->files)
+        source.files.push_back({file.currentPath, file.delimiter.value_or('\0'), file.encoding});
+    return true;
+}
+
 PrViewerDrillCursorHandle PrViewer::drillDown(int fieldId, const KvbString& value, bool isPattern,
                                               PrViewDisplayMessage* sink, OrvintaPatternGen*) {
-    auto rows = m_impl->sourceRows(fieldId, value, isPattern, sink);
-    if (!rows) {
-        m_impl->fail(rows.error());
-        return nullptr;
-    }
-    return PrViewerDrillCursorHandle(new DrillRowCursor(std::move(rows).value()));
+    return m_impl->openRows(fieldId, sink,
+                            [&](int ofRun) { return m_impl->wantedRows(ofRun, fieldId, value, isPattern); });
+}
+
+PrViewerDrillCursorHandle PrViewer::drillDownWhere(int fieldId, const KvbString& condition,
+                                                   PrViewDisplayMessage* sink) {
+    return m_impl->openRows(fieldId, sink, [&](int ofRun) { return m_impl->wantedByCondition(ofRun, condition); });
 }
 
 ProfileCursorHandle PrViewer::drillDownMatch(int fieldId, const KvbString& value, PrViewDisplayMessage* sink,
                                              int first) {
-    auto rows = m_impl->sourceRows(fieldId, value, false, sink);
+    const auto ofRun = m_impl->runOfField(fieldId);
+    if (!ofRun)
+        return m_impl->failCursor(ofRun.error());
+    const auto wanted = m_impl->wantedRows(*ofRun, fieldId, value, false);
+    if (!wanted)
+        return m_impl->failCursor(wanted.error());
+    auto rows = m_impl->sourceRows(*ofRun, fieldId, *wanted, sink);
     if (!rows)
         return m_impl->failCursor(rows.error());
     return ProfileCursorHandle(new MatchRowCursor(std::move(rows).value(), std::max(first, 0)));

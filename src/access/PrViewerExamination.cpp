@@ -59,8 +59,11 @@ ProfileCursorHandle PrViewer::getTypeForms(int fieldId) {
 ProfileCursorHandle PrViewer::getFitReadings(int tableId) {
     static const Query kQuery("getFitReadings",
                               "FROM run_field rf JOIN type_breakdown b ON b.run = rf.run AND b.field = rf.field "
-                              "WHERE rf.run = ?1 AND rf.table_id = ?2 ORDER BY rf.position");
-    return m_impl->openExamined(m_impl->requireTable(tableId), kQuery, {m_impl->run, tableId});
+                              "WHERE rf.table_id = ?2 AND rf.run = COALESCE((SELECT run FROM run_table WHERE run = ?1 "
+                              "AND table_id = ?2), (SELECT MAX(run) FROM run_table WHERE table_id = ?2)) "
+                              "ORDER BY rf.position");
+    return m_impl->openExamined(m_impl->requireExisting("SELECT 1 FROM profiled_table WHERE id = ?1", tableId, "table"),
+                                kQuery, {m_impl->run, tableId});
 }
 
 ProfileCursorHandle PrViewer::getFindings() {

@@ -128,10 +128,17 @@ struct PrViewer::Impl {
     [[nodiscard]] Result<sql::Statement> tableOfField(int ofRun, int field) const;
     /// Reads the list of files and how they were quoted, if the repository stores it.
     Status readFiles(int ofRun, int table, DrillTable::TextFile& file) const;
+    /// What columns are in the conditions of a run.
+    [[nodiscard]] Result<expression::Columns> columnsInConditions(int ofRun) const;
     [[nodiscard]] Result<DrillTable> drillTable(int ofRun, int field) const;
     [[nodiscard]] Result<WantedRows> wantedRows(int ofRun, int field, const KvbString& value, bool isPattern) const;
-    [[nodiscard]] Result<SourceRows> sourceRows(int field, const KvbString& value, bool isPattern,
+    /// The rows whose value meets a condition over `Value`, as the code of a filter.
+    [[nodiscard]] Result<WantedRows> wantedByCondition(int ofRun, const KvbString& condition) const;
+    [[nodiscard]] Result<SourceRows> sourceRows(int ofRun, int field, const WantedRows& wanted,
                                                 PrViewDisplayMessage* sink);
+    /// Null on failure.
+    [[nodiscard]] PrViewerDrillCursorHandle openRows(int field, PrViewDisplayMessage* sink,
+                                                     const std::function<Result<WantedRows>(int ofRun)>& wantedOf);
     /// Sets the current paths of the files.
     Status placeFiles(DrillTable::TextFile& source) const;
     /// The first of them that is not at its current path.

@@ -40,11 +40,11 @@ std::string_view textOf(const Cell& cell) {
 
 class ConditionTest final : public RowTest {
   public:
-    explicit ConditionTest(const expression::Program& condition)
-        : m_evaluator(condition), m_views(condition.fields().size()) {
+    ConditionTest(const expression::Program& condition, const std::vector<std::size_t>& columns)
+        : m_evaluator(condition), m_views(columns.size()) {
         for (std::size_t field = 0; field < m_views.size(); ++field)
             if (condition.uses(field))
-                m_columns.push_back({field, {}, {}, {}});
+                m_columns.push_back({field, columns[field], {}, {}, {}});
     }
 
     void narrow(const source::RowBlock& block, std::vector<std::uint32_t>& rows,
@@ -61,7 +61,8 @@ class ConditionTest final : public RowTest {
 
   private:
     struct Column {
-        std::size_t place = 0;
+        std::size_t field = 0;  ///< of the condition
+        std::size_t column = 0; ///< of the source
         std::string bytes;
         std::vector<std::uint32_t> ends;
         std::vector<std::uint8_t> nulls;
@@ -78,7 +79,7 @@ class ConditionTest final : public RowTest {
         std::size_t taken = 0;
         for (std::size_t bytes = 0; taken < most && (taken == 0 || bytes < kBytesAtOnce); ++taken) {
             for (Column& column : m_columns) {
-                const Cell& cell = block.columns[column.place][rows[taken]];
+                const Cell& cell = block.columns[column.column][rows[taken]];
                 if (!cell.isNull)
                     column.bytes.append(cell.data, cell.size);
                 column.ends.push_back(static_cast<std::uint32_t>(column.bytes.size()));
@@ -87,13 +88,13 @@ class ConditionTest final : public RowTest {
             }
         }
         for (const Column& column : m_columns)
-            m_views[column.place] = {column.bytes, column.ends, {}, column.nulls};
+            m_views[column.field] = {column.bytes, column.ends, {}, column.nulls};
         return taken;
     }
 
     expression::BlockEvaluator m_evaluator;
     std::vector<Column> m_columns;
-    std::vector<expression::BlockColumn> m_views; ///< one for each column of the source
+    std::vector<expression::BlockColumn> m_views; ///< one for each field of the condition
 };
 
 } // namespace
@@ -119,8 +120,9 @@ std::unique_ptr<RowTest> makePatternTest(std::size_t column, std::string pattern
     return std::make_unique<CellTest<decltype(test)>>(column, std::move(test));
 }
 
-std::unique_ptr<RowTest> makeConditionTest(const expression::Program& condition) {
-    return std::make_unique<ConditionTest>(condition);
+std::unique_ptr<RowTest> makeConditionTest(const expression::Program& condition,
+                                           const std::vector<std::size_t>& columns) {
+    return std::make_unique<ConditionTest>(condition, columns);
 }
 
 } // namespace tavix

@@ -28,8 +28,9 @@ class RowTest {
 [[nodiscard]] std::unique_ptr<RowTest> makeValueTest(std::size_t column, std::string value);
 /// Rows whose cell is a text with this character pattern, in its full form.
 [[nodiscard]] std::unique_ptr<RowTest> makePatternTest(std::size_t column, std::string pattern);
-/// Rows that pass a condition over the source's columns. Rows for which it cannot be evaluated do not pass, as in a
-/// run.
-[[nodiscard]] std::unique_ptr<RowTest> makeConditionTest(const expression::Program& condition);
+/// Rows that pass a condition; `columns` gives the source's column for each of its fields. Rows for which it cannot be
+/// evaluated do not pass, as in a run.
+[[nodiscard]] std::unique_ptr<RowTest> makeConditionTest(const expression::Program& condition,
+                                                         const std::vector<std::size_t>& columns);
 
 } // namespace tavix

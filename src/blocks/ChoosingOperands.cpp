@@ -165,6 +165,7 @@ OperandPtr makeChoosing(const Node& node) {
     case NodeKind::And:
     case NodeKind::Or:
     case NodeKind::Compare:
+    case NodeKind::CompareCell:
     case NodeKind::InList:
     case NodeKind::IsNull:
         return std::make_unique<ConditionOperand>(node);

@@ -85,7 +85,7 @@ class NumberListPredicate : public Predicate {
 /// A list with members that are not constant.
 class ListPredicate : public Predicate {
   public:
-    explicit ListPredicate(const Node& node) {
+    explicit ListPredicate(const Node& node) : m_node(node) {
         for (const NodePtr& child : node.children)
             m_operands.push_back(makeOperand(*child));
     }
@@ -98,16 +98,18 @@ class ListPredicate : public Predicate {
         rows.keepIf([&](std::uint32_t row) {
             const Value subject = m_columns.front()->at(row);
             bool sawNull = false;
-            const bool isFound = std::any_of(m_columns.begin() + 1, m_columns.end(), [&](const Vector* column) {
-                const Value member = column->at(row);
+            bool isFound = false;
+            for (std::size_t i = 1; i < m_columns.size() && !isFound; ++i) {
+                const Value member = m_columns[i]->at(row);
                 sawNull = sawNull || member.isNull();
-                return !member.isNull() && compareValues(subject, member) == 0;
-            });
+                isFound = !member.isNull() && isMember(m_node, i, subject, member);
+            }
             return wanted ? isFound : !isFound && !sawNull;
         });
     }
 
   private:
+    const Node& m_node;
     std::vector<OperandPtr> m_operands;
     std::vector<const Vector*> m_columns;
 };
@@ -135,7 +137,10 @@ bool hasFixedMembers(const Node& node) {
 
 PredicatePtr makePlainListTest(const Node& node) {
     const Node& subject = node.child(0);
-    if (!subject.isConstant()) {
+    if (node.hasCells) {
+        if (PredicatePtr test = makeCellListTest(node))
+            return test;
+    } else if (!subject.isConstant()) {
         if (subject.type == Type::Text && node.hasList)
             return std::make_unique<TextListPredicate>(node);
         if (subject.type == Type::Real && hasFixedMembers(node))

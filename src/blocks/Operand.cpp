@@ -266,7 +266,8 @@ OperandPtr makeOperand(const Node& node) {
     case NodeKind::Convert:
         return std::make_unique<ConvertOperand>(node);
     case NodeKind::Call:
-        for (const auto make : {makeTextOperand, makeMeasuredCut, makeBuiltText, makeNumberFunction, makeChoosing}) {
+        for (const auto make : {makeTextOperand, makeMeasuredCut, makeTextPart, makeBuiltText, makeNumberFunction,
+                                makeDateFunction, makeChoosing}) {
             if (OperandPtr special = make(node))
                 return special;
         }

@@ -74,6 +74,10 @@ class Results {
 [[nodiscard]] OperandPtr makeBuiltText(const Node& node);
 /// Functions of one number, max() and min(); null when the node is not such a call.
 [[nodiscard]] OperandPtr makeNumberFunction(const Node& node);
+/// Functions of dates; null when the node is not such a call.
+[[nodiscard]] OperandPtr makeDateFunction(const Node& node);
+/// Functions that find a part of a text, or none; null when the node is not such a call.
+[[nodiscard]] OperandPtr makeTextPart(const Node& node);
 [[nodiscard]] OperandPtr makeArithmetic(const Node& node);
 /// Operators that choose among values: if, coalesce, nullif, and conditions as values; null for other nodes.
 [[nodiscard]] OperandPtr makeChoosing(const Node& node);

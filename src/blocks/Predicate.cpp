@@ -210,6 +210,8 @@ PredicatePtr makePlainPredicate(const Node& node) {
         return std::make_unique<NullPredicate>(node);
     case NodeKind::Compare:
         return makeComparison(node);
+    case NodeKind::CompareCell:
+        return makeCellComparison(node);
     default:
         break;
     }

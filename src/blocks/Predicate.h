@@ -27,6 +27,10 @@ using PredicatePtr = std::unique_ptr<Predicate>;
 
 /// For a comparison.
 [[nodiscard]] PredicatePtr makeComparison(const Node& node);
+/// For a comparison of a text field by what its cells are.
+[[nodiscard]] PredicatePtr makeCellComparison(const Node& node);
+/// For a list whose members are constants, and whose subject is a text field that is compared so.
+[[nodiscard]] PredicatePtr makeCellListTest(const Node& node);
 /// Combines two adjacent children of an "and" or "or" into one operator that reads the rows once; null when that is not
 /// possible.
 [[nodiscard]] PredicatePtr makeRange(const Node& first, const Node& second, bool isAnd);

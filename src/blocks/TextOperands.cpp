@@ -1,3 +1,4 @@
+#include "base/Ascii.h"
 #include "blocks/AdjacentResults.h"
 #include "blocks/RowCalls.h"
 #include "expression/ByteSearch.h"
@@ -11,6 +12,13 @@
 namespace tavix::expression {
 
 namespace {
+
+/// Bytes of the texts.
+std::size_t sizeOf(const Vector& source, const RowSet& rows) {
+    std::size_t size = 0;
+    withTexts(source, [&](auto texts) { rows.forEach([&](std::uint32_t row) { size += texts[row].size(); }); });
+    return size;
+}
 
 /// lower() and upper(). Maps a block of ASCII texts at once.
 class MappedOperand : public Operand {
@@ -31,11 +39,6 @@ class MappedOperand : public Operand {
     }
 
   private:
-    [[nodiscard]] static std::size_t sizeOf(const Vector& source, const RowSet& rows) {
-        std::size_t size = 0;
-        withTexts(source, [&](auto texts) { rows.forEach([&](std::uint32_t row) { size += texts[row].size(); }); });
-        return size;
-    }
     /// For ASCII texts in any form.
     const Vector& mapEach(const Vector& source, std::size_t size, const Frame& frame, const RowSet& rows) {
         m_adjacent.begin(frame.rows(), size);
@@ -63,6 +66,58 @@ class MappedOperand : public Operand {
     std::vector<char> m_bytes;
     Vector m_block;
     AdjacentResults m_adjacent;
+    RowCalls m_rowByRow; ///< for texts that are not ASCII, and for large ones
+};
+
+/// unaccent(), reverse() and initcap(), which are simple for ASCII texts.
+class AsciiOperand : public Operand {
+  public:
+    explicit AsciiOperand(const Node& node)
+        : m_isReverse(isCallOf(node, "reverse")),
+          m_isUnaccent(isCallOf(node, "unaccent")),
+          m_source(makeOperand(node.child(0))),
+          m_rowByRow(node) {}
+
+    const Vector& evaluate(Frame& frame, const RowSet& rows) override {
+        const Vector& source = m_source->evaluate(frame, rows);
+        if (source.isAscii()) {
+            if (m_isUnaccent)
+                return source;
+            const std::size_t size = sizeOf(source, rows);
+            if (frame.takeAdjacent(size))
+                return mapEach(source, size, frame, rows);
+        }
+        const std::array<const Vector*, 1> arguments{&source};
+        return m_rowByRow.evaluate(frame, rows, arguments);
+    }
+
+  private:
+    const Vector& mapEach(const Vector& source, std::size_t size, const Frame& frame, const RowSet& rows) {
+        m_results.begin(frame.rows(), size);
+        withTexts(source, [&](auto texts) {
+            m_results.makeEach(rows, [&](std::uint32_t row) {
+                const std::string_view text = texts[row];
+                char* const to = m_results.extend(text.size());
+                if (m_isReverse)
+                    std::reverse_copy(text.begin(), text.end(), to);
+                else
+                    capitalize(text, to);
+            });
+        });
+        return m_results.vector(source.nulls, true);
+    }
+    static void capitalize(std::string_view text, char* to) {
+        bool isInWord = false;
+        for (const char c : text) {
+            *to++ = isInWord ? asciiLower(c) : asciiUpper(c);
+            isInWord = isAsciiLetter(c) || isAsciiDigit(c);
+        }
+    }
+
+    bool m_isReverse;
+    bool m_isUnaccent;
+    OperandPtr m_source;
+    AdjacentResults m_results;
     RowCalls m_rowByRow; ///< for texts that are not ASCII, and for large ones
 };
 
@@ -220,6 +275,8 @@ OperandPtr makeTextOperand(const Node& node) {
         return nullptr;
     if (isCallOf(node, "lower") || isCallOf(node, "upper"))
         return std::make_unique<MappedOperand>(node);
+    if (isCallOf(node, "unaccent") || isCallOf(node, "reverse") || isCallOf(node, "initcap"))
+        return std::make_unique<AsciiOperand>(node);
     if (isCallOf(node, "length"))
         return std::make_unique<LengthOperand>(text);
     if (isCallOf(node, "trim"))

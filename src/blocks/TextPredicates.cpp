@@ -1,8 +1,14 @@
+#include "base/Ascii.h"
+#include "base/DateTicks.h"
 #include "blocks/Operand.h"
 #include "blocks/Predicate.h"
 #include "expression/ByteSearch.h"
+#include "expression/CheckDigits.h"
+#include "expression/NumberReader.h"
 #include "expression/TextOperators.h"
+#include "forms/Reading.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -124,10 +130,40 @@ class MatchPredicate : public Predicate {
     bool m_isWorthSearching; ///< a single byte occurs in too many texts
 };
 
+/// fits(). Most values of a field of numbers are plain digits, which need no closer look.
+class FitTest {
+  public:
+    explicit FitTest(const forms::Reading& reading)
+        : m_reading(reading),
+          m_fitsDigits((reading.type == FieldType::Integer || reading.type == FieldType::Real) && reading.fits("12")) {}
+
+    bool operator()(std::string_view text) const { return (m_fitsDigits && isPlain(text)) || m_reading.fits(text); }
+
+  private:
+    static bool isPlain(std::string_view text) {
+        constexpr std::size_t kMost = 15;
+        return !text.empty() && text.size() <= kMost && (text.front() != '0' || text.size() == 1) &&
+               std::ranges::all_of(text, isAsciiDigit);
+    }
+
+    forms::Reading m_reading;
+    bool m_fitsDigits;
+};
+
 PredicatePtr makeUnaryTest(const Node& node) {
     const Node& text = node.child(0);
     if (isCallOf(node, "isnumber"))
         return makeEach(text, isNumberText);
+    if (isCallOf(node, "isinteger"))
+        return makeEach(text, [](std::string_view whole) { return numberOfText(whole).type == Type::Integer; });
+    if (isCallOf(node, "isdate"))
+        return makeEach(text, [](std::string_view whole) { return parseDate(whole).has_value(); });
+    if (isCallOf(node, "isean"))
+        return makeEach(text, check_digits::isEan);
+    if (isCallOf(node, "isiban"))
+        return makeEach(text, check_digits::isIban);
+    if (isCallOf(node, "isluhn"))
+        return makeEach(text, check_digits::isLuhn);
     if (isCallOf(node, "isblank"))
         return makeEach(text, isBlank);
     if (isCallOf(node, "has_control_chars"))
@@ -154,6 +190,8 @@ PredicatePtr makeTextTest(const Node& node) {
         return std::make_unique<ContainsPredicate>(text, part);
     if (isCallOf(node, "starts_with"))
         return makeEach(text, [part](std::string_view whole) { return whole.starts_with(part); });
+    if (isCallOf(node, "fits"))
+        return makeEach(text, FitTest(*forms::Reading::parse(part)));
     if (isCallOf(node, "ends_with"))
         return makeEach(text, [part](std::string_view whole) { return whole.ends_with(part); });
     return nullptr;

@@ -32,14 +32,22 @@ constexpr std::int64_t kExactRanks = 4096;
 constexpr std::size_t kPatternBars = 10;
 constexpr std::string_view kNoHistogram = "This run stored no histogram; profile again to see it.";
 
-/// A value as a position in a histogram of this kind.
-std::optional<double> positionOf(const KvbString& value, HistogramKind kind) {
+/// A value of the field, as it is written, as a position in a histogram of this kind.
+std::optional<double> positionOfValue(const KvbString& value, HistogramKind kind, const FieldRecord& field) {
     if (value.isNull())
         return std::nullopt;
     if (kind != HistogramKind::Dates)
-        return parseNumber(value.view());
-    const auto ticks = parseDate(value.view());
+        return field.fits ? fitNumber(*field.fits, value.view()) : parseNumber(value.view());
+    const auto ticks = field.fits ? fitTicks(*field.fits, value.view()) : parseDate(value.view());
     return ticks ? std::optional(static_cast<double>(*ticks) / static_cast<double>(kTicksPerSecond)) : std::nullopt;
+}
+
+/// The same of a figure, which may be computed.
+std::optional<double> positionOf(const KvbString& figure, HistogramKind kind, const FieldRecord& field) {
+    if (kind != HistogramKind::Dates && !figure.isNull())
+        if (const auto number = parseNumber(figure.view()))
+            return number;
+    return positionOfValue(figure, kind, field);
 }
 
 /// A computed number with about five digits, and all digits before the point.
@@ -67,7 +75,7 @@ ValueMarks readMarks(PrViewer& viewer, const FieldRecord& field, HistogramKind k
         const std::string interval = rows->getColumnValue(layout::PercentileInterval).str();
         const KvbString value = rows->getColumnValue(layout::PercentileValue);
         const auto mark = [&](std::optional<double>& position, std::string& text) {
-            position = positionOf(value, kind);
+            position = positionOf(value, kind, field);
             text = shownValue(value);
         };
         if (interval == "25%")
@@ -78,9 +86,13 @@ ValueMarks readMarks(PrViewer& viewer, const FieldRecord& field, HistogramKind k
             mark(marks.highQuartile, marks.highQuartileText);
     }
     const KvbString& mean = field.metrics[index(MetricId::Mean)];
-    if (kind == HistogramKind::Numbers && (marks.mean = positionOf(mean, kind)))
+    if (kind == HistogramKind::Numbers && (marks.mean = positionOf(mean, kind, field)))
         marks.meanText = shownValue(mean);
     return marks;
+}
+
+std::string baseOf(const FieldRecord& field) {
+    return field.fits ? fitSentence(*field.fits) : std::string();
 }
 
 std::string labelOf(const KvbString& value) {
@@ -113,7 +125,8 @@ FieldPicture readValues(PrViewer& viewer, const FieldRecord& field) {
     if (!*histogram)
         return {nullptr, std::string(kNoHistogram)};
     ValueMarks marks = readMarks(viewer, field, (*histogram)->kind);
-    return {std::make_unique<HistogramPicture>(std::move(**histogram), std::move(marks)), {}};
+    std::string base = (*histogram)->kind == HistogramKind::Lengths ? std::string() : baseOf(field);
+    return {std::make_unique<HistogramPicture>(std::move(**histogram), std::move(marks)), {}, std::move(base)};
 }
 
 FieldPicture readRanks(PrViewer& viewer, const FieldRecord& field) {
@@ -166,9 +179,10 @@ FieldPicture readPatterns(PrViewer& viewer, const FieldRecord& field) {
 
 /// The kind of histogram in which the field's values have a position; nothing for texts and truth values.
 std::optional<HistogramKind> positionKind(const FieldRecord& field) {
-    if (field.typeCode == "I" || field.typeCode == "R")
+    const std::string_view code = field.figureTypeCode();
+    if (code == "I" || code == "R")
         return HistogramKind::Numbers;
-    return field.typeCode == "D" ? std::optional(HistogramKind::Dates) : std::nullopt;
+    return code == "D" ? std::optional(HistogramKind::Dates) : std::nullopt;
 }
 
 FieldPicture readPercentiles(PrViewer& viewer, const FieldRecord& field) {
@@ -181,7 +195,7 @@ FieldPicture readPercentiles(PrViewer& viewer, const FieldRecord& field) {
         const std::string interval = rows->getColumnValue(layout::PercentileInterval).str();
         const KvbString text = rows->getColumnValue(layout::PercentileValue);
         const auto percent = parseNumber(std::string_view(interval).substr(0, interval.find('%')));
-        const auto value = positionOf(text, *kind);
+        const auto value = positionOf(text, *kind, field);
         const bool ascends =
             points.empty() || (percent && value && *percent > points.back().percent && *value >= points.back().value);
         if (percent && value && *percent >= 0 && *percent <= 100 && ascends)
@@ -189,7 +203,7 @@ FieldPicture readPercentiles(PrViewer& viewer, const FieldRecord& field) {
     }
     if (points.size() < 2)
         return {};
-    return {std::make_unique<QuantilePicture>(*kind, std::move(points)), {}};
+    return {std::make_unique<QuantilePicture>(*kind, std::move(points)), {}, baseOf(field)};
 }
 
 FieldPicture readOutliers(PrViewer& viewer, const FieldRecord& field) {
@@ -203,7 +217,7 @@ FieldPicture readOutliers(PrViewer& viewer, const FieldRecord& field) {
         list.push_back({labelOf(value),
                         rows->getColumnInt64(layout::OutlierCount),
                         rows->getColumnInt(layout::OutlierFence),
-                        kind ? positionOf(value, *kind) : std::nullopt,
+                        kind ? positionOfValue(value, *kind, field) : std::nullopt,
                         {ActionKind::DrillValue, value}});
     }
     if (lowest.empty() && highest.empty())
@@ -220,7 +234,8 @@ FieldPicture readOutliers(PrViewer& viewer, const FieldRecord& field) {
             quartiles = {*marks.lowQuartile, *marks.highQuartile};
     }
     return {std::make_unique<OutlierPicture>(std::move(lowest), std::move(highest), std::move(histogram), quartiles),
-            {}};
+            {},
+            baseOf(field)};
 }
 
 /// The result of `read`, or the failure that it throws.

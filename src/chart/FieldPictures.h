@@ -17,6 +17,7 @@ namespace tavix::chart {
 struct FieldPicture {
     std::unique_ptr<Picture> picture; ///< null without one
     std::string note;
+    std::string base{}; ///< over which values the figures are, as a sentence; "" for all
 };
 
 /// With so many distinct values or fewer, the values themselves are drawn.

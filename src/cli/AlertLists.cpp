@@ -30,7 +30,7 @@ std::string stateWord(const AlertState& alert) {
 }
 
 std::string conditionOf(const AlertState& alert) {
-    return alert.sentence.empty() ? std::string("Unable to retrieve alert properties") : alert.sentence;
+    return alert.sentence.empty() ? std::string("Unable to retrieve alert properties") : alert.condition();
 }
 
 } // namespace

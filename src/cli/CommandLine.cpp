@@ -10,6 +10,7 @@
 #include "cli/Console.h"
 #include "cli/DeleteHistoryCommand.h"
 #include "cli/FieldsCommand.h"
+#include "cli/FindingsCommand.h"
 #include "cli/FunctionsCommand.h"
 #include "cli/HelpFormatter.h"
 #include "cli/InspectCommand.h"
@@ -21,6 +22,7 @@
 #include "cli/RunsCommand.h"
 #include "cli/ShowCommand.h"
 #include "cli/Signals.h"
+#include "cli/SuggestCommand.h"
 #include "cli/TablesCommand.h"
 
 #include <CLI/App.hpp>
@@ -58,7 +60,7 @@ constexpr const char* kFooter =
     "\n"
     "\"tavix COMMAND --help\" describes a command.\n"
     "Results go to standard output, messages to standard error.\n"
-    "Exit codes: 0 success; 1 success, but an alert is raised (--fail-at); 2 wrong arguments or job file;\n"
+    "Exit codes: 0 success; 1 success, but an alert is raised or something is found (--fail-at); 2 wrong arguments or job file;\n"
     "3 a source, the repository or the output failed;\n"
     "4 cancelled, or the run was stored without its empty files.";
 
@@ -75,13 +77,22 @@ struct KnownCommand {
 };
 
 constexpr KnownCommand kCommands[] = {
-    {"inspect", make<InspectCommand>},     {"profile", make<ProfileCommand>},
-    {"jobs", make<JobsCommand>},           {"runs", make<RunsCommand>},
-    {"tables", make<TablesCommand>},       {"fields", make<FieldsCommand>},
-    {"show", make<ShowCommand>},           {"rows", make<RowsCommand>},
-    {"compare", make<CompareCommand>},     {"rules", make<RulesCommand>},
-    {"alerts", make<AlertsCommand>},       {"notes", make<NotesCommand>},
-    {"functions", make<FunctionsCommand>}, {"delete-history", make<DeleteHistoryCommand>},
+    {"inspect", make<InspectCommand>},
+    {"profile", make<ProfileCommand>},
+    {"jobs", make<JobsCommand>},
+    {"runs", make<RunsCommand>},
+    {"tables", make<TablesCommand>},
+    {"fields", make<FieldsCommand>},
+    {"show", make<ShowCommand>},
+    {"rows", make<RowsCommand>},
+    {"compare", make<CompareCommand>},
+    {"rules", make<RulesCommand>},
+    {"alerts", make<AlertsCommand>},
+    {"findings", make<FindingsCommand>},
+    {"notes", make<NotesCommand>},
+    {"suggest", make<SuggestCommand>},
+    {"functions", make<FunctionsCommand>},
+    {"delete-history", make<DeleteHistoryCommand>},
     {"check", make<CheckCommand>},
 };
 

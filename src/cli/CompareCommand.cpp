@@ -74,6 +74,21 @@ std::string_view wordOf(RunChange::Kind kind) {
     return "changed";
 }
 
+/// In which runs a metric is that of the values that fit a narrower type; null for one of all values.
+KvbDatavar wordOf(FigureBasis basis) {
+    switch (basis) {
+    case FigureBasis::Fits:
+        return "both";
+    case FigureBasis::FitsBefore:
+        return "before";
+    case FigureBasis::FitsAfter:
+        return "after";
+    case FigureBasis::AllValues:
+        break;
+    }
+    return {};
+}
+
 /// Writes the changes: in JSON and CSV as one list, in text as a list for each table and field.
 class ChangeList {
   public:
@@ -98,8 +113,10 @@ class ChangeList {
         row.insert(row.end(),
                    {isExact ? exact(change.before) : change.before, isExact ? exact(change.after) : change.after,
                     differenceOf(change), percent(change.percentBefore), percent(change.percentAfter)});
-        if (!m_isText)
+        if (!m_isText) {
             row.emplace_back(change.weight);
+            row.push_back(wordOf(change.basis));
+        }
         m_listing.row(row);
     }
 
@@ -124,6 +141,9 @@ class ChangeList {
 
     [[nodiscard]] KvbDatavar itemOf(const RunChange& change) const {
         using Subject = RunChange::Subject;
+        const std::string_view mark = basisMark(change.basis);
+        if (m_isText && !mark.empty())
+            return fmt::format("{} {}", change.item.view(), mark);
         if (!m_isText || !change.item.isNull())
             return change.item;
         if (change.subject == Subject::Value)
@@ -156,8 +176,10 @@ class ChangeList {
                                                        {"difference", "Difference", figure},
                                                        {"percent_before", "% before", number, kPercentPlaces},
                                                        {"percent_after", "% after", number, kPercentPlaces}});
-        if (!m_isText)
+        if (!m_isText) {
             section.columns.push_back({"weight", "Share", number});
+            section.columns.push_back({"fits", "Fits"});
+        }
         m_listing.begin(section);
         m_isOpen = true;
     }

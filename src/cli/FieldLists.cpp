@@ -11,6 +11,8 @@
 #include "cli/Signals.h"
 #include "filter/ExpressionCheck.h"
 #include "report/DistributionShare.h"
+#include "report/FieldBreakdown.h"
+#include "report/FitReadings.h"
 #include "report/ReportTables.h"
 
 #include <fmt/format.h>
@@ -57,8 +59,24 @@ Section metricsSection(const std::vector<const MetricInfo*>& metrics, bool isSam
         const int places = metric->value == MetricValue::Percent ? kPercentPlaces : -1;
         section.columns.push_back(
             {std::string(metric->key), std::move(title), kind, places, kind == Column::Kind::Number});
+        section.columns.back().isMarked = isOverFits(static_cast<int>(metric->id));
     }
     return section;
+}
+
+/// The columns that tell over which values the figures of a field are.
+void addFitColumns(Section& section) {
+    section.fitColumn = static_cast<int>(section.columns.size());
+    section.columns.insert(section.columns.end(), {{"fits", "Fits"},
+                                                   {"fit_rows", "Rows that fit", Column::Kind::Number},
+                                                   {"fit_of", "Of rows", Column::Kind::Number}});
+}
+
+void addFitCells(Row& row, const std::optional<FitFigures>& fits) {
+    if (fits)
+        row.insert(row.end(), {KvbDatavar(fits->reading), KvbDatavar(fits->rows), KvbDatavar(fits->of)});
+    else
+        row.resize(row.size() + 3);
 }
 
 /// ", a sample of 2 of 4 records"; "" for a whole table.
@@ -100,6 +118,11 @@ KvbDatavar percentCell(const DistributionShare& share, std::int64_t count) {
 
 Column percentColumn(const DistributionShare& share) {
     return {std::string(share.ColumnKey()), "% " + share.BaseText(), Column::Kind::Number, kPercentPlaces};
+}
+
+/// Follows the title of figures over the values that fit.
+std::string fitRemark(const std::optional<FitFigures>& fits) {
+    return fits ? std::string(kOverFits) + ", of " + fitValues(*fits) : std::string();
 }
 
 Column::Kind valueKind(const ChosenField& field) {
@@ -200,9 +223,13 @@ void listMetrics(Session& session, Listing& listing, const TableIdentity& table,
     const std::vector<const MetricInfo*> metrics = metricsOf(choice);
     Section section = metricsSection(metrics, table.isSample);
     section.title = fmt::format("Fields of {}{}", table.displayName(), sampleText(table));
+    addFitColumns(section);
     listing.begin(section);
-    for (const FieldRecord& field : readFields(session.viewer(), table.id))
-        listing.row(metricsRow(field, metrics));
+    for (const FieldRecord& field : readFields(session.viewer(), table.id)) {
+        Row row = metricsRow(field, metrics);
+        addFitCells(row, field.fits);
+        listing.row(row);
+    }
     listing.end();
 }
 
@@ -212,11 +239,68 @@ void listMetrics(Session& session, Listing& listing, const ChosenField& field) {
     section.title = titleOf("Metrics", field, kNoLimit, 0);
     section.isRecord = true;
     section.columns.push_back({"quantile_rule", "Quantile Rule"});
+    addFitColumns(section);
     listing.begin(section);
     const FieldRecord record = readRecord(session, field);
     Row row = metricsRow(record, metrics);
     row.emplace_back(record.quantileRule);
+    addFitCells(row, record.fits);
     listing.row(row);
+    listing.end();
+}
+
+void listTypes(Session& session, Listing& listing, const ChosenField& field, std::int64_t limit) {
+    PrViewer& viewer = session.viewer();
+    const auto breakdown = readFieldBreakdown(viewer, field.id);
+    if (!breakdown)
+        throw CommandError(ExitCode::Source, breakdown.error().text);
+    const auto misfits = readMisfits(viewer, field.id, *breakdown, kMisfitsInText);
+    if (!misfits)
+        throw CommandError(ExitCode::Source, misfits.error().text);
+    const std::string declared = declaredText(readRecord(session, field), *breakdown);
+    const std::string ambiguity = ambiguityText(*breakdown);
+    const std::string text = breakdownText(*breakdown, *misfits);
+    const auto orNull = [](const std::string& value) { return value.empty() ? KvbDatavar() : KvbDatavar(value); };
+    if (listing.format() == Format::Json) {
+        const Column::Kind number = Column::Kind::Number;
+        listing.begin({"types",
+                       "Types",
+                       {{"examined", "Examined", number},
+                        {"reading", "Reading"},
+                        {"values", "Values", number},
+                        {"rows", "Rows", number},
+                        {"fit_values", "Values that fit", number},
+                        {"fit_rows", "Rows that fit", number},
+                        {"figures_over_fits", "Figures over fits", number},
+                        {"text", "Text"},
+                        {"ambiguity", "Ambiguity"},
+                        {"declared", "Declared"}},
+                       true});
+        const auto known = [&](std::int64_t count) { return breakdown->isExamined ? KvbDatavar(count) : KvbDatavar(); };
+        listing.row(Row{std::int64_t{breakdown->isExamined ? 1 : 0}, orNull(breakdown->reading),
+                        known(breakdown->values), known(breakdown->rows), known(breakdown->fitValues),
+                        known(breakdown->fitRows), known(breakdown->hasFigures ? 1 : 0), text, orNull(ambiguity),
+                        orNull(declared)});
+        listing.end();
+    }
+    std::string title =
+        titleOf("Types", field, limit, static_cast<std::int64_t>(breakdown->forms.size())) + ": " + text;
+    for (const std::string& remark : {ambiguity, declared})
+        if (!remark.empty())
+            title += ". " + remark;
+    listing.begin({"forms",
+                   title,
+                   {{"form", "Form"},
+                    {"values", "Values", Column::Kind::Number},
+                    {"rows", "Rows", Column::Kind::Number},
+                    {"percent", "% of filled rows", Column::Kind::Number, kPercentPlaces},
+                    {"example", "Example"}}});
+    for (const FieldBreakdown::Form& form : breakdown->forms) {
+        if (limit-- <= 0)
+            break;
+        listing.row(Row{form.form, form.values, form.rows,
+                        100.0 * static_cast<double>(form.rows) / static_cast<double>(breakdown->rows), form.example});
+    }
     listing.end();
 }
 
@@ -254,9 +338,10 @@ void listPatterns(Session& session, Listing& listing, const ChosenField& field, 
 }
 
 void listPercentiles(Session& session, Listing& listing, const ChosenField& field, std::int64_t limit) {
+    const std::optional<FitFigures> fits = FitReadings(session.viewer()).Of(field.table.id, field.id);
     listing.begin(
         {"percentiles",
-         titleOf("Percentiles", field, kNoLimit, 0),
+         titleOf("Percentiles", field, kNoLimit, 0) + fitRemark(fits),
          {{"percentile", "Percentile"}, {"value", "Value", valueKind(field), -1, isNumericType(field.typeCode)}}});
     const ProfileCursorHandle percentiles = session.checked(session.viewer().getPercentiles(field.id));
     for (std::int64_t shown = 0; shown < limit && percentiles->next(); ++shown)
@@ -266,8 +351,9 @@ void listPercentiles(Session& session, Listing& listing, const ChosenField& fiel
 }
 
 void listOutliers(Session& session, Listing& listing, const ChosenField& field, std::int64_t limit) {
+    const std::optional<FitFigures> fits = FitReadings(session.viewer()).Of(field.table.id, field.id);
     listing.begin({"outliers",
-                   titleOf("Outliers", field, kNoLimit, 0),
+                   titleOf("Outliers", field, kNoLimit, 0) + fitRemark(fits),
                    {{"side", "Side"},
                     {"position", "Position", Column::Kind::Number},
                     {"value", "Value", valueKind(field)},

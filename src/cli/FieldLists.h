@@ -26,6 +26,8 @@ void saySample(const TableIdentity& table);
 void listMetrics(Session& session, Listing& listing, const TableIdentity& table, MetricChoice choice);
 /// All metrics of one field, as a record.
 void listMetrics(Session& session, Listing& listing, const ChosenField& field);
+/// Which types the values of a field fit: in text the forms below a sentence, in JSON also a record.
+void listTypes(Session& session, Listing& listing, const ChosenField& field, std::int64_t limit);
 /// The rows of a distribution to list. Standard error names the rows for which the filter could not be evaluated.
 struct RowChoice {
     std::int64_t limit = kNoLimit;

@@ -6,7 +6,8 @@
 namespace tavix::cli {
 
 Listing::Listing(const CommonOptions& options, Sections sections)
-    : m_output(options.outputPath),
+    : m_format(options.format),
+      m_output(options.outputPath),
       m_writer(makeTableWriter({options.format, sections, options.spreadsheet}, m_output)) {}
 
 void Listing::row(std::span<const KvbDatavar> cells) {

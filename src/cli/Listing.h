@@ -13,12 +13,14 @@ class Listing {
   public:
     explicit Listing(const CommonOptions& options, Sections sections = Sections::One);
 
+    [[nodiscard]] Format format() const { return m_format; }
     void begin(const Section& section) { m_writer->begin(section); }
     void row(std::span<const KvbDatavar> cells);
     void end() { m_writer->end(); }
     void finish();
 
   private:
+    Format m_format;
     Output m_output;
     std::unique_ptr<TableWriter> m_writer;
 };

@@ -13,6 +13,7 @@
 #include "cli/Session.h"
 #include "cli/Signals.h"
 #include "cli/SourceCredentials.h"
+#include "report/FieldBreakdown.h"
 
 #include <CLI/App.hpp>
 #include <fmt/format.h>
@@ -87,6 +88,19 @@ CommandError drillFailure(Session& session) {
     return {ExitCode::Source, text};
 }
 
+/// Reports a number of rows that differs from the run's, or that there are more than were shown. Whether it did.
+bool reportCount(const PrViewerDrillCursor& rows, std::int64_t inRun, std::int64_t shown) {
+    std::string text;
+    if (rows.isComplete())
+        text = sourceChangeText(inRun, shown);
+    else if (inRun > shown)
+        text = fmt::format("the first {} rows of {} in the run; --limit N shows more", formatGrouped(shown),
+                           formatGrouped(inRun));
+    if (!text.empty())
+        say(text);
+    return !text.empty();
+}
+
 /// The message for a value that the run does not have, with the most similar one.
 std::string unknownText(Session& session, const ChosenField& field, const std::string& text, bool isPattern) {
     const std::string name = field.table.displayName() + "." + field.name;
@@ -101,7 +115,7 @@ std::string unknownText(Session& session, const ChosenField& field, const std::s
 } // namespace
 
 CLI::App* RowsCommand::declare(CLI::App& program) {
-    CLI::App* command = program.add_subcommand("rows", "Show the source rows that have a value or pattern");
+    CLI::App* command = program.add_subcommand("rows", "Show the source rows that have a value, a pattern or a misfit");
     command->add_option("field", m_field, "The field, as TABLE.FIELD, or as FIELD with --table")
         ->required()
         ->type_name("T.F");
@@ -113,6 +127,7 @@ CLI::App* RowsCommand::declare(CLI::App& program) {
         ->add_option("--pattern", m_pattern,
                      "The rows whose value has this pattern, given in full or in its short form")
         ->type_name("PATTERN");
+    command->add_flag("--misfit", m_misfit, "The rows whose value does not fit the field's type; see show");
     command->add_option("-n,--limit", m_limit, "The largest number of rows to show. Default: 1000")
         ->type_name("N")
         ->default_val(kUsualLimit)
@@ -130,6 +145,7 @@ CLI::App* RowsCommand::declare(CLI::App& program) {
         "  tavix rows -R profile.tavix airports.state --value TX\n"
         "  tavix rows -R profile.tavix airports.city --null --limit 20\n"
         "  tavix rows -R profile.tavix airports.zip --pattern '9{5}' --format csv -o rows.csv\n"
+        "  tavix rows -R profile.tavix airports.latitude --misfit\n"
         "  tavix rows -R profile.tavix airports.city --null --source /old/airports.csv=data");
     return command;
 }
@@ -142,35 +158,15 @@ KvbString RowsCommand::wanted(Session& session, const ChosenField& field) const 
     return *m_value;
 }
 
-void RowsCommand::run(const CommonOptions& options) {
-    if ((m_value ? 1 : 0) + (m_pattern ? 1 : 0) + (m_null ? 1 : 0) != 1)
-        throw CommandError(ExitCode::Usage, "which rows? Give one of --value, --null and --pattern");
-    Session session(options.repository);
-    m_runChoice.select(session);
-    for (const std::string& move : m_moves)
-        locate(session, move);
-    const ChosenField field = session.field(m_field, m_table);
-    const KvbString value = wanted(session, field);
-    // drillDown() would search for nulls by an empty value when the field has no empty texts. Only empty texts have an
-    // empty pattern, so search for that pattern instead.
-    const bool isPattern = m_pattern.has_value() || (m_value && m_value->empty());
-    session.viewer().setSourceCredentials(sourceCredentials());
-    ReadingLine line;
-    const PrViewerDrillCursorHandle rows = session.viewer().drillDown(field.id, value, isPattern, &line, nullptr);
-    if (!rows) {
-        stopIfInterrupted();
-        throw drillFailure(session);
-    }
-
+void RowsCommand::writeRows(const CommonOptions& options, PrViewerDrillCursor& rows, std::int64_t& shown) const {
     Listing listing(options);
-    listing.begin(sectionOf(*rows));
-    std::int64_t shown = 0;
+    listing.begin(sectionOf(rows));
     std::vector<KvbDatavar> cells;
     try {
-        for (; shown < m_limit && rows->next(); ++shown) {
+        for (; shown < m_limit && rows.next(); ++shown) {
             cells.clear();
-            for (int column = 0; column < rows->getColumnCount(); ++column)
-                cells.emplace_back(rows->getColumnValue(column));
+            for (int column = 0; column < rows.getColumnCount(); ++column)
+                cells.emplace_back(rows.getColumnValue(column));
             listing.row(cells);
         }
     } catch (const GenException&) {
@@ -180,20 +176,68 @@ void RowsCommand::run(const CommonOptions& options) {
     stopIfInterrupted();
     listing.end();
     listing.finish();
+    if (!rows.getWarning().isNull())
+        say(rows.getWarning().view());
+}
 
-    if (!rows->getWarning().isNull())
-        say(rows->getWarning().view());
+void RowsCommand::showMisfits(const CommonOptions& options, Session& session, const ChosenField& field) const {
+    const std::string name = field.table.displayName() + "." + field.name;
+    const auto breakdown = readFieldBreakdown(session.viewer(), field.id);
+    if (!breakdown)
+        throw CommandError(ExitCode::Source, breakdown.error().text);
+    if (!breakdown->isExamined)
+        throw CommandError(ExitCode::Usage, fmt::format("the run did not examine which types the values of {} fit; an "
+                                                        "earlier version of Tavix made it",
+                                                        name));
+    if (breakdown->reading.empty())
+        throw CommandError(ExitCode::Usage,
+                           fmt::format("{} is a field of texts: there is no type that its values could "
+                                       "fail to fit",
+                                       name));
+    ReadingLine line;
+    const PrViewerDrillCursorHandle rows =
+        session.viewer().drillDownWhere(field.id, misfitCondition(breakdown->reading), &line);
+    if (!rows) {
+        stopIfInterrupted();
+        throw drillFailure(session);
+    }
+    std::int64_t shown = 0;
+    writeRows(options, *rows, shown);
+    // Of a sample the run does not know all rows.
+    const std::int64_t inRun = field.table.isSample ? PrViewer::kSampleOnly : breakdown->misfitRows();
+    reportCount(*rows, inRun, shown);
+    if (inRun == 0 && shown == 0)
+        say(fmt::format("all values of {} fit the type {}", name, breakdown->reading));
+}
+
+void RowsCommand::run(const CommonOptions& options) {
+    if ((m_value ? 1 : 0) + (m_pattern ? 1 : 0) + (m_null ? 1 : 0) + (m_misfit ? 1 : 0) != 1)
+        throw CommandError(ExitCode::Usage, "which rows? Give one of --value, --null, --pattern and --misfit");
+    Session session(options.repository);
+    m_runChoice.select(session);
+    for (const std::string& move : m_moves)
+        locate(session, move);
+    const ChosenField field = session.field(m_field, m_table);
+    session.viewer().setSourceCredentials(sourceCredentials());
+    if (m_misfit)
+        return showMisfits(options, session, field);
+    const KvbString value = wanted(session, field);
+    // drillDown() would search for nulls by an empty value when the field has no empty texts. Only empty texts have an
+    // empty pattern, so search for that pattern instead.
+    const bool isPattern = m_pattern.has_value() || (m_value && m_value->empty());
+    ReadingLine line;
+    const PrViewerDrillCursorHandle rows = session.viewer().drillDown(field.id, value, isPattern, &line, nullptr);
+    if (!rows) {
+        stopIfInterrupted();
+        throw drillFailure(session);
+    }
+
+    std::int64_t shown = 0;
+    writeRows(options, *rows, shown);
     const std::int64_t inRun = session.viewer().getDrillDownCount(field.id, value, isPattern);
     session.check(inRun >= 0 || inRun == PrViewer::kSampleOnly);
-    if (rows->isComplete()) {
-        if (const std::string change = sourceChangeText(inRun, shown); !change.empty())
-            say(change);
-        else if (inRun == 0 && !value.isNull())
-            say(unknownText(session, field, m_pattern ? *m_pattern : *m_value, m_pattern.has_value()));
-    } else if (inRun > shown) {
-        say(fmt::format("the first {} rows of {} in the run; --limit N shows more", formatGrouped(shown),
-                        formatGrouped(inRun)));
-    }
+    if (!reportCount(*rows, inRun, shown) && rows->isComplete() && inRun == 0 && !value.isNull())
+        say(unknownText(session, field, m_pattern ? *m_pattern : *m_value, m_pattern.has_value()));
 }
 
 } // namespace tavix::cli

@@ -44,6 +44,8 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
         ->type_name("T.F");
     constexpr const char* kLists = "Lists (any number; a field without one shows them all)";
     command->add_flag("--metrics", m_metrics, "The 24 standard metrics")->group(kLists);
+    command->add_flag("--types", m_types, "Which types the values fit, and in which forms they are written")
+        ->group(kLists);
     command->add_flag("--values", m_values, "The value distribution, most frequent first")->group(kLists);
     command->add_flag("--patterns", m_patterns, "The pattern distribution, most frequent first")->group(kLists);
     command->add_flag("--percentiles", m_percentiles, "The percentiles")->group(kLists);
@@ -62,7 +64,7 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
     m_runChoice.declare(*command);
     command->footer(
         "Without a list, a table shows in text the metrics of its fields, its custom metrics and its rules;\n"
-        "in json and csv only the metrics. A field shows its metrics, the first 20 values and patterns,\n"
+        "in json and csv only the metrics. A field shows its metrics, types, the first 20 values and patterns,\n"
         "percentiles and outliers. A list given by name is shown in full, unless --limit is given.\n\n"
         "Examples:\n"
         "  tavix show -R profile.tavix\n"
@@ -93,15 +95,15 @@ void ShowCommand::run(const CommonOptions& options) {
 }
 
 void ShowCommand::checkChoice(const CommonOptions& options) const {
-    const int fieldLists = m_values + m_patterns + m_percentiles + m_outliers;
+    const int fieldLists = m_types + m_values + m_patterns + m_percentiles + m_outliers;
     if (fieldLists > 0 && !m_field)
         throw CommandError(ExitCode::Usage,
-                           "values, patterns, percentiles and outliers belong to a field: name it with --field");
+                           "types, values, patterns, percentiles and outliers belong to a field: name it with --field");
     if (m_filter && !m_field)
         throw CommandError(ExitCode::Usage, "a filter belongs to the values of a field: name it with --field");
-    if (m_filter && (m_metrics || m_percentiles || m_outliers))
-        throw CommandError(ExitCode::Usage, "a filter applies to --values and --patterns alone: metrics, percentiles "
-                                            "and outliers are those of all rows");
+    if (m_filter && (m_metrics || m_types || m_percentiles || m_outliers))
+        throw CommandError(ExitCode::Usage, "a filter applies to --values and --patterns alone: metrics, types, "
+                                            "percentiles and outliers are those of all rows");
     if (m_metrics && !m_field && !m_table)
         throw CommandError(ExitCode::Usage, "metrics of what? Name a table with --table or a field with --field");
     if ((m_customMetrics || m_rules) && (m_field || !m_table))
@@ -112,7 +114,7 @@ void ShowCommand::checkChoice(const CommonOptions& options) const {
     if (m_log && (m_field || m_table))
         throw CommandError(ExitCode::Usage, "the log belongs to the run: leave --table and --field out");
     if (options.format == Format::Csv && m_field && fieldLists + m_metrics != 1 && !(m_filter && fieldLists == 0))
-        throw CommandError(ExitCode::Usage, "a CSV file holds one list: choose one of --metrics, --values, "
+        throw CommandError(ExitCode::Usage, "a CSV file holds one list: choose one of --metrics, --types, --values, "
                                             "--patterns, --percentiles and --outliers");
     if (options.format == Format::Csv && !m_field && !m_table && !m_log)
         throw CommandError(ExitCode::Usage,
@@ -176,10 +178,14 @@ void ShowCommand::showField(Session& session, const CommonOptions& options) cons
     };
     const std::string filter = m_filter ? filterTextOf(*m_filter) : std::string();
     const bool onlyValues = m_filter && !m_patterns;
-    const bool all = !m_filter && !m_metrics && !m_values && !m_patterns && !m_percentiles && !m_outliers;
+    const bool all = !m_filter && !m_metrics && !m_types && !m_values && !m_patterns && !m_percentiles && !m_outliers;
     const std::vector<Choice> choices{
         {m_metrics, kNoLimit,
          [&](Listing& listing, const ChosenField& field, std::int64_t) { listMetrics(session, listing, field); }},
+        {m_types, kNoLimit,
+         [&](Listing& listing, const ChosenField& field, std::int64_t limit) {
+             listTypes(session, listing, field, limit);
+         }},
         {m_values || onlyValues, kOverviewRows,
          [&](Listing& listing, const ChosenField& field, std::int64_t limit) {
              listValues(session, listing, field, {limit, filter});
@@ -198,8 +204,9 @@ void ShowCommand::showField(Session& session, const CommonOptions& options) cons
          }},
     };
     const auto wanted = std::count_if(choices.begin(), choices.end(), [](const Choice& c) { return c.wanted; });
-    // A filtered list in text has a title, which says that it is not complete.
-    const bool isTitled = options.format == Format::Text && !filter.empty();
+    // A filtered list in text has a title, which says that it is not complete; types are a sentence and a list.
+    const bool isTitled =
+        (options.format == Format::Text && !filter.empty()) || (options.format != Format::Csv && m_types);
 
     const ChosenField field = session.field(*m_field, m_table);
     saySample(field.table);

@@ -30,6 +30,7 @@ class ShowCommand final : public Command {
     std::optional<std::string> m_filter;
     std::optional<std::int64_t> m_limit;
     bool m_metrics = false;
+    bool m_types = false;
     bool m_values = false;
     bool m_patterns = false;
     bool m_percentiles = false;

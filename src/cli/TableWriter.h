@@ -3,6 +3,7 @@
 #include "base/KvbDatavar.h"
 #include "cli/Output.h"
 
+#include <cstddef>
 #include <memory>
 #include <span>
 #include <string>
@@ -30,6 +31,7 @@ struct Column {
     /// Text that is a number was computed, so the text format rounds it like a real; a value of a field it shows in
     /// full.
     bool isComputed = false;
+    bool isMarked = false; ///< may be over the values that fit, see Section::fitColumn
 };
 
 /// A row's cells; null is a null cell.
@@ -44,6 +46,13 @@ struct Section {
     bool isRecord = false;
     std::string nullText = "-"; ///< for a null cell in text
     int typeColumn = -1;        ///< the column with the name of the field's type, for Column::Kind::TypedValue
+    /// The first of the columns that tell over which values the marked columns are: the last of the section. JSON and
+    /// CSV have them; text has kOverFits after the marked cells of the rows in which the first is not null.
+    int fitColumn = -1;
+
+    [[nodiscard]] std::size_t textColumns() const {
+        return fitColumn < 0 ? columns.size() : static_cast<std::size_t>(fitColumn);
+    }
 };
 
 enum class Sections { One, Several };

@@ -2,6 +2,7 @@
 
 #include "base/NumberText.h"
 #include "cli/DisplayText.h"
+#include "report/FitFigures.h"
 
 #include <algorithm>
 #include <optional>
@@ -33,7 +34,7 @@ void TextTableWriter::begin(const Section& section) {
     m_widths.clear();
     m_waiting.clear();
     m_settled = false;
-    for (const Column& column : section.columns) {
+    for (const Column& column : std::span(section.columns).first(section.textColumns())) {
         Cell cell{column.title, displayWidth(column.title), column.kind == Column::Kind::Number};
         m_widths.push_back(cell.width);
         m_headings.push_back(std::move(cell));
@@ -45,14 +46,16 @@ void TextTableWriter::begin(const Section& section) {
 }
 
 void TextTableWriter::row(std::span<const KvbDatavar> cells) {
+    const bool isMarked = m_section.fitColumn >= 0 && !cells[static_cast<std::size_t>(m_section.fitColumn)].isNull();
+    cells = cells.first(m_section.textColumns());
     if (m_section.isRecord) {
-        writeRecord(cells);
+        writeRecord(cells, isMarked);
         return;
     }
     std::vector<Cell> made;
     made.reserve(cells.size());
     for (std::size_t i = 0; i < cells.size(); ++i)
-        made.push_back(makeCell(cells[i], m_section.columns[i]));
+        made.push_back(makeCell(cells[i], m_section.columns[i], isMarked));
     if (m_settled) {
         writeRow(made);
         return;
@@ -71,7 +74,7 @@ void TextTableWriter::end() {
         writeWaiting();
 }
 
-TextTableWriter::Cell TextTableWriter::makeCell(const KvbDatavar& value, const Column& column) const {
+TextTableWriter::Cell TextTableWriter::makeCell(const KvbDatavar& value, const Column& column, bool isMarked) const {
     Cell cell;
     if (value.isNull())
         cell.text = m_section.nullText;
@@ -83,6 +86,8 @@ TextTableWriter::Cell TextTableWriter::makeCell(const KvbDatavar& value, const C
         cell.more.erase(cell.more.begin());
     } else
         cell.text = cutToWidth(printable(value.toText().view()), kWidestCell);
+    if (isMarked && column.isMarked && !value.isNull())
+        cell.text += kOverFits;
     cell.width = displayWidth(cell.text);
     for (const std::string& line : cell.more)
         cell.width = std::max(cell.width, displayWidth(line));
@@ -134,7 +139,7 @@ void TextTableWriter::writeRow(std::span<const Cell> cells) {
     m_output.write(m_line);
 }
 
-void TextTableWriter::writeRecord(std::span<const KvbDatavar> cells) {
+void TextTableWriter::writeRecord(std::span<const KvbDatavar> cells, bool isMarked) {
     std::size_t widest = 0;
     for (const Cell& heading : m_headings)
         widest = std::max(widest, heading.width);
@@ -142,7 +147,7 @@ void TextTableWriter::writeRecord(std::span<const KvbDatavar> cells) {
         m_line = m_headings[i].text;
         m_line.append(widest - m_headings[i].width, ' ');
         m_line += kGap;
-        m_line += makeCell(cells[i], m_section.columns[i]).text;
+        m_line += makeCell(cells[i], m_section.columns[i], isMarked).text;
         m_line += '\n';
         m_output.write(m_line);
     }

@@ -23,10 +23,10 @@ class TextTableWriter final : public TableWriter {
         bool right = false;
         std::vector<std::string> more = {}; ///< the further lines of a folded last column
     };
-    [[nodiscard]] Cell makeCell(const KvbDatavar& value, const Column& column) const;
+    [[nodiscard]] Cell makeCell(const KvbDatavar& value, const Column& column, bool isMarked) const;
     void writeWaiting();
     void writeRow(std::span<const Cell> cells);
-    void writeRecord(std::span<const KvbDatavar> cells);
+    void writeRecord(std::span<const KvbDatavar> cells, bool isMarked);
 
     Output& m_output;
     bool m_several;

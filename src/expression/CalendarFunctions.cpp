@@ -25,7 +25,6 @@ using std::chrono::year_month_day;
 constexpr std::int64_t kMonthsOfYear = 12;
 constexpr std::int64_t kMonthsOfQuarter = 3;
 
-enum class Unit : std::uint8_t { Second, Minute, Hour, Day, Week, Month, Quarter, Year };
 struct UnitWord {
     std::string_view word;
     Unit unit;
@@ -41,16 +40,13 @@ constexpr auto kUnits = std::to_array<UnitWord>({
     {"year", Unit::Year},
 });
 
-/// The unit of this name, in any case and with or without "s"; leaves a failure for any other text.
+/// The unit of this name; leaves a failure for any other text.
 std::optional<Unit> unitOf(std::string_view name, Scratch& scratch) {
-    const std::string_view singular = name.ends_with('s') ? name.substr(0, name.size() - 1) : name;
-    for (const UnitWord& unit : kUnits) {
-        if (equalsIgnoringAsciiCase(singular, unit.word))
-            return unit.unit;
-    }
-    scratch.fail(fmt::format("'{}' is not a unit of time: second, minute, hour, day, week, month, quarter or year",
-                             shortened(name, kLongestEcho)));
-    return std::nullopt;
+    const std::optional<Unit> unit = findUnit(name);
+    if (!unit)
+        scratch.fail(fmt::format("'{}' is not a unit of time: second, minute, hour, day, week, month, quarter or year",
+                                 shortened(name, kLongestEcho)));
+    return unit;
 }
 
 /// Whole units of this size since a fixed moment, rounded down.
@@ -76,7 +72,17 @@ year_month_day dayInMonth(std::int64_t number, unsigned dayOfMonth) {
     return wanted / std::min(day{dayOfMonth}, last.day());
 }
 
-/// How many units have begun since a fixed moment.
+} // namespace
+
+std::optional<Unit> findUnit(std::string_view name) {
+    const std::string_view singular = name.ends_with('s') ? name.substr(0, name.size() - 1) : name;
+    for (const UnitWord& unit : kUnits) {
+        if (equalsIgnoringAsciiCase(singular, unit.word))
+            return unit.unit;
+    }
+    return std::nullopt;
+}
+
 std::int64_t unitsUntil(std::int64_t ticks, Unit unit) {
     switch (unit) {
     case Unit::Second:
@@ -100,7 +106,37 @@ std::int64_t unitsUntil(std::int64_t ticks, Unit unit) {
     return 0;
 }
 
-} // namespace
+std::int64_t beginningOf(std::int64_t ticks, Unit unit) {
+    switch (unit) {
+    case Unit::Second:
+        return unitsUntil(ticks, Unit::Second) * kTicksPerSecond;
+    case Unit::Minute:
+        return unitsUntil(ticks, Unit::Minute) * 60 * kTicksPerSecond;
+    case Unit::Hour:
+        return unitsUntil(ticks, Unit::Hour) * 3600 * kTicksPerSecond;
+    case Unit::Day:
+        return dayOf(ticks) * kTicksPerDay;
+    case Unit::Week:
+        // 0001-01-01 is a Monday, so no week begins before the supported years.
+        return (dayOf(ticks) - calendarDay(ticks).weekday + 1) * kTicksPerDay;
+    case Unit::Month:
+        return ticksOf(dayInMonth(monthNumber(ticks), 1));
+    case Unit::Quarter:
+        return ticksOf(dayInMonth(quotient(monthNumber(ticks), kMonthsOfQuarter) * kMonthsOfQuarter, 1));
+    case Unit::Year:
+        return ticksOf(dayInMonth(calendarDay(ticks).year * kMonthsOfYear, 1));
+    }
+    return ticks;
+}
+
+std::int64_t monthEndOf(std::int64_t ticks) {
+    constexpr unsigned kLongestMonth = 31;
+    return ticksOf(dayInMonth(monthNumber(ticks), kLongestMonth));
+}
+
+std::int64_t quarterOf(std::int64_t ticks) {
+    return (calendarDay(ticks).month - 1) / kMonthsOfQuarter + 1;
+}
 
 Value addMonths(Arguments arguments, Scratch& /*scratch*/) {
     constexpr std::int64_t kMost = 10'000 * kMonthsOfYear;
@@ -129,39 +165,16 @@ Value dayOfYear(Arguments arguments, Scratch& /*scratch*/) {
 }
 
 Value lastDay(Arguments arguments, Scratch& /*scratch*/) {
-    constexpr unsigned kLongestMonth = 31;
-    return Value::ofDate(ticksOf(dayInMonth(monthNumber(arguments[0].integer), kLongestMonth)));
+    return Value::ofDate(monthEndOf(arguments[0].integer));
 }
 
 Value quarter(Arguments arguments, Scratch& /*scratch*/) {
-    return Value::ofInteger((calendarDay(arguments[0].integer).month - 1) / kMonthsOfQuarter + 1);
+    return Value::ofInteger(quarterOf(arguments[0].integer));
 }
 
 Value startOf(Arguments arguments, Scratch& scratch) {
     const std::optional<Unit> unit = unitOf(arguments[1].text, scratch);
-    if (!unit)
-        return {};
-    const std::int64_t ticks = arguments[0].integer;
-    switch (*unit) {
-    case Unit::Second:
-        return Value::ofDate(unitsUntil(ticks, Unit::Second) * kTicksPerSecond);
-    case Unit::Minute:
-        return Value::ofDate(unitsUntil(ticks, Unit::Minute) * 60 * kTicksPerSecond);
-    case Unit::Hour:
-        return Value::ofDate(unitsUntil(ticks, Unit::Hour) * 3600 * kTicksPerSecond);
-    case Unit::Day:
-        return Value::ofDate(dayOf(ticks) * kTicksPerDay);
-    case Unit::Week:
-        // 0001-01-01 is a Monday, so no week begins before the supported years.
-        return Value::ofDate((dayOf(ticks) - calendarDay(ticks).weekday + 1) * kTicksPerDay);
-    case Unit::Month:
-        return Value::ofDate(ticksOf(dayInMonth(monthNumber(ticks), 1)));
-    case Unit::Quarter:
-        return Value::ofDate(ticksOf(dayInMonth(quotient(monthNumber(ticks), kMonthsOfQuarter) * kMonthsOfQuarter, 1)));
-    case Unit::Year:
-        return Value::ofDate(ticksOf(dayInMonth(calendarDay(ticks).year * kMonthsOfYear, 1)));
-    }
-    return {};
+    return unit ? Value::ofDate(beginningOf(arguments[0].integer, *unit)) : Value{};
 }
 
 Value week(Arguments arguments, Scratch& /*scratch*/) {

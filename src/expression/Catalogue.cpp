@@ -51,6 +51,10 @@ constexpr auto kFunctions = std::to_array<Function>({
      "Texts of more than 2,000 characters fail.",
      2, 2, Form::Plain, similarity::editDistance},
     {"ends_with", "ss", 'b', "Whether the first text ends with the second.", 2, 2, Form::Plain, text::endsWith},
+    {"fits", "sS", 'b',
+     "Whether the text can be read as the reading says, such as 'integer', 'real decimal-comma unit=%' or 'date "
+     "day-first'; see Readings. White space at its ends does not matter, and a blank text never fits.",
+     2, 2, Form::Fits, nullptr},
     {"floor", "r", 'r', "The largest whole number that is not above the number.", 1, 1, Form::Plain, number::floor},
     {"has_control_chars", "s", 'b',
      "Whether the text contains a control character: code points 0 to 31 and 127 to 159.", 1, 1, Form::Plain,
@@ -72,18 +76,18 @@ constexpr auto kFunctions = std::to_array<Function>({
     {"isean", "s", 'b',
      "Whether the text is an article number of 8, 12, 13 or 14 digits (EAN, UPC, GTIN) with the right check digit; "
      "blanks and hyphens within it do not matter.",
-     1, 1, Form::Plain, check_digits::isEan},
+     1, 1, Form::Plain, check_digits::eanFunction},
     {"isiban", "s", 'b',
      "Whether the text has the form of an international bank account number and the right check digits; blanks and "
      "hyphens within it do not matter.",
-     1, 1, Form::Plain, check_digits::isIban},
+     1, 1, Form::Plain, check_digits::ibanFunction},
     {"isinteger", "s", 'b', "Whether the text is an integer of at most 64 bits: a sign and digits.", 1, 1, Form::Plain,
      text::isInteger},
     {"isluhn", "s", 'b',
      "Whether the text is a number with the right check digit of Luhn, such as a card number; blanks and hyphens "
      "within "
      "it do not matter.",
-     1, 1, Form::Plain, check_digits::isLuhn},
+     1, 1, Form::Plain, check_digits::luhnFunction},
     {"isnull", "a", 'b', "Whether the argument is null.", 1, 1, Form::IsNull, nullptr},
     {"isnumber", "s", 'b',
      "Whether the text is a number: sign, digits, decimal point, exponent; no blanks and no digit grouping.", 1, 1,
@@ -160,14 +164,17 @@ constexpr auto kFunctions = std::to_array<Function>({
      2, 3, Form::Plain, text::substring},
     {"todate", "dS", 'd',
      "The text as a date; null when it is not one. The second argument is the format of the dates, such as "
-     "'dd.MM.yyyy'; see Dates.",
+     "'dd.MM.yyyy', or a reading, such as 'date day-first'; see Dates and Readings.",
      1, 2, Form::FormattedDate, number::same},
     {"today", "", 'd', "The day on which the run began (UTC); in a filter, that of the run that is shown.", 0, 0,
      Form::Today, nullptr},
     {"tointeger", "i", 'i',
      "The number, or the text as a number, truncated to an integer; null when it is not a number.", 1, 1, Form::Plain,
      number::same},
-    {"tonumber", "r", 'r', "The text as a number; null when it is not one.", 1, 1, Form::Plain, number::same},
+    {"tonumber", "rS", 'r',
+     "The text as a number; null when it is not one. The second argument is a reading, such as 'real decimal-comma'; "
+     "see Readings.",
+     1, 2, Form::ReadNumber, number::same},
     {"totext", "s", 's', "The argument as a text.", 1, 1, Form::Plain, number::same},
     {"trim", "s", 's', "The text without white space at both ends.", 1, 1, Form::Plain, text::trim},
     {"trunc", "r", 'r', "The number without its decimal places.", 1, 1, Form::Plain, number::truncate},

@@ -22,6 +22,8 @@ enum class Form : std::uint8_t {
     Extraction,    ///< likewise; the function is prepared for it
     Replacement,   ///< likewise, and the third argument is a replacement
     FormattedDate, ///< with a second argument, its format, the first is a text; otherwise a date
+    ReadNumber,    ///< with a second argument, a reading, the first is a text; otherwise a number
+    Fits,          ///< the second argument is a reading
     Now,           ///< the moment for which the expression is compiled
     Today,         ///< the day of that moment
 };
@@ -40,7 +42,8 @@ struct Function {
     int minimum = 1;
     int maximum = 1;
     Form form = Form::Plain;
-    Implementation implementation = nullptr; ///< for the forms Plain, OneType, Compare, Wildcard and FormattedDate
+    Implementation implementation =
+        nullptr; ///< for a call that is not prepared; null for forms with nodes of their own
 };
 
 inline constexpr int kMostArguments = 65535;

@@ -40,10 +40,10 @@ std::string digitsOf(std::string_view text) {
 
 } // namespace
 
-Value isEan(Arguments arguments, Scratch& /*scratch*/) {
-    const std::string digits = digitsOf(arguments[0].text);
+bool isEan(std::string_view text) {
+    const std::string digits = digitsOf(text);
     if (digits.size() != 8 && (digits.size() < 12 || digits.size() > 14))
-        return Value::ofBoolean(false);
+        return false;
     // From the right, the check digit first, digits weigh 1 and 3 in turn.
     int sum = 0;
     int weight = 1;
@@ -51,25 +51,25 @@ Value isEan(Arguments arguments, Scratch& /*scratch*/) {
         sum += weight * (digits[i - 1] - '0');
         weight = 4 - weight;
     }
-    return Value::ofBoolean(sum % 10 == 0);
+    return sum % 10 == 0;
 }
 
-Value isIban(Arguments arguments, Scratch& /*scratch*/) {
+bool isIban(std::string_view text) {
     constexpr std::size_t kShortest = 15;
     constexpr std::size_t kLongest = 34;
-    const std::string iban = compacted(arguments[0].text);
+    const std::string iban = compacted(text);
     if (iban.size() < kShortest || iban.size() > kLongest || !isAsciiLetter(iban[0]) || !isAsciiLetter(iban[1]) ||
         !isAsciiDigit(iban[2]) || !isAsciiDigit(iban[3]))
-        return Value::ofBoolean(false);
+        return false;
     // The first four characters move to the end; letters count as 10 to 35.
     int remainder = 0;
     for (const char c : iban.substr(4) + iban.substr(0, 4))
         remainder = (isAsciiDigit(c) ? remainder * 10 + (c - '0') : remainder * 100 + (c - 'A' + 10)) % 97;
-    return Value::ofBoolean(remainder == 1);
+    return remainder == 1;
 }
 
-Value isLuhn(Arguments arguments, Scratch& /*scratch*/) {
-    const std::string digits = digitsOf(arguments[0].text);
+bool isLuhn(std::string_view text) {
+    const std::string digits = digitsOf(text);
     int sum = 0;
     bool isDoubled = false;
     for (std::size_t i = digits.size(); i > 0; --i) {
@@ -77,7 +77,19 @@ Value isLuhn(Arguments arguments, Scratch& /*scratch*/) {
         sum += digit > 9 ? digit - 9 : digit;
         isDoubled = !isDoubled;
     }
-    return Value::ofBoolean(digits.size() > 1 && sum % 10 == 0);
+    return digits.size() > 1 && sum % 10 == 0;
+}
+
+Value eanFunction(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofBoolean(isEan(arguments[0].text));
+}
+
+Value ibanFunction(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofBoolean(isIban(arguments[0].text));
+}
+
+Value luhnFunction(Arguments arguments, Scratch& /*scratch*/) {
+    return Value::ofBoolean(isLuhn(arguments[0].text));
 }
 
 } // namespace tavix::expression::check_digits

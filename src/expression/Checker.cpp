@@ -4,6 +4,7 @@
 #include "base/DateTicks.h"
 #include "base/NearestWord.h"
 #include "base/NumberText.h"
+#include "expression/CellComparisons.h"
 #include "expression/FixedPatterns.h"
 #include "expression/Hints.h"
 #include "expression/Lexer.h"
@@ -25,8 +26,8 @@ constexpr const char* kTextOfDate = "; totext(...) makes texts of dates";
 
 class Builder {
   public:
-    Builder(std::size_t size, std::span<const Field> fields, Wanted wanted, std::int64_t now)
-        : m_fields(fields), m_wanted(wanted), m_now(now), m_folder(size) {}
+    Builder(std::size_t size, std::span<const Field> fields, Wanted wanted, std::int64_t now, Columns columns)
+        : m_fields(fields), m_wanted(wanted), m_now(now), m_columns(columns), m_folder(size) {}
 
     NodePtr result(const Syntax& syntax) { return m_wanted == Wanted::Condition ? condition(syntax) : build(syntax); }
     [[nodiscard]] std::optional<ExpressionError> takeError() { return std::move(m_error); }
@@ -206,6 +207,11 @@ class Builder {
         }
         const bool isOrder = syntax.comparison != Comparison::Equal && syntax.comparison != Comparison::NotEqual;
         remarkOnNull(syntax, sides);
+        if (m_columns == Columns::Typed) {
+            remark(syntax.at, remarkOnCells(sides, isOrder));
+            if (NodePtr node = cellComparison(syntax.comparison, sides))
+                return node;
+        }
         remark(syntax.at, remarkOnTypes(sides, isOrder));
         const Unified unified = unify(sides, Unification::Compared, m_folder);
         if (!unified.notDate.empty())
@@ -294,7 +300,7 @@ class Builder {
             const Position at = syntax.children[i]->at;
             const char letter = function->parameters[std::min(i, function->parameters.size() - 1)];
             Type type = hasDates && i < 2 ? Type::Date : typeOf(letter);
-            if (function->form == Form::FormattedDate && i == 0 && count > 1)
+            if ((function->form == Form::FormattedDate || function->form == Form::ReadNumber) && i == 0 && count > 1)
                 type = Type::Text;
             arguments[i] = converted(std::move(arguments[i]), type, at);
             if (!arguments[i])
@@ -339,6 +345,12 @@ class Builder {
             if (arguments.size() > 1)
                 return prepared(function, prepareDateFormat(arguments[1]->text), arguments, syntax);
             break;
+        case Form::ReadNumber:
+            if (arguments.size() > 1)
+                return prepared(function, prepareNumberReading(arguments[1]->text), arguments, syntax);
+            break;
+        case Form::Fits:
+            return prepared(function, prepareFit(arguments[1]->text), arguments, syntax);
         case Form::Now:
             return makeConstant(Value::ofDate(m_now));
         case Form::Today:
@@ -346,6 +358,8 @@ class Builder {
         case Form::FirstNonNull:
         case Form::OneType:
         case Form::InList:
+            if (NodePtr node = ofCells(arguments, function, syntax))
+                return node;
             if (!bringToOneType(arguments, function, syntax))
                 return nullptr;
             if (function.form == Form::InList)
@@ -376,16 +390,28 @@ class Builder {
         return node;
     }
 
+    static bool isOrder(const Function& function) {
+        return function.implementation == number_functions::greatest ||
+               function.implementation == number_functions::least ||
+               function.implementation == number_functions::between;
+    }
+    /// The call, when it compares columns of tables.
+    NodePtr ofCells(std::vector<NodePtr>& arguments, const Function& function, const Syntax& syntax) {
+        if (m_columns == Columns::Texts)
+            return nullptr;
+        if (function.form != Form::FirstNonNull)
+            remark(syntax.at, remarkOnCells(arguments, isOrder(function)));
+        return cellCall(function, arguments, m_folder);
+    }
+
     bool bringToOneType(std::vector<NodePtr>& arguments, const Function& function, const Syntax& syntax) {
-        const bool isOrder = function.implementation == number_functions::greatest ||
-                             function.implementation == number_functions::least ||
-                             function.implementation == number_functions::between;
+        const bool isOrdered = isOrder(function);
         const bool isChoice = function.form == Form::FirstNonNull;
-        const Unification unification = isChoice  ? Unification::Chosen
-                                        : isOrder ? Unification::Ordered
-                                                  : Unification::Equated;
+        const Unification unification = isChoice    ? Unification::Chosen
+                                        : isOrdered ? Unification::Ordered
+                                                    : Unification::Equated;
         if (!isChoice)
-            remark(syntax.at, remarkOnTypes(arguments, isOrder));
+            remark(syntax.at, remarkOnTypes(arguments, isOrdered));
         const Unified unified = unify(arguments, unification, m_folder);
         if (!unified.clash)
             return true;
@@ -406,6 +432,7 @@ class Builder {
     std::span<const Field> m_fields;
     Wanted m_wanted;
     std::int64_t m_now;
+    Columns m_columns;
     ConstantFolder m_folder;
     FixedPatterns m_patterns;
     std::optional<ExpressionError> m_error;
@@ -414,8 +441,9 @@ class Builder {
 
 } // namespace
 
-Checked check(const Syntax& syntax, std::size_t size, std::span<const Field> fields, Wanted wanted, std::int64_t now) {
-    Builder builder(size, fields, wanted, now);
+Checked check(const Syntax& syntax, std::size_t size, std::span<const Field> fields, Wanted wanted, std::int64_t now,
+              Columns columns) {
+    Builder builder(size, fields, wanted, now, columns);
     NodePtr tree = builder.result(syntax);
     return {std::move(tree), builder.takeError(), builder.takeRemark()};
 }

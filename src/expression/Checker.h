@@ -26,6 +26,12 @@ enum class Wanted : std::uint8_t {
     Value,     ///< a value of any type
 };
 
+/// What the values of text fields are where an expression compares them.
+enum class Columns : std::uint8_t {
+    Texts, ///< texts
+    Typed, ///< numbers or dates where they are such, as the columns of tables; see Cells.h
+};
+
 struct Checked {
     NodePtr tree; ///< null on an error
     std::optional<ExpressionError> error;
@@ -35,6 +41,6 @@ struct Checked {
 /// Resolves names and types and evaluates constants. A field is found by its exact name, or else by its name in any
 /// case when only one field has it. `size`: bytes of the text, which bound the memory. `now`: see compile().
 [[nodiscard]] Checked check(const Syntax& syntax, std::size_t size, std::span<const Field> fields, Wanted wanted,
-                            std::int64_t now);
+                            std::int64_t now, Columns columns);
 
 } // namespace tavix::expression

@@ -2,6 +2,7 @@
 
 #include "base/DateTicks.h"
 #include "base/NumberText.h"
+#include "expression/NumberReader.h"
 #include "expression/TextOperators.h"
 
 #include <fmt/format.h>
@@ -55,8 +56,8 @@ Value toReal(const Value& value) {
         return Value::ofReal(static_cast<double>(value.integer));
     if (value.type != Type::Text)
         return {};
-    const auto real = parseNumber(value.text);
-    return real ? Value::ofReal(*real) : Value{};
+    const Value number = numberOfText(value.text);
+    return number.type == Type::Integer ? Value::ofReal(static_cast<double>(number.integer)) : number;
 }
 
 bool equalsWord(std::string_view text, std::string_view word) {
@@ -150,6 +151,21 @@ bool holds(Comparison comparison, int order) {
         return order >= 0;
     }
     return false;
+}
+
+Comparison mirrored(Comparison comparison) {
+    switch (comparison) {
+    case Comparison::Less:
+        return Comparison::Greater;
+    case Comparison::LessOrEqual:
+        return Comparison::GreaterOrEqual;
+    case Comparison::Greater:
+        return Comparison::Less;
+    case Comparison::GreaterOrEqual:
+        return Comparison::LessOrEqual;
+    default:
+        return comparison;
+    }
 }
 
 Value finite(double value) {

@@ -21,6 +21,8 @@ namespace tavix::expression {
 /// code point; false comes before true.
 [[nodiscard]] int compareValues(const Value& left, const Value& right);
 [[nodiscard]] bool holds(Comparison comparison, int order);
+/// The comparison of the exchanged sides that means the same.
+[[nodiscard]] Comparison mirrored(Comparison comparison);
 
 /// Calculates with two integers or two reals. Division by zero and a result that is not finite give null; an integer
 /// beyond 64 bits is a failure.

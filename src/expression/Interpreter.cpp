@@ -1,5 +1,6 @@
 #include "expression/Interpreter.h"
 
+#include "expression/Cells.h"
 #include "expression/Conversion.h"
 
 #include <algorithm>
@@ -96,7 +97,7 @@ Value Interpreter::evaluateList(const Node& node, std::span<const Value> row) {
     for (std::size_t i = 1; !node.hasList && i < node.children.size(); ++i) {
         const Value member = evaluate(node.child(i), row);
         sawNull = sawNull || member.isNull();
-        isFound = isFound || (!subject.isNull() && !member.isNull() && compareValues(subject, member) == 0);
+        isFound = isFound || (!subject.isNull() && !member.isNull() && isMember(node, i, subject, member));
     }
     return subject.isNull() || (sawNull && !isFound) ? Value{} : Value::ofBoolean(isFound);
 }
@@ -112,10 +113,12 @@ Value Interpreter::evaluateIf(const Node& node, std::span<const Value> row) {
 
 Value Interpreter::evaluateOperator(const Node& node, std::span<const Value> row) {
     const Value left = evaluate(node.child(0), row);
-    if (node.kind == NodeKind::Compare || node.kind == NodeKind::Arithmetic) {
+    if (node.kind == NodeKind::Compare || node.kind == NodeKind::CompareCell || node.kind == NodeKind::Arithmetic) {
         const Value right = evaluate(node.child(1), row);
         if (left.isNull() || right.isNull())
             return {};
+        if (node.kind == NodeKind::CompareCell)
+            return compareCell(node.comparison, left.text, right);
         return node.kind == NodeKind::Compare ? Value::ofBoolean(holds(node.comparison, compareValues(left, right)))
                                               : calculate(node.arithmetic, left, right, m_scratch);
     }

@@ -25,11 +25,12 @@ enum class NodeKind : std::uint8_t {
     Negate,
     And,
     Or,
-    Compare,    ///< children of one type, or Integer and Real
-    Arithmetic, ///< both children and the result Integer, or all Real
-    If,         ///< as in Syntax, but always with a last value
-    InList,     ///< children of one type
-    Matches,    ///< tests the child with a matcher
+    Compare,     ///< children of one type, or Integer and Real
+    CompareCell, ///< a text field with a number or another text field, by what their cells are; see Cells.h
+    Arithmetic,  ///< both children and the result Integer, or all Real
+    If,          ///< as in Syntax, but always with a last value
+    InList,      ///< children of one type, unless it has cells
+    Matches,     ///< tests the child with a matcher
 };
 
 /// The members of a list of constant texts.
@@ -49,7 +50,8 @@ struct Node {
     std::string text; ///< of a constant, or the name of a field
     TextSet list;     ///< of InList, when all members are constant texts; refers to the children's texts
     bool hasList = false;
-    bool hasNull = false; ///< InList: null was among the members
+    bool hasNull = false;  ///< InList: null was among the members
+    bool hasCells = false; ///< InList: text fields are compared by what their cells are, with numbers or other fields
     std::vector<std::unique_ptr<Node>> children;
 
     Node() = default;
@@ -79,6 +81,9 @@ using NodePtr = std::unique_ptr<Node>;
 [[nodiscard]] inline Value callFunction(const Node& call, std::span<const Value> arguments, Scratch& scratch) {
     return call.prepared ? call.prepared->call(arguments, scratch) : call.function->implementation(arguments, scratch);
 }
+
+/// Whether the value of child `place` of an InList equals that of the first child; neither is null.
+[[nodiscard]] bool isMember(const Node& list, std::size_t place, const Value& subject, const Value& member);
 
 /// Whether both have the same structure, and so the same value in every row.
 [[nodiscard]] bool isSame(const Node& one, const Node& other);

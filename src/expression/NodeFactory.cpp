@@ -36,6 +36,13 @@ Type typeAmong(const std::vector<NodePtr>& arguments) {
     return typed == arguments.end() ? Type::Null : (*typed)->type;
 }
 
+NodePtr copyOfField(const Node& field) {
+    NodePtr copy = makeNode(NodeKind::Field, field.type);
+    copy->field = field.field;
+    copy->text = field.text;
+    return copy;
+}
+
 NodePtr made(NodeKind kind, Type type, std::vector<NodePtr> children) {
     NodePtr node = makeNode(kind, type);
     node->children = std::move(children);

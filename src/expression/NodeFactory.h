@@ -17,6 +17,8 @@ namespace tavix::expression {
 /// The type of the first argument that is not null; Null when all are.
 [[nodiscard]] Type typeAmong(const std::vector<NodePtr>& arguments);
 
+/// Of a node of kind Field.
+[[nodiscard]] NodePtr copyOfField(const Node& field);
 [[nodiscard]] NodePtr made(NodeKind kind, Type type, std::vector<NodePtr> children);
 /// Converts the node to the type, which must accept the node's own.
 [[nodiscard]] NodePtr convertedNode(NodePtr node, Type type, ConstantFolder& folder);

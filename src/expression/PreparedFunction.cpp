@@ -2,7 +2,10 @@
 
 #include "base/Characters.h"
 #include "base/DateFormat.h"
+#include "expression/Conversion.h"
+#include "expression/Lexer.h"
 #include "expression/RegularOptions.h"
+#include "forms/Reading.h"
 
 #include <fmt/format.h>
 #include <re2/re2.h>
@@ -30,6 +33,55 @@ class DateReader final : public PreparedFunction {
   private:
     DateFormat m_format;
 };
+
+class ReadingDates final : public PreparedFunction {
+  public:
+    explicit ReadingDates(forms::Reading reading) : m_reading(reading) {}
+
+    Value call(std::span<const Value> arguments, Scratch& /*scratch*/) const override {
+        const auto ticks = m_reading.ticks(arguments[0].text);
+        return ticks ? Value::ofDate(*ticks) : Value{};
+    }
+
+  private:
+    forms::Reading m_reading;
+};
+
+class ReadingNumbers final : public PreparedFunction {
+  public:
+    explicit ReadingNumbers(forms::Reading reading) : m_reading(reading) {}
+
+    Value call(std::span<const Value> arguments, Scratch& /*scratch*/) const override {
+        const auto number = m_reading.number(arguments[0].text);
+        return number ? finite(*number) : Value{};
+    }
+
+  private:
+    forms::Reading m_reading;
+};
+
+class Fit final : public PreparedFunction {
+  public:
+    explicit Fit(forms::Reading reading) : m_reading(reading) {}
+
+    Value call(std::span<const Value> arguments, Scratch& /*scratch*/) const override {
+        return Value::ofBoolean(m_reading.fits(arguments[0].text));
+    }
+
+  private:
+    forms::Reading m_reading;
+};
+
+Error notAReading(std::string_view text, std::string_view kind) {
+    return Error{fmt::format("\"{}\" is not a reading{}; readings are 'integer', 'real', 'real decimal-comma', 'date', "
+                             "'date day-first', 'date month-first', 'boolean' and the like",
+                             shortened(text, kLongestEcho), kind)};
+}
+
+template <typename Made>
+Prepared madeOf(const forms::Reading& reading) {
+    return std::shared_ptr<const PreparedFunction>(std::make_shared<Made>(reading));
+}
 
 class Extraction final : public PreparedFunction {
   public:
@@ -99,10 +151,25 @@ class Replacement final : public PreparedFunction {
 } // namespace
 
 Prepared prepareDateFormat(std::string_view format) {
+    // No date format begins with the word.
+    if (const auto reading = forms::Reading::parse(format); reading && reading->type == FieldType::Date)
+        return madeOf<ReadingDates>(*reading);
     Result<DateFormat> parsed = DateFormat::parse(format);
     if (!parsed)
         return parsed.error();
     return std::shared_ptr<const PreparedFunction>(std::make_shared<DateReader>(std::move(parsed).value()));
+}
+
+Prepared prepareNumberReading(std::string_view reading) {
+    const auto parsed = forms::Reading::parse(reading);
+    if (!parsed || (parsed->type != FieldType::Integer && parsed->type != FieldType::Real))
+        return notAReading(reading, " of numbers");
+    return madeOf<ReadingNumbers>(*parsed);
+}
+
+Prepared prepareFit(std::string_view reading) {
+    const auto parsed = forms::Reading::parse(reading);
+    return parsed ? madeOf<Fit>(*parsed) : notAReading(reading, "");
 }
 
 Prepared prepareExtraction(std::string_view pattern, std::int64_t memory) {

@@ -25,8 +25,12 @@ class PreparedFunction {
 
 using Prepared = Result<std::shared_ptr<const PreparedFunction>>;
 
-/// todate(text, format); see base/DateFormat.h.
+/// todate(text, format); see base/DateFormat.h. The format may be a reading of dates instead.
 [[nodiscard]] Prepared prepareDateFormat(std::string_view format);
+/// tonumber(text, reading); see forms/Reading.h.
+[[nodiscard]] Prepared prepareNumberReading(std::string_view reading);
+/// fits(text, reading).
+[[nodiscard]] Prepared prepareFit(std::string_view reading);
 /// regexp_extract(text, pattern[, group]). `memory`: bytes, including those while it searches.
 [[nodiscard]] Prepared prepareExtraction(std::string_view pattern, std::int64_t memory);
 /// regexp_replace(text, pattern, replacement).

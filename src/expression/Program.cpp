@@ -126,14 +126,14 @@ IntegerRange Program::passingRange(std::size_t field) const {
 namespace {
 
 Compiled compileText(std::string_view text, std::span<const Field> fields, Wanted wanted, std::int64_t now,
-                     auto makeProgram) {
+                     Columns columns, auto makeProgram) {
     Compiled compiled;
     Parsed parsed = parse(text);
     if (parsed.error) {
         compiled.error = *std::move(parsed.error);
         return compiled;
     }
-    Checked checked = check(*parsed.tree, text.size(), fields, wanted, now);
+    Checked checked = check(*parsed.tree, text.size(), fields, wanted, now, columns);
     if (checked.error)
         compiled.error = *std::move(checked.error);
     else
@@ -148,9 +148,11 @@ std::int64_t thisMoment() {
     return ticksOf(SystemClock().now());
 }
 
-Compiled compile(std::string_view text, std::span<const Field> fields, Wanted wanted, std::int64_t now) {
+Compiled compile(std::string_view text, std::span<const Field> fields, Wanted wanted, std::int64_t now,
+                 Columns columns) {
     try {
-        return compileText(text, fields, wanted, now, [&](NodePtr tree) { return Program(std::move(tree), fields); });
+        return compileText(text, fields, wanted, now, columns,
+                           [&](NodePtr tree) { return Program(std::move(tree), fields); });
     } catch (const std::bad_alloc&) {
         Compiled compiled;
         compiled.error = ExpressionError{"there is not enough memory for this expression", 1, 1};

@@ -43,10 +43,14 @@ class Program {
     /// unless their failures matter. `Count` > 10 and (...) gives 11 and above.
     [[nodiscard]] IntegerRange passingRange(std::size_t field) const;
 
+    /// Whether it is a text field and nothing else.
+    [[nodiscard]] bool isTextField() const { return m_tree->kind == NodeKind::Field && type() == Type::Text; }
+
     [[nodiscard]] const Node& tree() const { return *m_tree; }
 
   private:
-    friend Compiled compile(std::string_view text, std::span<const Field> fields, Wanted wanted, std::int64_t now);
+    friend Compiled compile(std::string_view text, std::span<const Field> fields, Wanted wanted, std::int64_t now,
+                            Columns columns);
     Program(NodePtr tree, std::span<const Field> fields);
 
     std::shared_ptr<const Node> m_tree;
@@ -67,8 +71,9 @@ struct Compiled {
 [[nodiscard]] std::int64_t thisMoment();
 
 /// Gives a program or an error for any text, in time and memory bounded by its length. `now` is the date that now()
-/// means, in units of base/DateTicks.h: the start of a run, so that all its rows and rules agree.
+/// means, in units of base/DateTicks.h: the start of a run, so that all its rows and rules agree. `columns`: Typed for
+/// the expressions of jobs, Texts for the filters of distributions.
 [[nodiscard]] Compiled compile(std::string_view text, std::span<const Field> fields, Wanted wanted,
-                               std::int64_t now = thisMoment());
+                               std::int64_t now = thisMoment(), Columns columns = Columns::Texts);
 
 } // namespace tavix::expression

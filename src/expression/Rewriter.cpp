@@ -1,5 +1,8 @@
 #include "expression/Rewriter.h"
 
+#include "expression/Conversion.h"
+#include "expression/NodeFactory.h"
+
 #include <optional>
 
 namespace tavix::expression {
@@ -10,21 +13,6 @@ std::optional<std::int64_t> fixedInteger(const Node& node) {
     if (!node.isConstant() || node.constant.type != Type::Integer)
         return std::nullopt;
     return node.constant.integer;
-}
-
-Comparison mirrored(Comparison comparison) {
-    switch (comparison) {
-    case Comparison::Less:
-        return Comparison::Greater;
-    case Comparison::LessOrEqual:
-        return Comparison::GreaterOrEqual;
-    case Comparison::Greater:
-        return Comparison::Less;
-    case Comparison::GreaterOrEqual:
-        return Comparison::LessOrEqual;
-    default:
-        return comparison;
-    }
 }
 
 NodePtr callOf(const char* name, Type type, NodePtr first, NodePtr second = nullptr) {
@@ -94,9 +82,7 @@ NodePtr rewriteBetween(NodePtr node) {
     const auto isFixed = [](const Node& limit) { return limit.isConstant() && !limit.constant.isNull(); };
     if (field.kind != NodeKind::Field || !isFixed(node->child(1)) || !isFixed(node->child(2)))
         return node;
-    NodePtr same = makeNode(NodeKind::Field, field.type);
-    same->field = field.field;
-    same->text = field.text;
+    NodePtr same = copyOfField(field);
     NodePtr both = makeNode(NodeKind::And, Type::Boolean);
     both->children.push_back(
         comparisonOf(Comparison::GreaterOrEqual, std::move(node->children[0]), std::move(node->children[1])));

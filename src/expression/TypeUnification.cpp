@@ -1,8 +1,8 @@
 #include "expression/TypeUnification.h"
 
 #include "base/Characters.h"
-#include "base/NumberText.h"
 #include "expression/NodeFactory.h"
+#include "expression/NumberReader.h"
 #include "expression/TextOperators.h"
 
 #include <fmt/format.h>
@@ -17,12 +17,7 @@ constexpr std::size_t kLongestShown = 40;
 
 /// The number that a constant text represents; null when it is not one.
 Value numberOf(const Node& node) {
-    if (!isFixedText(node))
-        return {};
-    if (const auto integer = parseInteger(node.text))
-        return Value::ofInteger(*integer);
-    const auto real = parseNumber(node.text);
-    return real ? Value::ofReal(*real) : Value{};
+    return isFixedText(node) ? numberOfText(node.text) : Value{};
 }
 
 bool isText(const NodePtr& node) {

@@ -4,6 +4,7 @@
 #include "base/FreeMemory.h"
 #include "base/TypeWords.h"
 #include "profiling/DistributionOrder.h"
+#include "profiling/FieldExamination.h"
 #include "profiling/LargeIntegers.h"
 #include "profiling/MergedDistribution.h"
 #include "profiling/MetricValue.h"
@@ -42,6 +43,7 @@ class FieldProfiler {
           m_part(std::max(context.memory / 4, kLeastMemory)),
           m_nulls(values.counter().nullCount()),
           m_survey(context.reading.dates) {
+        m_ordered.now = context.now;
         m_figures.facts.name = name;
         m_figures.facts.ordinal = ordinal;
         m_figures.packed = std::make_unique<PackedResult>(context.store);
@@ -51,6 +53,7 @@ class FieldProfiler {
     Result<FieldProfile> compute() {
         if (Status status = m_values.isSpilled() ? workOnRuns() : workInMemory(); !status)
             return status.error();
+        examine(m_figures, m_survey.detectors(), m_ordered);
         return std::move(m_figures);
     }
 
@@ -146,7 +149,7 @@ class FieldProfiler {
     }
 
     Status figureInOrder(ValueWalk& walk) {
-        Status status = computeStatistics(m_figures.facts, walk, m_form, participants(), m_context.stop);
+        Status status = computeStatistics(m_figures.facts, walk, m_form, participants(), m_ordered, m_context.stop);
         if (m_reading)
             set(MetricId::Mode, m_mode.text); // it is one of all values, not only of those that fit
         return status;
@@ -349,6 +352,7 @@ class FieldProfiler {
     KeyForm m_form = KeyForm::None;
     std::optional<forms::Reading> m_reading; ///< of the values that take part, if they are not those of the type
     KeptValue m_mode;                        ///< of all values
+    findings::OrderedFigures m_ordered;
     FieldProfile m_figures;
 };
 

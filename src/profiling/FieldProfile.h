@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Result.h"
+#include "findings/RunFindings.h"
 #include "forms/ColumnReading.h"
 #include "job/JobDescription.h"
 #include "profiling/ColumnValues.h"
@@ -8,6 +9,7 @@
 #include "repository/Facts.h"
 #include "repository/OffsetIndexPages.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,6 +19,7 @@ namespace tavix::profiling {
 /// Everything that a run stores about one field. `facts` refers to `packed`.
 struct FieldProfile {
     repository::FieldFacts facts;
+    findings::FieldSummary summary; ///< without table and source
     std::unique_ptr<PackedResult> packed;
     std::vector<repository::OffsetIndexPage> offsetIndex; ///< not set by profileField()
 };
@@ -36,6 +39,7 @@ struct ProfilingContext {
     std::size_t memory =
         0; ///< bytes for lists that grow with the values: all lists of a spilled column, else the patterns
     unsigned threads = 1; ///< for a long column, including the caller
+    std::int64_t now = 0; ///< the moment of the run, in units of base/DateTicks.h
     ReadingChoice reading{};
 };
 

@@ -51,10 +51,16 @@ class Run {
           m_offsetIndexFrom(options.offsetIndexFrom),
           m_databases(job, options.askCredentials),
           m_reporter(options.watcher, job.tables.size()),
-          m_engine(engineSettings(options, repositoryPath),
+          m_engine(engineSettings(options, repositoryPath, m_started),
                    [this] { return m_reporter.report() && !m_store.failure(); }),
           m_store(repositoryPath,
-                  {job.name, job.description, options.description, m_started, nullptr, m_engine.plan().storing()},
+                  {.job = job.name,
+                   .jobDescription = job.description,
+                   .description = options.description,
+                   .started = m_started,
+                   .memory = m_engine.plan().storing(),
+                   .isExamined = true,
+                   .hasTypedExpressions = true},
                   m_reporter, m_engine.stop()) {}
 
     Result<RunOutcome> execute() {
@@ -84,6 +90,8 @@ class Run {
                     return status;
         }
         if (Status status = m_store.storeWaiting(m_outcome.tables); !status)
+            return status;
+        if (Status status = m_store.storeDifferences(); !status)
             return status;
         repository::RunWriter& writer = m_store.writer();
         for (const EmptyFile& file : m_leftOut)

@@ -1,7 +1,7 @@
 #include "profiling/RowAggregate.h"
 
-#include "base/NumberText.h"
 #include "expression/Conversion.h"
+#include "expression/NumberReader.h"
 #include "profiling/MetricValue.h"
 
 #include <cmath>
@@ -12,10 +12,17 @@ namespace tavix::profiling {
 using expression::Type;
 using expression::Value;
 
+RowAggregate::RowAggregate(job::Figure figure, bool isColumn) : m_figure(figure) {
+    if (isColumn && (figure == job::Figure::Minimum || figure == job::Figure::Maximum))
+        m_cells.emplace(figure == job::Figure::Maximum);
+}
+
 void RowAggregate::add(const Value& value) {
     if (value.isNull())
         return;
-    if (m_figure == job::Figure::Minimum || m_figure == job::Figure::Maximum)
+    if (m_cells)
+        m_cells->add(value.text);
+    else if (m_figure == job::Figure::Minimum || m_figure == job::Figure::Maximum)
         addExtreme(value);
     else
         addNumber(value);
@@ -27,12 +34,10 @@ void RowAggregate::addNumber(const Value& value) {
     } else if (value.type == Type::Real) {
         m_reals += value.real;
         m_hasReals = true;
-    } else if (const auto integer = parseInteger(value.text)) {
-        m_integers += *integer;
-    } else if (const auto real = parseNumber(value.text)) {
-        m_reals += *real;
-        m_hasReals = true;
     } else {
+        const Value number = expression::numberOfText(value.text);
+        if (!number.isNull())
+            addNumber(number);
         return;
     }
     ++m_used;
@@ -52,6 +57,8 @@ void RowAggregate::addExtreme(const Value& value) {
 }
 
 KvbDatavar RowAggregate::result() const {
+    if (m_cells)
+        return m_cells->result();
     if (m_used == 0)
         return {};
     if (m_figure == job::Figure::Minimum || m_figure == job::Figure::Maximum)

@@ -44,7 +44,8 @@ std::span<const std::uint32_t> ConditionPass::passing(const RowSlice& slice) {
     return rows;
 }
 
-MetricPass::MetricPass(job::Figure figure, const expression::Program& program) : m_aggregate(figure) {
+MetricPass::MetricPass(job::Figure figure, const expression::Program& program)
+    : m_aggregate(figure, program.isTextField()) {
     if (figure == job::Figure::Count)
         m_condition.emplace(program);
     else

@@ -64,7 +64,8 @@ std::vector<std::size_t> orderedBy(std::size_t (ColumnValues::*measure)() const,
 } // namespace
 
 RunEngine::RunEngine(const Settings& settings, std::function<bool()> poll)
-    : m_stop(std::move(poll)),
+    : m_now(settings.now),
+      m_stop(std::move(poll)),
       m_plan(settings.memory),
       m_file(settings.spillFolder),
       m_store(m_file, m_plan.packed()),
@@ -189,7 +190,7 @@ Result<std::vector<FieldProfile>> RunEngine::figures(TablePass& pass, const Alon
         const job::TableDescription& table = pass.description();
         auto figures =
             profileField(values, name, static_cast<int>(c) + 1,
-                         {m_file, m_store, m_stop, share, threads, {table.datesOf(name), table.fitsAtLeast}});
+                         {m_file, m_store, m_stop, share, threads, m_now, {table.datesOf(name), table.fitsAtLeast}});
         if (!figures)
             return figures.error();
         values.clearValues(m_file);

@@ -11,6 +11,7 @@
 #include "profiling/WorkerPool.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <span>
 #include <string>
@@ -26,6 +27,7 @@ class RunEngine {
         unsigned threads = 1;
         std::size_t memory = 0; ///< bytes
         std::string spillFolder;
+        std::int64_t now = 0; ///< the moment of the run, in units of base/DateTicks.h
     };
     /// `poll` is called often, by the thread that makes the engine, while it works; false stops the work.
     RunEngine(const Settings& settings, std::function<bool()> poll);
@@ -57,6 +59,7 @@ class RunEngine {
     /// Runs task(i) for every i below `count` on all threads. Fails with the first failure, or when it was stopped.
     Status divide(std::size_t count, const TaskBatch::Task& task);
 
+    std::int64_t m_now;
     StopSignal m_stop;
     MemoryPlan m_plan;
     SpillFile m_file;

@@ -1,5 +1,7 @@
 #include "profiling/RunSettings.h"
 
+#include "base/DateTicks.h"
+
 #include <unistd.h>
 
 #include <algorithm>
@@ -33,9 +35,9 @@ std::string spillFolderOf(const RunOptions& options, const std::string& reposito
 
 } // namespace
 
-RunEngine::Settings engineSettings(const RunOptions& options, const std::string& repositoryPath) {
+RunEngine::Settings engineSettings(const RunOptions& options, const std::string& repositoryPath, UtcTime now) {
     const unsigned threads = options.threads > 0 ? options.threads : std::max(1U, std::thread::hardware_concurrency());
-    return {threads, memoryOf(options), spillFolderOf(options, repositoryPath)};
+    return {threads, memoryOf(options), spillFolderOf(options, repositoryPath), ticksOf(now)};
 }
 
 } // namespace tavix::profiling

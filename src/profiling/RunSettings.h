@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Clock.h"
 #include "profiling/JobRunner.h"
 #include "profiling/RunEngine.h"
 
@@ -7,7 +8,9 @@
 
 namespace tavix::profiling {
 
-/// The engine settings that the options state, or else that suit the machine and the location of the repository.
-[[nodiscard]] RunEngine::Settings engineSettings(const RunOptions& options, const std::string& repositoryPath);
+/// The engine settings that the options state, or else that suit the machine and the location of the repository. `now`:
+/// the moment of the run.
+[[nodiscard]] RunEngine::Settings engineSettings(const RunOptions& options, const std::string& repositoryPath,
+                                                 UtcTime now);
 
 } // namespace tavix::profiling

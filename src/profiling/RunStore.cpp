@@ -1,5 +1,8 @@
 #include "profiling/RunStore.h"
 
+#include "base/DateTicks.h"
+#include "profiling/FieldExamination.h"
+
 #include <chrono>
 #include <utility>
 
@@ -123,16 +126,48 @@ Status RunStore::storeDistributions() {
 }
 
 Status RunStore::store(FinishedTable& table) {
+    const auto earlier = m_writer->earlierFields(*table.id);
+    if (!earlier)
+        return earlier.error();
     for (FieldProfile& field : table.fields) {
-        field.facts.offsetIndex = field.offsetIndex;
-        if (Status status = m_writer->addField(*table.id, field.facts); !status)
+        const auto before = earlier->find(field.facts.name);
+        if (Status status = storeField(table, field, before != earlier->end() ? &before->second : nullptr); !status)
             return status;
         field = {};
     }
+    if (Status status = storeDamage(table); !status)
+        return status;
     if (Status status = table.pass->storeRules(*m_writer, *table.id); !status)
         return status;
     for (const LogLine& line : table.report.log)
         if (Status status = m_writer->addLog(*table.id, line.level, line.text); !status)
+            return status;
+    return {};
+}
+
+Status RunStore::storeField(const FinishedTable& table, FieldProfile& field, const repository::EarlierField* before) {
+    field.facts.offsetIndex = field.offsetIndex;
+    field.summary.table = table.report.outcome.name;
+    field.summary.source = sourceOf(table.report.facts);
+    if (before)
+        addChanges(field.facts, field.summary, *before, ticksOf(m_run.started));
+    if (Status status = m_writer->addField(*table.id, field.facts); !status)
+        return status;
+    m_tableOfField.push_back(*table.id);
+    m_summaries.push_back(std::move(field.summary));
+    return {};
+}
+
+Status RunStore::storeDamage(const FinishedTable& table) {
+    const auto damaged = static_cast<std::uint64_t>(table.report.facts.damagedRecords);
+    return damaged == 0 ? Status{} : m_writer->addFinding(*table.id, "", {.code = "damaged-rows", .likelihood = 3, .rows = damaged});
+}
+
+Status RunStore::storeDifferences() {
+    for (const findings::FoundIn& found : findings::findDifferences(m_summaries))
+        if (Status status =
+                m_writer->addFinding(m_tableOfField[found.field], m_summaries[found.field].name, factsOf(found.finding));
+            !status)
             return status;
     return {};
 }

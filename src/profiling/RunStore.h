@@ -47,6 +47,9 @@ class RunStore {
     /// Begins the transaction if needed and stores the waiting tables. Appends to `outcomes`.
     [[nodiscard]] Status storeWaiting(std::vector<TableOutcome>& outcomes);
 
+    /// Compares the fields of the stored tables with each other, and stores what it finds.
+    [[nodiscard]] Status storeDifferences();
+
     /// For storing distributions while a table is profiled: begins the transaction and adds the table. The
     /// distributions of the waiting tables are in the queue already.
     [[nodiscard]] Result<std::unique_ptr<DistributionQueue>> storeAlong(FinishedTable& table);
@@ -59,6 +62,8 @@ class RunStore {
     Status beginTable(FinishedTable& table);
     Status storeDistributions();
     Status store(FinishedTable& table);
+    Status storeField(const FinishedTable& table, FieldProfile& field, const repository::EarlierField* before);
+    Status storeDamage(const FinishedTable& table);
 
     const std::string m_path;
     const HeldRepository m_held; ///< marked as held before the opening thread starts
@@ -67,6 +72,8 @@ class RunStore {
     StopSignal& m_stop;
     std::vector<FinishedTable> m_waiting;
     std::size_t m_waitingSize = 0;
+    std::vector<int> m_tableOfField;                 ///< ids, for each of m_summaries
+    std::vector<findings::FieldSummary> m_summaries; ///< of the stored fields
     /// Kept open, because the last connection to close tidies the repository, which takes as long as a small table.
     std::optional<RepositoryOpening> m_repository;
     std::unique_ptr<repository::RunWriter> m_writer;

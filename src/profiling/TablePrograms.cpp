@@ -59,7 +59,7 @@ std::vector<Field> fieldsOf(std::span<const MetricField> figures) {
 
 Result<Program> compileOne(const job::ExpressionText& text, const std::string& what, std::span<const Field> fields,
                            Wanted wanted, std::int64_t now, std::vector<ProgramRemark>& remarks) {
-    expression::Compiled compiled = expression::compile(text.text, fields, wanted, now);
+    expression::Compiled compiled = expression::compile(text.text, fields, wanted, now, expression::Columns::Typed);
     if (compiled.remark)
         remarks.push_back({text.place, fmt::format("{}: {}", what, expression::describe(*compiled.remark))});
     if (compiled.ok())

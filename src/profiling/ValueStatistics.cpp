@@ -43,16 +43,44 @@ Status setMoments(repository::FieldFacts& facts, Moments& moments, NumberBins& b
     return {};
 }
 
+/// Passes the values on to what examines them in order.
+class Examination {
+  public:
+    Examination(findings::OrderedFigures& ordered, KeyForm form) : m_ordered(ordered), m_form(form) {
+        if (isNumber(form))
+            ordered.numbers.emplace();
+        else if (form == KeyForm::Date)
+            ordered.dates.emplace(ordered.now);
+    }
+    void take(const ValueWalk& walk, std::span<const ValueWalk::Row> batch) {
+        if (m_form == KeyForm::Integer)
+            for (const ValueWalk::Row& row : batch)
+                m_ordered.numbers->takeInteger(integerOfKey(row.key), row.count);
+        else if (m_ordered.numbers)
+            for (const ValueWalk::Row& row : batch)
+                m_ordered.numbers->takeReal(doubleOfKey(row.key), row.count);
+        else if (m_ordered.dates)
+            for (std::size_t i = 0; i < batch.size(); ++i)
+                m_ordered.dates->take(integerOfKey(batch[i].key), batch[i].count, walk.text(i));
+    }
+
+  private:
+    findings::OrderedFigures& m_ordered;
+    KeyForm m_form;
+};
+
 } // namespace
 
 Status computeStatistics(repository::FieldFacts& facts, ValueWalk& walk, KeyForm form, std::uint64_t rows,
-                         StopSignal& stop) {
+                         findings::OrderedFigures& ordered, StopSignal& stop) {
     OrderStatistics order(form, rows);
     Moments moments(form, rows);
     DateBins dates;
     KeptValue mode;
+    Examination examination(ordered, form);
     const auto add = [&](std::span<const ValueWalk::Row> batch) {
         order.add(walk, batch);
+        examination.take(walk, batch);
         for (std::size_t i = 0; i < batch.size(); ++i)
             if (batch[i].count > mode.count)
                 mode = keptValue(walk, batch, i);

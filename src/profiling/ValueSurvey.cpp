@@ -53,6 +53,7 @@ void ValueSurvey::take(std::span<const Entry> values) {
         else
             takeKind(text, entry.count);
         takePattern(text, entry.count);
+        m_detectors.take(text, entry.count, length);
     }
 }
 
@@ -72,19 +73,24 @@ void ValueSurvey::takePattern(std::string_view text, std::uint64_t count) {
     m_pattern.clear();
     pattern::appendCharacterPattern(m_pattern, text);
     if (m_pattern == m_lastPattern) {
-        m_lastCount += count;
+        m_last.add(count);
         return;
     }
-    if (m_lastCount > 0)
-        m_patterns.counter().add(m_lastPattern, m_lastCount);
+    addLastPattern();
     m_lastPattern.swap(m_pattern);
-    m_lastCount = count;
+    m_last = {1, count};
+}
+
+void ValueSurvey::addLastPattern() {
+    if (m_last.rows == 0)
+        return;
+    m_patterns.counter().add(m_lastPattern, m_last.rows);
+    m_detectors.takePattern(m_lastPattern, m_last);
 }
 
 void ValueSurvey::finish() {
-    if (m_lastCount > 0)
-        m_patterns.counter().add(m_lastPattern, m_lastCount);
-    m_lastCount = 0;
+    addLastPattern();
+    m_last = {};
 }
 
 } // namespace tavix::profiling

@@ -2,6 +2,7 @@
 
 #include "base/Histogram.h"
 #include "base/Result.h"
+#include "findings/ValueDetectors.h"
 #include "forms/FormCounts.h"
 #include "forms/ValueKind.h"
 #include "profiling/ColumnValues.h"
@@ -35,16 +36,19 @@ class ValueSurvey {
     [[nodiscard]] std::uint64_t longest() const { return m_longest; }
     [[nodiscard]] Histogram lengths() const { return m_lengths.make(m_shortest, m_longest); } ///< of at least one value
     [[nodiscard]] std::size_t longestBytes() const { return m_longestBytes; }
+    [[nodiscard]] const findings::ValueDetectors& detectors() const { return m_detectors; }
     [[nodiscard]] std::int64_t decimalPlaces() const { return m_decimalPlaces; } ///< the most of any real
 
   private:
     void takeKind(std::string_view text, std::uint64_t count);
     void takePattern(std::string_view text, std::uint64_t count);
+    void addLastPattern();
 
     ColumnValues m_patterns;
     std::string m_pattern;
     std::string m_lastPattern; ///< equal patterns often follow each other and are counted together
-    std::uint64_t m_lastCount = 0;
+    findings::Hits m_last;     ///< values and rows of m_lastPattern
+    findings::ValueDetectors m_detectors;
 
     forms::ValueKind m_kind = forms::ValueKind::None;
     forms::FormCounts m_forms;

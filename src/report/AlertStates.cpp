@@ -7,6 +7,7 @@
 #include "base/Metrics.h"
 #include "base/NumberText.h"
 #include "report/CheckedCursor.h"
+#include "report/FitReadings.h"
 #include "report/ReportTables.h"
 
 #include <algorithm>
@@ -92,6 +93,8 @@ class Reader {
             state.watchedId = metric ? id : -1;
             if (metric && isRule)
                 figures = metricFigures(alert, metric->id, rule);
+            if (metric && isOverFits(id) && state.fieldId != -1)
+                state.fits = m_fits.Of(state.tableId, state.fieldId);
         } else {
             const std::string key = textAt(alert, layout::AlertKey);
             const auto name = m_names.find(key);
@@ -173,6 +176,7 @@ class Reader {
     }
 
     PrViewer& m_viewer;
+    FitReadings m_fits{m_viewer};
     int m_job;
     int m_run;
     int m_runs = 0;                             ///< of the job
@@ -181,6 +185,10 @@ class Reader {
 };
 
 } // namespace
+
+std::string AlertState::condition() const {
+    return fits ? sentence + std::string(kOverFits) : sentence;
+}
 
 std::vector<AlertState> readAlertStates(PrViewer& viewer, int job) {
     return Reader(viewer, job).read();

@@ -65,6 +65,14 @@ std::string capitalized(std::string text) {
     return text;
 }
 
+/// The item with a mark if it is a figure over the values that fit.
+std::string itemText(const RunChange& change) {
+    std::string text = change.item.str();
+    if (const std::string_view mark = basisMark(change.basis); !mark.empty())
+        text += " " + std::string(mark);
+    return text;
+}
+
 std::string joined(const std::vector<std::string>& parts) {
     return fmt::format("{}", fmt::join(parts, ", "));
 }
@@ -189,7 +197,7 @@ void ChangeRanking::addMetric(Record& record, const RunChange& change) {
     const bool isFirst = rankOf(change.weight) > rankOf(record.first.weight);
     const RunChange& other = isFirst ? record.first : change;
     if (!other.item.isNull())
-        record.others.push_back(other.item.str());
+        record.others.push_back(itemText(other));
     if (isFirst || concerns(change, MetricId::PercentNull))
         record.first = change;
 }
@@ -211,7 +219,7 @@ RankedChange ChangeRanking::told(const Record& record) {
         break;
     case Respect::Type:
     case Respect::Figures:
-        named(first.item.view());
+        named(itemText(first));
         if (!record.others.empty())
             line.change += fmt::format("{}also {}", line.change.empty() ? "" : "; ", joined(record.others));
         break;

@@ -46,7 +46,7 @@ ChangeWeight weightOfDistinct(const Figures& texts, const Figures& rows) {
 
 /// If no value leaves the range, the mean moves by at most its width times the share of the rows that change.
 std::optional<ChangeWeight> weightInRange(MetricId metric, const FieldRecord& before, const FieldRecord& after) {
-    if (!isNumericType(before.typeCode) || !isNumericType(after.typeCode))
+    if (!isNumericType(before.figureTypeCode()) || !isNumericType(after.figureTypeCode()))
         return std::nullopt;
     const auto figure = figuresOf(metric, before, after);
     const auto lowest = figuresOf(MetricId::MinimumValue, before, after);

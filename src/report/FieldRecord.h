@@ -2,10 +2,13 @@
 
 #include "base/KvbString.h"
 #include "base/Metrics.h"
+#include "report/FitFigures.h"
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace tavix {
 
@@ -19,6 +22,11 @@ struct FieldRecord {
     std::int64_t patternCount = 0;               ///< rows of the pattern distribution
     int tableId = -1;
     std::string quantileRule; ///< the rule by which median and percentiles were computed
+    /// Set when minimum, maximum, mean, percentiles and the like are over the values that fit a narrower type.
+    std::optional<FitFigures> fits;
+
+    /// The type of the values behind these figures: `typeCode`, or that of the values that fit.
+    [[nodiscard]] std::string_view figureTypeCode() const { return fits ? fitTypeCode(*fits) : typeCode; }
 };
 
 } // namespace tavix

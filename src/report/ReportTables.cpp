@@ -5,6 +5,9 @@
 #include "access/PrViewer.h"
 #include "base/GenException.h"
 #include "report/CheckedCursor.h"
+#include "report/FitReadings.h"
+
+#include <algorithm>
 
 namespace tavix {
 
@@ -97,6 +100,15 @@ Result<TableIdentity> findTable(PrViewer& viewer, int tableId, const std::string
     }
 }
 
+const TableIdentity* findBaseTable(const std::vector<TableIdentity>& tables, const TableIdentity& filtered) {
+    const auto base = std::find_if(tables.begin(), tables.end(), [&](const TableIdentity& other) {
+        return other.kind != TableKind::Filter && other.dataSource == filtered.dataSource &&
+               other.catalog == filtered.catalog && other.schema == filtered.schema && other.name == filtered.name &&
+               other.query == filtered.query;
+    });
+    return base == tables.end() ? nullptr : &*base;
+}
+
 TableIdentity readTableOfField(PrViewer& viewer, int fieldId, const std::string& dataSourceName) {
     const ProfileCursorHandle rows = viewer.getTableOfField(fieldId);
     return rows && rows->next() ? readTable(*rows, dataSourceName) : TableIdentity();
@@ -113,18 +125,24 @@ std::vector<NamedField> readFieldNames(PrViewer& viewer, int tableId) {
 std::vector<FieldRecord> readFields(PrViewer& viewer, int tableId) {
     std::vector<FieldRecord> fields;
     const ProfileCursorHandle rows = checked(viewer, viewer.getFieldList(tableId));
-    while (rows->next())
+    FitReadings fits(viewer);
+    while (rows->next()) {
         fields.push_back(readField(*rows, layout::kFieldListMetrics));
+        fields.back().fits = fits.Of(tableId, fields.back().id);
+    }
     return fields;
 }
 
 std::vector<FieldRecord> readCollectionFields(PrViewer& viewer, int collectionId) {
     std::vector<FieldRecord> fields;
     const ProfileCursorHandle rows = checked(viewer, viewer.getGlobalCollFieldList(collectionId));
+    FitReadings fits(viewer);
     while (rows->next()) {
         // A field of the collection that no run has is listed without a type.
-        if (!rows->isColumnNull(layout::FieldTypeCode))
-            fields.push_back(readField(*rows, layout::kCollectionFieldListMetrics));
+        if (rows->isColumnNull(layout::FieldTypeCode))
+            continue;
+        fields.push_back(readField(*rows, layout::kCollectionFieldListMetrics));
+        fields.back().fits = fits.Of(fields.back().tableId, fields.back().id);
     }
     return fields;
 }

@@ -28,6 +28,9 @@ inline constexpr int kAllDataSources = -1;
 [[nodiscard]] std::vector<TableIdentity> readTables(PrViewer& viewer);
 /// The table with that id in the current run; an error when the run does not have it.
 [[nodiscard]] Result<TableIdentity> findTable(PrViewer& viewer, int tableId, const std::string& dataSourceName);
+/// The table that a filtered table of the same list filters; null if the list does not have it. Borrowed.
+[[nodiscard]] const TableIdentity* findBaseTable(const std::vector<TableIdentity>& tables,
+                                                 const TableIdentity& filtered);
 /// The table of a field in the run that the field's metrics come from, which for a field of a collection may be one of
 /// another report; its id is -1 when no run has the field.
 [[nodiscard]] TableIdentity readTableOfField(PrViewer& viewer, int fieldId, const std::string& dataSourceName);

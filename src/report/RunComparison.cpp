@@ -265,23 +265,32 @@ class Comparison {
         return isText ? KvbDatavar(text) : numberOrText(text);
     }
 
+    static FigureBasis basisOf(MetricId metric, const FieldRecord& before, const FieldRecord& after) {
+        if (!isOverFits(static_cast<int>(metric)) || (!before.fits && !after.fits))
+            return FigureBasis::AllValues;
+        if (before.fits && after.fits)
+            return FigureBasis::Fits;
+        return before.fits ? FigureBasis::FitsBefore : FigureBasis::FitsAfter;
+    }
+
     void compareFields(const FieldRecord& before, const FieldRecord& after) {
-        const bool isNumeric = isNumericType(before.typeCode) && isNumericType(after.typeCode);
+        const bool isNumeric = isNumericType(before.figureTypeCode()) && isNumericType(after.figureTypeCode());
         for (const MetricInfo& metric : metricCatalogue()) {
             const KvbString& was = before.metrics[index(metric.id)];
             const KvbString& is = after.metrics[index(metric.id)];
             if (was == is)
                 continue;
-            tell({Subject::Metric,
-                  Kind::Changed,
-                  m_table,
-                  after.name,
-                  metric.name,
-                  metricCell(was, metric.value, isNumeric),
-                  metricCell(is, metric.value, isNumeric),
-                  {},
-                  {}},
-                 weightOfMetric(metric.id, before, after));
+            RunChange change{Subject::Metric,
+                             Kind::Changed,
+                             m_table,
+                             after.name,
+                             metric.name,
+                             metricCell(was, metric.value, isNumeric),
+                             metricCell(is, metric.value, isNumeric),
+                             {},
+                             {}};
+            change.basis = basisOf(metric.id, before, after);
+            tell(std::move(change), weightOfMetric(metric.id, before, after));
         }
         if (m_options.top == 0)
             return;
@@ -357,6 +366,20 @@ class Comparison {
 };
 
 } // namespace
+
+std::string_view basisMark(FigureBasis basis) {
+    switch (basis) {
+    case FigureBasis::Fits:
+        return "(fits)";
+    case FigureBasis::FitsBefore:
+        return "(fits in the earlier run only)";
+    case FigureBasis::FitsAfter:
+        return "(fits in the later run only)";
+    case FigureBasis::AllValues:
+        break;
+    }
+    return {};
+}
 
 KvbDatavar differenceOf(const RunChange& change) {
     const auto* wholeBefore = std::get_if<std::int64_t>(&change.before.storage());

@@ -9,6 +9,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace tavix {
@@ -18,6 +19,9 @@ class PrViewer;
 /// Items of RunChange::Subject::Records.
 inline constexpr const char* kTotalRecords = "Total records";
 inline constexpr const char* kProcessedRecords = "Processed records";
+
+/// Whether a metric is that of the values that fit a narrower type (report/FitFigures.h), in which of two runs.
+enum class FigureBasis { AllValues, Fits, FitsBefore, FitsAfter };
 
 /// A difference between two runs of a job.
 struct RunChange {
@@ -49,8 +53,12 @@ struct RunChange {
     /// The share of the rows that the change concerns, in percent; docs/definitions.md defines it. The changes that sum
     /// up the values or patterns of a field have the weight of all of them together.
     double weight = 0;
-    bool followsRows = false; ///< follows from the number of records alone
+    bool followsRows = false;                   ///< follows from the number of records alone
+    FigureBasis basis = FigureBasis::AllValues; ///< of a metric
 };
+
+/// Follows the name of a metric: "(fits)", "(fits in the later run only)"; "" for one of all values.
+[[nodiscard]] std::string_view basisMark(FigureBasis basis);
 
 /// `after` minus `before`; null unless both are numbers.
 [[nodiscard]] KvbDatavar differenceOf(const RunChange& change);

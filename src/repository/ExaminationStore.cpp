@@ -11,9 +11,6 @@ namespace tavix::repository {
 
 namespace {
 
-constexpr int kTextExpressions = 1;
-constexpr int kTypedExpressions = 2;
-
 Error noFinding(std::string_view code) {
     return Error{fmt::format("There is no finding \"{}\" there.", code)};
 }

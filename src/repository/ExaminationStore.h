@@ -14,6 +14,10 @@ namespace tavix::repository {
 /// The repository version that added all of it.
 inline constexpr std::int64_t kFirstExamined = 9;
 
+// run_examination.expressions
+inline constexpr int kTextExpressions = 1;
+inline constexpr int kTypedExpressions = 2;
+
 /// A field of a table in a run; field 0: the table as a whole.
 struct FindingPlace {
     int run = 0;

@@ -105,6 +105,10 @@ Status RunWriter::addDistributions(int tableId, std::string_view name, PackedFie
     });
 }
 
+Result<std::map<std::string, EarlierField, std::less<>>> RunWriter::earlierFields(int tableId) {
+    return attempt([&] { return readEarlierFields(*m_connection, m_description.job, m_run, tableId); });
+}
+
 Status RunWriter::addField(int tableId, const FieldFacts& facts) {
     return attempt([&]() -> Status {
         auto table = m_tables.find(tableId);

@@ -2,6 +2,7 @@
 
 #include "base/Result.h"
 #include "repository/AlertStore.h"
+#include "repository/EarlierFields.h"
 #include "repository/Facts.h"
 #include "sql/Connection.h"
 
@@ -56,6 +57,8 @@ class RunWriter {
     [[nodiscard]] Result<int> addTable(const TableFacts& table);
     /// Gives new fields among these their ids in this order, whatever order they are added in.
     [[nodiscard]] Status nameFields(int tableId, std::span<const std::string> names);
+    /// The fields of the table in the last run of the job that has it, by name.
+    [[nodiscard]] Result<std::map<std::string, EarlierField, std::less<>>> earlierFields(int tableId);
     /// Stores the distributions of a field before addField(), which must then be given the same `packed`.
     [[nodiscard]] Status addDistributions(int tableId, std::string_view field, PackedField& packed);
     [[nodiscard]] Status addField(int tableId, const FieldFacts& field);

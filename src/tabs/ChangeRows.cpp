@@ -230,8 +230,9 @@ GridCell FieldChangeRows::CellOf(int column, std::size_t record) const {
         return textCell(whatText(change));
     case FieldItem: {
         GridCell cell = isText(change) ? valueCell(change.item) : textCell(change.item.view());
+        cell.mark = basisMark(change.basis);
         if (!isText(change) && change.followsRows)
-            cell.mark = kFollows;
+            cell.mark += (cell.mark.empty() ? "" : " ") + std::string(kFollows);
         return cell;
     }
     case FieldBefore:

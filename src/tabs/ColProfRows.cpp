@@ -12,7 +12,7 @@ constexpr int kWidth = 180;
 
 GridCell metricCell(int id, const FieldRecord& field) {
     const auto at = static_cast<std::size_t>(id);
-    GridCell cell = metricCell(id, field.typeCode, at < field.metrics.size() ? field.metrics[at] : KvbString());
+    GridCell cell = metricCell(id, field.figureTypeCode(), at < field.metrics.size() ? field.metrics[at] : KvbString());
     cell.alignment = CellAlignment::Left;
     return cell;
 }
@@ -24,8 +24,9 @@ ColProfRows::ColProfRows() : ListRows({listColumn("Metric Name", kWidth), listCo
 void ColProfRows::Fill(const FieldRecord& field, std::span<const MetricDisplay> metrics, bool isSample) {
     m_metrics.clear();
     for (const int id : metricOrder(metrics)) {
-        m_metrics.push_back({textCell(metrics[static_cast<std::size_t>(id)].description), metricCell(id, field)});
-        m_metrics.back().name.mark = sampleMark(id, isSample);
+        m_metrics.push_back({textCell(metrics[static_cast<std::size_t>(id)].description), metricCell(id, field), {}});
+        m_metrics.back().name.mark = figureMark(id, isSample, field.fits);
+        m_metrics.back().toolTip = fitToolTip(id, field.fits);
     }
     const std::int64_t records = valueTotal(field.metrics);
     m_base.text = "Counts and percentages of " + countOf(records, isSample ? "sampled record" : "record");
@@ -36,6 +37,10 @@ void ColProfRows::Clear() {
     m_metrics.clear();
     m_base = {};
     ShowRecords(0);
+}
+
+std::string ColProfRows::GetToolTip(int, std::int64_t row) const {
+    return m_metrics.at(Record(row)).toolTip;
 }
 
 GridCell ColProfRows::CellOf(int column, std::size_t record) const {

@@ -11,16 +11,21 @@ class ColProfRows final : public ListRows {
   public:
     ColProfRows();
 
-    /// With `isSample`, metrics computed from the sampled records only carry a mark beside their name.
+    /// Metrics over the values that fit a narrower type, and with `isSample` those computed from the sampled records
+    /// only, carry a mark beside their name.
     void Fill(const FieldRecord& field, std::span<const MetricDisplay> metrics, bool isSample = false);
     void Clear() override;
     /// The records that the counts and percentages refer to.
     [[nodiscard]] ListBase GetBase() const override { return m_base; }
 
+    /// Over which values a metric is.
+    [[nodiscard]] std::string GetToolTip(int column, std::int64_t row) const override;
+
   private:
     struct Metric {
         GridCell name;
         GridCell value;
+        std::string toolTip;
     };
 
     [[nodiscard]] GridCell CellOf(int column, std::size_t record) const override;

@@ -70,6 +70,18 @@ std::string sampleMark(int metricId, bool isSample) {
     return std::string(kOfSampleAlone.substr(kOfSampleAlone.find('(')));
 }
 
+std::string figureMark(int metricId, bool isSample, const std::optional<FitFigures>& fits) {
+    const std::string sample = sampleMark(metricId, isSample);
+    const std::string_view suffix = fitSuffix(metricId, fits);
+    if (suffix.empty())
+        return sample;
+    return sample.empty() ? std::string(suffix.substr(1)) : "(sample, fits)";
+}
+
+std::string fitToolTip(int metricId, const std::optional<FitFigures>& fits) {
+    return fits && isOverFits(metricId) ? fitSentence(*fits) : std::string();
+}
+
 CellAlignment metricAlignment(int metricId) {
     return has(metricId, LeftAligned) ? CellAlignment::Left : CellAlignment::Right;
 }

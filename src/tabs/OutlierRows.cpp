@@ -26,8 +26,8 @@ ListBase baseOf(const FieldRecord& field, int low, int high) {
     const std::int64_t distinct = parseInteger(field.metrics[index(MetricId::UniqueCount)].view()).value_or(0);
     ListBase base;
     base.text = "The " + groupedCount(low) + " lowest and the " + groupedCount(high) + " highest of " +
-                valuesThatCompare(field.typeCode, countOf(distinct, "distinct value"));
-    if (isNumericType(field.typeCode))
+                valuesThatCompare(field, countOf(distinct, "distinct value"));
+    if (isNumericType(field.figureTypeCode()))
         base.toolTip = "A mark shows a value beyond a fence: below Q1 − 1.5 · IQR or above Q3 + 1.5 · IQR; a strong "
                        "mark, beyond 3.0 · IQR. Q1 and Q3 are the 25 and 75 % percentiles, and IQR is Q3 − Q1.";
     return base;
@@ -51,6 +51,8 @@ bool OutlierRows::Fill(PrViewer& viewer, const FieldRecord& field) try {
         pairs = ReadPairs(*rows);
     }
     m_pairs = std::move(pairs);
+    for (const std::size_t column : {kLow, kHigh})
+        SetMark(static_cast<int>(column), calculated && field.fits ? std::string(kFitsMark) : "");
     m_base = calculated ? baseOf(field, low, high) : ListBase();
     if (calculated)
         ShowRecords(m_pairs.size());

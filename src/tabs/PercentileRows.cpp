@@ -39,7 +39,7 @@ constexpr std::array<Rule, 2> kRules = {{
 ListBase baseOf(const FieldRecord& field) {
     ListBase base;
     const std::int64_t values = patternTotal(field.metrics);
-    base.text = "Percentiles of " + valuesThatCompare(field.typeCode, countOf(values, "non-null value"));
+    base.text = "Percentiles of " + valuesThatCompare(field, countOf(values, "non-null value"));
     if (!field.quantileRule.empty())
         base.text += ", by " + field.quantileRule;
     for (const Rule& rule : kRules) {
@@ -67,6 +67,7 @@ bool PercentileRows::Fill(PrViewer& viewer, const FieldRecord& field) try {
     }
     m_percentiles = std::move(percentiles);
     SetToolTip(kValueColumn, field.quantileRule.empty() ? "" : "Value, by " + field.quantileRule);
+    SetMark(kValueColumn, count != 0 && field.fits ? std::string(kFitsMark) : "");
     m_base = count == 0 ? ListBase() : baseOf(field);
     if (count == 0)
         ShowPlaceholder();

@@ -8,6 +8,7 @@
 #include "base/NumberText.h"
 #include "grid/CellOrder.h"
 #include "report/CountText.h"
+#include "report/FitReadings.h"
 #include "settings/MetricDisplay.h"
 #include "tabs/FieldPictures.h"
 #include "tabs/MetricText.h"
@@ -171,18 +172,25 @@ bool StdMetRows::ReadFields(PrViewer& viewer, const ReportSelection& selection, 
         m_isCollection ? viewer.getGlobalCollFieldListPKR(selection.id) : viewer.getFieldListPKR(selection.table.id);
     if (!fields)
         return false;
-    while (fields->next())
-        m_rows.push_back(ReadRow(*fields, collections));
+    FitReadings fits(viewer);
+    const int tableColumn = layout::tailColumn(
+        m_isCollection ? layout::kCollectionFieldListPkrMetrics : layout::kFieldListPkrMetrics, layout::TailTableId);
+    while (fields->next()) {
+        const int table = m_isCollection ? fields->getColumnInt(tableColumn) : selection.table.id;
+        m_rows.push_back(ReadRow(*fields, collections, fits.Of(table, fields->getColumnInt(layout::FieldId))));
+    }
     return true;
 }
 
-StdMetRows::Row StdMetRows::ReadRow(const ProfileCursor& cursor, const CollectionsByField& collections) const {
+StdMetRows::Row StdMetRows::ReadRow(const ProfileCursor& cursor, const CollectionsByField& collections,
+                                    std::optional<FitFigures> fits) const {
     using namespace layout;
     const int metrics = m_isCollection ? kCollectionFieldListPkrMetrics : kFieldListPkrMetrics;
     Row row;
     row.fieldId = cursor.getColumnInt(FieldId);
     row.fieldName = textAt(cursor, FieldName);
-    row.typeCode = textAt(cursor, FieldTypeCode);
+    row.fits = std::move(fits);
+    const std::string typeCode = row.fits ? std::string(fitTypeCode(*row.fits)) : textAt(cursor, FieldTypeCode);
     row.cells.reserve(m_columns.size());
 
     const auto membership = collections.find(row.fieldId);
@@ -199,7 +207,9 @@ StdMetRows::Row StdMetRows::ReadRow(const ProfileCursor& cursor, const Collectio
     row.cells.push_back(std::move(origin));
 
     for (const int id : m_shown) {
-        GridCell cell = metricCell(id, row.typeCode, cursor.getColumnValue(metrics + id));
+        GridCell cell = metricCell(id, typeCode, cursor.getColumnValue(metrics + id));
+        if (cell.state == CellState::Ordinary)
+            cell.mark = figureMark(id, false, row.fits);
         cell.alertMark = !m_marks.empty() && m_marks.count({row.fieldName, id}) != 0;
         row.cells.push_back(std::move(cell));
     }
@@ -216,6 +226,8 @@ StdMetRows::Row StdMetRows::ReadRow(const ProfileCursor& cursor, const Collectio
     }
     if (m_trendColumn >= 0)
         row.cells.push_back(trendCell(m_trendMetric, m_history.Of(row.fieldId)));
+    if (m_trendColumn >= 0 && row.cells.back().state == CellState::Ordinary)
+        row.cells.back().mark = figureMark(m_trendMetric, false, row.fits);
     return row;
 }
 
@@ -242,9 +254,14 @@ GridCell StdMetRows::GetCell(int column, std::int64_t row) const {
 }
 
 std::string StdMetRows::GetToolTip(int column, std::int64_t row) const {
+    const Row& field = m_rows.at(static_cast<std::size_t>(row));
+    const int metric = IsTrend(column) ? m_trendMetric : GetColumn(column).parameter;
+    std::string text = fitToolTip(metric, field.fits);
     if (!IsTrend(column))
-        return {};
-    return trendToolTip(m_trendMetric, m_history, m_history.Of(GetFieldId(row)), m_locale);
+        return text;
+    if (!text.empty())
+        text += "\n";
+    return text + trendToolTip(m_trendMetric, m_history, m_history.Of(field.fieldId), m_locale);
 }
 
 bool StdMetRows::Sort(int column, bool descending) {

@@ -2,10 +2,12 @@
 
 #include "doc/CTavixDoc.h"
 #include "grid/CUGDataSource.h"
+#include "report/FitFigures.h"
 #include "report/MetricHistory.h"
 #include "report/ReportSelection.h"
 
 #include <locale>
+#include <optional>
 #include <set>
 #include <span>
 #include <string>
@@ -51,14 +53,15 @@ class StdMetRows final : public CUGDataSource {
     struct Row {
         int fieldId = -1;
         std::string fieldName;
-        std::string typeCode;
+        std::optional<FitFigures> fits; ///< over which values figures are
         std::vector<GridCell> cells;
     };
     using Mark = std::pair<std::string, int>; ///< field name and metric id
 
     void ReadAlertMarks(PrViewer& viewer, const TableIdentity& table);
     bool ReadFields(PrViewer& viewer, const ReportSelection& selection, const CollectionsByField& collections);
-    [[nodiscard]] Row ReadRow(const ProfileCursor& cursor, const CollectionsByField& collections) const;
+    [[nodiscard]] Row ReadRow(const ProfileCursor& cursor, const CollectionsByField& collections,
+                              std::optional<FitFigures> fits) const;
     void MakeColumns(std::span<const MetricDisplay> metrics, bool isSample);
     void MakePictureColumns();
     void ReadHistory(PrViewer& viewer, int tableId);

@@ -62,8 +62,10 @@ bool hasInformation(const ReportSubject& subject) {
     return subject.selection.kind == ReportSelection::Kind::Table;
 }
 
-std::string valuesThatCompare(std::string_view typeCode, std::string_view among) {
-    const FieldTypeInfo* const type = findFieldType(typeCode);
+std::string valuesThatCompare(const FieldRecord& field, std::string_view among) {
+    if (field.fits)
+        return fitValues(*field.fits);
+    const FieldTypeInfo* const type = findFieldType(field.typeCode);
     if (!type || type->type == FieldType::Text)
         return std::string(among);
     const std::string_view noun = type->isNumeric ? "numbers" : type->type == FieldType::Date ? "dates" : "booleans";
@@ -86,6 +88,8 @@ std::string detailOf(const ReportSubject& subject) {
     if (!subject.field)
         return facts.text();
     facts.add(typeWord(subject.field->typeCode));
+    if (const auto& fits = subject.field->fits)
+        facts.add(groupedCount(fits->rows) + " of " + groupedCount(fits->of) + " are " + fitNoun(fits->reading));
     facts.add(recordsText(subject.table));
     if (const std::int64_t distinct = countOfMetric(*subject.field, MetricId::UniqueCount); distinct >= 0)
         facts.add(countOf(distinct, "distinct value"));

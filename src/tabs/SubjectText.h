@@ -14,9 +14,9 @@ namespace tavix {
 /// The line beside the title: the table and type of a field, the number of records and how many of them were processed
 /// or pass the table's filter, and a field's distinct values and nulls.
 [[nodiscard]] std::string detailOf(const ReportSubject& subject);
-/// Which values of a field with this type code are put in order, `among` these: "the numbers in 373 non-null values";
-/// `among` itself where all are.
-[[nodiscard]] std::string valuesThatCompare(std::string_view typeCode, std::string_view among);
+/// Which values of a field are put in order, `among` these: "the numbers in 373 non-null values"; `among` itself where
+/// all are; "the 399 of 400 values that are integers" in a field of texts whose figures are over these.
+[[nodiscard]] std::string valuesThatCompare(const FieldRecord& field, std::string_view among);
 /// "3 damaged rows" for a table of which the current run lists them, and its fields; "" without any.
 [[nodiscard]] std::string damageOf(const ReportSubject& subject);
 /// Whether there are details beyond the name: for a table, and for a field of the current run.

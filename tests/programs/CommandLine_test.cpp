@@ -261,7 +261,7 @@ TEST_F(CommandLine, HelpAndVersionAreEnough) {
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_EQ(help.err, "");
     for (const char* command : {"inspect", "profile", "jobs", "runs", "tables", "fields", "show", "rows", "compare",
-                                "rules", "alerts", "functions", "notes", "delete-history"}) {
+                                "rules", "alerts", "findings", "functions", "notes", "delete-history"}) {
         EXPECT_THAT(help.out, HasSubstr(command));
         const Outcome own = runTavix({command, "--help"});
         EXPECT_EQ(own.exitCode, 0);

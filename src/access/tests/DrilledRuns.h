@@ -44,7 +44,10 @@ class DrilledRuns : public ::testing::Test {
 
     /// Stores a run of the file as it is; with a condition, also of a filtered table over it.
     void profile(const std::string& condition = {}, std::optional<char> delimiter = {}, bool hasHeader = true) {
-        auto writer = repository::RunWriter::begin(m_repository, {"Job", "", "", {}});
+        repository::RunDescription description{"Job", "", "", {}};
+        description.isExamined = m_isExamined;
+        description.hasTypedExpressions = m_hasTypedExpressions;
+        auto writer = repository::RunWriter::begin(m_repository, description);
         ASSERT_TRUE(writer) << writer.error().text;
         addTable(**writer, {}, delimiter, hasHeader);
         if (!condition.empty())
@@ -179,7 +182,13 @@ class DrilledRuns : public ::testing::Test {
     /// As a user would read them; only the first cells unless `whole`.
     std::vector<std::string> rows(const std::string& field, const KvbString& value, bool isPattern = false,
                                   bool whole = false) {
-        const PrViewerDrillCursorHandle cursor = open(field, value, isPattern);
+        return rowsOf(open(field, value, isPattern), whole);
+    }
+    /// The first cells of the rows that meet a condition.
+    std::vector<std::string> rowsWhere(const std::string& field, const std::string& condition) {
+        return rowsOf(m_viewer->drillDownWhere(m_fields.at(field), condition, &m_sink), false);
+    }
+    std::vector<std::string> rowsOf(const PrViewerDrillCursorHandle& cursor, bool whole) {
         if (!cursor) {
             ADD_FAILURE() << error();
             return {};
@@ -206,6 +215,8 @@ class DrilledRuns : public ::testing::Test {
     PrViewer::Handle m_viewer = PrViewer::create();
     std::map<std::string, int> m_fields;
     Sink m_sink;
+    bool m_isExamined = false;
+    bool m_hasTypedExpressions = false;
     std::optional<repository::FileOffsetIndex> m_offsetIndex; ///< of the file; its pages serve every field
     std::vector<repository::OffsetIndexPage> m_pages;
 };

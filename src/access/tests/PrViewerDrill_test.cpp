@@ -105,6 +105,34 @@ TEST_F(PrViewerDrill, AFilteredTableHasOnlyItsOwnRows) {
     EXPECT_EQ(error(), "There is no field with the number 9999.");
 }
 
+TEST_F(PrViewerDrill, AConditionMeansWhatItMeantInItsRun) {
+    const auto dear = [&] {
+        write("id,city,price\n1,Bern,9\n2,Bern,10\n3,Bern,2\n4,Bern,abc\n");
+        profile("`price` > 5");
+        return rows("some orders.city", "Bern");
+    };
+    EXPECT_THAT(dear(), ElementsAre("1", "4")) << "a run of an older version compared texts";
+    m_isExamined = true;
+    EXPECT_THAT(dear(), ElementsAre("1", "4"));
+    m_hasTypedExpressions = true;
+    EXPECT_THAT(dear(), ElementsAre("1", "2"));
+}
+
+TEST_F(PrViewerDrill, GivesTheRowsThatMeetACondition) {
+    write("id,city,price\n1,Bern,9\n2,,10\n3,Biel,\n4,\" \",free\n5,\"Bern\",x1\n");
+    m_isExamined = true;
+    m_hasTypedExpressions = true;
+    profile("`id` < 5");
+    EXPECT_THAT(rowsWhere("price", "not isblank(`Value`) and not fits(`Value`, 'integer')"), ElementsAre("4", "5"));
+    EXPECT_THAT(rowsWhere("some orders.price", "not fits(`Value`, 'integer')"), ElementsAre("4"));
+    EXPECT_THAT(rowsWhere("city", "isnull(`Value`)"), ElementsAre("2"));
+    EXPECT_THAT(rowsWhere("price", "`Value` < 9"), ElementsAre("2")) << "texts, as in the list of values";
+    EXPECT_FALSE(m_viewer->drillDownWhere(m_fields.at("price"), "`Count` > 1", &m_sink));
+    EXPECT_EQ(error(), "line 1, column 1: there is no field `Count`");
+    EXPECT_FALSE(m_viewer->drillDownWhere(9999, "true", &m_sink));
+    EXPECT_EQ(error(), "There is no field with the number 9999.");
+}
+
 TEST_F(PrViewerDrill, FilesWithoutAHeadingAndLinesThatAreNotSplit) {
     write("x,1\n\ny,2\nx,3\n");
     profile({}, std::nullopt, false);

@@ -1,6 +1,7 @@
 #include "access/CacheCursor.h"
 #include "access/Layouts.h"
 #include "access/PrViewDisplayMessage.h"
+#include "access/TableSource.h"
 #include "access/tests/PrViewerFixture.h"
 #include "base/DateTicks.h"
 #include "base/GenException.h"
@@ -184,6 +185,14 @@ TEST_F(PrViewerTest, TellsWhatAFieldAndATextFileIs) {
     EXPECT_TRUE(info.hasHeader);
     EXPECT_THAT(read(m_viewer->getTextFileFieldInfo(table("airports"))), ElementsAre("1|code", "2|latitude"));
     expectFailure(!m_viewer->getTextFileFieldInfo(table("customers")), "The table was not read from a text file.");
+
+    TableSource from;
+    ASSERT_TRUE(m_viewer->getTableSource(table("airports"), from)) << error();
+    ASSERT_EQ(from.files.size(), 1U);
+    EXPECT_EQ(from.files[0].path + from.files[0].delimiter + from.files[0].encoding, "/data/files/airports.csv,UTF-8");
+    EXPECT_TRUE(from.hasHeader && from.quote == '"' && from.connection.empty());
+    expectFailure(!m_viewer->getTableSource(table("customers"), from),
+                  "The run does not say from where the rows of \"customers\" came.");
 }
 
 TEST_F(PrViewerTest, NowInAFilterIsTheStartOfTheRunThatIsShown) {

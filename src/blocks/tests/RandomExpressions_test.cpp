@@ -52,7 +52,7 @@ class Rows {
         const bool isNull = generator.below(10) == 0;
         std::string text;
         for (int i = 0; !isNull && i < m_parts; ++i)
-            text += generator.rowText(onlyAscii);
+            text += generator.cell(onlyAscii);
         m_bytes[column] += text;
         m_ends[column].push_back(static_cast<std::uint32_t>(m_bytes[column].size()));
         m_nulls[column].push_back(isNull ? 1 : 0);
@@ -68,10 +68,16 @@ class Rows {
     std::vector<BlockColumn> m_columns;
 };
 
-TEST(RandomExpressions, BothEvaluatorsSayWhatTheObviousOneSays) {
+/// Texts as in distributions, and cells of tables.
+class RandomExpressions : public testing::TestWithParam<Columns> {};
+
+INSTANTIATE_TEST_SUITE_P(AllColumns, RandomExpressions, testing::Values(Columns::Texts, Columns::Typed),
+                         [](const auto& one) { return one.param == Columns::Texts ? "Texts" : "Typed"; });
+
+TEST_P(RandomExpressions, BothEvaluatorsSayWhatTheObviousOneSays) {
     constexpr int kExpressions = 4000;
     constexpr std::size_t kRows = 60;
-    reference::Generator generator(kSeed);
+    reference::Generator generator(kSeed, GetParam());
     std::vector<Rows> blocks;
     for (int i = 0; i < 8; ++i)
         blocks.emplace_back(generator, kRows, i % 2 == 0, i >= 6, i == 2 || i == 5);
@@ -79,7 +85,7 @@ TEST(RandomExpressions, BothEvaluatorsSayWhatTheObviousOneSays) {
     std::size_t failed = 0;
     for (int i = 0; i < kExpressions; ++i) {
         const reference::Expression expression = generator.program(1 + i % 4);
-        const Compiled compiled = compile(expression.text, kFields, Wanted::Condition);
+        const Compiled compiled = compile(expression.text, kFields, Wanted::Condition, thisMoment(), GetParam());
         ASSERT_TRUE(compiled.ok()) << describe(compiled.error) << "\n" << expression.text;
         RowJudge rowEvaluator(*compiled.program);
         BlockEvaluator blockEvaluator(*compiled.program);
@@ -117,9 +123,9 @@ TEST(RandomExpressions, BothEvaluatorsSayWhatTheObviousOneSays) {
     EXPECT_LT(failed, kExpressions * kRows / 50);
 }
 
-TEST(RandomExpressions, ABlockHasTheValuesOfItsRows) {
+TEST_P(RandomExpressions, ABlockHasTheValuesOfItsRows) {
     constexpr std::size_t kRows = 60;
-    reference::Generator generator(kSeed + 1);
+    reference::Generator generator(kSeed + 1, GetParam());
     std::vector<Rows> blocks;
     for (int i = 0; i < 4; ++i)
         blocks.emplace_back(generator, kRows, i % 2 == 0, i == 3, i == 1);
@@ -135,7 +141,7 @@ TEST(RandomExpressions, ABlockHasTheValuesOfItsRows) {
         const std::string text = generator.below(2) == 0 ? "return " + value()
                                                          : "if " + generator.condition(1).text + " then return " +
                                                                value() + " else return " + value();
-        const Compiled compiled = compile(text, kFields, Wanted::Value);
+        const Compiled compiled = compile(text, kFields, Wanted::Value, thisMoment(), GetParam());
         ASSERT_TRUE(compiled.ok()) << describe(compiled.error) << "\n" << text;
         RowEvaluator rowEvaluator(*compiled.program);
         BlockValues blockValues(*compiled.program);

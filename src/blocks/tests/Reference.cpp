@@ -1,7 +1,9 @@
 #include "blocks/tests/Reference.h"
 
 #include "base/Characters.h"
+#include "base/DateTicks.h"
 #include "base/NumberText.h"
+#include "forms/Reading.h"
 
 #include <algorithm>
 #include <array>
@@ -60,6 +62,59 @@ std::string Generator::rowText(bool onlyAscii) {
     return out;
 }
 
+std::string Generator::cell(bool onlyAscii) {
+    static const std::array<std::string, 26> kCells{"5",
+                                                    "-3",
+                                                    "2.50",
+                                                    "2.5",
+                                                    "0.5",
+                                                    "1e0",
+                                                    "+4",
+                                                    "007",
+                                                    "7",
+                                                    "7.",
+                                                    ".25",
+                                                    "-0",
+                                                    "0",
+                                                    "1e999",
+                                                    "1e",
+                                                    "-",
+                                                    "9223372036854775807",
+                                                    "9223372036854775808",
+                                                    "12345678901234567890",
+                                                    "-12345678901234567891",
+                                                    "0.1000000000000000055511151231257827",
+                                                    "2024-02-29",
+                                                    "2024-02-29 10:00",
+                                                    "2024-02-29T11:00:00+01:00",
+                                                    "2024-02-30",
+                                                    "1999-12-31"};
+    if (m_columns == Columns::Texts || below(4) == 0)
+        return rowText(onlyAscii);
+    return below(3) == 0 ? std::to_string(static_cast<int>(below(14)) - 2) : kCells[below(kCells.size())];
+}
+
+bool Generator::isCell(const Expression& expression) const {
+    return m_columns == Columns::Typed && (expression.text == "`Value`" || expression.text == "`Other`");
+}
+
+std::optional<int> Generator::orderOf(const Expression& left, const Expression& right, const Value& a,
+                                      const Value& b) const {
+    const bool isTextLeft = std::holds_alternative<Text>(a);
+    const bool isTextRight = std::holds_alternative<Text>(b);
+    if (isCell(left) && isCell(right))
+        return orderOfCells(textOf(a), textOf(b));
+    if (isCell(left) && !isTextRight && !std::holds_alternative<bool>(b))
+        return orderOfCell(textOf(a), b);
+    if (isCell(right) && !isTextLeft && !std::holds_alternative<bool>(a)) {
+        const auto order = orderOfCell(textOf(b), a);
+        return order ? std::optional(-*order) : std::nullopt;
+    }
+    if (isTextLeft != isTextRight && isFixed(isTextLeft ? left : right))
+        return isTextLeft ? compareAny(asNumber(a), b) : compareAny(a, asNumber(b));
+    return compareAny(a, b);
+}
+
 Expression Generator::quoted(const std::string& utf8) {
     std::string text = "'";
     for (const char c : utf8)
@@ -90,20 +145,34 @@ Expression Generator::part(int depth) {
                                       : quoted(below(3) > 0 ? rowText(true).substr(0, below(3)) : "é");
 }
 
+Expression Generator::field() {
+    return below(3) == 0 ? Expression{"`Other`", [](const Row& row) { return row.other; }}
+                         : Expression{"`Value`", [](const Row& row) { return row.value; }};
+}
+
 Expression Generator::text(int depth) {
     if (depth <= 0 || below(4) == 0) {
-        switch (below(4)) {
-        case 0:
-            return quoted(below(2) == 0 ? rowText(true) : "aé");
-        case 1:
-            return {"`Other`", [](const Row& row) { return row.other; }};
-        default:
-            return {"`Value`", [](const Row& row) { return row.value; }};
-        }
+        if (below(4) == 0)
+            return quoted(below(2) == 0 ? cell(true) : "aé");
+        return field();
     }
     const Expression inner = text(depth - 1);
     const std::int64_t count = static_cast<std::int64_t>(below(6)) - 1;
-    switch (below(16)) {
+    switch (below(20)) {
+    case 16:
+        return call("initcap", {inner}, [](const auto& v) { return Value(capitalized(textOf(v[0]))); });
+    case 17:
+        return call("unaccent", {inner}, [](const auto& v) { return Value(withoutAccents(textOf(v[0]))); });
+    case 18:
+        return call("regexp_extract", {inner, quoted("[0-9]+")},
+                    [](const auto& v) { return firstDigits(textOf(v[0])); });
+    case 19:
+        return call("regexp_replace", {inner, quoted("[kK1]"), quoted("<\\0>")}, [](const auto& v) {
+            Text text = textOf(v[0]);
+            for (const char32_t c : {U'k', U'K', U'1'})
+                text = replaced(text, Text(1, c), Text{U'<', c, U'>'});
+            return Value(text);
+        });
     case 14:
         return call("reverse", {inner}, [](const auto& v) {
             Text reversed = textOf(v[0]);
@@ -156,12 +225,22 @@ Expression Generator::text(int depth) {
                     return isNull(first) ? other.meaning(row) : first;
                 }};
     }
-    case 11:
-        return call("max", {inner, part(depth)},
-                    [](const auto& v) { return compareTexts(textOf(v[0]), textOf(v[1])) < 0 ? v[1] : v[0]; });
-    case 12:
-        return call("nullif", {inner, part(depth)},
-                    [](const auto& v) { return textOf(v[0]) == textOf(v[1]) ? Value() : v[0]; });
+    case 11: {
+        const Expression other = part(depth);
+        const bool areCells = isCell(inner) && isCell(other);
+        return call("max", {inner, other}, [areCells](const auto& v) {
+            const Text& a = textOf(v[0]);
+            const Text& b = textOf(v[1]);
+            const bool isTyped = areCells && ((isPlainNumber(a) && isPlainNumber(b)) || (isDate(a) && isDate(b)));
+            return (isTyped ? orderOfCells(a, b) : compareTexts(a, b)) < 0 ? v[1] : v[0];
+        });
+    }
+    case 12: {
+        const Expression other = isCell(inner) && below(2) == 0 ? integer(depth - 1) : part(depth);
+        return call("nullif", {inner, other}, [this, inner, other](const auto& v) {
+            return orderOf(inner, other, v[0], v[1]) == 0 ? Value() : v[0];
+        });
+    }
     default:
         return call("totext", {any(depth - 1)}, [](const auto& v) { return toText(v[0]); });
     }
@@ -173,7 +252,9 @@ Expression Generator::integer(int depth) {
             return number(static_cast<std::int64_t>(below(12)) - 2);
         return {"`Count`", [](const Row& row) { return row.count; }};
     }
-    switch (below(9)) {
+    switch (below(10)) {
+    case 9:
+        return datePart(depth);
     case 8:
         return call("editdistance", {text(depth - 1), part(depth)},
                     [](const auto& v) { return Value(distance(textOf(v[0]), textOf(v[1]))); });
@@ -246,6 +327,11 @@ Expression Generator::real(int depth) {
             const auto number = parseNumber(encode(textOf(v[0])));
             return number ? Value(*number) : Value();
         });
+    if (m_columns == Columns::Typed && below(8) == 0)
+        return call("max", {integer(depth - 1), field()}, [](const auto& v) {
+            const auto cell = orderOfCell(textOf(v[1]), std::int64_t{0}) ? asNumber(v[1]) : Value();
+            return isNull(cell) ? cell : Value(std::max(toReal(v[0]), toReal(cell)));
+        });
     if (depth > 0 && below(3) == 0) {
         const Expression inner = real(depth - 1);
         switch (below(4)) {
@@ -271,9 +357,15 @@ Expression Generator::real(int depth) {
 }
 
 Expression Generator::numberList(int depth) {
-    std::vector<Expression> members{below(2) == 0 ? integer(depth - 1) : real(depth - 1)};
+    const bool hasCells = m_columns == Columns::Typed && below(2) == 0;
+    std::vector<Expression> members{hasCells && below(2) == 0 ? field()
+                                    : below(2) == 0           ? integer(depth - 1)
+                                                              : real(depth - 1)};
     for (std::size_t i = 1 + below(12); i > 0; --i)
-        members.push_back(below(8) == 0 ? integer(depth - 1) : number(static_cast<std::int64_t>(below(20)) - 2));
+        members.push_back(hasCells && below(6) == 0                  ? field()
+                          : isCell(members.front()) && below(6) == 0 ? quoted(cell(true))
+                          : below(8) == 0                            ? integer(depth - 1)
+                                          : number(static_cast<std::int64_t>(below(20)) - 2));
     return listTest(members);
 }
 
@@ -285,11 +377,13 @@ Expression Generator::listTest(std::vector<Expression> members) {
     std::string text = "inlist(";
     for (std::size_t i = 0; i < members.size(); ++i)
         text += (i > 0 ? "," : "") + members[i].text;
-    return {text + ")", [members](const Row& row) {
+    return {text + ")", [this, members](const Row& row) {
                 std::vector<Value> values;
                 for (const Expression& member : members)
                     values.push_back(member.meaning(row));
-                return isAmong(values);
+                return isAmong(values, [&](std::size_t i) {
+                    return orderOf(members.front(), members[i], values.front(), values[i]) == 0;
+                });
             }};
 }
 
@@ -309,15 +403,15 @@ Expression Generator::any(int depth) {
 Expression Generator::compare(const Expression& left, const Expression& right) {
     static const std::array<std::string, 6> kSigns{"==", "!=", "<", "<=", ">", ">="};
     const std::size_t sign = below(kSigns.size());
-    return {"(" + left.text + " " + kSigns[sign] + " " + right.text + ")", [left, right, sign](const Row& row) {
-                Value a = left.meaning(row);
-                Value b = right.meaning(row);
+    return {"(" + left.text + " " + kSigns[sign] + " " + right.text + ")", [this, left, right, sign](const Row& row) {
+                const Value a = left.meaning(row);
+                const Value b = right.meaning(row);
                 if (isNull(a) || isNull(b))
                     return Value();
-                const bool isTextLeft = std::holds_alternative<Text>(a);
-                if (isTextLeft != std::holds_alternative<Text>(b) && isFixed(isTextLeft ? left : right))
-                    (isTextLeft ? a : b) = asNumber(isTextLeft ? a : b);
-                const int o = compareAny(a, b);
+                const std::optional<int> order = orderOf(left, right, a, b);
+                if (!order)
+                    return sign < 2 ? Value(sign == 1) : Value();
+                const int o = *order;
                 const std::array<bool, 6> answers{o == 0, o != 0, o<0, o <= 0, o> 0, o >= 0};
                 return Value(answers[sign]);
             }};
@@ -346,22 +440,115 @@ Expression Generator::junction(int depth) {
             }};
 }
 
+Expression Generator::datePart(int depth) {
+    const Expression text = below(3) > 0 ? field() : this->text(depth - 1);
+    const Expression date = call("todate", {text}, [](const auto& v) {
+        const auto ticks = parseDate(encode(textOf(v[0])));
+        return ticks ? Value(*ticks) : Value();
+    });
+    const auto civil = [](const std::vector<Value>& v, std::size_t i) { return civilOf(integerOf(v[i])); };
+    switch (below(7)) {
+    case 0:
+        return call("year", {date}, [civil](const auto& v) { return Value(civil(v, 0).year); });
+    case 1:
+        return call("month", {date}, [civil](const auto& v) { return Value(civil(v, 0).month); });
+    case 2:
+        return call("day", {date}, [civil](const auto& v) { return Value(civil(v, 0).day); });
+    case 3:
+        return call("quarter", {date}, [civil](const auto& v) { return Value((civil(v, 0).month + 2) / 3); });
+    case 4:
+        return call("day", {call("lastday", {date}, [](const auto& v) { return v[0]; })}, [civil](const auto& v) {
+            // The day before the first of another month.
+            Civil at = civil(v, 0);
+            std::int64_t ticks = integerOf(v[0]);
+            for (Civil next = at; next.month == at.month; next = civilOf(ticks)) {
+                at = next;
+                ticks += kTicksPerDay;
+            }
+            return Value(at.day);
+        });
+    case 5:
+        return call("month", {call("startof", {date, quoted("quarter")}, [](const auto& v) { return v[0]; })},
+                    [civil](const auto& v) { return Value((civil(v, 0).month + 2) / 3 * 3 - 2); });
+    default: {
+        const bool isInMonths = below(2) == 0;
+        const Expression fixed{"todate('2023-12-31 23:00')",
+                               [](const Row&) { return Value(*parseDate("2023-12-31 23:00")); }};
+        const bool isFirst = below(2) == 0;
+        std::vector<Expression> arguments{isFirst ? fixed : date, isFirst ? date : fixed};
+        arguments.push_back(quoted(isInMonths ? "months" : "day"));
+        return call("datediff", arguments, [isInMonths, civil](const auto& v) {
+            const auto months = [&](std::size_t i) { return civil(v, i).year * 12 + civil(v, i).month; };
+            const auto days = [&](std::size_t i) {
+                const std::int64_t ticks = integerOf(v[i]);
+                return ticks / kTicksPerDay - (ticks % kTicksPerDay < 0 ? 1 : 0);
+            };
+            return Value(isInMonths ? months(1) - months(0) : days(1) - days(0));
+        });
+    }
+    }
+}
+
+Expression Generator::compareWithDate() {
+    const Expression subject = field();
+    return {"(" + subject.text + " >= todate('2024-02-29 10:00'))", [subject](const Row& row) {
+                const Value cell = subject.meaning(row);
+                if (isNull(cell) || !isDate(textOf(cell)))
+                    return Value();
+                return Value(orderOfCells(textOf(cell), decode("2024-02-29 10:00")) >= 0);
+            }};
+}
+
+Expression Generator::between(int depth) {
+    const bool isText = below(2) == 0;
+    const bool isOfCells = m_columns == Columns::Typed && below(2) == 0;
+    const auto limit = [&](std::int64_t from, std::size_t count) {
+        if (isOfCells && below(3) == 0)
+            return field();
+        return isText && !isOfCells ? part(depth) : number(static_cast<std::int64_t>(below(count)) + from);
+    };
+    const Expression subject = isOfCells && below(3) > 0 ? field()
+                               : isText && !isOfCells    ? text(depth - 1)
+                                                         : integer(depth - 1);
+    const Expression low = limit(-1, 6);
+    const Expression high = limit(0, 9);
+    Expression test = call("between", {subject, low, high}, [this, subject, low, high](const auto& v) {
+        const std::optional<int> fromLow = orderOf(subject, low, v[0], v[1]);
+        const std::optional<int> fromHigh = orderOf(subject, high, v[0], v[2]);
+        return fromLow && fromHigh ? Value(*fromLow >= 0 && *fromHigh <= 0) : Value();
+    });
+    if (below(2) == 0)
+        test.text = "(" + subject.text + " between " + low.text + " and " + high.text + ")";
+    return test;
+}
+
 Expression Generator::condition(int depth) {
     if (depth > 1 && below(3) == 0)
         return junction(depth);
-    switch (below(16)) {
-    case 14: {
-        const bool isText = below(2) == 0;
-        const Expression subject = isText ? text(depth - 1) : integer(depth - 1);
-        const Expression low = isText ? part(depth) : number(static_cast<std::int64_t>(below(6)) - 1);
-        const Expression high = isText ? part(depth) : number(static_cast<std::int64_t>(below(9)));
-        Expression test = call("between", {subject, low, high}, [](const auto& v) {
-            return Value(compareAny(v[0], v[1]) >= 0 && compareAny(v[0], v[2]) <= 0);
-        });
-        if (below(2) == 0)
-            test.text = "(" + subject.text + " between " + low.text + " and " + high.text + ")";
-        return test;
+    if (m_columns == Columns::Typed && below(3) == 0) {
+        switch (below(4)) {
+        case 0:
+            return compareWithDate();
+        case 1:
+            return compare(field(), field());
+        case 2:
+            return compare(real(depth - 1), field());
+        default:
+            return compare(field(), integer(depth - 1));
+        }
     }
+    switch (below(19)) {
+    case 17:
+        return call("isluhn", {text(depth - 1)}, [](const auto& v) { return Value(isLuhn(textOf(v[0]))); });
+    case 18: {
+        const bool isWhole = below(2) == 0;
+        return call(isWhole ? "isinteger" : "isdate", {text(depth - 1)}, [isWhole](const auto& v) {
+            const std::string text = encode(textOf(v[0]));
+            return Value(isWhole ? parseInteger(text).has_value() : parseDate(text).has_value());
+        });
+    }
+    case 14:
+        return between(depth);
     case 15: {
         // The signs of the pattern and no others: what "like" makes of * and ? is tested by examples.
         std::string pattern;
@@ -427,7 +614,17 @@ Expression Generator::condition(int depth) {
         return call("has_control_chars", {text(depth - 1)},
                     [](const auto& v) { return Value(std::ranges::any_of(textOf(v[0]), isControl)); });
     case 11:
-        return call("isnumber", {text(depth - 1)}, [](const auto& v) { return Value(isNumber(textOf(v[0]))); });
+        return call("isnumber", {text(depth - 1)},
+                    [](const auto& v) { return Value(readNumber(textOf(v[0])).has_value()); });
+    case 16: {
+        // What each reading reads is tested with the readings.
+        static const std::array<std::string, 5> kReadings{"integer", "real", "date", "boolean", "real decimal-comma"};
+        const std::string& reading = kReadings[below(kReadings.size())];
+        return call("fits", {text(depth - 1), quoted(reading)},
+                    [known = *forms::Reading::parse(reading)](const auto& v) {
+                        return Value(known.fits(encode(textOf(v[0]))));
+                    });
+    }
     case 12:
         return call("isblank", {text(depth - 1)},
                     [](const auto& v) { return Value(std::ranges::all_of(textOf(v[0]), isSpace)); });

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "blocks/tests/ReferenceValues.h"
+#include "expression/Program.h"
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -27,7 +29,7 @@ struct Expression {
 
 class Generator {
   public:
-    explicit Generator(std::uint32_t seed) : m_random(seed) {}
+    explicit Generator(std::uint32_t seed, Columns columns = Columns::Texts) : m_random(seed), m_columns(columns) {}
 
     /// A condition, or the same as statements.
     Expression program(int depth);
@@ -38,6 +40,8 @@ class Generator {
 
     /// A short text as in rows, with digits, blanks, signs and, unless `onlyAscii`, letters of all kinds.
     std::string rowText(bool onlyAscii);
+    /// The cell of a row: rowText(), or for typed columns at times a number or a date.
+    std::string cell(bool onlyAscii);
     std::size_t below(std::size_t bound) { return std::uniform_int_distribution<std::size_t>(0, bound - 1)(m_random); }
 
   private:
@@ -51,8 +55,19 @@ class Generator {
     Expression numberList(int depth);
     Expression listTest(std::vector<Expression> members);
     Expression part(int depth);
+    Expression between(int depth);
+    Expression compareWithDate();
+    /// A number of a date.
+    Expression datePart(int depth);
+    Expression field();
+    /// Whether the expression is a column that is compared by what its cells are.
+    [[nodiscard]] bool isCell(const Expression& expression) const;
+    /// None when the values are not in any order; neither is null.
+    [[nodiscard]] std::optional<int> orderOf(const Expression& left, const Expression& right, const Value& a,
+                                             const Value& b) const;
 
     std::mt19937 m_random;
+    Columns m_columns;
 };
 
 } // namespace tavix::expression::reference

@@ -1,11 +1,13 @@
 #include "blocks/tests/ReferenceValues.h"
 
 #include "base/Characters.h"
+#include "base/DateTicks.h"
 #include "base/NumberText.h"
 
 #include <unicode/uchar.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace tavix::expression::reference {
@@ -76,12 +78,71 @@ Value asNumber(const Value& value) {
     return real ? Value(*real) : value;
 }
 
-Value isAmong(const std::vector<Value>& values) {
+namespace {
+
+/// Whole numbers of any size.
+int compareDigits(const std::string& left, const std::string& right) {
+    const auto isNegative = [](const std::string& text) { return text.starts_with('-'); };
+    const auto digits = [](const std::string& text) {
+        const std::size_t first = text.find_first_not_of("+-0");
+        return first == std::string::npos ? std::string() : text.substr(first);
+    };
+    if (digits(left).empty() && digits(right).empty())
+        return 0;
+    if (isNegative(left) != isNegative(right) || digits(left).empty() || digits(right).empty()) {
+        const auto sign = [&](const std::string& text) { return digits(text).empty() ? 0 : isNegative(text) ? -1 : 1; };
+        return order(sign(left), sign(right));
+    }
+    const std::string a = digits(isNegative(left) ? right : left);
+    const std::string b = digits(isNegative(left) ? left : right);
+    return a.size() != b.size() ? order(a.size(), b.size()) : a.compare(b);
+}
+
+bool isWhole(const Text& text) {
+    return text.find_first_of(U".eE") == Text::npos;
+}
+
+} // namespace
+
+std::optional<double> readNumber(const Text& cell) {
+    return isNumber(cell) ? parseNumber(encode(cell)) : std::nullopt;
+}
+
+bool isPlainNumber(const Text& cell) {
+    const std::size_t first = cell.find_first_not_of(U"+-");
+    const bool isPadded =
+        cell.size() > first + 1 && cell[first] == U'0' && cell[first + 1] >= U'0' && cell[first + 1] <= U'9';
+    return readNumber(cell) && !isPadded;
+}
+
+bool isDate(const Text& cell) {
+    return parseDate(encode(cell)).has_value();
+}
+
+std::optional<int> orderOfCell(const Text& cell, const Value& number) {
+    const auto value = readNumber(cell);
+    if (!value)
+        return std::nullopt;
+    if (const auto* integer = std::get_if<std::int64_t>(&number); integer && isWhole(cell))
+        return compareDigits(encode(cell), std::to_string(*integer));
+    return order(*value, toReal(number));
+}
+
+int orderOfCells(const Text& left, const Text& right) {
+    if (isPlainNumber(left) && isPlainNumber(right))
+        return isWhole(left) && isWhole(right) ? compareDigits(encode(left), encode(right))
+                                               : order(*readNumber(left), *readNumber(right));
+    if (isDate(left) && isDate(right))
+        return order(*parseDate(encode(left)), *parseDate(encode(right)));
+    return compareTexts(left, right);
+}
+
+Value isAmong(const std::vector<Value>& values, const std::function<bool(std::size_t)>& equals) {
     if (isNull(values.front()))
         return {};
-    const auto equals = [&](const Value& one) { return !isNull(one) && compareAny(values.front(), one) == 0; };
-    if (std::any_of(values.begin() + 1, values.end(), equals))
-        return true;
+    for (std::size_t i = 1; i < values.size(); ++i)
+        if (!isNull(values[i]) && equals(i))
+            return true;
     return std::any_of(values.begin() + 1, values.end(), isNull) ? Value() : Value(false);
 }
 
@@ -207,6 +268,73 @@ std::string encode(const Text& text) {
             appendCharacter(out, static_cast<std::int32_t>(c));
     }
     return out;
+}
+
+Text capitalized(const Text& text) {
+    Text out;
+    bool isInWord = false;
+    for (const char32_t c : text) {
+        const bool isOfWord = c < kBytes && u_isalnum(static_cast<UChar32>(c)) != 0;
+        out += isInWord ? lower(Text(1, c)) : isOfWord ? upper(Text(1, c)) : Text(1, c);
+        isInWord = isOfWord;
+    }
+    return out;
+}
+
+Text withoutAccents(Text text) {
+    const std::u32string_view accented = U"éÉİ\u212A";
+    for (char32_t& c : text)
+        if (const std::size_t at = accented.find(c); at != Text::npos)
+            c = U"eEIK"[at];
+    return text;
+}
+
+Value firstDigits(const Text& text) {
+    const std::u32string_view digits = U"0123456789";
+    const std::size_t begin = text.find_first_of(digits);
+    if (begin == Text::npos)
+        return {};
+    return text.substr(begin, text.find_first_not_of(digits, begin) - begin);
+}
+
+bool isLuhn(const Text& text) {
+    Text digits;
+    for (const char32_t c : text) {
+        if (c >= U'0' && c <= U'9')
+            digits += c;
+        else if (c != U' ' && c != U'-')
+            return false;
+    }
+    const auto isEdge = [](char32_t c) { return c == U' ' || c == U'-'; };
+    if (digits.size() < 2 || isEdge(text.front()) || isEdge(text.back()))
+        return false;
+    int sum = 0;
+    for (std::size_t i = 0; i < digits.size(); ++i) {
+        const int digit = static_cast<int>(digits[digits.size() - 1 - i] - U'0');
+        const int doubled = 2 * digit;
+        sum += i % 2 == 0 ? digit : doubled / 10 + doubled % 10;
+    }
+    return sum % 10 == 0;
+}
+
+Civil civilOf(std::int64_t ticks) {
+    std::int64_t days = ticks / kTicksPerDay - (ticks % kTicksPerDay < 0 ? 1 : 0);
+    const auto isLeap = [](std::int64_t year) { return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0); };
+    const auto daysOf = [&](const Civil& at) {
+        constexpr std::array<std::int64_t, 12> kDays{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+        return kDays[static_cast<std::size_t>(at.month - 1)] + (at.month == 2 && isLeap(at.year) ? 1 : 0);
+    };
+    Civil at;
+    for (; days < 0; --at.year)
+        days += isLeap(at.year - 1) ? 366 : 365;
+    while (days >= daysOf(at)) {
+        days -= daysOf(at);
+        at.month = at.month % 12 + 1;
+        if (at.month == 1)
+            ++at.year;
+    }
+    at.day = days + 1;
+    return at;
 }
 
 } // namespace tavix::expression::reference

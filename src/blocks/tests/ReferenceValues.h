@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,8 +36,14 @@ int compareTexts(const Text& left, const Text& right);
 int compareAny(const Value& left, const Value& right);
 /// A fixed text that is a number becomes one where it is compared with a number.
 Value asNumber(const Value& value);
-/// Whether the first value is among the others: true when one equals it, else null when one is null.
-Value isAmong(const std::vector<Value>& values);
+/// None when the cell is not a number.
+std::optional<int> orderOfCell(const Text& cell, const Value& number);
+/// Two numbers without leading zeros, two dates, or texts.
+int orderOfCells(const Text& left, const Text& right);
+bool isPlainNumber(const Text& cell);
+bool isDate(const Text& cell);
+/// Whether the first value is among the others: true when it equals one by its index, else null when one is null.
+Value isAmong(const std::vector<Value>& values, const std::function<bool(std::size_t)>& equals);
 /// To one decimal place, as the number is written.
 double roundedToOnePlace(double value);
 
@@ -46,9 +53,30 @@ bool isSpace(char32_t c);
 bool isControl(char32_t c);
 /// sign? (digits [. digits*] | . digits) (e sign? digits)?
 bool isNumber(const Text& text);
+/// None when the text is not a number, or not within the range of a double.
+std::optional<double> readNumber(const Text& text);
 Text trimmed(Text text, bool left, bool right);
 Text substring(const Text& text, std::int64_t first, std::int64_t count);
 Text replaced(const Text& text, const Text& from, const Text& to);
+/// Each word with its first letter in upper case and the others in lower case.
+Text capitalized(const Text& text);
+/// Of the letters that random texts have.
+Text withoutAccents(Text text);
+/// The first digits in a row; null without digits.
+Value firstDigits(const Text& text);
+/// Whether the text is a number of at least two digits, with blanks and hyphens between them, that Luhn's formula
+/// accepts.
+bool isLuhn(const Text& text);
+
+/// A day of the proleptic Gregorian calendar.
+struct Civil {
+    std::int64_t year = 1970;
+    std::int64_t month = 1;
+    std::int64_t day = 1;
+};
+/// Found by counting days.
+Civil civilOf(std::int64_t ticks);
+
 /// Whether the text matches the wildcard pattern, found by matching all prefixes of both.
 bool fits(const Text& text, const Text& pattern);
 

@@ -6,6 +6,7 @@
 #include "report/FieldRecords.h"
 #include "report/ReportTables.h"
 #include "sql/Connection.h"
+#include "support/SampleFits.h"
 #include "support/SampleRepository.h"
 
 #include <fmt/format.h>
@@ -18,6 +19,7 @@ namespace {
 
 using tavix::testing::SampleRepository;
 using tavix::testing::TempFolder;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::SizeIs;
@@ -118,6 +120,25 @@ TEST_F(FieldPictures, DrawRanksPatternsPercentilesAndOutliers) {
     FieldRecord missing = field("customers", "city");
     missing.id = 999;
     EXPECT_FALSE(pictureOfRanks(*m_viewer, missing));
+}
+
+TEST_F(FieldPictures, SayOverWhichValuesTheyAre) {
+    tavix::testing::makeFits(m_sample, 999, "real decimal-comma");
+    change(fmt::format("UPDATE run_field SET value_rows = 500 WHERE field = {0}; UPDATE outlier SET value = "
+                       "'9.000,5' WHERE field = {0} AND side = 'H' AND position = 0",
+                       m_sample.fields.at("customers/balance")));
+    const FieldRecord balance = field("customers", "balance");
+    const std::string base = "Over the 999 of 1,000 values that are numbers with a decimal comma";
+    for (const auto read : {pictureOfValues, pictureOfPercentiles, pictureOfOutliers}) {
+        const auto shown = read(*m_viewer, balance);
+        ASSERT_TRUE(shown && shown->picture);
+        EXPECT_EQ(base, shown->base);
+    }
+    EXPECT_EQ("Distribution of numbers", pictureOfValues(*m_viewer, balance)->picture->title());
+    const auto outliers = pictureOfOutliers(*m_viewer, balance);
+    EXPECT_THAT(testing::hits(outliers->picture->draw(plainCanvas(500, 300))), Contains(HasSubstr("9.000,5: 2 rows")));
+    EXPECT_EQ("", pictureOfPatterns(*m_viewer, balance)->base) << "of all values";
+    EXPECT_EQ("", pictureOfOutliers(*m_viewer, field("customers", "id"))->base);
 }
 
 TEST_F(FieldPictures, SayWhatTheyCannotRead) {

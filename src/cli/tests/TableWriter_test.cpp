@@ -54,6 +54,29 @@ TEST(TextTableWriter, AlignsByDisplayWidthAndNumbersToTheRight) {
     EXPECT_EQ(written({}, {{kValues, {}}}), "(none)\n");
 }
 
+TEST(TableWriter, FiguresOverWhatFitsAreMarkedInTextAndHaveColumnsElsewhere) {
+    Section figures{
+        "figures",
+        "Figures",
+        {{"name", "Name"}, {"count", "Count", Column::Kind::Number}, {"mean", "Mean", Column::Kind::Number}}};
+    figures.columns[2].isMarked = true;
+    figures.fitColumn = static_cast<int>(figures.columns.size());
+    figures.columns.push_back({"fits", "Fits"});
+    const std::vector<Row> rows{
+        {"a", 3, 1.5, "integer"}, {"b", 4, 2.5, KvbDatavar()}, {"c", 5, KvbDatavar(), "integer"}};
+    EXPECT_EQ(written({}, {{figures, rows}}), "Name  Count        Mean\n"
+                                              "----  -----  ----------\n"
+                                              "a         3  1.5 (fits)\n"
+                                              "b         4         2.5\n"
+                                              "c         5           -\n");
+    EXPECT_EQ(written({.format = Format::Csv}, {{figures, rows}}), "name,count,mean,fits\n"
+                                                                   "a,3,1.5,integer\n"
+                                                                   "b,4,2.5,\n"
+                                                                   "c,5,,integer\n");
+    figures.isRecord = true;
+    EXPECT_EQ(written({}, {{figures, {rows[0]}}}), "Name   a\nCount  3\nMean   1.5 (fits)\n");
+}
+
 TEST(TextTableWriter, ComputedFiguresAreRoundedAndValuesAreNot) {
     const Section figures{"figures",
                           "Figures",

@@ -68,8 +68,9 @@ TEST(Catalogue, EachFunctionCanBeCalledWithTheArgumentsThatItNames) {
             for (int i = 0; i < count; ++i) {
                 const char letter = function.parameters[static_cast<std::size_t>(std::min(i, listed - 1))];
                 EXPECT_NE(word(letter), "") << function.name;
-                text +=
-                    (i > 0 ? "," : "") + (letter == 'S' ? std::string("'dd.MM.yyyy'") : fmt::format("`{}`", letter));
+                const bool isReading = function.form == Form::Fits || function.form == Form::ReadNumber;
+                const std::string fixed = isReading ? "'real decimal-comma'" : "'dd.MM.yyyy'";
+                text += (i > 0 ? "," : "") + (letter == 'S' ? fixed : fmt::format("`{}`", letter));
             }
             const Compiled compiled = compile(text + ")", fields, Wanted::Value);
             ASSERT_TRUE(compiled.ok()) << text << describe(compiled.error);

@@ -122,6 +122,12 @@ TEST(Functions, DatesFollowTheCalendar) {
         {"todate('14.01.2001', 'dd.MM.yyyy')", "2001-01-14"},
         {"todate('2001-01-14', 'dd.MM.yyyy')", "null"},
         {"todate(null, 'dd.MM.yyyy')", "null"},
+        {"todate(' 14/01/2001 ', 'date day-first')", "2001-01-14"},
+        {"todate('01/02/2001', 'date month-first')", "2001-01-02"},
+        {"todate('86400', 'date epoch-seconds')", "1970-01-02"},
+        {"todate('x', 'date day-first')", "null"},
+        {"todate('5', 'integer')",
+         "line 1, column 13: \"i\" has no meaning in a date format; put literal letters in single quotes"},
         {"todate('1.1.2001', 'day')",
          "line 1, column 20: \"y\" has no meaning in a date format; put literal letters in single quotes"},
         {"todate('1.1.2001', `Value`)", "line 1, column 20: todate wants a fixed text here"},
@@ -198,6 +204,31 @@ TEST(Functions, CheckDigitsAreVerified) {
         {"isean('036000291452')", "true"},
         {"isean('00000000000')", "false"},
     });
+}
+
+TEST(Functions, ValuesAreReadAsAReadingSays) {
+    const std::string known = "; readings are 'integer', 'real', 'real decimal-comma', 'date', 'date day-first', 'date "
+                              "month-first', 'boolean' and the like";
+    const std::string noReading = "line 1, column 12: \"number\" is not a reading" + known;
+    const std::string noNumber = "line 1, column 16: \"date\" is not a reading of numbers" + known;
+    expectValues({{"fits('12', 'integer')", "true"},
+                  {"fits(' 12 ', 'integer')", "true"},
+                  {"fits('12.5', 'integer')", "false"},
+                  {"fits('', 'integer')", "false"},
+                  {"fits(null, 'integer')", "null"},
+                  {"fits('1.234,5', 'real decimal-comma')", "true"},
+                  {"fits('1,234.5', 'real decimal-comma')", "false"},
+                  {"fits('12%', 'real unit=%')", "true"},
+                  {"fits('13/01/2001', 'date day-first')", "true"},
+                  {"fits('01/13/2001', 'date day-first')", "false"},
+                  {"fits('TRUE', 'boolean')", "true"},
+                  {"fits(`Count`, 'integer')", "true"},
+                  {"fits('12', 'number')", noReading.c_str()},
+                  {"fits('12', `Value`)", "line 1, column 12: fits wants a fixed text here"},
+                  {"tonumber('1.234,5', 'real decimal-comma')", "1234.5000"},
+                  {"tonumber('12%', 'integer unit=%')", "12.0000"},
+                  {"tonumber('x', 'real')", "null"},
+                  {"tonumber('12', 'date')", noNumber.c_str()}});
 }
 
 } // namespace

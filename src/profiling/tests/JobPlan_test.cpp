@@ -78,7 +78,7 @@ TEST_F(JobPlans, APlanTellsWhatIsReadAndRemarksOnExpressions) {
     write("b.csv", "x,y\n1,2\n3,4\n");
     ASSERT_EQ(::mkfifo(m_folder.file("pipe").c_str(), 0600), 0);
     const auto plan = planJob(job("  - {files: [a.csv, b.csv], name: both, sample: {first: 1}}\n"
-                                  "  - {name: some, based on: both, where: \"`x` > 1\"}\n"
+                                  "  - {name: some, based on: both, where: \"trim(`x`) > 1\"}\n"
                                   "  - file: pipe\n"),
                               m_repository, {});
     ASSERT_TRUE(plan.ok()) << plan.error().text;

@@ -240,15 +240,58 @@ TEST_F(RuleRuns, LongValuesAreCutInTheRowLog) {
     EXPECT_EQ(stored("SELECT row_values FROM v_rule_rows"), "[\"" + std::string(3999, 'x') + "\u2026\"]\n");
 }
 
+TEST_F(RuleRuns, ColumnsAreComparedAsWhatTheirCellsAre) {
+    write("t.csv",
+          "price,low,zip,day,mixed\n9.5,9,00501,2024-02-29T12:00:00+02:00,10\n10,9.50,10001,2024-02-29 11:00,9\n"
+          "100,2,99950,\"\",abc\n,,,2023-12-31,\nabc,abd,,,\"\"\n");
+    const auto outcome = run(R"yaml(
+job: J
+tables:
+  - file: t.csv
+    custom metrics:
+      - {name: above, count: "`price` > 5"}
+      - {name: equal, count: "`price` = 10.0"}
+      - {name: listed, count: "`price` in (10, 'abc')"}
+      - {name: unequal, count: "`price` != 10"}
+      - {name: below, count: "`low` <= `price`"}
+      - {name: summed, sum: "if `price` between 9 and 10 then return `price`"}
+      - {name: max mixed, max: mixed}
+      - {name: max price, max: "`price`"}
+      - {name: max zip, max: "`zip`"}
+      - {name: max low, max: "nullif(`low`, 'abd')"}
+      - {name: min zip, min: "`zip`"}
+      - {name: min day, min: "`day`"}
+      - {name: max day, max: "`day`"}
+      - {name: least, metric: "if `max price` > 5 then return 'text' else return 'less'"}
+    rules:
+      - {name: R, condition: '`price` > 5'}
+  - {name: dear, based on: t, where: "`price` >= 10", custom metrics: [{name: dearest, max: "`price`"}, {name: cheapest, min: "`price`"}]}
+)yaml");
+    ASSERT_TRUE(outcome) << outcome.error().text;
+    EXPECT_THAT(outcome->tables.front().remarks, ::testing::ElementsAre());
+    EXPECT_EQ(stored("SELECT metric, value, used_rows, typeof(value) FROM v_custom_metrics ORDER BY metric"),
+              "above|3|3|integer\nbelow|3|3|integer\ncheapest|10|2|integer\ndearest|100|2|integer\nequal|1|1|integer\n"
+              "least|less|NULL|text\nlisted|2|2|integer\n"
+              "max day|2024-02-29 11:00:00|3|text\nmax low|9.50|3|text\nmax mixed|abc|4|text\nmax price|abc|4|text\n"
+              "max zip|99950|3|text\nmin day|2023-12-31|3|text\nmin zip|00501|3|text\nsummed|19.5|2|real\n"
+              "unequal|3|3|integer\n");
+    EXPECT_EQ(stored("SELECT failed_rows, error_rows FROM v_business_rules"), "2|0\n");
+}
+
 TEST_F(RuleRuns, AComparisonOfATextWithANumberIsRemarkedOn) {
     write("t.csv", "amount,city\n9,a\n10,b\n");
     const auto outcome = run("job: J\ntables:\n  - file: t.csv\n    rules:\n"
-                             "      - {name: R, condition: '`amount` > 5'}\n"
-                             "      - {name: S, condition: 'tonumber(`amount`) > 5'}\n");
+                             "      - {name: R, condition: 'trim(`amount`) > 5'}\n"
+                             "      - {name: S, condition: '`amount` > 5'}\n"
+                             "      - {name: T, condition: \"`amount` > '5'\"}\n"
+                             "      - {name: U, condition: \"`amount` == '5'\"}\n");
     ASSERT_TRUE(outcome) << outcome.error().text;
-    const std::string remark = "the rule \"R\": line 1, column 10: this compares texts, where '9' comes after "
-                               "'10'; to compare numbers write tonumber(`amount`)";
-    EXPECT_THAT(outcome->tables.front().remarks, ::testing::ElementsAre(m_job + ":5:30: " + remark));
+    const std::string remark = "the rule \"R\": line 1, column 16: this compares texts, where '9' comes after "
+                               "'10'; to compare numbers write tonumber(...)";
+    EXPECT_THAT(outcome->tables.front().remarks,
+                ::testing::ElementsAre(m_job + ":5:30: " + remark,
+                                       m_job + ":7:30: the rule \"T\": line 1, column 10: this compares texts, where "
+                                               "'9' comes after '10'; to compare numbers write 5 without quotes"));
     EXPECT_THAT(stored("SELECT * FROM v_log"), ::testing::HasSubstr(remark));
 }
 

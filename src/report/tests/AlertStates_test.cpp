@@ -1,6 +1,7 @@
 #include "report/AlertStates.h"
 #include "report/ReportTables.h"
 #include "support/RunScript.h"
+#include "support/SampleFits.h"
 #include "support/SampleRules.h"
 #include "support/SampleViewer.h"
 
@@ -10,6 +11,7 @@
 namespace tavix {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
 
 class AlertStatesOfSample : public testing::SampleViewer {
@@ -50,7 +52,7 @@ class AlertStatesOfSample : public testing::SampleViewer {
         const char* const word = state.isRaised()                                    ? "raised"
                                  : state.verdict.state == AlertVerdict::State::Quiet ? "quiet"
                                                                                      : "unknown";
-        return fmt::format("{}: {} {}, {} before", state.sentence, word, number(state.figure),
+        return fmt::format("{}: {} {}, {} before", state.condition(), word, number(state.figure),
                            number(state.verdict.reference));
     }
     void add(const std::string& values, const std::string& properties) {
@@ -67,6 +69,17 @@ class AlertStatesOfSample : public testing::SampleViewer {
         testing::runScript(m_sample.path, script);
     }
 };
+
+TEST_F(AlertStatesOfSample, AFigureOverWhatFitsIsMarkedAfterTheCondition) {
+    testing::makeFits(m_sample, 999, "real", 1);
+    alert("balance", MetricId::Mean, "COMPARE=0 VALUE1=5");
+    alert("balance", MetricId::NullCount, "COMPARE=0 VALUE1=5");
+    EXPECT_THAT(statesOf(m_sample.salesRuns[1]),
+                ElementsAre("Mean for field balance is greater than 5 (fits): raised 12.3456789, - before",
+                            "Null Count for field balance is greater than 5: quiet 0, - before"));
+    EXPECT_THAT(statesOf(m_sample.salesRuns[0]),
+                Contains("Mean for field balance is greater than 5: raised 12.3456789, - before"));
+}
 
 TEST_F(AlertStatesOfSample, EachRunIsCheckedByItsOwnFigure) {
     alert("name", MetricId::NullCount, "COMPARE=0 VALUE1=228 LEVEL=error");

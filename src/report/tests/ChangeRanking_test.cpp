@@ -42,6 +42,15 @@ std::vector<std::string> ranked(const std::vector<RunChange>& changes) {
     return lines;
 }
 
+TEST(ChangeRanking, AFigureOverWhatFitsIsMarked) {
+    RunChange mean = metric("a", "Mean", 3, 4, 2);
+    RunChange median = metric("a", "Median", 3, 4, 1);
+    mean.basis = FigureBasis::FitsAfter;
+    median.basis = FigureBasis::Fits;
+    EXPECT_THAT(ranked({mean, median}),
+                ElementsAre("2.00 t.a Mean (fits in the later run only): 3, 4, +1; also Median (fits) (2)"));
+}
+
 TEST(ChangeRanking, FiguresThatFollowFromTheRecordsAreToldWithThem) {
     EXPECT_THAT(ranked({records(kTotalRecords, 10'000, 10'200), records(kProcessedRecords, 10'000, 10'200),
                         metric("a", "Count", 10'000, 10'200, 2, true), metric("a", "Non-null Count", 9, 10, 0, true),

@@ -1,5 +1,6 @@
 #include "report/RunComparison.h"
 #include "support/RunScript.h"
+#include "support/SampleFits.h"
 #include "support/SampleRules.h"
 #include "support/SampleViewer.h"
 
@@ -35,10 +36,12 @@ class RunComparisonOfSample : public testing::SampleViewer {
         const auto share = [](const std::optional<double>& percent) {
             return percent ? fmt::format(" ({:.2f}%)", *percent) : std::string();
         };
-        return fmt::format("{} {} {}{}{} {}: {}{} -> {}{}", kSubjects[static_cast<int>(change.subject)],
+        return fmt::format("{} {} {}{}{} {}{}{}: {}{} -> {}{}", kSubjects[static_cast<int>(change.subject)],
                            kKinds[static_cast<int>(change.kind)], change.table, change.field.empty() ? "" : ".",
-                           change.field, change.item.isNull() ? "-" : change.item.str(), change.before.toText().str(),
-                           share(change.percentBefore), change.after.toText().str(), share(change.percentAfter));
+                           change.field, change.item.isNull() ? "-" : change.item.str(),
+                           basisMark(change.basis).empty() ? "" : " ", basisMark(change.basis),
+                           change.before.toText().str(), share(change.percentBefore), change.after.toText().str(),
+                           share(change.percentAfter));
     }
 };
 
@@ -62,6 +65,22 @@ TEST_F(RunComparisonOfSample, MetricsValuesAndPatternsOfAFieldAreCompared) {
                             "value changed customers.balance 0.1: 199 (19.90%) -> 197 (19.70%)",
                             "patterns changed customers.balance -: 2 (69.90%) -> 2 (69.90%)",
                             "pattern changed customers.balance 9.9: 199 (19.90%) -> 197 (19.70%)"));
+}
+
+TEST_F(RunComparisonOfSample, AFigureOverWhatFitsIsToldApart) {
+    testing::makeFits(m_sample, 999, "real", 1);
+    testing::runScript(m_sample.path,
+                       fmt::format("UPDATE run_field SET mean = 10 + run, mode = 'm' || run WHERE field = {}",
+                                   m_sample.fields.at("customers/balance")));
+    const RunComparisonOptions options{.top = 0, .fields = {{{"customers", "balance"}}}};
+    EXPECT_THAT(changes(0, 1, options),
+                ElementsAre("metric changed customers.balance Mean (fits in the later run only): 11 -> 12",
+                            "metric changed customers.balance Mode: m1 -> m2",
+                            "metric changed customers.balance Actual Type: real -> text"));
+    EXPECT_THAT(changes(1, 0, options),
+                Contains("metric changed customers.balance Mean (fits in the earlier run only): 12 -> 11"));
+    EXPECT_THAT(changes(1, 2, options), ElementsAre("metric changed customers.balance Mean (fits): 12 -> 13",
+                                                    "metric changed customers.balance Mode: m2 -> m3"));
 }
 
 TEST_F(RunComparisonOfSample, RecordsFieldsCustomMetricsAndRulesAreCompared) {

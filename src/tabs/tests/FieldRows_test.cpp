@@ -1,9 +1,12 @@
+#include "report/ReportTables.h"
 #include "support/RunScript.h"
+#include "support/SampleFits.h"
 #include "support/SampleViewer.h"
 #include "tabs/ColProfRows.h"
 #include "tabs/OutlierRows.h"
 #include "tabs/PercentileRows.h"
 #include "tabs/PkFkRows.h"
+#include "tabs/SubjectText.h"
 #include "tabs/tests/RowsText.h"
 
 #include <gmock/gmock.h>
@@ -55,6 +58,43 @@ TEST_F(FieldRows, ColumnProfilingShowsEveryMetricInTheUsersOrder) {
     EXPECT_EQ("Percent Null|not a number", lineOf(rows, 23));
     rows.Clear();
     EXPECT_EQ(0, rows.GetRowCount());
+}
+
+TEST_F(FieldRows, FiguresOverWhatFitsAreMarkedAndRounded) {
+    testing::makeFits(m_sample, 999, "real");
+    const auto fields = readFields(*m_viewer, m_sample.tables.at("customers"));
+    const FieldRecord& balance = fields.at(2);
+    ASSERT_EQ("S", balance.typeCode);
+    std::vector<MetricDisplay> metrics;
+    for (const MetricInfo& metric : metricCatalogue())
+        metrics.push_back({std::string(metric.name), false, 0});
+
+    ColProfRows rows;
+    rows.Fill(balance, metrics, true);
+    EXPECT_EQ("Count|1,000", lineOf(rows, 0));
+    EXPECT_EQ("Minimum Value (sample, fits)|-3.5", lineOf(rows, 6));
+    EXPECT_EQ("Mean (fits)|12.346", lineOf(rows, 10));
+    EXPECT_EQ("Over the 999 of 1,000 values that are numbers", rows.GetToolTip(0, 10));
+    EXPECT_EQ("Mode|12.3456789", lineOf(rows, 12)) << "of all rows";
+    EXPECT_EQ("", rows.GetToolTip(0, 12));
+
+    PercentileRows percentiles;
+    ASSERT_TRUE(percentiles.Fill(*m_viewer, balance));
+    EXPECT_EQ("Interval:180|Value{(fits)}:180", headingsOf(percentiles));
+    EXPECT_EQ("Percentiles of the 999 of 1,000 values that are numbers, by linear", percentiles.GetBase().text);
+    ASSERT_TRUE(percentiles.Fill(*m_viewer, fields.at(0)));
+    EXPECT_EQ("Interval:180|Value:180", headingsOf(percentiles)) << "another field has no mark";
+
+    OutlierRows outliers;
+    ASSERT_TRUE(outliers.Fill(*m_viewer, balance));
+    EXPECT_EQ("Minimum Values{(fits)}:180|Maximum Values{(fits)}:180", headingsOf(outliers));
+    EXPECT_EQ("The 3 lowest and the 5 highest of the 999 of 1,000 values that are numbers", outliers.GetBase().text);
+    EXPECT_THAT(outliers.GetBase().toolTip, StartsWith("A mark shows a value beyond a fence"));
+
+    ReportSubject subject;
+    subject.selection.fieldId = balance.id;
+    subject.field = balance;
+    EXPECT_THAT(detailOf(subject), StartsWith("text  ·  999 of 1,000 are numbers  ·  "));
 }
 
 TEST_F(FieldRows, PercentilesShowIntervalsAndValuesAndTheirRule) {

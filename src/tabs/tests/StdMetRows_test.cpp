@@ -1,6 +1,7 @@
 #include "base/Metrics.h"
 #include "report/ReportTables.h"
 #include "support/RunScript.h"
+#include "support/SampleFits.h"
 #include "support/SampleViewer.h"
 #include "tabs/StdMetRows.h"
 
@@ -106,6 +107,29 @@ TEST_F(StdMetRowsOfSample, MetricsOfTheSampleAloneAreMarked) {
               headings(m_rows));
     EXPECT_EQ(unsampled, m_rows.GetColumn(2).identity());
     EXPECT_NE(unsampled, m_rows.GetColumn(3).identity());
+}
+
+TEST_F(StdMetRowsOfSample, FiguresOverWhatFitsAreMarkedInTheirCells) {
+    testing::makeFits(m_sample, 999, "real");
+    const int balance = m_sample.fields.at("customers/balance");
+    ReportSelection amounts;
+    amounts.kind = ReportSelection::Kind::Collection;
+    amounts.id = m_sample.collections.at("Amounts");
+    const auto shown = metrics({MetricId::Count, MetricId::Mean, MetricId::Mode});
+    for (const ReportSelection& selection : {m_customers, amounts}) {
+        ASSERT_TRUE(m_rows.Fill(*m_viewer, selection, shown, {}, static_cast<int>(MetricId::Mean)));
+        const std::int64_t row = m_rows.FindField(balance);
+        const GridCell mean = m_rows.GetCell(3, row);
+        EXPECT_EQ("12.346 (fits)", shownText(mean) + " " + mean.mark);
+        EXPECT_EQ("12.3456789", mean.text) << "the mark is no part of the figure";
+        EXPECT_EQ("Over the 999 of 1,000 values that are numbers", m_rows.GetToolTip(3, row));
+        EXPECT_EQ("", m_rows.GetCell(2, row).mark + m_rows.GetCell(4, row).mark + m_rows.GetToolTip(2, row));
+        EXPECT_EQ("", m_rows.GetCell(3, row == 0 ? 1 : 0).mark) << "of another field";
+    }
+    ASSERT_TRUE(m_rows.Fill(*m_viewer, m_customers, shown, {}, static_cast<int>(MetricId::Mean)));
+    const std::int64_t row = m_rows.FindField(balance);
+    EXPECT_EQ("= (fits)", m_rows.GetCell(8, row).text + " " + m_rows.GetCell(8, row).mark) << "the line of runs";
+    EXPECT_THAT(m_rows.GetToolTip(8, row), StartsWith("Over the 999 of 1,000 values that are numbers\n"));
 }
 
 TEST_F(StdMetRowsOfSample, FieldsCarryTheirCollectionsPicturesAndUnknownMetrics) {

@@ -6,7 +6,9 @@
 #include "tabs/ColProfRows.h"
 #include "tabs/OutlierRows.h"
 #include "tabs/PercentileRows.h"
+#include "tabs/ui/FindingsStrip.h"
 #include "tabs/ui/PicturePane.h"
+#include "tabs/ui/TypesPane.h"
 
 #include <QAction>
 #include <QItemSelectionModel>
@@ -38,6 +40,12 @@ CTabColProf::CTabColProf(CViewSite& site, const ReportSubject& subject, bool isT
             return true;
         };
         AddBeside(*new PicturePane(site, subject, *this, &chart::pictureOfValues));
+        m_findings = new FindingsStrip(site, subject, *this, true);
+        AddAbove(*m_findings);
+        connect(m_findings, &FindingsStrip::TabRequested, this, &CTabColProf::TabRequested);
+        m_types = new TypesPane(site, subject, *this);
+        AddFooter(*m_types);
+        connect(m_types, &TypesPane::TabRequested, this, &CTabColProf::TabRequested);
         break;
     case ItemCode::Percentiles:
         m_fill = [this, &rows = ShowRows(std::make_unique<PercentileRows>())](PrViewer& viewer) {
@@ -88,15 +96,39 @@ void CTabColProf::OnDrillThrough() {
 }
 
 bool CTabColProf::RefillsOn(RefreshHint hint) const {
-    return hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded || hint == RefreshHint::TaskListLost;
+    return hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded || hint == RefreshHint::TaskListLost ||
+           (m_findings && hint == RefreshHint::FindingsChanged);
 }
 
 std::string CTabColProf::GetObstacle() const {
     return Subject().field ? "" : "This run does not have the field.";
 }
 
+QWidget* CTabColProf::GetLastTabStop() {
+    QWidget* const last = m_types ? m_types->GetLastTabStop() : nullptr;
+    return last ? last : CListTab::GetLastTabStop();
+}
+
+void CTabColProf::RowsChanged() {
+    if (!m_types)
+        return;
+    m_types->SetListFont(Grid().font());
+    m_findings->SetListFont(Grid().font());
+    // FillRows() is not called when there is nothing to read.
+    if (!Subject().field || !Site().GetTavixDoc().GetViewer())
+        RefillBeside();
+}
+
 bool CTabColProf::FillRows(PrViewer& viewer) {
-    return m_fill(viewer);
+    const bool isFilled = m_fill(viewer);
+    if (m_types)
+        RefillBeside();
+    return isFilled;
+}
+
+void CTabColProf::RefillBeside() {
+    m_types->Refill();
+    m_findings->Refill();
 }
 
 } // namespace tavix

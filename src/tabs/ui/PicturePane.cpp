@@ -5,9 +5,9 @@
 #include "base/ui/Theme.h"
 #include "chart/ui/DrawingWidget.h"
 #include "doc/CTavixDoc.h"
-#include "filter/FilterMemory.h"
 #include "tabs/PictureWidth.h"
 #include "tabs/ui/CProfTab.h"
+#include "tabs/ui/FieldFilter.h"
 #include "tabs/ui/QuietPalette.h"
 
 #include <QEvent>
@@ -144,7 +144,11 @@ void PicturePane::FillIfSeen() {
         else
             shown.note = read.error().text;
     }
-    m_title->setText(shown.picture ? toQString(shown.picture->title()) : QString());
+    QString title = shown.picture ? toQString(shown.picture->title()) : QString();
+    if (shown.picture && !shown.base.empty())
+        title += toQString(kOverFits);
+    m_title->setText(title);
+    m_title->setToolTip(toQString(shown.base));
     m_note->setText(toQString(shown.note));
     m_note->setVisible(!shown.note.empty());
     m_drawing->setVisible(shown.note.empty());
@@ -173,12 +177,7 @@ void PicturePane::Act(const chart::Action& action) {
 }
 
 void PicturePane::Filter(DistributionKind kind, const std::string& code) {
-    CTavixDoc& document = m_site.GetTavixDoc();
-    const int field = m_subject.field->id;
-    // The filter applies even when the settings cannot be written.
-    (void)FilterMemory(document.GetSettings()).Remember(kind, code);
-    document.GetFieldFilters().Set(field, kind, code);
-    m_site.Broadcast(nullptr, RefreshHint::FilterChanged, field);
+    filterField(m_site, m_subject.field->id, kind, code);
     Q_EMIT TabRequested(kind == DistributionKind::Frequency ? ItemCode::Frequency : ItemCode::Patterns);
 }
 
