@@ -14,6 +14,7 @@ enum class RefreshHint {
     FilterChanged = 9,        ///< a pane has changed a filter of the field whose id is the parameter
     HistoryDeleted = 10,      ///< runs were deleted; the current one is still there
     ComparedRunsChanged = 11, ///< a pane has changed the runs that are compared
+    FindingsChanged = 12,     ///< a pane has dismissed or restored a finding
 };
 
 /// A pane that takes part in refreshing.

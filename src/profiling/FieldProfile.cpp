@@ -136,7 +136,10 @@ class FieldProfiler {
             m_mode = mostFrequent(entries, order);
         if (m_form != KeyForm::None) {
             keyByValue(entries, order);
-            sortByKey(order, spare, m_context.stop);
+            // The texts of dates and of numbers of one length have the order of their values.
+            if (!std::is_sorted(order.begin(), order.end(),
+                                [](const Keyed& a, const Keyed& b) { return a.key < b.key; }))
+                sortByKey(order, spare, m_context.stop);
             if (m_form == KeyForm::LargeInteger)
                 orderLargeIntegers(order, entries);
         }

@@ -1,5 +1,6 @@
 #include "report/RuleDrafts.h"
 
+#include "base/NumberText.h"
 #include "report/CountText.h"
 #include "report/ExpressionText.h"
 
@@ -60,7 +61,7 @@ std::size_t sizeOfDomain(const FieldEvidence& field) {
 
 bool isWritable(const CountedText& value) {
     return value.text.size() <= kLongestListed && value.text.find('\0') == std::string::npos &&
-           value.text.find(kOperand) == std::string::npos;
+           value.text.find_first_of({kOperand, kNumber}) == std::string::npos;
 }
 
 /// 'a', 'b', in the order of the code points, which stays the same when counts change.
@@ -69,6 +70,27 @@ std::string listOf(std::vector<CountedText> values) {
     std::string list;
     for (const CountedText& value : values)
         list += (list.empty() ? "" : ", ") + literalText(value.text);
+    return list;
+}
+
+/// Whether the values are compared as numbers. Integers beyond 2^53 are texts.
+bool isOfNumbers(const FieldEvidence& field) {
+    return field.isType(FieldType::Integer) &&
+           std::all_of(field.values.begin(), field.values.end(), [](const auto& value) {
+               return std::abs(parseNumber(value.text).value_or(0)) <= kExactIntegers;
+           });
+}
+
+/// 3, 5, 8.
+std::string listOfNumbers(const std::vector<CountedText>& values) {
+    std::vector<double> numbers;
+    numbers.reserve(values.size());
+    for (const CountedText& value : values)
+        numbers.push_back(parseNumber(value.text).value_or(0));
+    std::sort(numbers.begin(), numbers.end());
+    std::string list;
+    for (const double number : numbers)
+        list += (list.empty() ? "" : ", ") + formatReal(number);
     return list;
 }
 
@@ -180,8 +202,8 @@ void draftUnique(const FieldEvidence& field, std::vector<RuleDraft>& drafts) {
     draft.reason = runs.all > 1 ? fmt::format("unique in {} of {} runs", runs.meeting, runs.all)
                                 : fmt::format("{} in {}", countOf(field.distinct, "value"), countOf(values, "row"));
     if (repeated > 0)
-        draft.reason += fmt::format("; {} {} the value of another one", countOf(repeated, "row"),
-                                    repeated == 1 ? "has" : "have");
+        draft.reason +=
+            fmt::format("; {} {} the value of another one", countOf(repeated, "row"), repeated == 1 ? "has" : "have");
     draft.violations = repeated;
     draft.confidence = confidenceOf(field, repeated == 0);
     if (field.isSample)
@@ -206,7 +228,9 @@ void draftDomain(const FieldEvidence& field, std::size_t longest, std::vector<Ru
         RuleDraft draft;
         draft.kind = SuggestionKind::Constant;
         draft.predicate = "is constant";
-        draft.conditions = {withMissing(field, fmt::format("{} = {}", kOperand, literalText(field.values[0].text)))};
+        draft.conditions = {withMissing(
+            field, isOfNumbers(field) ? fmt::format("{} = {}", kNumber, listOfNumbers(field.values))
+                                      : fmt::format("{} = {}", kOperand, literalText(field.values[0].text)))};
         draft.reason = fmt::format("1 value in {}{}", countOf(field.filled(), "row"), overRuns(field));
         draft.confidence = confidenceOf(field, true);
         drafts.push_back(std::move(draft));
@@ -216,13 +240,13 @@ void draftDomain(const FieldEvidence& field, std::size_t longest, std::vector<Ru
         return;
     const std::size_t size = sizeOfDomain(field);
     const std::vector<CountedText> kept(field.values.begin(), field.values.begin() + static_cast<std::ptrdiff_t>(size));
-    const std::string list = listOf(kept);
+    const std::string list = isOfNumbers(field) ? listOfNumbers(kept) : listOf(kept);
     if (list.size() > kLongestDomainText)
         return;
     RuleDraft draft;
     draft.kind = SuggestionKind::Domain;
     draft.predicate = fmt::format("is one of {} values", size);
-    draft.conditions = {withMissing(field, fmt::format("{} in ({})", kOperand, list))};
+    draft.conditions = {withMissing(field, fmt::format("{} in ({})", isOfNumbers(field) ? kNumber : kOperand, list))};
     draft.reason = fmt::format("{} in {}{}", countOf(static_cast<std::int64_t>(size), "value"),
                                countOf(field.filled(), "row"), overRuns(field));
     if (size < field.values.size())

@@ -12,16 +12,17 @@
 
 namespace tavix {
 
-/// Where the condition of a draft reads the field: a character that no expression has.
+// Where the condition of a draft reads the field: characters that no expression has.
 inline constexpr char kOperand = '\1';
+inline constexpr char kNumber = '\2'; ///< compared with numbers: a column of a job by itself, a text must be converted
 
 /// A rule that the figures of a field suggest, before its violations are counted.
 struct RuleDraft {
     SuggestionKind kind = SuggestionKind::NotNull;
     SuggestedElement element = SuggestedElement::Rule;
     std::string predicate; ///< follows the field in the name of a rule, "is unique"; begins that of a custom metric
-    /// Conditions with kOperand for the field, of a Rule; the last is taken unless an earlier one has no more than
-    /// `expected` violations.
+    /// Conditions with kOperand and kNumber for the field, of a Rule; the last is taken unless an earlier one has no
+    /// more than `expected` violations.
     std::vector<std::string> conditions{};
     std::string expression{}; ///< of a MetricAlert
     std::optional<SuggestedAlert> alert{};
@@ -33,6 +34,9 @@ struct RuleDraft {
     std::string_view violationNoun = "row";
     double mostPercent = 1; ///< of the rows that may violate it; with more it is not suggested
 };
+
+/// 2^53: integers up to here are exact as doubles.
+inline constexpr double kExactIntegers = 9007199254740992.0;
 
 /// With fewer rows nothing is suggested.
 inline constexpr std::int64_t kFewestRows = 20;

@@ -133,6 +133,9 @@ RunOverview readRunOverview(PrViewer& viewer, int job) {
     }
     std::stable_partition(overview.raisedAlerts.begin(), overview.raisedAlerts.end(),
                           [](const AlertState& state) { return state.isRaisedAt(AlertLevel::Error); });
+    overview.isExamined = viewer.isExamined();
+    overview.findings = readFindings(viewer);
+    std::erase_if(overview.findings, [](const FindingRecord& finding) { return finding.dismissal.has_value(); });
     return overview;
 }
 

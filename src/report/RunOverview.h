@@ -2,6 +2,7 @@
 
 #include "base/TableKind.h"
 #include "report/AlertStates.h"
+#include "report/FindingRecords.h"
 #include "report/RunInfo.h"
 
 #include <cstdint>
@@ -57,6 +58,8 @@ struct RunOverview {
     std::vector<Field> vanishedFields;
     std::vector<Rule> violatedRules;      ///< the largest share of the checked rows first
     std::vector<AlertState> raisedAlerts; ///< errors first, then in the order of the job
+    bool isExamined = false;              ///< false for a run that looked for no findings
+    std::vector<FindingRecord> findings;  ///< that nobody has dismissed, the gravest first
 };
 
 /// The overview of the current run of that job. The number of queries depends on the alerts of the job, not on tables,

@@ -51,6 +51,21 @@ DrillTask drillIntoPattern(PrViewer& viewer, const ReportSubject& subject, const
     return drillIntoField(viewer, subject, pattern, true, DrillOrigin::PatternFrequency, "pattern " + quoted(pattern));
 }
 
+DrillTask drillIntoCondition(const ReportSubject& subject, const std::string& condition, const std::string& words,
+                             std::int64_t inRun) {
+    const FieldRecord& field = *subject.field;
+    DrillTask task;
+    task.request.context = field.name;
+    task.request.subject = field.name + ": " + words;
+    // A sample has fewer rows than its source.
+    if (!subject.table.isSample)
+        task.request.inRun = inRun;
+    task.open = [id = field.id, condition](PrViewer& session, PrViewDisplayMessage& sink) {
+        return DrillCursor(session.drillDownWhere(id, KvbString(condition), &sink));
+    };
+    return task;
+}
+
 DrillTask drillIntoRule(const BusinessRuleRows::Rule& rule, const std::string& name) {
     DrillTask task;
     task.request.origin = DrillOrigin::BusinessRule;

@@ -26,6 +26,10 @@ struct DrillTask {
                                        DrillOrigin origin);
 /// The rows in which the field's value has the pattern.
 [[nodiscard]] DrillTask drillIntoPattern(PrViewer& viewer, const ReportSubject& subject, const KvbString& pattern);
+/// The rows in which the subject's field has a value that meets the condition over `Value`; `words` say which these
+/// are, and the run counted `inRun` of them.
+[[nodiscard]] DrillTask drillIntoCondition(const ReportSubject& subject, const std::string& condition,
+                                           const std::string& words, std::int64_t inRun);
 /// The rows that violated the rule, as far as the run has kept them.
 [[nodiscard]] DrillTask drillIntoRule(const BusinessRuleRows::Rule& rule, const std::string& name);
 

@@ -2,6 +2,7 @@
 
 #include "base/NumberText.h"
 #include "report/CountText.h"
+#include "report/FieldBreakdown.h"
 #include "tabs/MetricText.h"
 
 #include <algorithm>
@@ -17,7 +18,7 @@ namespace {
 using Place = OverviewDoor::Place;
 
 constexpr std::string_view kSeparator = "  ·  ";
-constexpr std::size_t kMostNulls = 1000; // rows of a list that nobody reads to its end
+constexpr std::size_t kMostNulls = 1000; // likewise findings: rows of a list that nobody reads to its end
 
 /// The column that is as wide as there is room.
 GridColumn nameColumn(std::string_view heading, int width) {
@@ -118,6 +119,11 @@ OverviewDoor doorOf(const AlertState& alert) {
     return {};
 }
 
+OverviewDoor doorOf(const FindingRecord& finding) {
+    return finding.fieldId == -1 ? OverviewDoor{Place::Table, finding.tableId}
+                                 : OverviewDoor{Place::Field, finding.tableId, finding.fieldId};
+}
+
 } // namespace
 
 void OverviewList::Show(std::vector<Line> lines, std::string_view emptyText) {
@@ -139,6 +145,8 @@ RunOverviewModel::RunOverviewModel(const std::locale& locale)
     : m_locale(locale),
       m_lists{OverviewList("Tables", {nameColumn("Table", 110), countColumn("Records", 80), countColumn("Change", 148),
                                       countColumn("Damaged", 90)}),
+              OverviewList("Findings", {nameColumn("Finding", 185), listColumn("Field", 130), countColumn("Rows", 75),
+                                        listColumn("Likelihood", 85)}),
               OverviewList("Alerts and rules", {nameColumn("Condition", 185), listColumn("Table", 105),
                                                 countColumn("Figure", 85), listColumn("Kind", 75)}),
               OverviewList("Fields with nulls", {}),
@@ -166,6 +174,7 @@ void RunOverviewModel::ShowSource(int source) {
     MakeTitle();
     MakeCards();
     FillTables();
+    FillFindings();
     FillAlerts();
     FillNulls();
     FillNews();
@@ -218,6 +227,7 @@ void RunOverviewModel::MakeCards() {
     m_cards.clear();
     AddCounts();
     AddTroubles();
+    AddFindings();
 }
 
 // The figures that both runs have.
@@ -296,6 +306,49 @@ void RunOverviewModel::AddTroubles() {
     }
     m_cards.push_back(std::move(alerts));
     m_cards.push_back(std::move(rules));
+}
+
+void RunOverviewModel::AddFindings() {
+    OverviewCard card{.caption = "Findings", .figure = {}, .change = {}, .ofRun = {}, .toolTip = {}, .door = {}};
+    std::vector<FindingRecord> shown;
+    for (const FindingRecord& finding : m_overview.findings) {
+        if (!ShowsTable(finding.tableId))
+            continue;
+        if (shown.empty()) {
+            card.door = doorOf(finding);
+            card.toolTip = "Opens " + finding.place() + ": " + finding.title();
+        }
+        shown.push_back(finding);
+    }
+    card.figure = m_overview.isExamined ? groupedCount(static_cast<std::int64_t>(shown.size())) : "–";
+    const std::string counts = findingCounts(shown);
+    if (!m_overview.isExamined)
+        card.change = kNotExamined;
+    else if (const std::size_t colon = counts.find(": "); colon != std::string::npos)
+        card.change = counts.substr(colon + 2);
+    constexpr int kDefinite = 3;
+    card.isAlarming = !shown.empty() && shown.front().likelihood == kDefinite;
+    if (m_source != kAllSources && m_overview.sources.size() > 1 && m_overview.isExamined)
+        card.ofRun = "of " + groupedCount(static_cast<std::int64_t>(m_overview.findings.size())) + " in the run";
+    m_cards.push_back(std::move(card));
+}
+
+void RunOverviewModel::FillFindings() {
+    std::vector<OverviewList::Line> lines;
+    for (const FindingRecord& finding : m_overview.findings) {
+        if (!ShowsTable(finding.tableId))
+            continue;
+        if (lines.size() == kMostNulls)
+            break;
+        GridCell likelihood = textCell(finding.likelihoodText());
+        likelihood.order = formatInteger(finding.likelihood);
+        lines.push_back(
+            {{textCell(finding.title()), textCell(finding.place()),
+              finding.rows > 0 ? countCell(finding.rows) : textCell({}, CellAlignment::Right), std::move(likelihood)},
+             doorOf(finding)});
+    }
+    m_lists[Findings].Show(std::move(lines), m_overview.isExamined ? "The run gives nothing away."
+                                                                   : "Not examined: the run is of an older version.");
 }
 
 void RunOverviewModel::FillTables() {

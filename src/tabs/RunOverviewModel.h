@@ -69,7 +69,7 @@ class OverviewList final : public CellRows {
 class RunOverviewModel {
   public:
     static constexpr int kAllSources = -1;
-    enum List { Tables, Alerts, Nulls, News, ListCount };
+    enum List { Tables, Findings, Alerts, Nulls, News, ListCount };
 
     /// Formats dates for this locale.
     explicit RunOverviewModel(const std::locale& locale = userLocale());
@@ -97,8 +97,10 @@ class RunOverviewModel {
     void MakeCards();
     void AddCounts();
     void AddTroubles();
+    void AddFindings();
     void FillTables();
     void FillAlerts();
+    void FillFindings();
     void FillNulls();
     void FillNews();
 

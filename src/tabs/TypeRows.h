@@ -19,6 +19,9 @@ class FormRows final : public ListRows {
     /// A filter of the value distribution that keeps exactly the values of the row's form; "" where the expression
     /// language has none.
     [[nodiscard]] const std::string& GetCondition(std::int64_t row) const;
+    [[nodiscard]] const FieldBreakdown::Form& GetForm(std::int64_t row) const {
+        return m_breakdown.forms.at(Record(row));
+    }
 
   private:
     [[nodiscard]] GridCell CellOf(int column, std::size_t record) const override;

@@ -51,6 +51,7 @@ Status TypesModel::Fill(PrViewer& viewer, const FieldRecord& field) {
     if (!breakdown->hasMisfits())
         return {};
     m_misfitCondition = misfitCondition(breakdown->reading);
+    m_misfitRows = breakdown->misfitRows();
     m_misfitHeading = countOf(breakdown->misfitValues(), "value") +
                       (breakdown->misfitValues() == 1 ? " does not fit" : " do not fit");
     m_misfits.Show(*breakdown, std::move(misfits));

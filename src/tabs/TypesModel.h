@@ -30,6 +30,8 @@ class TypesModel {
     /// "15 values do not fit".
     [[nodiscard]] const std::string& GetMisfitHeading() const { return m_misfitHeading; }
 
+    [[nodiscard]] std::int64_t GetMisfitRows() const { return m_misfitRows; }
+
     [[nodiscard]] FormRows& GetForms() { return m_forms; }
     [[nodiscard]] const FormRows& GetForms() const { return m_forms; }
     [[nodiscard]] MisfitRows& GetMisfits() { return m_misfits; }
@@ -40,6 +42,7 @@ class TypesModel {
     std::string m_remark;
     std::string m_misfitCondition;
     std::string m_misfitHeading;
+    std::int64_t m_misfitRows = 0;
     FormRows m_forms;
     MisfitRows m_misfits;
 };

@@ -102,9 +102,32 @@ TEST_F(RowsOfASource, AreReadAsTheJobReadThem) {
     EXPECT_EQ(rows("part.k", "x;y"), "k,v\nx;y,1\ntavix: The run counted a sample of the rows; these are all.\n");
 }
 
+TEST_F(RowsOfASource, ThatDoNotFitAreThoseOfTheBreakdown) {
+    std::string table = "n,age,note\n";
+    for (int i = 1; i <= 40; ++i)
+        table += std::to_string(i) + (i == 7 ? ",unknown," : i == 9 ? ",," : i == 11 ? ",\" \"," : ",30,") + "a\n";
+    write("people.csv", table);
+    const Outcome profiled = runTavix({"profile", m_folder.file("people.csv"), "--job", "P", "-R", m_repository});
+    ASSERT_EQ(profiled.exitCode, 0) << profiled.err;
+    const auto rows = [&](const std::string& field) { return run({field, "--misfit", "--job", "P"}); };
+    EXPECT_EQ(rows("people.age").out, "n,age,note\n7,unknown,a\n");
+    EXPECT_EQ(rows("people.age").err, "");
+    EXPECT_EQ(rows("people.n").out, "n,age,note\n");
+    EXPECT_EQ(rows("people.n").err, "tavix: all values of people.n fit the type integer\n");
+    EXPECT_EQ(rows("people.note").exitCode, 2);
+    EXPECT_EQ(rows("people.note").err,
+              "tavix: people.note is a field of texts: there is no type that its values could fail to fit\n");
+    write("people.csv", table + "41,none,a\n");
+    EXPECT_EQ(rows("people.age").out, "n,age,note\n7,unknown,a\n41,none,a\n");
+    EXPECT_THAT(rows("people.age").err, HasSubstr("1 in the run, 2 now: the source changed since\n"));
+}
+
 TEST_F(RowsOfASource, NeedExactlyOneChoice) {
-    for (const auto& arguments : std::vector<std::vector<std::string>>{
-             {"orders.city"}, {"orders.city", "--null", "--value", "x"}, {"orders.nix", "--null"}, {"--null"}}) {
+    for (const auto& arguments : std::vector<std::vector<std::string>>{{"orders.city"},
+                                                                       {"orders.city", "--null", "--value", "x"},
+                                                                       {"orders.city", "--misfit", "--null"},
+                                                                       {"orders.nix", "--null"},
+                                                                       {"--null"}}) {
         const Outcome outcome = run(arguments);
         EXPECT_EQ(outcome.exitCode, 2) << ::testing::PrintToString(arguments);
         EXPECT_EQ(outcome.out, "");

@@ -198,7 +198,7 @@ TEST_F(Suggest, AConstantAndADomainWithoutItsRareValues) {
     EXPECT_THAT(of(100, [](int i) { return number(i % 2 == 0   ? 3
                                                   : i % 5 == 0 ? 8
                                                                : 5); }),
-                Contains("domain: `f` in ('3', '5', '8') 0"));
+                Contains("domain: `f` in (3, 5, 8) 0"));
     EXPECT_THAT(of(100, [](int i) { return number(1 + i % 5); }), Not(Contains(HasSubstr("domain"))))
         << "a range says more of numbers without a gap";
 }
@@ -210,11 +210,14 @@ TEST_F(Suggest, PatternsAsRegularExpressions) {
                                             : i == 10 ? ""
                                                       : code(i); }),
                 Contains("pattern: isnull(`f`) or matches(`f`, '[A-Z][0-9]{3}') 1"));
-    EXPECT_THAT(of(500, [&](int i) { return i % 50 == 9 ? std::string(static_cast<std::size_t>(i / 50 + 1), '?') : code(i); }, {"--only", "pattern"}),
-                IsEmpty());
-    EXPECT_THAT(of(500, [&](int i) { return i % 50 == 9 ? std::string(static_cast<std::size_t>(i / 50 + 1), '?') : code(i); },
-                   {"--only", "pattern", "--pattern", "95"}),
-                ElementsAre("pattern: matches(`f`, '[A-Z][0-9]{3}') 10"));
+    EXPECT_THAT(
+        of(500, [&](int i) { return i % 50 == 9 ? std::string(static_cast<std::size_t>(i / 50 + 1), '?') : code(i); },
+           {"--only", "pattern"}),
+        IsEmpty());
+    EXPECT_THAT(
+        of(500, [&](int i) { return i % 50 == 9 ? std::string(static_cast<std::size_t>(i / 50 + 1), '?') : code(i); },
+           {"--only", "pattern", "--pattern", "95"}),
+        ElementsAre("pattern: matches(`f`, '[A-Z][0-9]{3}') 10"));
     EXPECT_THAT(of(500, [](int i) { return fmt::format("{}/{}/20{:02}", 1 + i % 12, 1 + i % 28, i % 90); }),
                 Contains("pattern: matches(`f`, '[0-9]{1,2}/[0-9]{1,2}/[0-9]{4}') 0"));
     EXPECT_THAT(of(500, [](int i) { return fmt::format("Ä{:03}.\\", i); }),
@@ -226,16 +229,16 @@ TEST_F(Suggest, PatternsAsRegularExpressions) {
 
 TEST_F(Suggest, RangesWithoutWhatLiesFarOut) {
     EXPECT_THAT(of(400, [](int i) { return fmt::format("{}.5", 10 + i % 37); }),
-                Contains("range: tonumber(`f`) between 0 and 60 0"));
+                Contains("range: `f` between 0 and 60 0"));
     EXPECT_THAT(of(400, [](int i) { return i == 3   ? "99999"
                                            : i == 4 ? ""
                                                     : fmt::format("{}.5", 10 + i % 37); }),
-                Contains("range: isnull(`f`) or tonumber(`f`) between 0 and 60 1"));
+                Contains("range: isnull(`f`) or `f` between 0 and 60 1"));
     EXPECT_THAT(of(400, [](int i) { return number(i == 0   ? 1'000'000
                                                   : i == 1 ? 900'000
                                                            : i * i % 5000); }),
-                Contains(HasSubstr("range: tonumber(`f`) between 0 and 6000 2")));
-    EXPECT_THAT(of(400, [](int i) { return number((1 << i % 20) + i); }), Contains("range: tonumber(`f`) >= 0 0"))
+                Contains(HasSubstr("range: `f` between 0 and 6000 2")));
+    EXPECT_THAT(of(400, [](int i) { return number((1 << i % 20) + i); }), Contains("range: `f` >= 0 0"))
         << "values without an upper bound";
     EXPECT_THAT(of(400, number), Not(Contains(HasSubstr("range")))) << "an identifier grows";
     const auto day = [](int i) { return fmt::format("20{:02}-{:02}-{:02}", 10 + i % 9, 1 + i % 12, 1 + i % 28); };
@@ -249,11 +252,38 @@ TEST_F(Suggest, RangesWithoutWhatLiesFarOut) {
         << "dates that are planned";
 }
 
+TEST_F(Suggest, RangesOfTextsThatAreNumbersOrDates) {
+    const auto withMisfits = [](int i) { return i % 100 == 7 ? "unknown" : fmt::format("{}", 10 + i * 7 % 37); };
+    EXPECT_THAT(of(400, withMisfits), Contains("range: tonumber(`f`, 'integer') between 0 and 50 4"));
+    checkRoundTrip("misfits");
+    const auto written = [](int i) { return fmt::format("{:02}/{:02}/{}", 1 + i % 28, 1 + i / 28 % 12, 2010 + i % 9); };
+    EXPECT_THAT(of(400, written), Contains("range: todate(`f`, 'date day-first') between '2010-01-01' and now() 0"));
+    EXPECT_THAT(of(400, [&](int i) { return i == 9    ? "?"
+                                            : i == 10 ? ""
+                                                      : written(i); }),
+                Contains("range: isnull(`f`) or todate(`f`, 'date day-first') between '2010-01-01' and now() 1"));
+    checkRoundTrip("written dates");
+    const auto first = [](int i) { return fmt::format("\"{} 1 {}\"", i / 2 % 2 == 0 ? "Jan" : "Feb", 2000 + i / 4); };
+    EXPECT_THAT(of(240, first), Not(Contains(HasSubstr("coverage")))) << "ten months of a year have no rows";
+    EXPECT_THAT(
+        of(240,
+           [](int i) {
+               constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                  "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+               return fmt::format("{} 1 {}", kMonths[i / 2 % 12], 2000 + i / 24);
+           }),
+        Contains(
+            "coverage: datediff(todate(`f:Minimum Value`, 'date'), todate(`f:Maximum Value`, 'date'), 'month') + 1 - "
+            "`f:Unique Count` at most 0 0"));
+    checkRoundTrip("written months");
+}
+
 TEST_F(Suggest, LengthsAndTextsThatWereCutOff) {
     const auto mixed = [](int i, int length) {
+        std::minstd_rand random(static_cast<unsigned>(i + 1));
         std::string text;
         for (int k = 0; k < length; ++k)
-            text += static_cast<char>("0123456789abcdef"[static_cast<unsigned>(i * 7919 + k * i * 31 + k * k) % 16]);
+            text += "0123456789abcdef"[random() / 1000 % 16];
         return text;
     };
     EXPECT_THAT(of(600, [&](int i) { return mixed(i * 13, 32); }), Contains("length: length(`f`) = 32 0"));
@@ -370,33 +400,17 @@ tables:
     const std::vector<std::string> rules = conditions(again, "rules", "condition");
     EXPECT_THAT(rules, AllOf(Contains("NOT IsBlank(`f`)"), Contains("tonumber(`f`) > 9 and `n` == 'x'")));
     EXPECT_EQ(listed(again, {"tables"}).size(), 2U);
-    EXPECT_EQ(suggestions({"part"}).size(), 3U) << "a filtered table is examined only when it is chosen";
+    for (const json& one : suggestions())
+        EXPECT_EQ(one["table"], "t") << "a filtered table is examined only when it is chosen";
+    EXPECT_THAT(suggestions({"part"}), Not(IsEmpty()));
 }
 
 TEST_F(Suggest, AwkwardNamesAndValuesSurviveTheJobFile) {
     const std::vector<std::string> names = {"a`b",   "it's", "say \"x\"", "# no", "x: y", "two\nlines", "ü€😀",
                                             " lead", "{a}",  "Value",     "C:\\", "a:b",  "%"};
-    const std::vector<std::string> values = {"it's",
-                                             "\"q\"",
-                                             "C:\\temp\\",
-                                             "\\",
-                                             "a\\'b",
-                                             "line\nbreak",
-                                             "\ttab",
-                                             "# x",
-                                             "- y",
-                                             "null",
-                                             "true",
-                                             "a: b",
-                                             "ü\u2028€",
-                                             "{}",
-                                             "`",
-                                             "%s",
-                                             "''",
-                                             "\xC2\x85",
-                                             "\x01"
-                                             "2",
-                                             "//"};
+    const std::vector<std::string> values = {"it's", "\"q\"", "C:\\temp\\", "\\",       "a\\'b", "line\nbreak", "\ttab",
+                                             "# x",  "- y",   "null",       "true",     "a: b",  "ü\u2028€",    "{}",
+                                             "`",    "%s",    "''",         "\xC2\x85", "\0012", "//"};
     std::string text;
     for (const std::string& name : names)
         text += (text.empty() ? "" : ",") + quoted(name);

@@ -140,6 +140,54 @@ void takeNumbers(ShellWindow& window, Album& album, QTreeView& tree) {
     settle(kPaintMilliseconds);
 }
 
+QAbstractButton* visibleButton(const ShellWindow& window, const char* name) {
+    for (auto* button : window.findChildren<QAbstractButton*>(QLatin1String(name)))
+        if (button->isVisible())
+            return button;
+    return nullptr;
+}
+
+// The dialog that the visible button opens.
+void takeDialogOf(ShellWindow& window, Album& album, const char* button, const QString& name) {
+    QAbstractButton* opener = visibleButton(window, button);
+    if (!opener)
+        return;
+    QTimer::singleShot(kSettleMilliseconds, qApp, [&album, name] {
+        if (QWidget* dialog = QApplication::activeModalWidget()) {
+            album.take(*dialog, name);
+            dialog->close();
+        }
+    });
+    opener->click();
+}
+
+// The first field with values that do not fit its type, with its findings; the selection is as before.
+void takeMisfits(ShellWindow& window, Album& album, QTreeView& tree) {
+    constexpr int kMostFields = 40;
+    const QModelIndex before = tree.currentIndex();
+    const auto hasMisfits = [&window] {
+        const auto labels = window.findChildren<QLabel*>(QStringLiteral("typesText"));
+        return std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
+            return label->isVisible() && label->text().contains(QLatin1String(" fit: "));
+        });
+    };
+    for (int i = 0; i < kMostFields && !hasMisfits(); ++i) {
+        pressDown(tree);
+        settle(kPaintMilliseconds);
+    }
+    if (hasMisfits()) {
+        album.take(window, QStringLiteral("types"));
+        QAbstractButton* toggle = visibleButton(window, "findingsToggle");
+        if (toggle && !visibleButton(window, "findingDismiss"))
+            toggle->click();
+        settle(kPaintMilliseconds);
+        album.take(window, QStringLiteral("findings"));
+        takeDialogOf(window, album, "findingDismiss", QStringLiteral("dismiss-finding"));
+    }
+    tree.setCurrentIndex(before);
+    settle(kPaintMilliseconds);
+}
+
 void takeNavigatorPages(ShellWindow& window, Album& album) {
     auto* navigator = window.findChild<QWidget*>(QStringLiteral("navigator"));
     auto* tabs = navigator ? navigator->findChild<QTabBar*>() : nullptr;
@@ -163,6 +211,7 @@ void takeNavigatorPages(ShellWindow& window, Album& album) {
         tree->setCurrentIndex(tree->model()->index(0, 0));
         settle(kPaintMilliseconds);
         album.take(window, QStringLiteral("overview"));
+        takeDialogOf(window, album, "suggestRules", QStringLiteral("suggested-rules"));
         tree->setCurrentIndex(table);
         tree->expand(tree->currentIndex());
         for (int i = 0; i < 3; ++i)
@@ -172,6 +221,8 @@ void takeNavigatorPages(ShellWindow& window, Album& album) {
     takeTabs(window, album, QStringLiteral("field"));
     if (auto* tree = navigator->findChild<QTreeView*>(QStringLiteral("page0")))
         takeNumbers(window, album, *tree);
+    if (auto* tree = navigator->findChild<QTreeView*>(QStringLiteral("page0")))
+        takeMisfits(window, album, *tree);
 }
 
 } // namespace

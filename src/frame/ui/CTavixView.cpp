@@ -161,9 +161,9 @@ void CTavixView::Refresh(CRefreshItem*, RefreshHint hint, int) {
 
 // A hidden pane receives no refreshes.
 void CTavixView::RefreshOverview(RefreshHint hint) {
-    const bool isOfRuns =
-        hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded || hint == RefreshHint::HistoryDeleted;
-    if (!isOfRuns)
+    const bool concerns = hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded ||
+                          hint == RefreshHint::HistoryDeleted || hint == RefreshHint::FindingsChanged;
+    if (!concerns)
         return;
     m_overview->Forget();
     if (hint == RefreshHint::HistoryDeleted && m_reportPane->currentWidget() == m_overview)

@@ -1,5 +1,5 @@
 #include "report/FieldBreakdown.h"
-#include "support/RunScript.h"
+#include "support/SampleFits.h"
 #include "support/SampleViewer.h"
 
 #include <fmt/format.h>
@@ -102,6 +102,24 @@ TEST(FieldBreakdownConditions, QuoteTheReading) {
 }
 
 using FieldBreakdownOfSample = testing::SampleViewer;
+
+TEST_F(FieldBreakdownOfSample, MisfitsAreTheMostFrequentOnes) {
+    testing::makeFits(m_sample, 200, "date");
+    const int balance = m_sample.fields.at("customers/balance");
+    auto breakdown = readFieldBreakdown(*m_viewer, balance);
+    ASSERT_TRUE(breakdown) << breakdown.error().text;
+    breakdown->fitValues = 0;
+    const auto first = readMisfits(*m_viewer, balance, *breakdown, 2);
+    ASSERT_TRUE(first) << first.error().text;
+    EXPECT_THAT(*first, ElementsAre(CountedValue{"12.3456789", 502}, CountedValue{"-3.5", 300}));
+    breakdown->reading = "real";
+    const auto none = readMisfits(*m_viewer, balance, *breakdown, 9);
+    ASSERT_TRUE(none);
+    EXPECT_THAT(*none, ElementsAre()) << "all of them are numbers";
+    EXPECT_TRUE(breakdown->forms.front().form == "date" && !breakdown->forms.front().fits);
+    breakdown->reading = "no type";
+    EXPECT_FALSE(readMisfits(*m_viewer, balance, *breakdown, 9));
+}
 
 TEST_F(FieldBreakdownOfSample, ARunThatDidNotLookIsNotExamined) {
     const int note = m_sample.fields.at("orders/note");

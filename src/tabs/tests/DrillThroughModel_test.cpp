@@ -65,6 +65,11 @@ TEST_F(DrillThroughModel, TheWindowSaysWhichRowsTheseAre) {
     EXPECT_EQ("name | name: (null value) | 228", ofValue({}));
     EXPECT_EQ("since | since: pattern \u201C9999-99-99\u201D | 999",
               wordsOf(drillIntoPattern(viewer, subject("customers", "since"), "9999-99-99")));
+    EXPECT_EQ("name | name: 2 values do not fit | 12",
+              wordsOf(drillIntoCondition(name, "`Value` = 'x'", "2 values do not fit", 12)));
+    EXPECT_EQ("note | note: Control characters | unknown",
+              wordsOf(drillIntoCondition(subject("orders", "note"), "`Value` = 'x'", "Control characters", 30)))
+        << "of a sample";
     const std::string longValue(5000, 'x');
     EXPECT_LT(ofValue(KvbString(longValue)).size(), 300U);
 }

@@ -44,7 +44,8 @@ TEST_F(OverviewOfSample, TheWholeRunWithItsChangesAndWhatEachFigureOpens) {
                                      "7 Tables|+1 (+16.67 %)||Opens customers",
                                      "16 Fields|+1 (+6.67 %)||Opens customers, which has the most",
                                      "2 Damaged rows!|||Opens airports, which has the most", "0 Alerts raised|||",
-                                     "2 Rules violated!|by 32 rows||Opens Balance is positive of customers"));
+                                     "2 Rules violated!|by 32 rows||Opens Balance is positive of customers",
+                                     "2 Findings!|1 definite, 1 possible||Opens orders.note: Control characters"));
     EXPECT_EQ((OverviewDoor{Place::Table, m_sample.tables.at("airports")}), m_model.GetCards()[3].door);
     EXPECT_EQ(OverviewDoor{}, m_model.GetCards()[4].door);
 
@@ -55,6 +56,11 @@ TEST_F(OverviewOfSample, TheWholeRunWithItsChangesAndWhatEachFigureOpens) {
     EXPECT_THAT(lines(RunOverviewModel::Alerts),
                 ElementsAre("Balance is positive|customers|>21|rule", "Name is known|customers|>11|rule"));
     EXPECT_EQ(Place::Rule, m_model.GetList(RunOverviewModel::Alerts).GetDoor(0).place);
+    EXPECT_THAT(lines(RunOverviewModel::Findings),
+                ElementsAre("Control characters|orders.note|>30|definite", "Few rows|orders|>|possible"));
+    EXPECT_EQ((OverviewDoor{Place::Field, m_sample.tables.at("orders"), m_sample.fields.at("orders/note")}),
+              m_model.GetList(RunOverviewModel::Findings).GetDoor(0));
+    EXPECT_EQ(Place::Table, m_model.GetList(RunOverviewModel::Findings).GetDoor(1).place);
     EXPECT_THAT(lines(RunOverviewModel::Nulls),
                 ElementsAre("remark<1>|customers|>1,000|>100.00[1.00]", "latitude<1>|airports|>2|>40.00[0.40]",
                             "name<1>|customers|>229|>22.90[0.23]", "code<1>|airports|>1|>20.00[0.20]",
@@ -75,7 +81,9 @@ TEST_F(OverviewOfSample, ASourceShowsItsOwnFiguresAndThoseOfTheRun) {
                                      "1 Tables||of 7 in the run|Opens airports",
                                      "2 Fields||of 16 in the run|Opens airports, which has the most",
                                      "2 Damaged rows!||of 2 in the run|Opens airports, which has the most",
-                                     "0 Alerts raised||of 0 in the run|", "0 Rules violated||of 0 in the run|"));
+                                     "0 Alerts raised||of 0 in the run|", "0 Rules violated||of 0 in the run|",
+                                     "0 Findings||of 2 in the run|"));
+    EXPECT_EQ("The run gives nothing away.", m_model.GetList(RunOverviewModel::Findings).GetEmptyText());
     EXPECT_THAT(lines(RunOverviewModel::Tables), ElementsAre("airports<5>|>5|>|>2"));
     EXPECT_THAT(lines(RunOverviewModel::Nulls), ElementsAre("latitude<1>|>2|>40.00[0.40]", "code<1>|>1|>20.00[0.20]"));
     EXPECT_EQ("The same tables and fields as in the run before.",
@@ -84,6 +92,9 @@ TEST_F(OverviewOfSample, ASourceShowsItsOwnFiguresAndThoseOfTheRun) {
 
 TEST_F(OverviewOfSample, SortingTakesTheDoorsAlongAndTheFirstRunHasNothingToCompare) {
     show(0);
+    EXPECT_EQ("– Findings|not examined||", cards().back()) << "not 0";
+    EXPECT_EQ("Not examined: the run is of an older version.",
+              m_model.GetList(RunOverviewModel::Findings).GetEmptyText());
     EXPECT_EQ("This is the first run.", m_model.GetList(RunOverviewModel::News).GetEmptyText());
     EXPECT_THAT(m_model.GetDetail(), HasSubstr("the first run"));
     OverviewList& tables = m_model.GetList(RunOverviewModel::Tables);

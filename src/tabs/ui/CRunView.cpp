@@ -9,11 +9,14 @@
 #include "grid/ui/CUGCtrl.h"
 #include "settings/Settings.h"
 #include "tabs/StoredColumns.h"
+#include "tabs/ui/CSuggestDlg.h"
+#include "tabs/ui/LinkButton.h"
 #include "tabs/ui/OverviewCardButton.h"
 #include "tabs/ui/QuietPalette.h"
 
 #include <QEvent>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QScrollArea>
 #include <QStackedWidget>
@@ -31,6 +34,9 @@ constexpr int kGap = 10;
 constexpr int kCardRoom = 140;   // a row has as many cards as have this width
 constexpr int kTwoColumns = 760; // from this width on, lists are side by side
 constexpr int kLeastListHeight = 172;
+
+/// By which the settings know the lists, in their order.
+constexpr std::array<int, RunOverviewModel::ListCount> kStoredNumbers{0, 4, 1, 2, 3};
 
 QLabel* plainLabel(QWidget* parent, const char* name) {
     auto* label = new QLabel(parent);
@@ -83,7 +89,17 @@ CRunView::CRunView(CViewSite& site, QWidget* parent)
     auto* head = new QVBoxLayout;
     head->setContentsMargins(kMargin, 8, kMargin, 4);
     head->setSpacing(1);
-    head->addWidget(m_title);
+    m_suggest = new LinkButton(this);
+    m_suggest->setObjectName(QStringLiteral("suggestRules"));
+    m_suggest->setText(tr("suggest rules..."));
+    m_suggest->setToolTip(tr("Rules that the figures of the runs suggest, as a job file"));
+    connect(m_suggest, &QPushButton::clicked, this,
+            [this] { CSuggestDlg::Show(m_site, -1, toQString(m_site.GetTavixDoc().GetTitle()), *window()); });
+    auto* first = new QHBoxLayout;
+    first->setSpacing(kMargin);
+    first->addWidget(m_title, 1);
+    first->addWidget(m_suggest);
+    head->addLayout(first);
     head->addWidget(m_detail);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -113,8 +129,9 @@ CRunView::ListPane CRunView::MakeList(int index) {
     list.stack = new QStackedWidget(list.pane);
     list.grid = new CUGCtrl(list.stack);
     list.grid->setAccessibleName(toQString(rows.GetName()));
-    list.grid->SetColumnMemory(
-        std::make_unique<StoredColumns>(m_site.GetTavixDoc().GetSettings(), "overview" + formatInteger(index)));
+    list.grid->SetColumnMemory(std::make_unique<StoredColumns>(
+        m_site.GetTavixDoc().GetSettings(),
+        "overview" + formatInteger(kStoredNumbers.at(static_cast<std::size_t>(index)))));
     list.note = new QLabel(list.stack);
     list.note->setTextFormat(Qt::PlainText);
     list.note->setAlignment(Qt::AlignCenter);
@@ -197,8 +214,11 @@ void CRunView::LayOut() {
     if (listColumns == m_listColumns)
         return;
     m_listColumns = listColumns;
-    for (int i = 0; i < RunOverviewModel::ListCount; ++i)
-        m_listGrid->addWidget(m_lists.at(static_cast<std::size_t>(i)).pane, i / listColumns, i % listColumns);
+    for (int i = 0; i < RunOverviewModel::ListCount; ++i) {
+        const bool isAlone = i + 1 == RunOverviewModel::ListCount && i % listColumns == 0;
+        m_listGrid->addWidget(m_lists.at(static_cast<std::size_t>(i)).pane, i / listColumns, i % listColumns, 1,
+                              isAlone ? listColumns : 1);
+    }
     for (int i = 0; i < RunOverviewModel::ListCount; ++i)
         m_listGrid->setColumnStretch(i, i < listColumns ? 1 : 0);
 }

@@ -17,6 +17,7 @@ class QStackedWidget;
 namespace tavix {
 
 class CUGCtrl;
+class LinkButton;
 class OverviewCardButton;
 
 /// The report pane while a data source, or nothing, is selected: the overview of the run. Its figures and rows lead to
@@ -66,6 +67,7 @@ class CRunView final : public QWidget, public CReportPane {
     int m_run = -1; ///< the run that the model shows; -1 when it must be read
     QLabel* m_title;
     QLabel* m_detail;
+    LinkButton* m_suggest;
     QScrollArea* m_area;
     QWidget* m_contents;
     QGridLayout* m_cardGrid;

@@ -1,11 +1,16 @@
 #include "tabs/ui/CTabBusRule.h"
 
 #include "base/LibraryDate.h"
+#include "base/ui/QtText.h"
+#include "doc/CTavixDoc.h"
 #include "grid/ui/CUGCtrl.h"
 #include "report/CountText.h"
+#include "tabs/ui/CSuggestDlg.h"
+#include "tabs/ui/LinkButton.h"
 #include "tabs/ui/LowerLists.h"
 
 #include <QAction>
+#include <QHBoxLayout>
 
 namespace tavix {
 
@@ -13,6 +18,8 @@ namespace {
 
 /// The index of the row log among the lists below.
 constexpr std::size_t kLog = 1;
+constexpr int kMargin = 12;
+constexpr int kGap = 4;
 constexpr const char* kLogHeading = "Rows that violate the rule";
 
 // The run keeps only the first rows of a rule that many rows violate.
@@ -37,6 +44,33 @@ CTabBusRule::CTabBusRule(CViewSite& site, const ReportSubject& subject, bool isT
     Grid().addAction(m_drillThrough);
     connect(m_drillThrough, &QAction::triggered, this, &CTabBusRule::OnDrillThrough);
     connect(&Grid(), &CUGCtrl::RowActivated, this, &CTabBusRule::OnDrillThrough);
+    auto* suggest = new QAction(tr("&Suggest Rules..."), this);
+    Grid().addAction(suggest);
+    connect(suggest, &QAction::triggered, this, &CTabBusRule::Suggest);
+    m_footer = new QWidget(this);
+    auto* button = new LinkButton(m_footer);
+    button->setObjectName(QStringLiteral("suggestRules"));
+    button->setText(tr("suggest rules..."));
+    button->setToolTip(tr("Rules that the figures of the runs suggest, as a job file"));
+    connect(button, &QPushButton::clicked, this, &CTabBusRule::Suggest);
+    auto* line = new QHBoxLayout(m_footer);
+    line->setContentsMargins(kMargin, kGap, kMargin, kGap);
+    line->addWidget(button);
+    line->addStretch(1);
+    AddFooter(*m_footer);
+    m_suggest = button;
+}
+
+void CTabBusRule::Suggest() {
+    CSuggestDlg::Show(Site(), Subject().table.id, toQString(Subject().table.displayName()), *window());
+}
+
+QWidget* CTabBusRule::GetLastTabStop() {
+    return m_footer->isHidden() ? CListWithDetails::GetLastTabStop() : m_suggest;
+}
+
+void CTabBusRule::PrepareFill() {
+    m_footer->setVisible(Site().GetTavixDoc().GetViewer() && Subject().table.id != -1);
 }
 
 void CTabBusRule::SelectRule(int ruleId) {

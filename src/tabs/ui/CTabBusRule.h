@@ -14,22 +14,28 @@ class CTabBusRule final : public CListWithDetails {
 
     /// Selects the rule's row, if there is one.
     void SelectRule(int ruleId);
+    QWidget* GetLastTabStop() override;
 
   protected:
     [[nodiscard]] std::string GetObstacle() const override;
     bool FillRows(PrViewer& viewer) override;
     void FillDetails(PrViewer& viewer, std::int64_t row) override;
     void NoDetails() override;
+    void PrepareFill() override;
 
   private:
     [[nodiscard]] bool CanDrillThrough() const;
     void OnDrillThrough();
+    /// Rules that the runs suggest for the table.
+    void Suggest();
 
     BusinessRuleRows& m_rows;
     BusinessRuleHistoryRows& m_history;
     RuleLogRows& m_log;
     DrillThrough m_drill;
     QAction* m_drillThrough;
+    QWidget* m_footer;
+    QWidget* m_suggest;
 };
 
 } // namespace tavix

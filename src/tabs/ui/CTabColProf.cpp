@@ -6,6 +6,7 @@
 #include "tabs/ColProfRows.h"
 #include "tabs/OutlierRows.h"
 #include "tabs/PercentileRows.h"
+#include "tabs/ui/FindingsStrip.h"
 #include "tabs/ui/PicturePane.h"
 #include "tabs/ui/TypesPane.h"
 
@@ -39,6 +40,9 @@ CTabColProf::CTabColProf(CViewSite& site, const ReportSubject& subject, bool isT
             return true;
         };
         AddBeside(*new PicturePane(site, subject, *this, &chart::pictureOfValues));
+        m_findings = new FindingsStrip(site, subject, *this, true);
+        AddAbove(*m_findings);
+        connect(m_findings, &FindingsStrip::TabRequested, this, &CTabColProf::TabRequested);
         m_types = new TypesPane(site, subject, *this);
         AddFooter(*m_types);
         connect(m_types, &TypesPane::TabRequested, this, &CTabColProf::TabRequested);
@@ -92,7 +96,8 @@ void CTabColProf::OnDrillThrough() {
 }
 
 bool CTabColProf::RefillsOn(RefreshHint hint) const {
-    return hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded || hint == RefreshHint::TaskListLost;
+    return hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded || hint == RefreshHint::TaskListLost ||
+           (m_findings && hint == RefreshHint::FindingsChanged);
 }
 
 std::string CTabColProf::GetObstacle() const {
@@ -108,11 +113,22 @@ void CTabColProf::RowsChanged() {
     if (!m_types)
         return;
     m_types->SetListFont(Grid().font());
-    m_types->Refill();
+    m_findings->SetListFont(Grid().font());
+    // FillRows() is not called when there is nothing to read.
+    if (!Subject().field || !Site().GetTavixDoc().GetViewer())
+        RefillBeside();
 }
 
 bool CTabColProf::FillRows(PrViewer& viewer) {
-    return m_fill(viewer);
+    const bool isFilled = m_fill(viewer);
+    if (m_types)
+        RefillBeside();
+    return isFilled;
+}
+
+void CTabColProf::RefillBeside() {
+    m_types->Refill();
+    m_findings->Refill();
 }
 
 } // namespace tavix

@@ -9,6 +9,7 @@
 
 namespace tavix {
 
+class FindingsStrip;
 class OutlierRows;
 class TypesPane;
 
@@ -32,13 +33,16 @@ class CTabColProf final : public CListTab {
 
   private:
     void MakeOutliers();
+    /// Reads the findings and types again.
+    void RefillBeside();
     [[nodiscard]] std::optional<KvbString> OutlierToDrill() const;
     void OnDrillThrough();
 
     std::function<bool(PrViewer&)> m_fill;
     DrillThrough m_drill;
-    OutlierRows* m_outliers = nullptr; ///< the list's rows, in the tab of outliers
-    TypesPane* m_types = nullptr;      ///< in the tab of column profiling
+    OutlierRows* m_outliers = nullptr;   ///< the list's rows, in the tab of outliers
+    TypesPane* m_types = nullptr;        ///< in the tab of column profiling
+    FindingsStrip* m_findings = nullptr; ///< likewise
 };
 
 } // namespace tavix

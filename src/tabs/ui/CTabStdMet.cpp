@@ -11,6 +11,7 @@
 #include "grid/ui/CUGCtrl.h"
 #include "settings/Settings.h"
 #include "tabs/FieldPictures.h"
+#include "tabs/ui/FindingsStrip.h"
 
 #include <QItemSelectionModel>
 #include <QLabel>
@@ -36,7 +37,8 @@ CTabStdMet::CTabStdMet(CViewSite& site, const ReportSubject& subject, bool isTor
       m_grid(new CUGCtrl(this)),
       m_note(new QLabel(this)),
       m_collectionMenu(new QMenu(QStringLiteral("&Add to Collection"), this)),
-      m_drill(site, *this) {
+      m_drill(site, *this),
+      m_findings(new FindingsStrip(site, subject, *this, false)) {
     setObjectName(QStringLiteral("standardMetrics"));
     m_note->setTextFormat(Qt::PlainText);
     m_note->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -64,7 +66,9 @@ CTabStdMet::CTabStdMet(CViewSite& site, const ReportSubject& subject, bool isTor
     m_stack->addWidget(m_note);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_stack);
+    layout->setSpacing(0);
+    layout->addWidget(m_findings);
+    layout->addWidget(m_stack, 1);
 }
 
 // The grid must not fetch rows while they are being destroyed.
@@ -164,6 +168,7 @@ bool CTabStdMet::RefillsOn(RefreshHint hint) const {
     case RefreshHint::DocumentReset:
     case RefreshHint::RunLoaded:
     case RefreshHint::OptionsChanged:
+    case RefreshHint::FindingsChanged:
         return true;
     default:
         return false;
@@ -191,6 +196,8 @@ void CTabStdMet::Fill(bool isSameObject) {
     if (failed && isSameObject && m_rows.GetRowCount() > 0)
         return;
     m_grid->setFont(toQFont(readStatFont(document.GetSettings()), font()));
+    m_findings->SetListFont(m_grid->font());
+    m_findings->Refill();
     m_rows = std::move(rows);
     if (isSameObject)
         m_grid->RowsRefilled();

@@ -12,6 +12,7 @@ class QStackedWidget;
 namespace tavix {
 
 class CUGCtrl;
+class FindingsStrip;
 
 /// The standard metrics of the fields of a table or collection: a grid with one row per field.
 class CTabStdMet final : public CProfTab {
@@ -46,6 +47,7 @@ class CTabStdMet final : public CProfTab {
     QLabel* m_note;
     QMenu* m_collectionMenu;
     DrillThrough m_drill;
+    FindingsStrip* m_findings;
 };
 
 } // namespace tavix

@@ -72,6 +72,12 @@ void DrillThrough::OpenPattern(const ReportSubject& subject, const KvbString& pa
         Open(drillIntoPattern(*m_site.GetTavixDoc().GetViewer(), subject, pattern));
 }
 
+void DrillThrough::OpenCondition(const ReportSubject& subject, const std::string& condition, const std::string& words,
+                                 std::int64_t inRun) const {
+    if (IsOffered() && subject.field)
+        Open(drillIntoCondition(subject, condition, words, inRun));
+}
+
 void DrillThrough::OpenRule(const BusinessRuleRows::Rule& rule, const std::string& name) const {
     if (IsOffered())
         Open(drillIntoRule(rule, name));

@@ -27,6 +27,9 @@ class DrillThrough {
     void OpenValue(const ReportSubject& subject, const KvbString& value, DrillOrigin origin) const;
     /// The rows in which the field's value has the pattern.
     void OpenPattern(const ReportSubject& subject, const KvbString& pattern) const;
+    /// The rows whose value meets the condition; see drillIntoCondition().
+    void OpenCondition(const ReportSubject& subject, const std::string& condition, const std::string& words,
+                       std::int64_t inRun) const;
     /// The rows that violated the rule, as far as the run has kept them.
     void OpenRule(const BusinessRuleRows::Rule& rule, const std::string& name) const;
 

@@ -63,15 +63,20 @@ TypesPane::TypesPane(CViewSite& site, const ReportSubject& subject, CProfTab& ta
     m_misfits->setObjectName(QStringLiteral("misfits"));
     m_misfits->setAccessibleName(tr("Values that do not fit"));
     m_misfitHeading->setTextFormat(Qt::PlainText);
+    m_misfitHeading->setObjectName(QStringLiteral("misfitHeading"));
     m_showMisfits->setObjectName(QStringLiteral("showMisfits"));
     m_showMisfits->setText(tr("show them all"));
     m_showMisfits->setAccessibleName(tr("Show all values that do not fit in the frequency distribution"));
     m_showMisfits->setToolTip(m_showMisfits->accessibleName());
 
-    m_filterForm = AddAction(*m_forms, tr("&Show These Values\tEnter"), &TypesPane::FilterToForm);
+    m_drillForm = m_drill.MakeAction();
+    m_forms->addAction(m_drillForm);
+    connect(m_drillForm, &QAction::triggered, this, &TypesPane::OpenForm);
+    m_filterForm = AddAction(*m_forms, tr("&Show These Values"), &TypesPane::FilterToForm);
     m_drillMisfit = m_drill.MakeAction();
     m_misfits->addAction(m_drillMisfit);
     connect(m_drillMisfit, &QAction::triggered, this, &TypesPane::OpenMisfit);
+    m_drillMisfits = AddAction(*m_misfits, tr("Drill Through All That Do Not &Fit"), &TypesPane::OpenMisfits);
     m_filterMisfits = AddAction(*m_misfits, tr("&Show All Values That Do Not Fit"), &TypesPane::FilterToMisfits);
 
     auto* heading = new QHBoxLayout;
@@ -99,7 +104,7 @@ TypesPane::TypesPane(CViewSite& site, const ReportSubject& subject, CProfTab& ta
     layout->addWidget(m_remark);
     layout->addWidget(m_lists);
 
-    connect(m_forms, &CUGCtrl::RowActivated, this, &TypesPane::FilterToForm);
+    connect(m_forms, &CUGCtrl::RowActivated, this, &TypesPane::OpenForm);
     connect(m_misfits, &CUGCtrl::RowActivated, this, &TypesPane::OpenMisfit);
     connect(m_showMisfits, &QPushButton::clicked, this, &TypesPane::FilterToMisfits);
     for (CUGCtrl* grid : {m_forms, m_misfits})
@@ -129,7 +134,6 @@ void TypesPane::Refill() {
     const std::shared_ptr<PrViewer> viewer = m_site.GetTavixDoc().GetSession();
     m_model.Clear();
     if (viewer && m_subject.field) {
-        const std::unique_ptr<Messages::Busy> busy = m_site.GetTavixDoc().GetMessages().busy();
         if (const Status read = m_model.Fill(*viewer, *m_subject.field); !read)
             m_site.WarnSoon("Error occurred while reading the types of the values:\n\n" + read.error().text);
     }
@@ -181,6 +185,8 @@ std::optional<KvbString> TypesPane::CurrentMisfit() const {
 
 void TypesPane::ShowActions() {
     m_filterForm->setEnabled(!CurrentForm().empty());
+    m_drillForm->setEnabled(m_drill.IsOffered() && !CurrentForm().empty());
+    m_drillMisfits->setEnabled(m_drill.IsOffered() && !m_model.GetMisfitCondition().empty());
     m_drillMisfit->setEnabled(m_drill.IsOffered() && CurrentMisfit().has_value());
     m_filterMisfits->setEnabled(!m_model.GetMisfitCondition().empty());
 }
@@ -190,6 +196,18 @@ void TypesPane::OpenMisfit() {
         m_drill.OpenValue(m_subject, *value, DrillOrigin::Frequency);
     else if (m_misfits->GetCurrentRow() >= 0)
         FilterToMisfits();
+}
+
+void TypesPane::OpenForm() {
+    const std::string condition = CurrentForm();
+    if (condition.empty())
+        return;
+    const FieldBreakdown::Form& form = m_model.GetForms().GetForm(m_forms->GetCurrentRow());
+    m_drill.OpenCondition(m_subject, condition, form.form, form.rows);
+}
+
+void TypesPane::OpenMisfits() {
+    m_drill.OpenCondition(m_subject, m_model.GetMisfitCondition(), m_model.GetMisfitHeading(), m_model.GetMisfitRows());
 }
 
 void TypesPane::FilterToForm() {

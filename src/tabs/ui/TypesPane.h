@@ -18,7 +18,8 @@ class CUGCtrl;
 class LinkButton;
 
 /// Below the metrics of a field: which types its values fit, and the values that do not. Enter on a value opens its
-/// source rows; Ctrl+Enter on a form or value, and the link, show the values in the frequency distribution.
+/// source rows, and on a form those of all its values; the context menu and the link show values in the frequency
+/// distribution.
 class TypesPane final : public QWidget {
     Q_OBJECT
   public:
@@ -48,7 +49,9 @@ class TypesPane final : public QWidget {
     /// The condition of the current form; "" without one.
     [[nodiscard]] std::string CurrentForm() const;
     [[nodiscard]] std::optional<KvbString> CurrentMisfit() const;
+    void OpenForm();
     void OpenMisfit();
+    void OpenMisfits();
     void FilterToForm();
     void FilterToMisfits();
     void Filter(const std::string& code);
@@ -65,8 +68,10 @@ class TypesPane final : public QWidget {
     LinkButton* m_showMisfits;
     CUGCtrl* m_forms;
     CUGCtrl* m_misfits;
+    QAction* m_drillForm;
     QAction* m_filterForm;
     QAction* m_drillMisfit;
+    QAction* m_drillMisfits;
     QAction* m_filterMisfits;
 };
 

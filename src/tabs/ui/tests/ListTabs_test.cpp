@@ -83,14 +83,15 @@ TEST_F(ListTabs, FillWhenTheyAreSeenAndOnTheirHintsOnly) {
         std::unique_ptr<CListTab> tab;
         std::vector<RefreshHint> refills;
     };
-    Case cases[] = {{open<CTabColProf>(ItemCode::ColumnProfiling), {DocumentReset, RunLoaded, TaskListLost}},
-                    {open<CTabColProf>(ItemCode::Percentiles), {DocumentReset, RunLoaded, TaskListLost}},
-                    {open<CTabFreqDist>(ItemCode::Frequency), {DocumentReset, RunLoaded, OptionsChanged, TaskListLost}},
-                    {open<CTabFreqDist>(ItemCode::Patterns), {DocumentReset, RunLoaded, OptionsChanged, TaskListLost}}};
+    Case cases[] = {
+        {open<CTabColProf>(ItemCode::ColumnProfiling), {DocumentReset, RunLoaded, TaskListLost, FindingsChanged}},
+        {open<CTabColProf>(ItemCode::Percentiles), {DocumentReset, RunLoaded, TaskListLost}},
+        {open<CTabFreqDist>(ItemCode::Frequency), {DocumentReset, RunLoaded, OptionsChanged, TaskListLost}},
+        {open<CTabFreqDist>(ItemCode::Patterns), {DocumentReset, RunLoaded, OptionsChanged, TaskListLost}}};
     for (Case& each : cases) {
         std::vector<RefreshHint> refilled;
-        for (const RefreshHint hint :
-             {CollectionsRefreshed, DocumentReset, RunLoaded, OptionsChanged, TaskListLost, HistoryDeletion}) {
+        for (const RefreshHint hint : {CollectionsRefreshed, DocumentReset, RunLoaded, OptionsChanged, TaskListLost,
+                                       HistoryDeletion, FindingsChanged}) {
             const int before = m_messages.busyCount();
             each.tab->Refresh(nullptr, hint, 0);
             if (m_messages.busyCount() != before)
