@@ -53,7 +53,7 @@ constexpr CatalogueEntry kEntries[] = {
      "the source has rows with too few or too many cells or with invalid bytes",
      "Cells of these rows are missing or in the wrong column, which shows in every other figure.",
      "Look at the list of damaged rows, and repair how the file is written.",
-     "an alert on the table is not possible: the log of each run lists them"},
+     "the execution log of each run, which lists them"},
 };
 
 } // namespace
