@@ -153,8 +153,8 @@ bool isLengthStable(const FieldEvidence& field) {
 } // namespace
 
 void draftPattern(const FieldEvidence& field, double leastPercent, std::vector<RuleDraft>& drafts) {
-    if (!field.isType(FieldType::Text) || !field.hasAllPatterns || field.filled() < kFewestRows ||
-        hasDraft(drafts, {SuggestionKind::Constant, SuggestionKind::Domain}))
+    if (!field.isType(FieldType::Text) || field.holdsNumbers() || !field.hasAllPatterns ||
+        field.filled() < kFewestRows || hasDraft(drafts, {SuggestionKind::Constant, SuggestionKind::Domain}))
         return;
     std::vector<Form> forms = enough(exactForms(field.patterns), field.filled(), leastPercent);
     if (forms.empty())
