@@ -166,15 +166,16 @@ std::int64_t rowsThatMeet(PrViewer& viewer, int fieldId, std::string_view condit
 
 LengthTail readLengthTail(PrViewer& viewer, int fieldId, std::int64_t longest) {
     LengthTail tail;
-    const auto count = [&](const std::string& condition, std::int64_t& values, std::int64_t& ofRows) {
+    const auto valuesThatMeet = [&](const std::string& condition) {
+        std::int64_t values = 0;
         const ProfileCursorHandle rows = checked(viewer, viewer.getFreqDist(fieldId, KvbString(condition)));
-        for (; rows->next(); ++values)
-            ofRows += rows->getColumnInt64(layout::FreqCount);
+        while (rows->next())
+            ++values;
+        return values;
     };
-    std::int64_t ignored = 0;
-    count(fmt::format("length(`Value`) = {}", longest), tail.valuesAtEnd, tail.rowsAtEnd);
-    count(fmt::format("length(`Value`) between {} and {}", longest - LengthTail::kBefore, longest - 1),
-          tail.valuesBefore, ignored);
+    tail.valuesAtEnd = valuesThatMeet(fmt::format("length(`Value`) = {}", longest));
+    tail.valuesBefore =
+        valuesThatMeet(fmt::format("length(`Value`) between {} and {}", longest - LengthTail::kBefore, longest - 1));
     return tail;
 }
 

@@ -90,7 +90,6 @@ struct FieldEvidence {
 struct LengthTail {
     static constexpr std::int64_t kBefore = 5; ///< lengths before the last
     std::int64_t valuesAtEnd = 0;
-    std::int64_t rowsAtEnd = 0;
     std::int64_t valuesBefore = 0; ///< of all these lengths
 };
 [[nodiscard]] LengthTail readLengthTail(PrViewer& viewer, int fieldId, std::int64_t longest);

@@ -104,7 +104,8 @@ bool isContiguous(const FieldEvidence& field) {
 bool mayBeDomain(const FieldEvidence& field, std::size_t longest) {
     constexpr std::int64_t kRowsOfAValue = 10; // on average; else it is a list that has not been seen to its end
     constexpr std::size_t kMostNumbers = 10;
-    if (!field.hasAllValues || field.values.size() > longest || field.values.size() < 2)
+    // Of texts that are numbers or dates a range says more.
+    if (!field.hasAllValues || field.values.size() > longest || field.values.size() < 2 || field.reading)
         return false;
     const auto size = static_cast<std::int64_t>(field.values.size());
     if (field.isType(FieldType::Real) || field.isType(FieldType::Date) || field.filled() < kRowsOfAValue * size)
