@@ -203,7 +203,9 @@ FieldPicture readPercentiles(PrViewer& viewer, const FieldRecord& field) {
     }
     if (points.size() < 2)
         return {};
-    return {std::make_unique<QuantilePicture>(*kind, std::move(points)), {}, baseOf(field)};
+    return {std::make_unique<QuantilePicture>(*kind, std::move(points), field.fits ? field.fits->reading : ""),
+            {},
+            baseOf(field)};
 }
 
 FieldPicture readOutliers(PrViewer& viewer, const FieldRecord& field) {

@@ -4,6 +4,7 @@
 #include "base/NumberText.h"
 #include "chart/Plot.h"
 #include "chart/Scale.h"
+#include "report/FitFigures.h"
 
 #include <fmt/format.h>
 
@@ -213,13 +214,13 @@ std::string rangeText(const FieldHistogram& histogram, const FieldHistogram::Bin
 }
 
 std::string rangeFilter(const FieldHistogram& histogram, const FieldHistogram::Bin& bin) {
-    std::string_view subject = "tonumber(`Value`)";
+    std::string subject = convertedValue("tonumber", histogram.reading);
     std::string low = bin.lowText;
     std::string high = bin.highText;
     if (histogram.kind == HistogramKind::Lengths)
         subject = "length(`Value`)";
     else if (histogram.kind == HistogramKind::Dates)
-        subject = "todate(`Value`)";
+        subject = convertedValue("todate", histogram.reading);
     if (histogram.kind != HistogramKind::Dates && areSingle(histogram))
         return fmt::format("{} = {}", subject, low);
     if (histogram.kind == HistogramKind::Dates) {

@@ -1,7 +1,9 @@
 #include "chart/QuantilePicture.h"
 
+#include "base/NumberText.h"
 #include "chart/Plot.h"
 #include "chart/Scale.h"
+#include "report/FitFigures.h"
 
 #include <fmt/format.h>
 
@@ -14,15 +16,20 @@ namespace {
 
 constexpr int kRows = 7;
 
-std::string filterUpTo(HistogramKind kind, const std::string& text) {
-    return kind == HistogramKind::Dates ? fmt::format("todate(`Value`) <= '{}'", text)
-                                        : fmt::format("tonumber(`Value`) <= {}", text);
+/// A date that people have written is converted like the values; a number is computed.
+std::string filterUpTo(HistogramKind kind, const QuantilePicture::Point& point, const std::string& reading) {
+    if (kind != HistogramKind::Dates)
+        return fmt::format("{} <= {}", convertedValue("tonumber", reading),
+                           reading.empty() ? point.text : formatReal(point.value));
+    const std::string date = quotedText(point.text);
+    return fmt::format("{} <= {}", convertedValue("todate", reading),
+                       reading.empty() ? date : fmt::format("todate({}, {})", date, quotedText(reading)));
 }
 
 } // namespace
 
-QuantilePicture::QuantilePicture(HistogramKind kind, std::vector<Point> points)
-    : m_kind(kind), m_points(std::move(points)) {}
+QuantilePicture::QuantilePicture(HistogramKind kind, std::vector<Point> points, std::string reading)
+    : m_kind(kind), m_points(std::move(points)), m_reading(std::move(reading)) {}
 
 std::string QuantilePicture::description() const {
     std::string text;
@@ -59,7 +66,7 @@ Drawing QuantilePicture::draw(const Canvas& canvas) const {
         drawing.shapes.emplace_back(Dot{points[i], isQuartile ? 3.5 : 2.5, Role::Accent});
         drawing.hits.push_back({{from, plot.top(), to - from, plot.bottom() - plot.top()},
                                 fmt::format("{:g} % of the values are at most {}", point.percent, point.text),
-                                {ActionKind::FilterValues, KvbString(filterUpTo(m_kind, point.text))}});
+                                {ActionKind::FilterValues, KvbString(filterUpTo(m_kind, point, m_reading))}});
     }
     std::vector<std::pair<double, std::string>> labels;
     for (const int percent : {0, 25, 50, 75, 100})

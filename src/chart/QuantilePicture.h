@@ -17,8 +17,9 @@ class QuantilePicture final : public Picture {
         std::string text;
     };
 
-    /// `kind` is Numbers or Dates. The points come in ascending order of their percentage, at least two.
-    QuantilePicture(HistogramKind kind, std::vector<Point> points);
+    /// `kind` is Numbers or Dates. The points come in ascending order of their percentage, at least two. `reading`: see
+    /// FieldHistogram.
+    QuantilePicture(HistogramKind kind, std::vector<Point> points, std::string reading = {});
 
     [[nodiscard]] std::string title() const override { return "Percentiles"; }
     [[nodiscard]] std::string description() const override;
@@ -27,6 +28,7 @@ class QuantilePicture final : public Picture {
   private:
     HistogramKind m_kind;
     std::vector<Point> m_points;
+    std::string m_reading;
 };
 
 } // namespace tavix::chart

@@ -120,6 +120,11 @@ Column percentColumn(const DistributionShare& share) {
     return {std::string(share.ColumnKey()), "% " + share.BaseText(), Column::Kind::Number, kPercentPlaces};
 }
 
+/// The heading of values of a list that may be over the values that fit.
+std::string valueTitle(const std::optional<FitFigures>& fits) {
+    return fits ? "Value" + std::string(kOverFits) : "Value";
+}
+
 /// Follows the title of figures over the values that fit.
 std::string fitRemark(const std::optional<FitFigures>& fits) {
     return fits ? std::string(kOverFits) + ", of " + fitValues(*fits) : std::string();
@@ -339,10 +344,10 @@ void listPatterns(Session& session, Listing& listing, const ChosenField& field, 
 
 void listPercentiles(Session& session, Listing& listing, const ChosenField& field, std::int64_t limit) {
     const std::optional<FitFigures> fits = FitReadings(session.viewer()).Of(field.table.id, field.id);
-    listing.begin(
-        {"percentiles",
-         titleOf("Percentiles", field, kNoLimit, 0) + fitRemark(fits),
-         {{"percentile", "Percentile"}, {"value", "Value", valueKind(field), -1, isNumericType(field.typeCode)}}});
+    listing.begin({"percentiles",
+                   titleOf("Percentiles", field, kNoLimit, 0) + fitRemark(fits),
+                   {{"percentile", "Percentile"},
+                    {"value", valueTitle(fits), valueKind(field), -1, isNumericType(field.typeCode)}}});
     const ProfileCursorHandle percentiles = session.checked(session.viewer().getPercentiles(field.id));
     for (std::int64_t shown = 0; shown < limit && percentiles->next(); ++shown)
         listing.row(Row{percentiles->getColumnValue(layout::PercentileInterval),
@@ -356,7 +361,7 @@ void listOutliers(Session& session, Listing& listing, const ChosenField& field, 
                    titleOf("Outliers", field, kNoLimit, 0) + fitRemark(fits),
                    {{"side", "Side"},
                     {"position", "Position", Column::Kind::Number},
-                    {"value", "Value", valueKind(field)},
+                    {"value", valueTitle(fits), valueKind(field)},
                     {"count", "Count", Column::Kind::Number},
                     {"beyond_fence", "Beyond fence", Column::Kind::Number, 1}}});
     const ProfileCursorHandle outliers = session.checked(session.viewer().getOutliers(field.id));

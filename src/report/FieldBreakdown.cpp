@@ -21,18 +21,8 @@ namespace {
 constexpr std::string_view kTextForm = "text";
 constexpr std::size_t kShownBytes = 40;
 
-std::string quoted(std::string_view text) {
-    std::string out = "'";
-    for (const char c : text) {
-        if (c == '\'')
-            out += '\'';
-        out += c;
-    }
-    return out + "'";
-}
-
 std::string fitsCall(std::string_view reading) {
-    return "fits(`Value`, " + quoted(reading) + ")";
+    return "fits(`Value`, " + quotedText(reading) + ")";
 }
 
 /// A value in a sentence: short, and on one line.

@@ -141,6 +141,8 @@ Result<std::optional<FieldHistogram>> readFieldHistogram(PrViewer& viewer, const
     if (!hasBins)
         return std::optional<FieldHistogram>();
     auto stored = readStored(viewer, field.id);
+    if (stored && field.fits && stored->kind != HistogramKind::Lengths)
+        stored->reading = field.fits->reading;
     if (stored || field.freqCount > kMostToCount)
         return stored;
     return count(viewer, field, static_cast<FieldType>(code.front()));

@@ -29,6 +29,7 @@ struct FieldHistogram {
     BinUnit unit = BinUnit::Number;
     std::vector<Bin> bins; ///< at least one
     std::int64_t total = 0;
+    std::string reading{}; ///< how the values are read when they are those of a text field that fit; else ""
 };
 
 /// With so many distinct values or fewer, the histogram of a run that stored none is computed from the values.

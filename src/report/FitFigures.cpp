@@ -96,6 +96,24 @@ std::optional<std::int64_t> fitTicks(const FitFigures& fits, std::string_view va
     return reading ? reading->ticks(value) : std::nullopt;
 }
 
+std::string convertedValue(std::string_view function, std::string_view reading) {
+    std::string text(function);
+    text += "(`Value`";
+    if (!reading.empty())
+        text += ", " + quotedText(reading);
+    return text + ")";
+}
+
+std::string quotedText(std::string_view text) {
+    std::string out = "'";
+    for (const char c : text) {
+        if (c == '\'')
+            out += '\'';
+        out += c;
+    }
+    return out + "'";
+}
+
 std::string_view fitSuffix(int metricId, const std::optional<FitFigures>& fits) {
     return fits && isOverFits(metricId) ? kOverFits : std::string_view();
 }

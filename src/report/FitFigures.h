@@ -36,6 +36,10 @@ inline constexpr std::string_view kFitsMark = kOverFits.substr(1);
 /// The number that such a value is, and the instant of a date in units of 100 ns since 1970; none for others.
 [[nodiscard]] std::optional<double> fitNumber(const FitFigures& fits, std::string_view value);
 [[nodiscard]] std::optional<std::int64_t> fitTicks(const FitFigures& fits, std::string_view value);
+/// A text as a literal of the expression language.
+[[nodiscard]] std::string quotedText(std::string_view text);
+/// The value of a field as an expression: "tonumber(`Value`)"; with a reading "todate(`Value`, 'date day-first')".
+[[nodiscard]] std::string convertedValue(std::string_view function, std::string_view reading);
 /// kOverFits for a metric over what fits, else "".
 [[nodiscard]] std::string_view fitSuffix(int metricId, const std::optional<FitFigures>& fits);
 

@@ -134,7 +134,13 @@ TEST_F(FieldPictures, SayOverWhichValuesTheyAre) {
         ASSERT_TRUE(shown && shown->picture);
         EXPECT_EQ(base, shown->base);
     }
-    EXPECT_EQ("Distribution of numbers", pictureOfValues(*m_viewer, balance)->picture->title());
+    const auto values = pictureOfValues(*m_viewer, balance);
+    EXPECT_EQ("Distribution of numbers", values->picture->title());
+    EXPECT_EQ(KvbString("tonumber(`Value`, 'real decimal-comma') >= -1000 and tonumber(`Value`, 'real decimal-comma') "
+                        "< -500"),
+              values->picture->draw(plainCanvas(500, 300)).hits.at(0).action.text);
+    EXPECT_EQ(KvbString("tonumber(`Value`, 'real decimal-comma') <= 12.3456789"),
+              pictureOfPercentiles(*m_viewer, balance)->picture->draw(plainCanvas(500, 300)).hits.at(3).action.text);
     const auto outliers = pictureOfOutliers(*m_viewer, balance);
     EXPECT_THAT(testing::hits(outliers->picture->draw(plainCanvas(500, 300))), Contains(HasSubstr("9.000,5: 2 rows")));
     EXPECT_EQ("", pictureOfPatterns(*m_viewer, balance)->base) << "of all values";
