@@ -1,24 +1,28 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
-#include <iterator>
+#include <cstdint>
 #include <string_view>
 
 /// Texts that people and programs write where a value is unknown.
 namespace tavix::findings {
 
+/// For each length of a placeholder a bit for each first character, by its lower five bits, which ignore case.
+inline constexpr auto kPlaceholderStarts = [] {
+    constexpr std::array<std::string_view, 17> kFirst = {
+        "", "-.?", "-.?n", "-.?nutf", "n#ta", "d", "(<tqf", "umn(", "n", "u(n", "", "ul", "", "n", "n", "", "t"};
+    std::array<std::uint32_t, kFirst.size()> starts{};
+    for (std::size_t length = 0; length < kFirst.size(); ++length)
+        for (const char first : kFirst[length])
+            starts[length] |= std::uint32_t{1} << (static_cast<unsigned char>(first) & 31U);
+    return starts;
+}();
+
 /// False for nearly every other text.
 [[nodiscard]] constexpr bool mayBePlaceholder(std::string_view text) {
-    // For each length the first characters that a placeholder of it has, by the lower five bits, which ignore case.
-    constexpr std::string_view kFirst[] = {"",    "-.?", "-.?n", "-.?nutf", "n#ta", "d", "(<tqf", "umn(", "n",
-                                           "u(n", "",    "ul",   "",        "n",    "n", "",      "t"};
-    if (text.empty() || text.size() >= std::size(kFirst))
-        return false;
-    const auto bits = [](char c) { return static_cast<unsigned char>(c) & 31U; };
-    for (const char first : kFirst[text.size()])
-        if (bits(first) == bits(text.front()))
-            return true;
-    return false;
+    return !text.empty() && text.size() < kPlaceholderStarts.size() &&
+           (kPlaceholderStarts[text.size()] >> (static_cast<unsigned char>(text.front()) & 31U) & 1U) != 0;
 }
 /// Whether the text is such a word in lower case, in upper case or with a capital, or a sign such as "-".
 [[nodiscard]] bool isPlaceholder(std::string_view text);

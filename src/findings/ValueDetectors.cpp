@@ -7,6 +7,8 @@
 #include "findings/ValueJudges.h"
 
 #include <algorithm>
+#include <array>
+#include <mutex>
 #include <optional>
 #include <utility>
 
@@ -24,16 +26,19 @@ constexpr std::size_t kMostPatterns = 16;
 /// Enough to compare the greatest length with those below it.
 constexpr std::size_t kGreatestLengths = 6;
 
-/// The conditions of all tests; compiled once, when the first value needs one.
+/// The condition of a test, compiled when the first value needs it.
 const expression::Program& programOf(ValueTest test) {
-    static const std::vector<expression::Program> kPrograms = [] {
+    struct Compiled {
+        std::once_flag once;
+        std::optional<expression::Program> program;
+    };
+    static std::array<Compiled, kValueTestCount> compiled;
+    Compiled& own = compiled[static_cast<std::size_t>(test)];
+    std::call_once(own.once, [&] {
         const expression::Field fields[] = {{"Value", expression::Type::Text}};
-        std::vector<expression::Program> programs;
-        for (const ValueTestInfo& info : valueTests())
-            programs.push_back(*expression::compile(info.condition, fields, expression::Wanted::Condition, 0).program);
-        return programs;
-    }();
-    return kPrograms[static_cast<std::size_t>(test)];
+        own.program = *expression::compile(conditionOf(test), fields, expression::Wanted::Condition, 0).program;
+    });
+    return *own.program;
 }
 
 bool mayBeBlank(char first) {

@@ -116,14 +116,40 @@ using namespace byte_kind; // NOLINT(google-build-using-namespace): every functi
     return it.has(kLower) ? Verdict::Yes : maybe(it.has(kBeyondAscii));
 }
 [[nodiscard]] inline Verdict eMail(const Candidate& it) {
-    return maybe(it.has(kAt) && it.has(kDot) && !it.has(kSpace));
+    const std::size_t at = it.has(kAt) && it.has(kDot) ? it.text.find('@') : std::string_view::npos;
+    if (at == std::string_view::npos || at == 0)
+        return Verdict::No;
+    const auto isInLabel = [](char c) { return isAsciiDigit(c) || isAsciiLetter(c) || c == '-'; };
+    const auto isInName = [&](char c) { return isInLabel(c) || c == '.' || c == '_' || c == '%' || c == '+'; };
+    const std::string_view host = it.text.substr(at + 1);
+    const std::size_t lastDot = host.rfind('.');
+    if (lastDot == std::string_view::npos || lastDot == 0 || host.front() == '.' ||
+        host.find("..") != std::string_view::npos)
+        return Verdict::No;
+    const std::string_view top = host.substr(lastDot + 1);
+    return surely(top.size() >= 2 && top.size() <= 24 && std::all_of(top.begin(), top.end(), isAsciiLetter) &&
+                  std::all_of(host.begin(), host.end(), [&](char c) { return isInLabel(c) || c == '.'; }) &&
+                  std::all_of(it.text.begin(), it.text.begin() + static_cast<std::ptrdiff_t>(at), isInName));
+}
+/// Whether the text is written like `form`, in which 9 is any digit and - a hyphen, point or blank.
+[[nodiscard]] inline bool isLike(std::string_view text, std::string_view form) {
+    return std::equal(text.begin(), text.end(), form.begin(), form.end(), [](char c, char wanted) {
+        return wanted == '9' ? isAsciiDigit(c) : c == wanted || (wanted == '-' && (c == '.' || c == ' '));
+    });
 }
 [[nodiscard]] inline Verdict phone(const Candidate& it) {
     constexpr std::size_t kLeast = 9;
-    if (it.text.size() < kLeast || it.text.size() > 21 || it.has(kLetters | kColon | kComma) || !it.has(kDigit))
+    const std::string_view text = it.text;
+    if (text.size() < kLeast || text.size() > 21 ||
+        !it.hasOnly(kDigit | kSpace | kDot | kHyphen | kSlash | kPlus | kParenthesis | kOther))
         return Verdict::No;
-    const char first = it.text.front();
-    return maybe(first == '+' || first == '(' || (it.text.size() == 12 && !isAsciiDigit(it.text[3])));
+    if (text.front() != '+')
+        return surely(isLike(text, "999-999-9999") || isLike(text, "(999) 999-9999") || isLike(text, "(999)999-9999"));
+    const auto isInside = [](char c) {
+        return isAsciiDigit(c) || c == ' ' || c == '(' || c == ')' || c == '.' || c == '/' || c == '-';
+    };
+    return surely(isAsciiDigit(text[1]) && isAsciiDigit(text.back()) &&
+                  std::all_of(text.begin() + 1, text.end(), isInside));
 }
 [[nodiscard]] inline Verdict url(const Candidate& it) {
     return maybe(it.has(kLetters) && (it.has(kSlash) ? it.has(kColon) || it.has(kDot) : it.has(kDot)) &&
@@ -138,7 +164,8 @@ using namespace byte_kind; // NOLINT(google-build-using-namespace): every functi
     return maybe(it.hasOnly(kDigit | kLetters | kColon) && std::count(it.text.begin(), it.text.end(), ':') == 7);
 }
 [[nodiscard]] inline Verdict cardNumber(const Candidate& it) {
-    return maybe(it.text.size() > 14 && it.text.size() < 20 && it.hasOnly(kDigit | kSpace | kHyphen));
+    return maybe(it.text.size() > 14 && it.text.size() < 20 && it.text.front() >= '2' && it.text.front() <= '6' &&
+                 it.hasOnly(kDigit | kSpace | kHyphen));
 }
 [[nodiscard]] inline Verdict iban(const Candidate& it) {
     return maybe(it.text.size() > 14 && it.text.size() < 45 && it.hasOnly(kDigit | kUpper | kSpace) &&
