@@ -72,9 +72,14 @@ void FormCounts::takeNumber(std::string_view text, ValueKind kind, std::uint64_t
 }
 
 void FormCounts::takeText(std::string_view text, std::uint64_t count) {
+    ValueTally& plain = m_kinds[static_cast<std::size_t>(ValueKind::Text)];
+    if (ValueForm::isSurelyText(text)) {
+        plain.add(text, count);
+        return;
+    }
     const ValueForm form = ValueForm::of(text, ValueKind::Text);
     if (form.family == ValueForm::Family::Text)
-        m_kinds[static_cast<std::size_t>(ValueKind::Text)].add(text, count);
+        plain.add(text, count);
     else
         takeForm(form, text, count);
 }

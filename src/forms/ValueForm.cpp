@@ -256,6 +256,14 @@ ValueForm ValueForm::of(std::string_view text, ValueKind kind) {
     return form;
 }
 
+bool ValueForm::isSurelyText(std::string_view text) {
+    const auto isVisible = [](char c) { return c > ' ' && c < '\x7F'; };
+    if (!isVisible(text.front()) || !isVisible(text.back()))
+        return false; // there may be white space at its ends
+    const Suspicion suspicion = suspect(text);
+    return !suspicion.isNumber && !suspicion.isDate && !suspicion.isPadded;
+}
+
 std::uint64_t ValueForm::key() const {
     std::uint64_t key = unit;
     const auto add = [&](unsigned bits, std::uint64_t value) { key = key << bits | value; };

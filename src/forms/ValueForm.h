@@ -37,6 +37,10 @@ struct ValueForm {
     /// Of a value that is neither empty nor blank; `kind` is its kindOf().
     [[nodiscard]] static ValueForm of(std::string_view text, ValueKind kind);
 
+    /// Whether of() finds nothing but text, decided at little cost; false for a few plain texts as well. `text` is not
+    /// empty and fits no strict type.
+    [[nodiscard]] static bool isSurelyText(std::string_view text);
+
     /// Different for different forms.
     [[nodiscard]] std::uint64_t key() const;
     [[nodiscard]] bool isReadBy(DecimalMark mark) const;
