@@ -171,6 +171,8 @@ void takeMisfits(ShellWindow& window, Album& album, QTreeView& tree) {
             return label->isVisible() && label->text().contains(QLatin1String(" fit: "));
         });
     };
+    if (before.parent().isValid())
+        tree.setCurrentIndex(before.parent());
     for (int i = 0; i < kMostFields && !hasMisfits(); ++i) {
         pressDown(tree);
         settle(kPaintMilliseconds);

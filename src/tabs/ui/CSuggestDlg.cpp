@@ -111,6 +111,8 @@ CSuggestDlg::CSuggestDlg(std::shared_ptr<PrViewer> session, Messages& messages, 
     m_copy->setObjectName(QStringLiteral("copy"));
     m_save->setObjectName(QStringLiteral("saveAs"));
     m_copy->setToolTip(tr("Copy the job file"));
+    for (QPushButton* button : {m_copy, m_save})
+        button->setAutoDefault(false);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(heading);
     layout->addWidget(splitter, 1);
