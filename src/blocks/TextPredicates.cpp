@@ -1,3 +1,4 @@
+#include "base/Ascii.h"
 #include "base/DateTicks.h"
 #include "blocks/Operand.h"
 #include "blocks/Predicate.h"
@@ -7,6 +8,7 @@
 #include "expression/TextOperators.h"
 #include "forms/Reading.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -128,6 +130,26 @@ class MatchPredicate : public Predicate {
     bool m_isWorthSearching; ///< a single byte occurs in too many texts
 };
 
+/// fits(). Most values of a field of numbers are plain digits, which need no closer look.
+class FitTest {
+  public:
+    explicit FitTest(const forms::Reading& reading)
+        : m_reading(reading),
+          m_fitsDigits((reading.type == FieldType::Integer || reading.type == FieldType::Real) && reading.fits("12")) {}
+
+    bool operator()(std::string_view text) const { return (m_fitsDigits && isPlain(text)) || m_reading.fits(text); }
+
+  private:
+    static bool isPlain(std::string_view text) {
+        constexpr std::size_t kMost = 15;
+        return !text.empty() && text.size() <= kMost && (text.front() != '0' || text.size() == 1) &&
+               std::ranges::all_of(text, isAsciiDigit);
+    }
+
+    forms::Reading m_reading;
+    bool m_fitsDigits;
+};
+
 PredicatePtr makeUnaryTest(const Node& node) {
     const Node& text = node.child(0);
     if (isCallOf(node, "isnumber"))
@@ -169,8 +191,7 @@ PredicatePtr makeTextTest(const Node& node) {
     if (isCallOf(node, "starts_with"))
         return makeEach(text, [part](std::string_view whole) { return whole.starts_with(part); });
     if (isCallOf(node, "fits"))
-        return makeEach(
-            text, [reading = *forms::Reading::parse(part)](std::string_view whole) { return reading.fits(whole); });
+        return makeEach(text, FitTest(*forms::Reading::parse(part)));
     if (isCallOf(node, "ends_with"))
         return makeEach(text, [part](std::string_view whole) { return whole.ends_with(part); });
     return nullptr;

@@ -60,7 +60,8 @@ constexpr const char* kFooter =
     "\n"
     "\"tavix COMMAND --help\" describes a command.\n"
     "Results go to standard output, messages to standard error.\n"
-    "Exit codes: 0 success; 1 success, but an alert is raised or something is found (--fail-at); 2 wrong arguments or job file;\n"
+    "Exit codes: 0 success; 1 success, but an alert is raised or a finding is open (--fail-at);\n"
+    "2 wrong arguments or job file;\n"
     "3 a source, the repository or the output failed;\n"
     "4 cancelled, or the run was stored without its empty files.";
 
@@ -77,22 +78,14 @@ struct KnownCommand {
 };
 
 constexpr KnownCommand kCommands[] = {
-    {"inspect", make<InspectCommand>},
-    {"profile", make<ProfileCommand>},
-    {"jobs", make<JobsCommand>},
-    {"runs", make<RunsCommand>},
-    {"tables", make<TablesCommand>},
-    {"fields", make<FieldsCommand>},
-    {"show", make<ShowCommand>},
-    {"rows", make<RowsCommand>},
-    {"compare", make<CompareCommand>},
-    {"rules", make<RulesCommand>},
-    {"alerts", make<AlertsCommand>},
-    {"findings", make<FindingsCommand>},
-    {"notes", make<NotesCommand>},
-    {"suggest", make<SuggestCommand>},
-    {"functions", make<FunctionsCommand>},
-    {"delete-history", make<DeleteHistoryCommand>},
+    {"inspect", make<InspectCommand>},     {"profile", make<ProfileCommand>},
+    {"jobs", make<JobsCommand>},           {"runs", make<RunsCommand>},
+    {"tables", make<TablesCommand>},       {"fields", make<FieldsCommand>},
+    {"show", make<ShowCommand>},           {"rows", make<RowsCommand>},
+    {"compare", make<CompareCommand>},     {"rules", make<RulesCommand>},
+    {"alerts", make<AlertsCommand>},       {"findings", make<FindingsCommand>},
+    {"notes", make<NotesCommand>},         {"suggest", make<SuggestCommand>},
+    {"functions", make<FunctionsCommand>}, {"delete-history", make<DeleteHistoryCommand>},
     {"check", make<CheckCommand>},
 };
 

@@ -31,17 +31,21 @@ KvbDatavar countOrNull(std::int64_t count) {
 
 Row rowOf(const FindingEntry& entry, bool isText, bool isDismissed) {
     const FindingRecord& record = entry.record;
-    Row row{std::string(record.likelihoodText()), record.table, textOrNull(record.field), record.code,
-            countOrNull(record.values), countOrNull(record.rows)};
+    Row row{std::string(record.likelihoodText()),
+            record.table,
+            textOrNull(record.field),
+            record.code,
+            countOrNull(record.values),
+            countOrNull(record.rows)};
     if (isDismissed && record.dismissal)
         row.insert(row.end(), {record.dismissal->reason, record.dismissal->user, shownDate(record.dismissal->date)});
     if (isText) {
         row.emplace_back(entry.sentence);
         return row;
     }
-    for (const std::string_view text : {std::string_view(record.detail), std::string_view(record.condition),
-                                        std::string_view(entry.sentence), record.meaning(), record.advice(),
-                                        std::string_view(entry.rule), std::string_view(entry.watch)})
+    for (const std::string_view text :
+         {std::string_view(record.detail), std::string_view(record.condition), std::string_view(entry.sentence),
+          record.meaning(), record.advice(), std::string_view(entry.rule), std::string_view(entry.watch)})
         row.push_back(textOrNull(text));
     return row;
 }
@@ -54,8 +58,8 @@ std::optional<Likelihood> parseLikelihood(const std::string& word) {
 }
 
 void failOnFindings(const std::vector<FindingEntry>& open, Likelihood least) {
-    const auto count = std::count_if(open.begin(), open.end(),
-                                     [least](const FindingEntry& entry) { return entry.isAtLeast(least); });
+    const auto count =
+        std::count_if(open.begin(), open.end(), [least](const FindingEntry& entry) { return entry.isAtLeast(least); });
     if (count > 0)
         throw CommandError(ExitCode::Alert, fmt::format("{} {} {}{}", count, count == 1 ? "finding is" : "findings are",
                                                         findings::likelihoodWord(least),
@@ -72,8 +76,9 @@ CLI::App* FindingsCommand::declare(CLI::App& program) {
     command->add_option("-f,--field", m_field, "Only those of this field, as TABLE.FIELD, or as FIELD with --table")
         ->type_name("T.F");
     command
-        ->add_option("--fail-at", m_failAt,
-                     "possible, likely or definite: exit with code 1 if a finding is of this likelihood or a higher one")
+        ->add_option(
+            "--fail-at", m_failAt,
+            "possible, likely or definite: exit with code 1 if a finding is of this likelihood or a higher one")
         ->type_name("LIKELIHOOD")
         ->transform(oneOf({"possible", "likely", "definite"}));
     command->add_flag("--dismissed", m_dismissed, "List the dismissed findings, with reason, user and date");
@@ -88,9 +93,9 @@ CLI::App* FindingsCommand::declare(CLI::App& program) {
     m_runChoice.declare(*command);
     command->footer(
         "A finding has a likelihood (definite, likely, possible) and the number of values and rows that it\n"
-        "concerns. JSON and CSV also have what it may mean, what to do, the condition over `Value` that is true\n"
-        "for exactly its values, and the rule that watches it. A dismissed finding is not listed and does not\n"
-        "count for --fail-at.\n\n"
+        "concerns. JSON and CSV also have what it may mean, what to do, the condition over `Value` that is\n"
+        "true for exactly its values, and the rule that watches it. A dismissed finding is not listed and\n"
+        "does not count for --fail-at.\n\n"
         "Examples:\n"
         "  tavix findings -R profile.tavix\n"
         "  tavix findings -R profile.tavix sales.city --format json\n"
@@ -110,7 +115,8 @@ void FindingsCommand::checkArguments() const {
         if (const Status checked = checkNote(tidyNote(*m_reason)); !checked)
             throw CommandError(ExitCode::Usage, checked.error().text);
     if (const auto& code = m_dismiss ? m_dismiss : m_restore; code && !findings::findEntry(*code))
-        throw CommandError(ExitCode::Usage, fmt::format("there is no kind of finding \"{}\"; docs/findings.md has them", *code));
+        throw CommandError(ExitCode::Usage,
+                           fmt::format("there is no kind of finding \"{}\"; docs/findings.md has them", *code));
 }
 
 FindingReport FindingsCommand::read(Session& session) const {
@@ -126,7 +132,8 @@ void FindingsCommand::dismiss(Session& session, const FindingReport& list) const
     const std::vector<FindingEntry>& candidates = m_dismiss ? list.open : list.dismissed;
     const std::string& code = m_dismiss ? *m_dismiss : *m_restore;
     // A table may have the finding in several fields; one is dismissed at a time.
-    const auto isMeant = [&](const FindingEntry& entry) { return entry.record.code == code && (m_field || entry.record.fieldId == -1);
+    const auto isMeant = [&](const FindingEntry& entry) {
+        return entry.record.code == code && (m_field || entry.record.fieldId == -1);
     };
     const auto entry = std::find_if(candidates.begin(), candidates.end(), isMeant);
     if (entry == candidates.end())

@@ -23,6 +23,7 @@ constexpr std::int64_t kMostDomain = 10'000;
 
 std::vector<std::string> kindWords() {
     std::vector<std::string> words;
+    words.reserve(kSuggestionKinds.size());
     for (const SuggestionKindInfo& info : kSuggestionKinds)
         words.emplace_back(info.word);
     return words;

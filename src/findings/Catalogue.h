@@ -10,7 +10,7 @@
 namespace tavix::findings {
 
 struct CatalogueEntry {
-    std::string_view code;       ///< stable: repositories and scripts know it
+    std::string_view code; ///< stable: repositories and scripts know it
     std::string_view title;
     std::string_view likelihood; ///< a word of likelihoodWord(), or what it depends on
     std::string_view when;       ///< when exactly it is raised

@@ -20,11 +20,13 @@ constexpr CatalogueEntry kEntries[] = {
      "A default is rarely changed, or the other values are exceptions that deserve a look.",
      "Look at the few other values.", "an alert on the Unique Count of the field"},
     {"rare-values", "Rare values beside few frequent ones", "possible",
-     "of at most 30 texts in at least 1,000 rows, some occur in at most 0.1 % each, while those of at least 1 % each make 99.5 %",
+     "of at most 30 texts in at least 1,000 rows, some occur in at most 0.1 % each, while those of at least 1 % each "
+     "make 99.5 %",
      "A category has a few values that hardly occur: slips of the keyboard, old codes or tests.",
      "Check them against the list of valid values.", ""},
     {"nearly-unique", "Nearly unique values", "likely for keys with 99.9 % different values, else possible",
-     "at least 99 % of at least 100 rows have different values of at most 60 characters, but not all; texts, and numbers whose name is that of a key",
+     "at least 99 % of at least 100 rows have different values of at most 60 characters, but not all; texts, and "
+     "numbers whose name is that of a key",
      "A key has duplicates, or the same thing was entered twice.",
      "Compare the rows that share a value; merge them or correct the key.",
      "an alert on the Unique Percent of the field: min: 100"},
@@ -34,18 +36,24 @@ constexpr CatalogueEntry kEntries[] = {
      "an alert on the Count of the field"},
     {"rare-patterns", "Values of another pattern", "likely if 99.5 % have the usual pattern, else possible",
      "at least 98 % of the rows of a text field with at most 16 patterns have one pattern, and some another one",
-     "Nearly all values are codes of one form, and these are not: slips of the keyboard, other kinds of codes, or shifted columns.",
+     "Nearly all values are codes of one form, and these are not: slips of the keyboard, other kinds of codes, or "
+     "shifted columns.",
      "Check them against the definition of the code.", ""},
     {"odd-lengths", "Values of another length", "likely",
-     "at least 99 % of the rows and values of a text field have the same length of at least 4 characters, and some have another one",
+     "at least 99 % of the rows and values of a text field have the same length of at least 4 characters, and some "
+     "have another one",
      "An identifier lost or gained characters on its way.", "Compare the values with the source.", ""},
-    {"cut-off-texts", "Texts that are probably cut off", "likely if the length is a usual width of a column, else possible",
-     "at least 5 values, and three times as many as of any of the three lengths below, have exactly the greatest length of at least 10",
+    {"cut-off-texts", "Texts that are probably cut off",
+     "likely if the length is a usual width of a column, else possible",
+     "at least 5 values, and three times as many as of any of the three lengths below, have exactly the greatest "
+     "length of at least 10",
      "A column or an export is too narrow for the longest texts, and their ends are missing.",
      "Compare a few of them with the source, and widen the column.", ""},
-    {"damaged-rows", "Damaged rows", "definite", "the source has rows with too few or too many cells or with invalid bytes",
+    {"damaged-rows", "Damaged rows", "definite",
+     "the source has rows with too few or too many cells or with invalid bytes",
      "Cells of these rows are missing or in the wrong column, which shows in every other figure.",
-     "Look at the list of damaged rows, and repair how the file is written.", "an alert on the table is not possible: the log of each run lists them"},
+     "Look at the list of damaged rows, and repair how the file is written.",
+     "the execution log of each run, which lists them"},
 };
 
 } // namespace

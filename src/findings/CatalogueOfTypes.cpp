@@ -7,7 +7,8 @@ namespace {
 constexpr CatalogueEntry kEntries[] = {
     {"numbers-as-text", "Numbers kept as text", "definite",
      "the type of the field is text, and the share of its values that the job asks for is read as numbers",
-     "Texts are sorted by the alphabet and cannot be summed; a few other values or the way of writing keep the field from being a number.",
+     "Texts are sorted by the alphabet and cannot be summed; a few other values or the way of writing keep the field "
+     "from being a number.",
      "Correct the values that do not fit, and declare the field as a number where it is loaded.",
      "the rule not isblank(`FIELD`) and fits(`FIELD`, 'READING'), with the reading that the profile shows"},
     {"dates-as-text", "Dates kept as text", "definite",
@@ -25,7 +26,8 @@ constexpr CatalogueEntry kEntries[] = {
      "Look at each of them; most are missing values in words, or slips of the keyboard.", ""},
     {"ambiguous-readings", "Values that can be read in two ways", "likely",
      "the values fit two readings, and the column decides for neither",
-     "01/02/2003 is a day in January or in February, and 1,234 more than a thousand or little more than one; nothing in the column says which.",
+     "01/02/2003 is a day in January or in February, and 1,234 more than a thousand or little more than one; nothing "
+     "in the column says which.",
      "Ask the source, and state the form in the job (dates: day-first).", "an agreed form, stated in the job"},
     {"mixed-date-forms", "Dates in several forms", "likely", "dates of one field are written in more than one form",
      "The field is filled by several systems or people; one of the forms may be read wrongly elsewhere.",
@@ -36,11 +38,13 @@ constexpr CatalogueEntry kEntries[] = {
      "Declare the field as text everywhere, in spreadsheets and imports too.",
      "an alert on the Minimum Length of the field"},
     {"type-differs-elsewhere", "Another type than in another table", "likely",
-     "a field of this name, which is not a common one such as id, date or value, is read as a number, date, boolean or text in another table of the run, and this one is not",
+     "a field of this name, which is not a common one such as id, date or value, is read as a number, date, boolean or "
+     "text in another table of the run, and this one is not",
      "Joins over the two fields fail or compare texts, and one of the tables is probably loaded wrongly.",
      "Give both fields one type.", "a rule with fits() in both tables"},
     {"pattern-differs-elsewhere", "Another pattern than in another table", "possible",
-     "at least 95 % of the rows have one pattern, and at least 95 % of a field of this name, which is not a common one such as code, in another table have another one",
+     "at least 95 % of the rows have one pattern, and at least 95 % of a field of this name, which is not a common one "
+     "such as code, in another table have another one",
      "The same thing is written in two ways, so that joins find nothing.",
      "Convert one of the two before they are joined.", "a rule with matches() in both tables"},
     {"type-changed", "Another type than in the run before", "likely",

@@ -78,10 +78,10 @@ void addGaps(FieldCase& field) {
     const auto span = static_cast<std::uint64_t>(dayOf(dates.last()) - dayOf(dates.first()) + 1);
     const std::uint64_t missingDays = span - dates.days();
     if (dates.days() >= kLeastDays && missingDays > 0 && missingDays * 100 <= span * kMostPercent)
-        field.add("missing-days", Likelihood::Possible, {}, "",
-                  fmt::format("{} of {} days, such as {}", missingDays, span,
-                              firstOf(dates.missingDays(),
-                                      [](std::int64_t day) { return formatDate(day * kTicksPerDay); })));
+        field.add(
+            "missing-days", Likelihood::Possible, {}, "",
+            fmt::format("{} of {} days, such as {}", missingDays, span,
+                        firstOf(dates.missingDays(), [](std::int64_t day) { return formatDate(day * kTicksPerDay); })));
     const std::uint64_t months = dates.months() + dates.missingMonthCount();
     if (dates.months() >= kLeastMonths && dates.missingMonthCount() > 0 &&
         dates.missingMonthCount() * 100 <= months * kMostPercent)
@@ -100,9 +100,9 @@ void addNewYear(FieldCase& field) {
     constexpr std::uint64_t kLeast = 10;
     if (dates.daysOfYear() >= kLeastDaysOfYear && dates.newYear().rows >= kLeast &&
         field.shareOf(dates.newYear()) >= kSpike)
-        field.add("first-of-january", Likelihood::Likely, dates.newYear(),
-                  conditionFor(field, "month(todate(`Value`)) == 1 and day(todate(`Value`)) == 1",
-                               dates.newYearTexts()));
+        field.add(
+            "first-of-january", Likelihood::Likely, dates.newYear(),
+            conditionFor(field, "month(todate(`Value`)) == 1 and day(todate(`Value`)) == 1", dates.newYearTexts()));
 }
 
 void addMidnight(FieldCase& field) {

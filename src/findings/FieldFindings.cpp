@@ -14,7 +14,7 @@ namespace tavix::findings {
 std::string_view FieldFigures::kindWord() const {
     if (isTyped())
         return typeWord(std::string_view(&typeCode, 1));
-    return reading.substr(0, reading.find(' '));
+    return hasFigures ? reading.substr(0, reading.find(' ')) : std::string_view();
 }
 
 void FieldCase::addListed(std::string_view code, Likelihood likelihood, const std::vector<Counted>& list,

@@ -36,21 +36,21 @@ struct FieldFigures {
     std::optional<double> lowQuartile{}; ///< of numbers
     std::optional<double> median{};
     std::optional<double> highQuartile{};
-    std::vector<Extreme> lowest{};  ///< the farthest out first
+    std::vector<Extreme> lowest{}; ///< the farthest out first
     std::vector<Extreme> highest{};
     std::int64_t now = 0; ///< the moment of the run, in units of base/DateTicks.h
 
     std::string_view reading{}; ///< how most values are read; empty for texts
     Hits fit{};                 ///< the values that are read so
-    bool hasFigures = false;    ///< a text field with figures over the values that fit
+    bool hasFigures = false;    ///< whether the figures are over the values that fit
     std::string_view ambiguity{};
     std::vector<FormFigure> forms{};
 
-    /// The first word of the reading, or the word of the type.
+    /// The word of the type, or the first one of the reading if there are figures over the values that fit; else empty.
     [[nodiscard]] std::string_view kindWord() const;
     /// Whether the values are of their type as docs/definitions.md defines it, so that tonumber() and todate() read
     /// them.
-    [[nodiscard]] bool isTyped() const { return typeCode != 'S' && typeCode != 0; }
+    [[nodiscard]] bool isTyped() const { return typeCode != 'S' && typeCode != 0 && !hasFigures; }
 };
 
 /// What the figures of a field give away: at most one finding for each code, by likelihood, then rows. `numbers` or

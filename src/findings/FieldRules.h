@@ -44,13 +44,13 @@ struct FieldCase {
 [[nodiscard]] std::string namesOf(std::vector<Counted> list);
 [[nodiscard]] std::string quoted(std::string_view text);
 
-void addWriting(FieldCase& field);     ///< how single values are written
-void addKinds(FieldCase& field);       ///< e-mail addresses, card numbers, ...
-void addShape(FieldCase& field);       ///< lengths and patterns
+void addWriting(FieldCase& field);      ///< how single values are written
+void addKinds(FieldCase& field);        ///< e-mail addresses, card numbers, ...
+void addShape(FieldCase& field);        ///< lengths and patterns
 void addPlaceholders(FieldCase& field); ///< texts, dates and numbers where a value is missing
-void addVariants(FieldCase& field);    ///< one value in several spellings
-void addFrequencies(FieldCase& field); ///< no value, one value, rare values, keys
-void addTypes(FieldCase& field);       ///< numbers and dates kept as text
+void addVariants(FieldCase& field);     ///< one value in several spellings
+void addFrequencies(FieldCase& field);  ///< no value, one value, rare values, keys
+void addTypes(FieldCase& field);        ///< numbers and dates kept as text
 void addDates(FieldCase& field);
 void addNumbers(FieldCase& field);
 

@@ -46,8 +46,7 @@ void addOneValue(FieldCase& field) {
         return;
     }
     constexpr double kNearlyAll = 0.98;
-    if (shown.rows >= kLeastForShares &&
-        static_cast<double>(top.count) >= kNearlyAll * static_cast<double>(shown.rows))
+    if (shown.rows >= kLeastForShares && static_cast<double>(top.count) >= kNearlyAll * static_cast<double>(shown.rows))
         field.addListed("dominant-value", Likelihood::Possible, {top});
 }
 
@@ -98,9 +97,8 @@ void addNearlyUnique(FieldCase& field) {
     constexpr std::uint64_t kLongestKey = 60;
     const Hits& shown = field.values.shown();
     const Hits& repeated = field.values.repeated();
-    const auto& longest = field.values.longest();
-    if (shown.rows < kLeastForShares || repeated.values == 0 || longest.empty() ||
-        longest.front().length > kLongestKey)
+    const auto longest = field.values.longest();
+    if (shown.rows < kLeastForShares || repeated.values == 0 || longest.empty() || longest.front().length > kLongestKey)
         return;
     // Measures are often nearly unique, and nothing follows from it.
     const bool isKey = isNamedAsKey(field.figures.name) || (field.isText() && field.isOfOneLength());

@@ -12,7 +12,8 @@ namespace {
 bool isFarOut(const FieldFigures& figures, double number) {
     constexpr double kByFar = 10; ///< times the interquartile range, where 3 is "far out"
     const double range = *figures.highQuartile - *figures.lowQuartile;
-    return range > 0 && (number < *figures.lowQuartile - kByFar * range || number > *figures.highQuartile + kByFar * range);
+    return range > 0 &&
+           (number < *figures.lowQuartile - kByFar * range || number > *figures.highQuartile + kByFar * range);
 }
 
 /// The few extremes that lie many times as far from the median as the next one, beyond any fence.
@@ -75,9 +76,9 @@ void addNegative(FieldCase& field) {
 void addRound(FieldCase& field) {
     const OrderedNumbers& numbers = *field.numbers;
     constexpr std::uint64_t kLeastValues = 50;
-    constexpr double kSpike = 0.5;   ///< one in ten is to be expected
-    constexpr double kStep = 0.95;   ///< more are numbers in steps of ten
-    constexpr double kSmall = 20;    ///< among small numbers ten is frequent anyway
+    constexpr double kSpike = 0.5; ///< one in ten is to be expected
+    constexpr double kStep = 0.95; ///< more are numbers in steps of ten
+    constexpr double kSmall = 20;  ///< among small numbers ten is frequent anyway
     const FieldFigures& figures = field.figures;
     if (figures.typeCode != 'I' || numbers.all().values < kLeastValues || !figures.median || *figures.median < kSmall)
         return;

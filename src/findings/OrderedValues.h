@@ -77,10 +77,10 @@ class OrderedDates {
     [[nodiscard]] std::int64_t first() const { return m_first; }
     [[nodiscard]] std::int64_t last() const { return m_last; }
     [[nodiscard]] const Hits& future() const { return m_future; }
-    [[nodiscard]] const Hits& old() const { return m_old; } ///< before 1900
+    [[nodiscard]] const Hits& old() const { return m_old; }         ///< before 1900
     [[nodiscard]] const Hits& newYear() const { return m_newYear; } ///< first of January
     [[nodiscard]] const Hits& midnight() const { return m_midnight; }
-    [[nodiscard]] std::uint64_t days() const { return m_days; }   ///< different ones
+    [[nodiscard]] std::uint64_t days() const { return m_days; } ///< different ones
     [[nodiscard]] std::uint64_t months() const { return m_months; }
     [[nodiscard]] std::size_t minutesOfDay() const { return m_minutesOfDay.count(); }
     [[nodiscard]] std::size_t daysOfYear() const { return m_daysOfYear.count(); }

@@ -14,7 +14,7 @@ namespace {
 void addWords(FieldCase& field) {
     const bool isRead = field.figures.hasFigures || field.figures.isTyped();
     // A field of signs means them.
-    const auto& longest = field.values.longest();
+    const auto longest = field.values.longest();
     const bool isOfSigns = !longest.empty() && longest.front().length <= 2;
     // Among codes of three letters UNK may be as good as any other.
     const bool isOfCodes = field.isOfOneLength();
@@ -51,11 +51,11 @@ bool isPlaceholderDay(std::int64_t ticks) {
         int month;
         int day;
     };
-    constexpr Day kDays[] = {{1, 1, 1},      {1582, 10, 15}, {1600, 1, 1},  {1601, 1, 1},  {1700, 1, 1}, {1753, 1, 1},
-                             {1800, 1, 1},   {1899, 12, 30}, {1899, 12, 31}, {1900, 1, 1}, {1901, 1, 1}, {1970, 1, 1},
-                             {2049, 12, 31}, {2079, 6, 6},   {2099, 12, 31}, {2199, 12, 31}, {2200, 1, 1},
-                             {2999, 12, 31}, {3000, 1, 1},   {3000, 12, 31}, {4712, 12, 31}, {9999, 1, 1},
-                             {9999, 9, 9},   {9999, 12, 31}};
+    constexpr Day kDays[] = {{1, 1, 1},      {1582, 10, 15}, {1600, 1, 1},   {1601, 1, 1},   {1700, 1, 1},
+                             {1753, 1, 1},   {1800, 1, 1},   {1899, 12, 30}, {1899, 12, 31}, {1900, 1, 1},
+                             {1901, 1, 1},   {1970, 1, 1},   {2049, 12, 31}, {2079, 6, 6},   {2099, 12, 31},
+                             {2199, 12, 31}, {2200, 1, 1},   {2999, 12, 31}, {3000, 1, 1},   {3000, 12, 31},
+                             {4712, 12, 31}, {9999, 1, 1},   {9999, 9, 9},   {9999, 12, 31}};
     return std::any_of(std::begin(kDays), std::end(kDays), [&](const Day& known) {
         return known.year == day.year && known.month == day.month && known.day == day.day;
     });
@@ -63,7 +63,7 @@ bool isPlaceholderDay(std::int64_t ticks) {
 
 /// A placeholder lies years away from the dates that mean something.
 void takeDates(const std::vector<Extreme>& extremes, std::vector<Counted>& found) {
-    constexpr std::int64_t kFarAway = 3 * 365 * kTicksPerDay;
+    constexpr std::int64_t kFarAway = std::int64_t{3} * 365 * kTicksPerDay;
     for (std::size_t i = 0; i + 1 < extremes.size(); ++i) {
         if (!extremes[i].ticks || !extremes[i + 1].ticks || !isPlaceholderDay(*extremes[i].ticks))
             return;
@@ -93,8 +93,8 @@ void takeNumber(const FieldFigures& figures, const std::vector<Extreme>& extreme
     const double distance = std::abs(*extremes[0].number - *figures.median);
     const double next = std::abs(*extremes[1].number - *figures.median);
     // Minus one is close to small numbers, and the only negative one.
-    const bool isAlone = *extremes[0].number == -1 ? *extremes[1].number >= 0 && *figures.median > 1
-                                                  : distance >= kTimesTheNext * next;
+    const bool isAlone =
+        *extremes[0].number == -1 ? *extremes[1].number >= 0 && *figures.median > 1 : distance >= kTimesTheNext * next;
     if (isPlaceholderNumber(*extremes[0].number) && extremes[0].count >= kAgain && isAlone)
         found.push_back({extremes[0].text, extremes[0].count});
 }

@@ -4,35 +4,55 @@
 
 #include <algorithm>
 #include <array>
-#include <cstddef>
-#include <cstdint>
 
 namespace tavix::findings {
 
 namespace {
 
-constexpr std::array<std::string_view, 39> kWords = {
-    "-",        "--",      "---",        ".",         "..",           "...",       "?",     "??",
-    "???",      "n/a",     "n.a.",       "n.a",       "n/k",          "#n/a",      "null",  "(null)",
-    "<null>",   "nan",     "undefined",  "unknown",   "unk",          "unspecified", "missing", "(missing)",
-    "not available", "not applicable", "not known", "not specified", "no data", "(blank)", "(empty)", "tbd",
-    "tba",      "t.b.d.",  "to be determined", "none", "na",          "nil",       "no value"};
+constexpr std::array<std::string_view, 39> kWords = {"-",
+                                                     "--",
+                                                     "---",
+                                                     ".",
+                                                     "..",
+                                                     "...",
+                                                     "?",
+                                                     "??",
+                                                     "???",
+                                                     "n/a",
+                                                     "n.a.",
+                                                     "n.a",
+                                                     "n/k",
+                                                     "#n/a",
+                                                     "null",
+                                                     "(null)",
+                                                     "<null>",
+                                                     "nan",
+                                                     "undefined",
+                                                     "unknown",
+                                                     "unk",
+                                                     "unspecified",
+                                                     "missing",
+                                                     "(missing)",
+                                                     "not available",
+                                                     "not applicable",
+                                                     "not known",
+                                                     "not specified",
+                                                     "no data",
+                                                     "(blank)",
+                                                     "(empty)",
+                                                     "tbd",
+                                                     "tba",
+                                                     "t.b.d.",
+                                                     "to be determined",
+                                                     "none",
+                                                     "na",
+                                                     "nil",
+                                                     "no value"};
 constexpr std::array<std::string_view, 3> kOrdinary = {"none", "na", "nil"};
-constexpr std::array<std::string_view, 7> kTests = {"test",   "asdf",   "qwerty", "foo",
-                                                    "foobar", "dummy",  "lorem ipsum"};
+constexpr std::array<std::string_view, 7> kTests = {"test", "asdf", "qwerty", "foo", "foobar", "dummy", "lorem ipsum"};
 
-constexpr std::size_t kLongest = 16;
-
-/// For each length the first letters that a word of it has, in bits of the lower five bits of the letter.
-constexpr std::array<std::uint32_t, kLongest + 1> kFirstLetters = [] {
-    std::array<std::uint32_t, kLongest + 1> table{};
-    const auto add = [&](std::string_view word) { table[word.size()] |= 1U << (static_cast<unsigned char>(word[0]) & 31U); };
-    for (const std::string_view word : kWords)
-        add(word);
-    for (const std::string_view word : kTests)
-        add(word);
-    return table;
-}();
+static_assert(std::all_of(kWords.begin(), kWords.end(), mayBePlaceholder));
+static_assert(std::all_of(kTests.begin(), kTests.end(), mayBePlaceholder));
 
 bool hasUsualCase(std::string_view text) {
     const auto isLower = [](char c) { return c == asciiLower(c); };
@@ -48,15 +68,10 @@ bool isAmong(std::string_view text, const Words& words) {
            hasUsualCase(text);
 }
 
-bool mayBe(std::string_view text) {
-    return text.size() <= kLongest && !text.empty() &&
-           (kFirstLetters[text.size()] >> (static_cast<unsigned char>(text[0]) & 31U) & 1U) != 0;
-}
-
 } // namespace
 
 bool isPlaceholder(std::string_view text) {
-    return mayBe(text) && (isAmong(text, kWords) || isAmong(text, kTests));
+    return !text.empty() && (isAmong(text, kWords) || isAmong(text, kTests));
 }
 
 bool isOrdinaryWord(std::string_view text) {

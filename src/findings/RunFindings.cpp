@@ -19,8 +19,8 @@ namespace {
 /// Names that fields of different meaning share.
 bool isCommonName(std::string_view lower) {
     constexpr std::array<std::string_view, 19> kNames = {
-        "id",   "name",  "code",  "type", "date",  "value",   "count",  "number",  "index", "year",
-        "time", "state", "status", "key", "title", "comment", "amount", "remark", "month"};
+        "id",   "name",  "code",   "type", "date",  "value",   "count",  "number", "index", "year",
+        "time", "state", "status", "key",  "title", "comment", "amount", "remark", "month"};
     return std::find(kNames.begin(), kNames.end(), lower) != kNames.end();
 }
 
@@ -98,22 +98,33 @@ std::vector<Finding> findChanges(const FieldSummary& field, const EarlierField& 
     const bool wasReal = before.typeCode == 'R' && before.decimals.value_or(0) > 0;
     const bool isInteger = field.typeCode == 'I' || (field.typeCode == 'R' && field.decimals.value_or(1) == 0);
     // Integers among which a first real occurs were reals by chance.
-    const bool bothNumbers = isNumericType(std::string_view(&before.typeCode, 1)) &&
-                             isNumericType(std::string_view(&field.typeCode, 1));
+    const bool bothNumbers =
+        isNumericType(std::string_view(&before.typeCode, 1)) && isNumericType(std::string_view(&field.typeCode, 1));
     if (wasReal && isInteger && field.shown.rows >= kLeastForShares)
-        found.push_back({"decimals-lost", Likelihood::Likely, 0, 0,
-                         fmt::format("{} before", *before.decimals == 1 ? "1 decimal place"
-                                                                       : fmt::format("{} decimal places", *before.decimals)),
-                         {}});
+        found.push_back(
+            {"decimals-lost",
+             Likelihood::Likely,
+             0,
+             0,
+             fmt::format("{} before", *before.decimals == 1 ? "1 decimal place"
+                                                            : fmt::format("{} decimal places", *before.decimals)),
+             {}});
     else if (field.typeCode != before.typeCode && !bothNumbers)
-        found.push_back({"type-changed", Likelihood::Likely, 0, 0,
-                         fmt::format("{} before, {} now", wordOf(before.typeCode), wordOf(field.typeCode)), {}});
+        found.push_back({"type-changed",
+                         Likelihood::Likely,
+                         0,
+                         0,
+                         fmt::format("{} before, {} now", wordOf(before.typeCode), wordOf(field.typeCode)),
+                         {}});
     // The runs must be far enough apart to expect something new.
     constexpr std::int64_t kLeastApart = 7 * kTicksPerDay;
     constexpr std::int64_t kLate = 30 * kTicksPerDay; ///< a date that was recent when the run before was made
     if (field.lastDate && field.lastDate == before.lastDate && now - before.moment >= kLeastApart &&
         before.moment - *before.lastDate <= kLate && *before.lastDate <= before.moment)
-        found.push_back({"no-recent-dates", Likelihood::Likely, 0, 0,
+        found.push_back({"no-recent-dates",
+                         Likelihood::Likely,
+                         0,
+                         0,
                          fmt::format("the last one is {} as in the run {} days before", formatDate(*field.lastDate),
                                      (now - before.moment) / kTicksPerDay),
                          {}});

@@ -64,8 +64,7 @@ void addRarePatterns(FieldCase& field) {
         names += fmt::format("{}{}", i > 0 ? ", " : "", quoted(pattern::shortPattern(others[i]->pattern)));
     field.add("rare-patterns", share >= kAlmostAll ? Likelihood::Likely : Likelihood::Possible,
               {shown.values - usual->hits.values, shown.rows - usual->hits.rows},
-              fmt::format("not isblank(`Value`) and not matches(`Value`, {})",
-                          literalOf(expressionOf(usual->pattern))),
+              fmt::format("not isblank(`Value`) and not matches(`Value`, {})", literalOf(expressionOf(usual->pattern))),
               fmt::format("{} beside {}", names, quoted(pattern::shortPattern(usual->pattern))));
 }
 
@@ -89,8 +88,8 @@ void addOddLengths(FieldCase& field) {
 }
 
 bool isUsualWidth(std::uint64_t length) {
-    constexpr std::array<std::uint64_t, 24> kWidths = {15,  16,  20,  24,  25,  30,  32,   35,   40,   50,   60,   64,
-                                                       80,  100, 120, 128, 150, 200, 250,  254,  255,  256,  500,  512};
+    constexpr std::array<std::uint64_t, 24> kWidths = {15, 16,  20,  24,  25,  30,  32,  35,  40,  50,  60,  64,
+                                                       80, 100, 120, 128, 150, 200, 250, 254, 255, 256, 500, 512};
     constexpr std::array<std::uint64_t, 6> kLarge = {1000, 1024, 2000, 4000, 32'767, 65'535};
     return std::find(kWidths.begin(), kWidths.end(), length) != kWidths.end() ||
            std::find(kLarge.begin(), kLarge.end(), length) != kLarge.end();
@@ -102,7 +101,7 @@ void addCutOff(FieldCase& field) {
     constexpr std::uint64_t kLeastValues = 5;
     constexpr std::uint64_t kTimesTheNext = 3;
     constexpr std::uint64_t kMostPercent = 50; ///< of the values: more of one length are codes
-    const auto& longest = field.values.longest();
+    const auto longest = field.values.longest();
     if (longest.size() < 2 || longest.front().length < kLeastLength)
         return;
     const auto& [length, hits] = longest.front();

@@ -48,12 +48,11 @@ void addTypes(FieldCase& field) {
         return;
     const Hits& shown = field.values.shown();
     if (!figures.ambiguity.empty())
-        field.add("ambiguous-readings", Likelihood::Likely, shown, "not isblank(`Value`)",
-                  std::string(figures.ambiguity));
-    if (figures.reading.starts_with("date"))
-        addMixedDates(field);
+        field.add("ambiguous-readings", Likelihood::Likely, {}, "", std::string(figures.ambiguity));
     if (!figures.hasFigures || figures.fit.rows == 0)
         return;
+    if (figures.kindWord() == "date")
+        addMixedDates(field);
     const bool isAll = figures.fit.rows == shown.rows;
     field.add(codeOf(figures.kindWord()), Likelihood::Definite, figures.fit, fitsCondition(figures.reading),
               fmt::format("read as {}", figures.reading));

@@ -4,6 +4,7 @@
 #include "base/Characters.h"
 #include "expression/RowEvaluator.h"
 #include "findings/Placeholders.h"
+#include "findings/ValueJudges.h"
 
 #include <algorithm>
 #include <optional>
@@ -70,10 +71,18 @@ bool ValueDetectors::meetsCondition(ValueTest test, std::string_view text) {
     return m_evaluators->meets(test, text);
 }
 
-void ValueDetectors::test(const Candidate& candidate, ValueTest test, std::uint64_t count) {
-    const Verdict verdict = valueTests()[static_cast<std::size_t>(test)].judge(candidate);
-    if (verdict == Verdict::Yes || (verdict == Verdict::Maybe && meetsCondition(test, candidate.text)))
+void ValueDetectors::decide(ValueTest test, std::string_view text, std::uint64_t count) {
+    if (meetsCondition(test, text))
         m_passed[static_cast<std::size_t>(test)].add(count);
+}
+
+template <ValueTest Test, Verdict (*Judge)(const Candidate&)>
+void ValueDetectors::test(const Candidate& it, std::uint64_t count) {
+    const Verdict verdict = Judge(it);
+    if (verdict == Verdict::Yes)
+        m_passed[static_cast<std::size_t>(Test)].add(count);
+    else if (verdict == Verdict::Maybe)
+        decide(Test, it.text, count);
 }
 
 void ValueDetectors::take(std::string_view text, std::uint64_t count, std::uint64_t length) {
@@ -83,60 +92,112 @@ void ValueDetectors::take(std::string_view text, std::uint64_t count, std::uint6
     }
     Candidate it{text, byteMask(text)};
     const bool blank = mayBeBlank(text.front()) && isBlank(text);
-    (blank ? m_blank : m_shown).add(count);
-    if (!blank) {
-        if (count > 1) {
-            m_repeated.add(count);
-            m_repeatedTexts.add(text, count);
-            if (count > m_topCount || (count == m_topCount && text < m_topText)) {
-                m_topText = text;
-                m_topCount = count;
-            }
-        }
-        if (it.has(kUpper))
-            m_withCapitals.add(count);
-        takeLength(length, count);
-    }
+    if (blank)
+        m_blank.add(count);
+    else
+        takeShown(it, count, length);
     if (it.mask == kDigit) {
         m_passed[static_cast<std::size_t>(ValueTest::DigitsOnly)].add(count);
-        test(it, ValueTest::ZeroPadded, count);
-        if (text.size() > 14)
-            test(it, ValueTest::CardNumber, count);
+        test<ValueTest::ZeroPadded, judge::zeroPadded>(it, count);
+        test<ValueTest::CardNumber, judge::cardNumber>(it, count);
         return;
     }
     if (it.has(kRare))
         testRare(it, count);
     if (it.has(kDigit)) {
-        const bool isCode = it.has(kLetters);
-        for (const ValueTest one : isCode ? testsOfCodes() : testsOfNumbers())
-            test(it, one, count);
+        if (it.has(kLetters))
+            testCode(it, count);
+        else
+            testNumber(it, count);
+        if (it.hasOnly(kDigit | kDot | kHyphen | kColon | kSlash))
+            return; // nearly all numbers and dates
     }
-    if (it.has(kDigit) && it.hasOnly(kDigit | kDot | kHyphen | kColon | kSlash))
-        return; // nearly all numbers and dates
     if (it.has(kSpace))
-        test(it, ValueTest::BlanksInside, count);
-    test(it, ValueTest::BlanksAtEnds, count);
-    test(it, ValueTest::LeftOverDelimiter, count);
-    test(it, ValueTest::RunOfOneCharacter, count);
-    test(it, ValueTest::NotUpperCase, count);
+        test<ValueTest::BlanksInside, judge::blanksInside>(it, count);
+    test<ValueTest::BlanksAtEnds, judge::blanksAtEnds>(it, count);
+    test<ValueTest::LeftOverDelimiter, judge::leftOver>(it, count);
+    test<ValueTest::RunOfOneCharacter, judge::runOfOne>(it, count);
+    test<ValueTest::NotUpperCase, judge::notUpperCase>(it, count);
     if (it.has(kDot | kColon))
-        test(it, ValueTest::Url, count);
-    if (isPlaceholder(text))
+        test<ValueTest::Url, judge::url>(it, count);
+    if (mayBePlaceholder(text) && isPlaceholder(text))
         m_placeholders.add(text, count);
     if (!blank && it.has(kLetters | kBeyondAscii))
         m_words.add(text, count);
 }
 
-void ValueDetectors::testRare(Candidate& candidate, std::uint64_t count) {
-    if (candidate.has(kBeyondAscii))
-        candidate.rare = rareCharacters(candidate.text);
-    for (const ValueTest one : testsOfRareBytes())
-        test(candidate, one, count);
-}
-
-void ValueDetectors::takeLength(std::uint64_t length, std::uint64_t count) {
+void ValueDetectors::takeShown(const Candidate& it, std::uint64_t count, std::uint64_t length) {
+    m_shown.add(count);
+    if (count > 1) {
+        m_repeated.add(count);
+        m_repeatedTexts.add(it.text, count);
+        if (count > m_topCount || (count == m_topCount && it.text < m_topText)) {
+            m_topText = it.text;
+            m_topCount = count;
+        }
+    }
+    if (it.has(kUpper))
+        m_withCapitals.add(count);
     if (length < kLengths)
         m_lengths[length].add(count);
+    else
+        takeGreatLength(length, count);
+}
+
+/// Digits with signs, without letters.
+void ValueDetectors::testNumber(const Candidate& it, std::uint64_t count) {
+    test<ValueTest::Phone, judge::phone>(it, count);
+    test<ValueTest::IpAddress, judge::ipAddress>(it, count);
+    test<ValueTest::CardNumber, judge::cardNumber>(it, count);
+    test<ValueTest::NationalId, judge::nationalId>(it, count);
+    test<ValueTest::MinusAfterNumber, judge::minusAfter>(it, count);
+    test<ValueTest::NumberWithUnit, judge::numberWithUnit>(it, count);
+}
+
+/// Letters and digits.
+void ValueDetectors::testCode(const Candidate& it, std::uint64_t count) {
+    test<ValueTest::NumberWithUnit, judge::numberWithUnit>(it, count);
+    test<ValueTest::Iban, judge::iban>(it, count);
+    test<ValueTest::NationalId, judge::nationalId>(it, count);
+    test<ValueTest::StreetAddress, judge::streetAddress>(it, count);
+    test<ValueTest::IpAddress, judge::ipAddress>(it, count);
+}
+
+void ValueDetectors::testRare(Candidate& it, std::uint64_t count) {
+    if (it.has(kBeyondAscii)) {
+        it.rare = rareCharacters(it.text);
+        test<ValueTest::InvisibleCharacters, judge::invisible>(it, count);
+        test<ValueTest::UnusualSpaces, judge::unusualSpaces>(it, count);
+        test<ValueTest::ReplacementCharacters, judge::replacements>(it, count);
+        test<ValueTest::MisdecodedText, judge::misdecoded>(it, count);
+        test<ValueTest::DecomposedAccents, judge::decomposed>(it, count);
+        test<ValueTest::MixedScripts, judge::mixedScripts>(it, count);
+    }
+    test<ValueTest::LineBreaks, judge::lineBreaks>(it, count);
+    test<ValueTest::ControlCharacters, judge::controlCharacters>(it, count);
+    test<ValueTest::LostCharacters, judge::lostCharacters>(it, count);
+    test<ValueTest::Markup, judge::markup>(it, count);
+    test<ValueTest::Escapes, judge::escapes>(it, count);
+    test<ValueTest::Quoted, judge::quoted>(it, count);
+    test<ValueTest::Delimiters, judge::delimiters>(it, count);
+    test<ValueTest::Structured, judge::structured>(it, count);
+    test<ValueTest::SpreadsheetError, judge::spreadsheetError>(it, count);
+    test<ValueTest::Formula, judge::formula>(it, count);
+    test<ValueTest::ExponentForm, judge::exponentForm>(it, count);
+    test<ValueTest::ApostropheBeforeNumber, judge::apostrophe>(it, count);
+    test<ValueTest::NumberInParentheses, judge::parentheses>(it, count);
+    test<ValueTest::EMail, judge::eMail>(it, count);
+}
+
+std::vector<ValueDetectors::Length> ValueDetectors::longest() const {
+    std::vector<Length> longest = m_longest;
+    for (std::size_t length = kLengths; length-- > 0 && longest.size() < kGreatestLengths;)
+        if (m_lengths[length].values > 0)
+            longest.push_back({length, m_lengths[length]});
+    return longest;
+}
+
+void ValueDetectors::takeGreatLength(std::uint64_t length, std::uint64_t count) {
     if (m_longest.size() == kGreatestLengths && length < m_longest.back().length)
         return;
     const auto at = std::find_if(m_longest.begin(), m_longest.end(),

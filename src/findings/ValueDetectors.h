@@ -29,9 +29,9 @@ class ValueDetectors {
 
     // After the last value.
     [[nodiscard]] const Hits& passed(ValueTest test) const { return m_passed[static_cast<std::size_t>(test)]; }
-    [[nodiscard]] const Hits& shown() const { return m_shown; }   ///< neither null, empty nor blank
-    [[nodiscard]] const Hits& blank() const { return m_blank; }   ///< empty or blank
-    [[nodiscard]] const Hits& repeated() const { return m_repeated; } ///< shown values of more than one row
+    [[nodiscard]] const Hits& shown() const { return m_shown; }               ///< neither null, empty nor blank
+    [[nodiscard]] const Hits& blank() const { return m_blank; }               ///< empty or blank
+    [[nodiscard]] const Hits& repeated() const { return m_repeated; }         ///< shown values of more than one row
     [[nodiscard]] const Hits& withCapitals() const { return m_withCapitals; } ///< shown values with a letter A to Z
     /// The most frequent shown value, the first by code point among equals; none if every row has another value.
     [[nodiscard]] Counted top() const { return {m_topText, m_topCount}; }
@@ -46,9 +46,9 @@ class ValueDetectors {
         std::uint64_t length = 0;
         Hits hits;
     };
-    /// The greatest lengths, in descending order.
-    [[nodiscard]] const std::vector<Length>& longest() const { return m_longest; }
     static constexpr std::size_t kLengths = 65;
+    /// The greatest lengths, in descending order.
+    [[nodiscard]] std::vector<Length> longest() const;
     /// The shown values of each length below kLengths.
     [[nodiscard]] const std::array<Hits, kLengths>& lengths() const { return m_lengths; }
 
@@ -60,9 +60,14 @@ class ValueDetectors {
     [[nodiscard]] const std::vector<Pattern>& patterns() const { return m_patterns; }
 
   private:
-    void test(const Candidate& candidate, ValueTest test, std::uint64_t count);
-    void testRare(Candidate& candidate, std::uint64_t count);
-    void takeLength(std::uint64_t length, std::uint64_t count);
+    template <ValueTest Test, Verdict (*Judge)(const Candidate&)>
+    void test(const Candidate& it, std::uint64_t count);
+    void decide(ValueTest test, std::string_view text, std::uint64_t count);
+    void takeShown(const Candidate& it, std::uint64_t count, std::uint64_t length);
+    void testNumber(const Candidate& it, std::uint64_t count);
+    void testCode(const Candidate& it, std::uint64_t count);
+    void testRare(Candidate& it, std::uint64_t count);
+    void takeGreatLength(std::uint64_t length, std::uint64_t count);
     [[nodiscard]] bool meetsCondition(ValueTest test, std::string_view text);
 
     class Evaluators;
@@ -77,7 +82,7 @@ class ValueDetectors {
     TextList m_repeatedTexts;
     TextList m_words;
     TextList m_placeholders;
-    std::vector<Length> m_longest;
+    std::vector<Length> m_longest; ///< those of kLengths and more
     std::array<Hits, kLengths> m_lengths{};
     std::vector<Pattern> m_patterns;
     bool m_hasManyPatterns = false;

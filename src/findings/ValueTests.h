@@ -5,7 +5,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <string_view>
 
 /// The tests that are made of every distinct value of a field, each with the condition that says the same in the
@@ -60,7 +59,7 @@ struct RareCharacters {
     bool unusualSpace = false; ///< white space that looks like a blank
     bool replacement = false;  ///< U+FFFD
     bool control = false;
-    bool mark = false;       ///< a combining accent
+    bool mark = false; ///< a combining accent
     bool cyrillic = false;
     bool misdecoded = false; ///< a character with which text that was read in a wrong encoding begins
 };
@@ -94,10 +93,5 @@ struct ValueTestInfo {
 [[nodiscard]] inline std::string_view conditionOf(ValueTest test) {
     return valueTests()[static_cast<std::size_t>(test)].condition;
 }
-
-/// The tests that texts of letters, digits and the usual signs can pass, and those for which they need a rare byte.
-[[nodiscard]] std::span<const ValueTest> testsOfNumbers(); ///< of digits with signs, without letters
-[[nodiscard]] std::span<const ValueTest> testsOfCodes();   ///< of letters and digits
-[[nodiscard]] std::span<const ValueTest> testsOfRareBytes();
 
 } // namespace tavix::findings

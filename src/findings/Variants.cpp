@@ -18,10 +18,15 @@ constexpr std::string_view kLowered = "lower(`Value`)";
 constexpr std::string_view kUnaccented = "unaccent(lower(`Value`))";
 constexpr std::string_view kSqueezed = R"(regexp_replace(unaccent(lower(`Value`)), '[^\pL\pN]+', ''))";
 
-/// An expression over `Value` that gives a text; texts of ASCII take a shorter way to the same result.
+expression::Program compiled(std::string_view expression) {
+    const expression::Field fields[] = {{"Value", expression::Type::Text}};
+    return *expression::compile(expression, fields, expression::Wanted::Value, 0).program;
+}
+
+/// An expression over `Value` that gives a text.
 class Key {
   public:
-    explicit Key(std::string_view expression) : m_evaluator(compiled(expression)) {}
+    explicit Key(const expression::Program& program) : m_evaluator(program) {}
 
     std::string of(std::string_view text) {
         const expression::Value row[] = {expression::Value::ofText(text)};
@@ -30,11 +35,18 @@ class Key {
     }
 
   private:
-    static expression::Program compiled(std::string_view expression) {
-        const expression::Field fields[] = {{"Value", expression::Type::Text}};
-        return *expression::compile(expression, fields, expression::Wanted::Value, 0).program;
-    }
     expression::RowEvaluator m_evaluator;
+};
+
+struct KeyPrograms {
+    expression::Program lowered = compiled(kLowered);
+    expression::Program unaccented = compiled(kUnaccented);
+    expression::Program squeezed = compiled(kSqueezed);
+
+    static const KeyPrograms& get() {
+        static const KeyPrograms kPrograms;
+        return kPrograms;
+    }
 };
 
 void squeezeAscii(std::string_view text, std::string& key) {
@@ -141,9 +153,8 @@ class Variants {
         const auto isLikeFirst = [&](const Counted& value) { return wordsOf(m_unaccented.of(value.text)) == first; };
         if (std::all_of(group.values.begin(), group.values.end(), isLikeFirst))
             return;
-        std::erase_if(group.values, [&](const Counted& value) {
-            return hasSingleLetter(wordsOf(m_unaccented.of(value.text)));
-        });
+        std::erase_if(group.values,
+                      [&](const Counted& value) { return hasSingleLetter(wordsOf(m_unaccented.of(value.text))); });
         group.keys.clear();
         for (const Counted& value : group.values)
             group.keys.insert(m_unaccented.of(value.text));
@@ -187,15 +198,16 @@ class Variants {
         if (groups.size() > 1)
             detail += fmt::format(", and {} other {}", groups.size() - 1, groups.size() == 2 ? "text" : "texts");
         m_field.add(code, likelihood, hits,
-                    subject.empty() ? listCondition("`Value`", std::move(texts)) : listCondition(subject, std::move(keys)),
+                    subject.empty() ? listCondition("`Value`", std::move(texts))
+                                    : listCondition(subject, std::move(keys)),
                     std::move(detail));
     }
 
     FieldCase& m_field;
     const TextList& m_words;
-    Key m_lowered{kLowered};
-    Key m_unaccented{kUnaccented};
-    Key m_squeezed{kSqueezed};
+    Key m_lowered{KeyPrograms::get().lowered};
+    Key m_unaccented{KeyPrograms::get().unaccented};
+    Key m_squeezed{KeyPrograms::get().squeezed};
     Groups m_cases;
     Groups m_accents;
     Groups m_spellings;
@@ -229,7 +241,8 @@ void addMixedCodes(FieldCase& field) {
         if (spellings.size() < 2)
             continue;
         for (const Counted& value : members)
-            if (std::none_of(mixed.begin(), mixed.end(), [&](const Counted& other) { return other.text == value.text; }))
+            if (std::none_of(mixed.begin(), mixed.end(),
+                             [&](const Counted& other) { return other.text == value.text; }))
                 mixed.push_back(value);
     }
     field.addListed("mixed-codes", Likelihood::Likely, mixed);

@@ -135,6 +135,7 @@ std::vector<FormCount> namedForms(Forms forms, DecimalMark mark, DateOrder order
     for (const auto& [form, tally] : forms)
         byName[form.text(mark, order)].merge(tally);
     std::vector<FormCount> counts;
+    counts.reserve(byName.size());
     for (const auto& [name, tally] : byName)
         counts.push_back({name, tally.values, tally.rows, tally.example});
     std::stable_sort(counts.begin(), counts.end(),
@@ -161,6 +162,7 @@ void setReading(ColumnReading& column, const Reading& reading, Forms forms) {
 void ValueTally::setExample(std::string_view text, std::uint64_t count) {
     most = count;
     example = text;
+    m_exampleStart = startOf(text);
 }
 
 void ValueTally::merge(const ValueTally& other) {

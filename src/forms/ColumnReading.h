@@ -3,7 +3,9 @@
 #include "forms/Reading.h"
 #include "forms/ValueForm.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <span>
 #include <string>
@@ -26,13 +28,25 @@ struct ValueTally {
     void add(std::string_view text, std::uint64_t count) {
         ++values;
         rows += count;
-        if (count >= most && (count > most || text < example))
+        if (count >= most && (count > most || isBeforeExample(text)))
             setExample(text, count);
     }
     void merge(const ValueTally& other);
 
   private:
+    /// The first bytes as a number of the same order; most values differ in them.
+    static std::uint64_t startOf(std::string_view text) {
+        std::uint64_t start = 0;
+        std::memcpy(&start, text.data(), std::min(text.size(), sizeof start));
+        return __builtin_bswap64(start);
+    }
+    [[nodiscard]] bool isBeforeExample(std::string_view text) const {
+        const std::uint64_t start = startOf(text);
+        return start < m_exampleStart || (start == m_exampleStart && text < example);
+    }
     void setExample(std::string_view text, std::uint64_t count);
+
+    std::uint64_t m_exampleStart = 0;
 };
 
 /// The values that are written in one form.

@@ -14,26 +14,110 @@ namespace {
 using Family = ValueForm::Family;
 using Readings = ValueForm::Readings;
 
-/// What a text may be, as its first byte tells.
-enum class Start : std::uint8_t { Other, Digit, Number, Letter };
+/// What a text that fits no strict type may be, as its beginning and end tell. Most texts are neither and cost little.
+struct Suspicion {
+    bool isNumber = false;
+    bool isDate = false;
+    bool isPadded = false; ///< digits with leading zeros
+};
 
-constexpr auto kStarts = [] {
-    std::array<Start, 256> starts{};
-    for (std::size_t c = 0; c < starts.size(); ++c) {
-        if (isAsciiDigit(static_cast<char>(c)))
-            starts[c] = Start::Digit;
-        else if (isAsciiLetter(static_cast<char>(c)))
-            starts[c] = Start::Letter;
-        else if (std::string_view("+-(.,$").find(static_cast<char>(c)) != std::string_view::npos)
-            starts[c] = Start::Number;
-        else if (c >= 0xC2) // currency signs and the minus sign
-            starts[c] = Start::Number;
-    }
-    return starts;
+/// The first two letters of months and weekdays: a bit for each second letter, by the first one.
+constexpr auto kNameStarts = [] {
+    std::array<std::uint32_t, 26> seconds{};
+    for (const std::string_view start :
+         {"ja", "fe", "ma", "ap", "ju", "au", "se", "oc", "no", "de", "mo", "tu", "we", "th", "fr", "sa", "su"})
+        seconds[static_cast<std::size_t>(start[0] - 'a')] |= std::uint32_t{1} << static_cast<unsigned>(start[1] - 'a');
+    return seconds;
 }();
 
-Start startOf(std::string_view text) {
-    return kStarts[static_cast<unsigned char>(text.front())];
+bool isUpper(char c) {
+    return c >= 'A' && c <= 'Z';
+}
+
+/// Whether a written number or date can end with the last byte of the text: with a digit, a sign or unit, AM, PM, Z,
+/// UTC or GMT.
+bool mayEnd(char last) {
+    if (isAsciiDigit(last) || isUpper(last) || !isAscii(last))
+        return true;
+    switch (last) {
+    case 'm':
+    case 'z':
+    case 'c':
+    case 't':
+    case '.':
+    case '-':
+    case '%':
+    case '$':
+    case ')':
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool hasDigit(std::string_view text) {
+    return std::any_of(text.begin(), text.end(), [](char c) { return isAsciiDigit(c); });
+}
+
+/// Of a text that begins with a letter.
+Suspicion suspectLetters(std::string_view text) {
+    constexpr std::size_t kShortest = 4; // EUR5
+    if (text.size() < kShortest || !isAsciiLetter(text[1]))
+        return {};
+    const auto first = static_cast<unsigned>(asciiLower(text[0]) - 'a');
+    const auto second = static_cast<unsigned>(asciiLower(text[1]) - 'a');
+    Suspicion suspicion;
+    suspicion.isDate = (kNameStarts[first] >> second & 1U) != 0;
+    suspicion.isNumber = isUpper(text[0]) && isUpper(text[1]) && isUpper(text[2]) && !isAsciiLetter(text[3]);
+    if ((suspicion.isDate || suspicion.isNumber) && !hasDigit(text))
+        return {};
+    return suspicion;
+}
+
+/// Of a text that begins with a digit.
+Suspicion suspectDigits(std::string_view text) {
+    std::size_t digits = 1;
+    while (digits < text.size() && isAsciiDigit(text[digits]))
+        ++digits;
+    if (digits == text.size())
+        return {.isPadded = true};
+    const char next = text[digits];
+    const bool mayBeDate = digits <= 4 && digits != 3;
+    switch (next) {
+    case '/':
+        return {.isDate = mayBeDate};
+    case '-': {
+        const bool isAfter = digits + 1 == text.size() || !isAsciiDigit(text[digits + 1]); // 5- or 14-Jan-2001
+        return {.isNumber = isAfter, .isDate = mayBeDate};
+    }
+    case '.':
+    case ' ':
+        return {.isNumber = true, .isDate = mayBeDate};
+    case ':':
+    case '_':
+        return {};
+    default:
+        break;
+    }
+    const bool isLower = isAsciiLetter(next) && !isUpper(next);
+    return {.isNumber = !isLower || next == 'e', .isDate = mayBeDate && isAsciiLetter(next)};
+}
+
+/// Of a text without white space at its ends.
+Suspicion suspect(std::string_view text) {
+    if (!mayEnd(text.back()))
+        return {};
+    const char first = text.front();
+    if (isAsciiDigit(first))
+        return suspectDigits(text);
+    if (isAsciiLetter(first))
+        return suspectLetters(text);
+    if (first == '(' && text.back() != ')')
+        return {};
+    constexpr unsigned char kFirstSign = 0xC2; // the first byte of the first currency sign
+    const bool mayBeNumber = static_cast<unsigned char>(first) >= kFirstSign ||
+                             std::string_view("+-(.,$").find(first) != std::string_view::npos;
+    return {.isNumber = mayBeNumber && hasDigit(text)};
 }
 
 Readings readingsOf(bool first, bool second, bool areSame) {
@@ -44,19 +128,6 @@ Readings readingsOf(bool first, bool second, bool areSame) {
 
 bool isRead(Readings readings, bool isFirst) {
     return readings != (isFirst ? Readings::Second : Readings::First);
-}
-
-/// Whether a written number or date can end with the last byte of the text: with a digit, a sign or unit, AM, PM, Z,
-/// UTC or GMT.
-bool mayEnd(std::string_view text) {
-    const auto last = static_cast<unsigned char>(text.back());
-    const char lower = asciiLower(text.back());
-    return isAsciiDigit(text.back()) || last >= 0x80 || (last >= 'A' && last <= 'Z') || lower == 'm' || lower == 'z' ||
-           lower == 'c' || lower == 't' || std::string_view(".-%$)").find(text.back()) != std::string_view::npos;
-}
-
-bool hasDigit(std::string_view text) {
-    return std::any_of(text.begin(), text.end(), [](char c) { return isAsciiDigit(c); });
 }
 
 void setNumber(ValueForm& form, const WrittenNumber& number) {
@@ -81,18 +152,15 @@ void setDate(ValueForm& form, const WrittenDate& date) {
 
 /// For a text without white space at its ends that fits no strict type.
 void setWritten(ValueForm& form, std::string_view text) {
-    const Start start = startOf(text);
-    if (start == Start::Other || !mayEnd(text) || (start != Start::Digit && !hasDigit(text)))
-        return;
-    if (const auto number = readNumber(text)) {
-        setNumber(form, *number);
-        return;
-    }
-    if (std::all_of(text.begin(), text.end(), isAsciiDigit)) {
+    const Suspicion suspicion = suspect(text);
+    if (suspicion.isPadded)
         form.family = Family::PaddedDigits;
-        return;
-    }
-    if (start != Start::Number)
+    if (suspicion.isNumber)
+        if (const auto number = readNumber(text)) {
+            setNumber(form, *number);
+            return;
+        }
+    if (suspicion.isDate)
         if (const auto date = readDate(text))
             setDate(form, *date);
 }

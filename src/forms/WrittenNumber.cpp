@@ -34,8 +34,10 @@ std::string_view separatorAt(std::string_view text, char mark) {
         return {};
     if (text.front() == (mark == '.' ? ',' : '.'))
         return text.substr(0, 1);
+    if (isAsciiDigit(text.front()) || text.front() == mark)
+        return {};
     for (const std::string_view separator : kSeparators)
-        if (text.starts_with(separator))
+        if (text.front() == separator.front() && text.starts_with(separator))
             return separator;
     return {};
 }
@@ -114,14 +116,14 @@ MarkReading readDigits(std::string_view text, char mark) {
 }
 
 bool takeStart(std::string_view& text, std::string_view what) {
-    if (!text.starts_with(what))
+    if (text.empty() || text.front() != what.front() || !text.starts_with(what))
         return false;
     text.remove_prefix(what.size());
     return true;
 }
 
 bool takeEnd(std::string_view& text, std::string_view what) {
-    if (!text.ends_with(what))
+    if (text.empty() || text.back() != what.back() || !text.ends_with(what))
         return false;
     text.remove_suffix(what.size());
     return true;

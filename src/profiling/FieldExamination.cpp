@@ -94,24 +94,21 @@ FieldFigures figuresOf(const FieldFacts& facts, const findings::OrderedFigures& 
 } // namespace
 
 repository::FindingFacts factsOf(const findings::Finding& finding) {
-    return {std::string(finding.code), static_cast<int>(finding.likelihood),
-            finding.values,            finding.rows,
-            finding.detail,            finding.condition};
+    return {
+        std::string(finding.code), static_cast<int>(finding.likelihood), finding.values, finding.rows, finding.detail,
+        finding.condition};
 }
 
 void examine(FieldProfile& field, const findings::ValueDetectors& values, const findings::OrderedFigures& ordered) {
     FieldFacts& facts = field.facts;
     const FieldFigures figures = figuresOf(facts, ordered);
-    for (const findings::Finding& finding :
-         findings::fieldFindings(figures, values, ordered.numbers ? &*ordered.numbers : nullptr,
-                                 ordered.dates ? &*ordered.dates : nullptr))
+    for (const findings::Finding& finding : findings::fieldFindings(
+             figures, values, ordered.numbers ? &*ordered.numbers : nullptr, ordered.dates ? &*ordered.dates : nullptr))
         facts.findings.push_back(factsOf(finding));
     findings::FieldSummary& summary = field.summary;
     summary.name = facts.name;
     summary.typeCode = facts.typeCode;
-    // The reading of a text is one only if most values fit it.
-    if (figures.isTyped() || figures.hasFigures)
-        summary.kind = figures.kindWord();
+    summary.kind = figures.kindWord();
     summary.pattern = findings::usualPattern(values);
     summary.shown = values.shown();
     if (const KvbDatavar& precision = facts.metrics[index(MetricId::Precision)]; !precision.isNull())

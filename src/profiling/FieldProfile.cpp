@@ -136,7 +136,10 @@ class FieldProfiler {
             m_mode = mostFrequent(entries, order);
         if (m_form != KeyForm::None) {
             keyByValue(entries, order);
-            sortByKey(order, spare, m_context.stop);
+            // The texts of dates and of numbers of one length have the order of their values.
+            if (!std::is_sorted(order.begin(), order.end(),
+                                [](const Keyed& a, const Keyed& b) { return a.key < b.key; }))
+                sortByKey(order, spare, m_context.stop);
             if (m_form == KeyForm::LargeInteger)
                 orderLargeIntegers(order, entries);
         }
@@ -256,15 +259,16 @@ class FieldProfiler {
     void keyByValue(const EntryList& entries, std::vector<Keyed>& order) const {
         // In the order of the entries, since their texts are next to each other in memory.
         std::vector<std::uint64_t> keys(entries.size());
-        const bool hasOthers = m_reading || m_survey.emptyRows() + m_survey.blankRows() > 0;
+        const bool hasOthers = m_reading ? m_figures.facts.breakdown->fitValues < entries.size()
+                                         : m_survey.emptyRows() + m_survey.blankRows() > 0;
         std::vector<bool> isOther(hasOthers ? entries.size() : 0);
         for (std::size_t i = 0; i < entries.size(); ++i) {
             const std::string_view text = entries[i].text();
-            if (!hasOthers)
+            if (!hasOthers && !m_reading)
                 keys[i] = keyOf(text, m_form);
             else if (const auto key = keyIfUsed(text))
                 keys[i] = *key;
-            else
+            else if (hasOthers)
                 isOther[i] = true;
         }
         if (hasOthers)

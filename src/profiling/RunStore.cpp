@@ -160,13 +160,15 @@ Status RunStore::storeField(const FinishedTable& table, FieldProfile& field, con
 
 Status RunStore::storeDamage(const FinishedTable& table) {
     const auto damaged = static_cast<std::uint64_t>(table.report.facts.damagedRecords);
-    return damaged == 0 ? Status{} : m_writer->addFinding(*table.id, "", {.code = "damaged-rows", .likelihood = 3, .rows = damaged});
+    return damaged == 0
+               ? Status{}
+               : m_writer->addFinding(*table.id, "", {.code = "damaged-rows", .likelihood = 3, .rows = damaged});
 }
 
 Status RunStore::storeDifferences() {
     for (const findings::FoundIn& found : findings::findDifferences(m_summaries))
-        if (Status status =
-                m_writer->addFinding(m_tableOfField[found.field], m_summaries[found.field].name, factsOf(found.finding));
+        if (Status status = m_writer->addFinding(m_tableOfField[found.field], m_summaries[found.field].name,
+                                                 factsOf(found.finding));
             !status)
             return status;
     return {};

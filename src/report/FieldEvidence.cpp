@@ -5,6 +5,7 @@
 #include "access/PrViewer.h"
 #include "base/Ascii.h"
 #include "base/Characters.h"
+#include "base/DateTicks.h"
 #include "base/NumberText.h"
 #include "report/CheckedCursor.h"
 
@@ -89,12 +90,42 @@ TableEvidence readTableEvidence(PrViewer& viewer, int tableId) {
     const auto history = [&](MetricId metric) {
         return readMetricHistory(viewer, tableId, static_cast<int>(metric), kMostRuns);
     };
-    return {history(MetricId::NonNullCount), history(MetricId::NullCount),    history(MetricId::UniqueCount),
-            history(MetricId::MinimumValue), history(MetricId::MaximumValue), history(MetricId::MaximumLength)};
+    TableEvidence table{history(MetricId::NonNullCount),
+                        history(MetricId::NullCount),
+                        history(MetricId::UniqueCount),
+                        history(MetricId::MinimumValue),
+                        history(MetricId::MaximumValue),
+                        history(MetricId::MaximumLength),
+                        {}};
+    const ProfileCursorHandle rows = checked(viewer, viewer.getFitReadings(tableId));
+    while (rows->next()) {
+        const auto reading = forms::Reading::parse(textAt(*rows, layout::FitReading));
+        if (reading && rows->getColumnInt(layout::FitHasFigures) != 0)
+            table.readings.emplace(
+                rows->getColumnInt(layout::FitFieldId),
+                std::pair(*reading, rows->getColumnInt64(layout::FitRows) - rows->getColumnInt64(layout::FitFitRows)));
+    }
+    return table;
 }
 
 std::optional<double> FieldEvidence::number(MetricId metric) const {
     return parseNumber(field.metrics[index(metric)].view());
+}
+
+bool FieldEvidence::holdsNumbers() const {
+    return reading ? reading->type == FieldType::Integer || reading->type == FieldType::Real : type && type->isNumeric;
+}
+
+bool FieldEvidence::holdsDates() const {
+    return reading ? reading->type == FieldType::Date : isType(FieldType::Date);
+}
+
+std::optional<double> FieldEvidence::numberIn(std::string_view text) const {
+    return reading ? reading->number(text) : parseNumber(text);
+}
+
+std::optional<std::int64_t> FieldEvidence::ticksIn(std::string_view text) const {
+    return reading ? reading->ticks(text) : parseDate(text);
 }
 
 RunShare FieldEvidence::uniqueRuns() const {
@@ -135,15 +166,16 @@ std::int64_t rowsThatMeet(PrViewer& viewer, int fieldId, std::string_view condit
 
 LengthTail readLengthTail(PrViewer& viewer, int fieldId, std::int64_t longest) {
     LengthTail tail;
-    const auto count = [&](const std::string& condition, std::int64_t& values, std::int64_t& ofRows) {
+    const auto valuesThatMeet = [&](const std::string& condition) {
+        std::int64_t values = 0;
         const ProfileCursorHandle rows = checked(viewer, viewer.getFreqDist(fieldId, KvbString(condition)));
-        for (; rows->next(); ++values)
-            ofRows += rows->getColumnInt64(layout::FreqCount);
+        while (rows->next())
+            ++values;
+        return values;
     };
-    std::int64_t ignored = 0;
-    count(fmt::format("length(`Value`) = {}", longest), tail.valuesAtEnd, tail.rowsAtEnd);
-    count(fmt::format("length(`Value`) between {} and {}", longest - LengthTail::kBefore, longest - 1),
-          tail.valuesBefore, ignored);
+    tail.valuesAtEnd = valuesThatMeet(fmt::format("length(`Value`) = {}", longest));
+    tail.valuesBefore =
+        valuesThatMeet(fmt::format("length(`Value`) between {} and {}", longest - LengthTail::kBefore, longest - 1));
     return tail;
 }
 
@@ -161,6 +193,11 @@ FieldEvidence readFieldEvidence(PrViewer& viewer, FieldRecord field, const Table
     made.minimumHistory = table.minimum.Of(field.id);
     made.maximumHistory = table.maximum.Of(field.id);
     made.longestHistory = table.longest.Of(field.id);
+    if (const auto found = table.readings.find(field.id);
+        found != table.readings.end() && made.isType(FieldType::Text)) {
+        made.reading = found->second.first;
+        made.misfitRows = found->second.second;
+    }
     // The metrics count blank texts, but not empty ones.
     const bool mayHaveBlanks =
         countAt(field, MetricId::BlankCount) > 0 || field.metrics[index(MetricId::MinimumLength)].view() == "0";

@@ -1,14 +1,17 @@
 #pragma once
 
 #include "base/TypeWords.h"
+#include "forms/Reading.h"
 #include "report/FieldRecord.h"
 #include "report/MetricHistory.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tavix {
@@ -18,6 +21,8 @@ class PrViewer;
 /// Figures of the fields of a table in the current run and those before it, read with a query for each metric.
 struct TableEvidence {
     MetricHistory nonNulls, nulls, unique, minimum, maximum, longest;
+    /// By field: of text fields whose figures are over the values that fit a narrower type, with the rows that do not.
+    std::map<int, std::pair<forms::Reading, std::int64_t>> readings;
 };
 [[nodiscard]] TableEvidence readTableEvidence(PrViewer& viewer, int tableId);
 
@@ -48,6 +53,9 @@ struct RunShare {
 struct FieldEvidence {
     FieldRecord field;
     const FieldTypeInfo* type = nullptr; ///< null for a field without a type
+    /// Of a text field nearly all of whose values fit a narrower type: its figures are over those.
+    std::optional<forms::Reading> reading;
+    std::int64_t misfitRows = 0; ///< of such a field
     bool isSample = false;
     std::int64_t rows = 0;
     std::int64_t nulls = 0;
@@ -65,7 +73,11 @@ struct FieldEvidence {
     [[nodiscard]] std::optional<double> number(MetricId metric) const;
     [[nodiscard]] int runs() const { return static_cast<int>(uniqueHistory.size()); }
     [[nodiscard]] bool isType(FieldType wanted) const { return type && type->type == wanted; }
-    [[nodiscard]] bool isNumeric() const { return type && type->isNumeric; }
+    /// The values as numbers or dates, those of a text field by its reading.
+    [[nodiscard]] bool holdsNumbers() const;
+    [[nodiscard]] bool holdsDates() const;
+    [[nodiscard]] std::optional<double> numberIn(std::string_view text) const;
+    [[nodiscard]] std::optional<std::int64_t> ticksIn(std::string_view text) const;
     /// The runs in which every value that is not null occurs once.
     [[nodiscard]] RunShare uniqueRuns() const;
     /// Whether its values identify rows, to judge by their number, its name and its place.
@@ -78,7 +90,6 @@ struct FieldEvidence {
 struct LengthTail {
     static constexpr std::int64_t kBefore = 5; ///< lengths before the last
     std::int64_t valuesAtEnd = 0;
-    std::int64_t rowsAtEnd = 0;
     std::int64_t valuesBefore = 0; ///< of all these lengths
 };
 [[nodiscard]] LengthTail readLengthTail(PrViewer& viewer, int fieldId, std::int64_t longest);

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <utility>
 
@@ -44,20 +45,29 @@ struct Ends {
     std::string out;          ///< those values
 };
 
-using Reading = std::optional<double> (*)(std::string_view);
+using Read = std::function<std::optional<double>(std::string_view)>;
 
-std::optional<double> numberOf(std::string_view text) {
-    return parseNumber(text);
+Read numbersOf(const FieldEvidence& field) {
+    return [&field](std::string_view text) { return field.numberIn(text); };
 }
 
-std::optional<double> dayNumberOf(std::string_view text) {
-    const auto ticks = parseDate(text);
-    return ticks ? std::optional(static_cast<double>(dayOf(*ticks))) : std::nullopt;
+/// Dates as days since 1970.
+Read dayNumbersOf(const FieldEvidence& field) {
+    return [&field](std::string_view text) {
+        const auto ticks = field.ticksIn(text);
+        return ticks ? std::optional(static_cast<double>(dayOf(*ticks))) : std::nullopt;
+    };
+}
+
+/// The field as a date in a condition.
+std::string dateText(const FieldEvidence& field, const std::string& operand) {
+    return field.reading ? fmt::format("todate({}, {})", operand, literalText(field.reading->text()))
+                         : fmt::format("todate({})", operand);
 }
 
 /// Leaves out the farthest values of one side while a gap that is wider than the span of all others separates them.
 /// `side` has the farthest first; `other` is the far end of the values.
-void leaveOut(const std::vector<ExtremeValue>& side, Reading read, double other, double& end, Ends& ends,
+void leaveOut(const std::vector<ExtremeValue>& side, const Read& read, double other, double& end, Ends& ends,
               std::int64_t rows) {
     constexpr double kFewPercent = 0.5;
     constexpr double kGap = 2;
@@ -78,7 +88,7 @@ void leaveOut(const std::vector<ExtremeValue>& side, Reading read, double other,
     }
 }
 
-std::optional<Ends> endsOf(const FieldEvidence& field, Reading read) {
+std::optional<Ends> endsOf(const FieldEvidence& field, const Read& read) {
     const auto low = read(field.field.metrics[index(MetricId::MinimumValue)].view());
     const auto high = read(field.field.metrics[index(MetricId::MaximumValue)].view());
     if (!low || !high || std::abs(*low) > kExactIntegers || std::abs(*high) > kExactIntegers)
@@ -115,9 +125,9 @@ double up(double value, double step) {
     return rounded(value, step, [](double one) { return std::ceil(one); });
 }
 
-bool isSideFar(const std::vector<ExtremeValue>& side, double end) {
+bool isSideFar(const FieldEvidence& field, const std::vector<ExtremeValue>& side, double end) {
     return std::any_of(side.begin(), side.end(),
-                       [&](const ExtremeValue& value) { return value.isFar && numberOf(value.text) == end; });
+                       [&](const ExtremeValue& value) { return value.isFar && field.numberIn(value.text) == end; });
 }
 
 const KnownRange* knownRange(const FieldEvidence& field, const Ends& ends) {
@@ -131,8 +141,11 @@ const KnownRange* knownRange(const FieldEvidence& field, const Ends& ends) {
 }
 
 std::string saidRange(const FieldEvidence& field, const Ends& ends, const std::string& low, const std::string& high) {
-    std::string said =
-        fmt::format("{} to {} in {}{}", low, high, countOf(field.filled() - ends.rowsOut, "row"), overRuns(field));
+    const std::int64_t rows = field.filled() - ends.rowsOut - field.misfitRows;
+    std::string said = fmt::format("{} to {} in {}{}", low, high, countOf(rows, "row"), overRuns(field));
+    if (field.misfitRows > 0)
+        said += fmt::format("; {} {} no {}", countOf(field.misfitRows, "row"), field.misfitRows == 1 ? "has" : "have",
+                            typeWord(field.reading->type));
     if (ends.rowsOut > 0)
         said += fmt::format("; {} far from all others: {}", countOf(ends.rowsOut, "row"), ends.out);
     return said;
@@ -164,11 +177,11 @@ Bounds boundsOf(const FieldEvidence& field, const Ends& ends, double low, double
     const double span = ends.high - ends.low;
     const double step = stepOf(span);
     Bounds bounds;
-    if (!isSideFar(field.highest, ends.high))
+    if (!isSideFar(field, field.highest, ends.high))
         bounds.most = up(high, step) == high ? high : up(high + kMargin * span, step);
     if (low >= 0 && (low <= span || !bounds.most))
         bounds.least = 0;
-    else if (bounds.most && !isSideFar(field.lowest, ends.low))
+    else if (bounds.most && !isSideFar(field, field.lowest, ends.low))
         bounds.least = down(low, step) == low ? low : down(low - kMargin * span, step);
     if (bounds.least && low >= 0)
         bounds.least = std::max(*bounds.least, 0.0);
@@ -188,64 +201,85 @@ void draftLowest(const FieldEvidence& field, double low, std::vector<RuleDraft>&
     drafts.push_back(std::move(draft));
 }
 
+/// The figure of the metric that names an end of the values.
+std::optional<double> endIn(const FieldEvidence& field, MetricId metric) {
+    return field.numberIn(field.field.metrics[index(metric)].view());
+}
+
+/// Fills in condition and name; false if the values suggest no bounds.
+bool boundNumbers(const FieldEvidence& field, const Ends& ends, RuleDraft& draft) {
+    if (const KnownRange* const known = knownRange(field, ends)) {
+        draft.conditions = {fmt::format("{} between {} and {}", kNumber, known->low, known->high)};
+        draft.predicate = fmt::format("is from {} to {}", known->low, known->high);
+        return true;
+    }
+    // Values of other runs belong to the range, unless they are as far out as those that were left out.
+    const bool isBottomLeftOut = ends.low > endIn(field, MetricId::MinimumValue);
+    const bool isTopLeftOut = ends.high < endIn(field, MetricId::MaximumValue);
+    const Bounds bounds = boundsOf(field, ends, isBottomLeftOut ? ends.low : lowestOfRuns(field, ends.low),
+                                   isTopLeftOut ? ends.high : highestOfRuns(field, ends.high));
+    if (bounds.least && bounds.most) {
+        const std::string least = formatReal(*bounds.least);
+        const std::string most = formatReal(*bounds.most);
+        draft.conditions = {fmt::format("{} between {} and {}", kNumber, least, most)};
+        draft.predicate = fmt::format("is from {} to {}", least, most);
+        draft.remark = "The bounds are rounded outwards.";
+        // One run does not show where the values end.
+        if (field.runs() == 1 && draft.confidence != SuggestionConfidence::Low)
+            draft.confidence = draft.confidence == SuggestionConfidence::High ? SuggestionConfidence::Medium
+                                                                              : SuggestionConfidence::Low;
+    } else if (bounds.least) {
+        draft.conditions = {fmt::format("{} >= 0", kNumber)};
+        draft.predicate = "is not negative";
+    }
+    return bounds.least.has_value();
+}
+
+/// Of a text field some values do not fit its reading; all of them violate the rule.
+constexpr double kMostMisfits = 5;
+
 void draftNumbers(const FieldEvidence& field, std::vector<RuleDraft>& drafts) {
-    const auto ends = endsOf(field, numberOf);
+    const auto ends = endsOf(field, numbersOf(field));
     if (!ends)
         return;
-    if (field.isGrowingIdentifier()) {
-        if (field.runs() > 1)
-            draftLowest(field, lowestOfRuns(field, ends->low), drafts);
-        return;
-    }
+    const auto addLowest = [&](double low) {
+        if (field.runs() > 1 && !field.reading)
+            draftLowest(field, lowestOfRuns(field, low), drafts);
+    };
+    if (field.isGrowingIdentifier())
+        return addLowest(ends->low);
     RuleDraft draft;
     draft.kind = SuggestionKind::Range;
     draft.reason = saidRange(field, *ends, formatReal(ends->low), formatReal(ends->high));
-    draft.confidence = confidenceOf(field, ends->rowsOut == 0);
-    if (const KnownRange* const known = knownRange(field, *ends)) {
-        draft.conditions = {fmt::format("{} between {} and {}", kNumber, known->low, known->high)};
-        draft.predicate = fmt::format("is from {} to {}", known->low, known->high);
-    } else {
-        // Values of other runs belong to the range, unless they are as far out as those that were left out.
-        const bool isBottomLeftOut = ends->low > field.number(MetricId::MinimumValue);
-        const bool isTopLeftOut = ends->high < field.number(MetricId::MaximumValue);
-        const double low = isBottomLeftOut ? ends->low : lowestOfRuns(field, ends->low);
-        const double high = isTopLeftOut ? ends->high : highestOfRuns(field, ends->high);
-        const Bounds bounds = boundsOf(field, *ends, low, high);
-        if (!bounds.least) {
-            if (field.runs() > 1)
-                draftLowest(field, lowestOfRuns(field, *field.number(MetricId::MinimumValue)), drafts);
-            return;
-        }
-        if (bounds.most) {
-            draft.conditions = {
-                fmt::format("{} between {} and {}", kNumber, formatReal(*bounds.least), formatReal(*bounds.most))};
-            draft.predicate = fmt::format("is from {} to {}", formatReal(*bounds.least), formatReal(*bounds.most));
-            draft.remark = "The bounds are rounded outwards.";
-            if (field.runs() == 1 && draft.confidence > SuggestionConfidence::Low)
-                draft.confidence = draft.confidence == SuggestionConfidence::High ? SuggestionConfidence::Medium
-                                                                                  : SuggestionConfidence::Low;
-        } else {
-            draft.conditions = {fmt::format("{} >= 0", kNumber)};
-            draft.predicate = "is not negative";
-        }
+    draft.confidence = confidenceOf(field, ends->rowsOut + field.misfitRows == 0);
+    if (!boundNumbers(field, *ends, draft)) {
+        if (!field.reading)
+            return addLowest(endIn(field, MetricId::MinimumValue).value_or(ends->low));
+        draft.conditions = {fmt::format("fits({}, {})", kOperand, literalText(field.reading->text()))};
+        draft.predicate = "is a number";
     }
+    if (field.reading)
+        draft.mostPercent += kMostMisfits;
     draft.conditions.front() = withMissing(field, draft.conditions.front());
     drafts.push_back(std::move(draft));
 }
 
 void draftDates(const FieldEvidence& field, std::vector<RuleDraft>& drafts) {
-    const auto ends = endsOf(field, dayNumberOf);
+    const auto ends = endsOf(field, dayNumbersOf(field));
     if (!ends)
         return;
     const auto dayText = [](double day) { return formatDate(static_cast<std::int64_t>(day) * kTicksPerDay); };
     const std::string first = dayText(ends->low);
-    const std::string year = first.substr(0, 4) + "-01-01";
+    const std::string year = first.substr(0, 4);
     RuleDraft draft;
     draft.kind = SuggestionKind::Range;
-    draft.predicate = fmt::format("is from {} to the day of the run", first.substr(0, 4));
-    draft.conditions = {withMissing(field, fmt::format("todate({}) between '{}' and now()", kOperand, year))};
+    draft.predicate = fmt::format("is from {} to the day of the run", year);
+    draft.conditions = {withMissing(
+        field, fmt::format("{} between '{}-01-01' and now()", dateText(field, std::string(1, kOperand)), year))};
     draft.reason = saidRange(field, *ends, first, dayText(ends->high));
-    draft.confidence = confidenceOf(field, ends->rowsOut == 0);
+    draft.confidence = confidenceOf(field, ends->rowsOut + field.misfitRows == 0);
+    if (field.reading)
+        draft.mostPercent += kMostMisfits;
     drafts.push_back(std::move(draft));
 }
 
@@ -278,9 +312,9 @@ RuleDraft coverage(std::string_view part, std::int64_t missing, std::int64_t spa
 void draftRange(const FieldEvidence& field, std::vector<RuleDraft>& drafts) {
     if (field.filled() < kFewestRows || hasDraft(drafts, {SuggestionKind::Constant, SuggestionKind::Domain}))
         return;
-    if (field.isNumeric())
+    if (field.holdsNumbers())
         draftNumbers(field, drafts);
-    else if (field.isType(FieldType::Date))
+    else if (field.holdsDates())
         draftDates(field, drafts);
 }
 
@@ -295,8 +329,8 @@ void draftCoverage(const FieldEvidence& field, const std::vector<std::int64_t>& 
     };
     const std::int64_t span = days.back() - days.front() + 1;
     const std::int64_t missing = span - static_cast<std::int64_t>(days.size());
-    const std::string low = fmt::format("todate({})", fieldText(field.field.name + ":Minimum Value"));
-    const std::string high = fmt::format("todate({})", fieldText(field.field.name + ":Maximum Value"));
+    const std::string low = dateText(field, fieldText(field.field.name + ":Minimum Value"));
+    const std::string high = dateText(field, fieldText(field.field.name + ":Maximum Value"));
     const std::string unique = fieldText(field.field.name + ":Unique Count");
     if (span >= kFewestDays && isNearlyAll(missing, span)) {
         RuleDraft draft = coverage("day", missing, span, formatDate(days.front() * kTicksPerDay),

@@ -76,13 +76,15 @@ std::string listOf(std::vector<CountedText> values) {
 /// Whether the values are compared as numbers. Integers beyond 2^53 are texts.
 bool isOfNumbers(const FieldEvidence& field) {
     return field.isType(FieldType::Integer) &&
-           std::all_of(field.values.begin(), field.values.end(),
-                       [](const auto& value) { return std::abs(parseNumber(value.text).value_or(0)) <= kExactIntegers; });
+           std::all_of(field.values.begin(), field.values.end(), [](const auto& value) {
+               return std::abs(parseNumber(value.text).value_or(0)) <= kExactIntegers;
+           });
 }
 
 /// 3, 5, 8.
 std::string listOfNumbers(const std::vector<CountedText>& values) {
     std::vector<double> numbers;
+    numbers.reserve(values.size());
     for (const CountedText& value : values)
         numbers.push_back(parseNumber(value.text).value_or(0));
     std::sort(numbers.begin(), numbers.end());
@@ -102,7 +104,8 @@ bool isContiguous(const FieldEvidence& field) {
 bool mayBeDomain(const FieldEvidence& field, std::size_t longest) {
     constexpr std::int64_t kRowsOfAValue = 10; // on average; else it is a list that has not been seen to its end
     constexpr std::size_t kMostNumbers = 10;
-    if (!field.hasAllValues || field.values.size() > longest || field.values.size() < 2)
+    // Of texts that are numbers or dates a range says more.
+    if (!field.hasAllValues || field.values.size() > longest || field.values.size() < 2 || field.reading)
         return false;
     const auto size = static_cast<std::int64_t>(field.values.size());
     if (field.isType(FieldType::Real) || field.isType(FieldType::Date) || field.filled() < kRowsOfAValue * size)

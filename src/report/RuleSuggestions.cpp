@@ -39,34 +39,38 @@ std::string onOperand(const std::string& condition, const std::string& operand, 
     return made;
 }
 
-/// As a job tests the rows.
-std::string onField(const std::string& condition, const std::string& field) {
-    return onOperand(condition, fieldText(field), fieldText(field));
+/// The condition as a job tests the rows. A column is compared with numbers as it is, unless its values have a reading.
+std::string onField(const FieldEvidence& field, const std::string& condition) {
+    const std::string column = fieldText(field.field.name);
+    return onOperand(condition, column,
+                     field.reading ? fmt::format("tonumber({}, {})", column, literalText(field.reading->text()))
+                                   : column);
 }
 
 /// As a filter tests the values, which are texts.
-std::string onValues(const std::string& condition) {
-    return onOperand(condition, "`Value`", "tonumber(`Value`)");
+std::string onValues(const FieldEvidence& field, const std::string& condition) {
+    return onOperand(condition, "`Value`",
+                     field.reading ? fmt::format("tonumber(`Value`, {})", literalText(field.reading->text()))
+                                   : std::string("tonumber(`Value`)"));
 }
 
-std::string violatingFilter(const std::string& condition) {
-    return fmt::format("if {} then return false else return true", onValues(condition));
-}
-
-/// The different days of a field of dates without times; empty for any other.
+/// The different days of a field of dates, each written in one way and without a time; empty for any other.
 std::vector<std::int64_t> daysOf(PrViewer& viewer, const FieldEvidence& field) {
     constexpr std::int64_t kMostDays = 100'000;
-    constexpr double kDayLength = 10;
     std::vector<std::int64_t> days;
-    if (!field.isType(FieldType::Date) || field.blanks > 0 || field.distinct > kMostDays ||
-        field.number(MetricId::MaximumLength) != kDayLength)
+    if (!field.holdsDates() || field.blanks > 0 || field.misfitRows > 0 || field.distinct > kMostDays)
         return days;
     const ProfileCursorHandle rows = checked(viewer, viewer.getFreqDist(field.field.id, ""));
-    while (rows->next())
-        if (const auto ticks = parseDate(textAt(*rows, layout::FreqValue)))
+    while (rows->next()) {
+        const auto ticks = field.ticksIn(textAt(*rows, layout::FreqValue));
+        if (ticks && *ticks % kTicksPerDay != 0)
+            return {};
+        if (ticks)
             days.push_back(dayOf(*ticks));
+    }
     std::sort(days.begin(), days.end());
-    return days;
+    const bool isWrittenInTwoWays = std::adjacent_find(days.begin(), days.end()) != days.end();
+    return isWrittenInTwoWays ? std::vector<std::int64_t>() : days;
 }
 
 class Suggester {
@@ -77,6 +81,7 @@ class Suggester {
     std::vector<RuleSuggestion> run() {
         const std::vector<TableIdentity> tables = readTables(m_viewer);
         std::vector<Table> read;
+        read.reserve(tables.size());
         for (const TableIdentity& table : tables)
             read.push_back({&table, readFields(m_viewer, table.id)});
         if (isWanted(SuggestionKind::Reference))
@@ -187,7 +192,7 @@ class Suggester {
                               groupedCount(without), countOf(reference.rowsWithout, "row"));
         draft.violations = reference.rowsWithout;
         draft.confidence = confidenceOf(field, reference.rowsWithout == 0);
-        const std::vector<CountedText> keys = keysOf(to);
+        std::vector<std::string> keys = keysOf(to);
         if (keys.empty()) {
             draft.element = SuggestedElement::Remark;
             draft.remark =
@@ -197,10 +202,7 @@ class Suggester {
                 draft.conditions = {
                     withMissing(field, fmt::format("not ({} in ({}))", kOperand, listOf(reference.without)))};
         } else {
-            std::vector<std::string> values;
-            for (const CountedText& key : keys)
-                values.push_back(key.text);
-            draft.conditions = {withMissing(field, fmt::format("{} in ({})", kOperand, listOf(std::move(values))))};
+            draft.conditions = {withMissing(field, fmt::format("{} in ({})", kOperand, listOf(std::move(keys))))};
             draft.violations.reset();
             draft.remark = "The values of " + address + " at the time of the run.";
         }
@@ -208,17 +210,17 @@ class Suggester {
     }
 
     /// Empty if there are more than a domain may have.
-    std::vector<CountedText> keysOf(const ReferenceField& to) {
+    std::vector<std::string> keysOf(const ReferenceField& to) {
         const auto size = parseInteger(to.field.metrics[index(MetricId::UniqueCount)].view()).value_or(0);
-        std::vector<CountedText> keys;
+        std::vector<std::string> keys;
         if (static_cast<std::size_t>(size) > m_options.longestDomain)
             return keys;
         const ProfileCursorHandle rows = checked(m_viewer, m_viewer.getFreqDist(to.field.id, ""));
         while (rows->next()) {
-            const std::string text = textAt(*rows, layout::FreqValue);
+            std::string text = textAt(*rows, layout::FreqValue);
             if (text.find('\0') != std::string::npos || text.find_first_of({kOperand, kNumber}) != std::string::npos)
                 return {};
-            keys.push_back({text, 1});
+            keys.push_back(std::move(text));
         }
         return keys;
     }
@@ -233,7 +235,7 @@ class Suggester {
 
     /// The rows that do not meet it.
     std::int64_t violationsOf(const FieldEvidence& field, const std::string& condition) {
-        return field.rows - rowsThatMeet(m_viewer, field.field.id, onValues(condition));
+        return field.rows - rowsThatMeet(m_viewer, field.field.id, onValues(field, condition));
     }
 
     void finish(const TableIdentity& table, const FieldEvidence& field, const RuleDraft& draft) {
@@ -265,9 +267,9 @@ class Suggester {
         if (percent > draft.mostPercent)
             return;
         if (made.element == SuggestedElement::Rule)
-            made.condition = onField(chosen, field.field.name);
+            made.condition = onField(field, chosen);
         if (!chosen.empty())
-            made.violatingValues = violatingFilter(chosen);
+            made.violatingValues = fmt::format("if {} then return false else return true", onValues(field, chosen));
         if (m_known.say(made))
             return;
         made.name = m_known.takeName(table.id, draft.element == SuggestedElement::MetricAlert

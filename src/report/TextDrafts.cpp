@@ -153,8 +153,8 @@ bool isLengthStable(const FieldEvidence& field) {
 } // namespace
 
 void draftPattern(const FieldEvidence& field, double leastPercent, std::vector<RuleDraft>& drafts) {
-    if (!field.isType(FieldType::Text) || !field.hasAllPatterns || field.filled() < kFewestRows ||
-        hasDraft(drafts, {SuggestionKind::Constant, SuggestionKind::Domain}))
+    if (!field.isType(FieldType::Text) || field.holdsNumbers() || !field.hasAllPatterns ||
+        field.filled() < kFewestRows || hasDraft(drafts, {SuggestionKind::Constant, SuggestionKind::Domain}))
         return;
     std::vector<Form> forms = enough(exactForms(field.patterns), field.filled(), leastPercent);
     if (forms.empty())
@@ -221,7 +221,6 @@ void draftLength(const FieldEvidence& field, const LengthTail& tail, std::vector
         fmt::format("{} have exactly the greatest length {}{}, {} on average each of the {} lengths below it",
                     countOf(tail.valuesAtEnd, "value"), length, isFull ? " that the source declares" : "",
                     formatReadable(before), LengthTail::kBefore);
-    draft.violations = tail.rowsAtEnd;
     draft.remark = "Compare the longest values with the source: they may be complete.";
     draft.confidence = isFull ? SuggestionConfidence::High : SuggestionConfidence::Medium;
     draft.mostPercent = 100;

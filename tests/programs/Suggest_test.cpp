@@ -252,6 +252,32 @@ TEST_F(Suggest, RangesWithoutWhatLiesFarOut) {
         << "dates that are planned";
 }
 
+TEST_F(Suggest, RangesOfTextsThatAreNumbersOrDates) {
+    const auto withMisfits = [](int i) { return i % 100 == 7 ? "unknown" : fmt::format("{}", 10 + i * 7 % 37); };
+    EXPECT_THAT(of(400, withMisfits), Contains("range: tonumber(`f`, 'integer') between 0 and 50 4"));
+    checkRoundTrip("misfits");
+    const auto written = [](int i) { return fmt::format("{:02}/{:02}/{}", 1 + i % 28, 1 + i / 28 % 12, 2010 + i % 9); };
+    EXPECT_THAT(of(400, written), Contains("range: todate(`f`, 'date day-first') between '2010-01-01' and now() 0"));
+    EXPECT_THAT(of(400, [&](int i) { return i == 9    ? "?"
+                                            : i == 10 ? ""
+                                                      : written(i); }),
+                Contains("range: isnull(`f`) or todate(`f`, 'date day-first') between '2010-01-01' and now() 1"));
+    checkRoundTrip("written dates");
+    const auto first = [](int i) { return fmt::format("\"{} 1 {}\"", i / 2 % 2 == 0 ? "Jan" : "Feb", 2000 + i / 4); };
+    EXPECT_THAT(of(240, first), Not(Contains(HasSubstr("coverage")))) << "ten months of a year have no rows";
+    EXPECT_THAT(
+        of(240,
+           [](int i) {
+               constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                  "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+               return fmt::format("{} 1 {}", kMonths[i / 2 % 12], 2000 + i / 24);
+           }),
+        Contains(
+            "coverage: datediff(todate(`f:Minimum Value`, 'date'), todate(`f:Maximum Value`, 'date'), 'month') + 1 - "
+            "`f:Unique Count` at most 0 0"));
+    checkRoundTrip("written months");
+}
+
 TEST_F(Suggest, LengthsAndTextsThatWereCutOff) {
     const auto mixed = [](int i, int length) {
         std::minstd_rand random(static_cast<unsigned>(i + 1));
@@ -382,27 +408,9 @@ tables:
 TEST_F(Suggest, AwkwardNamesAndValuesSurviveTheJobFile) {
     const std::vector<std::string> names = {"a`b",   "it's", "say \"x\"", "# no", "x: y", "two\nlines", "ü€😀",
                                             " lead", "{a}",  "Value",     "C:\\", "a:b",  "%"};
-    const std::vector<std::string> values = {"it's",
-                                             "\"q\"",
-                                             "C:\\temp\\",
-                                             "\\",
-                                             "a\\'b",
-                                             "line\nbreak",
-                                             "\ttab",
-                                             "# x",
-                                             "- y",
-                                             "null",
-                                             "true",
-                                             "a: b",
-                                             "ü\u2028€",
-                                             "{}",
-                                             "`",
-                                             "%s",
-                                             "''",
-                                             "\xC2\x85",
-                                             "\x01"
-                                             "2",
-                                             "//"};
+    const std::vector<std::string> values = {"it's", "\"q\"", "C:\\temp\\", "\\",       "a\\'b", "line\nbreak", "\ttab",
+                                             "# x",  "- y",   "null",       "true",     "a: b",  "ü\u2028€",    "{}",
+                                             "`",    "%s",    "''",         "\xC2\x85", "\0012", "//"};
     std::string text;
     for (const std::string& name : names)
         text += (text.empty() ? "" : ",") + quoted(name);

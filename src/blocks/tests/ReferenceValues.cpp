@@ -81,7 +81,7 @@ Value asNumber(const Value& value) {
 namespace {
 
 /// Whole numbers of any size.
-int compareDigits(std::string left, std::string right) {
+int compareDigits(const std::string& left, const std::string& right) {
     const auto isNegative = [](const std::string& text) { return text.starts_with('-'); };
     const auto digits = [](const std::string& text) {
         const std::size_t first = text.find_first_not_of("+-0");

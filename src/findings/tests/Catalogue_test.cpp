@@ -30,10 +30,11 @@ std::string cell(std::string_view text) {
 }
 
 std::string expectedTable() {
-    std::string text = std::string(kHeading) + "| code | likelihood | raised when | may mean | do | watched by |\n|---|---|---|---|---|---|\n";
+    std::string text = std::string(kHeading) +
+                       "| code | likelihood | raised when | may mean | do | watched by |\n|---|---|---|---|---|---|\n";
     for (const CatalogueEntry& entry : catalogue())
-        text += fmt::format("| `{}` {} | {} | {} | {} | {} | {} |\n", entry.code, cell(entry.title), cell(entry.likelihood),
-                            cell(entry.when), cell(entry.meaning), cell(entry.advice),
+        text += fmt::format("| `{}` {} | {} | {} | {} | {} | {} |\n", entry.code, cell(entry.title),
+                            cell(entry.likelihood), cell(entry.when), cell(entry.meaning), cell(entry.advice),
                             entry.watch.empty() ? "a rule, from its condition" : cell(entry.watch));
     return text;
 }
@@ -55,7 +56,8 @@ TEST(Catalogue, SaysEverythingAboutEachOfAtLeastFortyFindings) {
     std::set<std::string_view> codes;
     for (const CatalogueEntry& entry : catalogue()) {
         EXPECT_TRUE(codes.insert(entry.code).second) << entry.code;
-        EXPECT_EQ(entry.code.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789-"), std::string_view::npos) << entry.code;
+        EXPECT_EQ(entry.code.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789-"), std::string_view::npos)
+            << entry.code;
         EXPECT_EQ(findEntry(entry.code), &entry);
         for (const std::string_view sentence : {entry.meaning, entry.advice})
             EXPECT_TRUE(sentence.size() > 10 && sentence.ends_with('.')) << entry.code;

@@ -23,8 +23,7 @@ class Condition {
   public:
     explicit Condition(std::string_view text) {
         const expression::Field fields[] = {{"Value", expression::Type::Text}};
-        const expression::Compiled compiled =
-            expression::compile(text, fields, expression::Wanted::Condition, kNow);
+        const expression::Compiled compiled = expression::compile(text, fields, expression::Wanted::Condition, kNow);
         EXPECT_TRUE(compiled.ok()) << text << ": " << expression::describe(compiled.error);
         if (compiled.ok())
             m_evaluator = std::make_unique<expression::RowEvaluator>(*compiled.program);

@@ -19,7 +19,8 @@ std::vector<std::string> textsOf(const std::vector<FieldSummary>& fields) {
     std::vector<std::string> texts;
     for (const FoundIn& found : findDifferences(fields))
         texts.push_back(fmt::format("{}.{}: {} {}, {}", fields[found.field].table, fields[found.field].name,
-                                    likelihoodWord(found.finding.likelihood), found.finding.code, found.finding.detail));
+                                    likelihoodWord(found.finding.likelihood), found.finding.code,
+                                    found.finding.detail));
     return texts;
 }
 

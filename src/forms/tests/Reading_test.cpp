@@ -228,6 +228,19 @@ TEST(Reading, DatesAsPeopleWriteThem) {
         expectReadings("date day-first", {{value, "-"}});
 }
 
+TEST(Reading, EveryDayIsTheIsoOne) {
+    const Reading reading = *Reading::parse("date");
+    for (std::int64_t day = -719'162; day < 2'932'897; day += day > -1000 && day < 40'000 ? 1 : 13) {
+        const std::string iso = formatDate(day * kTicksPerDay);
+        std::string written = iso;
+        written[4] = written[7] = '/';
+        ASSERT_EQ(reading.ticks(written), parseDate(iso)) << written;
+    }
+    for (const char* value : {"1900/02/29", "2001/02/29", "2001/04/31", "2001/00/10", "2001/13/10", "0000/01/01"})
+        EXPECT_FALSE(reading.fits(value)) << value;
+    EXPECT_TRUE(reading.fits("2000/02/29"));
+}
+
 TEST(Reading, EpochSecondsAndBooleans) {
     expectReadings("date epoch-seconds", {{"0", "1970-01-01"},
                                           {"1000000000", "2001-09-09 01:46:40"},

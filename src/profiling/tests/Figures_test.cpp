@@ -34,7 +34,7 @@ class FiguresAgainstPython : public ::testing::Test {
 };
 
 TEST_F(FiguresAgainstPython, SampleTables) {
-    for (const char* name : {"airports", "routes", "birdstrikes"})
+    for (const char* name : {"airports", "routes", "birdstrikes", "deliveries"})
         EXPECT_EQ(checkWithPython(tavix::testing::sourceFile(std::string("share/examples/") + name + ".csv"),
                                   m_folder.file(name)),
                   "")

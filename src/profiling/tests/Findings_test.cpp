@@ -40,8 +40,7 @@ Distribution distributionOf(const ColumnRows& column) {
 /// The values for which the condition is true, and their rows.
 findings::Hits evaluated(const std::string& condition, const Distribution& distribution) {
     const expression::Field fields[] = {{"Value", expression::Type::Text}};
-    const expression::Compiled compiled =
-        expression::compile(condition, fields, expression::Wanted::Condition, kNow);
+    const expression::Compiled compiled = expression::compile(condition, fields, expression::Wanted::Condition, kNow);
     if (!compiled.ok()) {
         ADD_FAILURE() << condition << ": " << expression::describe(compiled.error);
         return {};
@@ -243,11 +242,12 @@ class FindingsOfRuns : public tavix::testing::StoredRuns {
 
 TEST_F(FindingsOfRuns, DamagedRowsAndFieldsThatDifferBetweenTablesAreStored) {
     const auto orders = write("orders.csv", table("customer,part", [](int i) {
-        return fmt::format("{},AB-{}", i + 1, 1000 + i) + (i == 3 ? ",too many" : "");
-    }));
-    const auto customers = write("customers.csv", table("customer,part", [](int i) {
-        return fmt::format("C{},AB{}", testing::wordOf(static_cast<std::size_t>(i)), 1000 + i);
-    }));
+                                  return fmt::format("{},AB-{}", i + 1, 1000 + i) + (i == 3 ? ",too many" : "");
+                              }));
+    const auto customers =
+        write("customers.csv", table("customer,part", [](int i) {
+                  return fmt::format("C{},AB{}", testing::wordOf(static_cast<std::size_t>(i)), 1000 + i);
+              }));
     run({orders, customers}, 0);
     EXPECT_EQ(findings(), "customers|customer|type-differs-elsewhere|0|text here, integer in orders\n"
                           "customers|part|pattern-differs-elsewhere|0|\"AA9{4}\" here, \"AA-9{4}\" in orders\n"
@@ -260,8 +260,8 @@ TEST_F(FindingsOfRuns, DamagedRowsAndFieldsThatDifferBetweenTablesAreStored) {
 TEST_F(FindingsOfRuns, AFieldIsComparedWithTheRunBefore) {
     const auto sales = [&](const std::string& price, const std::string& code) {
         return write("sales.csv", table("price,code,sold", [&](int i) {
-            return fmt::format("{}{},{}{},{}", 10 + i, price, code, i, testing::dayAfter(830 + i % 12));
-        }));
+                         return fmt::format("{}{},{}{},{}", 10 + i, price, code, i, testing::dayAfter(830 + i % 12));
+                     }));
     };
     run({sales(".25", "")}, 0);
     EXPECT_EQ(findings("b.code LIKE '%lost' OR b.code LIKE '%changed' OR b.code LIKE 'no-%'"), "");

@@ -72,6 +72,39 @@ TEST_F(RunJob, StoresTablesFieldsDamageAndCollections) {
     EXPECT_EQ(stored("SELECT count(*), count(DISTINCT job) FROM v_runs"), "2|1\n");
 }
 
+TEST_F(RunJob, StoresHowTheFieldsAreRead) {
+    std::string rows = "n,d,open,made\nunknown,tbd,01/02/2003,5\n";
+    for (int i = 1; i <= 19; ++i)
+        rows +=
+            std::to_string(i) + ",Jan " + std::to_string(i) + " 2001,03/04/2005," + std::to_string(86'400 * i) + "\n";
+    job::JobDescription description = job({write("a.csv", rows)});
+    ASSERT_TRUE(runJob(description, m_repository).ok());
+    const std::string fields = "SELECT field_name, type_code, minimum_value, maximum_value, mean, median FROM v_fields "
+                               "WHERE run = (SELECT max(id) FROM run) ORDER BY field_id";
+    const std::string readings = "SELECT reading, fit_values, fit_rows, row_count, ambiguity, has_figures FROM "
+                                 "type_breakdown WHERE run = (SELECT max(id) FROM run) ORDER BY field";
+    EXPECT_EQ(stored(fields), "n|S|1|19|10.0|10\nd|S|Jan 1 2001|Jan 19 2001|NULL|Jan 10 2001\n"
+                              "open|S|01/02/2003|03/04/2005|NULL|03/04/2005\n"
+                              "made|I|5|1641600|820800.25|820800\n");
+    EXPECT_EQ(stored(readings), "integer|19|19|20||1\ndate|19|19|20||1\ndate|0|0|20|day-first or month-first|0\n"
+                                "integer|20|20|20||0\n");
+    description.tables[0].fitsAtLeast = 96;
+    description.tables[0].fieldDates = {{"open", forms::StatedDates::DayFirst},
+                                        {"made", forms::StatedDates::EpochSeconds}};
+    ASSERT_TRUE(runJob(description, m_repository).ok());
+    EXPECT_EQ(stored(fields), "n|S|1|unknown|NULL|18\nd|S|Jan 1 2001|tbd|NULL|Jan 18 2001\n"
+                              "open|S|01/02/2003|03/04/2005|NULL|03/04/2005\n"
+                              "made|I|5|1641600|NULL|777600\n");
+    EXPECT_EQ(stored(readings), "integer|19|19|20||0\ndate|19|19|20||0\ndate day-first|2|20|20||1\n"
+                                "date epoch-seconds|20|20|20||1\n");
+    description.tables[0].fieldDates = {{"opened", forms::StatedDates::DayFirst, "job.yaml:5:12: "}};
+    const auto run = runJob(description, m_repository);
+    ASSERT_FALSE(run.ok());
+    EXPECT_EQ(run.error().text,
+              "job.yaml:5:12: The dates of the table \"a\": there is no field \"opened\" (did you mean "
+              "\"open\"?).");
+}
+
 TEST_F(RunJob, WhatIsWrongIsFoundBeforeAnythingIsWritten) {
     const std::string a = write("a.csv", "id,name\n1,x\n");
     const auto error = [&](const job::JobDescription& description) {

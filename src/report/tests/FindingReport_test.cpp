@@ -1,6 +1,5 @@
-#include "report/FindingReport.h"
-
 #include "access/PrViewer.h"
+#include "report/FindingReport.h"
 #include "support/RunScript.h"
 #include "support/SampleViewer.h"
 
