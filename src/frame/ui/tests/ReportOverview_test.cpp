@@ -110,7 +110,7 @@ TEST_F(ReportOverview, ANarrowPanePutsTheListsBelowEachOther) {
     const auto isBeside = [this] {
         QCoreApplication::processEvents();
         const QWidget* first = &list(overview(), "Tables");
-        const QWidget* second = &list(overview(), "Findings");
+        const QWidget* second = &list(overview(), "Alerts and rules");
         return first->mapTo(m_view.get(), QPoint()).y() == second->mapTo(m_view.get(), QPoint()).y();
     };
     EXPECT_TRUE(isBeside());

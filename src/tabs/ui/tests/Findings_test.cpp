@@ -16,9 +16,11 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDialogButtonBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTableWidget>
 #include <QTest>
@@ -49,8 +51,8 @@ class FindingsInTabs : public ::testing::Test {
         m_subject.selection.fieldId = m_subject.field->id;
     }
     template <typename Tab>
-    void show(std::unique_ptr<Tab>& tab) {
-        tab->resize(800, 500);
+    void show(std::unique_ptr<Tab>& tab, int height = 700) {
+        tab->resize(800, height);
         tab->show();
         m_site.listeners = {tab.get()};
     }
@@ -95,6 +97,20 @@ TEST_F(FindingsInTabs, AreDismissedWithAReasonAndRestored) {
     EXPECT_EQ("restore", toUtf8(button(*tab, "findingDismiss").text()));
     button(*tab, "findingDismiss").click();
     EXPECT_THAT(text(*tab, "findingsText"), StartsWith("1 finding"));
+}
+
+TEST_F(FindingsInTabs, StayALineInALowWindowAndLeaveARowWholeAboveAScrollBar) {
+    select("orders", 1);
+    auto tab = std::make_unique<CTabColProf>(m_site, m_subject, false, ItemCode::ColumnProfiling);
+    show(tab, 500);
+    EXPECT_FALSE(grid(*tab, "findings").isVisible());
+    button(*tab, "findingsToggle").click();
+    CUGCtrl& findings = grid(*tab, "findings");
+    const int wide = 2000;
+    findings.horizontalHeader()->resizeSection(0, wide);
+    EXPECT_TRUE(QTest::qWaitFor([&findings] { return findings.horizontalScrollBar()->isVisible(); }));
+    QCoreApplication::processEvents();
+    EXPECT_GE(findings.viewport()->height(), findings.verticalHeader()->defaultSectionSize());
 }
 
 TEST_F(FindingsInTabs, LeadToTheirValuesAndCloseToALine) {
