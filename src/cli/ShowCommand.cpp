@@ -64,8 +64,8 @@ CLI::App* ShowCommand::declare(CLI::App& program) {
     m_runChoice.declare(*command);
     command->footer(
         "Without a list, a table shows in text the metrics of its fields, its custom metrics and its rules;\n"
-        "in json and csv only the metrics. A field shows its metrics, types, the first 20 values and patterns,\n"
-        "percentiles and outliers. A list given by name is shown in full, unless --limit is given.\n\n"
+        "in json and csv only the metrics. A field shows its metrics, types, the first 20 values and\n"
+        "patterns, percentiles and outliers. A list given by name is shown in full, unless --limit is given.\n\n"
         "Examples:\n"
         "  tavix show -R profile.tavix\n"
         "  tavix show -R profile.tavix airports\n"

@@ -25,8 +25,10 @@ void ColProfRows::Fill(const FieldRecord& field, std::span<const MetricDisplay> 
     m_metrics.clear();
     for (const int id : metricOrder(metrics)) {
         m_metrics.push_back({textCell(metrics[static_cast<std::size_t>(id)].description), metricCell(id, field), {}});
-        m_metrics.back().name.mark = figureMark(id, isSample, field.fits);
-        m_metrics.back().toolTip = fitToolTip(id, field.fits);
+        const bool isKnown = m_metrics.back().value.state != CellState::Unknown;
+        const std::optional<FitFigures> fits = isKnown ? field.fits : std::nullopt;
+        m_metrics.back().name.mark = figureMark(id, isSample, fits);
+        m_metrics.back().toolTip = fitToolTip(id, fits);
     }
     const std::int64_t records = valueTotal(field.metrics);
     m_base.text = "Counts and percentages of " + countOf(records, isSample ? "sampled record" : "record");

@@ -16,12 +16,12 @@ namespace {
 constexpr std::string_view kSeparator = "  ·  ";
 
 std::vector<GridColumn> columnsOf(bool namesFields) {
-    std::vector<GridColumn> columns = {listColumn("Finding", 200),
+    std::vector<GridColumn> columns = {listColumn("Finding", 150),
                                        listColumn("Likelihood", 85),
-                                       listColumn("Field", 110),
-                                       listColumn("Rows", 75, CellAlignment::Right),
-                                       listColumn("Values", 75, CellAlignment::Right),
-                                       listColumn("What Was Found", 220)};
+                                       listColumn("Field", 90),
+                                       listColumn("Rows", 60, CellAlignment::Right),
+                                       listColumn("Values", 60, CellAlignment::Right),
+                                       listColumn("What Was Found", 130)};
     columns.back().takesRest = true;
     if (!namesFields)
         columns.erase(columns.begin() + 2);

@@ -145,10 +145,10 @@ RunOverviewModel::RunOverviewModel(const std::locale& locale)
     : m_locale(locale),
       m_lists{OverviewList("Tables", {nameColumn("Table", 110), countColumn("Records", 80), countColumn("Change", 148),
                                       countColumn("Damaged", 90)}),
-              OverviewList("Findings", {nameColumn("Finding", 185), listColumn("Field", 130), countColumn("Rows", 75),
-                                        listColumn("Likelihood", 85)}),
               OverviewList("Alerts and rules", {nameColumn("Condition", 185), listColumn("Table", 105),
                                                 countColumn("Figure", 85), listColumn("Kind", 75)}),
+              OverviewList("Findings", {nameColumn("Finding", 205), listColumn("Field", 105), countColumn("Rows", 65),
+                                        listColumn("Likelihood", 95)}),
               OverviewList("Fields with nulls", {}),
               OverviewList("New and vanished",
                            {nameColumn("Name", 170), listColumn("Table", 150), listColumn("What", 125)})} {}

@@ -69,7 +69,7 @@ class OverviewList final : public CellRows {
 class RunOverviewModel {
   public:
     static constexpr int kAllSources = -1;
-    enum List { Tables, Findings, Alerts, Nulls, News, ListCount };
+    enum List { Tables, Alerts, Findings, Nulls, News, ListCount };
 
     /// Formats dates for this locale.
     explicit RunOverviewModel(const std::locale& locale = userLocale());

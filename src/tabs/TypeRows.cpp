@@ -8,16 +8,17 @@ namespace tavix {
 
 namespace {
 
-constexpr int kNameWidth = 160;
-constexpr int kCountWidth = 80;
-constexpr int kShareWidth = 100;
+constexpr int kFormWidth = 140;
+constexpr int kValueWidth = 100;
+constexpr int kCountWidth = 60;
+constexpr int kShareWidth = 80;
 constexpr std::string_view kMisfitMark = "(does not fit)";
 
 enum FormColumns { FormName, FormRowCount, FormShare, FormValueCount, FormExampleValue };
 enum MisfitColumns { MisfitValue, MisfitRowCount, MisfitShare };
 
 GridColumn exampleColumn() {
-    GridColumn column = listColumn("Example", kNameWidth);
+    GridColumn column = listColumn("Example", kValueWidth);
     column.toolTip = "The most frequent value of the form";
     column.takesRest = true;
     return column;
@@ -37,7 +38,7 @@ GridCell shareCell(std::int64_t rows, std::int64_t all) {
 }
 
 GridColumn valueColumn() {
-    GridColumn column = listColumn("Value", kNameWidth);
+    GridColumn column = listColumn("Value", kValueWidth);
     column.takesRest = true;
     return column;
 }
@@ -45,7 +46,7 @@ GridColumn valueColumn() {
 } // namespace
 
 FormRows::FormRows()
-    : ListRows({listColumn("Form", kNameWidth), listColumn("Rows", kCountWidth, CellAlignment::Right), shareColumn(),
+    : ListRows({listColumn("Form", kFormWidth), listColumn("Rows", kCountWidth, CellAlignment::Right), shareColumn(),
                 listColumn("Values", kCountWidth, CellAlignment::Right), exampleColumn()}) {
     SetToolTip(FormValueCount, "Distinct values");
 }

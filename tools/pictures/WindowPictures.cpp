@@ -11,6 +11,7 @@
 #include <QDialog>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPersistentModelIndex>
 #include <QStackedWidget>
 #include <QTabBar>
 #include <QTabWidget>
@@ -20,6 +21,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <vector>
 
 namespace tavix::pictures {
 
@@ -163,7 +165,7 @@ void takeDialogOf(ShellWindow& window, Album& album, const char* button, const Q
 
 // The first field with values that do not fit its type, with its findings; the selection is as before.
 void takeMisfits(ShellWindow& window, Album& album, QTreeView& tree) {
-    constexpr int kMostFields = 40;
+    constexpr int kMostFields = 80;
     const QModelIndex before = tree.currentIndex();
     const auto hasMisfits = [&window] {
         const auto labels = window.findChildren<QLabel*>(QStringLiteral("typesText"));
@@ -171,7 +173,14 @@ void takeMisfits(ShellWindow& window, Album& album, QTreeView& tree) {
             return label->isVisible() && label->text().contains(QLatin1String(" fit: "));
         });
     };
+    std::vector<QPersistentModelIndex> expanded;
+    if (before.parent().isValid())
+        tree.setCurrentIndex(before.parent());
     for (int i = 0; i < kMostFields && !hasMisfits(); ++i) {
+        if (tree.model()->hasChildren(tree.currentIndex()) && !tree.isExpanded(tree.currentIndex())) {
+            tree.expand(tree.currentIndex());
+            expanded.emplace_back(tree.currentIndex());
+        }
         pressDown(tree);
         settle(kPaintMilliseconds);
     }
@@ -184,6 +193,8 @@ void takeMisfits(ShellWindow& window, Album& album, QTreeView& tree) {
         album.take(window, QStringLiteral("findings"));
         takeDialogOf(window, album, "findingDismiss", QStringLiteral("dismiss-finding"));
     }
+    for (const QPersistentModelIndex& table : expanded)
+        tree.collapse(table);
     tree.setCurrentIndex(before);
     settle(kPaintMilliseconds);
 }

@@ -40,7 +40,7 @@ TEST_F(FindingsOfSample, ATableListsThoseOfItsFieldsTheGravestFirst) {
     ASSERT_TRUE(m_table.Fill(*m_viewer, orders()));
     EXPECT_THAT(m_table.GetText(), StartsWith("2 findings: 1 definite, 1 possible  ·  "));
     EXPECT_THAT(m_table.GetText(), HasSubstr(" (note)"));
-    EXPECT_EQ("Finding:200|Likelihood:85|Field:110|>Rows:75|>Values:75|What Was Found:220",
+    EXPECT_EQ("Finding:150|Likelihood:85|Field:90|>Rows:60|>Values:60|What Was Found:130",
               headingsOf(m_table.GetRows()));
     EXPECT_THAT(linesOf(m_table.GetRows()),
                 ElementsAre("Control characters|definite|note|>30|>2|2 values in 30 rows, such as line end",

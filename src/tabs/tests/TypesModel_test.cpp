@@ -32,7 +32,7 @@ FieldBreakdown dates() {
 TEST(FormRows, ShowTheirShareAndWhichDoNotFit) {
     FormRows rows;
     rows.Show(dates());
-    EXPECT_EQ("Form:160|>Rows:80|>Share:100|>Values:80|Example:160", headingsOf(rows));
+    EXPECT_EQ("Form:140|>Rows:60|>Share:80|>Values:60|Example:100", headingsOf(rows));
     EXPECT_THAT(linesOf(rows), ElementsAre("date DD.MM.YYYY|>800|>80.00 %[0.80]|>40|14.01.2001",
                                            "date YYYY-MM-DD|>196|>19.60 %[0.20]|>7|2001-01-14",
                                            "text (does not fit)|>4|>0.40 %[0.00]|>3|unknown"));

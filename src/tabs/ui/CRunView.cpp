@@ -36,7 +36,7 @@ constexpr int kTwoColumns = 760; // from this width on, lists are side by side
 constexpr int kLeastListHeight = 172;
 
 /// By which the settings know the lists, in their order.
-constexpr std::array<int, RunOverviewModel::ListCount> kStoredNumbers{0, 4, 1, 2, 3};
+constexpr std::array<int, RunOverviewModel::ListCount> kStoredNumbers{0, 1, 4, 2, 3};
 
 QLabel* plainLabel(QWidget* parent, const char* name) {
     auto* label = new QLabel(parent);
@@ -196,7 +196,8 @@ void CRunView::ShowModel() {
     LayOut();
 }
 
-// As many cards in a row as have room, in rows of the same length; lists side by side where both can be read.
+// As many cards in a row as have room, the last one up to the end of its row; lists side by side where both can be
+// read. Findings name a field with its table and have a row of their own.
 void CRunView::LayOut() {
     const int count = static_cast<int>(m_cards.size());
     const int room = std::max(1, (width() - 2 * kMargin + kGap) / (kCardRoom + kGap));
@@ -206,7 +207,8 @@ void CRunView::LayOut() {
     if (columns != m_cardColumns) {
         m_cardColumns = columns;
         for (int i = 0; i < count; ++i)
-            m_cardGrid->addWidget(m_cards[static_cast<std::size_t>(i)], i / columns, i % columns);
+            m_cardGrid->addWidget(m_cards[static_cast<std::size_t>(i)], i / columns, i % columns, 1,
+                                  i + 1 == count ? columns - i % columns : 1);
         for (int i = 0; i < count; ++i)
             m_cardGrid->setColumnStretch(i, i < columns ? 1 : 0);
     }
@@ -215,9 +217,9 @@ void CRunView::LayOut() {
         return;
     m_listColumns = listColumns;
     for (int i = 0; i < RunOverviewModel::ListCount; ++i) {
-        const bool isAlone = i + 1 == RunOverviewModel::ListCount && i % listColumns == 0;
-        m_listGrid->addWidget(m_lists.at(static_cast<std::size_t>(i)).pane, i / listColumns, i % listColumns, 1,
-                              isAlone ? listColumns : 1);
+        const int place = i + (i > RunOverviewModel::Findings ? listColumns - 1 : 0);
+        m_listGrid->addWidget(m_lists.at(static_cast<std::size_t>(i)).pane, place / listColumns, place % listColumns, 1,
+                              i == RunOverviewModel::Findings ? listColumns : 1);
     }
     for (int i = 0; i < RunOverviewModel::ListCount; ++i)
         m_listGrid->setColumnStretch(i, i < listColumns ? 1 : 0);

@@ -23,6 +23,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScopedValueRollback>
+#include <QScreen>
 #include <QSplitter>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -34,7 +35,8 @@ namespace tavix {
 
 namespace {
 
-constexpr int kWidestColumn = 300;
+constexpr int kWidestColumn = 260;
+constexpr int kWidestPlace = 200;
 constexpr int kCaptionBytes = 60;
 
 } // namespace
@@ -111,6 +113,8 @@ CSuggestDlg::CSuggestDlg(std::shared_ptr<PrViewer> session, Messages& messages, 
     m_copy->setObjectName(QStringLiteral("copy"));
     m_save->setObjectName(QStringLiteral("saveAs"));
     m_copy->setToolTip(tr("Copy the job file"));
+    for (QPushButton* button : {m_copy, m_save})
+        button->setAutoDefault(false);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(heading);
     layout->addWidget(splitter, 1);
@@ -133,7 +137,8 @@ CSuggestDlg::CSuggestDlg(std::shared_ptr<PrViewer> session, Messages& messages, 
         m_table->setCurrentCell(0, 0);
     m_table->setFocus();
     ShowFile();
-    resize(900, 600);
+    // The reasons are in the last column.
+    resize(QSize(1120, 640).boundedTo(screen()->availableSize() * 9 / 10).expandedTo(QSize(900, 600)));
 }
 
 void CSuggestDlg::FillTable() {
@@ -161,7 +166,8 @@ void CSuggestDlg::FillTable() {
     }
     m_table->resizeColumnsToContents();
     for (int column = 0; column < kColumns; ++column)
-        m_table->setColumnWidth(column, std::min(m_table->columnWidth(column) + 8, kWidestColumn));
+        m_table->setColumnWidth(column,
+                                std::min(m_table->columnWidth(column) + 8, column == 0 ? kWidestPlace : kWidestColumn));
     m_table->horizontalHeader()->setStretchLastSection(true);
 }
 

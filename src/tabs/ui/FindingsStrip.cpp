@@ -21,6 +21,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPointer>
+#include <QScrollBar>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -33,7 +34,8 @@ namespace {
 
 constexpr int kMargin = 12;
 constexpr int kGap = 4;
-constexpr int kMostRows = 4; // more scroll
+constexpr int kMostRows = 4;     // more scroll
+constexpr int kHighEnough = 680; // of the window: in a lower one the metrics keep their room
 // The place of the frequency distribution among the tabs of a field.
 constexpr int kFrequencyTab = 1;
 
@@ -111,6 +113,7 @@ FindingsStrip::FindingsStrip(CViewSite& site, const ReportSubject& subject, CPro
     connect(m_dismissed, &QPushButton::clicked, this, &FindingsStrip::ToggleDismissed);
     connect(m_grid, &CUGCtrl::CurrentRowChanged, this, &FindingsStrip::ShowCurrent);
     connect(m_grid, &CUGCtrl::RowActivated, this, &FindingsStrip::Activate);
+    connect(m_grid->horizontalScrollBar(), &QScrollBar::rangeChanged, this, &FindingsStrip::FitHeight);
     m_grid->SetSource(&m_model.GetRows());
     ApplyColors();
     SetOpen(false);
@@ -120,6 +123,7 @@ FindingsStrip::FindingsStrip(CViewSite& site, const ReportSubject& subject, CPro
 // The grid must not fetch rows while it is being destroyed.
 FindingsStrip::~FindingsStrip() {
     m_grid->disconnect(this);
+    m_grid->horizontalScrollBar()->disconnect(this);
     m_grid->SetSource(nullptr);
 }
 
@@ -140,7 +144,7 @@ void FindingsStrip::Refill() {
     const bool isSame = isSameObject(m_filledFor, m_subject.selection);
     m_filledFor = m_subject.selection;
     if (!isSame)
-        SetOpen(m_model.IsOpenAtFirst());
+        SetOpen(m_model.IsOpenAtFirst() && window()->height() >= kHighEnough);
     ShowModel();
 }
 
@@ -165,12 +169,19 @@ void FindingsStrip::ShowModel() {
     m_dismissed->setText(m_model.ShowsDismissed() ? tr("hide %1").arg(dismissed) : tr("show %1").arg(dismissed));
     m_dismissed->updateGeometry();
     m_grid->SourceChanged();
-    const auto rows = std::clamp<std::int64_t>(m_model.GetRows().GetRowCount(), 1, kMostRows);
-    m_grid->setFixedHeight(m_grid->horizontalHeader()->sizeHint().height() +
-                           static_cast<int>(rows) * m_grid->verticalHeader()->defaultSectionSize() + 2);
+    FitHeight();
     m_grid->SelectRow(0);
     setVisible(!m_model.GetText().empty());
     ShowCurrent();
+}
+
+// A scroll bar covers no row.
+void FindingsStrip::FitHeight() {
+    const auto rows = std::clamp<std::int64_t>(m_model.GetRows().GetRowCount(), 1, kMostRows);
+    const QScrollBar* bar = m_grid->horizontalScrollBar();
+    m_grid->setFixedHeight(m_grid->horizontalHeader()->sizeHint().height() +
+                           static_cast<int>(rows) * m_grid->verticalHeader()->defaultSectionSize() + 2 +
+                           (bar->maximum() > bar->minimum() ? bar->sizeHint().height() : 0));
 }
 
 const FindingRecord* FindingsStrip::Current() const {

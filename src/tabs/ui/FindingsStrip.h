@@ -48,6 +48,7 @@ class FindingsStrip final : public QWidget {
   private:
     [[nodiscard]] LinkButton* AddLink(const char* name, const QString& text, void (FindingsStrip::*act)());
     void ShowModel();
+    void FitHeight();
     void ShowCurrent();
     void ApplyColors();
     [[nodiscard]] const FindingRecord* Current() const;

@@ -46,7 +46,7 @@ TEST_F(ReportOverview, ASelectedSourceShowsItsFiguresAndNothingToExport) {
     selectSource(1);
     EXPECT_EQ(0U, header(overview()).find("/data/files"));
     EXPECT_THAT(cards(), ElementsAre("Records: 5", "Tables: 1", "Fields: 2", "Damaged rows: 2", "Alerts raised: 0",
-                                     "Rules violated: 0"));
+                                     "Rules violated: 0", "Findings: 0"));
     EXPECT_EQ(-1, m_view->GetItemCode());
     EXPECT_FALSE(m_view->GetTavixMain().HasCurrentItem());
     EXPECT_EQ(&list(overview(), "Fields with nulls"), m_view->GetReportPane().GetLastTabStop());

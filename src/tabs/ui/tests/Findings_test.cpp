@@ -14,12 +14,13 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QClipboard>
 #include <QDialog>
 #include <QDialogButtonBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTableWidget>
 #include <QTest>
@@ -50,8 +51,8 @@ class FindingsInTabs : public ::testing::Test {
         m_subject.selection.fieldId = m_subject.field->id;
     }
     template <typename Tab>
-    void show(std::unique_ptr<Tab>& tab) {
-        tab->resize(800, 500);
+    void show(std::unique_ptr<Tab>& tab, int height = 700) {
+        tab->resize(800, height);
         tab->show();
         m_site.listeners = {tab.get()};
     }
@@ -98,6 +99,20 @@ TEST_F(FindingsInTabs, AreDismissedWithAReasonAndRestored) {
     EXPECT_THAT(text(*tab, "findingsText"), StartsWith("1 finding"));
 }
 
+TEST_F(FindingsInTabs, StayALineInALowWindowAndLeaveARowWholeAboveAScrollBar) {
+    select("orders", 1);
+    auto tab = std::make_unique<CTabColProf>(m_site, m_subject, false, ItemCode::ColumnProfiling);
+    show(tab, 500);
+    EXPECT_FALSE(grid(*tab, "findings").isVisible());
+    button(*tab, "findingsToggle").click();
+    CUGCtrl& findings = grid(*tab, "findings");
+    const int wide = 2000;
+    findings.horizontalHeader()->resizeSection(0, wide);
+    EXPECT_TRUE(QTest::qWaitFor([&findings] { return findings.horizontalScrollBar()->isVisible(); }));
+    QCoreApplication::processEvents();
+    EXPECT_GE(findings.viewport()->height(), findings.verticalHeader()->defaultSectionSize());
+}
+
 TEST_F(FindingsInTabs, LeadToTheirValuesAndCloseToALine) {
     select("orders");
     auto tab = std::make_unique<CTabStdMet>(m_site, m_subject, false);
@@ -139,21 +154,25 @@ TEST_F(FindingsInTabs, ThoseWhichDoNotFitAreBelowTheMetrics) {
 
 TEST_F(FindingsInTabs, SuggestionsAreChosenAndSaved) {
     SuggestionsModel model;
-    ASSERT_TRUE(model.Fill(*m_site.document.GetViewer(), m_sample.salesJob, m_sample.tables.at("airports"), [] {}));
+    ASSERT_TRUE(model.Fill(*m_site.document.GetViewer(), m_sample.salesJob, m_sample.tables.at("customers"), [] {}));
     ASSERT_GT(model.size(), 0U);
-    CSuggestDlg dialog(m_site.document.GetSession(), m_messages, std::move(model), QStringLiteral("airports"), nullptr);
+    CSuggestDlg dialog(m_site.document.GetSession(), m_messages, std::move(model), QStringLiteral("customers"),
+                       nullptr);
     dialog.show();
     auto* table = dialog.findChild<QTableWidget*>(QStringLiteral("suggestions"));
     auto* file = dialog.findChild<QPlainTextEdit*>(QStringLiteral("jobFile"));
+    const int all = table->rowCount();
+    const auto isChosen = [table](int row) { return table->item(row, 0)->checkState() == Qt::Checked; };
     button(dialog, "chooseNone").click();
-    const QString none = file->toPlainText();
-    EXPECT_TRUE(none.contains(QStringLiteral("airports"))) << toUtf8(none);
+    EXPECT_FALSE(isChosen(0));
     table->setCurrentCell(0, 0);
     QTest::keyClick(table, Qt::Key_Space);
-    EXPECT_EQ(Qt::Checked, table->item(0, 0)->checkState());
-    EXPECT_GT(file->toPlainText().size(), none.size());
-    button(dialog, "copy").click();
-    EXPECT_EQ(file->toPlainText(), QApplication::clipboard()->text());
+    EXPECT_TRUE(isChosen(0));
+    button(dialog, "chooseAll").click();
+    EXPECT_TRUE(isChosen(all - 1));
+    EXPECT_THAT(toUtf8(file->toPlainText()), StartsWith("The run does not say from where"))
+        << "a reason in place of the file";
+    EXPECT_FALSE(button(dialog, "saveAs").isEnabled() || button(dialog, "copy").isEnabled());
     const std::string path = m_folder.file("rules.yaml");
     EXPECT_TRUE(SuggestionsModel::Save(path, "job: x\n"));
     const Status failed = SuggestionsModel::Save(m_folder.file("none/rules.yaml"), "job: x\n");
