@@ -71,7 +71,7 @@ struct DrillTable {
     std::vector<Column> columns;
     std::string filter;   ///< the condition of a filtered table, else empty
     std::int64_t now = 0; ///< what now() means in it: the start of the run
-    /// What columns are in it: Texts in runs of older versions.
+    /// The meaning of columns in it: Texts in runs of older versions.
     expression::Columns columnsInFilter = expression::Columns::Texts;
     std::optional<TextFile> file;
     std::optional<Database> database;

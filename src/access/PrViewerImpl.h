@@ -128,7 +128,7 @@ struct PrViewer::Impl {
     [[nodiscard]] Result<sql::Statement> tableOfField(int ofRun, int field) const;
     /// Reads the list of files and how they were quoted, if the repository stores it.
     Status readFiles(int ofRun, int table, DrillTable::TextFile& file) const;
-    /// What columns are in the conditions of a run.
+    /// The meaning of columns in the conditions of a run.
     [[nodiscard]] Result<expression::Columns> columnsInConditions(int ofRun) const;
     [[nodiscard]] Result<DrillTable> drillTable(int ofRun, int field) const;
     [[nodiscard]] Result<WantedRows> wantedRows(int ofRun, int field, const KvbString& value, bool isPattern) const;

@@ -56,7 +56,7 @@ void listSuggestions(const CommonOptions& options, const std::vector<RuleSuggest
     listing.finish();
 }
 
-/// What a person reads: the columns that programs need would hide the others.
+/// The list for people: the columns that programs need would hide the others.
 void listForPeople(const CommonOptions& options, const std::vector<RuleSuggestion>& suggestions) {
     Listing listing(options);
     listing.begin({"suggestions",

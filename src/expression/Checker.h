@@ -26,7 +26,7 @@ enum class Wanted : std::uint8_t {
     Value,     ///< a value of any type
 };
 
-/// What the values of text fields are where an expression compares them.
+/// How an expression compares the values of text fields.
 enum class Columns : std::uint8_t {
     Texts, ///< texts
     Typed, ///< numbers or dates where they are such, as the columns of tables; see Cells.h

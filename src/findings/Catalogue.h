@@ -16,7 +16,7 @@ struct CatalogueEntry {
     std::string_view when;       ///< when exactly it is raised
     std::string_view meaning;    ///< one sentence: what it may mean
     std::string_view advice;     ///< what to do
-    /// What would watch it from now on. Empty: a rule with the negated condition.
+    /// The rule or alert to watch it from now on. Empty: a rule with the negated condition.
     std::string_view watch;
 };
 

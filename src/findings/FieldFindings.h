@@ -53,8 +53,8 @@ struct FieldFigures {
     [[nodiscard]] bool isTyped() const { return typeCode != 'S' && typeCode != 0 && !hasFigures; }
 };
 
-/// What the figures of a field give away: at most one finding for each code, by likelihood, then rows. `numbers` or
-/// `dates` is null unless the values are read so.
+/// The findings that follow from the figures of a field: at most one for each code, by likelihood, then rows. `numbers`
+/// or `dates` is null unless the values are read so.
 [[nodiscard]] std::vector<Finding> fieldFindings(const FieldFigures& figures, const ValueDetectors& values,
                                                  const OrderedNumbers* numbers, const OrderedDates* dates);
 

@@ -12,7 +12,7 @@
 
 namespace tavix::findings {
 
-/// What numbers give away when they come in ascending order.
+/// Examines numbers, which come in ascending order.
 class OrderedNumbers {
   public:
     void takeInteger(std::int64_t value, std::uint64_t count) {
@@ -65,7 +65,7 @@ class OrderedNumbers {
     std::int64_t m_firstMissing = 0;
 };
 
-/// What dates give away when they come in ascending order.
+/// Examines dates, which come in ascending order.
 class OrderedDates {
   public:
     /// `now`: the moment of the run, in units of base/DateTicks.h.

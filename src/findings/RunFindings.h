@@ -10,10 +10,10 @@
 #include <string_view>
 #include <vector>
 
-/// What follows from several fields of a run, and from the run before.
+/// Findings that need several fields of a run, or the run before.
 namespace tavix::findings {
 
-/// What a run keeps of a field once the field is stored.
+/// The figures that a run keeps of a field once the field is stored.
 struct FieldSummary {
     std::string table;  ///< as shown
     std::string source; ///< the same for a table and what is filtered from it
@@ -41,7 +41,7 @@ struct EarlierField {
     std::int64_t moment = 0; ///< when that run began
     std::uint64_t rows = 0;  ///< that are not null
 };
-/// What a field lost since the run before. Put them in place of findings with the same codes.
+/// Findings about changes of a field since the run before. Put them in place of findings with the same codes.
 [[nodiscard]] std::vector<Finding> findChanges(const FieldSummary& field, const EarlierField& before, std::int64_t now);
 
 /// The pattern that at least 95 % of the values have; see FieldSummary.

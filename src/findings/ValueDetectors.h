@@ -14,7 +14,7 @@
 
 namespace tavix::findings {
 
-/// What the distinct values of a field give away, one by one and in any order.
+/// Examines the distinct values of a field, one by one and in any order.
 class ValueDetectors {
   public:
     ValueDetectors();

@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <string_view>
 
-/// What each value test decides without its condition. Inline, because every distinct value of a run passes here.
+/// The decisions of each value test that need no condition. Inline, because every distinct value of a run passes here.
 namespace tavix::findings::judge {
 
 using namespace byte_kind; // NOLINT(google-build-using-namespace): every function reads as a list of these

@@ -52,7 +52,7 @@ enum class ValueTest : std::uint8_t {
 
 inline constexpr std::size_t kValueTestCount = static_cast<std::size_t>(ValueTest::StreetAddress) + 1;
 
-/// What the characters beyond ASCII of a text are.
+/// The kinds of characters beyond ASCII that a text has.
 struct RareCharacters {
     bool invisible = false;
     bool space = false;        ///< any white space

@@ -36,7 +36,7 @@ struct Evidence {
     }
 };
 
-/// What the forms of a column say when they are taken together.
+/// The forms of a column taken together.
 class ColumnEvidence {
   public:
     explicit ColumnEvidence(Forms forms) {

@@ -14,7 +14,7 @@
 
 namespace tavix::forms {
 
-/// What a job states about the dates of a field.
+/// The statement of a job about the dates of a field.
 enum class StatedDates : std::uint8_t { Nothing, DayFirst, MonthFirst, EpochSeconds };
 
 /// Distinct values of a column that have something in common. Neither empty nor blank values take part.
@@ -82,7 +82,7 @@ struct ColumnReading {
     }
 };
 
-/// What is counted of a column besides its forms.
+/// Further counts of a column, besides its forms.
 struct ColumnTraits {
     StatedDates stated = StatedDates::Nothing;
     ValueTally epoch;      ///< of the integers that are seconds since 1970, if the job says so

@@ -14,7 +14,8 @@ namespace {
 using Family = ValueForm::Family;
 using Readings = ValueForm::Readings;
 
-/// What a text that fits no strict type may be, as its beginning and end tell. Most texts are neither and cost little.
+/// The possible forms of a text that fits no strict type, judged by its beginning and end. Most texts have none and
+/// cost little.
 struct Suspicion {
     bool isNumber = false;
     bool isDate = false;

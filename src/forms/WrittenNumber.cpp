@@ -17,7 +17,7 @@ constexpr std::size_t kSurelyInRange = 300;
 constexpr std::string_view kMinusSign = "\xE2\x88\x92"; // U+2212
 constexpr std::string_view kNoBreakBlank = "\xC2\xA0";
 constexpr std::string_view kNarrowNoBreakBlank = "\xE2\x80\xAF";
-/// What may stand between groups of digits besides the other decimal mark.
+/// The characters between groups of digits, besides the other decimal mark.
 constexpr std::array<std::string_view, 6> kSeparators{
     " ", "'", kNoBreakBlank, kNarrowNoBreakBlank, "\xE2\x80\x89" /* thin space */, "\xE2\x80\x99" /* apostrophe */};
 

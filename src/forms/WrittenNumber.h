@@ -11,7 +11,7 @@ namespace tavix::forms {
 /// How negative numbers are marked.
 enum class NegativeMark : std::uint8_t { None, Before, After, Parentheses };
 
-/// What a number is when '.' or ',' is its decimal mark.
+/// How a number is read if '.' or ',' is its decimal mark.
 struct MarkReading {
     bool reads = false;
     bool isWhole = false; ///< neither a decimal mark nor an exponent

@@ -23,7 +23,7 @@ inline constexpr std::size_t kRowLogLimit = 1000;
 /// job states another.
 inline constexpr double kFitsAtLeast = 95;
 
-/// What a job says about the dates of a field.
+/// The statement of a job about the dates of a field.
 struct FieldDates {
     std::string field;
     forms::StatedDates dates = forms::StatedDates::Nothing;
@@ -103,7 +103,7 @@ struct TableDescription {
 
     [[nodiscard]] bool isFiltered() const { return !basedOn.empty(); }
     [[nodiscard]] bool isDatabase() const { return !source.empty(); }
-    /// What the job says about the dates of a field.
+    /// The job's statement about the dates of a field.
     [[nodiscard]] forms::StatedDates datesOf(std::string_view field) const {
         for (const FieldDates& one : fieldDates)
             if (one.field == field)

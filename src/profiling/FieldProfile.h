@@ -24,7 +24,7 @@ struct FieldProfile {
     std::vector<repository::OffsetIndexPage> offsetIndex; ///< not set by profileField()
 };
 
-/// What a job says about how the values of a field are read.
+/// The statements of a job about how the values of a field are read.
 struct ReadingChoice {
     forms::StatedDates dates = forms::StatedDates::Nothing;
     /// A field has figures over the values that fit its reading if they are at least so many percent of the rows that

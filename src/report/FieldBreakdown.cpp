@@ -60,7 +60,7 @@ std::string misfitText(const FieldBreakdown& breakdown, const std::vector<Counte
 
 enum class Kind { Unknown, Text, Number, Date, Boolean };
 
-/// What a declared type is, by the word that it begins with.
+/// The kind of a declared type, by the word that it begins with.
 Kind declaredKind(std::string_view type) {
     struct Word {
         std::string_view word;

@@ -35,7 +35,7 @@ struct FindingRecord {
 
     /// As users read it; the code in words where the catalogue is of an older version than the run.
     [[nodiscard]] std::string title() const;
-    /// What it may mean, and what to do; "" where the catalogue does not know it.
+    /// Its possible meaning and the advice; "" where the catalogue does not know it.
     [[nodiscard]] std::string_view meaning() const;
     [[nodiscard]] std::string_view advice() const;
     /// "possible", "likely", "definite".

@@ -17,7 +17,7 @@ class PrViewer;
 /// `=`, `between` as two comparisons.
 [[nodiscard]] std::vector<std::string> conjunctsOf(std::string_view condition);
 
-/// What the rules, custom metrics and alerts of a job already say about the tables of the current run.
+/// The statements of a job's rules, custom metrics and alerts about the tables of the current run.
 class KnownRules {
   public:
     /// Throws GenException when the repository fails.

@@ -50,8 +50,8 @@ inline constexpr std::int64_t kFewestRows = 20;
 /// " in 3 runs", or "" for one.
 [[nodiscard]] std::string overRuns(const FieldEvidence& field);
 
-// What each group of figures suggests. `drafts` receives it; a field gets a draft only if an earlier one in this order
-// does not say as much.
+// The suggestions of each group of figures. `drafts` receives it; a field gets a draft only if an earlier one in this
+// order does not say as much.
 void draftFilled(const FieldEvidence& field, std::vector<RuleDraft>& drafts);
 void draftUnique(const FieldEvidence& field, std::vector<RuleDraft>& drafts);
 /// Also the constant. `longest` is the largest number of values.

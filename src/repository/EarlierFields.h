@@ -13,7 +13,7 @@
 
 namespace tavix::repository {
 
-/// What an earlier run stored about a field, as far as a later one is compared with it.
+/// The figures of an earlier run about a field that a later one is compared with.
 struct EarlierField {
     UtcTime started{}; ///< when that run began
     char typeCode = 0; ///< 0 without values

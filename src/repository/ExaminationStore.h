@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <string_view>
 
-/// What a run found out about the types of fields, its findings, and the findings that users have dismissed.
+/// The types of fields in a run, its findings, and the findings that users have dismissed.
 namespace tavix::repository {
 
 /// The repository version that added all of it.

@@ -51,7 +51,7 @@ class FindingsModel {
     [[nodiscard]] const FindingRows& GetRows() const { return m_rows; }
     /// Null for no row.
     [[nodiscard]] const FindingRecord* At(std::int64_t row) const;
-    /// What the finding means and what to do, and why it was dismissed.
+    /// The meaning of the finding, the advice, and why it was dismissed.
     [[nodiscard]] std::string ExplanationOf(const FindingRecord& finding) const;
 
     /// Both fail with the library's text, and then change nothing. The findings must be read again afterwards.

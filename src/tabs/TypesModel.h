@@ -21,7 +21,7 @@ class TypesModel {
 
     /// "Types: integer 399 of 400; does not fit: unknown (1)"; "" when there is nothing to show.
     [[nodiscard]] const std::string& GetText() const { return m_text; }
-    /// What the user should know besides: an ambiguity, and the declared type. "" without any.
+    /// Remarks for the user: an ambiguity, and the declared type. "" without any.
     [[nodiscard]] const std::string& GetRemark() const { return m_remark; }
     [[nodiscard]] bool HasForms() const { return m_forms.GetRowCount() > 1; }
     [[nodiscard]] bool HasMisfits() const { return m_misfits.GetRowCount() > 0; }

@@ -617,7 +617,7 @@ Expression Generator::condition(int depth) {
         return call("isnumber", {text(depth - 1)},
                     [](const auto& v) { return Value(readNumber(textOf(v[0])).has_value()); });
     case 16: {
-        // What each reading reads is tested with the readings.
+        // The tests of readings cover which texts each one reads.
         static const std::array<std::string, 5> kReadings{"integer", "real", "date", "boolean", "real decimal-comma"};
         const std::string& reading = kReadings[below(kReadings.size())];
         return call("fits", {text(depth - 1), quoted(reading)},
