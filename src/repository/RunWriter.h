@@ -65,8 +65,8 @@ class RunWriter {
     /// The fields that it reads must have been added. Names are unique within the table.
     [[nodiscard]] Status addCustomMetric(int tableId, const CustomMetricFacts& metric);
     [[nodiscard]] Status addBusinessRule(int tableId, const BusinessRuleFacts& rule);
-    /// A finding about a field, or with an empty name about the table; at most one for each code. addField() stores those
-    /// of FieldFacts.
+    /// A finding about a field, or with an empty name about the table; at most one for each code. addField() stores
+    /// those of FieldFacts.
     [[nodiscard]] Status addFinding(int tableId, std::string_view field, const FindingFacts& finding);
     /// A line of the run's execution log; `tableId` 0 for the run as a whole.
     [[nodiscard]] Status addLog(int tableId, LogLevel level, std::string_view text);

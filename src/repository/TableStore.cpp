@@ -2,8 +2,8 @@
 
 #include "repository/BindValue.h"
 #include "repository/DistributionStore.h"
-#include "repository/FileOffsetIndex.h"
 #include "repository/ExaminationStore.h"
+#include "repository/FileOffsetIndex.h"
 #include "repository/HistogramStore.h"
 
 #include <fmt/format.h>

@@ -230,7 +230,7 @@ TEST(Reading, DatesAsPeopleWriteThem) {
 
 TEST(Reading, EveryDayIsTheIsoOne) {
     const Reading reading = *Reading::parse("date");
-    for (std::int64_t day = -719'162; day < 2'932'897; day += day > -1000 && day < 40'000 ? 1 : 13) {
+    for (std::int64_t day = -719'162; day<2'932'897; day += day> - 1000 && day < 40'000 ? 1 : 13) {
         const std::string iso = formatDate(day * kTicksPerDay);
         std::string written = iso;
         written[4] = written[7] = '/';

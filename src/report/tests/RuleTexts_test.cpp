@@ -48,8 +48,7 @@ TEST(YamlText, ACommentIsOneLine) {
 TEST(KnownRules, ConditionsAreComparedInOneSpelling) {
     EXPECT_EQ(conjunctsOf("tonumber(`a`) >= 1 AND\n `a`<=2"), conjunctsOf("`a` between 1 and 2"));
     EXPECT_EQ(conjunctsOf("`a` == \"x\""), conjunctsOf("`a` = 'x'"));
-    EXPECT_EQ(conjunctsOf("ISNULL(`a`) or todate(`a`) > '2020-01-01'"),
-              conjunctsOf("isnull(`a`) or `a`>'2020-01-01'"));
+    EXPECT_EQ(conjunctsOf("ISNULL(`a`) or todate(`a`) > '2020-01-01'"), conjunctsOf("isnull(`a`) or `a`>'2020-01-01'"));
     EXPECT_NE(conjunctsOf("`a` = 'X'"), conjunctsOf("`a` = 'x'"));
     EXPECT_NE(conjunctsOf("`A` = 'x'"), conjunctsOf("`a` = 'x'"));
     EXPECT_THAT(conjunctsOf("`a` in ('x and y', 'z') and not isblank(`b`)"),
