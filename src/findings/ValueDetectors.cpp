@@ -151,12 +151,16 @@ void ValueDetectors::takeShown(const Candidate& it, std::uint64_t count, std::ui
 
 /// Digits with signs, without letters.
 void ValueDetectors::testNumber(const Candidate& it, std::uint64_t count) {
-    test<ValueTest::Phone, judge::phone>(it, count);
-    test<ValueTest::IpAddress, judge::ipAddress>(it, count);
-    test<ValueTest::CardNumber, judge::cardNumber>(it, count);
-    test<ValueTest::NationalId, judge::nationalId>(it, count);
+    constexpr std::size_t kShortestCode = 7; // 1.2.3.4
+    if (it.text.size() >= kShortestCode) {
+        test<ValueTest::Phone, judge::phone>(it, count);
+        test<ValueTest::IpAddress, judge::ipAddress>(it, count);
+        test<ValueTest::CardNumber, judge::cardNumber>(it, count);
+        test<ValueTest::NationalId, judge::nationalId>(it, count);
+    }
     test<ValueTest::MinusAfterNumber, judge::minusAfter>(it, count);
-    test<ValueTest::NumberWithUnit, judge::numberWithUnit>(it, count);
+    if (it.has(kMoney | kBeyondAscii))
+        test<ValueTest::NumberWithUnit, judge::numberWithUnit>(it, count);
 }
 
 /// Letters and digits.

@@ -127,6 +127,10 @@ using namespace byte_kind; // NOLINT(google-build-using-namespace): every functi
         host.find("..") != std::string_view::npos)
         return Verdict::No;
     const std::string_view top = host.substr(lastDot + 1);
+    // Nearly all addresses have no other characters than these, and then only a second @ could be wrong.
+    if (it.hasOnly(kLetters | kDigit | kDot | kHyphen | kAt))
+        return surely(top.size() >= 2 && top.size() <= 24 && std::all_of(top.begin(), top.end(), isAsciiLetter) &&
+                      host.find('@') == std::string_view::npos);
     return surely(top.size() >= 2 && top.size() <= 24 && std::all_of(top.begin(), top.end(), isAsciiLetter) &&
                   std::all_of(host.begin(), host.end(), [&](char c) { return isInLabel(c) || c == '.'; }) &&
                   std::all_of(it.text.begin(), it.text.begin() + static_cast<std::ptrdiff_t>(at), isInName));
