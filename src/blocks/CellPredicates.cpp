@@ -1,4 +1,5 @@
 #include "blocks/Operand.h"
+#include "blocks/PairPredicate.h"
 #include "blocks/Predicate.h"
 #include "expression/Cells.h"
 #include "expression/NumberReader.h"
@@ -87,26 +88,17 @@ class CellNumberComparison : public Predicate {
 };
 
 /// Compares cells with the cells of another column or with numbers that vary by row.
-class CellPairComparison : public Predicate {
+class CellPairComparison : public PairPredicate {
   public:
-    explicit CellPairComparison(const Node& node)
-        : m_comparison(node.comparison), m_left(makeOperand(node.child(0))), m_right(makeOperand(node.child(1))) {}
+    explicit CellPairComparison(const Node& node) : PairPredicate(node) {}
 
     void narrow(Frame& frame, RowSet& rows, bool wanted) override {
-        const Vector& left = m_left->evaluate(frame, rows);
-        const Vector& right = m_right->evaluate(frame, rows);
-        dropNulls(rows, left);
-        dropNulls(rows, right);
+        const Sides sides = evaluate(frame, rows);
         rows.keepIf([&](std::uint32_t row) {
-            const Value answer = compareCell(m_comparison, left.at(row).text, right.at(row));
+            const Value answer = compareCell(comparison(), sides.left.at(row).text, sides.right.at(row));
             return !answer.isNull() && answer.boolean == wanted;
         });
     }
-
-  private:
-    Comparison m_comparison;
-    OperandPtr m_left;
-    OperandPtr m_right;
 };
 
 /// A list of constant numbers and texts.

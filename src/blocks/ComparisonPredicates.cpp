@@ -1,5 +1,6 @@
 #include "base/Characters.h"
 #include "blocks/Operand.h"
+#include "blocks/PairPredicate.h"
 #include "blocks/Predicate.h"
 #include "blocks/TextKey.h"
 #include "expression/Conversion.h"
@@ -60,17 +61,15 @@ bool compareTextsBy(Compare compare, std::string_view left, const char* leftRead
 }
 
 /// Compares two expressions of one type, or an integer and a real.
-class PairComparison : public Predicate {
+class PairComparison : public PairPredicate {
   public:
-    explicit PairComparison(const Node& node)
-        : m_comparison(node.comparison), m_left(makeOperand(node.child(0))), m_right(makeOperand(node.child(1))) {}
+    explicit PairComparison(const Node& node) : PairPredicate(node) {}
 
     void narrow(Frame& frame, RowSet& rows, bool wanted) override {
-        const Vector& left = m_left->evaluate(frame, rows);
-        const Vector& right = m_right->evaluate(frame, rows);
-        dropNulls(rows, left);
-        dropNulls(rows, right);
-        withOperator(m_comparison, wanted, [&](auto compare) {
+        const Sides sides = evaluate(frame, rows);
+        const Vector& left = sides.left;
+        const Vector& right = sides.right;
+        withOperator(comparison(), wanted, [&](auto compare) {
             if (left.type == Type::Text && !left.isConstant && !right.isConstant)
                 narrowTexts(rows, left, right, compare);
             else
@@ -89,10 +88,6 @@ class PairComparison : public Predicate {
             });
         });
     }
-
-    Comparison m_comparison;
-    OperandPtr m_left;
-    OperandPtr m_right;
 };
 
 /// Compares integers, reals or dates with a constant.

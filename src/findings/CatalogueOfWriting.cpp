@@ -41,7 +41,7 @@ constexpr CatalogueEntry kEntries[] = {
      "UTF-8 was read as windows-1252 on its way here, so that every accented letter became two wrong ones.",
      "Find the step that reads the wrong encoding; the values can be repaired by undoing it.", ""},
     {"lost-characters", "Question marks inside words", "possible",
-     "a question mark stands between two letters, in at most 10 % of the rows, and the value is no address of a page",
+     "a question mark is between two letters, in at most 10 % of the rows, and the value is no address of a page",
      "Letters that an encoding does not have were replaced by question marks, as in M?ller; they cannot be recovered "
      "from here.",
      "Compare with the source, and use an encoding that has all letters.", ""},
@@ -50,7 +50,7 @@ constexpr CatalogueEntry kEntries[] = {
      "A letter and its accent are two characters, so the value differs from the one that looks the same.",
      "Normalise texts to composed characters (NFC) when they are loaded.", ""},
     {"mixed-scripts", "Latin and Cyrillic letters in one word", "likely",
-     "a Latin letter stands beside a Cyrillic one, in at most 10 % of the rows",
+     "a Latin letter is next to a Cyrillic one, in at most 10 % of the rows",
      "Letters that look the same were mixed up by a wrong keyboard layout or by recognised print; searches miss the "
      "value.",
      "Replace the letters of the other script.", ""},

@@ -41,11 +41,6 @@ const expression::Program& programOf(ValueTest test) {
     return *own.program;
 }
 
-bool mayBeBlank(char first) {
-    const auto byte = static_cast<unsigned char>(first);
-    return byte <= ' ' || byte >= 0x7F;
-}
-
 } // namespace
 
 class ValueDetectors::Evaluators {
@@ -90,14 +85,13 @@ void ValueDetectors::test(const Candidate& it, std::uint64_t count) {
         decide(Test, it.text, count);
 }
 
-void ValueDetectors::take(std::string_view text, std::uint64_t count, std::uint64_t length) {
+void ValueDetectors::take(std::string_view text, std::uint64_t count, std::uint64_t length, bool isBlank) {
     if (text.empty()) {
         m_blank.add(count);
         return;
     }
     Candidate it{text, byteMask(text)};
-    const bool blank = mayBeBlank(text.front()) && isBlank(text);
-    if (blank)
+    if (isBlank)
         m_blank.add(count);
     else
         takeShown(it, count, length);
@@ -127,7 +121,7 @@ void ValueDetectors::take(std::string_view text, std::uint64_t count, std::uint6
         test<ValueTest::Url, judge::url>(it, count);
     if (mayBePlaceholder(text) && isPlaceholder(text))
         m_placeholders.add(text, count);
-    if (!blank && it.has(kLetters | kBeyondAscii))
+    if (!isBlank && it.has(kLetters | kBeyondAscii))
         m_words.add(text, count);
 }
 

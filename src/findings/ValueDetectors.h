@@ -22,8 +22,8 @@ class ValueDetectors {
     ValueDetectors(const ValueDetectors&) = delete;
     ValueDetectors& operator=(const ValueDetectors&) = delete;
 
-    /// Takes a distinct value, its number of rows and its number of characters.
-    void take(std::string_view text, std::uint64_t count, std::uint64_t length);
+    /// Takes a distinct value, its number of rows and of characters, and whether it is empty or blank.
+    void take(std::string_view text, std::uint64_t count, std::uint64_t length, bool isBlank);
     /// Takes some of the values of a pattern; a pattern may come again.
     void takePattern(std::string_view pattern, Hits hits);
 

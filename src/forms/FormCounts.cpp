@@ -72,16 +72,10 @@ void FormCounts::takeNumber(std::string_view text, ValueKind kind, std::uint64_t
 }
 
 void FormCounts::takeText(std::string_view text, std::uint64_t count) {
-    ValueTally& plain = m_kinds[static_cast<std::size_t>(ValueKind::Text)];
-    if (ValueForm::isSurelyText(text)) {
-        plain.add(text, count);
-        return;
-    }
-    const ValueForm form = ValueForm::of(text, ValueKind::Text);
-    if (form.family == ValueForm::Family::Text)
-        plain.add(text, count);
+    if (const auto form = ValueForm::written(text))
+        takeForm(*form, text, count);
     else
-        takeForm(form, text, count);
+        m_kinds[static_cast<std::size_t>(ValueKind::Text)].add(text, count);
 }
 
 void FormCounts::takeForm(const ValueForm& form, std::string_view text, std::uint64_t count) {

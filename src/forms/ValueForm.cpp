@@ -20,6 +20,8 @@ struct Suspicion {
     bool isNumber = false;
     bool isDate = false;
     bool isPadded = false; ///< digits with leading zeros
+
+    [[nodiscard]] bool isAny() const { return isNumber || isDate || isPadded; }
 };
 
 /// The first two letters of months and weekdays: a bit for each second letter, by the first one.
@@ -152,8 +154,7 @@ void setDate(ValueForm& form, const WrittenDate& date) {
 }
 
 /// For a text without white space at its ends that fits no strict type.
-void setWritten(ValueForm& form, std::string_view text) {
-    const Suspicion suspicion = suspect(text);
+void setWritten(ValueForm& form, std::string_view text, const Suspicion& suspicion) {
     if (suspicion.isPadded)
         form.family = Family::PaddedDigits;
     if (suspicion.isNumber)
@@ -239,30 +240,30 @@ std::string numberText(const ValueForm& form, DecimalMark mark) {
 
 } // namespace
 
-ValueForm ValueForm::of(std::string_view text, ValueKind kind) {
+std::optional<ValueForm> ValueForm::written(std::string_view text) {
+    const auto isVisible = [](char c) { return c > ' ' && c < '\x7F'; };
+    const bool mayHaveBlanks = !isVisible(text.front()) || !isVisible(text.back());
+    const std::string_view inner = mayHaveBlanks ? withoutBlanks(text) : text;
+    const bool hasBlanks = inner.size() < text.size();
+    const ValueKind kind = hasBlanks ? kindOf(inner) : ValueKind::Text;
+    const Suspicion suspicion = kind == ValueKind::Text ? suspect(inner) : Suspicion{};
+    if (kind == ValueKind::Text && !suspicion.isAny())
+        return std::nullopt;
     ValueForm form;
-    if (kind == ValueKind::Text) {
-        const std::string_view inner = withoutBlanks(text);
-        form.hasBlanks = inner.size() < text.size();
-        if (form.hasBlanks)
-            kind = kindOf(inner);
-        text = inner;
-    }
+    form.hasBlanks = hasBlanks;
     if (kind == ValueKind::Text)
-        setWritten(form, text);
+        setWritten(form, inner, suspicion);
     else
-        setStrict(form, kind, text);
-    if (form.family == Family::Text)
-        form.hasBlanks = false;
-    return form;
+        setStrict(form, kind, inner);
+    return form.family == Family::Text ? std::nullopt : std::optional(form);
 }
 
-bool ValueForm::isSurelyText(std::string_view text) {
-    const auto isVisible = [](char c) { return c > ' ' && c < '\x7F'; };
-    if (!isVisible(text.front()) || !isVisible(text.back()))
-        return false; // there may be white space at its ends
-    const Suspicion suspicion = suspect(text);
-    return !suspicion.isNumber && !suspicion.isDate && !suspicion.isPadded;
+ValueForm ValueForm::of(std::string_view text, ValueKind kind) {
+    if (kind == ValueKind::Text)
+        return written(text).value_or(ValueForm{});
+    ValueForm form;
+    setStrict(form, kind, text);
+    return form;
 }
 
 std::uint64_t ValueForm::key() const {

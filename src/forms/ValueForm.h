@@ -6,6 +6,7 @@
 #include "forms/WrittenNumber.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -37,9 +38,8 @@ struct ValueForm {
     /// Of a value that is neither empty nor blank; `kind` is its kindOf().
     [[nodiscard]] static ValueForm of(std::string_view text, ValueKind kind);
 
-    /// Whether of() finds nothing but text, decided at little cost; false for a few plain texts as well. `text` is not
-    /// empty and fits no strict type.
-    [[nodiscard]] static bool isSurelyText(std::string_view text);
+    /// Of a text that is neither empty nor blank and fits no strict type; none if it is plain text, which costs little.
+    [[nodiscard]] static std::optional<ValueForm> written(std::string_view text);
 
     /// Different for different forms.
     [[nodiscard]] std::uint64_t key() const;

@@ -46,14 +46,15 @@ void ValueSurvey::take(std::span<const Entry> values) {
         m_longest = std::max(m_longest, length);
         m_lengths.add(length, entry.count);
         m_longestBytes = std::max(m_longestBytes, text.size());
+        const bool isBlankText = text.empty() || (mayBeBlank(text) && isBlank(text));
         if (text.empty())
             m_emptyRows += entry.count;
-        else if (mayBeBlank(text) && isBlank(text))
+        else if (isBlankText)
             m_blankRows += entry.count;
         else
             takeKind(text, entry.count);
         takePattern(text, entry.count);
-        m_detectors.take(text, entry.count, length);
+        m_detectors.take(text, entry.count, length, isBlankText);
     }
 }
 

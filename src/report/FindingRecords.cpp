@@ -3,6 +3,7 @@
 #include "access/CursorText.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
+#include "base/Ascii.h"
 #include "findings/Catalogue.h"
 #include "report/CheckedCursor.h"
 #include "report/CountText.h"
@@ -44,8 +45,8 @@ std::vector<FindingRecord> readAll(const ProfileCursorHandle& rows) {
 std::string wordsOf(std::string_view code) {
     std::string words(code);
     std::replace(words.begin(), words.end(), '-', ' ');
-    if (!words.empty() && words.front() >= 'a' && words.front() <= 'z')
-        words.front() = static_cast<char>(words.front() - 'a' + 'A');
+    if (!words.empty())
+        words.front() = asciiUpper(words.front());
     return words;
 }
 

@@ -137,7 +137,7 @@ Result<std::size_t> TextInput::readContent(char* target, std::size_t size) {
 
 Result<std::size_t> TextInput::readBeginning(std::size_t wanted) {
     m_chunk.resize(std::min(kPackingMark, wanted));
-    const auto got = readBytes(m_chunk.data(), m_chunk.size());
+    auto got = readBytes(m_chunk.data(), m_chunk.size());
     if (!got)
         return got;
     const std::string start = m_chunk.substr(0, *got);
@@ -150,7 +150,7 @@ Result<std::size_t> TextInput::readBeginning(std::size_t wanted) {
     if (*got < m_chunk.size())
         return got;
     m_chunk.resize(m_size > 0 ? std::clamp(static_cast<std::size_t>(m_size) + 1, *got, wanted) : wanted);
-    const auto rest = readBytes(m_chunk.data() + *got, m_chunk.size() - *got);
+    auto rest = readBytes(m_chunk.data() + *got, m_chunk.size() - *got);
     return rest ? Result<std::size_t>(*got + *rest) : rest;
 }
 

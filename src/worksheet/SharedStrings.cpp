@@ -16,7 +16,8 @@ constexpr std::size_t kMaxRecentBytes = std::size_t{16} << 20u;
 constexpr std::size_t kCountsBytes = 8; ///< the two counts that start the SST record
 constexpr std::size_t kTextHeaderBytes = 3;
 
-enum TextFlags : std::uint32_t { kNarrow = 0, kWide = 1 };
+/// The bit of a text's header that says that its characters have two bytes each.
+constexpr std::uint32_t kWideFlag = 1;
 
 /// Bytes of the first character, which stays with the header so that no record ends after a header.
 std::size_t firstCharacterBytes(const CellText& text) {
@@ -75,7 +76,7 @@ std::size_t SharedStrings::room() const {
 void SharedStrings::append(const CellText& text) {
     if (room() < kTextHeaderBytes + firstCharacterBytes(text))
         closeRecord();
-    const std::uint32_t flags = text.wide() ? kWide : kNarrow;
+    const std::uint32_t flags = text.wide() ? kWideFlag : 0;
     put16(m_record, static_cast<std::uint32_t>(text.length()));
     put8(m_record, flags);
     std::size_t done = 0;
