@@ -335,11 +335,49 @@ enum Alerts {
     AlertTableId = 13,
     AlertFieldId = 14,   ///< null for custom metrics and rules
     AlertWatchedId = 15, ///< of the custom metric or rule; null for standard metrics
-    AlertReportId = 16,  ///< null for alerts that no job defines
+    AlertReportId = 16,  ///< the job whose runs it watches; null where an alert of an older version does not say
+    AlertIsOfUser = 17,  ///< 1: made by a user, 0: defined by the job
+    AlertAuthor = 18,    ///< of a user's alert
+    AlertCreated = 19,   ///< date; null for an alert of the job
 };
 enum AlertProperties {
     AlertPropertyName = 0,
     AlertPropertyValue = 1,
+};
+enum AllAlertProperties {
+    AllPropertiesAlert = 0,
+    AllPropertiesName = 1,
+    AllPropertiesValue = 2,
+};
+enum AlertMutes {
+    MutedAlert = 0,
+    MuteReason = 1,
+    MuteAuthor = 2,
+    MuteDate = 3,
+    MuteFirstRun = 4, ///< the run that was shown: earlier runs are not muted
+    MuteRuns = 5,     ///< how many runs from that one on; null: no such end
+    MuteUntil = 6,    ///< runs that start before this date; null: no such end
+    MuteLastRun = 7,  ///< the last of those runs, by both ends; null while none is known that ends it
+};
+enum AlertFigures {
+    FigureAlert = 0, ///< -1 for a definition that is not stored
+    FigureRun = 1,
+    FigureDate = 2,
+    FigureWeekday = 3, ///< of the run's start by UTC, 1 Monday to 7 Sunday
+    FigureValue = 4,   ///< null or a text where the run has no such number
+    FigureRows = 5,    ///< of a rule: the rows that it was checked for, the base of a percentage
+};
+enum AlertChanges {
+    AlertChangeDate = 0,
+    AlertChangeAuthor = 1, ///< the user, or empty: a run of the job
+    AlertChangeBefore = 2, ///< the condition in words and the level
+    AlertChangeAfter = 3,
+};
+enum AlertNotes {
+    AlertNoteId = 0,
+    AlertNoteDate = 1,
+    AlertNoteUser = 2,
+    AlertNoteText = 3,
 };
 
 enum Notes {

@@ -2,6 +2,7 @@
 
 #include "access/PrViewerDrillCursor.h"
 #include "access/ProfileCursor.h"
+#include "base/Clock.h"
 #include "base/KvbString.h"
 #include "source/Credentials.h"
 
@@ -9,12 +10,13 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tavix {
 
-class Clock;
 class PrViewDisplayMessage;
 class OrvintaPatternGen;
+struct AlertDefinition;
 struct TableSource;
 
 /// How a text file was read; the result of getTextFileInfo.
@@ -196,9 +198,33 @@ class PrViewer {
     /// table's key and, if `withInputs`, the fields that the condition reads.
     [[nodiscard]] ProfileCursorHandle getBusinessRuleRowLog(int ruleId, int first, bool withInputs);
 
-    // Alerts.
+    // Alerts, of all jobs. An alert keeps its id when a run of its job stores it again.
     [[nodiscard]] ProfileCursorHandle getAlerts();
     [[nodiscard]] ProfileCursorHandle getAlertProperties(int alertId);
+    /// Those of all alerts, alert by alert.
+    [[nodiscard]] ProfileCursorHandle getAllAlertProperties();
+    /// The figures that alerts of that job watch: for each alert a row for each of the last `runs` runs (0: all) of the
+    /// job up to `lastRun` (-1: its latest), the latest first. `alerts`: only these; empty: all of the job.
+    [[nodiscard]] ProfileCursorHandle getAlertFigures(int jobId, int lastRun, int runs,
+                                                      const std::vector<int>& alerts = {});
+    /// The same for an alert of the current job that need not be stored. Its rule is not read.
+    [[nodiscard]] ProfileCursorHandle getWatchedFigures(const AlertDefinition& watched, int lastRun, int runs);
+    /// `alertId` -1 creates an alert of the current job that belongs to the user, and receives its id; no run of the
+    /// job changes it. Fails for an alert that the job defines. A changed rule is kept in getAlertChanges().
+    bool createEditAlert(int& alertId, const AlertDefinition& definition, const KvbString& user);
+    /// Fails for an alert that the job defines.
+    bool deleteAlert(int alertId);
+    /// The mutes of all alerts, also those that have ended. An alert has at most one.
+    [[nodiscard]] ProfileCursorHandle getAlertMutes();
+    /// From the current run on, for `runs` runs (0: no such end) and for runs that start before `until` (none: no such
+    /// end). Replaces an earlier mute. The reason is a note (base/NoteText.h).
+    bool muteAlert(int alertId, const KvbString& user, const KvbString& reason, int runs, std::optional<UtcTime> until);
+    bool unmuteAlert(int alertId);
+    /// The latest first.
+    [[nodiscard]] ProfileCursorHandle getAlertChanges(int alertId);
+    [[nodiscard]] ProfileCursorHandle getAlertNotes(int alertId);
+    bool createNewAlertNote(int alertId, const KvbString& user, const KvbString& text);
+    bool deleteAlertNote(int noteId);
 
     // Several changes in one transaction: until keepChanges() they are visible to this session only. Other writers
     // wait, so do not ask the user anything in between. If a change fails, keepChanges() fails and keeps none. Runs

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numeric>
+#include <vector>
 
 namespace tavix {
 
@@ -63,6 +65,52 @@ std::string conditionText(const AlertRule& rule) {
         break;
     }
     return fmt::format("has changed by more than {}%", first);
+}
+
+constexpr std::array<std::string_view, 3> kReferenceWords{"mean", "median", "weekday"};
+
+/// Nothing for the run before, with which a change is compared unless the rule says otherwise.
+std::string referenceText(const AlertRule& rule) {
+    if (!isChange(rule.comparison) || (rule.runs <= 1 && rule.reference != AlertReference::SameWeekday))
+        return {};
+    const std::string runs = rule.runs == 1 ? "the last run" : fmt::format("{} runs", rule.runs);
+    switch (rule.reference) {
+    case AlertReference::Mean:
+        return " against the mean of " + runs;
+    case AlertReference::Median:
+        return " against the median of " + runs;
+    case AlertReference::SameWeekday:
+        break;
+    }
+    return fmt::format(" against {}{} of the same weekday", rule.runs == 1 ? "" : "the mean of ", runs);
+}
+
+/// The earlier figures that make the reference, the latest first.
+std::vector<double> referenceFigures(const AlertRule& rule, int weekday, std::span<const RunFigure> earlier) {
+    const auto wanted = static_cast<std::size_t>(std::max(1, rule.runs));
+    std::vector<double> figures;
+    for (const RunFigure& one : earlier) {
+        if (figures.size() == wanted)
+            break;
+        if (rule.reference != AlertReference::SameWeekday || one.weekday == weekday)
+            figures.push_back(one.value);
+    }
+    return figures;
+}
+
+double medianOf(std::vector<double> figures) {
+    const auto middle = figures.begin() + static_cast<std::ptrdiff_t>(figures.size() / 2);
+    std::nth_element(figures.begin(), middle, figures.end());
+    if (figures.size() % 2 == 1)
+        return *middle;
+    return std::midpoint(*std::max_element(figures.begin(), middle), *middle);
+}
+
+double meanOf(const std::vector<double>& figures) {
+    double sum = 0;
+    for (const double one : figures)
+        sum += one;
+    return sum / static_cast<double>(figures.size());
 }
 
 bool isBeyond(const AlertRule& rule, double figure, double reference) {
@@ -144,7 +192,7 @@ bool setAlertCode(AlertRule& rule, AlertSubject subject, int code) {
 
 std::string alertSentence(AlertSubject subject, const AlertRule& rule, std::string_view metric,
                           std::string_view input) {
-    const std::string condition = conditionText(rule);
+    const std::string condition = conditionText(rule) + referenceText(rule);
     switch (subject) {
     case AlertSubject::CustomMetric:
         return fmt::format("{} for custom metric {} {}", metric, input, condition);
@@ -158,26 +206,39 @@ std::string alertSentence(AlertSubject subject, const AlertRule& rule, std::stri
 }
 
 std::string recordsAlertSentence(const AlertRule& rule) {
-    return "Number of records " + conditionText(rule);
+    return "Number of records " + conditionText(rule) + referenceText(rule);
 }
 
-AlertVerdict checkAlert(const AlertRule& rule, std::optional<double> figure, std::span<const double> earlier) {
+std::string_view alertReferenceWord(AlertReference reference) {
+    return kReferenceWords[static_cast<std::size_t>(reference)];
+}
+
+std::optional<AlertReference> findAlertReference(std::string_view word) {
+    const auto* const found = std::find(kReferenceWords.begin(), kReferenceWords.end(), word);
+    if (found == kReferenceWords.end())
+        return std::nullopt;
+    return static_cast<AlertReference>(found - kReferenceWords.begin());
+}
+
+AlertVerdict checkAlert(const AlertRule& rule, std::optional<double> figure, int weekday,
+                        std::span<const RunFigure> earlier) {
     AlertVerdict verdict;
     if (isChange(rule.comparison)) {
-        earlier = earlier.first(std::min(earlier.size(), static_cast<std::size_t>(std::max(1, rule.runs))));
-        double sum = 0;
-        for (const double one : earlier)
-            sum += one;
-        if (!earlier.empty())
-            verdict.reference = sum / static_cast<double>(earlier.size());
-        if (!verdict.reference)
+        std::vector<double> figures = referenceFigures(rule, weekday, earlier);
+        if (figures.empty())
             return verdict;
+        verdict.reference = rule.reference == AlertReference::Median ? medianOf(std::move(figures)) : meanOf(figures);
     }
     if (!figure)
         return verdict;
     verdict.state = isBeyond(rule, *figure, verdict.reference.value_or(0)) ? AlertVerdict::State::Raised
                                                                            : AlertVerdict::State::Quiet;
     return verdict;
+}
+
+bool needsEarlierRuns(const AlertRule& rule, int weekday, std::span<const RunFigure> earlier) {
+    return isChange(rule.comparison) &&
+           referenceFigures(rule, weekday, earlier).size() < static_cast<std::size_t>(std::max(1, rule.runs));
 }
 
 } // namespace tavix

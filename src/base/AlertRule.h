@@ -41,14 +41,26 @@ enum class AlertLevel { Warning, Error };
 
 [[nodiscard]] std::string_view alertLevelWord(AlertLevel level);
 
+/// What a change is measured against.
+enum class AlertReference {
+    Mean,        ///< of the last `runs` runs that have the figure: with 1, the run before
+    Median,      ///< of the same
+    SameWeekday, ///< the mean of the last `runs` runs that started on the same day of the week, by UTC
+};
+
+/// "mean", "median" or "weekday", as alerts are stored and job files name it.
+[[nodiscard]] std::string_view alertReferenceWord(AlertReference reference);
+[[nodiscard]] std::optional<AlertReference> findAlertReference(std::string_view word);
+
 struct AlertRule {
     AlertComparison comparison = AlertComparison::Greater;
     bool ofFailedPercent =
         false; ///< of a business rule: checks the percentage of violating rows instead of their number
     double value1 = 0;
     double value2 = 0; ///< of a range
-    int runs = 1;      ///< the reference of a change is the mean of so many earlier runs
+    int runs = 1;      ///< the reference of a change is made of so many earlier runs, or of as many as there are
     AlertLevel level = AlertLevel::Warning;
+    AlertReference reference = AlertReference::Mean;
 
     bool operator==(const AlertRule&) const = default;
 };
@@ -61,6 +73,7 @@ struct AlertRule {
 
 /// "Null Count for field price is greater than 0": the condition that raises the alert. `metric` is the name of the
 /// standard metric or of the custom metric's value; `input` is the name of the field, custom metric or business rule.
+/// A change against anything but the run before says so: "... by more than 5 against the mean of 3 runs".
 [[nodiscard]] std::string alertSentence(AlertSubject subject, const AlertRule& rule, std::string_view metric,
                                         std::string_view input);
 
@@ -79,8 +92,16 @@ struct AlertVerdict {
     bool operator==(const AlertVerdict&) const = default;
 };
 
-/// `earlier` are the figures of the earlier runs that have one, the latest first.
-[[nodiscard]] AlertVerdict checkAlert(const AlertRule& rule, std::optional<double> figure,
-                                      std::span<const double> earlier);
+/// A figure of an earlier run.
+struct RunFigure {
+    double value = 0;
+    int weekday = 1; ///< of the run's start by UTC, 1 Monday to 7 Sunday
+};
+
+/// `weekday` is that of the run; `earlier` are the figures of the earlier runs that have one, the latest first.
+[[nodiscard]] AlertVerdict checkAlert(const AlertRule& rule, std::optional<double> figure, int weekday,
+                                      std::span<const RunFigure> earlier);
+/// Whether still earlier runs could change the reference of checkAlert().
+[[nodiscard]] bool needsEarlierRuns(const AlertRule& rule, int weekday, std::span<const RunFigure> earlier);
 
 } // namespace tavix

@@ -15,6 +15,7 @@ enum class RefreshHint {
     HistoryDeleted = 10,      ///< runs were deleted; the current one is still there
     ComparedRunsChanged = 11, ///< a pane has changed the runs that are compared
     FindingsChanged = 12,     ///< a pane has dismissed or restored a finding
+    AlertsChanged = 13,       ///< a pane has made, changed, muted or removed an alert
 };
 
 /// A pane that takes part in refreshing.

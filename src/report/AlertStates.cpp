@@ -11,6 +11,7 @@
 #include "report/ReportTables.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <utility>
 
@@ -23,7 +24,7 @@ constexpr int kAllTables = -1;
 /// The figure of the current run, and those of the runs before it that have one, the latest first.
 struct Figures {
     std::optional<double> current;
-    std::vector<double> earlier;
+    std::vector<RunFigure> earlier;
 };
 
 class Reader {
@@ -110,7 +111,7 @@ class Reader {
         state.sentence = state.isOfRecords ? recordsAlertSentence(rule)
                                            : alertSentence(state.subject, rule, state.metric, state.input);
         state.figure = figures.current;
-        state.verdict = checkAlert(rule, figures.current, figures.earlier);
+        state.verdict = checkAlert(rule, figures.current, 1, figures.earlier);
         return state;
     }
 
@@ -134,7 +135,7 @@ class Reader {
             if (run == m_run)
                 figures.current = figure;
             else if (figure)
-                figures.earlier.push_back(*figure);
+                figures.earlier.push_back({*figure, 1});
         }
         std::reverse(figures.earlier.begin(), figures.earlier.end());
         return figures;
@@ -185,6 +186,63 @@ class Reader {
 };
 
 } // namespace
+
+std::string_view alertShownWord(AlertShown shown) {
+    constexpr std::array<std::string_view, 4> kWords{"raised", "cannot be judged", "muted", "quiet"};
+    return kWords[static_cast<std::size_t>(shown)];
+}
+
+AlertShown AlertState::shown() const {
+    if (mute)
+        return AlertShown::Muted;
+    if (verdict.state == AlertVerdict::State::Unknown)
+        return AlertShown::CannotBeJudged;
+    return verdict.state == AlertVerdict::State::Raised ? AlertShown::Raised : AlertShown::Quiet;
+}
+
+AlertDefinition AlertState::definition() const {
+    AlertDefinition definition;
+    definition.table = tableId;
+    definition.subject = subject;
+    if (subject == AlertSubject::StandardMetric) {
+        definition.field = isOfRecords ? -1 : fieldId;
+        definition.metric = static_cast<MetricId>(watchedId);
+    } else {
+        definition.watched = watchedId;
+    }
+    definition.rule = rule.value_or(AlertRule{});
+    definition.description = isDescribed() ? description : "";
+    return definition;
+}
+
+void orderAlerts(std::vector<AlertState>& alerts) {
+    const auto rank = [](const AlertState& alert) {
+        return alert.isRaisedAt(AlertLevel::Error) ? -1 : static_cast<int>(alert.shown());
+    };
+    std::stable_sort(alerts.begin(), alerts.end(),
+                     [&](const AlertState& left, const AlertState& right) { return rank(left) < rank(right); });
+}
+
+AlertCounts countAlerts(const std::vector<AlertState>& alerts) {
+    AlertCounts counts;
+    for (const AlertState& alert : alerts) {
+        switch (alert.shown()) {
+        case AlertShown::Raised:
+            ++(alert.isRaisedAt(AlertLevel::Error) ? counts.errors : counts.warnings);
+            break;
+        case AlertShown::CannotBeJudged:
+            ++counts.unjudged;
+            break;
+        case AlertShown::Muted:
+            ++counts.muted;
+            break;
+        case AlertShown::Quiet:
+            ++counts.quiet;
+            break;
+        }
+    }
+    return counts;
+}
 
 std::string AlertState::condition() const {
     return fits ? sentence + std::string(kOverFits) : sentence;

@@ -48,10 +48,37 @@ TEST(AlertRule, ThresholdsAreStrictAndChangesNeedAnEarlierRun) {
         {{C::ChangedBy, false, 2, 0, 3}, 10, {9, 7}, State::Quiet, 8},
     };
     for (std::size_t i = 0; i < cases.size(); ++i) {
-        const AlertVerdict verdict = checkAlert(cases[i].rule, cases[i].figure, cases[i].earlier);
+        std::vector<RunFigure> earlier;
+        for (const double value : cases[i].earlier)
+            earlier.push_back({value, 1});
+        const AlertVerdict verdict = checkAlert(cases[i].rule, cases[i].figure, 1, earlier);
         EXPECT_EQ(verdict.state, cases[i].state) << i;
         EXPECT_EQ(verdict.reference, cases[i].reference) << i;
     }
+}
+
+TEST(AlertRule, ReferencesAreMeanMedianOrTheSameWeekday) {
+    const std::vector<RunFigure> earlier{{10, 7}, {20, 6}, {90, 5}, {12, 7}, {1000, 7}};
+    const auto reference = [&](AlertReference kind, int runs, int weekday) {
+        AlertRule rule{C::ChangedBy, false, 5, 0, runs, AlertLevel::Warning, kind};
+        return checkAlert(rule, 10, weekday, earlier).reference;
+    };
+    EXPECT_EQ(reference(AlertReference::Mean, 1, 7), 10);
+    EXPECT_EQ(reference(AlertReference::Mean, 3, 7), 40);
+    EXPECT_EQ(reference(AlertReference::Median, 3, 7), 20);
+    EXPECT_EQ(reference(AlertReference::Median, 4, 7), 16);
+    EXPECT_EQ(reference(AlertReference::SameWeekday, 2, 7), 11);
+    EXPECT_EQ(reference(AlertReference::SameWeekday, 2, 6), 20);
+    EXPECT_EQ(reference(AlertReference::SameWeekday, 2, 1), std::nullopt);
+
+    const auto needs = [&](AlertReference kind, int runs, int weekday) {
+        return needsEarlierRuns({C::ChangedBy, false, 5, 0, runs, AlertLevel::Warning, kind}, weekday, earlier);
+    };
+    EXPECT_FALSE(needs(AlertReference::Median, 5, 7));
+    EXPECT_TRUE(needs(AlertReference::Median, 6, 7));
+    EXPECT_FALSE(needs(AlertReference::SameWeekday, 3, 7));
+    EXPECT_TRUE(needs(AlertReference::SameWeekday, 2, 6));
+    EXPECT_FALSE(needsEarlierRuns({C::Greater, false, 5}, 7, {}));
 }
 
 TEST(AlertRule, CodesReadBackAndNameTheirSentence) {
@@ -71,6 +98,19 @@ TEST(AlertRule, CodesReadBackAndNameTheirSentence) {
     EXPECT_EQ(sentence(metric, 5), "Mean for field x has changed by more than 0.1");
     EXPECT_EQ(sentence(metric, 6), "Mean for field x has changed by more than 0.1%");
     EXPECT_EQ(sentence(metric, 7), "none");
+    const auto against = [](int runs, AlertReference reference) {
+        return alertSentence(AlertSubject::StandardMetric,
+                             {C::ChangedBy, false, 2, 0, runs, AlertLevel::Warning, reference}, "Mean", "x");
+    };
+    EXPECT_EQ(against(1, AlertReference::Median), "Mean for field x has changed by more than 2");
+    EXPECT_EQ(against(3, AlertReference::Mean),
+              "Mean for field x has changed by more than 2 against the mean of 3 runs");
+    EXPECT_EQ(against(3, AlertReference::Median),
+              "Mean for field x has changed by more than 2 against the median of 3 runs");
+    EXPECT_EQ(against(1, AlertReference::SameWeekday),
+              "Mean for field x has changed by more than 2 against the last run of the same weekday");
+    EXPECT_EQ(against(4, AlertReference::SameWeekday),
+              "Mean for field x has changed by more than 2 against the mean of 4 runs of the same weekday");
     EXPECT_EQ(sentence(AlertSubject::CustomMetric, 3), "Mean for custom metric x is outside the range 0.1 to 1e+20");
     const auto rule = AlertSubject::BusinessRule;
     EXPECT_EQ(sentence(rule, 0), "Failed row count for business rule x is greater than 0.1");

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "report/AlertStates.h"
+
+#include <locale>
+#include <string>
+
+/// The texts of an alert for lists, exports and the tool, so that all of them say the same.
+namespace tavix {
+
+/// "Sales.north.public.orders": the data source; catalog and schema where they are not empty, unless the table has an
+/// object name; and the object or table name.
+[[nodiscard]] std::string alertPath(const AlertState& alert);
+/// "error" or "warning"; empty without a rule.
+[[nodiscard]] std::string alertLevelText(const AlertState& alert);
+/// "3,376" or "0.36 %"; empty if the run does not have the figure.
+[[nodiscard]] std::string alertFigureText(const AlertState& alert);
+/// The limit, range or reference that the figure is compared with: "above 5", "run before: 12", "mean of 3 runs: 8".
+[[nodiscard]] std::string alertReferenceText(const AlertState& alert);
+/// "this run", "3 runs, since 2026-11-20 08:15"; empty unless the alert is raised.
+[[nodiscard]] std::string alertSinceText(const AlertState& alert, const std::locale& locale);
+/// "job" or the user who made it.
+[[nodiscard]] std::string alertOriginText(const AlertState& alert);
+/// Why and until when it is muted; empty if it is not.
+[[nodiscard]] std::string alertMuteText(const AlertState& alert, const std::locale& locale);
+/// "2 errors, 1 warning", "no alert raised", with muted ones and those that cannot be judged: for a line or a card.
+[[nodiscard]] std::string alertCountsText(const AlertCounts& counts);
+
+} // namespace tavix
