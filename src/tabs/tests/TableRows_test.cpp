@@ -1,10 +1,10 @@
+#include "alert/CAlertDisplayHelper.h"
+#include "alert/TableAlertRows.h"
 #include "support/RunScript.h"
 #include "support/SampleRules.h"
 #include "support/SampleViewer.h"
-#include "tabs/CAlertDisplayHelper.h"
 #include "tabs/ChartRows.h"
 #include "tabs/RuleRows.h"
-#include "tabs/TableAlertRows.h"
 #include "tabs/tests/RowsText.h"
 
 #include <gmock/gmock.h>
