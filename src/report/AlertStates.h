@@ -101,6 +101,8 @@ struct AlertCounts {
     int unjudged = 0;
     int quiet = 0;
 
+    void add(const AlertState& alert);
+    void add(const AlertCounts& counts);
     [[nodiscard]] int raised() const { return errors + warnings; }
     bool operator==(const AlertCounts&) const = default;
 };

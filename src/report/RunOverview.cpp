@@ -128,6 +128,7 @@ RunOverview readRunOverview(PrViewer& viewer, int job) {
     keepFieldsWithNulls(std::move(fields), overview);
     readRules(viewer, overview);
     for (AlertState& state : readAlertStates(viewer, job)) {
+        overview.alertsByTable[state.tableId].add(state);
         if (state.isRaised())
             overview.raisedAlerts.push_back(std::move(state));
     }

@@ -67,6 +67,7 @@ class ShellWindow final : public QMainWindow {
     int m_closedJob = -1; ///< the report that was closed last, and its run
     int m_closedRun = -1;
     int m_runsChanged = 0; ///< the tokens of the handlers
+    int m_alertsChanged = 0;
     int m_deleteHistory = 0;
     int m_colors = 0;
 
@@ -76,6 +77,7 @@ class ShellWindow final : public QMainWindow {
     JobListPage* m_jobs;
     QWidget* m_view;
     QLabel* m_place;
+    QLabel* m_alerts;
     QLabel* m_counts;
 };
 

@@ -97,6 +97,7 @@ TEST_F(RunOverviewOfSample, ViolatedRulesAndRaisedAlertsAreListedWithWhatTheyWat
     EXPECT_EQ(customers, latest.raisedAlerts.front().tableId);
     EXPECT_EQ(remark, latest.raisedAlerts.front().fieldId);
     EXPECT_EQ(metric, latest.raisedAlerts.front().watchedId);
+    EXPECT_EQ((AlertCounts{.errors = 1, .warnings = 1, .quiet = 1}), latest.alertsByTable.at(customers));
 }
 
 TEST_F(RunOverviewOfSample, ARunOfAnotherReportIsRefused) {

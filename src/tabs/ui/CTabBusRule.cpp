@@ -82,6 +82,7 @@ std::string CTabBusRule::GetObstacle() const {
 }
 
 bool CTabBusRule::FillRows(PrViewer& viewer) {
+    m_rows.SetAlerts({Site().GetTavixDoc().GetAlerts(), Subject().table});
     return m_rows.Fill(viewer, Subject().table.id);
 }
 

@@ -1,6 +1,7 @@
 #include "tabs/ui/CTabCustMet.h"
 
 #include "base/LibraryDate.h"
+#include "doc/CTavixDoc.h"
 #include "grid/ui/CUGCtrl.h"
 
 namespace tavix {
@@ -19,6 +20,7 @@ std::string CTabCustMet::GetObstacle() const {
 }
 
 bool CTabCustMet::FillRows(PrViewer& viewer) {
+    m_rows.SetAlerts({Site().GetTavixDoc().GetAlerts(), Subject().table});
     return m_rows.Fill(viewer, Subject().table.id);
 }
 

@@ -169,6 +169,8 @@ bool CTabStdMet::RefillsOn(RefreshHint hint) const {
     case RefreshHint::RunLoaded:
     case RefreshHint::OptionsChanged:
     case RefreshHint::FindingsChanged:
+    case RefreshHint::HistoryDeleted:
+    case RefreshHint::AlertsChanged:
         return true;
     default:
         return false;
@@ -186,6 +188,8 @@ void CTabStdMet::Fill(bool isSameObject) {
     PrViewer* viewer = document.GetViewer();
     StdMetRows rows;
     rows.SetLocale(userLocale());
+    if (!isCollection)
+        rows.SetAlerts({document.GetAlerts(), selection.table});
     const bool filled =
         viewer && rows.Fill(*viewer, selection, document.GetMetrics(),
                             isCollection ? kNoCollections : document.GetCollectionsOfTable(selection.table.id),
