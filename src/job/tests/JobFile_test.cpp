@@ -302,8 +302,7 @@ TEST_F(JobFile, NamesTheCommandForRaisedAlerts) {
               "2:11: \"on-alert\": expected a list of texts: the program to run after a run that raises an alert, and "
               "its arguments");
     EXPECT_EQ(problem("job: J\non-alert: [mail, 5]\n" + tables),
-              "2:18: \"on-alert[1]\": expected the program or an argument, a text; numbers need quotes (1 to 10000 "
-              "characters)");
+              "2:18: \"on-alert[1]\": expected the program or an argument, a text; numbers need quotes");
 }
 
 TEST_F(JobFile, DamagedFilesAreErrorsOrJobs) {
