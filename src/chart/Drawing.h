@@ -18,6 +18,7 @@ enum class Role {
     Pale,   ///< counts in the background, such as the sum of others; areas below a curve
     Accent, ///< curves and the marks on them
     Fence,  ///< outlier fences and what lies beyond them
+    Alert,  ///< the limits of an alert and the runs that raise it
     Label,  ///< texts at ticks, explanations
     Text,   ///< names and figures
 };

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "grid/ListRows.h"
 #include "report/ChangeRanking.h"
 #include "report/RunComparison.h"
-#include "tabs/ListRows.h"
 
 #include <map>
 #include <string>

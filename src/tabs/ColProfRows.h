@@ -1,8 +1,8 @@
 #pragma once
 
+#include "grid/ListRows.h"
 #include "report/FieldRecord.h"
 #include "settings/MetricDisplay.h"
-#include "tabs/ListRows.h"
 
 namespace tavix {
 

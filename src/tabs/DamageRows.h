@@ -1,7 +1,7 @@
 #pragma once
 
+#include "grid/ListRows.h"
 #include "report/ReportSelection.h"
-#include "tabs/ListRows.h"
 
 #include <string>
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "grid/ListRows.h"
 #include "report/DistributionShare.h"
 #include "report/FieldRecord.h"
 #include "tabs/Distribution.h"
-#include "tabs/ListRows.h"
 
 namespace tavix {
 

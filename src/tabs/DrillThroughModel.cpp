@@ -4,8 +4,8 @@
 #include "base/GenException.h"
 #include "base/NullText.h"
 #include "doc/CTavixDoc.h"
+#include "grid/ListRows.h"
 #include "report/CountText.h"
-#include "tabs/ListRows.h"
 
 #include <cstddef>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "grid/ListRows.h"
 #include "report/FieldRecord.h"
-#include "tabs/ListRows.h"
 
 namespace tavix {
 

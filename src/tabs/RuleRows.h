@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tabs/ListRows.h"
+#include "grid/ListRows.h"
 
 #include <locale>
 #include <string>

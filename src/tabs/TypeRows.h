@@ -1,7 +1,7 @@
 #pragma once
 
+#include "grid/ListRows.h"
 #include "report/FieldBreakdown.h"
-#include "tabs/ListRows.h"
 
 #include <optional>
 #include <string>

@@ -114,6 +114,8 @@ QColor colorOf(Role role, const QPalette& palette) {
         return tint::accent(palette);
     case Role::Fence:
         return tint::accentWarm(palette);
+    case Role::Alert:
+        return tint::alert(palette);
     case Role::Label:
         return mixed(base, text, dark ? 0.66 : 0.62);
     case Role::Text:

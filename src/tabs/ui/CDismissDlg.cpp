@@ -2,7 +2,7 @@
 
 #include "base/NoteText.h"
 #include "base/ui/QtText.h"
-#include "tabs/ui/QuietPalette.h"
+#include "base/ui/QuietPalette.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>

@@ -1,13 +1,13 @@
 #include "tabs/ui/CListTab.h"
 
 #include "base/ui/QtText.h"
+#include "base/ui/QuietPalette.h"
 #include "base/ui/Theme.h"
 #include "doc/CTavixDoc.h"
 #include "grid/ui/CUGCtrl.h"
 #include "settings/Settings.h"
 #include "tabs/ui/PicturePane.h"
 #include "tabs/ui/PictureSplit.h"
-#include "tabs/ui/QuietPalette.h"
 
 #include <QAbstractButton>
 #include <QEvent>

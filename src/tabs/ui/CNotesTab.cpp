@@ -3,6 +3,7 @@
 #include "access/PrViewer.h"
 #include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
+#include "base/ui/QuietPalette.h"
 #include "base/ui/Theme.h"
 #include "doc/CTavixDoc.h"
 #include "grid/ui/CUGCtrl.h"
@@ -13,7 +14,6 @@
 #include "settings/Settings.h"
 #include "tabs/ui/NoNotesPage.h"
 #include "tabs/ui/NoteReadingPane.h"
-#include "tabs/ui/QuietPalette.h"
 
 #include <QAction>
 #include <QEvent>

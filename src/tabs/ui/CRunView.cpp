@@ -5,14 +5,14 @@
 #include "base/NumberText.h"
 #include "base/ui/ElidedLabel.h"
 #include "base/ui/QtText.h"
+#include "base/ui/QuietPalette.h"
 #include "doc/CTavixDoc.h"
+#include "grid/StoredColumns.h"
 #include "grid/ui/CUGCtrl.h"
 #include "settings/Settings.h"
-#include "tabs/StoredColumns.h"
 #include "tabs/ui/CSuggestDlg.h"
 #include "tabs/ui/LinkButton.h"
 #include "tabs/ui/OverviewCardButton.h"
-#include "tabs/ui/QuietPalette.h"
 
 #include <QEvent>
 #include <QGridLayout>

@@ -4,11 +4,11 @@
 #include "base/GenException.h"
 #include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
+#include "base/ui/QuietPalette.h"
 #include "doc/CTavixDoc.h"
 #include "doc/CViewSite.h"
 #include "drill/ui/ReadingProgress.h"
 #include "tabs/ui/LinkButton.h"
-#include "tabs/ui/QuietPalette.h"
 
 #include <QApplication>
 #include <QClipboard>

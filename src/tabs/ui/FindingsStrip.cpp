@@ -5,6 +5,7 @@
 #include "base/ui/ElidedLabel.h"
 #include "base/ui/NestedLoop.h"
 #include "base/ui/QtText.h"
+#include "base/ui/QuietPalette.h"
 #include "doc/CTavixDoc.h"
 #include "grid/ui/CUGCtrl.h"
 #include "grid/ui/Tints.h"
@@ -12,7 +13,6 @@
 #include "tabs/ui/CProfTab.h"
 #include "tabs/ui/FieldFilter.h"
 #include "tabs/ui/LinkButton.h"
-#include "tabs/ui/QuietPalette.h"
 
 #include <QAction>
 #include <QEvent>

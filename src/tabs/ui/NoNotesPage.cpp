@@ -1,6 +1,6 @@
 #include "tabs/ui/NoNotesPage.h"
 
-#include "tabs/ui/QuietPalette.h"
+#include "base/ui/QuietPalette.h"
 
 #include <QAction>
 #include <QEvent>

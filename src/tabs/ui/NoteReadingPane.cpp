@@ -1,6 +1,6 @@
 #include "tabs/ui/NoteReadingPane.h"
 
-#include "tabs/ui/QuietPalette.h"
+#include "base/ui/QuietPalette.h"
 
 #include <QEvent>
 #include <QLabel>

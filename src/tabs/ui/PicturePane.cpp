@@ -2,13 +2,13 @@
 
 #include "access/PrViewer.h"
 #include "base/ui/QtText.h"
+#include "base/ui/QuietPalette.h"
 #include "base/ui/Theme.h"
 #include "chart/ui/DrawingWidget.h"
 #include "doc/CTavixDoc.h"
 #include "tabs/PictureWidth.h"
 #include "tabs/ui/CProfTab.h"
 #include "tabs/ui/FieldFilter.h"
-#include "tabs/ui/QuietPalette.h"
 
 #include <QEvent>
 #include <QGridLayout>

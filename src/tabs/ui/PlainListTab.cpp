@@ -1,8 +1,8 @@
 #include "tabs/ui/PlainListTab.h"
 
+#include "alert/TableAlertRows.h"
 #include "tabs/ChartRows.h"
 #include "tabs/PkFkRows.h"
-#include "tabs/TableAlertRows.h"
 
 #include <utility>
 

@@ -1,9 +1,9 @@
 #include "tabs/ui/SearchLine.h"
 
 #include "base/ui/QtText.h"
+#include "base/ui/QuietPalette.h"
 #include "filter/QuickSearch.h"
 #include "grid/ui/Tints.h"
-#include "tabs/ui/QuietPalette.h"
 
 #include <QEvent>
 #include <QHBoxLayout>

@@ -2,13 +2,13 @@
 
 #include "access/PrViewer.h"
 #include "base/ui/QtText.h"
+#include "base/ui/QuietPalette.h"
 #include "doc/CTavixDoc.h"
 #include "grid/ui/CUGCtrl.h"
 #include "grid/ui/Tints.h"
 #include "tabs/ui/CProfTab.h"
 #include "tabs/ui/FieldFilter.h"
 #include "tabs/ui/LinkButton.h"
-#include "tabs/ui/QuietPalette.h"
 
 #include <QAction>
 #include <QEvent>

@@ -1,8 +1,8 @@
 #include "tabs/ui/ViewHeader.h"
 
 #include "base/ui/ElidedLabel.h"
+#include "base/ui/QuietPalette.h"
 #include "tabs/ui/LinkButton.h"
-#include "tabs/ui/QuietPalette.h"
 
 #include <QEvent>
 #include <QHBoxLayout>

@@ -1,10 +1,10 @@
-#include "tabs/TableAlertRows.h"
+#include "alert/TableAlertRows.h"
 
 #include "access/CursorText.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
 #include "base/GenException.h"
-#include "tabs/CAlertDisplayHelper.h"
+#include "report/CAlertDisplayHelper.h"
 
 namespace tavix {
 

@@ -1,9 +1,8 @@
-#include "tabs/ListRows.h"
+#include "grid/ListRows.h"
 
 #include "base/NullText.h"
 #include "base/NumberText.h"
 #include "grid/CellSort.h"
-#include "report/CountText.h"
 
 #include <algorithm>
 #include <numeric>
@@ -105,7 +104,7 @@ GridCell textCell(std::string_view text, CellAlignment alignment) {
 
 GridCell countCell(std::int64_t count) {
     GridCell cell = textCell(formatInteger(count), CellAlignment::Right);
-    if (std::string shown = groupedCount(count); shown != cell.text)
+    if (std::string shown = formatGrouped(count); shown != cell.text)
         cell.shown = std::move(shown);
     return cell;
 }
