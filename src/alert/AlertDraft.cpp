@@ -6,7 +6,7 @@
 #include "base/GenException.h"
 #include "base/Metrics.h"
 #include "base/NumberText.h"
-#include "chart/Scale.h"
+#include "report/AlertTexts.h"
 #include "report/CheckedCursor.h"
 #include "report/CountText.h"
 #include "report/ReportTables.h"
@@ -404,7 +404,7 @@ std::string AlertDraft::GetFigureText() const {
     if (m_runs.empty() || !m_runs.back().figure)
         return {};
     const double figure = *m_runs.back().figure;
-    return IsPercent() ? shareText(figure) : chart::shownNumber(figure);
+    return alertNumberText(figure, IsPercent());
 }
 
 std::string AlertDraft::LimitText(double value) const {
@@ -413,8 +413,8 @@ std::string AlertDraft::LimitText(double value) const {
 
 std::string AlertDraft::ProposalText(std::size_t proposal) const {
     const LimitProposal& one = m_proposals.at(proposal);
-    const std::string unit = IsPercent() || one.comparison == AlertComparison::ChangedByPercent ? " %" : "";
-    const auto limit = [&unit](double value) { return chart::shownNumber(value) + unit; };
+    const bool isPercent = IsPercent() || one.comparison == AlertComparison::ChangedByPercent;
+    const auto limit = [isPercent](double value) { return alertLimitText(value, isPercent); };
     const auto figures = std::ranges::count_if(m_runs, [](const BackTestRun& run) { return run.figure.has_value(); });
     return fmt::format("{}: raised in {} of {}, {}", conditionText(one, limit), one.raised, countOf(figures, "run"),
                        one.reason);

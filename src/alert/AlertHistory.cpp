@@ -25,7 +25,7 @@ std::string_view AlertHistory::WordOf(Kind kind) {
     return kWords[static_cast<std::size_t>(kind)];
 }
 
-Result<AlertHistory> AlertHistory::Read(PrViewer& viewer, const AlertState& alert) try {
+Result<AlertHistory> AlertHistory::Read(PrViewer& viewer, const AlertState& alert, const std::locale& locale) try {
     AlertHistory history;
     std::vector<Entry>& entries = history.m_entries;
     const ProfileCursorHandle notes = checked(viewer, viewer.getAlertNotes(alert.id));
@@ -43,8 +43,7 @@ Result<AlertHistory> AlertHistory::Read(PrViewer& viewer, const AlertState& aler
                            -1});
     }
     if (alert.mute)
-        entries.push_back(
-            {Kind::Mute, alert.mute->date, alert.mute->author, alertMuteText(alert, std::locale::classic()), -1});
+        entries.push_back({Kind::Mute, alert.mute->date, alert.mute->author, alertMuteText(alert, locale), -1});
     if (alert.isOfUser)
         entries.push_back({Kind::Made, alert.created, alert.author, alert.description, -1});
     // The cursors are in this order already; of one moment, the order above is kept.

@@ -26,7 +26,8 @@ class AlertHistory {
         int note = -1;    ///< its id
     };
 
-    [[nodiscard]] static Result<AlertHistory> Read(PrViewer& viewer, const AlertState& alert);
+    [[nodiscard]] static Result<AlertHistory> Read(PrViewer& viewer, const AlertState& alert,
+                                                   const std::locale& locale);
 
     [[nodiscard]] const std::vector<Entry>& GetEntries() const { return m_entries; }
     [[nodiscard]] bool CanDelete(std::size_t entry) const {

@@ -2,6 +2,7 @@
 
 #include "chart/Plot.h"
 #include "chart/Scale.h"
+#include "report/AlertTexts.h"
 #include "report/CountText.h"
 
 #include <fmt/format.h>
@@ -40,10 +41,6 @@ Area diamondAt(chart::Point at) {
 }
 
 } // namespace
-
-std::string alertNumber(double value, bool isPercent) {
-    return isPercent ? shareText(value) : shownNumber(value);
-}
 
 AlertPicture::AlertPicture(AlertBackTest test, std::optional<AlertRule> rule, bool isPercent, std::string figure)
     : m_test(std::move(test)), m_rule(rule), m_isPercent(isPercent), m_figure(std::move(figure)) {}
@@ -87,9 +84,9 @@ AlertPicture::Limits AlertPicture::LimitsOf(const BackTestRun& run) const {
 
 std::string AlertPicture::TextOf(const BackTestRun& run) const {
     std::string text = timeText(run.date) + ": ";
-    text += run.figure ? alertNumber(*run.figure, m_isPercent) : "no figure";
+    text += run.figure ? alertNumberText(*run.figure, m_isPercent) : "no figure";
     if (run.verdict.reference)
-        text += fmt::format(", compared with {}", alertNumber(*run.verdict.reference, m_isPercent));
+        text += fmt::format(", compared with {}", alertNumberText(*run.verdict.reference, m_isPercent));
     if (!m_rule)
         return text;
     switch (run.verdict.state) {
@@ -188,7 +185,7 @@ class AlertPicture::Painter {
             m_drawing.shapes.emplace_back(Line{{m_plot.left(), y}, {m_plot.right(), y}, Role::Alert, 1.5, true});
         const bool isAtTop = y - m_canvas.lineHeight < m_plot.top();
         const std::string text =
-            fmt::format("{} {}{}", isBeyond ? "limit beyond:" : "limit", alertNumber(limit, m_picture.m_isPercent),
+            fmt::format("{} {}{}", isBeyond ? "limit beyond:" : "limit", alertLimitText(limit, m_picture.m_isPercent),
                         !isBeyond   ? ""
                         : exact < y ? " ↑"
                                     : " ↓");

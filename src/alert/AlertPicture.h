@@ -9,9 +9,6 @@
 
 namespace tavix {
 
-/// "3,376" or "0.36 %".
-[[nodiscard]] std::string alertNumber(double value, bool isPercent);
-
 /// A figure over the stored runs as a line, with the limits of an alert and marks at the runs that raise it. The limits
 /// of a change move with its reference.
 class AlertPicture final : public chart::Picture {

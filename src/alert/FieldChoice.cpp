@@ -1,10 +1,10 @@
 #include "alert/FieldChoice.h"
 
 #include "access/PrViewer.h"
-#include "alert/AlertPicture.h"
 #include "base/GenException.h"
 #include "base/Metrics.h"
 #include "base/NumberText.h"
+#include "report/AlertTexts.h"
 #include "report/CountText.h"
 #include "report/ReportTables.h"
 
@@ -39,7 +39,7 @@ Result<FieldChoice> FieldChoice::Read(PrViewer& viewer, const AlertState& alert)
             field.canHave = false;
             field.remark = "has the same alert";
         } else if (figure) {
-            field.remark = alertNumber(*figure, metric && metric->value == MetricValue::Percent);
+            field.remark = alertNumberText(*figure, metric && metric->value == MetricValue::Percent);
         } else {
             field.remark = "no such number in this run";
         }

@@ -3,8 +3,8 @@
 #include "access/CursorText.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
-#include "alert/CAlertDisplayHelper.h"
 #include "base/GenException.h"
+#include "report/CAlertDisplayHelper.h"
 
 namespace tavix {
 

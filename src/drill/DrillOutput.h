@@ -1,7 +1,6 @@
 #pragma once
 
 #include "base/Messages.h"
-#include "base/Result.h"
 #include "base/SettingsStore.h"
 #include "drill/CDrillThruDataSrc.h"
 
@@ -26,8 +25,5 @@ inline constexpr std::string_view kDrillFileExtension = "txt";
 /// has said why.
 bool saveDrillRows(const CDrillThruDataSrc& source, const std::string& path, std::string_view context,
                    Messages& messages);
-
-/// Copies the file `made` to `path`, which is replaced as a whole or, on failure, left unchanged.
-Status saveMadeFile(const std::string& made, const std::string& path);
 
 } // namespace tavix

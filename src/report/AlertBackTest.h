@@ -40,13 +40,14 @@ struct LimitProposal {
     double value1 = 0;
     double value2 = 0;  ///< of a range
     int raised = 0;     ///< how many of the runs it would have raised
-    std::string reason; ///< "above the 99th percentile of 24 runs"
+    std::string reason; ///< "above all 24 runs", "above the 95th percentile of 24 runs"
 
     bool operator==(const LimitProposal&) const = default;
 };
 
-/// From the percentiles of the figures, or of their changes; none for fewer than five runs. Numbers are rounded
-/// outwards to three significant digits, whole figures to whole numbers.
+/// Limits that none or few of the runs would have passed: of the figures, or of their changes if the rule is one. None
+/// for fewer than five runs; the first are those of the rule's own comparison. Numbers are rounded outwards to two
+/// digits of the spread of the history, those of whole figures to whole numbers.
 [[nodiscard]] std::vector<LimitProposal> proposeLimits(const AlertRule& rule, const std::vector<BackTestRun>& runs);
 
 } // namespace tavix

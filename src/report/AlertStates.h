@@ -44,7 +44,7 @@ struct AlertState {
     std::string key;      ///< of the custom metric or rule
     std::string table;    ///< as shown
     AlertSubject subject = AlertSubject::StandardMetric;
-    std::string input; ///< the field, or the name of the custom metric or rule
+    std::string input; ///< the field, or the name of the custom metric or rule, by CAlertDisplayHelper
     bool isOfRecords =
         false;          ///< it watches the number of records of the table, which is stored as the Count of that field
     std::string metric; ///< the name of the metric or of the custom metric's value; empty for a rule
@@ -87,6 +87,8 @@ struct AlertState {
 
 /// The alerts of all jobs: those of the current job judged for the current run, others for the latest run of their job.
 [[nodiscard]] std::vector<AlertState> readAllAlertStates(PrViewer& viewer);
+/// The same. If the repository fails, `states` has the alerts that were read so far, perhaps not yet judged.
+void readAllAlertStates(PrViewer& viewer, std::vector<AlertState>& states);
 
 /// Raised ones first, errors before warnings, then in the order of AlertShown; otherwise the order is kept.
 void orderAlerts(std::vector<AlertState>& alerts);

@@ -246,7 +246,7 @@ void AlertActions::ShowNotes(const AlertTarget& target) {
     const std::shared_ptr<PrViewer> session = document.GetSession();
     Messages& messages = document.GetMessages();
     const AlertState& alert = target.alerts.front();
-    Result<AlertHistory> history = AlertHistory::Read(*session, alert);
+    Result<AlertHistory> history = AlertHistory::Read(*session, alert, userLocale());
     if (!history)
         return messages.warn("Error occurred while retrieving the history of the alert:\n\n" + history.error().text);
     const QPointer<AlertActions> self(this);

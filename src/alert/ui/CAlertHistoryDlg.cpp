@@ -150,7 +150,7 @@ void CAlertHistoryDlg::DeleteNote() {
 
 void CAlertHistoryDlg::ReadAgain() {
     m_hasChanged = true;
-    Result<AlertHistory> read = AlertHistory::Read(*m_session, m_alert);
+    Result<AlertHistory> read = AlertHistory::Read(*m_session, m_alert, userLocale());
     if (!read)
         return m_messages.warn("Error occurred while retrieving the history of the alert:\n\n" + read.error().text);
     m_history = std::move(*read);

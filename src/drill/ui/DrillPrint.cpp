@@ -2,14 +2,12 @@
 
 #include "base/ui/QtText.h"
 #include "drill/CDrillThruDataSrc.h"
-#include "drill/DrillOutput.h"
 #include "drill/DrillTexts.h"
+#include "drill/ui/PrintWhole.h"
 
-#include <QFile>
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QPrinter>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <vector>
@@ -156,32 +154,12 @@ class TablePrint {
     int m_pages = 1;
 };
 
-Status cannotStart() {
-    return Error{"The printer cannot be started."};
-}
-
-/// Qt truncates the output file at once and does not report a failed write, so the end of the file is checked.
-bool endsAsPdf(const QString& path) {
-    constexpr qint64 kTail = 32;
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) && file.seek(std::max<qint64>(0, file.size() - kTail)) &&
-           file.readAll().trimmed().endsWith("%%EOF");
-}
-
 } // namespace
 
 Status printDrillRows(const CDrillThruDataSrc& source, const QString& subject, const QFont& font, QPrinter& printer) {
-    const QString path = printer.outputFileName();
-    if (path.isEmpty())
-        return TablePrint(source, subject, font, printer).print() ? Status() : cannotStart();
-    const QTemporaryDir folder;
-    const QString made = folder.filePath(QStringLiteral("rows.pdf"));
-    printer.setOutputFileName(made);
-    if (!folder.isValid() || !TablePrint(source, subject, font, printer).print())
-        return cannotStart();
-    if (!endsAsPdf(made))
-        return Error{"The pages cannot be written into the folder of temporary files " + toUtf8(folder.path())};
-    return saveMadeFile(QFile::encodeName(made).toStdString(), QFile::encodeName(path).toStdString());
+    return printWhole(
+        printer, [&](QPrinter& to) { return TablePrint(source, subject, font, to).print(); },
+        "The printer cannot be started.");
 }
 
 } // namespace tavix

@@ -99,12 +99,16 @@ TEST_F(AlertStatesOfSample, EachRunIsCheckedByItsOwnFigure) {
 
 TEST_F(AlertStatesOfSample, AChangeIsMeasuredAgainstTheRunsBefore) {
     alert("name", MetricId::NullCount, "COMPARE=5 VALUE1=1 RUNS=2");
-    EXPECT_THAT(statesOf(m_sample.salesRuns[0]),
-                ElementsAre("Null Count for field name has changed by more than 1: unknown 230, - before"));
-    EXPECT_THAT(statesOf(m_sample.salesRuns[1]),
-                ElementsAre("Null Count for field name has changed by more than 1: quiet 229, 230 before"));
-    EXPECT_THAT(statesOf(m_sample.salesRuns[2]),
-                ElementsAre("Null Count for field name has changed by more than 1: raised 228, 229.5 before"));
+    EXPECT_THAT(
+        statesOf(m_sample.salesRuns[0]),
+        ElementsAre(
+            "Null Count for field name has changed by more than 1 against the mean of 2 runs: unknown 230, - before"));
+    EXPECT_THAT(
+        statesOf(m_sample.salesRuns[1]),
+        ElementsAre(
+            "Null Count for field name has changed by more than 1 against the mean of 2 runs: quiet 229, 230 before"));
+    EXPECT_THAT(statesOf(m_sample.salesRuns[2]), ElementsAre("Null Count for field name has changed by more than 1 "
+                                                             "against the mean of 2 runs: raised 228, 229.5 before"));
 }
 
 // Four runs without the figure lie between the two that have it.

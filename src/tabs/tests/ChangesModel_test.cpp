@@ -1,9 +1,9 @@
 #include "access/PrViewDisplayMessage.h"
 #include "report/FieldRecords.h"
 #include "report/ReportTables.h"
+#include "support/RowsText.h"
 #include "support/RunScript.h"
 #include "tabs/ChangesModel.h"
-#include "tabs/tests/RowsText.h"
 #include "tabs/tests/SampleDocument.h"
 
 #include <gmock/gmock.h>

@@ -1,9 +1,9 @@
 #include "base/GenException.h"
+#include "support/RowsText.h"
 #include "support/RunScript.h"
 #include "support/SampleViewer.h"
 #include "tabs/FreqDistRows.h"
 #include "tabs/PatternDistRows.h"
-#include "tabs/tests/RowsText.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,5 @@
 #include "report/ReportTables.h"
+#include "support/RowsText.h"
 #include "support/RunScript.h"
 #include "support/SampleFits.h"
 #include "support/SampleViewer.h"
@@ -7,7 +8,6 @@
 #include "tabs/PercentileRows.h"
 #include "tabs/PkFkRows.h"
 #include "tabs/SubjectText.h"
-#include "tabs/tests/RowsText.h"
 
 #include <gmock/gmock.h>
 

@@ -1,8 +1,8 @@
 #include "report/ReportTables.h"
+#include "support/RowsText.h"
 #include "support/RunScript.h"
 #include "support/SampleViewer.h"
 #include "tabs/FindingsModel.h"
-#include "tabs/tests/RowsText.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

@@ -4,9 +4,9 @@
 #include "report/FieldRecords.h"
 #include "settings/Settings.h"
 #include "support/LongList.h"
+#include "support/RowsText.h"
 #include "tabs/DistributionRows.h"
 #include "tabs/FreqDistModel.h"
-#include "tabs/tests/RowsText.h"
 #include "tabs/tests/SampleDocument.h"
 
 #include <gmock/gmock.h>

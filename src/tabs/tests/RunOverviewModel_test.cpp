@@ -1,7 +1,7 @@
+#include "support/RowsText.h"
 #include "support/SampleRules.h"
 #include "support/SampleViewer.h"
 #include "tabs/RunOverviewModel.h"
-#include "tabs/tests/RowsText.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

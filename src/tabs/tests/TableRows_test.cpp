@@ -1,11 +1,11 @@
-#include "alert/CAlertDisplayHelper.h"
 #include "alert/TableAlertRows.h"
+#include "report/CAlertDisplayHelper.h"
+#include "support/RowsText.h"
 #include "support/RunScript.h"
 #include "support/SampleRules.h"
 #include "support/SampleViewer.h"
 #include "tabs/ChartRows.h"
 #include "tabs/RuleRows.h"
-#include "tabs/tests/RowsText.h"
 
 #include <gmock/gmock.h>
 

@@ -1,9 +1,9 @@
 #include "report/ReportTables.h"
+#include "support/RowsText.h"
 #include "support/RunScript.h"
 #include "support/SampleFits.h"
 #include "support/SampleViewer.h"
 #include "tabs/TypesModel.h"
-#include "tabs/tests/RowsText.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

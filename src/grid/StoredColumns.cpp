@@ -1,4 +1,4 @@
-#include "tabs/StoredColumns.h"
+#include "grid/StoredColumns.h"
 
 #include "base/Ascii.h"
 #include "base/NumberText.h"

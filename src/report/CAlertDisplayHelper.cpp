@@ -1,4 +1,4 @@
-#include "alert/CAlertDisplayHelper.h"
+#include "report/CAlertDisplayHelper.h"
 
 #include "access/Layouts.h"
 #include "access/ProfileCursor.h"
