@@ -30,13 +30,13 @@ Result<AlertHistory> AlertHistory::Read(PrViewer& viewer, const AlertState& aler
     std::vector<Entry>& entries = history.m_entries;
     const ProfileCursorHandle notes = checked(viewer, viewer.getAlertNotes(alert.id));
     while (notes->next())
-        entries.push_back({Kind::Note, notes->getColumnDateTime(layout::AlertNoteDate),
+        entries.push_back({Kind::Note, notes->getColumnDouble(layout::AlertNoteDate),
                            textAt(*notes, layout::AlertNoteUser), textAt(*notes, layout::AlertNoteText),
                            notes->getColumnInt(layout::AlertNoteId)});
     const ProfileCursorHandle changes = checked(viewer, viewer.getAlertChanges(alert.id));
     while (changes->next()) {
         std::string author = textAt(*changes, layout::AlertChangeAuthor);
-        entries.push_back({Kind::Change, changes->getColumnDateTime(layout::AlertChangeDate),
+        entries.push_back({Kind::Change, changes->getColumnDouble(layout::AlertChangeDate),
                            author.empty() ? std::string(kJob) : std::move(author),
                            fmt::format("{}\nbefore: {}", textAt(*changes, layout::AlertChangeAfter),
                                        textAt(*changes, layout::AlertChangeBefore)),
