@@ -333,7 +333,7 @@ TEST_F(TavixDocTest, AlertsAreJudgedOnceForARunUntilTheyMayHaveChanged) {
     EXPECT_THAT(m_doc.GetAlerts(), IsEmpty()) << "no report";
     open();
     const auto alertAbove = [&](double limit) {
-        addAlert(m_sample, "customers/name", MetricId::NullCount, {.value1 = limit});
+        testing::addAlert(m_sample, "customers/name", MetricId::NullCount, {.value1 = limit});
     };
     const auto figures = [&] {
         std::vector<std::string> lines;

@@ -1,5 +1,6 @@
 #include "tabs/ui/CTabBusRule.h"
 
+#include "alert/ui/AlertActions.h"
 #include "base/LibraryDate.h"
 #include "base/ui/QtText.h"
 #include "doc/CTavixDoc.h"
@@ -44,6 +45,7 @@ CTabBusRule::CTabBusRule(CViewSite& site, const ReportSubject& subject, bool isT
     Grid().addAction(m_drillThrough);
     connect(m_drillThrough, &QAction::triggered, this, &CTabBusRule::OnDrillThrough);
     connect(&Grid(), &CUGCtrl::RowActivated, this, &CTabBusRule::OnDrillThrough);
+    (new AlertActions(site, Grid(), [this] { return CurrentFigure(); }))->AddMenuToList();
     auto* suggest = new QAction(tr("&Suggest Rules..."), this);
     Grid().addAction(suggest);
     connect(suggest, &QAction::triggered, this, &CTabBusRule::Suggest);
@@ -75,6 +77,19 @@ void CTabBusRule::PrepareFill() {
 
 void CTabBusRule::SelectRule(int ruleId) {
     Grid().SelectRow(m_rows.FindRule(ruleId));
+}
+
+AlertTarget CTabBusRule::CurrentFigure() const {
+    AlertTarget target;
+    const std::int64_t row = Grid().GetCurrentRow();
+    if (row < 0 || row >= m_rows.GetRowCount())
+        return target;
+    target.figure.emplace();
+    target.figure->table = Subject().table.id;
+    target.figure->subject = AlertSubject::BusinessRule;
+    target.figure->watched = m_rows.GetRule(row).id;
+    target.alerts = m_rows.GetAlerts(row);
+    return target;
 }
 
 std::string CTabBusRule::GetObstacle() const {
