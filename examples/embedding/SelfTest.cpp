@@ -22,9 +22,9 @@ constexpr int kNoJob = 123456;
 constexpr int kWarmUpRounds = 30;
 // A window of the viewer costs megabytes; one kept a round would show after a few rounds.
 #ifdef __SANITIZE_ADDRESS__
-constexpr long kGrowthAllowedKilobytes = 16 * 1024; // the sanitizer keeps books of its own, and finds leaks itself
+constexpr long kGrowthAllowedKilobytes = 16L * 1024; // the sanitizer keeps books of its own, and finds leaks itself
 #else
-constexpr long kGrowthAllowedKilobytes = 4 * 1024;
+constexpr long kGrowthAllowedKilobytes = 4L * 1024;
 #endif
 
 int xErrors = 0;

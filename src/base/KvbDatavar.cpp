@@ -40,9 +40,9 @@ std::int64_t KvbDatavar::toInt64() const {
 }
 
 int KvbDatavar::toInt() const {
-    constexpr std::int64_t low = std::numeric_limits<int>::min();
-    constexpr std::int64_t high = std::numeric_limits<int>::max();
-    return static_cast<int>(std::clamp(toInt64(), low, high));
+    constexpr std::int64_t kLow = std::numeric_limits<int>::min();
+    constexpr std::int64_t kHigh = std::numeric_limits<int>::max();
+    return static_cast<int>(std::clamp(toInt64(), kLow, kHigh));
 }
 
 double KvbDatavar::toDouble() const {

@@ -154,6 +154,7 @@ void CTavixDoc::Clear() {
     m_filter = {};
     m_fieldFilters.Clear();
     m_collections.clear();
+    ForgetAlerts();
 }
 
 bool CTavixDoc::SetCurrentJob(int runId) {
@@ -176,6 +177,7 @@ void CTavixDoc::EnterRun(int runId) {
     m_currentRun = runId;
     m_filter = {};
     m_collections.clear();
+    ForgetAlerts();
     RefreshRunCount();
     ReloadTaskList();
     {
@@ -312,6 +314,42 @@ const std::vector<std::string>& CTavixDoc::GetCollectionsOfField(int tableId, in
     const CollectionsByField& collections = GetCollectionsOfTable(tableId);
     const auto found = collections.find(fieldId);
     return found == collections.end() ? kNone : found->second;
+}
+
+const std::vector<AlertState>& CTavixDoc::GetAlerts() {
+    if (!m_alerts)
+        ReadAlerts();
+    return *m_alerts;
+}
+
+const std::string& CTavixDoc::GetAlertsError() {
+    if (!m_alerts)
+        ReadAlerts();
+    return m_alertsError;
+}
+
+// A failure is kept like the alerts: panes ask often, and each of them says in its own words that the alerts are
+// missing.
+void CTavixDoc::ReadAlerts() {
+    m_alerts.emplace();
+    m_alertsError.clear();
+    if (!m_viewer)
+        return;
+    const auto failure = failureOf(*m_viewer, [&] {
+        m_alerts = readAlertStates(*m_viewer, m_jobId);
+        return true;
+    });
+    m_alertsError = failure.value_or(std::string());
+}
+
+void CTavixDoc::ForgetAlerts() {
+    m_alerts.reset();
+    m_alertsError.clear();
+}
+
+void CTavixDoc::Notice(RefreshHint hint) {
+    if (hint == RefreshHint::RunLoaded || hint == RefreshHint::HistoryDeleted || hint == RefreshHint::AlertsChanged)
+        ForgetAlerts();
 }
 
 void CTavixDoc::CollectionsRefreshed() {

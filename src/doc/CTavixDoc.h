@@ -8,6 +8,7 @@
 #include "doc/FieldFilters.h"
 #include "doc/ItemCode.h"
 #include "doc/SourceLogins.h"
+#include "report/AlertStates.h"
 #include "report/ReportSelection.h"
 #include "report/RunInfo.h"
 #include "settings/MetricDisplay.h"
@@ -140,6 +141,13 @@ class CTavixDoc {
     /// The same for the collections page.
     [[nodiscard]] int GetCollectionTab(ReportPaneKind view) const { return TabOf(view, NavigatorPage::Collections); }
     void SetTab(ReportPaneKind view, NavigatorPage mode, int tabIndex) { m_tabs[{view, mode}] = tabIndex; }
+    /// The alerts of the report, judged for the current run, as readAlertStates() orders them. They are read when they
+    /// are first asked for and kept until they may have changed. None without a report, or if they cannot be read.
+    [[nodiscard]] const std::vector<AlertState>& GetAlerts();
+    /// Why GetAlerts() could not read the alerts; "" if it could.
+    [[nodiscard]] const std::string& GetAlertsError();
+    /// To be called before `hint` is passed on to the panes, so that none of them reads what it makes stale.
+    void Notice(RefreshHint hint);
     /// The user's logins to the databases that drill-through reads; forgotten when the report is closed.
     [[nodiscard]] SourceLogins& GetSourceLogins() { return m_logins; }
     /// Warns the user when a quick check finds the current run damaged. To be called when the report is shown.
@@ -161,6 +169,8 @@ class CTavixDoc {
     void ReloadTaskList();
     void RefreshRunCount();
     void EnterRun(int runId);
+    void ReadAlerts();
+    void ForgetAlerts();
 
     DocumentFrame& m_frame;
     SettingsStore& m_settings;
@@ -179,6 +189,8 @@ class CTavixDoc {
     ReportFilterState m_filter;
     FieldFilters m_fieldFilters;
     ComparedRuns m_compared;
+    std::optional<std::vector<AlertState>> m_alerts; ///< nothing until they are asked for
+    std::string m_alertsError;
     std::map<std::pair<ReportPaneKind, NavigatorPage>, int> m_tabs; ///< the tab that was open last
     std::map<int, CollectionsByField> m_collections;                ///< by table id
 };

@@ -82,9 +82,13 @@ void DrillRows::finish() {
     m_places.shrink_to_fit();
 }
 
-DrillRows::Cell DrillRows::cell(int column, std::uint32_t row) const {
+const char* DrillRows::placeBefore(std::uint32_t row) const {
     const Place& place = m_places[row / m_stride];
-    const char* at = m_chunks[place.chunk].data() + place.offset;
+    return m_chunks[place.chunk].data() + place.offset;
+}
+
+DrillRows::Cell DrillRows::cell(int column, std::uint32_t row) const {
+    const char* at = placeBefore(row);
     std::size_t cells = (row % m_stride) * m_columns.size() + static_cast<std::size_t>(column);
     for (; cells > 0; --cells) {
         if (const std::size_t length = takeLength(at); length > 1)
@@ -96,10 +100,12 @@ DrillRows::Cell DrillRows::cell(int column, std::uint32_t row) const {
 
 void DrillRows::texts(int column, std::uint32_t first, std::span<std::string_view> texts) const {
     const auto wanted = static_cast<std::size_t>(column);
-    const char* at = nullptr;
+    if (texts.empty())
+        return;
+    const char* at = placeBefore(first);
     for (std::uint32_t row = first - first % m_stride; row < first + texts.size(); ++row) {
         if (row % m_stride == 0)
-            at = m_chunks[m_places[row / m_stride].chunk].data() + m_places[row / m_stride].offset;
+            at = placeBefore(row);
         for (std::size_t i = 0; i < m_columns.size(); ++i) {
             const std::size_t length = std::max<std::size_t>(1, takeLength(at)) - 1;
             if (i == wanted && row >= first)

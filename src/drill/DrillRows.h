@@ -59,6 +59,8 @@ class DrillRows {
     };
     void beginRow();
     void shrink();
+    /// The beginning of the latest row with an offset that is not after this one.
+    [[nodiscard]] const char* placeBefore(std::uint32_t row) const;
 
     std::vector<DrillColumn> m_columns;
     std::uint32_t m_stride; ///< rows per offset; a chunk never ends between them

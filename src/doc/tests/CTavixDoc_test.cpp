@@ -1,4 +1,5 @@
 #include "base/GenException.h"
+#include "base/NumberText.h"
 #include "base/tests/ScriptedMessages.h"
 #include "base/tests/TempFolder.h"
 #include "doc/CTavixDoc.h"
@@ -14,6 +15,7 @@ namespace tavix {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 /// Records the document's calls to frame and task list, one line each.
@@ -324,6 +326,42 @@ TEST_F(TavixDocTest, CollectionsOfATableAreKeptUntilTheyChange) {
     damage("UPDATE collection SET name = 'Renamed again' WHERE name = 'Renamed'");
     ASSERT_TRUE(m_doc.SetCurrentJob(m_sample.salesRuns[0]));
     EXPECT_THAT(m_doc.GetCollectionsOfField(table, field), ElementsAre("Renamed again")) << "another run, a new query";
+}
+
+TEST_F(TavixDocTest, AlertsAreJudgedOnceForARunUntilTheyMayHaveChanged) {
+    EXPECT_THAT(m_doc.GetAlerts(), IsEmpty()) << "no report";
+    open();
+    const auto alertAbove = [&](const std::string& limit) {
+        damage("INSERT INTO alert(table_id, field, metric, type_code) SELECT table_id, id, 2, 'SM' FROM field WHERE id "
+               "= " +
+               std::to_string(m_sample.fields.at("customers/name")) +
+               "; INSERT INTO alert_property SELECT MAX(a.id), p.column1, p.column2, p.column3 FROM alert a, (VALUES "
+               "(0, 'METRIC', '2'), (1, 'COMPARE', '0'), (2, 'VALUE1', '" +
+               limit + "'), (3, 'JOB', '" + std::to_string(m_sample.salesJob) + "')) p GROUP BY 2, 3, 4");
+    };
+    const auto figures = [&] {
+        std::vector<std::string> lines;
+        for (const AlertState& alert : m_doc.GetAlerts())
+            lines.push_back(std::string(alertShownWord(alert.shown())) + " " + formatReal(alert.figure.value_or(-1)));
+        return lines;
+    };
+    alertAbove("228");
+    EXPECT_THAT(figures(), ElementsAre("quiet 228"));
+    alertAbove("229");
+    EXPECT_THAT(figures(), ElementsAre("quiet 228")) << "no second query";
+    m_doc.Notice(RefreshHint::OptionsChanged);
+    EXPECT_THAT(figures(), ElementsAre("quiet 228"));
+    m_doc.Notice(RefreshHint::AlertsChanged);
+    EXPECT_THAT(figures(), ElementsAre("quiet 228", "quiet 228"));
+    ASSERT_TRUE(m_doc.SetCurrentJob(m_sample.salesRuns[0]));
+    EXPECT_THAT(figures(), ElementsAre("raised 230", "raised 230"));
+
+    damage("ALTER TABLE alert RENAME TO gone");
+    m_doc.Notice(RefreshHint::HistoryDeleted);
+    EXPECT_THAT(m_doc.GetAlerts(), IsEmpty());
+    EXPECT_THAT(m_doc.GetAlertsError(), HasSubstr("alert"));
+    m_doc.Clear();
+    EXPECT_EQ("", m_doc.GetAlertsError());
 }
 
 } // namespace

@@ -33,6 +33,7 @@ class TestSite final : public CViewSite, public DocumentFrame {
     [[nodiscard]] std::string GetDetailsText(const ReportSelection&) override { return {}; }
     void Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) override {
         sent.push_back(hint);
+        document.Notice(hint);
         for (CRefreshItem* item : listeners)
             item->Refresh(sender, hint, parameter);
     }

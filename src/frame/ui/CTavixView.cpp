@@ -176,6 +176,7 @@ void CTavixView::TellRunsChanged() {
 }
 
 void CTavixView::Broadcast(CRefreshItem* sender, RefreshHint hint, int parameter) {
+    m_document->Notice(hint);
     refreshPanes(RefreshOrder(), sender, hint, parameter, m_loading);
     if (m_loading)
         ShowReportPane();
