@@ -37,12 +37,11 @@ std::string percentText(double value) {
 }
 
 std::string figureText(const AlertState& alert, double value) {
-    return isPercent(alert) ? percentText(value) : numberText(value);
+    return alertNumberText(value, isPercent(alert));
 }
 
-/// As the user wrote it.
 std::string limitText(const AlertState& alert, double limit) {
-    return isPercent(alert) ? formatReadable(limit) + " %" : numberText(limit);
+    return alertLimitText(limit, isPercent(alert));
 }
 
 /// "run before", "mean of 3 runs".
@@ -74,6 +73,14 @@ std::string alertPath(const AlertState& alert) {
                 path += "." + *part;
     }
     return path + "." + (alert.objectName.empty() ? alert.tableName : alert.objectName);
+}
+
+std::string alertNumberText(double figure, bool isPercent) {
+    return isPercent ? percentText(figure) : numberText(figure);
+}
+
+std::string alertLimitText(double limit, bool isPercent) {
+    return isPercent ? formatReadable(limit) + " %" : numberText(limit);
 }
 
 std::string alertLevelText(const AlertState& alert) {

@@ -11,6 +11,10 @@ namespace tavix {
 /// "Sales.north.public.orders": the data source; catalog and schema where they are not empty, unless the table has an
 /// object name; and the object or table name.
 [[nodiscard]] std::string alertPath(const AlertState& alert);
+/// A figure: "3,376", or of a percentage "0.36 %".
+[[nodiscard]] std::string alertNumberText(double figure, bool isPercent);
+/// A limit, as exact as the user wrote it.
+[[nodiscard]] std::string alertLimitText(double limit, bool isPercent);
 /// "error" or "warning"; empty without a rule.
 [[nodiscard]] std::string alertLevelText(const AlertState& alert);
 /// "3,376" or "0.36 %"; empty if the run does not have the figure.

@@ -495,10 +495,10 @@ CREATE TABLE alert (
     type_code TEXT NOT NULL CHECK (type_code IN ('SM', 'CM', 'BR')),
     watched_key TEXT NOT NULL DEFAULT '',
     job INTEGER REFERENCES job(id),
-    of_records INTEGER NOT NULL CHECK (of_records IN (0, 1)),
-    position INTEGER NOT NULL,
-    origin TEXT NOT NULL CHECK (origin IN ('J', 'U')),
-    author TEXT NOT NULL,
+    of_records INTEGER NOT NULL DEFAULT 0 CHECK (of_records IN (0, 1)),
+    position INTEGER NOT NULL DEFAULT 0,
+    origin TEXT NOT NULL DEFAULT 'J' CHECK (origin IN ('J', 'U')),
+    author TEXT NOT NULL DEFAULT '',
     created INTEGER
 ) STRICT;
 CREATE INDEX alert_by_job ON alert(job);

@@ -6,7 +6,6 @@
 
 #include <functional>
 #include <map>
-#include <vector>
 
 class QAction;
 class QMenu;
@@ -21,28 +20,40 @@ class CViewSite;
 class AlertActions final : public QObject {
     Q_OBJECT
   public:
-    /// `target` says what the user points at when an action is used. `list` is the parent of the actions and of the
-    /// dialogs; `site` must outlive the object.
+    /// `target` says what the user points at. It is asked when the list's context menu opens and when a key of an
+    /// action is pressed. `list` is the parent of this object, of the actions and of the dialogs; `site` must outlive
+    /// it.
     AlertActions(CViewSite& site, QWidget& list, std::function<AlertTarget()> target);
+    ~AlertActions() override;
 
-    /// For a list of figures: a submenu "Alerts" with the commands for the figure and for each alert that watches it.
-    /// It looks at the target whenever it opens. Insert adds an alert. Add it to the list's actions.
-    [[nodiscard]] QAction* MakeMenuAction();
-    /// For a list of alerts: an action for each command, with the keys Insert, F2, Delete and Ctrl+M to mute. Adds them
-    /// to the list; call Update() when the selection has changed.
+    /// For a list of figures: adds "Add Alert..." (Insert) and a submenu "Alerts" with the commands for each alert that
+    /// watches the figure to the list's actions.
+    void AddMenuToList();
+    /// For a list of alerts: adds an action for each command, with the keys Insert, F2, Delete and Ctrl+M to mute.
     void AddToList(bool canAdd);
-    /// Enables and names the actions for the target.
+    /// Enables and names the actions for the target. Needed only where they are seen outside of the context menu, such
+    /// as on buttons.
     void Update();
     /// Runs a command, for example when Enter is pressed on an alert. Does nothing where it is disabled.
     void Run(AlertCommand command);
     void Run(AlertCommand command, const AlertTarget& target);
-    /// The action of AddToList(), for buttons; null for Add if the list does not offer it.
+    /// The list's action for the command; null if it has none.
     [[nodiscard]] QAction* ActionOf(AlertCommand command) const;
 
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
-    void FillMenu();
-    void AddEntry(QMenu& menu, AlertCommand command, const AlertTarget& target);
-    void Show(QAction& action, AlertCommand command, const AlertTarget& target) const;
+    QAction* MakeAction(AlertCommand command);
+    void FillMenu(const AlertTarget& target);
+    void AddEntries(QMenu& menu, const AlertTarget& target);
+    void ShowIn(QAction& action, AlertCommand command, const AlertTarget& target) const;
+
+    void EditAlert(AlertCommand command, const AlertTarget& target);
+    void Mute(const AlertTarget& target);
+    void ShowNotes(const AlertTarget& target);
+    void CopyToFields(const AlertTarget& target);
+    /// To be called last: the list may be gone afterwards.
     void Changed();
 
     CViewSite& m_site;
