@@ -17,19 +17,15 @@ class TableRows : public testing::SampleViewer {
   protected:
     void SetUp() override {
         SampleViewer::SetUp();
-        m_customers.id = m_sample.tables.at("customers");
-        m_customers.dataSource = "Warehouse";
-        m_customers.catalog = "crm";
-        m_customers.schema = "public";
-        m_customers.name = "customers";
+        m_customers = m_sample.tables.at("customers");
     }
 
-    TableIdentity m_customers;
+    int m_customers = -1;
 };
 
 TEST_F(TableRows, VisualizationsOfATable) {
     ChartRows rows;
-    ASSERT_TRUE(rows.Fill(*m_viewer, m_customers.id));
+    ASSERT_TRUE(rows.Fill(*m_viewer, m_customers));
     EXPECT_EQ("Name:180|Description:360", headingsOf(rows));
     EXPECT_THAT(linesOf(rows), ElementsAre("Nulls|Null counts of all fields"));
     EXPECT_EQ("", rows.GetEmptyText());
@@ -43,14 +39,14 @@ TEST_F(TableRows, RulesAndMetricsShowWhatTheRunCounted) {
     testing::runScript(m_sample.path, "UPDATE run_rule SET checked_rows = 600, error_rows = 7 WHERE rule = 21;"
                                       "UPDATE run_custom_metric SET used_rows = 990, error_rows = 3 WHERE metric = 11");
     BusinessRuleRows rules;
-    ASSERT_TRUE(rules.Fill(*m_viewer, m_customers.id)) << rules.GetErrorText();
+    ASSERT_TRUE(rules.Fill(*m_viewer, m_customers)) << rules.GetErrorText();
     EXPECT_EQ("Business Rule:180|>Failed Rows:110|>Percentage:110|>Checked Rows:110|>Rows in Error:110|Condition:300|"
               "Input Fields:180",
               headingsOf(rules));
     EXPECT_THAT(linesOf(rules), ElementsAre("Name is known|>12|>2.00 %[0.02]|>600|>7|`balance` > 0|",
                                             "Balance is positive|>22|>2.20 %[0.02]|>1,000|>0|`balance` > 0|"));
     CustomMetricRows metrics;
-    ASSERT_TRUE(metrics.Fill(*m_viewer, m_customers.id)) << metrics.GetErrorText();
+    ASSERT_TRUE(metrics.Fill(*m_viewer, m_customers)) << metrics.GetErrorText();
     EXPECT_EQ("Custom Metric:180|Output Name:150|>Value:130|Figure:80|Expression:300|Input Fields:180|>Rows Used:110|"
               ">Rows in Error:110",
               headingsOf(metrics));
@@ -82,9 +78,9 @@ TEST_F(TableRows, HistoriesAreSortedByTheDateOfTheRun) {
 
 TEST_F(TableRows, AFailureLeavesTheRowsThatAreShown) {
     ChartRows charts;
-    ASSERT_TRUE(charts.Fill(*m_viewer, m_customers.id));
+    ASSERT_TRUE(charts.Fill(*m_viewer, m_customers));
     m_viewer->close();
-    EXPECT_FALSE(charts.Fill(*m_viewer, m_customers.id));
+    EXPECT_FALSE(charts.Fill(*m_viewer, m_customers));
     EXPECT_EQ(1, charts.GetRowCount());
     EXPECT_THAT(charts.GetErrorText(), StartsWith("Error occurred while retrieving visualizations:\n\n"));
 }
