@@ -94,7 +94,7 @@ TEST_F(ReportAlerts, OfAnotherReportOpenItAfterAQuestion) {
 }
 
 TEST_F(ReportAlerts, OnATableThatTheRunDoesNotHaveAreSaidSo) {
-    addAlert(m_sample.salesJob, "late orders/id", MetricId::Count, "Late");
+    addAlert(m_sample.salesJob, "late orders/days", MetricId::Count, "Late");
     ASSERT_TRUE(setRun(0));
     ASSERT_TRUE(selectTable("customers"));
     m_messages.expectWarn("The run that is shown does not have the table \u201Clate orders\u201D.", "Alerts");
