@@ -18,7 +18,7 @@ std::string lineOf(const AlertState& alert, const std::locale& locale) {
     std::string line(alertMarkText(markOf(alert)));
     line.front() = 'A';
     line += ": " + alert.condition();
-    if (alert.isDescribed() && !alert.description.empty())
+    if (alert.isDescribed())
         line += " (" + alert.description + ")";
     const bool isChangeRule = alert.rule && isChange(alert.rule->comparison);
     const std::string details[] = {isChangeRule ? alertReferenceText(alert) : std::string(),

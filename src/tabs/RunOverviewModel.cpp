@@ -291,9 +291,10 @@ void RunOverviewModel::AddCounts() {
 void RunOverviewModel::AddTroubles() {
     OverviewCard alerts{.caption = "Alerts raised", .figure = {}, .change = {}, .ofRun = {}, .toolTip = {}, .door = {}};
     AlertCounts counts;
-    for (const auto& [table, ofTable] : m_overview.alertsByTable)
-        if (ShowsTable(table))
-            counts.add(ofTable);
+    for (const std::vector<AlertState>* some : {&m_overview.raisedAlerts, &m_overview.otherAlerts})
+        for (const AlertState& alert : *some)
+            if (ShowsTable(alert.tableId))
+                counts.add(alert);
     const auto first = std::find_if(m_overview.raisedAlerts.begin(), m_overview.raisedAlerts.end(),
                                     [this](const AlertState& alert) { return ShowsTable(alert.tableId); });
     if (first != m_overview.raisedAlerts.end()) {

@@ -156,6 +156,7 @@ class CTavixView final : public SplitFrame,
 
   private:
     void AfterLoad();
+    bool SelectTableOf(const NavigateRequest& request);
     void TellRunsChanged();
     void TellAlertsChanged();
     void RefreshOverview(RefreshHint hint);
