@@ -18,6 +18,7 @@
 #include <QScreen>
 #include <QStackedWidget>
 #include <QStatusBar>
+#include <QToolButton>
 
 #include <algorithm>
 #include <utility>
@@ -62,7 +63,7 @@ ShellWindow::ShellWindow(TavixHost& host, Messages& messages)
       m_jobs(new JobListPage),
       m_view(Veldra::Solenne::Tavix::TavixQtWindow::Build(host, m_pages)),
       m_place(new QLabel(this)),
-      m_alerts(new QLabel(this)),
+      m_alerts(new QToolButton(this)),
       m_counts(new QLabel(this)) {
     setAcceptDrops(true);
     setUnifiedTitleAndToolBarOnMac(true);
@@ -74,7 +75,12 @@ ShellWindow::ShellWindow(TavixHost& host, Messages& messages)
     m_place->setContentsMargins(8, 3, 8, 3);
     statusBar()->addWidget(m_place, 1);
     m_alerts->setObjectName(QStringLiteral("alertCounts"));
-    m_alerts->setToolTip(QStringLiteral("Alerts of the run that is shown"));
+    m_alerts->setToolTip(QStringLiteral("Alerts of the run that is shown; opens the list of all alerts"));
+    m_alerts->setAutoRaise(true);
+    // The command is in the menu, too.
+    m_alerts->setFocusPolicy(Qt::NoFocus);
+    connect(m_alerts, &QToolButton::clicked, this,
+            [this] { m_host.ExecuteCommand(static_cast<int>(CommandId::Alerts)); });
     statusBar()->addPermanentWidget(m_alerts);
     statusBar()->addPermanentWidget(m_counts);
     connect(m_actions, &ShellActions::openRequested, this, &ShellWindow::askForRepository);

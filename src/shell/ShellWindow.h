@@ -12,6 +12,7 @@
 
 class QLabel;
 class QStackedWidget;
+class QToolButton;
 
 namespace tavix::shell {
 
@@ -77,7 +78,7 @@ class ShellWindow final : public QMainWindow {
     JobListPage* m_jobs;
     QWidget* m_view;
     QLabel* m_place;
-    QLabel* m_alerts;
+    QToolButton* m_alerts;
     QLabel* m_counts;
 };
 

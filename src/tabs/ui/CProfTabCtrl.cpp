@@ -167,9 +167,10 @@ void CProfTabCtrl::ShowMenu() {
     m_menu->clear();
     for (int i = 0; i < count(); ++i) {
         if (!isTabVisible(i))
-            m_menu->addAction(QString(tabText(i)).replace(u'&', QStringLiteral("&&")) +
-                                  (CountOf(i).text.isEmpty() ? QString() : u" (" + CountOf(i).text + u')'),
-                              this, [this, i] { SelectTab(i); });
+            m_menu->addAction(
+                QString(tabText(i)).replace(u'&', QStringLiteral("&&")) +
+                    (CountOf(i).text.isEmpty() ? QString() : QStringLiteral(" (") + CountOf(i).text + u')'),
+                this, [this, i] { SelectTab(i); });
     }
     if (m_menu->isEmpty())
         return;
@@ -217,7 +218,8 @@ void CProfTabCtrl::SetCaption(int index, const QString& caption) {
 
 void CProfTabCtrl::SetCount(int index, int count, AlertMark mark, const QString& meaning) {
     setTabToolTip(index, meaning);
-    setAccessibleTabName(index, meaning.isEmpty() ? QString() : QString(tabText(index)).remove(u'&') + u", " + meaning);
+    setAccessibleTabName(
+        index, meaning.isEmpty() ? QString() : QString(tabText(index)).remove(u'&') + QStringLiteral(", ") + meaning);
     Count now{count > 0 ? QString::number(std::min(count, kMostCount)) : QString(), mark};
     if (count > kMostCount)
         now.text += u'+';
