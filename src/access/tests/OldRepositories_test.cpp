@@ -134,6 +134,8 @@ TEST_P(OldRepositories, HaveTheAlertsOfTheirJobsAndNeitherMutesNorNotes) {
     // The first edit brings it up to date; an alert whose job is not there belongs to none.
     ASSERT_TRUE(viewer->muteAlert(2, "ada", "known", 1, {})) << viewer->getErrorString().str();
     EXPECT_EQ(alerts(), "Of nobody - 0  | Nulls 1 0  | Records 1 0  | ");
+    EXPECT_EQ(storedRows(m_path, "SELECT alert_id, of_records, job_id, origin FROM v_alerts ORDER BY alert_id"),
+              "1|0|1|job\n2|1|1|job\n3|0|NULL|job\n");
     EXPECT_EQ(figures(), "1 1 | 2 - | ");
     EXPECT_EQ(rows(viewer->getAlertMutes(), {layout::MutedAlert, layout::MuteReason}), "2 known | ");
 }
