@@ -1,8 +1,8 @@
 #include "alert/TableAlertRows.h"
 
+#include "access/CursorText.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
-#include "alert/ListedAlerts.h"
 #include "base/GenException.h"
 #include "report/AlertTexts.h"
 #include "report/CheckedCursor.h"
@@ -15,6 +15,22 @@ namespace tavix {
 
 namespace {
 
+bool isOfTable(const AlertState& alert, const TableIdentity& table) {
+    return alert.dataSource == table.dataSource && alert.catalog == table.catalog && alert.schema == table.schema &&
+           (alert.objectName.empty() ? alert.tableName : alert.objectName) == table.displayName();
+}
+
+/// The names of the table in a row of getAlerts.
+AlertState namesOf(const ProfileCursor& row) {
+    AlertState names;
+    names.dataSource = textAt(row, layout::AlertDsn);
+    names.catalog = textAt(row, layout::AlertCatalog);
+    names.schema = textAt(row, layout::AlertSchema);
+    names.tableName = textAt(row, layout::AlertTable);
+    names.objectName = textAt(row, layout::AlertObject);
+    return names;
+}
+
 /// Whether the repository has alerts of the table that are not among `known`.
 bool hasMore(PrViewer& viewer, const TableIdentity& table, const std::vector<AlertState>& known) {
     std::unordered_set<int> ids;
@@ -22,7 +38,7 @@ bool hasMore(PrViewer& viewer, const TableIdentity& table, const std::vector<Ale
         ids.insert(alert.id);
     const ProfileCursorHandle alerts = checked(viewer, viewer.getAlerts());
     while (alerts->next()) {
-        if (!ids.contains(alerts->getColumnInt(layout::AlertId)) && isListedFor(*alerts, table))
+        if (!ids.contains(alerts->getColumnInt(layout::AlertId)) && isOfTable(namesOf(*alerts), table))
             return true;
     }
     return false;
@@ -46,7 +62,7 @@ bool TableAlertRows::Fill(PrViewer& viewer, const TableIdentity& table, int job,
         alerts = readAllAlertStates(viewer);
         reports = readReportNames(viewer);
     }
-    std::erase_if(alerts, [&table](const AlertState& alert) { return !isListedFor(alert, table); });
+    std::erase_if(alerts, [&table](const AlertState& alert) { return !isOfTable(alert, table); });
     ShowAlerts(std::move(alerts), std::move(reports));
     m_job = job;
     return true;
