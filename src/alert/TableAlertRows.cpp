@@ -85,7 +85,7 @@ ListBase TableAlertRows::GetBase() const {
 
 std::string TableAlertRows::GetToolTip(int column, std::int64_t row) const {
     const AlertState& alert = GetAlert(row);
-    const std::string lines = AlertRows::GetToolTip(column, row);
+    std::string lines = AlertRows::GetToolTip(column, row);
     if (alert.job == m_job)
         return lines;
     const std::string report = GetReport(alert);
