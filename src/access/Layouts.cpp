@@ -12,9 +12,9 @@ namespace {
 
 // The table aliases in the expressions: j job, r run, rt run_table, t profiled_table, d data_source, rf run_field, f
 // field, c collection, m an entry of a collection or of a redundancy, n note, g note_category, h chart, p property,
-// percentile or outlier, l execution_log, a alert, k key_analysis, x redundancy, w task, cm custom_metric, b
-// business_rule, v the row of one of these in a run, i an input of it, b what a run found out about a field, x its
-// dismissal.
+// percentile or outlier, l execution_log, a alert, m its mute, k key_analysis, x redundancy, w task, cm custom_metric,
+// b business_rule, v the row of one of these in a run, cv and br such rows that an alert watches, i an input of it, b
+// what a run found out about a field, x its dismissal.
 
 constexpr std::array kReports{
     Column{ReportId, "Id", "j.id"},
@@ -242,12 +242,50 @@ constexpr std::array kAlerts{
     Column{AlertTableId, "Table Id", "a.table_id"},
     Column{AlertFieldId, "Field Id", "a.field"},
     Column{AlertWatchedId, "Watched Id", "COALESCE(cm.id, b.id)"},
-    Column{AlertReportId, "Report Id",
-           "(SELECT CAST(p.value AS INTEGER) FROM alert_property p WHERE p.alert = a.id AND p.name = 'JOB')"},
+    Column{AlertReportId, "Report Id", "a.job"},
+    Column{AlertIsOfUser, "Of User", "a.origin = 'U'"},
+    Column{AlertAuthor, "Author", "a.author"},
+    Column{AlertCreated, "Created", "a.created", Form::Date},
 };
 constexpr std::array kAlertProperties{
     Column{AlertPropertyName, "Name", "p.name"},
     Column{AlertPropertyValue, "Value", "p.value"},
+};
+constexpr std::array kAllAlertProperties{
+    Column{AllPropertiesAlert, "Alert Id", "p.alert"},
+    Column{AllPropertiesName, "Name", "p.name"},
+    Column{AllPropertiesValue, "Value", "p.value"},
+};
+constexpr std::array kAlertMutes{
+    Column{MutedAlert, "Alert Id", "m.alert"},
+    Column{MuteReason, "Reason", "m.reason"},
+    Column{MuteAuthor, "Author", "m.author"},
+    Column{MuteDate, "Date", "m.muted", Form::Date},
+    Column{MuteFirstRun, "First Run Id", "m.first_run"},
+    Column{MuteRuns, "Runs", "m.runs"},
+    Column{MuteUntil, "Until", "m.until", Form::Date},
+    Column{MuteLastRun, "Last Run Id", "COALESCE(MIN(m.end_by_runs, m.end_by_date), m.end_by_runs, m.end_by_date)"},
+};
+constexpr std::array kAlertFigures{
+    Column{FigureAlert, "Alert Id", "a.id"},
+    Column{FigureRun, "Run Id", "r.id"},
+    Column{FigureDate, "Date", "r.started", Form::Date},
+    // 1970-01-01 was a Thursday.
+    Column{FigureWeekday, "Weekday", "(r.started / 86400000 + 3) % 7 + 1"},
+    Column{FigureValue, "Value", ""}, // see alertFigureColumns()
+    Column{FigureRows, "Rows", "br.checked_rows"},
+};
+constexpr std::array kAlertChanges{
+    Column{AlertChangeDate, "Date", "n.changed", Form::Date},
+    Column{AlertChangeAuthor, "User", "n.author"},
+    Column{AlertChangeBefore, "Before", "n.condition_before"},
+    Column{AlertChangeAfter, "After", "n.condition_after"},
+};
+constexpr std::array kAlertNotes{
+    Column{AlertNoteId, "Id", "n.id"},
+    Column{AlertNoteDate, "Date", "n.written", Form::Date},
+    Column{AlertNoteUser, "User", "n.author"},
+    Column{AlertNoteText, "Text", "n.text"},
 };
 constexpr std::array kNotes{
     Column{NoteId, "Id", "n.id"},
@@ -369,7 +407,21 @@ class Composer {
     std::vector<Column> m_columns;
 };
 
+/// The value of an alert's figure in a run, whichever metric it is.
+std::vector<Column> alertFigureColumns() {
+    static const std::string figure = [] {
+        std::string sql = "CASE a.type_code WHEN 'CM' THEN cv.value WHEN 'BR' THEN br.failed_rows ELSE CASE a.metric";
+        for (const MetricInfo& metric : metricCatalogue())
+            sql += " WHEN " + std::to_string(static_cast<int>(metric.id)) + " THEN rf." + std::string(metric.column);
+        return sql + " END END";
+    }();
+    std::vector<Column> columns(kAlertFigures.begin(), kAlertFigures.end());
+    columns[FigureValue].sql = figure;
+    return columns;
+}
+
 std::vector<Layout> makeAll() {
+    static const auto figures = alertFigureColumns();
     static const auto fields = Composer().add(kFieldHead).addMetrics().add(kFieldTail).take();
     static const auto fieldsPkr = Composer().add(kFieldHead).add(kAnalysisCounts).addMetrics().add(kFieldTail).take();
     static const auto collected = Composer().add(kFieldHead).add(kFieldSource).addMetrics().add(kFieldTail).take();
@@ -415,6 +467,12 @@ std::vector<Layout> makeAll() {
         {"getExecutionLog", kExecutionLog},
         {"getAlerts", kAlerts},
         {"getAlertProperties", kAlertProperties},
+        {"getAllAlertProperties", kAllAlertProperties},
+        {"getAlertFigures", figures},
+        {"getWatchedFigures", figures},
+        {"getAlertMutes", kAlertMutes},
+        {"getAlertChanges", kAlertChanges},
+        {"getAlertNotes", kAlertNotes},
         {"getTableNotes", kNotes},
         {"getFieldNotes", kNotes},
         {"getNoteCategories", kNoteCategories},

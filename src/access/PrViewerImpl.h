@@ -93,6 +93,9 @@ struct PrViewer::Impl {
     /// For types and findings: an empty result in a repository older than these.
     ProfileCursorHandle openExamined(const Status& ready, const Query& query,
                                      std::initializer_list<std::int64_t> parameters);
+    /// For mutes, changes and notes of alerts: an empty result in a repository older than these.
+    ProfileCursorHandle openUserAlerts(const Status& ready, const Query& query,
+                                       std::initializer_list<std::int64_t> parameters);
     /// For the object of a key; ?1 is its number and ?2 `scope`. An unknown key is a failure.
     ProfileCursorHandle openKeyed(const Status& ready, const Query& query, const KeyedKind& kind, const KvbString& key,
                                   std::int64_t scope);

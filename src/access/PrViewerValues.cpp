@@ -204,32 +204,6 @@ ProfileCursorHandle PrViewer::getExecutionLog() {
     return m_impl->open(m_impl->requireRun(), kQuery, {m_impl->run});
 }
 
-ProfileCursorHandle PrViewer::getAlerts() {
-    const std::string from = "FROM alert a JOIN profiled_table t ON t.id = a.table_id JOIN data_source d ON d.id = "
-                             "t.data_source LEFT JOIN field f ON f.id = a.field ";
-    static const Query kQuery(
-        "getAlerts",
-        from + "LEFT JOIN custom_metric cm ON a.type_code = 'CM' AND cm.id = CAST(substr(a.watched_key, 2) AS INTEGER) "
-               "LEFT JOIN business_rule b ON a.type_code = 'BR' AND b.id = CAST(substr(a.watched_key, 2) AS INTEGER) "
-               "ORDER BY a.id");
-    // For a repository older than rules.
-    static const Query kWithoutRules("getAlerts", from + "LEFT JOIN (SELECT NULL AS id, NULL AS name) cm ON 0 "
-                                                         "LEFT JOIN (SELECT NULL AS id, NULL AS name) b ON 0 "
-                                                         "ORDER BY a.id");
-    if (auto ready = m_impl->requireSession(); !ready)
-        return m_impl->failCursor(ready.error());
-    const auto knowsRules = m_impl->knowsRules();
-    if (!knowsRules)
-        return m_impl->failCursor(knowsRules.error());
-    return m_impl->open({}, *knowsRules ? kQuery : kWithoutRules, {});
-}
-
-ProfileCursorHandle PrViewer::getAlertProperties(int alertId) {
-    static const Query kQuery("getAlertProperties", "FROM alert_property p WHERE p.alert = ?1 ORDER BY p.position");
-    return m_impl->open(m_impl->requireExisting("SELECT 1 FROM alert WHERE id = ?1", alertId, "alert"), kQuery,
-                        {alertId});
-}
-
 ProfileCursorHandle PrViewer::getTaskList(int jobId) {
     static const Query kQuery("getTaskList", "FROM task w WHERE w.job = ?1 ORDER BY w.id");
     return m_impl->open(m_impl->requireExisting("SELECT 1 FROM job WHERE id = ?1", jobId, "report"), kQuery, {jobId});

@@ -2,6 +2,7 @@
 
 #include "base/NumberText.h"
 #include "job/JobChecks.h"
+#include "job/JobSchema.h"
 
 #include <fmt/format.h>
 
@@ -139,9 +140,36 @@ void AlertEntries::readCondition(AlertRule& rule, const json& entry, const std::
     }
     if (!std::isfinite(rule.value1) || !std::isfinite(rule.value2))
         fail(place, "this number is too large");
-    if (entry.contains("runs") && !isChange(rule.comparison))
-        fail(pointerTo(pointer, "runs"), "\"runs\" goes with \"change\"");
+    for (const char* key : {"runs", "against"})
+        if (entry.contains(key) && !isChange(rule.comparison))
+            fail(pointerTo(pointer, key), fmt::format("\"{}\" goes with \"change\"", key));
     rule.runs = entry.value("runs", 1);
+    // The schema allows only known words.
+    rule.reference = findAlertReference(entry.value("against", "mean")).value_or(AlertReference::Mean);
+}
+
+Result<std::vector<repository::AlertFacts>> readAlertEntry(const std::string& text, TableDescription table) {
+    const std::size_t start = text.find_first_not_of(" \t\n");
+    const bool hasBraces = start != std::string::npos && text[start] == '{';
+    const auto problemText = [&](const DocumentProblem& problem) {
+        const bool isShifted = !hasBraces && problem.position.line == 1 && problem.position.column > 1;
+        return Error{fmt::format("In the alert, at character {}: {}.", problem.position.column - (isShifted ? 1 : 0),
+                                 problem.text)};
+    };
+    const auto parsed = parseYaml(hasBraces ? text : '{' + text + '}');
+    if (const auto* problem = std::get_if<DocumentProblem>(&parsed))
+        return problemText(*problem);
+    const auto& document = std::get<YamlDocument>(parsed);
+    if (const auto problem = findAlertProblem(document))
+        return problemText(*problem);
+    table.alerts.clear();
+    table.alertPlaces.clear();
+    try {
+        AlertEntries(document, "", table).readEntry(document.value, "");
+    } catch (const DocumentProblem& problem) {
+        return problemText(problem);
+    }
+    return std::move(table.alerts);
 }
 
 Status checkAlertFields(const TableDescription& table, std::span<const std::string> columns) {

@@ -20,11 +20,12 @@ class AlertEntries {
 
     /// Adds the alerts to the table. Throws a DocumentProblem.
     void read(const nlohmann::json& list, const std::string& pointer);
+    /// Adds the alerts of one entry: one for each of its fields.
+    void readEntry(const nlohmann::json& entry, const std::string& pointer);
 
   private:
     [[noreturn]] void fail(const std::string& pointer, std::string text) const;
     void add(repository::AlertFacts alert, const std::string& fieldPointer);
-    void readEntry(const nlohmann::json& entry, const std::string& pointer);
     void readFigure(repository::AlertFacts& alert, const nlohmann::json& entry, const std::string& pointer) const;
     void readCondition(AlertRule& rule, const nlohmann::json& entry, const std::string& pointer) const;
     [[nodiscard]] MetricId metricOf(const nlohmann::json& entry, const std::string& pointer) const;
@@ -33,6 +34,11 @@ class AlertEntries {
     std::string m_file;
     TableDescription& m_table;
 };
+
+/// Reads an entry that a user typed, with or without braces: "field: price, metric: Null Count, max: 0". Only the name,
+/// rules and custom metrics of the table matter; whether it has the fields is not checked.
+[[nodiscard]] Result<std::vector<repository::AlertFacts>> readAlertEntry(const std::string& text,
+                                                                         TableDescription table);
 
 /// Checks that the fields exist that the table's alerts watch.
 [[nodiscard]] Status checkAlertFields(const TableDescription& table, std::span<const std::string> columns);

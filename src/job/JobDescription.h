@@ -123,6 +123,9 @@ struct JobDescription {
     std::vector<TableDescription> tables;
     std::vector<repository::CollectionFacts> collections;
     std::vector<SourceDescription> sources{};
+    /// The program to start after a run that raises an alert, and its arguments; empty for none. A program with a slash
+    /// is an absolute path, any other is searched in PATH.
+    std::vector<std::string> onAlert{};
     std::vector<std::vector<std::string>> collectionPlaces{}; ///< of each collection's fields, as keyPlaces of a table
 };
 

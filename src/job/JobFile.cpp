@@ -55,6 +55,8 @@ class JobBuilder {
         m_job.description = root.value("description", "");
         m_job.repository = repositoryText(root.value("repository", ""));
         m_job.sources = readSources(m_document);
+        if (const auto command = root.find("on-alert"); command != root.end())
+            readAlertCommand(*command);
         const json& tables = root.at("tables");
         for (std::size_t i = 0; i < tables.size(); ++i)
             addTable(tables[i], pointerTo("/tables", std::to_string(i)));
@@ -94,6 +96,13 @@ class JobBuilder {
             return text;
         return text.starts_with(kSqlite) ? std::string(kSqlite) + absolute(text.substr(kSqlite.size()))
                                          : absolute(text);
+    }
+
+    void readAlertCommand(const json& command) {
+        m_job.onAlert = command.get<std::vector<std::string>>();
+        std::string& program = m_job.onAlert.front();
+        if (program.find('/') != std::string::npos)
+            program = absolute(program);
     }
 
     void addTable(const json& entry, const std::string& pointer) {

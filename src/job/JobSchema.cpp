@@ -157,10 +157,7 @@ bool isWithin(const std::string& inner, const std::string& outer) {
     return inner.size() > outer.size() && inner.starts_with(outer) && inner[outer.size()] == '/';
 }
 
-} // namespace
-
-std::optional<DocumentProblem> findSchemaProblem(const YamlDocument& document) {
-    const json schema = json::parse(kJobSchemaText);
+std::optional<DocumentProblem> findProblem(const json& schema, const YamlDocument& document) {
     std::vector<Finding> findings;
     KeyChecker(document, findings).check(schema, document.value, "");
     validate(schema, document, findings);
@@ -176,6 +173,17 @@ std::optional<DocumentProblem> findSchemaProblem(const YamlDocument& document) {
     if (first)
         return DocumentProblem{first->position, first->text};
     return std::nullopt;
+}
+
+} // namespace
+
+std::optional<DocumentProblem> findSchemaProblem(const YamlDocument& document) {
+    return findProblem(json::parse(kJobSchemaText), document);
+}
+
+std::optional<DocumentProblem> findAlertProblem(const YamlDocument& document) {
+    const json schema = json::parse(kJobSchemaText);
+    return findProblem(schema.at(json::json_pointer("/properties/tables/items/properties/alerts/items")), document);
 }
 
 } // namespace tavix::job

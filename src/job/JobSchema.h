@@ -10,4 +10,7 @@ namespace tavix::job {
 /// a valid job file.
 [[nodiscard]] std::optional<DocumentProblem> findSchemaProblem(const YamlDocument& document);
 
+/// The same for a document that is a single alert of a table.
+[[nodiscard]] std::optional<DocumentProblem> findAlertProblem(const YamlDocument& document);
+
 } // namespace tavix::job

@@ -6,6 +6,7 @@
 #include "access/TableSource.h"
 #include "base/LibraryDate.h"
 #include "base/NumberText.h"
+#include "report/AlertEntryText.h"
 #include "report/AlertStates.h"
 #include "report/CheckedCursor.h"
 #include "report/CountText.h"
@@ -27,55 +28,7 @@ namespace {
 /// As the reader of job files limits it.
 constexpr std::size_t kLargestFile = std::size_t{1} << 20;
 
-/// An alert's condition in a job file: "max: 5".
-std::string conditionEntry(const AlertRule& rule) {
-    const std::string value = formatReal(rule.value1);
-    switch (rule.comparison) {
-    case AlertComparison::Greater:
-        return "max: " + value;
-    case AlertComparison::Less:
-        return "min: " + value;
-    case AlertComparison::Equal:
-        return "not: " + value;
-    case AlertComparison::Outside:
-        return fmt::format("range: [{}, {}]", value, formatReal(rule.value2));
-    case AlertComparison::Inside:
-        return fmt::format("not in: [{}, {}]", value, formatReal(rule.value2));
-    case AlertComparison::ChangedBy:
-        return "change: " + value;
-    case AlertComparison::ChangedByPercent:
-        return fmt::format("change: {} %", value);
-    }
-    return "max: " + value;
-}
-
-std::string alertEntry(const AlertState& alert) {
-    std::string entry;
-    switch (alert.subject) {
-    case AlertSubject::StandardMetric:
-        entry = alert.isOfRecords ? "metric: Records"
-                                  : fmt::format("field: {}, metric: {}", yamlScalar(alert.input), alert.metric);
-        break;
-    case AlertSubject::CustomMetric:
-        entry = "custom metric: " + yamlScalar(alert.input);
-        break;
-    case AlertSubject::BusinessRule:
-        entry = "rule: " + yamlScalar(alert.input);
-        if (alert.rule->ofFailedPercent)
-            entry += ", figure: percent";
-        break;
-    }
-    entry += ", " + conditionEntry(*alert.rule);
-    if (isChange(alert.rule->comparison) && alert.rule->runs > 1)
-        entry += fmt::format(", runs: {}", alert.rule->runs);
-    if (alert.rule->level == AlertLevel::Error)
-        entry += ", level: error";
-    if (alert.description != alert.sentence && !alert.description.empty())
-        entry += ", description: " + yamlScalar(alert.description);
-    return entry;
-}
-
-std::string alertEntry(const RuleSuggestion& suggestion) {
+std::string suggestedEntry(const RuleSuggestion& suggestion) {
     const SuggestedAlert& alert = *suggestion.alert;
     const std::string watched = suggestion.element == SuggestedElement::MetricAlert
                                     ? "custom metric: " + yamlScalar(suggestion.name)
@@ -204,7 +157,7 @@ class Writer {
         }
         for (const AlertState& alert : readAlertStates(m_viewer, m_job))
             if (alert.rule)
-                m_lists[alert.tableId].alerts += fmt::format("      - {{{}}}\n", alertEntry(alert));
+                m_lists[alert.tableId].alerts += fmt::format("      - {{{}}}\n", alertEntryText(alert));
     }
 
     /// The rows that a run keeps for a rule have the fields of the table's key.
@@ -243,10 +196,10 @@ class Writer {
             lists.metrics +=
                 fmt::format("{}      - name: {}\n        output: {}s\n        metric: {}\n", comment,
                             yamlScalar(suggestion.name), suggestion.violationNoun, yamlScalar(suggestion.condition));
-            lists.alerts += fmt::format("      - {{{}}}\n", alertEntry(suggestion));
+            lists.alerts += fmt::format("      - {{{}}}\n", suggestedEntry(suggestion));
             break;
         case SuggestedElement::Alert:
-            lists.alerts += comment + fmt::format("      - {{{}}}\n", alertEntry(suggestion));
+            lists.alerts += comment + fmt::format("      - {{{}}}\n", suggestedEntry(suggestion));
             break;
         case SuggestedElement::Remark:
             m_remarks[suggestion.tableId] +=

@@ -1,11 +1,16 @@
 #include "repository/AlertStore.h"
 
-#include "base/NumberText.h"
+#include "base/AlertProperties.h"
+#include "base/NoteText.h"
+#include "repository/BindValue.h"
+#include "repository/Existence.h"
 
 #include <fmt/format.h>
 
 #include <array>
-#include <string_view>
+#include <functional>
+#include <map>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -13,90 +18,388 @@ namespace tavix::repository {
 
 namespace {
 
-/// The subject of an alert on a custom metric or a rule.
-struct Watched {
-    std::string key;
-    std::string metric; ///< name of the metric's value
+/// An alert as its row and its properties.
+struct AlertRow {
+    AlertDefinition definition;
+    int field = -1;     ///< that is stored: of records, the table's first one; -1: none
+    std::string key;    ///< of the custom metric or rule
+    std::string metric; ///< the name of the standard metric, or of the custom metric's value
+    std::string input;  ///< the name of the field, custom metric or rule
+    AlertProperties properties;
+
+    [[nodiscard]] bool isStandard() const { return definition.subject == AlertSubject::StandardMetric; }
+    [[nodiscard]] bool isOfRecords() const { return isStandard() && definition.field == -1; }
+    [[nodiscard]] std::string sentence(const AlertRule& rule) const {
+        return isOfRecords() ? recordsAlertSentence(rule) : alertSentence(definition.subject, rule, metric, input);
+    }
+    [[nodiscard]] std::string description() const {
+        return definition.description.empty() ? sentence(definition.rule) : definition.description;
+    }
+    /// The condition and its level, for the list of changes.
+    [[nodiscard]] std::string condition(const AlertRule& rule) const {
+        return fmt::format("{} ({})", sentence(rule), alertLevelWord(rule.level));
+    }
 };
 
-Result<Watched> findWatched(sql::Connection& connection, const StoredAlert& alert) {
-    const bool isMetric = alert.facts->subject == AlertSubject::CustomMetric;
-    auto find = connection.prepare(
-        isMetric ? "SELECT m.id, v.output_name FROM custom_metric m JOIN run_custom_metric v ON v.metric = m.id "
-                   "WHERE m.table_id = ?1 AND m.name = ?2 ORDER BY v.run DESC LIMIT 1"
-                 : "SELECT id, '' FROM business_rule WHERE table_id = ?1 AND name = ?2");
+/// An alert that is stored already.
+struct StoredAlert {
+    int id = -1;
+    int position = 0;
+    AlertDefinition definition; ///< its description as stored, which is the sentence unless somebody wrote one
+    int field = -1;
+    AlertProperties properties;
+};
+
+// ---- What an alert watches
+
+/// The first field that the table had in its latest run.
+Result<int> firstField(sql::Connection& connection, int table) {
+    auto find = connection.prepare("SELECT f.id FROM field f WHERE f.table_id = ?1 ORDER BY (SELECT MAX(run) FROM "
+                                   "run_field WHERE field = f.id) DESC, (SELECT position FROM run_field WHERE field = "
+                                   "f.id ORDER BY run DESC LIMIT 1) LIMIT 1");
     if (!find)
         return find.error();
-    const Error missing{
-        fmt::format("There is no {} \"{}\".", isMetric ? "custom metric" : "rule", alert.facts->watched)};
-    if (Status found = find->bind(1, alert.table).bind(2, alert.facts->watched).stepToRow(missing); !found)
+    if (Status found = find->bind(1, table).stepToRow({"The table has no fields."}); !found)
         return found.error();
-    return Watched{fmt::format("{}{}", isMetric ? 'M' : 'B', find->integer(0)), std::string(find->text(1))};
+    return static_cast<int>(find->integer(0));
 }
 
-Status storeAlert(sql::Connection& connection, int job, const StoredAlert& alert) {
-    const AlertFacts& facts = *alert.facts;
-    const bool isStandard = facts.subject == AlertSubject::StandardMetric;
-    const bool isOfRecords = isStandard && facts.field.empty();
-    Watched watched;
-    if (!isStandard) {
-        auto found = findWatched(connection, alert);
-        if (!found)
-            return found.error();
-        watched = std::move(*found);
+Status findStandardMetric(sql::Connection& connection, AlertRow& row) {
+    const AlertDefinition& definition = row.definition;
+    const MetricInfo* const metric =
+        findMetric(static_cast<int>(row.isOfRecords() ? MetricId::Count : definition.metric));
+    if (metric == nullptr || !metric->isFigure())
+        return Error{"An alert watches a metric that is a number."};
+    row.metric = metric->name;
+    row.field = definition.field;
+    if (row.isOfRecords()) {
+        auto first = firstField(connection, definition.table);
+        if (!first)
+            return first.error();
+        row.field = *first;
     }
-    const std::string_view metric =
-        isStandard ? metricCatalogue()[index(facts.metric)].name : std::string_view(watched.metric);
-    auto insert = connection.prepare("INSERT INTO alert(table_id, field, description, metric, type_code, watched_key) "
-                                     "VALUES(?1,?2,?3,?4,?5,?6)");
-    if (!insert)
-        return insert.error();
-    insert->bind(1, alert.table);
-    if (isStandard)
-        insert->bind(2, alert.field).bind(4, static_cast<int>(facts.metric));
-    else
-        insert->bindNull(2).bindNull(4);
-    const std::string sentence =
-        isOfRecords ? recordsAlertSentence(facts.rule)
-                    : alertSentence(facts.subject, facts.rule, metric, isStandard ? alert.fieldName : facts.watched);
-    insert->bind(3, facts.description.empty() ? sentence : facts.description);
-    if (auto done = insert->bind(5, alertTypeCode(facts.subject)).bind(6, watched.key).run(); !done)
-        return done;
-    const std::int64_t id = connection.lastInsertId();
+    auto find = connection.prepare("SELECT name FROM field WHERE id = ?1 AND table_id = ?2");
+    if (!find)
+        return find.error();
+    const Error missing{fmt::format("The table has no field with the number {}.", row.field)};
+    if (Status found = find->bind(1, row.field).bind(2, definition.table).stepToRow(missing); !found)
+        return found;
+    row.input = find->text(0);
+    return {};
+}
 
-    auto property = connection.prepare("INSERT INTO alert_property(alert, position, name, value) VALUES(?1,?2,?3,?4)");
-    if (!property)
-        return property.error();
-    const std::array<std::pair<std::string_view, std::string>, 8> properties{
-        {{"METRIC", isStandard ? formatInteger(static_cast<int>(facts.metric)) : watched.metric},
-         {"COMPARE", formatInteger(alertCode(facts.subject, facts.rule))},
-         {"VALUE1", formatReal(facts.rule.value1)},
-         {"VALUE2", formatReal(facts.rule.value2)},
-         {"JOB", formatInteger(job)},
-         {"LEVEL", std::string(alertLevelWord(facts.rule.level))},
-         {"RUNS", formatInteger(facts.rule.runs)},
-         {"RECORDS", isOfRecords ? "1" : "0"}}};
+Status findOther(sql::Connection& connection, AlertRow& row) {
+    const bool isMetric = row.definition.subject == AlertSubject::CustomMetric;
+    auto find = connection.prepare(
+        isMetric ? "SELECT m.name, (SELECT v.output_name FROM run_custom_metric v WHERE v.metric = m.id ORDER BY v.run "
+                   "DESC LIMIT 1) FROM custom_metric m WHERE m.id = ?1 AND m.table_id = ?2"
+                 : "SELECT name, '' FROM business_rule WHERE id = ?1 AND table_id = ?2");
+    if (!find)
+        return find.error();
+    const Error missing{fmt::format("The table has no {} with the number {}.", isMetric ? "custom metric" : "rule",
+                                    row.definition.watched)};
+    if (Status found = find->bind(1, row.definition.watched).bind(2, row.definition.table).stepToRow(missing); !found)
+        return found;
+    row.key = fmt::format("{}{}", isMetric ? 'M' : 'B', row.definition.watched);
+    row.input = find->text(0);
+    row.metric = find->text(1);
+    return {};
+}
+
+Result<AlertRow> makeRow(sql::Connection& connection, int job, const AlertDefinition& definition) {
+    AlertRow row;
+    row.definition = definition;
+    if (Status found = row.isStandard() ? findStandardMetric(connection, row) : findOther(connection, row); !found)
+        return found.error();
+    if (row.isOfRecords())
+        row.definition.metric = MetricId::Count;
+    const std::string metricText =
+        row.isStandard() ? std::to_string(static_cast<int>(row.definition.metric)) : row.metric;
+    row.properties = alertProperties(row.definition, metricText, job);
+    return row;
+}
+
+// ---- Reading
+
+/// The alerts that `where` chooses among `alert a`, in the order of their job; ?1 is `parameter`.
+Result<std::vector<StoredAlert>> readAlerts(sql::Connection& connection, std::string_view where, int parameter) {
+    auto select = connection.prepare(
+        fmt::format("SELECT a.id, a.position, a.table_id, COALESCE(a.field, -1), COALESCE(a.metric, -1), a.type_code, "
+                    "a.watched_key, a.of_records, a.description FROM alert a WHERE {} ORDER BY a.position, a.id",
+                    where));
+    auto properties = connection.prepare(fmt::format(
+        "SELECT p.alert, p.name, p.value FROM alert a JOIN alert_property p ON p.alert = a.id WHERE {}", where));
+    if (!select || !properties)
+        return Error{connection.errorText()};
+    std::vector<StoredAlert> alerts;
+    std::map<std::int64_t, std::size_t> places;
+    select->bind(1, parameter);
+    sql::Step step = select->step();
+    for (; step == sql::Step::Row; step = select->step()) {
+        StoredAlert alert;
+        alert.id = static_cast<int>(select->integer(0));
+        alert.position = static_cast<int>(select->integer(1));
+        alert.definition.table = static_cast<int>(select->integer(2));
+        alert.field = static_cast<int>(select->integer(3));
+        alert.definition.metric = static_cast<MetricId>(select->integer(4));
+        alert.definition.subject = alertSubjectOf(select->text(5));
+        if (const std::string_view key = select->text(6); !key.empty())
+            alert.definition.watched = KvbDatavar(std::string(key.substr(1))).toInt();
+        alert.definition.field = select->integer(7) != 0 ? -1 : alert.field;
+        alert.definition.description = select->text(8);
+        places[alert.id] = alerts.size();
+        alerts.push_back(std::move(alert));
+    }
+    if (step == sql::Step::Failed)
+        return Error{connection.errorText()};
+    properties->bind(1, parameter);
+    for (step = properties->step(); step == sql::Step::Row; step = properties->step())
+        if (const auto place = places.find(properties->integer(0)); place != places.end())
+            alerts[place->second].properties[std::string(properties->text(1))] = properties->text(2);
+    if (step == sql::Step::Failed)
+        return Error{connection.errorText()};
+    for (StoredAlert& alert : alerts)
+        alert.definition.rule = readAlertRule(alert.definition.subject, alert.properties).value_or(AlertRule{});
+    return alerts;
+}
+
+// ---- Writing
+
+Status storeProperties(sql::Connection& connection, int alert, const AlertProperties& properties) {
+    auto remove = connection.prepare("DELETE FROM alert_property WHERE alert = ?1");
+    auto insert = connection.prepare("INSERT INTO alert_property(alert, position, name, value) VALUES(?1,?2,?3,?4)");
+    if (!remove || !insert)
+        return Error{connection.errorText()};
+    if (Status done = remove->bind(1, alert).run(); !done)
+        return done;
     int position = 0;
     for (const auto& [name, value] : properties)
-        if (auto done = property->bind(1, id).bind(2, position++).bind(3, name).bind(4, value).run(); !done)
+        if (Status done = insert->bind(1, alert).bind(2, position++).bind(3, name).bind(4, value).run(); !done)
             return done;
     return {};
 }
 
+void bindRow(sql::Statement& statement, const AlertRow& row, int position) {
+    statement.bind(2, row.definition.table).bind(4, row.description()).bind(6, alertTypeCode(row.definition.subject));
+    statement.bind(7, row.key).bind(8, row.isOfRecords() ? 1 : 0).bind(9, position);
+    if (row.isStandard())
+        statement.bind(3, row.field).bind(5, static_cast<int>(row.definition.metric));
+    else
+        statement.bindNull(3).bindNull(5);
+}
+
+/// Who made an alert: `user` null for one that the job defines.
+struct Origin {
+    int job = -1;
+    const std::string* user = nullptr;
+    UtcTime created{};
+};
+
+Result<int> insertAlert(sql::Connection& connection, const AlertRow& row, int position, const Origin& origin) {
+    auto insert = connection.prepare(
+        "INSERT INTO alert(job, table_id, field, description, metric, type_code, watched_key, of_records, position, "
+        "origin, author, created) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10,?11,?12)");
+    if (!insert)
+        return insert.error();
+    bindRow(*insert, row, position);
+    insert->bind(1, origin.job);
+    if (origin.user)
+        insert->bind(10, "U").bind(11, *origin.user).bind(12, storedTime(origin.created));
+    else
+        insert->bind(10, "J").bind(11, "").bindNull(12);
+    if (Status done = insert->run(); !done)
+        return done.error();
+    const int id = static_cast<int>(connection.lastInsertId());
+    if (Status done = storeProperties(connection, id, row.properties); !done)
+        return done.error();
+    return id;
+}
+
+Status updateAlert(sql::Connection& connection, const StoredAlert& before, const AlertRow& row, int position) {
+    AlertDefinition after = row.definition;
+    after.description = row.description();
+    if (before.definition == after && before.field == row.field && before.properties == row.properties &&
+        before.position == position)
+        return {};
+    auto update = connection.prepare("UPDATE alert SET table_id = ?2, field = ?3, description = ?4, metric = ?5, "
+                                     "type_code = ?6, watched_key = ?7, of_records = ?8, position = ?9 WHERE id = ?1");
+    if (!update)
+        return update.error();
+    bindRow(*update, row, position);
+    if (Status done = update->bind(1, before.id).run(); !done)
+        return done;
+    return before.properties == row.properties ? Status{} : storeProperties(connection, before.id, row.properties);
+}
+
+/// Nothing unless the texts differ. `author` is empty for a run of the job.
+Status noteChange(sql::Connection& connection, int alert, std::string_view before, std::string_view after,
+                  std::string_view author, UtcTime changed) {
+    if (before == after)
+        return {};
+    auto insert = connection.prepare("INSERT INTO alert_change(alert, changed, author, condition_before, "
+                                     "condition_after) VALUES(?1,?2,?3,?4,?5)");
+    if (!insert)
+        return insert.error();
+    insert->bind(1, alert).bind(2, storedTime(changed)).bind(3, author).bind(4, before).bind(5, after);
+    return insert->run();
+}
+
+Status removeAlert(sql::Connection& connection, int alert) {
+    auto remove = connection.prepare("DELETE FROM alert WHERE id = ?1");
+    return remove ? remove->bind(1, alert).run() : Status{remove.error()};
+}
+
+// ---- Which stored alert an alert of the job becomes
+
+/// What is watched, whichever way it is judged.
+std::string figureKey(const AlertDefinition& definition) {
+    const bool isStandard = definition.subject == AlertSubject::StandardMetric;
+    return fmt::format("{}|{}|{}|{}", definition.table, alertTypeCode(definition.subject),
+                       isStandard ? definition.field : definition.watched,
+                       isStandard ? static_cast<int>(definition.metric) : -1);
+}
+
+std::string comparisonKey(const AlertDefinition& definition) {
+    return fmt::format("{}|{}", figureKey(definition), alertCode(definition.subject, definition.rule));
+}
+
+std::string ruleKey(const AlertDefinition& definition) {
+    const AlertRule& rule = definition.rule;
+    return fmt::format("{}|{}|{}|{}|{}|{}", comparisonKey(definition), rule.value1, rule.value2,
+                       alertLevelWord(rule.level), rule.runs, alertReferenceWord(rule.reference));
+}
+
+constexpr std::size_t kNoMatch = static_cast<std::size_t>(-1);
+
+/// For each new alert the index of the stored one that it becomes, or kNoMatch.
+std::vector<std::size_t> matchAlerts(const std::vector<StoredAlert>& stored, std::span<const AlertDefinition> alerts) {
+    std::vector<std::size_t> matches(alerts.size(), kNoMatch);
+    std::vector<bool> isTaken(stored.size(), false);
+    for (const auto& keyOf : {ruleKey, comparisonKey, figureKey}) {
+        std::map<std::string, std::vector<std::size_t>> left; // the first one last
+        for (std::size_t i = stored.size(); i-- > 0;)
+            if (!isTaken[i])
+                left[keyOf(stored[i].definition)].push_back(i);
+        for (std::size_t i = 0; i < alerts.size(); ++i) {
+            if (matches[i] != kNoMatch)
+                continue;
+            const auto found = left.find(keyOf(alerts[i]));
+            if (found == left.end() || found->second.empty())
+                continue;
+            matches[i] = found->second.back();
+            isTaken[matches[i]] = true;
+            found->second.pop_back();
+        }
+    }
+    return matches;
+}
+
+/// The alert if it belongs to a user.
+Result<StoredAlert> readUserAlert(sql::Connection& connection, int alert) {
+    auto origin = connection.prepare("SELECT origin FROM alert WHERE id = ?1");
+    if (!origin)
+        return origin.error();
+    const Error missing{fmt::format("There is no alert with the number {}.", alert)};
+    if (Status found = origin->bind(1, alert).stepToRow(missing); !found)
+        return found.error();
+    if (origin->text(0) != "U")
+        return Error{"The job defines this alert; each run stores it again. Change it in the job file."};
+    auto alerts = readAlerts(connection, "a.id = ?1", alert);
+    if (!alerts)
+        return alerts.error();
+    return std::move(alerts->front());
+}
+
+Status requireTableOfJob(sql::Connection& connection, int table, int job) {
+    auto find = connection.prepare("SELECT 1 FROM run r JOIN run_table rt ON rt.run = r.id AND rt.table_id = ?1 WHERE "
+                                   "r.job = ?2 LIMIT 1");
+    if (!find)
+        return find.error();
+    return find->bind(1, table).bind(2, job).stepToRow(
+        {fmt::format("The report has no table with the number {}.", table)});
+}
+
 } // namespace
 
-Status replaceAlerts(sql::Connection& connection, int job, std::span<const StoredAlert> alerts) {
-    auto remove = connection.prepare("DELETE FROM alert WHERE id IN (SELECT alert FROM alert_property WHERE "
-                                     "name = 'JOB' AND value = ?1)");
-    if (!remove)
-        return remove.error();
-    if (auto done = remove->bind(1, formatInteger(job)).run(); !done)
-        return done;
-    for (const StoredAlert& alert : alerts)
-        if (auto stored = storeAlert(connection, job, alert); !stored)
-            return Error{
-                fmt::format("An alert of \"{}\" could not be stored. {}", alert.facts->table, stored.error().text)};
+Result<int> findWatched(sql::Connection& connection, int table, AlertSubject subject, std::string_view name) {
+    const bool isMetric = subject == AlertSubject::CustomMetric;
+    auto find = connection.prepare(isMetric ? "SELECT id FROM custom_metric WHERE table_id = ?1 AND name = ?2"
+                                            : "SELECT id FROM business_rule WHERE table_id = ?1 AND name = ?2");
+    if (!find)
+        return find.error();
+    const Error missing{fmt::format("There is no {} \"{}\".", isMetric ? "custom metric" : "rule", name)};
+    if (Status found = find->bind(1, table).bind(2, name).stepToRow(missing); !found)
+        return found.error();
+    return static_cast<int>(find->integer(0));
+}
+
+Status replaceAlerts(sql::Connection& connection, int job, std::span<const AlertDefinition> alerts, UtcTime changed) {
+    auto stored = readAlerts(connection, "a.job = ?1 AND a.origin = 'J'", job);
+    if (!stored)
+        return stored.error();
+    const std::vector<std::size_t> matches = matchAlerts(*stored, alerts);
+    std::vector<bool> isKept(stored->size(), false);
+    for (std::size_t i = 0; i < alerts.size(); ++i) {
+        auto row = makeRow(connection, job, alerts[i]);
+        if (!row)
+            return row.error();
+        const int position = static_cast<int>(i) + 1;
+        if (matches[i] == kNoMatch) {
+            if (auto made = insertAlert(connection, *row, position, {job}); !made)
+                return made.error();
+            continue;
+        }
+        const StoredAlert& before = (*stored)[matches[i]];
+        isKept[matches[i]] = true;
+        if (Status done = updateAlert(connection, before, *row, position); !done)
+            return done;
+        if (Status done = noteChange(connection, before.id, row->condition(before.definition.rule),
+                                     row->condition(row->definition.rule), "", changed);
+            !done)
+            return done;
+    }
+    for (std::size_t i = 0; i < stored->size(); ++i)
+        if (!isKept[i])
+            if (Status done = removeAlert(connection, (*stored)[i].id); !done)
+                return done;
     return {};
+}
+
+Result<int> putUserAlert(sql::Connection& connection, int alert, int job, const AlertDefinition& definition,
+                         std::string_view user, UtcTime now) {
+    AlertDefinition tidied = definition;
+    tidied.description = tidyNote(definition.description);
+    if (!tidied.description.empty())
+        if (Status checked = checkNote(tidied.description); !checked)
+            return checked.error();
+    if (Status checked = checkAlertRule(tidied.rule); !checked)
+        return checked.error();
+    if (Status found = requireTableOfJob(connection, tidied.table, job); !found)
+        return found.error();
+    auto row = makeRow(connection, job, tidied);
+    if (!row)
+        return row.error();
+    const std::string author(user);
+    if (alert == -1)
+        return insertAlert(connection, *row, 0, {job, &author, now});
+    auto before = readUserAlert(connection, alert);
+    if (!before)
+        return before.error();
+    const auto rowBefore = makeRow(connection, job, before->definition);
+    const std::string conditionBefore =
+        rowBefore ? rowBefore->condition(before->definition.rule) : before->definition.description;
+    if (Status done = updateAlert(connection, *before, *row, before->position); !done)
+        return done.error();
+    if (Status done = noteChange(connection, alert, conditionBefore, row->condition(row->definition.rule), user, now);
+        !done)
+        return done.error();
+    return alert;
+}
+
+Status deleteUserAlert(sql::Connection& connection, int alert) {
+    if (auto found = readUserAlert(connection, alert); !found)
+        return found.error();
+    return removeAlert(connection, alert);
 }
 
 } // namespace tavix::repository

@@ -1,5 +1,7 @@
 #include "repository/RunDeletion.h"
 
+#include "repository/AlertMutes.h"
+
 #include <array>
 #include <limits>
 
@@ -125,6 +127,8 @@ Status hideRuns(sql::Connection& connection, int job, std::int64_t first, std::i
         return Error{"There is no run to delete in this range."};
     if (chosen == all)
         return Error{"At least one run of a report must stay."};
+    if (Status kept = keepMutesOfOtherRuns(connection, job, first, last); !kept)
+        return kept;
     for (const char* sql : {"INSERT INTO deleted_run(id) SELECT id FROM run WHERE job = ?1 AND id BETWEEN ?2 AND ?3",
                             "DELETE FROM run WHERE job = ?1 AND id BETWEEN ?2 AND ?3"}) {
         auto statement = connection.prepare(sql);

@@ -216,41 +216,42 @@ Status RunWriter::addCollection(const CollectionFacts& facts) {
     });
 }
 
-Result<StoredAlert> RunWriter::locate(const AlertFacts& facts) {
-    StoredAlert alert;
-    alert.facts = &facts;
+Result<AlertDefinition> RunWriter::locate(const AlertFacts& facts) {
+    AlertDefinition alert{
+        .subject = facts.subject, .metric = facts.metric, .rule = facts.rule, .description = facts.description};
     for (const auto& [id, table] : m_tables)
         if (displayName(table.facts) == facts.table)
             alert.table = id;
-    if (facts.subject != AlertSubject::StandardMetric)
+    if (facts.subject != AlertSubject::StandardMetric) {
+        auto watched = findWatched(*m_connection, alert.table, facts.subject, facts.watched);
+        if (!watched)
+            return watched.error();
+        alert.watched = *watched;
         return alert;
-    auto select = m_connection->prepare(
-        "SELECT f.id, f.name FROM run_field rf JOIN field f ON f.id = rf.field WHERE rf.run = ?1 AND rf.table_id = ?2 "
-        "AND ?3 IN ('', f.name) ORDER BY rf.position LIMIT 1");
-    if (!select)
-        return select.error();
-    select->bind(1, m_run).bind(2, alert.table).bind(3, facts.field);
-    if (Status found = select->stepToRow(
-            {fmt::format("An alert watches the field \"{}\", which \"{}\" does not have.", facts.field, facts.table)});
-        !found)
-        return found.error();
-    alert.field = static_cast<int>(select->integer(0));
-    alert.fieldName = select->text(1);
+    }
+    if (facts.field.empty())
+        return alert;
+    auto field = fieldOfRun(*m_connection, m_run, alert.table, facts.field,
+                            {fmt::format("It watches the field \"{}\", which the table does not have.", facts.field)});
+    if (!field)
+        return field.error();
+    alert.field = *field;
     return alert;
 }
 
 Status RunWriter::setAlerts(std::span<const AlertFacts> alerts) {
     return attempt([&]() -> Status {
-        std::vector<StoredAlert> stored;
+        std::vector<AlertDefinition> located;
         for (const AlertFacts& facts : alerts) {
             auto alert = locate(facts);
             if (!alert)
-                return alert.error();
-            stored.push_back(std::move(*alert));
+                return Error{
+                    fmt::format("An alert of \"{}\" could not be stored. {}", facts.table, alert.error().text)};
+            located.push_back(std::move(*alert));
         }
         if (Status found = findJob(); !found)
             return found;
-        return replaceAlerts(*m_connection, m_job, stored);
+        return replaceAlerts(*m_connection, m_job, located, m_description.started);
     });
 }
 

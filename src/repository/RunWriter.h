@@ -1,7 +1,8 @@
 #pragma once
 
+#include "base/AlertDefinition.h"
 #include "base/Result.h"
-#include "repository/AlertStore.h"
+#include "repository/AlertFacts.h"
 #include "repository/EarlierFields.h"
 #include "repository/Facts.h"
 #include "sql/Connection.h"
@@ -72,7 +73,8 @@ class RunWriter {
     [[nodiscard]] Status addLog(int tableId, LogLevel level, std::string_view text);
     /// Creates the collection or adds to the one of this name; its fields must be in tables of this run.
     [[nodiscard]] Status addCollection(const CollectionFacts& collection);
-    /// Replaces the alerts of the job. What they watch must be in this run.
+    /// Replaces the alerts that the job defines, see replaceAlerts(); those of users stay. What they watch must be in
+    /// this run.
     [[nodiscard]] Status setAlerts(std::span<const AlertFacts> alerts);
 
     [[nodiscard]] Status commit(UtcTime finished);
@@ -92,7 +94,7 @@ class RunWriter {
     auto attempt(Step step) -> decltype(step());
     [[nodiscard]] const Clock& clock() const;
     [[nodiscard]] Result<int> findField(const FieldAddress& address);
-    [[nodiscard]] Result<StoredAlert> locate(const AlertFacts& facts);
+    [[nodiscard]] Result<AlertDefinition> locate(const AlertFacts& facts);
     [[nodiscard]] Status findJob();
     [[nodiscard]] Status storeTables();
 

@@ -469,8 +469,130 @@ LEFT JOIN field f ON f.id = b.field
 LEFT JOIN dismissed_finding x ON x.table_id = b.table_id AND x.field = b.field AND x.code = b.code;
 )sql";
 
+// Alerts of users, mutes, changes and notes. alert.origin: J defined by its job, U made by a user. alert.position: in the
+// job; 0 for a user's. alert_mute.runs: so many runs of the alert's job from first_run on; last_run: the last of them
+// where deleted runs would change the number. alert_change.author is empty for a run of the job. Both tables of alerts
+// are rebuilt for the reason given for run_file.
+constexpr const char* kToVersion10 = R"sql(
+DROP VIEW v_alerts;
+CREATE TABLE alert_before AS
+SELECT a.id, a.table_id, a.field, a.description, a.metric, a.type_code, a.watched_key,
+       (SELECT j.id FROM alert_property p JOIN job j ON j.id = CAST(p.value AS INTEGER)
+        WHERE p.alert = a.id AND p.name = 'JOB' LIMIT 1) AS job,
+       EXISTS (SELECT 1 FROM alert_property p WHERE p.alert = a.id AND p.name = 'RECORDS' AND p.value = '1')
+           AS of_records
+FROM alert a;
+CREATE TABLE alert_property_before AS SELECT alert, position, name, value FROM alert_property;
+DROP TABLE alert_property;
+DROP TABLE alert;
+
+CREATE TABLE alert (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    table_id INTEGER NOT NULL REFERENCES profiled_table(id),
+    field INTEGER REFERENCES field(id),
+    description TEXT NOT NULL DEFAULT '',
+    metric INTEGER,
+    type_code TEXT NOT NULL CHECK (type_code IN ('SM', 'CM', 'BR')),
+    watched_key TEXT NOT NULL DEFAULT '',
+    job INTEGER REFERENCES job(id),
+    of_records INTEGER NOT NULL DEFAULT 0 CHECK (of_records IN (0, 1)),
+    position INTEGER NOT NULL DEFAULT 0,
+    origin TEXT NOT NULL DEFAULT 'J' CHECK (origin IN ('J', 'U')),
+    author TEXT NOT NULL DEFAULT '',
+    created INTEGER
+) STRICT;
+CREATE INDEX alert_by_job ON alert(job);
+
+CREATE TABLE alert_property (
+    alert INTEGER NOT NULL REFERENCES alert(id) ON DELETE CASCADE,
+    position INTEGER NOT NULL,
+    name TEXT NOT NULL,
+    value TEXT NOT NULL,
+    PRIMARY KEY (alert, position)
+) STRICT, WITHOUT ROWID;
+
+INSERT INTO alert(id, table_id, field, description, metric, type_code, watched_key, job, of_records, position, origin,
+                  author)
+SELECT id, table_id, field, description, metric, type_code, watched_key, job, of_records, id, 'J', ''
+FROM alert_before ORDER BY id;
+INSERT INTO alert_property(alert, position, name, value)
+SELECT alert, position, name, value FROM alert_property_before;
+DROP TABLE alert_before;
+DROP TABLE alert_property_before;
+
+CREATE TABLE alert_mute (
+    alert INTEGER PRIMARY KEY REFERENCES alert(id) ON DELETE CASCADE,
+    reason TEXT NOT NULL,
+    author TEXT NOT NULL,
+    muted INTEGER NOT NULL,
+    first_run INTEGER NOT NULL,
+    runs INTEGER,
+    last_run INTEGER,
+    until INTEGER
+) STRICT;
+
+CREATE TABLE alert_change (
+    id INTEGER PRIMARY KEY,
+    alert INTEGER NOT NULL REFERENCES alert(id) ON DELETE CASCADE,
+    changed INTEGER NOT NULL,
+    author TEXT NOT NULL,
+    condition_before TEXT NOT NULL,
+    condition_after TEXT NOT NULL
+) STRICT;
+CREATE INDEX alert_change_by_alert ON alert_change(alert);
+
+CREATE TABLE alert_note (
+    id INTEGER PRIMARY KEY,
+    alert INTEGER NOT NULL REFERENCES alert(id) ON DELETE CASCADE,
+    author TEXT NOT NULL,
+    written INTEGER NOT NULL,
+    text TEXT NOT NULL
+) STRICT;
+CREATE INDEX alert_note_by_alert ON alert_note(alert);
+
+CREATE VIEW v_alerts AS
+SELECT a.id AS alert_id, j.name AS job, d.name AS data_source, t.id AS table_id,
+       CASE WHEN t.object_name <> '' THEN t.object_name ELSE t.name END AS table_name, f.id AS field_id,
+       f.name AS field_name, a.type_code, a.watched_key, COALESCE(f.name, m.name, b.name) AS watched_name,
+       a.metric AS metric_number,
+       (SELECT p.value FROM alert_property p WHERE p.alert = a.id AND p.name = 'METRIC') AS metric_text,
+       (SELECT CAST(p.value AS INTEGER) FROM alert_property p WHERE p.alert = a.id AND p.name = 'COMPARE')
+           AS comparison,
+       (SELECT CAST(p.value AS REAL) FROM alert_property p WHERE p.alert = a.id AND p.name = 'VALUE1') AS value_1,
+       (SELECT CAST(p.value AS REAL) FROM alert_property p WHERE p.alert = a.id AND p.name = 'VALUE2') AS value_2,
+       (SELECT p.value FROM alert_property p WHERE p.alert = a.id AND p.name = 'LEVEL') AS level,
+       (SELECT CAST(p.value AS INTEGER) FROM alert_property p WHERE p.alert = a.id AND p.name = 'RUNS') AS runs_before,
+       a.description,
+       COALESCE((SELECT p.value FROM alert_property p WHERE p.alert = a.id AND p.name = 'REFERENCE'), 'mean')
+           AS reference,
+       a.of_records, CASE a.origin WHEN 'U' THEN 'user' ELSE 'job' END AS origin, a.author,
+       strftime('%Y-%m-%dT%H:%M:%fZ', a.created / 1000.0, 'unixepoch') AS created, a.job AS job_id
+FROM alert a JOIN profiled_table t ON t.id = a.table_id JOIN data_source d ON d.id = t.data_source
+LEFT JOIN job j ON j.id = a.job
+LEFT JOIN field f ON f.id = a.field
+LEFT JOIN custom_metric m ON a.type_code = 'CM' AND m.id = CAST(substr(a.watched_key, 2) AS INTEGER)
+LEFT JOIN business_rule b ON a.type_code = 'BR' AND b.id = CAST(substr(a.watched_key, 2) AS INTEGER);
+
+CREATE VIEW v_alert_mutes AS
+SELECT m.alert AS alert_id, a.description AS alert, m.reason, m.author,
+       strftime('%Y-%m-%dT%H:%M:%fZ', m.muted / 1000.0, 'unixepoch') AS muted, m.first_run, m.runs,
+       strftime('%Y-%m-%dT%H:%M:%fZ', m.until / 1000.0, 'unixepoch') AS until, a.job AS job_id
+FROM alert_mute m JOIN alert a ON a.id = m.alert;
+
+CREATE VIEW v_alert_changes AS
+SELECT c.alert AS alert_id, a.description AS alert,
+       strftime('%Y-%m-%dT%H:%M:%fZ', c.changed / 1000.0, 'unixepoch') AS changed, c.author, c.condition_before,
+       c.condition_after
+FROM alert_change c JOIN alert a ON a.id = c.alert;
+
+CREATE VIEW v_alert_notes AS
+SELECT n.alert AS alert_id, a.description AS alert, n.id AS note_id, n.author,
+       strftime('%Y-%m-%dT%H:%M:%fZ', n.written / 1000.0, 'unixepoch') AS written, n.text
+FROM alert_note n JOIN alert a ON a.id = n.alert;
+)sql";
+
 constexpr std::array kChanges{kToVersion2, kToVersion3, kToVersion4, kToVersion5,
-                              kToVersion6, kToVersion7, kToVersion8, kToVersion9};
+                              kToVersion6, kToVersion7, kToVersion8, kToVersion9, kToVersion10};
 
 } // namespace
 

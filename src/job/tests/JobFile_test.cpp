@@ -1,5 +1,6 @@
 #include "base/tests/SourceFolder.h"
 #include "base/tests/TempFolder.h"
+#include "job/AlertEntries.h"
 #include "job/JobDescription.h"
 
 #include <gmock/gmock.h>
@@ -233,7 +234,8 @@ TEST_F(JobFile, AlertsArriveAndMistakesInThemAreNamed) {
     const std::string head =
         "job: J\ntables:\n  - file: t.csv\n    rules: [{name: R, condition: 'true'}]\n    alerts:\n";
     const auto job = read(head + "      - {field: [a, b], metric: Mean, change: 2.5 %, runs: 3}\n"
-                                 "      - {rule: R, figure: percent, not in: [1, 2], level: error, description: D}\n");
+                                 "      - {rule: R, figure: percent, not in: [1, 2], level: error, description: D}\n"
+                                 "      - {metric: Records, change: 5, runs: 4, against: weekday}\n");
     ASSERT_TRUE(job.ok()) << job.error().text;
     const repository::AlertFacts mean{"t", AlertSubject::StandardMetric,
                                       "a", MetricId::Mean,
@@ -245,7 +247,19 @@ TEST_F(JobFile, AlertsArriveAndMistakesInThemAreNamed) {
                                       "",  MetricId::Count,
                                       "R", {AlertComparison::Inside, true, 1, 2, 1, AlertLevel::Error},
                                       "D"};
-    EXPECT_EQ(job->tables[0].alerts, (std::vector{mean, other, rule}));
+    const repository::AlertFacts weekday{
+        "t", AlertSubject::StandardMetric,
+        "",  MetricId::Count,
+        "",  {AlertComparison::ChangedBy, false, 5, 0, 4, AlertLevel::Warning, AlertReference::SameWeekday},
+        ""};
+    EXPECT_EQ(job->tables[0].alerts, (std::vector{mean, other, rule, weekday}));
+    // The same entry as a user types it, with and without braces.
+    for (const char* text : {"{metric: Records, change: 5, runs: 4, against: weekday}",
+                             "metric: Records, change: 5, runs: 4, against: weekday"}) {
+        const auto typed = readAlertEntry(text, job->tables[0]);
+        ASSERT_TRUE(typed.ok()) << typed.error().text;
+        EXPECT_EQ(*typed, std::vector{weekday});
+    }
 
     struct Case {
         const char* entry;
@@ -260,6 +274,11 @@ TEST_F(JobFile, AlertsArriveAndMistakesInThemAreNamed) {
         {"{rule: R, field: a, max: 1}", "6:26: \"field\" goes with \"metric\""},
         {"{metric: Records, range: [2, 1]}", "6:34: the first number of a range must not be above the second"},
         {"{metric: Records, max: 1, runs: 2}", "6:41: \"runs\" goes with \"change\""},
+        {"{metric: Records, max: 1, against: median}", "6:44: \"against\" goes with \"change\""},
+        {"{metric: Records, change: 1, against: mode}",
+         "6:47: \"tables[0].alerts[0].against\": expected mean, median or weekday: a change is measured against the "
+         "mean "
+         "or median of the earlier runs, or the mean of those of the same weekday; mean unless stated"},
         {"{metric: Records, change: 1.2.3%}", "6:35: a change is a number or, in percent, a text such as \"20 %\""},
         {"{metric: Records, level: bad, max: 1}",
          "6:34: \"tables[0].alerts[0].level\": expected warning or error; warning unless stated"},
@@ -269,6 +288,21 @@ TEST_F(JobFile, AlertsArriveAndMistakesInThemAreNamed) {
     };
     for (const Case& one : cases)
         EXPECT_EQ(problem(head + "      - " + one.entry + "\n"), one.problem);
+}
+
+TEST_F(JobFile, NamesTheCommandForRaisedAlerts) {
+    const std::string tables = "tables: [{file: t.csv}]\n";
+    EXPECT_THAT(read("job: J\n" + tables)->onAlert, ::testing::IsEmpty());
+    EXPECT_EQ(read("job: J\non-alert: [mail, -s, \"two words; rm $HOME\", '5']\n" + tables)->onAlert,
+              (std::vector<std::string>{"mail", "-s", "two words; rm $HOME", "5"}));
+    // A path is relative to the job file.
+    EXPECT_EQ(read("job: J\non-alert: [./tell, ./x]\n" + tables)->onAlert,
+              (std::vector<std::string>{m_folder.file("tell"), "./x"}));
+    EXPECT_EQ(problem("job: J\non-alert: mail -s x\n" + tables),
+              "2:11: \"on-alert\": expected a list of texts: the program to run after a run that raises an alert, and "
+              "its arguments");
+    EXPECT_EQ(problem("job: J\non-alert: [mail, 5]\n" + tables),
+              "2:18: \"on-alert[1]\": expected the program or an argument, a text; numbers need quotes");
 }
 
 TEST_F(JobFile, DamagedFilesAreErrorsOrJobs) {

@@ -64,12 +64,13 @@ Rows columnsOf(sql::Connection& connection, const std::string& table) {
 /// A value for a column that its type and its checks allow; rows of the same number refer to each other.
 std::string valueFor(const std::string& table, const std::string& column, const std::string& type, int number) {
     static const std::map<std::string, std::string> kGiven{
-        {"profiled_table.kind", "'Y'"},     {"outlier.side", "'L'"},
-        {"distribution_block.kind", "'V'"}, {"table_note.owner_kind", "'T'"},
-        {"chart.category", "NULL"},         {"alert.type_code", "'SM'"},
-        {"alert_property.name", "'JOB'"},   {"run_custom_metric.kind", "'rows'"},
-        {"folder.parent", "NULL"},          {"histogram.kind", "'N'"},
-        {"histogram.unit", "'N'"},          {"histogram.counts", "'[1]'"},
+        {"profiled_table.kind", "'Y'"},      {"outlier.side", "'L'"},
+        {"distribution_block.kind", "'V'"},  {"table_note.owner_kind", "'T'"},
+        {"chart.category", "NULL"},          {"alert.type_code", "'SM'"},
+        {"alert_property.name", "'JOB'"},    {"run_custom_metric.kind", "'rows'"},
+        {"folder.parent", "NULL"},           {"histogram.kind", "'N'"},
+        {"histogram.unit", "'N'"},           {"histogram.counts", "'[1]'"},
+        {"type_breakdown.has_figures", "1"},
     };
     if (const auto given = kGiven.find(table + "." + column); given != kGiven.end())
         return given->second;
@@ -133,10 +134,14 @@ TEST_P(OldVersions, KeepTheirRowsWhenTheyAreBroughtUpToDate) {
           "v_collections", "v_charts", "v_chart_properties", "v_key_analyses", "v_redundancies", "v_alerts"})
         EXPECT_THAT(rowsOf(**connection, fmt::format("SELECT * FROM {}", view)), SizeIs(2)) << view;
     EXPECT_THAT(rowsOf(**connection, "SELECT * FROM v_notes"), SizeIs(4));
-    for (const char* view : {"v_histograms", "v_type_breakdowns", "v_type_forms", "v_findings"})
-        EXPECT_THAT(rowsOf(**connection, fmt::format("SELECT * FROM {}", view)),
-                    SizeIs(GetParam() >= 8 && view == std::string_view("v_histograms") ? 2 : 0))
+    EXPECT_THAT(rowsOf(**connection, "SELECT * FROM v_histograms"), SizeIs(GetParam() >= 8 ? 2 : 0));
+    for (const char* view : {"v_type_breakdowns", "v_type_forms", "v_findings"})
+        EXPECT_THAT(rowsOf(**connection, fmt::format("SELECT * FROM {}", view)), SizeIs(GetParam() >= 9 ? 2 : 0))
             << view;
+    for (const char* view : {"v_alert_mutes", "v_alert_changes", "v_alert_notes"})
+        EXPECT_THAT(rowsOf(**connection, fmt::format("SELECT * FROM {}", view)), SizeIs(0)) << view;
+    EXPECT_THAT(rowsOf(**connection, "SELECT alert_id, origin, job_id FROM v_alerts ORDER BY alert_id"),
+                ::testing::ElementsAre("1:1|3:job|1:1|", "1:2|3:job|1:2|"));
     const std::size_t ofRules = GetParam() >= 2 ? 2 : 0;
     for (const char* view : {"v_custom_metrics", "v_business_rules", "v_rule_rows"})
         EXPECT_THAT(rowsOf(**connection, fmt::format("SELECT * FROM {}", view)), SizeIs(ofRules)) << view;
