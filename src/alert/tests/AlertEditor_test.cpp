@@ -97,7 +97,8 @@ TEST_F(AlertEditors, ItIsCopiedToFieldsThatDoNotHaveIt) {
     const AlertState alert = store(described);
     const auto lines = [&] {
         std::vector<std::string> found;
-        for (const FieldChoice::Field& field : FieldChoice::Read(*m_viewer, alert)->GetFields())
+        const Result<FieldChoice> choice = FieldChoice::Read(*m_viewer, alert);
+        for (const FieldChoice::Field& field : choice->GetFields())
             found.push_back(fmt::format("{}{}: {}", field.canHave ? "" : "no ", field.name, field.remark));
         return found;
     };
