@@ -1,76 +1,80 @@
 #include "alert/TableAlertRows.h"
 
-#include "access/CursorText.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
+#include "alert/ListedAlerts.h"
 #include "base/GenException.h"
-#include "report/CAlertDisplayHelper.h"
+#include "report/AlertTexts.h"
+#include "report/CheckedCursor.h"
+
+#include <map>
+#include <unordered_set>
+#include <utility>
 
 namespace tavix {
 
 namespace {
 
-constexpr std::string_view kFailed = "Error occurred while retrieving alert list:";
-constexpr std::string_view kNone = "No alert is defined for this table.";
-
-bool belongsTo(const ProfileCursor& alert, const TableIdentity& table) {
-    using namespace layout;
-    const std::string object = textAt(alert, AlertObject);
-    return textAt(alert, AlertDsn) == table.dataSource && textAt(alert, AlertCatalog) == table.catalog &&
-           textAt(alert, AlertSchema) == table.schema &&
-           (object.empty() ? textAt(alert, AlertTable) : object) == table.displayName();
-}
-
-CAlertDisplayHelper::NamesByKey namesOf(ProfileCursor& cursor, int key, int name) {
-    CAlertDisplayHelper::NamesByKey names;
-    while (cursor.next())
-        names[textAt(cursor, key)] = textAt(cursor, name);
-    return names;
-}
-
-GridColumn descriptionColumn() {
-    GridColumn column = listColumn("Description", 300);
-    column.takesRest = true;
-    return column;
+/// Whether the repository has alerts of the table that are not among `known`.
+bool hasMore(PrViewer& viewer, const TableIdentity& table, const std::vector<AlertState>& known) {
+    std::unordered_set<int> ids;
+    for (const AlertState& alert : known)
+        ids.insert(alert.id);
+    const ProfileCursorHandle alerts = checked(viewer, viewer.getAlerts());
+    while (alerts->next()) {
+        if (!ids.contains(alerts->getColumnInt(layout::AlertId)) && isListedFor(*alerts, table))
+            return true;
+    }
+    return false;
 }
 
 } // namespace
 
-TableAlertRows::TableAlertRows()
-    : ListRows({descriptionColumn(), listColumn("Type", 120), listColumn("Input", 180)}, kNone) {}
+TableAlertRows::TableAlertRows(const std::locale& locale)
+    : AlertRows({AlertColumn::Description, AlertColumn::Type, AlertColumn::Input, AlertColumn::State,
+                 AlertColumn::Level, AlertColumn::Figure, AlertColumn::ComparedWith, AlertColumn::Raised,
+                 AlertColumn::Condition, AlertColumn::DefinedBy},
+                "No alert is defined for this table.", locale) {}
 
-bool TableAlertRows::Fill(PrViewer& viewer, const TableIdentity& table) try {
-    const ProfileCursorHandle rows = viewer.getAlerts();
-    if (!rows)
-        return Fail(kFailed, viewer.getErrorString().view());
-    const ProfileCursorHandle metrics = viewer.getCustomMetrics(table.id);
-    const ProfileCursorHandle rules = metrics ? viewer.getBusinessRules(table.id) : nullptr;
-    if (!rules)
-        return Fail(kFailed, viewer.getErrorString().view());
-    const CAlertDisplayHelper words(namesOf(*metrics, layout::CustomMetricKey, layout::CustomMetricName),
-                                    namesOf(*rules, layout::RuleKey, layout::RuleName));
-    std::vector<Alert> alerts;
-    while (rows->next()) {
-        if (!belongsTo(*rows, table))
-            continue;
-        alerts.push_back({textAt(*rows, layout::AlertDescription),
-                          CAlertDisplayHelper::TypeWord(textAt(*rows, layout::AlertTypeCode)), words.InputText(*rows)});
+// Other jobs may profile a table of the same names. Their alerts are read only where there are some, since the list of
+// alerts alone costs much less than the figures that they watch.
+bool TableAlertRows::Fill(PrViewer& viewer, const TableIdentity& table, int job,
+                          const std::vector<AlertState>& ofReport) try {
+    std::vector<AlertState> alerts = ofReport;
+    std::map<int, std::string> reports;
+    if (hasMore(viewer, table, ofReport)) {
+        alerts = readAllAlertStates(viewer);
+        reports = readReportNames(viewer);
     }
-    m_alerts = std::move(alerts);
-    ShowRecords(m_alerts.size());
+    std::erase_if(alerts, [&table](const AlertState& alert) { return !isListedFor(alert, table); });
+    ShowAlerts(std::move(alerts), std::move(reports));
+    m_job = job;
     return true;
 } catch (const GenException& failure) {
-    return Fail(kFailed, failure.getText().view());
+    return FailToRead(failure.getText().str());
+}
+
+bool TableAlertRows::FailToRead(const std::string& reason) {
+    return Fail(kAlertListFailed, reason);
 }
 
 void TableAlertRows::Clear() {
-    m_alerts.clear();
-    ShowRecords(0);
+    AlertRows::Clear();
+    m_job = -1;
 }
 
-GridCell TableAlertRows::CellOf(int column, std::size_t record) const {
-    const Alert& alert = m_alerts.at(record);
-    return textCell(column == 0 ? alert.description : column == 1 ? alert.type : std::string_view(alert.input));
+ListBase TableAlertRows::GetBase() const {
+    return Alerts().empty() ? ListBase() : ListBase{alertCountsText(countAlerts(Alerts())), {}};
+}
+
+std::string TableAlertRows::GetToolTip(int column, std::int64_t row) const {
+    const AlertState& alert = GetAlert(row);
+    const std::string lines = AlertRows::GetToolTip(column, row);
+    if (alert.job == m_job)
+        return lines;
+    const std::string report = GetReport(alert);
+    return lines + "\nOf another report" + (report.empty() ? "" : ", \u201C" + report + "\u201D") +
+           ": judged for its latest run";
 }
 
 } // namespace tavix

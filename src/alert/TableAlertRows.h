@@ -1,32 +1,32 @@
 #pragma once
 
-#include "grid/ListRows.h"
+#include "alert/AlertRows.h"
+#include "base/LibraryDate.h"
 #include "report/ReportSelection.h"
+
+#include <string>
+#include <vector>
 
 namespace tavix {
 
-class PrViewer;
-
-/// The alerts of one table: the repository's alerts with its data source, catalog, schema and name, which for a table
-/// of a query or a filter is the object name.
-class TableAlertRows final : public ListRows {
+/// The alerts of one table, see isListedFor(), of all jobs: those of other jobs are judged for the latest run of their job.
+class TableAlertRows final : public AlertRows {
   public:
-    TableAlertRows();
+    explicit TableAlertRows(const std::locale& locale = userLocale());
 
-    /// False when the repository fails: the rows are then unchanged, and GetErrorText() is the message.
-    bool Fill(PrViewer& viewer, const TableIdentity& table);
+    /// `ofReport` are the alerts of the current job, `job`. False when the repository fails: the rows are then
+    /// unchanged, and GetErrorText() is the message.
+    bool Fill(PrViewer& viewer, const TableIdentity& table, int job, const std::vector<AlertState>& ofReport);
+    /// The same when the alerts of the current job could not be read for this reason.
+    bool FailToRead(const std::string& reason);
     void Clear() override;
 
+    /// How many are raised.
+    [[nodiscard]] ListBase GetBase() const override;
+    [[nodiscard]] std::string GetToolTip(int column, std::int64_t row) const override;
+
   private:
-    struct Alert {
-        std::string description;
-        std::string_view type;
-        std::string input;
-    };
-
-    [[nodiscard]] GridCell CellOf(int column, std::size_t record) const override;
-
-    std::vector<Alert> m_alerts;
+    int m_job = -1;
 };
 
 } // namespace tavix

@@ -35,7 +35,8 @@ class CViewSite {
     virtual bool SelectField(int fieldId) = 0;
     /// Selects a field of that table or collection and brings the frame to the front; false without such a field.
     virtual bool OpenField(const ReportSelection& owner, int fieldId) = 0;
-    /// Shows a metric or rule of a table; false, without a message, when there is no such table.
+    /// Shows a metric or rule of a table; false, without a message, when there is no such table. Report and run are
+    /// opened first where the request names others; false, after a message, when that fails.
     virtual bool Navigate(const NavigateRequest& request) = 0;
     /// The details of the table or field as text; "" for any other selection or when they cannot be read.
     [[nodiscard]] virtual std::string GetDetailsText(const ReportSelection& selection) = 0;

@@ -15,7 +15,7 @@ struct TavixCommand {
 
 /// The commands that the viewer handles, in the order of a shell's menus. Their handlers are rows of the tables of the
 /// classes that carry them out, see CommandRow.
-inline constexpr std::array<TavixCommand, 18> kCommands = {{
+inline constexpr std::array<TavixCommand, 19> kCommands = {{
     {CommandId::New, "Close the report\nNew"},
     {CommandId::ChooseRun, "Choose the run to show from a list\nRuns..."},
     {CommandId::ToggleTableInformation, "Show or hide details of the table\nTable Information"},
@@ -28,6 +28,7 @@ inline constexpr std::array<TavixCommand, 18> kCommands = {{
      "Mark blanks at the ends of values, and characters that cannot be seen\nInvisible Characters"},
     {CommandId::Options, "Choose metrics, limits and fonts\nOptions..."},
     {CommandId::DeleteHistory, "Delete old runs of this report\nDelete History..."},
+    {CommandId::Alerts, "Display active alerts\nAlerts"},
     {CommandId::NoteCategories, "Add, edit, and delete note categories.\nNote Categories..."},
     {CommandId::AddTableNote, "Add a note to the table notes list\nAdd Note to Table..."},
     {CommandId::DetachTabs, "Detach current tabs view\nDetach View"},

@@ -14,6 +14,10 @@ struct NavigateRequest {
     std::string metricKind; ///< the code of an alert's subject, see base/AlertRule.h
     int metricId = -1;      ///< of the metric or rule
     int rowId = -1;         ///< for a standard metric, the id of its field
+    int tableId = -1;       ///< if it is known; the names and the mode are then not read
+    int report = -1;        ///< the job of the report to open first; -1: the one that is open
+    std::string reportName;
+    int run = -1; ///< of the report; -1: the one that is shown
 };
 
 } // namespace tavix

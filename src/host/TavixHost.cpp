@@ -208,6 +208,10 @@ std::vector<TavixRunInfo> TavixHost::GetJobRuns() const {
     return list;
 }
 
+int TavixHost::GetReportJob() const {
+    return View() ? View()->GetTavixDoc().GetJobId() : -1;
+}
+
 int TavixHost::GetCurrentRun() const {
     return View() ? View()->GetTavixDoc().GetCurrentJob() : -1;
 }

@@ -88,6 +88,9 @@ class TavixHost {
     bool LoadReportForJob(const std::string& text, int jobId, const TavixConnection* connection);
     /// In the order of the repository; empty without a report.
     [[nodiscard]] std::vector<TavixRunInfo> GetJobRuns() const;
+    /// The job of the report that is shown; -1 without one. The viewer may have opened another report than the shell:
+    /// that of an alert. RunsChangedEvent is then raised.
+    [[nodiscard]] int GetReportJob() const;
     /// -1 without a report.
     [[nodiscard]] int GetCurrentRun() const;
     /// Returns true and does nothing when the run is current already. After a failure, which is shown, the current run

@@ -29,6 +29,9 @@ struct AlertMute {
     std::optional<LibraryDate> until; ///< for runs that start before this; none: no such end
 };
 
+/// The sentence of an alert without a rule.
+inline constexpr std::string_view kNoAlertRule = "Unable to retrieve alert properties";
+
 /// An alert of the repository, judged for a run.
 struct AlertState {
     int id = -1;
@@ -49,12 +52,11 @@ struct AlertState {
         false;          ///< it watches the number of records of the table, which is stored as the Count of that field
     std::string metric; ///< the name of the metric or of the custom metric's value; empty for a rule
     std::string description;
-    bool isOfUser = false;         ///< a user made it; otherwise the job defines it
-    std::string author;            ///< of a user's alert
-    LibraryDate created = 0;       ///< of a user's alert
-    std::optional<AlertRule> rule; ///< nothing when the properties are invalid
-    /// The condition in words; "Unable to retrieve alert properties" without a rule.
-    std::string sentence;
+    bool isOfUser = false;          ///< a user made it; otherwise the job defines it
+    std::string author;             ///< of a user's alert
+    LibraryDate created = 0;        ///< of a user's alert
+    std::optional<AlertRule> rule;  ///< nothing when the properties are missing or invalid
+    std::string sentence;           ///< the condition in words, or kNoAlertRule
     std::optional<FitFigures> fits; ///< when the figure is over the values that fit a narrower type
     std::optional<double> figure;   ///< of the run
     AlertVerdict verdict;
@@ -76,13 +78,14 @@ struct AlertState {
     /// Raised, and of this level or a higher one.
     [[nodiscard]] bool isRaisedAt(AlertLevel level) const { return isRaised() && rule->level >= level; }
     /// Whether the user has described it; otherwise the description is the sentence.
-    [[nodiscard]] bool isDescribed() const { return description != sentence; }
+    [[nodiscard]] bool isDescribed() const { return !description.empty() && description != sentence; }
     [[nodiscard]] AlertDefinition definition() const;
 };
 
-/// The alerts of a job, those of its file in their order and then those of users, judged for the current run. Verdicts
-/// are not stored: an earlier run is judged by the present alerts, and no verdict depends on later runs. The number of
-/// queries does not depend on alerts or runs. Throws GenException when the repository fails.
+/// The alerts of a job, those of its file in their order and then those of users, judged for the current run, or for
+/// the latest run of a job that is not current. Verdicts are not stored: an earlier run is judged by the present
+/// alerts, and no verdict depends on later runs. The number of queries depends on jobs, and on tables whose alerts
+/// watch figures that may be over what fits, but not on alerts or runs. Throws GenException when the repository fails.
 [[nodiscard]] std::vector<AlertState> readAlertStates(PrViewer& viewer, int job);
 
 /// The alerts of all jobs: those of the current job judged for the current run, others for the latest run of their job.

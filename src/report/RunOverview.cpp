@@ -127,12 +127,10 @@ RunOverview readRunOverview(PrViewer& viewer, int job) {
     }
     keepFieldsWithNulls(std::move(fields), overview);
     readRules(viewer, overview);
-    for (AlertState& state : readAlertStates(viewer, job)) {
-        if (state.isRaised())
-            overview.raisedAlerts.push_back(std::move(state));
-    }
-    std::stable_partition(overview.raisedAlerts.begin(), overview.raisedAlerts.end(),
-                          [](const AlertState& state) { return state.isRaisedAt(AlertLevel::Error); });
+    std::vector<AlertState> alerts = readAlertStates(viewer, job);
+    orderAlerts(alerts);
+    for (AlertState& state : alerts)
+        (state.isRaised() ? overview.raisedAlerts : overview.otherAlerts).push_back(std::move(state));
     overview.isExamined = viewer.isExamined();
     overview.findings = readFindings(viewer);
     std::erase_if(overview.findings, [](const FindingRecord& finding) { return finding.dismissal.has_value(); });

@@ -58,12 +58,13 @@ struct RunOverview {
     std::vector<Field> vanishedFields;
     std::vector<Rule> violatedRules;      ///< the largest share of the checked rows first
     std::vector<AlertState> raisedAlerts; ///< errors first, then in the order of the job
+    std::vector<AlertState> otherAlerts;  ///< that cannot be judged, then muted ones, then quiet ones
     bool isExamined = false;              ///< false for a run that looked for no findings
     std::vector<FindingRecord> findings;  ///< that nobody has dismissed, the gravest first
 };
 
-/// The overview of the current run of that job. The number of queries depends on the alerts of the job, not on tables,
-/// fields or runs. Throws GenException when the repository fails.
+/// The overview of the current run of that job. The number of queries does not depend on tables, fields or runs, except
+/// as readAlertStates() says. Throws GenException when the repository fails.
 [[nodiscard]] RunOverview readRunOverview(PrViewer& viewer, int job);
 
 } // namespace tavix

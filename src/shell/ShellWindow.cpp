@@ -87,6 +87,8 @@ ShellWindow::ShellWindow(TavixHost& host, Messages& messages)
             openReport(jobId);
     });
     m_runsChanged = m_host.RunsChangedEvent.Attach([this](TavixHost&) {
+        if (m_host.HasReport())
+            m_jobId = m_host.GetReportJob();
         m_actions->fillRuns();
         updateState();
     });

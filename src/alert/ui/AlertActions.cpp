@@ -274,7 +274,10 @@ void AlertActions::CopyToFields(const AlertTarget& target) {
 }
 
 void AlertActions::Changed() {
+    const QPointer<AlertActions> self(this);
     m_site.Broadcast(nullptr, RefreshHint::AlertsChanged, 0);
+    if (self)
+        Q_EMIT AlertsChanged();
 }
 
 } // namespace tavix

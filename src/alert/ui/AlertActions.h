@@ -40,6 +40,10 @@ class AlertActions final : public QObject {
     /// The list's action for the command; null if it has none.
     [[nodiscard]] QAction* ActionOf(AlertCommand command) const;
 
+  Q_SIGNALS:
+    /// An alert was changed by these actions, and the panes have heard of it: for lists that are not panes.
+    void AlertsChanged();
+
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 

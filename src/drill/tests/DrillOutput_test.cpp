@@ -1,15 +1,14 @@
 #include "base/tests/ScriptedMessages.h"
 #include "base/tests/TempFolder.h"
 #include "drill/DrillOutput.h"
+#include "support/ReadWorksheet.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <fstream>
-#include <memory>
 #include <sstream>
 
 namespace tavix {
@@ -148,27 +147,10 @@ TEST_F(DrillOutput, APipeIsWrittenThroughAndALongNameTaken) {
         EXPECT_TRUE(saveDrillRows(m_source, m_folder.file(std::string(251, 'n') + ending), "t", m_messages));
 }
 
-// The rows that Python's xlrd reads from a sheet, one per line, cells joined by "|".
-std::string readBack(const std::string& path) {
-    const std::string script = "import sys,xlrd\n"
-                               "b=xlrd.open_workbook(sys.argv[1])\n"
-                               "for s in b.sheets():\n"
-                               " print('#'+s.name, s.nrows)\n"
-                               " for r in range(min(s.nrows, 6)):\n"
-                               "  print('|'.join('%s%s' % (' TN'[c.ctype] if c.ctype < 3 else '?', c.value)"
-                               " for c in s.row(r)))\n";
-    const std::string command = "/usr/bin/python3 -c \"" + script + "\" '" + path + "'";
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(::popen(command.c_str(), "r"), &::pclose);
-    std::string text;
-    for (int c = std::fgetc(pipe.get()); c != EOF; c = std::fgetc(pipe.get()))
-        text += static_cast<char>(c);
-    return text;
-}
-
 TEST_F(DrillOutput, AWorksheetHasNumbersInNumericColumns) {
     const std::string path = m_folder.file("rows.xls");
     ASSERT_TRUE(saveDrillRows(m_source, path, "na/me", m_messages));
-    EXPECT_EQ(readBack(path), "#na_me 4\n"
+    EXPECT_EQ(testing::readWorksheet(path), "#na_me 4\n"
                               "Tid|Tpri\"ce|Tname\n"
                               "N10.0|N1.5|Tb, c\n"
                               "N9.0| |Tsay \"hi\"\n"
@@ -184,7 +166,7 @@ TEST_F(DrillOutput, MoreRowsThanASheetHoldsGoOnBehindIt) {
     m_source.SetRows(std::move(rows));
     const std::string path = m_folder.file("many.xls");
     ASSERT_TRUE(saveDrillRows(m_source, path, "n", m_messages));
-    EXPECT_THAT(readBack(path), ::testing::AllOf(::testing::HasSubstr("#n 65536\nTn\nN0.0\n"),
+    EXPECT_THAT(testing::readWorksheet(path), ::testing::AllOf(::testing::HasSubstr("#n 65536\nTn\nN0.0\n"),
                                                  ::testing::HasSubstr("#n (2) 4467\nTn\nN65534.0\n")));
 }
 

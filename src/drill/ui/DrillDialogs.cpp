@@ -10,11 +10,11 @@
 
 namespace tavix {
 
-QString chooseDrillFile(QWidget& window, const QString& folder, const QString& name) {
-    ModalDialog<QFileDialog> dialog(&window, QObject::tr("Export"), folder);
+QString chooseRowsFile(QWidget& window, const QString& title, const QString& folder, const QString& name) {
+    ModalDialog<QFileDialog> dialog(&window, title, folder);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
-    // saveDrillRows() asks before it replaces a file.
+    // saveRowsFile() asks before it replaces a file.
     dialog->setOption(QFileDialog::DontConfirmOverwrite);
     const QStringList parts = toQString(kDrillFilePatterns).split(u'|', Qt::SkipEmptyParts);
     QStringList filters;
@@ -29,6 +29,10 @@ QString chooseDrillFile(QWidget& window, const QString& folder, const QString& n
     });
     dialog->selectFile(name);
     return dialog.isAccepted() ? dialog->selectedFiles().value(0) : QString();
+}
+
+QString chooseDrillFile(QWidget& window, const QString& folder, const QString& name) {
+    return chooseRowsFile(window, QObject::tr("Export"), folder, name);
 }
 
 bool chooseDrillPrinter(QWidget& window, QPrinter& printer) {

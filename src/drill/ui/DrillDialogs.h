@@ -10,6 +10,7 @@ class QWidget;
 namespace tavix {
 
 /// Lets the user choose a file to save rows in, proposed in `folder` under `name`; "" for none.
+[[nodiscard]] QString chooseRowsFile(QWidget& window, const QString& title, const QString& folder, const QString& name);
 [[nodiscard]] QString chooseDrillFile(QWidget& window, const QString& folder, const QString& name);
 /// Lets the user choose printer and pages; false for none.
 [[nodiscard]] bool chooseDrillPrinter(QWidget& window, QPrinter& printer);

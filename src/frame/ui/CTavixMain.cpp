@@ -1,18 +1,25 @@
 #include "frame/ui/CTavixMain.h"
 
+#include "alert/ui/AlertPlace.h"
+#include "alert/ui/CTabRptAlrts.h"
 #include "frame/ui/CTavixView.h"
 #include "notes/ui/CNoteCategoriesDlg.h"
 
+#include <QPointer>
+
 #include <array>
+#include <optional>
 #include <span>
+#include <utility>
 
 namespace tavix {
 
 namespace {
 
-constexpr std::array<CommandRow<CTavixMain>, 3> kRows = {{
+constexpr std::array<CommandRow<CTavixMain>, 4> kRows = {{
     {CommandId::Options, &CTavixMain::OnOptions},
     {CommandId::DeleteHistory, &CTavixMain::OnDeleteHistory, &CTavixMain::CanDeleteHistory},
+    {CommandId::Alerts, &CTavixMain::OnAlerts, &CTavixMain::HasTitle},
     {CommandId::NoteCategories, &CTavixMain::OnNoteCategories, &CTavixMain::HasTitle},
 }};
 
@@ -35,6 +42,17 @@ void CTavixMain::OnOptions() {
 
 void CTavixMain::OnDeleteHistory() {
     m_view.OnDeleteHistory();
+}
+
+void CTavixMain::OnAlerts() {
+    const QPointer<CTavixView> alive(&m_view);
+    CAlertsFilter filter = m_alertsFilter;
+    const std::optional<NavigateRequest> place = CTabRptAlrts::Run(m_view, filter, &m_view);
+    if (!alive || m_view.IsRetired())
+        return;
+    m_alertsFilter = std::move(filter);
+    if (place)
+        (void)showPlace(m_view, *place);
 }
 
 void CTavixMain::OnNoteCategories() {

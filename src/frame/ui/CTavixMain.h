@@ -1,5 +1,6 @@
 #pragma once
 
+#include "alert/CAlertsFilter.h"
 #include "doc/CommandTarget.h"
 
 namespace tavix {
@@ -17,6 +18,7 @@ class CTavixMain {
 
     void OnOptions();
     void OnDeleteHistory();
+    void OnAlerts();
     void OnNoteCategories();
     [[nodiscard]] bool CanDeleteHistory() const;
     [[nodiscard]] bool HasTitle() const;
@@ -25,6 +27,7 @@ class CTavixMain {
 
   private:
     CTavixView& m_view;
+    CAlertsFilter m_alertsFilter; ///< kept until the view is closed
 };
 
 } // namespace tavix

@@ -195,8 +195,23 @@ bool CTavixView::SelectField(int fieldId) {
     return m_navigator->SelectField(fieldId);
 }
 
+bool CTavixView::SelectTableOf(const NavigateRequest& request) {
+    if (request.tableId == -1)
+        return m_navigator->SelectTable(request.dataSource, request.catalog, request.schema, request.table,
+                                        request.mode);
+    ReportSelection table;
+    table.kind = ReportSelection::Kind::Table;
+    table.table.id = request.tableId;
+    return m_navigator->SelectObject(table);
+}
+
 bool CTavixView::Navigate(const NavigateRequest& request) {
-    if (!m_navigator->SelectTable(request.dataSource, request.catalog, request.schema, request.table, request.mode))
+    const bool isElsewhere = request.report != -1 && request.report != m_document->GetJobId();
+    if (isElsewhere && !LoadReportForJob(request.reportName, request.report, KvbString(m_connection)))
+        return false;
+    if (request.run != -1 && !m_document->SetCurrentJob(request.run))
+        return false;
+    if (!SelectTableOf(request))
         return false;
     auto* table = qobject_cast<CTableView*>(m_view);
     if (!table)

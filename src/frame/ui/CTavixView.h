@@ -154,6 +154,7 @@ class CTavixView final : public SplitFrame,
 
   private:
     void AfterLoad();
+    bool SelectTableOf(const NavigateRequest& request);
     void TellRunsChanged();
     void RefreshOverview(RefreshHint hint);
     void OpenTableInformation();

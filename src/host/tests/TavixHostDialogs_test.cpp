@@ -26,6 +26,7 @@ enum class Opened {
     Options,
     DeleteHistory,
     NoteCategories,
+    Alerts,
     TableNote,
     FieldNote,
     Filter,
@@ -34,9 +35,9 @@ enum class Opened {
     TreeMenu,
 };
 
-constexpr std::array kAll = {Opened::Options,   Opened::DeleteHistory, Opened::NoteCategories,
-                             Opened::TableNote, Opened::FieldNote,     Opened::Filter,
-                             Opened::Details,   Opened::ListMenu,      Opened::TreeMenu};
+constexpr std::array kAll = {Opened::Options,   Opened::DeleteHistory, Opened::NoteCategories, Opened::Alerts,
+                             Opened::TableNote, Opened::FieldNote,     Opened::Filter,         Opened::Details,
+                             Opened::ListMenu,  Opened::TreeMenu};
 
 /// The command that opens it, if one does.
 std::optional<CommandId> commandOf(Opened what) {
@@ -47,6 +48,8 @@ std::optional<CommandId> commandOf(Opened what) {
         return CommandId::DeleteHistory;
     case Opened::NoteCategories:
         return CommandId::NoteCategories;
+    case Opened::Alerts:
+        return CommandId::Alerts;
     case Opened::TableNote:
         return CommandId::AddTableNote;
     case Opened::FieldNote:
@@ -171,7 +174,8 @@ class HostsEnd : public ::testing::Test {
 
 // Destroys everything, as a shell does at its end.
 TEST_F(HostsEnd, TheHostItselfMayBeDestroyedWithItsMessagesAndWidgets) {
-    for (const CommandId command : {CommandId::DeleteHistory, CommandId::Options, CommandId::NoteCategories}) {
+    for (const CommandId command :
+         {CommandId::DeleteHistory, CommandId::Options, CommandId::NoteCategories, CommandId::Alerts}) {
         auto messages = std::make_unique<RecordedMessages>();
         auto host = std::make_unique<TavixHost>(*messages, tavix::makeMemorySettings());
         auto parent = std::make_unique<QWidget>();
@@ -195,7 +199,8 @@ TEST_F(HostsEnd, TheParentOfTheViewMayBeDestroyedUnderADialog) {
     RecordedMessages messages;
     TavixHost host(messages, tavix::makeMemorySettings());
     host.DeleteHistoryEvent.Attach([](const std::function<void()>& perform) { perform(); });
-    for (const CommandId command : {CommandId::DeleteHistory, CommandId::Options, CommandId::NoteCategories}) {
+    for (const CommandId command :
+         {CommandId::DeleteHistory, CommandId::Options, CommandId::NoteCategories, CommandId::Alerts}) {
         auto grandparent = std::make_unique<QWidget>();
         const QPointer<QWidget> view = TavixQtWindow::Build(host, new QWidget(grandparent.get()));
         grandparent->show();

@@ -1,4 +1,5 @@
 #include "report/AlertBackTest.h"
+#include "report/tests/SlowJudge.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -52,36 +53,6 @@ TEST(AlertBackTest, EachRunIsJudgedByThoseBeforeIt) {
     EXPECT_EQ(14, test.runs[4].verdict.reference) << "the mean of 10, 12 and 20";
 }
 
-// Judges a run as a person would: from all earlier runs, walked one by one.
-State judgeSlowly(const AlertRule& rule, const std::vector<BackTestRun>& runs, std::size_t at) {
-    const BackTestRun& run = runs[at];
-    std::vector<double> used;
-    for (std::size_t i = at; i-- > 0 && used.size() < static_cast<std::size_t>(rule.runs);)
-        if (runs[i].figure && (rule.reference != AlertReference::SameWeekday || runs[i].weekday == run.weekday))
-            used.push_back(*runs[i].figure);
-    if (!run.figure || (isChange(rule.comparison) && used.empty()))
-        return State::Unknown;
-    const double x = *run.figure;
-    double reference = 0;
-    if (rule.reference == AlertReference::Median && !used.empty()) {
-        std::sort(used.begin(), used.end());
-        reference = (used[(used.size() - 1) / 2] + used[used.size() / 2]) / 2;
-    } else {
-        for (const double one : used)
-            reference += one / static_cast<double>(used.size());
-    }
-    const bool isInside = rule.value1 <= x && x <= rule.value2;
-    const double by = std::abs(x - reference);
-    const bool isRaised = rule.comparison == C::Greater     ? x > rule.value1
-                          : rule.comparison == C::Less      ? x < rule.value1
-                          : rule.comparison == C::Equal     ? x == rule.value1
-                          : rule.comparison == C::Outside   ? !isInside
-                          : rule.comparison == C::Inside    ? isInside
-                          : rule.comparison == C::ChangedBy ? by > rule.value1
-                                                            : by > rule.value1 / 100 * std::abs(reference);
-    return isRaised ? State::Raised : State::Quiet;
-}
-
 TEST(AlertBackTest, RandomHistoriesAreJudgedAsASlowJudgeDoesAndLaterRunsChangeNothing) {
     std::mt19937 random(19);
     const auto below = [&](int end) { return static_cast<int>(random() % static_cast<unsigned>(end)); };
@@ -101,7 +72,7 @@ TEST(AlertBackTest, RandomHistoriesAreJudgedAsASlowJudgeDoesAndLaterRunsChangeNo
         rule.reference = static_cast<AlertReference>(below(3));
         const AlertBackTest test = backTest(rule, runs);
         for (std::size_t i = 0; i < runs.size(); ++i) {
-            ASSERT_EQ(judgeSlowly(rule, runs, i), test.runs[i].verdict.state) << round << ", run " << i;
+            ASSERT_EQ(testing::judgeSlowly(rule, runs, i), test.runs[i].verdict.state) << round << ", run " << i;
             const std::vector<BackTestRun> upTo(runs.begin(), runs.begin() + static_cast<std::ptrdiff_t>(i) + 1);
             ASSERT_EQ(test.runs[i].verdict, backTest(rule, upTo).runs.back().verdict) << round << ", run " << i;
         }

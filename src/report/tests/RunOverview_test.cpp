@@ -74,9 +74,9 @@ TEST_F(RunOverviewOfSample, ViolatedRulesAndRaisedAlertsAreListedWithWhatTheyWat
     std::string script;
     for (const auto& [id, limit, level] :
          {std::tuple(501, 1, "warning"), std::tuple(502, 5000, "error"), std::tuple(503, 999, "error")}) {
-        script += fmt::format("INSERT INTO alert(id, table_id, field, metric, type_code, watched_key) "
-                              "VALUES({}, {}, {}, {}, 'SM', '');",
-                              id, customers, remark, metric);
+        script += fmt::format("INSERT INTO alert(id, table_id, field, metric, type_code, job, of_records, position, "
+                              "origin, author) VALUES({}, {}, {}, {}, 'SM', {}, 0, {}, 'J', '');",
+                              id, customers, remark, metric, m_sample.salesJob, id);
         int position = 0;
         for (const auto& [name, value] : {std::pair<std::string, std::string>{"JOB", std::to_string(m_sample.salesJob)},
                                           {"METRIC", std::to_string(metric)},
@@ -97,6 +97,11 @@ TEST_F(RunOverviewOfSample, ViolatedRulesAndRaisedAlertsAreListedWithWhatTheyWat
     EXPECT_EQ(customers, latest.raisedAlerts.front().tableId);
     EXPECT_EQ(remark, latest.raisedAlerts.front().fieldId);
     EXPECT_EQ(metric, latest.raisedAlerts.front().watchedId);
+    ASSERT_EQ(1U, latest.otherAlerts.size());
+    EXPECT_EQ(502, latest.otherAlerts.front().id);
+    ASSERT_TRUE(m_viewer->muteAlert(503, "anna", "known gap", 0, {}));
+    EXPECT_EQ(501, read(2).raisedAlerts.front().id) << "a muted alert is not listed as raised";
+    EXPECT_EQ(503, read(2).otherAlerts.front().id);
 }
 
 TEST_F(RunOverviewOfSample, ARunOfAnotherReportIsRefused) {

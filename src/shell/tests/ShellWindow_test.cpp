@@ -36,6 +36,31 @@ TEST_F(ShellOverSample, ARepositoryShowsItsReportsAndEnterOpensOne) {
     EXPECT_THAT(m_messages.texts, ElementsAre());
 }
 
+TEST_F(ShellOverSample, AReportThatTheViewerOpenedItselfIsTheShellsToo) {
+    class Connection final : public Veldra::Solenne::Tavix::TavixConnection {
+      public:
+        explicit Connection(std::string path) : m_path(std::move(path)) {}
+        [[nodiscard]] std::string GetName() const override { return "Sample"; }
+        [[nodiscard]] std::string GetKind() const override { return "SQLite"; }
+        [[nodiscard]] std::string GetConnectionString() const override { return m_path; }
+
+      private:
+        std::string m_path;
+    };
+    ASSERT_TRUE(open(m_sample.path));
+    ASSERT_TRUE(m_window.openReportNamed("Sales"));
+    const Connection connection(m_sample.path);
+    // As the viewer does it for an alert of another report.
+    ASSERT_TRUE(m_host.LoadReportForJob("Inventory", m_sample.inventoryJob, &connection));
+    EXPECT_THAT(title(), ::testing::StartsWith("Inventory - "));
+    for (QAction* action : m_window.findChildren<QAction*>()) {
+        if (action->shortcut() == QKeySequence(Qt::Key_F5))
+            action->trigger();
+    }
+    EXPECT_THAT(title(), ::testing::StartsWith("Inventory - "));
+    EXPECT_THAT(m_messages.texts, ElementsAre());
+}
+
 TEST_F(ShellOverSample, TheColoursOfTheOptionsAreTakenAtOnceByEveryWindowAndKept) {
     const QPalette before = QApplication::palette();
     ASSERT_TRUE(open(m_sample.path));

@@ -1,5 +1,3 @@
-#include "alert/TableAlertRows.h"
-#include "report/CAlertDisplayHelper.h"
 #include "support/RowsText.h"
 #include "support/RunScript.h"
 #include "support/SampleRules.h"
@@ -19,27 +17,15 @@ class TableRows : public testing::SampleViewer {
   protected:
     void SetUp() override {
         SampleViewer::SetUp();
-        m_customers.id = m_sample.tables.at("customers");
-        m_customers.dataSource = "Warehouse";
-        m_customers.catalog = "crm";
-        m_customers.schema = "public";
-        m_customers.name = "customers";
-    }
-    void alert(const std::string& table, const std::string& field, const std::string& type, const std::string& text) {
-        // Other programs may have written other codes.
-        testing::runScript(
-            m_sample.path,
-            fmt::format("PRAGMA ignore_check_constraints = 1; INSERT INTO alert(table_id, field, metric, type_code, "
-                        "description, watched_key) VALUES({}, {}, 0, '{}', '{}', 'k1')",
-                        m_sample.tables.at(table), m_sample.fields.at(table + "/" + field), type, text));
+        m_customers = m_sample.tables.at("customers");
     }
 
-    TableIdentity m_customers;
+    int m_customers = -1;
 };
 
 TEST_F(TableRows, VisualizationsOfATable) {
     ChartRows rows;
-    ASSERT_TRUE(rows.Fill(*m_viewer, m_customers.id));
+    ASSERT_TRUE(rows.Fill(*m_viewer, m_customers));
     EXPECT_EQ("Name:180|Description:360", headingsOf(rows));
     EXPECT_THAT(linesOf(rows), ElementsAre("Nulls|Null counts of all fields"));
     EXPECT_EQ("", rows.GetEmptyText());
@@ -48,42 +34,19 @@ TEST_F(TableRows, VisualizationsOfATable) {
     EXPECT_EQ("No visualization of this table is stored.", rows.GetEmptyText());
 }
 
-TEST_F(TableRows, AlertsOfATableGoByItsNames) {
-    alert("customers", "id", "SM", "Too few ids");
-    alert("customers", "name", "cm", "Odd names");
-    alert("customers", "name", "BR", "Broken rule");
-    alert("german customers", "id", "SM", "Of the filter");
-    alert("orders", "note", "", "Of another table");
-    TableAlertRows rows;
-    ASSERT_TRUE(rows.Fill(*m_viewer, m_customers));
-    EXPECT_EQ("Description:300|Type:120|Input:180", headingsOf(rows));
-    EXPECT_THAT(linesOf(rows), ElementsAre("Too few ids|Standard Metric|id", "Odd names|Custom Metric|name",
-                                           "Broken rule|Business Rule|name"));
-
-    TableIdentity german = m_customers;
-    german.objectName = "german customers";
-    ASSERT_TRUE(rows.Fill(*m_viewer, german));
-    EXPECT_THAT(linesOf(rows), ElementsAre("Of the filter|Standard Metric|id"));
-    TableIdentity elsewhere = m_customers;
-    elsewhere.schema.clear();
-    ASSERT_TRUE(rows.Fill(*m_viewer, elsewhere));
-    EXPECT_THAT(linesOf(rows), ElementsAre());
-    EXPECT_EQ("No alert is defined for this table.", rows.GetEmptyText());
-}
-
 TEST_F(TableRows, RulesAndMetricsShowWhatTheRunCounted) {
     testing::addRules(m_sample);
     testing::runScript(m_sample.path, "UPDATE run_rule SET checked_rows = 600, error_rows = 7 WHERE rule = 21;"
                                       "UPDATE run_custom_metric SET used_rows = 990, error_rows = 3 WHERE metric = 11");
     BusinessRuleRows rules;
-    ASSERT_TRUE(rules.Fill(*m_viewer, m_customers.id)) << rules.GetErrorText();
+    ASSERT_TRUE(rules.Fill(*m_viewer, m_customers)) << rules.GetErrorText();
     EXPECT_EQ("Business Rule:180|>Failed Rows:110|>Percentage:110|>Checked Rows:110|>Rows in Error:110|Condition:300|"
               "Input Fields:180",
               headingsOf(rules));
     EXPECT_THAT(linesOf(rules), ElementsAre("Name is known|>12|>2.00 %[0.02]|>600|>7|`balance` > 0|",
                                             "Balance is positive|>22|>2.20 %[0.02]|>1,000|>0|`balance` > 0|"));
     CustomMetricRows metrics;
-    ASSERT_TRUE(metrics.Fill(*m_viewer, m_customers.id)) << metrics.GetErrorText();
+    ASSERT_TRUE(metrics.Fill(*m_viewer, m_customers)) << metrics.GetErrorText();
     EXPECT_EQ("Custom Metric:180|Output Name:150|>Value:130|Figure:80|Expression:300|Input Fields:180|>Rows Used:110|"
               ">Rows in Error:110",
               headingsOf(metrics));
@@ -113,39 +76,13 @@ TEST_F(TableRows, HistoriesAreSortedByTheDateOfTheRun) {
     EXPECT_EQ("12 11 10 ", columnOf(rules));
 }
 
-TEST_F(TableRows, TheInputOfAnAlertIsTheNameBehindItsKey) {
-    alert("customers", "id", "SM", "1");
-    alert("customers", "id", "CM", "2");
-    alert("customers", "id", "BR", "3");
-    alert("customers", "id", "cm", "4");
-    const CAlertDisplayHelper helper({{"k1", "Margin"}, {"", "never"}}, {{"k1", "Rule 7"}, {"", "never"}});
-    const auto inputs = [&] {
-        std::vector<std::string> texts;
-        const ProfileCursorHandle alerts = m_viewer->getAlerts();
-        while (alerts && alerts->next())
-            texts.push_back(helper.InputText(*alerts));
-        return texts;
-    };
-    EXPECT_THAT(inputs(), ElementsAre("id", "Margin", "Rule 7", "id"));
-    testing::runScript(m_sample.path, "UPDATE alert SET watched_key = ''");
-    EXPECT_THAT(inputs(), ElementsAre("id", "id", "id", "id"));
-    testing::runScript(m_sample.path, "UPDATE alert SET watched_key = 'k2'");
-    EXPECT_THAT(inputs(), ElementsAre("id", "id", "id", "id"));
-}
-
 TEST_F(TableRows, AFailureLeavesTheRowsThatAreShown) {
-    alert("customers", "id", "SM", "Too few ids");
     ChartRows charts;
-    TableAlertRows alerts;
-    ASSERT_TRUE(charts.Fill(*m_viewer, m_customers.id));
-    ASSERT_TRUE(alerts.Fill(*m_viewer, m_customers));
+    ASSERT_TRUE(charts.Fill(*m_viewer, m_customers));
     m_viewer->close();
-    EXPECT_FALSE(charts.Fill(*m_viewer, m_customers.id));
-    EXPECT_FALSE(alerts.Fill(*m_viewer, m_customers));
+    EXPECT_FALSE(charts.Fill(*m_viewer, m_customers));
     EXPECT_EQ(1, charts.GetRowCount());
-    EXPECT_EQ(1, alerts.GetRowCount());
     EXPECT_THAT(charts.GetErrorText(), StartsWith("Error occurred while retrieving visualizations:\n\n"));
-    EXPECT_THAT(alerts.GetErrorText(), StartsWith("Error occurred while retrieving alert list:\n\n"));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "tabs/ui/CTableView.h"
 
 #include "tabs/ui/CNotesTab.h"
+#include "tabs/ui/CTabAlerts.h"
 #include "tabs/ui/CTabBusRule.h"
 #include "tabs/ui/CTabChanges.h"
 #include "tabs/ui/CTabCustMet.h"

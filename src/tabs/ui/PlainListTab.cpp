@@ -1,6 +1,5 @@
 #include "tabs/ui/PlainListTab.h"
 
-#include "alert/TableAlertRows.h"
 #include "tabs/ChartRows.h"
 #include "tabs/PkFkRows.h"
 
@@ -9,10 +8,6 @@
 namespace tavix {
 
 namespace {
-
-bool fillAlerts(TableAlertRows& rows, PrViewer& viewer, const ReportSubject& subject) {
-    return rows.Fill(viewer, subject.table);
-}
 
 bool fillKeyAnalyses(PkFkRows& rows, PrViewer& viewer, const ReportSubject& subject) {
     return rows.Fill(viewer, subject.selection.fieldId);
@@ -30,10 +25,6 @@ PlainList::Filled make() {
             [&kept](PrViewer& viewer, const ReportSubject& subject) { return kFill(kept, viewer, subject); }};
 }
 
-std::string withoutAlerts(const ReportSubject& subject) {
-    return obstacleOfCollection(subject, "alerts");
-}
-
 std::string withoutField(const ReportSubject& subject) {
     return subject.selection.fieldId != -1 ? "" : "No field is selected.";
 }
@@ -44,7 +35,6 @@ std::string withoutVisualizations(const ReportSubject& subject) {
 
 } // namespace
 
-const PlainList kAlertList = {"Alerts", &withoutAlerts, &make<TableAlertRows, &fillAlerts>};
 const PlainList kKeyAnalysisList = {"Primary Key/Foreign Key Analyses", &withoutField,
                                     &make<PkFkRows, &fillKeyAnalyses>};
 const PlainList kVisualizationList = {"Visualizations", &withoutVisualizations, &make<ChartRows, &fillCharts>};

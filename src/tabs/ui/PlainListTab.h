@@ -21,8 +21,6 @@ struct PlainList {
     Filled (*make)();
 };
 
-/// The alerts of a table.
-extern const PlainList kAlertList;
 /// The stored key analyses of a field.
 extern const PlainList kKeyAnalysisList;
 /// The visualizations that are stored with a table.
@@ -49,7 +47,6 @@ class PlainListTab final : public PlainListTabBase {
         : PlainListTabBase(kList, site, subject, isTornOff, parent) {}
 };
 
-using CTabAlerts = PlainListTab<kAlertList>;
 using CTabPKFK = PlainListTab<kKeyAnalysisList>;
 using CTabTblVis = PlainListTab<kVisualizationList>;
 

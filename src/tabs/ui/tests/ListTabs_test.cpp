@@ -9,6 +9,7 @@
 #include "settings/Settings.h"
 #include "support/RunScript.h"
 #include "support/SampleRepository.h"
+#include "tabs/ui/CTabAlerts.h"
 #include "tabs/ui/CTabBusRule.h"
 #include "tabs/ui/CTabColProf.h"
 #include "tabs/ui/CTabCustMet.h"
