@@ -85,12 +85,13 @@ void ValueDetectors::test(const Candidate& it, std::uint64_t count) {
         decide(Test, it.text, count);
 }
 
-void ValueDetectors::take(std::string_view text, std::uint64_t count, std::uint64_t length, bool isBlank) {
+void ValueDetectors::take(std::string_view text, ByteMask kinds, std::uint64_t count, std::uint64_t length,
+                          bool isBlank) {
     if (text.empty()) {
         m_blank.add(count);
         return;
     }
-    Candidate it{text, byteMask(text)};
+    Candidate it{text, kinds};
     if (isBlank)
         m_blank.add(count);
     else
