@@ -41,27 +41,27 @@ void ValueSurvey::take(std::span<const Entry> values) {
         const std::string_view text = entry.text();
         ++m_values;
         m_rows += entry.count;
-        const ByteMask kinds = m_patterns.take(text, entry.count);
-        const std::uint64_t length = (kinds & byte_kind::kBeyondAscii) == 0 ? text.size() : codePoints(text);
+        const ByteMask bytes = m_patterns.take(text, entry.count);
+        const std::uint64_t length = (bytes & byte_kind::kBeyondAscii) == 0 ? text.size() : codePoints(text);
         m_shortest = std::min(m_shortest, length);
         m_longest = std::max(m_longest, length);
         m_lengths.add(length, entry.count);
         m_longestBytes = std::max(m_longestBytes, text.size());
-        const bool isBlankText = mayBeBlank(kinds) && isBlank(text);
+        const bool isBlankText = mayBeBlank(bytes) && isBlank(text);
         if (text.empty())
             m_emptyRows += entry.count;
         else if (isBlankText)
             m_blankRows += entry.count;
         else
-            takeKind(text, entry.count);
-        m_detectors.take(text, kinds, entry.count, length, isBlankText);
+            takeKind(text, bytes, entry.count);
+        m_detectors.take(text, bytes, entry.count, length, isBlankText);
     }
     m_patterns.flush();
 }
 
-void ValueSurvey::takeKind(std::string_view text, std::uint64_t count) {
-    const forms::ValueKind kind = forms::kindOf(text);
-    m_forms.take(text, kind, count);
+void ValueSurvey::takeKind(std::string_view text, ByteMask bytes, std::uint64_t count) {
+    const forms::ValueKind kind = forms::kindOf(text, bytes);
+    m_forms.take(text, kind, bytes, count);
     m_kind = forms::joinedKind(m_kind, kind);
     if (m_kind == forms::ValueKind::Text)
         return;

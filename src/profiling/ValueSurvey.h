@@ -38,7 +38,7 @@ class ValueSurvey {
     [[nodiscard]] std::int64_t decimalPlaces() const { return m_decimalPlaces; } ///< the most of any real
 
   private:
-    void takeKind(std::string_view text, std::uint64_t count);
+    void takeKind(std::string_view text, ByteMask bytes, std::uint64_t count);
 
     findings::ValueDetectors m_detectors;
     PatternCounts m_patterns{m_detectors};
