@@ -281,7 +281,7 @@ class AlertStatesOfLongHistory : public AlertStatesOfSample {
                                   run.id, m_sample.salesJob, day * 86'400'000 + 5);
             // A field may vanish for a while, and a figure may be missing.
             if (i % 60 < 35 || below(30) == 0) {
-                figures.nulls = below(4) == 0 ? std::nullopt : std::optional<double>(below(20));
+                figures.nulls = below(20) == 0 ? std::nullopt : std::optional<double>(below(20));
                 figures.mean = below(3) == 0 ? std::nullopt : std::optional<double>(below(8) * 0.5 + i / 100);
                 script += fmt::format("UPDATE row SET run = {}, null_count = {}, mean = {};"
                                       "INSERT INTO run_field SELECT * FROM row;",
