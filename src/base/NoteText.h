@@ -6,7 +6,8 @@
 #include <string>
 #include <string_view>
 
-/// The rules for notes, names of note categories and descriptions of alerts, for the viewer, the tool and the repository.
+/// The rules for notes, names of note categories and descriptions of alerts, for the viewer, the tool and the
+/// repository.
 namespace tavix {
 
 /// In characters. A note fits into a worksheet cell, which holds 32,767 of them.

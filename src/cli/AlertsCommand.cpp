@@ -153,6 +153,8 @@ void AlertsCommand::checkPartners() const {
         throw CommandError(ExitCode::Usage, "--for and --until go with --mute");
     if (m_isSure && !m_isRemove)
         throw CommandError(ExitCode::Usage, "--yes goes with --remove");
+    if (m_mute && tidyNote(*m_mute).empty())
+        throw CommandError(ExitCode::Usage, "--mute needs a reason");
     for (const auto* text : {&m_mute, &m_note})
         if (*text)
             checkText(**text);

@@ -126,7 +126,8 @@ AlertState AlertStateReader::stateOf(const ProfileCursor& alert) {
     state.sentence = kNoAlertRule;
     state.tableId = alert.getColumnInt(AlertTableId);
     state.fieldId = idOrNone(AlertFieldId);
-    state.watchedId = idOrNone(AlertWatchedId);
+    // An alert whose rule cannot be read still marks its figure.
+    state.watchedId = idOrNone(state.subject == AlertSubject::StandardMetric ? AlertMetric : AlertWatchedId);
     state.isOfUser = alert.getColumnInt(AlertIsOfUser) != 0;
     state.author = textAt(alert, AlertAuthor);
     state.created = alert.getColumnDouble(AlertCreated);

@@ -469,10 +469,10 @@ LEFT JOIN field f ON f.id = b.field
 LEFT JOIN dismissed_finding x ON x.table_id = b.table_id AND x.field = b.field AND x.code = b.code;
 )sql";
 
-// Alerts of users, mutes, changes and notes. alert.origin: J defined by its job, U made by a user. alert.position: in the
-// job; 0 for a user's. alert_mute.runs: so many runs of the alert's job from first_run on; last_run: the last of them
-// where deleted runs would change the number. alert_change.author is empty for a run of the job. Both tables of alerts
-// are rebuilt for the reason given for run_file.
+// Alerts of users, mutes, changes and notes. alert.origin: J defined by its job, U made by a user. alert.position: in
+// the job; 0 for a user's. alert_mute.runs: so many runs of the alert's job from first_run on; last_run: the last of
+// them where deleted runs would change the number. alert_change.author is empty for a run of the job. Both tables of
+// alerts are rebuilt for the reason given for run_file.
 constexpr const char* kToVersion10 = R"sql(
 DROP VIEW v_alerts;
 CREATE TABLE alert_before AS
@@ -616,8 +616,8 @@ SELECT n.alert AS alert_id, a.description AS alert, n.id AS note_id, n.author,
 FROM alert_note n JOIN alert a ON a.id = n.alert;
 )sql";
 
-constexpr std::array kChanges{kToVersion2, kToVersion3, kToVersion4, kToVersion5,
-                              kToVersion6, kToVersion7, kToVersion8, kToVersion9, kToVersion10};
+constexpr std::array kChanges{kToVersion2, kToVersion3, kToVersion4, kToVersion5, kToVersion6,
+                              kToVersion7, kToVersion8, kToVersion9, kToVersion10};
 
 } // namespace
 
