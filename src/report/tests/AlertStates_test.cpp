@@ -169,6 +169,7 @@ TEST_F(AlertStatesOfSample, TheAlertsOfAllJobsAreEachJudgedForARunOfTheirOwn) {
 
     const std::vector<AlertState> states = readAllAlertStates(*m_viewer);
     std::vector<std::string> lines;
+    lines.reserve(states.size());
     for (const AlertState& state : states)
         lines.push_back(fmt::format("{} run {}: {}, {}, {}", alertPath(state), state.run, state.sentence,
                                     alertShownWord(state.shown()), alertOriginText(state)));
@@ -282,7 +283,7 @@ class AlertStatesOfLongHistory : public AlertStatesOfSample {
             // A field may vanish for a while, and a figure may be missing.
             if (i % 60 < 35 || below(30) == 0) {
                 figures.nulls = below(20) == 0 ? std::nullopt : std::optional<double>(below(20));
-                figures.mean = below(3) == 0 ? std::nullopt : std::optional<double>(below(8) * 0.5 + i / 100);
+                figures.mean = below(3) == 0 ? std::nullopt : std::optional<double>(below(8) * 0.5 + (i < 150 ? 0 : 1));
                 script += fmt::format("UPDATE row SET run = {}, null_count = {}, mean = {};"
                                       "INSERT INTO run_field SELECT * FROM row;",
                                       run.id, text(figures.nulls), text(figures.mean));
