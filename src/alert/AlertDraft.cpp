@@ -268,10 +268,8 @@ std::string_view AlertDraft::GetUnit() const {
 void AlertDraft::SetComparison(AlertComparison comparison) {
     if (comparison == m_rule.comparison)
         return;
-    const bool wasChange = isChange(m_rule.comparison);
     m_rule.comparison = comparison;
-    if (isChange(comparison) != wasChange)
-        Propose();
+    Propose();
     Judge();
 }
 
@@ -415,9 +413,8 @@ std::string AlertDraft::ProposalText(std::size_t proposal) const {
     const LimitProposal& one = m_proposals.at(proposal);
     const bool isPercent = IsPercent() || one.comparison == AlertComparison::ChangedByPercent;
     const auto limit = [isPercent](double value) { return alertLimitText(value, isPercent); };
-    const auto figures = std::ranges::count_if(m_runs, [](const BackTestRun& run) { return run.figure.has_value(); });
-    return fmt::format("{}: raised in {} of {}, {}", conditionText(one, limit), one.raised, countOf(figures, "run"),
-                       one.reason);
+    return fmt::format("{}: raised in {} ({})", conditionText(one, limit),
+                       one.raised == 0 ? "no run" : countOf(one.raised, "run"), one.reason);
 }
 
 void AlertDraft::Apply(std::size_t proposal) {

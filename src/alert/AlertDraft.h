@@ -100,7 +100,7 @@ class AlertDraft {
     /// The rule if its limits are numbers.
     [[nodiscard]] std::optional<AlertRule> GetRule() const;
     [[nodiscard]] const std::vector<LimitProposal>& GetProposals() const { return m_proposals; }
-    /// "greater than 12: raised in 1 of 24 runs, above the 99th percentile of 24 runs".
+    /// "is greater than 12: raised in 1 run (above the 95th percentile of 24 runs)".
     [[nodiscard]] std::string ProposalText(std::size_t proposal) const;
     void Apply(std::size_t proposal);
 

@@ -64,8 +64,7 @@ AlertPicture::Limits AlertPicture::LimitsOf(const BackTestRun& run) const {
     case AlertComparison::Greater:
         return {{}, rule.value1};
     case AlertComparison::Less:
-        return {rule.value1, {}};
-    case AlertComparison::Equal:
+    case AlertComparison::Equal: // a single limit, drawn like a lower one
         return {rule.value1, {}};
     case AlertComparison::Outside:
     case AlertComparison::Inside:

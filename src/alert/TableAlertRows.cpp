@@ -4,6 +4,7 @@
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
 #include "base/GenException.h"
+#include "report/AlertMarks.h"
 #include "report/AlertTexts.h"
 #include "report/CheckedCursor.h"
 
@@ -14,11 +15,6 @@
 namespace tavix {
 
 namespace {
-
-bool isOfTable(const AlertState& alert, const TableIdentity& table) {
-    return alert.dataSource == table.dataSource && alert.catalog == table.catalog && alert.schema == table.schema &&
-           (alert.objectName.empty() ? alert.tableName : alert.objectName) == table.displayName();
-}
 
 /// The names of the table in a row of getAlerts.
 AlertState namesOf(const ProfileCursor& row) {
@@ -38,7 +34,7 @@ bool hasMore(PrViewer& viewer, const TableIdentity& table, const std::vector<Ale
         ids.insert(alert.id);
     const ProfileCursorHandle alerts = checked(viewer, viewer.getAlerts());
     while (alerts->next()) {
-        if (!ids.contains(alerts->getColumnInt(layout::AlertId)) && isOfTable(namesOf(*alerts), table))
+        if (!ids.contains(alerts->getColumnInt(layout::AlertId)) && isListedFor(namesOf(*alerts), table))
             return true;
     }
     return false;
@@ -62,7 +58,7 @@ bool TableAlertRows::Fill(PrViewer& viewer, const TableIdentity& table, int job,
         alerts = readAllAlertStates(viewer);
         reports = readReportNames(viewer);
     }
-    std::erase_if(alerts, [&table](const AlertState& alert) { return !isOfTable(alert, table); });
+    std::erase_if(alerts, [&table](const AlertState& alert) { return !isListedFor(alert, table); });
     ShowAlerts(std::move(alerts), std::move(reports));
     m_job = job;
     return true;

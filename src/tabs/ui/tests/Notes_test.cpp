@@ -3,6 +3,7 @@
 #include "base/tests/TempFolder.h"
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
+#include "base/ui/tests/DialogScript.h"
 #include "doc/CTavixApp.h"
 #include "doc/tests/TestSite.h"
 #include "grid/ui/CUGCtrl.h"
@@ -18,20 +19,17 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
-#include <QPointer>
 #include <QPushButton>
 #include <QTest>
-#include <QTimer>
 
 #include <gmock/gmock.h>
-
-#include <deque>
 
 namespace tavix {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using testing::press;
 
 template <typename Widget>
 Widget& child(QWidget& window, const char* name) {
@@ -41,15 +39,6 @@ Widget& child(QWidget& window, const char* name) {
     return *found;
 }
 
-/// Presses the key like a user: activates the window, which a closed dialog may have left inactive, and focuses the
-/// widget.
-void press(QWidget& widget, Qt::Key key) {
-    QApplication::setActiveWindow(widget.window());
-    EXPECT_TRUE(QTest::qWaitForWindowActive(widget.window()));
-    widget.setFocus();
-    QTest::keyClick(&widget, key);
-}
-
 /// Saves a picture of the window to the folder that TAVIX_SHOTS names, if it is set.
 void shoot(QWidget& window, const char* name) {
     const QString folder = qEnvironmentVariable("TAVIX_SHOTS");
@@ -57,43 +46,6 @@ void shoot(QWidget& window, const char* name) {
     if (!folder.isEmpty())
         window.grab().save(QStringLiteral("%1/%2.png").arg(folder, QLatin1String(name)));
 }
-
-/// Scripted actions for the modal dialogs that open, one after the other.
-class Script {
-  public:
-    ~Script() { EXPECT_EQ(m_steps.size(), 0U) << "dialogs that never came"; }
-    void then(std::function<void(QDialog&)> step) {
-        m_steps.push_back(std::move(step));
-        QTimer::singleShot(0, qApp, [this] { Run(); });
-    }
-
-  private:
-    void Run() {
-        if (m_steps.empty())
-            return;
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (!dialog || !dialog->isVisible() || dialog == m_last) {
-            if (++m_waits < 1000)
-                QTimer::singleShot(1, qApp, [this] { Run(); });
-            return;
-        }
-        const std::function<void(QDialog&)> step = std::move(m_steps.front());
-        m_steps.pop_front();
-        const QPointer<QDialog> outer = m_last;
-        m_last = dialog;
-        QApplication::setActiveWindow(dialog);
-        EXPECT_TRUE(QTest::qWaitForWindowActive(dialog));
-        step(*dialog);
-        m_last = outer;
-        if (dialog->isVisible()) {
-            ADD_FAILURE() << "left open: " << toUtf8(dialog->windowTitle());
-            dialog->done(QDialog::Rejected);
-        }
-    }
-    std::deque<std::function<void(QDialog&)>> m_steps;
-    QPointer<QDialog> m_last; ///< the dialog of the current step
-    int m_waits = 0;
-};
 
 class NotesTabs : public ::testing::Test {
   protected:
@@ -143,7 +95,7 @@ class NotesTabs : public ::testing::Test {
     CTavixApp m_app;
     testing::TestSite m_site;
     ReportSubject m_subject;
-    Script m_script;
+    testing::DialogScript m_script;
 };
 
 TEST_F(NotesTabs, ShowTheNotesInTheChosenOrderAndTheWholeTextOfOne) {
