@@ -89,6 +89,7 @@ CAlertDlg::CAlertDlg(std::shared_ptr<PrViewer> session, Messages& messages, Aler
     ApplyColors();
     Connect();
     m_value1->setFocus();
+    m_value1->selectAll();
     resize(QSize(720, 640).boundedTo(screen()->availableSize() * 9 / 10));
 }
 
