@@ -48,11 +48,10 @@ GridCell figureCell(const AlertState& alert) {
     return cell;
 }
 
-/// The longest first.
+/// Sorted by the number of runs.
 GridCell raisedCell(const AlertState& alert, const std::locale& locale) {
     GridCell cell = textCell(alertSinceText(alert, locale));
-    if (!cell.text.empty())
-        cell.order = formatInteger(alert.raisedRuns);
+    cell.order = formatInteger(cell.text.empty() ? 0 : alert.raisedRuns);
     return cell;
 }
 

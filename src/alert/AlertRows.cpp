@@ -22,8 +22,8 @@ std::vector<GridColumn> gridColumns(const std::vector<AlertColumn>& columns) {
 
 } // namespace
 
-AlertRows::AlertRows(std::vector<AlertColumn> columns, std::string_view emptyText, std::locale locale)
-    : ListRows(gridColumns(columns), emptyText), m_columns(std::move(columns)), m_locale(std::move(locale)) {}
+AlertRows::AlertRows(std::vector<AlertColumn> columns, std::string_view emptyText, const std::locale& locale)
+    : ListRows(gridColumns(columns), emptyText), m_columns(std::move(columns)), m_locale(locale) {}
 
 void AlertRows::Clear() {
     ShowAlerts({}, {});

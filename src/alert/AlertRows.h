@@ -30,7 +30,7 @@ class AlertRows : public ListRows {
     [[nodiscard]] std::string GetToolTip(int column, std::int64_t row) const override;
 
   protected:
-    AlertRows(std::vector<AlertColumn> columns, std::string_view emptyText, std::locale locale);
+    AlertRows(std::vector<AlertColumn> columns, std::string_view emptyText, const std::locale& locale);
 
     /// Lists all of them. `reports` are the names of the jobs.
     void ShowAlerts(std::vector<AlertState> alerts, std::map<int, std::string> reports);

@@ -38,6 +38,7 @@ bool ReportAlertRows::Fill(PrViewer& viewer) {
         failure = exception.getText().str();
     }
     ShowAlerts(std::move(alerts), std::move(reports));
+    m_texts.clear();
     List();
     return failure.empty() || Fail(kAlertListFailed, failure);
 }
@@ -53,20 +54,25 @@ void ReportAlertRows::SetSearch(std::string text) {
 }
 
 void ReportAlertRows::List() {
+    if (!m_search.empty() && m_texts.empty())
+        ReadTexts();
     const FoldedFinder finder(m_search);
-    const auto holdsText = [&](const AlertState& alert) {
-        for (const AlertColumn column : Columns()) {
-            const GridCell cell = CellOfAlert(column, alert);
-            if (finder.isIn(cell.text) || (!cell.shown.empty() && finder.isIn(cell.shown)))
-                return true;
-        }
-        return false;
-    };
     ListOnly([&](std::size_t at) {
-        const AlertState& alert = Alerts()[at];
-        return m_filter.Accepts(alert) && (m_search.empty() || holdsText(alert));
+        return m_filter.Accepts(Alerts()[at]) && (m_search.empty() || finder.isIn(m_texts[at]));
     });
     SetEmptyText(Alerts().empty() ? kNoAlerts : kNoneListed);
+}
+
+// Once for all searches: making the cells costs more than searching them.
+void ReportAlertRows::ReadTexts() {
+    m_texts.reserve(Alerts().size());
+    for (const AlertState& alert : Alerts()) {
+        std::string& texts = m_texts.emplace_back();
+        for (const AlertColumn column : Columns()) {
+            const GridCell cell = CellOfAlert(column, alert);
+            texts += cell.text + "\n" + cell.shown + "\n";
+        }
+    }
 }
 
 std::string ReportAlertRows::GetCountText() const {

@@ -5,6 +5,7 @@
 #include "base/LibraryDate.h"
 
 #include <string>
+#include <vector>
 
 namespace tavix {
 
@@ -28,9 +29,11 @@ class ReportAlertRows final : public AlertRows {
 
   private:
     void List();
+    void ReadTexts();
 
     CAlertsFilter m_filter;
     std::string m_search;
+    std::vector<std::string> m_texts; ///< of each alert, to be searched; empty until there is a search
 };
 
 } // namespace tavix

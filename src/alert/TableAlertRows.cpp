@@ -1,9 +1,10 @@
 #include "alert/TableAlertRows.h"
 
+#include "access/CursorText.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
-#include "alert/ListedAlerts.h"
 #include "base/GenException.h"
+#include "report/AlertMarks.h"
 #include "report/AlertTexts.h"
 #include "report/CheckedCursor.h"
 
@@ -15,6 +16,17 @@ namespace tavix {
 
 namespace {
 
+/// The names of the table in a row of getAlerts.
+AlertState namesOf(const ProfileCursor& row) {
+    AlertState names;
+    names.dataSource = textAt(row, layout::AlertDsn);
+    names.catalog = textAt(row, layout::AlertCatalog);
+    names.schema = textAt(row, layout::AlertSchema);
+    names.tableName = textAt(row, layout::AlertTable);
+    names.objectName = textAt(row, layout::AlertObject);
+    return names;
+}
+
 /// Whether the repository has alerts of the table that are not among `known`.
 bool hasMore(PrViewer& viewer, const TableIdentity& table, const std::vector<AlertState>& known) {
     std::unordered_set<int> ids;
@@ -22,7 +34,7 @@ bool hasMore(PrViewer& viewer, const TableIdentity& table, const std::vector<Ale
         ids.insert(alert.id);
     const ProfileCursorHandle alerts = checked(viewer, viewer.getAlerts());
     while (alerts->next()) {
-        if (!ids.contains(alerts->getColumnInt(layout::AlertId)) && isListedFor(*alerts, table))
+        if (!ids.contains(alerts->getColumnInt(layout::AlertId)) && isListedFor(namesOf(*alerts), table))
             return true;
     }
     return false;
@@ -69,7 +81,7 @@ ListBase TableAlertRows::GetBase() const {
 
 std::string TableAlertRows::GetToolTip(int column, std::int64_t row) const {
     const AlertState& alert = GetAlert(row);
-    const std::string lines = AlertRows::GetToolTip(column, row);
+    std::string lines = AlertRows::GetToolTip(column, row);
     if (alert.job == m_job)
         return lines;
     const std::string report = GetReport(alert);

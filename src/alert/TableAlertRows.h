@@ -9,7 +9,8 @@
 
 namespace tavix {
 
-/// The alerts of one table, see isListedFor(), of all jobs: those of other jobs are judged for the latest run of their job.
+/// The alerts of one table, of all jobs, by the names of data source, catalog, schema and table: those of other jobs
+/// are judged for the latest run of their job.
 class TableAlertRows final : public AlertRows {
   public:
     explicit TableAlertRows(const std::locale& locale = userLocale());

@@ -1,6 +1,7 @@
 #include "base/DateTicks.h"
 
 #include "base/Ascii.h"
+#include "base/DayTicks.h"
 
 #include <fmt/format.h>
 
@@ -16,7 +17,7 @@ constexpr std::int64_t kFirst = std::int64_t{-719162} * kTicksPerDay;  // 0001-0
 constexpr std::int64_t kBehind = std::int64_t{2932897} * kTicksPerDay; // 10000-01-01
 constexpr std::int64_t kFinestDigits = 7;
 
-/// Parses a date from the left. After a failed step all others fail.
+/// Parses a time from the left. After a failed step all others fail.
 class Steps {
   public:
     explicit Steps(std::string_view text) : m_rest(text) {}
@@ -60,7 +61,6 @@ class Steps {
     }
     [[nodiscard]] char next() const { return m_rest.empty() ? '\0' : m_rest.front(); }
     [[nodiscard]] bool isAtEnd() const { return m_isGood && m_rest.empty(); }
-    [[nodiscard]] bool isGood() const { return m_isGood; }
 
   private:
     int giveUp() {
@@ -73,8 +73,21 @@ class Steps {
     bool m_isGood = true;
 };
 
-/// Parses the time after the day, perhaps with an offset. Returns the ticks to add.
-std::int64_t parseTime(Steps& steps) {
+/// hh:mm:ss, as most times are written; the text has colons there.
+std::optional<std::int64_t> parseUsualTime(std::string_view text) {
+    const int hours = twoDigits(text, 0);
+    const int minutes = twoDigits(text, 3);
+    const int seconds = twoDigits(text, 6);
+    if (hours < 0 || minutes < 0 || seconds < 0 || hours > 23 || minutes > 59 || seconds > 59)
+        return std::nullopt;
+    return ((hours * 60 + minutes) * 60 + seconds) * kTicksPerSecond;
+}
+
+/// The ticks of a time of day, perhaps with an offset.
+std::optional<std::int64_t> parseTime(std::string_view text) {
+    if (text.size() == 8 && text[2] == ':' && text[5] == ':')
+        return parseUsualTime(text);
+    Steps steps(text);
     std::int64_t seconds = std::int64_t{3600} * steps.digits(2, 0, 23);
     steps.need(':');
     seconds += std::int64_t{60} * steps.digits(2, 0, 59);
@@ -84,10 +97,8 @@ std::int64_t parseTime(Steps& steps) {
         if (steps.skip(".,"))
             ticks = steps.fraction();
     }
-    if (steps.skip("Z"))
-        return seconds * kTicksPerSecond + ticks;
     const char sign = steps.next();
-    if (steps.skip("+-")) {
+    if (!steps.skip("Z") && steps.skip("+-")) {
         std::int64_t offset = std::int64_t{60} * steps.digits(2, 0, 23);
         if (steps.next() != '\0') {
             steps.skip(":");
@@ -95,33 +106,22 @@ std::int64_t parseTime(Steps& steps) {
         }
         seconds -= std::int64_t{60} * (sign == '+' ? offset : -offset);
     }
-    return seconds * kTicksPerSecond + ticks;
+    return steps.isAtEnd() ? std::optional(seconds * kTicksPerSecond + ticks) : std::nullopt;
 }
 
 } // namespace
 
 std::optional<std::int64_t> parseDate(std::string_view text) {
-    if (text.size() < 10 || !isAsciiDigit(text.front()))
+    constexpr std::size_t kDay = 10; // 2026-11-21
+    if (text.size() < kDay || text[4] != '-' || text[7] != '-')
         return std::nullopt;
-    Steps steps(text);
-    const int year = steps.digits(4, 1, 9999);
-    steps.need('-');
-    const int month = steps.digits(2, 1, 12);
-    steps.need('-');
-    const int day = steps.digits(2, 1, 31);
-    const std::chrono::year_month_day date{std::chrono::year{year}, std::chrono::month{static_cast<unsigned>(month)},
-                                           std::chrono::day{static_cast<unsigned>(day)}};
-    if (!steps.isGood() || !date.ok())
+    const auto day = ticksOfDay(twoDigits(text, 0) * 100 + twoDigits(text, 2), twoDigits(text, 5), twoDigits(text, 8));
+    if (!day || text.size() == kDay)
+        return day;
+    if (text[kDay] != 'T' && text[kDay] != ' ')
         return std::nullopt;
-    std::int64_t ticks = kTicksPerDay * sys_days{date}.time_since_epoch().count();
-    if (steps.isAtEnd())
-        return ticks;
-    if (!steps.skip("T "))
-        return std::nullopt;
-    ticks += parseTime(steps);
-    if (!steps.isAtEnd())
-        return std::nullopt;
-    return ticks;
+    const auto time = parseTime(text.substr(kDay + 1));
+    return time ? std::optional(*day + *time) : std::nullopt;
 }
 
 std::string formatDate(std::int64_t ticks) {

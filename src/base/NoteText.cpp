@@ -87,6 +87,10 @@ Status checkNoteCategory(std::string_view name) {
     return check(name, kLongestNoteCategory, "name of the category");
 }
 
+Status checkAlertDescription(std::string_view text) {
+    return check(text, kLongestAlertDescription, "description");
+}
+
 bool isSameNoteCategory(std::string_view a, std::string_view b) {
     const auto unicode = [](std::string_view text) {
         return icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));

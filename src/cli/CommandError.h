@@ -13,6 +13,7 @@ enum class ExitCode {
     Source = 3,    ///< a file to profile, the repository or the output failed
     Cancelled = 4, ///< by the user; nothing was changed
     Partial = 4,   ///< a run was stored without its empty files
+    NotTold = 5,   ///< a run was stored and raised alerts, but the command that tells of them failed
 };
 
 /// Ends the running command. CommandLine alone catches it, shows its text and turns it into the exit code.

@@ -63,7 +63,8 @@ constexpr const char* kFooter =
     "Exit codes: 0 success; 1 success, but an alert is raised or a finding is open (--fail-at);\n"
     "2 wrong arguments or job file;\n"
     "3 a source, the repository or the output failed;\n"
-    "4 cancelled, or the run was stored without its empty files.";
+    "4 cancelled, or the run was stored without its empty files;\n"
+    "5 the run was stored, but the job's command for raised alerts failed.";
 
 using Commands = std::vector<std::unique_ptr<Command>>;
 

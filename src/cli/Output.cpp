@@ -26,6 +26,10 @@ Output::Output(std::string path) {
 }
 
 void Output::write(std::string_view text) {
+    if (m_text) {
+        m_text->append(text);
+        return;
+    }
     if (m_file) {
         if (const Status written = m_file->write(text); !written)
             fail(written.error().text);
@@ -36,6 +40,8 @@ void Output::write(std::string_view text) {
 }
 
 void Output::commit() {
+    if (m_text)
+        return;
     if (m_file) {
         if (const Status written = m_file->commit(); !written)
             fail(written.error().text);

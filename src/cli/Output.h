@@ -15,6 +15,8 @@ class Output {
     /// The file `path`; "" or "-" is standard output. Devices and pipes are written directly. A file of
     /// a repository in use is refused.
     explicit Output(std::string path);
+    /// A text in memory, which must outlive this object.
+    explicit Output(std::string* text) : m_text(text) {}
 
     void write(std::string_view text);
     /// Flushes the output and replaces the file. Call it once, after the last write.
@@ -24,6 +26,7 @@ class Output {
     [[noreturn]] void failToPrint() const;
     [[noreturn]] void fail(const std::string& reason) const;
 
+    std::string* m_text = nullptr;      ///< of an output in memory
     std::string m_path;                 ///< "" for standard output
     std::unique_ptr<FileWriter> m_file; ///< null for standard output
 };

@@ -3,6 +3,7 @@
 #include "base/Ascii.h"
 #include "base/HeldRepositories.h"
 #include "cli/AlertLists.h"
+#include "cli/AlertNotice.h"
 #include "cli/ArgumentChecks.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
@@ -211,6 +212,7 @@ void ProfileCommand::run(const CommonOptions& options) {
         throw CommandError(ExitCode::Usage,
                            "where shall the run go? Name a repository with --repository FILE, or in TAVIX_REPOSITORY");
     const HeldRepository held(repository);
+    warnIfNoProgram(job.onAlert);
     if (m_dryRun) {
         auto plan = profiling::planJob(job, repository, sourceCredentials(), [] { return !isInterrupted(); });
         stopIfInterrupted();
@@ -247,21 +249,29 @@ void ProfileCommand::run(const CommonOptions& options) {
                     result->seconds));
     listOutcome(listing, job, *result);
     listing.finish();
-    checkAlerts(repository, job.name, *result);
+    checkAlerts(repository, job, *result);
     endPartial(result->leftOut);
 }
 
-void ProfileCommand::checkAlerts(const std::string& repository, const std::string& job,
+void ProfileCommand::checkAlerts(const std::string& repository, const job::JobDescription& job,
                                  const profiling::RunOutcome& outcome) const {
-    Session session(repository);
-    session.check(session.viewer().setCurrentJobSetup(outcome.jobId));
-    session.check(session.viewer().setCurrentJob(outcome.runId));
-    const std::vector<AlertState> alerts = readAlertStates(session.viewer(), outcome.jobId);
+    const std::vector<AlertState> alerts = [&] {
+        // Closed before a program is started that may use the repository.
+        Session session(repository);
+        session.check(session.viewer().setCurrentJobSetup(outcome.jobId));
+        session.check(session.viewer().setCurrentJob(outcome.runId));
+        return readAlertStates(session.viewer(), outcome.jobId);
+    }();
     sayAlerts(alerts);
+    const Status told = tellAlerts(job.onAlert, {repository, job.name, outcome.runId}, alerts);
+    if (!told)
+        say(told.error().text);
     if (!m_failAt.empty())
-        sayIfNoAlert(alerts, job);
+        sayIfNoAlert(alerts, job.name);
     if (const auto level = parseAlertLevel(m_failAt))
         failOnAlerts(alerts, *level);
+    if (!told)
+        throw CommandError(ExitCode::NotTold, "the run is stored, but nobody was told of its alerts");
 }
 
 } // namespace tavix::cli

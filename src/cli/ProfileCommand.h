@@ -20,7 +20,9 @@ class ProfileCommand final : public Command {
   private:
     [[nodiscard]] job::JobDescription describe() const;
     void explain(const job::JobDescription& job, const CommonOptions& options) const;
-    void checkAlerts(const std::string& repository, const std::string& job, const profiling::RunOutcome& outcome) const;
+    /// Says what the run raises, starts the command of the job, and throws as --fail-at asks for.
+    void checkAlerts(const std::string& repository, const job::JobDescription& job,
+                     const profiling::RunOutcome& outcome) const;
     [[nodiscard]] job::JobDescription describeJobFile(const std::string& path) const;
 
     std::vector<std::string> m_files;

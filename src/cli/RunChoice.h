@@ -24,6 +24,7 @@ class RunChoice {
   public:
     /// Adds the options. This object must outlive the command.
     void declare(CLI::App& command);
+    [[nodiscard]] bool isGiven() const { return m_job || m_run; }
     /// Makes the run the session's current one. Throws CommandError.
     void select(Session& session) const;
 

@@ -20,7 +20,8 @@ struct Column {
         Number,
         /// A value of a field: a number in the rows whose `typeColumn` is integer or real, else text.
         TypedValue,
-        /// Long text in the last column. The text format folds it into lines instead of cutting it.
+        /// Long text in the last column, or in any of a record. The text format folds it into lines instead of cutting
+        /// it.
         Prose,
     };
 

@@ -147,8 +147,10 @@ void TextTableWriter::writeRecord(std::span<const KvbDatavar> cells, bool isMark
         m_line = m_headings[i].text;
         m_line.append(widest - m_headings[i].width, ' ');
         m_line += kGap;
-        m_line += makeCell(cells[i], m_section.columns[i], isMarked).text;
-        m_line += '\n';
+        const Cell cell = makeCell(cells[i], m_section.columns[i], isMarked);
+        m_line += cell.text + '\n';
+        for (const std::string& more : cell.more)
+            m_line += std::string(widest, ' ').append(kGap) + more + '\n';
         m_output.write(m_line);
     }
 }

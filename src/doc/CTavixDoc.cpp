@@ -2,6 +2,7 @@
 
 #include "access/Layouts.h"
 #include "base/GenException.h"
+#include "report/AlertTexts.h"
 #include "report/ReportTables.h"
 
 #include <algorithm>
@@ -326,6 +327,13 @@ const std::string& CTavixDoc::GetAlertsError() {
     if (!m_alerts)
         ReadAlerts();
     return m_alertsError;
+}
+
+std::string CTavixDoc::GetAlertsText() {
+    const std::vector<AlertState>& alerts = GetAlerts();
+    if (!m_alertsError.empty())
+        return "alerts cannot be read";
+    return alerts.empty() ? std::string() : alertCountsText(countAlerts(alerts));
 }
 
 // A failure is kept like the alerts: panes ask often, and each of them says in its own words that the alerts are

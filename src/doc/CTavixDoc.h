@@ -146,6 +146,8 @@ class CTavixDoc {
     [[nodiscard]] const std::vector<AlertState>& GetAlerts();
     /// Why GetAlerts() could not read the alerts; "" if it could.
     [[nodiscard]] const std::string& GetAlertsError();
+    /// How many alerts are raised, for a status line: "2 errors, 1 warning"; "" without alerts.
+    [[nodiscard]] std::string GetAlertsText();
     /// To be called before `hint` is passed on to the panes, so that none of them reads what it makes stale.
     void Notice(RefreshHint hint);
     /// The user's logins to the databases that drill-through reads; forgotten when the report is closed.

@@ -16,7 +16,7 @@ struct NavigateRequest {
     int rowId = -1;         ///< for a standard metric, the id of its field
     int tableId = -1;       ///< if it is known; the names and the mode are then not read
     int report = -1;        ///< the job of the report to open first; -1: the one that is open
-    std::string reportName;
+    std::string reportName = {};
     int run = -1; ///< of the report; -1: the one that is shown
 };
 

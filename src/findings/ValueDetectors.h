@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ByteMask.h"
 #include "findings/Finding.h"
 #include "findings/ValueLists.h"
 #include "findings/ValueTests.h"
@@ -22,8 +23,8 @@ class ValueDetectors {
     ValueDetectors(const ValueDetectors&) = delete;
     ValueDetectors& operator=(const ValueDetectors&) = delete;
 
-    /// Takes a distinct value, its number of rows and of characters, and whether it is empty or blank.
-    void take(std::string_view text, std::uint64_t count, std::uint64_t length, bool isBlank);
+    /// Takes a distinct value, its byteMask(), its number of rows and of characters, and whether it is empty or blank.
+    void take(std::string_view text, ByteMask kinds, std::uint64_t count, std::uint64_t length, bool isBlank);
     /// Takes some of the values of a pattern; a pattern may come again.
     void takePattern(std::string_view pattern, Hits hits);
 

@@ -93,11 +93,19 @@ using namespace byte_kind; // NOLINT(google-build-using-namespace): every functi
     return maybe(it.text.back() == '-' && isAsciiDigit(it.text.front()) && !it.has(kLetters | kSpace));
 }
 [[nodiscard]] inline Verdict numberWithUnit(const Candidate& it) {
+    constexpr std::size_t kLongestUnit = 5; // " mins"
     const char first = it.text.front();
     if (!it.has(kDigit))
         return Verdict::No;
-    const bool isAfter = (isAsciiDigit(first) || first == '-' || first == '+') && !isAsciiDigit(it.text.back());
-    return maybe(isAfter ? it.has(kLetters | kMoney | kBeyondAscii) : first == '$' || !isAscii(first));
+    if (!isAsciiDigit(first) && first != '-' && first != '+')
+        return maybe(first == '$' || !isAscii(first));
+    if (isAsciiDigit(it.text.back()) || !it.has(kLetters | kMoney | kBeyondAscii))
+        return Verdict::No;
+    std::size_t number = 1;
+    while (number < it.text.size() &&
+           (isAsciiDigit(it.text[number]) || it.text[number] == '.' || it.text[number] == ','))
+        ++number;
+    return maybe(it.text.size() - number <= kLongestUnit);
 }
 [[nodiscard]] inline Verdict zeroPadded(const Candidate& it) {
     return surely(it.mask == kDigit && it.text.size() > 1 && it.text.front() == '0');
@@ -163,8 +171,12 @@ using namespace byte_kind; // NOLINT(google-build-using-namespace): every functi
 [[nodiscard]] inline Verdict ipAddress(const Candidate& it) {
     if (it.text.size() < 7 || it.text.size() > 39)
         return Verdict::No;
-    if (it.hasOnly(kDigit | kDot))
-        return maybe(it.text.size() <= 15 && std::count(it.text.begin(), it.text.end(), '.') == 3);
+    if (it.hasOnly(kDigit | kDot)) {
+        constexpr std::size_t kLastPart = 4; // .255
+        const auto pointsIn = [](std::string_view text) { return std::count(text.begin(), text.end(), '.'); };
+        return maybe(it.text.size() <= 15 && pointsIn(it.text.substr(it.text.size() - kLastPart)) > 0 &&
+                     pointsIn(it.text) == 3);
+    }
     return maybe(it.hasOnly(kDigit | kLetters | kColon) && std::count(it.text.begin(), it.text.end(), ':') == 7);
 }
 [[nodiscard]] inline Verdict cardNumber(const Candidate& it) {

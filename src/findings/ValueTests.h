@@ -1,6 +1,6 @@
 #pragma once
 
-#include "findings/ByteMask.h"
+#include "base/ByteMask.h"
 
 #include <array>
 #include <cstddef>

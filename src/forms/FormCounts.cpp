@@ -12,11 +12,11 @@ constexpr std::size_t kSurely64 = 18;
 
 /// Whether the form of a strict real must be looked at: a decimal comma would read 1.234 as grouped, and 1e5 like a
 /// point does.
-bool needsForm(std::string_view real) {
+bool needsForm(std::string_view real, ByteMask bytes) {
     constexpr std::size_t kGroup = 4;   // .234
     constexpr std::size_t kLongest = 8; // -123.234
     return (real.size() > kGroup && real.size() <= kLongest && real[real.size() - kGroup] == '.') ||
-           real.find('.') == std::string_view::npos;
+           (bytes & byte_kind::kDot) == 0;
 }
 
 bool fitsIn64(std::string_view text) {
@@ -56,8 +56,8 @@ ValueForm formOf(ValueKind kind) {
 
 } // namespace
 
-void FormCounts::takeNumber(std::string_view text, ValueKind kind, std::uint64_t count) {
-    if (kind == ValueKind::Real && needsForm(text)) {
+void FormCounts::takeNumber(std::string_view text, ValueKind kind, ByteMask bytes, std::uint64_t count) {
+    if (kind == ValueKind::Real && needsForm(text, bytes)) {
         takeForm(ValueForm::of(text, kind), text, count);
         return;
     }
@@ -71,8 +71,8 @@ void FormCounts::takeNumber(std::string_view text, ValueKind kind, std::uint64_t
         takeEpoch(text, count);
 }
 
-void FormCounts::takeText(std::string_view text, std::uint64_t count) {
-    if (const auto form = ValueForm::written(text))
+void FormCounts::takeText(std::string_view text, ByteMask bytes, std::uint64_t count) {
+    if (const auto form = ValueForm::written(text, bytes))
         takeForm(*form, text, count);
     else
         m_kinds[static_cast<std::size_t>(ValueKind::Text)].add(text, count);

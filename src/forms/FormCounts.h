@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ByteMask.h"
 #include "forms/ColumnReading.h"
 #include "forms/ValueForm.h"
 #include "forms/ValueKind.h"
@@ -20,12 +21,13 @@ class FormCounts {
     FormCounts(const FormCounts&) = delete; // m_lastTally points into it
     FormCounts& operator=(const FormCounts&) = delete;
 
-    /// Takes a distinct value that occurs `count` times and is neither empty nor blank; `kind` is its kindOf().
-    void take(std::string_view text, ValueKind kind, std::uint64_t count) {
+    /// Takes a distinct value that occurs `count` times and is neither empty nor blank; `kind` is its kindOf() and
+    /// `bytes` its byteMask().
+    void take(std::string_view text, ValueKind kind, ByteMask bytes, std::uint64_t count) {
         if (kind == ValueKind::Text)
-            takeText(text, count);
+            takeText(text, bytes, count);
         else if (kind == ValueKind::Integer || kind == ValueKind::Real)
-            takeNumber(text, kind, count);
+            takeNumber(text, kind, bytes, count);
         else
             m_kinds[static_cast<std::size_t>(kind)].add(text, count);
     }
@@ -38,8 +40,8 @@ class FormCounts {
   private:
     static constexpr std::size_t kKinds = 6;
 
-    void takeNumber(std::string_view text, ValueKind kind, std::uint64_t count);
-    void takeText(std::string_view text, std::uint64_t count);
+    void takeNumber(std::string_view text, ValueKind kind, ByteMask bytes, std::uint64_t count);
+    void takeText(std::string_view text, ByteMask bytes, std::uint64_t count);
     void takeForm(const ValueForm& form, std::string_view text, std::uint64_t count);
     void takeEpoch(std::string_view text, std::uint64_t count);
 

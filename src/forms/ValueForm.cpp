@@ -62,15 +62,22 @@ bool hasDigit(std::string_view text) {
     return std::any_of(text.begin(), text.end(), [](char c) { return isAsciiDigit(c); });
 }
 
+/// Whether a month or a weekday can begin at `at`.
+bool mayBeName(std::string_view text, std::size_t at) {
+    if (at + 1 >= text.size() || !isAsciiLetter(text[at]) || !isAsciiLetter(text[at + 1]))
+        return false;
+    const auto first = static_cast<unsigned>(asciiLower(text[at]) - 'a');
+    const auto second = static_cast<unsigned>(asciiLower(text[at + 1]) - 'a');
+    return (kNameStarts[first] >> second & 1U) != 0;
+}
+
 /// Of a text that begins with a letter.
 Suspicion suspectLetters(std::string_view text) {
     constexpr std::size_t kShortest = 4; // EUR5
     if (text.size() < kShortest || !isAsciiLetter(text[1]))
         return {};
-    const auto first = static_cast<unsigned>(asciiLower(text[0]) - 'a');
-    const auto second = static_cast<unsigned>(asciiLower(text[1]) - 'a');
     Suspicion suspicion;
-    suspicion.isDate = (kNameStarts[first] >> second & 1U) != 0;
+    suspicion.isDate = mayBeName(text, 0);
     suspicion.isNumber = isUpper(text[0]) && isUpper(text[1]) && isUpper(text[2]) && !isAsciiLetter(text[3]);
     if ((suspicion.isDate || suspicion.isNumber) && !hasDigit(text))
         return {};
@@ -103,7 +110,7 @@ Suspicion suspectDigits(std::string_view text) {
         break;
     }
     const bool isLower = isAsciiLetter(next) && !isUpper(next);
-    return {.isNumber = !isLower || next == 'e', .isDate = mayBeDate && isAsciiLetter(next)};
+    return {.isNumber = !isLower || next == 'e', .isDate = mayBeDate && mayBeName(text, digits)};
 }
 
 /// Of a text without white space at its ends.
@@ -240,9 +247,14 @@ std::string numberText(const ValueForm& form, DecimalMark mark) {
 
 } // namespace
 
-std::optional<ValueForm> ValueForm::written(std::string_view text) {
+std::optional<ValueForm> ValueForm::written(std::string_view text, ByteMask bytes) {
+    using namespace byte_kind; // NOLINT(google-build-using-namespace): a list of these
+    if ((bytes & (kAt | kAmpersand | kLess | kBackslash | kHash | kEquals | kQuestion | kBracket)) != 0)
+        return std::nullopt; // as in no number and no date
     const auto isVisible = [](char c) { return c > ' ' && c < '\x7F'; };
     const bool mayHaveBlanks = !isVisible(text.front()) || !isVisible(text.back());
+    if (!mayHaveBlanks && (bytes & kDigit) == 0)
+        return std::nullopt;
     const std::string_view inner = mayHaveBlanks ? withoutBlanks(text) : text;
     const bool hasBlanks = inner.size() < text.size();
     const ValueKind kind = hasBlanks ? kindOf(inner) : ValueKind::Text;
@@ -260,7 +272,7 @@ std::optional<ValueForm> ValueForm::written(std::string_view text) {
 
 ValueForm ValueForm::of(std::string_view text, ValueKind kind) {
     if (kind == ValueKind::Text)
-        return written(text).value_or(ValueForm{});
+        return written(text, byteMask(text)).value_or(ValueForm{});
     ValueForm form;
     setStrict(form, kind, text);
     return form;

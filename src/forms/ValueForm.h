@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ByteMask.h"
 #include "forms/Unit.h"
 #include "forms/ValueKind.h"
 #include "forms/WrittenDate.h"
@@ -39,7 +40,8 @@ struct ValueForm {
     [[nodiscard]] static ValueForm of(std::string_view text, ValueKind kind);
 
     /// Of a text that is neither empty nor blank and fits no strict type; none if it is plain text, which costs little.
-    [[nodiscard]] static std::optional<ValueForm> written(std::string_view text);
+    /// `bytes` is its byteMask().
+    [[nodiscard]] static std::optional<ValueForm> written(std::string_view text, ByteMask bytes);
 
     /// Different for different forms.
     [[nodiscard]] std::uint64_t key() const;

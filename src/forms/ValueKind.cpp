@@ -81,6 +81,15 @@ ValueKind kindOf(std::string_view text) {
     return isBlank(text) ? ValueKind::None : ValueKind::Text;
 }
 
+ValueKind kindOf(std::string_view text, ByteMask bytes) {
+    using namespace byte_kind; // NOLINT(google-build-using-namespace): a list of these
+    if ((bytes & ~(kDigit | kLetters | kDot | kHyphen | kColon | kSpace | kComma | kPlus)) != 0)
+        return ValueKind::Text;
+    if (bytes == kDigit && text.size() <= kSurelyInRange)
+        return text.size() > 1 && text.front() == '0' ? ValueKind::Text : ValueKind::Integer;
+    return kindOf(text);
+}
+
 ValueKind joinedKind(ValueKind a, ValueKind b) {
     const auto isNumber = [](ValueKind kind) { return kind == ValueKind::Integer || kind == ValueKind::Real; };
     if (a == b || b == ValueKind::None)
@@ -134,6 +143,11 @@ double realValue(std::string_view text) {
 }
 
 std::int64_t decimalPlaces(std::string_view text) {
+    std::size_t atEnd = 0;
+    while (atEnd < text.size() && isAsciiDigit(text[text.size() - 1 - atEnd]))
+        ++atEnd;
+    if (atEnd < text.size() && text[text.size() - 1 - atEnd] == '.')
+        return static_cast<std::int64_t>(atEnd); // as nearly all
     const std::size_t exponentAt = text.find_first_of("eE");
     const std::string_view mantissa = text.substr(0, exponentAt);
     const std::size_t point = mantissa.find('.');

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ByteMask.h"
 #include "base/TypeWords.h"
 
 #include <cstdint>
@@ -20,6 +21,8 @@ enum class ValueKind : std::uint8_t {
 
 /// The narrowest kind that the text fits.
 [[nodiscard]] ValueKind kindOf(std::string_view text);
+/// The same, sooner, of a text that is neither empty nor blank; `bytes` is its byteMask().
+[[nodiscard]] ValueKind kindOf(std::string_view text, ByteMask bytes);
 
 /// The narrowest kind that holds values of both kinds.
 [[nodiscard]] ValueKind joinedKind(ValueKind a, ValueKind b);

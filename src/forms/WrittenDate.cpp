@@ -2,6 +2,7 @@
 
 #include "base/Ascii.h"
 #include "base/DateTicks.h"
+#include "base/DayTicks.h"
 
 #include <array>
 #include <cstddef>
@@ -22,33 +23,6 @@ constexpr std::size_t kMostDigits = 4;
 constexpr int kSomeCentury = 2000;
 constexpr std::int64_t kTickDigits = 7;
 constexpr std::int64_t kMostPlaces = 9;
-
-/// The days of a year before each month that has no leap day before it.
-constexpr std::array<int, 12> kDaysBefore{0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334};
-constexpr std::array<int, 12> kDaysIn{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-constexpr int kDaysBefore1970 = 719'162; ///< from 0001-01-01 on
-
-/// A run reads every distinct date twice, and this takes half the time of std::chrono.
-std::optional<std::int64_t> ticksOfDay(int year, int month, int day) {
-    if (year < 1 || month < 1 || month > 12 || day < 1)
-        return std::nullopt;
-    const bool isLeap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-    const auto index = static_cast<std::size_t>(month - 1);
-    if (day > kDaysIn[index] + (isLeap && month == 2 ? 1 : 0))
-        return std::nullopt;
-    const int before = year - 1;
-    const int days = before * 365 + before / 4 - before / 100 + before / 400 + kDaysBefore[index] +
-                     (isLeap && month > 2 ? 1 : 0) + day - 1;
-    return (days - kDaysBefore1970) * kTicksPerDay;
-}
-
-/// The two digits at `at`; far below 0 if they are none.
-int twoDigits(std::string_view text, std::size_t at) {
-    constexpr int kNone = -100'000;
-    const auto high = static_cast<unsigned>(text[at] - '0');
-    const auto low = static_cast<unsigned>(text[at + 1] - '0');
-    return high < 10 && low < 10 ? static_cast<int>(high * 10 + low) : kNone;
-}
 
 /// Reads the commonest layouts: 2001/01/14, 14.01.2001 or 01/14/2001, perhaps with " 21:55" or " 21:55:03". False for
 /// any other, and for texts that are not dates. Writes each member once, which is faster than to copy a date.

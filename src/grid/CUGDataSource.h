@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/AlertMark.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -56,7 +58,7 @@ struct GridCell {
     CellAlignment alignment = CellAlignment::Left;
     CellState state = CellState::Ordinary;
     CellIcon icon = CellIcon::None;
-    bool alertMark = false;
+    AlertMark alert = AlertMark::None; ///< in the upper right corner; the tooltip of the source explains it
     double bar = kNoBar; ///< length of the bar behind the text as a share of the cell's width, 0 to 1; below 0: none
     double barBefore =
         kNoBar; ///< the same of an earlier run: drawn above `bar`, each half as high. Such a cell has no text

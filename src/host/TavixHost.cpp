@@ -103,6 +103,10 @@ void TavixHost::AddView(tavix::CTavixView& view) {
         const tavix::NestedLoop handlers(tavix::NestedLoop::Kind::Other);
         RunsChangedEvent.Raise(*this);
     });
+    view.SetAlertsChanged([this] {
+        const tavix::NestedLoop handlers(tavix::NestedLoop::Kind::Other);
+        AlertsChangedEvent.Raise(*this);
+    });
     view.SetColorSchemes([this] { return ColorSchemeEvent.HasHandlers(); },
                          [this](tavix::ColorScheme scheme) {
                              const tavix::NestedLoop handlers(tavix::NestedLoop::Kind::Other);
@@ -288,6 +292,10 @@ std::string TavixHost::GetVault() const {
 
 bool TavixHost::HasReport() const {
     return View() && View()->GetTavixDoc().HasReport();
+}
+
+std::string TavixHost::GetAlertsText() const {
+    return View() ? View()->GetTavixDoc().GetAlertsText() : std::string();
 }
 
 tavix::SettingsStore& TavixHost::GetSettings() const {

@@ -48,6 +48,8 @@ class TavixHost {
     TavixEvent<TavixAuthSvrInfo&> GetAuthSvrCreds;
     /// The list of runs or the current run may have changed.
     TavixEvent<TavixHost&> RunsChangedEvent;
+    /// Alerts may have changed while the current run stayed; after RunsChangedEvent they may be others anyway.
+    TavixEvent<TavixHost&> AlertsChangedEvent;
     /// A dialog was opened (true), or the last open one was closed and the call that opened it has returned (false).
     /// Raised from the event loop.
     TavixEvent<TavixHost&, bool> DialogEvent;
@@ -132,6 +134,9 @@ class TavixHost {
     /// With the path of the report's folder before it, "Shop/Europe/Sales"; "Untitled" without a report.
     [[nodiscard]] std::string GetReportTitle() const;
     [[nodiscard]] bool HasReport() const;
+    /// How many alerts the current run raises, for a status line: "2 errors, 1 warning", "no alert raised, 1 muted". ""
+    /// without a report or alerts.
+    [[nodiscard]] std::string GetAlertsText() const;
     /// The viewer's settings, in which a shell may keep a section of its own.
     [[nodiscard]] tavix::SettingsStore& GetSettings() const;
     /// The user's choice whether a shell starts with its welcome page or reopens the last repository.

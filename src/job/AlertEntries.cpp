@@ -32,6 +32,7 @@ constexpr std::array kConditions{
 template <typename Entries>
 std::vector<std::string> namesOf(const Entries& entries) {
     std::vector<std::string> names;
+    names.reserve(entries.size());
     for (const auto& entry : entries)
         names.push_back(entry.name);
     return names;

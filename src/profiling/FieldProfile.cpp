@@ -310,7 +310,6 @@ class FieldProfiler {
 
     /// Packs the patterns and sets the metrics that need no order.
     Status finishSurvey() {
-        m_survey.finish();
         m_form = keyForm(m_survey.kind(), m_survey.fits64());
         readColumn();
         if (Status status = packCounted(m_survey.patterns(), m_figures.packed->patterns, merging()); !status)

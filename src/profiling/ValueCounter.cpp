@@ -82,6 +82,15 @@ template <bool kIsMarked>
     }
 }
 
+[[gnu::always_inline]] inline void ValueCounter::prefetchEntries(std::span<const std::uint64_t> hashes) const {
+    if (m_entries.size() <= kManyEntries)
+        return;
+    const std::size_t mask = m_slots.size() - 1;
+    for (const std::uint64_t hash : hashes)
+        if (const std::uint32_t slot = m_slots[(hash >> 32) & mask]; slot != 0)
+            __builtin_prefetch(&m_entries[slot - 1]);
+}
+
 template <bool kIsPart, bool kIsMarked>
 void ValueCounter::countCells(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts,
                               BucketSet* buckets) {
@@ -114,10 +123,7 @@ void ValueCounter::countCells(std::span<const source::Cell> cells, std::uint32_t
                 __builtin_prefetch(&m_slots[(hashes[i] >> 32) & mask]);
         if (part == 0)
             m_nullCount += nulls;
-        if (m_entries.size() > kManyEntries)
-            for (std::size_t i = 0; i < n; ++i)
-                if (const std::uint32_t slot = m_slots[(hashes[i] >> 32) & mask]; slot != 0)
-                    __builtin_prefetch(&m_entries[slot - 1]);
+        prefetchEntries(std::span(hashes).first(n));
         for (std::size_t i = 0; i < n; ++i)
             addHashed<kIsMarked>(present[i]->data, present[i]->size, hashes[i], 1, buckets);
     }
@@ -126,6 +132,23 @@ void ValueCounter::countCells(std::span<const source::Cell> cells, std::uint32_t
 void ValueCounter::add(std::string_view text, std::uint64_t count) {
     addHashed<false>(text.data(), static_cast<std::uint32_t>(text.size()), hashText(valueSeeds(), text), count,
                      nullptr);
+}
+
+void ValueCounter::add(std::span<const Entry> values) {
+    const HashSeeds& seeds = valueSeeds();
+    std::array<std::uint64_t, kBatch> hashes;
+    while (!values.empty()) {
+        const auto batch = values.first(std::min(kBatch, values.size()));
+        const std::size_t mask = m_slots.size() - 1;
+        for (std::size_t i = 0; i < batch.size(); ++i) {
+            hashes[i] = hashText(seeds, batch[i].text());
+            __builtin_prefetch(&m_slots[(hashes[i] >> 32) & mask]);
+        }
+        prefetchEntries(std::span(hashes).first(batch.size()));
+        for (std::size_t i = 0; i < batch.size(); ++i)
+            addHashed<false>(batch[i].data, batch[i].size, hashes[i], batch[i].count, nullptr);
+        values = values.subspan(batch.size());
+    }
 }
 
 void ValueCounter::finish() {

@@ -32,6 +32,8 @@ class ValueCounter {
     void countPart(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts,
                    BucketSet* buckets = nullptr);
     void add(std::string_view text, std::uint64_t count);
+    /// Adds values with their counts, many of which are faster than one by one. Their hashes are not used.
+    void add(std::span<const Entry> values);
     void addNulls(std::uint64_t count) { m_nullCount += count; }
 
     /// The distinct values without null. Their texts live as long as the counter.
@@ -59,6 +61,7 @@ class ValueCounter {
     void countCells(std::span<const source::Cell> cells, std::uint32_t part, std::uint32_t parts, BucketSet* buckets);
     template <bool kIsMarked>
     void addHashed(const char* data, std::uint32_t size, std::uint64_t hash, std::uint64_t count, BucketSet* buckets);
+    void prefetchEntries(std::span<const std::uint64_t> hashes) const;
     void grow();
 
     std::vector<std::uint32_t> m_slots; ///< index into m_entries plus one, 0 when free; open addressing

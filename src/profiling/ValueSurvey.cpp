@@ -1,7 +1,6 @@
 #include "profiling/ValueSurvey.h"
 
 #include "base/Characters.h"
-#include "pattern/CharacterPattern.h"
 
 #include <algorithm>
 #include <bit>
@@ -29,9 +28,10 @@ std::uint64_t codePoints(std::string_view text) {
     return count;
 }
 
-bool mayBeBlank(std::string_view text) {
-    const auto first = static_cast<unsigned char>(text.front());
-    return first <= ' ' || first >= 0x7F;
+/// Whether a text of these kinds of bytes may be white space throughout.
+bool mayBeBlank(ByteMask kinds) {
+    using namespace byte_kind; // NOLINT(google-build-using-namespace)
+    return (kinds & ~(kSpace | kDelimiter | kLineBreak | kControl | kBeyondAscii)) == 0;
 }
 
 } // namespace
@@ -41,26 +41,27 @@ void ValueSurvey::take(std::span<const Entry> values) {
         const std::string_view text = entry.text();
         ++m_values;
         m_rows += entry.count;
-        const std::uint64_t length = codePoints(text);
+        const ByteMask bytes = m_patterns.take(text, entry.count);
+        const std::uint64_t length = (bytes & byte_kind::kBeyondAscii) == 0 ? text.size() : codePoints(text);
         m_shortest = std::min(m_shortest, length);
         m_longest = std::max(m_longest, length);
         m_lengths.add(length, entry.count);
         m_longestBytes = std::max(m_longestBytes, text.size());
-        const bool isBlankText = text.empty() || (mayBeBlank(text) && isBlank(text));
+        const bool isBlankText = mayBeBlank(bytes) && isBlank(text);
         if (text.empty())
             m_emptyRows += entry.count;
         else if (isBlankText)
             m_blankRows += entry.count;
         else
-            takeKind(text, entry.count);
-        takePattern(text, entry.count);
-        m_detectors.take(text, entry.count, length, isBlankText);
+            takeKind(text, bytes, entry.count);
+        m_detectors.take(text, bytes, entry.count, length, isBlankText);
     }
+    m_patterns.flush();
 }
 
-void ValueSurvey::takeKind(std::string_view text, std::uint64_t count) {
-    const forms::ValueKind kind = forms::kindOf(text);
-    m_forms.take(text, kind, count);
+void ValueSurvey::takeKind(std::string_view text, ByteMask bytes, std::uint64_t count) {
+    const forms::ValueKind kind = forms::kindOf(text, bytes);
+    m_forms.take(text, kind, bytes, count);
     m_kind = forms::joinedKind(m_kind, kind);
     if (m_kind == forms::ValueKind::Text)
         return;
@@ -68,30 +69,6 @@ void ValueSurvey::takeKind(std::string_view text, std::uint64_t count) {
         m_decimalPlaces = std::max(m_decimalPlaces, forms::decimalPlaces(text));
     else if (kind == forms::ValueKind::Integer && text.size() > kSurely64 && !forms::integerValue(text))
         m_fits64 = false;
-}
-
-void ValueSurvey::takePattern(std::string_view text, std::uint64_t count) {
-    m_pattern.clear();
-    pattern::appendCharacterPattern(m_pattern, text);
-    if (m_pattern == m_lastPattern) {
-        m_last.add(count);
-        return;
-    }
-    addLastPattern();
-    m_lastPattern.swap(m_pattern);
-    m_last = {1, count};
-}
-
-void ValueSurvey::addLastPattern() {
-    if (m_last.rows == 0)
-        return;
-    m_patterns.counter().add(m_lastPattern, m_last.rows);
-    m_detectors.takePattern(m_lastPattern, m_last);
-}
-
-void ValueSurvey::finish() {
-    addLastPattern();
-    m_last = {};
 }
 
 } // namespace tavix::profiling

@@ -5,12 +5,12 @@
 #include "findings/ValueDetectors.h"
 #include "forms/FormCounts.h"
 #include "forms/ValueKind.h"
-#include "profiling/ColumnValues.h"
+#include "profiling/PatternCounts.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <string>
+#include <string_view>
 
 namespace tavix::profiling {
 
@@ -20,10 +20,8 @@ class ValueSurvey {
     explicit ValueSurvey(forms::StatedDates dates = forms::StatedDates::Nothing) : m_forms(dates) {}
 
     void take(std::span<const Entry> values);
-    /// Call it after the last value.
-    void finish();
 
-    [[nodiscard]] ColumnValues& patterns() { return m_patterns; }
+    [[nodiscard]] ColumnValues& patterns() { return m_patterns.counted(); }
     [[nodiscard]] forms::ValueKind kind() const { return m_kind; }
     [[nodiscard]] const forms::FormCounts& forms() const { return m_forms; }
     /// Whether all integers fit 64 bits.
@@ -40,16 +38,10 @@ class ValueSurvey {
     [[nodiscard]] std::int64_t decimalPlaces() const { return m_decimalPlaces; } ///< the most of any real
 
   private:
-    void takeKind(std::string_view text, std::uint64_t count);
-    void takePattern(std::string_view text, std::uint64_t count);
-    void addLastPattern();
+    void takeKind(std::string_view text, ByteMask bytes, std::uint64_t count);
 
-    ColumnValues m_patterns;
-    std::string m_pattern;
-    std::string m_lastPattern; ///< equal patterns often follow each other and are counted together
-    findings::Hits m_last;     ///< values and rows of m_lastPattern
     findings::ValueDetectors m_detectors;
-
+    PatternCounts m_patterns{m_detectors};
     forms::ValueKind m_kind = forms::ValueKind::None;
     forms::FormCounts m_forms;
     bool m_fits64 = true;

@@ -14,8 +14,7 @@ namespace tavix {
 
 namespace {
 
-/// An alert's condition in a job file: "max: 5".
-std::string conditionEntry(const AlertRule& rule) {
+std::string comparisonText(const AlertRule& rule) {
     const std::string value = formatReal(rule.value1);
     switch (rule.comparison) {
     case AlertComparison::Greater:
@@ -47,6 +46,15 @@ std::string originComment(const AlertState& alert) {
 
 } // namespace
 
+std::string alertConditionText(const AlertRule& rule) {
+    std::string text = comparisonText(rule);
+    if (isChange(rule.comparison) && rule.runs > 1)
+        text += fmt::format(", runs: {}", rule.runs);
+    if (isChange(rule.comparison) && rule.reference != AlertReference::Mean)
+        text += fmt::format(", against: {}", alertReferenceWord(rule.reference));
+    return text;
+}
+
 std::string alertEntryText(const AlertState& alert) {
     std::string entry;
     switch (alert.subject) {
@@ -63,11 +71,7 @@ std::string alertEntryText(const AlertState& alert) {
             entry += ", figure: percent";
         break;
     }
-    entry += ", " + conditionEntry(*alert.rule);
-    if (isChange(alert.rule->comparison) && alert.rule->runs > 1)
-        entry += fmt::format(", runs: {}", alert.rule->runs);
-    if (isChange(alert.rule->comparison) && alert.rule->reference != AlertReference::Mean)
-        entry += fmt::format(", against: {}", alertReferenceWord(alert.rule->reference));
+    entry += ", " + alertConditionText(*alert.rule);
     if (alert.rule->level == AlertLevel::Error)
         entry += ", level: error";
     if (alert.isDescribed() && !alert.description.empty())

@@ -7,6 +7,9 @@
 
 namespace tavix {
 
+/// The condition in a job file: "max: 5", "change: 20 %, runs: 3, against: median".
+[[nodiscard]] std::string alertConditionText(const AlertRule& rule);
+
 /// An alert, which must have a rule, as an entry of a job file without the braces:
 /// "field: price, metric: Null Count, max: 0".
 [[nodiscard]] std::string alertEntryText(const AlertState& alert);

@@ -25,13 +25,14 @@ constexpr int kMostSince = 1024;
 /// passed and for a change since the run before, which are nearly all alerts; all, where a reference is made of runs
 /// that are far apart.
 constexpr std::array kWindows{2, 16, 128, kMostSince, kAllRuns};
+/// Not so many rows are read only to say since when alerts are raised.
+constexpr std::size_t kMostRowsForSince = 200'000;
 
 /// The runs of an alert that were read, the latest first.
 struct WatchedRuns {
     FigureHistory figures;
     std::vector<std::pair<int, LibraryDate>> runs; ///< id and start
     bool areAll = false;                           ///< no earlier run is left
-    bool isLastWindow = false;                     ///< not worth reading more of them, unless for a verdict
 };
 
 /// False if the runs do not suffice for the verdict, or to say since when the alert is raised.
@@ -55,12 +56,10 @@ bool judge(AlertState& state, const WatchedRuns& watched) {
            figures.judge(rule, raised).state == AlertVerdict::State::Raised)
         ++raised;
     const bool isEndKnown = raised < count ? raised < kMost && isKnown(raised) : watched.areAll;
-    if (!isEndKnown && !watched.isLastWindow)
-        return false;
     state.raisedRuns = static_cast<int>(raised);
     state.raisedLonger = !isEndKnown;
     std::tie(state.sinceRun, state.sinceDate) = watched.runs[raised - 1];
-    return true;
+    return isEndKnown;
 }
 
 } // namespace
@@ -127,7 +126,8 @@ AlertState AlertStateReader::stateOf(const ProfileCursor& alert) {
     state.sentence = kNoAlertRule;
     state.tableId = alert.getColumnInt(AlertTableId);
     state.fieldId = idOrNone(AlertFieldId);
-    state.watchedId = idOrNone(AlertWatchedId);
+    // An alert whose rule cannot be read still marks its figure.
+    state.watchedId = idOrNone(state.subject == AlertSubject::StandardMetric ? AlertMetric : AlertWatchedId);
     state.isOfUser = alert.getColumnInt(AlertIsOfUser) != 0;
     state.author = textAt(alert, AlertAuthor);
     state.created = alert.getColumnDouble(AlertCreated);
@@ -214,6 +214,8 @@ void AlertStateReader::judgeJob(int job, const Indexes& alerts) {
     Indexes left = alerts;
     bool areAll = true;
     for (const int runs : kWindows) {
+        if (runs == kAllRuns || left.size() * static_cast<std::size_t>(runs) > kMostRowsForSince)
+            std::erase_if(left, [this](const auto& alert) { return m_states[alert.second].raisedRuns > 0; });
         if (left.empty())
             return;
         left = judgeBy(job, left, areAll, runs);
@@ -236,7 +238,6 @@ AlertStateReader::Indexes AlertStateReader::judgeBy(int job, const Indexes& aler
             return;
         AlertState& state = m_states[alert->second];
         watched.areAll = runs == kAllRuns || watched.runs.size() < static_cast<std::size_t>(runs);
-        watched.isLastWindow = runs == kAllRuns || runs == kMostSince;
         if (!judge(state, watched))
             left.insert(*alert);
     };

@@ -43,24 +43,27 @@ void orderAlerts(std::vector<AlertState>& alerts) {
                      [&](const AlertState& left, const AlertState& right) { return rank(left) < rank(right); });
 }
 
+void AlertCounts::add(const AlertState& alert) {
+    switch (alert.shown()) {
+    case AlertShown::Raised:
+        ++(alert.isRaisedAt(AlertLevel::Error) ? errors : warnings);
+        break;
+    case AlertShown::CannotBeJudged:
+        ++unjudged;
+        break;
+    case AlertShown::Muted:
+        ++muted;
+        break;
+    case AlertShown::Quiet:
+        ++quiet;
+        break;
+    }
+}
+
 AlertCounts countAlerts(const std::vector<AlertState>& alerts) {
     AlertCounts counts;
-    for (const AlertState& alert : alerts) {
-        switch (alert.shown()) {
-        case AlertShown::Raised:
-            ++(alert.isRaisedAt(AlertLevel::Error) ? counts.errors : counts.warnings);
-            break;
-        case AlertShown::CannotBeJudged:
-            ++counts.unjudged;
-            break;
-        case AlertShown::Muted:
-            ++counts.muted;
-            break;
-        case AlertShown::Quiet:
-            ++counts.quiet;
-            break;
-        }
-    }
+    for (const AlertState& alert : alerts)
+        counts.add(alert);
     return counts;
 }
 

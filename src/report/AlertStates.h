@@ -104,6 +104,7 @@ struct AlertCounts {
     int unjudged = 0;
     int quiet = 0;
 
+    void add(const AlertState& alert);
     [[nodiscard]] int raised() const { return errors + warnings; }
     bool operator==(const AlertCounts&) const = default;
 };

@@ -27,7 +27,7 @@ inline constexpr std::int64_t kFirstUserAlerts = 10;
 [[nodiscard]] Status replaceAlerts(sql::Connection& connection, int job, std::span<const AlertDefinition> alerts,
                                    UtcTime changed);
 
-/// `alert` -1 makes an alert of the job's runs that belongs to the user; returns its id.
+/// `alert` -1 makes an alert of the job's runs that belongs to the user; another one keeps its job. Returns its id.
 [[nodiscard]] Result<int> putUserAlert(sql::Connection& connection, int alert, int job,
                                        const AlertDefinition& definition, std::string_view user, UtcTime now);
 /// With its mute, changes and notes.

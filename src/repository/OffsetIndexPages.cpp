@@ -33,6 +33,10 @@ std::byte* put(std::byte* at, std::uint64_t number) {
 }
 
 void append(std::vector<std::byte>& bytes, std::uint64_t number) {
+    if (number < 0x80) { // as nearly all: a call would cost more than the byte
+        bytes.push_back(static_cast<std::byte>(number));
+        return;
+    }
     std::array<std::byte, kLongestNumber> packed;
     bytes.insert(bytes.end(), packed.data(), put(packed.data(), number));
 }

@@ -469,10 +469,10 @@ LEFT JOIN field f ON f.id = b.field
 LEFT JOIN dismissed_finding x ON x.table_id = b.table_id AND x.field = b.field AND x.code = b.code;
 )sql";
 
-// Alerts of users, mutes, changes and notes. alert.origin: J defined by its job, U made by a user. alert.position: in the
-// job; 0 for a user's. alert_mute.runs: so many runs of the alert's job from first_run on; last_run: the last of them
-// where deleted runs would change the number. alert_change.author is empty for a run of the job. Both tables of alerts
-// are rebuilt for the reason given for run_file.
+// Alerts of users, mutes, changes and notes. alert.origin: J defined by its job, U made by a user. alert.position: in
+// the job; 0 for a user's. alert_mute.runs: so many runs of the alert's job from first_run on; last_run: the last of
+// them where deleted runs would change the number. alert_change.author is empty for a run of the job. Both tables of
+// alerts are rebuilt for the reason given for run_file.
 constexpr const char* kToVersion10 = R"sql(
 DROP VIEW v_alerts;
 CREATE TABLE alert_before AS
@@ -573,6 +573,31 @@ LEFT JOIN field f ON f.id = a.field
 LEFT JOIN custom_metric m ON a.type_code = 'CM' AND m.id = CAST(substr(a.watched_key, 2) AS INTEGER)
 LEFT JOIN business_rule b ON a.type_code = 'BR' AND b.id = CAST(substr(a.watched_key, 2) AS INTEGER);
 
+CREATE VIEW v_alert_figures AS
+SELECT r.id AS run, j.name AS job, a.id AS alert_id, a.description AS alert,
+       CASE a.type_code
+       WHEN 'CM' THEN (SELECT v.value FROM run_custom_metric v
+                       WHERE v.metric = CAST(substr(a.watched_key, 2) AS INTEGER) AND v.run = r.id)
+       WHEN 'BR' THEN (SELECT v.failed_rows FROM run_rule v
+                       WHERE v.rule = CAST(substr(a.watched_key, 2) AS INTEGER) AND v.run = r.id)
+       ELSE (SELECT
+           CASE a.metric WHEN 0 THEN rf.count WHEN 1 THEN rf.unique_count WHEN 2 THEN rf.null_count
+           WHEN 3 THEN rf.non_null_count WHEN 4 THEN rf.blank_count WHEN 5 THEN rf.pattern_count
+           WHEN 6 THEN rf.minimum_value WHEN 7 THEN rf.maximum_value WHEN 8 THEN rf.minimum_length
+           WHEN 9 THEN rf.maximum_length WHEN 10 THEN rf.mean WHEN 11 THEN rf.median WHEN 12 THEN rf.mode
+           WHEN 13 THEN rf.standard_deviation WHEN 14 THEN rf.standard_error WHEN 15 THEN rf.defined_type
+           WHEN 16 THEN rf.defined_length WHEN 17 THEN rf.ordinal WHEN 18 THEN rf.primary_key WHEN 19 THEN rf.nullable
+           WHEN 20 THEN rf.decimal_precision WHEN 21 THEN rf.actual_type WHEN 22 THEN rf.unique_percent
+           WHEN 23 THEN rf.percent_null END
+             FROM run_field rf WHERE rf.run = r.id AND rf.field = CASE WHEN a.of_records
+             THEN (SELECT x.field FROM run_field x WHERE x.run = r.id AND x.table_id = a.table_id
+                   ORDER BY x.position LIMIT 1)
+             ELSE a.field END)
+       END AS figure,
+       CASE a.type_code WHEN 'BR' THEN (SELECT v.checked_rows FROM run_rule v
+                       WHERE v.rule = CAST(substr(a.watched_key, 2) AS INTEGER) AND v.run = r.id) END AS checked_rows
+FROM alert a JOIN job j ON j.id = a.job JOIN run r ON r.job = a.job;
+
 CREATE VIEW v_alert_mutes AS
 SELECT m.alert AS alert_id, a.description AS alert, m.reason, m.author,
        strftime('%Y-%m-%dT%H:%M:%fZ', m.muted / 1000.0, 'unixepoch') AS muted, m.first_run, m.runs,
@@ -591,8 +616,8 @@ SELECT n.alert AS alert_id, a.description AS alert, n.id AS note_id, n.author,
 FROM alert_note n JOIN alert a ON a.id = n.alert;
 )sql";
 
-constexpr std::array kChanges{kToVersion2, kToVersion3, kToVersion4, kToVersion5,
-                              kToVersion6, kToVersion7, kToVersion8, kToVersion9, kToVersion10};
+constexpr std::array kChanges{kToVersion2, kToVersion3, kToVersion4, kToVersion5, kToVersion6,
+                              kToVersion7, kToVersion8, kToVersion9, kToVersion10};
 
 } // namespace
 

@@ -110,6 +110,7 @@ void ShellActions::makeActions() {
     // At most one of the two is enabled, so they share the keys.
     for (const CommandId note : {CommandId::AddTableNote, CommandId::AddFieldNote})
         command(note)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N));
+    command(CommandId::Alerts)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_A));
     command(CommandId::QuickSearch)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
     command(CommandId::Filter)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F));
     command(CommandId::StopFiltering)->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_X));

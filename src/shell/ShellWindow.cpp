@@ -18,6 +18,7 @@
 #include <QScreen>
 #include <QStackedWidget>
 #include <QStatusBar>
+#include <QToolButton>
 
 #include <algorithm>
 #include <utility>
@@ -62,6 +63,7 @@ ShellWindow::ShellWindow(TavixHost& host, Messages& messages)
       m_jobs(new JobListPage),
       m_view(Veldra::Solenne::Tavix::TavixQtWindow::Build(host, m_pages)),
       m_place(new QLabel(this)),
+      m_alerts(new QToolButton(this)),
       m_counts(new QLabel(this)) {
     setAcceptDrops(true);
     setUnifiedTitleAndToolBarOnMac(true);
@@ -72,6 +74,14 @@ ShellWindow::ShellWindow(TavixHost& host, Messages& messages)
     m_place->setTextFormat(Qt::PlainText);
     m_place->setContentsMargins(8, 3, 8, 3);
     statusBar()->addWidget(m_place, 1);
+    m_alerts->setObjectName(QStringLiteral("alertCounts"));
+    m_alerts->setToolTip(QStringLiteral("Alerts of the run that is shown; opens the list of all alerts"));
+    m_alerts->setAutoRaise(true);
+    // The command is in the menu, too.
+    m_alerts->setFocusPolicy(Qt::NoFocus);
+    connect(m_alerts, &QToolButton::clicked, this,
+            [this] { m_host.ExecuteCommand(static_cast<int>(CommandId::Alerts)); });
+    statusBar()->addPermanentWidget(m_alerts);
     statusBar()->addPermanentWidget(m_counts);
     connect(m_actions, &ShellActions::openRequested, this, &ShellWindow::askForRepository);
     connect(m_actions, &ShellActions::repositoryChosen, this, &ShellWindow::openRepository);
@@ -92,6 +102,7 @@ ShellWindow::ShellWindow(TavixHost& host, Messages& messages)
         m_actions->fillRuns();
         updateState();
     });
+    m_alertsChanged = m_host.AlertsChangedEvent.Attach([this](TavixHost&) { updateState(); });
     m_deleteHistory = m_host.DeleteHistoryEvent.Attach([](const std::function<void()>& perform) { perform(); });
     m_colors = m_host.ColorSchemeEvent.Attach([](TavixHost&, ColorScheme scheme) { applyColorScheme(scheme); });
     restoreWindow();
@@ -101,6 +112,7 @@ ShellWindow::ShellWindow(TavixHost& host, Messages& messages)
 ShellWindow::~ShellWindow() {
     m_host.ColorSchemeEvent.Detach(m_colors);
     m_host.RunsChangedEvent.Detach(m_runsChanged);
+    m_host.AlertsChangedEvent.Detach(m_alertsChanged);
     m_host.DeleteHistoryEvent.Detach(m_deleteHistory);
     m_host.Dispose();
 }
@@ -276,6 +288,9 @@ void ShellWindow::updateState() {
         title = QStringLiteral("%1 - Tavix").arg(QFileInfo(toQString(m_repository)).fileName());
     setWindowTitle(title);
     m_place->setText(m_repository.empty() ? QStringLiteral("No repository is open") : toQString(m_repository));
+    const std::string alerts = reportShown ? m_host.GetAlertsText() : std::string();
+    m_alerts->setText(toQString(alerts));
+    m_alerts->setVisible(!alerts.empty());
     m_counts->setText(m_repository.empty() ? QString()
                       : reportShown ? counted(static_cast<std::size_t>(m_actions->runCount()), QStringLiteral("run"))
                                     : counted(m_reports.size(), QStringLiteral("report")));

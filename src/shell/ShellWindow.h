@@ -12,6 +12,7 @@
 
 class QLabel;
 class QStackedWidget;
+class QToolButton;
 
 namespace tavix::shell {
 
@@ -67,6 +68,7 @@ class ShellWindow final : public QMainWindow {
     int m_closedJob = -1; ///< the report that was closed last, and its run
     int m_closedRun = -1;
     int m_runsChanged = 0; ///< the tokens of the handlers
+    int m_alertsChanged = 0;
     int m_deleteHistory = 0;
     int m_colors = 0;
 
@@ -76,6 +78,7 @@ class ShellWindow final : public QMainWindow {
     JobListPage* m_jobs;
     QWidget* m_view;
     QLabel* m_place;
+    QToolButton* m_alerts;
     QLabel* m_counts;
 };
 

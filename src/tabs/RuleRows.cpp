@@ -23,6 +23,9 @@ constexpr std::string_view kRulesFailed = "Error occurred while retrieving busin
 constexpr std::string_view kLogFailed = "Error occurred while retrieving the rows that violate the rule:";
 constexpr std::string_view kNoMetrics = "The job of this report defines no custom metrics for this table.";
 constexpr std::string_view kNoRules = "The job of this report defines no business rules for this table.";
+constexpr int kMetricValue = 2; ///< the column of a custom metric's value
+constexpr int kFailedRows = 1;
+constexpr int kFailedShare = 2;
 constexpr int kDateWidth = 190;
 constexpr int kCountWidth = 110;
 
@@ -97,11 +100,13 @@ CustomMetricRows::CustomMetricRows()
 bool CustomMetricRows::Fill(PrViewer& viewer, int tableId) try {
     using namespace layout;
     std::vector<Metric> metrics;
-    auto rows = readAll(viewer.getCustomMetrics(tableId), [&metrics](const ProfileCursor& metric) {
+    auto rows = readAll(viewer.getCustomMetrics(tableId), [this, &metrics](const ProfileCursor& metric) {
         metrics.push_back({metric.getColumnInt(CustomMetricId), textAt(metric, CustomMetricKey)});
+        GridCell value = figureCell(metric.getColumnValue(CustomMetricOutputValue));
+        value.alert = markOf(m_alerts.OfKey(metrics.back().key));
         return Cells{textCell(textAt(metric, CustomMetricName)),
                      textCell(textAt(metric, CustomMetricOutputName)),
-                     figureCell(metric.getColumnValue(CustomMetricOutputValue)),
+                     std::move(value),
                      textCell(textAt(metric, CustomMetricFigure)),
                      textCell(textAt(metric, CustomMetricExpression)),
                      textCell(textAt(metric, CustomMetricInputs)),
@@ -117,6 +122,10 @@ bool CustomMetricRows::Fill(PrViewer& viewer, int tableId) try {
     return Fail(kMetricsFailed, failure.getText().view());
 }
 
+std::string CustomMetricRows::GetToolTip(int column, std::int64_t row) const {
+    return column == kMetricValue && !IsPlaceholder() ? alertLines(GetAlerts(row), userLocale()) : std::string();
+}
+
 std::int64_t CustomMetricRows::FindMetric(int metricId) const {
     for (std::int64_t row = 0; row < GetRowCount(); ++row) {
         if (m_metrics.at(Record(row)).id == metricId)
@@ -130,20 +139,24 @@ BusinessRuleRows::BusinessRuleRows()
                 countColumn("Checked Rows"), countColumn("Rows in Error"), listColumn("Condition", 300),
                 listColumn("Input Fields", 180)},
                kNoRules) {
-    SetToolTip(2, "Share of the rows that were checked");
+    SetToolTip(kFailedShare, "Share of the rows that were checked");
 }
 
 bool BusinessRuleRows::Fill(PrViewer& viewer, int tableId) try {
     using namespace layout;
     std::vector<Rule> rules;
-    auto rows = readAll(viewer.getBusinessRules(tableId), [&rules](const ProfileCursor& rule) {
+    auto rows = readAll(viewer.getBusinessRules(tableId), [this, &rules](const ProfileCursor& rule) {
         const std::int64_t failed = rule.getColumnInt64(RuleFailedRows);
         const std::int64_t checked = rule.getColumnInt64(RuleCheckedRows);
         rules.push_back(
             {rule.getColumnInt(RuleId), textAt(rule, RuleKey), failed, rule.getColumnInt64(RuleLoggedRows)});
+        GridCell violations = countCell(failed);
+        GridCell share = shareCell(failed, checked);
+        violations.alert = markOf(m_alerts.OfRule(rules.back().key, false));
+        share.alert = markOf(m_alerts.OfRule(rules.back().key, true));
         return Cells{textCell(textAt(rule, RuleName)),
-                     countCell(failed),
-                     shareCell(failed, checked),
+                     std::move(violations),
+                     std::move(share),
                      countCell(checked),
                      countCell(rule.getColumnInt64(RuleErrorRows)),
                      textCell(textAt(rule, RuleCondition)),
@@ -156,6 +169,16 @@ bool BusinessRuleRows::Fill(PrViewer& viewer, int tableId) try {
     return true;
 } catch (const GenException& failure) {
     return Fail(kRulesFailed, failure.getText().view());
+}
+
+bool BusinessRuleRows::IsPercentage(int column) {
+    return column == kFailedShare;
+}
+
+std::string BusinessRuleRows::GetToolTip(int column, std::int64_t row) const {
+    if ((column != kFailedRows && column != kFailedShare) || IsPlaceholder())
+        return {};
+    return alertLines(m_alerts.OfRule(GetRule(row).key, IsPercentage(column)), userLocale());
 }
 
 std::int64_t BusinessRuleRows::FindRule(int ruleId) const {

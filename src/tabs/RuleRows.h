@@ -1,9 +1,11 @@
 #pragma once
 
 #include "grid/ListRows.h"
+#include "report/AlertMarks.h"
 
 #include <locale>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tavix {
@@ -37,6 +39,14 @@ class CustomMetricRows final : public CellRows {
     [[nodiscard]] const std::string& GetKey(std::int64_t row) const { return m_metrics.at(Record(row)).key; }
     /// The row of that metric; -1 when there is none.
     [[nodiscard]] std::int64_t FindMetric(int metricId) const;
+    [[nodiscard]] int GetMetric(std::int64_t row) const { return m_metrics.at(Record(row)).id; }
+    /// The alerts of the table that is filled next.
+    void SetAlerts(AlertMarks alerts) { m_alerts = std::move(alerts); }
+    /// Those that watch the metric, the gravest first.
+    [[nodiscard]] const std::vector<AlertState>& GetAlerts(std::int64_t row) const {
+        return m_alerts.OfKey(GetKey(row));
+    }
+    [[nodiscard]] std::string GetToolTip(int column, std::int64_t row) const override;
 
   private:
     struct Metric {
@@ -44,6 +54,7 @@ class CustomMetricRows final : public CellRows {
         std::string key;
     };
     std::vector<Metric> m_metrics; ///< by record
+    AlertMarks m_alerts;
 };
 
 /// The business rules of a table and how many rows violate them in the current run.
@@ -63,9 +74,19 @@ class BusinessRuleRows final : public CellRows {
     [[nodiscard]] const Rule& GetRule(std::int64_t row) const { return m_rules.at(Record(row)); }
     /// The row of that rule; -1 when there is none.
     [[nodiscard]] std::int64_t FindRule(int ruleId) const;
+    /// The alerts of the table that is filled next.
+    void SetAlerts(AlertMarks alerts) { m_alerts = std::move(alerts); }
+    /// Those that watch the rule, the gravest first.
+    [[nodiscard]] const std::vector<AlertState>& GetAlerts(std::int64_t row) const {
+        return m_alerts.OfKey(GetRule(row).key);
+    }
+    /// Whether the column shows the percentage of violating rows rather than a number.
+    [[nodiscard]] static bool IsPercentage(int column);
+    [[nodiscard]] std::string GetToolTip(int column, std::int64_t row) const override;
 
   private:
     std::vector<Rule> m_rules; ///< by record
+    AlertMarks m_alerts;
 };
 
 /// The history of one custom metric over the runs of the report, latest first.

@@ -1,6 +1,7 @@
 #include "tabs/RunOverviewModel.h"
 
 #include "base/NumberText.h"
+#include "report/AlertMarks.h"
 #include "report/CountText.h"
 #include "report/FieldBreakdown.h"
 #include "tabs/MetricText.h"
@@ -105,6 +106,18 @@ struct Count {
     std::function<std::int64_t(const RunOverview::Table&)> of;
 };
 
+/// "1 error, 2 muted": what the number of raised alerts does not say.
+std::string detailOf(const AlertCounts& counts) {
+    std::string text = counts.errors > 0 ? countOf(counts.errors, "error") : std::string();
+    const auto add = [&text](int count, std::string_view word) {
+        if (count > 0)
+            text += (text.empty() ? "" : ", ") + groupedCount(count).append(" ").append(word);
+    };
+    add(counts.muted, "muted");
+    add(counts.unjudged, "cannot be judged");
+    return text;
+}
+
 OverviewDoor doorOf(const AlertState& alert) {
     if (alert.watchedId == -1)
         return {Place::Alerts, alert.tableId};
@@ -129,12 +142,18 @@ OverviewDoor doorOf(const FindingRecord& finding) {
 void OverviewList::Show(std::vector<Line> lines, std::string_view emptyText) {
     std::vector<Cells> rows;
     m_doors.clear();
+    m_toolTips.clear();
     for (Line& line : lines) {
         rows.push_back(std::move(line.cells));
         m_doors.push_back(line.door);
+        m_toolTips.push_back(std::move(line.toolTip));
     }
     SetEmptyText(emptyText);
     CellRows::Show(std::move(rows));
+}
+
+std::string OverviewList::GetToolTip(int column, std::int64_t row) const {
+    return column == 0 ? m_toolTips.at(Record(row)) : std::string();
 }
 
 std::string OverviewList::GetTitle() const {
@@ -271,20 +290,20 @@ void RunOverviewModel::AddCounts() {
 
 void RunOverviewModel::AddTroubles() {
     OverviewCard alerts{.caption = "Alerts raised", .figure = {}, .change = {}, .ofRun = {}, .toolTip = {}, .door = {}};
-    std::int64_t raised = 0;
-    std::int64_t errors = 0;
-    for (const AlertState& alert : m_overview.raisedAlerts) {
-        if (!ShowsTable(alert.tableId))
-            continue;
-        if (raised++ == 0) {
-            alerts.door = {Place::Alerts, alert.tableId};
-            alerts.toolTip = "Opens the alerts of " + alert.table;
-        }
-        errors += alert.isRaisedAt(AlertLevel::Error) ? 1 : 0;
+    AlertCounts counts;
+    for (const std::vector<AlertState>* some : {&m_overview.raisedAlerts, &m_overview.otherAlerts})
+        for (const AlertState& alert : *some)
+            if (ShowsTable(alert.tableId))
+                counts.add(alert);
+    const auto first = std::find_if(m_overview.raisedAlerts.begin(), m_overview.raisedAlerts.end(),
+                                    [this](const AlertState& alert) { return ShowsTable(alert.tableId); });
+    if (first != m_overview.raisedAlerts.end()) {
+        alerts.door = {Place::Alerts, first->tableId};
+        alerts.toolTip = "Opens the alerts of " + first->table;
     }
-    alerts.figure = groupedCount(raised);
-    alerts.change = errors > 0 ? countOf(errors, "error") : std::string();
-    alerts.isAlarming = raised > 0;
+    alerts.figure = groupedCount(counts.raised());
+    alerts.change = detailOf(counts);
+    alerts.isAlarming = counts.raised() > 0;
     OverviewCard rules{.caption = "Rules violated", .figure = {}, .change = {}, .ofRun = {}, .toolTip = {}, .door = {}};
     std::int64_t violated = 0;
     std::int64_t rows = 0;
@@ -372,8 +391,9 @@ void RunOverviewModel::FillAlerts() {
             continue;
         lines.push_back({{nameCell(alert.condition(), CellIcon::None), textCell(alert.table), figureCell(alert.figure),
                           textCell(alertLevelWord(alert.rule->level))},
-                         doorOf(alert)});
-        lines.back().cells.front().alertMark = true;
+                         doorOf(alert),
+                         alertLines({&alert, 1}, m_locale)});
+        lines.back().cells.front().alert = markOf(alert);
     }
     for (const RunOverview::Rule& rule : m_overview.violatedRules) {
         if (!ShowsTable(rule.table))

@@ -48,6 +48,7 @@ class OverviewList final : public CellRows {
     struct Line {
         std::vector<GridCell> cells;
         OverviewDoor door;
+        std::string toolTip = {}; ///< of the first column
     };
 
     OverviewList(std::string_view title, std::vector<GridColumn> columns)
@@ -59,10 +60,12 @@ class OverviewList final : public CellRows {
     [[nodiscard]] std::string GetTitle() const;
     [[nodiscard]] const std::string& GetName() const { return m_title; }
     [[nodiscard]] const OverviewDoor& GetDoor(std::int64_t row) const { return m_doors.at(Record(row)); }
+    [[nodiscard]] std::string GetToolTip(int column, std::int64_t row) const override;
 
   private:
     std::string m_title;
-    std::vector<OverviewDoor> m_doors; ///< by record
+    std::vector<OverviewDoor> m_doors;   ///< by record
+    std::vector<std::string> m_toolTips; ///< by record
 };
 
 /// The overview of a run, or of one of its data sources, as it is shown.

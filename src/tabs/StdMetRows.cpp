@@ -3,7 +3,6 @@
 #include "access/CursorText.h"
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
-#include "base/AlertRule.h"
 #include "base/GenException.h"
 #include "base/NumberText.h"
 #include "grid/CellOrder.h"
@@ -26,14 +25,6 @@ constexpr int kIconWidth = 25;
 constexpr int kPictureWidth = 86;
 constexpr int kTrendWidth = 140;
 constexpr int kLastRuns = 12;
-
-bool belongsTo(const ProfileCursor& alert, const TableIdentity& table) {
-    using namespace layout;
-    return textAt(alert, AlertTypeCode) == alertTypeCode(AlertSubject::StandardMetric) &&
-           tableKindOf(textAt(alert, AlertKindLetter)) == table.kind && textAt(alert, AlertDsn) == table.dataSource &&
-           textAt(alert, AlertCatalog) == table.catalog && textAt(alert, AlertSchema) == table.schema &&
-           textAt(alert, AlertTable) == table.name && textAt(alert, AlertObject) == table.objectName;
-}
 
 // The source of a collection's field. The catalog is shown only together with a schema.
 std::string sourceText(const ProfileCursor& cursor) {
@@ -74,7 +65,6 @@ void StdMetRows::Clear() {
     m_columns.clear();
     m_rows.clear();
     m_shown.clear();
-    m_marks.clear();
     m_error.clear();
     m_history = {};
     m_trendColumn = -1;
@@ -95,8 +85,6 @@ bool StdMetRows::Fill(PrViewer& viewer, const ReportSelection& selection, std::s
         MakePictureColumns();
     bool done = false;
     try {
-        if (isTable)
-            ReadAlertMarks(viewer, selection.table);
         done = ReadFields(viewer, selection, collections);
         if (!done)
             m_error = viewer.getErrorString().str();
@@ -156,17 +144,6 @@ void StdMetRows::MakePictureColumns() {
         m_columns.back().mark + " in the last " + countOf(kLastRuns, "run") + ", and its change since the run before";
 }
 
-// When the alerts cannot be read, the metrics are shown without marks.
-void StdMetRows::ReadAlertMarks(PrViewer& viewer, const TableIdentity& table) {
-    const ProfileCursorHandle alerts = viewer.getAlerts();
-    while (alerts && alerts->next()) {
-        if (!belongsTo(*alerts, table))
-            continue;
-        if (const auto metric = parseInteger(textAt(*alerts, layout::AlertMetric)))
-            m_marks.emplace(textAt(*alerts, layout::AlertInput), static_cast<int>(*metric));
-    }
-}
-
 bool StdMetRows::ReadFields(PrViewer& viewer, const ReportSelection& selection, const CollectionsByField& collections) {
     const ProfileCursorHandle fields =
         m_isCollection ? viewer.getGlobalCollFieldListPKR(selection.id) : viewer.getFieldListPKR(selection.table.id);
@@ -210,7 +187,8 @@ StdMetRows::Row StdMetRows::ReadRow(const ProfileCursor& cursor, const Collectio
         GridCell cell = metricCell(id, typeCode, cursor.getColumnValue(metrics + id));
         if (cell.state == CellState::Ordinary)
             cell.mark = figureMark(id, false, row.fits);
-        cell.alertMark = !m_marks.empty() && m_marks.count({row.fieldName, id}) != 0;
+        if (!m_isCollection)
+            cell.alert = markOf(m_alerts.OfMetric(row.fieldName, id));
         row.cells.push_back(std::move(cell));
     }
     const int keyAnalyses = m_isCollection ? int{CollectionPkrKeyAnalyses} : int{PkrKeyAnalyses};
@@ -245,6 +223,19 @@ std::int64_t StdMetRows::FindField(int fieldId) const {
     return found == m_rows.end() ? -1 : found - m_rows.begin();
 }
 
+int StdMetRows::GetWatchable(int column) const {
+    if (m_isCollection || column < 0 || column >= GetColumnCount())
+        return -1;
+    const int metric = GetColumn(column).parameter;
+    const MetricInfo* const info = findMetric(metric);
+    return info && info->isFigure() ? metric : -1;
+}
+
+const std::vector<AlertState>& StdMetRows::GetAlerts(int column, std::int64_t row) const {
+    static const std::vector<AlertState> kNone;
+    return m_isCollection ? kNone : m_alerts.OfMetric(GetFieldName(row), GetColumn(column).parameter);
+}
+
 GridColumn StdMetRows::GetColumn(int column) const {
     return m_columns.at(static_cast<std::size_t>(column));
 }
@@ -256,12 +247,12 @@ GridCell StdMetRows::GetCell(int column, std::int64_t row) const {
 std::string StdMetRows::GetToolTip(int column, std::int64_t row) const {
     const Row& field = m_rows.at(static_cast<std::size_t>(row));
     const int metric = IsTrend(column) ? m_trendMetric : GetColumn(column).parameter;
-    std::string text = fitToolTip(metric, field.fits);
-    if (!IsTrend(column))
-        return text;
-    if (!text.empty())
-        text += "\n";
-    return text + trendToolTip(m_trendMetric, m_history, m_history.Of(field.fieldId), m_locale);
+    const std::string parts[] = {fitToolTip(metric, field.fits),
+                                 IsTrend(column)
+                                     ? trendToolTip(m_trendMetric, m_history, m_history.Of(field.fieldId), m_locale)
+                                     : alertLines(GetAlerts(column, row), m_locale)};
+    const bool areBoth = !parts[0].empty() && !parts[1].empty();
+    return parts[0] + (areBoth ? "\n" : "") + parts[1];
 }
 
 bool StdMetRows::Sort(int column, bool descending) {

@@ -2,13 +2,13 @@
 
 #include "doc/CTavixDoc.h"
 #include "grid/CUGDataSource.h"
+#include "report/AlertMarks.h"
 #include "report/FitFigures.h"
 #include "report/MetricHistory.h"
 #include "report/ReportSelection.h"
 
 #include <locale>
 #include <optional>
-#include <set>
 #include <span>
 #include <string>
 #include <utility>
@@ -26,6 +26,8 @@ class StdMetRows final : public CUGDataSource {
     /// no line. False when the repository fails: GetErrorText() then says why, and there are no rows.
     bool Fill(PrViewer& viewer, const ReportSelection& selection, std::span<const MetricDisplay> metrics,
               const CollectionsByField& collections, int trendMetric = -1);
+    /// The alerts of the table that is filled next. They mark the metrics that they watch; a collection has no marks.
+    void SetAlerts(AlertMarks alerts) { m_alerts = std::move(alerts); }
     /// Dates in tooltips are written in this locale.
     void SetLocale(const std::locale& locale) { m_locale = locale; }
     /// Removes all rows and columns.
@@ -40,6 +42,10 @@ class StdMetRows final : public CUGDataSource {
     [[nodiscard]] int GetTrendMetric() const { return m_trendColumn >= 0 ? m_trendMetric : -1; }
     /// The row of that field; -1 when there is none.
     [[nodiscard]] std::int64_t FindField(int fieldId) const;
+    /// The metric of a table's field that the cell shows and that an alert can watch, by its id; -1 for other cells.
+    [[nodiscard]] int GetWatchable(int column) const;
+    /// The alerts that mark the cell, the gravest first.
+    [[nodiscard]] const std::vector<AlertState>& GetAlerts(int column, std::int64_t row) const;
 
     [[nodiscard]] int GetColumnCount() const override { return static_cast<int>(m_columns.size()); }
     [[nodiscard]] std::int64_t GetRowCount() const override { return static_cast<std::int64_t>(m_rows.size()); }
@@ -56,9 +62,7 @@ class StdMetRows final : public CUGDataSource {
         std::optional<FitFigures> fits; ///< over which values figures are
         std::vector<GridCell> cells;
     };
-    using Mark = std::pair<std::string, int>; ///< field name and metric id
 
-    void ReadAlertMarks(PrViewer& viewer, const TableIdentity& table);
     bool ReadFields(PrViewer& viewer, const ReportSelection& selection, const CollectionsByField& collections);
     [[nodiscard]] Row ReadRow(const ProfileCursor& cursor, const CollectionsByField& collections,
                               std::optional<FitFigures> fits) const;
@@ -69,7 +73,7 @@ class StdMetRows final : public CUGDataSource {
     std::vector<GridColumn> m_columns;
     std::vector<Row> m_rows;
     std::vector<int> m_shown; ///< metric ids in the order of their columns
-    std::set<Mark> m_marks;
+    AlertMarks m_alerts;
     bool m_isCollection = false;
     MetricHistory m_history;
     int m_trendMetric = -1;

@@ -199,6 +199,71 @@ void takeMisfits(ShellWindow& window, Album& album, QTreeView& tree) {
     settle(kPaintMilliseconds);
 }
 
+/// The first node that is visible below `parent` and has raised alerts.
+QModelIndex alertedNode(const QTreeView& tree, const QModelIndex& parent = {}) {
+    const QAbstractItemModel& model = *tree.model();
+    for (int row = 0; row < model.rowCount(parent); ++row) {
+        const QModelIndex at = model.index(row, 0, parent);
+        if (at.data(Qt::AccessibleTextRole).toString().contains(QLatin1String("Alerts raised")))
+            return at;
+        if (const QModelIndex below = tree.isExpanded(at) ? alertedNode(tree, at) : QModelIndex(); below.isValid())
+            return below;
+    }
+    return {};
+}
+
+// The dialog of an action on the selected alert.
+void takeAlertDialog(const ShellWindow& window, Album& album, const char* action, const QString& name) {
+    for (auto* list : window.findChildren<QTableView*>()) {
+        auto* found = list->isVisible() ? list->findChild<QAction*>(QLatin1String(action)) : nullptr;
+        if (!found)
+            continue;
+        list->setCurrentIndex(list->model()->index(0, 0));
+        // The list looks at its selection when a key is pressed.
+        QKeyEvent key(QEvent::ShortcutOverride, Qt::Key_F2, Qt::NoModifier);
+        QApplication::sendEvent(list, &key);
+        QTimer::singleShot(kSettleMilliseconds, qApp, [&album, name] {
+            if (QWidget* dialog = QApplication::activeModalWidget()) {
+                album.take(*dialog, name);
+                dialog->close();
+            }
+        });
+        found->trigger();
+        settle(kPaintMilliseconds);
+        return;
+    }
+}
+
+// A table with raised alerts: its figures, its list, the dialogs of an alert, and the window of all alerts. The
+// selection is as before.
+void takeAlerts(ShellWindow& window, TavixHost& host, Album& album) {
+    constexpr int kAlertsTab = 3;
+    auto* tree = window.findChild<QTreeView*>(QStringLiteral("page0"));
+    if (!tree)
+        return;
+    const QPersistentModelIndex before = tree->currentIndex();
+    const QModelIndex alerted = alertedNode(*tree);
+    if (alerted.isValid()) {
+        tree->setCurrentIndex(alerted);
+        settle(kPaintMilliseconds);
+    }
+    auto* strip = tabStrip(window);
+    if (alerted.isValid() && strip && strip->count() > kAlertsTab) {
+        strip->setCurrentIndex(0);
+        settle(kPaintMilliseconds);
+        album.take(window, QStringLiteral("alert-marks"));
+        strip->setCurrentIndex(kAlertsTab);
+        settle(kPaintMilliseconds);
+        album.take(window, QStringLiteral("alerts"));
+        takeAlertDialog(window, album, "editAlert", QStringLiteral("alert-editor"));
+        takeAlertDialog(window, album, "muteAlert", QStringLiteral("mute-alert"));
+        strip->setCurrentIndex(0);
+    }
+    takeDialog(host, CommandId::Alerts, album, QStringLiteral("alerts-window"));
+    tree->setCurrentIndex(before);
+    settle(kPaintMilliseconds);
+}
+
 void takeNavigatorPages(ShellWindow& window, Album& album) {
     auto* navigator = window.findChild<QWidget*>(QStringLiteral("navigator"));
     auto* tabs = navigator ? navigator->findChild<QTabBar*>() : nullptr;
@@ -257,6 +322,7 @@ bool takePictures(ShellWindow& window, TavixHost& host, const PictureOptions& op
         return album.ok();
     settle();
     takeNavigatorPages(window, album);
+    takeAlerts(window, host, album);
     if (auto* strip = tabStrip(window)) {
         strip->setCurrentIndex(1);
         settle(kPaintMilliseconds);

@@ -1,5 +1,6 @@
 #include "access/Layouts.h"
 #include "access/PrViewer.h"
+#include "base/AlertDefinition.h"
 #include "base/tests/TempFolder.h"
 #include "repository/DistributionStore.h"
 #include "repository/Schema.h"
@@ -53,6 +54,10 @@ class OldRepositories : public ::testing::TestWithParam<std::size_t> {
                               "minimum_length, quantile_rule, value_rows, value_sum, pattern_rows, pattern_sum) "
                               "VALUES(1, 1, {0}, {0}, 'S', 1, 1, '', 0, 0, 0, 0)",
                               field));
+        store("INSERT INTO alert(id, table_id, field, description, metric, type_code) VALUES"
+              "(1, 1, 2, 'Nulls', 2, 'SM'), (2, 1, 1, 'Records', 0, 'SM'), (3, 1, 1, 'Of nobody', 0, 'SM');"
+              "INSERT INTO alert_property VALUES(1, 0, 'METRIC', '2'), (1, 1, 'JOB', '1'), (2, 0, 'JOB', '1'), "
+              "(2, 1, 'RECORDS', '1'), (3, 0, 'JOB', '77')");
         const std::vector<repository::ValueCount> cities{{"Bern", 2, false}, {"", 1, true}, {"Ulm", 1, false}};
         ASSERT_TRUE(repository::storeDistribution(**old, {1, 2, repository::DistributionKind::Values}, cities).ok());
         if (version() >= 4)
@@ -93,6 +98,46 @@ TEST_P(OldRepositories, HaveNoHistogramsTypesAndFindings) {
     const ProfileCursorHandle ranks = viewer->getFreqDistRanks(2);
     ASSERT_TRUE(ranks && ranks->next());
     EXPECT_EQ(ranks->getColumnInt(layout::RankSum), 4);
+}
+
+TEST_P(OldRepositories, HaveTheAlertsOfTheirJobsAndNeitherMutesNorNotes) {
+    const PrViewer::Handle viewer = PrViewer::create();
+    ASSERT_TRUE(viewer->init(m_path) && viewer->setCurrentJobSetup(1)) << viewer->getErrorString().str();
+    const auto rows = [&](ProfileCursorHandle cursor, std::initializer_list<int> columns) {
+        std::string text = cursor ? "" : viewer->getErrorString().str();
+        while (cursor && cursor->next()) {
+            for (const int column : columns)
+                text += (cursor->isColumnNull(column) ? "-" : cursor->getColumnValue(column).str()) + " ";
+            text += "| ";
+        }
+        return text;
+    };
+    const auto alerts = [&] {
+        return rows(viewer->getAlerts(),
+                    {layout::AlertDescription, layout::AlertReportId, layout::AlertIsOfUser, layout::AlertAuthor});
+    };
+    const auto figures = [&] {
+        return rows(viewer->getAlertFigures(1, -1, 0), {layout::FigureAlert, layout::FigureValue});
+    };
+    EXPECT_EQ(alerts(), "Nulls 1 0  | Records 1 0  | Of nobody 77 0  | ");
+    EXPECT_EQ(figures(), "1 1 | 2 - | ");
+    EXPECT_EQ(rows(viewer->getWatchedFigures(
+                       {.table = 1, .field = 2, .metric = MetricId::NullCount, .rule = {}, .description = {}}, -1, 0),
+                   {layout::FigureValue}),
+              "1 | ");
+    EXPECT_EQ(rows(viewer->getAllAlertProperties(), {0, 1}), "1 METRIC | 1 JOB | 2 JOB | 2 RECORDS | 3 JOB | ");
+    EXPECT_EQ(rows(viewer->getAlertMutes(), {0}) + rows(viewer->getAlertChanges(1), {0}) +
+                  rows(viewer->getAlertNotes(1), {0}),
+              "");
+    EXPECT_EQ(storedRows(m_path, "PRAGMA user_version"), fmt::format("{}\n", version())) << "reading changes nothing";
+
+    // The first edit brings it up to date; an alert whose job is not there belongs to none.
+    ASSERT_TRUE(viewer->muteAlert(2, "ada", "known", 1, {})) << viewer->getErrorString().str();
+    EXPECT_EQ(alerts(), "Of nobody - 0  | Nulls 1 0  | Records 1 0  | ");
+    EXPECT_EQ(storedRows(m_path, "SELECT alert_id, of_records, job_id, origin FROM v_alerts ORDER BY alert_id"),
+              "1|0|1|job\n2|1|1|job\n3|0|NULL|job\n");
+    EXPECT_EQ(figures(), "1 1 | 2 - | ");
+    EXPECT_EQ(rows(viewer->getAlertMutes(), {layout::MutedAlert, layout::MuteReason}), "2 known | ");
 }
 
 TEST_P(OldRepositories, AreDrilledAsTheyAreAndOnceTheyAreUpToDate) {

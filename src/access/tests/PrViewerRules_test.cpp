@@ -132,7 +132,8 @@ TEST_F(PrViewerRulesTest, AlertsNameWhatTheyWatchAndLeadThere) {
     alerts.erase(alerts.begin(), alerts.end() - 3);
     const int x = ids(m_viewer->getFieldList(m_tables["orders"])).at(1);
     EXPECT_THAT(alerts[0], ::testing::HasSubstr("|orders|x||"));
-    EXPECT_THAT(alerts[0], ::testing::EndsWith("|SM||" + orders + "|" + std::to_string(x) + "|<null>|" + job + "|0||<null>"));
+    EXPECT_THAT(alerts[0],
+                ::testing::EndsWith("|SM||" + orders + "|" + std::to_string(x) + "|<null>|" + job + "|0||<null>"));
     EXPECT_THAT(alerts[1], ::testing::HasSubstr("|orders|Ratio||"));
     EXPECT_THAT(alerts[1], ::testing::EndsWith("|CM|M2|" + orders + "|<null>|2|" + job + "|0||<null>"));
     EXPECT_THAT(alerts[2], ::testing::HasSubstr("|orders|Positive||"));

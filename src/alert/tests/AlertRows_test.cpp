@@ -1,4 +1,3 @@
-#include "alert/ListedAlerts.h"
 #include "alert/tests/GivenAlerts.h"
 #include "support/RowsText.h"
 
@@ -85,30 +84,6 @@ TEST(AlertRows, WithoutARuleSayThatItCannotBeRetrieved) {
     EXPECT_EQ("Unable to retrieve alert properties", rows.GetCell(9, 0).text);
     EXPECT_EQ("", rows.GetCell(5, 0).text);
     EXPECT_EQ("Unable to retrieve alert properties\ncannot be judged", rows.GetToolTip(0, 0));
-}
-
-// The table that is shown, and tables that differ from it in one name.
-TEST(AlertRows, BelongToATableByItsNames) {
-    TableIdentity table;
-    table.dataSource = "Sales";
-    table.catalog = "north";
-    table.schema = "public";
-    table.name = "orders";
-    const AlertState alert = priceAlert(MetricId::Mean, {}, 1);
-    EXPECT_TRUE(isListedFor(alert, table));
-    for (std::string TableIdentity::*name :
-         {&TableIdentity::dataSource, &TableIdentity::catalog, &TableIdentity::schema, &TableIdentity::name}) {
-        TableIdentity other = table;
-        other.*name = "south";
-        EXPECT_FALSE(isListedFor(alert, other)) << "a table of the same name in another catalog, or the like";
-    }
-    TableIdentity filtered = table;
-    filtered.objectName = "late orders";
-    EXPECT_FALSE(isListedFor(alert, filtered));
-    AlertState ofFilter = alert;
-    ofFilter.objectName = ofFilter.table = "late orders";
-    EXPECT_TRUE(isListedFor(ofFilter, filtered));
-    EXPECT_FALSE(isListedFor(ofFilter, table));
 }
 
 } // namespace

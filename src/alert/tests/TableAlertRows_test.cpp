@@ -92,16 +92,16 @@ TEST_F(AlertLists, OfATableGoByItsNames) {
 
 TEST_F(AlertLists, OfATableHaveThoseOfOtherReports) {
     userAlert(m_sample.salesJob, "customers/id", {.value1 = 1}, "Many ids");
-    userAlert(m_sample.inventoryJob, "parts/id", {.value1 = 1e9}, "Many parts");
+    userAlert(m_sample.inventoryJob, "parts/Column 1", {.value1 = 1e9}, "Many parts");
     TableAlertRows rows(std::locale::classic());
     ASSERT_TRUE(fill(rows, m_customers));
     EXPECT_THAT(firstOf(rows), ElementsAre("Many ids|Standard Metric|id|raised"));
     EXPECT_THAT(rows.GetToolTip(0, 0), ::testing::Not(::testing::HasSubstr("another report")));
     TableIdentity parts;
-    parts.dataSource = "Warehouse";
+    parts.dataSource = "/data/files";
     parts.name = "parts";
     ASSERT_TRUE(fill(rows, parts));
-    EXPECT_THAT(firstOf(rows), ElementsAre("Many parts|Standard Metric|id|quiet"));
+    EXPECT_THAT(firstOf(rows), ElementsAre("Many parts|Standard Metric|Column 1|quiet"));
     EXPECT_THAT(rows.GetToolTip(0, 0),
                 ::testing::EndsWith("\nOf another report, \u201CInventory\u201D: judged for its latest run"));
 }
@@ -109,15 +109,15 @@ TEST_F(AlertLists, OfATableHaveThoseOfOtherReports) {
 TEST_F(AlertLists, OfARepositoryAreFilteredAndSearched) {
     userAlert(m_sample.salesJob, "customers/id", {.value1 = 1}, "Many ids");
     userAlert(m_sample.salesJob, "suppliers/id", {.value1 = 1e9}, "Many suppliers");
-    userAlert(m_sample.inventoryJob, "parts/id", {.value1 = 1e9}, "Many parts");
+    userAlert(m_sample.inventoryJob, "parts/Column 1", {.value1 = 1e9}, "Many parts");
     ReportAlertRows rows(std::locale::classic());
     ASSERT_TRUE(rows.Fill(*m_viewer)) << rows.GetErrorText();
     EXPECT_THAT(firstOf(rows, 5), ElementsAre("Many ids|Standard Metric|id|Warehouse.crm.public.customers|raised",
                                               "Many suppliers|Standard Metric|id|Warehouse.dbo.suppliers|quiet",
-                                              "Many parts|Standard Metric|id|Warehouse.parts|quiet"));
+                                              "Many parts|Standard Metric|Column 1|/data/files.parts|quiet"));
     EXPECT_EQ("3 alerts  ·  1 warning", rows.GetCountText());
     CAlertsFilter filter;
-    filter.Set(CAlertsFilter::DataSource, "Warehouse");
+    filter.Set(CAlertsFilter::Type, "Standard Metric");
     rows.SetFilter(filter);
     EXPECT_EQ(3, rows.GetRowCount());
     rows.SetSearch("MANY P");

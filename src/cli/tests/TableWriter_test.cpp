@@ -122,6 +122,14 @@ TEST(TextTableWriter, SeveralListsHaveTitlesAndARecordALinePerColumn) {
               "Values of t.f\nValue  x\nCount  0.12\n\nValues of t.f\n(none)\n");
 }
 
+TEST(TextTableWriter, ProseOfARecordGoesOnBelowItself) {
+    Section record{"note", "Note", {{"note", "Note", Column::Kind::Prose}, {"written_by", "Written by"}}};
+    record.isRecord = true;
+    const std::string word(40, 'x');
+    EXPECT_EQ(written({}, {{record, {{word + " " + word, "ada"}}}}),
+              "Note        " + word + "\n            " + word + "\nWritten by  ada\n");
+}
+
 TEST(CsvTableWriter, QuotesWhatNeedsItAndTellsNullFromEmpty) {
     EXPECT_EQ(written({Format::Csv}, {{kValues,
                                        {{"plain", 1},

@@ -4,6 +4,7 @@
 #include "base/tests/TempFolder.h"
 #include "doc/CTavixDoc.h"
 #include "support/RunScript.h"
+#include "support/SampleAlerts.h"
 #include "support/SampleRepository.h"
 
 #include <gmock/gmock.h>
@@ -331,13 +332,8 @@ TEST_F(TavixDocTest, CollectionsOfATableAreKeptUntilTheyChange) {
 TEST_F(TavixDocTest, AlertsAreJudgedOnceForARunUntilTheyMayHaveChanged) {
     EXPECT_THAT(m_doc.GetAlerts(), IsEmpty()) << "no report";
     open();
-    const auto alertAbove = [&](const std::string& limit) {
-        damage("INSERT INTO alert(table_id, field, metric, type_code) SELECT table_id, id, 2, 'SM' FROM field WHERE id "
-               "= " +
-               std::to_string(m_sample.fields.at("customers/name")) +
-               "; INSERT INTO alert_property SELECT MAX(a.id), p.column1, p.column2, p.column3 FROM alert a, (VALUES "
-               "(0, 'METRIC', '2'), (1, 'COMPARE', '0'), (2, 'VALUE1', '" +
-               limit + "'), (3, 'JOB', '" + std::to_string(m_sample.salesJob) + "')) p GROUP BY 2, 3, 4");
+    const auto alertAbove = [&](double limit) {
+        testing::addAlert(m_sample, "customers/name", MetricId::NullCount, {.value1 = limit});
     };
     const auto figures = [&] {
         std::vector<std::string> lines;
@@ -345,23 +341,27 @@ TEST_F(TavixDocTest, AlertsAreJudgedOnceForARunUntilTheyMayHaveChanged) {
             lines.push_back(std::string(alertShownWord(alert.shown())) + " " + formatReal(alert.figure.value_or(-1)));
         return lines;
     };
-    alertAbove("228");
+    alertAbove(228);
     EXPECT_THAT(figures(), ElementsAre("quiet 228"));
-    alertAbove("229");
+    alertAbove(229);
     EXPECT_THAT(figures(), ElementsAre("quiet 228")) << "no second query";
     m_doc.Notice(RefreshHint::OptionsChanged);
     EXPECT_THAT(figures(), ElementsAre("quiet 228"));
     m_doc.Notice(RefreshHint::AlertsChanged);
     EXPECT_THAT(figures(), ElementsAre("quiet 228", "quiet 228"));
+    EXPECT_EQ("no alert raised", m_doc.GetAlertsText());
     ASSERT_TRUE(m_doc.SetCurrentJob(m_sample.salesRuns[0]));
     EXPECT_THAT(figures(), ElementsAre("raised 230", "raised 230"));
+    EXPECT_EQ("2 warnings", m_doc.GetAlertsText());
 
     damage("ALTER TABLE alert RENAME TO gone");
     m_doc.Notice(RefreshHint::HistoryDeleted);
     EXPECT_THAT(m_doc.GetAlerts(), IsEmpty());
     EXPECT_THAT(m_doc.GetAlertsError(), HasSubstr("alert"));
+    EXPECT_EQ("alerts cannot be read", m_doc.GetAlertsText()) << "not: none is raised";
     m_doc.Clear();
     EXPECT_EQ("", m_doc.GetAlertsError());
+    EXPECT_EQ("", m_doc.GetAlertsText());
 }
 
 } // namespace

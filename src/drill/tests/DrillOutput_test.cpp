@@ -151,10 +151,10 @@ TEST_F(DrillOutput, AWorksheetHasNumbersInNumericColumns) {
     const std::string path = m_folder.file("rows.xls");
     ASSERT_TRUE(saveDrillRows(m_source, path, "na/me", m_messages));
     EXPECT_EQ(testing::readWorksheet(path), "#na_me 4\n"
-                              "Tid|Tpri\"ce|Tname\n"
-                              "N10.0|N1.5|Tb, c\n"
-                              "N9.0| |Tsay \"hi\"\n"
-                              "N7.0|Tn/a|TM\u00FCller\n");
+                                            "Tid|Tpri\"ce|Tname\n"
+                                            "N10.0|N1.5|Tb, c\n"
+                                            "N9.0| |Tsay \"hi\"\n"
+                                            "N7.0|Tn/a|TM\u00FCller\n");
 }
 
 TEST_F(DrillOutput, MoreRowsThanASheetHoldsGoOnBehindIt) {
@@ -167,7 +167,7 @@ TEST_F(DrillOutput, MoreRowsThanASheetHoldsGoOnBehindIt) {
     const std::string path = m_folder.file("many.xls");
     ASSERT_TRUE(saveDrillRows(m_source, path, "n", m_messages));
     EXPECT_THAT(testing::readWorksheet(path), ::testing::AllOf(::testing::HasSubstr("#n 65536\nTn\nN0.0\n"),
-                                                 ::testing::HasSubstr("#n (2) 4467\nTn\nN65534.0\n")));
+                                                               ::testing::HasSubstr("#n (2) 4467\nTn\nN65534.0\n")));
 }
 
 TEST_F(DrillOutput, AWorksheetThatCannotHoldTheRowsIsSaid) {

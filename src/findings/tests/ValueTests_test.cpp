@@ -296,7 +296,7 @@ std::string randomText(std::mt19937& random) {
 /// Of one value alone.
 Hits passedAlone(ValueTest test, const std::string& text) {
     ValueDetectors values;
-    values.take(text, 3, text.size(), isBlank(text));
+    values.take(text, byteMask(text), 3, text.size(), isBlank(text));
     return values.passed(test);
 }
 

@@ -32,7 +32,7 @@ std::string formsOf(const ColumnReading& column) {
 ColumnReading read(const Values& values, StatedDates stated = StatedDates::Nothing) {
     FormCounts counts(stated);
     for (const auto& [text, count] : values)
-        counts.take(text, kindOf(text), count);
+        counts.take(text, kindOf(text), byteMask(text), count);
     return counts.read();
 }
 
@@ -130,7 +130,7 @@ TEST(FormCounts, OrderAndPartsDoNotMatter) {
         FormCounts second;
         std::uint64_t fitRows = 0;
         for (const auto& [text, count] : values) {
-            (random() % 2 == 0 ? first : second).take(text, kindOf(text), count);
+            (random() % 2 == 0 ? first : second).take(text, kindOf(text), byteMask(text), count);
             fitRows += whole.reading && whole.reading->fits(text) ? count : 0;
         }
         first.merge(second);

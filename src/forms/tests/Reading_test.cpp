@@ -1,3 +1,4 @@
+#include "base/ByteMask.h"
 #include "base/DateTicks.h"
 #include "base/NumberText.h"
 #include "forms/Reading.h"
@@ -337,6 +338,7 @@ TEST(Reading, AgreesWithFormsOnGarbage) {
         const ValueKind kind = kindOf(text);
         if (kind == ValueKind::None)
             continue;
+        ASSERT_EQ(kindOf(text, byteMask(text)), kind) << text;
         const ValueForm form = ValueForm::of(text, kind);
         for (const Reading& reading : readings) {
             ASSERT_EQ(reading.fits(form), reading.fits(text)) << reading.text() << ": " << text;

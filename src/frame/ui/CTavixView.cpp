@@ -28,6 +28,11 @@ namespace {
 
 constexpr int kAfterLoadMilliseconds = 250;
 
+/// While the run stays the same.
+bool mayChangeAlerts(RefreshHint hint) {
+    return hint == RefreshHint::AlertsChanged || hint == RefreshHint::HistoryDeleted;
+}
+
 } // namespace
 
 CTavixView::CTavixView(const CTavixApp& app, Messages& messages, QWidget* parent, int patienceMilliseconds)
@@ -157,17 +162,24 @@ void CTavixView::Refresh(CRefreshItem*, RefreshHint hint, int) {
     const bool mayChangeRuns = hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded;
     if (mayChangeRuns)
         TellRunsChanged();
+    else if (mayChangeAlerts(hint))
+        TellAlertsChanged();
 }
 
 // A hidden pane receives no refreshes.
 void CTavixView::RefreshOverview(RefreshHint hint) {
     const bool concerns = hint == RefreshHint::DocumentReset || hint == RefreshHint::RunLoaded ||
-                          hint == RefreshHint::HistoryDeleted || hint == RefreshHint::FindingsChanged;
+                          hint == RefreshHint::FindingsChanged || mayChangeAlerts(hint);
     if (!concerns)
         return;
     m_overview->Forget();
-    if (hint == RefreshHint::HistoryDeleted && m_reportPane->currentWidget() == m_overview)
+    if (mayChangeAlerts(hint) && m_reportPane->currentWidget() == m_overview)
         ShowReportPane();
+}
+
+void CTavixView::TellAlertsChanged() {
+    if (const auto changed = m_alertsChanged)
+        changed();
 }
 
 void CTavixView::TellRunsChanged() {

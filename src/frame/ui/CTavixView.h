@@ -60,6 +60,8 @@ class CTavixView final : public SplitFrame,
     void SetDeleteHistoryRequest(std::function<void()> request) { m_deleteHistoryRequest = std::move(request); }
     /// `changed` is called after the current run or the list of runs may have changed.
     void SetRunsChanged(std::function<void()> changed) { m_runsChanged = std::move(changed); }
+    /// `changed` is called after alerts of the current run may have changed while the run stayed.
+    void SetAlertsChanged(std::function<void()> changed) { m_alertsChanged = std::move(changed); }
     /// `request` is called when the connection string of a repository server lacks a user or password; it answers by
     /// SetAuthSvrCreds. The string, user and password are never shown.
     void SetCredentialsRequest(std::function<void()> request) { m_credentialsRequest = std::move(request); }
@@ -156,6 +158,7 @@ class CTavixView final : public SplitFrame,
     void AfterLoad();
     bool SelectTableOf(const NavigateRequest& request);
     void TellRunsChanged();
+    void TellAlertsChanged();
     void RefreshOverview(RefreshHint hint);
     void OpenTableInformation();
     void CloseTableInformation();
@@ -204,6 +207,7 @@ class CTavixView final : public SplitFrame,
     bool m_wantsInfo = false;       ///< the user's last choice
     std::function<void()> m_deleteHistoryRequest;
     std::function<void()> m_runsChanged;
+    std::function<void()> m_alertsChanged;
     std::function<void()> m_credentialsRequest;
     std::function<bool()> m_offersColors;
     std::function<void(ColorScheme)> m_colorsChosen;

@@ -4,6 +4,7 @@
 #include "base/ui/QtText.h"
 #include "base/ui/Theme.h"
 #include "grid/InvisibleText.h"
+#include "grid/ui/AlertSigns.h"
 #include "grid/ui/CellPictures.h"
 #include "grid/ui/GridModel.h"
 #include "grid/ui/Icons.h"
@@ -23,7 +24,6 @@ namespace {
 
 constexpr int kPadding = 8;
 constexpr int kIconGap = 6;
-constexpr int kAlertCorner = 7;
 constexpr int kBarMargin = 2;
 constexpr int kMarkGap = 5;
 constexpr double kMarkFaintness = 0.45;
@@ -140,13 +140,7 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     const CellGeometry geometry = layOut(free, cell);
     if (cell.icon != CellIcon::None)
         paintIcon(*painter, geometry.icon, cell.icon, colors, onHighlight);
-    if (cell.alertMark) {
-        painter->setRenderHint(QPainter::Antialiasing);
-        painter->setPen(Qt::NoPen);
-        painter->setBrush(tint::alert(colors));
-        const QPointF corner(option.rect.right() + 1, option.rect.top());
-        painter->drawPolygon(QPolygonF{corner, corner - QPointF(kAlertCorner, 0), corner + QPointF(0, kAlertCorner)});
-    }
+    paintAlertCorner(*painter, option.rect, cell.alert, colors, background, onHighlight);
 
     QColor textColor = selected ? selection.text : colors.color(QPalette::Text);
     QFont font = option.font;
@@ -219,8 +213,6 @@ bool CellDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const Q
         lines << toQString(more).toHtmlEscaped().replace(u'\n', QStringLiteral("<br>"));
     if (const QString meaning = iconMeaning(cell.icon); !meaning.isEmpty())
         lines << meaning;
-    if (cell.alertMark)
-        lines << QStringLiteral("An alert watches this figure");
     if (lines.isEmpty())
         QToolTip::hideText();
     else

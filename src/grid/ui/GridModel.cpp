@@ -22,8 +22,8 @@ QString accessibleText(const GridCell& cell) {
         parts << toQString(withMark(cell.text, cell.mark));
     if (const QString meaning = iconMeaning(cell.icon); !meaning.isEmpty())
         parts << meaning;
-    if (cell.alertMark)
-        parts << QStringLiteral("alert");
+    if (cell.alert != AlertMark::None)
+        parts << toQString(alertMarkText(cell.alert));
     return parts.join(QStringLiteral(", "));
 }
 

@@ -10,7 +10,7 @@ namespace tavix::tint {
 
 /// Hairlines between areas.
 [[nodiscard]] QColor line(const QPalette& palette);
-/// Marks a figure that an alert watches.
+/// Marks what needs attention at once. A raised alert that is only a warning has accentWarm().
 [[nodiscard]] QColor alert(const QPalette& palette);
 /// The bar behind a cell's text, on the cell's background. Text keeps its contrast on it.
 [[nodiscard]] QColor bar(const QPalette& palette, const QColor& background, bool onSelection);

@@ -120,6 +120,10 @@ QWidget* CTables::GetPageControl() const {
 void CTables::Refresh(CRefreshItem*, RefreshHint hint, int) {
     m_information.Forget();
     switch (hint) {
+    case RefreshHint::HistoryDeleted:
+    case RefreshHint::AlertsChanged:
+        ShowAlerts();
+        return;
     case RefreshHint::CollectionsRefreshed:
         Reload(page(NavigatorPage::Collections));
         break;
@@ -127,11 +131,18 @@ void CTables::Refresh(CRefreshItem*, RefreshHint hint, int) {
     case RefreshHint::RunLoaded:
         for (Page& each : m_pages)
             Reload(each);
+        ShowAlerts();
         break;
     default:
         return;
     }
     TellSelection();
+}
+
+void CTables::ShowAlerts() {
+    Page& tables = page(NavigatorPage::Tables);
+    tables.model->setAlerts(AlertDots(m_site.GetTavixDoc().GetAlerts()));
+    tables.view->viewport()->update();
 }
 
 CTables::PageState CTables::StateOf(Page& each) const {

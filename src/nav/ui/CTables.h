@@ -74,6 +74,7 @@ class CTables final : public QWidget, public CRefreshItem, public CommandTarget 
     [[nodiscard]] Page& page(NavigatorPage page) { return m_pages[static_cast<std::size_t>(page)]; }
     [[nodiscard]] PageState StateOf(Page& page) const;
     void Reload(Page& page);
+    void ShowAlerts();
     void OpenTopLevel(Page& page);
     void TellSelection();
     bool SelectNode(Page& page, const TreeNode* node);

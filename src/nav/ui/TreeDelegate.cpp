@@ -1,6 +1,7 @@
 #include "nav/ui/TreeDelegate.h"
 
 #include "base/ui/Theme.h"
+#include "grid/ui/AlertSigns.h"
 #include "grid/ui/Icons.h"
 #include "nav/ui/TreeModel.h"
 
@@ -33,6 +34,9 @@ void TreeDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     if (selected)
         painter->fillRect(option.rect, colors.color(QPalette::Highlight));
     paintIcon(*painter, icon, static_cast<CellIcon>(index.data(TreeModel::IconRole).toInt()), colors, selected);
+
+    const auto alert = static_cast<AlertMark>(index.data(TreeModel::AlertRole).toInt());
+    paintAlertDot(*painter, QPointF(icon.topRight()) + QPointF(0, kAlertDotSize / 2.0 - 1), alert, colors, selected);
 
     QRect name = option.rect;
     name.setLeft(icon.right() + kGap);

@@ -3,6 +3,8 @@
 #include "base/ui/QtText.h"
 #include "grid/CUGDataSource.h"
 #include "nav/InformationText.h"
+#include "report/AlertMarks.h"
+#include "report/AlertTexts.h"
 
 namespace tavix {
 
@@ -115,19 +117,25 @@ QVariant TreeModel::data(const QModelIndex& index, int role) const {
     const TreeNode* node = this->node(index);
     if (!node)
         return {};
+    const auto alertText = [this, node](const std::string& before) {
+        const AlertCounts& counts = m_alerts.Of(*node);
+        return counts.raised() > 0 ? before + "Alerts raised: " + alertCountsText(counts) : std::string();
+    };
     switch (role) {
     case Qt::DisplayRole:
         return toQString(node->name);
     case CountTextRole:
         return toQString(countText(*node));
     case Qt::AccessibleTextRole:
-        return toQString(node->name + " " + countText(*node));
+        return toQString(node->name + " " + countText(*node) + alertText(", "));
     case IconRole:
         return static_cast<int>(iconOf(*node));
     case Qt::ToolTipRole:
         if (node->kind == TreeNodeKind::Table)
-            return toQString(informationText(node->table)).trimmed();
-        return toQString(node->name);
+            return toQString(informationText(node->table)).trimmed() + toQString(alertText("\n"));
+        return toQString(node->name + alertText("\n"));
+    case AlertRole:
+        return static_cast<int>(markOf(m_alerts.Of(*node)));
     default:
         return {};
     }

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "nav/AlertDots.h"
 #include "nav/TreeContents.h"
 
 #include <QAbstractItemModel>
+
+#include <utility>
 
 namespace tavix {
 
@@ -13,6 +16,7 @@ class TreeModel final : public QAbstractItemModel {
     enum Role {
         CountTextRole = Qt::UserRole, ///< the count beside the name, as text
         IconRole,                     ///< a CellIcon, as int
+        AlertRole,                    ///< of the raised alerts on the table or field: an AlertMark, as int
     };
 
     explicit TreeModel(NavigatorPage page, QObject* parent = nullptr);
@@ -20,6 +24,8 @@ class TreeModel final : public QAbstractItemModel {
     /// Removes all nodes; `viewer` may be null.
     void reset(PrViewer* viewer);
     [[nodiscard]] TreeContents& contents() { return m_contents; }
+    /// Shows which alerts are raised on tables and fields; those of a table and of its fields count for the table.
+    void setAlerts(AlertDots alerts) { m_alerts = std::move(alerts); }
     /// Allows a branch that could not be read to be fetched again.
     void retry(const QModelIndex& index);
     /// Null for an index outside the tree.
@@ -45,6 +51,7 @@ class TreeModel final : public QAbstractItemModel {
     TreeNode& nodeAt(const QModelIndex& index) const;
 
     mutable TreeContents m_contents;
+    AlertDots m_alerts;
 };
 
 } // namespace tavix

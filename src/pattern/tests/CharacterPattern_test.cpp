@@ -3,7 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace tavix::pattern {
 namespace {
@@ -28,6 +32,32 @@ TEST(CharacterPattern, AppendsToWhatIsThere) {
     std::string buffer = "kept ";
     appendCharacterPattern(buffer, "Öl1");
     EXPECT_EQ(buffer, "kept Aa9");
+}
+
+TEST(CharacterPattern, IsThatOfEveryCharacterAtAnyLength) {
+    std::mt19937 random(3);
+    std::vector<bool> lengths(60);
+    for (int i = 0; i < 20'000; ++i) {
+        std::string text;
+        std::string pattern;
+        ByteMask kinds = 0;
+        const bool isAscii = i % 3 > 0;
+        for (std::size_t n = random() % lengths.size(); n > 0; --n) {
+            const std::string character =
+                isAscii ? std::string(1, static_cast<char>(random() % 128))
+                        : std::string(std::string_view("\u00E4\u00C4\u0664z9-.").substr(random() % 5 * 2).substr(0, 2));
+            text += character;
+            pattern += patternOf(character);
+            kinds |= byteMask(character);
+        }
+        lengths[text.size() % lengths.size()] = true;
+        ByteMask found = 0;
+        std::string buffer(text.size(), '#');
+        buffer.resize(static_cast<std::size_t>(putCharacterPattern(buffer.data(), text, found) - buffer.data()));
+        EXPECT_EQ(buffer, pattern) << text;
+        EXPECT_EQ(found, kinds) << text;
+    }
+    EXPECT_EQ(std::count(lengths.begin(), lengths.end(), false), 0);
 }
 
 TEST(ShortPattern, CountsRunsOfFourOrMore) {

@@ -39,6 +39,15 @@ TEST(ValueCounter, CountsAsAMapDoes) {
     }
     counter.add("added", 7);
     expected["added"] += 7;
+    std::vector<std::string> texts; // more than a batch, some of them twice
+    for (int i = 0; i < 1000; ++i)
+        texts.push_back(std::to_string(random() % 700 * 3000));
+    std::vector<Entry> counted;
+    for (const std::string& text : texts) {
+        counted.push_back({text.data(), random() % 5 + 1, static_cast<std::uint32_t>(text.size()), 0});
+        expected[text] += counted.back().count;
+    }
+    counter.add(counted);
     counter.finish();
     std::map<std::string, std::uint64_t> found;
     for (const auto& chunk : counter.entries().chunks())

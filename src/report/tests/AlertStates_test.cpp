@@ -175,7 +175,7 @@ TEST_F(AlertStatesOfSample, TheAlertsOfAllJobsAreEachJudgedForARunOfTheirOwn) {
     EXPECT_THAT(lines, ElementsAre(fmt::format("Warehouse.crm.public.customers run {}: Null Count for field name is "
                                                "greater than 228, raised, job",
                                                m_sample.salesRuns[1]),
-                                   fmt::format("Warehouse.parts run {}: Number of records is greater than 1, raised, "
+                                   fmt::format("/data/files.parts run {}: Number of records is greater than 1, raised, "
                                                "anna",
                                                m_sample.inventoryRun)));
     EXPECT_EQ(id, states[1].id);
@@ -226,6 +226,29 @@ TEST_F(AlertStatesOfSample, AMuteHoldsFromItsRunToItsEndWhateverTheVerdictIs) {
     EXPECT_THAT(words(), ElementsAre("raised", "raised", "raised"));
 }
 
+TEST_F(AlertStatesOfSample, TheFirstRunThatRaisedAnAlertIsSearchedInALimitedPast) {
+    alert("balance", MetricId::Mean, "COMPARE=0 VALUE1=5");
+    testing::runScript(m_sample.path,
+                       fmt::format(R"(
+        WITH RECURSIVE n(i) AS (VALUES(1) UNION ALL SELECT i + 1 FROM n WHERE i < 1030)
+            INSERT INTO run(job, started, finished) SELECT {0}, i * 86400000, i * 86400000 FROM n;
+        CREATE TEMP TABLE rows AS SELECT f.*, r.id AS later FROM run_field f, run r
+            WHERE f.run = {1} AND f.field = {2} AND r.job = {0} AND r.id > {1};
+        UPDATE rows SET run = later;
+        ALTER TABLE rows DROP COLUMN later;
+        INSERT INTO run_field SELECT * FROM rows;)",
+                                   m_sample.salesJob, m_sample.salesRuns[2], m_sample.fields.at("customers/balance")));
+    const auto since = [&](int run) {
+        EXPECT_TRUE(m_viewer->setCurrentJob(run));
+        const AlertState state = readAlertStates(*m_viewer, m_sample.salesJob).front();
+        return fmt::format("{}{}, from run {}", state.raisedLonger ? "at least " : "", state.raisedRuns,
+                           state.sinceRun);
+    };
+    const std::vector<RunInfo> runs = readRuns(*m_viewer);
+    EXPECT_EQ(fmt::format("at least 1024, from run {}", runs[1023].id), since(runs.front().id));
+    EXPECT_EQ(fmt::format("130, from run {}", m_sample.salesRuns[0]), since(runs[runs.size() - 130].id));
+}
+
 /// 300 runs on random days, of which many do not have the figures, and 80 alerts of all kinds on them.
 class AlertStatesOfLongHistory : public AlertStatesOfSample {
   protected:
@@ -241,8 +264,9 @@ class AlertStatesOfLongHistory : public AlertStatesOfSample {
         AlertStatesOfSample::SetUp();
         m_field = m_sample.fields.at("customers/balance");
         std::string script =
-            fmt::format("CREATE TEMP TABLE row AS SELECT * FROM run_field WHERE run = {} AND field = {};",
-                        m_sample.salesRuns[2], m_field);
+            fmt::format("CREATE TEMP TABLE row AS SELECT * FROM run_field WHERE run = {0} AND field = {1};"
+                        "CREATE TEMP TABLE place AS SELECT * FROM run_table WHERE run = {0} AND table_id = {2};",
+                        m_sample.salesRuns[2], m_field, m_sample.tables.at("customers"));
         std::int64_t day = 20'600;
         const int first = m_sample.inventoryRun + 100; // after all others
         for (int i = 0; i < kRuns; ++i) {
@@ -252,8 +276,9 @@ class AlertStatesOfLongHistory : public AlertStatesOfSample {
             run.weekday = static_cast<int>((day + 3) % 7 + 1);
             m_runs.push_back(run);
             Figures figures;
-            script += fmt::format("INSERT INTO run(id, job, started, finished) VALUES({}, {}, {}, {});", run.id,
-                                  m_sample.salesJob, day * 86'400'000 + 5, day * 86'400'000 + 5);
+            script += fmt::format("INSERT INTO run(id, job, started, finished) VALUES({0}, {1}, {2}, {2});"
+                                  "UPDATE place SET run = {0}; INSERT INTO run_table SELECT * FROM place;",
+                                  run.id, m_sample.salesJob, day * 86'400'000 + 5);
             // A field may vanish for a while, and a figure may be missing.
             if (i % 60 < 35 || below(30) == 0) {
                 figures.nulls = below(4) == 0 ? std::nullopt : std::optional<double>(below(20));

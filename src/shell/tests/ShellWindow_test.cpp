@@ -1,6 +1,7 @@
 #include "base/ui/Theme.h"
 #include "shell/tests/ShellOverSample.h"
 #include "support/RunScript.h"
+#include "support/SampleAlerts.h"
 
 #include <QAction>
 #include <QApplication>
@@ -13,6 +14,7 @@
 #include <QMenuBar>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 #include <QTreeWidget>
 
 #include <gmock/gmock.h>
@@ -327,6 +329,21 @@ TEST(ShellState, RecentRepositoriesAreEightTheLatestFirst) {
     state.addRecentRepository("/r5");
     state.removeRecentRepository("/r8");
     EXPECT_THAT(state.recentRepositories(), ElementsAre("/r5", "/r9", "/r7", "/r6", "/r4", "/r3", "/r2"));
+}
+
+TEST_F(ShellOverSample, TheStatusLineCountsTheAlertsOfTheRun) {
+    const auto& counts = *m_window.findChild<QToolButton*>(QStringLiteral("alertCounts"));
+    ASSERT_TRUE(open(m_sample.path));
+    ASSERT_TRUE(m_window.openReportNamed("Sales"));
+    EXPECT_TRUE(counts.isHidden()) << "no alerts, no text";
+    testing::addAlert(m_sample, "customers/name", MetricId::NullCount, {.value1 = 228});
+    ASSERT_TRUE(m_window.openReportNamed("Sales"));
+    EXPECT_EQ("no alert raised", toUtf8(counts.text()));
+    ASSERT_TRUE(m_host.SetCurrentRun(m_sample.salesRuns.front()));
+    EXPECT_EQ("1 warning", toUtf8(counts.text()));
+    EXPECT_FALSE(counts.isHidden());
+    m_window.showReports();
+    EXPECT_TRUE(counts.isHidden());
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "support/RowsText.h"
+#include "support/SampleAlerts.h"
 #include "support/SampleRules.h"
 #include "support/SampleViewer.h"
 #include "tabs/RunOverviewModel.h"
@@ -109,6 +110,27 @@ TEST(RunOverviewTexts, DurationsReadLikeTheirSize) {
     EXPECT_EQ("3 min 20 s", durationText(200));
     EXPECT_EQ("2 h 5 min", durationText(7530));
     EXPECT_EQ("0.0 s", durationText(-5));
+}
+
+TEST_F(OverviewOfSample, RaisedAlertsAreMarkedByLevelAndTheOthersAreCounted) {
+    const auto alert = [this](const char* field, MetricId metric, double limit, AlertLevel level) {
+        return testing::addAlert(m_sample, field, metric, {.value1 = limit, .level = level});
+    };
+    alert("customers/name", MetricId::NullCount, 227, AlertLevel::Warning);
+    alert("customers/remark", MetricId::NullCount, 1, AlertLevel::Error);
+    alert("customers/remark", MetricId::Mean, 1, AlertLevel::Error); // has none
+    alert("customers/name", MetricId::NullCount, 1e6, AlertLevel::Error);
+    testing::muteAlert(m_sample, alert("customers/id", MetricId::Count, 1, AlertLevel::Error));
+    show(2);
+    EXPECT_EQ("2 Alerts raised!|1 error, 1 muted, 1 cannot be judged||Opens the alerts of customers", cards()[4]);
+    OverviewList& list = m_model.GetList(RunOverviewModel::Alerts);
+    EXPECT_THAT(lines(RunOverviewModel::Alerts),
+                ElementsAre("Null Count for field remark is greater than 1|customers|>1,000|error",
+                            "Null Count for field name is greater than 227|customers|>228|warning"));
+    EXPECT_EQ(AlertMark::Error, list.GetCell(0, 0).alert);
+    EXPECT_EQ(AlertMark::Warning, list.GetCell(0, 1).alert);
+    EXPECT_THAT(list.GetToolTip(0, 1), StartsWith("Alert raised, warning: Null Count for field name is greater"));
+    EXPECT_EQ("", list.GetToolTip(1, 1));
 }
 
 } // namespace

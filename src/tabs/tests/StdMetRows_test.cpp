@@ -38,7 +38,7 @@ std::string line(const StdMetRows& rows, std::int64_t row) {
             text += "<" + std::to_string(static_cast<int>(cell.icon)) + ">";
         if (cell.state == CellState::Unknown)
             text += "?";
-        if (cell.alertMark)
+        if (cell.alert != AlertMark::None)
             text += "!";
     }
     return text;
@@ -264,7 +264,7 @@ TEST_F(StdMetRowsOfSample, ASampleMarksTheTablesThatAreFilteredFromIt) {
 }
 
 // Alerts refer to their table by name, so every part of the table's identity has to match.
-class AlertMarks : public StdMetRowsOfSample {
+class AlertMarksOfRows : public StdMetRowsOfSample {
   protected:
     void SetUp() override {
         StdMetRowsOfSample::SetUp();
@@ -273,18 +273,27 @@ class AlertMarks : public StdMetRowsOfSample {
         m_customers.table.schema = "public";
     }
     void alert(const std::string& table, const std::string& field, MetricId metric, const std::string& type = "SM") {
-        testing::runScript(m_sample.path,
-                           fmt::format("INSERT INTO alert(table_id, field, metric, type_code) VALUES({}, {}, {}, '{}')",
-                                       m_sample.tables.at(table), m_sample.fields.at(table + "/" + field),
-                                       static_cast<int>(metric), type));
+        const TableIdentity of = *findTable(*m_viewer, m_sample.tables.at(table), "Warehouse");
+        AlertState& state = m_alerts.emplace_back();
+        state.tableId = of.id;
+        state.dataSource = of.dataSource;
+        state.catalog = of.catalog;
+        state.schema = of.schema;
+        state.tableName = of.name;
+        state.objectName = of.objectName;
+        state.kind = of.kind;
+        state.typeCode = type;
+        state.input = field;
+        state.watchedId = static_cast<int>(metric);
     }
     /// "field:metric id" of every marked cell.
     std::vector<std::string> marked(const ReportSelection& selection) {
+        m_rows.SetAlerts({m_alerts, selection.table});
         EXPECT_TRUE(m_rows.Fill(*m_viewer, selection, metrics({MetricId::Count, MetricId::NullCount}), {}));
         std::vector<std::string> marks;
         for (std::int64_t row = 0; row < m_rows.GetRowCount(); ++row) {
             for (int column = 0; column < m_rows.GetColumnCount(); ++column) {
-                if (m_rows.GetCell(column, row).alertMark)
+                if (m_rows.GetCell(column, row).alert != AlertMark::None)
                     marks.push_back(
                         fmt::format("{}:{}", m_rows.GetCell(0, row).text, m_rows.GetColumn(column).parameter));
             }
@@ -296,9 +305,11 @@ class AlertMarks : public StdMetRowsOfSample {
         change(changed.table);
         return marked(changed);
     }
+
+    std::vector<AlertState> m_alerts;
 };
 
-TEST_F(AlertMarks, MarkTheCellOfTheirFieldAndMetric) {
+TEST_F(AlertMarksOfRows, MarkTheCellOfTheirFieldAndMetric) {
     EXPECT_THAT(marked(m_customers), ElementsAre());
     alert("customers", "id", MetricId::Count);
     alert("customers", "name", MetricId::NullCount);
@@ -306,12 +317,37 @@ TEST_F(AlertMarks, MarkTheCellOfTheirFieldAndMetric) {
     alert("customers", "since", MetricId::Mean); // not among the shown metrics
     alert("customers", "city", MetricId::Count, "CM");
     alert("customers", "city", MetricId::NullCount, "BR");
-    testing::runScript(m_sample.path, fmt::format("INSERT INTO alert(table_id, type_code) VALUES({}, 'SM')",
-                                                  m_sample.tables.at("customers")));
+    alert("customers", "city", MetricId::Count);
+    m_alerts.back().watchedId = -1; // its metric cannot be read
     EXPECT_THAT(marked(m_customers), ElementsAre("id:0", "name:2"));
+
+    // In columns 0 and 1 there is no metric; of the two shown, both are numbers.
+    EXPECT_EQ(-1, m_rows.GetWatchable(0));
+    EXPECT_EQ(0, m_rows.GetWatchable(2));
+    EXPECT_EQ(2U, m_rows.GetAlerts(3, m_rows.FindField(m_sample.fields.at("customers/name"))).size());
+    m_alerts.clear();
+    EXPECT_THAT(marked(m_customers), ElementsAre());
 }
 
-TEST_F(AlertMarks, BelongToTheTableOfTheSameIdentityOnly) {
+TEST_F(AlertMarksOfRows, ARaisedErrorIsToldFromAWarningAndAQuietAlert) {
+    alert("customers", "id", MetricId::Count);
+    m_alerts.back().rule.emplace();
+    m_alerts.back().sentence = "Count for field id is greater than 5";
+    m_alerts.back().verdict.state = AlertVerdict::State::Quiet;
+    const auto markOfId = [this] {
+        EXPECT_THAT(marked(m_customers), ElementsAre("id:0"));
+        return m_rows.GetCell(2, m_rows.FindField(m_sample.fields.at("customers/id"))).alert;
+    };
+    EXPECT_EQ(AlertMark::Quiet, markOfId());
+    EXPECT_EQ("Alert, quiet: Count for field id is greater than 5",
+              m_rows.GetToolTip(2, m_rows.FindField(m_sample.fields.at("customers/id"))));
+    m_alerts.back().verdict.state = AlertVerdict::State::Raised;
+    EXPECT_EQ(AlertMark::Warning, markOfId());
+    m_alerts.back().rule->level = AlertLevel::Error;
+    EXPECT_EQ(AlertMark::Error, markOfId());
+}
+
+TEST_F(AlertMarksOfRows, BelongToTheTableOfTheSameIdentityOnly) {
     alert("customers", "id", MetricId::Count);
     ASSERT_THAT(marked(m_customers), ElementsAre("id:0"));
     const std::vector<std::function<void(TableIdentity&)>> nearMisses = {
@@ -330,7 +366,7 @@ TEST_F(AlertMarks, BelongToTheTableOfTheSameIdentityOnly) {
         EXPECT_THAT(markedAs(m_customers, nearMisses[i]), ElementsAre()) << i;
 }
 
-TEST_F(AlertMarks, AnEmptyCatalogOrSchemaMatchesOnlyAnEmptyOne) {
+TEST_F(AlertMarksOfRows, AnEmptyCatalogOrSchemaMatchesOnlyAnEmptyOne) {
     ReportSelection orders = m_customers;
     orders.table = {};
     orders.table.id = m_sample.tables.at("orders");
@@ -342,7 +378,7 @@ TEST_F(AlertMarks, AnEmptyCatalogOrSchemaMatchesOnlyAnEmptyOne) {
     EXPECT_THAT(markedAs(orders, [](TableIdentity& table) { table.schema = "public"; }), ElementsAre());
 }
 
-TEST_F(AlertMarks, TellAQueryAndAFilterFromTheTableBelow) {
+TEST_F(AlertMarksOfRows, TellAQueryAndAFilterFromTheTableBelow) {
     alert("german customers", "id", MetricId::Count);
     EXPECT_THAT(marked(m_customers), ElementsAre());
     ReportSelection german = m_customers;
@@ -363,7 +399,7 @@ TEST_F(AlertMarks, TellAQueryAndAFilterFromTheTableBelow) {
     EXPECT_THAT(marked(big), ElementsAre("amount:2"));
 }
 
-TEST_F(AlertMarks, AreNotDrawnForACollection) {
+TEST_F(AlertMarksOfRows, AreNotDrawnForACollection) {
     alert("customers", "id", MetricId::Count);
     ReportSelection keys = m_keys;
     keys.table = m_customers.table;

@@ -85,5 +85,49 @@ TEST_F(TableRows, AFailureLeavesTheRowsThatAreShown) {
     EXPECT_THAT(charts.GetErrorText(), StartsWith("Error occurred while retrieving visualizations:\n\n"));
 }
 
+TEST_F(TableRows, AMetricAndARuleAreMarkedWhereTheirAlertsLook) {
+    testing::addRules(m_sample);
+    const auto watching = [this](AlertSubject subject, const std::string& name, bool ofPercent, AlertLevel level) {
+        AlertState alert;
+        alert.tableId = m_customers;
+        alert.subject = subject;
+        alert.typeCode = alertTypeCode(subject);
+        alert.key = (subject == AlertSubject::CustomMetric ? "M" : "B") + std::to_string(testing::ruleId(name));
+        alert.rule = AlertRule{.ofFailedPercent = ofPercent, .level = level};
+        alert.sentence = alert.description = name + " is too high";
+        alert.verdict.state = AlertVerdict::State::Raised;
+        return alert;
+    };
+    const std::vector<AlertState> alerts = {
+        watching(AlertSubject::CustomMetric, "Margin", false, AlertLevel::Warning),
+        watching(AlertSubject::BusinessRule, "Name is known", true, AlertLevel::Error),
+        watching(AlertSubject::BusinessRule, "Balance is positive", false, AlertLevel::Warning)};
+    TableIdentity table;
+    table.id = m_customers;
+    /// "row:column mark" of each marked cell.
+    const auto marksOf = [](const ListRows& rows) {
+        std::vector<std::string> marks;
+        for (std::int64_t row = 0; row < rows.GetRowCount(); ++row)
+            for (int column = 0; column < rows.GetColumnCount(); ++column)
+                if (const AlertMark mark = rows.GetCell(column, row).alert; mark != AlertMark::None)
+                    marks.push_back(std::to_string(row) + ":" + std::to_string(column) + " " +
+                                    std::string(alertMarkText(mark)));
+        return marks;
+    };
+    CustomMetricRows metrics;
+    metrics.SetAlerts({alerts, table});
+    ASSERT_TRUE(metrics.Fill(*m_viewer, m_customers)) << metrics.GetErrorText();
+    EXPECT_THAT(marksOf(metrics), ElementsAre("1:2 alert raised, warning"));
+    EXPECT_EQ("Alert raised, warning: Margin is too high", metrics.GetToolTip(2, 1));
+    EXPECT_EQ("", metrics.GetToolTip(2, 0));
+    EXPECT_EQ(1U, metrics.GetAlerts(1).size());
+    BusinessRuleRows rules;
+    rules.SetAlerts({alerts, table});
+    ASSERT_TRUE(rules.Fill(*m_viewer, m_customers)) << rules.GetErrorText();
+    EXPECT_THAT(marksOf(rules), ElementsAre("0:2 alert raised, error", "1:1 alert raised, warning"));
+    EXPECT_EQ("Alert raised, error: Name is known is too high", rules.GetToolTip(2, 0));
+    EXPECT_EQ("", rules.GetToolTip(1, 0)) << "the alert watches the percentage";
+}
+
 } // namespace
 } // namespace tavix

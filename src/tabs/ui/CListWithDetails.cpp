@@ -26,7 +26,7 @@ void CListWithDetails::TakeDetails(std::unique_ptr<ListRows> rows) {
 }
 
 bool CListWithDetails::RefillsOn(RefreshHint hint) const {
-    return CListTab::RefillsOn(hint) || hint == RefreshHint::HistoryDeleted;
+    return CListTab::RefillsOn(hint) || hint == RefreshHint::HistoryDeleted || hint == RefreshHint::AlertsChanged;
 }
 
 void CListWithDetails::RowsChanged() {

@@ -29,7 +29,7 @@ class CListWithDetails : public CListTab {
     }
     [[nodiscard]] LowerLists& Lower() const { return *m_lower; }
 
-    /// Also when runs were deleted: the lists below may show them.
+    /// Also when runs were deleted, which the lists below may show, or alerts changed, which mark the list.
     [[nodiscard]] bool RefillsOn(RefreshHint hint) const override;
 
     /// Fills the lists below for a row of the list.

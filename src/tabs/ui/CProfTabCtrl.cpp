@@ -1,6 +1,7 @@
 #include "tabs/ui/CProfTabCtrl.h"
 
 #include "base/ui/Theme.h"
+#include "grid/ui/AlertSigns.h"
 
 #include <QFontInfo>
 #include <QKeyEvent>
@@ -25,7 +26,10 @@ constexpr int kSmallestCaption = 11; // pixels at 96 dpi
 constexpr int kLargestCaption = 13;  // pixels at 96 dpi
 constexpr int kRest = 2;             // how much lower unselected tabs begin
 constexpr double kRadius = 5;        // of the upper corners
-constexpr int kMoreWidth = 30;       // of the button for the other tabs, at 96 dpi
+constexpr int kCountGap = 5;         // between a caption and its sign
+constexpr int kCountPadding = 9;     // beside the number in its sign
+constexpr int kMostCount = 999;
+constexpr int kMoreWidth = 30; // of the button for the other tabs, at 96 dpi
 
 /// A face with rounded upper corners, along the middle of its outline.
 QPainterPath outlineOf(const QRect& face) {
@@ -121,7 +125,7 @@ std::vector<bool> CProfTabCtrl::TabsWithRoom() const {
     std::vector<bool> shown(static_cast<std::size_t>(count()), true);
     if (LeastWidth() <= width())
         return shown;
-    const auto least = [this](int index) { return CaptionWidth(index) + 2 * kLeastPadding; };
+    const auto least = [this](int index) { return ContentsWidth(index) + 2 * kLeastPadding; };
     int room = width() - kMoreWidth * logicalDpiX() / 96 - 1;
     if (currentIndex() >= 0)
         room -= least(currentIndex());
@@ -163,8 +167,10 @@ void CProfTabCtrl::ShowMenu() {
     m_menu->clear();
     for (int i = 0; i < count(); ++i) {
         if (!isTabVisible(i))
-            m_menu->addAction(QString(tabText(i)).replace(u'&', QStringLiteral("&&")), this,
-                              [this, i] { SelectTab(i); });
+            m_menu->addAction(
+                QString(tabText(i)).replace(u'&', QStringLiteral("&&")) +
+                    (CountOf(i).text.isEmpty() ? QString() : QStringLiteral(" (") + CountOf(i).text + u')'),
+                this, [this, i] { SelectTab(i); });
     }
     if (m_menu->isEmpty())
         return;
@@ -198,6 +204,7 @@ void CProfTabCtrl::mouseDoubleClickEvent(QMouseEvent* event) {
 
 void CProfTabCtrl::InsertTab(int index, const QString& caption, int image) {
     const int at = insertTab(index, caption);
+    m_counts.insert(m_counts.begin() + at, Count());
     setTabData(at, image);
     FitTabs();
 }
@@ -209,6 +216,32 @@ void CProfTabCtrl::SetCaption(int index, const QString& caption) {
     FitTabs();
 }
 
+void CProfTabCtrl::SetCount(int index, int count, AlertMark mark, const QString& meaning) {
+    setTabToolTip(index, meaning);
+    setAccessibleTabName(
+        index, meaning.isEmpty() ? QString() : QString(tabText(index)).remove(u'&') + QStringLiteral(", ") + meaning);
+    Count now{count > 0 ? QString::number(std::min(count, kMostCount)) : QString(), mark};
+    if (count > kMostCount)
+        now.text += u'+';
+    if (std::exchange(m_counts[static_cast<std::size_t>(index)], now) != now)
+        FitTabs();
+}
+
+QFont CProfTabCtrl::CountFont() const {
+    QFont font(m_captionFont);
+    font.setPixelSize(std::max(1, QFontInfo(m_captionFont).pixelSize() * 5 / 6));
+    font.setBold(true);
+    return font;
+}
+
+int CProfTabCtrl::CountWidth(int index) const {
+    const QString& text = CountOf(index).text;
+    if (text.isEmpty())
+        return 0;
+    const QFontMetrics metrics(CountFont());
+    return kCountGap + std::max(metrics.horizontalAdvance(text) + kCountPadding, metrics.height());
+}
+
 int CProfTabCtrl::CaptionWidth(int index) const {
     return QFontMetrics(m_captionFont).horizontalAdvance(QString(tabText(index)).remove(u'&'));
 }
@@ -216,7 +249,7 @@ int CProfTabCtrl::CaptionWidth(int index) const {
 int CProfTabCtrl::LeastWidth() const {
     int width = 1;
     for (int i = 0; i < count(); ++i)
-        width += CaptionWidth(i) + 2 * kLeastPadding;
+        width += ContentsWidth(i) + 2 * kLeastPadding;
     return width;
 }
 
@@ -228,14 +261,14 @@ int CProfTabCtrl::PaddingNow() const {
     int captions = 1;
     int shown = 0;
     for (int i = 0; i < count(); ++i) {
-        captions += isTabVisible(i) ? CaptionWidth(i) : 0;
+        captions += isTabVisible(i) ? ContentsWidth(i) : 0;
         shown += isTabVisible(i) ? 1 : 0;
     }
     return qBound(kLeastPadding, (Room() - captions) / qMax(2 * shown, 1), kPadding);
 }
 
 QSize CProfTabCtrl::tabSizeHint(int index) const {
-    return {qMin(CaptionWidth(index) + 2 * PaddingNow(), qMax(Room() - 1, 1)), height()};
+    return {qMin(ContentsWidth(index) + 2 * PaddingNow(), qMax(Room() - 1, 1)), height()};
 }
 
 CProfTabCtrl::Colors CProfTabCtrl::ColorsNow() const {
@@ -298,9 +331,19 @@ void CProfTabCtrl::PaintTab(QPainter& painter, int index, const Colors& colors) 
     painter.setFont(m_captionFont);
     painter.setPen(colors.text);
     const QRect captionRect = face.adjusted(1, selected ? 2 : 0, -1, 0);
-    const int room = captionRect.width() - kLeastPadding;
-    painter.drawText(captionRect, Qt::AlignCenter | Qt::TextSingleLine,
-                     painter.fontMetrics().elidedText(tabText(index), Qt::ElideRight, room));
+    const int sign = CountWidth(index);
+    const int room = captionRect.width() - kLeastPadding - sign;
+    const QString caption = painter.fontMetrics().elidedText(tabText(index), Qt::ElideRight, room);
+    painter.drawText(captionRect.adjusted(0, 0, -sign, 0), Qt::AlignCenter | Qt::TextSingleLine, caption);
+    if (sign > 0) {
+        // Right of the caption, which is centred together with it.
+        const int width = painter.fontMetrics().horizontalAdvance(caption);
+        painter.setFont(CountFont());
+        const int height = painter.fontMetrics().height();
+        const int left = captionRect.left() + (captionRect.width() - sign + width) / 2 + kCountGap;
+        paintAlertCount(painter, QRect(left, captionRect.center().y() - height / 2, sign - kCountGap, height),
+                        CountOf(index).text, CountOf(index).mark, palette());
+    }
     if (selected && hasFocus()) {
         QPen dots(colors.text, 1, Qt::DotLine);
         painter.setPen(dots);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/AlertMark.h"
+
 #include <QTabBar>
 
 #include <vector>
@@ -25,6 +27,9 @@ class CProfTabCtrl final : public QTabBar {
     void SelectTab(int index) { setCurrentIndex(index); }
     [[nodiscard]] int GetCurrentTab() const { return currentIndex(); }
     void SetCaption(int index, const QString& caption);
+    /// A sign with a number beside the caption, such as the number of raised alerts. `meaning` says it in words, for
+    /// the tooltip and for screen readers. Zero removes the sign.
+    void SetCount(int index, int count, AlertMark mark = AlertMark::None, const QString& meaning = {});
 
   Q_SIGNALS:
     /// A double click with the left button on a tab. Posted, so the strip has finished its own handling.
@@ -49,6 +54,18 @@ class CProfTabCtrl final : public QTabBar {
     [[nodiscard]] std::vector<bool> TabsWithRoom() const;
     void ShowMenu();
     void Hover(int index);
+    struct Count {
+        QString text; ///< "" without a sign
+        AlertMark mark = AlertMark::None;
+
+        bool operator==(const Count&) const = default;
+    };
+    [[nodiscard]] const Count& CountOf(int index) const { return m_counts[static_cast<std::size_t>(index)]; }
+    [[nodiscard]] QFont CountFont() const;
+    /// Of the sign and the gap before it.
+    [[nodiscard]] int CountWidth(int index) const;
+    /// Of the caption and its sign.
+    [[nodiscard]] int ContentsWidth(int index) const { return CaptionWidth(index) + CountWidth(index); }
     [[nodiscard]] int CaptionWidth(int index) const;
     /// Of all tabs side by side.
     [[nodiscard]] int LeastWidth() const;
@@ -67,6 +84,7 @@ class CProfTabCtrl final : public QTabBar {
     [[nodiscard]] Colors ColorsNow() const;
     void PaintTab(QPainter& painter, int index, const Colors& colors) const;
 
+    std::vector<Count> m_counts; ///< by tab
     QFont m_captionFont; ///< the widget's font, scaled down to the strip's height and, within bounds, to its width
     QToolButton* m_more;
     QMenu* m_menu;

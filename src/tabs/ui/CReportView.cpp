@@ -7,6 +7,8 @@
 #include "drill/ui/CDetailsDlg.h"
 #include "grid/StoredColumns.h"
 #include "grid/ui/CUGCtrl.h"
+#include "report/AlertMarks.h"
+#include "report/AlertTexts.h"
 #include "report/ReportTables.h"
 #include "settings/Settings.h"
 #include "tabs/SubjectText.h"
@@ -195,6 +197,22 @@ void CReportView::ShowHeader() {
     m_header->EnableDetails(hasInformation(m_subject));
     for (int i = 0; i < GetTabCount(); ++i)
         m_strip->SetCaption(i, CaptionOf(i));
+    ShowAlertCount();
+}
+
+void CReportView::ShowAlertCount() {
+    for (const TabRow& row : m_table) {
+        if (row.code != ItemCode::Alerts)
+            continue;
+        AlertCounts counts;
+        // A closed report has no subject.
+        if (m_subject.selection.kind == ReportSelection::Kind::Table)
+            for (const AlertState& alert : m_site.GetTavixDoc().GetAlerts())
+                if (isListedFor(alert, m_subject.table))
+                    counts.add(alert);
+        m_strip->SetCount(row.index, counts.raised(), markOf(counts),
+                          counts.raised() > 0 ? toQString("Raised: " + alertCountsText(counts)) : QString());
+    }
 }
 
 void CReportView::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter) {
@@ -206,6 +224,8 @@ void CReportView::Refresh(CRefreshItem* sender, RefreshHint hint, int parameter)
         m_records.Forget();
     if (isReloaded && !m_isTornOff && !Suits(m_site))
         return; // The frame is about to replace this view.
+    if (hint == RefreshHint::AlertsChanged || hint == RefreshHint::HistoryDeleted)
+        ShowAlertCount();
     if (m_isTornOff && hint == RefreshHint::DocumentReset)
         return CloseReport();
     if (m_kept && hint == RefreshHint::RunLoaded)

@@ -89,6 +89,8 @@ class CReportView : public QWidget, public CReportPane {
     void CloseReport();
     /// Title and captions.
     void ShowHeader();
+    /// The number of raised alerts beside the caption of the tab that lists them.
+    void ShowAlertCount();
     void ShowTab(int index);
     /// Shows the tab and gives it the focus.
     void OpenTab(ItemCode code);

@@ -1,5 +1,6 @@
 #include "tabs/ui/CTabBusRule.h"
 
+#include "alert/ui/AlertActions.h"
 #include "base/LibraryDate.h"
 #include "base/ui/QtText.h"
 #include "doc/CTavixDoc.h"
@@ -44,6 +45,7 @@ CTabBusRule::CTabBusRule(CViewSite& site, const ReportSubject& subject, bool isT
     Grid().addAction(m_drillThrough);
     connect(m_drillThrough, &QAction::triggered, this, &CTabBusRule::OnDrillThrough);
     connect(&Grid(), &CUGCtrl::RowActivated, this, &CTabBusRule::OnDrillThrough);
+    (new AlertActions(site, Grid(), [this] { return CurrentFigure(); }))->AddMenuToList();
     auto* suggest = new QAction(tr("&Suggest Rules..."), this);
     Grid().addAction(suggest);
     connect(suggest, &QAction::triggered, this, &CTabBusRule::Suggest);
@@ -77,11 +79,25 @@ void CTabBusRule::SelectRule(int ruleId) {
     Grid().SelectRow(m_rows.FindRule(ruleId));
 }
 
+AlertTarget CTabBusRule::CurrentFigure() const {
+    AlertTarget target;
+    const std::int64_t row = Grid().GetCurrentRow();
+    if (row < 0 || row >= m_rows.GetRowCount())
+        return target;
+    target.figure.emplace();
+    target.figure->table = Subject().table.id;
+    target.figure->subject = AlertSubject::BusinessRule;
+    target.figure->watched = m_rows.GetRule(row).id;
+    target.alerts = m_rows.GetAlerts(row);
+    return target;
+}
+
 std::string CTabBusRule::GetObstacle() const {
     return obstacleOfCollection(Subject(), "business rules");
 }
 
 bool CTabBusRule::FillRows(PrViewer& viewer) {
+    m_rows.SetAlerts({Site().GetTavixDoc().GetAlerts(), Subject().table});
     return m_rows.Fill(viewer, Subject().table.id);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "alert/AlertCommands.h"
 #include "tabs/RuleRows.h"
 #include "tabs/ui/CListWithDetails.h"
 #include "tabs/ui/DrillThrough.h"
@@ -24,6 +25,8 @@ class CTabBusRule final : public CListWithDetails {
     void PrepareFill() override;
 
   private:
+    /// The current rule, and the alerts that watch it.
+    [[nodiscard]] AlertTarget CurrentFigure() const;
     [[nodiscard]] bool CanDrillThrough() const;
     void OnDrillThrough();
     /// Rules that the runs suggest for the table.

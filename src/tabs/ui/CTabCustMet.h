@@ -1,5 +1,6 @@
 #pragma once
 
+#include "alert/AlertCommands.h"
 #include "tabs/RuleRows.h"
 #include "tabs/ui/CListWithDetails.h"
 
@@ -20,6 +21,8 @@ class CTabCustMet final : public CListWithDetails {
     void FillDetails(PrViewer& viewer, std::int64_t row) override;
 
   private:
+    /// The current custom metric, and the alerts that watch it.
+    [[nodiscard]] AlertTarget CurrentFigure() const;
     CustomMetricRows& m_rows;
     CustomMetricHistoryRows& m_history;
 };

@@ -1,6 +1,7 @@
 #include "tabs/ui/CTabStdMet.h"
 
 #include "access/PrViewer.h"
+#include "alert/ui/AlertActions.h"
 #include "base/Metrics.h"
 #include "base/NumberText.h"
 #include "base/ui/ChoiceMenu.h"
@@ -54,6 +55,7 @@ CTabStdMet::CTabStdMet(CViewSite& site, const ReportSubject& subject, bool isTor
     connect(m_grid->selectionModel(), &QItemSelectionModel::currentChanged, this, showAction);
     connect(m_grid->model(), &QAbstractItemModel::modelReset, this, showAction);
     showAction();
+    (new AlertActions(site, *m_grid, [this] { return CurrentFigure(); }))->AddMenuToList();
     m_grid->SetHeadingEntries([this](QMenu& menu, int column) { AddHeadingEntries(menu, column); });
     connect(m_collectionMenu, &QMenu::aboutToShow, this, &CTabStdMet::FillCollectionMenu);
     connect(m_grid, &CUGCtrl::RowActivated, this, [this](qint64 row) {
@@ -109,6 +111,22 @@ void CTabStdMet::OpenRows() {
     else
         m_drill.OpenValue(field, door == MetricDoor::Nulls ? KvbString() : KvbString(text),
                           DrillOrigin::StandardMetrics);
+}
+
+AlertTarget CTabStdMet::CurrentFigure() const {
+    AlertTarget target;
+    const QModelIndex at = m_grid->currentIndex();
+    const bool isTable = Subject().selection.kind == ReportSelection::Kind::Table;
+    if (!isTable || !at.isValid() || at.row() >= m_rows.GetRowCount() || at.column() >= m_rows.GetColumnCount())
+        return target;
+    if (const int metric = m_rows.GetWatchable(at.column()); metric != -1) {
+        target.figure.emplace();
+        target.figure->table = Subject().selection.table.id;
+        target.figure->field = m_rows.GetFieldId(at.row());
+        target.figure->metric = static_cast<MetricId>(metric);
+    }
+    target.alerts = m_rows.GetAlerts(at.column(), at.row());
+    return target;
 }
 
 void CTabStdMet::OpenBlanks(const ReportSubject& field, std::int64_t count) {
@@ -169,6 +187,8 @@ bool CTabStdMet::RefillsOn(RefreshHint hint) const {
     case RefreshHint::RunLoaded:
     case RefreshHint::OptionsChanged:
     case RefreshHint::FindingsChanged:
+    case RefreshHint::HistoryDeleted:
+    case RefreshHint::AlertsChanged:
         return true;
     default:
         return false;
@@ -186,6 +206,8 @@ void CTabStdMet::Fill(bool isSameObject) {
     PrViewer* viewer = document.GetViewer();
     StdMetRows rows;
     rows.SetLocale(userLocale());
+    if (!isCollection)
+        rows.SetAlerts({document.GetAlerts(), selection.table});
     const bool filled =
         viewer && rows.Fill(*viewer, selection, document.GetMetrics(),
                             isCollection ? kNoCollections : document.GetCollectionsOfTable(selection.table.id),

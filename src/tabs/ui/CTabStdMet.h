@@ -1,5 +1,6 @@
 #pragma once
 
+#include "alert/AlertCommands.h"
 #include "tabs/MetricDoor.h"
 #include "tabs/StdMetRows.h"
 #include "tabs/ui/CProfTab.h"
@@ -37,6 +38,8 @@ class CTabStdMet final : public CProfTab {
     void OpenRows();
     /// The rows of the only blank value, else the list of the blank values.
     void OpenBlanks(const ReportSubject& field, std::int64_t count);
+    /// The current figure, and the alerts that watch it.
+    [[nodiscard]] AlertTarget CurrentFigure() const;
     void AddHeadingEntries(QMenu& menu, int column);
     void ShowTrendOf(int metricId);
     void FillCollectionMenu();

@@ -31,7 +31,8 @@ using Answer = Messages::Answer;
 class AlertsWindow : public ::testing::Test {
   protected:
     void SetUp() override {
-        addAlert(m_sample.inventoryJob, "parts/id", MetricId::Count, {.comparison = AlertComparison::Greater}, "Parts");
+        addAlert(m_sample.inventoryJob, "parts/Column 1", MetricId::Count, {.comparison = AlertComparison::Greater},
+                 "Parts");
         AlertRule error{.value1 = 1};
         error.level = AlertLevel::Error;
         addAlert(m_sample.salesJob, "customers/name", MetricId::NullCount, {.value1 = 228}, "");
@@ -107,7 +108,7 @@ TEST_F(AlertsWindow, ListsAllAlertsOfTheRepositoryRaisedOnesFirst) {
     open();
     EXPECT_THAT(column(0), ElementsAre("Many cities", "Parts", kNulls));
     EXPECT_THAT(column(3),
-                ElementsAre("Warehouse.crm.public.customers", "Warehouse.parts", "Warehouse.crm.public.customers"));
+                ElementsAre("Warehouse.crm.public.customers", "/data/files.parts", "Warehouse.crm.public.customers"));
     EXPECT_THAT(column(4), ElementsAre("raised", "raised", "quiet"));
     EXPECT_THAT(column(11), ElementsAre("Sales", "Inventory", "Sales"));
     EXPECT_EQ("Current filter: None", text("currentFilter"));
@@ -170,7 +171,8 @@ TEST_F(AlertsWindow, SavesTheListAsItIsShown) {
     press(Qt::Key_S, Qt::ControlModifier);
     EXPECT_EQ(m_folder.path().string() + "|alerts", m_proposed);
     EXPECT_EQ("\"Description\",\"Type\",\"Input\",\"Data Source/Catalog/Schema/Table\",\"Alert\"\n"
-              "\"Parts\",\"Standard Metric\",\"id\",\"Warehouse.parts\",\"Count for field id is greater than 0\"\n"
+              "\"Parts\",\"Standard Metric\",\"Column 1\",\"/data/files.parts\",\"Count for field Column 1 is greater "
+              "than 0\"\n"
               "\"Null Count for field name is greater than 228\",\"Standard Metric\",\"name\","
               "\"Warehouse.crm.public.customers\",\"Null Count for field name is greater than 228\"\n"
               "\"Many cities\",\"Standard Metric\",\"city\",\"Warehouse.crm.public.customers\","

@@ -78,7 +78,7 @@ TEST_F(ReportAlerts, LeadToTheFigureThatAnAlertWatches) {
 }
 
 TEST_F(ReportAlerts, OfAnotherReportOpenItAfterAQuestion) {
-    addAlert(m_sample.inventoryJob, "parts/id", MetricId::Count, "Parts");
+    addAlert(m_sample.inventoryJob, "parts/Column 1", MetricId::Count, "Parts");
     ASSERT_TRUE(load());
     ASSERT_TRUE(selectTable("customers"));
     const std::string question =
@@ -90,7 +90,7 @@ TEST_F(ReportAlerts, OfAnotherReportOpenItAfterAQuestion) {
     goTo("Parts");
     EXPECT_EQ("Inventory", m_view->GetTavixDoc().GetTitle());
     EXPECT_EQ(m_sample.inventoryRun, m_view->GetTavixDoc().GetCurrentJob());
-    EXPECT_EQ("parts: 0, id", shown());
+    EXPECT_EQ("parts: 0, Column 1", shown());
 }
 
 TEST_F(ReportAlerts, OnATableThatTheRunDoesNotHaveAreSaidSo) {

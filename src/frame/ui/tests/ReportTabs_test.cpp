@@ -2,6 +2,7 @@
 // drawn.
 #include "base/ui/Theme.h"
 #include "frame/ui/tests/ViewOverSample.h"
+#include "support/SampleAlerts.h"
 #include "tabs/ui/CFieldView.h"
 #include "tabs/ui/CTableView.h"
 
@@ -419,6 +420,33 @@ TEST_F(ReportTabs, TheKeyboardGoesFromTheStripOverTheButtonsToTheContents) {
     EXPECT_EQ("noteText", toUtf8(torn.GetLastTabStop()->objectName()));
     torn.SelectTab(CFieldView::KeyAnalysis);
     EXPECT_EQ(&strip(torn), torn.GetLastTabStop());
+}
+
+TEST_F(ReportTabs, TheNumberOfRaisedAlertsIsBesideTheCaptionWhichStays) {
+    const auto accessible = [this] { return toUtf8(strip().accessibleTabName(CTableView::Alerts)); };
+    const auto change = [this](const std::function<void()>& act) {
+        act();
+        m_view->Broadcast(nullptr, RefreshHint::AlertsChanged, 0);
+    };
+    const int usual = strip().tabRect(CTableView::Alerts).width();
+    EXPECT_EQ("", accessible());
+    int first = -1;
+    change([&] { first = addAlert(m_sample, "customers/name", MetricId::NullCount, {.value1 = 227}); });
+    EXPECT_EQ("Alerts", toUtf8(strip().tabText(CTableView::Alerts)));
+    EXPECT_EQ("Alerts, Raised: 1 warning", accessible());
+    EXPECT_GT(strip().tabRect(CTableView::Alerts).width(), usual);
+    change([&] {
+        addAlert(m_sample, "customers/remark", MetricId::NullCount, {.value1 = 1, .level = AlertLevel::Error});
+        addAlert(m_sample, "suppliers/id", MetricId::Count, {.value1 = 1});
+    });
+    EXPECT_EQ("Raised: 1 error, 1 warning", toUtf8(strip().tabToolTip(CTableView::Alerts)));
+    change([&] { muteAlert(m_sample, first); });
+    EXPECT_EQ("Alerts, Raised: 1 error, 1 muted", accessible());
+    ASSERT_TRUE(selectTable("suppliers"));
+    EXPECT_EQ("Alerts, Raised: 1 warning", accessible());
+    ASSERT_TRUE(selectTable("orders"));
+    EXPECT_EQ("", accessible());
+    EXPECT_EQ(usual, strip().tabRect(CTableView::Alerts).width());
 }
 
 } // namespace

@@ -134,6 +134,56 @@ TEST(CellDelegate, EveryPartOfABarIsSeenAndALineIsDrawnBesideItsText) {
     }
 }
 
+// A row for each mark.
+class Marked final : public Rows {
+  public:
+    Marked() : Rows(6, 1) {}
+    GridCell GetCell(int, std::int64_t row) const override {
+        GridCell cell;
+        cell.text = "5";
+        cell.alert = static_cast<AlertMark>(row);
+        return cell;
+    }
+    bool Sort(int, bool) override { return false; }
+};
+
+TEST(CellDelegate, LevelsOfAlertsDifferInShapeAndOnlyRaisedOnesAreStrong) {
+    for (const QPalette& palette : {lightPalette(), darkPalette()}) {
+        Marked rows;
+        CUGCtrl grid;
+        grid.setPalette(palette);
+        show(grid, rows, 400, 300);
+        // The corner itself, and a point on the edge of a raised one.
+        const auto colorAt = [&grid](AlertMark mark, int fromRight, int fromTop) {
+            const QImage image = picture(grid, static_cast<int>(mark));
+            return image.pixelColor(image.width() - 1 - fromRight, fromTop);
+        };
+        const QColor error = tint::alert(palette);
+        const QColor warning = tint::accentWarm(palette);
+        EXPECT_EQ(error, colorAt(AlertMark::Error, 1, 1));
+        EXPECT_EQ(error, colorAt(AlertMark::Error, 4, 3));
+        EXPECT_NE(warning, colorAt(AlertMark::Warning, 1, 1)) << "outlined";
+        EXPECT_EQ(warning, colorAt(AlertMark::Warning, 4, 3));
+        EXPECT_NE(error, warning);
+        for (const AlertMark pale : {AlertMark::Quiet, AlertMark::Muted, AlertMark::CannotBeJudged}) {
+            const QColor color = colorAt(pale, 1, 1);
+            EXPECT_NE(colorAt(AlertMark::None, 1, 1), color);
+            EXPECT_EQ(0, color.hslSaturation() > 60 ? 1 : 0) << "no colour of its own";
+            EXPECT_EQ(colorAt(AlertMark::None, 7, 1), colorAt(pale, 7, 1)) << "small";
+        }
+        const auto said = [&grid](AlertMark mark) {
+            const QModelIndex cell = grid.model()->index(static_cast<int>(mark), 0);
+            return toUtf8(cell.data(Qt::AccessibleTextRole).toString());
+        };
+        EXPECT_EQ("5", said(AlertMark::None));
+        EXPECT_EQ("5, alert, quiet", said(AlertMark::Quiet));
+        EXPECT_EQ("5, alert, muted", said(AlertMark::Muted));
+        EXPECT_EQ("5, alert, cannot be judged", said(AlertMark::CannotBeJudged));
+        EXPECT_EQ("5, alert raised, warning", said(AlertMark::Warning));
+        EXPECT_EQ("5, alert raised, error", said(AlertMark::Error));
+    }
+}
+
 // One row: the shares of two runs.
 class DrawnOfTwoRuns final : public Rows {
   public:

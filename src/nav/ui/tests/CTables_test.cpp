@@ -3,10 +3,13 @@
 #include "base/tests/TempFolder.h"
 #include "base/ui/QtText.h"
 #include "doc/tests/TestSite.h"
+#include "grid/ui/Tints.h"
 #include "nav/ui/CTables.h"
 #include "nav/ui/NavigatorTabs.h"
 #include "nav/ui/NavigatorTree.h"
+#include "nav/ui/TreeModel.h"
 #include "support/RunScript.h"
+#include "support/SampleAlerts.h"
 #include "support/SampleRepository.h"
 
 #include <QApplication>
@@ -172,6 +175,43 @@ TEST_F(NavigatorOverSample, SelectTableOpensTheWayAndAFailureSelectsNothing) {
     EXPECT_FALSE(m_navigator.SelectTable("/data/files", "", "", "airports", 0));
     EXPECT_EQ("", current());
     EXPECT_EQ(ReportSelection::Kind::Nothing, m_site.selection.kind);
+}
+
+TEST_F(NavigatorOverSample, TablesAndFieldsWithRaisedAlertsHaveADotAndSaySo) {
+    testing::addAlert(m_sample, "customers/name", MetricId::NullCount, {.value1 = 227, .level = AlertLevel::Error});
+    testing::addAlert(m_sample, "customers/city", MetricId::NullCount, {.value1 = 1e6});
+    m_site.Broadcast(nullptr, RefreshHint::AlertsChanged, 0);
+    ASSERT_TRUE(m_navigator.SelectTable("Warehouse", "crm", "public", "customers", 0));
+    const QModelIndex table = tree().currentIndex();
+    tree().expand(table);
+    /// "mark text" of the table, or of a field in that row.
+    const auto line = [&](int row) {
+        const QModelIndex at = row < 0 ? table : tree().model()->index(row, 0, table);
+        return std::to_string(at.data(TreeModel::AlertRole).toInt()) + " " +
+               toUtf8(at.data(Qt::AccessibleTextRole).toString());
+    };
+    const std::string error = std::to_string(static_cast<int>(AlertMark::Error));
+    EXPECT_EQ(error + " customers 1,000, Alerts raised: 1 error", line(-1));
+    EXPECT_EQ("customers", toUtf8(table.data().toString()));
+    EXPECT_THAT(toUtf8(table.data(Qt::ToolTipRole).toString()), ::testing::EndsWith("\nAlerts raised: 1 error"));
+    int fieldsWithDot = 0;
+    for (int row = 0; row < tree().model()->rowCount(table); ++row) {
+        const QModelIndex field = tree().model()->index(row, 0, table);
+        const bool isName = field.data().toString() == QLatin1String("name");
+        EXPECT_EQ(isName ? "name" : "none", line(row).substr(0, 1) == error ? "name" : "none") << row;
+        fieldsWithDot += isName ? 1 : 0;
+    }
+    EXPECT_EQ(1, fieldsWithDot);
+    // The dot is drawn over the icon, in the colour of errors.
+    const QImage image = tree().viewport()->grab(tree().visualRect(table)).toImage();
+    int alarming = 0;
+    for (int x = 0; x < 60 && x < image.width(); ++x)
+        for (int y = 0; y < image.height(); ++y)
+            alarming += image.pixelColor(x, y) == tint::alert(tree().palette()) ||
+                                image.pixelColor(x, y) == tree().palette().color(QPalette::HighlightedText)
+                            ? 1
+                            : 0;
+    EXPECT_GT(alarming, 10);
 }
 
 } // namespace

@@ -8,13 +8,16 @@
 #include "settings/MetricDisplay.h"
 #include "settings/Settings.h"
 #include "support/LongList.h"
+#include "support/SampleAlerts.h"
 #include "support/SampleRepository.h"
 #include "tabs/MetricDoor.h"
 #include "tabs/ui/CTabStdMet.h"
 
+#include <QApplication>
 #include <QHeaderView>
 #include <QMenu>
 #include <QTest>
+#include <QTimer>
 
 #include <gmock/gmock.h>
 
@@ -135,6 +138,43 @@ TEST_F(StdMetTab, TheMetricOfTheLinesIsChosenInTheMenuAndRemembered) {
     QMenu words;
     grid().AddHeadingEntries(words, columnOf("Actual Type"));
     EXPECT_TRUE(words.isEmpty()) << "a word has no line";
+}
+
+TEST_F(StdMetTab, AFigureShowsWhatItsAlertsSayAndTheListMakesNewOnes) {
+    const auto sample = testing::SampleRepository::build(m_folder.file("sample.tavix"));
+    const int alert = testing::addAlert(sample, "customers/name", MetricId::NullCount, {.value1 = 227});
+    m_name = sample.fields.at("customers/name");
+    open(sample.path, sample.salesJob, sample.tables.at("customers"), "Warehouse");
+    m_site.listeners = {m_tab.get()};
+    m_tab->SelectMetric(m_name, -1);
+    const auto figure = [this] {
+        return grid().model()->index(static_cast<int>(grid().GetCurrentRow()), columnOf("Null Count"));
+    };
+    const auto said = [&] { return toUtf8(figure().data(Qt::AccessibleTextRole).toString()); };
+    EXPECT_EQ("228, alert raised, warning", said());
+    testing::muteAlert(sample, alert);
+    m_site.Broadcast(nullptr, RefreshHint::AlertsChanged, 0);
+    EXPECT_EQ("228, alert, muted", said());
+    EXPECT_EQ(m_name, grid().model() ? m_site.document.GetAlerts().front().fieldId : -1);
+
+    // Insert on a figure asks for the alert, elsewhere it does nothing.
+    std::string title;
+    const auto press = [&] {
+        title.clear();
+        QTimer::singleShot(0, qApp, [&title] {
+            if (QWidget* dialog = QApplication::activeModalWidget()) {
+                title = toUtf8(dialog->windowTitle());
+                dialog->close();
+            }
+        });
+        QTest::keyClick(&grid(), Qt::Key_Insert);
+        QCoreApplication::processEvents();
+        return title;
+    };
+    grid().setCurrentIndex(figure());
+    EXPECT_EQ("Add Alert", press());
+    grid().setCurrentIndex(grid().model()->index(static_cast<int>(grid().GetCurrentRow()), 0));
+    EXPECT_EQ("", press());
 }
 
 } // namespace

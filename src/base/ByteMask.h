@@ -6,7 +6,7 @@
 #include <string_view>
 
 /// Which kinds of bytes a text has, so that costly tests are made of few texts.
-namespace tavix::findings {
+namespace tavix {
 
 using ByteMask = std::uint32_t;
 
@@ -128,4 +128,4 @@ inline constexpr std::array<ByteMask, 256> kOfByte = [] {
     return even | odd;
 }
 
-} // namespace tavix::findings
+} // namespace tavix
