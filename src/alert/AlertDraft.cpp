@@ -121,7 +121,9 @@ std::vector<AlertDraft::Input> readInputs(PrViewer& viewer, int table) {
 }
 
 std::string conditionText(const LimitProposal& proposal, const auto& limitText) {
-    const auto* const found = std::ranges::find(kComparisons, proposal.comparison, &ComparisonChoice::comparison);
+    // The unit of the limit says which change is meant.
+    const AlertComparison shown = isChange(proposal.comparison) ? AlertComparison::ChangedBy : proposal.comparison;
+    const auto* const found = std::ranges::find(kComparisons, shown, &ComparisonChoice::comparison);
     const std::string first = limitText(proposal.value1);
     return isRange(proposal.comparison) ? fmt::format("{} {} to {}", found->text, first, limitText(proposal.value2))
                                         : fmt::format("{} {}", found->text, first);
@@ -387,8 +389,10 @@ std::string AlertDraft::GetBackTestText() const {
     const auto figures = std::ranges::count_if(m_runs, [](const BackTestRun& run) { return run.figure.has_value(); });
     if (figures == 0)
         return "No stored run has this figure as a number, so the alert cannot be tried.";
-    if (!GetRule())
-        return fmt::format("Enter a limit to see in which of {} it would have been raised.", countOf(figures, "run"));
+    if (const Status checked = Check(); !checked)
+        return trimmed(m_value1).empty() ? fmt::format("Enter a limit to see in which of {} it would have been raised.",
+                                                       countOf(figures, "run"))
+                                         : checked.error().text;
     if (m_test.judged == 0)
         return "No stored run can be judged: none has an earlier run to compare with.";
     const auto unjudged = static_cast<std::int64_t>(m_runs.size()) - m_test.judged;

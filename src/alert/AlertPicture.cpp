@@ -182,17 +182,23 @@ class AlertPicture::Painter {
         const bool isBeyond = std::abs(exact - y) > 1;
         if (!isBeyond)
             m_drawing.shapes.emplace_back(Line{{m_plot.left(), y}, {m_plot.right(), y}, Role::Alert, 1.5, true});
-        const bool isAtTop = y - m_canvas.lineHeight < m_plot.top();
         const std::string text =
             fmt::format("{} {}{}", isBeyond ? "limit beyond:" : "limit", alertLimitText(limit, m_picture.m_isPercent),
                         !isBeyond   ? ""
                         : exact < y ? " ↑"
                                     : " ↓");
-        m_drawing.shapes.emplace_back(
-            Text{{m_plot.right() - 4, isAtTop ? y + m_canvas.lineHeight / 2 + 2 : y - m_canvas.lineHeight / 2 - 1},
-                 text,
-                 Role::Alert,
-                 Anchor::End});
+        m_drawing.shapes.emplace_back(Text{{m_plot.right() - 4, LabelAt(y)}, text, Role::Alert, Anchor::End});
+    }
+
+    /// Beside a limit at `y`, on the side of it where the line does not end.
+    [[nodiscard]] double LabelAt(double y) const {
+        const double away = m_canvas.lineHeight / 2 + 2;
+        const std::optional<double>& last = Runs().back().figure;
+        const bool isLineAbove = last && m_values.at(*last) < y;
+        const bool isRoomBelow = y + 2 * away < m_plot.bottom();
+        if (y - 2 * away < m_plot.top() || (isLineAbove && isRoomBelow))
+            return y + away;
+        return y - away;
     }
 
     /// Around the reference of each run, as steps.

@@ -65,8 +65,8 @@ TEST_F(AlertEditors, AnAlertIsMadeChangedMutedAndRemoved) {
     EXPECT_THAT(history,
                 ::testing::IsSupersetOf(
                     {"Note by ada: Ask the shop.\nTwice.", "Made by ada: Null Count for field name is greater than 231",
-                     "Changed by ada: Null Count for field name is greater than 231, error\nbefore: Null Count "
-                     "for field name is greater than 230, warning"}));
+                     "Changed by ada: Null Count for field name is greater than 231 (error)\nbefore: Null Count "
+                     "for field name is greater than 230 (warning)"}));
     EXPECT_THAT(history, ::testing::Contains(::testing::EndsWith(" for 2 runs: Known import")));
     ASSERT_TRUE(editor().Unmute(std::vector{stateOf(id)}));
     EXPECT_THAT(sentences(), ElementsAre("Null Count for field name is greater than 231: raised"));

@@ -89,6 +89,7 @@ CAlertDlg::CAlertDlg(std::shared_ptr<PrViewer> session, Messages& messages, Aler
     ApplyColors();
     Connect();
     m_value1->setFocus();
+    m_value1->selectAll();
     resize(QSize(720, 640).boundedTo(screen()->availableSize() * 9 / 10));
 }
 
@@ -128,7 +129,7 @@ void CAlertDlg::MakeControls() {
     m_against->addItem(tr("the run before"), static_cast<int>(AgainstChoice::RunBefore));
     m_against->addItem(tr("the mean of the last"), static_cast<int>(AgainstChoice::Mean));
     m_against->addItem(tr("the median of the last"), static_cast<int>(AgainstChoice::Median));
-    m_against->addItem(tr("the mean on the same weekday of the last"), static_cast<int>(AgainstChoice::SameWeekday));
+    m_against->addItem(tr("same weekday: the mean of the last"), static_cast<int>(AgainstChoice::SameWeekday));
     m_againstLabel->setBuddy(m_against);
     m_runs->setObjectName(QStringLiteral("runs"));
     m_runs->setAccessibleName(tr("Number of earlier runs"));
@@ -319,7 +320,8 @@ void CAlertDlg::ShowProposals() {
     m_proposalsLabel->setVisible(count > 0);
     if (count == 0)
         return;
-    m_proposals->setCurrentRow(0);
+    // Nothing looks chosen until the user comes here.
+    m_proposals->setCurrentRow(0, QItemSelectionModel::NoUpdate);
     m_proposals->setFixedHeight(m_proposals->sizeHintForRow(0) * std::min(count, kShownProposals) +
                                 2 * m_proposals->frameWidth());
 }
@@ -334,6 +336,10 @@ void CAlertDlg::ApplyProposal(int row) {
 }
 
 bool CAlertDlg::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_proposals && event->type() == QEvent::FocusOut)
+        m_proposals->clearSelection();
+    if (watched == m_proposals && event->type() == QEvent::FocusIn && m_proposals->currentItem())
+        m_proposals->currentItem()->setSelected(true);
     // Enter takes a proposal over; the dialog would store the alert.
     if (watched == m_proposals && event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
