@@ -36,7 +36,9 @@ void TreeDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     paintIcon(*painter, icon, static_cast<CellIcon>(index.data(TreeModel::IconRole).toInt()), colors, selected);
 
     const auto alert = static_cast<AlertMark>(index.data(TreeModel::AlertRole).toInt());
-    paintAlertDot(*painter, QPointF(icon.topRight()) + QPointF(0, kAlertDotSize / 2.0 - 1), alert, colors, selected);
+    // Without the focus, the selection is pale enough for the colours of alerts.
+    const bool onHighlight = selected && option.widget && option.widget->hasFocus();
+    paintAlertDot(*painter, QPointF(icon.topRight()) + QPointF(0, kAlertDotSize / 2.0 - 1), alert, colors, onHighlight);
 
     QRect name = option.rect;
     name.setLeft(icon.right() + kGap);
