@@ -2,6 +2,7 @@
 
 #include "base/NumberText.h"
 #include "grid/ListRows.h"
+#include "report/AlertMarks.h"
 #include "report/AlertTexts.h"
 #include "report/CAlertDisplayHelper.h"
 
@@ -35,6 +36,12 @@ constexpr std::array<ColumnInfo, 12> kColumns = {{
     {"Defined By", 90, CellAlignment::Left, true, true},
     {"Report", 130, CellAlignment::Left, true, true},
 }};
+
+GridCell descriptionCell(const AlertState& alert) {
+    GridCell cell = textCell(alert.description);
+    cell.alert = markOf(alert);
+    return cell;
+}
 
 GridCell figureCell(const AlertState& alert) {
     GridCell cell = textCell(alertFigureText(alert), CellAlignment::Right);
@@ -75,7 +82,7 @@ GridColumn alertGridColumn(AlertColumn column) {
 GridCell alertCell(AlertColumn column, const AlertState& alert, const std::string& report, const std::locale& locale) {
     switch (column) {
     case AlertColumn::Description:
-        return textCell(alert.description);
+        return descriptionCell(alert);
     case AlertColumn::Type:
         return textCell(CAlertDisplayHelper::TypeWord(alert.typeCode));
     case AlertColumn::Input:

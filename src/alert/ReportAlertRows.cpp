@@ -79,12 +79,12 @@ std::string ReportAlertRows::GetCountText() const {
     const auto all = static_cast<std::int64_t>(Alerts().size());
     if (all == 0)
         return {};
-    std::vector<AlertState> listed;
+    AlertCounts listed;
     for (std::int64_t row = 0; row < GetRowCount(); ++row)
-        listed.push_back(GetAlert(row));
+        listed.add(GetAlert(row));
     std::string text = GetRowCount() == all ? "" : groupedCount(GetRowCount()) + " of ";
     text += countOf(all, "alert");
-    return listed.empty() ? text : text + "  ·  " + alertCountsText(countAlerts(listed));
+    return GetRowCount() == 0 ? text : text + "  ·  " + alertCountsText(listed);
 }
 
 } // namespace tavix

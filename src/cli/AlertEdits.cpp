@@ -145,8 +145,8 @@ UtcTime readUntil(const std::string& text) {
     local.tm_mday = day.day;
     local.tm_sec = static_cast<int>((*ticks - dayOf(*ticks) * kTicksPerDay) / kTicksPerSecond);
     local.tm_isdst = -1;
-    return std::chrono::time_point_cast<std::chrono::milliseconds>(
-        std::chrono::system_clock::from_time_t(std::mktime(&local)));
+    // The system clock's own type ends in 2262.
+    return UtcTime(std::chrono::seconds(std::mktime(&local)));
 }
 
 void muteAlert(Session& session, int alert, const MuteRequest& request) {

@@ -72,14 +72,16 @@ TEST_F(Alerts, AreCheckedAfterEveryRun) {
     EXPECT_THAT(states("2"), ElementsAre("Null Count for field n is greater than 0: quiet 0 null",
                                          "Unique Count for field n has changed by more than 1: quiet 2 2",
                                          "Unique Count for field c has changed by more than 1: quiet 2 2",
-                                         "pieces for custom metric Sum has changed by more than 50%: raised 7 3",
+                                         "pieces for custom metric Sum has changed by more than 50% "
+                                         "against the mean of 2 runs: raised 7 3",
                                          "Percentage of failed rows for business rule Positive is greater than 25: "
                                          "quiet 0 null",
                                          "Number of records is outside the range 2 to 4: quiet 2 null"));
     EXPECT_THAT(states("3"), ElementsAre("Null Count for field n is greater than 0: raised 1 null",
                                          "Unique Count for field n has changed by more than 1: quiet 2 2",
                                          "Unique Count for field c has changed by more than 1: raised 5 2",
-                                         "pieces for custom metric Sum has changed by more than 50%: raised 26 5",
+                                         "pieces for custom metric Sum has changed by more than 50% "
+                                         "against the mean of 2 runs: raised 26 5",
                                          "Percentage of failed rows for business rule Positive is greater than 25: "
                                          "raised 40 null",
                                          "Number of records is outside the range 2 to 4: raised 5 null"));

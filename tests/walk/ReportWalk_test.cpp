@@ -140,8 +140,7 @@ class Walk {
             ++m_seen.sortedColumns;
         }
         EXPECT_EQ(rows, grid.model()->rowCount());
-        grid.SelectRow(rows - 1);
-        grid.ShowColumn(columns - 1);
+        grid.SelectCell(rows - 1, columns - 1);
         QTest::keyClicks(&grid, QStringLiteral("ci 9"));
         for (const Qt::Key key : {Qt::Key_End, Qt::Key_PageUp, Qt::Key_Home, Qt::Key_Down})
             QTest::keyClick(&grid, key);

@@ -49,6 +49,11 @@ TEST(AlertRows, ShowRaisedOnesFirstAndWhyTheyAreRaised) {
                                 "muted|warning|>1,201|above 100|this run|job|",
                             "Null Count for field price is greater than 100" + std::string(kPlace) +
                                 "quiet|warning|>7|above 100||job|"));
+    std::vector<AlertMark> marks;
+    for (std::int64_t row = 0; row < rows.GetRowCount(); ++row)
+        marks.push_back(rows.GetCell(0, row).alert);
+    EXPECT_THAT(marks, ElementsAre(AlertMark::Error, AlertMark::Warning, AlertMark::CannotBeJudged, AlertMark::Muted,
+                                   AlertMark::Quiet));
     EXPECT_EQ("1200", rows.GetCell(6, 1).text) << "copied without groups of digits";
     EXPECT_EQ("raised (error): this run", rows.GetToolTip(0, 0));
     EXPECT_EQ("Null Count for field price is greater than 100\n"

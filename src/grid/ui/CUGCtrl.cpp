@@ -226,17 +226,12 @@ std::int64_t CUGCtrl::GetCurrentRow() const {
     return currentIndex().isValid() ? currentIndex().row() : -1;
 }
 
-void CUGCtrl::SelectRow(std::int64_t row) {
-    if (row < 0 || row >= m_model->rowCount())
+void CUGCtrl::SelectCell(std::int64_t row, int column) {
+    if (row < 0 || row >= m_model->rowCount() || column < 0 || column >= m_model->columnCount())
         return;
-    const QModelIndex index = m_model->index(static_cast<int>(row), 0);
+    const QModelIndex index = m_model->index(static_cast<int>(row), column);
     selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     scrollTo(index);
-}
-
-void CUGCtrl::ShowColumn(int column) {
-    if (GetCurrentRow() >= 0)
-        scrollTo(m_model->index(static_cast<int>(GetCurrentRow()), column));
 }
 
 std::vector<std::int64_t> CUGCtrl::GetSelectedRows() const {

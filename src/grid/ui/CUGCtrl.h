@@ -50,9 +50,9 @@ class CUGCtrl final : public QTableView {
 
     /// -1 without one.
     [[nodiscard]] std::int64_t GetCurrentRow() const;
-    void SelectRow(std::int64_t row);
-    /// Scrolls sideways until the column is in view.
-    void ShowColumn(int column);
+    void SelectRow(std::int64_t row) { SelectCell(row, 0); }
+    /// Selects the row and makes its cell in that column current.
+    void SelectCell(std::int64_t row, int column);
     /// In ascending order.
     [[nodiscard]] std::vector<std::int64_t> GetSelectedRows() const;
     void SortBy(int column, bool descending);

@@ -169,6 +169,7 @@ TEST_F(AlertStatesOfSample, TheAlertsOfAllJobsAreEachJudgedForARunOfTheirOwn) {
 
     const std::vector<AlertState> states = readAllAlertStates(*m_viewer);
     std::vector<std::string> lines;
+    lines.reserve(states.size());
     for (const AlertState& state : states)
         lines.push_back(fmt::format("{} run {}: {}, {}, {}", alertPath(state), state.run, state.sentence,
                                     alertShownWord(state.shown()), alertOriginText(state)));
@@ -279,10 +280,10 @@ class AlertStatesOfLongHistory : public AlertStatesOfSample {
             script += fmt::format("INSERT INTO run(id, job, started, finished) VALUES({0}, {1}, {2}, {2});"
                                   "UPDATE place SET run = {0}; INSERT INTO run_table SELECT * FROM place;",
                                   run.id, m_sample.salesJob, day * 86'400'000 + 5);
-            // A field may vanish for a while, and a figure may be missing.
+            // The field vanishes for a while, and its mean may be missing.
             if (i % 60 < 35 || below(30) == 0) {
-                figures.nulls = below(4) == 0 ? std::nullopt : std::optional<double>(below(20));
-                figures.mean = below(3) == 0 ? std::nullopt : std::optional<double>(below(8) * 0.5 + i / 100);
+                figures.nulls = below(20);
+                figures.mean = below(3) == 0 ? std::nullopt : std::optional<double>(below(8) * 0.5 + (i < 150 ? 0 : 1));
                 script += fmt::format("UPDATE row SET run = {}, null_count = {}, mean = {};"
                                       "INSERT INTO run_field SELECT * FROM row;",
                                       run.id, text(figures.nulls), text(figures.mean));
@@ -329,6 +330,10 @@ class AlertStatesOfLongHistory : public AlertStatesOfSample {
         if (below(4) == 0)
             alert.rule.value1 = alert.rule.comparison == AlertComparison::Greater ? -1 : 0; // nearly always raised
         alert.rule.reference = static_cast<AlertReference>(below(3));
+        if (m_alerts.empty()) {
+            alert.metric = MetricId::NullCount;
+            alert.rule = {AlertComparison::Greater, false, -1}; // raised by every run that has the field
+        }
         int id = -1;
         ASSERT_TRUE(m_viewer->createEditAlert(id, alert, "anna")) << m_viewer->getErrorString().view();
         m_alerts[id] = alert;

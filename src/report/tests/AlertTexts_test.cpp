@@ -152,6 +152,7 @@ TEST(AlertTexts, AMuteWinsOverEveryVerdictAndListsBeginWithWhatIsRaised) {
     EXPECT_EQ((AlertCounts{.errors = 2, .warnings = 2, .muted = 2, .unjudged = 1, .quiet = 1}), countAlerts(alerts));
     orderAlerts(alerts);
     std::vector<std::string> lines;
+    lines.reserve(alerts.size());
     for (const AlertState& alert : alerts)
         lines.push_back(std::to_string(alert.id) + " " + std::string(alertShownWord(alert.shown())));
     EXPECT_THAT(lines, ElementsAre("5 raised", "8 raised", "4 raised", "7 raised", "3 cannot be judged", "2 muted",

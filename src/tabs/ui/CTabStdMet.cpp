@@ -198,9 +198,10 @@ bool CTabStdMet::RefillsOn(RefreshHint hint) const {
 void CTabStdMet::Fill(bool isSameObject) {
     CTavixDoc& document = Site().GetTavixDoc();
     const std::unique_ptr<Messages::Busy> busy = document.GetMessages().busy();
-    // Reading the rows again keeps the current field.
+    // Reading the rows again keeps the current figure.
     const std::int64_t currentRow = m_grid->GetCurrentRow();
     const int currentField = isSameObject && currentRow >= 0 ? m_rows.GetFieldId(currentRow) : -1;
+    const int currentMetric = currentField != -1 ? m_rows.GetColumn(m_grid->currentIndex().column()).parameter : -1;
     const ReportSelection& selection = Subject().selection;
     const bool isCollection = selection.kind == ReportSelection::Kind::Collection;
     PrViewer* viewer = document.GetViewer();
@@ -233,7 +234,7 @@ void CTabStdMet::Fill(bool isSameObject) {
         note = isCollection ? "No field of this report is in this collection." : "This table has no fields.";
     m_note->setText(toQString(note));
     m_stack->setCurrentWidget(note.empty() ? static_cast<QWidget*>(m_grid) : m_note);
-    SelectMetric(currentField, -1);
+    SelectMetric(currentField, currentMetric);
 }
 
 void CTabStdMet::SelectMetric(int fieldId, int metricId) {
@@ -243,7 +244,7 @@ void CTabStdMet::SelectMetric(int fieldId, int metricId) {
     m_grid->SelectRow(row);
     for (int column = 0; column < m_rows.GetColumnCount(); ++column) {
         if (metricId != -1 && m_rows.GetColumn(column).parameter == metricId)
-            m_grid->ShowColumn(column);
+            m_grid->SelectCell(row, column);
     }
 }
 

@@ -23,7 +23,7 @@ class CTabStdMet final : public CProfTab {
     ~CTabStdMet() override;
 
     QWidget* GetLastTabStop() override;
-    /// Makes the field's row current and scrolls to the metric's column; -1 for no metric.
+    /// Makes the field's row current, at the metric if it is shown; -1 for no metric.
     void SelectMetric(int fieldId, int metricId);
 
   protected:

@@ -1,9 +1,12 @@
+#include "alert/AlertPrintout.h"
 #include "alert/ui/CTabRptAlrts.h"
 #include "alert/ui/tests/PdfText.h"
+#include "base/LibraryDate.h"
 #include "base/tests/ScriptedMessages.h"
 #include "base/tests/TempFolder.h"
 #include "base/ui/QtText.h"
 #include "doc/tests/TestSite.h"
+#include "drill/ui/PrintWhole.h"
 #include "grid/ui/CUGCtrl.h"
 #include "settings/Settings.h"
 #include "support/SampleRepository.h"
@@ -84,8 +87,14 @@ class AlertsWindow : public ::testing::Test {
             texts.push_back(toUtf8(grid().model()->index(row, number).data().toString()));
         return texts;
     }
-    static void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+    /// The control with the keyboard; the window is active again after a dialog of its own.
+    QWidget* focused() {
+        QApplication::setActiveWindow(m_window.get());
+        EXPECT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
+        return m_window->focusWidget();
+    }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QTest::keyClick(focused(), key, modifiers);
     }
     static std::string contents(const std::string& path) {
         QFile file(toQString(path));
@@ -122,10 +131,10 @@ TEST_F(AlertsWindow, ListsAllAlertsOfTheRepositoryRaisedOnesFirst) {
 TEST_F(AlertsWindow, IsSearchedAndFilteredByKeyboard) {
     open();
     press(Qt::Key_F, Qt::ControlModifier);
-    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("CUSTOMERS"));
+    QTest::keyClicks(focused(), QStringLiteral("CUSTOMERS"));
     EXPECT_THAT(column(0), ElementsAre("Many cities", kNulls));
     EXPECT_EQ("2 of 3 alerts  ·  1 error", text("count"));
-    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("?"));
+    QTest::keyClicks(focused(), QStringLiteral("?"));
     EXPECT_THAT(column(0), IsEmpty());
     EXPECT_EQ("No alert matches the filter and the search.", text("note"));
     EXPECT_FALSE(control<QPushButton>("save").isEnabled() || control<QPushButton>("print").isEnabled() ||
@@ -186,19 +195,31 @@ TEST_F(AlertsWindow, PrintsTheListToPaperOrToAFile) {
     press(Qt::Key_P, Qt::ControlModifier);
     const testing::PdfText printed(toQString(m_path));
     ASSERT_EQ(1, printed.pages().size());
-    EXPECT_EQ("", toUtf8(printed.pages().front()));
+    const std::string since =
+        formatDateTime(decompose(toLibraryDate(testing::SampleRepository::runTime(0))), userLocale());
+    EXPECT_EQ("Tavix Alerts Report\nCurrent filter: None\nPage 1\n"
+              "Description:\nMany cities\nType:\nStandard Metric\nInput:\ncity\n"
+              "Data Source/Catalog/Schema/Table:\nWarehouse.crm.public.customers\n"
+              "Alert:\nCount for field city is greater than 1\n"
+              "State:\nraised (error), 3 runs, since " +
+                  since +
+                  "\nFigure:\n11,332 (above 1)\n"
+                  "Description:\nParts\nType:\nStandard Metric\nInput:\nColumn 1\n"
+                  "Data Source/Catalog/Schema/Table:\n/data/files.parts\n"
+                  "Alert:\nCount for field Column 1 is greater than 0\nState:\nraised (warning), this run\n"
+                  "Figure:\n2 (above 0)\n"
+                  "Description:\nNull Count for field name is greater than 228\nType:\nStandard Metric\nInput:\nname\n"
+                  "Data Source/Catalog/Schema/Table:\nWarehouse.crm.public.customers\n"
+                  "Alert:\nNull Count for field name is greater than 228\nState:\nquiet\nFigure:\n228 (above 228)\n",
+              toUtf8(printed.pages().front()));
 
     m_path = m_folder.file("none/alerts.pdf");
     m_messages.expectWarn("Unable to open or create file " + m_path + "\n\nNo such file or directory", "Print Error");
     press(Qt::Key_P, Qt::ControlModifier);
-    const QByteArray temporary = qgetenv("TMPDIR");
-    qputenv("TMPDIR", QFile::encodeName(toQString(m_folder.file("none"))));
-    m_messages.expectWarn("Unable to get printer device context", "Print Error");
-    press(Qt::Key_P, Qt::ControlModifier);
-    if (temporary.isEmpty())
-        qunsetenv("TMPDIR");
-    else
-        qputenv("TMPDIR", temporary);
+    QPrinter none;
+    const Status failed = printWhole(
+        none, [](QPrinter&) { return false; }, std::string(kPrintFailed));
+    EXPECT_EQ("Unable to get printer device context", failed.error().text);
 }
 
 TEST_F(AlertsWindow, LeadsToTheFigureAndAsksBeforeItOpensAnotherReport) {

@@ -86,7 +86,8 @@ class PdfText {
             if (!token.captured(3).isEmpty())
                 text += QLatin1Char('\n');
         }
-        return text;
+        // A blank has the glyph of a tab, and Qt names the glyph by the first character that has it.
+        return text.replace(u'\t', u' ');
     }
 
     QMap<int, QString> m_objects;

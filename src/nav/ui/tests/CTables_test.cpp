@@ -1,4 +1,5 @@
 #include "access/PrViewer.h"
+#include "base/AlertMark.h"
 #include "base/tests/ScriptedMessages.h"
 #include "base/tests/TempFolder.h"
 #include "base/ui/QtText.h"
