@@ -148,11 +148,7 @@ void AlertActions::AddEntries(QMenu& menu, const AlertTarget& target) {
         QAction* action = menu.addAction(QString());
         action->setObjectName(traitOf(command).name);
         ShowIn(*action, command, target);
-        connect(action, &QAction::triggered, this, [this, command, target] {
-            // The entry may be replaced while its dialog is open.
-            const AlertTarget kept = target;
-            Run(command, kept);
-        });
+        connect(action, &QAction::triggered, this, [this, command, target] { Run(command, target); });
     }
 }
 
