@@ -203,8 +203,10 @@ void CProfTabCtrl::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void CProfTabCtrl::InsertTab(int index, const QString& caption, int image) {
-    const int at = insertTab(index, caption);
+    const int at = index >= 0 && index < count() ? index : count();
+    // First, since QTabBar asks for the width of a tab while it inserts it.
     m_counts.insert(m_counts.begin() + at, Count());
+    insertTab(at, caption);
     setTabData(at, image);
     FitTabs();
 }
