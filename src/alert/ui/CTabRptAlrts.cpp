@@ -86,7 +86,10 @@ CTabRptAlrts::CTabRptAlrts(CViewSite& site, const CAlertsFilter& filter, QWidget
     connect(m_grid, &CUGCtrl::CurrentRowChanged, this, &CTabRptAlrts::EnableButtons);
 
     m_rows.SetFilter(filter);
+    m_isRead = Read();
     m_grid->SetSource(&m_rows);
+    m_grid->SelectRow(0);
+    ShowRows();
     const QSize room = screen() ? screen()->availableSize() * 9 / 10 : kUsualSize;
     resize(kUsualSize.boundedTo(room));
     m_grid->setFocus();
@@ -166,25 +169,30 @@ AlertTarget CTabRptAlrts::Target() const {
     return target;
 }
 
-void CTabRptAlrts::Fill() {
+bool CTabRptAlrts::Read() {
     CTavixDoc& document = m_site.GetTavixDoc();
     const std::shared_ptr<PrViewer> session = document.GetSession();
+    const auto busy = document.GetMessages().busy();
+    if (session)
+        return m_rows.Fill(*session);
+    m_rows.Clear();
+    return true;
+}
+
+void CTabRptAlrts::Fill() {
     const std::int64_t row = m_grid->GetCurrentRow();
     const int current = row >= 0 && row < m_rows.GetRowCount() ? m_rows.GetAlert(row).id : -1;
-    bool isRead = true;
-    {
-        const auto busy = document.GetMessages().busy();
-        if (session)
-            isRead = m_rows.Fill(*session);
-        else
-            m_rows.Clear();
-    }
+    const bool isRead = Read();
     m_grid->RowsRefilled();
     const std::int64_t again = m_rows.FindAlert(current);
     m_grid->SelectRow(again >= 0 ? again : std::max<std::int64_t>(0, std::min(row, m_rows.GetRowCount() - 1)));
     ShowRows();
     if (!isRead)
-        document.GetMessages().warn(m_rows.GetErrorText());
+        WarnOfFailure();
+}
+
+void CTabRptAlrts::WarnOfFailure() {
+    m_site.GetTavixDoc().GetMessages().warn(m_rows.GetErrorText());
 }
 
 void CTabRptAlrts::ShowRows() {
@@ -272,11 +280,11 @@ void CTabRptAlrts::keyPressEvent(QKeyEvent* event) {
     QDialog::keyPressEvent(event);
 }
 
-// The rows are read when the dialog is on the screen, so that a message appears over it.
+// The message appears over the dialog with the rows that were read.
 void CTabRptAlrts::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
-    if (!std::exchange(m_isShown, true))
-        QMetaObject::invokeMethod(this, &CTabRptAlrts::Fill, Qt::QueuedConnection);
+    if (!std::exchange(m_isRead, true))
+        QMetaObject::invokeMethod(this, &CTabRptAlrts::WarnOfFailure, Qt::QueuedConnection);
 }
 
 std::optional<NavigateRequest> CTabRptAlrts::Run(CViewSite& site, CAlertsFilter& filter, QWidget* parent) {

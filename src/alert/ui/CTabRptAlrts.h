@@ -55,8 +55,11 @@ class CTabRptAlrts final : public QDialog {
     void MakeTop(QVBoxLayout& layout);
     void MakeButtons(QVBoxLayout& layout);
     void MakeKeys();
-    /// Reads the alerts, and selects again what was selected.
+    /// False when not all could be read.
+    bool Read();
+    /// Reads the alerts anew, and selects again what was selected.
     void Fill();
+    void WarnOfFailure();
     void ShowRows();
     void EnableButtons();
     void Search();
@@ -81,7 +84,7 @@ class CTabRptAlrts final : public QDialog {
     QPushButton* m_filter = nullptr;
     AlertActions* m_actions;
     std::optional<NavigateRequest> m_place;
-    bool m_isShown = false;
+    bool m_isRead = true; ///< or else the user has still to be told
 };
 
 } // namespace tavix

@@ -9,6 +9,7 @@
 #include "drill/ui/PrintWhole.h"
 #include "grid/ui/CUGCtrl.h"
 #include "settings/Settings.h"
+#include "support/RunScript.h"
 #include "support/SampleRepository.h"
 
 #include <QApplication>
@@ -126,6 +127,15 @@ TEST_F(AlertsWindow, ListsAllAlertsOfTheRepositoryRaisedOnesFirst) {
     EXPECT_TRUE(grid().hasFocus());
     press(Qt::Key_C, Qt::ControlModifier);
     EXPECT_THAT(toUtf8(QApplication::clipboard()->text()), HasSubstr("Many cities\tStandard Metric\tcity\t"));
+}
+
+TEST_F(AlertsWindow, ShowsWhatWasReadWhenTheRepositoryFails) {
+    testing::runScript(m_sample.path, "ALTER TABLE alert_property RENAME TO gone");
+    m_messages.expectWarn("Error occurred while retrieving alert list:\n\nThe repository \"" + m_sample.path +
+                          "\" is not built as it should be: no such table: alert_property.");
+    open();
+    EXPECT_EQ(0U, m_messages.pending());
+    EXPECT_EQ(3U, column(0).size());
 }
 
 TEST_F(AlertsWindow, IsSearchedAndFilteredByKeyboard) {
