@@ -44,8 +44,8 @@ void checkText(const std::string& text) {
 } // namespace
 
 CLI::App* AlertsCommand::declare(CLI::App& program) {
-    CLI::App* command = program.add_subcommand(
-        "alerts", "List the alerts of a job and those that a run raises; try, add, mute and remove alerts");
+    CLI::App* command =
+        program.add_subcommand("alerts", "List alerts and those that a run raises; try, add or mute one");
     command->add_option("-t,--table", m_table, "Only the alerts of this table")->type_name("NAME");
     command->add_flag("--raised", m_raised, "Only the alerts that are raised and not muted");
     command->add_flag("--all", m_all, "The alerts of all jobs, each checked against the latest run of its job");

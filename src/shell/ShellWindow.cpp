@@ -75,6 +75,7 @@ ShellWindow::ShellWindow(TavixHost& host, Messages& messages)
     m_place->setContentsMargins(8, 3, 8, 3);
     statusBar()->addWidget(m_place, 1);
     m_alerts->setObjectName(QStringLiteral("alertCounts"));
+    m_alerts->setAccessibleName(QStringLiteral("Alerts"));
     m_alerts->setToolTip(QStringLiteral("Alerts of the run that is shown; opens the list of all alerts"));
     m_alerts->setAutoRaise(true);
     // The command is in the menu, too.
@@ -290,6 +291,7 @@ void ShellWindow::updateState() {
     m_place->setText(m_repository.empty() ? QStringLiteral("No repository is open") : toQString(m_repository));
     const std::string alerts = reportShown ? m_host.GetAlertsText() : std::string();
     m_alerts->setText(toQString(alerts));
+    m_alerts->setAccessibleName(QStringLiteral("Alerts, ") + m_alerts->text());
     m_alerts->setVisible(!alerts.empty());
     m_counts->setText(m_repository.empty() ? QString()
                       : reportShown ? counted(static_cast<std::size_t>(m_actions->runCount()), QStringLiteral("run"))

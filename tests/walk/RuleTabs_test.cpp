@@ -95,8 +95,9 @@ TEST_F(RuleTabs, ShowWhatTheRunFoundAndHowItWasBefore) {
     table.SelectTab(CTableView::Alerts);
     EXPECT_THAT(rows(*table.GetTab(CTableView::Alerts).findChild<CUGCtrl*>(), 3),
                 ElementsAre("Null Count for field size is greater than 0|Standard Metric|size",
-                            "mm for custom metric Sum of sizes is less than 1|Custom Metric|Sum of sizes",
-                            "Sizes are wrong|Business Rule|Size is a number"));
+                            "Sizes are wrong|Business Rule|Size is a number",
+                            "mm for custom metric Sum of sizes is less than 1|Custom Metric|Sum of sizes"))
+        << "raised ones come first";
 
     // An earlier run without violations.
     table.SelectTab(CTableView::BusinessRules);

@@ -225,8 +225,10 @@ void CProfTabCtrl::SetCount(int index, int count, AlertMark mark, const QString&
     Count now{count > 0 ? QString::number(std::min(count, kMostCount)) : QString(), mark};
     if (count > kMostCount)
         now.text += u'+';
-    if (std::exchange(m_counts[static_cast<std::size_t>(index)], now) != now)
-        FitTabs();
+    if (std::exchange(m_counts[static_cast<std::size_t>(index)], now) == now)
+        return;
+    setTabText(index, tabText(index)); // which measures the tabs again
+    FitTabs();
 }
 
 QFont CProfTabCtrl::CountFont() const {

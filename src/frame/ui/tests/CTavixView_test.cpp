@@ -245,7 +245,7 @@ TEST_F(PanesOverSample, PaneOrderOfHintsCommandsKeyboardAndEnd) {
     }
     EXPECT_EQ("nir", stops);
 
-    for (const int later : {57607, 32774, 32783, 32787, 32829, 32839, 32843, 32871, 32873, 32875, 32877, 32909}) {
+    for (const int later : {57607, 32774, 32783, 32787, 32839, 32843, 32871, 32873, 32875, 32877, 32909}) {
         EXPECT_FALSE(m_view->GetTavixMain().Execute(later)) << later;
         EXPECT_EQ(CommandState(), m_view->GetTavixMain().Update(later)) << later;
     }

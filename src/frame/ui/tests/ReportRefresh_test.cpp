@@ -144,7 +144,7 @@ TEST_F(ReportRefresh, EachTabFillsAgainOnItsHintsAlone) {
     EXPECT_THAT(ofField(CFieldView::KeyAnalysis), ElementsAre(OptionsChanged));
     EXPECT_THAT(ofField(CFieldView::Notes), ElementsAre(OptionsChanged, NotesChanged));
     ASSERT_TRUE(selectTable("customers"));
-    EXPECT_THAT(refilling(), ElementsAre(CollectionsRefreshed, OptionsChanged));
+    EXPECT_THAT(refilling(), ElementsAre(CollectionsRefreshed, OptionsChanged, HistoryDeleted));
     report().SelectTab(CTableView::Visualizations);
     EXPECT_THAT(refilling(), ElementsAre(OptionsChanged));
     report().SelectTab(CTableView::CustomMetrics);

@@ -172,6 +172,7 @@ TEST_F(StdMetTab, AFigureShowsWhatItsAlertsSayAndTheListMakesNewOnes) {
         QCoreApplication::processEvents();
         return title;
     };
+    grid().setFocus();
     grid().setCurrentIndex(figure());
     EXPECT_EQ("Add Alert", press());
     grid().setCurrentIndex(grid().model()->index(static_cast<int>(grid().GetCurrentRow()), 0));
