@@ -123,7 +123,7 @@ TEST_F(HostOverSample, CommandsFollowTheNavigatorsPage) {
 
     EXPECT_FALSE(m_host.ExecuteCommand(1));
     EXPECT_EQ(TavixCommandState{}, m_host.ExecuteUpdateUICommand(1));
-    EXPECT_EQ(18U, TavixHost::GetCommands().size());
+    EXPECT_EQ(19U, TavixHost::GetCommands().size());
     EXPECT_TRUE(m_host.ExecuteCommand(static_cast<int>(CommandId::New)));
     EXPECT_FALSE(m_host.HasReport());
     EXPECT_FALSE(isShown("standardMetrics"));
