@@ -172,6 +172,9 @@ TEST_F(StdMetTab, AFigureShowsWhatItsAlertsSayAndTheListMakesNewOnes) {
         QCoreApplication::processEvents();
         return title;
     };
+    // Keys of actions need the active window.
+    m_tab->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(m_tab.get()));
     grid().setFocus();
     grid().setCurrentIndex(figure());
     EXPECT_EQ("Add Alert", press());
