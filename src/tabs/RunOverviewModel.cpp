@@ -2,6 +2,7 @@
 
 #include "base/NumberText.h"
 #include "report/AlertMarks.h"
+#include "report/AlertTexts.h"
 #include "report/CountText.h"
 #include "report/FieldBreakdown.h"
 #include "tabs/MetricText.h"
@@ -9,7 +10,6 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <optional>
 #include <utility>
 
 namespace tavix {
@@ -32,14 +32,11 @@ GridColumn countColumn(std::string_view heading, int width) {
     return listColumn(heading, width, CellAlignment::Right);
 }
 
-/// Whole numbers in groups of digits, others with two places.
-GridCell figureCell(const std::optional<double>& figure) {
-    if (!figure)
-        return textCell({}, CellAlignment::Right);
-    const bool isWhole = std::abs(*figure) < 1e15 && *figure == std::trunc(*figure);
-    GridCell cell = textCell(isWhole ? groupedCount(static_cast<std::int64_t>(*figure)) : formatFixed(*figure, 2),
-                             CellAlignment::Right);
-    cell.order = formatReal(*figure);
+/// With its unit, and sorted by its value.
+GridCell figureCell(const AlertState& alert) {
+    GridCell cell = textCell(alertFigureText(alert), CellAlignment::Right);
+    if (alert.figure)
+        cell.order = formatReal(*alert.figure);
     return cell;
 }
 
@@ -389,7 +386,7 @@ void RunOverviewModel::FillAlerts() {
     for (const AlertState& alert : m_overview.raisedAlerts) {
         if (!ShowsTable(alert.tableId))
             continue;
-        lines.push_back({{nameCell(alert.condition(), CellIcon::None), textCell(alert.table), figureCell(alert.figure),
+        lines.push_back({{nameCell(alert.condition(), CellIcon::None), textCell(alert.table), figureCell(alert),
                           textCell(alertLevelWord(alert.rule->level))},
                          doorOf(alert),
                          alertLines({&alert, 1}, m_locale)});
