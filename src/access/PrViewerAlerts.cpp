@@ -14,7 +14,7 @@ namespace {
 constexpr std::int64_t kFirstRules = 2;
 constexpr std::string_view kFindAlert = "SELECT 1 FROM alert WHERE id = ?1";
 
-/// `alert`, or in an older repository what stands for it.
+/// `alert`, or a query that gives an older repository its columns.
 std::string_view alertTable(std::int64_t version) {
     return version >= repository::kFirstUserAlerts
                ? "alert"

@@ -9,7 +9,7 @@
 
 namespace tavix {
 
-/// What the user points at: alerts of a list, or a figure with the alerts that watch it.
+/// The alerts of a list that the user points at, or a figure with the alerts that watch it.
 struct AlertTarget {
     /// The figure that a new alert would watch; its rule and description are not read. Nothing where no figure is.
     std::optional<AlertDefinition> figure;

@@ -16,7 +16,7 @@ namespace tavix {
 
 class PrViewer;
 
-/// What a change is measured against, as the user chooses it: the run before is the mean of one run.
+/// The reference of a change as the user chooses it: the run before is the mean of one run.
 enum class AgainstChoice { RunBefore, Mean, Median, SameWeekday };
 
 /// An alert while a user makes or edits it, with what the stored runs say about it. Limits are kept as texts, so that
@@ -89,7 +89,7 @@ class AlertDraft {
     /// Whether the user would lose something with it.
     [[nodiscard]] bool IsChanged() const;
 
-    // What the history says.
+    // From the history.
     /// The runs with their verdicts; without verdicts until the limits are numbers.
     [[nodiscard]] const AlertBackTest& GetBackTest() const { return m_test; }
     /// "It would have been raised in 3 of 12 runs.", or why that cannot be said.

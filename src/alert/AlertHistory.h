@@ -13,7 +13,7 @@ namespace tavix {
 
 class PrViewer;
 
-/// What happened to an alert, the latest first: notes, changes of its condition, its mute, its making.
+/// The history of an alert, the latest first: notes, changes of its condition, its mute, its making.
 class AlertHistory {
   public:
     enum class Kind { Note, Change, Mute, Made };

@@ -38,7 +38,7 @@ struct PrintedPage {
     double titleEnd = 0; ///< where a line below the page's heading is drawn
 };
 
-/// What is said at the head of each page.
+/// The texts at the head of each page.
 struct PrintHeading {
     std::string title; ///< "Tavix Alerts Report"
     std::string note;  ///< the filter

@@ -21,7 +21,8 @@ class CAlertsFilter {
 
     /// "Data Source", "Catalog", ...: the label of the criterion.
     [[nodiscard]] static std::string_view LabelOf(Criterion criterion);
-    /// What the criterion compares: the name of the data source, catalog, schema, object or table, or the type's word.
+    /// The text that the criterion compares: the name of the data source, catalog, schema, object or table, or the
+    /// type's word.
     [[nodiscard]] static std::string ValueOf(Criterion criterion, const AlertState& alert);
     /// The values that the alerts have, without the empty one, sorted.
     [[nodiscard]] static std::vector<std::string> ValuesOf(Criterion criterion, const std::vector<AlertState>& alerts);

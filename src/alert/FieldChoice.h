@@ -32,7 +32,7 @@ class FieldChoice {
     /// "3 of 12 fields chosen".
     [[nodiscard]] std::string GetSummary() const;
     [[nodiscard]] std::size_t CountChosen() const;
-    /// What is to be stored; with the sentence as description, since words on one field need not suit another.
+    /// The alerts to be stored; with the sentence as description, since words on one field need not suit another.
     [[nodiscard]] std::vector<AlertDefinition> GetCopies() const;
 
   private:

@@ -7,7 +7,7 @@
 
 namespace tavix {
 
-/// What the alerts that watch a figure say about it, the least grave first.
+/// The mark of a figure by the alerts that watch it, the least grave first.
 enum class AlertMark : std::uint8_t {
     None, ///< no alert watches it
     Quiet,

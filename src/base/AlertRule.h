@@ -41,7 +41,7 @@ enum class AlertLevel { Warning, Error };
 
 [[nodiscard]] std::string_view alertLevelWord(AlertLevel level);
 
-/// What a change is measured against.
+/// The figure that a change is measured against.
 enum class AlertReference {
     Mean,        ///< of the last `runs` runs that have the figure: with 1, the run before
     Median,      ///< of the same

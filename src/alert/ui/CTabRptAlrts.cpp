@@ -142,9 +142,11 @@ void CTabRptAlrts::MakeButtons(QVBoxLayout& layout) {
     // Enter is for the list and the search, not for a default button.
     for (QAbstractButton* button : buttons->buttons())
         static_cast<QPushButton*>(button)->setAutoDefault(false);
+    // Above the buttons, which leave it no room in a narrow window.
+    m_count->setContentsMargins(kMargin, kMargin - 2, kMargin, 0);
+    layout.addWidget(m_count);
     auto* line = new QHBoxLayout();
     line->setContentsMargins(kMargin, kMargin - 2, kMargin, kMargin);
-    line->addWidget(m_count, 1);
     line->addWidget(buttons);
     layout.addLayout(line);
 }

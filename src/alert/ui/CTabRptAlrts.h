@@ -21,7 +21,7 @@ class CUGCtrl;
 class CViewSite;
 class ElidedLabel;
 
-/// What the alerts window asks its user.
+/// The questions of the alerts window to its user.
 struct AlertsDialogs {
     AlertsDialogs();
 

@@ -159,6 +159,9 @@ TEST_F(StdMetTab, AFigureShowsWhatItsAlertsSayAndTheListMakesNewOnes) {
     EXPECT_EQ(figure(), grid().currentIndex()) << "where the user was";
 
     // Insert on a figure asks for the alert, elsewhere it does nothing.
+    QApplication::setActiveWindow(m_tab.get());
+    ASSERT_TRUE(QTest::qWaitForWindowActive(m_tab.get()));
+    grid().setFocus();
     std::string title;
     const auto press = [&] {
         title.clear();
@@ -172,10 +175,6 @@ TEST_F(StdMetTab, AFigureShowsWhatItsAlertsSayAndTheListMakesNewOnes) {
         QCoreApplication::processEvents();
         return title;
     };
-    // Keys of actions need the active window.
-    m_tab->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(m_tab.get()));
-    grid().setFocus();
     grid().setCurrentIndex(figure());
     EXPECT_EQ("Add Alert", press());
     grid().setCurrentIndex(grid().model()->index(static_cast<int>(grid().GetCurrentRow()), 0));
